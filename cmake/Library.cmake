@@ -1,0 +1,32 @@
+# The library: one set of objects, linked into the shared library that is installed, and into the tests, which also
+# reach what the shared library hides.
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
+file(CREATE_LINK ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/include/qellib10 SYMBOLIC)
+
+add_library(qellib10_objects OBJECT)
+target_include_directories(qellib10_objects PUBLIC ${PROJECT_BINARY_DIR}/include)
+target_compile_features(qellib10_objects PUBLIC cxx_std_20)
+target_link_libraries(qellib10_objects PRIVATE qellib10_flags)
+
+add_library(qellib10 SHARED)
+add_library(QELLIB10::qellib10 ALIAS qellib10)
+set_target_properties(qellib10 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
+target_link_libraries(qellib10 PRIVATE qellib10_objects)
+target_compile_features(qellib10 PUBLIC cxx_std_20)
+target_include_directories(qellib10 PUBLIC
+  $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+# qellib10_files(SOURCES a.cpp ... HEADERS a.h ...): adds a folder's sources to the library and installs its headers
+# below include/qellib10/ in the same folder. Headers that only the library itself includes are not named.
+function(qellib10_files)
+  cmake_parse_arguments(PARSE_ARGV 0 ARG "" "" "SOURCES;HEADERS")
+  target_sources(qellib10_objects PRIVATE ${ARG_SOURCES})
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  install(FILES ${ARG_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/${folder} COMPONENT development)
+endfunction()
+
+# qellib10_requires(target ...): libraries that the sources of a folder call; consumers never see them.
+function(qellib10_requires)
+  target_link_libraries(qellib10_objects PRIVATE ${ARGN})
+  target_link_libraries(qellib10 PRIVATE ${ARGN})
+endfunction()

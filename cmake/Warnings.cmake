@@ -1,0 +1,11 @@
+# Flags that every target of ours is compiled with; nothing of it reaches a consumer.
+add_library(qellib10_flags INTERFACE)
+target_compile_options(qellib10_flags INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wshadow;-Wconversion;-Wno-sign-conversion;-Wnon-virtual-dtor;-Wold-style-cast;-Wformat=2>)
+if(QELLIB10_WERROR)
+  target_compile_options(qellib10_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Werror>)
+endif()
+if(QELLIB10_SANITIZE)
+  add_compile_options(-fsanitize=${QELLIB10_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${QELLIB10_SANITIZE})
+endif()

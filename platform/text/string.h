@@ -1,0 +1,101 @@
+#pragma once
+
+#include <compare>
+#include <cstdarg>
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/types.h"
+
+/// Text of bytes in the process's code page, with value semantics. Lengths and positions count bytes; text may hold
+/// zero bytes. Searches and comparisons step by characters, so that the trail byte of a double-byte character never
+/// matches a letter, a backslash or a bracket; Left, Mid and Right cut at any byte (CQVariant::MBLeft does not).
+class QELLIB10_API CString {
+public:
+    CString() noexcept = default;
+    /// A null pointer is the empty text.
+    CString(const char* text);
+    CString(const char* text, int length);  ///< @p length below 0 counts as 0
+    explicit CString(char character, int repeat = 1);
+    explicit CString(std::string_view text) : m_text(text) {}
+
+    int GetLength() const noexcept { return static_cast<int>(m_text.size()); }
+    bool IsEmpty() const noexcept { return m_text.empty(); }
+    void Empty() noexcept { m_text.clear(); }
+    /// The byte at @p index; 0 outside the text.
+    char GetAt(int index) const noexcept;
+    char operator[](int index) const noexcept { return GetAt(index); }
+    operator const char*() const noexcept { return m_text.c_str(); }
+
+    CString& operator=(const char* text);
+    CString& operator+=(const CString& text);
+    CString& operator+=(const char* text);
+    CString& operator+=(char character);
+
+    CString Left(int count) const;
+    CString Right(int count) const;
+    CString Mid(int first) const;
+    CString Mid(int first, int count) const;
+
+    /// Position of the first match at or behind @p start, or -1; -1 also for a @p start outside the text. @p start is
+    /// the beginning of a character.
+    int Find(char character, int start = 0) const;
+    int Find(const char* text, int start = 0) const;
+    int ReverseFind(char character) const;
+    /// Position of the first character that stands in @p set, or -1.
+    int FindOneOf(const char* set) const;
+
+    /// Replaces every match, left to right; what was put in is not searched again.
+    /// @return the number of replacements
+    int Replace(const char* old, const char* replacement);
+    int Replace(char old, char replacement);
+
+    /// Without argument: blanks 09-0D and 20; else the given character, or all characters of a set.
+    void TrimLeft();
+    void TrimLeft(char character);
+    void TrimLeft(const char* set);
+    void TrimRight();
+    void TrimRight(char character);
+    void TrimRight(const char* set);
+
+    /// As printf, with "." as the decimal sign whatever the locale. Arguments may point into this text.
+    void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    void FormatV(const char* format, va_list arguments) __attribute__((format(printf, 2, 0)));
+
+    /// Order by characters, -1, 0 or 1; the second form without regard to the case of Latin letters.
+    int Compare(const char* other) const;
+    int CompareNoCase(const char* other) const;
+
+    /// At least @p minimum + 1 writable bytes that begin with the text; ReleaseBuffer sets the new length, by default
+    /// up to the first zero byte.
+    char* GetBuffer(int minimum);
+    void ReleaseBuffer(int length = -1);
+
+    /// The text of @p id from the registered string tables.
+    /// @return 0 and the empty text when no table has it
+    BOOL LoadString(UINT id);
+
+    friend bool operator==(const CString& a, const CString& b) noexcept { return a.m_text == b.m_text; }
+    friend bool operator==(const CString& a, const char* b) noexcept { return a.m_text == (b != nullptr ? b : ""); }
+    friend std::weak_ordering operator<=>(const CString& a, const CString& b) { return a.Order(b.m_text) <=> 0; }
+    friend std::weak_ordering operator<=>(const CString& a, const char* b) {
+        return a.Order(b != nullptr ? b : "") <=> 0;
+    }
+
+    /// All bytes, zero bytes included.
+    std::string_view View() const noexcept { return m_text; }
+
+private:
+    int Order(std::string_view other) const;
+    void TrimLeftSet(std::string_view set);
+    void TrimRightSet(std::string_view set);
+
+    std::string m_text;
+};
+
+QELLIB10_API CString operator+(const CString& a, const CString& b);
+QELLIB10_API CString operator+(const CString& a, const char* b);
+QELLIB10_API CString operator+(const char* a, const CString& b);
+QELLIB10_API CString operator+(const CString& a, char b);
+QELLIB10_API CString operator+(char a, const CString& b);

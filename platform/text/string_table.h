@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+namespace qel {
+
+enum class Language { English, Japanese };
+
+/// The language of table texts: environment QELLIB10_LANGUAGE (`ja`, else English) at the start. The code page does not
+/// decide it.
+QELLIB10_API Language TableLanguage() noexcept;
+QELLIB10_API void SetTableLanguage(Language language) noexcept;
+
+/// One text of a table in both languages, in UTF-8, never empty.
+struct StringTableEntry {
+    UINT id;
+    const char* english;
+    const char* japanese;
+};
+
+/// Adds a table of the application's own. Its ids win over those of tables registered before. The entries must live as
+/// long as the process. Safe from any thread.
+QELLIB10_API void RegisterStringTable(std::span<const StringTableEntry> entries);
+
+/// The text of @p id in the current language, converted to the process's code page.
+QELLIB10_API std::optional<CString> LookUpString(UINT id);
+
+}  // namespace qel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+
+// The framework's integer types, in the widths that its file formats and interfaces count on.
+using BOOL = int;  // 0 or not 0
+using BYTE = std::uint8_t;
+using WORD = std::uint16_t;
+using DWORD = std::uint32_t;
+using UINT = std::uint32_t;
+using LONG = std::int32_t;
+using ULONG = std::uint32_t;
+using LONGLONG = std::int64_t;
+using ULONGLONG = std::uint64_t;
+using LPSTR = char*;
+using LPCSTR = const char*;
+
+/// A handle as the framework passes it: opaque, compared and handed back only. 0 is "none".
+using HANDLE = void*;
+
+/// The longest path, its terminating zero included, in bytes.
+inline constexpr int MAX_PATH = 260;
+
+/// The 128-bit identifier in the layout that records and documents keep it in.
+struct GUID {
+    std::uint32_t Data1;
+    std::uint16_t Data2;
+    std::uint16_t Data3;
+    std::uint8_t Data4[8];
+};
+static_assert(sizeof(GUID) == 16);
