@@ -1,0 +1,19 @@
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+// The entry of every test program. Each program runs a second time with QELLIB10_TEST_LOCALE naming a locale whose
+// decimal sign is a comma: no text, number or file of ours may follow it.
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (const char* name = std::getenv("QELLIB10_TEST_LOCALE")) {
+        if (std::setlocale(LC_ALL, name) == nullptr || std::strcmp(std::localeconv()->decimal_point, ",") != 0) {
+            std::fprintf(stderr, "%s is no locale with a decimal comma\n", name);
+            return 2;
+        }
+    }
+    return RUN_ALL_TESTS();
+}
