@@ -1,12 +1,10 @@
 #include "qellib10/platform/text/string.h"
 
-#include <locale.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <new>
 
+#include "qellib10/platform/text/c_locale.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/text/string_table.h"
 
@@ -27,18 +25,12 @@ bool Contains(std::string_view set, std::string_view character) {
 // Switches this thread to the C locale for one formatting call.
 class NumbersInCLocale {
 public:
-    NumbersInCLocale() : m_previous(uselocale(CLocale())) {}
+    NumbersInCLocale() : m_previous(uselocale(qel::CLocale())) {}
     ~NumbersInCLocale() { uselocale(m_previous); }
     NumbersInCLocale(const NumbersInCLocale&) = delete;
     NumbersInCLocale& operator=(const NumbersInCLocale&) = delete;
 
 private:
-    static locale_t CLocale() {
-        static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-        if (locale == nullptr) throw std::bad_alloc();
-        return locale;
-    }
-
     locale_t m_previous;
 };
 

@@ -1,0 +1,189 @@
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/time/ole_date_time.h"
+#include "qellib10/platform/time/time.h"
+#include "qellib10/platform/types.h"
+#include "qellib10/platform/variant/ole_variant.h"
+
+/// The conversions between numbers, texts and times that displays, transfer texts, CSV files and queries share, as
+/// static helpers; an object is a small value holder.
+///
+/// Texts are in the process's code page and never cut inside a double-byte character; the decimal sign is "." whatever
+/// the locale. A null text counts as the empty one. Widths and numbers of digits that are written out are taken within
+/// 0 to 512. The helpers keep no state and may be called from any thread. Nothing is thrown but std::bad_alloc.
+class QELLIB10_API CQVariant {
+public:
+    // --- Rounding, numbers to text ---
+
+    /// Rounds to @p digits places. Every displayed and stored result is rounded by this rule, so it stays as it is:
+    ///
+    /// From 0 digits on, |x| * 10^(digits + 1) + 0.01 is cut to a whole number, whose last digit alone decides, for
+    /// @p mode 0 up from 5 on, below 0 never (toward zero), above 0 for all but 0 (away from zero). The 0.01 absorbs
+    /// what doubles lack: 1.005 rounds to 1.01. Digits behind that one are not looked at, also with mode above
+    /// 0: 1.0001 with 2 digits stays 1. A negative number that rounds to nothing gives -0. Numbers beyond 2^63 in those
+    /// units, infinities and NaN come back unchanged.
+    ///
+    /// Below 0 digits (-2: hundreds) the modes are -1, 0 and 1; any other gives |x| * 10^-digits with the sign of x.
+    static double fround(double x, int digits, int mode);
+
+    /// @p x by fround with exactly @p digits places. For 0 and fewer the rounded number as an int, -2147483648 when it
+    /// is outside the range of int.
+    static CString DoubleToStr(double x, int digits, int mode);
+
+    /// A sign ("-" or a blank) and |x| with @p decimals places, not by fround: a tie goes away from zero. At most
+    /// @p width bytes of it and a zero go to @p out, which has width + 1 bytes.
+    static void DoubleToStr(double x, char* out, int width, int decimals);
+
+    /// Four digits and an exponent of two, the width for columns of results: 1234.5 gives "  1.235E+03". An exponent
+    /// that needs three digits keeps them, in 12 columns: "  1.000E+100".
+    static CString ExponentialDigit3to2(double x);
+
+    static CString IntToStr(int n);
+    /// Right-aligned in @p width columns; what does not fit is cut off on the left.
+    static CString IntToStr(int n, int width);
+
+    /// What stands for a missing number: 3 and 2 give ---.--
+    static CString NoNumericStr(int intDigits, int decDigits);
+
+    // --- Text to numbers ---
+
+    /// The whole number that the first @p n bytes of @p s begin with, as atoi reads it; beyond the range of int its
+    /// last value. A first "-" is taken off and the rest negated, so "--5" is 5 and "- 5" is -5. No number is 0.
+    static int StrToInt(const char* s, int n);
+    static int StrToInt(const CString& s);
+
+    /// The number that the first @p n bytes of @p s begin with, as atof reads it; a first "-" as in StrToInt. Before
+    /// reading, ".000" is appended to a text without a point and "000" to one with a point, which lengthens an exponent
+    /// behind a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without a point read right, and stored ones
+    /// have none of the others.
+    static double StrToDouble(const char* s, int n);
+    static double StrToDouble(const CString& s);
+
+    /// @p s when it has the form of a number: digits and any number of points, a sign before them if anything follows;
+    /// or when it is empty. Else "NULL", as queries write it.
+    static CString NoNumericToNull(const char* s);
+
+    // --- Hexadecimal transfer texts ---
+
+    /// 0-9 and A-F; every other character, a-f too, is 0.
+    static int hex1int(char c);
+    /// Two digits, the higher first. A missing one is 0.
+    static int hex2int(const char* s);
+    /// The four bytes of @p f, the least significant first, as eight hexadecimal digits and a zero (9 bytes).
+    static void float2asc(float f, char* out);
+    static float asc2float(const char* s);
+
+    // --- Times ---
+
+    /// Seconds, cut to whole ones, as days (if any), hours, minutes, seconds: 90061 is "1 1:01:01", 59 is "0:00:59".
+    /// Below 0 each part has its own sign. NaN and numbers beyond 64 bits give the empty text.
+    static CString DoubleToDatetimeStr(double seconds);
+    /// The same without days: 90061 is "25:01:01".
+    static CString DoubleToTimeStr(double seconds);
+    /// The same with hours of two digits: 3661 is "01:01:01".
+    static CString DoubleToTimeH2Str(double seconds);
+
+    /// The time whose year, month, day, hour, minute and second are each the larger of the two local ones. Kept on
+    /// purpose: it can be later than both, and of January 31 and February 1 it is March 3 (or 2).
+    static CTime MaxCTime(const CTime& a, const CTime& b);
+
+    // --- Texts ---
+
+    /// -1 for the lead byte of a double-byte character, else 0; always 0 in a code page other than 932.
+    static int Check2Byte1(char c);
+
+    /// Copies at most @p n bytes in whole characters and fills up with zeros; @p dst has n + 1 bytes and ends in a
+    /// zero.
+    static void strncopy(char* dst, const char* src, int n);
+
+    /// At most @p n bytes of @p s, in whole characters.
+    static CString MBLeft(const char* s, int n);
+
+    /// Takes blanks (09-0D and 20) off both ends.
+    static void Trim(CString& s);
+
+    /// Takes the part before the first @p sep, and @p sep itself, off @p s and returns the part; all of @p s when there
+    /// is none. Repeated calls walk a list.
+    static CString Split(CString& s, char sep);
+
+    /// Without the digits at the end.
+    static CString CutLastValue(const char* s);
+
+    /// Order in which Sample9 stands before Sample10: by the texts without the digits at their ends, then by the
+    /// numbers that these are (StrToInt; none is 0). @return 1, 0 or -1. Different texts may be equal: a01 and a1.
+    static int StrCmp(const char* a, const char* b);
+    /// The same without regard to the case of Latin letters.
+    static int StrCmpi(const char* a, const char* b);
+
+    /// @p s as a CSV field: in quotation marks, those inside doubled, when it holds a comma, a quotation mark, * or /.
+    static CString STRtoCSV(const char* s);
+
+    /// @p s as a text of a query: in apostrophes, those inside doubled; the empty text stays empty. The second argument
+    /// has no meaning.
+    static CString GetDAOSQLQuate(const char* s, int);
+
+    /// "NULL" for the empty text, else @p s.
+    static CString EmptyToNull(const char* s);
+
+    /// Compares versions by their numbers, which stand between points or commas; a missing one is 0.
+    /// @return 1 when @p a is the higher one, -1 when @p b is, 0 for equal ones (1.2 and 1.2.0)
+    static int VersionCmp(const char* a, const char* b);
+
+    /// Sets @p value to @p fallback when it is below @p low, then when it is above @p high. The fallback itself is not
+    /// checked but for the second step.
+    static void Limit(int& value, int low, int high, int fallback);
+
+    /// The text of a string table, empty for an unknown id.
+    static CString LoadStringA(UINT id);
+
+    // --- Values of databases; qel::VariantText and its siblings tell the forms ---
+
+    static CString VarToStr(COleVariant v);
+    static std::u16string VarToBStr(COleVariant v);
+    static int VarToInt(COleVariant v);
+    static double VarToDouble(COleVariant v);
+
+    // --- The value holder ---
+
+    /// No value yet, type 0.
+    CQVariant() = default;
+    CQVariant(const CQVariant&) = default;
+    CQVariant(CQVariant&&) = default;
+    virtual ~CQVariant();
+
+    CQVariant& operator=(const CQVariant&) = default;
+    CQVariant& operator=(CQVariant&&) = default;
+    CQVariant& operator=(bool value);
+    CQVariant& operator=(int value);
+    CQVariant& operator=(float value);
+    CQVariant& operator=(double value);
+    CQVariant& operator=(const CString& value);
+    CQVariant& operator=(const char* value);  ///< stores a CString
+    CQVariant& operator=(const COleDateTime& value);
+
+    /// 0 none, 1 bool, 2 int, 3 float, 4 double, 5 CString, 6 COleDateTime
+    int GetType() const noexcept { return static_cast<int>(m_value.index()); }
+
+    /// Converts to another type: not possible, always 0. So values of different types are never equal, not even 1
+    /// and 1.0.
+    int ChangeType(int type);
+
+    /// Same type and same value; two without a value are not equal. NaN equals NaN, as neither is the smaller. Texts
+    /// are compared by characters up to the first zero byte.
+    bool operator==(const CQVariant& other) const;
+    bool operator==(bool value) const;
+    bool operator==(int value) const;
+    bool operator==(float value) const;
+    bool operator==(double value) const;
+    bool operator==(const CString& value) const;
+    bool operator==(const char* value) const;
+    bool operator==(const COleDateTime& value) const;
+
+private:
+    std::variant<std::monostate, bool, int, float, double, CString, COleDateTime> m_value;  // index = type
+};

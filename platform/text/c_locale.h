@@ -1,0 +1,11 @@
+#pragma once
+
+#include <clocale>  // locale_t too, on this system
+
+namespace qel {
+
+/// The C locale, for calls that would otherwise write or read by the locale of the process.
+/// @throws std::bad_alloc when the system cannot make it.
+locale_t CLocale();
+
+}  // namespace qel

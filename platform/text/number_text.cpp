@@ -1,0 +1,80 @@
+#include "qellib10/platform/text/number_text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string_view>
+
+namespace qel {
+namespace {
+
+// Sign, the 309 digits that a double may have before the point, the point, the decimals, and room for an exponent.
+using Buffer = std::array<char, 1 + 309 + 1 + kMostColumns + 8>;
+
+std::string_view Print(Buffer& buffer, double value, std::chars_format format, int precision) {
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, precision);
+    return {buffer.data(), result.ptr};
+}
+
+// The runtime that our texts are compared with rounds ties away from zero, to_chars to even. The neighbour away from
+// zero has the wanted text, since it lies beyond the tie.
+double BeyondTie(double value) { return std::nextafter(value, std::copysign(HUGE_VAL, value)); }
+
+bool IsOdd(double whole) { return std::fmod(std::fabs(whole), 2) == 1; }
+
+// Exactly between two texts with @p decimals decimals; below 0, between two multiples of that power of ten. A tie there
+// is an odd multiple of 5^-decimals, which no double is beyond 5^22.
+bool IsTie(double value, int decimals) {
+    if (decimals >= 0) return IsOdd(std::ldexp(value, decimals + 1));
+    if (decimals < -22) return false;
+    const double unit = std::pow(10.0, -decimals);
+    return std::fmod(std::fabs(value), unit) == unit / 2;
+}
+
+// Exponent of the first digit; from the digits themselves, a logarithm would be off beside powers of ten.
+int DecimalExponent(double value) {
+    Buffer buffer;
+    const std::string_view text = Print(buffer, value, std::chars_format::scientific, 16);
+    const std::string_view digits = text.substr(text.find('e') + 1);
+    int exponent = 0;
+    std::from_chars(digits.data() + 1, digits.data() + digits.size(), exponent);
+    return digits.front() == '-' ? -exponent : exponent;
+}
+
+}  // namespace
+
+std::string FixedText(double value, int decimals) {
+    decimals = std::clamp(decimals, 0, kMostColumns);
+    Buffer buffer;
+    return std::string(
+        Print(buffer, IsTie(value, decimals) ? BeyondTie(value) : value, std::chars_format::fixed, decimals));
+}
+
+std::string ExponentText(double value, int decimals) {
+    decimals = std::clamp(decimals, 0, kMostColumns);
+    Buffer buffer;
+    if (!std::isfinite(value)) return std::string(Print(buffer, value, std::chars_format::scientific, decimals));
+    if (IsTie(value, decimals - DecimalExponent(value))) value = BeyondTie(value);
+    std::string text(Print(buffer, value, std::chars_format::scientific, decimals));
+    const std::size_t mark = text.find('e');
+    text[mark] = 'E';
+    const std::size_t digits = text.size() - mark - 2;  // behind the mark and the sign
+    if (digits < 3) text.insert(mark + 2, 3 - digits, '0');
+    return text;
+}
+
+std::string GeneralText(double value, int digits) {
+    Buffer buffer;
+    std::string text(Print(buffer, value, std::chars_format::general, std::clamp(digits, 1, kMostColumns)));
+    if (std::isfinite(value)) std::ranges::replace(text, 'e', 'E');
+    return text;
+}
+
+int TruncatedToInt(double value) noexcept {
+    constexpr double kBeyond = 2147483648.0;
+    return value > -kBeyond - 1 && value < kBeyond ? static_cast<int>(value) : std::numeric_limits<int>::min();
+}
+
+}  // namespace qel
