@@ -2,7 +2,13 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "qellib10/platform/text/best_fit.h"
+#include "qellib10/platform/text/multibyte.h"
+#include "qellib10/platform/text/page_table.h"
+#include "qellib10/platform/text/unicode.h"
 
 namespace qel {
 namespace {
@@ -22,6 +28,122 @@ std::atomic<UINT>& CurrentPage() {
     return page;
 }
 
+// Text is taken as a run of ASCII, copied as it is, then one other character, then a run again. A reader offers the two
+// steps for one encoding, a writer takes them for another.
+
+// UTF-8 or UTF-16.
+template <typename View> class Reader {
+public:
+    explicit Reader(View text) : m_text(text) {}
+
+    bool AtEnd() const { return m_at == m_text.size(); }
+    View TakeAscii() {
+        const std::size_t begin = std::exchange(m_at, EndOfAscii(m_text, m_at));
+        return m_text.substr(begin, m_at - begin);
+    }
+    char32_t Take() { return NextCharacter(m_text, m_at); }
+
+protected:
+    View m_text;
+    std::size_t m_at = 0;
+};
+
+class PageReader : public Reader<std::string_view> {
+public:
+    PageReader(std::string_view text, const PageTable& table) : Reader(text), m_table(table) {}
+
+    char32_t Take() {
+        const auto byte = static_cast<unsigned char>(m_text[m_at++]);
+        if (!IsLeadByte(byte, m_table.page)) return m_table.singles[byte];
+        if (AtEnd()) return kInvalidPair;
+        const auto trail = static_cast<unsigned char>(m_text[m_at]);
+        // What cannot be a trail byte stands for itself, so that no quote, bracket or line end is ever swallowed.
+        if (trail < 0x40 || trail == 0x7F || trail > 0xFC) return kInvalidPair;
+        ++m_at;
+        const char16_t character = m_table.pairs[byte * 256U + trail];
+        return character != 0 ? character : kInvalidPair;
+    }
+
+private:
+    static constexpr char32_t kInvalidPair = 0x30FB;  // KATAKANA MIDDLE DOT, the platform's substitute
+
+    const PageTable& m_table;
+};
+
+// UTF-8 or UTF-16.
+template <typename String> class Writer {
+public:
+    explicit Writer(std::size_t sizeHint) { m_text.reserve(sizeHint); }
+
+    template <typename View> void PutAscii(View run) {
+        if constexpr (std::is_same_v<typename View::value_type, typename String::value_type>) {
+            m_text.append(run);
+        } else {
+            m_text.append(run.begin(), run.end());
+        }
+    }
+    void Put(char32_t character) { AppendCharacter(m_text, character); }
+    String Result() { return std::move(m_text); }
+
+private:
+    String m_text;
+};
+
+// What is written for a character that the page lacks: the best fit, else `?`; or a numeric character reference.
+enum class Missing { BestFit, Reference };
+
+class PageWriter {
+public:
+    PageWriter(std::size_t sizeHint, const PageTable& table, Missing missing) : m_table(table), m_missing(missing) {
+        m_text.reserve(sizeHint);
+    }
+
+    template <typename View> void PutAscii(View run) { m_text.append(run.begin(), run.end()); }
+    void Put(char32_t character) {
+        const unsigned code = character < m_table.codes.size() ? m_table.codes[character] : 0;
+        if (code != 0) {
+            PutCode(code);
+        } else if (m_missing == Missing::Reference) {
+            m_text.append("&#").append(std::to_string(static_cast<unsigned>(character))).append(";");
+        } else if (const unsigned fit = BestFit(character, m_table.page); fit != 0) {
+            PutCode(fit);
+        } else {
+            m_text.append(character > 0xFFFF ? 2 : 1, '?');  // one for each UTF-16 unit, as the platform counts
+        }
+    }
+    std::string Result() { return std::move(m_text); }
+
+private:
+    void PutCode(unsigned code) {
+        if (code > 0xFF) m_text += static_cast<char>(code >> 8);
+        m_text += static_cast<char>(code & 0xFF);
+    }
+
+    const PageTable& m_table;
+    Missing m_missing;
+    std::string m_text;
+};
+
+template <typename From, typename To> auto Convert(From from, To to) {
+    for (;;) {
+        to.PutAscii(from.TakeAscii());
+        if (from.AtEnd()) return to.Result();
+        to.Put(from.Take());
+    }
+}
+
+template <typename To> auto FromPage(std::string_view text) {
+    const UINT page = CodePage();
+    if (page == kCodePageUtf8) return Convert(Reader(text), To(text.size()));
+    return Convert(PageReader(text, TableOfPage(page)), To(text.size()));
+}
+
+template <typename View> std::string ToPage(View text, Missing missing) {
+    const UINT page = CodePage();
+    if (page == kCodePageUtf8) return Convert(Reader(text), Writer<std::string>(text.size()));
+    return Convert(Reader(text), PageWriter(text.size(), TableOfPage(page), missing));
+}
+
 }  // namespace
 
 UINT CodePage() noexcept { return CurrentPage().load(std::memory_order_relaxed); }
@@ -32,9 +154,10 @@ bool SetCodePage(UINT page) noexcept {
     return true;
 }
 
-std::string ToUtf8(std::string_view text) { return std::string(text); }
-std::string FromUtf8(std::string_view utf8) { return std::string(utf8); }
-std::u16string ToUtf16(std::string_view text) { return std::u16string(text.begin(), text.end()); }
-std::string FromUtf16(std::u16string_view utf16) { return std::string(utf16.begin(), utf16.end()); }
+std::string ToUtf8(std::string_view text) { return FromPage<Writer<std::string>>(text); }
+std::u16string ToUtf16(std::string_view text) { return FromPage<Writer<std::u16string>>(text); }
+std::string FromUtf8(std::string_view utf8) { return ToPage(utf8, Missing::BestFit); }
+std::string FromUtf8WithReferences(std::string_view utf8) { return ToPage(utf8, Missing::Reference); }
+std::string FromUtf16(std::u16string_view utf16) { return ToPage(utf16, Missing::BestFit); }
 
 }  // namespace qel

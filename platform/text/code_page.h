@@ -21,11 +21,17 @@ QELLIB10_API UINT CodePage() noexcept;
 /// @return false for a page other than the three; nothing is changed.
 QELLIB10_API bool SetCodePage(UINT page) noexcept;
 
-/// Converts text of the process's code page to UTF-8, and back. Neither fails: invalid bytes become U+30FB (932) or
-/// U+FFFD (65001); characters that the page lacks become their best fit as the platform chooses it, then `?`.
-/// @throws DataError when the system has no converter for the page.
+/// Converts text of the process's code page to UTF-8, and back. Neither fails: bytes that are no character become
+/// U+30FB (932) or U+FFFD (65001); a character that the page lacks becomes its best fit as the platform chooses it (µ
+/// is the Greek letter in 932), else one `?` for each of its UTF-16 units. Every byte of 932 and 1252 that the platform
+/// maps is mapped, also those that iconv leaves out. Safe from any thread.
+/// @throws std::runtime_error when the system has no converter for the page
 QELLIB10_API std::string ToUtf8(std::string_view text);
 QELLIB10_API std::string FromUtf8(std::string_view utf8);
+
+/// As FromUtf8, for text inside XML: what the page lacks is written as a reference, `&#228;` in place of a best fit, so
+/// that nothing is lost.
+QELLIB10_API std::string FromUtf8WithReferences(std::string_view utf8);
 
 /// The same to and from UTF-16 code units in host order.
 QELLIB10_API std::u16string ToUtf16(std::string_view text);
