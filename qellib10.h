@@ -2,8 +2,16 @@
 
 // All public headers of the library; an application needs no other include.
 #include "qellib10/base/q_variant.h"
+#include "qellib10/platform/archive/archive.h"
+#include "qellib10/platform/archive/archive_exception.h"
+#include "qellib10/platform/archive/object.h"
+#include "qellib10/platform/endian.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/export.h"
+#include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/storage/file.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/mem_file.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/text/number_scan.h"

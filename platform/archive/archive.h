@@ -1,0 +1,181 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "qellib10/platform/archive/archive_exception.h"
+#include "qellib10/platform/archive/object.h"
+#include "qellib10/platform/endian.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/storage/file.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/time/ole_date_time.h"
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+/// What an archive keeps as its bare bytes. A value is stored in the width of its own type, nothing is converted.
+template <class T>
+concept ArchiveScalar = (std::integral<T> || std::floating_point<T>)&&sizeof(T) <= 8 && !std::same_as<T, wchar_t> &&
+                        !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+
+}  // namespace qel
+
+/// A stream of values over an open file, in one direction for its life:
+///
+///     number          its bytes, lowest first; bool is one byte
+///     text            length, bytes, no terminator. The length is one byte up to 254, then FF and a word up to 65533,
+///                     then FF FFFF and a double word. When reading: FF FFFE in front of the length announces UTF-16LE
+///     count           a word below FFFF, else FFFF and a double word
+///     object pointer  a word 0 for null; 1 to 7FFE the number of an object that stands in the archive already; 8000 +
+///                     class number, and the object's data; FFFF, schema (word), name length (word), name, and the data
+///                     of the class's first object. Numbers from 7FFF on: 7FFF and a double word, bit 31 for a class.
+///                     Classes and objects are numbered together from 1 as they appear, an object before its data
+///
+/// A Serialize called directly writes no object header. A length, count or number out of an archive is never believed:
+/// memory grows only with the bytes that have arrived.
+///
+/// Failures throw: CArchiveException for the archive itself, CFileException from the file. The file must stay open
+/// until the archive is closed; between, its position is the archive's business. One thread at a time.
+class QELLIB10_API CArchive {
+public:
+    enum Mode : UINT {
+        store = 0,
+        load = 1,
+        bNoFlushOnDelete = 2,  ///< the destructor leaves file and position as they are: only Close finishes
+        bNoByteSwap = 4        ///< no effect
+    };
+
+    /// Objects nested in objects, deeper than this, are neither stored nor loaded (genericException): each level takes
+    /// stack, and an archive of a few kilobytes could ask for all of it.
+    static constexpr int kMaxNesting = 1000;
+
+    /// @param file open, outlives the archive; null: genericException
+    /// @param bufferSize bytes, at least 128
+    CArchive(CFile* file, UINT mode, int bufferSize = 4096);
+    /// Closes. While an exception is under way no second one is thrown.
+    ~CArchive() noexcept(false);
+    CArchive(const CArchive&) = delete;
+    CArchive& operator=(const CArchive&) = delete;
+
+    bool IsLoading() const noexcept { return (m_nMode & load) != 0; }
+    bool IsStoring() const noexcept { return (m_nMode & load) == 0; }
+    /// Null once the archive is closed.
+    CFile* GetFile() const noexcept { return m_pFile; }
+
+    /// @return bytes read, fewer than @p count only where the file ends
+    UINT Read(void* buffer, UINT count);
+    void Write(const void* buffer, UINT count);
+
+    /// Storing: hands buffered bytes to the file. Loading: sets the file's position to the first byte not yet consumed.
+    void Flush();
+    /// Flush, then the archive lets go of the file, which stays open. When the flush fails too. Twice does nothing.
+    void Close();
+    /// Lets go of the file; buffered bytes are lost.
+    void Abort() noexcept;
+
+    template <qel::ArchiveScalar T> CArchive& operator<<(T value) {
+        const auto bytes = qel::ToLittleEndian(AsPackable(value));
+        Write(bytes.data(), bytes.size());
+        return *this;
+    }
+    CArchive& operator<<(const CString& text);
+    CArchive& operator<<(const CObject* object) {
+        WriteObject(object);
+        return *this;
+    }
+
+    // A scalar or text that ends too early (endOfFile) leaves its target as it was.
+    template <qel::ArchiveScalar T> CArchive& operator>>(T& value) {
+        using Packed = decltype(AsPackable(value));
+        std::array<std::byte, sizeof(Packed)> bytes;
+        ReadAll(bytes.data(), bytes.size());
+        const Packed packed = qel::FromLittleEndian<Packed>(bytes);
+        if constexpr (std::same_as<T, bool>) {
+            value = packed != 0;
+        } else {
+            value = packed;
+        }
+        return *this;
+    }
+    CArchive& operator>>(CString& text);
+    /// T declares a GetThisClass of its own.
+    template <std::derived_from<CObject> T> CArchive& operator>>(T*& object) {
+        CObject* const read = ReadObject(T::GetThisClass());
+        T* const wanted = dynamic_cast<T*>(read);
+        if (read != nullptr && wanted == nullptr) Throw(CArchiveException::badClass);
+        object = wanted;
+        return *this;
+    }
+
+    /// Number of items that follow. Reading one that exceeds the bytes left: endOfFile, as each takes at least one.
+    void WriteCount(DWORD count);
+    DWORD ReadCount();
+
+    /// Stores a header and, the first time, the object through its Serialize. Its class is registered and can be
+    /// created, else badClass.
+    void WriteObject(const CObject* object);
+    /// The next object, null or one that was read before; the caller owns a new one. When its Serialize throws it is
+    /// deleted; what it holds by then is its destructor's to delete, and no later number reaches any of them.
+    /// @param wanted the object is of this class or of one derived from it, else badClass; null: any class
+    CObject* ReadObject(const CRuntimeClass* wanted);
+
+    /// Path of the file, for messages.
+    CString m_strFileName;
+
+private:
+    struct ObjectTables;
+    struct Tag;
+    class Nesting;
+
+    template <class T> static auto AsPackable(T value) {
+        if constexpr (std::same_as<T, bool>) {
+            return static_cast<BYTE>(value);
+        } else {
+            return value;
+        }
+    }
+
+    [[noreturn]] void Throw(int cause) const;
+    void RequireLoading() const;
+    void RequireStoring() const;
+    UINT TakeBuffered(std::byte* target, UINT count) noexcept;
+    void ReadAll(void* buffer, UINT count);
+    template <class T> T Get() {
+        T value;
+        *this >> value;
+        return value;
+    }
+    std::optional<ULONGLONG> BytesLeft() const;
+    void RequireLeft(ULONGLONG count) const;
+
+    ULONGLONG ReadLength(bool& isWide);
+    std::string ReadBytes(ULONGLONG count);
+
+    ObjectTables& Tables();
+    void WriteTag(const Tag& tag);
+    Tag ReadTag();
+    void WriteClass(const CRuntimeClass* theClass);
+    const CRuntimeClass* ReadNewClass();
+    CObject* ReadNewObject(const CRuntimeClass* theClass);
+
+    CFile* m_pFile;
+    UINT m_nMode;
+    int m_nExceptions;  // under way when the archive was made
+    std::vector<std::byte> m_buffer;
+    std::size_t m_nAt = 0;   // next byte to take or to fill
+    std::size_t m_nEnd = 0;  // loading: end of what the file gave
+    std::unique_ptr<ObjectTables> m_pTables;
+};
+
+/// The status as 4 bytes, then the day number as 8. Any status is taken from an archive as it stands.
+QELLIB10_API CArchive& operator<<(CArchive& archive, const COleDateTime& time);
+QELLIB10_API CArchive& operator>>(CArchive& archive, COleDateTime& time);

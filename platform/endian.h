@@ -1,0 +1,32 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <concepts>
+#include <cstddef>
+#include <span>
+#include <type_traits>
+
+namespace qel {
+
+/// Numbers whose every bit pattern is a value; bool is none.
+template <class T>
+concept PackableNumber = std::is_arithmetic_v<T> && !std::same_as<T, bool>;
+
+/// The bytes of a number, lowest first, as all our file formats keep them.
+template <PackableNumber T> constexpr std::array<std::byte, sizeof(T)> ToLittleEndian(T value) {
+    auto bytes = std::bit_cast<std::array<std::byte, sizeof(T)>>(value);
+    if constexpr (std::endian::native == std::endian::big) std::ranges::reverse(bytes);
+    return bytes;
+}
+
+/// The number whose bytes, lowest first, these are.
+template <PackableNumber T> constexpr T FromLittleEndian(std::span<const std::byte, sizeof(T)> bytes) {
+    std::array<std::byte, sizeof(T)> copy;
+    std::ranges::copy(bytes, copy.begin());
+    if constexpr (std::endian::native == std::endian::big) std::ranges::reverse(copy);
+    return std::bit_cast<T>(copy);
+}
+
+}  // namespace qel

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <memory>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+/// A file on disk: open by name and flags, read and write at a position of 64 bits. Names use the backslash; a forward
+/// slash works too. Operations throw CFileException unless they say otherwise; on a closed file fileNotFound, code 6.
+/// One thread at a time.
+class QELLIB10_API CFile {
+public:
+    enum OpenFlags : UINT {
+        modeRead = 0x00000,
+        modeWrite = 0x00001,
+        modeReadWrite = 0x00002,
+        shareCompat = 0x00000,  ///< as shareExclusive
+        shareExclusive = 0x00010,
+        shareDenyWrite = 0x00020,
+        shareDenyRead = 0x00030,
+        shareDenyNone = 0x00040,
+        modeNoInherit = 0x00080,    ///< always so
+        modeCreate = 0x01000,       ///< create the file, or empty it
+        modeNoTruncate = 0x02000,   ///< with modeCreate: keep what is there
+        typeText = 0x04000,         ///< no effect
+        typeBinary = 0x08000,       ///< no effect
+        osNoBuffer = 0x10000,       ///< no effect
+        osWriteThrough = 0x20000,   ///< a write returns when the bytes are on the disk
+        osRandomAccess = 0x40000,   ///< no effect
+        osSequentialScan = 0x80000  ///< no effect
+    };
+    static constexpr UINT kAccessMask = 0x3;
+    static constexpr UINT kShareMask = 0x70;
+
+    enum SeekPosition : UINT { begin = 0, current = 1, end = 2 };
+
+    /// The handle of a closed file: all bits set. (An open file's is neither this nor 0.)
+    static const HANDLE hFileNull;
+
+    CFile() noexcept;
+    /// Opens @p name as Open does, and throws when that fails.
+    CFile(const char* name, UINT flags);
+    CFile(const CFile&) = delete;
+    CFile& operator=(const CFile&) = delete;
+
+    virtual ULONGLONG GetPosition() const;
+    /// The last component of the path; the title is without extension. The path is absolute, as it was at Open.
+    /// All are empty for a closed file.
+    virtual CString GetFileName() const;
+    virtual CString GetFileTitle() const;
+    virtual CString GetFilePath() const;
+
+    /// Opens a regular file; one that is open already is closed first. The position is 0.
+    /// @param flags one of modeRead/modeWrite/modeReadWrite, one of the share modes, and the others as wanted
+    /// @param error takes the cause of a failure
+    /// @return 0 on failure; nothing is thrown
+    virtual BOOL Open(const char* name, UINT flags, CFileException* error = nullptr);
+
+    /// A new object on the same opening: the position is shared, and the share mode lasts until the last one closes.
+    virtual std::unique_ptr<CFile> Duplicate() const;
+
+    /// @return the new position from the file's begin; it may lie behind the end, the length stays until a write there.
+    /// A target before the begin: badSeek, code 131.
+    virtual ULONGLONG Seek(LONGLONG offset, UINT from);
+    /// Cuts the file, or extends it by zeros; leaves the position at @p length.
+    virtual void SetLength(ULONGLONG length);
+    virtual ULONGLONG GetLength() const;
+
+    /// @return bytes read: fewer than @p count only at the end of the file, 0 when the position is there or behind
+    virtual UINT Read(void* buffer, UINT count);
+    /// Writes all of @p count bytes or throws. A gap between the file's end and the position becomes zeros.
+    virtual void Write(const void* buffer, UINT count);
+
+    /// Keeps other openings from locking (not from reading or writing) these bytes, until unlocked or closed.
+    /// Already locked through another opening: lockViolation, code 33.
+    virtual void LockRange(ULONGLONG position, ULONGLONG count);
+    virtual void UnlockRange(ULONGLONG position, ULONGLONG count);
+
+    /// Closes without reporting errors.
+    virtual void Abort() noexcept;
+    /// Returns when all written bytes are on the disk. A closed file: nothing. One opened for reading: accessDenied.
+    virtual void Flush();
+    /// A closed file: nothing. When the system reports lost bytes the file is closed all the same, then it throws.
+    virtual void Close();
+
+    /// Closes, without reporting errors.
+    virtual ~CFile();
+
+    /// @return the new position, which is the length
+    ULONGLONG SeekToEnd() { return Seek(0, end); }
+    void SeekToBegin() { Seek(0, begin); }
+
+    /// Opaque: descriptor + 1, or hFileNull. For tests of openness.
+    operator HANDLE() const noexcept;
+
+private:
+    enum class Need { any, reading, writing };
+
+    void OpenOrThrow(const char* name, UINT flags);
+    int Checked(Need need) const;  // the descriptor; throws when the file is closed or the access lacks
+    void SetRangeLock(short type, ULONGLONG position, ULONGLONG count);
+
+    qel::Descriptor m_descriptor;
+    UINT m_nFlags = 0;
+    CString m_strFilePath;
+};

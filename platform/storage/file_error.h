@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string_view>
+
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+/// The numbers by which the framework names what the system answered; CFileException::m_lOsError carries them.
+enum SystemCode : LONG {
+    kFileMissing = 2,
+    kFolderMissing = 3,
+    kTooManyOpen = 4,
+    kAccessDenied = 5,
+    kBadHandle = 6,
+    kOutOfMemory = 8,
+    kOtherVolume = 17,
+    kWriteProtected = 19,
+    kWriteFault = 29,
+    kReadFault = 30,
+    kGeneralFailure = 31,
+    kSharingViolation = 32,
+    kLockViolation = 33,
+    kBadNetworkPath = 53,
+    kFileExists = 80,
+    kBufferTooSmall = 111,
+    kDiskFull = 112,
+    kBadName = 123,
+    kBadSeek = 131,
+    kFolderNotEmpty = 145,
+    kAlreadyExists = 183,
+    kPathTooLong = 206,
+    kNotAFolder = 267,
+};
+
+/// The number for a failed system call on the POSIX path @p posixPath: a missing file and a missing folder differ.
+/// Without a path a missing name is kFileMissing.
+LONG CodeOfErrno(int error, std::string_view posixPath = {});
+
+/// The cause (CFileException::fileNotFound ...) that a number stands for.
+int CauseOfCode(LONG code);
+
+/// @throws CFileException with @p code, its cause and @p name, the path as the caller knows it.
+[[noreturn]] void ThrowCode(LONG code, std::string_view name);
+[[noreturn]] void ThrowErrno(int error, std::string_view name, std::string_view posixPath = {});
+
+}  // namespace qel
