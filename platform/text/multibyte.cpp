@@ -11,10 +11,26 @@ constexpr size_t npos = std::string_view::npos;
 
 constexpr bool Within(unsigned value, unsigned first, unsigned last) { return value >= first && value <= last; }
 
-// Characters whose bytes are all below 40 hex, and those of pages without lead bytes, can be searched for bytewise.
-constexpr bool IsNeverTrail(char wanted) { return static_cast<unsigned char>(wanted) < 0x40; }
+// A byte below 40 hex is never a trail byte, nor is any byte in a page without lead bytes: no walk by characters then.
+constexpr bool CanBeTrail(char byte, UINT page) {
+    return page == kCodePageJapanese && static_cast<unsigned char>(byte) >= 0x40;
+}
 
-// Reads one character after another as lead * 256 + trail; 0 at the end, also before a lone lead byte.
+// The text without a lone lead byte at its end.
+std::string_view WholeCharacters(std::string_view text, UINT page) {
+    if (text.empty() || !IsLeadByte(static_cast<unsigned char>(text.back()), page)) return text;
+    size_t at = 0;
+    while (at + 1 < text.size()) at += CharacterSize(text, at, page);
+    return text.substr(0, at);
+}
+
+// A character's value in comparisons: its byte, or lead * 256 + trail.
+unsigned CharacterAt(std::string_view text, size_t at, size_t size) {
+    const unsigned first = static_cast<unsigned char>(text[at]);
+    return size == 1 ? first : first * 256 + static_cast<unsigned char>(text[at + 1]);
+}
+
+// Reads the values of one character after another; 0 at the end, also before a lone lead byte.
 class CharacterReader {
 public:
     CharacterReader(std::string_view text, UINT page) : m_text(text), m_page(page) {}
@@ -30,7 +46,7 @@ public:
             m_at = m_text.size();
             return 0;
         }
-        const unsigned character = byte * 256U + static_cast<unsigned char>(m_text[m_at + 1]);
+        const unsigned character = CharacterAt(m_text, m_at, 2);
         m_at += 2;
         return character;
     }
@@ -69,29 +85,24 @@ template <typename Fold> int CompareBy(std::string_view a, std::string_view b, F
 }  // namespace
 
 size_t FindCharacter(std::string_view text, char wanted, size_t from) {
-    if (from > text.size()) return npos;
-    const UINT page = CodePage();
-    if (page != kCodePageJapanese || IsNeverTrail(wanted)) return text.find(wanted, from);
-    for (size_t at = from; at < text.size();) {
-        const size_t size = CharacterSize(text, at, page);
-        if (size == 1 && text[at] == wanted) return at;
-        at += size;
-    }
-    return npos;
+    return CanBeTrail(wanted, CodePage()) ? FindText(text, {&wanted, 1}, from) : text.find(wanted, from);
 }
 
 size_t FindLastCharacter(std::string_view text, char wanted) {
+    if (!CanBeTrail(wanted, CodePage())) return text.rfind(wanted);
     size_t last = npos;
     for (size_t at = FindCharacter(text, wanted); at != npos; at = FindCharacter(text, wanted, at + 1)) last = at;
     return last;
 }
 
 size_t FindText(std::string_view text, std::string_view wanted, size_t from) {
-    if (from > text.size()) return npos;
     const UINT page = CodePage();
     if (page != kCodePageJapanese || wanted.empty()) return text.find(wanted, from);
-    for (size_t at = from; at + wanted.size() <= text.size(); at += CharacterSize(text, at, page)) {
-        if (text.substr(at, wanted.size()) == wanted) return at;
+    if (WholeCharacters(wanted, page).size() < wanted.size()) return npos;
+    size_t boundary = from;
+    for (size_t at = text.find(wanted, from); at != npos; at = text.find(wanted, at + 1)) {
+        while (boundary < at) boundary += CharacterSize(text, boundary, page);
+        if (boundary == at) return at;
     }
     return npos;
 }
@@ -116,7 +127,16 @@ int CompareText(std::string_view a, std::string_view b) {
 int CompareTextFolded(std::string_view a, std::string_view b) { return CompareBy(a, b, FoldLatin); }
 
 bool SameName(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && (a == b || FoldName(a) == FoldName(b));
+    if (a.size() != b.size()) return false;
+    if (a == b) return true;
+    const UINT page = CodePage();
+    for (size_t at = 0; at < a.size();) {
+        const size_t size = CharacterSize(a, at, page);
+        if (size != CharacterSize(b, at, page)) return false;
+        if (FoldLetter(CharacterAt(a, at, size)) != FoldLetter(CharacterAt(b, at, size))) return false;
+        at += size;
+    }
+    return true;
 }
 
 std::string FoldName(std::string_view name) {
@@ -124,25 +144,18 @@ std::string FoldName(std::string_view name) {
     std::string folded(name);
     for (size_t at = 0; at < folded.size();) {
         const size_t size = CharacterSize(folded, at, page);
-        unsigned character = static_cast<unsigned char>(folded[at]);
-        if (size == 2) {
-            character = FoldLetter(character * 256 + static_cast<unsigned char>(folded[at + 1]));
-            folded[at] = static_cast<char>(character >> 8);
-            folded[at + 1] = static_cast<char>(character & 0xFF);
-        } else {
-            folded[at] = static_cast<char>(FoldLatin(character));
-        }
+        const unsigned character = FoldLetter(CharacterAt(folded, at, size));
+        if (size == 2) folded[at] = static_cast<char>(character >> 8);
+        folded[at + size - 1] = static_cast<char>(character & 0xFF);
         at += size;
     }
     return folded;
 }
 
 void CopyBounded(char* target, const char* source, size_t bytes) {
-    const std::string_view whole(source, ::strnlen(source, bytes + 1));
-    std::string_view taken = LeftWhole(whole, bytes);
-    // A text that ends in a lone lead byte within the bound loses it as well.
-    const size_t copied = taken.copy(target, bytes);
-    std::fill(target + copied, target + bytes, '\0');
+    const std::string_view taken = WholeCharacters({source, ::strnlen(source, bytes)}, CodePage());
+    std::memmove(target, taken.data(), taken.size());  // the two may be the same buffer
+    std::fill(target + taken.size(), target + bytes, '\0');
 }
 
 }  // namespace qel

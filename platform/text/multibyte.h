@@ -25,7 +25,8 @@ constexpr std::size_t CharacterSize(std::string_view text, std::size_t at, UINT 
     return IsLeadByte(static_cast<unsigned char>(text[at]), page) && at + 1 < text.size() && text[at + 1] != 0 ? 2 : 1;
 }
 
-/// Position of a character-wise match at or behind @p from, or npos. @p from must be a character boundary.
+/// Position of a character-wise match at or behind @p from, or npos. @p from is a character boundary. What is half a
+/// character, a lead byte alone or at the end of the wanted text, is never found.
 QELLIB10_API std::size_t FindCharacter(std::string_view text, char wanted, std::size_t from = 0);
 QELLIB10_API std::size_t FindLastCharacter(std::string_view text, char wanted);
 QELLIB10_API std::size_t FindText(std::string_view text, std::string_view wanted, std::size_t from = 0);
@@ -45,8 +46,9 @@ QELLIB10_API bool SameName(std::string_view a, std::string_view b);
 /// A text that is equal for two names exactly when SameName holds.
 QELLIB10_API std::string FoldName(std::string_view name);
 
-/// Copies whole characters of the zero-terminated @p source, at most @p bytes bytes, and fills the rest of the @p bytes
-/// with zeros; where only a lead byte would fit stands a zero. Writes no terminator behind @p bytes.
+/// Copies whole characters of @p source, up to its terminating zero and at most @p bytes bytes, and fills the rest of
+/// the @p bytes with zeros; a lead byte whose trail byte does not fit, or is missing, is not copied. Writes no
+/// terminator behind @p bytes. @p target may be @p source.
 QELLIB10_API void CopyBounded(char* target, const char* source, std::size_t bytes);
 
 }  // namespace qel

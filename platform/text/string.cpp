@@ -50,6 +50,10 @@ CString& CString::operator=(const char* text) {
     m_text = std::string(OrEmpty(text));  // by way of a copy: the pointer may lead into this text
     return *this;
 }
+CString& CString::operator=(char character) {
+    m_text.assign(1, character);
+    return *this;
+}
 CString& CString::operator+=(const CString& text) {
     m_text += text.m_text;
     return *this;
@@ -118,10 +122,11 @@ int CString::Replace(char old, char replacement) {
     return count;
 }
 
-void CString::TrimLeft() { TrimLeftSet(kBlanks); }
+// Blanks are no trail bytes; one behind a lone lead byte is a blank.
+void CString::TrimLeft() { m_text.erase(0, std::min(m_text.find_first_not_of(kBlanks), m_text.size())); }
 void CString::TrimLeft(char character) { TrimLeftSet({&character, 1}); }
 void CString::TrimLeft(const char* set) { TrimLeftSet(std::string(OrEmpty(set))); }
-void CString::TrimRight() { TrimRightSet(kBlanks); }
+void CString::TrimRight() { m_text.resize(m_text.find_last_not_of(kBlanks) + 1); }
 void CString::TrimRight(char character) { TrimRightSet({&character, 1}); }
 void CString::TrimRight(const char* set) { TrimRightSet(std::string(OrEmpty(set))); }
 
@@ -156,12 +161,16 @@ void CString::Format(const char* format, ...) {
 }
 void CString::FormatV(const char* format, va_list arguments) {
     const NumbersInCLocale cLocale;
-    va_list measured;
-    va_copy(measured, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, measured);
-    va_end(measured);
-    std::string result(AtLeastZero(length), '\0');
-    std::vsnprintf(result.data(), result.size() + 1, format, arguments);
+    va_list again;
+    va_copy(again, arguments);
+    char start[256];  // most texts fit
+    const std::size_t length = AtLeastZero(std::vsnprintf(start, sizeof start, format, arguments));
+    std::string result(start, std::min(length, sizeof start - 1));
+    if (length > result.size()) {
+        result.resize(length);
+        std::vsnprintf(result.data(), length + 1, format, again);
+    }
+    va_end(again);
     m_text = std::move(result);
 }
 
@@ -170,7 +179,7 @@ int CString::CompareNoCase(const char* other) const { return qel::CompareTextFol
 int CString::Order(std::string_view other) const { return qel::CompareText(m_text, other); }
 
 char* CString::GetBuffer(int minimum) {
-    m_text.resize(std::max(m_text.size(), AtLeastZero(minimum)));
+    m_text.resize(std::max(m_text.size(), AtLeastZero(minimum)) + 1);  // the last byte is the caller's too
     return m_text.data();
 }
 void CString::ReleaseBuffer(int length) {

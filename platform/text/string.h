@@ -29,6 +29,7 @@ public:
     operator const char*() const noexcept { return m_text.c_str(); }
 
     CString& operator=(const char* text);
+    CString& operator=(char character);
     CString& operator+=(const CString& text);
     CString& operator+=(const char* text);
     CString& operator+=(char character);
@@ -39,7 +40,7 @@ public:
     CString Mid(int first, int count) const;
 
     /// Position of the first match at or behind @p start, or -1; -1 also for a @p start outside the text. @p start is
-    /// the beginning of a character.
+    /// the beginning of a character. A lead byte alone is never found.
     int Find(char character, int start = 0) const;
     int Find(const char* text, int start = 0) const;
     int ReverseFind(char character) const;
@@ -59,7 +60,8 @@ public:
     void TrimRight(char character);
     void TrimRight(const char* set);
 
-    /// As printf, with "." as the decimal sign whatever the locale. Arguments may point into this text.
+    /// As printf, with "." as the decimal sign whatever the locale. Arguments may point into this text. Exponents and
+    /// exact ties come out as the C library prints them; CQVariant has the platform's forms.
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* format, va_list arguments) __attribute__((format(printf, 2, 0)));
 
@@ -67,8 +69,8 @@ public:
     int Compare(const char* other) const;
     int CompareNoCase(const char* other) const;
 
-    /// At least @p minimum + 1 writable bytes that begin with the text; ReleaseBuffer sets the new length, by default
-    /// up to the first zero byte.
+    /// At least @p minimum + 1 writable bytes that begin with the text and a zero. Until ReleaseBuffer sets the new
+    /// length, by default up to the first zero byte, nothing else is to be done with this text.
     char* GetBuffer(int minimum);
     void ReleaseBuffer(int length = -1);
 

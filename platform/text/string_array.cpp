@@ -1,7 +1,9 @@
 #include "qellib10/platform/text/string_array.h"
 
-int CStringArray::Add(const char* text) {
-    m_texts.emplace_back(text);
+#include <utility>
+
+int CStringArray::Add(CString text) {
+    m_texts.push_back(std::move(text));
     return GetSize() - 1;
 }
 
@@ -10,8 +12,8 @@ const CString& CStringArray::GetAt(int index) const noexcept {
     return index >= 0 && index < GetSize() ? m_texts[static_cast<std::size_t>(index)] : none;
 }
 
-void CStringArray::SetAt(int index, const char* text) {
-    if (index >= 0 && index < GetSize()) m_texts[static_cast<std::size_t>(index)] = text;
+void CStringArray::SetAt(int index, CString text) {
+    if (index >= 0 && index < GetSize()) m_texts[static_cast<std::size_t>(index)] = std::move(text);
 }
 
 void CStringArray::RemoveAt(int index) {

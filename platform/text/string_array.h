@@ -13,12 +13,12 @@ public:
     bool IsEmpty() const noexcept { return m_texts.empty(); }
     void RemoveAll() noexcept { m_texts.clear(); }
     /// @return the position of the new last text
-    int Add(const char* text);
+    int Add(CString text);
     /// The text at @p index; the empty text outside the list.
     const CString& GetAt(int index) const noexcept;
     const CString& operator[](int index) const noexcept { return GetAt(index); }
     /// Outside the list: nothing happens.
-    void SetAt(int index, const char* text);
+    void SetAt(int index, CString text);
     void RemoveAt(int index);
 
 private:

@@ -27,9 +27,31 @@ struct Tables {
     std::vector<std::span<const StringTableEntry>> newestLast;
 };
 
+// Never freed: tables are registered before main and may be asked by destructors of static objects.
 Tables& RegisteredTables() {
-    static Tables tables;
+    static Tables& tables = *new Tables;
     return tables;
+}
+
+constexpr bool IsText(const char* text) { return text != nullptr && *text != '\0'; }
+
+// The entry's text in UTF-8; of the other language where one is missing, null where both are.
+const char* TextOf(const StringTableEntry& entry, Language language) {
+    const bool isJapanese = language == Language::Japanese;
+    const char* const wanted = isJapanese ? entry.japanese : entry.english;
+    const char* const other = isJapanese ? entry.english : entry.japanese;
+    if (IsText(wanted)) return wanted;
+    return IsText(other) ? other : nullptr;
+}
+
+const char* Find(UINT id, Language language) {
+    Tables& tables = RegisteredTables();
+    const std::lock_guard lock(tables.guard);
+    for (auto table = tables.newestLast.rbegin(); table != tables.newestLast.rend(); ++table) {
+        const auto entry = std::ranges::find(*table, id, &StringTableEntry::id);
+        if (entry != table->end()) return TextOf(*entry, language);
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -44,14 +66,8 @@ void RegisterStringTable(std::span<const StringTableEntry> entries) {
 }
 
 std::optional<CString> LookUpString(UINT id) {
-    Tables& tables = RegisteredTables();
-    const std::lock_guard lock(tables.guard);
-    for (auto table = tables.newestLast.rbegin(); table != tables.newestLast.rend(); ++table) {
-        const auto entry = std::ranges::find(*table, id, &StringTableEntry::id);
-        if (entry == table->end()) continue;
-        return CString(FromUtf8(TableLanguage() == Language::Japanese ? entry->japanese : entry->english));
-    }
-    return std::nullopt;
+    const char* const text = Find(id, TableLanguage());
+    return text != nullptr ? std::optional(CString(FromUtf8(text))) : std::nullopt;
 }
 
 }  // namespace qel

@@ -15,7 +15,8 @@ enum class Language { English, Japanese };
 QELLIB10_API Language TableLanguage() noexcept;
 QELLIB10_API void SetTableLanguage(Language language) noexcept;
 
-/// One text of a table in both languages, in UTF-8, never empty.
+/// One text of a table in both languages, in UTF-8. Where one is null or empty the other stands for both; an id whose
+/// texts are both empty counts as missing.
 struct StringTableEntry {
     UINT id;
     const char* english;
@@ -26,7 +27,8 @@ struct StringTableEntry {
 /// long as the process. Safe from any thread.
 QELLIB10_API void RegisterStringTable(std::span<const StringTableEntry> entries);
 
-/// The text of @p id in the current language, converted to the process's code page.
+/// The text of @p id in the current language, converted to the process's code page; nothing when no table has it. Safe
+/// from any thread.
 QELLIB10_API std::optional<CString> LookUpString(UINT id);
 
 }  // namespace qel
