@@ -2,6 +2,8 @@
 
 // All public headers of the library; an application needs no other include.
 #include "qellib10/base/q_variant.h"
+#include "qellib10/calc/bcd.h"
+#include "qellib10/calc/dec_number.h"
 #include "qellib10/platform/archive/archive.h"
 #include "qellib10/platform/archive/archive_exception.h"
 #include "qellib10/platform/archive/object.h"

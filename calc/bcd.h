@@ -1,0 +1,151 @@
+#pragma once
+
+#include "qellib10/calc/dec_number.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+/// A decimal number of 15 significant digits and exponents from -383 to 384, for results that must not suffer the
+/// rounding errors of doubles. A thin value over decNumber: one number and one context, nothing on the heap, copied as
+/// plain memory.
+///
+/// Nothing here fails. Text that is no number and impossible operations give NaN, a division by zero or an exponent
+/// above 384 gives Infinity, one below -397 rounds to zero; whoever needs to know asks the value.
+///
+/// Each number has a rounding mode of its own for the operations in which it is the left operand: half-up at first,
+/// then the one last given to Round, GetString or GetDouble. Modes are the library's: 0 ceiling, 1 up (away from zero),
+/// 2 half-up, 3 half-even, 4 half-down, 5 down (toward zero), 6 floor, 7 up after a last digit of 0 or 5 and else down.
+/// With any other mode an operation that has to round gives NaN.
+///
+/// An operand is a CBCD, a decNumber, a text in decNumber's syntax (12, -1.5, 2.5E-3, Infinity, NaN) or an int; other
+/// arithmetic types convert to int first and lose their decimals.
+class QELLIB10_API CBCD {
+public:
+    /// 0, half-up.
+    CBCD();
+    /// A copy of @p value; NaN when its fields contradict each other or claim more than 15 digits.
+    CBCD(const decNumber& value);
+    /// The number in @p text, rounded half-up to 15 digits. NaN for a null pointer, for anything that is not a number
+    /// as a whole (blanks included) and for more than 100 million characters.
+    CBCD(const char* text);
+    CBCD(int value);
+
+    /// Value, rounding mode and status of @p other.
+    CBCD(const CBCD& other) = default;
+    CBCD& operator=(const CBCD& other) = default;
+    /// The value; the rounding mode is half-up again.
+    /// @return a copy
+    CBCD operator=(const decNumber& value) { return *this = CBCD(value); }
+    CBCD operator=(const char* text) { return *this = CBCD(text); }
+    CBCD operator=(int value) { return *this = CBCD(value); }
+
+    /// The result, rounded to 15 digits by this number's mode; its own mode is half-up. Not const: what happened is
+    /// added to this number's status.
+    CBCD operator+(const CBCD& right);
+    CBCD operator+(const decNumber& right) { return *this + CBCD(right); }
+    CBCD operator+(const char* right) { return *this + CBCD(right); }
+    CBCD operator+(int right) { return *this + CBCD(right); }
+    CBCD operator-(const CBCD& right);
+    CBCD operator-(const decNumber& right) { return *this - CBCD(right); }
+    CBCD operator-(const char* right) { return *this - CBCD(right); }
+    CBCD operator-(int right) { return *this - CBCD(right); }
+    CBCD operator*(const CBCD& right);
+    CBCD operator*(const decNumber& right) { return *this * CBCD(right); }
+    CBCD operator*(const char* right) { return *this * CBCD(right); }
+    CBCD operator*(int right) { return *this * CBCD(right); }
+    CBCD operator/(const CBCD& right);
+    CBCD operator/(const decNumber& right) { return *this / CBCD(right); }
+    CBCD operator/(const char* right) { return *this / CBCD(right); }
+    CBCD operator/(int right) { return *this / CBCD(right); }
+
+    /// The result by this number's mode takes its place, and the mode is half-up again.
+    /// @return a copy
+    CBCD operator+=(const CBCD& right) { return *this = *this + right; }
+    CBCD operator+=(const decNumber& right) { return *this = *this + right; }
+    CBCD operator+=(const char* right) { return *this = *this + right; }
+    CBCD operator+=(int right) { return *this = *this + right; }
+    CBCD operator-=(const CBCD& right) { return *this = *this - right; }
+    CBCD operator-=(const decNumber& right) { return *this = *this - right; }
+    CBCD operator-=(const char* right) { return *this = *this - right; }
+    CBCD operator-=(int right) { return *this = *this - right; }
+    CBCD operator*=(const CBCD& right) { return *this = *this * right; }
+    CBCD operator*=(const decNumber& right) { return *this = *this * right; }
+    CBCD operator*=(const char* right) { return *this = *this * right; }
+    CBCD operator*=(int right) { return *this = *this * right; }
+    CBCD operator/=(const CBCD& right) { return *this = *this / right; }
+    CBCD operator/=(const decNumber& right) { return *this = *this / right; }
+    CBCD operator/=(const char* right) { return *this = *this / right; }
+    CBCD operator/=(int right) { return *this = *this / right; }
+
+    /// Comparison by value: 1.0 equals 1.00, -0 equals 0. A NaN is ordered by the library's total order, which looks at
+    /// the stored fields: it stands behind every number, Infinity too (-NaN before every number), and equals only a NaN
+    /// of the same sign and payload. So of <, == and > always exactly one holds.
+    int operator==(const CBCD& right) const { return Compare(right) == 0; }
+    int operator==(const decNumber& right) const { return Compare(right) == 0; }
+    int operator==(const char* right) const { return Compare(right) == 0; }
+    int operator==(int right) const { return Compare(right) == 0; }
+    int operator!=(const CBCD& right) const { return Compare(right) != 0; }
+    int operator!=(const decNumber& right) const { return Compare(right) != 0; }
+    int operator!=(const char* right) const { return Compare(right) != 0; }
+    int operator!=(int right) const { return Compare(right) != 0; }
+    int operator<(const CBCD& right) const { return Compare(right) < 0; }
+    int operator<(const decNumber& right) const { return Compare(right) < 0; }
+    int operator<(const char* right) const { return Compare(right) < 0; }
+    int operator<(int right) const { return Compare(right) < 0; }
+    int operator>(const CBCD& right) const { return Compare(right) > 0; }
+    int operator>(const decNumber& right) const { return Compare(right) > 0; }
+    int operator>(const char* right) const { return Compare(right) > 0; }
+    int operator>(int right) const { return Compare(right) > 0; }
+    int operator<=(const CBCD& right) const { return Compare(right) <= 0; }
+    int operator<=(const decNumber& right) const { return Compare(right) <= 0; }
+    int operator<=(const char* right) const { return Compare(right) <= 0; }
+    int operator<=(int right) const { return Compare(right) <= 0; }
+    int operator>=(const CBCD& right) const { return Compare(right) >= 0; }
+    int operator>=(const decNumber& right) const { return Compare(right) >= 0; }
+    int operator>=(const char* right) const { return Compare(right) >= 0; }
+    int operator>=(int right) const { return Compare(right) >= 0; }
+
+    /// 1.0 multiplied @p n times by this number, each product rounded half-up to 15 digits; the power 0 is 1.0, of NaN
+    /// too. Takes @p n multiplications, fewer once the product no longer changes.
+    CBCD operator^(unsigned int n) const;
+
+    /// The square root, half-even; NaN below zero.
+    static CBCD SquareRoot(CBCD x);
+
+    /// Rounds to @p decimals places (below 0 counts as 0) and drops trailing zeros, also in front of the point: 2.500
+    /// with 2 places becomes 2.5, 100 becomes 1E+2. Less than a place becomes 0 or one unit of the last place, as the
+    /// mode says. NaN and Infinity stay. Sets the rounding mode.
+    void Round(int decimals, rounding mode);
+
+    /// The number with @p decimals places, right-aligned in @p width characters. Sets the rounding mode.
+    ///
+    /// The number is rounded and stripped of trailing zeros as by Round; places below 0 round in front of the point. In
+    /// a narrow field fewer digits are kept: at most width - 1 of a negative number, and one less than the places ask
+    /// for when a number with decimals fills the field. Then zeros are added up to @p decimals places, and what is
+    /// longer than
+    /// @p width is cut behind it.
+    ///
+    /// Kept for texts already in the field: the zeros stand behind the number as decNumber writes it, exponent or not.
+    /// So 100 with two places is written 1E+2.00 (GetDouble reads it as 100), 1E-7 with nine is 1E-700, NaN and
+    /// Infinity with two are NaN.00 and Infinity.00.
+    ///
+    /// @param buffer  width + 1 bytes; a terminating zero follows the text. A null pointer or a negative width, which
+    ///                leaves no byte to write to, writes nothing.
+    void GetString(char* buffer, int width, int decimals, rounding mode);
+
+    /// The same text in a field of 64 characters, without blanks.
+    CString GetString(int decimals, rounding mode);
+
+    /// The double that CQVariant::DoubleToStr prints with @p decimals places as GetString does. Found by reading that
+    /// text and, while the double prints otherwise, going up by tenths of the last place, four times at most; failing
+    /// that, and with no decimals, the double nearest to the text. Sets the rounding mode.
+    double GetDouble(int decimals, rounding mode);
+
+    /// A copy of the value, without the context.
+    decNumber GetBCDValue() const { return m_value; }
+
+private:
+    int Compare(const CBCD& right) const;
+
+    decNumber m_value;
+    decContext m_context;
+};
