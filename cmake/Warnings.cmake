@@ -9,3 +9,6 @@ if(QELLIB10_SANITIZE)
   add_compile_options(-fsanitize=${QELLIB10_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QELLIB10_SANITIZE})
 endif()
+if(QELLIB10_BUILD_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)  # so that the fuzzer sees which branches an input took
+endif()

@@ -1,0 +1,27 @@
+// Runs a fuzz target over the files of the folders that are its arguments, where there is no fuzzer to drive it.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+int main(int argumentCount, char** arguments) {
+    int seeds = 0;
+    for (int i = 1; i < argumentCount; ++i) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(arguments[i])) {
+            if (!entry.is_regular_file()) continue;
+            std::puts(entry.path().c_str());
+            std::fflush(stdout);  // so that the one which ends the process is the last named
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::vector<char> bytes(std::istreambuf_iterator<char>(file), {});
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+            ++seeds;
+        }
+    }
+    if (seeds == 0) std::fputs("no seeds\n", stderr);
+    return seeds == 0 ? 1 : 0;
+}
