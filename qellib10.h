@@ -25,3 +25,5 @@
 #include "qellib10/platform/time/time.h"
 #include "qellib10/platform/types.h"
 #include "qellib10/platform/variant/ole_variant.h"
+#include "qellib10/resource/string_ids.h"
+#include "qellib10/runtime/qel_resource.h"

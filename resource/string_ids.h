@@ -1,0 +1,20 @@
+#pragma once
+
+#include "qellib10/platform/types.h"
+
+// Ids of the library's own string table. Those of the units, the default texts and their order are kept in settings and
+// documents of the applications.
+namespace qel {
+
+inline constexpr UINT kFirstUnitId = 2048;  ///< %, then one id a unit
+inline constexpr UINT kLastUnitId = 2079;
+inline constexpr UINT kFirstModelId = 3001;  ///< display names of the instrument models
+inline constexpr UINT kLastModelId = 3007;
+
+inline constexpr UINT kNoControlCodeId = 27010;  ///< the word for an empty terminator of a serial line
+
+inline constexpr UINT kCsvLineEndId = 28001;
+inline constexpr UINT kCsvDelimiterId = 28002;
+inline constexpr UINT kCsvQuotationMarkId = 28003;
+
+}  // namespace qel

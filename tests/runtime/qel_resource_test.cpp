@@ -1,0 +1,29 @@
+#include "qellib10/runtime/qel_resource.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "../support/language_scope.h"
+
+TEST(QelResource, EveryUnitIsFoundByItsTextInBothLanguages) {
+    for (const auto language : {qel::Language::English, qel::Language::Japanese}) {
+        const LanguageScope scope(language);
+        for (int i = 0; i < CQELResource::GetUnitCount(); ++i) {
+            EXPECT_EQ(CQELResource::GetUnitID(CQELResource::GetUnitText(2048 + static_cast<UINT>(i))), 2048 + i);
+        }
+    }
+    EXPECT_EQ(CQELResource::GetUnitText(2056), "mol/L");
+    EXPECT_EQ(CQELResource::GetUnitID("None"), -1);  // a text of the table, but no unit
+    EXPECT_EQ(CQELResource::GetUnitID("MOL/L"), -1);
+    EXPECT_EQ(CQELResource::GetUnitID(""), -1);
+    EXPECT_EQ(CQELResource::GetUnitID(nullptr), -1);
+    for (const UINT id : {0U, 2047U, 2080U, 27010U}) EXPECT_EQ(CQELResource::GetUnitText(id), "");
+}
+
+TEST(QelResource, ModelsCountFromZero) {
+    for (int i = 0; i < CQELResource::GetModelCount(); ++i) EXPECT_NE(CQELResource::GetModelName(i), "");
+    for (const int index : {-1, CQELResource::GetModelCount(), INT_MAX, INT_MIN}) {
+        EXPECT_EQ(CQELResource::GetModelName(index), "");
+    }
+}
