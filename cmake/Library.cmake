@@ -7,13 +7,15 @@ add_library(qellib10_objects OBJECT)
 target_include_directories(qellib10_objects PUBLIC ${PROJECT_BINARY_DIR}/include)
 target_compile_features(qellib10_objects PUBLIC cxx_std_20)
 target_link_libraries(qellib10_objects PRIVATE qellib10_flags)
+# No program replaces functions of the library by its own, so calls within it need no look-up and can be inlined.
+target_compile_options(qellib10_objects PRIVATE -fno-semantic-interposition)
 
 add_library(qellib10 SHARED)
 add_library(QELLIB10::qellib10 ALIAS qellib10)
 set_target_properties(qellib10 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 target_link_libraries(qellib10 PRIVATE qellib10_objects)
 target_link_options(qellib10 PRIVATE
-  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/qellib10.map LINKER:--as-needed)
+  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/qellib10.map LINKER:--as-needed LINKER:-Bsymbolic-functions)
 set_target_properties(qellib10 PROPERTIES LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/qellib10.map)
 target_compile_features(qellib10 PUBLIC cxx_std_20)
 target_include_directories(qellib10 PUBLIC

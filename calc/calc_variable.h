@@ -1,0 +1,47 @@
+#pragma once
+
+#include "qellib10/platform/archive/object.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+/// A named value that result formulas refer to, and the formula evaluator's intermediate result. A value class; it is
+/// archived in the form that stands in calc/calc_archive_format.h.
+class QELLIB10_API CCalcVariable : public CObject {
+public:
+    /// As InitParameter leaves it.
+    CCalcVariable();
+    CCalcVariable(const CCalcVariable& other);
+    CCalcVariable(CCalcVariable&& other) noexcept;
+    CCalcVariable& operator=(const CCalcVariable& other);
+    CCalcVariable& operator=(CCalcVariable&& other) noexcept;
+    ~CCalcVariable() override;
+
+    /// Texts empty, numbers 0, option flag 2 set to 1.
+    void InitParameter();
+
+    /// 1 when all seven fields are equal, texts byte for byte and the value exactly (so not a number differs from
+    /// itself); else 0.
+    int operator==(const CCalcVariable& other) const;
+    int operator!=(const CCalcVariable& other) const;
+
+    static const CRuntimeClass* GetThisClass();
+    const CRuntimeClass* GetRuntimeClass() const override;
+
+    /// Writes the variable, or reads one into it. An unknown tag or version ends the reading silently, right behind
+    /// the version, and leaves the variable as it was.
+    /// @throws CArchiveException from the archive; the variable is then as it was
+    void Serialize(CArchive& archive) override;
+
+    CString m_szName;       ///< as written in formulas
+    double m_dValue = 0.0;  ///< in the unit that the application gives it
+    int m_nState = 0;       ///< 0 in lists; of a grammar step: 1 a known number, 0 depends on a variable, -1 an error
+    int m_nOption1 = 0;     ///< the application's own; archived as its low byte, as the next two
+    int m_nUse = 0;         ///< 1: a checked formula refers to the variable
+    int m_nOption2 = 1;     ///< the application's own
+    CString m_szText;       ///< free text
+
+private:
+    friend class CCalcVariableList;  // ends its own reading at a variable that cannot be read
+
+    bool Load(CArchive& archive);
+};

@@ -1,0 +1,113 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "qellib10/calc/calc_variable.h"
+#include "qellib10/calc/calc_variable_index.h"
+#include "qellib10/platform/archive/object.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+class CQWCalc;
+
+/// The named values of a result in the order in which they were added, with a setting that rounds every value that
+/// enters or leaves the list through its operations.
+///
+/// Names are compared byte for byte, with regard to case. Names may occur twice; an operation by name acts on the
+/// first entry that matches. Indices count from 0 in list order. Operations answer 1, or 0 when there is no such entry
+/// (a negative index, or a null @p out, counts as none); nothing is changed then.
+///
+/// While the round-up flag is not 0, "rounded" below means CQVariant::fround(value, round-up digit, 0).
+///
+/// Archived in the form that stands in calc/calc_archive_format.h.
+class QELLIB10_API CCalcVariableList : public CObject {
+public:
+    /// An empty list, flag and digit 0.
+    CCalcVariableList();
+    CCalcVariableList(const CCalcVariableList& other);
+    CCalcVariableList& operator=(const CCalcVariableList& other);
+    ~CCalcVariableList() override;
+
+    /// 1 when flag, digit, count or any pair of entries at one position differ, else 0.
+    int operator!=(const CCalcVariableList& other) const;
+
+    static const CRuntimeClass* GetThisClass();
+    const CRuntimeClass* GetRuntimeClass() const override;
+
+    /// Removes every variable; flag and digit become 0.
+    void InitParameter();
+
+    /// Non-zero: values are rounded. Setting it, or the digit, leaves the stored values as they are.
+    const int& GetRoundUpFlag() const;
+    void SetRoundUpFlag(const int& flag);
+
+    /// Decimal places of the rounding; negative: places before the point.
+    const int& GetRoundUpDigit() const;
+    void SetRoundUpDigit(const int& digit);
+
+    int GetVariableCount() const;
+
+    /// A copy of the entry at @p index, its value rounded.
+    int GetVariableData(int index, CCalcVariable* out) const;
+
+    /// Overwrites every field of the entry at @p index; the value is rounded first. The name may equal another's.
+    int SetVariableData(int index, CCalcVariable variable);
+
+    /// Overwrites the first entry of the same name, which keeps its place and its two option flags; else appends
+    /// @p variable with both option flags 1. The value is rounded first, the state becomes 0.
+    void AddVariableData(CCalcVariable variable);
+
+    /// Stores @p value, rounded, as that of the first entry named @p name.
+    int SetVariableValue(CString name, double value);
+
+    /// A copy of the first entry named @p name, its value rounded.
+    int GetVariableDataAtName(CString name, CCalcVariable* out) const;
+
+    /// Removes the first entry named @p name.
+    int DeleteVariableAtName(CString name);
+
+    /// Sets the use flag of every entry to 0.
+    void ClearViewFlag();
+
+    /// Number of entries whose use flag is not 0.
+    int GetUseVariableCount() const;
+
+    /// As GetVariableData, with @p index counting only the entries whose use flag is not 0.
+    int GetUseVariableData(int index, CCalcVariable* out) const;
+
+    /// Reads the oldest layout, a count and that many variables, without a head. All entries are removed first; flag
+    /// and digit stay. Stops as Serialize does.
+    /// @throws CArchiveException from the archive; the entries read before it stay
+    void LoadOldVariableList(CArchive& archive);
+
+    /// Writes the list, or replaces it by one read. Values are stored and read as they are, without rounding. An
+    /// unknown tag or version ends the reading silently: in the list's head the list stays as it was, in a variable
+    /// the list keeps the variables read before it.
+    /// @throws CArchiveException from the archive; the entries read before it stay
+    void Serialize(CArchive& archive) override;
+
+private:
+    friend class CQWCalc;  // reads values by name without copies of entries
+
+    int FindIgnoringCase(std::string_view name) const { return m_Index.FindFolded(m_aryVariable, name); }
+    double ValueAt(int index) const { return Rounded(m_aryVariable[index].m_dValue); }
+    void MarkUsed(int index) {
+        if (m_aryVariable[index].m_nUse == 0) StoreUsed(m_aryVariable[index]);
+    }
+
+    bool Has(int index) const { return index >= 0 && index < GetVariableCount(); }
+    int Find(const CString& name) const { return m_Index.FindExact(m_aryVariable, name.View()); }
+    double Rounded(double value) const { return m_nRoundUpFlag != 0 ? RoundedUp(value) : value; }
+    double RoundedUp(double value) const;
+    void StoreUsed(CCalcVariable& entry);
+    void RemoveAll();
+    void Store(CArchive& archive);
+    void Load(CArchive& archive);
+    void LoadVariables(CArchive& archive, int count);
+
+    int m_nRoundUpFlag = 0;
+    int m_nRoundUpDigit = 0;
+    std::vector<CCalcVariable> m_aryVariable;
+    mutable qel::CalcVariableIndex m_Index;  // follows m_aryVariable, brought up to date by each look-up
+};

@@ -1,0 +1,64 @@
+#include "qellib10/platform/text/name_hash.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "qellib10/platform/text/multibyte.h"
+
+namespace qel {
+namespace {
+
+constexpr std::uint64_t kEachByte = 0x0101010101010101;
+constexpr std::uint64_t kHighBits = 0x80 * kEachByte;
+
+template <typename Word> std::uint64_t Load(const char* from) {
+    Word word;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+// A word made of 1 to 8 bytes; different for different bytes of one size.
+std::uint64_t LoadBytes(const char* from, std::size_t size) {
+    if (size == 8) return Load<std::uint64_t>(from);
+    if (size >= 4) return Load<std::uint32_t>(from) | Load<std::uint32_t>(from + size - 4) << 32;
+    return Load<std::uint8_t>(from) | Load<std::uint8_t>(from + size / 2) << 8 |
+           Load<std::uint8_t>(from + size - 1) << 16;
+}
+
+// Takes A-Z to a-z in eight bytes at once, each below 80 hex: the sums reach bit 7 from A on, and behind Z; two bits
+// below it is the one in which the cases differ.
+constexpr std::uint64_t FoldAscii(std::uint64_t word) {
+    const std::uint64_t fromA = word + (0x80 - 'A') * kEachByte;
+    const std::uint64_t behindZ = word + (0x80 - 'Z' - 1) * kEachByte;
+    return word | (fromA & ~behindZ & kHighBits) >> 2;
+}
+
+struct Hashed {
+    std::uint64_t hash;
+    std::uint64_t bytes;  // all words or-ed together
+};
+
+Hashed HashFoldingAscii(std::string_view text) {
+    Hashed result{text.size(), 0};
+    while (!text.empty()) {
+        const std::size_t size = std::min<std::size_t>(text.size(), 8);
+        const std::uint64_t word = LoadBytes(text.data(), size);
+        result.bytes |= word;
+        result.hash = (result.hash ^ FoldAscii(word)) * 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
+        result.hash ^= result.hash >> 32;
+        text.remove_prefix(size);
+    }
+    return result;
+}
+
+}  // namespace
+
+// Folding leaves ASCII among itself, so two names that are the same come out of the same branch.
+std::uint32_t HashFoldedName(std::string_view name) {
+    const Hashed plain = HashFoldingAscii(name);
+    const bool isAscii = (plain.bytes & kHighBits) == 0;
+    return static_cast<std::uint32_t>(isAscii ? plain.hash : HashFoldingAscii(FoldName(name)).hash);
+}
+
+}  // namespace qel
