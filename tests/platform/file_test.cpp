@@ -52,6 +52,9 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
     EXPECT_EQ(file.Read(bytes, 8), 3u);
     EXPECT_STREQ(bytes, "Yef");
     EXPECT_EQ(file.Read(bytes, 8), 0u);
+    EXPECT_EQ(file.Read(nullptr, 0), 0u);
+    file.Write(nullptr, 0);
+
     EXPECT_EQ(file.Seek(3, CFile::end), 9u);
     EXPECT_EQ(file.GetLength(), 6u);
     EXPECT_EQ(file.Read(bytes, 1), 0u);
@@ -64,9 +67,12 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
     EXPECT_EQ(Content(file), std::string("abX\0\0", 5));
     file.Flush();
 
-    for (const LONGLONG offset : {LONGLONG{-6}, LONGLONG{INT64_MIN}})
-        EXPECT_EQ(Failure([&] { file.Seek(offset, CFile::current); }).m_lOsError, 131);
-    EXPECT_EQ(Failure([&] { file.Seek(0, 3); }).m_lOsError, 131);
+    for (const LONGLONG offset : {LONGLONG{-6}, LONGLONG{INT64_MIN}}) {
+        const CFileException failure = Failure([&] { file.Seek(offset, CFile::current); });
+        EXPECT_EQ(failure.m_cause, CFileException::badSeek);
+        EXPECT_EQ(failure.m_lOsError, 131);
+    }
+    EXPECT_EQ(Failure([&] { file.Seek(0, 3); }).m_cause, CFileException::badSeek);
     EXPECT_EQ(file.GetPosition(), 5u);
 }
 

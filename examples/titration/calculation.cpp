@@ -1,0 +1,98 @@
+#include "calculation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "failure.h"
+#include "number.h"
+#include "text_file.h"
+
+namespace titration {
+namespace {
+
+constexpr double kLargestResult = 1e15;  // beyond it a double has no decimal places left to round
+
+CString Text(const std::string& text) { return CString(text.c_str()); }
+
+// Formulas tell names apart without regard to letter case.
+void Add(CCalcVariableList& list, const std::string& name, double value) {
+    CCalcVariable variable;
+    for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
+        if (EqualNoCase(variable.m_szName.View(), name)) throw Failure("there are two variables \"" + name + "\"");
+    }
+    variable.InitParameter();
+    variable.m_szName = Text(name);
+    variable.m_dValue = value;
+    list.AddVariableData(variable);
+}
+
+CCalcVariableList Variables(const Settings& settings, double endPointVolume) {
+    CCalcVariableList list;
+    if (settings.variableDigits >= 0) {
+        list.SetRoundUpFlag(1);
+        list.SetRoundUpDigit(settings.variableDigits);
+    }
+    for (const NamedValue& variable : settings.variables) Add(list, variable.name, variable.value);
+    Add(list, settings.endPoint, endPointVolume);
+    return list;
+}
+
+// The check answers only yes or no. A formula with one of its names alone tells which of them is unknown.
+std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calculator) {
+    constexpr std::string_view kOperators = "()*+-/=";
+    for (std::size_t at = 0; at < formula.size();) {
+        const std::size_t end = std::min(formula.find_first_of(kOperators, at), formula.size());
+        const std::string operand(Trimmed(std::string_view(formula).substr(at, end - at)));
+        const bool hasName = operand.find_first_not_of("0123456789. \t") != std::string::npos;
+        if (hasName && calculator.CheckCalcFormula(CString(), Text(operand)) == 0) return operand;
+        at = end + 1;
+    }
+    return std::nullopt;
+}
+
+void RequireValid(const Settings& settings, CQWCalc& calculator) {
+    if (calculator.CheckCalcFormula(Text(settings.name), Text(settings.formula)) != 0) return;
+    const auto unknown = UnknownName(settings.formula, calculator);
+    if (unknown) throw Failure("the formula names \"" + *unknown + "\", which is no variable");
+    throw Failure("the formula \"" + settings.formula +
+                  "\" is not valid: its syntax, a division by zero, or over 255 bytes");
+}
+
+std::vector<std::string> UsedNames(const CCalcVariableList& list) {
+    std::vector<std::string> names;
+    CCalcVariable variable;
+    for (int i = 0; list.GetUseVariableData(i, &variable) != 0; ++i) names.emplace_back(variable.m_szName);
+    return names;
+}
+
+std::string UnitText(const std::string& unit) {
+    const int id = ParseWholeNumber(unit).value_or(CQELResource::GetUnitID(unit.c_str()));
+    const CString text = CQELResource::GetUnitText(static_cast<UINT>(id));
+    if (text.IsEmpty()) throw Failure("there is no unit \"" + unit + "\"");
+    return std::string(text);
+}
+
+}  // namespace
+
+Result Calculate(const Settings& settings, double endPointVolume) {
+    CQWCalc calculator;
+    calculator.SetCalcVarList(Variables(settings, endPointVolume));
+    RequireValid(settings, calculator);
+
+    double value = 0;
+    if (calculator.ConcCalculation(Text(settings.formula), &value) == 0) throw Failure("the formula divides by zero");
+    if (!(std::abs(value) < kLargestResult)) throw Failure("the result is too large to be written");
+    value = CQVariant::fround(value, settings.digits, 0);
+
+    Result result;
+    result.variables = calculator.GetCalcVarList();
+    result.used = UsedNames(result.variables);
+    result.name = settings.name;
+    result.text = CQVariant::DoubleToStr(value, settings.digits, 0);
+    result.unit = UnitText(settings.unit);
+    Add(result.variables, settings.name, value);
+    return result;
+}
+
+}  // namespace titration

@@ -1,0 +1,125 @@
+#include "csv_table.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "failure.h"
+#include "number.h"
+#include "text_file.h"
+
+namespace titration {
+namespace {
+
+using Row = std::vector<std::string>;
+
+Row SplitRow(std::string_view line, char separator) {
+    Row fields(1);
+    bool quoted = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const bool isQuote = line[i] == '"';
+        if (isQuote && quoted && i + 1 < line.size() && line[i + 1] == '"') {
+            fields.back() += line[++i];  // a doubled mark inside marks is one
+        } else if (isQuote) {
+            quoted = !quoted;
+        } else if (line[i] == separator && !quoted) {
+            fields.emplace_back();
+        } else {
+            fields.back() += line[i];
+        }
+    }
+    for (std::string& field : fields) field = Trimmed(field);
+    return fields;
+}
+
+std::vector<Row> SplitRows(const std::vector<std::string_view>& lines, char separator) {
+    std::vector<Row> rows;
+    for (const std::string_view line : lines) rows.push_back(SplitRow(line, separator));
+    return rows;
+}
+
+std::ptrdiff_t RowsWithTwoNumbers(const std::vector<Row>& rows) {
+    return std::ranges::count_if(rows, [](const Row& row) {
+        return std::ranges::count_if(row, [](const std::string& field) { return ParseNumber(field).has_value(); }) >= 2;
+    });
+}
+
+// The first of the best: in "1,5;2,5" the comma would find two numbers as well.
+std::vector<Row> SplitAsWritten(std::string_view text) {
+    const std::vector<std::string_view> lines = Lines(text);
+    std::vector<Row> best;
+    std::ptrdiff_t most = -1;
+    for (const char separator : {';', '\t', ','}) {
+        std::vector<Row> rows = SplitRows(lines, separator);
+        const std::ptrdiff_t found = RowsWithTwoNumbers(rows);
+        if (found <= most) continue;
+        most = found;
+        best = std::move(rows);
+    }
+    return best;
+}
+
+struct Column {
+    std::size_t index;
+    std::size_t firstRow;  // where its table can begin
+};
+
+Column FindColumn(const std::vector<Row>& rows, const std::string& name) {
+    if (const auto number = ParseWholeNumber(name); number && *number > 0) {
+        return {static_cast<std::size_t>(*number - 1), 0};
+    }
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto field = std::ranges::find_if(rows[i], [&](const auto& text) { return EqualNoCase(text, name); });
+        if (field != rows[i].end()) return {static_cast<std::size_t>(field - rows[i].begin()), i + 1};
+    }
+    throw Failure("no column \"" + name + "\"");
+}
+
+std::optional<double> NumberIn(const Row& row, std::size_t column) {
+    return column < row.size() ? ParseNumber(row[column]) : std::nullopt;
+}
+
+// The table that begins at or below row @p at, which moves behind it; no points when there is none.
+Curve NextTable(const std::vector<Row>& rows, std::size_t& at, std::size_t volumeColumn, std::size_t signalColumn) {
+    Curve curve;
+    std::size_t missing = 0;
+    for (; at < rows.size(); ++at) {
+        const auto volume = NumberIn(rows[at], volumeColumn);
+        const auto signal = NumberIn(rows[at], signalColumn);
+        if (volume && signal) {
+            curve.volume.push_back(*volume);
+            curve.signal.push_back(*signal);
+            if (curve.firstLine == 0) curve.firstLine = at + 1;
+            curve.lastLine = at + 1;
+            curve.linesWithoutPoint = missing;
+        } else if (volume || signal) {
+            if (curve.firstLine != 0) ++missing;
+        } else if (curve.firstLine != 0) {
+            break;
+        }
+    }
+    return curve;
+}
+
+}  // namespace
+
+Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn) {
+    const std::vector<Row> rows = SplitAsWritten(text);
+    const Column volume = FindColumn(rows, volumeColumn);
+    const Column signal = FindColumn(rows, signalColumn);
+    if (volume.index == signal.index) throw Failure("volume and signal are the same column");
+
+    std::size_t at = std::max(volume.firstRow, signal.firstRow);
+    const bool takeFirst = at > 0;
+    Curve longest;
+    while (at < rows.size()) {
+        Curve curve = NextTable(rows, at, volume.index, signal.index);
+        if (curve.volume.size() > longest.volume.size()) longest = std::move(curve);
+        if (takeFirst) break;
+    }
+    if (longest.volume.empty()) {
+        throw Failure("no numbers in the columns \"" + volumeColumn + "\" and \"" + signalColumn + "\"");
+    }
+    return longest;
+}
+
+}  // namespace titration

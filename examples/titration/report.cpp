@@ -1,0 +1,39 @@
+#include "report.h"
+
+#include <qellib10/qellib10.h>
+
+#include "number.h"
+
+namespace titration {
+namespace {
+
+std::string Fixed(double value, int digits) { return std::string(CQVariant::DoubleToStr(value, digits, 0)); }
+
+std::string Joined(const std::vector<std::string>& names) {
+    std::string joined;
+    for (const std::string& name : names) joined += (joined.empty() ? "" : ", ") + name;
+    return joined.empty() ? "no variable" : joined;
+}
+
+std::string ColumnText(const std::string& column) { return ParseWholeNumber(column) ? "column " + column : column; }
+
+}  // namespace
+
+std::string Report(const std::string& dataFile, const Settings& settings, const Curve& curve, const EndPoint& endPoint,
+                   const Result& result) {
+    std::string text = "Curve      " + dataFile + ", lines " + std::to_string(curve.firstLine) + " to " +
+                       std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
+    if (curve.linesWithoutPoint > 0) {
+        text += "           " + std::to_string(curve.linesWithoutPoint) + " lines lack a reading\n";
+    }
+    text += "End point  " + ColumnText(settings.volumeColumn) + " = " + Fixed(endPoint.volume, 4) + " at " +
+            ColumnText(settings.signalColumn) + " = " + Fixed(endPoint.signal, 2) + ", slope " +
+            Fixed(endPoint.slope, 2) + ", through " + std::to_string(endPoint.points) + " points, noise " +
+            Fixed(endPoint.noise, 3) + "\n";
+    text += "Formula    " + settings.formula + "\n";
+    text += "           uses " + Joined(result.used) + "\n";
+    text += "Result     " + result.name + " = " + result.text + " " + result.unit + "\n";
+    return text;
+}
+
+}  // namespace titration

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace titration {
+
+struct NamedValue {
+    std::string name;
+    double value;
+};
+
+/// What turns a curve into a result: a text file of sections, with a comment in a line that begins with ; or #
+///
+///     [curve]
+///     volume = volume_mL              a column's name or its number (default 1)
+///     signal = pH                     default 2
+///     [variables]
+///     C_NaOH = 0.1                    any number of named values for the formula
+///     [result]
+///     end_point = EP                  the name by which the formula gets the end point's volume
+///     name = acidity
+///     formula = (EP - BLANK) * C_NaOH * 60.05 / SAMPLE
+///     unit = g/L                      a unit of the library's string table, or its id there
+///     digits = 3                      decimal places of the result, 0 to 12
+///     variable_digits = 4             optional: every variable is rounded to so many places, 0 to 12
+struct Settings {
+    std::string volumeColumn = "1";
+    std::string signalColumn = "2";
+    std::vector<NamedValue> variables;
+    std::string endPoint;
+    std::string name;
+    std::string formula;
+    std::string unit;
+    int digits = 0;
+    int variableDigits = -1;  // below 0: not rounded
+};
+
+/// @throws Failure that names the line when a key is unknown, given twice or has no value of its kind, and when one is
+/// missing
+Settings ReadSettings(std::string_view text);
+
+}  // namespace titration

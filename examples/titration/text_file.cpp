@@ -1,0 +1,60 @@
+#include "text_file.h"
+
+#include <algorithm>
+
+#include <qellib10/qellib10.h>
+
+#include "failure.h"
+
+namespace titration {
+namespace {
+
+constexpr ULONGLONG kLargestFile = 64 << 20;
+
+char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+
+std::string ReadWhole(const std::string& path) {
+    CFile file(path.c_str(), CFile::modeRead | CFile::shareDenyNone);
+    if (file.GetLength() > kLargestFile) throw Failure(path + ": larger than 64 MiB");
+    std::string text(file.GetLength(), '\0');
+    text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
+    return text;
+}
+
+}  // namespace
+
+std::string ReadTextFile(const std::string& path) {
+    std::string text;
+    try {
+        text = ReadWhole(path);
+    } catch (const CFileException& error) {
+        throw Failure(path + ": " + error.what());
+    }
+    if (text.find('\0') != std::string::npos) throw Failure(path + ": no text in single bytes or UTF-8");
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    return text;
+}
+
+std::vector<std::string_view> Lines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        lines.push_back(text.substr(0, end));
+        text.remove_prefix(end);
+        text.remove_prefix(text.starts_with("\r\n") ? 2 : text.empty() ? 0 : 1);
+    }
+    return lines;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+bool EqualNoCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, [](char x, char y) { return Lower(x) == Lower(y); });
+}
+
+}  // namespace titration

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace titration {
+
+/// The whole of a text file, without a byte order mark.
+/// @throws Failure when it cannot be read, is larger than 64 MiB, or holds zero bytes (UTF-16 text, or no text)
+std::string ReadTextFile(const std::string& path);
+
+/// The lines of @p text, ended by LF, CR LF or CR. They point into it.
+std::vector<std::string_view> Lines(std::string_view text);
+
+/// Without blanks and tabs at both ends.
+std::string_view Trimmed(std::string_view text);
+
+/// Equal but for the case of the letters A to Z.
+bool EqualNoCase(std::string_view a, std::string_view b);
+
+}  // namespace titration

@@ -1,0 +1,193 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "../support/temp_folder.h"
+
+namespace {
+
+std::string ReadText(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+struct Outcome {
+    int status;
+    std::string out, err;
+};
+
+// Runs the example program in a folder of its own.
+class Titration : public testing::Test {
+protected:
+    Outcome Run(const std::string& arguments) {
+        const std::string command = QELLIB10_TITRATION " " + arguments + " >" + Path("out") + " 2>" + Path("err");
+        const int status = std::system(command.c_str());
+        return {WEXITSTATUS(status), ReadText(Path("out")), ReadText(Path("err"))};
+    }
+    Outcome Run(const std::string& data, const std::string& settings) {
+        return Run("--data " + Write("data.csv", data) + " --settings " + Write("settings.ini", settings) + " --out " +
+                   Path("results/first"));
+    }
+    std::string Write(const char* name, const std::string& text) const {
+        std::ofstream(Path(name), std::ios::binary) << text;
+        return Path(name);
+    }
+    std::string Path(const char* name) const { return m_folder.Posix(name).string(); }
+
+private:
+    TempFolder m_folder;
+};
+
+std::string Settings(const std::string& formula, const std::string& more = "") {
+    return "[variables]\nF = 1\nZERO = 0\n[result]\nend_point = EP\nname = R\nunit = mL\ndigits = 3\nformula = " +
+           formula + "\n" + more;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+using Points = std::vector<std::pair<double, double>>;
+
+// A curve with its end point at 10.2, rising for a positive height, with uneven steps and noise that repeats itself.
+Points Curve(double height, double noise = 0, int repeats = 1) {
+    Points points;
+    unsigned random = 1;
+    for (double volume = 0; volume < 20; volume += std::abs(volume - 10) < 1.5 ? 0.15 : 0.8) {
+        for (int i = 0; i < repeats; ++i) {
+            random = random * 1664525u + 1013904223u;
+            const double error = noise * ((random >> 16) / 32768.0 - 1);
+            points.emplace_back(volume, 150 + height * std::tanh((volume - 10.2) / 0.4) + 0.5 * volume + error);
+        }
+    }
+    return points;
+}
+
+Points Reversed(Points points) {
+    std::ranges::reverse(points);
+    return points;
+}
+
+std::string Table(const Points& points, const std::string& separator = ",", const std::string& decimal = ".",
+                  const std::string& before = "") {
+    std::ostringstream text;
+    for (const auto& [volume, signal] : points) {
+        std::ostringstream numbers;
+        numbers << volume << '|' << signal;
+        text << before << Replaced(Replaced(numbers.str(), ".", decimal), "|", separator) << '\n';
+    }
+    return text.str();
+}
+
+double ResultIn(const std::string& report) {
+    double result = NAN;
+    std::istringstream(report.substr(std::min(report.find("R = "), report.size() - 4) + 4)) >> result;
+    return result;
+}
+
+}  // namespace
+
+TEST_F(Titration, ComputesTheVinegar) {
+    const std::string vinegar = QELLIB10_SOURCE_DIR "/examples/titration/data/vinegar";
+    const Outcome run = Run("--data " + vinegar + ".csv --settings " + vinegar + ".ini --out " + Path("results"));
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("uses C_NaOH, F, BLANK, SAMPLE, M, EP\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("Result     ACIDITY = 49.6 g/L\n"), std::string::npos) << run.out;
+    EXPECT_TRUE(run.out.starts_with(ReadText(Path("results/report.txt"))));
+    EXPECT_TRUE(ReadText(Path("results/variables.qel")).starts_with("\6QWCalc\0041.01"));
+}
+
+TEST_F(Titration, ReadsWhatInstrumentsWrite) {
+    const std::string rising = Table(Curve(100));
+    struct Case {
+        const char* name;
+        std::string data;
+        double tolerance = 0.02;
+        const char* columns = "";
+    };
+    for (const Case& c : {
+             Case{"rising", rising},
+             Case{"falling", Table(Curve(-100))},
+             Case{"noise", Table(Curve(100, 2)), 0.05},
+             Case{"much noise", Table(Curve(-100, 10)), 0.2},
+             Case{"repeated volumes", Table(Curve(100, 2, 5)), 0.05},
+             Case{"last volume first", Table(Reversed(Curve(100)))},
+             Case{"a stray reading", Replaced(rising, "\n3.2,", "\n3.2,9")},
+             Case{"a missing reading", Replaced(rising, "\n3.2,", "\n3.2,---.-\n3.3,")},
+             Case{"tabs", Table(Curve(100), "\t")},
+             Case{"decimal comma", Table(Curve(100), ";", ",")},
+             Case{"decimal comma in quotation marks", Table(Curve(100), "\",\"", ",", "\"\",\"") + "\"", 0.02,
+                  "[curve]\nvolume = 2\nsignal = 3\n"},
+             Case{"order mark, CR LF, blank lines", "\xEF\xBB\xBF" + Replaced(rising, "\n", "\r\n") + "\r\n\r\n"},
+             Case{"a short table above", "1,2\n3,4\n\n" + rising},
+             Case{"lines above and below",
+                  "Run;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\n1;2;3\n", 0.02,
+                  "[curve]\nvolume = v\nsignal = U\n"},
+         }) {
+        SCOPED_TRACE(c.name);
+        const Outcome run = Run(c.data, Settings("EP*F", c.columns));
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_NEAR(ResultIn(run.out), 10.2, c.tolerance) << run.out;
+    }
+}
+
+TEST_F(Titration, RefusesWrongInputInOneLine) {
+    const std::string good = Table(Curve(100));
+    struct Case {
+        std::string data, settings;
+        const char* message;
+    };
+    for (const Case& c : {
+             Case{"", Settings("EP"), "data.csv: no numbers in the columns"},
+             Case{"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
+             Case{"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
+             Case{"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
+             Case{"1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n", Settings("EP"), "data.csv: no end point"},
+             Case{std::string("\xFF\xFE"
+                              "1\0,\0",
+                              6),
+                  Settings("EP"), "data.csv: no text in single bytes or UTF-8"},
+             Case{good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no column \"pH\""},
+             Case{good, Settings("EP", "[curve]\nsignal = 3\n"), "data.csv: no numbers in the columns \"1\" and \"3\""},
+             Case{good, Settings("EP", "[curve]\nsignal = 1\n"), "data.csv: volume and signal are the same column"},
+             Case{good, Settings("(EP - BLANK) * F"),
+                  "settings.ini: the formula names \"BLANK\", which is no variable"},
+             Case{good, Settings("(EP * F"), "settings.ini: the formula \"(EP * F\" is not valid"},
+             Case{good, Settings("EP / 0"), "settings.ini: the formula \"EP / 0\" is not valid"},
+             Case{good, Settings("EP / ZERO"), "settings.ini: the formula divides by zero"},
+             Case{good, Settings("EP + " + std::string(255, '0')), "is not valid"},
+             Case{good, Settings("EP", "[variables]\nf = 2\n"), "settings.ini: there are two variables \"f\""},
+             Case{good, Settings("EP", "[variables]\nr = 2\n"), "settings.ini: there are two variables \"R\""},
+             Case{good, Settings("EP", "[variables]\n2F = 2\n"), "settings.ini: line 11: \"2F\" cannot be a name"},
+             Case{good, Settings("EP", "unit = g\n"), "settings.ini: line 10: \"unit\" stands there twice"},
+             Case{good, Settings("EP", "color = red\n"), "settings.ini: line 10: \"color\" has no meaning in [result]"},
+             Case{good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: line 2: \"one\" is no number"},
+             Case{good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: line 8: \"99\" is no whole number"},
+             Case{good, Replaced(Settings("EP"), "= mL", "= furlong"), "settings.ini: there is no unit \"furlong\""},
+             Case{good, "[result]\n", "settings.ini: [result] has no end_point"},
+         }) {
+        const Outcome run = Run(c.data, c.settings);
+        EXPECT_EQ(run.status, 1) << c.message;
+        EXPECT_EQ(run.out, "");
+        EXPECT_NE(run.err.find(c.message), std::string::npos) << c.message << "\nis not in\n" << run.err;
+        EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+    }
+    for (const std::string& arguments : {std::string(), std::string("--data"), std::string("--data a --settings b"),
+                                         "--data " + Path("none") + " --settings " + Path("none") + " --out x"}) {
+        const Outcome run = Run(arguments);
+        EXPECT_EQ(run.status, 1) << arguments;
+        EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+    }
+}
