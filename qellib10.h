@@ -2,6 +2,8 @@
 
 // All public headers of the library; an application needs no other include.
 #include "qellib10/base/q_variant.h"
+#include "qellib10/base/rounded_units.h"
+#include "qellib10/base/rounding.h"
 #include "qellib10/calc/bcd.h"
 #include "qellib10/calc/calc_variable.h"
 #include "qellib10/calc/calc_variable_index.h"
@@ -21,8 +23,6 @@
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/text/name_hash.h"
-#include "qellib10/platform/text/number_scan.h"
-#include "qellib10/platform/text/number_text.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/text/string_array.h"
 #include "qellib10/platform/text/string_table.h"

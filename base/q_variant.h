@@ -1,8 +1,12 @@
 #pragma once
 
+#include <cmath>
+#include <cstdint>
 #include <string>
 #include <variant>
 
+#include "qellib10/base/rounded_units.h"
+#include "qellib10/base/rounding.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/time/ole_date_time.h"
@@ -29,7 +33,17 @@ public:
     /// units, infinities and NaN come back unchanged.
     ///
     /// Below 0 digits (-2: hundreds) the modes are -1, 0 and 1; any other gives |x| * 10^-digits with the sign of x.
-    static double fround(double x, int digits, int mode);
+    static double fround(double x, int digits, int mode) {
+        if (!qel::IsQuick(digits)) return qel::RoundByRule(x, digits, mode);
+        const std::uint64_t tenths = qel::RoundedTenths(x, digits, mode);
+        const double unit = std::copysign(qel::kNegativePowersOfTen[static_cast<unsigned>(digits)], x);
+        // From one unit on; the narrower division is the quicker one, and most results are so small.
+        constexpr std::uint64_t kNarrow = std::uint64_t{1} << 32;
+        if (tenths - 10 < kNarrow - 10) return static_cast<std::uint32_t>(tenths) / 10 * unit;
+        if (tenths - 10 < qel::kTooLarge - 10)
+            return static_cast<double>(static_cast<std::int64_t>(tenths / 10)) * unit;
+        return qel::RoundByRule(x, digits, mode);
+    }
 
     /// @p x by fround with exactly @p digits places. For 0 and fewer the rounded number as an int, -2147483648 when it
     /// is outside the range of int.

@@ -45,13 +45,6 @@ std::string RightAligned(std::string text, std::size_t width) {
 
 }  // namespace
 
-double CQVariant::fround(double x, int digits, int mode) {
-    const std::optional<std::int64_t> units = qel::RoundedUnits(x, digits, mode);
-    if (!units) return qel::RoundByRule(x, digits, mode);
-    const double size = static_cast<double>(*units) * qel::kNegativePowersOfTen[static_cast<unsigned>(digits)];
-    return x < 0 ? -size : size;
-}
-
 CString CQVariant::DoubleToStr(double x, int digits, int mode) {
     return digits > 0 ? qel::RoundedText(x, digits, mode) : IntToStr(qel::TruncatedToInt(fround(x, digits, mode)));
 }

@@ -3,7 +3,9 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <optional>
+#ifdef __SSE2__
+#include <immintrin.h>
+#endif
 
 // The quick form of the rounding rule, for the digits and sizes that results have. Everything else takes RoundByRule.
 namespace qel {
@@ -17,18 +19,28 @@ inline constexpr std::array<double, 23> kNegativePowersOfTen = {1e-0,  1e-1,  1e
                                                                 1e-8,  1e-9,  1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15,
                                                                 1e-16, 1e-17, 1e-18, 1e-19, 1e-20, 1e-21, 1e-22};
 
-/// One digit more than these is looked at.
+/// From 0 to so many digits; one more than these is looked at.
 inline constexpr int kMostQuickDigits = static_cast<int>(kPowersOfTen.size()) - 2;
+constexpr bool IsQuick(int digits) { return static_cast<unsigned>(digits) <= kMostQuickDigits; }
 
-/// |x| rounded, in units of the last kept digit; nothing when @p digits is not within 0 to kMostQuickDigits or |x| is
-/// too large for 64 bits or no number.
-inline std::optional<std::int64_t> RoundedUnits(double x, int digits, int mode) {
-    if (static_cast<unsigned>(digits) > kMostQuickDigits) return std::nullopt;
-    const double scaled = std::fabs(x * kPowersOfTen[static_cast<unsigned>(digits) + 1]);
-    if (!(scaled < 9223372036854775808.0)) return std::nullopt;
-    // What carries into the last kept digit: 5 to 9, nothing, or 1 to 9 of the first dropped one.
+/// What counts as "too large" below.
+inline constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 63;
+
+/// @p value, not below 0, cut to a whole number; kTooLarge from 2^63 on and for NaN.
+inline std::uint64_t CutToWhole(double value) {
+#ifdef __SSE2__
+    return static_cast<std::uint64_t>(_mm_cvttsd_si64(_mm_set_sd(value)));  // its own answer, without a test
+#else
+    return value < static_cast<double>(kTooLarge) ? static_cast<std::uint64_t>(value) : kTooLarge;
+#endif
+}
+
+/// |x| in tenths of a unit of the last kept digit, and what carries into that digit added: 5 to 9 tenths, none, or 1 to
+/// 9 of them. A tenth of it, cut, is the rounded number in units. kTooLarge or more when |x| is too large or no number.
+inline std::uint64_t RoundedTenths(double x, int digits, int mode) {
     const std::uint64_t carry = mode == 0 ? 5 : mode < 0 ? 0 : 9;
-    return static_cast<std::int64_t>((static_cast<std::uint64_t>(scaled + 0.01) + carry) / 10);
+    // The absolute value is taken in between, so that no compiler fuses product and sum, which would round once.
+    return CutToWhole(std::fabs(x * kPowersOfTen[static_cast<unsigned>(digits) + 1]) + 0.01) + carry;
 }
 
 }  // namespace qel

@@ -5,7 +5,7 @@
 namespace qel {
 
 /// The power of ten that rounding multiplies by: the double nearest to it for exponents -22 to 22, else pow's.
-QELLIB10_API double PowerOfTen(int exponent);
+double PowerOfTen(int exponent);
 
 /// The rule of CQVariant::fround step by step. RoundedUnits (rounded_units.h) is its quick form for 0 to 21 digits and
 /// gives the same doubles.

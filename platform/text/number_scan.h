@@ -4,17 +4,15 @@
 #include <cstdint>
 #include <string_view>
 
-#include "qellib10/platform/export.h"
-
 // Numbers read from the beginning of a text, as atoi and atof of the platform read them: blanks (09-0D, 20), one sign,
 // digits; what follows is not looked at. The locale has no say.
 namespace qel {
 
 /// The whole number that @p text begins with, 0 without digits; beyond the range of the type its last value.
-QELLIB10_API std::int64_t ScanInteger(std::string_view text) noexcept;
+std::int64_t ScanInteger(std::string_view text) noexcept;
 
 /// @p value kept within the range of int.
-QELLIB10_API int ClampToInt(std::int64_t value) noexcept;
+int ClampToInt(std::int64_t value) noexcept;
 
 struct ScannedNumber {
     double value = 0;
@@ -23,6 +21,6 @@ struct ScannedNumber {
 
 /// The number that @p text begins with: digits with at most one ".", then perhaps an exponent behind e, E, d or D. No
 /// hexadecimal digits, no names for infinity. Too large gives an infinity, too small 0, with the sign.
-QELLIB10_API ScannedNumber ScanNumber(std::string_view text);
+ScannedNumber ScanNumber(std::string_view text);
 
 }  // namespace qel
