@@ -1,5 +1,6 @@
 #include "qellib10/platform/text/code_page.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <type_traits>
@@ -37,6 +38,7 @@ public:
     explicit Reader(View text) : m_text(text) {}
 
     bool AtEnd() const { return m_at == m_text.size(); }
+    bool AtAscii() const { return static_cast<std::make_unsigned_t<typename View::value_type>>(m_text[m_at]) < 0x80; }
     View TakeAscii() {
         const std::size_t begin = std::exchange(m_at, EndOfAscii(m_text, m_at));
         return m_text.substr(begin, m_at - begin);
@@ -70,66 +72,82 @@ private:
     const PageTable& m_table;
 };
 
-// UTF-8 or UTF-16.
-template <typename String> class Writer {
+// A growing text that is written at its end through pointers.
+template <typename String> class Output {
 public:
-    explicit Writer(std::size_t sizeHint) { m_text.reserve(sizeHint); }
+    using Unit = typename String::value_type;
 
-    template <typename View> void PutAscii(View run) {
-        if constexpr (std::is_same_v<typename View::value_type, typename String::value_type>) {
-            m_text.append(run);
-        } else {
-            m_text.append(run.begin(), run.end());
-        }
+    explicit Output(std::size_t sizeHint) : m_text(sizeHint, Unit{}) {}
+
+    template <typename View> void PutAscii(View run) { MoveTo(std::copy(run.begin(), run.end(), Room(run.size()))); }
+    String Result() {
+        m_text.resize(m_size);
+        return std::move(m_text);
     }
-    void Put(char32_t character) { AppendCharacter(m_text, character); }
-    String Result() { return std::move(m_text); }
+
+protected:
+    // The end, with room for @p units.
+    Unit* Room(std::size_t units) {
+        if (m_text.size() - m_size < units) m_text.resize(std::max(m_text.size() * 2, m_size + units));
+        return m_text.data() + m_size;
+    }
+    void MoveTo(Unit* end) { m_size = static_cast<std::size_t>(end - m_text.data()); }
 
 private:
     String m_text;
+    std::size_t m_size = 0;
+};
+
+// UTF-8 or UTF-16.
+template <typename String> class Writer : public Output<String> {
+public:
+    using Output<String>::Output;
+
+    void Put(char32_t character) { this->MoveTo(WriteCharacter(this->Room(kMostUnits), character)); }
 };
 
 // What is written for a character that the page lacks: the best fit, else `?`; or a numeric character reference.
 enum class Missing { BestFit, Reference };
 
-class PageWriter {
+class PageWriter : public Output<std::string> {
 public:
-    PageWriter(std::size_t sizeHint, const PageTable& table, Missing missing) : m_table(table), m_missing(missing) {
-        m_text.reserve(sizeHint);
-    }
+    PageWriter(std::size_t sizeHint, const PageTable& table, Missing missing)
+        : Output(sizeHint), m_table(table), m_missing(missing) {}
 
-    template <typename View> void PutAscii(View run) { m_text.append(run.begin(), run.end()); }
     void Put(char32_t character) {
         const unsigned code = character < m_table.codes.size() ? m_table.codes[character] : 0;
         if (code != 0) {
             PutCode(code);
         } else if (m_missing == Missing::Reference) {
-            m_text.append("&#").append(std::to_string(static_cast<unsigned>(character))).append(";");
+            PutAscii("&#" + std::to_string(static_cast<unsigned>(character)) + ";");
         } else if (const unsigned fit = BestFit(character, m_table.page); fit != 0) {
             PutCode(fit);
         } else {
-            m_text.append(character > 0xFFFF ? 2 : 1, '?');  // one for each UTF-16 unit, as the platform counts
+            PutAscii(std::string_view(character > 0xFFFF ? "??" : "?"));  // one a UTF-16 unit, as the platform counts
         }
     }
-    std::string Result() { return std::move(m_text); }
 
 private:
     void PutCode(unsigned code) {
-        if (code > 0xFF) m_text += static_cast<char>(code >> 8);
-        m_text += static_cast<char>(code & 0xFF);
+        char* end = Room(2);
+        if (code > 0xFF) *end++ = static_cast<char>(code >> 8);
+        *end++ = static_cast<char>(code & 0xFF);
+        MoveTo(end);
     }
 
     const PageTable& m_table;
     Missing m_missing;
-    std::string m_text;
 };
 
 template <typename From, typename To> auto Convert(From from, To to) {
-    for (;;) {
-        to.PutAscii(from.TakeAscii());
-        if (from.AtEnd()) return to.Result();
-        to.Put(from.Take());
+    while (!from.AtEnd()) {
+        if (from.AtAscii()) {
+            to.PutAscii(from.TakeAscii());
+        } else {
+            to.Put(from.Take());
+        }
     }
+    return to.Result();
 }
 
 template <typename To> auto FromPage(std::string_view text) {

@@ -132,7 +132,7 @@ bool SameName(std::string_view a, std::string_view b) {
     const UINT page = CodePage();
     for (size_t at = 0; at < a.size();) {
         const size_t size = CharacterSize(a, at, page);
-        if (size != CharacterSize(b, at, page)) return false;
+        if (size == 2 && CharacterSize(b, at, page) != 2) return false;
         if (FoldLetter(CharacterAt(a, at, size)) != FoldLetter(CharacterAt(b, at, size))) return false;
         at += size;
     }
