@@ -96,3 +96,61 @@ TEST(QVariantNumber, ReadsNumbersAsTheRuntimeDoes) {
     EXPECT_EQ(CQVariant::StrToInt("1234", 99), 1234);
     EXPECT_EQ(CQVariant::StrToDouble("12.75", 4), 12.7);
 }
+
+TEST(QVariantNumber, FixedFieldsHaveTheirWidth) {
+    struct Case {
+        double x;
+        int width, decimals;
+        const char* expected;
+    };
+    for (const Case& c : {Case{1.25, 20, 2, " 1.25"}, Case{-0.125, 20, 2, "-0.13"}, Case{2.5, 20, 0, " 3"},
+                          Case{-123.456, 4, 1, "-123"}, Case{5, -1, 2, ""}, Case{7, 20, -3, " 7"},
+                          Case{-0.0, 20, 1, " 0.0"}, Case{1e300, 6, 2, " 10000"}}) {
+        SCOPED_TRACE(testing::Message() << c.x << ", " << c.width << ", " << c.decimals);
+        char out[24] = {};
+        CQVariant::DoubleToStr(c.x, out, c.width, c.decimals);
+        EXPECT_STREQ(out, c.expected);
+    }
+    EXPECT_STREQ(CQVariant::IntToStr(-5, 4), "  -5");
+    EXPECT_STREQ(CQVariant::IntToStr(-12345, 3), "345");
+    EXPECT_STREQ(CQVariant::IntToStr(12, -2), "");
+    EXPECT_EQ(CQVariant::IntToStr(12, 2000000000).GetLength(), 512);
+    EXPECT_STREQ(CQVariant::NoNumericStr(3, 2), "---.--");
+    EXPECT_STREQ(CQVariant::NoNumericStr(2, 0), "--");
+    EXPECT_STREQ(CQVariant::NoNumericStr(-2, 1), ".-");
+}
+
+TEST(QVariantNumber, ExponentHasTwoDigitsWhereTheyDo) {
+    struct Case {
+        double x;
+        const char* expected;
+    };
+    for (const Case& c :
+         {Case{1234.5, "  1.235E+03"}, Case{-1234.5, " -1.235E+03"}, Case{12345.5, "  1.235E+04"},
+          Case{1.2345e20, "  1.235E+20"}, Case{12355e5, "  1.236E+09"},  // ties away from zero, all sizes
+          Case{0, "  0.000E+00"}, Case{1.5e-7, "  1.500E-07"}, Case{9.9996, "  1.000E+01"}, Case{1e100, "  1.000E+100"},
+          Case{-1e-300, " -1.000E-300"}, Case{kInfinity, "         inf"}}) {
+        SCOPED_TRACE(c.x);
+        EXPECT_STREQ(CQVariant::ExponentialDigit3to2(c.x), c.expected);
+    }
+}
+
+TEST(QVariantNumber, NoNumericToNullAcceptsTheFormOfANumber) {
+    for (const char* text : {"", "1", "+1.5", "-.", "1.2.3", "."}) EXPECT_STREQ(CQVariant::NoNumericToNull(text), text);
+    for (const char* text : {"-", "+", "1e5", " 1", "1-", "--1", "\x82\x50"}) {
+        EXPECT_STREQ(CQVariant::NoNumericToNull(text), "NULL") << text;
+    }
+}
+
+TEST(QVariantNumber, HexadecimalTextsKeepTheBytesOfAFloat) {
+    char text[9] = {};
+    CQVariant::float2asc(-1.5F, text);
+    EXPECT_STREQ(text, "0000C0BF");  // lowest byte first
+    EXPECT_EQ(CQVariant::asc2float(text), -1.5F);
+    EXPECT_EQ(CQVariant::asc2float("0000803F and more"), 1.0F);
+    EXPECT_EQ(CQVariant::asc2float("0"), 0.0F);
+    EXPECT_EQ(CQVariant::hex2int("A5"), 0xA5);
+    EXPECT_EQ(CQVariant::hex2int("aG"), 0);
+    EXPECT_EQ(CQVariant::hex2int("F"), 0xF0);
+    EXPECT_EQ(CQVariant::hex2int(nullptr), 0);
+}

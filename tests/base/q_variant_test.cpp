@@ -1,0 +1,114 @@
+#include "qellib10/base/q_variant.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "qellib10/platform/text/code_page.h"
+
+namespace {
+
+template <typename T> CQVariant Holding(const T& value) {
+    CQVariant holder;
+    holder = value;
+    return holder;
+}
+
+}  // namespace
+
+TEST(QVariant, KeepsTypeAndValue) {
+    const COleDateTime date(2026, 7, 14, 0, 0, 0);
+    EXPECT_EQ(CQVariant().GetType(), 0);
+    EXPECT_EQ(Holding(true).GetType(), 1);
+    EXPECT_EQ(Holding(1).GetType(), 2);
+    EXPECT_EQ(Holding(1.0F).GetType(), 3);
+    EXPECT_EQ(Holding(1.0).GetType(), 4);
+    EXPECT_EQ(Holding("text").GetType(), 5) << "a text is no truth value";
+    EXPECT_EQ(Holding(date).GetType(), 6);
+
+    CQVariant copy = Holding(CString("text"));
+    EXPECT_TRUE(copy == "text");
+    copy = Holding(date);
+    EXPECT_TRUE(copy == date);
+    EXPECT_FALSE(copy == COleDateTime(2026, 7, 15, 0, 0, 0));
+    EXPECT_EQ(copy.ChangeType(5), 0);
+}
+
+TEST(QVariant, EqualsOnlyTheSameType) {
+    EXPECT_FALSE(Holding(1) == 1.0);
+    EXPECT_FALSE(Holding(1) == true);
+    EXPECT_FALSE(Holding(1.0F) == 1.0);
+    EXPECT_FALSE(CQVariant() == CQVariant()) << "no value equals no value";
+    EXPECT_TRUE(Holding(std::numeric_limits<double>::quiet_NaN()) == std::numeric_limits<double>::quiet_NaN());
+    EXPECT_TRUE(Holding("a") != Holding("A"));
+    COleDateTime invalid;
+    invalid.SetStatus(COleDateTime::invalid);
+    EXPECT_FALSE(Holding(COleDateTime()) == invalid);
+}
+
+TEST(QVariant, TimesShowAsClocks) {
+    struct Case {
+        double seconds;
+        const char* dateTime;
+        const char* time;
+        const char* timeH2;
+    };
+    for (const Case& c :
+         {Case{90061, "1 1:01:01", "25:01:01", "25:01:01"}, Case{59.99, "0:00:59", "0:00:59", "00:00:59"},
+          Case{3661, "1:01:01", "1:01:01", "01:01:01"}, Case{86400, "1 0:00:00", "24:00:00", "24:00:00"},
+          Case{-0.5, "0:00:-1", "0:00:-1", "00:00:-1"}, Case{1e300, "", "", ""},
+          Case{std::numeric_limits<double>::quiet_NaN(), "", "", ""}}) {
+        SCOPED_TRACE(c.seconds);
+        EXPECT_STREQ(CQVariant::DoubleToDatetimeStr(c.seconds), c.dateTime);
+        EXPECT_STREQ(CQVariant::DoubleToTimeStr(c.seconds), c.time);
+        EXPECT_STREQ(CQVariant::DoubleToTimeH2Str(c.seconds), c.timeH2);
+    }
+}
+
+TEST(QVariant, MaxCTimeTakesTheLargerOfEachField) {
+    const CTime later = CQVariant::MaxCTime(CTime(2001, 1, 31, 5, 0, 59), CTime(2001, 2, 1, 4, 30, 0));
+    EXPECT_STREQ(later.Format("%Y/%m/%d %H:%M:%S"), "2001/03/03 05:30:59");
+}
+
+TEST(QVariant, DatabaseValuesConvert) {
+    COleVariant null;
+    null.vt = VT_NULL;
+    COleVariant unknown;
+    unknown.vt = 0x2000;
+    struct Case {
+        COleVariant value;
+        const char* text;
+        int integer;
+        double number;
+    };
+    for (const Case& c : {Case{{}, "", 0, 0},
+                          Case{null, "", 0, 0},
+                          Case{unknown, "", 0, 0},
+                          Case{BYTE{200}, "200", 200, 200},
+                          Case{short{-7}, "-7", -7, -7},
+                          Case{{5, VT_BOOL}, "-1", -1, -1},
+                          Case{LONG{1 << 30}, "1073741824", 1 << 30, 1 << 30},
+                          Case{0.1F, "0.1", 0, 0.1F},
+                          Case{1e15, "1E+15", 0, 1e15},
+                          Case{1e-5, "1E-05", 0, 1e-5},
+                          Case{2.5, "2.5", 2, 2.5},
+                          Case{3.5, "3.5", 4, 3.5},
+                          Case{-2.5, "-2.5", -2, -2.5},
+                          Case{CY{-125000}, "-12.5", -12, -12.5},
+                          Case{CY{1}, "0.0001", 0, 0.0001},
+                          Case{CY{70000}, "7", 7, 7},
+                          Case{COleDateTime(2001, 1, 2, 3, 4, 5), "2001/01/02 3:04:05", 36893, 36893 + 11045.0 / 86400},
+                          Case{COleDateTime(2001, 1, 2, 0, 0, 0), "2001/01/02", 36893, 36893},
+                          Case{COleDateTime(0.5), "12:00:00", 0, 0.5},
+                          Case{COleDateTime(0.0), "0:00:00", 0, 0},
+                          Case{COleDateTime(1e9), "", 1000000000, 1e9},
+                          Case{" 12.5 ", " 12.5 ", 12, 12.5},
+                          Case{"12x", "12x", 0, 0},
+                          Case{"", "", 0, 0}}) {
+        SCOPED_TRACE(testing::Message() << "type " << c.value.vt << ", " << c.text);
+        EXPECT_STREQ(CQVariant::VarToStr(c.value), c.text);
+        EXPECT_EQ(CQVariant::VarToInt(c.value), c.integer);
+        EXPECT_DOUBLE_EQ(CQVariant::VarToDouble(c.value), c.number);
+    }
+    EXPECT_EQ(CQVariant::VarToBStr("\x83\x5C"), u"\u30BD");
+}

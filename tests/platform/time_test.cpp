@@ -1,0 +1,97 @@
+#include "qellib10/platform/time/time.h"
+
+#include <gtest/gtest.h>
+
+#include <time.h>
+#include <cstdlib>
+#include <limits>
+#include <string>
+
+#include "qellib10/platform/time/ole_date_time.h"
+
+namespace {
+
+// A time zone for the life of the object.
+class Zone {
+public:
+    explicit Zone(const char* name) : m_previous(std::getenv("TZ") != nullptr ? std::getenv("TZ") : "") { Set(name); }
+    ~Zone() { Set(m_previous.c_str()); }
+    Zone(const Zone&) = delete;
+    Zone& operator=(const Zone&) = delete;
+
+private:
+    static void Set(const char* name) {
+        *name != '\0' ? setenv("TZ", name, 1) : unsetenv("TZ");
+        tzset();
+    }
+    std::string m_previous;
+};
+
+}  // namespace
+
+TEST(Time, FieldsAreLocal) {
+    const Zone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    const CTime summer(2026, 7, 14, 9, 5, 7);
+    EXPECT_EQ(summer.GetTime(), 1784012707);
+    EXPECT_EQ(summer.GetYear() * 10000 + summer.GetMonth() * 100 + summer.GetDay(), 20260714);
+    EXPECT_EQ(summer.GetHour() * 10000 + summer.GetMinute() * 100 + summer.GetSecond(), 90507);
+    EXPECT_STREQ(summer.Format("[%Y/%m/%d %H:%M:%S],"), "[2026/07/14 09:05:07],");
+    EXPECT_STREQ(summer.Format("%b %p"), "Jul AM") << "names are not those of the locale";
+    EXPECT_GT(summer, CTime(1969, 12, 31, 23, 59, 59));
+    EXPECT_EQ(CTime(1970, 1, 1, 0, 59, 59).GetTime(), -1) << "the second before 1970 is a time like any other";
+    EXPECT_EQ(CTime(2026, 7, 14, 9, 5, 7, 0).GetHour(), 10) << "a standard time in summer";
+}
+
+TEST(Time, HasAResultForEveryValue) {
+    using Int = std::numeric_limits<int>;
+    for (const CTime& time :
+         {CTime(std::numeric_limits<std::int64_t>::max()), CTime(Int::min(), 1, 1, 0, 0, 0),
+          CTime(Int::max(), Int::max(), Int::max(), 0, 0, 0), CTime(2026, Int::min(), 1, 0, 0, 0)}) {
+        EXPECT_EQ(time.GetYear(), 0);
+        EXPECT_STREQ(time.Format("%Y"), "");
+    }
+    EXPECT_STREQ(CTime().Format(nullptr), "");
+    EXPECT_STREQ(CTime().Format("%099999999Y"), "") << "no text without bound";
+    EXPECT_EQ(CTime().Format(std::string(1000, 'x').c_str()).GetLength(), 1000);
+}
+
+TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
+    struct Case {
+        int year, month, day;
+        double number;
+    };
+    for (const Case& c :
+         {Case{1899, 12, 30, 0}, Case{1900, 1, 1, 2}, Case{1970, 1, 1, 25569}, Case{2000, 2, 29, 36585},
+          Case{2001, 1, 1, 36892}, Case{1899, 12, 29, -1}, Case{100, 1, 1, -657434}, Case{9999, 12, 31, 2958465}}) {
+        const COleDateTime date(c.year, c.month, c.day, 0, 0, 0);
+        EXPECT_EQ(date.m_dt, c.number);
+        EXPECT_EQ(date.GetYear() * 10000 + date.GetMonth() * 100 + date.GetDay(),
+                  c.year * 10000 + c.month * 100 + c.day);
+    }
+    const COleDateTime before(1899, 12, 29, 6, 0, 0);
+    EXPECT_EQ(before.m_dt, -1.25);
+    EXPECT_EQ(before.GetDay() * 100 + before.GetHour(), 2906);
+    const COleDateTime almost(2.0 - 1e-9);  // less than half a second before the next day
+    EXPECT_EQ(almost.GetMonth() * 10000 + almost.GetDay() * 100 + almost.GetHour(), 10100);
+}
+
+TEST(OleDateTime, RefusesWhatIsNoDate) {
+    struct Case {
+        int year, month, day, hour, minute, second;
+    };
+    for (const Case& c : {Case{99, 1, 1, 0, 0, 0}, Case{10000, 1, 1, 0, 0, 0}, Case{2001, 2, 29, 0, 0, 0},
+                          Case{2001, 13, 1, 0, 0, 0}, Case{2001, 1, 0, 0, 0, 0}, Case{2001, 1, 1, 24, 0, 0},
+                          Case{2001, 1, 1, 0, 60, 0}, Case{2001, 1, 1, 0, 0, -1}}) {
+        COleDateTime date(5.5);
+        EXPECT_EQ(date.SetDateTime(c.year, c.month, c.day, c.hour, c.minute, c.second), 1);
+        EXPECT_EQ(date.GetStatus(), COleDateTime::invalid);
+        EXPECT_EQ(date.m_dt, 0);
+        EXPECT_EQ(date.GetYear(), -1);
+    }
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const double day : {infinity, -infinity, nan, 2958466.0, 2958466.0 - 1e-9, -657435.0}) {
+        EXPECT_EQ(COleDateTime(day).GetSecond(), -1) << day;
+    }
+    EXPECT_TRUE(COleDateTime(nan) == COleDateTime(nan));
+}
