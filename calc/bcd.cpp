@@ -145,7 +145,7 @@ int CBCD::Compare(const CBCD& right) const {
     // comparison.
     decContext context = {9, DEC_MAX_EMAX, DEC_MIN_EMIN, DEC_ROUND_HALF_UP, 0, 0, 0};
     decNumber order;
-    if (decNumberIsNaN(&m_value) || decNumberIsNaN(&right.m_value)) {
+    if (((m_value.bits | right.m_value.bits) & (DECNAN | DECSNAN)) != 0) [[unlikely]] {
         decNumberCompareTotal(&order, &m_value, &right.m_value, &context);
     } else {
         decNumberCompare(&order, &m_value, &right.m_value, &context);

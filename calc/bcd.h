@@ -9,7 +9,7 @@
 /// plain memory.
 ///
 /// Nothing here fails. Text that is no number and impossible operations give NaN, a division by zero or an exponent
-/// above 384 gives Infinity, one below -397 rounds to zero; whoever needs to know asks the value.
+/// above 384 gives Infinity, less than 1E-397 rounds to that or to 0; whoever needs to know asks the value.
 ///
 /// Each number has a rounding mode of its own for the operations in which it is the left operand: half-up at first,
 /// then the one last given to Round, GetString or GetDouble. Modes are the library's: 0 ceiling, 1 up (away from zero),
@@ -25,7 +25,8 @@ public:
     /// A copy of @p value; NaN when its fields contradict each other or claim more than 15 digits.
     CBCD(const decNumber& value);
     /// The number in @p text, rounded half-up to 15 digits. NaN for a null pointer, for anything that is not a number
-    /// as a whole (blanks included) and for more than 100 million characters.
+    /// as a whole (blanks included) and for more than 100 million characters. decNumber takes memory from the heap only
+    /// to read more than 45 digits, and gives it back.
     CBCD(const char* text);
     CBCD(int value);
 
@@ -118,11 +119,10 @@ public:
 
     /// The number with @p decimals places, right-aligned in @p width characters. Sets the rounding mode.
     ///
-    /// The number is rounded and stripped of trailing zeros as by Round; places below 0 round in front of the point. In
-    /// a narrow field fewer digits are kept: at most width - 1 of a negative number, and one less than the places ask
-    /// for when a number with decimals fills the field. Then zeros are added up to @p decimals places, and what is
-    /// longer than
-    /// @p width is cut behind it.
+    /// The number is rounded and stripped of trailing zeros as by Round; places below 0 round in front of the point, to
+    /// Infinity where a unit of the last place would be above 1E+384. In a narrow field fewer digits are kept: at most
+    /// width - 1 of a negative number, and one less than the places ask for when a number with decimals fills the
+    /// field. Then zeros are added up to @p decimals places, and what is longer than @p width is cut behind it.
     ///
     /// Kept for texts already in the field: the zeros stand behind the number as decNumber writes it, exponent or not.
     /// So 100 with two places is written 1E+2.00 (GetDouble reads it as 100), 1E-7 with nine is 1E-700, NaN and
