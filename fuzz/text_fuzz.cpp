@@ -1,5 +1,6 @@
-// Law: in every code page a conversion repeated changes nothing more, a match stands between characters and no other
-// stands before it, and two texts are the same name exactly when their folded copies are equal.
+// Law, in every code page: what the system can convert comes out as the system converts it, and a conversion repeated
+// changes nothing more; a match stands between characters and none stands before it; two texts are the same name
+// exactly when their folded copies are equal.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <string_view>
 
 #include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/text/converter.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace {
@@ -22,6 +24,9 @@ void CheckConversions(std::string_view bytes) {
     Require(qel::ToUtf8(qel::FromUtf8(utf8)) == utf8);
     Require(qel::FromUtf8WithReferences(utf8) == qel::FromUtf8(utf8));  // the page has all that came out of it
     Require(qel::FromUtf16(qel::ToUtf16(bytes)) == qel::FromUtf8(utf8));
+    static qel::Converter systems("UTF-8", "CP932");
+    const auto expected = qel::CodePage() == qel::kCodePageJapanese ? systems.Convert(bytes) : std::nullopt;
+    Require(utf8 == expected.value_or(utf8));
     const std::string fitted = qel::FromUtf8(bytes);
     Require(qel::FromUtf8(qel::ToUtf8(fitted)) == fitted);
 }

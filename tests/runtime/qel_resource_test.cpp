@@ -4,11 +4,11 @@
 
 #include <climits>
 
-#include "../support/language_scope.h"
+#include "qellib10/platform/text/string_table.h"
 
 TEST(QelResource, EveryUnitIsFoundByItsTextInBothLanguages) {
-    for (const auto language : {qel::Language::English, qel::Language::Japanese}) {
-        const LanguageScope scope(language);
+    for (const auto language : {qel::Language::Japanese, qel::Language::English}) {
+        qel::SetTableLanguage(language);
         for (int i = 0; i < CQELResource::GetUnitCount(); ++i) {
             EXPECT_EQ(CQELResource::GetUnitID(CQELResource::GetUnitText(2048 + static_cast<UINT>(i))), 2048 + i);
         }
