@@ -102,6 +102,7 @@ CQWCalc::CQWCalc() { InitParameter(); }
 
 CQWCalc::~CQWCalc() = default;
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): it copies nothing, on purpose
 CQWCalc& CQWCalc::operator=(const CQWCalc& /*other*/) { return *this; }
 
 void CQWCalc::InitParameter() {

@@ -33,6 +33,7 @@ Row SplitRow(std::string_view line, char separator) {
 
 std::vector<Row> SplitRows(const std::vector<std::string_view>& lines, char separator) {
     std::vector<Row> rows;
+    rows.reserve(lines.size());
     for (const std::string_view line : lines) rows.push_back(SplitRow(line, separator));
     return rows;
 }

@@ -12,7 +12,8 @@ namespace {
 
 bool FolderExists(std::string_view posixPath) {
     const std::size_t slash = posixPath.rfind('/');
-    const std::string folder = slash == posixPath.npos ? "." : std::string(posixPath.substr(0, slash == 0 ? 1 : slash));
+    const std::string folder =
+        slash == std::string_view::npos ? "." : std::string(posixPath.substr(0, slash == 0 ? 1 : slash));
     struct stat status {};
     return ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
