@@ -4,8 +4,19 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// A named value that result formulas refer to, and the formula evaluator's intermediate result. A value class; it is
-/// archived in the form that stands in calc/calc_archive_format.h.
+/// A named value that result formulas refer to, and the formula evaluator's intermediate result. A value class.
+///
+/// In an archive (integers and doubles little-endian, a text is the archive's counted string):
+///
+///     text     tag "QWCalc"; "QX-APP" is read as well
+///     text     version "1.00"
+///     text     name
+///     8 bytes  value
+///     4 bytes  state
+///     1 byte   option flag 1, low byte; the flags are read unsigned
+///     1 byte   use flag
+///     1 byte   option flag 2
+///     text     free text
 class QELLIB10_API CCalcVariable : public CObject {
 public:
     /// As InitParameter leaves it.
@@ -35,7 +46,7 @@ public:
     CString m_szName;       ///< as written in formulas
     double m_dValue = 0.0;  ///< in the unit that the application gives it
     int m_nState = 0;       ///< 0 in lists; of a grammar step: 1 a known number, 0 depends on a variable, -1 an error
-    int m_nOption1 = 0;     ///< the application's own; archived as its low byte, as the next two
+    int m_nOption1 = 0;     ///< the application's own
     int m_nUse = 0;         ///< 1: a checked formula refers to the variable
     int m_nOption2 = 1;     ///< the application's own
     CString m_szText;       ///< free text

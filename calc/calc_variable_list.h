@@ -20,7 +20,16 @@ class CQWCalc;
 ///
 /// While the round-up flag is not 0, "rounded" below means CQVariant::fround(value, round-up digit, 0).
 ///
-/// Archived in the form that stands in calc/calc_archive_format.h.
+/// In an archive (see CCalcVariable for the encoding), always written in version 1.01:
+///
+///     text     tag "QWCalc"; "QX-APP" is read as well
+///     text     version "1.01"; "1.00" is read as well, it lacks the next two and means 0 by them
+///     1 byte   round-up flag, low byte; read unsigned
+///     4 bytes  round-up digit
+///     4 bytes  count of variables, signed; a negative one is read as 0
+///     ...      the variables, each with its own tag and version
+///
+/// One thread at a time, for look-ups too.
 class QELLIB10_API CCalcVariableList : public CObject {
 public:
     /// An empty list, flag and digit 0.

@@ -1,6 +1,5 @@
 #include "qellib10/platform/text/name_hash.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
@@ -18,9 +17,10 @@ template <typename Word> std::uint64_t Load(const char* from) {
     return word;
 }
 
-// A word made of 1 to 8 bytes; different for different bytes of one size.
+// A word made of at most 8 bytes; different for different bytes of one size.
 std::uint64_t LoadBytes(const char* from, std::size_t size) {
     if (size == 8) return Load<std::uint64_t>(from);
+    if (size == 0) return 0;
     if (size >= 4) return Load<std::uint32_t>(from) | Load<std::uint32_t>(from + size - 4) << 32;
     return Load<std::uint8_t>(from) | Load<std::uint8_t>(from + size / 2) << 8 |
            Load<std::uint8_t>(from + size - 1) << 16;
@@ -34,31 +34,35 @@ constexpr std::uint64_t FoldAscii(std::uint64_t word) {
     return word | (fromA & ~behindZ & kHighBits) >> 2;
 }
 
-struct Hashed {
-    std::uint64_t hash;
-    std::uint64_t bytes;  // all words or-ed together
-};
+constexpr std::uint64_t Mixed(std::uint64_t hash, std::uint64_t more) {
+    hash = (hash ^ more) * 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
+    return hash ^ hash >> 32;
+}
 
-Hashed HashFoldingAscii(std::string_view text) {
-    Hashed result{text.size(), 0};
-    while (!text.empty()) {
-        const std::size_t size = std::min<std::size_t>(text.size(), 8);
-        const std::uint64_t word = LoadBytes(text.data(), size);
-        result.bytes |= word;
-        result.hash = (result.hash ^ FoldAscii(word)) * 0x9E3779B97F4A7C15;  // 2^64 divided by the golden ratio
-        result.hash ^= result.hash >> 32;
-        text.remove_prefix(size);
-    }
-    return result;
+// Apart from the usual way, which needs no string and so no clean-up.
+[[gnu::noinline]] std::uint64_t HashFolding(std::string_view name) {
+    std::uint64_t hash = 0;
+    for (const char byte : FoldName(name)) hash = Mixed(hash, static_cast<unsigned char>(byte));
+    return hash;
 }
 
 }  // namespace
 
 // Folding leaves ASCII among itself, so two names that are the same come out of the same branch.
 std::uint32_t HashFoldedName(std::string_view name) {
-    const Hashed plain = HashFoldingAscii(name);
-    const bool isAscii = (plain.bytes & kHighBits) == 0;
-    return static_cast<std::uint32_t>(isAscii ? plain.hash : HashFoldingAscii(FoldName(name)).hash);
+    const char* from = name.data();
+    std::size_t left = name.size();
+    std::uint64_t hash = left;
+    std::uint64_t bytes = 0;  // all words or-ed together
+    for (; left > 8; from += 8, left -= 8) {
+        const std::uint64_t word = Load<std::uint64_t>(from);
+        bytes |= word;
+        hash = Mixed(hash, FoldAscii(word));
+    }
+    const std::uint64_t rest = LoadBytes(from, left);
+    bytes |= rest;
+    hash = Mixed(hash, FoldAscii(rest));
+    return static_cast<std::uint32_t>((bytes & kHighBits) == 0 ? hash : HashFolding(name));
 }
 
 }  // namespace qel
