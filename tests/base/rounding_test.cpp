@@ -45,26 +45,15 @@ private:
 
 }  // namespace
 
-TEST(Rounding, QuickFormGivesTheSameDoubleAsTheRule) {
-    Numbers numbers;
-    for (int i = 0; i < 2000000; ++i) {
-        const int digits = numbers.Digits();
-        const int mode = numbers.Mode();
-        const double x = numbers.Next(digits);
-        const double quick = CQVariant::fround(x, digits, mode);
-        const double plain = qel::RoundByRule(x, digits, mode);
-        ASSERT_EQ(std::bit_cast<std::uint64_t>(quick), std::bit_cast<std::uint64_t>(plain))
-            << std::hexfloat << x << ", digits " << digits << ", mode " << mode;
-    }
-}
-
-TEST(Rounding, QuickTextIsTheTextOfTheRoundedDouble) {
+TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
     Numbers numbers;
     for (int i = 0; i < 500000; ++i) {
-        const int digits = numbers.Digits() + 1;
-        const int mode = numbers.Mode();
+        const int digits = numbers.Digits(), mode = numbers.Mode();
         const double x = numbers.Next(digits);
-        ASSERT_EQ(qel::RoundedText(x, digits, mode), qel::RoundedTextByRule(x, digits, mode))
+        const double quick = CQVariant::fround(x, digits, mode), plain = qel::RoundByRule(x, digits, mode);
+        const bool sameText =
+            digits == 0 || qel::RoundedText(x, digits, mode) == qel::RoundedTextByRule(x, digits, mode);
+        ASSERT_TRUE(sameText && std::bit_cast<std::uint64_t>(quick) == std::bit_cast<std::uint64_t>(plain))
             << std::hexfloat << x << ", digits " << digits << ", mode " << mode;
     }
 }

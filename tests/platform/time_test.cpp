@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <time.h>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <string>
 
 #include "qellib10/platform/time/ole_date_time.h"
+#include "qellib10/tests/support/cases.h"
 
 namespace {
 
@@ -16,8 +18,6 @@ class Zone {
 public:
     explicit Zone(const char* name) : m_previous(std::getenv("TZ") != nullptr ? std::getenv("TZ") : "") { Set(name); }
     ~Zone() { Set(m_previous.c_str()); }
-    Zone(const Zone&) = delete;
-    Zone& operator=(const Zone&) = delete;
 
 private:
     static void Set(const char* name) {
@@ -56,17 +56,15 @@ TEST(Time, HasAResultForEveryValue) {
 }
 
 TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
-    struct Case {
-        int year, month, day;
-        double number;
-    };
-    for (const Case& c :
-         {Case{1899, 12, 30, 0}, Case{1900, 1, 1, 2}, Case{1970, 1, 1, 25569}, Case{2000, 2, 29, 36585},
-          Case{2001, 1, 1, 36892}, Case{1899, 12, 29, -1}, Case{100, 1, 1, -657434}, Case{9999, 12, 31, 2958465}}) {
-        const COleDateTime date(c.year, c.month, c.day, 0, 0, 0);
-        EXPECT_EQ(date.m_dt, c.number);
-        EXPECT_EQ(date.GetYear() * 10000 + date.GetMonth() * 100 + date.GetDay(),
-                  c.year * 10000 + c.month * 100 + c.day);
+    // clang-format off
+    const Cases<double, int, int, int> cases = {
+        {0, 1899, 12, 30}, {2, 1900, 1, 1}, {25569, 1970, 1, 1}, {36585, 2000, 2, 29}, {36892, 2001, 1, 1},
+        {-1, 1899, 12, 29}, {-657434, 100, 1, 1}, {2958465, 9999, 12, 31}};
+    // clang-format on
+    for (const auto& [number, year, month, day] : cases) {
+        const COleDateTime date(year, month, day, 0, 0, 0);
+        EXPECT_EQ(date.m_dt, number);
+        EXPECT_EQ(date.GetYear() * 10000 + date.GetMonth() * 100 + date.GetDay(), year * 10000 + month * 100 + day);
     }
     const COleDateTime before(1899, 12, 29, 6, 0, 0);
     EXPECT_EQ(before.m_dt, -1.25);
@@ -76,22 +74,20 @@ TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
 }
 
 TEST(OleDateTime, RefusesWhatIsNoDate) {
-    struct Case {
-        int year, month, day, hour, minute, second;
-    };
-    for (const Case& c : {Case{99, 1, 1, 0, 0, 0}, Case{10000, 1, 1, 0, 0, 0}, Case{2001, 2, 29, 0, 0, 0},
-                          Case{2001, 13, 1, 0, 0, 0}, Case{2001, 1, 0, 0, 0, 0}, Case{2001, 1, 1, 24, 0, 0},
-                          Case{2001, 1, 1, 0, 60, 0}, Case{2001, 1, 1, 0, 0, -1}}) {
+    // clang-format off
+    const Cases<int, int, int, int, int, int> cases = {
+        {99, 1, 1, 0, 0, 0}, {10000, 1, 1, 0, 0, 0}, {2001, 2, 29, 0, 0, 0}, {2001, 13, 1, 0, 0, 0},
+        {2001, 1, 0, 0, 0, 0}, {2001, 1, 1, 24, 0, 0}, {2001, 1, 1, 0, 60, 0}, {2001, 1, 1, 0, 0, -1}};
+    // clang-format on
+    for (const auto& [year, month, day, hour, minute, second] : cases) {
         COleDateTime date(5.5);
-        EXPECT_EQ(date.SetDateTime(c.year, c.month, c.day, c.hour, c.minute, c.second), 1);
+        EXPECT_EQ(date.SetDateTime(year, month, day, hour, minute, second), 1);
         EXPECT_EQ(date.GetStatus(), COleDateTime::invalid);
         EXPECT_EQ(date.m_dt, 0);
         EXPECT_EQ(date.GetYear(), -1);
     }
-    const double infinity = std::numeric_limits<double>::infinity();
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    for (const double day : {infinity, -infinity, nan, 2958466.0, 2958466.0 - 1e-9, -657435.0}) {
+    for (const double day : {HUGE_VAL, -HUGE_VAL, std::nan(""), 2958466.0, 2958466.0 - 1e-9, -657435.0}) {
         EXPECT_EQ(COleDateTime(day).GetSecond(), -1) << day;
     }
-    EXPECT_TRUE(COleDateTime(nan) == COleDateTime(nan));
+    EXPECT_TRUE(COleDateTime(std::nan("")) == COleDateTime(std::nan("")));
 }
