@@ -1,0 +1,47 @@
+// Law: whatever stands in a curve's file and in the settings behind it (after a zero byte), the example program finds
+// an end point within the curve and a result that reads as a number, or it says in one line why not.
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "../examples/titration/calculation.h"
+#include "../examples/titration/csv_table.h"
+#include "../examples/titration/end_point.h"
+#include "../examples/titration/failure.h"
+#include "../examples/titration/number.h"
+#include "../examples/titration/settings.h"
+
+namespace {
+
+constexpr std::size_t kLongestUsefulInput = 4096;
+
+void Require(bool law) {
+    if (!law) std::abort();
+}
+
+void Titrate(std::string_view data, std::string_view text) {
+    const titration::Settings settings = titration::ReadSettings(text);
+    const titration::Curve curve = titration::ReadCurve(data, settings.volumeColumn, settings.signalColumn);
+    const titration::EndPoint endPoint = titration::FindEndPoint(curve);
+    const auto [lowest, highest] = std::ranges::minmax(curve.volume);
+    Require(endPoint.volume >= lowest && endPoint.volume <= highest);
+    Require(std::isfinite(endPoint.slope) && std::isfinite(endPoint.signal) && endPoint.slope != 0);
+    Require(titration::ParseNumber(titration::Calculate(settings, endPoint.volume).text).has_value());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size > kLongestUsefulInput) return 0;
+    const std::string_view input(reinterpret_cast<const char*>(data), size);
+    const std::size_t end = std::min(input.find('\0'), size);
+    try {
+        Titrate(input.substr(0, end), input.substr(std::min(end + 1, size)));
+    } catch (const titration::Failure& failure) {
+        Require(std::string_view(failure.what()).find('\n') == std::string_view::npos);
+    }
+    return 0;
+}
