@@ -1,9 +1,14 @@
 #pragma once
 
 // All public headers of the library; an application needs no other include.
+#include "qellib10/base/base64.h"
+#include "qellib10/base/guid.h"
+#include "qellib10/base/guid_text.h"
+#include "qellib10/base/q_binary.h"
 #include "qellib10/base/q_variant.h"
 #include "qellib10/base/rounded_units.h"
 #include "qellib10/base/rounding.h"
+#include "qellib10/base/rs_control_code.h"
 #include "qellib10/calc/bcd.h"
 #include "qellib10/calc/calc_variable.h"
 #include "qellib10/calc/calc_variable_index.h"

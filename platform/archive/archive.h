@@ -74,6 +74,9 @@ public:
     /// @return bytes read, fewer than @p count only where the file ends
     UINT Read(void* buffer, UINT count);
     void Write(const void* buffer, UINT count);
+    /// Loading: bytes that can still be read; nothing when the file does not know its length. A size that stands in the
+    /// archive is held against it before memory is taken.
+    std::optional<ULONGLONG> BytesLeft() const;
 
     /// Storing: hands buffered bytes to the file. Loading: sets the file's position to the first byte not yet consumed.
     void Flush();
@@ -154,7 +157,6 @@ private:
         *this >> value;
         return value;
     }
-    std::optional<ULONGLONG> BytesLeft() const;
     void RequireLeft(ULONGLONG count) const;
 
     ULONGLONG ReadLength(bool& isWide);

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+/// The 128-bit identifier that documents and history records are told apart by. A new object holds the null GUID (all
+/// 16 bytes zero).
+class QELLIB10_API CGuid {
+public:
+    CGuid() noexcept = default;
+    CGuid(const GUID& guid) noexcept : m_guid(guid) {}
+    CGuid(const CGuid&) noexcept = default;
+    virtual ~CGuid();
+
+    CGuid& operator=(const GUID& guid) noexcept;
+    CGuid& operator=(const CGuid&) noexcept = default;
+
+    /// Whether all 16 bytes are equal.
+    bool operator==(const GUID& other) const noexcept;
+    bool operator==(const CGuid& other) const noexcept { return *this == other.m_guid; }
+
+    operator GUID() const noexcept { return m_guid; }
+    /// The held GUID itself, to be filled in place.
+    operator GUID*() noexcept { return &m_guid; }
+
+    void SetNull() noexcept { m_guid = {}; }
+    /// 1 when all 16 bytes are zero.
+    BOOL IsNull() const noexcept;
+
+    /// A new GUID, never handed out before: version 4 of RFC 4122, 122 bits of the system's random source.
+    /// @return the null GUID when the system gives no random bytes
+    static CGuid CreateNewGuid();
+
+    /// Registry form in upper-case hexadecimal, 38 characters: {01234567-89AB-CDEF-0123-456789ABCDEF}.
+    CString GetString() const;
+
+private:
+    GUID m_guid = {};
+};

@@ -1,0 +1,179 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+class CArchive;
+
+/// A growable buffer of bytes: instrument telegrams and binary records are built in it field by field, taken apart by
+/// position, compared and archived.
+///
+/// Positions and sizes count bytes from 0. A negative position or count, and an end beyond what an int can count, is
+/// refused with the result 0 and nothing changed; so is a null pointer. Memory that cannot be had gives 0 as well, or
+/// an append that does not happen; nothing is thrown but by Serialize. Data may always lead into the buffer itself.
+///
+/// The capacity is what callers may count on: 1024 bytes at first, taken at the first use and zero until written. It
+/// grows to the next multiple of 1024 above the wanted size (1024 becomes 2048 for 1025 bytes, 3072 for 2048) and does
+/// not shrink, not even when the memory is freed, except in DeleteTop.
+class QELLIB10_API CQBinary {
+public:
+    CQBinary() noexcept = default;
+    CQBinary(const void* data, int size) { SetBinary(data, size); }
+    CQBinary(const CQBinary& other) : m_nCapacity(kSmallestCapacity) { *this = other; }
+    virtual ~CQBinary();
+
+    /// Bytes, capacity and byte order of @p other.
+    CQBinary& operator=(const CQBinary& other);
+
+    /// Size, bytes, byte order: an int, the bytes, an int, lowest byte first.
+    ///
+    /// Loading takes a negative size as 0 and reads no byte for it. Memory that cannot be had leaves the buffer empty
+    /// and the bytes in the archive unread.
+    /// @throws CArchiveException endOfFile, with the buffer empty, when the archive holds fewer bytes than it says
+    virtual void Serialize(CArchive& ar);
+
+    /// Empty, and lowest byte first again.
+    void Initialize() noexcept;
+
+    // --- The buffer as a whole ---
+
+    /// Makes the @p n bytes at @p data the contents.
+    /// @return n; 0 changes nothing, but for memory that cannot be had, which leaves the buffer empty
+    int SetBinary(const void* data, int n);
+
+    /// Writes @p n bytes at @p pos. The buffer then ends behind them, deliberately, also when they lie in its middle. A
+    /// gap that @p pos leaves shows what the buffer held there before, zeros at first.
+    /// @return n or 0
+    int SetBinary(int pos, const void* data, int n);
+
+    /// Copies at most @p n bytes from the start, or from @p pos, to @p dst.
+    /// @return bytes copied; for @p pos at or behind the end 0 or the negative distance to it
+    int GetBinary(void* dst, int n) const;
+    int GetBinary(int pos, void* dst, int n) const;
+
+    /// At most @p n bytes from @p pos as text that ends before the first zero byte.
+    CString GetString(int pos, int n) const;
+
+    /// @p n zero bytes. @return 1 or 0
+    int SetSize(int n);
+    /// The first @p n bytes; new ones are zero or what was cut off before. @return 1 or 0
+    int Resize(int n);
+    int GetSize() const noexcept { return m_nSize; }
+
+    /// The buffer itself, null as long as it has no memory. Good until the next operation that changes the size.
+    operator char*() noexcept { return reinterpret_cast<char*>(m_pBuffer.get()); }
+    operator unsigned char*() noexcept { return m_pBuffer.get(); }
+    operator const char*() const noexcept { return reinterpret_cast<const char*>(m_pBuffer.get()); }
+    operator const unsigned char*() const noexcept { return m_pBuffer.get(); }
+
+    /// Appends the bytes of @p other, which may be this buffer; the byte order stays.
+    CQBinary& operator+=(const CQBinary& other);
+
+    /// Equal bytes and equal byte orders.
+    bool operator==(const CQBinary& other) const noexcept;
+    bool operator!=(const CQBinary& other) const noexcept { return !(*this == other); }
+
+    /// 1 when the buffer is exactly these @p n bytes; 0 bytes are equal to an empty one.
+    int Compare(const void* data, int n) const noexcept;
+    /// 1 when these @p n bytes stand at @p pos; 0 bytes stand anywhere but behind the end.
+    int Compare(int pos, const void* data, int n) const noexcept;
+
+    /// Takes @p n bytes off the front. Kept: this also resets the byte order to lowest first and the capacity to the
+    /// bytes left, 1024 at least. With more than there are the buffer becomes empty and its byte order stays.
+    void DeleteTop(int n);
+
+    // --- Numbers at a position; outside the buffer they read as 0 and are not written ---
+
+    /// 1: highest byte first in 16- and 32-bit numbers; any other value: lowest first.
+    void SetEndian(int endian) noexcept { m_nEndian = endian; }
+    int GetEndian() const noexcept { return m_nEndian; }
+
+    void SetByte(int pos, unsigned char value) noexcept;
+    unsigned char GetByte(int pos) const noexcept;
+    void SetShort(int pos, short value) noexcept;
+    short GetShort(int pos) const noexcept;
+    void SetInt(int pos, int value) noexcept;
+    int GetInt(int pos) const noexcept;
+
+    // --- Appending ---
+
+    void AddByte(unsigned char value) { AddBinary(&value, 1); }
+    void AddInt(int value);
+
+    /// Kept: with a null pointer the size still grows by @p n, and a negative @p n cuts bytes off the end.
+    void AddBinary(const void* data, int n) {
+        if (m_pBuffer != nullptr && data != nullptr && n > 0 && n <= m_nCapacity - m_nSize && !IsOwn(data)) {
+            std::memcpy(m_pBuffer.get() + m_nSize, data, static_cast<std::size_t>(n));
+            m_nSize += n;
+        } else {
+            AddAndGrow(data, n);
+        }
+    }
+
+    /// Without the terminating zero.
+    void AddString(const char* s);
+
+    /// A number as a text field of @p width characters: "-" or a blank, then CQVariant::IntToStr(value, width - 1).
+    /// Instruments expect the minus sign of a negative number in both places: -5 in width 4 is "- -5".
+    void AddStrIntTopSign(int value, int width);
+
+    /// The same with the last width - 1 characters of ten blanks and CQVariant::DoubleToStr(value, decimals,
+    /// roundMode): 1.5 in width 6 with two decimals is "  1.50". A field wider than those is not filled up.
+    void AddDoubleTopSign(double value, int width, int decimals, int roundMode);
+
+    // --- Debugging ---
+
+    /// Walks the bytes, writes nothing and pauses 50 ms at every index that is a multiple of @p n, the first included;
+    /// 0 does nothing.
+    void DebugDump(int n) const;
+    void DumpCSource(int n) const { DebugDump(n); }
+
+protected:
+    /// Provides a zeroed buffer of the capacity, or of @p n bytes when that is more. One that is large enough stays as
+    /// it is, a smaller one is given up with its contents.
+    /// @return 1; 0 leaves no buffer
+    int AllocateBuffer(int n);
+    /// Provides a capacity of @p n bytes at least, as the class says, and keeps the contents.
+    /// @return 1; 0 leaves the buffer as it was
+    int ReallocateBuffer(int n);
+    /// The capacity stays.
+    void FreeBuffer() noexcept;
+
+    int GetCapacity() const noexcept { return m_nCapacity; }
+
+private:
+    struct Free {
+        void operator()(unsigned char* block) const noexcept { std::free(block); }
+    };
+
+    static constexpr int kSmallestCapacity = 256;  // of a copy, until it takes its source's
+    static constexpr int kFirstCapacity = 1024;
+
+    bool Holds(int pos, int width) const noexcept { return pos >= 0 && pos <= m_nSize - width; }
+    bool IsOwn(const void* data) const noexcept {
+        const auto offset = reinterpret_cast<std::uintptr_t>(data) - reinterpret_cast<std::uintptr_t>(m_pBuffer.get());
+        return m_pBuffer != nullptr && offset < static_cast<std::size_t>(m_nCapacity);
+    }
+    void AddAndGrow(const void* data, int n);
+    // The last width - 1 characters of blanks and text.
+    void AddEnd(int blanks, std::string_view text, int width);
+    void AddSign(bool isNegative) { AddByte(isNegative ? '-' : ' '); }
+    bool MoveBlock(std::size_t size) noexcept;
+    void Store(CArchive& ar) const;
+    void Load(CArchive& ar);
+    template <class T> void SetNumber(int pos, T value) noexcept;
+    template <class T> T GetNumber(int pos) const noexcept;
+
+    int m_nEndian = 0;
+    int m_nSize = 0;                   // valid bytes, never more than the capacity
+    int m_nCapacity = kFirstCapacity;  // bytes that callers see, and the least that is allocated
+    std::size_t m_nBlock = 0;          // bytes of the block: doubles where the capacity takes steps
+    std::unique_ptr<unsigned char, Free> m_pBuffer;
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+/// The terminator of a serial line as settings store it and as people read it.
+class QELLIB10_API CRSControlCode {
+public:
+    virtual ~CRSControlCode();
+
+    /// Rewrites the stored form of @p text in place: "$0d" and "$0D" become "[CR]", "$0a" and "$0A" become "[LF]", all
+    /// else stays. An empty text becomes string 27010 of the table ("None"). Text of any length is converted whole.
+    static void ConvertDisplay(CString& text);
+};

@@ -1,0 +1,18 @@
+#include "qellib10/platform/random.h"
+
+#include <sys/random.h>
+
+#include <cerrno>
+
+namespace qel {
+
+bool FillRandom(std::span<std::byte> bytes) noexcept {
+    // Up to 256 bytes come at once or not at all; only a signal before the source is seeded interrupts the call.
+    ssize_t filled = -1;
+    do {
+        filled = getrandom(bytes.data(), bytes.size(), 0);
+    } while (filled < 0 && errno == EINTR);
+    return filled >= 0 && static_cast<std::size_t>(filled) == bytes.size();
+}
+
+}  // namespace qel

@@ -1,0 +1,175 @@
+#include "qellib10/base/q_binary.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <climits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "qellib10/platform/archive/archive.h"
+#include "qellib10/platform/storage/mem_file.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+struct Buffer : CQBinary {
+    using CQBinary::CQBinary;
+    using CQBinary::GetCapacity;
+};
+
+std::string Contents(const CQBinary& buffer) {
+    return buffer.GetSize() > 0 ? std::string(buffer, static_cast<std::size_t>(buffer.GetSize())) : "";
+}
+
+// A file that does not know its length, as a pipe.
+class CEndless : public CMemFile {
+public:
+    ULONGLONG GetLength() const override { throw CFileException(); }
+};
+
+std::string Stored(CQBinary& buffer) {
+    CMemFile file;
+    CArchive archive(&file, CArchive::store);
+    buffer.Serialize(archive);
+    archive.Close();
+    const auto bytes = file.Detach();
+    return std::string(bytes.begin(), bytes.end());
+}
+
+template <class File> void Load(CQBinary& buffer, const std::string& bytes) {
+    File file;
+    file.Attach(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
+    CArchive archive(&file, CArchive::load);
+    buffer.Serialize(archive);
+}
+
+}  // namespace
+
+TEST(QBinary, CapacityTakesSteps) {
+    Buffer buffer;
+    EXPECT_EQ(static_cast<unsigned char*>(buffer), nullptr);
+    buffer.AddByte(7);
+    for (const auto& [size, capacity] :
+         {std::pair{1024, 1024}, {1025, 2048}, {2048, 2048}, {2049, 3072}, {6144, 7168}}) {
+        EXPECT_EQ(buffer.Resize(size), 1);
+        EXPECT_EQ(buffer.GetCapacity(), capacity);
+        EXPECT_EQ(Contents(buffer), "\7"s.append(static_cast<std::size_t>(size - 1), '\0'));
+    }
+    buffer.Initialize();
+    EXPECT_EQ(Buffer(buffer).GetCapacity(), 7168);
+}
+
+// A plain text takes the same random steps, with the buffer's own bytes as the source.
+TEST(QBinary, OwnBytesStayRightWhileTheBufferMoves) {
+    std::mt19937 random(1);
+    CQBinary buffer("seed", 4);
+    std::string model = "seed";
+    for (int step = 0; step < 2000; ++step) {
+        const std::size_t from = random() % model.size(), at = random() % (model.size() + 1);
+        const std::string part = model.substr(from, 1 + random() % model.size());
+        const char* const source = static_cast<char*>(buffer) + from;
+        if (step % 3 == 0) {
+            buffer.AddBinary(source, static_cast<int>(part.size()));
+            model += part;
+        } else if (step % 3 == 1 && model.size() < 20000) {
+            buffer += buffer;
+            model += std::string(model);
+        } else {  // cuts what stood behind
+            buffer.SetBinary(static_cast<int>(at), source, static_cast<int>(part.size()));
+            model.replace(at, std::string::npos, part);
+        }
+        ASSERT_EQ(Contents(buffer), model) << step;
+    }
+}
+
+TEST(QBinary, RefusesImpossibleSizes) {
+    CQBinary buffer("abc", 3);
+    const char* const volatile one = "x";  // or the compiler sees through it and warns
+    EXPECT_EQ(buffer.SetBinary(nullptr, 3) + buffer.SetBinary(one, INT_MIN) + buffer.SetBinary(-1, one, 1), 0);
+    EXPECT_EQ(buffer.SetBinary(INT_MAX, one, 1) + buffer.SetBinary(INT_MAX - 1, one, 1), 0);
+    EXPECT_EQ(buffer.Resize(-1) + buffer.Resize(INT_MAX) + buffer.SetSize(-1), 0);
+    buffer.AddBinary(one, INT_MAX);
+    buffer.AddString(nullptr);
+    buffer.DeleteTop(INT_MIN);
+    buffer.DebugDump(0);
+    EXPECT_EQ(Contents(buffer), "abc");
+    buffer.AddBinary(nullptr, 2);
+    EXPECT_EQ(Contents(buffer), "abc\0\0"s);
+}
+
+TEST(QBinary, ReadsAndComparesWithinItsSize) {
+    const CQBinary buffer("abc\0def", 7);
+    char target[8] = {};
+    for (const int pos : {7, 9, INT_MAX}) EXPECT_EQ(buffer.GetBinary(pos, target, 1), 7 - pos);
+    EXPECT_EQ(buffer.GetBinary(INT_MIN, target, INT_MAX) + buffer.GetBinary(0, target, -1), 0);
+    EXPECT_EQ(buffer.GetBinary(5, target, INT_MAX), 2);
+    EXPECT_STREQ(target, "ef");
+    EXPECT_TRUE(buffer.Compare(5, target, 2) && buffer.Compare(7, target, 0));
+    EXPECT_FALSE(buffer.Compare(4, target, 2) || buffer.Compare(6, target, 2) || buffer.Compare(8, target, 0));
+    EXPECT_FALSE(buffer.Compare(-1, target, 2) || buffer.Compare(9, target, -3) || buffer.Compare(7, target, INT_MAX));
+    EXPECT_EQ(buffer.GetString(1, INT_MAX) + buffer.GetString(4, 2) + buffer.GetString(7, 1), "bcde");
+}
+
+TEST(QBinary, DeleteTopStartsAnew) {
+    Buffer buffer(std::string(3000, 'a').data(), 3000);
+    for (const auto& [n, size, capacity, endian] :
+         {std::array{1500, 1500, 1500, 0}, {1499, 1, 1024, 0}, {2, 0, 1024, 1}, {0, 0, 1024, 0}}) {
+        buffer.SetEndian(1);
+        buffer.DeleteTop(n);
+        EXPECT_EQ(Contents(buffer), std::string(static_cast<std::size_t>(size), 'a'));
+        EXPECT_EQ(std::pair(buffer.GetCapacity(), buffer.GetEndian()), std::pair(capacity, endian));
+    }
+}
+
+TEST(QBinary, NumbersInBothOrders) {
+    for (const auto& [endian, expected] : {std::pair{1, "\1\xFE\xD4\4"s}, {2, "\4\xD4\xFE\1"s}}) {
+        CQBinary buffer;
+        buffer.SetEndian(endian);
+        buffer.AddInt(0x01020304);
+        buffer.SetShort(1, short{-300});
+        for (const int pos : {-1, 4, INT_MIN, INT_MAX}) {
+            buffer.SetByte(pos, 1);
+            buffer.SetShort(pos == 4 ? 3 : pos, 1);
+            buffer.SetInt(pos == 4 ? 1 : pos, 1);
+            EXPECT_EQ(buffer.GetByte(pos) + buffer.GetShort(pos) + buffer.GetInt(pos), 0);
+        }
+        EXPECT_EQ(Contents(buffer), expected);
+        EXPECT_EQ(buffer.GetShort(1), -300);
+        EXPECT_EQ(buffer.GetInt(0), 0x01FED404);
+    }
+}
+
+TEST(QBinary, SignedFields) {
+    CQBinary buffer;
+    for (const auto& [value, width] : {std::pair{42, 5}, {-5, 4}, {12345, 4}, {-12345, 4}, {INT_MIN, 13}, {7, INT_MIN}})
+        buffer.AddStrIntTopSign(value, width);
+    EXPECT_EQ(Contents(buffer), "   42- -5 345-345- -2147483648 ");
+    CQBinary doubles;
+    for (const auto& [value, width] : {std::pair{1.5, 6}, {-1.5, 7}, {1234.5, 5}, {2.5, INT_MAX}, {-3.0, 0}})
+        doubles.AddDoubleTopSign(value, width, 2, 0);
+    EXPECT_EQ(Contents(doubles), "  1.50- -1.50 4.50           2.50-");
+}
+
+TEST(QBinary, ArchivedSizesAreNotBelieved) {
+    CQBinary buffer("abc", 3);
+    const std::string bytes = Stored(buffer);
+    EXPECT_EQ(bytes, "\3\0\0\0abc\0\0\0\0"s);
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+        CQBinary cut("before", 6);
+        EXPECT_THROW(Load<CMemFile>(cut, bytes.substr(0, length)), CArchiveException);
+        EXPECT_EQ(Contents(cut), length < 4 ? "before" : length < 7 ? "" : "abc");
+    }
+    CQBinary large(std::string(200000, 'l').data(), 200000);
+    large.SetEndian(1);
+    for (const auto load : {Load<CMemFile>, Load<CEndless>}) {
+        load(buffer, Stored(large));
+        EXPECT_TRUE(buffer == large);
+        EXPECT_THROW(load(buffer, "\xFF\xFF\xFF\x7Fxy"), CArchiveException);
+        EXPECT_EQ(static_cast<char*>(buffer), nullptr);
+        load(buffer, "\xFE\xFF\xFF\xFF\1\0\0\0"s);
+        EXPECT_TRUE(buffer.GetSize() == 0 && buffer.GetEndian() == 1);
+    }
+}
