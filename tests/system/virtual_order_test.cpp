@@ -23,7 +23,7 @@ template <class Member> std::size_t Slot(Member member) {
 // The slots of the object's class, from the size of its table in the shared library; two entries stand before them.
 template <class Object> std::size_t Slots(const Object& object) {
     void* table = nullptr;
-    std::memcpy(&table, &object, sizeof(table));
+    std::memcpy(&table, static_cast<const void*>(&object), sizeof(table));
     Dl_info info;
     void* symbol = nullptr;
     if (dladdr1(table, &info, &symbol, RTLD_DL_SYMENT) == 0 || symbol == nullptr) return 0;
@@ -41,6 +41,12 @@ TEST(VirtualOrder, IsTheDescribedOne) {
     EXPECT_EQ(Slots(CCalcVariableList()), 2u + kDestructor);
     EXPECT_EQ(Slots(CQWCalc()), 2u + kDestructor);
 
+    EXPECT_EQ(Slot(&CQBinary::Serialize), kDestructor);
+    EXPECT_EQ(Slots(CQBinary()), 1u + kDestructor);
+
+    EXPECT_EQ(Slots(CBase64()), kDestructor);
+    EXPECT_EQ(Slots(CGuid()), kDestructor);
+    EXPECT_EQ(Slots(CRSControlCode()), kDestructor);
     EXPECT_EQ(Slots(CQVariant()), kDestructor);
     EXPECT_EQ(Slots(CQELResource()), kDestructor);
 }
