@@ -39,7 +39,10 @@ public:
         const double unit = std::copysign(qel::kNegativePowersOfTen[static_cast<unsigned>(digits)], x);
         // From one unit on; the narrower division is the quicker one, and most results are so small.
         constexpr std::uint64_t kNarrow = std::uint64_t{1} << 32;
-        if (tenths - 10 < kNarrow - 10) return static_cast<std::uint32_t>(tenths) / 10 * unit;
+        if (tenths - 10 < kNarrow - 10) {
+            const std::uint32_t units = static_cast<std::uint32_t>(tenths) / 10;
+            return units * unit;
+        }
         if (tenths - 10 < qel::kTooLarge - 10)
             return static_cast<double>(static_cast<std::int64_t>(tenths / 10)) * unit;
         return qel::RoundByRule(x, digits, mode);
