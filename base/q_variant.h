@@ -36,13 +36,10 @@ public:
     static double fround(double x, int digits, int mode) {
         if (!qel::IsQuick(digits)) return qel::RoundByRule(x, digits, mode);
         const std::uint64_t tenths = qel::RoundedTenths(x, digits, mode);
-        const double unit = std::copysign(qel::kNegativePowersOfTen[static_cast<unsigned>(digits)], x);
-        // From one unit on; the narrower division is the quicker one, and most results are so small.
-        constexpr std::uint64_t kNarrow = std::uint64_t{1} << 32;
-        if (tenths - 10 < kNarrow - 10) {
-            const std::uint32_t units = static_cast<std::uint32_t>(tenths) / 10;
-            return units * unit;
-        }
+        const double unit = qel::kUnits[static_cast<unsigned>(digits)][std::signbit(x) ? 1 : 0];
+        // From one unit on, the usual sizes first. Of no units -0 becomes 0, which the rule sees to.
+        if (tenths - 10 < qel::kQuickTenths - 10) [[likely]]
+            return static_cast<double>(qel::QuickTenth(tenths)) * unit;
         if (tenths - 10 < qel::kTooLarge - 10)
             return static_cast<double>(static_cast<std::int64_t>(tenths / 10)) * unit;
         return qel::RoundByRule(x, digits, mode);

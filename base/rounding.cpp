@@ -40,7 +40,7 @@ double RoundBeforePoint(double x, int digits, int mode, double sign) {
 double PowerOfTen(int exponent) {
     const auto count = static_cast<int>(kPowersOfTen.size());
     if (exponent >= 0 && exponent < count) return kPowersOfTen[static_cast<unsigned>(exponent)];
-    if (exponent < 0 && exponent > -count) return kNegativePowersOfTen[static_cast<unsigned>(-exponent)];
+    if (exponent < 0 && exponent > -count) return kUnits[static_cast<unsigned>(-exponent)][0];
     return std::pow(10.0, exponent);
 }
 
