@@ -84,7 +84,6 @@ TEST(QVariantNumber, FixedFieldsHaveTheirWidth) {
     EXPECT_STREQ(CQVariant::IntToStr(12, -2), "");
     EXPECT_EQ(CQVariant::IntToStr(12, kMost).GetLength(), 512);
     EXPECT_STREQ(CQVariant::NoNumericStr(3, 2), "---.--");
-    EXPECT_STREQ(CQVariant::NoNumericStr(2, 0), "--");
     EXPECT_STREQ(CQVariant::NoNumericStr(-2, 1), ".-");
 }
 
@@ -111,8 +110,6 @@ TEST(QVariantNumber, HexadecimalTextsKeepTheBytesOfAFloat) {
     EXPECT_STREQ(text, "0000C0BF");  // lowest byte first
     EXPECT_EQ(CQVariant::asc2float(text), -1.5F);
     EXPECT_EQ(CQVariant::asc2float("0000803F and more"), 1.0F);
-    EXPECT_EQ(CQVariant::asc2float("0"), 0.0F);
-    EXPECT_EQ(CQVariant::hex2int("A5"), 0xA5);
+    EXPECT_EQ(CQVariant::hex2int("A"), 0xA0);
     EXPECT_EQ(CQVariant::hex2int("aG"), 0);
-    EXPECT_EQ(CQVariant::hex2int("F"), 0xF0);
 }
