@@ -7,14 +7,13 @@
 #include <cstdint>
 #include <limits>
 #include <span>
-#include <string_view>
 #include <thread>
 
 #include "qellib10/platform/archive/archive.h"
 #include "qellib10/platform/endian.h"
-#include "qellib10/platform/text/number_text.h"
 
 #include "qellib10/base/q_variant.h"
+#include "qellib10/base/rounded_text.h"
 
 namespace {
 
@@ -22,7 +21,6 @@ constexpr int kHighestFirst = 1;  // the byte order flag; everything else is low
 constexpr int kStep = 1024;       // of the capacity
 constexpr int kLongest = std::numeric_limits<int>::max();
 constexpr int kArchivePiece = 1 << 16;
-constexpr int kBlanksBeforeDouble = 10;
 
 constexpr std::size_t Size(int n) { return static_cast<std::size_t>(n); }
 
@@ -221,27 +219,40 @@ void CQBinary::AddString(const char* s) {
     if (length <= Size(kLongest)) AddBinary(s, static_cast<int>(length));
 }
 
+// Fields are put together in one piece of memory: blanks, then the text, and what is wanted of both ends with it.
+
 void CQBinary::AddStrIntTopSign(int value, int width) {
+    constexpr int kBlanks = 32;
     AddSign(value < 0);
-    std::array<char, std::numeric_limits<int>::digits10 + 2> digits;
-    const auto length = std::to_chars(digits.begin(), digits.end(), value).ptr - digits.begin();
-    AddEnd(qel::kMostColumns - static_cast<int>(length), {digits.data(), static_cast<std::size_t>(length)}, width);
+    std::array<char, kBlanks + std::numeric_limits<int>::digits10 + 2> field;
+    std::fill_n(field.begin(), kBlanks, ' ');
+    const char* const end = std::to_chars(field.data() + kBlanks, field.data() + field.size(), value).ptr;
+    if (width <= kBlanks + 1) {
+        AddEnd(field.data(), end, width);
+    } else {
+        const CString wide = CQVariant::IntToStr(value, width - 1);
+        AddBinary(static_cast<const char*>(wide), wide.GetLength());
+    }
 }
 
 void CQBinary::AddDoubleTopSign(double value, int width, int decimals, int roundMode) {
+    constexpr int kBlanks = 10;
     AddSign(value < 0);
-    AddEnd(kBlanksBeforeDouble, CQVariant::DoubleToStr(value, decimals, roundMode).View(), width);
+    std::array<char, kBlanks + qel::kQuickTextRoom> field;
+    std::fill_n(field.begin(), kBlanks, ' ');
+    char* const text = field.data() + kBlanks;
+    if (const int length = decimals > 0 ? qel::WriteQuickRoundedText(value, decimals, roundMode, text) : 0;
+        length > 0) {
+        AddEnd(field.data(), text + length, width);
+    } else {
+        const CString padded = CString(' ', kBlanks) + CQVariant::DoubleToStr(value, decimals, roundMode);
+        AddEnd(padded, static_cast<const char*>(padded) + padded.GetLength(), width);
+    }
 }
 
-void CQBinary::AddEnd(int blanks, std::string_view text, int width) {
-    const int length = static_cast<int>(text.size());
-    const int field = std::clamp(width, 1, blanks + length + 1) - 1;
-    const int fromText = std::min(field, length);
-    const int at = m_nSize;
-    if (field > kLongest - at || !Resize(at + field)) return;
-    unsigned char* const target = m_pBuffer.get() + at;
-    std::memset(target, ' ', Size(field - fromText));
-    std::memcpy(target + field - fromText, text.data() + length - fromText, Size(fromText));
+void CQBinary::AddEnd(const char* begin, const char* end, int width) {
+    const int field = static_cast<int>(std::clamp<std::ptrdiff_t>(std::ptrdiff_t{width} - 1, 0, end - begin));
+    AddBinary(end - field, field);
 }
 
 // --- Archive ---

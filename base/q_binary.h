@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <string_view>
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
@@ -162,8 +161,8 @@ private:
         return m_pBuffer != nullptr && offset < static_cast<std::size_t>(m_nCapacity);
     }
     void AddAndGrow(const void* data, int n);
-    // The last width - 1 characters of blanks and text.
-    void AddEnd(int blanks, std::string_view text, int width);
+    // The last width - 1 characters of a text.
+    void AddEnd(const char* begin, const char* end, int width);
     void AddSign(bool isNegative) { AddByte(isNegative ? '-' : ' '); }
     bool MoveBlock(std::size_t size) noexcept;
     void Store(CArchive& ar) const;

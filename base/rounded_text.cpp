@@ -3,8 +3,10 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
+#include "qellib10/platform/endian.h"
 #include "qellib10/platform/text/number_text.h"
 
 #include "qellib10/base/rounded_units.h"
@@ -32,7 +34,7 @@ std::uint64_t EightDigits(std::uint32_t number) {
 // Writes the last @p count digits of a number below 10^8; all of the eight bytes at @p at are overwritten.
 void PutDigits(char* at, std::uint32_t number, int count) {
     const std::uint64_t text = EightDigits(number) >> 8 * (kMostDigits - count);
-    for (int i = 0; i < 8; ++i) at[i] = static_cast<char>(text >> 8 * i);  // becomes one store
+    std::memcpy(at, ToLittleEndian(text).data(), sizeof text);
 }
 
 // Digits of a number below 10^8, at least one. 1233 / 2^12 is the decimal logarithm of 2; no power of ten from 10 on is
@@ -56,17 +58,18 @@ Parts Split(std::uint64_t units, std::uint32_t unitsOfOne) {
     return {static_cast<std::uint32_t>(units / unitsOfOne), static_cast<std::uint32_t>(units % unitsOfOne)};
 }
 
-CString FixedPoint(bool negative, Parts number, int decimals) {
-    std::array<char, 32> buffer{};  // sign, digits, point, digits, and what PutDigits writes behind them
-    buffer[0] = '-';
-    char* const begin = buffer.data() + (negative ? 1 : 0);
+int WriteFixedPoint(bool negative, Parts number, int decimals, char* at) {
+    *at = '-';
+    char* const begin = at + (negative ? 1 : 0);
     const int wholeDigits = CountDigits(number.whole);
     PutDigits(begin, number.whole, wholeDigits);
     begin[wholeDigits] = '.';
     PutDigits(begin + wholeDigits + 1, number.fraction, decimals);
-    const auto length = static_cast<int>(begin - buffer.data()) + wholeDigits + 1 + decimals;
+    return static_cast<int>(begin - at) + wholeDigits + 1 + decimals;
+}
 
-    // A text of 15 bytes needs no block of its own, and copying a fixed number of bytes no loop.
+// A text of 15 bytes needs no block of its own, and copying a fixed number of bytes no loop.
+CString Text(const std::array<char, kQuickTextRoom>& buffer, int length) {
     constexpr int kInPlace = 15;
     CString text(std::string_view(buffer.data(), kInPlace));
     if (length <= kInPlace) {
@@ -79,19 +82,22 @@ CString FixedPoint(bool negative, Parts number, int decimals) {
 
 }  // namespace
 
+int WriteQuickRoundedText(double x, int digits, int mode, char* at) {
+    if (digits > kMostDigits) return 0;
+    const std::uint64_t units = RoundedTenths(x, digits, mode) / 10;
+    const std::uint32_t unitsOfOne = kPowers[static_cast<unsigned>(digits)];
+    if (units >= kFirstInexact || units >= std::uint64_t{unitsOfOne} * kPowers[kMostDigits]) return 0;
+    return WriteFixedPoint(x < 0, Split(units, unitsOfOne), digits, at);
+}
+
 CString RoundedTextByRule(double x, int digits, int mode) {
     return CString(std::string_view(FixedText(RoundByRule(x, digits, mode), digits)));
 }
 
 CString RoundedText(double x, int digits, int mode) {
-    if (digits <= kMostDigits) {
-        const std::uint64_t units = RoundedTenths(x, digits, mode) / 10;
-        const std::uint32_t unitsOfOne = kPowers[static_cast<unsigned>(digits)];
-        if (units < kFirstInexact && units < std::uint64_t{unitsOfOne} * kPowers[kMostDigits]) {
-            return FixedPoint(x < 0, Split(units, unitsOfOne), digits);
-        }
-    }
-    return RoundedTextByRule(x, digits, mode);
+    std::array<char, kQuickTextRoom> buffer{};
+    const int length = WriteQuickRoundedText(x, digits, mode, buffer.data());
+    return length > 0 ? Text(buffer, length) : RoundedTextByRule(x, digits, mode);
 }
 
 }  // namespace qel

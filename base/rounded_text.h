@@ -13,4 +13,12 @@ CString RoundedTextByRule(double x, int digits, int mode);
 /// there both together stay below half a unit.) @p digits is above 0.
 CString RoundedText(double x, int digits, int mode);
 
+/// Room for a text by the quick way, and for what is written behind it on the way.
+inline constexpr int kQuickTextRoom = 32;
+
+/// The quick way alone, for texts that are built in place.
+/// @param at kQuickTextRoom bytes
+/// @return length, or 0 when it is not possible
+int WriteQuickRoundedText(double x, int digits, int mode, char* at);
+
 }  // namespace qel

@@ -147,10 +147,13 @@ TEST(QBinary, SignedFields) {
     for (const auto& [value, width] : {std::pair{42, 5}, {-5, 4}, {12345, 4}, {-12345, 4}, {INT_MIN, 13}, {7, INT_MIN}})
         buffer.AddStrIntTopSign(value, width);
     EXPECT_EQ(Contents(buffer), "   42- -5 345-345- -2147483648 ");
+    CQBinary wide;
+    for (const int width : {33, 34, INT_MAX}) wide.AddStrIntTopSign(7, width);
+    EXPECT_EQ(Contents(wide), std::string(32, ' ') + "7" + std::string(33, ' ') + "7" + std::string(512, ' ') + "7");
     CQBinary doubles;
-    for (const auto& [value, width] : {std::pair{1.5, 6}, {-1.5, 7}, {1234.5, 5}, {2.5, INT_MAX}, {-3.0, 0}})
+    for (const auto& [value, width] : {std::pair{1.5, 6}, {-1.5, 7}, {1234.5, 5}, {2.5, INT_MAX}, {-3.0, 0}, {4e9, 14}})
         doubles.AddDoubleTopSign(value, width, 2, 0);
-    EXPECT_EQ(Contents(doubles), "  1.50- -1.50 4.50           2.50-");
+    EXPECT_EQ(Contents(doubles), "  1.50- -1.50 4.50           2.50- 4000000000.00");
 }
 
 TEST(QBinary, ArchivedSizesAreNotBelieved) {
