@@ -8,26 +8,15 @@
 #include <limits>
 #include <utility>
 
+#include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/uninterrupted.h"
 
 const HANDLE CFile::hFileNull = reinterpret_cast<HANDLE>(-1);  // NOLINT: the framework's value
 
 namespace {
-
-// Repeats a system call that a signal has interrupted.
-template <class Call> auto Uninterrupted(Call&& call) {
-    for (;;) {
-        const auto result = call();
-        if (result != -1 || errno != EINTR) return result;
-    }
-}
-
-[[noreturn]] void ThrowWriteError(int error, const CString& path) {
-    if (error == EIO) qel::ThrowCode(qel::kWriteFault, path.View());
-    qel::ThrowErrno(error, path.View());
-}
 
 // @param code what to report when the system's offsets do not reach so far
 off_t AsOffset(ULONGLONG value, LONG code, const CString& path) {
@@ -39,7 +28,7 @@ off_t AsOffset(ULONGLONG value, LONG code, const CString& path) {
 
 CFile::CFile() noexcept = default;
 CFile::CFile(const char* name, UINT flags) { OpenOrThrow(name, flags); }
-CFile::~CFile() = default;
+CFile::~CFile() { CloseDescriptor(); }
 
 BOOL CFile::Open(const char* name, UINT flags, CFileException* error) {
     try {
@@ -54,39 +43,45 @@ BOOL CFile::Open(const char* name, UINT flags, CFileException* error) {
 
 void CFile::OpenOrThrow(const char* name, UINT flags) {
     const CString path(name);
-    qel::Descriptor opened = qel::OpenFile(qel::ToPosixPath(path.View()), flags, path.View());
-    m_strFilePath = qel::FullPath(path.View());
+    const std::string posix = qel::ToPosixPath(path.View());
+    const CString full = qel::FullPath(path.View());  // a relative name is that of the folder which is current now
+    m_descriptor = qel::OpenShared(posix, qel::OpenRequest::OfFlags(flags), path.View());
+    m_bDuplicated = false;
     m_nFlags = flags;
-    m_descriptor = std::move(opened);
+    m_strFilePath = full;
 }
 
 std::unique_ptr<CFile> CFile::Duplicate() const {
-    const int copy = ::fcntl(Checked(Need::any), F_DUPFD_CLOEXEC, 0);
-    if (copy < 0) qel::ThrowErrno(errno, m_strFilePath.View());
+    qel::Descriptor copy(::fcntl(Checked(Need::any).Get(), F_DUPFD_CLOEXEC, 0));
+    if (!copy) qel::ThrowErrno(errno, m_strFilePath.View());
     auto file = std::make_unique<CFile>();
-    file->m_descriptor = qel::Descriptor(copy);
+    file->m_descriptor = std::move(copy);
+    file->m_bDuplicated = m_bDuplicated = true;
     file->m_nFlags = m_nFlags;
     file->m_strFilePath = m_strFilePath;
     return file;
 }
 
-int CFile::Checked(Need need) const {
+const qel::Descriptor& CFile::ReadableDescriptor() const { return Checked(Need::reading); }
+const qel::Descriptor& CFile::WritableDescriptor() const { return Checked(Need::writing); }
+
+const qel::Descriptor& CFile::Checked(Need need) const {
     if (!m_descriptor) qel::ThrowCode(qel::kBadHandle, m_strFilePath.View());
     // The system answers a wrong access with the error of a closed descriptor; so it is asked only for a right one.
     const UINT access = m_nFlags & kAccessMask;
     if ((need == Need::reading && access == modeWrite) || (need == Need::writing && access == modeRead))
         qel::ThrowCode(qel::kAccessDenied, m_strFilePath.View());
-    return m_descriptor.Get();
+    return m_descriptor;
 }
 
 ULONGLONG CFile::GetPosition() const {
-    const off_t position = ::lseek(Checked(Need::any), 0, SEEK_CUR);
+    const off_t position = ::lseek(Checked(Need::any).Get(), 0, SEEK_CUR);
     if (position < 0) qel::ThrowErrno(errno, m_strFilePath.View());
     return static_cast<ULONGLONG>(position);
 }
 
 ULONGLONG CFile::Seek(LONGLONG offset, UINT from) {
-    const int descriptor = Checked(Need::any);
+    const int descriptor = Checked(Need::any).Get();
     const int whence = from == begin ? SEEK_SET : from == current ? SEEK_CUR : from == end ? SEEK_END : -1;
     const off_t position = ::lseek(descriptor, offset, whence);
     if (position < 0) qel::ThrowCode(qel::kBadSeek, m_strFilePath.View());
@@ -95,47 +90,34 @@ ULONGLONG CFile::Seek(LONGLONG offset, UINT from) {
 
 ULONGLONG CFile::GetLength() const {
     struct stat status {};
-    if (::fstat(Checked(Need::any), &status) != 0) qel::ThrowErrno(errno, m_strFilePath.View());
+    if (::fstat(Checked(Need::any).Get(), &status) != 0) qel::ThrowErrno(errno, m_strFilePath.View());
     return static_cast<ULONGLONG>(status.st_size);
 }
 
 void CFile::SetLength(ULONGLONG length) {
-    const int descriptor = Checked(Need::writing);
+    const int descriptor = Checked(Need::writing).Get();
     const off_t target = AsOffset(length, qel::kDiskFull, m_strFilePath);
-    if (Uninterrupted([&] { return ::ftruncate(descriptor, target); }) != 0) ThrowWriteError(errno, m_strFilePath);
+    if (qel::Uninterrupted([&] { return ::ftruncate(descriptor, target); }) != 0) {
+        qel::ThrowWriteErrno(errno, m_strFilePath.View());
+    }
     Seek(target, begin);
 }
 
 UINT CFile::Read(void* buffer, UINT count) {
-    const int descriptor = Checked(Need::reading);
-    char* const bytes = static_cast<char*>(buffer);
-    UINT done = 0;
-    while (done < count) {
-        const ssize_t got = Uninterrupted([&] { return ::read(descriptor, bytes + done, count - done); });
-        if (got < 0) qel::ThrowErrno(errno, m_strFilePath.View());
-        if (got == 0) break;
-        done += static_cast<UINT>(got);
-    }
-    return done;
+    const std::span bytes(static_cast<std::byte*>(buffer), count);
+    return static_cast<UINT>(qel::ReadFully(Checked(Need::reading), bytes, m_strFilePath.View()));
 }
 
 void CFile::Write(const void* buffer, UINT count) {
-    const int descriptor = Checked(Need::writing);
-    const char* const bytes = static_cast<const char*>(buffer);
-    UINT done = 0;
-    while (done < count) {
-        const ssize_t put = Uninterrupted([&] { return ::write(descriptor, bytes + done, count - done); });
-        if (put < 0) ThrowWriteError(errno, m_strFilePath);
-        if (put == 0) throw CFileException(CFileException::diskFull, -1, m_strFilePath);
-        done += static_cast<UINT>(put);
-    }
+    const std::span bytes(static_cast<const std::byte*>(buffer), count);
+    qel::WriteFully(Checked(Need::writing), bytes, m_strFilePath.View());
 }
 
 void CFile::LockRange(ULONGLONG position, ULONGLONG count) { SetRangeLock(F_WRLCK, position, count); }
 void CFile::UnlockRange(ULONGLONG position, ULONGLONG count) { SetRangeLock(F_UNLCK, position, count); }
 
 void CFile::SetRangeLock(short type, ULONGLONG position, ULONGLONG count) {
-    const int descriptor = Checked(Need::any);
+    const int descriptor = Checked(Need::any).Get();
     if (count == 0) return;  // to the system 0 would mean "to the end"
     struct flock range {};
     // A lock for writing needs a descriptor that can write.
@@ -148,22 +130,20 @@ void CFile::SetRangeLock(short type, ULONGLONG position, ULONGLONG count) {
     qel::ThrowErrno(errno, m_strFilePath.View());
 }
 
-void CFile::Abort() noexcept {
-    m_descriptor.Reset();
+int CFile::CloseDescriptor() noexcept {
     m_strFilePath.Empty();
+    return m_descriptor ? qel::CloseShared(m_descriptor, m_bDuplicated) : 0;
 }
 
+void CFile::Abort() noexcept { CloseDescriptor(); }
+
 void CFile::Flush() {
-    if (!m_descriptor) return;
-    const int descriptor = Checked(Need::writing);
-    if (Uninterrupted([&] { return ::fdatasync(descriptor); }) != 0) ThrowWriteError(errno, m_strFilePath);
+    if (m_descriptor) qel::FlushData(Checked(Need::writing), m_strFilePath.View());
 }
 
 void CFile::Close() {
-    if (!m_descriptor) return;
-    const CString path = std::exchange(m_strFilePath, CString());
-    // Whatever the answer, Linux has closed it; after EINTR too.
-    if (::close(m_descriptor.Release()) != 0 && errno != EINTR) ThrowWriteError(errno, path);
+    const CString path = m_strFilePath;
+    if (const int error = CloseDescriptor()) qel::ThrowWriteErrno(error, path.View());
 }
 
 CString CFile::GetFileName() const { return m_strFilePath.Mid(static_cast<int>(qel::NameStart(m_strFilePath.View()))); }

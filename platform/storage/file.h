@@ -5,12 +5,17 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/descriptor.h"
 #include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/file_status.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
 /// A file on disk: open by name and flags, read and write at a position of 64 bits. Names use the backslash; a forward
 /// slash works too. Operations throw CFileException unless they say otherwise; on a closed file fileNotFound, code 6.
-/// One thread at a time.
+///
+/// The share mode holds between all openings of a file by programs that use this library, within one process and across
+/// processes: an opening is refused (sharingViolation, code 32) that does what another one denies, or denies what
+/// another one does. Without share bits nobody else may have the file open. A file that is open anywhere is neither
+/// deleted, renamed nor replaced. One thread at a time.
 class QELLIB10_API CFile {
 public:
     enum OpenFlags : UINT {
@@ -53,7 +58,8 @@ public:
     virtual CString GetFileTitle() const;
     virtual CString GetFilePath() const;
 
-    /// Opens a regular file; one that is open already is closed first. The position is 0.
+    /// Opens a regular file (anything else is accessDenied, code 5; so is writing to one with the read-only attribute).
+    /// An object that is open already is closed first. The position is 0.
     /// @param flags one of modeRead/modeWrite/modeReadWrite, one of the share modes, and the others as wanted
     /// @param error takes the cause of a failure
     /// @return 0 on failure; nothing is thrown
@@ -89,6 +95,16 @@ public:
     /// Closes, without reporting errors.
     virtual ~CFile();
 
+    /// Deletes a file. Missing: 2, or 3 without its folder; a folder or a read-only file: 5; open anywhere: 32.
+    static void Remove(const char* name);
+    /// Renames or moves a file or folder, a file also to another volume. The new name exists: accessDenied, code 183.
+    static void Rename(const char* oldName, const char* newName);
+    /// Describes a file or folder without opening it.
+    /// @return 0 when it is missing, or a link to something missing; nothing is thrown and @p status is left alone
+    static BOOL GetStatus(const char* name, CFileStatus& status);
+    /// The same of the open file; 0 for a closed one.
+    BOOL GetStatus(CFileStatus& status) const;
+
     /// @return the new position, which is the length
     ULONGLONG SeekToEnd() { return Seek(0, end); }
     void SeekToBegin() { Seek(0, begin); }
@@ -96,14 +112,21 @@ public:
     /// Opaque: descriptor + 1, or hFileNull. For tests of openness.
     operator HANDLE() const noexcept;
 
+    /// The descriptor, for what works on two files at once. The file keeps it.
+    /// @throws CFileException as reading or writing does where the file's access lacks
+    const qel::Descriptor& ReadableDescriptor() const;
+    const qel::Descriptor& WritableDescriptor() const;
+
 private:
     enum class Need { any, reading, writing };
 
     void OpenOrThrow(const char* name, UINT flags);
-    int Checked(Need need) const;  // the descriptor; throws when the file is closed or the access lacks
+    int CloseDescriptor() noexcept;                   // 0 or the errno; the file is closed all the same
+    const qel::Descriptor& Checked(Need need) const;  // throws when the file is closed or the access lacks
     void SetRangeLock(short type, ULONGLONG position, ULONGLONG count);
 
     qel::Descriptor m_descriptor;
+    mutable bool m_bDuplicated = false;  // the opening has, or had, another object
     UINT m_nFlags = 0;
     CString m_strFilePath;
 };

@@ -3,19 +3,16 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <string>
 
 #include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/path.h"
 
 namespace qel {
 namespace {
 
 bool FolderExists(std::string_view posixPath) {
-    const std::size_t slash = posixPath.rfind('/');
-    const std::string folder =
-        slash == std::string_view::npos ? "." : std::string(posixPath.substr(0, slash == 0 ? 1 : slash));
     struct stat status {};
-    return ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return ::stat(PosixFolderOf(posixPath).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 }  // namespace
@@ -100,6 +97,10 @@ void ThrowCode(LONG code, std::string_view name) { throw CFileException(CauseOfC
 
 void ThrowErrno(int error, std::string_view name, std::string_view posixPath) {
     ThrowCode(CodeOfErrno(error, posixPath), name);
+}
+
+void ThrowWriteErrno(int error, std::string_view name) {
+    ThrowCode(error == EIO ? LONG{kWriteFault} : CodeOfErrno(error), name);
 }
 
 }  // namespace qel

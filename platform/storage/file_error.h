@@ -43,5 +43,7 @@ int CauseOfCode(LONG code);
 /// @throws CFileException with @p code, its cause and @p name, the path as the caller knows it.
 [[noreturn]] void ThrowCode(LONG code, std::string_view name);
 [[noreturn]] void ThrowErrno(int error, std::string_view name, std::string_view posixPath = {});
+/// The same for a call that writes, where an input/output error is a write fault.
+[[noreturn]] void ThrowWriteErrno(int error, std::string_view name);
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -13,38 +14,87 @@ namespace {
 
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kAnyWriteBit = 0222;
+constexpr int kReplacedTries = 100;  // a file that is replaced faster than it can be opened
 
 int OpenOnce(const std::string& path, int flags) {
     for (;;) {
-        const int descriptor = ::open(path.c_str(), flags, kNewFileMode);
-        if (descriptor >= 0 || errno != EINTR) return descriptor;
+        const int number = ::open(path.c_str(), flags, kNewFileMode);
+        if (number >= 0 || errno != EINTR) return number;
     }
+}
+
+bool Writes(const OpenRequest& request) { return request.mode.write || request.truncate; }
+
+Descriptor OpenPlain(const std::string& path, const OpenRequest& request, std::string_view name) {
+    // A child must not inherit a file, and neither a pipe nor a terminal may hold the opening up.
+    int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    if (request.create) flags |= O_CREAT;
+    if (request.writeThrough) flags |= O_DSYNC;
+    Descriptor file(OpenOnce(path, flags | (Writes(request) ? O_RDWR : O_RDONLY)));
+    // Marks want a descriptor that can read; only a file that cannot be read does without.
+    if (!file && errno == EACCES && request.mode.write && !request.mode.read) {
+        file.Reset(OpenOnce(path, flags | O_WRONLY));
+    }
+    if (!file) ThrowErrno(errno, name, path);
+    return file;
+}
+
+// The read-only attribute stands in the mode and is obeyed there: root passes every permission check.
+void CheckOpenable(const struct stat& status, const OpenRequest& request, std::string_view name) {
+    const bool readOnly = (status.st_mode & kAnyWriteBit) == 0;
+    if (!S_ISREG(status.st_mode) || (readOnly && Writes(request))) ThrowCode(kAccessDenied, name);
+}
+
+bool StillThere(const std::string& path, const struct stat& opened) {
+    struct stat now = {};
+    return ::stat(path.c_str(), &now) == 0 && now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
+}
+
+// One try. No descriptor: the file was replaced or deleted between opening and marking, so the marks protect nothing.
+Descriptor TryOpen(const std::string& path, const OpenRequest& request, std::string_view name) {
+    Descriptor file = OpenPlain(path, request, name);
+    struct stat opened = {};
+    if (::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name);
+    CheckOpenable(opened, request, name);
+    if (!ClaimShare(file.Get(), request.mode)) ThrowCode(kSharingViolation, name);
+    if (!StillThere(path, opened)) CloseShared(file);
+    return file;
 }
 
 }  // namespace
 
-Descriptor OpenFile(const std::string& posixPath, UINT flags, std::string_view name) {
+OpenRequest OpenRequest::OfFlags(UINT flags) {
     const UINT access = flags & CFile::kAccessMask;
-    const bool create = (flags & CFile::modeCreate) != 0;
-    const bool empty = create && (flags & CFile::modeNoTruncate) == 0;
-    const bool write = access != CFile::modeRead;
+    const UINT share = flags & CFile::kShareMask;
+    OpenRequest request;
+    request.mode.read = access != CFile::modeWrite;
+    request.mode.write = access != CFile::modeRead;
+    request.mode.denyRead = share != CFile::shareDenyNone && share != CFile::shareDenyWrite;
+    request.mode.denyWrite = share != CFile::shareDenyNone && share != CFile::shareDenyRead;
+    request.create = (flags & CFile::modeCreate) != 0;
+    request.truncate = request.create && (flags & CFile::modeNoTruncate) == 0;
+    request.writeThrough = (flags & CFile::osWriteThrough) != 0;
+    return request;
+}
 
-    // A child must not inherit a file, and neither a pipe nor a terminal may hold the opening up.
-    int system = O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (create ? O_CREAT : 0);
-    if ((flags & CFile::osWriteThrough) != 0) system |= O_DSYNC;
-    Descriptor descriptor(OpenOnce(posixPath, system | (write || empty ? O_RDWR : O_RDONLY)));
-    // The object's access decides what may be done, not the descriptor's; only a file that cannot be read needs this.
-    if (!descriptor && errno == EACCES && access == CFile::modeWrite)
-        descriptor = Descriptor(OpenOnce(posixPath, system | O_WRONLY));
-    if (!descriptor) ThrowErrno(errno, name, posixPath);
+Descriptor OpenShared(const std::string& posixPath, const OpenRequest& request, std::string_view name) {
+    Descriptor file;
+    for (int tries = 0; !file; ++tries) {
+        if (tries == kReplacedTries) ThrowCode(kSharingViolation, name);
+        file = TryOpen(posixPath, request, name);
+    }
+    if (request.truncate && ::ftruncate(file.Get(), 0) != 0) {
+        const int error = errno;
+        CloseShared(file);
+        ThrowErrno(error, name);
+    }
+    return file;
+}
 
-    struct stat status {};
-    if (::fstat(descriptor.Get(), &status) != 0) ThrowErrno(errno, name, posixPath);
-    // By the mode bits, not by trying: the system lets root pass every permission test.
-    const bool readOnly = (status.st_mode & kAnyWriteBit) == 0;
-    if (!S_ISREG(status.st_mode) || (readOnly && (write || empty))) ThrowCode(kAccessDenied, name);
-    if (empty && ::ftruncate(descriptor.Get(), 0) != 0) ThrowErrno(errno, name, posixPath);
-    return descriptor;
+int CloseShared(Descriptor& file, bool duplicated) noexcept {
+    if (!duplicated) WithdrawShare(file.Get());
+    // Whatever the answer, Linux has closed it; after EINTR too.
+    return ::close(file.Release()) == 0 || errno == EINTR ? 0 : errno;
 }
 
 }  // namespace qel

@@ -112,8 +112,8 @@ TEST(File, TellsWhyItCannotOpen) {
     };
     for (const Case& c :
          {Case{folder.Name("none"), CFile::modeRead, CFileException::fileNotFound, 2},
-          Case{folder.Name("none\\none"), CFile::modeRead | CFile::modeCreate, CFileException::badPath, 3},
-          Case{folder.Name("file\\none"), CFile::modeRead, CFileException::badPath, 3},
+          Case{folder.Name("none/none"), CFile::modeRead | CFile::modeCreate, CFileException::badPath, 3},
+          Case{folder.Name("file/none"), CFile::modeRead, CFileException::badPath, 3},
           Case{folder.Name(""), CFile::modeRead, CFileException::accessDenied, 5},
           Case{folder.Name("pipe"), CFile::modeRead, CFileException::accessDenied, 5},
           Case{folder.Name("fixed"), CFile::modeWrite, CFileException::accessDenied, 5},

@@ -2,16 +2,20 @@
 
 #include <stdlib.h>
 
-#include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
-/// A new folder that goes, with all that is in it, at the end of the scope.
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/text/string.h"
+
+/// A new folder that goes, with all that is in it, at the end of the scope. Names are as the disk has them (UTF-8).
 class TempFolder {
 public:
-    TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "qellib10-test-XXXXXX").string();
+    explicit TempFolder(const std::filesystem::path& below = std::filesystem::temp_directory_path()) {
+        std::string pattern = (below / "qellib10-test-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
         m_path = pattern;
     }
@@ -22,14 +26,23 @@ public:
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    /// A name within the folder, as the library takes it, and as the system does.
-    std::string Name(const std::string& name) const {
-        std::string path = Posix(name).string();
-        std::replace(path.begin(), path.end(), '/', '\\');
-        return path;
+    /// The folder, or a name within it, as the system takes it, and as the library does.
+    std::string Posix(const std::string& name = "") const { return name.empty() ? m_path : m_path + "/" + name; }
+    CString Path(const std::string& name = "") const { return qel::ToLibraryPath(Posix(name)); }
+    std::string Name(const std::string& name) const { return std::string(Path(name).View()); }
+
+    void Write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(Posix(name), std::ios::binary) << bytes;
     }
-    std::filesystem::path Posix(const std::string& name) const { return m_path / name; }
+    std::string Read(const std::string& name) const {
+        std::ifstream file(Posix(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    bool Has(const std::string& name) const {
+        return std::filesystem::exists(std::filesystem::symlink_status(Posix(name)));
+    }
+    int Count() const { return static_cast<int>(std::distance(std::filesystem::directory_iterator(m_path), {})); }
 
 private:
-    std::filesystem::path m_path;
+    std::string m_path;
 };

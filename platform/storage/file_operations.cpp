@@ -1,0 +1,146 @@
+#include "qellib10/platform/storage/file_operations.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <string>
+
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/open.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/replacement.h"
+#include "qellib10/platform/storage/share_lock.h"
+
+namespace qel {
+namespace {
+
+using Status = struct stat;
+
+std::optional<Status> StatusOf(const std::string& posix) {
+    Status status = {};
+    if (::stat(posix.c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+std::optional<Status> LinkStatusOf(const std::string& posix) {
+    Status status = {};
+    if (::lstat(posix.c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+bool IsReadOnly(const Status& status) { return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0; }
+bool IsSame(const Status& a, const Status& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
+
+void CopyAttributes(const Status& source, const Descriptor& target, std::string_view name) {
+    const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, source.st_mtim};
+    if (::futimens(target.Get(), times.data()) != 0) ThrowErrno(errno, name);
+    Status made = {};
+    if (!IsReadOnly(source)) return;
+    if (::fstat(target.Get(), &made) != 0 || ::fchmod(target.Get(), made.st_mode & 07555) != 0) ThrowErrno(errno, name);
+}
+
+// The source of a copy, open and described.
+class Source {
+public:
+    explicit Source(std::string_view name)
+        : m_name(name), m_file(OpenShared(ToPosixPath(name), {.mode = {.read = true}}, name)) {
+        if (::fstat(m_file.Get(), &m_status) != 0) ThrowErrno(errno, name);
+    }
+    ~Source() { CloseShared(m_file); }
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+
+    void CopyTo(const Descriptor& target, std::string_view name) const {
+        CopyBytes(m_file, 0, target, 0, static_cast<std::uint64_t>(m_status.st_size), m_name, name);
+    }
+    const Status& Description() const { return m_status; }
+
+private:
+    std::string_view m_name;
+    Descriptor m_file;
+    Status m_status = {};
+};
+
+void CopyInPlace(const Source& source, std::string_view target) {
+    const OpenRequest request = {.mode = {.read = true, .write = true, .denyRead = true, .denyWrite = true},
+                                 .truncate = true};
+    Descriptor file = OpenShared(ToPosixPath(target), request, target);
+    source.CopyTo(file, target);
+    FlushData(file, target);
+    CopyAttributes(source.Description(), file, target);
+    CloseShared(file);
+}
+
+bool CanAddNames(const std::string& folder) {
+    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+// @return 0 or the errno of the system
+int Rename(const std::string& from, const std::string& to, bool replace, std::string_view targetName) {
+    if (!replace) return RenameNew(from, to);
+    const std::optional<Status> old = LinkStatusOf(to);
+    if (old && (IsReadOnly(*old) || S_ISDIR(old->st_mode))) ThrowCode(kAccessDenied, targetName);
+    const UnusedFile held(to, targetName);
+    return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+int RenameUnused(const std::string& from, std::string_view sourceName, const std::string& to, bool replace,
+                 std::string_view targetName) {
+    const UnusedFile held(from, sourceName);
+    return Rename(from, to, replace, targetName);
+}
+
+void Unlink(const std::string& posix, std::string_view name) {
+    const UnusedFile held(posix, name);
+    if (::unlink(posix.c_str()) != 0) ThrowErrno(errno, name, posix);
+}
+
+}  // namespace
+
+void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) {
+    const Source from(source);
+    const std::string to = ToPosixPath(target);
+    const std::optional<Status> old = StatusOf(to);
+    if (old && mustBeNew) ThrowCode(kFileExists, target);
+    if (old && (!S_ISREG(old->st_mode) || IsReadOnly(*old))) ThrowCode(kAccessDenied, target);
+    if (old && IsSame(*old, from.Description())) ThrowCode(kSharingViolation, target);
+    if (old && !CanAddNames(PosixFolderOf(to))) return CopyInPlace(from, target);
+
+    Replacement made(target);
+    from.CopyTo(made.File(), target);
+    mustBeNew ? made.CommitNew() : made.Commit();
+    CopyAttributes(from.Description(), made.File(), target);
+}
+
+void MoveFile(std::string_view source, std::string_view target, unsigned flags) {
+    const std::string from = ToPosixPath(source);
+    const std::string to = ToPosixPath(target);
+    const std::optional<Status> status = LinkStatusOf(from);
+    if (!status) ThrowErrno(errno, source, from);
+    const std::optional<Status> old = LinkStatusOf(to);
+    if (old && IsSame(*status, *old)) return;
+
+    const bool replace = (flags & kMoveReplace) != 0;
+    const int error = RenameUnused(from, source, to, replace, target);
+    if (error == 0) return;
+    if (error == EEXIST) ThrowCode(kAlreadyExists, target);
+    if (error != EXDEV || (flags & kMoveCopy) == 0 || !S_ISREG(status->st_mode)) ThrowErrno(error, target, to);
+    CopyFile(source, target, !replace);
+    Unlink(from, source);
+}
+
+void DeleteFile(std::string_view name) {
+    const std::string posix = ToPosixPath(name);
+    const std::optional<Status> status = LinkStatusOf(posix);
+    if (!status) ThrowErrno(errno, name, posix);
+    if (S_ISDIR(status->st_mode) || IsReadOnly(*status)) ThrowCode(kAccessDenied, name);
+    Unlink(posix, name);
+}
+
+}  // namespace qel

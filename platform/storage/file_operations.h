@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string_view>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/types.h"
+
+// What the system does to files by name. All throw CFileException: 2 for a missing file, 3 for a missing folder, 5 for
+// the read-only attribute, 32 for a file that is open anywhere in a program of ours, 123 and the like for a bad name.
+// The read-only attribute is a mode without any write bit, and is obeyed for root as well.
+namespace qel {
+
+/// Copies the bytes, the time of the last write and the read-only attribute; access rights are those of a new file, or
+/// of the file that is replaced. @p source may be open for writing elsewhere. The copy is on the disk when the
+/// operation returns; it appears, or replaces @p target, in one step, unless the target's folder is closed to writing:
+/// then the target is written in place.
+/// @throws CFileException 80 when @p target exists and @p mustBeNew, 32 when it is @p source itself
+QELLIB10_API void CopyFile(std::string_view source, std::string_view target, bool mustBeNew);
+
+enum MoveFlags : unsigned {
+    kMoveReplace = 1,  // replace an existing file
+    kMoveCopy = 2,     // to another volume by copying and deleting; a folder is not moved so
+};
+
+/// Renames a file or a folder, within its folder or into another one. A file moved onto itself stays as it is.
+/// @throws CFileException 183 when @p target exists and is not to be replaced, 17 for another volume without kMoveCopy
+QELLIB10_API void MoveFile(std::string_view source, std::string_view target, unsigned flags);
+
+/// Deletes a file; of a symbolic link the link. @throws CFileException 5 for a folder
+QELLIB10_API void DeleteFile(std::string_view name);
+
+}  // namespace qel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "qellib10/platform/time/time.h"
+#include "qellib10/platform/types.h"
+
+/// What CFile::GetStatus tells about a file or folder.
+struct CFileStatus {
+    enum Attribute : BYTE {
+        normal = 0x00,
+        readOnly = 0x01,  ///< no one may write: the mode has no write bit
+        hidden = 0x02,    ///< the name begins with a dot
+        system = 0x04,    ///< never set
+        volume = 0x08,    ///< never set
+        directory = 0x10,
+        archive = 0x20  ///< a regular file
+    };
+
+    CTime m_ctime;  // creation; the last write where the file system does not know it
+    CTime m_mtime;  // last write
+    CTime m_atime;  // last access
+    ULONGLONG m_size = 0;
+    BYTE m_attribute = normal;
+    char m_szFullName[MAX_PATH] = {};  // absolute; cut at a whole character where it is longer
+};

@@ -1,0 +1,76 @@
+#include "qellib10/platform/storage/folder_operations.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/path.h"
+
+namespace qel {
+namespace {
+
+constexpr int kEnter = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+// A name that cannot be stands for no folder.
+template <class Step> bool WithName(std::string_view name, Step&& step) {
+    try {
+        return step(name == "." || name == ".." ? std::string(name) : ToPosixName(name));
+    } catch (const CFileException&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+void CreateFolder(std::string_view path) {
+    const std::string posix = ToPosixPath(path);
+    if (::mkdir(posix.c_str(), 0777) == 0) return;
+    errno == ENOENT ? ThrowCode(kFolderMissing, path) : ThrowErrno(errno, path, posix);
+}
+
+void RemoveFolder(std::string_view path) {
+    const std::string posix = ToPosixPath(path);
+    if (::rmdir(posix.c_str()) == 0) return;
+    struct stat status = {};
+    const bool notAFolder = errno == ENOTDIR && ::lstat(posix.c_str(), &status) == 0;
+    if (errno == EEXIST) errno = ENOTEMPTY;  // some file systems answer so
+    notAFolder ? ThrowCode(kNotAFolder, path) : ThrowErrno(errno, path, posix);
+}
+
+void SetCurrentFolder(std::string_view path) {
+    const std::string posix = ToPosixPath(path);
+    if (::chdir(posix.c_str()) != 0) ThrowErrno(errno, path, posix);
+}
+
+FolderWalk::FolderWalk(std::string_view start) {
+    const std::string posix = start.empty() ? "." : ToPosixPath(start);
+    m_folder.Reset(::open(posix.c_str(), kEnter));
+    if (!m_folder) ThrowErrno(errno, start, posix);
+}
+
+bool FolderWalk::Enter(std::string_view name) {
+    return WithName(name, [&](const std::string& posix) {
+        // The walk may only stand where the process could: in a folder that it may search.
+        if (::faccessat(m_folder.Get(), posix.c_str(), X_OK, AT_EACCESS) != 0) return false;
+        Descriptor next(::openat(m_folder.Get(), posix.c_str(), kEnter));
+        if (!next) return false;
+        m_folder = std::move(next);
+        return true;
+    });
+}
+
+bool FolderWalk::Create(std::string_view name) {
+    return WithName(name, [&](const std::string& posix) {
+        if (::mkdirat(m_folder.Get(), posix.c_str(), 0777) == 0) return true;
+        struct stat status = {};
+        return errno == EEXIST && ::fstatat(m_folder.Get(), posix.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode);
+    });
+}
+
+bool FolderWalk::MakeCurrent() const { return ::fchdir(m_folder.Get()) == 0; }
+
+}  // namespace qel

@@ -1,0 +1,100 @@
+#include "qellib10/platform/storage/replacement.h"
+
+#include <fcntl.h>
+#include <linux/limits.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/share_lock.h"
+
+namespace qel {
+namespace {
+
+constexpr std::size_t kLongestName = 255;  // bytes of a name on disk
+constexpr int kTries = 0xFFFF;
+
+std::string Resolved(const std::string& posix) {
+    char resolved[PATH_MAX];
+    return ::realpath(posix.c_str(), resolved) != nullptr ? resolved : posix;
+}
+
+unsigned StartNumber() {
+    unsigned number = 0;
+    if (::getrandom(&number, sizeof number, GRND_NONBLOCK) < 0) number = static_cast<unsigned>(::getpid());
+    return number;
+}
+
+std::string TemporaryName(const std::string& target, unsigned number) {
+    char suffix[16];
+    const int length = std::snprintf(suffix, sizeof suffix, ".%04X.tmp", number & 0xFFFF);
+    const std::size_t start = target.rfind('/') + 1;  // npos + 1 is 0
+    return target.substr(0, start) + target.substr(start, kLongestName - static_cast<std::size_t>(length)) + suffix;
+}
+
+}  // namespace
+
+int RenameNew(const std::string& source, const std::string& target) {
+    if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+    if (::link(source.c_str(), target.c_str()) != 0) return errno;
+    return ::unlink(source.c_str()) == 0 ? 0 : errno;
+}
+
+Replacement::Replacement(std::string_view path) : m_name(path), m_target(Resolved(ToPosixPath(path))) {
+    const unsigned start = StartNumber();
+    for (unsigned tries = 0; tries < kTries; ++tries) {
+        m_temporary = TemporaryName(m_target, start + tries);
+        m_file.Reset(::open(m_temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+        if (m_file || errno != EEXIST) break;
+    }
+    if (!m_file) ThrowErrno(errno, m_name, m_target);
+}
+
+Replacement::~Replacement() {
+    if (!m_temporary.empty()) ::unlink(m_temporary.c_str());
+}
+
+void Replacement::TakeRightsOfOld() {
+    struct stat old = {};
+    if (::stat(m_target.c_str(), &old) != 0) return;
+    if (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0) ThrowCode(kAccessDenied, m_name);
+    struct stat made = {};
+    if (::fstat(m_file.Get(), &made) != 0) ThrowErrno(errno, m_name);
+    // Only root can give a file away; for others the file becomes theirs, as it would by writing it anew.
+    const bool given =
+        (old.st_uid == made.st_uid && old.st_gid == made.st_gid) || ::fchown(m_file.Get(), old.st_uid, old.st_gid) == 0;
+    const mode_t kept = given ? 07777 : 0777;
+    if (::fchmod(m_file.Get(), old.st_mode & kept) != 0) ThrowErrno(errno, m_name);
+}
+
+void Replacement::Commit() {
+    FlushData(m_file, m_name);
+    const UnusedFile old(m_target, m_name);
+    TakeRightsOfOld();
+    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) ThrowErrno(errno, m_name, m_target);
+    Done();
+}
+
+void Replacement::CommitNew() {
+    FlushData(m_file, m_name);
+    if (const int error = RenameNew(m_temporary, m_target)) {
+        error == EEXIST ? ThrowCode(kFileExists, m_name) : ThrowErrno(error, m_name, m_target);
+    }
+    Done();
+}
+
+void Replacement::Done() {
+    m_temporary.clear();
+    FlushFolderOf(m_target, m_name);
+}
+
+}  // namespace qel

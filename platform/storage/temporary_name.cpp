@@ -1,0 +1,77 @@
+#include "qellib10/platform/storage/temporary_name.h"
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/text/multibyte.h"
+
+namespace qel {
+namespace {
+
+constexpr std::size_t kNameRoom = 14;  // a separator, 3 + 4 + 4 bytes, and the terminator with some air
+constexpr std::size_t kPrefixBytes = 3;
+constexpr unsigned kNumbers = 0xFFFF;  // 0 asks for any, so it is none of them
+
+bool EndsWithSeparator(std::string_view folder) { return !folder.empty() && NameStart(folder) == folder.size(); }
+
+std::string Name(std::string_view folder, std::string_view prefix, unsigned number) {
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "%04X.TMP", number);
+    std::string name(folder);
+    if (!EndsWithSeparator(folder)) name += '\\';
+    return name.append(LeftWhole(prefix, kPrefixBytes)).append(digits);
+}
+
+void CheckFolder(std::string_view folder) {
+    struct stat status = {};
+    const std::string posix = ToPosixPath(folder);
+    if (::stat(posix.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) ThrowCode(kNotAFolder, folder);
+}
+
+unsigned FirstNumber() {
+    unsigned number = 0;
+    if (::getrandom(&number, sizeof number, GRND_NONBLOCK) < 0) number = static_cast<unsigned>(::getpid());
+    return number;
+}
+
+}  // namespace
+
+CString TemporaryFolder() {
+    std::string folder = "/tmp";
+    for (const char* variable : {"TMPDIR", "TMP", "TEMP"}) {
+        const char* value = std::getenv(variable);
+        if (value == nullptr || value[0] != '/') continue;
+        folder = value;
+        break;
+    }
+    CString name = ToLibraryPath(folder);
+    if (!EndsWithSeparator(name.View())) name += '\\';
+    return name;
+}
+
+CString TemporaryName(std::string_view folder, std::string_view prefix, UINT number) {
+    if (folder.size() > MAX_PATH - kNameRoom) ThrowCode(kBufferTooSmall, folder);
+    if (number != 0) return CString(Name(folder, prefix, number & 0xFFFF));
+    CheckFolder(folder);
+    const unsigned first = FirstNumber();
+    for (unsigned tries = 0; tries < kNumbers; ++tries) {
+        const std::string name = Name(folder, prefix, (first + tries) % kNumbers + 1);
+        const std::string posix = ToPosixPath(name);
+        const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+        if (made) return CString(name);
+        if (errno != EEXIST) ThrowErrno(errno, name, posix);
+    }
+    ThrowCode(kFileExists, folder);
+}
+
+}  // namespace qel

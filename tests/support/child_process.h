@@ -1,0 +1,43 @@
+#pragma once
+
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <utility>
+
+/// A forked child that runs a body and exits with its result; killed at the latest when the object goes.
+class ChildProcess {
+public:
+    template <class Body> explicit ChildProcess(Body&& body) : m_id(::fork()) {
+        if (m_id != 0) return;
+        int result = 99;
+        try {
+            result = static_cast<int>(std::forward<Body>(body)());
+        } catch (...) {  // a child must never run on into the tests
+        }
+        ::_exit(result);
+    }
+    ~ChildProcess() { Kill(); }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// Waits for its end. @return what it answered; 99 when it threw, -1 when it was killed
+    int Wait() {
+        int status = 0;
+        if (::waitpid(std::exchange(m_id, 0), &status, 0) < 0) return -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    void Kill() {
+        if (m_id == 0) return;
+        ::kill(m_id, SIGKILL);
+        Wait();
+    }
+
+private:
+    pid_t m_id;
+};
+
+/// What @p body answers in a process of its own.
+template <class Body> int InChild(Body&& body) { return ChildProcess(std::forward<Body>(body)).Wait(); }
