@@ -1,0 +1,55 @@
+#include "qellib10/platform/storage/temporary_name.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "../support/child_process.h"
+#include "../support/environment_scope.h"
+#include "../support/temp_folder.h"
+#include "qellib10/platform/storage/file_exception.h"
+
+TEST(TemporaryName, FolderComesFromTheEnvironment) {
+    const EnvironmentScope first("TMPDIR", "relative"), second("TMP", "/var//tmp/"), third("TEMP", "/never");
+    EXPECT_EQ(qel::TemporaryFolder(), "\\var\\tmp\\");
+    const EnvironmentScope none("TMP", nullptr), neither("TEMP", nullptr);
+    EXPECT_EQ(qel::TemporaryFolder(), "\\tmp\\");
+}
+
+TEST(TemporaryName, IsBuiltFromItsParts) {
+    EXPECT_EQ(qel::TemporaryName("\\no", "abcdef", 0x1A), "\\no\\abc001A.TMP");
+    EXPECT_EQ(qel::TemporaryName("\\no\\", "", 0xFFFF), "\\no\\FFFF.TMP");
+    EXPECT_EQ(qel::TemporaryName("no/", "ab\x83\x5C", 1), "no/ab0001.TMP");  // never half a character
+    // A trail byte that looks like a separator is none.
+    EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");
+}
+
+TEST(TemporaryName, SaysWhyThereIsNone) {
+    const auto code = [](const std::string& folder) {
+        try {
+            qel::TemporaryName(folder, "x");
+            return LONG{0};
+        } catch (const CFileException& error) {
+            return error.m_lOsError;
+        }
+    };
+    EXPECT_EQ(code("\\no\\no"), 267);
+    EXPECT_EQ(code(std::string(247, 'a')), 111);
+}
+
+TEST(TemporaryName, NoTwoProcessesGetTheSame) {
+    constexpr int kProcesses = 4;
+    constexpr int kNames = 300;
+    const TempFolder folder;
+    std::unique_ptr<ChildProcess> children[kProcesses];
+    for (auto& child : children) {
+        child = std::make_unique<ChildProcess>([&] {
+            for (int i = 0; i < kNames; ++i) qel::TemporaryName(folder.Path().View(), "t");
+            return 0;
+        });
+    }
+    for (auto& child : children) EXPECT_EQ(child->Wait(), 0);
+    EXPECT_EQ(folder.Count(), kProcesses * kNames);
+    const auto first = std::filesystem::directory_iterator(folder.Posix())->status().permissions();
+    EXPECT_EQ(first, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
