@@ -14,7 +14,8 @@
 /// A new folder that goes, with all that is in it, at the end of the scope. Names are as the disk has them (UTF-8).
 class TempFolder {
 public:
-    explicit TempFolder(const std::filesystem::path& below = std::filesystem::temp_directory_path()) {
+    TempFolder() : TempFolder(std::filesystem::temp_directory_path()) {}
+    explicit TempFolder(const std::filesystem::path& below) {
         std::string pattern = (below / "qellib10-test-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
         m_path = pattern;
