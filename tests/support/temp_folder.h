@@ -28,8 +28,8 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     /// The folder, or a name within it, as the system takes it, and as the library does.
-    std::string Posix(const std::string& name = "") const { return name.empty() ? m_path : m_path + "/" + name; }
-    CString Path(const std::string& name = "") const { return qel::ToLibraryPath(Posix(name)); }
+    std::filesystem::path Posix(const std::string& name = "") const { return name.empty() ? m_path : m_path / name; }
+    CString Path(const std::string& name = "") const { return qel::ToLibraryPath(Posix(name).native()); }
     std::string Name(const std::string& name) const { return std::string(Path(name).View()); }
 
     void Write(const std::string& name, const std::string& bytes) const {
@@ -45,5 +45,5 @@ public:
     int Count() const { return static_cast<int>(std::distance(std::filesystem::directory_iterator(m_path), {})); }
 
 private:
-    std::string m_path;
+    std::filesystem::path m_path;
 };
