@@ -18,6 +18,9 @@ using LPCSTR = const char*;
 /// A handle as the framework passes it: opaque, compared and handed back only. 0 is "none".
 using HANDLE = void*;
 
+/// A loaded program or library: any address in it; 0 is the program.
+using HINSTANCE = void*;
+
 /// The longest path, its terminating zero included, in bytes.
 inline constexpr int MAX_PATH = 260;
 

@@ -5,12 +5,11 @@
 
 /// What CFile::GetStatus tells about a file or folder.
 struct CFileStatus {
+    /// The framework's bits for system files (04) and volumes (08) are never set here.
     enum Attribute : BYTE {
         normal = 0x00,
         readOnly = 0x01,  ///< no one may write: the mode has no write bit
         hidden = 0x02,    ///< the name begins with a dot
-        system = 0x04,    ///< never set
-        volume = 0x08,    ///< never set
         directory = 0x10,
         archive = 0x20  ///< a regular file
     };

@@ -22,6 +22,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/time", {"platform/text"}},
     {"platform/variant", {"platform/time"}},
     {"platform/storage", {"platform/time"}},
+    {"platform/shell", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
     {"resource", {"platform/text"}},
     {"runtime", {"resource", "platform/archive"}},

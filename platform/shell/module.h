@@ -1,0 +1,14 @@
+#pragma once
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+/// The absolute path of the program's file, or, for a @p module, of the program or shared library that holds this
+/// address (any address in it serves as a module's handle). It is the name under which it was loaded, also when the
+/// file has been replaced or deleted since. The empty text for an address that belongs to no file.
+QELLIB10_API CString ModulePath(HINSTANCE module);
+
+}  // namespace qel

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+
+namespace qel {
+
+/// Folders that the desktop gives a meaning, by the framework's numbers.
+enum class SpecialFolder : int {
+    kStartup = 7,         ///< what starts with the user's session: $XDG_CONFIG_HOME/autostart (~/.config/autostart)
+    kCommonStartup = 24,  ///< with everybody's: autostart in the first folder of $XDG_CONFIG_DIRS (/etc/xdg)
+    kAppData = 26,        ///< the user's settings of applications: $XDG_CONFIG_HOME (~/.config)
+};
+
+/// The folder's path, which need not exist; values of the environment count only when they are absolute. The empty text
+/// when the user has no home folder.
+QELLIB10_API CString SpecialFolderPath(SpecialFolder folder);
+
+}  // namespace qel

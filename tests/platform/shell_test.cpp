@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "../support/environment_scope.h"
+#include "../support/temp_folder.h"
+#include "qellib10/platform/shell/debug_output.h"
+#include "qellib10/platform/shell/module.h"
+#include "qellib10/platform/shell/special_folder.h"
+
+TEST(SpecialFolder, ComesFromTheEnvironment) {
+    using qel::SpecialFolder;
+    const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "rel:/d:/e");
+    EXPECT_EQ(qel::SpecialFolderPath(SpecialFolder::kStartup), "\\c\\autostart");
+    EXPECT_EQ(qel::SpecialFolderPath(SpecialFolder::kCommonStartup), "\\d\\autostart");
+    const EnvironmentScope relative("XDG_CONFIG_HOME", "c"), home("HOME", "/h"), none("XDG_CONFIG_DIRS", nullptr);
+    EXPECT_EQ(qel::SpecialFolderPath(SpecialFolder::kAppData), "\\h\\.config");
+    EXPECT_EQ(qel::SpecialFolderPath(SpecialFolder::kCommonStartup), "\\etc\\xdg\\autostart");
+    EXPECT_EQ(qel::SpecialFolderPath(SpecialFolder{99}), "");
+    const EnvironmentScope noHome("HOME", nullptr);
+    EXPECT_TRUE(std::string(qel::SpecialFolderPath(SpecialFolder::kAppData).View()).ends_with("\\.config"));
+}
+
+TEST(Module, KnowsItsFile) {
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+    EXPECT_EQ(qel::ModulePath(nullptr), qel::ToLibraryPath(program));
+    static int inProgram = 0;
+    EXPECT_EQ(qel::ModulePath(&inProgram), qel::ToLibraryPath(program));
+    const CString library = qel::ModulePath(reinterpret_cast<void*>(&std::strtol));
+    EXPECT_TRUE(library.GetAt(0) == '\\' && library.Find(".so") > 0) << library;
+    int onStack = 0;
+    EXPECT_EQ(qel::ModulePath(&onStack), "");
+    EXPECT_EQ(qel::ModulePath(reinterpret_cast<void*>(8)), "");
+}
+
+TEST(DebugOutput, GoesToTheHookElseWhereTheEnvironmentSays) {
+    static std::string heard;
+    qel::SetDebugOutputHook([](const char* text) { heard += text; });
+    OutputDebugStringA("a");
+    OutputDebugStringA(nullptr);
+    EXPECT_NE(qel::SetDebugOutputHook(nullptr), nullptr);
+    EXPECT_EQ(heard, "a");
+    for (const auto& [where, expected] : {std::pair("stderr", "\xE8\xA1\xA8"), std::pair("none", "")}) {
+        const EnvironmentScope output("QELLIB10_DEBUG_OUTPUT", where);
+        testing::internal::CaptureStderr();
+        OutputDebugStringA("\x95\x5C");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
+    }
+    EXPECT_EQ(heard, "a");
+}
