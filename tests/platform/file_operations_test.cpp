@@ -9,6 +9,7 @@
 #include <functional>
 
 #include "../support/child_process.h"
+#include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file.h"
@@ -17,35 +18,39 @@
 
 namespace {
 
-LONG CodeOf(const std::function<void()>& body) {
-    try {
-        body();
-        return 0;
-    } catch (const CFileException& error) {
-        return error.m_lOsError;
+// Two files, a link to the second one, and a folder that is not empty.
+class FileOperations : public testing::Test {
+protected:
+    FileOperations() {
+        folder.Write("a", "new");
+        folder.Write("b", "old");
+        std::filesystem::create_symlink("b", folder.Posix("l"));
+        std::filesystem::create_directory(folder.Posix("d"));
+        folder.Write("d/x", "");
     }
-}
 
-LONG Copy(const CString& source, const CString& target, bool mustBeNew = false) {
-    return CodeOf([&] { qel::CopyFile(source.View(), target.View(), mustBeNew); });
-}
-LONG Move(const CString& source, const CString& target, unsigned flags = 0) {
-    return CodeOf([&] { qel::MoveFile(source.View(), target.View(), flags); });
-}
-LONG Delete(const CString& name) {
-    return CodeOf([&] { qel::DeleteFile(name.View()); });
-}
+    LONG Copy(const char* source, const char* target, bool mustBeNew = false) const {
+        return CodeOf([&] { qel::CopyFile(folder.Name(source), folder.Name(target), mustBeNew); });
+    }
+    LONG Move(const char* source, const char* target, unsigned flags = 0) const {
+        return CodeOf([&] { qel::MoveFile(folder.Name(source), folder.Name(target), flags); });
+    }
+    LONG Delete(const char* name) const {
+        return CodeOf([&] { qel::DeleteFile(folder.Name(name)); });
+    }
+    void SetMode(const char* name, mode_t mode) const { ::chmod(folder.Posix(name).c_str(), mode); }
+    struct stat StatusOf(const char* name) const {
+        struct stat status = {};
+        EXPECT_EQ(::stat(folder.Posix(name).c_str(), &status), 0);
+        return status;
+    }
 
-mode_t ModeOf(const std::string& posix) {
-    struct stat status = {};
-    EXPECT_EQ(::stat(posix.c_str(), &status), 0);
-    return status.st_mode & 07777;
-}
+    TempFolder folder;
+};
+using Replacement = FileOperations;
 
-timespec WrittenAt(const std::string& posix) {
-    struct stat status = {};
-    EXPECT_EQ(::stat(posix.c_str(), &status), 0);
-    return status.st_mtim;
+void Write(const qel::Replacement& made, const std::string& bytes) {
+    qel::WriteFully(made.File(), std::as_bytes(std::span(bytes)), "a");
 }
 
 // Runs @p body in a child whom permissions bind, which they do not for root.
@@ -59,220 +64,155 @@ int AsOrdinaryUser(const std::function<int()>& body) {
 
 }  // namespace
 
-TEST(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
-    const TempFolder folder;
-    const std::string bytes(700'001, 'x');
-    folder.Write("a", bytes);
-    const std::array<timespec, 2> times = {timespec{1000, 0}, timespec{12345, 678}};
-    ::utimensat(AT_FDCWD, folder.Posix("a").c_str(), times.data(), 0);
-    ::chmod(folder.Posix("a").c_str(), 0500);
-    EXPECT_EQ(Copy(folder.Path("a"), folder.Path("b"), true), 0);
-    EXPECT_EQ(folder.Read("b"), bytes);
-    EXPECT_EQ(WrittenAt(folder.Posix("b")).tv_nsec, 678);
-    EXPECT_EQ(ModeOf(folder.Posix("b")), 0444);  // the rights are those of a new file
-    EXPECT_EQ(Copy(folder.Path("a"), folder.Path("b"), true), 80);
-    EXPECT_EQ(Copy(folder.Path("a"), folder.Path("b")), 5);  // read-only, for root as well
-    EXPECT_EQ(folder.Count(), 2);
+TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
+    const timespec times[] = {{1000, 0}, {12345, 678}};
+    ::utimensat(AT_FDCWD, folder.Posix("a").c_str(), times, 0);
+    SetMode("a", 0500);
+    EXPECT_EQ(Copy("a", "c", true), 0);
+    EXPECT_EQ(folder.Read("c"), "new");
+    EXPECT_EQ(StatusOf("c").st_mtim.tv_nsec, 678);
+    EXPECT_EQ(StatusOf("c").st_mode & 07777, 0444U);  // the rights are those of a new file
+    EXPECT_EQ(Copy("a", "c", true), 80);
+    EXPECT_EQ(Copy("a", "c"), 5);  // read-only, for root as well
 }
 
-TEST(FileOperations, CopyReplacesWhatALinkLeadsTo) {
-    const TempFolder folder;
-    folder.Write("a", "new");
-    folder.Write("b", "old");
-    ::chmod(folder.Posix("b").c_str(), 0640);
-    std::filesystem::create_symlink("b", folder.Posix("l"));
+TEST_F(FileOperations, CopyReplacesWhatALinkLeadsTo) {
+    SetMode("b", 0640);
     CFile open(folder.Path("a"), CFile::modeReadWrite | CFile::shareDenyWrite);  // a cabinet that is in use
-    EXPECT_EQ(Copy(folder.Path("a"), folder.Path("l")), 0);
+    EXPECT_EQ(Copy("a", "l"), 0);
     EXPECT_EQ(folder.Read("b"), "new");
-    EXPECT_EQ(ModeOf(folder.Posix("b")), 0640);
+    EXPECT_EQ(StatusOf("b").st_mode & 07777, 0640U);
     EXPECT_TRUE(std::filesystem::is_symlink(folder.Posix("l")));
-    EXPECT_EQ(Copy(folder.Path("b"), folder.Path("l")), 32);  // itself
+    EXPECT_EQ(Copy("b", "l"), 32);  // itself
     EXPECT_EQ(folder.Read("b"), "new");
+    const CFile reader(folder.Path("b"), CFile::modeRead);
+    EXPECT_EQ(Delete("l"), 0);  // the link, not the file
+    EXPECT_TRUE(folder.Has("b"));
 }
 
-TEST(FileOperations, FailuresNameTheirReasonAndLeaveNothing) {
-    const TempFolder folder;
-    folder.Write("a", "x");
-    folder.Write("b", "y");
-    std::filesystem::create_directory(folder.Posix("d"));
-    folder.Write("d/x", "");
-    const auto path = [&](const char* name) { return folder.Path() + "\\" + name; };
-    EXPECT_EQ(Copy(path("no"), path("c")), 2);
-    EXPECT_EQ(Copy(path("no\\no"), path("c")), 3);
-    EXPECT_EQ(Copy(path("a"), path("no\\c")), 3);
-    EXPECT_EQ(Copy(path("d"), path("c")), 5);
-    EXPECT_EQ(Copy(path("a"), path("d")), 5);
-    EXPECT_EQ(Move(path("a"), path("b")), 183);
-    EXPECT_EQ(Move(path("no"), path("c")), 2);
-    EXPECT_EQ(Move(path("a"), path("no\\c")), 3);
-    EXPECT_EQ(Move(path("a"), path("d"), qel::kMoveReplace), 5);
-    EXPECT_EQ(Delete(path("no")), 2);
-    EXPECT_EQ(Delete(path("no\\no")), 3);
-    EXPECT_EQ(Delete(path("d")), 5);
-    EXPECT_EQ(CodeOf([&] { qel::RemoveFolder(path("d").View()); }), 145);
-    EXPECT_EQ(CodeOf([&] { qel::RemoveFolder(path("a").View()); }), 267);
-    EXPECT_EQ(CodeOf([&] { qel::CreateFolder(path("a").View()); }), 183);
-    EXPECT_EQ(CodeOf([&] { qel::CreateFolder(path("no\\d").View()); }), 3);
-    ::chmod(folder.Posix("a").c_str(), 0444);
-    EXPECT_EQ(Delete(path("a")), 5);
-    EXPECT_EQ(folder.Count(), 3);
+TEST_F(FileOperations, FailuresNameTheirReasonAndLeaveNothing) {
+    SetMode("b", 0444);
+    const auto make = [&](const char* name) { return CodeOf([&] { qel::CreateFolder(folder.Name(name)); }); };
+    const auto remove = [&](const char* name) { return CodeOf([&] { qel::RemoveFolder(folder.Name(name)); }); };
+    using Codes = std::vector<LONG>;
+    EXPECT_EQ((Codes{Copy("no", "c"), Copy("no/no", "c"), Copy("a", "no/c")}), (Codes{2, 3, 3}));
+    EXPECT_EQ((Codes{Copy("d", "c"), Copy("a", "d"), Copy("a", "b")}), (Codes{5, 5, 5}));
+    EXPECT_EQ((Codes{Move("a", "b"), Move("no", "c"), Move("a", "no/c")}), (Codes{183, 2, 3}));
+    EXPECT_EQ(Move("a", "d", qel::kMoveReplace), 5);
+    EXPECT_EQ((Codes{Delete("no"), Delete("no/no"), Delete("d"), Delete("b")}), (Codes{2, 3, 5, 5}));
+    EXPECT_EQ((Codes{make("a"), make("no/d"), remove("d"), remove("a")}), (Codes{183, 3, 145, 267}));
+    EXPECT_EQ(folder.Count(), 4);
 }
 
-TEST(FileOperations, MoveRenamesWhateverItIs) {
-    const TempFolder folder;
-    folder.Write("a", "x");
-    folder.Write("b", "y");
-    std::filesystem::create_directory(folder.Posix("d"));
-    EXPECT_EQ(Move(folder.Path("a"), folder.Path("a")), 0);
-    EXPECT_EQ(folder.Read("a"), "x");
-    EXPECT_EQ(Move(folder.Path("a"), folder.Path("b"), qel::kMoveReplace), 0);
-    EXPECT_EQ(folder.Read("b"), "x");
-    EXPECT_EQ(Move(folder.Path("d"), folder.Path("e")), 0);
-    EXPECT_EQ(Move(folder.Path("b"), folder.Path("e/b")), 0);
-    EXPECT_EQ(folder.Read("e/b"), "x");
-}
+TEST_F(FileOperations, MoveRenamesOrCopiesToAnotherVolume) {
+    EXPECT_EQ(Move("a", "a"), 0);
+    EXPECT_EQ(Move("a", "b", qel::kMoveReplace), 0);
+    EXPECT_EQ(Move("d", "e"), 0);
+    EXPECT_EQ(Move("b", "e/b"), 0);
+    EXPECT_EQ(folder.Read("e/b"), "new");
 
-TEST(FileOperations, MoveToAnotherVolumeCopies) {
-    const TempFolder here;
-    const TempFolder there("/dev/shm");
-    here.Write("a", "x");
-    std::filesystem::create_directory(here.Posix("d"));
-    if (Move(here.Path("a"), there.Path("a")) == 0) GTEST_SKIP() << "one volume";
-    EXPECT_EQ(Move(here.Path("a"), there.Path("a")), 17);
-    EXPECT_EQ(Move(here.Path("d"), there.Path("d"), qel::kMoveCopy), 17);
-    CFile::Rename(here.Path("a"), there.Path("a"));
-    EXPECT_EQ(there.Read("a"), "x");
-    EXPECT_FALSE(here.Has("a"));
-}
-
-TEST(FileOperations, DeletingALinkLeavesItsTarget) {
-    const TempFolder folder;
-    folder.Write("a", "x");
-    std::filesystem::create_symlink("a", folder.Posix("l"));
-    const CFile open(folder.Path("a"), CFile::modeRead);
-    EXPECT_EQ(Delete(folder.Path("l")), 0);
-    EXPECT_EQ(folder.Read("a"), "x");
+    const TempFolder shm("/dev/shm");
+    const auto away = [&](const char* name, unsigned flags) {
+        return CodeOf([&] { qel::MoveFile(folder.Name(name), shm.Name("x"), flags); });
+    };
+    if (StatusOf("e").st_dev == shm.Device()) GTEST_SKIP() << "one volume";
+    EXPECT_EQ(away("e/b", 0), 17);
+    EXPECT_EQ(away("e", qel::kMoveCopy), 17);
+    EXPECT_EQ(away("e/b", qel::kMoveCopy), 0);
+    EXPECT_EQ(shm.Read("x"), "new");
+    EXPECT_FALSE(folder.Has("e/b"));
 }
 
 // Only the file may be written, not its folder: it is written in place.
-TEST(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
-    const TempFolder folder;
-    folder.Write("a", "new");
-    std::filesystem::create_directory(folder.Posix("closed"));
-    folder.Write("closed/b", "older");
-    ::chmod(folder.Posix().c_str(), 0755);
-    ::chmod(folder.Posix("closed/b").c_str(), 0666);
-    EXPECT_TRUE(::geteuid() != 0 || ::chown(folder.Posix("closed/b").c_str(), 65534, 65534) == 0);
-    ::chmod(folder.Posix("closed").c_str(), 0555);
-    const CString target = folder.Path("closed/b");
-    EXPECT_EQ(AsOrdinaryUser([&] { return Copy(folder.Path("a"), target); }), 0);
-    EXPECT_EQ(folder.Read("closed/b"), "new");
-    EXPECT_EQ(AsOrdinaryUser([&] { return Copy(folder.Path("a"), folder.Path("closed/c")); }), 5);
-    EXPECT_EQ(AsOrdinaryUser([&] { return CodeOf([&] { qel::Replacement made(target.View()); }); }), 5);
-    EXPECT_EQ(AsOrdinaryUser([&] { return Delete(target); }), 5);
-    ::chmod(folder.Posix("closed").c_str(), 0755);
+TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
+    folder.Write("d/x", "older");
+    SetMode("", 0755);
+    SetMode("d/x", 0666);
+    SetMode("d", 0555);
+    EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "d/y"); }), 5);
+    EXPECT_EQ(AsOrdinaryUser([&] { return Delete("d/x"); }), 5);
+    EXPECT_TRUE(::geteuid() != 0 || ::chown(folder.Posix("d/x").c_str(), 65534, 65534) == 0);
+    EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "d/x"); }), 0);
+    EXPECT_EQ(folder.Read("d/x"), "new");
+    SetMode("d", 0755);
 }
 
-TEST(FileOperations, AFullDiskLeavesTheOldFile) {
-    const TempFolder folder;
+TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
     folder.Write("a", std::string(300'000, 'a'));
-    folder.Write("b", "old");
     EXPECT_EQ(InChild([&] {
                   const rlimit limit = {100'000, 100'000};
                   ::setrlimit(RLIMIT_FSIZE, &limit);
                   ::signal(SIGXFSZ, SIG_IGN);
-                  return Copy(folder.Path("a"), folder.Path("b"));
+                  return Copy("a", "b");
               }),
               112);
     EXPECT_EQ(folder.Read("b"), "old");
-    EXPECT_EQ(folder.Count(), 2);
+    EXPECT_EQ(folder.Count(), 4);
 }
 
-TEST(FileOperations, CopyBytesReachesAnyPart) {
-    const TempFolder folder;
-    const TempFolder elsewhere("/dev/shm");  // where the kernel may not copy for us
+TEST_F(FileOperations, CopyBytesReachesAnyPart) {
+    const TempFolder shm("/dev/shm");  // where the kernel may not copy for us
     std::string bytes;
     for (int i = 0; i < 100'000; ++i) bytes += std::to_string(i);
     folder.Write("a", bytes);
     CFile source(folder.Path("a"), CFile::modeRead);
-    for (const TempFolder* where : {&folder, &elsewhere}) {
-        CFile target(where->Path("b"), CFile::modeCreate | CFile::modeReadWrite);
+    for (const TempFolder* where : {&std::as_const(folder), &shm}) {
+        CFile target(where->Path("c"), CFile::modeCreate | CFile::modeReadWrite);
         const auto copy = [&](std::uint64_t from, std::uint64_t to, std::uint64_t count) {
-            return qel::CopyBytes(source.ReadableDescriptor(), from, target.WritableDescriptor(), to, count, "a", "b");
+            return qel::CopyBytes(source.ReadableDescriptor(), from, target.WritableDescriptor(), to, count, "a", "c");
         };
         EXPECT_EQ(copy(0, 0, bytes.size()), bytes.size());
         EXPECT_EQ(copy(7, 3, 300'000), 300'000U);
         EXPECT_EQ(copy(bytes.size() - 5, bytes.size(), 10), 5U);
         EXPECT_EQ(target.GetPosition(), 0U);
-        const std::string expected =
-            bytes.substr(0, 3) + bytes.substr(7, 300'000) + bytes.substr(300'003) + bytes.substr(bytes.size() - 5);
-        EXPECT_TRUE(where->Read("b") == expected);
+        EXPECT_TRUE(where->Read("c") == bytes.substr(0, 3) + bytes.substr(7, 300'000) + bytes.substr(300'003) +
+                                            bytes.substr(bytes.size() - 5));
     }
 }
 
-TEST(Replacement, HappensWholeOrNotAtAll) {
-    const TempFolder folder;
-    folder.Write("a", "old");
-    ::chmod(folder.Posix("a").c_str(), 0600);
-    const CString path = folder.Path("a");
-    const auto write = [](const qel::Replacement& made) {
-        qel::WriteFully(made.File(), std::as_bytes(std::span(std::string_view("new"))), "a");
-    };
-    {
-        qel::Replacement made(path.View());
-        write(made);
-        EXPECT_EQ(folder.Read("a"), "old");
-    }
-    EXPECT_EQ(folder.Read("a"), "old");
-    qel::Replacement made(path.View());
-    write(made);
+TEST_F(Replacement, HappensWholeOrNotAtAll) {
+    SetMode("b", 0600);
+    Write(qel::Replacement(folder.Name("b")), "new");
+    EXPECT_EQ(folder.Read("b"), "old");
+    qel::Replacement made(folder.Name("b"));
+    Write(made, "new");
     made.Commit();
-    EXPECT_EQ(folder.Read("a"), "new");
-    EXPECT_EQ(ModeOf(folder.Posix("a")), 0600);
-    EXPECT_EQ(folder.Count(), 1);
-    EXPECT_EQ(CodeOf([&] { qel::Replacement(path.View()).CommitNew(); }), 80);
-    const CString longest = folder.Path(std::string(190, 'n'));
-    EXPECT_EQ(CodeOf([&] { qel::Replacement(longest.View()).CommitNew(); }), 0);
+    EXPECT_EQ(folder.Read("b"), "new");
+    EXPECT_EQ(StatusOf("b").st_mode & 07777, 0600U);
+    EXPECT_EQ(folder.Count(), 4);
+    EXPECT_EQ(CodeOf([&] { qel::Replacement(folder.Name("b")).CommitNew(); }), 80);
+    EXPECT_EQ(CodeOf([&] { qel::Replacement(folder.Name(std::string(190, 'n'))).CommitNew(); }), 0);
 }
 
 // Whenever the writer is killed, a reader finds one of the whole files.
-TEST(Replacement, SurvivesKills) {
-    const TempFolder folder;
-    const std::string first(50'000, '1');
+TEST_F(Replacement, SurvivesKills) {
     const std::string second(70'000, '2');
-    folder.Write("a", first);
     for (int kill = 0; kill < 40; ++kill) {
         ChildProcess writer([&] {
             for (int i = 0;; ++i) {
-                qel::Replacement made(folder.Path("a").View());
-                qel::WriteFully(made.File(), std::as_bytes(std::span(i % 2 == 0 ? second : first)), "a");
+                qel::Replacement made(folder.Name("b"));
+                Write(made, i % 2 == 0 ? second : "old");
                 made.Commit();
             }
             return 0;
         });
         ::usleep(static_cast<useconds_t>(500 + kill * 137));
         writer.Kill();
-        const std::string found = folder.Read("a");
-        ASSERT_TRUE(found == first || found == second);
+        const std::string found = folder.Read("b");
+        ASSERT_TRUE(found == "old" || found == second);
     }
 }
 
-TEST(FolderWalk, LeavesTheCurrentFolderAlone) {
-    const TempFolder folder;
+TEST_F(FileOperations, FolderWalkLeavesTheCurrentFolderAlone) {
     const std::filesystem::path here = std::filesystem::current_path();
-    std::filesystem::create_directory(folder.Posix("a"));
-    folder.Write("f", "");
-    qel::FolderWalk walk(folder.Path().View());
-    EXPECT_TRUE(walk.Create("a"));  // there already
-    EXPECT_TRUE(walk.Enter("a"));
-    EXPECT_TRUE(walk.Enter(".."));
-    EXPECT_FALSE(walk.Create("f"));
-    for (const char* none : {"f", "no", "", "a?", "a\\b/c"}) EXPECT_FALSE(walk.Enter(none)) << none;
-    EXPECT_TRUE(walk.Enter("a"));
-    EXPECT_TRUE(walk.Create("b"));
-    EXPECT_TRUE(folder.Has("a/b"));
+    qel::FolderWalk walk(folder.Name(""));
+    EXPECT_TRUE(walk.Create("d") && walk.Enter("d") && walk.Enter(".."));  // there already
+    EXPECT_FALSE(walk.Create("a"));
+    for (const char* none : {"a", "no", "", "a?", "d\\x/c"}) EXPECT_FALSE(walk.Enter(none)) << none;
+    EXPECT_TRUE(walk.Enter("d") && walk.Create("e"));
+    EXPECT_TRUE(folder.Has("d/e"));
     EXPECT_EQ(std::filesystem::current_path(), here);
     EXPECT_TRUE(walk.MakeCurrent());
-    EXPECT_EQ(qel::CurrentFolder(), folder.Path("a"));
+    EXPECT_EQ(qel::CurrentFolder(), folder.Path("d"));
     std::filesystem::current_path(here);
 }

@@ -1,10 +1,8 @@
 #include "qellib10/platform/storage/file_status.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include "../support/child_process.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/storage/file.h"
 
@@ -44,23 +42,4 @@ TEST(File, KnowsItsNameFromTheMomentOfOpening) {
     EXPECT_EQ(file.GetFileTitle(), "a.b");
     file.Close();
     EXPECT_EQ(file.GetFilePath(), "");
-}
-
-TEST(File, SaysThatTheDiskIsFull) {
-    const TempFolder folder;
-    EXPECT_EQ(InChild([&] {
-                  const rlimit limit = {1000, 1000};
-                  ::setrlimit(RLIMIT_FSIZE, &limit);
-                  ::signal(SIGXFSZ, SIG_IGN);
-                  CFile file(folder.Path("a"), CFile::modeCreate | CFile::modeWrite);
-                  const std::string bytes(2000, 'x');
-                  try {
-                      file.Write(bytes.data(), 2000);
-                      return 1;
-                  } catch (const CFileException& error) {
-                      return error.m_cause == CFileException::diskFull && error.m_lOsError == 112 ? 0 : 2;
-                  }
-              }),
-              0);
-    EXPECT_EQ(folder.Read("a").size(), 1000U);
 }

@@ -4,19 +4,13 @@
 
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
-#include "qellib10/platform/storage/file_exception.h"
+#include "../support/file_error_code.h"
+#include "../support/words.h"
 
 namespace {
 
-// The platform's number for why a path cannot be, 0 for one that can.
-LONG CodeOf(std::string_view path) {
-    try {
-        qel::ToPosixPath(path);
-        return 0;
-    } catch (const CFileException& error) {
-        EXPECT_EQ(error.m_cause, CFileException::badPath);
-        return error.m_lOsError;
-    }
+LONG Refusal(std::string_view path) {
+    return CodeOf([&] { qel::ToPosixPath(path); });
 }
 
 const std::string kKatakana = "\x83\x5C\x98\x41";  // its first trail byte is a backslash
@@ -25,9 +19,8 @@ const std::string kKatakanaUtf8 = "\xE3\x82\xBD\xE9\x80\xA3";
 }  // namespace
 
 TEST(Path, BecomesPosix) {
-    const EnvironmentScope drive("QELLIB10_DRIVE_D", "/mnt/d/");
-    const EnvironmentScope none("QELLIB10_DRIVE_C", nullptr);
-    const EnvironmentScope net("QELLIB10_NET_ROOT", nullptr);
+    const EnvironmentScope drive("QELLIB10_DRIVE_D", "/mnt/d/"), none("QELLIB10_DRIVE_C", nullptr),
+        net("QELLIB10_NET_ROOT", nullptr);
     struct Case {
         std::string path, posix;
     };
@@ -57,35 +50,23 @@ TEST(Path, ThatCannotBeSaysWhy) {
                           Case{"a\\\x81", 123}, Case{"\x81\x20", 123},
                           Case{"\x81\x45", 0}}) {  // the very character that stands for what is none
         SCOPED_TRACE(c.path);
-        EXPECT_EQ(CodeOf(c.path), c.code);
+        EXPECT_EQ(Refusal(c.path), c.code);
     }
     const CodePageScope utf8(qel::kCodePageUtf8);
-    EXPECT_EQ(CodeOf("\xE3\x82"), 123);
-    EXPECT_EQ(CodeOf("\xEF\xBF\xBD"), 0);
+    EXPECT_EQ(Refusal("\xE3\x82"), 123);
+    EXPECT_EQ(Refusal("\xEF\xBF\xBD"), 0);
 }
 
 // Whatever stands on the disk can be listed, and found again under the name that the listing gives.
 TEST(Path, NamesOfTheDiskComeBackTheSame) {
-    const char* const kNames[] = {"a\\b",
-                                  "?5C",
-                                  "what?",
-                                  "a*b",
-                                  "\xC2\xA5",
-                                  "\xE2\x80\xBE",
-                                  "\xE3\x80\x9C",              // yen, overline, wave dash
-                                  "\xE3\x81\x8B\xE3\x82\x99",  // decomposed
-                                  "e\xCC\x81",
-                                  "\xEF\xBD\xB6",
-                                  "\xFF\xFE",
-                                  "\xE3\x82",
-                                  "\xF0\x9F\x98\x80",
-                                  "\xC2\xB5",
-                                  "\xED\xA0\x80",
-                                  "\xE7\xBA\x8A",
-                                  "\xC2\x80"};
+    // Yen, overline and wave dash, decomposed letters, half width, no UTF-8 at all, what one page or the other lacks.
+    const auto names = Words(
+        "a\\b ?5C what? a*b \xC2\xA5 \xE2\x80\xBE \xE3\x80\x9C \xE3\x81\x8B\xE3\x82\x99 e\xCC\x81 \xEF\xBD\xB6 "
+        "\xFF\xFE \xE3\x82 "
+        "\xF0\x9F\x98\x80 \xC2\xB5 \xED\xA0\x80 \xE7\xBA\x8A \xC2\x80");
     for (const UINT page : {qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}) {
         const CodePageScope scope(page);
-        for (const char* name : kNames) {
+        for (const std::string& name : names) {
             SCOPED_TRACE(testing::Message() << page << ' ' << name);
             const CString listed = qel::ToLibraryName(name);
             EXPECT_EQ(qel::ToPosixName(listed.View()), name);
@@ -97,9 +78,8 @@ TEST(Path, NamesOfTheDiskComeBackTheSame) {
 }
 
 TEST(Path, ComesBackUnderItsLongestRoot) {
-    const EnvironmentScope c("QELLIB10_DRIVE_C", "/data");
-    const EnvironmentScope d("QELLIB10_DRIVE_D", "/data/deep");
-    const EnvironmentScope net("QELLIB10_NET_ROOT", "/n");
+    const EnvironmentScope c("QELLIB10_DRIVE_C", "/data"), d("QELLIB10_DRIVE_D", "/data/deep"),
+        net("QELLIB10_NET_ROOT", "/n");
     struct Case {
         const char *posix, *path;
     };

@@ -4,12 +4,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstdio>
+#include <memory>
 
 #include "../support/child_process.h"
+#include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
-#include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/replacement.h"
@@ -39,40 +38,24 @@ constexpr const char* kAllowed[kModes] = {
     "...+...+...+",
 };
 
-// The platform's number for what @p body was refused with, 0 when it was not.
-template <class Body> LONG CodeOf(Body&& body) {
-    try {
-        body();
-        return 0;
-    } catch (const CFileException& error) {
-        return error.m_lOsError;
-    }
-}
+class ShareLock : public testing::Test {
+protected:
+    ShareLock() { folder.Write("a", "kept"); }
 
-// A process that holds an opening from when the object is made until it goes.
-class Holder {
-public:
-    Holder(const CString& path, UINT flags)
-        : m_pipe(), m_child([&] {
-              CFile file(path, flags);
-              (void)!::write(m_pipe.ends[1], "", 1);
-              ::pause();
-              return 0;
-          }) {
-        char ready;
-        ::close(m_pipe.ends[1]);
-        EXPECT_EQ(::read(m_pipe.ends[0], &ready, 1), 1);
+    // A process that holds the file open until it is killed.
+    std::unique_ptr<ChildProcess> Holder(UINT flags) const {
+        auto holder = std::make_unique<ChildProcess>([&] {
+            CFile file(path, flags);
+            folder.Write("ready", "");
+            return ::pause();
+        });
+        while (!folder.Has("ready")) ::usleep(100);
+        std::filesystem::remove(folder.Posix("ready"));
+        return holder;
     }
-    ~Holder() { ::close(m_pipe.ends[0]); }
-    void Kill() { m_child.Kill(); }
 
-private:
-    struct Pipe {
-        Pipe() { EXPECT_EQ(::pipe(ends), 0); }
-        int ends[2] = {};
-    };
-    Pipe m_pipe;
-    ChildProcess m_child;
+    TempFolder folder;
+    const CString path = folder.Path("a");
 };
 
 std::string AllowedBeside(const CString& path) {
@@ -88,35 +71,24 @@ std::string AllowedBeside(const CString& path) {
 
 }  // namespace
 
-TEST(ShareLock, HoldsWithinAProcessAndAcross) {
-    const TempFolder folder;
-    folder.Write("a", "x");
-    const CString path = folder.Path("a");
+TEST_F(ShareLock, HoldsWithinAProcessAndAcross) {
     for (int number = 0; number < kModes; ++number) {
         SCOPED_TRACE(number);
         {
             const CFile file(path, ModeOf(number));
             EXPECT_EQ(AllowedBeside(path), kAllowed[number]);
         }
-        const Holder holder(path, ModeOf(number));
+        const auto holder = Holder(ModeOf(number));
         EXPECT_EQ(AllowedBeside(path), kAllowed[number]);
     }
     EXPECT_EQ(AllowedBeside(path), std::string(kModes, '+'));
     EXPECT_EQ(folder.Count(), 1);  // no lock file
+    const CFile noShareBits(path, CFile::modeRead);
+    EXPECT_EQ(AllowedBeside(path), std::string(kModes, '.'));
 }
 
-TEST(ShareLock, NoShareBitsAreExclusive) {
-    const TempFolder folder;
-    folder.Write("a", "x");
-    const CFile file(folder.Path("a"), CFile::modeRead);
-    EXPECT_EQ(AllowedBeside(folder.Path("a")), std::string(kModes, '.'));
-}
-
-TEST(ShareLock, EndsWithTheLastDuplicateAndWithTheProcess) {
-    const TempFolder folder;
-    folder.Write("a", "x");
-    const CString path = folder.Path("a");
-    CFile file(path, CFile::modeReadWrite | CFile::shareExclusive);
+TEST_F(ShareLock, EndsWithTheLastDuplicateAndWithTheProcess) {
+    CFile file(path, CFile::modeReadWrite);
     std::unique_ptr<CFile> copy = file.Duplicate();
     file.Close();
     EXPECT_FALSE(file.Open(path, CFile::modeRead));
@@ -124,50 +96,38 @@ TEST(ShareLock, EndsWithTheLastDuplicateAndWithTheProcess) {
     EXPECT_TRUE(file.Open(path, CFile::modeRead));
     file.Close();
 
-    Holder holder(path, CFile::modeReadWrite | CFile::shareExclusive);
-    EXPECT_FALSE(file.Open(path, CFile::modeRead | CFile::shareDenyNone));
-    holder.Kill();
-    EXPECT_TRUE(file.Open(path, CFile::modeRead | CFile::shareDenyNone));
+    const auto holder = Holder(CFile::modeReadWrite);
+    EXPECT_FALSE(file.Open(path, CFile::modeRead));
+    holder->Kill();
+    EXPECT_TRUE(file.Open(path, CFile::modeRead));
 
     // A child before its exec has copies of all descriptors; a file that is closed is free all the same.
     ChildProcess child([] { return ::pause(); });
     file.Close();
-    EXPECT_TRUE(file.Open(path, CFile::modeReadWrite | CFile::shareExclusive));
+    EXPECT_TRUE(file.Open(path, CFile::modeReadWrite));
 }
 
-TEST(ShareLock, ProtectsFromDeletionRenamingAndReplacement) {
-    const TempFolder folder;
-    folder.Write("a", "old");
+TEST_F(ShareLock, ProtectsFromDeletionRenamingReplacementAndEmptying) {
     folder.Write("b", "new");
-    const CString a = folder.Path("a");
-    const CString b = folder.Path("b");
-    for (const UINT flags : {CFile::modeRead | CFile::shareDenyNone, CFile::modeWrite | CFile::shareExclusive}) {
-        Holder holder(a, flags);
-        EXPECT_EQ(CodeOf([&] { CFile::Remove(a); }), 32);
-        EXPECT_EQ(CodeOf([&] { CFile::Rename(a, folder.Path("c")); }), 32);
-        EXPECT_EQ(CodeOf([&] { qel::MoveFile(b.View(), a.View(), qel::kMoveReplace); }), 32);
-        EXPECT_EQ(CodeOf([&] { qel::CopyFile(b.View(), a.View(), false); }), 32);
-        EXPECT_EQ(CodeOf([&] { qel::Replacement(a.View()).Commit(); }), 32);
+    const std::string a = folder.Name("a");
+    const std::string b = folder.Name("b");
+    for (const UINT flags : {CFile::modeRead | CFile::shareDenyWrite, CFile::modeWrite | CFile::shareExclusive}) {
+        const auto holder = Holder(flags);
+        EXPECT_EQ(CodeOf([&] { CFile::Remove(path); }), 32);
+        EXPECT_EQ(CodeOf([&] { CFile::Rename(path, folder.Path("c")); }), 32);
+        EXPECT_EQ(CodeOf([&] { qel::MoveFile(b, a, qel::kMoveReplace); }), 32);
+        EXPECT_EQ(CodeOf([&] { qel::CopyFile(b, a, false); }), 32);
+        EXPECT_EQ(CodeOf([&] { qel::Replacement(a).Commit(); }), 32);
+        EXPECT_EQ(CodeOf([&] { CFile(path, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyNone); }), 32);
+        EXPECT_EQ(CodeOf([&] { CFile(path, CFile::modeCreate | CFile::modeRead); }), 32);
         EXPECT_EQ(folder.Count(), 2);
     }
-    EXPECT_EQ(folder.Read("a"), "old");
-    EXPECT_EQ(CodeOf([&] { CFile::Remove(a); }), 0);
-}
-
-TEST(ShareLock, ARefusedOpeningEmptiesNothing) {
-    const TempFolder folder;
-    folder.Write("a", "kept");
-    const CFile file(folder.Path("a"), CFile::modeRead | CFile::shareDenyWrite);
-    CFile second;
-    EXPECT_FALSE(second.Open(folder.Path("a"), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyNone));
-    EXPECT_FALSE(second.Open(folder.Path("a"), CFile::modeCreate | CFile::modeRead | CFile::shareExclusive));
     EXPECT_EQ(folder.Read("a"), "kept");
+    EXPECT_EQ(CodeOf([&] { CFile::Remove(path); }), 0);
 }
 
 // A file that can be written but not read is marked in another way, which must meet the usual one.
-TEST(ShareLock, WorksOnDescriptorsThatCannotRead) {
-    const TempFolder folder;
-    folder.Write("a", "x");
+TEST_F(ShareLock, WorksOnDescriptorsThatCannotRead) {
     const auto open = [&](int flags) { return qel::Descriptor(::open(folder.Posix("a").c_str(), flags | O_CLOEXEC)); };
     const qel::Descriptor first = open(O_WRONLY), second = open(O_WRONLY), reader = open(O_RDONLY);
     EXPECT_TRUE(qel::ClaimShare(first.Get(), {.write = true, .denyRead = true}));
@@ -182,42 +142,30 @@ TEST(ShareLock, WorksOnDescriptorsThatCannotRead) {
 
 // Four processes count in one file, each step under an opening that keeps the others out; two of them in place, two by
 // replacing the file. A step lost means that somebody held a file that was no longer there.
-TEST(ShareLock, LosesNoStepOfACounterThatIsReplaced) {
+TEST_F(ShareLock, LosesNoStepOfACounterThatIsReplaced) {
     constexpr int kProcesses = 4;
     constexpr int kSteps = 300;
-    const TempFolder folder;
-    folder.Write("n", "0");
-    const CString path = folder.Path("n");
+    folder.Write("a", "0");
+    const auto next = [&] { return std::to_string(std::stoi(folder.Read("a")) + 1); };
     const auto inPlace = [&] {
-        CFile file;
-        if (!file.Open(path, CFile::modeReadWrite | CFile::shareExclusive)) return false;
-        char digits[16] = {};
-        file.Read(digits, sizeof digits - 1);
-        const std::string next = std::to_string(std::atoi(digits) + 1);
-        file.SeekToBegin();
-        file.Write(next.data(), static_cast<UINT>(next.size()));
-        return true;
+        CFile file(path, CFile::modeReadWrite);
+        const std::string digits = next();
+        file.Write(digits.data(), static_cast<UINT>(digits.size()));
     };
     const auto byReplacing = [&] {
-        const std::string posix = folder.Posix("n");
-        try {
-            const qel::UnusedFile held(posix, "n");
-            const std::string next = std::to_string(std::stoi(folder.Read("n")) + 1);
-            const std::string made = posix + std::to_string(::getpid());
-            std::ofstream(made) << next;
-            return ::rename(made.c_str(), posix.c_str()) == 0;
-        } catch (const CFileException&) {
-            return false;
-        }
+        const qel::UnusedFile held(folder.Posix("a"), "a");
+        const std::string made = std::to_string(::getpid());
+        folder.Write(made, next());
+        std::filesystem::rename(folder.Posix(made), folder.Posix("a"));
     };
-    std::array<std::unique_ptr<ChildProcess>, kProcesses> children;
+    std::unique_ptr<ChildProcess> children[kProcesses];
     for (int i = 0; i < kProcesses; ++i) {
         children[i] = std::make_unique<ChildProcess>([&] {
-            for (int done = 0; done < kSteps;) done += i % 2 == 0 ? inPlace() : byReplacing();
+            for (int done = 0; done < kSteps;) done += (i % 2 == 0 ? CodeOf(inPlace) : CodeOf(byReplacing)) == 0;
             return 0;
         });
     }
     for (auto& child : children) EXPECT_EQ(child->Wait(), 0);
-    EXPECT_EQ(folder.Read("n"), std::to_string(kProcesses * kSteps));
+    EXPECT_EQ(folder.Read("a"), std::to_string(kProcesses * kSteps));
     EXPECT_EQ(folder.Count(), 1);
 }

@@ -6,8 +6,8 @@
 
 #include "../support/child_process.h"
 #include "../support/environment_scope.h"
+#include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
-#include "qellib10/platform/storage/file_exception.h"
 
 TEST(TemporaryName, FolderComesFromTheEnvironment) {
     const EnvironmentScope first("TMPDIR", "relative"), second("TMP", "/var//tmp/"), third("TEMP", "/never");
@@ -25,16 +25,8 @@ TEST(TemporaryName, IsBuiltFromItsParts) {
 }
 
 TEST(TemporaryName, SaysWhyThereIsNone) {
-    const auto code = [](const std::string& folder) {
-        try {
-            qel::TemporaryName(folder, "x");
-            return LONG{0};
-        } catch (const CFileException& error) {
-            return error.m_lOsError;
-        }
-    };
-    EXPECT_EQ(code("\\no\\no"), 267);
-    EXPECT_EQ(code(std::string(247, 'a')), 111);
+    EXPECT_EQ(CodeOf([] { qel::TemporaryName("\\no\\no", "x"); }), 267);
+    EXPECT_EQ(CodeOf([] { qel::TemporaryName(std::string(247, 'a'), "x"); }), 111);
 }
 
 TEST(TemporaryName, NoTwoProcessesGetTheSame) {

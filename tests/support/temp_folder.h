@@ -1,6 +1,7 @@
 #pragma once
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -41,6 +42,10 @@ public:
     }
     bool Has(const std::string& name) const {
         return std::filesystem::exists(std::filesystem::symlink_status(Posix(name)));
+    }
+    dev_t Device() const {
+        struct stat status = {};
+        return ::stat(m_path.c_str(), &status) == 0 ? status.st_dev : 0;
     }
     int Count() const { return static_cast<int>(std::distance(std::filesystem::directory_iterator(m_path), {})); }
 
