@@ -42,9 +42,10 @@ std::optional<std::string> PathInLine(const std::string& line, std::uintptr_t ad
     const std::uintptr_t behind = std::strtoull(end + 1, nullptr, 16);
     if (address < first || address >= behind) return std::nullopt;
     const std::size_t slash = line.find('/');
-    if (slash == line.npos) return "";
+    if (slash == std::string_view::npos) return "";
     std::string path = line.substr(slash);
-    for (std::size_t at = path.find("\\012"); at != path.npos; at = path.find("\\012", at)) path.replace(at, 4, 1, '\n');
+    for (std::size_t at = path.find("\\012"); at != std::string_view::npos; at = path.find("\\012", at))
+        path.replace(at, 4, 1, '\n');
     return path;
 }
 

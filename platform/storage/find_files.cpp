@@ -49,7 +49,7 @@ FoundFile Describe(const Folder& folder, const dirent& entry) {
 std::vector<FoundFile> FindFiles(std::string_view pattern) {
     const std::string posix = FolderPart(pattern);
     const std::string_view wanted = pattern.substr(NameStart(pattern));
-    const bool wild = wanted.find_first_of("*?") != wanted.npos;  // neither is ever a trail byte
+    const bool wild = wanted.find_first_of("*?") != std::string_view::npos;  // neither is ever a trail byte
 
     const Folder folder(::opendir(posix.c_str()));
     if (!folder) {

@@ -53,11 +53,9 @@ struct ParsedPath {
 void ParsedPath::Add(std::string_view name) {
     const std::size_t fixed = start == Start::Net ? 2 : 0;
     if (name.empty() || name == ".") return;
-    if (name != "..") {
-        names.push_back(name);
-    } else if (names.size() > fixed && names.back() != "..") {
+    if (name == ".." && names.size() > fixed && names.back() != "..") {
         names.pop_back();
-    } else if (start == Start::Here) {
+    } else if (name != ".." || start == Start::Here) {
         names.push_back(name);
     }
 }
@@ -116,7 +114,7 @@ ParsedPath Parse(std::string_view path) {
         parsed.start = ParsedPath::Start::Drive;
         parsed.prefix = path.substr(0, 2);
         path.remove_prefix(2);
-    } else if (kSeparators.find(path[0]) != kSeparators.npos) {
+    } else if (kSeparators.find(path[0]) != std::string_view::npos) {
         parsed.start = ParsedPath::Start::Root;
     }
     parsed.AddAll(path);
@@ -170,7 +168,7 @@ CString ToLibraryPath(std::string_view posixPath) {
     const DriveMatch drive = DriveOf(posixPath);
     if (Begins(posixPath, net) && net.size() >= drive.length) {
         const std::string names = LibraryNames(posixPath.substr(net.size()));
-        if (FindCharacter(names, '\\', 1) != names.npos) return CString(std::string(1, '\\').append(names));
+        if (FindCharacter(names, '\\', 1) != std::string_view::npos) return CString(std::string(1, '\\').append(names));
     }
     const std::string names = LibraryNames(posixPath.substr(drive.length));
     std::string path;
@@ -204,7 +202,7 @@ std::size_t NameStart(std::string_view path) {
 
 std::string PosixFolderOf(std::string_view posixPath) {
     const std::size_t slash = posixPath.rfind('/');
-    if (slash == posixPath.npos) return ".";
+    if (slash == std::string_view::npos) return ".";
     return std::string(posixPath.substr(0, slash == 0 ? 1 : slash));
 }
 

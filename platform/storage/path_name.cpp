@@ -18,13 +18,15 @@ bool IsPlain(std::string_view text) {
 
 std::size_t Occurrences(std::string_view text, std::string_view wanted) {
     std::size_t count = 0;
-    for (std::size_t at = text.find(wanted); at != text.npos; at = text.find(wanted, at + wanted.size())) ++count;
+    for (std::size_t at = text.find(wanted); at != std::string_view::npos; at = text.find(wanted, at + wanted.size()))
+        ++count;
     return count;
 }
 
 std::size_t CharacterOccurrences(std::string_view text, std::string_view wanted) {
     std::size_t count = 0;
-    for (std::size_t at = FindText(text, wanted); at != text.npos; at = FindText(text, wanted, at + wanted.size())) {
+    for (std::size_t at = FindText(text, wanted); at != std::string_view::npos;
+         at = FindText(text, wanted, at + wanted.size())) {
         ++count;
     }
     return count;
@@ -54,7 +56,7 @@ std::optional<char> EscapedByte(std::string_view text) {
     if (text.size() < 3) return std::nullopt;
     const std::size_t high = kDigits.find(text[1]);
     const std::size_t low = kDigits.find(text[2]);
-    if (high == kDigits.npos || low == kDigits.npos) return std::nullopt;
+    if (high == std::string_view::npos || low == std::string_view::npos) return std::nullopt;
     return static_cast<char>(high * 16 + low);
 }
 
@@ -98,14 +100,14 @@ std::string ToPosixName(std::string_view name) {
         at += 3;
     }
     // An escape may smuggle in what changes the path; a star is a pattern that nobody has expanded.
-    const bool changesPath = posix.find('/') != posix.npos || posix.find('\0') != posix.npos ||
-                             (name.find('?') != name.npos && (posix == "." || posix == ".."));
-    if (posix.empty() || changesPath || FindCharacter(name, '*') != name.npos) ThrowCode(kBadName, name);
+    const bool changesPath = posix.find('/') != std::string_view::npos || posix.find('\0') != std::string_view::npos ||
+                             (name.find('?') != std::string_view::npos && (posix == "." || posix == ".."));
+    if (posix.empty() || changesPath || FindCharacter(name, '*') != std::string_view::npos) ThrowCode(kBadName, name);
     return posix;
 }
 
 CString ToLibraryName(std::string_view posixName) {
-    if (posixName.find_first_of(kNeverInNames) == posixName.npos) {
+    if (posixName.find_first_of(kNeverInNames) == std::string_view::npos) {
         if (IsPlain(posixName)) return CString(posixName);
         const std::string text = FromUtf8(posixName);
         if (Returns(posixName, text)) return CString(text);
@@ -114,7 +116,7 @@ CString ToLibraryName(std::string_view posixName) {
     while (!posixName.empty()) {
         const std::string_view character = posixName.substr(0, Utf8Size(posixName));
         const std::string text = IsPlain(character) ? std::string(character) : FromUtf8(character);
-        if (kNeverInNames.find(character) != kNeverInNames.npos || !Returns(character, text)) {
+        if (kNeverInNames.find(character) != std::string_view::npos || !Returns(character, text)) {
             AppendEscaped(name, character);
         } else {
             name += text;

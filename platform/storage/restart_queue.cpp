@@ -79,7 +79,7 @@ std::string BootId() {
 }
 
 void MakeFolders(const std::string& folder) {
-    for (std::size_t at = folder.find('/', 1); at != folder.npos; at = folder.find('/', at + 1)) {
+    for (std::size_t at = folder.find('/', 1); at != std::string_view::npos; at = folder.find('/', at + 1)) {
         ::mkdir(folder.substr(0, at).c_str(), 0777);
     }
     ::mkdir(folder.c_str(), 0777);  // that it failed shows when the queue is opened
@@ -95,7 +95,7 @@ std::vector<PlacedRecord> Records(std::string_view text) {
     std::vector<PlacedRecord> records;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = text.find('\n', at);
-        if (end == text.npos) break;  // torn
+        if (end == std::string_view::npos) break;  // torn
         if (auto record = RestartRecord::Parse(text.substr(at, end - at))) records.push_back({*record, at});
         at = end + 1;
     }

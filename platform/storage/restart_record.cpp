@@ -42,7 +42,7 @@ std::optional<std::string> Unescaped(std::string_view text) {
         if (i + 2 >= text.size()) return std::nullopt;
         const std::size_t high = kDigits.find(text[i + 1]);
         const std::size_t low = kDigits.find(text[i + 2]);
-        if (high == kDigits.npos || low == kDigits.npos) return std::nullopt;
+        if (high == std::string_view::npos || low == std::string_view::npos) return std::nullopt;
         path += static_cast<char>(high * 16 + low);
         i += 2;
     }
