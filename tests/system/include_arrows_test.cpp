@@ -25,7 +25,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/shell", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
     {"resource", {"platform/text"}},
-    {"runtime", {"resource", "platform/archive"}},
+    {"runtime", {"resource", "platform/archive", "platform/shell"}},
     {"base", {"runtime", "platform/variant"}},
     {"calc", {"base"}},
     {"file", {"base"}},
