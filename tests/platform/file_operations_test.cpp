@@ -22,30 +22,30 @@ namespace {
 class FileOperations : public testing::Test {
 protected:
     FileOperations() {
-        folder.Write("a", "new");
-        folder.Write("b", "old");
-        std::filesystem::create_symlink("b", folder.Posix("l"));
-        std::filesystem::create_directory(folder.Posix("d"));
-        folder.Write("d/x", "");
+        m_folder.Write("a", "new");
+        m_folder.Write("b", "old");
+        std::filesystem::create_symlink("b", m_folder.Posix("l"));
+        std::filesystem::create_directory(m_folder.Posix("d"));
+        m_folder.Write("d/x", "");
     }
 
     LONG Copy(const char* source, const char* target, bool mustBeNew = false) const {
-        return CodeOf([&] { qel::CopyFile(folder.Name(source), folder.Name(target), mustBeNew); });
+        return CodeOf([&] { qel::CopyFile(m_folder.Name(source), m_folder.Name(target), mustBeNew); });
     }
     LONG Move(const char* source, const char* target, unsigned flags = 0) const {
-        return CodeOf([&] { qel::MoveFile(folder.Name(source), folder.Name(target), flags); });
+        return CodeOf([&] { qel::MoveFile(m_folder.Name(source), m_folder.Name(target), flags); });
     }
     LONG Delete(const char* name) const {
-        return CodeOf([&] { qel::DeleteFile(folder.Name(name)); });
+        return CodeOf([&] { qel::DeleteFile(m_folder.Name(name)); });
     }
-    void SetMode(const char* name, mode_t mode) const { ::chmod(folder.Posix(name).c_str(), mode); }
+    void SetMode(const char* name, mode_t mode) const { ::chmod(m_folder.Posix(name).c_str(), mode); }
     struct stat StatusOf(const char* name) const {
         struct stat status = {};
-        EXPECT_EQ(::stat(folder.Posix(name).c_str(), &status), 0);
+        EXPECT_EQ(::stat(m_folder.Posix(name).c_str(), &status), 0);
         return status;
     }
 
-    TempFolder folder;
+    TempFolder m_folder;
 };
 using Replacement = FileOperations;
 
@@ -66,10 +66,10 @@ int AsOrdinaryUser(const std::function<int()>& body) {
 
 TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
     const timespec times[] = {{1000, 0}, {12345, 678}};
-    ::utimensat(AT_FDCWD, folder.Posix("a").c_str(), times, 0);
+    ::utimensat(AT_FDCWD, m_folder.Posix("a").c_str(), times, 0);
     SetMode("a", 0500);
     EXPECT_EQ(Copy("a", "c", true), 0);
-    EXPECT_EQ(folder.Read("c"), "new");
+    EXPECT_EQ(m_folder.Read("c"), "new");
     EXPECT_EQ(StatusOf("c").st_mtim.tv_nsec, 678);
     EXPECT_EQ(StatusOf("c").st_mode & 07777, 0444U);  // the rights are those of a new file
     EXPECT_EQ(Copy("a", "c", true), 80);
@@ -78,22 +78,22 @@ TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
 
 TEST_F(FileOperations, CopyReplacesWhatALinkLeadsTo) {
     SetMode("b", 0640);
-    CFile open(folder.Path("a"), CFile::modeReadWrite | CFile::shareDenyWrite);  // a cabinet that is in use
+    CFile open(m_folder.Path("a"), CFile::modeReadWrite | CFile::shareDenyWrite);  // a cabinet that is in use
     EXPECT_EQ(Copy("a", "l"), 0);
-    EXPECT_EQ(folder.Read("b"), "new");
+    EXPECT_EQ(m_folder.Read("b"), "new");
     EXPECT_EQ(StatusOf("b").st_mode & 07777, 0640U);
-    EXPECT_TRUE(std::filesystem::is_symlink(folder.Posix("l")));
+    EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Posix("l")));
     EXPECT_EQ(Copy("b", "l"), 32);  // itself
-    EXPECT_EQ(folder.Read("b"), "new");
-    const CFile reader(folder.Path("b"), CFile::modeRead);
+    EXPECT_EQ(m_folder.Read("b"), "new");
+    const CFile reader(m_folder.Path("b"), CFile::modeRead);
     EXPECT_EQ(Delete("l"), 0);  // the link, not the file
-    EXPECT_TRUE(folder.Has("b"));
+    EXPECT_TRUE(m_folder.Has("b"));
 }
 
 TEST_F(FileOperations, FailuresNameTheirReasonAndLeaveNothing) {
     SetMode("b", 0444);
-    const auto make = [&](const char* name) { return CodeOf([&] { qel::CreateFolder(folder.Name(name)); }); };
-    const auto remove = [&](const char* name) { return CodeOf([&] { qel::RemoveFolder(folder.Name(name)); }); };
+    const auto make = [&](const char* name) { return CodeOf([&] { qel::CreateFolder(m_folder.Name(name)); }); };
+    const auto remove = [&](const char* name) { return CodeOf([&] { qel::RemoveFolder(m_folder.Name(name)); }); };
     using Codes = std::vector<LONG>;
     EXPECT_EQ((Codes{Copy("no", "c"), Copy("no/no", "c"), Copy("a", "no/c")}), (Codes{2, 3, 3}));
     EXPECT_EQ((Codes{Copy("d", "c"), Copy("a", "d"), Copy("a", "b")}), (Codes{5, 5, 5}));
@@ -101,7 +101,7 @@ TEST_F(FileOperations, FailuresNameTheirReasonAndLeaveNothing) {
     EXPECT_EQ(Move("a", "d", qel::kMoveReplace), 5);
     EXPECT_EQ((Codes{Delete("no"), Delete("no/no"), Delete("d"), Delete("b")}), (Codes{2, 3, 5, 5}));
     EXPECT_EQ((Codes{make("a"), make("no/d"), remove("d"), remove("a")}), (Codes{183, 3, 145, 267}));
-    EXPECT_EQ(folder.Count(), 4);
+    EXPECT_EQ(m_folder.Count(), 4);
 }
 
 TEST_F(FileOperations, MoveRenamesOrCopiesToAnotherVolume) {
@@ -109,36 +109,36 @@ TEST_F(FileOperations, MoveRenamesOrCopiesToAnotherVolume) {
     EXPECT_EQ(Move("a", "b", qel::kMoveReplace), 0);
     EXPECT_EQ(Move("d", "e"), 0);
     EXPECT_EQ(Move("b", "e/b"), 0);
-    EXPECT_EQ(folder.Read("e/b"), "new");
+    EXPECT_EQ(m_folder.Read("e/b"), "new");
 
     const TempFolder shm("/dev/shm");
     const auto away = [&](const char* name, unsigned flags) {
-        return CodeOf([&] { qel::MoveFile(folder.Name(name), shm.Name("x"), flags); });
+        return CodeOf([&] { qel::MoveFile(m_folder.Name(name), shm.Name("x"), flags); });
     };
     if (StatusOf("e").st_dev == shm.Device()) GTEST_SKIP() << "one volume";
     EXPECT_EQ(away("e/b", 0), 17);
     EXPECT_EQ(away("e", qel::kMoveCopy), 17);
     EXPECT_EQ(away("e/b", qel::kMoveCopy), 0);
     EXPECT_EQ(shm.Read("x"), "new");
-    EXPECT_FALSE(folder.Has("e/b"));
+    EXPECT_FALSE(m_folder.Has("e/b"));
 }
 
 // Only the file may be written, not its folder: it is written in place.
 TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
-    folder.Write("d/x", "older");
+    m_folder.Write("d/x", "older");
     SetMode("", 0755);
     SetMode("d/x", 0666);
     SetMode("d", 0555);
     EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "d/y"); }), 5);
     EXPECT_EQ(AsOrdinaryUser([&] { return Delete("d/x"); }), 5);
-    EXPECT_TRUE(::geteuid() != 0 || ::chown(folder.Posix("d/x").c_str(), 65534, 65534) == 0);
+    EXPECT_TRUE(::geteuid() != 0 || ::chown(m_folder.Posix("d/x").c_str(), 65534, 65534) == 0);
     EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "d/x"); }), 0);
-    EXPECT_EQ(folder.Read("d/x"), "new");
+    EXPECT_EQ(m_folder.Read("d/x"), "new");
     SetMode("d", 0755);
 }
 
 TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
-    folder.Write("a", std::string(300'000, 'a'));
+    m_folder.Write("a", std::string(300'000, 'a'));
     EXPECT_EQ(InChild([&] {
                   const rlimit limit = {100'000, 100'000};
                   ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -146,17 +146,17 @@ TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
                   return Copy("a", "b");
               }),
               112);
-    EXPECT_EQ(folder.Read("b"), "old");
-    EXPECT_EQ(folder.Count(), 4);
+    EXPECT_EQ(m_folder.Read("b"), "old");
+    EXPECT_EQ(m_folder.Count(), 4);
 }
 
 TEST_F(FileOperations, CopyBytesReachesAnyPart) {
     const TempFolder shm("/dev/shm");  // where the kernel may not copy for us
     std::string bytes;
     for (int i = 0; i < 100'000; ++i) bytes += std::to_string(i);
-    folder.Write("a", bytes);
-    CFile source(folder.Path("a"), CFile::modeRead);
-    for (const TempFolder* where : {&std::as_const(folder), &shm}) {
+    m_folder.Write("a", bytes);
+    CFile source(m_folder.Path("a"), CFile::modeRead);
+    for (const TempFolder* where : {&std::as_const(m_folder), &shm}) {
         CFile target(where->Path("c"), CFile::modeCreate | CFile::modeReadWrite);
         const auto copy = [&](std::uint64_t from, std::uint64_t to, std::uint64_t count) {
             return qel::CopyBytes(source.ReadableDescriptor(), from, target.WritableDescriptor(), to, count, "a", "c");
@@ -172,16 +172,16 @@ TEST_F(FileOperations, CopyBytesReachesAnyPart) {
 
 TEST_F(Replacement, HappensWholeOrNotAtAll) {
     SetMode("b", 0600);
-    Write(qel::Replacement(folder.Name("b")), "new");
-    EXPECT_EQ(folder.Read("b"), "old");
-    qel::Replacement made(folder.Name("b"));
+    Write(qel::Replacement(m_folder.Name("b")), "new");
+    EXPECT_EQ(m_folder.Read("b"), "old");
+    qel::Replacement made(m_folder.Name("b"));
     Write(made, "new");
     made.Commit();
-    EXPECT_EQ(folder.Read("b"), "new");
+    EXPECT_EQ(m_folder.Read("b"), "new");
     EXPECT_EQ(StatusOf("b").st_mode & 07777, 0600U);
-    EXPECT_EQ(folder.Count(), 4);
-    EXPECT_EQ(CodeOf([&] { qel::Replacement(folder.Name("b")).CommitNew(); }), 80);
-    EXPECT_EQ(CodeOf([&] { qel::Replacement(folder.Name(std::string(190, 'n'))).CommitNew(); }), 0);
+    EXPECT_EQ(m_folder.Count(), 4);
+    EXPECT_EQ(CodeOf([&] { qel::Replacement(m_folder.Name("b")).CommitNew(); }), 80);
+    EXPECT_EQ(CodeOf([&] { qel::Replacement(m_folder.Name(std::string(190, 'n'))).CommitNew(); }), 0);
 }
 
 // Whenever the writer is killed, a reader finds one of the whole files.
@@ -190,7 +190,7 @@ TEST_F(Replacement, SurvivesKills) {
     for (int kill = 0; kill < 40; ++kill) {
         ChildProcess writer([&] {
             for (int i = 0;; ++i) {
-                qel::Replacement made(folder.Name("b"));
+                qel::Replacement made(m_folder.Name("b"));
                 Write(made, i % 2 == 0 ? second : "old");
                 made.Commit();
             }
@@ -198,21 +198,21 @@ TEST_F(Replacement, SurvivesKills) {
         });
         ::usleep(static_cast<useconds_t>(500 + kill * 137));
         writer.Kill();
-        const std::string found = folder.Read("b");
+        const std::string found = m_folder.Read("b");
         ASSERT_TRUE(found == "old" || found == second);
     }
 }
 
 TEST_F(FileOperations, FolderWalkLeavesTheCurrentFolderAlone) {
     const std::filesystem::path here = std::filesystem::current_path();
-    qel::FolderWalk walk(folder.Name(""));
+    qel::FolderWalk walk(m_folder.Name(""));
     EXPECT_TRUE(walk.Create("d") && walk.Enter("d") && walk.Enter(".."));  // there already
     EXPECT_FALSE(walk.Create("a"));
     for (const char* none : {"a", "no", "", "a?", "d\\x/c"}) EXPECT_FALSE(walk.Enter(none)) << none;
     EXPECT_TRUE(walk.Enter("d") && walk.Create("e"));
-    EXPECT_TRUE(folder.Has("d/e"));
+    EXPECT_TRUE(m_folder.Has("d/e"));
     EXPECT_EQ(std::filesystem::current_path(), here);
     EXPECT_TRUE(walk.MakeCurrent());
-    EXPECT_EQ(qel::CurrentFolder(), folder.Path("d"));
+    EXPECT_EQ(qel::CurrentFolder(), m_folder.Path("d"));
     std::filesystem::current_path(here);
 }

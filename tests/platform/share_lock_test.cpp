@@ -40,22 +40,22 @@ constexpr const char* kAllowed[kModes] = {
 
 class ShareLock : public testing::Test {
 protected:
-    ShareLock() { folder.Write("a", "kept"); }
+    ShareLock() { m_folder.Write("a", "kept"); }
 
     // A process that holds the file open until it is killed.
     std::unique_ptr<ChildProcess> Holder(UINT flags) const {
         auto holder = std::make_unique<ChildProcess>([&] {
-            CFile file(path, flags);
-            folder.Write("ready", "");
+            CFile file(m_path, flags);
+            m_folder.Write("ready", "");
             return ::pause();
         });
-        while (!folder.Has("ready")) ::usleep(100);
-        std::filesystem::remove(folder.Posix("ready"));
+        while (!m_folder.Has("ready")) ::usleep(100);
+        std::filesystem::remove(m_folder.Posix("ready"));
         return holder;
     }
 
-    TempFolder folder;
-    const CString path = folder.Path("a");
+    TempFolder m_folder;
+    const CString m_path = m_folder.Path("a");
 };
 
 std::string AllowedBeside(const CString& path) {
@@ -75,60 +75,62 @@ TEST_F(ShareLock, HoldsWithinAProcessAndAcross) {
     for (int number = 0; number < kModes; ++number) {
         SCOPED_TRACE(number);
         {
-            const CFile file(path, ModeOf(number));
-            EXPECT_EQ(AllowedBeside(path), kAllowed[number]);
+            const CFile file(m_path, ModeOf(number));
+            EXPECT_EQ(AllowedBeside(m_path), kAllowed[number]);
         }
         const auto holder = Holder(ModeOf(number));
-        EXPECT_EQ(AllowedBeside(path), kAllowed[number]);
+        EXPECT_EQ(AllowedBeside(m_path), kAllowed[number]);
     }
-    EXPECT_EQ(AllowedBeside(path), std::string(kModes, '+'));
-    EXPECT_EQ(folder.Count(), 1);  // no lock file
-    const CFile noShareBits(path, CFile::modeRead);
-    EXPECT_EQ(AllowedBeside(path), std::string(kModes, '.'));
+    EXPECT_EQ(AllowedBeside(m_path), std::string(kModes, '+'));
+    EXPECT_EQ(m_folder.Count(), 1);  // no lock file
+    const CFile noShareBits(m_path, CFile::modeRead);
+    EXPECT_EQ(AllowedBeside(m_path), std::string(kModes, '.'));
 }
 
 TEST_F(ShareLock, EndsWithTheLastDuplicateAndWithTheProcess) {
-    CFile file(path, CFile::modeReadWrite);
+    CFile file(m_path, CFile::modeReadWrite);
     std::unique_ptr<CFile> copy = file.Duplicate();
     file.Close();
-    EXPECT_FALSE(file.Open(path, CFile::modeRead));
+    EXPECT_FALSE(file.Open(m_path, CFile::modeRead));
     copy.reset();
-    EXPECT_TRUE(file.Open(path, CFile::modeRead));
+    EXPECT_TRUE(file.Open(m_path, CFile::modeRead));
     file.Close();
 
     const auto holder = Holder(CFile::modeReadWrite);
-    EXPECT_FALSE(file.Open(path, CFile::modeRead));
+    EXPECT_FALSE(file.Open(m_path, CFile::modeRead));
     holder->Kill();
-    EXPECT_TRUE(file.Open(path, CFile::modeRead));
+    EXPECT_TRUE(file.Open(m_path, CFile::modeRead));
 
     // A child before its exec has copies of all descriptors; a file that is closed is free all the same.
     ChildProcess child([] { return ::pause(); });
     file.Close();
-    EXPECT_TRUE(file.Open(path, CFile::modeReadWrite));
+    EXPECT_TRUE(file.Open(m_path, CFile::modeReadWrite));
 }
 
 TEST_F(ShareLock, ProtectsFromDeletionRenamingReplacementAndEmptying) {
-    folder.Write("b", "new");
-    const std::string a = folder.Name("a");
-    const std::string b = folder.Name("b");
+    m_folder.Write("b", "new");
+    const std::string a = m_folder.Name("a");
+    const std::string b = m_folder.Name("b");
     for (const UINT flags : {CFile::modeRead | CFile::shareDenyWrite, CFile::modeWrite | CFile::shareExclusive}) {
         const auto holder = Holder(flags);
-        EXPECT_EQ(CodeOf([&] { CFile::Remove(path); }), 32);
-        EXPECT_EQ(CodeOf([&] { CFile::Rename(path, folder.Path("c")); }), 32);
+        EXPECT_EQ(CodeOf([&] { CFile::Remove(m_path); }), 32);
+        EXPECT_EQ(CodeOf([&] { CFile::Rename(m_path, m_folder.Path("c")); }), 32);
         EXPECT_EQ(CodeOf([&] { qel::MoveFile(b, a, qel::kMoveReplace); }), 32);
         EXPECT_EQ(CodeOf([&] { qel::CopyFile(b, a, false); }), 32);
         EXPECT_EQ(CodeOf([&] { qel::Replacement(a).Commit(); }), 32);
-        EXPECT_EQ(CodeOf([&] { CFile(path, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyNone); }), 32);
-        EXPECT_EQ(CodeOf([&] { CFile(path, CFile::modeCreate | CFile::modeRead); }), 32);
-        EXPECT_EQ(folder.Count(), 2);
+        EXPECT_EQ(CodeOf([&] { CFile(m_path, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyNone); }), 32);
+        EXPECT_EQ(CodeOf([&] { CFile(m_path, CFile::modeCreate | CFile::modeRead); }), 32);
+        EXPECT_EQ(m_folder.Count(), 2);
     }
-    EXPECT_EQ(folder.Read("a"), "kept");
-    EXPECT_EQ(CodeOf([&] { CFile::Remove(path); }), 0);
+    EXPECT_EQ(m_folder.Read("a"), "kept");
+    EXPECT_EQ(CodeOf([&] { CFile::Remove(m_path); }), 0);
 }
 
 // A file that can be written but not read is marked in another way, which must meet the usual one.
 TEST_F(ShareLock, WorksOnDescriptorsThatCannotRead) {
-    const auto open = [&](int flags) { return qel::Descriptor(::open(folder.Posix("a").c_str(), flags | O_CLOEXEC)); };
+    const auto open = [&](int flags) {
+        return qel::Descriptor(::open(m_folder.Posix("a").c_str(), flags | O_CLOEXEC));
+    };
     const qel::Descriptor first = open(O_WRONLY), second = open(O_WRONLY), reader = open(O_RDONLY);
     EXPECT_TRUE(qel::ClaimShare(first.Get(), {.write = true, .denyRead = true}));
     EXPECT_FALSE(qel::ClaimShare(reader.Get(), {.read = true}));
@@ -145,18 +147,18 @@ TEST_F(ShareLock, WorksOnDescriptorsThatCannotRead) {
 TEST_F(ShareLock, LosesNoStepOfACounterThatIsReplaced) {
     constexpr int kProcesses = 4;
     constexpr int kSteps = 300;
-    folder.Write("a", "0");
-    const auto next = [&] { return std::to_string(std::stoi(folder.Read("a")) + 1); };
+    m_folder.Write("a", "0");
+    const auto next = [&] { return std::to_string(std::stoi(m_folder.Read("a")) + 1); };
     const auto inPlace = [&] {
-        CFile file(path, CFile::modeReadWrite);
+        CFile file(m_path, CFile::modeReadWrite);
         const std::string digits = next();
         file.Write(digits.data(), static_cast<UINT>(digits.size()));
     };
     const auto byReplacing = [&] {
-        const qel::UnusedFile held(folder.Posix("a"), "a");
+        const qel::UnusedFile held(m_folder.Posix("a"), "a");
         const std::string made = std::to_string(::getpid());
-        folder.Write(made, next());
-        std::filesystem::rename(folder.Posix(made), folder.Posix("a"));
+        m_folder.Write(made, next());
+        std::filesystem::rename(m_folder.Posix(made), m_folder.Posix("a"));
     };
     std::unique_ptr<ChildProcess> children[kProcesses];
     for (int i = 0; i < kProcesses; ++i) {
@@ -166,6 +168,6 @@ TEST_F(ShareLock, LosesNoStepOfACounterThatIsReplaced) {
         });
     }
     for (auto& child : children) EXPECT_EQ(child->Wait(), 0);
-    EXPECT_EQ(folder.Read("a"), std::to_string(kProcesses * kSteps));
-    EXPECT_EQ(folder.Count(), 1);
+    EXPECT_EQ(m_folder.Read("a"), std::to_string(kProcesses * kSteps));
+    EXPECT_EQ(m_folder.Count(), 1);
 }
