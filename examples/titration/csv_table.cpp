@@ -59,20 +59,33 @@ std::vector<Row> SplitAsWritten(std::string_view text) {
     return best;
 }
 
-struct Column {
-    std::size_t index;
-    std::size_t firstRow;  // where its table can begin
+struct Columns {
+    std::size_t volume, signal;
+    std::size_t firstRow;  // where the table can begin: below the names, 0 without names
 };
 
-Column FindColumn(const std::vector<Row>& rows, const std::string& name) {
-    if (const auto number = ParseWholeNumber(name); number && *number > 0) {
-        return {static_cast<std::size_t>(*number - 1), 0};
-    }
+std::optional<std::size_t> ColumnNumber(const std::string& column) {
+    const auto number = ParseWholeNumber(column);
+    return number && *number > 0 ? std::optional<std::size_t>(*number - 1) : std::nullopt;
+}
+
+std::optional<std::size_t> FindIn(const Row& row, const std::string& column) {
+    if (const auto number = ColumnNumber(column)) return number;
+    const auto field = std::ranges::find_if(row, [&](const auto& text) { return EqualNoCase(text, column); });
+    return field != row.end() ? std::optional<std::size_t>(field - row.begin()) : std::nullopt;
+}
+
+// The names stand in one line; a single one may also stand further up, as in "pH;7.01".
+Columns FindColumns(const std::vector<Row>& rows, const std::string& volume, const std::string& signal) {
+    const auto volumeNumber = ColumnNumber(volume);
+    const auto signalNumber = ColumnNumber(signal);
+    if (volumeNumber && signalNumber) return {*volumeNumber, *signalNumber, 0};
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const auto field = std::ranges::find_if(rows[i], [&](const auto& text) { return EqualNoCase(text, name); });
-        if (field != rows[i].end()) return {static_cast<std::size_t>(field - rows[i].begin()), i + 1};
+        const auto volumeIndex = FindIn(rows[i], volume);
+        const auto signalIndex = FindIn(rows[i], signal);
+        if (volumeIndex && signalIndex) return {*volumeIndex, *signalIndex, i + 1};
     }
-    throw Failure("no column \"" + name + "\"");
+    throw Failure("no line has the columns \"" + volume + "\" and \"" + signal + "\"");
 }
 
 std::optional<double> NumberIn(const Row& row, std::size_t column) {
@@ -105,17 +118,14 @@ Curve NextTable(const std::vector<Row>& rows, std::size_t& at, std::size_t volum
 
 Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn) {
     const std::vector<Row> rows = SplitAsWritten(text);
-    const Column volume = FindColumn(rows, volumeColumn);
-    const Column signal = FindColumn(rows, signalColumn);
-    if (volume.index == signal.index) throw Failure("volume and signal are the same column");
+    const Columns columns = FindColumns(rows, volumeColumn, signalColumn);
+    if (columns.volume == columns.signal) throw Failure("volume and signal are the same column");
 
-    std::size_t at = std::max(volume.firstRow, signal.firstRow);
-    const bool takeFirst = at > 0;
     Curve longest;
-    while (at < rows.size()) {
-        Curve curve = NextTable(rows, at, volume.index, signal.index);
+    for (std::size_t at = columns.firstRow; at < rows.size();) {
+        Curve curve = NextTable(rows, at, columns.volume, columns.signal);
         if (curve.volume.size() > longest.volume.size()) longest = std::move(curve);
-        if (takeFirst) break;
+        if (columns.firstRow > 0) break;
     }
     if (longest.volume.empty()) {
         throw Failure("no numbers in the columns \"" + volumeColumn + "\" and \"" + signalColumn + "\"");

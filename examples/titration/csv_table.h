@@ -24,7 +24,8 @@ struct Curve {
 /// the two, a reading is missing and the line is skipped.
 ///
 /// @param volumeColumn, signalColumn a column's name, letter case ignored, or its number counted from 1. With a name,
-///     the table is the first one below the first line that has the name; with numbers alone it is the longest one.
+///     the table is the first one below the first line that has it (with two names: both); with numbers alone it is
+///     the longest one.
 /// @throws Failure when there is no such column or no number in it
 Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn);
 

@@ -24,7 +24,7 @@ struct NamedValue {
 ///     formula = (EP - BLANK) * C_NaOH * 60.05 / SAMPLE
 ///     unit = g/L                      a unit of the library's string table, or its id there
 ///     digits = 3                      decimal places of the result, 0 to 12
-///     variable_digits = 4             optional: every variable is rounded to so many places, 0 to 12
+///     variable_digits = 4             optional: every variable, the archived result too, is rounded to so many places
 struct Settings {
     std::string volumeColumn = "1";
     std::string signalColumn = "2";

@@ -132,9 +132,8 @@ TEST_F(Titration, ReadsWhatInstrumentsWrite) {
                   "[curve]\nvolume = 2\nsignal = 3\n"},
              Case{"order mark, CR LF, blank lines", "\xEF\xBB\xBF" + Replaced(rising, "\n", "\r\n") + "\r\n\r\n"},
              Case{"a short table above", "1,2\n3,4\n\n" + rising},
-             Case{"lines above and below",
-                  "Run;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\n1;2;3\n", 0.02,
-                  "[curve]\nvolume = v\nsignal = U\n"},
+             Case{"lines above and below", "U;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\n1;2;3\n",
+                  0.02, "[curve]\nvolume = v\nsignal = U\n"},
          }) {
         SCOPED_TRACE(c.name);
         const Outcome run = Run(c.data, Settings("EP*F", c.columns));
@@ -159,7 +158,7 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
                               "1\0,\0",
                               6),
                   Settings("EP"), "data.csv: no text in single bytes or UTF-8"},
-             Case{good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no column \"pH\""},
+             Case{good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no line has the columns \"1\" and \"pH\""},
              Case{good, Settings("EP", "[curve]\nsignal = 3\n"), "data.csv: no numbers in the columns \"1\" and \"3\""},
              Case{good, Settings("EP", "[curve]\nsignal = 1\n"), "data.csv: volume and signal are the same column"},
              Case{good, Settings("(EP - BLANK) * F"),
