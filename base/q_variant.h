@@ -18,8 +18,9 @@
 /// static helpers; an object is a small value holder.
 ///
 /// Texts are in the process's code page and never cut inside a double-byte character; the decimal sign is "." whatever
-/// the locale. A null text counts as the empty one. Widths and numbers of digits that are written out are taken within
-/// 0 to 512. The helpers keep no state and may be called from any thread. Nothing is thrown but std::bad_alloc.
+/// the locale. A null text counts as the empty one; to a null target nothing is written. Widths and numbers of digits
+/// that are written out are taken within 0 to 512, but for the size of a target, which is what the caller says. The
+/// helpers keep no state and may be called from any thread. Nothing is thrown but std::bad_alloc.
 class QELLIB10_API CQVariant {
 public:
     // --- Rounding, numbers to text ---
@@ -46,15 +47,18 @@ public:
     }
 
     /// @p x by fround with exactly @p digits places. For 0 and fewer the rounded number as an int, -2147483648 when it
-    /// is outside the range of int.
+    /// is outside the range of int (infinities and NaN are). With places these read inf and nan, behind a "-" when the
+    /// sign bit is set.
     static CString DoubleToStr(double x, int digits, int mode);
 
     /// A sign ("-" or a blank) and |x| with @p decimals places, not by fround: a tie goes away from zero. At most
-    /// @p width bytes of it and a zero go to @p out, which has width + 1 bytes.
+    /// @p width bytes of it go to @p out, which has width + 1 bytes; the rest of these is filled with zeros, at least
+    /// the last one. A width below 0 counts as 0.
     static void DoubleToStr(double x, char* out, int width, int decimals);
 
     /// Four digits and an exponent of two, the width for columns of results: 1234.5 gives "  1.235E+03". An exponent
-    /// that needs three digits keeps them, in 12 columns: "  1.000E+100".
+    /// that needs three digits keeps them, in 12 columns: "  1.000E+100". So stand inf and nan, behind a "-" when
+    /// the sign bit is set.
     static CString ExponentialDigit3to2(double x);
 
     static CString IntToStr(int n);
@@ -67,14 +71,15 @@ public:
     // --- Text to numbers ---
 
     /// The whole number that the first @p n bytes of @p s begin with, as atoi reads it; beyond the range of int its
-    /// last value. A first "-" is taken off and the rest negated, so "--5" is 5 and "- 5" is -5. No number is 0.
+    /// last value. A first "-" is taken off and the rest negated, so "--5" is 5 and "- 5" is -5. No number is 0. An
+    /// @p n below 0 counts as 0, and a terminator ends the bytes earlier.
     static int StrToInt(const char* s, int n);
     static int StrToInt(const CString& s);
 
-    /// The number that the first @p n bytes of @p s begin with, as atof reads it; a first "-" as in StrToInt. Before
-    /// reading, ".000" is appended to a text without a point and "000" to one with a point, which lengthens an exponent
-    /// behind a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without a point read right, and stored ones
-    /// have none of the others.
+    /// The number that the first @p n bytes of @p s begin with, as atof reads it; @p n and a first "-" as in StrToInt.
+    /// Before reading, ".000" is appended to a text without a point and "000" to one with a point, which lengthens an
+    /// exponent behind a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without a point read right, and
+    /// stored ones have none of the others.
     static double StrToDouble(const char* s, int n);
     static double StrToDouble(const CString& s);
 
@@ -86,10 +91,12 @@ public:
 
     /// 0-9 and A-F; every other character, a-f too, is 0.
     static int hex1int(char c);
-    /// Two digits, the higher first. A missing one is 0.
+    /// Two digits, the higher first. A missing one is 0. No byte behind the second is read, nor any behind a
+    /// terminator.
     static int hex2int(const char* s);
     /// The four bytes of @p f, the least significant first, as eight hexadecimal digits and a zero (9 bytes).
     static void float2asc(float f, char* out);
+    /// The float of eight digits as float2asc writes them, read four times as hex2int reads two.
     static float asc2float(const char* s);
 
     // --- Times ---

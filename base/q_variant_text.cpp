@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,9 @@ namespace {
 constexpr std::string_view kDigits = "0123456789";
 
 constexpr const char* OrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+// The first bytes of a text that may end before; nothing behind them is read.
+std::string_view First(const char* text, std::size_t most) { return {OrEmpty(text), strnlen(OrEmpty(text), most)}; }
 
 // Bytes before the digits at the end. Neither digits nor the other characters that are searched for bytewise here
 // (below 40 hex) can be a trail byte.
@@ -52,12 +56,13 @@ int CQVariant::hex1int(char c) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : 0;
 }
 int CQVariant::hex2int(const char* s) {
-    const std::string_view digits = std::string_view(OrEmpty(s)).substr(0, 2);
+    const std::string_view digits = First(s, 2);
     const int high = digits.empty() ? 0 : hex1int(digits[0]);
     return high * 16 + (digits.size() < 2 ? 0 : hex1int(digits[1]));
 }
 
 void CQVariant::float2asc(float f, char* out) {
+    if (out == nullptr) return;
     const auto bits = std::bit_cast<std::uint32_t>(f);
     for (int shift = 0; shift < 32; shift += 8) {
         for (const int nibble : {shift + 4, shift}) *out++ = "0123456789ABCDEF"[bits >> nibble & 0xF];
@@ -65,7 +70,7 @@ void CQVariant::float2asc(float f, char* out) {
     *out = '\0';
 }
 float CQVariant::asc2float(const char* s) {
-    std::string digits(std::string_view(OrEmpty(s)).substr(0, 8));
+    std::string digits(First(s, 8));
     digits.resize(8, '0');
     std::uint32_t bits = 0;
     for (unsigned i = 0; i < 4; ++i) bits |= static_cast<std::uint32_t>(hex2int(&digits[2 * i])) << 8 * i;
@@ -75,6 +80,7 @@ float CQVariant::asc2float(const char* s) {
 int CQVariant::Check2Byte1(char c) { return qel::IsLeadByte(static_cast<unsigned char>(c)) ? -1 : 0; }
 
 void CQVariant::strncopy(char* dst, const char* src, int n) {
+    if (dst == nullptr) return;
     const std::size_t bytes = n > 0 ? static_cast<std::size_t>(n) : 0;
     qel::CopyBounded(dst, OrEmpty(src), bytes);
     dst[bytes] = '\0';

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "qellib10/base/q_variant.h"
 #include "qellib10/tests/support/cases.h"
@@ -38,7 +39,7 @@ TEST(QVariantNumber, DoubleToStrShowsAllPlaces) {
     const Cases<double, int, int, const char*> cases = {
         {0.125, 2, 0, "0.13"}, {2.5, 0, 0, "3"}, {-2.5, 0, 0, "-3"}, {100, 3, 0, "100.000"}, {-0.001, 2, 0, "-0.00"},
         {-0.0, 2, 0, "0.00"}, {0, 0, 0, "0"}, {1e-5, 5, 0, "0.00001"}, {1250, -2, 0, "1300"}, {kNaN, 1, 0, "nan"},
-        {3e9, 0, 0, "-2147483648"}, {kNaN, 0, 0, "-2147483648"}, {kInfinity, 1, 0, "inf"},
+        {3e9, 0, 0, "-2147483648"}, {kNaN, 0, 0, "-2147483648"}, {-kInfinity, 1, 0, "-inf"},
         {22517998136852.47, 2, 0, "22517998136852.47"}, {1e22, 1, 0, "10000000000000000000000.0"}};
     // clang-format on
     for (const auto& [x, digits, mode, expected] : cases) {
@@ -79,6 +80,7 @@ TEST(QVariantNumber, FixedFieldsHaveTheirWidth) {
         CQVariant::DoubleToStr(x, out, width, decimals);
         EXPECT_STREQ(out, expected) << x << ", " << width << ", " << decimals;
     }
+    CQVariant::DoubleToStr(1.25, nullptr, 20, 2);
     EXPECT_STREQ(CQVariant::IntToStr(-5, 4), "  -5");
     EXPECT_STREQ(CQVariant::IntToStr(-12345, 3), "345");
     EXPECT_STREQ(CQVariant::IntToStr(12, -2), "");
@@ -92,7 +94,7 @@ TEST(QVariantNumber, ExponentHasTwoDigitsWhereTheyDo) {
     const Cases<double, const char*> cases = {
         {1234.5, "  1.235E+03"}, {-1234.5, " -1.235E+03"}, {12345.5, "  1.235E+04"}, {1.2345e20, "  1.235E+20"},
         {12355e5, "  1.236E+09"}, {0, "  0.000E+00"}, {1.5e-7, "  1.500E-07"}, {9.9996, "  1.000E+01"},
-        {1e100, "  1.000E+100"}, {-1e-300, " -1.000E-300"}, {kInfinity, "         inf"}};
+        {1e100, "  1.000E+100"}, {-1e-300, " -1.000E-300"}, {kInfinity, "         inf"}, {-kNaN, "        -nan"}};
     // clang-format on
     for (const auto& [x, expected] : cases) EXPECT_STREQ(CQVariant::ExponentialDigit3to2(x), expected);
 }
@@ -110,6 +112,11 @@ TEST(QVariantNumber, HexadecimalTextsKeepTheBytesOfAFloat) {
     EXPECT_STREQ(text, "0000C0BF");  // lowest byte first
     EXPECT_EQ(CQVariant::asc2float(text), -1.5F);
     EXPECT_EQ(CQVariant::asc2float("0000803F and more"), 1.0F);
+    EXPECT_EQ(CQVariant::asc2float("000080"), 0x1p-126F);
+    const std::vector<char> field(text, text + 8);  // without a terminator: the sanitizer sees a step outside it
+    EXPECT_EQ(CQVariant::asc2float(field.data()), -1.5F);
+    EXPECT_EQ(CQVariant::hex2int(&field[6]), 0xBF);
+    CQVariant::float2asc(1.5F, nullptr);
     EXPECT_EQ(CQVariant::hex2int("A"), 0xA0);
     EXPECT_EQ(CQVariant::hex2int("aG"), 0);
 }

@@ -6,6 +6,7 @@
 #include "qellib10/platform/text/code_page.h"
 
 #include "qellib10/base/q_variant.h"
+#include "qellib10/resource/string_ids.h"
 #include "qellib10/tests/support/cases.h"
 
 // Double-byte texts whose trail bytes are letters, digits' neighbours or separators: 83 5C, 95 5C (a backslash), 83 41
@@ -34,6 +35,7 @@ TEST(QVariantText, CutsBetweenCharacters) {
         EXPECT_EQ(copy.substr(static_cast<std::size_t>(n)),
                   std::string(1, '\0').append(static_cast<std::size_t>(7 - n), 'x'));
     }
+    CQVariant::strncopy(nullptr, text, 3);
 }
 
 TEST(QVariantText, SplitWalksAList) {
@@ -78,13 +80,17 @@ TEST(QVariantText, VersionsCompareByNumber) {
 }
 
 TEST(QVariantText, QuotesForFilesAndQueries) {
-    EXPECT_STREQ(CQVariant::STRtoCSV("5/2"), "\"5/2\"");
-    EXPECT_STREQ(CQVariant::STRtoCSV("a\"b"), "\"a\"\"b\"");
-    EXPECT_STREQ(CQVariant::STRtoCSV("a b"), "a b");
+    for (const auto& [text, field] : {std::pair{"5/2", "\"5/2\""},
+                                      {"a\"b", "\"a\"\"b\""},
+                                      {"a,b", "\"a,b\""},
+                                      {"a*b", "\"a*b\""},
+                                      {"a b", "a b"}}) {
+        EXPECT_STREQ(CQVariant::STRtoCSV(text), field);
+    }
     EXPECT_STREQ(CQVariant::GetDAOSQLQuate("O'x", 0), "'O''x'");
     EXPECT_STREQ(CQVariant::GetDAOSQLQuate("", 0), "");
-    EXPECT_STREQ(CQVariant::EmptyToNull(nullptr), "NULL");
-    EXPECT_STREQ(CQVariant::LoadStringA(1), "");
+    EXPECT_STREQ(CQVariant::EmptyToNull(nullptr) + CQVariant::EmptyToNull("0"), "NULL0");
+    EXPECT_STREQ(CQVariant::LoadStringA(1) + CQVariant::LoadStringA(qel::kCsvDelimiterId), ",");
 }
 
 TEST(QVariantText, LimitDoesNotCheckTheFallback) {
