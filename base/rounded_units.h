@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#ifdef __SSE2__
-#include <immintrin.h>
+#ifdef __x86_64__
+#include <emmintrin.h>
 #endif
 
 // The quick form of the rounding rule, for the digits and sizes that results have. Everything else takes RoundByRule.
@@ -35,7 +35,7 @@ inline constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 63;
 
 /// @p value, not below 0, cut to a whole number; kTooLarge from 2^63 on and for NaN.
 inline std::uint64_t CutToWhole(double value) {
-#ifdef __SSE2__
+#ifdef __x86_64__
     return static_cast<std::uint64_t>(_mm_cvttsd_si64(_mm_set_sd(value)));  // its own answer, without a test
 #else
     return value < static_cast<double>(kTooLarge) ? static_cast<std::uint64_t>(value) : kTooLarge;

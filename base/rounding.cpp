@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "qellib10/base/power_of_ten.h"
 #include "qellib10/base/rounded_units.h"
 
 namespace qel {

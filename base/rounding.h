@@ -4,11 +4,8 @@
 
 namespace qel {
 
-/// The power of ten that rounding multiplies by: the double nearest to it for exponents -22 to 22, else pow's.
-double PowerOfTen(int exponent);
-
-/// The rule of CQVariant::fround step by step. RoundedUnits (rounded_units.h) is its quick form for 0 to 21 digits and
-/// gives the same doubles.
+/// The rule of CQVariant::fround step by step. fround itself takes a quicker way for 0 to 21 digits (RoundedTenths in
+/// rounded_units.h), which gives the same doubles.
 QELLIB10_API double RoundByRule(double x, int digits, int mode);
 
 }  // namespace qel

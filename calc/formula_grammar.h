@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "qellib10/base/rounding.h"
+#include "qellib10/base/power_of_ten.h"
 
 namespace qel {
 

@@ -8,6 +8,7 @@
 #include <limits>
 #include <random>
 
+#include "qellib10/base/power_of_ten.h"
 #include "qellib10/base/q_variant.h"
 #include "qellib10/base/rounded_text.h"
 
@@ -59,7 +60,7 @@ TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
 }
 
 TEST(Rounding, PowersOfTenAreThoseOfTheMathLibrary) {
-    for (int exponent = -40; exponent <= 40; ++exponent) {
+    for (int exponent = -22; exponent <= 22; ++exponent) {
         EXPECT_EQ(qel::PowerOfTen(exponent), std::pow(10.0, exponent)) << exponent;
     }
 }

@@ -82,7 +82,7 @@ std::vector<Include> LibraryIncludes() {
 
 // Standard headers have no extension; the processor's vector instructions belong to the compiler.
 bool IsOfTheLanguage(const std::string& header) {
-    return header.find('.') == std::string::npos || header == "immintrin.h";
+    return header.find('.') == std::string::npos || header.ends_with("mmintrin.h");
 }
 
 }  // namespace
