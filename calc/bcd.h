@@ -137,7 +137,8 @@ public:
 
     /// The double that CQVariant::DoubleToStr prints with @p decimals places as GetString does. Found by reading that
     /// text and, while the double prints otherwise, going up by tenths of the last place, four times at most; failing
-    /// that, and with no decimals, the double nearest to the text. Sets the rounding mode.
+    /// that, and with 0 decimals or fewer (places in front of the point), the double nearest to GetString's text. Sets
+    /// the rounding mode.
     double GetDouble(int decimals, rounding mode);
 
     /// A copy of the value, without the context.

@@ -93,7 +93,8 @@ public:
     /// Writes the list, or replaces it by one read. Values are stored and read as they are, without rounding. An
     /// unknown tag or version ends the reading silently: in the list's head the list stays as it was, in a variable
     /// the list keeps the variables read before it.
-    /// @throws CArchiveException from the archive; the entries read before it stay
+    /// @throws CArchiveException from the archive; the list stays as it was when the archive ends within the head, else
+    /// it has the new head and the entries read before
     void Serialize(CArchive& archive) override;
 
 private:

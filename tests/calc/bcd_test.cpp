@@ -108,10 +108,12 @@ TEST(Bcd, GetStringRoundsDropsZerosAndFillsItsField) {
              Case{"2.5", 3, 0, DEC_ROUND_MAX, "NaN"},
              Case{"1", 0, 2, DEC_ROUND_HALF_UP, ""},
          }) {
-        std::vector<char> field(c.width + 1, '?');
+        std::vector<char> field(c.width + 2, '?');
+        CBCD(c.value).GetString(&field.back(), -1, c.decimals, c.mode);
+        CBCD(c.value).GetString(nullptr, c.width, c.decimals, c.mode);
         CBCD(c.value).GetString(field.data(), c.width, c.decimals, c.mode);
         EXPECT_STREQ(field.data(), c.expected) << c.value;
-        CBCD(c.value).GetString(field.data() + field.size(), -1, c.decimals, c.mode);
+        EXPECT_EQ(field.back(), '?');
     }
     EXPECT_EQ(CBCD("0.5").GetString(kMost, DEC_ROUND_DOWN), CString("0.5") + CString('0', 61));
 }
@@ -121,6 +123,7 @@ TEST(Bcd, GetDoublePrintsAsTheDecimalDoes) {
     EXPECT_EQ(CBCD("0.125").GetDouble(2, DEC_ROUND_HALF_UP), 0.13);
     EXPECT_EQ(CBCD("1E+384").GetDouble(kMost, DEC_ROUND_HALF_UP), HUGE_VAL);
     EXPECT_EQ(CBCD("0.5").GetDouble(kLeast, DEC_ROUND_HALF_UP), 0);
+    EXPECT_EQ(CBCD("-1250").GetDouble(-2, DEC_ROUND_HALF_UP), -1300);
     EXPECT_TRUE(std::isnan(CBCD("abc").GetDouble(2, DEC_ROUND_HALF_UP)));
 }
 
@@ -163,6 +166,18 @@ TEST(Bcd, TheModeOfTheLastRoundingStaysUntilAnAssignment) {
     EXPECT_EQ(Text(small + number), "1.23456789012345");
     EXPECT_EQ(Text(number += small), "1.23456789012346");
     EXPECT_EQ(Text(((big *= 9) /= small.GetBCDValue()) + 1), "2.25000000000000E+15");
+
+    const auto sum = [&](const auto& set) {
+        CBCD work("1.23456789012345");
+        set(work);
+        return Text(work + small);
+    };
+    EXPECT_EQ(sum([](CBCD& work) { work.GetString(2, DEC_ROUND_UP); }), "1.23456789012346");
+    EXPECT_EQ(sum([](CBCD& work) { work.GetDouble(0, DEC_ROUND_CEILING); }), "1.23456789012346");
+    EXPECT_EQ(sum([](CBCD& work) { work.GetString(nullptr, 0, 0, DEC_ROUND_UP), work = "1.23456789012345"; }),
+              "1.23456789012345");
+    EXPECT_EQ(sum([](CBCD& work) { work.Round(20, DEC_ROUND_UP), work = work.GetBCDValue(); }), "1.23456789012345");
+    EXPECT_EQ(sum([](CBCD& work) { work.Round(0, DEC_ROUND_UP), work = 1; }), "1.00000000000000");
 }
 
 TEST(Bcd, ADamagedNumberIsNanAndNoOperationLeavesItsMemory) {
