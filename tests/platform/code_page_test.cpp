@@ -118,7 +118,7 @@ TEST(CodePage, ConvertsInManyThreadsFromTheFirstUseOn) {
 
 TEST(Converter, FailsLoudlyWithoutAConverterAndQuietlyOnBadText) {
     try {
-        qel::Converter("UTF-8", "NO-SUCH-PAGE");
+        const qel::Converter unknown("UTF-8", "NO-SUCH-PAGE");
         FAIL() << "opened";
     } catch (const std::exception& error) {
         EXPECT_NE(std::string(error.what()).find("NO-SUCH-PAGE"), std::string::npos);
