@@ -25,16 +25,14 @@ TEST(QVariantText, LeadBytesAreThoseOfTheJapanesePage) {
 TEST(QVariantText, CutsBetweenCharacters) {
     const char* const text = "a\x83\x5C\x95\x5C";
     const char* const expected[] = {"", "a", "a", "a\x83\x5C", "a\x83\x5C", text, text};
-    for (int n = 0; n < 7; ++n) EXPECT_STREQ(CQVariant::MBLeft(text, n), expected[n]) << n;
-    EXPECT_STREQ(CQVariant::MBLeft(text, -1), "");
-
-    for (int n = 0; n < 7; ++n) {
+    for (std::size_t n = 0; n < 7; ++n) {
+        EXPECT_STREQ(CQVariant::MBLeft(text, static_cast<int>(n)), expected[n]) << n;
         std::string copy(8, 'x');
-        CQVariant::strncopy(copy.data(), text, n);
+        CQVariant::strncopy(copy.data(), text, static_cast<int>(n));
         EXPECT_STREQ(copy.c_str(), expected[n]);
-        EXPECT_EQ(copy.substr(static_cast<std::size_t>(n)),
-                  std::string(1, '\0').append(static_cast<std::size_t>(7 - n), 'x'));
+        EXPECT_EQ(copy.substr(n), std::string(1, '\0').append(7 - n, 'x'));
     }
+    EXPECT_STREQ(CQVariant::MBLeft(text, -1), "");
     CQVariant::strncopy(nullptr, text, 3);
 }
 
@@ -80,15 +78,12 @@ TEST(QVariantText, VersionsCompareByNumber) {
 }
 
 TEST(QVariantText, QuotesForFilesAndQueries) {
-    for (const auto& [text, field] : {std::pair{"5/2", "\"5/2\""},
-                                      {"a\"b", "\"a\"\"b\""},
-                                      {"a,b", "\"a,b\""},
-                                      {"a*b", "\"a*b\""},
-                                      {"a b", "a b"}}) {
-        EXPECT_STREQ(CQVariant::STRtoCSV(text), field);
-    }
-    EXPECT_STREQ(CQVariant::GetDAOSQLQuate("O'x", 0), "'O''x'");
-    EXPECT_STREQ(CQVariant::GetDAOSQLQuate("", 0), "");
+    // clang-format off
+    const Cases<const char*, const char*> fields = {
+        {"5/2", "\"5/2\""}, {"a\"b", "\"a\"\"b\""}, {"a,b", "\"a,b\""}, {"a*b", "\"a*b\""}, {"a b", "a b"}};
+    // clang-format on
+    for (const auto& [text, field] : fields) EXPECT_STREQ(CQVariant::STRtoCSV(text), field);
+    EXPECT_STREQ(CQVariant::GetDAOSQLQuate("O'x", 0) + CQVariant::GetDAOSQLQuate("", 0), "'O''x'");
     EXPECT_STREQ(CQVariant::EmptyToNull(nullptr) + CQVariant::EmptyToNull("0"), "NULL0");
     EXPECT_STREQ(CQVariant::LoadStringA(1) + CQVariant::LoadStringA(qel::kCsvDelimiterId), ",");
 }

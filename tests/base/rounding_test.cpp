@@ -5,7 +5,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <random>
 
 #include "qellib10/base/power_of_ten.h"
@@ -14,43 +13,28 @@
 
 namespace {
 
+std::mt19937_64 g_random(8);
+int Random(int count) { return static_cast<int>(g_random() % static_cast<unsigned>(count)); }
+
 // Numbers where quick and plain forms could part: results of all sizes, halves of the last place and their neighbours,
 // whole numbers around the limits of the quick forms, and any bits at all.
-class Numbers {
-public:
-    double Next(int digits) {
-        const double sign = m_random() % 2 == 0 ? 1 : -1;
-        switch (m_random() % 4) {
-            case 0:
-                return sign * std::pow(10, m_exponent(m_random));
-            case 1: {
-                const double half = (static_cast<double>(m_random() % 100000) + 0.5) * qel::PowerOfTen(-digits);
-                return sign * std::nextafter(half, m_random() % 2 == 0 ? 0 : 1e9);
-            }
-            case 2: {
-                const int shift = static_cast<int>(m_random() % 64);
-                const double units = static_cast<double>((std::uint64_t{1} << shift) + m_random() % 3) - 1;
-                return sign * units * qel::PowerOfTen(-digits - static_cast<int>(m_random() % 2));
-            }
-            default:
-                return std::bit_cast<double>(m_random());
-        }
-    }
-    int Digits() { return static_cast<int>(m_random() % 24); }
-    int Mode() { return static_cast<int>(m_random() % 5) - 2; }
-
-private:
-    std::mt19937_64 m_random{8};
-    std::uniform_real_distribution<double> m_exponent{-12, 14};
-};
+double Number(int digits) {
+    const double sign = Random(2) * 2 - 1;
+    const double any = std::bit_cast<double>(g_random());
+    const double size = std::pow(10, std::uniform_real_distribution<double>(-12, 14)(g_random));
+    const double half = (Random(100000) + 0.5) * qel::PowerOfTen(-digits);
+    const double units = static_cast<double>((std::uint64_t{1} << Random(64)) + g_random() % 3) - 1;
+    const double cases[] = {size, std::nextafter(half, Random(2) * 1e9), units * qel::PowerOfTen(-digits - Random(2))};
+    const int which = Random(4);
+    return which == 3 ? any : sign * cases[which];
+}
 
 }  // namespace
 
 TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
-    Numbers numbers;
     for (int i = 0; i < 500000; ++i) {
-        const int digits = numbers.Digits(), mode = numbers.Mode();
-        const double x = numbers.Next(digits);
+        const int digits = Random(24), mode = Random(5) - 2;
+        const double x = Number(digits);
         const double quick = CQVariant::fround(x, digits, mode), plain = qel::RoundByRule(x, digits, mode);
         const bool sameText =
             digits == 0 || qel::RoundedText(x, digits, mode) == qel::RoundedTextByRule(x, digits, mode);
@@ -60,7 +44,5 @@ TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
 }
 
 TEST(Rounding, PowersOfTenAreThoseOfTheMathLibrary) {
-    for (int exponent = -22; exponent <= 22; ++exponent) {
-        EXPECT_EQ(qel::PowerOfTen(exponent), std::pow(10.0, exponent)) << exponent;
-    }
+    for (int exponent = -22; exponent <= 22; ++exponent) EXPECT_EQ(qel::PowerOfTen(exponent), std::pow(10, exponent));
 }
