@@ -2,15 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/cases.h"
 #include "../support/code_page_scope.h"
 
 TEST(RSControlCode, Displays) {
     const CodePageScope page(qel::kCodePageJapanese);
-    for (const auto& [stored, display] : {std::pair{"9600,$0d$0a", "9600,[CR][LF]"},
-                                          {"$0D$0D$0A$0d", "[CR][CR][LF][CR]"},
-                                          {"$$0d0d $0 $0b $", "$[CR]0d $0 $0b $"},
-                                          {"\x83\x5C$0a", "\x83\x5C[LF]"},
-                                          {"", "None"}}) {
+    // clang-format off
+    const Cases<const char*, const char*> cases = {
+        {"9600,$0d$0a", "9600,[CR][LF]"}, {"$0D$0D$0A$0d", "[CR][CR][LF][CR]"}, {"\x83\x5C$0a", "\x83\x5C[LF]"},
+        {"$$0d0d $0 $0b $", "$[CR]0d $0 $0b $"}, {"", "None"}};
+    // clang-format on
+    for (const auto& [stored, display] : cases) {
         CString text(stored);
         CRSControlCode::ConvertDisplay(text);
         EXPECT_EQ(text, display);
