@@ -107,7 +107,17 @@ std::vector<BYTE> Stored(const Document& document) {
     return file.Detach();
 }
 
+void DeleteAll() {
+    while (!CNode::All().empty()) delete *CNode::All().begin();
+}
+
 }  // namespace
+
+extern "C" bool IsRead(const std::uint8_t* data, std::size_t size) {
+    const bool isRead = Read(data, size).has_value();
+    DeleteAll();
+    return isRead;
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > kLongestUsefulInput) return 0;
@@ -116,6 +126,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::optional<Document> second = Read(bytes.data(), bytes.size());
         if (!second || Stored(*second) != bytes) std::abort();
     }
-    while (!CNode::All().empty()) delete *CNode::All().begin();
+    DeleteAll();
     return 0;
 }

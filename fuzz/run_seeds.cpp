@@ -9,6 +9,10 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
+// A target that has it is told here which seeds are good: those named good_*. Their law would say nothing if the reader
+// refused them.
+extern "C" [[gnu::weak]] bool IsRead(const std::uint8_t* data, std::size_t size);
+
 int main(int argumentCount, char** arguments) {
     int seeds = 0;
     for (int i = 1; i < argumentCount; ++i) {
@@ -18,7 +22,13 @@ int main(int argumentCount, char** arguments) {
             std::fflush(stdout);  // so that the one which ends the process is the last named
             std::ifstream file(entry.path(), std::ios::binary);
             const std::vector<char> bytes(std::istreambuf_iterator<char>(file), {});
-            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+            const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+            LLVMFuzzerTestOneInput(data, bytes.size());
+            if (IsRead != nullptr && entry.path().filename().string().starts_with("good_") &&
+                !IsRead(data, bytes.size())) {
+                std::fputs("a good seed is refused\n", stderr);
+                return 1;
+            }
             ++seeds;
         }
     }

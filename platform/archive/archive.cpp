@@ -132,6 +132,7 @@ DWORD CArchive::ReadCount() {
 }
 
 std::optional<ULONGLONG> CArchive::BytesLeft() const {
+    RequireLoading();
     try {
         const ULONGLONG length = m_pFile->GetLength();
         const ULONGLONG position = m_pFile->GetPosition();

@@ -267,15 +267,16 @@ TEST(Archive, ObjectsMayFormARing) {
     second.m_pNext = &first;
     const Bytes bytes = Stored([&](CArchive& archive) { archive << &first; });
     EXPECT_EQ(bytes, kNewLinked + kZero + Hex("0180") + kZero + Hex("0200"));
-    CauseOf(bytes, [](CArchive& archive) {
-        CReading* read = nullptr;
-        archive >> read;  // by way of the base: the class in the archive decides
-        ASSERT_TRUE(read->IsKindOf(CLinkedReading::GetThisClass()));
-        CReading* const next = static_cast<CLinkedReading*>(read)->m_pNext;
-        EXPECT_EQ(static_cast<CLinkedReading*>(next)->m_pNext, read);
+    const auto read = [](CArchive& archive) {
+        CReading* reading = nullptr;
+        archive >> reading;  // by way of the base: the class in the archive decides
+        ASSERT_TRUE(reading->IsKindOf(CLinkedReading::GetThisClass()));
+        CReading* const next = static_cast<CLinkedReading*>(reading)->m_pNext;
+        EXPECT_EQ(static_cast<CLinkedReading*>(next)->m_pNext, reading);
         delete next;
-        delete read;
-    });
+        delete reading;
+    };
+    EXPECT_EQ(CauseOf(bytes, read), CArchiveException::none);
 }
 
 TEST(Archive, NumbersFrom7FFFTakeTheLongForm) {
@@ -392,6 +393,9 @@ TEST(Archive, RefusesWhatItCouldNotDo) {
     int number = 7;
     EXPECT_EQ(cause([&] { storing >> number; }), CArchiveException::writeOnly);
     EXPECT_EQ(cause([&] { loading << number; }), CArchiveException::readOnly);
+    EXPECT_EQ(cause([&] { storing.BytesLeft(); }), CArchiveException::writeOnly);
+    loading.Close();
+    EXPECT_EQ(cause([&] { loading.BytesLeft(); }), CArchiveException::genericException);
     const CUnregistered unregistered;
     EXPECT_EQ(cause([&] { storing << &unregistered; }), CArchiveException::badClass);
     storing.Close();
