@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "qellib10/base/guid_text_plain.h"
+
 namespace qel {
 namespace {
 

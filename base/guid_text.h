@@ -15,7 +15,4 @@ inline constexpr std::size_t kGuidTextLength = 38;
 /// Writes the registry form in upper-case hexadecimal, without a terminating zero.
 QELLIB10_API void WriteGuid(const GUID& guid, std::span<char, kGuidTextLength> text) noexcept;
 
-/// The same digit by digit, on any processor.
-void WriteGuidPlain(const GUID& guid, std::span<char, kGuidTextLength> text) noexcept;
-
 }  // namespace qel

@@ -16,11 +16,13 @@ class CArchive;
 ///
 /// Positions and sizes count bytes from 0. A negative position or count, and an end beyond what an int can count, is
 /// refused with the result 0 and nothing changed; so is a null pointer. Memory that cannot be had gives 0 as well, or
-/// an append that does not happen; nothing is thrown but by Serialize. Data may always lead into the buffer itself.
+/// an append that does not happen. Serialize throws what the archive does, and std::bad_alloc comes from what makes a
+/// text: GetString and the signed fields. Data may always lead into the buffer itself.
 ///
-/// The capacity is what callers may count on: 1024 bytes at first, taken at the first use and zero until written. It
-/// grows to the next multiple of 1024 above the wanted size (1024 becomes 2048 for 1025 bytes, 3072 for 2048) and does
-/// not shrink, not even when the memory is freed, except in DeleteTop.
+/// The capacity is what callers may count on: 1024 bytes at first, taken at the first use and zero until written. A
+/// first block, SetSize and SetBinary without a position take exactly the size where the capacity is too small; else
+/// it grows to the next multiple of 1024 above the wanted size (1024 becomes 2048 for 1025 bytes, 3072 for 2048). It
+/// does not shrink, not even when the memory is freed, except in DeleteTop and by assignment, which takes the source's.
 class QELLIB10_API CQBinary {
 public:
     CQBinary() noexcept = default;
@@ -35,7 +37,8 @@ public:
     ///
     /// Loading takes a negative size as 0 and reads no byte for it. Memory that cannot be had leaves the buffer empty
     /// and the bytes in the archive unread.
-    /// @throws CArchiveException endOfFile, with the buffer empty, when the archive holds fewer bytes than it says
+    /// @throws CArchiveException endOfFile when the archive ends too early: within the size the contents stay, within
+    /// the bytes the buffer is empty, within the byte order it holds the new bytes and keeps its byte order
     virtual void Serialize(CArchive& ar);
 
     /// Empty, and lowest byte first again.

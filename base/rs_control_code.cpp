@@ -1,12 +1,13 @@
 #include "qellib10/base/rs_control_code.h"
 
+#include "qellib10/platform/text/own_strings.h"
 #include "qellib10/resource/string_ids.h"
 
 CRSControlCode::~CRSControlCode() = default;
 
 void CRSControlCode::ConvertDisplay(CString& text) {
     if (text.IsEmpty()) {
-        text.LoadString(qel::kNoControlCodeId);
+        text = qel::LookUpOwnString(qel::kNoControlCodeId).value_or(CString());
         return;
     }
     // No token can begin inside another one or inside what replaces it, so one pass each is enough, in any order.

@@ -9,6 +9,7 @@ public:
     virtual ~CRSControlCode();
 
     /// Rewrites the stored form of @p text in place: "$0d" and "$0D" become "[CR]", "$0a" and "$0A" become "[LF]", all
-    /// else stays. An empty text becomes string 27010 of the table ("None"). Text of any length is converted whole.
+    /// else stays. An empty text becomes string 27010 of the library's own table ("None"), whatever tables the
+    /// application has. Text of any length is converted whole.
     static void ConvertDisplay(CString& text);
 };

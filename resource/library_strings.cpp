@@ -2,7 +2,7 @@
 #include <functional>
 #include <iterator>
 
-#include "qellib10/platform/text/string_table.h"
+#include "qellib10/platform/text/own_strings.h"
 #include "qellib10/resource/string_ids.h"
 
 namespace qel {
@@ -70,10 +70,9 @@ static_assert(std::ranges::adjacent_find(kStrings, std::ranges::greater_equal{},
 static_assert(CountBetween(kFirstUnitId, kLastUnitId) == kLastUnitId - kFirstUnitId + 1);
 static_assert(CountBetween(kFirstModelId, kLastModelId) == kLastModelId - kFirstModelId + 1);
 
-// Before main, so that the first object of an application finds the texts, and before any table of the application,
-// whose texts win.
+// Before main, so that the first object of an application finds the texts.
 [[maybe_unused]] const bool isRegistered = [] {
-    RegisterStringTable(kStrings);
+    RegisterOwnStringTable(kStrings);
     return true;
 }();
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/text/own_strings.h"
 
 namespace qel {
 namespace {
@@ -25,6 +26,7 @@ std::atomic<Language>& CurrentLanguage() {
 struct Tables {
     std::mutex guard;
     std::vector<std::span<const StringTableEntry>> newestLast;
+    std::span<const StringTableEntry> own;
 };
 
 // Never freed: tables are registered before main and may be asked by destructors of static objects.
@@ -44,14 +46,21 @@ const char* TextOf(const StringTableEntry& entry, Language language) {
     return IsText(other) ? other : nullptr;
 }
 
-const char* Find(UINT id, Language language) {
-    Tables& tables = RegisteredTables();
-    const std::lock_guard lock(tables.guard);
+const StringTableEntry* EntryIn(std::span<const StringTableEntry> table, UINT id) {
+    const auto entry = std::ranges::find(table, id, &StringTableEntry::id);
+    return entry != table.end() ? &*entry : nullptr;
+}
+
+const StringTableEntry* NewestEntry(const Tables& tables, UINT id) {
     for (auto table = tables.newestLast.rbegin(); table != tables.newestLast.rend(); ++table) {
-        const auto entry = std::ranges::find(*table, id, &StringTableEntry::id);
-        if (entry != table->end()) return TextOf(*entry, language);
+        if (const StringTableEntry* const entry = EntryIn(*table, id)) return entry;
     }
-    return nullptr;
+    return EntryIn(tables.own, id);
+}
+
+std::optional<CString> InPage(const StringTableEntry* entry) {
+    const char* const text = entry != nullptr ? TextOf(*entry, TableLanguage()) : nullptr;
+    return text != nullptr ? std::optional(CString(FromUtf8(text))) : std::nullopt;
 }
 
 }  // namespace
@@ -65,9 +74,22 @@ void RegisterStringTable(std::span<const StringTableEntry> entries) {
     tables.newestLast.push_back(entries);
 }
 
+void RegisterOwnStringTable(std::span<const StringTableEntry> entries) {
+    Tables& tables = RegisteredTables();
+    const std::lock_guard lock(tables.guard);
+    tables.own = entries;
+}
+
 std::optional<CString> LookUpString(UINT id) {
-    const char* const text = Find(id, TableLanguage());
-    return text != nullptr ? std::optional(CString(FromUtf8(text))) : std::nullopt;
+    Tables& tables = RegisteredTables();
+    const std::lock_guard lock(tables.guard);
+    return InPage(NewestEntry(tables, id));
+}
+
+std::optional<CString> LookUpOwnString(UINT id) {
+    Tables& tables = RegisteredTables();
+    const std::lock_guard lock(tables.guard);
+    return InPage(EntryIn(tables.own, id));
 }
 
 }  // namespace qel

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,10 +20,11 @@ using Text = std::vector<char>;
 
 // Bit by bit, with nothing of the library's ways.
 Bytes DecodedByBits(const Text& text) {
+    constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     Bytes bytes(text.size() / 4 * 3);
     for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
-        const std::size_t value = qel::kBase64Alphabet.find(text[bit / 6]);
-        const bool isSet = value != std::string::npos && (value >> (5 - bit % 6) & 1) != 0;
+        const std::size_t value = kAlphabet.find(text[bit / 6]);
+        const bool isSet = value != std::string_view::npos && (value >> (5 - bit % 6) & 1) != 0;
         bytes[bit / 8] = static_cast<unsigned char>(bytes[bit / 8] * 2 + isSet);
     }
     return bytes;
@@ -51,6 +53,11 @@ TEST(Base64, StandardVectors) {
         EXPECT_EQ(back.substr(0, static_cast<std::size_t>(length)), bytes);
     }
     EXPECT_EQ(count, 7);
+    char last[4];
+    int size = 4;
+    const unsigned char ones = 0xFF;
+    EXPECT_EQ(CBase64::GetBinToBase64(&ones, 1, last, size), 1);
+    EXPECT_EQ(std::string(last, 4), "/w==");
 }
 
 TEST(Base64, AllFormsAgree) {

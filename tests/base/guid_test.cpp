@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "qellib10/base/guid_text.h"
+#include "qellib10/base/guid_text_plain.h"
 
 TEST(Guid, BothFormsWriteTheSameText) {
     const CGuid guid = GUID{0x0123ABCD, 0x9FA0, 0x00FF, {0xDE, 0xAD, 0xBE, 0xEF, 0x09, 0x90, 0x0A, 0xFA}};

@@ -88,6 +88,24 @@ TEST(QBinary, ReadsAndComparesWithinItsSize) {
     EXPECT_EQ(buffer.GetString(1, INT_MAX) + buffer.GetString(4, 2) + buffer.GetString(7, 1), "bcde");
 }
 
+TEST(QBinary, ByteOrderIsPartOfTheValue) {
+    CQBinary buffer("abc", 3);
+    buffer.SetEndian(1);
+    CQBinary copy(buffer);
+    EXPECT_TRUE(copy == buffer && copy.GetEndian() == 1);
+    copy.SetEndian(0);
+    EXPECT_FALSE(copy == buffer);
+    buffer.Initialize();
+    EXPECT_EQ(buffer.GetEndian(), 0);
+    copy.AddString("de");
+    char target[4] = {};
+    EXPECT_EQ(copy.GetBinary(target, 3), 3);
+    EXPECT_EQ(Contents(copy) + target, "abcdeabc");
+    copy.DeleteTop(4);
+    EXPECT_TRUE(copy.Resize(5) && Contents(copy) == "e\0\0\0\0"s);  // zero behind what is left
+    EXPECT_TRUE(copy.SetSize(2) && Contents(copy) == "\0\0"s);
+}
+
 TEST(QBinary, DeleteTopStartsAnew) {
     Buffer buffer(std::string(3000, 'a').data(), 3000);
     for (const auto& [n, size, capacity, endian] :

@@ -4,9 +4,12 @@
 
 #include "../support/cases.h"
 #include "../support/code_page_scope.h"
+#include "qellib10/platform/text/string_table.h"
 
 TEST(RSControlCode, Displays) {
     const CodePageScope page(qel::kCodePageJapanese);
+    static constexpr qel::StringTableEntry kOfAnApplication[] = {{27010, "not this", nullptr}};
+    qel::RegisterStringTable(kOfAnApplication);
     // clang-format off
     const Cases<const char*, const char*> cases = {
         {"9600,$0d$0a", "9600,[CR][LF]"}, {"$0D$0D$0A$0d", "[CR][CR][LF][CR]"}, {"\x83\x5C$0a", "\x83\x5C[LF]"},

@@ -13,6 +13,7 @@ TEST(QelResource, EveryUnitIsFoundByItsTextInBothLanguages) {
             EXPECT_EQ(CQELResource::GetUnitID(CQELResource::GetUnitText(2048 + static_cast<UINT>(i))), 2048 + i);
         }
     }
+    EXPECT_EQ(CQELResource::GetUnitCount(), 32);
     EXPECT_EQ(CQELResource::GetUnitText(2056), "mol/L");
     EXPECT_EQ(CQELResource::GetUnitID("None"), -1);  // a text of the table, but no unit
     EXPECT_EQ(CQELResource::GetUnitID("MOL/L"), -1);
