@@ -24,7 +24,6 @@
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/shell/module.h"
 #include "qellib10/platform/shell/special_folder.h"
-#include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/descriptor.h"
 #include "qellib10/platform/storage/file.h"

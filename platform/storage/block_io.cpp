@@ -11,7 +11,7 @@
 
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_exception.h"
-#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {

@@ -12,19 +12,11 @@
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
+#include "qellib10/platform/storage/share_lock.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
 const HANDLE CFile::hFileNull = reinterpret_cast<HANDLE>(-1);  // NOLINT: the framework's value
-
-namespace {
-
-// @param code what to report when the system's offsets do not reach so far
-off_t AsOffset(ULONGLONG value, LONG code, const CString& path) {
-    if (value > static_cast<ULONGLONG>(std::numeric_limits<off_t>::max())) qel::ThrowCode(code, path.View());
-    return static_cast<off_t>(value);
-}
-
-}  // namespace
 
 CFile::CFile() noexcept = default;
 CFile::CFile(const char* name, UINT flags) { OpenOrThrow(name, flags); }
@@ -96,7 +88,10 @@ ULONGLONG CFile::GetLength() const {
 
 void CFile::SetLength(ULONGLONG length) {
     const int descriptor = Checked(Need::writing).Get();
-    const off_t target = AsOffset(length, qel::kDiskFull, m_strFilePath);
+    // The system's offsets do not reach farther.
+    if (length > static_cast<ULONGLONG>(std::numeric_limits<off_t>::max()))
+        qel::ThrowCode(qel::kDiskFull, m_strFilePath.View());
+    const off_t target = static_cast<off_t>(length);
     if (qel::Uninterrupted([&] { return ::ftruncate(descriptor, target); }) != 0) {
         qel::ThrowWriteErrno(errno, m_strFilePath.View());
     }
@@ -119,12 +114,14 @@ void CFile::UnlockRange(ULONGLONG position, ULONGLONG count) { SetRangeLock(F_UN
 void CFile::SetRangeLock(short type, ULONGLONG position, ULONGLONG count) {
     const int descriptor = Checked(Need::any).Get();
     if (count == 0) return;  // to the system 0 would mean "to the end"
+    const auto limit = static_cast<ULONGLONG>(qel::kShareMarksAt);
+    if (position > limit || count > limit - position) qel::ThrowCode(qel::kBadSeek, m_strFilePath.View());
     struct flock range {};
     // A lock for writing needs a descriptor that can write.
     range.l_type = type == F_WRLCK && (m_nFlags & kAccessMask) == modeRead ? short{F_RDLCK} : type;
     range.l_whence = SEEK_SET;
-    range.l_start = AsOffset(position, qel::kBadSeek, m_strFilePath);
-    range.l_len = AsOffset(count, qel::kBadSeek, m_strFilePath);
+    range.l_start = static_cast<off_t>(position);
+    range.l_len = static_cast<off_t>(count);
     if (::fcntl(descriptor, F_OFD_SETLK, &range) == 0) return;
     if (errno == EAGAIN) qel::ThrowCode(qel::kLockViolation, m_strFilePath.View());
     qel::ThrowErrno(errno, m_strFilePath.View());

@@ -81,7 +81,8 @@ public:
     virtual void Write(const void* buffer, UINT count);
 
     /// Keeps other openings from locking (not from reading or writing) these bytes, until unlocked or closed.
-    /// Already locked through another opening: lockViolation, code 33.
+    /// Already locked through another opening: lockViolation, code 33. A range that ends behind 0x7FFFFFFFFFF00000,
+    /// where the marks of share modes stand: badSeek.
     virtual void LockRange(ULONGLONG position, ULONGLONG count);
     virtual void UnlockRange(ULONGLONG position, ULONGLONG count);
 

@@ -5,7 +5,7 @@
 #include <cerrno>
 
 #include "qellib10/platform/storage/file_exception.h"
-#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 
 namespace qel {
 namespace {

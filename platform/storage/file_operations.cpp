@@ -14,6 +14,8 @@
 #include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
+#include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/replacement.h"
 #include "qellib10/platform/storage/share_lock.h"
 

@@ -6,6 +6,7 @@
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace {

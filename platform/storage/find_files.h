@@ -16,15 +16,12 @@ struct FoundFile {
 };
 
 /// Whether @p name matches the wildcard @p pattern by the platform's rules: without regard to the case of ASCII
-/// letters;
-/// `?` is one character, or none before a dot and at the end; `*` is any run; `*.*` is everything, `foo.*` also foo,
-/// and
-/// `*.` what has no dot. Characters are those of the process's code page.
+/// letters; `?` is one character, or none before a dot and at the end; `*` is any run; `*.*` is everything, `foo.*`
+/// also foo, and `*.` what has no dot. Characters are those of the process's code page.
 QELLIB10_API bool MatchesPattern(std::string_view name, std::string_view pattern);
 
 /// The entries that match the last component of @p pattern, in the folder before it, in the order of their names. "."
-/// and
-/// ".." are never among them; names with a dot in front are ordinary. A component without `*` and `?` finds exactly
+/// and ".." are never among them; names with a dot in front are ordinary. A component without `*` and `?` finds exactly
 /// that name. Short 8.3 names do not exist here, and so match nothing.
 /// @throws CFileException 3 when the folder is missing, 5 when it cannot be read
 QELLIB10_API std::vector<FoundFile> FindFiles(std::string_view pattern);

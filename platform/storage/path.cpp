@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace qel {

@@ -42,10 +42,4 @@ QELLIB10_API CString FullPath(std::string_view path);
 /// @throws CFileException when it is gone
 QELLIB10_API CString CurrentFolder();
 
-/// Position behind the last separator of either kind, else behind a drive, else 0.
-std::size_t NameStart(std::string_view path);
-
-/// The folder that holds @p posixPath: "/" or "." where no folder is named.
-std::string PosixFolderOf(std::string_view posixPath);
-
 }  // namespace qel

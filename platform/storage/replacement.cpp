@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <linux/limits.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -14,6 +13,7 @@
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/share_lock.h"
 
 namespace qel {
@@ -41,13 +41,6 @@ std::string TemporaryName(const std::string& target, unsigned number) {
 }
 
 }  // namespace
-
-int RenameNew(const std::string& source, const std::string& target) {
-    if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) return 0;
-    if (errno != EINVAL && errno != ENOSYS) return errno;
-    if (::link(source.c_str(), target.c_str()) != 0) return errno;
-    return ::unlink(source.c_str()) == 0 ? 0 : errno;
-}
 
 Replacement::Replacement(std::string_view path) : m_name(path), m_target(Resolved(ToPosixPath(path))) {
     const unsigned start = StartNumber();

@@ -46,7 +46,4 @@ private:
     Descriptor m_file;
 };
 
-/// Renames without replacing anything. @return 0, or the errno: EEXIST where @p target exists
-int RenameNew(const std::string& source, const std::string& target);
-
 }  // namespace qel

@@ -13,6 +13,7 @@
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/restart_record.h"
 #include "qellib10/platform/storage/windows_folder.h"
 

@@ -16,7 +16,6 @@
 namespace qel {
 namespace {
 
-constexpr off_t kBase = 0x7FFFFFFFFFF00000;
 constexpr off_t kSpan = 0x10000;
 
 enum Mark : int { kReads, kWrites, kDeniesRead, kDeniesWrite, kMarks };
@@ -43,7 +42,7 @@ bool KnowsNoLocks(int error) { return error == ENOLCK || error == EINVAL || erro
 
 // Whether another opening holds a mark of this kind. Works on every descriptor, also a read-only one.
 bool Marked(int file, Mark mark) {
-    struct flock lock = RangeOf(F_WRLCK, kBase + mark * kSpan, kSpan);
+    struct flock lock = RangeOf(F_WRLCK, kShareMarksAt + mark * kSpan, kSpan);
     return ::fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 
@@ -55,7 +54,7 @@ unsigned RandomNumber() {
 // Many may hold the same mark: a read lock on the first byte. A descriptor that cannot read takes a write lock on a
 // byte of its own instead.
 int SetMark(int file, Mark mark, bool readable) {
-    const off_t range = kBase + mark * kSpan;
+    const off_t range = kShareMarksAt + mark * kSpan;
     if (readable) return SetLock(file, F_RDLCK, range, 1);
     for (int tries = 0;; ++tries) {
         const int error = SetLock(file, F_WRLCK, range + 1 + RandomNumber() % (kSpan - 1), 1);
@@ -121,7 +120,7 @@ bool ClaimShare(int file, const ShareMode& mode) {
     const int access = ::fcntl(file, F_GETFL) & O_ACCMODE;
     int error;
     if (mode.denyRead && mode.denyWrite && access == O_RDWR) {
-        error = SetLock(file, F_WRLCK, kBase, kMarks * kSpan);  // one atomic step against everything below
+        error = SetLock(file, F_WRLCK, kShareMarksAt, kMarks * kSpan);  // one atomic step against everything below
     } else if (OnNetwork(file)) {
         error = MarkThenTest(file, mode, access != O_WRONLY);
     } else {
@@ -130,7 +129,7 @@ bool ClaimShare(int file, const ShareMode& mode) {
     return error == 0 || KnowsNoLocks(error);
 }
 
-void WithdrawShare(int file) noexcept { SetLock(file, F_UNLCK, kBase, kMarks * kSpan); }
+void WithdrawShare(int file) noexcept { SetLock(file, F_UNLCK, kShareMarksAt, kMarks * kSpan); }
 
 UnusedFile::UnusedFile(const std::string& posixPath, std::string_view name) {
     for (int tries = 0; !Take(posixPath, name); ++tries) {

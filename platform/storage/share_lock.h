@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,9 @@
 // file systems the guard would be a lock on the same bytes: there an opening marks first, tests then, and withdraws on
 // conflict. A file system without locks knows no share modes.
 namespace qel {
+
+/// Where the marks begin. Locks of callers stay below, or unlocking would take the marks back.
+inline constexpr std::int64_t kShareMarksAt = 0x7FFFFFFFFFF00000;
 
 /// What an opening does with a file, and what it lets no other do meanwhile.
 struct ShareMode {

@@ -13,6 +13,7 @@
 #include "qellib10/platform/storage/descriptor.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace qel {

@@ -11,9 +11,9 @@ constexpr size_t npos = std::string_view::npos;
 
 constexpr bool Within(unsigned value, unsigned first, unsigned last) { return value >= first && value <= last; }
 
-// A byte below 40 hex is never a trail byte, nor is any byte in a page without lead bytes: no walk by characters then.
-constexpr bool CanBeTrail(char byte, UINT page) {
-    return page == kCodePageJapanese && static_cast<unsigned char>(byte) >= 0x40;
+// Behind a byte that leads no character one begins, whatever stands before it: no walk by characters then.
+constexpr bool FollowsNoLead(std::string_view text, size_t at, UINT page) {
+    return at == 0 || !IsLeadByte(static_cast<unsigned char>(text[at - 1]), page);
 }
 
 // The text without a lone lead byte at its end.
@@ -84,13 +84,14 @@ template <typename Fold> int CompareBy(std::string_view a, std::string_view b, F
 
 }  // namespace
 
-size_t FindCharacter(std::string_view text, char wanted, size_t from) {
-    return CanBeTrail(wanted, CodePage()) ? FindText(text, {&wanted, 1}, from) : text.find(wanted, from);
-}
+size_t FindCharacter(std::string_view text, char wanted, size_t from) { return FindText(text, {&wanted, 1}, from); }
 
 size_t FindLastCharacter(std::string_view text, char wanted) {
-    if (!CanBeTrail(wanted, CodePage())) return text.rfind(wanted);
-    size_t last = npos;
+    const UINT page = CodePage();
+    size_t last = text.rfind(wanted);
+    if (last == npos || (FollowsNoLead(text, last, page) && !IsLeadByte(static_cast<unsigned char>(wanted), page)))
+        return last;
+    last = npos;
     for (size_t at = FindCharacter(text, wanted); at != npos; at = FindCharacter(text, wanted, at + 1)) last = at;
     return last;
 }
@@ -101,6 +102,7 @@ size_t FindText(std::string_view text, std::string_view wanted, size_t from) {
     if (WholeCharacters(wanted, page).size() < wanted.size()) return npos;
     size_t boundary = from;
     for (size_t at = text.find(wanted, from); at != npos; at = text.find(wanted, at + 1)) {
+        if (FollowsNoLead(text, at, page)) return at;
         while (boundary < at) boundary += CharacterSize(text, boundary, page);
         if (boundary == at) return at;
     }

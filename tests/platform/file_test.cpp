@@ -163,6 +163,11 @@ TEST(File, DuplicatesShareThePositionAndLocksKeepOthersOut) {
     other.LockRange(15, 1);
     file.UnlockRange(10, 5);
     other.LockRange(14, 1);
+    // Behind any data stand the marks of who has the file open; unlocking all must not take them back.
+    EXPECT_EQ(Failure([&] { other.LockRange(0, INT64_MAX); }).m_cause, CFileException::badSeek);
+    EXPECT_EQ(Failure([&] { other.UnlockRange(UINT64_MAX, 1); }).m_cause, CFileException::badSeek);
+    other.UnlockRange(1, 0x7FFFFFFFFFEFFFFF);
+    EXPECT_FALSE(CFile().Open(name.c_str(), CFile::modeRead | CFile::shareExclusive));
 }
 
 TEST(MemFile, HandsItsBytesOutAndRefusesMoreThanMemory) {

@@ -17,6 +17,7 @@ TEST(Multibyte, FindsWholeCharactersOnly) {
         {"\x83\x5C\\\x95\x5C", "\\", 3, npos},
         {"\x81\x83\x83\x5C", "\x83\x5C", 0, 2},
         {"\x83\x5C\x83", "\x83", 0, npos},  // half a character
+        {"\x83.x.", ".", 0, 3},             // a lead byte takes whatever follows it
         {"\xB1\x83\xB1\xB1", "\xB1", 1, 3},
         {"ab", "", 2, 2},
         {"ab", "", 3, npos},
@@ -27,6 +28,8 @@ TEST(Multibyte, FindsWholeCharactersOnly) {
         EXPECT_EQ(wanted.size() == 1 ? qel::FindCharacter(text, wanted[0], from) : at, at);
     }
     EXPECT_EQ(qel::FindLastCharacter("\\\x83\x5C\\\x95\x5C", '\\'), 3U);
+    EXPECT_EQ(qel::FindLastCharacter("\x83.\x83.", '.'), npos);
+    EXPECT_EQ(qel::FindLastCharacter("a\x83", '\x83'), npos);
     const CodePageScope latin1(1252);
     EXPECT_EQ(qel::FindCharacter("\x83\x5C", '\\'), 1U);
 }
