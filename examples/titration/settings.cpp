@@ -11,7 +11,7 @@ namespace titration {
 namespace {
 
 constexpr int kMostDigits = 12;
-constexpr std::size_t kLongestName = 32;  // what the formula evaluator takes
+constexpr std::size_t kLongestName = 32;  // enough for a name in a report, and bounded for the formula
 
 // Blanks do not separate in a formula, and a name that begins like a number would be read as one.
 void RequireName(const std::string& name) {

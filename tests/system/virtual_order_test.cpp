@@ -7,7 +7,7 @@
 
 #include "qellib10/qellib10.h"
 
-// Modules built at different times call virtual operations by their slot, so the order, and the end, of the described
+// Modules built at different times call virtual operations by their slot, so the order, and the end, of the fixed
 // ones never changes. A destructor takes two slots: one that destroys, one that also frees.
 namespace {
 
@@ -34,7 +34,7 @@ constexpr std::size_t kDestructor = 2;
 
 }  // namespace
 
-TEST(VirtualOrder, IsTheDescribedOne) {
+TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slot(&CObject::GetRuntimeClass), 0u);
     EXPECT_EQ(Slot(&CObject::Serialize), 1u + kDestructor);
     EXPECT_EQ(Slots(CCalcVariable()), 2u + kDestructor);
