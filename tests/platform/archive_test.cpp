@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "../support/cases.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/mem_file.h"
@@ -115,17 +116,23 @@ Bytes Stored(const std::function<void(CArchive&)>& write) {
     return file.Detach();
 }
 
-// The cause with which reading @p bytes ends.
-int CauseOf(const Bytes& bytes, const std::function<void(CArchive&)>& read) {
-    CMemFile file;
-    file.Attach(bytes.data(), static_cast<UINT>(bytes.size()));
+int CauseOf(const std::function<void()>& use) {
     try {
-        CArchive archive(&file, CArchive::load);
-        read(archive);
+        use();
     } catch (const CArchiveException& exception) {
         return exception.m_cause;
     }
     return CArchiveException::none;
+}
+
+// The cause with which reading @p bytes ends.
+int CauseOf(const Bytes& bytes, const std::function<void(CArchive&)>& read) {
+    CMemFile file;
+    file.Attach(bytes.data(), static_cast<UINT>(bytes.size()));
+    return CauseOf([&] {
+        CArchive archive(&file, CArchive::load);
+        read(archive);
+    });
 }
 
 const CReading kVolume(1.5);
@@ -154,41 +161,32 @@ TEST(Archive, ScalarsAreTheirBytesLowestFirst) {
     });
     EXPECT_EQ(bytes, Hex("FE 41 01 0201 FEFF 04030201 FEFFFFFF 0000C03F 000000000000F83F FEFFFFFFFFFFFFFF"
                          "00000000 000000008003E240"));
-    EXPECT_EQ(CauseOf(bytes,
-                      [](CArchive& archive) {
-                          BYTE byte = 0;
-                          char character = 0;
-                          bool yes = false;
-                          WORD word = 0;
-                          short brief = 0;
-                          int number = 0;
-                          UINT natural = 0;
-                          float single = 0;
-                          double real = 0;
-                          LONGLONG wide = 0;
-                          COleDateTime time;
-                          archive >> byte >> character >> yes >> word >> brief >> number >> natural >> single >> real;
-                          archive >> wide >> time;
-                          EXPECT_TRUE(byte == 0xFE && character == 'A' && yes && word == 0x0102 && brief == -2);
-                          EXPECT_TRUE(number == 0x01020304 && natural == 0xFFFFFFFE && single == 1.5F && real == 1.5);
-                          EXPECT_TRUE(wide == -2 && time == COleDateTime(2001, 1, 1, 0, 0, 0));
-                          EXPECT_EQ(archive.Read(&byte, 1), 0u);
-                      }),
-              CArchiveException::none);
+    const auto read = [](CArchive& archive) {
+        const auto next = [&](auto expected) {
+            decltype(expected) value = {};
+            archive >> value;
+            return value == expected;
+        };
+        EXPECT_TRUE(next(BYTE{0xFE}) && next('A') && next(true) && next(WORD{0x0102}) && next(short{-2}));
+        EXPECT_TRUE(next(0x01020304) && next(UINT{0xFFFFFFFE}) && next(1.5F) && next(1.5) && next(LONGLONG{-2}));
+        EXPECT_TRUE(next(COleDateTime(2001, 1, 1, 0, 0, 0)));
+        BYTE behind = 0;
+        EXPECT_EQ(archive.Read(&behind, 1), 0u);
+    };
+    EXPECT_EQ(CauseOf(bytes, read), CArchiveException::none);
 }
 
 TEST(Archive, TextsTakeTheShortestLength) {
-    struct Case {
-        int length;
-        const char* prefix;
-    };
-    for (const Case& c :
-         {Case{0, "00"}, Case{4, "04"}, Case{254, "FE"}, Case{255, "FFFF00"}, Case{65533, "FFFDFF"},
-          Case{65534, "FFFFFFFEFF0000"}, Case{65536, "FFFFFF00000100"}, Case{200000, "FFFFFF400D0300"}}) {
-        SCOPED_TRACE(c.length);
-        const CString text('x', c.length);
+    // clang-format off
+    const Cases<int, const char*> cases = {
+        {0, "00"}, {4, "04"}, {254, "FE"}, {255, "FFFF00"}, {65533, "FFFDFF"}, {65534, "FFFFFFFEFF0000"},
+        {65536, "FFFFFF00000100"}, {200000, "FFFFFF400D0300"}};
+    // clang-format on
+    for (const auto& [length, prefix] : cases) {
+        SCOPED_TRACE(length);
+        const CString text('x', length);
         const Bytes bytes = Stored([&](CArchive& archive) { archive << text; });
-        EXPECT_EQ(bytes, Hex(c.prefix) + Bytes(static_cast<std::size_t>(c.length), 'x'));
+        EXPECT_EQ(bytes, Hex(prefix) + Bytes(static_cast<std::size_t>(length), 'x'));
         CString read;
         EXPECT_EQ(CauseOf(bytes, [&](CArchive& archive) { archive >> read; }), CArchiveException::none);
         EXPECT_EQ(read, text);
@@ -196,28 +194,25 @@ TEST(Archive, TextsTakeTheShortestLength) {
 }
 
 TEST(Archive, ReadsTextsOfOtherWriters) {
-    struct Case {
-        const char* bytes;
-        int cause;
-        const char* text;
-    };
     constexpr const char* kKept = "kept";
-    for (const Case& c :
-         {Case{"FF0200 4142", CArchiveException::none, "AB"},  // longer forms than needed
-          Case{"FFFFFF02000000 4142", CArchiveException::none, "AB"},
-          Case{"FFFFFFFFFFFFFF0200000000000000 4142", CArchiveException::none, "AB"},
-          Case{"FFFEFF 02 41004200", CArchiveException::none, "AB"},  // UTF-16LE
-          Case{"FFFEFF FF0100 B500", CArchiveException::none, "\x83\xCA"},
-          Case{"FFFEFF FFFEFF 02 41004200", CArchiveException::genericException, kKept},
-          Case{"FFFEFF 02 410042", CArchiveException::endOfFile, kKept},
-          Case{"FFFEFF FFFFFFFFFFFFFF 0000000000000080 41", CArchiveException::endOfFile, kKept},
-          Case{"FFFFFFFEFFFFFF 4142", CArchiveException::endOfFile, kKept},
-          Case{"FFFFFFFFFFFFFF FFFFFFFFFFFFFFFF 41", CArchiveException::endOfFile, kKept},
-          Case{"03 4142", CArchiveException::endOfFile, kKept}, Case{"", CArchiveException::endOfFile, kKept}}) {
-        SCOPED_TRACE(c.bytes);
+    const Cases<const char*, int, const char*> cases = {
+        {"FF0200 4142", CArchiveException::none, "AB"},  // longer forms than needed
+        {"FFFFFF02000000 4142", CArchiveException::none, "AB"},
+        {"FFFFFFFFFFFFFF0200000000000000 4142", CArchiveException::none, "AB"},
+        {"FFFEFF 02 41004200", CArchiveException::none, "AB"},  // UTF-16LE
+        {"FFFEFF FF0100 B500", CArchiveException::none, "\x83\xCA"},
+        {"FFFEFF FFFEFF 02 41004200", CArchiveException::genericException, kKept},
+        {"FFFEFF 02 410042", CArchiveException::endOfFile, kKept},
+        {"FFFEFF FFFFFFFFFFFFFF 0000000000000080 41", CArchiveException::endOfFile, kKept},
+        {"FFFFFFFEFFFFFF 4142", CArchiveException::endOfFile, kKept},
+        {"FFFFFFFFFFFFFF FFFFFFFFFFFFFFFF 41", CArchiveException::endOfFile, kKept},
+        {"03 4142", CArchiveException::endOfFile, kKept},
+        {"", CArchiveException::endOfFile, kKept}};
+    for (const auto& [bytes, cause, expected] : cases) {
+        SCOPED_TRACE(bytes);
         CString text(kKept);
-        EXPECT_EQ(CauseOf(Hex(c.bytes), [&](CArchive& archive) { archive >> text; }), c.cause);
-        EXPECT_EQ(text, c.text);
+        EXPECT_EQ(CauseOf(Hex(bytes), [&](CArchive& archive) { archive >> text; }), cause);
+        EXPECT_EQ(text, expected);
     }
 }
 
@@ -279,6 +274,19 @@ TEST(Archive, ObjectsMayFormARing) {
     EXPECT_EQ(CauseOf(bytes, read), CArchiveException::none);
 }
 
+TEST(Archive, ClassesAreKnownByNameWhileRegistered) {
+    EXPECT_TRUE(CLinkedReading().IsKindOf(CReading::GetThisClass()) && kVolume.IsKindOf(CObject::GetThisClass()));
+    EXPECT_FALSE(kVolume.IsKindOf(CLinkedReading::GetThisClass()) || kVolume.IsKindOf(nullptr));
+    EXPECT_EQ(CObject::GetThisClass()->CreateObject(), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName("Unregistered"), nullptr);
+    {
+        const qel::RegisteredClass<CUnregistered> registered;
+        { const qel::RegisteredClass<CUnregistered> twice; }
+        EXPECT_EQ(CRuntimeClass::FromName("Unregistered"), CUnregistered::GetThisClass());
+    }
+    EXPECT_EQ(CRuntimeClass::FromName("Unregistered"), nullptr);
+}
+
 TEST(Archive, NumbersFrom7FFFTakeTheLongForm) {
     constexpr std::size_t kObjects = 0x8000;
     const std::vector<CReading> readings(kObjects);
@@ -290,46 +298,30 @@ TEST(Archive, NumbersFrom7FFFTakeTheLongForm) {
     const Bytes end = Hex("FE7F FF7FFF7F0000") + kNewLinked + kZero + Hex("0000 FF7F03800000");
     ASSERT_GT(bytes.size(), end.size());
     EXPECT_TRUE(std::ranges::equal(std::span(bytes).last(end.size()), end));
-    EXPECT_EQ(CauseOf(bytes,
-                      [&](CArchive& archive) {
-                          std::vector<CReading*> read(kObjects);
-                          for (CReading*& reading : read) archive >> reading;
-                          CReading *brief, *big, *linked, *again = nullptr;
-                          archive >> brief >> big >> linked >> again;
-                          EXPECT_TRUE(brief == read[0x7FFC] && big == read[0x7FFD] && again == linked);
-                          for (const CReading* reading : read) delete reading;
-                          delete linked;
-                      }),
-              CArchiveException::none);
 }
 
 TEST(Archive, DamagedObjectHeadersEndInTheirCause) {
-    struct Case {
-        const char* title;
-        Bytes bytes;
-        int cause;
-    };
     const Bytes one = kNewReading + kOneAndAHalf;
-    for (const Case& c :
-         {Case{"object not given out", one + Hex("0300"), CArchiveException::badIndex},
-          Case{"object number of a class", one + Hex("0100"), CArchiveException::badIndex},
-          Case{"class number of an object", one + Hex("0280"), CArchiveException::badIndex},
-          Case{"class number 0", one + Hex("0080"), CArchiveException::badIndex},
-          Case{"huge object number", one + Hex("FF7FFFFFFF7F"), CArchiveException::badIndex},
-          Case{"huge class number", one + Hex("FF7FFFFFFFFF"), CArchiveException::badIndex},
-          Case{"unknown class", one + Hex("FFFF 0000 0200 5858"), CArchiveException::badClass},
-          Case{"class name too long", one + Hex("FFFF 0000 4000") + Bytes(64, 'x'), CArchiveException::badClass},
-          Case{"abstract class", one + Hex("FFFF 0000 0800 4162737472616374"), CArchiveException::badClass},
-          Case{"other schema", one + Hex("FFFF 0100 0700 52656164696E67"), CArchiveException::badSchema},
-          Case{"header cut", one + Hex("FFFF 0200 0700 5265"), CArchiveException::endOfFile},
-          Case{"object cut", one + Hex("0180 0000"), CArchiveException::endOfFile}}) {
-        EXPECT_EQ(CauseOf(c.bytes,
+    const Cases<const char*, Bytes, int> cases = {
+        {"object not given out", one + Hex("0300"), CArchiveException::badIndex},
+        {"object number of a class", one + Hex("0100"), CArchiveException::badIndex},
+        {"class number of an object", one + Hex("0280"), CArchiveException::badIndex},
+        {"class number 0", one + Hex("0080"), CArchiveException::badIndex},
+        {"huge object number", one + Hex("FF7FFFFFFF7F"), CArchiveException::badIndex},
+        {"huge class number", one + Hex("FF7FFFFFFFFF"), CArchiveException::badIndex},
+        {"unknown class", one + Hex("FFFF 0000 0200 5858"), CArchiveException::badClass},
+        {"class name too long", one + Hex("FFFF 0000 4000") + Bytes(64, 'x'), CArchiveException::badClass},
+        {"abstract class", one + Hex("FFFF 0000 0800 4162737472616374"), CArchiveException::badClass},
+        {"other schema", one + Hex("FFFF 0100 0700 52656164696E67"), CArchiveException::badSchema},
+        {"object cut", one + Hex("0180 0000"), CArchiveException::endOfFile}};
+    for (const auto& [title, bytes, cause] : cases) {
+        EXPECT_EQ(CauseOf(bytes,
                           [](CArchive& archive) {
                               ReadReading(archive);
                               ReadReading(archive);
                           }),
-                  c.cause)
-            << c.title;
+                  cause)
+            << title;
     }
     EXPECT_EQ(CauseOf(one,
                       [](CArchive& archive) {
@@ -380,27 +372,19 @@ TEST(Archive, NestingIsLimitedInBothDirections) {
 
 TEST(Archive, RefusesWhatItCouldNotDo) {
     CMemFile file;
-    const auto cause = [](auto&& use) {
-        try {
-            use();
-        } catch (const CArchiveException& exception) {
-            return exception.m_cause;
-        }
-        return int{CArchiveException::none};
-    };
     CArchive storing(&file, CArchive::store);
     CArchive loading(&file, CArchive::load);
     int number = 7;
-    EXPECT_EQ(cause([&] { storing >> number; }), CArchiveException::writeOnly);
-    EXPECT_EQ(cause([&] { loading << number; }), CArchiveException::readOnly);
-    EXPECT_EQ(cause([&] { storing.BytesLeft(); }), CArchiveException::writeOnly);
+    EXPECT_EQ(CauseOf([&] { storing >> number; }), CArchiveException::writeOnly);
+    EXPECT_EQ(CauseOf([&] { loading << number; }), CArchiveException::readOnly);
+    EXPECT_EQ(CauseOf([&] { storing.BytesLeft(); }), CArchiveException::writeOnly);
     loading.Close();
-    EXPECT_EQ(cause([&] { loading.BytesLeft(); }), CArchiveException::genericException);
+    EXPECT_EQ(CauseOf([&] { loading.BytesLeft(); }), CArchiveException::genericException);
     const CUnregistered unregistered;
-    EXPECT_EQ(cause([&] { storing << &unregistered; }), CArchiveException::badClass);
+    EXPECT_EQ(CauseOf([&] { storing << &unregistered; }), CArchiveException::badClass);
     storing.Close();
-    EXPECT_EQ(cause([&] { storing << number; }), CArchiveException::genericException);
-    EXPECT_EQ(cause([] { const CArchive none(nullptr, CArchive::load); }), CArchiveException::genericException);
+    EXPECT_EQ(CauseOf([&] { storing << number; }), CArchiveException::genericException);
+    EXPECT_EQ(CauseOf([] { const CArchive none(nullptr, CArchive::load); }), CArchiveException::genericException);
     EXPECT_EQ(number, 7);
 }
 

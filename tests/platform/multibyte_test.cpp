@@ -76,11 +76,8 @@ TEST(Multibyte, CutsBetweenCharacters) {
     const CodePageScope japanese(932);
     const std::vector<std::tuple<const char*, std::string_view>> cases = {
         {"\x88\x9F\x88\xA0", "\x88\x9F\0"sv},
-        {"\x88\x9F\x88\xA0", "\x88\x9F\x88\xA0\0"sv},
-        {"abc", "ab"sv},
-        {"abc", ""sv},
         {"a\x88", "a\0\0\0"sv},  // the second half is missing
-        {"\x88\x88\x88", "\x88\x88\0"sv}};
+        {"abc", ""sv}};
     for (const auto& [source, copied] : cases) {
         std::string target(6, '#');
         qel::CopyBounded(target.data(), source, copied.size());

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/cases.h"
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
@@ -21,36 +22,33 @@ const std::string kKatakanaUtf8 = "\xE3\x82\xBD\xE9\x80\xA3";
 TEST(Path, BecomesPosix) {
     const EnvironmentScope drive("QELLIB10_DRIVE_D", "/mnt/d/"), none("QELLIB10_DRIVE_C", nullptr),
         net("QELLIB10_NET_ROOT", nullptr);
-    struct Case {
-        std::string path, posix;
-    };
-    for (const Case& c :
-         {Case{"C:\\" + kKatakana + "\\a.txt", "/" + kKatakanaUtf8 + "/a.txt"}, Case{"D:\\a\\b", "/mnt/d/a/b"},
-          Case{"d:/", "/mnt/d"}, Case{"D:rel", "/mnt/d/rel"}, Case{"C:", "/"}, Case{"\\tmp\\x", "/tmp/x"},
-          Case{"//tmp//x", "/tmp/x"}, Case{"dir/file", "dir/file"}, Case{"a\\\\b\\", "a/b"},
-          Case{"\\\\srv\\share\\p", "/net/srv/share/p"}, Case{"\\\\srv\\share\\..\\..\\p", "/net/srv/share/p"},
-          Case{"\\..\\..\\etc", "/etc"}, Case{"D:\\..\\x", "/mnt/d/x"}, Case{"..\\..\\a\\..\\b", "../../b"},
-          Case{"a\\..", "."}, Case{"a?5Cb?FF", "a\\b\xFF"}}) {
-        SCOPED_TRACE(c.path);
-        EXPECT_EQ(qel::ToPosixPath(c.path), c.posix);
+    // clang-format off
+    const Cases<std::string, std::string> cases = {
+        {"C:\\" + kKatakana + "\\a.txt", "/" + kKatakanaUtf8 + "/a.txt"}, {"D:\\a\\b", "/mnt/d/a/b"}, {"d:/", "/mnt/d"},
+        {"D:rel", "/mnt/d/rel"}, {"C:", "/"}, {"\\tmp\\x", "/tmp/x"}, {"//tmp//x", "/tmp/x"},
+        {"dir/file", "dir/file"}, {"a\\\\b\\", "a/b"}, {"\\\\srv\\share\\p", "/net/srv/share/p"},
+        {"\\\\srv\\share\\..\\..\\p", "/net/srv/share/p"}, {"\\..\\..\\etc", "/etc"}, {"D:\\..\\x", "/mnt/d/x"},
+        {"..\\..\\a\\..\\b", "../../b"}, {"a\\..", "."}, {"a?5Cb?FF", "a\\b\xFF"}};
+    // clang-format on
+    for (const auto& [path, posix] : cases) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(qel::ToPosixPath(path), posix);
     }
 }
 
 TEST(Path, ThatCannotBeSaysWhy) {
-    struct Case {
-        std::string path;
-        LONG code;
-    };
-    for (const Case& c : {Case{"", 3}, Case{"\\\\srv", 53}, Case{"\\\\srv\\", 53}, Case{"\\\\\\share\\x", 53},
-                          Case{"\\\\srv\\..\\x", 53}, Case{std::string(260, 'a'), 206}, Case{std::string(259, 'a'), 0},
-                          Case{"*.txt", 123}, Case{"a?", 123}, Case{"?5c", 123},
-                          Case{"?2Fetc", 123},     // escapes may not smuggle a separator,
-                          Case{"?00", 123},        // an end,
-                          Case{"?2E?2E\\x", 123},  // or a step up
-                          Case{"a\\\x81", 123}, Case{"\x81\x20", 123},
-                          Case{"\x81\x45", 0}}) {  // the very character that stands for what is none
-        SCOPED_TRACE(c.path);
-        EXPECT_EQ(Refusal(c.path), c.code);
+    // clang-format off
+    const Cases<std::string, LONG> cases = {
+        {"", 3}, {"\\\\srv", 53}, {"\\\\srv\\", 53}, {"\\\\\\share\\x", 53}, {"\\\\srv\\..\\x", 53},
+        {std::string(260, 'a'), 206}, {std::string(259, 'a'), 0}, {"*.txt", 123}, {"a?", 123}, {"?5c", 123},
+        {"?2Fetc", 123},     // escapes may not smuggle a separator,
+        {"?00", 123},        // an end,
+        {"?2E?2E\\x", 123},  // or a step up
+        {"a\\\x81", 123}, {"\x81\x20", 123}, {"\x81\x45", 0}};
+    // clang-format on
+    for (const auto& [path, code] : cases) {  // the very character that stands for what is none
+        SCOPED_TRACE(path);
+        EXPECT_EQ(Refusal(path), code);
     }
     const CodePageScope utf8(qel::kCodePageUtf8);
     EXPECT_EQ(Refusal("\xE3\x82"), 123);
@@ -80,16 +78,16 @@ TEST(Path, NamesOfTheDiskComeBackTheSame) {
 TEST(Path, ComesBackUnderItsLongestRoot) {
     const EnvironmentScope c("QELLIB10_DRIVE_C", "/data"), d("QELLIB10_DRIVE_D", "/data/deep"),
         net("QELLIB10_NET_ROOT", "/n");
-    struct Case {
-        const char *posix, *path;
-    };
-    for (const Case& test :
-         {Case{"/data/x", "C:\\x"}, Case{"/data", "C:\\"}, Case{"/data/deep/x", "D:\\x"},
-          Case{"/database", "\\database"}, Case{"/", "\\"}, Case{"/n/srv/share/x", "\\\\srv\\share\\x"},
-          Case{"/n/srv", "\\n\\srv"}, Case{"a/b", "a\\b"}}) {
-        SCOPED_TRACE(test.posix);
-        EXPECT_EQ(qel::ToLibraryPath(test.posix), test.path);
-        EXPECT_EQ(qel::ToPosixPath(test.path), test.posix);
+    // clang-format off
+    const Cases<const char*, const char*> cases = {
+        {"/data/x", "C:\\x"},        {"/data", "C:\\"}, {"/data/deep/x", "D:\\x"},
+        {"/database", "\\database"}, {"/", "\\"},       {"/n/srv/share/x", "\\\\srv\\share\\x"},
+        {"/n/srv", "\\n\\srv"},      {"a/b", "a\\b"}};
+    // clang-format on
+    for (const auto& [posix, path] : cases) {
+        SCOPED_TRACE(posix);
+        EXPECT_EQ(qel::ToLibraryPath(posix), path);
+        EXPECT_EQ(qel::ToPosixPath(path), posix);
     }
 }
 

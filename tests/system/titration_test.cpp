@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "../support/cases.h"
 #include "../support/temp_folder.h"
 
 namespace {
@@ -145,43 +146,39 @@ TEST_F(Titration, ReadsWhatInstrumentsWrite) {
 
 TEST_F(Titration, RefusesWrongInputInOneLine) {
     const std::string good = Table(Curve(100));
-    struct Case {
-        std::string data, settings;
-        const char* message;
+    const Cases<std::string, std::string, const char*> cases = {
+        {"", Settings("EP"), "data.csv: no numbers in the columns"},
+        {"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
+        {"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
+        {"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
+        {"1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n", Settings("EP"), "data.csv: no end point"},
+        {std::string("\xFF\xFE"
+                     "1\0,\0",
+                     6),
+         Settings("EP"), "data.csv: no text in single bytes or UTF-8"},
+        {good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no line has the columns \"1\" and \"pH\""},
+        {good, Settings("EP", "[curve]\nsignal = 3\n"), "data.csv: no numbers in the columns \"1\" and \"3\""},
+        {good, Settings("EP", "[curve]\nsignal = 1\n"), "data.csv: volume and signal are the same column"},
+        {good, Settings("(EP - BLANK) * F"), "settings.ini: the formula names \"BLANK\", which is no variable"},
+        {good, Settings("(EP * F"), "settings.ini: the formula \"(EP * F\" is not valid"},
+        {good, Settings("EP / 0"), "settings.ini: the formula \"EP / 0\" is not valid"},
+        {good, Settings("EP / ZERO"), "settings.ini: the formula divides by zero"},
+        {good, Settings("EP + " + std::string(255, '0')), "is not valid"},
+        {good, Settings("EP", "[variables]\nf = 2\n"), "settings.ini: there are two variables \"f\""},
+        {good, Settings("EP", "[variables]\nr = 2\n"), "settings.ini: there are two variables \"R\""},
+        {good, Settings("EP", "[variables]\n2F = 2\n"), "settings.ini: line 11: \"2F\" cannot be a name"},
+        {good, Settings("EP", "unit = g\n"), "settings.ini: line 10: \"unit\" stands there twice"},
+        {good, Settings("EP", "color = red\n"), "settings.ini: line 10: \"color\" has no meaning in [result]"},
+        {good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: line 2: \"one\" is no number"},
+        {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: line 8: \"99\" is no whole number"},
+        {good, Replaced(Settings("EP"), "= mL", "= furlong"), "settings.ini: there is no unit \"furlong\""},
+        {good, "[result]\n", "settings.ini: [result] has no end_point"},
     };
-    for (const Case& c : {
-             Case{"", Settings("EP"), "data.csv: no numbers in the columns"},
-             Case{"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
-             Case{"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
-             Case{"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
-             Case{"1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n", Settings("EP"), "data.csv: no end point"},
-             Case{std::string("\xFF\xFE"
-                              "1\0,\0",
-                              6),
-                  Settings("EP"), "data.csv: no text in single bytes or UTF-8"},
-             Case{good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no line has the columns \"1\" and \"pH\""},
-             Case{good, Settings("EP", "[curve]\nsignal = 3\n"), "data.csv: no numbers in the columns \"1\" and \"3\""},
-             Case{good, Settings("EP", "[curve]\nsignal = 1\n"), "data.csv: volume and signal are the same column"},
-             Case{good, Settings("(EP - BLANK) * F"),
-                  "settings.ini: the formula names \"BLANK\", which is no variable"},
-             Case{good, Settings("(EP * F"), "settings.ini: the formula \"(EP * F\" is not valid"},
-             Case{good, Settings("EP / 0"), "settings.ini: the formula \"EP / 0\" is not valid"},
-             Case{good, Settings("EP / ZERO"), "settings.ini: the formula divides by zero"},
-             Case{good, Settings("EP + " + std::string(255, '0')), "is not valid"},
-             Case{good, Settings("EP", "[variables]\nf = 2\n"), "settings.ini: there are two variables \"f\""},
-             Case{good, Settings("EP", "[variables]\nr = 2\n"), "settings.ini: there are two variables \"R\""},
-             Case{good, Settings("EP", "[variables]\n2F = 2\n"), "settings.ini: line 11: \"2F\" cannot be a name"},
-             Case{good, Settings("EP", "unit = g\n"), "settings.ini: line 10: \"unit\" stands there twice"},
-             Case{good, Settings("EP", "color = red\n"), "settings.ini: line 10: \"color\" has no meaning in [result]"},
-             Case{good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: line 2: \"one\" is no number"},
-             Case{good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: line 8: \"99\" is no whole number"},
-             Case{good, Replaced(Settings("EP"), "= mL", "= furlong"), "settings.ini: there is no unit \"furlong\""},
-             Case{good, "[result]\n", "settings.ini: [result] has no end_point"},
-         }) {
-        const Outcome run = Run(c.data, c.settings);
-        EXPECT_EQ(run.status, 1) << c.message;
+    for (const auto& [data, settings, message] : cases) {
+        const Outcome run = Run(data, settings);
+        EXPECT_EQ(run.status, 1) << message;
         EXPECT_EQ(run.out, "");
-        EXPECT_NE(run.err.find(c.message), std::string::npos) << c.message << "\nis not in\n" << run.err;
+        EXPECT_NE(run.err.find(message), std::string::npos) << message << "\nis not in\n" << run.err;
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
     }
     for (const std::string& arguments : {std::string(), std::string("--data"), std::string("--data a --settings b"),
