@@ -44,9 +44,9 @@ TEST(Path, ThatCannotBeSaysWhy) {
         {"?2Fetc", 123},     // escapes may not smuggle a separator,
         {"?00", 123},        // an end,
         {"?2E?2E\\x", 123},  // or a step up
-        {"a\\\x81", 123}, {"\x81\x20", 123}, {"\x81\x45", 0}};
+        {"a\\\x81", 123}, {"\x81\x20", 123}, {"\x81\x45", 0}};  // the last: the very character that stands for what is none
     // clang-format on
-    for (const auto& [path, code] : cases) {  // the very character that stands for what is none
+    for (const auto& [path, code] : cases) {
         SCOPED_TRACE(path);
         EXPECT_EQ(Refusal(path), code);
     }
