@@ -23,6 +23,7 @@ enum SystemCode : LONG {
     kLockViolation = 33,
     kBadNetworkPath = 53,
     kFileExists = 80,
+    kBadParameter = 87,
     kBufferTooSmall = 111,
     kDiskFull = 112,
     kBadName = 123,
@@ -31,6 +32,9 @@ enum SystemCode : LONG {
     kAlreadyExists = 183,
     kPathTooLong = 206,
     kNotAFolder = 267,
+    kNotOwner = 288,
+    kBadAddress = 487,
+    kFileAltered = 1006,
 };
 
 /// The number for a failed system call on the POSIX path @p posixPath: a missing file and a missing folder differ.

@@ -24,6 +24,8 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
+    pid_t Id() const { return m_id; }
+
     /// Waits for its end. @return what it answered; 99 when it threw, -1 when it was killed
     int Wait() {
         int status = 0;

@@ -1,0 +1,130 @@
+#include "qellib10/platform/sync/object_folder.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/uninterrupted.h"
+#include "qellib10/platform/sync/object_file.h"
+#include "qellib10/platform/sync/system_failure.h"
+
+namespace qel {
+namespace {
+
+constexpr const char* kLockFile = ".lock";
+constexpr mode_t kUserOnly = 0700, kUserFile = 0600, kOthers = 077;
+constexpr int kAttempts = 100;
+
+// Kept open: the folder is looked up and checked once, not for every object.
+struct Folder {
+    Descriptor descriptor, lock;
+    uid_t user = 0;
+    unsigned number = 0;
+};
+
+Folder& KeptFolder() {
+    static Folder& folder = *new Folder;  // never destroyed: objects may go after all statics
+    return folder;
+}
+
+[[noreturn]] void Fail(int error, std::string_view path = {}) {
+    throw SystemFailure{error == ENOSPC ? LONG{kOutOfMemory} : CodeOfErrno(error, path)};
+}
+
+Descriptor OpenFolder(uid_t user) {
+    const std::string path = "/dev/shm/qellib10-" + std::to_string(user);
+    if (::mkdir(path.c_str(), kUserOnly) != 0 && errno != EEXIST) Fail(errno, path);
+    Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!folder && (errno == ENOTDIR || errno == ELOOP)) throw SystemFailure{kAccessDenied};
+    if (!folder) Fail(errno, path);
+    struct stat status {};
+    if (::fstat(folder.Get(), &status) != 0) Fail(errno);
+    // Anybody may make a folder there, also one that bears another user's number.
+    if (status.st_uid != user || (status.st_mode & kOthers) != 0) throw SystemFailure{kAccessDenied};
+    return folder;
+}
+
+int OpenIn(const Descriptor& folder, const std::string& file, int flags) {
+    return Uninterrupted([&] {
+        return ::openat(folder.Get(), file.c_str(), flags | O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, kUserFile);
+    });
+}
+
+bool SetLock(const Descriptor& file, short type) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_len = 1;
+    return Uninterrupted([&] { return ::fcntl(file.Get(), F_OFD_SETLKW, &lock); }) == 0;
+}
+
+// Removes the files that nobody holds. What cannot be opened is none of ours and stays.
+void Sweep(const Descriptor& folder) {
+    Descriptor copy(::openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!copy) Fail(errno);
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(copy.Get()), ::closedir);
+    if (listing == nullptr) Fail(errno);
+    copy.Release();  // the listing's now
+    while (const dirent* entry = ::readdir(listing.get())) {
+        if (entry->d_name[0] != ObjectFileName({})[0]) continue;
+        const Descriptor file(OpenIn(folder, entry->d_name, 0));
+        if (file && !IsHeld(file)) ::unlinkat(folder.Get(), entry->d_name, 0);
+    }
+}
+
+}  // namespace
+
+FolderLock::FolderLock() {
+    Folder& folder = KeptFolder();
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        const uid_t user = ::geteuid();
+        const bool isFirst = !folder.descriptor || folder.user != user;
+        if (isFirst) folder = {OpenFolder(user), {}, user, folder.number + 1};
+        if (!folder.lock) folder.lock.Reset(OpenIn(folder.descriptor, kLockFile, O_CREAT));
+        if (!folder.lock && errno != ENOENT) Fail(errno);
+        if (folder.lock && !SetLock(folder.lock, F_WRLCK)) Fail(errno);
+        if (folder.lock && Look(folder.lock, 0).hasName) {
+            if (isFirst) Sweep(folder.descriptor);
+            return;
+        }
+        folder.lock.Reset();
+        folder.descriptor.Reset();  // the folder has been deleted, or is just about to be
+    }
+    throw SystemFailure{kGeneralFailure};
+}
+
+FolderLock::Release::~Release() { SetLock(KeptFolder().lock, F_UNLCK); }
+
+void FolderLock::Forget() { KeptFolder().lock.Reset(); }
+
+Descriptor FolderLock::Open(const std::string& file) const {
+    Descriptor descriptor(OpenIn(KeptFolder().descriptor, file, 0));
+    if (!descriptor && errno != ENOENT) Fail(errno);
+    return descriptor;
+}
+
+Descriptor FolderLock::Create(const std::string& file) const {
+    Descriptor descriptor(OpenIn(KeptFolder().descriptor, file, O_CREAT | O_EXCL));
+    if (!descriptor) Fail(errno);
+    return descriptor;
+}
+
+void FolderLock::Remove(const std::string& file) const {
+    if (::unlinkat(KeptFolder().descriptor.Get(), file.c_str(), 0) != 0 && errno != ENOENT) Fail(errno);
+}
+
+unsigned FolderLock::Number() const { return KeptFolder().number; }
+
+Descriptor CreateNamelessFile() {
+    Descriptor file(::memfd_create("qellib10", MFD_CLOEXEC));
+    if (!file) Fail(errno);
+    return file;
+}
+
+}  // namespace qel

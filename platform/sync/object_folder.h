@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+#include "qellib10/platform/storage/descriptor.h"
+
+namespace qel {
+
+/// The folder of the user's named objects, /dev/shm/qellib10-USER with the user's number, locked against all other
+/// processes as long as this object lives. Users never share a name. Entering for the first time removes what killed
+/// processes have left. Within a process one thread at a time has a FolderLock: the object table's own lock sees to it.
+///
+/// The folder may vanish at any time, for it belongs to the user's session; then it is made anew.
+class FolderLock {
+public:
+    /// @throws SystemFailure, code 5 when the folder is not the user's alone
+    FolderLock();
+
+    /// @return none when there is no such file
+    Descriptor Open(const std::string& file) const;
+    /// A new, empty file.
+    Descriptor Create(const std::string& file) const;
+    void Remove(const std::string& file) const;
+
+    /// Which folder of this process's this is: another number when the folder was made anew, or the user is another.
+    unsigned Number() const;
+
+    /// This process is a forked child now: it must not share the lock of its parent.
+    static void Forget();
+
+private:
+    struct Release {
+        Release() = default;
+        Release(const Release&) = delete;
+        Release& operator=(const Release&) = delete;
+        ~Release();
+    };
+
+    Release m_release;  // a member, so that a constructor that fails half way unlocks too
+};
+
+/// A file without a name, for an object without one.
+Descriptor CreateNamelessFile();
+
+}  // namespace qel

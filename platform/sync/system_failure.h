@@ -1,0 +1,13 @@
+#pragma once
+
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+/// A step that the system, or the state of a named object, refuses. Thrown within platform/sync only: its public
+/// functions keep the code as the last error.
+struct SystemFailure {
+    LONG code;  // SystemCode
+};
+
+}  // namespace qel

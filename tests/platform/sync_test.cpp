@@ -1,0 +1,181 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+
+#include <thread>
+
+#include "../support/child_process.h"
+#include "../support/code_page_scope.h"
+#include "../support/shared_state.h"
+#include "qellib10/platform/sync/critical_section.h"
+#include "qellib10/platform/sync/named_mutex.h"
+#include "qellib10/platform/sync/shared_memory.h"
+
+namespace {
+
+using namespace qel;
+
+HANDLE NewMutex(const std::string& name) { return CreateNamedMutex(name.c_str()).handle; }
+
+DWORD WaitInThread(HANDLE mutex, DWORD milliseconds, bool release) {
+    DWORD answer = 0;
+    std::thread([&] {
+        answer = WaitForMutex(mutex, milliseconds);
+        if (release && answer != kWaitTimeout) ReleaseNamedMutex(mutex);
+    }).join();
+    return answer;
+}
+
+// What two threads have counted to that take a thousand turns each; sanitizers see to it that they alternate.
+template <class Turn> int CountedByTwoThreads(Turn turn) {
+    int counter = 0;
+    const auto work = [&] {
+        for (int i = 0; i < 1000; ++i) turn([&] { ++counter; });
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    return counter;
+}
+
+}  // namespace
+
+TEST(NamedObjects, NamesAreTheSystems) {
+    const CodePageScope japanese(qel::kCodePageJapanese);
+    struct Case {
+        std::string name;
+        DWORD error = 0;
+    };
+    const std::string own = NameOfOurOwn("name"), longName = std::string(259 - own.size(), '/') + own;
+    // All of them are kept, so each is another's name only if it were the same.
+    for (const Case& c : {
+             Case{own},
+             Case{own + "/../../x"},
+             Case{own + "MM::x.%41 \n\x7f\xff"},
+             Case{own + "\x83\x5c"},  // the trail byte is no backslash
+             Case{longName + "a"},
+             Case{longName + "b"},
+             Case{longName + "bc", 206},
+             Case{own + "\\x", 3},
+             Case{own + "NAME"},
+             Case{own + "name"},
+             Case{"Global\\" + own},
+             Case{"Local\\Global\\" + own, 3},
+             Case{"global\\" + own, 3},
+             Case{"Local\\", 6},
+         }) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(OpenNamedMutex(c.name.c_str()), nullptr);
+        EXPECT_EQ(LastError(), c.error == 0 ? 2 : c.error);
+        EXPECT_EQ(CreateNamedMutex(c.name.c_str()).handle != nullptr, c.error == 0);
+        EXPECT_EQ(LastError(), c.error);
+        EXPECT_EQ(InChild([&] { return CreateNamedMutex(c.name.c_str()).existed; }), c.error == 0);
+    }
+    EXPECT_TRUE(CreateNamedMutex(("Local\\" + own).c_str()).existed);
+    EXPECT_EQ(LastError(), 183u);
+    const auto asBlock = [&] { return CreateSharedMemory(own.c_str(), 1).handle == nullptr ? LastError() : 0; };
+    EXPECT_EQ(asBlock(), 6u);  // one namespace for all kinds
+    EXPECT_EQ(InChild(asBlock), 6);
+
+    EXPECT_EQ(OpenNamedMutex(nullptr), nullptr);
+    EXPECT_EQ(LastError(), 87u);
+    EXPECT_EQ(OpenNamedMutex(""), nullptr);
+    EXPECT_EQ(LastError(), 6u);
+    const HANDLE large = CreateSharedMemory("", 5000).handle, small = CreateSharedMemory(nullptr, 1).handle;
+    EXPECT_EQ(MapView(small, true, 2), nullptr);
+    EXPECT_NE(MapView(large, true, 5000), nullptr);
+    EXPECT_TRUE(CloseHandle(large));
+    EXPECT_FALSE(CloseHandle(large));
+}
+
+TEST(NamedMutex, BelongsToAThread) {
+    const HANDLE mutex = NewMutex(NameOfOurOwn("mutex"));
+    EXPECT_EQ(WaitForMutex(mutex, 0), kWaitObject);
+    EXPECT_EQ(WaitForMutex(mutex, kInfinite), kWaitObject);  // owned twice
+    for (const DWORD expected : {kWaitTimeout, kWaitTimeout, kWaitObject}) {
+        EXPECT_EQ(WaitInThread(mutex, 0, true), expected);
+        EXPECT_EQ(WaitInThread(mutex, 20, true), expected);
+        std::thread([&] { EXPECT_FALSE(ReleaseNamedMutex(mutex)); }).join();
+        EXPECT_EQ(ReleaseNamedMutex(mutex), expected != kWaitObject);
+    }
+    EXPECT_EQ(LastError(), 288u);
+
+    // Its thread ends: the next one has it, and is told.
+    EXPECT_EQ(WaitInThread(mutex, 0, false), kWaitObject);
+    EXPECT_EQ(WaitForMutex(mutex, 1000), kWaitAbandoned);
+    EXPECT_TRUE(ReleaseNamedMutex(mutex));
+    EXPECT_EQ(WaitInThread(mutex, 0, true), kWaitObject);
+
+    EXPECT_EQ(MapView(mutex, false, 0), nullptr);
+    EXPECT_EQ(LastError(), 6u);
+    EXPECT_TRUE(CloseHandle(mutex));
+    EXPECT_EQ(WaitForMutex(mutex, 0), kWaitFailed);
+}
+
+TEST(NamedMutex, MayBeClosedWhileItIsOwnedOrWaitedFor) {
+    const std::string name = NameOfOurOwn("closed");
+    for (int turn = 0; turn < 3; ++turn) {
+        const HANDLE mutex = NewMutex(name);
+        EXPECT_EQ(WaitForMutex(mutex, 0), kWaitObject);
+        std::thread waiter([&] { EXPECT_TRUE(WaitForMutex(mutex, kInfinite) == kWaitObject || LastError() == 6); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_TRUE(ReleaseNamedMutex(mutex) && CloseHandle(mutex));
+        waiter.join();
+        // A new one under the name is free, and so is the list of what this thread owns.
+        const HANDLE fresh = NewMutex(name);
+        EXPECT_EQ(WaitForMutex(fresh, 0), kWaitObject);
+        EXPECT_TRUE(CloseHandle(fresh));
+        EXPECT_EQ(OpenNamedMutex(name.c_str()), nullptr);
+        EXPECT_EQ(LastError(), 2u);
+
+        const HANDLE left = NewMutex(name);
+        EXPECT_EQ(InChild([&] { return static_cast<int>(WaitForMutex(NewMutex(name), 0)); }), 0);
+        EXPECT_TRUE(CloseHandle(left));  // the last one, of a mutex whose owner is dead
+    }
+}
+
+TEST(NamedObjects, LetOneThreadInAtATime) {
+    EXPECT_EQ(CountedByTwoThreads([name = NameOfOurOwn("threads")](auto count) {
+                  const HANDLE mutex = NewMutex(name);
+                  EXPECT_EQ(WaitForMutex(mutex, kInfinite), kWaitObject);
+                  count();
+                  EXPECT_TRUE(ReleaseNamedMutex(mutex) && CloseHandle(mutex));
+              }),
+              2000);
+    CCriticalSection section;
+    EXPECT_EQ(CountedByTwoThreads([&](auto count) {
+                  EXPECT_TRUE(section.Lock() && section.Lock() && section.Unlock());
+                  count();
+                  EXPECT_TRUE(section.Unlock());
+              }),
+              2000);
+    EXPECT_FALSE(section.Unlock());
+}
+
+// In a child with a small /dev/shm of its own, as a user whose folder is not there yet.
+TEST(NamedObjects, TheirFolderIsTheUsersAlone) {
+    constexpr uid_t kUser = 4321;
+    const std::string folder = "/dev/shm/qellib10-" + std::to_string(kUser);
+    const auto outcome = InChild([&] {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return 77;
+        if (::mount("tmpfs", "/dev/shm", "tmpfs", 0, "size=128k") != 0) return 77;
+        const std::string stale = folder + "/nkilled", other = folder + "/nother";
+        const auto error = [] { return CreateSharedMemory("block", 4096).handle == nullptr ? LastError() : 0; };
+        if (::mkdir(folder.c_str(), 0700) != 0 || ::seteuid(kUser) != 0 || error() != 5) return 1;  // another user's
+        if (::seteuid(0) != 0 || ::chown(folder.c_str(), kUser, kUser) != 0 || ::chmod(folder.c_str(), 0755) != 0)
+            return 2;
+        if (::seteuid(kUser) != 0 || error() != 5) return 3;  // open to others
+        if (::chmod(folder.c_str(), 0700) != 0 || ::close(::creat(stale.c_str(), 0600)) != 0) return 4;
+        if (::mkdir(other.c_str(), 0700) != 0) return 5;  // not of our making
+        if (error() != 0 || ::access(stale.c_str(), F_OK) == 0 || ::access(other.c_str(), F_OK) != 0) return 6;
+        if (CreateSharedMemory("large", 200'000).handle != nullptr || LastError() != 8) return 7;
+        if (::access((folder + "/nlarge").c_str(), F_OK) == 0) return 8;
+        // The folder is deleted at the end of a session; programs that go on make it anew.
+        if (::system(("rm -r " + folder).c_str()) != 0 || CreateSharedMemory("after", 1).existed) return 9;
+        return ::access((folder + "/nafter").c_str(), F_OK);
+    });
+    if (outcome == 77) GTEST_SKIP() << "needs the right to mount";
+    EXPECT_EQ(outcome, 0);
+}
