@@ -50,3 +50,4 @@
 #include "qellib10/platform/variant/ole_variant.h"
 #include "qellib10/resource/string_ids.h"
 #include "qellib10/runtime/qel_resource.h"
+#include "qellib10/runtime/worker_thread_ctrl.h"

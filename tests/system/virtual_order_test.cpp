@@ -49,4 +49,6 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CRSControlCode()), kDestructor);
     EXPECT_EQ(Slots(CQVariant()), kDestructor);
     EXPECT_EQ(Slots(CQELResource()), kDestructor);
+
+    EXPECT_EQ(Slots(CWorkerThreadCtrl()), kDestructor);
 }

@@ -1,0 +1,104 @@
+#include "qellib10/runtime/worker_thread_ctrl.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include "qellib10/platform/sync/critical_section.h"
+#include "qellib10/platform/sync/thread.h"
+
+namespace {
+
+// The process's workers. Never destroyed: a worker may go on after all statics are gone.
+struct ThreadTable {
+    std::vector<CWorkerThreadInfo> m_aryThread;
+    CCriticalSection m_csThreadData;
+
+    static ThreadTable& Get() {
+        static ThreadTable& table = *new ThreadTable;
+        return table;
+    }
+
+private:
+    ThreadTable() {
+        qel::AtFork([] { Get().m_csThreadData.Lock(); }, [] { Get().m_csThreadData.Unlock(); },
+                    [] {
+                        Get().m_aryThread.clear();
+                        Get().m_csThreadData.Unlock();
+                    });
+    }
+};
+
+// The answer of @p action for the table's records, which nobody else reads or changes meanwhile.
+template <typename Action> auto WithThreads(Action&& action) {
+    ThreadTable& table = ThreadTable::Get();
+    const qel::SectionLock lock(table.m_csThreadData);
+    return action(table.m_aryThread);
+}
+
+template <typename Action> void ForEachThread(Action&& action) {
+    WithThreads([&](auto& threads) { std::ranges::for_each(threads, action); });
+}
+
+std::optional<CWorkerThreadInfo> FirstRecordOf(DWORD thread) {
+    return WithThreads([&](const auto& threads) -> std::optional<CWorkerThreadInfo> {
+        const auto record = std::ranges::find(threads, thread, &CWorkerThreadInfo::m_nThreadID);
+        if (record == threads.end()) return std::nullopt;
+        return *record;
+    });
+}
+
+}  // namespace
+
+CWorkerThreadCtrl::CWorkerThreadCtrl(DWORD type) : m_nThreadID(qel::CurrentThreadId()) {
+    CWorkerThreadInfo record;
+    record.m_nThreadID = m_nThreadID;
+    record.m_nType = type;
+    WithThreads([&](auto& threads) { threads.push_back(record); });
+}
+
+CWorkerThreadCtrl::~CWorkerThreadCtrl() {
+    WithThreads([&](auto& threads) {
+        const auto record = std::ranges::find(threads, m_nThreadID, &CWorkerThreadInfo::m_nThreadID);
+        if (record != threads.end()) threads.erase(record);
+    });
+}
+
+int CWorkerThreadCtrl::IsStop() const {
+    const auto record = FirstRecordOf(m_nThreadID);
+    return record ? record->m_bStop : 1;
+}
+
+int CWorkerThreadCtrl::IsPause() const {
+    const auto record = FirstRecordOf(m_nThreadID);
+    return record ? record->m_bPause : 0;
+}
+
+void CWorkerThreadCtrl::StopOtherThread(DWORD type) const {
+    ForEachThread([&](auto& record) {
+        if (record.m_nType == type && record.m_nThreadID != m_nThreadID) record.m_bStop = 1;
+    });
+}
+
+void CWorkerThreadCtrl::StopThread(DWORD type) {
+    ForEachThread([&](auto& record) {
+        if (record.m_nType == type) record.m_bStop = 1;
+    });
+}
+
+void CWorkerThreadCtrl::StopAllThread() {
+    ForEachThread([](auto& record) { record.m_bStop = 1; });
+}
+
+void CWorkerThreadCtrl::PauseThread(int pause, DWORD type) {
+    ForEachThread([&](auto& record) {
+        if (record.m_nType == type) record.m_bPause = pause;
+    });
+}
+
+int CWorkerThreadCtrl::GetThreadCount(DWORD type) {
+    return WithThreads([&](const auto& threads) {
+        return static_cast<int>(
+            std::ranges::count_if(threads, [&](const auto& record) { return type == 0 || record.m_nType == type; }));
+    });
+}

@@ -1,0 +1,69 @@
+#include "qellib10/runtime/worker_thread_ctrl.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <optional>
+#include <thread>
+
+#include "../support/child_process.h"
+
+TEST(WorkerThreadCtrl, ActsOnTheFirstRecordOfItsThread) {
+    std::optional<CWorkerThreadCtrl> first(3), second(4);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(3), 1);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(0), 2);
+    CWorkerThreadCtrl::StopThread(4);  // the second record's flag, which nobody looks at
+    EXPECT_EQ(second->IsStop(), 0);
+    CWorkerThreadCtrl::PauseThread(7, 3);
+    EXPECT_EQ(second->IsPause(), 7);
+    CWorkerThreadCtrl::PauseThread(0, 3);
+    EXPECT_EQ(second->IsPause(), 0);
+
+    second.reset();  // takes the first record with it
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(3), 0);
+    EXPECT_EQ(first->IsStop(), 1);
+    const CWorkerThreadCtrl copy(*first);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(0), 1);
+    first.reset();
+    EXPECT_EQ(copy.IsStop(), 1);  // no record left
+    EXPECT_EQ(copy.IsPause(), 0);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(0), 0);
+}
+
+TEST(WorkerThreadCtrl, OthersOfATypeStopAndTheAskingOneDoesNot) {
+    constexpr DWORD kType = 3, kOtherType = 0;
+    std::atomic<int> running = 0;
+    const auto work = [&](DWORD type) {
+        const CWorkerThreadCtrl control(type);
+        ++running;
+        while (control.IsStop() == 0 || control.IsPause() != 0) std::this_thread::yield();
+    };
+    std::thread first(work, kType), second(work, kType), other(work, kOtherType);
+    const CWorkerThreadCtrl own(kType);
+    while (running != 3) std::this_thread::yield();
+    for (int pause = 0; pause < 200; ++pause) CWorkerThreadCtrl::PauseThread(1 - pause % 2, kType);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(kType), 3);
+
+    own.StopOtherThread(kType);
+    first.join();
+    second.join();
+    EXPECT_EQ(own.IsStop(), 0);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(0), 2);
+    CWorkerThreadCtrl::StopAllThread();
+    other.join();
+    EXPECT_EQ(own.IsStop(), 1);
+}
+
+TEST(WorkerThreadCtrl, AForkedChildHasAnEmptyTableThatIsNotLocked) {
+    const CWorkerThreadCtrl own(1);
+    std::atomic<bool> done = false;
+    std::thread busy([&] {
+        while (!done) CWorkerThreadCtrl::GetThreadCount(0);
+    });
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(InChild([&] { return CWorkerThreadCtrl::GetThreadCount(0) * 10 + own.IsStop(); }), 1);
+    }
+    done = true;
+    busy.join();
+    EXPECT_EQ(own.IsStop(), 0);
+}
