@@ -49,5 +49,7 @@
 #include "qellib10/platform/types.h"
 #include "qellib10/platform/variant/ole_variant.h"
 #include "qellib10/resource/string_ids.h"
+#include "qellib10/runtime/check_repeat_exec.h"
+#include "qellib10/runtime/memory_mapped_file.h"
 #include "qellib10/runtime/qel_resource.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"

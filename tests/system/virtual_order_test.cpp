@@ -50,5 +50,13 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CQVariant()), kDestructor);
     EXPECT_EQ(Slots(CQELResource()), kDestructor);
 
+    EXPECT_EQ(Slot(&CMemoryMappedFile::Open), kDestructor);
+    EXPECT_EQ(Slot(&CMemoryMappedFile::Close), kDestructor + 1);
+    EXPECT_EQ(Slot(&CMemoryMappedFile::GetDataPtr), kDestructor + 2);
+    EXPECT_EQ(Slot(&CMemoryMappedFile::GetDataPtrUnmap), kDestructor + 3);
+    EXPECT_EQ(Slot(&CMemoryMappedFile::SetData), kDestructor + 4);
+    EXPECT_EQ(Slots(CMemoryMappedFile()), kDestructor + 5);
+    EXPECT_EQ(Slots(CAutoLockedMemoryMappedFile()), kDestructor + 5);
+    EXPECT_EQ(Slots(CCheckRepeatExec()), kDestructor);
     EXPECT_EQ(Slots(CWorkerThreadCtrl()), kDestructor);
 }

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+/// A block of memory that processes of one user share under a name.
+///
+///     CMemoryMappedFile block;
+///     if (!block.Open(6, "readings", 4096)) return block.GetLastError();
+///     void* view = block.GetDataPtr(2, 0);
+///
+/// A name has up to 260 bytes and no backslash but one behind "Global" or "Local"; its case counts. It lives as long as
+/// any process has the block open. A new block is zero, an existing one keeps its size and bytes; a killed process
+/// leaves nothing behind. A forked child has none of its parent's blocks open, though their views stay mapped in it.
+///
+/// Copies share the handle and the view, which are not duplicated: the first of them to close or unmap does it for all,
+/// and for the others these operations fail without harm. One thread at a time.
+class QELLIB10_API CMemoryMappedFile {
+public:
+    CMemoryMappedFile() = default;
+    CMemoryMappedFile(const CMemoryMappedFile&) = default;
+    CMemoryMappedFile& operator=(const CMemoryMappedFile&) = default;
+    /// Unmaps the view and closes.
+    virtual ~CMemoryMappedFile();
+
+    /// Opens the block of that name, whatever its size, or makes one of @p size bytes. An open object keeps its block
+    /// and takes only the new name and access.
+    /// @param access kept; what may be done with a view is said to GetDataPtr
+    /// @return 0 with the reason as the last error: no size for a new block (87), no memory (8), a name that is too
+    /// long (206) or has a backslash (3), or that a mutex has (6)
+    virtual int Open(DWORD access, const char* name, DWORD size);
+
+    /// Closes the block; a mapped view stays mapped.
+    virtual void Close();
+
+    /// Unmaps the current view and maps the first @p size bytes, 0 for all.
+    /// @param access with 2 in it the view may be written
+    /// @return null when not open; null too, with the reason as the last error, for more bytes than the block has (5),
+    /// and for a block whose file below /dev/shm another program has cut (1006). Cutting it under a view is fatal
+    virtual void* GetDataPtr(DWORD access, DWORD size);
+
+    virtual void GetDataPtrUnmap();
+
+    /// Kept for programs that call it: the system writes to files, not to blocks of memory. Data go into the view.
+    /// @return 0; of an open object with last error 6 and 0 in @p written
+    virtual int SetData(void* data, DWORD size, DWORD* written);
+
+    /// The number of what failed last: 0 after Open succeeded, without meaning after any other success.
+    DWORD GetLastError() const { return m_nLastError; }
+    const CString& GetName() const { return m_szName; }
+    DWORD GetAccess() const { return m_nAccess; }
+
+protected:
+    void SetLastError(DWORD code) { m_nLastError = code; }
+    bool IsOpen() const { return m_hMapping != nullptr; }
+
+private:
+    HANDLE m_hMapping = nullptr;
+    DWORD m_nLastError = 0;
+    void* m_pView = nullptr;
+    CString m_szName;
+    DWORD m_nAccess = 0;
+};
+
+/// The same, with the block to itself while a view is mapped: every process that maps it through this class waits until
+/// no other has a view. The lock is the named mutex "MM::" and the block's name, so that 256 bytes are left for that.
+///
+/// A process, or a thread, that ends with a view gives up its lock; nobody is told that it may have left the block half
+/// written. The thread that has mapped a view is the one that unmaps it.
+class QELLIB10_API CAutoLockedMemoryMappedFile : public CMemoryMappedFile {
+public:
+    CAutoLockedMemoryMappedFile() = default;
+    CAutoLockedMemoryMappedFile(const CAutoLockedMemoryMappedFile&) = default;
+    CAutoLockedMemoryMappedFile& operator=(const CAutoLockedMemoryMappedFile&) = default;
+    ~CAutoLockedMemoryMappedFile() override;
+
+    /// Gives back a lock that it holds, waits for the lock without end and maps. When null is returned no lock is held.
+    /// A name that can never be a mutex's is the one reason not to wait: last error 3 or 206.
+    void* GetDataPtr(DWORD access, DWORD size) override;
+
+    /// Unmaps the view and gives back the lock.
+    void GetDataPtrUnmap() override;
+
+private:
+    bool TakeLock();
+
+    HANDLE m_hMutex = nullptr;  // the lock, as long as it is held
+};

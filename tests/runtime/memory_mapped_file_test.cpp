@@ -1,0 +1,204 @@
+#include "qellib10/runtime/memory_mapped_file.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "../support/child_process.h"
+#include "../support/shared_state.h"
+#include "qellib10/platform/sync/named_mutex.h"
+#include "qellib10/runtime/check_repeat_exec.h"
+
+namespace {
+
+constexpr DWORD kRead = 4, kWrite = 2;
+
+char* Bytes(void* view) { return static_cast<char*>(view); }
+
+bool IsTaken(const std::string& name) { return CCheckRepeatExec().CheckRepeatExecute(name.c_str()) == 1; }
+
+// Cuts the file of an object, as only a program that does not know what it does would.
+void CutFile(const std::string& name) {
+    std::filesystem::resize_file("/dev/shm/qellib10-" + std::to_string(::geteuid()) + "/n" + name, 0);
+}
+
+}  // namespace
+
+TEST(MemoryMappedFile, ABlockIsZeroAndKeepsItsSize) {
+    const std::string name = NameOfOurOwn("block");
+    CMemoryMappedFile block;
+    EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
+    DWORD written = 7;
+    EXPECT_EQ(block.SetData(&written, 4, &written) + written, 7u);
+    EXPECT_EQ(block.Open(6, name.c_str(), 0), 0);
+    EXPECT_EQ(block.GetLastError(), 87u);
+    ASSERT_EQ(block.Open(6, name.c_str(), 10'000), 1);
+    EXPECT_EQ(block.GetLastError(), 0u);
+
+    char* bytes = Bytes(block.GetDataPtr(kWrite, 0));
+    ASSERT_NE(bytes, nullptr);
+    EXPECT_EQ(std::string(bytes, 10'000), std::string(10'000, '\0'));
+    std::memset(bytes, 'x', 10'000);
+    EXPECT_EQ(block.SetData(&written, 4, &written) + written, 0u);
+    EXPECT_EQ(block.GetLastError(), 6u);
+    for (const DWORD access : {0u, 1u, 4u, 0x20u}) {  // readable alone
+        EXPECT_EQ(InChild([&] {
+                      CMemoryMappedFile other;
+                      other.Open(6, name.c_str(), 1);  // the existing one, whatever the size
+                      if (other.GetDataPtr(access, 10'001) != nullptr || other.GetLastError() != 5) return 1;
+                      ::signal(SIGSEGV, [](int) { ::_exit(42); });
+                      char* view = Bytes(other.GetDataPtr(access, 10'000));
+                      return view[9'999] == 'x' ? *view = 'y' : 2;
+                  }),
+                  42);
+    }
+
+    EXPECT_EQ(block.Open(1, "never", 0), 1);  // an open object takes the new name only
+    EXPECT_EQ(block.GetName(), "never");
+    bytes = Bytes(block.GetDataPtr(kWrite, 10'000));
+    EXPECT_EQ(bytes[9'999], 'x');
+
+    block.Close();
+    bytes[0] = 'z';  // the view stays, the name is free
+    EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
+    CMemoryMappedFile fresh;
+    ASSERT_EQ(fresh.Open(6, name.c_str(), 20'000), 1);
+    EXPECT_EQ(Bytes(fresh.GetDataPtr(kRead, 20'000))[0], 0);
+    EXPECT_EQ(bytes[0], 'z');
+}
+
+TEST(MemoryMappedFile, CopiesShareWhatIsClosedOnce) {
+    const std::string name = NameOfOurOwn("copied");
+    CAutoLockedMemoryMappedFile block;
+    ASSERT_EQ(block.Open(6, name.c_str(), 100), 1);
+    ASSERT_NE(block.GetDataPtr(kWrite, 0), nullptr);
+    std::make_unique<CAutoLockedMemoryMappedFile>(block).reset();
+    EXPECT_FALSE(IsTaken("MM::" + name));
+    CMemoryMappedFile other;  // has what the copy has left
+    ASSERT_EQ(other.Open(6, name.c_str(), 200), 1);
+    block.GetDataPtrUnmap();
+    EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
+    EXPECT_EQ(block.GetLastError(), 6u);
+    block.Close();
+    EXPECT_NE(other.GetDataPtr(kWrite, 200), nullptr);
+    EXPECT_EQ(InChild([&] { return other.GetDataPtr(kRead, 0) == nullptr && other.GetLastError() == 6; }), 1);
+    EXPECT_NE(other.GetDataPtr(kWrite, 200), nullptr);
+}
+
+TEST(AutoLockedMemoryMappedFile, HoldsTheLockExactlyWhileItIsMapped) {
+    const std::string name = NameOfOurOwn("locked"), lock = "MM::" + name;
+    const auto isLocked = [&] {  // as another process sees it
+        return InChild([&] {
+                   return qel::WaitForMutex(qel::CreateNamedMutex(lock.c_str()).handle, 0) == qel::kWaitTimeout;
+               }) == 1;
+    };
+    std::optional<CAutoLockedMemoryMappedFile> block(std::in_place);
+    EXPECT_EQ(block->GetDataPtr(kWrite, 0), nullptr);
+    ASSERT_EQ(block->Open(6, name.c_str(), 100), 1);
+    EXPECT_FALSE(isLocked());
+    for (int turn = 0; turn < 3; ++turn) {
+        EXPECT_NE(block->GetDataPtr(kWrite, 0), nullptr);  // the second gives the lock back and takes it again
+        EXPECT_TRUE(isLocked());
+    }
+    EXPECT_EQ(block->GetDataPtr(kWrite, 101), nullptr);
+    EXPECT_EQ(block->GetLastError(), 5u);
+    EXPECT_FALSE(isLocked());
+    EXPECT_NE(block->GetDataPtr(kWrite, 0), nullptr);
+    block->GetDataPtrUnmap();
+    EXPECT_FALSE(IsTaken(lock));
+    EXPECT_NE(block->GetDataPtr(kWrite, 0), nullptr);
+    block.reset();
+    EXPECT_FALSE(isLocked());
+
+    // No mutex can have such a name; waiting for one would never end.
+    for (const std::string& bad : {std::string("Local\\x"), std::string(257, 'x')}) {
+        block.emplace();
+        ASSERT_EQ(block->Open(6, bad.c_str(), 1), 1);
+        EXPECT_EQ(block->GetDataPtr(kWrite, 0), nullptr);
+        EXPECT_EQ(block->GetLastError(), bad.size() > 256 ? 206u : 3u);
+    }
+}
+
+TEST(AutoLockedMemoryMappedFile, ACutFileIsRefused) {
+    const std::string name = NameOfOurOwn("cut");
+    CAutoLockedMemoryMappedFile block;
+    ASSERT_EQ(block.Open(6, name.c_str(), 100'000), 1);
+    ASSERT_NE(block.GetDataPtr(kWrite, 0), nullptr);
+    block.GetDataPtrUnmap();
+    CutFile(name);
+    CutFile("MM%3A%3A" + name);
+    EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
+    EXPECT_EQ(block.GetLastError(), 1006u);
+    EXPECT_EQ(InChild([&] { return CMemoryMappedFile().Open(6, name.c_str(), 1); }), 0);
+    block.Close();
+    ASSERT_EQ(block.Open(6, name.c_str(), 100), 1);
+    EXPECT_NE(block.GetDataPtr(kWrite, 100), nullptr);
+    CutFile("MM%3A%3A" + name);  // the lock that is held
+    block.GetDataPtrUnmap();
+    EXPECT_NE(block.GetDataPtr(kWrite, 100), nullptr);
+}
+
+// Processes work on two blocks under their locks while one after the other is killed. One of the blocks is held for all
+// the time, so its bytes must always be what the last one wrote; the other is new, and zero, whenever all have died.
+TEST(AutoLockedMemoryMappedFile, HoldersMayBeKilledAtAnyMoment) {
+    struct Seen {
+        std::atomic<int> owner, value, isTorn;
+    };
+    struct State {
+        Seen seen[2];
+        std::atomic<int> faults, rounds;
+    };
+    auto& state = SharedWithChildren<State>();
+    const std::string names[] = {NameOfOurOwn("kept"), NameOfOurOwn("new")};
+    CMemoryMappedFile kept;
+    ASSERT_EQ(kept.Open(6, names[0].c_str(), sizeof(int)), 1);
+
+    const auto work = [&]() -> int {
+        std::srand(static_cast<unsigned>(::getpid()));
+        for (;;) {
+            const int which = std::rand() & 1;
+            CAutoLockedMemoryMappedFile block;
+            if (block.Open(6, names[which].c_str(), sizeof(int)) == 0) ++state.faults;
+            for (int turns = std::rand() % 4; turns > 0; --turns) {
+                auto* value = static_cast<int*>(block.GetDataPtr(kWrite, sizeof(int)));
+                Seen& seen = state.seen[which];
+                if (value == nullptr || seen.owner.exchange(::getpid()) != 0) ++state.faults;
+                const bool isNew = which == 1 && *value == 0;
+                if (seen.isTorn.exchange(0) == 0 && *value != seen.value && !isNew) ++state.faults;
+                seen.value = ++*value;
+                seen.owner = 0;
+                ++state.rounds;
+                block.GetDataPtrUnmap();
+            }
+        }
+    };
+    std::vector<std::unique_ptr<ChildProcess>> workers(6);
+    for (auto& worker : workers) worker = std::make_unique<ChildProcess>(work);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    int kills = 0;
+    for (; !workers.empty(); ++kills) {
+        ::usleep(static_cast<useconds_t>(std::rand() % 4000));
+        std::swap(workers.back(), workers[static_cast<std::size_t>(std::rand()) % workers.size()]);
+        const pid_t id = workers.back()->Id();
+        ::kill(id, SIGSTOP);  // stopped first: a process that is being killed lets go before it is seen dead
+        EXPECT_EQ(::waitpid(id, nullptr, WUNTRACED), id);
+        for (Seen& seen : state.seen) {
+            if (seen.owner == id) seen.isTorn = 1, seen.owner = 0;
+        }
+        workers.pop_back();
+        if (std::chrono::steady_clock::now() < end) workers.push_back(std::make_unique<ChildProcess>(work));
+    }
+    EXPECT_EQ(state.faults, 0);
+    EXPECT_GT(state.rounds, kills);
+    CMemoryMappedFile fresh;
+    ASSERT_EQ(fresh.Open(6, names[1].c_str(), sizeof(int)), 1);
+    EXPECT_EQ(*static_cast<int*>(fresh.GetDataPtr(kRead, 0)), 0);
+    EXPECT_FALSE(IsTaken("MM::" + names[0]));
+}
