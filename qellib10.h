@@ -32,6 +32,7 @@
 #include "qellib10/platform/storage/file_status.h"
 #include "qellib10/platform/storage/find_files.h"
 #include "qellib10/platform/storage/folder_operations.h"
+#include "qellib10/platform/storage/ini_file.h"
 #include "qellib10/platform/storage/mem_file.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/replacement.h"
@@ -52,4 +53,5 @@
 #include "qellib10/runtime/check_repeat_exec.h"
 #include "qellib10/runtime/memory_mapped_file.h"
 #include "qellib10/runtime/qel_resource.h"
+#include "qellib10/runtime/system_info.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"

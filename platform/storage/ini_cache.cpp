@@ -1,0 +1,166 @@
+#include "qellib10/platform/storage/ini_cache.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <iterator>
+#include <list>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "qellib10/platform/fork_safe_lock.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/uninterrupted.h"
+
+namespace qel {
+namespace {
+
+using Nanoseconds = std::chrono::nanoseconds;
+
+constexpr std::size_t kMostFiles = 16;
+constexpr std::size_t kMostMemory = 8 << 20;
+
+// Times of files advance by the system's timer tick, on old file systems by two seconds, and then have no fraction.
+// Two changes within one step look like one: until it has passed, equal times prove nothing.
+constexpr Nanoseconds kFineStep = std::chrono::milliseconds(50);
+constexpr Nanoseconds kCoarseStep = std::chrono::milliseconds(2100);
+
+Nanoseconds ToDuration(const timespec& time) { return std::chrono::seconds(time.tv_sec) + Nanoseconds(time.tv_nsec); }
+
+// The clock that times of files come from.
+Nanoseconds Now() {
+    timespec now = {};
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return ToDuration(now);
+}
+
+// What differs when a file has changed.
+struct Stamp {
+    dev_t device = 0;
+    ino_t number = 0;
+    off_t size = 0;
+    Nanoseconds written{};
+    Nanoseconds changed{};
+
+    explicit Stamp(const struct stat& status)
+        : device(status.st_dev),
+          number(status.st_ino),
+          size(status.st_size),
+          written(ToDuration(status.st_mtim)),
+          changed(ToDuration(status.st_ctim)) {}
+    bool operator==(const Stamp&) const = default;
+
+    bool IsSettledAt(Nanoseconds time) const {
+        return changed + (changed % std::chrono::seconds(1) == Nanoseconds(0) ? kCoarseStep : kFineStep) < time;
+    }
+};
+
+struct CachedFile {
+    std::string path;
+    Stamp stamp;
+    bool settled;
+    std::shared_ptr<const IniIndex> index;
+};
+
+// The files used last, the latest first.
+class Cache {
+public:
+    static Cache& Instance() {
+        static Cache& cache = *new Cache;
+        return cache;
+    }
+
+    std::optional<CachedFile> Find(const std::string& path) {
+        const std::lock_guard guard(m_lock);
+        const auto file = Position(path);
+        if (file == m_files.end()) return std::nullopt;
+        m_files.splice(m_files.begin(), m_files, file);
+        return *file;
+    }
+
+    void Keep(CachedFile file) {
+        const std::lock_guard guard(m_lock);
+        if (const auto old = Position(file.path); old != m_files.end()) Drop(old);
+        m_memory += file.index->Cost();
+        m_files.push_front(std::move(file));
+        while (m_files.size() > kMostFiles || m_memory > kMostMemory) Drop(std::prev(m_files.end()));
+    }
+
+    void Forget(const std::string& path) {
+        const std::lock_guard guard(m_lock);
+        if (const auto file = Position(path); file != m_files.end()) Drop(file);
+    }
+
+private:
+    using Iterator = std::list<CachedFile>::iterator;
+
+    Iterator Position(const std::string& path) { return std::ranges::find(m_files, path, &CachedFile::path); }
+    void Drop(Iterator file) {
+        m_memory -= file->index->Cost();
+        m_files.erase(file);
+    }
+
+    ForkSafeLock m_lock;
+    std::list<CachedFile> m_files;
+    std::size_t m_memory = 0;
+};
+
+bool IsReadable(const struct stat& status) {
+    return S_ISREG(status.st_mode) && static_cast<std::size_t>(status.st_size) <= IniIndex::kLargestFile;
+}
+
+std::optional<std::string> Content(const Descriptor& file, std::size_t size, const std::string& path) {
+    std::string bytes(size, '\0');
+    try {
+        bytes.resize(ReadFully(file, std::as_writable_bytes(std::span(bytes)), path));
+    } catch (const CFileException&) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+// @param old the same file as it was before, if known
+std::optional<CachedFile> Load(const std::string& path, const std::optional<CachedFile>& old) {
+    const Descriptor file(
+        Uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
+    struct stat status = {};
+    const Nanoseconds before = Now();
+    if (!file || ::fstat(file.Get(), &status) != 0 || !IsReadable(status)) return std::nullopt;
+    std::optional<std::string> bytes = Content(file, static_cast<std::size_t>(status.st_size), path);
+    if (!bytes) return std::nullopt;
+    const Stamp stamp(status);
+    const bool same = old && old->index->Matches(*bytes);
+    return CachedFile{path, stamp, stamp.IsSettledAt(before),
+                      same ? old->index : std::make_shared<const IniIndex>(std::move(*bytes))};
+}
+
+bool IsCurrent(const CachedFile& file) {
+    struct stat status = {};
+    return file.settled && file.index->IsOfCurrentPage() && ::stat(file.path.c_str(), &status) == 0 &&
+           Stamp(status) == file.stamp;
+}
+
+}  // namespace
+
+std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath) {
+    Cache& cache = Cache::Instance();
+    const std::optional<CachedFile> known = cache.Find(posixPath);
+    if (known && IsCurrent(*known)) return known->index;
+    std::optional<CachedFile> file = Load(posixPath, known);
+    if (!file) {
+        if (known) cache.Forget(posixPath);
+        return nullptr;
+    }
+    std::shared_ptr<const IniIndex> index = file->index;
+    cache.Keep(*std::move(file));
+    return index;
+}
+
+}  // namespace qel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "qellib10/platform/storage/ini_index.h"
+
+namespace qel {
+
+/// The INI file at @p posixPath as it is now; null when there is no file that can be read. The files asked for last are
+/// kept, for all threads, and read again only when they have changed, whoever did that.
+std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath);
+
+}  // namespace qel

@@ -1,0 +1,127 @@
+#include "qellib10/platform/storage/ini_file.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+#include <concepts>
+#include <optional>
+#include <span>
+
+#include "qellib10/platform/storage/backoff.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/ini_cache.h"
+#include "qellib10/platform/storage/ini_edit.h"
+#include "qellib10/platform/storage/locked_file.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/replacement.h"
+#include "qellib10/platform/storage/windows_folder.h"
+#include "qellib10/platform/text/multibyte.h"
+
+namespace qel {
+namespace {
+
+constexpr auto kWriteLimit = std::chrono::seconds(5);
+
+std::string FullName(std::string_view file) {
+    if (NameStart(file) > 0 || file.empty()) return std::string(file);
+    return std::string(WindowsFolder().View()).append("\\").append(file);
+}
+
+std::shared_ptr<const IniIndex> Read(const char* file) {
+    try {
+        return ReadIni(ToPosixPath(FullName(file != nullptr ? file : "")));
+    } catch (const CFileException&) {  // no such name can be
+        return nullptr;
+    }
+}
+
+std::string_view WithoutTrailingBlanks(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(' ') + 1);  // npos + 1 is 0
+}
+
+std::string ContentOf(const Descriptor& file, const std::string& name) {
+    struct stat status = {};
+    if (::fstat(file.Get(), &status) != 0) ThrowErrno(errno, name);
+    if (static_cast<std::size_t>(status.st_size) > IniIndex::kLargestFile) ThrowCode(kAccessDenied, name);
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    bytes.resize(ReadFully(file, std::as_writable_bytes(std::span(bytes)), name));
+    if (IsUtf16Ini(bytes)) ThrowCode(kAccessDenied, name);
+    return bytes;
+}
+
+using Edited = std::optional<std::string>;
+
+// One try. @param edit gives the new bytes for the old ones, or nothing when it refuses
+template <class Edit> bool RewriteOnce(const std::string& name, Edit&& edit) {
+    const Descriptor file = OpenLocked(ToPosixPath(name), name);
+    const std::string old = file ? ContentOf(file, name) : std::string();
+    const Edited changed = edit(old);
+    if (!changed || *changed == old) return changed.has_value();
+    Replacement replacement(name);
+    WriteFully(replacement.File(), std::as_bytes(std::span(*changed)), name);
+    file ? replacement.Commit() : replacement.CommitNew();
+    return true;
+}
+
+// Another one writes the file, looks at it or makes it just now.
+bool IsPassing(LONG code) { return code == kLockViolation || code == kSharingViolation || code == kFileExists; }
+
+template <class Edit> bool Rewrite(const char* file, Edit&& edit) {
+    const std::string name = FullName(file != nullptr ? file : "");
+    for (Backoff wait(kWriteLimit);;) {
+        try {
+            return RewriteOnce(name, edit);
+        } catch (const CFileException& failure) {
+            if (!IsPassing(failure.m_lOsError) || !wait.Again()) return false;
+        }
+    }
+}
+
+}  // namespace
+
+std::string ReadProfileString(const char* section, const char* key, const char* defaultValue, DWORD size,
+                              const char* file) {
+    if (size == 0) return {};
+    const std::shared_ptr<const IniIndex> ini = Read(file);
+    std::optional<std::string_view> value;
+    std::string names;
+    if (section != nullptr && key != nullptr) {
+        if (ini) value = ini->Value(section, key);
+    } else if (ini) {
+        names = section != nullptr ? ini->Keys(section) : ini->Sections();
+        if (!names.empty()) value = names;
+    }
+    if (!value) value = WithoutTrailingBlanks(defaultValue != nullptr ? defaultValue : "");
+    return std::string(LeftWhole(*value, size - 1));
+}
+
+std::string ReadProfileSection(const char* section, DWORD size, const char* file) {
+    if (section == nullptr || size < 2) return {};
+    const std::shared_ptr<const IniIndex> ini = Read(file);
+    std::string entries = ini ? ini->Entries(section) : std::string();
+    const std::size_t room = size - 2;
+    if (entries.size() > room) {
+        entries.resize(LeftWhole(entries, room).size());
+        entries.resize(room);
+    }
+    return entries;
+}
+
+bool WriteProfileString(const char* section, const char* key, const char* value, const char* file) {
+    if (section == nullptr) return false;
+    return Rewrite(file, [&](std::string_view bytes) -> Edited {
+        if (key == nullptr) return WithoutIniSection(bytes, section);
+        if (value == nullptr) return WithoutIniKey(bytes, section, key);
+        return WithIniValue(bytes, section, key, value);
+    });
+}
+
+bool WriteProfileSection(const char* section, std::string_view entries, const char* file) {
+    if (section == nullptr) return false;
+    return Rewrite(file, [&](std::string_view bytes) { return WithIniEntries(bytes, section, entries); });
+}
+
+}  // namespace qel

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/storage/descriptor.h"
+
+namespace qel {
+
+/// Opens a file for reading and writing as the only one who changes it: others that open it so are kept out until the
+/// descriptor is closed, also by the end of a process. Reading is free, and so are openings by CFile. For files that
+/// are replaced by rename: the file is the one that stands at @p posixPath, never one that was replaced while the lock
+/// was waited for. @p name is what exceptions call it.
+/// @return no descriptor when there is no file
+/// @throws CFileException 5 for folders and devices, 33 when another has the lock just now
+Descriptor OpenLocked(const std::string& posixPath, std::string_view name);
+
+}  // namespace qel

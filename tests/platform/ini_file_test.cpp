@@ -1,0 +1,337 @@
+#include "qellib10/platform/storage/ini_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "../support/child_process.h"
+#include "../support/code_page_scope.h"
+#include "../support/environment_scope.h"
+#include "../support/temp_folder.h"
+#include "qellib10/platform/storage/file.h"
+
+namespace {
+
+constexpr const char* kDefault = "default  ";
+constexpr DWORD kSize = 1024;
+
+// An INI file of its own for each test.
+class IniFile : public testing::Test {
+protected:
+    std::string Value(const char* section, const char* key) const {
+        return qel::ReadProfileString(section, key, kDefault, kSize, m_name.c_str());
+    }
+    bool Set(const char* section, const char* key, const char* value) const {
+        return qel::WriteProfileString(section, key, value, m_name.c_str());
+    }
+    std::string Section(const char* section, DWORD size = kSize) const {
+        return qel::ReadProfileSection(section, size, m_name.c_str());
+    }
+    void Write(const std::string& bytes) const { m_folder.Write("a.ini", bytes); }
+    std::string Bytes() const { return m_folder.Read("a.ini"); }
+
+    TempFolder m_folder;
+    std::string m_name = m_folder.Name("a.ini");
+};
+
+std::string Joined(std::initializer_list<std::string> names) {
+    std::string joined;
+    for (const std::string& name : names) joined += name + '\0';
+    return joined;
+}
+
+std::string KeyOf(int writer, int number) { return std::to_string(writer).append(".").append(std::to_string(number)); }
+
+}  // namespace
+
+TEST_F(IniFile, ReadsLinesAsThePlatformDoes) {
+    Write(
+        "outside=1\r\n"
+        "[s]\n"
+        "plain=value\r\n"
+        "\t spaced name \x1A=  inner  blanks \f\r\n"
+        ";plain2=comment\n"
+        "  ; indented=comment\n"
+        "empty=\n"
+        "=no name\n"
+        "no equals\n"
+        "first=1\n"
+        "FIRST=2\n"
+        "both=a=b\n"
+        "double=\"  x \"\n"
+        "single='\"y\"'\n"
+        "open=\"a\n"
+        "one=\"\n"
+        "hollow=\"\"\n"
+        "[not a header=z\n"
+        "\x83\x5D=\x83\x5C \x95\x5C\n"  // names and values whose trail bytes are ] and backslash
+        "[ \x83\x5D ] behind\n"
+        "k=trail\n"
+        "[a]b]\n"
+        "k=last bracket\n"
+        "[S]\n"
+        "plain=second\n"
+        "only=second\n"
+        "[]\n"
+        "k=nameless\n"
+        "[end]\n"
+        "k=no line end");
+    struct Case {
+        const char *section, *key, *expected;
+    };
+    for (const Case& c : {Case{"s", "plain", "value"},
+                          Case{" S ", "\tPLAIN ", "value"},
+                          Case{"s", "Spaced Name", "inner  blanks"},
+                          Case{"s", "plain2", "default"},
+                          Case{"s", "; indented", "default"},
+                          Case{"s", "empty", ""},
+                          Case{"s", "", "no name"},
+                          Case{"s", "no equals", "default"},
+                          Case{"s", "First", "1"},
+                          Case{"s", "both", "a=b"},
+                          Case{"s", "both=a", "default"},
+                          Case{"s", "double", "  x "},
+                          Case{"s", "single", "\"y\""},
+                          Case{"s", "open", "\"a"},
+                          Case{"s", "one", "\""},
+                          Case{"s", "hollow", ""},
+                          Case{"s", "[not a header", "z"},
+                          Case{"s", "\x83\x5D", "\x83\x5C \x95\x5C"},
+                          Case{"\x83\x5D", "k", "trail"},
+                          Case{"a]b", "K", "last bracket"},
+                          Case{"s", "only", "default"},
+                          Case{"", "k", "nameless"},
+                          Case{"end", "k", "no line end"},
+                          Case{"", "outside", "default"},
+                          Case{"missing", "k", "default"}}) {
+        EXPECT_EQ(Value(c.section, c.key), c.expected) << '[' << c.section << "] " << c.key;
+    }
+    EXPECT_EQ(Value(nullptr, nullptr), Joined({"s", "\x83\x5D", "a]b", "S", "", "end"}));
+    EXPECT_EQ(Value("end", nullptr), Joined({"k"}));
+    EXPECT_EQ(Value("missing", nullptr), "default");
+    EXPECT_EQ(qel::ReadProfileString("s", "missing", nullptr, kSize, m_name.c_str()), "");
+}
+
+TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
+    Write("[section1]\nname1 = val1\nname2=\n;c\n\nname3\nname4=\"v\x83\x5C\"\n[section2]\n");
+    const std::string whole = Joined({"name1=val1", "name2=", "name3", "name4=\"v\x83\x5C\""});
+    const auto length = static_cast<DWORD>(whole.size());
+    EXPECT_EQ(Section("SECTION1"), whole);
+    EXPECT_EQ(Section("section1", length + 2), whole);
+    EXPECT_EQ(Section("section1", length + 1).size(), length - 1);  // full: the length says so
+    EXPECT_EQ(Section("section1", length - 1), whole.substr(0, length - 4) + '\0');
+    EXPECT_EQ(Section("section1", 1), "");
+    EXPECT_EQ(Section("section2"), "");
+    EXPECT_EQ(Section("missing"), "");
+    EXPECT_EQ(Section(nullptr), "");
+
+    const auto cut = [&](DWORD size) { return qel::ReadProfileString("section1", "name4", "", size, m_name.c_str()); };
+    EXPECT_EQ(cut(0), "");
+    EXPECT_EQ(cut(1), "");
+    EXPECT_EQ(cut(3), "v");  // no half character
+    EXPECT_EQ(cut(4), "v\x83\x5C");
+}
+
+TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
+    struct Case {
+        const char *before, *section, *key, *value, *after;
+    };
+    for (const Case& c : {
+             Case{"", "s", "k", "v", "[s]\r\nk=v\r\n"},
+             Case{"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
+             Case{"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"},
+             Case{"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
+             Case{"[s]\nk=1\nK=2\n", "s", "K", "3", "[s]\nk=3\nK=2\n"},
+             Case{"[s]\nk=1\n\n \n[t]\n", "s", " l ", "2", "[s]\nk=1\nl=2\r\n\n \n[t]\n"},
+             Case{"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"},
+             Case{"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
+             Case{"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
+             Case{"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
+             Case{"[s]\r\nk=1\r\n", "t", "k", "v", "[s]\r\nk=1\r\n[t]\r\nk=v\r\n"},
+             Case{"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
+             Case{"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
+             Case{"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"},
+             Case{"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
+             Case{"[s]\nk=1\n", "s", "missing", nullptr, "[s]\nk=1\n"},
+             Case{"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"},
+             Case{"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
+             Case{"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"},
+         }) {
+        SCOPED_TRACE(c.before);
+        Write(c.before);
+        EXPECT_TRUE(Set(c.section, c.key, c.value));
+        EXPECT_EQ(Bytes(), c.after);
+        if (c.key != nullptr && c.value != nullptr) {
+            EXPECT_EQ(Value(c.section, c.key), std::string(1, c.value[0] == ' ' ? '2' : c.value[0]));
+        }
+    }
+}
+
+TEST_F(IniFile, WritesSequencesAndWholeSections) {
+    EXPECT_TRUE(Set("App1", "gone", nullptr));
+    EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
+    for (const char* key : {"key1", "key2", "key3"}) EXPECT_TRUE(Set("App1", key, "v"));
+    EXPECT_TRUE(Set("App2", "key4", "v"));
+    EXPECT_TRUE(Set("App3", "key5", "v"));
+    EXPECT_TRUE(Set("App1", "key2", nullptr));
+    EXPECT_EQ(Bytes(), "[App1]\r\nkey1=v\r\nkey3=v\r\n[App2]\r\nkey4=v\r\n[App3]\r\nkey5=v\r\n");
+
+    const auto setSection = [&](const char* section, const std::string& entries) {
+        return qel::WriteProfileSection(section, entries, m_name.c_str());
+    };
+    EXPECT_TRUE(setSection("app2", Joined({"a=1", "Nul=C:\\x", "bare"}) + '\0' + "behind the end"));
+    EXPECT_TRUE(setSection("App4", Joined({"b=2"})));
+    EXPECT_TRUE(setSection("App3", ""));
+    EXPECT_EQ(Bytes(),
+              "[App1]\r\nkey1=v\r\nkey3=v\r\n[App2]\r\na=1\r\nNul=C:\\x\r\nbare\r\n[App3]\r\n[App4]\r\nb=2\r\n");
+    EXPECT_EQ(Section("App2"), Joined({"a=1", "Nul=C:\\x", "bare"}));
+    EXPECT_FALSE(setSection("App4", Joined({"b=3", "[App1]"})));
+    EXPECT_FALSE(setSection(nullptr, Joined({"b=3"})));
+    EXPECT_EQ(Value("App4", "b"), "2");
+}
+
+TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
+    Write("[s]\nk=1\n");
+    struct Case {
+        const char *section, *key, *value;
+    };
+    for (const Case& c : {Case{nullptr, "k", "v"}, Case{"s", "k", "a\nb"}, Case{"s", "k", "a\rb"},
+                          Case{"s", "x\n[y]", "v"}, Case{"x]\r\n[y", "k", "v"}, Case{"s", "a=b", "v"},
+                          Case{"s", ";k", "v"}, Case{"s", "[k]", "v"}, Case{"broken\x83", "k", "v"}}) {
+        EXPECT_FALSE(Set(c.section, c.key, c.value)) << (c.key != nullptr ? c.key : "");
+    }
+    EXPECT_EQ(Bytes(), "[s]\nk=1\n");
+
+    const std::string utf16("\xFF\xFE[\0s\0]\0\n\0k\0=\0h0\n\0", 20);  // the value is one Japanese letter
+    Write(utf16);
+    EXPECT_EQ(Value("s", "k"), "\x82\xC6");
+    EXPECT_FALSE(Set("s", "k", "2"));
+    EXPECT_EQ(Bytes(), utf16);
+    {
+        const CodePageScope page(qel::kCodePageUtf8);
+        EXPECT_EQ(Value("s", "k"), "\xE3\x81\xA8");  // read again for another code page
+    }
+
+    EXPECT_FALSE(qel::WriteProfileString("s", "k", "v", m_folder.Name("missing/a.ini").c_str()));
+    EXPECT_FALSE(qel::WriteProfileString("s", "k", "v", m_folder.Name("").c_str()));
+    EXPECT_FALSE(qel::WriteProfileString("s", "k", "v", nullptr));
+    EXPECT_EQ(qel::ReadProfileString("s", "k", "d", kSize, "bad?name.ini"), "d");
+    ASSERT_EQ(::mkfifo(m_folder.Posix("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(qel::ReadProfileString("s", "k", "d", kSize, m_folder.Name("pipe").c_str()), "d");
+    EXPECT_FALSE(qel::WriteProfileString("s", "k", "v", m_folder.Name("pipe").c_str()));
+    std::ofstream(m_folder.Posix("huge.ini")) << "[s]\nk=1\n";
+    std::filesystem::resize_file(m_folder.Posix("huge.ini"), std::uintmax_t{1} << 40);
+    EXPECT_EQ(qel::ReadProfileString("s", "k", "d", kSize, m_folder.Name("huge.ini").c_str()), "d");
+    EXPECT_FALSE(qel::WriteProfileString("s", "k", "v", m_folder.Name("huge.ini").c_str()));
+}
+
+TEST_F(IniFile, ReplacesTheFileAndKeepsWhatItIs) {
+    Write("[s]\nk=1\n");
+    ::chmod(m_folder.Posix("a.ini").c_str(), 0640);
+    std::filesystem::create_symlink("a.ini", m_folder.Posix("link.ini"));
+    EXPECT_TRUE(qel::WriteProfileString("s", "k", "2", m_folder.Name("link.ini").c_str()));
+    EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Posix("link.ini")));
+    EXPECT_EQ(Value("s", "k"), "2");
+    struct stat status = {};
+    ASSERT_EQ(::stat(m_folder.Posix("a.ini").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0640u);
+    EXPECT_TRUE(Set("s", "k", "2"));  // the same again: nothing to write
+    struct stat again = {};
+    ::stat(m_folder.Posix("a.ini").c_str(), &again);
+    EXPECT_EQ(again.st_ino, status.st_ino);
+
+    ::chmod(m_folder.Posix("a.ini").c_str(), 0440);
+    EXPECT_FALSE(Set("s", "k", "3"));
+    EXPECT_EQ(m_folder.Count(), 2);
+
+    const EnvironmentScope state("QELLIB10_STATE_DIR", m_folder.Posix().c_str());
+    EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "A.INI"), "");  // names on disk are exact
+    EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "a.ini"), "2");
+    EXPECT_TRUE(qel::WriteProfileString("s", "k", "3", "WIN.INI"));
+    EXPECT_TRUE(m_folder.Has("WIN.INI"));
+}
+
+TEST_F(IniFile, NoticesEveryChange) {
+    // Same size, and often within one tick of the file system's clock: only the content tells.
+    for (int i = 0; i < 150; ++i) {
+        const std::string value = std::to_string(100 + i);
+        Write("[s]\nk=" + value + "\n");
+        ASSERT_EQ(Value("s", "k"), value);
+    }
+    std::filesystem::remove(m_folder.Posix("a.ini"));
+    EXPECT_EQ(Value("s", "k"), "default");
+    for (int i = 0; i < 50; ++i) {  // more files than are kept
+        const std::string name = m_folder.Name(std::to_string(i));
+        ASSERT_TRUE(qel::WriteProfileString("s", "k", name.c_str(), name.c_str()));
+    }
+    for (int i = 0; i < 50; ++i) {
+        const std::string name = m_folder.Name(std::to_string(i));
+        EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, name.c_str()), name);
+    }
+}
+
+TEST_F(IniFile, WritersOfDifferentKeysAllWinAndReadersSeeWholeFiles) {
+    constexpr int kWriters = 6;
+    constexpr int kRounds = 40;
+    const std::string padding(3000, 'x');
+    ASSERT_TRUE(Set("s", "padding", padding.c_str()));
+    std::vector<std::unique_ptr<ChildProcess>> writers;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        writers.push_back(std::make_unique<ChildProcess>([&, writer] {
+            for (int round = 0; round <= kRounds; ++round) {
+                const std::string key = KeyOf(writer, round % 4);
+                if (!Set("s", key.c_str(), std::to_string(round).c_str())) return 1;
+            }
+            return 0;
+        }));
+    }
+    ChildProcess reader([&] {
+        for (int i = 0; i < 3000; ++i) {
+            if (qel::ReadProfileString("s", "padding", "", 4000, m_name.c_str()) != padding) return 1;
+        }
+        return 0;
+    });
+    for (const auto& writer : writers) EXPECT_EQ(writer->Wait(), 0);
+    EXPECT_EQ(reader.Wait(), 0);
+    for (int writer = 0; writer < kWriters; ++writer) {
+        for (int key = 0; key < 4; ++key) {
+            const std::string name = KeyOf(writer, key);
+            EXPECT_EQ(Value("s", name.c_str()), std::to_string(kRounds - (kRounds - key) % 4)) << name;
+        }
+    }
+    EXPECT_EQ(m_folder.Count(), 1);
+}
+
+TEST_F(IniFile, WaitsForAnOpeningThatPasses) {
+    Write("[s]\nk=1\n");
+    CFile held(m_name.c_str(), CFile::modeRead | CFile::shareDenyWrite);
+    std::thread closing([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        held.Close();
+    });
+    EXPECT_TRUE(Set("s", "k", "2"));
+    closing.join();
+    EXPECT_EQ(Value("s", "k"), "2");
+}
+
+TEST_F(IniFile, ThreadsAndForkedChildrenShareTheCache) {
+    ASSERT_TRUE(Set("s", "k", "0"));
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([&, i] {
+            for (int round = 0; round < 40; ++round) {
+                Set("s", std::to_string(i).c_str(), std::to_string(round).c_str());
+                EXPECT_EQ(Value("s", "k"), "0");
+            }
+        });
+    }
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(InChild([&] { return Value("s", "k") == "0" ? 0 : 1; }), 0);
+    for (std::thread& thread : threads) thread.join();
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(Value("s", std::to_string(i).c_str()), "39");
+}
