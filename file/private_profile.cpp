@@ -1,0 +1,232 @@
+#include "qellib10/file/private_profile.h"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "qellib10/platform/endian.h"
+#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/text/multibyte.h"
+#include "qellib10/platform/text/number_scan.h"
+#include "qellib10/runtime/system_info.h"
+
+namespace {
+
+constexpr const char* kKeyClass = "Class";
+constexpr int kNotOpened = -1;       // of DeleteKeySub
+constexpr DWORD kTextBuffer = 1024;  // with the terminating zero
+constexpr DWORD kSectionBuffer = 32767;
+constexpr DWORD kSectionTooLong = kSectionBuffer - 2;
+
+struct Root {
+    const char* name;
+    int length;
+    HKEY key;
+};
+
+const Root* FindRoot(const CString& location) {
+    static const Root roots[] = {{"HKEY_LOCAL_MACHINE", 18, HKEY_LOCAL_MACHINE},
+                                 {"HKEY_CURRENT_USER", 17, HKEY_CURRENT_USER},
+                                 {"HKEY_CLASSES_ROOT", 17, HKEY_CLASSES_ROOT}};
+    const auto* const found = std::ranges::find_if(
+        roots, [&](const Root& root) { return location.Left(root.length).CompareNoCase(root.name) == 0; });
+    return found != std::end(roots) ? found : nullptr;
+}
+
+// By characters: a backslash may be the second byte of one.
+bool EndsWithBackslash(const CString& path) {
+    return !path.IsEmpty() && path.ReverseFind('\\') == path.GetLength() - 1;
+}
+
+CString WithoutBackslashes(CString path) {
+    while (EndsWithBackslash(path)) path = path.Left(path.GetLength() - 1);
+    return path;
+}
+
+CString NameOf(int key) { return CString(std::string_view(std::to_string(key))); }
+
+// A key that is closed at the end of the scope.
+class RegistryKey {
+public:
+    RegistryKey() = default;
+    ~RegistryKey() {
+        if (m_key != nullptr) qel::CloseRegistryKey(m_key);
+    }
+    RegistryKey(const RegistryKey&) = delete;
+    RegistryKey& operator=(const RegistryKey&) = delete;
+
+    bool Open(HKEY parent, const char* path) {
+        return qel::OpenRegistryKey(parent, path, m_key) == qel::kRegistrySuccess;
+    }
+    bool Create(HKEY parent, const char* path) {
+        return qel::CreateRegistryKey(parent, path, kKeyClass, m_key) == qel::kRegistrySuccess;
+    }
+    HKEY Get() const { return m_key; }
+
+private:
+    HKEY m_key = nullptr;
+};
+
+}  // namespace
+
+CPrivateProfile::CPrivateProfile(const char* location, int mode) { Open(location, mode); }
+CPrivateProfile::~CPrivateProfile() { Close(); }
+
+void CPrivateProfile::Open(const char* location, int mode) {
+    const CString whole(location);
+    Close();
+    m_nMode = mode;
+    if (mode != registryMode) {
+        m_szLocation = whole;
+        return;
+    }
+    if (const Root* root = FindRoot(whole)) {
+        m_hRoot = root->key;
+        m_szLocation = whole.Mid(root->length + 1);
+    }
+    if (!EndsWithBackslash(m_szLocation)) m_szLocation += '\\';
+}
+
+void CPrivateProfile::Close() {
+    m_hRoot = nullptr;
+    m_szLocation.Empty();
+}
+
+CString CPrivateProfile::KeyOf(const char* section) const { return m_szLocation + section; }
+
+// The first system of its family opened no key whose path ends with a backslash; it did make them.
+CString CPrivateProfile::OpenedKeyOf(const char* section) const {
+    CString key = KeyOf(section);
+    if (CSystemInfo::IsWin95() && EndsWithBackslash(key)) key = key.Left(key.GetLength() - 1);
+    return key;
+}
+
+int CPrivateProfile::Write(const char* section, const char* key, const char* value) {
+    return !m_szLocation.IsEmpty() && qel::WriteProfileString(section, key, value, m_szLocation);
+}
+
+int CPrivateProfile::Write(const char* section, const char* key, DWORD type, std::string_view data) {
+    return qel::WriteRegistryValue(m_hRoot, KeyOf(section), kKeyClass, key, {type, std::string(data)}) ==
+           qel::kRegistrySuccess;
+}
+
+bool CPrivateProfile::Read(const char* section, const char* key, qel::RegistryValue& value) const {
+    return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess;
+}
+
+int CPrivateProfile::Set(const char* section, const char* key, const char* value) {
+    if (m_nMode != registryMode) return Write(section, key, value);
+    // Without a terminating zero, as values already in the field.
+    return value != nullptr && Write(section, key, REG_SZ, value);
+}
+
+int CPrivateProfile::Set(const char* section, const char* key, int value) {
+    if (m_nMode != registryMode) return Write(section, key, std::to_string(value).c_str());
+    const auto bytes = qel::ToLittleEndian(value);
+    return Write(section, key, REG_DWORD, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+int CPrivateProfile::Set(const char* section, int key, const char* value) { return Set(section, NameOf(key), value); }
+int CPrivateProfile::Set(const char* section, int key, int value) { return Set(section, NameOf(key), value); }
+
+int CPrivateProfile::Set(const char* section, const char* key, const void* data, DWORD size) {
+    if (m_nMode != registryMode || (data == nullptr && size > 0)) return 0;
+    return Write(section, key, REG_BINARY, {static_cast<const char*>(data), size});
+}
+
+CString CPrivateProfile::Get(const char* section, const char* key, const char* defaultValue) const {
+    if (m_nMode != registryMode) {
+        if (m_szLocation.IsEmpty()) return defaultValue;
+        const std::string text = qel::ReadProfileString(section, key, defaultValue, kTextBuffer, m_szLocation);
+        return text.empty() ? defaultValue : text.c_str();
+    }
+    qel::RegistryValue value;
+    const bool isText = Read(section, key, value) &&
+                        (value.type == REG_SZ || value.type == REG_EXPAND_SZ || value.type == REG_MULTI_SZ);
+    return isText && value.data.size() < kTextBuffer ? value.data.c_str() : defaultValue;
+}
+
+int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {
+    if (m_nMode != registryMode) {
+        const CString text = Get(section, key, NameOf(defaultValue));
+        return qel::ClampToInt(qel::ScanInteger(text.View()));
+    }
+    qel::RegistryValue value;
+    const bool isNumber = Read(section, key, value) && value.type == REG_DWORD && value.data.size() == sizeof(int);
+    if (!isNumber) return defaultValue;
+    return qel::FromLittleEndian<int>(std::as_bytes(std::span(value.data)).first<sizeof(int)>());
+}
+
+CString CPrivateProfile::Get(const char* section, int key, const char* defaultValue) const {
+    return Get(section, NameOf(key), defaultValue);
+}
+int CPrivateProfile::Get(const char* section, int key, int defaultValue) const {
+    return Get(section, NameOf(key), defaultValue);
+}
+
+int CPrivateProfile::Get(const char* section, const char* key, void* data, DWORD* size) const {
+    qel::RegistryValue value;
+    if (m_nMode != registryMode || size == nullptr || !Read(section, key, value)) return 0;
+    const DWORD room = std::exchange(*size, static_cast<DWORD>(value.data.size()));
+    if (data == nullptr) return 1;
+    if (room < value.data.size()) return 0;
+    std::ranges::copy(value.data, static_cast<char*>(data));
+    return 1;
+}
+
+int CPrivateProfile::Delete(const char* section) {
+    return m_nMode == registryMode && DeleteKeySub(m_hRoot, OpenedKeyOf(section)) == 0;
+}
+
+int CPrivateProfile::GetAllStrings(const char* section, CStringArray& out) const {
+    if (m_nMode == registryMode || m_szLocation.IsEmpty()) return 0;
+    const auto read = [&] { return qel::ReadProfileSection(section, kSectionBuffer, m_szLocation); };
+    if (read().size() == kSectionTooLong) return 0;
+    out.RemoveAll();
+    const std::string entries = read();  // once more, for the entries, as it has always been
+    for (std::string_view rest = entries; !rest.empty() && rest[0] != '\0';) {
+        const std::string_view entry = rest.substr(0, rest.find('\0'));
+        out.Add(CString(entry));
+        rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
+    }
+    return 1;
+}
+
+// All or nothing: without Commit both keys are as they were.
+int CPrivateProfile::Replace(const CString& source, const CString& target) {
+    qel::RegistryTransaction transaction;
+    if (transaction.Begin(m_hRoot) != qel::kRegistrySuccess) return 0;
+    const int deleted = DeleteKeySub(m_hRoot, target);
+    if (deleted != 0 && deleted != kNotOpened) return 0;
+    RegistryKey from;
+    RegistryKey to;
+    return from.Open(m_hRoot, source) && to.Create(m_hRoot, target) && BackupSub(from.Get(), to.Get()) &&
+           transaction.Commit() == qel::kRegistrySuccess;
+}
+
+// The key beside the profile's own; the empty text when @p suffix names none.
+CString CPrivateProfile::BackupKey(const char* suffix) const {
+    const CString live = WithoutBackslashes(m_szLocation);
+    const CString end(suffix);
+    if (m_nMode != registryMode || live.IsEmpty() || end.IsEmpty() || end[0] == '\\') return {};
+    return live + end;
+}
+
+int CPrivateProfile::Backup(const char* suffix) {
+    const CString backup = BackupKey(suffix);
+    return !backup.IsEmpty() && Replace(WithoutBackslashes(m_szLocation), backup);
+}
+
+int CPrivateProfile::Restore(const char* suffix) {
+    const CString backup = BackupKey(suffix);
+    return !backup.IsEmpty() && Replace(backup, WithoutBackslashes(m_szLocation));
+}
+
+int CPrivateProfile::DeleteKeySub(HKEY parent, const char* name) {
+    if (RegistryKey key; !key.Open(parent, name)) return kNotOpened;
+    return qel::DeleteRegistryTree(parent, name);
+}
+
+int CPrivateProfile::BackupSub(HKEY from, HKEY to) { return qel::CopyRegistryTree(from, to) == qel::kRegistrySuccess; }

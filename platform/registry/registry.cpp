@@ -1,0 +1,153 @@
+#include "qellib10/platform/registry/registry.h"
+
+#include <concepts>
+#include <utility>
+
+#include "qellib10/platform/registry/open_keys.h"
+#include "qellib10/platform/registry/registry_error.h"
+#include "qellib10/platform/registry/registry_store.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/text/code_page.h"
+
+namespace qel {
+namespace {
+
+constexpr std::size_t kMostData = 1 << 20;
+
+// The one place where an operation's failure becomes its result.
+template <std::invocable Body> LONG AsCode(Body&& body) {
+    try {
+        std::forward<Body>(body)();
+        return kRegistrySuccess;
+    } catch (const RegistryError& error) {
+        return error.Code();
+    } catch (const CFileException&) {  // the folder of the databases has a name that cannot be
+        return kRegistryAccessDenied;
+    }
+}
+
+std::string_view View(const char* text) { return text != nullptr ? text : ""; }
+
+bool IsText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
+
+RegistryValue Kept(const RegistryValue& value) {
+    if (value.data.size() > kMostData) throw RegistryError(kRegistryInvalidParameter);
+    return IsText(value.type) ? RegistryValue{value.type, ToUtf8(value.data)} : value;
+}
+
+RegistryValue Given(RegistryValue kept) {
+    return IsText(kept.type) ? RegistryValue{kept.type, FromUtf8(kept.data)} : std::move(kept);
+}
+
+// What a path from a key does not lead to: is the key itself still there?
+[[noreturn]] void ThrowMissing(RegistryTree* tree, RegistryKeyId from) {
+    const bool isThere = from == kRegistryRootKey || (tree != nullptr && tree->Find(from, RegistryPath("")));
+    throw RegistryError(isThere ? kRegistryNotFound : kRegistryKeyDeleted);
+}
+
+RegistryKeyId Find(RegistryTree* tree, RegistryKeyId from, const RegistryPath& path) {
+    const std::optional<RegistryKeyId> key = tree != nullptr ? tree->Find(from, path) : std::nullopt;
+    if (!key) ThrowMissing(tree, from);
+    return *key;
+}
+
+}  // namespace
+
+LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKEY& key) {
+    return AsCode([&] {
+        const OpenKey from = FindOpenKey(parent);
+        const RegistryPath names(View(path));
+        RegistryStore::Writing writing(*from.store, true);
+        const RegistryKeyId made = writing.Tree().Create(from.key, names, ToUtf8(View(className)));
+        writing.Commit();
+        key = AddOpenKey({from.store, made});
+    });
+}
+
+LONG OpenRegistryKey(HKEY parent, const char* path, HKEY& key) {
+    return AsCode([&] {
+        const OpenKey from = FindOpenKey(parent);
+        const RegistryPath names(View(path));
+        const RegistryStore::Reading reading(*from.store);
+        key = AddOpenKey({from.store, Find(reading.Tree(), from.key, names)});
+    });
+}
+
+LONG CloseRegistryKey(HKEY key) {
+    return AsCode([&] { RemoveOpenKey(key); });
+}
+
+LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value) {
+    return AsCode([&] {
+        const OpenKey from = FindOpenKey(parent);
+        const RegistryPath names(View(path));
+        const RegistryName valueName = RegistryName::OfValue(View(name));
+        const RegistryStore::Reading reading(*from.store);
+        std::optional<RegistryValue> found;
+        if (reading.Tree() != nullptr) found = reading.Tree()->Read(from.key, names, valueName);
+        if (!found) ThrowMissing(reading.Tree(), from.key);
+        value = Given(*std::move(found));
+    });
+}
+
+LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
+                        const RegistryValue& value) {
+    return AsCode([&] {
+        const OpenKey from = FindOpenKey(parent);
+        const RegistryPath names(View(path));
+        const RegistryName valueName = RegistryName::OfValue(View(name));
+        const RegistryValue kept = Kept(value);
+        RegistryStore::Writing writing(*from.store, true);
+        RegistryTree& tree = writing.Tree();
+        tree.Write(tree.Create(from.key, names, ToUtf8(View(className))), valueName, kept);
+        writing.Commit();
+    });
+}
+
+LONG DeleteRegistryTree(HKEY parent, const char* path) {
+    return AsCode([&] {
+        const OpenKey from = FindOpenKey(parent);
+        const RegistryPath names(View(path));
+        RegistryStore::Writing writing(*from.store, false);
+        const RegistryKeyId key = Find(&writing.Tree(), from.key, names);
+        if (key == kRegistryRootKey) throw RegistryError(kRegistryAccessDenied);
+        writing.Tree().Delete(key);
+        writing.Commit();
+    });
+}
+
+LONG CopyRegistryTree(HKEY from, HKEY to) {
+    return AsCode([&] {
+        const OpenKey source = FindOpenKey(from);
+        const OpenKey target = FindOpenKey(to);
+        if (source.store != target.store) throw RegistryError(kRegistryInvalidParameter);
+        RegistryStore::Writing writing(*target.store, false);
+        RegistryTree& tree = writing.Tree();
+        for (const OpenKey& key : {source, target}) Find(&tree, key.key, RegistryPath(""));
+        if (tree.IsWithin(target.key, source.key)) throw RegistryError(kRegistryInvalidParameter);
+        tree.Copy(source.key, target.key);
+        writing.Commit();
+    });
+}
+
+struct RegistryTransaction::State {
+    explicit State(RegistryStore& store) : writing(store, false) {}
+    RegistryStore::Writing writing;
+};
+
+RegistryTransaction::RegistryTransaction() = default;
+RegistryTransaction::~RegistryTransaction() = default;
+
+LONG RegistryTransaction::Begin(HKEY key) {
+    return AsCode([&] { m_state = std::make_unique<State>(*FindOpenKey(key).store); });
+}
+
+LONG RegistryTransaction::Commit() {
+    return AsCode([&] {
+        if (!m_state) throw RegistryError(kRegistryBadHandle);
+        m_state->writing.Commit();
+        m_state.reset();
+    });
+}
+
+}  // namespace qel

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/types.h"
+
+// The registry: trees of keys, each key with named values. There are three trees; each is a database of its own, made
+// by the first write:
+//
+//     HKEY_LOCAL_MACHINE   local-machine.db   in the Windows folder, /var/lib/qellib10
+//     HKEY_CLASSES_ROOT    classes-root.db    beside it
+//     HKEY_CURRENT_USER    current-user.db    in $XDG_CONFIG_HOME/qellib10, else ~/.config/qellib10
+//
+// QELLIB10_REGISTRY_DIR, an absolute path, puts all of them into one folder. A tree without a database is empty.
+//
+// Names match without regard to case (Latin, also full-width, Greek and Cyrillic letters) and keep the spelling of
+// their creation. A key's name has 1 to 255 characters, a value's 0 to 16383: the empty name, or null, is the key's
+// default value. Keys nest up to 512 levels; data hold up to 1 MiB.
+//
+// A path is names between backslashes, one at its end does not count, several count as one, one at the beginning is an
+// error; null and the empty path are the key itself. Names and texts are kept in Unicode, so that processes of
+// different code pages share them.
+//
+// Every change is on the disk when the operation returns, and whole or not there at all, whenever the process or the
+// machine stops. Safe from any thread and in forked children, but for a fork within a RegistryTransaction.
+
+/// A key: one of the roots, or one that CreateRegistryKey or OpenRegistryKey gave. 0 is none.
+using HKEY = struct HKEY__*;
+
+inline const HKEY HKEY_CLASSES_ROOT = reinterpret_cast<HKEY>(std::uintptr_t{0x80000000});
+inline const HKEY HKEY_CURRENT_USER = reinterpret_cast<HKEY>(std::uintptr_t{0x80000001});
+inline const HKEY HKEY_LOCAL_MACHINE = reinterpret_cast<HKEY>(std::uintptr_t{0x80000002});
+
+/// Types of values.
+inline constexpr DWORD REG_SZ = 1;
+inline constexpr DWORD REG_EXPAND_SZ = 2;
+inline constexpr DWORD REG_BINARY = 3;
+inline constexpr DWORD REG_DWORD = 4;
+inline constexpr DWORD REG_MULTI_SZ = 7;
+inline constexpr DWORD REG_QWORD = 11;
+
+namespace qel {
+
+/// What registry operations answer: the platform's error numbers.
+enum RegistryCode : LONG {
+    kRegistrySuccess = 0,
+    kRegistryNotFound = 2,
+    kRegistryAccessDenied = 5,
+    kRegistryBadHandle = 6,
+    kRegistryInvalidParameter = 87,  // a name, a path or data beyond the limits
+    kRegistryDiskFull = 112,
+    kRegistryBadPath = 161,
+    kRegistryBusy = 170,       // others used the tree for 10 seconds on end
+    kRegistryDamaged = 1009,   // the database is none, or of a newer version
+    kRegistryIoFailed = 1016,  // the disk failed
+    kRegistryKeyDeleted = 1018,
+};
+
+/// A value. Data of REG_SZ, REG_EXPAND_SZ and REG_MULTI_SZ are text in the process's code page, with a terminating zero
+/// only where it was stored; of other types they are bytes, numbers little-endian.
+struct RegistryValue {
+    DWORD type = REG_BINARY;
+    std::string data;
+};
+
+/// Opens the key at @p path, making what is missing of it; each new key gets @p className, which nothing reads.
+QELLIB10_API LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKEY& key);
+QELLIB10_API LONG OpenRegistryKey(HKEY parent, const char* path, HKEY& key);
+/// Roots are never closed; closing one does nothing.
+QELLIB10_API LONG CloseRegistryKey(HKEY key);
+
+/// Reads and sets a value of the key at @p path, which is made when missing. One step each, without opening the key.
+QELLIB10_API LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value);
+QELLIB10_API LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
+                                     const RegistryValue& value);
+
+/// Deletes a key with all below it. A root is refused: 5.
+QELLIB10_API LONG DeleteRegistryTree(HKEY parent, const char* path);
+/// Copies all values and subkeys of @p from into @p to, where values of the same name are replaced. Between two roots,
+/// and into itself or a key of its own: 87.
+QELLIB10_API LONG CopyRegistryTree(HKEY from, HKEY to);
+
+/// Makes one of several operations of this thread on one root: others see all of them or none. Without Commit, and when
+/// the process ends before it, nothing has happened. After an operation that failed within it, let it go.
+class QELLIB10_API RegistryTransaction {
+public:
+    RegistryTransaction();
+    ~RegistryTransaction();
+    RegistryTransaction(const RegistryTransaction&) = delete;
+    RegistryTransaction& operator=(const RegistryTransaction&) = delete;
+
+    /// Begins on the root of @p key. @return kRegistryNotFound when the tree has no database: nothing is in it
+    LONG Begin(HKEY key);
+    LONG Commit();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+}  // namespace qel

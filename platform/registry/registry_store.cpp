@@ -1,0 +1,101 @@
+#include "qellib10/platform/registry/registry_store.h"
+
+#include <filesystem>
+#include <vector>
+
+#include "qellib10/platform/registry/registry_error.h"
+
+namespace qel {
+
+template <RegistryRoot kRoot> RegistryStore& RegistryStore::One() {
+    static RegistryStore& store = *new RegistryStore([] { One<kRoot>().LeaveBehind(); }, kRoot);
+    return store;
+}
+
+RegistryStore& RegistryStore::Of(RegistryRoot root) {
+    switch (root) {
+        case RegistryRoot::ClassesRoot:
+            return One<RegistryRoot::ClassesRoot>();
+        case RegistryRoot::CurrentUser:
+            return One<RegistryRoot::CurrentUser>();
+        default:
+            return One<RegistryRoot::LocalMachine>();
+    }
+}
+
+// In a forked child. The connection is the parent's: even closing it would undo what the parent is about to write.
+void RegistryStore::LeaveBehind() {
+    static auto& left = *new std::vector<RegistryTree*>;
+    if (m_tree) left.push_back(m_tree.release());
+    m_writings = 0;
+}
+
+bool RegistryStore::IsOpen(const std::string& path, const struct stat& status) const {
+    return m_tree && m_path == path && m_device == status.st_dev && m_number == status.st_ino;
+}
+
+void RegistryStore::Open(const std::string& path, bool create) {
+    m_tree.reset();
+    m_tree = std::make_unique<RegistryTree>(path, create);
+    struct stat status = {};
+    ::stat(path.c_str(), &status);
+    m_path = path;
+    m_device = status.st_dev;
+    m_number = status.st_ino;
+    m_isMade = false;
+}
+
+RegistryTree* RegistryStore::OpenForReading() {
+    if (m_writings > 0) return m_tree.get();
+    const std::string path = RegistryDatabase(m_root);
+    struct stat status = {};
+    if (path.empty() || ::stat(path.c_str(), &status) != 0) return nullptr;
+    if (!IsOpen(path, status)) Open(path, false);
+    if (!m_isMade) m_isMade = m_tree->IsMade();
+    return m_isMade ? m_tree.get() : nullptr;
+}
+
+void RegistryStore::BeginWriting(bool create) {
+    const std::string path = RegistryDatabase(m_root);
+    if (path.empty()) throw RegistryError(kRegistryAccessDenied);
+    struct stat status = {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    if (!exists && !create) throw RegistryError(kRegistryNotFound);
+    if (!exists) {
+        std::error_code shownByOpen;
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path(), shownByOpen);
+    }
+    if (!exists || !IsOpen(path, status)) Open(path, create);
+    m_tree->Begin();
+    if (m_isMade || m_tree->IsMade()) return;
+    if (!create) throw RegistryError(kRegistryNotFound);
+    m_tree->Make();
+}
+
+RegistryStore::Writing::Writing(RegistryStore& store) : m_store(store), m_guard(store.m_lock) { ++store.m_writings; }
+
+// The other constructor has made the object when this one begins: it is destroyed as usual when this one throws.
+RegistryStore::Writing::Writing(RegistryStore& store, bool create) : Writing(store) {
+    if (store.m_writings == 1) store.BeginWriting(create);
+}
+
+RegistryStore::Writing::~Writing() {
+    if (m_store.m_writings == 0) return;  // in a child that was forked meanwhile
+    --m_store.m_writings;
+    if (m_isCommitted || m_store.m_writings > 0 || !m_store.m_tree) return;
+    try {
+        m_store.m_tree->RollBack();
+    } catch (const RegistryError&) {
+        m_store.m_tree.reset();  // closing the connection undoes it as well
+    }
+}
+
+void RegistryStore::Writing::Commit() {
+    if (m_store.m_writings == 1) {
+        m_store.m_tree->Commit();
+        m_store.m_isMade = true;
+    }
+    m_isCommitted = true;
+}
+
+}  // namespace qel

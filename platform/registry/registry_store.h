@@ -1,0 +1,79 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "qellib10/platform/fork_safe_lock.h"
+#include "qellib10/platform/registry/registry_location.h"
+#include "qellib10/platform/registry/registry_tree.h"
+
+namespace qel {
+
+/// One of the three trees as the threads of this process share it: its lock, and its connection, which is opened when
+/// needed, opened anew when the database has been replaced or the environment names another, and left behind by a
+/// forked child. What fails throws RegistryError.
+class RegistryStore {
+public:
+    static RegistryStore& Of(RegistryRoot root);
+
+    class Reading;
+    class Writing;
+
+private:
+    explicit RegistryStore(void (*leaveBehind)(), RegistryRoot root) : m_lock(leaveBehind), m_root(root) {}
+
+    template <RegistryRoot kRoot> static RegistryStore& One();
+    void LeaveBehind();
+
+    bool IsOpen(const std::string& path, const struct stat& status) const;
+    void Open(const std::string& path, bool create);
+    RegistryTree* OpenForReading();
+    void BeginWriting(bool create);
+
+    ForkSafeLock m_lock;
+    RegistryRoot m_root;
+    std::unique_ptr<RegistryTree> m_tree;
+    std::string m_path;  // of the database that is open, and its file
+    dev_t m_device = 0;
+    ino_t m_number = 0;
+    bool m_isMade = false;  // the database is known to hold a tree
+    int m_writings = 0;     // under way, one within the other
+};
+
+/// Holds the lock while a tree is read.
+class RegistryStore::Reading {
+public:
+    explicit Reading(RegistryStore& store) : m_guard(store.m_lock), m_tree(store.OpenForReading()) {}
+
+    /// Null when there is no database.
+    RegistryTree* Tree() const noexcept { return m_tree; }
+
+private:
+    std::unique_lock<ForkSafeLock> m_guard;
+    RegistryTree* m_tree;
+};
+
+/// Holds the lock while a tree is changed. The outermost one of a thread is a transaction, undone unless committed.
+class RegistryStore::Writing {
+public:
+    /// @param create makes a missing database; without it: throws RegistryError 2
+    Writing(RegistryStore& store, bool create);
+    ~Writing();
+    Writing(const Writing&) = delete;
+    Writing& operator=(const Writing&) = delete;
+
+    RegistryTree& Tree() const noexcept { return *m_store.m_tree; }
+    void Commit();
+
+private:
+    explicit Writing(RegistryStore& store);
+
+    RegistryStore& m_store;
+    std::unique_lock<ForkSafeLock> m_guard;
+    bool m_isCommitted = false;
+};
+
+}  // namespace qel

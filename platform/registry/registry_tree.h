@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qellib10/platform/registry/database.h"
+#include "qellib10/platform/registry/registry.h"
+#include "qellib10/platform/registry/registry_path.h"
+
+namespace qel {
+
+/// A key in its tree's database: a number that no other key ever had or gets.
+using RegistryKeyId = std::int64_t;
+inline constexpr RegistryKeyId kRegistryRootKey = 1;
+
+/// The keys and values of a database. Texts are UTF-8 here. Nothing is locked, and what changes belongs between Begin
+/// and Commit. What fails throws RegistryError.
+class RegistryTree {
+public:
+    /// @param create makes an empty database when it is missing
+    RegistryTree(const std::string& posixPath, bool create);
+
+    /// Whether the database holds a tree. @throws RegistryError 1009 when a newer version of the library made it
+    bool IsMade();
+    void Make();
+
+    void Begin() { m_database.Run("BEGIN IMMEDIATE"); }
+    void Commit() { m_database.Run("COMMIT"); }
+    /// Also where a failure has done it already.
+    void RollBack();
+
+    std::optional<RegistryKeyId> Find(RegistryKeyId from, const RegistryPath& path);
+    RegistryKeyId Create(RegistryKeyId from, const RegistryPath& path, std::string_view className);
+    std::optional<RegistryValue> Read(RegistryKeyId from, const RegistryPath& path, const RegistryName& name);
+    void Write(RegistryKeyId key, const RegistryName& name, const RegistryValue& value);
+    void Delete(RegistryKeyId key);
+    /// @p to does not stand within @p from.
+    void Copy(RegistryKeyId from, RegistryKeyId to);
+
+    /// Whether @p key is @p above or stands below it.
+    bool IsWithin(RegistryKeyId key, RegistryKeyId above);
+
+private:
+    std::optional<RegistryKeyId> FindPart(RegistryKeyId from, const RegistryPath& path, std::size_t first,
+                                          std::size_t count);
+    std::optional<RegistryKeyId> Follow(RegistryKeyId from, const RegistryPath& path, std::size_t& first,
+                                        std::size_t rest);
+    std::optional<RegistryKeyId> FindChild(RegistryKeyId parent, std::string_view fold);
+    RegistryKeyId MakeChild(RegistryKeyId parent, std::string_view fold, std::string_view name,
+                            std::string_view className);
+
+    Database m_database;
+    std::vector<Statement> m_find;  // by the number of names that are looked up at once
+    std::vector<Statement> m_read;
+    Statement m_parent, m_children, m_copyValues, m_makeChild, m_write, m_delete;
+};
+
+}  // namespace qel
