@@ -6,7 +6,6 @@
 #include "qellib10/platform/registry/open_keys.h"
 #include "qellib10/platform/registry/registry_error.h"
 #include "qellib10/platform/registry/registry_store.h"
-#include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/text/code_page.h"
 
 namespace qel {
@@ -21,8 +20,6 @@ template <std::invocable Body> LONG AsCode(Body&& body) {
         return kRegistrySuccess;
     } catch (const RegistryError& error) {
         return error.Code();
-    } catch (const CFileException&) {  // the folder of the databases has a name that cannot be
-        return kRegistryAccessDenied;
     }
 }
 

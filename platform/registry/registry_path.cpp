@@ -60,6 +60,7 @@ RegistryName RegistryName::OfValue(std::string_view text) {
 RegistryPath::RegistryPath(std::string_view path) : m_text(Converted(path)) {
     const std::string_view text = m_text.name;
     if (text.starts_with('\\')) throw RegistryError(kRegistryBadPath);
+    m_names.reserve(8);
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\\', at), text.size());
         if (end > at) m_names.push_back({at, end - at});

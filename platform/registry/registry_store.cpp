@@ -1,5 +1,7 @@
 #include "qellib10/platform/registry/registry_store.h"
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <vector>
 
@@ -30,27 +32,27 @@ void RegistryStore::LeaveBehind() {
     m_writings = 0;
 }
 
-bool RegistryStore::IsOpen(const std::string& path, const struct stat& status) const {
-    return m_tree && m_path == path && m_device == status.st_dev && m_number == status.st_ino;
+std::optional<RegistryStore::FileId> RegistryStore::IdOf(const std::string& path) {
+    struct stat status = {};
+    if (path.empty() || ::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return FileId{status.st_dev, status.st_ino};
 }
 
-void RegistryStore::Open(const std::string& path, bool create) {
+void RegistryStore::Open(const std::string& path, const std::optional<FileId>& id, bool create) {
+    if (m_tree && m_path == path && id && m_id == id) return;
     m_tree.reset();
     m_tree = std::make_unique<RegistryTree>(path, create);
-    struct stat status = {};
-    ::stat(path.c_str(), &status);
     m_path = path;
-    m_device = status.st_dev;
-    m_number = status.st_ino;
+    m_id = id ? id : IdOf(path);
     m_isMade = false;
 }
 
 RegistryTree* RegistryStore::OpenForReading() {
     if (m_writings > 0) return m_tree.get();
     const std::string path = RegistryDatabase(m_root);
-    struct stat status = {};
-    if (path.empty() || ::stat(path.c_str(), &status) != 0) return nullptr;
-    if (!IsOpen(path, status)) Open(path, false);
+    const std::optional<FileId> id = IdOf(path);
+    if (!id) return nullptr;
+    Open(path, id, false);
     if (!m_isMade) m_isMade = m_tree->IsMade();
     return m_isMade ? m_tree.get() : nullptr;
 }
@@ -58,14 +60,13 @@ RegistryTree* RegistryStore::OpenForReading() {
 void RegistryStore::BeginWriting(bool create) {
     const std::string path = RegistryDatabase(m_root);
     if (path.empty()) throw RegistryError(kRegistryAccessDenied);
-    struct stat status = {};
-    const bool exists = ::stat(path.c_str(), &status) == 0;
-    if (!exists && !create) throw RegistryError(kRegistryNotFound);
-    if (!exists) {
+    const std::optional<FileId> id = IdOf(path);
+    if (!id) {
+        if (!create) throw RegistryError(kRegistryNotFound);
         std::error_code shownByOpen;
         std::filesystem::create_directories(std::filesystem::path(path).parent_path(), shownByOpen);
     }
-    if (!exists || !IsOpen(path, status)) Open(path, create);
+    Open(path, id, create);
     m_tree->Begin();
     if (m_isMade || m_tree->IsMade()) return;
     if (!create) throw RegistryError(kRegistryNotFound);

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <sys/stat.h>
-
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "qellib10/platform/fork_safe_lock.h"
@@ -28,19 +28,25 @@ private:
     template <RegistryRoot kRoot> static RegistryStore& One();
     void LeaveBehind();
 
-    bool IsOpen(const std::string& path, const struct stat& status) const;
-    void Open(const std::string& path, bool create);
+    // Which file a name means.
+    struct FileId {
+        std::uint64_t device, number;
+        bool operator==(const FileId&) const = default;
+    };
+    static std::optional<FileId> IdOf(const std::string& path);
+
+    // @param id the file that @p path means now, if any
+    void Open(const std::string& path, const std::optional<FileId>& id, bool create);
     RegistryTree* OpenForReading();
     void BeginWriting(bool create);
 
     ForkSafeLock m_lock;
     RegistryRoot m_root;
     std::unique_ptr<RegistryTree> m_tree;
-    std::string m_path;  // of the database that is open, and its file
-    dev_t m_device = 0;
-    ino_t m_number = 0;
-    bool m_isMade = false;  // the database is known to hold a tree
-    int m_writings = 0;     // under way, one within the other
+    std::string m_path;          // of the database that is open,
+    std::optional<FileId> m_id;  // and its file
+    bool m_isMade = false;       // the database is known to hold a tree
+    int m_writings = 0;          // under way, one within the other
 };
 
 /// Holds the lock while a tree is read.

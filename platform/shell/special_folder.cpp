@@ -47,15 +47,15 @@ std::string FirstOfConfigDirs() {
     return "/etc/xdg";
 }
 
-std::string PosixPathOf(SpecialFolder folder) {
+}  // namespace
+
+std::string PosixSpecialFolder(SpecialFolder folder) {
     if (folder == SpecialFolder::kCommonStartup) return FirstOfConfigDirs() + "/autostart";
     const std::string config = ConfigHome();
     if (config.empty() || folder == SpecialFolder::kAppData) return config;
     return folder == SpecialFolder::kStartup ? config + "/autostart" : "";
 }
 
-}  // namespace
-
-CString SpecialFolderPath(SpecialFolder folder) { return ToLibraryPath(PosixPathOf(folder)); }
+CString SpecialFolderPath(SpecialFolder folder) { return ToLibraryPath(PosixSpecialFolder(folder)); }
 
 }  // namespace qel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
@@ -15,5 +17,6 @@ enum class SpecialFolder : int {
 /// The folder's path, which need not exist; values of the environment count only when they are absolute. The empty text
 /// when the user has no home folder.
 QELLIB10_API CString SpecialFolderPath(SpecialFolder folder);
+std::string PosixSpecialFolder(SpecialFolder folder);
 
 }  // namespace qel

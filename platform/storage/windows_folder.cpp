@@ -6,9 +6,11 @@
 
 namespace qel {
 
-CString WindowsFolder() {
+std::string PosixWindowsFolder() {
     const char* folder = std::getenv("QELLIB10_STATE_DIR");
-    return ToLibraryPath(folder != nullptr && folder[0] == '/' ? folder : "/var/lib/qellib10");
+    return folder != nullptr && folder[0] == '/' ? folder : "/var/lib/qellib10";
 }
+
+CString WindowsFolder() { return ToLibraryPath(PosixWindowsFolder()); }
 
 }  // namespace qel

@@ -25,7 +25,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/shell", {"platform/storage"}},
     {"platform/sync", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
-    {"platform/registry", {"platform/storage"}},
+    {"platform/registry", {"platform/shell"}},
     {"resource", {"platform/text"}},
     {"runtime", {"resource", "platform/archive", "platform/shell", "platform/sync"}},
     {"base", {"runtime", "platform/variant"}},
