@@ -2,39 +2,62 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <new>
+#include <vector>
 
 namespace qel {
 
-// The handlers that fork calls, and the list of all locks that they go through, the newest first.
+// The handlers that fork calls, and what they work on.
 struct ForkSafeLock::AtFork {
-    static inline std::mutex listLock;
-    static inline ForkSafeLock* first = nullptr;
+    std::mutex listLock;  // taken last of all
+    std::vector<ForkSafeLock*> all;
+    std::mutex forking;  // from Prepare to the end of the fork, taken first
+    std::vector<ForkSafeLock*> taken;
 
-    static void Prepare() {
-        listLock.lock();
-        for (ForkSafeLock* at = first; at != nullptr; at = at->m_next) at->lock();
+    static AtFork& Instance() {
+        static AtFork& instance = *new AtFork;
+        return instance;
     }
-    static void InParent() {
-        for (ForkSafeLock* at = first; at != nullptr; at = at->m_next) at->unlock();
-        listLock.unlock();
+
+    AtFork() {
+        const auto prepare = [] { Instance().Prepare(); };
+        const auto inParent = [] { Instance().InParent(); };
+        const auto inChild = [] { Instance().InChild(); };
+        if (::pthread_atfork(prepare, inParent, inChild) != 0) throw std::bad_alloc();  // its only failure
     }
-    static void InChild() {
-        for (ForkSafeLock* at = first; at != nullptr; at = at->m_next) {
-            // Its owner is a thread of the parent: it cannot be unlocked here, only made anew.
-            new (&at->m_lock) std::recursive_mutex;
-            if (at->m_inChild != nullptr) at->m_inChild();
+
+    void Add(ForkSafeLock* lock) {
+        const std::lock_guard guard(listLock);
+        all.insert(std::ranges::upper_bound(all, lock->m_order, {}, &ForkSafeLock::m_order), lock);
+    }
+    void Prepare() {
+        forking.lock();
+        {
+            const std::lock_guard guard(listLock);
+            taken = all;
         }
+        for (ForkSafeLock* lock : taken) lock->lock();
+        listLock.lock();
+    }
+    void InParent() {
         listLock.unlock();
+        for (ForkSafeLock* lock : taken) lock->unlock();
+        forking.unlock();
+    }
+    void InChild() {
+        listLock.unlock();
+        for (ForkSafeLock* lock : taken) {
+            // Its owner is a thread of the parent: it cannot be unlocked here, only made anew.
+            new (&lock->m_lock) std::recursive_mutex;
+            if (lock->m_inChild != nullptr) lock->m_inChild();
+        }
+        forking.unlock();
     }
 };
 
-ForkSafeLock::ForkSafeLock(void (*inChild)()) : m_inChild(inChild) {
-    static const int registered = ::pthread_atfork(AtFork::Prepare, AtFork::InParent, AtFork::InChild);
-    if (registered != 0) throw std::bad_alloc();  // its only failure
-    const std::lock_guard guard(AtFork::listLock);
-    m_next = AtFork::first;
-    AtFork::first = this;
+ForkSafeLock::ForkSafeLock(int order, void (*inChild)()) : m_order(order), m_inChild(inChild) {
+    AtFork::Instance().Add(this);
 }
 
 }  // namespace qel

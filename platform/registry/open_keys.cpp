@@ -1,59 +1,46 @@
 #include "qellib10/platform/registry/open_keys.h"
 
-#include <cstdint>
-#include <mutex>
-#include <unordered_map>
-
-#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/registry/registry_error.h"
 
 namespace qel {
 namespace {
 
-struct Table {
-    ForkSafeLock lock;
-    std::unordered_map<std::uintptr_t, OpenKey> keys;
-    std::uintptr_t last = 0x1000;  // a multiple of 4, as handles are, below those of the roots
-};
-
+// A handle is a multiple of 4 and the number of its tree, as those of the roots are.
 constexpr std::uintptr_t kStep = 4;
-
-Table& OpenKeys() {
-    static Table& table = *new Table;
-    return table;
-}
+constexpr std::uintptr_t kFirst = 0x1000;
+const std::uintptr_t kRoots = reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT);
 
 std::uintptr_t NumberOf(HKEY handle) { return reinterpret_cast<std::uintptr_t>(handle); }
-std::uintptr_t FirstRoot() { return NumberOf(HKEY_CLASSES_ROOT); }
-bool IsRoot(HKEY handle) { return NumberOf(handle) - FirstRoot() < std::uintptr_t{kRegistryRoots}; }
+bool IsRoot(std::uintptr_t number) { return number - number % kStep == kRoots; }
 
 }  // namespace
 
-HKEY AddOpenKey(const OpenKey& key) {
-    Table& table = OpenKeys();
-    const std::lock_guard guard(table.lock);
-    do table.last += kStep;
-    while (IsRoot(reinterpret_cast<HKEY>(table.last)));
-    table.keys.emplace(table.last, key);
-    return reinterpret_cast<HKEY>(table.last);
+RegistryRoot RootOf(HKEY handle) {
+    const std::uintptr_t root = NumberOf(handle) % kStep;
+    if (handle == nullptr || root >= kRegistryRoots) throw RegistryError(kRegistryBadHandle);
+    return static_cast<RegistryRoot>(root);
 }
 
-OpenKey FindOpenKey(HKEY handle) {
-    if (IsRoot(handle)) {
-        return {&RegistryStore::Of(static_cast<RegistryRoot>(NumberOf(handle) - FirstRoot())), kRegistryRootKey};
-    }
-    Table& table = OpenKeys();
-    const std::lock_guard guard(table.lock);
-    const auto found = table.keys.find(NumberOf(handle));
-    if (found == table.keys.end()) throw RegistryError(kRegistryBadHandle);
+OpenKeys::OpenKeys(RegistryRoot root) : m_last(kFirst + static_cast<std::uintptr_t>(root)) {
+    m_keys.emplace(kRoots + static_cast<std::uintptr_t>(root), kRegistryRootKey);
+}
+
+HKEY OpenKeys::Add(RegistryKeyId key) {
+    m_last += kStep;
+    if (IsRoot(m_last)) m_last += kStep;
+    m_keys.emplace(m_last, key);
+    return reinterpret_cast<HKEY>(m_last);
+}
+
+RegistryKeyId OpenKeys::Find(HKEY handle) const {
+    const auto found = m_keys.find(NumberOf(handle));
+    if (found == m_keys.end()) throw RegistryError(kRegistryBadHandle);
     return found->second;
 }
 
-void RemoveOpenKey(HKEY handle) {
-    if (IsRoot(handle)) return;
-    Table& table = OpenKeys();
-    const std::lock_guard guard(table.lock);
-    if (table.keys.erase(NumberOf(handle)) == 0) throw RegistryError(kRegistryBadHandle);
+void OpenKeys::Remove(HKEY handle) {
+    if (IsRoot(NumberOf(handle))) return;
+    if (m_keys.erase(NumberOf(handle)) == 0) throw RegistryError(kRegistryBadHandle);
 }
 
 }  // namespace qel

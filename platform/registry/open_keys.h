@@ -1,22 +1,31 @@
 #pragma once
 
-#include <optional>
+#include <cstdint>
+#include <unordered_map>
 
 #include "qellib10/platform/registry/registry.h"
-#include "qellib10/platform/registry/registry_store.h"
+#include "qellib10/platform/registry/registry_location.h"
+#include "qellib10/platform/registry/registry_tree.h"
 
 namespace qel {
 
-/// What a handle stands for.
-struct OpenKey {
-    RegistryStore* store;
-    RegistryKeyId key;
-};
+/// The tree that a handle belongs to. @throws RegistryError 6 when it can be none
+RegistryRoot RootOf(HKEY handle);
 
-// The table of all open keys of the process. A handle that was closed is never given out again.
-HKEY AddOpenKey(const OpenKey& key);
-/// Also for the roots. @throws RegistryError 6
-OpenKey FindOpenKey(HKEY handle);
-void RemoveOpenKey(HKEY handle);
+/// The open keys of one tree, its root among them. A handle says which tree it belongs to, and is never given out
+/// again.
+class OpenKeys {
+public:
+    explicit OpenKeys(RegistryRoot root);
+
+    HKEY Add(RegistryKeyId key);
+    /// @throws RegistryError 6, as does Remove
+    RegistryKeyId Find(HKEY handle) const;
+    void Remove(HKEY handle);
+
+private:
+    std::uintptr_t m_last;
+    std::unordered_map<std::uintptr_t, RegistryKeyId> m_keys;
+};
 
 }  // namespace qel

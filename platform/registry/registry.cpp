@@ -3,7 +3,6 @@
 #include <concepts>
 #include <utility>
 
-#include "qellib10/platform/registry/open_keys.h"
 #include "qellib10/platform/registry/registry_error.h"
 #include "qellib10/platform/registry/registry_store.h"
 #include "qellib10/platform/text/code_page.h"
@@ -52,37 +51,40 @@ RegistryKeyId Find(RegistryTree* tree, RegistryKeyId from, const RegistryPath& p
 
 LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKEY& key) {
     return AsCode([&] {
-        const OpenKey from = FindOpenKey(parent);
+        RegistryStore& store = RegistryStore::Of(parent);
+        const RegistryKeyId from = store.KeyOf(parent);
         const RegistryPath names(View(path));
-        RegistryStore::Writing writing(*from.store, true);
-        const RegistryKeyId made = writing.Tree().Create(from.key, names, ToUtf8(View(className)));
+        RegistryStore::Writing writing(store, true);
+        const RegistryKeyId made = writing.Tree().Create(from, names, ToUtf8(View(className)));
         writing.Commit();
-        key = AddOpenKey({from.store, made});
+        key = store.OpenKey(made);
     });
 }
 
 LONG OpenRegistryKey(HKEY parent, const char* path, HKEY& key) {
     return AsCode([&] {
-        const OpenKey from = FindOpenKey(parent);
+        RegistryStore& store = RegistryStore::Of(parent);
+        const RegistryKeyId from = store.KeyOf(parent);
         const RegistryPath names(View(path));
-        const RegistryStore::Reading reading(*from.store);
-        key = AddOpenKey({from.store, Find(reading.Tree(), from.key, names)});
+        const RegistryStore::Reading reading(store);
+        key = store.OpenKey(Find(reading.Tree(), from, names));
     });
 }
 
 LONG CloseRegistryKey(HKEY key) {
-    return AsCode([&] { RemoveOpenKey(key); });
+    return AsCode([&] { RegistryStore::Of(key).CloseKey(key); });
 }
 
 LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value) {
     return AsCode([&] {
-        const OpenKey from = FindOpenKey(parent);
+        RegistryStore& store = RegistryStore::Of(parent);
+        const RegistryKeyId from = store.KeyOf(parent);
         const RegistryPath names(View(path));
         const RegistryName valueName = RegistryName::OfValue(View(name));
-        const RegistryStore::Reading reading(*from.store);
+        const RegistryStore::Reading reading(store);
         std::optional<RegistryValue> found;
-        if (reading.Tree() != nullptr) found = reading.Tree()->Read(from.key, names, valueName);
-        if (!found) ThrowMissing(reading.Tree(), from.key);
+        if (reading.Tree() != nullptr) found = reading.Tree()->Read(from, names, valueName);
+        if (!found) ThrowMissing(reading.Tree(), from);
         value = Given(*std::move(found));
     });
 }
@@ -90,23 +92,25 @@ LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, Registry
 LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
                         const RegistryValue& value) {
     return AsCode([&] {
-        const OpenKey from = FindOpenKey(parent);
+        RegistryStore& store = RegistryStore::Of(parent);
+        const RegistryKeyId from = store.KeyOf(parent);
         const RegistryPath names(View(path));
         const RegistryName valueName = RegistryName::OfValue(View(name));
         const RegistryValue kept = Kept(value);
-        RegistryStore::Writing writing(*from.store, true);
+        RegistryStore::Writing writing(store, true);
         RegistryTree& tree = writing.Tree();
-        tree.Write(tree.Create(from.key, names, ToUtf8(View(className))), valueName, kept);
+        tree.Write(tree.Create(from, names, ToUtf8(View(className))), valueName, kept);
         writing.Commit();
     });
 }
 
 LONG DeleteRegistryTree(HKEY parent, const char* path) {
     return AsCode([&] {
-        const OpenKey from = FindOpenKey(parent);
+        RegistryStore& store = RegistryStore::Of(parent);
+        const RegistryKeyId from = store.KeyOf(parent);
         const RegistryPath names(View(path));
-        RegistryStore::Writing writing(*from.store, false);
-        const RegistryKeyId key = Find(&writing.Tree(), from.key, names);
+        RegistryStore::Writing writing(store, false);
+        const RegistryKeyId key = Find(&writing.Tree(), from, names);
         if (key == kRegistryRootKey) throw RegistryError(kRegistryAccessDenied);
         writing.Tree().Delete(key);
         writing.Commit();
@@ -115,14 +119,15 @@ LONG DeleteRegistryTree(HKEY parent, const char* path) {
 
 LONG CopyRegistryTree(HKEY from, HKEY to) {
     return AsCode([&] {
-        const OpenKey source = FindOpenKey(from);
-        const OpenKey target = FindOpenKey(to);
-        if (source.store != target.store) throw RegistryError(kRegistryInvalidParameter);
-        RegistryStore::Writing writing(*target.store, false);
+        RegistryStore& store = RegistryStore::Of(from);
+        if (&store != &RegistryStore::Of(to)) throw RegistryError(kRegistryInvalidParameter);
+        const RegistryKeyId source = store.KeyOf(from);
+        const RegistryKeyId target = store.KeyOf(to);
+        RegistryStore::Writing writing(store, false);
         RegistryTree& tree = writing.Tree();
-        for (const OpenKey& key : {source, target}) Find(&tree, key.key, RegistryPath(""));
-        if (tree.IsWithin(target.key, source.key)) throw RegistryError(kRegistryInvalidParameter);
-        tree.Copy(source.key, target.key);
+        for (const RegistryKeyId key : {source, target}) Find(&tree, key, RegistryPath(""));
+        if (tree.IsWithin(target, source)) throw RegistryError(kRegistryInvalidParameter);
+        tree.Copy(source, target);
         writing.Commit();
     });
 }
@@ -136,7 +141,7 @@ RegistryTransaction::RegistryTransaction() = default;
 RegistryTransaction::~RegistryTransaction() = default;
 
 LONG RegistryTransaction::Begin(HKEY key) {
-    return AsCode([&] { m_state = std::make_unique<State>(*FindOpenKey(key).store); });
+    return AsCode([&] { m_state = std::make_unique<State>(RegistryStore::Of(key)); });
 }
 
 LONG RegistryTransaction::Commit() {

@@ -25,7 +25,8 @@
 // different code pages share them.
 //
 // Every change is on the disk when the operation returns, and whole or not there at all, whenever the process or the
-// machine stops. Safe from any thread and in forked children, but for a fork within a RegistryTransaction.
+// machine stops. Safe from any thread and in forked children; one that was forked within a RegistryTransaction of its
+// thread finds that tree busy.
 
 /// A key: one of the roots, or one that CreateRegistryKey or OpenRegistryKey gave. 0 is none.
 using HKEY = struct HKEY__*;

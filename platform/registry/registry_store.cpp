@@ -10,12 +10,12 @@
 namespace qel {
 
 template <RegistryRoot kRoot> RegistryStore& RegistryStore::One() {
-    static RegistryStore& store = *new RegistryStore([] { One<kRoot>().LeaveBehind(); }, kRoot);
+    static RegistryStore& store = *new RegistryStore(kRoot, [] { One<kRoot>().LeaveBehind(); });
     return store;
 }
 
-RegistryStore& RegistryStore::Of(RegistryRoot root) {
-    switch (root) {
+RegistryStore& RegistryStore::Of(HKEY handle) {
+    switch (RootOf(handle)) {
         case RegistryRoot::ClassesRoot:
             return One<RegistryRoot::ClassesRoot>();
         case RegistryRoot::CurrentUser:
@@ -25,10 +25,27 @@ RegistryStore& RegistryStore::Of(RegistryRoot root) {
     }
 }
 
+RegistryKeyId RegistryStore::KeyOf(HKEY handle) {
+    const std::lock_guard guard(m_lock);
+    return m_keys.Find(handle);
+}
+
+HKEY RegistryStore::OpenKey(RegistryKeyId key) {
+    const std::lock_guard guard(m_lock);
+    return m_keys.Add(key);
+}
+
+void RegistryStore::CloseKey(HKEY handle) {
+    const std::lock_guard guard(m_lock);
+    m_keys.Remove(handle);
+}
+
 // In a forked child. The connection is the parent's: even closing it would undo what the parent is about to write.
 void RegistryStore::LeaveBehind() {
     static auto& left = *new std::vector<RegistryTree*>;
     if (m_tree) left.push_back(m_tree.release());
+    // SQLite goes on to believe that this process holds the parent's locks.
+    if (m_writings > 0) m_isLost = true;
     m_writings = 0;
 }
 
@@ -48,6 +65,7 @@ void RegistryStore::Open(const std::string& path, const std::optional<FileId>& i
 }
 
 RegistryTree* RegistryStore::OpenForReading() {
+    if (m_isLost) throw RegistryError(kRegistryBusy);
     if (m_writings > 0) return m_tree.get();
     const std::string path = RegistryDatabase(m_root);
     const std::optional<FileId> id = IdOf(path);
@@ -58,6 +76,7 @@ RegistryTree* RegistryStore::OpenForReading() {
 }
 
 void RegistryStore::BeginWriting(bool create) {
+    if (m_isLost) throw RegistryError(kRegistryBusy);
     const std::string path = RegistryDatabase(m_root);
     if (path.empty()) throw RegistryError(kRegistryAccessDenied);
     const std::optional<FileId> id = IdOf(path);

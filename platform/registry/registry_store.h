@@ -7,23 +7,30 @@
 #include <string>
 
 #include "qellib10/platform/fork_safe_lock.h"
+#include "qellib10/platform/registry/open_keys.h"
 #include "qellib10/platform/registry/registry_location.h"
 #include "qellib10/platform/registry/registry_tree.h"
 
 namespace qel {
 
-/// One of the three trees as the threads of this process share it: its lock, and its connection, which is opened when
-/// needed, opened anew when the database has been replaced or the environment names another, and left behind by a
-/// forked child. What fails throws RegistryError.
+/// One of the three trees as the threads of this process share it: its lock, its open keys, and its connection, which
+/// is opened when needed, opened anew when the database has been replaced or the environment names another, and left
+/// behind by a forked child. What fails throws RegistryError.
 class RegistryStore {
 public:
-    static RegistryStore& Of(RegistryRoot root);
+    /// The one that @p handle belongs to.
+    static RegistryStore& Of(HKEY handle);
+
+    RegistryKeyId KeyOf(HKEY handle);
+    HKEY OpenKey(RegistryKeyId key);
+    void CloseKey(HKEY handle);
 
     class Reading;
     class Writing;
 
 private:
-    explicit RegistryStore(void (*leaveBehind)(), RegistryRoot root) : m_lock(leaveBehind), m_root(root) {}
+    RegistryStore(RegistryRoot root, void (*leaveBehind)())
+        : m_lock(kRegistryLockOrder + static_cast<int>(root), leaveBehind), m_root(root), m_keys(root) {}
 
     template <RegistryRoot kRoot> static RegistryStore& One();
     void LeaveBehind();
@@ -42,11 +49,13 @@ private:
 
     ForkSafeLock m_lock;
     RegistryRoot m_root;
+    OpenKeys m_keys;
     std::unique_ptr<RegistryTree> m_tree;
     std::string m_path;          // of the database that is open,
     std::optional<FileId> m_id;  // and its file
     bool m_isMade = false;       // the database is known to hold a tree
     int m_writings = 0;          // under way, one within the other
+    bool m_isLost = false;       // this process was forked within one
 };
 
 /// Holds the lock while a tree is read.

@@ -16,6 +16,7 @@
 #include "qellib10/platform/storage/ini_edit.h"
 #include "qellib10/platform/storage/locked_file.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/replacement.h"
 #include "qellib10/platform/storage/windows_folder.h"
 #include "qellib10/platform/text/multibyte.h"
@@ -55,8 +56,8 @@ std::string ContentOf(const Descriptor& file, const std::string& name) {
 using Edited = std::optional<std::string>;
 
 // One try. @param edit gives the new bytes for the old ones, or nothing when it refuses
-template <class Edit> bool RewriteOnce(const std::string& name, Edit&& edit) {
-    const Descriptor file = OpenLocked(ToPosixPath(name), name);
+template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, Edit&& edit) {
+    const Descriptor file = OpenLocked(ToPosixPath(name), 0, name, wait);
     const std::string old = file ? ContentOf(file, name) : std::string();
     const Edited changed = edit(old);
     if (!changed || *changed == old) return changed.has_value();
@@ -66,14 +67,14 @@ template <class Edit> bool RewriteOnce(const std::string& name, Edit&& edit) {
     return true;
 }
 
-// Another one writes the file, looks at it or makes it just now.
-bool IsPassing(LONG code) { return code == kLockViolation || code == kSharingViolation || code == kFileExists; }
+// Another one looks at the file, or makes it, just now.
+bool IsPassing(LONG code) { return code == kSharingViolation || code == kFileExists; }
 
 template <class Edit> bool Rewrite(const char* file, Edit&& edit) {
     const std::string name = FullName(file != nullptr ? file : "");
     for (Backoff wait(kWriteLimit);;) {
         try {
-            return RewriteOnce(name, edit);
+            return RewriteOnce(name, wait, edit);
         } catch (const CFileException& failure) {
             if (!IsPassing(failure.m_lOsError) || !wait.Again()) return false;
         }

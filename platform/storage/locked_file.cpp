@@ -12,35 +12,37 @@ namespace qel {
 namespace {
 
 constexpr off_t kLockedByte = 0x7FFFFFFFFFF40000;  // behind the marks of share modes
+constexpr mode_t kNewFileMode = 0644;
 
-// @return 0 or the errno
-int Lock(int file) {
+// A file system that knows no locks keeps nobody out.
+bool Lock(const Descriptor& file) {
     struct flock lock = {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
     lock.l_start = kLockedByte;
     lock.l_len = 1;
-    return ::fcntl(file, F_OFD_SETLK, &lock) == 0 ? 0 : errno;
+    return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 || (errno != EAGAIN && errno != EACCES);
 }
 
-// A file system that knows no locks keeps nobody out.
-bool IsHeld(int error) { return error == EAGAIN || error == EACCES; }
+// Another process may have put a new file, or none, in the place of the one that was opened.
+bool StillThere(const struct stat& opened, const std::string& path) {
+    struct stat now = {};
+    return ::stat(path.c_str(), &now) == 0 && now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
+}
 
 }  // namespace
 
-Descriptor OpenLocked(const std::string& posixPath, std::string_view name) {
-    Descriptor file(
-        Uninterrupted([&] { return ::open(posixPath.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
-    if (!file && errno == ENOENT) return file;
-    struct stat opened = {};
-    struct stat now = {};
-    if (!file || ::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name, posixPath);
-    if (!S_ISREG(opened.st_mode)) ThrowCode(kAccessDenied, name);
-    if (IsHeld(Lock(file.Get()))) ThrowCode(kLockViolation, name);
-    const bool stillThere =
-        ::stat(posixPath.c_str(), &now) == 0 && now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
-    if (!stillThere) ThrowCode(kLockViolation, name);
-    return file;
+Descriptor OpenLocked(const std::string& posixPath, int flags, std::string_view name, Backoff& wait) {
+    flags |= O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    do {
+        Descriptor file(Uninterrupted([&] { return ::open(posixPath.c_str(), flags, kNewFileMode); }));
+        if (!file && errno == ENOENT && (flags & O_CREAT) == 0) return file;
+        struct stat opened = {};
+        if (!file || ::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name, posixPath);
+        if (!S_ISREG(opened.st_mode)) ThrowCode(kAccessDenied, name);
+        if (Lock(file) && StillThere(opened, posixPath)) return file;
+    } while (wait.Again());
+    ThrowCode(kLockViolation, name);
 }
 
 }  // namespace qel

@@ -12,6 +12,7 @@
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/locked_file.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/restart_record.h"
@@ -37,36 +38,10 @@ std::string Content(const Descriptor& file, std::string_view name) {
     return text;
 }
 
-bool Lock(const Descriptor& file) {
-    struct flock lock = {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_len = 1;
-    return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0;
-}
-
-// Another process may have put a new file, or none, in the place of the one that was opened.
-bool StillThere(const Descriptor& file, const std::string& path) {
-    struct stat opened = {};
-    struct stat now = {};
-    return ::fstat(file.Get(), &opened) == 0 && ::stat(path.c_str(), &now) == 0 && opened.st_dev == now.st_dev &&
-           opened.st_ino == now.st_ino;
-}
-
 // The queue's file, locked; no descriptor when there is none and @p flags do not make it.
-Descriptor OpenLocked(const std::string& path, int flags) {
+Descriptor OpenQueue(const std::string& path, int flags) {
     Backoff wait(kLockLimit, kLongestSleep);
-    do {
-        Descriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, 0644));
-        if (!file && errno == ENOENT && (flags & O_CREAT) == 0) return file;
-        if (!file) ThrowErrno(errno, path, path);
-        if (Lock(file)) {
-            if (StillThere(file, path)) return file;
-        } else if (errno != EAGAIN && errno != EACCES) {
-            ThrowErrno(errno, path);
-        }
-    } while (wait.Again());
-    ThrowCode(kLockViolation, path);
+    return OpenLocked(path, O_NOFOLLOW | flags, path, wait);
 }
 
 // Each start of the system has an id of its own; "-" where that cannot be read.
@@ -151,7 +126,7 @@ RestartQueue::RestartQueue(std::string posixPath) : m_path(std::move(posixPath))
 
 void RestartQueue::Add(const RestartOperation& operation) {
     MakeFolders(PosixFolderOf(m_path));
-    const Descriptor file = OpenLocked(m_path, O_CREAT);
+    const Descriptor file = OpenQueue(m_path, O_CREAT);
     const std::uint64_t end = Length(file, m_path);
     char last = '\n';
     if (end > 0) ReadFullyAt(file, std::as_writable_bytes(std::span(&last, 1)), end - 1, m_path);
@@ -163,7 +138,7 @@ void RestartQueue::Add(const RestartOperation& operation) {
 }
 
 void RestartQueue::Run(const std::function<void(const RestartOperation&, int)>& report) {
-    const Descriptor file = OpenLocked(m_path, 0);
+    const Descriptor file = OpenQueue(m_path, 0);
     if (!file) return;
     const std::string bootId = BootId();
     std::vector<RestartRecord> kept;

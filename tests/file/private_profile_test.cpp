@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <memory>
 #include <random>
 #include <string>
 #include <thread>
@@ -14,6 +13,7 @@
 
 namespace {
 
+constexpr const char* kNone = nullptr;
 constexpr const char* kPlace = "HKEY_CURRENT_USER\\Software\\Meter";
 
 // Reaches what derived classes may call.
@@ -22,26 +22,6 @@ public:
     using CPrivateProfile::BackupSub;
     using CPrivateProfile::CPrivateProfile;
     using CPrivateProfile::DeleteKeySub;
-};
-
-// The rules that hold wherever settings live, on all three: a file, the registry, and the registry of the old system.
-struct Storage {
-    const char* name;
-    int mode;
-    qel::SystemFamily family;
-};
-
-class AnyProfile : public testing::TestWithParam<Storage> {
-protected:
-    AnyProfile() {
-        qel::SetSystemFamily(GetParam().family);
-        const bool registry = GetParam().mode == CPrivateProfile::registryMode;
-        m_profile.Open(registry ? kPlace : m_registry.Folder().Name("a.ini").c_str(), GetParam().mode);
-    }
-    ~AnyProfile() override { qel::SetSystemFamily(qel::SystemFamily::Nt); }
-
-    RegistryScope m_registry;
-    Profile m_profile;
 };
 
 class RegistryProfile : public testing::Test {
@@ -58,38 +38,30 @@ CString SectionOf(int value) {
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(Of, AnyProfile,
-                         testing::Values(Storage{"Ini", 0, qel::SystemFamily::Nt},
-                                         Storage{"OtherModeIsIni", 7, qel::SystemFamily::Nt},
-                                         Storage{"Registry", 1, qel::SystemFamily::Nt},
-                                         Storage{"OldRegistry", 1, qel::SystemFamily::Win95}),
-                         [](const auto& storage) { return storage.param.name; });
-
-TEST_P(AnyProfile, GivesBackWhatWasSet) {
-    EXPECT_EQ(m_profile.Get("S", "k", "d"), "d");
-    EXPECT_EQ(m_profile.Get("S", "k", nullptr), "");
-    EXPECT_EQ(m_profile.Get("S", "k", -7), -7);
-    for (const char* text : {"v", "\x83\x5C \x95\x5C=", "12abc"}) {
-        EXPECT_EQ(m_profile.Set("S", "k", text), 1);
-        EXPECT_EQ(m_profile.Get("s", "K", "d"), text);
-    }
-    for (const int number : {0, -1, 2147483647, -2147483647 - 1}) {
-        EXPECT_EQ(m_profile.Set("Section\\Sub", 12, number), 1);
-        EXPECT_EQ(m_profile.Get("section\\SUB", "12", 7), number);
-        EXPECT_EQ(m_profile.Get("section\\SUB", 12, 7), number);
-    }
-    EXPECT_EQ(m_profile.Set("", -3, "negative"), 1);
-    EXPECT_EQ(m_profile.Get("", "-3", "d"), "negative");
-    EXPECT_EQ(m_profile.Get("", -3, "d"), "negative");
-
+TEST_F(RegistryProfile, AndIniFilesGiveBackWhatWasSet) {
     const std::string longest(1023, 'x');
-    EXPECT_EQ(m_profile.Set("S", "long", longest.c_str()), 1);
-    EXPECT_EQ(m_profile.Get("S", "long", "d"), longest.c_str());
-    Profile copy(m_profile);
-    m_profile.Close();
-    EXPECT_EQ(m_profile.Set("S", "k", "after"), 0);
-    EXPECT_EQ(m_profile.Get("S", "k", "d  "), "d  ");
-    EXPECT_EQ(copy.Get("S", "long", "d"), longest.c_str());
+    for (const int mode : {0, 7, 1}) {
+        SCOPED_TRACE(mode);
+        const CString file = m_registry.Folder().Path(std::to_string(mode));
+        Profile profile(mode == CPrivateProfile::registryMode ? kPlace : static_cast<const char*>(file), mode);
+        EXPECT_EQ(profile.Get("S", "k", "d") + profile.Get("S", "k", nullptr), "d");
+        for (const char* text : {"", "\x83\x5C \x95\x5C=", "12abc", longest.c_str()}) {
+            EXPECT_EQ(profile.Set("S", "k", text), 1);
+            EXPECT_EQ(profile.Get("s", "K", ""), text);
+        }
+        for (const int number : {0, -1, 2147483647, -2147483647 - 1}) {
+            EXPECT_EQ(profile.Set("Section\\Sub", number, number), 1);
+            EXPECT_EQ(profile.Get("section\\SUB", number, 7), number);
+            EXPECT_EQ(profile.Get("section\\SUB", std::to_string(number).c_str(), 7), number);
+        }
+        EXPECT_EQ(profile.Set("", -3, "negative"), 1);
+        EXPECT_EQ(profile.Get("", -3, "d"), "negative");
+        const Profile copy(profile);
+        profile.Close();
+        EXPECT_EQ(profile.Set("S", "k", "after"), 0);
+        EXPECT_EQ(profile.Get("S", "k", "d  "), "d  ");
+        EXPECT_EQ(copy.Get("S", "k", "d"), longest.c_str());
+    }
 }
 
 TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
@@ -97,23 +69,18 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     folder.Write("a.ini", "[s]\nnumber=12abc\nempty=\nword=abc\nblank= +5 \nhuge=99999999999\nminus=- 5\n" +
                               ("long=" + std::string(1100, 'x')) + "\n");
     Profile ini(folder.Path("a.ini"));
-    struct Case {
-        const char* key;
-        int number;
-        const char* text;
-    };
-    for (const Case& c : {Case{"number", 12, "12abc"}, Case{"empty", 7, "d  "}, Case{"word", 0, "abc"},
-                          Case{"blank", 5, "+5"}, Case{"huge", 2147483647, "99999999999"}, Case{"minus", 0, "- 5"}}) {
-        EXPECT_EQ(ini.Get("s", c.key, 7), c.number) << c.key;
-        EXPECT_EQ(ini.Get("s", c.key, "d  "), c.text) << c.key;
+    const int numbers[] = {12, 7, 0, 5, 2147483647, 0};
+    const char* texts[] = {"12abc", "d  ", "abc", "+5", "99999999999", "- 5"};
+    int at = 0;
+    for (const char* key : {"number", "empty", "word", "blank", "huge", "minus"}) {
+        EXPECT_EQ(ini.Get("s", key, 7), numbers[at]) << key;
+        EXPECT_EQ(ini.Get("s", key, "d  "), texts[at++]) << key;
     }
     EXPECT_EQ(ini.Get("s", "missing", "d  "), "d");  // what the platform does with a default
     EXPECT_EQ(ini.Get("s", "long", "").GetLength(), 1023);
-    EXPECT_EQ(ini.Get("s", static_cast<const char*>(nullptr), "d"), "number");
+    EXPECT_EQ(ini.Get("s", kNone, "d"), "number");
 
-    EXPECT_EQ(ini.Set("s", "word", 42), 1);
-    EXPECT_EQ(ini.Set("s", "number", static_cast<const char*>(nullptr)), 1);
-    EXPECT_EQ(ini.Set(nullptr, "k", "v"), 0);
+    EXPECT_EQ(ini.Set("s", "word", 42) + ini.Set("s", "number", kNone) + ini.Set(nullptr, "k", "v"), 2);
     CStringArray lines;
     lines.Add("old");
     EXPECT_EQ(ini.GetAllStrings("S", lines), 1);
@@ -121,13 +88,11 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     EXPECT_EQ(lines[1], "word=42");
     EXPECT_EQ(ini.GetAllStrings("missing", lines), 1);
     EXPECT_EQ(lines.GetSize(), 0);
-    EXPECT_EQ(ini.Set("s", static_cast<const char*>(nullptr), "v"), 1);
+    EXPECT_EQ(ini.Set("s", kNone, "v"), 1);
     EXPECT_EQ(folder.Read("a.ini"), "");
 
-    char byte = 0;
-    DWORD size = 1;
-    EXPECT_EQ(ini.Set("s", "k", &byte, 1), 0);
-    EXPECT_EQ(ini.Get("s", "k", &byte, &size), 0);
+    DWORD size = 0;
+    EXPECT_EQ(ini.Set("s", "k", "b", 1) + ini.Get("s", "k", nullptr, &size), 0);
     EXPECT_EQ(ini.Delete("s") + ini.Backup("2") + ini.Restore("2"), 0);
 }
 
@@ -145,20 +110,12 @@ TEST(PrivateProfile, ListsSectionsUpTo32764Bytes) {
 
 TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
     ASSERT_EQ(m_profile.Set("S", "k", "v"), 1);
-    struct Case {
-        const char *location, *section;
-        bool found;
-    };
-    for (const Case& c : {Case{"hkey_current_user\\SOFTWARE\\meter\\", "s", true},
-                          Case{"HKEY_CURRENT_USER/Software\\\\Meter\\\\S", nullptr, true},  // any separator is skipped
-                          Case{"HKEY_CURRENT_USER\\Software", "Meter\\S\\", true},
-                          Case{"HKEY_CURRENT_USER", "Software\\Meter\\S", false},
-                          Case{"HKEY_LOCAL_MACHINE\\Software\\Meter", "S", false},
-                          Case{"HKEY_CLASSES_ROOT\\Software\\Meter", "S", false},
-                          Case{"HKEY_USERS\\Software\\Meter", "S", false}, Case{nullptr, "S", false}}) {
-        SCOPED_TRACE(c.location != nullptr ? c.location : "none");
-        Profile profile(c.location, 1);
-        EXPECT_EQ(profile.Get(c.section, "k", "d"), c.found ? "v" : "d");
+    for (const char* location : {"hkey_current_user\\SOFTWARE\\meter\\", "HKEY_CURRENT_USER/Software\\\\Meter"}) {
+        EXPECT_EQ(Profile(location, 1).Get("s\\", "k", "d"), "v") << location;
+    }
+    EXPECT_EQ(Profile("HKEY_CURRENT_USER\\Software\\Meter\\S", 1).Get(nullptr, "k", "d"), "v");
+    for (const char* location : {"HKEY_LOCAL_MACHINE\\Software\\Meter", "HKEY_CLASSES_ROOT\\Software\\Meter"}) {
+        EXPECT_EQ(Profile(location, 1).Get("S", "k", "d"), "d") << location;
     }
     for (const char* location : {"HKEY_USERS\\a", "HKEY_CURRENT_USER", "", "a.ini"}) {
         Profile profile(location, 1);
@@ -172,17 +129,20 @@ TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
     EXPECT_EQ(japanese.Set("S", "k", "v"), 1);
     EXPECT_EQ(Profile("HKEY_CURRENT_USER", 1).Get("\x83\x5C\\S", "k", "d"), "d");
     EXPECT_EQ(Profile("HKEY_CURRENT_USER\\\x83\x5C\\S", 1).Get(nullptr, "k", "d"), "v");
+
+    qel::SetSystemFamily(qel::SystemFamily::Win95);  // the backslash at the end goes, in any case one
+    EXPECT_EQ(m_profile.Get("S\\", "k", "d"), "v");
+    EXPECT_EQ(m_profile.Get("", "k", "d"), "d");
+    EXPECT_EQ(m_profile.Delete("S\\"), 1);
+    qel::SetSystemFamily(qel::SystemFamily::Nt);
 }
 
 TEST_F(RegistryProfile, KeepsTypes) {
     const std::string bytes("a\0b", 3);
-    EXPECT_EQ(m_profile.Set("S", "bytes", bytes.data(), 3), 1);
-    EXPECT_EQ(m_profile.Set("S", "none", nullptr, 0), 1);
-    EXPECT_EQ(m_profile.Set("S", "none", nullptr, 1), 0);
-    EXPECT_EQ(m_profile.Set("S", "text", "12"), 1);
-    EXPECT_EQ(m_profile.Set("S", "text", static_cast<const char*>(nullptr)), 0);
-    EXPECT_EQ(m_profile.Set("S", "number", 0x41424344), 1);
-    EXPECT_EQ(m_profile.Set("S", static_cast<const char*>(nullptr), "default value"), 1);
+    EXPECT_EQ(m_profile.Set("S", "bytes", bytes.data(), 3) + m_profile.Set("S", "none", nullptr, 0), 2);
+    EXPECT_EQ(m_profile.Set("S", "none", nullptr, 1) + m_profile.Set("S", "text", kNone), 0);
+    EXPECT_EQ(m_profile.Set("S", "text", "12") + m_profile.Set("S", "number", 0x41424344), 2);
+    EXPECT_EQ(m_profile.Set("S", kNone, "default value"), 1);
     EXPECT_EQ(m_profile.Set("S", "long", std::string(1024, 'x').c_str()), 1);
     struct Case {
         const char *key, *bytes;
@@ -190,9 +150,10 @@ TEST_F(RegistryProfile, KeepsTypes) {
         const char* text;
         int number;
     };
-    for (const Case& c : {Case{"bytes", "a\0b", 3, "d", 7}, Case{"none", "", 0, "d", 7}, Case{"text", "12", 2, "12", 7},
-                          Case{"number", "DCBA", 4, "d", 0x41424344}, Case{"", "", 13, "default value", 7},
-                          Case{"long", "", 1024, "d", 7}}) {
+    const Case cases[] = {{"bytes", "a\0b", 3, "d", 7},     {"none", "", 0, "d", 7},
+                          {"text", "12", 2, "12", 7},       {"number", "DCBA", 4, "d", 0x41424344},
+                          {"", "", 13, "default value", 7}, {"long", "", 1024, "d", 7}};
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.key);
         EXPECT_EQ(m_profile.Get("S", c.key, "d"), c.text);
         EXPECT_EQ(m_profile.Get("S", c.key, 7), c.number);
@@ -217,7 +178,7 @@ TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
     EXPECT_EQ(m_profile.Backup("2"), 1);
     m_profile.Set("A\\B", "k", 2);
     m_profile.Set("C", "k", "new");
-    for (const char* suffix : {"", "\\", "\\below", static_cast<const char*>(nullptr)}) {
+    for (const char* suffix : {"", "\\", "\\below", kNone}) {
         EXPECT_EQ(m_profile.Backup(suffix) + m_profile.Restore(suffix), 0);
     }
     EXPECT_EQ(m_profile.Get("A\\B", "k", 0), 2);

@@ -2,16 +2,15 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <memory>
 #include <optional>
 #include <string>
-#include <thread>
-#include <vector>
+#include <utility>
 
-#include "../support/child_process.h"
 #include "../support/code_page_scope.h"
 #include "../support/registry_scope.h"
+#include "../support/run_at_once.h"
 
 namespace {
 
@@ -45,15 +44,13 @@ std::string Nested(int levels) {
 TEST_F(Registry, FindsNamesWhateverTheirCase) {
     EXPECT_EQ(Read("a"), qel::kRegistryNotFound);
     EXPECT_EQ(m_registry.Folder().Count(), 0);  // reading makes no database
-    struct Case {
-        const char *written, *read;
-    };
-    for (const Case& c :
-         {Case{"Soft\\Key", "sOFT\\kEY"}, Case{"a\\b\\", "A\\\\B"}, Case{"\x82\x60", "\x82\x81"},  // full-width A
-          Case{"\x83\x9F", "\x83\xBF"}, Case{"\x84\x46", "\x84\x76"},                              // Greek, Cyrillic io
-          Case{"x\x83\x5C\\y", "X\x83\x5C\\Y"}}) {
-        EXPECT_EQ(Write(c.written, "Name", c.written), qel::kRegistrySuccess);
-        EXPECT_EQ(Text(c.read, "nAME"), c.written);
+    const char* const names[][2] = {{"Soft\\Key", "sOFT\\kEY"},       {"a\\b\\", "A\\\\B"},
+                                    {"x\x83\x5C\\y", "X\x83\x5C\\Y"}, {"\x82\x60", "\x82\x81"},
+                                    {"\x83\x9F", "\x83\xBF"},   // full-width, Greek
+                                    {"\x84\x46", "\x84\x76"}};  // Cyrillic
+    for (const auto& [written, read] : names) {
+        EXPECT_EQ(Write(written, "Name", written), qel::kRegistrySuccess);
+        EXPECT_EQ(Text(read, "nAME"), written);
     }
     EXPECT_EQ(Read("A\\B", "other"), qel::kRegistryNotFound);
     EXPECT_EQ(Read("\xB1"), qel::kRegistryNotFound);  // half width is another name
@@ -67,16 +64,15 @@ TEST_F(Registry, FindsNamesWhateverTheirCase) {
 }
 
 TEST_F(Registry, RefusesWhatIsBeyondItsLimits) {
-    struct Case {
-        std::string path;
-        LONG code;
-    };
     const std::string longest(255, 'n');
-    for (const Case& c : {Case{"\\a", qel::kRegistryBadPath}, Case{longest, qel::kRegistrySuccess},
-                          Case{longest + "n", qel::kRegistryInvalidParameter}, Case{Nested(512), qel::kRegistrySuccess},
-                          Case{Nested(513), qel::kRegistryInvalidParameter}}) {
-        EXPECT_EQ(Write(c.path, "", "x"), c.code);
-        EXPECT_EQ(Read(c.path), c.code);
+    const std::pair<std::string, LONG> paths[] = {{"\\a", qel::kRegistryBadPath},
+                                                  {longest, qel::kRegistrySuccess},
+                                                  {longest + "n", qel::kRegistryInvalidParameter},
+                                                  {Nested(512), qel::kRegistrySuccess},
+                                                  {Nested(513), qel::kRegistryInvalidParameter}};
+    for (const auto& [path, code] : paths) {
+        EXPECT_EQ(Write(path, "", "x"), code);
+        EXPECT_EQ(Read(path), code);
     }
     EXPECT_EQ(Write("v", std::string(16383, 'n').c_str(), std::string(1 << 20, 'd')), qel::kRegistrySuccess);
     EXPECT_EQ(Text("v", std::string(16383, 'N').c_str()).size(), 1u << 20);
@@ -99,15 +95,12 @@ TEST_F(Registry, RefusesWhatIsBeyondItsLimits) {
 TEST_F(Registry, CopiesAndDeletesTrees) {
     for (const char* path : {"a", "a\\b", "a\\b\\c", "a\\d", "x\\b"}) ASSERT_EQ(Write(path, "v", path), 0);
     ASSERT_EQ(Write("x\\b", "own", "stays"), 0);
-    HKEY a = nullptr;
-    HKEY b = nullptr;
-    HKEY x = nullptr;
+    HKEY a, b, x;
     ASSERT_EQ(qel::OpenRegistryKey(m_root, "a", a), 0);
     ASSERT_EQ(qel::OpenRegistryKey(a, "b", b), 0);
     ASSERT_EQ(qel::CreateRegistryKey(m_root, "X", "", x), 0);
     EXPECT_EQ(qel::CopyRegistryTree(a, x), qel::kRegistrySuccess);
-    for (const char* path : {"b\\c", "b", "d", ""})
-        EXPECT_EQ(Text(std::string("x\\") + path, "v"), path[0] ? std::string("a\\") + path : "a");
+    for (const std::string path : {"\\b\\c", "\\b", "\\d", ""}) EXPECT_EQ(Text("x" + path, "v"), "a" + path);
     EXPECT_EQ(Text("x\\b", "own"), "stays");
     EXPECT_EQ(qel::CopyRegistryTree(a, b), qel::kRegistryInvalidParameter);  // into itself
     EXPECT_EQ(qel::CopyRegistryTree(a, HKEY_LOCAL_MACHINE), qel::kRegistryInvalidParameter);
@@ -115,27 +108,32 @@ TEST_F(Registry, CopiesAndDeletesTrees) {
     EXPECT_EQ(qel::DeleteRegistryTree(m_root, "a"), qel::kRegistrySuccess);
     EXPECT_EQ(Write("a\\b", "v", "new"), qel::kRegistrySuccess);
     qel::RegistryValue value;
-    EXPECT_EQ(qel::ReadRegistryValue(b, "", "v", value), qel::kRegistryKeyDeleted);  // not the new key of its name
-    EXPECT_EQ(qel::WriteRegistryValue(b, "", "", "v", value), qel::kRegistryKeyDeleted);
-    EXPECT_EQ(qel::WriteRegistryValue(b, "c", "", "v", value), qel::kRegistryKeyDeleted);
-    EXPECT_EQ(qel::CopyRegistryTree(b, x), qel::kRegistryKeyDeleted);
-    EXPECT_EQ(qel::CopyRegistryTree(x, b), qel::kRegistryKeyDeleted);
+    for (const LONG code :
+         {qel::ReadRegistryValue(b, "", "v", value), qel::WriteRegistryValue(b, "", "", "v", value),
+          qel::WriteRegistryValue(b, "c", "", "v", value), qel::CopyRegistryTree(b, x), qel::CopyRegistryTree(x, b)}) {
+        EXPECT_EQ(code, qel::kRegistryKeyDeleted);  // not the new key of its name
+    }
 }
 
 TEST_F(Registry, TransactionsAreAllOrNothing) {
-    {
-        qel::RegistryTransaction empty;
-        EXPECT_EQ(empty.Begin(m_root), qel::kRegistryNotFound);
-        EXPECT_NE(empty.Commit(), qel::kRegistrySuccess);
-    }
+    EXPECT_EQ(qel::RegistryTransaction().Begin(m_root), qel::kRegistryNotFound);
+    EXPECT_EQ(qel::RegistryTransaction().Commit(), qel::kRegistryBadHandle);
     ASSERT_EQ(Write("a", "v", "1"), 0);
     for (const bool commits : {false, true}) {
+        int begun[2];
+        ASSERT_EQ(::pipe(begun), 0);
+        ChildProcess observer([&] {
+            char byte;
+            return ::read(begun[0], &byte, 1) == 1 && Text("a", "v") == "1" ? 0 : 1;
+        });
         std::optional<qel::RegistryTransaction> transaction(std::in_place);
         ASSERT_EQ(transaction->Begin(m_root), qel::kRegistrySuccess);
         EXPECT_EQ(Write("a", "v", "2"), 0);
         EXPECT_EQ(Write("new", "v", "2"), 0);
         EXPECT_EQ(Text("a", "v"), "2");
-        EXPECT_EQ(InChild([&] { return Text("a", "v") == "1" ? 0 : 1; }), 0) << "seen before its end";
+        EXPECT_EQ(::write(begun[1], "", 1), 1);
+        EXPECT_EQ(observer.Wait(), 0) << "seen before its end";
+        EXPECT_EQ(InChild([&] { return Read("a", "v"); }), qel::kRegistryBusy) << "forked within it";
         EXPECT_EQ(commits ? transaction->Commit() : qel::kRegistrySuccess, qel::kRegistrySuccess);
         transaction.reset();
         EXPECT_EQ(Text("a", "v"), commits ? "2" : "1");
@@ -175,29 +173,18 @@ TEST_F(Registry, DatabasesOfOthers) {
 }
 
 TEST_F(Registry, ProcessesAndThreadsWriteAtOnce) {
-    constexpr int kWriters = 4;
+    constexpr int kWriters = 8;
     constexpr int kRounds = 8;
     const auto write = [&](int writer) {
+        int failed = 0;
         for (int round = 0; round < kRounds; ++round) {
-            const std::string path = std::to_string(round);
-            if (Write(path, std::to_string(writer).c_str(), std::to_string(round)) != 0) return 1;
+            failed += Write(std::to_string(round), std::to_string(writer).c_str(), std::to_string(round)) != 0;
         }
-        return 0;
+        return failed;
     };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kWriters; ++i) {
-        threads.emplace_back([&, i] { EXPECT_EQ(write(i), 0); });
-    }
-    std::vector<std::unique_ptr<ChildProcess>> children;  // forked while threads hold the connection
-    for (int i = 0; i < kWriters; ++i) {
-        children.push_back(std::make_unique<ChildProcess>([&, i] { return write(kWriters + i); }));
-    }
-    for (std::thread& thread : threads) thread.join();
-    for (const auto& child : children) EXPECT_EQ(child->Wait(), 0);
-    for (int writer = 0; writer < 2 * kWriters; ++writer) {
-        for (int round = 0; round < kRounds; ++round) {
-            const std::string path = std::to_string(round);
-            EXPECT_EQ(Text(path, std::to_string(writer).c_str()), std::to_string(round)) << path << ' ' << writer;
-        }
+    EXPECT_EQ(RunAtOnce(kWriters, write), 0);
+    for (int i = 0; i < kWriters * kRounds; ++i) {
+        const std::string round = std::to_string(i / kWriters);
+        EXPECT_EQ(Text(round, std::to_string(i % kWriters).c_str()), round);
     }
 }

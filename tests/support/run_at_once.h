@@ -1,0 +1,23 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "child_process.h"
+
+/// Calls @p body with 0 to @p count - 1, all at once: the even numbers in threads, among which the children for the odd
+/// ones are forked. @return how many did not answer 0
+template <class Body> int RunAtOnce(int count, const Body& body) {
+    std::atomic<int> failed = 0;
+    std::vector<std::thread> threads;
+    std::vector<std::unique_ptr<ChildProcess>> children;
+    for (int i = 0; i < count; i += 2) {
+        threads.emplace_back([&, i] { failed += body(i) != 0; });
+        children.push_back(std::make_unique<ChildProcess>([&, i] { return body(i + 1); }));
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const auto& child : children) failed += child->Wait() != 0;
+    return failed;
+}
