@@ -22,8 +22,7 @@
 /// does with names, texts and concurrent use: qel::ReadProfileString, and registry.h.
 class QELLIB10_API CPrivateProfile {
 public:
-    static constexpr int iniMode = 0;
-    static constexpr int registryMode = 1;
+    enum Mode : int { iniMode = 0, registryMode = 1 };
 
     explicit CPrivateProfile(const char* location = nullptr, int mode = iniMode);
     virtual ~CPrivateProfile();

@@ -29,7 +29,7 @@
 // thread finds that tree busy.
 
 /// A key: one of the roots, or one that CreateRegistryKey or OpenRegistryKey gave. 0 is none.
-using HKEY = struct HKEY__*;
+using HKEY = struct RegistryKeyHandle*;
 
 inline const HKEY HKEY_CLASSES_ROOT = reinterpret_cast<HKEY>(std::uintptr_t{0x80000000});
 inline const HKEY HKEY_CURRENT_USER = reinterpret_cast<HKEY>(std::uintptr_t{0x80000001});

@@ -40,7 +40,7 @@ Section Locate(std::string_view bytes, std::string_view name, std::string_view k
 
 // The only line of @p text, which a file could hold as it is.
 std::optional<IniLine> OnlyLine(std::string_view text) {
-    if (text.find_first_of(kNeverInLines) != text.npos) return std::nullopt;
+    if (text.find_first_of(kNeverInLines) != std::string_view::npos) return std::nullopt;
     return IniLines(text).Next();
 }
 
@@ -81,7 +81,7 @@ std::optional<std::string> WithIniValue(std::string_view bytes, std::string_view
                                         std::string_view value) {
     section = TrimIni(section);
     key = TrimIni(key);
-    if (value.find_first_of(kNeverInLines) != value.npos) return std::nullopt;
+    if (value.find_first_of(kNeverInLines) != std::string_view::npos) return std::nullopt;
     const Section found = Locate(bytes, section, key);
     if (found.entry) {
         return Replaced(bytes, found.entry->begin, found.entry->end,

@@ -11,7 +11,7 @@ constexpr std::string_view kBlanks = "\t\n\v\f\r \x1A";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
-constexpr bool IsBlank(char c) { return kBlanks.find(c) != kBlanks.npos; }
+constexpr bool IsBlank(char c) { return kBlanks.find(c) != std::string_view::npos; }
 
 // @param text the line without blanks around it
 void TakeApart(std::string_view text, IniLine& line) {
@@ -21,7 +21,7 @@ void TakeApart(std::string_view text, IniLine& line) {
         return;
     }
     if (text[0] == '[') {
-        if (const std::size_t bracket = FindLastCharacter(text, ']'); bracket != text.npos) {
+        if (const std::size_t bracket = FindLastCharacter(text, ']'); bracket != std::string_view::npos) {
             line.kind = IniLine::Kind::Section;
             line.name = TrimIni(text.substr(1, bracket - 1));
             return;
@@ -29,8 +29,8 @@ void TakeApart(std::string_view text, IniLine& line) {
     }
     const std::size_t equals = text.find('=');  // never a trail byte
     line.name = TrimIni(text.substr(0, equals));
-    line.kind = equals == text.npos ? IniLine::Kind::Other : IniLine::Kind::Entry;
-    if (equals != text.npos) line.value = TrimIni(text.substr(equals + 1));
+    line.kind = equals == std::string_view::npos ? IniLine::Kind::Other : IniLine::Kind::Entry;
+    if (equals != std::string_view::npos) line.value = TrimIni(text.substr(equals + 1));
 }
 
 }  // namespace
@@ -53,9 +53,9 @@ std::optional<IniLine> IniLines::Next() {
     IniLine line;
     line.begin = m_at;
     const std::size_t feed = m_bytes.find('\n', m_at);
-    line.next = feed == m_bytes.npos ? m_bytes.size() : feed + 1;
+    line.next = feed == std::string_view::npos ? m_bytes.size() : feed + 1;
     line.end = std::min(feed, m_bytes.size());
-    if (feed != m_bytes.npos && feed > line.begin && m_bytes[feed - 1] == '\r') --line.end;
+    if (feed != std::string_view::npos && feed > line.begin && m_bytes[feed - 1] == '\r') --line.end;
     m_at = line.next;
     TakeApart(TrimIni(m_bytes.substr(line.begin, line.end - line.begin)), line);
     return line;
