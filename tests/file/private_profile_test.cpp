@@ -1,8 +1,10 @@
 #include "qellib10/file/private_profile.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <chrono>
+#include <csignal>
 #include <random>
 #include <string>
 #include <thread>
@@ -203,6 +205,23 @@ TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
     EXPECT_EQ(m_profile.DeleteKeySub(HKEY_CURRENT_USER, ""), qel::kRegistryAccessDenied);
     EXPECT_EQ(m_profile.DeleteKeySub(HKEY_CURRENT_USER, "Software\\"), 0);
     EXPECT_EQ(m_profile.BackupSub(HKEY_CURRENT_USER, HKEY_CURRENT_USER), 0);
+}
+
+TEST_F(RegistryProfile, AndIniFilesStayWholeWhenTheDiskIsFull) {
+    Profile ini(m_registry.Folder().Path("a.ini"));
+    for (Profile* profile : {&ini, &m_profile}) {
+        ASSERT_EQ(profile->Set("S", "k", "v"), 1);
+        const auto fail = [&] {
+            const rlimit limit = {4000, 4000};  // bytes of a file, in place of a disk
+            std::signal(SIGXFSZ, SIG_IGN);
+            ::setrlimit(RLIMIT_FSIZE, &limit);
+            return profile->Set("S", "k", std::string(5000, 'x').c_str());
+        };
+        EXPECT_EQ(InChild(fail), 0);
+        EXPECT_EQ(profile->Get("S", "k", "d"), "v");
+        EXPECT_EQ(profile->Set("S", "k", "w"), 1);
+    }
+    EXPECT_EQ(m_registry.Folder().Count(), 2);
 }
 
 // At every moment the tree is one of two, whole: all values 0, or all 1.
