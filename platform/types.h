@@ -21,6 +21,14 @@ using HANDLE = void*;
 /// A loaded program or library: any address in it; 0 is the program.
 using HINSTANCE = void*;
 
+/// A window of the application's toolkit: opaque, handed on only.
+using HWND = void*;
+using WPARAM = std::uintptr_t;
+using LPARAM = std::intptr_t;
+
+/// The result of a shell operation: negative on failure, as 0x80070000 and the framework's error number.
+using HRESULT = std::int32_t;
+
 /// The longest path, its terminating zero included, in bytes.
 inline constexpr int MAX_PATH = 260;
 

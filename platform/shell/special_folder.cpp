@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,31 +30,64 @@ std::string HomeOfAccount() {
     return found->pw_dir != nullptr && found->pw_dir[0] == '/' ? found->pw_dir : "";
 }
 
-std::string ConfigHome() {
-    if (std::string folder = AbsoluteOf("XDG_CONFIG_HOME"); !folder.empty()) return folder;
-    std::string home = AbsoluteOf("HOME");
-    if (home.empty()) home = HomeOfAccount();
-    return home.empty() ? home : home + "/.config";
+std::string Home() {
+    const std::string home = AbsoluteOf("HOME");
+    return home.empty() ? HomeOfAccount() : home;
 }
 
-std::string FirstOfConfigDirs() {
-    const char* value = std::getenv("XDG_CONFIG_DIRS");
+std::string Below(const std::string& folder, std::string_view rest) {
+    return folder.empty() ? folder : folder + std::string(rest);
+}
+
+std::string UserFolder(const char* variable, std::string_view belowHome) {
+    const std::string folder = AbsoluteOf(variable);
+    return folder.empty() ? Below(Home(), belowHome) : folder;
+}
+
+std::string ConfigHome() { return UserFolder("XDG_CONFIG_HOME", "/.config"); }
+
+std::string FirstFolderIn(const char* variable, const char* fallback) {
+    const char* value = std::getenv(variable);
     std::string_view folders = value != nullptr ? value : "";
     while (!folders.empty()) {
         const std::string_view first = folders.substr(0, folders.find(':'));
-        if (first.starts_with('/')) return std::string(first);
+        if (first.starts_with('/')) return std::string(first.substr(0, first.find_last_not_of('/') + 1));
         folders.remove_prefix(std::min(first.size() + 1, folders.size()));
     }
-    return "/etc/xdg";
+    return fallback;
+}
+
+// The user's choice stands in a line XDG_DESKTOP_DIR="$HOME/Schreibtisch", or with an absolute path.
+std::string Desktop() {
+    constexpr std::string_view kBegin = "XDG_DESKTOP_DIR=\"";
+    std::ifstream choices(ConfigHome() + "/user-dirs.dirs");
+    for (std::string line; std::getline(choices, line);) {
+        if (!line.starts_with(kBegin) || !line.ends_with('"') || line.size() == kBegin.size()) continue;
+        const std::string folder = line.substr(kBegin.size(), line.size() - kBegin.size() - 1);
+        if (folder.starts_with('/')) return folder;
+        if (folder.starts_with("$HOME/")) return Below(Home(), folder.substr(5));
+    }
+    return Below(Home(), "/Desktop");
 }
 
 }  // namespace
 
 std::string PosixSpecialFolder(SpecialFolder folder) {
-    if (folder == SpecialFolder::kCommonStartup) return FirstOfConfigDirs() + "/autostart";
-    const std::string config = ConfigHome();
-    if (config.empty() || folder == SpecialFolder::kAppData) return config;
-    return folder == SpecialFolder::kStartup ? config + "/autostart" : "";
+    switch (folder) {
+        case SpecialFolder::kPrograms:
+            return Below(UserFolder("XDG_DATA_HOME", "/.local/share"), "/applications");
+        case SpecialFolder::kStartup:
+            return Below(ConfigHome(), "/autostart");
+        case SpecialFolder::kDesktop:
+            return Desktop();
+        case SpecialFolder::kCommonPrograms:
+            return FirstFolderIn("XDG_DATA_DIRS", "/usr/local/share") + "/applications";
+        case SpecialFolder::kCommonStartup:
+            return FirstFolderIn("XDG_CONFIG_DIRS", "/etc/xdg") + "/autostart";
+        case SpecialFolder::kAppData:
+            return ConfigHome();
+    }
+    return "";
 }
 
 CString SpecialFolderPath(SpecialFolder folder) { return ToLibraryPath(PosixSpecialFolder(folder)); }

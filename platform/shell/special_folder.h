@@ -9,14 +9,18 @@ namespace qel {
 
 /// Folders that the desktop gives a meaning, by the framework's numbers.
 enum class SpecialFolder : int {
-    kStartup = 7,         ///< what starts with the user's session: $XDG_CONFIG_HOME/autostart (~/.config/autostart)
-    kCommonStartup = 24,  ///< with everybody's: autostart in the first folder of $XDG_CONFIG_DIRS (/etc/xdg)
-    kAppData = 26,        ///< the user's settings of applications: $XDG_CONFIG_HOME (~/.config)
+    kPrograms = 2,         ///< the user's start menu: $XDG_DATA_HOME/applications (~/.local/share/applications)
+    kStartup = 7,          ///< what starts with the user's session: $XDG_CONFIG_HOME/autostart (~/.config/autostart)
+    kDesktop = 16,         ///< what lies on the desktop: XDG_DESKTOP_DIR of $XDG_CONFIG_HOME/user-dirs.dirs (~/Desktop)
+    kCommonPrograms = 23,  ///< everybody's start menu: applications in the first folder of $XDG_DATA_DIRS
+                           ///< (/usr/local/share)
+    kCommonStartup = 24,   ///< with everybody's: autostart in the first folder of $XDG_CONFIG_DIRS (/etc/xdg)
+    kAppData = 26,         ///< the user's settings of applications: $XDG_CONFIG_HOME (~/.config)
 };
 
 /// The folder's path, which need not exist; values of the environment count only when they are absolute. The empty text
 /// when the user has no home folder.
 QELLIB10_API CString SpecialFolderPath(SpecialFolder folder);
-QELLIB10_API std::string PosixSpecialFolder(SpecialFolder folder);
+std::string PosixSpecialFolder(SpecialFolder folder);
 
 }  // namespace qel

@@ -23,6 +23,13 @@ int OpenOnce(const std::string& path, int flags) {
     }
 }
 
+// An empty file is left alone: cutting a file to nothing makes ext4 write it out at its close.
+int Empty(const Descriptor& file) {
+    struct stat status = {};
+    if (::fstat(file.Get(), &status) == 0 && status.st_size == 0) return 0;
+    return ::ftruncate(file.Get(), 0);
+}
+
 bool Writes(const OpenRequest& request) { return request.mode.write || request.truncate; }
 
 Descriptor OpenPlain(const std::string& path, const OpenRequest& request, std::string_view name) {
@@ -83,7 +90,7 @@ Descriptor OpenShared(const std::string& posixPath, const OpenRequest& request, 
         if (tries == kReplacedTries) ThrowCode(kSharingViolation, name);
         file = TryOpen(posixPath, request, name);
     }
-    if (request.truncate && ::ftruncate(file.Get(), 0) != 0) {
+    if (request.truncate && Empty(file) != 0) {
         const int error = errno;
         CloseShared(file);
         ThrowErrno(error, name);

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "qellib10/platform/storage/access_rights.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
@@ -60,13 +61,7 @@ void Replacement::TakeRightsOfOld() {
     struct stat old = {};
     if (::stat(m_target.c_str(), &old) != 0) return;
     if (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0) ThrowCode(kAccessDenied, m_name);
-    struct stat made = {};
-    if (::fstat(m_file.Get(), &made) != 0) ThrowErrno(errno, m_name);
-    // Only root can give a file away; for others the file becomes theirs, as it would by writing it anew.
-    const bool given =
-        (old.st_uid == made.st_uid && old.st_gid == made.st_gid) || ::fchown(m_file.Get(), old.st_uid, old.st_gid) == 0;
-    const mode_t kept = given ? 07777 : 0777;
-    if (::fchmod(m_file.Get(), old.st_mode & kept) != 0) ThrowErrno(errno, m_name);
+    if (const int error = GiveAccessRights(m_file.Get(), old)) ThrowErrno(error, m_name);
 }
 
 void Replacement::Commit() {

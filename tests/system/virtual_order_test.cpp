@@ -44,6 +44,14 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slot(&CQBinary::Serialize), kDestructor);
     EXPECT_EQ(Slots(CQBinary()), 1u + kDestructor);
 
+    const std::size_t fileSlots = Slots(CFile());
+    EXPECT_EQ(Slot(&CQFile::Close), Slot(&CFile::Close));
+    EXPECT_EQ(Slot(&CQFile::WriteFromFile), fileSlots);
+    EXPECT_EQ(Slot(&CQFile::ReadToFile), fileSlots + 1);
+    EXPECT_EQ(Slots(CQFile()), fileSlots + 2);
+    EXPECT_EQ(Slots(CQCSVFile()), fileSlots + 2);
+    EXPECT_EQ(Slots(CCheckDatafile()), kDestructor);
+
     EXPECT_EQ(Slots(CBase64()), kDestructor);
     EXPECT_EQ(Slots(CGuid()), kDestructor);
     EXPECT_EQ(Slots(CRSControlCode()), kDestructor);

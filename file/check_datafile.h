@@ -1,0 +1,77 @@
+#pragma once
+
+#include "qellib10/base/guid.h"
+#include "qellib10/file/q_file.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+/// A seal on a data file, by which an application can tell later that the file is one of its own, unchanged and under
+/// its own name, and how often it was sealed. It is a trailer behind the file's own data, which stay as they are:
+///
+///     own data | info length (4) | file name, zero | version (4) | GUID (16) | CRC (4) | sum (4) | trailer length (4)
+///
+/// Sealing again, after a change within the data, writes a new trailer over the old one.
+///
+/// Operations work on an open file of the caller's and answer 1, or 0 when the check fails or the system refuses;
+/// nothing is thrown. Unless stated they leave the file's position anywhere.
+class QELLIB10_API CCheckDatafile {
+public:
+    CCheckDatafile();
+    virtual ~CCheckDatafile();
+    CCheckDatafile(const CCheckDatafile&) = default;
+    CCheckDatafile& operator=(const CCheckDatafile&) = default;
+
+    /// Names are to be checked; no name, version 0, null GUID.
+    void InitializeData();
+
+    /// Whether version, GUID and, when this object checks names, the names are equal. So a == b may differ from b == a.
+    bool operator==(const CCheckDatafile& other) const;
+    bool operator!=(const CCheckDatafile& other) const { return !(*this == other); }
+
+    /// @param enable 0: a sealed file is accepted under any name
+    void EnableCheckFilename(int enable) { m_nCheckFilename = enable; }
+    /// What the last file that was read or sealed says.
+    const CString& GetFilename() const { return m_szFilename; }
+    const int& GetVersion() const { return m_nVersion; }
+    const CGuid& GetGUID() const { return m_guid; }
+
+    /// Seals a file as version 1 with a new GUID, whether it is sealed already or not: then the seal, too, counts as
+    /// data. On failure the file is as it was.
+    static int PackNewData(CQFile* file);
+    /// Seals a file with this object's identity and the next version.
+    /// @param isNew not 0: the file must not be sealed yet; a null GUID is replaced by a new one. 0: it must be sealed
+    /// and pass ReadPackData. The file is not cut: under a shorter name than before it does not pass afterwards
+    int PackUpdateData(CQFile* file, int isNew);
+    /// Checks a sealed file and reads what its trailer says; the position stays. A file under another name than its own
+    /// is read, too, but the answer is 0 when names are checked.
+    int ReadPackData(CQFile* file);
+    /// 1 for a file whose CRC, sum and lengths are right.
+    static int IsPackData(CQFile* file);
+
+protected:
+    // These throw CFileException and qel::DataError.
+
+    static int CheckCRC(CQFile* file);
+    static int CheckSUM(CQFile* file);
+    static int CheckSize(CQFile* file);
+    /// Goes to the trailer's first byte. @param trailerLength may be null
+    static void SeekAddDataTop(CQFile* file, DWORD* trailerLength);
+    /// Writes the trailer up to the check block, with the file's name, which becomes this object's.
+    /// @param written takes its length; may be null
+    void AddFileInfo(CQFile* file, DWORD* written);
+    /// Writes the trailer at the current position.
+    int UpdatePackData(CQFile* file);
+    /// The length of the check block, the file's last bytes, and where it begins.
+    static DWORD GetCheckSize();
+    static ULONGLONG GetCheckPos(ULONGLONG length);
+
+private:
+    void Append(CQFile& file);  // a trailer of the next version
+    int ReadTrailer(CQFile& file);
+
+    int m_nCheckFilename;
+    CString m_szFilename;
+    int m_nVersion;
+    CGuid m_guid;
+};

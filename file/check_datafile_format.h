@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+// The trailer of a sealed file, behind the file's own data. Integers are little-endian.
+//
+//     0         4    info length: what follows up to the check block, name + 21 bytes
+//     4         n    file name without folder, and a zero
+//     4 + n     4    version: how often the file was sealed
+//     8 + n     16   GUID
+//     24 + n    12   check block
+//
+// Lengths come from a file: check before use.
+namespace qel {
+
+/// The record of who the file is, with the length before it.
+struct SealInfo {
+    static constexpr std::size_t kLengthSize = 4;
+    /// The longest record: a name fills a path at most.
+    static constexpr std::size_t kLongest = MAX_PATH + 20;
+
+    CString name;
+    std::uint32_t version = 0;
+    GUID guid = {};
+
+    std::vector<std::byte> Pack() const;
+    /// @param record the bytes behind the length, or the first kLongest of them; more than the record is let pass
+    /// @throws DataError when they are no record
+    static SealInfo Unpack(std::span<const std::byte> record);
+};
+
+/// The last 12 bytes of a sealed file.
+struct CheckBlock {
+    static constexpr std::size_t kCrcAt = 0, kSumAt = 4, kTrailerLengthAt = 8, kSize = 12;
+
+    std::uint32_t crc = 0;            // CRC-32/BZIP2 of everything before this block
+    std::uint32_t sum = 0;            // byte sum of the same bytes, never 0
+    std::uint32_t trailerLength = 0;  // bytes from the info length to this field
+
+    std::array<std::byte, kSize> Pack() const;
+    static CheckBlock Unpack(std::span<const std::byte, kSize> bytes);
+};
+
+}  // namespace qel

@@ -1,0 +1,151 @@
+#include "qellib10/file/log.h"
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+#include <span>
+#include <string_view>
+
+#include "qellib10/platform/shell/debug_output.h"
+#include "qellib10/platform/storage/backoff.h"
+#include "qellib10/platform/storage/file.h"
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/sync/handle.h"
+#include "qellib10/platform/sync/named_mutex.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/time/time.h"
+
+#include "qellib10/file/log_text.h"
+
+namespace {
+
+constexpr std::int64_t kPatience = 10;  // seconds of the clock
+constexpr std::chrono::seconds kLongerThanPatience(kPatience + 2);
+constexpr std::chrono::milliseconds kBetweenHopelessTries(50);
+constexpr UINT kAppend = CFile::modeCreate | CFile::modeNoTruncate | CFile::shareExclusive | CFile::modeWrite;
+constexpr std::size_t kDumpBlock = 65536;  // bytes dumped by one write
+
+std::mutex theLogFileGuard;
+
+std::int64_t Now() { return CTime::GetCurrentTime().GetTime(); }
+
+// Waits for what somebody else has, until the patience that began at @p since is at its end.
+class Wait {
+public:
+    explicit Wait(std::int64_t since) : m_nSince(since) {}
+
+    bool ForTurn() { return !IsOver() && m_turn.Again(); }
+    bool ForHopeless() { return !IsOver() && m_hopeless.Again(); }
+
+private:
+    bool IsOver() const { return Now() - m_nSince >= kPatience; }
+
+    std::int64_t m_nSince;
+    qel::Backoff m_turn{kLongerThanPatience};
+    qel::Backoff m_hopeless{kLongerThanPatience, kBetweenHopelessTries};
+};
+
+// Of the threads of a process only one tries to open the file.
+class ProcessTurn {
+public:
+    explicit ProcessTurn(Wait& wait) : m_lock(Mutex(), std::try_to_lock) {
+        while (!m_lock.owns_lock() && wait.ForTurn()) m_lock.try_lock();
+    }
+    bool IsOurs() const { return m_lock.owns_lock(); }
+
+private:
+    static std::mutex& Mutex() {
+        static std::mutex mutex;
+        return mutex;
+    }
+    std::unique_lock<std::mutex> m_lock;
+};
+
+bool OpenLog(CFile& file, const CString& path, Wait& wait) {
+    CFileException error;
+    while (!file.Open(path, kAppend, &error)) {
+        const bool isInUse = error.m_lOsError == qel::kSharingViolation;
+        if (!(isInUse ? wait.ForTurn() : wait.ForHopeless())) return false;
+    }
+    return true;
+}
+
+void WriteText(CFile& file, std::string_view text) { file.Write(text.data(), static_cast<UINT>(text.size())); }
+
+void WriteDump(CFile& file, std::span<const unsigned char> bytes) {
+    while (!bytes.empty()) {
+        const auto block = bytes.first(std::min(kDumpBlock, bytes.size()));
+        WriteText(file, qel::LogDump(block));
+        bytes = bytes.subspan(block.size());
+    }
+}
+
+}  // namespace
+
+CString CLog::m_szLogFile;
+std::atomic<int> CLog::m_nLogLevel = 0;
+std::atomic<const char*> CLog::m_szLockKeyword = nullptr;
+std::atomic<HANDLE> CLog::m_hMessageBuffer = nullptr;
+char CLog::m_szMessageBuffer[kMessageBufferSize] = {};
+
+CLog::~CLog() = default;
+
+void CLog::SetLogFile(const char* path) {
+    const std::lock_guard lock(theLogFileGuard);
+    m_szLogFile = path;
+}
+
+CString CLog::LogFile() {
+    const std::lock_guard lock(theLogFileGuard);
+    return m_szLogFile;
+}
+
+void CLog::SetLogLevel(int level) { m_nLogLevel = level; }
+
+void CLog::LogOut(int level, const char* message, const void* data, int size) {
+    if (level > m_nLogLevel) return;
+    const CTime now = CTime::GetCurrentTime();
+    const CString path = LogFile();
+    if (path.IsEmpty()) return;
+
+    Wait wait(now.GetTime());
+    const ProcessTurn turn(wait);
+    CFile file;
+    if (!turn.IsOurs() || !OpenLog(file, path, wait)) return;
+    file.SeekToEnd();
+    const CString line = now.Format("[%Y/%m/%d %H:%M:%S],") + message + "\r\n";
+    WriteText(file, line.View());
+    OutputDebugStringA(line);
+    if (data != nullptr && size > 0) {
+        WriteDump(file, {static_cast<const unsigned char*>(data), static_cast<std::size_t>(size)});
+    }
+    file.Close();
+}
+
+void CLog::SetLockKeyword(const char* name) { m_szLockKeyword = name; }
+
+int CLog::LockMessageBuffer() {
+    const char* const keyword = m_szLockKeyword;
+    if (keyword == nullptr) return 0;
+    const std::int64_t since = Now();
+    // A handle to a mutex that existed is never closed; with one of them nothing can change any more.
+    for (bool isKept = false; Now() - since < kPatience; qel::SleepFor(kBetweenHopelessTries)) {
+        if (isKept) continue;
+        const qel::OpenedObject mutex = qel::CreateNamedMutex(keyword);
+        if (mutex.handle == nullptr) continue;
+        if (mutex.existed) {
+            isKept = true;
+        } else {
+            m_hMessageBuffer = mutex.handle;
+        }
+    }
+    return 0;
+}
+
+void CLog::UnlockMessageBuffer() {
+    if (const HANDLE handle = m_hMessageBuffer.exchange(nullptr)) qel::CloseHandle(handle);
+}
+
+HANDLE CLog::GetMessageBufferHandle() { return m_hMessageBuffer; }
+char* CLog::GetMessageBuffer() { return m_szMessageBuffer; }
+int CLog::GetMessageBufferSize() { return kMessageBufferSize; }

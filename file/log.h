@@ -1,0 +1,59 @@
+#pragma once
+
+#include <atomic>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+/// The process's log: one text file, lines with their time, dumps of byte blocks, and a threshold.
+///
+///     [2012/01/03 09:05:07],message CR LF
+///     48 65 6C 6C 6F  Hello CR LF              a dump: up to 16 bytes in hexadecimal, a blank, the bytes as they are
+///
+/// Times are local. The file is opened for each message so that nobody else has it open meanwhile, which keeps the
+/// lines of all threads and processes whole and apart; it is only appended to. Any thread may log and set.
+///
+/// Beside it stands a buffer of 1024 bytes for messages, and a named mutex by which users of the buffer take turns.
+class QELLIB10_API CLog {
+public:
+    CLog() = default;
+    virtual ~CLog();
+
+    /// The file to log to; it is made when missing, its folder is not. Null and the empty text end the logging, which
+    /// is off at first.
+    static void SetLogFile(const char* path);
+    /// The highest level that is written; 0 at first.
+    static void SetLogLevel(int level);
+
+    /// Writes @p message, and @p size bytes at @p data unless @p data is null, if @p level is at most the threshold.
+    /// The line, not the dump, also goes to the debugger's output. While the file cannot be opened, whatever the
+    /// reason, it tries again until 10 seconds of the clock have passed, and then drops the message.
+    /// @throws CFileException when the file is open but writing fails
+    static void LogOut(int level, const char* message, const void* data = nullptr, int size = 0);
+
+    /// The name of the mutex for the message buffer. The text is not copied: it must last as long as it is in use.
+    static void SetLockKeyword(const char* name);
+
+    /// Tries to claim the message buffer for this process: it succeeded when GetMessageBufferHandle is not null.
+    /// Kept for programs that count on it: it takes 10 seconds, whatever happens, and answers 0; only without a keyword
+    /// it returns at once. Once the mutex was found to exist it exists until this process ends.
+    static int LockMessageBuffer();
+    /// Gives up the claim, if any.
+    static void UnlockMessageBuffer();
+    static HANDLE GetMessageBufferHandle();
+
+    /// 1024 bytes, zero at first, shared by all threads without a lock.
+    static char* GetMessageBuffer();
+    static int GetMessageBufferSize();
+
+private:
+    static CString LogFile();
+
+    static constexpr int kMessageBufferSize = 1024;
+    static CString m_szLogFile;  // under a lock of its own
+    static std::atomic<int> m_nLogLevel;
+    static std::atomic<const char*> m_szLockKeyword;
+    static std::atomic<HANDLE> m_hMessageBuffer;
+    static char m_szMessageBuffer[kMessageBufferSize];
+};

@@ -1,0 +1,92 @@
+#include "qellib10/file/q_file.h"
+
+#include <utility>
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/file_operations.h"
+#include "qellib10/platform/text/code_page.h"
+
+namespace {
+
+int Delete(const CString& name) {
+    return qel::AsResult([&] {
+        qel::DeleteFile(name.View());
+        return 1;
+    });
+}
+
+}  // namespace
+
+CQFile::CQFile() noexcept = default;
+CQFile::~CQFile() = default;
+
+BOOL CQFile::Open(const char* name, UINT flags, CFileException* error) {
+    m_nDeleteOnClose = 0;  // it belongs to the temporary file, which is closed here, not to what is opened now
+    return CFile::Open(name, flags, error);
+}
+
+BOOL CQFile::IsOpen() const noexcept {
+    const HANDLE handle = *this;
+    return handle != nullptr && handle != hFileNull ? 1 : 0;
+}
+
+int CQFile::CreateTempFile(const char* prefix, int deleteOnClose) {
+    m_dwLastError = 0;
+    const CString name = GetTempFilePath(prefix);
+    if (name.IsEmpty() || !Open(name, modeCreate | modeReadWrite | shareDenyWrite)) {
+        m_dwLastError = errorCreateTempFile;
+        return 0;
+    }
+    m_nDeleteOnClose = deleteOnClose;
+    return 1;
+}
+
+void CQFile::Close() {
+    if (std::exchange(m_nDeleteOnClose, 0) == 0 || !IsOpen()) {
+        CFile::Close();
+        return;
+    }
+    const CString name = GetFilePath();
+    Abort();
+    Delete(name);
+}
+
+int CQFile::CloseTo(const char* target) {
+    m_nDeleteOnClose = 0;
+    if (!IsOpen()) return 1;
+    const CString name = GetFilePath();
+    const int copied = qel::AsResult([&] {
+        Close();  // bytes that get lost here are missing in the copy: then there is none, and the file stays
+        qel::CopyFile(name.View(), CString(target).View(), false);
+        return 1;
+    });
+    if (copied && Delete(name)) return 1;
+    m_dwLastError = copied ? errorDelete : errorCopy;
+    return 0;
+}
+
+int CQFile::CloseToDestroy() {
+    m_nDeleteOnClose = 0;
+    if (!IsOpen()) return 1;
+    const CString name = GetFilePath();
+    Abort();
+    if (Delete(name)) return 1;
+    m_dwLastError = errorDelete;
+    return 0;
+}
+
+CString CQFile::GetErrorMessage(DWORD) { return CString(qel::FromUtf8("不明なエラーです。")); }
+
+int CQFile::IsExist(const char* name) {
+    CFileStatus status;
+    return GetStatus(name, status) ? 1 : 0;
+}
+
+int CQFile::GetFileSize(const char* name, DWORD* size) {
+    CFileStatus status;
+    if (size == nullptr || !GetStatus(name, status)) return 0;
+    *size = static_cast<DWORD>(status.m_size);
+    return 1;
+}
+
+int CQFile::IsCanOverwrite(const char* name) { return !IsExist(name) || CFile().Open(name, modeWrite) ? 1 : 0; }

@@ -1,0 +1,70 @@
+#include <string>
+#include <vector>
+
+#include "qellib10/file/q_file.h"
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/delete_tree.h"
+#include "qellib10/platform/storage/file_operations.h"
+#include "qellib10/platform/storage/find_files.h"
+#include "qellib10/platform/storage/make_folders.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
+
+namespace {
+
+int Deleted(std::string_view file) {
+    return qel::AsResult([&] {
+        qel::DeleteFile(file);
+        return 1;
+    });
+}
+
+std::vector<qel::FoundFile> Matching(std::string_view pattern) {
+    try {
+        return qel::FindFiles(pattern);
+    } catch (const CFileException&) {  // where nothing can be listed nothing matches
+        return {};
+    }
+}
+
+}  // namespace
+
+int CQFile::CreateDirectories(const char* path) {
+    const CString whole(path);
+    if (whole.GetLength() >= MAX_PATH) return 0;
+    return qel::AsResult([&] {
+        const qel::FolderRoute route(whole.View());
+        qel::FolderWalk walk(route.start);
+        if (qel::MakeFolders(walk, route.names)) return 1;
+        walk.MakeCurrent();
+        return 0;
+    });
+}
+
+int CQFile::DelTree(const char* folder) {
+    return qel::AsResult([&] {
+        qel::DeleteTree(CString(folder).View());
+        return 1;
+    });
+}
+
+int CQFile::DeleteFiles(const char* pattern) {
+    const CString whole(pattern);
+    const std::string folder(whole.View().substr(0, qel::NameStart(whole.View())));
+    int result = 1;
+    for (const qel::FoundFile& file : Matching(whole.View())) {
+        if (!file.isFolder && !Deleted(folder + std::string(file.name.View()))) result = 0;
+    }
+    return result;
+}
+
+int CQFile::MoveFileA(const char* source, const char* target, int overwrite) {
+    const CString from(source);
+    const CString to(target);
+    return qel::AsResult([&] {
+        qel::MakeFolders(to.View().substr(0, qel::NameStart(to.View())));
+        qel::CopyFile(from.View(), to.View(), overwrite == 0);
+        Deleted(from.View());
+        return 1;
+    });
+}

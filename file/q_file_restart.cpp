@@ -1,0 +1,87 @@
+#include <cstring>
+#include <optional>
+
+#include "qellib10/file/q_file.h"
+#include "qellib10/file/restart_file.h"
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/access_rights.h"
+#include "qellib10/platform/storage/file_operations.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
+#include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/storage/temporary_name.h"
+#include "qellib10/platform/text/multibyte.h"
+#include "qellib10/runtime/system_info.h"
+
+namespace {
+
+constexpr int kDoneNow = 0, kPutOff = 1, kNoShortName = -1, kRefused = -2, kNotMoved = -3;
+
+template <class Step> bool Succeeds(Step&& step) {
+    return qel::AsResult([&] {
+               step();
+               return 1;
+           }) != 0;
+}
+
+bool IsThere(const CString& name) {
+    CFileStatus status;
+    return CFile::GetStatus(name, status) != 0;
+}
+
+// Moves @p source beside @p target, to a new name. The empty text on failure: @p source is where it was then.
+CString MoveBeside(const CString& source, const CString& target) {
+    CString name;
+    const bool moved = Succeeds([&] {
+        const CString full = qel::FullPath(target.View());
+        name = qel::TemporaryName(full.View().substr(0, qel::NameStart(full.View())), "");
+        // The free name is given back: a file made with it would be its owner's alone, also when it is the target.
+        qel::DeleteFile(name.View());
+        if (!CQFile::MoveFileA(source, name, 0)) name.Empty();
+    });
+    if (!moved || name.IsEmpty()) return {};
+    Succeeds([&] { qel::TakeAccessRights(name.View(), target.View()); });  // else it keeps those of a new file
+    return name;
+}
+
+// Files have no second, shorter name here: the short one is the full one, and only a file that exists has one.
+std::optional<CString> ShortName(const CString& name) {
+    if (!IsThere(name)) return std::nullopt;
+    return qel::FullPath(name.View());
+}
+
+void CopyName(const CString& name, char* buffer, int size) {
+    const std::string_view fitting = qel::LeftWhole(name.View(), static_cast<std::size_t>(size) - 1);
+    std::memcpy(buffer, fitting.data(), fitting.size());
+    buffer[fitting.size()] = '\0';
+}
+
+int PutMoveIntoRestartFile(const CString& source, const CString& target) {
+    const std::optional<CString> shortTarget = ShortName(target);
+    const std::optional<CString> shortSource = ShortName(source);
+    if (!shortTarget || !shortSource) return kNoShortName;
+    return qel::AddMoveToRestartFile(*shortSource, *shortTarget) ? kPutOff : kRefused;
+}
+
+}  // namespace
+
+int CQFile::MoveFileReboot(const char* source, const char* target, char* tempName, int tempNameSize) {
+    if (MoveFileA(source, target, 1)) return kDoneNow;
+    const CString waiting = MoveBeside(source, target);
+    if (waiting.IsEmpty()) return kNotMoved;
+    if (tempName != nullptr && tempNameSize > 0) CopyName(waiting, tempName, tempNameSize);
+    if (!CSystemInfo::IsWinNT()) return PutMoveIntoRestartFile(waiting, target);
+    const CString to(target);
+    return Succeeds([&] { qel::MoveFileDelayed(waiting.View(), to.View()); }) ? kPutOff : kRefused;
+}
+
+int CQFile::DeleteFileReboot(const char* name, int tryNow) {
+    const CString file(name);
+    if (tryNow != 0) {
+        Succeeds([&] { qel::DeleteFile(file.View()); });
+        if (!IsThere(file)) return kDoneNow;
+    }
+    const bool putOff = CSystemInfo::IsWinNT() ? Succeeds([&] { qel::DeleteFileDelayed(file.View()); })
+                                               : qel::AddDeletionToRestartFile(file);
+    return putOff ? kPutOff : kRefused;
+}

@@ -1,0 +1,42 @@
+#include "qellib10/file/restart_file.h"
+
+#include <limits>
+#include <string>
+
+#include "qellib10/file/private_profile.h"
+#include "qellib10/file/q_file.h"
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/storage/make_folders.h"
+#include "qellib10/runtime/system_info.h"
+
+namespace qel {
+namespace {
+
+// The Windows folder, which is there on systems that have a restart file.
+CString Folder() {
+    const CString folder = CSystemInfo::GetWindowsDirectoryA();
+    AsResult([&] {
+        MakeFolders(folder.View());
+        return 1;
+    });
+    return folder;
+}
+
+}  // namespace
+
+bool AddMoveToRestartFile(const CString& source, const CString& target) {
+    CPrivateProfile file(CQFile::BuildFilePath(Folder(), "WININIT.INI"), CPrivateProfile::iniMode);
+    return file.Set("rename", target, source) != 0;
+}
+
+bool AddDeletionToRestartFile(const CString& name) {
+    // All deletions have the same key, so a new one is not set but put behind the others.
+    constexpr const char* kSection = "Rename";
+    const CString file = Folder() + "\\WinInit.ini";
+    std::string entries = ReadProfileSection(kSection, std::numeric_limits<DWORD>::max(), file);
+    entries.append("Nul=").append(name.View()).append(1, '\0');
+    return WriteProfileSection(kSection, entries, file);
+}
+
+}  // namespace qel

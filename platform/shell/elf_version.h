@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/shell/file_bytes.h"
+
+namespace qel {
+
+/// The text of @p key, in any case, in the VersionNote of a program or shared library of 64 bits, little-endian.
+/// @throws DataError when its headers lead out of the file
+std::optional<std::string> TextOfElfNotes(const FileBytes& file, std::string_view key);
+
+}  // namespace qel
