@@ -4,15 +4,15 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace qel {
 
 // The handlers that fork calls, and what they work on.
 struct ForkSafeLock::AtFork {
-    std::mutex listLock;  // taken last of all
+    std::mutex listLock;  // taken last of all, to the end of a fork
     std::vector<ForkSafeLock*> all;
-    std::mutex forking;  // from Prepare to the end of the fork, taken first
     std::vector<ForkSafeLock*> taken;
 
     static AtFork& Instance() {
@@ -29,35 +29,45 @@ struct ForkSafeLock::AtFork {
 
     void Add(ForkSafeLock* lock) {
         const std::lock_guard guard(listLock);
-        all.insert(std::ranges::upper_bound(all, lock->m_order, {}, &ForkSafeLock::m_order), lock);
+        all.push_back(lock);
+    }
+    std::vector<ForkSafeLock*> Known() {
+        const std::lock_guard guard(listLock);
+        return all;
     }
     void Prepare() {
-        forking.lock();
-        {
-            const std::lock_guard guard(listLock);
-            taken = all;
-        }
-        for (ForkSafeLock* lock : taken) lock->lock();
+        std::vector<ForkSafeLock*> locks = Known();
+        TakeAll(locks);
         listLock.lock();
+        taken = std::move(locks);
     }
     void InParent() {
+        const std::vector<ForkSafeLock*> locks = std::move(taken);
         listLock.unlock();
-        for (ForkSafeLock* lock : taken) lock->unlock();
-        forking.unlock();
+        for (ForkSafeLock* lock : locks) lock->unlock();
     }
     void InChild() {
+        const std::vector<ForkSafeLock*> locks = std::move(taken);
         listLock.unlock();
-        for (ForkSafeLock* lock : taken) {
+        for (ForkSafeLock* lock : locks) {
             // Its owner is a thread of the parent: it cannot be unlocked here, only made anew.
             new (&lock->m_lock) std::recursive_mutex;
             if (lock->m_inChild != nullptr) lock->m_inChild();
         }
-        forking.unlock();
+    }
+
+    // Waits for one lock only while it holds no other that it took, so that threads may hold several in any order.
+    static void TakeAll(std::vector<ForkSafeLock*>& locks) {
+        for (auto blocked = locks.begin(); blocked != locks.end();) {
+            std::rotate(locks.begin(), blocked, blocked + 1);
+            locks.front()->lock();
+            blocked =
+                std::find_if_not(locks.begin() + 1, locks.end(), [](auto* lock) { return lock->m_lock.try_lock(); });
+            if (blocked != locks.end()) std::for_each(locks.begin(), blocked, [](auto* lock) { lock->unlock(); });
+        }
     }
 };
 
-ForkSafeLock::ForkSafeLock(int order, void (*inChild)()) : m_order(order), m_inChild(inChild) {
-    AtFork::Instance().Add(this);
-}
+ForkSafeLock::ForkSafeLock(void (*inChild)()) : m_inChild(inChild) { AtFork::Instance().Add(this); }
 
 }  // namespace qel

@@ -8,9 +8,8 @@ namespace qel {
 /// thread holds it. Kept to the end of the process: make one by `new`, in a function-local static.
 class ForkSafeLock {
 public:
-    /// @param order a thread that holds several takes those of lower order first, as fork does
     /// @param inChild called in each forked child, before fork returns there; null: nothing is to be done
-    explicit ForkSafeLock(int order, void (*inChild)() = nullptr);
+    explicit ForkSafeLock(void (*inChild)() = nullptr);
     ForkSafeLock(const ForkSafeLock&) = delete;
     ForkSafeLock& operator=(const ForkSafeLock&) = delete;
 
@@ -21,12 +20,7 @@ private:
     struct AtFork;
 
     std::recursive_mutex m_lock;
-    int m_order;
     void (*m_inChild)();
 };
-
-/// Their orders: a transaction in a tree of the registry may hold its lock when a setting is read.
-inline constexpr int kRegistryLockOrder = 0;  // and the number of the tree
-inline constexpr int kIniCacheLockOrder = 10;
 
 }  // namespace qel

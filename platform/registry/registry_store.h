@@ -29,8 +29,7 @@ public:
     class Writing;
 
 private:
-    RegistryStore(RegistryRoot root, void (*leaveBehind)())
-        : m_lock(kRegistryLockOrder + static_cast<int>(root), leaveBehind), m_root(root), m_keys(root) {}
+    RegistryStore(RegistryRoot root, void (*leaveBehind)()) : m_lock(leaveBehind), m_root(root), m_keys(root) {}
 
     template <RegistryRoot kRoot> static RegistryStore& One();
     void LeaveBehind();

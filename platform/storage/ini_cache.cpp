@@ -107,7 +107,7 @@ private:
         m_files.erase(file);
     }
 
-    ForkSafeLock m_lock{kIniCacheLockOrder};
+    ForkSafeLock m_lock;
     std::list<CachedFile> m_files;
     std::size_t m_memory = 0;
 };
