@@ -25,6 +25,15 @@ RegistryStore& RegistryStore::Of(HKEY handle) {
     }
 }
 
+namespace {
+
+// Made at load, so that no thread is just making one when another forks.
+[[maybe_unused]] const RegistryStore* const theStores[] = {&RegistryStore::Of(HKEY_CLASSES_ROOT),
+                                                           &RegistryStore::Of(HKEY_CURRENT_USER),
+                                                           &RegistryStore::Of(HKEY_LOCAL_MACHINE)};
+
+}  // namespace
+
 RegistryKeyId RegistryStore::KeyOf(HKEY handle) {
     const std::lock_guard guard(m_lock);
     return m_keys.Find(handle);

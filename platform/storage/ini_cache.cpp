@@ -112,6 +112,9 @@ private:
     std::size_t m_memory = 0;
 };
 
+// Made at load, so that no thread is just making it when another forks.
+[[maybe_unused]] const Cache& theCacheIsMadeAtLoad = Cache::Instance();
+
 bool IsReadable(const struct stat& status) {
     return S_ISREG(status.st_mode) && static_cast<std::size_t>(status.st_size) <= IniIndex::kLargestFile;
 }

@@ -1,8 +1,12 @@
 #include "qellib10/platform/text/page_table.h"
 
+#include <atomic>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/converter.h"
 #include "qellib10/platform/text/multibyte.h"
@@ -72,18 +76,38 @@ private:
     PageTable m_table;
 };
 
+using KeptTable = std::atomic<const PageTable*>;
+
+// Held while a table is read. Not the lock of a function-local object: a child that is forked meanwhile would wait for
+// it for ever.
+ForkSafeLock& ReadingLock() {
+    static ForkSafeLock& lock = *new ForkSafeLock;
+    return lock;
+}
+[[maybe_unused]] const ForkSafeLock& theLockIsMadeAtLoad = ReadingLock();
+
 // Never freed: the destructors of static objects may still convert text.
-const PageTable& Keep(PageTable table) { return *new PageTable(std::move(table)); }
+const PageTable& TableIn(KeptTable& kept, UINT page, const char* converterName) {
+    const PageTable* table = kept.load(std::memory_order_acquire);
+    if (table == nullptr) {
+        const std::lock_guard guard(ReadingLock());
+        table = kept.load(std::memory_order_relaxed);
+        if (table == nullptr) {
+            table = new PageTable(PageTableReader(page, converterName).Read());
+            kept.store(table, std::memory_order_release);
+        }
+    }
+    return *table;
+}
+
+constinit KeptTable theLatin1Table = nullptr;
+constinit KeptTable theJapaneseTable = nullptr;
 
 }  // namespace
 
 const PageTable& TableOfPage(UINT page) {
-    if (page == kCodePageLatin1) {
-        static const PageTable& latin1 = Keep(PageTableReader(page, "CP1252").Read());
-        return latin1;
-    }
-    static const PageTable& japanese = Keep(PageTableReader(kCodePageJapanese, "CP932").Read());
-    return japanese;
+    return page == kCodePageLatin1 ? TableIn(theLatin1Table, page, "CP1252")
+                                   : TableIn(theJapaneseTable, kCodePageJapanese, "CP932");
 }
 
 }  // namespace qel

@@ -18,7 +18,8 @@ struct PageTable {
 };
 
 /// The table of @p page, 932 or 1252. It is read out of the system's converter once, at the first use, and never
-/// changes after that: conversions need neither a lock nor a converter that has to be reset after bad input.
+/// changes after that: conversions need neither a lock nor a converter that has to be reset after bad input. A thread
+/// that forks waits until no other is reading one.
 /// @throws std::runtime_error when the system has no converter for the page
 const PageTable& TableOfPage(UINT page);
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/own_strings.h"
 
@@ -24,7 +25,7 @@ std::atomic<Language>& CurrentLanguage() {
 }
 
 struct Tables {
-    std::mutex guard;
+    ForkSafeLock guard;
     std::vector<std::span<const StringTableEntry>> newestLast;
     std::span<const StringTableEntry> own;
 };

@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "../support/child_process.h"
 #include "../support/code_page_scope.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/text/converter.h"
@@ -114,6 +115,22 @@ TEST(CodePage, ConvertsInManyThreadsFromTheFirstUseOn) {
     for (int i = 0; i < 4; ++i) threads.emplace_back(convert);
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(right, 800);
+}
+
+// Children were forked while the first thread to convert was reading the table, and waited for it for ever.
+TEST(CodePage, ConvertsInChildrenForkedDuringTheFirstUse) {
+    const CodePageScope japanese(932);
+    const auto isRight = [] { return qel::FromUtf8(qel::ToUtf8("\x95\x5C")) == "\x95\x5C"; };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) threads.emplace_back([&] { EXPECT_TRUE(isRight()); });
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(InChild([&] {
+                      ::alarm(10);  // kills a child that hangs
+                      return isRight();
+                  }),
+                  1);
+    }
+    for (std::thread& thread : threads) thread.join();
 }
 
 TEST(Converter, FailsLoudlyWithoutAConverterAndQuietlyOnBadText) {
