@@ -4,7 +4,6 @@
 #include <chrono>
 #include <map>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -34,6 +33,16 @@ protected:
 
 std::string theDebugOutput;
 
+// Every digit of a time, which stands in brackets, as 0.
+std::string WithZeroTimes(std::string text) {
+    bool isTime = false;
+    for (char& character : text) {
+        if (character == '[' || character == ']') isTime = character == '[';
+        if (isTime && character >= '0' && character <= '9') character = '0';
+    }
+    return text;
+}
+
 }  // namespace
 
 TEST_F(LogTest, ALineHasItsTimeAndADumpItsRuns) {
@@ -41,14 +50,13 @@ TEST_F(LogTest, ALineHasItsTimeAndADumpItsRuns) {
     CLog::LogOut(0, "seventeen", "0123456789\r\ndef\xB1g", 17);
     CLog::LogOut(0, "nothing", "x", 0);
     qel::SetDebugOutputHook(before);
-    const std::string time = R"(\[\d{4}/\d\d/\d\d \d\d:\d\d:\d\d\],)";
-    const std::regex wanted(time +
-                            "seventeen\r\n"
-                            "30 31 32 33 34 35 36 37 38 39 0D 0A 64 65 66 B1  0123456789\r\ndef\xB1\r\n"
-                            "67  g\r\n" +
-                            time + "nothing\r\n");
-    EXPECT_TRUE(std::regex_match(Text(), wanted)) << Text();
-    EXPECT_TRUE(std::regex_match(theDebugOutput, std::regex(time + "seventeen\r\n" + time + "nothing\r\n")));
+    const std::string time = "[0000/00/00 00:00:00],";
+    EXPECT_EQ(WithZeroTimes(Text()), time +
+                                         "seventeen\r\n"
+                                         "30 31 32 33 34 35 36 37 38 39 0D 0A 64 65 66 B1  0123456789\r\ndef\xB1\r\n"
+                                         "67  g\r\n" +
+                                         time + "nothing\r\n");
+    EXPECT_EQ(WithZeroTimes(theDebugOutput), time + "seventeen\r\n" + time + "nothing\r\n");
 }
 
 TEST_F(LogTest, OnlyLevelsUpToTheThresholdAreWritten) {
