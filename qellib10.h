@@ -68,3 +68,4 @@
 #include "qellib10/runtime/qel_resource.h"
 #include "qellib10/runtime/system_info.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"
+#include "qellib10/secure/q_diff_list.h"

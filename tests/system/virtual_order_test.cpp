@@ -67,4 +67,7 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CAutoLockedMemoryMappedFile()), kDestructor + 5);
     EXPECT_EQ(Slots(CCheckRepeatExec()), kDestructor);
     EXPECT_EQ(Slots(CWorkerThreadCtrl()), kDestructor);
+
+    EXPECT_EQ(Slots(CDiffItem()), kDestructor);
+    EXPECT_EQ(Slots(CQDiffList()), kDestructor);
 }

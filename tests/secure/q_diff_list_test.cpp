@@ -1,0 +1,27 @@
+#include "qellib10/secure/q_diff_list.h"
+
+#include <gtest/gtest.h>
+
+TEST(DiffList, KeepsCopiesInTheOrderOfAdding) {
+    CQDiffList list;
+    CDiffItem item, out;
+    item.SetBefore("1");
+    item.SetAfter("2");
+    for (const char* name : {"A", "B", "C"}) {
+        item.SetName(name);
+        list.AddDiffItem(item);
+    }
+    item.InitParameter();
+    EXPECT_TRUE(item.GetName().IsEmpty() && item.GetBefore().IsEmpty() && item.GetAfter().IsEmpty());
+    const CQDiffList copy = list;
+    list.InitParameter();
+    EXPECT_EQ(list.GetCount() + list.GetDiffItemIndex(0, &out), 0);
+    list.AddDiffItem(item);
+    EXPECT_EQ(list.GetDiffItemIndex(0, &out), 1);
+    for (int i = 0; i < copy.GetCount(); ++i) {
+        ASSERT_EQ(copy.GetDiffItemIndex(i, &out), 1);
+        EXPECT_EQ(out.GetName() + out.GetBefore() + out.GetAfter(), CString(static_cast<char>('A' + i)) + "12");
+    }
+    EXPECT_EQ(copy.GetDiffItemIndex(-1, &out) + copy.GetDiffItemIndex(3, &out) + copy.GetDiffItemIndex(0, nullptr), 0);
+    EXPECT_EQ(out.GetName(), "C");
+}
