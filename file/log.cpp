@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/file.h"
@@ -25,7 +26,11 @@ constexpr std::chrono::milliseconds kBetweenHopelessTries(50);
 constexpr UINT kAppend = CFile::modeCreate | CFile::modeNoTruncate | CFile::shareExclusive | CFile::modeWrite;
 constexpr std::size_t kDumpBlock = 65536;  // bytes dumped by one write
 
-std::mutex theLogFileGuard;
+// Both are made at load, so that no thread is just making one when another forks.
+qel::ForkSafeLock& theLogFileGuard = *new qel::ForkSafeLock;
+// The turn of one thread of the process to open the file and write. A fork waits for its end, so that a child neither
+// has the file open nor is born while a thread holds the C library's lock of the time zone.
+qel::ForkSafeLock& theTurn = *new qel::ForkSafeLock;
 
 std::int64_t Now() { return CTime::GetCurrentTime().GetTime(); }
 
@@ -45,29 +50,18 @@ private:
     qel::Backoff m_hopeless{kLongerThanPatience, kBetweenHopelessTries};
 };
 
-// Of the threads of a process only one tries to open the file.
-class ProcessTurn {
-public:
-    explicit ProcessTurn(Wait& wait) : m_lock(Mutex(), std::try_to_lock) {
-        while (!m_lock.owns_lock() && wait.ForTurn()) m_lock.try_lock();
+// Opens the file in a turn of this thread. Between the tries the turn is given up: others may have it, and fork.
+// @return false, and no turn, when the patience has come to its end
+bool OpenInTurn(CFile& file, const CString& path, std::unique_lock<qel::ForkSafeLock>& turn, Wait wait) {
+    for (bool mayTry = true; mayTry;) {
+        CFileException error(CFileException::genericException, qel::kSharingViolation);
+        if (turn.try_lock()) {
+            if (file.Open(path, kAppend, &error)) return true;
+            turn.unlock();
+        }
+        mayTry = error.m_lOsError == qel::kSharingViolation ? wait.ForTurn() : wait.ForHopeless();
     }
-    bool IsOurs() const { return m_lock.owns_lock(); }
-
-private:
-    static std::mutex& Mutex() {
-        static std::mutex mutex;
-        return mutex;
-    }
-    std::unique_lock<std::mutex> m_lock;
-};
-
-bool OpenLog(CFile& file, const CString& path, Wait& wait) {
-    CFileException error;
-    while (!file.Open(path, kAppend, &error)) {
-        const bool isInUse = error.m_lOsError == qel::kSharingViolation;
-        if (!(isInUse ? wait.ForTurn() : wait.ForHopeless())) return false;
-    }
-    return true;
+    return false;
 }
 
 void WriteText(CFile& file, std::string_view text) { file.Write(text.data(), static_cast<UINT>(text.size())); }
@@ -108,10 +102,9 @@ void CLog::LogOut(int level, const char* message, const void* data, int size) {
     const CString path = LogFile();
     if (path.IsEmpty()) return;
 
-    Wait wait(now.GetTime());
-    const ProcessTurn turn(wait);
+    std::unique_lock turn(theTurn, std::defer_lock);
     CFile file;
-    if (!turn.IsOurs() || !OpenLog(file, path, wait)) return;
+    if (!OpenInTurn(file, path, turn, Wait(now.GetTime()))) return;
     file.SeekToEnd();
     const CString line = now.Format("[%Y/%m/%d %H:%M:%S],") + message + "\r\n";
     WriteText(file, line.View());

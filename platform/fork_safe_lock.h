@@ -14,6 +14,7 @@ public:
     ForkSafeLock& operator=(const ForkSafeLock&) = delete;
 
     void lock() { m_lock.lock(); }
+    bool try_lock() { return m_lock.try_lock(); }
     void unlock() { m_lock.unlock(); }
 
 private:

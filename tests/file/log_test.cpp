@@ -1,6 +1,7 @@
 #include "qellib10/file/log.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -95,6 +96,34 @@ TEST_F(LogTest, EightProcessesOfTwoThreadsLoseAndMixNoLine) {
     }
     EXPECT_EQ(next.size(), static_cast<std::size_t>(kProcesses * kThreads));
     for (const auto& [writer, lines] : next) EXPECT_EQ(lines, kLines) << writer;
+}
+
+// Children were forked while the thread had its turn, waited for it until their patience was at its end, and dropped
+// their line.
+TEST_F(LogTest, ChildrenForkedWhileAThreadLogsLoseNoLine) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "their own locks are not safe in a child";
+#endif
+    constexpr int kChildren = 50;
+    std::atomic<bool> isOver = false;
+    std::thread other([&isOver] {
+        for (int line = 0; !isOver; ++line) CLog::LogOut(0, "thread", &line, line % 2 * 4);
+    });
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(9);
+    for (int child = 0; child < kChildren && std::chrono::steady_clock::now() < end; ++child) {
+        EXPECT_EQ(InChild([] {
+                      CLog::SetLogLevel(1);
+                      CLog::LogOut(1, "child");
+                      return 0;
+                  }),
+                  0);
+    }
+    isOver = true;
+    other.join();
+    const std::string text = Text();
+    int found = 0;
+    for (std::size_t at = 0; (at = text.find("],child\r\n", at)) != std::string::npos; ++at) ++found;
+    EXPECT_EQ(found, kChildren);
 }
 
 TEST_F(LogTest, WaitsForAHeldFileAndGivesUpAfterTenSeconds) {
