@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/text/own_strings.h"
 #include "qellib10/resource/string_ids.h"
 
 struct CQCSVFile::Block {
@@ -15,15 +16,17 @@ struct CQCSVFile::Block {
 
 namespace {
 
+CString OwnText(UINT id) { return qel::LookUpOwnString(id).value_or(CString()); }
+
 std::string_view TextOf(const char* text) { return text != nullptr ? std::string_view(text) : std::string_view(); }
 
 }  // namespace
 
-CQCSVFile::CQCSVFile() : m_pBlock(std::make_unique_for_overwrite<Block>()) {
-    m_szDelimiter.LoadString(qel::kCsvDelimiterId);
-    m_szCRLF.LoadString(qel::kCsvLineEndId);
-    m_szQuotationMark.LoadString(qel::kCsvQuotationMarkId);
-}
+CQCSVFile::CQCSVFile()
+    : m_szDelimiter(OwnText(qel::kCsvDelimiterId)),
+      m_szCRLF(OwnText(qel::kCsvLineEndId)),
+      m_szQuotationMark(OwnText(qel::kCsvQuotationMarkId)),
+      m_pBlock(std::make_unique_for_overwrite<Block>()) {}
 
 CQCSVFile::~CQCSVFile() { WriteOutQuietly(); }
 

@@ -22,8 +22,8 @@
 /// and a failure to write it, such as a full disk, is thrown only then (not by Abort or the destructor).
 class QELLIB10_API CQCSVFile : public CQFile {
 public:
-    /// Delimiter, line end and quotation mark are those of the string table: a comma, CR LF and the double quotation
-    /// mark.
+    /// Delimiter, line end and quotation mark are those of the library's own string table, whatever texts an
+    /// application has registered: a comma, CR LF and the double quotation mark.
     CQCSVFile();
     ~CQCSVFile() override;
 

@@ -10,6 +10,7 @@
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
 #include "../support/temp_folder.h"
+#include "qellib10/platform/text/string_table.h"
 
 namespace {
 
@@ -42,6 +43,18 @@ TEST_F(CsvFile, QuotesByTheMarkThatIsSet) {
         file.Close();
         EXPECT_EQ(folder.Read("a"), expected);  // in the last one the first 7C is half of a character
     }
+}
+
+TEST_F(CsvFile, AnApplicationsTextsDoNotChangeTheDefaults) {
+    static constexpr qel::StringTableEntry kOfAnApplication[] = {
+        {28001, "\n", nullptr}, {28002, ";", nullptr}, {28003, "'", nullptr}};
+    // Registered texts stay to the end of a process.
+    EXPECT_EQ(InChild([] {
+                  qel::RegisterStringTable(kOfAnApplication);
+                  const CQCSVFile made;
+                  return made.GetCRLF() == "\r\n" && made.GetDelimiter() == "," && made.GetQuotationMark() == "\"";
+              }),
+              1);
 }
 
 TEST_F(CsvFile, IsWrittenOutBeforeAnythingLooksAtIt) {
