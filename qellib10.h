@@ -69,3 +69,8 @@
 #include "qellib10/runtime/system_info.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"
 #include "qellib10/secure/q_diff_list.h"
+#include "qellib10/user/class_agent_connect_interface.h"
+#include "qellib10/user/function_info.h"
+#include "qellib10/user/function_security.h"
+#include "qellib10/user/system_setting.h"
+#include "qellib10/user/user_info.h"

@@ -30,6 +30,11 @@ template <class Object> std::size_t Slots(const Object& object) {
     return static_cast<const ElfW(Sym)*>(symbol)->st_size / sizeof(void*) - 2;
 }
 
+// Members stand one behind the other, the first of them at @p slot.
+template <class... Members> void ExpectInOrder(std::size_t slot, Members... members) {
+    for (const std::size_t found : {Slot(members)...}) EXPECT_EQ(found, slot++);
+}
+
 constexpr std::size_t kDestructor = 2;
 
 }  // namespace
@@ -58,11 +63,9 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CQVariant()), kDestructor);
     EXPECT_EQ(Slots(CQELResource()), kDestructor);
 
-    EXPECT_EQ(Slot(&CMemoryMappedFile::Open), kDestructor);
-    EXPECT_EQ(Slot(&CMemoryMappedFile::Close), kDestructor + 1);
-    EXPECT_EQ(Slot(&CMemoryMappedFile::GetDataPtr), kDestructor + 2);
-    EXPECT_EQ(Slot(&CMemoryMappedFile::GetDataPtrUnmap), kDestructor + 3);
-    EXPECT_EQ(Slot(&CMemoryMappedFile::SetData), kDestructor + 4);
+    using Memory = CMemoryMappedFile;
+    ExpectInOrder(kDestructor, &Memory::Open, &Memory::Close, &Memory::GetDataPtr, &Memory::GetDataPtrUnmap,
+                  &Memory::SetData);
     EXPECT_EQ(Slots(CMemoryMappedFile()), kDestructor + 5);
     EXPECT_EQ(Slots(CAutoLockedMemoryMappedFile()), kDestructor + 5);
     EXPECT_EQ(Slots(CCheckRepeatExec()), kDestructor);
@@ -70,4 +73,29 @@ TEST(VirtualOrder, IsFixed) {
 
     EXPECT_EQ(Slots(CDiffItem()), kDestructor);
     EXPECT_EQ(Slots(CQDiffList()), kDestructor);
+
+    EXPECT_EQ(Slots(CFunctionInfo()), kDestructor);
+    using Security = CFunctionSecurity;
+    ExpectInOrder(kDestructor, &Security::InitializeFunctionInfo, &Security::GetMachineID, &Security::GetMachineName,
+                  &Security::SetFunctionParameter, &Security::SetMakerParameter, &Security::SetManagerParameter);
+    EXPECT_EQ(Slots(CFunctionSecurity()), kDestructor + 6);
+    EXPECT_EQ(Slots(CUserInfo()), kDestructor);
+
+    struct Setting : CSystemSetting {
+        using CSystemSetting::SetLoginUserName;
+    };
+    ExpectInOrder(kDestructor, &Setting::IsAutoLogon, &Setting::SetAutoLogon, &Setting::GetAutoLogonUserName,
+                  &Setting::GetAutoLogonPassword, &Setting::SetAutoLogonUser, &Setting::SetLoginUserName);
+    EXPECT_EQ(Slots(CSystemSetting(nullptr)), kDestructor + 6);
+
+    // Its slots have numbers, which count from 1 with the destructor as one.
+    using Store = CClassAgentConnectInterface;
+    ExpectInOrder(2, &Store::Connect, &Store::IsConnected, &Store::Reserved4, &Store::Reserved5, &Store::Reserved6,
+                  &Store::LogonWithDialog, &Store::Logon, &Store::Reserved9, &Store::Reserved10, &Store::GetLogonUser,
+                  &Store::GetLogonUsername, &Store::Reserved13, &Store::IsAutoLogon, &Store::SetAutoLogon,
+                  &Store::GetAutoLogonUserName, &Store::GetAutoLogonPassword, &Store::SetAutoLogonUser,
+                  &Store::GetUserInfo, &Store::Reserved20, &Store::Reserved21, &Store::ReloadUserList,
+                  &Store::GetUserCount, &Store::GetUserName, &Store::SaveFunctionSecurity, &Store::AddUser,
+                  &Store::Reserved27, &Store::DeleteUser);
+    EXPECT_EQ(Slot(&Store::DeleteUser), 28u);
 }

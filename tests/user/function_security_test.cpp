@@ -1,0 +1,87 @@
+#include "qellib10/user/function_security.h"
+
+#include <gtest/gtest.h>
+
+#include "../support/cases.h"
+#include "qellib10/user/user_info.h"
+
+namespace {
+
+class TitratorSecurity : public CFunctionSecurity {
+public:
+    void InitializeFunctionInfo() override {
+        CFunctionSecurity::InitializeFunctionInfo();
+        AddFunctionInfo(CFunctionInfo(100, "Calibrate", 2));
+        AddFunctionInfo(CFunctionInfo(7, "Print", 0));
+        AddFunctionInfo(CFunctionInfo(100, "Calibrate again", 5));
+    }
+    int Privileged() const { return m_nPrivileged; }
+};
+
+}  // namespace
+
+TEST(FunctionSecurity, FirstEntryOfAnIdentifierAnswers) {
+    TitratorSecurity security;
+    EXPECT_EQ(security.GetFunctionIDCount(), 0);
+    EXPECT_EQ(security.GetFunctionSecurity(100), -1);
+    security.Initialize();
+    security.Initialize();
+    for (const auto& [index, id] : Cases<int, int>{{-1, -1}, {0, 100}, {1, 7}, {2, 100}, {3, -1}}) {
+        EXPECT_EQ(security.GetFunctionID(index), id) << index;
+    }
+    EXPECT_EQ(security.SetFunctionSecurity(100, 3), 1);
+    EXPECT_EQ(security.SetFunctionSecurity(8, 3), 0);
+    for (const auto& [id, name, level] :
+         Cases<int, const char*, int>{{100, "Calibrate", 3}, {7, "Print", 0}, {8, "", -1}}) {
+        EXPECT_EQ(security.GetFunctionName(id), name);
+        EXPECT_EQ(security.GetFunctionSecurity(id), level) << id;
+    }
+}
+
+TEST(FunctionSecurity, PrivilegesStandAboveLevels) {
+    TitratorSecurity security;
+    security.Initialize();
+    struct Step {
+        void (CFunctionSecurity::*set)(int);
+        int value, maker, manager, privileged, level;
+    };
+    const auto maker = &CFunctionSecurity::SetMakerParameter, manager = &CFunctionSecurity::SetManagerParameter;
+    for (const Step& s : {Step{maker, 0, 0, 0, 0, 2}, Step{manager, 1, 0, 1, 1, 1}, Step{manager, 0, 0, 0, 1, 2},
+                          Step{maker, 1, 1, 1, 1, 1}, Step{manager, 0, 1, 1, 1, 1}, Step{maker, 0, 0, 1, 1, 1}}) {
+        (security.*s.set)(s.value);
+        EXPECT_EQ(security.GetMakerParameter(), s.maker);
+        EXPECT_EQ(security.GetManagerParameter(), s.manager);
+        EXPECT_EQ(security.Privileged(), s.privileged);
+        EXPECT_EQ(security.GetFunctionSecurity(100), s.level);
+        EXPECT_EQ(security.GetFunctionSecurity(8), s.manager != 0 ? 1 : -1);
+    }
+    security.SetShow(0);
+    security.Initialize();
+    EXPECT_EQ(security.GetManagerParameter() + security.Privileged(), 0);
+    EXPECT_EQ(security.GetShow(), 1);
+}
+
+TEST(UserInfo, CopiesHaveTheirOwnTable) {
+    TitratorSecurity security;
+    security.Initialize();
+    security.SetShow(4);
+    CUserInfo user;
+    user.SetUserID(12);
+    user.SetUsername("miller");
+    user.SetPassword("secret");
+    user.SetSecurity(security);
+    CUserInfo copy = user;
+    EXPECT_EQ(copy.SetFunctionSecurity(7, 9), 1);
+    EXPECT_EQ(user.GetFunctionSecurity(7), 0);
+    copy.SetMakerFlag(1);
+    EXPECT_EQ(copy.GetManagerFlag(), 1);
+    copy = user;
+    EXPECT_EQ(copy.GetSecurity().GetFunctionIDCount(), 3);
+    EXPECT_EQ(copy.GetMakerFlag(), 0);
+    EXPECT_EQ(copy.GetSecurity().GetShow(), 4);
+    copy.Initialize();
+    EXPECT_EQ(copy.GetUserID(), 12);  // kept
+    EXPECT_EQ(copy.GetUsername() + copy.GetUserFullname() + copy.GetPassword(), "");
+    EXPECT_EQ(copy.GetSecurity().GetFunctionIDCount(), 0);
+    EXPECT_EQ(user.GetPassword(), "secret");
+}

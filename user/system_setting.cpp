@@ -1,0 +1,110 @@
+#include "qellib10/user/system_setting.h"
+
+#include "qellib10/file/private_profile.h"
+#include "qellib10/file/q_file.h"
+
+CSystemSetting::CSystemSetting(CClassAgentConnectInterface* connect) { Initialize(connect); }
+
+CSystemSetting::~CSystemSetting() = default;
+
+int CSystemSetting::IsAutoLogon() const { return m_pConnect != nullptr ? m_pConnect->IsAutoLogon() : 0; }
+
+int CSystemSetting::SetAutoLogon(int autoLogon) {
+    return m_pConnect != nullptr ? m_pConnect->SetAutoLogon(autoLogon) : 0;
+}
+
+CString CSystemSetting::GetAutoLogonUserName() const {
+    return m_pConnect != nullptr ? m_pConnect->GetAutoLogonUserName() : CString();
+}
+
+CString CSystemSetting::GetAutoLogonPassword() const {
+    return m_pConnect != nullptr ? m_pConnect->GetAutoLogonPassword() : CString();
+}
+
+int CSystemSetting::SetAutoLogonUser(const CString& username) {
+    return m_pConnect != nullptr ? m_pConnect->SetAutoLogonUser(username) : 0;
+}
+
+int CSystemSetting::SetLoginUserName(const char* name) {
+    // Nothing of the user before may stay, whatever the store fills in.
+    m_nLogon = 0;
+    m_LogonUser = CUserInfo();
+    if (name == nullptr) return 1;
+    if (m_pConnect != nullptr) m_pConnect->GetLogonUser(&m_LogonUser);
+    m_nLogon = 1;
+    return 1;
+}
+
+void CSystemSetting::Initialize(CClassAgentConnectInterface* connect) {
+    m_pConnect = connect;
+    m_nLogon = 0;
+    m_LogonUser = CUserInfo();
+}
+
+void CSystemSetting::ConnectIfNeeded() {
+    if (m_pConnect->IsConnected() == 0) m_pConnect->Connect();
+}
+
+int CSystemSetting::LogonWithDialog() {
+    if (m_pConnect == nullptr) return 0;
+    ConnectIfNeeded();
+    if (m_pConnect->LogonWithDialog() == 0) {
+        Logoff();
+        return 0;
+    }
+    SetLoginUserName(m_pConnect->GetLogonUsername());
+    return 1;
+}
+
+int CSystemSetting::LogonWithoutDialog(const CString& username, const CString& password) {
+    if (m_pConnect == nullptr) return 0;
+    ConnectIfNeeded();
+    if (m_pConnect->Logon(username, password) == 0) {
+        Logoff();
+        return 0;
+    }
+    SetLoginUserName(username);
+    return 1;
+}
+
+int CSystemSetting::IsLogon() const { return m_nLogon != 0 ? 1 : 0; }
+
+void CSystemSetting::Logoff() { SetLoginUserName(nullptr); }
+
+int CSystemSetting::GetLogonUserSecurityLevel(int functionID) const {
+    return m_nLogon != 0 ? m_LogonUser.GetFunctionSecurity(functionID) : -1;
+}
+
+int CSystemSetting::GetLogonUserManagerFlag() const { return m_nLogon != 0 ? m_LogonUser.GetManagerFlag() : -1; }
+
+int CSystemSetting::GetLogonUserMakerFlag() const { return m_nLogon != 0 ? m_LogonUser.GetMakerFlag() : -1; }
+
+int CSystemSetting::GetUserInfo(const CString& username, CUserInfo* out) const {
+    return m_pConnect != nullptr && out != nullptr ? m_pConnect->GetUserInfo(username, out) : 0;
+}
+
+int CSystemSetting::ReloadUserList() { return m_pConnect != nullptr ? m_pConnect->ReloadUserList() : 0; }
+
+int CSystemSetting::GetUserCount() const { return m_pConnect != nullptr ? m_pConnect->GetUserCount() : -1; }
+
+CString CSystemSetting::GetUserName(int index) const {
+    return m_pConnect != nullptr ? m_pConnect->GetUserName(index) : CString();
+}
+
+int CSystemSetting::SaveFunctionSecurity(const CUserInfo& user) {
+    return m_pConnect != nullptr ? m_pConnect->SaveFunctionSecurity(user) : 0;
+}
+
+int CSystemSetting::AddUserInfo(const CUserInfo& user) { return m_pConnect != nullptr ? m_pConnect->AddUser(user) : 0; }
+
+int CSystemSetting::DeleteUserInfo(const CString& username) {
+    return m_pConnect != nullptr ? m_pConnect->DeleteUser(username) : 0;
+}
+
+CString CSystemSetting::GetQELSystemIniPath() {
+    const CPrivateProfile common(R"(HKEY_LOCAL_MACHINE\Software\BRANTEL LABWORKS\Common)",
+                                 CPrivateProfile::registryMode);
+    CString folder = common.Get(nullptr, "SystemFolder", "");
+    if (folder.IsEmpty()) folder = CQFile::GetFolderFromPath(CQFile::GetModuleIniFile(nullptr));
+    return CQFile::BuildFilePath(folder, "sysinfo.ini");
+}
