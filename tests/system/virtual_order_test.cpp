@@ -71,6 +71,7 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CCheckRepeatExec()), kDestructor);
     EXPECT_EQ(Slots(CWorkerThreadCtrl()), kDestructor);
 
+    EXPECT_EQ(Slots(CCryptBrowFish()), kDestructor);
     EXPECT_EQ(Slots(CDiffItem()), kDestructor);
     EXPECT_EQ(Slots(CQDiffList()), kDestructor);
 
