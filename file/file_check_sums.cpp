@@ -1,6 +1,7 @@
 #include "qellib10/file/file_check_sums.h"
 
 #include <algorithm>
+#include <span>
 
 #include "qellib10/platform/storage/block_io.h"
 
@@ -19,6 +20,21 @@ CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted) {
         left -= got;
     }
     file.Seek(static_cast<LONGLONG>(position), CFile::begin);
+    return sums;
+}
+
+CheckSums CopyWithCheckSums(const CFile& from, ULONGLONG offset, CFile& to, ULONGLONG count) {
+    CheckSums sums;
+    const auto block = MakeIoBlock();
+    const CString name = from.GetFilePath();
+    for (ULONGLONG done = 0; done < count;) {
+        const std::span wanted(block->bytes, std::min<ULONGLONG>(count - done, IoBlock::kSize));
+        const std::size_t got = ReadFullyAt(from.ReadableDescriptor(), wanted, offset + done, name.View());
+        sums.Add({reinterpret_cast<const unsigned char*>(block->bytes), got});
+        to.Write(block->bytes, static_cast<UINT>(got));
+        if (got < wanted.size()) throw CFileException(CFileException::genericException, -1, name);
+        done += got;
+    }
     return sums;
 }
 

@@ -10,4 +10,9 @@ namespace qel {
 /// @throws CFileException
 CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted = CheckSums::kBoth);
 
+/// Copies @p count bytes at @p offset of @p from, whose position stays, to the position of @p to, and computes their
+/// checksums on the way.
+/// @throws CFileException; with genericException when @p from has fewer bytes, those that it has are written then
+CheckSums CopyWithCheckSums(const CFile& from, ULONGLONG offset, CFile& to, ULONGLONG count);
+
 }  // namespace qel

@@ -29,4 +29,12 @@ template <PackableNumber T> constexpr T FromLittleEndian(std::span<const std::by
     return std::bit_cast<T>(copy);
 }
 
+/// A number within @p bytes from @p offset, where it has to fit.
+template <PackableNumber T> constexpr void PutNumber(std::span<std::byte> bytes, std::size_t offset, T value) {
+    std::ranges::copy(ToLittleEndian(value), bytes.subspan(offset, sizeof(T)).begin());
+}
+template <PackableNumber T> constexpr T GetNumber(std::span<const std::byte> bytes, std::size_t offset) {
+    return FromLittleEndian<T>(std::span<const std::byte, sizeof(T)>(bytes.subspan(offset, sizeof(T))));
+}
+
 }  // namespace qel

@@ -72,6 +72,8 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CWorkerThreadCtrl()), kDestructor);
 
     EXPECT_EQ(Slots(CCryptBrowFish()), kDestructor);
+    EXPECT_EQ(Slots(CHistoryCabinetFile()), kDestructor);
+    EXPECT_EQ(Slots(CHistoryRenewInfo()), 2u + kDestructor);
     EXPECT_EQ(Slots(CDiffItem()), kDestructor);
     EXPECT_EQ(Slots(CQDiffList()), kDestructor);
 

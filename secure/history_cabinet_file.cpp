@@ -1,0 +1,253 @@
+#include "qellib10/secure/history_cabinet_file.h"
+
+#include <limits>
+#include <span>
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/make_folders.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
+
+#include "qellib10/file/file_check_sums.h"
+#include "qellib10/secure/cabinet_backup.h"
+#include "qellib10/secure/history_cabinet_format.h"
+
+namespace {
+
+constexpr UINT kForReading = CFile::modeRead | CFile::shareDenyWrite;
+constexpr UINT kForWriting = CFile::modeReadWrite | CFile::shareDenyWrite;
+constexpr UINT kNew = CFile::modeCreate | kForWriting;
+
+constexpr ULONGLONG kFirstVersionAt = qel::kCabinetHeaderSize;
+constexpr DWORD kLargest = std::numeric_limits<DWORD>::max();
+
+template <std::size_t size> std::array<std::byte, size> ReadAt(const CFile& file, ULONGLONG offset) {
+    std::array<std::byte, size> bytes;
+    if (qel::ReadFullyAt(file.ReadableDescriptor(), bytes, offset, file.GetFilePath().View()) != size)
+        throw qel::DataError("the file ends within a header");
+    return bytes;
+}
+
+void Write(CFile& file, ULONGLONG offset, std::span<const std::byte> bytes) {
+    file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
+    file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+}
+
+// A version that lies within its cabinet.
+struct StoredVersion {
+    // @param length of the cabinet
+    StoredVersion(const CFile& cabinet, ULONGLONG offset, ULONGLONG length)
+        : header(qel::UnpackVersionHeader(ReadAt<qel::kVersionHeaderSize>(cabinet, offset))),
+          dataAt(offset + qel::kVersionHeaderSize),
+          end(dataAt + header.dataSize) {
+        if (end > length) throw qel::DataError("a version leads out of its cabinet");
+    }
+
+    _CAB_VERSIONHEADER header;
+    ULONGLONG dataAt, end;
+};
+
+StoredVersion LatestVersion(const CFile& cabinet, const qel::CabinetHeader& header) {
+    if (header.latestOffset < kFirstVersionAt) throw qel::DataError("a version within the header");
+    const StoredVersion latest(cabinet, header.latestOffset, cabinet.GetLength());
+    if (latest.header.version != header.versionCount) throw qel::DataError("not the latest version");
+    return latest;
+}
+
+// Each step leads on by a header at least, so the walk ends, at the latest with the file.
+StoredVersion FindVersion(const CFile& cabinet, DWORD version, DWORD count) {
+    const ULONGLONG length = cabinet.GetLength();
+    for (ULONGLONG offset = kFirstVersionAt;;) {
+        const StoredVersion found(cabinet, offset, length);
+        if (found.header.version > count) throw qel::DataError("a version that was never registered");
+        if (found.header.version == version) return found;
+        offset = found.end;
+    }
+}
+
+// @param find gives the version; not asked before the target is there
+template <class Find> int Extract(CFile& cabinet, const char* target, Find&& find) {
+    return qel::AsResult([&] {
+        CFile to(target, kNew);
+        const StoredVersion version = find();
+        const qel::CheckSums sums = qel::CopyWithCheckSums(cabinet, version.dataAt, to, version.header.dataSize);
+        to.Close();
+        return sums.Sum() == version.header.dataSum && sums.Crc() == version.header.dataCRC ? 1 : 0;
+    });
+}
+
+// Where the registered versions end and the next one begins. Behind may stand what a crash has left.
+ULONGLONG EndOfVersions(const CFile& cabinet, const qel::CabinetHeader& header) {
+    return header.versionCount == 0 ? kFirstVersionAt : LatestVersion(cabinet, header).end;
+}
+
+void RequireRoom(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size) {
+    if (header.versionCount == kLargest || size > kLargest || end + qel::kVersionHeaderSize + size > kLargest)
+        throw qel::DataError("no room for another version");
+}
+
+// Puts file and header back to what they were, unless the registration is kept. The header first: cut before it, a
+// crash in between would leave one that names data which are gone.
+class Undo {
+public:
+    Undo(CFile& file, qel::CabinetHeader& header, ULONGLONG end)
+        : m_file(file), m_header(header), m_old(header), m_end(file.GetLength() != 0 ? end : 0) {}
+    ~Undo() {
+        if (m_kept) return;
+        m_header = m_old;
+        qel::AsResult([&] {
+            if (m_end != 0) {
+                Write(m_file, 0, qel::Pack(m_old));
+                m_file.Flush();
+            }
+            m_file.SetLength(m_end);
+            return 1;
+        });
+    }
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+
+    void Keep() { m_kept = true; }
+
+private:
+    CFile& m_file;
+    qel::CabinetHeader& m_header;
+    qel::CabinetHeader m_old;
+    ULONGLONG m_end;  // 0 of a cabinet that was only created
+    bool m_kept = false;
+};
+
+}  // namespace
+
+CHistoryCabinetFile::CHistoryCabinetFile() : m_pFile(std::make_shared<CQFile>()) { InitCabFileHeader(); }
+CHistoryCabinetFile::CHistoryCabinetFile(const CHistoryCabinetFile& other) = default;
+CHistoryCabinetFile& CHistoryCabinetFile::operator=(const CHistoryCabinetFile& other) = default;
+CHistoryCabinetFile::~CHistoryCabinetFile() = default;
+
+int CHistoryCabinetFile::Create(const char* path) {
+    Initialize();
+    return qel::AsResult([&] {
+        const CString name(path);
+        qel::MakeFolders(name.View().substr(0, qel::NameStart(name.View())));
+        return m_pFile->Open(name, kNew) ? 1 : 0;
+    });
+}
+
+int CHistoryCabinetFile::Open(const char* path, int readOnly) {
+    Initialize();
+    if (!m_pFile->Open(path, readOnly != 0 ? kForReading : kForWriting)) return 0;
+    if (ReadCabFileHeader()) return 1;
+    Initialize();
+    return 0;
+}
+
+int CHistoryCabinetFile::Close() {
+    return qel::AsResult([&] {
+        m_pFile->Close();
+        return 1;
+    });
+}
+
+void CHistoryCabinetFile::Initialize() {
+    m_pFile->Abort();
+    InitCabFileHeader();
+}
+
+int CHistoryCabinetFile::RegistNewVersion(const char* source) {
+    return qel::AsResult([&] {
+        m_pFile->WritableDescriptor();  // throws when nothing is open, or for reading only
+        CFile from(source, kForReading);
+        // What was only created is not in the file yet. Else the file is asked: a copy of this object may have
+        // registered versions meanwhile.
+        const bool isCreated = m_header.versionCount == 0 && m_pFile->GetLength() == 0;
+        if (!isCreated && !ReadCabFileHeader()) return 0;
+        const ULONGLONG end = EndOfVersions(*m_pFile, m_header);
+        RequireRoom(m_header, end, from.GetLength());
+
+        qel::CabinetBackup backup;
+        backup.Take(*m_pFile);
+        Append(from, end);
+        backup.Drop();
+        return 1;
+    });
+}
+
+// The data are on the disk before the header that names them is written.
+void CHistoryCabinetFile::Append(CFile& source, ULONGLONG end) {
+    Undo undo(*m_pFile, m_header, end);
+    if (m_pFile->GetLength() > end) m_pFile->SetLength(end);
+    if (m_header.versionCount == 0) {
+        m_header.latestOffset = static_cast<DWORD>(end);
+        WriteHeader();
+        const CString path = m_pFile->GetFilePath();
+        qel::FlushFolderOf(qel::ToPosixPath(path.View()), path.View());
+    }
+
+    _CAB_VERSIONHEADER version;
+    InitCabVerHeader(version);
+    version.version = m_header.versionCount + 1;
+    version.dataSize = static_cast<DWORD>(source.GetLength());
+    m_pFile->Seek(static_cast<LONGLONG>(end + qel::kVersionHeaderSize), CFile::begin);
+    const qel::CheckSums sums = qel::CopyWithCheckSums(source, 0, *m_pFile, version.dataSize);
+    version.dataSum = sums.Sum();
+    version.dataCRC = sums.Crc();
+    Write(*m_pFile, end, qel::Pack(version));
+    m_pFile->Flush();
+
+    m_header.latestOffset = static_cast<DWORD>(end);
+    m_header.versionCount = version.version;
+    WriteHeader();
+    undo.Keep();
+}
+
+void CHistoryCabinetFile::WriteHeader() {
+    if (!UpdateCabFileHeader()) throw CFileException(CFileException::invalidFile, -1, m_pFile->GetFilePath());
+    m_pFile->Flush();
+}
+
+int CHistoryCabinetFile::GetLatestVersionFile(const char* target) {
+    if (!m_pFile->IsOpen() || m_header.versionCount == 0) return 0;
+    return Extract(*m_pFile, target, [&] { return LatestVersion(*m_pFile, m_header); });
+}
+
+int CHistoryCabinetFile::GetVersionFile(DWORD version, const char* target) {
+    if (!m_pFile->IsOpen() || version == 0 || version > m_header.versionCount) return 0;
+    return Extract(*m_pFile, target, [&] { return FindVersion(*m_pFile, version, m_header.versionCount); });
+}
+
+void CHistoryCabinetFile::InitCabFileHeader() {
+    m_header = {};
+    m_header.magic = qel::kCabinetMagic;
+    m_header.guid = CGuid::CreateNewGuid();
+}
+
+int CHistoryCabinetFile::ReadCabFileHeader() {
+    if (!m_pFile->IsOpen()) {
+        InitCabFileHeader();
+        return 0;
+    }
+    return qel::AsResult([&] {
+        m_header = qel::UnpackCabinetHeader(ReadAt<qel::kCabinetHeaderSize>(*m_pFile, 0));
+        return 1;
+    });
+}
+
+int CHistoryCabinetFile::UpdateCabFileHeader() {
+    return qel::AsResult([&] {
+        const auto writeWith = [&](const qel::CheckSums& sums) {
+            m_header.sum = sums.Sum();
+            m_header.crc = sums.Crc();
+            Write(*m_pFile, 0, qel::Pack(m_header));
+        };
+        writeWith(qel::CheckSumsOf(m_header));
+        writeWith(qel::CheckSumsOf(*m_pFile, qel::kCheckedHeaderSize));
+        return 1;
+    });
+}
+
+void CHistoryCabinetFile::InitCabVerHeader(_CAB_VERSIONHEADER& header) {
+    header = {};
+    header.magic = qel::kVersionMagic;
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "qellib10/base/guid.h"
+#include "qellib10/file/q_file.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+/// The header of a cabinet.
+struct CabinetHeader {
+    std::array<char, 4> magic = {};
+    DWORD latestOffset = 0;  ///< of the latest version's header from the file's begin; 0 without versions
+    DWORD versionCount = 0;  ///< also the number of the latest version
+    CGuid guid;
+    DWORD sum = 0;  ///< sum and CRC of the 28 bytes before them
+    DWORD crc = 0;
+};
+
+}  // namespace qel
+
+/// What stands before the data of a version in a cabinet.
+struct _CAB_VERSIONHEADER {  // NOLINT(bugprone-reserved-identifier): the name that applications know
+    std::array<char, 4> magic = {};
+    DWORD version = 0;
+    DWORD dataSize = 0;  ///< bytes
+    DWORD dataSum = 0;
+    DWORD dataCRC = 0;
+};
+
+/// A cabinet keeps every registered version of a document in one file, oldest first, so that any earlier state can be
+/// taken out again. Versions count from 1 and never change once written.
+///
+///     offset 0    header, 36 bytes     "HCF1", where the latest version is, how many, GUID, sum and CRC of bytes 0-27
+///     offset 36   version 1            "CVH1", number, size, sum, CRC (20 bytes), then the data
+///     ...         version 2, 3, ...    appended; integers little-endian, so a cabinet ends below 4 GiB
+///
+/// A version's bytes are on the disk before the header names them, and the header is right at every moment. So a
+/// cabinet outlives a crash or a loss of power in the middle of a registration: every version whose registration had
+/// answered 1 is there, perhaps the one under way too, and what is left of it otherwise is cut off by the next one.
+///
+/// While a cabinet is open others may read its file but not write to it, so no other object has it open for writing.
+/// Operations answer 1, or 0 when a file is missing, damaged or refused by the system; nothing is thrown. Copies share
+/// the open file and its position; each has its own copy of the header, which Open, Create and RegistNewVersion read.
+/// One thread at a time.
+class QELLIB10_API CHistoryCabinetFile {
+public:
+    CHistoryCabinetFile();
+    CHistoryCabinetFile(const CHistoryCabinetFile& other);
+    CHistoryCabinetFile& operator=(const CHistoryCabinetFile& other);
+    virtual ~CHistoryCabinetFile();
+
+    /// Makes the missing folders of @p path and an empty file there, in place of what it held, for a cabinet with a new
+    /// GUID. The file stays empty, and is none that Open takes, until the first version is registered.
+    int Create(const char* path);
+    /// Opens a cabinet whose header is right. After a failure nothing is open.
+    /// @param readOnly not 0: for taking versions out only; then other objects may do so at the same time
+    int Open(const char* path, int readOnly);
+    /// Closes; also 1 when nothing is open. Count and GUID can still be asked for.
+    int Close();
+    /// Closes, and begins with a header without versions and with a new GUID.
+    void Initialize();
+
+    /// Appends the file at @p source as the next version. Others must not be writing to it.
+    ///
+    /// Before anything is written the cabinet is copied to the folder for temporary files, which takes no time where
+    /// the file system can share blocks. The copy is deleted at the end; after a failure it is left there.
+    /// @return 0 leaves the cabinet as it was: damaged, open for reading only, or 4 GiB would not hold it
+    int RegistNewVersion(const char* source);
+
+    /// Number of versions, and of the latest one.
+    DWORD GetLatestVersion() const { return m_header.versionCount; }
+
+    /// Writes the latest version's data to @p target, replacing what it held.
+    /// @return 0 also when the data do not match their sum and CRC; @p target then holds what was found
+    int GetLatestVersionFile(const char* target);
+    /// The same for version @p version, 1 to GetLatestVersion(); any other leaves @p target alone.
+    int GetVersionFile(DWORD version, const char* target);
+
+    CGuid GetGUID() const { return m_header.guid; }
+
+protected:
+    /// No versions, a new GUID.
+    void InitCabFileHeader();
+    /// Reads the header from the file and checks it. Without an open file it is as InitCabFileHeader leaves it, then;
+    /// after another failure as it was.
+    int ReadCabFileHeader();
+    /// Writes the header, takes its sum and CRC from the file, and writes it again. They are right the first time
+    /// already, so the file never holds a wrong header.
+    int UpdateCabFileHeader();
+    /// No version, no data.
+    static void InitCabVerHeader(_CAB_VERSIONHEADER& header);
+
+    std::shared_ptr<CQFile> m_pFile;  ///< never null; shared by copies on purpose: one cabinet, one opening
+    qel::CabinetHeader m_header;
+
+private:
+    void WriteHeader();
+    void Append(CFile& source, ULONGLONG end);
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "../support/environment_scope.h"
+#include "../support/temp_folder.h"
+#include "qellib10/secure/history_cabinet_file.h"
+
+/// A folder with a cabinet "c", in memory so that flushing takes no time; "tmp" takes the backups.
+class CabinetFolder : public testing::Test {
+protected:
+    CabinetFolder() { std::filesystem::create_directory(folder.Posix("tmp")); }
+
+    int Register(CHistoryCabinetFile& cabinet, const std::string& data) const {
+        folder.Write("source", data);
+        return cabinet.RegistNewVersion(folder.Path("source"));
+    }
+    /// The version's data, 0: the latest one's; "none" when the answer is 0.
+    std::string Version(CHistoryCabinetFile& cabinet, DWORD version = 0) const {
+        const CString target = folder.Path("target");
+        const int result =
+            version != 0 ? cabinet.GetVersionFile(version, target) : cabinet.GetLatestVersionFile(target);
+        return result != 0 ? folder.Read("target") : "none";
+    }
+    int Backups() const {
+        return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder.Posix("tmp")), {}));
+    }
+
+    const TempFolder folder{"/dev/shm"};
+    const EnvironmentScope place{"TMPDIR", folder.Posix("tmp").c_str()};
+    const CString path = folder.Path("c");
+};
