@@ -6,6 +6,7 @@
 
 #include "qellib10/file/check_datafile_format.h"
 #include "qellib10/file/file_check_sums.h"
+#include "qellib10/file/write_undo.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/error.h"
@@ -29,32 +30,12 @@ DWORD ReadNumber(CFile& file) {
     return qel::FromLittleEndian<DWORD>(bytes);
 }
 
+constexpr std::size_t kLongestTrailer = SealInfo::kLengthSize + SealInfo::kLongest + CheckBlock::kSize;
+
 // The highest version of a forged file has a next one, too.
 int Next(int version) { return static_cast<int>(static_cast<DWORD>(version) + 1); }
 
 CString NameOf(const CFile& file) { return CQFile::GetFilenameFromPath(file.GetFilePath()); }
-
-// Without Keep() a file is cut to the length that it had.
-class AppendedBytes {
-public:
-    explicit AppendedBytes(CFile& file) : m_file(file), m_length(file.SeekToEnd()) {}
-    ~AppendedBytes() {
-        if (m_kept) return;
-        qel::AsResult([&] {
-            m_file.SetLength(m_length);
-            return 1;
-        });
-    }
-    AppendedBytes(const AppendedBytes&) = delete;
-    AppendedBytes& operator=(const AppendedBytes&) = delete;
-
-    void Keep() { m_kept = true; }
-
-private:
-    CFile& m_file;
-    ULONGLONG m_length;
-    bool m_kept = false;
-};
 
 }  // namespace
 
@@ -90,8 +71,10 @@ int CCheckDatafile::PackUpdateData(CQFile* file, int isNew) {
             next.Append(*file);
         } else {
             SeekAddDataTop(file, nullptr);
+            qel::WriteUndo trailer(*file, file->GetPosition(), kLongestTrailer);
             next.m_nVersion = Next(m_nVersion);
             next.UpdatePackData(file);
+            trailer.Keep();
         }
         *this = next;
         return 1;
@@ -101,7 +84,7 @@ int CCheckDatafile::PackUpdateData(CQFile* file, int isNew) {
 void CCheckDatafile::Append(CQFile& file) {
     if (m_guid.IsNull()) m_guid = CGuid::CreateNewGuid();
     if (m_guid.IsNull()) throw qel::DataError("no random bytes for a GUID");
-    AppendedBytes trailer(file);
+    qel::WriteUndo trailer(file, file.GetLength());
     m_nVersion = Next(m_nVersion);
     UpdatePackData(&file);
     trailer.Keep();

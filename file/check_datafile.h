@@ -14,7 +14,8 @@
 /// Sealing again, after a change within the data, writes a new trailer over the old one.
 ///
 /// Operations work on an open file of the caller's and answer 1, or 0 when the check fails or the system refuses;
-/// nothing is thrown. Unless stated they leave the file's position anywhere.
+/// nothing is thrown. A file that could not be sealed is as it was. Unless stated they leave the file's position
+/// anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();
@@ -37,7 +38,7 @@ public:
     const CGuid& GetGUID() const { return m_guid; }
 
     /// Seals a file as version 1 with a new GUID, whether it is sealed already or not: then the seal, too, counts as
-    /// data. On failure the file is as it was.
+    /// data.
     static int PackNewData(CQFile* file);
     /// Seals a file with this object's identity and the next version.
     /// @param isNew not 0: the file must not be sealed yet; a null GUID is replaced by a new one. 0: it must be sealed

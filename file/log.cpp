@@ -17,6 +17,7 @@
 #include "qellib10/platform/time/time.h"
 
 #include "qellib10/file/log_text.h"
+#include "qellib10/file/write_undo.h"
 
 namespace {
 
@@ -105,13 +106,14 @@ void CLog::LogOut(int level, const char* message, const void* data, int size) {
     std::unique_lock turn(theTurn, std::defer_lock);
     CFile file;
     if (!OpenInTurn(file, path, turn, Wait(now.GetTime()))) return;
-    file.SeekToEnd();
+    qel::WriteUndo undo(file, file.GetLength());
     const CString line = now.Format("[%Y/%m/%d %H:%M:%S],") + message + "\r\n";
     WriteText(file, line.View());
     OutputDebugStringA(line);
     if (data != nullptr && size > 0) {
         WriteDump(file, {static_cast<const unsigned char*>(data), static_cast<std::size_t>(size)});
     }
+    undo.Keep();
     file.Close();
 }
 

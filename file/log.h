@@ -29,7 +29,7 @@ public:
     /// Writes @p message, and @p size bytes at @p data unless @p data is null, if @p level is at most the threshold.
     /// The line, not the dump, also goes to the debugger's output. While the file cannot be opened, whatever the
     /// reason, it tries again until 10 seconds of the clock have passed, and then drops the message.
-    /// @throws CFileException when the file is open but writing fails
+    /// @throws CFileException when the file is open but writing fails; nothing of the message is in it then
     static void LogOut(int level, const char* message, const void* data = nullptr, int size = 0);
 
     /// The name of the mutex for the message buffer. The text is not copied: it must last as long as it is in use.

@@ -34,6 +34,7 @@ int CQFile::CreateTempFile(const char* prefix, int deleteOnClose) {
     m_dwLastError = 0;
     const CString name = GetTempFilePath(prefix);
     if (name.IsEmpty() || !Open(name, modeCreate | modeReadWrite | shareDenyWrite)) {
+        if (!name.IsEmpty()) Delete(name);
         m_dwLastError = errorCreateTempFile;
         return 0;
     }

@@ -1,6 +1,5 @@
 #include "qellib10/file/restart_file.h"
 
-#include <limits>
 #include <string>
 
 #include "qellib10/file/private_profile.h"
@@ -34,9 +33,7 @@ bool AddDeletionToRestartFile(const CString& name) {
     // All deletions have the same key, so a new one is not set but put behind the others.
     constexpr const char* kSection = "Rename";
     const CString file = Folder() + "\\WinInit.ini";
-    std::string entries = ReadProfileSection(kSection, std::numeric_limits<DWORD>::max(), file);
-    entries.append("Nul=").append(name.View()).append(1, '\0');
-    return WriteProfileSection(kSection, entries, file);
+    return AddProfileEntry(kSection, "Nul=" + std::string(name.View()), file);
 }
 
 }  // namespace qel

@@ -121,7 +121,8 @@ void FlushData(const Descriptor& file, std::string_view name) {
 void FlushFolderOf(const std::string& posixPath, std::string_view name) {
     const Descriptor folder(::open(PosixFolderOf(posixPath).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     // A folder that may be written but not read cannot be opened; its names get to the disk in their own time.
-    if (!folder || ::fsync(folder.Get()) == 0 || errno == EINVAL || errno == EROFS) return;
+    if (!folder || Uninterrupted([&] { return ::fsync(folder.Get()); }) == 0) return;
+    if (errno == EINVAL || errno == EROFS) return;
     ThrowWriteErrno(errno, name);
 }
 

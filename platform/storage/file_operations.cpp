@@ -24,17 +24,15 @@ namespace {
 
 using Status = struct stat;
 
-std::optional<Status> StatusOf(const std::string& posix) {
+// @param flags of fstatat. @return nothing where there is no such file
+std::optional<Status> StatusOf(const std::string& posix, std::string_view name, int flags) {
     Status status = {};
-    if (::stat(posix.c_str(), &status) != 0) return std::nullopt;
-    return status;
+    if (::fstatat(AT_FDCWD, posix.c_str(), &status, flags) == 0) return status;
+    if (errno != ENOENT) ThrowErrno(errno, name, posix);
+    return std::nullopt;
 }
 
-std::optional<Status> LinkStatusOf(const std::string& posix) {
-    Status status = {};
-    if (::lstat(posix.c_str(), &status) != 0) return std::nullopt;
-    return status;
-}
+constexpr int kOfLink = AT_SYMLINK_NOFOLLOW;
 
 bool IsReadOnly(const Status& status) { return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0; }
 bool IsSame(const Status& a, const Status& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
@@ -86,7 +84,7 @@ bool CanAddNames(const std::string& folder) {
 // @return 0 or the errno of the system
 int Rename(const std::string& from, const std::string& to, bool replace, std::string_view targetName) {
     if (!replace) return RenameNew(from, to);
-    const std::optional<Status> old = LinkStatusOf(to);
+    const std::optional<Status> old = StatusOf(to, targetName, kOfLink);
     if (old && (IsReadOnly(*old) || S_ISDIR(old->st_mode))) ThrowCode(kAccessDenied, targetName);
     const UnusedFile held(to, targetName);
     return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
@@ -108,7 +106,7 @@ void Unlink(const std::string& posix, std::string_view name) {
 void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) {
     const Source from(source);
     const std::string to = ToPosixPath(target);
-    const std::optional<Status> old = StatusOf(to);
+    const std::optional<Status> old = StatusOf(to, target, 0);
     if (old && mustBeNew) ThrowCode(kFileExists, target);
     if (old && (!S_ISREG(old->st_mode) || IsReadOnly(*old))) ThrowCode(kAccessDenied, target);
     if (old && IsSame(*old, from.Description())) ThrowCode(kSharingViolation, target);
@@ -123,9 +121,9 @@ void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) 
 void MoveFile(std::string_view source, std::string_view target, unsigned flags) {
     const std::string from = ToPosixPath(source);
     const std::string to = ToPosixPath(target);
-    const std::optional<Status> status = LinkStatusOf(from);
-    if (!status) ThrowErrno(errno, source, from);
-    const std::optional<Status> old = LinkStatusOf(to);
+    const std::optional<Status> status = StatusOf(from, source, kOfLink);
+    if (!status) ThrowErrno(ENOENT, source, from);
+    const std::optional<Status> old = StatusOf(to, target, kOfLink);
     if (old && IsSame(*status, *old)) return;
 
     const bool replace = (flags & kMoveReplace) != 0;
@@ -139,8 +137,8 @@ void MoveFile(std::string_view source, std::string_view target, unsigned flags) 
 
 void DeleteFile(std::string_view name) {
     const std::string posix = ToPosixPath(name);
-    const std::optional<Status> status = LinkStatusOf(posix);
-    if (!status) ThrowErrno(errno, name, posix);
+    const std::optional<Status> status = StatusOf(posix, name, kOfLink);
+    if (!status) ThrowErrno(ENOENT, name, posix);
     if (S_ISDIR(status->st_mode) || IsReadOnly(*status)) ThrowCode(kAccessDenied, name);
     Unlink(posix, name);
 }

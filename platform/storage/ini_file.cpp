@@ -120,6 +120,14 @@ bool WriteProfileString(const char* section, const char* key, const char* value,
     });
 }
 
+bool AddProfileEntry(const char* section, std::string_view entry, const char* file) {
+    if (section == nullptr) return false;
+    return Rewrite(file, [&](std::string_view bytes) {
+        std::string entries = IniIndex(std::string(bytes)).Entries(section);
+        return WithIniEntries(bytes, section, entries.append(entry).append(1, '\0'));
+    });
+}
+
 bool WriteProfileSection(const char* section, std::string_view entries, const char* file) {
     if (section == nullptr) return false;
     return Rewrite(file, [&](std::string_view bytes) { return WithIniEntries(bytes, section, entries); });

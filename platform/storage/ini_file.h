@@ -42,4 +42,8 @@ QELLIB10_API bool WriteProfileString(const char* section, const char* key, const
 /// @return as WriteProfileString
 QELLIB10_API bool WriteProfileSection(const char* section, std::string_view entries, const char* file);
 
+/// Puts @p entry, a line of the form name=value, behind the last one of the section; others of its name stay.
+/// @return as WriteProfileString
+QELLIB10_API bool AddProfileEntry(const char* section, std::string_view entry, const char* file);
+
 }  // namespace qel

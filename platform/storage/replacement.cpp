@@ -16,6 +16,7 @@
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/share_lock.h"
+#include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
 namespace {
@@ -23,9 +24,12 @@ namespace {
 constexpr std::size_t kLongestName = 255;  // bytes of a name on disk
 constexpr int kTries = 0xFFFF;
 
-std::string Resolved(const std::string& posix) {
+// A file that is not there yet, and a link to none, is itself.
+std::string Resolved(const std::string& posix, std::string_view name) {
     char resolved[PATH_MAX];
-    return ::realpath(posix.c_str(), resolved) != nullptr ? resolved : posix;
+    if (::realpath(posix.c_str(), resolved) != nullptr) return resolved;
+    if (errno != ENOENT) ThrowErrno(errno, name, posix);
+    return posix;
 }
 
 unsigned StartNumber() {
@@ -43,11 +47,12 @@ std::string TemporaryName(const std::string& target, unsigned number) {
 
 }  // namespace
 
-Replacement::Replacement(std::string_view path) : m_name(path), m_target(Resolved(ToPosixPath(path))) {
+Replacement::Replacement(std::string_view path) : m_name(path), m_target(Resolved(ToPosixPath(path), path)) {
     const unsigned start = StartNumber();
     for (unsigned tries = 0; tries < kTries; ++tries) {
         m_temporary = TemporaryName(m_target, start + tries);
-        m_file.Reset(::open(m_temporary.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+        constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+        m_file.Reset(Uninterrupted([&] { return ::open(m_temporary.c_str(), kNew, 0666); }));
         if (m_file || errno != EEXIST) break;
     }
     if (!m_file) ThrowErrno(errno, m_name, m_target);
@@ -59,7 +64,10 @@ Replacement::~Replacement() {
 
 void Replacement::TakeRightsOfOld() {
     struct stat old = {};
-    if (::stat(m_target.c_str(), &old) != 0) return;
+    if (::stat(m_target.c_str(), &old) != 0) {
+        if (errno != ENOENT) ThrowErrno(errno, m_name, m_target);  // a secret must not become everybody's
+        return;
+    }
     if (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0) ThrowCode(kAccessDenied, m_name);
     if (const int error = GiveAccessRights(m_file.Get(), old)) ThrowErrno(error, m_name);
 }

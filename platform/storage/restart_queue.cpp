@@ -12,6 +12,7 @@
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/storage/locked_file.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -90,6 +91,13 @@ int CarryOut(const RestartOperation& operation) {
     return 0;
 }
 
+void WriteNew(const std::vector<RestartRecord>& records, const std::string& path) {
+    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0644));
+    if (!file) ThrowErrno(errno, path, path);
+    for (const RestartRecord& record : records) WriteFully(file, Bytes(record.Line()), path);
+    FlushData(file, path);
+}
+
 // Puts a file with the records of @p kept in the place of the queue, or removes it when there are none. The lock on the
 // old file is held meanwhile; whoever waits for it finds that the file has gone.
 void ReplaceBy(const std::vector<RestartRecord>& kept, const std::string& path) {
@@ -98,11 +106,13 @@ void ReplaceBy(const std::vector<RestartRecord>& kept, const std::string& path) 
         return FlushFolderOf(path, path);
     }
     const std::string temporary = path + ".tmp";
-    const Descriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0644));
-    if (!file) ThrowErrno(errno, temporary, temporary);
-    for (const RestartRecord& record : kept) WriteFully(file, Bytes(record.Line()), temporary);
-    FlushData(file, temporary);
-    if (::rename(temporary.c_str(), path.c_str()) != 0) ThrowErrno(errno, path, path);
+    try {
+        WriteNew(kept, temporary);
+        if (::rename(temporary.c_str(), path.c_str()) != 0) ThrowErrno(errno, path, path);
+    } catch (const CFileException&) {
+        ::unlink(temporary.c_str());
+        throw;
+    }
     FlushFolderOf(path, path);
 }
 

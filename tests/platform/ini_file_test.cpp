@@ -153,7 +153,8 @@ TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
     for (const Case& c : cases) EXPECT_FALSE(Set(c.section, c.key, c.value)) << c.key;
     EXPECT_EQ(Bytes(), "[s]\nk=1\n");
 
-    const std::string utf16("\xFF\xFE[\0s\0]\0\n\0k\0=\0h0\n\0", 18);  // the value is one Japanese letter
+    using namespace std::string_literals;
+    const std::string utf16 = "\xFF\xFE[\0s\0]\0\n\0k\0=\0h0\n\0"s;  // the value is one Japanese letter
     Write(utf16);
     EXPECT_EQ(Value("s", "k"), "\x82\xC6");
     EXPECT_FALSE(Set("s", "k", "2"));

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "qellib10/platform/storage/file.h"
+
+namespace qel {
+
+/// Puts a file back, when the object goes, to the length and the bytes that it had. With Keep() it stays as written.
+class WriteUndo {
+public:
+    /// For writing from @p position on, the file's end or before it, over @p most bytes of what is there.
+    /// @throws CFileException when these cannot be read
+    WriteUndo(CFile& file, ULONGLONG position, std::size_t most = 0);
+    ~WriteUndo();
+    WriteUndo(const WriteUndo&) = delete;
+    WriteUndo& operator=(const WriteUndo&) = delete;
+
+    void Keep() { m_kept = true; }
+
+private:
+    CFile& m_file;
+    ULONGLONG m_position;
+    ULONGLONG m_length;
+    std::vector<std::byte> m_bytes;
+    bool m_kept = false;
+};
+
+}  // namespace qel
