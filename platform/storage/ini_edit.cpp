@@ -38,10 +38,10 @@ Section Locate(std::string_view bytes, std::string_view name, std::string_view k
     return section;
 }
 
-// The only line of @p text, which a file could hold as it is.
+// The only line of @p text, which a file could hold as it is, but not as its first line.
 std::optional<IniLine> OnlyLine(std::string_view text) {
     if (text.find_first_of(kNeverInLines) != std::string_view::npos) return std::nullopt;
-    return IniLines(text).Next();
+    return IniLines(text, 0).Next();
 }
 
 bool ReadsAs(std::string_view text, Kind kind, std::string_view name) {
@@ -81,14 +81,10 @@ std::optional<std::string> WithIniValue(std::string_view bytes, std::string_view
                                         std::string_view value) {
     section = TrimIni(section);
     key = TrimIni(key);
-    if (value.find_first_of(kNeverInLines) != std::string_view::npos) return std::nullopt;
     const Section found = Locate(bytes, section, key);
-    if (found.entry) {
-        return Replaced(bytes, found.entry->begin, found.entry->end,
-                        std::string(found.entry->name).append("=").append(value));
-    }
-    std::string line = std::string(key).append("=").append(value);
-    if (!ReadsAs(line, Kind::Entry, key)) return std::nullopt;
+    std::string line = std::string(found.entry ? found.entry->name : key).append("=").append(value);
+    if (!ReadsAs(line, Kind::Entry, key)) return std::nullopt;  // as "[a=b]", a header, would not
+    if (found.entry) return Replaced(bytes, found.entry->begin, found.entry->end, line);
     line += kLineEnd;
     if (!found.header) return WithNewSection(bytes, section, line);
     return WithLines(bytes, found.lastUsed, found.lastUsed, line);

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <chrono>
 #include <filesystem>
 #include <string>
 #include <thread>
 
+#include "../support/cases.h"
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/run_at_once.h"
@@ -27,9 +27,6 @@ protected:
     }
     bool Set(const char* section, const char* key, const char* value) const {
         return qel::WriteProfileString(section, key, value, m_name.c_str());
-    }
-    std::string Section(const char* section, DWORD size = kSize) const {
-        return qel::ReadProfileSection(section, size, m_name.c_str());
     }
     void Write(const std::string& bytes) const { m_folder.Write("a.ini", bytes); }
     std::string Bytes() const { return m_folder.Read("a.ini"); }
@@ -75,12 +72,13 @@ TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
     Write("[section1]\nname1 = val1\nname2=\n;c\n\nname3\nname4=\"v\x83\x5C\"\n[section2]\n");
     const std::string whole = Joined({"name1=val1", "name2=", "name3", "name4=\"v\x83\x5C\""});
     const auto length = static_cast<DWORD>(whole.size());
-    EXPECT_EQ(Section("SECTION1"), whole);
-    EXPECT_EQ(Section("section1", length + 2), whole);
-    EXPECT_EQ(Section("section1", length + 1).size(), length - 1);  // full: the length says so
-    EXPECT_EQ(Section("section1", length - 1), whole.substr(0, length - 4) + '\0');
-    EXPECT_EQ(Section("section1", 1) + Section("section2") + Section("missing") + Section(nullptr), "");
-
+    const auto listed = [&](const char* section, DWORD size) {
+        return qel::ReadProfileSection(section, size, m_name.c_str());
+    };
+    EXPECT_EQ(listed("SECTION1", length + 2), whole);
+    EXPECT_EQ(listed("section1", length + 1), whole.substr(0, length - 1));  // full: the length says so
+    EXPECT_EQ(listed("section1", length - 1), whole.substr(0, length - 4) + '\0');
+    EXPECT_EQ(listed("section1", 1) + listed("section2", 99) + listed("missing", 99) + listed(nullptr, 99), "");
     const char* cut[] = {"", "", "v", "v", "v\x83\x5C"};  // no half character
     for (DWORD size = 0; size < 5; ++size) {
         EXPECT_EQ(qel::ReadProfileString("section1", "name4", "", size, m_name.c_str()), cut[size]);
@@ -88,70 +86,59 @@ TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
 }
 
 TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
-    struct Case {
-        const char *before, *section, *key, *value, *after;
-    };
-    for (const Case& c : {
-             Case{"", "s", "k", "v", "[s]\r\nk=v\r\n"},
-             Case{"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
-             Case{"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"},
-             Case{"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
-             Case{"[s]\nk=1\nK=2\n", "s", "K", "3", "[s]\nk=3\nK=2\n"},
-             Case{"[s]\nk=1\n\n \n[t]\n", "s", " l ", "2", "[s]\nk=1\nl=2\r\n\n \n[t]\n"},
-             Case{"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"},
-             Case{"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
-             Case{"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
-             Case{"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
-             Case{"[s]\r\nk=1\r\n", "t", "k", "v", "[s]\r\nk=1\r\n[t]\r\nk=v\r\n"},
-             Case{"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
-             Case{"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
-             Case{"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"},
-             Case{"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
-             Case{"[s]\nk=1\n", "s", "missing", nullptr, "[s]\nk=1\n"},
-             Case{"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"},
-             Case{"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
-             Case{"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"},
+    for (const auto& [before, section, key, value, after] :
+         Cases<const char*, const char*, const char*, const char*, const char*>{
+             {"", "s", "k", "v", "[s]\r\nk=v\r\n"},
+             {"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
+             {"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"},
+             {"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
+             {"[s]\nk=1\nK=2\n", "s", "K", "3", "[s]\nk=3\nK=2\n"},
+             {"[s]\nk=1\n\n \n[t]\n", "s", " l ", "2", "[s]\nk=1\nl=2\r\n\n \n[t]\n"},
+             {"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"},
+             {"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
+             {"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
+             {"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
+             {"[s]\r\nk=1\r\n", "t", "k", "v", "[s]\r\nk=1\r\n[t]\r\nk=v\r\n"},
+             {"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
+             {"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
+             {"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"},
+             {"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
+             {"[s]\nk=1\n", "s", "missing", nullptr, "[s]\nk=1\n"},
+             {"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"},
+             {"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
+             {"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"},
          }) {
-        SCOPED_TRACE(c.before);
-        Write(c.before);
-        EXPECT_TRUE(Set(c.section, c.key, c.value));
-        EXPECT_EQ(Bytes(), c.after);
+        SCOPED_TRACE(before);
+        Write(before);
+        EXPECT_TRUE(Set(section, key, value));
+        EXPECT_EQ(Bytes(), after);
     }
 }
 
-TEST_F(IniFile, WritesSequencesAndWholeSections) {
+TEST_F(IniFile, WritesWholeSections) {
     EXPECT_TRUE(Set("App1", "gone", nullptr));
     EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
-    for (const char* key : {"key1", "key2", "key3"}) EXPECT_TRUE(Set("App1", key, "v"));
-    EXPECT_TRUE(Set("App2", "key4", "v"));
-    EXPECT_TRUE(Set("App3", "key5", "v"));
-    EXPECT_TRUE(Set("App1", "key2", nullptr));
-    EXPECT_EQ(Bytes(), "[App1]\r\nkey1=v\r\nkey3=v\r\n[App2]\r\nkey4=v\r\n[App3]\r\nkey5=v\r\n");
-
-    const auto setSection = [&](const char* section, const std::string& entries) {
-        return qel::WriteProfileSection(section, entries, m_name.c_str());
-    };
-    EXPECT_TRUE(setSection("app2", Joined({"a=1", "Nul=C:\\x", "bare"}) + '\0' + "behind the end"));
-    EXPECT_TRUE(setSection("App4", Joined({"b=2"})));
-    EXPECT_TRUE(setSection("App3", ""));
-    EXPECT_EQ(Bytes(),
-              "[App1]\r\nkey1=v\r\nkey3=v\r\n[App2]\r\na=1\r\nNul=C:\\x\r\nbare\r\n[App3]\r\n[App4]\r\nb=2\r\n");
-    EXPECT_EQ(Section("App2"), Joined({"a=1", "Nul=C:\\x", "bare"}));
-    EXPECT_FALSE(setSection("App4", Joined({"b=3", "[App1]"})));
-    EXPECT_FALSE(setSection(nullptr, Joined({"b=3"})));
-    EXPECT_EQ(Value("App4", "b"), "2");
+    Write("[App1]\nkey=v\n[App2]\n;c\nkey4=v\n\n[App3]\nkey5=v");
+    const Cases<const char*, std::string, bool> cases = {
+        {"app2", Joined({"a=1", "Nul=C:\\x", "bare"}) + '\0' + "behind the end", true},
+        {"App4", Joined({"b=2"}), true},
+        {"App3", "", true},
+        {"App4", Joined({"b=3", "[App1]"}), false},
+        {nullptr, Joined({"b=3"}), false}};
+    for (const auto& [section, entries, result] : cases) {
+        EXPECT_EQ(qel::WriteProfileSection(section, entries, m_name.c_str()), result) << entries;
+    }
+    EXPECT_EQ(Bytes(), "[App1]\nkey=v\n[App2]\na=1\r\nNul=C:\\x\r\nbare\r\n\n[App3]\n[App4]\r\nb=2\r\n");
 }
 
 TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
-    Write("[s]\nk=1\n");
-    struct Case {
-        const char *section, *key, *value;
-    };
-    const Case cases[] = {{nullptr, "k", "v"},  {"s", "k", "a\nb"},     {"s", "k", "a\rb"},
-                          {"s", "x\n[y]", "v"}, {"x]\r\n[y", "k", "v"}, {"s", "a=b", "v"},
-                          {"s", ";k", "v"},     {"s", "[k]", "v"},      {"broken\x83", "k", "v"}};
-    for (const Case& c : cases) EXPECT_FALSE(Set(c.section, c.key, c.value)) << c.key;
-    EXPECT_EQ(Bytes(), "[s]\nk=1\n");
+    const std::string before = "[s]\nk=1\n[open=1\n";
+    Write(before);
+    const char* const cases[][3] = {
+        {nullptr, "k", "v"}, {"s", "k", "a\nb"}, {"s", "k", "a\rb"}, {"s", "x\n[y]", "v"},     {"x]\r\n[y", "k", "v"},
+        {"s", "a=b", "v"},   {"s", ";k", "v"},   {"s", "[k]", "v"},  {"broken\x83", "k", "v"}, {"s", "[open", "a]"}};
+    for (const auto& [section, key, value] : cases) EXPECT_FALSE(Set(section, key, value)) << key;
+    EXPECT_EQ(Bytes(), before);
 
     using namespace std::string_literals;
     const std::string utf16 = "\xFF\xFE[\0s\0]\0\n\0k\0=\0h0\n\0"s;  // the value is one Japanese letter
@@ -159,11 +146,8 @@ TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
     EXPECT_EQ(Value("s", "k"), "\x82\xC6");
     EXPECT_FALSE(Set("s", "k", "2"));
     EXPECT_EQ(Bytes(), utf16);
-    {
-        const CodePageScope page(qel::kCodePageUtf8);
-        EXPECT_EQ(Value("s", "k"), "\xE3\x81\xA8");  // read again for another code page
-    }
-
+    const CodePageScope page(qel::kCodePageUtf8);
+    EXPECT_EQ(Value("s", "k"), "\xE3\x81\xA8");  // read again for another code page
     ASSERT_EQ(::mkfifo(m_folder.Posix("pipe").c_str(), 0600), 0);
     m_folder.Write("huge.ini", "[s]\nk=1\n");
     std::filesystem::resize_file(m_folder.Posix("huge.ini"), std::uintmax_t{1} << 40);
@@ -178,14 +162,16 @@ TEST_F(IniFile, ReplacesTheFileAndKeepsWhatItIs) {
     Write("[s]\nk=1\n");
     ::chmod(m_folder.Posix("a.ini").c_str(), 0640);
     std::filesystem::create_symlink("a.ini", m_folder.Posix("link.ini"));
+    CFile held(m_name.c_str(), CFile::modeRead | CFile::shareDenyWrite);
+    std::thread closing([&] { ::usleep(50'000), held.Close(); });  // waited for
     EXPECT_TRUE(qel::WriteProfileString("s", "k", "2", m_folder.Name("link.ini").c_str()));
+    closing.join();
     EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Posix("link.ini")));
     EXPECT_EQ(Value("s", "k"), "2");
-    struct stat status = {};
-    ASSERT_EQ(::stat(m_folder.Posix("a.ini").c_str(), &status), 0);
+    struct stat status = {}, again = {};
+    ::stat(m_folder.Posix("a.ini").c_str(), &status);
     EXPECT_EQ(status.st_mode & 0777, 0640u);
     EXPECT_TRUE(Set("s", "k", "2"));  // the same again: nothing to write
-    struct stat again = {};
     ::stat(m_folder.Posix("a.ini").c_str(), &again);
     EXPECT_EQ(again.st_ino, status.st_ino);
 
@@ -196,16 +182,14 @@ TEST_F(IniFile, ReplacesTheFileAndKeepsWhatItIs) {
     const EnvironmentScope state("QELLIB10_STATE_DIR", m_folder.Posix().c_str());
     EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "A.INI"), "");  // names on disk are exact
     EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "a.ini"), "2");
-    EXPECT_TRUE(qel::WriteProfileString("s", "k", "3", "WIN.INI"));
-    EXPECT_TRUE(m_folder.Has("WIN.INI"));
+    EXPECT_TRUE(qel::WriteProfileString("s", "k", "3", "WIN.INI") && m_folder.Has("WIN.INI"));
 }
 
 TEST_F(IniFile, NoticesEveryChange) {
     // Same size, and often within one tick of the file system's clock: only the content tells.
     for (int i = 0; i < 150; ++i) {
-        const std::string value = std::to_string(100 + i);
-        Write("[s]\nk=" + value + "\n");
-        ASSERT_EQ(Value("s", "k"), value);
+        Write("[s]\nk=" + std::to_string(100 + i) + "\n");
+        ASSERT_EQ(Value("s", "k"), std::to_string(100 + i));
     }
     std::filesystem::remove(m_folder.Posix("a.ini"));
     EXPECT_EQ(Value("s", "k"), "default");
@@ -234,16 +218,4 @@ TEST_F(IniFile, WritersOfDifferentKeysAllWinAndReadersSeeWholeFiles) {
         EXPECT_EQ(Value("s", std::to_string(key).c_str()), std::to_string(36 + key % 4));
     }
     EXPECT_EQ(m_folder.Count(), 1);
-}
-
-TEST_F(IniFile, WaitsForAnOpeningThatPasses) {
-    Write("[s]\nk=1\n");
-    CFile held(m_name.c_str(), CFile::modeRead | CFile::shareDenyWrite);
-    std::thread closing([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        held.Close();
-    });
-    EXPECT_TRUE(Set("s", "k", "2"));
-    closing.join();
-    EXPECT_EQ(Value("s", "k"), "2");
 }
