@@ -13,6 +13,7 @@
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
+#include "qellib10/platform/storage/record_lock.h"
 #include "qellib10/platform/storage/share_lock.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
@@ -116,12 +117,9 @@ void CFile::SetRangeLock(short type, ULONGLONG position, ULONGLONG count) {
     if (count == 0) return;  // to the system 0 would mean "to the end"
     const auto limit = static_cast<ULONGLONG>(qel::kShareMarksAt);
     if (position > limit || count > limit - position) qel::ThrowCode(qel::kBadSeek, m_strFilePath.View());
-    struct flock range {};
     // A lock for writing needs a descriptor that can write.
-    range.l_type = type == F_WRLCK && (m_nFlags & kAccessMask) == modeRead ? short{F_RDLCK} : type;
-    range.l_whence = SEEK_SET;
-    range.l_start = static_cast<off_t>(position);
-    range.l_len = static_cast<off_t>(count);
+    if (type == F_WRLCK && (m_nFlags & kAccessMask) == modeRead) type = F_RDLCK;
+    struct flock range = qel::RecordLock(type, static_cast<off_t>(position), static_cast<off_t>(count));
     if (::fcntl(descriptor, F_OFD_SETLK, &range) == 0) return;
     if (errno == EAGAIN) qel::ThrowCode(qel::kLockViolation, m_strFilePath.View());
     qel::ThrowErrno(errno, m_strFilePath.View());

@@ -6,6 +6,7 @@
 #include <cerrno>
 
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/record_lock.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
@@ -16,11 +17,7 @@ constexpr mode_t kNewFileMode = 0644;
 
 // A file system that knows no locks keeps nobody out.
 bool Lock(const Descriptor& file) {
-    struct flock lock = {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = kLockedByte;
-    lock.l_len = 1;
+    struct flock lock = RecordLock(F_WRLCK, kLockedByte, 1);
     return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 || (errno != EAGAIN && errno != EACCES);
 }
 

@@ -12,6 +12,7 @@
 
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/record_lock.h"
 
 namespace qel {
 namespace {
@@ -24,17 +25,8 @@ constexpr int kNetworkTries = 5;
 constexpr int kReplacedTries = 100;                    // a file that is replaced faster than it can be opened
 constexpr auto kGuardLimit = std::chrono::seconds(1);  // a stopped process must not hang the others
 
-struct flock RangeOf(short type, off_t first, off_t length) {
-    struct flock lock = {};  // the kernel refuses a process id other than 0 here
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = first;
-    lock.l_len = length;
-    return lock;
-}
-
 int SetLock(int file, short type, off_t first, off_t length) {
-    struct flock lock = RangeOf(type, first, length);
+    struct flock lock = RecordLock(type, first, length);
     return ::fcntl(file, F_OFD_SETLK, &lock) == 0 ? 0 : errno;
 }
 
@@ -42,7 +34,7 @@ bool KnowsNoLocks(int error) { return error == ENOLCK || error == EINVAL || erro
 
 // Whether another opening holds a mark of this kind. Works on every descriptor, also a read-only one.
 bool Marked(int file, Mark mark) {
-    struct flock lock = RangeOf(F_WRLCK, kShareMarksAt + mark * kSpan, kSpan);
+    struct flock lock = RecordLock(F_WRLCK, kShareMarksAt + mark * kSpan, kSpan);
     return ::fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 

@@ -8,22 +8,14 @@
 #include <cerrno>
 
 #include "qellib10/platform/storage/file_error.h"
-#include "qellib10/platform/storage/uninterrupted.h"
+#include "qellib10/platform/storage/record_lock.h"
 #include "qellib10/platform/sync/system_failure.h"
 
 namespace qel {
 namespace {
 
-struct flock FirstByte(short type) {
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_len = 1;
-    return lock;
-}
-
 bool SetLock(const Descriptor& file, short type) {
-    struct flock lock = FirstByte(type);
+    struct flock lock = RecordLock(type, 0, 1);
     if (::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0) return true;
     if (errno == EAGAIN || errno == EACCES) return false;
     throw SystemFailure{CodeOfErrno(errno)};
@@ -68,7 +60,7 @@ FileState Look(const Descriptor& file, std::uint64_t blockSize) {
 }
 
 bool IsHeld(const Descriptor& file) {
-    struct flock lock = FirstByte(F_WRLCK);
+    struct flock lock = RecordLock(F_WRLCK, 0, 1);
     if (::fcntl(file.Get(), F_OFD_GETLK, &lock) != 0) throw SystemFailure{CodeOfErrno(errno)};
     return lock.l_type != F_UNLCK;
 }

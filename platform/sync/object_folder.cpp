@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/record_lock.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 #include "qellib10/platform/sync/object_file.h"
 #include "qellib10/platform/sync/system_failure.h"
@@ -57,10 +58,7 @@ int OpenIn(const Descriptor& folder, const std::string& file, int flags) {
 }
 
 bool SetLock(const Descriptor& file, short type) {
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_len = 1;
+    struct flock lock = RecordLock(type, 0, 1);
     return Uninterrupted([&] { return ::fcntl(file.Get(), F_OFD_SETLKW, &lock); }) == 0;
 }
 
