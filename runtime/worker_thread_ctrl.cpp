@@ -1,10 +1,11 @@
 #include "qellib10/runtime/worker_thread_ctrl.h"
 
 #include <algorithm>
+#include <mutex>
 #include <optional>
 #include <vector>
 
-#include "qellib10/platform/sync/critical_section.h"
+#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/sync/thread.h"
 
 namespace {
@@ -12,27 +13,21 @@ namespace {
 // The process's workers. Never destroyed: a worker may go on after all statics are gone.
 struct ThreadTable {
     std::vector<CWorkerThreadInfo> m_aryThread;
-    CCriticalSection m_csThreadData;
+    qel::ForkSafeLock m_csThreadData{[] { Get().m_aryThread.clear(); }};
 
     static ThreadTable& Get() {
         static ThreadTable& table = *new ThreadTable;
         return table;
     }
-
-private:
-    ThreadTable() {
-        qel::AtFork([] { Get().m_csThreadData.Lock(); }, [] { Get().m_csThreadData.Unlock(); },
-                    [] {
-                        Get().m_aryThread.clear();
-                        Get().m_csThreadData.Unlock();
-                    });
-    }
 };
+
+// Made at load, so that no thread is just making it when another forks.
+[[maybe_unused]] const ThreadTable& theTableIsMadeAtLoad = ThreadTable::Get();
 
 // The answer of @p action for the table's records, which nobody else reads or changes meanwhile.
 template <typename Action> auto WithThreads(Action&& action) {
     ThreadTable& table = ThreadTable::Get();
-    const qel::SectionLock lock(table.m_csThreadData);
+    const std::lock_guard lock(table.m_csThreadData);
     return action(table.m_aryThread);
 }
 

@@ -4,13 +4,13 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <mutex>
 #include <thread>
 
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/platform/sync/object_name.h"
 #include "qellib10/platform/sync/system_failure.h"
-#include "qellib10/platform/sync/thread.h"
 
 namespace qel {
 namespace {
@@ -30,13 +30,18 @@ ObjectTable& ObjectTable::Get() {
     return table;
 }
 
-ObjectTable::ObjectTable() {
-    AtFork([] { Get().m_lock.lock(); }, [] { Get().m_lock.unlock(); },
-           [] {
-               Get().m_handles.clear();
-               Get().m_names.Forget();
-               Get().m_lock.unlock();
-           });
+namespace {
+
+// Made at load, so that no thread is just making it when another forks.
+[[maybe_unused]] const ObjectTable& theTableIsMadeAtLoad = ObjectTable::Get();
+
+}  // namespace
+
+ObjectTable::ObjectTable()
+    : m_lock([] {
+          Get().m_handles.clear();
+          Get().m_names.Forget();
+      }) {
     std::atexit([] {
         const std::lock_guard lock(Get().m_lock);
         Get().m_names.Exit();

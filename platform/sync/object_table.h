@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <mutex>
 
+#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/sync/handle.h"
 #include "qellib10/platform/sync/object_names.h"
 
@@ -37,7 +37,7 @@ private:
     HANDLE NewHandle(NamedObject& object);
     NamedObject& ObjectOf(HANDLE handle, ObjectKind kind) const;
 
-    std::mutex m_lock;  // of all below
+    ForkSafeLock m_lock;  // of all below
     ObjectNames m_names;
     std::map<std::uintptr_t, NamedObject*> m_handles;
     std::map<const void*, std::size_t> m_views;  // their lengths

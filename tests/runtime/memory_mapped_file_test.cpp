@@ -37,11 +37,10 @@ TEST(MemoryMappedFile, ABlockIsZeroAndKeepsItsSize) {
     EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
     DWORD written = 7;
     EXPECT_EQ(block.SetData(&written, 4, &written) + written, 7u);
-    EXPECT_EQ(block.Open(6, name.c_str(), 0), 0);
-    EXPECT_EQ(block.GetLastError(), 87u);
-    ASSERT_EQ(block.Open(6, name.c_str(), 10'000), 1);
-    EXPECT_EQ(block.GetLastError(), 0u);
-
+    for (const auto& [size, error] : {std::pair(0u, 87u), std::pair(10'000u, 0u)}) {
+        EXPECT_EQ(block.Open(6, name.c_str(), size), error == 0);
+        EXPECT_EQ(block.GetLastError(), error);
+    }
     char* bytes = Bytes(block.GetDataPtr(kWrite, 0));
     ASSERT_NE(bytes, nullptr);
     EXPECT_EQ(std::string(bytes, 10'000), std::string(10'000, '\0'));
@@ -60,18 +59,18 @@ TEST(MemoryMappedFile, ABlockIsZeroAndKeepsItsSize) {
                   42);
     }
 
-    EXPECT_EQ(block.Open(1, "never", 0), 1);  // an open object takes the new name only
+    EXPECT_EQ(block.Open(1, "never", 0), 1);  // an open object takes the new name and access only
     EXPECT_EQ(block.GetName(), "never");
+    EXPECT_EQ(block.GetAccess(), 1u);
     bytes = Bytes(block.GetDataPtr(kWrite, 10'000));
     EXPECT_EQ(bytes[9'999], 'x');
 
     block.Close();
-    bytes[0] = 'z';  // the view stays, the name is free
     EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
-    CMemoryMappedFile fresh;
+    CMemoryMappedFile fresh;  // the name is free
     ASSERT_EQ(fresh.Open(6, name.c_str(), 20'000), 1);
     EXPECT_EQ(Bytes(fresh.GetDataPtr(kRead, 20'000))[0], 0);
-    EXPECT_EQ(bytes[0], 'z');
+    EXPECT_EQ(bytes[0], 'x');  // and the view is still there
 }
 
 TEST(MemoryMappedFile, CopiesShareWhatIsClosedOnce) {
@@ -103,14 +102,11 @@ TEST(AutoLockedMemoryMappedFile, HoldsTheLockExactlyWhileItIsMapped) {
     EXPECT_EQ(block->GetDataPtr(kWrite, 0), nullptr);
     ASSERT_EQ(block->Open(6, name.c_str(), 100), 1);
     EXPECT_FALSE(isLocked());
-    for (int turn = 0; turn < 3; ++turn) {
-        EXPECT_NE(block->GetDataPtr(kWrite, 0), nullptr);  // the second gives the lock back and takes it again
-        EXPECT_TRUE(isLocked());
+    for (const DWORD size : {0u, 100u, 1u, 101u, 0u}) {  // each gives the lock back and takes it again
+        EXPECT_EQ(block->GetDataPtr(kWrite, size) == nullptr, size > 100);
+        EXPECT_TRUE(size <= 100 || block->GetLastError() == 5);
+        EXPECT_EQ(isLocked(), size <= 100);
     }
-    EXPECT_EQ(block->GetDataPtr(kWrite, 101), nullptr);
-    EXPECT_EQ(block->GetLastError(), 5u);
-    EXPECT_FALSE(isLocked());
-    EXPECT_NE(block->GetDataPtr(kWrite, 0), nullptr);
     block->GetDataPtrUnmap();
     EXPECT_FALSE(IsTaken(lock));
     EXPECT_NE(block->GetDataPtr(kWrite, 0), nullptr);
@@ -148,11 +144,10 @@ TEST(AutoLockedMemoryMappedFile, ACutFileIsRefused) {
 // Processes work on two blocks under their locks while one after the other is killed. One of the blocks is held for all
 // the time, so its bytes must always be what the last one wrote; the other is new, and zero, whenever all have died.
 TEST(AutoLockedMemoryMappedFile, HoldersMayBeKilledAtAnyMoment) {
-    struct Seen {
-        std::atomic<int> owner, value, isTorn;
-    };
     struct State {
-        Seen seen[2];
+        struct Seen {
+            std::atomic<int> owner, value, isTorn;
+        } seen[2];
         std::atomic<int> faults, rounds;
     };
     auto& state = SharedWithChildren<State>();
@@ -168,7 +163,7 @@ TEST(AutoLockedMemoryMappedFile, HoldersMayBeKilledAtAnyMoment) {
             if (block.Open(6, names[which].c_str(), sizeof(int)) == 0) ++state.faults;
             for (int turns = std::rand() % 4; turns > 0; --turns) {
                 auto* value = static_cast<int*>(block.GetDataPtr(kWrite, sizeof(int)));
-                Seen& seen = state.seen[which];
+                auto& seen = state.seen[which];
                 if (value == nullptr || seen.owner.exchange(::getpid()) != 0) ++state.faults;
                 const bool isNew = which == 1 && *value == 0;
                 if (seen.isTorn.exchange(0) == 0 && *value != seen.value && !isNew) ++state.faults;
@@ -189,7 +184,7 @@ TEST(AutoLockedMemoryMappedFile, HoldersMayBeKilledAtAnyMoment) {
         const pid_t id = workers.back()->Id();
         ::kill(id, SIGSTOP);  // stopped first: a process that is being killed lets go before it is seen dead
         EXPECT_EQ(::waitpid(id, nullptr, WUNTRACED), id);
-        for (Seen& seen : state.seen) {
+        for (auto& seen : state.seen) {
             if (seen.owner == id) seen.isTorn = 1, seen.owner = 0;
         }
         workers.pop_back();

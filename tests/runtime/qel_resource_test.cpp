@@ -6,7 +6,7 @@
 
 #include "qellib10/platform/text/string_table.h"
 
-TEST(QelResource, EveryUnitIsFoundByItsTextInBothLanguages) {
+TEST(QelResource, UnitsAreFoundByTheirTextsAndModelsByTheirIndex) {
     for (const auto language : {qel::Language::Japanese, qel::Language::English}) {
         qel::SetTableLanguage(language);
         for (int i = 0; i < CQELResource::GetUnitCount(); ++i) {
@@ -15,14 +15,12 @@ TEST(QelResource, EveryUnitIsFoundByItsTextInBothLanguages) {
     }
     EXPECT_EQ(CQELResource::GetUnitCount(), 32);
     EXPECT_EQ(CQELResource::GetUnitText(2056), "mol/L");
-    EXPECT_EQ(CQELResource::GetUnitID("None"), -1);  // a text of the table, but no unit
-    EXPECT_EQ(CQELResource::GetUnitID("MOL/L"), -1);
-    EXPECT_EQ(CQELResource::GetUnitID(""), -1);
-    EXPECT_EQ(CQELResource::GetUnitID(nullptr), -1);
+    // "None" is a text of the table, but no unit.
+    for (const char* text : {"None", "MOL/L", "", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(CQELResource::GetUnitID(text), -1);
+    }
     for (const UINT id : {0U, 2047U, 2080U, 27010U}) EXPECT_EQ(CQELResource::GetUnitText(id), "");
-}
 
-TEST(QelResource, ModelsCountFromZero) {
     for (int i = 0; i < CQELResource::GetModelCount(); ++i) EXPECT_NE(CQELResource::GetModelName(i), "");
     for (const int index : {-1, CQELResource::GetModelCount(), INT_MAX, INT_MIN}) {
         EXPECT_EQ(CQELResource::GetModelName(index), "");
