@@ -21,17 +21,17 @@ constexpr DWORD kSectionBuffer = 32767;
 constexpr DWORD kSectionTooLong = kSectionBuffer - 2;
 
 struct Root {
-    const char* name;
-    int length;
+    CString name;
     HKEY key;
 };
 
+// The one that @p location begins with, if any.
 const Root* FindRoot(const CString& location) {
-    static const Root roots[] = {{"HKEY_LOCAL_MACHINE", 18, HKEY_LOCAL_MACHINE},
-                                 {"HKEY_CURRENT_USER", 17, HKEY_CURRENT_USER},
-                                 {"HKEY_CLASSES_ROOT", 17, HKEY_CLASSES_ROOT}};
+    static const Root roots[] = {{"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                                 {"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                                 {"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT}};
     const auto* const found = std::ranges::find_if(
-        roots, [&](const Root& root) { return location.Left(root.length).CompareNoCase(root.name) == 0; });
+        roots, [&](const Root& root) { return location.Left(root.name.GetLength()).CompareNoCase(root.name) == 0; });
     return found != std::end(roots) ? found : nullptr;
 }
 
@@ -46,6 +46,9 @@ CString WithoutBackslashes(CString path) {
 }
 
 CString NameOf(int key) { return CString(std::string_view(std::to_string(key))); }
+
+// With a terminating zero, which the system adds to a text that was stored without one.
+std::size_t SizeOfText(const std::string& text) { return text.size() + (text.ends_with('\0') ? 0 : 1); }
 
 // A key that is closed at the end of the scope.
 class RegistryKey {
@@ -74,24 +77,26 @@ private:
 CPrivateProfile::CPrivateProfile(const char* location, int mode) { Open(location, mode); }
 CPrivateProfile::~CPrivateProfile() { Close(); }
 
-void CPrivateProfile::Open(const char* location, int mode) {
+int CPrivateProfile::Open(const char* location, int mode) {
     const CString whole(location);
     Close();
     m_nMode = mode;
     if (mode != registryMode) {
         m_szLocation = whole;
-        return;
+        return !whole.IsEmpty();
     }
     if (const Root* root = FindRoot(whole)) {
         m_hRoot = root->key;
-        m_szLocation = whole.Mid(root->length + 1);
+        m_szLocation = whole.Mid(root->name.GetLength() + 1);
     }
     if (!EndsWithBackslash(m_szLocation)) m_szLocation += '\\';
+    return m_hRoot != nullptr;
 }
 
-void CPrivateProfile::Close() {
+int CPrivateProfile::Close() {
     m_hRoot = nullptr;
     m_szLocation.Empty();
+    return 1;
 }
 
 CString CPrivateProfile::KeyOf(const char* section) const { return m_szLocation + section; }
@@ -132,7 +137,7 @@ int CPrivateProfile::Set(const char* section, int key, const char* value) { retu
 int CPrivateProfile::Set(const char* section, int key, int value) { return Set(section, NameOf(key), value); }
 
 int CPrivateProfile::Set(const char* section, const char* key, const void* data, DWORD size) {
-    if (m_nMode != registryMode || (data == nullptr && size > 0)) return 0;
+    if (m_nMode != registryMode || (data == nullptr && size > 0) || size > qel::kMostRegistryData) return 0;
     return Write(section, key, REG_BINARY, {static_cast<const char*>(data), size});
 }
 
@@ -143,9 +148,9 @@ CString CPrivateProfile::Get(const char* section, const char* key, const char* d
         return text.empty() ? defaultValue : text.c_str();
     }
     qel::RegistryValue value;
-    const bool isText = Read(section, key, value) &&
-                        (value.type == REG_SZ || value.type == REG_EXPAND_SZ || value.type == REG_MULTI_SZ);
-    return isText && value.data.size() < kTextBuffer ? value.data.c_str() : defaultValue;
+    const bool fits =
+        Read(section, key, value) && qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer;
+    return fits ? value.data.c_str() : defaultValue;
 }
 
 int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {

@@ -32,16 +32,17 @@ public:
     /// @param location the INI file, or a root's name (HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER or HKEY_CLASSES_ROOT, case
     /// does not matter), a backslash and a path; without one of these roots all operations fail
     /// @param mode registryMode; anything else is an INI file
-    void Open(const char* location, int mode);
-    /// Forgets the location; the mode stays.
-    void Close();
+    /// @return 0 without a file's name, or without a root: all operations will fail
+    int Open(const char* location, int mode);
+    /// Forgets the location; the mode stays. Always 1.
+    int Close();
 
     /// A null @p value deletes the entry of an INI file; in the registry it is a failure.
     int Set(const char* section, const char* key, const char* value);
     int Set(const char* section, const char* key, int value);
     int Set(const char* section, int key, const char* value);
     int Set(const char* section, int key, int value);
-    /// Bytes; registry only.
+    /// Bytes, at most 1 MiB; registry only.
     int Set(const char* section, const char* key, const void* data, DWORD size);
 
     /// A text of at most 1023 bytes. An empty value of an INI file gives the default; so does in the registry a longer

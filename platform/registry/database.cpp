@@ -70,7 +70,7 @@ void Database::Run(const char* sql) {
 
 bool Database::IsIdle() const { return ::sqlite3_get_autocommit(m_database.get()) != 0; }
 
-Query::Query(Database& database, Statement& statement) : m_database(database) {
+Query::Query(const Database& database, Statement& statement) {
     if (!statement.m_statement) {
         sqlite3_stmt* prepared = nullptr;
         Check(::sqlite3_prepare_v3(database.m_database.get(), statement.m_sql.data(),
@@ -110,11 +110,6 @@ bool Query::Step() {
     const int result = ::sqlite3_step(m_statement);
     if (result != SQLITE_ROW && result != SQLITE_DONE) Throw(result);
     return result == SQLITE_ROW;
-}
-
-int Query::Run() {
-    Step();
-    return ::sqlite3_changes(m_database.m_database.get());
 }
 
 std::int64_t Query::Number(int column) const { return ::sqlite3_column_int64(m_statement, column); }

@@ -55,7 +55,7 @@ private:
 ///     while (query.Step()) Use(query.Text(0));
 class Query {
 public:
-    Query(Database& database, Statement& statement);
+    Query(const Database& database, Statement& statement);
     ~Query();
     Query(const Query&) = delete;
     Query& operator=(const Query&) = delete;
@@ -67,8 +67,6 @@ public:
 
     /// @return whether there is a row
     bool Step();
-    /// Runs a statement that gives no rows. @return rows that it changed
-    int Run();
 
     std::int64_t Number(int column) const;
     std::string_view Text(int column) const;  ///< or bytes
@@ -76,7 +74,6 @@ public:
 private:
     void Check(int result) const;
 
-    Database& m_database;
     sqlite3_stmt* m_statement;
     int m_bound = 0;
 };

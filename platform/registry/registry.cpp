@@ -10,8 +10,6 @@
 namespace qel {
 namespace {
 
-constexpr std::size_t kMostData = 1 << 20;
-
 // The one place where an operation's failure becomes its result.
 template <std::invocable Body> LONG AsCode(Body&& body) {
     try {
@@ -24,15 +22,13 @@ template <std::invocable Body> LONG AsCode(Body&& body) {
 
 std::string_view View(const char* text) { return text != nullptr ? text : ""; }
 
-bool IsText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
-
 RegistryValue Kept(const RegistryValue& value) {
-    if (value.data.size() > kMostData) throw RegistryError(kRegistryInvalidParameter);
-    return IsText(value.type) ? RegistryValue{value.type, ToUtf8(value.data)} : value;
+    if (value.data.size() > kMostRegistryData) throw RegistryError(kRegistryInvalidParameter);
+    return IsRegistryText(value.type) ? RegistryValue{value.type, ToUtf8(value.data)} : value;
 }
 
 RegistryValue Given(RegistryValue kept) {
-    return IsText(kept.type) ? RegistryValue{kept.type, FromUtf8(kept.data)} : std::move(kept);
+    return IsRegistryText(kept.type) ? RegistryValue{kept.type, FromUtf8(kept.data)} : std::move(kept);
 }
 
 // What a path from a key does not lead to: is the key itself still there?

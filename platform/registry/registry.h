@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -45,6 +46,12 @@ inline constexpr DWORD REG_QWORD = 11;
 
 namespace qel {
 
+/// Whether data of this type are text.
+constexpr bool IsRegistryText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
+
+/// Bytes that a value holds at most.
+inline constexpr std::size_t kMostRegistryData = 1 << 20;
+
 /// What registry operations answer: the platform's error numbers.
 enum RegistryCode : LONG {
     kRegistrySuccess = 0,
@@ -60,8 +67,8 @@ enum RegistryCode : LONG {
     kRegistryKeyDeleted = 1018,
 };
 
-/// A value. Data of REG_SZ, REG_EXPAND_SZ and REG_MULTI_SZ are text in the process's code page, with a terminating zero
-/// only where it was stored; of other types they are bytes, numbers little-endian.
+/// A value. Text (IsRegistryText) is in the process's code page, with a terminating zero only where it was stored; data
+/// of other types are bytes, numbers little-endian.
 struct RegistryValue {
     DWORD type = REG_BINARY;
     std::string data;
