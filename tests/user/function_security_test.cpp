@@ -41,20 +41,20 @@ TEST(FunctionSecurity, FirstEntryOfAnIdentifierAnswers) {
 TEST(FunctionSecurity, PrivilegesStandAboveLevels) {
     TitratorSecurity security;
     security.Initialize();
-    struct Step {
-        void (CFunctionSecurity::*set)(int);
-        int value, maker, manager, privileged, level;
-    };
     const auto maker = &CFunctionSecurity::SetMakerParameter, manager = &CFunctionSecurity::SetManagerParameter;
-    for (const Step& s : {Step{maker, 0, 0, 0, 0, 2}, Step{manager, 1, 0, 1, 1, 1}, Step{manager, 0, 0, 0, 1, 2},
-                          Step{maker, 1, 1, 1, 1, 1}, Step{manager, 0, 1, 1, 1, 1}, Step{maker, 0, 0, 1, 1, 1}}) {
-        (security.*s.set)(s.value);
-        EXPECT_EQ(security.GetMakerParameter(), s.maker);
-        EXPECT_EQ(security.GetManagerParameter(), s.manager);
-        EXPECT_EQ(security.Privileged(), s.privileged);
-        EXPECT_EQ(security.GetFunctionSecurity(100), s.level);
-        EXPECT_EQ(security.GetFunctionSecurity(8), s.manager != 0 ? 1 : -1);
+    using Set = void (CFunctionSecurity::*)(int);
+    // clang-format off
+    for (const auto& [set, value, isMaker, isManager, level, unknown] : Cases<Set, int, int, int, int, int>{
+             {maker, 0, 0, 0, 2, -1}, {manager, 1, 0, 1, 1, 1}, {manager, 0, 0, 0, 2, -1},
+             {maker, 1, 1, 1, 1, 1}, {manager, 0, 1, 1, 1, 1}, {maker, 0, 0, 1, 1, 1}}) {
+        // clang-format on
+        (security.*set)(value);
+        EXPECT_EQ(security.GetMakerParameter(), isMaker);
+        EXPECT_EQ(security.GetManagerParameter(), isManager);
+        EXPECT_EQ(security.GetFunctionSecurity(100), level);
+        EXPECT_EQ(security.GetFunctionSecurity(8), unknown);
     }
+    EXPECT_EQ(security.Privileged(), 1);
     security.SetShow(0);
     security.Initialize();
     EXPECT_EQ(security.GetManagerParameter() + security.Privileged(), 0);
@@ -67,7 +67,6 @@ TEST(UserInfo, CopiesHaveTheirOwnTable) {
     security.SetShow(4);
     CUserInfo user;
     user.SetUserID(12);
-    user.SetUsername("miller");
     user.SetPassword("secret");
     user.SetSecurity(security);
     CUserInfo copy = user;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "../support/registry_scope.h"
@@ -10,14 +11,14 @@
 
 namespace {
 
-// Knows one user, "ann" with the password "pw" and a right to function 1, and notes what it is asked.
+// Knows one user, "ann" with the password "pw" and level 3 for function 1; else it answers its slots.
 class Store : public CClassAgentConnectInterface {
 public:
-    void Connect() override { Note("connect"), connected = 1; }
+    void Connect() override { ++connected; }
     int IsConnected() override { return connected; }
-    int LogonWithDialog() override { return Note("dialog"), dialogAnswer; }
+    int LogonWithDialog() override { return dialogAnswer; }
     int Logon(const CString& username, const CString& password) override {
-        return Note("logon"), username == "ann" && password == "pw" ? 7 : 0;
+        return username == "ann" && password == "pw" ? 7 : 0;
     }
     void GetLogonUser(CUserInfo* out) override {
         CFunctionSecurity security;
@@ -39,23 +40,21 @@ public:
     int AddUser(const CUserInfo& user) override { return user.GetUserID() + 26; }
     int DeleteUser(const CString& username) override { return username == "ann" ? 28 : 0; }
 
-    std::string asked;
     int connected = 0, dialogAnswer = 0, maker = 0;
-
-private:
-    void Note(const char* what) { asked += std::string(what) + ' '; }
 };
 
-std::string Rights(const CSystemSetting& setting) {
-    std::string text = std::to_string(setting.IsLogon()) + ':';
-    for (const int right : {setting.GetLogonUserSecurityLevel(1), setting.GetLogonUserSecurityLevel(2),
-                            setting.GetLogonUserManagerFlag(), setting.GetLogonUserMakerFlag()}) {
-        text += ' ' + std::to_string(right);
-    }
+std::string Line(std::initializer_list<int> numbers) {
+    std::string text;
+    for (const int number : numbers) text += std::to_string(number) + ' ';
     return text;
 }
 
-constexpr const char* kNobody = "0: -1 -1 -1 -1";
+std::string Rights(const CSystemSetting& setting) {
+    return Line({setting.IsLogon(), setting.GetLogonUserSecurityLevel(1), setting.GetLogonUserSecurityLevel(2),
+                 setting.GetLogonUserManagerFlag(), setting.GetLogonUserMakerFlag()});
+}
+
+constexpr const char* kNobody = "0 -1 -1 -1 -1 ";
 
 }  // namespace
 
@@ -65,50 +64,40 @@ TEST(SystemSetting, AFailedLogonEndsTheOneBefore) {
     EXPECT_EQ(Rights(setting), kNobody);
     EXPECT_EQ(setting.LogonWithoutDialog("ann", "pw"), 1);
     const CSystemSetting copy = setting;
-    EXPECT_EQ(Rights(setting), "1: 3 -1 0 0");
+    EXPECT_EQ(Rights(setting), "1 3 -1 0 0 ");
     EXPECT_EQ(setting.LogonWithoutDialog("ann", nullptr), 0);
     EXPECT_EQ(Rights(setting), kNobody);
-    EXPECT_EQ(store.asked, "connect logon logon ");
+    EXPECT_EQ(store.connected, 1);
 
     store.dialogAnswer = 2;
     store.maker = 1;
     EXPECT_EQ(setting.LogonWithDialog(), 1);
-    EXPECT_EQ(Rights(setting), "1: 1 1 1 1");
+    EXPECT_EQ(Rights(setting), "1 1 1 1 1 ");
     store.dialogAnswer = 0;
     EXPECT_EQ(setting.LogonWithDialog(), 0);
     EXPECT_EQ(Rights(setting), kNobody);
     EXPECT_EQ(setting.LogonWithoutDialog("ann", "pw"), 1);
     setting.Logoff();
     EXPECT_EQ(Rights(setting), kNobody);
-    EXPECT_EQ(Rights(copy), "1: 3 -1 0 0");  // as at its logon
+    EXPECT_EQ(Rights(copy), "1 3 -1 0 0 ");  // as at its logon
 }
 
 TEST(SystemSetting, AsksTheStore) {
     Store store;
     for (CClassAgentConnectInterface* const connect : {static_cast<Store*>(nullptr), &store}) {
-        const auto answer = [&](int withStore) { return connect != nullptr ? withStore : 0; };
-        const auto text = [&](const char* withStore) { return connect != nullptr ? withStore : ""; };
         CSystemSetting setting(connect);
         CUserInfo user;
-        EXPECT_EQ(setting.GetConnectInterface(), connect);
-        EXPECT_EQ(setting.IsAutoLogon(), answer(14));
-        EXPECT_EQ(setting.SetAutoLogon(5), answer(20));
-        EXPECT_EQ(setting.GetAutoLogonUserName(), text("16"));
-        EXPECT_EQ(setting.GetAutoLogonPassword(), text("17"));
-        EXPECT_EQ(setting.SetAutoLogonUser("ann"), answer(18));
-        EXPECT_EQ(setting.GetUserInfo("bob", &user), answer(19));
-        EXPECT_EQ(user.GetUsername(), text("bob"));
         EXPECT_EQ(setting.GetUserInfo("bob", nullptr), 0);
-        EXPECT_EQ(setting.ReloadUserList(), answer(22));
-        EXPECT_EQ(setting.GetUserCount(), connect != nullptr ? 23 : -1);
-        EXPECT_EQ(setting.GetUserName(2), text("uu"));
+        EXPECT_EQ(setting.GetUserInfo("bob", &user), connect != nullptr ? 19 : 0);
         user.SetUserID(100);
-        EXPECT_EQ(setting.SaveFunctionSecurity(user), answer(125));
-        EXPECT_EQ(setting.AddUserInfo(user), answer(126));
-        EXPECT_EQ(setting.DeleteUserInfo("ann"), answer(28));
-        EXPECT_EQ(setting.LogonWithoutDialog("ann", "pw"), answer(1));
-        EXPECT_EQ(setting.LogonWithDialog(), 0);
-        EXPECT_EQ(Rights(setting), kNobody);
+        EXPECT_EQ(Line({setting.IsAutoLogon(), setting.SetAutoLogon(5), setting.SetAutoLogonUser("ann"),
+                        setting.ReloadUserList(), setting.GetUserCount(), setting.SaveFunctionSecurity(user),
+                        setting.AddUserInfo(user), setting.DeleteUserInfo("ann"), setting.LogonWithDialog(),
+                        setting.LogonWithoutDialog("ann", "pw"), setting.IsLogon()}),
+                  connect != nullptr ? "14 20 18 22 23 125 126 28 0 1 1 " : "0 0 0 0 -1 0 0 0 0 0 0 ");
+        EXPECT_EQ(setting.GetAutoLogonUserName() + setting.GetAutoLogonPassword() + setting.GetUserName(2) +
+                      user.GetUsername(),
+                  connect != nullptr ? "1617uubob" : "");
     }
 }
 

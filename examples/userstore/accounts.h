@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <qellib10/qellib10.h>
+
+#include "database.h"
+#include "secrets.h"
+
+// The tables of the store. Texts are kept in UTF-8; names that differ in case only are one name. What fails throws
+// StoreError; several changes belong into a Transaction of the caller's.
+namespace userstore {
+
+using UserId = std::int64_t;
+inline constexpr UserId kNobody = 0;  // no account has it
+
+/// Makes the tables in an empty database.
+/// @throws StoreError too for the database of another program or of a later version
+void PrepareTables(Database& database);
+
+/// kNobody for an unknown name.
+UserId FindUser(Database& database, const CString& name);
+/// The names of all users, in their order without regard to case.
+std::vector<CString> UserNames(Database& database);
+
+/// The account without its password; nothing when there is no such user.
+std::optional<CUserInfo> ReadUser(Database& database, UserId user);
+/// Adds an account without a password, under the record's user ID or, when that is 0, a new one.
+/// @throws StoreError when name or ID are taken, or for a name that is empty, has more than 64 bytes or control codes
+UserId AddUser(Database& database, const CUserInfo& record);
+/// Replaces what the record holds but for name, ID and password.
+void UpdateUser(Database& database, UserId user, const CUserInfo& record);
+void DeleteUser(Database& database, UserId user);
+
+/// Nothing when the user has no password yet.
+std::optional<PasswordHash> ReadPassword(Database& database, UserId user);
+void StorePassword(Database& database, UserId user, const PasswordHash& hash);
+
+/// Whether a manager or maker has a password.
+bool HasAdministrator(Database& database);
+
+/// The user who is logged on without being asked.
+struct AutomaticLogon {
+    int isOn = 0;
+    UserId user = kNobody;
+    TokenDigest token = {};
+};
+AutomaticLogon ReadAutomaticLogon(Database& database);
+void SwitchAutomaticLogon(Database& database, int isOn);
+/// kNobody: none, whatever the token.
+void StoreAutomaticUser(Database& database, UserId user, const TokenDigest& token);
+
+}  // namespace userstore

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <chrono>
+
+#include "accounts.h"
+
+// Counts refused logons and locks a user after too many.
+namespace userstore {
+
+struct LockRule {
+    int mostRefused = 5;  // refusals one after the other that lock; each further one locks again
+    std::chrono::seconds length = std::chrono::minutes(5);
+};
+
+/// Counts an attempt as refused, before its password is checked: so programs that try side by side get no further
+/// guesses. @p user may be kNobody, which costs the same.
+/// @return whether the user was locked already, so that even the right password does not count
+bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LockRule& rule);
+
+/// After a success, or when an administrator sets a new password.
+void ForgetAttempts(Database& database, UserId user);
+
+}  // namespace userstore

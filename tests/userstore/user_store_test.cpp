@@ -1,0 +1,198 @@
+#include "user_store.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+
+#include "../support/cases.h"
+#include "../support/child_process.h"
+#include "../support/temp_folder.h"
+
+namespace {
+
+using userstore::LogonRequest;
+using userstore::UserStore;
+
+// A store whose clock stands still and whose hashes cost next to nothing.
+class UserStoreTest : public testing::Test {
+protected:
+    UserStoreTest() {
+        m_settings.cost = {1, 8192};
+        m_settings.clock = [this] { return m_now; };
+    }
+    std::unique_ptr<UserStore> Open() {
+        auto store = std::make_unique<UserStore>(m_folder.Path("users.db"), m_settings);
+        store->Connect();
+        return store;
+    }
+    void Damage(const char* sql) { userstore::Database(m_folder.Posix("users.db")).Run(sql); }
+    unsigned ModeOf(const char* name) {
+        return static_cast<unsigned>(std::filesystem::status(m_folder.Posix(name)).permissions());
+    }
+
+    TempFolder m_folder;
+    std::chrono::sys_seconds m_now{std::chrono::hours(400'000)};
+    userstore::UserStoreSettings m_settings;
+};
+
+CUserInfo Record(const char* name, const char* password, int manager = 0) {
+    CUserInfo user;
+    user.SetUsername(name);
+    user.SetPassword(password);
+    CFunctionSecurity security;
+    security.AddFunctionInfo(CFunctionInfo(5, "Print", 3));
+    security.AddFunctionInfo(CFunctionInfo(-2, "\x83\x5C", 0));
+    security.SetManagerParameter(manager);
+    user.SetSecurity(security);
+    return user;
+}
+
+}  // namespace
+
+TEST_F(UserStoreTest, KeepsAccounts) {
+    auto store = Open();
+    EXPECT_EQ(ModeOf("users.db"), 0600u);
+    for (const auto& [name, password, answer] :
+         Cases<const char*, const char*, int>{{"Admin", "", 0}, {"Admin", "first", 1}, {"Other", "first", 0}}) {
+        EXPECT_EQ(store->CreateFirstAdministrator(name, password), answer);
+    }
+    EXPECT_EQ(store->AddUser(Record("miller", "pw", 1)) + store->AddUser(Record("bob", "")), 2);
+    for (const std::string& name : {std::string("MILLER"), std::string(), std::string("a\nb"), std::string(65, 'x')}) {
+        EXPECT_EQ(store->AddUser(Record(name.c_str(), "pw")), 0) << name;
+    }
+
+    store = Open();
+    EXPECT_EQ(store->GetUserCount(), 3);
+    EXPECT_EQ(store->GetUserName(1), "bob");
+    EXPECT_EQ(store->GetUserName(3) + store->GetUserName(-1), "");
+    CUserInfo user;
+    EXPECT_EQ(store->GetUserInfo("Miller", &user) + user.GetManagerFlag(), 2);
+    EXPECT_EQ(user.GetUsername() + user.GetPassword(), "miller");
+    user.SetManagerFlag(0);
+    EXPECT_EQ(user.GetFunctionSecurity(5), 3);  // kept below the privilege
+    EXPECT_EQ(user.GetSecurity().GetFunctionName(-2), "\x83\x5C");
+
+    for (const char* const password : {"", "new"}) {  // an empty one changes nothing
+        user.SetPassword(password);
+        EXPECT_EQ(store->SaveFunctionSecurity(user), 1);
+        EXPECT_EQ(store->Logon("MILLER", "pw"), *password == '\0' ? 1 : 0);
+    }
+    EXPECT_EQ(store->Logon("miller", "new"), 1);
+    EXPECT_EQ(store->GetLogonUsername(), "miller");
+    EXPECT_EQ(store->Logon("bob", ""), 0);  // has no password yet
+
+    EXPECT_EQ(store->DeleteUser("admin"), 0) << "the last administrator";
+    EXPECT_EQ(store->SaveFunctionSecurity(Record("admin", "")), 0) << "the last administrator";
+    EXPECT_EQ(store->DeleteUser("miller"), 1);
+    EXPECT_EQ(store->DeleteUser("miller") + store->SaveFunctionSecurity(user), 0);
+    EXPECT_EQ(store->GetLogonUsername(), "");
+    EXPECT_EQ(store->GetUserCount(), 2);
+}
+
+TEST_F(UserStoreTest, LocksAfterRefusals) {
+    auto store = Open();
+    store->CreateFirstAdministrator("admin", "first");
+    store->AddUser(Record("bob", "pw"));
+    store.reset();  // forked children must not have it
+    std::vector<std::unique_ptr<ChildProcess>> guesses;
+    for (int i = 0; i < 8; ++i) {
+        guesses.push_back(std::make_unique<ChildProcess>([&] { return Open()->Logon("bob", "wrong"); }));
+    }
+    for (const auto& guess : guesses) EXPECT_EQ(guess->Wait(), 0);
+    store = Open();
+    EXPECT_EQ(store->Logon("bob", "pw"), 0) << "eight guesses side by side";
+    m_now += std::chrono::minutes(5);
+    EXPECT_EQ(store->Logon("bob", "pw"), 1);  // the count begins anew
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(store->Logon("bob", "wrong"), 0);
+    for (const auto& [later, password, expected] : Cases<int, const char*, int>{
+             {299, "pw", 0}, {1, "wrong", 0}, {299, "pw", 0}, {1, "pw", 1}, {0, "wrong", 0}, {0, "pw", 1}}) {
+        m_now += std::chrono::seconds(later);
+        EXPECT_EQ(store->Logon("bob", password), expected) << later << password;
+    }
+    for (int i = 0; i < 5; ++i) store->Logon("bob", "wrong");
+    m_now -= std::chrono::hours(9);  // the clock was wrong
+    EXPECT_EQ(store->Logon("bob", "pw"), 1);
+    for (int i = 0; i < 5; ++i) store->Logon("bob", "wrong");
+    EXPECT_EQ(store->SaveFunctionSecurity(Record("bob", "new")), 1);
+    EXPECT_EQ(store->Logon("bob", "new"), 1);
+}
+
+TEST_F(UserStoreTest, AnUnknownUserCostsAsMuch) {
+    auto store = Open();
+    store->AddUser(Record("bob", "pw"));
+    m_settings.cost = {2, 16 << 20};
+    store = Open();
+    EXPECT_EQ(store->Logon("bob", "pw"), 1);  // from now on at the new cost
+    const auto cost = [&](const char* name) {
+        double least = 1e9;
+        for (int i = 0; i < 5; ++i) {
+            const std::clock_t before = std::clock();
+            EXPECT_EQ(store->Logon(name, "wrong"), 0);
+            least = std::min(least, static_cast<double>(std::clock() - before));
+        }
+        return least;
+    };
+    EXPECT_NEAR(cost("nobody") / cost("bob"), 1, 0.4);
+}
+
+TEST_F(UserStoreTest, LogsOnByToken) {
+    auto store = Open();
+    store->CreateFirstAdministrator("admin", "first");
+    store->AddUser(Record("bob", "pw"));
+    CSystemSetting setting(store.get());
+    EXPECT_EQ(setting.SetAutoLogonUser("nobody") + setting.SetAutoLogon(1) + setting.SetAutoLogonUser("BOB"), 2);
+    EXPECT_EQ(ModeOf("users.db.token"), 0600u);
+    const CString token = setting.GetAutoLogonPassword();
+    EXPECT_EQ(token.GetLength(), 64);
+    EXPECT_EQ(setting.LogonWithoutDialog("admin", token), 0);
+    store = Open();
+    setting.Initialize(store.get());
+    EXPECT_EQ(setting.LogonWithoutDialog(setting.GetAutoLogonUserName(), setting.GetAutoLogonPassword()), 1);
+    EXPECT_EQ(setting.GetLogonUserSecurityLevel(5), 3);
+    EXPECT_EQ(setting.IsAutoLogon(), 1);
+    std::filesystem::permissions(m_folder.Posix("users.db.token"), std::filesystem::perms(0640));
+    EXPECT_EQ(setting.GetAutoLogonPassword(), "") << "others may read it";
+
+    EXPECT_EQ(setting.SetAutoLogonUser("bob"), 1);
+    EXPECT_EQ(setting.LogonWithoutDialog("bob", token), 0) << "an earlier token";
+    EXPECT_EQ(setting.DeleteUserInfo("bob"), 1);
+    EXPECT_EQ(setting.GetAutoLogonUserName() + setting.GetAutoLogonPassword(), "");
+    EXPECT_EQ(setting.SetAutoLogonUser("admin") + setting.SetAutoLogonUser(""), 2);
+    EXPECT_FALSE(m_folder.Has("users.db.token"));
+}
+
+TEST_F(UserStoreTest, AsksThePrompt) {
+    auto store = Open();
+    store->CreateFirstAdministrator("admin", "first");
+    CSystemSetting setting(store.get());
+    EXPECT_EQ(setting.LogonWithDialog(), 0);
+    for (const auto& [rightAt, answer, times] : Cases<int, int, int>{{2, 1, 3}, {3, 0, 3}, {-1, 0, 1}}) {
+        int asked = 0;
+        store->SetLogonPrompt([&, right = rightAt](LogonRequest& request) {
+            EXPECT_EQ(request.refused, asked++);
+            request.username = "Admin";
+            request.password = request.refused == right ? "first" : "wrong";
+            return request.refused <= right;
+        });
+        EXPECT_EQ(setting.LogonWithDialog(), answer);
+        EXPECT_EQ(setting.IsLogon(), answer);
+        EXPECT_EQ(asked, times);
+    }
+}
+
+TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
+    EXPECT_EQ(Open()->AddUser(Record("bob", "pw")), 1);
+    Damage("UPDATE users SET passes = 4000000000, memory = 4000000000000");
+    EXPECT_EQ(Open()->Logon("bob", "pw"), 0) << "would take years";
+    Damage("PRAGMA user_version = 2");
+    const auto later = Open();
+    EXPECT_EQ(later->IsConnected(), 0);
+    EXPECT_EQ(later->LastError(), "the file is no user store of this version");
+    EXPECT_EQ(later->GetUserCount(), -1);
+    EXPECT_EQ(later->AddUser(Record("ann", "pw")) + later->Logon("bob", "pw") + later->ReloadUserList(), 0);
+    m_folder.Write("users.db", std::string(5000, 'x'));
+    EXPECT_EQ(Open()->IsConnected(), 0);
+    EXPECT_EQ(m_folder.Read("users.db"), std::string(5000, 'x'));
+}
