@@ -62,12 +62,12 @@ std::string DesktopEntry::Text() const {
     const auto line = [&](std::string_view key, std::string_view value) {
         text.append(key).append(Value(value)).append(1, '\n');
     };
+    line(kOurKey, link);  // near the begin, for a comment may be of any length
     line("Type=", isProgram ? "Application" : "Link");
     line("Name=", name);
     if (!comment.empty()) line("Comment=", comment);
     isProgram ? line("Exec=", Quoted(posixPath)) : line("URL=", FileUrl(posixPath));
     if (isProgram) line("Terminal=", "false");
-    line(kOurKey, link);
     return text;
 }
 

@@ -16,7 +16,7 @@ constexpr std::byte kClass64{2}, kLittleEndian{1};
 constexpr std::uint32_t kSegmentSize = 56, kMostSegments = 1024;
 constexpr std::size_t kTypeAt = 0, kOffsetAt = 8, kFileSizeAt = 32;  // in a segment's header
 constexpr std::uint32_t kNoteSegment = 4;
-constexpr std::uint64_t kLargestNotes = 64 * 1024;  // far above what linkers make; a core file's are no version's
+constexpr std::uint64_t kMostNotes = 64 * 1024;  // bytes of all; far above what linkers make
 
 constexpr std::size_t kNoteHeaderSize = 12;
 constexpr std::uint32_t kOurType = 1;
@@ -70,9 +70,11 @@ std::optional<std::string> TextOfElfNotes(const FileBytes& file, std::string_vie
         throw DataError("no table of segments");
     }
     const auto segments = file.At(NumberAt<std::uint64_t>(header, kSegmentsAt), count * kSegmentSize);
+    std::uint64_t left = kMostNotes;  // segments of a forged file may all hold the same bytes
     for (std::size_t at = 0; at < segments.size(); at += kSegmentSize) {
         const auto size = NumberAt<std::uint64_t>(segments, at + kFileSizeAt);
-        if (NumberAt<std::uint32_t>(segments, at + kTypeAt) != kNoteSegment || size > kLargestNotes) continue;
+        if (NumberAt<std::uint32_t>(segments, at + kTypeAt) != kNoteSegment || size > left) continue;
+        left -= size;
         const auto notes = file.At(NumberAt<std::uint64_t>(segments, at + kOffsetAt), static_cast<std::uint32_t>(size));
         if (auto text = TextOfNotes(notes, key)) return text;
     }

@@ -91,7 +91,7 @@ enum class Entry { kNone, kOurs, kForeign };
 Entry LookAtEntry(const CString& name) {
     const Descriptor file(::open(ToPosixPath(name.View()).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return errno == ENOENT ? Entry::kNone : Entry::kForeign;
-    std::array<char, 16 * 1024> text;  // ours are far shorter
+    std::array<char, 16 * 1024> text;  // the key stands far before, with paths of MAX_PATH at most
     struct stat status = {};
     if (::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return Entry::kForeign;
     const std::size_t size = ReadFully(file, std::as_writable_bytes(std::span(text)), name.View());
@@ -99,8 +99,6 @@ Entry LookAtEntry(const CString& name) {
 }
 
 void WriteEntry(const ShellLink& link, const CString& linkFile) {
-    const CString file = EntryFile(linkFile);
-    if (LookAtEntry(file) == Entry::kForeign) ThrowCode(kFileExists, file.View());
     DesktopEntry entry;
     entry.name = ToUtf8(WithoutExtension(linkFile).View().substr(NameStart(linkFile.View())));
     if (link.description) entry.comment = ToUtf8(link.description->View());
@@ -108,7 +106,7 @@ void WriteEntry(const ShellLink& link, const CString& linkFile) {
     entry.isProgram = IsProgram(entry.posixPath);
     entry.link = ToUtf8(linkFile.View());
     const std::string text = entry.Text();
-    Write(file, std::as_bytes(std::span(text)), true);
+    Write(EntryFile(linkFile), std::as_bytes(std::span(text)), true);
 }
 
 bool IsMissing(const CString& file) {
@@ -121,9 +119,11 @@ bool IsMissing(const CString& file) {
 void WriteShellLink(std::string_view target, std::string_view link, const std::optional<CString>& description) {
     const CString file = LinkFile(link);
     const ShellLink made = LinkTo(FullPath(target), description);
+    const bool withEntry = DesktopLooksAt(file);
+    if (withEntry && LookAtEntry(EntryFile(file)) == Entry::kForeign) ThrowCode(kFileExists, EntryFile(file).View());
     if (StartsWithSession(file)) MakeFolders(file.View().substr(0, NameStart(file.View())));
     Write(file, made.Pack(), false);
-    if (DesktopLooksAt(file)) WriteEntry(made, file);
+    if (withEntry) WriteEntry(made, file);
 }
 
 void DeleteShellLink(std::string_view link) {

@@ -13,7 +13,8 @@
 namespace qel {
 
 /// Writes a link, replacing one that is there; a missing start-up folder is made. The target need not exist.
-/// @throws CFileException 5 or 32 when a file stands in the way, 80 when a `.desktop` file of somebody else does
+/// @throws CFileException 5 or 32 when a file stands in the way; 80 when a `.desktop` file of somebody else does, then
+/// nothing is written
 QELLIB10_API void WriteShellLink(std::string_view target, std::string_view link,
                                  const std::optional<CString>& description);
 

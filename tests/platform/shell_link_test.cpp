@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "../support/cases.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
@@ -58,35 +59,27 @@ TEST(ShellLink, HasAnEntryWhereTheDesktopLooks) {
     for (const char* path : {"d/applications", "h/Tisch", "c"}) qel::MakeFolders(folder.Path(path).View());
     folder.Write("c/user-dirs.dirs", "# x\nXDG_DESKTOP_DIR=\"$HOME/Tisch\"\n");
     folder.Write("a document", "");
-    struct Case {
-        std::string target, link, expected;
-    };
-    for (const Case& c :
-         {Case{"none", "c/autostart/start up", "Type=Application\nName=start up\nComment=\\sx\\\\y\n"},
-          Case{"a $1`b%c\"", "d/applications/odd", "/a \\\\$1\\\\`b%%c\\\\\"\"\nTerminal=false\n"},
-          Case{"a document", "h/Tisch/doc", "/a%20document\n"}, Case{"c", "h/Tisch/folder", "Type=Link\n"}}) {
-        SCOPED_TRACE(c.link);
-        const std::string link = folder.Name(c.link);
-        qel::WriteShellLink(folder.Path(c.target).View(), link, CString(" x\\y"));
-        const std::string text = folder.Read(c.link + ".desktop");
-        EXPECT_NE(text.find(c.expected), text.npos) << text;
-        EXPECT_EQ(Output("desktop-file-validate " + Quoted(folder.Posix(c.link + ".desktop")) + " 2>&1"), "");
+    const CString comment = " x\\y" + CString('z', 20'000);  // longer than what is read to see that an entry is ours
+    for (const auto& [target, file, expected] : Cases<const char*, std::string, const char*>{
+             {"none", "c/autostart/start up", "Type=Application\nName=start up\nComment=\\sx\\\\yz"},
+             {"a $1`b%c\"", "d/applications/odd", "/a \\\\$1\\\\`b%%c\\\\\"\"\nTerminal=false\n"},
+             {"a document", "h/Tisch/doc", "/a%20document\n"},
+             {"c", "h/Tisch/folder", "Type=Link\n"}}) {
+        const std::string link = folder.Name(file), entry = file + ".desktop";
+        for (const char* again : {"new", "again"}) {
+            EXPECT_EQ(CodeOf([&] { qel::WriteShellLink(folder.Path(target).View(), link, comment); }), 0) << again;
+        }
+        EXPECT_NE(folder.Read(entry).find(expected), std::string::npos) << folder.Read(entry);
+        EXPECT_EQ(Output("desktop-file-validate " + Quoted(folder.Posix(entry)) + " 2>&1"), "");
         qel::DeleteShellLink(link);
-        EXPECT_FALSE(folder.Has(c.link + ".desktop") || folder.Has(c.link + ".lnk"));
+        EXPECT_FALSE(folder.Has(entry) || folder.Has(file + ".lnk"));
+        // With an entry of somebody else there is no link. One of ours goes also when its link has gone before.
+        for (const auto& [code, key] : {std::pair(80, "Other"), std::pair(0, "QELLIB10-Link")}) {
+            folder.Write(entry, std::string("[Desktop Entry]\nX-") + key + "=1\n");
+            EXPECT_EQ(CodeOf([&] { qel::WriteShellLink("\\none", link, std::nullopt); }), code);
+            EXPECT_EQ(std::filesystem::remove(folder.Posix(file + ".lnk")), code == 0);
+            EXPECT_EQ(CodeOf([&] { qel::DeleteShellLink(link); }), 2);
+            EXPECT_EQ(folder.Has(entry), code == 80);
+        }
     }
-}
-
-TEST(ShellLink, LeavesForeignEntriesAlone) {
-    const TempFolder folder;
-    const EnvironmentScope config("XDG_CONFIG_HOME", folder.Posix().c_str());
-    const std::string link = folder.Name("autostart") + "\\x";
-    qel::MakeFolders(folder.Path("autostart").View());
-    folder.Write("autostart/x.desktop", "[Desktop Entry]\nX-Other=1\n");
-    EXPECT_EQ(CodeOf([&] { qel::WriteShellLink("\\none", link, std::nullopt); }), 80);
-    qel::DeleteShellLink(link);
-    EXPECT_TRUE(folder.Has("autostart/x.desktop"));
-    // An entry of ours goes also when the link has gone before.
-    folder.Write("autostart/x.desktop", "[Desktop Entry]\nX-QELLIB10-Link=y\n");
-    EXPECT_EQ(CodeOf([&] { qel::DeleteShellLink(link); }), 2);
-    EXPECT_FALSE(folder.Has("autostart/x.desktop"));
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "../support/cases.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/mem_file.h"
@@ -27,16 +28,6 @@ BEGIN
   BLOCK "VarFileInfo" BEGIN VALUE "Translation", 0x411, 1200, 0x409, 1252 END
 END
 )";
-
-// A Windows library with nothing in it but that resource, made by the tools for the other system.
-std::string Library(const std::string& tools) {
-    const TempFolder folder;
-    folder.Write("v.rc", kResource);
-    const std::string command = "cd " + folder.Posix().string() + " && " + tools +
-                                "windres --preprocessor=cat v.rc v.o && " + tools + "ld --dll -s -o v.dll v.o";
-    EXPECT_EQ(std::system(command.c_str()), 0);
-    return folder.Read("v.dll");
-}
 
 std::optional<CString> TextIn(const std::string& bytes, const char* key) {
     const std::vector<BYTE> exact(bytes.begin(), bytes.end());  // so that a sanitizer sees each byte beyond
@@ -64,13 +55,17 @@ void Damage(const std::string& whole) {
 }  // namespace
 
 TEST(VersionText, OfWindowsFiles) {
-    for (const char* tools : {"x86_64-w64-mingw32-", "i686-w64-mingw32-"}) {
-        const std::string library = Library(tools);
-        EXPECT_EQ(TextIn(library, "FILEVersion"), CString("1.2.3.4")) << tools;
-        EXPECT_EQ(TextIn(library, "ProductName"), CString("\x95\x5C\x8E\xA6"));
-        EXPECT_EQ(TextIn(library, "Empty"), CString(""));
-        EXPECT_EQ(TextIn(library, "OnlyEnglish"), CString("yes"));
-        for (const char* key : {"None", "", "VarFileInfo"}) EXPECT_EQ(TextIn(library, key), std::nullopt) << key;
+    const Cases<const char*, std::optional<CString>> texts = {
+        {"FILEVersion", "1.2.3.4"}, {"ProductName", "\x95\x5C\x8E\xA6"}, {"Empty", ""}, {"OnlyEnglish", "yes"},
+        {"None", std::nullopt},     {"VarFileInfo", std::nullopt}};
+    const TempFolder folder;
+    folder.Write("v.rc", kResource);
+    for (const std::string tools : {"x86_64-w64-mingw32-", "i686-w64-mingw32-"}) {
+        const std::string command = "cd " + folder.Posix().string() + " && " + tools +
+                                    "windres --preprocessor=cat v.rc v.o && " + tools + "ld --dll -s -o v.dll v.o";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        const std::string library = folder.Read("v.dll");
+        for (const auto& [key, text] : texts) EXPECT_EQ(TextIn(library, key), text) << tools << key;
         Damage(library);
     }
 }
@@ -79,9 +74,9 @@ TEST(VersionText, OfWindowsFiles) {
 TEST(VersionText, OfNotes) {
     std::ifstream file(QELLIB10_TEST_DATA "/../../fuzz/seeds/version/program", std::ios::binary);
     const std::string program(std::istreambuf_iterator<char>(file), {});
-    EXPECT_EQ(TextIn(program, "fileversion"), CString("7"));
-    EXPECT_EQ(TextIn(program, "Odd"), CString(""));
-    EXPECT_EQ(TextIn(program, "None"), std::nullopt);
+    const Cases<const char*, std::optional<CString>> texts = {
+        {"fileversion", "7"}, {"Odd", ""}, {"None", std::nullopt}, {"", std::nullopt}};
+    for (const auto& [key, text] : texts) EXPECT_EQ(TextIn(program, key), text) << key;
     EXPECT_EQ(TextIn(program.substr(0, 150), "FileVersion"), std::nullopt);
     Damage(program);
 }
