@@ -36,7 +36,7 @@ void CQCSVFile::WriteCRLF() { Put({m_szCRLF.View()}); }
 
 void CQCSVFile::WriteCSVString(const char* text) {
     const std::string_view mark = m_szQuotationMark.View();
-    // Bytes below 40 are never half of a double-byte character.
+    // No byte below 0x40 is half of a double-byte character.
     if (mark.size() == 1 && mark[0] > 0 && mark[0] < 0x40 && m_pBlock->used != 0 && QuoteInBlock(text, mark[0])) return;
     const std::string_view field = TextOf(text);
     if (mark.empty() || field.find(mark) == std::string_view::npos) return Put({mark, field, mark});

@@ -42,7 +42,8 @@ public:
     static int PackNewData(CQFile* file);
     /// Seals a file with this object's identity and the next version.
     /// @param isNew not 0: the file must not be sealed yet; a null GUID is replaced by a new one. 0: it must be sealed
-    /// and pass ReadPackData. The file is not cut: under a shorter name than before it does not pass afterwards
+    /// and pass ReadPackData. The file is not cut: under a shorter name than before it does not pass afterwards.
+    /// Nor does it when the system fails while the new trailer is written over the old one
     int PackUpdateData(CQFile* file, int isNew);
     /// Checks a sealed file and reads what its trailer says; the position stays. A file under another name than its own
     /// is read, too, but the answer is 0 when names are checked.

@@ -77,7 +77,7 @@ void WriteDump(CFile& file, std::span<const unsigned char> bytes) {
 
 }  // namespace
 
-CString CLog::m_szLogFile;
+CString& CLog::m_szLogFile = *new CString;  // never freed: what goes after this file's statics may log, too
 std::atomic<int> CLog::m_nLogLevel = 0;
 std::atomic<const char*> CLog::m_szLockKeyword = nullptr;
 std::atomic<HANDLE> CLog::m_hMessageBuffer = nullptr;

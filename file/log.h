@@ -51,7 +51,7 @@ private:
     static CString LogFile();
 
     static constexpr int kMessageBufferSize = 1024;
-    static CString m_szLogFile;  // under a lock of its own
+    static CString& m_szLogFile;  // under a lock of its own
     static std::atomic<int> m_nLogLevel;
     static std::atomic<const char*> m_szLockKeyword;
     static std::atomic<HANDLE> m_hMessageBuffer;

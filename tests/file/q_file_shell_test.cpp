@@ -9,19 +9,13 @@
 
 namespace {
 
-struct Opened : CQFile {
-    using CQFile::BrowseNotify;
-};
-
 // Answers as a user would who goes into a folder below the one selected at the begin, or cancels.
 class ScriptedBrowser : public qel::FolderBrowser {
 public:
-    ScriptedBrowser() { qel::SetFolderBrowser(this); }
-    ~ScriptedBrowser() override { qel::SetFolderBrowser(nullptr); }
-
     std::optional<CString> Browse(const qel::BrowseRequest& request) override {
         asked = request;
         EXPECT_EQ(request.callback(this, BFFM_INITIALIZED, 0, request.data), 1);
+        EXPECT_EQ(request.callback(this, 3, 0, request.data), 0);
         return cancels ? std::nullopt : std::optional(selected + "\\chosen");
     }
     void OnMessage(HWND window, UINT message, WPARAM byPath, LPARAM path) override {
@@ -41,6 +35,7 @@ TEST(FolderDialog, AsksTheApplicationsBrowser) {
     int window = 0;
     EXPECT_EQ(CQFile::SelectFolderDialog(folder, "Where?", &window), 0);  // there is none
     ScriptedBrowser browser;
+    qel::SetFolderBrowser(&browser);
     EXPECT_EQ(CQFile::SelectFolderDialog(folder, "Where?", &window), 1);
     EXPECT_EQ(folder, "\\data\\chosen");
     EXPECT_TRUE(browser.asked.title == "Where?" && browser.asked.owner == &window && browser.asked.flags == 1);
@@ -50,7 +45,7 @@ TEST(FolderDialog, AsksTheApplicationsBrowser) {
     CString unit;
     unit.LoadString(qel::kFirstUnitId);
     EXPECT_EQ(browser.asked.title, unit);
-    EXPECT_EQ(Opened::BrowseNotify(nullptr, 3, 0, 0), 0);
+    EXPECT_EQ(qel::SetFolderBrowser(nullptr), &browser);
 }
 
 TEST(Shortcut, IsMadeAndDeletedWithItsExtension) {
