@@ -16,6 +16,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 constexpr const char* kDefault = "default  ";
 constexpr DWORD kSize = 1024;
 
@@ -34,12 +36,6 @@ protected:
     TempFolder m_folder;
     std::string m_name = m_folder.Name("a.ini");
 };
-
-std::string Joined(std::initializer_list<std::string> names) {
-    std::string joined;
-    for (const std::string& name : names) joined += name + '\0';
-    return joined;
-}
 
 }  // namespace
 
@@ -63,14 +59,14 @@ TEST_F(IniFile, ReadsLinesAsThePlatformDoes) {
     for (const char* section : {"\x83\x5D", "A]B", "", "end", "missing"}) values += Value(section, "k") + '|';
     EXPECT_EQ(values, "trail|last bracket|nameless|no line end|default|");
     EXPECT_EQ(Value("", "outside"), "default");
-    EXPECT_EQ(Value(nullptr, nullptr), Joined({"s", "\x83\x5D", "a]b", "S", "", "end"}));
-    EXPECT_EQ(Value("end", nullptr), Joined({"k"}));
+    EXPECT_EQ(Value(nullptr, nullptr), "s\0\x83\x5D\0a]b\0S\0\0end\0"s);
+    EXPECT_EQ(Value("end", nullptr), "k\0"s);
     EXPECT_EQ(Value("missing", nullptr), "default");
 }
 
 TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
     Write("[section1]\nname1 = val1\nname2=\n;c\n\nname3\nname4=\"v\x83\x5C\"\n[section2]\n");
-    const std::string whole = Joined({"name1=val1", "name2=", "name3", "name4=\"v\x83\x5C\""});
+    const std::string whole = "name1=val1\0name2=\0name3\0name4=\"v\x83\x5C\"\0"s;
     const auto length = static_cast<DWORD>(whole.size());
     const auto listed = [&](const char* section, DWORD size) {
         return qel::ReadProfileSection(section, size, m_name.c_str());
@@ -120,11 +116,11 @@ TEST_F(IniFile, WritesWholeSections) {
     EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
     Write("[App1]\nkey=v\n[App2]\n;c\nkey4=v\n\n[App3]\nkey5=v");
     const Cases<const char*, std::string, bool> cases = {
-        {"app2", Joined({"a=1", "Nul=C:\\x", "bare"}) + '\0' + "behind the end", true},
-        {"App4", Joined({"b=2"}), true},
+        {"app2", "a=1\0Nul=C:\\x\0bare\0"s + '\0' + "behind the end", true},
+        {"App4", "b=2\0"s, true},
         {"App3", "", true},
-        {"App4", Joined({"b=3", "[App1]"}), false},
-        {nullptr, Joined({"b=3"}), false}};
+        {"App4", "b=3\0[App1]\0"s, false},
+        {nullptr, "b=3\0"s, false}};
     for (const auto& [section, entries, result] : cases) {
         EXPECT_EQ(qel::WriteProfileSection(section, entries, m_name.c_str()), result) << entries;
     }

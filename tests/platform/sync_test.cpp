@@ -4,7 +4,9 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "../support/cases.h"
 #include "../support/child_process.h"
@@ -33,29 +35,21 @@ DWORD WaitInThread(HANDLE mutex, DWORD milliseconds, bool release) {
 TEST(NamedObjects, NamesAreTheSystems) {
     const CodePageScope japanese(qel::kCodePageJapanese);
     const std::string own = NameOfOurOwn("name"), longName = std::string(259 - own.size(), '/') + own;
-    // All of them are kept, so each is another's name only if it were the same.
-    for (const auto& [name, error] : Cases<std::string, DWORD>{
-             {own, 0},
-             {own + "/../../x", 0},
-             {own + "MM::x.%41 \n\x7f\xff", 0},
-             {own + "\x83\x5c", 0},  // the trail byte is no backslash
-             {longName + "a", 0},
-             {longName + "b", 0},
-             {longName + "bc", 206},
-             {own + "\\x", 3},
-             {own + "NAME", 0},
-             {own + "name", 0},
-             {"Global\\" + own, 0},
-             {"Local\\Global\\" + own, 3},
-             {"global\\" + own, 3},
-             {"Local\\", 6},
-         }) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(OpenNamedMutex(name.c_str()), nullptr);
-        EXPECT_EQ(LastError(), error == 0 ? 2 : error);
-        EXPECT_EQ(NewMutex(name) != nullptr, error == 0);
-        EXPECT_EQ(LastError(), error);
-        EXPECT_EQ(InChild([&name = name] { return CreateNamedMutex(name.c_str()).existed; }), error == 0);
+    const Cases<DWORD, std::vector<std::string>> cases = {
+        {0, {own, own + "/../../x", own + "MM::x.%41 \n\x7f\xff", longName + "a", longName + "b"}},
+        {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // the trail byte is no backslash
+        {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}},
+        {6, {"Local\\"}},
+        {206, {longName + "bc"}}};
+    for (const auto& [error, names] : cases) {
+        for (const std::string& name : names) {  // all are kept, so each is another's only if it were the same
+            SCOPED_TRACE(name);
+            EXPECT_EQ(OpenNamedMutex(name.c_str()), nullptr);
+            EXPECT_EQ(LastError(), error == 0 ? 2 : error);
+            EXPECT_EQ(NewMutex(name) != nullptr, error == 0);
+            EXPECT_EQ(LastError(), error);
+            EXPECT_EQ(InChild([&] { return CreateNamedMutex(name.c_str()).existed; }), error == 0);
+        }
     }
     EXPECT_TRUE(CreateNamedMutex(("Local\\" + own).c_str()).existed);
     EXPECT_EQ(LastError(), 183u);
@@ -63,15 +57,13 @@ TEST(NamedObjects, NamesAreTheSystems) {
     EXPECT_EQ(asBlock(), 6u);  // one namespace for all kinds
     EXPECT_EQ(InChild(asBlock), 6);
 
-    EXPECT_EQ(OpenNamedMutex(nullptr), nullptr);
-    EXPECT_EQ(LastError(), 87u);
-    EXPECT_EQ(OpenNamedMutex(""), nullptr);
-    EXPECT_EQ(LastError(), 6u);
+    for (const auto& [name, error] : Cases<const char*, DWORD>{{nullptr, 87}, {"", 6}}) {
+        EXPECT_TRUE(OpenNamedMutex(name) == nullptr && LastError() == error);
+    }
     const HANDLE large = CreateSharedMemory("", 5000).handle, small = CreateSharedMemory(nullptr, 1).handle;
     EXPECT_EQ(MapView(small, true, 2), nullptr);
     EXPECT_NE(MapView(large, true, 5000), nullptr);
-    EXPECT_TRUE(CloseHandle(large));
-    EXPECT_FALSE(CloseHandle(large));
+    EXPECT_TRUE(CloseHandle(large) && !CloseHandle(large));
 }
 
 TEST(NamedMutex, BelongsToAThread) {
@@ -92,8 +84,7 @@ TEST(NamedMutex, BelongsToAThread) {
     EXPECT_TRUE(ReleaseNamedMutex(mutex));
     EXPECT_EQ(WaitInThread(mutex, 0, true), kWaitObject);
 
-    EXPECT_EQ(MapView(mutex, false, 0), nullptr);
-    EXPECT_EQ(LastError(), 6u);
+    EXPECT_TRUE(MapView(mutex, false, 0) == nullptr && LastError() == 6);
     EXPECT_TRUE(CloseHandle(mutex));
     EXPECT_EQ(WaitForMutex(mutex, 0), kWaitFailed);
 }
@@ -107,16 +98,14 @@ TEST(NamedMutex, MayBeClosedWhileItIsOwnedOrWaitedFor) {
             EXPECT_TRUE(CloseHandle(NewMutex(name + "-other")));
             EXPECT_TRUE(WaitForMutex(mutex, kInfinite) == kWaitObject || LastError() == 6);
         });
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        ::usleep(10'000);
         EXPECT_TRUE(ReleaseNamedMutex(mutex) && CloseHandle(mutex));
         waiter.join();
         // A new one under the name is free, and so is the list of what this thread owns.
         const HANDLE fresh = NewMutex(name);
         EXPECT_EQ(WaitForMutex(fresh, 0), kWaitObject);
         EXPECT_TRUE(CloseHandle(fresh));
-        EXPECT_EQ(OpenNamedMutex(name.c_str()), nullptr);
-        EXPECT_EQ(LastError(), 2u);
-
+        EXPECT_TRUE(OpenNamedMutex(name.c_str()) == nullptr && LastError() == 2);
         const HANDLE left = NewMutex(name);
         EXPECT_EQ(InChild([&] { return static_cast<int>(WaitForMutex(NewMutex(name), 0)); }), 0);
         EXPECT_TRUE(CloseHandle(left));  // the last one, of a mutex whose owner is dead

@@ -197,3 +197,36 @@ TEST(AutoLockedMemoryMappedFile, HoldersMayBeKilledAtAnyMoment) {
     EXPECT_EQ(*static_cast<int*>(fresh.GetDataPtr(kRead, 0)), 0);
     EXPECT_FALSE(IsTaken("MM::" + names[0]));
 }
+
+TEST(CheckRepeatExec, TheFirstKeepsTheNameAsLongAsItLives) {
+    const std::string name = NameOfOurOwn("instance");
+    std::optional<CCheckRepeatExec> instance(std::in_place);
+    for (const int answer : {0, 1}) EXPECT_EQ(instance->CheckRepeatExecute(name.c_str()), answer);
+    EXPECT_EQ(InChild([&] { return IsTaken(name); }), 1);
+    EXPECT_TRUE(IsTaken(name));  // and closing what was opened took nothing away
+
+    const CCheckRepeatExec copy(*instance);
+    instance.reset();
+    for (const std::string& free : {name, std::string(), std::string("a\\b")}) {
+        EXPECT_EQ(InChild([&] { return IsTaken(free) || IsTaken(free); }), 0);
+    }
+}
+
+TEST(CheckRepeatExec, AKilledInstanceLeavesNoMark) {
+    const std::string name = NameOfOurOwn("killed");
+    auto& isMarked = SharedWithChildren<std::atomic<bool>>();
+    ChildProcess instance([&] {
+        CCheckRepeatExec check;
+        if (check.CheckRepeatExecute(name.c_str()) != 0) return 1;
+        // A process made by this one does not have its mark.
+        const ChildProcess bystander([&] {
+            isMarked = true;
+            return ::sleep(5);
+        });
+        return ::pause();
+    });
+    while (!isMarked) ::usleep(200);
+    EXPECT_TRUE(IsTaken(name));
+    instance.Kill();
+    EXPECT_FALSE(IsTaken(name));
+}
