@@ -43,7 +43,7 @@
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/file_status.h"
 #include "qellib10/platform/storage/find_files.h"
-#include "qellib10/platform/storage/folder_operations.h"
+#include "qellib10/platform/storage/folder_walk.h"
 #include "qellib10/platform/storage/ini_file.h"
 #include "qellib10/platform/storage/make_folders.h"
 #include "qellib10/platform/storage/mem_file.h"

@@ -1,6 +1,7 @@
 #include "qellib10/platform/random.h"
 
 #include <sys/random.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -13,6 +14,12 @@ bool FillRandom(std::span<std::byte> bytes) noexcept {
         filled = getrandom(bytes.data(), bytes.size(), 0);
     } while (filled < 0 && errno == EINTR);
     return filled >= 0 && static_cast<std::size_t>(filled) == bytes.size();
+}
+
+unsigned RandomNumber() noexcept {
+    unsigned number = 0;
+    if (getrandom(&number, sizeof number, GRND_NONBLOCK) < 0) number = static_cast<unsigned>(getpid());
+    return number;
 }
 
 }  // namespace qel

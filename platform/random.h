@@ -9,4 +9,8 @@ namespace qel {
 /// @return false when the system gives none
 bool FillRandom(std::span<std::byte> bytes) noexcept;
 
+/// A number with which a search for something free begins, so that processes do not get in each other's way. Not fit
+/// for secrets: before the source is seeded it is the process's own.
+unsigned RandomNumber() noexcept;
+
 }  // namespace qel

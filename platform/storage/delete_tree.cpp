@@ -13,6 +13,7 @@
 #include "qellib10/platform/storage/descriptor.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/share_lock.h"
 
 namespace qel {
@@ -81,7 +82,7 @@ void RefuseRoot(const Descriptor& folder, std::string_view name) {
     Status status = {};
     Status root = {};
     if (::fstat(folder.Get(), &status) != 0 || ::stat("/", &root) != 0) ThrowErrno(errno, name);
-    if (status.st_dev == root.st_dev && status.st_ino == root.st_ino) ThrowCode(kAccessDenied, name);
+    if (IsSameFile(status, root)) ThrowCode(kAccessDenied, name);
 }
 
 }  // namespace
@@ -93,11 +94,14 @@ void DeleteTree(std::string_view folder) {
         if (errno != ENOENT) ThrowErrno(errno, folder, posix);
         return;
     }
+    Status target = {};
+    const bool leadsToOne = ::stat(posix.c_str(), &target) == 0;
+    if (!leadsToOne && errno != ENOENT) ThrowErrno(errno, folder, posix);
+    if (leadsToOne && !S_ISDIR(target.st_mode)) ThrowCode(kNotAFolder, folder);
     if (S_ISLNK(status.st_mode)) {
         if (::unlink(posix.c_str()) != 0) ThrowErrno(errno, folder, posix);
         return;
     }
-    if (!S_ISDIR(status.st_mode)) ThrowCode(kNotAFolder, folder);
     const Descriptor top(::open(posix.c_str(), kOpenFolder));
     if (!top) ThrowErrno(errno, folder, posix);
     RefuseRoot(top, folder);

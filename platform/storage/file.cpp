@@ -100,11 +100,13 @@ void CFile::SetLength(ULONGLONG length) {
 }
 
 UINT CFile::Read(void* buffer, UINT count) {
+    if (count == 0) return 0;
     const std::span bytes(static_cast<std::byte*>(buffer), count);
     return static_cast<UINT>(qel::ReadFully(Checked(Need::reading), bytes, m_strFilePath.View()));
 }
 
 void CFile::Write(const void* buffer, UINT count) {
+    if (count == 0) return;
     const std::span bytes(static_cast<const std::byte*>(buffer), count);
     qel::WriteFully(Checked(Need::writing), bytes, m_strFilePath.View());
 }

@@ -77,12 +77,13 @@ public:
 
     /// @return bytes read: fewer than @p count only at the end of the file, 0 when the position is there or behind
     virtual UINT Read(void* buffer, UINT count);
-    /// Writes all of @p count bytes or throws. A gap between the file's end and the position becomes zeros.
+    /// Writes all of @p count bytes or throws. A gap between the file's end and the position becomes zeros. Reading or
+    /// writing no bytes at all succeeds whatever the file.
     virtual void Write(const void* buffer, UINT count);
 
     /// Keeps other openings from locking (not from reading or writing) these bytes, until unlocked or closed.
-    /// Already locked through another opening: lockViolation, code 33. A range that ends behind 0x7FFFFFFFFFF00000,
-    /// where the marks of share modes stand: badSeek.
+    /// Already locked through another opening: lockViolation, code 33, but not when both may only read. A range that
+    /// ends behind 0x7FFFFFFFFFF00000, where the marks of share modes stand: badSeek.
     virtual void LockRange(ULONGLONG position, ULONGLONG count);
     virtual void UnlockRange(ULONGLONG position, ULONGLONG count);
 

@@ -17,6 +17,7 @@
 #include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/replacement.h"
+#include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/share_lock.h"
 
 namespace qel {
@@ -35,7 +36,6 @@ std::optional<Status> StatusOf(const std::string& posix, std::string_view name, 
 constexpr int kOfLink = AT_SYMLINK_NOFOLLOW;
 
 bool IsReadOnly(const Status& status) { return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0; }
-bool IsSame(const Status& a, const Status& b) { return a.st_dev == b.st_dev && a.st_ino == b.st_ino; }
 
 void CopyAttributes(const Status& source, const Descriptor& target, std::string_view name) {
     const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, source.st_mtim};
@@ -82,18 +82,9 @@ bool CanAddNames(const std::string& folder) {
 }
 
 // @return 0 or the errno of the system
-int Rename(const std::string& from, const std::string& to, bool replace, std::string_view targetName) {
-    if (!replace) return RenameNew(from, to);
-    const std::optional<Status> old = StatusOf(to, targetName, kOfLink);
-    if (old && (IsReadOnly(*old) || S_ISDIR(old->st_mode))) ThrowCode(kAccessDenied, targetName);
-    const UnusedFile held(to, targetName);
-    return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
-}
-
-int RenameUnused(const std::string& from, std::string_view sourceName, const std::string& to, bool replace,
-                 std::string_view targetName) {
+int RenameUnused(const std::string& from, std::string_view sourceName, const std::string& to) {
     const UnusedFile held(from, sourceName);
-    return Rename(from, to, replace, targetName);
+    return RenameNew(from, to);
 }
 
 void Unlink(const std::string& posix, std::string_view name) {
@@ -109,8 +100,8 @@ void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) 
     const std::optional<Status> old = StatusOf(to, target, 0);
     if (old && mustBeNew) ThrowCode(kFileExists, target);
     if (old && (!S_ISREG(old->st_mode) || IsReadOnly(*old))) ThrowCode(kAccessDenied, target);
-    if (old && IsSame(*old, from.Description())) ThrowCode(kSharingViolation, target);
-    if (old && !CanAddNames(PosixFolderOf(to))) return CopyInPlace(from, target);
+    if (old && IsSameFile(*old, from.Description())) ThrowCode(kSharingViolation, target);
+    if (old && !CanAddNames(PosixFolderOf(BehindLinks(to, target)))) return CopyInPlace(from, target);
 
     Replacement made(target);
     from.CopyTo(made.File(), target);
@@ -118,20 +109,21 @@ void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) 
     CopyAttributes(from.Description(), made.File(), target);
 }
 
-void MoveFile(std::string_view source, std::string_view target, unsigned flags) {
+void MoveFile(std::string_view source, std::string_view target) {
     const std::string from = ToPosixPath(source);
     const std::string to = ToPosixPath(target);
     const std::optional<Status> status = StatusOf(from, source, kOfLink);
     if (!status) ThrowErrno(ENOENT, source, from);
     const std::optional<Status> old = StatusOf(to, target, kOfLink);
-    if (old && IsSame(*status, *old)) return;
+    // A file with several names is moved onto itself only where both are the same one.
+    const bool hasOneName = status->st_nlink == 1 || S_ISDIR(status->st_mode) || from == to;
+    if (old && IsSameFile(*status, *old) && hasOneName) return;
 
-    const bool replace = (flags & kMoveReplace) != 0;
-    const int error = RenameUnused(from, source, to, replace, target);
+    const int error = RenameUnused(from, source, to);
     if (error == 0) return;
-    if (error == EEXIST) ThrowCode(kAlreadyExists, target);
-    if (error != EXDEV || (flags & kMoveCopy) == 0 || !S_ISREG(status->st_mode)) ThrowErrno(error, target, to);
-    CopyFile(source, target, !replace);
+    if (error == EEXIST || (error == EXDEV && old)) ThrowCode(kAlreadyExists, target);
+    if (error != EXDEV || !S_ISREG(status->st_mode)) ThrowErrno(error, target, to);
+    CopyFile(source, target, true);
     Unlink(from, source);
 }
 

@@ -17,14 +17,10 @@ namespace qel {
 /// @throws CFileException 80 when @p target exists and @p mustBeNew, 32 when it is @p source itself
 QELLIB10_API void CopyFile(std::string_view source, std::string_view target, bool mustBeNew);
 
-enum MoveFlags : unsigned {
-    kMoveReplace = 1,  // replace an existing file
-    kMoveCopy = 2,     // to another volume by copying and deleting; a folder is not moved so
-};
-
-/// Renames a file or a folder, within its folder or into another one. A file moved onto itself stays as it is.
-/// @throws CFileException 183 when @p target exists and is not to be replaced, 17 for another volume without kMoveCopy
-QELLIB10_API void MoveFile(std::string_view source, std::string_view target, unsigned flags);
+/// Renames a file or a folder, within its folder or into another one; a file is moved to another volume by copying and
+/// deleting. A file moved onto itself stays as it is.
+/// @throws CFileException 183 when @p target exists, 17 for a folder that would go to another volume
+QELLIB10_API void MoveFile(std::string_view source, std::string_view target);
 
 /// Deletes a file; of a symbolic link the link. @throws CFileException 5 for a folder
 QELLIB10_API void DeleteFile(std::string_view name);

@@ -26,7 +26,7 @@ CFileStatus Describe(const struct statx& status, const CString& path) {
     described.m_ctime = CTime(bornKnown ? status.stx_btime.tv_sec : status.stx_mtime.tv_sec);
     described.m_mtime = CTime(status.stx_mtime.tv_sec);
     described.m_atime = CTime(status.stx_atime.tv_sec);
-    described.m_size = status.stx_size;
+    described.m_size = S_ISDIR(status.stx_mode) ? 0 : status.stx_size;
     described.m_attribute = AttributesOf(status, path);
     qel::CopyBounded(described.m_szFullName, path, sizeof described.m_szFullName - 1);
     return described;
@@ -58,5 +58,5 @@ BOOL CFile::GetStatus(CFileStatus& status) const {
 void CFile::Remove(const char* name) { qel::DeleteFile(CString(name).View()); }
 
 void CFile::Rename(const char* oldName, const char* newName) {
-    qel::MoveFile(CString(oldName).View(), CString(newName).View(), qel::kMoveCopy);
+    qel::MoveFile(CString(oldName).View(), CString(newName).View());
 }

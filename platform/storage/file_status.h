@@ -14,10 +14,10 @@ struct CFileStatus {
         archive = 0x20  ///< a regular file
     };
 
-    CTime m_ctime;  // creation; the last write where the file system does not know it
-    CTime m_mtime;  // last write
-    CTime m_atime;  // last access
-    ULONGLONG m_size = 0;
+    CTime m_ctime;         // creation; the last write where the file system does not know it
+    CTime m_mtime;         // last write
+    CTime m_atime;         // last access
+    ULONGLONG m_size = 0;  // of a folder 0
     BYTE m_attribute = normal;
     char m_szFullName[MAX_PATH] = {};  // absolute; cut at a whole character where it is longer
 };

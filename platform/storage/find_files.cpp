@@ -35,13 +35,10 @@ FoundFile Describe(const Folder& folder, const dirent& entry) {
     FoundFile found;
     found.name = ToLibraryName(entry.d_name);
     found.isFolder = entry.d_type == DT_DIR;
-    found.isLink = entry.d_type == DT_LNK;
     if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return found;
     // Gone between listing and looking: it stays listed as a file, and whoever uses the name will see.
     struct stat status = {};
-    const int file = ::dirfd(folder.get());
-    if (::fstatat(file, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) found.isLink = S_ISLNK(status.st_mode);
-    found.isFolder = ::fstatat(file, entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+    found.isFolder = ::fstatat(::dirfd(folder.get()), entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
     return found;
 }
 

@@ -12,7 +12,6 @@ namespace qel {
 struct FoundFile {
     CString name;           // as ToLibraryName gives it
     bool isFolder = false;  // also a link to a folder
-    bool isLink = false;
 };
 
 /// Whether @p name matches the wildcard @p pattern by the platform's rules: without regard to the case of ASCII

@@ -7,6 +7,7 @@
 
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/record_lock.h"
+#include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
@@ -21,12 +22,6 @@ bool Lock(const Descriptor& file) {
     return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 || (errno != EAGAIN && errno != EACCES);
 }
 
-// Another process may have put a new file, or none, in the place of the one that was opened.
-bool StillThere(const struct stat& opened, const std::string& path) {
-    struct stat now = {};
-    return ::stat(path.c_str(), &now) == 0 && now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
-}
-
 }  // namespace
 
 Descriptor OpenLocked(const std::string& posixPath, int flags, std::string_view name, Backoff& wait) {
@@ -37,7 +32,7 @@ Descriptor OpenLocked(const std::string& posixPath, int flags, std::string_view 
         struct stat opened = {};
         if (!file || ::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name, posixPath);
         if (!S_ISREG(opened.st_mode)) ThrowCode(kAccessDenied, name);
-        if (Lock(file) && StillThere(opened, posixPath)) return file;
+        if (Lock(file) && StandsAt(posixPath, opened)) return file;
     } while (wait.Again());
     ThrowCode(kLockViolation, name);
 }

@@ -4,15 +4,9 @@
 
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
-#include "qellib10/platform/text/multibyte.h"
 
 namespace qel {
 namespace {
-
-// The next separator of either kind, or the end.
-std::size_t FindSeparator(std::string_view path, std::size_t from = 0) {
-    return std::min({FindCharacter(path, '\\', from), FindCharacter(path, '/', from), path.size()});
-}
 
 std::string_view Behind(std::string_view path, std::size_t at) { return path.substr(std::min(at + 1, path.size())); }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "qellib10/platform/export.h"
-#include "qellib10/platform/storage/folder_operations.h"
+#include "qellib10/platform/storage/folder_walk.h"
 
 namespace qel {
 

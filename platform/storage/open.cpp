@@ -8,6 +8,7 @@
 
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/same_file.h"
 
 namespace qel {
 namespace {
@@ -52,11 +53,6 @@ void CheckOpenable(const struct stat& status, const OpenRequest& request, std::s
     if (!S_ISREG(status.st_mode) || (readOnly && Writes(request))) ThrowCode(kAccessDenied, name);
 }
 
-bool StillThere(const std::string& path, const struct stat& opened) {
-    struct stat now = {};
-    return ::stat(path.c_str(), &now) == 0 && now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
-}
-
 // One try. No descriptor: the file was replaced or deleted between opening and marking, so the marks protect nothing.
 Descriptor TryOpen(const std::string& path, const OpenRequest& request, std::string_view name) {
     Descriptor file = OpenPlain(path, request, name);
@@ -64,7 +60,7 @@ Descriptor TryOpen(const std::string& path, const OpenRequest& request, std::str
     if (::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name);
     CheckOpenable(opened, request, name);
     if (!ClaimShare(file.Get(), request.mode)) ThrowCode(kSharingViolation, name);
-    if (!StillThere(path, opened)) CloseShared(file);
+    if (!StandsAt(path, opened)) CloseShared(file);
     return file;
 }
 

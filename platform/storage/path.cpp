@@ -22,10 +22,6 @@ bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 bool StartsWithDrive(std::string_view path) { return path.size() >= 2 && IsLetter(path[0]) && path[1] == ':'; }
 char UpperCase(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-std::size_t FindSeparator(std::string_view path, std::size_t from) {
-    return std::min(FindCharacter(path, '\\', from), FindCharacter(path, '/', from));
-}
-
 // An absolute folder from the environment without separators at its end, or @p fallback.
 std::string Folder(const std::string& variable, std::string_view fallback) {
     const char* value = std::getenv(variable.c_str());
@@ -63,7 +59,7 @@ void ParsedPath::Add(std::string_view name) {
 
 void ParsedPath::AddAll(std::string_view path) {
     for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(FindSeparator(path, at), path.size());
+        const std::size_t end = FindSeparator(path, at);
         Add(path.substr(at, end - at));
         at = end + 1;
     }
@@ -97,7 +93,7 @@ ParsedPath ParseNet(std::string_view path) {
     parsed.start = ParsedPath::Start::Net;
     std::size_t at = 2;
     for (int part = 0; part < 2; ++part) {
-        const std::size_t end = at <= path.size() ? std::min(FindSeparator(path, at), path.size()) : at;
+        const std::size_t end = at <= path.size() ? FindSeparator(path, at) : at;
         const std::string_view name = at <= path.size() ? path.substr(at, end - at) : std::string_view();
         if (name.empty() || name == "." || name == "..") ThrowCode(kBadNetworkPath, path);
         parsed.names.push_back(name);
@@ -199,6 +195,17 @@ std::size_t NameStart(std::string_view path) {
     // npos + 1 is 0, so that a missing separator loses.
     const std::size_t start = std::max(backslash + 1, slash + 1);
     return start == 0 && StartsWithDrive(path) ? 2 : start;
+}
+
+std::size_t FindSeparator(std::string_view path, std::size_t from) {
+    return std::min({FindCharacter(path, '\\', from), FindCharacter(path, '/', from), path.size()});
+}
+
+std::string BehindLinks(const std::string& posixPath, std::string_view name) {
+    std::array<char, PATH_MAX> resolved;
+    if (::realpath(posixPath.c_str(), resolved.data()) != nullptr) return resolved.data();
+    if (errno != ENOENT) ThrowErrno(errno, name, posixPath);
+    return posixPath;
 }
 
 std::string PosixFolderOf(std::string_view posixPath) {

@@ -1,19 +1,18 @@
 #include "qellib10/platform/storage/replacement.h"
 
 #include <fcntl.h>
-#include <linux/limits.h>
-#include <stdlib.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 
+#include "qellib10/platform/random.h"
 #include "qellib10/platform/storage/access_rights.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/share_lock.h"
 #include "qellib10/platform/storage/uninterrupted.h"
@@ -24,20 +23,6 @@ namespace {
 constexpr std::size_t kLongestName = 255;  // bytes of a name on disk
 constexpr int kTries = 0xFFFF;
 
-// A file that is not there yet, and a link to none, is itself.
-std::string Resolved(const std::string& posix, std::string_view name) {
-    char resolved[PATH_MAX];
-    if (::realpath(posix.c_str(), resolved) != nullptr) return resolved;
-    if (errno != ENOENT) ThrowErrno(errno, name, posix);
-    return posix;
-}
-
-unsigned StartNumber() {
-    unsigned number = 0;
-    if (::getrandom(&number, sizeof number, GRND_NONBLOCK) < 0) number = static_cast<unsigned>(::getpid());
-    return number;
-}
-
 std::string TemporaryName(const std::string& target, unsigned number) {
     char suffix[16];
     const int length = std::snprintf(suffix, sizeof suffix, ".%04X.tmp", number & 0xFFFF);
@@ -47,8 +32,8 @@ std::string TemporaryName(const std::string& target, unsigned number) {
 
 }  // namespace
 
-Replacement::Replacement(std::string_view path) : m_name(path), m_target(Resolved(ToPosixPath(path), path)) {
-    const unsigned start = StartNumber();
+Replacement::Replacement(std::string_view path) : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)) {
+    const unsigned start = RandomNumber();
     for (unsigned tries = 0; tries < kTries; ++tries) {
         m_temporary = TemporaryName(m_target, start + tries);
         constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;

@@ -24,13 +24,16 @@ namespace {
 
 constexpr auto kLockLimit = std::chrono::seconds(10);
 constexpr auto kLongestSleep = std::chrono::milliseconds(20);
+constexpr std::uint64_t kLongestQueue = 64 << 20;  // a longer one is none that we have written
 
 std::span<const std::byte> Bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
 
 std::uint64_t Length(const Descriptor& file, std::string_view name) {
     struct stat status = {};
     if (::fstat(file.Get(), &status) != 0) ThrowErrno(errno, name);
-    return static_cast<std::uint64_t>(status.st_size);
+    const auto length = static_cast<std::uint64_t>(status.st_size);
+    if (length > kLongestQueue) ThrowCode(kGeneralFailure, name);
+    return length;
 }
 
 std::string Content(const Descriptor& file, std::string_view name) {
@@ -84,7 +87,10 @@ int CarryOut(const RestartOperation& operation) {
     const std::string& source = operation.source;
     const bool moves = !operation.target.empty();
     if ((moves ? ::rename(source.c_str(), operation.target.c_str()) : ::unlink(source.c_str())) != 0) {
-        return errno == ENOENT ? 0 : errno;  // done before a run was cut off
+        const int error = errno;
+        struct stat left = {};
+        const bool gone = error == ENOENT && ::lstat(source.c_str(), &left) != 0 && errno == ENOENT;
+        return gone ? 0 : error;  // done before a run was cut off
     }
     FlushFolderOf(source, source);
     if (moves) FlushFolderOf(operation.target, operation.target);
@@ -166,7 +172,7 @@ void RestartQueue::Run(const std::function<void(const RestartOperation&, int)>& 
 }
 
 std::vector<RestartOperation> RestartQueue::Waiting() const {
-    const Descriptor file(::open(m_path.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor file(::open(m_path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file && errno == ENOENT) return {};
     if (!file) ThrowErrno(errno, m_path, m_path);
     std::vector<RestartOperation> waiting;

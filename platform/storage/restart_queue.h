@@ -45,7 +45,7 @@ public:
 
     /// Carries out what earlier starts of the system have requested, and keeps the rest.
     /// @param report called for each operation that fails, with the system's error number
-    /// @throws CFileException when the queue cannot be read or written
+    /// @throws CFileException when the queue cannot be read or written, or is longer than 64 MiB
     void Run(const std::function<void(const RestartOperation&, int)>& report);
 
     /// The operations that wait, whenever requested.

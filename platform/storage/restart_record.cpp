@@ -1,5 +1,6 @@
 #include "qellib10/platform/storage/restart_record.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <vector>

@@ -8,11 +8,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <random>
 
+#include "qellib10/platform/random.h"
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/record_lock.h"
+#include "qellib10/platform/storage/same_file.h"
 
 namespace qel {
 namespace {
@@ -36,11 +37,6 @@ bool KnowsNoLocks(int error) { return error == ENOLCK || error == EINVAL || erro
 bool Marked(int file, Mark mark) {
     struct flock lock = RecordLock(F_WRLCK, kShareMarksAt + mark * kSpan, kSpan);
     return ::fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-}
-
-unsigned RandomNumber() {
-    thread_local std::minstd_rand generator(std::random_device{}());
-    return static_cast<unsigned>(generator());
 }
 
 // Many may hold the same mark: a read lock on the first byte. A descriptor that cannot read takes a write lock on a
@@ -98,8 +94,9 @@ int MarkUnderGuard(int file, const ShareMode& mode, bool readable) {
 
 int MarkThenTest(int file, const ShareMode& mode, bool readable) {
     for (int tries = 0; tries < kNetworkTries; ++tries) {
-        if (const int error = SetMarks(file, mode, readable); error != 0 && error != EAGAIN) return error;
-        if (!InTheWay(file, mode)) return 0;
+        const int error = SetMarks(file, mode, readable);
+        if (error != 0 && error != EAGAIN) return error;
+        if (error == 0 && !InTheWay(file, mode)) return 0;
         WithdrawShare(file);
         SleepFor(std::chrono::microseconds(50 + RandomNumber() % 450));
     }
@@ -140,8 +137,7 @@ bool UnusedFile::Take(const std::string& posixPath, std::string_view name) {
 
     const int guard = OnNetwork(m_file.Get()) ? 0 : TakeGuard(m_file.Get());
     struct stat now = {};
-    if (::lstat(posixPath.c_str(), &now) != 0 || now.st_dev != opened.st_dev || now.st_ino != opened.st_ino)
-        return false;
+    if (::lstat(posixPath.c_str(), &now) != 0 || !IsSameFile(now, opened)) return false;
     // An exclusive opening does not ask for the guard; these marks stop it.
     const int error = SetMarks(m_file.Get(), {.denyRead = true, .denyWrite = true}, readable);
     if (guard == EAGAIN || error == EAGAIN || Marked(m_file.Get(), kReads) || Marked(m_file.Get(), kWrites)) {

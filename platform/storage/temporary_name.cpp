@@ -1,15 +1,14 @@
 #include "qellib10/platform/storage/temporary_name.h"
 
 #include <fcntl.h>
-#include <sys/random.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
+#include "qellib10/platform/random.h"
 #include "qellib10/platform/storage/descriptor.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
@@ -39,12 +38,6 @@ void CheckFolder(std::string_view folder) {
     if (::stat(posix.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) ThrowCode(kNotAFolder, folder);
 }
 
-unsigned FirstNumber() {
-    unsigned number = 0;
-    if (::getrandom(&number, sizeof number, GRND_NONBLOCK) < 0) number = static_cast<unsigned>(::getpid());
-    return number;
-}
-
 }  // namespace
 
 CString TemporaryFolder() {
@@ -64,7 +57,7 @@ CString TemporaryName(std::string_view folder, std::string_view prefix, UINT num
     if (folder.size() > MAX_PATH - kNameRoom) ThrowCode(kBufferTooSmall, folder);
     if (number != 0) return CString(Name(folder, prefix, number & 0xFFFF));
     CheckFolder(folder);
-    const unsigned first = FirstNumber();
+    const unsigned first = RandomNumber() % kNumbers;
     for (unsigned tries = 0; tries < kNumbers; ++tries) {
         const std::string name = Name(folder, prefix, (first + tries) % kNumbers + 1);
         const std::string posix = ToPosixPath(name);

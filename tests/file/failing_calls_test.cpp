@@ -168,7 +168,6 @@ const Operation kOperations[] = {
      Lines, [](At at) { at.Write("a", "[t],first\r\n"); }},
     {"Copy", [](At at) { return qel::CopyFile(at.a.View(), at.c.View(), true), 1; }, Bytes},
     {"CopyOver", [](At at) { return qel::CopyFile(at.a.View(), at.b.View(), false), 1; }, Bytes},
-    {"Move", [](At at) { return qel::MoveFile(at.a.View(), at.b.View(), qel::kMoveReplace), 1; }, Bytes},
     {"Rename", [](At at) { return CFile::Rename(at.a, at.c), 1; }, Bytes},
     {"Remove", [](At at) { return CFile::Remove(at.a), 1; }, Bytes},
     {"MoveInto", [](At at) { return CQFile::MoveFileA(at.a, at.b, 1); }, BytesButA},

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "../support/cases.h"
+#include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/storage/mem_file.h"
 
@@ -13,7 +15,7 @@ namespace {
 
 class DiskFile : public CFile {
 public:
-    DiskFile() : CFile(m_folder.Name("a").c_str(), modeReadWrite | modeCreate) {}
+    DiskFile() : CFile(m_folder.Path("a"), modeReadWrite | modeCreate) {}
 
 private:
     static inline TempFolder m_folder;
@@ -26,14 +28,8 @@ std::string Content(CFile& file) {
     return bytes;
 }
 
-template <class Body> CFileException Failure(Body&& body) {
-    try {
-        body();
-    } catch (const CFileException& exception) {
-        return exception;
-    }
-    return CFileException();
-}
+constexpr UINT kRead = CFile::modeRead, kWrite = CFile::modeWrite, kReadWrite = CFile::modeReadWrite;
+constexpr UINT kCreate = CFile::modeCreate;
 
 }  // namespace
 
@@ -67,117 +63,129 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
     EXPECT_EQ(Content(file), std::string("abX\0\0", 5));
     file.Flush();
 
-    for (const LONGLONG offset : {LONGLONG{-6}, LONGLONG{INT64_MIN}}) {
-        const CFileException failure = Failure([&] { file.Seek(offset, CFile::current); });
-        EXPECT_EQ(failure.m_cause, CFileException::badSeek);
-        EXPECT_EQ(failure.m_lOsError, 131);
+    for (const auto& [offset, from] :
+         Cases<LONGLONG, UINT>{{-6, CFile::current}, {INT64_MAX, CFile::current}, {0, 3}}) {
+        EXPECT_EQ(CodeOf([&] { file.Seek(offset, from); }), 131) << offset;
     }
-    EXPECT_EQ(Failure([&] { file.Seek(0, 3); }).m_cause, CFileException::badSeek);
     EXPECT_EQ(file.GetPosition(), 5u);
 }
 
 TEST(File, OpensAsItsFlagsSay) {
     const TempFolder folder;
-    const std::string name = folder.Name("a.b.txt");
-    CFile file(name.c_str(), CFile::modeWrite | CFile::modeCreate);
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Posix());
+    CFile file("./a.b.txt", kWrite | kCreate);
+    std::filesystem::current_path(here);
+    const CString name = file.GetFilePath();  // that of the moment of opening
+    EXPECT_TRUE(name == folder.Path("a.b.txt") && file.GetFileName() == "a.b.txt" && file.GetFileTitle() == "a.b");
+    EXPECT_TRUE(HANDLE{file} != CFile::hFileNull && HANDLE{file} != nullptr);
     file.Write("old", 3);
-    EXPECT_EQ(file.GetFilePath(), name.c_str());
-    EXPECT_EQ(file.GetFileName(), "a.b.txt");
-    EXPECT_EQ(file.GetFileTitle(), "a.b");
-    EXPECT_NE(HANDLE{file}, CFile::hFileNull);
-    EXPECT_NE(HANDLE{file}, nullptr);
-    ASSERT_TRUE(file.Open(name.c_str(), CFile::modeReadWrite | CFile::modeCreate | CFile::modeNoTruncate));
+    ASSERT_TRUE(file.Open(name, kReadWrite | kCreate | CFile::modeNoTruncate));
     EXPECT_EQ(file.GetPosition(), 0u);
     EXPECT_EQ(Content(file), "old");
-    ASSERT_TRUE(file.Open(name.c_str(), CFile::modeRead | CFile::modeCreate));  // empties though it cannot write
+    ASSERT_TRUE(file.Open(name, kRead | kCreate));  // empties though it cannot write
     EXPECT_EQ(file.GetLength(), 0u);
     file.Close();
     file.Close();
-    EXPECT_EQ(file.GetFilePath(), "");
-    EXPECT_EQ(HANDLE{file}, CFile::hFileNull);
-    EXPECT_EQ(Failure([&] { file.GetLength(); }).m_lOsError, 6);
+    EXPECT_TRUE(file.GetFilePath() == "" && HANDLE{file} == CFile::hFileNull);
+    EXPECT_EQ(CodeOf([&] { file.GetLength(); }), 6);
 }
 
 TEST(File, TellsWhyItCannotOpen) {
     const TempFolder folder;
-    CFile(folder.Name("file").c_str(), CFile::modeWrite | CFile::modeCreate).Close();
-    CFile(folder.Name("fixed").c_str(), CFile::modeWrite | CFile::modeCreate).Close();
+    for (const char* name : {"file", "fixed"}) folder.Write(name, "");
     ::chmod(folder.Posix("fixed").c_str(), 0444);
     ASSERT_EQ(::mkfifo(folder.Posix("pipe").c_str(), 0600), 0);
-    struct Case {
-        std::string name;
-        UINT flags;
-        int cause;
-        LONG code;
-    };
-    for (const Case& c :
-         {Case{folder.Name("none"), CFile::modeRead, CFileException::fileNotFound, 2},
-          Case{folder.Name("none/none"), CFile::modeRead | CFile::modeCreate, CFileException::badPath, 3},
-          Case{folder.Name("file/none"), CFile::modeRead, CFileException::badPath, 3},
-          Case{folder.Name(""), CFile::modeRead, CFileException::accessDenied, 5},
-          Case{folder.Name("pipe"), CFile::modeRead, CFileException::accessDenied, 5},
-          Case{folder.Name("fixed"), CFile::modeWrite, CFileException::accessDenied, 5},
-          Case{folder.Name("fixed"), CFile::modeRead | CFile::modeCreate, CFileException::accessDenied, 5},
-          Case{"", CFile::modeRead, CFileException::badPath, 3},
-          Case{std::string(260, 'x'), CFile::modeRead, CFileException::badPath, 206}}) {
-        SCOPED_TRACE(c.name);
-        CFile file;
+    using Cause = CFileException;
+    for (const auto& [name, flags, cause, code] :
+         Cases<std::string, UINT, int, LONG>{{folder.Name("none"), kRead, Cause::fileNotFound, 2},
+                                             {folder.Name("none/none"), kRead | kCreate, Cause::badPath, 3},
+                                             {folder.Name("file/none"), kRead, Cause::badPath, 3},
+                                             {folder.Name(""), kRead, Cause::accessDenied, 5},
+                                             {folder.Name("pipe"), kRead, Cause::accessDenied, 5},
+                                             {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
+                                             {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5},
+                                             {"", kRead, Cause::badPath, 3},
+                                             {std::string(260, 'x'), kRead, Cause::badPath, 206}}) {
         CFileException error;
-        EXPECT_FALSE(file.Open(c.name.c_str(), c.flags, &error));
-        EXPECT_EQ(error.m_cause, c.cause);
-        EXPECT_EQ(error.m_lOsError, c.code);
-        EXPECT_EQ(error.m_strFileName, c.name.c_str());
-        EXPECT_EQ(Failure([&] { CFile(c.name.c_str(), c.flags); }).m_cause, c.cause);
+        EXPECT_FALSE(CFile().Open(name.c_str(), flags, &error));
+        EXPECT_TRUE(error.m_cause == cause && error.m_strFileName == name.c_str()) << name;
+        EXPECT_EQ(error.m_lOsError, code) << name;
+        EXPECT_EQ(CodeOf([&] { CFile(name.c_str(), flags); }), code) << name;
     }
-    EXPECT_FALSE(CFile().Open(nullptr, CFile::modeRead));
+    EXPECT_FALSE(CFile().Open(nullptr, kRead));
 }
 
 TEST(File, RefusesWhatItsAccessDoesNotAllow) {
     const TempFolder folder;
-    const std::string name = folder.Name("a");
     char byte = 0;
-    CFile file(name.c_str(), CFile::modeWrite | CFile::modeCreate);
-    EXPECT_EQ(Failure([&] { file.Read(&byte, 1); }).m_lOsError, 5);
-    file.Open(name.c_str(), CFile::modeRead);
-    EXPECT_EQ(Failure([&] { file.Write(&byte, 1); }).m_lOsError, 5);
-    EXPECT_EQ(Failure([&] { file.SetLength(1); }).m_lOsError, 5);
-    EXPECT_EQ(Failure([&] { file.Flush(); }).m_lOsError, 5);
+    CFile file(folder.Path("a"), kWrite | kCreate);
+    EXPECT_EQ(CodeOf([&] { file.Read(&byte, 1); }), 5);
+    file.Open(folder.Path("a"), kRead);
+    EXPECT_EQ(CodeOf([&] { file.Write(&byte, 1); }), 5);
+    EXPECT_EQ(CodeOf([&] { file.SetLength(1); }), 5);
+    EXPECT_EQ(CodeOf([&] { file.Flush(); }), 5);
+    file.Write(&byte, 0);  // nothing to write can always be written, also to a closed file
+    EXPECT_EQ(CFile().Read(&byte, 0), 0u);
     CMemFile block;
     block.Attach(reinterpret_cast<const BYTE*>("abc"), 3);
-    EXPECT_EQ(Failure([&] { block.Write(&byte, 1); }).m_lOsError, 5);
+    EXPECT_EQ(CodeOf([&] { block.Write(&byte, 1); }), 5);
     EXPECT_EQ(Content(block), "abc");
-    EXPECT_EQ(Failure([&] { block.Duplicate(); }).m_lOsError, 6);
+    EXPECT_EQ(CodeOf([&] { block.Duplicate(); }), 6);
 }
 
 TEST(File, DuplicatesShareThePositionAndLocksKeepOthersOut) {
     const TempFolder folder;
-    const std::string name = folder.Name("a");
-    CFile file(name.c_str(), CFile::modeReadWrite | CFile::modeCreate | CFile::shareDenyNone);
-    CFile other(name.c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
+    const CString name = folder.Path("a");
+    CFile file(name, kReadWrite | kCreate | CFile::shareDenyNone);
+    CFile other(name, kReadWrite | CFile::shareDenyNone);
     file.Write("abc", 3);
     const auto twin = file.Duplicate();
     EXPECT_EQ(twin->GetPosition(), 3u);
-    EXPECT_EQ(twin->GetFilePath(), file.GetFilePath());
+    EXPECT_EQ(twin->GetFilePath(), name);
     file.LockRange(10, 5);
-    EXPECT_EQ(Failure([&] { other.LockRange(14, 1); }).m_lOsError, 33);
+    EXPECT_EQ(CodeOf([&] { other.LockRange(14, 1); }), 33);
     other.LockRange(15, 1);
     file.UnlockRange(10, 5);
     other.LockRange(14, 1);
     // Behind any data stand the marks of who has the file open; unlocking all must not take them back.
-    EXPECT_EQ(Failure([&] { other.LockRange(0, INT64_MAX); }).m_cause, CFileException::badSeek);
-    EXPECT_EQ(Failure([&] { other.UnlockRange(UINT64_MAX, 1); }).m_cause, CFileException::badSeek);
+    EXPECT_EQ(CodeOf([&] { other.LockRange(0, INT64_MAX); }), 131);
+    EXPECT_EQ(CodeOf([&] { other.UnlockRange(UINT64_MAX, 1); }), 131);
     other.UnlockRange(1, 0x7FFFFFFFFFEFFFFF);
-    EXPECT_FALSE(CFile().Open(name.c_str(), CFile::modeRead | CFile::shareExclusive));
+    EXPECT_FALSE(CFile().Open(name, kRead | CFile::shareExclusive));
+}
+
+TEST(FileStatus, NeedsNoOpening) {
+    const TempFolder folder;
+    folder.Write(".a", "0123");
+    std::filesystem::create_directory(folder.Posix("d"));
+    std::filesystem::create_symlink("nowhere", folder.Posix("l"));
+    const CFile holder(folder.Path(".a"), kWrite | CFile::shareExclusive);
+    CFileStatus status;
+    EXPECT_TRUE(holder.GetStatus(status));
+    for (const auto& [mode, attributes] : Cases<mode_t, int>{{0600, 0x22}, {0444, 0x23}}) {
+        ::chmod(folder.Posix(".a").c_str(), mode);
+        ASSERT_TRUE(CFile::GetStatus(folder.Path(".a"), status));
+        EXPECT_EQ(status.m_attribute, attributes);
+    }
+    EXPECT_EQ(status.m_size, 4U);
+    EXPECT_EQ(CString(status.m_szFullName), folder.Path(".a"));
+    EXPECT_LE(CTime::GetCurrentTime().GetTime() - status.m_mtime.GetTime(), 60);
+    EXPECT_GE(status.m_mtime, status.m_ctime);
+    ASSERT_TRUE(CFile::GetStatus(folder.Path("d"), status));
+    EXPECT_TRUE(status.m_attribute == 0x10 && status.m_size == 0);
+    for (const char* none : {"\\no", "\\l", "\\*", "\\no\\no"})
+        EXPECT_FALSE(CFile::GetStatus(folder.Path() + none, status));
 }
 
 TEST(MemFile, HandsItsBytesOutAndRefusesMoreThanMemory) {
     CMemFile file;
     file.Write("abc", 3);
-    EXPECT_EQ(Failure([&] { file.SetLength(UINT64_MAX); }).m_lOsError, 8);
+    EXPECT_EQ(CodeOf([&] { file.SetLength(UINT64_MAX); }), 8);
     EXPECT_EQ(file.GetLength(), 3u);
     EXPECT_EQ(file.Detach(), (std::vector<BYTE>{'a', 'b', 'c'}));
     EXPECT_EQ(file.GetLength(), 0u);
     CFileException error;
-    EXPECT_FALSE(file.Open("a", CFile::modeRead, &error));
+    EXPECT_FALSE(file.Open("a", kRead, &error));
     EXPECT_EQ(error.m_cause, CFileException::invalidFile);
 }

@@ -8,15 +8,12 @@
 #include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
 #include "../support/words.h"
-#include "qellib10/platform/storage/file_operations.h"
 
 namespace {
 
 std::string Names(const std::vector<qel::FoundFile>& files) {
     std::string names;
-    for (const qel::FoundFile& file : files) {
-        names += std::string(file.name.View()) + (file.isFolder ? "/" : "") + (file.isLink ? "@ " : " ");
-    }
+    for (const qel::FoundFile& file : files) names.append(file.name.View()).append(file.isFolder ? "/ " : " ");
     return names;
 }
 
@@ -48,19 +45,15 @@ TEST(FindFiles, NoPatternTakesLong) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
 }
 
-TEST(FindFiles, ListsWhatADeletionFinds) {
+TEST(FindFiles, ListsOneFolder) {
     const TempFolder folder;
     for (const char* name : {"b.txt", "a.TXT", ".txt", "c", "a\\b.txt", "\xC2\xA5.txt"}) folder.Write(name, "");
     std::filesystem::create_directory(folder.Posix("d.txt"));
     std::filesystem::create_directory_symlink("d.txt", folder.Posix("l.txt"));
     const auto find = [&](const char* name) { return qel::FindFiles((folder.Path() + "\\" + name).View()); };
-    EXPECT_EQ(Names(find("*.txt")), ".txt ?C2?A5.txt a.TXT a?5Cb.txt b.txt d.txt/ l.txt/@ ");
+    EXPECT_EQ(Names(find("*.txt")), ".txt ?C2?A5.txt a.TXT a?5Cb.txt b.txt d.txt/ l.txt/ ");
     EXPECT_EQ(Names(find("c")), "c ");
     EXPECT_EQ(Names(find("C")), "");  // without wildcards exactly that name
     EXPECT_EQ(find("*").size(), 8U);
-    for (const qel::FoundFile& file : find("*")) {
-        if (!file.isFolder) qel::DeleteFile((folder.Path() + "\\" + file.name).View());
-    }
-    EXPECT_EQ(folder.Count(), 2);
     EXPECT_EQ(CodeOf([&] { find("no\\*"); }), 3);
 }

@@ -31,8 +31,7 @@ TEST(Path, BecomesPosix) {
         {"..\\..\\a\\..\\b", "../../b"}, {"a\\..", "."}, {"a?5Cb?FF", "a\\b\xFF"}};
     // clang-format on
     for (const auto& [path, posix] : cases) {
-        SCOPED_TRACE(path);
-        EXPECT_EQ(qel::ToPosixPath(path), posix);
+        EXPECT_EQ(qel::ToPosixPath(path), posix) << path;
     }
 }
 
@@ -47,8 +46,7 @@ TEST(Path, ThatCannotBeSaysWhy) {
         {"a\\\x81", 123}, {"\x81\x20", 123}, {"\x81\x45", 0}};  // the last: the very character that stands for what is none
     // clang-format on
     for (const auto& [path, code] : cases) {
-        SCOPED_TRACE(path);
-        EXPECT_EQ(Refusal(path), code);
+        EXPECT_EQ(Refusal(path), code) << path;
     }
     const CodePageScope utf8(qel::kCodePageUtf8);
     EXPECT_EQ(Refusal("\xE3\x82"), 123);
@@ -65,10 +63,9 @@ TEST(Path, NamesOfTheDiskComeBackTheSame) {
     for (const UINT page : {qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}) {
         const CodePageScope scope(page);
         for (const std::string& name : names) {
-            SCOPED_TRACE(testing::Message() << page << ' ' << name);
             const CString listed = qel::ToLibraryName(name);
-            EXPECT_EQ(qel::ToPosixName(listed.View()), name);
-            EXPECT_EQ(listed.FindOneOf("\\/*"), -1);
+            EXPECT_EQ(qel::ToPosixName(listed.View()), name) << page;
+            EXPECT_EQ(listed.FindOneOf("\\/*"), -1) << page << name;
         }
     }
     EXPECT_EQ(qel::ToLibraryName("\xC2\xA5"), "?C2?A5");  // would have become a separator
@@ -85,9 +82,8 @@ TEST(Path, ComesBackUnderItsLongestRoot) {
         {"/n/srv", "\\n\\srv"},      {"a/b", "a\\b"}};
     // clang-format on
     for (const auto& [posix, path] : cases) {
-        SCOPED_TRACE(posix);
-        EXPECT_EQ(qel::ToLibraryPath(posix), path);
-        EXPECT_EQ(qel::ToPosixPath(path), posix);
+        EXPECT_EQ(qel::ToLibraryPath(posix), path) << posix;
+        EXPECT_EQ(qel::ToPosixPath(path), posix) << path;
     }
 }
 

@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "../support/child_process.h"
-#include "../support/environment_scope.h"
+#include "../support/run_at_once.h"
 #include "../support/temp_folder.h"
 #include "../support/words.h"
 #include "qellib10/platform/storage/restart_record.h"
@@ -44,21 +44,6 @@ TEST(RestartQueue, KeepsAnyPathAndNoTornLine) {
     }
 }
 
-TEST(RestartQueue, WaitsForTheNextStart) {
-    const TempFolder folder;
-    const EnvironmentScope state("QELLIB10_STATE_DIR", folder.Posix("state").c_str());
-    folder.Write("b", "old");
-    qel::MoveFileDelayed(folder.Path("a").View(), folder.Path("b").View());
-    qel::DeleteFileDelayed(folder.Path("c").View());
-    const std::string queue = folder.Posix("state/pending-moves");
-    EXPECT_EQ(RunOnce(queue), 0);  // a second login, not a start of the system
-    EXPECT_EQ(folder.Read("b"), "old");
-    const auto waiting = qel::RestartQueue(queue).Waiting();
-    ASSERT_EQ(waiting.size(), 2U);
-    EXPECT_EQ(waiting[0].target, folder.Posix("b"));
-    EXPECT_EQ(waiting[1].source, folder.Posix("c"));
-}
-
 TEST(RestartQueue, CarriesOutInOrderAndDropsWhatFails) {
     const TempFolder folder;
     folder.Write("a", "1");
@@ -67,11 +52,11 @@ TEST(RestartQueue, CarriesOutInOrderAndDropsWhatFails) {
     std::filesystem::create_directory(folder.Posix("d"));
     const auto path = [&](const char* name) { return folder.Posix(name); };
     folder.Write("q", Earlier(path("a"), path("b")) + "- torn" + '\n' + Earlier(path("d"), "") +  // a folder
-                          Earlier(path("gone"), path("b")) + Earlier(path("b"), path("e")) + Earlier(path("c"), "") +
-                          "- 0123");
+                          Earlier(path("gone"), path("b")) + Earlier(path("c"), path("none/c")) +
+                          Earlier(path("b"), path("e")) + Earlier(path("c"), "") + "- 0123");
     qel::RestartQueue(path("q")).Add({path("e"), path("f")});  // behind the torn line
-    EXPECT_EQ(qel::RestartQueue(path("q")).Waiting().size(), 6U);
-    EXPECT_EQ(RunOnce(path("q")), 1);
+    EXPECT_EQ(qel::RestartQueue(path("q")).Waiting().size(), 7U);
+    EXPECT_EQ(RunOnce(path("q")), 2);
     EXPECT_EQ(folder.Read("e"), "1");
     EXPECT_FALSE(folder.Has("c"));
     EXPECT_EQ(qel::RestartQueue(path("q")).Waiting().size(), 1U);  // what was added in this start
@@ -109,16 +94,13 @@ TEST(RestartQueue, LosesNoRequestThatComesDuringARun) {
     constexpr int kRequests = 100;
     const TempFolder folder("/dev/shm");
     const std::string queue = folder.Posix("q");
-    const auto add = [&](bool alsoRun) {
+    const auto add = [&](int number) {
         for (int i = 0; i < kRequests; ++i) {
             qel::RestartQueue(queue).Add({"/gone", ""});
-            if (alsoRun) RunOnce(queue);
+            if (number == 0) RunOnce(queue);
         }
         return 0;
     };
-    ChildProcess adder([&] { return add(false); });
-    ChildProcess runner([&] { return add(true); });
-    EXPECT_EQ(adder.Wait(), 0);
-    EXPECT_EQ(runner.Wait(), 0);
+    EXPECT_EQ(RunAtOnce(2, add), 0);
     EXPECT_EQ(qel::RestartQueue(queue).Waiting().size(), 2U * kRequests);
 }

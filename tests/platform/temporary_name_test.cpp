@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
-#include "../support/child_process.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
+#include "../support/run_at_once.h"
 #include "../support/temp_folder.h"
 
 TEST(TemporaryName, FolderComesFromTheEnvironment) {
@@ -16,32 +14,23 @@ TEST(TemporaryName, FolderComesFromTheEnvironment) {
     EXPECT_EQ(qel::TemporaryFolder(), "\\tmp\\");
 }
 
-TEST(TemporaryName, IsBuiltFromItsParts) {
+TEST(TemporaryName, IsBuiltFromItsPartsOrSaysWhyNot) {
     EXPECT_EQ(qel::TemporaryName("\\no", "abcdef", 0x1A), "\\no\\abc001A.TMP");
-    EXPECT_EQ(qel::TemporaryName("\\no\\", "", 0xFFFF), "\\no\\FFFF.TMP");
-    EXPECT_EQ(qel::TemporaryName("no/", "ab\x83\x5C", 1), "no/ab0001.TMP");  // never half a character
-    // A trail byte that looks like a separator is none.
-    EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");
-}
-
-TEST(TemporaryName, SaysWhyThereIsNone) {
+    EXPECT_EQ(qel::TemporaryName("no/", "ab\x83\x5C", 0xFFFF), "no/abFFFF.TMP");  // never half a character
+    EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");       // its trail byte is no separator
     EXPECT_EQ(CodeOf([] { qel::TemporaryName("\\no\\no", "x"); }), 267);
     EXPECT_EQ(CodeOf([] { qel::TemporaryName(std::string(247, 'a'), "x"); }), 111);
 }
 
 TEST(TemporaryName, NoTwoProcessesGetTheSame) {
-    constexpr int kProcesses = 4;
-    constexpr int kNames = 300;
+    constexpr int kAtOnce = 4, kNames = 300;
     const TempFolder folder;
-    std::unique_ptr<ChildProcess> children[kProcesses];
-    for (auto& child : children) {
-        child = std::make_unique<ChildProcess>([&] {
-            for (int i = 0; i < kNames; ++i) qel::TemporaryName(folder.Path().View(), "t");
-            return 0;
-        });
-    }
-    for (auto& child : children) EXPECT_EQ(child->Wait(), 0);
-    EXPECT_EQ(folder.Count(), kProcesses * kNames);
+    const auto make = [&](int) {
+        for (int i = 0; i < kNames; ++i) qel::TemporaryName(folder.Path().View(), "t");
+        return 0;
+    };
+    EXPECT_EQ(RunAtOnce(kAtOnce, make), 0);
+    EXPECT_EQ(folder.Count(), kAtOnce * kNames);
     const auto first = std::filesystem::directory_iterator(folder.Posix())->status().permissions();
     EXPECT_EQ(first, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }

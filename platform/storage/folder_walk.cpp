@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/folder_operations.h"
+#include "qellib10/platform/storage/folder_walk.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -25,26 +25,6 @@ template <class Step> bool WithName(std::string_view name, Step&& step) {
 }
 
 }  // namespace
-
-void CreateFolder(std::string_view path) {
-    const std::string posix = ToPosixPath(path);
-    if (::mkdir(posix.c_str(), 0777) == 0) return;
-    errno == ENOENT ? ThrowCode(kFolderMissing, path) : ThrowErrno(errno, path, posix);
-}
-
-void RemoveFolder(std::string_view path) {
-    const std::string posix = ToPosixPath(path);
-    if (::rmdir(posix.c_str()) == 0) return;
-    struct stat status = {};
-    const bool notAFolder = errno == ENOTDIR && ::lstat(posix.c_str(), &status) == 0;
-    if (errno == EEXIST) errno = ENOTEMPTY;  // some file systems answer so
-    notAFolder ? ThrowCode(kNotAFolder, path) : ThrowErrno(errno, path, posix);
-}
-
-void SetCurrentFolder(std::string_view path) {
-    const std::string posix = ToPosixPath(path);
-    if (::chdir(posix.c_str()) != 0) ThrowErrno(errno, path, posix);
-}
 
 FolderWalk::FolderWalk(std::string_view start) {
     const std::string posix = start.empty() ? "." : ToPosixPath(start);

@@ -5,21 +5,8 @@
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/descriptor.h"
-#include "qellib10/platform/text/string.h"
 
 namespace qel {
-
-/// Makes the last folder of @p path. @throws CFileException 183 when the name exists, 3 when the folder before it does
-/// not
-QELLIB10_API void CreateFolder(std::string_view path);
-
-/// Removes an empty folder. @throws CFileException 145 when it is not empty, 267 for a file or a link, 2 or 3 when
-/// missing
-QELLIB10_API void RemoveFolder(std::string_view path);
-
-/// The process's current folder.
-/// @throws CFileException when it cannot be entered
-QELLIB10_API void SetCurrentFolder(std::string_view path);
 
 /// A walk down a tree of folders, each step relative to the one before, that leaves the process's current folder alone
 /// until it is asked to change it.
