@@ -1,5 +1,7 @@
 #include "qellib10/file/check_sums_vector.h"
 
+#if defined(__x86_64__)
+
 #include <immintrin.h>
 
 #include <array>
@@ -167,3 +169,20 @@ void CrcAndSumByWideFolding(RunningSums& sums, Bytes bytes) noexcept { FoldWide<
 }
 
 }  // namespace qel
+
+#else
+
+// This kind of processor has none of it, so the rest is never called.
+namespace qel {
+
+bool HasCarrylessMultiply() noexcept { return false; }
+bool HasWideCarrylessMultiply() noexcept { return false; }
+void CrcByFolding(RunningSums&, std::span<const unsigned char>) noexcept {}
+void CrcAndSumByFolding(RunningSums&, std::span<const unsigned char>) noexcept {}
+void CrcByWideFolding(RunningSums&, std::span<const unsigned char>) noexcept {}
+void CrcAndSumByWideFolding(RunningSums&, std::span<const unsigned char>) noexcept {}
+std::uint32_t SumByVector(std::uint32_t sum, std::span<const unsigned char>) noexcept { return sum; }
+
+}  // namespace qel
+
+#endif

@@ -1,9 +1,12 @@
+#include "qellib10/file/check_sums_vector.h"
+
+#if defined(__x86_64__)
+
 #include <immintrin.h>
 
 #include <iterator>
 #include <numeric>
 
-#include "qellib10/file/check_sums_vector.h"
 #include "qellib10/file/crc32_bzip2.h"
 #include "qellib10/file/fold_distance.h"
 
@@ -109,3 +112,15 @@ void CrcByWidestFolding(RunningSums& sums, Bytes bytes) noexcept { Widest<false>
 void CrcAndSumByWidestFolding(RunningSums& sums, Bytes bytes) noexcept { Widest<true>(sums, bytes); }
 
 }  // namespace qel
+
+#else
+
+namespace qel {
+
+bool HasWidestCarrylessMultiply() noexcept { return false; }
+void CrcByWidestFolding(RunningSums&, std::span<const unsigned char>) noexcept {}
+void CrcAndSumByWidestFolding(RunningSums&, std::span<const unsigned char>) noexcept {}
+
+}  // namespace qel
+
+#endif

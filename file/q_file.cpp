@@ -8,11 +8,8 @@
 
 namespace {
 
-int Delete(const CString& name) {
-    return qel::AsResult([&] {
-        qel::DeleteFile(name.View());
-        return 1;
-    });
+bool Delete(const CString& name) {
+    return qel::Succeeds([&] { qel::DeleteFile(name.View()); });
 }
 
 }  // namespace
@@ -56,10 +53,9 @@ int CQFile::CloseTo(const char* target) {
     m_nDeleteOnClose = 0;
     if (!IsOpen()) return 1;
     const CString name = GetFilePath();
-    const int copied = qel::AsResult([&] {
+    const bool copied = qel::Succeeds([&] {
         Close();  // bytes that get lost here are missing in the copy: then there is none, and the file stays
         qel::CopyFile(name.View(), CString(target).View(), false);
-        return 1;
     });
     if (copied && Delete(name)) return 1;
     m_dwLastError = copied ? errorDelete : errorCopy;

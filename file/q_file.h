@@ -134,8 +134,7 @@ public:
     /// @return 0 when a deletion failed; 1 also when nothing matched
     static int DeleteFiles(const char* pattern);
     /// Makes the folders of @p target, copies @p source there, then deletes it. An existing target is only replaced
-    /// when
-    /// @p overwrite is not 0. @return 1 once copied, also when the source could not be deleted
+    /// when @p overwrite is not 0. @return 1 once copied, also when the source could not be deleted
     static int MoveFileA(const char* source, const char* target, int overwrite);
     /// Moves @p source over @p target, at the next start of the system when that does not work now.
     /// @param tempName takes the name that the file has until then, at most @p tempNameSize bytes with its zero

@@ -118,18 +118,12 @@ const DWORD* CQFile::MakeCRCTable() {
 
 int CQFile::GetFileCRC(DWORD* crc, DWORD size) {
     if (crc == nullptr) return 0;
-    return qel::AsResult([&] {
-        *crc = qel::CheckSumsOf(*this, size, qel::CheckSums::kCrc).Crc();
-        return 1;
-    });
+    return qel::Succeeds([&] { *crc = qel::CheckSumsOf(*this, size, qel::CheckSums::kCrc).Crc(); });
 }
 
 int CQFile::GetFileSum(DWORD* sum, DWORD size) {
     if (sum == nullptr) return 0;
-    return qel::AsResult([&] {
-        *sum = qel::CheckSumsOf(*this, size, qel::CheckSums::kSum).Sum();
-        return 1;
-    });
+    return qel::Succeeds([&] { *sum = qel::CheckSumsOf(*this, size, qel::CheckSums::kSum).Sum(); });
 }
 
 int CQFile::GetFileCRC(const char* name, DWORD* crc, DWORD size) {

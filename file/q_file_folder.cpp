@@ -12,11 +12,8 @@
 
 namespace {
 
-int Deleted(std::string_view file) {
-    return qel::AsResult([&] {
-        qel::DeleteFile(file);
-        return 1;
-    });
+bool Deleted(std::string_view file) {
+    return qel::Succeeds([&] { qel::DeleteFile(file); });
 }
 
 std::vector<qel::FoundFile> Matching(std::string_view pattern) {
@@ -42,10 +39,7 @@ int CQFile::CreateDirectories(const char* path) {
 }
 
 int CQFile::DelTree(const char* folder) {
-    return qel::AsResult([&] {
-        qel::DeleteTree(CString(folder).View());
-        return 1;
-    });
+    return qel::Succeeds([&] { qel::DeleteTree(CString(folder).View()); });
 }
 
 int CQFile::DeleteFiles(const char* pattern) {
@@ -61,10 +55,9 @@ int CQFile::DeleteFiles(const char* pattern) {
 int CQFile::MoveFileA(const char* source, const char* target, int overwrite) {
     const CString from(source);
     const CString to(target);
-    return qel::AsResult([&] {
+    return qel::Succeeds([&] {
         qel::MakeFolders(to.View().substr(0, qel::NameStart(to.View())));
         qel::CopyFile(from.View(), to.View(), overwrite == 0);
         Deleted(from.View());
-        return 1;
     });
 }

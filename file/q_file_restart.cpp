@@ -17,17 +17,7 @@ namespace {
 
 constexpr int kDoneNow = 0, kPutOff = 1, kNoShortName = -1, kRefused = -2, kNotMoved = -3;
 
-template <class Step> bool Succeeds(Step&& step) {
-    return qel::AsResult([&] {
-               step();
-               return 1;
-           }) != 0;
-}
-
-bool IsThere(const CString& name) {
-    CFileStatus status;
-    return CFile::GetStatus(name, status) != 0;
-}
+using qel::Succeeds;
 
 // Moves @p source beside @p target, to a new name. The empty text on failure: @p source is where it was then.
 CString MoveBeside(const CString& source, const CString& target) {
@@ -46,7 +36,7 @@ CString MoveBeside(const CString& source, const CString& target) {
 
 // Files have no second, shorter name here: the short one is the full one, and only a file that exists has one.
 std::optional<CString> ShortName(const CString& name) {
-    if (!IsThere(name)) return std::nullopt;
+    if (!CQFile::IsExist(name)) return std::nullopt;
     return qel::FullPath(name.View());
 }
 
@@ -79,7 +69,7 @@ int CQFile::DeleteFileReboot(const char* name, int tryNow) {
     const CString file(name);
     if (tryNow != 0) {
         Succeeds([&] { qel::DeleteFile(file.View()); });
-        if (!IsThere(file)) return kDoneNow;
+        if (!IsExist(file)) return kDoneNow;
     }
     const bool putOff = CSystemInfo::IsWinNT() ? Succeeds([&] { qel::DeleteFileDelayed(file.View()); })
                                                : qel::AddDeletionToRestartFile(file);

@@ -68,10 +68,7 @@ HRESULT CQFile::CreateShortcut(const char* target, const char* shortcut, const c
 }
 
 int CQFile::DeleteShortcut(const char* shortcut) {
-    return qel::AsResult([&] {
-        qel::DeleteShellLink(CString(shortcut).View());
-        return 1;
-    });
+    return qel::Succeeds([&] { qel::DeleteShellLink(CString(shortcut).View()); });
 }
 
 int CQFile::GetVersionInfo(const char* file, const char* key, CString* value) {

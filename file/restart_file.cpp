@@ -15,10 +15,7 @@ namespace {
 // The Windows folder, which is there on systems that have a restart file.
 CString Folder() {
     const CString folder = CSystemInfo::GetWindowsDirectoryA();
-    AsResult([&] {
-        MakeFolders(folder.View());
-        return 1;
-    });
+    Succeeds([&] { MakeFolders(folder.View()); });  // else writing shows it
     return folder;
 }
 

@@ -21,4 +21,12 @@ template <std::invocable Body> int AsResult(Body&& body) {
     return 0;
 }
 
+/// Whether @p step, which answers nothing, could do its work.
+template <std::invocable Step> bool Succeeds(Step&& step) {
+    return AsResult([&] {
+               step();
+               return 1;
+           }) != 0;
+}
+
 }  // namespace qel

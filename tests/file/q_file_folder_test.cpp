@@ -87,25 +87,16 @@ TEST_F(FileFolders, TreeStaysFromTheFirstFailureOn) {
     EXPECT_EQ(CQFile::DelTree("tree"), 0);
     open.Close();
     fs::permissions("tree/file", fs::perms::owner_read);
-    for (const char* folder : {"tree", "tree\\file", "", "a?b"}) EXPECT_EQ(CQFile::DelTree(folder), 0) << folder;
-    EXPECT_TRUE(m_folder.Has("tree/file"));
-}
-
-TEST_F(FileFolders, TreeMayHaveAThousandLevels) {
-    const TempFolder memory("/dev/shm");  // on a disk this takes seconds
-    fs::current_path(memory.Posix());
-    for (int level = 0; level < 1001; ++level) {
-        fs::create_directory("d");
-        fs::current_path("d");
-    }
-    fs::current_path(memory.Posix());
-    EXPECT_EQ(CQFile::DelTree("d"), 0);
-    EXPECT_EQ(CQFile::DelTree("d\\d"), 1);
+    fs::create_symlink("tree/file", "link");
+    for (const char* folder : {"tree", "tree\\file", "link", "", "a?b"})
+        EXPECT_EQ(CQFile::DelTree(folder), 0) << folder;
+    EXPECT_TRUE(m_folder.Has("tree/file") && m_folder.Has("link"));
 }
 
 TEST_F(FileFolders, FilesGoByPattern) {
     fs::create_directories("d/sub.tmp");
-    for (const char* file : {"d/a.tmp", "d/b.TMP", "d/c.txt", "d/yen\xC2\xA5.tmp", "d/a.txt"}) m_folder.Write(file, "");
+    for (const char* file : {"d/a.tmp", "d/b.TMP", "d/c.txt", "d/yen\xC2\xA5.tmp", "d/a\\b.tmp", "d/a.txt"})
+        m_folder.Write(file, "");
     EXPECT_EQ(CQFile::DeleteFiles("d\\*.tmp"), 1);
     EXPECT_EQ(std::distance(fs::directory_iterator("d"), {}), 3);
     const CFile open("d\\a.txt", CFile::modeRead | CFile::shareDenyNone);

@@ -4,7 +4,10 @@
 #include <string>
 #include <utility>
 
+#include "../support/environment_scope.h"
+#include "../support/temp_folder.h"
 #include "qellib10/file/q_file.h"
+#include "qellib10/runtime/system_info.h"
 
 namespace {
 
@@ -53,4 +56,29 @@ TEST(FilePath, KnowsWhatCannotBeAName) {
     for (const auto& [name, dots] : {std::pair(".", 1), {"..", 1}, {"...", 0}, {"", 0}}) {
         EXPECT_EQ(CQFile::IsDots(name), dots) << name;
     }
+}
+
+TEST(FilePlace, TemporaryFilesAreMade) {
+    const TempFolder folder;
+    const EnvironmentScope temporary("TMPDIR", folder.Posix().c_str());
+    EXPECT_EQ(CQFile::GetTempFolder(), folder.Path() + '\\');
+    EXPECT_EQ(CQFile::GetFolderFromPath(CQFile::GetTempFilePath(nullptr)), folder.Path());
+    EXPECT_EQ(folder.Count(), 1);
+    EXPECT_EQ(CQFile::GetTempFilename(folder.Path("none"), "a"), "");
+}
+
+TEST(FilePlace, FoldersOfModulesAndOfTheSystem) {
+    const CString program = CQFile::GetModuleFilePath(nullptr);
+    EXPECT_EQ(program, CQFile::GetModuleFolder(nullptr) + "\\file_tests");
+    EXPECT_EQ(CQFile::GetModuleIniFile(nullptr), program + ".ini");
+    const auto library = reinterpret_cast<HINSTANCE>(&std::free);
+    EXPECT_EQ(CQFile::GetModuleIniFile(library), CQFile::DeleteFileExt(CQFile::GetModuleFilePath(library)) + ".ini");
+
+    const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "/d");
+    EXPECT_EQ(CQFile::GetStartupFolder(0), "\\c\\autostart");
+    EXPECT_EQ(CQFile::GetStartupFolder(1), "\\d\\autostart");
+    qel::SetSystemFamily(qel::SystemFamily::Win95);
+    EXPECT_EQ(CQFile::GetStartupFolder(1), "\\c\\autostart");
+    qel::SetSystemFamily(qel::SystemFamily::Nt);
+    EXPECT_EQ(CQFile::GetAppDataFolder(), "\\c\\");
 }

@@ -5,11 +5,9 @@
 #include <string>
 
 #include "../support/cases.h"
-#include "../support/child_process.h"
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
-#include "../support/full_disk.h"
 #include "../support/temp_folder.h"
 
 namespace {
@@ -99,8 +97,8 @@ TEST_F(QFile, ComparesFilesAndTellsWhatIsThere) {
         folder.Write("b", bytes);
         EXPECT_EQ(CQFile::CompareFile(folder.Path("a"), folder.Path("b")), same);
     }
-    for (const auto& [name, there, size, writable] :
-         Cases<const char*, int, DWORD, int>{{"a", 1, 300'000, 0}, {"b", 1, 300'000, 1}, {"none", 0, 77, 1}}) {
+    for (const auto& [name, there, size, writable] : Cases<const char*, int, DWORD, int>{
+             {"a", 1, 300'000, 0}, {"b", 1, 300'000, 1}, {"", 1, 0, 0}, {"none", 0, 77, 1}}) {
         DWORD found = 77;
         EXPECT_EQ(CQFile::GetFileSize(folder.Path(name), &found), there) << name;
         EXPECT_EQ(found, size) << name;
@@ -127,11 +125,4 @@ TEST_F(QFile, CopiesFromAndToOtherFiles) {
     EXPECT_EQ(CodeOf([&] { file.ReadToFile(folder.Path("b"), 2); }), kGeneric);
     EXPECT_EQ(folder.Read("b"), "ecd3456789");
     EXPECT_EQ(CodeOf([&] { file.ReadToFile(folder.Path("none"), 1); }), 2);
-    folder.Write("big", std::string(200'000, 'x'));
-    Open("");
-    const auto copyToFullDisk = [&] {
-        FillDiskAt(100'000);
-        return CodeOf([&] { file.WriteFromFile(folder.Path("big"), 1, 199'999); });
-    };
-    EXPECT_EQ(InChild(copyToFullDisk), 112);
 }
