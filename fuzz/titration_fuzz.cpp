@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 
 #include "../examples/titration/calculation.h"
@@ -13,6 +14,7 @@
 #include "../examples/titration/failure.h"
 #include "../examples/titration/number.h"
 #include "../examples/titration/settings.h"
+#include "../tests/support/temp_folder.h"
 
 namespace {
 
@@ -23,7 +25,9 @@ void Require(bool law) {
 }
 
 void Titrate(std::string_view data, std::string_view text) {
-    const titration::Settings settings = titration::ReadSettings(text);
+    static const TempFolder folder;
+    folder.Write("settings.ini", std::string(text));
+    const titration::Settings settings = titration::ReadSettings(folder.Name("settings.ini"));
     const titration::Curve curve = titration::ReadCurve(data, settings.volumeColumn, settings.signalColumn);
     const titration::EndPoint endPoint = titration::FindEndPoint(curve);
     const auto [lowest, highest] = std::ranges::minmax(curve.volume);

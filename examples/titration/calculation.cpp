@@ -19,7 +19,8 @@ CString Text(const std::string& text) { return CString(text.c_str()); }
 void Add(CCalcVariableList& list, const std::string& name, double value) {
     CCalcVariable variable;
     for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
-        if (EqualNoCase(variable.m_szName.View(), name)) throw Failure("there are two variables \"" + name + "\"");
+        if (variable.m_szName.CompareNoCase(name.c_str()) == 0)
+            throw Failure("there are two variables \"" + name + "\"");
     }
     variable.InitParameter();
     variable.m_szName = Text(name);

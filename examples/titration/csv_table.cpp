@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include <qellib10/qellib10.h>
+
 #include "failure.h"
 #include "number.h"
 #include "text_file.h"
@@ -71,7 +73,8 @@ std::optional<std::size_t> ColumnNumber(const std::string& column) {
 
 std::optional<std::size_t> FindIn(const Row& row, const std::string& column) {
     if (const auto number = ColumnNumber(column)) return number;
-    const auto field = std::ranges::find_if(row, [&](const auto& text) { return EqualNoCase(text, column); });
+    const auto field =
+        std::ranges::find_if(row, [&](const auto& text) { return CString(text).CompareNoCase(column.c_str()) == 0; });
     return field != row.end() ? std::optional<std::size_t>(field - row.begin()) : std::nullopt;
 }
 

@@ -1,10 +1,7 @@
-// From a measured titration curve to a result: finds the end point, computes the user's formula over named values,
-// rounds and prints the result, and keeps the values in a file.
+// From a measured titration curve to a result: reads settings, finds the end point, computes the user's formula over
+// named values, rounds and prints the result, writes it as a table, keeps the values in a sealed file, and logs.
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <optional>
 #include <string>
 
 #include <qellib10/qellib10.h>
@@ -13,8 +10,10 @@
 #include "csv_table.h"
 #include "end_point.h"
 #include "failure.h"
+#include "file_step.h"
 #include "report.h"
 #include "result_file.h"
+#include "result_table.h"
 #include "settings.h"
 #include "text_file.h"
 
@@ -51,36 +50,76 @@ template <class Step> auto About(const std::string& file, Step step) {
     }
 }
 
-void WriteReport(const std::string& text, const std::string& path) {
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) throw Failure(path + ": cannot be written");
+void Log(const std::string& line) { CLog::LogOut(0, line.c_str()); }
+
+// The folder for the results, made when missing, with a log in it that is told of failures too.
+CString OpenOutput(const std::string& out) {
+    const CString folder = OnFile(out, [&] { return qel::FullPath(out); });
+    if (CQFile::CreateDirectories(folder) == 0) throw Failure(out + ": cannot be made");
+    const CString log = CQFile::BuildFilePath(folder, "titration.log");
+    // Said at once: each message would wait for the file for seconds.
+    OnFile(out + "/titration.log",
+           [&] { CFile(log, CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite | CFile::shareDenyNone); });
+    CLog::SetLogFile(log);
+    return folder;
 }
 
-void Run(const Options& options) {
-    const std::string settingsText = ReadTextFile(options.settings);
-    const Settings settings = About(options.settings, [&] { return ReadSettings(settingsText); });
+struct Outcome {
+    Result result;
+    std::string report;
+};
+
+Outcome Titrate(const Options& options) {
+    Log("settings " + options.settings);
+    const Settings settings = About(options.settings, [&] { return ReadSettings(options.settings); });
+    Log("curve " + options.data);
     const std::string data = ReadTextFile(options.data);
     const Curve curve =
         About(options.data, [&] { return ReadCurve(data, settings.volumeColumn, settings.signalColumn); });
     const EndPoint endPoint = About(options.data, [&] { return FindEndPoint(curve); });
     const Result result = About(options.settings, [&] { return Calculate(settings, endPoint.volume); });
+    Log("result " + result.name + " = " + result.text + " " + result.unit);
+    return {result, Report(options.settings, settings, options.data, curve, endPoint, result)};
+}
 
-    std::error_code error;
-    std::filesystem::create_directories(options.out, error);
-    if (error) throw Failure(options.out + ": " + error.message());
-    const std::string archive = options.out + "/variables.qel";
-    StoreVariables(result.variables, archive);
-    if (LoadVariables(archive) != result.variables) throw Failure(archive + ": differs from what was written");
-    const std::string reportFile = options.out + "/report.txt";
-    const std::string report = Report(options.data, settings, curve, endPoint, result);
-    WriteReport(report, reportFile);
+// @return what was made, one file a line
+std::string Keep(const Outcome& outcome, const CString& folder) {
+    const auto path = [&](const char* name) { return std::string(CQFile::BuildFilePath(folder, name)); };
+    WriteTextFile(outcome.report, path("report.txt"));
+    const int lines = WriteResultTable(outcome.result, path("result.csv"));
 
-    std::printf("%s", report.c_str());
-    std::printf("Made       %s, %d variables, read back and equal\n", archive.c_str(),
-                result.variables.GetVariableCount());
-    std::printf("           %s\n", reportFile.c_str());
+    const CCalcVariableList& variables = outcome.result.variables;
+    const std::string archive = path("variables.qel");
+    const CCheckDatafile seal = StoreVariables(variables, archive);
+    const std::string version = "version " + std::to_string(seal.GetVersion());
+    Log("sealed variables.qel as " + version);
+    if (LoadVariables(archive) != variables) throw Failure(archive + ": differs from what was written");
+    constexpr int kChangedByte = 20;
+    RequireChangeToBeFound(archive, kChangedByte);
+
+    CString text;
+    text.Format(
+        "Made       report.txt\n"
+        "           result.csv, %d lines\n"
+        "           variables.qel, %d variables, sealed as %s of %s\n"
+        "Checked    variables.qel: read back and equal, the seal fits\n"
+        "           a copy with a bit of byte %d changed: the seal does not fit, so the change is found\n",
+        lines, variables.GetVariableCount(), version.c_str(), std::string(seal.GetGUID().GetString()).c_str(),
+        kChangedByte);
+    return std::string(text);
+}
+
+void Run(const Options& options) {
+    const CString folder = OpenOutput(options.out);
+    try {
+        const Outcome outcome = Titrate(options);
+        const std::string made = Keep(outcome, folder);
+        std::printf("%s%s", outcome.report.c_str(), made.c_str());
+        std::printf("Logged     titration.log; all in %s\n", options.out.c_str());
+    } catch (const Failure& failure) {
+        Log(std::string("failed: ") + failure.what());
+        throw;
+    }
 }
 
 }  // namespace

@@ -19,10 +19,11 @@ std::string ColumnText(const std::string& column) { return ParseWholeNumber(colu
 
 }  // namespace
 
-std::string Report(const std::string& dataFile, const Settings& settings, const Curve& curve, const EndPoint& endPoint,
-                   const Result& result) {
-    std::string text = "Curve      " + dataFile + ", lines " + std::to_string(curve.firstLine) + " to " +
-                       std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
+std::string Report(const std::string& settingsFile, const Settings& settings, const std::string& dataFile,
+                   const Curve& curve, const EndPoint& endPoint, const Result& result) {
+    std::string text = "Settings   " + settingsFile + ", " + std::to_string(settings.variables.size()) + " variables\n";
+    text += "Curve      " + dataFile + ", lines " + std::to_string(curve.firstLine) + " to " +
+            std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
     if (curve.linesWithoutPoint > 0) {
         text += "           " + std::to_string(curve.linesWithoutPoint) + " lines lack a reading\n";
     }

@@ -10,7 +10,7 @@
 namespace titration {
 
 /// What was measured and what came out of it, one fact a line.
-std::string Report(const std::string& dataFile, const Settings& settings, const Curve& curve, const EndPoint& endPoint,
-                   const Result& result);
+std::string Report(const std::string& settingsFile, const Settings& settings, const std::string& dataFile,
+                   const Curve& curve, const EndPoint& endPoint, const Result& result);
 
 }  // namespace titration

@@ -1,35 +1,71 @@
 #include "result_file.h"
 
-#include "failure.h"
+#include "file_step.h"
 
 namespace titration {
 namespace {
 
-void Serialize(CCalcVariableList& list, const std::string& path, UINT fileMode, UINT archiveMode) {
-    try {
-        CFile file(path.c_str(), fileMode | CFile::shareExclusive);
-        CArchive archive(&file, archiveMode);
-        list.Serialize(archive);
-        archive.Close();
-        file.Close();
-    } catch (const CFileException& error) {
-        throw Failure(path + ": " + error.what());
-    } catch (const CArchiveException& error) {
-        throw Failure(path + ": " + error.what());
-    }
+constexpr DWORD kToTheEnd = 0xFFFFFFFF;
+
+void Serialize(CCalcVariableList& list, CQFile& file, UINT archiveMode) {
+    CArchive archive(&file, archiveMode);
+    list.Serialize(archive);
+    archive.Close();
+}
+
+// The seal of an older result; an empty one when there is none that fits.
+CCheckDatafile OldSeal(const std::string& path) {
+    CCheckDatafile seal;
+    CQFile file;
+    const bool isOpen = file.Open(path.c_str(), CFile::modeRead | CFile::shareDenyWrite) != 0;
+    if (!isOpen || seal.ReadPackData(&file) == 0) seal.InitializeData();
+    return seal;
 }
 
 }  // namespace
 
-void StoreVariables(const CCalcVariableList& list, const std::string& path) {
-    CCalcVariableList copy = list;
-    Serialize(copy, path, CFile::modeCreate | CFile::modeWrite, CArchive::store);
+CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& path) {
+    return OnFile(path, [&] {
+        CCheckDatafile seal = OldSeal(path);
+        CCalcVariableList copy = list;
+        CQFile file;
+        Open(file, path, CFile::modeCreate | CFile::modeReadWrite | CFile::shareExclusive);
+        Serialize(copy, file, CArchive::store);
+        if (seal.PackUpdateData(&file, 1) == 0) throw Failure(path + ": cannot be sealed");
+        file.Close();
+        return seal;
+    });
 }
 
 CCalcVariableList LoadVariables(const std::string& path) {
-    CCalcVariableList list;
-    Serialize(list, path, CFile::modeRead, CArchive::load);
-    return list;
+    return OnFile(path, [&] {
+        CCalcVariableList list;
+        CCheckDatafile seal;
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
+        if (seal.ReadPackData(&file) == 0) throw Failure(path + ": the seal does not fit");
+        Serialize(list, file, CArchive::load);
+        return list;
+    });
+}
+
+void RequireChangeToBeFound(const std::string& path, ULONGLONG position) {
+    OnFile(path, [&] {
+        CQFile copy;
+        if (copy.CreateTempFile("ttr", 1) == 0) throw Failure(path + ": cannot be copied");
+        copy.WriteFromFile(path.c_str(), 0, kToTheEnd);
+        const bool fitsBefore = CCheckDatafile::IsPackData(&copy) != 0;
+
+        unsigned char byte = 0;
+        copy.Seek(static_cast<LONGLONG>(position), CFile::begin);
+        copy.Read(&byte, 1);
+        byte ^= 1;
+        copy.Seek(static_cast<LONGLONG>(position), CFile::begin);
+        copy.Write(&byte, 1);
+        const bool fitsAfter = CCheckDatafile::IsPackData(&copy) != 0;
+        copy.Close();
+        if (!fitsBefore || fitsAfter) throw Failure(path + ": the seal of a copy does not show its change");
+    });
 }
 
 }  // namespace titration

@@ -6,11 +6,17 @@
 
 namespace titration {
 
-/// Writes @p list to @p path as an archive, in place of a file that is there.
+/// Writes @p list to @p path as an archive and seals the file. In place of a sealed file that is there it keeps that
+/// one's identity, with the next version.
 /// @throws Failure when the system refuses
-void StoreVariables(const CCalcVariableList& list, const std::string& path);
+/// @return the seal
+CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& path);
 
-/// @throws Failure when the file cannot be read or ends too early
+/// @throws Failure when the file cannot be read, and when its seal does not fit
 CCalcVariableList LoadVariables(const std::string& path);
+
+/// Changes one bit of byte @p position in a copy of a sealed file, in the folder for temporary files.
+/// @throws Failure unless the seal fits before and does not afterwards
+void RequireChangeToBeFound(const std::string& path, ULONGLONG position);
 
 }  // namespace titration

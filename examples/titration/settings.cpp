@@ -1,11 +1,13 @@
 #include "settings.h"
 
 #include <algorithm>
-#include <set>
+#include <initializer_list>
+#include <string_view>
+
+#include <qellib10/qellib10.h>
 
 #include "failure.h"
 #include "number.h"
-#include "text_file.h"
 
 namespace titration {
 namespace {
@@ -14,12 +16,13 @@ constexpr int kMostDigits = 12;
 constexpr std::size_t kLongestName = 32;  // enough for a name in a report, and bounded for the formula
 
 // Blanks do not separate in a formula, and a name that begins like a number would be read as one.
-void RequireName(const std::string& name) {
+std::string Name(const std::string& name) {
     const bool fits =
-        !name.empty() && name.size() <= kLongestName && std::string("0123456789.").find(name[0]) == std::string::npos;
+        !name.empty() && name.size() <= kLongestName && std::string_view("0123456789.").find(name[0]) == name.npos;
     if (!fits || name.find_first_of(" \t()*+-/=") != std::string::npos) {
         throw Failure("\"" + name + "\" cannot be a name in a formula");
     }
+    return name;
 }
 
 int WholeNumber(const std::string& value, int largest) {
@@ -35,81 +38,72 @@ double Number(const std::string& value) {
     return *number;
 }
 
-class Reader {
+// One section of the settings, its texts as std::string.
+class Section {
 public:
-    void Take(std::string_view line) {
-        line = Trimmed(line);
-        if (line.empty() || line.starts_with(';') || line.starts_with('#')) return;
-        if (line.starts_with('[') && line.ends_with(']')) {
-            m_section = line.substr(1, line.size() - 2);
-            if (m_section != "curve" && m_section != "variables" && m_section != "result") {
-                throw Failure("no section [" + m_section + "]");
-            }
-            return;
-        }
-        const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos) throw Failure("neither a section nor name = value");
-        const std::string key(Trimmed(line.substr(0, equals)));
-        const std::string value(Trimmed(line.substr(equals + 1)));
-        if (!m_seen.insert(m_section + "/" + key).second) throw Failure("\"" + key + "\" stands there twice");
-        if (value.empty()) throw Failure("\"" + key + "\" has no value");
-        Set(key, value);
+    Section(const CPrivateProfile& ini, const char* name) : m_ini(ini), m_name(name) {}
+
+    std::string Text(const std::string& key, const char* otherwise) const {
+        return std::string(m_ini.Get(m_name, key.c_str(), otherwise));
+    }
+    std::string Text(const std::string& key) const {
+        const std::string text = Text(key, "");
+        if (text.empty()) throw Failure(Here() + " has no " + key);
+        return text;
     }
 
-    Settings Finished() const {
-        for (const char* key : {"end_point", "name", "formula", "unit", "digits"}) {
-            if (!m_seen.contains(std::string("result/") + key)) throw Failure(std::string("[result] has no ") + key);
+    // The keys in the order of the file. A misspelt or repeated one would be passed over in silence.
+    std::vector<std::string> Keys() const {
+        CStringArray lines;
+        if (m_ini.GetAllStrings(m_name, lines) == 0) throw Failure(Here() + " is too long");
+        std::vector<CString> keys;
+        for (int i = 0; i < lines.GetSize(); ++i) {
+            CString line = lines.GetAt(i);
+            if (line.Find('=') < 0) throw Failure("\"" + std::string(line) + "\" is not name = value");
+            const CString key = CQVariant::Split(line, '=');
+            if (std::ranges::any_of(keys, [&](const CString& other) { return other.CompareNoCase(key) == 0; }))
+                throw Failure("\"" + std::string(key) + "\" stands twice in " + Here());
+            keys.push_back(key);
         }
-        return m_settings;
+        return {keys.begin(), keys.end()};
+    }
+    void RequireNoneBut(std::initializer_list<const char*> known) const {
+        for (const std::string& key : Keys()) {
+            const auto isKey = [&](const char* name) { return CString(name).CompareNoCase(key.c_str()) == 0; };
+            if (std::ranges::none_of(known, isKey)) throw Failure("\"" + key + "\" has no meaning in " + Here());
+        }
     }
 
 private:
-    void Set(const std::string& key, const std::string& value) {
-        Settings& s = m_settings;
-        if (m_section == "variables") {
-            RequireName(key);
-            s.variables.push_back({key, Number(value)});
-        } else if (m_section == "curve" && key == "volume") {
-            s.volumeColumn = value;
-        } else if (m_section == "curve" && key == "signal") {
-            s.signalColumn = value;
-        } else if (m_section == "result" && key == "end_point") {
-            RequireName(s.endPoint = value);
-        } else if (m_section == "result" && key == "name") {
-            RequireName(s.name = value);
-        } else if (m_section == "result" && key == "formula") {
-            s.formula = value;
-        } else if (m_section == "result" && key == "unit") {
-            s.unit = value;
-        } else if (m_section == "result" && key == "digits") {
-            s.digits = WholeNumber(value, kMostDigits);
-        } else if (m_section == "result" && key == "variable_digits") {
-            s.variableDigits = WholeNumber(value, kMostDigits);
-        } else {
-            throw Failure("\"" + key + "\" has no meaning " +
-                          (m_section.empty() ? "before the first section" : "in [" + m_section + "]"));
-        }
-    }
+    std::string Here() const { return "[" + std::string(m_name) + "]"; }
 
-    Settings m_settings;
-    std::string m_section;
-    std::set<std::string> m_seen;  // section/key
+    const CPrivateProfile& m_ini;
+    const char* m_name;
 };
 
 }  // namespace
 
-Settings ReadSettings(std::string_view text) {
-    Reader reader;
-    std::size_t number = 0;
-    for (const std::string_view line : Lines(text)) {
-        ++number;
-        try {
-            reader.Take(line);
-        } catch (const Failure& failure) {
-            throw Failure("line " + std::to_string(number) + ": " + failure.what());
-        }
+Settings ReadSettings(const std::string& path) {
+    if (CQFile::IsExist(path.c_str()) == 0) throw Failure("there is no such file");
+    const CPrivateProfile ini(qel::FullPath(path));  // a name without a folder would mean the Windows folder
+    const Section curve(ini, "curve"), variables(ini, "variables"), result(ini, "result");
+    curve.RequireNoneBut({"volume", "signal"});
+    result.RequireNoneBut({"end_point", "name", "formula", "unit", "digits", "variable_digits"});
+
+    Settings settings;
+    settings.volumeColumn = curve.Text("volume", "1");
+    settings.signalColumn = curve.Text("signal", "2");
+    for (const std::string& name : variables.Keys()) {
+        settings.variables.push_back({Name(name), Number(variables.Text(name, ""))});
     }
-    return reader.Finished();
+    settings.endPoint = Name(result.Text("end_point"));
+    settings.name = Name(result.Text("name"));
+    settings.formula = result.Text("formula");
+    settings.unit = result.Text("unit");
+    settings.digits = WholeNumber(result.Text("digits"), kMostDigits);
+    const std::string variableDigits = result.Text("variable_digits", "");
+    if (!variableDigits.empty()) settings.variableDigits = WholeNumber(variableDigits, kMostDigits);
+    return settings;
 }
 
 }  // namespace titration

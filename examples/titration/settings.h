@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace titration {
@@ -11,7 +10,8 @@ struct NamedValue {
     double value;
 };
 
-/// What turns a curve into a result: a text file of sections, with a comment in a line that begins with ; or #
+/// What turns a curve into a result: an INI file, in which names match without regard to case and of two sections with
+/// one name the first counts.
 ///
 ///     [curve]
 ///     volume = volume_mL              a column's name or its number (default 1)
@@ -26,8 +26,8 @@ struct NamedValue {
 ///     digits = 3                      decimal places of the result, 0 to 12
 ///     variable_digits = 4             optional: every variable, the archived result too, is rounded to so many places
 struct Settings {
-    std::string volumeColumn = "1";
-    std::string signalColumn = "2";
+    std::string volumeColumn;
+    std::string signalColumn;
     std::vector<NamedValue> variables;
     std::string endPoint;
     std::string name;
@@ -37,8 +37,8 @@ struct Settings {
     int variableDigits = -1;  // below 0: not rounded
 };
 
-/// @throws Failure that names the line when a key is unknown, given twice or has no value of its kind, and when one is
-/// missing
-Settings ReadSettings(std::string_view text);
+/// @throws Failure when there is no such file, when a key of these sections is unknown, given twice or has no value of
+/// its kind, and when one is missing
+Settings ReadSettings(const std::string& path);
 
 }  // namespace titration

@@ -4,14 +4,12 @@
 
 #include <qellib10/qellib10.h>
 
-#include "failure.h"
+#include "file_step.h"
 
 namespace titration {
 namespace {
 
 constexpr ULONGLONG kLargestFile = 64 << 20;
-
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
 std::string ReadWhole(const std::string& path) {
     CFile file(path.c_str(), CFile::modeRead | CFile::shareDenyNone);
@@ -24,15 +22,18 @@ std::string ReadWhole(const std::string& path) {
 }  // namespace
 
 std::string ReadTextFile(const std::string& path) {
-    std::string text;
-    try {
-        text = ReadWhole(path);
-    } catch (const CFileException& error) {
-        throw Failure(path + ": " + error.what());
-    }
+    std::string text = OnFile(path, [&] { return ReadWhole(path); });
     if (text.find('\0') != std::string::npos) throw Failure(path + ": no text in single bytes or UTF-8");
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     return text;
+}
+
+void WriteTextFile(const std::string& text, const std::string& path) {
+    OnFile(path, [&] {
+        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
+        file.Write(text.data(), static_cast<UINT>(text.size()));
+        file.Close();
+    });
 }
 
 std::vector<std::string_view> Lines(std::string_view text) {
@@ -51,10 +52,6 @@ std::string_view Trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(kBlanks);
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-bool EqualNoCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
 }  // namespace titration

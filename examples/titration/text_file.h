@@ -10,13 +10,14 @@ namespace titration {
 /// @throws Failure when it cannot be read, is larger than 64 MiB, or holds zero bytes (UTF-16 text, or no text)
 std::string ReadTextFile(const std::string& path);
 
+/// Writes @p text in place of a file that is there.
+/// @throws Failure when the system refuses
+void WriteTextFile(const std::string& text, const std::string& path);
+
 /// The lines of @p text, ended by LF, CR LF or CR. They point into it.
 std::vector<std::string_view> Lines(std::string_view text);
 
 /// Without blanks and tabs at both ends.
 std::string_view Trimmed(std::string_view text);
-
-/// Equal but for the case of the letters A to Z.
-bool EqualNoCase(std::string_view a, std::string_view b);
 
 }  // namespace titration

@@ -26,21 +26,18 @@ struct Outcome {
     std::string out, err;
 };
 
-// Runs the example program in a folder of its own.
+// Runs the example program in a folder of its own, which is its current one.
 class Titration : public testing::Test {
 protected:
     Outcome Run(const std::string& arguments) {
-        const std::string command = QELLIB10_TITRATION " " + arguments + " >" + Path("out") + " 2>" + Path("err");
+        const std::string command = "cd " + Path("") + " && " QELLIB10_TITRATION " " + arguments + " >out 2>err";
         const int status = std::system(command.c_str());
         return {WEXITSTATUS(status), ReadText(Path("out")), ReadText(Path("err"))};
     }
     Outcome Run(const std::string& data, const std::string& settings) {
-        return Run("--data " + Write("data.csv", data) + " --settings " + Write("settings.ini", settings) + " --out " +
-                   Path("results/first"));
-    }
-    std::string Write(const char* name, const std::string& text) const {
-        std::ofstream(Path(name), std::ios::binary) << text;
-        return Path(name);
+        m_folder.Write("data.csv", data);
+        m_folder.Write("settings.ini", settings);
+        return Run("--data data.csv --settings settings.ini --out results/first");
     }
     std::string Path(const char* name) const { return m_folder.Posix(name).string(); }
 
@@ -102,13 +99,17 @@ double ResultIn(const std::string& report) {
 
 TEST_F(Titration, ComputesTheVinegar) {
     const std::string vinegar = QELLIB10_SOURCE_DIR "/examples/titration/data/vinegar";
-    const Outcome run = Run("--data " + vinegar + ".csv --settings " + vinegar + ".ini --out " + Path("results"));
+    const std::string arguments = "--data " + vinegar + ".csv --settings " + vinegar + ".ini --out results";
+    const Outcome run = Run(arguments);
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("uses C_NaOH, F, BLANK, SAMPLE, M, EP\n"), std::string::npos) << run.out;
-    EXPECT_NE(run.out.find("Result     ACIDITY = 49.6 g/L\n"), std::string::npos) << run.out;
     const std::string report = ReadText(Path("results/report.txt"));
     EXPECT_TRUE(report.ends_with("Result     ACIDITY = 49.6 g/L\n") && run.out.starts_with(report)) << report;
+    EXPECT_TRUE(ReadText(Path("results/result.csv")).ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));
     EXPECT_TRUE(ReadText(Path("results/variables.qel")).starts_with("\6QWCalc\0041.01"));
+    EXPECT_NE(run.out.find("so the change is found\n"), std::string::npos) << run.out;
+    EXPECT_NE(Run(arguments).out.find("sealed as version 2 of {"), std::string::npos);
+    EXPECT_TRUE(ReadText(Path("results/titration.log")).ends_with("],sealed variables.qel as version 2\r\n"));
 }
 
 TEST_F(Titration, ReadsWhatInstrumentsWrite) {
@@ -164,13 +165,13 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         {good, Settings("EP / 0"), "settings.ini: the formula \"EP / 0\" is not valid"},
         {good, Settings("EP / ZERO"), "settings.ini: the formula divides by zero"},
         {good, Settings("EP + " + std::string(255, '0')), "is not valid"},
-        {good, Settings("EP", "[variables]\nf = 2\n"), "settings.ini: there are two variables \"f\""},
-        {good, Settings("EP", "[variables]\nr = 2\n"), "settings.ini: there are two variables \"R\""},
-        {good, Settings("EP", "[variables]\n2F = 2\n"), "settings.ini: line 11: \"2F\" cannot be a name"},
-        {good, Settings("EP", "unit = g\n"), "settings.ini: line 10: \"unit\" stands there twice"},
-        {good, Settings("EP", "color = red\n"), "settings.ini: line 10: \"color\" has no meaning in [result]"},
-        {good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: line 2: \"one\" is no number"},
-        {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: line 8: \"99\" is no whole number"},
+        {good, Replaced(Settings("EP"), "ZERO", "ep"), "settings.ini: there are two variables \"EP\""},
+        {good, Replaced(Settings("EP"), "ZERO", "f"), "settings.ini: \"f\" stands twice in [variables]"},
+        {good, Replaced(Settings("EP"), "ZERO", "2F"), "settings.ini: \"2F\" cannot be a name"},
+        {good, Settings("EP", "color = red\n"), "settings.ini: \"color\" has no meaning in [result]"},
+        {good, Settings("EP", "color\n"), "settings.ini: \"color\" is not name = value"},
+        {good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: \"one\" is no number"},
+        {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: \"99\" is no whole number"},
         {good, Replaced(Settings("EP"), "= mL", "= furlong"), "settings.ini: there is no unit \"furlong\""},
         {good, "[result]\n", "settings.ini: [result] has no end_point"},
     };
@@ -180,6 +181,7 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         EXPECT_EQ(run.out, "");
         EXPECT_NE(run.err.find(message), std::string::npos) << message << "\nis not in\n" << run.err;
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+        EXPECT_TRUE(ReadText(Path("results/first/titration.log")).ends_with(Replaced(run.err, "\n", "\r\n")));
     }
     for (const std::string& arguments : {std::string(), std::string("--data"), std::string("--data a --settings b"),
                                          "--data " + Path("none") + " --settings " + Path("none") + " --out x"}) {
