@@ -50,7 +50,9 @@ struct ForkSafeLock::AtFork {
         const std::vector<ForkSafeLock*> locks = std::move(taken);
         listLock.unlock();
         for (ForkSafeLock* lock : locks) {
-            // Its owner is a thread of the parent: it cannot be unlocked here, only made anew.
+            // Its owner is a thread of the parent: it cannot be unlocked here, only made anew. The thread sanitizer, to
+            // which this is the thread that took it, has to be told.
+            lock->unlock();
             new (&lock->m_lock) std::recursive_mutex;
             if (lock->m_inChild != nullptr) lock->m_inChild();
         }
