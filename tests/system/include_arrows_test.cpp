@@ -20,6 +20,7 @@ const std::vector<Row> kStandsOn = {
     {"platform", {}},
     {"platform/text", {"platform"}},
     {"platform/time", {"platform/text"}},
+    {"platform/xml", {"platform/text"}},
     {"platform/variant", {"platform/time"}},
     {"platform/storage", {"platform/time"}},
     {"platform/shell", {"platform/storage"}},
@@ -32,9 +33,9 @@ const std::vector<Row> kStandsOn = {
     {"calc", {"base"}},
     {"file", {"base", "platform/registry"}},
     {"base/q_csv_file", {"file"}},
-    {"secure", {"file"}},
+    {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},
-    {"print", {"file"}},
+    {"print", {"file", "platform/xml"}},
     {"graph", {"print"}},
 };
 

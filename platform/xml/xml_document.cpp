@@ -1,0 +1,75 @@
+#include "qellib10/platform/xml/xml_document.h"
+
+#include <utility>
+
+#include <pugixml.hpp>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_encoding.h"
+#include "qellib10/platform/xml/xml_reader.h"
+#include "qellib10/platform/xml/xml_text.h"
+#include "qellib10/platform/xml/xml_writer.h"
+
+namespace qel {
+
+XmlDocument::XmlDocument() : m_tree(std::make_unique<pugi::xml_document>()) {}
+XmlDocument::~XmlDocument() = default;
+
+void XmlDocument::Empty() noexcept {
+    m_tree->reset();
+    m_source = {};
+}
+
+void XmlDocument::LoadText(std::string_view text) { LoadUtf8(ToUtf8(text)); }
+
+void XmlDocument::LoadBytes(std::string_view bytes) {
+    Empty();
+    LoadUtf8(DecodedXml(bytes));
+}
+
+void XmlDocument::LoadUtf8(std::string utf8) {
+    Empty();
+    m_source = CheckedXmlText(std::move(utf8));
+    try {
+        ReadXml(*m_tree, m_source);
+    } catch (const DataError&) {
+        Empty();
+        throw;
+    }
+}
+
+std::string XmlDocument::Text() const {
+    return FromUtf8WithReferences(WriteXml(*m_tree, {.namesEncoding = false, .has = IsInCodePage}));
+}
+
+std::string XmlDocument::Bytes() const {
+    const std::string_view declared =
+        m_tree->find_child([](pugi::xml_node node) { return node.type() == pugi::node_declaration; })
+            .attribute("encoding")
+            .value();
+    const XmlEncoder encoder = XmlEncoderFor(declared);
+    const auto has = [&](std::string_view utf8) { return encoder(utf8).has_value(); };
+    const std::string text = WriteXml(*m_tree, {.namesEncoding = true, .has = has});
+    if (auto bytes = encoder(text)) return std::move(*bytes);
+
+    const std::string shown = WithReferencesFor(encoder, text);
+    XmlDocument().LoadUtf8(shown);  // refuses what lacks a character in a name, where no reference can stand
+    auto bytes = encoder(shown);
+    if (!bytes) throw DataError("an encoding that lacks characters of XML itself");
+    return std::move(*bytes);
+}
+
+std::optional<XmlNode> XmlDocument::Root() const {
+    const pugi::xml_node root = m_tree->document_element();
+    return root ? std::optional(XmlNode(root.internal_object())) : std::nullopt;
+}
+
+XmlNode XmlDocument::AppendRoot(std::string_view name) {
+    const std::string utf8 = ToUtf8(name);
+    if (!IsXmlName(utf8)) throw DataError("no name of XML");
+    if (m_tree->document_element()) throw DataError("a document has one root");
+    return XmlNode(m_tree->append_child(utf8.c_str()).internal_object());
+}
+
+}  // namespace qel

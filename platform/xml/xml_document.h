@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/xml/xml_node.h"
+
+namespace pugi {
+class xml_document;
+}
+
+namespace qel {
+
+/// An XML document in memory: one root element with what stands before and behind it, or nothing at all.
+///
+/// Loading is strict and bounded by the size of the text: XML that is not well-formed is refused, so is nesting deeper
+/// than kDeepestXml. A document type is kept as it stands; nothing outside is read and no entity of it is known, so
+/// that a reference to one is refused. Names and the document type have to be in the code page, since the document may
+/// be written in it. Texts that the page lacks are kept, and written as numeric references. White space between
+/// elements is kept; line ends are LF in memory and CR LF in what is written.
+///
+/// A text that was written and is loaded again is written as the same bytes.
+class XmlDocument {
+public:
+    XmlDocument();
+    ~XmlDocument();
+    XmlDocument(const XmlDocument&) = delete;
+    XmlDocument& operator=(const XmlDocument&) = delete;
+
+    /// Nothing is in the document then, not even a root.
+    void Empty() noexcept;
+
+    /// Loads text of the process's code page, whatever encoding it declares; or UTF-8.
+    /// @throws DataError when the text is refused; the document is then empty
+    void LoadText(std::string_view text);
+    void LoadUtf8(std::string utf8);
+    /// Loads the bytes of a file: in the encoding of their byte-order mark, else the one that they declare, else UTF-8.
+    void LoadBytes(std::string_view bytes);
+
+    /// The document in the process's code page, without naming an encoding; "" when it is empty.
+    std::string Text() const;
+    /// The document as a file in the encoding that it declares, UTF-8 if none, which is written without a mark.
+    /// @throws DataError when the system does not know that encoding, or it lacks a character of a name
+    std::string Bytes() const;
+
+    std::optional<XmlNode> Root() const;
+    /// Gives an empty document its root. @throws DataError when it has one, or @p name is no name
+    XmlNode AppendRoot(std::string_view name);
+
+private:
+    std::string m_source;  // the tree's texts stand in it
+    std::unique_ptr<pugi::xml_document> m_tree;
+};
+
+}  // namespace qel

@@ -1,0 +1,156 @@
+#include "qellib10/platform/xml/xml_node.h"
+
+#include <pugixml.hpp>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_path.h"
+#include "qellib10/platform/xml/xml_text.h"
+#include "qellib10/platform/xml/xml_walk.h"
+#include "qellib10/platform/xml/xml_writer.h"
+
+namespace qel {
+namespace {
+
+XmlNode NodeOf(const pugi::xpath_node& found) {
+    const pugi::xml_node node = found.attribute() ? found.parent() : found.node();
+    return XmlNode(node.internal_object(), found.attribute().internal_object());
+}
+
+bool HasElement(pugi::xml_node parent) {
+    for (const pugi::xml_node child : parent.children()) {
+        if (child.type() == pugi::node_element) return true;
+    }
+    return false;
+}
+
+std::string TextOf(pugi::xml_node top) {
+    const pugi::xml_node only = top.first_child();
+    if (only.type() == pugi::node_pcdata && !only.next_sibling()) return only.value();
+    if (top.type() != pugi::node_element && top.type() != pugi::node_document) return top.value();
+    std::string text;
+    std::vector<std::optional<bool>> haveElements(1);  // of the nodes that we are in, asked once each
+    const auto isIndentation = [&](pugi::xml_node node) {
+        if (node.type() != pugi::node_pcdata || !IsXmlBlank(node.value())) return false;
+        if (!haveElements.back()) haveElements.back() = HasElement(node.parent());
+        return *haveElements.back();
+    };
+    const auto enter = [&](pugi::xml_node node) {
+        const bool isText = node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+        if (isText && !isIndentation(node)) text += node.value();
+        haveElements.emplace_back();
+    };
+    WalkXml(top, enter, [&](pugi::xml_node) { haveElements.pop_back(); });
+    return text;
+}
+
+int DepthOf(pugi::xml_node node) {
+    int depth = 0;
+    for (; node.type() == pugi::node_element; node = node.parent()) ++depth;
+    return depth;
+}
+
+void SetElementText(pugi::xml_node element, const std::string& text) {
+    element.remove_children();
+    if (!text.empty()) element.append_child(pugi::node_pcdata).set_value(text.c_str());
+}
+
+// Comments and the like cannot hold their own end.
+void SetData(pugi::xml_node node, const std::string& text, std::string_view forbidden) {
+    if (text.find(forbidden) != std::string::npos || text.ends_with(forbidden[0])) {
+        throw DataError("a text with the end of what it shall stand in");
+    }
+    node.set_value(WithPlainLineEnds(text).c_str());
+}
+
+std::string CheckedName(std::string_view name) {
+    std::string utf8 = ToUtf8(name);
+    if (!IsXmlName(utf8)) throw DataError("no name of XML");
+    return utf8;
+}
+
+}  // namespace
+
+std::optional<XmlNode> XmlNode::Select(std::string_view path) const {
+    const pugi::xpath_node found = FindXml(pugi::xml_node(m_node), path);
+    return found ? std::optional(NodeOf(found)) : std::nullopt;
+}
+
+std::vector<XmlNode> XmlNode::SelectAll(std::string_view path) const {
+    std::vector<XmlNode> nodes;
+    const auto found = FindAllXml(pugi::xml_node(m_node), path);
+    nodes.reserve(found.size());
+    for (const pugi::xpath_node& node : found) nodes.push_back(NodeOf(node));
+    return nodes;
+}
+
+std::string XmlNode::Name() const {
+    return FromUtf8(m_attribute != nullptr ? pugi::xml_attribute(m_attribute).name() : pugi::xml_node(m_node).name());
+}
+
+std::string XmlNode::Text() const {
+    return FromUtf8(m_attribute != nullptr ? pugi::xml_attribute(m_attribute).value() : TextOf(pugi::xml_node(m_node)));
+}
+
+void XmlNode::SetText(std::string_view text) {
+    const std::string utf8 = WithXmlCharacters(ToUtf8(text));
+    if (m_attribute != nullptr) {
+        pugi::xml_attribute(m_attribute).set_value(utf8.c_str());
+        return;
+    }
+    pugi::xml_node node(m_node);
+    switch (node.type()) {
+        case pugi::node_element:
+            return SetElementText(node, utf8);
+        case pugi::node_pcdata:
+            node.set_value(utf8.c_str());
+            return;
+        case pugi::node_cdata:  // written as several where it holds its end
+            node.set_value(WithPlainLineEnds(utf8).c_str());
+            return;
+        case pugi::node_comment:
+            return SetData(node, utf8, "--");
+        case pugi::node_pi:
+            return SetData(node, utf8, "?>");
+        default:
+            throw DataError("a node without a text of its own");
+    }
+}
+
+std::string XmlNode::Xml() const {
+    if (m_attribute != nullptr) return FromUtf8WithReferences(WriteXml(pugi::xml_attribute(m_attribute)));
+    return FromUtf8WithReferences(WriteXml(pugi::xml_node(m_node), {.namesEncoding = false, .has = IsInCodePage}));
+}
+
+XmlNode XmlNode::AppendElement(std::string_view name) {
+    const std::string utf8 = CheckedName(name);
+    pugi::xml_node parent(m_node);
+    if (parent.type() != pugi::node_element) throw DataError("only elements have children");
+    if (DepthOf(parent) >= kDeepestXml) throw DataError("elements nested too deep");
+    const pugi::xml_node last = parent.last_child();
+    const bool isBeforeLast = last.type() == pugi::node_pcdata && IsXmlBlank(last.value());
+    const pugi::xml_node child =
+        isBeforeLast ? parent.insert_child_before(utf8.c_str(), last) : parent.append_child(utf8.c_str());
+    return XmlNode(child.internal_object());
+}
+
+std::optional<std::string> XmlNode::Attribute(std::string_view name) const {
+    const pugi::xml_attribute attribute = pugi::xml_node(m_node).attribute(ToUtf8(name).c_str());
+    return attribute ? std::optional(FromUtf8(attribute.value())) : std::nullopt;
+}
+
+void XmlNode::SetAttribute(std::string_view name, std::string_view value) {
+    const std::string utf8 = CheckedName(name);
+    pugi::xml_node element(m_node);
+    if (element.type() != pugi::node_element) throw DataError("only elements have attributes");
+    pugi::xml_attribute attribute = element.attribute(utf8.c_str());
+    if (!attribute) attribute = element.append_attribute(utf8.c_str());
+    attribute.set_value(WithXmlCharacters(ToUtf8(value)).c_str());
+}
+
+bool XmlNode::Remove() {
+    const pugi::xml_node node(m_node);
+    return m_attribute == nullptr && node.parent().remove_child(node);
+}
+
+}  // namespace qel

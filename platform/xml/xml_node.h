@@ -1,0 +1,60 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pugi {
+struct xml_attribute_struct;
+struct xml_node_struct;
+}  // namespace pugi
+
+namespace qel {
+
+/// A place in an XmlDocument: an element, a text or another kind of node, or an attribute that a path has found. It is
+/// no owner; it ends with its node and with the document's next load. All text is in the process's code page.
+///
+/// Paths are XPath 1.0 from the node, with `end()` in predicates for the last of the matching siblings; names are
+/// compared as written, prefix included. DataError for a path that is none, or that selects no nodes (`count(A)`).
+class XmlNode {
+public:
+    /// The attribute, where it is not null, of the element.
+    explicit XmlNode(pugi::xml_node_struct* node, pugi::xml_attribute_struct* attribute = nullptr)
+        : m_node(node), m_attribute(attribute) {}
+
+    /// The first node in document order, or all of them in that order.
+    std::optional<XmlNode> Select(std::string_view path) const;
+    std::vector<XmlNode> SelectAll(std::string_view path) const;
+
+    std::string Name() const;
+
+    /// Text and CDATA of all descendants joined, without the white space that only sets elements apart; the value of an
+    /// attribute, comment or instruction. What the page lacks appears as its best fit.
+    std::string Text() const;
+    /// Replaces all children by the text, or the value. Characters that XML cannot have become `?`.
+    /// @throws DataError for the document itself, and for what a comment or an instruction cannot hold
+    void SetText(std::string_view text);
+
+    /// As the node stands in the document's text, without a line end behind it; an attribute as `name="value"`.
+    std::string Xml() const;
+
+    /// Adds an element as the last child, before white space that sets the closing tag apart.
+    /// @throws DataError when @p name is no name, or the element would stand deeper than kDeepestXml
+    XmlNode AppendElement(std::string_view name);
+
+    /// @return nothing when there is no such attribute
+    std::optional<std::string> Attribute(std::string_view name) const;
+    /// Sets or adds it. @throws DataError when @p name is no name, or this is no element
+    void SetAttribute(std::string_view name, std::string_view value);
+
+    /// Takes the node, with all below it, out of the document.
+    /// @return false for what has no parent: an attribute, and the document itself
+    bool Remove();
+
+private:
+    pugi::xml_node_struct* m_node;
+    pugi::xml_attribute_struct* m_attribute;
+};
+
+}  // namespace qel

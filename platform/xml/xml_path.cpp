@@ -1,0 +1,71 @@
+#include "qellib10/platform/xml/xml_path.h"
+
+#include <algorithm>
+#include <string>
+
+#include <pugixml.hpp>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_text.h"
+
+namespace qel {
+namespace {
+
+std::size_t SkipBlanks(std::string_view text, std::size_t at) {
+    return std::min(text.find_first_not_of(kXmlBlanks, at), text.size());
+}
+
+// Behind the parentheses, with nothing between them, that open at or behind @p at; @p at when none do.
+std::size_t SkipParentheses(std::string_view text, std::size_t at) {
+    const std::size_t open = SkipBlanks(text, at);
+    if (!text.substr(open).starts_with('(')) return at;
+    const std::size_t close = SkipBlanks(text, open + 1);
+    return text.substr(close).starts_with(')') ? close + 1 : at;
+}
+
+// The end of the name or string that begins at @p at, or the next position.
+std::size_t EndOfToken(std::string_view text, std::size_t at) {
+    if (text[at] == '\'' || text[at] == '"') return std::min(text.find(text[at], at + 1), text.size() - 1) + 1;
+    std::size_t end = at;
+    while (end < text.size() && IsXmlNamePart(text[end])) ++end;
+    return std::max(end, at + 1);
+}
+
+// XPath has no end(): the last one is where the position is the last. `last()` in its place would be wrong beside
+// `and`.
+std::string WithoutEndFunction(std::string_view path) {
+    std::string result;
+    for (std::size_t at = 0; at < path.size();) {
+        std::size_t end = EndOfToken(path, at);
+        const std::string_view token = path.substr(at, end - at);
+        const std::size_t behind = token == "end" ? SkipParentheses(path, end) : end;
+        result += behind != end ? "(position()=last())" : token;
+        at = behind;
+    }
+    return result;
+}
+
+template <class Evaluate> auto WithQuery(std::string_view path, Evaluate evaluate) {
+    try {
+        return evaluate(pugi::xpath_query(WithoutEndFunction(ToUtf8(path)).c_str()));
+    } catch (const pugi::xpath_exception& error) {  // also when the result is no set of nodes
+        throw DataError(error.what());
+    }
+}
+
+}  // namespace
+
+pugi::xpath_node FindXml(pugi::xml_node context, std::string_view path) {
+    return WithQuery(path, [&](const pugi::xpath_query& query) { return query.evaluate_node(context); });
+}
+
+pugi::xpath_node_set FindAllXml(pugi::xml_node context, std::string_view path) {
+    return WithQuery(path, [&](const pugi::xpath_query& query) {
+        auto nodes = query.evaluate_node_set(context);
+        nodes.sort();
+        return nodes;
+    });
+}
+
+}  // namespace qel

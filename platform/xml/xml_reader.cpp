@@ -1,0 +1,150 @@
+#include "qellib10/platform/xml/xml_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/xml/xml_text.h"
+#include "qellib10/platform/xml/xml_walk.h"
+
+namespace qel {
+namespace {
+
+// Everything is kept, and references are left as they are: what the parser does not know it would pass as text.
+constexpr unsigned kParsing = pugi::parse_cdata | pugi::parse_comments | pugi::parse_pi | pugi::parse_declaration |
+                              pugi::parse_doctype | pugi::parse_wconv_attribute | pugi::parse_ws_pcdata |
+                              pugi::parse_fragment;
+
+void Require(bool holds, const char* otherwise) {
+    if (!holds) throw DataError(otherwise);
+}
+
+bool Contains(std::string_view text, std::string_view wanted) { return text.find(wanted) != std::string_view::npos; }
+
+// `item` is a node or an attribute.
+template <class Item> void TakeReferencesOut(Item item, std::string_view value) {
+    if (!Contains(value, "&")) return;
+    const std::string text = WithoutReferences(value);
+    item.set_value(text.c_str());
+}
+
+void CheckNamesDiffer(pugi::xml_node element) {
+    std::vector<std::string_view> names;
+    for (const auto attribute : element.attributes()) names.emplace_back(attribute.name());
+    std::ranges::sort(names);
+    Require(std::ranges::adjacent_find(names) == names.end(), "an attribute stands twice");
+}
+
+void TakeAttributes(pugi::xml_node element) {
+    if (element.first_attribute() != element.last_attribute()) CheckNamesDiffer(element);
+    for (const auto attribute : element.attributes()) {
+        const std::string_view value = attribute.value();
+        Require(!Contains(value, "<"), "an attribute holds a tag's begin");
+        Require(IsInCodePage(attribute.name()), "an attribute's name is not in the code page");
+        TakeReferencesOut(attribute, value);
+    }
+}
+
+void TakeNode(pugi::xml_node node) {
+    const std::string_view value = node.value();
+    switch (node.type()) {
+        case pugi::node_element:
+            Require(IsInCodePage(node.name()), "an element's name is not in the code page");
+            TakeAttributes(node);
+            break;
+        case pugi::node_pcdata:
+            Require(!Contains(value, "]]>"), "a text holds a section's end");
+            TakeReferencesOut(node, value);
+            break;
+        case pugi::node_comment:
+            Require(!Contains(value, "--") && !value.ends_with('-'), "a comment holds a comment's end");
+            break;
+        case pugi::node_pi:
+            Require(IsInCodePage(node.name()), "an instruction's name is not in the code page");
+            break;
+        default:
+            break;
+    }
+}
+
+// Beside the root, and before the references are taken out: a reference to a blank is text as well.
+void CheckTop(const pugi::xml_document& tree) {
+    int roots = 0, types = 0;
+    bool isFirst = true;
+    for (const pugi::xml_node node : tree.children()) {
+        const std::string_view value = node.value();
+        switch (node.type()) {
+            case pugi::node_element:
+                ++roots;
+                break;
+            case pugi::node_pcdata:
+                Require(IsXmlBlank(value), "text beside the root");
+                continue;  // accepted before a declaration too
+            case pugi::node_cdata:
+                throw DataError("a section beside the root");
+            case pugi::node_declaration:
+                Require(isFirst, "a declaration behind the begin");
+                break;
+            case pugi::node_doctype:
+                Require(roots == 0 && ++types == 1, "a document type in a wrong place");
+                Require(IsInCodePage(value), "a document type that is not in the code page");
+                break;
+            default:
+                break;
+        }
+        isFirst = false;
+    }
+    Require(roots == 1, "not one root");
+}
+
+bool IsEncodingName(std::string_view text) {
+    return IsXmlName(text) && text[0] != '_' &&
+           std::ranges::all_of(text, [](unsigned char c) { return c < 0x80 && c != ':'; });
+}
+
+// A version, then an encoding and whether it stands alone if it says so.
+void CheckDeclaration(pugi::xml_node declaration) {
+    constexpr std::array<std::string_view, 3> kNames = {"version", "encoding", "standalone"};
+    Require(std::strcmp(declaration.name(), "xml") == 0, "a declaration of another kind");
+    Require(declaration.first_attribute().name() == kNames[0], "a declaration without a version");
+    auto next = kNames.begin();
+    for (const auto attribute : declaration.attributes()) {
+        const std::string_view name = attribute.name(), value = attribute.value();
+        next = std::find(next, kNames.end(), name);
+        Require(next != kNames.end(), "a declaration of something unknown");
+        ++next;
+        const bool isGood = name == "version"    ? value == "1.0" || value == "1.1"
+                            : name == "encoding" ? IsEncodingName(value)
+                                                 : value == "yes" || value == "no";
+        Require(isGood, "a declaration with a bad value");
+    }
+}
+
+}  // namespace
+
+void ReadXml(pugi::xml_document& tree, std::string& text) {
+    text += '\n';  // the parser does not see the last character if that is text
+    const auto result = tree.load_buffer_inplace(text.data(), text.size(), kParsing, pugi::encoding_utf8);
+    if (!result) throw DataError(result.description());
+    CheckTop(tree);
+    int depth = 0;
+    for (const pugi::xml_node top : tree.children()) {
+        if (top.type() == pugi::node_declaration) {
+            CheckDeclaration(top);
+            continue;
+        }
+        const auto enter = [&](pugi::xml_node node) {
+            ++depth;
+            Require(depth <= kDeepestXml || node.type() != pugi::node_element, "elements nested too deep");
+            TakeNode(node);
+        };
+        WalkXml(top, enter, [&](pugi::xml_node) { --depth; });
+    }
+}
+
+}  // namespace qel

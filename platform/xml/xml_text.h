@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Characters and names of XML, in UTF-8.
+namespace qel {
+
+/// Levels of elements in a document: deeper nesting is nobody's data, and would cost a reader its stack.
+inline constexpr int kDeepestXml = 512;
+
+inline constexpr std::string_view kXmlBlanks = " \t\n\r";
+
+constexpr bool IsXmlBlank(std::string_view text) {
+    return text.find_first_not_of(kXmlBlanks) == std::string_view::npos;
+}
+
+constexpr bool IsXmlCharacter(char32_t c) {
+    return c >= 0x20 ? (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF
+                     : c == '\t' || c == '\n' || c == '\r';
+}
+
+/// Whether the character belongs into a name; of those that are not ASCII, all do.
+constexpr bool IsXmlNameStart(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' ||
+           static_cast<unsigned char>(c) >= 0x80;
+}
+constexpr bool IsXmlNamePart(char c) { return IsXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
+bool IsXmlName(std::string_view name);
+
+/// Whether the process's code page has every character.
+bool IsInCodePage(std::string_view utf8);
+
+/// The text with `?` in place of what is no character of XML.
+std::string WithXmlCharacters(std::string utf8);
+
+/// The text with LF for CR LF and for CR.
+std::string WithPlainLineEnds(std::string_view utf8);
+
+/// The text with LF line ends, once every byte of it was found to belong to a character of XML.
+/// @throws DataError when one does not, or the bytes are not UTF-8
+std::string CheckedXmlText(std::string utf8);
+
+/// The text with references replaced by their characters: `&amp;` `&lt;` `&gt;` `&quot;` `&apos;` `&#n;` `&#xh;`.
+/// @throws DataError for any other `&`
+std::string WithoutReferences(std::string_view utf8);
+
+}  // namespace qel

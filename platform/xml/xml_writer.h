@@ -1,0 +1,28 @@
+#pragma once
+
+#include <concepts>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace pugi {
+class xml_attribute;
+class xml_node;
+}  // namespace pugi
+
+namespace qel {
+
+/// How a tree is written.
+struct XmlForm {
+    bool namesEncoding;  // the declaration keeps its encoding
+
+    /// Whether the target has all of these characters. A section that it has not is written as text, in which
+    /// references can take their place.
+    std::function<bool(std::string_view)> has;
+};
+
+/// The node in UTF-8 with CR LF line ends; of a document all that is in it, a line end behind each part.
+std::string WriteXml(pugi::xml_node node, const XmlForm& form);
+std::string WriteXml(pugi::xml_attribute attribute);
+
+}  // namespace qel
