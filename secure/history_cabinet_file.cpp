@@ -1,5 +1,6 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
+#include <array>
 #include <limits>
 #include <span>
 
@@ -23,49 +24,62 @@ constexpr UINT kNew = CFile::modeCreate | kForWriting;
 constexpr ULONGLONG kFirstVersionAt = qel::kCabinetHeaderSize;
 constexpr DWORD kLargest = std::numeric_limits<DWORD>::max();
 
-template <std::size_t size> std::array<std::byte, size> ReadAt(const CFile& file, ULONGLONG offset) {
-    std::array<std::byte, size> bytes;
-    if (qel::ReadFullyAt(file.ReadableDescriptor(), bytes, offset, file.GetFilePath().View()) != size)
-        throw qel::DataError("the file ends within a header");
-    return bytes;
-}
-
 void Write(CFile& file, ULONGLONG offset, std::span<const std::byte> bytes) {
     file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
     file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
 }
 
-// A version that lies within its cabinet.
 struct StoredVersion {
-    // @param length of the cabinet
-    StoredVersion(const CFile& cabinet, ULONGLONG offset, ULONGLONG length)
-        : header(qel::UnpackVersionHeader(ReadAt<qel::kVersionHeaderSize>(cabinet, offset))),
-          dataAt(offset + qel::kVersionHeaderSize),
-          end(dataAt + header.dataSize) {
-        if (end > length) throw qel::DataError("a version leads out of its cabinet");
-    }
-
     _CAB_VERSIONHEADER header;
     ULONGLONG dataAt, end;
 };
 
-StoredVersion LatestVersion(const CFile& cabinet, const qel::CabinetHeader& header) {
-    if (header.latestOffset < kFirstVersionAt) throw qel::DataError("a version within the header");
-    const StoredVersion latest(cabinet, header.latestOffset, cabinet.GetLength());
-    if (latest.header.version != header.versionCount) throw qel::DataError("not the latest version");
-    return latest;
-}
+// What stands in an open cabinet.
+class Content {
+public:
+    explicit Content(const CFile& cabinet)
+        : m_file(cabinet.ReadableDescriptor()), m_name(cabinet.GetFilePath()), m_length(cabinet.GetLength()) {}
 
-// Each step leads on by a header at least, so the walk ends, at the latest with the file.
-StoredVersion FindVersion(const CFile& cabinet, DWORD version, DWORD count) {
-    const ULONGLONG length = cabinet.GetLength();
-    for (ULONGLONG offset = kFirstVersionAt;;) {
-        const StoredVersion found(cabinet, offset, length);
-        if (found.header.version > count) throw qel::DataError("a version that was never registered");
-        if (found.header.version == version) return found;
-        offset = found.end;
+    qel::CabinetHeader Header() const { return qel::UnpackCabinetHeader(BytesAt<qel::kCabinetHeaderSize>(0)); }
+
+    StoredVersion Latest(const qel::CabinetHeader& header) const {
+        if (header.latestOffset < kFirstVersionAt) throw qel::DataError("a version within the header");
+        const StoredVersion latest = VersionAt(header.latestOffset);
+        if (latest.header.version != header.versionCount) throw qel::DataError("not the latest version");
+        return latest;
     }
-}
+    // Each step leads on by a header at least, so the walk ends, at the latest with the file.
+    StoredVersion Find(DWORD version, DWORD count) const {
+        for (ULONGLONG offset = kFirstVersionAt;;) {
+            const StoredVersion found = VersionAt(offset);
+            if (found.header.version > count) throw qel::DataError("a version that was never registered");
+            if (found.header.version == version) return found;
+            offset = found.end;
+        }
+    }
+    // Where the registered versions end and the next one begins. Behind may stand what a crash has left.
+    ULONGLONG End(const qel::CabinetHeader& header) const {
+        return header.versionCount == 0 ? kFirstVersionAt : Latest(header).end;
+    }
+
+private:
+    template <std::size_t size> std::array<std::byte, size> BytesAt(ULONGLONG offset) const {
+        std::array<std::byte, size> bytes;
+        if (qel::ReadFullyAt(m_file, bytes, offset, m_name.View()) != size)
+            throw qel::DataError("the file ends within a header");
+        return bytes;
+    }
+    StoredVersion VersionAt(ULONGLONG offset) const {
+        const _CAB_VERSIONHEADER header = qel::UnpackVersionHeader(BytesAt<qel::kVersionHeaderSize>(offset));
+        const ULONGLONG dataAt = offset + qel::kVersionHeaderSize;
+        if (dataAt + header.dataSize > m_length) throw qel::DataError("a version leads out of its cabinet");
+        return {header, dataAt, dataAt + header.dataSize};
+    }
+
+    const qel::Descriptor& m_file;
+    CString m_name;
+    ULONGLONG m_length;
+};
 
 // @param find gives the version; not asked before the target is there
 template <class Find> int Extract(CFile& cabinet, const char* target, Find&& find) {
@@ -78,13 +92,8 @@ template <class Find> int Extract(CFile& cabinet, const char* target, Find&& fin
     });
 }
 
-// Where the registered versions end and the next one begins. Behind may stand what a crash has left.
-ULONGLONG EndOfVersions(const CFile& cabinet, const qel::CabinetHeader& header) {
-    return header.versionCount == 0 ? kFirstVersionAt : LatestVersion(cabinet, header).end;
-}
-
 void RequireRoom(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size) {
-    if (header.versionCount == kLargest || size > kLargest || end + qel::kVersionHeaderSize + size > kLargest)
+    if (header.versionCount == kLargest || end + qel::kVersionHeaderSize + size > kLargest)
         throw qel::DataError("no room for another version");
 }
 
@@ -163,19 +172,20 @@ int CHistoryCabinetFile::RegistNewVersion(const char* source) {
         // registered versions meanwhile.
         const bool isCreated = m_header.versionCount == 0 && m_pFile->GetLength() == 0;
         if (!isCreated && !ReadCabFileHeader()) return 0;
-        const ULONGLONG end = EndOfVersions(*m_pFile, m_header);
-        RequireRoom(m_header, end, from.GetLength());
+        const ULONGLONG end = Content(*m_pFile).End(m_header);
+        const ULONGLONG size = from.GetLength();
+        RequireRoom(m_header, end, size);
 
         qel::CabinetBackup backup;
         backup.Take(*m_pFile);
-        Append(from, end);
+        Append(from, static_cast<DWORD>(size), end);
         backup.Drop();
         return 1;
     });
 }
 
 // The data are on the disk before the header that names them is written.
-void CHistoryCabinetFile::Append(CFile& source, ULONGLONG end) {
+void CHistoryCabinetFile::Append(const CFile& source, DWORD size, ULONGLONG end) {
     Undo undo(*m_pFile, m_header, end);
     if (m_pFile->GetLength() > end) m_pFile->SetLength(end);
     if (m_header.versionCount == 0) {
@@ -188,9 +198,9 @@ void CHistoryCabinetFile::Append(CFile& source, ULONGLONG end) {
     _CAB_VERSIONHEADER version;
     InitCabVerHeader(version);
     version.version = m_header.versionCount + 1;
-    version.dataSize = static_cast<DWORD>(source.GetLength());
+    version.dataSize = size;
     m_pFile->Seek(static_cast<LONGLONG>(end + qel::kVersionHeaderSize), CFile::begin);
-    const qel::CheckSums sums = qel::CopyWithCheckSums(source, 0, *m_pFile, version.dataSize);
+    const qel::CheckSums sums = qel::CopyWithCheckSums(source, 0, *m_pFile, size);
     version.dataSum = sums.Sum();
     version.dataCRC = sums.Crc();
     Write(*m_pFile, end, qel::Pack(version));
@@ -209,12 +219,12 @@ void CHistoryCabinetFile::WriteHeader() {
 
 int CHistoryCabinetFile::GetLatestVersionFile(const char* target) {
     if (!m_pFile->IsOpen() || m_header.versionCount == 0) return 0;
-    return Extract(*m_pFile, target, [&] { return LatestVersion(*m_pFile, m_header); });
+    return Extract(*m_pFile, target, [&] { return Content(*m_pFile).Latest(m_header); });
 }
 
 int CHistoryCabinetFile::GetVersionFile(DWORD version, const char* target) {
     if (!m_pFile->IsOpen() || version == 0 || version > m_header.versionCount) return 0;
-    return Extract(*m_pFile, target, [&] { return FindVersion(*m_pFile, version, m_header.versionCount); });
+    return Extract(*m_pFile, target, [&] { return Content(*m_pFile).Find(version, m_header.versionCount); });
 }
 
 void CHistoryCabinetFile::InitCabFileHeader() {
@@ -229,7 +239,7 @@ int CHistoryCabinetFile::ReadCabFileHeader() {
         return 0;
     }
     return qel::AsResult([&] {
-        m_header = qel::UnpackCabinetHeader(ReadAt<qel::kCabinetHeaderSize>(*m_pFile, 0));
+        m_header = Content(*m_pFile).Header();
         return 1;
     });
 }

@@ -23,7 +23,7 @@ struct CabinetHeader {
 }  // namespace qel
 
 /// What stands before the data of a version in a cabinet.
-struct _CAB_VERSIONHEADER {  // NOLINT(bugprone-reserved-identifier): the name that applications know
+struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
     std::array<char, 4> magic = {};
     DWORD version = 0;
     DWORD dataSize = 0;  ///< bytes
@@ -68,7 +68,7 @@ public:
     ///
     /// Before anything is written the cabinet is copied to the folder for temporary files, which takes no time where
     /// the file system can share blocks. The copy is deleted at the end; after a failure it is left there.
-    /// @return 0 leaves the cabinet as it was: damaged, open for reading only, or 4 GiB would not hold it
+    /// @return 0, and the cabinet as it was, also when it is damaged, open for reading only, or would reach 4 GiB
     int RegistNewVersion(const char* source);
 
     /// Number of versions, and of the latest one.
@@ -99,5 +99,5 @@ protected:
 
 private:
     void WriteHeader();
-    void Append(CFile& source, ULONGLONG end);
+    void Append(const CFile& source, DWORD size, ULONGLONG end);
 };

@@ -10,7 +10,7 @@
 
 /// A folder with a cabinet "c", in memory so that flushing takes no time; "tmp" takes the backups.
 class CabinetFolder : public testing::Test {
-protected:
+public:
     CabinetFolder() { std::filesystem::create_directory(folder.Posix("tmp")); }
 
     int Register(CHistoryCabinetFile& cabinet, const std::string& data) const {

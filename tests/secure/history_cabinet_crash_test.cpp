@@ -1,8 +1,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <random>
 #include <string>
@@ -38,6 +41,9 @@ protected:
         EXPECT_EQ(Register(cabinet, Data(next)), 1);
         for (DWORD version = 1; version <= next; ++version) EXPECT_TRUE(Version(cabinet, version) == Data(version));
         EXPECT_EQ(Version(cabinet), Data(next));
+        std::size_t size = 36;
+        for (DWORD version = 1; version <= next; ++version) size += 20 + Data(version).size();
+        EXPECT_EQ(std::filesystem::file_size(folder.Posix("c")), size) << "nothing is left behind the versions";
         return next;
     }
 };
@@ -53,8 +59,11 @@ public:
     };
 
     void Write(const void* buffer, UINT count) override {
-        steps.push_back({kWrite, GetPosition(), {static_cast<const char*>(buffer), count}});
-        CQFile::Write(buffer, count);
+        const bool isHalf = steps.size() == failing;
+        const UINT written = isHalf ? count / 2 : count;
+        steps.push_back({kWrite, GetPosition(), {static_cast<const char*>(buffer), written}});
+        CQFile::Write(buffer, written);
+        if (isHalf) throw CFileException(CFileException::diskFull);
     }
     void SetLength(ULONGLONG length) override {
         steps.push_back({kCut, length});
@@ -62,8 +71,10 @@ public:
     }
     void Flush() override {
         steps.push_back({kFlush});
+        if (steps.size() - 1 == failing) throw CFileException(CFileException::hardIO);
         CQFile::Flush();
     }
+    std::size_t failing = SIZE_MAX;  // the step that the disk refuses
     std::vector<Step> steps;
 };
 
@@ -154,4 +165,24 @@ TEST_F(CabinetCrash, APowerFailureLosesNothing) {
             ASSERT_FALSE(HasFailure()) << "behind step " << count << " of " << steps.size();
         }
     }
+}
+
+TEST_F(CabinetCrash, AFailedStepLeavesTheCabinetAndABackup) {
+    int failures = 0;
+    for (DWORD count = 0; count < 3; ++count) {
+        for (std::size_t step = 0;; ++step) {
+            RecordedCabinet cabinet;
+            ASSERT_EQ(cabinet.Create(path), 1);
+            for (DWORD version = 1; version <= count; ++version) ASSERT_EQ(Register(cabinet, Data(version)), 1);
+            const std::string before = folder.Read("c");
+            cabinet.file->failing = cabinet.file->steps.size() + step;
+            if (Register(cabinet, Data(count + 1))) break;
+            EXPECT_EQ(Backups(), ++failures);
+            EXPECT_EQ(cabinet.GetLatestVersion(), count);
+            EXPECT_EQ(folder.Read("c"), before) << "step " << step;
+            cabinet.Close();
+            Check(count);
+        }
+    }
+    EXPECT_EQ(failures, 9 + 6 + 6);
 }
