@@ -58,16 +58,14 @@ TEST(FilePath, KnowsWhatCannotBeAName) {
     }
 }
 
-TEST(FilePlace, TemporaryFilesAreMade) {
+TEST(FilePlace, AnswersForTheSystemAndItsModules) {
     const TempFolder folder;
     const EnvironmentScope temporary("TMPDIR", folder.Posix().c_str());
     EXPECT_EQ(CQFile::GetTempFolder(), folder.Path() + '\\');
     EXPECT_EQ(CQFile::GetFolderFromPath(CQFile::GetTempFilePath(nullptr)), folder.Path());
     EXPECT_EQ(folder.Count(), 1);
     EXPECT_EQ(CQFile::GetTempFilename(folder.Path("none"), "a"), "");
-}
 
-TEST(FilePlace, FoldersOfModulesAndOfTheSystem) {
     const CString program = CQFile::GetModuleFilePath(nullptr);
     EXPECT_EQ(program, CQFile::GetModuleFolder(nullptr) + "\\file_tests");
     EXPECT_EQ(CQFile::GetModuleIniFile(nullptr), program + ".ini");

@@ -120,6 +120,15 @@ TEST_F(QFile, CopiesFromAndToOtherFiles) {
         EXPECT_EQ(file.GetPosition(), expected.size());
         EXPECT_EQ(folder.Read("a"), expected);
     }
+    const TempFolder shm("/dev/shm");  // from there the kernel may not copy for us
+    std::string big;
+    for (int i = 0; i < 100'000; ++i) big += std::to_string(i);
+    for (const TempFolder* where : {&folder, &shm}) {
+        where->Write("big", big);
+        Open("ab", CFile::modeReadWrite, 2);
+        file.WriteFromFile(where->Path("big"), 7, 0xFFFFFFFF);
+        EXPECT_TRUE(folder.Read("a") == "ab" + big.substr(7));
+    }
     Open("abcde", CFile::modeRead, 1);
     file.ReadToFile(folder.Path("b"), 3);
     EXPECT_EQ(CodeOf([&] { file.ReadToFile(folder.Path("b"), 2); }), kGeneric);

@@ -135,33 +135,8 @@ TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
 
 TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
     m_folder.Write("a", std::string(300'000, 'a'));
-    EXPECT_EQ(InChild([&] {
-                  FillDiskAt(100'000);
-                  return Copy("a", "b");
-              }),
-              112);
-    EXPECT_EQ(m_folder.Read("b"), "old");
-    EXPECT_EQ(m_folder.Count(), 4);
-}
-
-TEST_F(FileOperations, CopyBytesReachesAnyPart) {
-    const TempFolder shm("/dev/shm");  // where the kernel may not copy for us
-    std::string bytes;
-    for (int i = 0; i < 100'000; ++i) bytes += std::to_string(i);
-    m_folder.Write("a", bytes);
-    CFile source(m_folder.Path("a"), CFile::modeRead);
-    for (const TempFolder* where : {&std::as_const(m_folder), &shm}) {
-        CFile target(where->Path("c"), CFile::modeCreate | CFile::modeReadWrite);
-        const auto copy = [&](std::uint64_t from, std::uint64_t to, std::uint64_t count) {
-            return qel::CopyBytes(source.ReadableDescriptor(), from, target.WritableDescriptor(), to, count, "a", "c");
-        };
-        EXPECT_EQ(copy(0, 0, bytes.size()), bytes.size());
-        EXPECT_EQ(copy(7, 3, 300'000), 300'000U);
-        EXPECT_EQ(copy(bytes.size() - 5, bytes.size(), 10), 5U);
-        EXPECT_EQ(target.GetPosition(), 0U);
-        EXPECT_TRUE(where->Read("c") == bytes.substr(0, 3) + bytes.substr(7, 300'000) + bytes.substr(300'003) +
-                                            bytes.substr(bytes.size() - 5));
-    }
+    EXPECT_EQ(InChild([&] { return FillDiskAt(100'000), Copy("a", "b"); }), 112);
+    EXPECT_TRUE(m_folder.Read("b") == "old" && m_folder.Count() == 4);
 }
 
 TEST_F(Replacement, HappensWholeOrNotAtAll) {

@@ -16,28 +16,22 @@
 
 namespace {
 
-constexpr UINT kAccess[] = {CFile::modeRead, CFile::modeWrite, CFile::modeReadWrite};
-constexpr UINT kShare[] = {CFile::shareExclusive, CFile::shareDenyWrite, CFile::shareDenyRead, CFile::shareDenyNone};
-constexpr int kModes = 12;
+// Reading, writing and both, each with the share modes from "exclusive" to "deny none".
+constexpr unsigned kModes = 12;
+constexpr UINT ModeOf(unsigned number) { return number / 4 | (number % 4 + 1) << 4; }
 
-constexpr UINT ModeOf(int number) { return kAccess[number / 4] | kShare[number % 4]; }
+// As bits: 1 reading, 2 writing.
+constexpr unsigned Does(unsigned number) { return number / 4 + 1; }
+constexpr unsigned Denies(unsigned number) { return 3 - number % 4; }
 
-// Which opening (column) the platform allows beside which (row), in the order of ModeOf: shared nothing, reading,
-// writing, both, for each of reading, writing, both.
-constexpr const char* kAllowed[kModes] = {
-    "............",  // R
-    ".+.+........",  // R, shares reading
-    ".....+.+....",  //
-    ".+.+.+.+.+.+",  //
-    "............",  // W
-    "..++........",  //
-    "......++....",  //
-    "..++..++..++",  //
-    "............",  // RW
-    "...+........",  //
-    ".......+....",  //
-    "...+...+...+",
-};
+// Which modes the platform allows beside @p held: none may do what the other denies.
+std::string Allowed(unsigned held) {
+    std::string allowed;
+    for (unsigned number = 0; number < kModes; ++number) {
+        allowed += (Does(number) & Denies(held)) != 0 || (Does(held) & Denies(number)) != 0 ? '.' : '+';
+    }
+    return allowed;
+}
 
 class ShareLock : public testing::Test {
 protected:
@@ -61,7 +55,7 @@ protected:
 
 std::string AllowedBeside(const CString& path) {
     std::string allowed;
-    for (int number = 0; number < kModes; ++number) {
+    for (unsigned number = 0; number < kModes; ++number) {
         CFile file;
         CFileException error;
         allowed += file.Open(path, ModeOf(number), &error) ? '+' : '.';
@@ -73,14 +67,14 @@ std::string AllowedBeside(const CString& path) {
 }  // namespace
 
 TEST_F(ShareLock, HoldsWithinAProcessAndAcross) {
-    for (int number = 0; number < kModes; ++number) {
+    for (unsigned number = 0; number < kModes; ++number) {
         SCOPED_TRACE(number);
         {
             const CFile file(m_path, ModeOf(number));
-            EXPECT_EQ(AllowedBeside(m_path), kAllowed[number]);
+            EXPECT_EQ(AllowedBeside(m_path), Allowed(number));
         }
         const auto holder = Holder(ModeOf(number));
-        EXPECT_EQ(AllowedBeside(m_path), kAllowed[number]);
+        EXPECT_EQ(AllowedBeside(m_path), Allowed(number));
     }
     EXPECT_EQ(AllowedBeside(m_path), std::string(kModes, '+'));
     EXPECT_EQ(m_folder.Count(), 1);  // no lock file
