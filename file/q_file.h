@@ -14,9 +14,11 @@
 class QELLIB10_API CQFile : public CFile {
 public:
     /// What GetLastError answers.
-    static constexpr DWORD errorCreateTempFile = 0x1001;  ///< the temporary file could not be made or opened
-    static constexpr DWORD errorCopy = 0x1002;            ///< the closed file could not be copied to its target
-    static constexpr DWORD errorDelete = 0x1003;          ///< the closed file could not be deleted
+    enum LastError : DWORD {
+        errorCreateTempFile = 0x1001,  ///< the temporary file could not be made or opened
+        errorCopy = 0x1002,            ///< the closed file could not be copied to its target
+        errorDelete = 0x1003           ///< the closed file could not be deleted
+    };
 
     CQFile() noexcept;
     ~CQFile() override;

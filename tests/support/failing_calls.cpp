@@ -62,6 +62,7 @@ template <class Argument> Argument Last(bool given, va_list rest) {
 
 }  // namespace
 
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the C library's declarations have its own
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -163,3 +164,4 @@ decltype(::lstat) Lstat64 __asm__("lstat64") __attribute__((alias("lstat"), noth
 decltype(::fstat) Fstat64 __asm__("fstat64") __attribute__((alias("fstat"), nothrow));
 }
 #pragma GCC visibility pop
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
