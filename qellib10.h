@@ -69,6 +69,7 @@
 #include "qellib10/runtime/system_info.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"
 #include "qellib10/secure/crypt_brow_fish.h"
+#include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"
 #include "qellib10/secure/history_renew_info.h"
 #include "qellib10/secure/q_diff_list.h"

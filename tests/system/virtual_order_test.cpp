@@ -72,6 +72,14 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CWorkerThreadCtrl()), kDestructor);
 
     EXPECT_EQ(Slots(CCryptBrowFish()), kDestructor);
+    struct Document : CCryptXMLDocument {
+        using ByPath = int (CCryptXMLDocument::*)(const char*, int);
+        static ByPath LoadPlain() { return &Document::LoadPlainXMLFile; }
+        static ByPath SavePlain() { return &Document::SavePlainXMLFile; }
+    };
+    ExpectInOrder(kDestructor, &Document::LoadXMLFile, &Document::SaveXMLFile, &Document::LockFile, &Document::IsLocked,
+                  &Document::LockCommit, &Document::LockRollback, Document::LoadPlain(), Document::SavePlain());
+    EXPECT_EQ(Slots(CCryptXMLDocument()), kDestructor + 8);
     EXPECT_EQ(Slots(CHistoryCabinetFile()), kDestructor);
     EXPECT_EQ(Slots(CHistoryRenewInfo()), 2u + kDestructor);
     EXPECT_EQ(Slots(CDiffItem()), kDestructor);

@@ -1,0 +1,303 @@
+#include "qellib10/secure/crypt_xml_document.h"
+
+#include <chrono>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <thread>
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_document.h"
+#include "qellib10/secure/crypt_xml_format.h"
+
+namespace {
+
+using qel::XmlNode;
+
+// Known to every application of the family.
+constexpr const char* kKey = "Tessaloomber::CVellumXMLRecords";
+
+std::string_view ViewOf(const char* text) { return text != nullptr ? text : ""; }
+
+std::string ReadWhole(CFile& file) {
+    file.SeekToBegin();
+    const ULONGLONG length = file.GetLength();
+    if (length > std::numeric_limits<int>::max()) throw qel::DataError("a document of 2 GiB or more");
+    std::string bytes(length, '\0');
+    if (file.Read(bytes.data(), static_cast<UINT>(length)) != length) throw qel::DataError("the file became shorter");
+    return bytes;
+}
+
+void WriteWhole(CFile& file, std::string_view bytes) {
+    file.SeekToBegin();
+    file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+    file.SetLength(file.GetPosition());
+}
+
+bool NamesEncoding(std::string_view text) {
+    const std::size_t end = text.find("?>");
+    return end != std::string_view::npos && text.substr(0, end).find("encoding") != std::string_view::npos;
+}
+
+std::optional<XmlNode> Find(const qel::XmlDocument& document, const char* path) {
+    const auto root = document.Root();
+    return root ? root->Select(ViewOf(path)) : std::nullopt;
+}
+
+CString CutFirst(CString& text, char separator) {
+    const int end = text.Find(separator);
+    const CString first = end < 0 ? text : text.Left(end);
+    text = end < 0 ? CString() : text.Mid(end + 1);
+    return first;
+}
+
+// The last node of a path, made with every one before it that is not there.
+XmlNode MakeNodes(const XmlNode& root, const char* path) {
+    XmlNode last = root;
+    CString walked;
+    for (CString left = path; !left.IsEmpty();) {
+        const CString step = CutFirst(left, '/');
+        const CString before = walked;
+        walked = CCryptXMLDocumentObject::AppendNode(before, step);
+        if (const auto found = root.Select(walked.View())) {
+            last = *found;
+            continue;
+        }
+        const int predicate = step.Find('[');
+        const CString name = predicate < 0 ? step : step.Left(predicate);
+        last = last.AppendElement(name.View());
+        if (predicate >= 0) walked = CCryptXMLDocumentObject::AppendNode(before, name + "[end()]");
+    }
+    return last;
+}
+
+}  // namespace
+
+CCryptXMLDocument::CCryptXMLDocument() : m_pDocument(std::make_unique<qel::XmlDocument>()) { Initialize(); }
+
+CCryptXMLDocument::~CCryptXMLDocument() {
+    if (m_nLocked != 0) CCryptXMLDocument::LockRollback();
+}
+
+int CCryptXMLDocument::Initialize() {
+    if (m_nLocked != 0) LockRollback();
+    Empty();
+    m_nCryptMode = 1;
+    m_szKey = kKey;
+    return 1;
+}
+
+int CCryptXMLDocument::LoadXMLFile(const char* path, int noWait) {
+    if (m_nCryptMode == 0) return LoadPlainXMLFile(path, noWait);
+    CFile file;
+    return file.Open(path, CFile::modeRead | CFile::shareDenyNone) ? LoadCryptXMLFile(file) : 0;
+}
+
+int CCryptXMLDocument::SaveXMLFile(const char* path, int noWait) {
+    return qel::AsResult([&] {
+        const std::string bytes =
+            m_nCryptMode != 0 ? EncipheredBytes() : std::string(ConvertToUTF8(GetXMLString()).View());
+        CFile file;
+        const int opened = m_nCryptMode != 0
+                               ? file.Open(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive)
+                               : FileOpen(file, path, 4, noWait);
+        if (!opened || (m_nCryptMode != 0 && bytes.empty())) return 0;
+        WriteWhole(file, bytes);
+        file.Close();
+        return 1;
+    });
+}
+
+int CCryptXMLDocument::LockFile(const char* path, int noWait, int create) {
+    if (m_nLocked != 0 || !FileOpen(m_fileLock, path, create != 0 ? 3 : 2, noWait)) return 0;
+    m_nLocked = m_nCryptMode != 0 ? LoadCryptXMLFile(m_fileLock) : LoadPlainXMLFile(m_fileLock);
+    if (m_nLocked == 0) m_fileLock.Abort();
+    return m_nLocked;
+}
+
+int CCryptXMLDocument::IsLocked() { return m_nLocked; }
+
+int CCryptXMLDocument::LockCommit() {
+    if (m_nLocked == 0) return 0;
+    const int saved = m_nCryptMode != 0 ? SaveCryptXMLFile(m_fileLock) : SavePlainXMLFile(m_fileLock);
+    return saved && qel::AsResult([&] {
+               m_fileLock.Close();
+               m_nLocked = 0;
+               return 1;
+           });
+}
+
+int CCryptXMLDocument::LockRollback() {
+    if (m_nLocked == 0) return 0;
+    m_fileLock.Abort();
+    return 1;
+}
+
+void CCryptXMLDocument::Empty() { m_pDocument->Empty(); }
+
+CString CCryptXMLDocument::GetXMLString() const { return CString(m_pDocument->Text()); }
+
+int CCryptXMLDocument::SetXMLString(const char* text) {
+    return qel::AsResult([&] {
+        m_pDocument->LoadText(ViewOf(text));
+        return 1;
+    });
+}
+
+int CCryptXMLDocument::GetNodeText(const char* path, CString& text) const {
+    return qel::AsResult([&] {
+        const auto node = Find(*m_pDocument, path);
+        if (node) text = CString(node->Text());
+        return node.has_value();
+    });
+}
+
+int CCryptXMLDocument::GetNodeXml(const char* path, CString& xml) const {
+    return qel::AsResult([&] {
+        const auto node = Find(*m_pDocument, path);
+        if (node) xml = CString(node->Xml());
+        return node.has_value();
+    });
+}
+
+int CCryptXMLDocument::SetNodeText(const char* path, const char* text) {
+    return qel::AsResult([&] {
+        const auto root = m_pDocument->Root();
+        if (!root) return 0;
+        const auto found = root->Select(ViewOf(path));
+        XmlNode node = found ? *found : MakeNodes(*root, path);
+        node.SetText(ViewOf(text));
+        return 1;
+    });
+}
+
+long CCryptXMLDocument::GetTagCount(const char* path) const {
+    long count = -1;
+    qel::AsResult([&] {
+        if (const auto root = m_pDocument->Root()) count = static_cast<long>(root->SelectAll(ViewOf(path)).size());
+        return 1;
+    });
+    return count;
+}
+
+int CCryptXMLDocument::DeleteTag(const char* path) {
+    return qel::AsResult([&] {
+        auto node = Find(*m_pDocument, path);
+        return node && node->Remove();
+    });
+}
+
+int CCryptXMLDocument::LoadPlainXMLFile(const char* path, int noWait) {
+    CFile file;
+    return m_nLocked == 0 && FileOpen(file, path, 1, noWait) ? LoadPlainXMLFile(file) : 0;
+}
+
+int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
+    if (m_nLocked != 0) return 0;
+    return qel::AsResult([&] {
+        const std::string bytes = m_pDocument->Bytes();
+        CFile file(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
+        WriteWhole(file, bytes);
+        file.Close();
+        return 1;
+    });
+}
+
+int CCryptXMLDocument::LoadCryptXMLFile(CFile& file) {
+    return qel::AsResult([&] {
+        const std::string bytes = ReadWhole(file);
+        if (bytes.empty()) {
+            Empty();
+            return 1;
+        }
+        if (bytes[0] != qel::kEncipheredMark) return LoadPlainXMLFile(file);
+        m_pDocument->LoadText(qel::DecipheredXml(bytes, m_szKey));
+        return 1;
+    });
+}
+
+std::string CCryptXMLDocument::EncipheredBytes() const {
+    std::string text = m_pDocument->Text();
+    return text.empty() ? text : qel::EncipheredXml(std::move(text), m_szKey);
+}
+
+int CCryptXMLDocument::SaveCryptXMLFile(CFile& file) {
+    return qel::AsResult([&] {
+        const std::string bytes = EncipheredBytes();
+        if (bytes.empty()) return 0;
+        WriteWhole(file, bytes);
+        return 1;
+    });
+}
+
+int CCryptXMLDocument::LoadPlainXMLFile(CFile& file) {
+    return qel::AsResult([&] {
+        const std::string bytes = ReadWhole(file);
+        if (bytes.empty()) {
+            Empty();
+            return 1;
+        }
+        std::string_view text = bytes.c_str();  // a zero byte ends it
+        if (NamesEncoding(text)) return SetXMLString(text.data());
+        constexpr std::string_view kMark = "\xEF\xBB\xBF";  // other programs' editors put it there
+        if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
+        // Not through the code page, which may lack some of it.
+        m_pDocument->LoadUtf8(qel::Utf8OfUnits(qel::DecodedUnits(text)));
+        return 1;
+    });
+}
+
+int CCryptXMLDocument::SavePlainXMLFile(CFile& file) {
+    return qel::AsResult([&] {
+        WriteWhole(file, ConvertToUTF8(GetXMLString()).View());
+        return 1;
+    });
+}
+
+int CCryptXMLDocument::FileOpen(CFile& file, const char* path, int kind, int noWait) {
+    UINT flags = 0;
+    switch (kind) {
+        case 1:
+            flags = CFile::modeRead | CFile::shareDenyWrite;
+            break;
+        case 2:
+            flags = CFile::modeReadWrite | CFile::shareDenyNone;
+            break;
+        case 3:
+            flags = CFile::modeReadWrite | CFile::shareDenyNone | CFile::modeCreate | CFile::modeNoTruncate;
+            break;
+        case 4:
+            flags = CFile::modeWrite | CFile::shareDenyNone | CFile::modeCreate;
+            break;
+        default:
+            return 0;
+    }
+    while (!file.Open(path, flags)) {
+        CFileStatus status;
+        const bool isThere = noWait == 0 && CFile::GetStatus(path, status) != 0;
+        if (!isThere || (status.m_attribute & CFileStatus::directory) != 0) return 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return 1;
+}
+
+CString CCryptXMLDocument::ConvertToUTF8(const char* text) {
+    return CString(qel::EncodedUnits(qel::ToUtf16(ViewOf(text))));
+}
+
+CString CCryptXMLDocument::ConvertFromUTF8(const char* text) {
+    return CString(qel::FromUtf16(qel::DecodedUnits(ViewOf(text))));
+}
+
+CString CCryptXMLDocument::Split(CString& text, char separator) { return CutFirst(text, separator); }
+
+CString CCryptXMLDocumentObject::AppendNode(const char* path, const char* node) {
+    CString joined = path;
+    if (!joined.IsEmpty() && joined.ReverseFind('/') != joined.GetLength() - 1) joined += '/';
+    return joined + node;
+}
+
+CString CCryptXMLDocumentObject::AppendNodeKey(const char* node, const char* key) {
+    return CString(node) + "[" + key + "]";
+}

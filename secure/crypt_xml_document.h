@@ -1,0 +1,156 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/storage/file.h"
+#include "qellib10/platform/text/string.h"
+
+namespace qel {
+class XmlDocument;
+}
+
+/// A document of settings or data: a tree of XML with one root, whose nodes are named by paths, kept in a file that is
+/// enciphered or plain.
+///
+///     CCryptXMLDocument method;
+///     if (!method.LockFile("method.xml", 0, 1)) return 0;
+///     if (method.GetXMLString().IsEmpty()) method.SetXMLString("<Method/>");
+///     method.SetNodeText("Limits/Item[end()]", "7.0");
+///     return method.LockCommit();
+///
+/// A path is XPath 1.0 from the root element, which it does not name: `Settings/Unit` is the child Unit of the root's
+/// child Settings. Predicates count from 1, and `end()` is the last of the matching siblings: `Item[2]`,
+/// `Item[@k='x']`, `Item[end()]`. Prefixes are part of a name. An attribute can be read, set and shown (`Item/@k`).
+///
+/// Text is in the process's code page. Characters that it lacks are kept as numeric references (`&#228;`) in the text
+/// of the document, and answered as their best fit. XML that is not well-formed is refused; so are elements nested
+/// deeper than 512, references to entities of a document type, and names that the code page lacks. Nothing outside the
+/// document is read. White space between elements is kept; line ends are written as CR LF.
+///
+/// Files are written in place, once all bytes are ready: a crash in mid-write leaves a part of them. Who needs more
+/// saves under another name and moves that file to its place. The key is a constant, so an enciphered file is kept from
+/// casual readers and no more.
+///
+/// Operations answer 1, or 0 when a file, a text or a path is missing or refused; nothing is thrown. A text that is
+/// refused leaves the document empty, without a root. One thread at a time.
+class QELLIB10_API CCryptXMLDocument {
+public:
+    /// Empty, and enciphered when it is saved.
+    CCryptXMLDocument();
+    /// Rolls a lock back.
+    virtual ~CCryptXMLDocument();
+    CCryptXMLDocument(const CCryptXMLDocument&) = delete;
+    CCryptXMLDocument& operator=(const CCryptXMLDocument&) = delete;
+
+    /// Loads a file. In crypt mode it may be enciphered or plain, and others may have it open in any way; @p noWait has
+    /// no effect. Without crypt mode it is plain, as LoadPlainXMLFile loads it. An empty file is an empty document.
+    virtual int LoadXMLFile(const char* path, int noWait);
+
+    /// Saves to a file, which is made or emptied first. In crypt mode it is enciphered, nobody else may have it open,
+    /// and
+    /// @p noWait has no effect; an empty document leaves an empty file and answers 0. Without crypt mode it is plain,
+    /// and opened as FileOpen does.
+    virtual int SaveXMLFile(const char* path, int noWait);
+
+    /// Opens a file, loads it, and keeps it open until LockCommit or LockRollback, so that what is changed is changed
+    /// in one opening. Others can open it likewise; loads of theirs without crypt mode are kept out.
+    /// @param create not 0: an empty file is made when there is none
+    /// @return 0 also while locked. A file that cannot be loaded is closed again.
+    virtual int LockFile(const char* path, int noWait, int create);
+
+    /// Whether LockFile has succeeded and no LockCommit since.
+    virtual int IsLocked();
+
+    /// Saves into the locked file and closes it.
+    /// @return 0 when not locked, and when it could not be written; the lock is then still there
+    virtual int LockCommit();
+
+    /// Closes the locked file as it is. The tree stays.
+    ///
+    /// Kept as applications know it: the document counts as locked from then on, LockFile and plain loads and saves by
+    /// path refuse, and LockCommit answers 0. Take another object.
+    /// @return 0 when not locked
+    virtual int LockRollback();
+
+    /// 0: files are written plain. The mode is no property of a file.
+    void SetCryptMode(int crypt) { m_nCryptMode = crypt; }
+    int IsCrypt() const { return m_nCryptMode; }
+
+    /// Takes everything out, the root too.
+    void Empty();
+
+    /// The document as text, without naming an encoding; the empty text when there is no root.
+    CString GetXMLString() const;
+    /// Takes text, in the code page whatever encoding it names, in place of the document.
+    int SetXMLString(const char* text);
+
+    /// Texts and sections below the first node of a path, joined; white space that only sets elements apart is left
+    /// out.
+    /// @return 0 when there is none; @p text is then as before
+    int GetNodeText(const char* path, CString& text) const;
+    /// The node as it stands in the document's text.
+    int GetNodeXml(const char* path, CString& xml) const;
+
+    /// Puts a text in place of all that is in the first node of a path. Elements that the path names and that are not
+    /// there are made, each as the last child; one of a step with a predicate is the last of its name, whatever the
+    /// predicate says: `Item[7]` makes one Item. Characters that XML cannot have become `?`.
+    /// @return 0 also for an empty document, and for a step that is no name; elements made for steps before it stay
+    int SetNodeText(const char* path, const char* text);
+
+    /// The number of nodes of a path; -1 for an empty document and for what is no path.
+    long GetTagCount(const char* path) const;
+
+    /// Takes the first node of a path out, with all that is in it.
+    int DeleteTag(const char* path);
+
+protected:
+    /// Loads or saves a plain file, refused while locked. Loading waits as FileOpen does, while somebody writes.
+    /// Saving writes the document with the encoding that it names, in that encoding, where the form with an open file
+    /// writes UTF-8 and names none; @p noWait has no effect.
+    virtual int LoadPlainXMLFile(const char* path, int noWait);
+    virtual int SavePlainXMLFile(const char* path, int noWait);
+
+    /// As after construction, but for the lock: one in force is rolled back, see there.
+    int Initialize();
+
+    /// Load from, or save to, a file that is open; it stays so. An enciphered file begins with a zero byte, any other
+    /// is loaded as a plain one. A plain file that names an encoding is taken to be in the code page, else in UTF-8.
+    int LoadCryptXMLFile(CFile& file);
+    int SaveCryptXMLFile(CFile& file);
+    int LoadPlainXMLFile(CFile& file);
+    int SavePlainXMLFile(CFile& file);
+
+    /// Opens a file: @p kind 1 reading, others may not write; 2 reading and writing; 3 the same, and it is made when
+    /// there is none; 4 writing, it is made or emptied. When that fails and the file exists, it is tried again every 10
+    /// ms, for as long as that is so, unless @p noWait is not 0. A folder is never waited for.
+    static int FileOpen(CFile& file, const char* path, int kind, int noWait);
+
+    /// Text of the code page in UTF-8 and back, each UTF-16 unit by itself: characters above U+FFFF take six bytes,
+    /// kept for files already in the field. Back, continuation bytes are not checked, and four bytes are read as well.
+    static CString ConvertToUTF8(const char* text);
+    static CString ConvertFromUTF8(const char* text);
+
+    /// Cuts off, and returns, what stands before the first @p separator; the separator goes too. All when there is
+    /// none.
+    static CString Split(CString& text, char separator);
+
+private:
+    std::string EncipheredBytes() const;
+
+    std::unique_ptr<qel::XmlDocument> m_pDocument;
+    int m_nCryptMode = 1;
+    CString m_szKey;
+    int m_nLocked = 0;
+    CFile m_fileLock;  // open while locked
+};
+
+/// Builds paths for CCryptXMLDocument.
+class QELLIB10_API CCryptXMLDocumentObject {
+public:
+    /// "A" and "B" make "A/B", as do "A/" and "B"; "" and "B" make "B".
+    static CString AppendNode(const char* path, const char* node);
+    /// "Item" and "2" make "Item[2]".
+    static CString AppendNodeKey(const char* node, const char* key);
+};

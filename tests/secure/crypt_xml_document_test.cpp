@@ -1,0 +1,341 @@
+#include "qellib10/secure/crypt_xml_document.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+
+#include "../support/cases.h"
+#include "../support/child_process.h"
+#include "../support/code_page_scope.h"
+#include "../support/full_disk.h"
+#include "../support/shared_state.h"
+#include "../support/temp_folder.h"
+#include "qellib10/secure/crypt_xml_format.h"
+
+namespace {
+
+// Reaches what derived classes may call.
+class Document : public CCryptXMLDocument {
+public:
+    using CCryptXMLDocument::ConvertFromUTF8;
+    using CCryptXMLDocument::ConvertToUTF8;
+    using CCryptXMLDocument::FileOpen;
+    using CCryptXMLDocument::Initialize;
+    using CCryptXMLDocument::LoadPlainXMLFile;
+    using CCryptXMLDocument::SavePlainXMLFile;
+    using CCryptXMLDocument::Split;
+
+    explicit Document(const char* xml = "") { SetXMLString(xml); }
+    std::string Xml() const { return std::string(GetXMLString().View()); }
+    std::string Text(const std::string& path) const {
+        CString text = "(none)";
+        GetNodeText(path.c_str(), text);
+        return std::string(text.View());
+    }
+};
+
+const CString kKey = "Tessaloomber::CVellumXMLRecords";
+
+class XmlFiles : public testing::Test {
+protected:
+    int Load(const std::string& bytes, int crypt = 1) {
+        m_folder.Write("in.xml", bytes);
+        m_document.SetCryptMode(crypt);
+        return m_document.LoadXMLFile(m_folder.Path("in.xml"), 1);
+    }
+    std::string Saved(int crypt) {
+        m_document.SetCryptMode(crypt);
+        EXPECT_EQ(m_document.SaveXMLFile(m_folder.Path("out.xml"), 1), 1);
+        return m_folder.Read("out.xml");
+    }
+
+    TempFolder m_folder;
+    CString m_path = m_folder.Path("a.xml");
+    Document m_document;
+};
+
+std::string DataFile(const std::string& name) {
+    std::ifstream file(std::string(QELLIB10_TEST_DATA) + "/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
+
+TEST(CryptXMLDocument, MakesTheNodesThatAPathNames) {
+    Document document("<r><A><Item>1</Item></A><A/></r>");
+    for (const auto& [path, made] : Cases<std::string, int>{{"A/B/C", 1},
+                                                            {"A/Item[7]/D", 1},
+                                                            {"A/Item[end()]", 1},
+                                                            {"A[2]/Item[1]", 1},
+                                                            {"\x83\x65\x81\x5B[1]/x", 1},
+                                                            {"E/1", 0},
+                                                            {"F//G", 0},
+                                                            {"/G", 0},
+                                                            {"H/", 0},
+                                                            {"", 0},
+                                                            {"*", 1},
+                                                            {"N/*", 0},
+                                                            {"..", 0},
+                                                            {"@k", 0},
+                                                            {"A[@k='a/b']", 0}}) {
+        EXPECT_EQ(document.SetNodeText(path.c_str(), "x"), made) << path;
+    }
+    EXPECT_EQ(document.Xml(),
+              "<r><A>x</A><A><Item>x</Item></A><\x83\x65\x81\x5B><x>x</x></\x83\x65\x81\x5B><F/><N/></r>\r\n");
+    EXPECT_EQ(document.SetXMLString("<r/>"), 1);
+    EXPECT_EQ(document.SetNodeText("A/B[2]/C", "1"), 1);
+    EXPECT_EQ(document.SetNodeText("A/B[2]/C", "2"), 1);
+    EXPECT_EQ(document.SetNodeText("A/B[2]/C", "3"), 1);
+    EXPECT_EQ(document.Xml(), "<r><A><B><C>1</C></B><B><C>3</C></B></A></r>\r\n");
+    EXPECT_EQ(document.GetTagCount("A/B"), 2);
+}
+
+TEST(CryptXMLDocument, AnswersBadPathsAndEmptyDocuments) {
+    Document document("<r k='v'><A>t</A></r>");
+    CString out = "old";
+    for (const char* const path : {"Item[", "count(A)", "B", "A/", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(document.GetNodeText(path, out) + document.GetNodeXml(path, out) + document.DeleteTag(path), 0);
+    }
+    EXPECT_EQ(out, "old");
+    EXPECT_EQ(document.GetTagCount("B"), 0);
+    EXPECT_EQ(document.GetTagCount("count(A)"), -1);
+    EXPECT_EQ(document.GetNodeXml("@k", out), 1);
+    EXPECT_EQ(out, "k=\"v\"");
+    EXPECT_EQ(document.DeleteTag("@k"), 0);
+    EXPECT_EQ(document.DeleteTag("A"), 1);
+    EXPECT_EQ(document.Xml(), "<r k=\"v\"/>\r\n");
+    EXPECT_EQ(document.DeleteTag("."), 1);
+    for (const bool isBad : {false, true}) {
+        EXPECT_EQ(!isBad || document.SetXMLString("<r><A></r>") == 0, true);
+        EXPECT_EQ(document.Xml(), "");
+        EXPECT_EQ(document.GetTagCount("A"), -1);
+        EXPECT_EQ(document.SetNodeText("A", "x") + document.GetNodeText("A", out) + document.DeleteTag("A"), 0);
+        document.SetXMLString("<r><A/></r>");
+    }
+}
+
+TEST(CryptXMLDocument, ConvertsUnitByUnit) {
+    EXPECT_EQ(Document::ConvertToUTF8("a\x83\x65"), "a\xE3\x83\x86");
+    EXPECT_EQ(Document::ConvertFromUTF8("a\xE3\x83\x86\xC3"), "a\x83\x65?");
+    const CodePageScope page(65001);
+    const char* const smile = "\xF0\x9F\x98\x80";
+    EXPECT_EQ(Document::ConvertToUTF8(smile), "\xED\xA0\xBD\xED\xB8\x80");
+    EXPECT_EQ(Document::ConvertFromUTF8("\xED\xA0\xBD\xED\xB8\x80"), smile);
+    EXPECT_EQ(Document::ConvertFromUTF8(smile), smile);
+    EXPECT_EQ(Document::ConvertFromUTF8("\xC1\x81\xC3"
+                                        "A\x80\xE3"),
+              "A\xC3\x81\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(CryptXMLDocument, SplitsAndJoinsPaths) {
+    CString left = "A/\x83\x2F/B";
+    for (const auto& [first, rest] :
+         Cases<std::string, std::string>{{"A", "\x83\x2F/B"}, {"\x83\x2F", "B"}, {"B", ""}, {"", ""}}) {
+        EXPECT_EQ(Document::Split(left, '/'), first.c_str());
+        EXPECT_EQ(left, rest.c_str());
+    }
+    using Path = CCryptXMLDocumentObject;
+    for (const char* const path : {"A", "A/"}) EXPECT_EQ(Path::AppendNode(path, "B"), "A/B");
+    EXPECT_EQ(Path::AppendNode("", "B"), "B");
+    EXPECT_EQ(Path::AppendNodeKey("Item", "2"), "Item[2]");
+}
+
+TEST_F(XmlFiles, EncipheredAreLoadedAsTheyWereSaved) {
+    for (const char* const xml : {"<a/>", "<abcdefgh/>", "<a k='\x83\x65'>&#228;\x95\x5C &amp;\n</a>"}) {
+        ASSERT_EQ(m_document.SetXMLString(xml), 1);
+        const std::string text = m_document.Xml();
+        const std::string bytes = Saved(1);
+        EXPECT_EQ(bytes[0], '\0');
+        EXPECT_EQ(bytes.size(), 1 + (text.size() + 7) / 8 * 8);
+        EXPECT_EQ(qel::DecipheredXml(bytes, kKey), text);
+        EXPECT_EQ(Load(bytes), 1);
+        EXPECT_EQ(m_document.Xml(), text);
+        EXPECT_EQ(Load(bytes, 0), 0);  // plain loads know no cipher
+        EXPECT_EQ(Load(bytes.substr(0, bytes.size() - 1)), 0);
+    }
+    EXPECT_EQ(Load(std::string(1, '\0')), 0);
+    EXPECT_EQ(m_document.Xml(), "");
+}
+
+TEST_F(XmlFiles, PlainAreUtf8UnlessTheyNameAnEncoding) {
+    const CodePageScope latin(1252);
+    const std::string umlaut = "\xC3\xA4";
+    for (const auto& [begin, text] : Cases<std::string, std::string>{{"", "\xE4"},
+                                                                     {"\xEF\xBB\xBF", "\xE4"},
+                                                                     {"<?xml version='1.0'?>", "\xE4"},
+                                                                     {"<?xml version='1.0' encoding='utf-8'?>", umlaut},
+                                                                     {"<!--encoding--><?p?>", umlaut}}) {
+        for (const int crypt : {0, 1}) {
+            EXPECT_EQ(Load(begin + "<a>" + umlaut + "</a>", crypt), 1);
+            EXPECT_EQ(m_document.Text("."), text) << begin;
+        }
+    }
+    EXPECT_EQ(Saved(0), "<!--encoding-->\r\n<?p?>\r\n<a>\xC3\x83\xC2\xA4</a>\r\n");
+    EXPECT_EQ(Load("<a>\xE2\x82\xAC\xE3\x83\x86\xF0\x9F\x98\x80</a>"), 1);
+    EXPECT_EQ(Saved(0), "<a>\xE2\x82\xAC&#12486;&#128512;</a>\r\n");
+    EXPECT_EQ(Load(std::string("<a/>\0<", 6)), 1);
+    EXPECT_EQ(Load("<\xE3\x83\x86/>"), 0);  // could not be saved again
+}
+
+TEST_F(XmlFiles, EmptyAreEmptyDocuments) {
+    for (const int crypt : {0, 1}) {
+        m_document.SetXMLString("<a/>");
+        EXPECT_EQ(Load("", crypt), 1);
+        EXPECT_EQ(m_document.Xml(), "");
+    }
+    EXPECT_EQ(Saved(0), "");
+    m_folder.Write("a.xml", "old");
+    m_document.SetCryptMode(1);
+    EXPECT_EQ(m_document.SaveXMLFile(m_path, 1), 0);
+    EXPECT_EQ(m_folder.Read("a.xml"), "");
+}
+
+TEST_F(XmlFiles, DoNotChangeWhenSavedAHundredTimes) {
+    const char* const bytes =
+        " <?xml version='1.0' encoding='Shift_JIS' ?><!DOCTYPE r><r>\n\t<a "
+        "k='&#10;\"'/>\r<b>\x83\x5C\x95\x5C\x81\x7C&#13;&#228;&gt;</b>"
+        "<![CDATA[<\r\n]]><!-- c\r\nd --><?p q\r?></r>\n\n<!--e-->";
+    for (const int crypt : {0, 1}) {
+        ASSERT_EQ(Load(bytes, crypt), 1);
+        const std::string first = Saved(crypt);
+        for (int i = 0; i < 100; ++i) {
+            ASSERT_EQ(Load(Saved(crypt), crypt), 1);
+            ASSERT_EQ(Saved(crypt), first);
+        }
+    }
+}
+
+TEST_F(XmlFiles, OfEarlierVersionsAreRead) {
+    for (const char* const name : {"method_enciphered.xml", "method_plain.xml"}) {
+        EXPECT_EQ(Load(DataFile(name)), 1);
+        EXPECT_EQ(m_document.Text("Formula"), "(EP-BLANK)*0.1/SAMPLE");
+        EXPECT_EQ(m_document.Text("Limits/Item[end()]/@unit"), "mol/L");
+        EXPECT_EQ(m_document.Text("Comment"), "\x93\x48\x92\xE8 a");
+    }
+    EXPECT_EQ(Saved(1), DataFile("method_enciphered.xml"));
+    EXPECT_EQ(Saved(0), DataFile("method_plain.xml"));
+}
+
+TEST_F(XmlFiles, AreSavedByPathInTheEncodingThatTheyName) {
+    m_document.SetXMLString("<?xml version='1.0' encoding='Shift_JIS'?><a>\x83\x65</a>");
+    EXPECT_EQ(m_document.SavePlainXMLFile(m_path, 1), 1);
+    EXPECT_EQ(m_folder.Read("a.xml"), "<?xml version=\"1.0\" encoding=\"Shift_JIS\"?>\r\n<a>\x83\x65</a>\r\n");
+    EXPECT_EQ(Saved(0), "<?xml version=\"1.0\"?>\r\n<a>\xE3\x83\x86</a>\r\n");
+    m_document.SetXMLString("<?xml version='1.0' encoding='none-such'?><a/>");
+    EXPECT_EQ(m_document.SavePlainXMLFile(m_path, 1), 0);
+    EXPECT_EQ(m_folder.Read("a.xml").size(), 55u);
+}
+
+TEST_F(XmlFiles, AreChangedUnderTheLock) {
+    for (const int crypt : {0, 1}) {
+        Document document;
+        document.SetCryptMode(crypt);
+        m_folder.Write("a.xml", "");
+        EXPECT_EQ(document.LockFile(m_folder.Path("none.xml"), 0, 0), 0);
+        EXPECT_EQ(document.LockFile(m_path, 1, 1), 1);
+        EXPECT_EQ(document.LockFile(m_path, 1, 1) + document.LoadPlainXMLFile(m_path, 1) +
+                      document.SavePlainXMLFile(m_path, 1),
+                  0);
+        document.SetXMLString("<a>a long text</a>");
+        EXPECT_EQ(document.LockCommit(), 1);
+        EXPECT_EQ(document.IsLocked() + document.LockCommit() + document.LockRollback(), 0);
+
+        EXPECT_EQ(document.LockFile(m_path, 1, 0), 1);
+        document.SetNodeText(".", "b");  // shorter
+        EXPECT_EQ(document.LockCommit(), 1);
+        EXPECT_EQ(document.LoadXMLFile(m_path, 1), 1);
+        EXPECT_EQ(document.Xml(), "<a>b</a>\r\n");
+
+        EXPECT_EQ(document.LockFile(m_path, 1, 0), 1);
+        document.SetNodeText(".", "c");
+        EXPECT_EQ(document.LockRollback(), 1);
+        EXPECT_EQ(document.IsLocked(), 1);  // kept
+        EXPECT_EQ(document.LockFile(m_path, 1, 0) + document.LockCommit() + document.LoadPlainXMLFile(m_path, 1), 0);
+        EXPECT_EQ(Load(m_folder.Read("a.xml")), 1);
+        EXPECT_EQ(m_document.Text("."), "b");
+    }
+    m_folder.Write("a.xml", "<a>");
+    EXPECT_EQ(m_document.LockFile(m_path, 1, 0), 0);
+    EXPECT_EQ(m_document.IsLocked(), 0);
+    CFile alone;
+    EXPECT_TRUE(alone.Open(m_path, CFile::modeReadWrite | CFile::shareExclusive));  // closed again
+}
+
+TEST_F(XmlFiles, WaitForWritersUnlessTheyMustNot) {
+    m_folder.Write("a.xml", "<a/>");
+    for (const auto& [kind, mode, opens] : Cases<int, UINT, int>{{0, 0, 0},
+                                                                 {1, CFile::modeRead, 1},
+                                                                 {2, CFile::modeReadWrite, 1},
+                                                                 {3, CFile::modeReadWrite, 1},
+                                                                 {4, CFile::modeWrite, 1},
+                                                                 {5, 0, 0}}) {
+        CFile first, second;
+        EXPECT_EQ(Document::FileOpen(first, m_path, kind, 1), opens);
+        if (opens == 0) continue;
+        const bool sharesWriting = second.Open(m_path, CFile::modeWrite | CFile::shareDenyNone);
+        EXPECT_EQ(sharesWriting, kind != 1) << kind;
+        EXPECT_EQ(first.GetLength(), kind == 4 ? 0u : 4u);
+    }
+    CFile file;
+    EXPECT_EQ(Document::FileOpen(file, m_folder.Path(), 1, 0), 0);
+    EXPECT_EQ(
+        Document::FileOpen(file, m_folder.Path("none"), 1, 0) + Document::FileOpen(file, m_folder.Path("none"), 2, 0),
+        0);
+
+    m_folder.Write("a.xml", "<a/>");
+    m_document.SetCryptMode(0);
+    Document holder;
+    holder.SetCryptMode(0);
+    ASSERT_EQ(holder.LockFile(m_path, 1, 0), 1);
+    EXPECT_EQ(m_document.LoadXMLFile(m_path, 1), 0);
+    std::thread waiting([&] { EXPECT_EQ(m_document.LoadXMLFile(m_path, 0), 1); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    holder.SetXMLString("<new/>");
+    EXPECT_EQ(holder.LockCommit(), 1);
+    waiting.join();
+    EXPECT_EQ(m_document.Xml(), "<new/>\r\n");
+}
+
+TEST_F(XmlFiles, AreFreeWhenTheHolderOfTheLockWasKilled) {
+    m_folder.Write("a.xml", "<a/>");
+    auto& isLocked = SharedWithChildren<std::atomic<bool>>();
+    ChildProcess holder([&] {
+        Document document;
+        isLocked = document.LockFile(m_path, 1, 0) != 0;
+        for (;;) std::this_thread::sleep_for(std::chrono::seconds(1));
+        return 0;
+    });
+    while (!isLocked) std::this_thread::yield();
+    m_document.SetCryptMode(0);
+    EXPECT_EQ(m_document.LoadXMLFile(m_path, 1), 0);
+    holder.Kill();
+    EXPECT_EQ(m_document.LoadXMLFile(m_path, 1), 1);
+    EXPECT_EQ(m_document.LockFile(m_path, 1, 0), 1);
+}
+
+TEST_F(XmlFiles, AnswerWhenTheDiskIsFull) {
+    EXPECT_EQ(InChild([&] {
+                  FillDiskAt(64);
+                  m_document.SetXMLString(("<a>" + std::string(100, 'x') + "</a>").c_str());
+                  const int saved = m_document.SaveXMLFile(m_path, 1);
+                  Document locked;
+                  const int taken = locked.LockFile(m_folder.Path("b.xml"), 1, 1);
+                  locked.SetXMLString(m_document.GetXMLString());
+                  return saved + 2 * taken + 4 * locked.LockCommit() + 8 * locked.IsLocked();
+              }),
+              2 + 8);
+}
+
+TEST_F(XmlFiles, ResetRollsALockBack) {
+    ASSERT_EQ(m_document.LockFile(m_path, 1, 1), 1);
+    m_document.SetCryptMode(0);
+    EXPECT_EQ(m_document.Initialize(), 1);
+    EXPECT_EQ(m_document.IsCrypt(), 1);
+    CFile alone;
+    EXPECT_TRUE(alone.Open(m_path, CFile::modeReadWrite | CFile::shareExclusive));
+}
