@@ -30,7 +30,7 @@ void XmlDocument::LoadBytes(std::string_view bytes) {
 
 void XmlDocument::LoadUtf8(std::string utf8) {
     Empty();
-    m_source = CheckedXmlText(std::move(utf8));
+    m_source = std::move(utf8);
     try {
         ReadXml(*m_tree, m_source);
     } catch (const DataError&) {

@@ -35,10 +35,10 @@ std::string TextOf(pugi::xml_node top) {
         if (!haveElements.back()) haveElements.back() = HasElement(node.parent());
         return *haveElements.back();
     };
-    const auto enter = [&](pugi::xml_node node) {
+    const auto enter = [&](pugi::xml_node node, bool hasChildren) {
         const bool isText = node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
         if (isText && !isIndentation(node)) text += node.value();
-        haveElements.emplace_back();
+        if (hasChildren) haveElements.emplace_back();
     };
     WalkXml(top, enter, [&](pugi::xml_node) { haveElements.pop_back(); });
     return text;

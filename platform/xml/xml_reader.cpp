@@ -18,7 +18,9 @@ namespace {
 // Everything is kept, and references are left as they are: what the parser does not know it would pass as text.
 constexpr unsigned kParsing = pugi::parse_cdata | pugi::parse_comments | pugi::parse_pi | pugi::parse_declaration |
                               pugi::parse_doctype | pugi::parse_wconv_attribute | pugi::parse_ws_pcdata |
-                              pugi::parse_fragment;
+                              pugi::parse_fragment | pugi::parse_eol;
+
+constexpr std::string_view kSectionEnd = "]]>";
 
 void Require(bool holds, const char* otherwise) {
     if (!holds) throw DataError(otherwise);
@@ -27,10 +29,16 @@ void Require(bool holds, const char* otherwise) {
 bool Contains(std::string_view text, std::string_view wanted) { return text.find(wanted) != std::string_view::npos; }
 
 // `item` is a node or an attribute.
-template <class Item> void TakeReferencesOut(Item item, std::string_view value) {
-    if (!Contains(value, "&")) return;
+template <class Item> void TakeReferencesOut(Item item, const char* value) {
+    if (std::strchr(value, '&') == nullptr) return;
     const std::string text = WithoutReferences(value);
     item.set_value(text.c_str());
+}
+
+void TakeLineEndsOut(pugi::xml_node node) {  // of what the parser passes as it stands
+    if (std::strchr(node.value(), '\r') == nullptr) return;
+    const std::string text = WithPlainLineEnds(node.value());
+    node.set_value(text.c_str());
 }
 
 void CheckNamesDiffer(pugi::xml_node element) {
@@ -40,37 +48,59 @@ void CheckNamesDiffer(pugi::xml_node element) {
     Require(std::ranges::adjacent_find(names) == names.end(), "an attribute stands twice");
 }
 
-void TakeAttributes(pugi::xml_node element) {
-    if (element.first_attribute() != element.last_attribute()) CheckNamesDiffer(element);
-    for (const auto attribute : element.attributes()) {
-        const std::string_view value = attribute.value();
-        Require(!Contains(value, "<"), "an attribute holds a tag's begin");
-        Require(IsInCodePage(attribute.name()), "an attribute's name is not in the code page");
-        TakeReferencesOut(attribute, value);
-    }
-}
+// Takes the nodes of a text one by one.
+class Reader {
+public:
+    explicit Reader(std::string_view text)
+        : m_allInCodePage(IsInCodePage(text)), m_hasSectionEnd(Contains(text, kSectionEnd)) {}
 
-void TakeNode(pugi::xml_node node) {
-    const std::string_view value = node.value();
-    switch (node.type()) {
-        case pugi::node_element:
-            Require(IsInCodePage(node.name()), "an element's name is not in the code page");
-            TakeAttributes(node);
-            break;
-        case pugi::node_pcdata:
-            Require(!Contains(value, "]]>"), "a text holds a section's end");
-            TakeReferencesOut(node, value);
-            break;
-        case pugi::node_comment:
-            Require(!Contains(value, "--") && !value.ends_with('-'), "a comment holds a comment's end");
-            break;
-        case pugi::node_pi:
-            Require(IsInCodePage(node.name()), "an instruction's name is not in the code page");
-            break;
-        default:
-            break;
+    void Take(pugi::xml_node node) const {
+        switch (node.type()) {
+            case pugi::node_element:
+                CheckName(node.name());
+                TakeAttributes(node);
+                break;
+            case pugi::node_pcdata:
+                Require(!m_hasSectionEnd || !Contains(node.value(), kSectionEnd), "a text holds a section's end");
+                TakeReferencesOut(node, node.value());
+                break;
+            case pugi::node_comment: {
+                const std::string_view value = node.value();
+                Require(!Contains(value, "--") && !value.ends_with('-'), "a comment holds a comment's end");
+                break;
+            }
+            case pugi::node_pi:
+                CheckName(node.name());
+                TakeLineEndsOut(node);
+                break;
+            case pugi::node_doctype:
+                TakeLineEndsOut(node);
+                break;
+            default:
+                break;
+        }
     }
-}
+
+private:
+    void CheckName(const char* name) const {
+        Require(m_allInCodePage || IsInCodePage(name), "a name that is not in the code page");
+    }
+
+    void TakeAttributes(pugi::xml_node element) const {
+        const auto first = element.first_attribute();
+        if (!first) return;
+        if (first.next_attribute()) CheckNamesDiffer(element);
+        for (auto attribute = first; attribute; attribute = attribute.next_attribute()) {
+            const char* const value = attribute.value();
+            Require(std::strchr(value, '<') == nullptr, "an attribute holds a tag's begin");
+            CheckName(attribute.name());
+            TakeReferencesOut(attribute, value);
+        }
+    }
+
+    // Asked once for the whole text, since the answers are mostly the simple ones.
+    bool m_allInCodePage, m_hasSectionEnd;
+};
 
 // Beside the root, and before the references are taken out: a reference to a blank is text as well.
 void CheckTop(const pugi::xml_document& tree) {
@@ -128,6 +158,8 @@ void CheckDeclaration(pugi::xml_node declaration) {
 }  // namespace
 
 void ReadXml(pugi::xml_document& tree, std::string& text) {
+    Require(IsUtf8OfXml(text), "bytes that are no character of XML");
+    const Reader reader(text);
     text += '\n';  // the parser does not see the last character if that is text
     const auto result = tree.load_buffer_inplace(text.data(), text.size(), kParsing, pugi::encoding_utf8);
     if (!result) throw DataError(result.description());
@@ -138,10 +170,10 @@ void ReadXml(pugi::xml_document& tree, std::string& text) {
             CheckDeclaration(top);
             continue;
         }
-        const auto enter = [&](pugi::xml_node node) {
-            ++depth;
-            Require(depth <= kDeepestXml || node.type() != pugi::node_element, "elements nested too deep");
-            TakeNode(node);
+        const auto enter = [&](pugi::xml_node node, bool hasChildren) {
+            Require(depth < kDeepestXml || node.type() != pugi::node_element, "elements nested too deep");
+            reader.Take(node);
+            depth += hasChildren;
         };
         WalkXml(top, enter, [&](pugi::xml_node) { --depth; });
     }

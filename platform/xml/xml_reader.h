@@ -8,8 +8,8 @@ class xml_document;
 
 namespace qel {
 
-/// Builds the tree of a text. What the parser lets pass although XML forbids it is refused here.
-/// @param text as CheckedXmlText gives it; the tree's own texts stand in it afterwards
+/// Builds the tree of a text in UTF-8. What the parser lets pass although XML forbids it is refused here.
+/// @param text the tree's own texts stand in it afterwards
 /// @throws DataError when it is refused; the tree is then in any state
 void ReadXml(pugi::xml_document& tree, std::string& text);
 

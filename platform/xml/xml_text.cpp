@@ -17,20 +17,9 @@ constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
 
 // A loop without exits, which the compiler turns into vector instructions.
 bool HasControls(std::string_view text) {
-    bool found = false;
-    for (const char c : text) found |= static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-    return found;
-}
-
-bool IsUtf8OfXml(std::string_view text) {
-    if (HasControls(text)) return false;
-    for (std::size_t at = EndOfAscii(text, 0); at < text.size(); at = EndOfAscii(text, at)) {
-        const std::size_t begin = at;
-        const char32_t character = NextCharacter(text, at);
-        if (!IsXmlCharacter(character)) return false;
-        if (character == kReplacementCharacter && text.substr(begin, at - begin) != kReplacementUtf8) return false;
-    }
-    return true;
+    unsigned found = 0;
+    for (const unsigned char c : text) found |= (c < 0x20) & (c != '\t') & (c != '\n') & (c != '\r');
+    return found != 0;
 }
 
 std::optional<char32_t> NumberOf(std::string_view digits, int base) {
@@ -55,6 +44,17 @@ std::optional<char32_t> CharacterOf(std::string_view reference) {
 
 bool IsXmlName(std::string_view name) {
     return !name.empty() && IsXmlNameStart(name[0]) && std::ranges::all_of(name, IsXmlNamePart);
+}
+
+bool IsUtf8OfXml(std::string_view text) {
+    if (HasControls(text)) return false;
+    for (std::size_t at = EndOfAscii(text, 0); at < text.size(); at = EndOfAscii(text, at)) {
+        const std::size_t begin = at;
+        const char32_t character = NextCharacter(text, at);
+        if (!IsXmlCharacter(character)) return false;
+        if (character == kReplacementCharacter && text.substr(begin, at - begin) != kReplacementUtf8) return false;
+    }
+    return true;
 }
 
 bool IsInCodePage(std::string_view utf8) {
@@ -84,11 +84,6 @@ std::string WithPlainLineEnds(std::string_view utf8) {
         at += utf8.substr(at).starts_with("\r\n") ? 2 : 1;
     }
     return result;
-}
-
-std::string CheckedXmlText(std::string utf8) {
-    if (!IsUtf8OfXml(utf8)) throw DataError("bytes that are no character of XML");
-    return utf8.find('\r') == std::string::npos ? std::move(utf8) : WithPlainLineEnds(utf8);
 }
 
 std::string WithoutReferences(std::string_view utf8) {

@@ -28,6 +28,9 @@ constexpr bool IsXmlNameStart(char c) {
 constexpr bool IsXmlNamePart(char c) { return IsXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
 bool IsXmlName(std::string_view name);
 
+/// Whether the bytes are UTF-8, and every character one of XML.
+bool IsUtf8OfXml(std::string_view text);
+
 /// Whether the process's code page has every character.
 bool IsInCodePage(std::string_view utf8);
 
@@ -36,10 +39,6 @@ std::string WithXmlCharacters(std::string utf8);
 
 /// The text with LF for CR LF and for CR.
 std::string WithPlainLineEnds(std::string_view utf8);
-
-/// The text with LF line ends, once every byte of it was found to belong to a character of XML.
-/// @throws DataError when one does not, or the bytes are not UTF-8
-std::string CheckedXmlText(std::string utf8);
 
 /// The text with references replaced by their characters: `&amp;` `&lt;` `&gt;` `&quot;` `&apos;` `&#n;` `&#xh;`.
 /// @throws DataError for any other `&`

@@ -2,22 +2,31 @@
 
 namespace qel {
 
-/// Calls @p enter for @p top and everything below it, in document order, and @p leave behind the children of each. Does
-/// not recurse. Node is the parser's handle of a node, which is true unless it is null.
+/// Calls @p enter, with whether it has children, for @p top and everything
+/// below it, in document order, and @p leave behind the children of those that
+/// have some. Does not recurse. Node is the parser's handle of a node, which is
+/// true unless it is null.
 template <class Node, class Enter, class Leave> void WalkXml(Node top, Enter enter, Leave leave) {
-    for (Node node = top;;) {
-        enter(node);
-        if (const Node child = node.first_child()) {
+    Node node = top;
+    for (int depth = 0;;) {
+        const Node child = node.first_child();
+        const bool hasChildren = static_cast<bool>(child);
+        enter(node, hasChildren);
+        if (hasChildren) {
             node = child;
+            ++depth;
             continue;
         }
-        leave(node);
-        while (node != top && !node.next_sibling()) {
+        for (;;) {
+            if (depth == 0) return;
+            if (const Node next = node.next_sibling()) {
+                node = next;
+                break;
+            }
             node = node.parent();
             leave(node);
+            --depth;
         }
-        if (node == top) return;
-        node = node.next_sibling();
     }
 }
 

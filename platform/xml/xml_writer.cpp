@@ -1,7 +1,10 @@
 #include "qellib10/platform/xml/xml_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <string_view>
+#include <utility>
 
 #include <pugixml.hpp>
 
@@ -38,47 +41,89 @@ constexpr Escapes EscapesOfData() {  // comments, sections and the like, which k
     return escapes;
 }
 
-constexpr Escapes kText = EscapesOfText(), kValue = EscapesOfValue(), kData = EscapesOfData();
+constexpr Escapes kNone = {}, kText = EscapesOfText(), kValue = EscapesOfValue(), kData = EscapesOfData();
+
+// Text that grows character by character.
+class Output {
+public:
+    void Put(char c) {
+        if (m_at == m_end) Grow();
+        *m_at++ = c;
+    }
+    void Put(const char* text) { Put(text, kNone); }
+    void Put(const char* text, const Escapes& escapes) {
+        for (;;) {
+            const char* escape = nullptr;
+            char *at = m_at, *const end = m_end;  // in registers: what is written could be ourselves, for the compiler
+            for (; *text != '\0' && at != end; ++text) {
+                escape = escapes[static_cast<unsigned char>(*text)];
+                if (escape != nullptr) break;
+                *at++ = *text;
+            }
+            m_at = at;
+            if (*text == '\0') return;
+            if (at == end) {
+                Grow();
+            } else {
+                Put(escape);
+                ++text;
+            }
+        }
+    }
+    std::string Result() {
+        m_text.resize(Size());
+        return std::move(m_text);
+    }
+
+private:
+    std::size_t Size() const { return static_cast<std::size_t>(m_at - m_text.data()); }
+    void Grow() {
+        const std::size_t size = Size();
+        m_text.resize(std::max<std::size_t>(2 * size, 256));
+        m_at = m_text.data() + size;
+        m_end = m_text.data() + m_text.size();
+    }
+
+    std::string m_text;
+    char* m_at = m_text.data();
+    char* m_end = m_at;
+};
 
 class Writer {
 public:
     explicit Writer(const XmlForm& form) : m_form(form) {}
 
-    void Node(pugi::xml_node node) {
+    void Node(pugi::xml_node top) {
+        const auto leave = [this](pugi::xml_node node) {
+            m_output.Put("</");
+            m_output.Put(node.name());
+            m_output.Put('>');
+        };
         WalkXml(
-            node, [this](pugi::xml_node entered) { Enter(entered); }, [this](pugi::xml_node left) { Leave(left); });
+            top, [this](pugi::xml_node node, bool hasChildren) { Enter(node, hasChildren); }, leave);
     }
 
     void Attribute(pugi::xml_attribute attribute) {
-        m_text += attribute.name();
-        m_text += "=\"";
-        Put(attribute.value(), kValue);
-        m_text += '"';
+        m_output.Put(attribute.name());
+        m_output.Put("=\"");
+        m_output.Put(attribute.value(), kValue);
+        m_output.Put('"');
     }
 
-    void LineEnd() { m_text += "\r\n"; }
-    std::string Result() { return std::move(m_text); }
+    void LineEnd() { m_output.Put("\r\n"); }
+    std::string Result() { return m_output.Result(); }
 
 private:
-    void Put(const char* text, const Escapes& escapes) {
-        const char* run = text;
-        for (; *text != '\0'; ++text) {
-            const char* const escape = escapes[static_cast<unsigned char>(*text)];
-            if (escape == nullptr) continue;
-            m_text.append(run, text);
-            m_text += escape;
-            run = text + 1;
-        }
-        m_text.append(run, text);
-    }
-
-    void Enter(pugi::xml_node node) {
+    void Enter(pugi::xml_node node, bool hasChildren) {
         switch (node.type()) {
             case pugi::node_element:
-                Tag(node);
+                m_output.Put('<');
+                m_output.Put(node.name());
+                Attributes(node);
+                m_output.Put(hasChildren ? ">" : "/>");
                 break;
             case pugi::node_pcdata:
-                Put(node.value(), kText);
+                m_output.Put(node.value(), kText);
                 break;
             case pugi::node_cdata:
                 Section(node.value());
@@ -90,7 +135,9 @@ private:
                 Instruction(node);
                 break;
             case pugi::node_declaration:
-                Declaration(node);
+                m_output.Put("<?xml");
+                Attributes(node);
+                m_output.Put("?>");
                 break;
             case pugi::node_doctype:
                 Data("<!DOCTYPE ", node.value(), ">");
@@ -100,31 +147,25 @@ private:
         }
     }
 
-    void Leave(pugi::xml_node node) {
-        if (node.type() != pugi::node_element || !node.first_child()) return;
-        m_text += "</";
-        m_text += node.name();
-        m_text += '>';
-    }
-
-    void Tag(pugi::xml_node node) {
-        m_text += '<';
-        m_text += node.name();
-        for (const auto attribute : node.attributes()) {
-            m_text += ' ';
+    void Attributes(pugi::xml_node node) {
+        for (auto attribute = node.first_attribute(); attribute; attribute = attribute.next_attribute()) {
+            if (node.type() == pugi::node_declaration && !m_form.namesEncoding &&
+                std::strcmp(attribute.name(), "encoding") == 0) {
+                continue;
+            }
+            m_output.Put(' ');
             Attribute(attribute);
         }
-        m_text += node.first_child() ? ">" : "/>";
     }
 
     void Data(const char* before, const char* data, const char* behind) {
-        m_text += before;
-        Put(data, kData);
-        m_text += behind;
+        m_output.Put(before);
+        m_output.Put(data, kData);
+        m_output.Put(behind);
     }
 
     void Section(const char* text) {
-        if (!m_form.has(text)) return Put(text, kText);
+        if (!m_form.has(text)) return m_output.Put(text, kText);
         std::string_view left = text;  // the end of a section within one is cut in two
         for (std::size_t at = left.find("]]>"); at != std::string_view::npos; at = left.find("]]>")) {
             Data("<![CDATA[", std::string(left.substr(0, at + 2)).c_str(), "]]>");
@@ -134,23 +175,13 @@ private:
     }
 
     void Instruction(pugi::xml_node node) {
-        m_text += "<?";
-        m_text += node.name();
+        m_output.Put("<?");
+        m_output.Put(node.name());
         Data(*node.value() != '\0' ? " " : "", node.value(), "?>");
     }
 
-    void Declaration(pugi::xml_node node) {
-        m_text += "<?xml";
-        for (const auto attribute : node.attributes()) {
-            if (!m_form.namesEncoding && std::strcmp(attribute.name(), "encoding") == 0) continue;
-            m_text += ' ';
-            Attribute(attribute);
-        }
-        m_text += "?>";
-    }
-
     const XmlForm& m_form;
-    std::string m_text;
+    Output m_output;
 };
 
 }  // namespace
