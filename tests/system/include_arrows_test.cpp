@@ -27,6 +27,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/sync", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
     {"platform/registry", {"platform/shell"}},
+    {"platform/drawing", {"platform/storage"}},
     {"resource", {"platform/text"}},
     {"runtime", {"resource", "platform/archive", "platform/shell", "platform/sync"}},
     {"base", {"runtime", "platform/variant"}},

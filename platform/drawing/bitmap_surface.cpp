@@ -1,0 +1,264 @@
+#include "qellib10/platform/drawing/bitmap_surface.h"
+
+#include <cairo.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "qellib10/platform/drawing/cairo_canvas.h"
+#include "qellib10/platform/drawing/cairo_shapes.h"
+#include "qellib10/platform/drawing/dash_pattern.h"
+#include "qellib10/platform/drawing/hatch.h"
+#include "qellib10/platform/drawing/text_font.h"
+
+namespace qel {
+namespace {
+
+constexpr std::uint32_t PixelOf(COLORREF color) noexcept {
+    return std::uint32_t{GetRValue(color)} << 16 | std::uint32_t{GetGValue(color)} << 8 | GetBValue(color);
+}
+
+constexpr int Millimetres(int dots, int dotsAnInch) noexcept {
+    return dotsAnInch > 0 ? dots * 254 / (dotsAnInch * 10) : 0;
+}
+
+}  // namespace
+
+BitmapSurface::BitmapSurface(const SIZE& dotsAnInch)
+    : m_dotsAnInch(dotsAnInch), m_pPixels(PixelBuffer::Create(1, 1)), m_writer(m_raster, 0) {
+    Rebuild();
+}
+
+BitmapSurface::~BitmapSurface() = default;
+
+int BitmapSurface::DeviceCaps(int index) const {
+    switch (index) {
+        case TECHNOLOGY:
+            return DT_RASDISPLAY;
+        case HORZSIZE:
+            return Millimetres(m_pPixels->Width(), m_dotsAnInch.cx);
+        case VERTSIZE:
+            return Millimetres(m_pPixels->Height(), m_dotsAnInch.cy);
+        case HORZRES:
+            return m_pPixels->Width();
+        case VERTRES:
+            return m_pPixels->Height();
+        case BITSPIXEL:
+            return 32;
+        case PLANES:
+            return 1;
+        case LOGPIXELSX:
+            return m_dotsAnInch.cx;
+        case LOGPIXELSY:
+            return m_dotsAnInch.cy;
+        default:
+            return 0;
+    }
+}
+
+bool BitmapSurface::SelectPixels(std::shared_ptr<PixelBuffer> pixels) {
+    Flush();
+    m_pPixels = std::move(pixels);
+    m_pCanvas.reset();
+    Rebuild();
+    return true;
+}
+
+void BitmapSurface::SetInk(const Ink& ink) {
+    Flush();
+    m_ink = ink;
+    Rebuild();
+}
+
+// The clip and the pen decide what a line is written with.
+void BitmapSurface::Rebuild() {
+    const CRect clip = ClipBox();
+    m_raster = {m_pPixels->Row(0), m_pPixels->Width(), clip.left, clip.top, clip.right, clip.bottom};
+    m_line = m_ink.penStyle == PS_NULL ? Line::kNone
+             : m_ink.IsDashed()        ? Line::kDashed
+             : m_ink.IsThinSolid()     ? Line::kThin
+                                       : Line::kWide;
+    m_writer = PolylineWriter(m_raster, PixelOf(m_ink.penColor));
+    m_writer.MoveTo(m_at);
+}
+
+CRect BitmapSurface::ClipBox() const {
+    CRect clip(0, 0, m_pPixels->Width(), m_pPixels->Height());
+    if (m_ink.clip) clip.IntersectRect(clip, *m_ink.clip);
+    return clip;
+}
+
+CairoCanvas& BitmapSurface::Canvas() {
+    if (!m_pCanvas) m_pCanvas = std::make_unique<CairoCanvas>(m_pPixels);
+    return *m_pCanvas;
+}
+
+void BitmapSurface::Flush() { m_writer.Flush(); }
+
+void BitmapSurface::MoveTo(const POINT& to) {
+    m_writer.MoveTo(to);
+    m_at = to;
+    m_nDashPhase = 0;
+}
+
+void BitmapSurface::LineTo(const POINT& to) {
+    if (m_line == Line::kThin) {
+        m_writer.LineTo(to);
+    } else if (m_line == Line::kDashed) {
+        DashedLine(m_at, to);
+    } else if (m_line == Line::kWide) {
+        // A stroke a line: the picture must not depend on how many of them are drawn together.
+        cairo_t* const cairo = Canvas().Begin();
+        ClipTo(cairo, ClipBox());
+        cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
+        UseRoundPen(cairo, m_ink);
+        AddLine(cairo, m_at, to, m_ink.penWidth);
+        cairo_stroke(cairo);
+        Canvas().End();
+    }
+    m_at = to;
+}
+
+void BitmapSurface::DashedLine(const POINT& from, const POINT& to) {
+    const std::uint32_t color = PixelOf(m_ink.penColor), gap = PixelOf(m_ink.backColor);
+    LineSteps(from, to, ClipBox()).ForEach([&](int x, int y, std::int64_t step) {
+        if (IsDash(m_ink.penStyle, m_nDashPhase + step)) {
+            *m_raster.At(x, y) = color;
+        } else if (m_ink.isOpaque) {
+            *m_raster.At(x, y) = gap;
+        }
+    });
+    const auto distance = [](LONG a, LONG b) { return std::abs(std::int64_t{a} - b); };
+    m_nDashPhase += std::max(distance(from.x, to.x), distance(from.y, to.y));
+}
+
+void BitmapSurface::Rectangle(const CRect& box) {
+    m_writer.Flush();
+    if (m_line == Line::kNone) {
+        // Without an outline the inside is one smaller.
+        FillRect({box.left, box.top, box.right - 1, box.bottom - 1}, m_ink.brush);
+        return;
+    }
+    const CRect last(box.left, box.top, box.right - 1, box.bottom - 1);
+    if (m_line == Line::kWide) {
+        FillRect(box, m_ink.brush);
+        cairo_t* const cairo = Canvas().Begin();
+        ClipTo(cairo, ClipBox());
+        cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
+        UseRoundPen(cairo, m_ink);
+        AddOutline(cairo, box, m_ink);
+        cairo_stroke(cairo);
+        Canvas().End();
+        return;
+    }
+    FillRect({box.left + 1, box.top + 1, last.right, last.bottom}, m_ink.brush);
+    if (m_line == Line::kThin) {
+        const std::uint32_t color = PixelOf(m_ink.penColor);
+        FillBox(m_raster, {box.left, box.top, box.right, box.top + 1}, color);
+        FillBox(m_raster, {box.left, last.bottom, box.right, box.bottom}, color);
+        FillBox(m_raster, {box.left, box.top, box.left + 1, box.bottom}, color);
+        FillBox(m_raster, {last.right, box.top, box.right, box.bottom}, color);
+        return;
+    }
+    const std::int64_t phase = std::exchange(m_nDashPhase, 0);
+    const POINT corners[] = {{last.left, last.top},
+                             {last.right, last.top},
+                             {last.right, last.bottom},
+                             {last.left, last.bottom},
+                             {last.left, last.top}};
+    for (int i = 0; i < 4; ++i) DashedLine(corners[i], corners[i + 1]);
+    m_nDashPhase = phase;
+}
+
+void BitmapSurface::Arc(const CRect& box, const POINT& start, const POINT& end) {
+    m_writer.Flush();
+    if (m_line == Line::kNone) return;
+    const bool isSmall = box.Width() <= PixelBuffer::kLongestSide && box.Height() <= PixelBuffer::kLongestSide &&
+                         box.Width() > 0 && box.Height() > 0;
+    if (m_line == Line::kThin && isSmall && IsWholeEllipse(box, start, end)) {
+        ThinEllipse(box);
+        return;
+    }
+    cairo_t* const cairo = Canvas().Begin();
+    ClipTo(cairo, ClipBox());
+    cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
+    UseRoundPen(cairo, m_ink);
+    AddArc(cairo, box, start, end, m_ink.penWidth);
+    cairo_stroke(cairo);
+    Canvas().End();
+}
+
+void BitmapSurface::ThinEllipse(const CRect& box) {
+    const std::uint32_t color = PixelOf(m_ink.penColor);
+    const std::vector<EllipseSpan> rows = EllipseSpans(box.Width(), box.Height());
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        const int y = box.top + static_cast<int>(row);
+        const auto bar = [&](int left, int right) {
+            FillBox(m_raster, {box.left + left, y, box.left + right + 1, y + 1}, color);
+        };
+        const EllipseSpan& span = rows[row];
+        if (row == 0 || row + 1 == rows.size()) {
+            bar(span.left, span.right);
+            continue;
+        }
+        // What both neighbouring rows reach over is inside.
+        bar(span.left, std::max(span.left, std::max(rows[row - 1].left, rows[row + 1].left) - 1));
+        bar(std::min(span.right, std::min(rows[row - 1].right, rows[row + 1].right) + 1), span.right);
+    }
+}
+
+void BitmapSurface::FillRect(const CRect& box, const LOGBRUSH& brush) {
+    m_writer.Flush();
+    if (brush.lbStyle == BS_NULL) return;
+    const std::uint32_t color = PixelOf(brush.lbColor), gap = PixelOf(m_ink.backColor);
+    if (brush.lbStyle != BS_HATCHED) {
+        FillBox(m_raster, box, color);
+        return;
+    }
+    const CRect inside = m_raster.Clipped(box);
+    for (int y = inside.top; y < inside.bottom; ++y) {
+        for (int x = inside.left; x < inside.right; ++x) {
+            if (IsHatchPixel(brush.lbHatch, x, y)) {
+                *m_raster.At(x, y) = color;
+            } else if (m_ink.isOpaque) {
+                *m_raster.At(x, y) = gap;
+            }
+        }
+    }
+}
+
+void BitmapSurface::InvertRect(const CRect& box) {
+    m_writer.Flush();
+    const CRect inside = m_raster.Clipped(box);
+    for (int y = inside.top; y < inside.bottom; ++y) {
+        for (int x = inside.left; x < inside.right; ++x) *m_raster.At(x, y) ^= 0x00FFFFFF;
+    }
+}
+
+void BitmapSurface::Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
+                         const CRect* box) {
+    m_writer.Flush();
+    cairo_t* const cairo = Canvas().Begin();
+    ClipTo(cairo, ClipBox());
+    if (box != nullptr) ClipTo(cairo, *box);
+    SetSource(cairo, color);
+    font.Show(cairo, line, baseline.x, baseline.y);
+    Canvas().End();
+}
+
+void BitmapSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) {
+    m_writer.Flush();
+    const CRect target = m_raster.Clipped(CRect(to, source.Size()));
+    if (target.IsRectEmpty()) return;
+    const int fromX = source.left + (target.left - to.x), fromY = source.top + (target.top - to.y);
+    const std::size_t bytes = static_cast<std::size_t>(target.Width()) * sizeof(std::uint32_t);
+    // A picture may be copied onto itself: rows that are overwritten are taken first.
+    const bool isDownward = &pixels == m_pPixels.get() && target.top > fromY;
+    for (int i = 0; i < target.Height(); ++i) {
+        const int row = isDownward ? target.Height() - 1 - i : i;
+        std::memmove(m_raster.At(target.left, target.top + row), pixels.Row(fromY + row) + fromX, bytes);
+    }
+}
+
+}  // namespace qel

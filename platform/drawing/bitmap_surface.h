@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+
+#include "qellib10/platform/drawing/pixel_buffer.h"
+#include "qellib10/platform/drawing/polyline_writer.h"
+#include "qellib10/platform/drawing/surface.h"
+
+namespace qel {
+
+class CairoCanvas;
+
+/// A picture in memory. Thin lines, fills, inversion, copies and clips are written into the pixels by ourselves; wide
+/// pens, partial arcs and text are Cairo's.
+class BitmapSurface : public Surface {
+public:
+    /// The resolution that screens are taken to have.
+    static constexpr int kScreenDotsAnInch = 96;
+
+    explicit BitmapSurface(const SIZE& dotsAnInch);
+    ~BitmapSurface() override;
+
+    int DeviceCaps(int index) const override;
+    void SetInk(const Ink& ink) override;
+    void MoveTo(const POINT& to) override;
+    void LineTo(const POINT& to) override;
+    void Rectangle(const CRect& box) override;
+    void Arc(const CRect& box, const POINT& start, const POINT& end) override;
+    void FillRect(const CRect& box, const LOGBRUSH& brush) override;
+    void InvertRect(const CRect& box) override;
+    void Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
+              const CRect* box) override;
+    void CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) override;
+    bool SelectPixels(std::shared_ptr<PixelBuffer> pixels) override;
+    void Flush() override;
+    PixelBuffer* Pixels() override { return m_pPixels.get(); }
+
+private:
+    enum class Line { kNone, kThin, kDashed, kWide };
+
+    void DashedLine(const POINT& from, const POINT& to);
+    void ThinEllipse(const CRect& box);
+    CairoCanvas& Canvas();
+    CRect ClipBox() const;
+    void Rebuild();
+
+    SIZE m_dotsAnInch;
+    std::shared_ptr<PixelBuffer> m_pPixels;
+    std::unique_ptr<CairoCanvas> m_pCanvas;  // made when Cairo is needed first
+    Ink m_ink;
+    Line m_line = Line::kThin;
+    Raster m_raster;  // the pixels within the clip
+    PolylineWriter m_writer;
+    POINT m_at{0, 0};
+    std::int64_t m_nDashPhase = 0;  // steps since the polyline began
+};
+
+}  // namespace qel

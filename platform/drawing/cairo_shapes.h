@@ -1,0 +1,29 @@
+#pragma once
+
+#include "qellib10/platform/drawing/ink.h"
+
+using cairo_t = struct _cairo;
+
+namespace qel {
+
+// Shapes as Cairo draws them, the same on every back end. Whoever calls has set antialiasing and clip.
+
+void SetSource(cairo_t* cairo, COLORREF color);
+void ClipTo(cairo_t* cairo, const CRect& box);
+
+/// How far inside the pixel the middle of a pen lies: odd widths lie on the pixel's middle, even ones on its corner, so
+/// that the extra row is above and the extra column at the left.
+double PenCenter(int penWidth) noexcept;
+
+/// Round ends and joins, the ink's pen without dashes.
+void UseRoundPen(cairo_t* cairo, const Ink& ink);
+
+/// The path of a line, of the outline of a box, and of an arc, through the pen's middle.
+void AddLine(cairo_t* cairo, const POINT& from, const POINT& to, int penWidth);
+void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink);
+void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& end, int penWidth);
+
+/// Whether the rays from the box's middle through both points are the same: the arc is the whole ellipse.
+bool IsWholeEllipse(const CRect& box, const POINT& start, const POINT& end) noexcept;
+
+}  // namespace qel

@@ -1,0 +1,390 @@
+#include "qellib10/platform/drawing/dc.h"
+
+#include <utility>
+
+#include "qellib10/platform/drawing/device_context.h"
+
+namespace {
+
+constexpr COLORREF kNoColor = 0xFFFFFFFF;
+
+CString TextOf(const char* text, int length) {
+    if (text == nullptr) return CString();
+    return length < 0 ? CString(text) : CString(text, length);
+}
+
+}  // namespace
+
+CDC::CDC() = default;
+
+CDC::~CDC() {
+    DeleteDC();
+    for (const auto& [handle, object] : m_mapObject) object->m_hObject = nullptr;
+}
+
+BOOL CDC::CreateCompatibleDC(CDC* dc) {
+    if (m_hDC != nullptr) return 0;
+    return Attach(::CreateCompatibleDC(dc != nullptr ? dc->m_hDC : nullptr));
+}
+
+BOOL CDC::Attach(HDC dc) {
+    auto context = qel::FindDeviceContext(dc);
+    if (m_hDC != nullptr || !context) return 0;
+    m_hDC = m_hAttribDC = dc;
+    m_pOutput = m_pAttributes = std::move(context);
+    return 1;
+}
+
+HDC CDC::Detach() {
+    m_pOutput = m_pAttributes = nullptr;
+    m_hAttribDC = nullptr;
+    return std::exchange(m_hDC, nullptr);
+}
+
+BOOL CDC::DeleteDC() { return m_hDC != nullptr && ::DeleteDC(Detach()); }
+
+void CDC::SetAttribDC(HDC dc) {
+    m_pAttributes = qel::FindDeviceContext(dc);
+    m_hAttribDC = m_pAttributes ? dc : nullptr;
+}
+
+void CDC::ReleaseAttribDC() { SetAttribDC(nullptr); }
+
+void CDC::SetOutputDC(HDC dc) {
+    m_pOutput = qel::FindDeviceContext(dc);
+    m_hDC = m_pOutput ? dc : nullptr;
+}
+
+void CDC::ReleaseOutputDC() { SetOutputDC(nullptr); }
+
+BOOL CDC::IsPrinting() const { return m_pAttributes && m_pAttributes->DeviceCaps(TECHNOLOGY) == DT_RASPRINTER; }
+
+int CDC::GetDeviceCaps(int index) const { return m_pAttributes ? m_pAttributes->DeviceCaps(index) : 0; }
+
+int CDC::SaveDC() {
+    if (!m_pOutput) return 0;
+    if (m_pAttributes && m_pAttributes != m_pOutput) m_pAttributes->Save();
+    return m_pOutput->Save();
+}
+
+BOOL CDC::RestoreDC(int saved) {
+    if (!m_pOutput) return 0;
+    if (m_pAttributes && m_pAttributes != m_pOutput) m_pAttributes->Restore(saved);
+    return m_pOutput->Restore(saved);
+}
+
+// Selects in both contexts; the answer is the output's.
+template <class Object> Object* CDC::Select(Object* object) {
+    if (object == nullptr || !m_pOutput) return nullptr;
+    const HGDIOBJ handle = object->GetSafeHandle();
+    if (m_pAttributes && m_pAttributes != m_pOutput) m_pAttributes->Select(handle);
+    return ObjectOf<Object>(m_pOutput->Select(handle));
+}
+
+template <class Object> Object* CDC::ObjectOf(HGDIOBJ handle) {
+    if (handle == nullptr) return nullptr;
+    if (auto* const owner = dynamic_cast<Object*>(qel::FindOwner(handle))) return owner;
+    std::unique_ptr<CGdiObject>& stand = m_mapObject[handle];
+    if (!stand) {
+        stand = std::make_unique<Object>();
+        stand->m_hObject = handle;
+    }
+    return static_cast<Object*>(stand.get());
+}
+
+CPen* CDC::SelectObject(CPen* pen) { return Select(pen); }
+
+CBrush* CDC::SelectObject(CBrush* brush) { return Select(brush); }
+
+CFont* CDC::SelectObject(CFont* font) { return Select(font); }
+
+CBitmap* CDC::SelectObject(CBitmap* bitmap) {
+    if (bitmap == nullptr || !m_pOutput) return nullptr;
+    return ObjectOf<CBitmap>(m_pOutput->Select(bitmap->GetSafeHandle()));
+}
+
+CGdiObject* CDC::SelectStockObject(int number) {
+    CPen pen;
+    CBrush brush;
+    CFont font;
+    const auto select = [&](CGdiObject& object) { return object.CreateStockObject(number); };
+    if (number >= WHITE_BRUSH && number <= NULL_BRUSH && select(brush)) return Select(&brush);
+    if (number >= WHITE_PEN && number <= NULL_PEN && select(pen)) return Select(&pen);
+    if (number == SYSTEM_FONT && select(font)) return SelectObject(&font);
+    return nullptr;
+}
+
+namespace {
+
+// Sets one value in both contexts of a pair. @return the output's value until now
+template <class Value> Value SetInBoth(qel::DeviceContext* output, qel::DeviceContext* attributes,
+                                       Value qel::DrawState::*member, Value value, Value onFailure) {
+    if (output == nullptr) return onFailure;
+    if (attributes != nullptr && attributes != output) attributes->Change().*member = value;
+    return std::exchange(output->Change().*member, value);
+}
+
+template <class Value> Value Get(const qel::DeviceContext* context, Value qel::DrawState::*member, Value onFailure) {
+    return context != nullptr ? context->State().*member : onFailure;
+}
+
+}  // namespace
+
+COLORREF CDC::SetTextColor(COLORREF color) {
+    return SetInBoth(Output(), Attributes(), &qel::DrawState::textColor, color, kNoColor);
+}
+
+COLORREF CDC::SetBkColor(COLORREF color) {
+    return SetInBoth(Output(), Attributes(), &qel::DrawState::backColor, color, kNoColor);
+}
+
+int CDC::SetBkMode(int mode) {
+    if (mode != TRANSPARENT && mode != OPAQUE) return 0;
+    return SetInBoth(Output(), Attributes(), &qel::DrawState::backMode, mode, 0);
+}
+
+UINT CDC::SetTextAlign(UINT align) {
+    return SetInBoth(Output(), Attributes(), &qel::DrawState::textAlign, align, kNoColor);
+}
+
+COLORREF CDC::GetTextColor() const { return Get(Attributes(), &qel::DrawState::textColor, kNoColor); }
+
+COLORREF CDC::GetBkColor() const { return Get(Attributes(), &qel::DrawState::backColor, kNoColor); }
+
+int CDC::GetBkMode() const { return Get(Attributes(), &qel::DrawState::backMode, 0); }
+
+UINT CDC::GetTextAlign() const { return Get(Attributes(), &qel::DrawState::textAlign, kNoColor); }
+
+namespace {
+
+// Changes the mapping of both contexts of a pair; the answer of @p change for the output's is the result.
+template <class Change> auto ChangeMapping(qel::DeviceContext* output, qel::DeviceContext* attributes, Change change) {
+    using Result = decltype(change(output->Change().mapping));
+    if (output == nullptr) return Result();
+    if (attributes != nullptr && attributes != output) change(attributes->Change().mapping);
+    return change(output->Change().mapping);
+}
+
+}  // namespace
+
+int CDC::SetMapMode(int mode) {
+    return ChangeMapping(Output(), Attributes(), [mode](qel::Mapping& mapping) {
+        const int before = mapping.Mode();
+        return mapping.SetMode(mode) ? before : 0;
+    });
+}
+
+int CDC::GetMapMode() const { return m_pAttributes ? m_pAttributes->State().mapping.Mode() : 0; }
+
+CPoint CDC::SetViewportOrg(int x, int y) {
+    return ChangeMapping(Output(), Attributes(), [x, y](qel::Mapping& mapping) {
+        const CPoint before = mapping.ViewportOrigin();
+        mapping.SetViewportOrigin({x, y});
+        return before;
+    });
+}
+
+CSize CDC::SetViewportExt(int cx, int cy) {
+    return ChangeMapping(Output(), Attributes(), [cx, cy](qel::Mapping& mapping) {
+        const CSize before = mapping.ViewportExtent();
+        mapping.SetViewportExtent({cx, cy});
+        return before;
+    });
+}
+
+CPoint CDC::SetWindowOrg(int x, int y) {
+    return ChangeMapping(Output(), Attributes(), [x, y](qel::Mapping& mapping) {
+        const CPoint before = mapping.WindowOrigin();
+        mapping.SetWindowOrigin({x, y});
+        return before;
+    });
+}
+
+CSize CDC::SetWindowExt(int cx, int cy) {
+    return ChangeMapping(Output(), Attributes(), [cx, cy](qel::Mapping& mapping) {
+        const CSize before = mapping.WindowExtent();
+        mapping.SetWindowExtent({cx, cy});
+        return before;
+    });
+}
+
+CPoint CDC::GetViewportOrg() const { return m_pAttributes ? m_pAttributes->State().mapping.ViewportOrigin() : POINT(); }
+
+CSize CDC::GetViewportExt() const { return m_pAttributes ? m_pAttributes->State().mapping.ViewportExtent() : SIZE(); }
+
+CPoint CDC::GetWindowOrg() const { return m_pAttributes ? m_pAttributes->State().mapping.WindowOrigin() : POINT(); }
+
+CSize CDC::GetWindowExt() const { return m_pAttributes ? m_pAttributes->State().mapping.WindowExtent() : SIZE(); }
+
+void CDC::LPtoDP(POINT* points, int count) const {
+    if (!m_pAttributes || points == nullptr) return;
+    for (int i = 0; i < count; ++i) points[i] = m_pAttributes->State().mapping.ToDevice(points[i]);
+}
+
+void CDC::LPtoDP(RECT* rect) const {
+    if (rect == nullptr) return;
+    POINT corners[] = {{rect->left, rect->top}, {rect->right, rect->bottom}};
+    LPtoDP(corners, 2);
+    *rect = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
+}
+
+void CDC::DPtoLP(POINT* points, int count) const {
+    if (!m_pAttributes || points == nullptr) return;
+    for (int i = 0; i < count; ++i) points[i] = m_pAttributes->State().mapping.ToLogical(points[i]);
+}
+
+void CDC::DPtoLP(RECT* rect) const {
+    if (rect == nullptr) return;
+    POINT corners[] = {{rect->left, rect->top}, {rect->right, rect->bottom}};
+    DPtoLP(corners, 2);
+    *rect = {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
+}
+
+int CDC::SelectClipRgn(CRgn* region) {
+    if (!m_pOutput) return 0;
+    if (region == nullptr) {
+        m_pOutput->Change().clip.reset();
+        return 2;
+    }
+    const auto object = qel::FindObject<qel::RegionObject>(region->GetSafeHandle());
+    if (!object) return 0;
+    m_pOutput->Change().clip = object->box;
+    return object->box.IsRectEmpty() ? 1 : 2;
+}
+
+int CDC::GetClipBox(RECT* box) const {
+    if (!m_pOutput || box == nullptr) return 0;
+    const qel::DrawState& state = m_pOutput->State();
+    CRect clip(0, 0, m_pOutput->DeviceCaps(HORZRES), m_pOutput->DeviceCaps(VERTRES));
+    if (state.clip) clip.IntersectRect(clip, *state.clip);
+    const POINT topLeft = state.mapping.ToLogical({clip.left, clip.top});
+    const POINT bottomRight = state.mapping.ToLogical({clip.right, clip.bottom});
+    *box = {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
+    return clip.IsRectEmpty() ? 1 : 2;
+}
+
+CPoint CDC::MoveTo(int x, int y) {
+    if (!m_pOutput) return CPoint();
+    const CPoint before = m_pOutput->State().position;
+    m_pOutput->MoveTo({x, y});
+    return before;
+}
+
+CPoint CDC::GetCurrentPosition() const { return m_pOutput ? m_pOutput->State().position : POINT(); }
+
+BOOL CDC::LineTo(int x, int y) {
+    if (!m_pOutput) return 0;
+    m_pOutput->LineTo({x, y});
+    return 1;
+}
+
+BOOL CDC::Polyline(const POINT* points, int count) {
+    if (!m_pOutput || points == nullptr || count < 2) return 0;
+    const POINT before = m_pOutput->State().position;
+    m_pOutput->MoveTo(points[0]);
+    for (int i = 1; i < count; ++i) m_pOutput->LineTo(points[i]);
+    m_pOutput->MoveTo(before);
+    return 1;
+}
+
+BOOL CDC::Rectangle(int left, int top, int right, int bottom) {
+    if (!m_pOutput) return 0;
+    m_pOutput->Rectangle({left, top, right, bottom});
+    return 1;
+}
+
+BOOL CDC::Arc(int left, int top, int right, int bottom, int startX, int startY, int endX, int endY) {
+    if (!m_pOutput) return 0;
+    m_pOutput->Arc({left, top, right, bottom}, {startX, startY}, {endX, endY});
+    return 1;
+}
+
+void CDC::FillRect(const RECT* rect, CBrush* brush) {
+    LOGBRUSH description;
+    if (!m_pOutput || rect == nullptr || brush == nullptr || !brush->GetLogBrush(&description)) return;
+    m_pOutput->FillRect(*rect, description);
+}
+
+void CDC::FillSolidRect(const RECT* rect, COLORREF color) {
+    SetBkColor(color);
+    if (m_pOutput && rect != nullptr) m_pOutput->FillRect(*rect, {BS_SOLID, color, 0});
+}
+
+void CDC::InvertRect(const RECT* rect) {
+    if (m_pOutput && rect != nullptr) m_pOutput->InvertRect(*rect);
+}
+
+BOOL CDC::BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY) {
+    if (!m_pOutput || source == nullptr || !source->m_pOutput) return 0;
+    return m_pOutput->Copy({x, y}, {width, height}, *source->m_pOutput, {sourceX, sourceY});
+}
+
+COLORREF CDC::GetPixel(int x, int y) const {
+    if (!m_pOutput) return kNoColor;
+    const qel::PixelBuffer* const pixels = m_pOutput->Flushed().Pixels();
+    const POINT at = m_pOutput->State().mapping.ToDevice({x, y});
+    if (pixels == nullptr || at.x < 0 || at.y < 0 || at.x >= pixels->Width() || at.y >= pixels->Height())
+        return kNoColor;
+    const std::uint32_t pixel = pixels->Row(at.y)[at.x];
+    return RGB(pixel >> 16, pixel >> 8, pixel);
+}
+
+COLORREF CDC::SetPixel(int x, int y, COLORREF color) {
+    if (!m_pOutput) return kNoColor;
+    const POINT at = m_pOutput->State().mapping.ToDevice({x, y});
+    m_pOutput->FillDevicePixel(at, color);
+    return GetPixel(x, y);
+}
+
+BOOL CDC::TextOut(int x, int y, const char* text, int length) {
+    if (!m_pOutput || text == nullptr) return 0;
+    m_pOutput->TextOut({x, y}, TextOf(text, length));
+    return 1;
+}
+
+BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rect, const char* text, UINT length, const int*) {
+    if (!m_pOutput) return 0;
+    if (rect != nullptr && (options & ETO_OPAQUE) != 0) {
+        m_pOutput->FillRect(*rect, {BS_SOLID, m_pOutput->State().backColor, 0});
+    }
+    if (text == nullptr || length == 0) return 1;
+    const std::optional<CRect> before = m_pOutput->State().clip;
+    if (rect != nullptr && (options & ETO_CLIPPED) != 0) {
+        CRect clip = m_pOutput->ToDevice(*rect);
+        if (before) clip.IntersectRect(clip, *before);
+        m_pOutput->Change().clip = clip;
+    }
+    const BOOL result = TextOut(x, y, text, static_cast<int>(length));
+    m_pOutput->Change().clip = before;
+    return result;
+}
+
+int CDC::DrawText(const char* text, int length, RECT* rect, UINT format) {
+    if (!m_pOutput || text == nullptr || rect == nullptr) return 0;
+    CRect box(*rect);
+    const int height = m_pOutput->DrawTextBox(TextOf(text, length), box, format);
+    if ((format & DT_CALCRECT) != 0) *rect = box;
+    return height;
+}
+
+CSize CDC::GetTextExtent(const char* text, int length) const {
+    return m_pAttributes ? m_pAttributes->TextExtent(TextOf(text, length)) : CSize();
+}
+
+CSize CDC::GetOutputTextExtent(const CString& text) const { return m_pOutput ? m_pOutput->TextExtent(text) : CSize(); }
+
+BOOL CDC::GetTextMetrics(TEXTMETRIC* metrics) const {
+    if (!m_pAttributes || metrics == nullptr) return 0;
+    *metrics = m_pAttributes->TextMetrics();
+    return 1;
+}
+
+int CDC::StartDoc(const char* name) { return m_pOutput ? m_pOutput->Flushed().StartDoc(name) : -1; }
+
+int CDC::StartPage() { return m_pOutput ? m_pOutput->BeginPage() : -1; }
+
+int CDC::EndPage() { return m_pOutput ? m_pOutput->Flushed().EndPage() : -1; }
+
+int CDC::EndDoc() { return m_pOutput ? m_pOutput->Flushed().EndDoc() : -1; }
+
+int CDC::AbortDoc() { return m_pOutput ? m_pOutput->Flushed().AbortDoc() : -1; }

@@ -1,0 +1,160 @@
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "qellib10/platform/drawing/gdi_object.h"
+
+namespace qel {
+class DeviceContext;
+}
+
+/// The surface that everything is drawn on: a picture in memory, a page of a printer, a file, a widget. A context takes
+/// logical units (device units unless a map mode is set) and draws with the objects and colours that are selected.
+///
+/// A fresh one has a black pen of one unit, a white brush, black text on an opaque white background, the position 0,0
+/// and no clip. It has two sides: the output context is drawn on, the attribute context asked about (resolution, map
+/// mode, fonts); both are the same but for a print preview, which shows a printer's page on the screen.
+///
+/// Operations on a context without a handle answer 0 and do nothing. A context belongs to one thread at a time.
+class QELLIB10_API CDC {
+public:
+    CDC();
+    virtual ~CDC();
+    CDC(const CDC&) = delete;
+    CDC& operator=(const CDC&) = delete;
+
+    /// A context in memory like @p dc (null: like the screen, 96 dots an inch), with a picture of 1 x 1 until a bitmap
+    /// is selected. @return 0 when this object has a handle
+    BOOL CreateCompatibleDC(CDC* dc);
+    BOOL Attach(HDC dc);  ///< takes over a context for output and attributes; 0 when there is one, or for a bad handle
+    HDC Detach();         ///< gives the output context away
+    BOOL DeleteDC();
+    HDC GetSafeHdc() const noexcept { return m_hDC; }
+    operator HDC() const noexcept { return m_hDC; }
+    /// Which context is asked about from now on; not deleted with this object unless it is the output's.
+    virtual void SetAttribDC(HDC dc);
+    virtual void ReleaseAttribDC();
+    virtual void SetOutputDC(HDC dc);
+    virtual void ReleaseOutputDC();
+    BOOL IsPrinting() const;  ///< whether the attribute context is a printer's
+
+    int GetDeviceCaps(int index) const;
+
+    /// Keeps objects, colours, modes, mapping, position and clip. @return how many states are kept now
+    virtual int SaveDC();
+    /// Back to the state that was kept as number @p saved, or -1 as the last one; later ones are forgotten.
+    virtual BOOL RestoreDC(int saved);
+
+    // Selection: the answer is the object until now, owned by its creator or, if nobody's, good until this context
+    // goes.
+    CPen* SelectObject(CPen* pen);
+    CBrush* SelectObject(CBrush* brush);
+    virtual CFont* SelectObject(CFont* font);
+    CBitmap* SelectObject(CBitmap* bitmap);
+    int SelectObject(CRgn* region) { return SelectClipRgn(region); }
+    virtual CGdiObject* SelectStockObject(int number);
+
+    virtual COLORREF SetTextColor(COLORREF color);  ///< the setters answer the value until now
+    virtual COLORREF SetBkColor(COLORREF color);
+    virtual int SetBkMode(int mode);
+    virtual UINT SetTextAlign(UINT align);
+    COLORREF GetTextColor() const;
+    COLORREF GetBkColor() const;
+    int GetBkMode() const;
+    UINT GetTextAlign() const;
+
+    virtual int SetMapMode(int mode);
+    int GetMapMode() const;
+    virtual CPoint SetViewportOrg(int x, int y);
+    CPoint SetViewportOrg(const POINT& origin) { return SetViewportOrg(origin.x, origin.y); }
+    virtual CSize SetViewportExt(int cx, int cy);
+    virtual CPoint SetWindowOrg(int x, int y);
+    virtual CSize SetWindowExt(int cx, int cy);
+    CPoint GetViewportOrg() const;
+    CSize GetViewportExt() const;
+    CPoint GetWindowOrg() const;
+    CSize GetWindowExt() const;
+    void LPtoDP(POINT* points, int count = 1) const;
+    void LPtoDP(RECT* rect) const;  ///< both corners
+    void DPtoLP(POINT* points, int count = 1) const;
+    void DPtoLP(RECT* rect) const;
+
+    /// Limits drawing to a copy of the region, which is in device units whatever is mapped; null: no limit.
+    /// @return 2, or 1 for an empty region, or 0 on failure
+    virtual int SelectClipRgn(CRgn* region);
+    /// The clip, or the whole device, in logical units. @return as SelectClipRgn
+    virtual int GetClipBox(RECT* box) const;
+
+    CPoint MoveTo(int x, int y);  ///< the answer is the position until now
+    CPoint MoveTo(const POINT& to) { return MoveTo(to.x, to.y); }
+    CPoint GetCurrentPosition() const;
+    /// A line from the current position, which becomes its end; a thin line leaves its last point out.
+    BOOL LineTo(int x, int y);
+    BOOL LineTo(const POINT& to) { return LineTo(to.x, to.y); }
+    BOOL Polyline(const POINT* points, int count);
+    /// Outline by the pen, inside by the brush; right and bottom edge do not belong to it.
+    BOOL Rectangle(int left, int top, int right, int bottom);
+    BOOL Rectangle(const RECT& box) { return Rectangle(box.left, box.top, box.right, box.bottom); }
+    /// Of the ellipse in the box, counter-clockwise from the ray through the start point to the ray through the end
+    /// point; the whole of it when both are the same. Not filled.
+    BOOL Arc(int left, int top, int right, int bottom, int startX, int startY, int endX, int endY);
+    BOOL Arc(const RECT& box, const POINT& start, const POINT& end) {
+        return Arc(box.left, box.top, box.right, box.bottom, start.x, start.y, end.x, end.y);
+    }
+    void FillRect(const RECT* rect, CBrush* brush);
+    void FillSolidRect(const RECT* rect, COLORREF color);  ///< leaves the background colour set to it
+    void InvertRect(const RECT* rect);                     ///< twice the same brings the picture back
+    BOOL BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY);
+    COLORREF GetPixel(int x, int y) const;  ///< 0xFFFFFFFF outside, or where there are no pixels
+    COLORREF SetPixel(int x, int y, COLORREF color);
+
+    // Texts in the code page, in the selected font and the text colour; the opaque background fills the cell of each
+    // line.
+    virtual BOOL TextOut(int x, int y, const char* text, int length);
+    BOOL TextOut(int x, int y, const CString& text) { return TextOut(x, y, text, text.GetLength()); }
+    virtual BOOL ExtTextOut(int x, int y, UINT options, const RECT* rect, const char* text, UINT length,
+                            const int* spacing);
+    /// Writes within @p rect by the DT_ flags. @return the height of the text, 0 on failure
+    virtual int DrawText(const char* text, int length, RECT* rect, UINT format);
+    int DrawText(const CString& text, RECT* rect, UINT format) {
+        return DrawText(text, text.GetLength(), rect, format);
+    }
+    /// Width and line height on the attribute context.
+    CSize GetTextExtent(const char* text, int length) const;
+    CSize GetTextExtent(const CString& text) const { return GetTextExtent(text, text.GetLength()); }
+    CSize GetOutputTextExtent(const CString& text) const;
+    BOOL GetTextMetrics(TEXTMETRIC* metrics) const;
+
+    // Documents of a printer or a file; answers above 0 are success.
+    virtual int StartDoc(const char* name);
+    virtual int StartPage();
+    virtual int EndPage();
+    virtual int EndDoc();
+    virtual int AbortDoc();
+
+    HDC m_hDC = nullptr;        ///< output; to be read only
+    HDC m_hAttribDC = nullptr;  ///< attributes; to be read only
+
+protected:
+    qel::DeviceContext* Output() const noexcept { return m_pOutput.get(); }
+    qel::DeviceContext* Attributes() const noexcept { return m_pAttributes.get(); }
+
+private:
+    template <class Object> Object* Select(Object* object);
+    template <class Object> Object* ObjectOf(HGDIOBJ handle);
+
+    std::shared_ptr<qel::DeviceContext> m_pOutput;
+    std::shared_ptr<qel::DeviceContext> m_pAttributes;
+    std::map<HGDIOBJ, std::unique_ptr<CGdiObject>> m_mapObject;  // stand for selected objects of nobody
+};
+
+// The same by handles, for code that keeps handles.
+QELLIB10_API HDC CreateCompatibleDC(HDC dc);  ///< null when @p dc is neither null nor a context
+QELLIB10_API BOOL DeleteDC(HDC dc);
+/// @return the object until now; null on failure
+QELLIB10_API HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
+QELLIB10_API int GetDeviceCaps(HDC dc, int index);
+QELLIB10_API COLORREF SetBkColor(HDC dc, COLORREF color);  ///< 0xFFFFFFFF on failure
+QELLIB10_API BOOL ExtTextOut(HDC dc, int x, int y, UINT options, const RECT* rect, const char* text, UINT length,
+                             const int* spacing);

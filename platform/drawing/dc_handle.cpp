@@ -1,0 +1,43 @@
+#include "qellib10/platform/drawing/bitmap_surface.h"
+#include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/drawing/device_context.h"
+
+HDC CreateCompatibleDC(HDC dc) {
+    SIZE dotsAnInch{qel::BitmapSurface::kScreenDotsAnInch, qel::BitmapSurface::kScreenDotsAnInch};
+    if (dc != nullptr) {
+        const auto model = qel::FindDeviceContext(dc);
+        if (!model) return nullptr;
+        dotsAnInch = {model->DeviceCaps(LOGPIXELSX), model->DeviceCaps(LOGPIXELSY)};
+    }
+    return qel::AddDeviceContext(
+        std::make_shared<qel::DeviceContext>(std::make_unique<qel::BitmapSurface>(dotsAnInch)));
+}
+
+BOOL DeleteDC(HDC dc) { return qel::RemoveDeviceContext(dc); }
+
+HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
+    const auto context = qel::FindDeviceContext(dc);
+    return context ? context->Select(object) : nullptr;
+}
+
+int GetDeviceCaps(HDC dc, int index) {
+    const auto context = qel::FindDeviceContext(dc);
+    return context ? context->DeviceCaps(index) : 0;
+}
+
+COLORREF SetBkColor(HDC dc, COLORREF color) {
+    CDC context;
+    if (!context.Attach(dc)) return 0xFFFFFFFF;
+    const COLORREF before = context.SetBkColor(color);
+    context.Detach();
+    return before;
+}
+
+BOOL ExtTextOut(HDC dc, int x, int y, UINT options, const RECT* rect, const char* text, UINT length,
+                const int* spacing) {
+    CDC context;
+    if (!context.Attach(dc)) return 0;
+    const BOOL result = context.ExtTextOut(x, y, options, rect, text, length, spacing);
+    context.Detach();
+    return result;
+}

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "qellib10/platform/drawing/drawing_object.h"
+#include "qellib10/platform/drawing/mapping.h"
+#include "qellib10/platform/drawing/surface.h"
+
+namespace qel {
+
+class TextFont;
+struct TextLine;
+
+/// An object as it is selected: what it draws with, and the handle that gave it.
+template <class Object> struct Selected {
+    HGDIOBJ handle = nullptr;
+    std::shared_ptr<const Object> object;
+};
+
+/// All that SaveDC keeps.
+struct DrawState {
+    explicit DrawState(const SIZE& dotsAnInch);
+
+    Selected<PenObject> pen;
+    Selected<BrushObject> brush;
+    Selected<FontObject> font;
+    Selected<BitmapObject> bitmap;
+    std::optional<CRect> clip;  // device units
+    COLORREF textColor = 0;
+    COLORREF backColor = RGB(255, 255, 255);
+    int backMode = OPAQUE;
+    UINT textAlign = 0;
+    Mapping mapping;
+    POINT position{0, 0};  // logical units
+};
+
+/// State and coordinates over one back end: takes logical units, draws in device units. One thread at a time.
+class DeviceContext {
+public:
+    explicit DeviceContext(std::unique_ptr<Surface> surface);
+    ~DeviceContext();
+    DeviceContext(const DeviceContext&) = delete;
+    DeviceContext& operator=(const DeviceContext&) = delete;
+
+    /// The back end with all that was drawn so far.
+    Surface& Flushed();
+    int DeviceCaps(int index) const { return m_pSurface->DeviceCaps(index); }
+
+    const DrawState& State() const noexcept { return m_state; }
+    /// The state for a change; the ink follows before the next primitive.
+    DrawState& Change() noexcept {
+        m_isInkStale = true;
+        return m_state;
+    }
+
+    /// @return the handle until now; null when the object is none that can be selected
+    HGDIOBJ Select(HGDIOBJ object);
+    int Save();
+    bool Restore(int saved);
+
+    void MoveTo(const POINT& to);
+    void LineTo(const POINT& to) {
+        if (m_isInkStale) UseInk();
+        if (!m_isPenDown) PutPenDown();
+        m_state.position = to;
+        m_pSurface->LineTo(m_state.mapping.ToDevice(to));
+    }
+    void Rectangle(const CRect& box);
+    void Arc(const CRect& box, const POINT& start, const POINT& end);
+    void FillRect(const CRect& box, const LOGBRUSH& brush);
+    void InvertRect(const CRect& box);
+    void FillDevicePixel(const POINT& at, COLORREF color);
+    /// @return false when the source has no pixels
+    bool Copy(const POINT& to, const SIZE& size, DeviceContext& source, const POINT& from);
+
+    /// A rectangle of logical corners in device units, normalised.
+    CRect ToDevice(const RECT& box) const noexcept;
+
+    /// Answers as the back end's StartPage.
+    int BeginPage();
+
+    // Texts: device_context_text.cpp
+    /// The selected font at the size that it has on the device.
+    const TextFont& Font();
+    void TextOut(const POINT& at, const CString& text);
+    /// @return the height of the text in logical units; with DT_CALCRECT nothing is drawn and @p box set
+    int DrawTextBox(const CString& text, CRect& box, UINT format);
+    CSize TextExtent(const CString& text);
+    TEXTMETRIC TextMetrics();
+
+private:
+    void DrawCell(const TextLine& line, const POINT& corner, const CRect* limit);
+    void UseInk();
+    void PutPenDown();
+
+    std::unique_ptr<Surface> m_pSurface;
+    DrawState m_state;
+    std::vector<DrawState> m_arySaved;
+    std::shared_ptr<const TextFont> m_pFont;  // for m_fontInUse
+    std::shared_ptr<const FontObject> m_pFontInUse;
+    int m_nFontHeight = 0;  // of m_pFont, device units as asked for
+    bool m_isInkStale = true;
+    bool m_isPenDown = false;  // whether the back end's polyline ends at the current position
+};
+
+/// Contexts by handle. Any thread.
+HDC AddDeviceContext(std::shared_ptr<DeviceContext> context);
+std::shared_ptr<DeviceContext> FindDeviceContext(HDC handle);
+bool RemoveDeviceContext(HDC handle);
+
+}  // namespace qel

@@ -1,0 +1,168 @@
+#pragma once
+
+#include "qellib10/platform/drawing/geometry.h"
+
+// The framework's handles, records and numbers of drawing.
+
+/// A device context. Opaque; a handle that is no longer valid is refused, never followed.
+using HDC = struct DeviceContextHandle*;
+/// A drawing object of any kind; those below turn into it by themselves.
+using HGDIOBJ = void*;
+using HPEN = struct PenHandle*;
+using HBRUSH = struct BrushHandle*;
+using HFONT = struct FontHandle*;
+using HRGN = struct RegionHandle*;
+using HBITMAP = struct BitmapHandle*;
+
+/// A colour as 0x00BBGGRR. The top byte is kept and passed over.
+using COLORREF = DWORD;
+
+constexpr COLORREF RGB(unsigned red, unsigned green, unsigned blue) noexcept {
+    return (red & 0xFF) | (green & 0xFF) << 8 | (blue & 0xFF) << 16;
+}
+constexpr BYTE GetRValue(COLORREF color) noexcept { return static_cast<BYTE>(color); }
+constexpr BYTE GetGValue(COLORREF color) noexcept { return static_cast<BYTE>(color >> 8); }
+constexpr BYTE GetBValue(COLORREF color) noexcept { return static_cast<BYTE>(color >> 16); }
+
+/// Pen styles. Any other style draws as a solid pen; dashes show on pens of one device unit only.
+enum : int { PS_SOLID, PS_DASH, PS_DOT, PS_DASHDOT, PS_DASHDOTDOT, PS_NULL, PS_INSIDEFRAME };
+
+/// Brush styles. Any other style fills like a solid brush.
+enum : UINT { BS_SOLID = 0, BS_NULL = 1, BS_HOLLOW = BS_NULL, BS_HATCHED = 2 };
+
+/// Hatches. Backward rises to the right, forward falls.
+enum : int { HS_HORIZONTAL, HS_VERTICAL, HS_FDIAGONAL, HS_BDIAGONAL, HS_CROSS, HS_DIAGCROSS };
+
+/// Background modes: whether gaps of dashes and hatches and the box behind a text show the background colour.
+enum : int { TRANSPARENT = 1, OPAQUE = 2 };
+
+/// Where a text stands relative to its point: bits for across, down, and whether the current position counts.
+enum : UINT {
+    TA_NOUPDATECP = 0,
+    TA_UPDATECP = 1,
+    TA_LEFT = 0,
+    TA_RIGHT = 2,
+    TA_CENTER = 6,
+    TA_TOP = 0,
+    TA_BOTTOM = 8,
+    TA_BASELINE = 24
+};
+
+/// Flags of DrawText.
+enum : UINT {
+    DT_TOP = 0,
+    DT_LEFT = 0,
+    DT_CENTER = 0x1,
+    DT_RIGHT = 0x2,
+    DT_VCENTER = 0x4,
+    DT_BOTTOM = 0x8,
+    DT_WORDBREAK = 0x10,
+    DT_SINGLELINE = 0x20,
+    DT_NOCLIP = 0x100,
+    DT_CALCRECT = 0x400,  ///< nothing is drawn; the box becomes that of the text
+    DT_NOPREFIX = 0x800,
+    DT_EDITCONTROL = 0x2000
+};
+
+/// Flag of ExtTextOut: the rectangle is filled with the background colour first.
+inline constexpr UINT ETO_OPAQUE = 2;
+inline constexpr UINT ETO_CLIPPED = 4;
+
+/// Map modes: what a logical unit is. y grows upward in all but MM_TEXT and the two free ones.
+enum : int {
+    MM_TEXT = 1,
+    MM_LOMETRIC,
+    MM_HIMETRIC,
+    MM_LOENGLISH,
+    MM_HIENGLISH,
+    MM_TWIPS,
+    MM_ISOTROPIC,
+    MM_ANISOTROPIC
+};
+
+/// What GetDeviceCaps tells.
+enum : int {
+    TECHNOLOGY = 2,
+    HORZSIZE = 4,  ///< millimetres
+    VERTSIZE = 6,  ///< millimetres
+    HORZRES = 8,   ///< device units of the drawable area
+    VERTRES = 10,  ///< device units of the drawable area
+    BITSPIXEL = 12,
+    PLANES = 14,
+    LOGPIXELSX = 88,  ///< device units an inch
+    LOGPIXELSY = 90,
+    PHYSICALWIDTH = 110,  ///< device units of the whole sheet; 0 where there is none
+    PHYSICALHEIGHT = 111,
+    PHYSICALOFFSETX = 112,  ///< from the sheet's corner to the drawable area's
+    PHYSICALOFFSETY = 113
+};
+inline constexpr int DT_RASDISPLAY = 1;  ///< TECHNOLOGY of a picture or a screen
+inline constexpr int DT_RASPRINTER = 2;  ///< TECHNOLOGY of a printer
+
+/// Objects that are always there.
+enum : int {
+    WHITE_BRUSH = 0,
+    LTGRAY_BRUSH,
+    GRAY_BRUSH,
+    DKGRAY_BRUSH,
+    BLACK_BRUSH,
+    NULL_BRUSH,
+    WHITE_PEN,
+    BLACK_PEN,
+    NULL_PEN,
+    SYSTEM_FONT = 13
+};
+
+enum : BYTE { ANSI_CHARSET = 0, DEFAULT_CHARSET = 1, SHIFTJIS_CHARSET = 128 };
+enum : BYTE { DEFAULT_QUALITY = 0, PROOF_QUALITY = 2 };
+enum : int { FW_DONTCARE = 0, FW_NORMAL = 400, FW_BOLD = 700 };
+inline constexpr int LF_FACESIZE = 32;
+
+struct LOGPEN {
+    UINT lopnStyle;
+    POINT lopnWidth;  ///< y is not used
+    COLORREF lopnColor;
+};
+
+struct LOGBRUSH {
+    UINT lbStyle;
+    COLORREF lbColor;
+    LONG lbHatch;
+};
+
+/// A font as asked for. lfHeight below 0 is the em height, above 0 the height of a cell (ascent and descent), and 0 a
+/// cell of 1/6 inch; logical units of the context that the font is selected into.
+struct LOGFONT {
+    LONG lfHeight;
+    LONG lfWidth;
+    LONG lfEscapement;
+    LONG lfOrientation;
+    LONG lfWeight;
+    BYTE lfItalic;
+    BYTE lfUnderline;
+    BYTE lfStrikeOut;
+    BYTE lfCharSet;
+    BYTE lfOutPrecision;
+    BYTE lfClipPrecision;
+    BYTE lfQuality;
+    BYTE lfPitchAndFamily;
+    char lfFaceName[LF_FACESIZE];  ///< in the code page; not always ended by a zero
+};
+
+/// Measures of the selected font, in logical units.
+struct TEXTMETRIC {
+    LONG tmHeight;  ///< of a line: ascent and descent, each rounded to whole device units
+    LONG tmAscent;
+    LONG tmDescent;
+    LONG tmAveCharWidth;
+};
+
+struct BITMAP {
+    LONG bmType;
+    LONG bmWidth;
+    LONG bmHeight;
+    LONG bmWidthBytes;
+    WORD bmPlanes;
+    WORD bmBitsPixel;
+    void* bmBits;
+};

@@ -1,0 +1,38 @@
+#include "qellib10/platform/drawing/font_alias.h"
+
+#include "qellib10/platform/text/multibyte.h"
+
+namespace qel {
+namespace {
+
+struct Alias {
+    const char* face;
+    const char* families;
+};
+
+// Fontconfig itself knows the Latin faces with metrically equal ones (Arial, Times New Roman, Courier New).
+constexpr Alias kAliases[] = {
+    {"MS Gothic", "MS Gothic,IPAGothic,monospace"},
+    {"ＭＳ ゴシック", "MS Gothic,IPAGothic,monospace"},
+    {"MS PGothic", "MS PGothic,IPAPGothic,sans-serif"},
+    {"ＭＳ Ｐゴシック", "MS PGothic,IPAPGothic,sans-serif"},
+    {"MS UI Gothic", "MS UI Gothic,IPAPGothic,sans-serif"},
+    {"MS Mincho", "MS Mincho,IPAMincho,serif"},
+    {"ＭＳ 明朝", "MS Mincho,IPAMincho,serif"},
+    {"MS PMincho", "MS PMincho,IPAPMincho,serif"},
+    {"ＭＳ Ｐ明朝", "MS PMincho,IPAPMincho,serif"},
+    {"Tahoma", "Tahoma,Verdana,sans-serif"},
+    {"MS Sans Serif", "Arial,sans-serif"},
+    {"System", "sans-serif"},
+};
+
+}  // namespace
+
+std::string FontFamilies(const std::string& face) {
+    for (const Alias& alias : kAliases) {
+        if (face == alias.face) return std::string(alias.families) + ",IPAGothic";
+    }
+    return (face.empty() ? "sans-serif" : face) + ",IPAGothic";
+}
+
+}  // namespace qel

@@ -1,0 +1,155 @@
+#include "qellib10/platform/drawing/gdi_object.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "qellib10/platform/drawing/drawing_object.h"
+
+namespace qel {
+namespace {
+
+constexpr bool IsDepth(UINT bitsPixel) {
+    return bitsPixel == 1 || bitsPixel == 4 || bitsPixel == 8 || bitsPixel == 16 || bitsPixel == 24 || bitsPixel == 32;
+}
+
+BITMAP DescriptionOf(const BitmapObject& bitmap) {
+    const int width = bitmap.pixels->Width();
+    return {0, width, bitmap.pixels->Height(), width * 4, 1, 32, bitmap.pixels->Row(0)};
+}
+
+LOGPEN DescriptionOf(const PenObject& pen) { return {static_cast<UINT>(pen.style), {pen.width, 0}, pen.color}; }
+
+LOGBRUSH DescriptionOf(const BrushObject& brush) { return brush.description; }
+
+LOGFONT DescriptionOf(const FontObject& font) { return font.description; }
+
+template <class Object, class Record> BOOL Describe(HGDIOBJ handle, Record* record) {
+    const auto object = FindObject<Object>(handle);
+    if (!object || record == nullptr) return 0;
+    *record = DescriptionOf(*object);
+    return 1;
+}
+
+BOOL Own(CGdiObject& owner, HGDIOBJ made) {
+    if (owner.Attach(made)) return 1;
+    RemoveDrawingObject(made);
+    return 0;
+}
+
+}  // namespace
+}  // namespace qel
+
+CGdiObject::~CGdiObject() { DeleteObject(); }
+
+BOOL CGdiObject::Attach(HGDIOBJ object) {
+    if (m_hObject != nullptr || object == nullptr) return 0;
+    m_hObject = object;
+    qel::SetOwner(object, this);
+    return 1;
+}
+
+HGDIOBJ CGdiObject::Detach() {
+    if (m_hObject != nullptr) qel::SetOwner(m_hObject, nullptr);
+    return std::exchange(m_hObject, nullptr);
+}
+
+BOOL CGdiObject::DeleteObject() { return m_hObject != nullptr && ::DeleteObject(Detach()); }
+
+BOOL CGdiObject::CreateStockObject(int number) {
+    const HGDIOBJ stock = GetStockObject(number);
+    if (m_hObject != nullptr || stock == nullptr) return 0;
+    m_hObject = stock;
+    return 1;
+}
+
+BOOL CPen::CreatePen(int style, int width, COLORREF color) {
+    return qel::Own(*this, qel::AddDrawingObject(qel::PenObject{style, width, color}));
+}
+
+BOOL CPen::CreatePenIndirect(const LOGPEN* pen) {
+    return pen != nullptr && CreatePen(static_cast<int>(pen->lopnStyle), pen->lopnWidth.x, pen->lopnColor);
+}
+
+BOOL CPen::GetLogPen(LOGPEN* pen) const { return qel::Describe<qel::PenObject>(m_hObject, pen); }
+
+BOOL CBrush::CreateSolidBrush(COLORREF color) {
+    const LOGBRUSH brush{BS_SOLID, color, 0};
+    return CreateBrushIndirect(&brush);
+}
+
+BOOL CBrush::CreateHatchBrush(int hatch, COLORREF color) {
+    const LOGBRUSH brush{BS_HATCHED, color, hatch};
+    return CreateBrushIndirect(&brush);
+}
+
+BOOL CBrush::CreateBrushIndirect(const LOGBRUSH* brush) {
+    return brush != nullptr && qel::Own(*this, qel::AddDrawingObject(qel::BrushObject{*brush}));
+}
+
+BOOL CBrush::GetLogBrush(LOGBRUSH* brush) const { return qel::Describe<qel::BrushObject>(m_hObject, brush); }
+
+BOOL CFont::CreateFontIndirect(const LOGFONT* font) {
+    return font != nullptr && qel::Own(*this, qel::AddDrawingObject(qel::FontObject{*font}));
+}
+
+BOOL CFont::GetLogFont(LOGFONT* font) const { return qel::Describe<qel::FontObject>(m_hObject, font); }
+
+BOOL CRgn::CreateRectRgn(int left, int top, int right, int bottom) {
+    CRect box(left, top, right, bottom);
+    box.NormalizeRect();
+    return qel::Own(*this, qel::AddDrawingObject(qel::RegionObject{box}));
+}
+
+BOOL CRgn::CreateRectRgnIndirect(const RECT* rect) {
+    return rect != nullptr && CreateRectRgn(rect->left, rect->top, rect->right, rect->bottom);
+}
+
+BOOL CBitmap::CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {
+    return qel::Own(*this, ::CreateBitmap(width, height, planes, bitsPixel, bits));
+}
+
+BOOL CBitmap::CreateCompatibleBitmap(CDC*, int width, int height) {
+    return CreateBitmap(width, height, 1, 32, nullptr);
+}
+
+BOOL CBitmap::GetBitmap(BITMAP* description) const { return qel::Describe<qel::BitmapObject>(m_hObject, description); }
+
+DWORD CBitmap::GetBitmapBits(DWORD size, void* bits) const {
+    const auto bitmap = qel::FindObject<qel::BitmapObject>(m_hObject);
+    if (!bitmap || bits == nullptr) return 0;
+    const qel::PixelBuffer& pixels = *bitmap->pixels;
+    const std::size_t all = std::size_t(pixels.Width()) * std::size_t(pixels.Height()) * 4;
+    const std::size_t copied = std::min<std::size_t>(size, all);
+    std::memcpy(bits, pixels.Row(0), copied);
+    return static_cast<DWORD>(copied);
+}
+
+HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {
+    if (planes != 1 || !qel::IsDepth(bitsPixel) || (bits != nullptr && bitsPixel != 32)) return nullptr;
+    std::shared_ptr<qel::PixelBuffer> pixels = qel::PixelBuffer::Create(width, height);
+    if (!pixels) return nullptr;
+    if (bits != nullptr) std::memcpy(pixels->Row(0), bits, std::size_t(width) * std::size_t(height) * 4);
+    return static_cast<HBITMAP>(qel::AddDrawingObject(qel::BitmapObject{std::move(pixels)}));
+}
+
+int GetObject(HGDIOBJ object, int size, void* record) {
+    const auto found = qel::FindDrawingObject(object);
+    if (!found || record == nullptr) return 0;
+    return std::visit(
+        [&]<class Object>(const Object& kind) {
+            if constexpr (std::is_same_v<Object, qel::RegionObject>) {
+                return 0;
+            } else {
+                const auto description = qel::DescriptionOf(kind);
+                if (size < static_cast<int>(sizeof(description))) return 0;
+                std::memcpy(record, &description, sizeof(description));
+                return static_cast<int>(sizeof(description));
+            }
+        },
+        *found);
+}
+
+BOOL DeleteObject(HGDIOBJ object) { return qel::RemoveDrawingObject(object); }
+
+HGDIOBJ GetStockObject(int number) { return qel::StockObject(number); }

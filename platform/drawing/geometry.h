@@ -1,0 +1,84 @@
+#pragma once
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/types.h"
+
+struct POINT {
+    LONG x;
+    LONG y;
+};
+
+struct SIZE {
+    LONG cx;
+    LONG cy;
+};
+
+/// A rectangle by its edges; the right and the bottom edge do not belong to it.
+struct RECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+};
+
+/// A width and a height.
+class CSize : public SIZE {
+public:
+    constexpr CSize() noexcept : SIZE{0, 0} {}
+    constexpr CSize(int width, int height) noexcept : SIZE{width, height} {}
+    constexpr CSize(const SIZE& size) noexcept : SIZE(size) {}
+
+    friend constexpr bool operator==(const CSize& a, const CSize& b) noexcept { return a.cx == b.cx && a.cy == b.cy; }
+};
+
+/// A position. Sums wrap at 32 bits.
+class CPoint : public POINT {
+public:
+    constexpr CPoint() noexcept : POINT{0, 0} {}
+    constexpr CPoint(int px, int py) noexcept : POINT{px, py} {}
+    constexpr CPoint(const POINT& point) noexcept : POINT(point) {}
+
+    void Offset(int dx, int dy) noexcept;
+    void Offset(const POINT& by) noexcept { Offset(by.x, by.y); }
+
+    friend constexpr bool operator==(const CPoint& a, const CPoint& b) noexcept { return a.x == b.x && a.y == b.y; }
+};
+
+/// A rectangle with value semantics. Nothing but NormalizeRect puts the edges in order; sums and differences wrap at
+/// 32 bits, so that edges from a file never leave the defined arithmetic.
+class QELLIB10_API CRect : public RECT {
+public:
+    constexpr CRect() noexcept : RECT{0, 0, 0, 0} {}
+    constexpr CRect(int l, int t, int r, int b) noexcept : RECT{l, t, r, b} {}
+    constexpr CRect(const RECT& rect) noexcept : RECT(rect) {}
+    CRect(const POINT& topLeft, const SIZE& size) noexcept;
+
+    int Width() const noexcept;   ///< right - left
+    int Height() const noexcept;  ///< bottom - top
+    CSize Size() const noexcept { return {Width(), Height()}; }
+    CPoint TopLeft() const noexcept { return {left, top}; }
+    CPoint BottomRight() const noexcept { return {right, bottom}; }
+
+    void SetRect(int l, int t, int r, int b) noexcept { *this = CRect(l, t, r, b); }
+    void SetRectEmpty() noexcept { *this = CRect(); }
+    /// Without area: right not behind left, or bottom not below top.
+    BOOL IsRectEmpty() const noexcept { return right <= left || bottom <= top; }
+    BOOL PtInRect(const POINT& point) const noexcept;
+
+    void OffsetRect(int dx, int dy) noexcept;
+    void OffsetRect(const POINT& by) noexcept { OffsetRect(by.x, by.y); }
+    /// Moves every edge outward by @p dx and @p dy.
+    void InflateRect(int dx, int dy) noexcept;
+    /// Exchanges edges so that width and height are not negative.
+    void NormalizeRect() noexcept;
+    /// Becomes what both have in common, or the empty rectangle 0,0,0,0. @return 0 when that is nothing
+    BOOL IntersectRect(const RECT& a, const RECT& b) noexcept;
+
+    friend constexpr bool operator==(const CRect& a, const CRect& b) noexcept {
+        return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+    }
+};
+
+/// @p number * @p numerator / @p denominator, rounded to the nearest integer, halves away from zero.
+/// @return -1 for a denominator of 0 or a result outside 32 bits
+QELLIB10_API int MulDiv(int number, int numerator, int denominator) noexcept;

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "qellib10/platform/drawing/drawing_types.h"
+
+namespace qel {
+
+/// Where logical coordinates lie on the device: device = (logical - window origin) * viewport extent / window extent +
+/// viewport origin, rounded to nearest and kept within 32 bits.
+class Mapping {
+public:
+    explicit Mapping(const SIZE& dotsAnInch) : m_dotsAnInch(dotsAnInch) {}
+
+    int Mode() const noexcept { return m_nMode; }
+    /// @return false for a mode that is none
+    bool SetMode(int mode) noexcept;
+
+    POINT WindowOrigin() const noexcept { return m_windowOrigin; }
+    POINT ViewportOrigin() const noexcept { return m_viewportOrigin; }
+    SIZE WindowExtent() const noexcept { return m_windowExtent; }
+    SIZE ViewportExtent() const noexcept { return m_viewportExtent; }
+    void SetWindowOrigin(const POINT& origin) noexcept;
+    void SetViewportOrigin(const POINT& origin) noexcept;
+    /// Extents are taken in the two free modes only, and never 0. @return whether it was taken
+    bool SetWindowExtent(const SIZE& extent) noexcept;
+    bool SetViewportExtent(const SIZE& extent) noexcept;
+
+    POINT ToDevice(const POINT& logical) const noexcept { return m_isShift ? Shifted(logical) : Scaled(logical); }
+    POINT ToLogical(const POINT& device) const noexcept;
+    /// A length in device units, not negative.
+    int WidthToDevice(int width) const noexcept;
+    int HeightToDevice(int height) const noexcept;
+    /// A length of device units in logical ones, not negative.
+    int WidthToLogical(int width) const noexcept;
+    int HeightToLogical(int height) const noexcept;
+
+private:
+    POINT Shifted(const POINT& logical) const noexcept;
+    POINT Scaled(const POINT& logical) const noexcept;
+    void KeepShape() noexcept;
+    void Changed() noexcept;
+
+    SIZE m_dotsAnInch;
+    int m_nMode = MM_TEXT;
+    POINT m_windowOrigin{0, 0};
+    POINT m_viewportOrigin{0, 0};
+    SIZE m_windowExtent{1, 1};
+    SIZE m_viewportExtent{1, 1};
+    bool m_isShift = true;  // extents of 1: the common case is a sum
+};
+
+}  // namespace qel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace qel {
+
+/// The pixels of a bitmap, row after row from the top, each 0x00RRGGBB: the form that Cairo's RGB24 pictures have.
+class PixelBuffer {
+public:
+    /// Cairo's limit for a side.
+    static constexpr int kLongestSide = 32767;
+
+    /// A black picture, or null when a side is below 1 or too long, or memory does not suffice.
+    static std::shared_ptr<PixelBuffer> Create(int width, int height);
+
+    int Width() const noexcept { return m_nWidth; }
+    int Height() const noexcept { return m_nHeight; }
+    std::uint32_t* Row(int y) noexcept { return m_pPixels.get() + std::size_t(y) * std::size_t(m_nWidth); }
+    const std::uint32_t* Row(int y) const noexcept { return m_pPixels.get() + std::size_t(y) * std::size_t(m_nWidth); }
+
+private:
+    struct Free {
+        void operator()(std::uint32_t* pixels) const noexcept { std::free(pixels); }
+    };
+
+    PixelBuffer(int width, int height, std::uint32_t* pixels) : m_nWidth(width), m_nHeight(height), m_pPixels(pixels) {}
+
+    int m_nWidth;
+    int m_nHeight;
+    std::unique_ptr<std::uint32_t[], Free> m_pPixels;
+};
+
+}  // namespace qel

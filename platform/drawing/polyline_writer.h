@@ -1,0 +1,77 @@
+#pragma once
+
+#include <algorithm>
+
+#include "qellib10/platform/drawing/raster.h"
+
+namespace qel {
+
+/// Draws a polyline of thin solid lines with the pixels that drawing each line by itself gives, in a fraction of the
+/// time where many points fall into one column: from the lowest to the highest of them every pixel is drawn and nothing
+/// else, so such a run becomes one vertical line. Only the run that ends the polyline is different: its very last pixel
+/// stays out when it was reached only by the last point.
+template <class Pixel> class BasicPolylineWriter {
+public:
+    BasicPolylineWriter(const BasicRaster<Pixel>& raster, Pixel value) : m_raster(raster), m_value(value) {}
+
+    void MoveTo(const POINT& to) {
+        Flush();
+        Begin(to);
+    }
+    void LineTo(const POINT& to) {
+        if (to.x != m_at.x) {
+            DrawRun(false);
+            m_from = m_at;
+            Begin(to);
+            m_isEntered = true;
+            return;
+        }
+        if (to.y == m_at.y) return;  // a line of no length does not even visit its point
+        ++m_nIndex;
+        if (to.y < m_low) {
+            m_low = to.y;
+            m_lowIndex = m_nIndex;
+        }
+        if (to.y > m_high) {
+            m_high = to.y;
+            m_highIndex = m_nIndex;
+        }
+        m_at = to;
+    }
+    /// Draws what is held back; the polyline may go on.
+    void Flush() {
+        DrawRun(true);
+        Begin(m_at);
+    }
+
+private:
+    void Begin(const POINT& at) {
+        m_at = m_entry = at;
+        m_low = m_high = at.y;
+        m_nIndex = m_lowIndex = m_highIndex = 0;
+        m_isEntered = false;
+    }
+    void DrawRun(bool isEnd) {
+        if (m_isEntered) DrawThinLine(m_raster, m_from, m_entry, m_value);
+        if (m_low == m_high) return;
+        if (m_at.x < m_raster.left || m_at.x >= m_raster.right) return;
+        // The last point's row is left out when nothing but the last line reached it.
+        const bool isLowOut = isEnd && m_lowIndex == m_nIndex;
+        const bool isHighOut = isEnd && !isLowOut && m_highIndex == m_nIndex;
+        const std::int64_t first = std::max<std::int64_t>(m_raster.top, std::int64_t{m_low} + isLowOut);
+        const std::int64_t last = std::min<std::int64_t>(m_raster.bottom - 1, std::int64_t{m_high} - isHighOut);
+        for (std::int64_t y = first; y <= last; ++y) *m_raster.At(m_at.x, static_cast<int>(y)) = m_value;
+    }
+
+    BasicRaster<Pixel> m_raster;
+    Pixel m_value;
+    POINT m_at{0, 0};
+    POINT m_entry{0, 0};  // where the run was entered
+    POINT m_from{0, 0};   // from where
+    int m_low = 0, m_high = 0;
+    std::int64_t m_nIndex = 0, m_lowIndex = 0, m_highIndex = 0;
+    bool m_isEntered = false;
+};
+using PolylineWriter = BasicPolylineWriter<std::uint32_t>;
+
+}  // namespace qel

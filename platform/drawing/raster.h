@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "qellib10/platform/drawing/geometry.h"
+
+namespace qel {
+
+/// Pixels that may be written: whole rows of an image, limited to a clip inside it (right and bottom exclusive).
+/// A word is a pixel of 0x00RRGGBB or, in a mask, whatever its drawer makes of it.
+template <class Pixel> struct BasicRaster {
+    Pixel* pixels = nullptr;
+    std::ptrdiff_t stride = 0;  ///< in pixels
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+
+    Pixel* At(int x, int y) const noexcept { return pixels + y * stride + x; }
+    /// What a box has in common with the clip; without area when that is nothing.
+    CRect Clipped(const CRect& box) const noexcept {
+        CRect common;
+        common.IntersectRect(box, CRect(left, top, right, bottom));
+        return common;
+    }
+};
+using Raster = BasicRaster<std::uint32_t>;
+
+/// Which pixels a thin line from one point up to, not including, another consists of.
+///
+/// One step along the longer axis (x when both are the same) a pixel; the other coordinate is the exact value rounded
+/// to nearest, a tie going to the smaller coordinate whatever the direction. Clipping changes no pixel: the steps
+/// inside the clip are computed, not walked to. Coordinates may be any 32-bit numbers.
+class LineSteps {
+public:
+    LineSteps(const POINT& from, const POINT& to, const CRect& clip) noexcept;
+
+    bool IsEmpty() const noexcept { return m_first > m_last; }
+    std::int64_t First() const noexcept { return m_first; }  ///< number of the first step inside, from 0 at the start
+    std::int64_t Last() const noexcept { return m_last; }
+    /// Calls @p plot with x, y and the number of each step.
+    template <class Plot> void ForEach(Plot&& plot) const;
+    /// The same as fast as pixels can be written: sets each to @p value.
+    template <class Pixel> void Write(const BasicRaster<Pixel>& raster, Pixel value) const;
+
+private:
+    struct Walk {
+        std::int64_t x, y, error;
+    };
+    Walk Start() const noexcept;
+
+    std::int64_t m_x0, m_y0;
+    std::int64_t m_length = 0, m_rise = 0;  // along the longer and the other axis, not negative
+    std::int64_t m_bias = 0;                // 1 when a tie goes backward
+    std::int64_t m_first = 0, m_last = -1;
+    bool m_isAlongX = true;
+    int m_stepMajor = 1, m_stepMinor = 1;
+};
+
+template <class Plot> void LineSteps::ForEach(Plot&& plot) const {
+    if (IsEmpty()) return;
+    Walk at = Start();
+    for (std::int64_t step = m_first;; ++step) {
+        plot(static_cast<int>(at.x), static_cast<int>(at.y), step);
+        if (step == m_last) return;
+        (m_isAlongX ? at.x : at.y) += m_stepMajor;
+        if ((at.error += 2 * m_rise) >= 2 * m_length) {
+            at.error -= 2 * m_length;
+            (m_isAlongX ? at.y : at.x) += m_stepMinor;
+        }
+    }
+}
+
+template <class Pixel> void LineSteps::Write(const BasicRaster<Pixel>& raster, Pixel value) const {
+    if (IsEmpty()) return;
+    const Walk at = Start();
+    Pixel* pixel = raster.At(static_cast<int>(at.x), static_cast<int>(at.y));
+    const std::ptrdiff_t major = m_isAlongX ? m_stepMajor : m_stepMajor * raster.stride;
+    const std::ptrdiff_t minor = m_isAlongX ? m_stepMinor * raster.stride : m_stepMinor;
+    std::int64_t error = at.error;
+    for (std::int64_t step = m_first;; ++step) {
+        *pixel = value;
+        if (step == m_last) return;
+        pixel += major;
+        if ((error += 2 * m_rise) >= 2 * m_length) {
+            error -= 2 * m_length;
+            pixel += minor;
+        }
+    }
+}
+
+/// Draws a thin solid line, its last pixel left out.
+template <class Pixel>
+void DrawThinLine(const BasicRaster<Pixel>& raster, const POINT& from, const POINT& to, Pixel value) {
+    LineSteps(from, to, {raster.left, raster.top, raster.right, raster.bottom}).Write(raster, value);
+}
+
+template <class Pixel> void FillBox(const BasicRaster<Pixel>& raster, const CRect& box, Pixel value) {
+    const CRect inside = raster.Clipped(box);
+    for (int y = inside.top; y < inside.bottom; ++y) {
+        Pixel* const row = raster.At(0, y);
+        for (int x = inside.left; x < inside.right; ++x) row[x] = value;
+    }
+}
+
+/// The columns of one row of an ellipse, both included.
+struct EllipseSpan {
+    int left;
+    int right;
+};
+/// The rows of the ellipse inscribed in @p width x @p height pixels, symmetric on both axes, touching all four sides;
+/// sides of at least 1.
+std::vector<EllipseSpan> EllipseSpans(int width, int height);
+
+}  // namespace qel
