@@ -28,6 +28,7 @@
 #include "qellib10/platform/drawing/drawing_types.h"
 #include "qellib10/platform/drawing/gdi_object.h"
 #include "qellib10/platform/drawing/geometry.h"
+#include "qellib10/platform/drawing/png_file.h"
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/export.h"

@@ -27,7 +27,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/sync", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
     {"platform/registry", {"platform/shell"}},
-    {"platform/drawing", {"platform/storage"}},
+    {"platform/drawing", {"platform/archive"}},
     {"resource", {"platform/text"}},
     {"runtime", {"resource", "platform/archive", "platform/shell", "platform/sync"}},
     {"base", {"runtime", "platform/variant"}},
