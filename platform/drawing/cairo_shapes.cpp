@@ -2,10 +2,13 @@
 
 #include <cairo.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace qel {
 namespace {
+
+constexpr LONG kFarthest = 4'000'000;
 
 struct Vector {
     double x, y;
@@ -23,12 +26,19 @@ double AngleOf(const Vector& ray, double radiusX, double radiusY) noexcept {
 
 }  // namespace
 
+double Near(LONG coordinate) noexcept { return std::clamp<LONG>(coordinate, -kFarthest, kFarthest); }
+
+void AddBox(cairo_t* cairo, const CRect& box) {
+    const double left = Near(box.left), top = Near(box.top);
+    cairo_rectangle(cairo, left, top, Near(box.right) - left, Near(box.bottom) - top);
+}
+
 void SetSource(cairo_t* cairo, COLORREF color) {
     cairo_set_source_rgb(cairo, GetRValue(color) / 255.0, GetGValue(color) / 255.0, GetBValue(color) / 255.0);
 }
 
 void ClipTo(cairo_t* cairo, const CRect& box) {
-    cairo_rectangle(cairo, box.left, box.top, double(box.right) - box.left, double(box.bottom) - box.top);
+    AddBox(cairo, box);
     cairo_clip(cairo);
 }
 
@@ -44,8 +54,8 @@ void UseRoundPen(cairo_t* cairo, const Ink& ink) {
 
 void AddLine(cairo_t* cairo, const POINT& from, const POINT& to, int penWidth) {
     const double middle = PenCenter(penWidth);
-    cairo_move_to(cairo, from.x + middle, from.y + middle);
-    cairo_line_to(cairo, to.x + middle, to.y + middle);
+    cairo_move_to(cairo, Near(from.x) + middle, Near(from.y) + middle);
+    cairo_line_to(cairo, Near(to.x) + middle, Near(to.y) + middle);
 }
 
 void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink) {
@@ -53,13 +63,14 @@ void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink) {
     const bool isInside = ink.penStyle == PS_INSIDEFRAME;
     const double before = isInside ? ink.penWidth / 2.0 : PenCenter(ink.penWidth);
     const double behind = isInside ? ink.penWidth / 2.0 : 1 - PenCenter(ink.penWidth);
-    const double width = double(box.right) - box.left - before - behind;
-    const double height = double(box.bottom) - box.top - before - behind;
-    cairo_rectangle(cairo, box.left + before, box.top + before, std::max(0.0, width), std::max(0.0, height));
+    const double left = Near(box.left) + before, top = Near(box.top) + before;
+    cairo_rectangle(cairo, left, top, std::max(0.0, Near(box.right) - behind - left),
+                    std::max(0.0, Near(box.bottom) - behind - top));
 }
 
 void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& end, int penWidth) {
-    const double radiusX = (double(box.right) - box.left - 1) / 2, radiusY = (double(box.bottom) - box.top - 1) / 2;
+    const double left = Near(box.left), top = Near(box.top);
+    const double radiusX = (Near(box.right) - left - 1) / 2, radiusY = (Near(box.bottom) - top - 1) / 2;
     if (radiusX <= 0 || radiusY <= 0) {
         AddLine(cairo, {box.left, box.top}, {box.right - 1, box.bottom - 1}, penWidth);
         return;
@@ -67,7 +78,7 @@ void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& e
     const double middle = PenCenter(penWidth);
     cairo_matrix_t matrix;
     cairo_get_matrix(cairo, &matrix);
-    cairo_translate(cairo, box.left + radiusX + middle, box.top + radiusY + middle);
+    cairo_translate(cairo, left + radiusX + middle, top + radiusY + middle);
     cairo_scale(cairo, radiusX, radiusY);
     cairo_new_sub_path(cairo);
     if (IsWholeEllipse(box, start, end)) {

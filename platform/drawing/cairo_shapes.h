@@ -8,6 +8,11 @@ namespace qel {
 
 // Shapes as Cairo draws them, the same on every back end. Whoever calls has set antialiasing and clip.
 
+/// A coordinate as Cairo's fixed point numbers can hold it, with room for a pen: those farther out are taken nearer.
+double Near(LONG coordinate) noexcept;
+/// The path of a box.
+void AddBox(cairo_t* cairo, const CRect& box);
+
 void SetSource(cairo_t* cairo, COLORREF color);
 void ClipTo(cairo_t* cairo, const CRect& box);
 

@@ -155,6 +155,7 @@ QELLIB10_API BOOL DeleteDC(HDC dc);
 /// @return the object until now; null on failure
 QELLIB10_API HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
 QELLIB10_API int GetDeviceCaps(HDC dc, int index);
-QELLIB10_API COLORREF SetBkColor(HDC dc, COLORREF color);  ///< 0xFFFFFFFF on failure
+QELLIB10_API BOOL GetViewportOrgEx(HDC dc, POINT* origin);  ///< 0 on failure
+QELLIB10_API COLORREF SetBkColor(HDC dc, COLORREF color);   ///< 0xFFFFFFFF on failure
 QELLIB10_API BOOL ExtTextOut(HDC dc, int x, int y, UINT options, const RECT* rect, const char* text, UINT length,
                              const int* spacing);

@@ -25,6 +25,13 @@ int GetDeviceCaps(HDC dc, int index) {
     return context ? context->DeviceCaps(index) : 0;
 }
 
+BOOL GetViewportOrgEx(HDC dc, POINT* origin) {
+    const auto context = qel::FindDeviceContext(dc);
+    if (!context || origin == nullptr) return 0;
+    *origin = context->State().mapping.ViewportOrigin();
+    return 1;
+}
+
 COLORREF SetBkColor(HDC dc, COLORREF color) {
     CDC context;
     if (!context.Attach(dc)) return 0xFFFFFFFF;

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <vector>
+
+#include "qellib10/platform/drawing/polyline_writer.h"
+#include "qellib10/platform/drawing/vector_surface.h"
+
+namespace qel {
+
+/// Draws through a cairo_t of the application. Where its units are whole pixels thin lines are written into a mask by
+/// ourselves, with the pixels that they have on a bitmap.
+class CairoSurface : public VectorSurface {
+public:
+    CairoSurface(cairo_t* cairo, const CSize& size, int dotsAnInch);
+    ~CairoSurface() override;
+
+    int DeviceCaps(int index) const override;
+    void SetInk(const Ink& ink) override;
+    void MoveTo(const POINT& to) override;
+    void LineTo(const POINT& to) override;
+    void Flush() override;
+
+protected:
+    cairo_t* Cairo() override { return m_pCairo; }
+
+private:
+    bool IsWholePixels() const;
+    void PaintMask();
+
+    cairo_t* m_pCairo;
+    CSize m_size;
+    int m_nDotsAnInch;
+    bool m_isMasked = false;    // thin lines go into the mask
+    bool m_isMaskUsed = false;  // since it was painted last
+    int m_nStride;
+    std::vector<std::uint8_t> m_mask;
+    BasicRaster<std::uint8_t> m_raster;
+    BasicPolylineWriter<std::uint8_t> m_writer;
+    Ink m_maskInk;
+    POINT m_at{0, 0};
+};
+
+}  // namespace qel

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "qellib10/platform/text/string.h"
+
+namespace qel {
+
+/// Where a finished document goes.
+class DocumentSink {
+public:
+    virtual ~DocumentSink() = default;
+    /// @return whether the document could be begun at all; nothing is written yet
+    virtual bool Begin(const CString& /*name*/) { return true; }
+    /// Takes all bytes of the document. @return false when they could not be delivered
+    virtual bool Take(const CString& name, std::span<const std::byte> bytes) = 0;
+};
+
+}  // namespace qel

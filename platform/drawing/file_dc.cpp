@@ -1,0 +1,67 @@
+#include "qellib10/platform/drawing/file_dc.h"
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/drawing/cairo_surface.h"
+#include "qellib10/platform/drawing/device_context.h"
+#include "qellib10/platform/drawing/pdf_surface.h"
+#include "qellib10/platform/drawing/svg_surface.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/replacement.h"
+
+namespace qel {
+namespace {
+
+class FileSink : public DocumentSink {
+public:
+    explicit FileSink(const char* path) : m_szPath(path) {}
+
+    bool Take(const CString&, std::span<const std::byte> bytes) override {
+        return AsResult([&] {
+                   Replacement target(m_szPath.View());
+                   WriteFully(target.File(), bytes, m_szPath.View());
+                   target.Commit();
+                   return 1;
+               }) != 0;
+    }
+
+private:
+    CString m_szPath;
+};
+
+HDC ContextOver(std::unique_ptr<Surface> surface) {
+    return AddDeviceContext(std::make_shared<DeviceContext>(std::move(surface)));
+}
+
+bool IsDrawable(const CSize& size, int dotsAnInch) {
+    return size.cx > 0 && size.cy > 0 && size.cx <= PixelBuffer::kLongestSide && size.cy <= PixelBuffer::kLongestSide &&
+           dotsAnInch > 0;
+}
+
+}  // namespace
+
+HDC CreatePdfDC(const char* path, const PageSetup& page) {
+    const CSize drawable = page.DrawableDots();
+    if (path == nullptr || page.dotsAnInch.cx < 1 || page.dotsAnInch.cy < 1 || drawable.cx < 1 || drawable.cy < 1) {
+        return nullptr;
+    }
+    return ContextOver(std::make_unique<PdfSurface>(page, std::make_unique<FileSink>(path)));
+}
+
+HDC CreateSvgDC(const char* path, const CSize& size, int dotsAnInch) {
+    if (path == nullptr || !IsDrawable(size, dotsAnInch)) return nullptr;
+    return ContextOver(std::make_unique<SvgSurface>(size, dotsAnInch, std::make_unique<FileSink>(path)));
+}
+
+HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsAnInch) {
+    if (cairo == nullptr || !IsDrawable(size, dotsAnInch)) return nullptr;
+    return ContextOver(std::make_unique<CairoSurface>(cairo, size, dotsAnInch));
+}
+
+BOOL FlushDC(HDC dc) {
+    const auto context = FindDeviceContext(dc);
+    if (!context) return 0;
+    context->Flushed();
+    return 1;
+}
+
+}  // namespace qel

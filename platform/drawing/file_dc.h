@@ -1,0 +1,30 @@
+#pragma once
+
+#include "qellib10/platform/drawing/drawing_types.h"
+#include "qellib10/platform/drawing/page_setup.h"
+#include "qellib10/platform/export.h"
+
+using cairo_t = struct _cairo;
+
+namespace qel {
+
+/// A context whose documents are written to @p path as PDF (ISO 32000), each replacing the file as a whole: StartDoc,
+/// StartPage, drawing, EndPage, and so on, EndDoc. Fonts are embedded, texts stay texts. Delete it with DeleteDC.
+/// @return null for a sheet without area or a resolution below 1
+QELLIB10_API HDC CreatePdfDC(const char* path, const PageSetup& page);
+
+/// The same as SVG 1.1, one page a document; texts stay texts in the fonts that the viewer has.
+QELLIB10_API HDC CreateSvgDC(const char* path, const CSize& size, int dotsAnInch = 96);
+
+/// A context that draws through the application's @p cairo, one user unit a device unit, over @p size of them. Thin
+/// lines have their exact pixels where user units are whole pixels. The context keeps a reference and leaves the state
+/// of
+/// @p cairo as it was after each drawing; what was drawn is there at the latest when the context is flushed by
+/// FlushDC or deleted.
+/// @return null for a null @p cairo
+QELLIB10_API HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsAnInch = 96);
+
+/// Draws what a context still holds back. @return 0 for a bad handle
+QELLIB10_API BOOL FlushDC(HDC dc);
+
+}  // namespace qel

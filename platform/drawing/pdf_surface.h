@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "qellib10/platform/drawing/document_sink.h"
+#include "qellib10/platform/drawing/page_setup.h"
+#include "qellib10/platform/drawing/vector_surface.h"
+
+namespace qel {
+
+/// Pages of a PDF document (ISO 32000), of a printer's resolution. The bytes are collected in memory and handed on as a
+/// whole at the end of the document; a document that is not ended leaves nothing behind. The same pages give the same
+/// bytes: the creation date is fixed.
+class PdfSurface : public VectorSurface {
+public:
+    PdfSurface(const PageSetup& page, std::unique_ptr<DocumentSink> sink);
+    ~PdfSurface() override;
+
+    int DeviceCaps(int index) const override;
+    int StartDoc(const CString& name) override;
+    int StartPage() override;
+    int EndPage() override;
+    int EndDoc() override;
+    int AbortDoc() override;
+
+protected:
+    cairo_t* Cairo() override;
+
+private:
+    struct Document;
+
+    PageSetup m_page;
+    std::unique_ptr<DocumentSink> m_pSink;
+    std::unique_ptr<Document> m_pDocument;  // while one is begun
+};
+
+}  // namespace qel

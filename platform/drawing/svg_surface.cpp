@@ -1,0 +1,300 @@
+#include "qellib10/platform/drawing/svg_surface.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdarg>
+#include <span>
+#include <utility>
+
+#include "qellib10/platform/drawing/bitmap_surface.h"
+#include "qellib10/platform/drawing/cairo_shapes.h"
+#include "qellib10/platform/drawing/dash_pattern.h"
+#include "qellib10/platform/drawing/hatch.h"
+#include "qellib10/platform/drawing/png_encoder.h"
+#include "qellib10/platform/drawing/text_font.h"
+#include "qellib10/platform/text/code_page.h"
+
+namespace qel {
+namespace {
+
+__attribute__((format(printf, 1, 2))) std::string Formatted(const char* format, ...) {
+    CString text;
+    va_list arguments;
+    va_start(arguments, format);
+    text.FormatV(format, arguments);
+    va_end(arguments);
+    return std::string(text.View());
+}
+
+std::string ColorOf(COLORREF color) {
+    return Formatted("#%02x%02x%02x", GetRValue(color), GetGValue(color), GetBValue(color));
+}
+
+std::string Escaped(std::string_view text) {
+    std::string escaped;
+    for (const char c : text) {
+        switch (c) {
+            case '&':
+                escaped += "&amp;";
+                break;
+            case '<':
+                escaped += "&lt;";
+                break;
+            case '>':
+                escaped += "&gt;";
+                break;
+            case '"':
+                escaped += "&quot;";
+                break;
+            default:
+                escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string BoxAttributes(const CRect& box) {
+    return Formatted("x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\"", box.left, box.top, box.Width(), box.Height());
+}
+
+}  // namespace
+
+SvgSurface::SvgSurface(const CSize& size, int dotsAnInch, std::unique_ptr<DocumentSink> sink)
+    : m_size(size), m_nDotsAnInch(dotsAnInch), m_pSink(std::move(sink)) {}
+
+SvgSurface::~SvgSurface() = default;
+
+int SvgSurface::DeviceCaps(int index) const {
+    switch (index) {
+        case TECHNOLOGY:
+            return DT_RASDISPLAY;
+        case HORZSIZE:
+            return MulDiv(m_size.cx, 254, m_nDotsAnInch * 10);
+        case VERTSIZE:
+            return MulDiv(m_size.cy, 254, m_nDotsAnInch * 10);
+        case HORZRES:
+            return m_size.cx;
+        case VERTRES:
+            return m_size.cy;
+        case BITSPIXEL:
+            return 24;
+        case PLANES:
+            return 1;
+        case LOGPIXELSX:
+        case LOGPIXELSY:
+            return m_nDotsAnInch;
+        default:
+            return 0;
+    }
+}
+
+// Adds an element to the page, clipped to the ink's clip and the box.
+void SvgSurface::Element(std::string_view nameAndAttributes, std::string_view content, const CRect* box) {
+    if (m_stage != Stage::kPage) return;
+    const std::string_view name = nameAndAttributes.substr(0, nameAndAttributes.find(' '));
+    m_body.append("<").append(nameAndAttributes).append(ClipReference(box));
+    if (content.empty()) {
+        m_body += "/>\n";
+    } else {
+        m_body.append(">").append(content).append("</").append(name).append(">\n");
+    }
+}
+
+std::string SvgSurface::ClipReference(const CRect* box) {
+    if (!m_ink.clip && box == nullptr) return {};
+    CRect clip = m_ink.clip ? *m_ink.clip : *box;
+    if (box != nullptr && !clip.IntersectRect(clip, *box)) clip = CRect();
+    const std::string definition = "<rect " + BoxAttributes(clip) + "/></clipPath>\n";
+    if (definition != m_szLastDefinition) {
+        m_szLastDefinition = definition;
+        m_szLastReference = Formatted(" clip-path=\"url(#d%d)\"", ++m_nDefinitions);
+        m_definitions += Formatted("<clipPath id=\"d%d\">", m_nDefinitions) + definition;
+    }
+    return m_szLastReference;
+}
+
+std::string SvgSurface::StrokeAttributes() const {
+    std::string attributes =
+        Formatted("fill=\"none\" stroke=\"%s\" stroke-width=\"%d\"", ColorOf(m_ink.penColor).c_str(), m_ink.penWidth);
+    if (m_ink.penWidth > 1) attributes += " stroke-linecap=\"round\" stroke-linejoin=\"round\"";
+    if (m_ink.IsDashed()) {
+        attributes += " stroke-dasharray=\"";
+        for (const int length : DashLengths(m_ink.penStyle)) {
+            attributes += Formatted("%g ", length * double(m_nDotsAnInch) / BitmapSurface::kScreenDotsAnInch);
+        }
+        attributes.back() = '"';
+    }
+    return attributes;
+}
+
+std::string SvgSurface::HatchReference(const LOGBRUSH& brush) {
+    const double cell = 8.0 * m_nDotsAnInch / BitmapSurface::kScreenDotsAnInch;
+    std::string pattern = Formatted(
+        "<pattern id=\"d%d\" width=\"%g\" height=\"%g\" patternUnits=\"userSpaceOnUse\"><g transform=\"scale(%g)\">",
+        ++m_nDefinitions, cell, cell, cell / 8);
+    if (m_ink.isOpaque) pattern += "<rect width=\"8\" height=\"8\" fill=\"" + ColorOf(m_ink.backColor) + "\"/>";
+    for (int y = 0; y < 8; ++y) {
+        for (int x = 0; x < 8; ++x) {
+            if (!IsHatchPixel(brush.lbHatch, x, y)) continue;
+            pattern += Formatted("<rect x=\"%d\" y=\"%d\" width=\"1\" height=\"1\" fill=\"%s\"/>", x, y,
+                                 ColorOf(brush.lbColor).c_str());
+        }
+    }
+    m_definitions += pattern + "</g></pattern>\n";
+    return Formatted("url(#d%d)", m_nDefinitions);
+}
+
+void SvgSurface::SetInk(const Ink& ink) {
+    Flush();
+    m_ink = ink;
+}
+
+void SvgSurface::MoveTo(const POINT& to) {
+    Flush();
+    m_at = to;
+}
+
+void SvgSurface::LineTo(const POINT& to) {
+    const auto add = [this](const CPoint& point) {
+        if (m_ink.IsThinSolid()) {
+            m_reducer.Add(point, m_aryPoint);
+        } else {
+            m_aryPoint.push_back(point);
+        }
+    };
+    if (m_aryPoint.empty()) add(m_at);
+    add(to);
+    m_at = to;
+}
+
+void SvgSurface::Flush() {
+    m_reducer.End(m_aryPoint);
+    const std::vector<CPoint> points = std::exchange(m_aryPoint, {});
+    if (points.size() < 2 || m_ink.penStyle == PS_NULL) return;
+    std::string line = "polyline " + StrokeAttributes() + " points=\"";
+    for (const CPoint& point : points) line += Formatted("%.1f,%.1f ", point.x + 0.5, point.y + 0.5);
+    line.back() = '"';
+    Element(line);
+}
+
+void SvgSurface::Rectangle(const CRect& box) {
+    Flush();
+    if (m_ink.penStyle == PS_NULL) {
+        FillRect({box.left, box.top, box.right - 1, box.bottom - 1}, m_ink.brush);
+        return;
+    }
+    FillRect(box, m_ink.brush);
+    const double inset = m_ink.penStyle == PS_INSIDEFRAME ? m_ink.penWidth / 2.0 : 0.5;
+    Element("rect " + StrokeAttributes() +
+            Formatted(" x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"", box.left + inset, box.top + inset,
+                      std::max(0.0, Near(box.right) - Near(box.left) - 2 * inset),
+                      std::max(0.0, Near(box.bottom) - Near(box.top) - 2 * inset)));
+}
+
+void SvgSurface::Arc(const CRect& box, const POINT& start, const POINT& end) {
+    Flush();
+    if (m_ink.penStyle == PS_NULL) return;
+    const double radiusX = (Near(box.right) - Near(box.left) - 1) / 2,
+                 radiusY = (Near(box.bottom) - Near(box.top) - 1) / 2;
+    const double middleX = Near(box.left) + radiusX + 0.5, middleY = Near(box.top) + radiusY + 0.5;
+    if (IsWholeEllipse(box, start, end)) {
+        Element("ellipse " + StrokeAttributes() +
+                Formatted(" cx=\"%.1f\" cy=\"%.1f\" rx=\"%.1f\" ry=\"%.1f\"", middleX, middleY, radiusX, radiusY));
+        return;
+    }
+    if (radiusX <= 0 || radiusY <= 0) return;
+    // Angles on the circle that the ellipse is when both radii are made the same, counter-clockwise from start to end.
+    const auto angleOf = [&](const POINT& point) {
+        return std::atan2((point.y + 0.5 - middleY) * radiusX, (point.x + 0.5 - middleX) * radiusY);
+    };
+    const double from = angleOf(start), to = angleOf(end);
+    const double turned = from > to ? from - to : from - to + 2 * M_PI;
+    Element("path " + StrokeAttributes() +
+            Formatted(" d=\"M%.2f %.2fA%.1f %.1f 0 %d 0 %.2f %.2f\"", middleX + radiusX * std::cos(from),
+                      middleY + radiusY * std::sin(from), radiusX, radiusY, turned > M_PI,
+                      middleX + radiusX * std::cos(to), middleY + radiusY * std::sin(to)));
+}
+
+void SvgSurface::FillRect(const CRect& box, const LOGBRUSH& brush) {
+    Flush();
+    if (brush.lbStyle == BS_NULL || box.IsRectEmpty()) return;
+    const std::string fill = brush.lbStyle == BS_HATCHED ? HatchReference(brush) : ColorOf(brush.lbColor);
+    Element("rect " + BoxAttributes(box) + " fill=\"" + fill + "\"");
+}
+
+void SvgSurface::InvertRect(const CRect& box) {
+    Flush();
+    Element("rect " + BoxAttributes(box) + " fill=\"#ffffff\" style=\"mix-blend-mode:difference\"");
+}
+
+void SvgSurface::Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
+                      const CRect* box) {
+    Flush();
+    if (line.text.find_first_not_of(' ') == std::string::npos) return;
+    std::string text = Formatted(
+        "text x=\"%d\" y=\"%d\" font-size=\"%g\" textLength=\"%d\" font-family=\"%s\" fill=\"%s\"", baseline.x,
+        baseline.y, font.EmHeight(), line.width, Escaped(font.Families()).c_str(), ColorOf(color).c_str());
+    if (font.IsBold()) text += " font-weight=\"bold\"";
+    if (font.IsItalic()) text += " font-style=\"italic\"";
+    Element(text + " xml:space=\"preserve\"", Escaped(line.text), box);
+}
+
+void SvgSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) {
+    Flush();
+    const auto part = PixelBuffer::Create(source.Width(), source.Height());
+    if (!part) return;
+    for (int y = 0; y < source.Height(); ++y) {
+        const std::uint32_t* const row = pixels.Row(source.top + y) + source.left;
+        std::copy(row, row + source.Width(), part->Row(y));
+    }
+    const std::vector<std::byte> png = EncodePng(*part, m_nDotsAnInch);
+    const std::unique_ptr<gchar, decltype(&g_free)> text(
+        g_base64_encode(reinterpret_cast<const guchar*>(png.data()), png.size()), &g_free);
+    Element("image " + BoxAttributes(CRect(to, source.Size())) + " href=\"data:image/png;base64," + text.get() + "\"");
+}
+
+int SvgSurface::StartDoc(const CString& name) {
+    if (m_stage != Stage::kNone || !m_pSink->Begin(name)) return -1;
+    m_szName = name;
+    m_definitions.clear();
+    m_body.clear();
+    m_szLastDefinition.clear();
+    m_nDefinitions = 0;
+    m_stage = Stage::kDocument;
+    return 1;
+}
+
+int SvgSurface::StartPage() {
+    if (m_stage != Stage::kDocument) return -1;
+    m_stage = Stage::kPage;
+    return 1;
+}
+
+int SvgSurface::EndPage() {
+    if (m_stage != Stage::kPage) return -1;
+    Flush();
+    m_stage = Stage::kPageDone;
+    return 1;
+}
+
+int SvgSurface::EndDoc() {
+    const Stage stage = std::exchange(m_stage, Stage::kNone);
+    if (stage == Stage::kDocument) return 1;  // without a page there is nothing to write
+    if (stage != Stage::kPageDone) return -1;
+    const std::string whole = Whole();
+    return m_pSink->Take(m_szName, std::as_bytes(std::span(whole))) ? 1 : -1;
+}
+
+int SvgSurface::AbortDoc() { return std::exchange(m_stage, Stage::kNone) != Stage::kNone ? 1 : -1; }
+
+std::string SvgSurface::Whole() const {
+    return Formatted(
+               "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%gin\" height=\"%gin\" viewBox=\"0 0 %d %d\">\n",
+               double(m_size.cx) / m_nDotsAnInch, double(m_size.cy) / m_nDotsAnInch, m_size.cx, m_size.cy) +
+           "<title>" + Escaped(ToUtf8(m_szName.View())) + "</title>\n<defs>\n" + m_definitions + "</defs>\n" + m_body +
+           "</svg>\n";
+}
+
+}  // namespace qel

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/drawing/column_reducer.h"
+#include "qellib10/platform/drawing/document_sink.h"
+#include "qellib10/platform/drawing/surface.h"
+
+namespace qel {
+
+/// A picture as SVG 1.1, whose texts stay texts. The document has one page; the same drawing gives the same bytes.
+class SvgSurface : public Surface {
+public:
+    SvgSurface(const CSize& size, int dotsAnInch, std::unique_ptr<DocumentSink> sink);
+    ~SvgSurface() override;
+
+    int DeviceCaps(int index) const override;
+    void SetInk(const Ink& ink) override;
+    void MoveTo(const POINT& to) override;
+    void LineTo(const POINT& to) override;
+    void Rectangle(const CRect& box) override;
+    void Arc(const CRect& box, const POINT& start, const POINT& end) override;
+    void FillRect(const CRect& box, const LOGBRUSH& brush) override;
+    void InvertRect(const CRect& box) override;
+    void Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
+              const CRect* box) override;
+    void CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) override;
+    void Flush() override;
+    int StartDoc(const CString& name) override;
+    int StartPage() override;
+    int EndPage() override;
+    int EndDoc() override;
+    int AbortDoc() override;
+
+private:
+    enum class Stage { kNone, kDocument, kPage, kPageDone };
+
+    void Element(std::string_view nameAndAttributes, std::string_view content = {}, const CRect* box = nullptr);
+    std::string ClipReference(const CRect* box);
+    std::string StrokeAttributes() const;
+    std::string HatchReference(const LOGBRUSH& brush);
+    std::string Whole() const;
+
+    CSize m_size;
+    int m_nDotsAnInch;
+    std::unique_ptr<DocumentSink> m_pSink;
+    Stage m_stage = Stage::kNone;
+    CString m_szName;
+    std::string m_definitions;
+    std::string m_body;
+    int m_nDefinitions = 0;
+    std::string m_szLastDefinition;  // what the last clip or hatch was, and its reference
+    std::string m_szLastReference;
+    Ink m_ink;
+    std::vector<CPoint> m_aryPoint;  // of the polyline that is open
+    ColumnReducer m_reducer;
+    CPoint m_at;
+};
+
+}  // namespace qel

@@ -1,0 +1,205 @@
+#include "qellib10/platform/drawing/file_dc.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/drawing/preview_dc.h"
+
+#include "../support/temp_folder.h"
+
+namespace {
+
+std::string OutputOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
+    std::string output;
+    std::array<char, 4096> block;
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe.get()))
+        output.append(block.data(), count);
+    return output;
+}
+
+// One of everything.
+void DrawSheet(CDC& dc, const CString& text) {
+    CPen wide(PS_SOLID, 3, RGB(0, 0, 255)), dashed(PS_DASHDOT, 1, RGB(255, 0, 0));
+    CBrush hatch(HS_DIAGCROSS, RGB(0, 128, 0));
+    dc.MoveTo(10, 10);
+    for (int i = 0; i < 50; ++i) dc.LineTo(10 + i / 5, 10 + (i * 37) % 80);
+    CPen* const before = dc.SelectObject(&wide);
+    dc.SelectObject(&hatch);
+    dc.Rectangle(100, 10, 180, 60);
+    dc.Arc({100, 70, 180, 120}, {200, 90}, {0, 90});
+    dc.SelectObject(&dashed);
+    dc.Arc(10, 100, 60, 130, 0, 0, 0, 0);
+    CRgn clip;
+    clip.CreateRectRgn(0, 0, 400, 170);
+    dc.SelectClipRgn(&clip);
+    dc.MoveTo(-0x7FFFFFFF, 150);
+    dc.LineTo(0x7FFFFFFF, 152);
+    dc.SelectClipRgn(nullptr);
+    const RECT box{20, 20, 40, 40};
+    dc.InvertRect(&box);
+    CFont font;
+    font.CreatePointFont(120, "Arial", &dc);
+    CFont* const fontBefore = dc.SelectObject(&font);
+    dc.TextOut(300, 200, text);
+    dc.SelectObject(fontBefore);
+    dc.SelectObject(before);
+}
+
+int Draw(HDC handle, int pages, const CString& text) {
+    CDC dc;
+    if (!dc.Attach(handle) || dc.StartDoc("Report \x93\x48") < 1) return 0;
+    for (int page = 0; page < pages; ++page) {
+        if (dc.StartPage() < 1) return 0;
+        DrawSheet(dc, text);
+        if (dc.EndPage() < 1) return 0;
+    }
+    return dc.EndDoc() > 0;
+}
+
+}  // namespace
+
+TEST(PdfDc, HasPagesTextsAndTheSameBytesAgain) {
+    const TempFolder folder;
+    qel::PageSetup page;
+    page.sheet = {29700, 21000};
+    page.margins = {500, 400, 500, 400};
+    const CString text("titration \x93\x48\x92\xE8 & <1>");
+    ASSERT_TRUE(Draw(qel::CreatePdfDC(folder.Path("a.pdf"), page), 2, text));
+    ASSERT_TRUE(Draw(qel::CreatePdfDC(folder.Path("b.pdf"), page), 2, text));
+    EXPECT_EQ(folder.Read("a.pdf"), folder.Read("b.pdf"));
+
+    const std::string info = OutputOf("pdfinfo " + folder.Posix("a.pdf").string() + " | tr -s ' '");
+    EXPECT_NE(info.find("Pages: 2"), std::string::npos) << info;
+    EXPECT_NE(info.find("841.89 x 595.276 pts (A4)"), std::string::npos) << info;
+    EXPECT_NE(info.find("Title: Report 滴"), std::string::npos) << info;
+    EXPECT_NE(OutputOf("pdftotext " + folder.Posix("a.pdf").string() + " -").find("titration 滴定 & <1>"),
+              std::string::npos);
+    const std::string places = OutputOf("pdftotext -bbox " + folder.Posix("a.pdf").string() + " -");
+    double x = 0, y = 0;
+    const std::size_t word = places.find("<word");
+    ASSERT_NE(word, std::string::npos);
+    ASSERT_EQ(std::sscanf(places.c_str() + word, "<word xMin=\"%lf\" yMin=\"%lf\"", &x, &y), 2);
+    EXPECT_NEAR(x, (300 + 118) * 72 / 600.0, 1) << "300 units behind the margin of 5 mm";
+    EXPECT_NEAR(y, (200 + 94) * 72 / 600.0, 2);
+    EXPECT_EQ(OutputOf("pdffonts " + folder.Posix("a.pdf").string() + " | tail -n +3 | grep -vc 'yes yes yes'"), "0\n");
+}
+
+TEST(PdfDc, RefusesStepsOutOfOrderAndLeavesNothingOfThem) {
+    const TempFolder folder;
+    CDC dc;
+    ASSERT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Path("a.pdf"), {})));
+    EXPECT_EQ(dc.GetDeviceCaps(PHYSICALWIDTH), 4961);
+    EXPECT_EQ(dc.GetDeviceCaps(PHYSICALHEIGHT), 7016);
+    EXPECT_TRUE(dc.IsPrinting());
+    EXPECT_LT(dc.StartPage(), 1);
+    EXPECT_LT(dc.EndPage(), 1);
+    EXPECT_LT(dc.EndDoc(), 1);
+    dc.LineTo(5, 5);  // nowhere
+    EXPECT_GT(dc.StartDoc("x"), 0);
+    EXPECT_LT(dc.StartDoc("y"), 1);
+    EXPECT_GT(dc.EndDoc(), 0) << "without pages nothing is written";
+    EXPECT_GT(dc.StartDoc("x"), 0);
+    EXPECT_GT(dc.StartPage(), 0);
+    EXPECT_GT(dc.AbortDoc(), 0);
+    EXPECT_GT(dc.StartDoc("x"), 0);
+    EXPECT_GT(dc.StartPage(), 0);
+    EXPECT_TRUE(dc.DeleteDC());
+    EXPECT_EQ(folder.Count(), 0);
+    EXPECT_EQ(qel::CreatePdfDC(folder.Path("a.pdf"), {{0, 100}, {600, 600}, {}}), nullptr);
+    EXPECT_FALSE(Draw(qel::CreatePdfDC(folder.Path("no") + "\\a.pdf", {}), 1, "x")) << "no such folder";
+}
+
+TEST(SvgDc, KeepsTextsAndIsWellFormed) {
+    const TempFolder folder;
+    const CString text("pH < 7 & \x93\x48");
+    ASSERT_TRUE(Draw(qel::CreateSvgDC(folder.Path("a.svg"), {400, 300}), 1, text));
+    ASSERT_TRUE(Draw(qel::CreateSvgDC(folder.Path("b.svg"), {400, 300}), 1, text));
+    EXPECT_EQ(folder.Read("a.svg"), folder.Read("b.svg"));
+    EXPECT_EQ(OutputOf("xmllint --noout " + folder.Posix("a.svg").string() + " 2>&1"), "");
+    EXPECT_EQ(OutputOf("xmllint --xpath \"string(//*[local-name()='text'])\" " + folder.Posix("a.svg").string()),
+              "pH < 7 & 滴\n");
+}
+
+TEST(CairoDc, HasTheThinLinesOfABitmap) {
+    constexpr int kWidth = 200, kHeight = 150;
+    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
+    cairo_t* const cairo = cairo_create(image);
+    CDC theirs, ours;
+    ASSERT_TRUE(theirs.Attach(qel::CreateCairoDC(cairo, {kWidth, kHeight})));
+    ASSERT_TRUE(ours.CreateCompatibleDC(nullptr));
+    CBitmap bitmap;
+    ASSERT_TRUE(bitmap.CreateBitmap(kWidth, kHeight, 1, 32, nullptr));
+    ours.SelectObject(&bitmap);
+    for (CDC* const dc : {&theirs, &ours}) {
+        const RECT all{0, 0, kWidth, kHeight};
+        dc->FillSolidRect(&all, RGB(255, 255, 255));
+        CRgn clip;
+        clip.CreateRectRgn(5, 5, 190, 140);
+        dc->SelectClipRgn(&clip);
+        std::mt19937 random(3);
+        for (const COLORREF color : {RGB(255, 0, 0), RGB(0, 0, 255)}) {
+            CPen pen(PS_SOLID, 1, color);
+            dc->SelectObject(&pen);
+            for (int i = 0; i < 100; ++i) dc->LineTo(int(random() % 300) - 50, int(random() % 250) - 50);
+        }
+    }
+    ASSERT_TRUE(qel::FlushDC(theirs));
+    cairo_surface_flush(image);
+    const unsigned char* const bytes = cairo_image_surface_get_data(image);
+    int different = 0;
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, bytes + y * cairo_image_surface_get_stride(image) + x * 4, 4);
+            different += RGB(pixel >> 16, pixel >> 8, pixel) != ours.GetPixel(x, y);
+        }
+    }
+    EXPECT_EQ(different, 0);
+    theirs.DeleteDC();
+    cairo_destroy(cairo);
+    cairo_surface_destroy(image);
+}
+
+TEST(PreviewDc, ScalesThePrintersUnitsToTheScreen) {
+    const TempFolder folder;
+    CDC screen, printer;
+    ASSERT_TRUE(screen.CreateCompatibleDC(nullptr));
+    CBitmap bitmap;
+    ASSERT_TRUE(bitmap.CreateBitmap(500, 700, 1, 32, nullptr));
+    screen.SelectObject(&bitmap);
+    ASSERT_TRUE(printer.Attach(qel::CreatePdfDC(folder.Path("a.pdf"), {})));
+    CPreviewDC preview;
+    preview.SetOutputDC(screen);
+    preview.SetAttribDC(printer);
+    preview.SetTopLeftOffset({20, 10});
+    preview.SetScaleRatio(1, 2);
+    EXPECT_EQ(preview.GetDeviceCaps(LOGPIXELSX), 600);
+    CPoint point(1250, -600);
+    preview.PrinterDPtoScreenDP(&point);
+    EXPECT_TRUE(point == CPoint(100, -48)) << "without the origin";
+    POINT origin;
+    ASSERT_TRUE(GetViewportOrgEx(preview, &origin));
+    EXPECT_TRUE(CPoint(origin) == CPoint(20, 10));
+    const RECT box{0, 0, 1250, 1250};
+    preview.FillSolidRect(&box, RGB(255, 0, 0));
+    preview.SetMapMode(MM_LOMETRIC);  // the printer's: a tenth of a millimetre, y upward
+    const RECT metric{254, 0, 508, -254};
+    preview.FillSolidRect(&metric, RGB(0, 0, 255));
+    screen.SetMapMode(MM_TEXT);
+    screen.SetViewportOrg(0, 0);
+    EXPECT_EQ(screen.GetPixel(20, 10), RGB(255, 0, 0));
+    EXPECT_EQ(screen.GetPixel(19, 10), 0u);
+    EXPECT_EQ(screen.GetPixel(20 + 48, 10), RGB(0, 0, 255));
+    EXPECT_EQ(screen.GetPixel(20 + 95, 10 + 47), RGB(0, 0, 255));
+    EXPECT_EQ(screen.GetPixel(20 + 96, 10), RGB(255, 0, 0));
+    EXPECT_EQ(screen.GetPixel(20 + 100, 10), 0u);
+}
