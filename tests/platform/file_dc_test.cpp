@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -84,10 +85,14 @@ TEST(PdfDc, HasPagesTextsAndTheSameBytesAgain) {
     EXPECT_NE(OutputOf("pdftotext " + folder.Posix("a.pdf").string() + " -").find("titration 滴定 & <1>"),
               std::string::npos);
     const std::string places = OutputOf("pdftotext -bbox " + folder.Posix("a.pdf").string() + " -");
-    double x = 0, y = 0;
-    const std::size_t word = places.find("<word");
-    ASSERT_NE(word, std::string::npos);
-    ASSERT_EQ(std::sscanf(places.c_str() + word, "<word xMin=\"%lf\" yMin=\"%lf\"", &x, &y), 2);
+    const auto number = [&](const std::string& name) {
+        double value = -1;
+        const std::size_t at = places.find(name + "=\"", places.find("<word"));
+        if (at != std::string::npos)
+            std::from_chars(places.data() + at + name.size() + 2, places.data() + places.size(), value);
+        return value;
+    };
+    const double x = number("xMin"), y = number("yMin");
     EXPECT_NEAR(x, (300 + 118) * 72 / 600.0, 1) << "300 units behind the margin of 5 mm";
     EXPECT_NEAR(y, (200 + 94) * 72 / 600.0, 2);
     EXPECT_EQ(OutputOf("pdffonts " + folder.Posix("a.pdf").string() + " | tail -n +3 | grep -vc 'yes yes yes'"), "0\n");
