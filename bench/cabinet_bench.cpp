@@ -43,6 +43,9 @@ void Put(std::string& bytes, std::size_t offset, std::size_t number) {
     qel::PutNumber(std::as_writable_bytes(std::span(bytes)), offset, static_cast<DWORD>(number));
 }
 
+// As the caller has it: the benchmarks set TMPDIR, so that backups stand on the cabinet's file system.
+const fs::path theFolder = fs::temp_directory_path();
+
 // A folder that holds the cabinet, the source of further versions, and the backups.
 class Workplace {
 public:
@@ -94,14 +97,14 @@ private:
 };
 
 const Workplace& Usual() {
-    static const Workplace place(fs::temp_directory_path());
+    static const Workplace place(theFolder);
     return place;
 }
 
 // A file system that shares blocks.
 class Xfs {
 public:
-    Xfs() : m_image(fs::temp_directory_path() / ("qellib10-bench-xfs-" + std::to_string(::getpid()))) {
+    Xfs() : m_image(theFolder / ("qellib10-bench-xfs-" + std::to_string(::getpid()))) {
         const std::string image = m_image.string() + ".img", folder = m_image.string();
         fs::create_directory(m_image);
         m_isMounted = Run("truncate -s 1G " + image) && Run("mkfs.xfs -q -m reflink=1 " + image) &&

@@ -1,5 +1,6 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <span>
@@ -49,11 +50,18 @@ public:
         return latest;
     }
     // Each step leads on by a header at least, so the walk ends, at the latest with the file.
-    StoredVersion Find(DWORD version, DWORD count) const {
-        for (ULONGLONG offset = kFirstVersionAt;;) {
+    // @param ends where versions 1, 2, ... end, as far as walks have found them in this order: the next one begins
+    // there
+    StoredVersion Find(DWORD version, DWORD count, std::vector<ULONGLONG>& ends) const {
+        constexpr std::size_t kMostEnds = 65536;
+        const auto beginBehind = [&](std::size_t known) { return known == 0 ? kFirstVersionAt : ends[known - 1]; };
+        for (ULONGLONG offset = beginBehind(std::min<std::size_t>(version - 1, ends.size()));;) {
             const StoredVersion found = VersionAt(offset);
-            if (found.header.version > count) throw qel::DataError("a version that was never registered");
-            if (found.header.version == version) return found;
+            const DWORD number = found.header.version;
+            if (number > count) throw qel::DataError("a version that was never registered");
+            if (number == version) return found;
+            const bool isNext = number == ends.size() + 1 && offset == beginBehind(ends.size());
+            if (isNext && ends.size() < kMostEnds) ends.push_back(found.end);
             offset = found.end;
         }
     }
@@ -130,7 +138,10 @@ private:
 
 }  // namespace
 
-CHistoryCabinetFile::CHistoryCabinetFile() : m_pFile(std::make_shared<CQFile>()) { InitCabFileHeader(); }
+CHistoryCabinetFile::CHistoryCabinetFile()
+    : m_pFile(std::make_shared<CQFile>()), m_pEnds(std::make_shared<std::vector<ULONGLONG>>()) {
+    InitCabFileHeader();
+}
 CHistoryCabinetFile::CHistoryCabinetFile(const CHistoryCabinetFile& other) = default;
 CHistoryCabinetFile& CHistoryCabinetFile::operator=(const CHistoryCabinetFile& other) = default;
 CHistoryCabinetFile::~CHistoryCabinetFile() = default;
@@ -161,6 +172,7 @@ int CHistoryCabinetFile::Close() {
 
 void CHistoryCabinetFile::Initialize() {
     m_pFile->Abort();
+    m_pEnds->clear();
     InitCabFileHeader();
 }
 
@@ -224,7 +236,7 @@ int CHistoryCabinetFile::GetLatestVersionFile(const char* target) {
 
 int CHistoryCabinetFile::GetVersionFile(DWORD version, const char* target) {
     if (!m_pFile->IsOpen() || version == 0 || version > m_header.versionCount) return 0;
-    return Extract(*m_pFile, target, [&] { return Content(*m_pFile).Find(version, m_header.versionCount); });
+    return Extract(*m_pFile, target, [&] { return Content(*m_pFile).Find(version, m_header.versionCount, *m_pEnds); });
 }
 
 void CHistoryCabinetFile::InitCabFileHeader() {

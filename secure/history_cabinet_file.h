@@ -2,6 +2,7 @@
 
 #include <array>
 #include <memory>
+#include <vector>
 
 #include "qellib10/base/guid.h"
 #include "qellib10/file/q_file.h"
@@ -100,4 +101,7 @@ protected:
 private:
     void WriteHeader();
     void Append(const CFile& source, DWORD size, ULONGLONG end);
+
+    // Where versions 1, 2, ... end, as far as anybody has looked: of the open file, so shared by copies as well.
+    std::shared_ptr<std::vector<ULONGLONG>> m_pEnds;
 };

@@ -75,11 +75,13 @@ TEST_F(History, KeptCabinetIsReadAndItsTailCut) {
     const auto size = fs::file_size(folder.Posix("c"));
     fs::resize_file(folder.Posix("c"), size + 1000);
     CHistoryCabinetFile cabinet;
+    ASSERT_EQ(cabinet.Create(folder.Path("other")) + Register(cabinet, "a") + Register(cabinet, "b"), 3);
+    EXPECT_EQ(Version(cabinet, 2), "b");
     ASSERT_EQ(cabinet.Open(path, 0), 1);
     EXPECT_EQ(cabinet.GetGUID().GetString(), "{B1D9A6A0-54D4-47F5-9D1A-3C1E9E1F6D20}");
     ASSERT_EQ(cabinet.GetLatestVersion(), 3u);
-    EXPECT_EQ(Version(cabinet, 1), "first");
     EXPECT_EQ(Version(cabinet, 2), "");
+    EXPECT_EQ(Version(cabinet, 1), "first");
     EXPECT_EQ(Version(cabinet), std::string(300, '\xFF'));
     EXPECT_EQ(Register(cabinet, "next"), 1);
     EXPECT_EQ(Version(cabinet, 4), "next");
