@@ -36,7 +36,7 @@ const std::vector<Row> kStandsOn = {
     {"base/q_csv_file", {"file"}},
     {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},
-    {"print", {"file", "platform/xml"}},
+    {"print", {"file", "platform/drawing", "platform/xml"}},
     {"graph", {"print"}},
 };
 

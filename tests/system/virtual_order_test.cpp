@@ -85,6 +85,9 @@ TEST(VirtualOrder, IsFixed) {
     EXPECT_EQ(Slots(CDiffItem()), kDestructor);
     EXPECT_EQ(Slots(CQDiffList()), kDestructor);
 
+    EXPECT_EQ(Slots(CQelPrintJobCommand()), kDestructor);
+    EXPECT_EQ(Slots(CQelPrintJobBlockData()), kDestructor);
+
     EXPECT_EQ(Slots(CFunctionInfo()), kDestructor);
     using Security = CFunctionSecurity;
     ExpectInOrder(kDestructor, &Security::InitializeFunctionInfo, &Security::GetMachineID, &Security::GetMachineName,
