@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/text/code_page.h"
@@ -206,13 +207,13 @@ int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
 
 int CCryptXMLDocument::LoadCryptXMLFile(CFile& file) {
     return qel::AsResult([&] {
-        const std::string bytes = ReadWhole(file);
+        std::string bytes = ReadWhole(file);
         if (bytes.empty()) {
             Empty();
             return 1;
         }
         if (bytes[0] != qel::kEncipheredMark) return LoadPlainXMLFile(file);
-        m_pDocument->LoadText(qel::DecipheredXml(bytes, m_szKey));
+        m_pDocument->LoadText(qel::DecipheredXml(std::move(bytes), m_szKey));
         return 1;
     });
 }

@@ -117,6 +117,10 @@ protected:
 
     /// Load from, or save to, a file that is open; it stays so. An enciphered file begins with a zero byte, any other
     /// is loaded as a plain one. A plain file that names an encoding is taken to be in the code page, else in UTF-8.
+    ///
+    /// Kept for files already in the field: it seems to name one when the word `encoding` stands anywhere before its
+    /// first
+    /// `?>`. A document without declaration that has an instruction behind that word is better kept enciphered.
     int LoadCryptXMLFile(CFile& file);
     int SaveCryptXMLFile(CFile& file);
     int LoadPlainXMLFile(CFile& file);

@@ -31,14 +31,14 @@ std::string EncipheredXml(std::string text, const CString& key) {
     return file;
 }
 
-std::string DecipheredXml(std::string_view file, const CString& key) {
+std::string DecipheredXml(std::string file, const CString& key) {
     CCryptBrowFish cipher = CipherOf(key);
-    std::string text(file.substr(1));
-    const auto length = cipher.GetOutputLength(static_cast<DWORD>(text.size()));
-    text.resize(length);
-    cipher.Decode(Bytes(text.data()), Bytes(text.data()), length);
-    text.resize(std::min(text.find('\0'), text.size()));
-    return text;
+    const auto length = cipher.GetOutputLength(static_cast<DWORD>(file.size() - 1));
+    file.resize(1 + std::size_t{length});
+    cipher.Decode(Bytes(file.data()) + 1, Bytes(file.data()) + 1, length);
+    file.erase(0, 1);
+    file.resize(std::min(file.find('\0'), file.size()));
+    return file;
 }
 
 std::string EncodedUnits(std::u16string_view units) {

@@ -20,7 +20,7 @@ std::string EncipheredXml(std::string text, const CString& key);
 
 /// The text of an enciphered file. A last block that is cut is filled up with zero bytes.
 /// @param file begins with kEncipheredMark
-std::string DecipheredXml(std::string_view file, const CString& key);
+std::string DecipheredXml(std::string file, const CString& key);
 
 /// UTF-16 in the form of plain files.
 std::string EncodedUnits(std::u16string_view units);

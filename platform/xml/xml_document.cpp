@@ -21,36 +21,43 @@ void XmlDocument::Empty() noexcept {
     m_source = {};
 }
 
-void XmlDocument::LoadText(std::string_view text) { LoadUtf8(ToUtf8(text)); }
+void XmlDocument::LoadText(std::string_view text) { Load(ToUtf8(text), XmlNames::inCodePage); }
 
 void XmlDocument::LoadBytes(std::string_view bytes) {
     Empty();
     LoadUtf8(DecodedXml(bytes));
 }
 
-void XmlDocument::LoadUtf8(std::string utf8) {
+void XmlDocument::LoadUtf8(std::string utf8) { Load(std::move(utf8), XmlNames::any); }
+
+void XmlDocument::Load(std::string utf8, XmlNames names) {
     Empty();
     m_source = std::move(utf8);
     try {
-        ReadXml(*m_tree, m_source);
+        ReadXml(*m_tree, m_source, names);
     } catch (const DataError&) {
         Empty();
         throw;
     }
 }
 
+// A line end that was LF takes two bytes, so does many a character that was one.
+std::size_t XmlDocument::ExpectedSize() const { return m_source.size() + m_source.size() / 16; }
+
 std::string XmlDocument::Text() const {
-    return FromUtf8WithReferences(WriteXml(*m_tree, {.namesEncoding = false, .has = IsInCodePage}));
+    if (!Root()) return "";
+    return FromUtf8WithReferences(WriteXml(*m_tree, {.namesEncoding = false, .has = IsInCodePage}, ExpectedSize()));
 }
 
 std::string XmlDocument::Bytes() const {
+    if (!Root()) return "";
     const std::string_view declared =
         m_tree->find_child([](pugi::xml_node node) { return node.type() == pugi::node_declaration; })
             .attribute("encoding")
             .value();
     const XmlEncoder encoder = XmlEncoderFor(declared);
     const auto has = [&](std::string_view utf8) { return encoder(utf8).has_value(); };
-    const std::string text = WriteXml(*m_tree, {.namesEncoding = true, .has = has});
+    const std::string text = WriteXml(*m_tree, {.namesEncoding = true, .has = has}, ExpectedSize());
     if (auto bytes = encoder(text)) return std::move(*bytes);
 
     const std::string shown = WithReferencesFor(encoder, text);

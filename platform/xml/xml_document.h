@@ -13,6 +13,8 @@ class xml_document;
 
 namespace qel {
 
+enum class XmlNames;
+
 /// An XML document in memory: one root element with what stands before and behind it, or nothing at all.
 ///
 /// Loading is strict and bounded by the size of the text: XML that is not well-formed is refused, so is nesting deeper
@@ -39,7 +41,7 @@ public:
     /// Loads the bytes of a file: in the encoding of their byte-order mark, else the one that they declare, else UTF-8.
     void LoadBytes(std::string_view bytes);
 
-    /// The document in the process's code page, without naming an encoding; "" when it is empty.
+    /// The document in the process's code page, without naming an encoding; "" when it has no root.
     std::string Text() const;
     /// The document as a file in the encoding that it declares, UTF-8 if none, which is written without a mark.
     /// @throws DataError when the system does not know that encoding, or it lacks a character of a name
@@ -50,6 +52,9 @@ public:
     XmlNode AppendRoot(std::string_view name);
 
 private:
+    void Load(std::string utf8, XmlNames names);
+    std::size_t ExpectedSize() const;
+
     std::string m_source;  // the tree's texts stand in it
     std::unique_ptr<pugi::xml_document> m_tree;
 };

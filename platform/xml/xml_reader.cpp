@@ -10,7 +10,6 @@
 
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/xml/xml_text.h"
-#include "qellib10/platform/xml/xml_walk.h"
 
 namespace qel {
 namespace {
@@ -48,15 +47,38 @@ void CheckNamesDiffer(pugi::xml_node element) {
     Require(std::ranges::adjacent_find(names) == names.end(), "an attribute stands twice");
 }
 
-// Takes the nodes of a text one by one.
-class Reader {
-public:
-    explicit Reader(std::string_view text)
-        : m_allInCodePage(IsInCodePage(text)), m_hasSectionEnd(Contains(text, kSectionEnd)) {}
+bool IsEncodingName(std::string_view text) {
+    return IsXmlName(text) && text[0] != '_' &&
+           std::ranges::all_of(text, [](unsigned char c) { return c < 0x80 && c != ':'; });
+}
 
-    void Take(pugi::xml_node node) const {
+// A version, then an encoding and whether it stands alone if it says so.
+void CheckDeclaration(pugi::xml_node declaration) {
+    constexpr std::array<std::string_view, 3> kNames = {"version", "encoding", "standalone"};
+    Require(std::strcmp(declaration.name(), "xml") == 0, "a declaration of another kind");
+    Require(declaration.first_attribute().name() == kNames[0], "a declaration without a version");
+    auto next = kNames.begin();
+    for (const auto attribute : declaration.attributes()) {
+        const std::string_view name = attribute.name(), value = attribute.value();
+        next = std::find(next, kNames.end(), name);
+        Require(next != kNames.end(), "a declaration of something unknown");
+        ++next;
+        const bool isGood = name == "version"    ? value == "1.0" || value == "1.1"
+                            : name == "encoding" ? IsEncodingName(value)
+                                                 : value == "yes" || value == "no";
+        Require(isGood, "a declaration with a bad value");
+    }
+}
+
+// Takes the nodes of a text one by one; the parser's own walk does not recurse.
+class Reader : public pugi::xml_tree_walker {
+public:
+    Reader(std::string_view text, XmlNames names) : m_names(names), m_hasSectionEnd(Contains(text, kSectionEnd)) {}
+
+    bool for_each(pugi::xml_node& node) override {  // NOLINT(readability-identifier-naming): the parser's name
         switch (node.type()) {
             case pugi::node_element:
+                Require(depth() < kDeepestXml, "elements nested too deep");
                 CheckName(node.name());
                 TakeAttributes(node);
                 break;
@@ -76,14 +98,18 @@ public:
             case pugi::node_doctype:
                 TakeLineEndsOut(node);
                 break;
+            case pugi::node_declaration:
+                CheckDeclaration(node);
+                break;
             default:
                 break;
         }
+        return true;
     }
 
 private:
     void CheckName(const char* name) const {
-        Require(m_allInCodePage || IsInCodePage(name), "a name that is not in the code page");
+        Require(m_names == XmlNames::inCodePage || IsInCodePage(name), "a name that is not in the code page");
     }
 
     void TakeAttributes(pugi::xml_node element) const {
@@ -98,8 +124,8 @@ private:
         }
     }
 
-    // Asked once for the whole text, since the answers are mostly the simple ones.
-    bool m_allInCodePage, m_hasSectionEnd;
+    XmlNames m_names;
+    bool m_hasSectionEnd;  // asked once for the whole text, since it mostly has none
 };
 
 // Beside the root, and before the references are taken out: a reference to a blank is text as well.
@@ -132,51 +158,16 @@ void CheckTop(const pugi::xml_document& tree) {
     Require(roots == 1, "not one root");
 }
 
-bool IsEncodingName(std::string_view text) {
-    return IsXmlName(text) && text[0] != '_' &&
-           std::ranges::all_of(text, [](unsigned char c) { return c < 0x80 && c != ':'; });
-}
-
-// A version, then an encoding and whether it stands alone if it says so.
-void CheckDeclaration(pugi::xml_node declaration) {
-    constexpr std::array<std::string_view, 3> kNames = {"version", "encoding", "standalone"};
-    Require(std::strcmp(declaration.name(), "xml") == 0, "a declaration of another kind");
-    Require(declaration.first_attribute().name() == kNames[0], "a declaration without a version");
-    auto next = kNames.begin();
-    for (const auto attribute : declaration.attributes()) {
-        const std::string_view name = attribute.name(), value = attribute.value();
-        next = std::find(next, kNames.end(), name);
-        Require(next != kNames.end(), "a declaration of something unknown");
-        ++next;
-        const bool isGood = name == "version"    ? value == "1.0" || value == "1.1"
-                            : name == "encoding" ? IsEncodingName(value)
-                                                 : value == "yes" || value == "no";
-        Require(isGood, "a declaration with a bad value");
-    }
-}
-
 }  // namespace
 
-void ReadXml(pugi::xml_document& tree, std::string& text) {
+void ReadXml(pugi::xml_document& tree, std::string& text, XmlNames names) {
     Require(IsUtf8OfXml(text), "bytes that are no character of XML");
-    const Reader reader(text);
+    Reader reader(text, names);
     text += '\n';  // the parser does not see the last character if that is text
     const auto result = tree.load_buffer_inplace(text.data(), text.size(), kParsing, pugi::encoding_utf8);
     if (!result) throw DataError(result.description());
     CheckTop(tree);
-    int depth = 0;
-    for (const pugi::xml_node top : tree.children()) {
-        if (top.type() == pugi::node_declaration) {
-            CheckDeclaration(top);
-            continue;
-        }
-        const auto enter = [&](pugi::xml_node node, bool hasChildren) {
-            Require(depth < kDeepestXml || node.type() != pugi::node_element, "elements nested too deep");
-            reader.Take(node);
-            depth += hasChildren;
-        };
-        WalkXml(top, enter, [&](pugi::xml_node) { --depth; });
-    }
+    tree.traverse(reader);
 }
 
 }  // namespace qel

@@ -15,10 +15,13 @@ namespace {
 
 constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
 
-// A loop without exits, which the compiler turns into vector instructions.
+// A loop without exits, over bytes alone, which the compiler turns into vector instructions.
 bool HasControls(std::string_view text) {
-    unsigned found = 0;
-    for (const unsigned char c : text) found |= (c < 0x20) & (c != '\t') & (c != '\n') & (c != '\r');
+    unsigned char found = 0;
+    for (const unsigned char c : text) {
+        const bool isControl = (c < 0x20) & (c != '\t') & (c != '\n') & (c != '\r');
+        found |= static_cast<unsigned char>(isControl);
+    }
     return found != 0;
 }
 

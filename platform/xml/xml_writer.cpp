@@ -14,16 +14,28 @@
 namespace qel {
 namespace {
 
-// What is written for a character; null for the character itself.
+// What is written for a character; null for the character itself. The zero that ends a text has an entry, so that one
+// look-up tells all.
 using Escapes = std::array<const char*, 256>;
 
-constexpr Escapes EscapesOfText() {
+constexpr Escapes EscapesOfName() {
     Escapes escapes = {};
+    escapes['\0'] = "";
+    return escapes;
+}
+
+constexpr Escapes EscapesOfData() {  // comments, sections and the like, which know no references
+    Escapes escapes = EscapesOfName();
+    escapes['\n'] = "\r\n";
+    return escapes;
+}
+
+constexpr Escapes EscapesOfText() {
+    Escapes escapes = EscapesOfData();
     escapes['&'] = "&amp;";
     escapes['<'] = "&lt;";
     escapes['>'] = "&gt;";
     escapes['\r'] = "&#13;";  // as it stands a reader would take it as half of a line end
-    escapes['\n'] = "\r\n";
     return escapes;
 }
 
@@ -35,35 +47,31 @@ constexpr Escapes EscapesOfValue() {
     return escapes;
 }
 
-constexpr Escapes EscapesOfData() {  // comments, sections and the like, which know no references
-    Escapes escapes = {};
-    escapes['\n'] = "\r\n";
-    return escapes;
-}
-
-constexpr Escapes kNone = {}, kText = EscapesOfText(), kValue = EscapesOfValue(), kData = EscapesOfData();
+constexpr Escapes kName = EscapesOfName(), kData = EscapesOfData(), kText = EscapesOfText(), kValue = EscapesOfValue();
 
 // Text that grows character by character.
 class Output {
 public:
+    explicit Output(std::size_t expected) { GrowTo(std::max<std::size_t>(expected, 64)); }
+
     void Put(char c) {
-        if (m_at == m_end) Grow();
+        if (m_at == m_end) GrowTo(2 * m_text.size());
         *m_at++ = c;
     }
-    void Put(const char* text) { Put(text, kNone); }
+    void Put(const char* text) { Put(text, kName); }
     void Put(const char* text, const Escapes& escapes) {
         for (;;) {
             const char* escape = nullptr;
-            char *at = m_at, *const end = m_end;  // in registers: what is written could be ourselves, for the compiler
-            for (; *text != '\0' && at != end; ++text) {
+            char* at = m_at;  // in a register: what is written could be ourselves, for all that the compiler knows
+            for (char* const end = m_end; at != end; ++at, ++text) {
                 escape = escapes[static_cast<unsigned char>(*text)];
                 if (escape != nullptr) break;
-                *at++ = *text;
+                *at = *text;
             }
             m_at = at;
             if (*text == '\0') return;
-            if (at == end) {
-                Grow();
+            if (escape == nullptr) {
+                GrowTo(2 * m_text.size());
             } else {
                 Put(escape);
                 ++text;
@@ -77,21 +85,21 @@ public:
 
 private:
     std::size_t Size() const { return static_cast<std::size_t>(m_at - m_text.data()); }
-    void Grow() {
-        const std::size_t size = Size();
-        m_text.resize(std::max<std::size_t>(2 * size, 256));
-        m_at = m_text.data() + size;
-        m_end = m_text.data() + m_text.size();
+    void GrowTo(std::size_t size) {
+        const std::size_t used = m_text.empty() ? 0 : Size();
+        m_text.resize(size);
+        m_at = m_text.data() + used;
+        m_end = m_text.data() + size;
     }
 
     std::string m_text;
-    char* m_at = m_text.data();
-    char* m_end = m_at;
+    char* m_at = nullptr;
+    char* m_end = nullptr;
 };
 
 class Writer {
 public:
-    explicit Writer(const XmlForm& form) : m_form(form) {}
+    Writer(const XmlForm& form, std::size_t expected) : m_form(form), m_output(expected) {}
 
     void Node(pugi::xml_node top) {
         const auto leave = [this](pugi::xml_node node) {
@@ -186,8 +194,8 @@ private:
 
 }  // namespace
 
-std::string WriteXml(pugi::xml_node node, const XmlForm& form) {
-    Writer writer(form);
+std::string WriteXml(pugi::xml_node node, const XmlForm& form, std::size_t expected) {
+    Writer writer(form, expected);
     if (node.type() != pugi::node_document) {
         writer.Node(node);
         return writer.Result();
@@ -202,7 +210,7 @@ std::string WriteXml(pugi::xml_node node, const XmlForm& form) {
 
 std::string WriteXml(pugi::xml_attribute attribute) {
     const XmlForm form = {};
-    Writer writer(form);
+    Writer writer(form, 0);
     writer.Attribute(attribute);
     return writer.Result();
 }

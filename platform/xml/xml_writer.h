@@ -22,7 +22,8 @@ struct XmlForm {
 };
 
 /// The node in UTF-8 with CR LF line ends; of a document all that is in it, a line end behind each part.
-std::string WriteXml(pugi::xml_node node, const XmlForm& form);
+/// @param expected about how many bytes, for speed alone
+std::string WriteXml(pugi::xml_node node, const XmlForm& form, std::size_t expected = 0);
 std::string WriteXml(pugi::xml_attribute attribute);
 
 }  // namespace qel
