@@ -58,16 +58,16 @@ std::string FirstFolderIn(const char* variable, const char* fallback) {
 }
 
 // The user's choice stands in a line XDG_DESKTOP_DIR="$HOME/Schreibtisch", or with an absolute path.
-std::string Desktop() {
-    constexpr std::string_view kBegin = "XDG_DESKTOP_DIR=\"";
+std::string ChosenFolder(std::string_view name, std::string_view belowHome) {
+    const std::string begin = std::string(name) + "=\"";
     std::ifstream choices(ConfigHome() + "/user-dirs.dirs");
     for (std::string line; std::getline(choices, line);) {
-        if (!line.starts_with(kBegin) || !line.ends_with('"') || line.size() == kBegin.size()) continue;
-        const std::string folder = line.substr(kBegin.size(), line.size() - kBegin.size() - 1);
+        if (!line.starts_with(begin) || !line.ends_with('"') || line.size() == begin.size()) continue;
+        const std::string folder = line.substr(begin.size(), line.size() - begin.size() - 1);
         if (folder.starts_with('/')) return folder;
         if (folder.starts_with("$HOME/")) return Below(Home(), folder.substr(5));
     }
-    return Below(Home(), "/Desktop");
+    return Below(Home(), belowHome);
 }
 
 }  // namespace
@@ -76,10 +76,12 @@ std::string PosixSpecialFolder(SpecialFolder folder) {
     switch (folder) {
         case SpecialFolder::kPrograms:
             return Below(UserFolder("XDG_DATA_HOME", "/.local/share"), "/applications");
+        case SpecialFolder::kPersonal:
+            return ChosenFolder("XDG_DOCUMENTS_DIR", "/Documents");
         case SpecialFolder::kStartup:
             return Below(ConfigHome(), "/autostart");
         case SpecialFolder::kDesktop:
-            return Desktop();
+            return ChosenFolder("XDG_DESKTOP_DIR", "/Desktop");
         case SpecialFolder::kCommonPrograms:
             return FirstFolderIn("XDG_DATA_DIRS", "/usr/local/share") + "/applications";
         case SpecialFolder::kCommonStartup:

@@ -10,6 +10,7 @@ namespace qel {
 /// Folders that the desktop gives a meaning, by the framework's numbers.
 enum class SpecialFolder : int {
     kPrograms = 2,         ///< the user's start menu: $XDG_DATA_HOME/applications (~/.local/share/applications)
+    kPersonal = 5,         ///< the user's documents: XDG_DOCUMENTS_DIR of user-dirs.dirs, as the desktop (~/Documents)
     kStartup = 7,          ///< what starts with the user's session: $XDG_CONFIG_HOME/autostart (~/.config/autostart)
     kDesktop = 16,         ///< what lies on the desktop: XDG_DESKTOP_DIR of $XDG_CONFIG_HOME/user-dirs.dirs (~/Desktop)
     kCommonPrograms = 23,  ///< everybody's start menu: applications in the first folder of $XDG_DATA_DIRS

@@ -28,6 +28,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/archive", {"platform/storage"}},
     {"platform/registry", {"platform/shell"}},
     {"platform/drawing", {"platform/archive"}},
+    {"platform/printing", {"platform/drawing", "platform/shell"}},
     {"resource", {"platform/text"}},
     {"runtime", {"resource", "platform/archive", "platform/shell", "platform/sync"}},
     {"base", {"runtime", "platform/variant"}},
@@ -36,7 +37,7 @@ const std::vector<Row> kStandsOn = {
     {"base/q_csv_file", {"file"}},
     {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},
-    {"print", {"file", "platform/drawing", "platform/xml"}},
+    {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
 };
 

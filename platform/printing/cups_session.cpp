@@ -1,0 +1,73 @@
+#include "qellib10/platform/printing/cups_session.h"
+
+#include <cups/cups.h>
+
+#include <algorithm>
+#include <string>
+
+#include "qellib10/platform/printing/pdf_printer.h"
+#include "qellib10/platform/text/code_page.h"
+
+namespace qel {
+namespace {
+
+using std::chrono::steady_clock;
+
+// libcups asks twice, waits for a second each time, and only then for our limit: a server that never answers takes
+// kAnswer, another second and kStep in all.
+constexpr auto kAnswer = std::chrono::milliseconds(3000);
+constexpr double kStep = 0.25;  // seconds between two looks at the time
+constexpr int kConnectMilliseconds = 1500;
+constexpr double kTransferSeconds = 10;
+
+int GiveUp(http_t*, void*) { return 0; }
+
+}  // namespace
+
+void CupsInfoDeleter::operator()(cups_dinfo_t* info) const noexcept { ::cupsFreeDestInfo(info); }
+
+int CupsSession::GoesOn(http_t*, void* session) {
+    return steady_clock::now() < static_cast<CupsSession*>(session)->m_deadline;
+}
+
+CupsSession::CupsSession()
+    : m_deadline(steady_clock::now() + kAnswer),
+      m_pHttp(::httpConnect2(::cupsServer(), ::ippPort(), nullptr, AF_UNSPEC, ::cupsEncryption(), 1,
+                             kConnectMilliseconds, nullptr)) {
+    if (m_pHttp == nullptr) return;
+    ::httpSetTimeout(m_pHttp, kStep, GoesOn, this);
+    cups_dest_t* queues = nullptr;
+    const int count = ::cupsGetDests2(m_pHttp, &queues);
+    m_queues = {queues, static_cast<std::size_t>(std::max(count, 0))};
+}
+
+CupsSession::~CupsSession() {
+    ::cupsFreeDests(static_cast<int>(m_queues.size()), m_queues.data());
+    ::httpClose(m_pHttp);
+}
+
+cups_dest_t* CupsSession::Find(const CString& name) const {
+    const auto found =
+        std::ranges::find_if(m_queues, [&](const cups_dest_t& queue) { return NameOfQueue(queue) == name; });
+    return found != m_queues.end() ? &*found : nullptr;
+}
+
+CupsInfo CupsSession::InfoOf(cups_dest_t* queue) const {
+    return CupsInfo(queue != nullptr ? ::cupsCopyDestInfo(m_pHttp, queue) : nullptr);
+}
+
+void CupsSession::BeginTransfer() { ::httpSetTimeout(m_pHttp, kTransferSeconds, GiveUp, nullptr); }
+
+CString NameOfQueue(const cups_dest_t& queue) {
+    std::string name = queue.name;
+    if (queue.instance != nullptr) name.append("/").append(queue.instance);
+    if (name == kPdfPrinterName) name += "@cups";
+    return CString(FromUtf8(name));
+}
+
+const char* OptionOf(const cups_dest_t& queue, const char* name) {
+    const char* const value = ::cupsGetOption(name, queue.num_options, queue.options);
+    return value != nullptr ? value : "";
+}
+
+}  // namespace qel

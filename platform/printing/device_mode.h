@@ -1,0 +1,58 @@
+#pragma once
+
+#include "qellib10/platform/drawing/geometry.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/types.h"
+
+inline constexpr int CCHDEVICENAME = 32;
+inline constexpr int CCHFORMNAME = 32;
+
+/// Which members of a device mode were set on purpose (dmFields); the others leave the printer's own choice.
+enum : DWORD {
+    DM_ORIENTATION = 0x1,
+    DM_PAPERSIZE = 0x2,
+    DM_PAPERLENGTH = 0x4,
+    DM_PAPERWIDTH = 0x8,
+    DM_COPIES = 0x100,
+    DM_PRINTQUALITY = 0x400,
+    DM_COLOR = 0x800,
+    DM_DUPLEX = 0x1000,
+    DM_YRESOLUTION = 0x2000
+};
+
+enum : short { DMORIENT_PORTRAIT = 1, DMORIENT_LANDSCAPE = 2 };
+enum : short { DMCOLOR_MONOCHROME = 1, DMCOLOR_COLOR = 2 };
+enum : short { DMDUP_SIMPLEX = 1, DMDUP_VERTICAL = 2, DMDUP_HORIZONTAL = 3 };
+enum : short { DMPAPER_LETTER = 1, DMPAPER_A4 = 9, DMPAPER_USER = 256 };
+
+/// How a printer is to print: the framework's record.
+struct DEVMODE {
+    BYTE dmDeviceName[CCHDEVICENAME];  ///< in the code page, cut to 31 bytes and a zero
+    WORD dmSpecVersion;
+    WORD dmDriverVersion;
+    WORD dmSize;
+    WORD dmDriverExtra;
+    DWORD dmFields;
+    short dmOrientation;  ///< DMORIENT_
+    short dmPaperSize;    ///< the form's code, 1 to 41; DMPAPER_USER: none of these
+    short dmPaperLength;  ///< tenths of a millimetre in portrait; where this and the width are given, they decide
+    short dmPaperWidth;   ///< tenths of a millimetre
+    short dmScale;
+    short dmCopies;
+    short dmDefaultSource;
+    short dmPrintQuality;  ///< dots an inch across
+    short dmColor;         ///< DMCOLOR_
+    short dmDuplex;        ///< DMDUP_: one side, both turned at the long edge, both turned at the short one
+    short dmYResolution;   ///< dots an inch down
+    short dmTTOption;
+    short dmCollate;
+    BYTE dmFormName[CCHFORMNAME];
+};
+
+namespace qel {
+
+/// Sets the paper by its size as it lies in portrait, in hundredths of a millimetre: as the form's code where page
+/// styles know the form's size (codes 2 to 41), else by width and length too.
+QELLIB10_API void SetPaper(DEVMODE& mode, const SIZE& sheet);
+
+}  // namespace qel

@@ -1,0 +1,110 @@
+#include "qellib10/platform/printing/pdf_printer.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/printing/document_name.h"
+#include "qellib10/platform/random.h"
+#include "qellib10/platform/shell/special_folder.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/rename_new.h"
+#include "qellib10/platform/storage/uninterrupted.h"
+#include "qellib10/platform/text/code_page.h"
+
+namespace qel {
+namespace {
+
+constexpr int kMostOfOneName = 100'000;
+
+// The folder by the environment, else the user's documents; empty where there is no home folder.
+std::string Folder() {
+    const char* const chosen = std::getenv("QELLIB10_PDF_DIR");
+    return chosen != nullptr && *chosen != '\0' ? chosen : PosixSpecialFolder(SpecialFolder::kPersonal);
+}
+
+// A new file in the folder that nobody else writes to.
+class NewFile {
+public:
+    explicit NewFile(const std::string& folder) {
+        const unsigned start = RandomNumber();
+        for (unsigned tries = 0; tries < 0x100 && !m_file; ++tries) {
+            m_path = folder + "/.qellib10." + std::to_string(start + tries) + ".tmp";
+            m_file.Reset(
+                Uninterrupted([&] { return ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); }));
+            if (!m_file && errno != EEXIST) break;
+        }
+        if (!m_file) ThrowErrno(errno, m_path, m_path);
+    }
+    ~NewFile() {
+        if (!m_path.empty()) ::unlink(m_path.c_str());
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    void Write(std::span<const std::byte> bytes) {
+        WriteFully(m_file, bytes, m_path);
+        FlushData(m_file, m_path);
+    }
+    // @return false when there is a file of this name
+    bool Name(const std::string& target) {
+        const int error = RenameNew(m_path, target);
+        if (error == EEXIST) return false;
+        if (error != 0) ThrowErrno(error, target, target);
+        m_path.clear();
+        FlushFolderOf(target, target);
+        return true;
+    }
+
+private:
+    std::string m_path;  // empty once it has its name
+    Descriptor m_file;
+};
+
+class Sink : public DocumentSink {
+public:
+    bool Begin(const CString&) override {
+        m_folder = Folder();
+        if (m_folder.empty()) return false;
+        std::error_code error;
+        std::filesystem::create_directories(m_folder, error);
+        return !error && ::faccessat(AT_FDCWD, m_folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+    }
+
+    bool Take(const CString& name, std::span<const std::byte> bytes) override {
+        return AsResult([&] {
+                   NewFile file(m_folder);
+                   file.Write(bytes);
+                   const std::string stem = m_folder + "/" + FileNameOf(ToUtf8(name.View()));
+                   for (int number = 1; number < kMostOfOneName; ++number) {
+                       const std::string suffix = number == 1 ? "" : " (" + std::to_string(number) + ")";
+                       if (file.Name(stem + suffix + ".pdf")) return 1;
+                   }
+                   return 0;
+               }) != 0;
+    }
+
+private:
+    std::string m_folder;
+};
+
+}  // namespace
+
+Printer PdfPrinter(const SIZE& custom) {
+    Printer printer;
+    printer.entry.name = printer.entry.driver = kPdfPrinterName;
+    printer.entry.port = ToLibraryPath(Folder());
+    printer.media = MediaOfForms();
+    if (custom.cx > 0 && custom.cy > 0) printer.media.push_back({"custom", custom});
+    return printer;
+}
+
+std::unique_ptr<DocumentSink> PdfPrinterSink() { return std::make_unique<Sink>(); }
+
+}  // namespace qel

@@ -1,0 +1,67 @@
+#include "qellib10/platform/printing/print_dialog.h"
+
+#include <algorithm>
+#include <atomic>
+
+#include "qellib10/platform/printing/print_info.h"
+#include "qellib10/platform/printing/print_spooler.h"
+#include "qellib10/platform/printing/printer.h"
+
+namespace {
+
+std::atomic<qel::PrintDialogProvider*> theProvider = nullptr;
+
+}  // namespace
+
+namespace qel {
+
+PrintDialogProvider::~PrintDialogProvider() = default;
+
+PrintDialogProvider* SetPrintDialogProvider(PrintDialogProvider* provider) noexcept {
+    return theProvider.exchange(provider);
+}
+
+}  // namespace qel
+
+CPrintDialog::CPrintDialog(BOOL setupOnly, DWORD flags, HWND parent)
+    : m_dwFlags(setupOnly ? flags | PD_PRINTSETUP : flags & ~DWORD{PD_PRINTSETUP}), m_hParent(parent) {}
+
+CPrintDialog::~CPrintDialog() = default;
+
+int CPrintDialog::DoModal() {
+    qel::PrintDialogProvider* const provider = theProvider.load();
+    if (provider == nullptr) return IDCANCEL;
+    const auto choice = provider->Choose({m_hParent, m_dwFlags, m_szDevice, m_mode});
+    if (!choice || choice->device.IsEmpty()) return IDCANCEL;
+    if (!SelectPrinter(choice->device, choice->mode ? &*choice->mode : nullptr)) {
+        m_szDevice = choice->device;
+        m_szDriver.Empty();
+        m_szPort.Empty();
+        m_mode = choice->mode;
+    }
+    return IDOK;
+}
+
+BOOL CPrintDialog::GetDefaults() {
+    const auto printers = qel::ListPrinters();
+    const auto found = std::ranges::find_if(printers, &qel::PrinterEntry::isDefault);
+    return found != printers.end() && SelectPrinter(found->name);
+}
+
+BOOL CPrintDialog::SelectPrinter(const char* device, const DEVMODE* mode) {
+    const auto printer = qel::FindPrinter(device);
+    if (!printer) return 0;
+    m_mode = mode != nullptr ? *mode : printer->OwnMode();
+    m_szDevice = printer->entry.name;
+    m_szDriver = printer->entry.driver;
+    m_szPort = printer->entry.port;
+    return 1;
+}
+
+HDC CPrintDialog::CreatePrinterDC() const {
+    return CreateDC(m_szDriver, m_szDevice, m_szPort, m_mode ? &*m_mode : nullptr);
+}
+
+CPrintInfo::CPrintInfo() : m_pPD(new CPrintDialog(0)) {}
+
+CPrintInfo::~CPrintInfo() { delete m_pPD; }

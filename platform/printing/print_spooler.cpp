@@ -1,0 +1,95 @@
+#include "qellib10/platform/printing/print_spooler.h"
+
+#include <vector>
+
+#include "qellib10/platform/drawing/handle_table.h"
+#include "qellib10/platform/printing/printer.h"
+#include "qellib10/platform/printing/record_buffer.h"
+
+namespace {
+
+using qel::Printer;
+using qel::PrinterEntry;
+
+qel::HandleTable<const Printer>& OpenPrinters() {
+    static auto& table = *new qel::HandleTable<const Printer>;
+    return table;
+}
+
+PRINTER_INFO_1 Names(const PrinterEntry& printer, qel::RecordBuffer& buffer) {
+    PRINTER_INFO_1 info{};
+    info.Flags = PRINTER_ENUM_ICON8;
+    info.pDescription = buffer.Text(printer.name + "," + printer.driver + "," + printer.comment);
+    info.pName = buffer.Text(printer.name);
+    info.pComment = buffer.Text(printer.comment);
+    return info;
+}
+
+PRINTER_INFO_2 Description(const Printer& printer, qel::RecordBuffer& buffer) {
+    PRINTER_INFO_2 info{};
+    const PrinterEntry& entry = printer.entry;
+    info.pDevMode = buffer.Take<DEVMODE>();
+    if (info.pDevMode != nullptr) *info.pDevMode = printer.OwnMode();
+    info.pPrinterName = buffer.Text(entry.name);
+    info.pPortName = buffer.Text(entry.port);
+    info.pDriverName = buffer.Text(entry.driver);
+    info.pComment = buffer.Text(entry.comment);
+    info.pLocation = buffer.Text(entry.location);
+    info.Attributes = (entry.isDefault ? DWORD{PRINTER_ATTRIBUTE_DEFAULT} : 0) |
+                      (entry.isConnection ? PRINTER_ATTRIBUTE_NETWORK : PRINTER_ATTRIBUTE_LOCAL);
+    return info;
+}
+
+// The records of @p items in the order of the list; nothing is written but all of them. @return whether it fitted
+template <class Record, class Item, class Fill>
+bool FillRecords(BYTE* bytes, DWORD size, const std::vector<Item>& items, Fill fill, DWORD& needed) {
+    const auto pass = [&](BYTE* target, DWORD room) {
+        qel::RecordBuffer buffer(target, room);
+        Record* record = buffer.Take<Record>(items.size());
+        for (const Item& item : items) {
+            const Record filled = fill(item, buffer);
+            if (record != nullptr) *record++ = filled;
+        }
+        needed = buffer.Needed();
+        return buffer.Fits();
+    };
+    pass(nullptr, 0);
+    return needed <= size && pass(bytes, size);
+}
+
+}  // namespace
+
+BOOL EnumPrinters(DWORD flags, const char* name, DWORD level, BYTE* buffer, DWORD size, DWORD* needed,
+                  DWORD* returned) {
+    if (needed == nullptr || returned == nullptr) return 0;
+    *needed = *returned = 0;
+    if (level != 1 || name != nullptr) return 0;
+    std::vector<PrinterEntry> printers = qel::ListPrinters();
+    std::erase_if(printers, [&](const PrinterEntry& printer) {
+        return (flags & (printer.isConnection ? PRINTER_ENUM_CONNECTIONS : PRINTER_ENUM_LOCAL)) == 0;
+    });
+    if (!FillRecords<PRINTER_INFO_1>(buffer, size, printers, Names, *needed)) return 0;
+    *returned = static_cast<DWORD>(printers.size());
+    return 1;
+}
+
+BOOL OpenPrinter(const char* name, HANDLE* printer, const void*) {
+    if (printer == nullptr) return 0;
+    *printer = nullptr;
+    std::optional<Printer> found = qel::FindPrinter(name);
+    if (!found) return 0;
+    *printer = OpenPrinters().Add(std::make_shared<const Printer>(std::move(*found)));
+    return 1;
+}
+
+BOOL GetPrinter(HANDLE printer, DWORD level, BYTE* buffer, DWORD size, DWORD* needed) {
+    if (needed == nullptr) return 0;
+    *needed = 0;
+    const std::shared_ptr<const Printer> found = OpenPrinters().Find(printer);
+    if (!found) return 0;
+    if (level == 1) return FillRecords<PRINTER_INFO_1>(buffer, size, std::vector{found->entry}, Names, *needed);
+    if (level == 2) return FillRecords<PRINTER_INFO_2>(buffer, size, std::vector{*found}, Description, *needed);
+    return 0;
+}
+
+BOOL ClosePrinter(HANDLE printer) { return OpenPrinters().Remove(printer) != nullptr; }

@@ -1,0 +1,79 @@
+#include <algorithm>
+
+#include "qellib10/platform/drawing/device_context.h"
+#include "qellib10/platform/drawing/pdf_surface.h"
+#include "qellib10/platform/printing/print_spooler.h"
+#include "qellib10/platform/printing/printer.h"
+
+namespace qel {
+namespace {
+
+constexpr int kFinestResolution = 9600;
+
+// A mode's member, where the mode sets it to something.
+int ValueOf(const DEVMODE& mode, DWORD field, short value) {
+    return (mode.dmFields & field) != 0 && value > 0 ? value : 0;
+}
+
+SIZE ExplicitSize(const DEVMODE& mode) {
+    const SIZE size{ValueOf(mode, DM_PAPERWIDTH, mode.dmPaperWidth), ValueOf(mode, DM_PAPERLENGTH, mode.dmPaperLength)};
+    return size.cx > 0 && size.cy > 0 ? SIZE{size.cx * 10, size.cy * 10} : SIZE{0, 0};
+}
+
+struct Sheet {
+    Medium medium;
+    bool isTurned = false;  // the page lies across the medium
+};
+
+const Medium* FindNamed(const Printer& printer, const char* name) {
+    const auto standard = name != nullptr ? StandardMedium(name) : std::nullopt;
+    return standard ? FindMedium(printer.media, standard->size) : nullptr;
+}
+
+Sheet SheetFor(const Printer& printer, const DEVMODE& mode) {
+    const bool isLandscape = ValueOf(mode, DM_ORIENTATION, mode.dmOrientation) == DMORIENT_LANDSCAPE;
+    if (const Medium* const medium = FindMedium(printer.media, ExplicitSize(mode))) return {*medium, isLandscape};
+    if (const PaperForm* const form = FindPaperForm(ValueOf(mode, DM_PAPERSIZE, mode.dmPaperSize))) {
+        const Medium* medium = FindNamed(printer, form->medium);
+        if (medium == nullptr) medium = FindNamed(printer, form->substitute);
+        if (medium != nullptr) return {*medium, form->isTurned != isLandscape};
+    }
+    return {printer.defaultMedium, isLandscape};
+}
+
+// A page that lies across the medium has its left edge where the medium's top is.
+PageSetup PageOn(const Sheet& sheet, const SIZE& dotsAnInch) {
+    const SIZE size = sheet.medium.size;
+    const RECT edges = sheet.medium.margins;
+    if (!sheet.isTurned) return {size, dotsAnInch, edges};
+    return {{size.cy, size.cx}, dotsAnInch, {edges.top, edges.right, edges.bottom, edges.left}};
+}
+
+SIZE ResolutionFor(const Printer& printer, const DEVMODE& mode) {
+    const int down = ValueOf(mode, DM_YRESOLUTION, mode.dmYResolution);
+    const int across = ValueOf(mode, DM_PRINTQUALITY, mode.dmPrintQuality);
+    const auto usable = [](int wanted, int own) { return wanted > 0 && wanted <= kFinestResolution ? wanted : own; };
+    return {usable(across, usable(down, printer.dotsAnInch.cx)), usable(down, usable(across, printer.dotsAnInch.cy))};
+}
+
+}  // namespace
+}  // namespace qel
+
+HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) {
+    if (device == nullptr) return nullptr;
+    const DEVMODE wanted = mode != nullptr ? *mode : DEVMODE{};
+    const auto printer = qel::FindPrinter(device, qel::ExplicitSize(wanted));
+    if (!printer) return nullptr;
+    const qel::Sheet sheet = qel::SheetFor(*printer, wanted);
+    const qel::PageSetup page = qel::PageOn(sheet, qel::ResolutionFor(*printer, wanted));
+    const CSize drawable = page.DrawableDots();
+    if (drawable.cx < 1 || drawable.cy < 1) return nullptr;
+
+    qel::JobOptions options;
+    options.medium = sheet.medium.name;
+    options.copies = std::max(1, qel::ValueOf(wanted, DM_COPIES, wanted.dmCopies));
+    options.color = static_cast<short>(qel::ValueOf(wanted, DM_COLOR, wanted.dmColor));
+    options.duplex = static_cast<short>(qel::ValueOf(wanted, DM_DUPLEX, wanted.dmDuplex));
+    return qel::AddDeviceContext(
+        std::make_shared<qel::DeviceContext>(std::make_unique<qel::PdfSurface>(page, qel::SinkOf(device, options))));
+}

@@ -1,0 +1,195 @@
+#include "qellib10/print/page_style.h"
+
+#include <cstring>
+#include <optional>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "qellib10/platform/printing/print_spooler.h"
+#include "qellib10/print/paper_size.h"
+#include "qellib10/runtime/system_info.h"
+
+namespace {
+
+constexpr int kMillimetreUnit = 2;
+
+// Tenths of a millimetre in an inch.
+constexpr int kTenthsAnInch = 254;
+
+int Product(int a, int b) noexcept { return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b)); }
+
+void Convert(LONG& value, int dpi) noexcept { value = Product(value, dpi) / kTenthsAnInch; }
+
+// The first printer whose name begins with @p device: device modes cut names. Local ones come before connections.
+CString FullPrinterName(const CString& device) {
+    const DWORD flags = PRINTER_ENUM_LOCAL | (CSystemInfo::IsWinNT() ? DWORD{PRINTER_ENUM_CONNECTIONS} : 0);
+    std::vector<BYTE> buffer;
+    DWORD needed = 0, count = 0;
+    while (!EnumPrinters(flags, nullptr, 1, buffer.data(), static_cast<DWORD>(buffer.size()), &needed, &count)) {
+        if (needed <= buffer.size()) return device;
+        buffer.resize(needed);
+    }
+    for (DWORD i = 0; i < count; ++i) {
+        PRINTER_INFO_1 info;
+        std::memcpy(&info, buffer.data() + i * sizeof info, sizeof info);
+        if (CString(info.pName).View().starts_with(device.View())) return info.pName;
+    }
+    return device;
+}
+
+class OpenedPrinter {
+public:
+    explicit OpenedPrinter(const CString& name) { OpenPrinter(name, &m_hPrinter, nullptr); }
+    ~OpenedPrinter() { ClosePrinter(m_hPrinter); }
+    OpenedPrinter(const OpenedPrinter&) = delete;
+    OpenedPrinter& operator=(const OpenedPrinter&) = delete;
+
+    struct Details {
+        CString driver;
+        DEVMODE mode;
+    };
+    std::optional<Details> Ask() const {
+        DWORD needed = 0;
+        GetPrinter(m_hPrinter, 2, nullptr, 0, &needed);
+        std::vector<BYTE> buffer(needed);
+        PRINTER_INFO_2 info;
+        if (needed < sizeof info || !GetPrinter(m_hPrinter, 2, buffer.data(), needed, &needed)) return std::nullopt;
+        std::memcpy(&info, buffer.data(), sizeof info);
+        return Details{info.pDriverName, *info.pDevMode};
+    }
+
+private:
+    HANDLE m_hPrinter = nullptr;
+};
+
+// Looks at a context that stays its owner's.
+class BorrowedDC : public CDC {
+public:
+    explicit BorrowedDC(HDC dc) { Attach(dc); }
+    ~BorrowedDC() override { Detach(); }
+};
+
+}  // namespace
+
+namespace qel {
+
+void OwnedDC::Reset(HDC dc) noexcept {
+    if (m_hDC != nullptr) ::DeleteDC(m_hDC);
+    m_hDC = dc;
+}
+
+HDC OwnedDC::Release() noexcept { return std::exchange(m_hDC, nullptr); }
+
+}  // namespace qel
+
+CQelPrintJobPageStyle::CQelPrintJobPageStyle() { Initialize(); }
+
+CQelPrintJobPageStyle::~CQelPrintJobPageStyle() = default;
+
+int CQelPrintJobPageStyle::Initialize() {
+    m_szPrinterDriverName.Empty();
+    m_nUnit = kMillimetreUnit;
+    m_nDpi = 0;
+    m_sizePaper = CSize();
+    m_nPaperForm = DMPAPER_A4;
+    m_nPaperDirection = DMORIENT_PORTRAIT;
+    m_nTopMargin = m_nBottomMargin = m_nLeftMargin = m_nRightMargin = 0;
+    m_szStyleName.Empty();
+    m_sizePrintBlock = CSize(1, 1);
+    m_nPrintDirection = 1;
+    m_SelectedPrinterDC.Reset();
+    return 1;
+}
+
+void CQelPrintJobPageStyle::SetStyleName(UINT stringId) { m_szStyleName.LoadString(stringId); }
+
+int CQelPrintJobPageStyle::GetPageBlocks() const { return Product(m_sizePrintBlock.cx, m_sizePrintBlock.cy); }
+
+int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CRect& rect) const {
+    if (m_nDpi < 1) return 0;
+    for (LONG* const value : {&rect.left, &rect.top, &rect.right, &rect.bottom}) Convert(*value, m_nDpi);
+    return 1;
+}
+
+int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CPoint& point) const {
+    if (m_nDpi < 1) return 0;
+    Convert(point.x, m_nDpi);
+    Convert(point.y, m_nDpi);
+    return 1;
+}
+
+int CQelPrintJobPageStyle::SelectPrinter() {
+    CPrintDialog dialog(0, PD_ALLPAGES | PD_NOPAGENUMS | PD_NOSELECTION | PD_HIDEPRINTTOFILE | PD_USEDEVMODECOPIES);
+    if (dialog.DoModal() != IDOK) return 0;
+    m_SelectedPrinterDC.Reset();
+    m_szPrinterDevice = dialog.GetDeviceName();
+    m_szPrinterDriverName = dialog.GetDriverName();
+    m_szPrinterPort = dialog.GetPortName();
+    DEVMODE* const mode = dialog.GetDevMode();
+    if (mode == nullptr) return 0;
+    const HDC dc = dialog.CreatePrinterDC();
+    if (dc == nullptr) return 0;
+    m_SelectedPrinterDC.Reset(dc);
+    BorrowedDC context(dc);
+    GetDevMode(mode, &context);
+    m_nUnit = kMillimetreUnit;
+    return 1;
+}
+
+int CQelPrintJobPageStyle::MovePrinterDC(CQelPrintJobPageStyle& other) {
+    if (other.GetSelectedPrinterDC() == nullptr) return 0;
+    if (this != &other) m_SelectedPrinterDC.Reset(other.m_SelectedPrinterDC.Release());
+    return 1;
+}
+
+HDC CQelPrintJobPageStyle::GetPrinterDC() {
+    auto printer = OpenedPrinter(m_szPrinterDevice).Ask();
+    if (!printer) return nullptr;
+    DEVMODE& mode = printer->mode;
+    mode.dmFields |= DM_ORIENTATION | DM_PAPERSIZE;
+    mode.dmOrientation = static_cast<short>(m_nPaperDirection);
+    mode.dmPaperSize = static_cast<short>(m_nPaperForm);
+    const HDC dc = CreateDC(printer->driver, m_szPrinterDevice, nullptr, &mode);
+    if (dc == nullptr) return nullptr;
+    BorrowedDC context(dc);
+    GetDevMode(&mode, &context);
+    m_nUnit = kMillimetreUnit;
+    return dc;
+}
+
+int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
+    DEVMODE* const mode = info != nullptr && info->m_pPD != nullptr ? info->m_pPD->GetDevMode() : nullptr;
+    if (mode == nullptr) return 0;
+    GetDevMode(mode, dc);
+    m_nUnit = kMillimetreUnit;
+    return 1;
+}
+
+void CQelPrintJobPageStyle::GetDevMode(DEVMODE* devMode, CDC* dc) {
+    const auto* const name = reinterpret_cast<const char*>(devMode->dmDeviceName);
+    m_szPrinterDevice = FullPrinterName(CString(std::string_view(name, ::strnlen(name, CCHDEVICENAME))));
+    if (devMode->dmYResolution >= 1) {
+        m_nDpi = devMode->dmYResolution;
+    } else {
+        m_nDpi = dc != nullptr ? dc->GetDeviceCaps(LOGPIXELSY) : 0;
+    }
+    if (devMode->dmPaperWidth != 0 && devMode->dmPaperLength != 0) {
+        m_sizePaper = CSize(devMode->dmPaperWidth, devMode->dmPaperLength);
+    } else {
+        m_sizePaper = qel::PaperSizeOf(devMode->dmPaperSize).value_or(m_sizePaper);
+        if (devMode->dmOrientation == DMORIENT_LANDSCAPE) std::swap(m_sizePaper.cx, m_sizePaper.cy);
+    }
+    m_nPaperForm = devMode->dmPaperSize;
+    m_nPaperDirection = devMode->dmOrientation;
+}
+
+bool CQelPrintJobPageStyle::operator==(const CQelPrintJobPageStyle& other) const {
+    const auto compared = [](const CQelPrintJobPageStyle& style) {
+        return std::tie(style.m_szPrinterDriverName, style.m_szPrinterDevice, style.m_szPrinterPort, style.m_nUnit,
+                        style.m_nDpi, style.m_sizePaper, style.m_nPaperForm, style.m_nPaperDirection,
+                        style.m_nTopMargin, style.m_nBottomMargin, style.m_nLeftMargin, style.m_nRightMargin,
+                        style.m_szStyleName, style.m_sizePrintBlock, style.m_nPrintDirection);
+    };
+    return compared(*this) == compared(other);
+}

@@ -1,0 +1,152 @@
+#pragma once
+
+#include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/printing/print_info.h"
+#include "qellib10/platform/text/string.h"
+
+namespace qel {
+
+/// A context that goes with its owner. A copy of the owner has none, and one that is assigned to drops its own.
+class QELLIB10_API OwnedDC {
+public:
+    OwnedDC() noexcept = default;
+    OwnedDC(const OwnedDC&) noexcept {}
+    OwnedDC& operator=(const OwnedDC& other) noexcept {
+        if (this != &other) Reset();
+        return *this;
+    }
+    ~OwnedDC() { Reset(); }
+
+    HDC Get() const noexcept { return m_hDC; }
+    void Reset(HDC dc = nullptr) noexcept;  ///< deletes the one until now
+    HDC Release() noexcept;
+
+private:
+    HDC m_hDC = nullptr;
+};
+
+}  // namespace qel
+
+/// The paper and the printer of a print job: names, form, orientation and resolution, margins, and how many cells a
+/// page is divided into. Margins, paper size and positions are in tenths of a millimetre; what is drawn is in the
+/// printer's device units.
+///
+/// A style owns at most one context of its printer (the selected one). Copies and assignment leave it where it is; an
+/// assigned style drops its own, unless it is assigned to itself. Operations answer 1, or 0 (null) on failure; nothing
+/// is thrown.
+class QELLIB10_API CQelPrintJobPageStyle {
+public:
+    /// As after Initialize, with empty names and printer margins of 0.
+    CQelPrintJobPageStyle();
+    CQelPrintJobPageStyle(const CQelPrintJobPageStyle&) = default;
+    CQelPrintJobPageStyle& operator=(const CQelPrintJobPageStyle&) = default;
+    virtual ~CQelPrintJobPageStyle();
+
+    /// A4 in portrait, unit 2, resolution, sizes and margins 0, one cell, the column first; drops the selected context.
+    /// Device and port name and the printer margins stay as they are.
+    int Initialize();
+
+    const CString& GetPrinterDriverName() const { return m_szPrinterDriverName; }
+    void SetPrinterDriverName(const CString& name) { m_szPrinterDriverName = name; }
+    const CString& GetPrinterDevice() const { return m_szPrinterDevice; }
+    void SetPrinterDevice(const CString& device) { m_szPrinterDevice = device; }
+    const CString& GetPrinterPort() const { return m_szPrinterPort; }
+    void SetPrinterPort(const CString& port) { m_szPrinterPort = port; }
+    /// What the margins are measured in: 2 tenths of a millimetre, 3 device units; 1 counts 72 to the resolution.
+    const int& GetUnit() const { return m_nUnit; }
+    void SetUnit(const int& unit) { m_nUnit = unit; }
+    /// Device units an inch; 0: not known.
+    const int& GetDpi() const { return m_nDpi; }
+    void SetDpi(const int& dpi) { m_nDpi = dpi; }
+    /// As the page is read: landscape is wider than high.
+    const CSize& GetPaperSize() const { return m_sizePaper; }
+    void SetPaperSize(const CSize& size) { m_sizePaper = size; }
+    /// The printer interface's code, 9 for A4.
+    const int& GetPaperForm() const { return m_nPaperForm; }
+    void SetPaperForm(const int& form) { m_nPaperForm = form; }
+    /// 1 portrait, 2 landscape.
+    const int& GetPaperDirection() const { return m_nPaperDirection; }
+    void SetPaperDirection(const int& direction) { m_nPaperDirection = direction; }
+    const int& GetTopMargin() const { return m_nTopMargin; }
+    void SetTopMargin(const int& margin) { m_nTopMargin = margin; }
+    const int& GetBottomMargin() const { return m_nBottomMargin; }
+    void SetBottomMargin(const int& margin) { m_nBottomMargin = margin; }
+    const int& GetLeftMargin() const { return m_nLeftMargin; }
+    void SetLeftMargin(const int& margin) { m_nLeftMargin = margin; }
+    const int& GetRightMargin() const { return m_nRightMargin; }
+    void SetRightMargin(const int& margin) { m_nRightMargin = margin; }
+    /// Also the name under which documents are printed.
+    const CString& GetStyleName() const { return m_szStyleName; }
+    void SetStyleName(const CString& name) { m_szStyleName = name; }
+    void SetStyleName(UINT stringId);  ///< from the string tables; empty when none has it
+    /// Cells across and down.
+    const CSize& GetPrintBlock() const { return m_sizePrintBlock; }
+    void SetPrintBlock(const CSize& block) { m_sizePrintBlock = block; }
+    /// 1: cells fill a page down the column first, 2: along the row first.
+    const int& GetPrintDirection() const { return m_nPrintDirection; }
+    void SetPrintDirection(const int& direction) { m_nPrintDirection = direction; }
+    /// Device units, from the drawable corner: where the user's margins end, and (bottom, right) the height and the
+    /// width between them. Computed when a document is printed.
+    const int& GetPrnTopMargin() const { return m_nPrnTopMargin; }
+    void SetPrnTopMargin(const int& margin) { m_nPrnTopMargin = margin; }
+    const int& GetPrnBottomMargin() const { return m_nPrnBottomMargin; }
+    void SetPrnBottomMargin(const int& margin) { m_nPrnBottomMargin = margin; }
+    const int& GetPrnLeftMargin() const { return m_nPrnLeftMargin; }
+    void SetPrnLeftMargin(const int& margin) { m_nPrnLeftMargin = margin; }
+    const int& GetPrnRightMargin() const { return m_nPrnRightMargin; }
+    void SetPrnRightMargin(const int& margin) { m_nPrnRightMargin = margin; }
+
+    /// Cells on a page. The product wraps at 32 bits.
+    int GetPageBlocks() const;
+
+    /// Tenths of a millimetre to device units: v * dpi / 254, truncated toward zero; the product wraps at 32 bits.
+    /// @return 0 for a resolution below 1; the argument stays as it is
+    int ConvertMillimetreToPixel(CRect& rect) const;
+    int ConvertMillimetreToPixel(CPoint& point) const;
+
+    /// The user chooses a printer in the print dialog; a new context of it becomes the selected one.
+    /// @return 0 when cancelled, and when the printer cannot be asked
+    int SelectPrinter();
+    /// Null: none. Stays this style's.
+    HDC GetSelectedPrinterDC() const { return m_SelectedPrinterDC.Get(); }
+    /// Takes over the selected context of @p other in place of its own. @return 0 when that has none
+    int MovePrinterDC(CQelPrintJobPageStyle& other);
+
+    /// A new context of this style's device with its form and direction, for the caller to delete; names, resolution
+    /// and paper size become those of the printer.
+    HDC GetPrinterDC();
+    /// The printer and paper of the dialog in @p info. @return 0 when that has no settings
+    int GetPrinterFromDC(CDC* dc, CPrintInfo* info);
+
+    /// Whether all is equal but the printer margins and the selected context.
+    bool operator==(const CQelPrintJobPageStyle& other) const;
+
+protected:
+    /// Device name, resolution, paper size, form and direction from a device mode; @p dc (which may be null) is asked
+    /// for a resolution that the mode lacks. Kept for pages laid out so: a size that the mode gives itself is not
+    /// exchanged for landscape, that of a form is; an unknown form leaves the size, exchanged for landscape.
+    void GetDevMode(DEVMODE* devMode, CDC* dc);
+
+private:
+    CString m_szPrinterDriverName;
+    CString m_szPrinterDevice;
+    CString m_szPrinterPort;
+    int m_nUnit;
+    int m_nDpi;
+    CSize m_sizePaper;
+    int m_nPaperForm;
+    int m_nPaperDirection;
+    int m_nTopMargin;
+    int m_nBottomMargin;
+    int m_nLeftMargin;
+    int m_nRightMargin;
+    CString m_szStyleName;
+    CSize m_sizePrintBlock;
+    int m_nPrintDirection;
+    int m_nPrnTopMargin = 0;
+    int m_nPrnBottomMargin = 0;
+    int m_nPrnLeftMargin = 0;
+    int m_nPrnRightMargin = 0;
+    qel::OwnedDC m_SelectedPrinterDC;
+};
