@@ -103,6 +103,14 @@ TEST(VirtualOrder, IsFixed) {
                   &Setting::GetAutoLogonPassword, &Setting::SetAutoLogonUser, &Setting::SetLoginUserName);
     EXPECT_EQ(Slots(CSystemSetting(nullptr)), kDestructor + 6);
 
+    EXPECT_EQ(Slots(CLineGraphStyle()), kDestructor);
+    EXPECT_EQ(Slots(CAxisStyle()), kDestructor);
+    EXPECT_EQ(Slots(CGraphDataCtrl()), kDestructor);
+    using Graph = CQelGraph;
+    ExpectInOrder(kDestructor, &Graph::InitializeParameter, &Graph::InitializeData, &Graph::AddData,
+                  &Graph::SetDrawSize, &Graph::GraphDraw, &Graph::MarkDraw, &Graph::FitLineDraw, &Graph::FreeLineDraw,
+                  &Graph::DrawCrossPoint);
+
     // Its slots have numbers, which count from 1 with the destructor as one.
     using Store = CClassAgentConnectInterface;
     ExpectInOrder(2, &Store::Connect, &Store::IsConnected, &Store::Reserved4, &Store::Reserved5, &Store::Reserved6,

@@ -1,0 +1,46 @@
+#include "qellib10/graph/back_buffer_dc.h"
+
+#include <utility>
+
+#include "qellib10/platform/drawing/dc.h"
+
+int CBackBufferDC::Create(int width, int height, HDC target) {
+    if (m_hMemDC != nullptr) return 0;
+    m_hMemDC = ::CreateCompatibleDC(target);
+    return Resize(width, height);
+}
+
+int CBackBufferDC::Resize(int width, int height) {
+    if (m_hMemDC == nullptr) return 0;
+    DropBitmap();
+    m_hBitmap = ::CreateBitmap(width, height, 1, static_cast<UINT>(::GetDeviceCaps(m_hMemDC, BITSPIXEL)), nullptr);
+    if (m_hBitmap == nullptr) return 0;
+    m_hOldBitmap = static_cast<HBITMAP>(::SelectObject(m_hMemDC, m_hBitmap));
+    return 1;
+}
+
+int CBackBufferDC::Destroy() {
+    if (m_hMemDC == nullptr) return 0;
+    DropBitmap();
+    return ::DeleteDC(std::exchange(m_hMemDC, nullptr));
+}
+
+void CBackBufferDC::DropBitmap() {
+    if (m_hBitmap == nullptr) return;
+    ::SelectObject(m_hMemDC, std::exchange(m_hOldBitmap, nullptr));
+    ::DeleteObject(std::exchange(m_hBitmap, nullptr));
+}
+
+CSize CBackBufferDC::GetSize() const {
+    BITMAP bitmap;
+    if (::GetObject(m_hBitmap, sizeof(bitmap), &bitmap) == 0) return {};
+    return {bitmap.bmWidth, bitmap.bmHeight};
+}
+
+int CBackBufferDC::FillSolidRect(RECT* rect, unsigned long color) {
+    if (m_hMemDC == nullptr) return 0;
+    const COLORREF before = ::SetBkColor(m_hMemDC, static_cast<COLORREF>(color));
+    ::ExtTextOut(m_hMemDC, 0, 0, ETO_OPAQUE, rect, nullptr, 0, nullptr);
+    ::SetBkColor(m_hMemDC, before);
+    return 1;
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "qellib10/graph/axis_style.h"
+#include "qellib10/graph/bar_graph_style.h"
+#include "qellib10/graph/graph_data.h"
+#include "qellib10/graph/line_graph_style.h"
+#include "qellib10/platform/export.h"
+
+/// One series of a graph: its points in the order in which they were added, its axes, and how it is drawn. A copy has
+/// points of its own.
+class QELLIB10_API CGraphDataCtrl {
+public:
+    CGraphDataCtrl() = default;
+    CGraphDataCtrl(const CGraphDataCtrl&) = default;
+    CGraphDataCtrl& operator=(const CGraphDataCtrl&) = default;
+    virtual ~CGraphDataCtrl();
+
+    const CAxisStyle& GetXAxisStyle() const { return m_xAxis; }
+    CAxisStyle& GetXAxisStyle() { return m_xAxis; }
+    const CAxisStyle& GetYAxisStyle() const { return m_yAxis; }
+    CAxisStyle& GetYAxisStyle() { return m_yAxis; }
+
+    /// 0 hidden, 1 line, 2 bars, 3 and 4 recorder; see CQelGraph.
+    const int& GetViewMode() const { return m_nViewMode; }
+    void SetViewMode(const int& viewMode) { m_nViewMode = viewMode; }
+    const CLineGraphStyle& GetLineStyle() const { return m_lineStyle; }
+    void SetLineStyle(const CLineGraphStyle& style) { m_lineStyle = style; }
+    const CBarGraphStyle& GetBarStyle() const { return m_barStyle; }
+    void SetBarStyle(const CBarGraphStyle& style) { m_barStyle = style; }
+    /// 1: a line has a mark at each point.
+    const int& GetPlotflg() const { return m_nPlotflg; }
+    void SetPlotflg(const int& plotflg) { m_nPlotflg = plotflg; }
+
+    /// Appends at the end.
+    void AddData(const CGraphData& data) { m_aryData.push_back(data); }
+    void InitializeData();  ///< removes all points and gives their memory back
+    int GetDataCount() const { return static_cast<int>(m_aryData.size()); }
+    /// All points; good until one is added or removed.
+    std::span<const CGraphData> GetData() const { return m_aryData; }
+
+private:
+    CAxisStyle m_xAxis;
+    CAxisStyle m_yAxis;
+    int m_nViewMode = 0;
+    CLineGraphStyle m_lineStyle;
+    CBarGraphStyle m_barStyle;
+    std::vector<CGraphData> m_aryData;
+    int m_nPlotflg = 0;
+};

@@ -1,0 +1,237 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "qellib10/graph/graph_data_ctrl.h"
+#include "qellib10/platform/drawing/dc.h"
+
+namespace qel {
+struct DataScale;
+}
+
+/// Draws up to 512 series of measured points (index 0 to 511) as curves in a frame with grid lines, values at the ends
+/// of the axes and dimensions, on any surface.
+///
+///     CQelGraph graph;                              // series 0 is shown, from 0 to 100 on both axes
+///     graph.SetXDimStr(0, "mL");
+///     for (const auto& [volume, potential] : measured) graph.AddData(0, volume, potential);
+///     graph.SetDrawSize(400, 300);
+///     graph.GraphDraw(&dc, 0, 0);
+///
+/// **Series** have axes of their own and a view mode:
+///
+/// | View mode | Drawn as                                                                                             |
+/// |-----------|------------------------------------------------------------------------------------------------------|
+/// | 0         | nothing                                                                                              |
+/// | 1         | a line through the points in the order in which they were added; with plot flag 1 each has a circle  |
+/// | 2         | a bar from each point to the bottom                                                                  |
+/// | 3         | the paper of a recorder: each value is held until the next one comes, time runs from left to right   |
+/// | 4         | the same with the time from right to left: the start of the x axis is at the right edge              |
+///
+/// **Texts** stand outside the draw area. Along each side the first text of an axis (minimum, on vertical sides
+/// maximum) stands at one end, the other at the other end, the dimension in the middle. All axes of one side share the
+/// space that the largest of their texts needs: each further axis has its texts next to those of the ones before, on
+/// vertical sides a line further, in its own colours. A text that finds no room between the others is left out; none is
+/// ever cut or written over another.
+///
+/// **Values.** A point is placed by (x - minimum) * width / |maximum - minimum|, cut to whole units and kept within
+/// 65530 of the area; so infinities are far outside, and a line goes there. The y axis is the same with its minimum at
+/// the bottom. With a reversed range (minimum above maximum) values from the minimum on upward lie to the right of the
+/// left edge, and those from the maximum on downward below the top one. When both ends of an axis are equal a value
+/// equal to them lies at the start of the axis (y in coordinate mode 0: at the top), others far outside. A point with a
+/// NaN, or with an axis that makes it NaN, is a gap in a line, and is no bar, mark or cross.
+///
+/// **Speed.** Points are never copied for drawing. A redraw reads each once, 2 to 4 ns a point; a thin solid line on a
+/// surface with a unit a pixel then hands on at most five points a column, with exactly the pixels of all of them.
+/// Dashed and wide pens, and other map modes, take every point.
+///
+/// Setters answer 1, or 0 for a series index outside 0 to 511; getters -1 for it. The order of the virtual operations
+/// is fixed. A graph belongs to one thread at a time.
+class QELLIB10_API CQelGraph {
+public:
+    CQelGraph();
+    CQelGraph(const CQelGraph&) = default;
+    CQelGraph& operator=(const CQelGraph&) = default;
+    virtual ~CQelGraph();
+
+    /// Series @p series becomes a line with x texts below, y texts left, ranges 0 to 100; points and pens stay. A
+    /// negative index does so with series 0, hides all others without texts and with these ranges, and sets margins,
+    /// label spaces, divisions and the draw size style to their defaults, the draw size to 0 x 0.
+    /// @return 0 for 512 and more
+    virtual int InitializeParameter(int series);
+    /// Removes the points of the series; a negative index those of all. @return 0 for 512 and more
+    virtual int InitializeData(int series);
+    virtual int AddData(int series, double x, double y);
+
+    /// Size of the whole drawing with texts and margins; absolute values count.
+    virtual void SetDrawSize(int width, int height);
+    /// Draws everything with the corner of the drawing at @p x, @p y. The surface has its pen, brush, font and colours
+    /// back afterwards, and no clip.
+    /// @return what the last series that is not hidden gave (a line 1, bars 0, a recorder 1); @p y when there is none
+    virtual int GraphDraw(CDC* dc, int x, int y);
+
+    // More over a series that was drawn. Each draws within the area alone and answers 0 for a bad index.
+
+    /// A mark at a point: a square for @p shape 2, else a circle, with half-size @p size.
+    /// @param rect gets the box, with the larger y edge as its top; may be null
+    /// @return 0 without a surface
+    virtual int MarkDraw(CDC* dc, int series, double x, double y, int shape, unsigned long color, int size,
+                         CRect* rect);
+    /// A fitted curve from @p xFrom to @p xTo: y = c0 + c1 x + c2 x^2 + c3 x^3 + c4 x^4 + c5 x^5, with a point at each
+    /// unit of the area's width, in a solid pen.
+    /// @return 0 without a surface
+    virtual int FitLineDraw(CDC* dc, int series, double xFrom, double xTo, double c0, double c1, double c2, double c3,
+                            double c4, double c5, unsigned long color, int width);
+    /// A straight line between two points in a solid pen. @return 0 without a surface
+    virtual int FreeLineDraw(CDC* dc, int series, double x1, double y1, double x2, double y2, unsigned long color,
+                             int width);
+    /// A cross over the whole area by inverting it; a second one at the same point takes it away. @return 0
+    virtual int DrawCrossPoint(CDC* dc, int series, double x, double y);
+
+    // The layout: margins outside the texts, space between texts and area (X vertically, Y horizontally), device units.
+    const int& GetLeftMargin() const { return m_nLeftMargin; }
+    void SetLeftMargin(const int& margin) { m_nLeftMargin = margin; }
+    const int& GetTopMargin() const { return m_nTopMargin; }
+    void SetTopMargin(const int& margin) { m_nTopMargin = margin; }
+    const int& GetRightMargin() const { return m_nRightMargin; }
+    void SetRightMargin(const int& margin) { m_nRightMargin = margin; }
+    const int& GetBottomMargin() const { return m_nBottomMargin; }
+    void SetBottomMargin(const int& margin) { m_nBottomMargin = margin; }
+    const int& GetLabelSpaceX() const { return m_nLabelSpaceX; }
+    void SetLabelSpaceX(const int& space) { m_nLabelSpaceX = space; }
+    const int& GetLabelSpaceY() const { return m_nLabelSpaceY; }
+    void SetLabelSpaceY(const int& space) { m_nLabelSpaceY = space; }
+    /// Parts that grid lines divide the axes into; 1 and less: no grid lines, more than the area has units: one a unit.
+    const int& GetDivX() const { return m_nDivX; }
+    void SetDivX(const int& divisions) { m_nDivX = divisions; }
+    const int& GetDivY() const { return m_nDivY; }
+    void SetDivY(const int& divisions) { m_nDivY = divisions; }
+    /// 1: the area is made square, in the middle of its place.
+    const int& GetDrawSizeStyle() const { return m_nDrawSizeStyle; }
+    void SetDrawSizeStyle(const int& style) { m_nDrawSizeStyle = style; }
+    /// Pen of the grid lines.
+    const CLineGraphStyle& GetAxisStyle() const { return m_axisStyle; }
+    void SetAxisStyle(const CLineGraphStyle& style) { m_axisStyle = style; }
+    /// Pen of the outline of the area.
+    const CLineGraphStyle& GetFrameStyle() const { return m_frameStyle; }
+    void SetFrameStyle(const CLineGraphStyle& style) { m_frameStyle = style; }
+
+    // The series.
+    int SetXMinRange(int series, double range);
+    int SetXMaxRange(int series, double range);
+    int SetYMinRange(int series, double range);
+    int SetYMaxRange(int series, double range);
+    int SetXDimStr(int series, const CString& text);
+    int SetYDimStr(int series, const CString& text);
+    int SetXLabelViewMode(int series, int viewMode);  ///< 0 none, 1 above, 2 below, 3 left, 4 right of the area
+    int SetYLabelViewMode(int series, int viewMode);
+    /// The whole style, its view mode too.
+    int SetXRangeStyle(int series, const CAxisStyle& style);
+    int SetYRangeStyle(int series, const CAxisStyle& style);
+    int GetXRangeStyle(int series, CAxisStyle* style) const;  ///< 1; -1 also for a null @p style
+    int GetYRangeStyle(int series, CAxisStyle* style) const;
+    int SetGraphViewMode(int series, int viewMode);
+    int GetGraphViewMode(int series) const;
+    int SetGraphPlotflg(int series, int plotflg);
+    int GetGraphPlotflg(int series) const;
+    int SetLineGraphStyle(int series, const CLineGraphStyle& style);
+    CLineGraphStyle GetLineGraphStyle(int series) const;  ///< the default style for a bad index
+    int SetBarGraphStyle(int series, const CBarGraphStyle& style);
+    CBarGraphStyle GetBarGraphStyle(int series) const;  ///< the default style for a bad index
+
+protected:
+    static constexpr int kSeries = 512;
+    enum : int { kViewHidden, kViewLine, kViewBar, kViewRecorder, kViewRecorderFromRight };
+    enum : int { kLabelNone, kLabelAbove, kLabelBelow, kLabelLeft, kLabelRight };
+
+    // Distances from the area's left edge and from its top edge (coordinate mode 1: bottom edge), within 65530. NaN is
+    // -65530. In modes other than 0 and 1 the number itself.
+    int DataToXPixel(double x, int series) const;
+    int DataToYPixel(double y, int series) const;
+    /// The values at a place on the surface.
+    /// @return 0 outside the area, to which right and bottom edge do not belong here; 1 without values in coordinate
+    ///   modes other than 0 and 1
+    int GetValueFromPos(int series, int px, int py, double* x, double* y) const;
+
+    // The layout
+    /// What the texts of the axes of one side take along that side, space behind each text included.
+    struct SideUse {
+        LONGLONG first = 0;  ///< at the left or upper end
+        LONGLONG last = 0;   ///< at the right or lower end
+        LONGLONG dims = 0;
+        int axes = 0;
+    };
+    /// One for each label view mode.
+    using SideUses = std::array<SideUse, 5>;
+    void GetDrawArea(CDC* dc, int x, int y);
+    void GetDrawAreaSub(int viewMode, const CSize& size, CRect& space) const;
+    CSize GetAxisViewSizeMax(CDC* dc, const CAxisStyle& axis) const;
+    CSize GetAxisLabelViewSize(CDC* dc, const CAxisStyle& axis) const;
+    CSize GetAxisDimViewSize(CDC* dc, const CAxisStyle& axis) const;
+
+    // Drawing
+    void FrameDraw(CDC* dc, int x, int y);
+    /// @param isReversed the axis starts at the right end of a horizontal side
+    void FrameDrawSub(CDC* dc, const CAxisStyle& axis, SideUses& used, const SideUses& counts, bool isReversed);
+    void DrawAxisFormattedValueMin(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isReversed);
+    void DrawAxisFormattedValueMax(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isReversed);
+    void DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, const SideUses& counts);
+    void AxisDraw(CDC* dc);
+    int LineDraw(CDC* dc, int series);
+    int PlotLineDraw(CDC* dc, int series);
+    int BarDraw(CDC* dc, int series);
+    int RecorderDrawX(CDC* dc, int series, int variant);
+
+    // All drawing goes through these; without a surface they do nothing.
+    void DCMoveTo(CDC* dc, int x, int y);
+    void DCLineTo(CDC* dc, int x, int y);
+    void DCRectangle(CDC* dc, int left, int top, int right, int bottom);
+    void DCArc(CDC* dc, int left, int top, int right, int bottom, int startX, int startY, int endX, int endY);
+    /// @param size tenths of a point; 0: the surface's default size
+    /// @param align 0 left, 1 centre, 2 right of a box of @p width and @p height; of use only where those are not -1
+    void DCTextOut(CDC* dc, int x, int y, const char* face, int size, unsigned long color, const char* text, int align,
+                   int width, int height);
+    /// Makes the pen. @return the one that was selected
+    CPen* DCCreateAndSelectPen(CDC* dc, CPen* pen, int style, int width, unsigned long color);
+    /// Makes the region of the area, its right and bottom edge included, and limits drawing to it; null: no limit.
+    void DCClipDrawArea(CDC* dc, CRgn* region);
+
+    std::vector<CGraphDataCtrl> m_aryGraph;  // always 512
+    int m_nDrawWidth = 0, m_nDrawHeight = 0;
+    CRect m_rectDrawArea;  // less than 2^30 from 0
+    /// 0: device pixels, y downward; 1: metric units, y upward. A derived class sets it, then calls
+    /// InitializeParameter(-1) for the margins of that mode.
+    int m_nCoordinateMode = 0;
+    int m_nLeftMargin, m_nTopMargin, m_nRightMargin, m_nBottomMargin;
+    int m_nLabelSpaceX, m_nLabelSpaceY;
+    int m_nDivX, m_nDivY;
+    int m_nDrawSizeStyle;
+    CLineGraphStyle m_axisStyle;
+    CLineGraphStyle m_frameStyle;
+
+private:
+    enum class Trace { kLine, kSteps, kStepsFromRight };
+    class PenInArea;
+    struct Side;
+
+    static bool IsSeries(int series) { return series >= 0 && series < kSeries; }
+    CGraphDataCtrl* Find(int series) { return IsSeries(series) ? &m_aryGraph[static_cast<unsigned>(series)] : nullptr; }
+    const CGraphDataCtrl* Find(int series) const {
+        return IsSeries(series) ? &m_aryGraph[static_cast<unsigned>(series)] : nullptr;
+    }
+    template <class Step> int Change(int series, const Step& step);
+    void ResetSeries(CGraphDataCtrl& series, int xLabel, int yLabel, int viewMode);
+
+    qel::DataScale ScaleOf(const CGraphDataCtrl& series, bool isFromRight = false) const;
+    CRect InclusiveArea(const CDC& dc) const;
+    Side SideOf(int viewMode) const;
+    void DrawAxisValue(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isMaximum, bool isFirst);
+    static bool IsMaximumFirst(const CAxisStyle& axis, bool isReversed);
+    template <class Pen> void Follow(const CGraphDataCtrl& series, Trace trace, Pen& pen) const;
+    int CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace);
+    bool IsOfData() const { return m_nCoordinateMode == 0 || m_nCoordinateMode == 1; }
+    CRect MarkBox(const POINT& center, int halfSize) const;
+    int HalfSizeOnSurface(int size) const;
+    void MarkShapeDraw(CDC* dc, const CRect& box, int shape);
+};

@@ -1,0 +1,180 @@
+// The frame, the grid lines, and the texts of the axes.
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+
+#include "qellib10/graph/data_scale.h"
+#include "qellib10/graph/label_font.h"
+#include "qellib10/graph/pen_in_area.h"
+
+/// A side of the area. Places along it count from its left or upper end.
+struct CQelGraph::Side {
+    CRect area;
+    int viewMode;
+    int up;  ///< what the vertical coordinate changes by from one unit to the one above
+    int spaceX, spaceY;
+
+    bool IsVertical() const { return viewMode == kLabelLeft || viewMode == kLabelRight; }
+    LONGLONG Length() const { return IsVertical() ? (area.top - area.bottom) * up : area.right - area.left; }
+    /// What a text takes along the side, with the space to the next one.
+    LONGLONG Taken(const CSize& text) const {
+        const LONGLONG length = IsVertical() ? text.cy : text.cx;
+        return length > 0 ? length + (IsVertical() ? 0 : 2 * spaceY) : 0;
+    }
+    /// Upper left corner of a text at @p along; @p fieldWidth is what it is aligned in on a vertical side.
+    CPoint Corner(LONGLONG place, const CSize& text, int fieldWidth, bool isLeftAligned) const {
+        const int along = static_cast<int>(place);
+        const int inField = isLeftAligned ? 0 : fieldWidth - text.cx;
+        switch (viewMode) {
+            case kLabelAbove:
+                return {area.left + along, area.top + up * (spaceX + text.cy)};
+            case kLabelBelow:
+                return {area.left + along, area.bottom - up * spaceX};
+            case kLabelLeft:
+                return {area.left - spaceY - fieldWidth + inField, area.top - up * along};
+            default:
+                return {area.right + spaceY + inField, area.top - up * along};
+        }
+    }
+};
+
+namespace {
+
+constexpr int kNoBox = -1;
+
+bool IsSide(const CAxisStyle& axis) { return axis.GetViewMode() >= 1 && axis.GetViewMode() <= 4; }
+
+// A number without the blanks of its field: where it stands decides how it is aligned.
+CString WrittenValue(const CAxisStyle& axis, bool isMaximum) {
+    CString text = isMaximum ? axis.GetFormattedMaxValue(-1) : axis.GetFormattedMinValue(-1);
+    if (axis.GetLabelType() == 0) {
+        text.TrimLeft();
+        text.TrimRight();
+    }
+    return text;
+}
+
+// Places of the lines that divide a length: no more than it has units, nor than a surface has.
+template <class Line> void ForEachDivision(int length, int divisions, const Line& line) {
+    const int parts = std::min({divisions, std::abs(length), qel::kFarthest});
+    for (int i = 1; i < parts; ++i) line(static_cast<int>(1.0 * length * i / parts));
+}
+
+}  // namespace
+
+CQelGraph::Side CQelGraph::SideOf(int viewMode) const {
+    const auto kept = [](int space) { return std::clamp(space, -qel::kFarthest, qel::kFarthest); };
+    return {m_rectDrawArea, viewMode, m_nCoordinateMode == 1 ? 1 : -1, kept(m_nLabelSpaceX), kept(m_nLabelSpaceY)};
+}
+
+// Values grow upward, and to the right unless time runs from there.
+bool CQelGraph::IsMaximumFirst(const CAxisStyle& axis, bool isReversed) {
+    return isReversed || axis.GetViewMode() == kLabelLeft || axis.GetViewMode() == kLabelRight;
+}
+
+void CQelGraph::FrameDraw(CDC* dc, int x, int y) {
+    GetDrawArea(dc, x, y);
+    const auto forEachAxis = [&](const auto& step) {
+        for (const CGraphDataCtrl& series : m_aryGraph) {
+            if (IsSide(series.GetXAxisStyle())) {
+                step(series.GetXAxisStyle(), series.GetViewMode() == kViewRecorderFromRight);
+            }
+            if (IsSide(series.GetYAxisStyle())) step(series.GetYAxisStyle(), false);
+        }
+    };
+    SideUses counts, used;
+    forEachAxis([&](const CAxisStyle& axis, bool isReversed) {
+        const Side side = SideOf(axis.GetViewMode());
+        SideUse& count = counts[static_cast<unsigned>(axis.GetViewMode())];
+        const qel::LabelFont font(dc, axis.GetLabelFont());
+        const bool isMaximumFirst = IsMaximumFirst(axis, isReversed);
+        ++count.axes;
+        count.first += side.Taken(font.Size(WrittenValue(axis, isMaximumFirst)));
+        count.last += side.Taken(font.Size(WrittenValue(axis, !isMaximumFirst)));
+        count.dims += side.Taken(GetAxisDimViewSize(dc, axis));
+    });
+    forEachAxis([&](const CAxisStyle& axis, bool isReversed) { FrameDrawSub(dc, axis, used, counts, isReversed); });
+    AxisDraw(dc);
+}
+
+void CQelGraph::FrameDrawSub(CDC* dc, const CAxisStyle& axis, SideUses& used, const SideUses& counts, bool isReversed) {
+    if (!IsSide(axis)) return;
+    DrawAxisFormattedValueMin(dc, axis, used, isReversed);
+    DrawAxisFormattedValueMax(dc, axis, used, isReversed);
+    DrawAxisDimStr(dc, axis, used, counts);
+}
+
+void CQelGraph::DrawAxisFormattedValueMin(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isReversed) {
+    DrawAxisValue(dc, axis, used, false, !IsMaximumFirst(axis, isReversed));
+}
+
+void CQelGraph::DrawAxisFormattedValueMax(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isReversed) {
+    DrawAxisValue(dc, axis, used, true, IsMaximumFirst(axis, isReversed));
+}
+
+void CQelGraph::DrawAxisValue(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isMaximum, bool isFirst) {
+    const Side side = SideOf(axis.GetViewMode());
+    SideUse& use = used[static_cast<unsigned>(axis.GetViewMode())];
+    const CString text = WrittenValue(axis, isMaximum);
+    CSize size;
+    int fieldWidth = 0;
+    {
+        const qel::LabelFont font(dc, axis.GetLabelFont());
+        size = font.Size(text);
+        fieldWidth = std::max(size.cx, font.Size(WrittenValue(axis, !isMaximum)).cx);
+    }
+    const int length = side.IsVertical() ? size.cy : size.cx;
+    const LONGLONG taken = side.Taken(size);
+    if (length == 0 || use.first + length + use.last > side.Length()) return;
+    const LONGLONG along = isFirst ? use.first : side.Length() - use.last - length;
+    (isFirst ? use.first : use.last) += taken;
+    const CPoint at = side.Corner(along, size, fieldWidth, axis.GetStrPosition() == 1);
+    const LOGFONT& font = axis.GetLabelFont();
+    DCTextOut(dc, at.x, at.y, qel::FaceOf(font), font.lfHeight, axis.GetLabelColor(), text, 0, kNoBox, kNoBox);
+}
+
+void CQelGraph::DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, const SideUses& counts) {
+    const Side side = SideOf(axis.GetViewMode());
+    const SideUse& count = counts[static_cast<unsigned>(axis.GetViewMode())];
+    SideUse& use = used[static_cast<unsigned>(axis.GetViewMode())];
+    const CSize size = GetAxisDimViewSize(dc, axis);
+    const int length = side.IsVertical() ? size.cy : size.cx;
+    // All dimensions of the side stand in the middle of what its values leave free.
+    const LONGLONG free = side.Length() - count.first - count.last;
+    const LONGLONG before = std::max<LONGLONG>(0, (free - count.dims) / 2) + use.dims;
+    if (length == 0 || before + length > free) return;
+    use.dims += side.Taken(size);
+    const CPoint at = side.Corner(count.first + before, size, size.cx, true);
+    const LOGFONT& font = axis.GetDimFont();
+    DCTextOut(dc, at.x, at.y, qel::FaceOf(font), font.lfHeight, axis.GetDimColor(), axis.GetDimStr(), 0, kNoBox,
+              kNoBox);
+}
+
+void CQelGraph::AxisDraw(CDC* dc) {
+    if (dc == nullptr) return;
+    const CRect& area = m_rectDrawArea;
+    const int width = area.Width(), height = area.Height();
+    const PenInArea frame(*this, dc, m_frameStyle);
+    DCMoveTo(dc, area.left, area.top);
+    DCLineTo(dc, area.left, area.bottom);
+    DCLineTo(dc, area.right, area.bottom);
+    DCLineTo(dc, area.right, area.top);
+    DCLineTo(dc, area.left, area.top);
+
+    CPen grid;
+    CPen* const before =
+        DCCreateAndSelectPen(dc, &grid, m_axisStyle.GetStyle(), m_axisStyle.GetWidth(), m_axisStyle.GetColor());
+    ForEachDivision(width, m_nDivX, [&](int distance) {
+        DCMoveTo(dc, area.left + distance, area.top);
+        DCLineTo(dc, area.left + distance, area.bottom);
+    });
+    const bool isUpward = m_nCoordinateMode == 1;
+    ForEachDivision(isUpward ? std::abs(height) : height, m_nDivY, [&](int distance) {
+        const int y = (isUpward ? area.bottom : area.top) + distance;
+        DCMoveTo(dc, area.left, y);
+        DCLineTo(dc, area.right, y);
+    });
+    dc->SelectObject(before);
+}

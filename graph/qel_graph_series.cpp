@@ -1,0 +1,89 @@
+// The series: lines, bars, recorders.
+
+#include <cstdint>
+
+#include "qellib10/graph/curve_reducer.h"
+#include "qellib10/graph/data_scale.h"
+#include "qellib10/graph/pen_in_area.h"
+#include "qellib10/graph/trail.h"
+
+namespace {
+
+// Half-size of the circles on a line.
+constexpr int kCircle = 3, kMetricCircle = 30;
+
+bool IsThinSolid(const CLineGraphStyle& style) {
+    const bool isDashed = style.GetStyle() >= PS_DASH && style.GetStyle() <= PS_DASHDOTDOT;
+    return style.GetWidth() >= -1 && style.GetWidth() <= 1 && !isDashed;
+}
+
+// A preview has two contexts and scales from one to the other.
+bool IsUnitAPixel(const CDC& dc) { return dc.m_hDC == dc.m_hAttribDC && dc.GetMapMode() == MM_TEXT; }
+
+}  // namespace
+
+int CQelGraph::LineDraw(CDC* dc, int series) {
+    const CGraphDataCtrl* const data = Find(series);
+    return data != nullptr ? CurveDraw(dc, *data, Trace::kLine) : 0;
+}
+
+int CQelGraph::RecorderDrawX(CDC* dc, int series, int variant) {
+    const CGraphDataCtrl* const data = Find(series);
+    return data != nullptr ? CurveDraw(dc, *data, variant == 0 ? Trace::kSteps : Trace::kStepsFromRight) : 0;
+}
+
+int CQelGraph::PlotLineDraw(CDC* dc, int series) {
+    if (LineDraw(dc, series) == 0) return 0;
+    const CGraphDataCtrl& data = *Find(series);
+    if (data.GetDataCount() == 0 || !IsOfData()) return 1;
+    PenInArea pen(*this, dc, {data.GetLineStyle().GetColor(), PS_SOLID, 1});
+    const qel::DataScale scale = ScaleOf(data);
+    const int halfSize = HalfSizeOnSurface(m_nCoordinateMode == 1 ? kMetricCircle : kCircle);
+    for (const CGraphData& point : data.GetData()) {
+        if (scale.IsPlaced(point)) MarkShapeDraw(dc, MarkBox(scale.Map(point), halfSize), 0);
+    }
+    return 1;
+}
+
+template <class Pen> void CQelGraph::Follow(const CGraphDataCtrl& series, Trace trace, Pen& pen) const {
+    qel::Trail<Pen> trail(ScaleOf(series, trace == Trace::kStepsFromRight), trace != Trace::kLine, pen);
+    for (const CGraphData& point : series.GetData()) trail.Add(point);
+}
+
+int CQelGraph::CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace) {
+    if (dc == nullptr) return 0;
+    if (series.GetDataCount() < 2) return 1;
+    PenInArea pen(*this, dc, series.GetLineStyle());
+    if (!IsOfData()) {
+        pen.MoveTo(ScaleOf(series).Map(series.GetData().front()));
+    } else if (IsThinSolid(series.GetLineStyle()) && IsUnitAPixel(*dc)) {
+        qel::CurveReducer<PenInArea> reduced(pen);
+        Follow(series, trace, reduced);
+    } else {
+        Follow(series, trace, pen);
+    }
+    return 1;
+}
+
+int CQelGraph::BarDraw(CDC* dc, int series) {
+    const CGraphDataCtrl* const data = Find(series);
+    if (data == nullptr || dc == nullptr) return 0;
+    if (data->GetDataCount() == 0) return 1;
+    const CBarGraphStyle& style = data->GetBarStyle();
+    const PenInArea pen(*this, dc, {style.GetLineColor(), style.GetLineStyle(), style.GetLineWidth()});
+    CBrush brush;
+    brush.CreateBrushIndirect(&style.GetBarBrush());
+    CBrush* const before = dc->SelectObject(&brush);
+    const int width = style.GetBarWidth();
+    if (IsOfData()) {
+        const qel::DataScale scale = ScaleOf(*data);
+        for (const CGraphData& point : data->GetData()) {
+            if (!scale.IsPlaced(point)) continue;
+            const POINT at = scale.Map(point);
+            const std::int64_t left = std::int64_t{at.x} - width / 2;
+            DCRectangle(dc, static_cast<int>(left), at.y, static_cast<int>(left + width), m_rectDrawArea.bottom);
+        }
+    }
+    dc->SelectObject(before);
+    return 0;
+}
