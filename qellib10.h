@@ -85,6 +85,7 @@
 #include "qellib10/print/command.h"
 #include "qellib10/print/gdi_objects.h"
 #include "qellib10/print/page_style.h"
+#include "qellib10/print/queue_data.h"
 #include "qellib10/resource/string_ids.h"
 #include "qellib10/runtime/check_repeat_exec.h"
 #include "qellib10/runtime/memory_mapped_file.h"

@@ -1,13 +1,13 @@
 #include "qellib10/secure/crypt_xml_document.h"
 
 #include <chrono>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <thread>
 #include <utility>
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/whole_file.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/xml/xml_document.h"
 #include "qellib10/secure/crypt_xml_format.h"
@@ -20,15 +20,6 @@ using qel::XmlNode;
 constexpr const char* kKey = "Tessaloomber::CVellumXMLRecords";
 
 std::string_view ViewOf(const char* text) { return text != nullptr ? text : ""; }
-
-std::string ReadWhole(CFile& file) {
-    file.SeekToBegin();
-    const ULONGLONG length = file.GetLength();
-    if (length > std::numeric_limits<int>::max()) throw qel::DataError("a document of 2 GiB or more");
-    std::string bytes(length, '\0');
-    if (file.Read(bytes.data(), static_cast<UINT>(length)) != length) throw qel::DataError("the file became shorter");
-    return bytes;
-}
 
 void WriteWhole(CFile& file, std::string_view bytes) {
     file.SeekToBegin();
@@ -207,7 +198,7 @@ int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
 
 int CCryptXMLDocument::LoadCryptXMLFile(CFile& file) {
     return qel::AsResult([&] {
-        std::string bytes = ReadWhole(file);
+        std::string bytes = qel::ReadWholeFile(file);
         if (bytes.empty()) {
             Empty();
             return 1;
@@ -234,7 +225,7 @@ int CCryptXMLDocument::SaveCryptXMLFile(CFile& file) {
 
 int CCryptXMLDocument::LoadPlainXMLFile(CFile& file) {
     return qel::AsResult([&] {
-        const std::string bytes = ReadWhole(file);
+        const std::string bytes = qel::ReadWholeFile(file);
         if (bytes.empty()) {
             Empty();
             return 1;

@@ -23,9 +23,9 @@ void XmlDocument::Empty() noexcept {
 
 void XmlDocument::LoadText(std::string_view text) { Load(ToUtf8(text), XmlNames::inCodePage); }
 
-void XmlDocument::LoadBytes(std::string_view bytes) {
+void XmlDocument::LoadBytes(std::string bytes) {
     Empty();
-    LoadUtf8(DecodedXml(bytes));
+    LoadUtf8(DecodedXml(std::move(bytes)));
 }
 
 void XmlDocument::LoadUtf8(std::string utf8) { Load(std::move(utf8), XmlNames::any); }

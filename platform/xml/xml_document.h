@@ -39,7 +39,7 @@ public:
     void LoadText(std::string_view text);
     void LoadUtf8(std::string utf8);
     /// Loads the bytes of a file: in the encoding of their byte-order mark, else the one that they declare, else UTF-8.
-    void LoadBytes(std::string_view bytes);
+    void LoadBytes(std::string bytes);
 
     /// The document in the process's code page, without naming an encoding; "" when it has no root.
     std::string Text() const;

@@ -59,7 +59,8 @@ std::string_view DeclaredEncoding(std::string_view bytes) {
 
 }  // namespace
 
-std::string DecodedXml(std::string_view bytes) {
+std::string DecodedXml(std::string file) {
+    std::string_view bytes = file;
     constexpr std::array<std::pair<std::string_view, const char*>, 3> kMarks = {
         {{"\xEF\xBB\xBF", "UTF-8"}, {"\xFF\xFE", "UTF-16LE"}, {"\xFE\xFF", "UTF-16BE"}}};
     std::string encoding = SystemName(DeclaredEncoding(bytes));
@@ -69,7 +70,7 @@ std::string DecodedXml(std::string_view bytes) {
         encoding = name;
         break;
     }
-    if (encoding == kUtf8) return std::string(bytes);
+    if (encoding == kUtf8) return bytes.size() == file.size() ? std::move(file) : std::string(bytes);
     auto text = MakeConverter(std::string(kUtf8), encoding)->Convert(bytes);
     if (!text) throw DataError("bytes that are not in the encoding that the file declares");
     return std::move(*text);

@@ -10,7 +10,7 @@ namespace qel {
 
 /// The text of a file in UTF-8, without its byte-order mark.
 /// @throws DataError when the system does not know the encoding, or the bytes are not in it
-std::string DecodedXml(std::string_view bytes);
+std::string DecodedXml(std::string bytes);
 
 /// A text in an encoding, or nothing when it lacks one of the characters.
 using XmlEncoder = std::function<std::optional<std::string>(std::string_view utf8)>;

@@ -44,6 +44,21 @@ std::string TextOf(pugi::xml_node top) {
     return text;
 }
 
+// The node, or the first one behind it, that is an element.
+std::optional<XmlNode> ElementFrom(pugi::xml_node node) {
+    while (node && node.type() != pugi::node_element) node = node.next_sibling();
+    return node ? std::optional(XmlNode(node.internal_object())) : std::nullopt;
+}
+
+// Names are so short that a call to compare them takes longer.
+bool IsSame(const char* a, const char* b) {
+    while (*a == *b && *a != '\0') {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
 int DepthOf(pugi::xml_node node) {
     int depth = 0;
     for (; node.type() == pugi::node_element; node = node.parent()) ++depth;
@@ -83,6 +98,12 @@ std::vector<XmlNode> XmlNode::SelectAll(std::string_view path) const {
     for (const pugi::xpath_node& node : found) nodes.push_back(NodeOf(node));
     return nodes;
 }
+
+std::optional<XmlNode> XmlNode::FirstElement() const { return ElementFrom(pugi::xml_node(m_node).first_child()); }
+
+std::optional<XmlNode> XmlNode::NextElement() const { return ElementFrom(pugi::xml_node(m_node).next_sibling()); }
+
+std::string_view XmlNode::Utf8Name() const { return pugi::xml_node(m_node).name(); }
 
 std::string XmlNode::Name() const {
     return FromUtf8(m_attribute != nullptr ? pugi::xml_attribute(m_attribute).name() : pugi::xml_node(m_node).name());
@@ -151,6 +172,21 @@ void XmlNode::SetAttribute(std::string_view name, std::string_view value) {
 bool XmlNode::Remove() {
     const pugi::xml_node node(m_node);
     return m_attribute == nullptr && node.parent().remove_child(node);
+}
+
+XmlAttributes::XmlAttributes(const XmlNode& element)
+    : m_first(pugi::xml_node(element.m_node).first_attribute().internal_object()), m_next(m_first) {}
+
+std::optional<std::string_view> XmlAttributes::Utf8(const char* name) {
+    const auto find = [&](pugi::xml_attribute begin, pugi::xml_attribute end) {
+        while (begin != end && !IsSame(begin.name(), name)) begin = begin.next_attribute();
+        return begin;
+    };
+    const pugi::xml_attribute first(m_first), next(m_next), none;
+    pugi::xml_attribute found = find(next, none);
+    if (!found && (found = find(first, next)) == next) return std::nullopt;
+    m_next = found.next_attribute().internal_object();
+    return found.value();
 }
 
 }  // namespace qel

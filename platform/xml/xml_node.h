@@ -27,7 +27,12 @@ public:
     std::optional<XmlNode> Select(std::string_view path) const;
     std::vector<XmlNode> SelectAll(std::string_view path) const;
 
+    /// The first element in this node, and the next one beside it.
+    std::optional<XmlNode> FirstElement() const;
+    std::optional<XmlNode> NextElement() const;
+
     std::string Name() const;
+    std::string_view Utf8Name() const;  ///< the name of an element as it stands in the tree
 
     /// Text and CDATA of all descendants joined, without the white space that only sets elements apart; the value of an
     /// attribute, comment or instruction. What the page lacks appears as its best fit.
@@ -53,8 +58,25 @@ public:
     bool Remove();
 
 private:
+    friend class XmlAttributes;
+
     pugi::xml_node_struct* m_node;
     pugi::xml_attribute_struct* m_attribute;
+};
+
+/// The attributes of an element, for reading many: found at once when they are asked for in the order in which they
+/// stand.
+class XmlAttributes {
+public:
+    explicit XmlAttributes(const XmlNode& element);
+
+    /// The value in UTF-8, as it stands in the tree; nothing when there is no such attribute.
+    /// @param name of ASCII
+    std::optional<std::string_view> Utf8(const char* name);
+
+private:
+    pugi::xml_attribute_struct* m_first;
+    pugi::xml_attribute_struct* m_next;
 };
 
 }  // namespace qel

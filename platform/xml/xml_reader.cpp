@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "qellib10/platform/error.h"
+#include "qellib10/platform/text/unicode.h"
 #include "qellib10/platform/xml/xml_text.h"
 
 namespace qel {
@@ -40,12 +41,29 @@ void TakeLineEndsOut(pugi::xml_node node) {  // of what the parser passes as it 
     node.set_value(text.c_str());
 }
 
-void CheckNamesDiffer(pugi::xml_node element) {
+void CheckManyNamesDiffer(pugi::xml_node element) {
     std::vector<std::string_view> names;
     for (const auto attribute : element.attributes()) names.emplace_back(attribute.name());
     std::ranges::sort(names);
     Require(std::ranges::adjacent_find(names) == names.end(), "an attribute stands twice");
 }
+
+// The names of an element's attributes. Few are compared each with each, as they come.
+class AttributeNames {
+public:
+    void Add(const char* name) {
+        if (IsFull()) return;
+        for (std::size_t i = 0; i < m_count; ++i) {
+            Require(*m_names[i] != *name || std::strcmp(m_names[i], name) != 0, "an attribute stands twice");
+        }
+        m_names[m_count++] = name;
+    }
+    bool IsFull() const { return m_count == m_names.size(); }
+
+private:
+    std::array<const char*, 10> m_names;
+    std::size_t m_count = 0;
+};
 
 bool IsEncodingName(std::string_view text) {
     return IsXmlName(text) && text[0] != '_' &&
@@ -73,7 +91,10 @@ void CheckDeclaration(pugi::xml_node declaration) {
 // Takes the nodes of a text one by one; the parser's own walk does not recurse.
 class Reader : public pugi::xml_tree_walker {
 public:
-    Reader(std::string_view text, XmlNames names) : m_names(names), m_hasSectionEnd(Contains(text, kSectionEnd)) {}
+    Reader(std::string_view text, XmlNames names)
+        : m_names(EndOfAscii(text, 0) == text.size() ? XmlNames::inCodePage : names),
+          m_hasSectionEnd(Contains(text, kSectionEnd)),
+          m_hasReferences(Contains(text, "&")) {}
 
     bool for_each(pugi::xml_node& node) override {  // NOLINT(readability-identifier-naming): the parser's name
         switch (node.type()) {
@@ -84,7 +105,7 @@ public:
                 break;
             case pugi::node_pcdata:
                 Require(!m_hasSectionEnd || !Contains(node.value(), kSectionEnd), "a text holds a section's end");
-                TakeReferencesOut(node, node.value());
+                if (m_hasReferences) TakeReferencesOut(node, node.value());
                 break;
             case pugi::node_comment: {
                 const std::string_view value = node.value();
@@ -113,19 +134,20 @@ private:
     }
 
     void TakeAttributes(pugi::xml_node element) const {
-        const auto first = element.first_attribute();
-        if (!first) return;
-        if (first.next_attribute()) CheckNamesDiffer(element);
-        for (auto attribute = first; attribute; attribute = attribute.next_attribute()) {
+        AttributeNames names;
+        for (auto attribute = element.first_attribute(); attribute; attribute = attribute.next_attribute()) {
+            const char* const name = attribute.name();
             const char* const value = attribute.value();
-            Require(std::strchr(value, '<') == nullptr, "an attribute holds a tag's begin");
-            CheckName(attribute.name());
-            TakeReferencesOut(attribute, value);
+            names.Add(name);
+            CheckName(name);
+            for (const char* at = value; *at != '\0'; ++at) Require(*at != '<', "an attribute holds a tag's begin");
+            if (m_hasReferences) TakeReferencesOut(attribute, value);
         }
+        if (names.IsFull()) CheckManyNamesDiffer(element);
     }
 
     XmlNames m_names;
-    bool m_hasSectionEnd;  // asked once for the whole text, since it mostly has none
+    bool m_hasSectionEnd, m_hasReferences;  // asked once for the whole text, since it mostly has none
 };
 
 // Beside the root, and before the references are taken out: a reference to a blank is text as well.
@@ -163,8 +185,8 @@ void CheckTop(const pugi::xml_document& tree) {
 void ReadXml(pugi::xml_document& tree, std::string& text, XmlNames names) {
     Require(IsUtf8OfXml(text), "bytes that are no character of XML");
     Reader reader(text, names);
-    text += '\n';  // the parser does not see the last character if that is text
-    const auto result = tree.load_buffer_inplace(text.data(), text.size(), kParsing, pugi::encoding_utf8);
+    // With the zero behind the text: the parser does not see the last character if that is text.
+    const auto result = tree.load_buffer_inplace(text.data(), text.size() + 1, kParsing, pugi::encoding_utf8);
     if (!result) throw DataError(result.description());
     CheckTop(tree);
     tree.traverse(reader);

@@ -87,6 +87,7 @@ TEST(VirtualOrder, IsFixed) {
 
     EXPECT_EQ(Slots(CQelPrintJobCommand()), kDestructor);
     EXPECT_EQ(Slots(CQelPrintJobBlockData()), kDestructor);
+    EXPECT_EQ(Slots(CQelPrintJobQueueData()), kDestructor);
     EXPECT_EQ(Slots(CQelPrintJobPageStyle()), kDestructor);
 
     EXPECT_EQ(Slots(CFunctionInfo()), kDestructor);

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <memory>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/print/block_data.h"
+#include "qellib10/print/page_style.h"
+
+namespace qel {
+class XmlAttributes;
+class XmlDocument;
+class XmlElementWriter;
+class XmlNode;
+}  // namespace qel
+
+/// A print job: the paper and printer that it is meant for, and the commands that draw it. It is kept in a job file, an
+/// XML document (docs/formats.md), and printed by CQelPrintJobDocumentData, alone or with others on a page.
+///
+///     CQelPrintJobQueueData job;
+///     job.GetPageStyle().SetDpi(600);
+///     job.SetDefaultFont("Arial", 100, RGB(0, 0, 0));
+///     job.AddMillimetreCommandText(CRect(100, 100, 900, 160), "Titration", 1);
+///     job.AddMillimetreCommandLine(CRect(100, 165, 900, 165));
+///     job.SaveJobFile("result.job");
+///
+/// Operations answer 1, or 0 when a file is missing or refused; nothing is thrown. One thread at a time.
+class QELLIB10_API CQelPrintJobQueueData {
+public:
+    CQelPrintJobQueueData();
+    /// A copy has page style and commands; its default font is that of a fresh job. One that is assigned to keeps its
+    /// own default font.
+    CQelPrintJobQueueData(const CQelPrintJobQueueData& other);
+    CQelPrintJobQueueData& operator=(const CQelPrintJobQueueData& other);
+    virtual ~CQelPrintJobQueueData();
+
+    /// The page style's defaults, no commands, no default font.
+    int Initialize();
+    /// No commands, no default font.
+    int InitializeData();
+
+    CQelPrintJobPageStyle& GetPageStyle() { return m_PageStyle; }
+    const CQelPrintJobPageStyle& GetPageStyle() const { return m_PageStyle; }
+    CQelPrintJobBlockData& GetBlock() { return m_Block; }
+    const CQelPrintJobBlockData& GetBlock() const { return m_Block; }
+
+    /// What texts in millimetres are written in; it is not stored with the job.
+    /// @param size tenths of a point
+    void SetDefaultFont(const char* faceName, int size, unsigned long color);
+
+    int AddCommand(const CQelPrintJobCommand& command);
+
+    // Boxes and lines in tenths of a millimetre, converted by the resolution of the page style; as they are when that
+    // is not known.
+    /// @param style as CQelPrintJobCommand::SetText has it
+    int AddMillimetreCommandText(CRect rect, const char* text, int style);
+    /// The text of @p stringId from the string tables; empty when none has it.
+    int AddMillimetreCommandText(const CRect& rect, UINT stringId, int style);
+    int AddMillimetreCommandLine(CRect rect);  ///< from the left top to the right bottom corner
+
+    /// Writes the job file, replacing what is there as a whole. The commands' cursor is at the end then.
+    int SaveJobFile(const char* path);
+
+    /// Reads a job file: what it says of the page style replaces what this job has, its commands are added to those
+    /// that are here. Elements that it does not know are passed over, numbers are what a value begins with, else 0.
+    /// @return 0 also for what is not well-formed XML, which leaves the job as it was
+    int LoadJobFile(const char* path);
+
+    /// The text as it stands in XML as a section, or several when it holds a section's end.
+    static CString Quote(const char* text);
+
+protected:
+    /// Makes sure that there is a document to load into, and that it is empty.
+    int InitializeParser();
+
+    /// Puts an element that holds the value into the one that is being written.
+    static void AddSubNode(qel::XmlElementWriter& node, const char* name, int value);
+    static void AddSubNode(qel::XmlElementWriter& node, const char* name, const char* value);
+    /// Gives the element that was begun last an attribute.
+    static void AddAttribute(qel::XmlElementWriter& element, const char* name, int value);
+    static void AddAttribute(qel::XmlElementWriter& element, const char* name, const char* value);
+    /// @return @p ifMissing when there is no such attribute
+    static int GetAttributeInt(qel::XmlAttributes& attributes, const char* name, int ifMissing);
+    static CString GetAttributeString(qel::XmlAttributes& attributes, const char* name, const char* ifMissing);
+
+private:
+    void WritePageStyle(qel::XmlElementWriter& root) const;
+    static void WriteCommand(qel::XmlElementWriter& commands, const CQelPrintJobCommand& command);
+    void ReadPageStyleValue(const qel::XmlNode& value);
+    void ReadCommand(const qel::XmlNode& element);
+
+    std::unique_ptr<qel::XmlDocument> m_pDocument;
+    CQelPrintJobPageStyle m_PageStyle;
+    CQelPrintJobBlockData m_Block;
+    CString m_szDefaultFontName;
+    int m_nDefaultFontSize = 0;
+    DWORD m_dwDefaultColor = 0;
+};
