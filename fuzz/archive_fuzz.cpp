@@ -1,34 +1,38 @@
 // Law: texts and objects read from any bytes, stored, read again and stored again are the same bytes.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <optional>
 #include <set>
 #include <vector>
 
-#include "qellib10/platform/archive/archive.h"
-#include "qellib10/platform/storage/mem_file.h"
+#include "../tests/support/archive_bytes.h"
+#include "law.h"
 
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 64 * 1024;
 
 // A node of any graph, cycles and nodes with several parents included; so no node owns another.
-class CNode : public CObject {
+class CNode : public Archived<CNode, CObject> {
 public:
     CNode() { All().insert(this); }
     CNode(const CNode&) = delete;
     CNode& operator=(const CNode&) = delete;
     ~CNode() override { All().erase(this); }
 
-    static const CRuntimeClass* GetThisClass();
-    const CRuntimeClass* GetRuntimeClass() const override { return GetThisClass(); }
-    void Serialize(CArchive& archive) override;
+    void Serialize(CArchive& archive) override {
+        Exchange(archive, m_szName, m_bMarked);
+        if (archive.IsStoring()) {
+            archive.WriteCount(static_cast<DWORD>(m_aryLink.size()));
+            for (const CNode* link : m_aryLink) archive << link;
+        } else {
+            for (DWORD rest = archive.ReadCount(); rest > 0; --rest) archive >> m_aryLink.emplace_back();
+        }
+    }
 
     static std::set<CNode*>& All() {
         static std::set<CNode*> all;
         return all;
     }
+    static constexpr const char* kName = "N";
+    static constexpr UINT kSchema = 0;
 
 private:
     CString m_szName;
@@ -36,76 +40,30 @@ private:
     std::vector<CNode*> m_aryLink;
 };
 
-class CTimedNode : public CNode {
+class CTimedNode : public Archived<CTimedNode, CNode> {
 public:
-    static const CRuntimeClass* GetThisClass();
-    const CRuntimeClass* GetRuntimeClass() const override { return GetThisClass(); }
-    void Serialize(CArchive& archive) override;
+    void Serialize(CArchive& archive) override {
+        CNode::Serialize(archive);
+        Exchange(archive, m_time, m_nKind);
+    }
+    static constexpr const char* kName = "T";
+    static constexpr UINT kSchema = 1;
 
 private:
     COleDateTime m_time;
     WORD m_nKind = 0;
 };
 
-const CRuntimeClass* CNode::GetThisClass() {
-    static const CRuntimeClass theClass = qel::DescribeClass<CNode, CObject>("N");
-    return &theClass;
-}
-
-const CRuntimeClass* CTimedNode::GetThisClass() {
-    static const CRuntimeClass theClass = qel::DescribeClass<CTimedNode, CNode>("T", 1);
-    return &theClass;
-}
-
 const qel::RegisteredClass<CNode> registeredNode;
 const qel::RegisteredClass<CTimedNode> registeredTimedNode;
 
-void CNode::Serialize(CArchive& archive) {
-    if (archive.IsStoring()) {
-        archive << m_szName << m_bMarked;
-        archive.WriteCount(static_cast<DWORD>(m_aryLink.size()));
-        for (const CNode* link : m_aryLink) archive << link;
-    } else {
-        archive >> m_szName >> m_bMarked;
-        for (DWORD rest = archive.ReadCount(); rest > 0; --rest) archive >> m_aryLink.emplace_back();
-    }
-}
-
-void CTimedNode::Serialize(CArchive& archive) {
-    CNode::Serialize(archive);
-    if (archive.IsStoring()) {
-        archive << m_time << m_nKind;
-    } else {
-        archive >> m_time >> m_nKind;
-    }
-}
-
 struct Document {
+    void Serialize(CArchive& archive) { Exchange(archive, title, root, start); }
+
     CString title;
     CNode* root = nullptr;
     CTimedNode* start = nullptr;
 };
-
-std::optional<Document> Read(const std::uint8_t* data, std::size_t size) {
-    CMemFile file;
-    file.Attach(data, static_cast<UINT>(size));
-    try {
-        Document document;
-        CArchive archive(&file, CArchive::load);
-        archive >> document.title >> document.root >> document.start;
-        return document;
-    } catch (const CArchiveException&) {
-        return std::nullopt;
-    }
-}
-
-std::vector<BYTE> Stored(const Document& document) {
-    CMemFile file;
-    CArchive archive(&file, CArchive::store);
-    archive << document.title << document.root << document.start;
-    archive.Close();
-    return file.Detach();
-}
 
 void DeleteAll() {
     while (!CNode::All().empty()) delete *CNode::All().begin();
@@ -114,17 +72,18 @@ void DeleteAll() {
 }  // namespace
 
 extern "C" bool IsRead(const std::uint8_t* data, std::size_t size) {
-    const bool isRead = Read(data, size).has_value();
+    Document document;
+    const bool isRead = Load(document, Text(data, size)) >= 0;
     DeleteAll();
     return isRead;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > kLongestUsefulInput) return 0;
-    if (const std::optional<Document> first = Read(data, size)) {
-        const std::vector<BYTE> bytes = Stored(*first);
-        const std::optional<Document> second = Read(bytes.data(), bytes.size());
-        if (!second || Stored(*second) != bytes) std::abort();
+    Document first, second;
+    if (Load(first, Text(data, size)) >= 0) {
+        const std::string bytes = Stored(first);
+        Require(Load(second, bytes) >= 0 && Stored(second) == bytes);
     }
     DeleteAll();
     return 0;

@@ -2,22 +2,18 @@
 // and written again are the same; rounding twice is rounding once; two numbers have one order, which their difference
 // shows; a power is its product.
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "qellib10/calc/bcd.h"
 
+#include "law.h"
+
 namespace {
 
 constexpr std::size_t kHeaderSize = 8, kLongestUsefulInput = 4096;
 constexpr int kWidestField = 300, kHighestPower = 40, kMostPlacesWithinText = 40;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 bool IsFinite(const CBCD& number) { return number > "-Infinity" && number < "Infinity"; }
 

@@ -3,8 +3,6 @@
 // makes it the latest one, which comes out equal.
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <span>
 #include <string>
@@ -13,38 +11,19 @@
 #include "qellib10/secure/history_cabinet_file.h"
 #include "qellib10/secure/history_cabinet_format.h"
 
+#include "../tests/support/temp_folder.h"
+#include "law.h"
+
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
 constexpr DWORD kVersionsTried = 8;
 const std::string kNewVersion = "new version";
 
-void Check(bool holds) {
-    if (!holds) std::abort();
-}
-
-struct TemporaryFile {
-    ~TemporaryFile() { CFile::Remove(name); }
-    void Write(const std::string& bytes) const {
-        CFile file(name, CFile::modeWrite | CFile::modeCreate);
-        file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
-    }
-    std::string Read() const {
-        CFile file(name, CFile::modeRead | CFile::shareDenyNone);
-        std::string bytes(file.GetLength(), '\0');
-        Check(file.Read(bytes.data(), static_cast<UINT>(bytes.size())) == bytes.size());
-        return bytes;
-    }
-    const CString name = CQFile::GetTempFilePath("fuz");
-};
-
 // The cabinet, what is registered, and what is taken out.
-struct Files {
-    TemporaryFile cabinet, source, target;
-};
-const Files& TheFiles() {
-    static const Files files;
-    return files;
+const TempFolder& Files() {
+    static const TempFolder folder;
+    return folder;
 }
 
 std::string WithRightSums(const std::uint8_t* data, std::size_t size) {
@@ -60,11 +39,10 @@ std::string WithRightSums(const std::uint8_t* data, std::size_t size) {
 
 // By number, the latest under 0; only those that come out.
 std::map<DWORD, std::string> Versions(CHistoryCabinetFile& cabinet) {
-    const TemporaryFile& target = TheFiles().target;
     std::map<DWORD, std::string> found;
-    if (cabinet.GetLatestVersionFile(target.name)) found[0] = target.Read();
+    if (cabinet.GetLatestVersionFile(Files().Path("target"))) found[0] = Files().Read("target");
     for (DWORD version = std::min(cabinet.GetLatestVersion(), kVersionsTried); version > 0; --version) {
-        if (cabinet.GetVersionFile(version, target.name)) found[version] = target.Read();
+        if (cabinet.GetVersionFile(version, Files().Path("target"))) found[version] = Files().Read("target");
     }
     return found;
 }
@@ -73,31 +51,30 @@ std::map<DWORD, std::string> Versions(CHistoryCabinetFile& cabinet) {
 
 extern "C" bool IsRead(const std::uint8_t* data, std::size_t size) {
     CHistoryCabinetFile cabinet;
-    TheFiles().cabinet.Write(WithRightSums(data, size));
-    return cabinet.Open(TheFiles().cabinet.name, 1) && Versions(cabinet).size() == cabinet.GetLatestVersion() + 1;
+    Files().Write("cabinet", WithRightSums(data, size));
+    return cabinet.Open(Files().Path("cabinet"), 1) && Versions(cabinet).size() == cabinet.GetLatestVersion() + 1;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > kLongestUsefulInput) return 0;
-    const auto& [file, source, target] = TheFiles();
     const std::string bytes = WithRightSums(data, size);
-    file.Write(bytes);
+    Files().Write("cabinet", bytes);
     CHistoryCabinetFile cabinet;
-    if (!cabinet.Open(file.name, 0)) return 0;
+    if (!cabinet.Open(Files().Path("cabinet"), 0)) return 0;
     const auto versions = Versions(cabinet);
-    Check(Versions(cabinet) == versions && file.Read() == bytes);
+    Require(Versions(cabinet) == versions && Files().Read("cabinet") == bytes);
 
-    source.Write(kNewVersion);
+    Files().Write("source", kNewVersion);
     const DWORD count = cabinet.GetLatestVersion();
-    const bool isRegistered = cabinet.RegistNewVersion(source.name) != 0;
-    Check(cabinet.GetLatestVersion() == count + (isRegistered ? 1 : 0));
+    const bool isRegistered = cabinet.RegistNewVersion(Files().Path("source")) != 0;
+    Require(cabinet.GetLatestVersion() == count + (isRegistered ? 1 : 0));
     if (!isRegistered) {
-        Check(file.Read() == bytes);
+        Require(Files().Read("cabinet") == bytes);
         return 0;
     }
     CHistoryCabinetFile again;
     cabinet.Close();
-    Check(again.Open(file.name, 1) && again.GetLatestVersion() == count + 1);
-    Check(again.GetGUID() == cabinet.GetGUID() && Versions(again).at(0) == kNewVersion);
+    Require(again.Open(Files().Path("cabinet"), 1) && again.GetLatestVersion() == count + 1);
+    Require(again.GetGUID() == cabinet.GetGUID() && Versions(again).at(0) == kNewVersion);
     return 0;
 }

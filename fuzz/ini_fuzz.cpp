@@ -2,8 +2,6 @@
 // one line is gone. Deleting what was added gives the old bytes.
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <string>
@@ -14,13 +12,11 @@
 #include "qellib10/platform/storage/ini_index.h"
 #include "qellib10/platform/text/multibyte.h"
 
+#include "law.h"
+
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 // The first values of all names, found by walking over the lines.
 using Values = std::map<std::pair<std::string, std::string>, std::string>;

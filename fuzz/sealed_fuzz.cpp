@@ -3,8 +3,6 @@
 // next version, the same GUID and the same data.
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <vector>
 
@@ -12,15 +10,13 @@
 #include "qellib10/file/check_datafile_format.h"
 #include "qellib10/file/check_sums.h"
 
+#include "law.h"
+
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
 using Bytes = std::vector<std::byte>;
 using qel::CheckBlock;
-
-void Check(bool holds) {
-    if (!holds) std::abort();
-}
 
 CheckBlock LastBlock(const Bytes& bytes) { return CheckBlock::Unpack(std::span(bytes).last<CheckBlock::kSize>()); }
 
@@ -37,14 +33,14 @@ void MakeChecksumsRight(Bytes& bytes) {
 }
 
 struct TemporaryFile : CQFile {
-    TemporaryFile() { Check(CreateTempFile("qel", 1) != 0); }
+    TemporaryFile() { Require(CreateTempFile("qel", 1) != 0); }
     ~TemporaryFile() override { Close(); }
 };
 
 Bytes First(CQFile& file, std::size_t count) {
     Bytes bytes(count);
     file.SeekToBegin();
-    Check(file.Read(bytes.data(), static_cast<UINT>(count)) == count);
+    Require(file.Read(bytes.data(), static_cast<UINT>(count)) == count);
     return bytes;
 }
 
@@ -64,16 +60,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     seal.EnableCheckFilename(0);
     if (!seal.ReadPackData(&file)) {
         const bool wasRight = CCheckDatafile::IsPackData(&file) != 0;
-        Check(wasRight ? CCheckDatafile::PackNewData(&file) != 0 : seal.PackUpdateData(&file, 1) != 0);
-        Check(seal.ReadPackData(&file) && seal.GetVersion() == 1 && First(file, size) == bytes);
+        Require(wasRight ? CCheckDatafile::PackNewData(&file) != 0 : seal.PackUpdateData(&file, 1) != 0);
+        Require(seal.ReadPackData(&file) && seal.GetVersion() == 1 && First(file, size) == bytes);
         return 0;
     }
     const CCheckDatafile before = seal;
     bytes.resize(size - LastBlock(bytes).trailerLength - 4);  // the own data
-    Check(seal.PackUpdateData(&file, 1) == 0);
-    Check(seal.PackUpdateData(&file, 0) != 0);
-    Check(First(file, bytes.size()) == bytes);
-    Check(static_cast<DWORD>(seal.GetVersion()) == static_cast<DWORD>(before.GetVersion()) + 1);
-    Check(seal.GetGUID() == before.GetGUID());
+    Require(seal.PackUpdateData(&file, 1) == 0);
+    Require(seal.PackUpdateData(&file, 0) != 0);
+    Require(First(file, bytes.size()) == bytes);
+    Require(static_cast<DWORD>(seal.GetVersion()) == static_cast<DWORD>(before.GetVersion()) + 1);
+    Require(seal.GetGUID() == before.GetGUID());
     return 0;
 }

@@ -2,8 +2,6 @@
 // changes nothing more; a match stands between characters and none stands before it; two texts are the same name
 // exactly when their folded copies are equal.
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -11,13 +9,11 @@
 #include "qellib10/platform/text/converter.h"
 #include "qellib10/platform/text/multibyte.h"
 
+#include "law.h"
+
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void CheckConversions(std::string_view bytes) {
     const std::string utf8 = qel::ToUtf8(bytes);

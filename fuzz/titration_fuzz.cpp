@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -15,14 +13,11 @@
 #include "../examples/titration/number.h"
 #include "../examples/titration/settings.h"
 #include "../tests/support/temp_folder.h"
+#include "law.h"
 
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
-
-void Require(bool law) {
-    if (!law) std::abort();
-}
 
 void Titrate(std::string_view data, std::string_view text) {
     static const TempFolder folder;

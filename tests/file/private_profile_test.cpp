@@ -62,15 +62,12 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     folder.Write("a.ini", "[s]\nnumber=12abc\nempty=\nword=abc\nblank= +5 \nhuge=99999999999\nminus=- 5\nlong=x" +
                               kLongest + "\n");
     Profile ini(folder.Path("a.ini"));
-    const Cases<const char*, int, const char*> cases = {{"number", 12, "12abc"},
-                                                        {"empty", 7, "d  "},
-                                                        {"word", 0, "abc"},
-                                                        {"blank", 5, "+5"},
-                                                        {"huge", 2147483647, "99999999999"},
-                                                        {"minus", 0, "- 5"},
-                                                        {"missing", 7, "d"},
-                                                        {"long", 0, kLongest.c_str()},
-                                                        {kNone, 0, "number"}};
+    // clang-format off
+    const Cases<const char*, int, const char*> cases = {
+        {"number", 12, "12abc"}, {"empty", 7, "d  "}, {"word", 0, "abc"}, {"blank", 5, "+5"},
+        {"huge", 2147483647, "99999999999"}, {"minus", 0, "- 5"}, {"missing", 7, "d"}, {"long", 0, kLongest.c_str()},
+        {kNone, 0, "number"}};
+    // clang-format on
     for (const auto& [key, number, text] : cases) {
         EXPECT_EQ(ini.Get("s", key, 7), number) << text;
         EXPECT_EQ(ini.Get("s", key, "d  "), text);
@@ -135,13 +132,12 @@ TEST_F(RegistryProfile, KeepsTypes) {
     EXPECT_EQ(m_profile.Set("S", "text", "12") + m_profile.Set("S", "number", 0x41424344), 2);
     EXPECT_EQ(m_profile.Set("S", kNone, "default value") + m_profile.Set("S", "long", ('x' + kLongest).c_str()), 2);
     qel::WriteRegistryValue(HKEY_CURRENT_USER, "Software\\Meter\\S", "", "ended", {REG_SZ, kLongest + '\0'});
-    const Cases<const char*, const char*, DWORD, const char*, int> cases = {{"bytes", "a\0b", 3, "d", 7},
-                                                                            {"none", "", 0, "d", 7},
-                                                                            {"text", "12", 2, "12", 7},
-                                                                            {"number", "DCBA", 4, "d", 0x41424344},
-                                                                            {"", "", 13, "default value", 7},
-                                                                            {"long", "", 1024, "d", 7},
-                                                                            {"ended", "", 1024, kLongest.c_str(), 7}};
+    // clang-format off
+    const Cases<const char*, const char*, DWORD, const char*, int> cases = {
+        {"bytes", "a\0b", 3, "d", 7}, {"none", "", 0, "d", 7}, {"text", "12", 2, "12", 7},
+        {"number", "DCBA", 4, "d", 0x41424344}, {"", "", 13, "default value", 7}, {"long", "", 1024, "d", 7},
+        {"ended", "", 1024, kLongest.c_str(), 7}};
+    // clang-format on
     for (const auto& [key, start, length, text, number] : cases) {
         SCOPED_TRACE(key);
         EXPECT_EQ(m_profile.Get("S", key, "d"), text);

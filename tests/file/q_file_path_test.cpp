@@ -72,7 +72,7 @@ TEST(FilePlace, AnswersForTheSystemAndItsModules) {
     const auto library = reinterpret_cast<HINSTANCE>(&std::free);
     EXPECT_EQ(CQFile::GetModuleIniFile(library), CQFile::DeleteFileExt(CQFile::GetModuleFilePath(library)) + ".ini");
 
-    const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "/d");
+    const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "rel:/d:/e");
     EXPECT_EQ(CQFile::GetStartupFolder(0), "\\c\\autostart");
     EXPECT_EQ(CQFile::GetStartupFolder(1), "\\d\\autostart");
     qel::SetSystemFamily(qel::SystemFamily::Win95);

@@ -109,12 +109,12 @@ TEST_F(QFile, ComparesFilesAndTellsWhatIsThere) {
 TEST_F(QFile, CopiesFromAndToOtherFiles) {
     constexpr LONG kGeneric = -1;
     folder.Write("b", "0123456789");
-    for (const auto& [offset, count, expected, code] :
-         Cases<UINT, DWORD, std::string, LONG>{{0, 0xFFFFFFFF, "ab0123456789", 0},
-                                               {3, 4, "ab3456", 0},
-                                               {50, 0, "ab", 0},
-                                               {50, 0xFFFFFFFF, "ab", kGeneric},
-                                               {7, 4, "ab789", kGeneric}}) {
+    // clang-format off
+    const Cases<UINT, DWORD, std::string, LONG> cases = {
+        {0, 0xFFFFFFFF, "ab0123456789", 0}, {3, 4, "ab3456", 0}, {50, 0, "ab", 0}, {50, 0xFFFFFFFF, "ab", kGeneric},
+        {7, 4, "ab789", kGeneric}};
+    // clang-format on
+    for (const auto& [offset, count, expected, code] : cases) {
         Open("ab", CFile::modeReadWrite, 2);
         EXPECT_EQ(CodeOf([&] { file.WriteFromFile(folder.Path("b"), offset, count); }), code) << expected;
         EXPECT_EQ(file.GetPosition(), expected.size());

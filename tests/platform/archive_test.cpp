@@ -6,8 +6,10 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "../support/archive_bytes.h"
 #include "../support/cases.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/file_error.h"
@@ -15,105 +17,63 @@
 
 namespace {
 
-using Bytes = std::vector<BYTE>;
+using Bytes = std::string;
+using Cause = CArchiveException;
 
-class CReading : public CObject {
+class CReading : public Archived<CReading, CObject> {
 public:
     explicit CReading(double volume = 0) : m_dVolume(volume) { ++alive; }
     CReading(const CReading&) = delete;
     CReading& operator=(const CReading&) = delete;
     ~CReading() override { --alive; }
+    void Serialize(CArchive& archive) override { Exchange(archive, m_dVolume); }
 
-    static const CRuntimeClass* GetThisClass();
-    const CRuntimeClass* GetRuntimeClass() const override { return GetThisClass(); }
-    void Serialize(CArchive& archive) override {
-        if (archive.IsStoring()) {
-            archive << m_dVolume;
-        } else {
-            archive >> m_dVolume;
-        }
-    }
-
+    static constexpr const char* kName = "Reading";
+    static constexpr UINT kSchema = 2;
     static inline int alive = 0;
     double m_dVolume;
 };
 
 // One reading in a chain or ring; owns none of the others.
-class CLinkedReading : public CReading {
+class CLinkedReading : public Archived<CLinkedReading, CReading> {
 public:
-    static const CRuntimeClass* GetThisClass();
-    const CRuntimeClass* GetRuntimeClass() const override { return GetThisClass(); }
     void Serialize(CArchive& archive) override {
         CReading::Serialize(archive);
-        if (archive.IsStoring()) {
-            archive << m_pNext;
-        } else {
-            archive >> m_pNext;
-        }
+        Exchange(archive, m_pNext);
     }
 
+    static constexpr const char* kName = "Linked";
+    static constexpr UINT kSchema = 0;
     CReading* m_pNext = nullptr;
 };
 
-class CUnregistered : public CReading {
+class CUnregistered : public Archived<CUnregistered, CReading> {
 public:
-    static const CRuntimeClass* GetThisClass();
-    const CRuntimeClass* GetRuntimeClass() const override { return GetThisClass(); }
+    static constexpr const char* kName = "Unregistered";
 };
 
-class CAbstractReading : public CReading {
-public:
-    static const CRuntimeClass* GetThisClass();
-    virtual int Kind() const = 0;
-};
-
-const CRuntimeClass* CReading::GetThisClass() {
-    static const CRuntimeClass theClass = qel::DescribeClass<CReading, CObject>("Reading", 2);
-    return &theClass;
-}
-
-const CRuntimeClass* CLinkedReading::GetThisClass() {
-    static const CRuntimeClass theClass = qel::DescribeClass<CLinkedReading, CReading>("Linked");
-    return &theClass;
-}
-
-const CRuntimeClass* CUnregistered::GetThisClass() {
-    static const CRuntimeClass theClass = qel::DescribeClass<CUnregistered, CReading>("Unregistered");
-    return &theClass;
-}
-
-const CRuntimeClass* CAbstractReading::GetThisClass() {
-    static const CRuntimeClass theClass = qel::DescribeClass<CAbstractReading, CReading>("Abstract");
-    return &theClass;
-}
+CReading* Next(const CReading* reading) { return static_cast<const CLinkedReading*>(reading)->m_pNext; }
 
 const qel::RegisteredClass<CReading> registeredReading;
 const qel::RegisteredClass<CLinkedReading> registeredLinked;
-const qel::RegisteredClass<CAbstractReading> registeredAbstract;
+const qel::RegisteredClass<CObject> registeredAbstract;
 
-Bytes Hex(const std::string& digits) {
+Bytes Hex(const std::string& digits) {  // in pairs, which blanks may part
     Bytes bytes;
-    std::string pair;
-    for (const char digit : digits) {
-        if (digit != ' ') pair += digit;
-        if (pair.size() < 2) continue;
-        bytes.push_back(static_cast<BYTE>(std::stoi(pair, nullptr, 16)));
-        pair.clear();
+    for (std::size_t at = 0; (at = digits.find_first_not_of(' ', at)) < digits.size(); at += 2) {
+        bytes += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
     }
     return bytes;
 }
 
-Bytes operator+(Bytes a, const Bytes& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
+// What is to be done with an archive.
+struct Steps {
+    std::function<void(CArchive&)> Serialize;
+};
 
-Bytes Stored(const std::function<void(CArchive&)>& write) {
-    CMemFile file;
-    CArchive archive(&file, CArchive::store);
-    write(archive);
-    archive.Close();
-    return file.Detach();
+Bytes Written(const std::function<void(CArchive&)>& write) {
+    Steps steps{write};
+    return Stored(steps);
 }
 
 int CauseOf(const std::function<void()>& use) {
@@ -122,29 +82,20 @@ int CauseOf(const std::function<void()>& use) {
     } catch (const CArchiveException& exception) {
         return exception.m_cause;
     }
-    return CArchiveException::none;
+    return Cause::none;
 }
 
 // The cause with which reading @p bytes ends.
 int CauseOf(const Bytes& bytes, const std::function<void(CArchive&)>& read) {
-    CMemFile file;
-    file.Attach(bytes.data(), static_cast<UINT>(bytes.size()));
-    return CauseOf([&] {
-        CArchive archive(&file, CArchive::load);
-        read(archive);
-    });
+    Steps steps{read};
+    return std::max(0, -Load(steps, bytes));
 }
 
 const CReading kVolume(1.5);
 const Bytes kNewReading = Hex("FFFF 0200 0700 52656164696E67");
 const Bytes kNewLinked = Hex("FFFF 0000 0600 4C696E6B6564");
 const Bytes kOneAndAHalf = Hex("000000000000F83F");
-const Bytes kZero(8);
-
-void ReadText(CArchive& archive) {
-    CString text;
-    archive >> text;
-}
+const Bytes kZero(8, '\0');
 
 void ReadReading(CArchive& archive) {
     CReading* reading = nullptr;
@@ -155,7 +106,7 @@ void ReadReading(CArchive& archive) {
 }  // namespace
 
 TEST(Archive, ScalarsAreTheirBytesLowestFirst) {
-    const Bytes bytes = Stored([](CArchive& archive) {
+    const Bytes bytes = Written([](CArchive& archive) {
         archive << BYTE{0xFE} << 'A' << true << WORD{0x0102} << short{-2} << 0x01020304 << UINT{0xFFFFFFFE} << 1.5F
                 << 1.5 << LONGLONG{-2} << COleDateTime(2001, 1, 1, 0, 0, 0);
     });
@@ -173,7 +124,7 @@ TEST(Archive, ScalarsAreTheirBytesLowestFirst) {
         BYTE behind = 0;
         EXPECT_EQ(archive.Read(&behind, 1), 0u);
     };
-    EXPECT_EQ(CauseOf(bytes, read), CArchiveException::none);
+    EXPECT_EQ(CauseOf(bytes, read), Cause::none);
 }
 
 TEST(Archive, TextsTakeTheShortestLength) {
@@ -185,29 +136,26 @@ TEST(Archive, TextsTakeTheShortestLength) {
     for (const auto& [length, prefix] : cases) {
         SCOPED_TRACE(length);
         const CString text('x', length);
-        const Bytes bytes = Stored([&](CArchive& archive) { archive << text; });
+        const Bytes bytes = Written([&](CArchive& archive) { archive << text; });
         EXPECT_EQ(bytes, Hex(prefix) + Bytes(static_cast<std::size_t>(length), 'x'));
         CString read;
-        EXPECT_EQ(CauseOf(bytes, [&](CArchive& archive) { archive >> read; }), CArchiveException::none);
+        EXPECT_EQ(CauseOf(bytes, [&](CArchive& archive) { archive >> read; }), Cause::none);
         EXPECT_EQ(read, text);
     }
 }
 
 TEST(Archive, ReadsTextsOfOtherWriters) {
     constexpr const char* kKept = "kept";
+    // clang-format off
     const Cases<const char*, int, const char*> cases = {
-        {"FF0200 4142", CArchiveException::none, "AB"},  // longer forms than needed
-        {"FFFFFF02000000 4142", CArchiveException::none, "AB"},
-        {"FFFFFFFFFFFFFF0200000000000000 4142", CArchiveException::none, "AB"},
-        {"FFFEFF 02 41004200", CArchiveException::none, "AB"},  // UTF-16LE
-        {"FFFEFF FF0100 B500", CArchiveException::none, "\x83\xCA"},
-        {"FFFEFF FFFEFF 02 41004200", CArchiveException::genericException, kKept},
-        {"FFFEFF 02 410042", CArchiveException::endOfFile, kKept},
-        {"FFFEFF FFFFFFFFFFFFFF 0000000000000080 41", CArchiveException::endOfFile, kKept},
-        {"FFFFFFFEFFFFFF 4142", CArchiveException::endOfFile, kKept},
-        {"FFFFFFFFFFFFFF FFFFFFFFFFFFFFFF 41", CArchiveException::endOfFile, kKept},
-        {"03 4142", CArchiveException::endOfFile, kKept},
-        {"", CArchiveException::endOfFile, kKept}};
+        {"FF0200 4142", Cause::none, "AB"}, {"FFFFFF02000000 4142", Cause::none, "AB"},  // longer forms than needed
+        {"FFFFFFFFFFFFFF0200000000000000 4142", Cause::none, "AB"},
+        {"FFFEFF 02 41004200", Cause::none, "AB"}, {"FFFEFF FF0100 B500", Cause::none, "\x83\xCA"},  // UTF-16LE
+        {"FFFEFF FFFEFF 02 41004200", Cause::genericException, kKept}, {"FFFEFF 02 410042", Cause::endOfFile, kKept},
+        {"FFFEFF FFFFFFFFFFFFFF 0000000000000080 41", Cause::endOfFile, kKept},
+        {"FFFFFFFEFFFFFF 4142", Cause::endOfFile, kKept}, {"03 4142", Cause::endOfFile, kKept},
+        {"FFFFFFFFFFFFFF FFFFFFFFFFFFFFFF 41", Cause::endOfFile, kKept}, {"", Cause::endOfFile, kKept}};
+    // clang-format on
     for (const auto& [bytes, cause, expected] : cases) {
         SCOPED_TRACE(bytes);
         CString text(kKept);
@@ -217,61 +165,42 @@ TEST(Archive, ReadsTextsOfOtherWriters) {
 }
 
 TEST(Archive, CountsAreNotBelieved) {
-    EXPECT_EQ(Stored([](CArchive& archive) {
-                  archive.WriteCount(0xFFFE);
-                  archive.WriteCount(0xFFFF);
-              }),
-              Hex("FEFF FFFFFFFF0000"));
-    DWORD count = 0;
-    const auto read = [&](CArchive& archive) { count = archive.ReadCount(); };
-    EXPECT_EQ(CauseOf(Hex("0200 0000"), read), CArchiveException::none);
-    EXPECT_EQ(count, 2u);
-    EXPECT_EQ(CauseOf(Hex("FFFF FFFF0000") + Bytes(65535), read), CArchiveException::none);
-    EXPECT_EQ(count, 65535u);
-    EXPECT_EQ(CauseOf(Hex("0300 0000"), read), CArchiveException::endOfFile);
-    EXPECT_EQ(CauseOf(Hex("FFFF FFFFFFFF 00"), read), CArchiveException::endOfFile);
+    const auto write = [](CArchive& archive) { archive.WriteCount(0xFFFE), archive.WriteCount(0xFFFF); };
+    EXPECT_EQ(Written(write), Hex("FEFF FFFFFFFF0000"));
+    for (const auto& [bytes, count, cause] :
+         Cases<Bytes, DWORD, int>{{Hex("0200 0000"), 2, Cause::none},
+                                  {Hex("FFFF FFFF0000") + Bytes(65535, '\0'), 65535, Cause::none},
+                                  {Hex("0300 0000"), 9, Cause::endOfFile},
+                                  {Hex("FFFF FFFFFFFF 00"), 9, Cause::endOfFile}}) {
+        DWORD read = 9;
+        EXPECT_EQ(CauseOf(bytes, [&read](CArchive& archive) { read = archive.ReadCount(); }), cause);
+        EXPECT_EQ(read, count);
+    }
 }
 
-TEST(Archive, ObjectsKeepClassAndIdentity) {
-    const CReading other(0);
-    const Bytes bytes = Stored([&](CArchive& archive) {
-        const CReading* const none = nullptr;
-        archive << &kVolume << &other << &kVolume << none;
-    });
-    EXPECT_EQ(bytes, kNewReading + kOneAndAHalf + Hex("0180") + kZero + Hex("0200 0000"));
-    const auto read = [](CArchive& archive) {
-        CReading *first, *second, *again, *none = nullptr;
-        archive >> first >> second >> again >> none;
-        EXPECT_EQ(first->m_dVolume, 1.5);
-        EXPECT_EQ(second->m_dVolume, 0);
-        EXPECT_EQ(again, first);
-        EXPECT_EQ(none, nullptr);
-        delete first;
-        delete second;
-    };
-    EXPECT_EQ(CauseOf(bytes, read), CArchiveException::none);
-    // The long form of small numbers is read as well.
-    const Bytes big = kNewReading + kOneAndAHalf + Hex("FF7F01000080") + kZero + Hex("FF7F02000000 0000");
-    EXPECT_EQ(CauseOf(big, read), CArchiveException::none);
-}
-
-TEST(Archive, ObjectsMayFormARing) {
-    CLinkedReading first;
-    CLinkedReading second;
+TEST(Archive, ObjectsKeepClassAndIdentityAlsoInARing) {
+    CLinkedReading first, second;
     first.m_pNext = &second;
     second.m_pNext = &first;
-    const Bytes bytes = Stored([&](CArchive& archive) { archive << &first; });
-    EXPECT_EQ(bytes, kNewLinked + kZero + Hex("0180") + kZero + Hex("0200"));
-    const auto read = [](CArchive& archive) {
-        CReading* reading = nullptr;
-        archive >> reading;  // by way of the base: the class in the archive decides
-        ASSERT_TRUE(reading->IsKindOf(CLinkedReading::GetThisClass()));
-        CReading* const next = static_cast<CLinkedReading*>(reading)->m_pNext;
-        EXPECT_EQ(static_cast<CLinkedReading*>(next)->m_pNext, reading);
-        delete next;
-        delete reading;
+    const auto form = [](const char* itsClass, const char* itself) {
+        return kNewLinked + kZero + Hex(itsClass) + kZero + Hex(itself) + kNewReading + kOneAndAHalf + Hex(itself) +
+               Hex("0000");
     };
-    EXPECT_EQ(CauseOf(bytes, read), CArchiveException::none);
+    const CReading* const none = nullptr;
+    EXPECT_EQ(Written([&](CArchive& archive) { archive << &first << &kVolume << &first << none; }),
+              form("0180", "0200"));
+    const auto read = [](CArchive& archive) {
+        CReading *reading, *volume, *again, *null;
+        archive >> reading >> volume >> again >> null;  // by way of the base: the class in the archive decides
+        EXPECT_TRUE(volume->m_dVolume == 1.5 && again == reading && null == nullptr);
+        ASSERT_TRUE(reading->IsKindOf(CLinkedReading::GetThisClass()));
+        EXPECT_EQ(Next(Next(reading)), reading);
+        for (const CReading* made : {volume, Next(reading), reading}) delete made;
+    };
+    // The long form of small numbers is read as well.
+    for (const Bytes& bytes : {form("0180", "0200"), form("FF7F01000080", "FF7F02000000")}) {
+        EXPECT_EQ(CauseOf(bytes, read), Cause::none);
+    }
 }
 
 TEST(Archive, ClassesAreKnownByNameWhileRegistered) {
@@ -291,7 +220,7 @@ TEST(Archive, NumbersFrom7FFFTakeTheLongForm) {
     constexpr std::size_t kObjects = 0x8000;
     const std::vector<CReading> readings(kObjects);
     CLinkedReading last;
-    const Bytes bytes = Stored([&](CArchive& archive) {
+    const Bytes bytes = Written([&](CArchive& archive) {
         for (const CReading& reading : readings) archive << &reading;
         archive << &readings[0x7FFC] << &readings[0x7FFD] << &last << &last;
     });
@@ -302,51 +231,34 @@ TEST(Archive, NumbersFrom7FFFTakeTheLongForm) {
 
 TEST(Archive, DamagedObjectHeadersEndInTheirCause) {
     const Bytes one = kNewReading + kOneAndAHalf;
+    // clang-format off
     const Cases<const char*, Bytes, int> cases = {
-        {"object not given out", one + Hex("0300"), CArchiveException::badIndex},
-        {"object number of a class", one + Hex("0100"), CArchiveException::badIndex},
-        {"class number of an object", one + Hex("0280"), CArchiveException::badIndex},
-        {"class number 0", one + Hex("0080"), CArchiveException::badIndex},
-        {"huge object number", one + Hex("FF7FFFFFFF7F"), CArchiveException::badIndex},
-        {"huge class number", one + Hex("FF7FFFFFFFFF"), CArchiveException::badIndex},
-        {"unknown class", one + Hex("FFFF 0000 0200 5858"), CArchiveException::badClass},
-        {"class name too long", one + Hex("FFFF 0000 4000") + Bytes(64, 'x'), CArchiveException::badClass},
-        {"abstract class", one + Hex("FFFF 0000 0800 4162737472616374"), CArchiveException::badClass},
-        {"other schema", one + Hex("FFFF 0100 0700 52656164696E67"), CArchiveException::badSchema},
-        {"object cut", one + Hex("0180 0000"), CArchiveException::endOfFile}};
-    for (const auto& [title, bytes, cause] : cases) {
-        EXPECT_EQ(CauseOf(bytes,
-                          [](CArchive& archive) {
-                              ReadReading(archive);
-                              ReadReading(archive);
-                          }),
-                  cause)
-            << title;
-    }
-    EXPECT_EQ(CauseOf(one,
-                      [](CArchive& archive) {
-                          CLinkedReading* linked = nullptr;
-                          archive >> linked;
-                      }),
-              CArchiveException::badClass);
-    // A cut anywhere is noticed, and every object made until then is gone again.
+        {"object not given out", Hex("0300"), Cause::badIndex}, {"object number of a class", Hex("0100"), Cause::badIndex},
+        {"class number of an object", Hex("0280"), Cause::badIndex}, {"class number 0", Hex("0080"), Cause::badIndex},
+        {"huge object number", Hex("FF7FFFFFFF7F"), Cause::badIndex},
+        {"huge class number", Hex("FF7FFFFFFFFF"), Cause::badIndex},
+        {"unknown class", Hex("FFFF 0000 0200 5858"), Cause::badClass},
+        {"class name too long", Hex("FFFF 0000 4000") + Bytes(64, 'x'), Cause::badClass},
+        {"abstract class", Hex("FFFF 0000 0700 434F626A656374"), Cause::badClass},
+        {"other schema", Hex("FFFF 0100 0700 52656164696E67"), Cause::badSchema},
+        {"object cut", Hex("0180 0000"), Cause::endOfFile}};
+    // clang-format on
     const int alive = CReading::alive;
-    for (std::size_t length = 0; length < one.size(); ++length) {
-        EXPECT_EQ(CauseOf(Bytes(one.begin(), one.begin() + static_cast<int>(length)), ReadReading),
-                  CArchiveException::endOfFile);
+    for (const auto& [title, bytes, cause] : cases) {
+        const auto read = [](CArchive& archive) { ReadReading(archive), ReadReading(archive); };
+        EXPECT_EQ(CauseOf(one + bytes, read), cause) << title;
     }
-    EXPECT_EQ(CReading::alive, alive);
-}
-
-TEST(Archive, AnObjectGivenUpCannotBeNamed) {
-    const Bytes bytes = kNewLinked + kOneAndAHalf + Hex("0500 0200");
-    EXPECT_EQ(CauseOf(bytes,
-                      [](CArchive& archive) {
-                          CReading* reading = nullptr;
-                          EXPECT_THROW(archive >> reading, CArchiveException);
-                          archive >> reading;
-                      }),
-              CArchiveException::badIndex);
+    CLinkedReading* linked = nullptr;
+    EXPECT_EQ(CauseOf(one, [&](CArchive& archive) { archive >> linked; }), Cause::badClass);
+    const auto readAgain = [](CArchive& archive) {  // an object that was given up cannot be named
+        EXPECT_THROW(ReadReading(archive), CArchiveException);
+        ReadReading(archive);
+    };
+    EXPECT_EQ(CauseOf(kNewLinked + kOneAndAHalf + Hex("0500 0200"), readAgain), Cause::badIndex);
+    for (int length = 0; length < static_cast<int>(one.size()); ++length) {
+        EXPECT_EQ(CauseOf(Bytes(one.begin(), one.begin() + length), ReadReading), Cause::endOfFile);
+    }
+    EXPECT_EQ(CReading::alive, alive) << "every object made until then is gone again";
 }
 
 TEST(Archive, NestingIsLimitedInBothDirections) {
@@ -355,36 +267,32 @@ TEST(Archive, NestingIsLimitedInBothDirections) {
     const auto read = [](CArchive& archive) {
         CReading* reading = nullptr;
         archive >> reading;
-        while (reading != nullptr) {
-            CReading* const next = static_cast<CLinkedReading*>(reading)->m_pNext;
-            delete reading;
-            reading = next;
-        }
+        while (reading != nullptr) delete std::exchange(reading, Next(reading));
     };
-    EXPECT_EQ(CauseOf(bytes + Hex("0000"), read), CArchiveException::none);
-    EXPECT_EQ(CauseOf(bytes + Hex("0180") + kZero + Hex("0000"), read), CArchiveException::genericException);
+    EXPECT_EQ(CauseOf(bytes + Hex("0000"), read), Cause::none);
+    EXPECT_EQ(CauseOf(bytes + Hex("0180") + kZero + Hex("0000"), read), Cause::genericException);
 
     std::vector<CLinkedReading> chain(CArchive::kMaxNesting + 1);
     for (std::size_t i = 1; i < chain.size(); ++i) chain[i - 1].m_pNext = &chain[i];
-    EXPECT_THROW(Stored([&](CArchive& archive) { archive << &chain[0]; }), CArchiveException);
-    EXPECT_EQ(Stored([&](CArchive& archive) { archive << &chain[1]; }), bytes + Hex("0000"));
+    EXPECT_THROW(Written([&](CArchive& archive) { archive << &chain[0]; }), CArchiveException);
+    EXPECT_EQ(Written([&](CArchive& archive) { archive << &chain[1]; }), bytes + Hex("0000"));
 }
 
 TEST(Archive, RefusesWhatItCouldNotDo) {
     CMemFile file;
-    CArchive storing(&file, CArchive::store);
-    CArchive loading(&file, CArchive::load);
-    int number = 7;
-    EXPECT_EQ(CauseOf([&] { storing >> number; }), CArchiveException::writeOnly);
-    EXPECT_EQ(CauseOf([&] { loading << number; }), CArchiveException::readOnly);
-    EXPECT_EQ(CauseOf([&] { storing.BytesLeft(); }), CArchiveException::writeOnly);
-    loading.Close();
-    EXPECT_EQ(CauseOf([&] { loading.BytesLeft(); }), CArchiveException::genericException);
+    CArchive storing(&file, CArchive::store), loading(&file, CArchive::load);
     const CUnregistered unregistered;
-    EXPECT_EQ(CauseOf([&] { storing << &unregistered; }), CArchiveException::badClass);
-    storing.Close();
-    EXPECT_EQ(CauseOf([&] { storing << number; }), CArchiveException::genericException);
-    EXPECT_EQ(CauseOf([] { const CArchive none(nullptr, CArchive::load); }), CArchiveException::genericException);
+    int number = 7;
+    for (const auto& [use, cause] : Cases<std::function<void()>, int>{
+             {[&] { storing >> number; }, Cause::writeOnly},
+             {[&] { loading << number; }, Cause::readOnly},
+             {[&] { storing.BytesLeft(); }, Cause::writeOnly},
+             {[&] { loading.Close(), loading.BytesLeft(); }, Cause::genericException},
+             {[&] { storing << &unregistered; }, Cause::badClass},
+             {[&] { storing.Close(), storing << number; }, Cause::genericException},
+             {[] { const CArchive none(nullptr, CArchive::load); }, Cause::genericException}}) {
+        EXPECT_EQ(CauseOf(use), cause);
+    }
     EXPECT_EQ(number, 7);
 }
 
@@ -393,9 +301,8 @@ TEST(Archive, CloseLeavesTheFileAtTheFirstByteNotConsumed) {
     const Bytes bytes(20000, 1);
     file.Write(bytes.data(), 20000);
     for (const UINT consumed : {0u, 1u, 4095u, 4096u, 4097u, 12000u, 20000u}) {
-        SCOPED_TRACE(consumed);
         file.Seek(0, CFile::begin);
-        Bytes read(30000);
+        Bytes read(30000, '\0');
         CArchive archive(&file, CArchive::load);
         EXPECT_EQ(archive.Read(read.data(), consumed / 3) + archive.Read(read.data(), consumed - consumed / 3),
                   consumed);
@@ -429,29 +336,21 @@ public:
 TEST(Archive, WithoutALengthMemoryGrowsWithWhatArrives) {
     const Bytes bytes = Hex("FFFFFFFFFFFF7F") + Bytes(100000, 'x');
     CLineFile file;
-    file.Attach(bytes.data(), static_cast<UINT>(bytes.size()));
-    EXPECT_THROW(
-        {
-            CArchive archive(&file, CArchive::load);
-            ReadText(archive);
-        },
-        CArchiveException);
+    file.Attach(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));
+    CString text;
+    EXPECT_THROW(CArchive(&file, CArchive::load) >> text, CArchiveException);
     EXPECT_LE(file.largest, 64u * 1024);
 }
 
 TEST(Archive, DestructorTellsLostBytesUnlessAnExceptionIsUnderWay) {
     CLineFile file;
-    EXPECT_THROW({ CArchive(&file, CArchive::store) << 1; }, CFileException);
-    EXPECT_THROW(
-        {
-            CArchive archive(&file, CArchive::store);
-            archive << 1;
-            throw qel::DataError("first");
-        },
-        qel::DataError);
-    EXPECT_EQ(qel::AsResult([&] {
-                  CArchive(&file, CArchive::store) << 1;
-                  return 1;
-              }),
-              0);
+    const auto store = [&] { return CArchive(&file, CArchive::store) << 1, 1; };
+    EXPECT_THROW(store(), CFileException);
+    EXPECT_EQ(qel::AsResult(store), 0);
+    const auto storeAndThrow = [&] {
+        CArchive archive(&file, CArchive::store);
+        archive << 1;
+        throw qel::DataError("first");
+    };
+    EXPECT_THROW(storeAndThrow(), qel::DataError);
 }

@@ -97,16 +97,16 @@ TEST(File, TellsWhyItCannotOpen) {
     ::chmod(folder.Posix("fixed").c_str(), 0444);
     ASSERT_EQ(::mkfifo(folder.Posix("pipe").c_str(), 0600), 0);
     using Cause = CFileException;
-    for (const auto& [name, flags, cause, code] :
-         Cases<std::string, UINT, int, LONG>{{folder.Name("none"), kRead, Cause::fileNotFound, 2},
-                                             {folder.Name("none/none"), kRead | kCreate, Cause::badPath, 3},
-                                             {folder.Name("file/none"), kRead, Cause::badPath, 3},
-                                             {folder.Name(""), kRead, Cause::accessDenied, 5},
-                                             {folder.Name("pipe"), kRead, Cause::accessDenied, 5},
-                                             {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
-                                             {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5},
-                                             {"", kRead, Cause::badPath, 3},
-                                             {std::string(260, 'x'), kRead, Cause::badPath, 206}}) {
+    // clang-format off
+    const Cases<std::string, UINT, int, LONG> cases = {
+        {folder.Name("none"), kRead, Cause::fileNotFound, 2},
+        {folder.Name("none/none"), kRead | kCreate, Cause::badPath, 3},
+        {folder.Name("file/none"), kRead, Cause::badPath, 3}, {folder.Name(""), kRead, Cause::accessDenied, 5},
+        {folder.Name("pipe"), kRead, Cause::accessDenied, 5}, {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
+        {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5}, {"", kRead, Cause::badPath, 3},
+        {std::string(260, 'x'), kRead, Cause::badPath, 206}};
+    // clang-format on
+    for (const auto& [name, flags, cause, code] : cases) {
         CFileException error;
         EXPECT_FALSE(CFile().Open(name.c_str(), flags, &error));
         EXPECT_TRUE(error.m_cause == cause && error.m_strFileName == name.c_str()) << name;

@@ -82,28 +82,24 @@ TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
 }
 
 TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
-    for (const auto& [before, section, key, value, after] :
-         Cases<const char*, const char*, const char*, const char*, const char*>{
-             {"", "s", "k", "v", "[s]\r\nk=v\r\n"},
-             {"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
-             {"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"},
-             {"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
-             {"[s]\nk=1\nK=2\n", "s", "K", "3", "[s]\nk=3\nK=2\n"},
-             {"[s]\nk=1\n\n \n[t]\n", "s", " l ", "2", "[s]\nk=1\nl=2\r\n\n \n[t]\n"},
-             {"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"},
-             {"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
-             {"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
-             {"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
-             {"[s]\r\nk=1\r\n", "t", "k", "v", "[s]\r\nk=1\r\n[t]\r\nk=v\r\n"},
-             {"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
-             {"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
-             {"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"},
-             {"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
-             {"[s]\nk=1\n", "s", "missing", nullptr, "[s]\nk=1\n"},
-             {"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"},
-             {"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
-             {"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"},
-         }) {
+    // clang-format off
+    const Cases<const char*, const char*, const char*, const char*, const char*> cases = {
+        {"", "s", "k", "v", "[s]\r\nk=v\r\n"}, {"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
+        {"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"}, {"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
+        {"[s]\nk=1\nK=2\n", "s", "K", "3", "[s]\nk=3\nK=2\n"},
+        {"[s]\nk=1\n\n \n[t]\n", "s", " l ", "2", "[s]\nk=1\nl=2\r\n\n \n[t]\n"},
+        {"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"}, {"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
+        {"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
+        {"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
+        {"[s]\r\nk=1\r\n", "t", "k", "v", "[s]\r\nk=1\r\n[t]\r\nk=v\r\n"},
+        {"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
+        {"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
+        {"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"}, {"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
+        {"[s]\nk=1\n", "s", "missing", nullptr, "[s]\nk=1\n"},
+        {"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"}, {"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
+        {"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"}};
+    // clang-format on
+    for (const auto& [before, section, key, value, after] : cases) {
         SCOPED_TRACE(before);
         Write(before);
         EXPECT_TRUE(Set(section, key, value));
@@ -115,12 +111,11 @@ TEST_F(IniFile, WritesWholeSections) {
     EXPECT_TRUE(Set("App1", "gone", nullptr));
     EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
     Write("[App1]\nkey=v\n[App2]\n;c\nkey4=v\n\n[App3]\nkey5=v");
+    // clang-format off
     const Cases<const char*, std::string, bool> cases = {
-        {"app2", "a=1\0Nul=C:\\x\0bare\0"s + '\0' + "behind the end", true},
-        {"App4", "b=2\0"s, true},
-        {"App3", "", true},
-        {"App4", "b=3\0[App1]\0"s, false},
-        {nullptr, "b=3\0"s, false}};
+        {"app2", "a=1\0Nul=C:\\x\0bare\0"s + '\0' + "behind the end", true}, {"App4", "b=2\0"s, true},
+        {"App3", "", true}, {"App4", "b=3\0[App1]\0"s, false}, {nullptr, "b=3\0"s, false}};
+    // clang-format on
     for (const auto& [section, entries, result] : cases) {
         EXPECT_EQ(qel::WriteProfileSection(section, entries, m_name.c_str()), result) << entries;
     }

@@ -8,42 +8,26 @@
 
 #include "qellib10/platform/text/string_array.h"
 
-TEST(String, SearchesNeverMatchATrailByte) {
-    CString text("\x83\x5C\\\x95\x5C");  // the trail bytes are backslashes too
-    EXPECT_EQ(text.ReverseFind('\\'), 2);
-    EXPECT_EQ(text.FindOneOf("x\\"), 2);
-    EXPECT_EQ(text.Replace('\\', '/'), 1);
-    EXPECT_EQ(text, "\x83\x5C/\x95\x5C");
-}
-
-TEST(String, SearchesStartInsideTheText) {
+TEST(String, SearchesAndCutsWithinItsBounds) {
     const CString text("a.b");
     for (const int outside : {4, -1, INT_MAX, INT_MIN}) {
-        EXPECT_EQ(text.Find('.', outside), -1);
-        EXPECT_EQ(text.Find("", outside), -1);
+        EXPECT_TRUE(text.Find('.', outside) == -1 && text.Find("", outside) == -1) << outside;
     }
-    EXPECT_EQ(text.Find('.', 1), 1);
-    EXPECT_EQ(text.Find("", 3), 3);
+    EXPECT_TRUE(text.Find('.', 1) == 1 && text.Find("", 3) == 3 && text.GetAt(3) == '\0' && text[-1] == '\0');
+    EXPECT_TRUE(text.Right(2) == ".b" && text.Mid(1, INT_MAX) == ".b" && text.Mid(-5, 1) == "a");
+    EXPECT_TRUE(text.Left(-1) == "" && text.Right(INT_MIN) == "" && text.Mid(4) == "");
 }
 
-TEST(String, CutsWithinItsBounds) {
-    const CString text("abc");
-    EXPECT_EQ(text.Left(-1), "");
-    EXPECT_EQ(text.Right(2), "bc");
-    EXPECT_EQ(text.Right(INT_MIN), "");
-    EXPECT_EQ(text.Mid(1, INT_MAX), "bc");
-    EXPECT_EQ(text.Mid(-5, 1), "a");
-    EXPECT_EQ(text.Mid(4), "");
-    EXPECT_EQ(text.GetAt(3), '\0');
-    EXPECT_EQ(text[-1], '\0');
-}
-
-TEST(String, ReplacesFromLeftToRight) {
+TEST(String, ReplacesFromLeftToRightAndNeverATrailByte) {
+    CString path("\x83\x5C\\\x95\x5C");  // the trail bytes are backslashes too
+    EXPECT_TRUE(path.ReverseFind('\\') == 2 && path.FindOneOf("x\\") == 2);
+    EXPECT_EQ(path.Replace('\\', '/'), 1);
+    EXPECT_EQ(path, "\x83\x5C/\x95\x5C");
+    // clang-format off
     const std::vector<std::tuple<CString, const char*, const char*, int, const char*>> cases = {
-        {"aaa", "aa", "aaa", 1, "aaaa"},
-        {"aXbX", "X", nullptr, 2, "ab"},
-        {"a", nullptr, "b", 0, "a"},
+        {"aaa", "aa", "aaa", 1, "aaaa"}, {"aXbX", "X", nullptr, 2, "ab"}, {"a", nullptr, "b", 0, "a"},
         {"\x83\x5C\x5C", "\x5C", "//", 1, "\x83\x5C//"}};
+    // clang-format on
     for (auto [text, old, replacement, count, result] : cases) {
         EXPECT_EQ(text.Replace(old, replacement), count);
         EXPECT_EQ(text, result);
@@ -51,13 +35,13 @@ TEST(String, ReplacesFromLeftToRight) {
 }
 
 TEST(String, TrimsCharacters) {
+    // clang-format off
     const std::vector<std::tuple<CString, const char*, const char*>> cases = {
         {" \t\v\f\r\nx \t", nullptr, "x"},
         {" \x81\x40 x\x83 ", nullptr, "\x81\x40 x\x83"},  // a blank is a blank, also behind half a character
-        {"  ", nullptr, ""},
-        {"\\\x83\x5C\\\\", "\\", "\x83\x5C"},
-        {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},
+        {"  ", nullptr, ""}, {"\\\x83\x5C\\\\", "\\", "\x83\x5C"}, {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},
         {"x\x83", "\x83\x5C", "x\x83"}};
+    // clang-format on
     for (auto [text, set, trimmed] : cases) {
         set != nullptr ? text.TrimLeft(set) : text.TrimLeft();
         set != nullptr ? text.TrimRight(set) : text.TrimRight();

@@ -35,12 +35,12 @@ DWORD WaitInThread(HANDLE mutex, DWORD milliseconds, bool release) {
 TEST(NamedObjects, NamesAreTheSystems) {
     const CodePageScope japanese(qel::kCodePageJapanese);
     const std::string own = NameOfOurOwn("name"), longName = std::string(259 - own.size(), '/') + own;
+    // clang-format off
     const Cases<DWORD, std::vector<std::string>> cases = {
         {0, {own, own + "/../../x", own + "MM::x.%41 \n\x7f\xff", longName + "a", longName + "b"}},
         {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // the trail byte is no backslash
-        {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}},
-        {6, {"Local\\"}},
-        {206, {longName + "bc"}}};
+        {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}}, {6, {"Local\\"}}, {206, {longName + "bc"}}};
+    // clang-format on
     for (const auto& [error, names] : cases) {
         for (const std::string& name : names) {  // all are kept, so each is another's only if it were the same
             SCOPED_TRACE(name);

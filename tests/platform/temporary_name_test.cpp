@@ -7,14 +7,11 @@
 #include "../support/run_at_once.h"
 #include "../support/temp_folder.h"
 
-TEST(TemporaryName, FolderComesFromTheEnvironment) {
+TEST(TemporaryName, IsBuiltFromItsPartsOrSaysWhyNot) {
     const EnvironmentScope first("TMPDIR", "relative"), second("TMP", "/var//tmp/"), third("TEMP", "/never");
     EXPECT_EQ(qel::TemporaryFolder(), "\\var\\tmp\\");
     const EnvironmentScope none("TMP", nullptr), neither("TEMP", nullptr);
     EXPECT_EQ(qel::TemporaryFolder(), "\\tmp\\");
-}
-
-TEST(TemporaryName, IsBuiltFromItsPartsOrSaysWhyNot) {
     EXPECT_EQ(qel::TemporaryName("\\no", "abcdef", 0x1A), "\\no\\abc001A.TMP");
     EXPECT_EQ(qel::TemporaryName("no/", "ab\x83\x5C", 0xFFFF), "no/abFFFF.TMP");  // never half a character
     EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");       // its trail byte is no separator

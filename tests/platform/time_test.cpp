@@ -4,33 +4,16 @@
 
 #include <time.h>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <string>
 
 #include "qellib10/platform/time/ole_date_time.h"
 #include "qellib10/tests/support/cases.h"
-
-namespace {
-
-// A time zone for the life of the object.
-class Zone {
-public:
-    explicit Zone(const char* name) : m_previous(std::getenv("TZ") != nullptr ? std::getenv("TZ") : "") { Set(name); }
-    ~Zone() { Set(m_previous.c_str()); }
-
-private:
-    static void Set(const char* name) {
-        *name != '\0' ? setenv("TZ", name, 1) : unsetenv("TZ");
-        tzset();
-    }
-    std::string m_previous;
-};
-
-}  // namespace
+#include "qellib10/tests/support/environment_scope.h"
 
 TEST(Time, FieldsAreLocal) {
-    const Zone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    const EnvironmentScope zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    ::tzset();
     const CTime summer(2026, 7, 14, 9, 5, 7);
     EXPECT_EQ(summer.GetTime(), 1784012707);
     EXPECT_EQ(summer.GetYear() * 10000 + summer.GetMonth() * 100 + summer.GetDay(), 20260714);

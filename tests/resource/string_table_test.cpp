@@ -9,15 +9,12 @@
 #include "../support/code_page_scope.h"
 
 TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
+    // clang-format off
     const std::vector<std::tuple<UINT, UINT, const char*, const char*>> cases = {
-        {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"},
-        {2053, 1252, "\xB5g/L", "\xB5g/L"},
-        {2076, 932, "s", "\x95\x62"},
-        {2075, 65001, "\u00B0C", "\u2103"},
-        {27010, 932, "None", "\x82\xC8\x82\xB5"},
-        {28001, 932, "\r\n", "\r\n"},
-        {28002, 932, ",", ","},
-        {28003, 932, "\"", "\""}};
+        {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"}, {2053, 1252, "\xB5g/L", "\xB5g/L"}, {2076, 932, "s", "\x95\x62"},
+        {2075, 65001, "\u00B0C", "\u2103"}, {27010, 932, "None", "\x82\xC8\x82\xB5"}, {28001, 932, "\r\n", "\r\n"},
+        {28002, 932, ",", ","}, {28003, 932, "\"", "\""}};
+    // clang-format on
     for (const auto& [id, page, english, japanese] : cases) {
         const CodePageScope scope(page);
         qel::SetTableLanguage(qel::Language::Japanese);

@@ -29,3 +29,22 @@ template <class File = CMemFile, class T> int Load(T& object, const std::string&
         return -exception.m_cause;
     }
 }
+
+/// Writes the values to an archive that stores, or reads them.
+template <class... Values> void Exchange(CArchive& archive, Values&... values) {
+    if (archive.IsStoring()) {
+        (archive << ... << values);
+    } else {
+        (archive >> ... >> values);
+    }
+}
+
+/// Makes T a class that can be archived, by the name and schema that it has.
+template <class T, class Base> class Archived : public Base {
+public:
+    static const CRuntimeClass* GetThisClass() {
+        static const CRuntimeClass theClass = qel::DescribeClass<T, Base>(T::kName, T::kSchema);
+        return &theClass;
+    }
+    const CRuntimeClass* GetRuntimeClass() const override { return GetThisClass(); }
+};
