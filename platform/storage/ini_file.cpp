@@ -128,9 +128,4 @@ bool AddProfileEntry(const char* section, std::string_view entry, const char* fi
     });
 }
 
-bool WriteProfileSection(const char* section, std::string_view entries, const char* file) {
-    if (section == nullptr) return false;
-    return Rewrite(file, [&](std::string_view bytes) { return WithIniEntries(bytes, section, entries); });
-}
-
 }  // namespace qel

@@ -38,10 +38,6 @@ QELLIB10_API std::string ReadProfileSection(const char* section, DWORD size, con
 /// be found again, and when the file cannot be replaced; its folder must exist
 QELLIB10_API bool WriteProfileString(const char* section, const char* key, const char* value, const char* file);
 
-/// Puts @p entries, in the form that ReadProfileSection gives, in the place of all lines of the section.
-/// @return as WriteProfileString
-QELLIB10_API bool WriteProfileSection(const char* section, std::string_view entries, const char* file);
-
 /// Puts @p entry, a line of the form name=value, behind the last one of the section; others of its name stay.
 /// @return as WriteProfileString
 QELLIB10_API bool AddProfileEntry(const char* section, std::string_view entry, const char* file);

@@ -1,15 +1,11 @@
 #include "qellib10/base/base64.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <fstream>
 #include <random>
-#include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
+#include "../support/test.h"
 #include "qellib10/base/base64_avx2.h"
 #include "qellib10/base/base64_plain.h"
 

@@ -1,13 +1,10 @@
 #include "qellib10/base/q_binary.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <climits>
-#include <string>
 
 #include "../support/archive_bytes.h"
-#include "../support/cases.h"
+#include "../support/test.h"
 
 namespace {
 

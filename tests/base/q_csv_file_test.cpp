@@ -1,15 +1,12 @@
 #include "qellib10/base/q_csv_file.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
-#include <string>
 
-#include "../support/cases.h"
 #include "../support/child_process.h"
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/platform/text/string_table.h"
 
 namespace {

@@ -1,16 +1,12 @@
 #include "qellib10/base/q_variant.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
 
 #include "qellib10/resource/string_ids.h"
 
-#include "../support/cases.h"
 #include "../support/code_page_scope.h"
+#include "../support/test.h"
 
 namespace {
 

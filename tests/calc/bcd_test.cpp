@@ -1,13 +1,9 @@
 #include "qellib10/calc/bcd.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
 
-#include "qellib10/tests/support/cases.h"
+#include "../support/test.h"
 
 static_assert(std::is_trivially_copyable_v<CBCD>);
 

@@ -1,20 +1,16 @@
 #include "qellib10/calc/calc_variable_list.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <memory>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "qellib10/base/q_variant.h"
 #include "qellib10/calc/qw_calc.h"
 #include "qellib10/platform/text/multibyte.h"
 
 #include "../support/archive_bytes.h"
-#include "../support/cases.h"
 #include "../support/code_page_scope.h"
+#include "../support/test.h"
 
 namespace {
 

@@ -1,11 +1,7 @@
 #include "qellib10/calc/qw_calc.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "../support/cases.h"
 #include "../support/code_page_scope.h"
+#include "../support/test.h"
 
 namespace {
 

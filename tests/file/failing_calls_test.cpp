@@ -1,7 +1,7 @@
 #include "../support/failing_calls.h"
+#include "../support/test.h"
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,8 +11,6 @@
 #include <numeric>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "../support/environment_scope.h"
 #include "../support/temp_folder.h"

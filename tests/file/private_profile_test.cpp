@@ -1,14 +1,11 @@
 #include "qellib10/file/private_profile.h"
 
-#include <gtest/gtest.h>
-
 #include <random>
-#include <string>
 
-#include "../support/cases.h"
 #include "../support/child_process.h"
 #include "../support/full_disk.h"
 #include "../support/registry_scope.h"
+#include "../support/test.h"
 #include "qellib10/runtime/system_info.h"
 
 namespace {

@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <initializer_list>
-#include <string>
-#include <utility>
 
 #include "../support/environment_scope.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/runtime/system_info.h"
 

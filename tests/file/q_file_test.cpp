@@ -1,14 +1,10 @@
 #include "qellib10/file/q_file.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "../support/cases.h"
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 
 namespace {
 

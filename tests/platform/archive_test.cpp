@@ -1,16 +1,11 @@
 #include "qellib10/platform/archive/archive.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <functional>
 #include <span>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "../support/archive_bytes.h"
-#include "../support/cases.h"
+#include "../support/test.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/mem_file.h"
@@ -97,10 +92,10 @@ const Bytes kNewLinked = Hex("FFFF 0000 0600 4C696E6B6564");
 const Bytes kOneAndAHalf = Hex("000000000000F83F");
 const Bytes kZero(8, '\0');
 
-void ReadReading(CArchive& archive) {
-    CReading* reading = nullptr;
-    archive >> reading;
-    delete reading;
+void ReadObject(CArchive& archive) {
+    CObject* object = nullptr;
+    archive >> object;
+    delete object;
 }
 
 }  // namespace
@@ -245,18 +240,18 @@ TEST(Archive, DamagedObjectHeadersEndInTheirCause) {
     // clang-format on
     const int alive = CReading::alive;
     for (const auto& [title, bytes, cause] : cases) {
-        const auto read = [](CArchive& archive) { ReadReading(archive), ReadReading(archive); };
+        const auto read = [](CArchive& archive) { ReadObject(archive), ReadObject(archive); };
         EXPECT_EQ(CauseOf(one + bytes, read), cause) << title;
     }
     CLinkedReading* linked = nullptr;
     EXPECT_EQ(CauseOf(one, [&](CArchive& archive) { archive >> linked; }), Cause::badClass);
     const auto readAgain = [](CArchive& archive) {  // an object that was given up cannot be named
-        EXPECT_THROW(ReadReading(archive), CArchiveException);
-        ReadReading(archive);
+        EXPECT_THROW(ReadObject(archive), CArchiveException);
+        ReadObject(archive);
     };
     EXPECT_EQ(CauseOf(kNewLinked + kOneAndAHalf + Hex("0500 0200"), readAgain), Cause::badIndex);
     for (int length = 0; length < static_cast<int>(one.size()); ++length) {
-        EXPECT_EQ(CauseOf(Bytes(one.begin(), one.begin() + length), ReadReading), Cause::endOfFile);
+        EXPECT_EQ(CauseOf(Bytes(one.begin(), one.begin() + length), ReadObject), Cause::endOfFile);
     }
     EXPECT_EQ(CReading::alive, alive) << "every object made until then is gone again";
 }

@@ -1,14 +1,11 @@
 #include "qellib10/platform/text/code_page.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <exception>
-#include <tuple>
-#include <vector>
 
 #include "../support/code_page_scope.h"
 #include "../support/run_at_once.h"
+#include "../support/test.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/text/converter.h"
 #include "qellib10/platform/text/multibyte.h"

@@ -1,17 +1,15 @@
 #include "qellib10/platform/storage/ini_file.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <string>
 #include <thread>
 
-#include "../support/cases.h"
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/run_at_once.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/platform/storage/file.h"
 
 namespace {
@@ -82,6 +80,8 @@ TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
 }
 
 TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
+    EXPECT_TRUE(Set("s", "gone", nullptr));
+    EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
     // clang-format off
     const Cases<const char*, const char*, const char*, const char*, const char*> cases = {
         {"", "s", "k", "v", "[s]\r\nk=v\r\n"}, {"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
@@ -107,21 +107,6 @@ TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
     }
 }
 
-TEST_F(IniFile, WritesWholeSections) {
-    EXPECT_TRUE(Set("App1", "gone", nullptr));
-    EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
-    Write("[App1]\nkey=v\n[App2]\n;c\nkey4=v\n\n[App3]\nkey5=v");
-    // clang-format off
-    const Cases<const char*, std::string, bool> cases = {
-        {"app2", "a=1\0Nul=C:\\x\0bare\0"s + '\0' + "behind the end", true}, {"App4", "b=2\0"s, true},
-        {"App3", "", true}, {"App4", "b=3\0[App1]\0"s, false}, {nullptr, "b=3\0"s, false}};
-    // clang-format on
-    for (const auto& [section, entries, result] : cases) {
-        EXPECT_EQ(qel::WriteProfileSection(section, entries, m_name.c_str()), result) << entries;
-    }
-    EXPECT_EQ(Bytes(), "[App1]\nkey=v\n[App2]\na=1\r\nNul=C:\\x\r\nbare\r\n\n[App3]\n[App4]\r\nb=2\r\n");
-}
-
 TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
     const std::string before = "[s]\nk=1\n[open=1\n";
     Write(before);
@@ -129,9 +114,11 @@ TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
         {nullptr, "k", "v"}, {"s", "k", "a\nb"}, {"s", "k", "a\rb"}, {"s", "x\n[y]", "v"},     {"x]\r\n[y", "k", "v"},
         {"s", "a=b", "v"},   {"s", ";k", "v"},   {"s", "[k]", "v"},  {"broken\x83", "k", "v"}, {"s", "[open", "a]"}};
     for (const auto& [section, key, value] : cases) EXPECT_FALSE(Set(section, key, value)) << key;
+    for (const auto& [section, entry] : {std::pair("s", "[t]"), {nullptr, "k=2"}}) {
+        EXPECT_FALSE(qel::AddProfileEntry(section, entry, m_name.c_str()));
+    }
     EXPECT_EQ(Bytes(), before);
 
-    using namespace std::string_literals;
     const std::string utf16 = "\xFF\xFE[\0s\0]\0\n\0k\0=\0h0\n\0"s;  // the value is one Japanese letter
     Write(utf16);
     EXPECT_EQ(Value("s", "k"), "\x82\xC6");

@@ -1,11 +1,7 @@
 #include "qellib10/platform/text/multibyte.h"
 
-#include <gtest/gtest.h>
-
-#include <tuple>
-#include <vector>
-
 #include "../support/code_page_scope.h"
+#include "../support/test.h"
 
 using namespace std::string_view_literals;
 

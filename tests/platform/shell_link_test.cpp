@@ -1,16 +1,13 @@
 #include "qellib10/platform/shell/shell_link.h"
 
-#include <gtest/gtest.h>
 #include <stdio.h>
 
 #include <algorithm>
-#include <string>
-#include <utility>
 
-#include "../support/cases.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/platform/storage/make_folders.h"
 
 namespace {

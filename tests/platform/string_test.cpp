@@ -1,11 +1,8 @@
 #include "qellib10/platform/text/string.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <tuple>
-#include <vector>
 
+#include "../support/test.h"
 #include "qellib10/platform/text/string_array.h"
 
 TEST(String, SearchesAndCutsWithinItsBounds) {

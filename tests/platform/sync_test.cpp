@@ -1,17 +1,14 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "../support/cases.h"
 #include "../support/child_process.h"
 #include "../support/code_page_scope.h"
 #include "../support/shared_state.h"
+#include "../support/test.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/platform/sync/shared_memory.h"
 

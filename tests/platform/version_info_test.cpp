@@ -1,14 +1,11 @@
 #include "qellib10/platform/shell/version_info.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <string>
 
-#include "../support/cases.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "../support/version_law.h"
 
 namespace {

@@ -2,15 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
-#include <tuple>
-#include <vector>
 
+#include "../support/cases.h"
 #include "../support/code_page_scope.h"
+#include "../support/environment_scope.h"
+#include "qellib10/runtime/qel_resource.h"
 
 TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
     // clang-format off
-    const std::vector<std::tuple<UINT, UINT, const char*, const char*>> cases = {
+    const Cases<UINT, UINT, const char*, const char*> cases = {
         {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"}, {2053, 1252, "\xB5g/L", "\xB5g/L"}, {2076, 932, "s", "\x95\x62"},
         {2075, 65001, "\u00B0C", "\u2103"}, {27010, 932, "None", "\x82\xC8\x82\xB5"}, {28001, 932, "\r\n", "\r\n"},
         {28002, 932, ",", ","}, {28003, 932, "\"", "\""}};
@@ -22,13 +24,9 @@ TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
         qel::SetTableLanguage(qel::Language::English);
         EXPECT_EQ(qel::LookUpString(id), CString(english));
     }
-}
-
-TEST(StringTable, AnswersTheEmptyTextForWhatIsMissing) {
     for (const UINT id : {0U, 2047U, 2080U, 28004U, 0xFFFFFFFFU}) {
         CString text("before");
-        EXPECT_EQ(text.LoadString(id), 0);
-        EXPECT_EQ(text, "");
+        EXPECT_TRUE(text.LoadString(id) == 0 && text == "" && CQELResource::GetUnitText(id) == "") << id;
     }
 }
 
@@ -46,15 +44,32 @@ TEST(StringTable, AnApplicationsTextsWinAndMayHaveOneLanguage) {
 
 TEST(StringTableDeathTest, TakesLanguageAndCodePageFromTheEnvironment) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // the program runs afresh, so it reads the environment again
-    const std::vector<std::tuple<const char*, const char*, int>> cases = {{"ja", "1252", 1252 + 1}, {"fr", "437", 932}};
-    for (const auto& [language, page, expected] : cases) {
-        setenv("QELLIB10_LANGUAGE", language, 1);
-        setenv("QELLIB10_CODEPAGE", page, 1);
-        const auto found = [] {
-            return static_cast<int>(qel::CodePage()) + (qel::TableLanguage() == qel::Language::Japanese);
-        };
-        EXPECT_EXIT(std::exit(found() == expected ? 0 : 1), testing::ExitedWithCode(0), "") << language;
+    for (const auto& [language, page, japanese, codePage] :
+         Cases<const char*, const char*, bool, UINT>{{"ja", "1252", true, 1252}, {"fr", "437", false, 932}}) {
+        const EnvironmentScope itsLanguage("QELLIB10_LANGUAGE", language), itsPage("QELLIB10_CODEPAGE", page);
+        EXPECT_EXIT(
+            std::exit((qel::TableLanguage() == qel::Language::Japanese) == japanese && qel::CodePage() == codePage ? 0
+                                                                                                                   : 1),
+            testing::ExitedWithCode(0), "")
+            << language;
     }
-    unsetenv("QELLIB10_LANGUAGE");
-    unsetenv("QELLIB10_CODEPAGE");
+}
+
+TEST(QelResource, UnitsAreFoundByTheirTextsAndModelsByTheirIndex) {
+    for (const auto language : {qel::Language::Japanese, qel::Language::English}) {
+        qel::SetTableLanguage(language);
+        for (int i = 0; i < CQELResource::GetUnitCount(); ++i) {
+            EXPECT_EQ(CQELResource::GetUnitID(CQELResource::GetUnitText(2048 + static_cast<UINT>(i))), 2048 + i);
+        }
+    }
+    EXPECT_TRUE(CQELResource::GetUnitCount() == 32 && CQELResource::GetUnitText(2056) == "mol/L");
+    // "None" is a text of the table, but no unit.
+    EXPECT_EQ(CQELResource::GetUnitText(27010), "");
+    for (const char* text : {"None", "MOL/L", "", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(CQELResource::GetUnitID(text), -1);
+    }
+    for (int i = 0; i < CQELResource::GetModelCount(); ++i) EXPECT_NE(CQELResource::GetModelName(i), "");
+    for (const int index : {-1, CQELResource::GetModelCount(), INT_MAX, INT_MIN}) {
+        EXPECT_EQ(CQELResource::GetModelName(index), "");
+    }
 }
