@@ -30,54 +30,46 @@
 
 namespace {
 
+enum class About { kNames, kSizes, kBytes };
+
 // A folder with the files that an operation finds.
-class Place {
+class Place : public TempFolder {
 public:
-    Place() {
+    Place() : TempFolder("/dev/shm") {  // where a flush costs nothing
         Write("a", "new");
         Write("b", "former");
         for (const char* name : {"a", "b"}) ::chmod(Posix(name).c_str(), 0604);
     }
-    void Write(const std::string& name, const std::string& bytes) const { m_folder.Write(name, bytes); }
-    std::string Read(const std::string& name) const { return m_folder.Read(name); }
-    std::string Posix(const std::string& name) const { return m_folder.Posix(name); }
 
-    // Names and access rights of the files, and what @p look says about each, but for the file @p ignored.
-    template <class Look> std::string Files(Look&& look, const std::string& ignored = "") const {
+    // Names and access rights of the files, and what is asked for about each, but for the file @p ignored.
+    std::string Files(About about, const std::string& ignored = "") const {
         std::set<std::string> files;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder.Posix())) {
-            const std::string name = entry.path().lexically_relative(m_folder.Posix());
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Posix())) {
+            const std::string name = entry.path().lexically_relative(Posix());
             const auto rights = static_cast<unsigned>(entry.status().permissions());
-            if (name != ignored) files.insert(name + ' ' + std::to_string(rights) + ' ' + look(name) + '\n');
+            const std::string bytes = about == About::kNames ? "" : Read(name);
+            if (name == ignored) continue;
+            files.insert(name + ' ' + std::to_string(rights) + ' ' +
+                         (about == About::kSizes ? std::to_string(bytes.size()) : bytes) + '\n');
         }
         return std::accumulate(files.begin(), files.end(), std::string());
     }
-    std::string Names(const std::string& ignored = "") const {
-        return Files([](const std::string&) { return ""; }, ignored);
-    }
 
 private:
-    TempFolder m_folder{"/dev/shm"};  // where a flush costs nothing
-    EnvironmentScope m_registry{"QELLIB10_REGISTRY_DIR", m_folder.Posix().c_str()};
-    EnvironmentScope m_state{"QELLIB10_STATE_DIR", m_folder.Posix().c_str()};
-    EnvironmentScope m_temporary{"TMPDIR", m_folder.Posix().c_str()};
+    EnvironmentScope m_registry{"QELLIB10_REGISTRY_DIR", Posix().c_str()};
+    EnvironmentScope m_state{"QELLIB10_STATE_DIR", Posix().c_str()};
+    EnvironmentScope m_temporary{"TMPDIR", Posix().c_str()};
 
 public:
-    const CString a = m_folder.Path("a"), b = m_folder.Path("b"), c = m_folder.Path("c"), tree = m_folder.Path("x/y");
+    const CString a = Path("a"), b = Path("b"), c = Path("c"), tree = Path("x/y");
 };
 
 using At = const Place&;
 
-std::string Bytes(At at) {
-    return at.Files([&](const std::string& name) { return at.Read(name); });
-}
-std::string BytesButA(At at) {
-    return at.Files([&](const std::string& name) { return at.Read(name); }, "a");
-}
-std::string Sizes(At at) {
-    return at.Files([&](const std::string& name) { return std::to_string(at.Read(name).size()); });
-}
-std::string Names(At at) { return at.Names(); }
+std::string Bytes(At at) { return at.Files(About::kBytes); }
+std::string BytesButA(At at) { return at.Files(About::kBytes, "a"); }
+std::string Sizes(At at) { return at.Files(About::kSizes); }
+std::string Names(At at) { return at.Files(About::kNames); }
 std::string NewIsThere(At at) { return Bytes(at).find("new") != std::string::npos ? "there" : "lost"; }
 void Nothing(At) {}
 
@@ -86,7 +78,7 @@ std::string Lines(At at) {
     std::istringstream log(at.Read("a"));
     std::string lines;
     for (std::string line; std::getline(log, line);) lines += line.substr(line.find(',') + 1) + '|';
-    return lines + at.Names();
+    return lines + Names(at);
 }
 
 // What a sealed file says, the bytes of one that is none.
@@ -110,7 +102,7 @@ std::string Values(At at) {
     for (const char* end : {"", ".bak"}) {
         for (const char* name : {"x", "y"}) values += Registry(end).Get("s", name, "-").View();
     }
-    return values + at.Names("current-user.db");
+    return values + at.Files(About::kNames, "current-user.db");
 }
 void SetX(At) { Registry().Set("s", "x", "1"); }
 void SetBackup(At at) {
@@ -183,9 +175,9 @@ const Operation kOperations[] = {
      Names},
     {"MoveAtRestart", [](At at) { return CQFile::MoveFileReboot(at.a, at.b, nullptr, 0) >= 0; }, NewIsThere},
     {"DeleteAtRestart", [](At) { return CQFile::DeleteFileReboot("\\x", 0) == 1; },
-     [](At at) { return std::to_string(qel::RestartQueue::OfUser().Waiting().size()) + at.Names(); }, Queue},
+     [](At at) { return std::to_string(qel::RestartQueue::OfUser().Waiting().size()) + Names(at); }, Queue},
     {"RunAtRestart", [](At) { return qel::RestartQueue::OfUser().Run([](const qel::RestartOperation&, int) {}), 1; },
-     [](At at) { return NewIsThere(at) + (at.Names().find(".tmp") == std::string::npos ? "" : ", new queue"); }, Queue},
+     [](At at) { return NewIsThere(at) + (Names(at).find(".tmp") == std::string::npos ? "" : ", new queue"); }, Queue},
     {"Shortcut", [](At at) { return CQFile::CreateShortcut(at.a, at.c, "d") >= 0; }, Sizes},
     {"DeleteShortcut", [](At at) { return CQFile::DeleteShortcut(at.c); }, Sizes,
      [](At at) { CQFile::CreateShortcut(at.a, at.c, "d"); }},

@@ -70,10 +70,10 @@ TEST(FilePlace, AnswersForTheSystemAndItsModules) {
     EXPECT_EQ(CQFile::GetModuleIniFile(library), CQFile::DeleteFileExt(CQFile::GetModuleFilePath(library)) + ".ini");
 
     const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "rel:/d:/e");
-    EXPECT_EQ(CQFile::GetStartupFolder(0), "\\c\\autostart");
-    EXPECT_EQ(CQFile::GetStartupFolder(1), "\\d\\autostart");
-    qel::SetSystemFamily(qel::SystemFamily::Win95);
-    EXPECT_EQ(CQFile::GetStartupFolder(1), "\\c\\autostart");
-    qel::SetSystemFamily(qel::SystemFamily::Nt);
-    EXPECT_EQ(CQFile::GetAppDataFolder(), "\\c\\");
+    EXPECT_EQ(CQFile::GetStartupFolder(0) + CQFile::GetAppDataFolder(), "\\c\\autostart\\c\\");
+    for (const auto& [family, common] :
+         {std::pair(qel::SystemFamily::Win95, "\\c\\autostart"), {qel::SystemFamily::Nt, "\\d\\autostart"}}) {
+        qel::SetSystemFamily(family);
+        EXPECT_EQ(CQFile::GetStartupFolder(1), common);
+    }
 }
