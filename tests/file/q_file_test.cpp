@@ -112,7 +112,8 @@ TEST_F(QFile, CopiesFromAndToOtherFiles) {
     // clang-format on
     for (const auto& [offset, count, expected, code] : cases) {
         Open("ab", CFile::modeReadWrite, 2);
-        EXPECT_EQ(CodeOf([&] { file.WriteFromFile(folder.Path("b"), offset, count); }), code) << expected;
+        EXPECT_EQ(CodeOf([&, from = offset, size = count] { file.WriteFromFile(folder.Path("b"), from, size); }), code)
+            << expected;
         EXPECT_EQ(file.GetPosition(), expected.size());
         EXPECT_EQ(folder.Read("a"), expected);
     }

@@ -58,7 +58,7 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
 
     for (const auto& [offset, from] :
          Cases<LONGLONG, UINT>{{-6, CFile::current}, {INT64_MAX, CFile::current}, {0, 3}}) {
-        EXPECT_EQ(CodeOf([&] { file.Seek(offset, from); }), 131) << offset;
+        EXPECT_EQ(CodeOf([&, by = offset, base = from] { file.Seek(by, base); }), 131) << offset;
     }
     EXPECT_EQ(file.GetPosition(), 5u);
 }
@@ -104,7 +104,7 @@ TEST(File, TellsWhyItCannotOpen) {
         EXPECT_FALSE(CFile().Open(name.c_str(), flags, &error));
         EXPECT_TRUE(error.m_cause == cause && error.m_strFileName == name.c_str()) << name;
         EXPECT_EQ(error.m_lOsError, code) << name;
-        EXPECT_EQ(CodeOf([&] { CFile(name.c_str(), flags); }), code) << name;
+        EXPECT_EQ(CodeOf([path = name.c_str(), mode = flags] { CFile(path, mode); }), code) << name;
     }
     EXPECT_FALSE(CFile().Open(nullptr, kRead));
 }

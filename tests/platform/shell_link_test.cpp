@@ -62,9 +62,9 @@ TEST(ShellLink, HasAnEntryWhereTheDesktopLooks) {
              {"a $1`b%c\"", "d/applications/odd", "/a \\\\$1\\\\`b%%c\\\\\"\"\nTerminal=false\n"},
              {"a document", "h/Tisch/doc", "/a%20document\n"},
              {"c", "h/Tisch/folder", "Type=Link\n"}}) {
-        const std::string link = folder.Name(file), entry = file + ".desktop";
+        const std::string link = folder.Name(file), entry = file + ".desktop", to = folder.Name(target);
         for (const char* again : {"new", "again"}) {
-            EXPECT_EQ(CodeOf([&] { qel::WriteShellLink(folder.Path(target).View(), link, comment); }), 0) << again;
+            EXPECT_EQ(CodeOf([&] { qel::WriteShellLink(to, link, comment); }), 0) << again;
         }
         EXPECT_NE(folder.Read(entry).find(expected), std::string::npos) << folder.Read(entry);
         EXPECT_EQ(Output("desktop-file-validate " + Quoted(folder.Posix(entry)) + " 2>&1"), "");
