@@ -151,7 +151,8 @@ TEST_F(History, EndsBelow4GiB) {
     EXPECT_EQ(fs::file_size(folder.Posix("c")) + fs::file_size(folder.Posix("e")) + 22, 0xFFFFFFFF);
 }
 
-// Version n has n bytes. Copies are made while registrations are under way.
+// Version n has n bytes. Copies are made while registrations are under way; one may get half of a header, and is
+// refused.
 TEST_F(History, OthersSeeWholeVersionsOrNone) {
     CHistoryCabinetFile cabinet;
     ASSERT_EQ(cabinet.Create(path) + Register(cabinet, "x"), 2);
@@ -161,11 +162,11 @@ TEST_F(History, OthersSeeWholeVersionsOrNone) {
         return 0;
     });
     DWORD whole = 0;
-    for (int i = 0; i < 200; ++i) {
+    for (int i = 0; i < 200 || (whole < 20 && i < 100'000); ++i) {
         CHistoryCabinetFile seen;
         EXPECT_EQ(seen.Open(path, 1), 0) << "open for writing";
         qel::CopyFile(path.View(), folder.Path("copy").View(), false);
-        ASSERT_EQ(seen.Open(folder.Path("copy"), 1), 1);
+        if (!seen.Open(folder.Path("copy"), 1)) continue;
         const DWORD count = seen.GetLatestVersion();
         for (DWORD n = count - std::min(count - 1, DWORD{2}); n <= count; ++n) {
             const std::string data = Version(seen, n);
@@ -173,5 +174,5 @@ TEST_F(History, OthersSeeWholeVersionsOrNone) {
             if (data != "none") whole = n;
         }
     }
-    EXPECT_GT(whole, 1u);
+    EXPECT_GE(whole, 20u);
 }
