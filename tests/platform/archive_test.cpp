@@ -101,25 +101,19 @@ void ReadObject(CArchive& archive) {
 }  // namespace
 
 TEST(Archive, ScalarsAreTheirBytesLowestFirst) {
-    const Bytes bytes = Written([](CArchive& archive) {
-        archive << BYTE{0xFE} << 'A' << true << WORD{0x0102} << short{-2} << 0x01020304 << UINT{0xFFFFFFFE} << 1.5F
-                << 1.5 << LONGLONG{-2} << COleDateTime(2001, 1, 1, 0, 0, 0);
-    });
+    std::tuple written(BYTE{0xFE}, 'A', true, WORD{0x0102}, short{-2}, 0x01020304, UINT{0xFFFFFFFE}, 1.5F, 1.5,
+                       LONGLONG{-2}, COleDateTime(2001, 1, 1, 0, 0, 0));
+    decltype(written) read;
+    const auto each = [](auto& values) {
+        return Steps{
+            [&](CArchive& archive) { std::apply([&](auto&... value) { Exchange(archive, value...); }, values); }};
+    };
+    Steps store = each(written), load = each(read);
+    const Bytes bytes = Stored(store);
     EXPECT_EQ(bytes, Hex("FE 41 01 0201 FEFF 04030201 FEFFFFFF 0000C03F 000000000000F83F FEFFFFFFFFFFFFFF"
                          "00000000 000000008003E240"));
-    const auto read = [](CArchive& archive) {
-        const auto next = [&](auto expected) {
-            decltype(expected) value = {};
-            archive >> value;
-            return value == expected;
-        };
-        EXPECT_TRUE(next(BYTE{0xFE}) && next('A') && next(true) && next(WORD{0x0102}) && next(short{-2}));
-        EXPECT_TRUE(next(0x01020304) && next(UINT{0xFFFFFFFE}) && next(1.5F) && next(1.5) && next(LONGLONG{-2}));
-        EXPECT_TRUE(next(COleDateTime(2001, 1, 1, 0, 0, 0)));
-        BYTE behind = 0;
-        EXPECT_EQ(archive.Read(&behind, 1), 0u);
-    };
-    EXPECT_EQ(CauseOf(bytes, read), Cause::none);
+    EXPECT_EQ(Load(load, bytes), 0);  // none is left
+    EXPECT_TRUE(read == written);
 }
 
 TEST(Archive, TextsTakeTheShortestLength) {
