@@ -1,9 +1,6 @@
 // Law: a file of any bytes, plain or enciphered, is refused, and then the document is empty; or it is loaded, and then
 // it is saved, plain or enciphered, as a file that is loaded as the same document. A path of any bytes is refused
 // everywhere, or finds as much as it counts; a text that is set where it leads is saved with the rest.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -12,13 +9,11 @@
 #include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/crypt_xml_format.h"
 
+#include "law.h"
+
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096, kLongestUsefulPath = 48;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 struct Document : CCryptXMLDocument {
     bool Load(std::string_view bytes) {
