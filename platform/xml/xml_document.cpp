@@ -72,11 +72,4 @@ std::optional<XmlNode> XmlDocument::Root() const {
     return root ? std::optional(XmlNode(root.internal_object())) : std::nullopt;
 }
 
-XmlNode XmlDocument::AppendRoot(std::string_view name) {
-    const std::string utf8 = ToUtf8(name);
-    if (!IsXmlName(utf8)) throw DataError("no name of XML");
-    if (m_tree->document_element()) throw DataError("a document has one root");
-    return XmlNode(m_tree->append_child(utf8.c_str()).internal_object());
-}
-
 }  // namespace qel

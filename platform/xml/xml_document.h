@@ -48,8 +48,6 @@ public:
     std::string Bytes() const;
 
     std::optional<XmlNode> Root() const;
-    /// Gives an empty document its root. @throws DataError when it has one, or @p name is no name
-    XmlNode AppendRoot(std::string_view name);
 
 private:
     void Load(std::string utf8, XmlNames names);

@@ -1,5 +1,7 @@
 #include "qellib10/platform/xml/xml_node.h"
 
+#include <algorithm>
+
 #include <pugixml.hpp>
 
 #include "qellib10/platform/error.h"
@@ -78,12 +80,6 @@ void SetData(pugi::xml_node node, const std::string& text, std::string_view forb
     node.set_value(WithPlainLineEnds(text).c_str());
 }
 
-std::string CheckedName(std::string_view name) {
-    std::string utf8 = ToUtf8(name);
-    if (!IsXmlName(utf8)) throw DataError("no name of XML");
-    return utf8;
-}
-
 }  // namespace
 
 std::optional<XmlNode> XmlNode::Select(std::string_view path) const {
@@ -105,10 +101,6 @@ std::optional<XmlNode> XmlNode::NextElement() const { return ElementFrom(pugi::x
 
 std::string_view XmlNode::Utf8Name() const { return pugi::xml_node(m_node).name(); }
 
-std::string XmlNode::Name() const {
-    return FromUtf8(m_attribute != nullptr ? pugi::xml_attribute(m_attribute).name() : pugi::xml_node(m_node).name());
-}
-
 std::string XmlNode::Text() const {
     return FromUtf8(m_attribute != nullptr ? pugi::xml_attribute(m_attribute).value() : TextOf(pugi::xml_node(m_node)));
 }
@@ -123,16 +115,16 @@ void XmlNode::SetText(std::string_view text) {
     switch (node.type()) {
         case pugi::node_element:
             return SetElementText(node, utf8);
-        case pugi::node_pcdata:
-            node.set_value(utf8.c_str());
+        case pugi::node_pcdata:  // an empty one could not be loaded again
+            utf8.empty() ? node.parent().remove_child(node) : node.set_value(utf8.c_str());
             return;
         case pugi::node_cdata:  // written as several where it holds its end
             node.set_value(WithPlainLineEnds(utf8).c_str());
             return;
         case pugi::node_comment:
             return SetData(node, utf8, "--");
-        case pugi::node_pi:
-            return SetData(node, utf8, "?>");
+        case pugi::node_pi:  // blanks at its begin would be taken for those behind the name
+            return SetData(node, utf8.substr(std::min(utf8.find_first_not_of(kXmlBlanks), utf8.size())), "?>");
         default:
             throw DataError("a node without a text of its own");
     }
@@ -144,7 +136,8 @@ std::string XmlNode::Xml() const {
 }
 
 XmlNode XmlNode::AppendElement(std::string_view name) {
-    const std::string utf8 = CheckedName(name);
+    const std::string utf8 = ToUtf8(name);
+    if (!IsXmlName(utf8)) throw DataError("no name of XML");
     pugi::xml_node parent(m_node);
     if (parent.type() != pugi::node_element) throw DataError("only elements have children");
     if (DepthOf(parent) >= kDeepestXml) throw DataError("elements nested too deep");
@@ -153,20 +146,6 @@ XmlNode XmlNode::AppendElement(std::string_view name) {
     const pugi::xml_node child =
         isBeforeLast ? parent.insert_child_before(utf8.c_str(), last) : parent.append_child(utf8.c_str());
     return XmlNode(child.internal_object());
-}
-
-std::optional<std::string> XmlNode::Attribute(std::string_view name) const {
-    const pugi::xml_attribute attribute = pugi::xml_node(m_node).attribute(ToUtf8(name).c_str());
-    return attribute ? std::optional(FromUtf8(attribute.value())) : std::nullopt;
-}
-
-void XmlNode::SetAttribute(std::string_view name, std::string_view value) {
-    const std::string utf8 = CheckedName(name);
-    pugi::xml_node element(m_node);
-    if (element.type() != pugi::node_element) throw DataError("only elements have attributes");
-    pugi::xml_attribute attribute = element.attribute(utf8.c_str());
-    if (!attribute) attribute = element.append_attribute(utf8.c_str());
-    attribute.set_value(WithXmlCharacters(ToUtf8(value)).c_str());
 }
 
 bool XmlNode::Remove() {

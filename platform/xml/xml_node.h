@@ -31,13 +31,13 @@ public:
     std::optional<XmlNode> FirstElement() const;
     std::optional<XmlNode> NextElement() const;
 
-    std::string Name() const;
     std::string_view Utf8Name() const;  ///< the name of an element as it stands in the tree
 
     /// Text and CDATA of all descendants joined, without the white space that only sets elements apart; the value of an
     /// attribute, comment or instruction. What the page lacks appears as its best fit.
     std::string Text() const;
-    /// Replaces all children by the text, or the value. Characters that XML cannot have become `?`.
+    /// Replaces all children by the text, or the value. Characters that XML cannot have become `?`. An empty text takes
+    /// a text node out, which ends this place; an instruction's text loses blanks at its begin.
     /// @throws DataError for the document itself, and for what a comment or an instruction cannot hold
     void SetText(std::string_view text);
 
@@ -47,11 +47,6 @@ public:
     /// Adds an element as the last child, before white space that sets the closing tag apart.
     /// @throws DataError when @p name is no name, or the element would stand deeper than kDeepestXml
     XmlNode AppendElement(std::string_view name);
-
-    /// @return nothing when there is no such attribute
-    std::optional<std::string> Attribute(std::string_view name) const;
-    /// Sets or adds it. @throws DataError when @p name is no name, or this is no element
-    void SetAttribute(std::string_view name, std::string_view value);
 
     /// Takes the node, with all below it, out of the document.
     /// @return false for what has no parent: an attribute, and the document itself

@@ -32,8 +32,8 @@ std::size_t EndOfToken(std::string_view text, std::size_t at) {
     return std::max(end, at + 1);
 }
 
-// XPath has no end(): the last one is where the position is the last. `last()` in its place would be wrong beside
-// `and`.
+// XPath has no end(): the last one is where the position is the last. `last()` in its place would be wrong in
+// `[end() and B]`.
 std::string WithoutEndFunction(std::string_view path) {
     std::string result;
     for (std::size_t at = 0; at < path.size();) {

@@ -150,11 +150,12 @@ private:
     bool m_hasSectionEnd, m_hasReferences;  // asked once for the whole text, since it mostly has none
 };
 
-// Beside the root, and before the references are taken out: a reference to a blank is text as well.
-void CheckTop(const pugi::xml_document& tree) {
+// Beside the root, where blanks mean nothing and are taken out. Before references are replaced: one to a blank is text.
+void CheckTop(pugi::xml_document& tree) {
     int roots = 0, types = 0;
     bool isFirst = true;
-    for (const pugi::xml_node node : tree.children()) {
+    for (pugi::xml_node node = tree.first_child(), next; node; node = next) {
+        next = node.next_sibling();
         const std::string_view value = node.value();
         switch (node.type()) {
             case pugi::node_element:
@@ -162,6 +163,7 @@ void CheckTop(const pugi::xml_document& tree) {
                 break;
             case pugi::node_pcdata:
                 Require(IsXmlBlank(value), "text beside the root");
+                tree.remove_child(node);
                 continue;  // accepted before a declaration too
             case pugi::node_cdata:
                 throw DataError("a section beside the root");

@@ -46,7 +46,7 @@ std::optional<char32_t> CharacterOf(std::string_view reference) {
 }  // namespace
 
 bool IsXmlName(std::string_view name) {
-    return !name.empty() && IsXmlNameStart(name[0]) && std::ranges::all_of(name, IsXmlNamePart);
+    return !name.empty() && IsXmlNameStart(name[0]) && std::ranges::all_of(name, IsXmlNamePart) && IsUtf8OfXml(name);
 }
 
 bool IsUtf8OfXml(std::string_view text) {

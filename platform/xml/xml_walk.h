@@ -2,10 +2,9 @@
 
 namespace qel {
 
-/// Calls @p enter, with whether it has children, for @p top and everything
-/// below it, in document order, and @p leave behind the children of those that
-/// have some. Does not recurse. Node is the parser's handle of a node, which is
-/// true unless it is null.
+/// Calls @p enter, with whether it has children, for @p top and everything below it, in document order, and @p leave
+/// behind the children of those that have some. Does not recurse. Node is the parser's handle of a node, which is true
+/// unless it is null.
 template <class Node, class Enter, class Leave> void WalkXml(Node top, Enter enter, Leave leave) {
     Node node = top;
     for (int depth = 0;;) {

@@ -115,7 +115,6 @@ std::string WriteXml(pugi::xml_node node, const XmlForm& form, std::size_t expec
         return writer.Result();
     }
     for (const pugi::xml_node child : node.children()) {
-        if (child.type() == pugi::node_pcdata) continue;  // white space
         writer.Node(child);
         writer.LineEnd();
     }
