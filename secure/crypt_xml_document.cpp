@@ -1,6 +1,7 @@
 #include "qellib10/secure/crypt_xml_document.h"
 
 #include <chrono>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <thread>
@@ -20,6 +21,13 @@ using qel::XmlNode;
 constexpr const char* kKey = "Tessaloomber::CVellumXMLRecords";
 
 std::string_view ViewOf(const char* text) { return text != nullptr ? text : ""; }
+
+// Nothing is written that could not be loaded again.
+std::string CheckedSize(std::string bytes) {
+    constexpr std::size_t kTooMany = std::size_t{1} << 31, kMarkAndFilling = 8;
+    if (bytes.size() >= kTooMany - kMarkAndFilling) throw qel::DataError("a document of 2 GiB or more");
+    return bytes;
+}
 
 void WriteWhole(CFile& file, std::string_view bytes) {
     file.SeekToBegin();
@@ -88,13 +96,12 @@ int CCryptXMLDocument::LoadXMLFile(const char* path, int noWait) {
 
 int CCryptXMLDocument::SaveXMLFile(const char* path, int noWait) {
     return qel::AsResult([&] {
-        const std::string bytes =
-            m_nCryptMode != 0 ? EncipheredBytes() : std::string(ConvertToUTF8(GetXMLString()).View());
+        const bool isCrypt = m_nCryptMode != 0;
+        const std::string bytes = isCrypt ? EncipheredBytes() : PlainBytes();
         CFile file;
-        const int opened = m_nCryptMode != 0
-                               ? file.Open(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive)
-                               : FileOpen(file, path, 4, noWait);
-        if (!opened || (m_nCryptMode != 0 && bytes.empty())) return 0;
+        const int opened = isCrypt ? file.Open(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive)
+                                   : FileOpen(file, path, 4, noWait);
+        if (!opened || (isCrypt && bytes.empty())) return 0;
         WriteWhole(file, bytes);
         file.Close();
         return 1;
@@ -188,7 +195,7 @@ int CCryptXMLDocument::LoadPlainXMLFile(const char* path, int noWait) {
 int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
     if (m_nLocked != 0) return 0;
     return qel::AsResult([&] {
-        const std::string bytes = m_pDocument->Bytes();
+        const std::string bytes = CheckedSize(m_pDocument->Bytes());
         CFile file(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
         WriteWhole(file, bytes);
         file.Close();
@@ -210,8 +217,12 @@ int CCryptXMLDocument::LoadCryptXMLFile(CFile& file) {
 }
 
 std::string CCryptXMLDocument::EncipheredBytes() const {
-    std::string text = m_pDocument->Text();
+    std::string text = CheckedSize(m_pDocument->Text());
     return text.empty() ? text : qel::EncipheredXml(std::move(text), m_szKey);
+}
+
+std::string CCryptXMLDocument::PlainBytes() const {
+    return CheckedSize(std::string(ConvertToUTF8(GetXMLString()).View()));
 }
 
 int CCryptXMLDocument::SaveCryptXMLFile(CFile& file) {
@@ -242,29 +253,18 @@ int CCryptXMLDocument::LoadPlainXMLFile(CFile& file) {
 
 int CCryptXMLDocument::SavePlainXMLFile(CFile& file) {
     return qel::AsResult([&] {
-        WriteWhole(file, ConvertToUTF8(GetXMLString()).View());
+        WriteWhole(file, PlainBytes());
         return 1;
     });
 }
 
 int CCryptXMLDocument::FileOpen(CFile& file, const char* path, int kind, int noWait) {
-    UINT flags = 0;
-    switch (kind) {
-        case 1:
-            flags = CFile::modeRead | CFile::shareDenyWrite;
-            break;
-        case 2:
-            flags = CFile::modeReadWrite | CFile::shareDenyNone;
-            break;
-        case 3:
-            flags = CFile::modeReadWrite | CFile::shareDenyNone | CFile::modeCreate | CFile::modeNoTruncate;
-            break;
-        case 4:
-            flags = CFile::modeWrite | CFile::shareDenyNone | CFile::modeCreate;
-            break;
-        default:
-            return 0;
-    }
+    constexpr UINT kOfKinds[] = {
+        CFile::modeRead | CFile::shareDenyWrite, CFile::modeReadWrite | CFile::shareDenyNone,
+        CFile::modeReadWrite | CFile::shareDenyNone | CFile::modeCreate | CFile::modeNoTruncate,
+        CFile::modeWrite | CFile::shareDenyNone | CFile::modeCreate};
+    if (kind < 1 || kind > static_cast<int>(std::size(kOfKinds))) return 0;
+    const UINT flags = kOfKinds[kind - 1];
     while (!file.Open(path, flags)) {
         CFileStatus status;
         const bool isThere = noWait == 0 && CFile::GetStatus(path, status) != 0;

@@ -27,7 +27,8 @@ class XmlDocument;
 /// Text is in the process's code page. Characters that it lacks are kept as numeric references (`&#228;`) in the text
 /// of the document, and answered as their best fit. XML that is not well-formed is refused; so are elements nested
 /// deeper than 512, references to entities of a document type, and names that the code page lacks. Nothing outside the
-/// document is read. White space between elements is kept; line ends are written as CR LF.
+/// document is read. A file of 2 GiB or more is neither loaded nor written. White space between elements is kept; line
+/// ends are written as CR LF.
 ///
 /// Files are written in place, once all bytes are ready: a crash in mid-write leaves a part of them. Who needs more
 /// saves under another name and moves that file to its place. The key is a constant, so an enciphered file is kept from
@@ -49,8 +50,7 @@ public:
     virtual int LoadXMLFile(const char* path, int noWait);
 
     /// Saves to a file, which is made or emptied first. In crypt mode it is enciphered, nobody else may have it open,
-    /// and
-    /// @p noWait has no effect; an empty document leaves an empty file and answers 0. Without crypt mode it is plain,
+    /// it is not waited for, and an empty document leaves an empty file and answers 0. Without crypt mode it is plain,
     /// and opened as FileOpen does.
     virtual int SaveXMLFile(const char* path, int noWait);
 
@@ -118,9 +118,8 @@ protected:
     /// Load from, or save to, a file that is open; it stays so. An enciphered file begins with a zero byte, any other
     /// is loaded as a plain one. A plain file that names an encoding is taken to be in the code page, else in UTF-8.
     ///
-    /// Kept for files already in the field: it seems to name one when the word `encoding` stands anywhere before its
-    /// first
-    /// `?>`. A document without declaration that has an instruction behind that word is better kept enciphered.
+    /// Kept for files already in the field: it seems to name one when the word `encoding` stands anywhere before the
+    /// first `?>`. A document without declaration that has an instruction behind that word is better kept enciphered.
     int LoadCryptXMLFile(CFile& file);
     int SaveCryptXMLFile(CFile& file);
     int LoadPlainXMLFile(CFile& file);
@@ -142,6 +141,7 @@ protected:
 
 private:
     std::string EncipheredBytes() const;
+    std::string PlainBytes() const;
 
     std::unique_ptr<qel::XmlDocument> m_pDocument;
     int m_nCryptMode = 1;

@@ -7,8 +7,8 @@
 
 // The files of CCryptXMLDocument.
 //
-//     plain         the text in UTF-8; every UTF-16 unit by itself, so that a character above U+FFFF takes twice three
-//     bytes enciphered    00, then the text in the code page, zero bytes up to a multiple of 8, in blocks of Blowfish
+//     plain        the text in UTF-8, every UTF-16 unit by itself: a character above U+FFFF takes twice three bytes
+//     enciphered   00, then the text in the code page, zero bytes up to a multiple of 8, in blocks of Blowfish
 //
 // The length of an enciphered text is not recorded: its first zero byte ends it.
 namespace qel {
