@@ -83,6 +83,7 @@
 #include "qellib10/platform/variant/ole_variant.h"
 #include "qellib10/print/block_data.h"
 #include "qellib10/print/command.h"
+#include "qellib10/print/document_data.h"
 #include "qellib10/print/gdi_objects.h"
 #include "qellib10/print/page_style.h"
 #include "qellib10/print/queue_data.h"

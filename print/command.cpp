@@ -5,6 +5,7 @@
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/preview_dc.h"
 #include "qellib10/platform/text/multibyte.h"
+#include "qellib10/platform/wrapped.h"
 #include "qellib10/print/gdi_objects.h"
 
 namespace {
@@ -140,11 +141,7 @@ int CQelPrintJobCommand::Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* ob
     if (dc == nullptr) return 1;
     CGDIObjects ownObjects;
     CGDIObjects& carried = objects != nullptr ? *objects : ownObjects;
-    const auto shifted = [&](int x, int y) {
-        CPoint point(x, y);
-        point.Offset(offsetX, offsetY);
-        return point;
-    };
+    const auto shifted = [&](int x, int y) { return CPoint(qel::WrappedSum(x, offsetX), qel::WrappedSum(y, offsetY)); };
     const CPoint first = shifted(m_nX1, m_nY1);
     const auto box = [&] {
         const CPoint second = shifted(m_nX2, m_nY2);

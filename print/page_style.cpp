@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "qellib10/platform/printing/print_spooler.h"
+#include "qellib10/platform/wrapped.h"
 #include "qellib10/print/paper_size.h"
 #include "qellib10/runtime/system_info.h"
 
@@ -17,9 +18,7 @@ constexpr int kMillimetreUnit = 2;
 // Tenths of a millimetre in an inch.
 constexpr int kTenthsAnInch = 254;
 
-int Product(int a, int b) noexcept { return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b)); }
-
-void Convert(LONG& value, int dpi) noexcept { value = Product(value, dpi) / kTenthsAnInch; }
+void Convert(LONG& value, int dpi) noexcept { value = qel::WrappedProduct(value, dpi) / kTenthsAnInch; }
 
 // The first printer whose name begins with @p device: device modes cut names. Local ones come before connections.
 CString FullPrinterName(const CString& device) {
@@ -104,7 +103,9 @@ int CQelPrintJobPageStyle::Initialize() {
 
 void CQelPrintJobPageStyle::SetStyleName(UINT stringId) { m_szStyleName.LoadString(stringId); }
 
-int CQelPrintJobPageStyle::GetPageBlocks() const { return Product(m_sizePrintBlock.cx, m_sizePrintBlock.cy); }
+int CQelPrintJobPageStyle::GetPageBlocks() const {
+    return qel::WrappedProduct(m_sizePrintBlock.cx, m_sizePrintBlock.cy);
+}
 
 int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CRect& rect) const {
     if (m_nDpi < 1) return 0;

@@ -4,17 +4,7 @@
 #include <limits>
 #include <utility>
 
-namespace qel {
-namespace {
-
-LONG WrappedSum(LONG a, LONG b) noexcept { return static_cast<LONG>(static_cast<ULONG>(a) + static_cast<ULONG>(b)); }
-
-LONG WrappedDifference(LONG a, LONG b) noexcept {
-    return static_cast<LONG>(static_cast<ULONG>(a) - static_cast<ULONG>(b));
-}
-
-}  // namespace
-}  // namespace qel
+#include "qellib10/platform/wrapped.h"
 
 void CPoint::Offset(int dx, int dy) noexcept {
     x = qel::WrappedSum(x, dx);

@@ -32,7 +32,7 @@ public:
 };
 
 /// A position. Sums wrap at 32 bits.
-class CPoint : public POINT {
+class QELLIB10_API CPoint : public POINT {
 public:
     constexpr CPoint() noexcept : POINT{0, 0} {}
     constexpr CPoint(int px, int py) noexcept : POINT{px, py} {}

@@ -50,8 +50,8 @@ TEST(VirtualOrder, IsFixed) {
     ExpectDestructorAlone(CCheckDatafile(), CBase64(), CGuid(), CRSControlCode(), CQVariant(), CQELResource(),
                           CCheckRepeatExec(), CWorkerThreadCtrl(), CCryptBrowFish(), CHistoryCabinetFile(), CDiffItem(),
                           CQDiffList(), CQelPrintJobCommand(), CQelPrintJobBlockData(), CQelPrintJobQueueData(),
-                          CQelPrintJobPageStyle(), CFunctionInfo(), CUserInfo(), CLineGraphStyle(), CAxisStyle(),
-                          CGraphDataCtrl());
+                          CQelPrintJobPageStyle(), CQelPrintJobDocumentData(), CFunctionInfo(), CUserInfo(),
+                          CLineGraphStyle(), CAxisStyle(), CGraphDataCtrl());
 
     EXPECT_EQ(Slot(&CObject::GetRuntimeClass), 0u);
     EXPECT_EQ(Slot(&CObject::Serialize), 1u + kDestructor);

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <list>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/printing/print_info.h"
+#include "qellib10/print/block_data.h"
+#include "qellib10/print/page_style.h"
+#include "qellib10/print/queue_data.h"
+
+/// Several print jobs on the pages of one document: each job is a cell of the grid into which the page style divides a
+/// page. All of them have the same page style.
+///
+///     CQelPrintJobDocumentData document;
+///     for (const char* path : paths) document.CheckAndAddJobFile(path);
+///     document.PrintOut();
+///
+/// Operations answer 1, or 0 on failure. One thread at a time.
+class QELLIB10_API CQelPrintJobDocumentData {
+public:
+    CQelPrintJobDocumentData();
+    /// Copies have page style and blocks, but no printer context.
+    CQelPrintJobDocumentData(const CQelPrintJobDocumentData&) = default;
+    CQelPrintJobDocumentData& operator=(const CQelPrintJobDocumentData&) = default;
+    virtual ~CQelPrintJobDocumentData();
+
+    /// The page style's defaults, no blocks.
+    int Initialize();
+
+    CQelPrintJobPageStyle& GetPageStyle() { return m_PageStyle; }
+    const CQelPrintJobPageStyle& GetPageStyle() const { return m_PageStyle; }
+
+    /// Adds the job of a file, or a copy of @p job, as the next cell. The first one gives the document its page style.
+    /// @return 0 for a file that cannot be loaded, and for another page style than the document's
+    int CheckAndAddJobFile(const char* path);
+    int CheckAndAddJobFile(const CQelPrintJobQueueData& job);
+
+    int GetBlockCount() const { return static_cast<int>(m_listBlock.size()); }
+    int IsPrintOutBlockExist() const { return m_listBlock.empty() ? 0 : 1; }
+    /// Whether the blocks, with @p more of them, fill a page.
+    int IsPrintOutPageExist(int more) const;
+
+    /// Takes the selected printer context of @p from, as CQelPrintJobPageStyle::MovePrinterDC does.
+    int MovePrinterDC(CQelPrintJobPageStyle& from) { return m_PageStyle.MovePrinterDC(from); }
+
+    /// Prints all pages as one document, named after the page style: on its selected printer context, which it keeps,
+    /// else on a new one of its printer. Without blocks one empty page is printed.
+    /// @return 0 when there is no such printer, or it does not take the document. What was begun on a selected context
+    ///   stays open then.
+    int PrintOut();
+
+    /// Draws the page that @p info asks for, on a context of a framework's loop over pages, on paper or as a preview.
+    /// @throws false (the value) when it cannot be drawn
+    int OnPrint(CDC* dc, CPrintInfo* info);
+
+    /// Draws the blocks in the cells of their pages, and computes the page style's printer margins for @p dc.
+    /// @param page counted from 1; below 0 all of them, with the end and the start of pages between them unless
+    ///   @p preview is not 0
+    /// @return 0 for a grid without cells, a unit that is none, and when the printer takes no other page
+    int PrintOutMain(CDC* dc, int page, int preview);
+
+protected:
+    /// Computes where the margins of @p style lie in the drawable area of @p dc, see GetPrnTopMargin. All of them count
+    /// by the horizontal resolution.
+    /// @return 0 for a unit that is none of 1, 2 and 3
+    static int GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style);
+
+private:
+    CPoint CellPosition(int cell) const;
+
+    CQelPrintJobPageStyle m_PageStyle;
+    std::list<CQelPrintJobBlockData> m_listBlock;
+};

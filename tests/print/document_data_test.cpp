@@ -1,0 +1,226 @@
+#include "qellib10/print/document_data.h"
+
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cstdio>
+#include <functional>
+
+#include "qellib10/platform/drawing/file_dc.h"
+
+#include "../support/canvas.h"
+#include "../support/cases.h"
+#include "../support/environment_scope.h"
+#include "../support/temp_folder.h"
+
+namespace {
+
+// Tenths of a millimetre are pixels, margins too.
+CQelPrintJobQueueData Job(int number, const char* text = nullptr) {
+    CQelPrintJobQueueData job;
+    CQelPrintJobPageStyle& style = job.GetPageStyle();
+    style.SetStyleName("Titration");
+    style.SetDpi(254);
+    style.SetUnit(3);
+    style.SetPaperSize({60, 40});
+    style.SetPrintBlock({2, 3});
+    style.SetLeftMargin(4);
+    style.SetRightMargin(6);
+    style.SetTopMargin(2);
+    style.SetBottomMargin(5);
+    CQelPrintJobCommand command;
+    command.SetPen(PS_SOLID, 1, static_cast<unsigned>(number));
+    job.AddCommand(command);
+    command.SetLine(0, 0, 1, 0);
+    job.AddCommand(command);
+    command.SetText(0, 0, "Arial", 200, 0, text, 1, -1, -1);
+    if (text != nullptr) job.AddCommand(command);
+    return job;
+}
+
+struct Document : CQelPrintJobDocumentData {
+    using CQelPrintJobDocumentData::GetPrintMargin;
+
+    explicit Document(int count) {
+        for (int i = 1; i <= count; ++i) EXPECT_EQ(CheckAndAddJobFile(Job(i)), 1);
+    }
+    // Where the blocks have drawn, by their numbers.
+    std::vector<std::tuple<int, int, int>> Drawn(int page, int preview = 0) {
+        Canvas canvas(60, 40);
+        EXPECT_EQ(PrintOutMain(&canvas.dc, page, preview), 1);
+        std::vector<std::tuple<int, int, int>> found;
+        for (int y = 0; y < 40; ++y) {
+            for (int x = 0; x < 60; ++x) {
+                if (const COLORREF color = canvas.At(x, y); color != kWhite) {
+                    found.emplace_back(static_cast<int>(color), x, y);
+                }
+            }
+        }
+        std::sort(found.begin(), found.end());
+        return found;
+    }
+};
+
+std::string OutputOf(const std::string& command) {
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
+    std::string output;
+    for (int c; (c = std::fgetc(pipe.get())) != EOF;) output += static_cast<char>(c);
+    return output;
+}
+
+}  // namespace
+
+TEST(PrintDocument, CellsFillAPageByTheDirection) {
+    using Places = std::vector<std::tuple<int, int, int>>;
+    for (const auto& [direction, places] :
+         Cases<int, Places>{{1, {{1, 4, 2}, {2, 4, 13}, {3, 4, 24}, {4, 29, 2}, {5, 29, 13}, {6, 29, 24}}},
+                            {2, {{1, 4, 2}, {2, 29, 2}, {3, 4, 13}, {4, 29, 13}, {5, 4, 24}, {6, 29, 24}}},
+                            {0, {{6, 4, 2}}}}) {  // all at one place
+        Document document(7);
+        document.GetPageStyle().SetPrintDirection(direction);
+        EXPECT_EQ(document.Drawn(1), places) << direction;
+        EXPECT_EQ(document.Drawn(2), Places({{7, 4, 2}}));
+        EXPECT_TRUE(document.Drawn(3).empty());
+        EXPECT_TRUE(document.Drawn(0).empty());
+        EXPECT_EQ(document.Drawn(-1, 1).back(), std::tuple(7, 4, 2)) << "a preview ends no page";
+    }
+    Document document(2);
+    document.GetPageStyle().SetDpi(0);
+    document.GetPageStyle().SetPaperSize({70, 40});
+    document.GetPageStyle().SetPrintDirection(2);
+    EXPECT_EQ(document.Drawn(-1), Places({{1, 4, 2}, {2, 34, 2}})) << "tenths of a millimetre as pixels";
+}
+
+TEST(PrintDocument, TakesJobsOfOnePageStyle) {
+    const TempFolder folder;
+    CQelPrintJobQueueData other = Job(2);
+    other.GetPageStyle().SetTopMargin(3);
+    ASSERT_EQ(other.SaveJobFile(folder.Path("a.job")), 1);
+    CQelPrintJobDocumentData document;
+    EXPECT_EQ(document.IsPrintOutBlockExist(), 0);
+    EXPECT_EQ(document.CheckAndAddJobFile(Job(1)), 1);
+    EXPECT_EQ(document.CheckAndAddJobFile(folder.Path("a.job")), 0);
+    EXPECT_EQ(document.CheckAndAddJobFile(folder.Path("none")), 0);
+    EXPECT_EQ(document.GetBlockCount(), 1);
+    EXPECT_EQ(document.IsPrintOutPageExist(4), 0);
+    EXPECT_EQ(document.IsPrintOutPageExist(5), 1);
+
+    CQelPrintJobDocumentData copy(document);
+    EXPECT_EQ(copy.Initialize(), 1);
+    EXPECT_EQ(copy.GetBlockCount(), 0);
+    EXPECT_EQ(copy.CheckAndAddJobFile(folder.Path("a.job")), 1) << "the first one gives the page style";
+    EXPECT_EQ(copy.GetPageStyle().GetTopMargin(), 3);
+    copy = document;
+    EXPECT_TRUE(copy.GetPageStyle() == document.GetPageStyle());
+    EXPECT_EQ(copy.IsPrintOutBlockExist(), 1);
+}
+
+TEST(PrintDocument, MarginsCountByTheHorizontalResolution) {
+    const TempFolder folder;
+    CDC dc;
+    qel::PageSetup page;
+    page.dotsAnInch = {600, 300};
+    page.margins = {254, 508, 0, 0};
+    ASSERT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Path("a.pdf"), page)));
+    CQelPrintJobPageStyle style;
+    style.SetTopMargin(100);
+    style.SetBottomMargin(200);
+    style.SetLeftMargin(300);
+    style.SetRightMargin(-400);
+    for (const auto& [unit, top, bottom, left, right] :
+         Cases<int, int, int, int, int>{{1, 12 - 60, 3508 - 24 - 12, 36 - 60, 4961 + 48 - 36},
+                                        {2, 236 - 60, 3508 - 472 - 236, 708 - 60, 4961 + 944 - 708},
+                                        {3, 100 - 60, 3508 - 200 - 100, 300 - 60, 4961 + 400 - 300}}) {
+        SCOPED_TRACE(unit);
+        style.SetUnit(unit);
+        EXPECT_EQ(Document::GetPrintMargin(&dc, &style), 1);
+        EXPECT_EQ(style.GetPrnTopMargin(), top);
+        EXPECT_EQ(style.GetPrnBottomMargin(), bottom);
+        EXPECT_EQ(style.GetPrnLeftMargin(), left);
+        EXPECT_EQ(style.GetPrnRightMargin(), right);
+    }
+    style.SetUnit(4);
+    EXPECT_EQ(Document::GetPrintMargin(&dc, &style), 0);
+    EXPECT_EQ(Document::GetPrintMargin(nullptr, &style), 0);
+}
+
+TEST(PrintDocument, ALoopOverPagesGetsItsPageOrFalse) {
+    Document document(7);
+    Canvas canvas(60, 40);
+    CPrintInfo info;
+    info.m_nCurPage = 2;
+    EXPECT_EQ(document.OnPrint(&canvas.dc, &info), 1);
+    EXPECT_EQ(canvas.At(4, 2), COLORREF{7});
+    const Cases<std::function<void()>, CPrintInfo*> failures = {{[] {}, nullptr},
+                                                                {[&] {
+                                                                     document.GetPageStyle().SetPrintBlock({2, 0});
+                                                                 },
+                                                                 &info},
+                                                                {[&] {
+                                                                     document.GetPageStyle().SetPrintBlock({-2, -3});
+                                                                 },
+                                                                 &info},
+                                                                {[&] {
+                                                                     document.GetPageStyle().SetPrintBlock({2, 3});
+                                                                     document.GetPageStyle().SetUnit(0);
+                                                                 },
+                                                                 &info}};
+    for (const auto& [change, given] : failures) {
+        change();
+        try {
+            document.OnPrint(&canvas.dc, given);
+            ADD_FAILURE() << "no failure";
+        } catch (bool answer) {
+            EXPECT_FALSE(answer);
+        }
+    }
+}
+
+TEST(PrintDocument, IsPrintedPageByPage) {
+    const TempFolder folder;
+    const EnvironmentScope server("CUPS_SERVER", folder.Posix("no.sock").c_str());
+    const EnvironmentScope target("QELLIB10_PDF_DIR", folder.Posix().c_str());
+    CQelPrintJobDocumentData document;
+    for (const char* text : {"first", "second", "third", "fourth", "fifth", "sixth", "seventh"}) {
+        CQelPrintJobQueueData job = Job(1, text);
+        job.GetPageStyle().SetPrinterDevice("PDF");
+        job.GetPageStyle().SetUnit(2);
+        job.GetPageStyle().SetLeftMargin(200);
+        document.CheckAndAddJobFile(job);
+    }
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(document.GetPageStyle().GetDpi(), 600) << "that of the printer";
+    const std::string pdf = folder.Posix("Titration.pdf").string();
+    EXPECT_NE(OutputOf("LC_ALL=C pdfinfo " + pdf).find("Pages:           2"), std::string::npos);
+    const std::string words = OutputOf("LC_ALL=C pdftotext -bbox " + pdf + " -");
+    const auto place = [&](const std::string& word) {
+        const std::size_t begin = words.rfind("<word", words.find('>' + word + '<'));
+        const auto tenths = [&](const std::string& name) {
+            double points = -1;
+            const char* const number = words.c_str() + words.find(name + "=\"", begin) + name.size() + 2;
+            std::from_chars(number, number + 20, points);
+            return points * 254 / 72;
+        };
+        return std::pair(tenths("xMin"), tenths("yMin"));
+    };
+    // A4, from 200 to 2094 across and from 2 to 2965 down.
+    for (const auto& [word, x, y] : Cases<std::string, double, double>{
+             {"first", 200, 2}, {"third", 200, 1976}, {"fourth", 1147, 2}, {"seventh", 200, 2}}) {
+        EXPECT_NEAR(place(word).first, x, 5) << word;
+        EXPECT_NEAR(place(word).second, y, 25) << word;
+    }
+    EXPECT_GT(words.find("<page", words.find(">sixth<")), words.find(">sixth<"));
+    EXPECT_LT(words.rfind("<page"), words.find(">seventh<"));
+
+    CQelPrintJobDocumentData empty;
+    empty.GetPageStyle().SetPrinterDevice("PDF");
+    empty.GetPageStyle().SetStyleName("empty");
+    EXPECT_EQ(empty.PrintOut(), 1);
+    EXPECT_NE(OutputOf("LC_ALL=C pdfinfo " + folder.Posix("empty.pdf").string()).find("Pages:           1"),
+              std::string::npos);
+    empty.GetPageStyle().SetPrinterDevice("none");
+    EXPECT_EQ(empty.PrintOut(), 0);
+    document.GetPageStyle().SetPrintBlock({0, 1});
+    EXPECT_EQ(document.PrintOut(), 0);
+    EXPECT_EQ(folder.Count(), 2) << "nothing of a document that failed";
+}
