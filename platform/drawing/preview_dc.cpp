@@ -82,61 +82,39 @@ void CPreviewDC::Mirror() {
     screen.SetViewportOrigin(corner);
 }
 
-namespace {
-
-// Sets the printer's mapping by @p set, which answers the value until now.
-template <class Set> auto ChangePrinter(qel::DeviceContext* printer, Set set) {
-    using Result = decltype(set(printer->Change().mapping));
-    return printer != nullptr ? set(printer->Change().mapping) : Result();
-}
-
-}  // namespace
+// The base sets both contexts; the screen's is then derived anew from the printer's, whose value is the answer.
 
 int CPreviewDC::SetMapMode(int mode) {
-    const int before = ChangePrinter(Attributes(), [&](qel::Mapping& mapping) {
-        const int now = mapping.Mode();
-        return mapping.SetMode(mode) ? now : 0;
-    });
+    const int before = GetMapMode();
+    const bool isSet = CDC::SetMapMode(mode) != 0;
     Mirror();
-    return before;
+    return isSet ? before : 0;
 }
 
 CPoint CPreviewDC::SetViewportOrg(int x, int y) {
-    const CPoint before = ChangePrinter(Attributes(), [&](qel::Mapping& mapping) {
-        const CPoint now = mapping.ViewportOrigin();
-        mapping.SetViewportOrigin({x, y});
-        return now;
-    });
+    const CPoint before = GetViewportOrg();
+    CDC::SetViewportOrg(x, y);
     Mirror();
     return before;
 }
 
 CSize CPreviewDC::SetViewportExt(int cx, int cy) {
-    const CSize before = ChangePrinter(Attributes(), [&](qel::Mapping& mapping) {
-        const CSize now = mapping.ViewportExtent();
-        mapping.SetViewportExtent({cx, cy});
-        return now;
-    });
+    const CSize before = GetViewportExt();
+    CDC::SetViewportExt(cx, cy);
     Mirror();
     return before;
 }
 
 CPoint CPreviewDC::SetWindowOrg(int x, int y) {
-    const CPoint before = ChangePrinter(Attributes(), [&](qel::Mapping& mapping) {
-        const CPoint now = mapping.WindowOrigin();
-        mapping.SetWindowOrigin({x, y});
-        return now;
-    });
+    const CPoint before = GetWindowOrg();
+    CDC::SetWindowOrg(x, y);
     Mirror();
     return before;
 }
 
 CSize CPreviewDC::SetWindowExt(int cx, int cy) {
-    const CSize before = ChangePrinter(Attributes(), [&](qel::Mapping& mapping) {
-        const CSize now = mapping.WindowExtent();
-        mapping.SetWindowExtent({cx, cy});
-        return now;
-    });
+    const CSize before = GetWindowExt();
+    CDC::SetWindowExt(cx, cy);
     Mirror();
     return before;
 }
