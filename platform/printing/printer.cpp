@@ -29,7 +29,8 @@ std::vector<PrinterEntry> ListPrinters() {
     std::vector<PrinterEntry> printers = {PdfPrinter().entry};
     std::ranges::move(CupsPrinters(), std::back_inserter(printers));
     if (std::ranges::none_of(printers, &PrinterEntry::isDefault)) printers.front().isDefault = true;
-    std::ranges::stable_partition(printers, [](const PrinterEntry& printer) { return !printer.isConnection; });
+    const auto isOwn = [](const PrinterEntry& printer) { return !printer.isConnection; };
+    std::stable_partition(printers.begin(), printers.end(), isOwn);  // clang 14 cannot take the form of ranges
     return printers;
 }
 
