@@ -16,8 +16,8 @@ public:
     PenInArea(const PenInArea&) = delete;
     PenInArea& operator=(const PenInArea&) = delete;
 
-    void MoveTo(const POINT& to) { m_graph.DCMoveTo(m_pDC, to.x, to.y); }
-    void LineTo(const POINT& to) { m_graph.DCLineTo(m_pDC, to.x, to.y); }
+    void MoveTo(POINT to) { m_graph.DCMoveTo(m_pDC, to.x, to.y); }
+    void LineTo(POINT to) { m_graph.DCLineTo(m_pDC, to.x, to.y); }
 
 private:
     CQelGraph& m_graph;

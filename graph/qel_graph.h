@@ -6,6 +6,7 @@
 #include "qellib10/graph/graph_data_ctrl.h"
 #include "qellib10/platform/drawing/dc.h"
 
+class CQelPrintJobQueueData;
 namespace qel {
 struct DataScale;
 }
@@ -73,7 +74,8 @@ public:
 
     // More over a series that was drawn. Each draws within the area alone and answers 0 for a bad index.
 
-    /// A mark at a point: a square for @p shape 2, else a circle, with half-size @p size.
+    /// A mark at a point: a square for @p shape 2, else a circle, with half-size @p size; while a job is recorded that
+    /// is taken from the screen's resolution (coordinate mode 1: from 1/1440 inch) to the job's.
     /// @param rect gets the box, with the larger y edge as its top; may be null
     /// @return 0 without a surface
     virtual int MarkDraw(CDC* dc, int series, double x, double y, int shape, unsigned long color, int size,
@@ -88,6 +90,17 @@ public:
                              int width);
     /// A cross over the whole area by inverting it; a second one at the same point takes it away. @return 0
     virtual int DrawCrossPoint(CDC* dc, int series, double x, double y);
+
+    /// Records the graph into the job: SetDrawSize with the size of @p rect and GraphDraw at its corner, on @p dc or,
+    /// without one, on the job's selected printer or else a new context of its printer. Each point becomes a command,
+    /// with the coordinates that it has on the surface. Nothing is recorded without a job, or without @p dc and a
+    /// printer.
+    ///
+    /// Texts that follow in the job are cut off when its block is drawn with an offset, since a clip that was taken
+    /// away with one hides everything: add them before. Bars are filled by the brush of the surface that the job is
+    /// drawn on.
+    /// @return 0, in any case
+    virtual int GetPrintJob(CQelPrintJobQueueData* job, const CRect& rect, CDC* dc);
 
     // The layout: margins outside the texts, space between texts and area (X vertically, Y horizontally), device units.
     const int& GetLeftMargin() const { return m_nLeftMargin; }
@@ -183,7 +196,8 @@ protected:
     int BarDraw(CDC* dc, int series);
     int RecorderDrawX(CDC* dc, int series, int variant);
 
-    // All drawing goes through these; without a surface they do nothing.
+    // All drawing goes through these, each drawing on the surface and recording the same into the job that is
+    // attached; without a surface they do nothing.
     void DCMoveTo(CDC* dc, int x, int y);
     void DCLineTo(CDC* dc, int x, int y);
     void DCRectangle(CDC* dc, int left, int top, int right, int bottom);
@@ -203,6 +217,7 @@ protected:
     /// 0: device pixels, y downward; 1: metric units, y upward. A derived class sets it, then calls
     /// InitializeParameter(-1) for the margins of that mode.
     int m_nCoordinateMode = 0;
+    CQelPrintJobQueueData* m_pPrintJob = nullptr;  // attached while a job is recorded, not owned
     int m_nLeftMargin, m_nTopMargin, m_nRightMargin, m_nBottomMargin;
     int m_nLabelSpaceX, m_nLabelSpaceY;
     int m_nDivX, m_nDivY;
@@ -228,10 +243,10 @@ private:
     Side SideOf(int viewMode) const;
     void DrawAxisValue(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isMaximum, bool isFirst);
     static bool IsMaximumFirst(const CAxisStyle& axis, bool isReversed);
-    template <class Pen> void Follow(const CGraphDataCtrl& series, Trace trace, Pen& pen) const;
     int CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace);
     bool IsOfData() const { return m_nCoordinateMode == 0 || m_nCoordinateMode == 1; }
     CRect MarkBox(const POINT& center, int halfSize) const;
     int HalfSizeOnSurface(int size) const;
+    template <class Set> void Record(const Set& set);
     void MarkShapeDraw(CDC* dc, const CRect& box, int shape);
 };

@@ -37,31 +37,28 @@ void MakeSquare(CRect& area) {
 }  // namespace
 
 qel::DataScale CQelGraph::ScaleOf(const CGraphDataCtrl& series, bool isFromRight) const {
-    if (!IsOfData()) return {{}, {}, {m_rectDrawArea.left, m_rectDrawArea.top}};
+    if (!IsOfData()) return {.edge = {m_rectDrawArea.left, m_rectDrawArea.top}};
     const CAxisStyle &xAxis = series.GetXAxisStyle(), &yAxis = series.GetYAxisStyle();
     const double width = m_rectDrawArea.Width(), height = m_rectDrawArea.Height();
+    const bool isDownward = m_nCoordinateMode == 0;
     qel::DataScale scale;
-    scale.x = {xAxis.GetMinRange(), isFromRight ? -width : width, qel::Divisor(xAxis.GetAbsRange())};
-    scale.edge.x = isFromRight ? m_rectDrawArea.right : m_rectDrawArea.left;
-    if (m_nCoordinateMode == 0) {
-        // height * (maximum - y) with both signs turned, which changes no bit of the result.
-        scale.y = {yAxis.GetMaxRange(), -height, qel::Divisor(yAxis.GetAbsRange())};
-        scale.edge.y = m_rectDrawArea.top;
-    } else {
-        scale.y = {yAxis.GetMinRange(), std::abs(height), qel::Divisor(yAxis.GetAbsRange())};
-        scale.edge.y = m_rectDrawArea.bottom;
-    }
+    // Downward it is height * (maximum - y) with both signs turned, which changes no bit of the result.
+    scale.origin = {xAxis.GetMinRange(), isDownward ? yAxis.GetMaxRange() : yAxis.GetMinRange()};
+    scale.length = {isFromRight ? -width : width, isDownward ? -height : std::abs(height)};
+    scale.divisor = {qel::Divisor(xAxis.GetAbsRange()), qel::Divisor(yAxis.GetAbsRange())};
+    scale.edge = {isFromRight ? m_rectDrawArea.right : m_rectDrawArea.left,
+                  isDownward ? m_rectDrawArea.top : m_rectDrawArea.bottom};
     return scale;
 }
 
 int CQelGraph::DataToXPixel(double x, int series) const {
     const CGraphDataCtrl* const data = Find(series);
-    return data != nullptr ? qel::Pixels(ScaleOf(*data).x.Distance(x)) : 0;
+    return data != nullptr ? qel::Pixels(ScaleOf(*data).Distance(qel::DataScale::kX, x)) : 0;
 }
 
 int CQelGraph::DataToYPixel(double y, int series) const {
     const CGraphDataCtrl* const data = Find(series);
-    return data != nullptr ? qel::Pixels(ScaleOf(*data).y.Distance(y)) : 0;
+    return data != nullptr ? qel::Pixels(ScaleOf(*data).Distance(qel::DataScale::kY, y)) : 0;
 }
 
 int CQelGraph::GetValueFromPos(int series, int px, int py, double* x, double* y) const {

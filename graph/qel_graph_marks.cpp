@@ -7,11 +7,14 @@
 
 #include "qellib10/graph/pen_in_area.h"
 #include "qellib10/graph/trail.h"
+#include "qellib10/platform/drawing/bitmap_surface.h"
+#include "qellib10/print/queue_data.h"
 
 namespace {
 
 constexpr int kSquare = 2;
 constexpr int kMetricCross = 10;  // units of the bands of a cross
+constexpr int kMetricUnitsAnInch = 1440;
 
 }  // namespace
 
@@ -20,7 +23,14 @@ CRect CQelGraph::MarkBox(const POINT& center, int halfSize) const {
     return {left, top, left + 2 * halfSize, top + 2 * halfSize};
 }
 
-int CQelGraph::HalfSizeOnSurface(int size) const { return std::clamp(size, -qel::kFarthest, qel::kFarthest); }
+int CQelGraph::HalfSizeOnSurface(int size) const {
+    LONGLONG halfSize = size;
+    if (m_pPrintJob != nullptr && IsOfData()) {
+        const int unitsAnInch = m_nCoordinateMode == 0 ? qel::BitmapSurface::kScreenDotsAnInch : kMetricUnitsAnInch;
+        halfSize = halfSize * m_pPrintJob->GetPageStyle().GetDpi() / unitsAnInch;
+    }
+    return static_cast<int>(std::clamp<LONGLONG>(halfSize, -qel::kFarthest, qel::kFarthest));
+}
 
 void CQelGraph::MarkShapeDraw(CDC* dc, const CRect& box, int shape) {
     if (shape == kSquare) {
@@ -35,9 +45,10 @@ int CQelGraph::MarkDraw(CDC* dc, int series, double x, double y, int shape, unsi
     const CGraphDataCtrl* const data = Find(series);
     if (data == nullptr || dc == nullptr) return 0;
     const PenInArea pen(*this, dc, {color, PS_SOLID, 1});
-    const qel::DataScale scale = ScaleOf(*data);
-    const CRect box = MarkBox(scale.Map({x, y}), HalfSizeOnSurface(size));
-    if (scale.IsPlaced({x, y})) MarkShapeDraw(dc, box, shape);
+    POINT center;
+    const bool isPlaced = ScaleOf(*data).Map({x, y}, center);
+    const CRect box = MarkBox(center, HalfSizeOnSurface(size));
+    if (isPlaced) MarkShapeDraw(dc, box, shape);
     if (rect != nullptr) {
         // The larger y is the top, as callers in the field expect.
         *rect = {std::min(box.left, box.right), std::max(box.top, box.bottom), std::max(box.left, box.right),
@@ -52,7 +63,8 @@ int CQelGraph::FitLineDraw(CDC* dc, int series, double xFrom, double xTo, double
     if (data == nullptr || dc == nullptr) return 0;
     PenInArea pen(*this, dc, {color, PS_SOLID, width});
     const qel::DataScale scale = ScaleOf(*data);
-    const double from = scale.x.Distance(std::min(xFrom, xTo)), to = scale.x.Distance(std::max(xFrom, xTo));
+    constexpr auto kX = qel::DataScale::kX;
+    const double from = scale.Distance(kX, std::min(xFrom, xTo)), to = scale.Distance(kX, std::max(xFrom, xTo));
     if (!IsOfData() || std::isnan(from + to) || m_rectDrawArea.Width() <= 0) return 1;
 
     qel::Trail<PenInArea> trail(scale, false, pen);
@@ -62,7 +74,7 @@ int CQelGraph::FitLineDraw(CDC* dc, int series, double xFrom, double xTo, double
     // In the middle of each unit between, whose points are cut to that unit, and of the next one behind the area.
     const int end = std::min(last + 2, qel::Pixels(to));
     for (int unit = from >= 0 ? qel::Pixels(from) + 1 : 0; unit < end; ++unit) {
-        add(scale.x.origin + (unit + 0.5) * scale.x.divisor / scale.x.length);
+        add(scale.origin[kX] + (unit + 0.5) * scale.divisor[kX] / scale.length[kX]);
     }
     if (to >= 0 && to <= last) add(std::max(xFrom, xTo));
     return 1;
@@ -73,19 +85,18 @@ int CQelGraph::FreeLineDraw(CDC* dc, int series, double x1, double y1, double x2
     const CGraphDataCtrl* const data = Find(series);
     if (data == nullptr || dc == nullptr) return 0;
     PenInArea pen(*this, dc, {color, PS_SOLID, width});
-    const qel::DataScale scale = ScaleOf(*data);
-    if (!IsOfData() || !scale.IsPlaced({x1, y1}) || !scale.IsPlaced({x2, y2})) return 1;
-    pen.MoveTo(scale.Map({x1, y1}));
-    pen.LineTo(scale.Map({x2, y2}));
+    if (!IsOfData()) return 1;
+    qel::Trail<PenInArea> trail(ScaleOf(*data), false, pen);
+    trail.Add({x1, y1});
+    trail.Add({x2, y2});
     return 1;
 }
 
 int CQelGraph::DrawCrossPoint(CDC* dc, int series, double x, double y) {
     const CGraphDataCtrl* const data = Find(series);
     if (data == nullptr || dc == nullptr || !IsOfData()) return 0;
-    const qel::DataScale scale = ScaleOf(*data);
-    if (!scale.IsPlaced({x, y})) return 0;
-    const POINT at = scale.Map({x, y});
+    POINT at;
+    if (!ScaleOf(*data).Map({x, y}, at)) return 0;
     const CRect& area = m_rectDrawArea;
     const int width = m_nCoordinateMode == 0 ? 1 : kMetricCross;
     CRgn region;

@@ -4,39 +4,61 @@
 
 #include "qellib10/graph/label_font.h"
 #include "qellib10/graph/qel_graph.h"
+#include "qellib10/print/clip_box.h"
+#include "qellib10/print/queue_data.h"
+
+namespace {
+
+constexpr int kAligned[] = {1, 2, 4};  // how a text command says left, centre, right
+
+}  // namespace
+
+template <class Set> void CQelGraph::Record(const Set& set) {
+    if (m_pPrintJob == nullptr) return;
+    CQelPrintJobCommand command;
+    set(command);
+    m_pPrintJob->AddCommand(command);
+}
 
 void CQelGraph::DCMoveTo(CDC* dc, int x, int y) {
     if (dc == nullptr) return;
     dc->MoveTo(x, y);
+    Record([&](CQelPrintJobCommand& command) { command.SetMoveTo(x, y); });
 }
 
 void CQelGraph::DCLineTo(CDC* dc, int x, int y) {
     if (dc == nullptr) return;
     dc->LineTo(x, y);
+    Record([&](CQelPrintJobCommand& command) { command.SetLineTo(x, y); });
 }
 
 void CQelGraph::DCRectangle(CDC* dc, int left, int top, int right, int bottom) {
     if (dc == nullptr) return;
     dc->Rectangle(left, top, right, bottom);
+    Record([&](CQelPrintJobCommand& command) { command.SetRectangle(left, top, right, bottom); });
 }
 
 void CQelGraph::DCArc(CDC* dc, int left, int top, int right, int bottom, int startX, int startY, int endX, int endY) {
     if (dc == nullptr) return;
     dc->Arc(left, top, right, bottom, startX, startY, endX, endY);
+    Record([&](CQelPrintJobCommand& command) { command.SetArc(left, top, right, bottom, startX, startY, endX, endY); });
 }
 
-void CQelGraph::DCTextOut(CDC* dc, int x, int y, const char* face, int size, unsigned long color, const char* text, int,
-                          int, int) {
+void CQelGraph::DCTextOut(CDC* dc, int x, int y, const char* face, int size, unsigned long color, const char* text,
+                          int align, int width, int height) {
     if (dc == nullptr) return;
     const qel::LabelFont font(dc, face, size);
     const COLORREF before = dc->SetTextColor(static_cast<COLORREF>(color));
     dc->TextOut(x, y, text);
     dc->SetTextColor(before);
+    const int style = kAligned[align >= 0 && align <= 2 ? align : 0];
+    Record([&](CQelPrintJobCommand& command) { command.SetText(x, y, face, size, color, text, style, width, height); });
 }
 
 CPen* CQelGraph::DCCreateAndSelectPen(CDC* dc, CPen* pen, int style, int width, unsigned long color) {
     if (dc == nullptr || pen == nullptr) return nullptr;
     pen->CreatePen(style, width, static_cast<COLORREF>(color));
+    Record([&](CQelPrintJobCommand& command) { command.SetPen(style, width, color); });
     return dc->SelectObject(pen);
 }
 
@@ -44,12 +66,13 @@ void CQelGraph::DCClipDrawArea(CDC* dc, CRgn* region) {
     if (dc == nullptr) return;
     if (region == nullptr) {
         dc->SelectClipRgn(nullptr);
+        Record([](CQelPrintJobCommand& command) { command.SetRgn(0, 0, 0, 0); });
         return;
     }
-    CRect box = InclusiveArea(*dc);
-    dc->LPtoDP(&box);
+    const CRect area = InclusiveArea(*dc), box = qel::ClipBox(*dc, area);
     region->CreateRectRgnIndirect(&box);
     dc->SelectClipRgn(region);
+    Record([&](CQelPrintJobCommand& command) { command.SetRgn(area.left, area.top, area.right, area.bottom); });
 }
 
 // A region leaves out its edges at the larger device coordinates, the area includes them: so that its outline and the

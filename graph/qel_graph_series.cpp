@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "qellib10/graph/curve_reducer.h"
 #include "qellib10/graph/data_scale.h"
 #include "qellib10/graph/pen_in_area.h"
+#include "qellib10/graph/thin_curve.h"
 #include "qellib10/graph/trail.h"
 
 namespace {
@@ -40,27 +40,27 @@ int CQelGraph::PlotLineDraw(CDC* dc, int series) {
     const qel::DataScale scale = ScaleOf(data);
     const int halfSize = HalfSizeOnSurface(m_nCoordinateMode == 1 ? kMetricCircle : kCircle);
     for (const CGraphData& point : data.GetData()) {
-        if (scale.IsPlaced(point)) MarkShapeDraw(dc, MarkBox(scale.Map(point), halfSize), 0);
+        POINT at;
+        if (scale.Map(point, at)) MarkShapeDraw(dc, MarkBox(at, halfSize), 0);
     }
     return 1;
-}
-
-template <class Pen> void CQelGraph::Follow(const CGraphDataCtrl& series, Trace trace, Pen& pen) const {
-    qel::Trail<Pen> trail(ScaleOf(series, trace == Trace::kStepsFromRight), trace != Trace::kLine, pen);
-    for (const CGraphData& point : series.GetData()) trail.Add(point);
 }
 
 int CQelGraph::CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace) {
     if (dc == nullptr) return 0;
     if (series.GetDataCount() < 2) return 1;
     PenInArea pen(*this, dc, series.GetLineStyle());
+    const qel::DataScale scale = ScaleOf(series, trace == Trace::kStepsFromRight);
+    const bool isSteps = trace != Trace::kLine;
     if (!IsOfData()) {
-        pen.MoveTo(ScaleOf(series).Map(series.GetData().front()));
-    } else if (IsThinSolid(series.GetLineStyle()) && IsUnitAPixel(*dc)) {
-        qel::CurveReducer<PenInArea> reduced(pen);
-        Follow(series, trace, reduced);
+        POINT first;
+        scale.Map(series.GetData().front(), first);
+        pen.MoveTo(first);
+    } else if (m_pPrintJob == nullptr && IsThinSolid(series.GetLineStyle()) && IsUnitAPixel(*dc)) {
+        qel::ThinCurve<PenInArea>(scale, isSteps, pen).Draw(series.GetData());
     } else {
-        Follow(series, trace, pen);
+        qel::Trail<PenInArea> trail(scale, isSteps, pen);
+        for (const CGraphData& point : series.GetData()) trail.Add(point);
     }
     return 1;
 }
@@ -78,8 +78,8 @@ int CQelGraph::BarDraw(CDC* dc, int series) {
     if (IsOfData()) {
         const qel::DataScale scale = ScaleOf(*data);
         for (const CGraphData& point : data->GetData()) {
-            if (!scale.IsPlaced(point)) continue;
-            const POINT at = scale.Map(point);
+            POINT at;
+            if (!scale.Map(point, at)) continue;
             const std::int64_t left = std::int64_t{at.x} - width / 2;
             DCRectangle(dc, static_cast<int>(left), at.y, static_cast<int>(left + width), m_rectDrawArea.bottom);
         }

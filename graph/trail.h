@@ -11,18 +11,15 @@ public:
     Trail(const DataScale& scale, bool isSteps, Pen& pen) : m_scale(scale), m_isSteps(isSteps), m_pen(pen) {}
 
     void Add(const CGraphData& data) {
-        if (!m_scale.IsPlaced(data)) {
-            m_isDown = false;
-            return;
-        }
-        const POINT to = m_scale.Map(data);
-        if (!m_isDown) {
-            m_pen.MoveTo(to);
-        } else {
+        POINT to;
+        const bool isPlaced = m_scale.Map(data, to);
+        if (isPlaced && m_isDown) {
             if (m_isSteps) m_pen.LineTo({to.x, m_last.y});
             m_pen.LineTo(to);
+        } else if (isPlaced) {
+            m_pen.MoveTo(to);
         }
-        m_isDown = true;
+        m_isDown = isPlaced;
         m_last = to;
     }
 

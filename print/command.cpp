@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "qellib10/platform/drawing/dc.h"
-#include "qellib10/platform/drawing/preview_dc.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/wrapped.h"
+#include "qellib10/print/clip_box.h"
 #include "qellib10/print/gdi_objects.h"
 
 namespace {
@@ -21,23 +21,6 @@ constexpr UINT DrawTextFormat(int style) {
     if ((style & 0x20) != 0) format |= DT_WORDBREAK;
     if ((style & 0x40) != 0) format |= DT_EDITCONTROL;
     return format;
-}
-
-// A box of logical units in device units of the surface that is drawn on. A preview takes in the last row and column
-// too, which its scale would else round away.
-CRect ClipBox(CDC& dc, CRect box) {
-    dc.LPtoDP(&box);
-    const auto* const preview = dynamic_cast<CPreviewDC*>(&dc);
-    if (preview == nullptr) return box;
-    POINT topLeft = box.TopLeft(), origin{0, 0};
-    CPoint bottomRight = box.BottomRight();
-    preview->PrinterDPtoScreenDP(&topLeft);
-    preview->PrinterDPtoScreenDP(&bottomRight);
-    GetViewportOrgEx(preview->GetSafeHdc(), &origin);
-    bottomRight.Offset(1, 1);
-    box = CRect(topLeft.x, topLeft.y, bottomRight.x, bottomRight.y);
-    box.OffsetRect(origin);
-    return box;
 }
 
 }  // namespace
@@ -165,7 +148,7 @@ int CQelPrintJobCommand::Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* ob
             carried.SelectPen(*dc, m_nStyle, m_nPenWidth, m_color);
             break;
         case kSetRgn: {
-            const CRect logical = box(), device = ClipBox(*dc, logical);
+            const CRect logical = box(), device = qel::ClipBox(*dc, logical);
             const bool endsLimit =
                 logical.left == logical.top && logical.left == logical.right && logical.left == logical.bottom;
             carried.SelectClip(*dc, endsLimit ? nullptr : &device);

@@ -60,7 +60,7 @@ public:
     bool Restore(int saved);
 
     void MoveTo(const POINT& to);
-    void LineTo(const POINT& to) {
+    void LineTo(POINT to) {
         if (m_isInkStale) UseInk();
         if (!m_isPenDown) PutPenDown();
         m_state.position = to;

@@ -7,11 +7,6 @@
 namespace qel {
 namespace {
 
-LONG Kept(LONGLONG value) noexcept {
-    return static_cast<LONG>(
-        std::clamp<LONGLONG>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
-}
-
 // Rounded to nearest, halves away from zero; extents are never 0. A distance beyond 32 bits counts as the longest.
 LONGLONG Scale(LONGLONG distance, LONG numerator, LONG denominator) noexcept {
     LONGLONG product = LONGLONG{Kept(distance)} * numerator;
@@ -104,19 +99,14 @@ void Mapping::Changed() noexcept {
         m_windowExtent.cx == 1 && m_windowExtent.cy == 1 && m_viewportExtent.cx == 1 && m_viewportExtent.cy == 1;
 }
 
-POINT Mapping::Shifted(const POINT& logical) const noexcept {
-    return {Kept(LONGLONG{logical.x} - m_windowOrigin.x + m_viewportOrigin.x),
-            Kept(LONGLONG{logical.y} - m_windowOrigin.y + m_viewportOrigin.y)};
-}
-
-POINT Mapping::Scaled(const POINT& logical) const noexcept {
+POINT Mapping::Scaled(POINT logical) const noexcept {
     return {Kept(Scale(LONGLONG{logical.x} - m_windowOrigin.x, m_viewportExtent.cx, m_windowExtent.cx) +
                  m_viewportOrigin.x),
             Kept(Scale(LONGLONG{logical.y} - m_windowOrigin.y, m_viewportExtent.cy, m_windowExtent.cy) +
                  m_viewportOrigin.y)};
 }
 
-POINT Mapping::ToLogical(const POINT& device) const noexcept {
+POINT Mapping::ToLogical(POINT device) const noexcept {
     return {
         Kept(Scale(LONGLONG{device.x} - m_viewportOrigin.x, m_windowExtent.cx, m_viewportExtent.cx) + m_windowOrigin.x),
         Kept(Scale(LONGLONG{device.y} - m_viewportOrigin.y, m_windowExtent.cy, m_viewportExtent.cy) +

@@ -1,8 +1,17 @@
 #pragma once
 
+#include <algorithm>
+#include <limits>
+
 #include "qellib10/platform/drawing/drawing_types.h"
 
 namespace qel {
+
+/// The nearest number of 32 bits.
+inline LONG Kept(LONGLONG value) noexcept {
+    return static_cast<LONG>(
+        std::clamp<LONGLONG>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
+}
 
 /// Where logical coordinates lie on the device: device = (logical - window origin) * viewport extent / window extent +
 /// viewport origin, rounded to nearest and kept within 32 bits.
@@ -24,8 +33,9 @@ public:
     bool SetWindowExtent(const SIZE& extent) noexcept;
     bool SetViewportExtent(const SIZE& extent) noexcept;
 
-    POINT ToDevice(const POINT& logical) const noexcept { return m_isShift ? Shifted(logical) : Scaled(logical); }
-    POINT ToLogical(const POINT& device) const noexcept;
+    // Points by value, in a register: one that was written to memory as two halves is slow to be read as a whole.
+    POINT ToDevice(POINT logical) const noexcept { return m_isShift ? Shifted(logical) : Scaled(logical); }
+    POINT ToLogical(POINT device) const noexcept;
     /// A length in device units, not negative.
     int WidthToDevice(int width) const noexcept;
     int HeightToDevice(int height) const noexcept;
@@ -34,8 +44,11 @@ public:
     int HeightToLogical(int height) const noexcept;
 
 private:
-    POINT Shifted(const POINT& logical) const noexcept;
-    POINT Scaled(const POINT& logical) const noexcept;
+    POINT Shifted(POINT logical) const noexcept {
+        return {Kept(LONGLONG{logical.x} - m_windowOrigin.x + m_viewportOrigin.x),
+                Kept(LONGLONG{logical.y} - m_windowOrigin.y + m_viewportOrigin.y)};
+    }
+    POINT Scaled(POINT logical) const noexcept;
     void KeepShape() noexcept;
     void Changed() noexcept;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 
 #include "qellib10/platform/drawing/geometry.h"
@@ -18,6 +19,7 @@ template <class Pixel> struct BasicRaster {
     int bottom = 0;
 
     Pixel* At(int x, int y) const noexcept { return pixels + y * stride + x; }
+    bool Contains(POINT at) const noexcept { return at.x >= left && at.x < right && at.y >= top && at.y < bottom; }
     /// What a box has in common with the clip; without area when that is nothing.
     CRect Clipped(const CRect& box) const noexcept {
         CRect common;
@@ -72,28 +74,57 @@ template <class Plot> void LineSteps::ForEach(Plot&& plot) const {
     }
 }
 
+/// How pixels lie that a line consists of: what a step along the longer axis adds, what one across, and how the error
+/// grows from step to step.
+template <class Pixel, class Number> struct PixelWalk {
+    Pixel* pixel;
+    std::ptrdiff_t along, across;
+    Number length, rise, error;
+
+    void Write(Number steps, Pixel value) {
+        for (; steps > 0; --steps) {
+            *pixel = value;
+            pixel += along;
+            if ((error += 2 * rise) >= 2 * length) {
+                error -= 2 * length;
+                pixel += across;
+            }
+        }
+    }
+};
+
 template <class Pixel> void LineSteps::Write(const BasicRaster<Pixel>& raster, Pixel value) const {
     if (IsEmpty()) return;
     const Walk at = Start();
-    Pixel* pixel = raster.At(static_cast<int>(at.x), static_cast<int>(at.y));
-    const std::ptrdiff_t major = m_isAlongX ? m_stepMajor : m_stepMajor * raster.stride;
-    const std::ptrdiff_t minor = m_isAlongX ? m_stepMinor * raster.stride : m_stepMinor;
-    std::int64_t error = at.error;
-    for (std::int64_t step = m_first;; ++step) {
-        *pixel = value;
-        if (step == m_last) return;
-        pixel += major;
-        if ((error += 2 * m_rise) >= 2 * m_length) {
-            error -= 2 * m_length;
-            pixel += minor;
-        }
+    PixelWalk<Pixel, std::int64_t>{raster.At(static_cast<int>(at.x), static_cast<int>(at.y)),
+                                   m_isAlongX ? m_stepMajor : m_stepMajor * raster.stride,
+                                   m_isAlongX ? m_stepMinor * raster.stride : m_stepMinor,
+                                   m_length,
+                                   m_rise,
+                                   at.error}
+        .Write(m_last - m_first + 1, value);
+}
+
+/// The same for a line whose ends both lie in the clip, as nearly all do: nothing is to be computed beforehand.
+template <class Pixel> void DrawThinLineInside(const BasicRaster<Pixel>& raster, POINT from, POINT to, Pixel value) {
+    const int dx = to.x - from.x, dy = to.y - from.y;
+    const int width = std::abs(dx), height = std::abs(dy);
+    const std::ptrdiff_t right = dx > 0 ? 1 : -1, down = dy > 0 ? raster.stride : -raster.stride;
+    Pixel* const pixel = raster.At(from.x, from.y);
+    if (width >= height) {
+        PixelWalk<Pixel, int>{pixel, right, down, width, height, width - (dy > 0)}.Write(width, value);
+    } else {
+        PixelWalk<Pixel, int>{pixel, down, right, height, width, height - (dx > 0)}.Write(height, value);
     }
 }
 
 /// Draws a thin solid line, its last pixel left out.
-template <class Pixel>
-void DrawThinLine(const BasicRaster<Pixel>& raster, const POINT& from, const POINT& to, Pixel value) {
-    LineSteps(from, to, {raster.left, raster.top, raster.right, raster.bottom}).Write(raster, value);
+template <class Pixel> void DrawThinLine(const BasicRaster<Pixel>& raster, POINT from, POINT to, Pixel value) {
+    if (raster.Contains(from) && raster.Contains(to)) {
+        DrawThinLineInside(raster, from, to, value);
+    } else {
+        LineSteps(from, to, {raster.left, raster.top, raster.right, raster.bottom}).Write(raster, value);
+    }
 }
 
 template <class Pixel> void FillBox(const BasicRaster<Pixel>& raster, const CRect& box, Pixel value) {

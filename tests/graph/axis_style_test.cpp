@@ -1,11 +1,9 @@
 #include "qellib10/graph/axis_style.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
-#include "../support/cases.h"
+#include "../support/test.h"
 
 TEST(AxisStyle, ValuesAreWrittenInFields) {
     constexpr int kMost = std::numeric_limits<int>::max();

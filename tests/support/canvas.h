@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "qellib10/platform/drawing/dc.h"
 
@@ -36,6 +37,18 @@ struct Canvas {
     COLORREF At(int x, int y) {
         const CPoint origin = dc.GetViewportOrg();
         return dc.GetPixel(x - origin.x, y - origin.y);
+    }
+    std::vector<DWORD> Pixels() {
+        BITMAP size;
+        bitmap.GetBitmap(&size);
+        std::vector<DWORD> pixels(static_cast<std::size_t>(size.bmWidth) * static_cast<std::size_t>(size.bmHeight));
+        dc.GetPixel(0, 0);  // draws what is held back
+        bitmap.GetBitmapBits(static_cast<DWORD>(pixels.size() * 4), pixels.data());
+        return pixels;
+    }
+    long Count(COLORREF color) {
+        const DWORD pixel = GetRValue(color) << 16U | GetGValue(color) << 8U | GetBValue(color);
+        return std::ranges::count(Pixels(), pixel);
     }
     std::string Row(int y, int from, int to) {
         std::string row;

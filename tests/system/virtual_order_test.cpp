@@ -100,7 +100,8 @@ TEST(VirtualOrder, IsFixed) {
     using Graph = CQelGraph;
     ExpectInOrder(kDestructor, &Graph::InitializeParameter, &Graph::InitializeData, &Graph::AddData,
                   &Graph::SetDrawSize, &Graph::GraphDraw, &Graph::MarkDraw, &Graph::FitLineDraw, &Graph::FreeLineDraw,
-                  &Graph::DrawCrossPoint);
+                  &Graph::DrawCrossPoint, &Graph::GetPrintJob);
+    EXPECT_EQ(Slots(CQelGraph()), kDestructor + 10);
 
     // Its slots have numbers, which count from 1 with the destructor as one.
     using Store = CClassAgentConnectInterface;

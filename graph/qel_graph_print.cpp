@@ -1,0 +1,50 @@
+#include <optional>
+
+#include "qellib10/graph/qel_graph.h"
+#include "qellib10/print/queue_data.h"
+
+namespace {
+
+// The job that a graph records into, until this object goes.
+class Attachment {
+public:
+    Attachment(CQelPrintJobQueueData*& place, CQelPrintJobQueueData* job) : m_place(place) { m_place = job; }
+    ~Attachment() { m_place = nullptr; }
+    Attachment(const Attachment&) = delete;
+    Attachment& operator=(const Attachment&) = delete;
+
+private:
+    CQelPrintJobQueueData*& m_place;
+};
+
+// The printer of a page style: its selected context, which stays there, or a new one, which goes with this object.
+class Printer {
+public:
+    explicit Printer(CQelPrintJobPageStyle& style) : m_isSelected(style.GetSelectedPrinterDC() != nullptr) {
+        m_dc.Attach(m_isSelected ? style.GetSelectedPrinterDC() : style.GetPrinterDC());
+    }
+    ~Printer() {
+        if (m_isSelected) m_dc.Detach();
+    }
+    Printer(const Printer&) = delete;
+    Printer& operator=(const Printer&) = delete;
+
+    CDC* Surface() { return m_dc.GetSafeHdc() != nullptr ? &m_dc : nullptr; }
+
+private:
+    const bool m_isSelected;
+    CDC m_dc;
+};
+
+}  // namespace
+
+int CQelGraph::GetPrintJob(CQelPrintJobQueueData* job, const CRect& rect, CDC* dc) {
+    if (job == nullptr) return 0;
+    const Attachment attachment(m_pPrintJob, job);
+    std::optional<Printer> printer;
+    if (dc == nullptr) dc = printer.emplace(job->GetPageStyle()).Surface();
+    if (dc == nullptr) return 0;
+    SetDrawSize(rect.Width(), rect.Height());
+    GraphDraw(dc, rect.left, rect.top);
+    return 0;
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <algorithm>
+#include <initializer_list>
+#include <span>
+
+#include "qellib10/graph/column_window.h"
+#include "qellib10/graph/data_scale.h"
+
+namespace qel {
+
+/// Leads a pen along a series as Trail does, with at most five points a column and yet the pixels of all points.
+///
+/// A run of points in one column draws every pixel between its highest and its lowest point and nothing else, so of a
+/// run the first and last point count and these two. The run that ends a line is different, since a line leaves out its
+/// last point: that pixel is drawn only when another point of the run reaches it, or a line passes it. There the
+/// highest and lowest are those of all points before the last one that is not where the point before it is; and the pen
+/// leaves both of them again.
+///
+/// This holds for thin solid pens, on surfaces where a unit is a pixel.
+template <class Pen> class ThinCurve {
+public:
+    /// @param isSteps each value is held until the next one comes
+    ThinCurve(const DataScale& scale, bool isSteps, Pen& pen) : m_scale(scale), m_isSteps(isSteps), m_pen(pen) {}
+
+    void Draw(std::span<const CGraphData> data) {
+        m_pEnd = data.data() + data.size();
+        for (const CGraphData* at = data.data(); at != m_pEnd;) {
+            POINT first;
+            at = m_scale.Map(*at, first) ? DrawLine(at, first) : at + 1;
+        }
+    }
+
+private:
+    struct Run {
+        const CGraphData* end;  // the first point that does not belong to it
+        bool isLast;            // of its line
+        POINT next;             // where that point lies, unless it is the last run
+        double low, high;
+    };
+
+    // @return where the line ends: at a gap or at the end of the series
+    const CGraphData* DrawLine(const CGraphData* at, POINT first) {
+        m_pen.MoveTo(first);
+        for (;;) {
+            const Run run = FindRun(at, first.x);
+            if (run.isLast) {
+                DrawLastRun({at, run.end}, first);
+                return run.end;
+            }
+            int y = first.y;
+            if (run.end - at > 1) {
+                y = m_scale.MapY(run.end[-1].GetYData());
+                DrawUpright(first, {m_scale.MapY(run.low), m_scale.MapY(run.high), y});
+            }
+            if (m_isSteps) m_pen.LineTo({run.next.x, y});
+            m_pen.LineTo(run.next);
+            first = run.next;
+            at = run.end;
+        }
+    }
+
+    Run FindRun(const CGraphData* begin, int column) const {
+        // So many points in the column before a window is worth its while.
+        constexpr std::ptrdiff_t kFew = 6;
+        Run run{begin + 1, false, {0, 0}, begin->GetYData(), begin->GetYData()};
+        for (; run.end != m_pEnd; ++run.end) {
+            if (run.end - begin == kFew) {
+                PassWindow(ColumnWindow(m_scale, column - m_scale.edge.x), column, run);
+                break;
+            }
+            if (!Take(column, run)) break;
+        }
+        run.isLast |= run.end == m_pEnd;
+        return run;
+    }
+    void PassWindow(const ColumnWindow& window, int column, Run& run) const {
+        for (; run.end != m_pEnd; ++run.end) {
+            run.end = window.Pass({run.end, m_pEnd}, run.low, run.high);
+            if (run.end == m_pEnd || !Take(column, run)) return;
+        }
+    }
+    // Adds the point at the run's end. @return false when it is not of the run
+    bool Take(int column, Run& run) const {
+        run.isLast = !m_scale.Map(*run.end, run.next);
+        if (run.isLast || run.next.x != column) return false;
+        run.low = std::min(run.low, run.end->GetYData());
+        run.high = std::max(run.high, run.end->GetYData());
+        return true;
+    }
+
+    void DrawLastRun(std::span<const CGraphData> points, const POINT& first) {
+        int low = first.y, high = first.y, last = first.y;
+        for (const CGraphData& point : points) {
+            const int y = m_scale.MapY(point.GetYData());
+            if (y == last) continue;
+            low = std::min(low, last);
+            high = std::max(high, last);
+            last = y;
+        }
+        DrawUpright(first, {low, high, low, last});
+    }
+    void DrawUpright(const POINT& from, std::initializer_list<int> stops) {
+        int y = from.y;
+        for (const int next : stops) {
+            if (next != y) m_pen.LineTo({from.x, next});
+            y = next;
+        }
+    }
+
+    const DataScale m_scale;
+    const bool m_isSteps;
+    Pen& m_pen;
+    const CGraphData* m_pEnd = nullptr;
+};
+
+}  // namespace qel
