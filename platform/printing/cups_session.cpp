@@ -15,7 +15,7 @@ using std::chrono::steady_clock;
 
 // libcups asks twice, waits for a second each time, and only then for our limit: a server that never answers takes
 // kAnswer, another second and kStep in all.
-constexpr auto kAnswer = std::chrono::milliseconds(3000);
+constexpr auto kAnswer = std::chrono::milliseconds(2400);
 constexpr double kStep = 0.25;  // seconds between two looks at the time
 constexpr int kConnectMilliseconds = 1500;
 constexpr double kTransferSeconds = 10;
@@ -39,6 +39,11 @@ CupsSession::CupsSession()
     cups_dest_t* queues = nullptr;
     const int count = ::cupsGetDests2(m_pHttp, &queues);
     m_queues = {queues, static_cast<std::size_t>(std::max(count, 0))};
+    if (m_queues.empty() || std::ranges::any_of(m_queues, [](const auto& queue) { return queue.is_default != 0; })) return;
+    // Which one the user has chosen is marked already, but not which one the server has.
+    if (cups_dest_t* const queue = ::cupsGetDest(::cupsGetDefault2(m_pHttp), nullptr, count, queues)) {
+        queue->is_default = 1;
+    }
 }
 
 CupsSession::~CupsSession() {

@@ -3,29 +3,18 @@
 #include <cairo.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <random>
 #include <string>
 
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/preview_dc.h"
 
+#include "../support/output_of.h"
 #include "../support/temp_folder.h"
 
 namespace {
-
-std::string OutputOf(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::string output;
-    std::array<char, 4096> block;
-    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe.get()))
-        output.append(block.data(), count);
-    return output;
-}
 
 // One of everything.
 void DrawSheet(CDC& dc, const CString& text) {

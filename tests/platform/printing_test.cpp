@@ -1,0 +1,251 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <chrono>
+#include <cstring>
+#include <optional>
+
+#include "qellib10/platform/printing/document_name.h"
+#include "qellib10/platform/printing/print_dialog.h"
+#include "qellib10/platform/printing/print_spooler.h"
+#include "qellib10/platform/storage/descriptor.h"
+
+#include "../support/cases.h"
+#include "../support/output_of.h"
+#include "../support/print_system.h"
+
+namespace {
+
+// One page with one word. @return whether the document was taken
+bool Print(HDC handle, const CString& name = "Report", const char* word = "hello") {
+    CDC dc;
+    return dc.Attach(handle) && dc.StartDoc(name) > 0 && dc.StartPage() > 0 && dc.TextOut(0, 0, word) &&
+           dc.EndPage() > 0 && dc.EndDoc() > 0;
+}
+
+HDC Printer(const char* name, const DEVMODE* mode = nullptr) { return CreateDC(nullptr, name, nullptr, mode); }
+
+std::string Names(DWORD flags) {
+    DWORD needed = 0, count = 0;
+    EnumPrinters(flags, nullptr, 1, nullptr, 0, &needed, &count);
+    std::vector<BYTE> buffer(needed, 0xEE);
+    EXPECT_FALSE(needed > 0 && EnumPrinters(flags, nullptr, 1, buffer.data(), needed - 1, &needed, &count));
+    for (const BYTE byte : buffer) EXPECT_EQ(byte, 0xEE) << "too small";
+    EXPECT_TRUE(EnumPrinters(flags, nullptr, 1, buffer.data(), needed, &needed, &count));
+    std::string names;
+    for (DWORD i = 0; i < count; ++i) {
+        PRINTER_INFO_1 info;
+        std::memcpy(&info, buffer.data() + i * sizeof info, sizeof info);
+        names.append(info.pName).append(" ");
+    }
+    return names;
+}
+
+class Cups : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!PrintSystem::IsInstalled()) {
+            GTEST_SKIP()
+                << "needs cups-daemon, cups-client, cups-ipp-utils and dbus-daemon (scripts/install-deps test)";
+        }
+        system.emplace();
+        ASSERT_TRUE(*system);
+    }
+    bool Admin(std::vector<std::string> arguments) {
+        arguments.front().insert(0, "/usr/sbin/");
+        return system->Run(arguments);
+    }
+
+    std::optional<PrintSystem> system;
+};
+
+}  // namespace
+
+TEST_F(Cups, PrintersAreListedAndDescribed) {
+    ASSERT_TRUE(Admin({"lpadmin", "-p", "PDF", "-E", "-v", "ipp://localhost:9/ipp/print", "-D", "not ours"}));
+    ASSERT_TRUE(system->Run({"/usr/bin/lpoptions", "-p", "lab/large", "-o", "media=iso_a3_297x420mm"}));
+    ASSERT_TRUE(Admin({"lpadmin", "-d", "lab"}));
+
+    InOwnThread([] {
+        EXPECT_EQ(Names(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS), "PDF lab lab/large PDF@cups ");
+        EXPECT_EQ(Names(PRINTER_ENUM_CONNECTIONS), "");
+        for (const auto& [name, driver, form] :
+             Cases<const char*, const char*, int>{{"PDF", "PDF", 9},
+                                                  {"lab", "Printer - IPP Everywhere", 9},
+                                                  {"lab/large", "Printer - IPP Everywhere", 8}}) {
+            SCOPED_TRACE(name);
+            HANDLE printer = nullptr;
+            DWORD needed = 0;
+            ASSERT_TRUE(OpenPrinter(name, &printer, nullptr));
+            EXPECT_FALSE(GetPrinter(printer, 2, nullptr, 0, &needed));
+            std::vector<BYTE> buffer(needed + 1);
+            EXPECT_FALSE(GetPrinter(printer, 2, buffer.data() + 1, needed, &needed)) << "not aligned";
+            EXPECT_FALSE(GetPrinter(printer, 3, buffer.data(), needed, &needed));
+            ASSERT_FALSE(GetPrinter(printer, 2, buffer.data(), 8, &needed));
+            ASSERT_TRUE(GetPrinter(printer, 2, buffer.data(), needed, &needed));
+            EXPECT_TRUE(ClosePrinter(printer));
+            EXPECT_FALSE(ClosePrinter(printer));
+            PRINTER_INFO_2 info;
+            std::memcpy(&info, buffer.data(), sizeof info);
+            EXPECT_STREQ(info.pPrinterName, name);
+            EXPECT_STREQ(info.pDriverName, driver);
+            EXPECT_EQ(info.pDevMode->dmPaperSize, form);
+            EXPECT_EQ(info.pDevMode->dmPaperWidth, 0);
+            EXPECT_EQ(info.pDevMode->dmYResolution, driver == std::string("PDF") ? 600 : 300);
+            EXPECT_STREQ(reinterpret_cast<const char*>(info.pDevMode->dmDeviceName), name);
+            EXPECT_EQ(std::string(info.pPortName).starts_with("ipp://localhost:"), driver != std::string("PDF"));
+        }
+        HANDLE printer = &printer;
+        EXPECT_FALSE(OpenPrinter("nobody", &printer, nullptr));
+        EXPECT_EQ(printer, nullptr);
+        CPrintDialog dialog(0);
+        EXPECT_EQ(dialog.DoModal(), IDCANCEL) << "nobody shows it";
+        EXPECT_TRUE(dialog.GetDefaults());
+        EXPECT_EQ(dialog.GetDeviceName(), "lab");
+    });
+}
+
+TEST_F(Cups, PagesArriveAsTheyWereLaidOut) {
+    // Form, direction, width and length of the mode; at 300 dots an inch the sheet, its drawable area and where that
+    // begins; the PDF's page, where the word stands on it, and the paper.
+    using S = std::string;
+    const Cases<int, int, CSize, CSize, CSize, CSize, S, S, S> cases = {
+        {9, 1, {}, {2480, 3508}, {2355, 3346}, {50, 62}, "595.276 x 841.89", "12[.].*1[45][.]", "x-dimension=21000"},
+        {9, 2, {}, {3508, 2480}, {3346, 2355}, {62, 75}, "841.89 x 595.276", "14[.].*1[789][.]", "x-dimension=21000"},
+        {13, 1, {}, {2150, 3035}, {2025, 2873}, {50, 62}, "515.906 x 728.504", "12[.].*1[45][.]", "x-dimension=18200"},
+        {9, 1, {2970, 4200}, {3508, 4961}, {3383, 4799}, {50, 62}, "841.89 x 1190.55", "12[.]", "x-dimension=29700"},
+        {5, 1, {}, {2480, 3508}, {2355, 3346}, {50, 62}, "595.276 x 841.89", "12[.]", "x-dimension=21000"},
+    };
+    InOwnThread([&] {
+        int number = 0;
+        for (const auto& [form, direction, given, sheet, drawable, corner, page, place, medium] : cases) {
+            SCOPED_TRACE(++number);
+            DEVMODE mode{};
+            mode.dmFields = DM_PAPERSIZE | DM_ORIENTATION | DM_PAPERWIDTH | DM_PAPERLENGTH | DM_COPIES | DM_COLOR;
+            mode.dmPaperSize = static_cast<short>(form);
+            mode.dmOrientation = static_cast<short>(direction);
+            mode.dmPaperWidth = static_cast<short>(given.cx);
+            mode.dmPaperLength = static_cast<short>(given.cy);
+            mode.dmCopies = static_cast<short>(20 + number);
+            mode.dmColor = DMCOLOR_MONOCHROME;
+            const HDC dc = Printer("lab", &mode);
+            const std::size_t before = system->PrinterLog().size();
+            EXPECT_TRUE(CSize(GetDeviceCaps(dc, PHYSICALWIDTH), GetDeviceCaps(dc, PHYSICALHEIGHT)) == sheet);
+            EXPECT_TRUE(CSize(GetDeviceCaps(dc, HORZRES), GetDeviceCaps(dc, VERTRES)) == drawable);
+            EXPECT_TRUE(CSize(GetDeviceCaps(dc, PHYSICALOFFSETX), GetDeviceCaps(dc, PHYSICALOFFSETY)) == corner);
+            ASSERT_TRUE(Print(dc, "\x93\x48 a/b", "hello"));
+            const std::string pdf = "'" + system->Printed(number) + "'";
+            EXPECT_NE(OutputOf("pdfinfo " + pdf + " | tr -s ' '").find("Page size: " + page + " pts"),
+                      std::string::npos);
+            EXPECT_EQ(OutputOf("pdftotext -bbox " + pdf + " - | grep -c 'word xMin=\"" + place + ".*hello'"), "1\n");
+            const std::string job = system->PrinterLog().substr(before);
+            EXPECT_NE(job.find("job-name (nameWithoutLanguage) 滴 a/b"), std::string::npos);
+            EXPECT_NE(job.find("copies (integer) " + std::to_string(20 + number)), std::string::npos);
+            EXPECT_NE(job.find("media-size={" + medium), std::string::npos) << job;
+            EXPECT_NE(job.find("print-color-mode (keyword) monochrome"), std::string::npos);
+        }
+    });
+}
+
+TEST_F(Cups, OnlyWholeDocumentsAreSent) {
+    ASSERT_TRUE(
+        system->Run({"/usr/bin/lpoptions", "-p", "lab/back", "-o", "sides=two-sided-long-edge", "-o", "copies=9"}));
+    InOwnThread([&] {
+        EXPECT_EQ(Printer("nobody"), nullptr);
+        CDC dc;
+        ASSERT_TRUE(dc.Attach(Printer("lab")));
+        EXPECT_TRUE(dc.StartDoc("aborted") > 0 && dc.StartPage() > 0 && dc.EndPage() > 0 && dc.AbortDoc() > 0);
+        EXPECT_TRUE(dc.StartDoc("empty") > 0 && dc.EndDoc() > 0);
+        EXPECT_TRUE(dc.StartDoc("deleted") > 0 && dc.StartPage() > 0 && dc.EndPage() > 0 && dc.DeleteDC());
+        const HDC refused = Printer("lab");
+        ASSERT_TRUE(Admin({"cupsreject", "lab"}));
+        EXPECT_FALSE(Print(refused));
+        ASSERT_TRUE(Admin({"cupsaccept", "lab"}));
+        const HDC late = Printer("lab");
+        EXPECT_TRUE(Print(Printer("lab/back"), "whole"));
+        EXPECT_NE(system->Printed(1), "") << "the first that the printer was sent";
+        EXPECT_NE(system->PrinterLog().find("sides (keyword) two-sided-long-edge"), std::string::npos);
+        EXPECT_EQ(system->PrinterLog().find("copies (integer) 9"), std::string::npos);
+        ASSERT_TRUE(Admin({"lpadmin", "-x", "lab"}));
+        EXPECT_FALSE(Print(late)) << "the queue is gone";
+    });
+}
+
+TEST(Printing, ServerThatIsMissingOrMuteIsGivenUp) {
+    const TempFolder folder;
+    const EnvironmentScope server("CUPS_SERVER", folder.Posix("socket").c_str());
+    const auto seconds = [](const std::function<void()>& step) {
+        const auto start = std::chrono::steady_clock::now();
+        InOwnThread(step);
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    EXPECT_LT(seconds([] {
+                  EXPECT_EQ(Names(PRINTER_ENUM_LOCAL), "PDF ");
+                  EXPECT_EQ(Printer("lab"), nullptr);
+              }),
+              1);
+    const qel::Descriptor mute(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, folder.Posix("socket").c_str(), sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(mute.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(mute.Get(), 10), 0);
+    EXPECT_LT(seconds([] { EXPECT_EQ(Printer("lab"), nullptr); }), 5);
+}
+
+TEST(PdfPrinter, WritesEachDocumentUnderANameOfItsOwn) {
+    const TempFolder folder;
+    const EnvironmentScope target("QELLIB10_PDF_DIR", folder.Posix("new/out").c_str());
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(Print(Printer("PDF"), "\x93\x48 1/2"));
+    EXPECT_EQ(OutputOf("ls -A " + folder.Posix("new/out").native()), "滴 1_2 (2).pdf\n滴 1_2 (3).pdf\n滴 1_2.pdf\n");
+    EXPECT_EQ(OutputOf("pdftotext '" + folder.Posix("new/out/滴 1_2 (3).pdf").native() + "' - | head -1"), "hello\n");
+
+    folder.Write("file", "");
+    for (const std::string& bad : {std::string("/proc/none"), folder.Posix("file").native()}) {
+        const EnvironmentScope other("QELLIB10_PDF_DIR", bad.c_str());
+        CDC dc;
+        EXPECT_TRUE(dc.Attach(Printer("PDF")));
+        EXPECT_LT(dc.StartDoc("x"), 1) << bad;
+    }
+    std::filesystem::permissions(folder.Posix("new/out"), std::filesystem::perms(0555));
+    std::filesystem::permissions(folder.Posix(), std::filesystem::perms(0755));
+    EXPECT_EQ(InChild([] {
+                  if (::geteuid() == 0 && ::seteuid(65534) != 0) return 2;  // root may write everywhere
+                  return Print(Printer("PDF"), "x") ? 1 : 0;
+              }),
+              0);
+    const EnvironmentScope none("QELLIB10_PDF_DIR", nullptr), config("XDG_CONFIG_HOME", folder.Posix().c_str());
+    folder.Write("user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"" + folder.Posix("Papers").native() + "\"\n");
+    EXPECT_TRUE(Print(Printer("PDF"), "x"));
+    EXPECT_TRUE(folder.Has("Papers/x.pdf"));
+}
+
+TEST(PdfPrinter, MakesFileNamesOfDocumentNames) {
+    const std::string tooLong(198, 'a');
+    for (const auto& [name, expected] :
+         Cases<std::string, std::string>{{"", "document"},
+                                         {" .. ", "document"},
+                                         {"../etc", "_etc"},
+                                         {". a. b. ", "a. b"},
+                                         {"a\\b:c*d?e\"f<g>h|i\x7F\n", "a_b_c_d_e_f_g_h_i__"},
+                                         {tooLong + "滴", tooLong},
+                                         {tooLong + "é", tooLong + "é"},
+                                         {tooLong + " .x", tooLong}}) {
+        EXPECT_EQ(qel::FileNameOf(name), expected);
+    }
+}
+
+TEST(SetPaper, NamesTheFormOrTheSize) {
+    for (const auto& [sheet, form, size] : Cases<SIZE, int, CSize>{{{21000, 29700}, 9, {0, 0}},
+                                                                   {{20950, 29790}, 9, {0, 0}},
+                                                                   {{21590, 27940}, 1, {2159, 2794}},
+                                                                   {{12500, 17600}, 256, {1250, 1760}},
+                                                                   {{10000, 90000000}, 256, {1000, 32767}}}) {
+        DEVMODE mode{};
+        mode.dmPaperWidth = mode.dmPaperLength = 5;
+        qel::SetPaper(mode, sheet);
+        EXPECT_EQ(mode.dmPaperSize, form);
+        EXPECT_TRUE(CSize(mode.dmPaperWidth, mode.dmPaperLength) == size) << form;
+    }
+}
