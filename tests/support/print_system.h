@@ -15,8 +15,9 @@
 /// exists; every program ends with it.
 class PrintSystem {
 public:
-    /// Whether the programs are there.
+    /// Whether the programs are there, and which packages they come from.
     static bool IsInstalled();
+    static constexpr const char* kNeeds = "needs cups-client, cups-daemon, cups-ipp-utils and dbus-daemon";
 
     PrintSystem();
     ~PrintSystem();
