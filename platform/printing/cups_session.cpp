@@ -39,7 +39,8 @@ CupsSession::CupsSession()
     cups_dest_t* queues = nullptr;
     const int count = ::cupsGetDests2(m_pHttp, &queues);
     m_queues = {queues, static_cast<std::size_t>(std::max(count, 0))};
-    if (m_queues.empty() || std::ranges::any_of(m_queues, [](const auto& queue) { return queue.is_default != 0; })) return;
+    if (m_queues.empty() || std::ranges::any_of(m_queues, [](const auto& queue) { return queue.is_default != 0; }))
+        return;
     // Which one the user has chosen is marked already, but not which one the server has.
     if (cups_dest_t* const queue = ::cupsGetDest(::cupsGetDefault2(m_pHttp), nullptr, count, queues)) {
         queue->is_default = 1;

@@ -9,9 +9,9 @@
 //               user's folder for documents), named after the document, never over another file
 //     NAME      a queue, or NAME/INSTANCE as the user has set it up; a queue that is called PDF itself is PDF@cups
 //
-// No call waits for a server longer than 5 seconds, but for the transfer of a document, which is given up after 10
-// seconds without progress. The look-up of a remote server's name follows the resolver's own limit. Answers are 0
-// or null on failure. Any thread; a context and a handle belong to one at a time.
+// A server that does not answer is given up within 5 seconds, the transfer of a document after 10 seconds without
+// progress; the look-up of a remote server's name has the resolver's own limit. Answers are 0 or null on failure. Any
+// thread; a context and a handle belong to one at a time.
 
 /// Which printers EnumPrinters lists.
 enum : DWORD {
