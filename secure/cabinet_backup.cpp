@@ -12,10 +12,7 @@ CabinetBackup::CabinetBackup() : m_name(CQFile::GetTempFilePath("hcf")) {}
 
 CabinetBackup::~CabinetBackup() {
     if (m_stays) return;
-    AsResult([&] {
-        DeleteFile(m_name.View());
-        return 1;
-    });
+    Succeeds([&] { DeleteFile(m_name.View()); });
 }
 
 void CabinetBackup::Take(const CFile& cabinet) {

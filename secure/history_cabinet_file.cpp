@@ -30,6 +30,7 @@ void Write(CFile& file, ULONGLONG offset, std::span<const std::byte> bytes) {
     file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
 }
 
+// As its header tells; the file may end before its data do.
 struct StoredVersion {
     _CAB_VERSIONHEADER header;
     ULONGLONG dataAt, end;
@@ -38,8 +39,7 @@ struct StoredVersion {
 // What stands in an open cabinet.
 class Content {
 public:
-    explicit Content(const CFile& cabinet)
-        : m_file(cabinet.ReadableDescriptor()), m_name(cabinet.GetFilePath()), m_length(cabinet.GetLength()) {}
+    explicit Content(const CFile& cabinet) : m_cabinet(cabinet), m_name(cabinet.GetFilePath()) {}
 
     qel::CabinetHeader Header() const { return qel::UnpackCabinetHeader(BytesAt<qel::kCabinetHeaderSize>(0)); }
 
@@ -67,26 +67,27 @@ public:
     }
     // Where the registered versions end and the next one begins. Behind may stand what a crash has left.
     ULONGLONG End(const qel::CabinetHeader& header) const {
-        return header.versionCount == 0 ? kFirstVersionAt : Latest(header).end;
+        if (header.versionCount == 0) return kFirstVersionAt;
+        const ULONGLONG end = Latest(header).end;
+        if (end > m_cabinet.GetLength()) throw qel::DataError("the file ends within the latest version");
+        return end;
     }
 
 private:
     template <std::size_t size> std::array<std::byte, size> BytesAt(ULONGLONG offset) const {
         std::array<std::byte, size> bytes;
-        if (qel::ReadFullyAt(m_file, bytes, offset, m_name.View()) != size)
+        if (qel::ReadFullyAt(m_cabinet.ReadableDescriptor(), bytes, offset, m_name.View()) != size)
             throw qel::DataError("the file ends within a header");
         return bytes;
     }
     StoredVersion VersionAt(ULONGLONG offset) const {
         const _CAB_VERSIONHEADER header = qel::UnpackVersionHeader(BytesAt<qel::kVersionHeaderSize>(offset));
         const ULONGLONG dataAt = offset + qel::kVersionHeaderSize;
-        if (dataAt + header.dataSize > m_length) throw qel::DataError("a version leads out of its cabinet");
         return {header, dataAt, dataAt + header.dataSize};
     }
 
-    const qel::Descriptor& m_file;
+    const CFile& m_cabinet;
     CString m_name;
-    ULONGLONG m_length;
 };
 
 // @param find gives the version; not asked before the target is there
@@ -114,13 +115,12 @@ public:
     ~Undo() {
         if (m_kept) return;
         m_header = m_old;
-        qel::AsResult([&] {
+        qel::Succeeds([&] {  // where it does not, the next registration cuts what is left
             if (m_end != 0) {
                 Write(m_file, 0, qel::Pack(m_old));
                 m_file.Flush();
             }
             m_file.SetLength(m_end);
-            return 1;
         });
     }
     Undo(const Undo&) = delete;
@@ -164,10 +164,7 @@ int CHistoryCabinetFile::Open(const char* path, int readOnly) {
 }
 
 int CHistoryCabinetFile::Close() {
-    return qel::AsResult([&] {
-        m_pFile->Close();
-        return 1;
-    });
+    return qel::Succeeds([&] { m_pFile->Close(); });
 }
 
 void CHistoryCabinetFile::Initialize() {
@@ -250,14 +247,11 @@ int CHistoryCabinetFile::ReadCabFileHeader() {
         InitCabFileHeader();
         return 0;
     }
-    return qel::AsResult([&] {
-        m_header = Content(*m_pFile).Header();
-        return 1;
-    });
+    return qel::Succeeds([&] { m_header = Content(*m_pFile).Header(); });
 }
 
 int CHistoryCabinetFile::UpdateCabFileHeader() {
-    return qel::AsResult([&] {
+    return qel::Succeeds([&] {
         const auto writeWith = [&](const qel::CheckSums& sums) {
             m_header.sum = sums.Sum();
             m_header.crc = sums.Crc();
@@ -265,7 +259,6 @@ int CHistoryCabinetFile::UpdateCabFileHeader() {
         };
         writeWith(qel::CheckSumsOf(m_header));
         writeWith(qel::CheckSumsOf(*m_pFile, qel::kCheckedHeaderSize));
-        return 1;
     });
 }
 

@@ -76,7 +76,7 @@ public:
     DWORD GetLatestVersion() const { return m_header.versionCount; }
 
     /// Writes the latest version's data to @p target, replacing what it held.
-    /// @return 0 also when the data do not match their sum and CRC; @p target then holds what was found
+    /// @return 0 also when the data do not match their sum and CRC, or are cut; @p target then holds what was found
     int GetLatestVersionFile(const char* target);
     /// The same for version @p version, 1 to GetLatestVersion(); any other leaves @p target alone.
     int GetVersionFile(DWORD version, const char* target);

@@ -86,6 +86,9 @@ TEST_F(History, KeptCabinetIsReadAndItsTailCut) {
     EXPECT_EQ(Register(cabinet, "next"), 1);
     EXPECT_EQ(Version(cabinet, 4), "next");
     EXPECT_EQ(fs::file_size(folder.Posix("c")), size + 20 + 4);
+    fs::resize_file(folder.Posix("c"), size + 20 + 2);
+    EXPECT_EQ(Version(cabinet), "none");
+    EXPECT_EQ(folder.Read("target"), "ne") << "what is left of it";
 }
 
 TEST_F(History, DamageIsFound) {
