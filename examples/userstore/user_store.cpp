@@ -58,14 +58,16 @@ UserId UserStore::Existing(const CString& username) const {
 
 std::string UserStore::TokenPath() const { return qel::ToPosixPath(m_path.View()) + ".token"; }
 
-// All of @p change takes place or nothing. A store that has an administrator keeps one.
-template <class Change> int UserStore::ChangeAccounts(Change change) {
+// All of @p change takes place or nothing. A store that has an administrator keeps one. @p last is what cannot be taken
+// back, and done when nothing else is left to fail but the commit.
+template <class Change> int UserStore::ChangeAccounts(Change change, const std::function<void()>& last) {
     return Answer([&] {
         Transaction transaction(Opened());
         const bool hadAdministrator = HasAdministrator(*m_database);
         change();
         if (hadAdministrator && !HasAdministrator(*m_database))
             throw StoreError("nobody would be left to administrate");
+        last();
         transaction.Commit();
         m_names = UserNames(*m_database);
         return 1;
@@ -162,8 +164,10 @@ CString UserStore::GetAutoLogonUserName() {
 
 CString UserStore::GetAutoLogonPassword() {
     return Answer([&] {
-        if (ReadAutomaticLogon(Opened()).user == kNobody) return CString();
-        return CString(ReadToken(TokenPath()).c_str());
+        const AutomaticLogon automatic = ReadAutomaticLogon(Opened());
+        const std::string token = ReadToken(TokenPath());
+        const bool isValid = automatic.user != kNobody && IsSame(DigestOf(token), automatic.token);
+        return isValid ? CString(std::string_view(token)) : CString();
     });
 }
 
@@ -220,11 +224,15 @@ int UserStore::AddUser(const CUserInfo& user) {
 }
 
 int UserStore::DeleteUser(const CString& username) {
-    return ChangeAccounts([&] {
+    bool isAutomatic = false;
+    const auto change = [&] {
         const UserId user = Existing(username);
-        if (ReadAutomaticLogon(*m_database).user == user) RemoveToken(TokenPath());
+        isAutomatic = ReadAutomaticLogon(*m_database).user == user;
         userstore::DeleteUser(*m_database, user);
         ForgetAttempts(*m_database, user);
+    };
+    return ChangeAccounts(change, [&] {
+        if (isAutomatic) RemoveToken(TokenPath());
     });
 }
 

@@ -85,6 +85,7 @@ public:
     int IsAutoLogon() override;
     int SetAutoLogon(int autoLogon) override;
     CString GetAutoLogonUserName() override;
+    /// Empty when the file does not hold the valid token.
     CString GetAutoLogonPassword() override;
     /// Makes a new token; the empty name removes it.
     int SetAutoLogonUser(const CString& username) override;
@@ -108,7 +109,8 @@ private:
     Database& Opened() const;
     UserId Existing(const CString& username) const;
     std::string TokenPath() const;
-    template <class Change> int ChangeAccounts(Change change);
+    template <class Change> int ChangeAccounts(
+        Change change, const std::function<void()>& last = [] {});
     void SetPassword(UserId user, const CString& password);
     void HashAgain(UserId user, const PasswordHash& old, const std::string& password);
     bool IsToken(UserId user, const std::string& password) const;

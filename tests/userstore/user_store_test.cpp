@@ -1,14 +1,12 @@
 #include "user_store.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
 
-#include "../support/cases.h"
 #include "../support/child_process.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 
 namespace {
 
@@ -158,7 +156,11 @@ TEST_F(UserStoreTest, LogsOnByToken) {
     EXPECT_EQ(setting.LogonWithoutDialog("bob", token), 0) << "an earlier token";
     EXPECT_EQ(setting.DeleteUserInfo("bob"), 1);
     EXPECT_EQ(setting.GetAutoLogonUserName() + setting.GetAutoLogonPassword(), "");
-    EXPECT_EQ(setting.SetAutoLogonUser("admin") + setting.SetAutoLogonUser(""), 2);
+    EXPECT_EQ(setting.SetAutoLogonUser("admin") + setting.DeleteUserInfo("admin"), 1) << "the last administrator";
+    EXPECT_EQ(setting.GetAutoLogonPassword().GetLength(), 64) << "so the token stays";
+    m_folder.Write("users.db.token", std::string(token.View()));
+    EXPECT_EQ(setting.GetAutoLogonPassword(), "") << "an earlier token";
+    EXPECT_EQ(setting.SetAutoLogonUser(""), 1);
     EXPECT_FALSE(m_folder.Has("users.db.token"));
 }
 
