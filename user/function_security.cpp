@@ -3,6 +3,16 @@
 #include <algorithm>
 #include <iterator>
 
+namespace {
+
+// The first one with that identifier, or null.
+template <class Functions> auto* Find(Functions& functions, int functionID) {
+    const auto found = std::ranges::find(functions, functionID, &CFunctionInfo::GetFunctionID);
+    return found != functions.end() ? &*found : nullptr;
+}
+
+}  // namespace
+
 CFunctionSecurity::~CFunctionSecurity() = default;
 
 void CFunctionSecurity::InitializeFunctionInfo() { m_listFunction.clear(); }
@@ -48,24 +58,19 @@ int CFunctionSecurity::GetFunctionID(int index) const {
 }
 
 CString CFunctionSecurity::GetFunctionName(int functionID) const {
-    const CFunctionInfo* const function = Find(functionID);
+    const CFunctionInfo* const function = Find(m_listFunction, functionID);
     return function != nullptr ? function->GetFunctionName() : CString();
 }
 
 int CFunctionSecurity::GetFunctionSecurity(int functionID) const {
     if (m_nMakerParameter != 0 || m_nManagerParameter != 0) return 1;
-    const CFunctionInfo* const function = Find(functionID);
+    const CFunctionInfo* const function = Find(m_listFunction, functionID);
     return function != nullptr ? function->GetSecurityLevel() : -1;
 }
 
 int CFunctionSecurity::SetFunctionSecurity(int functionID, int securityLevel) {
-    const auto function = std::ranges::find(m_listFunction, functionID, &CFunctionInfo::GetFunctionID);
-    if (function == m_listFunction.end()) return 0;
+    CFunctionInfo* const function = Find(m_listFunction, functionID);
+    if (function == nullptr) return 0;
     function->SetSecurityLevel(securityLevel);
     return 1;
-}
-
-const CFunctionInfo* CFunctionSecurity::Find(int functionID) const {
-    const auto function = std::ranges::find(m_listFunction, functionID, &CFunctionInfo::GetFunctionID);
-    return function != m_listFunction.end() ? &*function : nullptr;
 }

@@ -68,8 +68,6 @@ public:
     void SetShow(const int& show) { m_nShow = show; }
 
 private:
-    const CFunctionInfo* Find(int functionID) const;
-
     std::list<CFunctionInfo> m_listFunction;
 
 protected:

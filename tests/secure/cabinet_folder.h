@@ -1,11 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "../support/environment_scope.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/secure/history_cabinet_file.h"
 
 /// A folder with a cabinet "c", in memory so that flushing takes no time; "tmp" takes the backups.

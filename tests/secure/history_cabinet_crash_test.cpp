@@ -8,8 +8,6 @@
 #include <filesystem>
 #include <memory>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "../support/child_process.h"
 #include "../support/shared_state.h"

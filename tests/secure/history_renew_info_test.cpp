@@ -1,13 +1,11 @@
 #include "qellib10/secure/history_renew_info.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <string>
 
 #include "../support/archive_bytes.h"
+#include "../support/test.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "qellib10/secure/q_diff_list.h"
 
-#include <gtest/gtest.h>
+#include "../support/test.h"
 
 TEST(DiffList, KeepsCopiesInTheOrderOfAdding) {
     CQDiffList list;

@@ -1,8 +1,6 @@
 #include "qellib10/user/function_security.h"
 
-#include <gtest/gtest.h>
-
-#include "../support/cases.h"
+#include "../support/test.h"
 #include "qellib10/user/user_info.h"
 
 namespace {

@@ -1,11 +1,9 @@
 #include "qellib10/user/system_setting.h"
 
-#include <gtest/gtest.h>
-
 #include <initializer_list>
-#include <string>
 
 #include "../support/registry_scope.h"
+#include "../support/test.h"
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_file.h"
 
