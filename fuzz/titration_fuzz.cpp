@@ -1,5 +1,6 @@
 // Law: whatever stands in a curve's file and in the settings behind it (after a zero byte), the example program finds
-// an end point within the curve and a result that reads as a number, or it says in one line why not.
+// an end point within the curve and a result that reads as a number, or it says in one line why not. A method that was
+// kept once is kept again without a change.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -10,6 +11,8 @@
 #include "../examples/titration/csv_table.h"
 #include "../examples/titration/end_point.h"
 #include "../examples/titration/failure.h"
+#include "../examples/titration/method_file.h"
+#include "../examples/titration/method_ini.h"
 #include "../examples/titration/number.h"
 #include "../examples/titration/settings.h"
 #include "../tests/support/temp_folder.h"
@@ -19,10 +22,18 @@ namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
 
+titration::Method Kept(const TempFolder& folder, const titration::Method& method) {
+    titration::MethodFile(folder.Name("method.xml")).Keep(method);
+    return titration::MethodFile(folder.Name("method.xml")).Kept();
+}
+
 void Titrate(std::string_view data, std::string_view text) {
     static const TempFolder folder;
     folder.Write("settings.ini", std::string(text));
-    const titration::Settings settings = titration::ReadSettings(folder.Name("settings.ini"));
+    const titration::Method method = titration::ReadMethodIni(folder.Name("settings.ini"));
+    const titration::Settings settings = titration::ParseSettings(method);
+    const titration::Method kept = Kept(folder, method);
+    Require(titration::Differences(kept, Kept(folder, kept)).GetCount() == 0);
     const titration::Curve curve = titration::ReadCurve(data, settings.volumeColumn, settings.signalColumn);
     const titration::EndPoint endPoint = titration::FindEndPoint(curve);
     const auto [lowest, highest] = std::ranges::minmax(curve.volume);

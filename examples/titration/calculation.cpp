@@ -84,15 +84,15 @@ Result Calculate(const Settings& settings, double endPointVolume) {
     double value = 0;
     if (calculator.ConcCalculation(Text(settings.formula), &value) == 0) throw Failure("the formula divides by zero");
     if (!(std::abs(value) < kLargestResult)) throw Failure("the result is too large to be written");
-    value = CQVariant::fround(value, settings.digits, 0);
 
     Result result;
+    result.value = CQVariant::fround(value, settings.digits, 0);
     result.variables = calculator.GetCalcVarList();
     result.used = UsedNames(result.variables);
     result.name = settings.name;
-    result.text = CQVariant::DoubleToStr(value, settings.digits, 0);
+    result.text = CQVariant::DoubleToStr(result.value, settings.digits, 0);
     result.unit = UnitText(settings.unit);
-    Add(result.variables, settings.name, value);
+    Add(result.variables, settings.name, result.value);
     return result;
 }
 

@@ -13,7 +13,8 @@ struct Result {
     CCalcVariableList variables;    // all of them, the end point's volume and the rounded result included
     std::vector<std::string> used;  // names that the formula refers to
     std::string name;
-    std::string text;  // the result, rounded, with the settings' number of decimal places
+    double value = 0;  // rounded
+    std::string text;  // with the settings' number of decimal places
     std::string unit;
 };
 

@@ -22,7 +22,7 @@ template <class Step> auto OnFile(const std::string& path, Step step) {
 /// @throws CFileException
 inline void Open(CFile& file, const std::string& path, UINT mode) {
     CFileException error;
-    if (file.Open(path.c_str(), mode, &error) == 0) throw error;
+    if (file.Open(path.c_str(), mode, &error) == 0) throw CFileException(error);
 }
 
 }  // namespace titration

@@ -1,5 +1,7 @@
-// From a measured titration curve to a result: reads settings, finds the end point, computes the user's formula over
-// named values, rounds and prints the result, writes it as a table, keeps the values in a sealed file, and logs.
+// From a measured titration curve to a result that is kept: a user logs on, the method is read and kept enciphered, the
+// end point is found, the user's formula computed over named values, rounded and compared with its limits. Report,
+// table and sealed values are written, registered as a new version with its operator, and logged. Any version can be
+// taken out again.
 
 #include <cstdio>
 #include <string>
@@ -11,44 +13,21 @@
 #include "end_point.h"
 #include "failure.h"
 #include "file_step.h"
+#include "history.h"
+#include "method_file.h"
+#include "method_ini.h"
+#include "options.h"
 #include "report.h"
 #include "result_file.h"
 #include "result_table.h"
+#include "session.h"
 #include "settings.h"
 #include "text_file.h"
 
 namespace titration {
 namespace {
 
-constexpr const char* kUsage = "usage: titration --data FILE --settings FILE --out FOLDER";
-
-struct Options {
-    std::string data, settings, out;
-};
-
-Options ParseOptions(int argc, char** argv) {
-    Options options;
-    for (int i = 1; i < argc; i += 2) {
-        const std::string name = argv[i];
-        std::string* const target = name == "--data"       ? &options.data
-                                    : name == "--settings" ? &options.settings
-                                    : name == "--out"      ? &options.out
-                                                           : nullptr;
-        if (target == nullptr || i + 1 == argc || !target->empty()) throw Failure(kUsage);
-        *target = argv[i + 1];
-    }
-    if (options.data.empty() || options.settings.empty() || options.out.empty()) throw Failure(kUsage);
-    return options;
-}
-
-// Lets @p step fail with the name of the file that it is about.
-template <class Step> auto About(const std::string& file, Step step) {
-    try {
-        return step();
-    } catch (const Failure& failure) {
-        throw Failure(file + ": " + failure.what());
-    }
-}
+constexpr const char* kIndent = "           ";
 
 void Log(const std::string& line) { CLog::LogOut(0, line.c_str()); }
 
@@ -64,35 +43,66 @@ CString OpenOutput(const std::string& out) {
     return folder;
 }
 
+std::string In(const CString& folder, const std::string& name) {
+    return std::string(CQFile::BuildFilePath(folder, name.c_str()));
+}
+
+std::string LogOn(Session& session) {
+    const std::string user = session.Operator();
+    Log("logged on " + user);
+    const char* const role = session.IsFirst()     ? ", from now on the administrator"
+                             : session.IsManager() ? ", an administrator"
+                                                   : "";
+    return "User       " + user + role + "\n";
+}
+
 struct Outcome {
     Result result;
     std::string report;
 };
 
-Outcome Titrate(const Options& options) {
-    Log("settings " + options.settings);
-    const Settings settings = About(options.settings, [&] { return ReadSettings(options.settings); });
-    Log("curve " + options.data);
-    const std::string data = ReadTextFile(options.data);
-    const Curve curve =
-        About(options.data, [&] { return ReadCurve(data, settings.volumeColumn, settings.signalColumn); });
-    const EndPoint endPoint = About(options.data, [&] { return FindEndPoint(curve); });
-    const Result result = About(options.settings, [&] { return Calculate(settings, endPoint.volume); });
+Outcome Titrate(const std::string& methodName, const Method& method, const std::string& dataName) {
+    const Settings settings = About(methodName, [&] { return ParseSettings(method); });
+    Log("curve " + dataName);
+    const std::string data = ReadTextFile(dataName);
+    const Curve curve = About(dataName, [&] { return ReadCurve(data, settings.volumeColumn, settings.signalColumn); });
+    const EndPoint endPoint = About(dataName, [&] { return FindEndPoint(curve); });
+    const Result result = About(methodName, [&] { return Calculate(settings, endPoint.volume); });
     Log("result " + result.name + " = " + result.text + " " + result.unit);
-    return {result, Report(options.settings, settings, options.data, curve, endPoint, result)};
+    return {result, Report(methodName, settings, dataName, curve, endPoint, result)};
+}
+
+// Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
+// method from then on.
+std::pair<Outcome, std::string> TitrateByMethod(const Options& options, const CString& folder, Session& session) {
+    MethodFile file(In(folder, "method.xml"));
+    const bool isKept = options.settings.empty();
+    if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
+    const std::string name = isKept ? "method.xml" : options.settings;
+    Log("method " + name);
+    const Method method = isKept ? file.Kept() : About(name, [&] { return ReadMethodIni(name); });
+    const CQDiffList changes = Differences(file.Kept(), method);
+    if (changes.GetCount() > 0 && !session.May(kChangeMethod))
+        throw Failure(session.Operator() + " may not change the method");
+
+    Outcome outcome = Titrate(name, method, options.data);
+    if (changes.GetCount() == 0) return {outcome, "Method     method.xml, as it was\n"};
+    const std::string count = std::to_string(changes.GetCount());
+    const std::string what =
+        file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
+    file.Keep(method);
+    Log("method.xml kept");
+    return {outcome, "Method     method.xml, enciphered: " + what};
 }
 
 // @return what was made, one file a line
-std::string Keep(const Outcome& outcome, const CString& folder) {
-    const auto path = [&](const char* name) { return std::string(CQFile::BuildFilePath(folder, name)); };
-    WriteTextFile(outcome.report, path("report.txt"));
-    const int lines = WriteResultTable(outcome.result, path("result.csv"));
+std::string WriteFiles(const Outcome& outcome, const CString& folder) {
+    WriteTextFile(outcome.report, In(folder, "report.txt"));
+    const int lines = WriteResultTable(outcome.result, In(folder, "result.csv"));
 
     const CCalcVariableList& variables = outcome.result.variables;
-    const std::string archive = path("variables.qel");
+    const std::string archive = In(folder, "variables.qel");
     const CCheckDatafile seal = StoreVariables(variables, archive);
-    const std::string version = "version " + std::to_string(seal.GetVersion());
-    Log("sealed variables.qel as " + version);
     if (LoadVariables(archive) != variables) throw Failure(archive + ": differs from what was written");
     constexpr int kChangedByte = 20;
     RequireChangeToBeFound(archive, kChangedByte);
@@ -101,21 +111,55 @@ std::string Keep(const Outcome& outcome, const CString& folder) {
     text.Format(
         "Made       report.txt\n"
         "           result.csv, %d lines\n"
-        "           variables.qel, %d variables, sealed as %s of %s\n"
+        "           variables.qel, %d variables, sealed as version %d of %s\n"
         "Checked    variables.qel: read back and equal, the seal fits\n"
         "           a copy with a bit of byte %d changed: the seal does not fit, so the change is found\n",
-        lines, variables.GetVariableCount(), version.c_str(), std::string(seal.GetGUID().GetString()).c_str(),
+        lines, variables.GetVariableCount(), seal.GetVersion(), std::string(seal.GetGUID().GetString()).c_str(),
         kChangedByte);
     return std::string(text);
+}
+
+std::string Register(const Options& options, const CString& folder, Session& session, History& history) {
+    const std::string comment = options.comment.empty()
+                                    ? "from " + std::string(CQFile::GetFilenameFromPath(options.data.c_str()))
+                                    : options.comment;
+    const CHistoryRenewInfo& record = history.Register(In(folder, "variables.qel"), session.Operator(), comment);
+    const std::string version = "version " + std::to_string(history.Latest());
+    Log("registered variables.qel as " + version);
+    return "History    results.hcf: variables.qel as " + version + ", " + Described(record) + "\n";
+}
+
+std::string TakeOut(DWORD version, const CString& folder, History& history) {
+    const std::string name = "version-" + std::to_string(version) + ".qel";
+    const CHistoryRenewInfo& record = history.TakeOut(version, In(folder, name));
+    Log("took out " + name);
+    std::string text = "Taken out  " + name + ", of " + std::to_string(history.Latest()) + " in results.hcf\n" +
+                       kIndent + Described(record) + "\n";
+    const CCalcVariableList variables = LoadRenamedVariables(In(folder, name));
+    CCalcVariable variable;
+    for (int i = 0; variables.GetVariableData(i, &variable) != 0; ++i) {
+        CString value;
+        value.Format("%s = %.10g\n", static_cast<const char*>(variable.m_szName), variable.m_dValue);
+        text += kIndent + std::string(value);
+    }
+    return text;
 }
 
 void Run(const Options& options) {
     const CString folder = OpenOutput(options.out);
     try {
-        const Outcome outcome = Titrate(options);
-        const std::string made = Keep(outcome, folder);
-        std::printf("%s%s", outcome.report.c_str(), made.c_str());
-        std::printf("Logged     titration.log; all in %s\n", options.out.c_str());
+        Session session(In(folder, "users.db"), options.user, options.password);
+        std::string text = LogOn(session);
+        History history(folder);
+        if (options.takeOut > 0) {
+            text += TakeOut(static_cast<DWORD>(options.takeOut), folder, history);
+        } else {
+            const auto [outcome, method] = TitrateByMethod(options, folder, session);
+            text += method + outcome.report;
+            text += WriteFiles(outcome, folder);
+            text += Register(options, folder, session, history);
+        }
+        std::printf("%sLogged     titration.log; all in %s\n", text.c_str(), options.out.c_str());
     } catch (const Failure& failure) {
         Log(std::string("failed: ") + failure.what());
         throw;

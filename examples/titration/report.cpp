@@ -17,6 +17,16 @@ std::string Joined(const std::vector<std::string>& names) {
 
 std::string ColumnText(const std::string& column) { return ParseWholeNumber(column) ? "column " + column : column; }
 
+std::string LimitLine(const Settings& settings, double value) {
+    if (!settings.low && !settings.high) return "";
+    const auto shown = [&](double limit) { return Fixed(limit, settings.digits); };
+    const std::string from = settings.low ? "from " + shown(*settings.low) : "";
+    const std::string to = settings.high ? std::string(settings.low ? " to " : "to ") + shown(*settings.high) : "";
+    const bool isBelow = settings.low && value < *settings.low;
+    const bool isAbove = settings.high && value > *settings.high;
+    return "Limits     " + from + to + ": " + (isBelow ? "too low" : isAbove ? "too high" : "kept") + "\n";
+}
+
 }  // namespace
 
 std::string Report(const std::string& settingsFile, const Settings& settings, const std::string& dataFile,
@@ -34,6 +44,7 @@ std::string Report(const std::string& settingsFile, const Settings& settings, co
     text += "Formula    " + settings.formula + "\n";
     text += "           uses " + Joined(result.used) + "\n";
     text += "Result     " + result.name + " = " + result.text + " " + result.unit + "\n";
+    text += LimitLine(settings, result.value);
     return text;
 }
 

@@ -22,6 +22,17 @@ CCheckDatafile OldSeal(const std::string& path) {
     return seal;
 }
 
+CCalcVariableList Load(const std::string& path, CCheckDatafile seal) {
+    return OnFile(path, [&] {
+        CCalcVariableList list;
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
+        if (seal.ReadPackData(&file) == 0) throw Failure(path + ": the seal does not fit");
+        Serialize(list, file, CArchive::load);
+        return list;
+    });
+}
+
 }  // namespace
 
 CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& path) {
@@ -37,16 +48,12 @@ CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& 
     });
 }
 
-CCalcVariableList LoadVariables(const std::string& path) {
-    return OnFile(path, [&] {
-        CCalcVariableList list;
-        CCheckDatafile seal;
-        CQFile file;
-        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
-        if (seal.ReadPackData(&file) == 0) throw Failure(path + ": the seal does not fit");
-        Serialize(list, file, CArchive::load);
-        return list;
-    });
+CCalcVariableList LoadVariables(const std::string& path) { return Load(path, CCheckDatafile()); }
+
+CCalcVariableList LoadRenamedVariables(const std::string& path) {
+    CCheckDatafile seal;
+    seal.EnableCheckFilename(0);
+    return Load(path, seal);
 }
 
 void RequireChangeToBeFound(const std::string& path, ULONGLONG position) {

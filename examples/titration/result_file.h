@@ -12,8 +12,10 @@ namespace titration {
 /// @return the seal
 CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& path);
 
+/// Reads them back, from a file of that name or one that was renamed.
 /// @throws Failure when the file cannot be read, and when its seal does not fit
 CCalcVariableList LoadVariables(const std::string& path);
+CCalcVariableList LoadRenamedVariables(const std::string& path);
 
 /// Changes one bit of byte @p position in a copy of a sealed file, in the folder for temporary files.
 /// @throws Failure unless the seal fits before and does not afterwards

@@ -1,10 +1,6 @@
 #include "settings.h"
 
-#include <algorithm>
-#include <initializer_list>
 #include <string_view>
-
-#include <qellib10/qellib10.h>
 
 #include "failure.h"
 #include "number.h"
@@ -38,71 +34,37 @@ double Number(const std::string& value) {
     return *number;
 }
 
-// One section of the settings, its texts as std::string.
-class Section {
-public:
-    Section(const CPrivateProfile& ini, const char* name) : m_ini(ini), m_name(name) {}
+std::string Required(const Method& method, const char* section, const char* key) {
+    const std::string text = TextOf(method, section, key);
+    if (text.empty()) throw Failure("[" + std::string(section) + "] has no " + key);
+    return text;
+}
 
-    std::string Text(const std::string& key, const char* otherwise) const {
-        return std::string(m_ini.Get(m_name, key.c_str(), otherwise));
-    }
-    std::string Text(const std::string& key) const {
-        const std::string text = Text(key, "");
-        if (text.empty()) throw Failure(Here() + " has no " + key);
-        return text;
-    }
-
-    // The keys in the order of the file. A misspelt or repeated one would be passed over in silence.
-    std::vector<std::string> Keys() const {
-        CStringArray lines;
-        if (m_ini.GetAllStrings(m_name, lines) == 0) throw Failure(Here() + " is too long");
-        std::vector<CString> keys;
-        for (int i = 0; i < lines.GetSize(); ++i) {
-            CString line = lines.GetAt(i);
-            if (line.Find('=') < 0) throw Failure("\"" + std::string(line) + "\" is not name = value");
-            const CString key = CQVariant::Split(line, '=');
-            if (std::ranges::any_of(keys, [&](const CString& other) { return other.CompareNoCase(key) == 0; }))
-                throw Failure("\"" + std::string(key) + "\" stands twice in " + Here());
-            keys.push_back(key);
-        }
-        return {keys.begin(), keys.end()};
-    }
-    void RequireNoneBut(std::initializer_list<const char*> known) const {
-        for (const std::string& key : Keys()) {
-            const auto isKey = [&](const char* name) { return CString(name).CompareNoCase(key.c_str()) == 0; };
-            if (std::ranges::none_of(known, isKey)) throw Failure("\"" + key + "\" has no meaning in " + Here());
-        }
-    }
-
-private:
-    std::string Here() const { return "[" + std::string(m_name) + "]"; }
-
-    const CPrivateProfile& m_ini;
-    const char* m_name;
-};
+std::optional<double> Limit(const Method& method, const char* key) {
+    const std::string text = TextOf(method, "limits", key);
+    return text.empty() ? std::nullopt : std::optional(Number(text));
+}
 
 }  // namespace
 
-Settings ReadSettings(const std::string& path) {
-    if (CQFile::IsExist(path.c_str()) == 0) throw Failure("there is no such file");
-    const CPrivateProfile ini(qel::FullPath(path));  // a name without a folder would mean the Windows folder
-    const Section curve(ini, "curve"), variables(ini, "variables"), result(ini, "result");
-    curve.RequireNoneBut({"volume", "signal"});
-    result.RequireNoneBut({"end_point", "name", "formula", "unit", "digits", "variable_digits"});
-
+Settings ParseSettings(const Method& method) {
     Settings settings;
-    settings.volumeColumn = curve.Text("volume", "1");
-    settings.signalColumn = curve.Text("signal", "2");
-    for (const std::string& name : variables.Keys()) {
-        settings.variables.push_back({Name(name), Number(variables.Text(name, ""))});
+    settings.volumeColumn = TextOf(method, "curve", "volume", "1");
+    settings.signalColumn = TextOf(method, "curve", "signal", "2");
+    for (const MethodItem& item : method) {
+        if (item.section == kVariables) settings.variables.push_back({Name(item.key), Number(item.text)});
     }
-    settings.endPoint = Name(result.Text("end_point"));
-    settings.name = Name(result.Text("name"));
-    settings.formula = result.Text("formula");
-    settings.unit = result.Text("unit");
-    settings.digits = WholeNumber(result.Text("digits"), kMostDigits);
-    const std::string variableDigits = result.Text("variable_digits", "");
+    settings.endPoint = Name(Required(method, "result", "end_point"));
+    settings.name = Name(Required(method, "result", "name"));
+    settings.formula = Required(method, "result", "formula");
+    settings.unit = Required(method, "result", "unit");
+    settings.digits = WholeNumber(Required(method, "result", "digits"), kMostDigits);
+    const std::string variableDigits = TextOf(method, "result", "variable_digits");
     if (!variableDigits.empty()) settings.variableDigits = WholeNumber(variableDigits, kMostDigits);
+    settings.low = Limit(method, "low");
+    settings.high = Limit(method, "high");
+    if (settings.low && settings.high && *settings.low > *settings.high)
+        throw Failure("the low limit is above the high one");
     return settings;
 }
 

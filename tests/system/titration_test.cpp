@@ -12,6 +12,7 @@
 
 #include "../support/cases.h"
 #include "../support/temp_folder.h"
+#include "user_store.h"
 
 namespace {
 
@@ -41,8 +42,7 @@ protected:
     }
     std::string Path(const char* name) const { return m_folder.Posix(name).string(); }
 
-private:
-    TempFolder m_folder;
+    const TempFolder m_folder;
 };
 
 std::string Settings(const std::string& formula, const std::string& more = "") {
@@ -104,12 +104,55 @@ TEST_F(Titration, ComputesTheVinegar) {
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("uses C_NaOH, F, BLANK, SAMPLE, M, EP\n"), std::string::npos) << run.out;
     const std::string report = ReadText(Path("results/report.txt"));
-    EXPECT_TRUE(report.ends_with("Result     ACIDITY = 49.6 g/L\n") && run.out.starts_with(report)) << report;
+    EXPECT_TRUE(report.ends_with("Result     ACIDITY = 49.6 g/L\nLimits     from 45.0 to 55.0: kept\n")) << report;
+    EXPECT_NE(run.out.find(report), std::string::npos) << run.out;
     EXPECT_TRUE(ReadText(Path("results/result.csv")).ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));
     EXPECT_TRUE(ReadText(Path("results/variables.qel")).starts_with("\6QWCalc\0041.01"));
     EXPECT_NE(run.out.find("so the change is found\n"), std::string::npos) << run.out;
     EXPECT_NE(Run(arguments).out.find("sealed as version 2 of {"), std::string::npos);
-    EXPECT_TRUE(ReadText(Path("results/titration.log")).ends_with("],sealed variables.qel as version 2\r\n"));
+    EXPECT_TRUE(ReadText(Path("results/titration.log")).ends_with("],registered variables.qel as version 2\r\n"));
+}
+
+TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
+    const std::string curve = Table(Curve(100));
+    EXPECT_EQ(Run(curve, Settings("EP*F")).status, 0);
+    const std::string changed = Run(curve, Settings("EP*F*2", "[limits]\nhigh = 20\n")).out;
+    EXPECT_NE(changed.find(": 2 changed\n           result/formula: EP*F -> EP*F*2\n"
+                           "           limits/high: nothing -> 20\n"),
+              std::string::npos)
+        << changed;
+    EXPECT_NE(changed.find("Limits     to 20.000: too high\n"), std::string::npos) << changed;
+    const std::string method = ReadText(Path("results/first/method.xml"));
+    EXPECT_TRUE(method.starts_with('\0') && method.find("EP*F") == std::string::npos);
+
+    // As if the program had been killed while it wrote the second record.
+    std::filesystem::resize_file(Path("results/first/renewals.qel"),
+                                 std::filesystem::file_size(Path("results/first/renewals.qel")) - 1);
+    userstore::UserStore store(m_folder.Path("results/first/users.db"));
+    store.Connect();
+    CUserInfo helper;
+    helper.SetUsername("helper");
+    helper.SetPassword("secret");
+    ASSERT_EQ(store.AddUser(helper), 1);
+    const std::string asHelper = "--out results/first --user helper --password secret --data data.csv";
+    const Outcome third = Run(asHelper + " --comment why");
+    EXPECT_NE(third.out.find("User       helper\nMethod     method.xml, as it was\n"), std::string::npos) << third.err;
+    EXPECT_NE(third.out.find("by helper: why\n"), std::string::npos) << third.out;
+    m_folder.Write("settings.ini", Settings("EP"));
+
+    for (const auto& [arguments, message] : Cases<std::string, const char*>{
+             {"--out results/first --take-out 1", "by demo: from data.csv\n"},
+             {"--out results/first --take-out 2", "by an operator who is not known\n"},
+             {"--out results/first --take-out 3", "by helper: why\n"},
+             {"--out results/first --take-out 4", "there is no version 4, the latest is 3\n"},
+             {"--out results/first --take-out 0", "\"0\" is no version"},
+             {"--out results/first --take-out 1 --password x", "\"demo\" is not logged on"},
+             {asHelper + " --settings settings.ini", "helper may not change the method\n"}}) {
+        const Outcome run = Run(arguments);
+        EXPECT_NE((run.out + run.err).find(message), std::string::npos) << message << run.out << run.err;
+        EXPECT_EQ(run.status, run.err.empty() ? 0 : 1);
+    }
+    EXPECT_NEAR(ResultIn(Run("--out results/first --take-out 1").out), 10.2, 0.02);
 }
 
 TEST_F(Titration, ReadsWhatInstrumentsWrite) {
@@ -174,6 +217,7 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: \"99\" is no whole number"},
         {good, Replaced(Settings("EP"), "= mL", "= furlong"), "settings.ini: there is no unit \"furlong\""},
         {good, "[result]\n", "settings.ini: [result] has no end_point"},
+        {good, Settings("EP", "[limits]\nlow = 2\nhigh = 1\n"), "settings.ini: the low limit is above the high one"},
     };
     for (const auto& [data, settings, message] : cases) {
         const Outcome run = Run(data, settings);

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <qellib10/qellib10.h>
+
+namespace titration {
+
+/// All results: the cabinet "results.hcf" keeps each as a version, "renewals.qel" who registered it, when and why, one
+/// record a version. One program at a time has them open.
+class History {
+public:
+    /// Opens what is in @p folder; missing files are made.
+    /// @throws Failure when another program has them open, when one is damaged, and when they do not belong together
+    explicit History(const CString& folder);
+
+    DWORD Latest() const { return m_cabinet.GetLatestVersion(); }
+    /// Registers the file at @p path as the next version.
+    /// @throws Failure
+    const CHistoryRenewInfo& Register(const std::string& path, const std::string& operatorName,
+                                      const std::string& comment);
+    /// Writes version @p version to @p path.
+    /// @throws Failure when there is no such version, or it is damaged
+    const CHistoryRenewInfo& TakeOut(DWORD version, const std::string& path);
+
+private:
+    void OpenCabinet();
+    void ReadRecords();
+    void AddRecord(const CHistoryRenewInfo& record);
+
+    std::string m_cabinetPath, m_recordPath;
+    CQFile m_recordFile;
+    CHistoryCabinetFile m_cabinet;
+    std::vector<CHistoryRenewInfo> m_records;  // of version 1, 2, ...
+};
+
+/// When, by whom and why.
+std::string Described(const CHistoryRenewInfo& record);
+
+}  // namespace titration

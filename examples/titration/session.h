@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+#include <qellib10/qellib10.h>
+#include <user_store.h>
+
+namespace titration {
+
+/// What an operator may do or not. Managers may do all.
+enum Function : int { kChangeMethod = 1 };
+
+/// A user who is logged on.
+class Session {
+public:
+    /// Logs on. In a new store the user is made its administrator.
+    /// @throws Failure when the store refuses
+    Session(const std::string& store, const std::string& username, const std::string& password);
+
+    /// The name as the store has it.
+    std::string Operator() { return std::string(m_store.GetLogonUsername()); }
+    bool IsFirst() const { return m_isFirst; }
+    bool IsManager() const { return m_setting.GetLogonUserManagerFlag() == 1; }
+    bool May(Function function) const { return m_setting.GetLogonUserSecurityLevel(function) > 0; }
+
+private:
+    userstore::UserStore m_store;
+    CSystemSetting m_setting{&m_store};
+    bool m_isFirst = false;
+};
+
+}  // namespace titration
