@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cubic_fit.h"
 #include "failure.h"
+#include "points.h"
 
 namespace titration {
 namespace {
@@ -19,33 +19,6 @@ constexpr std::size_t kLongestRun = 500;     // keeps the time for a long curve 
 constexpr double kSlopeTolerance = 0.1;      // of the slope
 constexpr double kBendCertainty = 4;         // standard errors
 constexpr double kLowerQuartile = 0.318639;  // of |z| for standard normal z
-
-struct Points {
-    std::vector<double> x, y;
-};
-
-Points Merged(const Curve& curve) {
-    std::map<double, std::pair<double, int>> sums;
-    for (std::size_t i = 0; i < curve.volume.size(); ++i) {
-        auto& [sum, count] = sums[curve.volume[i]];
-        sum += curve.signal[i];
-        ++count;
-    }
-    Points points;
-    for (const auto& [volume, sum] : sums) {
-        points.x.push_back(volume);
-        points.y.push_back(sum.first / sum.second);
-    }
-    return points;
-}
-
-double Median(double a, double b, double c) { return std::max(std::min(a, b), std::min(std::max(a, b), c)); }
-
-std::vector<double> WithoutStrays(const std::vector<double>& y) {
-    std::vector<double> smooth = y;
-    for (std::size_t i = 1; i + 1 < y.size(); ++i) smooth[i] = Median(y[i - 1], y[i], y[i + 1]);
-    return smooth;
-}
 
 // Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
 // reading, and the lower quartile is taken because the bends of a curve with few points would fill the upper half.
@@ -90,14 +63,14 @@ std::optional<EndPoint> Candidate(std::span<const double> x, std::span<const dou
 }  // namespace
 
 EndPoint FindEndPoint(const Curve& curve) {
-    Points points = Merged(curve);
-    const std::size_t count = points.x.size();
+    const Points measured = Merged(curve);
+    const std::size_t count = measured.x.size();
     if (count < kFewestPoints) {
         throw Failure("an end point needs at least " + std::to_string(kFewestPoints) + " points, there are " +
                       std::to_string(count));
     }
-    const double noise = Noise(points);
-    points.y = WithoutStrays(points.y);
+    const double noise = Noise(measured);
+    const Points points = WithoutStrays(measured);
     const double direction = Direction(points.y);
 
     std::optional<EndPoint> best;

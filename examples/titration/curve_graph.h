@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include <qellib10/qellib10.h>
+
+#include "axis_steps.h"
+#include "end_point.h"
+#include "points.h"
+
+namespace titration {
+
+/// A titration curve: the measured points, their slope on an axis of its own at the right, and the end point with a
+/// cross through it. The grid lines are round numbers, written at each.
+///
+/// All texts come before the first line, so that a print job of the graph can be drawn anywhere on a page: where the
+/// limit to the draw area is taken away again in a moved job, it hides what follows.
+class CurveGraph : public CQelGraph {
+public:
+    /// @param dotsAnInch of the surface that the graph will be drawn on
+    CurveGraph(const Points& measured, const EndPoint& endPoint, const std::string& volumeName,
+               const std::string& signalName, int dotsAnInch);
+
+    int GraphDraw(CDC* dc, int x, int y) override;
+
+private:
+    enum Series : int { kSlope, kSignal };
+
+    struct Axis {
+        std::string title;
+        COLORREF color = 0;
+        AxisSteps steps;
+    };
+
+    int Dots(int hundredthsOfMillimetre) const;
+    void SetSeries(Series series, const Axis& yAxis, const Points& points, int lineWidth);
+    void LeaveRoomForTexts(CDC* dc);
+    void DrawTexts(CDC* dc);
+    void Write(CDC* dc, double value, Series series, bool isX, const std::string& text);
+    void DrawEndPoint(CDC* dc);
+
+    const EndPoint m_endPoint;
+    const int m_dotsAnInch;
+    Axis m_volume, m_signal, m_slope;
+};
+
+}  // namespace titration

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "csv_table.h"
+
+namespace titration {
+
+/// Readings in the order of their volumes.
+struct Points {
+    std::vector<double> x, y;  // volume and signal, or what was made of it
+};
+
+/// Equal volumes averaged.
+Points Merged(const Curve& curve);
+
+/// A single stray reading is taken out by a running median of 3, which leaves a steady rise or fall as it is.
+Points WithoutStrays(Points points);
+
+/// The slope of a curve: that of cubic polynomials through each @p run of neighbouring points, near their middle.
+/// Points that determine no cubic are left out.
+Points SlopeOf(const Points& points, std::size_t run);
+
+double Median(double a, double b, double c);
+
+}  // namespace titration
