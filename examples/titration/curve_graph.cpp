@@ -12,15 +12,16 @@ constexpr COLORREF kBlack = RGB(0, 0, 0), kGrey = RGB(205, 205, 205);
 constexpr COLORREF kBlue = RGB(0, 60, 160), kOrange = RGB(200, 90, 0), kRed = RGB(200, 0, 30);
 
 // Hundredths of a millimetre.
-constexpr int kThinLine = 8, kLine = 20, kGap = 80;
+constexpr int kThinLine = 10, kLine = 20, kGap = 80;
 
 constexpr int kMostSteps = 10;
-constexpr int kEndPointMark = 5;                // half-size of the circle in pixels of a screen
-constexpr std::size_t kMostMarks = 500;         // more of them would be one band
-constexpr std::size_t kMostPoints = 10'000;     // more than a page can show
-constexpr int kCircle = 1;
+constexpr int kCircle = 1, kEndPointSize = 5;  // shape, and half-size in pixels of a screen
+constexpr std::size_t kMostMarks = 500;        // more would be one band
+constexpr std::size_t kMostPoints = 10'000;    // more than a page can show
 
-// A font for as long as this object lives.
+enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
+
+// The font of all texts, for as long as this object lives.
 class Font {
 public:
     explicit Font(CDC* dc) : m_dc(dc) {
@@ -30,14 +31,6 @@ public:
     ~Font() { m_dc->SelectObject(m_before); }
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;
-
-    CSize SizeOf(const std::string& text) const { return m_dc->GetTextExtent(text.c_str()); }
-    int Height() const { return SizeOf("0").cy; }
-    int Widest(const AxisSteps& steps) const {
-        int widest = 0;
-        for (int line = 0; line <= steps.count; ++line) widest = std::max<int>(widest, SizeOf(steps.Text(line)).cx);
-        return widest;
-    }
 
 private:
     CDC* const m_dc;
@@ -50,5 +43,117 @@ AxisSteps StepsOver(const std::vector<double>& values) {
     return titration::StepsOver(low, high, kMostSteps);
 }
 
+Points WithEndPoint(Points slope, const EndPoint& endPoint) {
+    const auto at = std::ranges::lower_bound(slope.x, endPoint.volume) - slope.x.begin();
+    slope.x.insert(slope.x.begin() + at, endPoint.volume);
+    slope.y.insert(slope.y.begin() + at, endPoint.slope);
+    return slope;
+}
+
 }  // namespace
+
+CSize CurveGraph::Axis::Largest(CDC* dc) const {
+    CSize largest;
+    for (int line = 0; line <= steps.count; ++line) {
+        const CSize size = dc->GetTextExtent(steps.Text(line).c_str());
+        largest = {std::max(largest.cx, size.cx), std::max(largest.cy, size.cy)};
+    }
+    return largest;
+}
+
+CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
+                       const std::string& signalName, int dotsAnInch)
+    : m_endPoint(endPoint), m_dotsAnInch(dotsAnInch) {
+    const Points measured = Merged(curve);
+    const Points slope = WithEndPoint(SlopeOf(WithoutStrays(measured), endPoint.points), endPoint);
+    m_volume = {volumeName, kBlack, StepsOver(measured.x)};
+    m_signal = {signalName, kBlue, StepsOver(measured.y)};
+    m_slope = {
+        "slope of " + signalName, kOrange,
+        titration::StepsOver(std::min(0.0, endPoint.slope), std::max(0.0, endPoint.slope), m_signal.steps.count)};
+    m_slope.steps.count = m_signal.steps.count;  // the same grid lines
+
+    SetDivX(m_volume.steps.count);
+    SetDivY(m_signal.steps.count);
+    SetAxisStyle({kGrey, PS_SOLID, Dots(kThinLine)});
+    SetFrameStyle({kBlack, PS_SOLID, Dots(kThinLine)});
+    SetLabelSpaceX(0);
+    SetLabelSpaceY(0);
+    AddSeries(kSlope, m_slope, slope, Dots(kThinLine));
+    AddSeries(kSignal, m_signal, measured, Dots(kLine));
+    SetGraphPlotflg(kSignal, measured.x.size() <= kMostMarks ? 1 : 0);
+}
+
+void CurveGraph::AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth) {
+    SetXMinRange(series, m_volume.steps.Value(0));
+    SetXMaxRange(series, m_volume.steps.Value(m_volume.steps.count));
+    SetYMinRange(series, axis.steps.Value(0));
+    SetYMaxRange(series, axis.steps.Value(axis.steps.count));
+    SetXLabelViewMode(series, 0);
+    SetYLabelViewMode(series, 0);
+    SetGraphViewMode(series, 1);
+    SetLineGraphStyle(series, {axis.color, PS_SOLID, lineWidth});
+    const std::size_t every = 1 + points.x.size() / kMostPoints;
+    for (std::size_t i = 0; i < points.x.size(); i += every) AddData(series, points.x[i], points.y[i]);
+}
+
+int CurveGraph::GraphDraw(CDC* dc, int x, int y) {
+    {
+        const Font font(dc);
+        LeaveRoomForTexts(dc);
+        GetDrawArea(dc, x, y);
+        DrawTexts(dc);
+    }
+    const int result = CQelGraph::GraphDraw(dc, x, y);
+    DrawEndPoint(dc);
+    return result;
+}
+
+void CurveGraph::LeaveRoomForTexts(CDC* dc) {
+    const CSize volume = m_volume.Largest(dc), signal = m_signal.Largest(dc), slope = m_slope.Largest(dc);
+    const int gap = Dots(kGap);
+    SetTopMargin(volume.cy * 3 / 2 + gap);
+    SetBottomMargin(2 * (volume.cy + gap));
+    SetLeftMargin(std::max(signal.cx + gap, volume.cx / 2));
+    SetRightMargin(std::max(slope.cx + gap, volume.cx / 2));
+}
+
+void CurveGraph::DrawTexts(CDC* dc) {
+    const CRect area = m_rectDrawArea;
+    const int gap = Dots(kGap);
+    const auto write = [&](const std::string& text, COLORREF color, int x, Align alignX, int y, Align alignY) {
+        const CSize size = dc->GetTextExtent(text.c_str());
+        DCTextOut(dc, x - size.cx * alignX / 2, y - size.cy * alignY / 2, kFace, kFontSize, color, text.c_str(), 0, -1,
+                  -1);
+    };
+    const auto writeSteps = [&](const Axis& axis, const auto& writeAt) {
+        for (int line = 0; line <= axis.steps.count; ++line) writeAt(axis.steps.Value(line), axis.steps.Text(line));
+    };
+    writeSteps(m_volume, [&](double value, const std::string& text) {
+        write(text, kBlack, area.left + DataToXPixel(value, kSignal), kCentred, area.bottom + gap, kBefore);
+    });
+    writeSteps(m_signal, [&](double value, const std::string& text) {
+        write(text, kBlue, area.left - gap, kBehind, area.top + DataToYPixel(value, kSignal), kCentred);
+    });
+    writeSteps(m_slope, [&](double value, const std::string& text) {
+        write(text, kOrange, area.right + gap, kBefore, area.top + DataToYPixel(value, kSlope), kCentred);
+    });
+    const int above = area.top - GetTopMargin(), below = area.bottom + GetBottomMargin();
+    write(m_signal.title, kBlue, area.left, kBefore, above, kBefore);
+    write(m_slope.title, kOrange, area.right, kBehind, above, kBefore);
+    write(m_volume.title, kBlack, (area.left + area.right) / 2, kCentred, below, kBehind);
+}
+
+void CurveGraph::DrawEndPoint(CDC* dc) {
+    const auto [volume, signal] = std::pair(m_endPoint.volume, m_endPoint.signal);
+    const auto ends = [](const Axis& axis) {
+        return std::pair(axis.steps.Value(0), axis.steps.Value(axis.steps.count));
+    };
+    const auto [left, right] = ends(m_volume);
+    const auto [bottom, top] = ends(m_signal);
+    FreeLineDraw(dc, kSignal, volume, bottom, volume, top, kRed, Dots(kThinLine));
+    FreeLineDraw(dc, kSignal, left, signal, right, signal, kRed, Dots(kThinLine));
+    MarkDraw(dc, kSignal, volume, signal, kCircle, kRed, kEndPointSize, nullptr);
+}
+
 }  // namespace titration

@@ -10,15 +10,15 @@
 
 namespace titration {
 
-/// A titration curve: the measured points, their slope on an axis of its own at the right, and the end point with a
-/// cross through it. The grid lines are round numbers, written at each.
+/// A titration curve: the measured points, their slope on an axis of its own at the right, and the end point as a
+/// circle with a cross. Grid lines stand at round numbers, which are written at each.
 ///
 /// All texts come before the first line, so that a print job of the graph can be drawn anywhere on a page: where the
-/// limit to the draw area is taken away again in a moved job, it hides what follows.
+/// limit to the draw area is taken away in a job that was moved, it hides what follows.
 class CurveGraph : public CQelGraph {
 public:
     /// @param dotsAnInch of the surface that the graph will be drawn on
-    CurveGraph(const Points& measured, const EndPoint& endPoint, const std::string& volumeName,
+    CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
                const std::string& signalName, int dotsAnInch);
 
     int GraphDraw(CDC* dc, int x, int y) override;
@@ -28,15 +28,16 @@ private:
 
     struct Axis {
         std::string title;
-        COLORREF color = 0;
+        COLORREF color;
         AxisSteps steps;
+
+        CSize Largest(CDC* dc) const;
     };
 
-    int Dots(int hundredthsOfMillimetre) const;
-    void SetSeries(Series series, const Axis& yAxis, const Points& points, int lineWidth);
+    int Dots(int hundredthsOfMillimetre) const { return hundredthsOfMillimetre * m_dotsAnInch / 2540; }
+    void AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth);
     void LeaveRoomForTexts(CDC* dc);
     void DrawTexts(CDC* dc);
-    void Write(CDC* dc, double value, Series series, bool isX, const std::string& text);
     void DrawEndPoint(CDC* dc);
 
     const EndPoint m_endPoint;

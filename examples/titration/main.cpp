@@ -1,15 +1,19 @@
 // From a measured titration curve to a result that is kept: a user logs on, the method is read and kept enciphered, the
 // end point is found, the user's formula computed over named values, rounded and compared with its limits. Report,
-// table and sealed values are written, registered as a new version with its operator, and logged. Any version can be
-// taken out again.
+// table and sealed values are written, registered as a new version with its operator, and logged; the curve is drawn
+// into a report that is kept as a print job. Any version can be taken out again, and reports are printed three to a
+// page.
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <utility>
 
 #include <qellib10/qellib10.h>
 
 #include "calculation.h"
 #include "csv_table.h"
+#include "determination.h"
 #include "end_point.h"
 #include "failure.h"
 #include "file_step.h"
@@ -18,6 +22,9 @@
 #include "method_ini.h"
 #include "options.h"
 #include "report.h"
+#include "report_job.h"
+#include "report_page.h"
+#include "report_printer.h"
 #include "result_file.h"
 #include "result_table.h"
 #include "session.h"
@@ -56,25 +63,24 @@ std::string LogOn(Session& session) {
     return "User       " + user + role + "\n";
 }
 
-struct Outcome {
-    Result result;
-    std::string report;
-};
-
-Outcome Titrate(const std::string& methodName, const Method& method, const std::string& dataName) {
-    const Settings settings = About(methodName, [&] { return ParseSettings(method); });
+Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName) {
+    Determination made;
+    made.settingsFile = methodName;
+    made.dataFile = dataName;
+    made.settings = About(methodName, [&] { return ParseSettings(method); });
     Log("curve " + dataName);
     const std::string data = ReadTextFile(dataName);
-    const Curve curve = About(dataName, [&] { return ReadCurve(data, settings.volumeColumn, settings.signalColumn); });
-    const EndPoint endPoint = About(dataName, [&] { return FindEndPoint(curve); });
-    const Result result = About(methodName, [&] { return Calculate(settings, endPoint.volume); });
-    Log("result " + result.name + " = " + result.text + " " + result.unit);
-    return {result, Report(methodName, settings, dataName, curve, endPoint, result)};
+    made.curve =
+        About(dataName, [&] { return ReadCurve(data, made.settings.volumeColumn, made.settings.signalColumn); });
+    made.endPoint = About(dataName, [&] { return FindEndPoint(made.curve); });
+    made.result = About(methodName, [&] { return Calculate(made.settings, made.endPoint.volume); });
+    Log("result " + made.result.name + " = " + made.result.text + " " + made.result.unit);
+    return made;
 }
 
 // Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
 // method from then on.
-std::pair<Outcome, std::string> TitrateByMethod(const Options& options, const CString& folder, Session& session) {
+std::pair<Determination, std::string> TitrateByMethod(const Options& options, const CString& folder, Session& session) {
     MethodFile file(In(folder, "method.xml"));
     const bool isKept = options.settings.empty();
     if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
@@ -85,22 +91,22 @@ std::pair<Outcome, std::string> TitrateByMethod(const Options& options, const CS
     if (changes.GetCount() > 0 && !session.May(kChangeMethod))
         throw Failure(session.Operator() + " may not change the method");
 
-    Outcome outcome = Titrate(name, method, options.data);
-    if (changes.GetCount() == 0) return {outcome, "Method     method.xml, as it was\n"};
+    const Determination made = Titrate(name, method, options.data);
+    if (changes.GetCount() == 0) return {made, "Method     method.xml, as it was\n"};
     const std::string count = std::to_string(changes.GetCount());
     const std::string what =
         file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
     file.Keep(method);
     Log("method.xml kept");
-    return {outcome, "Method     method.xml, enciphered: " + what};
+    return {made, "Method     method.xml, enciphered: " + what};
 }
 
 // @return what was made, one file a line
-std::string WriteFiles(const Outcome& outcome, const CString& folder) {
-    WriteTextFile(outcome.report, In(folder, "report.txt"));
-    const int lines = WriteResultTable(outcome.result, In(folder, "result.csv"));
+std::string WriteFiles(const Determination& made, const std::string& report, const CString& folder) {
+    WriteTextFile(report, In(folder, "report.txt"));
+    const int lines = WriteResultTable(made.result, In(folder, "result.csv"));
 
-    const CCalcVariableList& variables = outcome.result.variables;
+    const CCalcVariableList& variables = made.result.variables;
     const std::string archive = In(folder, "variables.qel");
     const CCheckDatafile seal = StoreVariables(variables, archive);
     if (LoadVariables(archive) != variables) throw Failure(archive + ": differs from what was written");
@@ -119,14 +125,35 @@ std::string WriteFiles(const Outcome& outcome, const CString& folder) {
     return std::string(text);
 }
 
-std::string Register(const Options& options, const CString& folder, Session& session, History& history) {
+const CHistoryRenewInfo& Register(const Options& options, const CString& folder, Session& session, History& history) {
     const std::string comment = options.comment.empty()
                                     ? "from " + std::string(CQFile::GetFilenameFromPath(options.data.c_str()))
                                     : options.comment;
     const CHistoryRenewInfo& record = history.Register(In(folder, "variables.qel"), session.Operator(), comment);
-    const std::string version = "version " + std::to_string(history.Latest());
-    Log("registered variables.qel as " + version);
-    return "History    results.hcf: variables.qel as " + version + ", " + Described(record) + "\n";
+    Log("registered variables.qel as version " + std::to_string(history.Latest()));
+    return record;
+}
+
+// The report of a version as a print job, and the curve in it as a picture.
+std::string KeepReport(const Determination& made, DWORD version, const CHistoryRenewInfo& record,
+                       ReportPrinter& printer, const CString& folder) {
+    CQelPrintJobQueueData job = MakeReportJob(made, version, record, printer, In(folder, "curve.png"));
+    const std::string path = ReportJobPath(folder, version);
+    if (job.SaveJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be written");
+    const std::string name(CQFile::GetFilenameFromPath(path.c_str()));
+    return "Report     " + name + " for printer " + std::string(printer.Style().GetPrinterDevice()) +
+           ", its curve in curve.png\n";
+}
+
+std::string Determine(const Options& options, const CString& folder, Session& session, History& history) {
+    ReportPrinter printer(options.printer);
+    const auto [made, method] = TitrateByMethod(options, folder, session);
+    const std::string report = Report(made);
+    const std::string files = WriteFiles(made, report, folder);
+    const CHistoryRenewInfo& record = Register(options, folder, session, history);
+    const std::string version = std::to_string(history.Latest());
+    return method + report + files + "History    results.hcf: variables.qel as version " + version + ", " +
+           Described(record) + "\n" + KeepReport(made, history.Latest(), record, printer, folder);
 }
 
 std::string TakeOut(DWORD version, const CString& folder, History& history) {
@@ -145,20 +172,33 @@ std::string TakeOut(DWORD version, const CString& folder, History& history) {
     return text;
 }
 
+std::string Print(int count, const CString& folder, const History& history) {
+    const auto reports = static_cast<DWORD>(count);
+    if (reports > history.Latest())
+        throw Failure("there are no " + std::to_string(count) + " reports, but " + std::to_string(history.Latest()));
+    ReportPages pages(folder, history.Latest() - reports + 1, history.Latest());
+    std::string text;
+    for (int page = 1; page <= pages.Count(); ++page) {
+        const std::string name = "page-" + std::to_string(page) + ".png";
+        pages.SavePreview(page, In(folder, name));
+        text += "Preview    " + name + "\n";
+    }
+    pages.Print();
+    const std::string done = std::to_string(count) + " reports on printer " + std::string(pages.PrinterName());
+    Log("printed " + done);
+    return text + "Printed    " + done + "\n";
+}
+
 void Run(const Options& options) {
     const CString folder = OpenOutput(options.out);
+    ::setenv("QELLIB10_PDF_DIR", options.out.c_str(), 0);  // what the printer "PDF" writes
     try {
         Session session(In(folder, "users.db"), options.user, options.password);
         std::string text = LogOn(session);
         History history(folder);
-        if (options.takeOut > 0) {
-            text += TakeOut(static_cast<DWORD>(options.takeOut), folder, history);
-        } else {
-            const auto [outcome, method] = TitrateByMethod(options, folder, session);
-            text += method + outcome.report;
-            text += WriteFiles(outcome, folder);
-            text += Register(options, folder, session, history);
-        }
+        text += options.takeOut > 0 ? TakeOut(static_cast<DWORD>(options.takeOut), folder, history)
+                : options.print > 0 ? Print(options.print, folder, history)
+                                    : Determine(options, folder, session, history);
         std::printf("%sLogged     titration.log; all in %s\n", text.c_str(), options.out.c_str());
     } catch (const Failure& failure) {
         Log(std::string("failed: ") + failure.what());

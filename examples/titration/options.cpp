@@ -9,38 +9,50 @@ namespace titration {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: titration {--data FILE [--settings FILE] [--comment TEXT] | --take-out VERSION} --out FOLDER "
-    "[--user NAME] [--password TEXT]";
+    "usage: titration {--data FILE [--settings FILE] [--comment TEXT] [--printer NAME] | --take-out VERSION | "
+    "--print COUNT} --out FOLDER [--user NAME] [--password TEXT]";
 
-std::string* Place(Options& options, std::string& takeOut, const std::string& name) {
+struct NumberTexts {
+    std::string takeOut, print;
+};
+
+std::string* Place(Options& options, NumberTexts& numbers, const std::string& name) {
     return name == "--data"       ? &options.data
            : name == "--settings" ? &options.settings
            : name == "--out"      ? &options.out
            : name == "--comment"  ? &options.comment
+           : name == "--printer"  ? &options.printer
            : name == "--user"     ? &options.user
            : name == "--password" ? &options.password
-           : name == "--take-out" ? &takeOut
+           : name == "--take-out" ? &numbers.takeOut
+           : name == "--print"    ? &numbers.print
                                   : nullptr;
+}
+
+// 0 for an option that is not given.
+int Counted(const std::string& text, const char* what) {
+    const int number = text.empty() ? 0 : ParseWholeNumber(text).value_or(0);
+    if (number == 0 && !text.empty()) throw Failure("\"" + text + "\" is no " + what + ": they count from 1");
+    return number;
 }
 
 }  // namespace
 
 Options ParseOptions(int argc, char** argv) {
     Options options;
-    std::string takeOut;
+    NumberTexts numbers;
     std::set<std::string> given;
     for (int i = 1; i < argc; i += 2) {
-        std::string* const place = Place(options, takeOut, argv[i]);
+        std::string* const place = Place(options, numbers, argv[i]);
         if (place == nullptr || i + 1 == argc || !given.insert(argv[i]).second) throw Failure(kUsage);
         *place = argv[i + 1];
     }
-    if (!takeOut.empty()) {
-        options.takeOut = ParseWholeNumber(takeOut).value_or(0);
-        if (options.takeOut == 0) throw Failure("\"" + takeOut + "\" is no version: they count from 1");
-    }
+    options.takeOut = Counted(numbers.takeOut, "version");
+    options.print = Counted(numbers.print, "number of reports");
     const bool isResult = !options.data.empty();
-    const bool hasMore = !options.settings.empty() || !options.comment.empty();
-    if (options.out.empty() || isResult == (options.takeOut != 0) || (hasMore && !isResult)) throw Failure(kUsage);
+    const bool hasMore = !options.settings.empty() || !options.comment.empty() || given.contains("--printer");
+    const int actions = isResult + (options.takeOut != 0) + (options.print != 0);
+    if (options.out.empty() || actions != 1 || (hasMore && !isResult)) throw Failure(kUsage);
     return options;
 }
 

@@ -35,8 +35,8 @@ Points SlopeOf(const Points& points, std::size_t run) {
     const std::size_t count = points.x.size(), length = std::min(run, count);
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t first = std::min(i - std::min(i, length / 2), count - length);
-        const auto fit = CubicFit::Through(std::span(points.x).subspan(first, length),
-                                           std::span(points.y).subspan(first, length));
+        const auto fit =
+            CubicFit::Through(std::span(points.x).subspan(first, length), std::span(points.y).subspan(first, length));
         if (!fit) continue;
         slope.x.push_back(points.x[i]);
         slope.y.push_back(fit->Slope(points.x[i]));

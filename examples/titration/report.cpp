@@ -15,22 +15,22 @@ std::string Joined(const std::vector<std::string>& names) {
     return joined.empty() ? "no variable" : joined;
 }
 
+}  // namespace
+
 std::string ColumnText(const std::string& column) { return ParseWholeNumber(column) ? "column " + column : column; }
 
-std::string LimitLine(const Settings& settings, double value) {
+std::string LimitText(const Settings& settings, double value) {
     if (!settings.low && !settings.high) return "";
     const auto shown = [&](double limit) { return Fixed(limit, settings.digits); };
     const std::string from = settings.low ? "from " + shown(*settings.low) : "";
     const std::string to = settings.high ? std::string(settings.low ? " to " : "to ") + shown(*settings.high) : "";
     const bool isBelow = settings.low && value < *settings.low;
     const bool isAbove = settings.high && value > *settings.high;
-    return "Limits     " + from + to + ": " + (isBelow ? "too low" : isAbove ? "too high" : "kept") + "\n";
+    return from + to + ": " + (isBelow ? "too low" : isAbove ? "too high" : "kept");
 }
 
-}  // namespace
-
-std::string Report(const std::string& settingsFile, const Settings& settings, const std::string& dataFile,
-                   const Curve& curve, const EndPoint& endPoint, const Result& result) {
+std::string Report(const Determination& determination) {
+    const auto& [settingsFile, settings, dataFile, curve, endPoint, result] = determination;
     std::string text = "Settings   " + settingsFile + ", " + std::to_string(settings.variables.size()) + " variables\n";
     text += "Curve      " + dataFile + ", lines " + std::to_string(curve.firstLine) + " to " +
             std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
@@ -44,8 +44,8 @@ std::string Report(const std::string& settingsFile, const Settings& settings, co
     text += "Formula    " + settings.formula + "\n";
     text += "           uses " + Joined(result.used) + "\n";
     text += "Result     " + result.name + " = " + result.text + " " + result.unit + "\n";
-    text += LimitLine(settings, result.value);
-    return text;
+    const std::string limits = LimitText(settings, result.value);
+    return limits.empty() ? text : text + "Limits     " + limits + "\n";
 }
 
 }  // namespace titration

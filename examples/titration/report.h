@@ -2,15 +2,18 @@
 
 #include <string>
 
-#include "calculation.h"
-#include "csv_table.h"
-#include "end_point.h"
-#include "settings.h"
+#include "determination.h"
 
 namespace titration {
 
-/// What was measured and what came out of it, one fact a line.
-std::string Report(const std::string& settingsFile, const Settings& settings, const std::string& dataFile,
-                   const Curve& curve, const EndPoint& endPoint, const Result& result);
+/// One fact a line.
+std::string Report(const Determination& determination);
+
+// The same facts for other reports.
+
+/// A column's name, or "column 2".
+std::string ColumnText(const std::string& column);
+/// The limits and whether they are kept; empty when there are none.
+std::string LimitText(const Settings& settings, double value);
 
 }  // namespace titration

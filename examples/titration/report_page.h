@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+#include <qellib10/qellib10.h>
+
+#include "report_printer.h"
+
+namespace titration {
+
+/// The job file of the report on a version.
+std::string ReportJobPath(const CString& folder, DWORD version);
+
+/// The reports on versions @p first to @p last, three to a page, on the printer that they were laid out for.
+class ReportPages {
+public:
+    /// @throws Failure when a job file cannot be read, when one is for another printer, and when that is not there
+    ReportPages(const CString& folder, DWORD first, DWORD last);
+
+    int Count() const;
+    CString PrinterName() const { return m_document.GetPageStyle().GetPrinterDevice(); }
+    /// Draws page @p number, counted from 1, as a picture of half as much again as its real size on a screen.
+    /// @throws Failure
+    void SavePreview(int number, const std::string& path);
+    /// @throws Failure when the printer does not take the document
+    void Print();
+
+private:
+    CQelPrintJobDocumentData m_document;
+};
+
+}  // namespace titration

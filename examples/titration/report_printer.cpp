@@ -1,0 +1,30 @@
+#include "report_printer.h"
+
+#include "failure.h"
+
+namespace titration {
+namespace {
+
+CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
+    CQelPrintJobPageStyle style;
+    style.SetStyleName("Titration reports");
+    style.SetPrinterDevice(printer.c_str());
+    style.SetPrintBlock({1, 3});
+    // Tenths of a millimetre; the wide margin is for a binder.
+    style.SetLeftMargin(200);
+    style.SetRightMargin(150);
+    style.SetTopMargin(150);
+    style.SetBottomMargin(100);
+    return style;
+}
+
+}  // namespace
+
+ReportPrinter::ReportPrinter(const std::string& name) : ReportPrinter(ThreeOnAPage(name)) {}
+
+ReportPrinter::ReportPrinter(const CQelPrintJobPageStyle& style) : m_style(style) {
+    const CString name = style.GetPrinterDevice();
+    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + std::string(name) + "\"");
+}
+
+}  // namespace titration

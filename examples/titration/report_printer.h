@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include <qellib10/qellib10.h>
+
+namespace titration {
+
+/// The paper that reports are laid out for, A4 with three of them one below the other, and the printer that it is in.
+class ReportPrinter {
+public:
+    /// @throws Failure when there is no such printer
+    explicit ReportPrinter(const std::string& name);
+    /// The printer of reports that were laid out before.
+    explicit ReportPrinter(const CQelPrintJobPageStyle& style);
+
+    /// With the resolution and the paper size of the printer.
+    const CQelPrintJobPageStyle& Style() const { return m_style; }
+    CDC& Context() { return m_dc; }
+
+private:
+    CQelPrintJobPageStyle m_style;
+    CDC m_dc;
+};
+
+}  // namespace titration
