@@ -1,5 +1,6 @@
 // The series: lines, bars, recorders.
 
+#include <algorithm>
 #include <cstdint>
 
 #include "qellib10/graph/data_scale.h"
@@ -36,7 +37,8 @@ int CQelGraph::PlotLineDraw(CDC* dc, int series) {
     if (LineDraw(dc, series) == 0) return 0;
     const CGraphDataCtrl& data = *Find(series);
     if (data.GetDataCount() == 0 || !IsOfData()) return 1;
-    PenInArea pen(*this, dc, {data.GetLineStyle().GetColor(), PS_SOLID, 1});
+    // As thick on paper as on the screen, like the circles themselves.
+    PenInArea pen(*this, dc, {data.GetLineStyle().GetColor(), PS_SOLID, std::max(1, HalfSizeOnSurface(1))});
     const qel::DataScale scale = ScaleOf(data);
     const int halfSize = HalfSizeOnSurface(m_nCoordinateMode == 1 ? kMetricCircle : kCircle);
     for (const CGraphData& point : data.GetData()) {

@@ -12,12 +12,13 @@ constexpr COLORREF kBlack = RGB(0, 0, 0), kGrey = RGB(205, 205, 205);
 constexpr COLORREF kBlue = RGB(0, 60, 160), kOrange = RGB(200, 90, 0), kRed = RGB(200, 0, 30);
 
 // Hundredths of a millimetre.
-constexpr int kThinLine = 10, kLine = 20, kGap = 80;
+constexpr int kThinLine = 10, kFrame = 15, kSlopeLine = 15, kLine = 20, kGap = 80;
 
 constexpr int kMostSteps = 10;
-constexpr int kCircle = 1, kEndPointSize = 5;  // shape, and half-size in pixels of a screen
-constexpr std::size_t kMostMarks = 500;        // more would be one band
-constexpr std::size_t kMostPoints = 10'000;    // more than a page can show
+constexpr int kCircle = 1;                   // shape
+constexpr int kEndPointSizes[] = {4, 6};     // half-sizes in pixels of a screen
+constexpr std::size_t kMostMarks = 500;      // more would be one band
+constexpr std::size_t kMostPoints = 10'000;  // more than a page can show
 
 enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
 
@@ -76,10 +77,10 @@ CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::
     SetDivX(m_volume.steps.count);
     SetDivY(m_signal.steps.count);
     SetAxisStyle({kGrey, PS_SOLID, Dots(kThinLine)});
-    SetFrameStyle({kBlack, PS_SOLID, Dots(kThinLine)});
+    SetFrameStyle({kBlack, PS_SOLID, Dots(kFrame)});
     SetLabelSpaceX(0);
     SetLabelSpaceY(0);
-    AddSeries(kSlope, m_slope, slope, Dots(kThinLine));
+    AddSeries(kSlope, m_slope, slope, Dots(kSlopeLine));
     AddSeries(kSignal, m_signal, measured, Dots(kLine));
     SetGraphPlotflg(kSignal, measured.x.size() <= kMostMarks ? 1 : 0);
 }
@@ -113,9 +114,9 @@ void CurveGraph::LeaveRoomForTexts(CDC* dc) {
     const CSize volume = m_volume.Largest(dc), signal = m_signal.Largest(dc), slope = m_slope.Largest(dc);
     const int gap = Dots(kGap);
     SetTopMargin(volume.cy * 3 / 2 + gap);
-    SetBottomMargin(2 * (volume.cy + gap));
-    SetLeftMargin(std::max(signal.cx + gap, volume.cx / 2));
-    SetRightMargin(std::max(slope.cx + gap, volume.cx / 2));
+    SetBottomMargin(volume.cy * 5 / 2 + gap);
+    SetLeftMargin(std::max(signal.cx + 2 * gap, volume.cx / 2));
+    SetRightMargin(std::max(slope.cx + 2 * gap, volume.cx / 2));
 }
 
 void CurveGraph::DrawTexts(CDC* dc) {
@@ -130,7 +131,9 @@ void CurveGraph::DrawTexts(CDC* dc) {
         for (int line = 0; line <= axis.steps.count; ++line) writeAt(axis.steps.Value(line), axis.steps.Text(line));
     };
     writeSteps(m_volume, [&](double value, const std::string& text) {
-        write(text, kBlack, area.left + DataToXPixel(value, kSignal), kCentred, area.bottom + gap, kBefore);
+        // Below the lowest values of the other axes, which may be as close as these are long.
+        const int below = area.bottom + dc->GetTextExtent(text.c_str()).cy / 2;
+        write(text, kBlack, area.left + DataToXPixel(value, kSignal), kCentred, below, kBefore);
     });
     writeSteps(m_signal, [&](double value, const std::string& text) {
         write(text, kBlue, area.left - gap, kBehind, area.top + DataToYPixel(value, kSignal), kCentred);
@@ -153,7 +156,7 @@ void CurveGraph::DrawEndPoint(CDC* dc) {
     const auto [bottom, top] = ends(m_signal);
     FreeLineDraw(dc, kSignal, volume, bottom, volume, top, kRed, Dots(kThinLine));
     FreeLineDraw(dc, kSignal, left, signal, right, signal, kRed, Dots(kThinLine));
-    MarkDraw(dc, kSignal, volume, signal, kCircle, kRed, kEndPointSize, nullptr);
+    for (const int size : kEndPointSizes) MarkDraw(dc, kSignal, volume, signal, kCircle, kRed, size, nullptr);
 }
 
 }  // namespace titration

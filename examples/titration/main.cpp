@@ -184,7 +184,7 @@ std::string Print(int count, const CString& folder, const History& history) {
         text += "Preview    " + name + "\n";
     }
     pages.Print();
-    const std::string done = std::to_string(count) + " reports on printer " + std::string(pages.PrinterName());
+    const std::string done = std::to_string(count) + " reports on printer " + pages.PrinterName();
     Log("printed " + done);
     return text + "Printed    " + done + "\n";
 }

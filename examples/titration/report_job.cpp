@@ -16,7 +16,7 @@ constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10, kWrapped = 0x20 | 0x40;
 constexpr int kHeadline = 140, kStrong = 110, kPlain = 90, kSmall = 80;
 
 // Tenths of a millimetre in the cell.
-constexpr int kRow = 46, kNames = 160, kTableWidth = 640, kCurveLeft = 690;
+constexpr int kRow = 46, kAbove = 5, kNames = 190, kTableWidth = 650, kCurveLeft = 690;
 constexpr int kTop = 100, kBottom = 690, kSignature = 790;
 constexpr int kLineWidth = 2;
 
@@ -45,9 +45,11 @@ public:
     }
     // The next row of the table.
     void Row(const std::string& name, const std::string& value, int size = kPlain, int lines = 1) {
-        const int height = lines * kRow * size / kPlain, alignment = kLeft | (lines > 1 ? kWrapped : kInMiddle);
-        Text(size, {0, m_y, kNames, m_y + height}, name, alignment);
-        Text(size, {kNames, m_y, kTableWidth, m_y + height}, value, alignment);
+        const int row = kRow * size / kPlain, height = lines * row;
+        Text(size, {0, m_y, kNames, m_y + row}, name, kLeft | kInMiddle);
+        // Several lines begin where a single one in the middle of its row would.
+        Text(size, {kNames, lines > 1 ? m_y + kAbove : m_y, kTableWidth, m_y + height}, value,
+             kLeft | (lines > 1 ? kWrapped : kInMiddle));
         m_y += height;
     }
     void Rule() {
@@ -90,6 +92,11 @@ void AddTable(Layout& layout, const Determination& determination) {
     const Result& result = determination.result;
     layout.Row("Curve", std::string(CQFile::GetFilenameFromPath(determination.dataFile.c_str())) + ", " +
                             std::to_string(determination.curve.volume.size()) + " points");
+    const EndPoint& endPoint = determination.endPoint;
+    CString place;
+    place.Format("%.4f, %s %.2f", endPoint.volume, ColumnText(determination.settings.signalColumn).c_str(),
+                 endPoint.signal);
+    layout.Row("End point", std::string(place));
     layout.Row("Formula", determination.settings.formula, kPlain, 2);
     layout.Rule();
     AddVariables(layout, result.variables, static_cast<int>(result.used.size()));

@@ -23,6 +23,10 @@ ReportPages::ReportPages(const CString& folder, DWORD first, DWORD last) {
         if (m_document.CheckAndAddJobFile(job) == 0)
             throw Failure(path + ": is for another printer than the first one");
     }
+    // A job file has the form's code alone; the size of the paper comes with a context of the printer.
+    const std::string name = PrinterName();
+    if (!m_printer.Attach(m_document.GetPageStyle().GetPrinterDC()))
+        throw Failure("there is no printer \"" + name + "\"");
 }
 
 int ReportPages::Count() const {
@@ -30,12 +34,12 @@ int ReportPages::Count() const {
     return (m_document.GetBlockCount() + aPage - 1) / aPage;
 }
 
+int ReportPages::OnScreen(int caps, int resolution) const {
+    return m_printer.GetDeviceCaps(caps) * kPreviewDotsAnInch / m_printer.GetDeviceCaps(resolution);
+}
+
 void ReportPages::SavePreview(int number, const std::string& path) {
-    ReportPrinter printer(m_document.GetPageStyle());
-    const auto onScreen = [&](int caps, int resolution) {
-        return printer.Context().GetDeviceCaps(caps) * kPreviewDotsAnInch / printer.Context().GetDeviceCaps(resolution);
-    };
-    const CSize size(onScreen(PHYSICALWIDTH, LOGPIXELSX), onScreen(PHYSICALHEIGHT, LOGPIXELSY));
+    const CSize size(OnScreen(PHYSICALWIDTH, LOGPIXELSX), OnScreen(PHYSICALHEIGHT, LOGPIXELSY));
     CDC screen;
     CBitmap bitmap;
     screen.CreateCompatibleDC(nullptr);
@@ -48,8 +52,8 @@ void ReportPages::SavePreview(int number, const std::string& path) {
     {
         CPreviewDC preview;
         preview.SetOutputDC(screen);
-        preview.SetAttribDC(printer.Context());
-        preview.SetTopLeftOffset({onScreen(PHYSICALOFFSETX, LOGPIXELSX), onScreen(PHYSICALOFFSETY, LOGPIXELSY)});
+        preview.SetAttribDC(m_printer);
+        preview.SetTopLeftOffset({OnScreen(PHYSICALOFFSETX, LOGPIXELSX), OnScreen(PHYSICALOFFSETY, LOGPIXELSY)});
         preview.SetScaleRatio(kScaleNumerator, kScaleDenominator);
         isDrawn = m_document.PrintOutMain(&preview, number, 1) != 0;
     }
@@ -59,8 +63,7 @@ void ReportPages::SavePreview(int number, const std::string& path) {
 }
 
 void ReportPages::Print() {
-    if (m_document.PrintOut() == 0)
-        throw Failure("the printer \"" + std::string(PrinterName()) + "\" does not take the reports");
+    if (m_document.PrintOut() == 0) throw Failure("the printer \"" + PrinterName() + "\" does not take the reports");
 }
 
 }  // namespace titration

@@ -4,8 +4,6 @@
 
 #include <qellib10/qellib10.h>
 
-#include "report_printer.h"
-
 namespace titration {
 
 /// The job file of the report on a version.
@@ -18,7 +16,7 @@ public:
     ReportPages(const CString& folder, DWORD first, DWORD last);
 
     int Count() const;
-    CString PrinterName() const { return m_document.GetPageStyle().GetPrinterDevice(); }
+    std::string PrinterName() const { return std::string(m_document.GetPageStyle().GetPrinterDevice()); }
     /// Draws page @p number, counted from 1, as a picture of half as much again as its real size on a screen.
     /// @throws Failure
     void SavePreview(int number, const std::string& path);
@@ -26,7 +24,10 @@ public:
     void Print();
 
 private:
+    int OnScreen(int caps, int resolution) const;
+
     CQelPrintJobDocumentData m_document;
+    CDC m_printer;
 };
 
 }  // namespace titration

@@ -20,11 +20,8 @@ CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
 
 }  // namespace
 
-ReportPrinter::ReportPrinter(const std::string& name) : ReportPrinter(ThreeOnAPage(name)) {}
-
-ReportPrinter::ReportPrinter(const CQelPrintJobPageStyle& style) : m_style(style) {
-    const CString name = style.GetPrinterDevice();
-    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + std::string(name) + "\"");
+ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeOnAPage(name)) {
+    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + name + "\"");
 }
 
 }  // namespace titration

@@ -11,8 +11,6 @@ class ReportPrinter {
 public:
     /// @throws Failure when there is no such printer
     explicit ReportPrinter(const std::string& name);
-    /// The printer of reports that were laid out before.
-    explicit ReportPrinter(const CQelPrintJobPageStyle& style);
 
     /// With the resolution and the paper size of the printer.
     const CQelPrintJobPageStyle& Style() const { return m_style; }
