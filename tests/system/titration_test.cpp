@@ -10,8 +10,13 @@
 #include <utility>
 #include <vector>
 
+#include <qellib10/qellib10.h>
+
 #include "../support/cases.h"
+#include "../support/output_of.h"
+#include "../support/print_system.h"
 #include "../support/temp_folder.h"
+#include "../support/words.h"
 #include "user_store.h"
 
 namespace {
@@ -57,6 +62,10 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
+constexpr const char* kVinegar =
+    "--data " QELLIB10_SOURCE_DIR "/examples/titration/data/vinegar.csv --settings " QELLIB10_SOURCE_DIR
+    "/examples/titration/data/vinegar.ini --out results";
+
 using Points = std::vector<std::pair<double, double>>;
 
 // A curve with its end point at 10.2, rising for a positive height, with uneven steps and noise that repeats itself.
@@ -89,6 +98,21 @@ std::string Table(const Points& points, const std::string& separator = ",", cons
     return text.str();
 }
 
+std::vector<std::string> Sorted(std::vector<std::string> words) {
+    std::ranges::sort(words);
+    return words;
+}
+
+std::vector<std::string> WordsOfJob(const CString& path) {
+    CQelPrintJobQueueData job;
+    EXPECT_EQ(job.LoadJobFile(path), 1);
+    std::string texts;
+    for (CQelPrintJobCommand command; job.GetBlock().GetNextCommand(command) != 0;) {
+        if (command.GetKind() == CQelPrintJobCommand::kText) texts += std::string(command.GetText()) + " ";
+    }
+    return Sorted(Words(texts));
+}
+
 double ResultIn(const std::string& report) {
     double result = NAN;
     std::istringstream(report.substr(std::min(report.find("R = "), report.size() - 4) + 4)) >> result;
@@ -98,8 +122,7 @@ double ResultIn(const std::string& report) {
 }  // namespace
 
 TEST_F(Titration, ComputesTheVinegar) {
-    const std::string vinegar = QELLIB10_SOURCE_DIR "/examples/titration/data/vinegar";
-    const std::string arguments = "--data " + vinegar + ".csv --settings " + vinegar + ".ini --out results";
+    const std::string arguments = kVinegar;
     const Outcome run = Run(arguments);
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("uses C_NaOH, F, BLANK, SAMPLE, M, EP\n"), std::string::npos) << run.out;
@@ -153,6 +176,47 @@ TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
         EXPECT_EQ(run.status, run.err.empty() ? 0 : 1);
     }
     EXPECT_NEAR(ResultIn(Run("--out results/first --take-out 1").out), 10.2, 0.02);
+}
+
+// What is drawn behind a curve is hidden in every cell that does not stand in the corner.
+TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(Run(kVinegar).status, 0);
+    const Outcome run = Run("--print 4 --out results");
+    EXPECT_NE(run.out.find("Preview    page-2.png\nPrinted    4 reports on printer PDF\n"), std::string::npos)
+        << run.err;
+    const std::string cell = "pdftotext -l 1 -x 0 -W 595 -H 257 -y ",
+                      pdf = " '" + Path("results/Titration reports.pdf'");
+    for (const auto& [job, top] : Cases<const char*, const char*>{
+             {"results/report-1.job", "42"}, {"results/report-2.job", "299"}, {"results/report-3.job", "556"}}) {
+        const std::vector<std::string> words = WordsOfJob(m_folder.Path(job));
+        EXPECT_GT(words.size(), 60u);
+        EXPECT_EQ(Sorted(Words(OutputOf(cell + top + pdf + " -"))), words) << job;
+    }
+    EXPECT_EQ(ReadText(Path("results/curve.png")).substr(16, 8), std::string("\0\0\x09\xC8\0\0\x05\x71", 8))
+        << "600 dpi";
+    EXPECT_TRUE(ReadText(Path("results/page-2.png")).starts_with("\x89PNG"));
+}
+
+TEST_F(Titration, PrintsOnTheNamedPrinter) {
+    if (!PrintSystem::IsInstalled()) GTEST_SKIP() << PrintSystem::kNeeds;
+    const PrintSystem system;
+    ASSERT_TRUE(system);
+    const std::string onPrinter = std::string(kVinegar) + " --printer ";
+    EXPECT_EQ(Run(onPrinter + "lab").status, 0);
+    EXPECT_EQ(Run("--print 1 --out results").err, "");
+    EXPECT_NE(OutputOf("pdftotext '" + system.Printed(1) + "' -").find("Titration: ACIDITY 49.6 g/L"),
+              std::string::npos);
+    EXPECT_EQ(Run(onPrinter + "PDF").status, 0);
+    for (const auto& [arguments, message] : Cases<std::string, const char*>{
+             {onPrinter + "none", "there is no printer \"none\""},
+             {"--print 2 --out results", "report-2.job: is for another printer than the first one"},
+             {"--print 3 --out results", "there are no 3 reports, but 2"},
+             {"--print x --out results", "\"x\" is no number of reports"},
+             {"--print 1 --take-out 1 --out results", "usage: "}}) {
+        const Outcome run = Run(arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_NE(run.err.find(message), std::string::npos) << run.err;
+    }
 }
 
 TEST_F(Titration, ReadsWhatInstrumentsWrite) {
