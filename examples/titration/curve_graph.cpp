@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
+#include "point_font.h"
+
 namespace titration {
 namespace {
 
-constexpr const char* kFace = "Arial";
 constexpr int kFontSize = 80;  // tenths of a point
 
 constexpr COLORREF kBlack = RGB(0, 0, 0), kGrey = RGB(205, 205, 205);
@@ -21,23 +22,6 @@ constexpr std::size_t kMostMarks = 500;      // more would be one band
 constexpr std::size_t kMostPoints = 10'000;  // more than a page can show
 
 enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
-
-// The font of all texts, for as long as this object lives.
-class Font {
-public:
-    explicit Font(CDC* dc) : m_dc(dc) {
-        m_font.CreatePointFont(kFontSize, kFace, dc);
-        m_before = dc->SelectObject(&m_font);
-    }
-    ~Font() { m_dc->SelectObject(m_before); }
-    Font(const Font&) = delete;
-    Font& operator=(const Font&) = delete;
-
-private:
-    CDC* const m_dc;
-    CFont m_font;
-    CFont* m_before;
-};
 
 AxisSteps StepsOver(const std::vector<double>& values) {
     const auto [low, high] = std::ranges::minmax(values);
@@ -100,7 +84,7 @@ void CurveGraph::AddSeries(Series series, const Axis& axis, const Points& points
 
 int CurveGraph::GraphDraw(CDC* dc, int x, int y) {
     {
-        const Font font(dc);
+        const PointFont font(dc, kFontSize);
         LeaveRoomForTexts(dc);
         GetDrawArea(dc, x, y);
         DrawTexts(dc);
