@@ -184,7 +184,8 @@ std::string Print(int count, const CString& folder, const History& history) {
         text += "Preview    " + name + "\n";
     }
     pages.Print();
-    const std::string done = std::to_string(count) + " reports on printer " + pages.PrinterName();
+    const std::string done =
+        std::to_string(count) + (count == 1 ? " report" : " reports") + " on printer " + pages.PrinterName();
     Log("printed " + done);
     return text + "Printed    " + done + "\n";
 }
