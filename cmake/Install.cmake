@@ -1,5 +1,5 @@
 # What `cmake --install` gives beside the headers, which qellib10_files installs: the library, the umbrella header, the
-# CMake package QELLIB10 and the pkg-config file. All of them work from wherever the tree is moved to.
+# CMake package QELLIB10 and the pkg-config files. All of them work from wherever the tree is moved to.
 include(CMakePackageConfigHelpers)
 
 install(FILES qellib10.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10 COMPONENT development)
@@ -8,6 +8,9 @@ install(TARGETS qellib10 EXPORT QELLIB10Targets
 
 set(QELLIB10_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/QELLIB10)
 install(EXPORT QELLIB10Targets NAMESPACE QELLIB10:: DESTINATION ${QELLIB10_PACKAGE_DIR} COMPONENT development)
+if(TARGET qellib10-gtk)
+  install(EXPORT QELLIB10GtkTargets NAMESPACE QELLIB10:: DESTINATION ${QELLIB10_PACKAGE_DIR} COMPONENT development)
+endif()
 configure_package_config_file(cmake/QELLIB10Config.cmake.in ${PROJECT_BINARY_DIR}/QELLIB10Config.cmake
   INSTALL_DESTINATION ${QELLIB10_PACKAGE_DIR} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QELLIB10ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
@@ -16,5 +19,11 @@ install(FILES ${PROJECT_BINARY_DIR}/QELLIB10Config.cmake ${PROJECT_BINARY_DIR}/Q
 
 set(QELLIB10_PKGCONFIG_DIR ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH QELLIB10_PREFIX_FROM_PC ${QELLIB10_PKGCONFIG_DIR} ${CMAKE_INSTALL_PREFIX})
-configure_file(cmake/qellib10.pc.in ${PROJECT_BINARY_DIR}/qellib10.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/qellib10.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+set(pc_names qellib10)
+if(TARGET qellib10-gtk)
+  list(APPEND pc_names qellib10-gtk)
+endif()
+foreach(name IN LISTS pc_names)
+  configure_file(cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endforeach()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "qellib10/platform/drawing/geometry.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
@@ -54,5 +56,9 @@ namespace qel {
 /// Sets the paper by its size as it lies in portrait, in hundredths of a millimetre: as the form's code where page
 /// styles know the form's size (codes 2 to 41), else by width and length too.
 QELLIB10_API void SetPaper(DEVMODE& mode, const SIZE& sheet);
+
+/// The page that the settings ask for, as it is read (landscape is wider than high), in hundredths of a millimetre;
+/// nothing when they name no paper.
+QELLIB10_API std::optional<SIZE> PageOf(const DEVMODE& mode);
 
 }  // namespace qel

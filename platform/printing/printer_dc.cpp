@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include "qellib10/platform/drawing/device_context.h"
 #include "qellib10/platform/drawing/pdf_surface.h"
@@ -20,6 +21,12 @@ SIZE ExplicitSize(const DEVMODE& mode) {
     return size.cx > 0 && size.cy > 0 ? SIZE{size.cx * 10, size.cy * 10} : SIZE{0, 0};
 }
 
+bool IsLandscape(const DEVMODE& mode) {
+    return ValueOf(mode, DM_ORIENTATION, mode.dmOrientation) == DMORIENT_LANDSCAPE;
+}
+
+const PaperForm* FormOf(const DEVMODE& mode) { return FindPaperForm(ValueOf(mode, DM_PAPERSIZE, mode.dmPaperSize)); }
+
 struct Sheet {
     Medium medium;
     bool isTurned = false;  // the page lies across the medium
@@ -31,9 +38,9 @@ const Medium* FindNamed(const Printer& printer, const char* name) {
 }
 
 Sheet SheetFor(const Printer& printer, const DEVMODE& mode) {
-    const bool isLandscape = ValueOf(mode, DM_ORIENTATION, mode.dmOrientation) == DMORIENT_LANDSCAPE;
+    const bool isLandscape = IsLandscape(mode);
     if (const Medium* const medium = FindMedium(printer.media, ExplicitSize(mode))) return {*medium, isLandscape};
-    if (const PaperForm* const form = FindPaperForm(ValueOf(mode, DM_PAPERSIZE, mode.dmPaperSize))) {
+    if (const PaperForm* const form = FormOf(mode)) {
         const Medium* medium = FindNamed(printer, form->medium);
         if (medium == nullptr) medium = FindNamed(printer, form->substitute);
         if (medium != nullptr) return {*medium, form->isTurned != isLandscape};
@@ -57,6 +64,20 @@ SIZE ResolutionFor(const Printer& printer, const DEVMODE& mode) {
 }
 
 }  // namespace
+
+std::optional<SIZE> PageOf(const DEVMODE& mode) {
+    SIZE sheet = ExplicitSize(mode);
+    bool isTurned = IsLandscape(mode);
+    if (sheet.cx == 0) {
+        const PaperForm* const form = FormOf(mode);
+        const auto medium = form != nullptr ? StandardMedium(form->medium) : std::nullopt;
+        if (!medium) return std::nullopt;
+        sheet = medium->size;
+        isTurned = form->isTurned != isTurned;
+    }
+    return isTurned ? SIZE{sheet.cy, sheet.cx} : sheet;
+}
+
 }  // namespace qel
 
 HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) {

@@ -37,10 +37,12 @@ const std::vector<Row> kStandsOn = {
     {"user", {"file"}},
     {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
+    {"gtk", {"platform/printing"}},
 };
 
-// The one foreign library that a subsystem includes: its number type stands in the interface of CBCD.
-constexpr const char* kFolderWithDecNumber = "calc";
+// The foreign libraries that others than platform include: the number type of one stands in the interface of CBCD, the
+// other one is what the companion library is about.
+constexpr std::pair<const char*, const char*> kIncludeForeign[] = {{"calc", "qellib10/decnumber/"}, {"gtk", "gtk/"}};
 
 const Row* Find(const std::string& node) {
     const auto row = std::ranges::find(kStandsOn, node, &Row::node);
@@ -65,7 +67,9 @@ std::string Objection(const fs::path& file, const std::string& header, bool quot
         const bool isOfTheLanguage = header.find('.') == std::string::npos || header.ends_with("mmintrin.h");
         const std::string folder = file.begin()->string();
         const bool isForeign = (folder != "platform" || file.extension() != ".cpp") &&
-                               (folder != kFolderWithDecNumber || !header.starts_with("qellib10/decnumber/"));
+                               std::ranges::none_of(kIncludeForeign, [&](const auto& allowed) {
+                                   return folder == allowed.first && header.starts_with(allowed.second);
+                               });
         return !isOfTheLanguage && isForeign ? "foreign headers stay in the sources of platform" : "";
     }
     if (!header.starts_with("qellib10/")) return "ours are written \"qellib10/...\"";

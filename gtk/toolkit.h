@@ -1,0 +1,60 @@
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <memory>
+#include <thread>
+
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+struct GObjectUnref {
+    void operator()(gpointer object) const noexcept { g_object_unref(object); }
+};
+/// A reference to an object that is no widget of a window.
+template <class Object> using ObjectRef = std::unique_ptr<Object, GObjectUnref>;
+
+struct GFree {
+    void operator()(gpointer memory) const noexcept { g_free(memory); }
+};
+using GText = std::unique_ptr<char, GFree>;
+
+/// A dialog, shown until it is answered and then destroyed.
+class ModalDialog {
+public:
+    explicit ModalDialog(GtkWidget* dialog) : m_pWidget(GTK_WIDGET(g_object_ref(dialog))) {}
+    ~ModalDialog() {
+        gtk_widget_destroy(m_pWidget);
+        g_object_unref(m_pWidget);
+    }
+    ModalDialog(const ModalDialog&) = delete;
+    ModalDialog& operator=(const ModalDialog&) = delete;
+
+    GtkWidget* Widget() const noexcept { return m_pWidget; }
+    /// @return a GTK_RESPONSE_; none of a button's when somebody else closed it
+    int Run() { return gtk_dialog_run(GTK_DIALOG(m_pWidget)); }
+
+private:
+    GtkWidget* m_pWidget;
+};
+
+/// The window that a widget is in; null for no widget.
+inline GtkWindow* WindowOf(HWND widget) {
+    GtkWidget* const window = widget != nullptr ? gtk_widget_get_toplevel(static_cast<GtkWidget*>(widget)) : nullptr;
+    return GTK_IS_WINDOW(window) ? GTK_WINDOW(window) : nullptr;
+}
+
+/// A text of GTK's own in the language of the user, for what it says in its own dialogs too.
+inline const char* GtkText(const char* english) { return g_dgettext("gtk30", english); }
+
+/// The thread that made it: GTK works in one alone.
+class OwnThread {
+public:
+    bool IsThis() const noexcept { return std::this_thread::get_id() == m_id; }
+
+private:
+    std::thread::id m_id = std::this_thread::get_id();
+};
+
+}  // namespace qel
