@@ -65,6 +65,16 @@ private:
     std::size_t m_count = 0;
 };
 
+// The parser takes `/>` for the end of a declaration too.
+void CheckDeclarationsEnd(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kXmlBlanks), text.size()));
+    constexpr std::string_view kBegin = "<?xml";
+    const std::string_view first = text.substr(0, text.find('>'));
+    const bool isDeclaration =
+        first.starts_with(kBegin) && first.size() > kBegin.size() && IsXmlBlank(first.substr(kBegin.size(), 1));
+    Require(!isDeclaration || first.ends_with('?'), "a declaration without an end");
+}
+
 bool IsEncodingName(std::string_view text) {
     return IsXmlName(text) && text[0] != '_' &&
            std::ranges::all_of(text, [](unsigned char c) { return c < 0x80 && c != ':'; });
@@ -187,8 +197,12 @@ void CheckTop(pugi::xml_document& tree) {
 void ReadXml(pugi::xml_document& tree, std::string& text, XmlNames names) {
     Require(IsUtf8OfXml(text), "bytes that are no character of XML");
     Reader reader(text, names);
-    // With the zero behind the text: the parser does not see the last character if that is text.
-    const auto result = tree.load_buffer_inplace(text.data(), text.size() + 1, kParsing, pugi::encoding_utf8);
+    // The parser lets the begin of a tag pass that stands behind a blank at the end, and does not see the last
+    // character if that is text.
+    Require(!text.ends_with('<'), "a tag without an end");
+    CheckDeclarationsEnd(text);
+    text += '\n';
+    const auto result = tree.load_buffer_inplace(text.data(), text.size(), kParsing, pugi::encoding_utf8);
     if (!result) throw DataError(result.description());
     CheckTop(tree);
     tree.traverse(reader);
