@@ -1,6 +1,13 @@
 # The library: one set of objects, linked into the shared library that is installed, and into the tests, which also
 # reach what the shared library hides.
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
+
+# Programs that are installed outside the system's folders find the library from where they stand.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL /usr)
+  file(RELATIVE_PATH library_from_program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set(CMAKE_INSTALL_RPATH "$ORIGIN/${library_from_program}")
+endif()
+
 file(CREATE_LINK ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/include/qellib10 SYMBOLIC)
 
 add_library(qellib10_objects OBJECT)
