@@ -1,5 +1,6 @@
 // Law: a job file of any bytes is refused, and then the job is as it was; or it is loaded, and then it is saved as a
-// file that is loaded as the same job and saved as the same bytes. Whatever it holds can be drawn.
+// file that is loaded as the same job and saved as the same bytes. Whatever it holds can be drawn. With a comment in
+// front, so that it is read as a document in any case, it is the same job.
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/print/queue_data.h"
@@ -10,6 +11,13 @@
 namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
+
+// The commands as they are saved.
+std::string Commands(CQelPrintJobQueueData& job) {
+    static const TempFolder folder;
+    Require(job.SaveJobFile(folder.Path("b.job")) == 1);
+    return folder.Read("b.job");
+}
 
 void Draw(const CQelPrintJobBlockData& block) {
     CDC dc;
@@ -28,16 +36,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const TempFolder folder;
     constexpr UINT kPages[] = {qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8};
     qel::SetCodePage(kPages[data[0] % 3]);
-    folder.Write("a.job", Text(data + 1, size - 1));
     const CString name = folder.Path("a.job");
 
-    CQelPrintJobQueueData job, again;
-    if (job.LoadJobFile(name) == 0) {
+    CQelPrintJobQueueData job, again, documents;
+    const std::string bytes = Text(data + 1, size - 1);
+    folder.Write("a.job", bytes);
+    const int result = job.LoadJobFile(name);
+    if (bytes.starts_with('<') && !bytes.starts_with("<?")) {
+        folder.Write("a.job", "<!---->" + bytes);
+        Require(documents.LoadJobFile(name) == result);
+        Require(Commands(documents) == Commands(job) && documents.GetPageStyle() == job.GetPageStyle());
+    }
+    if (result == 0) {
         Require(job.GetBlock().GetCommandCount() == 0 && job.GetPageStyle() == again.GetPageStyle());
         return 0;
     }
-    Require(job.SaveJobFile(name) == 1);
-    const std::string saved = folder.Read("a.job");
+    const std::string saved = Commands(job);
+    folder.Write("a.job", saved);
     Require(again.LoadJobFile(name) == 1);
     Require(again.GetPageStyle() == job.GetPageStyle());
     Require(again.GetBlock().GetCommandCount() == job.GetBlock().GetCommandCount());

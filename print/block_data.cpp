@@ -1,5 +1,7 @@
 #include "qellib10/print/block_data.h"
 
+#include <utility>
+
 #include "qellib10/print/command_list.h"
 #include "qellib10/print/gdi_objects.h"
 
@@ -24,6 +26,18 @@ int CQelPrintJobBlockData::Initialize() {
 int CQelPrintJobBlockData::AddCommand(const CQelPrintJobCommand& command) {
     m_pCommand->Add(command);
     return 1;
+}
+
+void CQelPrintJobBlockData::AddCommands(qel::CommandList commands) {
+    if (m_pCommand->Count() == 0) {
+        *m_pCommand = std::move(commands);
+        return;
+    }
+    CQelPrintJobCommand command;
+    for (std::size_t at = qel::CommandList::kBegin; at != commands.End();) {
+        at = commands.Read(at, command);
+        m_pCommand->Add(command);
+    }
 }
 
 int CQelPrintJobBlockData::GetCommandCount() const { return static_cast<int>(m_pCommand->Count()); }

@@ -44,6 +44,9 @@ public:
     int DrawCommand(CDC* dc) const;
 
 private:
+    friend class CQelPrintJobQueueData;
+    void AddCommands(qel::CommandList commands);
+
     std::unique_ptr<qel::CommandList> m_pCommand;
     std::size_t m_nCursor = 0;
     bool m_isAllRead = false;

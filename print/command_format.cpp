@@ -55,6 +55,11 @@ template <class Matches> const CommandFormat* Find(Matches matches) {
 
 }  // namespace
 
+void SetText(CQelPrintJobCommand& command, const CommandNumbers& numbers, const CString& face, const CString& text) {
+    const auto [size, x, y, width, height, color, style, unused] = numbers;
+    command.SetText(x, y, face, size, static_cast<DWORD>(color), text, style, width, height);
+}
+
 const CommandFormat* FindCommandFormat(int kind) {
     return Find([kind](const CommandFormat& format) { return format.kind == kind; });
 }

@@ -28,6 +28,9 @@ struct CommandFormat {
     void (*set)(CQelPrintJobCommand&, const CommandNumbers&);
 };
 
+/// Makes a text of the numbers of its format and what else it has.
+void SetText(CQelPrintJobCommand& command, const CommandNumbers& numbers, const CString& face, const CString& text);
+
 /// Null for a kind, or an element, that a job file does not have.
 const CommandFormat* FindCommandFormat(int kind);
 const CommandFormat* FindCommandFormat(std::string_view element);

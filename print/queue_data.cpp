@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/block_io.h"
@@ -13,6 +14,7 @@
 #include "qellib10/platform/xml/xml_document.h"
 #include "qellib10/platform/xml/xml_element_writer.h"
 #include "qellib10/print/command_format.h"
+#include "qellib10/print/written_commands.h"
 
 namespace {
 
@@ -149,10 +151,13 @@ void CQelPrintJobQueueData::WriteCommand(XmlElementWriter& commands, const CQelP
 int CQelPrintJobQueueData::LoadJobFile(const char* path) {
     if (path == nullptr || !InitializeParser()) return 0;
     return qel::AsResult([&] {
-        m_pDocument->LoadBytes(qel::ReadWholeFile(path));
+        std::string file = qel::ReadWholeFile(path);
+        auto written = qel::ReadWrittenCommands(file);
+        m_pDocument->LoadBytes(written ? written->rest : std::move(file));
         const XmlNode root = *m_pDocument->Root();
         ForEachIn(root, kPageStyle, [this](const XmlNode& value) { ReadPageStyleValue(value); });
         ForEachIn(root, kCommands, [this](const XmlNode& command) { ReadCommand(command); });
+        if (written) m_Block.AddCommands(std::move(written->commands));
         m_pDocument->Empty();  // a job is small beside its document
         return 1;
     });
@@ -197,8 +202,7 @@ void CQelPrintJobQueueData::ReadCommand(const XmlNode& element) {
     }
     CQelPrintJobCommand command;
     if (isText) {
-        const auto [size, x, y, width, height, color, style, unused] = numbers;
-        command.SetText(x, y, face, size, static_cast<DWORD>(color), CString(element.Text()), style, width, height);
+        qel::SetText(command, numbers, face, CString(element.Text()));
     } else if (format->kind == CQelPrintJobCommand::kUnit) {
         command.SetUnit(NumberOf(element.Text()));
     } else {

@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <limits>
+#include <random>
+#include <tuple>
 
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/text/code_page.h"
@@ -113,6 +115,40 @@ TEST_F(PrintJob, ComesBackAsItWas) {
     CQelPrintJobQueueData empty;
     EXPECT_TRUE(Again(empty).empty());
     EXPECT_NE(m_folder.Read(kName).find("<commands/>"), std::string::npos);
+}
+
+// A comment in front has the file read as a document, as files of other programs are.
+TEST_F(PrintJob, IsReadTheSameWithAndWithoutADocument) {
+    CQelPrintJobQueueData whole = WholeJob();
+    CQelPrintJobCommand command;
+    command.SetText(1, 2, "Arial", 90, 0, "one\r\ntwo\t> \x93\xFA & three", 0, -1, -1);
+    whole.AddCommand(command);
+    ASSERT_EQ(whole.SaveJobFile(m_folder.Path(kName)), 1);
+    const std::string saved = m_folder.Read(kName);
+    const auto loaded = [&](const std::string& file) {
+        m_folder.Write(kName, file);
+        CQelPrintJobQueueData job;
+        const int result = job.LoadJobFile(m_folder.Path(kName));
+        return std::tuple(result, Describe(job.GetBlock()), job.GetPageStyle() == whole.GetPageStyle());
+    };
+    ASSERT_EQ(std::get<0>(loaded(saved)), 1);
+    ASSERT_EQ(loaded(saved), loaded("<!---->" + saved));
+    std::mt19937 random(1);
+    for (int i = 0; i < 200; ++i) {
+        std::string changed = saved;
+        const std::size_t at = random() % saved.size(), from = random() % saved.size();
+        switch (random() % 3) {
+            case 0:
+                changed[at] = static_cast<char>(random());
+                break;
+            case 1:
+                changed.erase(at, random() % 20);
+                break;
+            default:
+                changed.insert(at, saved, from, random() % 20);
+        }
+        ASSERT_EQ(loaded(changed), loaded("<!---->" + changed)) << changed;
+    }
 }
 
 TEST_F(PrintJob, TextsKeepBlanksLineEndsAndTheirCodePage) {

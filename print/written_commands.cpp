@@ -1,0 +1,122 @@
+#include "qellib10/print/written_commands.h"
+
+#include <charconv>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_text.h"
+#include "qellib10/print/command_format.h"
+
+namespace qel {
+namespace {
+
+constexpr std::string_view kRoot = "<printjob", kBegin = "<commands>", kEnd = "</commands></printjob>\r\n";
+
+// Takes what is expected from the begin of a text; what is not there is not taken.
+class Scan {
+public:
+    explicit Scan(std::string_view text) : m_rest(text) {}
+
+    bool IsAtEnd() const { return m_rest.empty(); }
+    bool Take(std::string_view expected) {
+        if (!m_rest.starts_with(expected)) return false;
+        m_rest.remove_prefix(expected.size());
+        return true;
+    }
+    bool Take(int& number) {
+        const char* const begin = m_rest.data();
+        const auto [end, error] = std::from_chars(begin, begin + m_rest.size(), number);
+        if (error != std::errc()) return false;
+        m_rest.remove_prefix(static_cast<std::size_t>(end - begin));
+        return true;
+    }
+    /// What stands before the first of these characters, all of it when there is none.
+    template <char... kEnds> std::string_view TakeUntil() {
+        std::size_t length = 0;
+        while (length < m_rest.size() && ((m_rest[length] != kEnds) && ...)) ++length;
+        const std::string_view found = m_rest.substr(0, length);
+        m_rest.remove_prefix(length);
+        return found;
+    }
+
+private:
+    std::string_view m_rest;
+};
+
+bool TakeNumbers(Scan& scan, const CommandFormat& format, CommandNumbers& numbers) {
+    std::size_t count = 0;
+    for (const CommandField& field : format.fields) {
+        if (!scan.Take(" ") || !scan.Take(field.name) || !scan.Take("=\"") || !scan.Take(numbers[count++]) ||
+            !scan.Take("\""))
+            return false;
+    }
+    return true;
+}
+
+// A value that needs no look at what its characters mean.
+bool TakeFont(Scan& scan, CString& face) {
+    if (!scan.Take(" font=\"")) return true;
+    const std::string_view value = scan.TakeUntil<'"', '&', '<', '\t', '\r', '\n'>();
+    face = CString(FromUtf8(value));
+    return scan.Take("\"");
+}
+
+// What stands between the tags, when anything does.
+bool TakeText(Scan& scan, std::string_view element, CString& text) {
+    if (scan.Take("/>")) return true;
+    if (!scan.Take(">")) return false;
+    const std::string_view written = scan.TakeUntil<'<'>();
+    if (written.empty() || written.find('>') != std::string_view::npos) return false;
+    text = CString(FromUtf8(WithoutReferences(WithPlainLineEnds(written))));
+    return scan.Take("</") && scan.Take(element) && scan.Take(">");
+}
+
+bool TakeCommand(Scan& scan, CQelPrintJobCommand& command) {
+    if (!scan.Take("<")) return false;
+    const CommandFormat* const format = FindCommandFormat(scan.TakeUntil<' ', '>', '/'>());
+    if (format == nullptr) return false;
+    CommandNumbers numbers{};
+    if (format->kind == CQelPrintJobCommand::kText) {
+        CString face, text;
+        if (!TakeFont(scan, face) || !TakeNumbers(scan, *format, numbers) || !TakeText(scan, format->name, text))
+            return false;
+        SetText(command, numbers, face, text);
+        return true;
+    }
+    if (format->kind == CQelPrintJobCommand::kUnit) {
+        int unit = 0;
+        if (!scan.Take(">") || !scan.Take(unit) || !scan.Take("</unit>")) return false;
+        command.SetUnit(unit);
+        return true;
+    }
+    if (format->set == nullptr || !TakeNumbers(scan, *format, numbers)) return false;
+    format->set(command, numbers);
+    return scan.Take("/>");
+}
+
+}  // namespace
+
+std::optional<WrittenCommands> ReadWrittenCommands(std::string_view file) {
+    const std::size_t begin = file.find(kBegin);
+    if (begin == std::string_view::npos || !file.starts_with(kRoot) || !file.ends_with(kEnd)) return std::nullopt;
+    // Without comments, sections and the like, a tag is one.
+    const std::string_view before = file.substr(0, begin + kBegin.size());
+    if (before.find("<!") != std::string_view::npos || before.find("<?") != std::string_view::npos) return std::nullopt;
+    const std::string_view body = file.substr(before.size(), file.size() - before.size() - kEnd.size());
+    if (!IsUtf8OfXml(body)) return std::nullopt;
+
+    WrittenCommands written;
+    try {
+        for (Scan scan(body); !scan.IsAtEnd();) {
+            CQelPrintJobCommand command;
+            if (!TakeCommand(scan, command)) return std::nullopt;
+            written.commands.Add(command);
+        }
+    } catch (const DataError&) {  // a reference to nothing
+        return std::nullopt;
+    }
+    written.rest.append(before).append(kEnd);
+    return written;
+}
+
+}  // namespace qel
