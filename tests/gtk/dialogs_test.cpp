@@ -126,6 +126,7 @@ TEST_F(Dialogs, FolderIsChosen) {
     {
         const User user("folder_dialog", [&](GtkDialog* dialog) {
             if (current(dialog) == inner) return int{GTK_RESPONSE_ACCEPT};
+            if (current(dialog).empty()) return 0;  // still being read
             EXPECT_EQ(current(dialog), folder.Posix("滴").string()) << "where it begins";
             EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(dialog)), GTK_WINDOW(window));
             EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "滴: where?");
