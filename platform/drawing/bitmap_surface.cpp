@@ -30,7 +30,7 @@ BitmapSurface::BitmapSurface(const SIZE& dotsAnInch)
     Rebuild();
 }
 
-BitmapSurface::~BitmapSurface() = default;
+BitmapSurface::~BitmapSurface() { m_pPixels->RemoveSurface(*this); }
 
 int BitmapSurface::DeviceCaps(int index) const {
     switch (index) {
@@ -59,7 +59,9 @@ int BitmapSurface::DeviceCaps(int index) const {
 
 bool BitmapSurface::SelectPixels(std::shared_ptr<PixelBuffer> pixels) {
     Flush();
+    m_pPixels->RemoveSurface(*this);
     m_pPixels = std::move(pixels);
+    m_pPixels->AddSurface(*this);
     m_pCanvas.reset();
     Rebuild();
     return true;

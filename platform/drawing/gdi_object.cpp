@@ -15,6 +15,7 @@ constexpr bool IsDepth(UINT bitsPixel) {
 
 BITMAP DescriptionOf(const BitmapObject& bitmap) {
     const int width = bitmap.pixels->Width();
+    bitmap.pixels->Settle();
     return {0, width, bitmap.pixels->Height(), width * 4, 1, 32, bitmap.pixels->Row(0)};
 }
 
@@ -118,7 +119,8 @@ BOOL CBitmap::GetBitmap(BITMAP* description) const { return qel::Describe<qel::B
 DWORD CBitmap::GetBitmapBits(DWORD size, void* bits) const {
     const auto bitmap = qel::FindObject<qel::BitmapObject>(m_hObject);
     if (!bitmap || bits == nullptr) return 0;
-    const qel::PixelBuffer& pixels = *bitmap->pixels;
+    qel::PixelBuffer& pixels = *bitmap->pixels;
+    pixels.Settle();
     const std::size_t all = std::size_t(pixels.Width()) * std::size_t(pixels.Height()) * 4;
     const std::size_t copied = std::min<std::size_t>(size, all);
     std::memcpy(bits, pixels.Row(0), copied);

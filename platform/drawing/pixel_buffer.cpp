@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "qellib10/platform/drawing/surface.h"
+
 namespace qel {
 
 std::shared_ptr<PixelBuffer> PixelBuffer::Create(int width, int height) {
@@ -10,6 +12,10 @@ std::shared_ptr<PixelBuffer> PixelBuffer::Create(int width, int height) {
     void* const pixels = std::calloc(std::size_t(width) * std::size_t(height), sizeof(std::uint32_t));
     if (pixels == nullptr) return nullptr;
     return std::shared_ptr<PixelBuffer>(new PixelBuffer(width, height, static_cast<std::uint32_t*>(pixels)));
+}
+
+void PixelBuffer::Settle() {
+    for (Surface* const surface : m_arySurface) surface->Flush();
 }
 
 }  // namespace qel

@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 namespace qel {
+
+class Surface;
 
 /// The pixels of a bitmap, row after row from the top, each 0x00RRGGBB: the form that Cairo's RGB24 pictures have.
 class PixelBuffer {
@@ -20,6 +23,12 @@ public:
     std::uint32_t* Row(int y) noexcept { return m_pPixels.get() + std::size_t(y) * std::size_t(m_nWidth); }
     const std::uint32_t* Row(int y) const noexcept { return m_pPixels.get() + std::size_t(y) * std::size_t(m_nWidth); }
 
+    // Surfaces that draw here may hold lines back until somebody reads the pixels without them.
+    void AddSurface(Surface& surface) { m_arySurface.push_back(&surface); }
+    void RemoveSurface(Surface& surface) noexcept { std::erase(m_arySurface, &surface); }
+    /// Has all of them draw what they hold back.
+    void Settle();
+
 private:
     struct Free {
         void operator()(std::uint32_t* pixels) const noexcept { std::free(pixels); }
@@ -30,6 +39,7 @@ private:
     int m_nWidth;
     int m_nHeight;
     std::unique_ptr<std::uint32_t[], Free> m_pPixels;
+    std::vector<Surface*> m_arySurface;
 };
 
 }  // namespace qel

@@ -11,6 +11,7 @@ namespace qel {
 int SavePng(const CBitmap& bitmap, const char* path, int dotsAnInch) {
     const auto object = FindObject<BitmapObject>(bitmap.GetSafeHandle());
     if (!object || path == nullptr || dotsAnInch < 1) return 0;
+    object->pixels->Settle();
     return AsResult([&] {
         const std::vector<std::byte> file = EncodePng(*object->pixels, dotsAnInch);
         Replacement target(path);

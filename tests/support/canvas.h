@@ -42,7 +42,6 @@ struct Canvas {
         BITMAP size;
         bitmap.GetBitmap(&size);
         std::vector<DWORD> pixels(static_cast<std::size_t>(size.bmWidth) * static_cast<std::size_t>(size.bmHeight));
-        dc.GetPixel(0, 0);  // draws what is held back
         bitmap.GetBitmapBits(static_cast<DWORD>(pixels.size() * 4), pixels.data());
         return pixels;
     }
