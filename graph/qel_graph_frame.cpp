@@ -17,11 +17,18 @@ struct CQelGraph::Side {
     int spaceX, spaceY;
 
     bool IsVertical() const { return viewMode == kLabelLeft || viewMode == kLabelRight; }
-    LONGLONG Length() const { return IsVertical() ? (area.top - area.bottom) * up : area.right - area.left; }
-    /// What a text takes along the side, with the space to the next one.
+    /// 0 where texts have eaten up the area: its sides lie outside the drawing then.
+    int Length() const {
+        const int height = (area.top - area.bottom) * up, width = area.right - area.left;
+        if (height <= 0 || width <= 0) return 0;
+        return IsVertical() ? height : width;
+    }
+    int Along(const CSize& text) const { return IsVertical() ? text.cy : text.cx; }
+    /// What a text takes along the side, with the space to the next one: half a line on any surface, lest two values
+    /// read as one.
     LONGLONG Taken(const CSize& text) const {
-        const LONGLONG length = IsVertical() ? text.cy : text.cx;
-        return length > 0 ? length + (IsVertical() ? 0 : 2 * spaceY) : 0;
+        const LONGLONG length = Along(text);
+        return length > 0 && !IsVertical() ? length + std::max(2 * spaceY, text.cy / 2) : length;
     }
     /// Upper left corner of a text at @p along; @p fieldWidth is what it is aligned in on a vertical side.
     CPoint Corner(LONGLONG place, const CSize& text, int fieldWidth, bool isLeftAligned) const {
@@ -125,11 +132,10 @@ void CQelGraph::DrawAxisValue(CDC* dc, const CAxisStyle& axis, SideUses& used, b
         size = font.Size(text);
         fieldWidth = std::max(size.cx, font.Size(WrittenValue(axis, !isMaximum)).cx);
     }
-    const int length = side.IsVertical() ? size.cy : size.cx;
-    const LONGLONG taken = side.Taken(size);
+    const int length = side.Along(size);
     if (length == 0 || use.first + length + use.last > side.Length()) return;
     const LONGLONG along = isFirst ? use.first : side.Length() - use.last - length;
-    (isFirst ? use.first : use.last) += taken;
+    (isFirst ? use.first : use.last) += side.Taken(size);
     const CPoint at = side.Corner(along, size, fieldWidth, axis.GetStrPosition() == 1);
     const LOGFONT& font = axis.GetLabelFont();
     DCTextOut(dc, at.x, at.y, qel::FaceOf(font), font.lfHeight, axis.GetLabelColor(), text, 0, kNoBox, kNoBox);
@@ -140,7 +146,7 @@ void CQelGraph::DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, 
     const SideUse& count = counts[static_cast<unsigned>(axis.GetViewMode())];
     SideUse& use = used[static_cast<unsigned>(axis.GetViewMode())];
     const CSize size = GetAxisDimViewSize(dc, axis);
-    const int length = side.IsVertical() ? size.cy : size.cx;
+    const int length = side.Along(size);
     // All dimensions of the side stand in the middle of what its values leave free.
     const LONGLONG free = side.Length() - count.first - count.last;
     const LONGLONG before = std::max<LONGLONG>(0, (free - count.dims) / 2) + use.dims;
