@@ -90,12 +90,11 @@ TEST_F(CsvFile, KeepsTheOrderOfPiecesAndTellsWhatCannotBeWritten) {
     file.Flush();
     EXPECT_EQ(folder.Read("a"), expected);
     const auto closeOnFullDisk = [&] {
-        FillDiskAt(10);
         file.Write("one too many");
         const LONG code = CodeOf([&] { file.Close(); });
         return file.IsOpen() ? -1 : code;
     };
-    EXPECT_EQ(InChild(closeOnFullDisk), 112);
+    EXPECT_EQ(OnFullDisk(10, closeOnFullDisk), 112);
     file.Close();
     EXPECT_EQ(CodeOf([&] { file.WriteCRLF(); }), 6);
 }

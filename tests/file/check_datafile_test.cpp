@@ -111,9 +111,8 @@ TEST_F(Sealed, DamageAndForgedLengthsAreFound) {
 TEST_F(Sealed, AFileThatCannotBeSealedStaysAsItWas) {
     folder.Write("a.dat", std::string(100, 'x'));
     const auto sealOnFullDisk = [&] {
-        FillDiskAt(135);  // the record fits, the check block does not
         return On("a.dat", CCheckDatafile::PackNewData) + Update(1) + seal.GetVersion();
     };
-    EXPECT_EQ(InChild(sealOnFullDisk), 0);
+    EXPECT_EQ(OnFullDisk(135, sealOnFullDisk), 0);  // the record fits, the check block does not
     EXPECT_EQ(folder.Read("a.dat"), std::string(100, 'x'));
 }

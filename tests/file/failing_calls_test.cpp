@@ -13,6 +13,7 @@
 #include <sstream>
 
 #include "../support/environment_scope.h"
+#include "../support/soak.h"
 #include "../support/temp_folder.h"
 #include "qellib10/base/q_csv_file.h"
 #include "qellib10/file/check_datafile.h"
@@ -257,6 +258,7 @@ TEST_P(FailingCalls, LeaveTheOldOrTheNew) {
             const std::string now = state(place);
             EXPECT_TRUE(now == after || (!done && (mayBePart || now == before))) << done << '\n' << now;
             EXPECT_TRUE(done || left == 0);
+            if (left == 0) Tried("failed calls");
             ASSERT_TRUE(left == 0 || number > 1 || failure != 0);  // the walk has met something
         }
     }

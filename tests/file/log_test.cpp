@@ -1,9 +1,13 @@
 #include "qellib10/file/log.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <random>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -12,7 +16,10 @@
 
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/storage/file.h"
+#include "qellib10/tests/support/cases.h"
 #include "qellib10/tests/support/run_at_once.h"
+#include "qellib10/tests/support/shared_state.h"
+#include "qellib10/tests/support/soak.h"
 #include "qellib10/tests/support/temp_folder.h"
 
 namespace {
@@ -82,6 +89,31 @@ TEST_F(LogTest, ThreadsAndProcessesLoseAndMixNoLine) {
         EXPECT_EQ(line.substr(21), ',' + std::to_string(writer) + ' ' + std::to_string(next[writer]++) + '\r');
     }
     EXPECT_EQ(std::ranges::count(next, kLines), kWriters);
+}
+
+// A line that is being written when its program is killed may be torn; one that was written is not.
+TEST_F(LogTest, AKilledWriterLosesNoLineAndHoldsNobodyBack) {
+    auto& written = SharedWithChildren<std::atomic<int>>();
+    std::minstd_rand random(SoakSeed());
+    const int kills = SoakCount(100);
+    for (int kill = 0; kill < kills; ++kill) {
+        ChildProcess writer([&] {
+            for (;; ++written) CLog::LogOut(0, std::to_string(written).c_str());
+            return 0;
+        });
+        ::usleep(static_cast<useconds_t>(random() % 3000));
+        writer.Kill();
+        CLog::LogOut(0, ("next " + std::to_string(kill)).c_str());
+    }
+    EXPECT_GT(written, kills);
+    const std::string text = Text();
+    for (const auto& [kind, count] : Cases<const char*, int>{{"],", written}, {"],next ", kills}}) {
+        std::size_t at = 0;
+        for (int line = 0; line < count; ++line) {
+            at = text.find(kind + std::to_string(line) + "\r\n", at);
+            ASSERT_NE(at, text.npos) << kind << line;
+        }
+    }
 }
 
 TEST_F(LogTest, WaitsForAHeldFileAndGivesUpAfterTenSeconds) {

@@ -5,6 +5,7 @@
 #include "../support/child_process.h"
 #include "../support/full_disk.h"
 #include "../support/registry_scope.h"
+#include "../support/soak.h"
 #include "../support/test.h"
 #include "qellib10/runtime/system_info.h"
 
@@ -187,11 +188,7 @@ TEST_F(RegistryProfile, AndIniFilesStayWholeWhenTheDiskIsFull) {
     Profile ini(m_registry.Folder().Path("a.ini"));
     for (Profile* profile : {&ini, &m_profile}) {
         ASSERT_EQ(profile->Set("S", "k", "v"), 1);
-        EXPECT_EQ(InChild([&] {
-                      FillDiskAt(4000);
-                      return profile->Set("S", "k", std::string(5000, 'x').c_str());
-                  }),
-                  0);
+        EXPECT_EQ(OnFullDisk(4000, [&] { return profile->Set("S", "k", std::string(5000, 'x').c_str()); }), 0);
         EXPECT_EQ(profile->Get("S", "k", "d"), "v");
         EXPECT_EQ(profile->Set("S", "k", "w"), 1);
     }
@@ -206,9 +203,9 @@ TEST_F(RegistryProfile, KilledAtAnyMomentLeavesTheOldTreeOrTheNewOne) {
         for (int i = 0; i < kValues; ++i) m_profile.Set(section(i).c_str(), i, *suffix - '0');
         ASSERT_EQ(m_profile.Backup(suffix), 1);
     }
-    std::minstd_rand random(1);
+    std::minstd_rand random(SoakSeed());
     int interrupted = 0;
-    for (int kill = 0; kill < 40; ++kill) {
+    for (int kill = SoakCount(40); kill > 0; --kill) {
         {
             ChildProcess child([&] {
                 for (int i = 0;; ++i) {

@@ -6,10 +6,12 @@
 #include <unistd.h>
 
 #include <functional>
+#include <random>
 
 #include "../support/child_process.h"
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
+#include "../support/soak.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file.h"
@@ -135,7 +137,7 @@ TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
 
 TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
     m_folder.Write("a", std::string(300'000, 'a'));
-    EXPECT_EQ(InChild([&] { return FillDiskAt(100'000), Copy("a", "b"); }), 112);
+    EXPECT_EQ(OnFullDisk(100'000, [&] { return Copy("a", "b"); }), 112);
     EXPECT_TRUE(m_folder.Read("b") == "old" && m_folder.Count() == 4);
 }
 
@@ -156,7 +158,8 @@ TEST_F(Replacement, HappensWholeOrNotAtAll) {
 // Whenever the writer is killed, a reader finds one of the whole files.
 TEST_F(Replacement, SurvivesKills) {
     const std::string second(70'000, '2');
-    for (int kill = 0; kill < 40; ++kill) {
+    std::minstd_rand random(SoakSeed());
+    for (int kill = SoakCount(40); kill > 0; --kill) {
         ChildProcess writer([&] {
             for (int i = 0;; ++i) {
                 qel::Replacement made(m_folder.Name("b"));
@@ -165,7 +168,7 @@ TEST_F(Replacement, SurvivesKills) {
             }
             return 0;
         });
-        ::usleep(static_cast<useconds_t>(500 + kill * 137));
+        ::usleep(static_cast<useconds_t>(500 + random() % 5500));
         writer.Kill();
         const std::string found = m_folder.Read("b");
         ASSERT_TRUE(found == "old" || found == second);

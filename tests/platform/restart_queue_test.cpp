@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <random>
+
 #include "../support/child_process.h"
 #include "../support/run_at_once.h"
+#include "../support/soak.h"
 #include "../support/temp_folder.h"
 #include "../support/words.h"
 #include "qellib10/platform/storage/restart_record.h"
@@ -69,7 +72,8 @@ TEST(RestartQueue, CarriesOutInOrderAndDropsWhatFails) {
 // The second line brings back the name that the first one has moved away: done twice, the first would move it again.
 TEST(RestartQueue, ComesToTheSameEndHoweverOftenItIsKilled) {
     const auto numbers = Words("1 2 3 4 5 6 7 8");
-    for (int kill = 0; kill < 60; ++kill) {
+    std::minstd_rand random(SoakSeed());
+    for (int kill = SoakCount(60); kill > 0; --kill) {
         const TempFolder folder("/dev/shm");  // where a flush costs nothing
         std::string lines;
         for (const std::string& n : numbers) {
@@ -80,7 +84,7 @@ TEST(RestartQueue, ComesToTheSameEndHoweverOftenItIsKilled) {
         }
         folder.Write("q", lines);
         ChildProcess runner([&] { return RunOnce(folder.Posix("q")); });
-        ::usleep(static_cast<useconds_t>(kill * 30));
+        ::usleep(static_cast<useconds_t>(random() % 1800));
         runner.Kill();
         EXPECT_EQ(RunOnce(folder.Posix("q")), 0);
         for (const std::string& n : numbers) {

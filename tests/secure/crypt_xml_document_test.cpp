@@ -278,14 +278,14 @@ TEST_F(XmlFiles, AreFreeWhenTheHolderOfTheLockWasKilled) {
 }
 
 TEST_F(XmlFiles, AnswerWhenTheDiskIsFull) {
-    EXPECT_EQ(InChild([&] {
-                  FillDiskAt(64);
-                  m_document.SetXMLString(("<a>" + std::string(100, 'x') + "</a>").c_str());
-                  const int saved = m_document.SaveXMLFile(m_path, 1);
-                  Document locked;
-                  const int taken = locked.LockFile(m_folder.Path("b.xml"), 1, 1);
-                  locked.SetXMLString(m_document.GetXMLString());
-                  return saved + 2 * taken + 4 * locked.LockCommit() + 8 * locked.IsLocked();
-              }),
+    EXPECT_EQ(OnFullDisk(64,
+                         [&] {
+                             m_document.SetXMLString(("<a>" + std::string(100, 'x') + "</a>").c_str());
+                             const int saved = m_document.SaveXMLFile(m_path, 1);
+                             Document locked;
+                             const int taken = locked.LockFile(m_folder.Path("b.xml"), 1, 1);
+                             locked.SetXMLString(m_document.GetXMLString());
+                             return saved + 2 * taken + 4 * locked.LockCommit() + 8 * locked.IsLocked();
+                         }),
               2 + 8);
 }

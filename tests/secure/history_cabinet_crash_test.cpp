@@ -4,13 +4,13 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <random>
 
 #include "../support/child_process.h"
 #include "../support/shared_state.h"
+#include "../support/soak.h"
 #include "cabinet_folder.h"
 
 namespace {
@@ -108,17 +108,16 @@ std::string AfterPowerFailure(const std::vector<RecordedFile::Step>& steps, std:
 
 }  // namespace
 
-// QELLIB10_KILLS asks for more of them.
 TEST_F(CabinetCrash, AKilledRegistrationLosesNothing) {
     struct Told {
         std::atomic<DWORD> versions;
         std::atomic<bool> hasFailed;
     };
     auto& told = SharedWithChildren<Told>();
-    const char* const wanted = std::getenv("QELLIB10_KILLS");
-    std::minstd_rand random(1);
+    std::minstd_rand random(SoakSeed());
     DWORD registered = 0;
-    for (int kills = wanted != nullptr ? std::atoi(wanted) : 300; kills > 0; --kills) {
+    const int wanted = SoakCount(300);
+    for (int kills = wanted; kills > 0; --kills) {
         ChildProcess child([&] {
             CHistoryCabinetFile cabinet;
             if (!cabinet.Open(path, 0) && (told.versions != 0 || !cabinet.Create(path))) told.hasFailed = true;
@@ -138,7 +137,7 @@ TEST_F(CabinetCrash, AKilledRegistrationLosesNothing) {
         if (isFull) CFile::Remove(path);
         told.versions = isFull ? 0 : found;
     }
-    EXPECT_GT(registered, 300u);
+    EXPECT_GT(static_cast<int>(registered), wanted);
 }
 
 TEST_F(CabinetCrash, APowerFailureLosesNothing) {
@@ -155,9 +154,11 @@ TEST_F(CabinetCrash, APowerFailureLosesNothing) {
         acknowledged.push_back(steps.size());
     }
     recorded.Close();
-    std::minstd_rand random(1);
+    std::minstd_rand random(SoakSeed());
     for (std::size_t count = 0; count <= steps.size(); ++count) {
-        for (int i = 0; i < 12; ++i) {
+        const int tries = SoakCount(12);
+        Tried("power cuts", tries);
+        for (int i = 0; i < tries; ++i) {
             folder.Write("c", AfterPowerFailure(steps, count, random));
             Check(static_cast<DWORD>(std::ranges::upper_bound(acknowledged, count) - acknowledged.begin()));
             ASSERT_FALSE(HasFailure()) << "behind step " << count << " of " << steps.size();
@@ -176,6 +177,7 @@ TEST_F(CabinetCrash, AFailedStepLeavesTheCabinetAndABackup) {
             cabinet.file->failing = cabinet.file->steps.size() + step;
             if (Register(cabinet, Data(count + 1))) break;
             EXPECT_EQ(Backups(), ++failures);
+            Tried("failed steps");
             EXPECT_EQ(cabinet.GetLatestVersion(), count);
             EXPECT_EQ(folder.Read("c"), before) << "step " << step;
             cabinet.Close();

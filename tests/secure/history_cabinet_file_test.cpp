@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "../support/child_process.h"
+#include "../support/soak.h"
 #include "cabinet_folder.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/secure/history_cabinet_format.h"
@@ -165,7 +166,9 @@ TEST_F(History, OthersSeeWholeVersionsOrNone) {
         return 0;
     });
     DWORD whole = 0;
-    for (int i = 0; i < 200 || (whole < 20 && i < 100'000); ++i) {
+    const int copies = SoakCount(200);
+    Tried("copies", copies);
+    for (int i = 0; i < copies || (whole < 20 && i < 100'000); ++i) {
         CHistoryCabinetFile seen;
         EXPECT_EQ(seen.Open(path, 1), 0) << "open for writing";
         qel::CopyFile(path.View(), folder.Path("copy").View(), false);

@@ -8,6 +8,8 @@
 #include <functional>
 #include <utility>
 
+#include "soak.h"
+
 /// A forked child that runs a body and exits with its result; killed at the latest when the object goes.
 class ChildProcess {
 public:
@@ -36,6 +38,7 @@ public:
         if (m_id == 0) return;
         ::kill(m_id, SIGKILL);
         Wait();
+        Tried("kills");
     }
 
 private:

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "child_process.h"
+#include "soak.h"
 
 /// Calls @p body with 0 to @p count - 1, all at once: the even numbers in threads, among which the children for the odd
 /// ones are forked. @return how many did not answer 0
@@ -15,6 +16,7 @@ template <class Body> int RunAtOnce(int count, const Body& body) {
 #else
     constexpr bool kForksFirst = false;
 #endif
+    Tried("writers", count);
     std::atomic<int> failed = 0;
     std::vector<std::thread> threads;
     std::vector<std::unique_ptr<ChildProcess>> children;
