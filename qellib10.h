@@ -93,6 +93,7 @@
 #include "qellib10/runtime/qel_resource.h"
 #include "qellib10/runtime/system_info.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"
+#include "qellib10/secure/cabinet_reader.h"
 #include "qellib10/secure/crypt_brow_fish.h"
 #include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"

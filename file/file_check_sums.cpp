@@ -6,6 +6,24 @@
 #include "qellib10/platform/storage/block_io.h"
 
 namespace qel {
+namespace {
+
+template <class Take> CheckSums SumsOver(const CFile& from, ULONGLONG offset, ULONGLONG count, Take&& take) {
+    CheckSums sums;
+    const auto block = MakeIoBlock();
+    const CString name = from.GetFilePath();
+    for (ULONGLONG done = 0; done < count;) {
+        const std::span wanted(block->bytes, std::min<ULONGLONG>(count - done, IoBlock::kSize));
+        const std::size_t got = ReadFullyAt(from.ReadableDescriptor(), wanted, offset + done, name.View());
+        sums.Add({reinterpret_cast<const unsigned char*>(block->bytes), got});
+        take(wanted.first(got));
+        if (got < wanted.size()) throw CFileException(CFileException::genericException, -1, name);
+        done += got;
+    }
+    return sums;
+}
+
+}  // namespace
 
 CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted) {
     CheckSums sums(wanted);
@@ -23,19 +41,13 @@ CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted) {
     return sums;
 }
 
+CheckSums CheckSumsAt(const CFile& file, ULONGLONG offset, ULONGLONG count) {
+    return SumsOver(file, offset, count, [](std::span<const std::byte>) {});
+}
+
 CheckSums CopyWithCheckSums(const CFile& from, ULONGLONG offset, CFile& to, ULONGLONG count) {
-    CheckSums sums;
-    const auto block = MakeIoBlock();
-    const CString name = from.GetFilePath();
-    for (ULONGLONG done = 0; done < count;) {
-        const std::span wanted(block->bytes, std::min<ULONGLONG>(count - done, IoBlock::kSize));
-        const std::size_t got = ReadFullyAt(from.ReadableDescriptor(), wanted, offset + done, name.View());
-        sums.Add({reinterpret_cast<const unsigned char*>(block->bytes), got});
-        to.Write(block->bytes, static_cast<UINT>(got));
-        if (got < wanted.size()) throw CFileException(CFileException::genericException, -1, name);
-        done += got;
-    }
-    return sums;
+    return SumsOver(from, offset, count,
+                    [&](std::span<const std::byte> bytes) { to.Write(bytes.data(), static_cast<UINT>(bytes.size())); });
 }
 
 }  // namespace qel

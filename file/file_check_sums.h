@@ -10,6 +10,10 @@ namespace qel {
 /// @throws CFileException
 CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted = CheckSums::kBoth);
 
+/// Those of @p count bytes at @p offset of a file, whose position stays.
+/// @throws CFileException; with genericException when it has fewer
+CheckSums CheckSumsAt(const CFile& file, ULONGLONG offset, ULONGLONG count);
+
 /// Copies @p count bytes at @p offset of @p from, whose position stays, to the position of @p to, and computes their
 /// checksums on the way.
 /// @throws CFileException; with genericException when @p from has fewer bytes, those that it has are written then

@@ -1,7 +1,6 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <span>
 
@@ -14,6 +13,7 @@
 
 #include "qellib10/file/file_check_sums.h"
 #include "qellib10/secure/cabinet_backup.h"
+#include "qellib10/secure/cabinet_content.h"
 #include "qellib10/secure/history_cabinet_format.h"
 
 namespace {
@@ -21,6 +21,8 @@ namespace {
 constexpr UINT kForReading = CFile::modeRead | CFile::shareDenyWrite;
 constexpr UINT kForWriting = CFile::modeReadWrite | CFile::shareDenyWrite;
 constexpr UINT kNew = CFile::modeCreate | kForWriting;
+
+using qel::StoredVersion;
 
 constexpr ULONGLONG kFirstVersionAt = qel::kCabinetHeaderSize;
 constexpr DWORD kLargest = std::numeric_limits<DWORD>::max();
@@ -30,18 +32,10 @@ void Write(CFile& file, ULONGLONG offset, std::span<const std::byte> bytes) {
     file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
 }
 
-// As its header tells; the file may end before its data do.
-struct StoredVersion {
-    _CAB_VERSIONHEADER header;
-    ULONGLONG dataAt, end;
-};
-
 // What stands in an open cabinet.
 class Content {
 public:
-    explicit Content(const CFile& cabinet) : m_cabinet(cabinet), m_name(cabinet.GetFilePath()) {}
-
-    qel::CabinetHeader Header() const { return qel::UnpackCabinetHeader(BytesAt<qel::kCabinetHeaderSize>(0)); }
+    explicit Content(const CFile& cabinet) : m_cabinet(cabinet) {}
 
     StoredVersion Latest(const qel::CabinetHeader& header) const {
         if (header.latestOffset < kFirstVersionAt) throw qel::DataError("a version within the header");
@@ -74,20 +68,9 @@ public:
     }
 
 private:
-    template <std::size_t size> std::array<std::byte, size> BytesAt(ULONGLONG offset) const {
-        std::array<std::byte, size> bytes;
-        if (qel::ReadFullyAt(m_cabinet.ReadableDescriptor(), bytes, offset, m_name.View()) != size)
-            throw qel::DataError("the file ends within a header");
-        return bytes;
-    }
-    StoredVersion VersionAt(ULONGLONG offset) const {
-        const _CAB_VERSIONHEADER header = qel::UnpackVersionHeader(BytesAt<qel::kVersionHeaderSize>(offset));
-        const ULONGLONG dataAt = offset + qel::kVersionHeaderSize;
-        return {header, dataAt, dataAt + header.dataSize};
-    }
+    StoredVersion VersionAt(ULONGLONG offset) const { return qel::ReadVersionAt(m_cabinet, offset); }
 
     const CFile& m_cabinet;
-    CString m_name;
 };
 
 // @param find gives the version; not asked before the target is there
@@ -247,7 +230,7 @@ int CHistoryCabinetFile::ReadCabFileHeader() {
         InitCabFileHeader();
         return 0;
     }
-    return qel::Succeeds([&] { m_header = Content(*m_pFile).Header(); });
+    return qel::Succeeds([&] { m_header = qel::ReadCabinetHeader(*m_pFile); });
 }
 
 int CHistoryCabinetFile::UpdateCabFileHeader() {

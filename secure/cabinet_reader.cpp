@@ -1,0 +1,31 @@
+#include "qellib10/secure/cabinet_reader.h"
+
+#include "qellib10/platform/error.h"
+
+#include "qellib10/file/file_check_sums.h"
+#include "qellib10/secure/cabinet_content.h"
+#include "qellib10/secure/history_cabinet_format.h"
+
+namespace qel {
+
+CabinetReader::CabinetReader(const CFile& cabinet)
+    : m_file(cabinet), m_header(ReadCabinetHeader(cabinet)), m_end(kCabinetHeaderSize) {}
+
+std::optional<CabinetVersion> CabinetReader::Next() {
+    if (m_given == m_header.versionCount) return std::nullopt;
+    const auto [header, dataAt, end] = ReadVersionAt(m_file, m_end);
+    if (header.version != m_given + 1) throw DataError("another version in its place");
+    if (header.version == m_header.versionCount && m_end != m_header.latestOffset)
+        throw DataError("the latest version is not where the header says");
+    if (end > m_file.GetLength()) throw CFileException(CFileException::endOfFile, -1, m_file.GetFilePath());
+    m_given = header.version;
+    m_end = end;
+    return CabinetVersion{header.version, header.dataSize, header.dataSum, header.dataCRC, dataAt};
+}
+
+bool CabinetReader::IsIntact(const CabinetVersion& version) const {
+    const CheckSums sums = CheckSumsAt(m_file, version.dataAt, version.size);
+    return sums.Sum() == version.sum && sums.Crc() == version.crc;
+}
+
+}  // namespace qel
