@@ -100,6 +100,27 @@ LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, co
     });
 }
 
+LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents) {
+    return AsCode([&] {
+        RegistryStore& store = RegistryStore::Of(parent);
+        const RegistryKeyId from = store.KeyOf(parent);
+        const RegistryPath names(View(path));
+        const RegistryStore::Reading reading(store);
+        RegistryContents found;
+        const bool isEmptyTree = reading.Tree() == nullptr && from == kRegistryRootKey && names.Size() == 0;
+        if (!isEmptyTree) {
+            const RegistryKeyId key = Find(reading.Tree(), from, names);
+            found = reading.Tree()->List(key);
+        }
+        for (std::string& key : found.keys) key = FromUtf8(key);
+        for (auto& [name, value] : found.values) {
+            name = FromUtf8(name);
+            value = Given(std::move(value));
+        }
+        contents = std::move(found);
+    });
+}
+
 LONG DeleteRegistryTree(HKEY parent, const char* path) {
     return AsCode([&] {
         RegistryStore& store = RegistryStore::Of(parent);

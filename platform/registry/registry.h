@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
@@ -84,6 +86,13 @@ QELLIB10_API LONG CloseRegistryKey(HKEY key);
 QELLIB10_API LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value);
 QELLIB10_API LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
                                      const RegistryValue& value);
+
+/// What stands in a key itself, each in the order in which it was made.
+struct RegistryContents {
+    std::vector<std::string> keys;                              ///< names of the keys right below it
+    std::vector<std::pair<std::string, RegistryValue>> values;  ///< the name of the default value is empty
+};
+QELLIB10_API LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents);
 
 /// Deletes a key with all below it. A root is refused: 5.
 QELLIB10_API LONG DeleteRegistryTree(HKEY parent, const char* path);

@@ -69,7 +69,8 @@ struct Child {
 RegistryTree::RegistryTree(const std::string& posixPath, bool create)
     : m_database(posixPath, create),
       m_parent("SELECT parent FROM reg_key WHERE id = ?"),
-      m_children("SELECT id, fold, name, class FROM reg_key WHERE parent = ?"),
+      m_children("SELECT id, fold, name, class FROM reg_key WHERE parent = ? ORDER BY id"),
+      m_values("SELECT name, type, data FROM reg_value WHERE key = ? ORDER BY id"),
       m_copyValues(
           "INSERT INTO reg_value(key, fold, name, type, data)"
           " SELECT ?2, fold, name, type, data FROM reg_value WHERE key = ?1 ORDER BY id" +
@@ -164,6 +165,18 @@ std::optional<RegistryValue> RegistryTree::Read(RegistryKeyId from, const Regist
     query.Bind(name.fold);
     if (!query.Step()) return std::nullopt;
     return RegistryValue{static_cast<DWORD>(query.Number(0)), std::string(query.Text(1))};
+}
+
+RegistryContents RegistryTree::List(RegistryKeyId key) {
+    RegistryContents contents;
+    Query keys(m_database, m_children);
+    for (keys.Bind(key); keys.Step();) contents.keys.emplace_back(keys.Text(2));
+    Query values(m_database, m_values);
+    for (values.Bind(key); values.Step();) {
+        contents.values.emplace_back(values.Text(0),
+                                     RegistryValue{static_cast<DWORD>(values.Number(1)), std::string(values.Text(2))});
+    }
+    return contents;
 }
 
 void RegistryTree::Write(RegistryKeyId key, const RegistryName& name, const RegistryValue& value) {

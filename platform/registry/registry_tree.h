@@ -35,6 +35,7 @@ public:
     std::optional<RegistryKeyId> Find(RegistryKeyId from, const RegistryPath& path);
     RegistryKeyId Create(RegistryKeyId from, const RegistryPath& path, std::string_view className);
     std::optional<RegistryValue> Read(RegistryKeyId from, const RegistryPath& path, const RegistryName& name);
+    RegistryContents List(RegistryKeyId key);
     void Write(RegistryKeyId key, const RegistryName& name, const RegistryValue& value);
     void Delete(RegistryKeyId key);
     /// @p to does not stand within @p from.
@@ -55,7 +56,7 @@ private:
     Database m_database;
     std::vector<Statement> m_find;  // by the number of names that are looked up at once
     std::vector<Statement> m_read;
-    Statement m_parent, m_children, m_copyValues, m_makeChild, m_write, m_delete;
+    Statement m_parent, m_children, m_values, m_copyValues, m_makeChild, m_write, m_delete;
 };
 
 }  // namespace qel
