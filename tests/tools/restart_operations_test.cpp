@@ -1,21 +1,13 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <cstdio>
 
 #include "../support/environment_scope.h"
 #include "../support/temp_folder.h"
+#include "answer_of.h"
 #include "qellib10/platform/storage/restart_record.h"
 
 namespace {
 
-// The program's exit code and what it writes.
-std::string AnswerOf(const std::string& arguments) {
-    FILE* pipe = ::popen((QELLIB10_RESTART_OPERATIONS " " + arguments + " 2>&1").c_str(), "r");
-    std::string text;
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) text += static_cast<char>(c);
-    return std::to_string(WEXITSTATUS(::pclose(pipe))) + " " + text;
-}
+std::string Answer(const std::string& arguments) { return AnswerOf(QELLIB10_RESTART_OPERATIONS " " + arguments); }
 
 }  // namespace
 
@@ -29,12 +21,12 @@ TEST(RestartOperations, ListsThenCarriesOut) {
     std::filesystem::create_directory(folder.Posix("d"));
     folder.Write("pending-moves", line("a", folder.Posix("b").c_str()) + line("d", ""));
     const std::string place = folder.Posix().native() + '/';
-    EXPECT_EQ(AnswerOf("--list"), "0 move " + place + "a to " + place + "b\ndelete " + place + "d\n");
-    EXPECT_EQ(AnswerOf(""), "0 cannot delete " + place + "d: Is a directory\n");
+    EXPECT_EQ(Answer("--list"), "0 move " + place + "a to " + place + "b\ndelete " + place + "d\n");
+    EXPECT_EQ(Answer(""), "0 cannot delete " + place + "d: Is a directory\n");
     EXPECT_EQ(folder.Read("b"), "1");
     EXPECT_FALSE(folder.Has("pending-moves"));
-    EXPECT_EQ(AnswerOf("--other")[0], '2');
+    EXPECT_EQ(Answer("--other")[0], '2');
     folder.Write("pending-moves", "");
     std::filesystem::resize_file(folder.Posix("pending-moves"), std::uintmax_t{1} << 40);
-    for (const char* arguments : {"", "--list"}) EXPECT_EQ(AnswerOf(arguments)[0], '1');
+    for (const char* arguments : {"", "--list"}) EXPECT_EQ(Answer(arguments)[0], '1');
 }

@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include "../support/archive_bytes.h"
+#include "../support/cases.h"
+#include "../support/registry_scope.h"
+#include "qel_folder.h"
+#include "qellib10/calc/calc_variable_list.h"
+
+TEST(Qel, BadUsageIsOneLineAndStatus2) {
+    const QelFolder folder;
+    for (const char* arguments : {"",
+                                  "other",
+                                  "calc",
+                                  "calc A B",
+                                  "calc A B=x",
+                                  "calc A =1",
+                                  "calc 1 --digits 16",
+                                  "seal",
+                                  "verify",
+                                  "verify . -j 0",
+                                  "cabinet",
+                                  "cabinet list",
+                                  "cabinet extract a",
+                                  "cabinet extract a b --version x",
+                                  "xml get a",
+                                  "archive",
+                                  "archive a b",
+                                  "profile set a b c",
+                                  "profile set a b c x --number",
+                                  "verify . --other",
+                                  "--codepage 1 verify ."}) {
+        SCOPED_TRACE(arguments);
+        const std::string answer = folder.Qel(arguments);
+        EXPECT_TRUE(answer.starts_with("2 qel: ") && answer.find('\n') == answer.size() - 1) << answer;
+    }
+    for (const char* command : {"", "calc", "seal", "verify", "cabinet add", "xml", "archive", "profile get"})
+        EXPECT_TRUE(folder.Qel(command + std::string(" --help")).starts_with("0 ")) << command;
+    EXPECT_EQ(folder.Qel("calc 1 >/dev/full").substr(0, 1), "1");
+}
+
+TEST(Qel, CalcChecksAndComputes) {
+    const QelFolder folder;
+    CCalcVariableList list;
+    CCalcVariable variable;
+    variable.m_szName = "\x95\\";  // a double-byte name that ends with a backslash
+    variable.m_dValue = 2.5;
+    list.AddVariableData(variable);
+    folder.Write("list.var", Stored(list));
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"'(EP - BLANK) * 0.1 / sample' EP=16.519 BLANK=0.03 SAMPLE=2 --digits 3", "0 0.824\n"},
+             {"A*2 A=1e300", "0 2e+300\n"},
+             {"-- -X*2 X=3", "0 -6\n"},
+             {"--check A+B A=1 B=2 C=3", "0 A                1\nB                2\n"},
+             {"表*2 --from list.var", "0 5\n"},
+             {"表*2 --from list.var 表=4", "0 8\n"},
+             {"A+B A=1", "1 qel: the formula names \"B\", which has no value\n"},
+             {"1/A A=0", "1 qel: the formula divides by zero\n"},
+             {"A*10 A=1e308", "1 qel: the result is too large\n"},
+             {"1++", "1 qel: the formula is not valid, by its syntax or by a division by zero\n"},
+             {"1 --from qel-none", "5 qel: qel-none: file not found\n"},
+         })
+        EXPECT_EQ(folder.Qel("calc " + std::string(arguments)), answer);
+    EXPECT_EQ(folder.Qel("archive list.var"), "0 表              2.5\n");
+    EXPECT_TRUE(folder.Qel("archive list.var --json").find("\"name\": \"表\"") != std::string::npos);
+}
+
+TEST(Qel, SealsOnceAndAgain) {
+    const QelFolder folder;
+    for (const char* name : {"a", "b", "c"}) folder.Write(name, "data");
+    EXPECT_TRUE(folder.Qel("seal a").starts_with("0 a: sealed as version 1 of "));
+    EXPECT_TRUE(folder.Qel("seal a b").ends_with("0") == false);
+    EXPECT_TRUE(folder.Qel("verify a").find("version 2 of") != std::string::npos);
+    EXPECT_EQ(folder.Qel("seal --new a"), "1 qel: a: is sealed already\n");
+    EXPECT_TRUE(folder.Qel("seal --after a c").starts_with("0 c: sealed as version 3 of "));
+    folder.Write("a", "x" + folder.Read("a").substr(1));
+    const std::string before = folder.Read("a");
+    EXPECT_TRUE(folder.Qel("seal a b").starts_with("6 ")) << "a changed file gets no new seal";
+    EXPECT_EQ(folder.Read("a"), before);
+    EXPECT_TRUE(folder.Qel("verify b").find("version 2 of") != std::string::npos) << "the others do";
+}
+
+TEST(Qel, KeepsVersionsInACabinet) {
+    const QelFolder folder;
+    for (const char* text : {"first", "second"}) {
+        folder.Write("document", text);
+        EXPECT_EQ(folder.Qel("cabinet add c.hcf document")[0], '0');
+    }
+    EXPECT_TRUE(folder.Qel("cabinet list c.hcf").ends_with("}\nversion 1, 5 bytes\nversion 2, 6 bytes\n"));
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf document"), "1 qel: document: exists; --force replaces it\n");
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf document --force --version 1; cat document"), "0 first");
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf latest; cat latest"), "0 second");
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf x --version 3"), "1 qel: c.hcf: has 2 versions\n");
+    EXPECT_EQ(folder.Qel("cabinet add new.hcf missing")[0], '5');
+    EXPECT_FALSE(folder.Has("new.hcf"));
+    std::string bytes = folder.Read("c.hcf");
+    bytes[36 + 20] ^= 1;
+    folder.Write("c.hcf", bytes.substr(0, bytes.size() - 1));
+    EXPECT_EQ(folder.Qel("cabinet list c.hcf 2>/dev/null | tail -1"), "0 version 1, 5 bytes, changed\n");
+    EXPECT_EQ(folder.Qel("cabinet list c.hcf >/dev/null"), "7 qel: c.hcf: end of file\n");
+}
+
+TEST(Qel, ShowsAndChangesDocuments) {
+    const QelFolder folder;
+    folder.Write("plain.xml", "<Method><Unit k=\"1\">mL</Unit></Method>");
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"encipher plain.xml e.xml", "0 "},
+             {"encipher e.xml x.xml", "1 qel: e.xml: is enciphered already\n"},
+             {"get e.xml Unit", "0 mL\n"},
+             {"get e.xml Unit/@k", "0 1\n"},
+             {"get e.xml Item --count", "0 0\n"},
+             {"set e.xml Limits/Item 温度", "0 "},
+             {"get e.xml Limits --xml", "0 <Limits><Item>温度</Item></Limits>\n"},
+             {"get e.xml Other", "1 qel: e.xml: has no \"Other\"\n"},
+             {"decipher e.xml plain.xml", "1 qel: plain.xml: exists; --force replaces it\n"},
+             {"decipher e.xml plain.xml --force", "0 "},
+             {"show plain.xml | tr -d '\\r\\n'",
+              "0 <Method><Unit k=\"1\">mL</Unit><Limits><Item>温度</Item></Limits></Method>"},
+             {"get missing.xml Unit", "5 qel: missing.xml: file not found\n"},
+         })
+        EXPECT_EQ(folder.Qel("xml " + std::string(arguments)), answer);
+    EXPECT_EQ(folder.Read("e.xml")[0], '\0') << "a document stays in its form";
+    folder.Write("broken.xml", "<Method>");
+    EXPECT_EQ(folder.Qel("xml show broken.xml")[0], '9');
+}
+
+TEST(Qel, ReadsAndChangesSettings) {
+    const RegistryScope registry;
+    const QelFolder folder;
+    folder.Write("meter.ini", "; kept\r\n[Window]\r\nWidth=640\r\n");
+    const std::string key = "'HKEY_CURRENT_USER\\Software\\Meter' ";
+    for (const auto& [arguments, answer] : std::vector<std::pair<std::string, std::string>>{
+             {"get meter.ini Window Width", "0 640\n"},
+             {"get meter.ini Window Height", "1 qel: meter.ini: has no such setting\n"},
+             {"set meter.ini Window Height 480", "0 "},
+             {"list meter.ini", "0 [Window]\nWidth=640\nHeight=480\n"},
+             {"list missing.ini", "5 "},
+             {"set " + key + "Window Width 640 --number", "0 "},
+             {"set " + key + "'' Name メータ", "0 "},
+             {"get " + key + "'' Name", "0 メータ\n"},
+             {"list " + key, "0 []\nName=メータ\n[Window]\nWidth=640\n"},
+             {"list " + key + "--json",
+              "0 {\n  \"\": {\n    \"Name\": \"メータ\"\n  },\n  \"Window\": {\n    \"Width\": 640\n  }\n}\n"},
+             {"backup " + key + ".bak", "0 "},
+             {"set " + key + "Window Width 1 --number", "0 "},
+             {"restore " + key + ".bak", "0 "},
+             {"get " + key + "Window Width", "0 640\n"},
+             {"restore " + key + ".none", "1 "},
+         }) {
+        const std::string given = folder.Qel("profile " + arguments);
+        EXPECT_EQ(answer.ends_with("\n") || answer == "0 " ? given : given.substr(0, 2), answer) << arguments;
+    }
+    EXPECT_TRUE(folder.Read("meter.ini").starts_with("; kept\r\n"));
+}

@@ -1,0 +1,113 @@
+// qel cabinet: the versions of a document in its history cabinet.
+#include <optional>
+
+#include "content_check.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+    std::string cabinet, file;
+    unsigned version = 0;
+    bool force = false, json = false;
+};
+
+// What could be read stands in the output also when the cabinet is damaged behind it.
+Status List(const Options& options) {
+    const CString name = Path(options.cabinet);
+    Json json{{"guid", nullptr}, {"versions", Json::array()}};
+    Status status = kGood;
+    try {
+        OnFile(options.cabinet, [&] {
+            const CFile file(name, CFile::modeRead | CFile::shareDenyWrite);
+            qel::CabinetReader cabinet = CabinetOf(file);
+            CGuid guid = cabinet.Header().guid;
+            json["guid"] = std::string(guid.GetString());
+            while (const std::optional<qel::CabinetVersion> version = cabinet.Next()) {
+                const bool isIntact = cabinet.IsIntact(*version);
+                if (!isIntact) status = kChanged;
+                json["versions"].push_back(
+                    {{"version", version->number}, {"size", version->size}, {"intact", isIntact}});
+            }
+        });
+    } catch (const Failure& failure) {
+        status = Complain(failure.what(), failure.ExitStatus());
+    }
+    if (options.json) {
+        Print(json);
+    } else if (!json["guid"].is_null()) {
+        Print("cabinet " + json["guid"].get<std::string>() + '\n');
+        for (const Json& version : json["versions"])
+            Print("version " + version["version"].dump() + ", " + version["size"].dump() + " bytes" +
+                  (version["intact"].get<bool>() ? "\n" : ", changed\n"));
+    }
+    return status;
+}
+
+void Open(CHistoryCabinetFile& cabinet, const std::string& path, int readOnly) {
+    const CString name = Path(path);
+    OnFile(path, [&] {
+        const CFile file(name, CFile::modeRead | CFile::shareDenyNone);
+        CabinetOf(file);  // says why it cannot be opened
+    });
+    if (cabinet.Open(name, readOnly) == 0) throw Failure(Shown(path) + ": cannot be opened, it may be in use");
+}
+
+Status Extract(const Options& options) {
+    CHistoryCabinetFile cabinet;
+    Open(cabinet, options.cabinet, 1);
+    const DWORD version = options.version != 0 ? options.version : cabinet.GetLatestVersion();
+    if (version == 0 || version > cabinet.GetLatestVersion())
+        throw Failure(Shown(options.cabinet) + ": has " + std::to_string(cabinet.GetLatestVersion()) + " versions");
+    RequireNew(options.file, options.force);
+    const CString target = Path(options.file);
+    OnFile(options.file, [&] { CFile(target, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive); });
+    if (cabinet.GetVersionFile(version, target) == 0)
+        throw Failure(Shown(options.cabinet) + ": version " + std::to_string(version) + " is damaged; " +
+                          Shown(options.file) + " has what was found of it",
+                      kChanged);
+    return kGood;
+}
+
+Status Add(const Options& options) {
+    CHistoryCabinetFile cabinet;
+    const CString name = Path(options.cabinet);
+    const CString source = Path(options.file);
+    OnFile(options.file, [&] { const CFile file(source, CFile::modeRead | CFile::shareDenyWrite); });
+    const bool isNew = CQFile::IsExist(name) == 0;
+    if (!isNew) {
+        Open(cabinet, options.cabinet, 0);
+    } else if (cabinet.Create(name) == 0) {
+        throw Failure(Shown(options.cabinet) + ": cannot be made");
+    }
+    if (cabinet.RegistNewVersion(source) == 0) {
+        cabinet.Close();
+        if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // empty it is no cabinet
+        throw Failure(Shown(options.cabinet) + ": takes no new version");
+    }
+    Print("version " + std::to_string(cabinet.GetLatestVersion()) + '\n');
+    return kGood;
+}
+
+}  // namespace
+
+void AddCabinet(CLI::App& app, Status& status) {
+    CLI::App* const command = app.add_subcommand("cabinet", "List, take out and add versions of a document");
+    command->require_subcommand(1);
+    const auto options = std::make_shared<Options>();
+    const auto add = [&](const char* name, const char* meaning, Status (*run)(const Options&)) {
+        CLI::App* const action = command->add_subcommand(name, meaning);
+        AddFile(*action, "CABINET", options->cabinet, "The cabinet");
+        action->callback([options, run, &status] { status = run(*options); });
+        return action;
+    };
+    add("list", "List the versions, and check them", List)->add_flag("--json", options->json, "Write JSON");
+    CLI::App* const extract = add("extract", "Take a version out", Extract);
+    AddFile(*extract, "TARGET", options->file, "The file to write");
+    extract->add_option("--version", options->version, "Its number (else the latest one)")->type_name("N");
+    extract->add_flag("--force", options->force, "Replace a file that exists");
+    CLI::App* const store = add("add", "Add a version; makes the cabinet when it is missing", Add);
+    AddFile(*store, "SOURCE", options->file, "The file that becomes the next version");
+}
+
+}  // namespace tool

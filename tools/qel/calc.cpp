@@ -1,0 +1,126 @@
+// qel calc: checks a formula and computes it over named values.
+#include <charconv>
+#include <cmath>
+#include <optional>
+
+#include "tool.h"
+#include "variables.h"
+
+namespace tool {
+namespace {
+
+constexpr double kMostWithPlaces = 1e15;  // a double beyond has no decimal places to round to
+
+struct Options {
+    std::string formula, archive;
+    std::vector<std::string> values;
+    int digits = -1;
+    bool onlyCheck = false, json = false;
+};
+
+double Number(const std::string& text) {
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || !std::isfinite(value))
+        throw CLI::ValidationError("\"" + text + "\" is no number");
+    return value;
+}
+
+// Formulas tell names apart without regard to letter case, so a value replaces one of the archive in any spelling.
+void Assign(CCalcVariableList& list, const std::string& assignment) {
+    const std::size_t equals = assignment.find('=');
+    const CString name = Text(assignment.substr(0, equals));
+    if (equals == std::string::npos || name.IsEmpty() || name.FindOneOf(" \t()*+-/") >= 0)
+        throw CLI::ValidationError("\"" + assignment + "\" is not NAME=VALUE");
+    const double value = Number(assignment.substr(equals + 1));
+    CCalcVariable variable;
+    for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
+        if (variable.m_szName.CompareNoCase(name) != 0) continue;
+        variable.m_dValue = value;
+        list.SetVariableData(i, variable);
+        return;
+    }
+    variable.InitParameter();
+    variable.m_szName = name;
+    variable.m_dValue = value;
+    list.AddVariableData(variable);
+}
+
+// The check answers only yes or no. Each name of the formula alone tells which of them is unknown.
+std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calculator) {
+    for (std::size_t at = 0; at < formula.size();) {
+        const std::size_t end = std::min(formula.find_first_of("()*+-/=", at), formula.size());
+        const std::string operand = formula.substr(at, end - at);
+        const bool hasName = operand.find_first_not_of("0123456789. \t") != std::string::npos;
+        if (hasName && calculator.CheckCalcFormula("", Text(operand)) == 0) return operand;
+        at = end + 1;
+    }
+    return std::nullopt;
+}
+
+void RequireValid(const std::string& formula, CQWCalc& calculator) {
+    if (calculator.CheckCalcFormula("", Text(formula)) != 0) return;
+    if (Text(formula).GetLength() > 255) throw Failure("the formula has more than 255 bytes");
+    if (const auto name = UnknownName(formula, calculator))
+        throw Failure("the formula names \"" + Shown(*name) + "\", which has no value");
+    throw Failure("the formula is not valid, by its syntax or by a division by zero");
+}
+
+std::string ResultText(double value, int digits) {
+    if (digits >= 0 && std::abs(value) < kMostWithPlaces)
+        return std::string(CQVariant::DoubleToStr(CQVariant::fround(value, digits, 0), digits, 0));
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, value).ptr};
+}
+
+CCalcVariableList Used(const CQWCalc& calculator) {
+    CCalcVariableList used;
+    CCalcVariable variable;
+    for (int i = 0; calculator.GetCalcVarList().GetUseVariableData(i, &variable) != 0; ++i)
+        used.AddVariableData(variable);
+    return used;
+}
+
+void Calculate(const Options& options) {
+    CCalcVariableList list;
+    if (!options.archive.empty()) list = ReadVariables(options.archive, false);
+    list.ClearViewFlag();
+    for (const std::string& assignment : options.values) Assign(list, assignment);
+    CQWCalc calculator;
+    calculator.SetCalcVarList(list);
+    RequireValid(options.formula, calculator);
+    Json json{{"formula", options.formula}, {"used", VariablesJson(Used(calculator))["variables"]}};
+    std::string text = VariablesText(Used(calculator));
+    if (!options.onlyCheck) {
+        double result = 0;
+        if (calculator.ConcCalculation(Text(options.formula), &result) == 0)
+            throw Failure("the formula divides by zero");
+        if (!std::isfinite(result)) throw Failure("the result is too large");
+        text = ResultText(result, options.digits);
+        json["result"] = result;
+        json["text"] = text;
+        text += '\n';
+    }
+    options.json ? Print(json) : Print(text);
+}
+
+}  // namespace
+
+void AddCalc(CLI::App& app, Status&) {
+    CLI::App* const command = app.add_subcommand("calc", "Check a formula and compute it over named values");
+    const auto options = std::make_shared<Options>();
+    command->add_option("FORMULA", options->formula, "Such as \"(EP - BLANK) * 0.1 / SAMPLE\"")->required();
+    command->add_option("NAME=VALUE", options->values, "Values; they replace those of --from");
+    command->add_option("--from", options->archive, "Archived list whose variables have their values")
+        ->type_name("FILE");
+    command->add_option("--digits", options->digits, "Decimal places that the result is rounded to")
+        ->check(CLI::Range(0, 15))
+        ->type_name("0-15");
+    command->add_flag("--check", options->onlyCheck, "Only check, and list the variables that the formula uses");
+    command->add_flag("--json", options->json, "Write JSON");
+    command->footer("A formula that begins with a minus sign stands behind --, as in: qel calc -- -X*2 X=3");
+    command->callback([options] { Calculate(*options); });
+}
+
+}  // namespace tool

@@ -1,0 +1,112 @@
+#include "content_check.h"
+
+#include <algorithm>
+
+#include "variables.h"
+
+namespace tool {
+namespace {
+
+constexpr std::string_view kRenewalTag =
+    "\x10HistoryRenewInfo\4"
+    "1.00";
+
+std::string BytesAt(CFile& file, ULONGLONG offset, UINT count) {
+    std::string bytes(count, '\0');
+    file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
+    bytes.resize(file.Read(bytes.data(), count));
+    return bytes;
+}
+
+std::string Count(std::size_t number, const char* one, const char* more) {
+    return std::to_string(number) + ' ' + (number == 1 ? one : more);
+}
+
+// A zero, then whole blocks. Documents are loaded as a whole; in files without their suffix none is looked for beyond
+// this size.
+bool LooksEnciphered(const CFile& file, std::string_view head) {
+    constexpr ULONGLONG kLargest = 64 << 20;
+    if (head.size() < 2 || head[0] != '\0') return false;
+    const CString path = file.GetFilePath();
+    if (path.Right(4).CompareNoCase(".xml") == 0) return true;
+    CCryptXMLDocument document;
+    return file.GetLength() % 8 == 1 && file.GetLength() <= kLargest && document.LoadXMLFile(path, 1) != 0;
+}
+
+void RequireIntactVersions(qel::CabinetReader& cabinet) {
+    std::string damaged;
+    while (const std::optional<qel::CabinetVersion> version = cabinet.Next()) {
+        if (!cabinet.IsIntact(*version)) damaged += (damaged.empty() ? "" : ", ") + std::to_string(version->number);
+    }
+    if (!damaged.empty()) throw Failure("does not match its checksums: version " + damaged, kChanged);
+}
+
+ContentReport CheckCabinet(const CFile& file) {
+    qel::CabinetReader cabinet = CabinetOf(file);
+    RequireIntactVersions(cabinet);
+    return {cabinet.End(), Count(cabinet.Header().versionCount, "version", "versions")};
+}
+
+ContentReport CheckVariables(CFile& file) {
+    const CCalcVariableList list = LoadVariables(file);
+    return {file.GetPosition(), Count(list.GetVariableCount(), "variable", "variables")};
+}
+
+ContentReport CheckRenewals(CFile& file) {
+    std::size_t records = 0;
+    ULONGLONG end = 0;
+    for (; BytesAt(file, end, kRenewalTag.size()) == kRenewalTag; ++records) {
+        file.Seek(static_cast<LONGLONG>(end), CFile::begin);
+        CArchive archive(&file, CArchive::load);
+        CHistoryRenewInfo().Serialize(archive);
+        archive.Close();
+        end = file.GetPosition();
+    }
+    return {end, Count(records, "record", "records")};
+}
+
+ContentReport CheckJob(const CFile& file) {
+    CQelPrintJobQueueData job;
+    if (job.LoadJobFile(file.GetFilePath()) == 0)
+        throw Failure("its XML is not well-formed, or refers to an entity", kMalformed);
+    return {file.GetLength(), Count(job.GetBlock().GetCommandCount(), "command", "commands")};
+}
+
+ContentReport CheckXml(const CFile& file) {
+    CCryptXMLDocument document;
+    if (file.GetLength() % 8 != 1) throw Failure("it ends within an enciphered block", kCut);
+    if (document.LoadXMLFile(file.GetFilePath(), 1) == 0)
+        throw Failure("it does not decipher to well-formed XML", kMalformed);
+    return {file.GetLength(), "an enciphered document"};
+}
+
+}  // namespace
+
+std::string KindOf(CFile& file) {
+    const std::string head = BytesAt(file, 0, 512);
+    if (head.starts_with("HCF1") || (head.size() > 40 && head.substr(36, 4) == "CVH1")) return "cabinet";
+    if (IsVariablesTag(head)) return "variables";
+    if (head.starts_with(kRenewalTag)) return "renewals";
+    if (head.find("<printjob") != std::string::npos) return "job";
+    return LooksEnciphered(file, head) ? "xml" : "data";
+}
+
+qel::CabinetReader CabinetOf(const CFile& file) {
+    try {
+        return qel::CabinetReader(file);
+    } catch (const qel::DataError& error) {
+        throw Failure(error.what(), kBadHeader);
+    }
+}
+
+ContentReport ContentOf(CFile& file, const std::string& kind) {
+    file.SeekToBegin();
+    if (kind == "cabinet") return CheckCabinet(file);
+    if (kind == "variables") return CheckVariables(file);
+    if (kind == "renewals") return CheckRenewals(file);
+    if (kind == "job") return CheckJob(file);
+    if (kind == "xml") return CheckXml(file);
+    throw Failure("of no kind that is known, and not sealed", kUnknown);
+}
+
+}  // namespace tool

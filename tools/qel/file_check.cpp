@@ -1,0 +1,68 @@
+#include "file_check.h"
+
+#include "content_check.h"
+#include "seal_check.h"
+
+namespace tool {
+namespace {
+
+void CheckSealed(const CQFile& file, const CCheckDatafile& seal, FileReport& report) {
+    report.isSealed = true;
+    report.detail = "version " + std::to_string(seal.GetVersion()) + " of " + std::string(seal.GetGUID().GetString());
+    if (seal.GetFilename() == file.GetFileName()) return;
+    report.finding = kRenamed;
+    report.detail += ", sealed as " + Shown(Utf8(seal.GetFilename().View()));
+}
+
+// @return where the content ends; what is wrong with it stands in the report
+ULONGLONG CheckContent(CQFile& file, FileReport& report) {
+    try {
+        const ContentReport content = Guarded([&] { return ContentOf(file, report.kind); });
+        report.detail = content.note;
+        return content.end;
+    } catch (const Failure& failure) {
+        report.finding = failure.ExitStatus();
+        report.detail = failure.what();
+        return 0;
+    }
+}
+
+// An intact seal vouches for what it stands behind. What looks like one at the end of a file that is whole without it
+// belongs to the data in it: a cabinet may end with a version that is a sealed file.
+void Check(CQFile& file, FileReport& report) {
+    report.kind = KindOf(file);
+    CCheckDatafile seal;
+    seal.EnableCheckFilename(0);
+    const Status trace = TraceOfSeal(file, report.kind != "cabinet");
+    if (trace != kGood && seal.ReadPackData(&file) != 0) return CheckSealed(file, seal, report);
+    const ULONGLONG behind = file.GetLength() - CheckContent(file, report);
+    if (behind == 0) return;
+    if (trace == kGood) {
+        if (report.finding == kGood) report.detail += ", and " + std::to_string(behind) + " bytes behind";
+        return;
+    }
+    report.isSealed = true;
+    const std::string content = report.finding == kGood ? "" : "; " + report.detail;
+    report.finding = trace;
+    report.detail = (trace == kCut ? "its seal is cut" : "it does not match its seal") + content;
+}
+
+}  // namespace
+
+FileReport CheckFile(const std::string& path) {
+    FileReport report;
+    try {
+        Guarded([&] {
+            CQFile file;
+            CFileException error;
+            if (file.Open(LibraryPath(path), CFile::modeRead | CFile::shareDenyWrite, &error) == 0) throw error;
+            Check(file, report);
+        });
+    } catch (const Failure& failure) {
+        report.finding = failure.ExitStatus();
+        report.detail = failure.what();
+    }
+    return report;
+}
+
+}  // namespace tool

@@ -1,0 +1,102 @@
+// qel profile: settings in INI files and in the registry.
+#include <charconv>
+
+#include "settings.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+    std::string location, section, key, value, suffix;
+    bool asNumber = false, json = false;
+};
+
+CPrivateProfile Opened(const std::string& location) {
+    const Place place = PlaceOf(location);
+    return CPrivateProfile(place.location,
+                           place.root != nullptr ? CPrivateProfile::registryMode : CPrivateProfile::iniMode);
+}
+
+void Get(const Options& options) {
+    const std::optional<Setting> setting = ReadSetting(PlaceOf(options.location), options.section, options.key);
+    if (!setting) throw Failure(Shown(options.location) + ": has no such setting");
+    options.json ? Print(setting->json) : Print(setting->text + '\n');
+}
+
+void Set(const Options& options) {
+    CPrivateProfile profile = Opened(options.location);
+    const CString section = Text(options.section);
+    const CString key = Text(options.key);
+    int result = 0;
+    if (options.asNumber) {
+        int number = 0;
+        const char* const end = options.value.data() + options.value.size();
+        const auto [stop, error] = std::from_chars(options.value.data(), end, number);
+        if (error != std::errc() || stop != end)
+            throw CLI::ValidationError("\"" + options.value + "\" is no whole number");
+        result = profile.Set(section, key, number);
+    } else {
+        result = profile.Set(section, key, Text(options.value));
+    }
+    if (result == 0) throw Failure(Shown(options.location) + ": the setting cannot be written");
+}
+
+void List(const Options& options) {
+    const std::vector<Section> sections = ReadSections(PlaceOf(options.location));
+    Json json = Json::object();
+    std::string text;
+    for (const auto& [name, settings] : sections) {
+        text += '[' + Shown(name) + "]\n";
+        json[name] = Json::object();
+        for (const auto& [key, setting] : settings) {
+            text += Shown(key) + '=' + Shown(setting.text) + '\n';
+            json[name][key] = setting.json;
+        }
+    }
+    options.json ? Print(json) : Print(text);
+}
+
+void Backup(const Options& options) {
+    if (Opened(options.location).Backup(Text(options.suffix)) == 0)
+        throw Failure(Shown(options.location) + ": cannot be backed up: only a key of the registry that is there can");
+}
+
+void Restore(const Options& options) {
+    if (Opened(options.location).Restore(Text(options.suffix)) == 0)
+        throw Failure(Shown(options.location) + ": cannot be restored: there is no such backup");
+}
+
+}  // namespace
+
+void AddProfile(CLI::App& app, Status&) {
+    CLI::App* const command = app.add_subcommand("profile", "Read and change settings");
+    command->require_subcommand(1);
+    const auto options = std::make_shared<Options>();
+    const auto add = [&](const char* name, const char* meaning, void (*run)(const Options&)) {
+        CLI::App* const action = command->add_subcommand(name, meaning);
+        action
+            ->add_option("LOCATION", options->location, "INI file, or key such as 'HKEY_CURRENT_USER\\Software\\Meter'")
+            ->required();
+        action->callback([options, run] { run(*options); });
+        return action;
+    };
+    const auto addName = [&](CLI::App* action) {
+        action->add_option("SECTION", options->section, "Section; in the registry a key below LOCATION or ''")
+            ->required();
+        action->add_option("KEY", options->key, "Name of the setting")->required();
+    };
+    CLI::App* const get = add("get", "Write a setting", Get);
+    addName(get);
+    CLI::App* const set = add("set", "Change a setting", Set);
+    addName(set);
+    set->add_option("VALUE", options->value, "Its new value")->required();
+    set->add_flag("--number", options->asNumber, "Store it as a number (registry)");
+    for (CLI::App* const action : {get, add("list", "List all settings", List)})
+        action->add_flag("--json", options->json, "Write JSON");
+    for (CLI::App* const action :
+         {add("backup", "Copy a key to the key beside it that has SUFFIX behind its name", Backup),
+          add("restore", "Put such a copy in place of the key", Restore)})
+        action->add_option("SUFFIX", options->suffix, "Such as .bak")->required();
+}
+
+}  // namespace tool

@@ -1,0 +1,126 @@
+#include "settings.h"
+
+#include <cctype>
+#include <iterator>
+
+namespace tool {
+namespace {
+
+constexpr DWORD kLongestText = 65536, kLongestList = 16 << 20;
+
+std::string HexDigits(std::string_view bytes) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string text;
+    for (const char c : bytes) {
+        text += kDigits[static_cast<unsigned char>(c) >> 4];
+        text += kDigits[static_cast<unsigned char>(c) & 15];
+    }
+    return text;
+}
+
+std::uint64_t Number(std::string_view littleEndian) {
+    std::uint64_t number = 0;
+    for (std::size_t i = littleEndian.size(); i > 0; --i)
+        number = number << 8 | static_cast<unsigned char>(littleEndian[i - 1]);
+    return number;
+}
+
+Setting TextSetting(const std::string& text) { return {text, text}; }
+
+Setting SettingOf(const qel::RegistryValue& value) {
+    const std::string_view data = value.data;
+    if (value.type == REG_MULTI_SZ) {
+        std::string lines = Utf8(data.substr(0, data.find_last_not_of('\0') + 1));
+        std::ranges::replace(lines, '\0', ' ');
+        return TextSetting(lines);
+    }
+    if (qel::IsRegistryText(value.type)) return TextSetting(Utf8(data.substr(0, data.find('\0'))));
+    if ((value.type == REG_DWORD && data.size() == 4) || (value.type == REG_QWORD && data.size() == 8)) {
+        const std::int64_t number =
+            value.type == REG_DWORD ? static_cast<std::int32_t>(Number(data)) : static_cast<std::int64_t>(Number(data));
+        return {std::to_string(number), number};
+    }
+    return TextSetting(HexDigits(data));
+}
+
+// Names that a list of the profile functions holds, a zero behind each.
+std::vector<std::string> Names(const char* section, const CString& file) {
+    std::vector<std::string> names;
+    const std::string list = qel::ReadProfileString(section, nullptr, "", kLongestList, file);
+    for (std::size_t at = 0; at < list.size(); at = list.find('\0', at) + 1) names.emplace_back(list.c_str() + at);
+    return names;
+}
+
+// A missing value gives whatever default is asked for, so with two of them both.
+std::optional<Setting> ReadIniSetting(const CString& file, const CString& section, const CString& key) {
+    const auto read = [&](const char* missing) {
+        return qel::ReadProfileString(section, key, missing, kLongestText, file);
+    };
+    const std::string text = read("0");
+    if (text == "0" && read("1") == "1") return std::nullopt;
+    return TextSetting(Utf8(text));
+}
+
+std::vector<Section> ReadIniSections(const CString& file) {
+    std::vector<Section> sections;
+    for (const std::string& section : Names(nullptr, file)) {
+        sections.push_back({Utf8(section), {}});
+        for (const std::string& key : Names(section.c_str(), file)) {
+            if (const auto setting = ReadIniSetting(file, section.c_str(), key.c_str()))
+                sections.back().settings.emplace_back(Utf8(key), *setting);
+        }
+    }
+    return sections;
+}
+
+void AddRegistrySections(const Place& place, const CString& below, std::vector<Section>& sections) {
+    const CString path = below.IsEmpty() ? place.key : place.key + "\\" + below;
+    qel::RegistryContents contents;
+    const LONG code = qel::ListRegistryKey(place.root, path, contents);
+    if (code != qel::kRegistrySuccess)
+        throw Failure(Utf8(place.location.View()) + ": the key cannot be read (" + std::to_string(code) + ")");
+    if (!below.IsEmpty() || !contents.values.empty()) sections.push_back({Utf8(below.View()), {}});
+    for (const auto& [name, value] : contents.values)
+        sections.back().settings.emplace_back(Utf8(name), SettingOf(value));
+    for (const std::string& key : contents.keys)
+        AddRegistrySections(place, below.IsEmpty() ? CString(key.c_str()) : below + "\\" + key.c_str(), sections);
+}
+
+}  // namespace
+
+Place PlaceOf(const std::string& location) {
+    const CString text = Text(location);
+    for (const auto& [name, root] :
+         {std::pair("HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE), std::pair("HKEY_CURRENT_USER", HKEY_CURRENT_USER),
+          std::pair("HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT)}) {
+        const int length = static_cast<int>(std::string_view(name).size());
+        if (text.Left(length).CompareNoCase(name) != 0) continue;
+        if (text.GetLength() > length && text[length] != '\\') continue;
+        CString key = text.Mid(length + 1);
+        while (key.Right(1) == "\\") key = key.Left(key.GetLength() - 1);
+        return {text, root, key};
+    }
+    return {Path(location), nullptr, {}};
+}
+
+std::optional<Setting> ReadSetting(const Place& place, const std::string& section, const std::string& key) {
+    if (place.root == nullptr) return ReadIniSetting(place.location, Text(section), Text(key));
+    const CString path = section.empty() ? place.key : place.key + "\\" + Text(section);
+    qel::RegistryValue value;
+    if (qel::ReadRegistryValue(place.root, path, Text(key), value) != qel::kRegistrySuccess) return std::nullopt;
+    return SettingOf(value);
+}
+
+std::vector<Section> ReadSections(const Place& place) {
+    std::vector<Section> sections;
+    if (place.root != nullptr) {
+        AddRegistrySections(place, CString(), sections);
+    } else if (CQFile::IsExist(place.location) == 0) {
+        throw Failure(Utf8(place.location.View()) + ": there is no such file", kUnreadable);
+    } else {
+        sections = ReadIniSections(place.location);
+    }
+    return sections;
+}
+
+}  // namespace tool

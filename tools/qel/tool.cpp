@@ -1,0 +1,58 @@
+#include "tool.h"
+
+#include <cstdio>
+#include <filesystem>
+
+namespace tool {
+
+CString Text(const std::string& utf8) { return CString(std::string_view(qel::FromUtf8(utf8))); }
+
+std::string Utf8(std::string_view text) { return qel::ToUtf8(text); }
+
+std::string Shown(std::string text) {
+    for (char& c : text) {
+        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = '?';
+    }
+    return text;
+}
+
+Status StatusOf(const CFileException& error) noexcept {
+    return error.m_cause == CFileException::endOfFile ? kCut : kUnreadable;
+}
+
+Status StatusOf(const CArchiveException& error) noexcept {
+    return error.m_cause == CArchiveException::endOfFile ? kCut : kInconsistent;
+}
+
+CString LibraryPath(const std::string& posixPath) {
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(posixPath, error);
+    if (error) throw CFileException(CFileException::badPath);
+    const CString path = qel::ToLibraryPath(absolute.lexically_normal().native());
+    qel::ToPosixPath(path.View());
+    return path;
+}
+
+CString Path(const std::string& posixPath) {
+    return OnFile(posixPath, [&] { return LibraryPath(posixPath); });
+}
+
+void RequireNew(const std::string& target, bool mayReplace) {
+    if (!mayReplace && CQFile::IsExist(Path(target)) != 0)
+        throw Failure(Shown(target) + ": exists; --force replaces it");
+}
+
+Status Complain(const std::string& line, Status status) {
+    std::fprintf(stderr, "qel: %s\n", line.c_str());
+    return status;
+}
+
+void Print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+void Print(const Json& value) { Print(value.dump(2, ' ', false, Json::error_handler_t::replace) + '\n'); }
+
+CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& path, const std::string& meaning) {
+    return command.add_option(name, path, meaning)->required();
+}
+
+}  // namespace tool

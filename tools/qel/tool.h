@@ -1,0 +1,101 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include <qellib10/qellib10.h>
+
+// What the subcommands share. The command line and what the program writes are UTF-8, texts in the library's files are
+// in its code page.
+namespace tool {
+
+/// Exit statuses. Of several findings the one that is listed last counts.
+enum Status : int {
+    kGood = 0,
+    kFailed = 1,        // the system or the library refused
+    kUsage = 2,         // wrong arguments
+    kUnknown = 3,       // a file of no kind that is known
+    kRenamed = 4,       // a sealed file under another name than its own
+    kUnreadable = 5,    // a file that cannot be read
+    kChanged = 6,       // data that do not match their checksums
+    kCut = 7,           // a file that ends before its content does
+    kInconsistent = 8,  // counts, places or texts in it that contradict each other
+    kMalformed = 9,     // XML that is not well-formed, or refers to something outside of it
+    kBadHeader = 10,    // a cabinet whose versions cannot be found
+};
+
+/// Ends the program with one line and a status.
+class Failure : public std::runtime_error {
+public:
+    explicit Failure(const std::string& line, Status status = kFailed) : std::runtime_error(line), m_status(status) {}
+    Status ExitStatus() const noexcept { return m_status; }
+
+private:
+    Status m_status;
+};
+
+using Json = nlohmann::ordered_json;
+
+/// Text of the command line in the code page, and back.
+CString Text(const std::string& utf8);
+std::string Utf8(std::string_view text);
+
+/// Text for a terminal: control characters, which might move its cursor, as `?`.
+std::string Shown(std::string text);
+
+Status StatusOf(const CFileException& error) noexcept;
+Status StatusOf(const CArchiveException& error) noexcept;
+
+/// Runs @p step; what goes wrong with a file becomes a failure that says so.
+template <class Step> auto Guarded(Step&& step) {
+    try {
+        return step();
+    } catch (const CFileException& error) {
+        throw Failure(error.what(), StatusOf(error));
+    } catch (const CArchiveException& error) {
+        throw Failure(error.what(), StatusOf(error));
+    } catch (const qel::DataError& error) {
+        throw Failure(error.what(), kInconsistent);
+    }
+}
+
+/// The same; the failure names the file.
+template <class Step> auto OnFile(const std::string& file, Step&& step) {
+    try {
+        return Guarded(step);
+    } catch (const Failure& failure) {
+        throw Failure(Shown(file) + ": " + failure.what(), failure.ExitStatus());
+    }
+}
+
+/// A path of the command line as the library takes it. @throws CFileException above the library's 259 bytes
+CString LibraryPath(const std::string& posixPath);
+/// The same. @throws Failure
+CString Path(const std::string& posixPath);
+
+/// @throws Failure when @p target exists, unless it may be replaced
+void RequireNew(const std::string& target, bool mayReplace);
+
+/// Writes one line to the standard error output. @return @p status
+Status Complain(const std::string& line, Status status);
+
+/// Writes to the standard output.
+void Print(const std::string& text);
+void Print(const Json& value);
+
+/// A path of the command line that has to be given.
+CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& path, const std::string& meaning);
+
+// One a file. Each adds its subcommand, which sets @p status when it was called.
+void AddCalc(CLI::App& app, Status& status);
+void AddSeal(CLI::App& app, Status& status);
+void AddVerify(CLI::App& app, Status& status);
+void AddCabinet(CLI::App& app, Status& status);
+void AddXml(CLI::App& app, Status& status);
+void AddArchive(CLI::App& app, Status& status);
+void AddProfile(CLI::App& app, Status& status);
+
+}  // namespace tool

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+struct Tree {
+    std::vector<std::string> files;
+    std::vector<std::string> unreadableFolders;
+};
+
+/// All regular files in a folder and below it, by name; links are not followed.
+Tree FilesBelow(const std::string& folder);
+
+}  // namespace tool

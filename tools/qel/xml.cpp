@@ -1,0 +1,101 @@
+// qel xml: documents in plain and enciphered files.
+#include "tool.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+    std::string file, path, text, target;
+    bool asXml = false, count = false, force = false;
+};
+
+bool IsEnciphered(const std::string& path) {
+    const CString name = Path(path);
+    return OnFile(path, [&] {
+        CFile file(name, CFile::modeRead | CFile::shareDenyNone);
+        char first = 1;
+        return file.Read(&first, 1) == 1 && first == '\0';
+    });
+}
+
+void Load(CCryptXMLDocument& document, const std::string& path) {
+    IsEnciphered(path);  // says why it cannot be read
+    if (document.LoadXMLFile(Path(path), 1) == 0) throw Failure(Shown(path) + ": no well-formed document", kMalformed);
+}
+
+void Show(const Options& options) {
+    CCryptXMLDocument document;
+    Load(document, options.file);
+    Print(Utf8(document.GetXMLString().View()));
+}
+
+void Get(const Options& options) {
+    CCryptXMLDocument document;
+    Load(document, options.file);
+    const CString path = Text(options.path);
+    const long count = document.GetTagCount(path);
+    if (count < 0) throw Failure("\"" + Shown(options.path) + "\" is no path");
+    if (options.count) return Print(std::to_string(count) + '\n');
+    CString text;
+    if ((options.asXml ? document.GetNodeXml(path, text) : document.GetNodeText(path, text)) == 0)
+        throw Failure(Shown(options.file) + ": has no \"" + Shown(options.path) + "\"");
+    Print(Utf8(text.View()) + '\n');
+}
+
+// Under the document's lock, in the form in which the file is.
+void Set(const Options& options) {
+    CCryptXMLDocument document;
+    document.SetCryptMode(IsEnciphered(options.file) ? 1 : 0);
+    if (document.LockFile(Path(options.file), 1, 0) == 0)
+        throw Failure(Shown(options.file) + ": no well-formed document, or in use");
+    if (document.SetNodeText(Text(options.path), Text(options.text)) == 0) {
+        document.LockRollback();
+        throw Failure(Shown(options.file) + ": \"" + Shown(options.path) + "\" cannot be set");
+    }
+    if (document.LockCommit() == 0) throw Failure(Shown(options.file) + ": cannot be written");
+}
+
+void Convert(const Options& options, bool encipher) {
+    if (IsEnciphered(options.file) == encipher)
+        throw Failure(Shown(options.file) + (encipher ? ": is enciphered already" : ": is not enciphered"));
+    CCryptXMLDocument document;
+    Load(document, options.file);
+    RequireNew(options.target, options.force);
+    document.SetCryptMode(encipher ? 1 : 0);
+    if (document.SaveXMLFile(Path(options.target), 1) == 0)
+        throw Failure(Shown(options.target) + ": cannot be written, or the document is empty");
+}
+
+}  // namespace
+
+void AddXml(CLI::App& app, Status&) {
+    CLI::App* const command = app.add_subcommand("xml", "Show and change documents, plain or enciphered");
+    command->require_subcommand(1);
+    const auto options = std::make_shared<Options>();
+    const auto add = [&](const char* name, const char* meaning, void (*run)(const Options&)) {
+        CLI::App* const action = command->add_subcommand(name, meaning);
+        AddFile(*action, "FILE", options->file, "The document");
+        action->callback([options, run] { run(*options); });
+        return action;
+    };
+    const auto addPath = [&](CLI::App* action) {
+        action->add_option("PATH", options->path, "From the root element, such as Limits/Item[2] or Item/@unit")
+            ->required();
+    };
+    add("show", "Write the document", Show);
+    CLI::App* const get = add("get", "Write the text of a node", Get);
+    addPath(get);
+    get->add_flag("--xml", options->asXml, "Write the node itself");
+    get->add_flag("--count", options->count, "Write how many nodes the path has");
+    CLI::App* const set = add("set", "Change the text of a node, which is made when missing", Set);
+    addPath(set);
+    set->add_option("TEXT", options->text, "The new text")->required();
+    for (CLI::App* const action :
+         {add("decipher", "Write a plain copy", [](const Options& given) { Convert(given, false); }),
+          add("encipher", "Write an enciphered copy", [](const Options& given) { Convert(given, true); })}) {
+        AddFile(*action, "TARGET", options->target, "The file to write");
+        action->add_flag("--force", options->force, "Replace a file that exists");
+    }
+}
+
+}  // namespace tool
