@@ -1,7 +1,5 @@
 #include "qellib10/print/command.h"
 
-#include <algorithm>
-
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/wrapped.h"
@@ -50,9 +48,10 @@ int CQelPrintJobCommand::SetText(int x, int y, const char* fontName, int fontSiz
     m_nY1 = y;
     m_nX2 = width;
     m_nY2 = height;
-    m_font = {};
-    if (fontName != nullptr) qel::CopyBounded(m_font.lfFaceName, fontName, LF_FACESIZE - 1);
-    m_font.lfHeight = fontSize;
+    LOGFONT font = {};  // beside the old one, which the name may stand in
+    if (fontName != nullptr) qel::CopyBounded(font.lfFaceName, fontName, LF_FACESIZE - 1);
+    font.lfHeight = fontSize;
+    m_font = font;
     m_szText = text;
     m_color = static_cast<COLORREF>(color);
     m_nStyle = style;

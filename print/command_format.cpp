@@ -32,6 +32,7 @@ constexpr std::array<CommandField, 8> kPoints = {{{"x1", Get<&Command::GetX1>},
                                                   {"y4", Get<&Command::GetY4>}}};
 constexpr std::span<const CommandField> kTwoPoints = std::span(kPoints).first(4);
 
+// The most frequent ones first: curves are lines to points.
 constexpr std::array<CommandFormat, 10> kFormats = {{
     {Command::kLineTo, "lineto", kPoint, [](Command& c, const Numbers& n) { c.SetLineTo(n[0], n[1]); }},
     {Command::kMoveTo, "moveto", kPoint, [](Command& c, const Numbers& n) { c.SetMoveTo(n[0], n[1]); }},

@@ -89,11 +89,11 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
         }
         ++index;
         if (page >= 0 && page != current) continue;
-        const int saved = dc->SaveDC();
+        dc->SaveDC();
         const CPoint corner = CellPosition(cell);
         block.SetOffset(corner.x, corner.y);
         block.DrawCommand(dc);
-        dc->RestoreDC(saved);
+        dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has kept before
     }
     return 1;
 }
@@ -121,7 +121,7 @@ int CQelPrintJobDocumentData::GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* sty
     const auto inDots = [&](int margin) { return MarginInDots(margin, style->GetUnit(), dotsAnInch); };
     const auto top = inDots(style->GetTopMargin()), bottom = inDots(style->GetBottomMargin());
     const auto left = inDots(style->GetLeftMargin()), right = inDots(style->GetRightMargin());
-    if (!top) return 0;
+    if (!top) return 0;  // nor any other: the unit is unknown
     style->SetPrnTopMargin(qel::WrappedDifference(*top, dc->GetDeviceCaps(PHYSICALOFFSETY)));
     style->SetPrnLeftMargin(qel::WrappedDifference(*left, dc->GetDeviceCaps(PHYSICALOFFSETX)));
     style->SetPrnBottomMargin(LengthBetween(dc->GetDeviceCaps(PHYSICALHEIGHT), *bottom, *top));

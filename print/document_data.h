@@ -62,7 +62,7 @@ public:
 protected:
     /// Computes where the margins of @p style lie in the drawable area of @p dc, see GetPrnTopMargin. All of them count
     /// by the horizontal resolution.
-    /// @return 0 for a unit that is none of 1, 2 and 3
+    /// @return 0 for a unit that is none of 1, 2 and 3, and for a context without a resolution
     static int GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style);
 
 private:

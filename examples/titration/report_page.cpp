@@ -22,6 +22,7 @@ ReportPages::ReportPages(const CString& folder, DWORD first, DWORD last) {
         if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be read");
         if (m_document.CheckAndAddJobFile(job) == 0)
             throw Failure(path + ": is for another printer than the first one");
+        if (job.GetPageStyle().GetPageBlocks() < 1) throw Failure(path + ": has no place on a page");
     }
     // A job file has the form's code alone; the size of the paper comes with a context of the printer.
     const std::string name = PrinterName();
@@ -31,7 +32,7 @@ ReportPages::ReportPages(const CString& folder, DWORD first, DWORD last) {
 
 int ReportPages::Count() const {
     const int aPage = m_document.GetPageStyle().GetPageBlocks();
-    return (m_document.GetBlockCount() + aPage - 1) / aPage;
+    return (m_document.GetBlockCount() - 1) / aPage + 1;
 }
 
 int ReportPages::OnScreen(int caps, int resolution) const {

@@ -4,6 +4,7 @@
 #include "qellib10/platform/drawing/device_context.h"
 #include "qellib10/platform/drawing/text_font.h"
 #include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/wrapped.h"
 
 namespace qel {
 namespace {
@@ -27,16 +28,19 @@ TextFont::Break BreakOf(UINT format) {
     return (format & DT_EDITCONTROL) != 0 ? TextFont::Break::kWordOrCharacter : TextFont::Break::kWord;
 }
 
+// Where something as long as @p own begins in the middle of @p length.
+int Middled(int begin, int length, int own) { return WrappedSum(begin, WrappedDifference(length, own) / 2); }
+
 int LeftOf(const TextLine& line, const CRect& box, UINT format) {
-    if ((format & DT_RIGHT) != 0) return box.right - line.inkWidth;
-    if ((format & DT_CENTER) != 0) return box.left + (box.Width() - line.inkWidth) / 2;
+    if ((format & DT_RIGHT) != 0) return WrappedDifference(box.right, line.inkWidth);
+    if ((format & DT_CENTER) != 0) return Middled(box.left, box.Width(), line.inkWidth);
     return box.left;
 }
 
 int TopOf(const CRect& box, UINT format, int lineHeight) {
     if ((format & DT_SINGLELINE) == 0) return box.top;
-    if ((format & DT_BOTTOM) != 0) return box.bottom - lineHeight;
-    if ((format & DT_VCENTER) != 0) return box.top + (box.Height() - lineHeight) / 2;
+    if ((format & DT_BOTTOM) != 0) return WrappedDifference(box.bottom, lineHeight);
+    if ((format & DT_VCENTER) != 0) return Middled(box.top, box.Height(), lineHeight);
     return box.top;
 }
 

@@ -64,6 +64,7 @@ TEST(PrintCommand, ASetterLeavesTheOtherFields) {
     command.SetText(0, 0, "1234567890123456789012345678901234", 0, 0, "", 0, 0, 0);
     EXPECT_STREQ(command.GetFont().lfFaceName, "1234567890123456789012345678901");
     command.SetText(0, 0, "123456789012345678901234567890\x93\x48", 0, 0, "", 0, 0, 0);
+    command.SetText(0, 0, command.GetFont().lfFaceName, 0, 0, "", 0, 0, 0);
     EXPECT_STREQ(command.GetFont().lfFaceName, "123456789012345678901234567890") << "no half character";
     EXPECT_EQ(command.Initialize(), 1);
     EXPECT_EQ(Describe(command), "0:");
@@ -78,6 +79,7 @@ TEST(PrintCommand, DrawsItsKindShifted) {
              {[](auto& c) { return c.SetArc(0, 0, 8, 6, 0, 0, 0, 0); }, {10, 20, 18, 26}},
              {[](auto& c) { return c.SetRectangle(kSmallest, kSmallest, -4, -14); }, {0, 0, 6, 6}},
              {[](auto& c) { return c.SetRectangle(-4, -14, kLargest, kLargest); }, {0, 0, 6, 6}},  // the sum wraps
+             {[](auto& c) { return c.SetText(kSmallest, 0, "", 90, 0, "A", 0x14, -10, kSmallest); }, {}},
              {[](auto& c) { return c.SetMoveTo(1, 1); }, {}},
              {[](auto& c) { return c.SetCircle(9, 9, 5); }, {}},
              {[](auto& c) { return c.SetUnit(2); }, {}}}) {

@@ -3,14 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
-#include <cstdio>
-#include <functional>
 
 #include "qellib10/platform/drawing/file_dc.h"
+#include "qellib10/platform/drawing/preview_dc.h"
 
 #include "../support/canvas.h"
 #include "../support/cases.h"
 #include "../support/environment_scope.h"
+#include "../support/output_of.h"
 #include "../support/temp_folder.h"
 
 namespace {
@@ -60,13 +60,6 @@ struct Document : CQelPrintJobDocumentData {
         return found;
     }
 };
-
-std::string OutputOf(const std::string& command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
-    std::string output;
-    for (int c; (c = std::fgetc(pipe.get())) != EOF;) output += static_cast<char>(c);
-    return output;
-}
 
 }  // namespace
 
@@ -151,22 +144,19 @@ TEST(PrintDocument, ALoopOverPagesGetsItsPageOrFalse) {
     info.m_nCurPage = 2;
     EXPECT_EQ(document.OnPrint(&canvas.dc, &info), 1);
     EXPECT_EQ(canvas.At(4, 2), COLORREF{7});
-    const Cases<std::function<void()>, CPrintInfo*> failures = {{[] {}, nullptr},
-                                                                {[&] {
-                                                                     document.GetPageStyle().SetPrintBlock({2, 0});
-                                                                 },
-                                                                 &info},
-                                                                {[&] {
-                                                                     document.GetPageStyle().SetPrintBlock({-2, -3});
-                                                                 },
-                                                                 &info},
-                                                                {[&] {
-                                                                     document.GetPageStyle().SetPrintBlock({2, 3});
-                                                                     document.GetPageStyle().SetUnit(0);
-                                                                 },
-                                                                 &info}};
-    for (const auto& [change, given] : failures) {
-        change();
+
+    Canvas printer(60, 40), screen(60, 40);
+    CPreviewDC preview;
+    preview.SetOutputDC(screen.dc);
+    preview.SetAttribDC(printer.dc);
+    printer.dc.SaveDC();
+    EXPECT_EQ(document.PrintOutMain(&preview, 2, 1), 1);
+    EXPECT_EQ(screen.At(4, 2), COLORREF{7});
+    EXPECT_EQ(printer.dc.SaveDC(), 2) << "what the printer's context keeps is its owner's";
+    for (const auto& [grid, unit, given] : Cases<CSize, int, CPrintInfo*>{
+             {{2, 3}, 3, nullptr}, {{2, 0}, 3, &info}, {{-2, -3}, 3, &info}, {{2, 3}, 0, &info}}) {
+        document.GetPageStyle().SetPrintBlock(grid);
+        document.GetPageStyle().SetUnit(unit);
         try {
             document.OnPrint(&canvas.dc, given);
             ADD_FAILURE() << "no failure";

@@ -195,6 +195,8 @@ TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
     EXPECT_EQ(ReadText(Path("results/curve.png")).substr(16, 8), std::string("\0\0\x09\xC8\0\0\x05\x71", 8))
         << "600 dpi";
     EXPECT_TRUE(ReadText(Path("results/page-2.png")).starts_with("\x89PNG"));
+    m_folder.Write("results/report-4.job", Replaced(ReadText(Path("results/report-4.job")), " y=\"3\"", " y=\"0\""));
+    EXPECT_NE(Run("--print 1 --out results").err.find("report-4.job: has no place on a page"), std::string::npos);
 }
 
 TEST_F(Titration, PrintsOnTheNamedPrinter) {
