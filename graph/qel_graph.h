@@ -200,6 +200,7 @@ protected:
     // attached; without a surface they do nothing.
     void DCMoveTo(CDC* dc, int x, int y);
     void DCLineTo(CDC* dc, int x, int y);
+    void DCPolylineTo(CDC* dc, const POINT* points, int count);  ///< records a line to each point
     void DCRectangle(CDC* dc, int left, int top, int right, int bottom);
     void DCArc(CDC* dc, int left, int top, int right, int bottom, int startX, int startY, int endX, int endY);
     /// @param size tenths of a point; 0: the surface's default size

@@ -32,6 +32,14 @@ void CQelGraph::DCLineTo(CDC* dc, int x, int y) {
     Record([&](CQelPrintJobCommand& command) { command.SetLineTo(x, y); });
 }
 
+void CQelGraph::DCPolylineTo(CDC* dc, const POINT* points, int count) {
+    if (dc == nullptr) return;
+    dc->PolylineTo(points, count);
+    for (int i = 0; m_pPrintJob != nullptr && i < count; ++i) {
+        Record([&](CQelPrintJobCommand& command) { command.SetLineTo(points[i].x, points[i].y); });
+    }
+}
+
 void CQelGraph::DCRectangle(CDC* dc, int left, int top, int right, int bottom) {
     if (dc == nullptr) return;
     dc->Rectangle(left, top, right, bottom);

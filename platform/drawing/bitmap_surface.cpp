@@ -122,6 +122,14 @@ void BitmapSurface::LineTo(const POINT& to) {
     m_at = to;
 }
 
+void BitmapSurface::LinesTo(std::span<const POINT> points) {
+    if (m_line != Line::kThin || points.empty()) return Surface::LinesTo(points);
+    PolylineWriter writer = m_writer;  // where no pixel that is written can be part of it
+    for (const POINT& to : points) writer.LineTo(to);
+    m_writer = writer;
+    m_at = points.back();
+}
+
 void BitmapSurface::DashedLine(const POINT& from, const POINT& to) {
     const std::uint32_t color = PixelOf(m_ink.penColor), gap = PixelOf(m_ink.backColor);
     LineSteps(from, to, ClipBox()).ForEach([&](int x, int y, std::int64_t step) {

@@ -24,6 +24,7 @@ public:
     void SetInk(const Ink& ink) override;
     void MoveTo(const POINT& to) override;
     void LineTo(const POINT& to) override;
+    void LinesTo(std::span<const POINT> points) override;
     void Rectangle(const CRect& box) override;
     void Arc(const CRect& box, const POINT& start, const POINT& end) override;
     void FillRect(const CRect& box, const LOGBRUSH& brush) override;

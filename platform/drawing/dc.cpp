@@ -282,8 +282,14 @@ BOOL CDC::Polyline(const POINT* points, int count) {
     if (!m_pOutput || points == nullptr || count < 2) return 0;
     const POINT before = m_pOutput->State().position;
     m_pOutput->MoveTo(points[0]);
-    for (int i = 1; i < count; ++i) m_pOutput->LineTo(points[i]);
+    m_pOutput->LinesTo({points + 1, static_cast<std::size_t>(count) - 1});
     m_pOutput->MoveTo(before);
+    return 1;
+}
+
+BOOL CDC::PolylineTo(const POINT* points, int count) {
+    if (!m_pOutput || points == nullptr || count < 1) return 0;
+    m_pOutput->LinesTo({points, static_cast<std::size_t>(count)});
     return 1;
 }
 

@@ -93,6 +93,7 @@ public:
     BOOL LineTo(int x, int y);
     BOOL LineTo(const POINT& to) { return LineTo(to.x, to.y); }
     BOOL Polyline(const POINT* points, int count);
+    BOOL PolylineTo(const POINT* points, int count);  ///< as LineTo for each point
     /// Outline by the pen, inside by the brush; right and bottom edge do not belong to it.
     BOOL Rectangle(int left, int top, int right, int bottom);
     BOOL Rectangle(const RECT& box) { return Rectangle(box.left, box.top, box.right, box.bottom); }

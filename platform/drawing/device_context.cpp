@@ -1,6 +1,7 @@
 #include "qellib10/platform/drawing/device_context.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <limits>
 #include <utility>
@@ -89,6 +90,21 @@ bool DeviceContext::Restore(int saved) {
 void DeviceContext::MoveTo(const POINT& to) {
     m_state.position = to;
     m_isPenDown = false;
+}
+
+void DeviceContext::LinesTo(std::span<const POINT> points) {
+    if (points.empty()) return;
+    if (m_isInkStale) UseInk();
+    if (!m_isPenDown) PutPenDown();
+    m_state.position = points.back();
+    std::array<POINT, 256> device;
+    while (!points.empty()) {
+        const std::size_t count = std::min(points.size(), device.size());
+        std::ranges::transform(points.first(count), device.begin(),
+                               [this](POINT point) { return m_state.mapping.ToDevice(point); });
+        m_pSurface->LinesTo({device.data(), count});
+        points = points.subspan(count);
+    }
 }
 
 void DeviceContext::Rectangle(const CRect& box) {

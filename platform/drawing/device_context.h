@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "qellib10/platform/drawing/drawing_object.h"
@@ -66,6 +67,7 @@ public:
         m_state.position = to;
         m_pSurface->LineTo(m_state.mapping.ToDevice(to));
     }
+    void LinesTo(std::span<const POINT> points);
     void Rectangle(const CRect& box);
     void Arc(const CRect& box, const POINT& start, const POINT& end);
     void FillRect(const CRect& box, const LOGBRUSH& brush);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qellib10/platform/drawing/raster.h"
+#include "qellib10/platform/drawing/steep_line.h"
 
 namespace qel {
 
@@ -52,7 +53,7 @@ private:
         m_isEntered = false;
     }
     void DrawRun(bool isEnd) {
-        if (m_isEntered) DrawThinLine(m_raster, m_from, m_entry, m_value);
+        if (m_isEntered) DrawEntry();
         if (m_low == m_high) return;
         if (m_at.x < m_raster.left || m_at.x >= m_raster.right) return;
         // The last point's row is left out when nothing but the last line reached it.
@@ -61,6 +62,14 @@ private:
         const std::int64_t first = std::max<std::int64_t>(m_raster.top, std::int64_t{m_low} + isLowOut);
         const std::int64_t last = std::min<std::int64_t>(m_raster.bottom - 1, std::int64_t{m_high} - isHighOut);
         for (std::int64_t y = first; y <= last; ++y) *m_raster.At(m_at.x, static_cast<int>(y)) = m_value;
+    }
+
+    void DrawEntry() {
+        if (IsSteep(m_from, m_entry) && m_raster.Contains(m_from) && m_raster.Contains(m_entry)) {
+            DrawSteepLine(m_raster, m_from, m_entry, m_value);
+        } else {
+            DrawThinLine(m_raster, m_from, m_entry, m_value);
+        }
     }
 
     BasicRaster<Pixel> m_raster;

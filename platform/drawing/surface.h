@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "qellib10/platform/drawing/ink.h"
 #include "qellib10/platform/text/string.h"
@@ -27,6 +28,10 @@ public:
     virtual void MoveTo(const POINT& to) = 0;
     /// The polyline goes on from where it ended; its last point is left out.
     virtual void LineTo(const POINT& to) = 0;
+    /// From one to the next; as good as LineTo for each.
+    virtual void LinesTo(std::span<const POINT> points) {
+        for (const POINT& to : points) LineTo(to);
+    }
     /// Outline by the pen, inside by the brush.
     virtual void Rectangle(const CRect& box) = 0;
     /// The ellipse inscribed in the box, without a fill; from the ray centre-start counter-clockwise to the ray
