@@ -74,11 +74,9 @@ std::string UnitText(const std::string& unit) {
     return std::string(text);
 }
 
-}  // namespace
-
-Result Calculate(const Settings& settings, double endPointVolume) {
+Result Compute(const Settings& settings, const CCalcVariableList& variables) {
     CQWCalc calculator;
-    calculator.SetCalcVarList(Variables(settings, endPointVolume));
+    calculator.SetCalcVarList(variables);
     RequireValid(settings, calculator);
 
     double value = 0;
@@ -86,6 +84,7 @@ Result Calculate(const Settings& settings, double endPointVolume) {
     if (!(std::abs(value) < kLargestResult)) throw Failure("the result is too large to be written");
 
     Result result;
+    result.computed = value;
     result.value = CQVariant::fround(value, settings.digits, 0);
     result.variables = calculator.GetCalcVarList();
     result.used = UsedNames(result.variables);
@@ -94,6 +93,20 @@ Result Calculate(const Settings& settings, double endPointVolume) {
     result.unit = UnitText(settings.unit);
     Add(result.variables, settings.name, result.value);
     return result;
+}
+
+}  // namespace
+
+std::string Shown(const Result& result) { return result.name + " = " + result.text + " " + result.unit; }
+
+Result Calculate(const Settings& settings, double endPointVolume) {
+    return Compute(settings, Variables(settings, endPointVolume));
+}
+
+Result Recalculate(const Settings& settings, CCalcVariableList variables) {
+    variables.DeleteVariableAtName(Text(settings.name));
+    variables.ClearViewFlag();
+    return Compute(settings, variables);
 }
 
 }  // namespace titration

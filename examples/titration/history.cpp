@@ -1,33 +1,24 @@
 #include "history.h"
 
 #include "file_step.h"
+#include "number.h"
+#include "renewals.h"
 
 namespace titration {
 namespace {
 
 constexpr const char* kCabinet = "results.hcf";
 constexpr const char* kRecords = "renewals.qel";
-
-// @return false at a record that is not whole
-bool ReadRecord(CQFile& file, CHistoryRenewInfo& record) {
-    try {
-        CArchive archive(&file, CArchive::load);
-        record.Serialize(archive);
-        archive.Close();
-        return true;
-    } catch (const CArchiveException&) {
-        return false;
-    }
-}
+constexpr DWORD kMostListed = 10;
 
 }  // namespace
 
-// The records are opened for this program alone, so nobody else comes near the cabinet either.
+// Nobody else has the records open for writing meanwhile, and so comes near the cabinet.
 History::History(const CString& folder)
     : m_cabinetPath(CQFile::BuildFilePath(folder, kCabinet)), m_recordPath(CQFile::BuildFilePath(folder, kRecords)) {
     OnFile(kRecords, [&] {
         Open(m_recordFile, m_recordPath,
-             CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite | CFile::shareExclusive);
+             CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite | CFile::shareDenyWrite);
         OpenCabinet();
         ReadRecords();
     });
@@ -43,12 +34,8 @@ void History::OpenCabinet() {
 
 // A program that ended between registering a version and adding its record has left none for it, or a part of one.
 void History::ReadRecords() {
-    ULONGLONG end = 0;
-    CHistoryRenewInfo record;
-    while (end < m_recordFile.GetLength() && ReadRecord(m_recordFile, record)) {
-        m_records.push_back(record);
-        end = m_recordFile.GetPosition();
-    }
+    m_records = ReadRenewals(m_recordFile);
+    const ULONGLONG end = m_recordFile.GetPosition();
     const bool isCut = end < m_recordFile.GetLength();
     if (m_records.size() + isCut > Latest() || (isCut && m_records.size() + 1 != Latest()))
         throw Failure(std::string(kRecords) + ": is damaged, or not of this cabinet");
@@ -90,14 +77,14 @@ const CHistoryRenewInfo& History::TakeOut(DWORD version, const std::string& path
     return m_records[version - 1];
 }
 
-std::string Described(const CHistoryRenewInfo& record) {
-    if (record.GetOperator().IsEmpty()) return "by an operator who is not known";
-    const COleDateTime& time = record.GetRenewDateTime();
-    CString text;
-    text.Format("%04d-%02d-%02d %02d:%02d:%02d by %s: %s", time.GetYear(), time.GetMonth(), time.GetDay(),
-                time.GetHour(), time.GetMinute(), time.GetSecond(), static_cast<const char*>(record.GetOperator()),
-                static_cast<const char*>(record.GetComment()));
-    return std::string(text);
+std::string History::Listed(const std::string& indent) const {
+    const DWORD first = Latest() > kMostListed ? Latest() - kMostListed + 1 : 1;
+    std::string text = std::string(m_cabinet.GetGUID().GetString()) + ", " + Counted(Latest(), "version") + "\n";
+    if (first > 1) text += indent + "... the latest of them:\n";
+    for (DWORD version = first; version <= Latest(); ++version) {
+        text += indent + std::to_string(version) + "  " + Described(m_records[version - 1]) + "\n";
+    }
+    return text;
 }
 
 }  // namespace titration

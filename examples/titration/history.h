@@ -8,7 +8,7 @@
 namespace titration {
 
 /// All results: the cabinet "results.hcf" keeps each as a version, "renewals.qel" who registered it, when and why, one
-/// record a version. One program at a time has them open.
+/// record a version. One program at a time has them open; others may read.
 class History {
 public:
     /// Opens what is in @p folder; missing files are made.
@@ -23,6 +23,8 @@ public:
     /// Writes version @p version to @p path.
     /// @throws Failure when there is no such version, or it is damaged
     const CHistoryRenewInfo& TakeOut(DWORD version, const std::string& path);
+    /// The cabinet's GUID, and its latest versions with their records, one a line.
+    std::string Listed(const std::string& indent) const;
 
 private:
     void OpenCabinet();
@@ -34,8 +36,5 @@ private:
     CHistoryCabinetFile m_cabinet;
     std::vector<CHistoryRenewInfo> m_records;  // of version 1, 2, ...
 };
-
-/// When, by whom and why.
-std::string Described(const CHistoryRenewInfo& record);
 
 }  // namespace titration

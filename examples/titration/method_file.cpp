@@ -53,6 +53,14 @@ MethodFile::MethodFile(const std::string& path) : m_name(CQFile::GetFilenameFrom
     About(m_name, [&] { m_kept = ReadMethod(m_document); });
 }
 
+Method MethodFile::Read(const std::string& path) {
+    constexpr int kNoWait = 1;
+    CCryptXMLDocument document;
+    const std::string name(CQFile::GetFilenameFromPath(path.c_str()));
+    if (document.LoadXMLFile(path.c_str(), kNoWait) == 0) throw Failure(name + ": is missing, or no document");
+    return About(name, [&] { return ReadMethod(document); });
+}
+
 void MethodFile::Keep(const Method& method) {
     About(m_name, [&] { WriteMethod(method, m_document); });
     if (m_document.LockCommit() == 0) throw Failure(m_name + ": cannot be written");

@@ -20,6 +20,9 @@ public:
     /// A missing file is made, without a method.
     /// @throws Failure when the system refuses, and when the file holds something else
     explicit MethodFile(const std::string& path);
+    /// The method in a file, which is neither made nor locked.
+    /// @throws Failure
+    static Method Read(const std::string& path);
 
     /// Without items when there is none yet.
     const Method& Kept() const { return m_kept; }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <string>
 
 #include "text_file.h"
 
@@ -30,6 +29,10 @@ std::optional<int> ParseWholeNumber(std::string_view text) {
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (error != std::errc() || stop != end || value < 0) return std::nullopt;
     return value;
+}
+
+std::string Counted(long long count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 }  // namespace titration

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: titration {--data FILE [--settings FILE] [--comment TEXT] [--printer NAME] | --take-out VERSION | "
-    "--print COUNT} --out FOLDER [--user NAME] [--password TEXT]";
+    "--print COUNT | --list | --verify} --out FOLDER [--user NAME] [--password TEXT]";
 
 struct NumberTexts {
     std::string takeOut, print;
@@ -29,8 +29,12 @@ std::string* Place(Options& options, NumberTexts& numbers, const std::string& na
                                   : nullptr;
 }
 
+bool* Flag(Options& options, const std::string& name) {
+    return name == "--list" ? &options.list : name == "--verify" ? &options.verify : nullptr;
+}
+
 // 0 for an option that is not given.
-int Counted(const std::string& text, const char* what) {
+int CountOf(const std::string& text, const char* what) {
     const int number = text.empty() ? 0 : ParseWholeNumber(text).value_or(0);
     if (number == 0 && !text.empty()) throw Failure("\"" + text + "\" is no " + what + ": they count from 1");
     return number;
@@ -42,16 +46,22 @@ Options ParseOptions(int argc, char** argv) {
     Options options;
     NumberTexts numbers;
     std::set<std::string> given;
-    for (int i = 1; i < argc; i += 2) {
-        std::string* const place = Place(options, numbers, argv[i]);
-        if (place == nullptr || i + 1 == argc || !given.insert(argv[i]).second) throw Failure(kUsage);
-        *place = argv[i + 1];
+    for (int i = 1; i < argc; ++i) {
+        const std::string name = argv[i];
+        if (!given.insert(name).second) throw Failure(kUsage);
+        if (bool* const flag = Flag(options, name)) {
+            *flag = true;
+            continue;
+        }
+        std::string* const place = Place(options, numbers, name);
+        if (place == nullptr || ++i == argc) throw Failure(kUsage);
+        *place = argv[i];
     }
-    options.takeOut = Counted(numbers.takeOut, "version");
-    options.print = Counted(numbers.print, "number of reports");
+    options.takeOut = CountOf(numbers.takeOut, "version");
+    options.print = CountOf(numbers.print, "number of reports");
     const bool isResult = !options.data.empty();
     const bool hasMore = !options.settings.empty() || !options.comment.empty() || given.contains("--printer");
-    const int actions = isResult + (options.takeOut != 0) + (options.print != 0);
+    const int actions = isResult + (options.takeOut != 0) + (options.print != 0) + options.list + options.verify;
     if (options.out.empty() || actions != 1 || (hasMore && !isResult)) throw Failure(kUsage);
     return options;
 }

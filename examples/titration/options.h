@@ -10,20 +10,24 @@ namespace titration {
 ///     titration --data FILE --out FOLDER [--settings FILE] [--comment TEXT] [--printer NAME]
 ///     titration --take-out N --out FOLDER
 ///     titration --print COUNT --out FOLDER
+///     titration --list --out FOLDER
+///     titration --verify --out FOLDER
 ///
 /// The first computes a result and registers it as a new version, the second takes version N out again, the third
-/// prints the reports on the latest versions, three to a page. Without settings the method of the result before is used
+/// prints the reports on the latest versions, three to a page. The last two need nobody who is logged on: they list
+/// the files that were made, and check each of them again. Without settings the method of the result before is used
 /// again. A report is laid out for the paper and the resolution of a printer, so that is named with the data: one that
 /// CUPS knows, or "PDF", which writes files into the output folder (or into $QELLIB10_PDF_DIR).
 ///
-/// Each takes --user NAME and --password TEXT. They are those of the demo, unless given; a real application asks for
-/// them in a dialog, where no list of running programs shows them.
+/// The others take --user NAME and --password TEXT. They are those of the demo, unless given; a real application asks
+/// for them in a dialog, where no list of running programs shows them.
 struct Options {
     std::string data, settings, out;
     std::string comment, printer = "PDF";
     std::string user = "demo", password = "titration";
     int takeOut = 0;  // the version, 0: none
     int print = 0;    // how many reports
+    bool list = false, verify = false;
 };
 
 /// @throws Failure

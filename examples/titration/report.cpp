@@ -9,10 +9,23 @@ namespace {
 
 std::string Fixed(double value, int digits) { return std::string(CQVariant::DoubleToStr(value, digits, 0)); }
 
-std::string Joined(const std::vector<std::string>& names) {
-    std::string joined;
-    for (const std::string& name : names) joined += (joined.empty() ? "" : ", ") + name;
-    return joined.empty() ? "no variable" : joined;
+// All values but the result's own, which comes last.
+std::string MarkedValues(const Result& result) {
+    std::string text;
+    CCalcVariable variable;
+    for (int i = 0; i + 1 < result.variables.GetVariableCount(); ++i) {
+        result.variables.GetVariableData(i, &variable);
+        CString line;
+        line.Format("%s%c %s = %.10g\n", kIndent, variable.m_nUse != 0 ? '*' : ' ',
+                    static_cast<const char*>(variable.m_szName), variable.m_dValue);
+        text += std::string(line);
+    }
+    return text;
+}
+
+std::string RoundUpText(const CCalcVariableList& variables) {
+    if (variables.GetRoundUpFlag() == 0) return "round-up setting off";
+    return "round-up setting " + Counted(variables.GetRoundUpDigit(), "decimal place") + " for every value";
 }
 
 }  // namespace
@@ -29,23 +42,35 @@ std::string LimitText(const Settings& settings, double value) {
     return from + to + ": " + (isBelow ? "too low" : isAbove ? "too high" : "kept");
 }
 
-std::string Report(const Determination& determination) {
+std::string ReadingText(const Determination& determination) {
     const auto& [settingsFile, settings, dataFile, curve, endPoint, result] = determination;
-    std::string text = "Settings   " + settingsFile + ", " + std::to_string(settings.variables.size()) + " variables\n";
+    std::string text = "Settings   " + settingsFile + ", " +
+                       Counted(static_cast<long long>(settings.variables.size()), "variable") + "\n";
     text += "Curve      " + dataFile + ", lines " + std::to_string(curve.firstLine) + " to " +
             std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
     if (curve.linesWithoutPoint > 0) {
-        text += "           " + std::to_string(curve.linesWithoutPoint) + " lines lack a reading\n";
+        text += kIndent + std::to_string(curve.linesWithoutPoint) + " lines lack a reading\n";
     }
     text += "End point  " + ColumnText(settings.volumeColumn) + " = " + Fixed(endPoint.volume, 4) + " at " +
             ColumnText(settings.signalColumn) + " = " + Fixed(endPoint.signal, 2) + ", slope " +
             Fixed(endPoint.slope, 2) + ", through " + std::to_string(endPoint.points) + " points, noise " +
             Fixed(endPoint.noise, 3) + "\n";
-    text += "Formula    " + settings.formula + "\n";
-    text += "           uses " + Joined(result.used) + "\n";
-    text += "Result     " + result.name + " = " + result.text + " " + result.unit + "\n";
+    return text;
+}
+
+std::string ResultText(const Settings& settings, const Result& result) {
+    std::string text = "Formula    " + settings.formula + "\n" + kIndent + "is valid and uses what is marked; " +
+                       RoundUpText(result.variables) + "\n" + MarkedValues(result);
+    CString computed;
+    computed.Format("Computed   %.12g, rounded to %s\n", result.computed,
+                    Counted(settings.digits, "decimal place").c_str());
+    text += std::string(computed) + "Result     " + Shown(result) + "\n";
     const std::string limits = LimitText(settings, result.value);
     return limits.empty() ? text : text + "Limits     " + limits + "\n";
+}
+
+std::string Report(const Determination& determination) {
+    return ReadingText(determination) + ResultText(determination.settings, determination.result);
 }
 
 }  // namespace titration

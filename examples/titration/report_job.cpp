@@ -158,6 +158,10 @@ void AddCurve(CQelPrintJobQueueData& job, const Determination& determination, CR
 
 }  // namespace
 
+std::string Headline(const Result& result) {
+    return "Titration: " + result.name + " " + result.text + " " + result.unit;
+}
+
 CQelPrintJobQueueData MakeReportJob(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
                                     ReportPrinter& printer, const std::string& picture) {
     CQelPrintJobQueueData job;
@@ -166,7 +170,7 @@ CQelPrintJobQueueData MakeReportJob(const Determination& determination, DWORD ve
     const int width = style.GetPaperSize().cx - style.GetLeftMargin() - style.GetRightMargin();
     Layout layout(job, printer.Context(), width);
     const Result& result = determination.result;
-    layout.Headline("Titration: " + result.name + " " + result.text + " " + result.unit,
+    layout.Headline(titration::Headline(result),
                     "version " + std::to_string(version) + ", " + Date(record.GetRenewDateTime()));
     AddTable(layout, determination);
     layout.Signature(std::string(record.GetOperator()), std::string(record.GetComment()));

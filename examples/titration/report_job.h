@@ -9,6 +9,9 @@
 
 namespace titration {
 
+/// "Titration: ACIDITY 49.6 g/L"
+std::string Headline(const Result& result);
+
 /// Lays a report out as a print job, one cell of the printer's paper: headline, curve, table, operator and a line to
 /// sign on. The curve alone is also saved as a picture, from the same drawing.
 /// @param version of the result, with the @p record of its registration

@@ -11,13 +11,11 @@ constexpr int kPreviewDotsAnInch = kScreenDotsAnInch * kScaleNumerator / kScaleD
 
 }  // namespace
 
-std::string ReportJobPath(const CString& folder, DWORD version) {
-    return std::string(CQFile::BuildFilePath(folder, ("report-" + std::to_string(version) + ".job").c_str()));
-}
+std::string ReportJobName(DWORD version) { return "report-" + std::to_string(version) + ".job"; }
 
-ReportPages::ReportPages(const CString& folder, DWORD first, DWORD last) {
+ReportPages::ReportPages(const MadeFiles& made, DWORD first, DWORD last) {
     for (DWORD version = first; version <= last; ++version) {
-        const std::string path = ReportJobPath(folder, version);
+        const std::string path = made.Path(ReportJobName(version));
         CQelPrintJobQueueData job;
         if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be read");
         if (m_document.CheckAndAddJobFile(job) == 0)

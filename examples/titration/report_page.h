@@ -4,16 +4,18 @@
 
 #include <qellib10/qellib10.h>
 
+#include "made_files.h"
+
 namespace titration {
 
 /// The job file of the report on a version.
-std::string ReportJobPath(const CString& folder, DWORD version);
+std::string ReportJobName(DWORD version);
 
 /// The reports on versions @p first to @p last, three to a page, on the printer that they were laid out for.
 class ReportPages {
 public:
     /// @throws Failure when a job file cannot be read, when one is for another printer, and when that is not there
-    ReportPages(const CString& folder, DWORD first, DWORD last);
+    ReportPages(const MadeFiles& made, DWORD first, DWORD last);
 
     int Count() const;
     std::string PrinterName() const { return std::string(m_document.GetPageStyle().GetPrinterDevice()); }

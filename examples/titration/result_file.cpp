@@ -6,6 +6,7 @@ namespace titration {
 namespace {
 
 constexpr DWORD kToTheEnd = 0xFFFFFFFF;
+constexpr int kCheckBlock = 12;  // CRC, sum and a length end a sealed file
 
 void Serialize(CCalcVariableList& list, CQFile& file, UINT archiveMode) {
     CArchive archive(&file, archiveMode);
@@ -56,8 +57,20 @@ CCalcVariableList LoadRenamedVariables(const std::string& path) {
     return Load(path, seal);
 }
 
-void RequireChangeToBeFound(const std::string& path, ULONGLONG position) {
-    OnFile(path, [&] {
+CheckSums SealedSums(const std::string& path) {
+    return OnFile(path, [&] {
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
+        file.Seek(-kCheckBlock, CFile::end);
+        CQBinary block;
+        block.SetSize(kCheckBlock);
+        file.Read(static_cast<unsigned char*>(block), kCheckBlock);
+        return CheckSums{static_cast<DWORD>(block.GetInt(0)), static_cast<DWORD>(block.GetInt(4))};
+    });
+}
+
+CheckSums RequireChangeToBeFound(const std::string& path, ULONGLONG position) {
+    return OnFile(path, [&] {
         CQFile copy;
         if (copy.CreateTempFile("ttr", 1) == 0) throw Failure(path + ": cannot be copied");
         copy.WriteFromFile(path.c_str(), 0, kToTheEnd);
@@ -70,8 +83,10 @@ void RequireChangeToBeFound(const std::string& path, ULONGLONG position) {
         copy.Seek(static_cast<LONGLONG>(position), CFile::begin);
         copy.Write(&byte, 1);
         const bool fitsAfter = CCheckDatafile::IsPackData(&copy) != 0;
+        const CheckSums changed = CheckSumsOf(copy, static_cast<DWORD>(copy.GetLength()) - kCheckBlock);
         copy.Close();
         if (!fitsBefore || fitsAfter) throw Failure(path + ": the seal of a copy does not show its change");
+        return changed;
     });
 }
 

@@ -4,6 +4,8 @@
 
 #include <qellib10/qellib10.h>
 
+#include "check_sums.h"
+
 namespace titration {
 
 /// Writes @p list to @p path as an archive and seals the file. In place of a sealed file that is there it keeps that
@@ -17,8 +19,12 @@ CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& 
 CCalcVariableList LoadVariables(const std::string& path);
 CCalcVariableList LoadRenamedVariables(const std::string& path);
 
+/// Those that the seal of a file holds, for all that is before them.
+/// @throws Failure when the file cannot be read
+CheckSums SealedSums(const std::string& path);
 /// Changes one bit of byte @p position in a copy of a sealed file, in the folder for temporary files.
 /// @throws Failure unless the seal fits before and does not afterwards
-void RequireChangeToBeFound(const std::string& path, ULONGLONG position);
+/// @return what the seal would have to hold for the copy
+CheckSums RequireChangeToBeFound(const std::string& path, ULONGLONG position);
 
 }  // namespace titration

@@ -21,8 +21,12 @@ std::string ReadWhole(const std::string& path) {
 
 }  // namespace
 
+std::string ReadBytes(const std::string& path) {
+    return OnFile(path, [&] { return ReadWhole(path); });
+}
+
 std::string ReadTextFile(const std::string& path) {
-    std::string text = OnFile(path, [&] { return ReadWhole(path); });
+    std::string text = ReadBytes(path);
     if (text.find('\0') != std::string::npos) throw Failure(path + ": no text in single bytes or UTF-8");
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     return text;

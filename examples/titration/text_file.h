@@ -10,6 +10,10 @@ namespace titration {
 /// @throws Failure when it cannot be read, is larger than 64 MiB, or holds zero bytes (UTF-16 text, or no text)
 std::string ReadTextFile(const std::string& path);
 
+/// The whole of a file.
+/// @throws Failure when it cannot be read, and when it is larger than 64 MiB
+std::string ReadBytes(const std::string& path);
+
 /// Writes @p text in place of a file that is there.
 /// @throws Failure when the system refuses
 void WriteTextFile(const std::string& text, const std::string& path);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -125,14 +126,15 @@ TEST_F(Titration, ComputesTheVinegar) {
     const std::string arguments = kVinegar;
     const Outcome run = Run(arguments);
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(run.out.find("uses C_NaOH, F, BLANK, SAMPLE, M, EP\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("* M = 60.05\n             DENSITY = 1.006\n           * EP = 16.519\n"), std::string::npos)
+        << run.out;
     const std::string report = ReadText(Path("results/report.txt"));
     EXPECT_TRUE(report.ends_with("Result     ACIDITY = 49.6 g/L\nLimits     from 45.0 to 55.0: kept\n")) << report;
     EXPECT_NE(run.out.find(report), std::string::npos) << run.out;
     EXPECT_TRUE(ReadText(Path("results/result.csv")).ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));
     EXPECT_TRUE(ReadText(Path("results/variables.qel")).starts_with("\6QWCalc\0041.01"));
     EXPECT_NE(run.out.find("so the change is found\n"), std::string::npos) << run.out;
-    EXPECT_NE(Run(arguments).out.find("sealed as version 2 of {"), std::string::npos);
+    EXPECT_NE(Run(arguments).out.find(", as version 2 of {"), std::string::npos);
     EXPECT_TRUE(ReadText(Path("results/titration.log")).ends_with("],registered variables.qel as version 2\r\n"));
 }
 
@@ -182,7 +184,8 @@ TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
 TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
     for (int i = 0; i < 4; ++i) EXPECT_EQ(Run(kVinegar).status, 0);
     const Outcome run = Run("--print 4 --out results");
-    EXPECT_NE(run.out.find("Preview    page-2.png\nPrinted    4 reports on printer PDF\n"), std::string::npos)
+    EXPECT_NE(run.out.find("Preview    page-2.png\nPrinted    4 reports on printer PDF into Titration reports.pdf\n"),
+              std::string::npos)
         << run.err;
     const std::string cell = "pdftotext -l 1 -x 0 -W 595 -H 257 -y ",
                       pdf = " '" + Path("results/Titration reports.pdf'");
@@ -197,6 +200,55 @@ TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
     EXPECT_TRUE(ReadText(Path("results/page-2.png")).starts_with("\x89PNG"));
     m_folder.Write("results/report-4.job", Replaced(ReadText(Path("results/report-4.job")), " y=\"3\"", " y=\"0\""));
     EXPECT_NE(Run("--print 1 --out results").err.find("report-4.job: has no place on a page"), std::string::npos);
+}
+
+// Each damage is found, and named with its file.
+TEST_F(Titration, VerifiesAllFilesAgain) {
+    EXPECT_EQ(Run(kVinegar).status, 0);
+    EXPECT_EQ(Run(kVinegar).status, 0);
+    EXPECT_EQ(Run("--take-out 1 --out results").status, 0);
+    EXPECT_EQ(Run("--print 2 --out results").status, 0);
+    const Outcome good = Run("--verify --out results");
+    EXPECT_TRUE(good.out.ends_with("\n15 checks, all right\n")) << good.out;
+    EXPECT_EQ(good.status, 0);
+
+    const auto flip = [](std::size_t at) { return [at](std::string& bytes) { bytes.at(at) ^= 1; }; };
+    const auto flipIn = [](const char* text) {
+        return [text](std::string& bytes) { bytes.at(bytes.find(text)) ^= 1; };
+    };
+    const auto cut = [](std::size_t left) { return [left](std::string& bytes) { bytes.resize(left); }; };
+    using Damage = std::function<void(std::string&)>;
+    for (const auto& [name, damage, finding] : Cases<const char*, Damage, const char*>{
+             {"method.xml", flip(20), "FAILED: method.xml: is missing, or no document"},
+             {"variables.qel", flip(40), "FAILED: variables.qel: the seal does not fit"},
+             {"result.csv", flipIn("49.6"), "FAILED: result.csv: is not the table of that result"},
+             {"report.txt", flipIn("49.6 g"), "FAILED: report.txt: has no line \"Result     ACIDITY = 49.6 g/L\""},
+             {"report.txt", flipIn("37 points"), "FAILED: report.txt: has "},
+             {"results.hcf", flip(30), "FAILED: results.hcf: is missing or in use, or its header is damaged"},
+             {"results.hcf", flip(100), "FAILED: version 1 in results.hcf: its data do not fit its header"},
+             {"renewals.qel", flip(130), "FAILED: renewals.qel: has "},
+             {"version-1.qel", flip(100), "FAILED: version 1 in results.hcf: differs from version-1.qel"},
+             {"report-1.job", flipIn("</commands>"), "FAILED: report-1.job: is missing, or no job file"},
+             {"report-1.job", flipIn("width=\"4"), "FAILED: report-1.job: "},
+             {"report-2.job", flipIn("49.6"), "FAILED: report-2.job: shows \"Titration: ACIDITY 59.6 g/L\""},
+             {"curve.png", cut(1000), "FAILED: curve.png: is cut"},
+             {"page-1.png", flip(1000), "FAILED: page-1.png: has "},
+             {"Titration reports.pdf", cut(5000), "FAILED: Titration reports.pdf: is cut"},
+             {"Titration reports.pdf", nullptr, "FAILED: Titration reports.pdf: "},
+             {"titration.log", cut(200), "FAILED: titration.log: its last line is cut"},
+             {"titration.log", [](std::string& log) { log.resize(log.rfind('[', log.rfind("registered"))); },
+              "FAILED: titration.log: tells of 1 version, and there are 2"},
+             {"titration.log", flipIn("2"), "is earlier than the one before"}}) {
+        const std::string file = std::string("results/") + name, before = m_folder.Read(file);
+        std::string bytes = before;
+        if (damage) damage(bytes);
+        damage ? m_folder.Write(file, bytes) : static_cast<void>(std::filesystem::remove(m_folder.Posix(file)));
+        const Outcome run = Run("--verify --out results");
+        EXPECT_NE(run.out.find(finding), std::string::npos) << finding << "\n" << run.out;
+        EXPECT_EQ(run.status, 1);
+        m_folder.Write(file, before);
+    }
+    EXPECT_EQ(Run("--verify --out results").out, good.out) << "it changes nothing";
 }
 
 TEST_F(Titration, PrintsOnTheNamedPrinter) {

@@ -1,0 +1,129 @@
+#include "determine.h"
+
+#include <utility>
+
+#include "calculation.h"
+#include "check_sums.h"
+#include "csv_table.h"
+#include "determination.h"
+#include "end_point.h"
+#include "failure.h"
+#include "method_file.h"
+#include "method_ini.h"
+#include "report.h"
+#include "report_job.h"
+#include "report_page.h"
+#include "report_printer.h"
+#include "result_file.h"
+#include "result_table.h"
+#include "run_log.h"
+#include "settings.h"
+#include "text_file.h"
+
+namespace titration {
+namespace {
+
+Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName) {
+    Determination result;
+    result.settingsFile = methodName;
+    result.dataFile = dataName;
+    result.settings = About(methodName, [&] { return ParseSettings(method); });
+    Log(stage::kCurve + dataName);
+    const std::string data = ReadTextFile(dataName);
+    result.curve =
+        About(dataName, [&] { return ReadCurve(data, result.settings.volumeColumn, result.settings.signalColumn); });
+    result.endPoint = About(dataName, [&] { return FindEndPoint(result.curve); });
+    result.result = About(methodName, [&] { return Calculate(result.settings, result.endPoint.volume); });
+    Log(stage::kResult + Shown(result.result));
+    return result;
+}
+
+// Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
+// method from then on.
+std::pair<Determination, std::string> TitrateByMethod(const Options& options, Session& session, MadeFiles& made) {
+    MethodFile file(made.Path("method.xml"));
+    const bool isKept = options.settings.empty();
+    if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
+    const std::string name = isKept ? "method.xml" : options.settings;
+    Log(stage::kMethod + name);
+    const Method method = isKept ? file.Kept() : About(name, [&] { return ReadMethodIni(name); });
+    const CQDiffList changes = Differences(file.Kept(), method);
+    if (changes.GetCount() > 0 && !session.May(kChangeMethod))
+        throw Failure(session.Operator() + " may not change the method");
+
+    const Determination result = Titrate(name, method, options.data);
+    if (changes.GetCount() == 0) return {result, "Method     method.xml, as it was\n"};
+    const std::string count = std::to_string(changes.GetCount());
+    const std::string what =
+        file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
+    file.Keep(method);
+    Log("method.xml kept");
+    made.Add("method.xml");
+    return {result, "Method     method.xml, enciphered: " + what};
+}
+
+std::string WriteTexts(const Determination& determination, MadeFiles& made) {
+    WriteTextFile(Report(determination), made.Path("report.txt"));
+    made.Add("report.txt");
+    const int lines = WriteResultTable(determination.result, made.Path("result.csv"));
+    made.Add("result.csv");
+    return "Written    report.txt, and result.csv with " + std::to_string(lines) + " lines\n";
+}
+
+std::string Seal(const CCalcVariableList& variables, MadeFiles& made) {
+    const std::string path = made.Path("variables.qel");
+    const CCheckDatafile seal = StoreVariables(variables, path);
+    made.Add("variables.qel");
+    if (LoadVariables(path) != variables) throw Failure(path + ": differs from what was written");
+    constexpr int kChangedByte = 20;
+    const CheckSums changed = RequireChangeToBeFound(path, kChangedByte);
+
+    CString text;
+    text.Format(
+        "Sealed     variables.qel, %d variables, as version %d of %s\n"
+        "           %s; read back, equal\n"
+        "           a copy with a bit of byte %d changed: %s, so the change is found\n",
+        variables.GetVariableCount(), seal.GetVersion(), std::string(seal.GetGUID().GetString()).c_str(),
+        Shown(SealedSums(path)).c_str(), kChangedByte, Shown(changed).c_str());
+    return std::string(text);
+}
+
+const CHistoryRenewInfo& Register(const Options& options, Session& session, History& history, MadeFiles& made) {
+    const std::string comment = options.comment.empty()
+                                    ? "from " + std::string(CQFile::GetFilenameFromPath(options.data.c_str()))
+                                    : options.comment;
+    const CHistoryRenewInfo& record = history.Register(made.Path("variables.qel"), session.Operator(), comment);
+    Log(stage::kRegistered + std::to_string(history.Latest()));
+    made.Add("renewals.qel");
+    return record;
+}
+
+// The report of the latest version as a print job, and the curve in it as a picture.
+std::string KeepReport(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+                       ReportPrinter& printer, MadeFiles& made) {
+    CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, made.Path("curve.png"));
+    made.Add("curve.png");
+    const std::string name = ReportJobName(version);
+    if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": cannot be written");
+    made.Add(name);
+    return "Drawn      curve.png, in one drawing with the report's curve\n"
+           "Job        " +
+           name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
+           std::to_string(printer.Style().GetDpi()) + " dots an inch, " +
+           std::to_string(job.GetBlock().GetCommandCount()) + " commands\n";
+}
+
+}  // namespace
+
+std::string Determine(const Options& options, Session& session, History& history, MadeFiles& made) {
+    ReportPrinter printer(options.printer);
+    const auto [determination, method] = TitrateByMethod(options, session, made);
+    std::string text = method + Report(determination);
+    text += WriteTexts(determination, made);
+    text += Seal(determination.result.variables, made);
+    const CHistoryRenewInfo& record = Register(options, session, history, made);
+    text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
+    return text + KeepReport(determination, history.Latest(), record, printer, made);
+}
+
+}  // namespace titration
