@@ -1,7 +1,6 @@
 // qel calc: checks a formula and computes it over named values.
 #include <charconv>
 #include <cmath>
-#include <optional>
 
 #include "tool.h"
 #include "variables.h"
@@ -18,32 +17,24 @@ struct Options {
     bool onlyCheck = false, json = false;
 };
 
-double Number(const std::string& text) {
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end || !std::isfinite(value))
-        throw CLI::ValidationError("\"" + text + "\" is no number");
-    return value;
-}
-
 // Formulas tell names apart without regard to letter case, so a value replaces one of the archive in any spelling.
 void Assign(CCalcVariableList& list, const std::string& assignment) {
     const std::size_t equals = assignment.find('=');
     const CString name = Text(assignment.substr(0, equals));
     if (equals == std::string::npos || name.IsEmpty() || name.FindOneOf(" \t()*+-/") >= 0)
         throw CLI::ValidationError("\"" + assignment + "\" is not NAME=VALUE");
-    const double value = Number(assignment.substr(equals + 1));
+    const std::optional<double> value = ParseNumber(std::string_view(assignment).substr(equals + 1));
+    if (!value) throw CLI::ValidationError("\"" + assignment + "\" has no number");
     CCalcVariable variable;
     for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
         if (variable.m_szName.CompareNoCase(name) != 0) continue;
-        variable.m_dValue = value;
+        variable.m_dValue = *value;
         list.SetVariableData(i, variable);
         return;
     }
     variable.InitParameter();
     variable.m_szName = name;
-    variable.m_dValue = value;
+    variable.m_dValue = *value;
     list.AddVariableData(variable);
 }
 

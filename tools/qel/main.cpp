@@ -19,8 +19,8 @@ void AddAll(CLI::App& app, Status& status) {
            "Code page of texts in files (else $QELLIB10_CODEPAGE, else 932)")
         ->check(CLI::IsMember({qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}))
         ->type_name("");
-    for (const auto& add : {tool::AddCalc, tool::AddSeal, tool::AddVerify, tool::AddCabinet, tool::AddXml,
-                            tool::AddArchive, tool::AddProfile})
+    for (const auto& add : {tool::AddCalc, tool::AddSeal, tool::AddVerify, tool::AddCabinet, tool::AddXml, tool::AddJob,
+                            tool::AddArchive, tool::AddProfile, tool::AddPlot})
         add(app, status);
 }
 

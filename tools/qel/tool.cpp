@@ -1,5 +1,7 @@
 #include "tool.h"
 
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 
@@ -8,6 +10,20 @@ namespace tool {
 CString Text(const std::string& utf8) { return CString(std::string_view(qel::FromUtf8(utf8))); }
 
 std::string Utf8(std::string_view text) { return qel::ToUtf8(text); }
+
+std::optional<double> ParseNumber(std::string_view text) {
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && stop == end && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+std::optional<std::pair<double, double>> ParsePair(std::string_view text, char between) {
+    const std::size_t at = text.find(between);
+    if (at == std::string_view::npos) return std::nullopt;
+    const auto first = ParseNumber(text.substr(0, at)), second = ParseNumber(text.substr(at + 1));
+    return first && second ? std::optional(std::pair(*first, *second)) : std::nullopt;
+}
 
 std::string Shown(std::string text) {
     for (char& c : text) {

@@ -2,9 +2,11 @@
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <qellib10/qellib10.h>
 
@@ -42,6 +44,11 @@ using Json = nlohmann::ordered_json;
 /// Text of the command line in the code page, and back.
 CString Text(const std::string& utf8);
 std::string Utf8(std::string_view text);
+
+/// A decimal number that is all of @p text, with a point and finite; nothing else.
+std::optional<double> ParseNumber(std::string_view text);
+/// Two such numbers with @p between once between them.
+std::optional<std::pair<double, double>> ParsePair(std::string_view text, char between);
 
 /// Text for a terminal: control characters, which might move its cursor, as `?`.
 std::string Shown(std::string text);
@@ -97,5 +104,7 @@ void AddCabinet(CLI::App& app, Status& status);
 void AddXml(CLI::App& app, Status& status);
 void AddArchive(CLI::App& app, Status& status);
 void AddProfile(CLI::App& app, Status& status);
+void AddJob(CLI::App& app, Status& status);
+void AddPlot(CLI::App& app, Status& status);
 
 }  // namespace tool

@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "../support/cases.h"
+#include "../support/environment_scope.h"
+#include "qel_folder.h"
+#include "qellib10/print/queue_data.h"
+
+// Pictures that the tool makes of print jobs and tables.
+
+namespace {
+
+// Width and height stand in the first chunk, highest byte first.
+std::pair<int, int> PngSize(const std::string& png) {
+    const auto number = [&](std::size_t at) {
+        int value = 0;
+        for (const char c : png.substr(at, 4)) value = value * 256 + static_cast<unsigned char>(c);
+        return value;
+    };
+    return {number(16), number(20)};
+}
+
+// Two cells a page, at 600 dots an inch on A4.
+CQelPrintJobQueueData Job(const char* text) {
+    CQelPrintJobQueueData job;
+    CQelPrintJobPageStyle& style = job.GetPageStyle();
+    style.SetStyleName("Report");
+    style.SetDpi(600);
+    style.SetPrintBlock({1, 2});
+    style.SetPrinterDevice("PDF");
+    job.SetDefaultFont("Arial", 120, 0);
+    job.AddMillimetreCommandText({100, 100, 1000, 200}, text, 1);
+    return job;
+}
+
+}  // namespace
+
+TEST(QelJob, DrawsAndPrintsPages) {
+    const QelFolder folder;
+    const EnvironmentScope pdfs("QELLIB10_PDF_DIR", folder.Posix().c_str());
+    for (const char* name : {"one", "two", "three"}) Job(name).SaveJobFile(folder.Path(name));
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"render one two three -o page.png --resolution 100", "0 page-1.png\npage-2.png\n"},
+             {"render one two three -o page.pdf", "0 page.pdf\n"},
+             {"render one two three -o page.pdf", "1 qel: page.pdf: exists; --force replaces it\n"},
+             {"render one two three -o last.svg --page 2", "0 last.svg\n"},
+             {"render one -o last.svg --page 2 --force", "1 qel: there are 1 pages\n"},
+             {"render one -o one.gif", "2 qel: \"one.gif\" ends with neither .png, .svg nor .pdf; see qel --help\n"},
+             {"render none -o none.png", "5 qel: none: file not found\n"},
+             {"print one two", "0 "},
+             {"print one --printer none", "1 qel: the printer \"none\" is not there\n"},
+             {"show three --json | tr -d ' \\n' | grep -o '\"dpi.*'",
+              "0 \"dpi\":600,\"across\":1,\"down\":2,\"commands\":{\"text\":1}}]\n"},
+         })
+        EXPECT_EQ(folder.Qel("job " + std::string(arguments)), answer) << arguments;
+    EXPECT_EQ(PngSize(folder.Read("page-2.png")), std::pair(827, 1169));
+    EXPECT_NE(folder.Read("page-1.png"), folder.Read("page-2.png"));
+    const std::string place = "cd " + folder.Posix().native() + " && ";
+    EXPECT_EQ(AnswerOf(place + "pdftotext page.pdf - | tr -s '\\n\\f' ' '"), "0 one two three ");
+    EXPECT_EQ(AnswerOf(place + "pdfinfo page.pdf | grep -o 'Pages.*\\|A4'"), "0 Pages:           2\nA4\n");
+    EXPECT_EQ(AnswerOf(place + "pdftotext Report.pdf - | tr -s '\\n\\f' ' '"), "0 one two ");
+    EXPECT_NE(folder.Read("last.svg").find(">three<"), std::string::npos);
+}
+
+TEST(QelJob, SaysWhatAJobLacks) {
+    const QelFolder folder;
+    const auto save = [&](const char* name, const auto& change) {
+        CQelPrintJobQueueData job = Job(name);
+        change(job.GetPageStyle());
+        job.SaveJobFile(folder.Path(name));
+    };
+    save("a4", [](CQelPrintJobPageStyle&) {});
+    save("form", [](CQelPrintJobPageStyle& style) { style.SetPaperForm(65536 + 9); });
+    save("dpi", [](CQelPrintJobPageStyle& style) { style.SetDpi(0); });
+    save("coarse", [](CQelPrintJobPageStyle& style) { style.SetDpi(50); });
+    save("cells", [](CQelPrintJobPageStyle& style) { style.SetPrintBlock({0, 1}); });
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"render form -o a.png", "1 qel: the size of the job's paper is not known; --paper tells it\n"},
+             {"render form -o a.png --paper 100x50", "0 a.png\n"},
+             {"render a4 -o b.png --paper 100x5",
+              "2 qel: \"100x5\" is no size in millimetres such as 210x297; see qel --help\n"},
+             {"render dpi -o b.png", "1 qel: the job does not say its resolution; --dpi tells it\n"},
+             {"render dpi -o b.png --dpi 300", "0 b.png\n"},
+             {"render cells -o c.png", "1 qel: the page style has no cells\n"},
+             {"render a4 dpi -o c.png", "1 qel: dpi: has another page style than the first job\n"},
+             {"print coarse", "1 qel: the printer \"PDF\" has 600 dots an inch, the job is for 50\n"},
+         })
+        EXPECT_EQ(folder.Qel("job " + std::string(arguments)), answer) << arguments;
+    EXPECT_EQ(PngSize(folder.Read("a.png")), std::pair(591, 295));
+    EXPECT_FALSE(folder.Has("c.png"));
+}
+
+TEST(QelPlot, ReadsTablesAsTheyAreWritten) {
+    const QelFolder folder;
+    const auto drawn = [&](const std::string& table, const std::string& arguments) {
+        folder.Write("t.csv", table);
+        return folder.Qel("plot t.csv -o p.pdf --force --json " + arguments + " | tr -d ' \\n'");
+    };
+    const auto expected = [](int points, const char* names, const char* ranges) {
+        return "0 {\"file\":\"p.pdf\",\"points\":" + std::to_string(points) + "," + names + "," + ranges + "}";
+    };
+    const char* const kBare = "\"x\":\"\",\"y\":[\"\"]";
+    const char* const kNamed = "\"x\":\"mL\",\"y\":[\"pH\",\"mV\"]";
+    for (const auto& [table, arguments, points, names, ranges] :
+         Cases<const char*, const char*, int, const char*, const char*>{
+             {"1,2\n3,7\n", "", 2, kBare, "\"xRange\":[1.0,3.0],\"yRange\":[2.0,7.0]"},
+             {"Sample; A\nt,mL,pH,\"mV\"\n0,1,2,3\n1,2,,40\n\nnote,9,9,9", "-x mL -y pH -y mV", 2, kNamed,
+              "\"xRange\":[1.0,2.0],\"yRange\":[0.0,40.0]"},
+             {"\xEF\xBB\xBF"
+              "mL;pH;mV\r\n1,5;+2,5;\"-1,5\"\r\n",
+              "-y pH -y 3", 1, kNamed, "\"xRange\":[0.6,2.4],\"yRange\":[-1.5,2.5]"},
+             {"1\t0\n2\t0\n", "--y-range 14:0 --bars --marks", 2, kBare, "\"xRange\":[1.0,2.0],\"yRange\":[14.0,0.0]"},
+             {"-1e308,1e-320\n1e308,2e-320\n", "", 2, kBare, "\"xRange\":[-1e+308,1e+308],\"yRange\":[-1.0,1.0]"},
+         })
+        EXPECT_EQ(drawn(table, arguments), expected(points, names, ranges)) << table;
+    for (const auto& [table, arguments, answer] : Cases<const char*, const char*, const char*>{
+             {"mL,pH\n1,2\n", "-x mL -y mV", "1 qel: t.csv: no line has all of these columns\n"},
+             {"mL,pH\n1,2\n", "-y 3", "1 qel: t.csv: column \"3\" has no numbers\n"},
+             {"", "", "1 qel: t.csv: column \"1\" has no numbers\n"},
+             {"1,2\n", "--x-range 1:1", "2 qel: \"1:1\" is no range such as 0:14; see qel --help\n"},
+         }) {
+        folder.Write("t.csv", table);
+        EXPECT_EQ(folder.Qel("plot t.csv -o p.png " + std::string(arguments)), answer);
+    }
+    folder.Write("t.csv", "mL,pH\n0,3\n25,12\n");
+    const std::string drawing = folder.Qel("plot t.csv -x mL -y pH -o p.pdf --force && pdftotext p.pdf -");
+    for (const char* text : {"pH", "mL", "3\n", "12\n", "0\n", "25\n"})
+        EXPECT_NE(drawing.find(text), std::string::npos) << drawing;
+}

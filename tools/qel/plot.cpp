@@ -1,0 +1,178 @@
+// qel plot: a table of numbers as curves.
+#include <cmath>
+
+#include "axis_scale.h"
+#include "csv_columns.h"
+#include "picture.h"
+
+namespace tool {
+namespace {
+
+constexpr int kLineView = 1, kBarView = 2;               // how a series is drawn
+constexpr int kNowhere = 0, kBelow = 2, kAtTheLeft = 3;  // where an axis has its texts
+constexpr int kFixedTexts = 2;                           // instead of values
+constexpr int kFontTenths = 90;
+constexpr double kMillimetresAnInch = 25.4;
+constexpr COLORREF kGrey = RGB(205, 205, 205);
+constexpr COLORREF kColors[] = {RGB(0, 60, 160), RGB(200, 90, 0),  RGB(0, 120, 60),
+                                RGB(170, 0, 60), RGB(90, 60, 160), RGB(70, 70, 70)};
+constexpr std::size_t kMostSeries = 512;
+
+struct Options {
+    std::string file, x = "1";
+    std::vector<std::string> y = {"2"};
+    std::string xRange, yRange, size = "160x100";
+    bool bars = false, marks = false, json = false;
+    PictureOptions picture;
+};
+
+std::string ReadText(const std::string& path) {
+    constexpr ULONGLONG kLargest = 64 << 20;
+    const CString name = Path(path);
+    return OnFile(path, [&] {
+        CFile file(name, CFile::modeRead | CFile::shareDenyWrite);
+        if (file.GetLength() > kLargest) throw Failure("larger than 64 MiB");
+        std::string text(static_cast<std::size_t>(file.GetLength()), '\0');
+        text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
+        return text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+    });
+}
+
+AxisScale ScaleFor(const std::string& range, const std::vector<double>& values) {
+    if (range.empty()) return ScaleOver(values);
+    const auto ends = ParsePair(range, ':');
+    if (!ends || ends->first == ends->second) throw CLI::ValidationError("\"" + range + "\" is no range such as 0:14");
+    return ScaleBetween(ends->first, ends->second);
+}
+
+CAxisStyle StyleOf(const AxisScale& scale, const CString& name, int view, COLORREF color) {
+    CAxisStyle style;
+    style.SetViewMode(view);
+    style.SetMinRange(scale.minimum);
+    style.SetMaxRange(scale.maximum);
+    style.SetDigit(scale.digits);
+    style.SetDecimal(scale.decimals);
+    style.SetStrPosition(view == kBelow ? 1 : 0);
+    style.SetDimStr(name);
+    style.SetLabelColor(color);
+    style.SetDimColor(color);
+    LOGFONT font = {};
+    font.lfHeight = kFontTenths;
+    std::snprintf(font.lfFaceName, sizeof font.lfFaceName, "Arial");
+    style.SetLabelFont(font);
+    style.SetDimFont(font);
+    return style;
+}
+
+struct Curves {
+    CsvColumns columns;  // x first
+    AxisScale x, y;
+
+    std::size_t Series() const { return columns.values.size() - 1; }
+};
+
+Curves ReadCurves(const Options& options) {
+    std::vector<std::string> columns = {options.x};
+    columns.insert(columns.end(), options.y.begin(), options.y.end());
+    if (columns.size() > kMostSeries + 1) throw CLI::ValidationError("there are more than 512 columns");
+    Curves curves;
+    curves.columns = OnFile(options.file, [&] { return ReadCsvColumns(ReadText(options.file), columns); });
+    curves.x = ScaleFor(options.xRange, curves.columns.values[0]);
+    std::vector<double> all;
+    for (std::size_t i = 1; i < columns.size(); ++i)
+        all.insert(all.end(), curves.columns.values[i].begin(), curves.columns.values[i].end());
+    curves.y = ScaleFor(options.yRange, all);
+    return curves;
+}
+
+// All series have the same axes; the first one has their values, each has its name in its own colour.
+CQelGraph GraphOf(const Curves& curves, const Options& options) {
+    CQelGraph graph;
+    const int dots = options.picture.resolution;
+    graph.SetDivX(curves.x.steps);
+    graph.SetDivY(curves.y.steps);
+    graph.SetAxisStyle({kGrey, PS_SOLID, 1});
+    for (std::size_t i = 0; i < curves.Series(); ++i) {
+        const int series = static_cast<int>(i);
+        const COLORREF color = kColors[i % std::size(kColors)];
+        const auto& [names, values] = curves.columns;
+        CAxisStyle y = StyleOf(curves.y, Text(names[i + 1]), kAtTheLeft, color);
+        if (i > 0) y.SetLabelType(kFixedTexts);
+        graph.SetXRangeStyle(series, StyleOf(curves.x, Text(names[0]), i == 0 ? kBelow : kNowhere, RGB(0, 0, 0)));
+        graph.SetYRangeStyle(series, y);
+        graph.SetGraphViewMode(series, options.bars ? kBarView : kLineView);
+        graph.SetGraphPlotflg(series, options.marks ? 1 : 0);
+        graph.SetLineGraphStyle(series, {color, PS_SOLID, std::max(1, dots / 100)});
+        CBarGraphStyle bar = graph.GetBarGraphStyle(series);
+        bar.SetLineColor(color);
+        bar.SetBarBrush({BS_SOLID, color, 0});
+        graph.SetBarGraphStyle(series, bar);
+        for (std::size_t point = 0; point < values[0].size(); ++point)
+            graph.AddData(series, values[0][point], values[i + 1][point]);
+    }
+    return graph;
+}
+
+void Report(const Curves& curves, const Options& options) {
+    const std::size_t points = curves.columns.values[0].size();
+    if (!options.json) {
+        return Print(Shown(options.picture.target) + ": " + std::to_string(points) + " points, " +
+                     std::to_string(curves.Series()) + (curves.Series() == 1 ? " curve\n" : " curves\n"));
+    }
+    const auto range = [](const AxisScale& scale) { return Json::array({scale.minimum, scale.maximum}); };
+    const std::vector<std::string>& names = curves.columns.names;
+    Print(Json{{"file", options.picture.target},
+               {"points", points},
+               {"x", names[0]},
+               {"y", std::vector(names.begin() + 1, names.end())},
+               {"xRange", range(curves.x)},
+               {"yRange", range(curves.y)}});
+}
+
+void Plot(const Options& options) {
+    PictureKindOf(options.picture.target);
+    const CSize size = ParseSheet(options.size);
+    const Curves curves = ReadCurves(options);
+    CQelGraph graph = GraphOf(curves, options);
+    const int dots = options.picture.resolution;
+    Drawing drawing;
+    drawing.title = options.file;
+    drawing.page.sheet = size;
+    drawing.page.dotsAnInch = {dots, dots};
+    drawing.draw = [&](CDC& dc, int) {
+        const CSize all = drawing.page.SheetDots();
+        const int margin = static_cast<int>(3 * dots / kMillimetresAnInch);
+        graph.SetLeftMargin(margin);
+        graph.SetTopMargin(margin);
+        graph.SetRightMargin(margin);
+        graph.SetBottomMargin(margin);
+        graph.SetDrawSize(all.cx, all.cy);
+        graph.GraphDraw(&dc, 0, 0);
+        return true;
+    };
+    WritePictures(options.picture.target, drawing, dots, options.picture.force);
+    Report(curves, options);
+}
+
+}  // namespace
+
+void AddPlot(CLI::App& app, Status&) {
+    CLI::App* const command = app.add_subcommand("plot", "Draw columns of comma-separated text as curves");
+    const auto options = std::make_shared<Options>();
+    AddFile(*command, "FILE", options->file, "The table, in UTF-8");
+    command->add_option("-x", options->x, "Column across, by its name or its number (1)")->type_name("COLUMN");
+    command->add_option("-y", options->y, "Columns upward, may be given several times (2)")
+        ->type_name("COLUMN")
+        ->allow_extra_args(false);
+    command->add_option("--x-range", options->xRange, "Ends of the axis, else round numbers around the values")
+        ->type_name("FROM:TO");
+    command->add_option("--y-range", options->yRange, "The same")->type_name("FROM:TO");
+    command->add_option("--size", options->size, "Millimetres (160x100)")->type_name("WIDTHxHEIGHT");
+    command->add_flag("--bars", options->bars, "Bars in place of lines");
+    command->add_flag("--marks", options->marks, "A circle at each point");
+    options->picture.AddTo(*command, "Dots an inch (150)");
+    command->add_flag("--json", options->json, "Tell what was drawn as JSON");
+    command->callback([options] { Plot(*options); });
+}
+
+}  // namespace tool
