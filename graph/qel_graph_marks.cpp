@@ -7,7 +7,7 @@
 
 #include "qellib10/graph/pen_in_area.h"
 #include "qellib10/graph/trail.h"
-#include "qellib10/platform/drawing/bitmap_surface.h"
+#include "qellib10/platform/drawing/screen.h"
 #include "qellib10/print/queue_data.h"
 
 namespace {
@@ -26,7 +26,7 @@ CRect CQelGraph::MarkBox(const POINT& center, int halfSize) const {
 int CQelGraph::HalfSizeOnSurface(int size) const {
     LONGLONG halfSize = size;
     if (m_pPrintJob != nullptr && IsOfData()) {
-        const int unitsAnInch = m_nCoordinateMode == 0 ? qel::BitmapSurface::kScreenDotsAnInch : kMetricUnitsAnInch;
+        const int unitsAnInch = m_nCoordinateMode == 0 ? qel::kScreenDotsAnInch : kMetricUnitsAnInch;
         halfSize = halfSize * m_pPrintJob->GetPageStyle().GetDpi() / unitsAnInch;
     }
     return static_cast<int>(std::clamp<LONGLONG>(halfSize, -qel::kFarthest, qel::kFarthest));

@@ -10,6 +10,7 @@
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/dash_pattern.h"
 #include "qellib10/platform/drawing/hatch.h"
+#include "qellib10/platform/drawing/screen.h"
 #include "qellib10/platform/drawing/text_font.h"
 
 namespace qel {
@@ -17,10 +18,6 @@ namespace {
 
 constexpr std::uint32_t PixelOf(COLORREF color) noexcept {
     return std::uint32_t{GetRValue(color)} << 16 | std::uint32_t{GetGValue(color)} << 8 | GetBValue(color);
-}
-
-constexpr int Millimetres(int dots, int dotsAnInch) noexcept {
-    return dotsAnInch > 0 ? dots * 254 / (dotsAnInch * 10) : 0;
 }
 
 }  // namespace
@@ -33,28 +30,7 @@ BitmapSurface::BitmapSurface(const SIZE& dotsAnInch)
 BitmapSurface::~BitmapSurface() { m_pPixels->RemoveSurface(*this); }
 
 int BitmapSurface::DeviceCaps(int index) const {
-    switch (index) {
-        case TECHNOLOGY:
-            return DT_RASDISPLAY;
-        case HORZSIZE:
-            return Millimetres(m_pPixels->Width(), m_dotsAnInch.cx);
-        case VERTSIZE:
-            return Millimetres(m_pPixels->Height(), m_dotsAnInch.cy);
-        case HORZRES:
-            return m_pPixels->Width();
-        case VERTRES:
-            return m_pPixels->Height();
-        case BITSPIXEL:
-            return 32;
-        case PLANES:
-            return 1;
-        case LOGPIXELSX:
-            return m_dotsAnInch.cx;
-        case LOGPIXELSY:
-            return m_dotsAnInch.cy;
-        default:
-            return 0;
-    }
+    return PictureCaps(index, {m_pPixels->Width(), m_pPixels->Height()}, m_dotsAnInch, 32);
 }
 
 bool BitmapSurface::SelectPixels(std::shared_ptr<PixelBuffer> pixels) {

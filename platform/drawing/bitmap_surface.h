@@ -14,9 +14,6 @@ class CairoCanvas;
 /// pens, partial arcs and text are Cairo's.
 class BitmapSurface : public Surface {
 public:
-    /// The resolution that screens are taken to have.
-    static constexpr int kScreenDotsAnInch = 96;
-
     explicit BitmapSurface(const SIZE& dotsAnInch);
     ~BitmapSurface() override;
 

@@ -19,11 +19,6 @@ Vector FromMiddle(const CRect& box, const POINT& point) noexcept {
     return {point.x - (double(box.left) + box.right - 1) / 2, point.y - (double(box.top) + box.bottom - 1) / 2};
 }
 
-// The angle on the circle that the ellipse is when both its radii are made the same.
-double AngleOf(const Vector& ray, double radiusX, double radiusY) noexcept {
-    return std::atan2(ray.y * radiusX, ray.x * radiusY);
-}
-
 }  // namespace
 
 double Near(LONG coordinate) noexcept { return std::clamp<LONG>(coordinate, -kFarthest, kFarthest); }
@@ -68,6 +63,11 @@ void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink) {
                     std::max(0.0, Near(box.bottom) - behind - top));
 }
 
+double EllipseAngle(const CRect& box, const POINT& point) noexcept {
+    const Vector ray = FromMiddle(box, point);
+    return std::atan2(ray.y * (double(box.right) - box.left - 1), ray.x * (double(box.bottom) - box.top - 1));
+}
+
 void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& end, int penWidth) {
     const double left = Near(box.left), top = Near(box.top);
     const double radiusX = (Near(box.right) - left - 1) / 2, radiusY = (Near(box.bottom) - top - 1) / 2;
@@ -85,8 +85,7 @@ void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& e
         cairo_arc(cairo, 0, 0, 1, 0, 2 * M_PI);
         cairo_close_path(cairo);
     } else {
-        cairo_arc_negative(cairo, 0, 0, 1, AngleOf(FromMiddle(box, start), radiusX, radiusY),
-                           AngleOf(FromMiddle(box, end), radiusX, radiusY));
+        cairo_arc_negative(cairo, 0, 0, 1, EllipseAngle(box, start), EllipseAngle(box, end));
     }
     cairo_set_matrix(cairo, &matrix);
 }

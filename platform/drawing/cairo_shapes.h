@@ -28,6 +28,10 @@ void AddLine(cairo_t* cairo, const POINT& from, const POINT& to, int penWidth);
 void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink);
 void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& end, int penWidth);
 
+/// The angle of the ray from the box's middle through a point, clockwise from the right in radians, on the circle that
+/// the inscribed ellipse is when both its radii are made the same.
+double EllipseAngle(const CRect& box, const POINT& point) noexcept;
+
 /// Whether the rays from the box's middle through both points are the same: the arc is the whole ellipse.
 bool IsWholeEllipse(const CRect& box, const POINT& start, const POINT& end) noexcept;
 

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "qellib10/platform/drawing/cairo_shapes.h"
+#include "qellib10/platform/drawing/screen.h"
 
 namespace qel {
 
@@ -18,29 +19,7 @@ CairoSurface::CairoSurface(cairo_t* cairo, const CSize& size, int dotsAnInch)
 
 CairoSurface::~CairoSurface() { cairo_destroy(m_pCairo); }
 
-int CairoSurface::DeviceCaps(int index) const {
-    switch (index) {
-        case TECHNOLOGY:
-            return DT_RASDISPLAY;
-        case HORZSIZE:
-            return MulDiv(m_size.cx, 254, m_nDotsAnInch * 10);
-        case VERTSIZE:
-            return MulDiv(m_size.cy, 254, m_nDotsAnInch * 10);
-        case HORZRES:
-            return m_size.cx;
-        case VERTRES:
-            return m_size.cy;
-        case BITSPIXEL:
-            return 32;
-        case PLANES:
-            return 1;
-        case LOGPIXELSX:
-        case LOGPIXELSY:
-            return m_nDotsAnInch;
-        default:
-            return 0;
-    }
-}
+int CairoSurface::DeviceCaps(int index) const { return PictureCaps(index, m_size, {m_nDotsAnInch, m_nDotsAnInch}, 32); }
 
 bool CairoSurface::IsWholePixels() const {
     double scaleX = 0, scaleY = 0;

@@ -17,7 +17,7 @@ public:
             if (point.y > m_high.at.y) m_high = {point, m_nCount};
         } else {
             End(points);
-            points.push_back(point);
+            points.emplace_back(point);
             m_low = m_high = {point, 0};
             m_nCount = 0;
             m_isRun = true;

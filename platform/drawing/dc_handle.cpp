@@ -1,9 +1,10 @@
 #include "qellib10/platform/drawing/bitmap_surface.h"
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/device_context.h"
+#include "qellib10/platform/drawing/screen.h"
 
 HDC CreateCompatibleDC(HDC dc) {
-    SIZE dotsAnInch{qel::BitmapSurface::kScreenDotsAnInch, qel::BitmapSurface::kScreenDotsAnInch};
+    SIZE dotsAnInch{qel::kScreenDotsAnInch, qel::kScreenDotsAnInch};
     if (dc != nullptr) {
         const auto model = qel::FindDeviceContext(dc);
         if (!model) return nullptr;

@@ -1,7 +1,8 @@
 #include <algorithm>
+#include <cmath>
 
-#include "qellib10/platform/drawing/bitmap_surface.h"
 #include "qellib10/platform/drawing/device_context.h"
+#include "qellib10/platform/drawing/screen.h"
 #include "qellib10/platform/drawing/text_font.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/wrapped.h"
@@ -49,9 +50,8 @@ int TopOf(const CRect& box, UINT format, int lineHeight) {
 const TextFont& DeviceContext::Font() {
     const std::shared_ptr<const FontObject>& font = m_state.font.object;
     const int asked = font->description.lfHeight;
-    int height = asked == 0
-                     ? MulDiv(kDefaultCell, std::max(1, DeviceCaps(LOGPIXELSY)), BitmapSurface::kScreenDotsAnInch)
-                     : std::max(1, m_state.mapping.HeightToDevice(asked));
+    int height = asked == 0 ? MulDiv(kDefaultCell, std::max(1, DeviceCaps(LOGPIXELSY)), kScreenDotsAnInch)
+                            : std::max(1, m_state.mapping.HeightToDevice(asked));
     if (asked < 0) height = -height;
     if (!m_pFont || m_pFontInUse != font || m_nFontHeight != height) {
         m_pFont = TextFont::Create(font->description, height);
@@ -150,8 +150,12 @@ CSize DeviceContext::TextExtent(const CString& text) {
 TEXTMETRIC DeviceContext::TextMetrics() {
     const TextFont& font = Font();
     const Mapping& mapping = m_state.mapping;
-    return {mapping.HeightToLogical(font.Height()), mapping.HeightToLogical(font.Ascent()),
-            mapping.HeightToLogical(font.Descent()), mapping.WidthToLogical(font.AverageWidth())};
+    return {mapping.HeightToLogical(font.Height()),
+            mapping.HeightToLogical(font.Ascent()),
+            mapping.HeightToLogical(font.Descent()),
+            mapping.HeightToLogical(std::max(0, font.Height() - static_cast<int>(std::lround(font.EmHeight())))),
+            0,
+            mapping.WidthToLogical(font.AverageWidth())};
 }
 
 }  // namespace qel

@@ -99,6 +99,12 @@ enum : int {
 inline constexpr int DT_RASDISPLAY = 1;  ///< TECHNOLOGY of a picture or a screen
 inline constexpr int DT_RASPRINTER = 2;  ///< TECHNOLOGY of a printer
 
+/// How BitBlt combines pixels.
+inline constexpr DWORD SRCCOPY = 0x00CC0020;
+
+/// What a clip is, as answers tell it: without area, or a rectangle.
+enum : int { NULLREGION = 1, SIMPLEREGION = 2 };
+
 /// Objects that are always there.
 enum : int {
     WHITE_BRUSH = 0,
@@ -107,6 +113,7 @@ enum : int {
     DKGRAY_BRUSH,
     BLACK_BRUSH,
     NULL_BRUSH,
+    HOLLOW_BRUSH = NULL_BRUSH,
     WHITE_PEN,
     BLACK_PEN,
     NULL_PEN,
@@ -115,6 +122,7 @@ enum : int {
 
 enum : BYTE { ANSI_CHARSET = 0, DEFAULT_CHARSET = 1, SHIFTJIS_CHARSET = 128 };
 enum : BYTE { DEFAULT_QUALITY = 0, PROOF_QUALITY = 2 };
+enum : BYTE { OUT_DEFAULT_PRECIS = 0, CLIP_DEFAULT_PRECIS = 0, DEFAULT_PITCH = 0, FF_DONTCARE = 0 };
 enum : int { FW_DONTCARE = 0, FW_NORMAL = 400, FW_BOLD = 700 };
 inline constexpr int LF_FACESIZE = 32;
 
@@ -154,7 +162,18 @@ struct TEXTMETRIC {
     LONG tmHeight;  ///< of a line: ascent and descent, each rounded to whole device units
     LONG tmAscent;
     LONG tmDescent;
+    LONG tmInternalLeading;  ///< what tmHeight has above the em height
+    LONG tmExternalLeading;  ///< 0: lines stand tmHeight apart
     LONG tmAveCharWidth;
+};
+
+/// What a document is, for StartDoc.
+struct DOCINFO {
+    int cbSize;
+    const char* lpszDocName;
+    const char* lpszOutput;  ///< null: documents go where the context's do, to nothing else
+    const char* lpszDatatype;
+    DWORD fwType;
 };
 
 struct BITMAP {

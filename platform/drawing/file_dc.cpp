@@ -34,16 +34,13 @@ HDC ContextOver(std::unique_ptr<Surface> surface) {
 
 bool IsDrawable(const CSize& size, int dotsAnInch) {
     return size.cx > 0 && size.cy > 0 && size.cx <= PixelBuffer::kLongestSide && size.cy <= PixelBuffer::kLongestSide &&
-           dotsAnInch > 0;
+           dotsAnInch > 0 && dotsAnInch <= PageSetup::kFinestResolution;
 }
 
 }  // namespace
 
 HDC CreatePdfDC(const char* path, const PageSetup& page) {
-    const CSize drawable = page.DrawableDots();
-    if (path == nullptr || page.dotsAnInch.cx < 1 || page.dotsAnInch.cy < 1 || drawable.cx < 1 || drawable.cy < 1) {
-        return nullptr;
-    }
+    if (path == nullptr || !page.IsDrawable()) return nullptr;
     return ContextOver(std::make_unique<PdfSurface>(page, std::make_unique<FileSink>(path)));
 }
 

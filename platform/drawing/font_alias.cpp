@@ -1,6 +1,7 @@
 #include "qellib10/platform/drawing/font_alias.h"
 
-#include "qellib10/platform/text/multibyte.h"
+#include <algorithm>
+#include <string_view>
 
 namespace qel {
 namespace {
@@ -26,11 +27,17 @@ constexpr Alias kAliases[] = {
     {"System", "sans-serif"},
 };
 
+// Faces are the same in capitals and in small letters.
+bool IsSameFace(std::string_view a, std::string_view b) {
+    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::ranges::equal(a, b, {}, folded, folded);
+}
+
 }  // namespace
 
 std::string FontFamilies(const std::string& face) {
     for (const Alias& alias : kAliases) {
-        if (face == alias.face) return std::string(alias.families) + ",IPAGothic";
+        if (IsSameFace(face, alias.face)) return std::string(alias.families) + ",IPAGothic";
     }
     return (face.empty() ? "sans-serif" : face) + ",IPAGothic";
 }

@@ -2,11 +2,14 @@
 
 namespace qel {
 
-/// Whether a pixel belongs to the lines of a hatch: cells of 8 x 8 pixels, tied to the device's corner so that
+/// Side of the square that a hatch repeats, in pixels of a screen.
+inline constexpr int kHatchCell = 8;
+
+/// Whether a pixel belongs to the lines of a hatch: cells of that side, tied to the device's corner so that
 /// neighbouring areas fit. An unknown hatch is the crossed one. Coordinates are not negative.
 constexpr bool IsHatchPixel(int hatch, int x, int y) noexcept {
-    const bool isHorizontal = y % 8 == 3, isVertical = x % 8 == 4;
-    const bool isForward = x % 8 == y % 8, isBackward = (x + y) % 8 == 7;
+    const bool isHorizontal = y % kHatchCell == 3, isVertical = x % kHatchCell == 4;
+    const bool isForward = x % kHatchCell == y % kHatchCell, isBackward = (x + y) % kHatchCell == 7;
     switch (hatch) {
         case 0:
             return isHorizontal;

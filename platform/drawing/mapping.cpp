@@ -1,6 +1,7 @@
 #include "qellib10/platform/drawing/mapping.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -87,7 +88,7 @@ void Mapping::KeepShape() noexcept {
     const double across = std::abs(double(m_viewportExtent.cx) / m_windowExtent.cx);
     const double down = std::abs(double(m_viewportExtent.cy) / m_windowExtent.cy);
     const auto shrunk = [](LONG extent, double by) {
-        const LONG length = std::max<LONG>(1, static_cast<LONG>(std::abs(double(extent)) * by + 0.5));
+        const LONG length = std::max(1, Kept(std::llround(std::abs(double(extent)) * by)));
         return extent < 0 ? -length : length;
     };
     if (across > down) m_viewportExtent.cx = shrunk(m_viewportExtent.cx, down / across);

@@ -1,6 +1,7 @@
 #include "qellib10/platform/drawing/page_setup.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace qel {
 namespace {
@@ -23,7 +24,19 @@ CRect PageSetup::MarginDots() const noexcept {
 CSize PageSetup::DrawableDots() const noexcept {
     const CSize all = SheetDots();
     const CRect edges = MarginDots();
-    return {std::max(0, all.cx - edges.left - edges.right), std::max(0, all.cy - edges.top - edges.bottom)};
+    const auto between = [](LONGLONG length, LONG before, LONG behind) {
+        return static_cast<int>(std::clamp<LONGLONG>(length - before - behind, 0, std::numeric_limits<int>::max()));
+    };
+    return {between(all.cx, edges.left, edges.right), between(all.cy, edges.top, edges.bottom)};
+}
+
+bool PageSetup::IsDrawable() const noexcept {
+    const auto isSide = [](LONG side) { return side > 0 && side <= kLongestSide; };
+    const auto isResolution = [](LONG dots) { return dots > 0 && dots <= kFinestResolution; };
+    const CSize drawable = DrawableDots();
+    return isSide(sheet.cx) && isSide(sheet.cy) && isResolution(dotsAnInch.cx) && isResolution(dotsAnInch.cy) &&
+           std::min({margins.left, margins.top, margins.right, margins.bottom}) >= 0 && drawable.cx > 0 &&
+           drawable.cy > 0;
 }
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 
 #include <png.h>
 
+#include <cmath>
 #include <new>
 #include <span>
 #include <vector>
@@ -40,7 +41,7 @@ struct Content {
 Content ContentOf(const PixelBuffer& pixels, int dotsAnInch) {
     Content content{static_cast<png_uint_32>(pixels.Width()),
                     static_cast<png_uint_32>(pixels.Height()),
-                    static_cast<png_uint_32>(dotsAnInch / 0.0254 + 0.5),
+                    static_cast<png_uint_32>(std::lround(dotsAnInch / 0.0254)),
                     {},
                     {}};
     const auto red = [](std::uint32_t color) { return static_cast<png_byte>(color >> 16); };

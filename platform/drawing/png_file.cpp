@@ -2,6 +2,7 @@
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/drawing/drawing_object.h"
+#include "qellib10/platform/drawing/page_setup.h"
 #include "qellib10/platform/drawing/png_encoder.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/replacement.h"
@@ -10,7 +11,7 @@ namespace qel {
 
 int SavePng(const CBitmap& bitmap, const char* path, int dotsAnInch) {
     const auto object = FindObject<BitmapObject>(bitmap.GetSafeHandle());
-    if (!object || path == nullptr || dotsAnInch < 1) return 0;
+    if (!object || path == nullptr || dotsAnInch < 1 || dotsAnInch > PageSetup::kFinestResolution) return 0;
     object->pixels->Settle();
     return AsResult([&] {
         const std::vector<std::byte> file = EncodePng(*object->pixels, dotsAnInch);

@@ -1,15 +1,15 @@
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
-#include "qellib10/platform/drawing/bitmap_surface.h"
 #include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/drawing/screen.h"
+#include "qellib10/platform/text/multibyte.h"
 
 BOOL CFont::CreatePointFont(int tenths, const char* face, CDC* dc) {
     LOGFONT font{};
     font.lfHeight = tenths;
     font.lfCharSet = DEFAULT_CHARSET;
-    if (face != nullptr) std::memcpy(font.lfFaceName, face, std::min<std::size_t>(std::strlen(face), LF_FACESIZE - 1));
+    if (face != nullptr) qel::CopyBounded(font.lfFaceName, face, LF_FACESIZE - 1);
     return CreatePointFontIndirect(&font, dc);
 }
 
@@ -17,7 +17,7 @@ BOOL CFont::CreatePointFontIndirect(const LOGFONT* font, CDC* dc) {
     if (font == nullptr) return 0;
     LOGFONT inUnits = *font;
     const bool isScreen = dc == nullptr || dc->GetDeviceCaps(LOGPIXELSY) < 1;
-    const int dotsAnInch = isScreen ? qel::BitmapSurface::kScreenDotsAnInch : dc->GetDeviceCaps(LOGPIXELSY);
+    const int dotsAnInch = isScreen ? qel::kScreenDotsAnInch : dc->GetDeviceCaps(LOGPIXELSY);
     POINT size[] = {{0, MulDiv(dotsAnInch, font->lfHeight, 720)}, {0, 0}};
     if (dc != nullptr) {
         dc->DPtoLP(size, 2);  // the origins fall out of the difference

@@ -8,11 +8,11 @@
 #include <span>
 #include <utility>
 
-#include "qellib10/platform/drawing/bitmap_surface.h"
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/dash_pattern.h"
 #include "qellib10/platform/drawing/hatch.h"
 #include "qellib10/platform/drawing/png_encoder.h"
+#include "qellib10/platform/drawing/screen.h"
 #include "qellib10/platform/drawing/text_font.h"
 #include "qellib10/platform/text/code_page.h"
 
@@ -49,14 +49,15 @@ std::string Escaped(std::string_view text) {
                 escaped += "&quot;";
                 break;
             default:
-                escaped += c;
+                escaped += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;  // XML has no other control characters
         }
     }
     return escaped;
 }
 
 std::string BoxAttributes(const CRect& box) {
-    return Formatted("x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\"", box.left, box.top, box.Width(), box.Height());
+    return Formatted("x=\"%d\" y=\"%d\" width=\"%ld\" height=\"%ld\"", box.left, box.top,
+                     LONGLONG{box.right} - box.left, LONGLONG{box.bottom} - box.top);
 }
 
 }  // namespace
@@ -66,29 +67,7 @@ SvgSurface::SvgSurface(const CSize& size, int dotsAnInch, std::unique_ptr<Docume
 
 SvgSurface::~SvgSurface() = default;
 
-int SvgSurface::DeviceCaps(int index) const {
-    switch (index) {
-        case TECHNOLOGY:
-            return DT_RASDISPLAY;
-        case HORZSIZE:
-            return MulDiv(m_size.cx, 254, m_nDotsAnInch * 10);
-        case VERTSIZE:
-            return MulDiv(m_size.cy, 254, m_nDotsAnInch * 10);
-        case HORZRES:
-            return m_size.cx;
-        case VERTRES:
-            return m_size.cy;
-        case BITSPIXEL:
-            return 24;
-        case PLANES:
-            return 1;
-        case LOGPIXELSX:
-        case LOGPIXELSY:
-            return m_nDotsAnInch;
-        default:
-            return 0;
-    }
-}
+int SvgSurface::DeviceCaps(int index) const { return PictureCaps(index, m_size, {m_nDotsAnInch, m_nDotsAnInch}, 24); }
 
 // Adds an element to the page, clipped to the ink's clip and the box.
 void SvgSurface::Element(std::string_view nameAndAttributes, std::string_view content, const CRect* box) {
@@ -102,48 +81,59 @@ void SvgSurface::Element(std::string_view nameAndAttributes, std::string_view co
     }
 }
 
+// A reference to a definition, which is written once however often it is used.
+std::string SvgSurface::Reference(const std::string& element, const std::string& rest) {
+    const auto [known, isNew] = m_mapDefinition.try_emplace(element + rest, m_mapDefinition.size() + 1);
+    const std::string id = "d" + std::to_string(known->second);
+    if (isNew) m_definitions += "<" + element + " id=\"" + id + "\"" + rest + "</" + element + ">\n";
+    return "url(#" + id + ")";
+}
+
 std::string SvgSurface::ClipReference(const CRect* box) {
     if (!m_ink.clip && box == nullptr) return {};
     CRect clip = m_ink.clip ? *m_ink.clip : *box;
     if (box != nullptr && !clip.IntersectRect(clip, *box)) clip = CRect();
-    const std::string definition = "<rect " + BoxAttributes(clip) + "/></clipPath>\n";
-    if (definition != m_szLastDefinition) {
-        m_szLastDefinition = definition;
-        m_szLastReference = Formatted(" clip-path=\"url(#d%d)\"", ++m_nDefinitions);
-        m_definitions += Formatted("<clipPath id=\"d%d\">", m_nDefinitions) + definition;
-    }
-    return m_szLastReference;
-}
-
-std::string SvgSurface::StrokeAttributes() const {
-    std::string attributes =
-        Formatted("fill=\"none\" stroke=\"%s\" stroke-width=\"%d\"", ColorOf(m_ink.penColor).c_str(), m_ink.penWidth);
-    if (m_ink.penWidth > 1) attributes += " stroke-linecap=\"round\" stroke-linejoin=\"round\"";
-    if (m_ink.IsDashed()) {
-        attributes += " stroke-dasharray=\"";
-        for (const int length : DashLengths(m_ink.penStyle)) {
-            attributes += Formatted("%g ", length * double(m_nDotsAnInch) / BitmapSurface::kScreenDotsAnInch);
-        }
-        attributes.back() = '"';
-    }
-    return attributes;
+    return " clip-path=\"" + Reference("clipPath", "><rect " + BoxAttributes(clip) + "/>") + "\"";
 }
 
 std::string SvgSurface::HatchReference(const LOGBRUSH& brush) {
-    const double cell = 8.0 * m_nDotsAnInch / BitmapSurface::kScreenDotsAnInch;
-    std::string pattern = Formatted(
-        "<pattern id=\"d%d\" width=\"%g\" height=\"%g\" patternUnits=\"userSpaceOnUse\"><g transform=\"scale(%g)\">",
-        ++m_nDefinitions, cell, cell, cell / 8);
-    if (m_ink.isOpaque) pattern += "<rect width=\"8\" height=\"8\" fill=\"" + ColorOf(m_ink.backColor) + "\"/>";
-    for (int y = 0; y < 8; ++y) {
-        for (int x = 0; x < 8; ++x) {
+    const double scale = ScreenPixelLength(m_nDotsAnInch);
+    std::string pattern =
+        Formatted(" width=\"%g\" height=\"%g\" patternUnits=\"userSpaceOnUse\"><g transform=\"scale(%g)\">",
+                  kHatchCell * scale, kHatchCell * scale, scale);
+    if (m_ink.isOpaque) {
+        pattern += Formatted("<rect width=\"%d\" height=\"%d\" fill=\"%s\"/>", kHatchCell, kHatchCell,
+                             ColorOf(m_ink.backColor).c_str());
+    }
+    for (int y = 0; y < kHatchCell; ++y) {
+        for (int x = 0; x < kHatchCell; ++x) {
             if (!IsHatchPixel(brush.lbHatch, x, y)) continue;
             pattern += Formatted("<rect x=\"%d\" y=\"%d\" width=\"1\" height=\"1\" fill=\"%s\"/>", x, y,
                                  ColorOf(brush.lbColor).c_str());
         }
     }
-    m_definitions += pattern + "</g></pattern>\n";
-    return Formatted("url(#d%d)", m_nDefinitions);
+    return Reference("pattern", pattern + "</g>");
+}
+
+std::string SvgSurface::StrokeAttributes(COLORREF color) const {
+    std::string attributes =
+        Formatted(" fill=\"none\" stroke=\"%s\" stroke-width=\"%d\"", ColorOf(color).c_str(), m_ink.penWidth);
+    if (m_ink.penWidth > 1) attributes += " stroke-linecap=\"round\" stroke-linejoin=\"round\"";
+    return attributes;
+}
+
+// Adds a shape that is drawn with the pen; below dashes the background shows in their gaps.
+void SvgSurface::Stroke(const std::string& name, const std::string& geometry) {
+    std::string pen = StrokeAttributes(m_ink.penColor);
+    if (m_ink.IsDashed()) {
+        if (m_ink.isOpaque) Element(name + StrokeAttributes(m_ink.backColor) + geometry);
+        pen += " stroke-dasharray=\"";
+        for (const int length : DashLengths(m_ink.penStyle)) {
+            pen += Formatted("%g ", length * ScreenPixelLength(m_nDotsAnInch));
+        }
+        pen.back() = '"';
+    }
+    Element(name + pen + geometry);
 }
 
 void SvgSurface::SetInk(const Ink& ink) {
@@ -173,10 +163,10 @@ void SvgSurface::Flush() {
     m_reducer.End(m_aryPoint);
     const std::vector<CPoint> points = std::exchange(m_aryPoint, {});
     if (points.size() < 2 || m_ink.penStyle == PS_NULL) return;
-    std::string line = "polyline " + StrokeAttributes() + " points=\"";
+    std::string line = " points=\"";
     for (const CPoint& point : points) line += Formatted("%.1f,%.1f ", point.x + 0.5, point.y + 0.5);
     line.back() = '"';
-    Element(line);
+    Stroke("polyline", line);
 }
 
 void SvgSurface::Rectangle(const CRect& box) {
@@ -187,10 +177,9 @@ void SvgSurface::Rectangle(const CRect& box) {
     }
     FillRect(box, m_ink.brush);
     const double inset = m_ink.penStyle == PS_INSIDEFRAME ? m_ink.penWidth / 2.0 : 0.5;
-    Element("rect " + StrokeAttributes() +
-            Formatted(" x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"", box.left + inset, box.top + inset,
-                      std::max(0.0, Near(box.right) - Near(box.left) - 2 * inset),
-                      std::max(0.0, Near(box.bottom) - Near(box.top) - 2 * inset)));
+    Stroke("rect", Formatted(" x=\"%.1f\" y=\"%.1f\" width=\"%.1f\" height=\"%.1f\"", box.left + inset, box.top + inset,
+                             std::max(0.0, Near(box.right) - Near(box.left) - 2 * inset),
+                             std::max(0.0, Near(box.bottom) - Near(box.top) - 2 * inset)));
 }
 
 void SvgSurface::Arc(const CRect& box, const POINT& start, const POINT& end) {
@@ -199,22 +188,22 @@ void SvgSurface::Arc(const CRect& box, const POINT& start, const POINT& end) {
     const double radiusX = (Near(box.right) - Near(box.left) - 1) / 2,
                  radiusY = (Near(box.bottom) - Near(box.top) - 1) / 2;
     const double middleX = Near(box.left) + radiusX + 0.5, middleY = Near(box.top) + radiusY + 0.5;
-    if (IsWholeEllipse(box, start, end)) {
-        Element("ellipse " + StrokeAttributes() +
-                Formatted(" cx=\"%.1f\" cy=\"%.1f\" rx=\"%.1f\" ry=\"%.1f\"", middleX, middleY, radiusX, radiusY));
+    if (radiusX <= 0 || radiusY <= 0) {
+        Stroke("line", Formatted(" x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\"", middleX - radiusX,
+                                 middleY - radiusY, middleX + radiusX, middleY + radiusY));
         return;
     }
-    if (radiusX <= 0 || radiusY <= 0) return;
-    // Angles on the circle that the ellipse is when both radii are made the same, counter-clockwise from start to end.
-    const auto angleOf = [&](const POINT& point) {
-        return std::atan2((point.y + 0.5 - middleY) * radiusX, (point.x + 0.5 - middleX) * radiusY);
-    };
-    const double from = angleOf(start), to = angleOf(end);
+    if (IsWholeEllipse(box, start, end)) {
+        Stroke("ellipse",
+               Formatted(" cx=\"%.1f\" cy=\"%.1f\" rx=\"%.1f\" ry=\"%.1f\"", middleX, middleY, radiusX, radiusY));
+        return;
+    }
+    // Counter-clockwise from start to end.
+    const double from = EllipseAngle(box, start), to = EllipseAngle(box, end);
     const double turned = from > to ? from - to : from - to + 2 * M_PI;
-    Element("path " + StrokeAttributes() +
-            Formatted(" d=\"M%.2f %.2fA%.1f %.1f 0 %d 0 %.2f %.2f\"", middleX + radiusX * std::cos(from),
-                      middleY + radiusY * std::sin(from), radiusX, radiusY, turned > M_PI,
-                      middleX + radiusX * std::cos(to), middleY + radiusY * std::sin(to)));
+    Stroke("path", Formatted(" d=\"M%.2f %.2fA%.1f %.1f 0 %d 0 %.2f %.2f\"", middleX + radiusX * std::cos(from),
+                             middleY + radiusY * std::sin(from), radiusX, radiusY, turned > M_PI,
+                             middleX + radiusX * std::cos(to), middleY + radiusY * std::sin(to)));
 }
 
 void SvgSurface::FillRect(const CRect& box, const LOGBRUSH& brush) {
@@ -238,6 +227,10 @@ void SvgSurface::Text(const TextFont& font, const TextLine& line, const POINT& b
         baseline.y, font.EmHeight(), line.width, Escaped(font.Families()).c_str(), ColorOf(color).c_str());
     if (font.IsBold()) text += " font-weight=\"bold\"";
     if (font.IsItalic()) text += " font-style=\"italic\"";
+    if (font.IsUnderlined() || font.IsStruckOut()) {
+        text += std::string(" text-decoration=\"") + (font.IsUnderlined() ? "underline " : "") +
+                (font.IsStruckOut() ? "line-through" : "") + "\"";
+    }
     Element(text + " xml:space=\"preserve\"", Escaped(line.text), box);
 }
 
@@ -260,8 +253,7 @@ int SvgSurface::StartDoc(const CString& name) {
     m_szName = name;
     m_definitions.clear();
     m_body.clear();
-    m_szLastDefinition.clear();
-    m_nDefinitions = 0;
+    m_mapDefinition.clear();
     m_stage = Stage::kDocument;
     return 1;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,9 +39,11 @@ private:
     enum class Stage { kNone, kDocument, kPage, kPageDone };
 
     void Element(std::string_view nameAndAttributes, std::string_view content = {}, const CRect* box = nullptr);
+    void Stroke(const std::string& name, const std::string& geometry);
+    std::string Reference(const std::string& element, const std::string& rest);
     std::string ClipReference(const CRect* box);
-    std::string StrokeAttributes() const;
     std::string HatchReference(const LOGBRUSH& brush);
+    std::string StrokeAttributes(COLORREF color) const;
     std::string Whole() const;
 
     CSize m_size;
@@ -50,9 +53,7 @@ private:
     CString m_szName;
     std::string m_definitions;
     std::string m_body;
-    int m_nDefinitions = 0;
-    std::string m_szLastDefinition;  // what the last clip or hatch was, and its reference
-    std::string m_szLastReference;
+    std::map<std::string, std::size_t> m_mapDefinition;  // clips and hatches with their numbers, from 1
     Ink m_ink;
     std::vector<CPoint> m_aryPoint;  // of the polyline that is open
     ColumnReducer m_reducer;

@@ -62,6 +62,8 @@ public:
         m_families = FontFamilies(FaceOf(font));
         m_isBold = font.lfWeight >= 600;
         m_isItalic = font.lfItalic != 0;
+        m_isUnderlined = font.lfUnderline != 0;
+        m_isStruckOut = font.lfStrikeOut != 0;
         m_description.reset(pango_font_description_new());
         pango_font_description_set_family(m_description.get(), m_families.c_str());
         pango_font_description_set_weight(m_description.get(),
@@ -77,10 +79,10 @@ public:
         const Owned<PangoAttrList> attributes(pango_attr_list_new());
         // A word that is broken between characters gets no hyphen: it is data, not prose.
         pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
-        if (font.lfUnderline != 0) {
+        if (m_isUnderlined) {
             pango_attr_list_insert(attributes.get(), pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
         }
-        if (font.lfStrikeOut != 0) {
+        if (m_isStruckOut) {
             pango_attr_list_insert(attributes.get(), pango_attr_strikethrough_new(TRUE));
         }
         pango_layout_set_attributes(m_layout.get(), attributes.get());

@@ -37,6 +37,8 @@ public:
     const std::string& Families() const noexcept { return m_families; }  ///< separated by commas
     bool IsBold() const noexcept { return m_isBold; }
     bool IsItalic() const noexcept { return m_isItalic; }
+    bool IsUnderlined() const noexcept { return m_isUnderlined; }
+    bool IsStruckOut() const noexcept { return m_isStruckOut; }
 
     /// A whole text as one line; control characters become blanks.
     virtual TextLine Line(std::string_view utf8) const = 0;
@@ -54,6 +56,8 @@ protected:
     std::string m_families;
     bool m_isBold = false;
     bool m_isItalic = false;
+    bool m_isUnderlined = false;
+    bool m_isStruckOut = false;
 };
 
 }  // namespace qel

@@ -9,10 +9,11 @@
 #include <memory>
 #include <span>
 
-#include "qellib10/platform/drawing/bitmap_surface.h"
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/dash_pattern.h"
+#include "qellib10/platform/drawing/hatch.h"
 #include "qellib10/platform/drawing/pixel_buffer.h"
+#include "qellib10/platform/drawing/screen.h"
 #include "qellib10/platform/drawing/text_font.h"
 
 namespace qel {
@@ -22,7 +23,6 @@ namespace {
 constexpr std::size_t kLongestPath = 10000;
 // The middle of a device unit, where lines of any width run.
 constexpr double kMiddle = 0.5;
-constexpr double kHatchCell = 8;  // of a screen's pixels
 
 struct Destroy {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -54,9 +54,7 @@ template <class Step> void VectorSurface::Draw(const Step& step) {
     cairo_new_path(cairo);
 }
 
-double VectorSurface::PixelLength() const {
-    return double(std::max(1, DeviceCaps(LOGPIXELSX))) / BitmapSurface::kScreenDotsAnInch;
-}
+double VectorSurface::PixelLength() const { return ScreenPixelLength(DeviceCaps(LOGPIXELSX)); }
 
 void VectorSurface::SetInk(const Ink& ink) {
     Flush();

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "qellib10/platform/drawing/page_setup.h"
 #include "qellib10/platform/printing/cups_session.h"
 #include "qellib10/platform/text/code_page.h"
 
@@ -12,7 +13,8 @@ namespace qel {
 namespace {
 
 // What a server claims counts within these limits only.
-constexpr int kLongestSide = 1'000'000, kWidestMargin = 2500, kFinestResolution = 9600;
+constexpr int kLongestSide = PageSetup::kLongestSide, kFinestResolution = PageSetup::kFinestResolution;
+constexpr int kWidestMargin = 2500;
 
 PrinterEntry EntryOf(const cups_dest_t& queue) {
     const auto text = [&](const char* option) { return CString(FromUtf8(OptionOf(queue, option))); };
@@ -61,7 +63,8 @@ public:
     // The size that the user's settings or the printer itself give a page, or none.
     SIZE DefaultSize() const {
         if (const SIZE size = SizeOf(OptionOf(*m_pQueue, "media")); IsSheet(size)) return size;
-        if (const char* const name = ::ippGetString(Default("media"), 0, nullptr)) return SizeOf(name);
+        const char* const name = ::ippGetString(Default("media"), 0, nullptr);
+        if (const SIZE size = SizeOf(name != nullptr ? name : ""); IsSheet(size)) return size;
         ipp_t* const size = Member(::ippGetCollection(Default("media-col"), 0), "media-size");
         return {Number(size, "x-dimension"), Number(size, "y-dimension")};
     }
