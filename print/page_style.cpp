@@ -168,6 +168,7 @@ int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
 }
 
 void CQelPrintJobPageStyle::GetDevMode(DEVMODE* devMode, CDC* dc) {
+    if (devMode == nullptr) return;
     const auto* const name = reinterpret_cast<const char*>(devMode->dmDeviceName);
     m_szPrinterDevice = FullPrinterName(CString(std::string_view(name, ::strnlen(name, CCHDEVICENAME))));
     if (devMode->dmYResolution >= 1) {

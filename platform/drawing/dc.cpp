@@ -13,6 +13,8 @@ CString TextOf(const char* text, int length) {
     return length < 0 ? CString(text) : CString(text, length);
 }
 
+int KindOf(const CRect& clip) { return clip.IsRectEmpty() ? NULLREGION : SIMPLEREGION; }
+
 }  // namespace
 
 CDC::CDC() = default;
@@ -81,7 +83,7 @@ template <class Object> Object* CDC::Select(Object* object) {
     return ObjectOf<Object>(m_pOutput->Select(handle));
 }
 
-template <class Object> Object* CDC::ObjectOf(HGDIOBJ handle) {
+template <class Object> Object* CDC::ObjectOf(HGDIOBJ handle) const {
     if (handle == nullptr) return nullptr;
     if (auto* const owner = dynamic_cast<Object*>(qel::FindOwner(handle))) return owner;
     std::unique_ptr<CGdiObject>& stand = m_mapObject[handle];
@@ -101,6 +103,16 @@ CFont* CDC::SelectObject(CFont* font) { return Select(font); }
 CBitmap* CDC::SelectObject(CBitmap* bitmap) {
     if (bitmap == nullptr || !m_pOutput) return nullptr;
     return ObjectOf<CBitmap>(m_pOutput->Select(bitmap->GetSafeHandle()));
+}
+
+CPen* CDC::GetCurrentPen() const { return m_pOutput ? ObjectOf<CPen>(m_pOutput->State().pen.handle) : nullptr; }
+
+CBrush* CDC::GetCurrentBrush() const { return m_pOutput ? ObjectOf<CBrush>(m_pOutput->State().brush.handle) : nullptr; }
+
+CFont* CDC::GetCurrentFont() const { return m_pOutput ? ObjectOf<CFont>(m_pOutput->State().font.handle) : nullptr; }
+
+CBitmap* CDC::GetCurrentBitmap() const {
+    return m_pOutput ? ObjectOf<CBitmap>(m_pOutput->State().bitmap.handle) : nullptr;
 }
 
 CGdiObject* CDC::SelectStockObject(int number) {
@@ -244,12 +256,12 @@ int CDC::SelectClipRgn(CRgn* region) {
     if (!m_pOutput) return 0;
     if (region == nullptr) {
         m_pOutput->Change().clip.reset();
-        return 2;
+        return SIMPLEREGION;
     }
     const auto object = qel::FindObject<qel::RegionObject>(region->GetSafeHandle());
     if (!object) return 0;
     m_pOutput->Change().clip = object->box;
-    return object->box.IsRectEmpty() ? 1 : 2;
+    return KindOf(object->box);
 }
 
 int CDC::GetClipBox(RECT* box) const {
@@ -260,7 +272,15 @@ int CDC::GetClipBox(RECT* box) const {
     const POINT topLeft = state.mapping.ToLogical({clip.left, clip.top});
     const POINT bottomRight = state.mapping.ToLogical({clip.right, clip.bottom});
     *box = {topLeft.x, topLeft.y, bottomRight.x, bottomRight.y};
-    return clip.IsRectEmpty() ? 1 : 2;
+    return KindOf(clip);
+}
+
+int CDC::IntersectClipRect(int left, int top, int right, int bottom) {
+    if (!m_pOutput) return 0;
+    CRect clip = m_pOutput->ToDevice({left, top, right, bottom});
+    if (const std::optional<CRect>& before = m_pOutput->State().clip) clip.IntersectRect(clip, *before);
+    m_pOutput->Change().clip = clip;
+    return KindOf(clip);
 }
 
 CPoint CDC::MoveTo(int x, int y) {
@@ -320,8 +340,8 @@ void CDC::InvertRect(const RECT* rect) {
     if (m_pOutput && rect != nullptr) m_pOutput->InvertRect(*rect);
 }
 
-BOOL CDC::BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY) {
-    if (!m_pOutput || source == nullptr || !source->m_pOutput) return 0;
+BOOL CDC::BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY, DWORD operation) {
+    if (!m_pOutput || source == nullptr || !source->m_pOutput || operation != SRCCOPY) return 0;
     return m_pOutput->Copy({x, y}, {width, height}, *source->m_pOutput, {sourceX, sourceY});
 }
 
@@ -335,11 +355,12 @@ COLORREF CDC::GetPixel(int x, int y) const {
     return RGB(pixel >> 16, pixel >> 8, pixel);
 }
 
-COLORREF CDC::SetPixel(int x, int y, COLORREF color) {
-    if (!m_pOutput) return kNoColor;
-    const POINT at = m_pOutput->State().mapping.ToDevice({x, y});
-    m_pOutput->FillDevicePixel(at, color);
-    return GetPixel(x, y);
+COLORREF CDC::SetPixel(int x, int y, COLORREF color) { return SetPixelV(x, y, color) ? GetPixel(x, y) : kNoColor; }
+
+BOOL CDC::SetPixelV(int x, int y, COLORREF color) {
+    if (!m_pOutput) return 0;
+    m_pOutput->FillDevicePixel(m_pOutput->State().mapping.ToDevice({x, y}), color);
+    return 1;
 }
 
 BOOL CDC::TextOut(int x, int y, const char* text, int length) {
@@ -355,11 +376,7 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rect, const char* t
     }
     if (text == nullptr || length == 0) return 1;
     const std::optional<CRect> before = m_pOutput->State().clip;
-    if (rect != nullptr && (options & ETO_CLIPPED) != 0) {
-        CRect clip = m_pOutput->ToDevice(*rect);
-        if (before) clip.IntersectRect(clip, *before);
-        m_pOutput->Change().clip = clip;
-    }
+    if ((options & ETO_CLIPPED) != 0) IntersectClipRect(rect);
     const BOOL result = TextOut(x, y, text, static_cast<int>(length));
     m_pOutput->Change().clip = before;
     return result;

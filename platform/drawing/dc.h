@@ -5,6 +5,8 @@
 
 #include "qellib10/platform/drawing/gdi_object.h"
 
+struct DEVMODE;
+
 namespace qel {
 class DeviceContext;
 }
@@ -27,6 +29,8 @@ public:
     /// A context in memory like @p dc (null: like the screen, 96 dots an inch), with a picture of 1 x 1 until a bitmap
     /// is selected. @return 0 when this object has a handle
     BOOL CreateCompatibleDC(CDC* dc);
+    /// A context of a printer, as the function of this name makes it. @return 0 also when this object has a handle
+    BOOL CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode);
     BOOL Attach(HDC dc);  ///< takes over a context for output and attributes; 0 when there is one, or for a bad handle
     HDC Detach();         ///< gives the output context away
     BOOL DeleteDC();
@@ -54,6 +58,10 @@ public:
     CBitmap* SelectObject(CBitmap* bitmap);
     int SelectObject(CRgn* region) { return SelectClipRgn(region); }
     virtual CGdiObject* SelectStockObject(int number);
+    CPen* GetCurrentPen() const;
+    CBrush* GetCurrentBrush() const;
+    CFont* GetCurrentFont() const;
+    CBitmap* GetCurrentBitmap() const;  ///< null where there are no pixels
 
     virtual COLORREF SetTextColor(COLORREF color);  ///< the setters answer the value until now
     virtual COLORREF SetBkColor(COLORREF color);
@@ -85,6 +93,11 @@ public:
     virtual int SelectClipRgn(CRgn* region);
     /// The clip, or the whole device, in logical units. @return as SelectClipRgn
     virtual int GetClipBox(RECT* box) const;
+    /// Limits drawing to what the clip and the box, in logical units, have in common. @return as SelectClipRgn
+    virtual int IntersectClipRect(int left, int top, int right, int bottom);
+    int IntersectClipRect(const RECT* box) {
+        return box != nullptr ? IntersectClipRect(box->left, box->top, box->right, box->bottom) : 0;
+    }
 
     CPoint MoveTo(int x, int y);  ///< the answer is the position until now
     CPoint MoveTo(const POINT& to) { return MoveTo(to.x, to.y); }
@@ -97,18 +110,23 @@ public:
     /// Outline by the pen, inside by the brush; right and bottom edge do not belong to it.
     BOOL Rectangle(int left, int top, int right, int bottom);
     BOOL Rectangle(const RECT& box) { return Rectangle(box.left, box.top, box.right, box.bottom); }
+    BOOL Rectangle(const RECT* box) { return box != nullptr && Rectangle(*box); }
     /// Of the ellipse in the box, counter-clockwise from the ray through the start point to the ray through the end
     /// point; the whole of it when both are the same. Not filled.
     BOOL Arc(int left, int top, int right, int bottom, int startX, int startY, int endX, int endY);
     BOOL Arc(const RECT& box, const POINT& start, const POINT& end) {
         return Arc(box.left, box.top, box.right, box.bottom, start.x, start.y, end.x, end.y);
     }
+    BOOL Arc(const RECT* box, const POINT& start, const POINT& end) { return box != nullptr && Arc(*box, start, end); }
     void FillRect(const RECT* rect, CBrush* brush);
     void FillSolidRect(const RECT* rect, COLORREF color);  ///< leaves the background colour set to it
     void InvertRect(const RECT* rect);                     ///< twice the same brings the picture back
-    BOOL BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY);
+    /// Copies a part of the picture of @p source. @return 0 also where there are no pixels, and unless @p operation is
+    /// SRCCOPY
+    BOOL BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY, DWORD operation = SRCCOPY);
     COLORREF GetPixel(int x, int y) const;  ///< 0xFFFFFFFF outside, or where there are no pixels
     COLORREF SetPixel(int x, int y, COLORREF color);
+    BOOL SetPixelV(int x, int y, COLORREF color);
 
     // Texts in the code page, in the selected font and the text colour; the opaque background fills the cell of each
     // line.
@@ -116,6 +134,9 @@ public:
     BOOL TextOut(int x, int y, const CString& text) { return TextOut(x, y, text, text.GetLength()); }
     virtual BOOL ExtTextOut(int x, int y, UINT options, const RECT* rect, const char* text, UINT length,
                             const int* spacing);
+    BOOL ExtTextOut(int x, int y, UINT options, const RECT* rect, const CString& text, const int* spacing) {
+        return ExtTextOut(x, y, options, rect, text, static_cast<UINT>(text.GetLength()), spacing);
+    }
     /// Writes within @p rect by the DT_ flags. @return the height of the text, 0 on failure
     virtual int DrawText(const char* text, int length, RECT* rect, UINT format);
     int DrawText(const CString& text, RECT* rect, UINT format) {
@@ -129,6 +150,10 @@ public:
 
     // Documents of a printer or a file; answers above 0 are success.
     virtual int StartDoc(const char* name);
+    /// The same; fails for null and where an output is named.
+    int StartDoc(const DOCINFO* document) {
+        return document != nullptr && document->lpszOutput == nullptr ? StartDoc(document->lpszDocName) : -1;
+    }
     virtual int StartPage();
     virtual int EndPage();
     virtual int EndDoc();
@@ -143,11 +168,11 @@ protected:
 
 private:
     template <class Object> Object* Select(Object* object);
-    template <class Object> Object* ObjectOf(HGDIOBJ handle);
+    template <class Object> Object* ObjectOf(HGDIOBJ handle) const;
 
     std::shared_ptr<qel::DeviceContext> m_pOutput;
     std::shared_ptr<qel::DeviceContext> m_pAttributes;
-    std::map<HGDIOBJ, std::unique_ptr<CGdiObject>> m_mapObject;  // stand for selected objects of nobody
+    mutable std::map<HGDIOBJ, std::unique_ptr<CGdiObject>> m_mapObject;  // stand for selected objects of nobody
 };
 
 // The same by handles, for code that keeps handles.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "qellib10/platform/drawing/handle_table.h"
+#include "qellib10/platform/wrapped.h"
 
 namespace qel {
 namespace {
@@ -40,9 +41,16 @@ DrawState::DrawState(const SIZE& dotsAnInch)
       mapping(dotsAnInch) {}
 
 DeviceContext::DeviceContext(std::unique_ptr<Surface> surface)
-    : m_pSurface(std::move(surface)), m_state(DotsAnInch(*m_pSurface)) {}
+    : m_pSurface(std::move(surface)), m_state(DotsAnInch(*m_pSurface)) {
+    if (m_pSurface->Pixels() == nullptr) return;
+    m_hOwnBitmap = AddDrawingObject(BitmapObject{PixelBuffer::Create(1, 1)});
+    Select(m_hOwnBitmap);
+}
 
-DeviceContext::~DeviceContext() { m_pSurface->Flush(); }
+DeviceContext::~DeviceContext() {
+    m_pSurface->Flush();
+    RemoveDrawingObject(m_hOwnBitmap);
+}
 
 Surface& DeviceContext::Flushed() {
     m_pSurface->Flush();
@@ -152,7 +160,7 @@ bool DeviceContext::Copy(const POINT& to, const SIZE& size, DeviceContext& sourc
     if (!there.IntersectRect(wanted, CRect(0, 0, pixels->Width(), pixels->Height()))) return true;
     // What lies outside the source leaves the target as it is.
     CPoint target = corner;
-    target.Offset(there.left - wanted.left, there.top - wanted.top);
+    target.Offset(WrappedDifference(there.left, wanted.left), WrappedDifference(there.top, wanted.top));
     m_pSurface->CopyPixels(*pixels, there, target);
     return true;
 }

@@ -56,7 +56,7 @@ public:
     }
 
     /// @return the handle until now; null when the object is none that can be selected
-    HGDIOBJ Select(HGDIOBJ object);
+    HGDIOBJ Select(HGDIOBJ handle);
     int Save();
     bool Restore(int saved);
 
@@ -99,9 +99,10 @@ private:
     std::unique_ptr<Surface> m_pSurface;
     DrawState m_state;
     std::vector<DrawState> m_arySaved;
-    std::shared_ptr<const TextFont> m_pFont;  // for m_fontInUse
+    std::shared_ptr<const TextFont> m_pFont;  // for m_pFontInUse
     std::shared_ptr<const FontObject> m_pFontInUse;
-    int m_nFontHeight = 0;  // of m_pFont, device units as asked for
+    int m_nFontHeight = 0;           // of m_pFont, device units as asked for
+    HGDIOBJ m_hOwnBitmap = nullptr;  // where there are pixels: selected until another one is, and after that one
     bool m_isInkStale = true;
     bool m_isPenDown = false;  // whether the back end's polyline ends at the current position
 };

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <utility>
 
 #include "qellib10/platform/drawing/drawing_object.h"
+#include "qellib10/platform/text/multibyte.h"
 
 namespace qel {
 namespace {
@@ -64,6 +66,8 @@ BOOL CGdiObject::CreateStockObject(int number) {
     return 1;
 }
 
+int CGdiObject::GetObject(int size, void* record) const { return ::GetObject(m_hObject, size, record); }
+
 BOOL CPen::CreatePen(int style, int width, COLORREF color) {
     return qel::Own(*this, qel::AddDrawingObject(qel::PenObject{style, width, color}));
 }
@@ -94,6 +98,15 @@ BOOL CFont::CreateFontIndirect(const LOGFONT* font) {
     return font != nullptr && qel::Own(*this, qel::AddDrawingObject(qel::FontObject{*font}));
 }
 
+BOOL CFont::CreateFont(int height, int width, int escapement, int orientation, int weight, BYTE italic, BYTE underline,
+                       BYTE strikeOut, BYTE charSet, BYTE outPrecision, BYTE clipPrecision, BYTE quality,
+                       BYTE pitchAndFamily, const char* face) {
+    LOGFONT font{height,    width,   escapement,   orientation,   weight,  italic,         underline,
+                 strikeOut, charSet, outPrecision, clipPrecision, quality, pitchAndFamily, {}};
+    if (face != nullptr) qel::CopyBounded(font.lfFaceName, face, LF_FACESIZE - 1);
+    return CreateFontIndirect(&font);
+}
+
 BOOL CFont::GetLogFont(LOGFONT* font) const { return qel::Describe<qel::FontObject>(m_hObject, font); }
 
 BOOL CRgn::CreateRectRgn(int left, int top, int right, int bottom) {
@@ -106,6 +119,18 @@ BOOL CRgn::CreateRectRgnIndirect(const RECT* rect) {
     return rect != nullptr && CreateRectRgn(rect->left, rect->top, rect->right, rect->bottom);
 }
 
+int CRgn::GetRgnBox(RECT* box) const {
+    const auto region = qel::FindObject<qel::RegionObject>(m_hObject);
+    if (!region || box == nullptr) return 0;
+    *box = region->box;
+    return region->box.IsRectEmpty() ? NULLREGION : SIMPLEREGION;
+}
+
+BOOL CRgn::PtInRegion(const POINT& point) const {
+    CRect box;
+    return GetRgnBox(&box) != 0 && box.PtInRect(point);
+}
+
 BOOL CBitmap::CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {
     return qel::Own(*this, ::CreateBitmap(width, height, planes, bitsPixel, bits));
 }
@@ -116,14 +141,32 @@ BOOL CBitmap::CreateCompatibleBitmap(CDC*, int width, int height) {
 
 BOOL CBitmap::GetBitmap(BITMAP* description) const { return qel::Describe<qel::BitmapObject>(m_hObject, description); }
 
-DWORD CBitmap::GetBitmapBits(DWORD size, void* bits) const {
-    const auto bitmap = qel::FindObject<qel::BitmapObject>(m_hObject);
-    if (!bitmap || bits == nullptr) return 0;
-    qel::PixelBuffer& pixels = *bitmap->pixels;
+namespace {
+
+std::span<std::byte> SettledBytes(const CBitmap& bitmap) {
+    const auto object = qel::FindObject<qel::BitmapObject>(bitmap.GetSafeHandle());
+    if (!object) return {};
+    qel::PixelBuffer& pixels = *object->pixels;
     pixels.Settle();
-    const std::size_t all = std::size_t(pixels.Width()) * std::size_t(pixels.Height()) * 4;
-    const std::size_t copied = std::min<std::size_t>(size, all);
-    std::memcpy(bits, pixels.Row(0), copied);
+    const std::size_t count = std::size_t(pixels.Width()) * std::size_t(pixels.Height());
+    return std::as_writable_bytes(std::span(pixels.Row(0), count));
+}
+
+}  // namespace
+
+DWORD CBitmap::GetBitmapBits(DWORD size, void* bits) const {
+    const auto bytes = SettledBytes(*this);
+    if (bits == nullptr || bytes.empty()) return 0;
+    const std::size_t copied = std::min<std::size_t>(size, bytes.size());
+    std::memcpy(bits, bytes.data(), copied);
+    return static_cast<DWORD>(copied);
+}
+
+DWORD CBitmap::SetBitmapBits(DWORD size, const void* bits) {
+    const auto bytes = SettledBytes(*this);
+    if (bits == nullptr || bytes.empty()) return 0;
+    const std::size_t copied = std::min<std::size_t>(size, bytes.size());
+    std::memcpy(bytes.data(), bits, copied);
     return static_cast<DWORD>(copied);
 }
 

@@ -24,6 +24,8 @@ public:
     BOOL DeleteObject();
     /// Takes the object of number @p number (WHITE_BRUSH and so on), which deleting leaves alone.
     BOOL CreateStockObject(int number);
+    /// The record of this object, as the function of this name.
+    int GetObject(int size, void* record) const;
 
     HGDIOBJ m_hObject = nullptr;
 };
@@ -59,6 +61,10 @@ public:
 class QELLIB10_API CFont : public CGdiObject {
 public:
     BOOL CreateFontIndirect(const LOGFONT* font);
+    /// The same by the members of LOGFONT; the face is cut to 31 bytes.
+    BOOL CreateFont(int height, int width, int escapement, int orientation, int weight, BYTE italic, BYTE underline,
+                    BYTE strikeOut, BYTE charSet, BYTE outPrecision, BYTE clipPrecision, BYTE quality,
+                    BYTE pitchAndFamily, const char* face);
     /// A font of @p tenths tenths of a point on @p dc (null: at 96 dots an inch), its size by the attribute context's
     /// vertical resolution; 0 is the default size. The face is cut to 31 bytes.
     BOOL CreatePointFont(int tenths, const char* face, CDC* dc = nullptr);
@@ -74,6 +80,9 @@ public:
     /// Covers left to right - 1 and top to bottom - 1; reversed edges are exchanged, an empty one hides everything.
     BOOL CreateRectRgn(int left, int top, int right, int bottom);
     BOOL CreateRectRgnIndirect(const RECT* rect);
+    /// @return 2, or 1 when it has no area, or 0 without a region
+    int GetRgnBox(RECT* box) const;
+    BOOL PtInRegion(const POINT& point) const;
     operator HRGN() const noexcept { return static_cast<HRGN>(m_hObject); }
 };
 
@@ -87,6 +96,8 @@ public:
     BOOL GetBitmap(BITMAP* description) const;
     /// Copies at most @p size bytes of the pixels' words out, row by row. @return the bytes copied
     DWORD GetBitmapBits(DWORD size, void* bits) const;
+    /// Copies such words in.
+    DWORD SetBitmapBits(DWORD size, const void* bits);
     operator HBITMAP() const noexcept { return static_cast<HBITMAP>(m_hObject); }
 };
 

@@ -6,6 +6,26 @@
 
 #include "qellib10/platform/wrapped.h"
 
+CSize CSize::operator+(const SIZE& by) const noexcept {
+    return {qel::WrappedSum(cx, by.cx), qel::WrappedSum(cy, by.cy)};
+}
+
+CSize CSize::operator-(const SIZE& by) const noexcept {
+    return {qel::WrappedDifference(cx, by.cx), qel::WrappedDifference(cy, by.cy)};
+}
+
+CPoint CPoint::operator+(const SIZE& by) const noexcept {
+    return {qel::WrappedSum(x, by.cx), qel::WrappedSum(y, by.cy)};
+}
+
+CPoint CPoint::operator-(const SIZE& by) const noexcept {
+    return {qel::WrappedDifference(x, by.cx), qel::WrappedDifference(y, by.cy)};
+}
+
+CSize CPoint::operator-(const POINT& from) const noexcept {
+    return {qel::WrappedDifference(x, from.x), qel::WrappedDifference(y, from.y)};
+}
+
 void CPoint::Offset(int dx, int dy) noexcept {
     x = qel::WrappedSum(x, dx);
     y = qel::WrappedSum(y, dy);
@@ -17,6 +37,11 @@ CRect::CRect(const POINT& topLeft, const SIZE& size) noexcept
 int CRect::Width() const noexcept { return qel::WrappedDifference(right, left); }
 
 int CRect::Height() const noexcept { return qel::WrappedDifference(bottom, top); }
+
+CPoint CRect::CenterPoint() const noexcept {
+    const auto middle = [](LONGLONG a, LONGLONG b) { return static_cast<int>((a + b) / 2); };
+    return {middle(left, right), middle(top, bottom)};
+}
 
 BOOL CRect::PtInRect(const POINT& point) const noexcept {
     return point.x >= left && point.x < right && point.y >= top && point.y < bottom;
@@ -36,6 +61,10 @@ void CRect::InflateRect(int dx, int dy) noexcept {
     bottom = qel::WrappedSum(bottom, dy);
 }
 
+void CRect::DeflateRect(int dx, int dy) noexcept {
+    InflateRect(qel::WrappedDifference(0, dx), qel::WrappedDifference(0, dy));
+}
+
 void CRect::NormalizeRect() noexcept {
     if (right < left) std::swap(left, right);
     if (bottom < top) std::swap(top, bottom);
@@ -45,6 +74,17 @@ BOOL CRect::IntersectRect(const RECT& a, const RECT& b) noexcept {
     const CRect common(std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
                        std::min(a.bottom, b.bottom));
     *this = common.IsRectEmpty() ? CRect() : common;
+    return !IsRectEmpty();
+}
+
+BOOL CRect::UnionRect(const RECT& a, const RECT& b) noexcept {
+    const CRect first(a), second(b);
+    if (first.IsRectEmpty() || second.IsRectEmpty()) {
+        *this = !first.IsRectEmpty() ? first : !second.IsRectEmpty() ? second : CRect();
+    } else {
+        *this = CRect(std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+                      std::max(a.bottom, b.bottom));
+    }
     return !IsRectEmpty();
 }
 

@@ -21,12 +21,15 @@ struct RECT {
     LONG bottom;
 };
 
-/// A width and a height.
-class CSize : public SIZE {
+/// A width and a height. Sums wrap at 32 bits.
+class QELLIB10_API CSize : public SIZE {
 public:
     constexpr CSize() noexcept : SIZE{0, 0} {}
     constexpr CSize(int width, int height) noexcept : SIZE{width, height} {}
     constexpr CSize(const SIZE& size) noexcept : SIZE(size) {}
+
+    CSize operator+(const SIZE& by) const noexcept;
+    CSize operator-(const SIZE& by) const noexcept;
 
     friend constexpr bool operator==(const CSize& a, const CSize& b) noexcept { return a.cx == b.cx && a.cy == b.cy; }
 };
@@ -40,6 +43,9 @@ public:
 
     void Offset(int dx, int dy) noexcept;
     void Offset(const POINT& by) noexcept { Offset(by.x, by.y); }
+    CPoint operator+(const SIZE& by) const noexcept;
+    CPoint operator-(const SIZE& by) const noexcept;
+    CSize operator-(const POINT& from) const noexcept;  ///< the way from there to here
 
     friend constexpr bool operator==(const CPoint& a, const CPoint& b) noexcept { return a.x == b.x && a.y == b.y; }
 };
@@ -53,11 +59,16 @@ public:
     constexpr CRect(const RECT& rect) noexcept : RECT(rect) {}
     CRect(const POINT& topLeft, const SIZE& size) noexcept;
 
+    /// So that a rectangle can be given where its address is asked for.
+    operator RECT*() noexcept { return this; }
+    operator const RECT*() const noexcept { return this; }
+
     int Width() const noexcept;   ///< right - left
     int Height() const noexcept;  ///< bottom - top
     CSize Size() const noexcept { return {Width(), Height()}; }
     CPoint TopLeft() const noexcept { return {left, top}; }
     CPoint BottomRight() const noexcept { return {right, bottom}; }
+    CPoint CenterPoint() const noexcept;  ///< truncated toward zero
 
     void SetRect(int l, int t, int r, int b) noexcept { *this = CRect(l, t, r, b); }
     void SetRectEmpty() noexcept { *this = CRect(); }
@@ -69,10 +80,13 @@ public:
     void OffsetRect(const POINT& by) noexcept { OffsetRect(by.x, by.y); }
     /// Moves every edge outward by @p dx and @p dy.
     void InflateRect(int dx, int dy) noexcept;
+    void DeflateRect(int dx, int dy) noexcept;  ///< inward
     /// Exchanges edges so that width and height are not negative.
     void NormalizeRect() noexcept;
     /// Becomes what both have in common, or the empty rectangle 0,0,0,0. @return 0 when that is nothing
     BOOL IntersectRect(const RECT& a, const RECT& b) noexcept;
+    /// Becomes the smallest one around both; one without area counts for nothing. @return 0 when that is nothing
+    BOOL UnionRect(const RECT& a, const RECT& b) noexcept;
 
     friend constexpr bool operator==(const CRect& a, const CRect& b) noexcept {
         return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;

@@ -25,7 +25,25 @@ enum : DWORD {
 enum : short { DMORIENT_PORTRAIT = 1, DMORIENT_LANDSCAPE = 2 };
 enum : short { DMCOLOR_MONOCHROME = 1, DMCOLOR_COLOR = 2 };
 enum : short { DMDUP_SIMPLEX = 1, DMDUP_VERTICAL = 2, DMDUP_HORIZONTAL = 3 };
-enum : short { DMPAPER_LETTER = 1, DMPAPER_A4 = 9, DMPAPER_USER = 256 };
+enum : short {
+    DMPAPER_LETTER = 1,
+    DMPAPER_LETTERSMALL,
+    DMPAPER_TABLOID,
+    DMPAPER_LEDGER,
+    DMPAPER_LEGAL,
+    DMPAPER_STATEMENT,
+    DMPAPER_EXECUTIVE,
+    DMPAPER_A3,
+    DMPAPER_A4,
+    DMPAPER_A4SMALL,
+    DMPAPER_A5,
+    DMPAPER_B4,
+    DMPAPER_B5,
+    DMPAPER_FOLIO,
+    DMPAPER_QUARTO,
+    DMPAPER_USER = 256
+};
+enum : short { DMCOLLATE_FALSE = 0, DMCOLLATE_TRUE = 1 };
 
 /// How a printer is to print: the framework's record.
 struct DEVMODE {

@@ -38,6 +38,7 @@ int CPrintDialog::DoModal() {
         m_szDriver.Empty();
         m_szPort.Empty();
         m_mode = choice->mode;
+        m_hDC = nullptr;
     }
     return IDOK;
 }
@@ -55,11 +56,12 @@ BOOL CPrintDialog::SelectPrinter(const char* device, const DEVMODE* mode) {
     m_szDevice = printer->entry.name;
     m_szDriver = printer->entry.driver;
     m_szPort = printer->entry.port;
+    m_hDC = nullptr;
     return 1;
 }
 
-HDC CPrintDialog::CreatePrinterDC() const {
-    return CreateDC(m_szDriver, m_szDevice, m_szPort, m_mode ? &*m_mode : nullptr);
+HDC CPrintDialog::CreatePrinterDC() {
+    return m_hDC = CreateDC(m_szDriver, m_szDevice, m_szPort, m_mode ? &*m_mode : nullptr);
 }
 
 CPrintInfo::CPrintInfo() : m_pPD(new CPrintDialog(0)) {}

@@ -72,9 +72,18 @@ public:
     /// The chosen settings, good as long as this object; null when there are none: nothing was chosen, or a printer
     /// that could not be asked.
     DEVMODE* GetDevMode() { return m_mode ? &*m_mode : nullptr; }
+    // The dialog offers all pages and nothing else.
+    BOOL PrintAll() const { return 1; }
+    BOOL PrintRange() const { return 0; }
+    BOOL PrintSelection() const { return 0; }
+    int GetFromPage() const { return -1; }  ///< none: there is no range
+    int GetToPage() const { return -1; }    ///< as GetFromPage
+    BOOL PrintCollate() const { return m_mode && m_mode->dmCollate == DMCOLLATE_TRUE; }
     int GetCopies() const { return m_mode && m_mode->dmCopies > 0 ? m_mode->dmCopies : 1; }
     /// A new context of the chosen printer with the chosen settings, which the caller deletes; null on failure.
-    HDC CreatePrinterDC() const;
+    HDC CreatePrinterDC();
+    /// The context that was made of the chosen printer, or a new one when there was none yet. The caller deletes it.
+    HDC GetPrinterDC() { return m_hDC != nullptr ? m_hDC : CreatePrinterDC(); }
 
 private:
     DWORD m_dwFlags;
@@ -83,4 +92,5 @@ private:
     CString m_szDriver;
     CString m_szPort;
     std::optional<DEVMODE> m_mode;
+    HDC m_hDC = nullptr;  // of what is chosen now, once it was asked for; the caller's
 };

@@ -9,8 +9,6 @@
 namespace qel {
 namespace {
 
-constexpr int kFinestResolution = 9600;
-
 // A mode's member, where the mode sets it to something.
 int ValueOf(const DEVMODE& mode, DWORD field, short value) {
     return (mode.dmFields & field) != 0 && value > 0 ? value : 0;
@@ -59,7 +57,9 @@ PageSetup PageOn(const Sheet& sheet, const SIZE& dotsAnInch) {
 SIZE ResolutionFor(const Printer& printer, const DEVMODE& mode) {
     const int down = ValueOf(mode, DM_YRESOLUTION, mode.dmYResolution);
     const int across = ValueOf(mode, DM_PRINTQUALITY, mode.dmPrintQuality);
-    const auto usable = [](int wanted, int own) { return wanted > 0 && wanted <= kFinestResolution ? wanted : own; };
+    const auto usable = [](int wanted, int own) {
+        return wanted > 0 && wanted <= PageSetup::kFinestResolution ? wanted : own;
+    };
     return {usable(across, usable(down, printer.dotsAnInch.cx)), usable(down, usable(across, printer.dotsAnInch.cy))};
 }
 
@@ -80,6 +80,10 @@ std::optional<SIZE> PageOf(const DEVMODE& mode) {
 
 }  // namespace qel
 
+BOOL CDC::CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode) {
+    return m_hDC == nullptr && Attach(::CreateDC(driver, device, output, mode));
+}
+
 HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) {
     if (device == nullptr) return nullptr;
     const DEVMODE wanted = mode != nullptr ? *mode : DEVMODE{};
@@ -87,8 +91,7 @@ HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) 
     if (!printer) return nullptr;
     const qel::Sheet sheet = qel::SheetFor(*printer, wanted);
     const qel::PageSetup page = qel::PageOn(sheet, qel::ResolutionFor(*printer, wanted));
-    const CSize drawable = page.DrawableDots();
-    if (drawable.cx < 1 || drawable.cy < 1) return nullptr;
+    if (!page.IsDrawable()) return nullptr;
 
     qel::JobOptions options;
     options.medium = sheet.medium.name;

@@ -217,13 +217,63 @@ TEST(Dc, BitmapsAreLimitedAndCopied) {
     EXPECT_FALSE(bitmap.CreateBitmap(5, 5, 2, 32, nullptr));
     Canvas source, target;
     source.dc.LineTo(10, 10);
-    EXPECT_TRUE(target.dc.BitBlt(20, 20, 100, 100, &source.dc, -2, 0));
+    EXPECT_TRUE(target.dc.BitBlt(20, 20, 100, 100, &source.dc, -2, 0, SRCCOPY));
+    EXPECT_FALSE(target.dc.BitBlt(0, 0, 100, 100, &source.dc, 0, 0, SRCCOPY + 1));
     ExpectBox(target.Ink(), {22, 20, 32, 30});
     EXPECT_TRUE(source.dc.BitBlt(1, 3, 20, 20, &source.dc, 0, 0)) << "onto itself";
     EXPECT_EQ(source.At(10, 12), 0u);
+    source.dc.SetMapMode(MM_ANISOTROPIC);
+    source.dc.SetViewportExt(1000, 1000);
+    EXPECT_TRUE(target.dc.BitBlt(0, 0, 0x7FFFFFFF, 1, &source.dc, -0x40000000, 0)) << "farther than 32 bits reach";
     CDC none;
     EXPECT_FALSE(target.dc.BitBlt(0, 0, 1, 1, &none, 0, 0));
     EXPECT_FALSE(none.LineTo(1, 1));
     EXPECT_EQ(none.SaveDC(), 0);
     EXPECT_LT(none.StartDoc("x"), 1);
+}
+
+TEST(Dc, APictureIsLetGoWhenTheFirstOneIsSelectedAgain) {
+    CDC dc;
+    ASSERT_TRUE(dc.CreateCompatibleDC(nullptr));
+    EXPECT_EQ(dc.SaveDC(), 1);
+    CBitmap bitmap;
+    ASSERT_TRUE(bitmap.CreateBitmap(2, 1, 1, 32, nullptr));
+    CBitmap* const first = dc.SelectObject(&bitmap);
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(dc.GetCurrentBitmap(), &bitmap);
+    const DWORD words[] = {0x112233, 0x445566, 0x778899};
+    EXPECT_EQ(bitmap.SetBitmapBits(sizeof words, words), 8u);
+    EXPECT_EQ(dc.GetPixel(1, 0), RGB(0x44, 0x55, 0x66));
+    EXPECT_EQ(dc.SelectObject(first), &bitmap);
+    EXPECT_EQ(dc.GetDeviceCaps(HORZRES), 1);
+    EXPECT_EQ(dc.SelectObject(&bitmap), first);
+    EXPECT_TRUE(dc.RestoreDC(1));
+    EXPECT_EQ(dc.GetDeviceCaps(HORZRES), 1) << "a state has its picture";
+}
+
+// As code of the framework's own systems writes it.
+TEST(Dc, TakesRectanglesByTheirAddressToo) {
+    Canvas canvas;
+    CRect box(5, 5, 15, 15);
+    CBrush red(kRed);
+    EXPECT_EQ(canvas.dc.IntersectClipRect(box), SIMPLEREGION);
+    box.OffsetRect(5, 5);
+    canvas.dc.FillRect(box, &red);
+    ExpectBox(canvas.Ink(), {10, 10, 15, 15});
+    EXPECT_EQ(canvas.dc.IntersectClipRect(&box), SIMPLEREGION);
+    EXPECT_EQ(canvas.dc.GetClipBox(box), SIMPLEREGION);
+    EXPECT_TRUE(box == CRect(10, 10, 15, 15) && box.CenterPoint() - CPoint(2, 2) == CSize(10, 10));
+    canvas.dc.Rectangle(&box);
+    EXPECT_EQ(canvas.dc.IntersectClipRect(0, 0, 5, 5), NULLREGION);
+    CRect around;
+    EXPECT_TRUE(around.UnionRect(box, {0, 0, 1, 11}) && around == CRect(0, 0, 15, 15));
+    EXPECT_TRUE(around.UnionRect(box, {20, 20, 20, 30}) && around == box) << "without area";
+    CFont font;
+    LOGFONT description;
+    const std::string face = std::string(30, 'a') + "\x93\x48";
+    ASSERT_TRUE(font.CreateFont(-20, 0, 0, 0, FW_BOLD, 1, 0, 0, SHIFTJIS_CHARSET, OUT_DEFAULT_PRECIS,
+                                CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, face.c_str()));
+    ASSERT_EQ(font.GetObject(sizeof description, &description), int{sizeof description});
+    EXPECT_TRUE(description.lfWeight == FW_BOLD && description.lfCharSet == SHIFTJIS_CHARSET);
+    EXPECT_EQ(description.lfFaceName, std::string(30, 'a')) << "no half character";
 }

@@ -108,7 +108,16 @@ TEST(PdfDc, RefusesStepsOutOfOrderAndLeavesNothingOfThem) {
     EXPECT_GT(dc.StartPage(), 0);
     EXPECT_TRUE(dc.DeleteDC());
     EXPECT_EQ(folder.Count(), 0);
-    EXPECT_EQ(qel::CreatePdfDC(folder.Path("a.pdf"), {{0, 100}, {600, 600}, {}}), nullptr);
+    constexpr int kMost = 0x7FFFFFFF;
+    for (const qel::PageSetup& page : {qel::PageSetup{{0, 100}, {600, 600}, {}},
+                                       {{kMost, 100}, {600, 600}, {}},
+                                       {{100, 100}, {kMost, 600}, {}},
+                                       {{100, 100}, {600, 0}, {}},
+                                       {{100, 100}, {600, 600}, {50, 0, 50, 0}},
+                                       {{100, 100}, {600, 600}, {kMost, 0, kMost, 0}},
+                                       {{100, 100}, {600, 600}, {0, -1, 0, 0}}})
+        EXPECT_EQ(qel::CreatePdfDC(folder.Path("a.pdf"), page), nullptr);
+    EXPECT_EQ(qel::CreateSvgDC(folder.Path("a.svg"), {100, 100}, kMost), nullptr);
     EXPECT_FALSE(Draw(qel::CreatePdfDC(folder.Path("no") + "\\a.pdf", {}), 1, "x")) << "no such folder";
 }
 
@@ -121,6 +130,41 @@ TEST(SvgDc, KeepsTextsAndIsWellFormed) {
     EXPECT_EQ(OutputOf("xmllint --noout " + folder.Posix("a.svg").string() + " 2>&1"), "");
     EXPECT_EQ(OutputOf("xmllint --xpath \"string(//*[local-name()='text'])\" " + folder.Posix("a.svg").string()),
               "pH < 7 & 滴\n");
+}
+
+TEST(SvgDc, DrawsWhatPagesShow) {
+    const TempFolder folder;
+    CDC dc;
+    ASSERT_TRUE(dc.Attach(qel::CreateSvgDC(folder.Path("a.svg"), {400, 300})));
+    const DOCINFO document{sizeof document, "\x01", nullptr, nullptr, 0}, toFile{0, "x", "y", nullptr, 0};
+    EXPECT_LT(dc.StartDoc(&toFile), 1);
+    ASSERT_TRUE(dc.StartDoc(&document) > 0 && dc.StartPage() > 0);
+    CPen dashed(PS_DASH, 1, RGB(255, 0, 0));
+    CBrush hatch(HS_CROSS, 0);
+    dc.SelectObject(&dashed);
+    dc.SetBkColor(RGB(1, 2, 3));
+    dc.LineTo(50, 0);
+    dc.Arc(5, 5, 6, 20, 0, 0, 0, 0);  // a line: a flat ellipse would not be seen
+    for (int i = 0; i < 3; ++i) dc.FillRect(CRect(-0x7FFFFFFF, i, 0x7FFFFFFF, i + 5), &hatch);
+    CFont font;
+    ASSERT_TRUE(font.CreateFont(20, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, "Arial"));
+    dc.SelectObject(&font);
+    dc.TextOut(5, 5, "x");
+    ASSERT_TRUE(dc.EndPage() > 0 && dc.EndDoc() > 0);
+    const std::string svg = folder.Read("a.svg");
+    EXPECT_EQ(OutputOf("xmllint --noout " + folder.Posix("a.svg").string() + " 2>&1"), "");
+    const std::pair<std::string_view, int> cases[] = {
+        {"stroke=\"#010203\" stroke-width=\"1\" points", 1},  // behind the dashes
+        {"stroke-dasharray=\"18 6\" points", 1},
+        {"x1=\"5.5\" y1=\"5.5\" x2=\"5.5\" y2=\"19.5\"", 2},
+        {"width=\"4294967294\" height=\"5\"", 3},
+        {"<pattern", 1},
+        {"text-decoration=\"underline line-through\"", 1}};
+    for (const auto& [text, count] : cases) {
+        int found = 0;
+        for (std::size_t at = svg.find(text); at != std::string::npos; at = svg.find(text, at + 1)) ++found;
+        EXPECT_EQ(found, count) << text;
+    }
 }
 
 TEST(CairoDc, HasTheThinLinesOfABitmap) {

@@ -37,5 +37,6 @@ TEST(PngFile, IsReadBackWithEveryPixel) {
     EXPECT_EQ(qel::SavePng(CBitmap(), folder.Path("none.png")), 0);
     CBitmap bitmap;
     ASSERT_TRUE(bitmap.CreateBitmap(1, 1, 1, 32, nullptr));
+    for (const int dots : {0, 9601, 0x7FFFFFFF}) EXPECT_EQ(qel::SavePng(bitmap, folder.Path("none.png"), dots), 0);
     EXPECT_EQ(qel::SavePng(bitmap, folder.Path("no") + "\\folder.png"), 0);
 }

@@ -41,8 +41,7 @@ std::string Names(DWORD flags) {
     return names;
 }
 
-class Cups : public testing::Test {
-protected:
+struct Cups : testing::Test {
     void SetUp() override {
         if (!PrintSystem::IsInstalled()) GTEST_SKIP() << PrintSystem::kNeeds;
         system.emplace();
@@ -77,7 +76,8 @@ TEST_F(Cups, PrintersAreListedAndDescribed) {
             EXPECT_FALSE(GetPrinter(printer, 2, buffer.data(), 8, &needed));
             EXPECT_EQ(std::ranges::count(buffer, 0), needed + 1) << "nothing is written";
             ASSERT_TRUE(GetPrinter(printer, 2, buffer.data(), needed, &needed));
-            EXPECT_TRUE(ClosePrinter(printer) && !ClosePrinter(printer));
+            EXPECT_TRUE(ClosePrinter(printer));
+            EXPECT_FALSE(ClosePrinter(printer));
             PRINTER_INFO_2 info;
             std::memcpy(&info, buffer.data(), sizeof info);
             EXPECT_TRUE(name == info.pPrinterName && driver == info.pDriverName) << name;
@@ -204,6 +204,21 @@ TEST(PdfPrinter, WritesEachDocumentUnderANameOfItsOwn) {
     folder.Write("user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"" + folder.Posix("Papers").native() + "\"\n");
     EXPECT_TRUE(Print(Printer("PDF"), "x"));
     EXPECT_TRUE(folder.Has("Papers/x.pdf"));
+}
+
+TEST(PdfPrinter, IsChosenByNameInAnyOfTheWays) {
+    CDC dc;
+    EXPECT_FALSE(dc.CreateDC(nullptr, "nobody", nullptr, nullptr));
+    EXPECT_TRUE(dc.CreateDC("PDF", "PDF", nullptr, nullptr));
+    EXPECT_FALSE(dc.CreateDC(nullptr, "PDF", nullptr, nullptr)) << "it has one";
+    CPrintDialog dialog(0);
+    EXPECT_EQ(dialog.GetPrinterDC(), nullptr);
+    ASSERT_TRUE(dialog.SelectPrinter("PDF"));
+    CDC first, second;
+    ASSERT_TRUE(first.Attach(dialog.GetPrinterDC()));
+    EXPECT_EQ(dialog.GetPrinterDC(), first.GetSafeHdc());
+    ASSERT_TRUE(dialog.SelectPrinter("PDF"));
+    EXPECT_TRUE(second.Attach(dialog.GetPrinterDC()) && first.GetSafeHdc() != second.GetSafeHdc());
 }
 
 TEST(PdfPrinter, MakesFileNamesOfDocumentNames) {
