@@ -1,8 +1,11 @@
-// Promises, each a ratio to the peer in the same run:
-//   Base64 of 1 KiB and 1 MiB, both directions: at least 7 times OpenSSL's EVP block functions
-//   GUID text into a caller's buffer: at least 4 times libuuid's
-//   1 MiB appended to the buffer by 64 bytes: at least 1.5 times GLib's GByteArray
-//   a telegram of five number fields: at least 1.5 times std::string with std::to_chars
+// Promises: Base64 beside OpenSSL's EVP block functions, GUID text into a caller's buffer beside libuuid, 1 MiB
+// appended to the buffer by 64 bytes beside GLib's GByteArray, a telegram of five number fields beside std::string
+// with std::to_chars.
+//   Base64Encode/* >= 7 Base64EncodePeer/*
+//   Base64Decode/* >= 7 Base64DecodePeer/*
+//   GuidText >= 4 GuidTextPeer
+//   BufferAppend >= 1.5 BufferAppendPeer
+//   Telegram >= 1.5 TelegramPeer
 #include <benchmark/benchmark.h>
 #include <glib.h>
 #include <openssl/evp.h>

@@ -1,7 +1,9 @@
-// Promises about a history cabinet of 200 versions of 1 MiB:
-//   registering 1 MiB: at most 1.3 times one copy of the cabinet in the kernel plus writing and flushing 1 MiB; where
-//   the file system shares blocks (XFS, skipped where none can be mounted) at most 2 times writing and flushing 1 MiB
-//   taking out the latest or a middle version: at least 0.85 times reading and writing 1 MiB
+// Promises about a history cabinet of 200 versions of 1 MiB. Registering 1 MiB stands beside one copy of the cabinet in
+// the kernel plus writing and flushing 1 MiB; where the file system shares blocks (XFS, left out where none can be
+// mounted) beside writing and flushing 1 MiB; taking out a version beside reading and writing 1 MiB.
+//   Register <= 1.3 RegisterPeer
+//   RegisterWithReflinks <= 2 RegisterWithReflinksPeer
+//   TakeOut/* >= 0.85 TakeOutPeer/*
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>

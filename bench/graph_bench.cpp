@@ -1,9 +1,11 @@
 // Promise: redrawing a graph of 1200 x 800 pixels costs reading each point once. Beside us draw the same points Cairo
-// (strokes without antialiasing), QCustomPlot with its adaptive sampling, and the plain lines of AGG:
-//   10 series of 100,000 points     at least 40 times Cairo, at least 2 times QCustomPlot
-//   512 series of 1,000 points      at least 15 times Cairo
-//   a series of 10,000,000 points   at least 15 times AGG
-// A point added to a million is redrawn in 2 to 4 ns for each of them. Texts, frame and grid are part of our times.
+// (strokes without antialiasing), QCustomPlot with its adaptive sampling, and the plain lines of AGG. A point added to
+// a million is redrawn in some nanoseconds for each of them. Texts, frame and grid are part of our times.
+//   Draw<Ours>/10/100000/* >= 40 Draw<Cairo>/10/100000/*
+//   Draw<Ours>/10/100000/* >= 2 Draw<CustomPlot>/10/100000/*
+//   Draw<Ours>/512/1000/10 >= 15 Draw<Cairo>/512/1000/10
+//   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
+//   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
 #include <agg_pixfmt_rgba.h>
 #include <agg_rasterizer_outline.h>
 #include <agg_renderer_base.h>

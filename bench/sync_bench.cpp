@@ -1,5 +1,8 @@
-// Promise: a turn under the lock of a shared block (take the lock, map, unmap, give the lock back) costs at most three
-// times mapping and unmapping the view alone, and waiting for the lock costs no processor time.
+// Promises: a turn under the lock of a shared block (take the lock, map, unmap, give the lock back) costs little more
+// than mapping and unmapping the view alone, and waiting half a second for the lock costs no processor time but that of
+// a process.
+//   Turn<CAutoLockedMemoryMappedFile>/* <= 3 TurnPeerMmap/*
+//   WaitForTheLock:busy_seconds <= 0.01
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,5 +1,10 @@
-// Promises, at 1 MiB: mostly ASCII text converts between code page 932 and UTF-8 at least 3 times as fast as bare
-// iconv, and Japanese text not slower. Comparing two names takes no memory.
+// Promises, at 1 MiB: mostly ASCII text converts between code page 932 and UTF-8 faster than by bare iconv, and
+// Japanese text not slower. Comparing two names is faster than folding them, as it takes no memory.
+//   ToUtf8/MostlyAscii >= 3 ToUtf8Peer/MostlyAscii
+//   FromUtf8/MostlyAscii >= 3 FromUtf8Peer/MostlyAscii
+//   ToUtf8/Japanese >= 1 ToUtf8Peer/Japanese
+//   FromUtf8/Japanese >= 1 FromUtf8Peer/Japanese
+//   SameName >= 1 SameNamePeer
 
 #include <benchmark/benchmark.h>
 #include <iconv.h>

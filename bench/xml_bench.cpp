@@ -1,5 +1,8 @@
-// Promises: a document of 1 MB, enciphered, loaded and saved in at most 1.5 times the time of pugixml's own parsing or
-// writing with the same code page and cipher; GetNodeText in at most 1.4 times the time of pugixml's select_node.
+// Promises: a document of 1 MB, enciphered, loaded and saved beside pugixml's own parsing or writing with the same code
+// page and cipher; GetNodeText beside pugixml's select_node.
+//   Load <= 1.5 LoadOfPugixml
+//   Save <= 1.5 SaveOfPugixml
+//   NodeText/* <= 1.4 SelectNode/*
 
 #include <filesystem>
 #include <fstream>
