@@ -11,7 +11,8 @@
 ///
 ///     own data | info length (4) | file name, zero | version (4) | GUID (16) | CRC (4) | sum (4) | trailer length (4)
 ///
-/// Sealing again, after a change within the data, writes a new trailer over the old one.
+/// Sealing again counts the version up and writes the new trailer over the old one. Data that are to change are written
+/// anew without a trailer and sealed (isNew) by an object that has read the old seal: identity and count go on.
 ///
 /// Operations work on an open file of the caller's and answer 1, or 0 when the check fails or the system refuses;
 /// nothing is thrown. A file that could not be sealed is as it was. Unless stated they leave the file's position

@@ -21,8 +21,10 @@ class XmlDocument;
 ///     return method.LockCommit();
 ///
 /// A path is XPath 1.0 from the root element, which it does not name: `Settings/Unit` is the child Unit of the root's
-/// child Settings. Predicates count from 1, and `end()` is the last of the matching siblings: `Item[2]`,
-/// `Item[@k='x']`, `Item[end()]`. Prefixes are part of a name. An attribute can be read, set and shown (`Item/@k`).
+/// child Settings. Predicates count from 1, and `end()` is the last of the matching siblings. Prefixes are part of a
+/// name. An attribute can be read, set and shown.
+///
+///     Item[2]    Item[@k='x']    Item[end()]    Item/@k
 ///
 /// Text is in the process's code page. Characters that it lacks are kept as numeric references (`&#228;`) in the text
 /// of the document, and answered as their best fit. XML that is not well-formed is refused; so are elements nested

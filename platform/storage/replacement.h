@@ -8,8 +8,8 @@
 
 namespace qel {
 
-/// A file that is replaced as a whole: what is written stands in `<name>.<4 hex digits>.tmp` beside it, and becomes the
-/// file in one step. Readers see the old bytes or the new ones; without Commit nothing happened.
+/// A file that is replaced as a whole. What is written stands beside it, as `<name>.<4 hex digits>.tmp`, and becomes
+/// the file in one step. Readers see the old bytes or the new ones; without Commit nothing happened.
 ///
 ///     qel::Replacement settings(path);
 ///     qel::WriteFully(settings.File(), bytes, path);
