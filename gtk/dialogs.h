@@ -13,8 +13,9 @@ namespace qel {
 ///         qel::UseGtkDialogs();
 ///
 /// Owner windows (HWND) are pointers to widgets (GtkWidget*); a dialog stands in front of the window that the widget is
-/// in. The print dialog's "Print to File" is the library's printer PDF, which names files itself. Of what the dialog
-/// offers, printer, paper, orientation, copies and sides count.
+/// in, without an owner in front of the application's active window. The print dialog's "Print to File" is the
+/// library's printer PDF, which names files itself. Of what the dialog offers, printer, paper, orientation, copies and
+/// sides count.
 /// @return false without a display: nothing is changed then
 QELLIB10_API bool UseGtkDialogs();
 

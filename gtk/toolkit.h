@@ -39,9 +39,21 @@ private:
     GtkWidget* m_pWidget;
 };
 
-/// The window that a widget is in; null for no widget.
+/// The window of the application that the user is working in; null when it is none.
+inline GtkWidget* ActiveWindow() {
+    GtkWidget* active = nullptr;
+    GList* const windows = gtk_window_list_toplevels();
+    for (GList* item = windows; item != nullptr && active == nullptr; item = item->next) {
+        if (gtk_window_is_active(GTK_WINDOW(item->data))) active = GTK_WIDGET(item->data);
+    }
+    g_list_free(windows);
+    return active;
+}
+
+/// The window that a widget is in, for no widget the active one; null when there is none.
 inline GtkWindow* WindowOf(HWND widget) {
-    GtkWidget* const window = widget != nullptr ? gtk_widget_get_toplevel(static_cast<GtkWidget*>(widget)) : nullptr;
+    GtkWidget* const window =
+        widget != nullptr ? gtk_widget_get_toplevel(static_cast<GtkWidget*>(widget)) : ActiveWindow();
     return GTK_IS_WINDOW(window) ? GTK_WINDOW(window) : nullptr;
 }
 

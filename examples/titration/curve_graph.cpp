@@ -23,9 +23,9 @@ constexpr std::size_t kMostPoints = 10'000;  // more than a page can show
 
 enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
 
-AxisSteps StepsOver(const std::vector<double>& values) {
+axes::AxisSteps StepsOver(const std::vector<double>& values) {
     const auto [low, high] = std::ranges::minmax(values);
-    return titration::StepsOver(low, high, kMostSteps);
+    return axes::StepsOver(low, high, kMostSteps);
 }
 
 Points WithEndPoint(Points slope, const EndPoint& endPoint) {
@@ -53,9 +53,8 @@ CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::
     const Points slope = WithEndPoint(SlopeOf(WithoutStrays(measured), endPoint.points), endPoint);
     m_volume = {volumeName, kBlack, StepsOver(measured.x)};
     m_signal = {signalName, kBlue, StepsOver(measured.y)};
-    m_slope = {
-        "slope of " + signalName, kOrange,
-        titration::StepsOver(std::min(0.0, endPoint.slope), std::max(0.0, endPoint.slope), m_signal.steps.count)};
+    m_slope = {"slope of " + signalName, kOrange,
+               axes::StepsOver(std::min(0.0, endPoint.slope), std::max(0.0, endPoint.slope), m_signal.steps.count)};
     m_slope.steps.count = m_signal.steps.count;  // the same grid lines
 
     SetDivX(m_volume.steps.count);

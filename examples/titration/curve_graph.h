@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include <axis_steps.h>
 #include <qellib10/qellib10.h>
 
-#include "axis_steps.h"
 #include "end_point.h"
 #include "points.h"
 
@@ -29,7 +29,7 @@ private:
     struct Axis {
         std::string title;
         COLORREF color;
-        AxisSteps steps;
+        axes::AxisSteps steps;
 
         CSize Largest(CDC* dc) const;
     };

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace titration {
+namespace axes {
 
 /// The grid lines of an axis: round numbers.
 struct AxisSteps {
@@ -17,4 +17,4 @@ struct AxisSteps {
 /// At most @p most steps of 1, 2, 2.5 or 5 with zeros that take in all from @p low to @p high.
 AxisSteps StepsOver(double low, double high, int most);
 
-}  // namespace titration
+}  // namespace axes

@@ -5,7 +5,7 @@
 
 #include <qellib10/qellib10.h>
 
-namespace titration {
+namespace axes {
 namespace {
 
 constexpr double kRound[] = {1, 2, 2.5, 5, 10, 20, 25, 50, 100};
@@ -32,4 +32,4 @@ AxisSteps StepsOver(double low, double high, int most) {
     return steps;
 }
 
-}  // namespace titration
+}  // namespace axes

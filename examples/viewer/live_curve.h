@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include <qellib10/qellib10.h>
+
+namespace viewer {
+
+/// A curve over time that grows. Its axes follow the points, in round numbers.
+class LiveCurve : public CQelGraph {
+public:
+    /// For a screen.
+    LiveCurve();
+
+    /// Texts, lines and margins as large as on a screen, for a surface of this resolution.
+    void SetResolution(int dotsAnInch);
+    /// Shows all points, in which case the axis of the time grows, or the last minute, in which case it moves on.
+    void ShowAll(bool isAll) { m_isAll = isAll; }
+    /// Adds a point that was measured later than those before.
+    void Add(const CGraphData& point) { AddData(0, point.GetXData(), point.GetYData()); }
+    /// Lets the axes take in what is to be shown. To be called before drawing, after points were added.
+    void FitAxes();
+
+    /// The point whose time is the nearest to a place in the drawing as it was drawn last.
+    /// @return nothing outside the draw area and without points
+    std::optional<CGraphData> Nearest(const CPoint& place) const;
+    /// The point whose time is the nearest. @return nothing without points
+    std::optional<CGraphData> Nearest(double second) const;
+
+private:
+    std::span<const CGraphData> Points() const { return m_aryGraph[0].GetData(); }
+
+    bool m_isAll = false;
+};
+
+}  // namespace viewer

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include <gtk/gtk.h>
+
+namespace viewer {
+
+/// Lets the main loop run until @p window is on the screen, then writes it to @p path as PNG.
+/// @return whether the file was written
+bool SaveScreenshot(GtkWidget* window, const std::string& path);
+
+}  // namespace viewer
