@@ -27,6 +27,7 @@
 #include "qellib10/graph/graph_data.h"
 #include "qellib10/graph/graph_data_ctrl.h"
 #include "qellib10/graph/line_graph_style.h"
+#include "qellib10/graph/point_list.h"
 #include "qellib10/graph/qel_graph.h"
 #include "qellib10/platform/archive/archive.h"
 #include "qellib10/platform/archive/archive_exception.h"

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <span>
-#include <vector>
 
 #include "qellib10/graph/axis_style.h"
 #include "qellib10/graph/bar_graph_style.h"
 #include "qellib10/graph/graph_data.h"
 #include "qellib10/graph/line_graph_style.h"
+#include "qellib10/graph/point_list.h"
 #include "qellib10/platform/export.h"
 
 /// One series of a graph: its points in the order in which they were added, its axes, and how it is drawn. A copy has
@@ -35,11 +35,11 @@ public:
     void SetPlotflg(const int& plotflg) { m_nPlotflg = plotflg; }
 
     /// Appends at the end.
-    void AddData(const CGraphData& data) { m_aryData.push_back(data); }
-    void InitializeData();  ///< removes all points and gives their memory back
-    int GetDataCount() const { return static_cast<int>(m_aryData.size()); }
+    void AddData(const CGraphData& data) { m_aryData.Add(data); }
+    void InitializeData() { m_aryData.Clear(); }  ///< removes all points and gives their memory back
+    int GetDataCount() const { return static_cast<int>(GetData().size()); }
     /// All points; good until one is added or removed.
-    std::span<const CGraphData> GetData() const { return m_aryData; }
+    std::span<const CGraphData> GetData() const { return m_aryData.Points(); }
 
 private:
     CAxisStyle m_xAxis;
@@ -47,6 +47,6 @@ private:
     int m_nViewMode = 0;
     CLineGraphStyle m_lineStyle;
     CBarGraphStyle m_barStyle;
-    std::vector<CGraphData> m_aryData;
+    qel::PointList m_aryData;
     int m_nPlotflg = 0;
 };
