@@ -1,11 +1,13 @@
 // Promise: redrawing a graph of 1200 x 800 pixels costs reading each point once. Beside us draw the same points Cairo
 // (strokes without antialiasing), QCustomPlot with its adaptive sampling, and the plain lines of AGG. A point added to
-// a million is redrawn in some nanoseconds for each of them. Texts, frame and grid are part of our times.
+// a million is redrawn in some nanoseconds for each of them, and a million recorded into a print job take little memory.
+// Texts, frame and grid are part of our times.
 //   Draw<Ours>/10/100000/* >= 40 Draw<Cairo>/10/100000/*
 //   Draw<Ours>/10/100000/* >= 2 Draw<CustomPlot>/10/100000/*
 //   Draw<Ours>/512/1000/10 >= 15 Draw<Cairo>/512/1000/10
 //   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
+//   Record/1/1000000/10:bytes_a_point <= 200
 #include <agg_pixfmt_rgba.h>
 #include <agg_rasterizer_outline.h>
 #include <agg_renderer_base.h>
@@ -13,6 +15,7 @@
 #include <agg_rendering_buffer.h>
 #include <benchmark/benchmark.h>
 #include <cairo.h>
+#include <malloc.h>
 #include <qcustomplot.h>
 
 #include <cmath>
@@ -24,6 +27,7 @@
 
 #include "qellib10/graph/back_buffer_dc.h"
 #include "qellib10/graph/qel_graph.h"
+#include "qellib10/print/queue_data.h"
 
 namespace {
 
@@ -79,6 +83,7 @@ public:
         }
     }
     ~Ours() { m_dc.Detach(); }
+    CDC& Context() { return m_dc; }
     void Draw() {
         RECT all{0, 0, kWidth, kHeight};
         m_buffer.FillSolidRect(&all, RGB(255, 255, 255));
@@ -212,16 +217,42 @@ template <class Drawer> void Draw(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * input.series * input.points);
 }
 
-// A live curve: one more point, everything drawn again.
+// A live curve: one more point, which the axis takes in, and everything drawn again.
 void AppendAndDraw(benchmark::State& state) {
     const Input input = InputOf(state);
     Ours ours(SeriesOf(input));
-    double x = 0;
+    double last = kWidth - 2 * kMargin;
     for (auto _ : state) {
-        ours.Graph().AddData(0, kWidth - 2 * kMargin + ++x, 0);
+        ours.Graph().AddData(0, ++last, 400);
+        ours.Graph().SetXMaxRange(0, last);
         ours.Draw();
     }
     state.SetItemsProcessed(state.iterations() * input.points);
+    state.counters["time_a_point"] =
+        benchmark::Counter(input.points, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+std::size_t BytesInUse() {
+    const struct mallinfo2 use = mallinfo2();
+    return use.uordblks + use.hblkhd;
+}
+
+// The graph as commands of a print job.
+void Record(benchmark::State& state) {
+    const Input input = InputOf(state);
+    Ours ours(SeriesOf(input));
+    double bytes = 0;
+    int commands = 0;
+    for (auto _ : state) {
+        const std::size_t before = BytesInUse();
+        CQelPrintJobQueueData job;
+        ours.Graph().GetPrintJob(&job, {0, 0, kWidth, kHeight}, &ours.Context());
+        bytes = static_cast<double>(BytesInUse() - before) / input.points;
+        commands = job.GetBlock().GetCommandCount();
+    }
+    state.counters["bytes_a_point"] = bytes;
+    state.SetItemsProcessed(state.iterations() * input.points);
+    if (commands < input.points || bytes >= 200) state.SkipWithError("points are missing, or take more memory");
 }
 
 }  // namespace
@@ -240,6 +271,7 @@ CASES(Cairo, 512, 1000, 10);
 CASES(Ours, 1, 10000000, 10);
 CASES(Agg, 1, 10000000, 10);
 BENCHMARK(AppendAndDraw)->Args({1, 1000000, 10})->Unit(benchmark::kMillisecond);
+BENCHMARK(Record)->Args({1, 1000000, 10})->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
