@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "../support/archive_bytes.h"
 #include "../support/cases.h"
 #include "../support/registry_scope.h"
@@ -36,6 +38,35 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
     for (const char* command : {"", "calc", "seal", "verify", "cabinet add", "xml", "archive", "profile get"})
         EXPECT_TRUE(folder.Qel(command + std::string(" --help")).starts_with("0 ")) << command;
     EXPECT_EQ(folder.Qel("calc 1 >/dev/full").substr(0, 1), "1");
+}
+
+// Both follow the help of the program, which is written in one place.
+TEST(Qel, ManPageAndCompletionKnowEveryOption) {
+    const QelFolder folder;
+    const std::string sources = "cd " QELLIB10_QEL_SOURCE " && PATH=$(dirname " QELLIB10_QEL "):$PATH && ";
+    const std::string complete = sources +
+                                 "bash -c 'source ./qel.bash; COMP_WORDS=(\"$@\"); COMP_CWORD=$#; "
+                                 "((COMP_CWORD--)); _qel; echo ${COMPREPLY[@]}' - qel ";
+    const std::string page = AnswerOf(sources + "sed 's/\\\\f[BIR]//g; s/\\\\-/-/g' qel.1");
+    for (const auto& [path, choices] : Cases<std::string, std::string>{
+             {"", "0 calc seal verify cabinet xml job archive profile plot\n"},
+             {"calc --", "0 --help --from --digits --check --json\n"},
+             {"seal --", "0 --help --new --after --json\n"},
+             {"verify --", "0 --help --jobs --all --strict --json\n"},
+             {"--codepage 932 cabinet ", "0 list extract add\n"},
+             {"cabinet extract --", "0 --help --version --force\n"},
+             {"xml get f --", "0 --help --xml --count\n"},
+             {"job render --", "0 --help --output --resolution --force --page --paper --dpi\n"},
+             {"archive --", "0 --help --oldest --json\n"},
+             {"profile set --", "0 --help --number\n"},
+             {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
+             {"verify x", "0 \n"},
+         }) {
+        EXPECT_EQ(AnswerOf(complete + path + (path.empty() || path.back() == ' ' ? "''" : "")), choices) << path;
+        std::istringstream options(choices.substr(2));
+        for (std::string option; options >> option;)
+            EXPECT_TRUE(option == "--help" || page.find(option) != std::string::npos) << option;
+    }
 }
 
 TEST(Qel, CalcChecksAndComputes) {
