@@ -1,5 +1,7 @@
 #include "run_log.h"
 
+#include <algorithm>
+
 #include "file_step.h"
 #include "text_file.h"
 

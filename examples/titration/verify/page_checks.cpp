@@ -1,5 +1,6 @@
 #include "page_checks.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "../number.h"
