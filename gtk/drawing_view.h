@@ -6,7 +6,7 @@
 #include "qellib10/platform/export.h"
 
 using GtkWidget = struct _GtkWidget;
-using cairo_t = struct _cairo;
+using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 

@@ -4,7 +4,7 @@
 
 #include "qellib10/platform/drawing/pixel_buffer.h"
 
-using cairo_t = struct _cairo;
+using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 

@@ -2,7 +2,7 @@
 
 #include "qellib10/platform/drawing/ink.h"
 
-using cairo_t = struct _cairo;
+using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 

@@ -4,7 +4,7 @@
 #include "qellib10/platform/drawing/page_setup.h"
 #include "qellib10/platform/export.h"
 
-using cairo_t = struct _cairo;
+using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 

@@ -7,7 +7,7 @@
 
 #include "qellib10/platform/drawing/drawing_types.h"
 
-using cairo_t = struct _cairo;
+using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 

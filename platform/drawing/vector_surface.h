@@ -5,7 +5,7 @@
 #include "qellib10/platform/drawing/column_reducer.h"
 #include "qellib10/platform/drawing/surface.h"
 
-using cairo_t = struct _cairo;
+using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 

@@ -24,7 +24,7 @@ inline constexpr DWORD PRINTER_ENUM_ICON8 = 0x00800000;  ///< set in the flags o
 enum : DWORD { PRINTER_ATTRIBUTE_DEFAULT = 0x4, PRINTER_ATTRIBUTE_NETWORK = 0x10, PRINTER_ATTRIBUTE_LOCAL = 0x40 };
 
 /// Level 1: names.
-struct PRINTER_INFO_1 {
+struct PRINTER_INFO_1 {  // NOLINT: the name that applications know
     DWORD Flags;
     char* pDescription;  ///< name, driver and comment, separated by commas
     char* pName;
@@ -32,7 +32,7 @@ struct PRINTER_INFO_1 {
 };
 
 /// Level 2. Pointers to what this system does not have are null.
-struct PRINTER_INFO_2 {
+struct PRINTER_INFO_2 {  // NOLINT: the name that applications know
     char* pServerName;
     char* pPrinterName;
     char* pShareName;

@@ -54,8 +54,7 @@ FileReport CheckFile(const std::string& path) {
     try {
         Guarded([&] {
             CQFile file;
-            CFileException error;
-            if (file.Open(LibraryPath(path), CFile::modeRead | CFile::shareDenyWrite, &error) == 0) throw error;
+            Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
             Check(file, report);
         });
     } catch (const Failure& failure) {

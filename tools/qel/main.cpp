@@ -27,12 +27,12 @@ void AddAll(CLI::App& app, Status& status) {
 Status Run(int argc, char** argv) {
     Status status = tool::kGood;
     CLI::App app("Works with the files of QELLIB10.", "qel");
-    AddAll(app, status);
     try {
+        AddAll(app, status);
         app.parse(argc, argv);
     } catch (const CLI::Success& success) {  // --help, --version
         app.exit(success);
-    } catch (const CLI::ParseError& error) {
+    } catch (const CLI::Error& error) {
         return Complain(tool::Shown(error.what()) + "; see qel --help", tool::kUsage);
     } catch (const tool::Failure& failure) {
         return Complain(failure.what(), failure.ExitStatus());
@@ -42,7 +42,7 @@ Status Run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape): what nobody expects ends the program
     const Status status = Run(argc, argv);
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
     return Complain(std::string("standard output: ") + std::strerror(errno), tool::kFailed);

@@ -16,8 +16,7 @@ struct Options {
 CCheckDatafile ReadSeal(const std::string& path) {
     return OnFile(path, [&] {
         CQFile file;
-        CFileException error;
-        if (file.Open(LibraryPath(path), CFile::modeRead | CFile::shareDenyWrite, &error) == 0) throw error;
+        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
         CCheckDatafile seal;
         seal.EnableCheckFilename(0);
         if (seal.ReadPackData(&file) == 0) throw Failure("has no seal, or does not match it", kChanged);
@@ -34,8 +33,7 @@ CCheckDatafile Seal(const std::string& path, const Options& options) {
         if (report.finding >= kRenamed) throw Failure(report.detail, report.finding);
         if (report.isSealed && (options.isNew || !options.after.empty())) throw Failure("is sealed already");
         CQFile file;
-        CFileException error;
-        if (file.Open(LibraryPath(path), CFile::modeReadWrite | CFile::shareExclusive, &error) == 0) throw error;
+        Open(file, path, CFile::modeReadWrite | CFile::shareExclusive);
         if (seal.PackUpdateData(&file, report.isSealed ? 0 : 1) == 0) throw Failure("cannot be sealed");
         file.Flush();
         file.Close();

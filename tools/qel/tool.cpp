@@ -53,6 +53,11 @@ CString Path(const std::string& posixPath) {
     return OnFile(posixPath, [&] { return LibraryPath(posixPath); });
 }
 
+void Open(CQFile& file, const std::string& path, UINT flags) {
+    CFileException error;
+    if (file.Open(LibraryPath(path), flags, &error) == 0) throw CFileException(error);
+}
+
 void RequireNew(const std::string& target, bool mayReplace) {
     if (!mayReplace && CQFile::IsExist(Path(target)) != 0)
         throw Failure(Shown(target) + ": exists; --force replaces it");

@@ -83,6 +83,9 @@ CString LibraryPath(const std::string& posixPath);
 /// The same. @throws Failure
 CString Path(const std::string& posixPath);
 
+/// Opens a file of the command line. @throws CFileException
+void Open(CQFile& file, const std::string& path, UINT flags);
+
 /// @throws Failure when @p target exists, unless it may be replaced
 void RequireNew(const std::string& target, bool mayReplace);
 
