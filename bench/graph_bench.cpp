@@ -1,7 +1,7 @@
 // Promise: redrawing a graph of 1200 x 800 pixels costs reading each point once. Beside us draw the same points Cairo
 // (strokes without antialiasing), QCustomPlot with its adaptive sampling, and the plain lines of AGG. A point added to
-// a million is redrawn in some nanoseconds for each of them, and a million recorded into a print job take little memory.
-// Texts, frame and grid are part of our times.
+// a million is redrawn in some nanoseconds for each of them, and a million recorded into a print job take little
+// memory. Texts, frame and grid are part of our times.
 //   Draw<Ours>/10/100000/* >= 40 Draw<Cairo>/10/100000/*
 //   Draw<Ours>/10/100000/* >= 2 Draw<CustomPlot>/10/100000/*
 //   Draw<Ours>/512/1000/10 >= 15 Draw<Cairo>/512/1000/10
