@@ -13,8 +13,7 @@
 namespace {
 
 // A style without a print server, and a dialog that answers as it is told to.
-class PageStyle : public testing::Test, protected qel::PrintDialogProvider {
-protected:
+struct PageStyle : testing::Test, qel::PrintDialogProvider {
     struct Style : CQelPrintJobPageStyle {
         using CQelPrintJobPageStyle::GetDevMode;
     };
@@ -152,8 +151,9 @@ TEST_F(PageStyle, MakesContextsWithItsForm) {
             CDC dc;
             ASSERT_TRUE(dc.Attach(style.GetPrinterDC()));
             const int tolerance = form == 12 ? 100 : 50;  // layouts take B4 for the other standard's
-            EXPECT_NEAR(dc.GetDeviceCaps(PHYSICALWIDTH) * 254 / 600, style.GetPaperSize().cx, tolerance) << form;
-            EXPECT_NEAR(dc.GetDeviceCaps(PHYSICALHEIGHT) * 254 / 600, style.GetPaperSize().cy, tolerance) << form;
+            const auto tenths = [&](int index) { return MulDiv(dc.GetDeviceCaps(index), 254, 600); };
+            EXPECT_NEAR(tenths(PHYSICALWIDTH), style.GetPaperSize().cx, tolerance) << form;
+            EXPECT_NEAR(tenths(PHYSICALHEIGHT), style.GetPaperSize().cy, tolerance) << form;
             EXPECT_TRUE(style.GetDpi() == 600 && style.GetUnit() == 2 && style.GetSelectedPrinterDC() == nullptr);
         }
     }
