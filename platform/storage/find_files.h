@@ -16,8 +16,7 @@ struct FoundFile {
 
 /// Whether @p name matches the wildcard @p pattern by the platform's rules. The case of ASCII letters does not matter;
 /// `?` is one character, or none before a dot and at the end; `*` is any run; `*.*` is everything, `foo.*` also foo,
-/// and
-/// `*.` what has no dot. Characters are those of the process's code page.
+/// and `*.` what has no dot. Characters are those of the process's code page.
 QELLIB10_API bool MatchesPattern(std::string_view name, std::string_view pattern);
 
 /// The entries that match the last component of @p pattern, in the folder before it, in the order of their names. "."

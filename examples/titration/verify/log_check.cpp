@@ -30,7 +30,7 @@ public:
             if (message.starts_with(kStages[stage])) Reach(stage, message.substr(kStages[stage].size()));
         }
         const std::size_t into = message.find(stage::kInto);
-        if (message.starts_with(stage::kPrinted) && into != message.npos)
+        if (message.starts_with(stage::kPrinted) && into != std::string::npos)
             m_printed.emplace_back(message.substr(into + std::strlen(stage::kInto)));
     }
     DWORD Versions() const { return m_versions; }

@@ -49,7 +49,7 @@ std::string CheckReport(const MadeFiles& made, const Recomputed& recomputed) {
     const std::string limits = LimitText(settings, result.value);
     for (const std::string& line : {"Formula    " + settings.formula, "Result     " + Shown(result),
                                     limits.empty() ? limits : "Limits     " + limits}) {
-        Require(text.find("\n" + line + "\n") != text.npos || line.empty(), "has no line \"" + line + "\"");
+        Require(text.find("\n" + line + "\n") != std::string::npos || line.empty(), "has no line \"" + line + "\"");
     }
     made.RequireAsMade("report.txt");
     return "has that result";
