@@ -13,8 +13,8 @@ constexpr std::size_t kLongestName = 32;  // enough for a name in a report, and 
 
 // Blanks do not separate in a formula, and a name that begins like a number would be read as one.
 std::string Name(const std::string& name) {
-    const bool fits =
-        !name.empty() && name.size() <= kLongestName && std::string_view("0123456789.").find(name[0]) == name.npos;
+    const bool fits = !name.empty() && name.size() <= kLongestName &&
+                      std::string_view("0123456789.").find(name[0]) == std::string_view::npos;
     if (!fits || name.find_first_of(" \t()*+-/=") != std::string::npos) {
         throw Failure("\"" + name + "\" cannot be a name in a formula");
     }

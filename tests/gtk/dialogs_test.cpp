@@ -17,15 +17,15 @@ class Dialogs : public testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(qel::UseGtkDialogs());
-        window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-        label = gtk_label_new("application");
-        gtk_container_add(GTK_CONTAINER(window), label);
-        gtk_widget_show_all(window);
+        m_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        m_label = gtk_label_new("application");
+        gtk_container_add(GTK_CONTAINER(m_window), m_label);
+        gtk_widget_show_all(m_window);
     }
-    void TearDown() override { gtk_widget_destroy(window); }
+    void TearDown() override { gtk_widget_destroy(m_window); }
 
-    GtkWidget* window = nullptr;
-    GtkWidget* label = nullptr;
+    GtkWidget* m_window = nullptr;
+    GtkWidget* m_label = nullptr;
 };
 
 DEVMODE Mode(int form, int orientation, const CSize& size = {}, int copies = 1, int duplex = 0) {
@@ -68,10 +68,10 @@ TEST_F(Dialogs, PrinterIsChosen) {
     folder.Write("output.pdf", "what the dialog would write to by itself, so it would ask");
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder.Posix());
-    CPrintDialog dialog(0, PD_ALLPAGES, label);
+    CPrintDialog dialog(0, PD_ALLPAGES, m_label);
     {
         const User user("print_dialog", [this](GtkDialog* asked) {
-            EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(asked)), GTK_WINDOW(window));
+            EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(asked)), GTK_WINDOW(m_window));
             return Agree(asked);
         });
         EXPECT_EQ(dialog.DoModal(), IDOK);
@@ -94,7 +94,7 @@ TEST_F(Dialogs, SettingsGoInAndComeOut) {
     for (const auto& [asked, expected] : cases) {
         SCOPED_TRACE(asked.dmPaperSize);
         const User user("print_mode_" + std::to_string(asked.dmPaperSize), Agree);
-        const auto choice = Provider()->Choose({label, 0, "PDF", asked});
+        const auto choice = Provider()->Choose({m_label, 0, "PDF", asked});
         ASSERT_TRUE(choice && choice->mode);
         EXPECT_EQ(choice->device, "PDF");
         ExpectSame(*choice->mode, expected);
@@ -104,7 +104,7 @@ TEST_F(Dialogs, SettingsGoInAndComeOut) {
 TEST_F(Dialogs, WithoutAPrinterOrInAnotherThreadTheyAreCancelled) {
     {
         const User user("print_nobody", [](GtkDialog*) { return GTK_RESPONSE_OK; });
-        EXPECT_FALSE(Provider()->Choose({label, 0, "nobody", std::nullopt}));
+        EXPECT_FALSE(Provider()->Choose({m_label, 0, "nobody", std::nullopt}));
     }
     std::thread([] {
         CString folder;
@@ -128,12 +128,12 @@ TEST_F(Dialogs, FolderIsChosen) {
             if (current(dialog) == inner) return int{GTK_RESPONSE_ACCEPT};
             if (current(dialog).empty()) return 0;  // still being read
             EXPECT_EQ(current(dialog), folder.Posix("滴").string()) << "where it begins";
-            EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(dialog)), GTK_WINDOW(window));
+            EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(dialog)), GTK_WINDOW(m_window));
             EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(dialog)), "滴: where?");
             gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), inner.c_str());
             return 0;
         });
-        EXPECT_EQ(CQFile::SelectFolderDialog(chosen, "\x93\x48: where?", label), 1);
+        EXPECT_EQ(CQFile::SelectFolderDialog(chosen, "\x93\x48: where?", m_label), 1);
     }
     EXPECT_EQ(chosen, folder.Path("滴/results"));
     for (const char* start : {"\\none", "", ":*?"}) {
