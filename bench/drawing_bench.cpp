@@ -18,29 +18,13 @@
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/file_dc.h"
 #include "qellib10/platform/drawing/png_file.h"
-#include "qellib10/platform/storage/path.h"
+
+#include "memory_file.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int kWidth = 1200, kHeight = 800, kLines = 10'000, kTexts = 1'000, kDpi = 600;
 constexpr const char* kFace = "Liberation Sans";
-
-// In memory, so that no disk is measured.
-class File {
-public:
-    File() : m_path("/dev/shm/qellib10-bench-" + std::to_string(std::random_device()())) {}
-    ~File() { fs::remove(m_path); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    const char* Posix() const { return m_path.c_str(); }
-    CString Name() const { return qel::ToLibraryPath(m_path.native()); }
-
-private:
-    fs::path m_path;
-};
 
 // Ten noisy curves with labels.
 struct Picture {
@@ -71,7 +55,7 @@ struct Picture {
     std::vector<std::uint32_t> pixels;
 };
 
-bool Has(const File& file, const std::vector<std::uint32_t>& pixels) {
+bool Has(const MemoryFile& file, const std::vector<std::uint32_t>& pixels) {
     cairo_surface_t* const surface = cairo_image_surface_create_from_png(file.Posix());
     bool isSame =
         cairo_image_surface_get_width(surface) == kWidth && cairo_image_surface_get_height(surface) == kHeight;
@@ -82,7 +66,7 @@ bool Has(const File& file, const std::vector<std::uint32_t>& pixels) {
 }
 
 void Png(benchmark::State& state) {
-    const File file;
+    const MemoryFile file;
     Picture picture;
     if (!qel::SavePng(picture.bitmap, file.Name()) || !Has(file, picture.pixels)) {
         return state.SkipWithError("the pictures differ");
@@ -91,7 +75,7 @@ void Png(benchmark::State& state) {
 }
 
 void PngByCairo(benchmark::State& state) {
-    const File file;
+    const MemoryFile file;
     Picture picture;
     cairo_surface_t* const surface = cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(picture.pixels.data()), CAIRO_FORMAT_RGB24, kWidth, kHeight, kWidth * 4);
@@ -120,7 +104,7 @@ struct Page {
     std::vector<Text> texts;
 };
 
-bool DrawPdf(const Page& page, const File& file) {
+bool DrawPdf(const Page& page, const MemoryFile& file) {
     CDC dc;
     if (!dc.Attach(qel::CreatePdfDC(file.Name(), {})) || dc.StartDoc("page") < 1 || dc.StartPage() < 1) return false;
     for (const Line& line : page.lines) {
@@ -136,7 +120,7 @@ bool DrawPdf(const Page& page, const File& file) {
     return dc.EndPage() > 0 && dc.EndDoc() > 0;
 }
 
-void DrawPdfByCairo(const Page& page, const File& file) {
+void DrawPdfByCairo(const Page& page, const MemoryFile& file) {
     cairo_surface_t* const surface = cairo_pdf_surface_create(file.Posix(), 595.276, 841.89);
     cairo_t* const cairo = cairo_create(surface);
     cairo_scale(cairo, 72.0 / kDpi, 72.0 / kDpi);
@@ -162,7 +146,7 @@ void DrawPdfByCairo(const Page& page, const File& file) {
     cairo_surface_destroy(surface);
 }
 
-std::string TextsOf(const File& file) {
+std::string TextsOf(const MemoryFile& file) {
     const std::string command = std::string("pdftotext -raw ") + file.Posix() + " -";
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), ::pclose);
     std::string texts;
@@ -175,20 +159,20 @@ std::string TextsOf(const File& file) {
 
 void Pdf(benchmark::State& state) {
     const Page page;
-    const File file, peer;
+    const MemoryFile file, peer;
     DrawPdfByCairo(page, peer);
     if (!DrawPdf(page, file) || TextsOf(file) != TextsOf(peer) || TextsOf(file).empty()) {
         return state.SkipWithError("the pages differ");
     }
     for (auto _ : state) benchmark::DoNotOptimize(DrawPdf(page, file));
-    state.counters["bytes"] = static_cast<double>(fs::file_size(file.Posix()));
+    state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(file.Posix()));
 }
 
 void PdfByCairo(benchmark::State& state) {
     const Page page;
-    const File file;
+    const MemoryFile file;
     for (auto _ : state) DrawPdfByCairo(page, file);
-    state.counters["bytes"] = static_cast<double>(fs::file_size(file.Posix()));
+    state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(file.Posix()));
 }
 
 BENCHMARK(Png)->Unit(benchmark::kMillisecond);

@@ -10,9 +10,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 
@@ -21,12 +18,11 @@
 #include <pugixml.hpp>
 
 #include "qellib10/platform/drawing/dc.h"
-#include "qellib10/platform/storage/path.h"
 #include "qellib10/print/queue_data.h"
 
-namespace {
+#include "memory_file.h"
 
-namespace fs = std::filesystem;
+namespace {
 
 constexpr int kCommands = 100'000, kWidth = 1200, kHeight = 800;
 
@@ -161,25 +157,6 @@ CQelPrintJobQueueData Job() {
     return job;
 }
 
-// In memory, so that no disk is measured.
-class File {
-public:
-    File() : m_path("/dev/shm/qellib10-bench-" + std::to_string(std::random_device()())) {}
-    ~File() { fs::remove(m_path); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    const char* Posix() const { return m_path.c_str(); }
-    CString Name() const { return qel::ToLibraryPath(m_path.native()); }
-    std::string Read() const {
-        std::ifstream file(m_path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-private:
-    fs::path m_path;
-};
-
 // The same tree below `commands`; the page style is ours.
 void SavePeer(CQelPrintJobQueueData& job, const char* path) {
     pugi::xml_document document;
@@ -265,13 +242,13 @@ std::string CommandsOf(const std::string& file) {
 }
 
 bool AreSameSaved(CQelPrintJobQueueData& a, CQelPrintJobQueueData& b) {
-    const File first, second;
+    const MemoryFile first, second;
     return a.SaveJobFile(first.Name()) && b.SaveJobFile(second.Name()) &&
            CommandsOf(first.Read()) == CommandsOf(second.Read());
 }
 
 void Save(benchmark::State& state) {
-    const File file, peer;
+    const MemoryFile file, peer;
     CQelPrintJobQueueData job = Job();
     SavePeer(job, peer.Posix());
     if (!job.SaveJobFile(file.Name()) || CommandsOf(file.Read()) != CommandsOf(peer.Read())) {
@@ -281,13 +258,13 @@ void Save(benchmark::State& state) {
 }
 
 void SaveByPugixml(benchmark::State& state) {
-    const File file;
+    const MemoryFile file;
     CQelPrintJobQueueData job = Job();
     for (auto _ : state) SavePeer(job, file.Posix());
 }
 
 void Load(benchmark::State& state) {
-    const File file;
+    const MemoryFile file;
     CQelPrintJobQueueData job = Job(), loaded;
     if (!job.SaveJobFile(file.Name()) || !loaded.LoadJobFile(file.Name()) || !AreSameSaved(job, loaded)) {
         return state.SkipWithError("the jobs differ");
@@ -299,7 +276,7 @@ void Load(benchmark::State& state) {
 }
 
 void LoadByPugixml(benchmark::State& state) {
-    const File file;
+    const MemoryFile file;
     CQelPrintJobQueueData job = Job();
     job.SaveJobFile(file.Name());
     CQelPrintJobQueueData loaded = LoadPeer(file.Posix());
