@@ -42,8 +42,8 @@ macro(qellib10_package component name section summary text depends)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${name} COMPONENT ${component})
 endmacro()
 
-# A package of a shared library: it renews the loader's cache, and says since when each function is there. The library's
-# symbols stand under one version node, so the file for that has one line.
+# A package of a shared library: it renews the loader's cache, and says since when its functions are there. They all
+# stand under one version node, so the file for that has one line, and what is added later gets a node of its own.
 macro(qellib10_library_package target component name section summary text depends)
   qellib10_package(${component} ${name} ${section} "${summary}" "${text}" "${depends}")
   set(control ${PROJECT_BINARY_DIR}/control/${component})
