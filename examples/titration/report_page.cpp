@@ -5,9 +5,7 @@
 namespace titration {
 namespace {
 
-constexpr int kScreenDotsAnInch = 96;
-constexpr int kScaleNumerator = 3, kScaleDenominator = 2;
-constexpr int kPreviewDotsAnInch = kScreenDotsAnInch * kScaleNumerator / kScaleDenominator;
+constexpr int kPreviewDotsAnInch = 144;  // a screen has 96
 
 }  // namespace
 
@@ -33,32 +31,12 @@ int ReportPages::Count() const {
     return (m_document.GetBlockCount() - 1) / aPage + 1;
 }
 
-int ReportPages::OnScreen(int caps, int resolution) const {
-    return m_printer.GetDeviceCaps(caps) * kPreviewDotsAnInch / m_printer.GetDeviceCaps(resolution);
-}
-
 void ReportPages::SavePreview(int number, const std::string& path) {
-    const CSize size(OnScreen(PHYSICALWIDTH, LOGPIXELSX), OnScreen(PHYSICALHEIGHT, LOGPIXELSY));
-    CDC screen;
-    CBitmap bitmap;
-    screen.CreateCompatibleDC(nullptr);
-    if (!bitmap.CreateBitmap(size.cx, size.cy, 1, 32, nullptr)) throw Failure(path + ": no memory for the picture");
-    CBitmap* const before = screen.SelectObject(&bitmap);
-    const CRect sheet({0, 0}, size);
-    screen.FillSolidRect(&sheet, RGB(255, 255, 255));
-
-    bool isDrawn = false;
-    {
-        CPreviewDC preview;
-        preview.SetOutputDC(screen);
-        preview.SetAttribDC(m_printer);
-        preview.SetTopLeftOffset({OnScreen(PHYSICALOFFSETX, LOGPIXELSX), OnScreen(PHYSICALOFFSETY, LOGPIXELSY)});
-        preview.SetScaleRatio(kScaleNumerator, kScaleDenominator);
-        isDrawn = m_document.PrintOutMain(&preview, number, 1) != 0;
-    }
-    screen.SelectObject(before);
-    if (!isDrawn || qel::SavePng(bitmap, path.c_str(), kPreviewDotsAnInch) == 0)
-        throw Failure(path + ": cannot be written");
+    CBitmap picture;
+    const auto draw = [&](CDC& dc) { return m_document.PrintOutMain(&dc, number, 1) != 0; };
+    if (qel::DrawPagePicture(picture, m_printer, kPreviewDotsAnInch, draw) == 0)
+        throw Failure(path + ": the page cannot be drawn");
+    if (qel::SavePng(picture, path.c_str(), kPreviewDotsAnInch) == 0) throw Failure(path + ": cannot be written");
 }
 
 void ReportPages::Print() {

@@ -26,8 +26,6 @@ public:
     void Print();
 
 private:
-    int OnScreen(int caps, int resolution) const;
-
     CQelPrintJobDocumentData m_document;
     CDC m_printer;
 };

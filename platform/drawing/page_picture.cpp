@@ -1,0 +1,32 @@
+#include "qellib10/platform/drawing/page_picture.h"
+
+#include <algorithm>
+
+#include "qellib10/platform/drawing/page_setup.h"
+#include "qellib10/platform/drawing/preview_dc.h"
+
+namespace qel {
+
+int DrawPagePicture(CBitmap& picture, HDC printer, int dotsAnInch, const std::function<bool(CDC&)>& draw) {
+    picture.DeleteObject();
+    if (dotsAnInch < 1 || dotsAnInch > PageSetup::kFinestResolution) return 0;
+    const auto pixels = [&](int length, int resolution) {
+        return MulDiv(GetDeviceCaps(printer, length), dotsAnInch, std::max(1, GetDeviceCaps(printer, resolution)));
+    };
+    const CSize size(pixels(PHYSICALWIDTH, LOGPIXELSX), pixels(PHYSICALHEIGHT, LOGPIXELSY));
+    CDC screen;
+    if (!screen.CreateCompatibleDC(nullptr) || !picture.CreateBitmap(size.cx, size.cy, 1, 32, nullptr)) return 0;
+    CBitmap* const before = screen.SelectObject(&picture);
+    const CRect sheet({0, 0}, size);
+    screen.FillSolidRect(&sheet, RGB(255, 255, 255));
+    CPreviewDC preview;
+    preview.SetOutputDC(screen);
+    preview.SetAttribDC(printer);
+    preview.SetTopLeftOffset({pixels(PHYSICALOFFSETX, LOGPIXELSX), pixels(PHYSICALOFFSETY, LOGPIXELSY)});
+    preview.SetScaleRatio(dotsAnInch, screen.GetDeviceCaps(LOGPIXELSX));
+    const bool isDrawn = draw(preview);
+    screen.SelectObject(before);
+    return isDrawn;
+}
+
+}  // namespace qel
