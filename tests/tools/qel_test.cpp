@@ -9,7 +9,14 @@
 #include "qellib10/calc/calc_variable_list.h"
 
 TEST(Qel, BadUsageIsOneLineAndStatus2) {
+    const RegistryScope registry;
     const QelFolder folder;
+    folder.Write("f.xml", "<Method><Unit>mL</Unit></Method>");
+    folder.Write("f.ini", "[Window]\r\nWidth=640\r\n");
+    folder.Write("f.pdf", "1,2\n");
+    ASSERT_EQ(folder.Qel("cabinet add f.hcf f.xml >/dev/null"), "0 ");
+    const auto contents = [&] { return AnswerOf("cd '" + folder.Posix().native() + "' && ls && cat *"); };
+    const std::string before = contents();
     for (const char* arguments : {"",
                                   "other",
                                   "calc",
@@ -17,24 +24,51 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "calc A B=x",
                                   "calc A =1",
                                   "calc 1 --digits 16",
+                                  "calc 1 --digits 1 --check",
+                                  "calc ''",
+                                  "calc é é=1",  // would be an e in this code page
                                   "seal",
+                                  "seal f.pdf ''",
                                   "verify",
                                   "verify . -j 0",
                                   "cabinet",
                                   "cabinet list",
                                   "cabinet extract a",
-                                  "cabinet extract a b --version x",
+                                  "cabinet extract f.hcf a --version x",
+                                  "cabinet extract f.hcf a --version 0",
+                                  "cabinet extract f.hcf a --version 2",
+                                  "cabinet extract f.hcf f.hcf --force",
+                                  "cabinet add f.hcf ./f.hcf",
                                   "xml get a",
+                                  "xml get f.xml '['",
+                                  "xml get f.xml Unit --xml --count",
+                                  "xml set f.xml '[' x",
+                                  "xml set f.xml ../A x",
+                                  "xml set f.xml Unit é",
+                                  "xml encipher f.xml f.xml --force",
                                   "archive",
                                   "archive a b",
                                   "profile set a b c",
                                   "profile set a b c x --number",
+                                  "profile set f.ini Window '' x",
+                                  "profile set f.ini Window A=B x",
+                                  "profile set f.ini Window A \"$(printf 'x\\nB=2')\"",
+                                  "profile backup f.ini .bak",
+                                  "profile restore f.ini .bak",
+                                  "profile backup 'HKEY_CURRENT_USER\\M' ''",
+                                  "profile list HKEY_CURRENT_USER",
+                                  "profile set 'HKEY_USERS\\M' A B x",
+                                  "plot f.pdf -o f.pdf --force",
+                                  "plot f.pdf -o a.png --size 10000x10000",
+                                  "plot f.pdf -o a.svg --size 10000x10000",
+                                  "plot none -o a.png --x-range 1",
                                   "verify . --other",
                                   "--codepage 1 verify ."}) {
         SCOPED_TRACE(arguments);
         const std::string answer = folder.Qel(arguments);
         EXPECT_TRUE(answer.starts_with("2 qel: ") && answer.find('\n') == answer.size() - 1) << answer;
     }
+    EXPECT_EQ(contents(), before) << "nothing is written";
     for (const char* command : {"", "calc", "seal", "verify", "cabinet add", "xml", "archive", "profile get"})
         EXPECT_TRUE(folder.Qel(command + std::string(" --help")).starts_with("0 ")) << command;
     EXPECT_EQ(folder.Qel("calc 1 >/dev/full").substr(0, 1), "1");
@@ -48,6 +82,10 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
                                  "bash -c 'source ./qel.bash; COMP_WORDS=(\"$@\"); COMP_CWORD=$#; "
                                  "((COMP_CWORD--)); _qel; echo ${COMPREPLY[@]}' - qel ";
     const std::string page = AnswerOf(sources + "sed 's/\\\\f[BIR]//g; s/\\\\-/-/g' qel.1");
+    const auto synopsisOf = [&](const std::string& command) {
+        const std::size_t at = page.find("\nqel " + command + ' ') + 1;
+        return page.substr(at, page.find('\n', at) - at);
+    };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
              {"", "0 calc seal verify cabinet xml job archive profile plot\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
@@ -55,17 +93,20 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"verify --", "0 --help --jobs --all --strict --json\n"},
              {"--codepage 932 cabinet ", "0 list extract add\n"},
              {"cabinet extract --", "0 --help --version --force\n"},
-             {"xml get f --", "0 --help --xml --count\n"},
-             {"job render --", "0 --help --output --resolution --force --page --paper --dpi\n"},
+             {"cabinet add --", "0 --help --json\n"},
+             {"xml get --", "0 --help --xml --count --json\n"},
+             {"job render --", "0 --help --output --resolution --force --page --paper --dpi --json\n"},
              {"archive --", "0 --help --oldest --json\n"},
              {"profile set --", "0 --help --number\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {
         EXPECT_EQ(AnswerOf(complete + path + (path.empty() || path.back() == ' ' ? "''" : "")), choices) << path;
+        if (!path.ends_with(" --")) continue;
+        const std::string synopsis = synopsisOf(path.substr(0, path.size() - 3));
         std::istringstream options(choices.substr(2));
         for (std::string option; options >> option;)
-            EXPECT_TRUE(option == "--help" || page.find(option) != std::string::npos) << option;
+            EXPECT_TRUE(option == "--help" || synopsis.find(option) != std::string::npos) << option << synopsis;
     }
 }
 
@@ -89,10 +130,16 @@ TEST(Qel, CalcChecksAndComputes) {
              {"A*10 A=1e308", "1 qel: the result is too large\n"},
              {"1++", "1 qel: the formula is not valid, by its syntax or by a division by zero\n"},
              {"1 --from qel-none", "5 qel: qel-none: file not found\n"},
+             {"1 --from .", "5 qel: .: is a folder\n"},
          })
         EXPECT_EQ(folder.Qel("calc " + std::string(arguments)), answer);
     EXPECT_EQ(folder.Qel("archive list.var"), "0 表              2.5\n");
     EXPECT_TRUE(folder.Qel("archive list.var --json").find("\"name\": \"表\"") != std::string::npos);
+    EXPECT_EQ(folder.Qel("archive list.var --oldest"), "3 qel: list.var: has a head, it is of a newer layout\n");
+    folder.Write("oldest.var", "\1" + std::string(3, '\0'));
+    EXPECT_EQ(folder.Qel("archive oldest.var --oldest")[0], '7');
+    folder.Write("oldest.var", "\1" + std::string(3, '\0') + "\2no\1x");
+    EXPECT_EQ(folder.Qel("archive oldest.var --oldest"), "8 qel: oldest.var: of 1 variables 0 can be read\n");
 }
 
 TEST(Qel, SealsOnceAndAgain) {
@@ -108,6 +155,8 @@ TEST(Qel, SealsOnceAndAgain) {
     EXPECT_TRUE(folder.Qel("seal a b").starts_with("6 ")) << "a changed file gets no new seal";
     EXPECT_EQ(folder.Read("a"), before);
     EXPECT_TRUE(folder.Qel("verify b").find("version 2 of") != std::string::npos) << "the others do";
+    std::filesystem::rename(folder.Posix("b"), folder.Posix("d"));
+    EXPECT_TRUE(folder.Qel("seal d").starts_with("4 qel: d: is renamed, "));
 }
 
 TEST(Qel, KeepsVersionsInACabinet) {
@@ -120,7 +169,10 @@ TEST(Qel, KeepsVersionsInACabinet) {
     EXPECT_EQ(folder.Qel("cabinet extract c.hcf document"), "1 qel: document: exists; --force replaces it\n");
     EXPECT_EQ(folder.Qel("cabinet extract c.hcf document --force --version 1; cat document"), "0 first");
     EXPECT_EQ(folder.Qel("cabinet extract c.hcf latest; cat latest"), "0 second");
-    EXPECT_EQ(folder.Qel("cabinet extract c.hcf x --version 3"), "1 qel: c.hcf: has 2 versions\n");
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf x --version 3"),
+              "2 qel: --version: c.hcf has 2 versions; see qel --help\n");
+    EXPECT_EQ(folder.Qel("cabinet add third.hcf document --json | sed 's/{.*}/GUID/' | tr -d ' \\n'"),
+              "0 {\"file\":\"third.hcf\",\"version\":1,\"guid\":\"GUID\"}");
     EXPECT_EQ(folder.Qel("cabinet add new.hcf missing")[0], '5');
     EXPECT_FALSE(folder.Has("new.hcf"));
     std::string bytes = folder.Read("c.hcf");
@@ -139,6 +191,8 @@ TEST(Qel, ShowsAndChangesDocuments) {
              {"get e.xml Unit", "0 mL\n"},
              {"get e.xml Unit/@k", "0 1\n"},
              {"get e.xml Item --count", "0 0\n"},
+             {"get e.xml Unit --json | tr -d ' \\n'", "0 {\"file\":\"e.xml\",\"path\":\"Unit\",\"text\":\"mL\"}"},
+             {"get e.xml Unit --json --count | tr -d ' \\n'", "0 {\"file\":\"e.xml\",\"path\":\"Unit\",\"count\":1}"},
              {"set e.xml Limits/Item 温度", "0 "},
              {"get e.xml Limits --xml", "0 <Limits><Item>温度</Item></Limits>\n"},
              {"get e.xml Other", "1 qel: e.xml: has no \"Other\"\n"},
@@ -152,6 +206,10 @@ TEST(Qel, ShowsAndChangesDocuments) {
     EXPECT_EQ(folder.Read("e.xml")[0], '\0') << "a document stays in its form";
     folder.Write("broken.xml", "<Method>");
     EXPECT_EQ(folder.Qel("xml show broken.xml")[0], '9');
+    folder.Write("empty.xml", "");
+    for (const char* arguments : {"show empty.xml", "set empty.xml A x", "encipher empty.xml plain.xml --force"})
+        EXPECT_EQ(folder.Qel("xml " + std::string(arguments)), "9 qel: empty.xml: no well-formed document\n");
+    EXPECT_FALSE(folder.Read("plain.xml").empty()) << "what is there is not lost";
 }
 
 TEST(Qel, ReadsAndChangesSettings) {
@@ -164,7 +222,9 @@ TEST(Qel, ReadsAndChangesSettings) {
              {"get meter.ini Window Height", "1 qel: meter.ini: has no such setting\n"},
              {"set meter.ini Window Height 480", "0 "},
              {"list meter.ini", "0 [Window]\nWidth=640\nHeight=480\n"},
-             {"list missing.ini", "5 "},
+             {"set é.ini Window Height 1 && " QELLIB10_QEL " profile get é.ini Window Height", "0 1\n"},
+             {"list missing.ini", "5 qel: missing.ini: file not found\n"},
+             {"get missing.ini Window Width", "5 qel: missing.ini: file not found\n"},
              {"set " + key + "Window Width 640 --number", "0 "},
              {"set " + key + "'' Name メータ", "0 "},
              {"get " + key + "'' Name", "0 メータ\n"},
@@ -176,6 +236,8 @@ TEST(Qel, ReadsAndChangesSettings) {
              {"restore " + key + ".bak", "0 "},
              {"get " + key + "Window Width", "0 640\n"},
              {"restore " + key + ".none", "1 "},
+             {"list " + key.substr(0, key.size() - 2) + "X'",
+              "1 qel: HKEY_CURRENT_USER\\Software\\MeterX: there is no such key\n"},
          }) {
         const std::string given = folder.Qel("profile " + arguments);
         EXPECT_EQ(answer.ends_with("\n") || answer == "0 " ? given : given.substr(0, 2), answer) << arguments;

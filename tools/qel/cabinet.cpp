@@ -1,4 +1,5 @@
 // qel cabinet: the versions of a document in its history cabinet.
+#include <limits>
 #include <optional>
 
 #include "content_check.h"
@@ -8,7 +9,7 @@ namespace {
 
 struct Options {
     std::string cabinet, file;
-    unsigned version = 0;
+    DWORD version = 0;  // the latest
     bool force = false, json = false;
 };
 
@@ -50,16 +51,18 @@ void Open(CHistoryCabinetFile& cabinet, const std::string& path, int readOnly) {
         const CFile file(name, CFile::modeRead | CFile::shareDenyNone);
         CabinetOf(file);  // says why it cannot be opened
     });
-    if (cabinet.Open(name, readOnly) == 0) throw Failure(Shown(path) + ": cannot be opened, it may be in use");
+    if (cabinet.Open(name, readOnly) == 0)
+        throw Failure(Shown(path) + ": cannot be opened: it is in use or may not be written", kUnreadable);
 }
 
 Status Extract(const Options& options) {
+    RequireNew(options.file, options.force, {options.cabinet});
     CHistoryCabinetFile cabinet;
     Open(cabinet, options.cabinet, 1);
-    const DWORD version = options.version != 0 ? options.version : cabinet.GetLatestVersion();
-    if (version == 0 || version > cabinet.GetLatestVersion())
-        throw Failure(Shown(options.cabinet) + ": has " + std::to_string(cabinet.GetLatestVersion()) + " versions");
-    RequireNew(options.file, options.force);
+    const DWORD latest = cabinet.GetLatestVersion();
+    const DWORD version = options.version != 0 ? options.version : latest;
+    if (version > latest)
+        throw CLI::ValidationError("--version: " + options.cabinet + " has " + Count(latest, "version", "versions"));
     const CString target = Path(options.file);
     OnFile(options.file, [&] { CFile(target, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive); });
     if (cabinet.GetVersionFile(version, target) == 0)
@@ -70,6 +73,7 @@ Status Extract(const Options& options) {
 }
 
 Status Add(const Options& options) {
+    RequireOther(options.cabinet, options.file);
     CHistoryCabinetFile cabinet;
     const CString name = Path(options.cabinet);
     const CString source = Path(options.file);
@@ -85,7 +89,10 @@ Status Add(const Options& options) {
         if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // empty it is no cabinet
         throw Failure(Shown(options.cabinet) + ": takes no new version");
     }
-    Print("version " + std::to_string(cabinet.GetLatestVersion()) + '\n');
+    const DWORD version = cabinet.GetLatestVersion();
+    CGuid guid = cabinet.GetGUID();
+    options.json ? Print(Json{{"file", options.cabinet}, {"version", version}, {"guid", std::string(guid.GetString())}})
+                 : Print("version " + std::to_string(version) + '\n');
     return kGood;
 }
 
@@ -101,13 +108,16 @@ void AddCabinet(CLI::App& app, Status& status) {
         action->callback([options, run, &status] { status = run(*options); });
         return action;
     };
-    add("list", "List the versions, and check them", List)->add_flag("--json", options->json, "Write JSON");
+    CLI::App* const list = add("list", "List the versions, and check them", List);
     CLI::App* const extract = add("extract", "Take a version out", Extract);
     AddFile(*extract, "TARGET", options->file, "The file to write");
-    extract->add_option("--version", options->version, "Its number (else the latest one)")->type_name("N");
+    extract->add_option("--version", options->version, "Its number (else the latest one)")
+        ->check(CLI::Range(DWORD{1}, std::numeric_limits<DWORD>::max()))
+        ->type_name("N");
     extract->add_flag("--force", options->force, "Replace a file that exists");
     CLI::App* const store = add("add", "Add a version; makes the cabinet when it is missing", Add);
     AddFile(*store, "SOURCE", options->file, "The file that becomes the next version");
+    for (CLI::App* const action : {list, store}) action->add_flag("--json", options->json, "Write JSON");
 }
 
 }  // namespace tool

@@ -20,7 +20,7 @@ struct Options {
 // Formulas tell names apart without regard to letter case, so a value replaces one of the archive in any spelling.
 void Assign(CCalcVariableList& list, const std::string& assignment) {
     const std::size_t equals = assignment.find('=');
-    const CString name = Text(assignment.substr(0, equals));
+    const CString name = ExactText(assignment.substr(0, equals));
     if (equals == std::string::npos || name.IsEmpty() || name.FindOneOf(" \t()*+-/") >= 0)
         throw CLI::ValidationError("\"" + assignment + "\" is not NAME=VALUE");
     const std::optional<double> value = ParseNumber(std::string_view(assignment).substr(equals + 1));
@@ -51,8 +51,9 @@ std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calc
 }
 
 void RequireValid(const std::string& formula, CQWCalc& calculator) {
-    if (calculator.CheckCalcFormula("", Text(formula)) != 0) return;
-    if (Text(formula).GetLength() > 255) throw Failure("the formula has more than 255 bytes");
+    const CString text = ExactText(formula);
+    if (calculator.CheckCalcFormula("", text) != 0) return;
+    if (text.GetLength() > 255) throw Failure("the formula has more than 255 bytes");
     if (const auto name = UnknownName(formula, calculator))
         throw Failure("the formula names \"" + Shown(*name) + "\", which has no value");
     throw Failure("the formula is not valid, by its syntax or by a division by zero");
@@ -105,10 +106,11 @@ void AddCalc(CLI::App& app, Status&) {
     command->add_option("NAME=VALUE", options->values, "Values; they replace those of --from");
     command->add_option("--from", options->archive, "Archived list whose variables have their values")
         ->type_name("FILE");
-    command->add_option("--digits", options->digits, "Decimal places that the result is rounded to")
-        ->check(CLI::Range(0, 15))
-        ->type_name("0-15");
-    command->add_flag("--check", options->onlyCheck, "Only check, and list the variables that the formula uses");
+    CLI::Option* const digits =
+        command->add_option("--digits", options->digits, "Decimal places that the result is rounded to");
+    digits->check(CLI::Range(0, 15))->type_name("0-15");
+    command->add_flag("--check", options->onlyCheck, "Only check, and list the variables that the formula uses")
+        ->excludes(digits);
     command->add_flag("--json", options->json, "Write JSON");
     command->footer("A formula that begins with a minus sign stands behind --, as in: qel calc -- -X*2 X=3");
     command->callback([options] { Calculate(*options); });

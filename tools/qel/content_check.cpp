@@ -18,10 +18,6 @@ std::string BytesAt(CFile& file, ULONGLONG offset, UINT count) {
     return bytes;
 }
 
-std::string Count(std::size_t number, const char* one, const char* more) {
-    return std::to_string(number) + ' ' + (number == 1 ? one : more);
-}
-
 // A zero, then whole blocks. Documents are loaded as a whole; in files without their suffix none is looked for beyond
 // this size.
 bool LooksEnciphered(const CFile& file, std::string_view head) {

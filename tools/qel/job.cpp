@@ -1,4 +1,5 @@
 // qel job: print jobs from their files, shown, drawn into pictures and printed.
+#include <limits>
 #include <map>
 
 #include "picture.h"
@@ -51,10 +52,10 @@ int PagesOf(const CQelPrintJobDocumentData& document) {
     return (document.GetBlockCount() - 1) / aPage + 1;
 }
 
-Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options) {
+Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options, const std::optional<CSize>& sheet) {
     CQelPrintJobPageStyle& style = document.GetPageStyle();
     if (options.dpi != 0) style.SetDpi(options.dpi);
-    const CSize paper = options.paper.empty() ? PaperOf(style) : ParseSheet(options.paper);
+    const CSize paper = sheet.value_or(PaperOf(style));
     style.SetPaperSize({paper.cx / 10, paper.cy / 10});
     if (paper.cx < 1 || paper.cy < 1) throw Failure("the size of the job's paper is not known; --paper tells it");
     if (style.GetDpi() < 1 || style.GetDpi() > kMostDotsAnInch)
@@ -64,8 +65,9 @@ Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options) {
     drawing.page.sheet = paper;
     drawing.page.dotsAnInch = {style.GetDpi(), style.GetDpi()};
     drawing.title = Utf8(style.GetStyleName().View());
+    drawing.sources = options.files;
     const int pages = PagesOf(document);
-    if (options.page > pages) throw Failure("there are " + std::to_string(pages) + " pages");
+    if (options.page > pages) throw CLI::ValidationError("--page: the document has " + Count(pages, "page", "pages"));
     drawing.pages = options.page != 0 ? 1 : pages;
     drawing.draw = [&document, first = std::max(options.page, 1)](CDC& dc, int page) {
         return document.PrintOutMain(&dc, first + page - 1, 1) != 0;
@@ -75,10 +77,18 @@ Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options) {
 
 void Render(const Options& options) {
     PictureKindOf(options.picture.target);
+    std::optional<CSize> sheet;
+    if (!options.paper.empty()) sheet = ParseSheet(options.paper);
     CQelPrintJobDocumentData document = LoadDocument(options);
-    const auto& [target, resolution, force] = options.picture;
-    for (const std::string& name : WritePictures(target, DrawingOf(document, options), resolution, force))
-        Print(Shown(name) + '\n');
+    Drawing drawing = DrawingOf(document, options, sheet);
+    Json json = Json::array();
+    std::string text;
+    const int first = std::max(options.page, 1);
+    for (const auto& [file, page, pages] : WritePictures(options.picture, drawing)) {
+        json.push_back({{"file", file}, {"page", first + page - 1}, {"pages", pages}});
+        text += Shown(file) + '\n';
+    }
+    options.json ? Print(json) : Print(text);
 }
 
 // Commands are in the printer's pixels, so another resolution would give another size.
@@ -86,14 +96,14 @@ void PrintJobs(const Options& options) {
     CQelPrintJobDocumentData document = LoadDocument(options);
     CQelPrintJobPageStyle& style = document.GetPageStyle();
     const int dotsAnInch = style.GetDpi();
-    if (!options.printer.empty()) style.SetPrinterDevice(Text(options.printer));
+    if (!options.printer.empty()) style.SetPrinterDevice(ExactText(options.printer));
     const std::string name = "the printer \"" + Shown(Utf8(style.GetPrinterDevice().View())) + "\"";
     CDC dc;
     if (!dc.Attach(style.GetPrinterDC())) throw Failure(name + " is not there");
     if (dotsAnInch > 0 && style.GetDpi() != dotsAnInch)
         throw Failure(name + " has " + std::to_string(style.GetDpi()) + " dots an inch, the job is for " +
                       std::to_string(dotsAnInch));
-    Drawing drawing{{}, PagesOf(document), Utf8(style.GetStyleName().View()), {}};
+    Drawing drawing{{}, PagesOf(document), Utf8(style.GetStyleName().View()), {}, {}};
     drawing.draw = [&](CDC& printer, int page) { return document.PrintOutMain(&printer, page, 0) != 0; };
     if (!DrawDocument(dc, drawing)) throw Failure(name + " does not take the document");
 }
@@ -149,16 +159,18 @@ void AddJob(CLI::App& app, Status&) {
         action->callback([options, run] { run(*options); });
         return action;
     };
-    add("show", "Write the page style, and how many commands of each kind there are", Show)
-        ->add_flag("--json", options->json, "Write JSON");
+    CLI::App* const show = add("show", "Write the page style, and how many commands of each kind there are", Show);
     CLI::App* const render = add("render", "Draw the pages into a PDF, or a picture each", Render);
     options->picture.AddTo(*render, "Dots an inch of PNG pictures (150)");
-    render->add_option("--page", options->page, "Only this page")->check(CLI::PositiveNumber)->type_name("N");
+    render->add_option("--page", options->page, "Only this page")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()))
+        ->type_name("N");
     render->add_option("--paper", options->paper, "Millimetres, where the job's form is not known")
         ->type_name("WIDTHxHEIGHT");
     render->add_option("--dpi", options->dpi, "The job's device units an inch, where it does not say")
         ->check(CLI::Range(1, kMostDotsAnInch))
         ->type_name("N");
+    for (CLI::App* const action : {show, render}) action->add_flag("--json", options->json, "Write JSON");
     add("print", "Print them as one document", PrintJobs)
         ->add_option("--printer", options->printer, "Else the job's own")
         ->type_name("NAME");

@@ -1,7 +1,9 @@
 // qel: calculates, seals, checks, lists, shows and prints what the library's files hold. See qel.1.
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "tool.h"
 
@@ -9,6 +11,16 @@ namespace {
 
 using tool::Complain;
 using tool::Status;
+
+// Only what is stored, and the names of settings, may be empty.
+void RefuseEmpty(CLI::App& app) {
+    constexpr std::string_view kMayBeEmpty[] = {"SECTION", "KEY", "VALUE", "TEXT"};
+    const auto check = [](const std::string& text) { return text.empty() ? "may not be empty" : std::string(); };
+    for (CLI::Option* const option : app.get_options()) {
+        if (std::ranges::find(kMayBeEmpty, option->get_name()) == std::end(kMayBeEmpty)) option->check(check, "");
+    }
+    for (CLI::App* const command : app.get_subcommands(nullptr)) RefuseEmpty(*command);
+}
 
 void AddAll(CLI::App& app, Status& status) {
     app.require_subcommand(1);
@@ -18,10 +30,11 @@ void AddAll(CLI::App& app, Status& status) {
            "--codepage", [](const UINT& page) { qel::SetCodePage(page); },
            "Code page of texts in files (else $QELLIB10_CODEPAGE, else 932)")
         ->check(CLI::IsMember({qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}))
-        ->type_name("");
+        ->type_name("PAGE");
     for (const auto& add : {tool::AddCalc, tool::AddSeal, tool::AddVerify, tool::AddCabinet, tool::AddXml, tool::AddJob,
                             tool::AddArchive, tool::AddProfile, tool::AddPlot})
         add(app, status);
+    RefuseEmpty(app);
 }
 
 Status Run(int argc, char** argv) {

@@ -3,8 +3,6 @@
 namespace tool {
 namespace {
 
-constexpr int kScreenDotsAnInch = 96;  // on which a preview's scale is based
-
 // The file of a page.
 std::string NameOf(const std::string& path, int page, int pages) {
     if (pages == 1) return path;
@@ -20,39 +18,27 @@ bool DrawPages(CDC& dc, const Drawing& drawing, int first, int last) {
     return dc.EndDoc() > 0;
 }
 
-// Drawn as a preview of the page, so that texts and lines have the places that they have on paper.
+[[noreturn]] void RefuseSize() { throw CLI::ValidationError("the page is too large for a picture of this resolution"); }
+
 bool SavePng(const CString& file, const Drawing& drawing, int page, int dotsAnInch) {
-    qel::PageSetup pixels = drawing.page;
-    pixels.dotsAnInch = {dotsAnInch, dotsAnInch};
-    const CSize size = pixels.SheetDots();
-    CDC screen, paper;
+    CDC paper;
     CBitmap bitmap;
-    screen.CreateCompatibleDC(nullptr);
-    if (!paper.Attach(qel::CreatePdfDC(file, drawing.page)) || !bitmap.CreateBitmap(size.cx, size.cy, 1, 32, nullptr))
-        throw Failure(Utf8(file.View()) + ": the page is too large for a picture of this resolution");
-    CBitmap* const before = screen.SelectObject(&bitmap);
-    const CRect sheet({0, 0}, size);
-    screen.FillSolidRect(&sheet, RGB(255, 255, 255));
-    bool isDrawn = false;
-    {
-        CPreviewDC preview;
-        preview.SetOutputDC(screen);
-        preview.SetAttribDC(paper);
-        preview.SetTopLeftOffset({0, 0});
-        preview.SetScaleRatio(dotsAnInch, kScreenDotsAnInch);
-        isDrawn = drawing.draw(preview, page);
-    }
-    screen.SelectObject(before);
+    if (!paper.Attach(qel::CreatePdfDC(file, drawing.page))) RefuseSize();
+    const auto draw = [&](CDC& dc) { return drawing.draw(dc, page); };
+    const bool isDrawn = qel::DrawPagePicture(bitmap, paper, dotsAnInch, draw) != 0;
+    if (bitmap.GetSafeHandle() == nullptr) RefuseSize();
     return isDrawn && qel::SavePng(bitmap, file, dotsAnInch) != 0;
 }
 
-bool SavePages(const CString& file, PictureKind kind, const Drawing& drawing, int first, int last, int dotsAnInch) {
-    if (kind == PictureKind::kPng) return SavePng(file, drawing, first, dotsAnInch);
+bool SavePages(const Picture& picture, PictureKind kind, const Drawing& drawing, int dotsAnInch) {
+    const CString file = Path(picture.file);
+    if (kind == PictureKind::kPng) return SavePng(file, drawing, picture.page, dotsAnInch);
     CDC dc;
     const HDC handle = kind == PictureKind::kPdf
                            ? qel::CreatePdfDC(file, drawing.page)
                            : qel::CreateSvgDC(file, drawing.page.SheetDots(), drawing.page.dotsAnInch.cx);
-    return dc.Attach(handle) != 0 && DrawPages(dc, drawing, first, last);
+    if (!dc.Attach(handle)) RefuseSize();
+    return DrawPages(dc, drawing, picture.page, picture.page + picture.pages - 1);
 }
 
 }  // namespace
@@ -76,21 +62,20 @@ CSize ParseSheet(const std::string& text) {
     return {static_cast<int>(size->first * 100), static_cast<int>(size->second * 100)};
 }
 
-std::vector<std::string> WritePictures(const std::string& path, const Drawing& drawing, int dotsAnInch, bool force) {
-    const PictureKind kind = PictureKindOf(path);
+std::vector<Picture> WritePictures(const PictureOptions& options, const Drawing& drawing) {
+    const PictureKind kind = PictureKindOf(options.target);
     const int files = kind == PictureKind::kPdf ? 1 : drawing.pages;
-    std::vector<std::string> names;
+    std::vector<Picture> pictures;
     for (int i = 1; i <= files; ++i) {
-        names.push_back(NameOf(path, i, files));
-        RequireNew(names.back(), force);
+        pictures.push_back({NameOf(options.target, i, files), i, drawing.pages / files});
+        RequireNew(pictures.back().file, options.force, drawing.sources);
     }
-    for (int i = 1; i <= files; ++i) {
-        const std::string& name = names[i - 1];
-        const int last = files == 1 ? drawing.pages : i;
-        if (!SavePages(Path(name), kind, drawing, i, last, dotsAnInch))
-            throw Failure(Shown(name) + ": cannot be drawn or written");
+    for (const Picture& picture : pictures) {
+        OnFile(picture.file, [&] {
+            if (!SavePages(picture, kind, drawing, options.resolution)) throw Failure("cannot be drawn or written");
+        });
     }
-    return names;
+    return pictures;
 }
 
 bool DrawDocument(CDC& dc, const Drawing& drawing) { return DrawPages(dc, drawing, 1, drawing.pages); }

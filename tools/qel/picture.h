@@ -12,6 +12,7 @@ struct Drawing {
     qel::PageSetup page;
     int pages = 1;
     std::string title;
+    std::vector<std::string> sources;          ///< the files that are drawn, which no picture replaces
     std::function<bool(CDC&, int page)> draw;  ///< pages count from 1
 };
 
@@ -24,23 +25,26 @@ PictureKind PictureKindOf(const std::string& path);
 /// @throws CLI::ValidationError
 CSize ParseSheet(const std::string& text);
 
-/// Writes the pages: a PDF has all of them, of PNG and SVG each is a file of its own with its number before the suffix
-/// when there are several.
-/// @param dotsAnInch of a PNG
-/// @param force replaces files that exist
-/// @return the files
-std::vector<std::string> WritePictures(const std::string& path, const Drawing& drawing, int dotsAnInch, bool force);
-
 /// Draws the pages as one document. @return false when the surface does not take it
 bool DrawDocument(CDC& dc, const Drawing& drawing);
 
 /// The options -o, --resolution and --force of a command that writes pictures.
 struct PictureOptions {
     std::string target;
-    int resolution = 150;
+    int resolution = 150;  // of a PNG, dots an inch
     bool force = false;
 
     void AddTo(CLI::App& command, const std::string& resolutionMeaning);
 };
+
+/// A file and the pages that it has, from @p page on.
+struct Picture {
+    std::string file;
+    int page = 1, pages = 1;
+};
+
+/// Writes the pages: a PDF has all of them, of PNG and SVG each is a file of its own with its number before the suffix
+/// when there are several.
+std::vector<Picture> WritePictures(const PictureOptions& options, const Drawing& drawing);
 
 }  // namespace tool

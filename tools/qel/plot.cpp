@@ -28,18 +28,16 @@ struct Options {
 
 std::string ReadText(const std::string& path) {
     constexpr ULONGLONG kLargest = 64 << 20;
-    const CString name = Path(path);
-    return OnFile(path, [&] {
-        CFile file(name, CFile::modeRead | CFile::shareDenyWrite);
-        if (file.GetLength() > kLargest) throw Failure("larger than 64 MiB");
-        std::string text(static_cast<std::size_t>(file.GetLength()), '\0');
-        text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
-        return text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
-    });
+    CFile file(LibraryPath(path), CFile::modeRead | CFile::shareDenyWrite);
+    if (file.GetLength() > kLargest) throw Failure("larger than 64 MiB");
+    std::string text(static_cast<std::size_t>(file.GetLength()), '\0');
+    text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
+    return text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
 }
 
-AxisScale ScaleFor(const std::string& range, const std::vector<double>& values) {
-    if (range.empty()) return ScaleOver(values);
+// None: around the values.
+std::optional<AxisScale> ScaleOf(const std::string& range) {
+    if (range.empty()) return std::nullopt;
     const auto ends = ParsePair(range, ':');
     if (!ends || ends->first == ends->second) throw CLI::ValidationError("\"" + range + "\" is no range such as 0:14");
     return ScaleBetween(ends->first, ends->second);
@@ -75,13 +73,14 @@ Curves ReadCurves(const Options& options) {
     std::vector<std::string> columns = {options.x};
     columns.insert(columns.end(), options.y.begin(), options.y.end());
     if (columns.size() > kMostSeries + 1) throw CLI::ValidationError("there are more than 512 columns");
+    const std::optional<AxisScale> x = ScaleOf(options.xRange), y = ScaleOf(options.yRange);
     Curves curves;
     curves.columns = OnFile(options.file, [&] { return ReadCsvColumns(ReadText(options.file), columns); });
-    curves.x = ScaleFor(options.xRange, curves.columns.values[0]);
+    curves.x = x ? *x : ScaleOver(curves.columns.values[0]);
     std::vector<double> all;
     for (std::size_t i = 1; i < columns.size(); ++i)
         all.insert(all.end(), curves.columns.values[i].begin(), curves.columns.values[i].end());
-    curves.y = ScaleFor(options.yRange, all);
+    curves.y = y ? *y : ScaleOver(all);
     return curves;
 }
 
@@ -116,8 +115,8 @@ CQelGraph GraphOf(const Curves& curves, const Options& options) {
 void Report(const Curves& curves, const Options& options) {
     const std::size_t points = curves.columns.values[0].size();
     if (!options.json) {
-        return Print(Shown(options.picture.target) + ": " + std::to_string(points) + " points, " +
-                     std::to_string(curves.Series()) + (curves.Series() == 1 ? " curve\n" : " curves\n"));
+        return Print(Shown(options.picture.target) + ": " + Count(points, "point", "points") + ", " +
+                     Count(curves.Series(), "curve", "curves") + '\n');
     }
     const auto range = [](const AxisScale& scale) { return Json::array({scale.minimum, scale.maximum}); };
     const std::vector<std::string>& names = curves.columns.names;
@@ -137,6 +136,7 @@ void Plot(const Options& options) {
     const int dots = options.picture.resolution;
     Drawing drawing;
     drawing.title = options.file;
+    drawing.sources = {options.file};
     drawing.page.sheet = size;
     drawing.page.dotsAnInch = {dots, dots};
     drawing.draw = [&](CDC& dc, int) {
@@ -150,7 +150,7 @@ void Plot(const Options& options) {
         graph.GraphDraw(&dc, 0, 0);
         return true;
     };
-    WritePictures(options.picture.target, drawing, dots, options.picture.force);
+    WritePictures(options.picture, drawing);
     Report(curves, options);
 }
 

@@ -11,10 +11,31 @@ struct Options {
     bool asNumber = false, json = false;
 };
 
-CPrivateProfile Opened(const std::string& location) {
-    const Place place = PlaceOf(location);
+CPrivateProfile Opened(const Place& place) {
     return CPrivateProfile(place.location,
                            place.root != nullptr ? CPrivateProfile::registryMode : CPrivateProfile::iniMode);
+}
+
+void RequireFitForIni(const std::string& text, const char* unfit) {
+    if (text.find_first_of(unfit) != std::string::npos)
+        throw CLI::ValidationError("\"" + text + "\" does not fit into an INI file");
+}
+
+// The library writes an entry without a name, which only few programs read.
+void RequireFitForIni(const Options& options) {
+    if (options.section.empty() || options.key.empty())
+        throw CLI::ValidationError("a setting in an INI file has a section and a name");
+    RequireFitForIni(options.section, "\r\n");
+    RequireFitForIni(options.key, "\r\n=");
+    RequireFitForIni(options.value, "\r\n");
+}
+
+CPrivateProfile KeyToCopy(const Options& options) {
+    const Place place = PlaceOf(options.location);
+    if (place.root == nullptr) throw CLI::ValidationError("\"" + options.location + "\" is no key of the registry");
+    if (options.suffix[0] == '\\')
+        throw CLI::ValidationError("\"" + options.suffix + "\" would name a key below the one that is copied");
+    return Opened(place);
 }
 
 void Get(const Options& options) {
@@ -24,9 +45,11 @@ void Get(const Options& options) {
 }
 
 void Set(const Options& options) {
-    CPrivateProfile profile = Opened(options.location);
-    const CString section = Text(options.section);
-    const CString key = Text(options.key);
+    const Place place = PlaceOf(options.location);
+    if (place.root == nullptr) RequireFitForIni(options);
+    CPrivateProfile profile = Opened(place);
+    const CString section = ExactText(options.section);
+    const CString key = ExactText(options.key);
     int result = 0;
     if (options.asNumber) {
         int number = 0;
@@ -36,7 +59,7 @@ void Set(const Options& options) {
             throw CLI::ValidationError("\"" + options.value + "\" is no whole number");
         result = profile.Set(section, key, number);
     } else {
-        result = profile.Set(section, key, Text(options.value));
+        result = profile.Set(section, key, ExactText(options.value));
     }
     if (result == 0) throw Failure(Shown(options.location) + ": the setting cannot be written");
 }
@@ -57,12 +80,12 @@ void List(const Options& options) {
 }
 
 void Backup(const Options& options) {
-    if (Opened(options.location).Backup(Text(options.suffix)) == 0)
-        throw Failure(Shown(options.location) + ": cannot be backed up: only a key of the registry that is there can");
+    if (KeyToCopy(options).Backup(ExactText(options.suffix)) == 0)
+        throw Failure(Shown(options.location) + ": cannot be backed up: there is no such key, or it cannot be read");
 }
 
 void Restore(const Options& options) {
-    if (Opened(options.location).Restore(Text(options.suffix)) == 0)
+    if (KeyToCopy(options).Restore(ExactText(options.suffix)) == 0)
         throw Failure(Shown(options.location) + ": cannot be restored: there is no such backup");
 }
 

@@ -30,7 +30,8 @@ CCheckDatafile Seal(const std::string& path, const Options& options) {
     if (!options.after.empty()) seal = ReadSeal(options.after);
     seal.EnableCheckFilename(1);
     OnFile(path, [&] {
-        if (report.finding >= kRenamed) throw Failure(report.detail, report.finding);
+        if (report.finding == kRenamed) throw Failure("is renamed, " + report.detail, kRenamed);
+        if (report.finding > kRenamed) throw Failure(report.detail, report.finding);
         if (report.isSealed && (options.isNew || !options.after.empty())) throw Failure("is sealed already");
         CQFile file;
         Open(file, path, CFile::modeReadWrite | CFile::shareExclusive);

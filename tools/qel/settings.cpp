@@ -73,12 +73,26 @@ std::vector<Section> ReadIniSections(const CString& file) {
     return sections;
 }
 
+// What cannot be read would look like a file without settings.
+void RequireReadable(const Place& place) {
+    constexpr ULONGLONG kLargest = 32 << 20;
+    OnFile(place.given, [&] {
+        const CFile file(place.location, CFile::modeRead | CFile::shareDenyNone);
+        if (file.GetLength() > kLargest) throw Failure("larger than 32 MiB");
+    });
+}
+
+Failure RegistryFailure(const Place& place, LONG code) {
+    const std::string reason =
+        code == qel::kRegistryNotFound ? "there is no such key" : "cannot be read (" + std::to_string(code) + ")";
+    return Failure(Shown(place.given) + ": " + reason);
+}
+
 void AddRegistrySections(const Place& place, const CString& below, std::vector<Section>& sections) {
     const CString path = below.IsEmpty() ? place.key : place.key + "\\" + below;
     qel::RegistryContents contents;
     const LONG code = qel::ListRegistryKey(place.root, path, contents);
-    if (code != qel::kRegistrySuccess)
-        throw Failure(Utf8(place.location.View()) + ": the key cannot be read (" + std::to_string(code) + ")");
+    if (code != qel::kRegistrySuccess) throw RegistryFailure(place, code);
     if (!below.IsEmpty() || !contents.values.empty()) sections.push_back({Utf8(below.View()), {}});
     for (const auto& [name, value] : contents.values)
         sections.back().settings.emplace_back(Utf8(name), SettingOf(value));
@@ -98,28 +112,35 @@ Place PlaceOf(const std::string& location) {
         if (text.GetLength() > length && text[length] != '\\') continue;
         CString key = text.Mid(length + 1);
         while (key.Right(1) == "\\") key = key.Left(key.GetLength() - 1);
-        return {text, root, key};
+        if (key.IsEmpty()) throw CLI::ValidationError("\"" + location + "\" names no key below the root");
+        return {location, ExactText(location), root, key};
     }
-    return {Path(location), nullptr, {}};
+    if (text.Left(5).CompareNoCase("HKEY_") == 0)
+        throw CLI::ValidationError("\"" + location + "\" has no root that is known");
+    return {location, Path(location), nullptr, {}};
 }
 
 std::optional<Setting> ReadSetting(const Place& place, const std::string& section, const std::string& key) {
-    if (place.root == nullptr) return ReadIniSetting(place.location, Text(section), Text(key));
-    const CString path = section.empty() ? place.key : place.key + "\\" + Text(section);
+    const CString below = ExactText(section), name = ExactText(key);
+    if (place.root == nullptr) {
+        RequireReadable(place);
+        return ReadIniSetting(place.location, below, name);
+    }
     qel::RegistryValue value;
-    if (qel::ReadRegistryValue(place.root, path, Text(key), value) != qel::kRegistrySuccess) return std::nullopt;
+    const LONG code =
+        qel::ReadRegistryValue(place.root, below.IsEmpty() ? place.key : place.key + "\\" + below, name, value);
+    if (code == qel::kRegistryNotFound) return std::nullopt;
+    if (code != qel::kRegistrySuccess) throw RegistryFailure(place, code);
     return SettingOf(value);
 }
 
 std::vector<Section> ReadSections(const Place& place) {
-    std::vector<Section> sections;
-    if (place.root != nullptr) {
-        AddRegistrySections(place, CString(), sections);
-    } else if (CQFile::IsExist(place.location) == 0) {
-        throw Failure(Utf8(place.location.View()) + ": there is no such file", kUnreadable);
-    } else {
-        sections = ReadIniSections(place.location);
+    if (place.root == nullptr) {
+        RequireReadable(place);
+        return ReadIniSections(place.location);
     }
+    std::vector<Section> sections;
+    AddRegistrySections(place, CString(), sections);
     return sections;
 }
 

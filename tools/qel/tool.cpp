@@ -1,5 +1,6 @@
 #include "tool.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -7,9 +8,23 @@
 
 namespace tool {
 
+namespace fs = std::filesystem;
+
 CString Text(const std::string& utf8) { return CString(std::string_view(qel::FromUtf8(utf8))); }
 
 std::string Utf8(std::string_view text) { return qel::ToUtf8(text); }
+
+// A letter without its accent, or a question mark, is another text; the page's own forms of dashes and tildes are not.
+CString ExactText(const std::string& utf8) {
+    const auto asciiIn = [](const std::string& text) {
+        return std::ranges::count_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    };
+    const CString text = Text(utf8);
+    if (asciiIn(Utf8(text.View())) != asciiIn(utf8))
+        throw CLI::ValidationError("\"" + utf8 + "\" has characters that code page " + std::to_string(qel::CodePage()) +
+                                   " lacks");
+    return text;
+}
 
 std::optional<double> ParseNumber(std::string_view text) {
     double value = 0;
@@ -32,6 +47,10 @@ std::string Shown(std::string text) {
     return text;
 }
 
+std::string Count(std::size_t number, const char* one, const char* more) {
+    return std::to_string(number) + ' ' + (number == 1 ? one : more);
+}
+
 Status StatusOf(const CFileException& error) noexcept {
     return error.m_cause == CFileException::endOfFile ? kCut : kUnreadable;
 }
@@ -40,9 +59,15 @@ Status StatusOf(const CArchiveException& error) noexcept {
     return error.m_cause == CArchiveException::endOfFile ? kCut : kInconsistent;
 }
 
+Failure Named(const std::string& file, const Failure& failure) {
+    std::error_code missing;
+    const bool isFolder = failure.ExitStatus() == kUnreadable && fs::is_directory(file, missing);
+    return Failure(Shown(file) + ": " + (isFolder ? "is a folder" : failure.what()), failure.ExitStatus());
+}
+
 CString LibraryPath(const std::string& posixPath) {
     std::error_code error;
-    const std::filesystem::path absolute = std::filesystem::absolute(posixPath, error);
+    const fs::path absolute = fs::absolute(posixPath, error);
     if (error) throw CFileException(CFileException::badPath);
     const CString path = qel::ToLibraryPath(absolute.lexically_normal().native());
     qel::ToPosixPath(path.View());
@@ -58,9 +83,20 @@ void Open(CQFile& file, const std::string& path, UINT flags) {
     if (file.Open(LibraryPath(path), flags, &error) == 0) throw CFileException(error);
 }
 
-void RequireNew(const std::string& target, bool mayReplace) {
-    if (!mayReplace && CQFile::IsExist(Path(target)) != 0)
-        throw Failure(Shown(target) + ": exists; --force replaces it");
+void RequireOther(const std::string& target, const std::string& source) {
+    std::error_code missing;
+    if (fs::equivalent(target, source, missing))
+        throw CLI::ValidationError("\"" + target + "\" is to be read and cannot be written");
+}
+
+void RequireNew(const std::string& target, bool mayReplace, const std::vector<std::string>& sources) {
+    for (const std::string& source : sources) RequireOther(target, source);
+    const CString name = Path(target);
+    std::error_code missing;
+    if (fs::is_directory(target, missing)) throw Failure(Shown(target) + ": is a folder", kUnreadable);
+    if (!mayReplace && CQFile::IsExist(name) != 0) throw Failure(Shown(target) + ": exists; --force replaces it");
+    if (const fs::path folder = fs::path(target).parent_path(); !folder.empty() && !fs::is_directory(folder, missing))
+        throw Failure(Shown(target) + ": there is no such folder", kUnreadable);
 }
 
 Status Complain(const std::string& line, Status status) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <qellib10/qellib10.h>
 
@@ -41,9 +42,11 @@ private:
 
 using Json = nlohmann::ordered_json;
 
-/// Text of the command line in the code page, and back.
+/// Text in the code page, and back. What the page lacks becomes something like it, or `?`.
 CString Text(const std::string& utf8);
 std::string Utf8(std::string_view text);
+/// Text of the command line that is stored or looked up. @throws CLI::ValidationError for what the code page lacks
+CString ExactText(const std::string& utf8);
 
 /// A decimal number that is all of @p text, with a point and finite; nothing else.
 std::optional<double> ParseNumber(std::string_view text);
@@ -52,6 +55,9 @@ std::optional<std::pair<double, double>> ParsePair(std::string_view text, char b
 
 /// Text for a terminal: control characters, which might move its cursor, as `?`.
 std::string Shown(std::string text);
+
+/// Such as "1 page", "2 pages".
+std::string Count(std::size_t number, const char* one, const char* more);
 
 Status StatusOf(const CFileException& error) noexcept;
 Status StatusOf(const CArchiveException& error) noexcept;
@@ -69,12 +75,15 @@ template <class Step> auto Guarded(Step&& step) {
     }
 }
 
+/// @p failure with the name of the file.
+Failure Named(const std::string& file, const Failure& failure);
+
 /// The same; the failure names the file.
 template <class Step> auto OnFile(const std::string& file, Step&& step) {
     try {
         return Guarded(step);
     } catch (const Failure& failure) {
-        throw Failure(Shown(file) + ": " + failure.what(), failure.ExitStatus());
+        throw Named(file, failure);
     }
 }
 
@@ -86,8 +95,12 @@ CString Path(const std::string& posixPath);
 /// Opens a file of the command line. @throws CFileException
 void Open(CQFile& file, const std::string& path, UINT flags);
 
-/// @throws Failure when @p target exists, unless it may be replaced
-void RequireNew(const std::string& target, bool mayReplace);
+/// @throws CLI::ValidationError when both are the same file
+void RequireOther(const std::string& target, const std::string& source);
+
+/// @throws CLI::ValidationError when @p target is one of the @p sources; Failure when its folder is missing, and when
+/// it exists, unless it may be replaced
+void RequireNew(const std::string& target, bool mayReplace, const std::vector<std::string>& sources);
 
 /// Writes one line to the standard error output. @return @p status
 Status Complain(const std::string& line, Status status);

@@ -49,6 +49,24 @@ bool IsVariablesTag(std::string_view bytes) {
                "1.0");
 }
 
+Failure Incomplete(const CCalcVariableList& list, int count, Status finding) {
+    return Failure(
+        "of " + std::to_string(count) + " variables " + std::to_string(list.GetVariableCount()) + " can be read",
+        finding);
+}
+
+// The oldest layout begins with the count.
+CCalcVariableList LoadOldest(CFile& file) {
+    int count = 0;
+    CArchive(&file, CArchive::load) >> count;
+    file.SeekToBegin();
+    CCalcVariableList list;
+    CArchive archive(&file, CArchive::load);
+    list.LoadOldVariableList(archive);
+    if (list.GetVariableCount() != count) throw Incomplete(list, count, kInconsistent);
+    return list;
+}
+
 // Serialize ends silently at what it does not know, so what it has read is held against the count in the head.
 CCalcVariableList LoadVariables(CFile& file) {
     const ULONGLONG begin = file.GetPosition();
@@ -66,26 +84,19 @@ CCalcVariableList LoadVariables(CFile& file) {
         // Between two variables rather the count is wrong.
         if (begin + StoredSize(list, head) != file.GetLength()) finding = StatusOf(error);
     }
-    throw Failure(
-        "of " + std::to_string(count) + " variables " + std::to_string(list.GetVariableCount()) + " can be read",
-        finding);
+    throw Incomplete(list, count, finding);
 }
 
 CCalcVariableList ReadVariables(const std::string& path, bool oldest) {
     const CString name = Path(path);
     return OnFile(path, [&] {
         CFile file(name, CFile::modeRead | CFile::shareDenyWrite);
-        if (oldest) {
-            CCalcVariableList list;
-            CArchive archive(&file, CArchive::load);
-            list.LoadOldVariableList(archive);
-            return list;
-        }
         std::string head(16, '\0');
         head.resize(file.Read(head.data(), 16));
-        if (!IsVariablesTag(head)) throw Failure("no archived list of variables", kUnknown);
+        if (IsVariablesTag(head) == oldest)
+            throw Failure(oldest ? "has a head, it is of a newer layout" : "no archived list of variables", kUnknown);
         file.SeekToBegin();
-        return LoadVariables(file);
+        return oldest ? LoadOldest(file) : LoadVariables(file);
     });
 }
 

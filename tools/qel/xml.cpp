@@ -6,7 +6,7 @@ namespace {
 
 struct Options {
     std::string file, path, text, target;
-    bool asXml = false, count = false, force = false;
+    bool asXml = false, count = false, force = false, json = false;
 };
 
 bool IsEnciphered(const std::string& path) {
@@ -20,7 +20,15 @@ bool IsEnciphered(const std::string& path) {
 
 void Load(CCryptXMLDocument& document, const std::string& path) {
     IsEnciphered(path);  // says why it cannot be read
-    if (document.LoadXMLFile(Path(path), 1) == 0) throw Failure(Shown(path) + ": no well-formed document", kMalformed);
+    const bool isLoaded = document.LoadXMLFile(Path(path), 1) != 0;
+    if (!isLoaded || document.GetTagCount(".") < 0)  // an empty file is loaded, too
+        throw Failure(Shown(path) + ": no well-formed document", kMalformed);
+}
+
+long CountOf(const CCryptXMLDocument& document, const std::string& path) {
+    const long count = document.GetTagCount(ExactText(path));
+    if (count < 0) throw CLI::ValidationError("\"" + path + "\" is no path");
+    return count;
 }
 
 void Show(const Options& options) {
@@ -32,38 +40,47 @@ void Show(const Options& options) {
 void Get(const Options& options) {
     CCryptXMLDocument document;
     Load(document, options.file);
-    const CString path = Text(options.path);
-    const long count = document.GetTagCount(path);
-    if (count < 0) throw Failure("\"" + Shown(options.path) + "\" is no path");
-    if (options.count) return Print(std::to_string(count) + '\n');
-    CString text;
-    if ((options.asXml ? document.GetNodeXml(path, text) : document.GetNodeText(path, text)) == 0)
-        throw Failure(Shown(options.file) + ": has no \"" + Shown(options.path) + "\"");
-    Print(Utf8(text.View()) + '\n');
+    const CString path = ExactText(options.path);
+    const long count = CountOf(document, options.path);
+    Json json{{"file", options.file}, {"path", options.path}};
+    std::string text = std::to_string(count);
+    if (options.count) {
+        json["count"] = count;
+    } else {
+        CString found;
+        if ((options.asXml ? document.GetNodeXml(path, found) : document.GetNodeText(path, found)) == 0)
+            throw Failure(Shown(options.file) + ": has no \"" + Shown(options.path) + "\"");
+        text = Utf8(found.View());
+        json[options.asXml ? "xml" : "text"] = text;
+    }
+    options.json ? Print(json) : Print(text + '\n');
 }
 
 // Under the document's lock, in the form in which the file is.
 void Set(const Options& options) {
+    const CString text = ExactText(options.text);
     CCryptXMLDocument document;
+    Load(document, options.file);
+    CountOf(document, options.path);
     document.SetCryptMode(IsEnciphered(options.file) ? 1 : 0);
     if (document.LockFile(Path(options.file), 1, 0) == 0)
-        throw Failure(Shown(options.file) + ": no well-formed document, or in use");
-    if (document.SetNodeText(Text(options.path), Text(options.text)) == 0) {
+        throw Failure(Shown(options.file) + ": cannot be changed: it is in use or may not be written", kUnreadable);
+    if (document.SetNodeText(ExactText(options.path), text) == 0) {
         document.LockRollback();
-        throw Failure(Shown(options.file) + ": \"" + Shown(options.path) + "\" cannot be set");
+        throw CLI::ValidationError("\"" + options.path + "\" names nothing that can be made");
     }
     if (document.LockCommit() == 0) throw Failure(Shown(options.file) + ": cannot be written");
 }
 
 void Convert(const Options& options, bool encipher) {
+    RequireNew(options.target, options.force, {options.file});
     if (IsEnciphered(options.file) == encipher)
         throw Failure(Shown(options.file) + (encipher ? ": is enciphered already" : ": is not enciphered"));
     CCryptXMLDocument document;
     Load(document, options.file);
-    RequireNew(options.target, options.force);
     document.SetCryptMode(encipher ? 1 : 0);
     if (document.SaveXMLFile(Path(options.target), 1) == 0)
-        throw Failure(Shown(options.target) + ": cannot be written, or the document is empty");
+        throw Failure(Shown(options.target) + ": cannot be written");
 }
 
 }  // namespace
@@ -85,8 +102,9 @@ void AddXml(CLI::App& app, Status&) {
     add("show", "Write the document", Show);
     CLI::App* const get = add("get", "Write the text of a node", Get);
     addPath(get);
-    get->add_flag("--xml", options->asXml, "Write the node itself");
-    get->add_flag("--count", options->count, "Write how many nodes the path has");
+    CLI::Option* const asXml = get->add_flag("--xml", options->asXml, "Write the node itself");
+    get->add_flag("--count", options->count, "Write how many nodes the path has")->excludes(asXml);
+    get->add_flag("--json", options->json, "Write JSON");
     CLI::App* const set = add("set", "Change the text of a node, which is made when missing", Set);
     addPath(set);
     set->add_option("TEXT", options->text, "The new text")->required();
