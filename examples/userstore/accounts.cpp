@@ -73,14 +73,26 @@ CFunctionSecurity ReadFunctions(Database& database, UserId user) {
 
 void PrepareTables(Database& database) {
     Transaction transaction(database);
-    const std::int64_t application = Ask(database, "PRAGMA application_id");
-    if (application == 0 && Ask(database, "SELECT count(*) FROM sqlite_schema") == 0) {
+    if (Ask(database, "PRAGMA application_id") == 0 && Ask(database, "SELECT count(*) FROM sqlite_schema") == 0) {
         database.Run(kTables);
         database.Run(("PRAGMA application_id = " + std::to_string(kApplication)).c_str());
-    } else if (application != kApplication || Ask(database, "PRAGMA user_version") != kVersion) {
-        throw StoreError("the file is no user store of this version");
     }
+    RequireTables(database);
     transaction.Commit();
+}
+
+void RequireTables(Database& database) {
+    const bool isOurs = Ask(database, "PRAGMA application_id") == kApplication;
+    if (!isOurs || Ask(database, "PRAGMA user_version") != kVersion)
+        throw StoreError("the file is no user store of this version");
+}
+
+void RequireSound(Database& database) {
+    Query check(database, "PRAGMA integrity_check(1)");
+    check.Step();
+    const std::string_view found = check.Text(0);  // of several lines, the last one is the finding
+    if (found != "ok") throw StoreError(std::string(found.substr(found.rfind('\n') + 1)));
+    if (Query(database, "PRAGMA foreign_key_check").Step()) throw StoreError("something is kept of a user who is gone");
 }
 
 UserId FindUser(Database& database, const CString& name) {

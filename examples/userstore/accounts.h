@@ -19,6 +19,10 @@ inline constexpr UserId kNobody = 0;  // no account has it
 /// Makes the tables in an empty database.
 /// @throws StoreError too for the database of another program or of a later version
 void PrepareTables(Database& database);
+/// @throws StoreError unless the tables are there, and of this version
+void RequireTables(Database& database);
+/// @throws StoreError unless pages, indexes and what refers to users are as they have to be
+void RequireSound(Database& database);
 
 /// kNobody for an unknown name.
 UserId FindUser(Database& database, const CString& name);

@@ -25,13 +25,15 @@ constexpr const char* kSettings =
 void Database::Closer::operator()(sqlite3* database) const { ::sqlite3_close(database); }
 void Query::Finalizer::operator()(sqlite3_stmt* statement) const { ::sqlite3_finalize(statement); }
 
-Database::Database(const std::string& posixPath) {
+Database::Database(const std::string& posixPath, bool isReadOnly) {
     // Made here for its mode, which the journal takes over. An existing file is not opened: closing it again would drop
     // the locks of another connection in this process.
-    const qel::Descriptor made(::open(posixPath.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600));
+    qel::Descriptor made;
+    if (!isReadOnly) made.Reset(::open(posixPath.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600));
 
     sqlite3* database = nullptr;
-    const int result = ::sqlite3_open_v2(posixPath.c_str(), &database, SQLITE_OPEN_READWRITE, nullptr);
+    const int mode = isReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    const int result = ::sqlite3_open_v2(posixPath.c_str(), &database, mode, nullptr);
     m_database.reset(database);  // also after a failure
     if (result != SQLITE_OK) throw StoreError(posixPath + ": " + ::sqlite3_errstr(result));
     ::sqlite3_busy_timeout(database, kBusyLimit);

@@ -15,8 +15,9 @@ namespace userstore {
 /// A database file with its one connection. Waits 10 seconds for other programs; deleted content is overwritten.
 class Database {
 public:
-    /// Opens the file, or makes an empty one that only its owner can read.
-    explicit Database(const std::string& posixPath);
+    /// Opens the file, or makes an empty one that only its owner can read. One that is read only must be there, and is
+    /// left as it is.
+    explicit Database(const std::string& posixPath, bool isReadOnly = false);
 
     /// Runs statements that give no rows.
     void Run(const char* sql);

@@ -35,8 +35,8 @@ UserStore::UserStore(const CString& path, UserStoreSettings settings) : m_path(p
 void UserStore::Connect() {
     if (m_database) return;
     Answer([&] {
-        auto database = std::make_unique<Database>(qel::ToPosixPath(m_path.View()));
-        PrepareTables(*database);
+        auto database = std::make_unique<Database>(qel::ToPosixPath(m_path.View()), m_settings.isReadOnly);
+        m_settings.isReadOnly ? RequireTables(*database) : PrepareTables(*database);
         m_names = UserNames(*database);
         m_database = std::move(database);
         return 1;
@@ -44,6 +44,13 @@ void UserStore::Connect() {
 }
 
 int UserStore::IsConnected() { return m_database ? 1 : 0; }
+
+int UserStore::CheckIntegrity() {
+    return Answer([&] {
+        RequireSound(Opened());
+        return 1;
+    });
+}
 
 Database& UserStore::Opened() const {
     if (!m_database) throw StoreError("the user store is not connected");

@@ -28,6 +28,7 @@ using LogonPrompt = std::function<bool(LogonRequest&)>;
 struct UserStoreSettings {
     HashCost cost;  // passwords kept at another cost are hashed again at the next logon
     LockRule lock;
+    bool isReadOnly = false;  // accounts are looked at alone: a logon would count an attempt, and so is refused
     std::function<std::chrono::sys_seconds()> clock = [] {
         return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     };
@@ -60,9 +61,11 @@ public:
     UserStore(const UserStore&) = delete;
     UserStore& operator=(const UserStore&) = delete;
 
-    /// Opens the database; a missing one is made, without users.
+    /// Opens the database; a missing one is made, without users, unless the store is read only.
     void Connect() override;
     int IsConnected() override;
+    /// Whether all of the database can be read, and fits together. Takes as long as reading it.
+    int CheckIntegrity();
     /// Why the last operation that failed did; not for a logon, which says nothing about its reasons.
     const std::string& LastError() const { return m_lastError; }
 

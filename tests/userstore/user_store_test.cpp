@@ -184,6 +184,22 @@ TEST_F(UserStoreTest, AsksThePrompt) {
     EXPECT_EQ(asked, 7);
 }
 
+TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
+    Open()->CreateFirstAdministrator("admin", "first");
+    const std::string before = m_folder.Read("users.db");
+    m_settings.isReadOnly = true;
+    auto store = Open();
+    EXPECT_EQ(store->GetUserCount() + store->CheckIntegrity(), 2);
+    EXPECT_EQ(store->Logon("admin", "first") + store->AddUser(Record("bob", "pw")), 0);
+    EXPECT_EQ(m_folder.Read("users.db"), before);
+    Damage("PRAGMA foreign_keys = OFF; INSERT INTO functions VALUES(9, 0, 5, 'Print', 3)");
+    EXPECT_EQ(store->CheckIntegrity(), 0);
+    EXPECT_EQ(store->LastError(), "something is kept of a user who is gone");
+    store.reset();
+    std::filesystem::remove(m_folder.Posix("users.db"));
+    EXPECT_EQ(Open()->IsConnected() + m_folder.Has("users.db"), 0);
+}
+
 TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
     EXPECT_EQ(Open()->AddUser(Record("bob", "pw")), 1);
     Damage("UPDATE users SET passes = 4000000000, memory = 4000000000000");
