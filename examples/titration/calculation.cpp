@@ -103,10 +103,4 @@ Result Calculate(const Settings& settings, double endPointVolume) {
     return Compute(settings, Variables(settings, endPointVolume));
 }
 
-Result Recalculate(const Settings& settings, CCalcVariableList variables) {
-    variables.DeleteVariableAtName(Text(settings.name));
-    variables.ClearViewFlag();
-    return Compute(settings, variables);
-}
-
 }  // namespace titration

@@ -27,7 +27,4 @@ std::string Shown(const Result& result);
 ///     names differ in letter case alone or the unit is unknown
 Result Calculate(const Settings& settings, double endPointVolume);
 
-/// The same once more, from the variables of an earlier result.
-Result Recalculate(const Settings& settings, CCalcVariableList variables);
-
 }  // namespace titration

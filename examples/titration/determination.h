@@ -19,4 +19,10 @@ struct Determination {
     Result result;
 };
 
+/// The result of a measured curve, given as the text of its file, by a method. The names of both are for messages and
+/// the report.
+/// @throws Failure when one of them cannot give a result
+Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName,
+                      const std::string& data);
+
 }  // namespace titration

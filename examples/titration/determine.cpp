@@ -1,46 +1,33 @@
 #include "determine.h"
 
-#include <utility>
-
 #include "calculation.h"
 #include "check_sums.h"
-#include "csv_table.h"
 #include "determination.h"
-#include "end_point.h"
 #include "failure.h"
+#include "file_names.h"
 #include "method_file.h"
 #include "method_ini.h"
 #include "report.h"
 #include "report_job.h"
-#include "report_page.h"
 #include "report_printer.h"
+#include "report_sample.h"
 #include "result_file.h"
 #include "result_table.h"
 #include "run_log.h"
-#include "settings.h"
 #include "text_file.h"
 
 namespace titration {
 namespace {
 
-Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName) {
-    Determination result;
-    result.settingsFile = methodName;
-    result.dataFile = dataName;
-    result.settings = About(methodName, [&] { return ParseSettings(method); });
-    Log(stage::kCurve + dataName);
-    const std::string data = ReadTextFile(dataName);
-    result.curve =
-        About(dataName, [&] { return ReadCurve(data, result.settings.volumeColumn, result.settings.signalColumn); });
-    result.endPoint = About(dataName, [&] { return FindEndPoint(result.curve); });
-    result.result = About(methodName, [&] { return Calculate(result.settings, result.endPoint.volume); });
-    Log(stage::kResult + Shown(result.result));
-    return result;
-}
+struct Titration {
+    Determination determination;
+    std::string measured;  // the text of the data file
+    std::string text;      // what is said about the method
+};
 
 // Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
 // method from then on.
-std::pair<Determination, std::string> TitrateByMethod(const Options& options, Session& session, MadeFiles& made) {
+Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& made) {
     MethodFile file(made.Path("method.xml"));
     const bool isKept = options.settings.empty();
     if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
@@ -51,20 +38,23 @@ std::pair<Determination, std::string> TitrateByMethod(const Options& options, Se
     if (changes.GetCount() > 0 && !session.May(kChangeMethod))
         throw Failure(session.Operator() + " may not change the method");
 
-    const Determination result = Titrate(name, method, options.data);
-    if (changes.GetCount() == 0) return {result, "Method     method.xml, as it was\n"};
+    Log(stage::kCurve + options.data);
+    const std::string measured = ReadTextFile(options.data);
+    const Determination result = Titrate(name, method, options.data, measured);
+    Log(stage::kResult + Shown(result.result));
+    if (changes.GetCount() == 0) return {result, measured, "Method     method.xml, as it was\n"};
     const std::string count = std::to_string(changes.GetCount());
     const std::string what =
         file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
     file.Keep(method);
     Log("method.xml kept");
     made.Add("method.xml");
-    return {result, "Method     method.xml, enciphered: " + what};
+    return {result, measured, "Method     method.xml, enciphered: " + what};
 }
 
-std::string WriteTexts(const Determination& determination, MadeFiles& made) {
+std::string WriteTexts(const Determination& determination, const std::string& sample, MadeFiles& made) {
     WriteTextFile(Report(determination), made.Path("report.txt"));
-    made.Add("report.txt");
+    made.Add("report.txt", sample);
     const int lines = WriteResultTable(determination.result, made.Path("result.csv"));
     made.Add("result.csv");
     return "Written    report.txt, and result.csv with " + std::to_string(lines) + " lines\n";
@@ -88,6 +78,16 @@ std::string Seal(const CCalcVariableList& variables, MadeFiles& made) {
     return std::string(text);
 }
 
+// What the next version can be computed from again, whatever becomes of the method and the measured file.
+std::string KeepOrigin(DWORD version, const std::string& measured, MadeFiles& made) {
+    const std::string method = MethodName(version), curve = CurveName(version);
+    WriteTextFile(ReadBytes(made.Path("method.xml")), made.Path(method));
+    made.Add(method);
+    WriteTextFile(measured, made.Path(curve));
+    made.Add(curve);
+    return "Kept       " + method + " and " + curve + ", from which it can be computed again\n";
+}
+
 const CHistoryRenewInfo& Register(const Options& options, Session& session, History& history, MadeFiles& made) {
     const std::string comment = options.comment.empty()
                                     ? "from " + std::string(CQFile::GetFilenameFromPath(options.data.c_str()))
@@ -100,12 +100,12 @@ const CHistoryRenewInfo& Register(const Options& options, Session& session, Hist
 
 // The report of the latest version as a print job, and the curve in it as a picture.
 std::string KeepReport(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
-                       ReportPrinter& printer, MadeFiles& made) {
+                       ReportPrinter& printer, const std::string& sample, MadeFiles& made) {
     CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, made.Path("curve.png"));
-    made.Add("curve.png");
-    const std::string name = ReportJobName(version);
+    made.Add("curve.png", sample);
+    const std::string name = JobName(version);
     if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": cannot be written");
-    made.Add(name);
+    made.Add(name, sample);
     return "Drawn      curve.png, in one drawing with the report's curve\n"
            "Job        " +
            name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
@@ -117,13 +117,15 @@ std::string KeepReport(const Determination& determination, DWORD version, const 
 
 std::string Determine(const Options& options, Session& session, History& history, MadeFiles& made) {
     ReportPrinter printer(options.printer);
-    const auto [determination, method] = TitrateByMethod(options, session, made);
+    const auto [determination, measured, method] = TitrateByMethod(options, session, made);
+    const std::string sample = SampleOf(options.printer);
     std::string text = method + Report(determination);
-    text += WriteTexts(determination, made);
+    text += WriteTexts(determination, sample, made);
     text += Seal(determination.result.variables, made);
+    text += KeepOrigin(history.Latest() + 1, measured, made);
     const CHistoryRenewInfo& record = Register(options, session, history, made);
     text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
-    return text + KeepReport(determination, history.Latest(), record, printer, made);
+    return text + KeepReport(determination, history.Latest(), record, printer, sample, made);
 }
 
 }  // namespace titration

@@ -8,10 +8,13 @@
 namespace titration {
 
 /// The files in the output folder. Those that are written as a whole have their size and checksums in "made.ini", so
-/// that it shows later whether one was changed:
+/// that it shows later whether one was changed. Those that are laid out by the program have what a sample report was
+/// like then, see SampleOf:
 ///
 ///     [files]
 ///     report-1.job = 13899 bytes, CRC 5F0C1A77, sum 0011D2A9
+///     [samples]
+///     report-1.job = 3BE0A2C1 91D6BA77 5C2F99A0 CA41F0D2 0B7DE4A8
 class MadeFiles {
 public:
     explicit MadeFiles(const CString& folder);
@@ -19,22 +22,32 @@ public:
     std::string Path(const std::string& name) const;
     /// Writes down what the file is like now.
     /// @throws Failure
-    void Add(const std::string& name);
-    /// The same for those that match a pattern and are not written down yet.
+    void Add(const std::string& name, const std::string& sample = "");
+    /// Deletes files that match a pattern, and what was written down of them.
     /// @throws Failure
-    /// @return their names
-    std::vector<std::string> AddNew(const std::string& pattern);
+    void Remove(const std::string& pattern);
     /// @throws Failure when the file is not there, and when it is not as it was written down
     void RequireAsMade(const std::string& name) const;
+    /// The sample report of the time when the file was made.
+    std::string SampleOf(const std::string& name) const { return std::string(m_sums.Get(kSamples, name.c_str(), "")); }
 
-    /// In the order of their names.
+    /// Those that are there, in the order of their names.
     /// @throws Failure
     std::vector<std::string> Matching(const std::string& pattern) const;
+    /// Those that are written down, there or not.
+    /// @throws Failure when that cannot be read
+    std::vector<std::string> WrittenDown() const;
+    /// Those that are there and of a kind that is made.
+    /// @throws Failure
+    std::vector<std::string> Found() const;
     /// Each with its size and what it is, one a line.
     std::string Listed() const;
 
 private:
+    static constexpr const char *kFiles = "files", *kSamples = "samples";
+
     std::string Described(const std::string& name) const;
+    void Set(const std::string& name, const char* sums, const char* sample);
 
     CString m_folder;
     CPrivateProfile m_sums;

@@ -4,6 +4,7 @@
 // into a report that is kept as a print job (determine.cpp). Any version can be taken out again, reports are printed
 // three to a page, and all files are checked later without anything but themselves (verify/verify.cpp).
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -13,6 +14,7 @@
 
 #include "determine.h"
 #include "failure.h"
+#include "file_names.h"
 #include "file_step.h"
 #include "history.h"
 #include "made_files.h"
@@ -21,6 +23,7 @@
 #include "renewals.h"
 #include "report.h"
 #include "report_page.h"
+#include "report_sample.h"
 #include "result_file.h"
 #include "run_log.h"
 #include "session.h"
@@ -39,7 +42,7 @@ std::string LogOn(Session& session) {
 }
 
 std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
-    const std::string name = "version-" + std::to_string(version) + ".qel";
+    const std::string name = TakenOutName(version);
     const CHistoryRenewInfo& record = history.TakeOut(version, made.Path(name));
     made.Add(name);
     Log("took out " + name);
@@ -55,22 +58,36 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
     return text;
 }
 
+// @return what stands behind the printer's name
+std::string PrintIn(ReportPages& pages, const std::string& sample, MadeFiles& made) {
+    const std::vector<std::string> before = made.Matching(kAllPdfs);
+    pages.Print();
+    std::string into;
+    for (const std::string& name : made.Matching(kAllPdfs)) {
+        if (std::ranges::find(before, name) != before.end()) continue;
+        made.Add(name, sample);
+        into = stage::kInto + name;
+    }
+    return into;
+}
+
 std::string Print(int count, const History& history, MadeFiles& made) {
     const auto reports = static_cast<DWORD>(count);
     if (reports > history.Latest())
         throw Failure("there are no " + std::to_string(count) + " reports, but " + std::to_string(history.Latest()));
-    ReportPages pages(made, history.Latest() - reports + 1, history.Latest());
+    ReportPages pages(JobPaths(made, history.Latest() - reports + 1, history.Latest()));
+    const std::string sample = SampleOf(pages.PrinterName());
+    made.Remove(kAllPages);
+    Log(stage::kPreviewed + Counted(count, "report"));
     std::string text;
     for (int page = 1; page <= pages.Count(); ++page) {
-        const std::string name = "page-" + std::to_string(page) + ".png";
+        const std::string name = PageName(page);
         pages.SavePreview(page, made.Path(name));
-        made.Add(name);
+        made.Add(name, sample);
         text += "Preview    " + name + "\n";
     }
-    pages.Print();
-    const std::vector<std::string> files = made.AddNew("*.pdf");
-    const std::string done = Counted(count, "report") + " on printer " + pages.PrinterName() +
-                             (files.empty() ? "" : stage::kInto + files.back());
+    const std::string done =
+        Counted(count, "report") + " on printer " + pages.PrinterName() + PrintIn(pages, sample, made);
     Log(stage::kPrinted + done);
     return text + "Printed    " + done + "\n";
 }

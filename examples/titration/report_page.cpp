@@ -1,6 +1,7 @@
 #include "report_page.h"
 
 #include "failure.h"
+#include "file_names.h"
 
 namespace titration {
 namespace {
@@ -9,11 +10,14 @@ constexpr int kPreviewDotsAnInch = 144;  // a screen has 96
 
 }  // namespace
 
-std::string ReportJobName(DWORD version) { return "report-" + std::to_string(version) + ".job"; }
+std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last) {
+    std::vector<std::string> paths;
+    for (DWORD version = first; version <= last; ++version) paths.push_back(made.Path(JobName(version)));
+    return paths;
+}
 
-ReportPages::ReportPages(const MadeFiles& made, DWORD first, DWORD last) {
-    for (DWORD version = first; version <= last; ++version) {
-        const std::string path = made.Path(ReportJobName(version));
+ReportPages::ReportPages(const std::vector<std::string>& jobPaths) {
+    for (const std::string& path : jobPaths) {
         CQelPrintJobQueueData job;
         if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be read");
         if (m_document.CheckAndAddJobFile(job) == 0)

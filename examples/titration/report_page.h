@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <qellib10/qellib10.h>
 
@@ -8,14 +9,14 @@
 
 namespace titration {
 
-/// The job file of the report on a version.
-std::string ReportJobName(DWORD version);
+/// The job files of the reports on versions @p first to @p last.
+std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last);
 
-/// The reports on versions @p first to @p last, three to a page, on the printer that they were laid out for.
+/// Reports, three to a page, on the printer that they were laid out for.
 class ReportPages {
 public:
     /// @throws Failure when a job file cannot be read, when one is for another printer, and when that is not there
-    ReportPages(const MadeFiles& made, DWORD first, DWORD last);
+    explicit ReportPages(const std::vector<std::string>& jobPaths);
 
     int Count() const;
     std::string PrinterName() const { return std::string(m_document.GetPageStyle().GetPrinterDevice()); }

@@ -9,7 +9,7 @@ CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
     CQelPrintJobPageStyle style;
     style.SetStyleName("Titration reports");
     style.SetPrinterDevice(printer.c_str());
-    style.SetPrintBlock({1, 3});
+    style.SetPrintBlock({1, kReportsOnAPage});
     // Tenths of a millimetre; the wide margin is for a binder.
     style.SetLeftMargin(200);
     style.SetRightMargin(150);
@@ -19,6 +19,11 @@ CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
 }
 
 }  // namespace
+
+bool ReportPrinter::IsThere(const std::string& name) {
+    CDC dc;
+    return dc.Attach(ThreeOnAPage(name).GetPrinterDC()) != 0;
+}
 
 ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeOnAPage(name)) {
     if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + name + "\"");

@@ -6,9 +6,12 @@
 
 namespace titration {
 
+inline constexpr int kReportsOnAPage = 3;
+
 /// The paper that reports are laid out for, A4 with three of them one below the other, and the printer that it is in.
 class ReportPrinter {
 public:
+    static bool IsThere(const std::string& name);
     /// @throws Failure when there is no such printer
     explicit ReportPrinter(const std::string& name);
 

@@ -114,6 +114,16 @@ std::vector<std::string> WordsOfJob(const CString& path) {
     return Sorted(Words(texts));
 }
 
+// As the program writes them down.
+std::string SumsOf(const CString& path) {
+    DWORD size = 0, crc = 0, sum = 0;
+    EXPECT_NE(CQFile::GetFileSize(path, &size) + CQFile::GetFileCRC(path, &crc, 0) + CQFile::GetFileSum(path, &sum, 0),
+              0);
+    CString text;
+    text.Format("%u bytes, CRC %08X, sum %08X", size, crc, sum);
+    return std::string(text);
+}
+
 double ResultIn(const std::string& report) {
     double result = NAN;
     std::istringstream(report.substr(std::min(report.find("R = "), report.size() - 4) + 4)) >> result;
@@ -209,8 +219,16 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     EXPECT_EQ(Run("--take-out 1 --out results").status, 0);
     EXPECT_EQ(Run("--print 2 --out results").status, 0);
     const Outcome good = Run("--verify --out results");
-    EXPECT_TRUE(good.out.ends_with("\n15 checks, all right\n")) << good.out;
+    EXPECT_TRUE(good.out.ends_with("\n21 checks, all right\n")) << good.out;
     EXPECT_EQ(good.status, 0);
+    std::istringstream list(Run("--list --out results").out);
+    std::string line, listed;
+    for (std::getline(list, line); std::getline(list, line);) {
+        listed = line.substr(11, line.find("  ", 11) - 11);
+        EXPECT_NE(good.out.find("ok      " + listed + ": "), std::string::npos) << listed << " is not checked";
+    }
+    EXPECT_EQ(listed, "titration.log");
+    const std::string users = m_folder.Read("results/users.db");
 
     const auto flip = [](std::size_t at) { return [at](std::string& bytes) { bytes.at(at) ^= 1; }; };
     const auto flipIn = [](const char* text) {
@@ -222,19 +240,28 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
              {"method.xml", flip(20), "FAILED: method.xml: is missing, or no document"},
              {"variables.qel", flip(40), "FAILED: variables.qel: the seal does not fit"},
              {"result.csv", flipIn("49.6"), "FAILED: result.csv: is not the table of that result"},
-             {"report.txt", flipIn("49.6 g"), "FAILED: report.txt: has no line \"Result     ACIDITY = 49.6 g/L\""},
              {"report.txt", flipIn("37 points"), "FAILED: report.txt: has "},
              {"results.hcf", flip(30), "FAILED: results.hcf: is missing or in use, or its header is damaged"},
              {"results.hcf", flip(100), "FAILED: version 1 in results.hcf: its data do not fit its header"},
              {"renewals.qel", flip(130), "FAILED: renewals.qel: has "},
-             {"version-1.qel", flip(100), "FAILED: version 1 in results.hcf: differs from version-1.qel"},
+             {"renewals.qel", flipIn("demo"), "FAILED: users.db: has no user \"eemo\", who registered a version"},
+             {"users.db", flip(20), "FAILED: users.db: "},
+             {"users.db", nullptr, "FAILED: users.db: unable to open"},
+             {"made.ini", flipIn("page-1.png="), "FAILED: page-1.png: has no line in made.ini"},
+             {"made.ini", nullptr, "FAILED: made.ini: "},
+             {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: is missing"},
+             {"curve-1.csv", flip(300), "FAILED: curve-1.csv: has "},
+             {"version-1.qel", flip(100), "FAILED: version-1.qel: has "},
+             {"version-1.qel", nullptr, "FAILED: version-1.qel: is missing"},
              {"report-1.job", flipIn("</commands>"), "FAILED: report-1.job: is missing, or no job file"},
              {"report-1.job", flipIn("width=\"4"), "FAILED: report-1.job: "},
-             {"report-2.job", flipIn("49.6"), "FAILED: report-2.job: shows \"Titration: ACIDITY 59.6 g/L\""},
-             {"curve.png", cut(1000), "FAILED: curve.png: is cut"},
+             {"report-1.job", flipIn("49.6"), "FAILED: report-1.job: shows \"Titration: ACIDITY 59.6 g/L\""},
+             {"curve.png", cut(1000), "FAILED: curve.png: has 1000 bytes"},
              {"page-1.png", flip(1000), "FAILED: page-1.png: has "},
-             {"Titration reports.pdf", cut(5000), "FAILED: Titration reports.pdf: is cut"},
-             {"Titration reports.pdf", nullptr, "FAILED: Titration reports.pdf: "},
+             {"page-1.png", nullptr, "FAILED: page-1.png: is missing"},
+             {"Titration reports.pdf", nullptr, "FAILED: Titration reports.pdf: is missing"},
+             {"titration.log", flipIn("49.6"),
+              "FAILED: version 1 in results.hcf: has ACIDITY = 49.6 g/L, and titration.log ACIDITY = 59.6 g/L"},
              {"titration.log", cut(200), "FAILED: titration.log: its last line is cut"},
              {"titration.log", [](std::string& log) { log.resize(log.rfind('[', log.rfind("registered"))); },
               "FAILED: titration.log: tells of 1 version, and there are 2"},
@@ -248,7 +275,30 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
         EXPECT_EQ(run.status, 1);
         m_folder.Write(file, before);
     }
+
+    // With sums that fit, what is made again tells.
+    const std::string sums = m_folder.Read("results/made.ini");
+    for (const auto& [name, damage, finding] : Cases<std::string, Damage, std::string>{
+             {"curve-1.csv", flipIn("9.31"), "version 1 in results.hcf: its values are not those that "},
+             {"report.txt", flipIn("49.6 g"), "report.txt: differs from what is made again"},
+             {"report-1.job", flipIn("width=\"4"), "report-1.job: differs from what is made again"},
+             {"curve.png", flip(1000), "curve.png: differs from what is made again"},
+             {"page-1.png", flip(1000), "page-1.png: differs from what is made again"},
+             {"Titration reports.pdf", flip(1000), "Titration reports.pdf: differs from what is made again"}}) {
+        const std::string file = "results/" + name, before = m_folder.Read(file), old = SumsOf(m_folder.Path(file));
+        std::string bytes = before;
+        damage(bytes);
+        m_folder.Write(file, bytes);
+        m_folder.Write("results/made.ini", Replaced(sums, name + "=" + old, name + "=" + SumsOf(m_folder.Path(file))));
+        const Outcome run = Run("--verify --out results");
+        EXPECT_NE(run.out.find("FAILED: " + finding), std::string::npos) << finding << "\n" << run.out;
+        m_folder.Write(file, before);
+    }
+    m_folder.Write("results/made.ini", Replaced(sums, "\npage-1.png=", "\nx="));
+    EXPECT_NE(Run("--verify --out results").out.find("FAILED: x: is missing"), std::string::npos);
+    m_folder.Write("results/made.ini", sums);
     EXPECT_EQ(Run("--verify --out results").out, good.out) << "it changes nothing";
+    EXPECT_EQ(m_folder.Read("results/users.db"), users);
 }
 
 TEST_F(Titration, PrintsOnTheNamedPrinter) {

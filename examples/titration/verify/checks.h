@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdio>
+#include <set>
 #include <string>
 
 #include "../failure.h"
@@ -10,9 +11,11 @@ namespace titration {
 /// Runs checks and shows each as one line: "ok" with what was found, or "FAILED" with what is wrong.
 class Checks {
 public:
+    /// @param what a file's name, for a check that is about one
     /// @param check gives what it found, or throws Failure
     template <class Check> void Run(const std::string& what, Check check) {
         ++m_count;
+        m_done.insert(what);
         try {
             std::printf("ok      %s: %s\n", what.c_str(), std::string(check()).c_str());
         } catch (const Failure& failure) {
@@ -21,6 +24,7 @@ public:
         }
     }
 
+    bool HasRun(const std::string& what) const { return m_done.contains(what); }
     int Count() const { return m_count; }
     int Failed() const { return m_failed; }
 
@@ -31,6 +35,7 @@ private:
         return at == std::string::npos ? message : message.substr(at + name.size());
     }
 
+    std::set<std::string> m_done;
     int m_count = 0, m_failed = 0;
 };
 

@@ -5,8 +5,8 @@
 #include "../number.h"
 #include "../renewals.h"
 #include "../result_file.h"
+#include "../temporary_file.h"
 #include "checks.h"
-#include "temporary_file.h"
 
 namespace titration {
 
@@ -35,25 +35,28 @@ std::string KeptHistory::CheckRecords() const {
     return Counted(Versions(), "record");
 }
 
-std::string KeptHistory::CheckVersion(DWORD version) const {
-    Require(m_isOpen, "cannot be read");
-    const TemporaryFile data;
-    CHistoryCabinetFile cabinet = m_cabinet;  // shares the opening
-    Require(cabinet.GetVersionFile(version, data.Path().c_str()) != 0,
-            "its data do not fit its header, or are not there");
-    const auto isSame = [&](const std::string& name) {
-        return CQFile::CompareFile(data.Path().c_str(), m_made.Path(name).c_str()) != 0;
-    };
-    LoadRenamedVariables(data.Path());
-    Require(version < Versions() || isSame("variables.qel"), "is the latest one, but differs from variables.qel");
+const CHistoryRenewInfo& KeptHistory::Record(DWORD version) const {
+    Require(version <= m_records.size(), "renewals.qel has no record of version " + std::to_string(version));
+    return m_records[version - 1];
+}
 
-    std::string found = "data fit their header and their seal";
-    const std::string takenOut = "version-" + std::to_string(version) + ".qel";
-    if (CQFile::IsExist(m_made.Path(takenOut).c_str()) != 0) {
-        Require(isSame(takenOut), "differs from " + takenOut);
-        found += ", and are those in " + takenOut;
-    }
-    return version <= m_records.size() ? found + "; " + Described(m_records[version - 1]) : found;
+void KeptHistory::TakeOut(DWORD version, const std::string& path) const {
+    Require(m_isOpen, "results.hcf cannot be read");
+    CHistoryCabinetFile cabinet = m_cabinet;  // shares the opening
+    Require(cabinet.GetVersionFile(version, path.c_str()) != 0, "its data do not fit its header, or are not there");
+}
+
+CCalcVariableList KeptHistory::Variables(DWORD version) const {
+    const TemporaryFile data;
+    TakeOut(version, data.Path());
+    return LoadRenamedVariables(data.Path());
+}
+
+void KeptHistory::RequireVersionIn(const std::string& name, DWORD version) const {
+    const TemporaryFile data;
+    TakeOut(version, data.Path());
+    Require(CQFile::CompareFile(data.Path().c_str(), m_made.Path(name).c_str()) != 0,
+            "differs from version " + std::to_string(version) + " in results.hcf");
 }
 
 }  // namespace titration

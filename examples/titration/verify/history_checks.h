@@ -17,11 +17,21 @@ public:
 
     /// As many as the cabinet or the records know, whichever are more.
     DWORD Versions() const;
+    const std::vector<CHistoryRenewInfo>& Records() const { return m_records; }
+    /// @throws Failure when there is none
+    const CHistoryRenewInfo& Record(DWORD version) const;
+
     std::string CheckCabinet() const;
     std::string CheckRecords() const;
-    std::string CheckVersion(DWORD version) const;
+    /// The values that a version holds.
+    /// @throws Failure when it is damaged or not there
+    CCalcVariableList Variables(DWORD version) const;
+    /// @throws Failure unless the file has the bytes of a version
+    void RequireVersionIn(const std::string& name, DWORD version) const;
 
 private:
+    void TakeOut(DWORD version, const std::string& path) const;
+
     const MadeFiles& m_made;
     CHistoryCabinetFile m_cabinet;
     bool m_isOpen;

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "../file_names.h"
 #include "../number.h"
 #include "../run_log.h"
 #include "../text_file.h"
@@ -15,7 +16,6 @@ namespace {
 constexpr std::size_t kTimeAt = 1, kTimeSize = 19, kMessageAt = 22;
 
 constexpr std::string_view kStages[] = {stage::kMethod, stage::kCurve, stage::kResult, stage::kRegistered};
-constexpr std::size_t kResultStage = 2, kRegisteredStage = 3;
 
 bool HasTime(std::string_view line) {
     return line.size() >= kMessageAt && line.front() == '[' && line.substr(kTimeAt + kTimeSize, 2) == "],";
@@ -25,57 +25,71 @@ bool HasTime(std::string_view line) {
 // log that they were refused.
 class Runs {
 public:
+    explicit Runs(LogFacts& facts) : m_facts(facts) {}
+
     void Take(std::string_view message) {
         for (std::size_t stage = 0; stage < std::size(kStages); ++stage) {
             if (message.starts_with(kStages[stage])) Reach(stage, message.substr(kStages[stage].size()));
         }
+        if (message.starts_with(stage::kPreviewed)) m_facts.previewed = Reports(message, stage::kPreviewed);
         const std::size_t into = message.find(stage::kInto);
-        if (message.starts_with(stage::kPrinted) && into != std::string::npos)
-            m_printed.emplace_back(message.substr(into + std::strlen(stage::kInto)));
+        if (message.starts_with(stage::kPrinted) && into != std::string_view::npos) {
+            const std::string file(message.substr(into + std::strlen(stage::kInto)));
+            m_facts.printed[file] = Reports(message, stage::kPrinted);
+        }
     }
-    DWORD Versions() const { return m_versions; }
-    const std::string& Result() const { return m_result; }
-    const std::vector<std::string>& Printed() const { return m_printed; }
 
 private:
     void Reach(std::size_t stage, std::string_view text) {
         Require(stage == 0 || stage == m_next, "without what comes before it");
-        if (stage == kResultStage) m_result = text;
-        if (stage == kRegisteredStage) {
-            const auto version = ParseWholeNumber(text);
-            Require(version && static_cast<DWORD>(*version) == m_versions + 1,
-                    "behind version " + std::to_string(m_versions));
-            ++m_versions;
-        }
         m_next = stage + 1;
+        if (stage < std::size(m_texts)) {
+            m_texts[stage] = text;
+            return;
+        }
+        const std::size_t before = m_facts.runs.size();
+        const auto version = ParseWholeNumber(text);
+        Require(version && static_cast<std::size_t>(*version) == before + 1,
+                "behind version " + std::to_string(before));
+        m_facts.runs.push_back({m_texts[0], m_texts[1], m_texts[2]});
     }
 
+    // "previewed 3 reports", "printed 3 reports on printer PDF into Titration reports.pdf"
+    LoggedReports Reports(std::string_view message, std::string_view stage) const {
+        const std::string_view text = message.substr(stage.size());
+        const int count = ParseWholeNumber(text.substr(0, text.find(' '))).value_or(0);
+        const auto last = static_cast<DWORD>(m_facts.runs.size());
+        Require(count > 0 && static_cast<DWORD>(count) <= last, "there were " + Counted(last, "report"));
+        return {last - static_cast<DWORD>(count) + 1, last};
+    }
+
+    LogFacts& m_facts;
+    std::string m_texts[std::size(kStages) - 1];  // of the stages before the last one
     std::size_t m_next = 0;
-    DWORD m_versions = 0;
-    std::string m_result;
-    std::vector<std::string> m_printed;
 };
 
 }  // namespace
 
-LogFacts CheckLog(const std::string& path, DWORD versions, const std::optional<std::string>& result) {
+std::string LoggedReports::Described() const {
+    return first == last ? JobName(first) : JobName(first) + " to " + JobName(last);
+}
+
+std::string CheckLog(const std::string& path, DWORD versions, LogFacts& facts) {
     const std::string text = ReadTextFile(path);
-    Require(text.ends_with("\r\n"), "its last line is cut");
-    Runs runs;
+    Runs runs(facts);
     std::string_view time;
-    int count = 0;
-    for (const std::string_view line : Lines(text)) {
-        ++count;
-        const std::string here = "line " + std::to_string(count) + ", \"" + std::string(line) + "\"";
+    const std::vector<std::string_view> lines = Lines(text);
+    for (const std::string_view& line : lines) {
+        Require(text.ends_with("\r\n") || &line != &lines.back(), "its last line is cut");
+        const std::string here = "line " + std::to_string(++facts.lines) + ", \"" + std::string(line) + "\"";
         Require(HasTime(line), here + ": is none of the log");
         Require(time <= line.substr(kTimeAt, kTimeSize), here + ": is earlier than the one before");
         time = line.substr(kTimeAt, kTimeSize);
         About(here, [&] { runs.Take(line.substr(kMessageAt)); });
     }
-    Require(runs.Versions() == versions,
-            "tells of " + Counted(runs.Versions(), "version") + ", and there are " + std::to_string(versions));
-    Require(!result || runs.Result() == *result, "the latest result is " + runs.Result());
-    return {std::to_string(count) + " lines in order, " + Counted(versions, "version") + " registered", runs.Printed()};
+    const auto told = static_cast<DWORD>(facts.runs.size());
+    Require(told == versions, "tells of " + Counted(told, "version") + ", and there are " + std::to_string(versions));
+    return std::to_string(facts.lines) + " lines in order, " + Counted(versions, "version") + " registered";
 }
 
 }  // namespace titration

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -8,15 +8,30 @@
 
 namespace titration {
 
+/// What the log tells of a version.
+struct LoggedRun {
+    std::string method, curve;  // names of the files that it was computed from
+    std::string result;
+};
+
+/// The latest reports that there were at a time.
+struct LoggedReports {
+    DWORD first = 0, last = 0;
+
+    std::string Described() const;
+};
+
 struct LogFacts {
-    std::string text;
-    std::vector<std::string> printed;  // names of files
+    int lines = 0;
+    std::vector<LoggedRun> runs;                   // of version 1, 2, ...
+    LoggedReports previewed;                       // 0: none
+    std::map<std::string, LoggedReports> printed;  // into files
 };
 
 /// Lines are whole and in the order of their times, and each version was registered after its method, its curve and its
 /// result, one version after the other up to the latest.
-/// @param result that of the latest version, if it is known
+/// @param facts those of the lines before the first one that is wrong
 /// @throws Failure
-LogFacts CheckLog(const std::string& path, DWORD versions, const std::optional<std::string>& result);
+std::string CheckLog(const std::string& path, DWORD versions, LogFacts& facts);
 
 }  // namespace titration

@@ -1,19 +1,30 @@
 #include "result_checks.h"
 
+#include "../file_names.h"
 #include "../method_file.h"
-#include "../report.h"
+#include "../report_job.h"
 #include "../result_file.h"
 #include "../result_table.h"
+#include "../temporary_file.h"
 #include "../text_file.h"
 #include "checks.h"
-#include "temporary_file.h"
 
 namespace titration {
+namespace {
 
-std::string CheckMethod(const MadeFiles& made) {
-    const Method method = MethodFile::Read(made.Path("method.xml"));
+// What has no room ends with dots.
+bool IsShownAs(const std::string& text, std::string shown) {
+    if (!shown.ends_with("...")) return shown == text;
+    shown.resize(shown.size() - 3);
+    return text.starts_with(shown);
+}
+
+}  // namespace
+
+std::string CheckMethod(const MadeFiles& made, const std::string& name) {
+    const Method method = MethodFile::Read(made.Path(name));
     ParseSettings(method);
-    made.RequireAsMade("method.xml");
+    made.RequireAsMade(name);
     return "deciphered, " + std::to_string(method.size()) + " values";
 }
 
@@ -24,35 +35,50 @@ std::string CheckVariables(const MadeFiles& made) {
     return std::to_string(variables.GetVariableCount()) + " variables, sealed with " + Shown(SealedSums(path));
 }
 
-Recomputed Recompute(const MadeFiles& made) {
-    Recomputed recomputed;
-    recomputed.settings = ParseSettings(MethodFile::Read(made.Path("method.xml")));
-    const CCalcVariableList kept = LoadVariables(made.Path("variables.qel"));
-    recomputed.result = Recalculate(recomputed.settings, kept);
-    Require(!(recomputed.result.variables != kept), "variables.qel is not of a result by method.xml");
-    return recomputed;
-}
-
-std::string CheckTable(const MadeFiles& made, const Recomputed& recomputed) {
+std::string CheckTable(const MadeFiles& made, const Result& result) {
     const TemporaryFile again;
-    const int lines = WriteResultTable(recomputed.result, again.Path());
+    const int lines = WriteResultTable(result, again.Path());
     Require(CQFile::CompareFile(again.Path().c_str(), made.Path("result.csv").c_str()) != 0,
             "is not the table of that result");
     made.RequireAsMade("result.csv");
     return std::to_string(lines) + " lines, the table of that result";
 }
 
-// Its other lines may be worded otherwise by the program that wrote them.
-std::string CheckReport(const MadeFiles& made, const Recomputed& recomputed) {
-    const std::string text = ReadTextFile(made.Path("report.txt"));
-    const auto& [settings, result] = recomputed;
-    const std::string limits = LimitText(settings, result.value);
-    for (const std::string& line : {"Formula    " + settings.formula, "Result     " + Shown(result),
-                                    limits.empty() ? limits : "Limits     " + limits}) {
-        Require(text.find("\n" + line + "\n") != std::string::npos || line.empty(), "has no line \"" + line + "\"");
+Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log) {
+    const CCalcVariableList kept = history.Variables(version);
+    Require(version <= log.runs.size(), "titration.log does not tell what it was computed from");
+    const LoggedRun& run = log.runs[version - 1];
+    const Method method = MethodFile::Read(made.Path(MethodName(version)));
+    Determination again = Titrate(run.method, method, run.curve, ReadTextFile(made.Path(CurveName(version))));
+    Require((again.result.variables != kept) == 0,
+            "its values are not those that " + MethodName(version) + " and " + CurveName(version) + " give");
+    Require(Shown(again.result) == run.result, "has " + Shown(again.result) + ", and titration.log " + run.result);
+    return again;
+}
+
+std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result) {
+    CQelPrintJobQueueData job;
+    Require(job.LoadJobFile(made.Path(JobName(version)).c_str()) != 0, "is missing, or no job file");
+    CQelPrintJobCommand command;
+    while (command.GetKind() != CQelPrintJobCommand::kText) {
+        Require(job.GetBlock().GetNextCommand(command) != 0, "shows nothing");
     }
-    made.RequireAsMade("report.txt");
-    return "has that result";
+    const std::string shown(command.GetText());
+    Require(IsShownAs(Headline(result), shown), "shows \"" + shown + "\"");
+    return "\"" + shown + "\"";
+}
+
+std::string PrinterOf(const MadeFiles& made, DWORD version) {
+    CQelPrintJobQueueData job;
+    if (job.LoadJobFile(made.Path(JobName(version)).c_str()) == 0) return "";
+    return std::string(job.GetPageStyle().GetPrinterDevice());
+}
+
+void MakeJobAgain(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+                  const std::string& printerName, const std::string& path, const std::string& picture) {
+    ReportPrinter printer(printerName);
+    CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, picture);
+    Require(job.SaveJobFile(path.c_str()) != 0, "cannot be made again");
 }
 
 }  // namespace titration

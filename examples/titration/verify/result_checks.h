@@ -2,27 +2,30 @@
 
 #include <string>
 
-#include "../calculation.h"
+#include "../determination.h"
 #include "../made_files.h"
-#include "../settings.h"
+#include "history_checks.h"
+#include "log_check.h"
 
 namespace titration {
 
 // Each gives what it found, and throws Failure when something is wrong.
 
-std::string CheckMethod(const MadeFiles& made);
+std::string CheckMethod(const MadeFiles& made, const std::string& name);
 std::string CheckVariables(const MadeFiles& made);
+std::string CheckTable(const MadeFiles& made, const Result& result);
 
-struct Recomputed {
-    Settings settings;
-    Result result;
-};
+/// Computes a version once more, from the method and the measured curve that were kept for it.
+/// @throws Failure unless that gives the values in the cabinet, and the result in the log
+Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log);
 
-/// The latest result, from the method and the variables that were kept.
-/// @throws Failure when it is not the one that was kept with the variables
-Recomputed Recompute(const MadeFiles& made);
-
-std::string CheckTable(const MadeFiles& made, const Recomputed& recomputed);
-std::string CheckReport(const MadeFiles& made, const Recomputed& recomputed);
+/// @return what the report on a version has above all, which is @p result
+std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result);
+/// The printer that the report on a version was laid out for; the empty text when its job cannot be read.
+std::string PrinterOf(const MadeFiles& made, DWORD version);
+/// Makes the job and the picture of a report again.
+/// @throws Failure
+void MakeJobAgain(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+                  const std::string& printerName, const std::string& path, const std::string& picture);
 
 }  // namespace titration

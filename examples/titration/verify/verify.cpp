@@ -1,97 +1,174 @@
 #include "verify.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "../file_names.h"
 #include "../made_files.h"
-#include "../report_job.h"
+#include "../number.h"
+#include "../renewals.h"
+#include "../report.h"
 #include "../report_page.h"
+#include "../report_printer.h"
+#include "../temporary_print.h"
+#include "../text_file.h"
 #include "checks.h"
 #include "history_checks.h"
 #include "log_check.h"
-#include "page_checks.h"
+#include "made_again.h"
 #include "result_checks.h"
+#include "user_checks.h"
 
 namespace titration {
 namespace {
 
-std::optional<Recomputed> VerifyResult(Checks& checks, const MadeFiles& made) {
-    std::optional<Recomputed> result;
-    checks.Run("method.xml", [&] { return CheckMethod(made); });
-    checks.Run("variables.qel", [&] { return CheckVariables(made); });
-    checks.Run("result", [&] {
-        result = Recompute(made);
-        return Shown(result->result) + ", computed again from method.xml and variables.qel";
-    });
-    const auto required = [&] {
-        Require(result.has_value(), "there is no result to compare it with");
-        return *result;
-    };
-    checks.Run("result.csv", [&] { return CheckTable(made, required()); });
-    checks.Run("report.txt", [&] { return CheckReport(made, required()); });
-    return result;
-}
+// One after the other, in an order in which each can use what was found before.
+class Verification {
+public:
+    explicit Verification(const CString& folder) : m_made(folder), m_history(m_made), m_again(m_made) {}
 
-DWORD VerifyHistory(Checks& checks, const MadeFiles& made) {
-    const KeptHistory history(made);
-    checks.Run("results.hcf", [&] { return history.CheckCabinet(); });
-    checks.Run("renewals.qel", [&] { return history.CheckRecords(); });
-    for (DWORD version = 1; version <= history.Versions(); ++version) {
-        checks.Run("version " + std::to_string(version) + " in results.hcf",
-                   [&] { return history.CheckVersion(version); });
+    bool Run() {
+        Lists();
+        for (DWORD version = 1; version <= m_history.Versions(); ++version) Version(version);
+        Latest(m_history.Versions());
+        Pages();
+        Printed();
+        Others();
+        const std::string failed = m_checks.Failed() == 0 ? "all right" : std::to_string(m_checks.Failed()) + " failed";
+        std::printf("%d checks, %s\n", m_checks.Count(), failed.c_str());
+        return m_checks.Failed() == 0;
     }
-    return history.Versions();
-}
 
-std::vector<std::string> VerifyLog(Checks& checks, const MadeFiles& made, DWORD versions,
-                                   const std::optional<std::string>& result) {
-    LogFacts facts;
-    checks.Run("titration.log", [&] {
-        facts = CheckLog(made.Path("titration.log"), versions, result);
-        return facts.text;
-    });
-    return facts.printed;
-}
+private:
+    void Lists() {
+        m_checks.Run("made.ini", [&] {
+            m_names = m_made.WrittenDown();
+            return "sums of " + Counted(static_cast<long long>(m_names.size()), "file");
+        });
+        const std::vector<std::string> found = m_made.Found();
+        m_names.insert(m_names.end(), found.begin(), found.end());
+        m_checks.Run("titration.log",
+                     [&] { return CheckLog(m_made.Path("titration.log"), m_history.Versions(), m_log); });
+        m_checks.Run("users.db", [&] { return CheckUsers(m_made, m_history.Records()); });
+        m_checks.Run("results.hcf", [&] { return m_history.CheckCabinet(); });
+        m_checks.Run("renewals.qel", [&] { return m_history.CheckRecords(); });
+    }
 
-void VerifyPages(Checks& checks, const MadeFiles& made, DWORD versions, const std::optional<std::string>& headline) {
-    checks.Run("curve.png", [&] { return CheckPicture(made, "curve.png"); });
-    for (DWORD version = 1; version <= versions; ++version) {
-        const auto latest = version == versions ? headline : std::nullopt;
-        checks.Run(ReportJobName(version), [&] { return CheckJob(made, version, latest); });
+    void Version(DWORD version) {
+        m_determination.reset();
+        m_checks.Run(MethodName(version), [&] { return CheckMethod(m_made, MethodName(version)); });
+        m_checks.Run(CurveName(version), [&] {
+            m_made.RequireAsMade(CurveName(version));
+            return "as it was measured";
+        });
+        m_checks.Run("version " + std::to_string(version) + " in results.hcf", [&] {
+            m_determination = DetermineAgain(m_made, version, m_history, m_log);
+            return Shown(m_determination->result) + ", computed again from " + MethodName(version) + " and " +
+                   CurveName(version) + "; " + Described(m_history.Record(version));
+        });
+        m_checks.Run(JobName(version), [&] {
+            const std::string shown = CheckHeadline(m_made, version, Determined().result);
+            return shown + ", " +
+                   m_again.Check(JobName(version), PrinterOf(m_made, version),
+                                 [&](const std::string& path) { MakeAgain(version, path, TemporaryFile().Path()); });
+        });
+        const std::string takenOut = TakenOutName(version);
+        if (std::ranges::find(m_names, takenOut) == m_names.end()) return;
+        m_checks.Run(takenOut, [&] {
+            m_made.RequireAsMade(takenOut);
+            m_history.RequireVersionIn(takenOut, version);
+            return "version " + std::to_string(version) + " in results.hcf";
+        });
     }
-    for (const std::string& name : made.Matching("page-*.png")) {
-        checks.Run(name, [&] { return CheckPicture(made, name); });
-    }
-}
 
-void VerifyPrinted(Checks& checks, const MadeFiles& made, const std::vector<std::string>& printed) {
-    const std::vector<std::string> found = made.Matching("*.pdf");
-    std::set<std::string> names(printed.begin(), printed.end());
-    names.insert(found.begin(), found.end());
-    for (const std::string& name : names) {
-        checks.Run(name, [&] { return CheckPdf(made, name); });
+    // What there is of the latest version alone, whose result was found last.
+    void Latest(DWORD version) {
+        m_checks.Run("method.xml", [&] {
+            const std::string found = CheckMethod(m_made, "method.xml");
+            Require(
+                CQFile::CompareFile(m_made.Path("method.xml").c_str(), m_made.Path(MethodName(version)).c_str()) != 0,
+                "differs from " + MethodName(version));
+            return found;
+        });
+        m_checks.Run("variables.qel", [&] {
+            const std::string found = CheckVariables(m_made);
+            m_history.RequireVersionIn("variables.qel", version);
+            return found;
+        });
+        m_checks.Run("result.csv", [&] { return CheckTable(m_made, Determined().result); });
+        const std::string printer = PrinterOf(m_made, version);
+        m_checks.Run("report.txt", [&] {
+            return m_again.Check("report.txt", printer,
+                                 [&](const std::string& path) { WriteTextFile(Report(Determined()), path); });
+        });
+        m_checks.Run("curve.png", [&] {
+            return m_again.Check("curve.png", printer,
+                                 [&](const std::string& path) { MakeAgain(version, TemporaryFile().Path(), path); });
+        });
     }
-}
+
+    void Pages() {
+        const LoggedReports& reports = m_log.previewed;
+        if (reports.last == 0) return;
+        const int pages = static_cast<int>(reports.last - reports.first) / kReportsOnAPage + 1;
+        for (int page = 1; page <= pages; ++page) {
+            Drawn(PageName(page), reports,
+                  [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
+        }
+    }
+
+    void Printed() {
+        for (const auto& [name, reports] : m_log.printed) {
+            Drawn(name, reports, [](ReportPages& again, const std::string& path) {
+                WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
+            });
+        }
+    }
+
+    // What nothing else is known of, and what is not there.
+    void Others() {
+        for (const std::string& name : m_names) {
+            if (m_checks.HasRun(name)) continue;
+            m_checks.Run(name, [&] {
+                m_made.RequireAsMade(name);
+                return "as it was made";
+            });
+        }
+    }
+
+    template <class Draw> void Drawn(const std::string& name, const LoggedReports& reports, Draw draw) {
+        m_checks.Run(name, [&] {
+            return m_again.Check(name, PrinterOf(m_made, reports.first),
+                                 [&](const std::string& path) {
+                                     ReportPages again(JobPaths(m_made, reports.first, reports.last));
+                                     draw(again, path);
+                                 }) +
+                   ", from " + reports.Described();
+        });
+    }
+
+    const Determination& Determined() const {
+        Require(m_determination.has_value(), "there is no result to compare it with");
+        return *m_determination;
+    }
+    void MakeAgain(DWORD version, const std::string& job, const std::string& picture) const {
+        MakeJobAgain(Determined(), version, m_history.Record(version), PrinterOf(m_made, version), job, picture);
+    }
+
+    Checks m_checks;
+    const MadeFiles m_made;
+    const KeptHistory m_history;
+    MadeAgain m_again;
+    std::vector<std::string> m_names;  // of all files that are there, or should be
+    LogFacts m_log;
+    std::optional<Determination> m_determination;  // that of the version that was checked last
+};
 
 }  // namespace
 
-bool Verify(const CString& folder) {
-    Checks checks;
-    const MadeFiles made(folder);
-    std::optional<std::string> shown, headline;
-    if (const auto recomputed = VerifyResult(checks, made)) {
-        shown = Shown(recomputed->result);
-        headline = Headline(recomputed->result);
-    }
-    const DWORD versions = VerifyHistory(checks, made);
-    const std::vector<std::string> printed = VerifyLog(checks, made, versions, shown);
-    VerifyPages(checks, made, versions, headline);
-    VerifyPrinted(checks, made, printed);
-    const std::string failed = checks.Failed() == 0 ? "all right" : std::to_string(checks.Failed()) + " failed";
-    std::printf("%d checks, %s\n", checks.Count(), failed.c_str());
-    return checks.Failed() == 0;
-}
+bool Verify(const CString& folder) { return Verification(folder).Run(); }
 
 }  // namespace titration

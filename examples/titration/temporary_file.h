@@ -4,7 +4,7 @@
 
 #include <qellib10/qellib10.h>
 
-#include "../failure.h"
+#include "failure.h"
 
 namespace titration {
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include <qellib10/qellib10.h>
+
+namespace titration {
+
+// Files that there is one of for each version, or for each page of what was printed last.
+
+inline std::string MethodName(DWORD version) { return "method-" + std::to_string(version) + ".xml"; }
+inline std::string CurveName(DWORD version) { return "curve-" + std::to_string(version) + ".csv"; }
+inline std::string JobName(DWORD version) { return "report-" + std::to_string(version) + ".job"; }
+inline std::string TakenOutName(DWORD version) { return "version-" + std::to_string(version) + ".qel"; }
+inline std::string PageName(int page) { return "page-" + std::to_string(page) + ".png"; }
+
+inline constexpr const char* kAllPages = "page-*.png";
+inline constexpr const char* kAllPdfs = "*.pdf";
+
+}  // namespace titration
