@@ -7,8 +7,10 @@ namespace qel {
 WriteUndo::WriteUndo(CFile& file, ULONGLONG position, std::size_t most)
     : m_file(file), m_position(position), m_length(file.GetLength()), m_bytes(most) {
     m_file.Seek(static_cast<LONGLONG>(m_position), CFile::begin);
-    if (most == 0) return;  // perhaps the file is not open for reading
-    m_bytes.resize(m_file.Read(m_bytes.data(), static_cast<UINT>(most)));
+    if (most == 0) return;
+    std::size_t count = 0;
+    Succeeds([&] { count = m_file.Read(m_bytes.data(), static_cast<UINT>(most)); });
+    m_bytes.resize(count);
     m_file.Seek(static_cast<LONGLONG>(m_position), CFile::begin);
 }
 

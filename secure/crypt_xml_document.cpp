@@ -7,7 +7,10 @@
 #include <thread>
 #include <utility>
 
+#include "qellib10/file/write_undo.h"
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/whole_file.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/xml/xml_document.h"
@@ -29,11 +32,21 @@ std::string CheckedSize(std::string bytes) {
     return bytes;
 }
 
+// The file is cut last: what cannot be written is put back, and then nothing of the old content is lost.
 void WriteWhole(CFile& file, std::string_view bytes) {
-    file.SeekToBegin();
+    const bool isNew = file.GetLength() == 0;
+    qel::WriteUndo old(file, 0, bytes.size());
     file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
-    file.SetLength(file.GetPosition());
+    file.Flush();
+    const bool wasLonger = file.GetLength() > bytes.size();
+    if (wasLonger) file.SetLength(bytes.size());
+    old.Keep();
+    if (wasLonger) file.Flush();
+    const CString path = file.GetFilePath();
+    if (isNew && !path.IsEmpty()) qel::FlushFolderOf(qel::ToPosixPath(path.View()), path.View());
 }
+
+constexpr UINT kForSaving = CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite | CFile::shareExclusive;
 
 bool NamesEncoding(std::string_view text) {
     const std::size_t end = text.find("?>");
@@ -99,12 +112,13 @@ int CCryptXMLDocument::SaveXMLFile(const char* path, int noWait) {
         const bool isCrypt = m_nCryptMode != 0;
         const std::string bytes = isCrypt ? EncipheredBytes() : PlainBytes();
         CFile file;
-        const int opened = isCrypt ? file.Open(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive)
-                                   : FileOpen(file, path, 4, noWait);
-        if (!opened || (isCrypt && bytes.empty())) return 0;
+        // Emptied at once only where somebody keeps others from reading it: else a save that fails is taken back.
+        const bool opened = isCrypt ? file.Open(path, kForSaving) != 0
+                                    : FileOpen(file, path, 3, 1) != 0 || FileOpen(file, path, 4, noWait) != 0;
+        if (!opened) return 0;
         WriteWhole(file, bytes);
         file.Close();
-        return 1;
+        return isCrypt && bytes.empty() ? 0 : 1;
     });
 }
 
@@ -196,7 +210,7 @@ int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
     if (m_nLocked != 0) return 0;
     return qel::AsResult([&] {
         const std::string bytes = CheckedSize(m_pDocument->Bytes());
-        CFile file(path, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
+        CFile file(path, kForSaving);
         WriteWhole(file, bytes);
         file.Close();
         return 1;

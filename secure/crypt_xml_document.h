@@ -32,8 +32,9 @@ class XmlDocument;
 /// document is read. A file of 2 GiB or more is neither loaded nor written. White space between elements is kept; line
 /// ends are written as CR LF.
 ///
-/// Files are written in place, once all bytes are ready: a crash in mid-write leaves a part of them. Who needs more
-/// saves under another name and moves that file to its place. The key is a constant, so an enciphered file is kept from
+/// Files are written in place, once all bytes are ready, and are on the disk when the operation answers. One that could
+/// not be written is put back; a crash in mid-write leaves a part of it. Who needs more saves under another name and
+/// moves that file to its place. The key is a constant, so an enciphered file is kept from
 /// casual readers and no more.
 ///
 /// Operations answer 1, or 0 when a file, a text or a path is missing or refused; nothing is thrown. A text that is
@@ -51,9 +52,9 @@ public:
     /// no effect. Without crypt mode it is plain, as LoadPlainXMLFile loads it. An empty file is an empty document.
     virtual int LoadXMLFile(const char* path, int noWait);
 
-    /// Saves to a file, which is made or emptied first. In crypt mode it is enciphered, nobody else may have it open,
+    /// Saves to a file, which is made when there is none. In crypt mode it is enciphered, nobody else may have it open,
     /// it is not waited for, and an empty document leaves an empty file and answers 0. Without crypt mode it is plain,
-    /// and opened as FileOpen does.
+    /// others may have it open, and it is waited for as FileOpen does.
     virtual int SaveXMLFile(const char* path, int noWait);
 
     /// Opens a file, loads it, and keeps it open until LockCommit or LockRollback, so that what is changed is changed
