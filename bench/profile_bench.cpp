@@ -49,7 +49,7 @@ public:
         Require(sqlite3_open_v2(path.c_str(), &m_database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) == 0,
                 "no database");
         for (const char* sql :
-             {"PRAGMA foreign_keys = ON", "PRAGMA journal_mode = DELETE", "PRAGMA synchronous = FULL"})
+             {"PRAGMA foreign_keys = ON", "PRAGMA journal_mode = DELETE", "PRAGMA synchronous = EXTRA"})
             Require(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr) == 0, "no settings");
         const std::string chain =
             " FROM reg_key k0 CROSS JOIN reg_key k1 CROSS JOIN reg_key k2 CROSS JOIN reg_key k3 CROSS JOIN reg_key k4"

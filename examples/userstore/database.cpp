@@ -16,7 +16,7 @@ constexpr int kBusyLimit = 10'000;  // ms
 
 constexpr const char* kSettings =
     "PRAGMA foreign_keys = ON;"
-    "PRAGMA synchronous = FULL;"
+    "PRAGMA synchronous = EXTRA;"
     "PRAGMA secure_delete = ON;"
     "PRAGMA trusted_schema = OFF;";
 

@@ -26,8 +26,8 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
 };
 
-/// A database file with its one connection, for one thread at a time: rollback journal, full synchronisation, foreign
-/// keys; waits 10 seconds for others. Its statements are destroyed before it.
+/// A database file with its one connection, for one thread at a time: rollback journal, each commit on the disk,
+/// foreign keys; waits 10 seconds for others. Its statements are destroyed before it.
 class Database {
 public:
     /// Opens the file at @p posixPath, for reading only where it cannot be written.
