@@ -8,6 +8,10 @@
 //   Run<Ours, *>/1048576 >= 2 Run<Gcrypt, *>/1048576
 //   Run<Ours, *>/8 >= 1 Run<OpenSsl, *>/8
 //   KeySetUp<Ours> >= 0.95 KeySetUp<OpenSsl>
+//   KeySetUp<Ours> beside KeySetUp<BotanCipher>
+//   KeySetUp<Ours> beside KeySetUp<Gcrypt>
+//   Run<Ours, *>/8 beside Run<BotanCipher, *>/8
+//   Run<Ours, *>/8 beside Run<Gcrypt, *>/8
 #define OPENSSL_SUPPRESS_DEPRECATED  // the block function is the quickest that OpenSSL has
 #include <algorithm>
 #include <memory>

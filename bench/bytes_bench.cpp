@@ -4,6 +4,7 @@
 //   Base64Encode/* >= 7 Base64EncodePeer/*
 //   Base64Decode/* >= 7 Base64DecodePeer/*
 //   GuidText >= 4 GuidTextPeer
+//   GuidString beside GuidTextPeer
 //   BufferAppend >= 1.5 BufferAppendPeer
 //   Telegram >= 1.5 TelegramPeer
 #include <benchmark/benchmark.h>
@@ -112,7 +113,7 @@ void GuidTextPeer(benchmark::State& state) {
 BENCHMARK(GuidText);
 BENCHMARK(GuidTextPeer);
 
-// Not promised: with the string's memory on top.
+// With the string's memory on top.
 void GuidString(benchmark::State& state) {
     CGuid guid = CGuid::CreateNewGuid();
     for (auto _ : state) {

@@ -6,6 +6,9 @@
 //   CrcSlices/65536 >= 4 CrcBytes/65536
 //   Sum/65536 >= 1.5 SumPeer/65536
 //   Both/* >= 1.5 BothPeer/*
+//   CrcFolding/* beside CrcPeer/*
+//   CrcWideFolding/* beside CrcPeer/*
+//   CrcSlices/* beside CrcPeer/*
 
 #include <cstdlib>
 #include <memory>

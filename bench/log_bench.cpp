@@ -4,6 +4,8 @@
 // an append is not in reach of a file that is opened for each line so that nobody else has it.
 //   Line<Ours> >= 0.55 Line<Alone>
 //   Processes<Ours> >= 0.3 Processes<Alone>
+//   Line<Ours> beside Line<Append>
+//   Processes<Ours> beside Processes<Append>
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -3,6 +3,7 @@
 // a process.
 //   Turn<CAutoLockedMemoryMappedFile>/* <= 3 TurnPeerMmap/*
 //   WaitForTheLock:busy_seconds <= 0.01
+//   Turn<CMemoryMappedFile>/* beside TurnPeerMmap/*
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <sys/mman.h>
