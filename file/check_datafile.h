@@ -15,8 +15,9 @@
 /// anew without a trailer and sealed (isNew) by an object that has read the old seal: identity and count go on.
 ///
 /// Operations work on an open file of the caller's and answer 1, or 0 when the check fails or the system refuses;
-/// nothing is thrown. A file that could not be sealed is as it was. Unless stated they leave the file's position
-/// anywhere.
+/// nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power cut a file that
+/// was just sealed may have its former seal or none, but a seal that passes stands behind the data that it was made
+/// for. Unless stated they leave the file's position anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();

@@ -1,9 +1,21 @@
 #pragma once
 
+#include <array>
+#include <random>
+
 #include "../support/environment_scope.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/secure/history_cabinet_file.h"
+
+// What a version of a cabinet holds: bytes that are missing or from another place are noticed.
+inline std::string Data(DWORD version) {
+    constexpr std::array<std::size_t, 6> kSizes = {0, 10, 700, 3000, 300'000, 511};
+    std::minstd_rand random(version);
+    std::string data(kSizes[version % kSizes.size()], '\0');
+    for (char& byte : data) byte = static_cast<char>(random());
+    return data;
+}
 
 /// A folder with a cabinet "c", in memory so that flushing takes no time; "tmp" takes the backups.
 class CabinetFolder : public testing::Test {

@@ -20,8 +20,9 @@ namespace {
 
 CallFailure theFailure = CallFailure::kEio;
 int theCallsLeft = 0;
+void (*theWatcher)(int) = nullptr;
 
-// How a call can fail beside EIO, which any can.
+// How a call can fail beside EIO, which any can. What changes the disk is what can fill it.
 enum Kinds : unsigned { kReads = 0, kFills = 1, kWaits = 2, kMoves = 4 };
 
 bool FailsNow(unsigned kinds) {
@@ -45,15 +46,30 @@ template <auto* kOurs> auto Real(const char* name) {
     return real;
 }
 
+// What a call has answered, once the watcher knows of it.
+template <class R> R Told(R answer, int flushed = -1) {
+    const int error = errno;
+    if (theWatcher != nullptr) theWatcher(flushed);
+    errno = error;
+    return answer;
+}
+
 template <auto* kOurs, class... A> auto Call(const char* name, unsigned kinds, A... arguments) {
     const auto real = Real<kOurs>(name);
-    return FailsNow(kinds) ? Failed<decltype(real(arguments...))>() : real(arguments...);
+    if (FailsNow(kinds)) return Failed<decltype(real(arguments...))>();
+    return (kinds & kFills) != 0 ? Told(real(arguments...)) : real(arguments...);
+}
+
+template <auto* kOurs> int Flush(const char* name, int file) {
+    const auto real = Real<kOurs>(name);
+    return FailsNow(kFills | kWaits) ? Failed<int>() : Told(real(file), file);
 }
 
 // A call that moves @p count bytes, perhaps not all of them.
 template <class Real> ssize_t Move(unsigned kinds, std::size_t count, Real&& real) {
-    if (count < 2 || !FailsNow(kinds | kWaits | kMoves)) return real(count);
-    return theFailure == CallFailure::kShort ? real(count / 2) : Failed<ssize_t>();
+    const auto move = [&](std::size_t n) { return (kinds & kFills) != 0 ? Told(real(n)) : real(n); };
+    if (count < 2 || !FailsNow(kinds | kWaits | kMoves)) return move(count);
+    return theFailure == CallFailure::kShort ? move(count / 2) : Failed<ssize_t>();
 }
 
 template <class Argument> Argument Last(bool given, va_list rest) {
@@ -71,6 +87,7 @@ void FailCall(CallFailure failure, int number) {
     theCallsLeft = number;
 }
 int CallsLeft() { return theCallsLeft; }
+void WatchDisk(void (*watcher)(int flushed)) { theWatcher = watcher; }
 
 int open(const char* path, int flags, ...) {
     va_list rest;
@@ -114,8 +131,8 @@ ssize_t copy_file_range(int from, off_t* fromAt, int to, off_t* toAt, std::size_
     });
 }
 int ftruncate(int file, off_t size) { return Call<&::ftruncate>("ftruncate", kFills | kWaits, file, size); }
-int fsync(int file) { return Call<&::fsync>("fsync", kFills | kWaits, file); }
-int fdatasync(int file) { return Call<&::fdatasync>("fdatasync", kFills | kWaits, file); }
+int fsync(int file) { return Flush<&::fsync>("fsync", file); }
+int fdatasync(int file) { return Flush<&::fdatasync>("fdatasync", file); }
 int flock(int file, int operation) { return Call<&::flock>("flock", kWaits, file, operation); }
 
 int rename(const char* from, const char* to) { return Call<&::rename>("rename", kFills, from, to); }

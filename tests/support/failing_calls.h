@@ -1,6 +1,6 @@
 #pragma once
 
-// What the object preloaded into a test program (failing_calls.cpp) can do to it. A program finds both by dlsym.
+// What the object preloaded into a test program (failing_calls.cpp) can do to it. A program finds them by dlsym.
 enum class CallFailure { kEio, kEnospc, kEintr, kShort };
 
 extern "C" {
@@ -8,4 +8,7 @@ extern "C" {
 void FailCall(CallFailure failure, int number);
 /// How many calls are left until one fails; 0 once it has.
 int CallsLeft();
+/// From now on @p watcher is called behind each call that may have changed what the disk holds, with -1, and behind
+/// each that has flushed a file or a folder, with its descriptor. Null: no more.
+void WatchDisk(void (*watcher)(int flushed));
 }

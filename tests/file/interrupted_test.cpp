@@ -1,0 +1,197 @@
+#include "../support/interrupted.h"
+
+#include <filesystem>
+#include <sstream>
+
+#include "qellib10/base/q_csv_file.h"
+#include "qellib10/file/check_datafile.h"
+#include "qellib10/file/log.h"
+#include "qellib10/file/private_profile.h"
+#include "qellib10/file/q_file.h"
+#include "qellib10/file/restart_file.h"
+#include "qellib10/platform/storage/file_operations.h"
+#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/storage/restart_record.h"
+
+namespace {
+
+std::string NewIsThere(At at) { return Bytes(at).find("new") != std::string::npos ? "there" : "lost"; }
+
+// Lines without their time.
+std::string Lines(At at) {
+    std::istringstream log(at.Read("a"));
+    std::string lines;
+    for (std::string line; std::getline(log, line);) lines += line.substr(line.find(',') + 1) + '|';
+    return lines + Names(at);
+}
+
+// What a sealed file says, the bytes of one that is none.
+std::string Seal(At at) {
+    CQFile file;
+    CCheckDatafile seal;
+    const bool sealed = file.Open(at.a, CFile::modeRead) && seal.ReadPackData(&file);
+    return sealed ? at.Read("a").substr(0, 3) + " sealed " + std::to_string(seal.GetVersion()) : Bytes(at);
+}
+int Sealed(At at, bool again) {
+    CQFile file;
+    if (!file.Open(at.a, CFile::modeReadWrite)) return 0;
+    return again ? CCheckDatafile().PackUpdateData(&file, 0) : CCheckDatafile::PackNewData(&file);
+}
+
+// Several sectors of data, which a seal stands behind.
+std::string Data(char of) { return "new" + std::string(1500, of); }
+void Longer(At at) { at.Write("a", Data('x')); }
+void LongSeal(At at) {
+    Longer(at);
+    Sealed(at, false);
+}
+int SealedAnew(At at) {
+    CQFile file;
+    CCheckDatafile seal;
+    if (!file.Open(at.a, CFile::modeReadWrite) || !seal.ReadPackData(&file)) return 0;
+    const std::string data = Data('y');
+    file.Write(data.data(), static_cast<UINT>(data.size()));
+    file.SetLength(data.size());
+    return seal.PackUpdateData(&file, 1);
+}
+// A seal that is whole stands behind the data that were sealed so; without one they are as they were or were to be.
+std::string SealAfterCut(At at) {
+    CQFile file;
+    CCheckDatafile seal;
+    const std::string data = at.Read("a").substr(0, Data('x').size());
+    const bool isSealed = file.Open(at.a, CFile::modeRead) && seal.ReadPackData(&file);
+    const bool isNew = data == Data('y') && (!isSealed || seal.GetVersion() == 2);
+    return data == Data('x') || isNew ? "whole" : isSealed ? "forged" : "torn";
+}
+std::string NewSealAfterCut(At at) { return SealAfterCut(at) == "forged" ? "forged" : "found"; }
+
+CPrivateProfile Registry(const char* end = "") {
+    return CPrivateProfile(CString("HKEY_CURRENT_USER\\k") + end, CPrivateProfile::registryMode);
+}
+std::string Values(At) {
+    std::string values;
+    for (const char* end : {"", ".bak"}) {
+        for (const char* name : {"x", "y"}) values += Registry(end).Get("s", name, "-").View();
+    }
+    return values;
+}
+std::string ValuesAndNames(At at) {
+    const std::string values = Values(at);  // which takes an old journal away
+    return values + at.Files(Place::About::kNames, "current-user.db");
+}
+void SetX(At) { Registry().Set("s", "x", "1"); }
+void SetBackup(At at) {
+    SetX(at);
+    Registry().Backup(".bak");
+    Registry().Set("s", "y", "2");
+}
+
+void Ini(At at) { at.Write("a", "[s]\nk=1\n"); }
+// The last line brings back the name that the one before it has moved away.
+void Queue(At at) {
+    std::string lines;
+    at.Write("c", "first");
+    at.Write("e", "second");
+    for (const char* move : {"ab", "cd", "ec"}) {
+        const auto path = [&](char name) { return at.Posix({name}).string(); };
+        lines += qel::RestartRecord{false, "earlier", {path(move[0]), path(move[1])}}.Line();
+    }
+    at.Write("pending-moves", lines);
+    qel::DeleteFileDelayed("/kept");
+}
+int RunQueue(At) {
+    return qel::RestartQueue::OfUser().Run([](const qel::RestartOperation&, int) {}), 1;
+}
+std::string RunToTheEnd(At at) { return RunQueue(at), Bytes(at); }
+
+// Opens the file and closes it behind @p body.
+template <class Body> int With(const CString& name, UINT flags, Body&& body) {
+    CQCSVFile file;
+    if (!file.Open(name, flags)) return 0;
+    body(file);
+    file.Close();
+    return 1;
+}
+
+// A journal stays when the power fails; who opens the store next undoes what it tells of.
+Operation OnRegistry(const char* name, int (*run)(At), void (*prepare)(At)) {
+    return {name, run, ValuesAndNames, prepare, false, Cut::kNewOnceDone, Values};
+}
+
+const Operation kOperations[] = {
+    {"IniSet", [](At at) { return qel::WriteProfileString("s", "k", "2", at.a); }, Bytes, Ini},
+    {"IniSetInNewFile", [](At at) { return qel::WriteProfileString("s", "k", "2", at.c); }, Bytes},
+    {"IniGet", [](At at) { return qel::ReadProfileString("s", "k", "", 9, at.a) == "1"; },
+     [](At at) { return qel::ReadProfileString("s", "k", "", 9, at.a); }, Ini, false, Cut::kAnything},
+    {"IniAddsDeletion", [](At) { return qel::AddDeletionToRestartFile("\\x"); }, Bytes,
+     [](At) { qel::AddDeletionToRestartFile("\\before"); }},
+    OnRegistry(
+        "RegistryMakesStore", [](At) { return Registry().Set("s", "x", "2"); }, Nothing),
+    OnRegistry(
+        "RegistrySet", [](At) { return Registry().Set("s", "x", "2"); }, SetX),
+    OnRegistry(
+        "RegistryBackup", [](At) { return Registry().Backup(".bak"); }, SetX),
+    OnRegistry(
+        "RegistryRestore", [](At) { return Registry().Restore(".bak"); }, SetBackup),
+    OnRegistry(
+        "RegistryDelete", [](At) { return Registry().Delete("s"); }, SetX),
+    {"Seal", [](At at) { return Sealed(at, false); }, Seal, Longer, false, Cut::kOldOrNew, SealAfterCut},
+    {"SealAgain", [](At at) { return Sealed(at, true); }, Seal, LongSeal, false, Cut::kOldOrNew, SealAfterCut},
+    {"SealNewData", SealedAnew, NewSealAfterCut, LongSeal, false, Cut::kOldOrNew},
+    {"LogLine",
+     [](At at) {
+         CLog::SetLogFile(at.a);
+         return CLog::LogOut(0, "second", "0123456789", 10), 1;
+     },
+     Lines, [](At at) { at.Write("a", "[t],first\r\n"); }, false, Cut::kAnything},
+    {"Copy", [](At at) { return qel::CopyFile(at.a.View(), at.c.View(), true), 1; }, Bytes},
+    {"CopyOver", [](At at) { return qel::CopyFile(at.a.View(), at.b.View(), false), 1; }, Bytes},
+    {"Rename", [](At at) { return CFile::Rename(at.a, at.c), 1; }, Bytes, Nothing, false, Cut::kOldOrNew},
+    {"Remove", [](At at) { return CFile::Remove(at.a), 1; }, Bytes, Nothing, false, Cut::kOldOrNew},
+    {"MoveInto", [](At at) { return CQFile::MoveFileA(at.a, at.b, 1); }, BytesButA},
+    {"CloseTo",
+     [](At at) {
+         CQFile file;
+         return file.Open(at.a, CFile::modeReadWrite) && file.CloseTo(at.b);
+     },
+     BytesButA},
+    {"TemporaryFile",
+     [](At) {
+         CQFile file;
+         return file.CreateTempFile("t", 0) && std::filesystem::remove(qel::ToPosixPath(file.GetFilePath().View()));
+     },
+     Names, Nothing, false, Cut::kAnything},
+    {"MoveAtRestart", [](At at) { return CQFile::MoveFileReboot(at.a, at.b, nullptr, 0) >= 0; }, NewIsThere},
+    {"DeleteAtRestart", [](At) { return CQFile::DeleteFileReboot("\\x", 0) == 1; },
+     [](At at) { return std::to_string(qel::RestartQueue::OfUser().Waiting().size()) + Names(at); }, Queue},
+    {"RunAtRestart", RunQueue,
+     [](At at) { return NewIsThere(at) + (Names(at).find(".tmp") == std::string::npos ? "" : ", new queue"); }, Queue,
+     false, Cut::kNewOnceDone, RunToTheEnd},
+    {"Shortcut", [](At at) { return CQFile::CreateShortcut(at.a, at.c, "d") >= 0; }, Sizes},
+    {"DeleteShortcut", [](At at) { return CQFile::DeleteShortcut(at.c); }, Sizes,
+     [](At at) { CQFile::CreateShortcut(at.a, at.c, "d"); }, false, Cut::kOldOrNew},
+    {"Compare", [](At at) { return CQFile::CompareFile(at.a, at.a); }, Bytes, Nothing, false, Cut::kAnything},
+    {"Folders", [](At at) { return CQFile::CreateDirectories(at.tree); }, Names, Nothing, true},
+    {"DeleteTree", [](At at) { return CQFile::DelTree(at.tree); }, Names,
+     [](At at) { CQFile::CreateDirectories(at.tree + "\\z"); }, true},
+    {"Write",
+     [](At at) {
+         return With(at.b, CFile::modeWrite, [](CFile& file) {
+             file.Write("0123456789", 10);
+             file.Flush();
+             file.SetLength(8);
+         });
+     },
+     Bytes, Nothing, true},
+    {"CopyIn",
+     [](At at) { return With(at.b, CFile::modeWrite, [&](CQFile& file) { file.WriteFromFile(at.a, 1, 2); }); }, Bytes,
+     Nothing, true},
+    {"CopyOut", [](At at) { return With(at.a, CFile::modeRead, [&](CQFile& file) { file.ReadToFile(at.b, 3); }); },
+     Bytes, Nothing, true},
+};
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(File, FailingCalls, testing::ValuesIn(kOperations), NameOf);
+INSTANTIATE_TEST_SUITE_P(File, PowerCuts, testing::ValuesIn(WithPromise(kOperations)), NameOf);
