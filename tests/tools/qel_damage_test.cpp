@@ -62,6 +62,9 @@ Damage Flip(int at) {
 Damage Cut(std::size_t count) {
     return [count](const std::string& bytes) { return bytes.substr(0, bytes.size() - count); };
 }
+Damage Append(const std::string& more) {
+    return [more](const std::string& bytes) { return bytes + more; };
+}
 Damage Put(std::size_t at, const std::string& text) {
     return [at, text](std::string bytes) { return bytes.replace(at, text.size(), text); };
 }
@@ -76,17 +79,25 @@ TEST(QelVerify, NamesTheKindOfDamage) {
     const auto withEntity = [&](std::string bytes) {
         return entity + bytes.insert(bytes.find("<commands>"), "<stylename>&e;</stylename>");
     };
+    CHistoryRenewInfo info;
+    const std::size_t record = Stored(info).size();
     const Folder folder;
     for (const auto& [file, damage, finding] : Cases<const char*, Damage, const char*>{
              {"data.dat", Flip(0), "6 changed"},
              {"data.dat", Cut(5), "7 cut"},
-             {"data.dat", [](const std::string& bytes) { return bytes + "more"; }, "6 changed"},
+             {"data.dat", Append("more"), "6 changed"},
              {"sealed.var", Put(kCountAt, "\x04"), "6 changed"},
+             {"sealed.var", Cut(4 + 11 + 32 - 1), "7 cut"},  // one byte of the seal is left
+             {"sealed.var", Cut(4 + 11 + 32 - 14), "7 cut"},
              {"list.var", Put(kCountAt, "\x04"), "8 inconsistent"},
              {"list.var", Put(kCountAt, "\xFF\xFF\xFF\x7F"), "8 inconsistent"},
              {"list.var", Flip(kCountAt + 5), "8 inconsistent"},  // the tag of the first variable
              {"list.var", Cut(1), "7 cut"},
+             {"list.var", Append("x"), "8 inconsistent"},
              {"renewals.dat", Cut(1), "7 cut"},
+             {"renewals.dat", Cut(record - 5), "7 cut"},
+             {"renewals.dat", Flip(static_cast<int>(record) + 3), "8 inconsistent"},
+             {"renewals.dat", Append("x"), "8 inconsistent"},
              {"method.hcf", Flip(0), "10 bad header"},
              {"method.hcf", Flip(9), "10 bad header"},
              {"method.hcf", Flip(36), "8 inconsistent"},
@@ -94,6 +105,7 @@ TEST(QelVerify, NamesTheKindOfDamage) {
              {"method.hcf", Flip(36 + 20), "6 changed"},
              {"method.hcf", Flip(-1), "6 changed"},
              {"method.hcf", Cut(1), "7 cut"},
+             {"method.hcf", Append("left over"), "8 inconsistent"},
              {"method.hcf", Put(36 + 8, "\xFF\xFF\xFF\xFF"), "7 cut"},
              {"job.xml", withEntity, "9 malformed"},
              {"job.xml", Cut(4), "9 malformed"},
@@ -151,7 +163,7 @@ TEST(QelVerify, WritesNothingAndStaysInTheTree) {
     fs::create_symlink(outside.Posix("broken.hcf"), folder.Posix("link.hcf"));
     fs::create_directory_symlink(outside.Posix(), folder.Posix("linked"));
     fs::create_directory_symlink("..", folder.Posix("up"));
-    folder.Write("half.hcf", folder.Read("method.hcf") + "left over");
+    folder.Write("half.hcf", folder.Read("method.hcf") + std::string(20, '\0') + "left over");
     ASSERT_EQ(folder.Qel("verify . >/dev/null; mkfifo pipe"), "0 ");
     const auto state = [&] {
         std::map<std::string, std::pair<fs::file_time_type, std::string>> files;

@@ -38,6 +38,7 @@ TEST(QelJob, DrawsAndPrintsPages) {
     const QelFolder folder;
     const EnvironmentScope pdfs("QELLIB10_PDF_DIR", folder.Posix().c_str());
     for (const char* name : {"one", "two", "three"}) Job(name).SaveJobFile(folder.Path(name));
+    ASSERT_EQ(folder.Qel("seal three >/dev/null"), "0 ");
     for (const auto& [arguments, answer] : Cases<const char*, const char*>{
              {"render one two three -o page.png --resolution 100", "0 page-1.png\npage-2.png\n"},
              {"render one two three -o page.pdf", "0 page.pdf\n"},
@@ -121,7 +122,8 @@ TEST(QelPlot, ReadsTablesAsTheyAreWritten) {
         EXPECT_EQ(drawn(table, arguments), expected(points, names, ranges)) << table;
     for (const auto& [table, arguments, answer] : Cases<const char*, const char*, const char*>{
              {"mL,pH\n1,2\n", "-x mL -y mV", "1 qel: t.csv: no line has all of these columns\n"},
-             {"mL,pH\n1,2\n", "-y 3", "1 qel: t.csv: column \"3\" has no numbers\n"},
+             {"mL,pH\n1,2\n", "-x mL -y 3", "2 qel: column 3: the table has 2 columns; see qel --help\n"},
+             {"mL,pH\n1,\n", "", "1 qel: t.csv: column \"2\" has no numbers\n"},
              {"", "", "1 qel: t.csv: column \"1\" has no numbers\n"},
              {"1,2\n", "--x-range 1:1", "2 qel: \"1:1\" is no range such as 0:14; see qel --help\n"},
          }) {

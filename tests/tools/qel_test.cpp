@@ -51,6 +51,9 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "profile set a b c",
                                   "profile set a b c x --number",
                                   "profile set f.ini Window '' x",
+                                  "profile set f.ini Window ' ' x",
+                                  "profile set f.ini ' ' A x",
+                                  "profile set f.ini Window ' ;A' x",
                                   "profile set f.ini Window A=B x",
                                   "profile set f.ini Window A \"$(printf 'x\\nB=2')\"",
                                   "profile backup f.ini .bak",
@@ -61,6 +64,9 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "plot f.pdf -o f.pdf --force",
                                   "plot f.pdf -o a.png --size 10000x10000",
                                   "plot f.pdf -o a.svg --size 10000x10000",
+                                  "plot f.pdf -o a.png -x 0",
+                                  "plot f.pdf -o a.png -y 3",
+                                  "plot f.pdf -o a.png -y 99999999999999999999",
                                   "plot none -o a.png --x-range 1",
                                   "verify . --other",
                                   "--codepage 1 verify ."}) {
@@ -69,6 +75,8 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
         EXPECT_TRUE(answer.starts_with("2 qel: ") && answer.find('\n') == answer.size() - 1) << answer;
     }
     EXPECT_EQ(contents(), before) << "nothing is written";
+    EXPECT_EQ(folder.Qel("cabinet lst f.hcf"), "2 qel: \"lst\" is not known; see qel --help\n");
+    EXPECT_EQ(AnswerOf("QELLIB10_CODEPAGE=7 " QELLIB10_QEL " calc 1").substr(0, 2), "2 ");
     for (const char* command : {"", "calc", "seal", "verify", "cabinet add", "xml", "archive", "profile get"})
         EXPECT_TRUE(folder.Qel(command + std::string(" --help")).starts_with("0 ")) << command;
     EXPECT_EQ(folder.Qel("calc 1 >/dev/full").substr(0, 1), "1");
@@ -175,11 +183,42 @@ TEST(Qel, KeepsVersionsInACabinet) {
               "0 {\"file\":\"third.hcf\",\"version\":1,\"guid\":\"GUID\"}");
     EXPECT_EQ(folder.Qel("cabinet add new.hcf missing")[0], '5');
     EXPECT_FALSE(folder.Has("new.hcf"));
+    EXPECT_EQ(folder.Qel("cabinet add none/new.hcf document"), "5 qel: none/new.hcf: there is no such folder\n");
     std::string bytes = folder.Read("c.hcf");
     bytes[36 + 20] ^= 1;
     folder.Write("c.hcf", bytes.substr(0, bytes.size() - 1));
     EXPECT_EQ(folder.Qel("cabinet list c.hcf 2>/dev/null | tail -1"), "0 version 1, 5 bytes, changed\n");
     EXPECT_EQ(folder.Qel("cabinet list c.hcf >/dev/null"), "7 qel: c.hcf: end of file\n");
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf latest --version 1 --force; cat latest"),
+              "0 qel: c.hcf: version 1 is damaged; latest stays as it was\nsecond");
+    EXPECT_EQ(folder.Qel("cabinet extract c.hcf found --version 1"),
+              "6 qel: c.hcf: version 1 is damaged; found has what was found of it\n");
+}
+
+TEST(Qel, LosesNothingThatIsThere) {
+    const QelFolder folder;
+    folder.Write("plain.xml", "<Method><Unit>" + std::string(5000, 'x') + "</Unit></Method>");
+    folder.Write("sealed.xml", "<Method><Unit>mL</Unit></Method>");
+    ASSERT_EQ(
+        folder.Qel("cabinet add c.hcf plain.xml >/dev/null && " QELLIB10_QEL " xml encipher plain.xml e.xml && cp "
+                   "c.hcf sealed.hcf && " QELLIB10_QEL " seal sealed.hcf sealed.xml >/dev/null"),
+        "0 ");
+    folder.Write("old", "old");
+    const auto contents = [&] { return AnswerOf("cd '" + folder.Posix().native() + "' && ls && cat *"); };
+    const std::string before = contents();
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"cabinet extract c.hcf old --force", "1 qel: old: "},
+             {"cabinet extract c.hcf new", "1 qel: new: "},
+             {"xml decipher e.xml old --force", "1 qel: old: "},
+             {"xml encipher plain.xml new", "1 qel: new: "},
+             {"cabinet add sealed.hcf old", "1 qel: sealed.hcf: is sealed, a change would cut its seal off\n"},
+             {"xml set sealed.xml Unit L", "1 qel: sealed.xml: is sealed, a change would cut its seal off\n"},
+         }) {
+        const std::string given = AnswerOf("cd '" + folder.Posix().native() +
+                                           "' && trap '' XFSZ && ulimit -f 4 && " QELLIB10_QEL " " + arguments);
+        EXPECT_TRUE(given.starts_with(answer)) << given;
+        EXPECT_EQ(contents(), before) << arguments;
+    }
 }
 
 TEST(Qel, ShowsAndChangesDocuments) {

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "content_check.h"
+#include "file_check.h"
 
 namespace tool {
 namespace {
@@ -45,31 +46,51 @@ Status List(const Options& options) {
     return status;
 }
 
-void Open(CHistoryCabinetFile& cabinet, const std::string& path, int readOnly) {
+void OpenForWriting(CHistoryCabinetFile& cabinet, const std::string& path) {
     const CString name = Path(path);
     OnFile(path, [&] {
         const CFile file(name, CFile::modeRead | CFile::shareDenyNone);
         CabinetOf(file);  // says why it cannot be opened
     });
-    if (cabinet.Open(name, readOnly) == 0)
+    RequireUnsealed(path);
+    if (cabinet.Open(name, 0) == 0)
         throw Failure(Shown(path) + ": cannot be opened: it is in use or may not be written", kUnreadable);
 }
 
+qel::CabinetVersion Find(qel::CabinetReader& cabinet, const Options& options) {
+    const DWORD latest = cabinet.Header().versionCount;
+    const DWORD number = options.version != 0 ? options.version : latest;
+    if (number > latest)
+        throw CLI::ValidationError("--version: " + options.cabinet + " has " + Count(latest, "version", "versions"));
+    while (const std::optional<qel::CabinetVersion> version = cabinet.Next()) {
+        if (version->number == number) return *version;
+    }
+    throw Failure("has no versions");
+}
+
+// Of a damaged version what is there may be of use, but not in place of another file.
 Status Extract(const Options& options) {
     RequireNew(options.file, options.force, {options.cabinet});
-    CHistoryCabinetFile cabinet;
-    Open(cabinet, options.cabinet, 1);
-    const DWORD latest = cabinet.GetLatestVersion();
-    const DWORD version = options.version != 0 ? options.version : latest;
-    if (version > latest)
-        throw CLI::ValidationError("--version: " + options.cabinet + " has " + Count(latest, "version", "versions"));
-    const CString target = Path(options.file);
-    OnFile(options.file, [&] { CFile(target, CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive); });
-    if (cabinet.GetVersionFile(version, target) == 0)
-        throw Failure(Shown(options.cabinet) + ": version " + std::to_string(version) + " is damaged; " +
-                          Shown(options.file) + " has what was found of it",
-                      kChanged);
-    return kGood;
+    const bool isNew = CQFile::IsExist(Path(options.file)) == 0;
+    CQFile file;
+    bool isIntact = false;
+    const qel::CabinetVersion version = OnFile(options.cabinet, [&] {
+        Open(file, options.cabinet, CFile::modeRead | CFile::shareDenyWrite);
+        qel::CabinetReader cabinet = CabinetOf(file);
+        const qel::CabinetVersion found = Find(cabinet, options);
+        isIntact = cabinet.IsIntact(found);
+        return found;
+    });
+    if (isIntact || isNew) {
+        WriteAsAWhole(options.file, options.force, [&](const qel::Descriptor& target) {
+            qel::CopyBytes(file.ReadableDescriptor(), version.dataAt, target, 0, version.size, options.cabinet,
+                           options.file);
+        });
+    }
+    if (isIntact) return kGood;
+    throw Failure(Shown(options.cabinet) + ": version " + std::to_string(version.number) + " is damaged; " +
+                      Shown(options.file) + (isNew ? " has what was found of it" : " stays as it was"),
+                  kChanged);
 }
 
 Status Add(const Options& options) {
@@ -79,11 +100,8 @@ Status Add(const Options& options) {
     const CString source = Path(options.file);
     OnFile(options.file, [&] { const CFile file(source, CFile::modeRead | CFile::shareDenyWrite); });
     const bool isNew = CQFile::IsExist(name) == 0;
-    if (!isNew) {
-        Open(cabinet, options.cabinet, 0);
-    } else if (cabinet.Create(name) == 0) {
-        throw Failure(Shown(options.cabinet) + ": cannot be made");
-    }
+    isNew ? RequireFolderOf(options.cabinet) : OpenForWriting(cabinet, options.cabinet);
+    if (isNew && cabinet.Create(name) == 0) throw Failure(Shown(options.cabinet) + ": cannot be made");
     if (cabinet.RegistNewVersion(source) == 0) {
         cabinet.Close();
         if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // empty it is no cabinet

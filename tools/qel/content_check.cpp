@@ -105,4 +105,13 @@ ContentReport ContentOf(CFile& file, const std::string& kind) {
     throw Failure("of no kind that is known, and not sealed", kUnknown);
 }
 
+// The data of a version are written before its header, in whose place zeros stand until then.
+Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end) {
+    constexpr std::string_view kVersionTag = "CVH1", kNoTag("\0\0\0\0", kVersionTag.size());
+    const std::string tag = BytesAt(file, end, kVersionTag.size());
+    if (kind == "cabinet" && (kVersionTag.starts_with(tag) || kNoTag.starts_with(tag))) return kGood;
+    if (kind == "renewals" && kRenewalTag.starts_with(BytesAt(file, end, kRenewalTag.size()))) return kCut;
+    return kInconsistent;
+}
+
 }  // namespace tool

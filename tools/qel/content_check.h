@@ -19,4 +19,8 @@ struct ContentReport {
 /// @throws Failure, and as library operations do, when it is damaged; Failure kUnknown for data
 ContentReport ContentOf(CFile& file, const std::string& kind);
 
+/// What bytes from @p end on, behind a whole content of that kind, mean: kGood where a registration may have left them
+/// that was cut short, kCut for the begin of another record, else kInconsistent.
+Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end);
+
 }  // namespace tool

@@ -50,7 +50,17 @@ std::optional<std::size_t> NumberOf(const std::string& column) {
     std::size_t number = 0;
     const char* const end = column.data() + column.size();
     const auto [stop, error] = std::from_chars(column.data(), end, number);
-    return error == std::errc() && stop == end && number > 0 ? std::optional(number - 1) : std::nullopt;
+    if (stop != end || error == std::errc::invalid_argument) return std::nullopt;
+    if (error == std::errc::result_out_of_range) return std::numeric_limits<std::size_t>::max();
+    if (number == 0) throw CLI::ValidationError("columns count from 1");
+    return number - 1;
+}
+
+// Columns of the widest line; 0 where no line has two, as what separates them is not known then.
+std::size_t WidthOf(const std::vector<Row>& rows) {
+    std::size_t width = 0;
+    for (const Row& row : rows) width = std::max(width, row.size());
+    return width > 1 ? width : 0;
 }
 
 double NumberIn(const Row& row, std::size_t column, bool mayHaveComma) {
@@ -93,6 +103,11 @@ CsvColumns ReadCsvColumns(const std::string& utf8, const std::vector<std::string
     const auto [rows, separator] = SplitAsWritten(utf8);
     const bool onlyNumbers =
         std::ranges::all_of(columns, [](const auto& column) { return NumberOf(column).has_value(); });
+    const std::size_t width = WidthOf(rows);
+    for (const std::string& column : columns) {
+        if (width != 0 && NumberOf(column).value_or(0) >= width)
+            throw CLI::ValidationError("column " + column + ": the table has " + std::to_string(width) + " columns");
+    }
     const auto hasAll = [&](const Row& row) {
         return std::ranges::all_of(columns, [&](const auto& name) { return FindIn(row, name) < row.size(); });
     };

@@ -27,6 +27,14 @@ ULONGLONG CheckContent(CQFile& file, FileReport& report) {
     }
 }
 
+// What stands behind a content that is whole, without what TraceOfSeal sees.
+void CheckRest(CQFile& file, ULONGLONG end, FileReport& report) {
+    report.isSealed = BeginsSeal(file, end);
+    report.finding = report.isSealed ? kCut : StatusOfRest(file, report.kind, end);
+    const std::string rest = Count(file.GetLength() - end, "byte", "bytes");
+    report.detail += report.isSealed ? ", and its seal is cut" : ", and " + rest + " behind";
+}
+
 // An intact seal vouches for what it stands behind. What looks like one at the end of a file that is whole without it
 // belongs to the data in it: a cabinet may end with a version that is a sealed file.
 void Check(CQFile& file, FileReport& report) {
@@ -35,10 +43,10 @@ void Check(CQFile& file, FileReport& report) {
     seal.EnableCheckFilename(0);
     const Status trace = TraceOfSeal(file, report.kind != "cabinet");
     if (trace != kGood && seal.ReadPackData(&file) != 0) return CheckSealed(file, seal, report);
-    const ULONGLONG behind = file.GetLength() - CheckContent(file, report);
-    if (behind == 0) return;
+    const ULONGLONG end = CheckContent(file, report);
+    if (end == file.GetLength()) return;
     if (trace == kGood) {
-        if (report.finding == kGood) report.detail += ", and " + std::to_string(behind) + " bytes behind";
+        if (report.finding == kGood) CheckRest(file, end, report);
         return;
     }
     report.isSealed = true;
@@ -62,6 +70,18 @@ FileReport CheckFile(const std::string& path) {
         report.detail = failure.what();
     }
     return report;
+}
+
+void RequireUnsealed(const std::string& path) {
+    const Status trace = OnFile(path, [&] {
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyNone);
+        return TraceOfSeal(file, KindOf(file) != "cabinet");
+    });
+    if (trace == kGood) return;
+    const FileReport report = CheckFile(path);
+    if (report.finding == kUnreadable) throw Failure(Shown(path) + ": " + report.detail, kUnreadable);
+    if (report.isSealed) throw Failure(Shown(path) + ": is sealed, a change would cut its seal off");
 }
 
 }  // namespace tool

@@ -17,4 +17,7 @@ struct FileReport {
 /// Looks at a file without changing it. Others cannot write to it meanwhile; one that is being written is unreadable.
 FileReport CheckFile(const std::string& path);
 
+/// For what is to be changed. @throws Failure when it has a seal, intact or not, which would be lost
+void RequireUnsealed(const std::string& path);
+
 }  // namespace tool

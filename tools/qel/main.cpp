@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 
@@ -22,15 +23,24 @@ void RefuseEmpty(CLI::App& app) {
     for (CLI::App* const command : app.get_subcommands(nullptr)) RefuseEmpty(*command);
 }
 
+// The library takes its default in place of one that it does not know.
+void RequireKnownPage(const CLI::Option& option) {
+    const char* const page = std::getenv("QELLIB10_CODEPAGE");
+    if (option.count() != 0 || page == nullptr || *page == '\0' || page == std::to_string(qel::CodePage())) return;
+    throw CLI::ValidationError("QELLIB10_CODEPAGE: \"" + std::string(page) + "\" is no code page that is known");
+}
+
 void AddAll(CLI::App& app, Status& status) {
     app.require_subcommand(1);
     app.fallthrough();
     app.set_version_flag("--version", "qel " QEL_VERSION);
-    app.add_option_function<UINT>(
-           "--codepage", [](const UINT& page) { qel::SetCodePage(page); },
-           "Code page of texts in files (else $QELLIB10_CODEPAGE, else 932)")
-        ->check(CLI::IsMember({qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}))
-        ->type_name("PAGE");
+    const CLI::Option* const codePage =
+        app.add_option_function<UINT>(
+               "--codepage", [](const UINT& page) { qel::SetCodePage(page); },
+               "Code page of texts in files (else $QELLIB10_CODEPAGE, else 932)")
+            ->check(CLI::IsMember({qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}))
+            ->type_name("PAGE");
+    app.parse_complete_callback([codePage] { RequireKnownPage(*codePage); });
     for (const auto& add : {tool::AddCalc, tool::AddSeal, tool::AddVerify, tool::AddCabinet, tool::AddXml, tool::AddJob,
                             tool::AddArchive, tool::AddProfile, tool::AddPlot})
         add(app, status);
@@ -45,6 +55,10 @@ Status Run(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::Success& success) {  // --help, --version
         app.exit(success);
+    } catch (const CLI::RequiredError& error) {
+        const std::vector<std::string> words = app.remaining(true);
+        const std::string line = words.empty() ? error.what() : '"' + words.front() + "\" is not known";
+        return Complain(tool::Shown(line) + "; see qel --help", tool::kUsage);
     } catch (const CLI::Error& error) {
         return Complain(tool::Shown(error.what()) + "; see qel --help", tool::kUsage);
     } catch (const tool::Failure& failure) {

@@ -21,10 +21,14 @@ void RequireFitForIni(const std::string& text, const char* unfit) {
         throw CLI::ValidationError("\"" + text + "\" does not fit into an INI file");
 }
 
-// The library writes an entry without a name, which only few programs read.
+// Blanks around names do not count there. The library writes an entry without a name, which only few programs read.
 void RequireFitForIni(const Options& options) {
-    if (options.section.empty() || options.key.empty())
+    constexpr const char* kBlanks = " \t\n\v\f\r\x1A";
+    const std::size_t keyAt = options.key.find_first_not_of(kBlanks);
+    if (keyAt == std::string::npos || options.section.find_first_not_of(kBlanks) == std::string::npos)
         throw CLI::ValidationError("a setting in an INI file has a section and a name");
+    if (options.key[keyAt] == ';')
+        throw CLI::ValidationError("\"" + options.key + "\" would be a comment in an INI file");
     RequireFitForIni(options.section, "\r\n");
     RequireFitForIni(options.key, "\r\n=");
     RequireFitForIni(options.value, "\r\n");

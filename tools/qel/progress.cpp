@@ -1,5 +1,6 @@
 #include "progress.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,11 +16,18 @@ Progress::~Progress() {
     if (m_isTerminal) std::fputs("\r\x1B[K", stderr);
 }
 
+// A line that does not fit would be continued on the next one, where the next bar begins.
 void Progress::Show(std::size_t done) const {
-    constexpr std::size_t kWidth = 40;
-    const std::size_t filled = kWidth * done / m_all;
-    std::fprintf(stderr, "\r[%s%s] %zu of %zu files", std::string(filled, '#').c_str(),
-                 std::string(kWidth - filled, ' ').c_str(), done, m_all);
+    constexpr std::size_t kWidest = 40, kBrackets = 3;
+    winsize terminal = {};
+    const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &terminal) == 0 && terminal.ws_col > 0;
+    const std::size_t columns = isKnown ? terminal.ws_col - 1u : 80;
+    const std::string text = std::to_string(done) + " of " + std::to_string(m_all) + " files";
+    const std::size_t taken = text.size() + kBrackets;
+    const std::size_t width = columns > taken ? std::min(kWidest, columns - taken) : 0;
+    const std::size_t filled = width * done / m_all;
+    const std::string line = '[' + std::string(filled, '#') + std::string(width - filled, ' ') + "] " + text;
+    std::fprintf(stderr, "\r%s", line.substr(0, columns).c_str());
 }
 
 }  // namespace tool

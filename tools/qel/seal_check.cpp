@@ -33,13 +33,16 @@ bool EndsWithTrailer(std::string_view tail, std::string_view ownName, bool anyNa
     return (anyName && Number(trailer, 0) == length - kCheckBlock) || name.substr(0, name.size() - 1) == ownName;
 }
 
+std::string BeginFor(std::string_view ownName) {
+    const auto length = qel::ToLittleEndian(static_cast<DWORD>(ownName.size() + 1 + kBehindName));
+    std::string begin(reinterpret_cast<const char*>(length.data()), length.size());
+    return begin.append(ownName) += '\0';
+}
+
 // The begin of a trailer for the file's own name, which something was cut off or appended to.
 Status Remains(std::string_view tail, std::string_view ownName) {
     const std::size_t infoLength = ownName.size() + 1 + kBehindName;
-    const auto length = qel::ToLittleEndian(static_cast<DWORD>(infoLength));
-    std::string begin(reinterpret_cast<const char*>(length.data()), length.size());
-    begin.append(ownName) += '\0';
-    const std::size_t at = tail.rfind(begin);
+    const std::size_t at = tail.rfind(BeginFor(ownName));
     if (at == std::string_view::npos) return kGood;
     const std::size_t end = at + kLength + infoLength + kCheckBlock;
     if (end > tail.size()) return kCut;
@@ -53,6 +56,21 @@ Status TraceOfSeal(CQFile& file, bool anyName) {
     const std::string tail = Tail(file);
     const CString ownName = file.GetFileName();
     return EndsWithTrailer(tail, ownName.View(), anyName) ? kChanged : Remains(tail, ownName.View());
+}
+
+bool BeginsSeal(CQFile& file, ULONGLONG end) {
+    const std::string tail = Tail(file);
+    const ULONGLONG count = file.GetLength() - end;
+    const CString ownName = file.GetFileName();
+    return count <= tail.size() && BeginFor(ownName.View()).starts_with(tail.substr(tail.size() - count));
+}
+
+std::optional<ULONGLONG> LengthBeforeSeal(CQFile& file) {
+    CCheckDatafile seal;
+    seal.EnableCheckFilename(0);
+    if (TraceOfSeal(file, true) == kGood || seal.ReadPackData(&file) == 0) return std::nullopt;
+    const std::size_t nameAndZero = static_cast<std::size_t>(seal.GetFilename().GetLength()) + 1;
+    return file.GetLength() - (kLength + nameAndZero + kBehindName + kCheckBlock);
 }
 
 }  // namespace tool

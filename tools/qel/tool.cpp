@@ -89,14 +89,31 @@ void RequireOther(const std::string& target, const std::string& source) {
         throw CLI::ValidationError("\"" + target + "\" is to be read and cannot be written");
 }
 
+void RequireFolderOf(const std::string& target) {
+    std::error_code missing;
+    if (const fs::path folder = fs::path(target).parent_path(); !folder.empty() && !fs::is_directory(folder, missing))
+        throw Failure(Shown(target) + ": there is no such folder", kUnreadable);
+}
+
 void RequireNew(const std::string& target, bool mayReplace, const std::vector<std::string>& sources) {
     for (const std::string& source : sources) RequireOther(target, source);
     const CString name = Path(target);
     std::error_code missing;
     if (fs::is_directory(target, missing)) throw Failure(Shown(target) + ": is a folder", kUnreadable);
     if (!mayReplace && CQFile::IsExist(name) != 0) throw Failure(Shown(target) + ": exists; --force replaces it");
-    if (const fs::path folder = fs::path(target).parent_path(); !folder.empty() && !fs::is_directory(folder, missing))
-        throw Failure(Shown(target) + ": there is no such folder", kUnreadable);
+    RequireFolderOf(target);
+}
+
+void WriteAsAWhole(const std::string& target, bool mayReplace,
+                   const std::function<void(const qel::Descriptor& file)>& write) {
+    const CString name = Path(target);
+    try {
+        qel::Replacement replacement(name.View());
+        write(replacement.File());
+        mayReplace ? replacement.Commit() : replacement.CommitNew();
+    } catch (const CFileException& error) {
+        throw Failure(Shown(target) + ": " + error.what());
+    }
 }
 
 Status Complain(const std::string& line, Status status) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
@@ -98,9 +99,17 @@ void Open(CQFile& file, const std::string& path, UINT flags);
 /// @throws CLI::ValidationError when both are the same file
 void RequireOther(const std::string& target, const std::string& source);
 
+/// @throws Failure when the folder of @p target is missing
+void RequireFolderOf(const std::string& target);
+
 /// @throws CLI::ValidationError when @p target is one of the @p sources; Failure when its folder is missing, and when
 /// it exists, unless it may be replaced
 void RequireNew(const std::string& target, bool mayReplace, const std::vector<std::string>& sources);
+
+/// Writes @p target as a whole: beside it and then renamed, so what is there stays when that fails.
+/// @param mayReplace false: it must not exist. @throws Failure kFailed
+void WriteAsAWhole(const std::string& target, bool mayReplace,
+                   const std::function<void(const qel::Descriptor& file)>& write);
 
 /// Writes one line to the standard error output. @return @p status
 Status Complain(const std::string& line, Status status);

@@ -1,5 +1,7 @@
 // qel xml: documents in plain and enciphered files.
-#include "tool.h"
+#include <span>
+
+#include "file_check.h"
 
 namespace tool {
 namespace {
@@ -7,6 +9,16 @@ namespace {
 struct Options {
     std::string file, path, text, target;
     bool asXml = false, count = false, force = false, json = false;
+};
+
+// What a file of it holds.
+class Document : public CCryptXMLDocument {
+public:
+    std::optional<std::vector<BYTE>> Bytes(bool enciphered) {
+        CMemFile file;
+        if ((enciphered ? SaveCryptXMLFile(file) : SavePlainXMLFile(file)) == 0) return std::nullopt;
+        return file.Detach();
+    }
 };
 
 bool IsEnciphered(const std::string& path) {
@@ -59,6 +71,7 @@ void Get(const Options& options) {
 // Under the document's lock, in the form in which the file is.
 void Set(const Options& options) {
     const CString text = ExactText(options.text);
+    RequireUnsealed(options.file);
     CCryptXMLDocument document;
     Load(document, options.file);
     CountOf(document, options.path);
@@ -76,11 +89,13 @@ void Convert(const Options& options, bool encipher) {
     RequireNew(options.target, options.force, {options.file});
     if (IsEnciphered(options.file) == encipher)
         throw Failure(Shown(options.file) + (encipher ? ": is enciphered already" : ": is not enciphered"));
-    CCryptXMLDocument document;
+    Document document;
     Load(document, options.file);
-    document.SetCryptMode(encipher ? 1 : 0);
-    if (document.SaveXMLFile(Path(options.target), 1) == 0)
-        throw Failure(Shown(options.target) + ": cannot be written");
+    const std::optional<std::vector<BYTE>> bytes = document.Bytes(encipher);
+    if (!bytes) throw Failure(Shown(options.target) + ": cannot be written");
+    WriteAsAWhole(options.target, options.force, [&](const qel::Descriptor& target) {
+        qel::WriteFully(target, std::as_bytes(std::span(*bytes)), options.target);
+    });
 }
 
 }  // namespace
