@@ -16,7 +16,7 @@ struct CheckSums {
 /// Of the first @p size bytes of an open file.
 /// @throws Failure
 CheckSums CheckSumsOf(CQFile& file, DWORD size);
-/// Of a whole file.
+/// Of a whole file, also while others write to it.
 /// @throws Failure when it cannot be read
 CheckSums CheckSumsOf(const std::string& path);
 

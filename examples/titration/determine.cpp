@@ -52,9 +52,9 @@ Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& m
     return {result, measured, "Method     method.xml, enciphered: " + what};
 }
 
-std::string WriteTexts(const Determination& determination, const std::string& sample, MadeFiles& made) {
+std::string WriteTexts(const Determination& determination, MadeFiles& made) {
     WriteTextFile(Report(determination), made.Path("report.txt"));
-    made.Add("report.txt", sample);
+    made.Add("report.txt");
     const int lines = WriteResultTable(determination.result, made.Path("result.csv"));
     made.Add("result.csv");
     return "Written    report.txt, and result.csv with " + std::to_string(lines) + " lines\n";
@@ -120,7 +120,7 @@ std::string Determine(const Options& options, Session& session, History& history
     const auto [determination, measured, method] = TitrateByMethod(options, session, made);
     const std::string sample = SampleOf(options.printer);
     std::string text = method + Report(determination);
-    text += WriteTexts(determination, sample, made);
+    text += WriteTexts(determination, made);
     text += Seal(determination.result.variables, made);
     text += KeepOrigin(history.Latest() + 1, measured, made);
     const CHistoryRenewInfo& record = Register(options, session, history, made);

@@ -3,12 +3,14 @@
 #include <stdexcept>
 #include <string>
 
+#include "printable.h"
+
 namespace titration {
 
 /// The input cannot give a result; the text is the one line that the user sees.
 class Failure : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit Failure(const std::string& text) : std::runtime_error(Printable(text)) {}
 };
 
 /// Lets @p step fail with the name of the file that it is about.

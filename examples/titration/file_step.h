@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include <qellib10/qellib10.h>
 
@@ -23,6 +25,18 @@ template <class Step> auto OnFile(const std::string& path, Step step) {
 inline void Open(CFile& file, const std::string& path, UINT mode) {
     CFileException error;
     if (file.Open(path.c_str(), mode, &error) == 0) throw CFileException(error);
+}
+
+/// Whoever writes may go on. The log is another run's alone for as long as that writes a line, so this waits up to a
+/// second.
+/// @throws CFileException
+inline void OpenForReading(CFile& file, const std::string& path) {
+    constexpr int kAttempts = 100;
+    CFileException error;
+    for (int attempt = 1; file.Open(path.c_str(), CFile::modeRead | CFile::shareDenyNone, &error) == 0; ++attempt) {
+        if (error.m_cause != CFileException::sharingViolation || attempt == kAttempts) throw CFileException(error);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
 }
 
 }  // namespace titration

@@ -1,9 +1,14 @@
 #include "made_files.h"
 
+#include <algorithm>
+#include <regex>
+#include <set>
+
 #include "check_sums.h"
 #include "failure.h"
 #include "file_names.h"
 #include "file_step.h"
+#include "number.h"
 #include "text_file.h"
 
 namespace titration {
@@ -31,9 +36,16 @@ constexpr Kind kKinds[] = {
     {"report-*.job", "the report on a version as a print job"},
     {kAllPages, "a preview of what was printed last"},
     {kAllPdfs, "what was printed"},
-    {kSums, "size and checksums of files above"},
+    {kSums, "sizes and checksums of the others"},
     {"titration.log", "what was done, and what failed"},
 };
+
+// As a whole: of a sum that was cut, or has more behind it, nothing may be believed.
+bool IsLine(std::string_view line, bool isFile) {
+    static const std::regex file("[^=]+=[0-9]+ bytes, CRC [0-9A-F]{8}, sum [0-9A-F]{8}"),
+        sample("[^=]+=([0-9A-F]{8} )+([0-9A-F]{8}|no PDF)");
+    return std::regex_match(line.begin(), line.end(), isFile ? file : sample);
+}
 
 DWORD SizeOf(const std::string& path) {
     DWORD size = 0;
@@ -49,9 +61,21 @@ std::string MadeFiles::Path(const std::string& name) const {
     return std::string(CQFile::BuildFilePath(m_folder, name.c_str()));
 }
 
-std::string MadeFiles::Described(const std::string& name) const {
-    const DWORD size = SizeOf(Path(name));
-    return std::to_string(size) + " bytes, " + Shown(CheckSumsOf(Path(name)));
+// Of its first bytes.
+std::string MadeFiles::Described(const std::string& name, DWORD size) const {
+    return OnFile(name, [&] {
+        CQFile file;
+        OpenForReading(file, Path(name));
+        return std::to_string(size) + " bytes, " + Shown(size > 0 ? CheckSumsOf(file, size) : CheckSums());
+    });
+}
+
+std::string MadeFiles::Described(const std::string& name) const { return Described(name, SizeOf(Path(name))); }
+
+std::string MadeFiles::AsMade(const std::string& name) const {
+    const std::string made(m_sums.Get(kFiles, name.c_str(), ""));
+    if (made.empty()) throw Failure("has no line in " + std::string(kSums));
+    return made;
 }
 
 void MadeFiles::Set(const std::string& name, const char* sums, const char* sample) {
@@ -63,6 +87,17 @@ void MadeFiles::Add(const std::string& name, const std::string& sample) {
     Set(name, Described(name).c_str(), sample.empty() ? nullptr : sample.c_str());
 }
 
+// What another run writes down between our reading and our writing would be lost, so it is read again.
+void MadeFiles::Keep(const std::string& name) {
+    std::string kept;
+    while (CQFile::IsExist(Path(name).c_str()) != 0) {
+        const std::string now = Described(name);
+        if (now == kept) return;
+        Set(name, now.c_str(), nullptr);
+        kept = now;
+    }
+}
+
 void MadeFiles::Remove(const std::string& pattern) {
     const std::vector<std::string> names = Matching(pattern);
     if (CQFile::DeleteFiles(Path(pattern).c_str()) == 0) throw Failure(Path(pattern) + ": cannot be deleted");
@@ -70,9 +105,15 @@ void MadeFiles::Remove(const std::string& pattern) {
 }
 
 void MadeFiles::RequireAsMade(const std::string& name) const {
-    const std::string now = Described(name), made(m_sums.Get(kFiles, name.c_str(), ""));
-    if (made.empty()) throw Failure("has no line in " + std::string(kSums));
+    const std::string now = Described(name), made = AsMade(name);
     if (now != made) throw Failure("has " + now + ", and had " + made);
+}
+
+void MadeFiles::RequireBeginsAsMade(const std::string& name) const {
+    const std::string made = AsMade(name);
+    const auto before = static_cast<DWORD>(ParseWholeNumber(made.substr(0, made.find(' '))).value_or(0));
+    const std::string now = Described(name, std::min(before, SizeOf(Path(name))));
+    if (now != made) throw Failure("begins with " + now + ", and had " + made);
 }
 
 std::vector<std::string> MadeFiles::Matching(const std::string& pattern) const {
@@ -86,13 +127,28 @@ std::vector<std::string> MadeFiles::Matching(const std::string& pattern) const {
 }
 
 std::vector<std::string> MadeFiles::WrittenDown() const {
-    const std::string text = ReadTextFile(Path(kSums));
+    const std::string text = ReadBytes(Path(kSums));
+    if (!text.ends_with("\r\n")) throw Failure("its last line is cut");
+    const std::string files = "[" + std::string(kFiles) + "]", samples = "[" + std::string(kSamples) + "]";
     std::vector<std::string> names;
-    bool isFile = false;
+    std::set<std::string, std::less<>> lines;  // with the section before the name
+    std::string_view section;
+    int number = 0;
     for (const std::string_view line : Lines(text)) {
-        if (line.starts_with('[')) isFile = line == "[" + std::string(kFiles) + "]";
-        const std::size_t end = line.find('=');
-        if (isFile && end != std::string_view::npos) names.emplace_back(Trimmed(line.substr(0, end)));
+        const std::string here = "line " + std::to_string(++number) + ", \"" + std::string(line) + "\": ";
+        const bool isSection = line == files || line == samples;
+        const std::string_view name = line.substr(0, line.find('='));
+        if (!lines.insert(isSection ? std::string(line) : std::string(section) + std::string(name)).second)
+            throw Failure(here + "stands twice");
+        if (isSection) {
+            section = line;
+        } else if (section.empty() || !IsLine(line, section == files)) {
+            throw Failure(here + "is none of these");
+        } else if (section == files) {
+            names.emplace_back(name);
+        } else if (!lines.contains(files + std::string(name))) {
+            throw Failure(here + "is of no file above");
+        }
     }
     return names;
 }

@@ -5,8 +5,10 @@
 // three to a page, and all files are checked later without anything but themselves (verify/verify.cpp).
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -45,7 +47,7 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
     const std::string name = TakenOutName(version);
     const CHistoryRenewInfo& record = history.TakeOut(version, made.Path(name));
     made.Add(name);
-    Log("took out " + name);
+    Log(stage::kTookOut + name);
     std::string text =
         "History    results.hcf " + history.Listed(kIndent) + "Taken out  " + name + ", " + Described(record) + "\n";
     const CCalcVariableList variables = LoadRenamedVariables(made.Path(name));
@@ -92,22 +94,36 @@ std::string Print(int count, const History& history, MadeFiles& made) {
     return text + "Printed    " + done + "\n";
 }
 
+// @return what was done
+std::string Do(const Options& options, const CString& folder, MadeFiles& made) {
+    Session session(made.Path("users.db"), options.user, options.password);
+    const std::string text = LogOn(session);
+    History history(folder);
+    return text + (options.takeOut > 0 ? TakeOut(static_cast<DWORD>(options.takeOut), history, made)
+                   : options.print > 0 ? Print(options.print, history, made)
+                                       : Determine(options, session, history, made));
+}
+
+// A logon that is refused writes to the store and to the log as well.
+void KeepStoreAndLog(MadeFiles& made) {
+    made.Keep("users.db");
+    made.Keep("titration.log");
+}
+
 void Run(const Options& options, const CString& folder) {
     const RunLog log(folder);
     ::setenv("QELLIB10_PDF_DIR", options.out.c_str(), 0);  // what the printer "PDF" writes
+    MadeFiles made(folder);
+    std::string text;
     try {
-        MadeFiles made(folder);
-        Session session(made.Path("users.db"), options.user, options.password);
-        std::string text = LogOn(session);
-        History history(folder);
-        text += options.takeOut > 0 ? TakeOut(static_cast<DWORD>(options.takeOut), history, made)
-                : options.print > 0 ? Print(options.print, history, made)
-                                    : Determine(options, session, history, made);
-        std::printf("%sLogged     titration.log\n%s", text.c_str(), log.NewLines(kIndent).c_str());
+        text = Do(options, folder, made);
     } catch (const Failure& failure) {
         Log(std::string("failed: ") + failure.what());
+        About(failure.what(), [&] { KeepStoreAndLog(made); });
         throw;
     }
+    KeepStoreAndLog(made);
+    std::printf("%sLogged     titration.log\n%s", text.c_str(), log.NewLines(kIndent).c_str());
 }
 
 // @return the exit status
@@ -130,7 +146,9 @@ int Run(const Options& options) {
 int main(int argc, char** argv) {
     qel::SetCodePage(qel::kCodePageUtf8);  // as terminals and files here are
     try {
-        return titration::Run(titration::ParseOptions(argc, argv));
+        const int status = titration::Run(titration::ParseOptions(argc, argv));
+        if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+        throw titration::Failure(std::string("standard output: ") + std::strerror(errno));
     } catch (const titration::Failure& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return 1;

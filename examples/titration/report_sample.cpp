@@ -4,13 +4,11 @@
 
 #include "check_sums.h"
 #include "failure.h"
-#include "report.h"
 #include "report_job.h"
 #include "report_page.h"
 #include "report_printer.h"
 #include "temporary_file.h"
 #include "temporary_print.h"
-#include "text_file.h"
 
 namespace titration {
 namespace {
@@ -47,14 +45,13 @@ std::string CrcOf(const std::string& path) {
 std::string SampleOf(const std::string& printerName) {
     ReportPrinter printer(printerName);
     const Determination determination = SampleDetermination();
-    const TemporaryFile text, job, curve, page;
-    WriteTextFile(Report(determination), text.Path());
+    const TemporaryFile job, curve, page;
     if (MakeReportJob(determination, 1, SampleRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
         throw Failure(job.Path() + ": cannot be written");
     ReportPages pages({job.Path()});
     pages.SavePreview(1, page.Path());
     std::string sample;
-    for (const TemporaryFile* file : {&text, &job, &curve, &page}) sample += CrcOf(file->Path()) + " ";
+    for (const TemporaryFile* file : {&job, &curve, &page}) sample += CrcOf(file->Path()) + " ";
     return printerName == kPdfPrinter ? sample + CrcOf(TemporaryPrint(pages).Path()) : sample + "no PDF";
 }
 

@@ -27,6 +27,7 @@ inline constexpr const char* kMethod = "method ";
 inline constexpr const char* kCurve = "curve ";
 inline constexpr const char* kResult = "result ";
 inline constexpr const char* kRegistered = "registered variables.qel as version ";
+inline constexpr const char* kTookOut = "took out ";  // a file of the output folder
 inline constexpr const char* kPreviewed = "previewed ";
 inline constexpr const char* kPrinted = "printed ";
 inline constexpr const char* kInto = " into ";  // a file of the output folder

@@ -12,7 +12,8 @@ namespace {
 constexpr ULONGLONG kLargestFile = 64 << 20;
 
 std::string ReadWhole(const std::string& path) {
-    CFile file(path.c_str(), CFile::modeRead | CFile::shareDenyNone);
+    CFile file;
+    OpenForReading(file, path);
     if (file.GetLength() > kLargestFile) throw Failure(path + ": larger than 64 MiB");
     std::string text(file.GetLength(), '\0');
     text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));

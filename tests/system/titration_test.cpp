@@ -242,13 +242,28 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
              {"result.csv", flipIn("49.6"), "FAILED: result.csv: is not the table of that result"},
              {"report.txt", flipIn("37 points"), "FAILED: report.txt: has "},
              {"results.hcf", flip(30), "FAILED: results.hcf: is missing or in use, or its header is damaged"},
+             {"results.hcf", [](std::string& cabinet) { cabinet += "x"; },
+              "FAILED: results.hcf: has 1 byte behind the last version"},
              {"results.hcf", flip(100), "FAILED: version 1 in results.hcf: its data do not fit its header"},
              {"renewals.qel", flip(130), "FAILED: renewals.qel: has "},
              {"renewals.qel", flipIn("demo"), "FAILED: users.db: has no user \"eemo\", who registered a version"},
              {"users.db", flip(20), "FAILED: users.db: "},
+             {"users.db", flip(24), "FAILED: users.db: has 2"},  // the number of its changes
              {"users.db", nullptr, "FAILED: users.db: unable to open"},
              {"made.ini", flipIn("page-1.png="), "FAILED: page-1.png: has no line in made.ini"},
              {"made.ini", nullptr, "FAILED: made.ini: "},
+             {"made.ini", [](std::string& ini) { ini.resize(ini.size() - 3); },
+              "FAILED: made.ini: its last line is cut"},
+             {"made.ini", [](std::string& ini) { ini += "junk\r\n"; }, "\"junk\": is none of these"},
+             {"made.ini", [](std::string& ini) { ini += "page-1.png=" + ini.substr(ini.rfind('=') + 1); },
+              ": stands twice"},
+             {"made.ini", [](std::string& ini) { ini.resize(ini.find("[samples]")); },
+              "FAILED: report-1.job: has no sample in made.ini"},
+             {"made.ini",
+              [](std::string& ini) {
+                  ini.insert(ini.find('=', ini.find("\ncurve.png", ini.find("[s"))) + 1, "01234567 ");
+              },
+              "FAILED: curve.png: its sample in made.ini is not that of report-2.job"},
              {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: is missing"},
              {"curve-1.csv", flip(300), "FAILED: curve-1.csv: has "},
              {"version-1.qel", flip(100), "FAILED: version-1.qel: has "},
@@ -265,7 +280,13 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
              {"titration.log", cut(200), "FAILED: titration.log: its last line is cut"},
              {"titration.log", [](std::string& log) { log.resize(log.rfind('[', log.rfind("registered"))); },
               "FAILED: titration.log: tells of 1 version, and there are 2"},
-             {"titration.log", flipIn("2"), "is earlier than the one before"}}) {
+             {"titration.log", flipIn("2"), "is earlier than the one before"},
+             {"titration.log", [](std::string& log) { --log.at(1); }, "FAILED: titration.log: begins with "},
+             {"titration.log", [](std::string& log) { log.erase(0, log.find('[', 1)); },
+              "FAILED: titration.log: begins with "},
+             {"titration.log", flipIn("previewed"), "FAILED: page-1.png: titration.log tells nothing of it"},
+             {"titration.log", flipIn("printed"),
+              "FAILED: Titration reports.pdf: titration.log tells nothing of it"}}) {
         const std::string file = std::string("results/") + name, before = m_folder.Read(file);
         std::string bytes = before;
         if (damage) damage(bytes);
@@ -279,6 +300,8 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     // With sums that fit, what is made again tells.
     const std::string sums = m_folder.Read("results/made.ini");
     for (const auto& [name, damage, finding] : Cases<std::string, Damage, std::string>{
+             {"curve-1.csv", cut(0), "version 1 in results.hcf: curve-1.csv: no "},
+             {"method-1.xml", [](std::string& method) { method += "more"; }, "method-1.xml: has other bytes than its "},
              {"curve-1.csv", flipIn("9.31"), "version 1 in results.hcf: its values are not those that "},
              {"report.txt", flipIn("49.6 g"), "report.txt: differs from what is made again"},
              {"report-1.job", flipIn("width=\"4"), "report-1.job: differs from what is made again"},
@@ -299,6 +322,23 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     m_folder.Write("results/made.ini", sums);
     EXPECT_EQ(Run("--verify --out results").out, good.out) << "it changes nothing";
     EXPECT_EQ(m_folder.Read("results/users.db"), users);
+    std::filesystem::remove(m_folder.Posix("results/version-1.qel"));
+    m_folder.Write("results/made.ini", Replaced(sums, "\nversion-1.qel=", "\nx="));
+    EXPECT_NE(Run("--verify --out results").out.find("FAILED: version-1.qel: is missing"), std::string::npos);
+    m_folder.Write("results/made.ini", sums);
+    EXPECT_EQ(Run("--take-out 1 --out results --password wrong").status, 1);
+    EXPECT_EQ(Run("--take-out 1 --out results").status, 0);
+    EXPECT_EQ(Run("--verify --out results").status, 0);
+    EXPECT_EQ(Run("--verify --out results >/dev/full 2>err #").err.find("standard output: "), 0u);
+
+    // On a machine with other fonts, and after a run that was killed.
+    const std::string sample = sums.substr(sums.rfind('=') + 1, 35);
+    m_folder.Write("results/made.ini", Replaced(m_folder.Read("results/made.ini"), sample, "01234567 " + sample));
+    m_folder.Write("results/titration.log",
+                   m_folder.Read("results/titration.log") + "[2222/01/03 09:05:07],logged on\r\n");
+    const Outcome other = Run("--verify --out results");
+    EXPECT_TRUE(other.out.ends_with("\n21 checks, all right; 5 files were held against their sums alone\n"))
+        << other.out;
 }
 
 TEST_F(Titration, PrintsOnTheNamedPrinter) {
@@ -380,6 +420,8 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         {good, Replaced(Settings("EP"), "ZERO", "f"), "settings.ini: \"f\" stands twice in [variables]"},
         {good, Replaced(Settings("EP"), "ZERO", "2F"), "settings.ini: \"2F\" cannot be a name"},
         {good, Settings("EP", "color = red\n"), "settings.ini: \"color\" has no meaning in [result]"},
+        {good, Settings("EP", "\x1B[31m\xC2\x9B\xFF\u00B5 = red\n"),
+         "settings.ini: \"?[31m???\u00B5\" has no meaning in"},
         {good, Settings("EP", "color\n"), "settings.ini: \"color\" is not name = value"},
         {good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: \"one\" is no number"},
         {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: \"99\" is no whole number"},

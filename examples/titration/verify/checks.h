@@ -17,7 +17,7 @@ public:
         ++m_count;
         m_done.insert(what);
         try {
-            std::printf("ok      %s: %s\n", what.c_str(), std::string(check()).c_str());
+            std::printf("ok      %s: %s\n", what.c_str(), Printable(check()).c_str());
         } catch (const Failure& failure) {
             ++m_failed;
             std::printf("FAILED: %s: %s\n", what.c_str(), WithoutName(failure.what(), what + ": ").c_str());

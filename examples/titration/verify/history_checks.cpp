@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "../file_step.h"
 #include "../number.h"
 #include "../renewals.h"
 #include "../result_file.h"
@@ -24,8 +25,30 @@ DWORD KeptHistory::Versions() const {
 
 std::string KeptHistory::CheckCabinet() const {
     Require(m_isOpen, "is missing or in use, or its header is damaged");
+    const ULONGLONG behind = BytesBehindLastVersion();
+    Require(behind == 0, "has " + Counted(static_cast<long long>(behind), "byte") + " behind the last version");
     return std::string(m_cabinet.GetGUID().GetString()) + ", header with " +
            Counted(m_cabinet.GetLatestVersion(), "version");
+}
+
+// Reading versions never comes there: a registration that was cut short leaves some.
+ULONGLONG KeptHistory::BytesBehindLastVersion() const {
+    const std::string path = m_made.Path("results.hcf");
+    return OnFile(path, [&] {
+        CQFile file;
+        OpenForReading(file, path);
+        const auto numberAt = [&file](ULONGLONG offset) {
+            CQBinary bytes;
+            bytes.SetSize(sizeof(DWORD));
+            file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
+            file.Read(static_cast<unsigned char*>(bytes), sizeof(DWORD));
+            return static_cast<DWORD>(bytes.GetInt(0));
+        };
+        constexpr ULONGLONG kLatestOffset = 4, kDataSize = 8, kVersionHeader = 20;
+        const ULONGLONG latest = numberAt(kLatestOffset);
+        const ULONGLONG end = latest + kVersionHeader + numberAt(latest + kDataSize);
+        return file.GetLength() - std::min(end, file.GetLength());
+    });
 }
 
 std::string KeptHistory::CheckRecords() const {

@@ -31,11 +31,17 @@ public:
         for (std::size_t stage = 0; stage < std::size(kStages); ++stage) {
             if (message.starts_with(kStages[stage])) Reach(stage, message.substr(kStages[stage].size()));
         }
-        if (message.starts_with(stage::kPreviewed)) m_facts.previewed = Reports(message, stage::kPreviewed);
+        if (message.starts_with(stage::kTookOut))
+            m_facts.takenOut.emplace(message.substr(std::strlen(stage::kTookOut)));
+        if (message.starts_with(stage::kPreviewed)) {
+            m_facts.previewed = Reports(message, stage::kPreviewed);
+            m_facts.printedLast.clear();
+        }
         const std::size_t into = message.find(stage::kInto);
         if (message.starts_with(stage::kPrinted) && into != std::string_view::npos) {
             const std::string file(message.substr(into + std::strlen(stage::kInto)));
             m_facts.printed[file] = Reports(message, stage::kPrinted);
+            m_facts.printedLast = file;
         }
     }
 
@@ -74,8 +80,8 @@ std::string LoggedReports::Described() const {
     return first == last ? JobName(first) : JobName(first) + " to " + JobName(last);
 }
 
-std::string CheckLog(const std::string& path, DWORD versions, LogFacts& facts) {
-    const std::string text = ReadTextFile(path);
+std::string CheckLog(const MadeFiles& made, DWORD versions, LogFacts& facts) {
+    const std::string text = ReadTextFile(made.Path("titration.log"));
     Runs runs(facts);
     std::string_view time;
     const std::vector<std::string_view> lines = Lines(text);
@@ -89,6 +95,7 @@ std::string CheckLog(const std::string& path, DWORD versions, LogFacts& facts) {
     }
     const auto told = static_cast<DWORD>(facts.runs.size());
     Require(told == versions, "tells of " + Counted(told, "version") + ", and there are " + std::to_string(versions));
+    made.RequireBeginsAsMade("titration.log");
     return std::to_string(facts.lines) + " lines in order, " + Counted(versions, "version") + " registered";
 }
 

@@ -25,6 +25,10 @@ std::string CheckMethod(const MadeFiles& made, const std::string& name) {
     const Method method = MethodFile::Read(made.Path(name));
     ParseSettings(method);
     made.RequireAsMade(name);
+    const TemporaryFile again;
+    MethodFile(again.Path()).Keep(method);
+    Require(CQFile::CompareFile(again.Path().c_str(), made.Path(name).c_str()) != 0,
+            "has other bytes than its values give");
     return "deciphered, " + std::to_string(method.size()) + " values";
 }
 
@@ -49,7 +53,10 @@ Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHis
     Require(version <= log.runs.size(), "titration.log does not tell what it was computed from");
     const LoggedRun& run = log.runs[version - 1];
     const Method method = MethodFile::Read(made.Path(MethodName(version)));
-    Determination again = Titrate(run.method, method, run.curve, ReadTextFile(made.Path(CurveName(version))));
+    Determination again =
+        Titrate(MethodName(version), method, CurveName(version), ReadTextFile(made.Path(CurveName(version))));
+    again.settingsFile = run.method;
+    again.dataFile = run.curve;
     Require((again.result.variables != kept) == 0,
             "its values are not those that " + MethodName(version) + " and " + CurveName(version) + " give");
     Require(Shown(again.result) == run.result, "has " + Shown(again.result) + ", and titration.log " + run.result);

@@ -7,7 +7,7 @@
 
 namespace titration {
 
-// Each logon writes to the store, so that there is no sum that it should have.
+// Each logon writes to the store; its sums are those at the end of the last run.
 std::string CheckUsers(const MadeFiles& made, const std::vector<CHistoryRenewInfo>& records) {
     userstore::UserStoreSettings settings;
     settings.isReadOnly = true;
@@ -20,6 +20,7 @@ std::string CheckUsers(const MadeFiles& made, const std::vector<CHistoryRenewInf
         const bool isKnown = store.GetUserInfo(name, &user) != 0 && user.GetUsername() == name;
         Require(isKnown || name.IsEmpty(), "has no user \"" + std::string(name) + "\", who registered a version");
     }
+    made.RequireAsMade("users.db");
     return "whole, " + Counted(store.GetUserCount(), "user") + ", with all who registered versions";
 }
 

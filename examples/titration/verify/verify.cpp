@@ -38,11 +38,18 @@ public:
         Printed();
         Others();
         const std::string failed = m_checks.Failed() == 0 ? "all right" : std::to_string(m_checks.Failed()) + " failed";
-        std::printf("%d checks, %s\n", m_checks.Count(), failed.c_str());
+        std::printf("%d checks, %s%s\n", m_checks.Count(), failed.c_str(), HeldAgainstSums().c_str());
         return m_checks.Failed() == 0;
     }
 
 private:
+    std::string HeldAgainstSums() const {
+        const int count = m_again.HeldAgainstSums();
+        if (count == 0) return "";
+        return "; " + Counted(count, "file") +
+               (count == 1 ? " was held against its sums" : " were held against their sums") + " alone";
+    }
+
     void Lists() {
         m_checks.Run("made.ini", [&] {
             m_names = m_made.WrittenDown();
@@ -50,8 +57,8 @@ private:
         });
         const std::vector<std::string> found = m_made.Found();
         m_names.insert(m_names.end(), found.begin(), found.end());
-        m_checks.Run("titration.log",
-                     [&] { return CheckLog(m_made.Path("titration.log"), m_history.Versions(), m_log); });
+        m_checks.Run("titration.log", [&] { return CheckLog(m_made, m_history.Versions(), m_log); });
+        m_names.insert(m_names.end(), m_log.takenOut.begin(), m_log.takenOut.end());
         m_checks.Run("users.db", [&] { return CheckUsers(m_made, m_history.Records()); });
         m_checks.Run("results.hcf", [&] { return m_history.CheckCabinet(); });
         m_checks.Run("renewals.qel", [&] { return m_history.CheckRecords(); });
@@ -72,7 +79,7 @@ private:
         m_checks.Run(JobName(version), [&] {
             const std::string shown = CheckHeadline(m_made, version, Determined().result);
             return shown + ", " +
-                   m_again.Check(JobName(version), PrinterOf(m_made, version),
+                   m_again.Check(JobName(version), JobName(version), PrinterOf(m_made, version),
                                  [&](const std::string& path) { MakeAgain(version, path, TemporaryFile().Path()); });
         });
         const std::string takenOut = TakenOutName(version);
@@ -99,13 +106,12 @@ private:
             return found;
         });
         m_checks.Run("result.csv", [&] { return CheckTable(m_made, Determined().result); });
-        const std::string printer = PrinterOf(m_made, version);
         m_checks.Run("report.txt", [&] {
-            return m_again.Check("report.txt", printer,
-                                 [&](const std::string& path) { WriteTextFile(Report(Determined()), path); });
+            return m_again.CheckText("report.txt",
+                                     [&](const std::string& path) { WriteTextFile(Report(Determined()), path); });
         });
         m_checks.Run("curve.png", [&] {
-            return m_again.Check("curve.png", printer,
+            return m_again.Check("curve.png", JobName(version), PrinterOf(m_made, version),
                                  [&](const std::string& path) { MakeAgain(version, TemporaryFile().Path(), path); });
         });
     }
@@ -115,33 +121,38 @@ private:
         if (reports.last == 0) return;
         const int pages = static_cast<int>(reports.last - reports.first) / kReportsOnAPage + 1;
         for (int page = 1; page <= pages; ++page) {
-            Drawn(PageName(page), reports,
+            Drawn(PageName(page), PageName(1), reports,
                   [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
         }
     }
 
     void Printed() {
         for (const auto& [name, reports] : m_log.printed) {
-            Drawn(name, reports, [](ReportPages& again, const std::string& path) {
-                WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
-            });
+            Drawn(name, name == m_log.printedLast ? PageName(1) : name, reports,
+                  [](ReportPages& again, const std::string& path) {
+                      WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
+                  });
         }
     }
 
     // What nothing else is known of, and what is not there.
     void Others() {
+        std::vector<std::string> printed = m_made.Matching(kAllPdfs);
+        for (const std::string& page : m_made.Matching(kAllPages)) printed.push_back(page);
         for (const std::string& name : m_names) {
             if (m_checks.HasRun(name)) continue;
             m_checks.Run(name, [&] {
+                Require(std::ranges::find(printed, name) == printed.end(), "titration.log tells nothing of it");
                 m_made.RequireAsMade(name);
                 return "as it was made";
             });
         }
     }
 
-    template <class Draw> void Drawn(const std::string& name, const LoggedReports& reports, Draw draw) {
+    template <class Draw>
+    void Drawn(const std::string& name, const std::string& beside, const LoggedReports& reports, Draw draw) {
         m_checks.Run(name, [&] {
-            return m_again.Check(name, PrinterOf(m_made, reports.first),
+            return m_again.Check(name, beside, PrinterOf(m_made, reports.first),
                                  [&](const std::string& path) {
                                      ReportPages again(JobPaths(m_made, reports.first, reports.last));
                                      draw(again, path);
