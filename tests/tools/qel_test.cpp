@@ -243,6 +243,7 @@ TEST(Qel, ShowsAndChangesDocuments) {
          })
         EXPECT_EQ(folder.Qel("xml " + std::string(arguments)), answer);
     EXPECT_EQ(folder.Read("e.xml")[0], '\0') << "a document stays in its form";
+    EXPECT_EQ(folder.Qel("seal plain.xml >/dev/null && " QELLIB10_QEL " xml get plain.xml Unit"), "0 mL\n");
     folder.Write("broken.xml", "<Method>");
     EXPECT_EQ(folder.Qel("xml show broken.xml")[0], '9');
     folder.Write("empty.xml", "");

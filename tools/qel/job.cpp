@@ -18,31 +18,11 @@ struct Options {
     bool json = false;
 };
 
-// The first bytes of a file as a file of their own.
-class Begin {
-public:
-    Begin(const CFile& file, ULONGLONG length) : m_name(CQFile::GetTempFilePath("qel")) {
-        const CFile copy(m_name, CFile::modeWrite | CFile::shareExclusive);
-        qel::CopyBytes(file.ReadableDescriptor(), 0, copy.WritableDescriptor(), 0, length, file.GetFilePath().View(),
-                       m_name.View());
-    }
-    ~Begin() { CQFile::DeleteFiles(m_name); }
-    Begin(const Begin&) = delete;
-    Begin& operator=(const Begin&) = delete;
-
-    const CString& Name() const { return m_name; }
-
-private:
-    CString m_name;
-};
-
 CQelPrintJobQueueData LoadJob(const std::string& path) {
     CQelPrintJobQueueData job;
     OnFile(path, [&] {
-        CQFile file;
-        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
-        const std::optional<ULONGLONG> length = LengthBeforeSeal(file);
-        if (job.LoadJobFile(length ? Begin(file, *length).Name() : file.GetFilePath()) == 0)
+        const Unsealed file(path, CFile::shareDenyWrite);
+        if (job.LoadJobFile(file.Name()) == 0)
             throw Failure("its XML is not well-formed, or refers to an entity", kMalformed);
     });
     return job;

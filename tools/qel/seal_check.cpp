@@ -65,12 +65,22 @@ bool BeginsSeal(CQFile& file, ULONGLONG end) {
     return count <= tail.size() && BeginFor(ownName.View()).starts_with(tail.substr(tail.size() - count));
 }
 
-std::optional<ULONGLONG> LengthBeforeSeal(CQFile& file) {
+// Delegates, so that the copy goes also when it cannot be written.
+Unsealed::Unsealed(const std::string& path, CFile::OpenFlags share) : Unsealed() {
+    Open(m_file, path, CFile::modeRead | share);
+    m_name = m_file.GetFilePath();
     CCheckDatafile seal;
     seal.EnableCheckFilename(0);
-    if (TraceOfSeal(file, true) == kGood || seal.ReadPackData(&file) == 0) return std::nullopt;
-    const std::size_t nameAndZero = static_cast<std::size_t>(seal.GetFilename().GetLength()) + 1;
-    return file.GetLength() - (kLength + nameAndZero + kBehindName + kCheckBlock);
+    if (TraceOfSeal(m_file, true) == kGood || seal.ReadPackData(&m_file) == 0) return;
+    const std::string tail = Tail(m_file);
+    const ULONGLONG length = m_file.GetLength() - kLength - Number(tail, tail.size() - kLength);
+    m_copy = CQFile::GetTempFilePath("qel");
+    const CFile copy(m_copy, CFile::modeWrite | CFile::shareExclusive);
+    qel::CopyBytes(m_file.ReadableDescriptor(), 0, copy.WritableDescriptor(), 0, length, m_name.View(), m_copy.View());
+}
+
+Unsealed::~Unsealed() {
+    if (!m_copy.IsEmpty()) CQFile::DeleteFiles(m_copy);
 }
 
 }  // namespace tool

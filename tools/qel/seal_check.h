@@ -12,7 +12,23 @@ Status TraceOfSeal(CQFile& file, bool anyName);
 /// Whether the bytes from @p end on are the begin of a seal under the file's name, too short for TraceOfSeal.
 bool BeginsSeal(CQFile& file, ULONGLONG end);
 
-/// The length of what an intact seal stands behind, whatever the name in it; nothing without one.
-std::optional<ULONGLONG> LengthBeforeSeal(CQFile& file);
+/// A file to be loaded by its name, without its seal: where it has an intact one a copy of what stands before it, for
+/// as long as this lives, else the file itself.
+class Unsealed {
+public:
+    /// @param share what others may do meanwhile. @throws CFileException
+    Unsealed(const std::string& path, CFile::OpenFlags share);
+    ~Unsealed();
+    Unsealed(const Unsealed&) = delete;
+    Unsealed& operator=(const Unsealed&) = delete;
+
+    const CString& Name() const { return m_copy.IsEmpty() ? m_name : m_copy; }
+
+private:
+    Unsealed() = default;
+
+    CQFile m_file;
+    CString m_name, m_copy;
+};
 
 }  // namespace tool

@@ -2,6 +2,7 @@
 #include <span>
 
 #include "file_check.h"
+#include "seal_check.h"
 
 namespace tool {
 namespace {
@@ -31,8 +32,10 @@ bool IsEnciphered(const std::string& path) {
 }
 
 void Load(CCryptXMLDocument& document, const std::string& path) {
-    IsEnciphered(path);  // says why it cannot be read
-    const bool isLoaded = document.LoadXMLFile(Path(path), 1) != 0;
+    const bool isLoaded = OnFile(path, [&] {
+        const Unsealed file(path, CFile::shareDenyNone);
+        return document.LoadXMLFile(file.Name(), 1) != 0;
+    });
     if (!isLoaded || document.GetTagCount(".") < 0)  // an empty file is loaded, too
         throw Failure(Shown(path) + ": no well-formed document", kMalformed);
 }
