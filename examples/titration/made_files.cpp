@@ -1,8 +1,8 @@
 #include "made_files.h"
 
 #include <algorithm>
-#include <regex>
 #include <set>
+#include <string_view>
 
 #include "check_sums.h"
 #include "failure.h"
@@ -40,11 +40,39 @@ constexpr Kind kKinds[] = {
     {"titration.log", "what was done, and what failed"},
 };
 
+bool Take(std::string_view& rest, std::string_view text) {
+    if (!rest.starts_with(text)) return false;
+    rest.remove_prefix(text.size());
+    return true;
+}
+
+bool TakeDigits(std::string_view& rest, std::string_view digits, std::size_t least, std::size_t most) {
+    const std::size_t count = std::min(rest.find_first_not_of(digits), rest.size());
+    rest.remove_prefix(count);
+    return count >= least && count <= most;
+}
+
+bool TakeSum(std::string_view& rest) { return TakeDigits(rest, "0123456789ABCDEF", 8, 8); }
+
+bool IsFile(std::string_view rest) {
+    return TakeDigits(rest, "0123456789", 1, 10) && Take(rest, " bytes, CRC ") && TakeSum(rest) &&
+           Take(rest, ", sum ") && TakeSum(rest) && rest.empty();
+}
+
+bool IsSample(std::string_view rest) {
+    do {
+        if (!TakeSum(rest) || !Take(rest, " ")) return false;
+        if (rest == "no PDF") return true;
+    } while (rest.find(' ') != std::string_view::npos);
+    return TakeSum(rest) && rest.empty();
+}
+
 // As a whole: of a sum that was cut, or has more behind it, nothing may be believed.
 bool IsLine(std::string_view line, bool isFile) {
-    static const std::regex file("[^=]+=[0-9]+ bytes, CRC [0-9A-F]{8}, sum [0-9A-F]{8}"),
-        sample("[^=]+=([0-9A-F]{8} )+([0-9A-F]{8}|no PDF)");
-    return std::regex_match(line.begin(), line.end(), isFile ? file : sample);
+    const std::size_t equals = line.find('=');
+    if (equals == 0 || equals == std::string_view::npos) return false;
+    const std::string_view value = line.substr(equals + 1);
+    return isFile ? IsFile(value) : IsSample(value);
 }
 
 DWORD SizeOf(const std::string& path) {
