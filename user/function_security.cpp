@@ -17,9 +17,9 @@ CFunctionSecurity::~CFunctionSecurity() = default;
 
 void CFunctionSecurity::InitializeFunctionInfo() { m_listFunction.clear(); }
 
-int CFunctionSecurity::GetMachineID() const { return 0; }
+int CFunctionSecurity::GetMachineID() { return 0; }
 
-CString CFunctionSecurity::GetMachineName() const { return {}; }
+CString CFunctionSecurity::GetMachineName() { return {}; }
 
 void CFunctionSecurity::SetFunctionParameter() {
     if (m_nMakerParameter != 0) m_nManagerParameter = 1;

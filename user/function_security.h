@@ -34,9 +34,10 @@ public:
     /// Makes the table that a new user of this application begins with. The base empties it, and an override calls
     /// that before it adds its functions.
     virtual void InitializeFunctionInfo();
-    /// The instrument model that the table belongs to: in the base 0 and the empty text.
-    virtual int GetMachineID() const;
-    virtual CString GetMachineName() const;
+    /// The instrument model that the table belongs to: in the base 0 and the empty text. Not const, like all virtual
+    /// operations here: an application's override, written without it, is then called.
+    virtual int GetMachineID();
+    virtual CString GetMachineName();
     /// Brings the privileges into agreement after one was set: in the base a maker becomes a manager.
     virtual void SetFunctionParameter();
     /// Grant the privilege (not 0) or take it away, then call SetFunctionParameter. So a maker stays a manager.

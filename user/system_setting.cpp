@@ -7,17 +7,17 @@ CSystemSetting::CSystemSetting(CClassAgentConnectInterface* connect) { Initializ
 
 CSystemSetting::~CSystemSetting() = default;
 
-int CSystemSetting::IsAutoLogon() const { return m_pConnect != nullptr ? m_pConnect->IsAutoLogon() : 0; }
+int CSystemSetting::IsAutoLogon() { return m_pConnect != nullptr ? m_pConnect->IsAutoLogon() : 0; }
 
 int CSystemSetting::SetAutoLogon(int autoLogon) {
     return m_pConnect != nullptr ? m_pConnect->SetAutoLogon(autoLogon) : 0;
 }
 
-CString CSystemSetting::GetAutoLogonUserName() const {
+CString CSystemSetting::GetAutoLogonUserName() {
     return m_pConnect != nullptr ? m_pConnect->GetAutoLogonUserName() : CString();
 }
 
-CString CSystemSetting::GetAutoLogonPassword() const {
+CString CSystemSetting::GetAutoLogonPassword() {
     return m_pConnect != nullptr ? m_pConnect->GetAutoLogonPassword() : CString();
 }
 

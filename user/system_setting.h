@@ -28,11 +28,11 @@ public:
 
     // The user who is logged on when an application starts without asking.
 
-    virtual int IsAutoLogon() const;
+    virtual int IsAutoLogon();
     virtual int SetAutoLogon(int autoLogon);
-    virtual CString GetAutoLogonUserName() const;
+    virtual CString GetAutoLogonUserName();
     /// What LogonWithoutDialog takes for that user.
-    virtual CString GetAutoLogonPassword() const;
+    virtual CString GetAutoLogonPassword();
     virtual int SetAutoLogonUser(const CString& username);
 
 protected:
