@@ -7,6 +7,7 @@
 #include "qellib10/base/q_binary.h"
 #include "qellib10/base/q_csv_file.h"
 #include "qellib10/base/q_variant.h"
+#include "qellib10/base/read_number.h"
 #include "qellib10/base/rounded_units.h"
 #include "qellib10/base/rounding.h"
 #include "qellib10/base/rs_control_code.h"

@@ -78,8 +78,9 @@ public:
 
     /// The number that the first @p n bytes of @p s begin with, as atof reads it; @p n and a first "-" as in StrToInt.
     /// Before reading, ".000" is appended to a text without a point and "000" to one with a point, which lengthens an
-    /// exponent behind a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without a point read right, and
-    /// stored ones have none of the others.
+    /// exponent after a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without an exponent read right, and
+    /// stored ones have none. What an instrument sends is read by qel::ReadNumber, which also reports that a text is no
+    /// number; here that is 0.
     static double StrToDouble(const char* s, int n);
     static double StrToDouble(const CString& s);
 

@@ -39,7 +39,7 @@ void Titrate(std::string_view data, std::string_view text) {
     const auto [lowest, highest] = std::ranges::minmax(curve.volume);
     Require(endPoint.volume >= lowest && endPoint.volume <= highest);
     Require(std::isfinite(endPoint.slope) && std::isfinite(endPoint.signal) && endPoint.slope != 0);
-    Require(titration::ParseNumber(titration::Calculate(settings, endPoint.volume).text).has_value());
+    Require(qel::ReadNumber(titration::Calculate(settings, endPoint.volume).text).has_value());
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <qellib10/qellib10.h>
 
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -45,9 +46,10 @@ int main() {
     answer.SetEndian(1);
     CString status = answer.GetString(3, 8);
     CQVariant::Trim(status);
-    const double reading = CQVariant::StrToDouble(answer.GetString(11, 8));
+    const std::optional<double> reading = qel::ReadNumber(answer.GetString(11, 8).View());
+    if (!reading) return 1;
     std::printf("model %d, %s, %s pH\n", answer.GetShort(0), static_cast<const char*>(status),
-                static_cast<const char*>(CQVariant::DoubleToStr(reading, 2, 0)));
+                static_cast<const char*>(CQVariant::DoubleToStr(*reading, 2, 0)));
 
     CString terminator = "$0d$0a";
     CRSControlCode::ConvertDisplay(terminator);
@@ -62,7 +64,7 @@ int main() {
     if (!table.Open("readings.csv", CFile::modeCreate | CFile::modeReadWrite)) return 1;
     table.WriteCSVString("Sample \"A\"");
     table.WriteDelimiter();
-    table.WriteCSVString(CQVariant::DoubleToStr(reading, 2, 0));
+    table.WriteCSVString(CQVariant::DoubleToStr(*reading, 2, 0));
     table.WriteCRLF();
     table.SeekToBegin();
     char line[32] = {};

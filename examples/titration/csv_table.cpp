@@ -42,7 +42,8 @@ std::vector<Row> SplitRows(const std::vector<std::string_view>& lines, char sepa
 
 std::ptrdiff_t RowsWithTwoNumbers(const std::vector<Row>& rows) {
     return std::ranges::count_if(rows, [](const Row& row) {
-        return std::ranges::count_if(row, [](const std::string& field) { return ParseNumber(field).has_value(); }) >= 2;
+        return std::ranges::count_if(row,
+                                     [](const std::string& field) { return qel::ReadNumber(field).has_value(); }) >= 2;
     });
 }
 
@@ -92,7 +93,7 @@ Columns FindColumns(const std::vector<Row>& rows, const std::string& volume, con
 }
 
 std::optional<double> NumberIn(const Row& row, std::size_t column) {
-    return column < row.size() ? ParseNumber(row[column]) : std::nullopt;
+    return column < row.size() ? qel::ReadNumber(row[column]) : std::nullopt;
 }
 
 // The table that begins at or below row @p at, which moves behind it; no points when there is none.

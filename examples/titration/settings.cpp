@@ -29,7 +29,7 @@ int WholeNumber(const std::string& value, int largest) {
 }
 
 double Number(const std::string& value) {
-    const auto number = ParseNumber(value);
+    const auto number = qel::ReadNumber(value);
     if (!number) throw Failure("\"" + value + "\" is no number");
     return *number;
 }

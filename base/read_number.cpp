@@ -1,0 +1,48 @@
+#include "qellib10/base/read_number.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <string>
+#include <system_error>
+
+namespace qel {
+namespace {
+
+constexpr std::string_view kBlanks = "\t\n\v\f\r ";
+
+std::string_view WithoutBlanks(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+}  // namespace
+
+std::optional<double> ReadNumber(std::string_view text) {
+    text = WithoutBlanks(text);
+    // from_chars takes "-" alone as a sign, and would read names of infinities.
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+        if (text.starts_with('-')) return std::nullopt;
+    }
+    if (text.find_first_not_of("0123456789.,eE+-") != std::string_view::npos) return std::nullopt;
+    std::string plain(text);
+    std::ranges::replace(plain, ',', '.');
+    double value = 0;
+    const char* const end = plain.data() + plain.size();
+    const auto [stop, error] = std::from_chars(plain.data(), end, value);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return value;
+}
+
+std::optional<double> ReadScpiNumber(std::string_view text) {
+    using Limits = std::numeric_limits<double>;
+    if (text.find(',') != std::string_view::npos) return std::nullopt;
+    const std::optional<double> number = ReadNumber(text);
+    if (number == 9.9e37) return Limits::infinity();
+    if (number == -9.9e37) return -Limits::infinity();
+    if (number == 9.91e37) return Limits::quiet_NaN();
+    return number;
+}
+
+}  // namespace qel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "qellib10/platform/export.h"
+
+// The numbers of instruments and of tables. CQVariant::StrToDouble returns 0 for what is not a number, and does not
+// read an exponent after a point; with these a reading that cannot be read is never taken for a measured 0.
+namespace qel {
+
+/// A number that is the whole of @p text: at most one sign, digits with at most one point or comma as the decimal sign,
+/// then perhaps an exponent after e or E: "-12.5", "+0,350", "1.5E-3". Blanks (09-0D, 20) around it are passed over.
+/// The locale has no say. There is no thousands separator: "1,234" is 1.234.
+/// @return nothing when anything else is in the text ("7.01 pH", "1.2.3", "inf", "0x10", "- 5"), when it has no digits,
+/// and when no double can hold the number ("1E400", "1E-400")
+QELLIB10_API std::optional<double> ReadNumber(std::string_view text);
+
+/// A number in the reply of an instrument that speaks SCPI, which sends 9.9E37 and -9.9E37 for the infinities
+/// and 9.91E37 for "not a number". These are returned as such, whatever number of digits they are written with; all
+/// else is read as by ReadNumber. A comma separates values there and makes a text no number: split the reply first.
+QELLIB10_API std::optional<double> ReadScpiNumber(std::string_view text);
+
+}  // namespace qel
