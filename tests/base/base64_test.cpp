@@ -5,6 +5,7 @@
 #include <random>
 #include <string_view>
 
+#include "../support/line.h"
 #include "../support/test.h"
 #include "qellib10/base/base64_avx2.h"
 #include "qellib10/base/base64_plain.h"
@@ -84,11 +85,14 @@ TEST(Base64, PaddingPartialGroupsAndWhatDoesNotFit) {
     EXPECT_EQ(Decoded("QUJDQQ=", 3), std::pair("ABC"s, 1));
     EXPECT_EQ(Decoded("QQ=", 0), std::pair(""s, 0));
     EXPECT_EQ(CBase64::GetBinToBase64Size(1610612733), 2147483644);
-    EXPECT_EQ(CBase64::GetBinToBase64Size(INT_MAX) + CBase64::GetBinToBase64Size(INT_MIN), 0);
+    EXPECT_EQ(Line({CBase64::GetBinToBase64Size(INT_MAX), CBase64::GetBinToBase64Size(INT_MIN)}), "0 0");
     EXPECT_EQ(CBase64::GetBase64ToBinSize(INT_MAX), 1610612733);
     unsigned char bytes[3] = {};
     char text[4] = {};
     int few = 2, most = INT_MAX;
-    EXPECT_EQ(CBase64::GetBinToBase64(bytes, 3, text, few) + CBase64::GetBase64ToBin(text, 4, bytes, few), 0);
-    EXPECT_EQ(CBase64::GetBinToBase64(bytes, most, text, most) + CBase64::GetBase64ToBin(nullptr, 4, bytes, most), 0);
+    EXPECT_EQ(Line({CBase64::GetBinToBase64(bytes, 3, text, few), CBase64::GetBase64ToBin(text, 4, bytes, few)}),
+              "0 0");
+    EXPECT_EQ(
+        Line({CBase64::GetBinToBase64(bytes, most, text, most), CBase64::GetBase64ToBin(nullptr, 4, bytes, most)}),
+        "0 0");
 }

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "../support/archive_bytes.h"
+#include "../support/line.h"
 #include "../support/test.h"
 
 namespace {
@@ -61,9 +62,11 @@ TEST(QBinary, OwnBytesStayRightWhileTheBufferMoves) {
 TEST(QBinary, RefusesImpossibleSizes) {
     CQBinary buffer("abc", 3);
     const char* const volatile one = "x";  // or the compiler sees through it and warns
-    EXPECT_EQ(buffer.SetBinary(nullptr, 3) + buffer.SetBinary(one, INT_MIN) + buffer.SetBinary(-1, one, 1), 0);
-    EXPECT_EQ(buffer.SetBinary(INT_MAX, one, 1) + buffer.SetBinary(INT_MAX - 1, one, 1) + buffer.SetSize(-1), 0);
-    EXPECT_EQ(buffer.Resize(-1) + buffer.Resize(INT_MAX), 0);
+    EXPECT_EQ(Line({buffer.SetBinary(nullptr, 3), buffer.SetBinary(one, INT_MIN), buffer.SetBinary(-1, one, 1)}),
+              "0 0 0");
+    EXPECT_EQ(Line({buffer.SetBinary(INT_MAX, one, 1), buffer.SetBinary(INT_MAX - 1, one, 1), buffer.SetSize(-1)}),
+              "0 0 0");
+    EXPECT_EQ(Line({buffer.Resize(-1), buffer.Resize(INT_MAX)}), "0 0");
     buffer.AddBinary(one, INT_MAX);
     buffer.AddString(nullptr);
     buffer.DeleteTop(INT_MIN);
@@ -77,12 +80,12 @@ TEST(QBinary, ReadsAndComparesWithinItsSize) {
     const CQBinary buffer("abc\0def", 7);
     char target[8] = {};
     for (const int pos : {7, 9, INT_MAX}) EXPECT_EQ(buffer.GetBinary(pos, target, 1), 7 - pos);
-    EXPECT_EQ(buffer.GetBinary(INT_MIN, target, INT_MAX) + buffer.GetBinary(0, target, -1), 0);
+    EXPECT_EQ(Line({buffer.GetBinary(INT_MIN, target, INT_MAX), buffer.GetBinary(0, target, -1)}), "0 0");
     EXPECT_TRUE(buffer.GetBinary(5, target, INT_MAX) == 2 && target == "ef"s);
     EXPECT_TRUE(buffer.Compare(5, target, 2) && buffer.Compare(7, target, 0));
     EXPECT_FALSE(buffer.Compare(4, target, 2) || buffer.Compare(6, target, 2) || buffer.Compare(8, target, 0));
     EXPECT_FALSE(buffer.Compare(-1, target, 2) || buffer.Compare(9, target, -3) || buffer.Compare(7, target, INT_MAX));
-    EXPECT_EQ(buffer.GetString(1, INT_MAX) + buffer.GetString(4, 2) + buffer.GetString(7, 1), "bcde");
+    EXPECT_EQ(Line({buffer.GetString(1, INT_MAX), buffer.GetString(4, 2), buffer.GetString(7, 1)}), "bc de ");
 }
 
 TEST(QBinary, ByteOrderIsPartOfTheValue) {
@@ -97,7 +100,7 @@ TEST(QBinary, ByteOrderIsPartOfTheValue) {
     copy.AddString("de");
     char target[4] = {};
     EXPECT_EQ(copy.GetBinary(target, 3), 3);
-    EXPECT_EQ(Contents(copy) + target, "abcdeabc");
+    EXPECT_EQ(Line({Contents(copy), target}), "abcde abc");
     copy.DeleteTop(4);
     EXPECT_TRUE(copy.Resize(5) && Contents(copy) == "e\0\0\0\0"s);  // zero behind what is left
     EXPECT_TRUE(copy.SetSize(2) && Contents(copy) == "\0\0"s);
@@ -124,7 +127,7 @@ TEST(QBinary, NumbersInBothOrders) {
             buffer.SetByte(pos, 1);
             buffer.SetShort(pos == 4 ? 3 : pos, 1);
             buffer.SetInt(pos == 4 ? 1 : pos, 1);
-            EXPECT_EQ(buffer.GetByte(pos) + buffer.GetShort(pos) + buffer.GetInt(pos), 0);
+            EXPECT_EQ(Line({buffer.GetByte(pos), buffer.GetShort(pos), buffer.GetInt(pos)}), "0 0 0");
         }
         EXPECT_EQ(Contents(buffer), expected);
         EXPECT_TRUE(buffer.GetShort(1) == -300 && buffer.GetInt(0) == 0x01FED404);

@@ -6,6 +6,7 @@
 #include "qellib10/resource/string_ids.h"
 
 #include "../support/code_page_scope.h"
+#include "../support/line.h"
 #include "../support/test.h"
 
 namespace {
@@ -49,7 +50,7 @@ TEST(QVariant, TimesShowAsClocks) {
         {-0.5, "0:00:-1 0:00:-1 00:00:-1"}};
     // clang-format on
     for (const auto& [x, expected] : cases) {
-        EXPECT_STREQ(V::DoubleToDatetimeStr(x) + ' ' + V::DoubleToTimeStr(x) + ' ' + V::DoubleToTimeH2Str(x), expected);
+        EXPECT_EQ(Line({V::DoubleToDatetimeStr(x), V::DoubleToTimeStr(x), V::DoubleToTimeH2Str(x)}), expected);
     }
 }
 
@@ -160,7 +161,7 @@ TEST(QVariant, CutsBetweenCharacters) {
         EXPECT_STREQ(copy.c_str(), expected[n]);
         EXPECT_EQ(copy.substr(n), std::string(1, '\0').append(7 - n, 'x'));
     }
-    EXPECT_EQ(V::MBLeft(text, -1) + V::MBLeft("x\x88", 9), "x\x88");
+    EXPECT_EQ(Line({V::MBLeft(text, -1), V::MBLeft("x\x88", 9)}), " x\x88");
     std::string half(6, '#');
     V::strncopy(half.data(), "a\x88", 4);  // the second half is missing
     EXPECT_EQ(half, std::string("a\0\0\0\0#", 6));

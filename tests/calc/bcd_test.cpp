@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "../support/line.h"
 #include "../support/test.h"
 
 static_assert(std::is_trivially_copyable_v<CBCD>);
@@ -90,7 +91,8 @@ TEST(Bcd, GetDoublePrintsAsTheDecimalDoes) {
     EXPECT_EQ(CBCD("2.5").GetDouble(0, DEC_ROUND_HALF_EVEN), 2);
     EXPECT_EQ(CBCD("0.125").GetDouble(2, DEC_ROUND_HALF_UP), 0.13);
     EXPECT_EQ(CBCD("1E+384").GetDouble(kMost, DEC_ROUND_HALF_UP), HUGE_VAL);
-    EXPECT_EQ(CBCD("-1250").GetDouble(-2, DEC_ROUND_HALF_UP) + CBCD("0.5").GetDouble(kLeast, DEC_ROUND_DOWN), -1300);
+    EXPECT_EQ(Line({CBCD("-1250").GetDouble(-2, DEC_ROUND_HALF_UP), CBCD("0.5").GetDouble(kLeast, DEC_ROUND_DOWN)}),
+              "-1300 0");
     EXPECT_TRUE(std::isnan(CBCD("abc").GetDouble(2, DEC_ROUND_HALF_UP)));
 }
 

@@ -10,6 +10,7 @@
 
 #include "../support/archive_bytes.h"
 #include "../support/code_page_scope.h"
+#include "../support/line.h"
 #include "../support/test.h"
 
 namespace {
@@ -67,14 +68,14 @@ TEST(CalcVariableList, ReplacesAppendsAndRounds) {
     const CCalcVariableList copy = list;
     EXPECT_EQ(list != copy, 0);
     for (const int index : {-1, 2, INT_MAX, INT_MIN}) {
-        EXPECT_EQ(list.GetVariableData(index, &out) + list.GetUseVariableData(index, &out), 0);
+        EXPECT_EQ(Line({list.GetVariableData(index, &out), list.GetUseVariableData(index, &out)}), "0 0");
         EXPECT_EQ(list.SetVariableData(index, given), 0);
     }
-    EXPECT_EQ(list.GetUseVariableData(1, &out) + list.GetVariableData(0, nullptr), 0);
+    EXPECT_EQ(Line({list.GetUseVariableData(1, &out), list.GetVariableData(0, nullptr)}), "0 0");
     list.ClearViewFlag();
     EXPECT_TRUE(list.GetUseVariableCount() == 0 && list != copy);
     list.InitParameter();
-    EXPECT_EQ(list.GetVariableCount() + list.GetRoundUpFlag() + list.GetRoundUpDigit(), 0);
+    EXPECT_EQ(Line({list.GetVariableCount(), list.GetRoundUpFlag(), list.GetRoundUpDigit()}), "0 0 0");
 }
 
 // All look-ups against a walk over the list, while entries come, go and are renamed, and the code page changes.

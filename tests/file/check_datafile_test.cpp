@@ -7,6 +7,7 @@
 
 #include "../support/child_process.h"
 #include "../support/full_disk.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "qellib10/file/check_sums.h"
 #include "qellib10/platform/endian.h"
@@ -69,16 +70,16 @@ TEST_F(Sealed, BytesAreTheDescribedOnes) {
 TEST_F(Sealed, KeepsItsIdentityAndIsBoundToItsName) {
     folder.Write("a.dat", "data");
     EXPECT_EQ(Update(0), 0) << "not sealed yet";
-    ASSERT_EQ(On("a.dat", CCheckDatafile::PackNewData) + Read(seal) + Read(other), 3);
+    ASSERT_EQ(Line({On("a.dat", CCheckDatafile::PackNewData), Read(seal), Read(other)}), "1 1 1");
     EXPECT_EQ(Update(1), 0) << "sealed already";
-    EXPECT_EQ(Update(0) + Read(seal), 2);
+    EXPECT_EQ(Line({Update(0), Read(seal)}), "1 1");
     EXPECT_TRUE(seal.GetVersion() == 2 && other.GetVersion() == 1 && seal.GetGUID() == other.GetGUID());
     EXPECT_TRUE(seal != other);
 
     std::filesystem::rename(folder.Posix("a.dat"), folder.Posix("A.dat"));
-    EXPECT_EQ(Read(seal, "A.dat") + Update(0, "A.dat"), 0);
+    EXPECT_EQ(Line({Read(seal, "A.dat"), Update(0, "A.dat")}), "0 0");
     seal.EnableCheckFilename(0);
-    EXPECT_EQ(Update(0, "A.dat") + Read(other, "A.dat"), 2);
+    EXPECT_EQ(Line({Update(0, "A.dat"), Read(other, "A.dat")}), "1 1");
     std::filesystem::rename(folder.Posix("A.dat"), folder.Posix("b"));
     EXPECT_EQ(Update(0, "b"), 1);
     EXPECT_EQ(On("b", CCheckDatafile::IsPackData), 0) << "the longer old trailer is not cut";
@@ -111,7 +112,8 @@ TEST_F(Sealed, DamageAndForgedLengthsAreFound) {
 TEST_F(Sealed, AFileThatCannotBeSealedStaysAsItWas) {
     folder.Write("a.dat", std::string(100, 'x'));
     const auto sealOnFullDisk = [&] {
-        return On("a.dat", CCheckDatafile::PackNewData) + Update(1) + seal.GetVersion();
+        EXPECT_EQ(Line({On("a.dat", CCheckDatafile::PackNewData), Update(1), seal.GetVersion()}), "0 0 0");
+        return testing::Test::HasFailure() ? 1 : 0;
     };
     EXPECT_EQ(OnFullDisk(135, sealOnFullDisk), 0);  // the record fits, the check block does not
     EXPECT_EQ(folder.Read("a.dat"), std::string(100, 'x'));

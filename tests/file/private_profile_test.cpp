@@ -4,6 +4,7 @@
 
 #include "../support/child_process.h"
 #include "../support/full_disk.h"
+#include "../support/line.h"
 #include "../support/registry_scope.h"
 #include "../support/soak.h"
 #include "../support/test.h"
@@ -36,7 +37,7 @@ TEST_F(RegistryProfile, AndIniFilesGiveBackWhatWasSet) {
         SCOPED_TRACE(mode);
         const CString file = m_registry.Folder().Path(std::to_string(mode));
         Profile profile(mode == CPrivateProfile::registryMode ? kPlace : static_cast<const char*>(file), mode);
-        EXPECT_EQ(profile.Get("S", "k", "d") + profile.Get("S", "k", nullptr), "d");
+        EXPECT_EQ(Line({profile.Get("S", "k", "d"), profile.Get("S", "k", nullptr)}), "d ");
         for (const char* text : {"", "\x83\x5C \x95\x5C=", "12abc", kLongest.c_str()}) {
             EXPECT_EQ(profile.Set("S", "k", text), 1);
             EXPECT_EQ(profile.Get("s", "K", ""), text);
@@ -70,7 +71,7 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
         EXPECT_EQ(ini.Get("s", key, 7), number) << text;
         EXPECT_EQ(ini.Get("s", key, "d  "), text);
     }
-    EXPECT_EQ(ini.Set("s", "word", 42) + ini.Set("s", "number", kNone) + ini.Set(nullptr, "k", "v"), 2);
+    EXPECT_EQ(Line({ini.Set("s", "word", 42), ini.Set("s", "number", kNone), ini.Set(nullptr, "k", "v")}), "1 1 0");
     CStringArray lines;
     lines.Add("old");
     EXPECT_EQ(ini.GetAllStrings("S", lines), 1);
@@ -88,8 +89,8 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     EXPECT_EQ(folder.Read("a.ini"), "");
 
     DWORD size = 0;
-    EXPECT_EQ(ini.Set("s", "k", "b", 1) + ini.Get("s", "k", nullptr, &size), 0);
-    EXPECT_EQ(ini.Delete("s") + ini.Backup("2") + ini.Restore("2"), 0);
+    EXPECT_EQ(Line({ini.Set("s", "k", "b", 1), ini.Get("s", "k", nullptr, &size)}), "0 0");
+    EXPECT_EQ(Line({ini.Delete("s"), ini.Backup("2"), ini.Restore("2")}), "0 0 0");
 }
 
 TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
@@ -108,9 +109,9 @@ TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
         EXPECT_EQ(profile.Open(location, 1), std::string(location) == "HKEY_CURRENT_USER");
         DWORD size = 0;
         CStringArray lines;
-        EXPECT_EQ(profile.Set("S", "k", "v") + profile.Set("S", "k", 1) + profile.Set("S", "k", "b", 1), 0);
-        EXPECT_EQ(profile.Get("S", "k", nullptr, &size) + profile.Delete("S") + profile.Delete(nullptr), 0);
-        EXPECT_EQ(profile.Backup("2") + profile.Restore("2") + profile.GetAllStrings("S", lines), 0);
+        EXPECT_EQ(Line({profile.Set("S", "k", "v"), profile.Set("S", "k", 1), profile.Set("S", "k", "b", 1)}), "0 0 0");
+        EXPECT_EQ(Line({profile.Get("S", "k", nullptr, &size), profile.Delete("S"), profile.Delete(nullptr)}), "0 0 0");
+        EXPECT_EQ(Line({profile.Backup("2"), profile.Restore("2"), profile.GetAllStrings("S", lines)}), "0 0 0");
     }
     EXPECT_EQ(Profile("HKEY_CURRENT_USER\\\x83\x5C", 1).Set("S", "k", "v"), 1);  // the second byte is no separator
     EXPECT_EQ(Profile("HKEY_CURRENT_USER\\\x83\x5C\\S", 1).Get(nullptr, "k", "d"), "v");
@@ -124,11 +125,12 @@ TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
 
 TEST_F(RegistryProfile, KeepsTypes) {
     const std::string bytes("a\0b", 3);
-    EXPECT_EQ(m_profile.Set("S", "bytes", bytes.data(), 3) + m_profile.Set("S", "none", nullptr, 0), 2);
-    EXPECT_EQ(m_profile.Set("S", "none", nullptr, 1) + m_profile.Set("S", "text", kNone), 0);
+    EXPECT_EQ(Line({m_profile.Set("S", "bytes", bytes.data(), 3), m_profile.Set("S", "none", nullptr, 0)}), "1 1");
+    EXPECT_EQ(Line({m_profile.Set("S", "none", nullptr, 1), m_profile.Set("S", "text", kNone)}), "0 0");
     EXPECT_EQ(m_profile.Set("S", "none", "", 0xFFFFFFFF), 0);  // more than a value holds: nothing of it is read
-    EXPECT_EQ(m_profile.Set("S", "text", "12") + m_profile.Set("S", "number", 0x41424344), 2);
-    EXPECT_EQ(m_profile.Set("S", kNone, "default value") + m_profile.Set("S", "long", ('x' + kLongest).c_str()), 2);
+    EXPECT_EQ(Line({m_profile.Set("S", "text", "12"), m_profile.Set("S", "number", 0x41424344)}), "1 1");
+    EXPECT_EQ(Line({m_profile.Set("S", kNone, "default value"), m_profile.Set("S", "long", ('x' + kLongest).c_str())}),
+              "1 1");
     qel::WriteRegistryValue(HKEY_CURRENT_USER, "Software\\Meter\\S", "", "ended", {REG_SZ, kLongest + '\0'});
     // clang-format off
     const Cases<const char*, const char*, DWORD, const char*, int> cases = {
@@ -153,7 +155,8 @@ TEST_F(RegistryProfile, KeepsTypes) {
 }
 
 TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
-    EXPECT_EQ(m_profile.Backup("2") + m_profile.Restore("2") + m_profile.Delete("S"), 0);  // there is nothing yet
+    EXPECT_EQ(Line({m_profile.Backup("2"), m_profile.Restore("2"), m_profile.Delete("S")}),
+              "0 0 0");  // there is nothing yet
     EXPECT_EQ(m_registry.Folder().Count(), 0);
     m_profile.Set(nullptr, "k", "root");
     m_profile.Set("A\\B", "k", 1);
@@ -162,11 +165,11 @@ TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
     m_profile.Set("A\\B", "k", 2);
     m_profile.Set("C", "k", "new");
     for (const char* suffix : {"", "\\", "\\below", kNone}) {
-        EXPECT_EQ(m_profile.Backup(suffix) + m_profile.Restore(suffix), 0);
+        EXPECT_EQ(Line({m_profile.Backup(suffix), m_profile.Restore(suffix)}), "0 0");
     }
     EXPECT_EQ(m_profile.Get("A\\B", "k", 0), 2);
     EXPECT_EQ(m_profile.Restore("2"), 1);
-    EXPECT_EQ(m_profile.Get(nullptr, "k", "d") + m_profile.Get("C", "k", "gone"), "rootgone");
+    EXPECT_EQ(Line({m_profile.Get(nullptr, "k", "d"), m_profile.Get("C", "k", "gone")}), "root gone");
     EXPECT_EQ(m_profile.Get("A\\B", "k", 0), 1);
 
     Profile backup("HKEY_CURRENT_USER\\Software\\Meter2", 1);
@@ -174,8 +177,8 @@ TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
     EXPECT_EQ(backup.Delete("a") * 10 + backup.Delete("a"), 10);
     EXPECT_EQ(backup.Get(nullptr, "k", "d"), "root");
     m_profile.Set("A", "late", 1);
-    EXPECT_EQ(m_profile.Backup("2") + m_profile.Delete(nullptr), 2);  // in place of the old one
-    EXPECT_EQ(m_profile.Restore("2"), 1);                             // also where nothing is live
+    EXPECT_EQ(Line({m_profile.Backup("2"), m_profile.Delete(nullptr)}), "1 1");  // in place of the old one
+    EXPECT_EQ(m_profile.Restore("2"), 1);                                        // also where nothing is live
     EXPECT_EQ(m_profile.Get("A", "late", 0), 1);
 
     EXPECT_EQ(m_profile.DeleteKeySub(HKEY_CURRENT_USER, "missing"), -1);

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "../support/environment_scope.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/file/q_file.h"
@@ -93,7 +94,8 @@ TEST_F(FileFolders, FilesGoByPattern) {
     for (const char* file : {"d/a.tmp", "d/b.TMP", "d/c.txt", "d/yen\xC2\xA5.tmp", "d/a\\b.tmp", "d/a.txt"})
         m_folder.Write(file, "");
     fs::create_directory_symlink("sub.tmp", "d/link.tmp");
-    EXPECT_EQ(CQFile::DeleteFiles("d\\*.tmp") + CQFile::DeleteFiles("d\\C.TXT"), 2);  // without wildcards by its case
+    EXPECT_EQ(Line({CQFile::DeleteFiles("d\\*.tmp"), CQFile::DeleteFiles("d\\C.TXT")}),
+              "1 1");  // without wildcards by its case
     EXPECT_EQ(std::distance(fs::directory_iterator("d"), {}), 4);
     const CFile open("d\\a.txt", CFile::modeRead | CFile::shareDenyNone);
     EXPECT_EQ(CQFile::DeleteFiles("d/*.txt"), 0);  // and went on

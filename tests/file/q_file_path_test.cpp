@@ -1,6 +1,7 @@
 #include <initializer_list>
 
 #include "../support/environment_scope.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/file/q_file.h"
@@ -70,7 +71,7 @@ TEST(FilePlace, AnswersForTheSystemAndItsModules) {
     EXPECT_EQ(CQFile::GetModuleIniFile(library), CQFile::DeleteFileExt(CQFile::GetModuleFilePath(library)) + ".ini");
 
     const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "rel:/d:/e");
-    EXPECT_EQ(CQFile::GetStartupFolder(0) + CQFile::GetAppDataFolder(), "\\c\\autostart\\c\\");
+    EXPECT_EQ(Line({CQFile::GetStartupFolder(0), CQFile::GetAppDataFolder()}), R"(\c\autostart \c\)");
     for (const auto& [family, common] :
          {std::pair(qel::SystemFamily::Win95, "\\c\\autostart"), {qel::SystemFamily::Nt, "\\d\\autostart"}}) {
         qel::SetSystemFamily(family);

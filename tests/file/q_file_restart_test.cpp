@@ -5,6 +5,7 @@
 #include <string>
 
 #include "../support/environment_scope.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/storage/restart_queue.h"
@@ -35,7 +36,7 @@ TEST_F(Restart, NotNeededWhereItWorksAtOnce) {
     EXPECT_EQ(CQFile::MoveFileReboot(m_source, m_target, m_waiting, MAX_PATH), 0);
     EXPECT_EQ(m_folder.Read("target"), "new");
     for (const char* present : {"yes", "no"}) EXPECT_EQ(CQFile::DeleteFileReboot(m_target, 1), 0) << present;
-    EXPECT_EQ(m_folder.Count() + m_state.Count(), 0);
+    EXPECT_EQ(Line({m_folder.Count(), m_state.Count()}), "0 0");
 }
 
 TEST_F(Restart, FileInUseIsReplacedAndDeletedThen) {
@@ -76,7 +77,7 @@ TEST_F(Restart, OlderSystemsHaveAFileForIt) {
 
     m_state.Write("WinInit.ini", "[other]\r\na=b\r\n[RENAME]\r\nNul=\\old\r\n");
     EXPECT_EQ(CQFile::DeleteFileReboot("\\x", 1), 0);
-    EXPECT_EQ(CQFile::DeleteFileReboot("\\y", 0) + CQFile::DeleteFileReboot("\\z", 0), 2);
+    EXPECT_EQ(Line({CQFile::DeleteFileReboot("\\y", 0), CQFile::DeleteFileReboot("\\z", 0)}), "1 1");
     EXPECT_EQ(m_state.Read("WinInit.ini"), "[other]\r\na=b\r\n[RENAME]\r\nNul=\\old\r\nNul=\\y\r\nNul=\\z\r\n");
 
     // A target that is not there has no short name; what was to be moved waits under its new one.

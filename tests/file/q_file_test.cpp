@@ -3,6 +3,7 @@
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 
@@ -43,10 +44,11 @@ TEST_F(QFile, ATemporaryFileGoesAtCloseOrToAnotherName) {
     EXPECT_EQ(file.CloseTo(folder.Path("none/c")), 0);
     EXPECT_EQ(file.GetLastError(), 4098u);
     Temporary();
-    EXPECT_EQ(file.CloseTo(folder.Path("c")) + file.CloseTo(folder.Path("d")), 2) << "nothing to do is a success";
+    EXPECT_EQ(Line({file.CloseTo(folder.Path("c")), file.CloseTo(folder.Path("d"))}), "1 1")
+        << "nothing to do is a success";
     EXPECT_EQ(folder.Read("c"), "abc");
     ASSERT_TRUE(file.Open(folder.Path("c"), CFile::modeRead));
-    EXPECT_EQ(file.CloseToDestroy() + file.CloseToDestroy(), 2);
+    EXPECT_EQ(Line({file.CloseToDestroy(), file.CloseToDestroy()}), "1 1");
     EXPECT_EQ(folder.Count(), 2) << "the one in use and the one that could not be copied";
     const EnvironmentScope missing("TMPDIR", folder.Posix("none").c_str());
     EXPECT_EQ(file.CreateTempFile("qel", 1), 0);
@@ -61,7 +63,7 @@ TEST_F(QFile, ChecksumsCoverWhatIsAskedAndLeaveThePosition) {
     for (const auto& [bytes, size, expectedCrc, expectedSum] : Cases<std::string, DWORD, DWORD, DWORD>{
              {"", 0, 0, 1}, {"123456789x", 9, 0xFC891918, 477}, {std::string(4, '\0'), 100, 0x38FB2284, 1}}) {
         Open(bytes, CFile::modeRead | CFile::shareDenyNone, 2);
-        EXPECT_EQ(file.GetFileCRC(&crc, size) + CQFile::GetFileSum(folder.Path("a"), &sum, size), 2);
+        EXPECT_EQ(Line({file.GetFileCRC(&crc, size), CQFile::GetFileSum(folder.Path("a"), &sum, size)}), "1 1");
         EXPECT_EQ(crc, expectedCrc) << bytes;
         EXPECT_EQ(sum, expectedSum) << bytes;
         EXPECT_EQ(file.GetPosition(), 2u);

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "../support/line.h"
 #include "../support/test.h"
 
 TEST(AxisStyle, ValuesAreWrittenInFields) {
@@ -36,7 +37,7 @@ TEST(AxisStyle, EndsAreWrittenByTheStyle) {
     axis.SetLabelType(2);
     axis.SetMinStr(" low");
     axis.SetMaxStr("high ");
-    EXPECT_EQ(axis.GetFormattedMinValue(0) + axis.GetFormattedMaxValue(2), " lowhigh ");
+    EXPECT_EQ(Line({axis.GetFormattedMinValue(0), axis.GetFormattedMaxValue(2)}), " low high ");
     axis.SetMinRange(50);
     axis.SetMaxRange(10);
     EXPECT_EQ(axis.GetAbsRange(), 40);

@@ -2,12 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/line.h"
 #include "qellib10/platform/drawing/dc.h"
 
 TEST(BackBufferDC, HasAPictureFromCreateToDestroy) {
     CBackBufferDC buffer;
     RECT all{0, 0, 20, 10};
-    EXPECT_EQ(buffer.Resize(1, 1) + buffer.Destroy() + buffer.FillSolidRect(&all, 0), 0);
+    EXPECT_EQ(Line({buffer.Resize(1, 1), buffer.Destroy(), buffer.FillSolidRect(&all, 0)}), "0 0 0");
     EXPECT_TRUE(buffer.GetSize() == CSize(0, 0));
     ASSERT_EQ(buffer.Create(20, 10, nullptr), 1);
     EXPECT_EQ(buffer.Create(20, 10, nullptr), 0);

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "../support/canvas.h"
+#include "../support/line.h"
 #include "../support/test.h"
 #include "open_graph.h"
 
@@ -21,21 +22,24 @@ TEST(QelGraph, SeriesAreSetByIndex) {
     graph.AddData(511, 1, 2);
     graph.SetLineGraphStyle(511, {kRed, PS_DASH, 3});
     for (const int bad : {-1, 512, kMost, kLeast}) {
-        EXPECT_EQ(graph.SetGraphViewMode(bad, 1) + graph.AddData(bad, 1, 1) + graph.SetXRangeStyle(bad, axis), 0);
-        EXPECT_EQ(graph.GetGraphViewMode(bad) + graph.GetYRangeStyle(bad, &axis) + graph.GetGraphPlotflg(bad), -3);
+        EXPECT_EQ(Line({graph.SetGraphViewMode(bad, 1), graph.AddData(bad, 1, 1), graph.SetXRangeStyle(bad, axis)}),
+                  "0 0 0");
+        EXPECT_EQ(Line({graph.GetGraphViewMode(bad), graph.GetYRangeStyle(bad, &axis), graph.GetGraphPlotflg(bad)}),
+                  "-1 -1 -1");
         EXPECT_TRUE(graph.GetLineGraphStyle(bad) == CLineGraphStyle());
-        EXPECT_EQ(graph.LineDraw(nullptr, bad) + graph.MarkDraw(nullptr, bad, 0, 0, 0, 0, 0, nullptr), 0);
+        EXPECT_EQ(Line({graph.LineDraw(nullptr, bad), graph.MarkDraw(nullptr, bad, 0, 0, 0, 0, 0, nullptr)}), "0 0");
         EXPECT_EQ(graph.InitializeParameter(bad), bad < 0);
         EXPECT_EQ(graph.InitializeData(bad), bad < 0);
     }
-    EXPECT_EQ(graph.SetXMinRange(511, -5) + graph.SetYLabelViewMode(511, 4) + graph.SetGraphPlotflg(511, 1), 3);
+    EXPECT_EQ(Line({graph.SetXMinRange(511, -5), graph.SetYLabelViewMode(511, 4), graph.SetGraphPlotflg(511, 1)}),
+              "1 1 1");
     EXPECT_EQ(graph.GetXRangeStyle(511, nullptr), -1);
     EXPECT_EQ(graph.InitializeParameter(511), 1);
     EXPECT_EQ(graph.GetXRangeStyle(511, &axis), 1);
-    EXPECT_EQ(axis.GetViewMode() * 1000 + axis.GetMinRange() + axis.GetMaxRange(), 2100);
+    EXPECT_EQ(Line({axis.GetViewMode(), axis.GetMinRange(), axis.GetMaxRange()}), "2 0 100");
     graph.GetYRangeStyle(511, &axis);
     EXPECT_EQ(axis.GetViewMode(), 3);
-    EXPECT_EQ(graph.GetGraphViewMode(511) + graph.GetGraphPlotflg(511), 2);
+    EXPECT_EQ(Line({graph.GetGraphViewMode(511), graph.GetGraphPlotflg(511)}), "1 1");
     EXPECT_TRUE(graph.GetLineGraphStyle(511) == CLineGraphStyle(kRed, PS_DASH, 3));  // pens stay
 
     graph.SetDivX(3);
@@ -74,7 +78,7 @@ TEST(QelGraph, ValuesArePlacedInTheArea) {
     EXPECT_EQ(y, 100);
     EXPECT_EQ(graph.GetValueFromPos(0, 209, 119, &x, nullptr), 1);
     EXPECT_EQ(x, 99.5);
-    EXPECT_EQ(graph.GetValueFromPos(0, 210, 20, &x, &y) + graph.GetValueFromPos(0, 10, 120, &x, &y), 0);
+    EXPECT_EQ(Line({graph.GetValueFromPos(0, 210, 20, &x, &y), graph.GetValueFromPos(0, 10, 120, &x, &y)}), "0 0");
 
     OpenGraph upward(1);
     upward.m_rectDrawArea = {10, -20, 210, -120};
@@ -82,7 +86,7 @@ TEST(QelGraph, ValuesArePlacedInTheArea) {
     EXPECT_EQ(upward.GetValueFromPos(0, 10, -20, &x, &y) - upward.GetValueFromPos(0, 10, -120, &x, &y), 1);
     EXPECT_EQ(y, 100);
     OpenGraph plain(2);
-    EXPECT_EQ(plain.DataToXPixel(12.7, 0) + plain.DataToYPixel(-12.7, 0), 0);
+    EXPECT_EQ(Line({plain.DataToXPixel(12.7, 0), plain.DataToYPixel(-12.7, 0)}), "12 -12");
     EXPECT_EQ(plain.GetValueFromPos(0, 0, 0, &x, &y), 0);  // no area yet
 }
 

@@ -11,6 +11,7 @@
 #include "../support/child_process.h"
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
+#include "../support/line.h"
 #include "../support/soak.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/storage/block_io.h"
@@ -103,7 +104,7 @@ TEST_F(FileOperations, FailuresNameTheirReasonAndLeaveNothing) {
 TEST_F(FileOperations, MoveRenamesOrCopiesToAnotherVolume) {
     std::filesystem::create_hard_link(m_folder.Posix("a"), m_folder.Posix("twin"));
     EXPECT_EQ(Move("a", "twin"), 183);  // one file, but two names
-    EXPECT_EQ(Move("a", "a") + Move("d", "e") + Move("a", "e/a"), 0);
+    EXPECT_EQ(Line({Move("a", "a"), Move("d", "e"), Move("a", "e/a")}), "0 0 0");
     EXPECT_EQ(m_folder.Read("e/a"), "new");
 
     const TempFolder shm("/dev/shm");

@@ -7,6 +7,7 @@
 
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
+#include "../support/line.h"
 #include "../support/run_at_once.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
@@ -72,7 +73,7 @@ TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
     EXPECT_EQ(listed("SECTION1", length + 2), whole);
     EXPECT_EQ(listed("section1", length + 1), whole.substr(0, length - 1));  // full: the length says so
     EXPECT_EQ(listed("section1", length - 1), whole.substr(0, length - 4) + '\0');
-    EXPECT_EQ(listed("section1", 1) + listed("section2", 99) + listed("missing", 99) + listed(nullptr, 99), "");
+    EXPECT_EQ(Line({listed("section1", 1), listed("section2", 99), listed("missing", 99), listed(nullptr, 99)}), "   ");
     const char* cut[] = {"", "", "v", "v", "v\x83\x5C"};  // no half character
     for (DWORD size = 0; size < 5; ++size) {
         EXPECT_EQ(qel::ReadProfileString("section1", "name4", "", size, m_name.c_str()), cut[size]);

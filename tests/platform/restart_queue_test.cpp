@@ -6,6 +6,7 @@
 #include <random>
 
 #include "../support/child_process.h"
+#include "../support/line.h"
 #include "../support/run_at_once.h"
 #include "../support/soak.h"
 #include "../support/temp_folder.h"
@@ -88,7 +89,7 @@ TEST(RestartQueue, ComesToTheSameEndHoweverOftenItIsKilled) {
         runner.Kill();
         EXPECT_EQ(RunOnce(folder.Posix("q")), 0);
         for (const std::string& n : numbers) {
-            ASSERT_EQ(folder.Read("b" + n) + folder.Read("a" + n), "firstsecond") << kill;
+            ASSERT_EQ(Line({folder.Read("b" + n), folder.Read("a" + n)}), "first second") << kill;
         }
         EXPECT_EQ(folder.Count(), 16);
     }

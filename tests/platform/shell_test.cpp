@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "../support/environment_scope.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/shell/module.h"
@@ -25,7 +26,7 @@ TEST(Module, KnowsItsFile) {
     const CString library = qel::ModulePath(reinterpret_cast<void*>(&std::strtol));
     EXPECT_TRUE(library.GetAt(0) == '\\' && library.Find(".so") > 0) << library;
     int onStack = 0;
-    EXPECT_EQ(qel::ModulePath(&onStack) + qel::ModulePath(reinterpret_cast<void*>(8)), "");
+    EXPECT_EQ(Line({qel::ModulePath(&onStack), qel::ModulePath(reinterpret_cast<void*>(8))}), " ");
 }
 
 TEST(DebugOutput, GoesWhereTheEnvironmentSays) {

@@ -7,6 +7,7 @@
 
 #include "../support/cases.h"
 #include "../support/code_page_scope.h"
+#include "../support/line.h"
 #include "../support/words.h"
 #include "qellib10/platform/error.h"
 
@@ -129,7 +130,7 @@ TEST_F(XmlNodes, AreFoundByPathsFromTheRoot) {
         "end() "
         "\x83\x65[1] 5 p:q 6 end 7 A/Item/text() 1 .. 12b34567 /r/A/Item 1 A//B b");
     for (std::size_t i = 0; i < found.size(); i += 2) EXPECT_EQ(TextAt(found[i]), found[i + 1]) << found[i];
-    EXPECT_EQ(TextAt("A/Item[ end ( ) and @k]") + TextAt("A/Item[end() and B]"), "3(none)");
+    EXPECT_EQ(Line({TextAt("A/Item[ end ( ) and @k]"), TextAt("A/Item[end() and B]")}), "3 (none)");
     EXPECT_EQ(Root().SelectAll("A/Item").size(), 4u);
     EXPECT_EQ(Root().SelectAll("A/*[end()]").size(), 2u);
     for (const char* const path : {"", "Item[", "A/", "count(A)", "1+1", "bend()", "'", "A[end(]"}) {
@@ -140,8 +141,8 @@ TEST_F(XmlNodes, AreFoundByPathsFromTheRoot) {
 
 TEST_F(XmlNodes, GiveTheirTextWithoutIndentation) {
     m_document.LoadText("<r>\n <a> x <b> </b><!--c--><![CDATA[ ]]><i>y</i>\n</a>\n <c> <!--d--> </c></r>");
-    EXPECT_EQ(TextAt("a") + TextAt("c") + TextAt("a/comment()"), " x   y  c");
-    EXPECT_EQ(Root().Select("a/i")->Xml() + Root().Select("a/comment()")->Xml(), "<i>y</i><!--c-->");
+    EXPECT_EQ(Line({TextAt("a"), TextAt("c"), TextAt("a/comment()")}), " x   y    c");
+    EXPECT_EQ(Line({Root().Select("a/i")->Xml(), Root().Select("a/comment()")->Xml()}), "<i>y</i> <!--c-->");
 }
 
 TEST_F(XmlNodes, TakeTextsThatComeBackAsTheyWere) {

@@ -8,6 +8,7 @@
 
 #include "../support/cases.h"
 #include "../support/environment_scope.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 
 namespace {
@@ -133,7 +134,7 @@ TEST_F(PageStyle, OwnsOneContext) {
     const HDC third = other.GetSelectedPrinterDC();
     EXPECT_EQ(other.Initialize(), 1);
     EXPECT_FALSE(IsContext(third));
-    EXPECT_EQ(other.GetPrinterDevice() + other.GetPrinterDriverName(), "PDF") << "the driver's name alone goes";
+    EXPECT_EQ(Line({other.GetPrinterDevice(), other.GetPrinterDriverName()}), "PDF ") << "the driver's name alone goes";
     answer = {"nobody", std::nullopt};
     EXPECT_EQ(other.SelectPrinter(), 0);
     EXPECT_EQ(other.GetPrinterDC(), nullptr);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "../support/child_process.h"
+#include "../support/line.h"
 #include "../support/shared_state.h"
 #include "../support/soak.h"
 #include "qellib10/platform/sync/named_mutex.h"
@@ -36,7 +37,7 @@ TEST(MemoryMappedFile, ABlockIsZeroAndKeepsItsSize) {
     CMemoryMappedFile block;
     EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
     DWORD written = 7;
-    EXPECT_EQ(block.SetData(&written, 4, &written) + written, 7u);
+    EXPECT_EQ(Line({block.SetData(&written, 4, &written), written}), "0 7");
     for (const auto& [size, error] : {std::pair(0u, 87u), std::pair(10'000u, 0u)}) {
         EXPECT_EQ(block.Open(6, name.c_str(), size), error == 0);
         EXPECT_EQ(block.GetLastError(), error);
@@ -45,7 +46,7 @@ TEST(MemoryMappedFile, ABlockIsZeroAndKeepsItsSize) {
     ASSERT_NE(bytes, nullptr);
     EXPECT_EQ(std::string(bytes, 10'000), std::string(10'000, '\0'));
     std::memset(bytes, 'x', 10'000);
-    EXPECT_EQ(block.SetData(&written, 4, &written) + written, 0u);
+    EXPECT_EQ(Line({block.SetData(&written, 4, &written), written}), "0 0");
     EXPECT_EQ(block.GetLastError(), 6u);
     for (const DWORD access : {0u, 1u, 4u, 0x20u}) {  // readable alone
         EXPECT_EQ(InChild([&] {

@@ -11,6 +11,7 @@
 #include "../support/child_process.h"
 #include "../support/code_page_scope.h"
 #include "../support/full_disk.h"
+#include "../support/line.h"
 #include "../support/shared_state.h"
 #include "../support/temp_folder.h"
 #include "../support/words.h"
@@ -80,19 +81,21 @@ TEST(CryptXMLDocument, AnswersBadPathsAndEmptyDocuments) {
     Document document("<?xml version='1.0'?><r k='v'><A>t</A></r>");
     CString out = "old";
     for (const char* const path : {"Item[", "count(A)", "B", "A/", static_cast<const char*>(nullptr)}) {
-        EXPECT_EQ(document.GetNodeText(path, out) + document.GetNodeXml(path, out) + document.DeleteTag(path), 0);
+        EXPECT_EQ(Line({document.GetNodeText(path, out), document.GetNodeXml(path, out), document.DeleteTag(path)}),
+                  "0 0 0");
     }
     EXPECT_EQ(out, "old");
-    EXPECT_EQ(document.GetTagCount("A") + 2 * document.GetTagCount("B") + 4 * document.GetTagCount("count(A)"), 1 - 4);
+    EXPECT_EQ(Line({document.GetTagCount("A"), document.GetTagCount("B"), document.GetTagCount("count(A)")}), "1 0 -1");
     EXPECT_TRUE(document.GetNodeXml("@k", out) != 0 && out == "k=\"v\"");
-    EXPECT_EQ(document.DeleteTag("@k") + 2 * document.DeleteTag("A"), 2);
+    EXPECT_EQ(Line({document.DeleteTag("@k"), document.DeleteTag("A")}), "0 1");
     EXPECT_EQ(document.Xml(), "<?xml version=\"1.0\"?>\r\n<r k=\"v\"/>\r\n");
     EXPECT_EQ(document.DeleteTag("."), 1);  // a declaration alone could not be loaded again
     for (const bool isBad : {false, true}) {
         if (isBad) document.SetXMLString("<r><A></r>");
         EXPECT_EQ(document.Xml(), "");
         EXPECT_EQ(document.GetTagCount("A"), -1);
-        EXPECT_EQ(document.SetNodeText("A", "x") + document.GetNodeText("A", out) + document.DeleteTag("A"), 0);
+        EXPECT_EQ(Line({document.SetNodeText("A", "x"), document.GetNodeText("A", out), document.DeleteTag("A")}),
+                  "0 0 0");
         document.SetXMLString("<r><A/></r>");
     }
 }
@@ -111,7 +114,7 @@ TEST(CryptXMLDocument, SplitsAndJoinsPaths) {
     CString left = "A/\x83\x2F/";
     for (const char* const first : {"A", "\x83\x2F", "", ""}) EXPECT_EQ(Document::Split(left, '/'), first);
     using Path = CCryptXMLDocumentObject;
-    EXPECT_EQ(Path::AppendNode("A", "B") + Path::AppendNode("A/", "B") + Path::AppendNode("", "B"), "A/BA/BB");
+    EXPECT_EQ(Line({Path::AppendNode("A", "B"), Path::AppendNode("A/", "B"), Path::AppendNode("", "B")}), "A/B A/B B");
     EXPECT_EQ(Path::AppendNodeKey("Item", "2"), "Item[2]");
 }
 
@@ -178,8 +181,9 @@ TEST_F(XmlFiles, OfEarlierVersionsAreRead) {
         std::filesystem::copy(kData[crypt], m_folder.Posix("a.xml"), std::filesystem::copy_options::overwrite_existing);
         m_document.SetCryptMode(1);
         EXPECT_EQ(m_document.LoadXMLFile(m_path, 1), 1);
-        EXPECT_EQ(m_document.Text("Formula") + m_document.Text("Limits/Item[end()]/@unit") + m_document.Text("Comment"),
-                  "(EP-BLANK)*0.1/SAMPLEmol/L\x93\x48\x92\xE8 a");
+        EXPECT_EQ(
+            Line({m_document.Text("Formula"), m_document.Text("Limits/Item[end()]/@unit"), m_document.Text("Comment")}),
+            "(EP-BLANK)*0.1/SAMPLE mol/L \x93\x48\x92\xE8 a");
         EXPECT_EQ(Saved(crypt), m_folder.Read("a.xml"));
     }
 }
@@ -202,13 +206,13 @@ TEST_F(XmlFiles, AreChangedUnderTheLock) {
         EXPECT_EQ(document.LockFile(m_folder.Path("none.xml"), 0, 0), 0);
         EXPECT_EQ(document.LockFile(m_path, 1, 1), 1);
         const auto tryAll = [&] {
-            return document.LockFile(m_path, 1, 1) + document.LoadPlainXMLFile(m_path, 1) +
-                   document.SavePlainXMLFile(m_path, 1);
+            return Line({document.LockFile(m_path, 1, 1), document.LoadPlainXMLFile(m_path, 1),
+                         document.SavePlainXMLFile(m_path, 1)});
         };
-        EXPECT_EQ(tryAll(), 0);
+        EXPECT_EQ(tryAll(), "0 0 0");
         document.SetXMLString("<a>a long text</a>");
         EXPECT_EQ(document.LockCommit(), 1);
-        EXPECT_EQ(document.IsLocked() + document.LockCommit() + document.LockRollback(), 0);
+        EXPECT_EQ(Line({document.IsLocked(), document.LockCommit(), document.LockRollback()}), "0 0 0");
 
         EXPECT_EQ(document.LockFile(m_path, 1, 0), 1);
         document.SetNodeText(".", "b");  // shorter
@@ -220,15 +224,15 @@ TEST_F(XmlFiles, AreChangedUnderTheLock) {
         document.SetNodeText(".", "c");
         EXPECT_EQ(document.LockRollback(), 1);
         EXPECT_EQ(document.IsLocked(), 1);  // kept
-        EXPECT_EQ(tryAll() + document.LockCommit(), 0);
+        EXPECT_EQ(Line({tryAll(), document.LockCommit()}), "0 0 0 0");
         EXPECT_EQ(Load(m_folder.Read("a.xml")), 1);
         EXPECT_EQ(m_document.Text("."), "b");
     }
     m_folder.Write("a.xml", "<a>");
-    EXPECT_EQ(m_document.LockFile(m_path, 1, 0) + m_document.IsLocked(), 0);
+    EXPECT_EQ(Line({m_document.LockFile(m_path, 1, 0), m_document.IsLocked()}), "0 0");
     EXPECT_TRUE(CFile().Open(m_path, CFile::modeReadWrite | CFile::shareExclusive));  // closed again
     m_folder.Write("a.xml", "");
-    EXPECT_EQ(m_document.LockFile(m_path, 1, 0) + m_document.Initialize(), 2);  // rolls back
+    EXPECT_EQ(Line({m_document.LockFile(m_path, 1, 0), m_document.Initialize()}), "1 1");  // rolls back
     EXPECT_TRUE(CFile().Open(m_path, CFile::modeReadWrite | CFile::shareExclusive));
 }
 
@@ -244,7 +248,7 @@ TEST_F(XmlFiles, WaitForWritersUnlessTheyMustNot) {
     for (const int kind : {0, 5}) EXPECT_EQ(Document::FileOpen(file, m_path, kind, 0), 0);
     for (const int kind : {1, 2}) EXPECT_EQ(Document::FileOpen(file, m_folder.Path("none"), kind, 0), 0);
     EXPECT_EQ(Document::FileOpen(file, m_folder.Path(), 1, 0), 0);
-    EXPECT_EQ(m_document.LoadXMLFile(nullptr, 0) + m_document.SaveXMLFile(nullptr, 0), 0);
+    EXPECT_EQ(Line({m_document.LoadXMLFile(nullptr, 0), m_document.SaveXMLFile(nullptr, 0)}), "0 0");
 
     m_folder.Write("a.xml", "<a/>");
     m_document.SetCryptMode(0);

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "../support/child_process.h"
+#include "../support/line.h"
 #include "../support/soak.h"
 #include "cabinet_folder.h"
 #include "qellib10/platform/storage/file_operations.h"
@@ -43,7 +44,8 @@ std::string Versioned(DWORD version, DWORD size, const std::string& data = "x") 
 TEST_F(History, KeepsEveryVersion) {
     CHistoryCabinetFile cabinet;
     const CString deep = folder.Path("new") + "\\folder\\c";
-    EXPECT_EQ(Register(cabinet, "a") + cabinet.Open(deep, 0) + cabinet.GetLatestVersionFile(folder.Path("t")), 0);
+    EXPECT_EQ(Line({Register(cabinet, "a"), cabinet.Open(deep, 0), cabinet.GetLatestVersionFile(folder.Path("t"))}),
+              "0 0 0");
     ASSERT_EQ(cabinet.Create(deep), 1);
     EXPECT_EQ(fs::file_size(folder.Posix("new/folder/c")), 0u);
     EXPECT_EQ(cabinet.GetLatestVersionFile(folder.Path("t")), 0);
@@ -54,16 +56,17 @@ TEST_F(History, KeepsEveryVersion) {
     ASSERT_EQ(Register(copy, std::string(600'000, 'c')), 1) << "behind that of the other";
     EXPECT_EQ(Backups(), 0);
     const CGuid guid = cabinet.GetGUID();
-    EXPECT_EQ(cabinet.Close() + cabinet.Close(), 2);
+    EXPECT_EQ(Line({cabinet.Close(), cabinet.Close()}), "1 1");
     EXPECT_EQ(Version(copy), "none") << "closed by the other";
 
     CHistoryCabinetFile reader, writer;
-    ASSERT_EQ(cabinet.Open(deep, 1) + reader.Open(deep, 1), 2);
-    EXPECT_EQ(writer.Open(deep, 0) + Register(cabinet, "read only") + Backups() + cabinet.GetVersionFile(1, deep), 0);
+    ASSERT_EQ(Line({cabinet.Open(deep, 1), reader.Open(deep, 1)}), "1 1");
+    EXPECT_EQ(Line({writer.Open(deep, 0), Register(cabinet, "read only"), Backups(), cabinet.GetVersionFile(1, deep)}),
+              "0 0 0 0");
     EXPECT_EQ(cabinet.GetGUID(), guid);
-    EXPECT_EQ(Version(cabinet, 1) + Version(cabinet, 2), "0123456789second");
+    EXPECT_EQ(Line({Version(cabinet, 1), Version(cabinet, 2)}), "0123456789 second");
     EXPECT_EQ(Version(cabinet), std::string(600'000, 'c'));
-    EXPECT_EQ(cabinet.GetVersionFile(0, folder.Path("t")) + cabinet.GetVersionFile(4, folder.Path("t")), 0);
+    EXPECT_EQ(Line({cabinet.GetVersionFile(0, folder.Path("t")), cabinet.GetVersionFile(4, folder.Path("t"))}), "0 0");
     EXPECT_FALSE(folder.Has("t"));
     cabinet.Initialize();
     EXPECT_TRUE(cabinet.GetLatestVersion() == 0 && !(cabinet.GetGUID() == guid));
@@ -76,7 +79,7 @@ TEST_F(History, KeptCabinetIsReadAndItsTailCut) {
     const auto size = fs::file_size(folder.Posix("c"));
     fs::resize_file(folder.Posix("c"), size + 1000);
     CHistoryCabinetFile cabinet;
-    ASSERT_EQ(cabinet.Create(folder.Path("other")) + Register(cabinet, "a") + Register(cabinet, "b"), 3);
+    ASSERT_EQ(Line({cabinet.Create(folder.Path("other")), Register(cabinet, "a"), Register(cabinet, "b")}), "1 1 1");
     EXPECT_EQ(Version(cabinet, 2), "b");
     ASSERT_EQ(cabinet.Open(path, 0), 1);
     EXPECT_EQ(cabinet.GetGUID().GetString(), "{B1D9A6A0-54D4-47F5-9D1A-3C1E9E1F6D20}");
@@ -149,9 +152,9 @@ TEST_F(History, EndsBelow4GiB) {
     folder.Write("c", Header(36, 1) + Versioned(1, kRoomFor2Bytes, ""));
     fs::resize_file(folder.Posix("c"), 36 + 20 + std::uint64_t{kRoomFor2Bytes});  // a hole
     CHistoryCabinetFile full, empty;
-    EXPECT_EQ(full.Open(path, 0) + Register(full, "abc"), 1);
+    EXPECT_EQ(Line({full.Open(path, 0), Register(full, "abc")}), "1 0");
     fs::resize_file(folder.Posix("source"), std::uint64_t{1} << 32);
-    EXPECT_EQ(empty.Create(folder.Path("e")) + empty.RegistNewVersion(folder.Path("source")), 1);
+    EXPECT_EQ(Line({empty.Create(folder.Path("e")), empty.RegistNewVersion(folder.Path("source"))}), "1 0");
     EXPECT_EQ(fs::file_size(folder.Posix("c")) + fs::file_size(folder.Posix("e")) + 22, 0xFFFFFFFF);
 }
 
@@ -159,7 +162,7 @@ TEST_F(History, EndsBelow4GiB) {
 // refused.
 TEST_F(History, OthersSeeWholeVersionsOrNone) {
     CHistoryCabinetFile cabinet;
-    ASSERT_EQ(cabinet.Create(path) + Register(cabinet, "x"), 2);
+    ASSERT_EQ(Line({cabinet.Create(path), Register(cabinet, "x")}), "1 1");
     ChildProcess writer([&] {
         for (DWORD n = 2; Register(cabinet, std::string(n, 'x')) != 0; ++n) {
         }

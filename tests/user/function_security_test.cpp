@@ -1,5 +1,6 @@
 #include "qellib10/user/function_security.h"
 
+#include "../support/line.h"
 #include "../support/test.h"
 #include "qellib10/user/user_info.h"
 
@@ -25,9 +26,9 @@ TEST(FunctionSecurity, FirstEntryOfAnIdentifierAnswers) {
     for (const auto& [index, id] : Cases<int, int>{{-1, -1}, {0, 100}, {1, 7}, {2, 100}, {3, -1}}) {
         EXPECT_EQ(security.GetFunctionID(index), id) << index;
     }
-    EXPECT_EQ(security.SetFunctionSecurity(100, 3) + security.SetFunctionSecurity(8, 3), 1);
+    EXPECT_EQ(Line({security.SetFunctionSecurity(100, 3), security.SetFunctionSecurity(8, 3)}), "1 0");
     EXPECT_EQ(security.GetFunctionSecurity(100), 3);
-    EXPECT_EQ(security.GetFunctionName(100) + security.GetFunctionName(8), "Calibrate");
+    EXPECT_EQ(Line({security.GetFunctionName(100), security.GetFunctionName(8)}), "Calibrate ");
 }
 
 TEST(FunctionSecurity, PrivilegesStandAboveLevels) {

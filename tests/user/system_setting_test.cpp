@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 
+#include "../support/line.h"
 #include "../support/registry_scope.h"
 #include "../support/test.h"
 #include "qellib10/file/private_profile.h"
@@ -41,18 +42,12 @@ public:
     int connected = 0, dialogAnswer = 0, maker = 0;
 };
 
-std::string Line(std::initializer_list<int> numbers) {
-    std::string text;
-    for (const int number : numbers) text += std::to_string(number) + ' ';
-    return text;
-}
-
 std::string Rights(const CSystemSetting& setting) {
     return Line({setting.IsLogon(), setting.GetLogonUserSecurityLevel(1), setting.GetLogonUserSecurityLevel(2),
                  setting.GetLogonUserManagerFlag(), setting.GetLogonUserMakerFlag()});
 }
 
-constexpr const char* kNobody = "0 -1 -1 -1 -1 ";
+constexpr const char* kNobody = "0 -1 -1 -1 -1";
 
 }  // namespace
 
@@ -62,7 +57,7 @@ TEST(SystemSetting, AFailedLogonEndsTheOneBefore) {
     EXPECT_EQ(Rights(setting), kNobody);
     EXPECT_EQ(setting.LogonWithoutDialog("ann", "pw"), 1);
     CSystemSetting copy = setting;
-    EXPECT_EQ(Rights(setting), "1 3 -1 0 0 ");
+    EXPECT_EQ(Rights(setting), "1 3 -1 0 0");
     EXPECT_EQ(setting.LogonWithoutDialog("ann", nullptr), 0);
     EXPECT_EQ(Rights(setting), kNobody);
     EXPECT_EQ(store.connected, 1);
@@ -70,11 +65,11 @@ TEST(SystemSetting, AFailedLogonEndsTheOneBefore) {
     store.dialogAnswer = 2;
     store.maker = 1;
     EXPECT_EQ(setting.LogonWithDialog(), 1);
-    EXPECT_EQ(Rights(setting), "1 1 1 1 1 ");
+    EXPECT_EQ(Rights(setting), "1 1 1 1 1");
     store.dialogAnswer = 0;
     EXPECT_EQ(setting.LogonWithDialog(), 0);
     EXPECT_EQ(Rights(setting), kNobody);
-    EXPECT_EQ(Rights(copy), "1 3 -1 0 0 ");  // as at its logon
+    EXPECT_EQ(Rights(copy), "1 3 -1 0 0");  // as at its logon
     copy.Logoff();
     EXPECT_EQ(Rights(copy), kNobody);
 }
@@ -91,10 +86,10 @@ TEST(SystemSetting, AsksTheStore) {
                         setting.ReloadUserList(), setting.GetUserCount(), setting.SaveFunctionSecurity(user),
                         setting.AddUserInfo(user), setting.DeleteUserInfo("ann"), setting.LogonWithDialog(),
                         setting.LogonWithoutDialog("ann", "pw"), setting.IsLogon()}),
-                  connect != nullptr ? "14 20 18 22 23 125 126 28 0 1 1 " : "0 0 0 0 -1 0 0 0 0 0 0 ");
-        EXPECT_EQ(setting.GetAutoLogonUserName() + setting.GetAutoLogonPassword() + setting.GetUserName(2) +
-                      user.GetUsername(),
-                  connect != nullptr ? "1617uubob" : "");
+                  connect != nullptr ? "14 20 18 22 23 125 126 28 0 1 1" : "0 0 0 0 -1 0 0 0 0 0 0");
+        EXPECT_EQ(Line({setting.GetAutoLogonUserName(), setting.GetAutoLogonPassword(), setting.GetUserName(2),
+                        user.GetUsername()}),
+                  connect != nullptr ? "16 17 uu bob" : "   ");
     }
 }
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "../support/child_process.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 
@@ -56,17 +57,17 @@ TEST_F(UserStoreTest, KeepsAccounts) {
          Cases<const char*, const char*, int>{{"Admin", "", 0}, {"Admin", "first", 1}, {"Other", "first", 0}}) {
         EXPECT_EQ(store->CreateFirstAdministrator(name, password), answer);
     }
-    EXPECT_EQ(store->AddUser(Record("miller", "pw", 1)) + store->AddUser(Record("bob", "")), 2);
+    EXPECT_EQ(Line({store->AddUser(Record("miller", "pw", 1)), store->AddUser(Record("bob", ""))}), "1 1");
     for (const std::string& name : {std::string("MILLER"), std::string(), std::string("a\nb"), std::string(65, 'x')}) {
         EXPECT_EQ(store->AddUser(Record(name.c_str(), "pw")), 0) << name;
     }
 
     store = Open();
     EXPECT_EQ(store->GetUserCount(), 3);
-    EXPECT_EQ(store->GetUserName(1) + store->GetUserName(3) + store->GetUserName(-1), "bob");
+    EXPECT_EQ(Line({store->GetUserName(1), store->GetUserName(3), store->GetUserName(-1)}), "bob  ");
     CUserInfo user;
-    EXPECT_EQ(store->GetUserInfo("Miller", &user) + user.GetManagerFlag(), 2);
-    EXPECT_EQ(user.GetUsername() + user.GetPassword(), "miller");
+    EXPECT_EQ(Line({store->GetUserInfo("Miller", &user), user.GetManagerFlag()}), "1 1");
+    EXPECT_EQ(Line({user.GetUsername(), user.GetPassword()}), "miller ");
     user.SetManagerFlag(0);
     EXPECT_EQ(user.GetFunctionSecurity(5), 3);  // kept below the privilege
     EXPECT_EQ(user.GetSecurity().GetFunctionName(-2), "\x83\x5C");
@@ -83,7 +84,7 @@ TEST_F(UserStoreTest, KeepsAccounts) {
     EXPECT_EQ(store->DeleteUser("admin"), 0) << "the last administrator";
     EXPECT_EQ(store->SaveFunctionSecurity(Record("admin", "")), 0) << "the last administrator";
     EXPECT_EQ(store->DeleteUser("miller"), 1);
-    EXPECT_EQ(store->DeleteUser("miller") + store->SaveFunctionSecurity(user), 0);
+    EXPECT_EQ(Line({store->DeleteUser("miller"), store->SaveFunctionSecurity(user)}), "0 0");
     EXPECT_EQ(store->GetLogonUsername(), "");
     EXPECT_EQ(store->GetUserCount(), 2);
 }
@@ -141,7 +142,8 @@ TEST_F(UserStoreTest, LogsOnByToken) {
     store->CreateFirstAdministrator("admin", "first");
     store->AddUser(Record("bob", "pw"));
     CSystemSetting setting(store.get());
-    EXPECT_EQ(setting.SetAutoLogonUser("nobody") + setting.SetAutoLogon(1) + setting.SetAutoLogonUser("BOB"), 2);
+    EXPECT_EQ(Line({setting.SetAutoLogonUser("nobody"), setting.SetAutoLogon(1), setting.SetAutoLogonUser("BOB")}),
+              "0 1 1");
     EXPECT_EQ(ModeOf("users.db.token"), 0600u);
     const CString token = setting.GetAutoLogonPassword();
     EXPECT_EQ(token.GetLength(), 64);
@@ -157,8 +159,9 @@ TEST_F(UserStoreTest, LogsOnByToken) {
     EXPECT_EQ(setting.SetAutoLogonUser("bob"), 1);
     EXPECT_EQ(setting.LogonWithoutDialog("bob", token), 0) << "an earlier token";
     EXPECT_EQ(setting.DeleteUserInfo("bob"), 1);
-    EXPECT_EQ(setting.GetAutoLogonUserName() + setting.GetAutoLogonPassword(), "");
-    EXPECT_EQ(setting.SetAutoLogonUser("admin") + setting.DeleteUserInfo("admin"), 1) << "the last administrator";
+    EXPECT_EQ(Line({setting.GetAutoLogonUserName(), setting.GetAutoLogonPassword()}), " ");
+    EXPECT_EQ(Line({setting.SetAutoLogonUser("admin"), setting.DeleteUserInfo("admin")}), "1 0")
+        << "the last administrator";
     EXPECT_EQ(setting.GetAutoLogonPassword().GetLength(), 64) << "so the token stays";
     m_folder.Write("users.db.token", std::string(token.View()));
     EXPECT_EQ(setting.GetAutoLogonPassword(), "") << "an earlier token";
@@ -189,15 +192,15 @@ TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
     const std::string before = m_folder.Read("users.db");
     m_settings.isReadOnly = true;
     auto store = Open();
-    EXPECT_EQ(store->GetUserCount() + store->CheckIntegrity(), 2);
-    EXPECT_EQ(store->Logon("admin", "first") + store->AddUser(Record("bob", "pw")), 0);
+    EXPECT_EQ(Line({store->GetUserCount(), store->CheckIntegrity()}), "1 1");
+    EXPECT_EQ(Line({store->Logon("admin", "first"), store->AddUser(Record("bob", "pw"))}), "0 0");
     EXPECT_EQ(m_folder.Read("users.db"), before);
     Damage("PRAGMA foreign_keys = OFF; INSERT INTO functions VALUES(9, 0, 5, 'Print', 3)");
     EXPECT_EQ(store->CheckIntegrity(), 0);
     EXPECT_EQ(store->LastError(), "something is kept of a user who is gone");
     store.reset();
     std::filesystem::remove(m_folder.Posix("users.db"));
-    EXPECT_EQ(Open()->IsConnected() + m_folder.Has("users.db"), 0);
+    EXPECT_EQ(Line({Open()->IsConnected(), m_folder.Has("users.db")}), "0 0");
 }
 
 TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
@@ -207,7 +210,7 @@ TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
     Damage("PRAGMA user_version = 2");
     const auto later = Open();
     EXPECT_EQ(later->LastError(), "the file is no user store of this version");
-    EXPECT_EQ(later->IsConnected() + later->AddUser(Record("ann", "pw")) + later->Logon("bob", "pw"), 0);
+    EXPECT_EQ(Line({later->IsConnected(), later->AddUser(Record("ann", "pw")), later->Logon("bob", "pw")}), "0 0 0");
     EXPECT_EQ(later->GetUserCount(), -1);
     m_folder.Write("users.db", std::string(5000, 'x'));
     EXPECT_EQ(Open()->IsConnected(), 0);
