@@ -4,27 +4,28 @@
 #include <chrono>
 #include <mutex>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/storage/backoff.h"
-#include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/sync/handle.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/time/time.h"
 
+#include "qellib10/file/log_file.h"
 #include "qellib10/file/log_text.h"
-#include "qellib10/file/write_undo.h"
 
 namespace {
 
 constexpr std::int64_t kPatience = 10;  // seconds of the clock
 constexpr std::chrono::seconds kLongerThanPatience(kPatience + 2);
 constexpr std::chrono::milliseconds kBetweenHopelessTries(50);
-constexpr UINT kAppend = CFile::modeCreate | CFile::modeNoTruncate | CFile::shareExclusive | CFile::modeWrite;
+constexpr std::chrono::milliseconds kForLinesOfOthers(250);
 constexpr std::size_t kDumpBlock = 65536;  // bytes dumped by one write
 
 // Both are made at load, so that no thread is just making one when another forks.
@@ -51,26 +52,52 @@ private:
     qel::Backoff m_hopeless{kLongerThanPatience, kBetweenHopelessTries};
 };
 
-// Opens the file in a turn of this thread. Between the tries the turn is given up: others may have it, and fork.
-// @return false, and no turn, when the patience has come to its end
-bool OpenInTurn(CFile& file, const CString& path, std::unique_lock<qel::ForkSafeLock>& turn, Wait wait) {
-    for (bool mayTry = true; mayTry;) {
-        CFileException error(CFileException::genericException, qel::kSharingViolation);
-        if (turn.try_lock()) {
-            if (file.Open(path, kAppend, &error)) return true;
-            turn.unlock();
-        }
-        mayTry = error.m_lOsError == qel::kSharingViolation ? wait.ForTurn() : wait.ForHopeless();
-    }
-    return false;
+// One try to open the file in a turn of this thread. @return 0, or why not: no turn then
+LONG TryInTurn(qel::LogFile& file, const CString& path, std::unique_lock<qel::ForkSafeLock>& turn) {
+    if (!turn.try_lock()) return qel::kSharingViolation;
+    const LONG code = file.Open(path);
+    if (code != 0) turn.unlock();
+    return code;
 }
 
-void WriteText(CFile& file, std::string_view text) { file.Write(text.data(), static_cast<UINT>(text.size())); }
+// Between the tries the turn is given up: others may have it, and fork.
+// @return false, and no turn, when the patience that began at @p since has come to its end
+bool OpenInTurn(qel::LogFile& file, const CString& path, std::unique_lock<qel::ForkSafeLock>& turn,
+                std::int64_t since) {
+    LONG code = TryInTurn(file, path, turn);
+    for (Wait wait(since); code != 0; code = TryInTurn(file, path, turn)) {
+        if (code == qel::kSharingViolation ? !wait.ForTurn() : !wait.ForHopeless()) return false;
+    }
+    return true;
+}
 
-void WriteDump(CFile& file, std::span<const unsigned char> bytes) {
+std::string LineOf(const CTime& time, const char* message) {
+    const CString stamp = time.Format("[%Y/%m/%d %H:%M:%S],");
+    const std::string_view text = message != nullptr ? message : "";
+    std::string line;
+    line.reserve(stamp.View().size() + text.size() + 2);
+    return line.append(stamp.View()).append(text).append("\r\n");
+}
+
+std::string WhyNot(LONG code) {
+    switch (code) {
+        case qel::kFolderMissing:
+            return "its folder is missing";
+        case qel::kAccessDenied:
+            return "it is no file, or may not be written";
+        case qel::kWriteProtected:
+            return "its disk can only be read";
+        case qel::kSharingViolation:
+            return "it is open elsewhere, in this program or another one";
+        default:
+            return CFileException(qel::CauseOfCode(code)).what();
+    }
+}
+
+void WriteDump(qel::LogFile& file, std::span<const unsigned char> bytes) {
     while (!bytes.empty()) {
         const auto block = bytes.first(std::min(kDumpBlock, bytes.size()));
-        WriteText(file, qel::LogDump(block));
+        file.Append(qel::LogDump(block));
         bytes = bytes.subspan(block.size());
     }
 }
@@ -104,17 +131,28 @@ void CLog::LogOut(int level, const char* message, const void* data, int size) {
     if (path.IsEmpty()) return;
 
     std::unique_lock turn(theTurn, std::defer_lock);
-    CFile file;
-    if (!OpenInTurn(file, path, turn, Wait(now.GetTime()))) return;
-    qel::WriteUndo undo(file, file.GetLength());
-    const CString line = now.Format("[%Y/%m/%d %H:%M:%S],") + message + "\r\n";
-    WriteText(file, line.View());
-    OutputDebugStringA(line);
+    qel::LogFile file;
+    if (!OpenInTurn(file, path, turn, now.GetTime())) return;
+    const std::string line = LineOf(now, message);
+    file.Append(line);
+    OutputDebugStringA(line.c_str());
     if (data != nullptr && size > 0) {
         WriteDump(file, {static_cast<const unsigned char*>(data), static_cast<std::size_t>(size)});
     }
-    undo.Keep();
     file.Close();
+}
+
+qel::LogState qel::CanLog() {
+    const CString path = CLog::LogFile();
+    if (path.IsEmpty()) return {0, "logging is off: no log file is set"};
+    std::unique_lock turn(theTurn, std::defer_lock);
+    LogFile file;
+    LONG code = TryInTurn(file, path, turn);
+    for (Backoff wait(kForLinesOfOthers); code == kSharingViolation && wait.Again();) {
+        code = TryInTurn(file, path, turn);
+    }
+    if (code == 0) return {};
+    return {code, path + ": " + WhyNot(code).c_str() + " (code " + std::to_string(code).c_str() + ")"};
 }
 
 void CLog::SetLockKeyword(const char* name) { m_szLockKeyword = name; }

@@ -6,6 +6,23 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
+namespace qel {
+
+/// Whether messages can be logged, and if not, why.
+struct LogState {
+    LONG code = 0;   ///< the system's, as CFileException::m_lOsError; also 0 while logging is off
+    CString reason;  ///< English, with the path; empty when messages can be logged
+
+    explicit operator bool() const { return reason.IsEmpty(); }
+};
+
+/// Opens the log file as CLog::LogOut does, and closes it; the file is made when it is missing, its bytes stay as they
+/// are. LogOut drops messages without a word, after 10 seconds each, so a program asks here when it has set its log
+/// file. Others who are just writing a line are waited for, at most a quarter of a second; nothing is thrown.
+QELLIB10_API LogState CanLog();
+
+}  // namespace qel
+
 /// The process's log: one text file, lines with their time, dumps of byte blocks, and a threshold.
 ///
 ///     [2012/01/03 09:05:07],message CR LF
@@ -28,7 +45,7 @@ public:
 
     /// Writes @p message, and @p size bytes at @p data unless @p data is null, if @p level is at most the threshold.
     /// The line, not the dump, also goes to the debugger's output. While the file cannot be opened, whatever the
-    /// reason, it tries again until 10 seconds of the clock have passed, and then drops the message.
+    /// reason, it tries again until 10 seconds of the clock have passed, and then drops the message: see qel::CanLog.
     /// @throws CFileException when the file is open but writing fails; nothing of the message is in it then
     static void LogOut(int level, const char* message, const void* data = nullptr, int size = 0);
 
@@ -48,6 +65,8 @@ public:
     static int GetMessageBufferSize();
 
 private:
+    friend qel::LogState qel::CanLog();
+
     static CString LogFile();
 
     static constexpr int kMessageBufferSize = 1024;

@@ -43,6 +43,7 @@ int main() {
     settings.Set("Log", "File", "meter.log");
     CLog::SetLogLevel(settings.Get("Log", "Level", 0));
     CLog::SetLogFile(settings.Get("Log", "File", ""));
+    if (const qel::LogState log = qel::CanLog(); !log) std::puts("no log: " + log.reason);
 
     if (!Write(path, "EP 16.519 mL\r\n", CFile::modeCreate | kForChange, 0)) return 1;
     CLog::LogOut(1, "sealed " + path);

@@ -90,6 +90,15 @@ void WriteFully(const Descriptor& file, std::span<const std::byte> bytes, std::s
     });
 }
 
+void WriteFully(const Descriptor& file, std::span<const std::byte> bytes, std::string_view name,
+                std::uint64_t& written) {
+    WriteAll(bytes, name, [&](std::span<const std::byte> rest, std::size_t) {
+        const ssize_t put = ::write(file.Get(), rest.data(), rest.size());
+        if (put > 0) written += static_cast<std::uint64_t>(put);
+        return put;
+    });
+}
+
 void WriteFullyAt(const Descriptor& file, std::span<const std::byte> bytes, std::uint64_t offset,
                   std::string_view name) {
     WriteAll(bytes, name, [&](std::span<const std::byte> rest, std::size_t done) {

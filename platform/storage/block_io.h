@@ -31,6 +31,9 @@ QELLIB10_API std::size_t ReadFullyAt(const Descriptor& file, std::span<std::byte
 
 /// Writes all bytes, at the current position or at @p offset, where the position stays.
 QELLIB10_API void WriteFully(const Descriptor& file, std::span<const std::byte> bytes, std::string_view name);
+/// @param written grows by what was written, also when it throws
+QELLIB10_API void WriteFully(const Descriptor& file, std::span<const std::byte> bytes, std::string_view name,
+                             std::uint64_t& written);
 QELLIB10_API void WriteFullyAt(const Descriptor& file, std::span<const std::byte> bytes, std::uint64_t offset,
                                std::string_view name);
 

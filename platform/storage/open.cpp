@@ -33,35 +33,38 @@ int Empty(const Descriptor& file) {
 
 bool Writes(const OpenRequest& request) { return request.mode.write || request.truncate; }
 
-Descriptor OpenPlain(const std::string& path, const OpenRequest& request, std::string_view name) {
+// @return the access of the descriptor, O_RDWR, O_RDONLY or O_WRONLY; without a descriptor errno says why
+int OpenPlain(const std::string& path, const OpenRequest& request, Descriptor& file) {
     // A child must not inherit a file, and neither a pipe nor a terminal may hold the opening up.
     int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     if (request.create) flags |= O_CREAT;
+    if (request.append) flags |= O_APPEND;
     if (request.writeThrough) flags |= O_DSYNC;
-    Descriptor file(OpenOnce(path, flags | (Writes(request) ? O_RDWR : O_RDONLY)));
-    // Marks want a descriptor that can read; only a file that cannot be read does without.
-    if (!file && errno == EACCES && request.mode.write && !request.mode.read) {
-        file.Reset(OpenOnce(path, flags | O_WRONLY));
-    }
-    if (!file) ThrowErrno(errno, name, path);
-    return file;
+    const int access = Writes(request) ? O_RDWR : O_RDONLY;
+    file.Reset(OpenOnce(path, flags | access));
+    // Marks need a descriptor that can read; only for a file that cannot be read it is one that can only write.
+    if (file || errno != EACCES || !request.mode.write || request.mode.read) return access;
+    file.Reset(OpenOnce(path, flags | O_WRONLY));
+    return O_WRONLY;
 }
 
-// The read-only attribute stands in the mode and is obeyed there: root passes every permission check.
-void CheckOpenable(const struct stat& status, const OpenRequest& request, std::string_view name) {
+// The read-only attribute is in the mode and is obeyed there: root passes every permission check.
+bool IsOpenable(const struct stat& status, const OpenRequest& request) {
     const bool readOnly = (status.st_mode & kAnyWriteBit) == 0;
-    if (!S_ISREG(status.st_mode) || (readOnly && Writes(request))) ThrowCode(kAccessDenied, name);
+    return S_ISREG(status.st_mode) && !(readOnly && Writes(request));
 }
 
-// One try. No descriptor: the file was replaced or deleted between opening and marking, so the marks protect nothing.
-Descriptor TryOpen(const std::string& path, const OpenRequest& request, std::string_view name) {
-    Descriptor file = OpenPlain(path, request, name);
+// One try. Success without a descriptor: the file was replaced or deleted between opening and marking, so the marks
+// protect nothing.
+LONG TryOpen(const std::string& path, const OpenRequest& request, Descriptor& file) {
+    const int access = OpenPlain(path, request, file);
+    if (!file) return CodeOfErrno(errno, path);
     struct stat opened = {};
-    if (::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name);
-    CheckOpenable(opened, request, name);
-    if (!ClaimShare(file.Get(), request.mode)) ThrowCode(kSharingViolation, name);
+    if (::fstat(file.Get(), &opened) != 0) return CodeOfErrno(errno);
+    if (!IsOpenable(opened, request)) return kAccessDenied;
+    if (!ClaimShare(file.Get(), access, request.mode)) return kSharingViolation;
     if (!StandsAt(path, opened)) CloseShared(file);
-    return file;
+    return 0;
 }
 
 }  // namespace
@@ -80,17 +83,22 @@ OpenRequest OpenRequest::OfFlags(UINT flags) {
     return request;
 }
 
+LONG TryOpenShared(const std::string& posixPath, const OpenRequest& request, Descriptor& file) {
+    LONG code = 0;
+    for (int tries = 0; code == 0 && !file; ++tries) {
+        code = tries < kReplacedTries ? TryOpen(posixPath, request, file) : LONG{kSharingViolation};
+    }
+    if (code == 0 && request.truncate && Empty(file) != 0) {
+        code = CodeOfErrno(errno);
+        CloseShared(file);
+    }
+    if (code != 0) file.Reset();
+    return code;
+}
+
 Descriptor OpenShared(const std::string& posixPath, const OpenRequest& request, std::string_view name) {
     Descriptor file;
-    for (int tries = 0; !file; ++tries) {
-        if (tries == kReplacedTries) ThrowCode(kSharingViolation, name);
-        file = TryOpen(posixPath, request, name);
-    }
-    if (request.truncate && Empty(file) != 0) {
-        const int error = errno;
-        CloseShared(file);
-        ThrowErrno(error, name);
-    }
+    if (const LONG code = TryOpenShared(posixPath, request, file)) ThrowCode(code, name);
     return file;
 }
 

@@ -105,8 +105,7 @@ int MarkThenTest(int file, const ShareMode& mode, bool readable) {
 
 }  // namespace
 
-bool ClaimShare(int file, const ShareMode& mode) {
-    const int access = ::fcntl(file, F_GETFL) & O_ACCMODE;
+bool ClaimShare(int file, int access, const ShareMode& mode) {
     int error;
     if (mode.denyRead && mode.denyWrite && access == O_RDWR) {
         error = SetLock(file, F_WRLCK, kShareMarksAt, kMarks * kSpan);  // one atomic step against everything below

@@ -34,8 +34,9 @@ struct ShareMode {
 };
 
 /// Marks the description of @p file. A descriptor that can both read and write is marked fastest.
+/// @param access what the descriptor was opened with: O_RDONLY, O_WRONLY or O_RDWR
 /// @return false when another opening is in the way; nothing is marked then
-bool ClaimShare(int file, const ShareMode& mode);
+bool ClaimShare(int file, int access, const ShareMode& mode);
 
 /// Takes the marks back. Closing does that too, yet late when a child between fork and exec still holds a copy.
 void WithdrawShare(int file) noexcept;

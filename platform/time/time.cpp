@@ -1,6 +1,8 @@
 #include "qellib10/platform/time/time.h"
 
 #include <time.h>
+
+#include <array>
 #include <limits>
 #include <string>
 
@@ -72,7 +74,11 @@ int CTime::GetSecond() const noexcept {
 CString CTime::Format(const char* format) const {
     tm fields{};
     if (format == nullptr || *format == '\0' || !LocalFields(m_time, fields)) return {};
-    for (std::size_t size = 128; size <= kLongestFormat; size *= 2) {
+    std::array<char, 128> usual;
+    if (const std::size_t size = strftime_l(usual.data(), usual.size(), format, &fields, qel::CLocale())) {
+        return CString(std::string_view(usual.data(), size));
+    }
+    for (std::size_t size = 2 * usual.size(); size <= kLongestFormat; size *= 2) {
         std::string text(size, '\0');
         text.resize(strftime_l(text.data(), text.size(), format, &fields, qel::CLocale()));
         if (!text.empty()) return CString(std::string_view(text));

@@ -1,5 +1,6 @@
 #include "qellib10/file/log.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -130,6 +131,33 @@ TEST_F(LogTest, WaitsForAHeldFileAndGivesUpAfterTenSeconds) {
     const std::time_t start = std::time(nullptr);
     CLog::LogOut(0, "dropped");
     EXPECT_NEAR(static_cast<double>(std::time(nullptr) - start), 10.5, 1);
+}
+
+TEST_F(LogTest, CanLogSaysWhyNotWithoutWaiting) {
+    m_folder.Write("kept.txt", "first\r\n");
+    m_folder.Write("read.txt", "");
+    ASSERT_EQ(::chmod(m_folder.Posix("read.txt").c_str(), 0444), 0);
+    CFile viewer(m_folder.Path("held.txt"), CFile::modeCreate | CFile::modeReadWrite | CFile::shareDenyNone);
+    const CString folder = m_folder.Path("");
+    for (const auto& [path, code, words] :
+         Cases<CString, LONG, const char*>{{"", 0, "logging is off"},
+                                           {folder, 5, "it is no file"},
+                                           {m_folder.Path("missing/log.txt"), 3, "its folder is missing (code 3)"},
+                                           {m_folder.Path("read.txt"), 5, "may not be written"},
+                                           {m_folder.Path("held.txt"), 32, "it is open elsewhere"},
+                                           {m_folder.Path("kept.txt"), 0, ""},
+                                           {m_folder.Path("new.txt"), 0, ""}}) {
+        CLog::SetLogFile(path);
+        const auto start = std::chrono::steady_clock::now();
+        const qel::LogState state = qel::CanLog();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2)) << path;
+        EXPECT_EQ(state.code, code) << path;
+        EXPECT_EQ(static_cast<bool>(state), *words == '\0') << path;
+        EXPECT_NE(state.reason.View().find(words), std::string_view::npos) << state.reason;
+    }
+    EXPECT_EQ(m_folder.Read("kept.txt"), "first\r\n");
+    EXPECT_TRUE(m_folder.Has("new.txt"));
+    EXPECT_FALSE(m_folder.Has("missing"));
 }
 
 TEST_F(LogTest, TheMessageBufferIsClaimedByOneProcess) {

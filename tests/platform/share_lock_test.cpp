@@ -126,14 +126,14 @@ TEST_F(ShareLock, WorksOnDescriptorsThatCannotRead) {
         return qel::Descriptor(::open(m_folder.Posix("a").c_str(), flags | O_CLOEXEC));
     };
     const qel::Descriptor first = open(O_WRONLY), second = open(O_WRONLY), reader = open(O_RDONLY);
-    EXPECT_TRUE(qel::ClaimShare(first.Get(), {.write = true, .denyRead = true}));
-    EXPECT_FALSE(qel::ClaimShare(reader.Get(), {.read = true}));
-    EXPECT_TRUE(qel::ClaimShare(second.Get(), {.write = true, .denyRead = true}));
+    EXPECT_TRUE(qel::ClaimShare(first.Get(), O_WRONLY, {.write = true, .denyRead = true}));
+    EXPECT_FALSE(qel::ClaimShare(reader.Get(), O_RDONLY, {.read = true}));
+    EXPECT_TRUE(qel::ClaimShare(second.Get(), O_WRONLY, {.write = true, .denyRead = true}));
     qel::WithdrawShare(first.Get());
-    EXPECT_FALSE(qel::ClaimShare(reader.Get(), {.read = true}));
+    EXPECT_FALSE(qel::ClaimShare(reader.Get(), O_RDONLY, {.read = true}));
     qel::WithdrawShare(second.Get());
-    EXPECT_TRUE(qel::ClaimShare(reader.Get(), {.read = true, .denyWrite = true}));
-    EXPECT_FALSE(qel::ClaimShare(first.Get(), {.write = true}));
+    EXPECT_TRUE(qel::ClaimShare(reader.Get(), O_RDONLY, {.read = true, .denyWrite = true}));
+    EXPECT_FALSE(qel::ClaimShare(first.Get(), O_WRONLY, {.write = true}));
 }
 
 // Threads and processes count in one file, each step under an opening that keeps the others out; the first in place,

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/text/string.h"
+#include "qellib10/platform/types.h"
+
+namespace qel {
+
+/// The log file while one message is written, open for appending and for nobody else: for CFile it is open with
+/// modeWrite and shareExclusive. A line costs no more system calls than being alone with a file takes. What was
+/// appended is taken back unless Close is called.
+class LogFile {
+public:
+    LogFile() = default;
+    ~LogFile();
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+
+    /// Opens the file at @p path, once; makes it when it is missing.
+    /// @return 0, or why not, as CFileException::m_lOsError: 32 while another opening is in the way
+    LONG Open(const CString& path);
+
+    /// @throws CFileException, as does Close
+    void Append(std::string_view text);
+    void Close();
+
+private:
+    Descriptor m_file;
+    CString m_path;
+    std::uint64_t m_appended = 0;  // bytes
+};
+
+}  // namespace qel
