@@ -1,7 +1,9 @@
 #include "qellib10/base/read_number.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -43,6 +45,15 @@ std::optional<double> ReadScpiNumber(std::string_view text) {
     if (number == -9.9e37) return -Limits::infinity();
     if (number == 9.91e37) return Limits::quiet_NaN();
     return number;
+}
+
+CString NumberText(double value) {
+    const double size = std::fabs(value);
+    const bool isPlain = size == 0 || (size >= 1e-4 && size < 1e15);
+    std::array<char, 32> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value,
+                                            isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+    return CString(std::string_view(text.data(), end));
 }
 
 }  // namespace qel

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "qellib10/platform/export.h"
+#include "qellib10/platform/text/string.h"
 
 // The numbers of instruments and of tables. CQVariant::StrToDouble returns 0 for what is not a number, and does not
 // read an exponent after a point; with these a reading that cannot be read is never taken for a measured 0.
@@ -20,5 +21,10 @@ QELLIB10_API std::optional<double> ReadNumber(std::string_view text);
 /// and 9.91E37 for "not a number". These are returned as such, whatever number of digits they are written with; all
 /// else is read as by ReadNumber. A comma separates values there and makes a text no number: split the reply first.
 QELLIB10_API std::optional<double> ReadScpiNumber(std::string_view text);
+
+/// The text with the fewest digits that ReadNumber reads as the same double: "0.1", "100000"; below 0.0001 and from
+/// 1E15 on with an exponent: "1e+23". Not for results, which have the places of CQVariant::DoubleToStr. Infinities and
+/// NaN are "inf" and "nan", which ReadNumber refuses.
+QELLIB10_API CString NumberText(double value);
 
 }  // namespace qel

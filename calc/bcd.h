@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+
 #include "qellib10/calc/dec_number.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
@@ -17,7 +19,9 @@
 /// With any other mode an operation that has to round gives NaN.
 ///
 /// An operand is a CBCD, a decNumber, a text in decNumber's syntax (12, -1.5, 2.5E-3, Infinity, NaN) or an int; other
-/// arithmetic types convert to int first and lose their decimals.
+/// integer types convert to int first. A floating-point operand does not compile, since as an int it would lose its
+/// decimals: give the text that is meant, of a measured value CQVariant::DoubleToStr's with the places that count, or
+/// qel::NumberText's with all digits.
 class QELLIB10_API CBCD {
 public:
     /// 0, half-up.
@@ -29,6 +33,7 @@ public:
     /// to read more than 45 digits, and gives it back.
     CBCD(const char* text);
     CBCD(int value);
+    template <std::floating_point T> CBCD(T value) = delete;
 
     /// Value, rounding mode and status of @p other.
     CBCD(const CBCD& other) = default;
@@ -38,6 +43,7 @@ public:
     CBCD operator=(const decNumber& value) { return *this = CBCD(value); }
     CBCD operator=(const char* text) { return *this = CBCD(text); }
     CBCD operator=(int value) { return *this = CBCD(value); }
+    template <std::floating_point T> CBCD operator=(T value) = delete;
 
     /// The result, rounded to 15 digits by this number's mode; its own mode is half-up. Not const: what happened is
     /// added to this number's status.
@@ -45,18 +51,22 @@ public:
     CBCD operator+(const decNumber& right) { return *this + CBCD(right); }
     CBCD operator+(const char* right) { return *this + CBCD(right); }
     CBCD operator+(int right) { return *this + CBCD(right); }
+    template <std::floating_point T> CBCD operator+(T right) = delete;
     CBCD operator-(const CBCD& right);
     CBCD operator-(const decNumber& right) { return *this - CBCD(right); }
     CBCD operator-(const char* right) { return *this - CBCD(right); }
     CBCD operator-(int right) { return *this - CBCD(right); }
+    template <std::floating_point T> CBCD operator-(T right) = delete;
     CBCD operator*(const CBCD& right);
     CBCD operator*(const decNumber& right) { return *this * CBCD(right); }
     CBCD operator*(const char* right) { return *this * CBCD(right); }
     CBCD operator*(int right) { return *this * CBCD(right); }
+    template <std::floating_point T> CBCD operator*(T right) = delete;
     CBCD operator/(const CBCD& right);
     CBCD operator/(const decNumber& right) { return *this / CBCD(right); }
     CBCD operator/(const char* right) { return *this / CBCD(right); }
     CBCD operator/(int right) { return *this / CBCD(right); }
+    template <std::floating_point T> CBCD operator/(T right) = delete;
 
     /// The result by this number's mode takes its place, and the mode is half-up again.
     /// @return a copy
@@ -64,18 +74,22 @@ public:
     CBCD operator+=(const decNumber& right) { return *this = *this + right; }
     CBCD operator+=(const char* right) { return *this = *this + right; }
     CBCD operator+=(int right) { return *this = *this + right; }
+    template <std::floating_point T> CBCD operator+=(T right) = delete;
     CBCD operator-=(const CBCD& right) { return *this = *this - right; }
     CBCD operator-=(const decNumber& right) { return *this = *this - right; }
     CBCD operator-=(const char* right) { return *this = *this - right; }
     CBCD operator-=(int right) { return *this = *this - right; }
+    template <std::floating_point T> CBCD operator-=(T right) = delete;
     CBCD operator*=(const CBCD& right) { return *this = *this * right; }
     CBCD operator*=(const decNumber& right) { return *this = *this * right; }
     CBCD operator*=(const char* right) { return *this = *this * right; }
     CBCD operator*=(int right) { return *this = *this * right; }
+    template <std::floating_point T> CBCD operator*=(T right) = delete;
     CBCD operator/=(const CBCD& right) { return *this = *this / right; }
     CBCD operator/=(const decNumber& right) { return *this = *this / right; }
     CBCD operator/=(const char* right) { return *this = *this / right; }
     CBCD operator/=(int right) { return *this = *this / right; }
+    template <std::floating_point T> CBCD operator/=(T right) = delete;
 
     /// Comparison by value: 1.0 equals 1.00, -0 equals 0. A NaN is ordered by the library's total order, which looks at
     /// the stored fields: it stands behind every number, Infinity too (-NaN before every number), and equals only a NaN
@@ -84,30 +98,37 @@ public:
     int operator==(const decNumber& right) const { return Compare(right) == 0; }
     int operator==(const char* right) const { return Compare(right) == 0; }
     int operator==(int right) const { return Compare(right) == 0; }
+    template <std::floating_point T> int operator==(T right) const = delete;
     int operator!=(const CBCD& right) const { return Compare(right) != 0; }
     int operator!=(const decNumber& right) const { return Compare(right) != 0; }
     int operator!=(const char* right) const { return Compare(right) != 0; }
     int operator!=(int right) const { return Compare(right) != 0; }
+    template <std::floating_point T> int operator!=(T right) const = delete;
     int operator<(const CBCD& right) const { return Compare(right) < 0; }
     int operator<(const decNumber& right) const { return Compare(right) < 0; }
     int operator<(const char* right) const { return Compare(right) < 0; }
     int operator<(int right) const { return Compare(right) < 0; }
+    template <std::floating_point T> int operator<(T right) const = delete;
     int operator>(const CBCD& right) const { return Compare(right) > 0; }
     int operator>(const decNumber& right) const { return Compare(right) > 0; }
     int operator>(const char* right) const { return Compare(right) > 0; }
     int operator>(int right) const { return Compare(right) > 0; }
+    template <std::floating_point T> int operator>(T right) const = delete;
     int operator<=(const CBCD& right) const { return Compare(right) <= 0; }
     int operator<=(const decNumber& right) const { return Compare(right) <= 0; }
     int operator<=(const char* right) const { return Compare(right) <= 0; }
     int operator<=(int right) const { return Compare(right) <= 0; }
+    template <std::floating_point T> int operator<=(T right) const = delete;
     int operator>=(const CBCD& right) const { return Compare(right) >= 0; }
     int operator>=(const decNumber& right) const { return Compare(right) >= 0; }
     int operator>=(const char* right) const { return Compare(right) >= 0; }
     int operator>=(int right) const { return Compare(right) >= 0; }
+    template <std::floating_point T> int operator>=(T right) const = delete;
 
     /// 1.0 multiplied @p n times by this number, each product rounded half-up to 15 digits; the power 0 is 1.0, of NaN
     /// too. Takes @p n multiplications, fewer once the product no longer changes.
     CBCD operator^(unsigned int n) const;
+    template <std::floating_point T> CBCD operator^(T n) const = delete;
 
     /// The square root, half-even; NaN below zero.
     static CBCD SquareRoot(CBCD x);

@@ -1,6 +1,8 @@
 #include "qellib10/file/private_profile.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -10,6 +12,8 @@
 #include "qellib10/platform/storage/ini_file.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/text/number_scan.h"
+
+#include "qellib10/base/read_number.h"
 #include "qellib10/runtime/system_info.h"
 
 namespace {
@@ -49,6 +53,16 @@ CString NameOf(int key) { return CString(std::string_view(std::to_string(key)));
 
 // With a terminating zero, which the system adds to a text that was stored without one.
 std::size_t SizeOfText(const std::string& text) { return text.size() + (text.ends_with('\0') ? 0 : 1); }
+
+// What Get of a text gives: one that its buffer can hold.
+const char* TextIn(const qel::RegistryValue& value, const char* otherwise) {
+    return qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer ? value.data.c_str() : otherwise;
+}
+
+std::optional<int> IntIn(const qel::RegistryValue& value) {
+    if (value.type != REG_DWORD || value.data.size() != sizeof(int)) return std::nullopt;
+    return qel::FromLittleEndian<int>(std::as_bytes(std::span(value.data)).first<sizeof(int)>());
+}
 
 // A key that is closed at the end of the scope.
 class RegistryKey {
@@ -133,6 +147,10 @@ int CPrivateProfile::Set(const char* section, const char* key, int value) {
     return Write(section, key, REG_DWORD, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
+int CPrivateProfile::SetDouble(const char* section, const char* key, double value) {
+    return std::isfinite(value) ? Set(section, key, qel::NumberText(value)) : 0;
+}
+
 int CPrivateProfile::Set(const char* section, int key, const char* value) { return Set(section, NameOf(key), value); }
 int CPrivateProfile::Set(const char* section, int key, int value) { return Set(section, NameOf(key), value); }
 
@@ -148,9 +166,7 @@ CString CPrivateProfile::Get(const char* section, const char* key, const char* d
         return text.empty() ? defaultValue : text.c_str();
     }
     qel::RegistryValue value;
-    const bool fits =
-        Read(section, key, value) && qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer;
-    return fits ? value.data.c_str() : defaultValue;
+    return Read(section, key, value) ? TextIn(value, defaultValue) : defaultValue;
 }
 
 int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {
@@ -159,9 +175,15 @@ int CPrivateProfile::Get(const char* section, const char* key, int defaultValue)
         return qel::ClampToInt(qel::ScanInteger(text.View()));
     }
     qel::RegistryValue value;
-    const bool isNumber = Read(section, key, value) && value.type == REG_DWORD && value.data.size() == sizeof(int);
-    if (!isNumber) return defaultValue;
-    return qel::FromLittleEndian<int>(std::as_bytes(std::span(value.data)).first<sizeof(int)>());
+    return (Read(section, key, value) ? IntIn(value) : std::nullopt).value_or(defaultValue);
+}
+
+double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
+    if (m_nMode != registryMode) return qel::ReadNumber(Get(section, key, "").View()).value_or(defaultValue);
+    qel::RegistryValue value;
+    if (!Read(section, key, value)) return defaultValue;
+    if (const auto number = IntIn(value)) return *number;
+    return qel::ReadNumber(TextIn(value, "")).value_or(defaultValue);
 }
 
 CString CPrivateProfile::Get(const char* section, int key, const char* defaultValue) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <string_view>
 
 #include "qellib10/platform/export.h"
@@ -42,6 +43,13 @@ public:
     int Set(const char* section, const char* key, int value);
     int Set(const char* section, int key, const char* value);
     int Set(const char* section, int key, int value);
+    /// Does not compile, since as an int the number would lose its decimals: see SetDouble.
+    template <typename Key, typename Value>
+    requires(std::floating_point<Key> || std::floating_point<Value>) int Set(const char* section, Key key,
+                                                                             Value value) = delete;
+    /// The shortest text that reads back as the same number, also in the registry: "1.006".
+    /// @return 0 and no change for infinities and NaN
+    int SetDouble(const char* section, const char* key, double value);
     /// Bytes, at most 1 MiB; registry only.
     int Set(const char* section, const char* key, const void* data, DWORD size);
 
@@ -52,6 +60,12 @@ public:
     int Get(const char* section, const char* key, int defaultValue) const;
     CString Get(const char* section, int key, const char* defaultValue) const;
     int Get(const char* section, int key, int defaultValue) const;
+    template <typename Key, typename Default>
+    requires(std::floating_point<Key> || std::floating_point<Default>) int Get(const char* section, Key key,
+                                                                               Default defaultValue) const = delete;
+    /// The number that is the whole of the text, as qel::ReadNumber reads it (people type 1,006 too), or REG_DWORD.
+    /// Other than of an int, a text that is no number gives the default.
+    double GetDouble(const char* section, const char* key, double defaultValue) const;
     /// The bytes of a value of any type; registry only.
     /// @param data null: only the size is wanted
     /// @param size in: room in @p data; out: the value's size, also when the room is too small, which is a failure

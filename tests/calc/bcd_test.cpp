@@ -1,12 +1,29 @@
 #include "qellib10/calc/bcd.h"
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "../support/line.h"
 #include "../support/test.h"
+#include "qellib10/platform/types.h"
 
 static_assert(std::is_trivially_copyable_v<CBCD>);
+
+// How many of the 17 operations compile with an operand of type T.
+// clang-format off
+template <typename T, typename... Operators> constexpr int kWith = (std::is_invocable_v<Operators, CBCD&, T> + ...);
+template <typename T> constexpr int kForms =
+    std::is_constructible_v<CBCD, T> + std::is_assignable_v<CBCD&, T> +
+    kWith<T, std::plus<>, std::minus<>, std::multiplies<>, std::divides<>, std::bit_xor<>> +
+    kWith<T, std::equal_to<>, std::not_equal_to<>, std::less<>, std::less_equal<>, std::greater<>, std::greater_equal<>> +
+    requires(CBCD x, T y) { x += y; } + requires(CBCD x, T y) { x -= y; } + requires(CBCD x, T y) { x *= y; } +
+    requires(CBCD x, T y) { x /= y; };
+// clang-format on
+static_assert(kForms<int> == 17 && kForms<unsigned> == 17 && kForms<long> == 17 && kForms<DWORD> == 17);
+static_assert(kForms<short> == 17 && kForms<bool> == 17 && kForms<const char*> == 16);
+// As an int it would lose its decimals without a word.
+static_assert(kForms<float> == 0 && kForms<double> == 0 && kForms<long double> == 0 && kForms<const double&> == 0);
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "qellib10/file/private_profile.h"
 
+#include <cmath>
 #include <random>
 
 #include "../support/child_process.h"
@@ -9,6 +10,17 @@
 #include "../support/soak.h"
 #include "../support/test.h"
 #include "qellib10/runtime/system_info.h"
+
+// How many of the two operations compile; a floating-point key or number would be cut to an int without a word.
+// clang-format off
+template <typename Key, typename Value> constexpr int kForms =
+    requires(CPrivateProfile profile, Key key, Value value) { profile.Set("", key, value); } +
+    requires(CPrivateProfile profile, Key key, Value value) { profile.Get("", key, value); };
+// clang-format on
+static_assert(kForms<const char*, int> == 2 && kForms<CString, unsigned> == 2 && kForms<int, long> == 2);
+static_assert(kForms<DWORD, DWORD> == 2 && kForms<const char*, const char*> == 2 && kForms<short, CString> == 2);
+static_assert(kForms<const char*, double> == 0 && kForms<CString, float> == 0 && kForms<int, long double> == 0);
+static_assert(kForms<double, int> == 0 && kForms<float, const char*> == 0);
 
 namespace {
 
@@ -53,6 +65,36 @@ TEST_F(RegistryProfile, AndIniFilesGiveBackWhatWasSet) {
         EXPECT_EQ(profile.Close() * 10 + profile.Set("S", "k", "after"), 10);
         EXPECT_EQ(profile.Get("S", "k", "d  "), "d  ");
         EXPECT_EQ(copy.Get("S", "k", "d"), kLongest.c_str());
+    }
+}
+
+TEST_F(RegistryProfile, AndIniFilesKeepEveryDigitOfADouble) {
+    // clang-format off
+    const Cases<double, const char*> numbers = {
+        {1.006, "1.006"}, {-0.1, "-0.1"}, {100000, "100000"}, {0.1 + 0.2, "0.30000000000000004"}, {-0.0, "-0"},
+        {0.0001, "0.0001"}, {1e23, "1e+23"}, {5e-324, "5e-324"}};
+    const Cases<const char*, double> texts = {
+        {" 1,006 ", 1.006}, {"1.5e2", 150}, {"12abc", 7}, {"inf", 7}, {"", 7}, {kLongest.c_str(), 7}};
+    // clang-format on
+    for (const int mode : {CPrivateProfile::iniMode, CPrivateProfile::registryMode}) {
+        SCOPED_TRACE(mode);
+        const CString file = m_registry.Folder().Path("double.ini");
+        Profile profile(mode == CPrivateProfile::registryMode ? kPlace : static_cast<const char*>(file), mode);
+        for (const auto& [number, text] : numbers) {
+            EXPECT_EQ(profile.SetDouble("Titrant", "Factor", number), 1);
+            EXPECT_EQ(profile.Get("Titrant", "Factor", ""), text);
+            EXPECT_EQ(profile.GetDouble("titrant", "FACTOR", 7), number);
+        }
+        EXPECT_EQ(profile.SetDouble("Titrant", "Factor", HUGE_VAL), 0);
+        EXPECT_EQ(profile.SetDouble("Titrant", "Factor", NAN), 0);
+        EXPECT_EQ(profile.GetDouble("Titrant", "Factor", 7), 5e-324);
+        for (const auto& [text, number] : texts) {
+            EXPECT_EQ(profile.Set("Titrant", "Typed", text), 1);
+            EXPECT_EQ(profile.GetDouble("Titrant", "Typed", 7), number) << text;
+        }
+        EXPECT_EQ(profile.Set("Titrant", "Count", -3), 1);
+        EXPECT_EQ(profile.GetDouble("Titrant", "Count", 7), -3);
+        EXPECT_EQ(profile.GetDouble("Titrant", "missing", 7), 7);
     }
 }
 
