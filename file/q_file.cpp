@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/text/code_page.h"
 
@@ -86,4 +87,7 @@ int CQFile::GetFileSize(const char* name, DWORD* size) {
     return 1;
 }
 
-int CQFile::IsCanOverwrite(const char* name) { return !IsExist(name) || CFile().Open(name, modeWrite) ? 1 : 0; }
+int CQFile::IsCanOverwrite(const char* name) {
+    CFileException failure;
+    return CFile().Open(name, modeWrite, &failure) || qel::IsMissing(failure) ? 1 : 0;
+}
