@@ -1,5 +1,6 @@
 #include "qellib10/runtime/check_repeat_exec.h"
 
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/sync/handle.h"
 #include "qellib10/platform/sync/named_mutex.h"
 
@@ -12,6 +13,14 @@ int CCheckRepeatExec::CheckRepeatExecute(const char* name) {
         qel::CloseHandle(other);
         return 1;
     }
-    m_hMutex = qel::CreateNamedMutex(name).handle;
+    const bool isMissing = qel::LastError() == qel::kFileMissing;
+    const qel::OpenedObject mark = qel::CreateNamedMutex(name);
+    // The mark of another one that this process could not open just now, as when it has too many files.
+    const bool isAnothers = mark.existed && !isMissing;
+    if (mark.handle == nullptr || isAnothers) {
+        if (isAnothers) qel::CloseHandle(mark.handle);
+        return 1;
+    }
+    m_hMutex = mark.handle;
     return 0;
 }

@@ -19,9 +19,10 @@ public:
     /// Takes back the mark of the last name that was free, unless another process has it too.
     virtual ~CCheckRepeatExec();
 
-    /// 1 when an instance, this process included, has the mark @p name. Otherwise 0, and the mark is set; it stays
-    /// until the process ends when a further name is asked for. Two instances that start at the same moment may both
-    /// get 0; so does everybody for a name that cannot be one.
+    /// 1 when an instance, this process included, has the mark @p name, and also when that cannot be known: nobody is
+    /// the first whose mark cannot be set, as for a name that cannot be one. Otherwise
+    /// 0, and the mark is set; it stays until the process ends when a further name is asked for. Two instances that
+    /// start at the same moment may both get 0; so does everybody for null and the empty name, which mark nothing.
     int CheckRepeatExecute(const char* name);
 
 private:

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <memory>
 
 #include "qellib10/platform/storage/file_error.h"
@@ -38,17 +39,50 @@ Folder& KeptFolder() {
     throw SystemFailure{error == ENOSPC ? LONG{kOutOfMemory} : CodeOfErrno(error, path)};
 }
 
-Descriptor OpenFolder(uid_t user) {
-    const std::string path = "/dev/shm/qellib10-" + std::to_string(user);
-    if (::mkdir(path.c_str(), kUserOnly) != 0 && errno != EEXIST) Fail(errno, path);
+// In memory, where anybody may make a folder, also one that bears another user's number: there are further names then.
+std::string MemoryFolder(uid_t user, int number) {
+    const std::string first = "/dev/shm/qellib10-" + std::to_string(user);
+    return number == 0 ? first : first + '-' + std::to_string(number);
+}
+
+// @return none where there is no folder, or one that is not the user's alone
+Descriptor OpenOwn(const std::string& path, uid_t user) {
     Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!folder && (errno == ENOTDIR || errno == ELOOP)) throw SystemFailure{kAccessDenied};
-    if (!folder) Fail(errno, path);
+    const bool isNotThere = errno == ENOENT || errno == ENOTDIR || errno == ELOOP || errno == EACCES;
+    if (!folder && isNotThere) return folder;
     struct stat status {};
-    if (::fstat(folder.Get(), &status) != 0) Fail(errno);
-    // Anybody may make a folder there, also one that bears another user's number.
-    if (status.st_uid != user || (status.st_mode & kOthers) != 0) throw SystemFailure{kAccessDenied};
+    if (!folder || ::fstat(folder.Get(), &status) != 0) Fail(errno, path);  // it may be there: none must be made
+    if (status.st_uid != user || (status.st_mode & kOthers) != 0) folder.Reset();
     return folder;
+}
+
+// The folder, made unless it is there. @return none where another's, or nothing, can be there
+Descriptor MakeOwn(const std::string& path, uid_t user) {
+    if (::mkdir(path.c_str(), kUserOnly) != 0 && errno != EEXIST) Fail(errno, path);
+    return OpenOwn(path, user);
+}
+
+// In the folder that the system keeps for the user's session and nobody else can enter.
+Descriptor MakeInSession(uid_t user) {
+    const char* const told = ::secure_getenv("XDG_RUNTIME_DIR");
+    for (const std::string& session : {std::string(told != nullptr ? told : ""), "/run/user/" + std::to_string(user)}) {
+        if (!session.starts_with('/') || !OpenOwn(session, user)) continue;
+        if (Descriptor folder = MakeOwn(session + "/qellib10", user)) return folder;
+    }
+    return {};
+}
+
+// What is there already is taken first: programs of one session and services without one share their names.
+Descriptor OpenFolder(uid_t user) {
+    constexpr int kMostNames = 16;
+    for (int number = 0; number < kMostNames; ++number) {
+        if (Descriptor folder = OpenOwn(MemoryFolder(user, number), user)) return folder;
+    }
+    if (Descriptor folder = MakeInSession(user)) return folder;
+    for (int number = 0; number < kMostNames; ++number) {
+        if (Descriptor folder = MakeOwn(MemoryFolder(user, number), user)) return folder;
+    }
+    throw SystemFailure{kAccessDenied};
 }
 
 int OpenIn(const Descriptor& folder, const std::string& file, int flags) {

@@ -6,14 +6,19 @@
 
 namespace qel {
 
-/// The folder of the user's named objects, /dev/shm/qellib10-USER with the user's number, locked against all other
-/// processes as long as this object lives. Users never share a name. Entering for the first time removes what killed
-/// processes have left. Within a process one thread at a time has a FolderLock: the object table's own lock sees to it.
+/// The folder of the user's named objects, locked against all other processes as long as this object lives. Users never
+/// share a name. Entering for the first time removes what killed processes have left. Within a process one thread at a
+/// time has a FolderLock: the object table's own lock sees to it.
 ///
-/// The folder may vanish at any time, for it belongs to the user's session; then it is made anew.
+/// It is `qellib10` in $XDG_RUNTIME_DIR, or in /run/user/USER (the user's number), else /dev/shm/qellib10-USER, which
+/// is also taken where it is there already, as a program without a session has made it. Only a folder that belongs to
+/// the user and is closed to all others counts. In /dev/shm another user may have made one of that name first; then it
+/// is the first of /dev/shm/qellib10-USER-1 to -15 that is the user's or free.
+///
+/// The folder may vanish at any time, for it belongs to the user's session; then it is made again.
 class FolderLock {
 public:
-    /// @throws SystemFailure, code 5 when the folder is not the user's alone
+    /// @throws SystemFailure, code 5 when there is no folder that is the user's alone
     FolderLock();
 
     /// @return none when there is no such file

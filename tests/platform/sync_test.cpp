@@ -3,11 +3,14 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 
+#include <functional>
 #include <thread>
 
 #include "../support/child_process.h"
 #include "../support/code_page_scope.h"
+#include "../support/environment_scope.h"
 #include "../support/shared_state.h"
+#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/platform/sync/shared_memory.h"
@@ -26,6 +29,17 @@ DWORD WaitInThread(HANDLE mutex, DWORD milliseconds, bool release) {
     }).join();
     return answer;
 }
+
+// What @p body answers in a child with a small /dev/shm of its own, 77 when there is no right to mount it.
+int WithSmallMemory(const std::function<int()>& body) {
+    return InChild([&] {
+        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return 77;
+        if (::mount("tmpfs", "/dev/shm", "tmpfs", 0, "size=128k,mode=1777") != 0) return 77;
+        return body();
+    });
+}
+
+constexpr uid_t kUser = 4321;
 
 }  // namespace
 
@@ -109,20 +123,52 @@ TEST(NamedMutex, MayBeClosedWhileItIsOwnedOrWaitedFor) {
     }
 }
 
-// In a child with a small /dev/shm of its own, as a user whose folder is not there yet.
-TEST(NamedObjects, TheirFolderIsTheUsersAlone) {
-    constexpr uid_t kUser = 4321;
+// Everybody may make folders there: another user's, a file, a link and one that is open to others are passed over, by
+// every program alike.
+TEST(NamedObjects, AnothersFolderDoesNotMakeTwoFirstInstances) {
+    const std::string first = "/dev/shm/qellib10-" + std::to_string(kUser);
+    const TempFolder session;
+    ASSERT_EQ(::chown(session.Posix().c_str(), kUser, kUser) == 0, ::geteuid() == 0);
+    const auto asUser = [](auto&& body) { return InChild([&] { return ::seteuid(kUser) == 0 ? body() : 98; }); };
+    const auto isThere = [](const std::string& path) { return ::access(path.c_str(), F_OK) == 0; };
+    const auto mark = [] {
+        const HANDLE mutex = CreateNamedMutex("instance").handle;
+        return mutex != nullptr ? InChild([] { return OpenNamedMutex("instance") != nullptr; }) : 9;
+    };
+    const auto outcome = WithSmallMemory([&] {
+        // Without a session; the last name is free.
+        const EnvironmentScope none("XDG_RUNTIME_DIR", nullptr);
+        if (::mkdir(first.c_str(), 0700) != 0 || ::close(::creat((first + "-1").c_str(), 0600)) != 0) return 1;
+        if (::symlink(first.c_str(), (first + "-2").c_str()) != 0 || ::mkdir((first + "-3").c_str(), 0700) != 0)
+            return 2;
+        if (::chown((first + "-3").c_str(), kUser, kUser) != 0 || ::chmod((first + "-3").c_str(), 0755) != 0) return 3;
+        if (asUser(mark) != 1 || !isThere(first + "-4")) return 4;
+        // Also once one before it has become free, and in a session.
+        if (::rmdir(first.c_str()) != 0) return 5;
+        const EnvironmentScope some("XDG_RUNTIME_DIR", session.Posix().c_str());
+        if (asUser(mark) != 1 || isThere(first) || isThere(session.Posix("qellib10"))) return 6;
+        // A session's folder wins where there is none yet; not so one that others may enter.
+        if (::system(("rm -r " + first + "-*").c_str()) != 0) return 7;
+        if (asUser(mark) != 1 || isThere(first) || !isThere(session.Posix("qellib10"))) return 8;
+        if (::chmod(session.Posix().c_str(), 0755) != 0 || asUser(mark) != 1 || !isThere(first)) return 10;
+        // Where nothing can be known nobody is told that there is none.
+        if (::system(("rm -r " + first).c_str()) != 0) return 11;
+        for (int i = 0; i < 16; ++i) ::mkdir((first + (i == 0 ? "" : "-" + std::to_string(i))).c_str(), 0700);
+        return asUser([] { return CreateNamedMutex("instance").handle == nullptr && LastError() == 5 ? 0 : 12; });
+    });
+    if (outcome == 77) GTEST_SKIP() << "needs the right to mount";
+    EXPECT_EQ(outcome, 0);
+}
+
+// As a user whose folder is not there yet.
+TEST(NamedObjects, TheirFolderIsCleanedAndMadeAgain) {
     const std::string folder = "/dev/shm/qellib10-" + std::to_string(kUser);
-    const auto outcome = InChild([&] {
-        if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return 77;
-        if (::mount("tmpfs", "/dev/shm", "tmpfs", 0, "size=128k") != 0) return 77;
+    const EnvironmentScope none("XDG_RUNTIME_DIR", nullptr);
+    const auto outcome = WithSmallMemory([&] {
         const std::string stale = folder + "/nkilled", other = folder + "/nother";
         const auto error = [] { return CreateSharedMemory("block", 4096).handle == nullptr ? LastError() : 0; };
-        if (::mkdir(folder.c_str(), 0700) != 0 || ::seteuid(kUser) != 0 || error() != 5) return 1;  // another user's
-        if (::seteuid(0) != 0 || ::chown(folder.c_str(), kUser, kUser) != 0 || ::chmod(folder.c_str(), 0755) != 0)
-            return 2;
-        if (::seteuid(kUser) != 0 || error() != 5) return 3;  // open to others
-        if (::chmod(folder.c_str(), 0700) != 0 || ::close(::creat(stale.c_str(), 0600)) != 0) return 4;
+        if (::mkdir(folder.c_str(), 0700) != 0 || ::chown(folder.c_str(), kUser, kUser) != 0) return 2;
+        if (::seteuid(kUser) != 0 || ::close(::creat(stale.c_str(), 0600)) != 0) return 4;
         if (::mkdir(other.c_str(), 0700) != 0) return 5;  // not of our making
         if (error() != 0 || ::access(stale.c_str(), F_OK) == 0 || ::access(other.c_str(), F_OK) != 0) return 6;
         if (CreateSharedMemory("large", 200'000).handle != nullptr || LastError() != 8) return 7;
