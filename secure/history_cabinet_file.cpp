@@ -1,10 +1,7 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
-#include <algorithm>
-#include <exception>
 #include <limits>
 #include <span>
-#include <string>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/error.h"
@@ -14,9 +11,10 @@
 #include "qellib10/platform/storage/path_parts.h"
 
 #include "qellib10/file/file_check_sums.h"
+#include "qellib10/secure/cabinet_backup.h"
 #include "qellib10/secure/cabinet_content.h"
-#include "qellib10/secure/cabinet_undo.h"
 #include "qellib10/secure/history_cabinet_format.h"
+#include "qellib10/secure/version_ends.h"
 
 namespace {
 
@@ -46,18 +44,19 @@ public:
         return latest;
     }
     // Each step leads on by a header at least, so the walk ends, at the latest with the file.
-    // @param ends where versions 1, 2, ... end, as far as walks have found them in this order: the next one begins
-    // there
-    StoredVersion Find(DWORD version, DWORD count, std::vector<ULONGLONG>& ends) const {
-        constexpr std::size_t kMostEnds = 65536;
-        const auto beginBehind = [&](std::size_t known) { return known == 0 ? kFirstVersionAt : ends[known - 1]; };
-        for (ULONGLONG offset = beginBehind(std::min<std::size_t>(version - 1, ends.size()));;) {
+    // @param ends where versions 1, 2, ... end, as far as they have been found in this order
+    StoredVersion Find(DWORD version, DWORD count, qel::VersionEnds& ends) const {
+        const auto [start, startEnd] = ends.Before(version, kFirstVersionAt);
+        bool isInOrder = true;
+        DWORD last = start;
+        for (ULONGLONG offset = startEnd;;) {
             const StoredVersion found = VersionAt(offset);
             const DWORD number = found.header.version;
             if (number > count) throw qel::DataError("a version that was never registered");
+            isInOrder = isInOrder && number == last + 1;
+            if (isInOrder) ends.Add({number, found.end});
+            last = number;
             if (number == version) return found;
-            const bool isNext = number == ends.size() + 1 && offset == beginBehind(ends.size());
-            if (isNext && ends.size() < kMostEnds) ends.push_back(found.end);
             offset = found.end;
         }
     }
@@ -91,12 +90,40 @@ void RequireRoom(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size
         throw qel::DataError("no room for another version");
 }
 
+// Puts file and header back to what they were, unless the registration is kept. The header first: cut before it, a
+// crash in between would leave one that names data which are gone.
+class Undo {
+public:
+    Undo(CFile& file, qel::CabinetHeader& header, ULONGLONG end)
+        : m_file(file), m_header(header), m_old(header), m_end(file.GetLength() != 0 ? end : 0) {}
+    ~Undo() {
+        if (m_kept) return;
+        m_header = m_old;
+        qel::Succeeds([&] {  // where it does not, the next registration cuts what is left
+            if (m_end != 0) {
+                Write(m_file, 0, qel::Pack(m_old));
+                m_file.Flush();
+            }
+            m_file.SetLength(m_end);
+        });
+    }
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+
+    void Keep() { m_kept = true; }
+
+private:
+    CFile& m_file;
+    qel::CabinetHeader& m_header;
+    qel::CabinetHeader m_old;
+    ULONGLONG m_end;  // 0 of a cabinet that was only created
+    bool m_kept = false;
+};
+
 }  // namespace
 
 CHistoryCabinetFile::CHistoryCabinetFile()
-    : m_pFile(std::make_shared<CQFile>()),
-      m_pEnds(std::make_shared<std::vector<ULONGLONG>>()),
-      m_pIsHalfDone(std::make_shared<bool>(false)) {
+    : m_pFile(std::make_shared<CQFile>()), m_pEnds(std::make_shared<qel::VersionEnds>()) {
     InitCabFileHeader();
 }
 CHistoryCabinetFile::CHistoryCabinetFile(const CHistoryCabinetFile& other) = default;
@@ -126,15 +153,13 @@ int CHistoryCabinetFile::Close() {
 
 void CHistoryCabinetFile::Initialize() {
     m_pFile->Abort();
-    m_pEnds->clear();
-    *m_pIsHalfDone = false;
+    m_pEnds->Clear();
     InitCabFileHeader();
 }
 
 int CHistoryCabinetFile::RegistNewVersion(const char* source) {
     return qel::AsResult([&] {
         m_pFile->WritableDescriptor();  // throws when nothing is open, or for reading only
-        if (*m_pIsHalfDone) throw qel::DataError("a registration that could not be undone");
         CFile from(source, kForReading);
         // What was only created is not in the file yet. Else the file is asked: a copy of this object may have
         // registered versions meanwhile.
@@ -143,33 +168,18 @@ int CHistoryCabinetFile::RegistNewVersion(const char* source) {
         const ULONGLONG end = Content(*m_pFile).End(m_header);
         const ULONGLONG size = from.GetLength();
         RequireRoom(m_header, end, size);
-        AppendOrUndo(from, static_cast<DWORD>(size), end);
+
+        qel::CabinetBackup backup;
+        backup.Take(*m_pFile);
+        Append(from, static_cast<DWORD>(size), end);
+        backup.Drop();
         return 1;
     });
 }
 
-void CHistoryCabinetFile::AppendOrUndo(const CFile& source, DWORD size, ULONGLONG end) {
-    const qel::CabinetUndo undo(*m_pFile, m_header, end);
-    *m_pIsHalfDone = true;
-    try {
-        Append(source, size, end);
-    } catch (const std::exception& cause) {
-        m_header = undo.Header();
-        try {
-            undo.Run();
-        } catch (const CFileException& failure) {
-            undo.LeaveCopy();
-            throw qel::DataError(std::string(cause.what()) + ", and not undone: " + failure.what());
-        }
-        *m_pIsHalfDone = false;
-        undo.LeaveCopy();
-        throw;
-    }
-    *m_pIsHalfDone = false;
-}
-
 // The data are on the disk before the header that names them is written.
 void CHistoryCabinetFile::Append(const CFile& source, DWORD size, ULONGLONG end) {
+    Undo undo(*m_pFile, m_header, end);
     if (m_pFile->GetLength() > end) m_pFile->SetLength(end);
     if (m_header.versionCount == 0) {
         m_header.latestOffset = static_cast<DWORD>(end);
@@ -192,6 +202,7 @@ void CHistoryCabinetFile::Append(const CFile& source, DWORD size, ULONGLONG end)
     m_header.latestOffset = static_cast<DWORD>(end);
     m_header.versionCount = version.version;
     WriteHeader();
+    undo.Keep();
 }
 
 void CHistoryCabinetFile::WriteHeader() {

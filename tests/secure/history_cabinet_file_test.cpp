@@ -1,6 +1,7 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 
 #include "../support/child_process.h"
@@ -156,6 +157,29 @@ TEST_F(History, EndsBelow4GiB) {
     fs::resize_file(folder.Posix("source"), std::uint64_t{1} << 32);
     EXPECT_EQ(Line({empty.Create(folder.Path("e")), empty.RegistNewVersion(folder.Path("source"))}), "1 0");
     EXPECT_EQ(fs::file_size(folder.Posix("c")) + fs::file_size(folder.Posix("e")) + 22, 0xFFFFFFFF);
+}
+
+// A cabinet that is listed from the first version to the last, as programs do that show a history.
+TEST_F(History, EveryVersionOfVeryManyIsNear) {
+    constexpr DWORD kCount = 300'000, kSome = 200;
+    std::string bytes = Header(36 + (kCount - 1) * 21, kCount);
+    for (DWORD version = 1; version <= kCount; ++version) bytes += Versioned(version, 1);
+    folder.Write("c", bytes);
+    CHistoryCabinetFile cabinet;
+    ASSERT_EQ(cabinet.Open(path, 1), 1);
+    const auto take = [&](DWORD first, DWORD step) {
+        const auto start = std::chrono::steady_clock::now();
+        for (DWORD i = 0; i < kSome; ++i) EXPECT_EQ(Version(cabinet, first + i * step), "x") << first + i * step;
+        return std::chrono::steady_clock::now() - start;
+    };
+    const auto near = take(1, 1);
+    take(kCount, 0);  // finds them all once
+    EXPECT_LT(take(kCount - kSome, 1), 20 * near);
+    EXPECT_LT(take(7, 1499), 20 * near);
+    EXPECT_LT(take(kCount, static_cast<DWORD>(-1499)), 20 * near);
+    folder.Write("c", bytes.substr(0, 36) + Versioned(2, 1) + bytes.substr(57));
+    ASSERT_EQ(cabinet.Open(path, 1), 1);
+    EXPECT_EQ(Line({Version(cabinet, 1), Version(cabinet, kCount)}), "none x");
 }
 
 // Version n has n bytes. Copies are made while registrations are under way; one may get half of a header, and is
