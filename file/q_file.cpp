@@ -1,13 +1,15 @@
 #include "qellib10/file/q_file.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "qellib10/platform/archive/result.h"
-#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/text/code_page.h"
 
 namespace {
+
+constexpr ULONGLONG kTooLargeToTell = 0xFFFFFFFF;
 
 bool Delete(const CString& name) {
     return qel::Succeeds([&] { qel::DeleteFile(name.View()); });
@@ -56,7 +58,7 @@ int CQFile::CloseTo(const char* target) {
     const CString name = GetFilePath();
     const bool copied = qel::Succeeds([&] {
         Close();  // bytes that get lost here are missing in the copy: then there is none, and the file stays
-        qel::CopyFile(name.View(), CString(target).View(), false);
+        qel::CopyToMove(name.View(), CString(target).View(), false);
     });
     if (copied && Delete(name)) return 1;
     m_dwLastError = copied ? errorDelete : errorCopy;
@@ -83,11 +85,14 @@ int CQFile::IsExist(const char* name) {
 int CQFile::GetFileSize(const char* name, DWORD* size) {
     CFileStatus status;
     if (size == nullptr || !GetStatus(name, status)) return 0;
-    *size = static_cast<DWORD>(status.m_size);
+    *size = static_cast<DWORD>(std::min<ULONGLONG>(status.m_size, kTooLargeToTell));
     return 1;
 }
 
-int CQFile::IsCanOverwrite(const char* name) {
-    CFileException failure;
-    return CFile().Open(name, modeWrite, &failure) || qel::IsMissing(failure) ? 1 : 0;
+std::optional<ULONGLONG> qel::FileSize64(std::string_view name) {
+    CFileStatus status;
+    if (!CFile::GetStatus(CString(name), status)) return std::nullopt;
+    return status.m_size;
 }
+
+int CQFile::IsCanOverwrite(const char* name) { return !IsExist(name) || CFile().Open(name, modeWrite) ? 1 : 0; }

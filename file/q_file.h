@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/text/string.h"
@@ -35,7 +37,7 @@ public:
     int CreateTempFile(const char* prefix, int deleteOnClose);
     /// As CFile::Close, then deletes a temporary file that is to go; its last bytes may get lost then.
     void Close() override;
-    /// Closes, copies the file over @p target and deletes it. A closed file: 1.
+    /// Closes, copies the file over @p target, with its access rights as MoveFileA, and deletes it. A closed file: 1.
     /// @return 0 with errorCopy, the file is left under its own name, or errorDelete, both are there
     int CloseTo(const char* target);
     /// Closes and deletes the file. A closed file: 1. @return 0 with errorDelete
@@ -73,6 +75,7 @@ public:
 
     /// 1 for a file or folder that is there.
     static int IsExist(const char* name);
+    /// Bytes of a file, 0 of a folder. 0xFFFFFFFF is also what a larger file gets, see qel::FileSize64.
     static int GetFileSize(const char* name, DWORD* size);
     /// 1 for a missing file, and for one that can be opened for writing while nobody else has it open.
     static int IsCanOverwrite(const char* name);
@@ -104,7 +107,8 @@ public:
     /// The folder for temporary files, a backslash at its end.
     static CString GetTempFolder();
     /// A new empty file in the folder for temporary files, or in @p folder: the first three bytes of @p prefix, four
-    /// hexadecimal digits and `.TMP`.
+    /// hexadecimal digits and `.TMP`. It is its owner's alone until it is moved. A prefix with a separator in those
+    /// bytes is refused.
     static CString GetTempFilePath(const char* prefix);
     static CString GetTempFilename(const char* folder, const char* prefix);
     /// The process's current folder. On failure @p out is left alone.
@@ -130,13 +134,15 @@ public:
     /// else it stays.
     static int CreateDirectories(const char* path);
     /// Deletes @p folder with all that is in it, up to the first failure; links are deleted, not followed. A missing
-    /// folder: 1. The root folder, and the empty name: 0.
+    /// folder: 1. The root folder, also of a drive or a share, and the empty name: 0, and nothing is deleted.
     static int DelTree(const char* folder);
     /// Deletes the files (not folders) whose names match the last component of @p pattern, and goes on after failures.
     /// @return 0 when a deletion failed; 1 also when nothing matched
     static int DeleteFiles(const char* pattern);
     /// Makes the folders of @p target, copies @p source there, then deletes it. An existing target is only replaced
-    /// when @p overwrite is not 0. @return 1 once copied, also when the source could not be deleted
+    /// when @p overwrite is not 0. The file keeps its owner, access rights and extended attributes, as far as the
+    /// caller may set them; a temporary one (GetTempFilePath) gets those of the target, or of a new file.
+    /// @return 1 once copied, also when the source could not be deleted
     static int MoveFileA(const char* source, const char* target, int overwrite);
     /// Moves @p source over @p target, at the next start of the system when that does not work now.
     /// @param tempName takes the name that the file has until then, at most @p tempNameSize bytes with its zero
@@ -175,3 +181,10 @@ private:
     DWORD m_dwLastError = 0;
     int m_nDeleteOnClose = 0;
 };
+
+namespace qel {
+
+/// Bytes of a file of any size, 0 of a folder; none when there is no such file.
+QELLIB10_API std::optional<ULONGLONG> FileSize64(std::string_view name);
+
+}  // namespace qel

@@ -57,7 +57,7 @@ int CQFile::MoveFileA(const char* source, const char* target, int overwrite) {
     const CString to(target);
     return qel::Succeeds([&] {
         qel::MakeFolders(to.View().substr(0, qel::NameStart(to.View())));
-        qel::CopyFile(from.View(), to.View(), overwrite == 0);
+        qel::CopyToMove(from.View(), to.View(), overwrite == 0);
         Deleted(from.View());
     });
 }

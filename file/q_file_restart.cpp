@@ -4,8 +4,6 @@
 #include "qellib10/file/q_file.h"
 #include "qellib10/file/restart_file.h"
 #include "qellib10/platform/archive/result.h"
-#include "qellib10/platform/storage/access_rights.h"
-#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -26,23 +24,10 @@ CString MoveBeside(const CString& source, const CString& target) {
     const bool moved = Succeeds([&] {
         const CString full = qel::FullPath(target.View());
         name = qel::TemporaryName(full.View().substr(0, qel::NameStart(full.View())), "");
-        // The free name is given back: a file made with it would be its owner's alone, also when it is the target.
-        qel::DeleteFile(name.View());
+        qel::DeleteFile(name.View());  // for the move to make it with the rights of the source
         if (!CQFile::MoveFileA(source, name, 0)) name.Empty();
     });
-    if (!moved || name.IsEmpty()) return {};
-    Succeeds([&] { qel::TakeAccessRights(name.View(), target.View()); });  // else it keeps those of a new file
-    return name;
-}
-
-// Deletes. Where the system does not even show whether it is there, it is not gone.
-bool IsGone(const CString& file) {
-    try {
-        qel::DeleteFile(file.View());
-        return true;
-    } catch (const CFileException& failure) {
-        return qel::IsMissing(failure);
-    }
+    return moved ? name : CString();
 }
 
 // Files have no second, shorter name here: the short one is the full one, and only a file that exists has one.
@@ -78,7 +63,10 @@ int CQFile::MoveFileReboot(const char* source, const char* target, char* tempNam
 
 int CQFile::DeleteFileReboot(const char* name, int tryNow) {
     const CString file(name);
-    if (tryNow != 0 && IsGone(file)) return kDoneNow;
+    if (tryNow != 0) {
+        Succeeds([&] { qel::DeleteFile(file.View()); });
+        if (!IsExist(file)) return kDoneNow;
+    }
     const bool putOff = CSystemInfo::IsWinNT() ? Succeeds([&] { qel::DeleteFileDelayed(file.View()); })
                                                : qel::AddDeletionToRestartFile(file);
     return putOff ? kPutOff : kRefused;

@@ -1,35 +1,66 @@
 #include "qellib10/platform/storage/access_rights.h"
 
 #include <sys/stat.h>
-
-#include <fcntl.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
-#include <string>
+#include <optional>
+#include <vector>
 
-#include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/storage/access_list.h"
 #include "qellib10/platform/storage/file_error.h"
-#include "qellib10/platform/storage/path.h"
 
 namespace qel {
+namespace {
 
-int GiveAccessRights(int file, const struct stat& pattern) {
-    struct stat own = {};
-    if (::fstat(file, &own) != 0) return errno;
-    const bool given = (pattern.st_uid == own.st_uid && pattern.st_gid == own.st_gid) ||
-                       ::fchown(file, pattern.st_uid, pattern.st_gid) == 0;
-    const mode_t kept = given ? 07777 : 0777;
-    return ::fchmod(file, pattern.st_mode & kept) == 0 ? 0 : errno;
+constexpr mode_t kGroup = 070;
+
+// What the caller, or the file system, cannot do.
+bool MayNot(int error) { return error == EPERM || error == EACCES || error == EINVAL || error == EOPNOTSUPP; }
+
+// @return false when the caller may not
+bool Own(int file, uid_t user, gid_t group, std::string_view name) {
+    if (::fchown(file, user, group) == 0) return true;
+    if (!MayNot(errno)) ThrowErrno(errno, name);
+    return false;
 }
 
-void TakeAccessRights(std::string_view name, std::string_view pattern) {
-    struct stat status = {};
-    if (::stat(ToPosixPath(pattern).c_str(), &status) != 0 || (status.st_mode & 0222) == 0) return;
-    const std::string posix = ToPosixPath(name);
-    const Descriptor file(::open(posix.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
-    if (!file) ThrowErrno(errno, name, posix);
-    if (const int error = GiveAccessRights(file.Get(), status)) ThrowErrno(error, name);
+}  // namespace
+
+void GiveAccessRights(int file, const std::string& pattern, std::string_view name) {
+    constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
+    struct stat old = {};
+    struct stat own = {};
+    if (::stat(pattern.c_str(), &old) != 0 || ::fstat(file, &own) != 0) ThrowErrno(errno, name);
+    const bool hasGroup = own.st_gid == old.st_gid;
+    const bool keepsOwner = (hasGroup && own.st_uid == old.st_uid) || Own(file, old.st_uid, old.st_gid, name);
+    const bool keepsGroup = keepsOwner || hasGroup || Own(file, kAsItIs, old.st_gid, name);
+
+    AccessList list(pattern, name);
+    mode_t mode = old.st_mode & (keepsOwner ? 07777 : 0777);
+    if (!keepsGroup) list.LimitGroup();
+    if (!keepsGroup && list.IsEmpty()) mode &= ~kGroup | (mode << 3 & kGroup);
+    if (const int error = list.GiveTo(file)) {
+        if (!MayNot(error)) ThrowErrno(error, name);
+        mode &= ~kGroup | list.GroupBits();  // without a list its mask would be the group's rights
+    }
+    if (::fchmod(file, mode) != 0) ThrowErrno(errno, name);
+}
+
+void GiveAttributes(int file, const std::string& pattern, std::string_view name) {
+    constexpr std::array<std::string_view, 3> kLeftOut = {AccessList::kName, "security.ima", "security.evm"};
+    const ssize_t size = ::listxattr(pattern.c_str(), nullptr, 0);
+    std::vector<char> names(size > 0 ? static_cast<std::size_t>(size) : 0);
+    const ssize_t got = names.empty() ? 0 : ::listxattr(pattern.c_str(), names.data(), names.size());
+    if (got <= 0) return;
+    for (const char* at = names.data(); at < names.data() + got; at += std::string_view(at).size() + 1) {
+        if (std::ranges::find(kLeftOut, at) != kLeftOut.end()) continue;
+        const std::optional<std::vector<std::byte>> value = AttributeOf(pattern, at, name);
+        if (value) ::fsetxattr(file, at, value->data(), value->size(), 0);
+    }
 }
 
 }  // namespace qel

@@ -1,19 +1,20 @@
 #pragma once
 
+#include <string>
 #include <string_view>
-
-#include "qellib10/platform/export.h"
-
-struct stat;
 
 namespace qel {
 
-/// Gives the open file the owner and the mode of @p pattern. Only root can give a file away; for others it stays
-/// theirs, without what the mode says beyond reading, writing and executing. @return 0 or the errno
-int GiveAccessRights(int file, const struct stat& pattern);
+/// Gives the open file owner, access control list and mode of the file at @p pattern. Only root can give a file away,
+/// and others only to groups of theirs. Where the owner is not kept, neither is what the mode says beyond reading,
+/// writing and executing; where the group is not, the group may do no more than others: so nobody may do more with
+/// the file than with @p pattern. @p name is what exceptions call the file.
+/// @throws CFileException
+void GiveAccessRights(int file, const std::string& pattern, std::string_view name);
 
-/// Gives the file @p name the access rights of @p pattern, which it is to replace later; a missing or read-only
-/// @p pattern has none to give. @throws CFileException
-QELLIB10_API void TakeAccessRights(std::string_view name, std::string_view pattern);
+/// Gives the open file the extended attributes of the file at @p pattern, as far as the caller may read and set them,
+/// but for those that are rights or that sign the bytes of @p pattern.
+/// @throws CFileException when one cannot be read though the caller may
+void GiveAttributes(int file, const std::string& pattern, std::string_view name);
 
 }  // namespace qel

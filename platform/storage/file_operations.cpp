@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,6 +20,7 @@
 #include "qellib10/platform/storage/replacement.h"
 #include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/share_lock.h"
+#include "qellib10/platform/storage/temporary_name.h"
 
 namespace qel {
 namespace {
@@ -67,6 +69,16 @@ private:
     Status m_status = {};
 };
 
+enum class Purpose { kCopy, kMove };
+
+// What becomes the copy of a file, with the access rights that it is to have.
+std::unique_ptr<Replacement> NewCopy(std::string_view source, const Status& status, std::string_view target,
+                                     Purpose purpose) {
+    if (IsTemporaryFile(source, status)) return std::make_unique<Replacement>(target);
+    if (purpose == Purpose::kMove) return std::make_unique<Replacement>(target, ToPosixPath(source));
+    return std::make_unique<Replacement>(target, status.st_mode & 0777);
+}
+
 void CopyInPlace(const Source& source, std::string_view target) {
     const OpenRequest request = {.mode = {.read = true, .write = true, .denyRead = true, .denyWrite = true},
                                  .truncate = true};
@@ -75,10 +87,6 @@ void CopyInPlace(const Source& source, std::string_view target) {
     FlushData(file, target);
     CopyAttributes(source.Description(), file, target);
     CloseShared(file);
-}
-
-bool CanAddNames(const std::string& folder) {
-    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 // @return 0 or the errno of the system
@@ -92,21 +100,29 @@ void Unlink(const std::string& posix, std::string_view name) {
     if (::unlink(posix.c_str()) != 0) ThrowErrno(errno, name, posix);
 }
 
-}  // namespace
-
-void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) {
+void Copy(std::string_view source, std::string_view target, bool mustBeNew, Purpose purpose) {
     const Source from(source);
     const std::string to = ToPosixPath(target);
     const std::optional<Status> old = StatusOf(to, target, 0);
     if (old && mustBeNew) ThrowCode(kFileExists, target);
     if (old && (!S_ISREG(old->st_mode) || IsReadOnly(*old))) ThrowCode(kAccessDenied, target);
     if (old && IsSameFile(*old, from.Description())) ThrowCode(kSharingViolation, target);
-    if (old && !CanAddNames(PosixFolderOf(BehindLinks(to, target)))) return CopyInPlace(from, target);
+    if (old && !CanReplace(target)) return CopyInPlace(from, target);
 
-    Replacement made(target);
-    from.CopyTo(made.File(), target);
-    mustBeNew ? made.CommitNew() : made.Commit();
-    CopyAttributes(from.Description(), made.File(), target);
+    const auto made = NewCopy(source, from.Description(), target, purpose);
+    from.CopyTo(made->File(), target);
+    mustBeNew ? made->CommitNew() : made->Commit();
+    CopyAttributes(from.Description(), made->File(), target);
+}
+
+}  // namespace
+
+void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) {
+    Copy(source, target, mustBeNew, Purpose::kCopy);
+}
+
+void CopyToMove(std::string_view source, std::string_view target, bool mustBeNew) {
+    Copy(source, target, mustBeNew, Purpose::kMove);
 }
 
 void MoveFile(std::string_view source, std::string_view target) {
@@ -123,7 +139,7 @@ void MoveFile(std::string_view source, std::string_view target) {
     if (error == 0) return;
     if (error == EEXIST || (error == EXDEV && old)) ThrowCode(kAlreadyExists, target);
     if (error != EXDEV || !S_ISREG(status->st_mode)) ThrowErrno(error, target, to);
-    CopyFile(source, target, true);
+    CopyToMove(source, target, true);
     Unlink(from, source);
 }
 

@@ -10,12 +10,19 @@
 // The read-only attribute is a mode without any write bit, and is obeyed for root as well.
 namespace qel {
 
-/// Copies the bytes, the time of the last write and the read-only attribute; access rights are those of a new file, or
-/// of the file that is replaced. @p source may be open for writing elsewhere. The copy is on the disk when the
-/// operation returns; it appears, or replaces @p target, in one step, unless the target's folder is closed to writing:
-/// then the target is written in place.
+/// Copies the bytes, the time of the last write and the read-only attribute. A new file has the mode of @p source, less
+/// the umask, one that is replaced keeps its own rights. @p source may be open for writing elsewhere. The copy is on
+/// the disk when the operation returns; it appears, or replaces @p target, in one step, unless the target's folder is
+/// closed to writing: then the target is written in place, and keeps its rights.
 /// @throws CFileException 80 when @p target exists and @p mustBeNew, 32 when it is @p source itself
 QELLIB10_API void CopyFile(std::string_view source, std::string_view target, bool mustBeNew);
+
+/// The same for a file that is moved, whose source is to be deleted then: the copy has owner, access rights and
+/// extended attributes of @p source, as far as the caller may set them, also where it replaces a file.
+///
+/// Either way a file of TemporaryName (see IsTemporaryFile) becomes one with the rights of the file that it replaces,
+/// or of a new one.
+QELLIB10_API void CopyToMove(std::string_view source, std::string_view target, bool mustBeNew);
 
 /// Renames a file or a folder, within its folder or into another one; a file is moved to another volume by copying and
 /// deleting. A file moved onto itself stays as it is.

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace qel {
 
 struct ::flock RecordLock(short type, std::int64_t first, std::int64_t length) {
@@ -13,5 +15,7 @@ struct ::flock RecordLock(short type, std::int64_t first, std::int64_t length) {
     lock.l_len = length;
     return lock;
 }
+
+bool KnowsNoLocks(int error) { return error == ENOLCK || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP; }
 
 }  // namespace qel

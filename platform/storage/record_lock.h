@@ -10,4 +10,7 @@ namespace qel {
 /// @param type F_RDLCK, F_WRLCK or F_UNLCK
 struct ::flock RecordLock(short type, std::int64_t first, std::int64_t length);
 
+/// Whether the errno of such a command says that the file system has no locks.
+bool KnowsNoLocks(int error);
+
 }  // namespace qel

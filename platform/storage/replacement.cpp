@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "qellib10/platform/random.h"
 #include "qellib10/platform/storage/access_rights.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
@@ -15,67 +14,83 @@
 #include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/share_lock.h"
-#include "qellib10/platform/storage/uninterrupted.h"
+#include "qellib10/platform/storage/unfinished_file.h"
 
 namespace qel {
 namespace {
 
-constexpr std::size_t kLongestName = 255;  // bytes of a name on disk
-constexpr int kTries = 0xFFFF;
+constexpr mode_t kOwnersAlone = 0600;
 
-std::string TemporaryName(const std::string& target, unsigned number) {
-    char suffix[16];
-    const int length = std::snprintf(suffix, sizeof suffix, ".%04X.tmp", number & 0xFFFF);
-    const std::size_t start = target.rfind('/') + 1;  // npos + 1 is 0
-    return target.substr(0, start) + target.substr(start, kLongestName - static_cast<std::size_t>(length)) + suffix;
+// @return false where there is no such file
+bool IsThere(const std::string& posixPath, std::string_view name, struct stat& status) {
+    if (::stat(posixPath.c_str(), &status) == 0) return true;
+    if (errno != ENOENT) ThrowErrno(errno, name, posixPath);  // a secret must not become everybody's
+    return false;
 }
 
 }  // namespace
 
-Replacement::Replacement(std::string_view path) : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)) {
-    const unsigned start = RandomNumber();
-    for (unsigned tries = 0; tries < kTries; ++tries) {
-        m_temporary = TemporaryName(m_target, start + tries);
-        constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-        m_file.Reset(Uninterrupted([&] { return ::open(m_temporary.c_str(), kNew, 0666); }));
-        if (m_file || errno != EEXIST) break;
-    }
-    if (!m_file) ThrowErrno(errno, m_name, m_target);
-}
-
-Replacement::~Replacement() {
-    if (!m_temporary.empty()) ::unlink(m_temporary.c_str());
-}
-
-void Replacement::TakeRightsOfOld() {
+Replacement::Replacement(std::string_view path, mode_t newMode)
+    : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)), m_pattern(m_target) {
     struct stat old = {};
-    if (::stat(m_target.c_str(), &old) != 0) {
-        if (errno != ENOENT) ThrowErrno(errno, m_name, m_target);  // a secret must not become everybody's
-        return;
-    }
-    if (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0) ThrowCode(kAccessDenied, m_name);
-    if (const int error = GiveAccessRights(m_file.Get(), old)) ThrowErrno(error, m_name);
+    const bool hasOld = IsThere(m_target, m_name, old);
+    m_made = std::make_unique<UnfinishedFile>(m_target, hasOld ? kOwnersAlone : newMode, m_name);
+    if (hasOld && S_ISREG(old.st_mode)) GiveAccessRights(File().Get(), m_pattern, m_name);
+}
+
+Replacement::Replacement(std::string_view path, const std::string& posixPattern)
+    : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)), m_pattern(posixPattern) {
+    m_made = std::make_unique<UnfinishedFile>(m_target, kOwnersAlone, m_name);
+    GiveAccessRights(File().Get(), m_pattern, m_name);
+}
+
+Replacement::~Replacement() = default;
+
+const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
+
+// Once more: they may have been changed since. What was made meanwhile is replaced with its rights.
+void Replacement::GiveRights() {
+    struct stat status = {};
+    if (!IsThere(m_pattern, m_name, status)) return;
+    GiveAccessRights(File().Get(), m_pattern, m_name);
+    GiveAttributes(File().Get(), m_pattern, m_name);
 }
 
 void Replacement::Commit() {
-    FlushData(m_file, m_name);
-    const UnusedFile old(m_target, m_name);
-    TakeRightsOfOld();
-    if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) ThrowErrno(errno, m_name, m_target);
+    FlushData(File(), m_name);
+    const UnusedFile held(m_target, m_name);
+    struct stat old = {};
+    const bool hasOld = IsThere(m_target, m_name, old);
+    if (hasOld && (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0)) ThrowCode(kAccessDenied, m_name);
+    GiveRights();
+    if (::rename(m_made->Path().c_str(), m_target.c_str()) != 0) ThrowErrno(errno, m_name, m_target);
     Done();
 }
 
 void Replacement::CommitNew() {
-    FlushData(m_file, m_name);
-    if (const int error = RenameNew(m_temporary, m_target)) {
+    FlushData(File(), m_name);
+    if (m_pattern != m_target) GiveRights();
+    if (const int error = RenameNew(m_made->Path(), m_target)) {
         error == EEXIST ? ThrowCode(kFileExists, m_name) : ThrowErrno(error, m_name, m_target);
     }
     Done();
 }
 
 void Replacement::Done() {
-    m_temporary.clear();
+    m_made->Finish();
     FlushFolderOf(m_target, m_name);
+}
+
+bool CanReplace(std::string_view path) {
+    const std::string posix = BehindLinks(ToPosixPath(path), path);
+    const std::string folder = PosixFolderOf(posix);
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return false;
+    struct stat holding = {};
+    struct stat held = {};
+    if (::stat(folder.c_str(), &holding) != 0 || !IsThere(posix, path, held)) return true;  // it will be found out
+    // In a folder like the one for temporary files others' files stay, whoever may write to them.
+    const uid_t user = ::geteuid();
+    return (holding.st_mode & S_ISVTX) == 0 || user == 0 || user == holding.st_uid || user == held.st_uid;
 }
 
 }  // namespace qel

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -8,27 +11,35 @@
 
 namespace qel {
 
-/// A file that is replaced as a whole. What is written stands beside it, as `<name>.<4 hex digits>.tmp`, and becomes
-/// the file in one step. Readers see the old bytes or the new ones; without Commit nothing happened.
+class UnfinishedFile;
+
+/// A file that is replaced as a whole. What is written is beside it, as `<name>.<4 hex digits>.tmp`, and becomes the
+/// file in one step. Readers see the old bytes or the new ones; without Commit nothing happened. What a killed writer
+/// has left goes when the next one of its file begins; nobody else may use such names.
 ///
 ///     qel::Replacement settings(path);
 ///     qel::WriteFully(settings.File(), bytes, path);
 ///     settings.Commit();
 ///
-/// Of a symbolic link the file is replaced that it leads to.
+/// Of a symbolic link the file is replaced, or made, that it leads to. Before its first byte is written the new file
+/// has the owner, the mode and the access control list of the old one, as far as the caller may set them, and so nobody
+/// may ever do more with the new bytes than with the old ones. With the name it gets the old one's extended attributes.
 class QELLIB10_API Replacement {
 public:
-    /// @throws CFileException when the new file cannot be made
-    explicit Replacement(std::string_view path);
+    /// @param newMode where there is no old file: the mode of the new one, less the umask
+    /// @throws CFileException when the new file cannot be made, or would get more rights than the old one has
+    explicit Replacement(std::string_view path, mode_t newMode = 0666);
+    /// A new file that gets owner, rights and attributes of the file at @p posixPattern instead, for one that is moved.
+    Replacement(std::string_view path, const std::string& posixPattern);
     /// Removes what was written, unless committed.
     ~Replacement();
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
     /// The new file, open for reading and writing.
-    const Descriptor& File() const noexcept { return m_file; }
+    const Descriptor& File() const noexcept;
 
-    /// Flushes the new file, gives it the old one's access rights, renames it, flushes the folder.
+    /// Flushes the new file, renames it, flushes the folder.
     /// @throws CFileException 5 when the old file is read-only or a folder, 32 when it is open anywhere; it stays
     void Commit();
 
@@ -37,13 +48,17 @@ public:
     void CommitNew();
 
 private:
-    void TakeRightsOfOld();
+    void GiveRights();
     void Done();
 
     std::string m_name;  // as the caller knows it
     std::string m_target;
-    std::string m_temporary;  // empty once committed
-    Descriptor m_file;
+    std::string m_pattern;  // whose rights it gets
+    std::unique_ptr<UnfinishedFile> m_made;
 };
+
+/// Whether the caller may put another file in the place of the one at @p path: where not, it can only be written in
+/// place. @throws CFileException
+bool CanReplace(std::string_view path);
 
 }  // namespace qel

@@ -31,8 +31,6 @@ int SetLock(int file, short type, off_t first, off_t length) {
     return ::fcntl(file, F_OFD_SETLK, &lock) == 0 ? 0 : errno;
 }
 
-bool KnowsNoLocks(int error) { return error == ENOLCK || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP; }
-
 // Whether another opening holds a mark of this kind. Works on every descriptor, also a read-only one.
 bool Marked(int file, Mark mark) {
     struct flock lock = RecordLock(F_WRLCK, kShareMarksAt + mark * kSpan, kSpan);

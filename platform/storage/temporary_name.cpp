@@ -20,16 +20,25 @@ namespace {
 
 constexpr std::size_t kNameRoom = 14;  // a separator, 3 + 4 + 4 bytes, and the terminator with some air
 constexpr std::size_t kPrefixBytes = 3;
+constexpr std::size_t kDigits = 4;
 constexpr unsigned kNumbers = 0xFFFF;  // 0 asks for any, so it is none of them
+constexpr mode_t kOwnersAlone = 0600;
+constexpr std::string_view kExtension = ".TMP";
 
 bool EndsWithSeparator(std::string_view folder) { return !folder.empty() && NameStart(folder) == folder.size(); }
 
 std::string Name(std::string_view folder, std::string_view prefix, unsigned number) {
     char digits[16];
-    std::snprintf(digits, sizeof digits, "%04X.TMP", number);
+    std::snprintf(digits, sizeof digits, "%04X%s", number, kExtension.data());
     std::string name(folder);
     if (!EndsWithSeparator(folder)) name += '\\';
     return name.append(LeftWhole(prefix, kPrefixBytes)).append(digits);
+}
+
+// A separator in it would lead out of the folder.
+void CheckPrefix(std::string_view prefix) {
+    const std::string_view used = LeftWhole(prefix, kPrefixBytes);
+    if (FindSeparator(used) != used.size()) ThrowCode(kBadName, prefix);
 }
 
 void CheckFolder(std::string_view folder) {
@@ -39,6 +48,14 @@ void CheckFolder(std::string_view folder) {
 }
 
 }  // namespace
+
+bool IsTemporaryFile(std::string_view path, const struct stat& status) {
+    std::string_view name = path.substr(NameStart(path));
+    if ((status.st_mode & 07777) != kOwnersAlone || !name.ends_with(kExtension)) return false;
+    name.remove_suffix(kExtension.size());
+    if (name.size() < kDigits || name.size() > kPrefixBytes + kDigits) return false;
+    return name.find_first_not_of("0123456789ABCDEF", name.size() - kDigits) == std::string_view::npos;
+}
 
 CString TemporaryFolder() {
     std::string folder = "/tmp";
@@ -55,13 +72,14 @@ CString TemporaryFolder() {
 
 CString TemporaryName(std::string_view folder, std::string_view prefix, UINT number) {
     if (folder.size() > MAX_PATH - kNameRoom) ThrowCode(kBufferTooSmall, folder);
+    CheckPrefix(prefix);
     if (number != 0) return CString(Name(folder, prefix, number & 0xFFFF));
     CheckFolder(folder);
     const unsigned first = RandomNumber() % kNumbers;
     for (unsigned tries = 0; tries < kNumbers; ++tries) {
         const std::string name = Name(folder, prefix, (first + tries) % kNumbers + 1);
         const std::string posix = ToPosixPath(name);
-        const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+        const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnersAlone));
         if (made) return CString(name);
         if (errno != EEXIST) ThrowErrno(errno, name, posix);
     }

@@ -30,6 +30,9 @@ protected:
 }  // namespace
 
 TEST_F(QFile, ATemporaryFileGoesAtCloseOrToAnotherName) {
+    folder.Write("new", "");
+    const auto rightsOfNew = std::filesystem::status(folder.Posix("new")).permissions();
+    std::filesystem::remove(folder.Posix("new"));
     Temporary();
     file.Close();
     EXPECT_EQ(folder.Count(), 0);
@@ -47,6 +50,7 @@ TEST_F(QFile, ATemporaryFileGoesAtCloseOrToAnotherName) {
     EXPECT_EQ(Line({file.CloseTo(folder.Path("c")), file.CloseTo(folder.Path("d"))}), "1 1")
         << "nothing to do is a success";
     EXPECT_EQ(folder.Read("c"), "abc");
+    EXPECT_EQ(std::filesystem::status(folder.Posix("c")).permissions(), rightsOfNew);
     ASSERT_TRUE(file.Open(folder.Path("c"), CFile::modeRead));
     EXPECT_EQ(Line({file.CloseToDestroy(), file.CloseToDestroy()}), "1 1");
     EXPECT_EQ(folder.Count(), 2) << "the one in use and the one that could not be copied";
@@ -102,6 +106,14 @@ TEST_F(QFile, ComparesFilesAndTellsWhatIsThere) {
         EXPECT_EQ(found, size) << name;
         EXPECT_EQ(CQFile::IsCanOverwrite(folder.Path(name)), writable) << name;
     }
+    for (const auto& [size, told] :
+         Cases<ULONGLONG, DWORD>{{0xFFFFFFFE, 0xFFFFFFFE}, {0x100000000, 0xFFFFFFFF}, {0x200000005, 0xFFFFFFFF}}) {
+        std::filesystem::resize_file(folder.Posix("b"), size);
+        DWORD found = 77;
+        EXPECT_EQ(Line({CQFile::GetFileSize(folder.Path("b"), &found), found}), Line({1, told}));
+        EXPECT_EQ(qel::FileSize64(folder.Name("b")), size);
+    }
+    EXPECT_EQ(qel::FileSize64(folder.Name("none")), std::nullopt);
 }
 
 TEST_F(QFile, CopiesFromAndToOtherFiles) {

@@ -1,8 +1,8 @@
 #include "qellib10/platform/storage/file_operations.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <functional>
@@ -14,6 +14,7 @@
 #include "../support/line.h"
 #include "../support/soak.h"
 #include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/replacement.h"
@@ -72,9 +73,36 @@ TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
     SetMode("a", 0500);
     EXPECT_EQ(Copy("a", "c", true), 0);
     EXPECT_TRUE(m_folder.Read("c") == "new" && StatusOf("c").st_mtim.tv_nsec == 678);
-    EXPECT_EQ(StatusOf("c").st_mode & 07777, 0444U);  // the rights are those of a new file
+    EXPECT_EQ(StatusOf("c").st_mode & 07777, 0500U);
     EXPECT_EQ(Copy("a", "c", true), 80);
     EXPECT_EQ(Copy("a", "c"), 5);  // read-only, for root as well
+}
+
+// A copy of a secret is no less a secret. Mode 0 of the target: there is none.
+TEST_F(FileOperations, CopiesAndMovesHaveTheRightsOfTheirKind) {
+    constexpr auto kCopy = qel::CopyFile, kMove = qel::CopyToMove;
+    const mode_t before = ::umask(022);
+    const Cases<decltype(kCopy), const char*, mode_t, mode_t, mode_t> cases = {
+        {kCopy, "s", 0600, 0, 0600},           {kCopy, "s", 04666, 0, 0644},
+        {kCopy, "s", 0666, 0600, 0600},        {kCopy, "s", 0444, 0660, 0440},
+        {kMove, "s", 0600, 0, 0600},           {kMove, "s", 0666, 0, 0666},
+        {kMove, "s", 0600, 0644, 0600},        {kMove, "s", 0444, 0600, 0444},
+        {kCopy, "qel12AB.TMP", 0600, 0, 0644},  // a temporary file's mode is not meant for its target
+        {kMove, "12AB.TMP", 0600, 0, 0644},    {kMove, "qel12AB.TMP", 0600, 0640, 0640},
+        {kMove, "qel12AB.TMP", 0640, 0, 0640}, {kMove, "more12AB.TMP", 0600, 0, 0600},
+        {kMove, "12ab.TMP", 0600, 0, 0600}};
+    for (const auto& [operation, source, mode, target, expected] : cases) {
+        SCOPED_TRACE(std::string(source) + ' ' + std::to_string(mode) + ' ' + std::to_string(target));
+        m_folder.Write(source, "secret");
+        SetMode(source, mode);
+        std::filesystem::remove(m_folder.Posix("t"));
+        if (target != 0) m_folder.Write("t", "old");
+        if (target != 0) SetMode("t", target);
+        EXPECT_EQ(CodeOf([&] { operation(m_folder.Name(source), m_folder.Name("t"), false); }), 0);
+        EXPECT_EQ(StatusOf("t").st_mode & 07777, expected);
+        std::filesystem::remove(m_folder.Posix(source));
+    }
+    ::umask(before);
 }
 
 TEST_F(FileOperations, CopyReplacesWhatALinkLeadsTo) {
@@ -156,9 +184,81 @@ TEST_F(Replacement, HappensWholeOrNotAtAll) {
     EXPECT_EQ(CodeOf([&] { qel::Replacement(m_folder.Name(std::string(190, 'n'))).CommitNew(); }), 0);
 }
 
-// Whenever the writer is killed, a reader finds one of the whole files.
+// What killed writers have left is never more open than the file itself, and the next writer removes it.
+TEST_F(Replacement, IsNobodyElsesBeforeItIsWritten) {
+    SetMode("b", 0600);
+    m_folder.Write("b.E100.tmp", "of a killed writer");
+    m_folder.Write("b.E104.tmp", "of another one");
+    m_folder.Write("b.0001.tmp", "somebody's own");
+    qel::Replacement first(m_folder.Name("b"));
+    qel::Replacement second(m_folder.Name("b"));
+    for (const qel::Replacement* made : {&first, &second}) {
+        struct stat status = {};
+        EXPECT_EQ(::fstat(made->File().Get(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, 0600U);
+        Write(*made, "new");
+    }
+    first.Commit();
+    SetMode("b", 0640);  // meanwhile
+    second.Commit();
+    EXPECT_EQ(StatusOf("b").st_mode & 07777, 0640U);
+    EXPECT_EQ(m_folder.Count(), 5);
+    EXPECT_TRUE(m_folder.Has("b.0001.tmp"));
+}
+
+// The list lets user 4711 read and write, the file's group only read.
+TEST_F(Replacement, KeepsOwnerListAndAttributes) {
+    const std::string list(
+        "\2\0\0\0\1\0\6\0\377\377\377\377\2\0\6\0\147\22\0\0\4\0\4\0\377\377\377\377"
+        "\20\0\6\0\377\377\377\377\40\0\0\0\377\377\377\377",
+        44);
+    const auto set = [&](const char* file, const char* name, const std::string& value) {
+        return ::setxattr(m_folder.Posix(file).c_str(), name, value.data(), value.size(), 0);
+    };
+    const auto valueOf = [&](const char* name) {
+        char value[100];
+        const ssize_t size = ::getxattr(m_folder.Posix("b").c_str(), name, value, sizeof value);
+        return std::string(value, size > 0 ? static_cast<std::size_t>(size) : 0);
+    };
+    const auto replace = [&] {
+        qel::Replacement made(m_folder.Name("b"));
+        EXPECT_EQ(::fgetxattr(made.File().Get(), "system.posix_acl_access", nullptr, 0),
+                  valueOf("system.posix_acl_access").empty() ? -1 : 44);
+        made.Commit();
+        return 0;
+    };
+    if (set("b", "system.posix_acl_access", list) != 0 || set("b", "user.note", "kept") != 0 || ::geteuid() != 0) {
+        GTEST_SKIP() << "needs lists, attributes and root";
+    }
+    ASSERT_EQ(::chown(m_folder.Posix("b").c_str(), 1234, 5678), 0);
+    replace();
+    EXPECT_EQ(Line({StatusOf("b").st_uid, StatusOf("b").st_gid, StatusOf("b").st_mode & 07777}),
+              Line({1234, 5678, 0660}));
+    EXPECT_EQ(valueOf("system.posix_acl_access"), list);
+    EXPECT_EQ(valueOf("user.note"), "kept");
+
+    // The group of whoever cannot keep the file's own gets no more than others; the one who is named does.
+    SetMode("", 0777);
+    EXPECT_EQ(AsOrdinaryUser(replace), 0);
+    EXPECT_EQ(Line({StatusOf("b").st_uid, valueOf("system.posix_acl_access")[22]}), Line({65534, '\0'}));
+    EXPECT_EQ(valueOf("system.posix_acl_access").substr(0, 22), list.substr(0, 22));
+
+    // A list that the folder would give a new file opens no old one to others.
+    ASSERT_EQ(::removexattr(m_folder.Posix("b").c_str(), "system.posix_acl_access"), 0);
+    ASSERT_EQ(set("", "system.posix_acl_default", list), 0);
+    ASSERT_EQ(::chown(m_folder.Posix("b").c_str(), 0, 5678), 0);
+    SetMode("b", 0664);
+    replace();
+    EXPECT_EQ(valueOf("system.posix_acl_access"), "");
+    EXPECT_EQ(StatusOf("b").st_mode & 07777, 0664U);
+    EXPECT_EQ(AsOrdinaryUser(replace), 0);
+    EXPECT_EQ(StatusOf("b").st_mode & 07777, 0644U);
+}
+
+// Whenever the writer is killed, a reader finds one of the whole files, and nobody else finds anything.
 TEST_F(Replacement, SurvivesKills) {
     const std::string second(70'000, '2');
+    for (const char* name : {"a", "b", "d/x"}) SetMode(name, 0600);
     std::minstd_rand random(SoakSeed());
     for (int kill = SoakCount(40); kill > 0; --kill) {
         ChildProcess writer([&] {
@@ -173,5 +273,11 @@ TEST_F(Replacement, SurvivesKills) {
         writer.Kill();
         const std::string found = m_folder.Read("b");
         ASSERT_TRUE(found == "old" || found == second);
+        for (const auto& file : std::filesystem::directory_iterator(m_folder.Posix())) {
+            const auto rights = static_cast<unsigned>(file.symlink_status().permissions());
+            ASSERT_TRUE(file.is_directory() || file.is_symlink() || rights == 0600) << file.path();
+        }
     }
+    qel::Replacement(m_folder.Name("b")).Commit();
+    EXPECT_EQ(m_folder.Count(), 4);
 }

@@ -16,6 +16,11 @@ TEST(TemporaryName, IsBuiltFromItsPartsOrSaysWhyNot) {
     EXPECT_EQ(qel::TemporaryName("no/", "ab\x83\x5C", 0xFFFF), "no/abFFFF.TMP");  // never half a character
     EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");       // its trail byte is no separator
     EXPECT_EQ(CodeOf([] { qel::TemporaryName("\\no\\no", "x"); }), 267);
+    for (const char* prefix : {"..\\", "../", "\\x", "a/b"}) {  // out of the folder
+        EXPECT_EQ(CodeOf([&] { qel::TemporaryName("\\tmp", prefix); }), 123) << prefix;
+        EXPECT_EQ(CodeOf([&] { qel::TemporaryName("\\tmp", prefix, 1); }), 123) << prefix;
+    }
+    EXPECT_EQ(qel::TemporaryName("\\no", "abc\\", 1), "\\no\\abc0001.TMP");  // only three bytes are looked at
     EXPECT_EQ(CodeOf([] { qel::TemporaryName(std::string(247, 'a'), "x"); }), 111);
 }
 

@@ -1,0 +1,82 @@
+#include "qellib10/platform/storage/unfinished_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+
+#include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/record_lock.h"
+#include "qellib10/platform/storage/same_file.h"
+#include "qellib10/platform/storage/uninterrupted.h"
+
+namespace qel {
+namespace {
+
+constexpr std::int64_t kLockedByte = 0x7FFFFFFFFFF50000;  // past the marks of share modes and the byte of OpenLocked
+constexpr std::size_t kLongestName = 255;                 // bytes of a name on disk
+constexpr unsigned kNumbers = 0x10000;
+constexpr unsigned kFirst = 0xE100;  // unlike the numbers that people give
+constexpr unsigned kLookedAt = 8;    // numbers with nothing left between them are looked at all the same
+
+std::string NameBeside(const std::string& target, unsigned number) {
+    char suffix[16];
+    const int length = std::snprintf(suffix, sizeof suffix, ".%04X.tmp", (kFirst + number) % kNumbers);
+    const std::size_t start = target.rfind('/') + 1;  // npos + 1 is 0
+    return target.substr(0, start) + target.substr(start, kLongestName - static_cast<std::size_t>(length)) + suffix;
+}
+
+int Lock(const Descriptor& file, short type) {
+    struct flock lock = RecordLock(type, kLockedByte, 1);
+    return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 ? 0 : errno;
+}
+
+// Removes what no living writer has. A lock for reading does: it keeps a writer away that has just made the file.
+// @return whether it is gone
+bool RemoveLeftover(const std::string& path) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    struct stat opened = {};
+    if (!file || ::fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode)) return false;
+    return Lock(file, F_RDLCK) == 0 && StandsAt(path, opened) && ::unlink(path.c_str()) == 0;
+}
+
+}  // namespace
+
+UnfinishedFile::UnfinishedFile(const std::string& target, mode_t mode, std::string_view name) {
+    unsigned number = 0;
+    do {
+        if (number == kNumbers) ThrowCode(kFileExists, name);
+        m_path = NameBeside(target, number++);
+    } while (!Make(mode, name));
+    for (unsigned other = 0, least = std::max(number, kLookedAt); other < kNumbers; ++other) {
+        const std::string path = NameBeside(target, other);
+        if (path != m_path && !RemoveLeftover(path) && other >= least) break;
+    }
+}
+
+// @return false when another file has the name, or this one has lost it
+bool UnfinishedFile::Make(mode_t mode, std::string_view name) {
+    constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+    const auto make = [&] {
+        m_file.Reset(Uninterrupted([&] { return ::open(m_path.c_str(), kNew, mode); }));
+        return static_cast<bool>(m_file);
+    };
+    if (!make()) {
+        if (errno != EEXIST) ThrowErrno(errno, name, m_path);
+        if (!RemoveLeftover(m_path) || !make()) return false;
+    }
+    // Whoever found it before it was locked is just removing it, or has done so.
+    const int error = Lock(m_file, F_WRLCK);
+    struct stat made = {};
+    return (error == 0 || KnowsNoLocks(error)) && ::fstat(m_file.Get(), &made) == 0 && StandsAt(m_path, made);
+}
+
+UnfinishedFile::~UnfinishedFile() {
+    if (!m_path.empty()) ::unlink(m_path.c_str());
+}
+
+}  // namespace qel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/storage/descriptor.h"
+
+namespace qel {
+
+/// A file that is written beside the one that it is to become, as `<name>.<4 hex digits>.tmp`, so that readers never
+/// find a part of it. Its writer holds a lock on it that the kernel drops with the process. So what a killed one has
+/// left is known, and the next that writes to a file of that name removes it.
+class UnfinishedFile {
+public:
+    /// A new, empty file, open for reading and writing.
+    /// @param target a POSIX path, @p name what exceptions call it
+    /// @param mode as for open()
+    /// @throws CFileException
+    UnfinishedFile(const std::string& target, mode_t mode, std::string_view name);
+    /// Removes it, unless finished.
+    ~UnfinishedFile();
+    UnfinishedFile(const UnfinishedFile&) = delete;
+    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+
+    const Descriptor& File() const noexcept { return m_file; }
+    const std::string& Path() const noexcept { return m_path; }  // empty once it is finished
+
+    /// It has the name that it is for.
+    void Finish() noexcept { m_path.clear(); }
+
+private:
+    bool Make(mode_t mode, std::string_view name);
+
+    std::string m_path;
+    Descriptor m_file;
+};
+
+}  // namespace qel
