@@ -282,7 +282,8 @@ int CCryptXMLDocument::FileOpen(CFile& file, const char* path, int kind, int noW
     while (!file.Open(path, flags)) {
         CFileStatus status;
         const bool isThere = noWait == 0 && CFile::GetStatus(path, status) != 0;
-        if (!isThere || (status.m_attribute & CFileStatus::directory) != 0) return 0;
+        // A folder, a pipe and a device never become a file that can be opened.
+        if (!isThere || (status.m_attribute & CFileStatus::archive) == 0) return 0;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return 1;

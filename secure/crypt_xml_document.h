@@ -130,7 +130,7 @@ protected:
 
     /// Opens a file: @p kind 1 reading, others may not write; 2 reading and writing; 3 the same, and it is made when
     /// there is none; 4 writing, it is made or emptied. When that fails and the file exists, it is tried again every 10
-    /// ms, for as long as that is so, unless @p noWait is not 0. A folder is never waited for.
+    /// ms, for as long as that is so, unless @p noWait is not 0. Folders, pipes and devices are refused at once.
     static int FileOpen(CFile& file, const char* path, int kind, int noWait);
 
     /// Text of the code page in UTF-8 and back, each UTF-16 unit by itself: characters above U+FFFF take six bytes,

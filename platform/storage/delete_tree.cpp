@@ -13,6 +13,7 @@
 #include "qellib10/platform/storage/descriptor.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/share_lock.h"
 
@@ -88,6 +89,7 @@ void RefuseRoot(const Descriptor& folder, std::string_view name) {
 }  // namespace
 
 void DeleteTree(std::string_view folder) {
+    if (IsRoot(folder)) ThrowCode(kAccessDenied, folder);
     const std::string posix = ToPosixPath(folder);
     Status status = {};
     if (::lstat(posix.c_str(), &status) != 0) {

@@ -1,6 +1,7 @@
 #include "qellib10/platform/storage/ini_file.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -15,9 +16,11 @@
 #include "qellib10/platform/storage/ini_cache.h"
 #include "qellib10/platform/storage/ini_edit.h"
 #include "qellib10/platform/storage/locked_file.h"
+#include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/replacement.h"
+#include "qellib10/platform/storage/uninterrupted.h"
 #include "qellib10/platform/storage/windows_folder.h"
 #include "qellib10/platform/text/multibyte.h"
 
@@ -53,6 +56,44 @@ std::string ContentOf(const Descriptor& file, const std::string& name) {
     return bytes;
 }
 
+// Writes a file in place and gives it its old bytes back when that fails.
+class InPlace {
+public:
+    InPlace(const std::string& name, std::string_view old)
+        : m_name(name), m_old(old), m_file(OpenShared(ToPosixPath(name), kAlone, name)) {}
+    ~InPlace() {
+        if (m_isWritten) return;
+        try {
+            Write(m_old);
+        } catch (const CFileException&) {  // then neither the old text fits
+        }
+    }
+    InPlace(const InPlace&) = delete;
+    InPlace& operator=(const InPlace&) = delete;
+
+    void Set(std::string_view bytes) {
+        Write(bytes);
+        m_isWritten = true;
+        CloseShared(m_file);
+    }
+
+private:
+    static constexpr OpenRequest kAlone = {.mode = {.read = true, .write = true, .denyRead = true, .denyWrite = true}};
+
+    // Cut last: a reader finds one text or the other, or the beginning of one before the end of the other.
+    void Write(std::string_view bytes) const {
+        const auto length = static_cast<off_t>(bytes.size());
+        WriteFullyAt(m_file, std::as_bytes(std::span(bytes)), 0, m_name);
+        if (Uninterrupted([&] { return ::ftruncate(m_file.Get(), length); }) != 0) ThrowErrno(errno, m_name);
+        FlushData(m_file, m_name);
+    }
+
+    const std::string& m_name;
+    const std::string_view m_old;
+    Descriptor m_file;
+    bool m_isWritten = false;
+};
+
 using Edited = std::optional<std::string>;
 
 // One try. @param edit gives the new bytes for the old ones, or nothing when it refuses
@@ -61,6 +102,10 @@ template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, E
     const std::string old = file ? ContentOf(file, name) : std::string();
     const Edited changed = edit(old);
     if (!changed || *changed == old) return changed.has_value();
+    if (file && !CanReplace(name)) {
+        InPlace(name, old).Set(*changed);
+        return true;
+    }
     Replacement replacement(name);
     WriteFully(replacement.File(), std::as_bytes(std::span(*changed)), name);
     file ? replacement.Commit() : replacement.CommitNew();

@@ -18,7 +18,9 @@
 // but never written. Files above 32 MiB are treated as missing, and are not written.
 //
 // A write replaces the file as a whole, under a lock: readers see the old file or the new one, and of two processes
-// that write different keys both win. It waits some seconds for others that write, or hold the file open.
+// that write different keys both win. It waits some seconds for others that write, or hold the file open. A file in a
+// folder that the caller may not write is written in place: readers may find a part of the new text for a moment, and
+// after a crash for good. Through a link to a file that is not there yet that file is made.
 namespace qel {
 
 /// The value of a key as a text of at most @p size - 1 bytes that splits no character, or @p defaultValue (null: the
@@ -35,7 +37,7 @@ QELLIB10_API std::string ReadProfileSection(const char* section, DWORD size, con
 
 /// Sets a key; a null @p value deletes it, a null @p key deletes the section. Deleting what is missing succeeds.
 /// @return false, and nothing is written, without a section, for a text with a line end in it or a name that would not
-/// be found again, and when the file cannot be replaced; its folder must exist
+/// be found again, and when the file cannot be written; its folder must exist
 QELLIB10_API bool WriteProfileString(const char* section, const char* key, const char* value, const char* file);
 
 /// Puts @p entry, a line of the form name=value, behind the last one of the section; others of its name stay.

@@ -41,6 +41,7 @@ struct ParsedPath {
     std::string_view prefix;              // the drive as written, as "C:"
     std::vector<std::string_view> names;  // of a network path the first two are server and share
 
+    std::size_t Fixed() const { return start == Start::Net ? 2 : 0; }  // names that belong to the root
     void Add(std::string_view name);
     void AddAll(std::string_view path);
     std::string Posix() const;
@@ -48,9 +49,8 @@ struct ParsedPath {
 };
 
 void ParsedPath::Add(std::string_view name) {
-    const std::size_t fixed = start == Start::Net ? 2 : 0;
     if (name.empty() || name == ".") return;
-    if (name == ".." && names.size() > fixed && names.back() != "..") {
+    if (name == ".." && names.size() > Fixed() && names.back() != "..") {
         names.pop_back();
     } else if (name != ".." || start == Start::Here) {
         names.push_back(name);
@@ -189,6 +189,11 @@ CString CurrentFolder() {
     return ToLibraryPath(buffer.data());
 }
 
+bool IsRoot(std::string_view path) {
+    const ParsedPath parsed = Parse(path);
+    return parsed.start != ParsedPath::Start::Here && parsed.names.size() == parsed.Fixed();
+}
+
 std::size_t NameStart(std::string_view path) {
     const std::size_t backslash = FindLastCharacter(path, '\\');
     const std::size_t slash = FindLastCharacter(path, '/');
@@ -202,10 +207,19 @@ std::size_t FindSeparator(std::string_view path, std::size_t from) {
 }
 
 std::string BehindLinks(const std::string& posixPath, std::string_view name) {
-    std::array<char, PATH_MAX> resolved;
-    if (::realpath(posixPath.c_str(), resolved.data()) != nullptr) return resolved.data();
-    if (errno != ENOENT) ThrowErrno(errno, name, posixPath);
-    return posixPath;
+    constexpr int kMostLinks = 40;  // as the system's own limit
+    std::array<char, PATH_MAX> found;
+    std::string path = posixPath;
+    for (int links = 0; links < kMostLinks; ++links) {
+        if (::realpath(path.c_str(), found.data()) != nullptr) return found.data();
+        if (errno != ENOENT) ThrowErrno(errno, name, path);
+        // What is not there may be a link to a file that is still to be made.
+        const ssize_t length = ::readlink(path.c_str(), found.data(), found.size());
+        if (length < 0) return path;
+        const std::string target(found.data(), static_cast<std::size_t>(length));
+        path = target.starts_with('/') ? target : PosixFolderOf(path) + '/' + target;
+    }
+    ThrowErrno(ELOOP, name);
 }
 
 std::string PosixFolderOf(std::string_view posixPath) {

@@ -12,7 +12,10 @@ std::size_t NameStart(std::string_view path);
 /// The next separator of either kind from @p from on, else the path's size.
 std::size_t FindSeparator(std::string_view path, std::size_t from = 0);
 
-/// What a symbolic link at @p posixPath leads to; the path itself where nothing stands, and for a link to nothing.
+/// Whether @p path names the root folder, a drive or a share, and nothing in it. @throws CFileException as ToPosixPath
+bool IsRoot(std::string_view path);
+
+/// What a symbolic link at @p posixPath leads to, also where that is not there yet; else the path itself.
 /// @throws CFileException with @p name
 std::string BehindLinks(const std::string& posixPath, std::string_view name);
 

@@ -79,6 +79,13 @@ TEST_F(FileFolders, TreeGoesButNotWhatItsLinksLeadTo) {
 TEST_F(FileFolders, TreeStaysFromTheFirstFailureOn) {
     fs::create_directories("tree");
     m_folder.Write("tree/file", "x");
+    const EnvironmentScope drive("QELLIB10_DRIVE_Q", m_folder.Posix("tree").c_str());
+    const EnvironmentScope net("QELLIB10_NET_ROOT", m_folder.Posix("").parent_path().c_str());
+    const std::string share = "\\\\" + m_folder.Posix().filename().string() + "\\tree";
+    for (const std::string& root :
+         {std::string("Q:\\"), std::string("q:"), std::string("Q:\\x\\.."), share, share + "\\."}) {
+        EXPECT_EQ(CQFile::DelTree(root.c_str()), 0) << root;
+    }
     CFile open("tree\\file", CFile::modeRead | CFile::shareDenyNone);
     EXPECT_EQ(CQFile::DelTree("tree"), 0);
     open.Close();
@@ -111,8 +118,10 @@ TEST_F(FileFolders, FileMovesIntoNewFolders) {
     EXPECT_EQ(CQFile::MoveFileA("a", "x\\y\\b", 0), 1);
     EXPECT_TRUE(!m_folder.Has("a") && m_folder.Read("x/y/b") == "first");
     m_folder.Write("a", "second");
+    fs::permissions("a", fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(CQFile::MoveFileA("a", "x/y/b", 0), 0);
     EXPECT_EQ(CQFile::MoveFileA("a", "x/y/b", 1), 1);
+    EXPECT_EQ(fs::status("x/y/b").permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(CQFile::MoveFileA("none", "c", 1), 0);
     // Onto itself, by whatever name, nothing is lost.
     fs::create_symlink("b", "x/y/link");

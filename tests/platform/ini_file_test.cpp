@@ -1,12 +1,15 @@
 #include "qellib10/platform/storage/ini_file.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <thread>
 
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
+#include "../support/full_disk.h"
 #include "../support/line.h"
 #include "../support/run_at_once.h"
 #include "../support/temp_folder.h"
@@ -162,6 +165,50 @@ TEST_F(IniFile, ReplacesTheFileAndKeepsWhatItIs) {
     EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "A.INI"), "");  // names on disk are exact
     EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "a.ini"), "2");
     EXPECT_TRUE(qel::WriteProfileString("s", "k", "3", "WIN.INI") && m_folder.Has("WIN.INI"));
+}
+
+TEST_F(IniFile, IsMadeWhereALinkLeads) {
+    std::filesystem::create_directory(m_folder.Posix("d"));
+    std::filesystem::create_symlink("d/real.ini", m_folder.Posix("step.ini"));
+    std::filesystem::create_symlink(m_folder.Posix("step.ini"), m_folder.Posix("a.ini"));
+    EXPECT_TRUE(Set("s", "k", "1"));
+    EXPECT_EQ(m_folder.Read("d/real.ini"), "[s]\r\nk=1\r\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Posix("a.ini")));
+    // Refused at once: neither is another writer's doing.
+    for (const char* target : {"none/real.ini", "loop.ini"}) {
+        const auto start = std::chrono::steady_clock::now();
+        std::filesystem::create_symlink(target, m_folder.Posix("loop.ini"));
+        EXPECT_FALSE(qel::WriteProfileString("s", "k", "1", m_folder.Name("loop.ini").c_str())) << target;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1)) << target;
+        std::filesystem::remove(m_folder.Posix("loop.ini"));
+    }
+}
+
+// In a folder that is closed, or where others' files stay.
+TEST_F(IniFile, IsSetInPlaceWhereItCannotBeReplaced) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs another user";
+    const std::string longer = "[s]\nk=" + std::string(300, 'x') + "\n";
+    for (const mode_t folder : {0555, 01777}) {
+        Write(longer);
+        ::chmod(m_folder.Posix("a.ini").c_str(), 0666);
+        ::chmod(m_folder.Posix().c_str(), folder);
+        const auto asOther = [&](auto&& body) { return InChild([&] { return ::seteuid(65534) == 0 ? body() : 98; }); };
+        EXPECT_EQ(asOther([&] { return Set("s", "k", "2"); }), 1) << folder;
+        EXPECT_EQ(Bytes(), "[s]\nk=2\n") << folder;
+        EXPECT_EQ(asOther([&] {
+                      CFile held(m_name.c_str(), CFile::modeRead | CFile::shareDenyWrite);
+                      std::thread closing([&] { ::usleep(50'000), held.Close(); });
+                      const bool isSet = Set("s", "k", "3");
+                      closing.join();
+                      return isSet;
+                  }),
+                  1);
+        EXPECT_EQ(asOther([&] { return OnFullDisk(8, [&] { return Set("s", "k", "44"); }); }), 0);
+        EXPECT_EQ(Bytes(), "[s]\nk=3\n") << folder;
+        ::chmod(m_folder.Posix("a.ini").c_str(), 0644);
+        EXPECT_EQ(asOther([&] { return Set("s", "k", "5"); }), 0) << folder;
+    }
+    EXPECT_EQ(m_folder.Count(), 1);
 }
 
 TEST_F(IniFile, NoticesEveryChange) {

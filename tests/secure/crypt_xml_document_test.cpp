@@ -1,6 +1,7 @@
 #include "qellib10/secure/crypt_xml_document.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <chrono>
@@ -247,7 +248,19 @@ TEST_F(XmlFiles, WaitForWritersUnlessTheyMustNot) {
     CFile file;
     for (const int kind : {0, 5}) EXPECT_EQ(Document::FileOpen(file, m_path, kind, 0), 0);
     for (const int kind : {1, 2}) EXPECT_EQ(Document::FileOpen(file, m_folder.Path("none"), kind, 0), 0);
-    EXPECT_EQ(Document::FileOpen(file, m_folder.Path(), 1, 0), 0);
+    // What never becomes a file that can be opened is not waited for.
+    ASSERT_EQ(::mkfifo(m_folder.Posix("pipe").c_str(), 0600), 0);
+    ASSERT_EQ(m_document.SetXMLString("<a/>"), 1);
+    for (const CString& name : {m_folder.Path(), m_folder.Path("pipe"), CString("\\dev\\null")}) {
+        for (const int kind : {1, 2, 3, 4}) EXPECT_EQ(Document::FileOpen(file, name, kind, 0), 0) << kind;
+        for (const int crypt : {0, 1}) {
+            m_document.SetCryptMode(crypt);
+            EXPECT_EQ(Line({m_document.LoadXMLFile(name, 0), m_document.SaveXMLFile(name, 0),
+                            m_document.LockFile(name, 0, 1)}),
+                      "0 0 0")
+                << crypt;
+        }
+    }
     EXPECT_EQ(Line({m_document.LoadXMLFile(nullptr, 0), m_document.SaveXMLFile(nullptr, 0)}), "0 0");
 
     m_folder.Write("a.xml", "<a/>");
