@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <span>
+#include <vector>
 
+#include "qellib10/file/bytes_at.h"
 #include "qellib10/file/check_datafile_format.h"
 #include "qellib10/file/file_check_sums.h"
 #include "qellib10/file/write_undo.h"
@@ -37,6 +40,32 @@ int Next(int version) { return static_cast<int>(static_cast<DWORD>(version) + 1)
 
 CString NameOf(const CFile& file) { return CQFile::GetFilenameFromPath(file.GetFilePath()); }
 
+DWORD NumberAt(const CFile& file, ULONGLONG offset) {
+    return qel::FromLittleEndian<DWORD>(qel::BytesAt<sizeof(DWORD)>(file, offset));
+}
+
+struct Seal {
+    ULONGLONG at = 0;    // where the trailer starts
+    CheckSums dataSums;  // of the bytes before it
+};
+
+// The seal of a file, found in one pass; nothing when there is none that is right.
+// @throws CFileException for a file that cannot be read, which does not mean that it has no seal
+std::optional<Seal> FindSeal(const CFile& file) {
+    const ULONGLONG length = file.GetLength();
+    if (length < CheckBlock::kSize) return std::nullopt;
+    const ULONGLONG end = length - CheckBlock::kSize;
+    const CheckBlock check = CheckBlock::Unpack(qel::BytesAt<CheckBlock::kSize>(file, end));
+    const ULONGLONG trailer = ULONGLONG{check.trailerLength} + sizeof(DWORD);
+    if (trailer > length) return std::nullopt;
+    Seal seal = {.at = length - trailer, .dataSums = CheckSums()};
+    if (ULONGLONG{NumberAt(file, seal.at)} + CheckBlock::kSize != check.trailerLength) return std::nullopt;
+    qel::AddCheckSumsAt(seal.dataSums, file, 0, seal.at);
+    CheckSums sums = seal.dataSums;
+    qel::AddCheckSumsAt(sums, file, seal.at, end - seal.at);
+    return sums.Crc() == check.crc && sums.Sum() == check.sum ? std::optional(seal) : std::nullopt;
+}
+
 }  // namespace
 
 CCheckDatafile::CCheckDatafile() { InitializeData(); }
@@ -65,15 +94,15 @@ int CCheckDatafile::PackNewData(CQFile* file) {
 int CCheckDatafile::PackUpdateData(CQFile* file, int isNew) {
     if (file == nullptr) return 0;
     return qel::AsResult([&] {
-        if (isNew != 0 ? IsPackData(file) : !ReadPackData(file)) return 0;
+        const std::optional<Seal> seal = FindSeal(*file);
+        if (isNew != 0 ? seal.has_value() : !seal || !TakeInfo(*file, seal->at)) return 0;
         CCheckDatafile next(*this);  // this object stays as it is when the file cannot be written
         if (isNew != 0) {
             next.Append(*file);
         } else {
-            SeekAddDataTop(file, nullptr);
-            qel::WriteUndo trailer(*file, file->GetPosition(), kLongestTrailer);
+            qel::WriteUndo trailer(*file, seal->at, kLongestTrailer);
             next.m_nVersion = Next(m_nVersion);
-            next.UpdatePackData(file);
+            next.WriteTrailer(*file, seal->dataSums);
             trailer.Keep();
         }
         *this = next;
@@ -92,18 +121,19 @@ void CCheckDatafile::Append(CQFile& file) {
 
 int CCheckDatafile::ReadPackData(CQFile* file) {
     if (file == nullptr) return 0;
-    return qel::AsResult([&] { return ReadTrailer(*file); });
+    return qel::AsResult([&] {
+        const std::optional<Seal> seal = FindSeal(*file);
+        return seal ? TakeInfo(*file, seal->at) : 0;
+    });
 }
 
-int CCheckDatafile::ReadTrailer(CQFile& file) {
-    const ULONGLONG position = file.GetPosition();
-    if (!IsPackData(&file)) return 0;
-    SeekAddDataTop(&file, nullptr);
+int CCheckDatafile::TakeInfo(const CQFile& file, ULONGLONG trailerAt) {
     std::array<std::byte, SealInfo::kLongest> room;
-    const auto bytes = std::span(room).first(std::min<std::size_t>(ReadNumber(file), SealInfo::kLongest));
-    ReadExactly(file, bytes);
-    const SealInfo info = SealInfo::Unpack(bytes);
-    file.Seek(static_cast<LONGLONG>(position), CFile::begin);
+    const auto bytes = std::span(room).first(std::min<std::size_t>(NumberAt(file, trailerAt), SealInfo::kLongest));
+    const CString path = file.GetFilePath();
+    const std::size_t got =
+        qel::ReadFullyAt(file.ReadableDescriptor(), bytes, trailerAt + SealInfo::kLengthSize, path.View());
+    const SealInfo info = SealInfo::Unpack(bytes.first(got));
     m_szFilename = info.name;
     m_nVersion = static_cast<int>(info.version);
     m_guid = info.guid;
@@ -112,16 +142,7 @@ int CCheckDatafile::ReadTrailer(CQFile& file) {
 
 int CCheckDatafile::IsPackData(CQFile* file) {
     if (file == nullptr) return 0;
-    return qel::AsResult([&] {
-        // CheckCRC and CheckSUM in one pass.
-        const ULONGLONG end = GetCheckPos(file->GetLength());
-        file->Seek(static_cast<LONGLONG>(end), CFile::begin);
-        std::array<std::byte, CheckBlock::kSize> bytes;
-        ReadExactly(*file, bytes);
-        const CheckBlock check = CheckBlock::Unpack(bytes);
-        const CheckSums sums = qel::CheckSumsOf(*file, end);
-        return sums.Crc() == check.crc && sums.Sum() == check.sum ? CheckSize(file) : 0;
-    });
+    return qel::AsResult([&] { return FindSeal(*file) ? 1 : 0; });
 }
 
 int CCheckDatafile::CheckCRC(CQFile* file) {
@@ -153,24 +174,37 @@ void CCheckDatafile::SeekAddDataTop(CQFile* file, DWORD* trailerLength) {
     if (trailerLength != nullptr) *trailerLength = length;
 }
 
+// The record of this object's seal on @p file, whose name becomes this object's.
+std::vector<std::byte> CCheckDatafile::PackInfo(const CQFile& file) {
+    m_szFilename = NameOf(file);
+    return SealInfo{.name = m_szFilename, .version = static_cast<std::uint32_t>(m_nVersion), .guid = GUID(m_guid)}
+        .Pack();
+}
+
 void CCheckDatafile::AddFileInfo(CQFile* file, DWORD* written) {
-    m_szFilename = NameOf(*file);
-    const SealInfo info = {
-        .name = m_szFilename, .version = static_cast<std::uint32_t>(m_nVersion), .guid = GUID(m_guid)};
-    const auto bytes = info.Pack();
+    const auto bytes = PackInfo(*file);
     Write(*file, bytes);
     if (written != nullptr) *written = static_cast<DWORD>(bytes.size());
 }
 
 int CCheckDatafile::UpdatePackData(CQFile* file) {
-    DWORD written = 0;
-    AddFileInfo(file, &written);
-    const CheckSums sums = qel::CheckSumsOf(*file, file->GetPosition());
+    const ULONGLONG at = file->GetPosition();
+    if (at > file->GetLength()) file->SetLength(at);  // the gap counts as zero bytes
+    WriteTrailer(*file, qel::CheckSumsAt(*file, 0, at));
+    return 1;
+}
+
+// One call writes it: between two a killed process would leave a file without a seal.
+void CCheckDatafile::WriteTrailer(CQFile& file, const CheckSums& before) {
+    std::vector<std::byte> bytes = PackInfo(file);
+    CheckSums sums = before;
+    sums.Add({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
     const CheckBlock check = {.crc = sums.Crc(),
                               .sum = sums.Sum(),
-                              .trailerLength = static_cast<std::uint32_t>(written + CheckBlock::kTrailerLengthAt)};
-    Write(*file, check.Pack());
-    return 1;
+                              .trailerLength = static_cast<std::uint32_t>(bytes.size() + CheckBlock::kTrailerLengthAt)};
+    const auto block = check.Pack();
+    bytes.insert(bytes.end(), block.begin(), block.end());
+    Write(file, bytes);
 }
 
 DWORD CCheckDatafile::GetCheckSize() { return CheckBlock::kSize; }

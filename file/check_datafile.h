@@ -1,10 +1,17 @@
 #pragma once
 
+#include <cstddef>
+#include <vector>
+
 #include "qellib10/base/guid.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
+
+namespace qel {
+class CheckSums;
+}
 
 /// A seal on a data file, by which an application can tell later that the file is one of its own, unchanged and under
 /// its own name, and how often it was sealed. It is a trailer behind the file's own data, which stay as they are:
@@ -16,8 +23,9 @@
 ///
 /// Operations work on an open file of the caller's and answer 1, or 0 when the check fails or the system refuses;
 /// nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power cut a file that
-/// was just sealed may have its former seal or none, but a seal that passes stands behind the data that it was made
-/// for. Unless stated they leave the file's position anywhere.
+/// was just sealed may have its former seal or none, but a seal that passes is after the data that it was made for. The
+/// trailer is written by one call, once its checksums are known: a process that is killed while it seals again leaves
+/// the former seal or the next one. Unless stated they leave the file's position anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();
@@ -72,7 +80,9 @@ protected:
 
 private:
     void Append(CQFile& file);  // a trailer of the next version
-    int ReadTrailer(CQFile& file);
+    int TakeInfo(const CQFile& file, ULONGLONG trailerAt);
+    std::vector<std::byte> PackInfo(const CQFile& file);
+    void WriteTrailer(CQFile& file, const qel::CheckSums& before);
 
     int m_nCheckFilename;
     CString m_szFilename;

@@ -8,8 +8,8 @@
 namespace qel {
 namespace {
 
-template <class Take> CheckSums SumsOver(const CFile& from, ULONGLONG offset, ULONGLONG count, Take&& take) {
-    CheckSums sums;
+template <class Take>
+void AddSumsOver(CheckSums& sums, const CFile& from, ULONGLONG offset, ULONGLONG count, Take&& take) {
     const auto block = MakeIoBlock();
     const CString name = from.GetFilePath();
     for (ULONGLONG done = 0; done < count;) {
@@ -20,7 +20,6 @@ template <class Take> CheckSums SumsOver(const CFile& from, ULONGLONG offset, UL
         if (got < wanted.size()) throw CFileException(CFileException::genericException, -1, name);
         done += got;
     }
-    return sums;
 }
 
 }  // namespace
@@ -41,13 +40,21 @@ CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted) {
     return sums;
 }
 
+void AddCheckSumsAt(CheckSums& sums, const CFile& file, ULONGLONG offset, ULONGLONG count) {
+    AddSumsOver(sums, file, offset, count, [](std::span<const std::byte>) {});
+}
+
 CheckSums CheckSumsAt(const CFile& file, ULONGLONG offset, ULONGLONG count) {
-    return SumsOver(file, offset, count, [](std::span<const std::byte>) {});
+    CheckSums sums;
+    AddCheckSumsAt(sums, file, offset, count);
+    return sums;
 }
 
 CheckSums CopyWithCheckSums(const CFile& from, ULONGLONG offset, CFile& to, ULONGLONG count) {
-    return SumsOver(from, offset, count,
-                    [&](std::span<const std::byte> bytes) { to.Write(bytes.data(), static_cast<UINT>(bytes.size())); });
+    CheckSums sums;
+    AddSumsOver(sums, from, offset, count,
+                [&](std::span<const std::byte> bytes) { to.Write(bytes.data(), static_cast<UINT>(bytes.size())); });
+    return sums;
 }
 
 }  // namespace qel

@@ -13,6 +13,8 @@ CheckSums CheckSumsOf(CFile& file, ULONGLONG size, CheckSums::Wanted wanted = Ch
 /// Those of @p count bytes at @p offset of a file, whose position stays.
 /// @throws CFileException; with genericException when it has fewer
 CheckSums CheckSumsAt(const CFile& file, ULONGLONG offset, ULONGLONG count);
+/// The same, after the bytes that @p sums has got already.
+void AddCheckSumsAt(CheckSums& sums, const CFile& file, ULONGLONG offset, ULONGLONG count);
 
 /// Copies @p count bytes at @p offset of @p from, whose position stays, to the position of @p to, and computes their
 /// checksums on the way.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/text/code_page.h"
 
@@ -95,4 +96,7 @@ std::optional<ULONGLONG> qel::FileSize64(std::string_view name) {
     return status.m_size;
 }
 
-int CQFile::IsCanOverwrite(const char* name) { return !IsExist(name) || CFile().Open(name, modeWrite) ? 1 : 0; }
+int CQFile::IsCanOverwrite(const char* name) {
+    CFileException failure;
+    return CFile().Open(name, modeWrite, &failure) || qel::IsMissing(failure) ? 1 : 0;
+}

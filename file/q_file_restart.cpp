@@ -4,6 +4,7 @@
 #include "qellib10/file/q_file.h"
 #include "qellib10/file/restart_file.h"
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -28,6 +29,16 @@ CString MoveBeside(const CString& source, const CString& target) {
         if (!CQFile::MoveFileA(source, name, 0)) name.Empty();
     });
     return moved ? name : CString();
+}
+
+// Deletes. Where the system does not even show whether it is there, it is not gone.
+bool IsGone(const CString& file) {
+    try {
+        qel::DeleteFile(file.View());
+        return true;
+    } catch (const CFileException& failure) {
+        return qel::IsMissing(failure);
+    }
 }
 
 // Files have no second, shorter name here: the short one is the full one, and only a file that exists has one.
@@ -63,10 +74,7 @@ int CQFile::MoveFileReboot(const char* source, const char* target, char* tempNam
 
 int CQFile::DeleteFileReboot(const char* name, int tryNow) {
     const CString file(name);
-    if (tryNow != 0) {
-        Succeeds([&] { qel::DeleteFile(file.View()); });
-        if (!IsExist(file)) return kDoneNow;
-    }
+    if (tryNow != 0 && IsGone(file)) return kDoneNow;
     const bool putOff = CSystemInfo::IsWinNT() ? Succeeds([&] { qel::DeleteFileDelayed(file.View()); })
                                                : qel::AddDeletionToRestartFile(file);
     return putOff ? kPutOff : kRefused;

@@ -1,7 +1,9 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
+#include <exception>
 #include <limits>
 #include <span>
+#include <string>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/error.h"
@@ -11,8 +13,8 @@
 #include "qellib10/platform/storage/path_parts.h"
 
 #include "qellib10/file/file_check_sums.h"
-#include "qellib10/secure/cabinet_backup.h"
 #include "qellib10/secure/cabinet_content.h"
+#include "qellib10/secure/cabinet_undo.h"
 #include "qellib10/secure/history_cabinet_format.h"
 #include "qellib10/secure/version_ends.h"
 
@@ -90,40 +92,12 @@ void RequireRoom(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size
         throw qel::DataError("no room for another version");
 }
 
-// Puts file and header back to what they were, unless the registration is kept. The header first: cut before it, a
-// crash in between would leave one that names data which are gone.
-class Undo {
-public:
-    Undo(CFile& file, qel::CabinetHeader& header, ULONGLONG end)
-        : m_file(file), m_header(header), m_old(header), m_end(file.GetLength() != 0 ? end : 0) {}
-    ~Undo() {
-        if (m_kept) return;
-        m_header = m_old;
-        qel::Succeeds([&] {  // where it does not, the next registration cuts what is left
-            if (m_end != 0) {
-                Write(m_file, 0, qel::Pack(m_old));
-                m_file.Flush();
-            }
-            m_file.SetLength(m_end);
-        });
-    }
-    Undo(const Undo&) = delete;
-    Undo& operator=(const Undo&) = delete;
-
-    void Keep() { m_kept = true; }
-
-private:
-    CFile& m_file;
-    qel::CabinetHeader& m_header;
-    qel::CabinetHeader m_old;
-    ULONGLONG m_end;  // 0 of a cabinet that was only created
-    bool m_kept = false;
-};
-
 }  // namespace
 
 CHistoryCabinetFile::CHistoryCabinetFile()
-    : m_pFile(std::make_shared<CQFile>()), m_pEnds(std::make_shared<qel::VersionEnds>()) {
+    : m_pFile(std::make_shared<CQFile>()),
+      m_pEnds(std::make_shared<qel::VersionEnds>()),
+      m_pIsHalfDone(std::make_shared<bool>(false)) {
     InitCabFileHeader();
 }
 CHistoryCabinetFile::CHistoryCabinetFile(const CHistoryCabinetFile& other) = default;
@@ -154,12 +128,14 @@ int CHistoryCabinetFile::Close() {
 void CHistoryCabinetFile::Initialize() {
     m_pFile->Abort();
     m_pEnds->Clear();
+    *m_pIsHalfDone = false;
     InitCabFileHeader();
 }
 
 int CHistoryCabinetFile::RegistNewVersion(const char* source) {
     return qel::AsResult([&] {
         m_pFile->WritableDescriptor();  // throws when nothing is open, or for reading only
+        if (*m_pIsHalfDone) throw qel::DataError("a registration that could not be undone");
         CFile from(source, kForReading);
         // What was only created is not in the file yet. Else the file is asked: a copy of this object may have
         // registered versions meanwhile.
@@ -168,18 +144,33 @@ int CHistoryCabinetFile::RegistNewVersion(const char* source) {
         const ULONGLONG end = Content(*m_pFile).End(m_header);
         const ULONGLONG size = from.GetLength();
         RequireRoom(m_header, end, size);
-
-        qel::CabinetBackup backup;
-        backup.Take(*m_pFile);
-        Append(from, static_cast<DWORD>(size), end);
-        backup.Drop();
+        AppendOrUndo(from, static_cast<DWORD>(size), end);
         return 1;
     });
 }
 
+void CHistoryCabinetFile::AppendOrUndo(const CFile& source, DWORD size, ULONGLONG end) {
+    const qel::CabinetUndo undo(*m_pFile, m_header, end);
+    *m_pIsHalfDone = true;
+    try {
+        Append(source, size, end);
+    } catch (const std::exception& cause) {
+        m_header = undo.Header();
+        try {
+            undo.Run();
+        } catch (const CFileException& failure) {
+            undo.LeaveCopy();
+            throw qel::DataError(std::string(cause.what()) + ", and not undone: " + failure.what());
+        }
+        *m_pIsHalfDone = false;
+        undo.LeaveCopy();
+        throw;
+    }
+    *m_pIsHalfDone = false;
+}
+
 // The data are on the disk before the header that names them is written.
 void CHistoryCabinetFile::Append(const CFile& source, DWORD size, ULONGLONG end) {
-    Undo undo(*m_pFile, m_header, end);
     if (m_pFile->GetLength() > end) m_pFile->SetLength(end);
     if (m_header.versionCount == 0) {
         m_header.latestOffset = static_cast<DWORD>(end);
@@ -202,7 +193,6 @@ void CHistoryCabinetFile::Append(const CFile& source, DWORD size, ULONGLONG end)
     m_header.latestOffset = static_cast<DWORD>(end);
     m_header.versionCount = version.version;
     WriteHeader();
-    undo.Keep();
 }
 
 void CHistoryCabinetFile::WriteHeader() {

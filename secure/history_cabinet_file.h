@@ -68,9 +68,12 @@ public:
 
     /// Appends the file at @p source as the next version. Others must not be writing to it.
     ///
-    /// Before anything is written the cabinet is copied to the folder for temporary files, which takes no time where
-    /// the file system can share blocks. The copy is deleted at the end; after a failure it is left there.
-    /// @return 0, and the cabinet as it was, also when it is damaged, open for reading only, or would reach 4 GiB
+    /// It takes the same time whatever the cabinet holds already. After a failure the cabinet is put back, and a copy
+    /// of it as it was is left in the folder for temporary files, where a file must be possible before anything is
+    /// written.
+    /// @return 0, and the cabinet as it was, also when it is damaged, open for reading only, or would reach 4 GiB. When
+    /// the disk refuses to put it back too, every further call gives 0 until the cabinet is opened again; nothing that
+    /// was registered is lost then either
     int RegistNewVersion(const char* source);
 
     /// Number of versions, and of the latest one.
@@ -101,7 +104,9 @@ protected:
 
 private:
     void WriteHeader();
+    void AppendOrUndo(const CFile& source, DWORD size, ULONGLONG end);
     void Append(const CFile& source, DWORD size, ULONGLONG end);
 
     std::shared_ptr<qel::VersionEnds> m_pEnds;  // of the open file, so shared by copies as well
+    std::shared_ptr<bool> m_pIsHalfDone;        // a registration could not be undone; of the open file, too
 };

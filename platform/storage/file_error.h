@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/types.h"
 
 namespace qel {
@@ -43,6 +44,11 @@ LONG CodeOfErrno(int error, std::string_view posixPath = {});
 
 /// The cause (CFileException::fileNotFound ...) that a number stands for.
 int CauseOfCode(LONG code);
+
+/// Whether it failed since nothing has the name. What could not be looked at may be there.
+inline bool IsMissing(const CFileException& failure) {
+    return failure.m_cause == CFileException::fileNotFound || failure.m_cause == CFileException::badPath;
+}
 
 /// @throws CFileException with @p code, its cause and @p name, the path as the caller knows it.
 [[noreturn]] void ThrowCode(LONG code, std::string_view name);

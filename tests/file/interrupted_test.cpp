@@ -33,6 +33,7 @@ std::string Seal(At at) {
     const bool sealed = file.Open(at.a, CFile::modeRead) && seal.ReadPackData(&file);
     return sealed ? at.Read("a").substr(0, 3) + " sealed " + std::to_string(seal.GetVersion()) : Bytes(at);
 }
+std::string SealAndSizes(At at) { return Seal(at) + Sizes(at); }
 int Sealed(At at, bool again) {
     CQFile file;
     if (!file.Open(at.a, CFile::modeReadWrite)) return 0;
@@ -54,6 +55,10 @@ int SealedAnew(At at) {
     file.Write(data.data(), static_cast<UINT>(data.size()));
     file.SetLength(data.size());
     return seal.PackUpdateData(&file, 1);
+}
+int SealedAsNewIsRefused(At at) {
+    CQFile file;
+    return !file.Open(at.a, CFile::modeReadWrite) || !CCheckDatafile().PackUpdateData(&file, 1);
 }
 // A seal that is whole stands behind the data that were sealed so; without one they are as they were or were to be.
 std::string SealAfterCut(At at) {
@@ -139,6 +144,7 @@ const Operation kOperations[] = {
     {"Seal", [](At at) { return Sealed(at, false); }, Seal, Longer, false, Cut::kOldOrNew, SealAfterCut},
     {"SealAgain", [](At at) { return Sealed(at, true); }, Seal, LongSeal, false, Cut::kOldOrNew, SealAfterCut},
     {"SealNewData", SealedAnew, NewSealAfterCut, LongSeal, false, Cut::kOldOrNew},
+    {"SealSealedAsNew", SealedAsNewIsRefused, SealAndSizes, LongSeal, false, Cut::kAnything},
     {"LogLine",
      [](At at) {
          CLog::SetLogFile(at.a);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 
+#include "../support/child_process.h"
 #include "../support/environment_scope.h"
 #include "../support/line.h"
 #include "../support/temp_folder.h"
@@ -54,6 +55,19 @@ TEST_F(Restart, FileInUseIsReplacedAndDeletedThen) {
     ASSERT_EQ(Requests().size(), 2u);
     EXPECT_TRUE(Requests()[0].source == waiting && Requests()[0].target == target);
     EXPECT_TRUE(Requests()[1].source == target && Requests()[1].target.empty());
+}
+
+TEST_F(Restart, WhatCannotBeLookedAtIsNeitherGoneNorFree) {
+    const auto inClosedFolder = [&](int (*ask)(const CString&)) {
+        return InChild([&] {
+            const std::string closed = m_folder.Posix();
+            if (::chmod(closed.c_str(), 0) != 0 || (::geteuid() == 0 && ::seteuid(65534) != 0)) return 98;
+            return ask(m_target);
+        });
+    };
+    EXPECT_EQ(inClosedFolder([](const CString& file) { return CQFile::DeleteFileReboot(file, 1) == 0 ? 1 : 0; }), 0);
+    EXPECT_EQ(inClosedFolder([](const CString& file) { return CQFile::IsCanOverwrite(file); }), 0);
+    std::filesystem::permissions(m_folder.Posix(), std::filesystem::perms::owner_all);
 }
 
 TEST_F(Restart, CannotBeAskedFor) {

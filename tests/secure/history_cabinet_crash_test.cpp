@@ -66,6 +66,9 @@ TEST_F(CabinetCrash, AKilledRegistrationLosesNothing) {
         told.versions = isFull ? 0 : found;
     }
     EXPECT_GT(static_cast<int>(registered), wanted);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Posix("tmp"))) {
+        EXPECT_EQ(entry.file_size(), 0u) << "nothing of a cabinet is left in the folder for temporary files";
+    }
 }
 
 TEST_F(CabinetCrash, AFailedRegistrationLeavesTheCabinetAndABackup) {

@@ -1,4 +1,6 @@
 #include "../support/interrupted.h"
+#include "../support/disk_record.h"
+#include "../support/soak.h"
 
 #include "cabinet_folder.h"
 #include "qellib10/file/q_file.h"
@@ -109,7 +111,84 @@ const Operation kOperations[] = {
     {"CabinetTakeOut", TakeOut, TakenOut, Versions<3>, true},
 };
 
+// Two that register a short version.
+std::vector<Operation> CabinetOperations() {
+    std::vector<Operation> found(std::begin(kOperations), std::end(kOperations));
+    std::erase_if(found, [](const Operation& operation) {
+        const std::string_view name = operation.name;
+        return name != "CabinetFirstVersion" && name != "CabinetSecondVersion";
+    });
+    return found;
+}
+
+// How many versions an operation finds.
+DWORD CabinetVersions(const Operation& operation) {
+    const Place place;
+    operation.prepare(place);
+    CHistoryCabinetFile cabinet;
+    cabinet.Open(Cabinet(place), 1);
+    return cabinet.GetLatestVersion();
+}
+
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Secure, FailingCalls, testing::ValuesIn(kOperations), NameOf);
 INSTANTIATE_TEST_SUITE_P(Secure, PowerCuts, testing::ValuesIn(WithPromise(kOperations)), NameOf);
+
+using FailedRegistrations = Interrupted;
+
+TEST_P(FailedRegistrations, LeaveTheVersionsWhenTheDiskStaysDead) {
+    const DWORD versions = CabinetVersions(GetParam());
+    int refused = 0;
+    for (const CallFailure failure : {CallFailure::kEio, CallFailure::kEnospc}) {
+        for (int number = 1, done = 0; done == 0; ++number) {
+            SCOPED_TRACE(number);
+            const Place place;
+            GetParam().prepare(place);
+            CHistoryCabinetFile cabinet;
+            ASSERT_EQ(versions == 0 ? cabinet.Create(Cabinet(place)) : cabinet.Open(Cabinet(place), 0), 1);
+            m_failFrom(failure, number);
+            done = cabinet.RegistNewVersion(place.a);
+            m_fail(failure, 0);
+            // Undone, or untouched, it goes on; else not before it is opened again.
+            const int next = cabinet.RegistNewVersion(place.a);
+            cabinet.Close();
+            if (done != 0) break;
+            const std::string found = WholeVersions(place);
+            EXPECT_TRUE(found == std::to_string(versions + 1) || (next == 0 && found == std::to_string(versions)))
+                << found;
+            refused += next == 0 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(refused, 0);
+}
+
+TEST_P(FailedRegistrations, AreUndoneAtEveryPowerCut) {
+    std::minstd_rand random(SoakSeed());
+    const int tries = SoakCount(2);
+    for (int number = 1, left = 0; left == 0; ++number) {
+        const Place place;
+        GetParam().prepare(place);
+        DiskRecord disk(place);
+        m_watch(DiskRecord::Take);
+        m_fail(CallFailure::kEio, number);
+        const bool done = Run(place);
+        left = m_left();
+        m_fail(CallFailure::kEio, 0);
+        m_watch(nullptr);
+        const std::string before = std::to_string(CabinetVersions(GetParam()));
+        const std::string after = std::to_string(CabinetVersions(GetParam()) + 1);
+        for (std::size_t calls = 1; calls <= disk.Calls(); ++calls) {
+            Tried("power cuts", tries);
+            for (int i = 0; i < tries; ++i) {
+                disk.CutBehind(calls, random);
+                const std::string now = WholeVersions(place);
+                const bool isOver = calls == disk.Calls();
+                ASSERT_TRUE(now == (done ? after : before) || (!isOver && (now == before || now == after)))
+                    << "failed call " << number << ", cut after call " << calls << ": " << now;
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Secure, FailedRegistrations, testing::ValuesIn(CabinetOperations()), NameOf);

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <type_traits>
+#include <utility>
 
 // A shared object for LD_PRELOAD that stands between a program with its libraries and the C library: the calls that
 // work on files pass through it. Threads take no turns here.
@@ -20,6 +21,7 @@ namespace {
 
 CallFailure theFailure = CallFailure::kEio;
 int theCallsLeft = 0;
+bool theRestFails = false;
 void (*theWatcher)(int) = nullptr;
 
 // How a call can fail beside EIO, which any can. What changes the disk is what can fill it.
@@ -28,7 +30,8 @@ enum Kinds : unsigned { kReads = 0, kFills = 1, kWaits = 2, kMoves = 4 };
 bool FailsNow(unsigned kinds) {
     constexpr unsigned kAnswered[] = {~0U, kFills, kWaits, kMoves};
     const bool can = theFailure == CallFailure::kEio || (kinds & kAnswered[static_cast<int>(theFailure)]) != 0;
-    return can && theCallsLeft > 0 && --theCallsLeft == 0;
+    if (!can || theCallsLeft == 0) return false;
+    return (theCallsLeft == 1 && theRestFails) || --theCallsLeft == 0;
 }
 
 template <class R> R Failed() {
@@ -49,7 +52,9 @@ template <auto* kOurs> auto Real(const char* name) {
 // What a call has answered, once the watcher knows of it.
 template <class R> R Told(R answer, int flushed = -1) {
     const int error = errno;
+    const int left = std::exchange(theCallsLeft, 0);  // the watcher's own calls work
     if (theWatcher != nullptr) theWatcher(flushed);
+    theCallsLeft = left;
     errno = error;
     return answer;
 }
@@ -85,6 +90,11 @@ extern "C" {
 void FailCall(CallFailure failure, int number) {
     theFailure = failure;
     theCallsLeft = number;
+    theRestFails = false;
+}
+void FailCallsFrom(CallFailure failure, int number) {
+    FailCall(failure, number);
+    theRestFails = true;
 }
 int CallsLeft() { return theCallsLeft; }
 void WatchDisk(void (*watcher)(int flushed)) { theWatcher = watcher; }

@@ -6,6 +6,8 @@ enum class CallFailure { kEio, kEnospc, kEintr, kShort };
 extern "C" {
 /// From now on the @p number-th call fails, of those that can fail so, once. 0: none.
 void FailCall(CallFailure failure, int number);
+/// The same, and every later one that can fail so fails too.
+void FailCallsFrom(CallFailure failure, int number);
 /// How many calls are left until one fails; 0 once it has.
 int CallsLeft();
 /// From now on @p watcher is called behind each call that may have changed what the disk holds, with -1, and behind

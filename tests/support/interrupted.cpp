@@ -56,9 +56,10 @@ void Interrupted::SetUpTestSuite() {
 
 void Interrupted::SetUp() {
     m_fail = reinterpret_cast<decltype(m_fail)>(::dlsym(RTLD_DEFAULT, "FailCall"));
+    m_failFrom = reinterpret_cast<decltype(m_failFrom)>(::dlsym(RTLD_DEFAULT, "FailCallsFrom"));
     m_left = reinterpret_cast<decltype(m_left)>(::dlsym(RTLD_DEFAULT, "CallsLeft"));
     m_watch = reinterpret_cast<decltype(m_watch)>(::dlsym(RTLD_DEFAULT, "WatchDisk"));
-    ASSERT_TRUE(m_fail != nullptr && m_left != nullptr && m_watch != nullptr);
+    ASSERT_TRUE(m_fail != nullptr && m_failFrom != nullptr && m_left != nullptr && m_watch != nullptr);
 }
 
 bool Interrupted::Run(const Place& place) const {

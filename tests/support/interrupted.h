@@ -70,6 +70,7 @@ protected:
     bool Run(const Place& place) const;
 
     decltype(&FailCall) m_fail = nullptr;
+    decltype(&FailCallsFrom) m_failFrom = nullptr;
     decltype(&CallsLeft) m_left = nullptr;
     decltype(&WatchDisk) m_watch = nullptr;
 };
