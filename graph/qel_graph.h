@@ -43,9 +43,9 @@ struct DataScale;
 /// equal to them lies at the start of the axis (y in coordinate mode 0: at the top), others far outside. A point with a
 /// NaN, or with an axis that makes it NaN, is a gap in a line, and is no bar, mark or cross.
 ///
-/// **Speed.** Points are never copied for drawing. A redraw reads each once, 2 to 4 ns a point; a thin solid line on a
-/// surface with a unit a pixel then hands on at most five points a column, with exactly the pixels of all of them.
-/// Dashed and wide pens, and other map modes, take every point.
+/// **Speed.** Points are never copied for drawing. A redraw reads each once, 2 to 4 ns per point; a solid line of any
+/// width on a surface with a unit per pixel then passes on at most five points per column, with exactly the pixels of
+/// all of them. Dashed pens and other map modes take every point.
 ///
 /// Setters answer 1, or 0 for a series index outside 0 to 511; getters -1 for it. The order of the virtual operations
 /// is fixed. A graph belongs to one thread at a time.

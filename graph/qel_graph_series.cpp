@@ -5,7 +5,7 @@
 
 #include "qellib10/graph/data_scale.h"
 #include "qellib10/graph/pen_in_area.h"
-#include "qellib10/graph/thin_curve.h"
+#include "qellib10/graph/solid_curve.h"
 #include "qellib10/graph/trail.h"
 
 namespace {
@@ -13,9 +13,10 @@ namespace {
 // Half-size of the circles on a line.
 constexpr int kCircle = 3, kMetricCircle = 30;
 
-bool IsThinSolid(const CLineGraphStyle& style) {
+// Dashes show on thin pens only.
+bool IsSolid(const CLineGraphStyle& style) {
     const bool isDashed = style.GetStyle() >= PS_DASH && style.GetStyle() <= PS_DASHDOTDOT;
-    return style.GetWidth() >= -1 && style.GetWidth() <= 1 && !isDashed;
+    return !isDashed || style.GetWidth() < -1 || style.GetWidth() > 1;
 }
 
 // A preview has two contexts and scales from one to the other.
@@ -58,8 +59,8 @@ int CQelGraph::CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace) {
         POINT first;
         scale.Map(series.GetData().front(), first);
         pen.MoveTo(first);
-    } else if (m_pPrintJob == nullptr && IsThinSolid(series.GetLineStyle()) && IsUnitAPixel(*dc)) {
-        qel::ThinCurve<PenInArea>(scale, isSteps, pen).Draw(series.GetData());
+    } else if (m_pPrintJob == nullptr && IsSolid(series.GetLineStyle()) && IsUnitAPixel(*dc)) {
+        qel::SolidCurve<PenInArea>(scale, isSteps, pen).Draw(series.GetData());
     } else {
         qel::Trail<PenInArea> trail(scale, isSteps, pen);
         for (const CGraphData& point : series.GetData()) trail.Add(point);

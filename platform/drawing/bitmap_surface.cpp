@@ -16,6 +16,9 @@
 namespace qel {
 namespace {
 
+// Kept for callers that look at all bytes of a pixel: where Cairo draws, the highest is filled as well.
+constexpr std::uint32_t kCairosUnusedByte = 0xFF000000;
+
 constexpr std::uint32_t PixelOf(COLORREF color) noexcept {
     return std::uint32_t{GetRValue(color)} << 16 | std::uint32_t{GetGValue(color)} << 8 | GetBValue(color);
 }
@@ -59,6 +62,7 @@ void BitmapSurface::Rebuild() {
                                        : Line::kWide;
     m_writer = PolylineWriter(m_raster, PixelOf(m_ink.penColor));
     m_writer.MoveTo(m_at);
+    m_wide.MoveTo(m_at);
 }
 
 CRect BitmapSurface::ClipBox() const {
@@ -72,10 +76,15 @@ CairoCanvas& BitmapSurface::Canvas() {
     return *m_pCanvas;
 }
 
-void BitmapSurface::Flush() { m_writer.Flush(); }
+void BitmapSurface::Flush() {
+    m_writer.Flush();
+    m_wide.Flush([this](const POINT& from, const POINT& to) { WideLine(from, to); });
+}
 
 void BitmapSurface::MoveTo(const POINT& to) {
+    Flush();
     m_writer.MoveTo(to);
+    m_wide.MoveTo(to);
     m_at = to;
     m_nDashPhase = 0;
 }
@@ -86,16 +95,25 @@ void BitmapSurface::LineTo(const POINT& to) {
     } else if (m_line == Line::kDashed) {
         DashedLine(m_at, to);
     } else if (m_line == Line::kWide) {
-        // A stroke a line: the picture must not depend on how many of them are drawn together.
-        cairo_t* const cairo = Canvas().Begin();
-        ClipTo(cairo, ClipBox());
-        cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
-        UseRoundPen(cairo, m_ink);
-        AddLine(cairo, m_at, to, m_ink.penWidth);
-        cairo_stroke(cairo);
-        Canvas().End();
+        m_wide.LineTo(to, [this](const POINT& start, const POINT& end) { WideLine(start, end); });
     }
     m_at = to;
+}
+
+void BitmapSurface::WideLine(const POINT& from, const POINT& to) {
+    const int width = m_ink.penWidth;
+    if (width <= WidePen::kWidest) {
+        if (!m_widePen || m_widePen->Width() != width) m_widePen.emplace(width);
+        if (m_widePen->Draw(m_raster, from, to, kCairosUnusedByte | PixelOf(m_ink.penColor))) return;
+    }
+    // A stroke a line: the picture must not depend on how many of them are drawn together.
+    cairo_t* const cairo = Canvas().Begin();
+    ClipTo(cairo, ClipBox());
+    cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
+    UseRoundPen(cairo, m_ink);
+    AddLine(cairo, from, to, width);
+    cairo_stroke(cairo);
+    Canvas().End();
 }
 
 void BitmapSurface::LinesTo(std::span<const POINT> points) {
@@ -120,7 +138,7 @@ void BitmapSurface::DashedLine(const POINT& from, const POINT& to) {
 }
 
 void BitmapSurface::Rectangle(const CRect& box) {
-    m_writer.Flush();
+    Flush();
     if (m_line == Line::kNone) {
         // Without an outline the inside is one smaller.
         FillRect({box.left, box.top, box.right - 1, box.bottom - 1}, m_ink.brush);
@@ -158,7 +176,7 @@ void BitmapSurface::Rectangle(const CRect& box) {
 }
 
 void BitmapSurface::Arc(const CRect& box, const POINT& start, const POINT& end) {
-    m_writer.Flush();
+    Flush();
     if (m_line == Line::kNone) return;
     const bool isSmall = box.Width() <= PixelBuffer::kLongestSide && box.Height() <= PixelBuffer::kLongestSide &&
                          box.Width() > 0 && box.Height() > 0;
@@ -195,7 +213,7 @@ void BitmapSurface::ThinEllipse(const CRect& box) {
 }
 
 void BitmapSurface::FillRect(const CRect& box, const LOGBRUSH& brush) {
-    m_writer.Flush();
+    Flush();
     if (brush.lbStyle == BS_NULL) return;
     const std::uint32_t color = PixelOf(brush.lbColor), gap = PixelOf(m_ink.backColor);
     if (brush.lbStyle != BS_HATCHED) {
@@ -215,7 +233,7 @@ void BitmapSurface::FillRect(const CRect& box, const LOGBRUSH& brush) {
 }
 
 void BitmapSurface::InvertRect(const CRect& box) {
-    m_writer.Flush();
+    Flush();
     const CRect inside = m_raster.Clipped(box);
     for (int y = inside.top; y < inside.bottom; ++y) {
         for (int x = inside.left; x < inside.right; ++x) *m_raster.At(x, y) ^= 0x00FFFFFF;
@@ -224,7 +242,7 @@ void BitmapSurface::InvertRect(const CRect& box) {
 
 void BitmapSurface::Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
                          const CRect* box) {
-    m_writer.Flush();
+    Flush();
     cairo_t* const cairo = Canvas().Begin();
     ClipTo(cairo, ClipBox());
     if (box != nullptr) ClipTo(cairo, *box);
@@ -234,7 +252,7 @@ void BitmapSurface::Text(const TextFont& font, const TextLine& line, const POINT
 }
 
 void BitmapSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) {
-    m_writer.Flush();
+    Flush();
     const CRect target = m_raster.Clipped(CRect(to, source.Size()));
     if (target.IsRectEmpty()) return;
     const int fromX = source.left + (target.left - to.x), fromY = source.top + (target.top - to.y);

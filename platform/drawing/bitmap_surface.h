@@ -1,17 +1,20 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "qellib10/platform/drawing/pixel_buffer.h"
 #include "qellib10/platform/drawing/polyline_writer.h"
 #include "qellib10/platform/drawing/surface.h"
+#include "qellib10/platform/drawing/wide_pen.h"
+#include "qellib10/platform/drawing/wide_polyline.h"
 
 namespace qel {
 
 class CairoCanvas;
 
-/// A picture in memory. Thin lines, fills, inversion, copies and clips are written into the pixels by ourselves; wide
-/// pens, partial arcs and text are Cairo's.
+/// A picture in memory. Lines, fills, inversion, copies and clips are written into the pixels by ourselves; partial
+/// arcs, text, outlines of wide pens, and wide lines that leave the clip sideways are Cairo's.
 class BitmapSurface : public Surface {
 public:
     explicit BitmapSurface(const SIZE& dotsAnInch);
@@ -37,6 +40,7 @@ private:
     enum class Line { kNone, kThin, kDashed, kWide };
 
     void DashedLine(const POINT& from, const POINT& to);
+    void WideLine(const POINT& from, const POINT& to);
     void ThinEllipse(const CRect& box);
     CairoCanvas& Canvas();
     CRect ClipBox() const;
@@ -49,6 +53,8 @@ private:
     Line m_line = Line::kThin;
     Raster m_raster;  // the pixels within the clip
     PolylineWriter m_writer;
+    WidePolyline m_wide;
+    std::optional<WidePen> m_widePen;  // made when it is needed first
     POINT m_at{0, 0};
     std::int64_t m_nDashPhase = 0;  // steps since the polyline began
 };

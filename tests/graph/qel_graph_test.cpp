@@ -143,6 +143,14 @@ TEST(QelGraph, ALongLineHasThePixelsOfAllItsPoints) {
         Canvas drawn(60, 40), whole(60, 40);
         OpenGraph graph;
         graph.SetDrawSize(60, 40);
+        const int penStyle = below(7), penWidth = round % 2 == 0 ? 1 : below(10);
+        graph.SetLineGraphStyle(0, {kRed, penStyle, penWidth});
+        CPen pen(penStyle, penWidth, kRed);
+        whole.dc.SelectObject(&pen);
+        for (Canvas* const canvas : {&drawn, &whole}) {
+            canvas->dc.SetBkMode(round % 4 < 2 ? OPAQUE : TRANSPARENT);
+            canvas->dc.SetBkColor(0);
+        }
         graph.GetDrawArea(&drawn.dc, 0, 0);
         const CRect area = graph.m_rectDrawArea;
         CRgn region;
@@ -160,12 +168,13 @@ TEST(QelGraph, ALongLineHasThePixelsOfAllItsPoints) {
             const int px = trace == 2 ? area.right - graph.DataToXPixel(x, 0) : area.left + graph.DataToXPixel(x, 0);
             const int py = area.top + graph.DataToYPixel(y, 0);
             if (!isGap && isDown && trace != 0) whole.dc.LineTo(px, whole.dc.GetCurrentPosition().y);
+            whole.dc.GetPixel(0, 0);  // each line is drawn by itself
             if (!isGap && isDown) whole.dc.LineTo(px, py);
             if (!isGap && !isDown) whole.dc.MoveTo(px, py);
             isDown = !isGap;
         }
         EXPECT_EQ(trace == 0 ? graph.LineDraw(&drawn.dc, 0) : graph.RecorderDrawX(&drawn.dc, 0, trace - 1), 1);
-        ASSERT_TRUE(drawn.Pixels() == whole.Pixels()) << round;
+        ASSERT_TRUE(drawn.Pixels() == whole.Pixels()) << round << " style " << penStyle << " width " << penWidth;
     }
 }
 

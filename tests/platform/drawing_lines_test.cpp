@@ -1,3 +1,4 @@
+#include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -5,6 +6,8 @@
 #include <vector>
 
 #include "qellib10/platform/drawing/polyline_writer.h"
+
+#include "../support/canvas.h"
 
 namespace {
 
@@ -33,6 +36,53 @@ void PlainLine(const Raster& raster, const POINT& from, const POINT& to, std::ui
         *raster.At(static_cast<int>(x), static_cast<int>(y)) = value;
     }
 }
+
+// Without the byte of a pixel that is no colour.
+std::vector<DWORD> Colors(std::vector<DWORD> pixels) {
+    for (DWORD& pixel : pixels) pixel &= 0xFFFFFF;
+    return pixels;
+}
+
+// Lines of a wide pen on a white picture, each by itself and by Cairo alone.
+class WideLines {
+public:
+    WideLines(int penWidth, const CRect& clip) : m_nMiddle(penWidth % 2 * 0.5) {
+        cairo_set_source_rgb(m_pCairo, 1, 1, 1);
+        cairo_paint(m_pCairo);
+        cairo_set_source_rgb(m_pCairo, 0, 0, 0);
+        cairo_rectangle(m_pCairo, clip.left, clip.top, clip.Width(), clip.Height());
+        cairo_clip(m_pCairo);
+        cairo_set_antialias(m_pCairo, CAIRO_ANTIALIAS_NONE);
+        cairo_set_line_width(m_pCairo, penWidth);
+        cairo_set_line_cap(m_pCairo, CAIRO_LINE_CAP_ROUND);
+    }
+    ~WideLines() { cairo_destroy(m_pCairo); }
+    WideLines(const WideLines&) = delete;
+    WideLines& operator=(const WideLines&) = delete;
+
+    void Draw(const POINT& from, const POINT& to) {
+        cairo_move_to(m_pCairo, from.x + m_nMiddle, from.y + m_nMiddle);
+        cairo_line_to(m_pCairo, to.x + m_nMiddle, to.y + m_nMiddle);
+        cairo_stroke(m_pCairo);
+    }
+    std::vector<DWORD> Colors() {
+        cairo_surface_t* const surface = cairo_get_target(m_pCairo);
+        cairo_surface_flush(surface);
+        const auto* const pixels = reinterpret_cast<const DWORD*>(cairo_image_surface_get_data(surface));
+        return ::Colors({pixels, pixels + kWidth * kHeight});
+    }
+
+private:
+    static cairo_t* NewPicture() {
+        cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
+        cairo_t* const cairo = cairo_create(surface);
+        cairo_surface_destroy(surface);
+        return cairo;
+    }
+
+    cairo_t* const m_pCairo = NewPicture();
+    const double m_nMiddle;
+};
 
 }  // namespace
 
@@ -82,6 +132,51 @@ TEST(PolylineWriter, DrawsWhatSingleLinesDraw) {
         }
         writer.Flush();
         ASSERT_EQ(drawn.pixels, expected.pixels) << "polyline " << i;
+    }
+}
+
+TEST(WidePen, PolylinesHaveThePixelsOfEachLineByCairo) {
+    std::mt19937 random(3);
+    const auto within = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+    for (int i = 0; i < 20000; ++i) {
+        const int penWidth = i % 10 == 0 ? within(2, 40) : within(2, 9);  // beyond 32 Cairo draws
+        const int left = within(0, kWidth), top = within(0, kHeight);
+        const CRect clip =
+            i % 2 == 0 ? CRect(0, 0, kWidth, kHeight) : CRect(left, top, within(left, kWidth), within(top, kHeight));
+        Canvas drawn(kWidth, kHeight);
+        WideLines expected(penWidth, clip);
+        CRgn region;
+        region.CreateRectRgnIndirect(&clip);
+        drawn.dc.SelectClipRgn(&region);
+        CPen pen(PS_SOLID, penWidth, 0);
+        drawn.dc.SelectObject(&pen);
+        POINT at{within(0, kWidth), within(0, kHeight)};
+        drawn.dc.MoveTo(at);
+        const int spread = within(0, 3) * 4, reach = i % 20 == 0 ? 66000 : 20;
+        for (int points = within(1, 6); points > 0; --points) {
+            const bool isAlone = within(0, 9) == 0;  // now and then a dot
+            const POINT to{isAlone ? at.x : at.x + within(-spread, spread) / 4,
+                           isAlone ? at.y : within(-reach, kHeight + reach)};
+            drawn.dc.LineTo(to);
+            expected.Draw(at, to);
+            if (within(0, 9) == 0) drawn.dc.GetPixel(0, 0);  // nothing may be held back now
+            at = to;
+        }
+        drawn.dc.GetPixel(0, 0);
+        ASSERT_EQ(Colors(drawn.Pixels()), expected.Colors()) << "polyline " << i << " of width " << penWidth;
+    }
+}
+
+TEST(WidePen, TakesCairosCornerWhereAnEdgeOfItLiesAlongTheLine) {
+    for (const CPoint& along : {CPoint(14, -13), CPoint(-14, 13)}) {
+        Canvas drawn(kWidth, kHeight);
+        WideLines expected(17, {0, 0, kWidth, kHeight});
+        CPen pen(PS_SOLID, 17, 0);
+        drawn.dc.SelectObject(&pen);
+        drawn.dc.MoveTo(30, 20);
+        drawn.dc.LineTo(30 + along.x, 20 + along.y);
+        expected.Draw({30, 20}, {30 + along.x, 20 + along.y});
+        EXPECT_EQ(Colors(drawn.Pixels()), expected.Colors()) << along.x;
     }
 }
 

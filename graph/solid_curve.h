@@ -12,16 +12,16 @@ namespace qel {
 /// Leads a pen along a series as Trail does, with at most five points a column and yet the pixels of all points.
 ///
 /// A run of points in one column draws every pixel between its highest and its lowest point and nothing else, so of a
-/// run the first and last point count and these two. The run that ends a line is different, since a line leaves out its
-/// last point: that pixel is drawn only when another point of the run reaches it, or a line passes it. There the
-/// highest and lowest are those of all points before the last one that is not where the point before it is; and the pen
-/// leaves both of them again.
+/// run the first and last point count and these two. The run that ends a line is different, since a thin line leaves
+/// out its last point: that pixel is drawn only when another point of the run reaches it, or a line passes it. There
+/// the highest and lowest are those of all points before the last one that is not where the point before it is; and the
+/// pen leaves both of them again. A wide pen draws a dot where all points of a line are the same.
 ///
-/// This holds for thin solid pens, on surfaces where a unit is a pixel.
-template <class Pen> class ThinCurve {
+/// This holds for solid pens of any width, on surfaces where a unit is a pixel.
+template <class Pen> class SolidCurve {
 public:
     /// @param isSteps each value is held until the next one comes
-    ThinCurve(const DataScale& scale, bool isSteps, Pen& pen) : m_scale(scale), m_isSteps(isSteps), m_pen(pen) {}
+    SolidCurve(const DataScale& scale, bool isSteps, Pen& pen) : m_scale(scale), m_isSteps(isSteps), m_pen(pen) {}
 
     void Draw(std::span<const CGraphData> data) {
         m_pEnd = data.data() + data.size();
@@ -98,6 +98,7 @@ private:
             high = std::max(high, last);
             last = y;
         }
+        if (points.size() > 1 && low == high && low == last) m_pen.LineTo(first);
         DrawUpright(first, {low, high, low, last});
     }
     void DrawUpright(const POINT& from, std::initializer_list<int> stops) {
