@@ -29,9 +29,11 @@ public:
     ///
     /// From 0 digits on, |x| * 10^(digits + 1) + 0.01 is cut to a whole number, whose last digit alone decides, for
     /// @p mode 0 up from 5 on, below 0 never (toward zero), above 0 for all but 0 (away from zero). The 0.01 absorbs
-    /// what doubles lack: 1.005 rounds to 1.01. Digits behind that one are not looked at, also with mode above
-    /// 0: 1.0001 with 2 digits stays 1. A negative number that rounds to nothing gives -0. Numbers beyond 2^63 in those
-    /// units, infinities and NaN come back unchanged.
+    /// what doubles lack: 1.005 rounds to 1.01. It also makes a half of what is up to a thousandth of a unit below it,
+    /// so 2.34999 with 1 digit is 2.4; by hand it is 2.3, as CBCD::Round gives it. Digits after that one are not looked
+    /// at, also with mode above 0: 1.0001 with 2 digits stays 1. A negative number that rounds to nothing gives -0.
+    /// From 2^53 units of the last kept digit on, where doubles are more than one unit apart, numbers come back
+    /// unchanged, as do infinities and NaN.
     ///
     /// Below 0 digits (-2: hundreds) the modes are -1, 0 and 1; any other gives |x| * 10^-digits with the sign of x.
     static double fround(double x, int digits, int mode) {
@@ -76,11 +78,12 @@ public:
     static int StrToInt(const char* s, int n);
     static int StrToInt(const CString& s);
 
-    /// The number that the first @p n bytes of @p s begin with, as atof reads it; @p n and a first "-" as in StrToInt.
-    /// Before reading, ".000" is appended to a text without a point and "000" to one with a point, which lengthens an
-    /// exponent after a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without an exponent read right, and
-    /// stored ones have none. What an instrument sends is read by qel::ReadNumber, which also reports that a text is no
-    /// number; here that is 0.
+    /// The number that the first @p n bytes of @p s begin with, as the platform's atof reads it: digits with a point,
+    /// an exponent after e, E, d or D; no hexadecimal digits ("0x10" is 0), no names of infinities, no comma. @p n and
+    /// a first "-" as in StrToInt. Before reading, ".000" is appended to a text without a point and "000" to one with a
+    /// point, which lengthens an exponent after a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without an
+    /// exponent read right, and stored ones have none. What an instrument sends is read by qel::ReadNumber, which also
+    /// reports that a text is no number; here that is 0.
     static double StrToDouble(const char* s, int n);
     static double StrToDouble(const CString& s);
 

@@ -30,15 +30,16 @@ inline constexpr auto kUnits = [] {
 inline constexpr int kMostQuickDigits = static_cast<int>(kPowersOfTen.size()) - 2;
 constexpr bool IsQuick(int digits) { return static_cast<unsigned>(digits) <= kMostQuickDigits; }
 
-/// What counts as "too large" below.
-inline constexpr std::uint64_t kTooLarge = std::uint64_t{1} << 63;
+/// What counts as "too large" below: tenths of a unit from 2^53 units on, where doubles are more than a unit apart.
+inline constexpr std::uint64_t kTooLarge = (std::uint64_t{1} << 53) * 10;
 
-/// @p value, not below 0, cut to a whole number; kTooLarge from 2^63 on and for NaN.
+/// @p value, not below 0, cut to a whole number; 2^63 from there on and for NaN.
 inline std::uint64_t CutToWhole(double value) {
 #ifdef __x86_64__
     return static_cast<std::uint64_t>(_mm_cvttsd_si64(_mm_set_sd(value)));  // its own answer, without a test
 #else
-    return value < static_cast<double>(kTooLarge) ? static_cast<std::uint64_t>(value) : kTooLarge;
+    constexpr std::uint64_t kLimit = std::uint64_t{1} << 63;
+    return value < static_cast<double>(kLimit) ? static_cast<std::uint64_t>(value) : kLimit;
 #endif
 }
 

@@ -9,13 +9,13 @@
 namespace qel {
 namespace {
 
-constexpr double kTwoTo63 = 9223372036854775808.0;
 constexpr int kMostExponent = 400;  // beyond the range of double
 
 double RoundDecimals(double x, int digits, int mode, double sign) {
     const double scaled = std::fabs(x * PowerOfTen(digits < kMostExponent ? digits + 1 : kMostExponent));
-    // Doubles of that size lie further apart than a unit of the last kept digit: there is nothing to round.
-    if (!(scaled < kTwoTo63)) return x;
+    // Doubles of that size are further apart than a unit of the last kept digit: there is nothing to round, and the
+    // product would be off by several units.
+    if (!(scaled < static_cast<double>(kTooLarge))) return x;
     // A hundredth of a unit of the first dropped digit absorbs what doubles lack: 1.005 is seen as 1005, not as 1004.
     const auto units = static_cast<std::int64_t>(std::floor(scaled + 0.01));
     const std::int64_t dropped = units % 10;

@@ -10,17 +10,13 @@
 namespace qel {
 namespace {
 
-// Sign, the 309 digits that a double may have before the point, the point, the decimals, and room for an exponent.
-using Buffer = std::array<char, 1 + 309 + 1 + kMostColumns + 8>;
+// Sign, the 309 digits that a double may have before the point, the point, the decimals and one more, and an exponent.
+using Buffer = std::array<char, 1 + 309 + 1 + kMostColumns + 1 + 8>;
 
 std::string_view Print(Buffer& buffer, double value, std::chars_format format, int precision) {
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, precision);
     return {buffer.data(), result.ptr};
 }
-
-// The runtime that our texts are compared with rounds ties away from zero, to_chars to even. The neighbour away from
-// zero has the wanted text, since it lies beyond the tie.
-double BeyondTie(double value) { return std::nextafter(value, std::copysign(HUGE_VAL, value)); }
 
 bool IsOdd(double whole) { return std::fmod(std::fabs(whole), 2) == 1; }
 
@@ -43,24 +39,42 @@ int DecimalExponent(double value) {
     return digits.front() == '-' ? -exponent : exponent;
 }
 
+// Rounds a tie away from zero in its digits, which are all there: the last one is the 5 that is exactly half. (The next
+// double away from zero would do only where doubles are close to each other: beside 2^46 they are 0.016 apart.)
+std::string RoundedUp(std::string_view exact) {
+    std::string text(exact.substr(0, exact.size() - 1));
+    if (text.back() == '.') text.pop_back();
+    const std::size_t at = text.find_last_not_of("9.");
+    const std::size_t nines = at + 1;  // from the first character on when there is no other
+    std::replace(text.begin() + static_cast<std::ptrdiff_t>(nines), text.end(), '9', '0');
+    if (at == std::string::npos || text[at] == '-') {
+        text.insert(nines, 1, '1');
+    } else {
+        ++text[at];
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string FixedText(double value, int decimals) {
     decimals = std::clamp(decimals, 0, kMostColumns);
     Buffer buffer;
-    return std::string(
-        Print(buffer, IsTie(value, decimals) ? BeyondTie(value) : value, std::chars_format::fixed, decimals));
+    // What our texts are compared with rounds ties away from zero, to_chars to even.
+    if (IsTie(value, decimals)) return RoundedUp(Print(buffer, value, std::chars_format::fixed, decimals + 1));
+    return std::string(Print(buffer, value, std::chars_format::fixed, decimals));
 }
 
 std::string ExponentText(double value, int decimals) {
-    decimals = std::clamp(decimals, 0, kMostColumns);
+    decimals = std::clamp(decimals, 0, kMostExponentDecimals);
     Buffer buffer;
     if (!std::isfinite(value)) return std::string(Print(buffer, value, std::chars_format::scientific, decimals));
-    if (IsTie(value, decimals - DecimalExponent(value))) value = BeyondTie(value);
+    // The next double away from zero has the text of a tie rounded up, since so few digits do not show its own.
+    if (IsTie(value, decimals - DecimalExponent(value))) value = std::nextafter(value, std::copysign(HUGE_VAL, value));
     std::string text(Print(buffer, value, std::chars_format::scientific, decimals));
     const std::size_t mark = text.find('e');
     text[mark] = 'E';
-    const std::size_t digits = text.size() - mark - 2;  // behind the mark and the sign
+    const std::size_t digits = text.size() - mark - 2;  // after the mark and the sign
     if (digits < 3) text.insert(mark + 2, 3 - digits, '0');
     return text;
 }

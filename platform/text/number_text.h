@@ -9,12 +9,15 @@ namespace qel {
 /// More decimals or columns than this are not written: a number from a caller must not decide how much memory is used.
 inline constexpr int kMostColumns = 512;
 
-/// As "%.*f", but a value exactly between two texts goes away from zero: 0.125 with 2 decimals is 0.13. @p decimals is
-/// taken within 0 to kMostColumns.
+/// As "%.*f", all digits exact, but a value exactly between two texts goes away from zero: 0.125 with 2 decimals is
+/// 0.13. @p decimals is taken within 0 to kMostColumns.
 std::string FixedText(double value, int decimals);
 
+/// Fewer digits than a double has.
+inline constexpr int kMostExponentDecimals = 14;
+
 /// As "%.*E" with at least three digits of exponent, 1.235E+003, and with the same rule for ties. @p decimals is taken
-/// within 0 to kMostColumns.
+/// within 0 to kMostExponentDecimals.
 std::string ExponentText(double value, int decimals);
 
 /// As "%.*G": the shorter of both forms, without trailing zeros, an exponent of at least two digits: 0.1, 1, 1E+15.

@@ -1,19 +1,20 @@
 #include "qellib10/base/rounding.h"
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <random>
 
+#include "../support/soak.h"
 #include "qellib10/base/power_of_ten.h"
 #include "qellib10/base/q_variant.h"
 #include "qellib10/base/rounded_text.h"
+#include "qellib10/platform/text/number_text.h"
 
 namespace {
 
-std::mt19937_64 g_random(8);
+std::mt19937_64 g_random(SoakSeed());
 int Random(int count) { return static_cast<int>(g_random() % static_cast<unsigned>(count)); }
 
 // Numbers where quick and plain forms could part: results of all sizes, halves of the last place and their neighbours,
@@ -29,6 +30,37 @@ double Number(int digits) {
     return which == 3 ? any : sign * cases[which];
 }
 
+// By all digits of the value, of which no double has more than 1074 after the point. Half of a place goes away from
+// zero.
+std::string RoundedByHand(double value, int decimals) {
+    char exact[1500];
+    std::snprintf(exact, sizeof exact, "%.1074f", value);
+    std::string text(exact);
+    const std::size_t point = text.find_first_of(".,"), end = point + 1 + static_cast<std::size_t>(decimals);
+    bool up = text[end] >= '5';
+    text[point] = '.';
+    text.resize(decimals > 0 ? end : point);
+    for (std::size_t i = text.size(); up && i-- > 0 && text[i] != '-';) {
+        if (text[i] == '.') continue;
+        up = text[i] == '9';
+        text[i] = up ? '0' : static_cast<char>(text[i] + 1);
+    }
+    if (up) text.insert(text[0] == '-' ? 1 : 0, 1, '1');
+    return text;
+}
+
+// Ties and their neighbours in half of the cases; else any number at all.
+double TieOrNumber(int decimals) {
+    const auto odd = static_cast<double>(g_random() >> (11 + Random(53)) | 1);
+    const double tie = std::ldexp(Random(2) == 0 ? odd : -odd, -1 - decimals);
+    if (const int which = Random(8); which < 4)
+        return which < 2 ? tie : std::nextafter(tie, which == 2 ? -HUGE_VAL : HUGE_VAL);
+    double any;
+    do any = std::bit_cast<double>(g_random());
+    while (!std::isfinite(any));
+    return Random(2) == 0 ? any : Number(decimals % 24);
+}
+
 }  // namespace
 
 TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
@@ -41,6 +73,21 @@ TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
         ASSERT_TRUE(sameText && std::bit_cast<std::uint64_t>(quick) == std::bit_cast<std::uint64_t>(plain))
             << std::hexfloat << x << ", digits " << digits << ", mode " << mode;
     }
+}
+
+TEST(Rounding, TextsHaveTheDigitsOfExactArithmetic) {
+    const int count = SoakCount(20000);
+    for (int i = 0; i < count; ++i) {
+        const int decimals = Random(8) == 0 ? Random(qel::kMostColumns + 1) : Random(20), mode = Random(3) - 1;
+        const double x = TieOrNumber(decimals);
+        if (!std::isfinite(x)) continue;
+        SCOPED_TRACE(testing::Message() << std::hexfloat << x << ", decimals " << decimals << ", mode " << mode);
+        ASSERT_EQ(qel::FixedText(x, decimals), RoundedByHand(x, decimals));
+        if (decimals == 0) continue;
+        const double rounded = CQVariant::fround(x, decimals, mode);
+        ASSERT_STREQ(CQVariant::DoubleToStr(x, decimals, mode), RoundedByHand(rounded, decimals).c_str());
+    }
+    Tried("numbers", count);
 }
 
 TEST(Rounding, PowersOfTenAreThoseOfTheMathLibrary) {
