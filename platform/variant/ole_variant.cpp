@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 
 #include "qellib10/platform/text/number_scan.h"
 #include "qellib10/platform/text/number_text.h"
@@ -48,6 +49,14 @@ COleVariant::COleVariant(short value, VARTYPE type) : vt(type == VT_BOOL ? VT_BO
         boolVal = value != 0 ? -1 : 0;
     } else {
         iVal = value;
+    }
+}
+
+COleVariant::COleVariant(long value) {
+    if (std::in_range<LONG>(value)) {
+        *this = static_cast<LONG>(value);
+    } else {
+        *this = static_cast<double>(value);
     }
 }
 

@@ -34,6 +34,7 @@ public:
     /// @p type VT_I2, or VT_BOOL for a truth value, where all but 0 is true
     COleVariant(short value, VARTYPE type = VT_I2);
     COleVariant(LONG value) : vt(VT_I4), lVal(value) {}
+    COleVariant(long value);  ///< VT_I4; outside the range of LONG, which is narrower here, VT_R8
     COleVariant(float value) : vt(VT_R4), fltVal(value) {}
     COleVariant(double value) : vt(VT_R8), dblVal(value) {}
     COleVariant(CY value) : vt(VT_CY), cyVal(value) {}

@@ -64,7 +64,7 @@ TEST(Bcd, OperationsAndRoundTakeTheMode) {
 TEST(Bcd, RoundDropsZerosAndTheImpossibleBecomesASpecialValue) {
     // clang-format off
     const Cases<CBCD, const char*> cases = {
-        {Rounded("2.500", 2, kUp), "2.5"}, {Rounded("100", 2, kUp), "1E+2"}, {Rounded("99.99", 1, kUp), "1E+2"},
+        {Rounded("2.500", 2, kUp), "2.5"}, {Rounded("2.34999", 1, DEC_ROUND_HALF_UP), "2.3"}, {Rounded("100", 2, kUp), "1E+2"}, {Rounded("99.99", 1, kUp), "1E+2"},
         {Rounded("0.0004", 2, kUp), "0.01"}, {Rounded("-4E-9", 2, DEC_ROUND_DOWN), "-0"},
         {Rounded("1234.5", -3, kUp), "1235"}, {Rounded("1.5E-390", 390, kUp), "2E-390"},
         {Rounded("1.5", kMost, kUp), "1.5"}, {Rounded("9.99999999999999E+384", 0, kUp), "9.99999999999999E+384"},
