@@ -3,13 +3,15 @@
 #include <cstdint>
 
 // The framework's integer types, in the widths that its file formats and interfaces count on.
+#pragma push_macro("BOOL")
+#undef BOOL        // unixODBC's headers have it as a macro, for int too
 using BOOL = int;  // 0 or not 0
+#pragma pop_macro("BOOL")
 using BYTE = std::uint8_t;
 using WORD = std::uint16_t;
 using DWORD = std::uint32_t;
 using UINT = std::uint32_t;
 using LONG = std::int32_t;
-using ULONG = std::uint32_t;
 using LONGLONG = std::int64_t;
 using ULONGLONG = std::uint64_t;
 using LPSTR = char*;

@@ -6,13 +6,13 @@
 namespace qel {
 
 constexpr LONG WrappedSum(LONG a, LONG b) noexcept {
-    return static_cast<LONG>(static_cast<ULONG>(a) + static_cast<ULONG>(b));
+    return static_cast<LONG>(static_cast<DWORD>(a) + static_cast<DWORD>(b));
 }
 constexpr LONG WrappedDifference(LONG a, LONG b) noexcept {
-    return static_cast<LONG>(static_cast<ULONG>(a) - static_cast<ULONG>(b));
+    return static_cast<LONG>(static_cast<DWORD>(a) - static_cast<DWORD>(b));
 }
 constexpr LONG WrappedProduct(LONG a, LONG b) noexcept {
-    return static_cast<LONG>(static_cast<ULONG>(a) * static_cast<ULONG>(b));
+    return static_cast<LONG>(static_cast<DWORD>(a) * static_cast<DWORD>(b));
 }
 
 }  // namespace qel

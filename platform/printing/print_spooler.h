@@ -31,6 +31,9 @@ struct PRINTER_INFO_1 {  // NOLINT: the name that applications know
     char* pComment;
 };
 
+// Xlib has a macro of this name, which would make the member below an unnamed int.
+#pragma push_macro("Status")
+#undef Status
 /// Level 2. Pointers to what this system does not have are null.
 struct PRINTER_INFO_2 {  // NOLINT: the name that applications know
     char* pServerName;
@@ -55,6 +58,7 @@ struct PRINTER_INFO_2 {  // NOLINT: the name that applications know
     DWORD cJobs;
     DWORD AveragePPM;
 };
+#pragma pop_macro("Status")
 
 /// Lists printers at level 1: local ones before connections, PDF first. @p buffer, aligned for pointers, receives
 /// @p returned records and the texts that they point to; when @p size is too small nothing is written.
