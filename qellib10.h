@@ -72,6 +72,7 @@
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/replacement.h"
 #include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/storage/std_path.h"
 #include "qellib10/platform/storage/temporary_name.h"
 #include "qellib10/platform/storage/windows_folder.h"
 #include "qellib10/platform/text/code_page.h"

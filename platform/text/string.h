@@ -1,7 +1,9 @@
 #pragma once
 
 #include <compare>
+#include <concepts>
 #include <cstdarg>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -30,9 +32,17 @@ public:
 
     CString& operator=(const char* text);
     CString& operator=(char character);
+    CString& operator=(std::string_view text) {
+        m_text = text;
+        return *this;
+    }
     CString& operator+=(const CString& text);
     CString& operator+=(const char* text);
     CString& operator+=(char character);
+    CString& operator+=(std::string_view text) {
+        m_text += text;
+        return *this;
+    }
 
     CString Left(int count) const;
     CString Right(int count) const;
@@ -64,6 +74,16 @@ public:
     /// exact ties come out as the C library prints them; CQVariant has the platform's forms.
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* format, va_list arguments) __attribute__((format(printf, 2, 0)));
+    /// The same where an argument is a CString, for `%s`. Other functions with variable arguments, printf among them,
+    /// must not be given one: what they print is garbage.
+    template <typename... Arguments>
+    void Format(const char* format, const Arguments&... arguments) requires(std::same_as<Arguments, CString> || ...) {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+#pragma GCC diagnostic ignored "-Wformat-security"
+        Format(format, Printable(arguments)...);
+#pragma GCC diagnostic pop
+    }
 
     /// Order by characters, -1, 0 or 1; the second form without regard to the case of Latin letters.
     int Compare(const char* other) const;
@@ -80,15 +100,28 @@ public:
 
     friend bool operator==(const CString& a, const CString& b) noexcept { return a.m_text == b.m_text; }
     friend bool operator==(const CString& a, const char* b) noexcept { return a.m_text == (b != nullptr ? b : ""); }
+    friend bool operator==(const CString& a, std::string_view b) noexcept { return a.m_text == b; }
     friend std::weak_ordering operator<=>(const CString& a, const CString& b) { return a.Order(b.m_text) <=> 0; }
     friend std::weak_ordering operator<=>(const CString& a, const char* b) {
         return a.Order(b != nullptr ? b : "") <=> 0;
     }
+    friend std::weak_ordering operator<=>(const CString& a, std::string_view b) { return a.Order(b) <=> 0; }
+
+    // Texts of the standard library: found only where a CString takes part.
+    friend CString operator+(CString a, std::string_view b) {
+        a += b;
+        return a;
+    }
+    friend CString operator+(std::string_view a, const CString& b) { return CString(a) += b; }
 
     /// All bytes, zero bytes included.
     std::string_view View() const noexcept { return m_text; }
+    const char* begin() const noexcept { return m_text.data(); }
+    const char* end() const noexcept { return m_text.data() + m_text.size(); }
 
 private:
+    static const char* Printable(const CString& text) { return text; }
+    template <typename Argument> static const Argument& Printable(const Argument& argument) { return argument; }
     int Order(std::string_view other) const;
     void TrimLeftSet(std::string_view set);
     void TrimRightSet(std::string_view set);
@@ -101,3 +134,8 @@ QELLIB10_API CString operator+(const CString& a, const char* b);
 QELLIB10_API CString operator+(const char* a, const CString& b);
 QELLIB10_API CString operator+(const CString& a, char b);
 QELLIB10_API CString operator+(char a, const CString& b);
+
+/// Equal texts have equal hashes: of all bytes, as operator== compares them.
+template <> struct std::hash<CString> {
+    std::size_t operator()(const CString& text) const noexcept { return hash<string_view>()(text.View()); }
+};

@@ -7,6 +7,7 @@
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
 #include "../support/words.h"
+#include "qellib10/platform/storage/std_path.h"
 
 namespace {
 
@@ -32,6 +33,15 @@ TEST(Path, BecomesPosix) {
     // clang-format on
     for (const auto& [path, posix] : cases) {
         EXPECT_EQ(qel::ToPosixPath(path), posix) << path;
+    }
+}
+
+TEST(Path, OfTheStandardLibraryKeepsItsCharacters) {
+    const EnvironmentScope drive("QELLIB10_DRIVE_C", nullptr);
+    for (const auto& [path, native] : Cases<CString, std::string>{
+             {("\\tmp\\" + kKatakana).c_str(), "/tmp/" + kKatakanaUtf8}, {"dir\\a.txt", "dir/a.txt"}}) {
+        EXPECT_EQ(qel::ToStdPath(path), std::filesystem::path(native));
+        EXPECT_EQ(qel::FromStdPath(native), path);
     }
 }
 

@@ -1,6 +1,9 @@
 #include "qellib10/platform/text/string.h"
 
+#include <algorithm>
 #include <climits>
+#include <ranges>
+#include <unordered_set>
 
 #include "../support/test.h"
 #include "qellib10/platform/text/string_array.h"
@@ -54,6 +57,41 @@ TEST(String, FormatsWithoutTheLocaleAndFromItsOwnText) {
         text.Format("%*d", length, 7);
         EXPECT_EQ(text, CString(' ', length - 1) + '7');
     }
+}
+
+TEST(String, FormatsTextsOfItsOwnKind) {
+    CString text("EP");
+    const short count = 3;
+    text.Format("%s%d %s %.1f%c", text, count, "mL", 2.5f, '!');
+    EXPECT_EQ(text, "EP3 mL 2.5!");
+}
+
+TEST(String, ComparesWithStandardTextsAndJoinsThem) {
+    const std::string ab("a\0b", 3);
+    const std::string_view a("a");
+    CString text;
+    text = ab;
+    EXPECT_TRUE(text == ab);
+    EXPECT_TRUE(ab == text);
+    EXPECT_TRUE(text != a);
+    EXPECT_TRUE(a < CString("b"));
+    EXPECT_EQ(text + a, std::string("a\0ba", 4));
+    EXPECT_EQ(a + text, std::string("aa\0b", 4));
+    EXPECT_EQ(std::string("x") + CString("y") + "z", "xyz");
+    text += text.View().substr(2);
+    EXPECT_EQ(text, std::string("a\0bb", 4));
+    text = text.View().substr(2);
+    EXPECT_EQ(text, "bb");
+    EXPECT_TRUE(CString("\xB1") < std::string("\x82\x60")) << "by characters, as between two of its own";
+}
+
+TEST(String, IsARangeAndAKey) {
+    static_assert(std::ranges::contiguous_range<CString> && std::ranges::sized_range<CString>);
+    const CString text("a\0b", 3);
+    EXPECT_EQ(std::ranges::count(text, '\0'), 1);
+    const std::unordered_set<CString> keys = {text, "a"};
+    EXPECT_EQ(keys.size(), 2u);
+    EXPECT_TRUE(keys.contains(std::string("a\0b", 3) + CString()));
 }
 
 TEST(String, TakesPartsOfItself) {
