@@ -1,18 +1,38 @@
 #pragma once
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <variant>
 
-#include "qellib10/base/rounded_units.h"
-#include "qellib10/base/rounding.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/time/ole_date_time.h"
 #include "qellib10/platform/time/time.h"
 #include "qellib10/platform/types.h"
 #include "qellib10/platform/variant/ole_variant.h"
+
+namespace qel {
+
+/// Powers of ten that are doubles without loss, and the doubles nearest to 1, 0.1, 0.01 and so on.
+inline constexpr std::array<double, 23> kPowersOfTen = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                        1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                        1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+inline constexpr std::array<double, 23> kUnits = {1e-0,  1e-1,  1e-2,  1e-3,  1e-4,  1e-5,  1e-6,  1e-7,
+                                                  1e-8,  1e-9,  1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15,
+                                                  1e-16, 1e-17, 1e-18, 1e-19, 1e-20, 1e-21, 1e-22};
+/// One digit more than these is looked at.
+inline constexpr int kMostExactDigits = static_cast<int>(kPowersOfTen.size()) - 2;
+
+/// Tenths of a unit from 2^53 units on, where doubles are more than a unit apart.
+inline constexpr double kTooLargeTenths = 0x1p53 * 10;
+
+/// The rule of CQVariant::fround step by step; fround takes a shorter way to the same doubles where there is one.
+QELLIB10_API double RoundByRule(double x, int digits, int mode);
+
+}  // namespace qel
 
 /// The conversions between numbers, texts and times that displays, transfer texts, CSV files and queries share, as
 /// static helpers; an object is a small value holder.
@@ -37,15 +57,17 @@ public:
     ///
     /// Below 0 digits (-2: hundreds) the modes are -1, 0 and 1; any other gives |x| * 10^-digits with the sign of x.
     static double fround(double x, int digits, int mode) {
-        if (!qel::IsQuick(digits)) return qel::RoundByRule(x, digits, mode);
-        const std::uint64_t tenths = qel::RoundedTenths(x, digits, mode);
-        const double unit = qel::kUnits[static_cast<unsigned>(digits)][std::signbit(x) ? 1 : 0];
-        // From one unit on, the usual sizes first. Of no units -0 becomes 0, which the rule sees to.
-        if (tenths - 10 < qel::kQuickTenths - 10) [[likely]]
-            return static_cast<double>(qel::QuickTenth(tenths)) * unit;
-        if (tenths - 10 < qel::kTooLarge - 10)
-            return static_cast<double>(static_cast<std::int64_t>(tenths / 10)) * unit;
-        return qel::RoundByRule(x, digits, mode);
+        if (digits < 0 || digits > qel::kMostExactDigits) return qel::RoundByRule(x, digits, mode);
+        const auto place = static_cast<std::size_t>(digits);
+        // The absolute value is taken in between, so that no compiler fuses product and sum, which would round once.
+        const double tenths = std::fabs(x * qel::kPowersOfTen[place + 1]) + 0.01;
+        if (!(tenths < qel::kTooLargeTenths)) return qel::RoundByRule(x, digits, mode);
+        // What carries into the last kept digit is added: 5 to 9 tenths of it, none, or 1 to 9 of them.
+        const auto carried = static_cast<std::uint64_t>(static_cast<std::int64_t>(tenths)) + (mode == 0  ? 5U
+                                                                                              : mode < 0 ? 0U
+                                                                                                         : 9U);
+        const double size = static_cast<double>(static_cast<std::int64_t>(carried / 10)) * qel::kUnits[place];
+        return x < 0 ? -size : size;
     }
 
     /// @p x by fround with exactly @p digits places. For 0 and fewer the rounded number as an int, -2147483648 when it

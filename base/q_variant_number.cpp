@@ -12,8 +12,6 @@
 
 #include "qellib10/base/q_variant.h"
 #include "qellib10/base/rounded_text.h"
-#include "qellib10/base/rounded_units.h"
-#include "qellib10/base/rounding.h"
 
 namespace {
 

@@ -10,7 +10,6 @@
 #include "qellib10/platform/text/number_text.h"
 
 #include "qellib10/base/rounded_units.h"
-#include "qellib10/base/rounding.h"
 
 namespace qel {
 namespace {

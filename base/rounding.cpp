@@ -1,10 +1,9 @@
-#include "qellib10/base/rounding.h"
+#include "qellib10/base/power_of_ten.h"
 
 #include <cmath>
 #include <cstdint>
 
-#include "qellib10/base/power_of_ten.h"
-#include "qellib10/base/rounded_units.h"
+#include "qellib10/base/q_variant.h"
 
 namespace qel {
 namespace {
@@ -15,7 +14,7 @@ double RoundDecimals(double x, int digits, int mode, double sign) {
     const double scaled = std::fabs(x * PowerOfTen(digits < kMostExponent ? digits + 1 : kMostExponent));
     // Doubles of that size are further apart than a unit of the last kept digit: there is nothing to round, and the
     // product would be off by several units.
-    if (!(scaled < static_cast<double>(kTooLarge))) return x;
+    if (!(scaled < kTooLargeTenths)) return x;
     // A hundredth of a unit of the first dropped digit absorbs what doubles lack: 1.005 is seen as 1005, not as 1004.
     const auto units = static_cast<std::int64_t>(std::floor(scaled + 0.01));
     const std::int64_t dropped = units % 10;
@@ -41,7 +40,7 @@ double RoundBeforePoint(double x, int digits, int mode, double sign) {
 double PowerOfTen(int exponent) {
     const auto count = static_cast<int>(kPowersOfTen.size());
     if (exponent >= 0 && exponent < count) return kPowersOfTen[static_cast<unsigned>(exponent)];
-    if (exponent < 0 && exponent > -count) return kUnits[static_cast<unsigned>(-exponent)][0];
+    if (exponent < 0 && exponent > -count) return kUnits[static_cast<unsigned>(-exponent)];
     return std::pow(10.0, exponent);
 }
 

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
 class CCalcVariable;
@@ -15,7 +14,7 @@ namespace qel {
 /// Finds the entries of a variable list by name in a time that does not grow with the list; the first match in list
 /// order wins. It keeps positions and hashes alone, so values may change freely. Appended entries, and a change of the
 /// code page, are noticed by the next look-up; after any other change of names or positions call Invalidate.
-class QELLIB10_API CalcVariableIndex {
+class CalcVariableIndex {
 public:
     void Invalidate() noexcept { m_nPage = 0; }
 

@@ -7,6 +7,7 @@
 
 #include "qellib10/base/q_variant.h"
 #include "qellib10/calc/calc_archive_format.h"
+#include "qellib10/calc/calc_variable_index.h"
 
 namespace {
 
@@ -16,9 +17,20 @@ bool IsUsed(const CCalcVariable& variable) { return variable.m_nUse != 0; }
 
 }  // namespace
 
-CCalcVariableList::CCalcVariableList() = default;
-CCalcVariableList::CCalcVariableList(const CCalcVariableList& other) = default;
-CCalcVariableList& CCalcVariableList::operator=(const CCalcVariableList& other) = default;
+CCalcVariableList::CCalcVariableList() : m_pIndex(std::make_unique<qel::CalcVariableIndex>()) {}
+CCalcVariableList::CCalcVariableList(const CCalcVariableList& other)
+    : CObject(other),
+      m_nRoundUpFlag(other.m_nRoundUpFlag),
+      m_nRoundUpDigit(other.m_nRoundUpDigit),
+      m_aryVariable(other.m_aryVariable),
+      m_pIndex(std::make_unique<qel::CalcVariableIndex>(*other.m_pIndex)) {}
+CCalcVariableList& CCalcVariableList::operator=(const CCalcVariableList& other) {
+    m_nRoundUpFlag = other.m_nRoundUpFlag;
+    m_nRoundUpDigit = other.m_nRoundUpDigit;
+    m_aryVariable = other.m_aryVariable;
+    *m_pIndex = *other.m_pIndex;
+    return *this;
+}
 CCalcVariableList::~CCalcVariableList() = default;
 
 int CCalcVariableList::operator!=(const CCalcVariableList& other) const {
@@ -44,19 +56,25 @@ void CCalcVariableList::SetRoundUpFlag(const int& flag) { m_nRoundUpFlag = flag;
 const int& CCalcVariableList::GetRoundUpDigit() const { return m_nRoundUpDigit; }
 void CCalcVariableList::SetRoundUpDigit(const int& digit) { m_nRoundUpDigit = digit; }
 
+int CCalcVariableList::Find(const CString& name) const { return m_pIndex->FindExact(m_aryVariable, name.View()); }
+
+int CCalcVariableList::FindIgnoringCase(std::string_view name) const {
+    return m_pIndex->FindFolded(m_aryVariable, name);
+}
+
 int CCalcVariableList::GetVariableCount() const { return static_cast<int>(m_aryVariable.size()); }
 
 int CCalcVariableList::GetVariableData(int index, CCalcVariable* out) const {
     if (out == nullptr || !Has(index)) return 0;
-    *out = m_aryVariable[index];
+    *out = At(index);
     out->m_dValue = Rounded(out->m_dValue);
     return 1;
 }
 
 int CCalcVariableList::SetVariableData(int index, CCalcVariable variable) {
     if (!Has(index)) return 0;
-    CCalcVariable& entry = m_aryVariable[index];
-    if (entry.m_szName != variable.m_szName) m_Index.Invalidate();
+    CCalcVariable& entry = At(index);
+    if (entry.m_szName != variable.m_szName) m_pIndex->Invalidate();
     variable.m_dValue = Rounded(variable.m_dValue);
     entry = std::move(variable);
     return 1;
@@ -67,7 +85,7 @@ void CCalcVariableList::AddVariableData(CCalcVariable variable) {
     variable.m_nState = 0;
     const int index = Find(variable.m_szName);
     if (index >= 0) {
-        CCalcVariable& entry = m_aryVariable[index];
+        CCalcVariable& entry = At(index);
         variable.m_nOption1 = entry.m_nOption1;
         variable.m_nOption2 = entry.m_nOption2;
         entry = std::move(variable);
@@ -81,7 +99,7 @@ void CCalcVariableList::AddVariableData(CCalcVariable variable) {
 int CCalcVariableList::SetVariableValue(CString name, double value) {
     const int index = Find(name);
     if (index < 0) return 0;
-    m_aryVariable[index].m_dValue = Rounded(value);
+    At(index).m_dValue = Rounded(value);
     return 1;
 }
 
@@ -93,7 +111,7 @@ int CCalcVariableList::DeleteVariableAtName(CString name) {
     const int index = Find(name);
     if (index < 0) return 0;
     m_aryVariable.erase(m_aryVariable.begin() + index);
-    m_Index.Invalidate();
+    m_pIndex->Invalidate();
     return 1;
 }
 
@@ -123,7 +141,7 @@ double CCalcVariableList::RoundedUp(double value) const { return CQVariant::frou
 
 void CCalcVariableList::RemoveAll() {
     m_aryVariable.clear();
-    m_Index.Invalidate();
+    m_pIndex->Invalidate();
 }
 
 void CCalcVariableList::Serialize(CArchive& archive) {

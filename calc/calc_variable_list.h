@@ -1,15 +1,19 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "qellib10/calc/calc_variable.h"
-#include "qellib10/calc/calc_variable_index.h"
 #include "qellib10/platform/archive/object.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
 class CQWCalc;
+namespace qel {
+class CalcVariableIndex;
+}
 
 /// The named values of a result in the order in which they were added, with a setting that rounds every value that
 /// enters or leaves the list through its operations.
@@ -100,14 +104,16 @@ public:
 private:
     friend class CQWCalc;  // reads values by name without copies of entries
 
-    int FindIgnoringCase(std::string_view name) const { return m_Index.FindFolded(m_aryVariable, name); }
-    double ValueAt(int index) const { return Rounded(m_aryVariable[index].m_dValue); }
+    int Find(const CString& name) const;
+    int FindIgnoringCase(std::string_view name) const;
+    bool Has(int index) const { return index >= 0 && index < GetVariableCount(); }
+    CCalcVariable& At(int index) { return m_aryVariable[static_cast<std::size_t>(index)]; }
+    const CCalcVariable& At(int index) const { return m_aryVariable[static_cast<std::size_t>(index)]; }
+    double ValueAt(int index) const { return Rounded(At(index).m_dValue); }
     void MarkUsed(int index) {
-        if (m_aryVariable[index].m_nUse == 0) StoreUsed(m_aryVariable[index]);
+        if (At(index).m_nUse == 0) StoreUsed(At(index));
     }
 
-    bool Has(int index) const { return index >= 0 && index < GetVariableCount(); }
-    int Find(const CString& name) const { return m_Index.FindExact(m_aryVariable, name.View()); }
     double Rounded(double value) const { return m_nRoundUpFlag != 0 ? RoundedUp(value) : value; }
     double RoundedUp(double value) const;
     void StoreUsed(CCalcVariable& entry);
@@ -119,5 +125,5 @@ private:
     int m_nRoundUpFlag = 0;
     int m_nRoundUpDigit = 0;
     std::vector<CCalcVariable> m_aryVariable;
-    mutable qel::CalcVariableIndex m_Index;  // follows m_aryVariable, brought up to date by each look-up
+    std::unique_ptr<qel::CalcVariableIndex> m_pIndex;  // follows m_aryVariable, brought up to date by each look-up
 };

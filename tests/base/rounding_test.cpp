@@ -1,4 +1,4 @@
-#include "qellib10/base/rounding.h"
+#include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
