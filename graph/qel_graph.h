@@ -126,7 +126,7 @@ public:
     /// Pen of the grid lines.
     const CLineGraphStyle& GetAxisStyle() const { return m_axisStyle; }
     void SetAxisStyle(const CLineGraphStyle& style) { m_axisStyle = style; }
-    /// Pen of the outline of the area.
+    /// Pen of the outline, which runs along the edges of the area: half of a wide one is outside.
     const CLineGraphStyle& GetFrameStyle() const { return m_frameStyle; }
     void SetFrameStyle(const CLineGraphStyle& style) { m_frameStyle = style; }
 
@@ -240,7 +240,9 @@ private:
     void ResetSeries(CGraphDataCtrl& series, int xLabel, int yLabel, int viewMode);
 
     qel::DataScale ScaleOf(const CGraphDataCtrl& series, bool isFromRight = false) const;
-    CRect InclusiveArea(const CDC& dc) const;
+    CRect AreaWithOutline() const;
+    void ClipArea(CDC* dc, CRgn* region, const CRect& edges);
+    static CRect InclusiveArea(const CDC& dc, CRect area);
     Side SideOf(int viewMode) const;
     void DrawAxisValue(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isMaximum, bool isFirst);
     static bool IsMaximumFirst(const CAxisStyle& axis, bool isReversed);

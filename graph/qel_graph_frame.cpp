@@ -158,17 +158,35 @@ void CQelGraph::DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, 
               kNoBox);
 }
 
+// The area and the outer half of its outline, which a pen of more than a unit has: more than enough of it.
+CRect CQelGraph::AreaWithOutline() const {
+    CRect area = m_rectDrawArea;
+    const LONGLONG width = std::min<LONGLONG>(std::abs(LONGLONG{m_frameStyle.GetWidth()}), qel::kFarthest);
+    if (width <= 1) return area;
+    const auto reach = static_cast<LONG>(width);
+    const auto grow = [reach](LONG& low, LONG& high) {
+        low -= reach;
+        high += reach;
+    };
+    area.left <= area.right ? grow(area.left, area.right) : grow(area.right, area.left);
+    area.top <= area.bottom ? grow(area.top, area.bottom) : grow(area.bottom, area.top);
+    return area;
+}
+
 void CQelGraph::AxisDraw(CDC* dc) {
     if (dc == nullptr) return;
     const CRect& area = m_rectDrawArea;
     const int width = area.Width(), height = area.Height();
-    const PenInArea frame(*this, dc, m_frameStyle);
+    const CRect outline = AreaWithOutline();
+    const PenInArea frame(*this, dc, m_frameStyle, outline);
     DCMoveTo(dc, area.left, area.top);
     DCLineTo(dc, area.left, area.bottom);
     DCLineTo(dc, area.right, area.bottom);
     DCLineTo(dc, area.right, area.top);
     DCLineTo(dc, area.left, area.top);
 
+    CRgn within;
+    if (!(outline == area)) DCClipDrawArea(dc, &within);
     CPen grid;
     CPen* const before =
         DCCreateAndSelectPen(dc, &grid, m_axisStyle.GetStyle(), m_axisStyle.GetWidth(), m_axisStyle.GetColor());

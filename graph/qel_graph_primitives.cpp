@@ -72,12 +72,17 @@ CPen* CQelGraph::DCCreateAndSelectPen(CDC* dc, CPen* pen, int style, int width, 
 
 void CQelGraph::DCClipDrawArea(CDC* dc, CRgn* region) {
     if (dc == nullptr) return;
-    if (region == nullptr) {
-        dc->SelectClipRgn(nullptr);
-        Record([](CQelPrintJobCommand& command) { command.SetRgn(0, 0, 0, 0); });
+    if (region != nullptr) {
+        ClipArea(dc, region, m_rectDrawArea);
         return;
     }
-    const CRect area = InclusiveArea(*dc), box = qel::ClipBox(*dc, area);
+    dc->SelectClipRgn(nullptr);
+    Record([](CQelPrintJobCommand& command) { command.SetRgn(0, 0, 0, 0); });
+}
+
+void CQelGraph::ClipArea(CDC* dc, CRgn* region, const CRect& edges) {
+    if (dc == nullptr) return;
+    const CRect area = InclusiveArea(*dc, edges), box = qel::ClipBox(*dc, area);
     region->CreateRectRgnIndirect(&box);
     dc->SelectClipRgn(region);
     Record([&](CQelPrintJobCommand& command) { command.SetRgn(area.left, area.top, area.right, area.bottom); });
@@ -85,8 +90,8 @@ void CQelGraph::DCClipDrawArea(CDC* dc, CRgn* region) {
 
 // A region leaves out its edges at the larger device coordinates, the area includes them: so that its outline and the
 // points on it are whole, these edges lie one device unit further out.
-CRect CQelGraph::InclusiveArea(const CDC& dc) const {
-    CRect area = m_rectDrawArea, device = area;
+CRect CQelGraph::InclusiveArea(const CDC& dc, CRect area) {
+    CRect device = area;
     dc.LPtoDP(&device);
     const auto include = [&](LONG RECT::*edge, LONG RECT::*other) {
         if (device.*edge == std::numeric_limits<LONG>::max()) return;

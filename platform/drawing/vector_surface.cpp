@@ -23,6 +23,8 @@ namespace {
 constexpr std::size_t kLongestPath = 10000;
 // The middle of a device unit, where lines of any width run.
 constexpr double kMiddle = 0.5;
+// How far out the join of two thin lines reaches at most: half of Cairo's limit.
+constexpr int kLongestMiter = 5;
 
 struct Destroy {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
@@ -44,11 +46,11 @@ std::unique_ptr<cairo_surface_t, Destroy> PictureOf(const PixelBuffer& pixels, c
 
 }  // namespace
 
-template <class Step> void VectorSurface::Draw(const Step& step) {
+template <class Step> void VectorSurface::Draw(const Step& step, bool isClipped) {
     cairo_t* const cairo = Cairo();
     if (cairo == nullptr) return;
     cairo_save(cairo);
-    if (m_ink.clip) ClipTo(cairo, *m_ink.clip);
+    if (m_ink.clip && isClipped) ClipTo(cairo, *m_ink.clip);
     step(cairo);
     cairo_restore(cairo);
     cairo_new_path(cairo);
@@ -99,16 +101,40 @@ void VectorSurface::Flush() {
     m_isLineOpen = false;
     m_nPoints = 0;
     if (m_aryLine.empty()) return;
-    Draw([this](cairo_t* cairo) {
-        for (const Line& line : m_aryLine) {
-            cairo_new_sub_path(cairo);
-            for (const CPoint& point : line.points) {
-                cairo_line_to(cairo, Near(point.x) + kMiddle, Near(point.y) + kMiddle);
+    // Readers of a PDF move thin lines to whole dots of theirs: one along the edge of a clip would get lost.
+    const bool isClipped = !IsInsideClip();
+    Draw(
+        [this](cairo_t* cairo) {
+            for (const Line& line : m_aryLine) {
+                cairo_new_sub_path(cairo);
+                for (const CPoint& point : line.points) {
+                    cairo_line_to(cairo, Near(point.x) + kMiddle, Near(point.y) + kMiddle);
+                }
             }
-        }
-        StrokePath(cairo);
-    });
+            StrokePath(cairo);
+        },
+        isClipped);
     m_aryLine.clear();
+}
+
+// Whether the clip cuts nothing off the lines that are held back.
+bool VectorSurface::IsInsideClip() const {
+    if (!m_ink.clip) return true;
+    bool isUpright = true;  // or level: no join reaches out further than the lines do
+    CRect box(m_aryLine.front().points.front(), CSize(0, 0));
+    for (const Line& line : m_aryLine) {
+        CPoint before = line.points.front();
+        for (const CPoint& point : line.points) {
+            box = CRect(std::min(box.left, point.x), std::min(box.top, point.y), std::max(box.right, point.x),
+                        std::max(box.bottom, point.y));
+            isUpright = isUpright && (point.x == before.x || point.y == before.y);
+            before = point;
+        }
+    }
+    const std::int64_t reach = m_ink.penWidth == 1 && !isUpright ? kLongestMiter : m_ink.penWidth / 2;
+    const CRect& clip = *m_ink.clip;
+    return box.left - reach >= clip.left && box.top - reach >= clip.top && box.right + reach < clip.right &&
+           box.bottom + reach < clip.bottom;
 }
 
 // Strokes the path with the pen: thin ones end at their points, wide ones are round.

@@ -37,7 +37,8 @@ private:
     };
 
     /// Cairo with the clip of the ink, between save and restore; nothing is done without a page.
-    template <class Step> void Draw(const Step& step);
+    template <class Step> void Draw(const Step& step, bool isClipped = true);
+    bool IsInsideClip() const;
     void StrokePath(cairo_t* cairo);
     void Hatch(cairo_t* cairo, const CRect& box, int hatch);
 

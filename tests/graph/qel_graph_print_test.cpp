@@ -1,11 +1,17 @@
+#include <cairo.h>
+
 #include <cmath>
+#include <cstdlib>
+#include <memory>
 #include <random>
+#include <string>
 
 #include "qellib10/platform/drawing/file_dc.h"
 
 #include "qellib10/print/queue_data.h"
 
 #include "../support/canvas.h"
+#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "open_graph.h"
 
@@ -56,6 +62,42 @@ template <class Random> void Fill(OpenGraph& graph, Random& random) {
     graph.SetDrawSizeStyle(below(2));
 }
 
+/// A page as a program shows it, in grey.
+class ShownPage {
+public:
+    static constexpr int kDotsAnInch = 100;
+
+    explicit ShownPage(const std::string& png)
+        : m_picture(cairo_image_surface_create_from_png(png.c_str()), cairo_surface_destroy) {}
+
+    int Width() const { return cairo_image_surface_get_width(m_picture.get()); }
+    /// Whether there is ink on the edge of @p area, in dots of 600 per inch, all along.
+    bool HasEdge(const CRect& area, LONG CRect::*edge) const {
+        const bool isUpright = edge == &CRect::left || edge == &CRect::right;
+        const LONG from = isUpright ? area.top : area.left, to = isUpright ? area.bottom : area.right;
+        constexpr LONG kCorner = 9;  // programs move lines to whole dots of theirs
+        for (LONG along = from + kCorner; along <= to - kCorner; along += 3) {
+            const int x = Shown(isUpright ? area.*edge : along), y = Shown(isUpright ? along : area.*edge);
+            int darkest = 255;
+            for (int across = -2; across <= 2; ++across) {
+                darkest = std::min(darkest, isUpright ? Grey(x + across, y) : Grey(x, y + across));
+            }
+            if (darkest > 0xE0) return false;
+        }
+        return true;
+    }
+
+private:
+    static int Shown(LONG dot) { return static_cast<int>((dot + 0.5) * kDotsAnInch / 600); }
+    int Grey(int x, int y) const {
+        const int stride = cairo_image_surface_get_stride(m_picture.get());
+        const bool isGrey = cairo_image_surface_get_format(m_picture.get()) == CAIRO_FORMAT_A8;
+        return cairo_image_surface_get_data(m_picture.get())[std::ptrdiff_t{y} * stride + (isGrey ? x : 4 * x)];
+    }
+
+    std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> m_picture;
+};
+
 }  // namespace
 
 TEST(QelGraphPrint, AJobDrawsWhatWasDrawnWithAndWithoutIt) {
@@ -77,6 +119,43 @@ TEST(QelGraphPrint, AJobDrawsWhatWasDrawnWithAndWithoutIt) {
         graph.GraphDraw(&drawn.dc, rect.left, rect.top);
         ASSERT_TRUE(recorded.Pixels() == replayed.Pixels()) << round;
         ASSERT_TRUE(recorded.Pixels() == drawn.Pixels()) << round;
+    }
+}
+
+TEST(QelGraphPrint, OutlinesAreWholeWhereverAPageIsShown) {
+    const TempFolder folder;
+    CDC dc;
+    ASSERT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Name("page.pdf").c_str(), {})));
+    dc.StartDoc("outlines");
+    dc.StartPage();
+    // Six times a pen of one dot, since it lies differently in each dot of a screen; then wider ones.
+    constexpr int kThin = 6, kPens = 14;
+    std::vector<CRect> areas;
+    for (int i = 0; i < kPens; ++i) {
+        OpenGraph graph;
+        graph.SetFrameStyle({0, PS_SOLID, std::max(1, i - kThin + 2)});
+        graph.SetDivX(0);
+        graph.SetDivY(0);
+        graph.SetDrawSize(600 + i, 400 + i);
+        graph.GraphDraw(&dc, 200 + i % 4 * 1000, 200 + i / 4 * 1000);
+        areas.push_back(graph.m_rectDrawArea);
+    }
+    dc.EndPage();
+    ASSERT_GT(dc.EndDoc(), 0);
+    const std::string pdf = folder.Posix("page.pdf").string(), png = folder.Posix("shown.png").string();
+    for (const char* const program :
+         {"pdftoppm -r 100 -gray -png -singlefile $PDF ${PNG%.png}",
+          "pdftocairo -r 100 -gray -png -singlefile $PDF ${PNG%.png}", "gs -q -sDEVICE=pnggray -r100 -o $PNG $PDF"}) {
+        SCOPED_TRACE(program);
+        ASSERT_EQ(std::system(("PDF=" + pdf + "; PNG=" + png + "; " + program).c_str()), 0);
+        const ShownPage page(png);
+        ASSERT_NEAR(page.Width(), 827, 1);
+        for (std::size_t i = 0; i < areas.size(); ++i) {
+            for (LONG CRect::*const edge : {&CRect::left, &CRect::top, &CRect::right, &CRect::bottom}) {
+                EXPECT_TRUE(page.HasEdge(areas[i], edge)) << "outline " << i << " at " << areas[i].*edge;
+            }
+        }
+        std::filesystem::remove(png);
     }
 }
 

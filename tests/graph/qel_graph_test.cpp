@@ -4,6 +4,8 @@
 #include <limits>
 #include <random>
 
+#include "qellib10/print/queue_data.h"
+
 #include "../support/canvas.h"
 #include "../support/line.h"
 #include "../support/test.h"
@@ -134,6 +136,40 @@ TEST(QelGraph, OutlineAndPointsOnItAreWhole) {
     RECT clip;
     canvas.dc.GetClipBox(&clip);
     ExpectBox(clip, {0, 0, 400, 300});
+}
+
+TEST(QelGraph, AnOutlineOfAnyPenIsWholeAndTheGridStaysWithinTheArea) {
+    for (int width = -9; width <= 9; ++width) {
+        SCOPED_TRACE(width);
+        Canvas drawn(60, 50), whole(60, 50), replayed(60, 50), grid(60, 50);
+        OpenGraph graph;
+        graph.SetFrameStyle({kRed, PS_SOLID, width});
+        graph.SetDivX(0);
+        graph.SetDivY(0);
+        CQelPrintJobQueueData job;
+        graph.GetPrintJob(&job, {0, 0, 60, 50}, &drawn.dc);
+        job.GetBlock().DrawCommand(&replayed.dc);
+        const CRect area = graph.m_rectDrawArea;
+        CPen pen(PS_SOLID, width, kRed);
+        whole.dc.SelectObject(&pen);
+        whole.dc.MoveTo(area.left, area.top);
+        for (const CPoint& corner : {CPoint(area.left, area.bottom), CPoint(area.right, area.bottom),
+                                     CPoint(area.right, area.top), CPoint(area.left, area.top)}) {
+            whole.dc.LineTo(corner);
+        }
+        EXPECT_TRUE(drawn.Pixels() == whole.Pixels());
+        EXPECT_TRUE(replayed.Pixels() == whole.Pixels());
+
+        graph.SetFrameStyle({0, PS_NULL, width});
+        graph.SetAxisStyle({kRed, PS_SOLID, width});
+        graph.SetDivX(3);
+        graph.SetDivY(2);
+        graph.GraphDraw(&grid.dc, 0, 0);
+        EXPECT_EQ(grid.Ink().left, area.left);
+        EXPECT_EQ(grid.Ink().top, area.top);
+        EXPECT_LE(grid.Ink().right, area.right + 1);
+        EXPECT_LE(grid.Ink().bottom, area.bottom + 1);
+    }
 }
 
 TEST(QelGraph, ALongLineHasThePixelsOfAllItsPoints) {
