@@ -3,10 +3,11 @@
 #include <array>
 #include <cstring>
 #include <span>
+#include <string_view>
 
 #include "qellib10/platform/random.h"
 
-#include "qellib10/base/guid_text.h"
+#include "qellib10/base/guid_text_inline.h"
 
 CGuid::~CGuid() = default;
 
@@ -29,6 +30,6 @@ CGuid CGuid::CreateNewGuid() {
 
 CString CGuid::GetString() const {
     std::array<char, qel::kGuidTextLength> text;
-    qel::WriteGuid(m_guid, text);
-    return CString(text.data(), static_cast<int>(text.size()));
+    qel::WriteGuidInline(m_guid, text);
+    return CString(std::string_view(text.data(), text.size()));  // of a length that the compiler knows
 }

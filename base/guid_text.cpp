@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "qellib10/base/guid_text_inline.h"
 #include "qellib10/base/guid_text_plain.h"
 
 namespace qel {
@@ -35,8 +36,6 @@ void WriteGuidPlain(const GUID& guid, std::span<char, kGuidTextLength> text) noe
     *at = '}';
 }
 
-#if !defined(__SSE2__)
-void WriteGuid(const GUID& guid, std::span<char, kGuidTextLength> text) noexcept { WriteGuidPlain(guid, text); }
-#endif
+void WriteGuid(const GUID& guid, std::span<char, kGuidTextLength> text) noexcept { WriteGuidInline(guid, text); }
 
 }  // namespace qel

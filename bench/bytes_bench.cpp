@@ -1,10 +1,10 @@
-// Promises: Base64 beside OpenSSL's EVP block functions, GUID text into a caller's buffer beside libuuid, 1 MiB
-// appended to the buffer by 64 bytes beside GLib's GByteArray, a telegram of five number fields beside std::string
-// with std::to_chars.
+// Promises: Base64 beside OpenSSL's EVP block functions, GUID text into a caller's buffer, and as a string, beside
+// libuuid, 1 MiB appended to the buffer by 64 bytes beside GLib's GByteArray, a telegram of five number fields beside
+// std::string with std::to_chars.
 //   Base64Encode/* >= 7 Base64EncodePeer/*
 //   Base64Decode/* >= 7 Base64DecodePeer/*
 //   GuidText >= 4 GuidTextPeer
-//   GuidString beside GuidTextPeer
+//   GuidString >= 1 GuidTextPeer
 //   BufferAppend >= 1.5 BufferAppendPeer
 //   Telegram >= 1.5 TelegramPeer
 #include <benchmark/benchmark.h>
