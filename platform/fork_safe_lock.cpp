@@ -8,12 +8,86 @@
 #include <vector>
 
 namespace qel {
+namespace {
+
+// How many locks this thread holds. With one of them it waits for nobody but the owner of the next one: others may wait
+// for what it has.
+thread_local int theHeld = 0;
+
+std::atomic<int> theForks = 0;  // that wait for locks; each thread lets one of them pass
+std::mutex theFork;             // held by the one that is under way
+
+}  // namespace
+
+void ForkSafeLock::Own() {
+    m_owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+    m_depth = 1;
+    ++theHeld;
+}
+
+void ForkSafeLock::TakeNow() {
+    if (IsMine()) {
+        ++m_depth;
+    } else {
+        m_lock.lock();
+        Own();
+    }
+}
+
+bool ForkSafeLock::TryTakeNow() {
+    if (IsMine()) {
+        ++m_depth;
+        return true;
+    }
+    if (!m_lock.try_lock()) return false;
+    Own();
+    return true;
+}
+
+void ForkSafeLock::TakeInLine() {
+    if (m_waiting == 0 && TryTakeNow()) return;
+    ++m_waiting;
+    const std::lock_guard first(m_door);
+    TakeNow();
+    --m_waiting;
+}
+
+void ForkSafeLock::lock() {
+    if (theHeld > 0) return TakeNow();
+    TakeInLine();
+    if (theForks == 0) return;
+    unlock();
+    { const std::lock_guard fork(theFork); }
+    TakeInLine();
+}
+
+bool ForkSafeLock::try_lock() { return (theHeld > 0 || (theForks == 0 && m_waiting == 0)) && TryTakeNow(); }
+
+void ForkSafeLock::unlock() {
+    if (!IsMine() || --m_depth > 0) return;
+    --theHeld;
+    m_owner.store({}, std::memory_order_relaxed);
+    m_lock.unlock();
+}
+
+// Its owner is a thread of the parent: it cannot be unlocked here, only made again. The thread sanitizer, to which this
+// is the thread that took it, has to be told.
+void ForkSafeLock::MakeFreeInChild() {
+    m_lock.unlock();
+    new (&m_lock) std::mutex;
+    new (&m_door) std::mutex;
+    m_waiting = 0;
+    m_owner.store({}, std::memory_order_relaxed);
+    m_depth = 0;
+    if (m_inChild != nullptr) m_inChild();
+}
 
 // The handlers that fork calls, and what they work on.
 struct ForkSafeLock::AtFork {
     std::mutex listLock;  // taken last of all, to the end of a fork
     std::vector<ForkSafeLock*> all;
     std::vector<ForkSafeLock*> taken;
+    bool isInFront = false;  // the thread that forks has theFork
 
     static AtFork& Instance() {
         static AtFork& instance = *new AtFork;
@@ -35,36 +109,45 @@ struct ForkSafeLock::AtFork {
         const std::lock_guard guard(listLock);
         return all;
     }
+    // Waits for those who have locks, and lets nobody else have one before. A thread that has a lock itself does not
+    // wait for another fork, which may wait for this lock.
     void Prepare() {
         std::vector<ForkSafeLock*> locks = Known();
+        const bool isFirst = theHeld == 0;
+        if (isFirst) {
+            ++theForks;
+            theFork.lock();
+        }
         TakeAll(locks);
         listLock.lock();
         taken = std::move(locks);
+        isInFront = isFirst;
     }
     void InParent() {
         const std::vector<ForkSafeLock*> locks = std::move(taken);
+        const bool wasFirst = isInFront;
         listLock.unlock();
         for (ForkSafeLock* lock : locks) lock->unlock();
+        if (!wasFirst) return;
+        --theForks;
+        theFork.unlock();
     }
     void InChild() {
         const std::vector<ForkSafeLock*> locks = std::move(taken);
         listLock.unlock();
-        for (ForkSafeLock* lock : locks) {
-            // Its owner is a thread of the parent: it cannot be unlocked here, only made anew. The thread sanitizer, to
-            // which this is the thread that took it, has to be told.
-            lock->unlock();
-            new (&lock->m_lock) std::recursive_mutex;
-            if (lock->m_inChild != nullptr) lock->m_inChild();
-        }
+        for (ForkSafeLock* lock : locks) lock->MakeFreeInChild();
+        if (isInFront) theFork.unlock();
+        new (&theFork) std::mutex;
+        theForks = 0;
+        theHeld = 0;
     }
 
     // Waits for one lock only while it holds no other that it took, so that threads may hold several in any order.
     static void TakeAll(std::vector<ForkSafeLock*>& locks) {
         for (auto blocked = locks.begin(); blocked != locks.end();) {
             std::rotate(locks.begin(), blocked, blocked + 1);
-            locks.front()->lock();
-            blocked =
-                std::find_if_not(locks.begin() + 1, locks.end(), [](auto* lock) { return lock->m_lock.try_lock(); });
+            locks.front()->TakeNow();
+            blocked = std::find_if_not(locks.begin() + 1, locks.end(), [](auto* lock) { return lock->TryTakeNow(); });
             if (blocked != locks.end()) std::for_each(locks.begin(), blocked, [](auto* lock) { lock->unlock(); });
         }
     }

@@ -3,13 +3,12 @@
 #include <sqlite3.h>
 
 #include <new>
+#include <utility>
 
 #include "qellib10/platform/registry/registry_error.h"
 
 namespace qel {
 namespace {
-
-constexpr int kBusyLimit = 10'000;  // ms
 
 constexpr const char* kSettings =
     "PRAGMA foreign_keys = ON;"
@@ -49,7 +48,7 @@ RegistryCode CodeOf(int error) {
 void Statement::Finalizer::operator()(sqlite3_stmt* statement) const { ::sqlite3_finalize(statement); }
 void Database::Closer::operator()(sqlite3* database) const { ::sqlite3_close(database); }
 
-Database::Database(const std::string& posixPath, bool create) {
+Database::Database(const std::string& posixPath, bool create, DatabaseWait wait) : m_wait(std::move(wait)) {
     // The lock of the tree takes the place of SQLite's own.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     sqlite3* database = nullptr;
@@ -57,7 +56,8 @@ Database::Database(const std::string& posixPath, bool create) {
         ::sqlite3_open_v2(posixPath.c_str(), &database, flags | (create ? SQLITE_OPEN_CREATE : 0), nullptr);
     m_database.reset(database);  // also after a failure
     if (result != SQLITE_OK) Throw(result);
-    ::sqlite3_busy_timeout(database, kBusyLimit);
+    const auto mayTryAgain = [](void* self, int) { return static_cast<Database*>(self)->m_wait() ? 1 : 0; };
+    ::sqlite3_busy_handler(database, mayTryAgain, this);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     Run(kSettings);
 }

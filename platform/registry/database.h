@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,13 +27,18 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
 };
 
+/// Called while others use a database: waits a little. @return false to give up
+using DatabaseWait = std::function<bool()>;
+
 /// A database file with its one connection, for one thread at a time: rollback journal, each commit on the disk,
-/// foreign keys; waits 10 seconds for others. Its statements are destroyed before it.
+/// foreign keys. Its statements are destroyed before it.
 class Database {
 public:
     /// Opens the file at @p posixPath, for reading only where it cannot be written.
     /// @param create makes an empty one when it is missing
-    Database(const std::string& posixPath, bool create);
+    Database(const std::string& posixPath, bool create, DatabaseWait wait);
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
 
     /// Runs statements that give no rows.
     void Run(const char* sql);
@@ -45,6 +51,7 @@ private:
         void operator()(sqlite3* database) const;
     };
 
+    DatabaseWait m_wait;
     std::unique_ptr<sqlite3, Closer> m_database;
 };
 

@@ -28,8 +28,9 @@
 // different code pages share them.
 //
 // Every change is on the disk when the operation returns, and whole or not there at all, whenever the process or the
-// machine stops. Safe from any thread and in forked children; one that was forked within a RegistryTransaction of its
-// thread finds that tree busy.
+// machine stops. Those who change a tree take turns in the order in which they come, threads and processes alike. Safe
+// from any thread and in forked children; one that was forked within a RegistryTransaction of its thread finds that
+// tree busy.
 
 /// A key: one of the roots, or one that CreateRegistryKey or OpenRegistryKey gave. 0 is none.
 using HKEY = struct RegistryKeyHandle*;

@@ -2,12 +2,25 @@
 
 #include <sys/stat.h>
 
+#include <chrono>
 #include <filesystem>
 #include <vector>
 
 #include "qellib10/platform/registry/registry_error.h"
 
 namespace qel {
+namespace {
+
+// With others who use a tree, before an operation and again before its commit.
+constexpr std::chrono::seconds kPatience(10);
+constexpr std::chrono::microseconds kLongestSleep(300);
+
+std::string FolderOf(const std::string& path) { return std::filesystem::path(path).parent_path(); }
+
+}  // namespace
+
+RegistryStore::RegistryStore(RegistryRoot root, void (*leaveBehind)())
+    : m_lock(leaveBehind), m_root(root), m_keys(root), m_patience(kPatience, kLongestSleep) {}
 
 template <RegistryRoot kRoot> RegistryStore& RegistryStore::One() {
     static RegistryStore& store = *new RegistryStore(kRoot, [] { One<kRoot>().LeaveBehind(); });
@@ -35,17 +48,17 @@ namespace {
 }  // namespace
 
 RegistryKeyId RegistryStore::KeyOf(HKEY handle) {
-    const std::lock_guard guard(m_lock);
+    const std::lock_guard guard(m_keysLock);
     return m_keys.Find(handle);
 }
 
 HKEY RegistryStore::OpenKey(RegistryKeyId key) {
-    const std::lock_guard guard(m_lock);
+    const std::lock_guard guard(m_keysLock);
     return m_keys.Add(key);
 }
 
 void RegistryStore::CloseKey(HKEY handle) {
-    const std::lock_guard guard(m_lock);
+    const std::lock_guard guard(m_keysLock);
     m_keys.Remove(handle);
 }
 
@@ -53,6 +66,7 @@ void RegistryStore::CloseKey(HKEY handle) {
 void RegistryStore::LeaveBehind() {
     static auto& left = *new std::vector<RegistryTree*>;
     if (m_tree) left.push_back(m_tree.release());
+    m_turn.reset();  // closes a copy: the parent stays in line
     // SQLite goes on to believe that this process holds the parent's locks.
     if (m_writings > 0) m_isLost = true;
     m_writings = 0;
@@ -67,15 +81,27 @@ std::optional<RegistryStore::FileId> RegistryStore::IdOf(const std::string& path
 void RegistryStore::Open(const std::string& path, const std::optional<FileId>& id, bool create) {
     if (m_tree && m_path == path && id && m_id == id) return;
     m_tree.reset();
-    m_tree = std::make_unique<RegistryTree>(path, create);
     m_path = path;
+    m_tree = std::make_unique<RegistryTree>(path, create, [this] { return WaitForOthers(); });
     m_id = id ? id : IdOf(path);
     m_isMade = false;
+}
+
+// Those who write get in line at once, or somebody who writes without a pause would always be back before the others
+// look again.
+void RegistryStore::GetInLine(const std::string& path) { m_turn.emplace(FolderOf(path), static_cast<int>(m_root)); }
+
+// Those who read do so when they meet somebody who writes: so whoever comes later lets them pass. They need not wait
+// for their turn, since several may read at once.
+bool RegistryStore::WaitForOthers() {
+    if (!m_turn) GetInLine(m_path);
+    return m_patience.Again();
 }
 
 RegistryTree* RegistryStore::OpenForReading() {
     if (m_isLost) throw RegistryError(kRegistryBusy);
     if (m_writings > 0) return m_tree.get();
+    m_patience = Backoff(kPatience, kLongestSleep);
     const std::string path = RegistryDatabase(m_root);
     const std::optional<FileId> id = IdOf(path);
     if (!id) return nullptr;
@@ -86,19 +112,34 @@ RegistryTree* RegistryStore::OpenForReading() {
 
 void RegistryStore::BeginWriting(bool create) {
     if (m_isLost) throw RegistryError(kRegistryBusy);
+    m_patience = Backoff(kPatience, kLongestSleep);
     const std::string path = RegistryDatabase(m_root);
     if (path.empty()) throw RegistryError(kRegistryAccessDenied);
-    const std::optional<FileId> id = IdOf(path);
-    if (!id) {
+    if (!IdOf(path)) {
         if (!create) throw RegistryError(kRegistryNotFound);
         std::error_code shownByOpen;
-        std::filesystem::create_directories(std::filesystem::path(path).parent_path(), shownByOpen);
+        std::filesystem::create_directories(FolderOf(path), shownByOpen);
     }
-    Open(path, id, create);
+    GetInLine(path);
+    m_turn->Await(m_patience);
+    Open(path, IdOf(path), create);
     m_tree->Begin();
     if (m_isMade || m_tree->IsMade()) return;
     if (!create) throw RegistryError(kRegistryNotFound);
     m_tree->Make();
+}
+
+void RegistryStore::RollBack() {
+    if (m_writings > 0 || !m_tree) return;
+    try {
+        m_tree->RollBack();
+    } catch (const RegistryError&) {
+        m_tree.reset();  // closing the connection undoes it as well
+    }
+}
+
+void RegistryStore::End() {
+    if (m_writings == 0) m_turn.reset();
 }
 
 RegistryStore::Writing::Writing(RegistryStore& store) : m_store(store), m_guard(store.m_lock) { ++store.m_writings; }
@@ -111,16 +152,13 @@ RegistryStore::Writing::Writing(RegistryStore& store, bool create) : Writing(sto
 RegistryStore::Writing::~Writing() {
     if (m_store.m_writings == 0) return;  // in a child that was forked meanwhile
     --m_store.m_writings;
-    if (m_isCommitted || m_store.m_writings > 0 || !m_store.m_tree) return;
-    try {
-        m_store.m_tree->RollBack();
-    } catch (const RegistryError&) {
-        m_store.m_tree.reset();  // closing the connection undoes it as well
-    }
+    if (!m_isCommitted) m_store.RollBack();
+    m_store.End();
 }
 
 void RegistryStore::Writing::Commit() {
     if (m_store.m_writings == 1) {
+        m_store.m_patience = Backoff(kPatience, kLongestSleep);
         m_store.m_tree->Commit();
         m_store.m_isMade = true;
     }

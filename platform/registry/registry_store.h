@@ -10,6 +10,8 @@
 #include "qellib10/platform/registry/open_keys.h"
 #include "qellib10/platform/registry/registry_location.h"
 #include "qellib10/platform/registry/registry_tree.h"
+#include "qellib10/platform/storage/backoff.h"
+#include "qellib10/platform/storage/turn.h"
 
 namespace qel {
 
@@ -29,7 +31,7 @@ public:
     class Writing;
 
 private:
-    RegistryStore(RegistryRoot root, void (*leaveBehind)()) : m_lock(leaveBehind), m_root(root), m_keys(root) {}
+    RegistryStore(RegistryRoot root, void (*leaveBehind)());
 
     template <RegistryRoot kRoot> static RegistryStore& One();
     void LeaveBehind();
@@ -45,9 +47,14 @@ private:
     void Open(const std::string& path, const std::optional<FileId>& id, bool create);
     RegistryTree* OpenForReading();
     void BeginWriting(bool create);
+    void RollBack();
+    void End();
+    void GetInLine(const std::string& path);
+    bool WaitForOthers();
 
     ForkSafeLock m_lock;
     RegistryRoot m_root;
+    ForkSafeLock m_keysLock;  // so that nobody who asks for a handle waits for a change that is written
     OpenKeys m_keys;
     std::unique_ptr<RegistryTree> m_tree;
     std::string m_path;          // of the database that is open,
@@ -55,18 +62,29 @@ private:
     bool m_isMade = false;       // the database is known to hold a tree
     int m_writings = 0;          // under way, one within the other
     bool m_isLost = false;       // this process was forked within one
+    std::optional<Turn> m_turn;  // of this process, to write or when reading has to wait
+    Backoff m_patience;          // with other processes
 };
 
 /// Holds the lock while a tree is read.
 class RegistryStore::Reading {
 public:
-    explicit Reading(RegistryStore& store) : m_guard(store.m_lock), m_tree(store.OpenForReading()) {}
+    explicit Reading(RegistryStore& store) : m_guard(store.m_lock), m_ending(store), m_tree(store.OpenForReading()) {}
 
     /// Null when there is no database.
     RegistryTree* Tree() const noexcept { return m_tree; }
 
 private:
+    struct Ending {
+        explicit Ending(RegistryStore& of) : store(of) {}
+        ~Ending() { store.End(); }
+        Ending(const Ending&) = delete;
+        Ending& operator=(const Ending&) = delete;
+        RegistryStore& store;
+    };
+
     std::unique_lock<ForkSafeLock> m_guard;
+    Ending m_ending;
     RegistryTree* m_tree;
 };
 

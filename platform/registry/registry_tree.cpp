@@ -1,6 +1,7 @@
 #include "qellib10/platform/registry/registry_tree.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "qellib10/platform/registry/registry_error.h"
 
@@ -66,8 +67,8 @@ struct Child {
 
 }  // namespace
 
-RegistryTree::RegistryTree(const std::string& posixPath, bool create)
-    : m_database(posixPath, create),
+RegistryTree::RegistryTree(const std::string& posixPath, bool create, DatabaseWait wait)
+    : m_database(posixPath, create, std::move(wait)),
       m_parent("SELECT parent FROM reg_key WHERE id = ?"),
       m_children("SELECT id, fold, name, class FROM reg_key WHERE parent = ? ORDER BY id"),
       m_values("SELECT name, type, data FROM reg_value WHERE key = ? ORDER BY id"),

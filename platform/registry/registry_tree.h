@@ -21,7 +21,8 @@ inline constexpr RegistryKeyId kRegistryRootKey = 1;
 class RegistryTree {
 public:
     /// @param create makes an empty database when it is missing
-    RegistryTree(const std::string& posixPath, bool create);
+    /// @param wait called while others use it; without it every operation fails with 170 then
+    RegistryTree(const std::string& posixPath, bool create, DatabaseWait wait);
 
     /// Whether the database holds a tree. @throws RegistryError 1009 when a newer version of the library made it
     bool IsMade();
