@@ -21,11 +21,11 @@ class CheckSums;
 /// Sealing again counts the version up and writes the new trailer over the old one. Data that are to change are written
 /// anew without a trailer and sealed (isNew) by an object that has read the old seal: identity and count go on.
 ///
-/// Operations work on an open file of the caller's and answer 1, or 0 when the check fails or the system refuses;
-/// nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power cut a file that
-/// was just sealed may have its former seal or none, but a seal that passes is after the data that it was made for. The
-/// trailer is written by one call, once its checksums are known: a process that is killed while it seals again leaves
-/// the former seal or the next one. Unless stated they leave the file's position anywhere.
+/// Operations work on an open file of the caller's and answer 1, or 0 when the check fails, the system refuses or
+/// memory runs out; nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power
+/// cut a file that was just sealed may have its former seal or none, but a seal that passes is after the data that it
+/// was made for. The trailer is written by one call, once its checksums are known: a process that is killed while it
+/// seals again leaves the former seal or the next one. Unless stated they leave the file's position anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();

@@ -56,8 +56,9 @@ void CQFile::Close() {
 int CQFile::CloseTo(const char* target) {
     m_nDeleteOnClose = 0;
     if (!IsOpen()) return 1;
-    const CString name = GetFilePath();
+    CString name;
     const bool copied = qel::Succeeds([&] {
+        name = GetFilePath();
         Close();  // bytes that get lost here are missing in the copy: then there is none, and the file stays
         qel::CopyToMove(name.View(), CString(target).View(), false);
     });
@@ -69,9 +70,12 @@ int CQFile::CloseTo(const char* target) {
 int CQFile::CloseToDestroy() {
     m_nDeleteOnClose = 0;
     if (!IsOpen()) return 1;
-    const CString name = GetFilePath();
-    Abort();
-    if (Delete(name)) return 1;
+    const bool deleted = qel::Succeeds([&] {
+        const CString name = GetFilePath();
+        Abort();
+        qel::DeleteFile(name.View());
+    });
+    if (deleted) return 1;
     m_dwLastError = errorDelete;
     return 0;
 }

@@ -12,7 +12,8 @@
 /// for a backslash step by characters.
 ///
 /// Nothing throws but what CFile throws from, Close, WriteFromFile and ReadToFile. An int is 1 on success and 0 on
-/// failure unless stated, a text is empty on failure. Destroying an open temporary file leaves it on the disk.
+/// failure unless stated, also when memory runs out; a text is empty on failure, but then throws std::bad_alloc: an
+/// empty name would be taken for one. Destroying an open temporary file leaves it on the disk.
 class QELLIB10_API CQFile : public CFile {
 public:
     /// What GetLastError answers.

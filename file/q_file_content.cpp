@@ -2,7 +2,6 @@
 #include <array>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <span>
 
 #include "qellib10/file/crc32_bzip2.h"
@@ -138,11 +137,7 @@ int CQFile::GetFileSum(const char* name, DWORD* sum, DWORD size) {
 
 int CQFile::Find(const void* pattern, DWORD length) {
     if (pattern == nullptr || length == 0) return 0;
-    try {
-        return qel::AsResult([&] { return FindIn(*this, {static_cast<const std::byte*>(pattern), length}); });
-    } catch (const std::bad_alloc&) {  // of what the caller's length asks for
-        return 0;
-    }
+    return qel::AsResult([&] { return FindIn(*this, {static_cast<const std::byte*>(pattern), length}); });
 }
 
 int CQFile::CompareFile(const char* a, const char* b) {

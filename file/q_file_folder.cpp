@@ -27,9 +27,9 @@ std::vector<qel::FoundFile> Matching(std::string_view pattern) {
 }  // namespace
 
 int CQFile::CreateDirectories(const char* path) {
-    const CString whole(path);
-    if (whole.GetLength() >= MAX_PATH) return 0;
     return qel::AsResult([&] {
+        const CString whole(path);
+        if (whole.GetLength() >= MAX_PATH) return 0;
         const qel::FolderRoute route(whole.View());
         qel::FolderWalk walk(route.start);
         if (qel::MakeFolders(walk, route.names)) return 1;
@@ -43,19 +43,21 @@ int CQFile::DelTree(const char* folder) {
 }
 
 int CQFile::DeleteFiles(const char* pattern) {
-    const CString whole(pattern);
-    const std::string folder(whole.View().substr(0, qel::NameStart(whole.View())));
-    int result = 1;
-    for (const qel::FoundFile& file : Matching(whole.View())) {
-        if (!file.isFolder && !Deleted(folder + std::string(file.name.View()))) result = 0;
-    }
-    return result;
+    return qel::AsResult([&] {
+        const CString whole(pattern);
+        const std::string folder(whole.View().substr(0, qel::NameStart(whole.View())));
+        int result = 1;
+        for (const qel::FoundFile& file : Matching(whole.View())) {
+            if (!file.isFolder && !Deleted(folder + std::string(file.name.View()))) result = 0;
+        }
+        return result;
+    });
 }
 
 int CQFile::MoveFileA(const char* source, const char* target, int overwrite) {
-    const CString from(source);
-    const CString to(target);
     return qel::Succeeds([&] {
+        const CString from(source);
+        const CString to(target);
         qel::MakeFolders(to.View().substr(0, qel::NameStart(to.View())));
         qel::CopyToMove(from.View(), to.View(), overwrite == 0);
         Deleted(from.View());

@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "qellib10/file/q_file.h"
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace {
@@ -71,10 +72,10 @@ CString CQFile::DeleteFileExt(const char* name) {
 
 int CQFile::IsCorrectFilename(const char* name) {
     // The comma and the semicolon part names in the lists that applications keep.
-    return CString(name).FindOneOf("\\/:,;*?\"<>|") < 0;
+    return qel::AsResult([&] { return CString(name).FindOneOf("\\/:,;*?\"<>|") < 0; });
 }
 
 int CQFile::IsDots(const char* name) {
-    const CString text(name);
+    const std::string_view text = name != nullptr ? name : "";
     return text == "." || text == "..";
 }

@@ -1,4 +1,5 @@
 #include "qellib10/file/q_file.h"
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/shell/module.h"
 #include "qellib10/platform/shell/special_folder.h"
 #include "qellib10/platform/storage/path.h"
@@ -11,20 +12,13 @@ CString CQFile::GetTempFolder() { return qel::TemporaryFolder(); }
 CString CQFile::GetTempFilePath(const char* prefix) { return GetTempFilename(GetTempFolder(), prefix); }
 
 CString CQFile::GetTempFilename(const char* folder, const char* prefix) {
-    try {
-        return qel::TemporaryName(CString(folder).View(), CString(prefix).View());
-    } catch (const CFileException&) {
-        return {};
-    }
+    CString name;
+    qel::Succeeds([&] { name = qel::TemporaryName(CString(folder).View(), CString(prefix).View()); });
+    return name;
 }
 
 int CQFile::GetCurrentDirectoryA(CString& out) {
-    try {
-        out = qel::CurrentFolder();
-        return 1;
-    } catch (const CFileException&) {
-        return 0;
-    }
+    return qel::Succeeds([&] { out = qel::CurrentFolder(); });
 }
 
 CString CQFile::GetModuleFilePath(HINSTANCE module) { return qel::ModulePath(module); }

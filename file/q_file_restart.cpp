@@ -64,18 +64,35 @@ int PutMoveIntoRestartFile(const CString& source, const CString& target) {
 
 int CQFile::MoveFileReboot(const char* source, const char* target, char* tempName, int tempNameSize) {
     if (MoveFileA(source, target, 1)) return kDoneNow;
-    const CString waiting = MoveBeside(source, target);
-    if (waiting.IsEmpty()) return kNotMoved;
-    if (tempName != nullptr && tempNameSize > 0) CopyName(waiting, tempName, tempNameSize);
-    if (!CSystemInfo::IsWinNT()) return PutMoveIntoRestartFile(waiting, target);
-    const CString to(target);
-    return Succeeds([&] { qel::MoveFileDelayed(waiting.View(), to.View()); }) ? kPutOff : kRefused;
+    int result = kNotMoved;
+    Succeeds([&] {
+        const CString to(target);
+        const CString waiting = MoveBeside(CString(source), to);
+        if (waiting.IsEmpty()) return;
+        result = kRefused;
+        if (tempName != nullptr && tempNameSize > 0) CopyName(waiting, tempName, tempNameSize);
+        if (CSystemInfo::IsWinNT()) {
+            qel::MoveFileDelayed(waiting.View(), to.View());
+            result = kPutOff;
+        } else {
+            result = PutMoveIntoRestartFile(waiting, to);
+        }
+    });
+    return result;
 }
 
 int CQFile::DeleteFileReboot(const char* name, int tryNow) {
-    const CString file(name);
-    if (tryNow != 0 && IsGone(file)) return kDoneNow;
-    const bool putOff = CSystemInfo::IsWinNT() ? Succeeds([&] { qel::DeleteFileDelayed(file.View()); })
-                                               : qel::AddDeletionToRestartFile(file);
-    return putOff ? kPutOff : kRefused;
+    int result = kRefused;
+    Succeeds([&] {
+        const CString file(name);
+        if (tryNow != 0 && IsGone(file)) {
+            result = kDoneNow;
+        } else if (CSystemInfo::IsWinNT()) {
+            qel::DeleteFileDelayed(file.View());
+            result = kPutOff;
+        } else if (qel::AddDeletionToRestartFile(file)) {
+            result = kPutOff;
+        }
+    });
+    return result;
 }

@@ -1,6 +1,7 @@
 #include <mutex>
 #include <new>
 #include <optional>
+#include <utility>
 
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/archive/result.h"
@@ -30,18 +31,22 @@ constexpr LONG kOutOfMemory = 14;
 }  // namespace
 
 int CQFile::SelectFolderDialog(CString& folder, const char* title, HWND owner) {
-    SetInitialFolder(folder);
-    const std::optional<CString> chosen = qel::BrowseForFolder(
-        {.owner = owner, .title = title, .flags = BIF_RETURNONLYFSDIRS, .callback = BrowseNotify, .data = 0});
-    if (!chosen) return 0;
-    folder = *chosen;
-    return 1;
+    return qel::AsResult([&] {
+        SetInitialFolder(folder);
+        std::optional<CString> chosen = qel::BrowseForFolder(
+            {.owner = owner, .title = title, .flags = BIF_RETURNONLYFSDIRS, .callback = BrowseNotify, .data = 0});
+        if (!chosen) return 0;
+        folder = std::move(*chosen);
+        return 1;
+    });
 }
 
 int CQFile::SelectFolderDialog(CString& folder, UINT titleId, HWND owner) {
-    CString title;
-    title.LoadString(titleId);
-    return SelectFolderDialog(folder, title, owner);
+    return qel::AsResult([&] {
+        CString title;
+        title.LoadString(titleId);
+        return SelectFolderDialog(folder, title, owner);
+    });
 }
 
 int CQFile::BrowseNotify(HWND browser, UINT message, LPARAM, LPARAM) {

@@ -68,20 +68,26 @@ void CQelPrintJobQueueData::SetDefaultFont(const char* faceName, int size, unsig
     m_dwDefaultColor = static_cast<DWORD>(color);
 }
 
-int CQelPrintJobQueueData::AddCommand(const CQelPrintJobCommand& command) { return m_Block.AddCommand(command); }
+int CQelPrintJobQueueData::AddCommand(const CQelPrintJobCommand& command) {
+    return qel::AsResult([&] { return m_Block.AddCommand(command); });
+}
 
 int CQelPrintJobQueueData::AddMillimetreCommandText(CRect rect, const char* text, int style) {
-    m_PageStyle.ConvertMillimetreToPixel(rect);
-    CQelPrintJobCommand command;
-    command.SetText(rect.left, rect.top, m_szDefaultFontName, m_nDefaultFontSize, m_dwDefaultColor, text, style,
-                    rect.Width(), rect.Height());
-    return AddCommand(command);
+    return qel::AsResult([&] {
+        m_PageStyle.ConvertMillimetreToPixel(rect);
+        CQelPrintJobCommand command;
+        command.SetText(rect.left, rect.top, m_szDefaultFontName, m_nDefaultFontSize, m_dwDefaultColor, text, style,
+                        rect.Width(), rect.Height());
+        return m_Block.AddCommand(command);
+    });
 }
 
 int CQelPrintJobQueueData::AddMillimetreCommandText(const CRect& rect, UINT stringId, int style) {
-    CString text;
-    text.LoadString(stringId);
-    return AddMillimetreCommandText(rect, static_cast<const char*>(text), style);
+    return qel::AsResult([&] {
+        CString text;
+        text.LoadString(stringId);
+        return AddMillimetreCommandText(rect, static_cast<const char*>(text), style);
+    });
 }
 
 int CQelPrintJobQueueData::AddMillimetreCommandLine(CRect rect) {
@@ -92,18 +98,19 @@ int CQelPrintJobQueueData::AddMillimetreCommandLine(CRect rect) {
 }
 
 int CQelPrintJobQueueData::SaveJobFile(const char* path) {
-    if (path == nullptr || !InitializeParser()) return 0;
-    XmlElementWriter writer;
-    writer.Begin("printjob");
-    AddAttribute(writer, "clientversion", kClientVersion);
-    WritePageStyle(writer);
-    writer.Begin(kCommands);
-    CQelPrintJobCommand command;
-    m_Block.ResetGetCommand();
-    while (m_Block.GetNextCommand(command)) WriteCommand(writer, command);
-    writer.End();
-    writer.End();
+    if (path == nullptr) return 0;
     return qel::AsResult([&] {
+        InitializeParser();
+        XmlElementWriter writer;
+        writer.Begin("printjob");
+        AddAttribute(writer, "clientversion", kClientVersion);
+        WritePageStyle(writer);
+        writer.Begin(kCommands);
+        CQelPrintJobCommand command;
+        m_Block.ResetGetCommand();
+        while (m_Block.GetNextCommand(command)) WriteCommand(writer, command);
+        writer.End();
+        writer.End();
         const std::string bytes = writer.Bytes();
         qel::Replacement file(path);
         qel::WriteFully(file.File(), std::as_bytes(std::span(bytes)), path);
@@ -149,8 +156,9 @@ void CQelPrintJobQueueData::WriteCommand(XmlElementWriter& commands, const CQelP
 }
 
 int CQelPrintJobQueueData::LoadJobFile(const char* path) {
-    if (path == nullptr || !InitializeParser()) return 0;
+    if (path == nullptr) return 0;
     return qel::AsResult([&] {
+        InitializeParser();
         std::string file = qel::ReadWholeFile(path);
         auto written = qel::ReadWrittenCommands(file);
         m_pDocument->LoadBytes(written ? written->rest : std::move(file));
@@ -208,7 +216,7 @@ void CQelPrintJobQueueData::ReadCommand(const XmlNode& element) {
     } else {
         format->set(command, numbers);
     }
-    AddCommand(command);
+    m_Block.AddCommand(command);
 }
 
 CString CQelPrintJobQueueData::Quote(const char* text) {

@@ -24,7 +24,8 @@ class XmlNode;
 ///     job.AddMillimetreCommandLine(CRect(100, 165, 900, 165));
 ///     job.SaveJobFile("result.job");
 ///
-/// Operations answer 1, or 0 when a file is missing or refused; nothing is thrown. One thread at a time.
+/// Operations answer 1, or 0 when a file is missing or refused, or memory runs out; a load may have added a part then.
+/// Nothing is thrown but std::bad_alloc, by construction, copying and SetDefaultFont alone. One thread at a time.
 class QELLIB10_API CQelPrintJobQueueData {
 public:
     CQelPrintJobQueueData();

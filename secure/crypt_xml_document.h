@@ -37,8 +37,9 @@ class XmlDocument;
 /// moves that file to its place. The key is a constant, so an enciphered file is kept from
 /// casual readers and no more.
 ///
-/// Operations answer 1, or 0 when a file, a text or a path is missing or refused; nothing is thrown. A text that is
-/// refused leaves the document empty, without a root. One thread at a time.
+/// Operations answer 1, or 0 when a file, a text or a path is missing or refused, or memory runs out. Nothing is thrown
+/// but std::bad_alloc, by construction and GetXMLString alone: an empty text would be a document without a root. A text
+/// that is refused leaves the document empty. One thread at a time.
 class QELLIB10_API CCryptXMLDocument {
 public:
     /// Empty, and enciphered when it is saved.

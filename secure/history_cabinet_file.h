@@ -45,9 +45,9 @@ struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
 /// answered 1 is there, perhaps the one under way too, and what is left of it otherwise is cut off by the next one.
 ///
 /// While a cabinet is open others may read its file but not write to it, so no other object has it open for writing.
-/// Operations answer 1, or 0 when a file is missing, damaged or refused by the system; nothing is thrown. Copies share
-/// the open file and its position; each has its own copy of the header, which Open, Create and RegistNewVersion read.
-/// One thread at a time.
+/// Operations answer 1, or 0 when a file is missing, damaged or refused by the system, or memory runs out; nothing is
+/// thrown but std::bad_alloc by construction. Copies share the open file and its position; each has its own copy of the
+/// header, which Open, Create and RegistNewVersion read. One thread at a time.
 class QELLIB10_API CHistoryCabinetFile {
 public:
     CHistoryCabinetFile();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <new>
 #include <utility>
 
 #include "qellib10/platform/archive/archive_exception.h"
@@ -9,14 +10,15 @@
 
 namespace qel {
 
-/// The one place where an operation's inner failures become its result: what @p body answers, or 0 when it threw one of
-/// the three. Anything else that is thrown is a defect of ours, or memory that ran out, and passes through.
+/// The one place where an operation's inner failures become its result: what @p body returns, or 0 when it threw one of
+/// the four. Anything else that is thrown is a defect of ours and passes through.
 template <std::invocable Body> int AsResult(Body&& body) {
     try {
         return std::forward<Body>(body)();
     } catch (const CFileException&) {     // the system refused
     } catch (const CArchiveException&) {  // the archive is damaged
     } catch (const DataError&) {          // a format's own check failed
+    } catch (const std::bad_alloc&) {     // memory ran out, perhaps by the length that a file claims
     }
     return 0;
 }

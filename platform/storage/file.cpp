@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "qellib10/platform/storage/block_io.h"
@@ -26,22 +27,26 @@ CFile::~CFile() { CloseDescriptor(); }
 BOOL CFile::Open(const char* name, UINT flags, CFileException* error) {
     try {
         Abort();
-        OpenOrThrow(name, flags);
-        return 1;
-    } catch (const CFileException& failure) {
-        if (error != nullptr) *error = failure;
-        return 0;
+        try {
+            OpenOrThrow(name, flags);
+            return 1;
+        } catch (const CFileException& failure) {
+            if (error != nullptr) *error = failure;
+        }
+    } catch (const std::bad_alloc&) {
+        if (error != nullptr) *error = CFileException(qel::CauseOfCode(qel::kOutOfMemory), qel::kOutOfMemory);
     }
+    return 0;
 }
 
 void CFile::OpenOrThrow(const char* name, UINT flags) {
     const CString path(name);
     const std::string posix = qel::ToPosixPath(path.View());
-    const CString full = qel::FullPath(path.View());  // a relative name is that of the folder which is current now
+    CString full = qel::FullPath(path.View());  // a relative name is that of the folder which is current now
     m_descriptor = qel::OpenShared(posix, qel::OpenRequest::OfFlags(flags), path.View());
     m_bDuplicated = false;
     m_nFlags = flags;
-    m_strFilePath = full;
+    m_strFilePath = std::move(full);
 }
 
 std::unique_ptr<CFile> CFile::Duplicate() const {
@@ -139,7 +144,7 @@ void CFile::Flush() {
 }
 
 void CFile::Close() {
-    const CString path = m_strFilePath;
+    const CString path = std::move(m_strFilePath);
     if (const int error = CloseDescriptor()) qel::ThrowWriteErrno(error, path.View());
 }
 

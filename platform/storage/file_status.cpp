@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <new>
+
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/path.h"
@@ -43,8 +45,9 @@ BOOL CFile::GetStatus(const char* name, CFileStatus& status) {
         status = Describe(found, qel::FullPath(path.View()));
         return 1;
     } catch (const CFileException&) {  // a name that cannot be
-        return 0;
+    } catch (const std::bad_alloc&) {
     }
+    return 0;
 }
 
 BOOL CFile::GetStatus(CFileStatus& status) const {

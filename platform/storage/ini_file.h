@@ -7,7 +7,7 @@
 #include "qellib10/platform/types.h"
 
 // Settings in INI files, with the platform's results and, in what is written, the platform's bytes. A file name without
-// a folder means the Windows folder (qel::WindowsFolder). Nothing is thrown; safe from any thread.
+// a folder means the Windows folder (qel::WindowsFolder). Nothing is thrown but std::bad_alloc; safe from any thread.
 //
 //     [section]
 //     key = value            names match without regard to case, the first of a name counts

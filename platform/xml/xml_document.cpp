@@ -1,5 +1,6 @@
 #include "qellib10/platform/xml/xml_document.h"
 
+#include <exception>
 #include <utility>
 
 #include <pugixml.hpp>
@@ -35,7 +36,7 @@ void XmlDocument::Load(std::string utf8, XmlNames names) {
     m_source = std::move(utf8);
     try {
         ReadXml(*m_tree, m_source, names);
-    } catch (const DataError&) {
+    } catch (const std::exception&) {  // a refused text, or memory that ran out: a part is no document
         Empty();
         throw;
     }

@@ -6,6 +6,7 @@
 
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_memory.h"
 #include "qellib10/platform/xml/xml_path.h"
 #include "qellib10/platform/xml/xml_text.h"
 #include "qellib10/platform/xml/xml_walk.h"
@@ -67,9 +68,16 @@ int DepthOf(pugi::xml_node node) {
     return depth;
 }
 
+// The old content goes once the new one is there.
 void SetElementText(pugi::xml_node element, const std::string& text) {
-    element.remove_children();
-    if (!text.empty()) element.append_child(pugi::node_pcdata).set_value(text.c_str());
+    pugi::xml_node added;
+    if (!text.empty()) {
+        added = element.append_child(pugi::node_pcdata);
+        const bool done = added.set_value(text.c_str());
+        if (!done) element.remove_child(added);
+        RequireMemory(done);
+    }
+    while (element.first_child() != added) element.remove_child(element.first_child());
 }
 
 // Comments and the like cannot hold their own end.
@@ -77,7 +85,7 @@ void SetData(pugi::xml_node node, const std::string& text, std::string_view forb
     if (text.find(forbidden) != std::string::npos || text.ends_with(forbidden[0])) {
         throw DataError("a text with the end of what it shall stand in");
     }
-    node.set_value(WithPlainLineEnds(text).c_str());
+    RequireMemory(node.set_value(WithPlainLineEnds(text).c_str()));
 }
 
 }  // namespace
@@ -108,19 +116,16 @@ std::string XmlNode::Text() const {
 void XmlNode::SetText(std::string_view text) {
     const std::string utf8 = WithXmlCharacters(ToUtf8(text));
     if (m_attribute != nullptr) {
-        pugi::xml_attribute(m_attribute).set_value(utf8.c_str());
-        return;
+        return RequireMemory(pugi::xml_attribute(m_attribute).set_value(utf8.c_str()));
     }
     pugi::xml_node node(m_node);
     switch (node.type()) {
         case pugi::node_element:
             return SetElementText(node, utf8);
         case pugi::node_pcdata:  // an empty one could not be loaded again
-            utf8.empty() ? node.parent().remove_child(node) : node.set_value(utf8.c_str());
-            return;
+            return RequireMemory(utf8.empty() ? node.parent().remove_child(node) : node.set_value(utf8.c_str()));
         case pugi::node_cdata:  // written as several where it holds its end
-            node.set_value(WithPlainLineEnds(utf8).c_str());
-            return;
+            return RequireMemory(node.set_value(WithPlainLineEnds(utf8).c_str()));
         case pugi::node_comment:
             return SetData(node, utf8, "--");
         case pugi::node_pi:  // blanks at its begin would be taken for those behind the name
@@ -143,8 +148,11 @@ XmlNode XmlNode::AppendElement(std::string_view name) {
     if (DepthOf(parent) >= kDeepestXml) throw DataError("elements nested too deep");
     const pugi::xml_node last = parent.last_child();
     const bool isBeforeLast = last.type() == pugi::node_pcdata && IsXmlBlank(last.value());
-    const pugi::xml_node child =
-        isBeforeLast ? parent.insert_child_before(utf8.c_str(), last) : parent.append_child(utf8.c_str());
+    pugi::xml_node child =
+        isBeforeLast ? parent.insert_child_before(pugi::node_element, last) : parent.append_child(pugi::node_element);
+    const bool done = child.set_name(utf8.c_str());
+    if (!done) parent.remove_child(child);
+    RequireMemory(done);
     return XmlNode(child.internal_object());
 }
 

@@ -10,6 +10,7 @@
 
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/text/unicode.h"
+#include "qellib10/platform/xml/xml_memory.h"
 #include "qellib10/platform/xml/xml_text.h"
 
 namespace qel {
@@ -32,13 +33,13 @@ bool Contains(std::string_view text, std::string_view wanted) { return text.find
 template <class Item> void TakeReferencesOut(Item item, const char* value) {
     if (std::strchr(value, '&') == nullptr) return;
     const std::string text = WithoutReferences(value);
-    item.set_value(text.c_str());
+    RequireMemory(item.set_value(text.c_str()));
 }
 
 void TakeLineEndsOut(pugi::xml_node node) {  // of what the parser passes as it stands
     if (std::strchr(node.value(), '\r') == nullptr) return;
     const std::string text = WithPlainLineEnds(node.value());
-    node.set_value(text.c_str());
+    RequireMemory(node.set_value(text.c_str()));
 }
 
 void CheckManyNamesDiffer(pugi::xml_node element) {
@@ -203,6 +204,7 @@ void ReadXml(pugi::xml_document& tree, std::string& text, XmlNames names) {
     CheckDeclarationsEnd(text);
     text += '\n';
     const auto result = tree.load_buffer_inplace(text.data(), text.size(), kParsing, pugi::encoding_utf8);
+    RequireMemory(result.status != pugi::status_out_of_memory);
     if (!result) throw DataError(result.description());
     CheckTop(tree);
     tree.traverse(reader);

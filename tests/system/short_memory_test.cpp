@@ -1,0 +1,234 @@
+#include <sys/resource.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "../support/child_process.h"
+#include "../support/failing_memory.h"
+#include "../support/interrupted.h"
+#include "qellib10/file/check_datafile.h"
+#include "qellib10/file/private_profile.h"
+#include "qellib10/print/queue_data.h"
+#include "qellib10/secure/crypt_xml_document.h"
+#include "qellib10/secure/history_cabinet_file.h"
+
+// Operations of the classes that throw nothing, while memory runs out.
+
+namespace {
+
+using Step = std::function<int()>;
+
+std::string Target(At at) { return at.Read("c"); }  // the next writer removes what was written beside
+std::string Anything(At) { return ""; }             // a part may be done
+std::string Kept(At at) { return Bytes(at).find("new") != std::string::npos ? "kept" : "lost"; }
+
+// Everything that a call needs is there before it, and lives on after it.
+struct Call {
+    const char* name;
+    std::function<Step(At)> prepare;
+    std::function<std::string(At)> state = Sizes;  // as before the call, or as after it
+};
+void PrintTo(const Call& call, std::ostream* out) { *out << call.name; }
+std::string NameOfCall(const testing::TestParamInfo<Call>& call) { return call.param.name; }
+
+template <class Object, class Ask> Step On(const std::shared_ptr<Object>& object, Ask ask) {
+    return [=] { return ask(*object); };
+}
+
+auto Opened(const CString& path) {
+    auto file = std::make_shared<CQFile>();
+    file->Open(path, CFile::modeReadWrite);
+    return file;
+}
+auto SealedFile(At at) {
+    auto file = Opened(at.a);
+    CCheckDatafile::PackNewData(file.get());
+    return file;
+}
+std::string Seals(At at) {
+    CCheckDatafile seal;
+    CQFile file;
+    const bool isSealed = file.Open(at.a, CFile::modeRead) && seal.ReadPackData(&file);
+    return Sizes(at) + (isSealed ? std::to_string(seal.GetVersion()) : "none");
+}
+template <class Ask> std::function<Step(At)> WithSeal(Ask ask) {
+    return [=](At at) { return On(SealedFile(at), ask); };
+}
+
+constexpr const char* kXml = "<r a='1'><b>text &amp; more</b><c/></r>";
+auto Document(int crypt) {
+    auto document = std::make_shared<CCryptXMLDocument>();
+    document->SetXMLString(kXml);
+    document->SetCryptMode(crypt);
+    return document;
+}
+// @p ask gets the document and the name of a file that holds the same.
+template <int kCrypt, class Ask> std::function<Step(At)> WithXml(Ask ask) {
+    return [=](At at) {
+        auto document = Document(kCrypt);
+        document->SaveXMLFile(at.c, 1);
+        return [=, path = at.c] { return ask(*document, path); };
+    };
+}
+std::string Free(At at) {
+    CFile file;
+    return file.Open(at.c, CFile::modeReadWrite | CFile::shareExclusive) ? "free" : "held";
+}
+
+auto Cabinet(At at, int versions) {
+    auto cabinet = std::make_shared<CHistoryCabinetFile>();
+    cabinet->Create(at.c);
+    for (int version = 0; version < versions; ++version) cabinet->RegistNewVersion(at.b);
+    return cabinet;
+}
+template <int kVersions, class Ask> std::function<Step(At)> WithCabinet(Ask ask) {
+    return [=](At at) {
+        return [=, cabinet = Cabinet(at, kVersions), a = at.a, path = at.c] { return ask(*cabinet, a, path); };
+    };
+}
+// The copy of a failed registration may be there.
+std::string Versions(At at) {
+    const auto size = std::filesystem::exists(at.Posix("c")) ? std::filesystem::file_size(at.Posix("c")) : 0;
+    CHistoryCabinetFile cabinet;
+    const bool isWhole = size == 0 || (cabinet.Open(at.c, 1) && cabinet.GetLatestVersionFile(at.b));
+    return std::to_string(size) + (isWhole ? " whole" : "") + at.Read("b");
+}
+
+auto Job() {
+    auto job = std::make_shared<CQelPrintJobQueueData>();
+    job->AddMillimetreCommandText(CRect(1, 2, 3, 4), "text", 1);
+    return job;
+}
+
+template <class Ask> std::function<Step(At)> WithNames(Ask ask) {
+    return [=](At at) { return [=, a = at.a, c = at.c, tree = at.tree] { return ask(a, c, tree); }; };
+}
+auto Profile(const CString& location, int mode) { return std::make_shared<CPrivateProfile>(location, mode); }
+template <class Ask> std::function<Step(At)> WithIni(Ask ask) {
+    return [=](At at) {
+        at.Write("c", "[s]\nk=1\n");
+        return On(Profile(at.c, CPrivateProfile::iniMode), ask);
+    };
+}
+template <class Ask> std::function<Step(At)> WithRegistry(Ask ask) {
+    return [=](At) {
+        auto profile = Profile("HKEY_CURRENT_USER\\k", CPrivateProfile::registryMode);
+        profile->Set("s", "k", "1");
+        return On(profile, ask);
+    };
+}
+std::string ValuesOf(At at) {
+    std::string values = at.Read("c");
+    for (const char* key : {"HKEY_CURRENT_USER\\k", "HKEY_CURRENT_USER\\k.bak"})
+        values += Profile(key, CPrivateProfile::registryMode)->Get("s", "k", "-").View();
+    return values;
+}
+
+using Doc = CCryptXMLDocument;
+using History = CHistoryCabinetFile;
+using Settings = CPrivateProfile;
+
+const Call kCalls[] = {
+    {"Seal", [](At at) { return On(Opened(at.a), [](CQFile& f) { return CCheckDatafile::PackNewData(&f); }); }, Seals},
+    {"SealAgain", WithSeal([](CQFile& f) { return CCheckDatafile().PackUpdateData(&f, 0); }), Seals},
+    {"SealRead", WithSeal([](CQFile& f) { return CCheckDatafile().ReadPackData(&f); }), Seals},
+    {"SealCheck", WithSeal([](CQFile& f) { return CCheckDatafile::IsPackData(&f); }), Seals},
+    {"FileCompare", WithNames([](auto& a, auto&, auto&) { return CQFile::CompareFile(a, a); })},
+    {"FileCrc", WithNames([](auto& a, auto&, auto&) { DWORD crc; return CQFile::GetFileCRC(a, &crc, 0); })},
+    {"FileFind", [](At at) { return On(Opened(at.a), [](CQFile& f) { return f.Find("w", 1); }); }},
+    {"FileIsFree", WithNames([](auto& a, auto&, auto&) { return CQFile::IsCanOverwrite(a); })},
+    {"FileMove", WithNames([](auto& a, auto& c, auto&) { return CQFile::MoveFileA(a, c, 0); }), Kept},
+    {"FileMoveAtRestart", WithNames([](auto& a, auto& c, auto&) { return CQFile::MoveFileReboot(a, c, nullptr, 0) >= 0; }),
+     Kept},
+    {"FileDelete", WithNames([](auto& a, auto&, auto&) { return CQFile::DeleteFileReboot(a, 1) >= 0; }), Anything},
+    {"FileFolders", WithNames([](auto&, auto&, auto& tree) { return CQFile::CreateDirectories(tree); }), Anything},
+    {"FileClosed", [](At at) { return On(Opened(at.a), [c = at.c](CQFile& f) { return f.CloseTo(c); }); }, Kept},
+    {"IniSet", WithIni([](Settings& p) { return p.Set("s", "k", "2"); }), ValuesOf},
+    {"IniGet", WithIni([](Settings& p) { return p.Get("s", "k", 0); }), ValuesOf},
+    {"RegistrySet", WithRegistry([](Settings& p) { return p.Set("s", "k", "2"); }), ValuesOf},
+    {"RegistryGet", WithRegistry([](Settings& p) { char b[9]; DWORD n = 9; return p.Get("s", "k", b, &n); }), ValuesOf},
+    {"RegistryBackup", WithRegistry([](Settings& p) { return p.Backup(".bak"); }), ValuesOf},
+    {"RegistryDelete", WithRegistry([](Settings& p) { return p.Delete("s"); }), ValuesOf},
+    {"XmlLoad", WithXml<1>([](Doc& d, auto& path) { return d.LoadXMLFile(path, 1); })},
+    {"XmlLoadPlain", WithXml<0>([](Doc& d, auto& path) { return d.LoadXMLFile(path, 1); })},
+    {"XmlSave", WithXml<1>([](Doc& d, auto& path) { return d.SetXMLString("<r/>") && d.SaveXMLFile(path, 1); })},
+    {"XmlSavePlain", WithXml<0>([](Doc& d, auto& path) { return d.SetXMLString("<r/>") && d.SaveXMLFile(path, 1); })},
+    {"XmlLock", WithXml<1>([](Doc& d, auto& path) { return d.LockFile(path, 1, 0); }), Free},
+    {"XmlLockCommit", WithXml<0>([](Doc& d, auto& path) { return d.LockFile(path, 1, 0) && d.LockCommit(); })},
+    {"XmlSetText", WithXml<1>([](Doc& d, auto&) { return d.SetNodeText("b/new/last[2]", "text"); })},
+    {"XmlCount", WithXml<1>([](Doc& d, auto&) { return static_cast<int>(d.GetTagCount("b")) + 1; })},
+    {"XmlDelete", WithXml<1>([](Doc& d, auto&) { return d.DeleteTag("b"); })},
+    {"CabinetFirst", WithCabinet<0>([](History& h, auto& a, auto&) { return h.RegistNewVersion(a); }), Versions},
+    {"CabinetNext", WithCabinet<1>([](History& h, auto& a, auto&) { return h.RegistNewVersion(a); }), Versions},
+    {"CabinetTakeOut", WithCabinet<2>([](History& h, auto& a, auto&) { return h.GetVersionFile(2, a); }), Versions},
+    {"CabinetOpen", WithCabinet<1>([](History& h, auto&, auto& c) { return h.Open(c, 1); }), Versions},
+    {"CabinetCreate", [](At at) { return On(std::make_shared<History>(), [c = at.c](History& h) { return h.Create(c); }); },
+     Versions},
+    {"JobText", [](At) { return On(Job(), [](auto& j) { return j.AddMillimetreCommandText(CRect(), "t", 1); }); }},
+    {"JobSave", [](At at) { return On(Job(), [c = at.c](auto& j) { return j.SaveJobFile(c); }); }, Target},
+    {"JobLoad",
+     [](At at) {
+         Job()->SaveJobFile(at.c);
+         return On(Job(), [c = at.c](auto& j) { return j.LoadJobFile(c); });
+     }},
+};
+
+class ShortMemory : public testing::TestWithParam<Call> {
+protected:
+    // The state after the call with one allocation failing; @p number 0: none, -1: without the call.
+    std::string StateAfter(int number) {
+        const Place place;
+        const Step step = GetParam().prepare(place);
+        FailAllocation(number < 0 ? 0 : number);
+        done = number < 0 ? 0 : step();
+        left = AllocationsLeft();
+        FailAllocation(0);
+        return GetParam().state(place);
+    }
+
+    int done = 0, left = 0;
+};
+
+}  // namespace
+
+TEST_P(ShortMemory, IsAFailureThatLeavesTheOldOrTheNew) {
+    const std::string before = StateAfter(-1), after = StateAfter(0);
+    ASSERT_NE(done, 0);
+    int number = 0;
+    do {
+        SCOPED_TRACE(++number);
+        const std::string now = StateAfter(number);
+        EXPECT_TRUE(now == after || (done == 0 && now == before)) << done << '\n' << now;
+        EXPECT_TRUE(done != 0 || left == 0);
+    } while (left == 0);
+    EXPECT_GT(number, 1);
+}
+INSTANTIATE_TEST_SUITE_P(System, ShortMemory, testing::ValuesIn(kCalls), NameOfCall);
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these need all the addresses that there are
+TEST(ShortMemory, FilesThatItDoesNotHoldAreRefused) {
+    const Place place;
+    const std::string huge = place.Posix("c");
+    place.Write("c", std::string(1, '\0'));
+    std::filesystem::resize_file(huge, std::uint64_t{1900} << 20);  // a hole
+    const auto inOneGiB = [&](const std::function<int()>& body) {
+        return InChild([&] {
+            const rlimit limit = {1 << 30, 1 << 30};
+            return ::setrlimit(RLIMIT_AS, &limit) == 0 ? body() : 98;
+        });
+    };
+    for (const int crypt : {0, 1}) {
+        EXPECT_EQ(inOneGiB([&] { return Document(crypt)->LoadXMLFile(place.c, 1); }), 0) << crypt;
+        EXPECT_EQ(inOneGiB([&] {
+                      const auto document = Document(crypt);
+                      return document->LockFile(place.c, 1, 0) + (Free(place) == "free" ? 0 : 2);
+                  }),
+                  0)
+            << crypt;
+    }
+    EXPECT_EQ(inOneGiB([&] { return Job()->LoadJobFile(place.c); }), 0);
+    EXPECT_EQ(inOneGiB([&] { return Profile(place.c, CPrivateProfile::iniMode)->Get("s", "k", 7); }), 7);
+    EXPECT_EQ(inOneGiB([&] { return CCheckDatafile::IsPackData(Opened(place.c).get()); }), 0);
+    EXPECT_EQ(inOneGiB([&] { return CHistoryCabinetFile().Open(place.c, 0); }), 0);
+}
+#endif
