@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/storage/ini_file.h"
 #include "qellib10/platform/text/multibyte.h"
@@ -86,25 +87,35 @@ private:
     HKEY m_key = nullptr;
 };
 
+// @throws DataError when that cannot be found out
+bool IsThere(HKEY parent, const char* path) {
+    HKEY key = nullptr;
+    const LONG result = qel::OpenRegistryKey(parent, path, key);
+    if (result == qel::kRegistrySuccess) qel::CloseRegistryKey(key);
+    if (result != qel::kRegistrySuccess && result != qel::kRegistryNotFound) throw qel::DataError("a key not opened");
+    return result == qel::kRegistrySuccess;
+}
+
 }  // namespace
 
 CPrivateProfile::CPrivateProfile(const char* location, int mode) { Open(location, mode); }
 CPrivateProfile::~CPrivateProfile() { Close(); }
 
 int CPrivateProfile::Open(const char* location, int mode) {
-    const CString whole(location);
     Close();
     m_nMode = mode;
-    if (mode != registryMode) {
-        m_szLocation = whole;
-        return !whole.IsEmpty();
-    }
-    if (const Root* root = FindRoot(whole)) {
-        m_hRoot = root->key;
-        m_szLocation = whole.Mid(root->name.GetLength() + 1);
-    }
-    if (!EndsWithBackslash(m_szLocation)) m_szLocation += '\\';
-    return m_hRoot != nullptr;
+    return qel::AsResult([&] {
+        const CString whole(location);
+        if (mode != registryMode) {
+            m_szLocation = whole;
+            return !whole.IsEmpty();
+        }
+        const Root* const root = FindRoot(whole);
+        if (root != nullptr) m_szLocation = whole.Mid(root->name.GetLength() + 1);
+        if (!EndsWithBackslash(m_szLocation)) m_szLocation += '\\';
+        if (root != nullptr) m_hRoot = root->key;
+        return root != nullptr;
+    });
 }
 
 int CPrivateProfile::Close() {
@@ -123,16 +134,21 @@ CString CPrivateProfile::OpenedKeyOf(const char* section) const {
 }
 
 int CPrivateProfile::Write(const char* section, const char* key, const char* value) {
-    return !m_szLocation.IsEmpty() && qel::WriteProfileString(section, key, value, m_szLocation);
+    return qel::AsResult(
+        [&] { return !m_szLocation.IsEmpty() && qel::WriteProfileString(section, key, value, m_szLocation); });
 }
 
 int CPrivateProfile::Write(const char* section, const char* key, DWORD type, std::string_view data) {
-    return qel::WriteRegistryValue(m_hRoot, KeyOf(section), kKeyClass, key, {type, std::string(data)}) ==
-           qel::kRegistrySuccess;
+    return qel::AsResult([&] {
+        return qel::WriteRegistryValue(m_hRoot, KeyOf(section), kKeyClass, key, {type, std::string(data)}) ==
+               qel::kRegistrySuccess;
+    });
 }
 
 bool CPrivateProfile::Read(const char* section, const char* key, qel::RegistryValue& value) const {
-    return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess;
+    return qel::AsResult([&] {
+               return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess;
+           }) != 0;
 }
 
 int CPrivateProfile::Set(const char* section, const char* key, const char* value) {
@@ -171,19 +187,29 @@ CString CPrivateProfile::Get(const char* section, const char* key, const char* d
 
 int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {
     if (m_nMode != registryMode) {
-        const CString text = Get(section, key, NameOf(defaultValue));
-        return qel::ClampToInt(qel::ScanInteger(text.View()));
+        int number = defaultValue;
+        qel::Succeeds([&] {
+            const CString text = Get(section, key, NameOf(defaultValue));
+            number = qel::ClampToInt(qel::ScanInteger(text.View()));
+        });
+        return number;
     }
     qel::RegistryValue value;
     return (Read(section, key, value) ? IntIn(value) : std::nullopt).value_or(defaultValue);
 }
 
 double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
-    if (m_nMode != registryMode) return qel::ReadNumber(Get(section, key, "").View()).value_or(defaultValue);
-    qel::RegistryValue value;
-    if (!Read(section, key, value)) return defaultValue;
-    if (const auto number = IntIn(value)) return *number;
-    return qel::ReadNumber(TextIn(value, "")).value_or(defaultValue);
+    std::optional<double> number;
+    qel::Succeeds([&] {
+        qel::RegistryValue value;
+        if (m_nMode != registryMode) {
+            number = qel::ReadNumber(Get(section, key, "").View());
+        } else if (Read(section, key, value)) {
+            const auto stored = IntIn(value);
+            number = stored ? *stored : qel::ReadNumber(TextIn(value, ""));
+        }
+    });
+    return number.value_or(defaultValue);
 }
 
 CString CPrivateProfile::Get(const char* section, int key, const char* defaultValue) const {
@@ -204,29 +230,31 @@ int CPrivateProfile::Get(const char* section, const char* key, void* data, DWORD
 }
 
 int CPrivateProfile::Delete(const char* section) {
-    return m_nMode == registryMode && DeleteKeySub(m_hRoot, OpenedKeyOf(section)) == 0;
+    return m_nMode == registryMode && qel::AsResult([&] { return DeleteKeySub(m_hRoot, OpenedKeyOf(section)) == 0; });
 }
 
 int CPrivateProfile::GetAllStrings(const char* section, CStringArray& out) const {
     if (m_nMode == registryMode || m_szLocation.IsEmpty()) return 0;
-    const auto read = [&] { return qel::ReadProfileSection(section, kSectionBuffer, m_szLocation); };
-    if (read().size() == kSectionTooLong) return 0;
-    out.RemoveAll();
-    const std::string entries = read();  // once more, for the entries, as it has always been
-    for (std::string_view rest = entries; !rest.empty() && rest[0] != '\0';) {
-        const std::string_view entry = rest.substr(0, rest.find('\0'));
-        out.Add(CString(entry));
-        rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
-    }
-    return 1;
+    return qel::AsResult([&] {
+        const auto read = [&] { return qel::ReadProfileSection(section, kSectionBuffer, m_szLocation); };
+        if (read().size() == kSectionTooLong) return 0;
+        out.RemoveAll();
+        const std::string entries = read();  // once more, for the entries, as it has always been
+        for (std::string_view rest = entries; !rest.empty() && rest[0] != '\0';) {
+            const std::string_view entry = rest.substr(0, rest.find('\0'));
+            out.Add(CString(entry));
+            rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
+        }
+        return 1;
+    });
 }
 
 // All or nothing: without Commit both keys are as they were.
 int CPrivateProfile::Replace(const CString& source, const CString& target) {
     qel::RegistryTransaction transaction;
     if (transaction.Begin(m_hRoot) != qel::kRegistrySuccess) return 0;
-    const int deleted = DeleteKeySub(m_hRoot, target);
-    if (deleted != 0 && deleted != kNotOpened) return 0;
+    // A target that is there but cannot be opened just now must not get the values of both.
+    if (IsThere(m_hRoot, target) && DeleteKeySub(m_hRoot, target) != 0) return 0;
     RegistryKey from;
     RegistryKey to;
     return from.Open(m_hRoot, source) && to.Create(m_hRoot, target) && BackupSub(from.Get(), to.Get()) &&
@@ -242,13 +270,17 @@ CString CPrivateProfile::BackupKey(const char* suffix) const {
 }
 
 int CPrivateProfile::Backup(const char* suffix) {
-    const CString backup = BackupKey(suffix);
-    return !backup.IsEmpty() && Replace(WithoutBackslashes(m_szLocation), backup);
+    return qel::AsResult([&] {
+        const CString backup = BackupKey(suffix);
+        return !backup.IsEmpty() && Replace(WithoutBackslashes(m_szLocation), backup);
+    });
 }
 
 int CPrivateProfile::Restore(const char* suffix) {
-    const CString backup = BackupKey(suffix);
-    return !backup.IsEmpty() && Replace(backup, WithoutBackslashes(m_szLocation));
+    return qel::AsResult([&] {
+        const CString backup = BackupKey(suffix);
+        return !backup.IsEmpty() && Replace(backup, WithoutBackslashes(m_szLocation));
+    });
 }
 
 int CPrivateProfile::DeleteKeySub(HKEY parent, const char* name) {
