@@ -4,6 +4,7 @@
 #include "qellib10/platform/drawing/device_context.h"
 #include "qellib10/platform/drawing/screen.h"
 #include "qellib10/platform/drawing/text_font.h"
+#include "qellib10/platform/drawing/utf8_notice.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/wrapped.h"
 
@@ -27,6 +28,11 @@ std::string WithoutPrefixes(std::string_view utf8) {
 TextFont::Break BreakOf(UINT format) {
     if ((format & DT_WORDBREAK) == 0) return TextFont::Break::kNone;
     return (format & DT_EDITCONTROL) != 0 ? TextFont::Break::kWordOrCharacter : TextFont::Break::kWord;
+}
+
+std::string DrawnText(const CString& text) {
+    NoticeUtf8(text.View());
+    return ToUtf8(text.View());
 }
 
 // Where something as long as @p own begins in the middle of @p length.
@@ -64,7 +70,7 @@ const TextFont& DeviceContext::Font() {
 void DeviceContext::TextOut(const POINT& at, const CString& text) {
     UseInk();
     const TextFont& font = Font();
-    const TextLine line = font.Line(ToUtf8(text.View()));
+    const TextLine line = font.Line(DrawnText(text));
     const bool movesPosition = (m_state.textAlign & TA_UPDATECP) != 0;
     CPoint corner = m_state.mapping.ToDevice(movesPosition ? m_state.position : at);
     switch (m_state.textAlign & kAlignAcross) {
@@ -101,7 +107,7 @@ void DeviceContext::TextOut(const POINT& at, const CString& text) {
 int DeviceContext::DrawTextBox(const CString& text, CRect& box, UINT format) {
     UseInk();
     const TextFont& font = Font();
-    std::string utf8 = ToUtf8(text.View());
+    std::string utf8 = DrawnText(text);
     if ((format & DT_NOPREFIX) == 0) utf8 = WithoutPrefixes(utf8);
     const POINT topLeft = m_state.mapping.ToDevice({box.left, box.top});
     const POINT bottomRight = m_state.mapping.ToDevice({box.right, box.bottom});

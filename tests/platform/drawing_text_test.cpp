@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "qellib10/platform/drawing/dc.h"
 
 #include "../support/cases.h"
+#include "../support/child_process.h"
+#include "../support/code_page_scope.h"
+#include "qellib10/platform/shell/debug_output.h"
 
 namespace {
 
@@ -52,7 +56,37 @@ struct Canvas {
     CFont font;
 };
 
+int theNotices = 0;
+
+// How many lines developers get when the text is drawn twice in a process of its own.
+int NoticesOf(UINT page, const char* text) {
+    return InChild([&] {
+        const CodePageScope scope(page);
+        Canvas canvas;
+        qel::SetDebugOutputHook([](const char*) { ++theNotices; });
+        canvas.dc.TextOut(0, 0, text, static_cast<int>(std::strlen(text)));
+        RECT box{0, 0, 100, 50};
+        canvas.dc.DrawText(text, -1, &box, 0);
+        return theNotices;
+    });
+}
+
 }  // namespace
+
+TEST(Text, InUtf8IsNoticedOnceWhereItIsTakenForJapanese) {
+    for (const auto& [page, text, lines] : Cases<UINT, const char*, int>{{932,
+                                                                          "5 \xC2\xB5g, 20 \xC2\xB0"
+                                                                          "C",
+                                                                          1},
+                                                                         {932, "\xE8\xA1\xA8", 1},
+                                                                         {932, "5 \xC2", 0},
+                                                                         {932, "pH", 0},
+                                                                         {932, "\x95\x5C\x8E\xA6", 0},
+                                                                         {65001, "\xC2\xB5", 0},
+                                                                         {1252, "\xC2\xB5", 0}}) {
+        EXPECT_EQ(NoticesOf(page, text), lines) << page << ' ' << text;
+    }
+}
 
 TEST(Text, LineHeightsAreRoundedAscentAndDescent) {
     CDC dc;
