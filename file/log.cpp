@@ -107,7 +107,8 @@ void WriteDump(qel::LogFile& file, std::span<const unsigned char> bytes) {
 CString& CLog::m_szLogFile = *new CString;  // never freed: what goes after this file's statics may log, too
 std::atomic<int> CLog::m_nLogLevel = 0;
 std::atomic<const char*> CLog::m_szLockKeyword = nullptr;
-std::atomic<HANDLE> CLog::m_hMessageBuffer = nullptr;
+constinit std::atomic<HANDLE> CLog::m_hOwnMessageBuffer = nullptr;
+constinit const std::atomic<HANDLE>& CLog::m_hMessageBuffer = CLog::m_hOwnMessageBuffer;
 char CLog::m_szMessageBuffer[kMessageBufferSize] = {};
 
 CLog::~CLog() = default;
@@ -169,16 +170,16 @@ int CLog::LockMessageBuffer() {
         if (mutex.existed) {
             isKept = true;
         } else {
-            m_hMessageBuffer = mutex.handle;
+            m_hOwnMessageBuffer = mutex.handle;
         }
     }
     return 0;
 }
 
 void CLog::UnlockMessageBuffer() {
-    if (const HANDLE handle = m_hMessageBuffer.exchange(nullptr)) qel::CloseHandle(handle);
+    if (const HANDLE handle = m_hOwnMessageBuffer.exchange(nullptr)) qel::CloseHandle(handle);
 }
 
-HANDLE CLog::GetMessageBufferHandle() { return m_hMessageBuffer; }
+HANDLE CLog::GetMessageBufferHandle() { return m_hOwnMessageBuffer; }
 char* CLog::GetMessageBuffer() { return m_szMessageBuffer; }
 int CLog::GetMessageBufferSize() { return kMessageBufferSize; }

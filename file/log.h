@@ -59,6 +59,7 @@ public:
     /// Gives up the claim, if any.
     static void UnlockMessageBuffer();
     static HANDLE GetMessageBufferHandle();
+    static const std::atomic<HANDLE>& m_hMessageBuffer;  ///< the same under the name that applications know
 
     /// 1024 bytes, zero at first, shared by all threads without a lock.
     static char* GetMessageBuffer();
@@ -73,6 +74,6 @@ private:
     static CString& m_szLogFile;  // under a lock of its own
     static std::atomic<int> m_nLogLevel;
     static std::atomic<const char*> m_szLockKeyword;
-    static std::atomic<HANDLE> m_hMessageBuffer;
+    static std::atomic<HANDLE> m_hOwnMessageBuffer;
     static char m_szMessageBuffer[kMessageBufferSize];
 };

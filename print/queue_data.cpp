@@ -239,7 +239,7 @@ void CQelPrintJobQueueData::AddSubNode(XmlElementWriter& node, const char* name,
 
 void CQelPrintJobQueueData::AddSubNode(XmlElementWriter& node, const char* name, const char* value) {
     node.Begin(name);
-    node.Text(value);
+    node.Text(CString(value).View());
     node.End();
 }
 
@@ -248,7 +248,7 @@ void CQelPrintJobQueueData::AddAttribute(XmlElementWriter& element, const char* 
 }
 
 void CQelPrintJobQueueData::AddAttribute(XmlElementWriter& element, const char* name, const char* value) {
-    element.Attribute(name, value);
+    element.Attribute(name, CString(value).View());
 }
 
 int CQelPrintJobQueueData::GetAttributeInt(XmlAttributes& attributes, const char* name, int ifMissing) {

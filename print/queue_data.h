@@ -74,7 +74,9 @@ protected:
     /// Makes sure that there is a document to load into, and that it is empty.
     int InitializeParser();
 
-    /// Puts an element that holds the value into the one that is being written.
+    // For a derived class that keeps elements of its own in a file of the same kind; the types are in platform/xml/.
+
+    /// Puts an element that holds the value into the one that is being written. A null text is the empty one.
     static void AddSubNode(qel::XmlElementWriter& node, const char* name, int value);
     static void AddSubNode(qel::XmlElementWriter& node, const char* name, const char* value);
     /// Gives the element that was begun last an attribute.

@@ -48,6 +48,7 @@ std::optional<CWorkerThreadInfo> FirstRecordOf(DWORD thread) {
 CWorkerThreadCtrl::CWorkerThreadCtrl(DWORD type) : m_nThreadID(qel::CurrentThreadId()) {
     CWorkerThreadInfo record;
     record.m_nThreadID = m_nThreadID;
+    record.m_pThread = std::make_shared<const CWinThread>(CWinThread{m_nThreadID, qel::CurrentThreadHandle()});
     record.m_nType = type;
     WithThreads([&](auto& threads) { threads.push_back(record); });
 }
@@ -96,4 +97,8 @@ int CWorkerThreadCtrl::GetThreadCount(DWORD type) {
         return static_cast<int>(
             std::ranges::count_if(threads, [&](const auto& record) { return type == 0 || record.m_nType == type; }));
     });
+}
+
+std::vector<CWorkerThreadInfo> CWorkerThreadCtrl::GetThreadInfo() {
+    return WithThreads([](const auto& threads) { return threads; });
 }

@@ -1,16 +1,23 @@
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
-class CWinThread;  // the framework's thread object
+/// A thread as the system knows it: for its name, its priority and the like.
+struct CWinThread {
+    DWORD m_nThreadID = 0;
+    unsigned long m_hThread = 0;  ///< its pthread_t; good while the thread runs
+};
 
 /// What the process knows of one worker thread.
-struct QELLIB10_API CWorkerThreadInfo {
+struct CWorkerThreadInfo {
     DWORD m_nThreadID = 0;
-    CWinThread* m_pThread = nullptr;  // null for a thread that was not made by such an object
-    int m_bStop = 0;                  // 1 once it was asked to stop
-    int m_bPause = 0;                 // what PauseThread said last
+    std::shared_ptr<const CWinThread> m_pThread;  ///< never null in a record; kept by copies of the record
+    int m_bStop = 0;                              ///< 1 once it was asked to stop
+    int m_bPause = 0;                             ///< what PauseThread said last
     DWORD m_nType = 0;
 };
 
@@ -48,6 +55,9 @@ public:
 
     /// How many workers of @p type there are; 0 counts all, so that those of type 0 cannot be counted alone.
     static int GetThreadCount(DWORD type);
+
+    /// The records of all workers as they are at this moment, in the order of their making.
+    static std::vector<CWorkerThreadInfo> GetThreadInfo();
 
 private:
     DWORD m_nThreadID;

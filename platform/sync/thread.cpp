@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <new>
+#include <type_traits>
 
 namespace qel {
 namespace {
@@ -20,6 +21,11 @@ thread_local DWORD ownId = 0;  // asked for once: the system's call costs as muc
 DWORD CurrentThreadId() {
     if (ownId == 0) ownId = static_cast<DWORD>(::gettid());
     return ownId;
+}
+
+unsigned long CurrentThreadHandle() {
+    static_assert(std::is_same_v<pthread_t, unsigned long>);
+    return ::pthread_self();
 }
 
 }  // namespace qel

@@ -8,4 +8,7 @@ namespace qel {
 /// after long.
 DWORD CurrentThreadId();
 
+/// The pthread_t of the calling thread.
+unsigned long CurrentThreadHandle();
+
 }  // namespace qel

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "qellib10/platform/export.h"
 #include "qellib10/platform/xml/xml_node.h"
 
 namespace pugi {
@@ -24,7 +25,7 @@ enum class XmlNames;
 /// elements is kept; line ends are LF in memory and CR LF in what is written.
 ///
 /// A text that was written and is loaded again is written as the same bytes.
-class XmlDocument {
+class QELLIB10_API XmlDocument {
 public:
     XmlDocument();
     ~XmlDocument();

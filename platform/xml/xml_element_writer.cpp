@@ -1,10 +1,11 @@
 #include "qellib10/platform/xml/xml_element_writer.h"
 
 #include <array>
-#include <cassert>
 #include <charconv>
 
+#include "qellib10/platform/error.h"
 #include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/xml/xml_output.h"
 #include "qellib10/platform/xml/xml_text.h"
 
 namespace qel {
@@ -24,64 +25,72 @@ std::string Utf8Of(std::string_view text) { return WithXmlCharacters(ToUtf8(text
 
 }  // namespace
 
+XmlElementWriter::XmlElementWriter() : m_pOutput(std::make_unique<XmlOutput>(0)) {}
+
+XmlElementWriter::~XmlElementWriter() = default;
+
 void XmlElementWriter::Begin(const char* name) {
     CloseTag();
-    m_output.Put('<');
-    m_output.Put(name);
+    m_pOutput->Put('<');
+    m_pOutput->Put(name);
     m_aryOpen.push_back(name);
     m_isTagOpen = true;
 }
 
+// The output after the attribute's name and the first quotation mark.
+XmlOutput& XmlElementWriter::AttributeOutput(const char* name) {
+    if (!m_isTagOpen) throw DataError("an attribute after an element's content");
+    m_pOutput->Put(' ');
+    m_pOutput->Put(name);
+    m_pOutput->Put("=\"");
+    return *m_pOutput;
+}
+
 void XmlElementWriter::Attribute(const char* name, int value) {
-    assert(m_isTagOpen);
-    m_output.Put(' ');
-    m_output.Put(name);
-    m_output.Put("=\"");
-    m_output.Put(Decimal(value));
-    m_output.Put('"');
+    XmlOutput& output = AttributeOutput(name);
+    output.Put(Decimal(value));
+    output.Put('"');
 }
 
 void XmlElementWriter::Attribute(const char* name, std::string_view value) {
-    assert(m_isTagOpen);
-    m_output.Put(' ');
-    m_output.Put(name);
-    m_output.Put("=\"");
-    m_output.Put(Utf8Of(value).c_str(), kXmlValue);
-    m_output.Put('"');
+    XmlOutput& output = AttributeOutput(name);
+    output.Put(Utf8Of(value).c_str(), kXmlValue);
+    output.Put('"');
 }
 
 void XmlElementWriter::Text(std::string_view text) {
     if (text.empty()) return;
     CloseTag();
-    m_output.Put(Utf8Of(text).c_str(), kXmlText);
+    m_pOutput->Put(Utf8Of(text).c_str(), kXmlText);
 }
 
 void XmlElementWriter::Text(int value) {
     CloseTag();
-    m_output.Put(Decimal(value));
+    m_pOutput->Put(Decimal(value));
 }
 
 void XmlElementWriter::End() {
+    if (m_aryOpen.empty()) throw DataError("the end of an element that was not begun");
     const char* const name = m_aryOpen.back();
     m_aryOpen.pop_back();
     if (m_isTagOpen) {
-        m_output.Put("/>");
+        m_pOutput->Put("/>");
         m_isTagOpen = false;
         return;
     }
-    m_output.Put("</");
-    m_output.Put(name);
-    m_output.Put('>');
+    m_pOutput->Put("</");
+    m_pOutput->Put(name);
+    m_pOutput->Put('>');
 }
 
 std::string XmlElementWriter::Bytes() {
-    assert(m_aryOpen.empty());
-    m_output.Put("\r\n");
-    return m_output.Result();
+    if (!m_aryOpen.empty()) throw DataError("an element without an end");
+    m_pOutput->Put("\r\n");
+    return m_pOutput->Result();
 }
 
 void XmlElementWriter::CloseTag() {
-    if (m_isTagOpen) m_output.Put('>');
+    if (m_isTagOpen) m_pOutput->Put('>');
     m_isTagOpen = false;
 }
 

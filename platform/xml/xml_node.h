@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "qellib10/platform/export.h"
+
 namespace pugi {
 struct xml_attribute_struct;
 struct xml_node_struct;
@@ -17,7 +19,7 @@ namespace qel {
 ///
 /// Paths are XPath 1.0 from the node, with `end()` in predicates for the last of the matching siblings; names are
 /// compared as written, prefix included. DataError for a path that is none, or that selects no nodes (`count(A)`).
-class XmlNode {
+class QELLIB10_API XmlNode {
 public:
     /// The attribute, where it is not null, of the element.
     explicit XmlNode(pugi::xml_node_struct* node, pugi::xml_attribute_struct* attribute = nullptr)
@@ -61,7 +63,7 @@ private:
 
 /// The attributes of an element, for reading many: found at once when they are asked for in the order in which they
 /// stand.
-class XmlAttributes {
+class QELLIB10_API XmlAttributes {
 public:
     explicit XmlAttributes(const XmlNode& element);
 

@@ -165,7 +165,9 @@ TEST_F(LogTest, TheMessageBufferIsClaimedByOneProcess) {
     const std::string keyword = "qellib10-log-test-" + std::to_string(::getpid());
     CLog::SetLockKeyword(keyword.c_str());
     EXPECT_EQ(CLog::LockMessageBuffer(), 0);
-    EXPECT_NE(CLog::GetMessageBufferHandle(), nullptr);
+    const HANDLE held = CLog::m_hMessageBuffer;
+    EXPECT_NE(held, nullptr);
+    EXPECT_EQ(CLog::GetMessageBufferHandle(), held);
     CLog::UnlockMessageBuffer();
     EXPECT_EQ(CLog::GetMessageBufferHandle(), nullptr);
     EXPECT_EQ(CLog::GetMessageBufferSize(), 1024);

@@ -6,8 +6,10 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <vector>
 
 #include "../support/child_process.h"
+#include "../support/line.h"
 #include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/sync/handle.h"
 
@@ -53,6 +55,26 @@ TEST(WorkerThreadCtrl, OthersOfATypeStopAndTheAskingOneDoesNot) {
     CWorkerThreadCtrl::StopAllThread();
     other.join();
     EXPECT_EQ(own.IsStop(), 1);
+}
+
+TEST(WorkerThreadCtrl, RecordsAreReadWithTheirThreads) {
+    const CWorkerThreadCtrl own(7);
+    std::vector<CWorkerThreadInfo> records;
+    std::thread worker([&] {
+        const CWorkerThreadCtrl control(8);
+        CWorkerThreadCtrl::StopThread(8);
+        CWorkerThreadCtrl::PauseThread(5, 7);
+        records = CWorkerThreadCtrl::GetThreadInfo();
+    });
+    const auto handle = worker.native_handle();
+    worker.join();  // its record is gone, the copies keep what they hold
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(Line({records[0].m_nType, records[0].m_bStop, records[0].m_bPause}), "7 0 5");
+    EXPECT_EQ(Line({records[1].m_nType, records[1].m_bStop, records[1].m_bPause}), "8 1 0");
+    EXPECT_EQ(records[0].m_pThread->m_hThread, pthread_self());
+    EXPECT_EQ(records[1].m_pThread->m_hThread, handle);
+    EXPECT_EQ(records[1].m_pThread->m_nThreadID, records[1].m_nThreadID);
+    EXPECT_EQ(CWorkerThreadCtrl::GetThreadInfo().size(), 1u);
 }
 
 // Also while another thread uses the table, and named objects, within something else that is locked.
