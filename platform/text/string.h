@@ -134,8 +134,9 @@ QELLIB10_API CString operator+(const CString& a, const char* b);
 QELLIB10_API CString operator+(const char* a, const CString& b);
 QELLIB10_API CString operator+(const CString& a, char b);
 QELLIB10_API CString operator+(char a, const CString& b);
-
-/// Equal texts have equal hashes: of all bytes, as operator== compares them.
+/// @cond Doxygen does not find the scope of this.
+// Equal texts have equal hashes: of all bytes, as operator== compares them.
 template <> struct std::hash<CString> {
     std::size_t operator()(const CString& text) const noexcept { return hash<string_view>()(text.View()); }
 };
+/// @endcond
