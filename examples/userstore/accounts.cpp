@@ -35,7 +35,6 @@ std::int64_t Ask(Database& database, std::string_view sql) {
 }
 
 std::string Utf8(const CString& text) { return qel::ToUtf8(text.View()); }
-std::string Folded(const CString& name) { return qel::ToUtf8(qel::FoldName(name.View())); }
 CString Text(std::string_view utf8) { return CString(std::string_view(qel::FromUtf8(utf8))); }
 int Int(std::int64_t number) { return static_cast<int>(number); }
 
@@ -95,8 +94,10 @@ void RequireSound(Database& database) {
     if (Query(database, "PRAGMA foreign_key_check").Step()) throw StoreError("something is kept of a user who is gone");
 }
 
+std::string FoldedName(const CString& name) { return qel::ToUtf8(qel::FoldName(name.View())); }
+
 UserId FindUser(Database& database, const CString& name) {
-    const std::string folded = Folded(name);
+    const std::string folded = FoldedName(name);
     Query query(database, "SELECT id FROM users WHERE folded_name = ?");
     return query.Bind(folded).Step() ? query.Number(0) : kNobody;
 }
@@ -125,7 +126,7 @@ std::optional<CUserInfo> ReadUser(Database& database, UserId user) {
 
 UserId AddUser(Database& database, const CUserInfo& record) {
     RequireName(record.GetUsername().View());
-    const std::string name = Utf8(record.GetUsername()), folded = Folded(record.GetUsername());
+    const std::string name = Utf8(record.GetUsername()), folded = FoldedName(record.GetUsername());
     Query insert(
         database,
         "INSERT INTO users(id, name, folded_name, full_name, maker, manager, show) VALUES(?, ?, ?, '', 0, 0, 0)");

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <qellib10/qellib10.h>
@@ -24,6 +25,8 @@ void RequireTables(Database& database);
 /// @throws StoreError unless pages, indexes and what refers to users are as they have to be
 void RequireSound(Database& database);
 
+/// What names that are one name have in common, in UTF-8.
+std::string FoldedName(const CString& name);
 /// kNobody for an unknown name.
 UserId FindUser(Database& database, const CString& name);
 /// The names of all users, in their order without regard to case.

@@ -12,8 +12,9 @@ struct LockRule {
     std::chrono::seconds length = std::chrono::minutes(5);
 };
 
-/// Counts an attempt as refused, before its password is checked: so programs that try side by side get no further
-/// guesses. @p user may be kNobody, which costs the same.
+/// Counts an attempt as refused, before its password is checked: so a guess counts also when its program is killed or
+/// the disk is full. The right password takes it back (ForgetAttempts) within the turn of the logon, before another one
+/// is checked. @p user may be kNobody, which costs the same.
 /// @return whether the user was locked already, so that even the right password does not count
 bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LockRule& rule);
 

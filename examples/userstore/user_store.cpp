@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "logon_turn.h"
 #include "store_error.h"
 #include "token_file.h"
 
@@ -35,7 +36,7 @@ UserStore::UserStore(const CString& path, UserStoreSettings settings) : m_path(p
 void UserStore::Connect() {
     if (m_database) return;
     Answer([&] {
-        auto database = std::make_unique<Database>(qel::ToPosixPath(m_path.View()), m_settings.isReadOnly);
+        auto database = std::make_unique<Database>(StorePath(), m_settings.isReadOnly);
         m_settings.isReadOnly ? RequireTables(*database) : PrepareTables(*database);
         m_names = UserNames(*database);
         m_database = std::move(database);
@@ -63,7 +64,8 @@ UserId UserStore::Existing(const CString& username) const {
     return user;
 }
 
-std::string UserStore::TokenPath() const { return qel::ToPosixPath(m_path.View()) + ".token"; }
+std::string UserStore::StorePath() const { return qel::ToPosixPath(m_path.View()); }
+std::string UserStore::TokenPath() const { return StorePath() + ".token"; }
 
 // All of @p change takes place or nothing. A store that has an administrator keeps one. @p last is what cannot be taken
 // back, and done when nothing else is left to fail but the commit.
@@ -110,8 +112,10 @@ int UserStore::LogonWithDialog() {
 int UserStore::Logon(const CString& username, const CString& password) {
     return Answer([&] {
         Database& database = Opened();
+        if (m_settings.isReadOnly) throw StoreError("the user store is read only");
         if (password.IsEmpty() || password.GetLength() > kLongestPassword) return 0;
         const std::string text = qel::ToUtf8(password.View());
+        const LogonTurn turn(StorePath(), FoldedName(username));
         const UserId user = FindUser(database, username);
         const bool isLocked = CountAttempt(database, user, m_settings.clock(), m_settings.lock);
         const std::optional<PasswordHash> kept = ReadPassword(database, user);

@@ -45,8 +45,9 @@ struct UserStoreSettings {
 ///     setting.LogonWithDialog();
 ///
 /// Passwords are kept as argon2id hashes, so the records that come back have none. An unknown user costs the same time
-/// as a wrong password. After five refusals one after the other a user is locked for five minutes, and again after each
-/// further one, until a logon succeeds outside a lock or an administrator sets a new password.
+/// as a wrong password. Logons of one user, from all programs, are checked one after the other, so that guessing side
+/// by side gains nothing. After five refusals one after the other a user is locked for five minutes, and again after
+/// each further one, until a logon succeeds outside a lock or an administrator sets a new password.
 ///
 /// Names that differ in case only are one name. A name has 1 to 64 bytes and no control codes, a password up to 1024.
 /// The store does not ask who calls it: whoever may write the file, mode 0600 at first, may change it, and what a
@@ -111,6 +112,7 @@ private:
     template <class Body> auto Answer(Body body) -> decltype(body());
     Database& Opened() const;
     UserId Existing(const CString& username) const;
+    std::string StorePath() const;  // POSIX
     std::string TokenPath() const;
     template <class Change> int ChangeAccounts(
         Change change, const std::function<void()>& last = [] {});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <thread>
 
 #include "../support/child_process.h"
 #include "../support/line.h"
@@ -115,6 +116,42 @@ TEST_F(UserStoreTest, LocksAfterRefusals) {
     for (int i = 0; i < 5; ++i) store->Logon("bob", "wrong");
     EXPECT_EQ(store->SaveFunctionSecurity(Record("bob", "new")), 1);
     EXPECT_EQ(store->Logon("bob", "new"), 1);
+}
+
+TEST_F(UserStoreTest, RightPasswordsAtOnceAllLogOnBesideWrongOnesThatDoNotLock) {
+    m_settings.cost = {};  // as it usually is: long enough that all would be checked at once
+    auto store = Open();
+    store->CreateFirstAdministrator("admin", "first");
+    store->AddUser(Record("bob", "pw"));
+    store.reset();  // forked children must not have it
+    std::vector<std::unique_ptr<ChildProcess>> logons;
+    for (int i = 0; i < 12; ++i) {
+        const char* const password = i % 4 == 3 ? "wrong" : "pw";
+        logons.push_back(std::make_unique<ChildProcess>([this, password] { return Open()->Logon("Bob", password); }));
+    }
+    std::string answers;
+    for (const auto& logon : logons) answers += std::to_string(logon->Wait());
+    EXPECT_EQ(answers, "111011101110");
+    EXPECT_EQ(m_folder.Count(), 1);
+}
+
+TEST_F(UserStoreTest, AKilledLogonHoldsUpNobody) {
+    auto store = Open();
+    store->CreateFirstAdministrator("admin", "first");
+    store.reset();
+    for (int kill = 0; kill < 4; ++kill) {
+        ChildProcess logon([&] {
+            const auto own = Open();
+            m_folder.Write("ready", "");
+            for (;;) own->Logon("admin", "first");
+            return 1;
+        });
+        while (!m_folder.Has("ready")) std::this_thread::yield();
+        logon.Kill();
+        EXPECT_EQ(Open()->Logon("admin", "first"), 1);
+        std::filesystem::remove(m_folder.Posix("ready"));
+    }
+    EXPECT_EQ(m_folder.Count(), 1);
 }
 
 TEST_F(UserStoreTest, AnUnknownUserCostsAsMuch) {
