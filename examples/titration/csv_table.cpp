@@ -6,65 +6,30 @@
 #include <qellib10/qellib10.h>
 
 #include "failure.h"
+#include "field_rows.h"
 #include "number.h"
-#include "text_file.h"
+#include "printable.h"
+#include "reading.h"
 
 namespace titration {
 namespace {
 
-using Row = std::vector<std::string>;
-
-Row SplitRow(std::string_view line, char separator) {
-    Row fields(1);
-    bool quoted = false;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const bool isQuote = line[i] == '"';
-        if (isQuote && quoted && i + 1 < line.size() && line[i + 1] == '"') {
-            fields.back() += line[++i];  // a doubled mark inside marks is one
-        } else if (isQuote) {
-            quoted = !quoted;
-        } else if (line[i] == separator && !quoted) {
-            fields.emplace_back();
-        } else {
-            fields.back() += line[i];
-        }
-    }
-    for (std::string& field : fields) field = Trimmed(field);
-    return fields;
-}
-
-std::vector<Row> SplitRows(const std::vector<std::string_view>& lines, char separator) {
-    std::vector<Row> rows;
-    rows.reserve(lines.size());
-    for (const std::string_view line : lines) rows.push_back(SplitRow(line, separator));
-    return rows;
-}
-
-std::ptrdiff_t RowsWithTwoNumbers(const std::vector<Row>& rows) {
-    return std::ranges::count_if(rows, [](const Row& row) {
-        return std::ranges::count_if(row,
-                                     [](const std::string& field) { return qel::ReadNumber(field).has_value(); }) >= 2;
-    });
-}
-
-// The first of the best: in "1,5;2,5" the comma would find two numbers as well.
-std::vector<Row> SplitAsWritten(std::string_view text) {
-    const std::vector<std::string_view> lines = Lines(text);
-    std::vector<Row> best;
-    std::ptrdiff_t most = -1;
-    for (const char separator : {';', '\t', ','}) {
-        std::vector<Row> rows = SplitRows(lines, separator);
-        const std::ptrdiff_t found = RowsWithTwoNumbers(rows);
-        if (found <= most) continue;
-        most = found;
-        best = std::move(rows);
-    }
-    return best;
-}
+constexpr std::size_t kFewestRows = 5;  // of a table whose columns are numbers
+constexpr std::size_t kMostTablesListed = 8;
+constexpr std::string_view kDigits = "0123456789";
 
 struct Columns {
-    std::size_t volume, signal;
-    std::size_t firstRow;  // where the table can begin: below the names, 0 without names
+    std::string volumeName, signalName;
+    std::size_t volume = 0, signal = 0;
+    bool haveNames = false;
+
+    std::string Text() const { return "\"" + volumeName + "\" and \"" + signalName + "\""; }
+};
+
+struct Table {
+    Curve curve;
+    std::size_t unreadable = 0;  // lines after the last point whose readings cannot be read
+    std::size_t firstUnreadable = 0;
 };
 
 std::optional<std::size_t> ColumnNumber(const std::string& column) {
@@ -79,62 +44,180 @@ std::optional<std::size_t> FindIn(const Row& row, const std::string& column) {
     return field != row.end() ? std::optional<std::size_t>(field - row.begin()) : std::nullopt;
 }
 
-// The names stand in one line; a single one may also stand further up, as in "pH;7.01".
-Columns FindColumns(const std::vector<Row>& rows, const std::string& volume, const std::string& signal) {
-    const auto volumeNumber = ColumnNumber(volume);
-    const auto signalNumber = ColumnNumber(signal);
-    if (volumeNumber && signalNumber) return {*volumeNumber, *signalNumber, 0};
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        const auto volumeIndex = FindIn(rows[i], volume);
-        const auto signalIndex = FindIn(rows[i], signal);
-        if (volumeIndex && signalIndex) return {*volumeIndex, *signalIndex, i + 1};
-    }
-    throw Failure("no line has the columns \"" + volume + "\" and \"" + signal + "\"");
+// The names are in one line; a single one may also be further up, as in "pH;7.01".
+bool FindNames(const Row& row, Columns& columns) {
+    if (!columns.haveNames) return false;
+    const auto volume = FindIn(row, columns.volumeName);
+    const auto signal = FindIn(row, columns.signalName);
+    if (!volume || !signal) return false;
+    columns.volume = *volume;
+    columns.signal = *signal;
+    return true;
 }
 
-std::optional<double> NumberIn(const Row& row, std::size_t column) {
-    return column < row.size() ? qel::ReadNumber(row[column]) : std::nullopt;
+std::string LineText(std::size_t number, const Row& row) {
+    return "line " + std::to_string(number) + " has " + Shown(row);
 }
 
-// The table that begins at or below row @p at, which moves behind it; no points when there is none.
-Curve NextTable(const std::vector<Row>& rows, std::size_t& at, std::size_t volumeColumn, std::size_t signalColumn) {
-    Curve curve;
-    std::size_t missing = 0;
-    for (; at < rows.size(); ++at) {
-        const auto volume = NumberIn(rows[at], volumeColumn);
-        const auto signal = NumberIn(rows[at], signalColumn);
-        if (volume && signal) {
-            curve.volume.push_back(*volume);
-            curve.signal.push_back(*signal);
-            if (curve.firstLine == 0) curve.firstLine = at + 1;
-            curve.lastLine = at + 1;
-            curve.linesWithoutPoint = missing;
-        } else if (volume || signal) {
-            if (curve.firstLine != 0) ++missing;
-        } else if (curve.firstLine != 0) {
-            break;
+// Of several, the line that has the most fields is likely the one with the names.
+std::string WidestLine(const std::vector<Row>& rows) {
+    const auto widest = std::ranges::max_element(rows, {}, &Row::size);
+    return LineText(static_cast<std::size_t>(widest - rows.begin()) + 1, *widest);
+}
+
+constexpr const char* kTried = " (semicolons, tabs, commas, bars and blanks were tried)";
+
+[[noreturn]] void RefuseNames(std::string_view text, const Rows& split, const Columns& columns) {
+    std::string message = "no line has the columns " + columns.Text() + ": " + SeparatedBy(split.separator) + kTried;
+    message += split.rows.empty() ? ", the file is empty" : ", " + WidestLine(split.rows);
+    if (!IsUtf8(text)) message += "; the file is not in UTF-8 as the settings are, save it as UTF-8";
+    throw Failure(message + "; name two fields of one line in [curve] of the settings, or give their numbers");
+}
+
+[[noreturn]] void RefuseNumbers(const Rows& split, const Columns& columns, std::size_t firstRow) {
+    std::string message = "no numbers in the columns " + columns.Text() + ": " + SeparatedBy(split.separator) + kTried;
+    const auto from = split.rows.begin() + static_cast<std::ptrdiff_t>(firstRow);
+    const auto row = std::find_if(from, split.rows.end(), [](const Row& line) { return !IsBlankOrComment(line); });
+    const std::size_t line = static_cast<std::size_t>(row - split.rows.begin()) + 1;
+    message += row == split.rows.end() ? ", no line follows" : ", " + LineText(line, *row);
+    throw Failure(message + "; expected a number in field " + std::to_string(columns.volume + 1) +
+                  " and one in field " + std::to_string(columns.signal + 1) +
+                  ", set other columns in [curve] of the settings");
+}
+
+enum class Kind { kPoint, kMissing, kNote };
+
+struct Line {
+    Kind kind = Kind::kNote;
+    double volume = 0, signal = 0;
+    bool isUnreadable = false;  // a reading is there, but not one that can be read
+};
+
+bool HasDigit(const Row& row, std::size_t column) {
+    return column < row.size() && row[column].find_first_of(kDigits) != std::string::npos;
+}
+
+Line Read(const Row& row, const Columns& columns) {
+    if (IsBlankOrComment(row)) return {};
+    const auto in = [&](std::size_t column) { return column < row.size() ? ReadReading(row[column]) : std::nullopt; };
+    const auto volume = in(columns.volume), signal = in(columns.signal);
+    if (volume && signal) return {Kind::kPoint, *volume, *signal, false};
+    // "Temperature;25" after a table is a note, "16.40;7.2*" a reading.
+    const bool isUnreadable = HasDigit(row, columns.volume) && HasDigit(row, columns.signal);
+    return {volume || signal ? Kind::kMissing : Kind::kNote, 0, 0, isUnreadable};
+}
+
+// Collects the rows of tables, one row after the other.
+class Tables {
+public:
+    explicit Tables(Columns columns) : m_columns(std::move(columns)) {}
+
+    void Take(const Row& row, std::size_t number) {
+        if (FindNames(row, m_columns)) {
+            m_isNew = true;
+            return;
+        }
+        const Line line = Read(row, m_columns);
+        if (line.kind == Kind::kPoint) {
+            AddPoint(line, number);
+            m_isAfterNote = false;
+        } else if (!m_isNew) {
+            if (line.kind == Kind::kMissing) ++m_missing;
+            if (line.kind == Kind::kNote) m_isAfterNote = true;
+            Table& table = m_tables.back();
+            if (line.isUnreadable && table.unreadable++ == 0) table.firstUnreadable = number;
         }
     }
-    return curve;
+
+    std::vector<Table>& Found() { return m_tables; }
+
+private:
+    void AddPoint(const Line& line, std::size_t number) {
+        if (m_isNew || (m_isAfterNote && StartsAgain(line.volume))) {
+            m_tables.emplace_back();
+            m_tables.back().curve.firstLine = number;
+            m_missing = 0;
+            m_isNew = false;
+        }
+        Table& table = m_tables.back();
+        table.curve.volume.push_back(line.volume);
+        table.curve.signal.push_back(line.signal);
+        table.curve.lastLine = number;
+        table.curve.linesWithoutPoint = m_missing;
+        table.unreadable = 0;
+    }
+
+    // The volumes rose up to here, or fell, and no longer do.
+    bool StartsAgain(double volume) const {
+        const std::vector<double>& before = m_tables.back().curve.volume;
+        const bool isFalling = before.back() < before.front();
+        return isFalling ? volume > before.back() : volume < before.back();
+    }
+
+    Columns m_columns;
+    std::vector<Table> m_tables;
+    std::size_t m_missing = 0;
+    bool m_isNew = true, m_isAfterNote = false;
+};
+
+std::string Listed(const std::vector<Table>& tables) {
+    std::string text;
+    for (std::size_t i = 0; i < std::min(tables.size(), kMostTablesListed); ++i) {
+        const Curve& curve = tables[i].curve;
+        text += (i > 0 ? ", " : "") + std::to_string(i + 1) + " in lines " + std::to_string(curve.firstLine) + " to " +
+                std::to_string(curve.lastLine) + " with " +
+                Counted(static_cast<long long>(curve.volume.size()), "point");
+    }
+    return tables.size() > kMostTablesListed ? text + " ..." : text;
+}
+
+// With numbers for columns, pairs of numbers above the table look like one.
+void DropRowsBeforeTable(std::vector<Table>& tables) {
+    const auto isLong = [](const Table& table) { return table.curve.volume.size() >= kFewestRows; };
+    const auto first = std::ranges::find_if(tables, isLong);
+    if (first != tables.end()) tables.erase(tables.begin(), first);
+}
+
+Curve Chosen(std::vector<Table>& tables, const Columns& columns, int number, const std::vector<Row>& rows) {
+    const auto count = static_cast<int>(tables.size());
+    if (number > count) {
+        throw Failure("there is no table " + std::to_string(number) + " with the columns " + columns.Text() + ": " +
+                      Listed(tables));
+    }
+    if (number == 0 && count > 1) {
+        throw Failure("there are " + std::to_string(count) + " tables with numbers in the columns " + columns.Text() +
+                      ": " + Listed(tables) + "; choose one with --table");
+    }
+    Table& table = tables[number == 0 ? 0 : static_cast<std::size_t>(number) - 1];
+    if (number == 0 && table.unreadable > 0) {
+        const std::size_t line = table.firstUnreadable;
+        throw Failure("after the last point in line " + std::to_string(table.curve.lastLine) + ", " +
+                      Counted(static_cast<long long>(table.unreadable), "line") + " cannot be read: " +
+                      LineText(line, rows[line - 1]) + "; mend them, or take the table without them with --table 1");
+    }
+    table.curve.table = number;
+    return std::move(table.curve);
 }
 
 }  // namespace
 
-Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn) {
-    const std::vector<Row> rows = SplitAsWritten(text);
-    const Columns columns = FindColumns(rows, volumeColumn, signalColumn);
+Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn, int table) {
+    const Rows split = SplitAsWritten(text);
+    const auto volume = ColumnNumber(volumeColumn), signal = ColumnNumber(signalColumn);
+    Columns columns{volumeColumn, signalColumn, volume.value_or(0), signal.value_or(0), !volume || !signal};
+    std::size_t firstRow = 0;
+    if (columns.haveNames) {
+        while (firstRow < split.rows.size() && !FindNames(split.rows[firstRow], columns)) ++firstRow;
+        if (firstRow == split.rows.size()) RefuseNames(text, split, columns);
+        ++firstRow;
+    }
     if (columns.volume == columns.signal) throw Failure("volume and signal are the same column");
 
-    Curve longest;
-    for (std::size_t at = columns.firstRow; at < rows.size();) {
-        Curve curve = NextTable(rows, at, columns.volume, columns.signal);
-        if (curve.volume.size() > longest.volume.size()) longest = std::move(curve);
-        if (columns.firstRow > 0) break;
-    }
-    if (longest.volume.empty()) {
-        throw Failure("no numbers in the columns \"" + volumeColumn + "\" and \"" + signalColumn + "\"");
-    }
-    return longest;
+    Tables tables(columns);
+    for (std::size_t i = firstRow; i < split.rows.size(); ++i) tables.Take(split.rows[i], i + 1);
+    if (!columns.haveNames) DropRowsBeforeTable(tables.Found());
+    if (tables.Found().empty()) RefuseNumbers(split, columns, firstRow);
+    return Chosen(tables.Found(), columns, table, split.rows);
 }
 
 }  // namespace titration

@@ -14,19 +14,24 @@ struct Curve {
     std::size_t firstLine = 0;          // of the table in its file, counted from 1
     std::size_t lastLine = 0;           // the last line with a point
     std::size_t linesWithoutPoint = 0;  // between those two: a reading is missing there
+    int table = 0;                      // the number that was chosen, 0: the only one
 };
 
-/// Reads two columns of a table as instruments write them.
+/// Reads two columns of a table as instruments write them. A curve that is read in part gives a wrong end point without
+/// a sign of it, so whatever could be more of the curve is read or refused.
 ///
-/// Fields are separated by semicolons, tabs or commas, whichever gives the most lines with two numbers. The decimal
-/// sign is a point, or a comma where that does not separate. Fields may stand in quotation marks. Any lines may stand
-/// above the table and below it. The table ends at a line that has a number in neither column; where a line has one of
-/// the two, a reading is missing and the line is skipped.
+/// Fields are separated as SplitAsWritten finds out, and read as ReadReading does. Any lines may come before the table
+/// and after it. Blank lines, comments and other lines without a number in the two columns do not end it. Another table
+/// begins where the line with the columns' names comes again, and after a line without numbers also where the volumes
+/// start again. Where a line has one of the two numbers, a reading is missing and the line is skipped.
 ///
 /// @param volumeColumn, signalColumn a column's name, letter case ignored, or its number counted from 1. With a name,
-///     the table is the first one below the first line that has it (with two names: both); with numbers alone it is
-///     the longest one.
-/// @throws Failure when there is no such column or no number in it
-Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn);
+///     the table is the first one after the first line that has it (with two names: both). With numbers alone, rows
+///     before the table that are too few for a curve are no table.
+/// @param table which table to read, counted from 1; 0: the only one
+/// @throws Failure when there is no such column or no number in it, when there are several tables and none is chosen,
+///     and when no table is chosen and readings at its end are there but cannot be read. It names the lines and what
+///     was found there.
+Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn, int table = 0);
 
 }  // namespace titration

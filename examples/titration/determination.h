@@ -21,8 +21,9 @@ struct Determination {
 
 /// The result of a measured curve, given as the text of its file, by a method. The names of both are for messages and
 /// the report.
+/// @param table which table of the file it is, 0: the only one
 /// @throws Failure when one of them cannot give a result
 Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName,
-                      const std::string& data);
+                      const std::string& data, int table = 0);
 
 }  // namespace titration

@@ -33,14 +33,17 @@ Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& m
     if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
     const std::string name = isKept ? "method.xml" : options.settings;
     Log(stage::kMethod + name);
+    if (!isKept) RequireOrdinaryFile(name);
     const Method method = isKept ? file.Kept() : About(name, [&] { return ReadMethodIni(name); });
     const CQDiffList changes = Differences(file.Kept(), method);
     if (changes.GetCount() > 0 && !session.May(kChangeMethod))
         throw Failure(session.Operator() + " may not change the method");
 
     Log(stage::kCurve + options.data);
+    if (options.table > 0) Log(stage::kTable + std::to_string(options.table));
+    RequireOrdinaryFile(options.data);
     const std::string measured = ReadTextFile(options.data);
-    const Determination result = Titrate(name, method, options.data, measured);
+    const Determination result = Titrate(name, method, options.data, measured, options.table);
     Log(stage::kResult + Shown(result.result));
     if (changes.GetCount() == 0) return {result, measured, "Method     method.xml, as it was\n"};
     const std::string count = std::to_string(changes.GetCount());

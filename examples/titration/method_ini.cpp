@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "failure.h"
+#include "printable.h"
 
 namespace titration {
 namespace {
@@ -35,6 +36,16 @@ void RequireKnownKeys(const CPrivateProfile& ini, const char* section) {
     }
 }
 
+// A name or value in another encoding loses bytes in the XML document that keeps the method, so that the result could
+// not be computed again from there.
+const std::string& RequireUtf8(const std::string& text, const std::string& section, const std::string& key) {
+    if (IsUtf8(text) && IsUtf8(key)) return text;
+    throw Failure(
+        "[" + section + "] " + key + " = " + text +
+        ": is not in UTF-8; save the settings as UTF-8, for example with iconv -f LATIN1 -t UTF-8 (-f CP932 for "
+        "Japanese)");
+}
+
 }  // namespace
 
 Method ReadMethodIni(const std::string& path) {
@@ -45,10 +56,11 @@ Method ReadMethodIni(const std::string& path) {
     Method method;
     for (const auto& [section, key] : kKeys) {
         const CString text = ini.Get(section, key, "");
-        if (!text.IsEmpty()) method.push_back({section, key, std::string(text)});
+        if (!text.IsEmpty()) method.push_back({section, key, RequireUtf8(std::string(text), section, key)});
     }
     for (const CString& key : KeysOf(ini, kVariables)) {
-        method.push_back({kVariables, std::string(key), std::string(ini.Get(kVariables, key, ""))});
+        const std::string name(key), text(ini.Get(kVariables, key, ""));
+        method.push_back({kVariables, name, RequireUtf8(text, kVariables, name)});
     }
     return method;
 }

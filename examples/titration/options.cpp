@@ -9,11 +9,12 @@ namespace titration {
 namespace {
 
 constexpr const char* kUsage =
-    "usage: titration {--data FILE [--settings FILE] [--comment TEXT] [--printer NAME] | --take-out VERSION | "
+    "usage: titration {--data FILE [--settings FILE] [--table NUMBER] [--comment TEXT] [--printer NAME] | --take-out "
+    "VERSION | "
     "--print COUNT | --list | --verify} --out FOLDER [--user NAME] [--password TEXT]";
 
 struct NumberTexts {
-    std::string takeOut, print;
+    std::string table, takeOut, print;
 };
 
 std::string* Place(Options& options, NumberTexts& numbers, const std::string& name) {
@@ -24,6 +25,7 @@ std::string* Place(Options& options, NumberTexts& numbers, const std::string& na
            : name == "--printer"  ? &options.printer
            : name == "--user"     ? &options.user
            : name == "--password" ? &options.password
+           : name == "--table"    ? &numbers.table
            : name == "--take-out" ? &numbers.takeOut
            : name == "--print"    ? &numbers.print
                                   : nullptr;
@@ -57,10 +59,12 @@ Options ParseOptions(int argc, char** argv) {
         if (place == nullptr || ++i == argc) throw Failure(kUsage);
         *place = argv[i];
     }
+    options.table = CountOf(numbers.table, "table");
     options.takeOut = CountOf(numbers.takeOut, "version");
     options.print = CountOf(numbers.print, "number of reports");
     const bool isResult = !options.data.empty();
-    const bool hasMore = !options.settings.empty() || !options.comment.empty() || given.contains("--printer");
+    const bool hasMore =
+        !options.settings.empty() || !options.comment.empty() || options.table > 0 || given.contains("--printer");
     const int actions = isResult + (options.takeOut != 0) + (options.print != 0) + options.list + options.verify;
     if (options.out.empty() || actions != 1 || (hasMore && !isResult)) throw Failure(kUsage);
     return options;

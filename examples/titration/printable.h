@@ -9,4 +9,7 @@ namespace titration {
 /// is read from a damaged file, enciphered or not, could otherwise command the terminal.
 std::string Printable(std::string_view text);
 
+/// Whether all of @p text is UTF-8.
+bool IsUtf8(std::string_view text);
+
 }  // namespace titration

@@ -44,9 +44,10 @@ std::string LimitText(const Settings& settings, double value) {
 
 std::string ReadingText(const Determination& determination) {
     const auto& [settingsFile, settings, dataFile, curve, endPoint, result] = determination;
+    const std::string table = curve.table > 0 ? ", table " + std::to_string(curve.table) : "";
     std::string text = "Settings   " + settingsFile + ", " +
                        Counted(static_cast<long long>(settings.variables.size()), "variable") + "\n";
-    text += "Curve      " + dataFile + ", lines " + std::to_string(curve.firstLine) + " to " +
+    text += "Curve      " + dataFile + table + ", lines " + std::to_string(curve.firstLine) + " to " +
             std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
     if (curve.linesWithoutPoint > 0) {
         text += kIndent + std::to_string(curve.linesWithoutPoint) + " lines lack a reading\n";

@@ -25,6 +25,7 @@ private:
 namespace stage {
 inline constexpr const char* kMethod = "method ";
 inline constexpr const char* kCurve = "curve ";
+inline constexpr const char* kTable = "table ";  // of the curve's file, where one was chosen
 inline constexpr const char* kResult = "result ";
 inline constexpr const char* kRegistered = "registered variables.qel as version ";
 inline constexpr const char* kTookOut = "took out ";  // a file of the output folder

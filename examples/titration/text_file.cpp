@@ -1,6 +1,7 @@
 #include "text_file.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include <qellib10/qellib10.h>
 
@@ -21,6 +22,15 @@ std::string ReadWhole(const std::string& path) {
 }
 
 }  // namespace
+
+void RequireOrdinaryFile(const std::string& path) {
+    if (!IsUtf8(path)) throw Failure(path + ": the file's name is not in UTF-8, as names are here; rename the file");
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) throw Failure(path + ": there is no such file");
+    if (std::filesystem::is_directory(status)) throw Failure(path + ": is a folder, name a file in it");
+    if (!std::filesystem::is_regular_file(status)) throw Failure(path + ": is a pipe or device, not an ordinary file");
+}
 
 std::string ReadBytes(const std::string& path) {
     return OnFile(path, [&] { return ReadWhole(path); });

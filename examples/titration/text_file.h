@@ -6,6 +6,10 @@
 
 namespace titration {
 
+/// Why a file of measured values or settings cannot be one, in words that say more than the system's error.
+/// @throws Failure for a name that is not in UTF-8, for what is not there, and for a folder, pipe or device
+void RequireOrdinaryFile(const std::string& path);
+
 /// The whole of a text file, without a byte order mark.
 /// @throws Failure when it cannot be read, is larger than 64 MiB, or holds zero bytes (UTF-16 text, or no text)
 std::string ReadTextFile(const std::string& path);

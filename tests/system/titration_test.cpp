@@ -388,14 +388,26 @@ TEST_F(Titration, ReadsWhatInstrumentsWrite) {
                   "[curve]\nvolume = 2\nsignal = 3\n"},
              Case{"order mark, CR LF, blank lines", "\xEF\xBB\xBF" + Replaced(rising, "\n", "\r\n") + "\r\n\r\n"},
              Case{"a short table above", "1,2\n3,4\n\n" + rising},
-             Case{"lines above and below", "U;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\n1;2;3\n",
-                  0.02, "[curve]\nvolume = v\nsignal = U\n"},
+             Case{"lines above and below",
+                  "U;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\nmean;-;-\n", 0.02,
+                  "[curve]\nvolume = v\nsignal = U\n"},
          }) {
         SCOPED_TRACE(c.name);
         const Outcome run = Run(c.data, Settings("EP*F", c.columns));
         EXPECT_EQ(run.status, 0) << run.err;
         EXPECT_NEAR(ResultIn(run.out), 10.2, c.tolerance) << run.out;
     }
+}
+
+TEST_F(Titration, VerifiesTheTableThatWasChosen) {
+    const std::string table = "V;U\n" + Table(Curve(100), ";"), arguments = "--data two.csv --settings s.ini --out two";
+    m_folder.Write("two.csv", table + "V;U\n" + Table(Curve(-100, 2), ";"));
+    m_folder.Write("s.ini", Settings("EP", "[curve]\nvolume = V\nsignal = U\n"));
+    EXPECT_NE(Run(arguments).err.find("; choose one with --table\n"), std::string::npos);
+    EXPECT_NE(Run(arguments + " --table 2").out.find("Curve      two.csv, table 2, lines "), std::string::npos);
+    EXPECT_NE(Run("--verify --out two").out.find("checks, all right\n"), std::string::npos);
+    m_folder.Write("two/titration.log", Replaced(m_folder.Read("two/titration.log"), "],table 2", "],table 1"));
+    EXPECT_NE(Run("--verify --out two").out.find("FAILED: version 1 in results.hcf: "), std::string::npos);
 }
 
 TEST_F(Titration, RefusesWrongInputInOneLine) {
@@ -424,6 +436,8 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         {good, Settings("EP", "color = red\n"), "settings.ini: \"color\" has no meaning in [result]"},
         {good, Settings("EP", "\x1B[31m\xC2\x9B\xFF\u00B5 = red\n"),
          "settings.ini: \"?[31m???\u00B5\" has no meaning in"},
+        {good, Settings("\xC4", "[variables]\n\xC4 = 1\n"),
+         "settings.ini: [result] formula = ?: is not in UTF-8; save the settings as UTF-8"},
         {good, Settings("EP", "color\n"), "settings.ini: \"color\" is not name = value"},
         {good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: \"one\" is no number"},
         {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: \"99\" is no whole number"},
@@ -439,10 +453,22 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
         EXPECT_TRUE(ReadText(Path("results/first/titration.log")).ends_with(Replaced(run.err, "\n", "\r\n")));
     }
-    for (const std::string& arguments : {std::string(), std::string("--data"), std::string("--data a --settings b"),
-                                         "--data " + Path("none") + " --settings " + Path("none") + " --out x"}) {
+    const std::string withSettings = " --settings settings.ini --out x";
+    for (const auto& [arguments, message] : Cases<std::string, const char*>{
+             {"", "usage: "},
+             {"--data", "usage: "},
+             {"--data a --settings b", "usage: "},
+             {"--data data.csv --table 0" + withSettings, "\"0\" is no table: they count from 1"},
+             {"--list --table 1 --out x", "usage: "},
+             {"--data none --settings none --out x", "none: there is no such file"},
+             {"--data none" + withSettings, "none: there is no such file"},
+             {"--data ." + withSettings, ".: is a folder, name a file in it"},
+             {"--data /dev/zero" + withSettings, "/dev/zero: is a pipe or device, not an ordinary file"},
+             {"--data L\xE4" + withSettings,
+              "L?: the file's name is not in UTF-8, as names are here; rename the file"}}) {
         const Outcome run = Run(arguments);
         EXPECT_EQ(run.status, 1) << arguments;
+        EXPECT_EQ(run.err.substr(0, std::string(message).size()), message);
         EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
     }
 }

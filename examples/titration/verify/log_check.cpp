@@ -31,6 +31,7 @@ public:
         for (std::size_t stage = 0; stage < std::size(kStages); ++stage) {
             if (message.starts_with(kStages[stage])) Reach(stage, message.substr(kStages[stage].size()));
         }
+        if (message.starts_with(stage::kTable)) TakeTable(message.substr(std::strlen(stage::kTable)));
         if (message.starts_with(stage::kTookOut))
             m_facts.takenOut.emplace(message.substr(std::strlen(stage::kTookOut)));
         if (message.starts_with(stage::kPreviewed)) {
@@ -46,9 +47,17 @@ public:
     }
 
 private:
+    // Right after the curve that it is in.
+    void TakeTable(std::string_view number) {
+        const int table = ParseWholeNumber(number).value_or(0);
+        Require(m_next == 2 && table > 0, "without a curve before it");
+        m_table = table;
+    }
+
     void Reach(std::size_t stage, std::string_view text) {
         Require(stage == 0 || stage == m_next, "without what comes before it");
         m_next = stage + 1;
+        if (stage == 0) m_table = 0;
         if (stage < std::size(m_texts)) {
             m_texts[stage] = text;
             return;
@@ -57,7 +66,7 @@ private:
         const auto version = ParseWholeNumber(text);
         Require(version && static_cast<std::size_t>(*version) == before + 1,
                 "behind version " + std::to_string(before));
-        m_facts.runs.push_back({m_texts[0], m_texts[1], m_texts[2]});
+        m_facts.runs.push_back({m_texts[0], m_texts[1], m_texts[2], m_table});
     }
 
     // "previewed 3 reports", "printed 3 reports on printer PDF into Titration reports.pdf"
@@ -72,6 +81,7 @@ private:
     LogFacts& m_facts;
     std::string m_texts[std::size(kStages) - 1];  // of the stages before the last one
     std::size_t m_next = 0;
+    int m_table = 0;
 };
 
 }  // namespace

@@ -15,6 +15,7 @@ namespace titration {
 struct LoggedRun {
     std::string method, curve;  // names of the files that it was computed from
     std::string result;
+    int table = 0;  // of the curve's file, 0: the only one
 };
 
 /// The latest reports that there were at a time.

@@ -53,8 +53,8 @@ Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHis
     Require(version <= log.runs.size(), "titration.log does not tell what it was computed from");
     const LoggedRun& run = log.runs[version - 1];
     const Method method = MethodFile::Read(made.Path(MethodName(version)));
-    Determination again =
-        Titrate(MethodName(version), method, CurveName(version), ReadTextFile(made.Path(CurveName(version))));
+    Determination again = Titrate(MethodName(version), method, CurveName(version),
+                                  ReadTextFile(made.Path(CurveName(version))), run.table);
     again.settingsFile = run.method;
     again.dataFile = run.curve;
     Require((again.result.variables != kept) == 0,

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace titration {
+
+/// The fields of a line, without blanks around them.
+using Row = std::vector<std::string>;
+
+/// The lines of a text, each split into its fields.
+struct Rows {
+    std::vector<Row> rows;
+    char separator = ';';
+};
+
+/// Splits @p text at semicolons, tabs, commas, bars or runs of blanks, whichever gives the most lines with two numbers;
+/// of several the first. Fields may be in quotation marks.
+Rows SplitAsWritten(std::string_view text);
+
+/// "separated by semicolons"
+std::string SeparatedBy(char separator);
+
+/// A line without fields, or one that says itself that it is a comment: it begins with #, !, %, // or, where
+/// that does not separate, with a semicolon
+bool IsBlankOrComment(const Row& row);
+
+/// The fields as they were split, each in quotation marks: the first few of a long line.
+std::string Shown(const Row& row);
+
+}  // namespace titration

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace titration {
+
+/// A measured value as instruments, their programs and spreadsheets write it: a number as qel::ReadNumber reads it,
+/// and beyond that
+///
+///     −12.5          with the minus sign U+2212
+///     3.14 mL        with a unit after it: up to 8 bytes without a digit
+///     1,234.5        with thousands set apart by the other sign, by an apostrophe or by blanks, no-break ones too;
+///     1 234,5        a single sign alone is the decimal sign: "1,234" is 1.234
+///
+/// @return nothing when the text is anything else, so that no other value is read in its place
+std::optional<double> ReadReading(std::string_view text);
+
+}  // namespace titration

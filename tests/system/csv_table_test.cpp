@@ -1,0 +1,98 @@
+#include "../../examples/titration/csv_table.h"
+
+#include <cmath>
+#include <sstream>
+#include <string>
+
+#include "../../examples/titration/failure.h"
+#include "../../examples/titration/reading.h"
+#include "../support/test.h"
+
+namespace {
+
+// "1-3/2: 0 0.5": lines, how many of them have no point, and the volumes; or why there is no curve.
+std::string Read(const std::string& text, const std::string& volume = "1", const std::string& signal = "2",
+                 int table = 0) {
+    try {
+        const titration::Curve curve = titration::ReadCurve(text, volume, signal, table);
+        std::ostringstream shown;
+        shown << curve.firstLine << '-' << curve.lastLine << '/' << curve.linesWithoutPoint << ':';
+        for (const double value : curve.volume) shown << ' ' << value;
+        return shown.str();
+    } catch (const titration::Failure& failure) {
+        return failure.what();
+    }
+}
+
+const std::string kFive = "1,7\n2,7\n3,8\n4,9\n5,9\n";
+
+}  // namespace
+
+TEST(Reading, IsReadAsItIsWritten) {
+    for (const auto& [text, expected] : Cases<const char*, double>{{"\u221212.5", -12.5},
+                                                                   {"3.14 mL", 3.14},
+                                                                   {"3,14mL", 3.14},
+                                                                   {"1.5e-3 mol/L", 0.0015},
+                                                                   {"25\u00A0\u00B0C", 25},
+                                                                   {"1,234", 1.234},
+                                                                   {"1,234.5", 1234.5},
+                                                                   {"1.234,5", 1234.5},
+                                                                   {"-1,234,567", -1234567},
+                                                                   {"1\u00A0234,5", 1234.5},
+                                                                   {"12\u202F345.75 mV", 12345.75},
+                                                                   {"1'234.5", 1234.5}}) {
+        EXPECT_EQ(titration::ReadReading(text), expected) << text;
+    }
+    for (const char* const text : {"", "-", "---.-", "mL", "1 2", "1,23,4", "12,34.5", "1234,567.8", "1.2.3", "7.1*",
+                                   "2.00 mL in 50 mL", "12:30", "2026-01-02", "nan", "inf", "1e999", "5 of these days"})
+        EXPECT_FALSE(titration::ReadReading(text)) << text;
+}
+
+TEST(CurveTable, IsReadToItsEnd) {
+    for (const auto& [text, expected] :
+         Cases<std::string, const char*>{{"1,7\n\n2,7\n# refilled\n3,8\n", "1-5/0: 1 2 3"},
+                                         {"1,7\nburette refilled\n2,7\n", "1-3/0: 1 2"},
+                                         {"1,7\n#2,7\n3,8\n", "1-3/0: 1 3"},
+                                         {"3,7\n1,7\n2,8\n", "1-3/0: 3 1 2"},
+                                         {"1,7\n2,---\n3,8\n", "1-3/1: 1 3"},
+                                         {"1,7\n2,8\nTemperature,25\n", "1-2/0: 1 2"},
+                                         {"1,7\n2,8\n3,---\n", "1-2/0: 1 2"},
+                                         {"1,\u22127\n2,\u22128\n", "1-2/0: 1 2"},
+                                         {"8,9\n\n" + kFive, "3-7/0: 1 2 3 4 5"},
+                                         {"1 7\n2   8\n", "1-2/0: 1 2"},
+                                         {"1,5 7,5\n2,5 8,5\n", "1-2/0: 1.5 2.5"},
+                                         {"| mL | pH |\n|----|----|\n| 1.5 | 7 |\n| 2 | 8 |\n", "3-4/0: 1.5 2"},
+                                         {"1.5 mL;7\n2.5 mL;8\n", "1-2/0: 1.5 2.5"}}) {
+        EXPECT_EQ(Read(text), expected) << text;
+    }
+}
+
+// What could be more of the curve is not left out in silence.
+TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
+    const std::string two = "V,U\n" + kFive + "V,U\n6,9\n7,9\n", turned = "V,U\n1,7\n2,8\nU,V\n7,3\n";
+    const std::string spoilt = kFive + "6,9.1*\n7,9.2*\n";
+    for (const auto& [text, table, expected] : Cases<std::string, int, const char*>{
+             {two, 0,
+              "there are 2 tables with numbers in the columns \"v\" and \"u\": 1 in lines 2 to 6 with 5 points, 2 "
+              "in lines 8 to 9 with 2 points; choose one with --table"},
+             {two, 2, "8-9/0: 6 7"},
+             {two, 3, "there is no table 3 with"},
+             {turned, 2, "5-5/0: 3"},
+             {"V,U\n" + kFive + "\n" + kFive, 0, "there are 2 tables"},
+             {"V,U\n" + spoilt, 0, "after the last point in line 6, 2 lines cannot be read: line 7 has \"6\" \"9.1*\""},
+             {"V,U\n" + spoilt, 1, "2-6/0: 1 2 3 4 5"}}) {
+        EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
+    }
+}
+
+TEST(CurveTable, SaysWhatWasFoundInstead) {
+    for (const auto& [text, signal, expected] : Cases<std::string, const char*, const char*>{
+             {"t;V;pH\n" + kFive, "mV",
+              "separated by commas (semicolons, tabs, commas, bars and blanks were tried), line 2 has \"1\" \"7\""},
+             {"t,V,pH\n0,1,x\n", "pH", "line 2 has \"0\" \"1\" \"x\"; expected a number in field 1 and one in field 3"},
+             {"Me\xDFwerte,\xB5\n1,2\n", "\u00B5", "the file is not in UTF-8 as the settings are"},
+             {"1,a\n", "2", "line 1 has \"1,a\"; expected a number in field 1 and one in field 2"},
+             {"", "2", "no line follows"}}) {
+        EXPECT_NE(Read(text, "1", signal).find(expected), std::string::npos) << Read(text, "1", signal);
+    }
+}
