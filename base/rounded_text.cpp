@@ -1,5 +1,6 @@
 #include "qellib10/base/rounded_text.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -67,16 +68,48 @@ int WriteFixedPoint(bool negative, Parts number, int decimals, char* at) {
     return static_cast<int>(begin - at) + wholeDigits + 1 + decimals;
 }
 
-// A text of 15 bytes needs no block of its own, and copying a fixed number of bytes no loop.
-CString Text(const std::array<char, kQuickTextRoom>& buffer, int length) {
-    constexpr int kInPlace = 15;
-    CString text(std::string_view(buffer.data(), kInPlace));
-    if (length <= kInPlace) {
-        text.ReleaseBuffer(length);
-    } else {
-        text = CString(buffer.data(), length);
-    }
+// A short text, put together in registers: the first eight characters, the first of them in the lowest byte, and the
+// others. In memory it is one piece, since reading a piece across two that were just written would take as long as all
+// else.
+struct ShortText {
+    using Words = std::uint64_t __attribute__((vector_size(16)));
+    Words words;
+    int length;  // below kInPlace
+};
+
+std::uint64_t InMemory(std::uint64_t word) { return std::bit_cast<std::uint64_t>(ToLittleEndian(word)); }
+
+constexpr int kMostShortDigits = kMostDigits - 1;  // a sign is the eighth character
+
+// The text of a number of up to kMostShortDigits digits, a zero before the point included. @p decimals is 1 to 6.
+ShortText ShortFixedPoint(bool negative, std::uint32_t units, int decimals) {
+    const int characters = std::max(CountDigits(units), decimals + 1) + (negative ? 1 : 0);
+    // Before the first digit is a zero, which becomes the sign.
+    constexpr std::uint64_t kZeroToSign = '0' ^ '-';
+    const std::uint64_t text = EightDigits(units) >> 8 * (kMostDigits - characters) ^ (negative ? kZeroToSign : 0);
+    // The point goes between the digits, and those after it move on by one.
+    const int point = 8 * (characters - decimals);  // in bits, at most 56
+    const std::uint64_t whole = text & ((std::uint64_t{1} << point) - 1);
+    const ShortText::Words words = {InMemory(whole | std::uint64_t{'.'} << point | (text ^ whole) << 8),
+                                    InMemory(text >> 56)};
+    return {words, characters + 1};
+}
+
+constexpr int kInPlace = 15;  // a text of so many bytes needs no block of its own
+
+// Copies kInPlace bytes, whatever @p length is: a fixed number of them needs no loop.
+CString InPlace(const char* bytes, int length) {
+    CString text(std::string_view(bytes, kInPlace));
+    text.ReleaseBuffer(length);
     return text;
+}
+
+// Apart, so that the short way saves no registers for it.
+[[gnu::noinline]] CString LongRoundedText(double x, int digits, int mode) {
+    std::array<char, kQuickTextRoom> buffer{};
+    const int length = WriteQuickRoundedText(x, digits, mode, buffer.data());
+    if (length == 0) return RoundedTextByRule(x, digits, mode);
+    return length <= kInPlace ? InPlace(buffer.data(), length) : CString(buffer.data(), length);
 }
 
 }  // namespace
@@ -94,9 +127,14 @@ CString RoundedTextByRule(double x, int digits, int mode) {
 }
 
 CString RoundedText(double x, int digits, int mode) {
-    std::array<char, kQuickTextRoom> buffer{};
-    const int length = WriteQuickRoundedText(x, digits, mode, buffer.data());
-    return length > 0 ? Text(buffer, length) : RoundedTextByRule(x, digits, mode);
+    if (digits < kMostShortDigits) {
+        const std::uint64_t tenths = RoundedTenths(x, digits, mode);
+        if (tenths < 10 * std::uint64_t{kPowers[kMostShortDigits]}) [[likely]] {
+            const ShortText text = ShortFixedPoint(x < 0, static_cast<std::uint32_t>(tenths) / 10, digits);
+            return InPlace(reinterpret_cast<const char*>(&text.words), text.length);
+        }
+    }
+    return LongRoundedText(x, digits, mode);
 }
 
 }  // namespace qel

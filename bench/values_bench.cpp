@@ -1,6 +1,6 @@
-// Promises: rounding a result costs what nearbyint(x * 100) / 100 does, but for chance, and rounding and printing it
-// far less than std::to_chars of the ready rounded number.
-//   Fround >= 0.95 FroundPeerNearbyint
+// Promises: rounding a result costs no more than nearbyint(x * 100) / 100, and rounding and printing it far less than
+// std::to_chars of the ready rounded number.
+//   Fround >= 1 FroundPeerNearbyint
 //   DoubleToStr >= 3 DoubleToStrPeerToChars
 #include <benchmark/benchmark.h>
 
