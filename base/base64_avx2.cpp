@@ -1,6 +1,6 @@
 #include "qellib10/base/base64_avx2.h"
 
-#if defined(__x86_64__)
+#if defined(__SSE2__)
 
 #include <immintrin.h>
 

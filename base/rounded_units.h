@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#ifdef __x86_64__
+#ifdef __SSE2__
 #include <emmintrin.h>
 #endif
 
@@ -14,7 +14,7 @@ namespace qel {
 
 /// @p value, not below 0, cut to a whole number; 2^63 from there on and for NaN.
 inline std::uint64_t CutToWhole(double value) {
-#ifdef __x86_64__
+#ifdef __SSE2__
     return static_cast<std::uint64_t>(_mm_cvttsd_si64(_mm_set_sd(value)));  // its own answer, without a test
 #else
     constexpr std::uint64_t kLimit = std::uint64_t{1} << 63;

@@ -1,6 +1,6 @@
 #include "qellib10/file/check_sums_vector.h"
 
-#if defined(__x86_64__)
+#if defined(__SSE2__)
 
 #include <immintrin.h>
 
