@@ -70,9 +70,10 @@ void AccessList::LimitGroup() {
 }
 
 int AccessList::GiveTo(int file) const {
+    if (IsEmpty() && ::fgetxattr(file, kName, nullptr, 0) < 0) return IsNone(errno) ? 0 : errno;
     const int given =
         IsEmpty() ? ::fremovexattr(file, kName) : ::fsetxattr(file, kName, m_bytes.data(), m_bytes.size(), 0);
-    return given == 0 || (IsEmpty() && IsNone(errno)) ? 0 : errno;
+    return given == 0 ? 0 : errno;
 }
 
 }  // namespace qel

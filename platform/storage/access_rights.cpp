@@ -1,6 +1,5 @@
 #include "qellib10/platform/storage/access_rights.h"
 
-#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -30,11 +29,10 @@ bool Own(int file, uid_t user, gid_t group, std::string_view name) {
 
 }  // namespace
 
-void GiveAccessRights(int file, const std::string& pattern, std::string_view name) {
+void GiveAccessRights(int file, const struct stat& old, const std::string& pattern, std::string_view name) {
     constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
-    struct stat old = {};
     struct stat own = {};
-    if (::stat(pattern.c_str(), &old) != 0 || ::fstat(file, &own) != 0) ThrowErrno(errno, name);
+    if (::fstat(file, &own) != 0) ThrowErrno(errno, name);
     const bool hasGroup = own.st_gid == old.st_gid;
     const bool keepsOwner = (hasGroup && own.st_uid == old.st_uid) || Own(file, old.st_uid, old.st_gid, name);
     const bool keepsGroup = keepsOwner || hasGroup || Own(file, kAsItIs, old.st_gid, name);

@@ -102,13 +102,14 @@ template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, E
     const std::string old = file ? ContentOf(file, name) : std::string();
     const Edited changed = edit(old);
     if (!changed || *changed == old) return changed.has_value();
-    if (file && !CanReplace(name)) {
+    try {
+        Replacement replacement(name);
+        WriteFully(replacement.File(), std::as_bytes(std::span(*changed)), name);
+        file ? replacement.Commit() : replacement.CommitNew();
+    } catch (const CFileException& failure) {
+        if (!file || failure.m_lOsError != kAccessDenied || CanReplace(name)) throw;
         InPlace(name, old).Set(*changed);
-        return true;
     }
-    Replacement replacement(name);
-    WriteFully(replacement.File(), std::as_bytes(std::span(*changed)), name);
-    file ? replacement.Commit() : replacement.CommitNew();
     return true;
 }
 

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 
 #include "qellib10/platform/storage/access_rights.h"
 #include "qellib10/platform/storage/block_io.h"
@@ -13,6 +12,7 @@
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/rename_new.h"
+#include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/share_lock.h"
 #include "qellib10/platform/storage/unfinished_file.h"
 
@@ -28,31 +28,38 @@ bool IsThere(const std::string& posixPath, std::string_view name, struct stat& s
     return false;
 }
 
+// Whether nobody has changed the file, its rights above all, or put another one in its place.
+bool IsUnchanged(const struct stat& before, const struct stat& now) {
+    return IsSameFile(before, now) && before.st_ctim.tv_sec == now.st_ctim.tv_sec &&
+           before.st_ctim.tv_nsec == now.st_ctim.tv_nsec && before.st_mode == now.st_mode &&
+           before.st_uid == now.st_uid && before.st_gid == now.st_gid;
+}
+
 }  // namespace
 
 Replacement::Replacement(std::string_view path, mode_t newMode)
     : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)), m_pattern(m_target) {
-    struct stat old = {};
-    const bool hasOld = IsThere(m_target, m_name, old);
-    m_made = std::make_unique<UnfinishedFile>(m_target, hasOld ? kOwnersAlone : newMode, m_name);
-    if (hasOld && S_ISREG(old.st_mode)) GiveAccessRights(File().Get(), m_pattern, m_name);
+    Make(newMode);
 }
 
 Replacement::Replacement(std::string_view path, const std::string& posixPattern)
     : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)), m_pattern(posixPattern) {
-    m_made = std::make_unique<UnfinishedFile>(m_target, kOwnersAlone, m_name);
-    GiveAccessRights(File().Get(), m_pattern, m_name);
+    Make(kOwnersAlone);
 }
 
 Replacement::~Replacement() = default;
 
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
-// Once more: they may have been changed since. What was made meanwhile is replaced with its rights.
-void Replacement::GiveRights() {
-    struct stat status = {};
-    if (!IsThere(m_pattern, m_name, status)) return;
-    GiveAccessRights(File().Get(), m_pattern, m_name);
+void Replacement::Make(mode_t newMode) {
+    const bool isThere = IsThere(m_pattern, m_name, m_given);
+    m_made = std::make_unique<UnfinishedFile>(m_target, isThere ? kOwnersAlone : newMode, m_name);
+    if (isThere && S_ISREG(m_given.st_mode)) GiveAccessRights(File().Get(), m_given, m_pattern, m_name);
+}
+
+// What was made meanwhile is replaced with its rights, too.
+void Replacement::GiveRights(const struct stat& pattern) {
+    if (!IsUnchanged(m_given, pattern)) GiveAccessRights(File().Get(), pattern, m_pattern, m_name);
     GiveAttributes(File().Get(), m_pattern, m_name);
 }
 
@@ -62,14 +69,16 @@ void Replacement::Commit() {
     struct stat old = {};
     const bool hasOld = IsThere(m_target, m_name, old);
     if (hasOld && (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0)) ThrowCode(kAccessDenied, m_name);
-    GiveRights();
+    struct stat pattern = old;
+    if (m_pattern == m_target ? hasOld : IsThere(m_pattern, m_name, pattern)) GiveRights(pattern);
     if (::rename(m_made->Path().c_str(), m_target.c_str()) != 0) ThrowErrno(errno, m_name, m_target);
     Done();
 }
 
 void Replacement::CommitNew() {
     FlushData(File(), m_name);
-    if (m_pattern != m_target) GiveRights();
+    struct stat pattern = {};
+    if (m_pattern != m_target && IsThere(m_pattern, m_name, pattern)) GiveRights(pattern);
     if (const int error = RenameNew(m_made->Path(), m_target)) {
         error == EEXIST ? ThrowCode(kFileExists, m_name) : ThrowErrno(error, m_name, m_target);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <memory>
 #include <string>
@@ -48,12 +48,14 @@ public:
     void CommitNew();
 
 private:
-    void GiveRights();
+    void Make(mode_t newMode);
+    void GiveRights(const struct stat& pattern);
     void Done();
 
     std::string m_name;  // as the caller knows it
     std::string m_target;
-    std::string m_pattern;  // whose rights it gets
+    std::string m_pattern;     // whose rights it gets
+    struct stat m_given = {};  // that file as it was when they were given
     std::unique_ptr<UnfinishedFile> m_made;
 };
 

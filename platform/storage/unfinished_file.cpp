@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -21,7 +20,6 @@ constexpr std::int64_t kLockedByte = 0x7FFFFFFFFFF50000;  // past the marks of s
 constexpr std::size_t kLongestName = 255;                 // bytes of a name on disk
 constexpr unsigned kNumbers = 0x10000;
 constexpr unsigned kFirst = 0xE100;  // unlike the numbers that people give
-constexpr unsigned kLookedAt = 8;    // numbers with nothing left between them are looked at all the same
 
 std::string NameBeside(const std::string& target, unsigned number) {
     char suffix[16];
@@ -52,9 +50,9 @@ UnfinishedFile::UnfinishedFile(const std::string& target, mode_t mode, std::stri
         if (number == kNumbers) ThrowCode(kFileExists, name);
         m_path = NameBeside(target, number++);
     } while (!Make(mode, name));
-    for (unsigned other = 0, least = std::max(number, kLookedAt); other < kNumbers; ++other) {
+    for (unsigned other = 0; other < kNumbers; ++other) {
         const std::string path = NameBeside(target, other);
-        if (path != m_path && !RemoveLeftover(path) && other >= least) break;
+        if (path != m_path && !RemoveLeftover(path) && other >= number) break;
     }
 }
 

@@ -188,7 +188,7 @@ TEST_F(Replacement, HappensWholeOrNotAtAll) {
 TEST_F(Replacement, IsNobodyElsesBeforeItIsWritten) {
     SetMode("b", 0600);
     m_folder.Write("b.E100.tmp", "of a killed writer");
-    m_folder.Write("b.E104.tmp", "of another one");
+    m_folder.Write("b.E101.tmp", "of another one");
     m_folder.Write("b.0001.tmp", "somebody's own");
     qel::Replacement first(m_folder.Name("b"));
     qel::Replacement second(m_folder.Name("b"));
