@@ -3,10 +3,11 @@
 #include <optional>
 
 #include "qellib10/platform/wrapped.h"
+#include "qellib10/print/paper_size.h"
 
 namespace {
 
-constexpr int kTenthsAnInch = 254, kPointsAnInch = 72;
+constexpr int kPointsAnInch = 72;
 constexpr int kDownTheColumn = 1, kAlongTheRow = 2;
 
 // A user's margin in device units.
@@ -15,7 +16,7 @@ std::optional<int> MarginInDots(int margin, int unit, int dotsAnInch) {
         case 1:
             return qel::WrappedProduct(margin, kPointsAnInch) / dotsAnInch;
         case 2:
-            return qel::WrappedProduct(margin, dotsAnInch) / kTenthsAnInch;
+            return qel::WrappedProduct(margin, dotsAnInch) / qel::kTenthsPerInch;
         case 3:
             return margin;
         default:
@@ -79,6 +80,9 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
     const CSize grid = m_PageStyle.GetPrintBlock();
     const LONGLONG cells = LONGLONG{grid.cx} * grid.cy;
     if (grid.cx < 1 || grid.cy < 1 || !GetPrintMargin(dc, &m_PageStyle)) return 0;
+    const CSize size = CellSize(dc);
+    // Of a single cell only the corner matters; several would be printed over each other.
+    if ((grid.cx > 1 && size.cx < 1) || (grid.cy > 1 && size.cy < 1)) return 0;
     int current = 1;
     LONGLONG index = 0;
     for (CQelPrintJobBlockData& block : m_listBlock) {
@@ -90,7 +94,7 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
         ++index;
         if (page >= 0 && page != current) continue;
         dc->SaveDC();
-        const CPoint corner = CellPosition(cell);
+        const CPoint corner = CellPosition(cell, size);
         block.SetOffset(corner.x, corner.y);
         block.DrawCommand(dc);
         dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has kept before
@@ -98,16 +102,21 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
     return 1;
 }
 
-CPoint CQelPrintJobDocumentData::CellPosition(int cell) const {
+CSize CQelPrintJobDocumentData::CellSize(CDC* dc) const {
+    const CQelPrintJobPageStyle& style = m_PageStyle;
+    const CSize paper = style.GetPaperSizeOn(dc), grid = style.GetPrintBlock();
+    return {LengthBetween(paper.cx, style.GetLeftMargin(), style.GetRightMargin()) / grid.cx,
+            LengthBetween(paper.cy, style.GetTopMargin(), style.GetBottomMargin()) / grid.cy};
+}
+
+CPoint CQelPrintJobDocumentData::CellPosition(int cell, const CSize& size) const {
     const CQelPrintJobPageStyle& style = m_PageStyle;
     const int across = style.GetPrintBlock().cx, down = style.GetPrintBlock().cy;
-    const int width = LengthBetween(style.GetPaperSize().cx, style.GetLeftMargin(), style.GetRightMargin()) / across;
-    const int height = LengthBetween(style.GetPaperSize().cy, style.GetTopMargin(), style.GetBottomMargin()) / down;
     const bool isDown = style.GetPrintDirection() == kDownTheColumn;
     CPoint corner;
     if (isDown || style.GetPrintDirection() == kAlongTheRow) {
         const int column = isDown ? cell / down : cell % across, row = isDown ? cell % down : cell / across;
-        corner = CPoint(qel::WrappedProduct(column, width), qel::WrappedProduct(row, height));
+        corner = CPoint(qel::WrappedProduct(column, size.cx), qel::WrappedProduct(row, size.cy));
     }
     style.ConvertMillimetreToPixel(corner);
     corner.Offset(style.GetPrnLeftMargin(), style.GetPrnTopMargin());

@@ -56,7 +56,9 @@ public:
     /// Draws the blocks in the cells of their pages, and computes the page style's printer margins for @p dc.
     /// @param page counted from 1; below 0 all of them, with the end and the start of pages between them unless
     ///   @p preview is not 0
-    /// @return 0 for a grid without cells, a unit that is none, and when the printer takes no other page
+    /// @return 0 for a grid without cells, for several cells without a width or height, which would be drawn over each
+    ///   other (the margins leave nothing, or the size of the paper is not known, see
+    ///   CQelPrintJobPageStyle::GetPaperSizeOn), for an invalid unit, and when the printer takes no further page
     int PrintOutMain(CDC* dc, int page, int preview);
 
 protected:
@@ -66,7 +68,8 @@ protected:
     static int GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style);
 
 private:
-    CPoint CellPosition(int cell) const;
+    CSize CellSize(CDC* dc) const;  // tenths of a millimetre
+    CPoint CellPosition(int cell, const CSize& size) const;
 
     CQelPrintJobPageStyle m_PageStyle;
     std::list<CQelPrintJobBlockData> m_listBlock;

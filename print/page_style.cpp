@@ -15,10 +15,7 @@ namespace {
 
 constexpr int kMillimetreUnit = 2;
 
-// Tenths of a millimetre in an inch.
-constexpr int kTenthsAnInch = 254;
-
-void Convert(LONG& value, int dpi) noexcept { value = qel::WrappedProduct(value, dpi) / kTenthsAnInch; }
+void Convert(LONG& value, int dpi) noexcept { value = qel::WrappedProduct(value, dpi) / qel::kTenthsPerInch; }
 
 // The first printer whose name begins with @p device: device modes cut names. Local ones come before connections.
 CString FullPrinterName(const CString& device) {
@@ -133,8 +130,7 @@ int CQelPrintJobPageStyle::SelectPrinter() {
     if (dc == nullptr) return 0;
     m_SelectedPrinterDC.Reset(dc);
     BorrowedDC context(dc);
-    GetDevMode(mode, &context);
-    m_nUnit = kMillimetreUnit;
+    ReadDevMode(*mode, &context);
     return 1;
 }
 
@@ -154,17 +150,21 @@ HDC CQelPrintJobPageStyle::GetPrinterDC() {
     const HDC dc = CreateDC(printer->driver, m_szPrinterDevice, nullptr, &mode);
     if (dc == nullptr) return nullptr;
     BorrowedDC context(dc);
-    GetDevMode(&mode, &context);
-    m_nUnit = kMillimetreUnit;
+    ReadDevMode(mode, &context);
     return dc;
 }
 
 int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
-    DEVMODE* const mode = info != nullptr && info->m_pPD != nullptr ? info->m_pPD->GetDevMode() : nullptr;
+    const DEVMODE* const mode = info != nullptr && info->m_pPD != nullptr ? info->m_pPD->GetDevMode() : nullptr;
     if (mode == nullptr) return 0;
-    GetDevMode(mode, dc);
-    m_nUnit = kMillimetreUnit;
+    ReadDevMode(*mode, dc);
     return 1;
+}
+
+void CQelPrintJobPageStyle::ReadDevMode(DEVMODE mode, CDC* dc) {
+    qel::FillPaperSize(mode, dc);
+    GetDevMode(&mode, dc);
+    m_nUnit = kMillimetreUnit;
 }
 
 void CQelPrintJobPageStyle::GetDevMode(DEVMODE* devMode, CDC* dc) {
@@ -184,6 +184,13 @@ void CQelPrintJobPageStyle::GetDevMode(DEVMODE* devMode, CDC* dc) {
     }
     m_nPaperForm = devMode->dmPaperSize;
     m_nPaperDirection = devMode->dmOrientation;
+}
+
+CSize CQelPrintJobPageStyle::GetPaperSizeOn(CDC* dc) const {
+    if (m_sizePaper.cx > 0 && m_sizePaper.cy > 0) return m_sizePaper;
+    const std::optional<CSize> form = qel::PaperSizeOf(m_nPaperForm);
+    if (!form) return qel::SheetOf(dc).value_or(m_sizePaper);
+    return m_nPaperDirection == DMORIENT_LANDSCAPE ? CSize(form->cy, form->cx) : *form;
 }
 
 bool CQelPrintJobPageStyle::operator==(const CQelPrintJobPageStyle& other) const {

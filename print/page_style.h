@@ -62,6 +62,11 @@ public:
     /// As the page is read: landscape is wider than high.
     const CSize& GetPaperSize() const { return m_sizePaper; }
     void SetPaperSize(const CSize& size) { m_sizePaper = size; }
+    /// The paper size to lay pages out with. Where the style has none, as after loading a job file (it keeps the form
+    /// alone), this is the size of the form, or that of the sheet of @p dc for a form without a size (Letter).
+    /// @param dc a printer's context, may be null
+    /// @return as GetPaperSize when neither is known
+    CSize GetPaperSizeOn(CDC* dc) const;
     /// The printer interface's code, 9 for A4.
     const int& GetPaperForm() const { return m_nPaperForm; }
     void SetPaperForm(const int& form) { m_nPaperForm = form; }
@@ -114,7 +119,8 @@ public:
     int MovePrinterDC(CQelPrintJobPageStyle& other);
 
     /// A new context of this style's device with its form and direction, for the caller to delete; names, resolution
-    /// and paper size become those of the printer.
+    /// and paper size become those of the printer. Forms without a size in layouts (Letter, forms that do not exist)
+    /// get that of the sheet, as it is read in this direction.
     HDC GetPrinterDC();
     /// The printer and paper of the dialog in @p info. @return 0 when that has no settings
     int GetPrinterFromDC(CDC* dc, CPrintInfo* info);
@@ -129,6 +135,8 @@ protected:
     void GetDevMode(DEVMODE* devMode, CDC* dc);
 
 private:
+    void ReadDevMode(DEVMODE mode, CDC* dc);
+
     CString m_szPrinterDriverName;
     CString m_szPrinterDevice;
     CString m_szPrinterPort;

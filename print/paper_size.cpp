@@ -1,6 +1,8 @@
 #include "qellib10/print/paper_size.h"
 
+#include <algorithm>
 #include <iterator>
+#include <limits>
 
 namespace qel {
 namespace {
@@ -54,6 +56,25 @@ constexpr CSize kSizes[] = {
 std::optional<CSize> PaperSizeOf(int form) noexcept {
     if (form < kFirstForm || form - kFirstForm >= static_cast<int>(std::size(kSizes))) return std::nullopt;
     return kSizes[form - kFirstForm];
+}
+
+std::optional<CSize> SheetOf(CDC* dc) {
+    if (dc == nullptr) return std::nullopt;
+    const auto tenths = [&](int length, int dotsPerInch) {
+        return ::MulDiv(dc->GetDeviceCaps(length), kTenthsPerInch, dc->GetDeviceCaps(dotsPerInch));
+    };
+    const CSize sheet(tenths(PHYSICALWIDTH, LOGPIXELSX), tenths(PHYSICALHEIGHT, LOGPIXELSY));
+    if (sheet.cx < 1 || sheet.cy < 1) return std::nullopt;
+    return sheet;
+}
+
+void FillPaperSize(DEVMODE& mode, CDC* dc) {
+    const bool hasSize = mode.dmPaperWidth != 0 && mode.dmPaperLength != 0;
+    const std::optional<CSize> sheet = SheetOf(dc);
+    if (hasSize || PaperSizeOf(mode.dmPaperSize) || !sheet) return;
+    constexpr LONG kLongest = std::numeric_limits<short>::max();
+    mode.dmPaperWidth = static_cast<short>(std::min(sheet->cx, kLongest));
+    mode.dmPaperLength = static_cast<short>(std::min(sheet->cy, kLongest));
 }
 
 }  // namespace qel

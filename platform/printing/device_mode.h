@@ -71,8 +71,8 @@ struct DEVMODE {
 
 namespace qel {
 
-/// Sets the paper by its size as it lies in portrait, in hundredths of a millimetre: as the form's code where page
-/// styles know the form's size (codes 2 to 41), else by width and length too.
+/// Sets the paper by its size as it lies in portrait, in hundredths of a millimetre: by the form's code (1 to 41) where
+/// it has one, else by width and length too. A size beside the code would be laid out in portrait on landscape pages.
 QELLIB10_API void SetPaper(DEVMODE& mode, const SIZE& sheet);
 
 /// The page that the settings ask for, as it is read (landscape is wider than high), in hundredths of a millimetre;

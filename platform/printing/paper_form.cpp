@@ -116,8 +116,7 @@ void SetPaper(DEVMODE& mode, const SIZE& sheet) {
     mode.dmFields |= DM_PAPERSIZE;
     mode.dmPaperSize = static_cast<short>(code.value_or(DMPAPER_USER));
     mode.dmPaperWidth = mode.dmPaperLength = 0;
-    if (code && *code != DMPAPER_LETTER) return;
-    // Page styles have no size of their own for Letter.
+    if (code) return;
     mode.dmFields |= DM_PAPERWIDTH | DM_PAPERLENGTH;
     mode.dmPaperWidth = tenths(sheet.cx);
     mode.dmPaperLength = tenths(sheet.cy);

@@ -86,7 +86,7 @@ TEST_F(Dialogs, SettingsGoInAndComeOut) {
     const Cases<DEVMODE, DEVMODE> cases{
         {Mode(9, 1), Mode(9, 1)},
         {Mode(8, 2, {}, 3), Mode(8, 2)},  // one file of a document is enough
-        {Mode(1, 1, {2159, 2794}), Mode(1, 1, {2159, 2794})},
+        {Mode(1, 2, {2159, 2794}), Mode(1, 2)},
         {Mode(256, 2, {1000, 1500}), Mode(256, 2, {1000, 1500})},
         {Mode(256, 1, {1500, 1000}), Mode(256, 2, {1000, 1500})},  // the same page
         {Mode(4, 1), Mode(3, 2)},                                  // a ledger lying on its side

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
+#include <functional>
 
 #include "qellib10/platform/drawing/file_dc.h"
 #include "qellib10/platform/drawing/preview_dc.h"
@@ -11,6 +12,7 @@
 #include "../support/cases.h"
 #include "../support/environment_scope.h"
 #include "../support/output_of.h"
+#include "../support/print_system.h"
 #include "../support/temp_folder.h"
 
 namespace {
@@ -60,6 +62,63 @@ struct Document : CQelPrintJobDocumentData {
         return found;
     }
 };
+
+// The text of a PDF file with the place of each word.
+std::string WordsOf(const std::string& pdf) { return OutputOf("LC_ALL=C pdftotext -bbox '" + pdf + "' -"); }
+
+// Where the last one of a word begins on its page, in tenths of a millimetre.
+CPoint PlaceOf(const std::string& words, const std::string& word) {
+    const std::size_t start = words.rfind("<word", words.find('>' + word + '<'));
+    const auto tenths = [&](const std::string& name) {
+        double points = -1;
+        const char* const number = words.c_str() + words.find(name + "=\"", start) + name.size() + 2;
+        std::from_chars(number, number + 20, points);
+        return static_cast<int>(points * 254 / 72);
+    };
+    return {tenths("xMin"), tenths("yMin")};
+}
+
+// Prints one job a cell from job files, on all papers and grids; @p printed has the path of the document that the
+// printer has received as the given one.
+void CheckCellsOnAllPapers(const char* printer, const std::function<std::string(int)>& printed) {
+    constexpr int kMargin = 100;
+    const TempFolder folder;
+    int number = 0;
+    for (const auto& [form, direction, sheet] : Cases<int, int, CSize>{{1, 1, {2159, 2794}},
+                                                                       {1, 2, {2794, 2159}},
+                                                                       {5, 1, {2150, 3542}},  // 9 less than the sheet
+                                                                       {5, 2, {3542, 2150}},
+                                                                       {11, 1, {1480, 2100}},
+                                                                       {11, 2, {2100, 1480}}}) {
+        for (const CSize grid : {CSize(1, 1), CSize(1, 2), CSize(2, 2), CSize(2, 3)}) {
+            SCOPED_TRACE(std::to_string(form) + " " + std::to_string(direction) + " " + std::to_string(grid.cy));
+            CQelPrintJobDocumentData document;
+            for (int cell = 0; cell < grid.cx * grid.cy; ++cell) {
+                CQelPrintJobQueueData job = Job(1, ("cell" + std::to_string(cell)).c_str());
+                CQelPrintJobPageStyle& style = job.GetPageStyle();
+                style.SetPrinterDevice(printer);
+                style.SetPaperForm(form);
+                style.SetPaperDirection(direction);
+                style.SetPrintBlock(grid);
+                style.SetUnit(2);
+                style.SetTopMargin(kMargin);
+                style.SetBottomMargin(kMargin);
+                style.SetLeftMargin(kMargin);
+                style.SetRightMargin(kMargin);
+                ASSERT_EQ(job.SaveJobFile(folder.Path("a.job")), 1);
+                ASSERT_EQ(document.CheckAndAddJobFile(folder.Path("a.job")), 1);
+            }
+            ASSERT_EQ(document.PrintOut(), 1);
+            const std::string words = WordsOf(printed(++number));
+            for (int cell = 0; cell < grid.cx * grid.cy; ++cell) {
+                const CPoint place = PlaceOf(words, "cell" + std::to_string(cell));
+                const int column = cell / grid.cy, row = cell % grid.cy;
+                EXPECT_NEAR(place.x, kMargin + column * ((sheet.cx - 2 * kMargin) / grid.cx), 5) << cell;
+                EXPECT_NEAR(place.y, kMargin + row * ((sheet.cy - 2 * kMargin) / grid.cy), 25) << cell;
+            }
+        }
+    }
+}
 
 }  // namespace
 
@@ -182,22 +241,12 @@ TEST(PrintDocument, IsPrintedPageByPage) {
     EXPECT_EQ(document.GetPageStyle().GetDpi(), 600) << "that of the printer";
     const std::string pdf = folder.Posix("Titration.pdf").string();
     EXPECT_NE(OutputOf("LC_ALL=C pdfinfo " + pdf).find("Pages:           2"), std::string::npos);
-    const std::string words = OutputOf("LC_ALL=C pdftotext -bbox " + pdf + " -");
-    const auto place = [&](const std::string& word) {
-        const std::size_t begin = words.rfind("<word", words.find('>' + word + '<'));
-        const auto tenths = [&](const std::string& name) {
-            double points = -1;
-            const char* const number = words.c_str() + words.find(name + "=\"", begin) + name.size() + 2;
-            std::from_chars(number, number + 20, points);
-            return points * 254 / 72;
-        };
-        return std::pair(tenths("xMin"), tenths("yMin"));
-    };
+    const std::string words = WordsOf(pdf);
     // A4, from 200 to 2094 across and from 2 to 2965 down.
     for (const auto& [word, x, y] : Cases<std::string, double, double>{
              {"first", 200, 2}, {"third", 200, 1976}, {"fourth", 1147, 2}, {"seventh", 200, 2}}) {
-        EXPECT_NEAR(place(word).first, x, 5) << word;
-        EXPECT_NEAR(place(word).second, y, 25) << word;
+        EXPECT_NEAR(PlaceOf(words, word).x, x, 5) << word;
+        EXPECT_NEAR(PlaceOf(words, word).y, y, 25) << word;
     }
     EXPECT_GT(words.find("<page", words.find(">sixth<")), words.find(">sixth<"));
     EXPECT_LT(words.rfind("<page"), words.find(">seventh<"));
@@ -213,4 +262,38 @@ TEST(PrintDocument, IsPrintedPageByPage) {
     document.GetPageStyle().SetPrintBlock({0, 1});
     EXPECT_EQ(document.PrintOut(), 0);
     EXPECT_EQ(folder.Count(), 2) << "nothing of a document that failed";
+}
+
+TEST(PrintDocument, JobFilesOfEveryPaperHaveTheirCellsSideBySide) {
+    const TempFolder folder;
+    {
+        const EnvironmentScope server("CUPS_SERVER", folder.Posix("no.sock").c_str());
+        const EnvironmentScope target("QELLIB10_PDF_DIR", folder.Posix().c_str());
+        CheckCellsOnAllPapers("PDF", [&](int number) {
+            const std::string suffix = number == 1 ? "" : " (" + std::to_string(number) + ")";
+            return folder.Posix("Titration" + suffix + ".pdf").string();
+        });
+    }
+    if (!PrintSystem::IsInstalled()) GTEST_SKIP() << PrintSystem::kNeeds;
+    const PrintSystem system;
+    ASSERT_TRUE(system);
+    InOwnThread([&] { CheckCellsOnAllPapers("lab", [&](int number) { return system.Printed(number); }); });
+}
+
+TEST(PrintDocument, CellsWithoutASizeAreRefused) {
+    Document document(2);
+    Canvas canvas(60, 40);
+    for (const auto& [paper, form, grid, expected] : Cases<CSize, int, CSize, int>{{{60, 40}, 9, {2, 1}, 1},
+                                                                                   {{11, 40}, 9, {2, 1}, 0},
+                                                                                   {{11, 40}, 9, {1, 2}, 1},
+                                                                                   {{60, 8}, 9, {1, 2}, 0},
+                                                                                   {{60, 8}, 9, {1, 1}, 1},
+                                                                                   {{0, 0}, 9, {2, 3}, 1},
+                                                                                   {{0, 0}, 1, {2, 1}, 0},
+                                                                                   {{0, 0}, 1, {1, 1}, 1}}) {
+        document.GetPageStyle().SetPaperSize(paper);
+        document.GetPageStyle().SetPaperForm(form);
+        document.GetPageStyle().SetPrintBlock(grid);
+        EXPECT_EQ(document.PrintOutMain(&canvas.dc, 1, 0), expected) << paper.cx << " " << paper.cy << " " << form;
+    }
 }

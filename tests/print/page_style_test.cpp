@@ -141,10 +141,10 @@ TEST_F(PageStyle, OwnsOneContext) {
 }
 
 // Layouts count with sizes of their own; the sheet that a form is printed on lies the same way, and is as large to 4
-// mm.
+// mm. Forms without such a size (1, and 42, which is printed on A4) count with the sheet.
 TEST_F(PageStyle, MakesContextsWithItsForm) {
     style.SetPrinterDevice("PDF");
-    for (int form = 2; form <= 41; ++form) {
+    for (int form = 1; form <= 42; ++form) {
         for (const int direction : {1, 2}) {
             style.SetPaperForm(form);
             style.SetPaperDirection(direction);
@@ -164,4 +164,11 @@ TEST_F(PageStyle, MakesContextsWithItsForm) {
     ASSERT_TRUE(info.m_pPD->GetDefaults());
     EXPECT_EQ(style.GetPrinterFromDC(nullptr, &info), 1);
     EXPECT_TRUE(style.GetPaperSize() == CSize(2100, 2970));
+    info.m_pPD->GetDevMode()->dmPaperSize = DMPAPER_LETTER;
+    info.m_pPD->GetDevMode()->dmOrientation = DMORIENT_LANDSCAPE;
+    CDC dc;
+    ASSERT_TRUE(dc.CreateDC(nullptr, "PDF", nullptr, info.m_pPD->GetDevMode()));
+    EXPECT_EQ(style.GetPrinterFromDC(&dc, &info), 1);
+    EXPECT_TRUE(style.GetPaperSize() == CSize(2794, 2159)) << "that of the sheet";
+    EXPECT_EQ(info.m_pPD->GetDevMode()->dmPaperWidth, 0) << "the dialog's settings stay as they are";
 }
