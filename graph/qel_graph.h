@@ -38,10 +38,25 @@ struct DataScale;
 ///
 /// **Values.** A point is placed by (x - minimum) * width / |maximum - minimum|, cut to whole units and kept within
 /// 65530 of the area; so infinities are far outside, and a line goes there. The y axis is the same with its minimum at
-/// the bottom. With a reversed range (minimum above maximum) values from the minimum on upward lie to the right of the
-/// left edge, and those from the maximum on downward below the top one. When both ends of an axis are equal a value
-/// equal to them lies at the start of the axis (y in coordinate mode 0: at the top), others far outside. A point with a
-/// NaN, or with an axis that makes it NaN, is a gap in a line, and is no bar, mark or cross.
+/// the bottom. When both ends of an axis are equal a value equal to them lies at the start of the axis (y in coordinate
+/// mode 0: at the top), others far outside. A point with a NaN, or with an axis that makes it NaN, is a gap in a line,
+/// and is no bar, mark or cross.
+///
+/// **Reversed axes.** An axis whose minimum is above its maximum has its texts, but its curve is not drawn: distances
+/// count by |maximum - minimum|, so all values between both ends lie outside the area, and what is in the area (from
+/// the minimum on upward, in y from the maximum on downward) is not what the texts say. Kept for layouts in the field.
+/// Instead take view mode 4 for a time that runs from right to left. Any other curve is shown reversed by its negated
+/// values, with the ends of the axis as fixed texts:
+///
+///     CAxisStyle axis;                          // 14 at the left, 0 at the right
+///     axis.SetMinRange(-14);
+///     axis.SetMaxRange(0);
+///     axis.SetLabelType(2);
+///     axis.SetMinStr("14");
+///     axis.SetMaxStr("0");
+///     axis.SetViewMode(2);                      // below the area
+///     graph.SetXRangeStyle(0, axis);
+///     graph.AddData(0, -pH, potential);
 ///
 /// **Speed.** Points are never copied for drawing. A redraw reads each once, 2 to 4 ns per point; a solid line of any
 /// width on a surface with a unit per pixel then passes on at most five points per column, with exactly the pixels of
@@ -75,7 +90,8 @@ public:
     // More over a series that was drawn. Each draws within the area alone and answers 0 for a bad index.
 
     /// A mark at a point: a square for @p shape 2, else a circle, with half-size @p size; while a job is recorded that
-    /// is taken from the screen's resolution (coordinate mode 1: from 1/1440 inch) to the job's.
+    /// is taken from the screen's resolution (coordinate mode 1: from 1/1440 inch) to the job's. In a job without a
+    /// resolution (0) it is 0, so that nothing is seen: set the resolution of the job's page style first.
     /// @param rect gets the box, with the larger y edge as its top; may be null
     /// @return 0 without a surface
     virtual int MarkDraw(CDC* dc, int series, double x, double y, int shape, unsigned long color, int size,
@@ -215,8 +231,8 @@ protected:
     std::vector<CGraphDataCtrl> m_aryGraph;  // always 512
     int m_nDrawWidth = 0, m_nDrawHeight = 0;
     CRect m_rectDrawArea;  // less than 2^30 from 0
-    /// 0: device pixels, y downward; 1: metric units, y upward. A derived class sets it, then calls
-    /// InitializeParameter(-1) for the margins of that mode.
+    /// 0: device pixels, y downward; 1: metric units of 1/1440 inch (MM_TWIPS), y upward. A derived class sets it, then
+    /// calls InitializeParameter(-1) for the margins of that mode.
     int m_nCoordinateMode = 0;
     CQelPrintJobQueueData* m_pPrintJob = nullptr;  // attached while a job is recorded, not owned
     int m_nLeftMargin, m_nTopMargin, m_nRightMargin, m_nBottomMargin;

@@ -7,6 +7,7 @@
 #include "qellib10/graph/pen_in_area.h"
 #include "qellib10/graph/solid_curve.h"
 #include "qellib10/graph/trail.h"
+#include "qellib10/print/queue_data.h"
 
 namespace {
 
@@ -41,7 +42,10 @@ int CQelGraph::PlotLineDraw(CDC* dc, int series) {
     // As thick on paper as on the screen, like the circles themselves.
     PenInArea pen(*this, dc, {data.GetLineStyle().GetColor(), PS_SOLID, std::max(1, HalfSizeOnSurface(1))});
     const qel::DataScale scale = ScaleOf(data);
-    const int halfSize = HalfSizeOnSurface(m_nCoordinateMode == 1 ? kMetricCircle : kCircle);
+    const int circle = m_nCoordinateMode == 1 ? kMetricCircle : kCircle;
+    // A job that does not say its resolution has them as large as the surface.
+    const bool isScaled = m_pPrintJob != nullptr && m_pPrintJob->GetPageStyle().GetDpi() >= 1;
+    const int halfSize = isScaled ? HalfSizeOnSurface(circle) : circle;
     for (const CGraphData& point : data.GetData()) {
         POINT at;
         if (scale.Map(point, at)) MarkShapeDraw(dc, MarkBox(at, halfSize), 0);

@@ -194,6 +194,23 @@ TEST(QelGraphPrint, EachPrimitiveIsACommand) {
     EXPECT_EQ(CommandsOf(job).size(), commands.size());
 }
 
+TEST(QelGraphPrint, CirclesOfALineAreSeenAtAnyResolution) {
+    for (const auto& [mode, dotsPerInch, diameter] :
+         Cases<int, int, int>{{0, 0, 6}, {0, -1, 6}, {0, 96, 6}, {0, 600, 36}, {1, 0, 60}, {1, 720, 30}}) {
+        Canvas canvas(kWidth, kHeight);
+        OpenGraph graph(mode);
+        graph.SetGraphPlotflg(0, 1);
+        graph.AddData(0, 50, 50);
+        CQelPrintJobQueueData job;
+        job.GetPageStyle().SetDpi(dotsPerInch);
+        graph.GetPrintJob(&job, {0, 0, 2000, 2000}, &canvas.dc);
+        const auto commands = CommandsOf(job);
+        const auto circle = std::ranges::find(commands, int{CQelPrintJobCommand::kArc}, &CQelPrintJobCommand::GetKind);
+        ASSERT_NE(circle, commands.end());
+        EXPECT_EQ(circle->GetX2() - circle->GetX1(), diameter) << mode << " " << dotsPerInch;
+    }
+}
+
 TEST(QelGraphPrint, TextsStandApartInsideTheDrawing) {
     std::mt19937 random(5);
     // Screens, a printer, and drawings that texts have no room in.
