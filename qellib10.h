@@ -37,6 +37,7 @@
 #include "qellib10/platform/drawing/geometry.h"
 #include "qellib10/platform/drawing/page_picture.h"
 #include "qellib10/platform/drawing/page_setup.h"
+#include "qellib10/platform/drawing/pdf_info.h"
 #include "qellib10/platform/drawing/png_file.h"
 #include "qellib10/platform/drawing/preview_dc.h"
 #include "qellib10/platform/endian.h"

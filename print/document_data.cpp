@@ -36,6 +36,7 @@ CQelPrintJobDocumentData::~CQelPrintJobDocumentData() = default;
 
 int CQelPrintJobDocumentData::Initialize() {
     m_listBlock.clear();
+    m_PdfInfo.reset();
     return m_PageStyle.Initialize();
 }
 
@@ -62,6 +63,8 @@ int CQelPrintJobDocumentData::PrintOut() {
     const HDC selected = m_PageStyle.GetSelectedPrinterDC();
     CDC dc;
     if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return 0;
+    const std::optional<qel::PdfInfo>& info = m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo();
+    if (info) qel::SetPdfInfo(dc, *info);
     const bool isPrinted = dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
                            PrintOutMain(&dc, -1, 0) && dc.EndPage() > 0 && dc.EndDoc() > 0;
     if (selected != nullptr) dc.Detach();

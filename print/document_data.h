@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <optional>
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/printing/print_info.h"
@@ -34,6 +35,11 @@ public:
     /// @return 0 for a file that cannot be loaded, and for another page style than the document's
     int CheckAndAddJobFile(const char* path);
     int CheckAndAddJobFile(const CQelPrintJobQueueData& job);
+
+    /// What the printed document says of itself, where it is PDF: its own, else what its page style has. Nothing after
+    /// Initialize.
+    const std::optional<qel::PdfInfo>& GetPdfInfo() const { return m_PdfInfo; }
+    void SetPdfInfo(const std::optional<qel::PdfInfo>& info) { m_PdfInfo = info; }
 
     int GetBlockCount() const { return static_cast<int>(m_listBlock.size()); }
     int IsPrintOutBlockExist() const { return m_listBlock.empty() ? 0 : 1; }
@@ -73,4 +79,5 @@ private:
 
     CQelPrintJobPageStyle m_PageStyle;
     std::list<CQelPrintJobBlockData> m_listBlock;
+    std::optional<qel::PdfInfo> m_PdfInfo;
 };

@@ -92,6 +92,7 @@ int CQelPrintJobPageStyle::Initialize() {
     m_nPaperDirection = DMORIENT_PORTRAIT;
     m_nTopMargin = m_nBottomMargin = m_nLeftMargin = m_nRightMargin = 0;
     m_szStyleName.Empty();
+    m_PdfInfo.reset();
     m_sizePrintBlock = CSize(1, 1);
     m_nPrintDirection = 1;
     m_SelectedPrinterDC.Reset();
@@ -131,6 +132,7 @@ int CQelPrintJobPageStyle::SelectPrinter() {
     m_SelectedPrinterDC.Reset(dc);
     BorrowedDC context(dc);
     ReadDevMode(*mode, &context);
+    if (m_PdfInfo) qel::SetPdfInfo(dc, *m_PdfInfo);
     return 1;
 }
 
@@ -151,6 +153,7 @@ HDC CQelPrintJobPageStyle::GetPrinterDC() {
     if (dc == nullptr) return nullptr;
     BorrowedDC context(dc);
     ReadDevMode(mode, &context);
+    if (m_PdfInfo) qel::SetPdfInfo(dc, *m_PdfInfo);
     return dc;
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/drawing/pdf_info.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/printing/print_info.h"
 #include "qellib10/platform/text/string.h"
@@ -85,6 +88,10 @@ public:
     const CString& GetStyleName() const { return m_szStyleName; }
     void SetStyleName(const CString& name) { m_szStyleName = name; }
     void SetStyleName(UINT stringId);  ///< from the string tables; empty when none has it
+    /// What a PDF document that is printed with this style says of itself. It is no part of the job file, and is not
+    /// compared; nothing after Initialize: then the context's own counts.
+    const std::optional<qel::PdfInfo>& GetPdfInfo() const { return m_PdfInfo; }
+    void SetPdfInfo(const std::optional<qel::PdfInfo>& info) { m_PdfInfo = info; }
     /// Cells across and down.
     const CSize& GetPrintBlock() const { return m_sizePrintBlock; }
     void SetPrintBlock(const CSize& block) { m_sizePrintBlock = block; }
@@ -125,7 +132,7 @@ public:
     /// The printer and paper of the dialog in @p info. @return 0 when that has no settings
     int GetPrinterFromDC(CDC* dc, CPrintInfo* info);
 
-    /// Whether all is equal but the printer margins and the selected context.
+    /// Whether all is equal but the printer margins, what a PDF document says of itself, and the selected context.
     bool operator==(const CQelPrintJobPageStyle& other) const;
 
 protected:
@@ -150,6 +157,7 @@ private:
     int m_nLeftMargin;
     int m_nRightMargin;
     CString m_szStyleName;
+    std::optional<qel::PdfInfo> m_PdfInfo;
     CSize m_sizePrintBlock;
     int m_nPrintDirection;
     int m_nPrnTopMargin = 0;

@@ -16,6 +16,8 @@ public:
     explicit History(const CString& folder);
 
     DWORD Latest() const { return m_cabinet.GetLatestVersion(); }
+    /// The record of a version from 1 to the latest one.
+    const CHistoryRenewInfo& Record(DWORD version) const { return m_records.at(version - 1); }
     /// Registers the file at @p path as the next version.
     /// @throws Failure
     const CHistoryRenewInfo& Register(const std::string& path, const std::string& operatorName,

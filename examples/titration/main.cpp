@@ -77,7 +77,8 @@ std::string Print(int count, const History& history, MadeFiles& made) {
     const auto reports = static_cast<DWORD>(count);
     if (reports > history.Latest())
         throw Failure("there are no " + std::to_string(count) + " reports, but " + std::to_string(history.Latest()));
-    ReportPages pages(JobPaths(made, history.Latest() - reports + 1, history.Latest()));
+    ReportPages pages(JobPaths(made, history.Latest() - reports + 1, history.Latest()),
+                      history.Record(history.Latest()).GetRenewDateTime());
     const std::string sample = SampleOf(pages.PrinterName());
     made.Remove(kAllPages);
     Log(stage::kPreviewed + Counted(count, "report"));

@@ -16,7 +16,7 @@ std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last
     return paths;
 }
 
-ReportPages::ReportPages(const std::vector<std::string>& jobPaths) {
+ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDateTime& made) {
     for (const std::string& path : jobPaths) {
         CQelPrintJobQueueData job;
         if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be read");
@@ -24,6 +24,9 @@ ReportPages::ReportPages(const std::vector<std::string>& jobPaths) {
             throw Failure(path + ": is for another printer than the first one");
         if (job.GetPageStyle().GetPageBlocks() < 1) throw Failure(path + ": has no place on a page");
     }
+    qel::PdfInfo info;
+    info.created = made;
+    m_document.SetPdfInfo(info);
     // A job file has the form's code alone; the size of the paper comes with a context of the printer.
     const std::string name = PrinterName();
     if (!m_printer.Attach(m_document.GetPageStyle().GetPrinterDC()))

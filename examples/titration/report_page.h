@@ -15,8 +15,9 @@ std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last
 /// Reports, three to a page, on the printer that they were laid out for.
 class ReportPages {
 public:
+    /// @param made what a PDF has as its date, so that the same reports are the same bytes whenever they are printed
     /// @throws Failure when a job file cannot be read, when one is for another printer, and when that is not there
-    explicit ReportPages(const std::vector<std::string>& jobPaths);
+    ReportPages(const std::vector<std::string>& jobPaths, const COleDateTime& made);
 
     int Count() const;
     std::string PrinterName() const { return std::string(m_document.GetPageStyle().GetPrinterDevice()); }

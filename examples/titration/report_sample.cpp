@@ -48,7 +48,7 @@ std::string SampleOf(const std::string& printerName) {
     const TemporaryFile job, curve, page;
     if (MakeReportJob(determination, 1, SampleRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
         throw Failure(job.Path() + ": cannot be written");
-    ReportPages pages({job.Path()});
+    ReportPages pages({job.Path()}, SampleRecord().GetRenewDateTime());
     pages.SavePreview(1, page.Path());
     std::string sample;
     for (const TemporaryFile* file : {&job, &curve, &page}) sample += CrcOf(file->Path()) + " ";

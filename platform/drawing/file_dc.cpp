@@ -39,9 +39,16 @@ bool IsDrawable(const CSize& size, int dotsAnInch) {
 
 }  // namespace
 
-HDC CreatePdfDC(const char* path, const PageSetup& page) {
+HDC CreatePdfDC(const char* path, const PageSetup& page, const PdfInfo& info) {
     if (path == nullptr || !page.IsDrawable()) return nullptr;
-    return ContextOver(std::make_unique<PdfSurface>(page, std::make_unique<FileSink>(path)));
+    auto surface = std::make_unique<PdfSurface>(page, std::make_unique<FileSink>(path), UndatedPdf::kYear2000);
+    surface->SetPdfInfo(info);
+    return ContextOver(std::move(surface));
+}
+
+BOOL SetPdfInfo(HDC dc, const PdfInfo& info) {
+    const auto context = FindDeviceContext(dc);
+    return context && context->Flushed().SetPdfInfo(info);
 }
 
 HDC CreateSvgDC(const char* path, const CSize& size, int dotsAnInch) {

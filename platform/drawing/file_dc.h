@@ -2,6 +2,7 @@
 
 #include "qellib10/platform/drawing/drawing_types.h"
 #include "qellib10/platform/drawing/page_setup.h"
+#include "qellib10/platform/drawing/pdf_info.h"
 #include "qellib10/platform/export.h"
 
 using cairo_t = struct _cairo;  // NOLINT: its name
@@ -10,8 +11,9 @@ namespace qel {
 
 /// A context whose documents are written to @p path as PDF (ISO 32000), each replacing the file as a whole: StartDoc,
 /// StartPage, drawing, EndPage, and so on, EndDoc. Fonts are embedded, texts stay texts. Delete it with DeleteDC.
+/// @param info what the documents say of themselves; without a date of its own each is of 1 January 2000, see PdfInfo
 /// @return null for a page that is not drawable
-QELLIB10_API HDC CreatePdfDC(const char* path, const PageSetup& page);
+QELLIB10_API HDC CreatePdfDC(const char* path, const PageSetup& page, const PdfInfo& info = {});
 
 /// The same as SVG 1.1, one page a document; texts stay texts in the fonts that the viewer has.
 /// @return null for a side outside 1 to 32767 or a resolution outside 1 to 9600

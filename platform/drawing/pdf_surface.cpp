@@ -11,8 +11,6 @@ namespace qel {
 namespace {
 
 constexpr double kPointsAnInch = 72, kHundredthsAnInch = 2540;
-// The same pages are the same bytes, whenever they are printed.
-constexpr const char* kCreationDate = "2000-01-01T00:00:00Z";
 
 cairo_status_t Append(void* document, const unsigned char* bytes, unsigned int count) {
     const auto data = std::as_bytes(std::span(bytes, count));
@@ -25,14 +23,24 @@ cairo_status_t Append(void* document, const unsigned char* bytes, unsigned int c
     return CAIRO_STATUS_SUCCESS;
 }
 
+void Describe(cairo_surface_t* surface, const CString& name, const PdfInfo& info, const PdfDate& date) {
+    const auto set = [&](cairo_pdf_metadata_t field, const std::string& text) {
+        if (!text.empty()) cairo_pdf_surface_set_metadata(surface, field, text.c_str());
+    };
+    set(CAIRO_PDF_METADATA_CREATE_DATE, date.Iso());
+    set(CAIRO_PDF_METADATA_TITLE, ToUtf8(info.title.IsEmpty() ? name.View() : info.title.View()));
+    set(CAIRO_PDF_METADATA_AUTHOR, ToUtf8(info.author.View()));
+    set(CAIRO_PDF_METADATA_SUBJECT, ToUtf8(info.subject.View()));
+}
+
 }  // namespace
 
 struct PdfSurface::Document {
-    Document(const CString& documentName, const PageSetup& page) : name(documentName) {
+    Document(const CString& documentName, const PageSetup& page, const PdfInfo& info, UndatedPdf undated)
+        : name(documentName), date(info, undated) {
         surface = cairo_pdf_surface_create_for_stream(Append, &bytes, page.sheet.cx * kPointsAnInch / kHundredthsAnInch,
                                                       page.sheet.cy * kPointsAnInch / kHundredthsAnInch);
-        cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, kCreationDate);
-        cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, ToUtf8(name.View()).c_str());
+        Describe(surface, name, info, date);
     }
     ~Document() {
         if (cairo != nullptr) cairo_destroy(cairo);
@@ -42,14 +50,15 @@ struct PdfSurface::Document {
     Document& operator=(const Document&) = delete;
 
     CString name;
+    PdfDate date;
     std::vector<std::byte> bytes;
     cairo_surface_t* surface = nullptr;
     cairo_t* cairo = nullptr;  // of the page that is begun
     int pages = 0;
 };
 
-PdfSurface::PdfSurface(const PageSetup& page, std::unique_ptr<DocumentSink> sink)
-    : m_page(page), m_pSink(std::move(sink)) {}
+PdfSurface::PdfSurface(const PageSetup& page, std::unique_ptr<DocumentSink> sink, UndatedPdf undated)
+    : m_page(page), m_pSink(std::move(sink)), m_undated(undated) {}
 
 PdfSurface::~PdfSurface() = default;
 
@@ -92,7 +101,7 @@ cairo_t* PdfSurface::Cairo() { return m_pDocument ? m_pDocument->cairo : nullptr
 
 int PdfSurface::StartDoc(const CString& name) {
     if (m_pDocument || !m_pSink->Begin(name)) return -1;
-    m_pDocument = std::make_unique<Document>(name, m_page);
+    m_pDocument = std::make_unique<Document>(name, m_page, m_info, m_undated);
     return 1;
 }
 
@@ -122,6 +131,7 @@ int PdfSurface::EndDoc() {
     if (document->pages == 0) return 1;
     cairo_surface_finish(document->surface);
     if (cairo_surface_status(document->surface) != CAIRO_STATUS_SUCCESS) return -1;
+    document->date.WriteInto(document->bytes);
     return m_pSink->Take(document->name, document->bytes) ? 1 : -1;
 }
 
@@ -129,6 +139,11 @@ int PdfSurface::AbortDoc() {
     if (!m_pDocument) return -1;
     m_pDocument.reset();
     return 1;
+}
+
+bool PdfSurface::SetPdfInfo(const PdfInfo& info) {
+    m_info = info;
+    return true;
 }
 
 }  // namespace qel

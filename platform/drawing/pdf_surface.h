@@ -5,16 +5,17 @@
 
 #include "qellib10/platform/drawing/document_sink.h"
 #include "qellib10/platform/drawing/page_setup.h"
+#include "qellib10/platform/drawing/pdf_date.h"
 #include "qellib10/platform/drawing/vector_surface.h"
 
 namespace qel {
 
 /// Pages of a PDF document (ISO 32000), of a printer's resolution. The bytes are collected in memory and handed on as a
-/// whole at the end of the document; a document that is not ended leaves nothing behind. The same pages give the same
-/// bytes: the creation date is fixed.
+/// whole at the end of the document; a document that is not ended leaves nothing behind. The same pages with the same
+/// date give the same bytes.
 class PdfSurface : public VectorSurface {
 public:
-    PdfSurface(const PageSetup& page, std::unique_ptr<DocumentSink> sink);
+    PdfSurface(const PageSetup& page, std::unique_ptr<DocumentSink> sink, UndatedPdf undated);
     ~PdfSurface() override;
 
     int DeviceCaps(int index) const override;
@@ -23,6 +24,7 @@ public:
     int EndPage() override;
     int EndDoc() override;
     int AbortDoc() override;
+    bool SetPdfInfo(const PdfInfo& info) override;
 
 protected:
     cairo_t* Cairo() override;
@@ -32,6 +34,8 @@ private:
 
     PageSetup m_page;
     std::unique_ptr<DocumentSink> m_pSink;
+    UndatedPdf m_undated;
+    PdfInfo m_info;
     std::unique_ptr<Document> m_pDocument;  // while one is begun
 };
 

@@ -10,6 +10,7 @@ namespace qel {
 
 class PixelBuffer;
 class TextFont;
+struct PdfInfo;
 struct TextLine;
 
 /// What a device context draws on: a back end. All coordinates are device units; boxes come normalised, their right
@@ -58,6 +59,8 @@ public:
     virtual int EndPage() { return -1; }
     virtual int EndDoc() { return -1; }
     virtual int AbortDoc() { return -1; }
+    /// What documents say of themselves from now on. @return false where there is no place for it
+    virtual bool SetPdfInfo(const PdfInfo&) { return false; }
 };
 
 }  // namespace qel

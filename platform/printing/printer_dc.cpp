@@ -98,6 +98,6 @@ HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) 
     options.copies = std::max(1, qel::ValueOf(wanted, DM_COPIES, wanted.dmCopies));
     options.color = static_cast<short>(qel::ValueOf(wanted, DM_COLOR, wanted.dmColor));
     options.duplex = static_cast<short>(qel::ValueOf(wanted, DM_DUPLEX, wanted.dmDuplex));
-    return qel::AddDeviceContext(
-        std::make_shared<qel::DeviceContext>(std::make_unique<qel::PdfSurface>(page, qel::SinkOf(device, options))));
+    auto surface = std::make_unique<qel::PdfSurface>(page, qel::SinkOf(device, options), qel::UndatedPdf::kNow);
+    return qel::AddDeviceContext(std::make_shared<qel::DeviceContext>(std::move(surface)));
 }

@@ -11,6 +11,8 @@
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/preview_dc.h"
 
+#include "../support/cases.h"
+#include "../support/environment_scope.h"
 #include "../support/output_of.h"
 #include "../support/temp_folder.h"
 
@@ -85,6 +87,36 @@ TEST(PdfDc, HasPagesTextsAndTheSameBytesAgain) {
     EXPECT_NEAR(x, (300 + 118) * 72 / 600.0, 1) << "300 units behind the margin of 5 mm";
     EXPECT_NEAR(y, (200 + 94) * 72 / 600.0, 2);
     EXPECT_EQ(OutputOf("pdffonts " + folder.Posix("a.pdf").string() + " | tail -n +3 | grep -vc 'yes yes yes'"), "0\n");
+}
+
+TEST(PdfDc, HasTheDateOfItsCallerElseOfTheEnvironment) {
+    const TempFolder folder;
+    const COleDateTime none(2025, 13, 1, 0, 0, 0), day(325, 11, 25, 18, 5, 9);
+    const Cases<std::optional<COleDateTime>, const char*, std::string> cases = {
+        {std::nullopt, nullptr, "20000101000000Z"},
+        {std::nullopt, "0", "19700101000000Z"},
+        {std::nullopt, "253402300799", "99991231235959Z"},
+        {std::nullopt, "253402300800", "20000101000000Z"},
+        {std::nullopt, "-1", "20000101000000Z"},
+        {std::nullopt, "86400 ", "20000101000000Z"},
+        {std::nullopt, "", "20000101000000Z"},
+        {none, "86400", "19700102000000Z"},
+        {day, "86400", "03251125180509"},
+    };
+    for (const auto& [created, environment, expected] : cases) {
+        const EnvironmentScope date("SOURCE_DATE_EPOCH", environment);
+        const qel::PdfInfo info{"\x93\x48", "", "a subject", created};
+        const HDC dc = qel::CreatePdfDC(folder.Path("a.pdf"), {}, info);
+        ASSERT_TRUE(Draw(dc, 1, "x"));
+        const std::string found = OutputOf("pdfinfo -rawdates '" + folder.Posix("a.pdf").string() + "' | tr -s ' '");
+        EXPECT_NE(found.find("CreationDate: D:" + expected + "\n"), std::string::npos) << expected << " in " << found;
+        EXPECT_NE(found.find("Title: 滴\nSubject: a subject\n"), std::string::npos) << found;
+        EXPECT_EQ(found.find("Author"), std::string::npos);
+    }
+    CDC picture;
+    picture.CreateCompatibleDC(nullptr);
+    EXPECT_EQ(qel::SetPdfInfo(picture, {}), 0);
+    EXPECT_EQ(qel::SetPdfInfo(nullptr, {}), 0);
 }
 
 TEST(PdfDc, RefusesStepsOutOfOrderAndLeavesNothingOfThem) {

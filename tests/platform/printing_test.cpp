@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <optional>
 
 #include "qellib10/platform/printing/document_name.h"
@@ -204,6 +206,18 @@ TEST(PdfPrinter, WritesEachDocumentUnderANameOfItsOwn) {
     folder.Write("user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"" + folder.Posix("Papers").native() + "\"\n");
     EXPECT_TRUE(Print(Printer("PDF"), "x"));
     EXPECT_TRUE(folder.Has("Papers/x.pdf"));
+}
+
+TEST(PdfPrinter, DatesEachDocumentWhenItIsStarted) {
+    const TempFolder folder;
+    const EnvironmentScope target("QELLIB10_PDF_DIR", folder.Posix().c_str()), none("SOURCE_DATE_EPOCH", nullptr);
+    const std::time_t before = std::time(nullptr);
+    ASSERT_TRUE(Print(Printer("PDF"), "a"));
+    const std::time_t after = std::time(nullptr);
+    const std::string found = OutputOf("date -u +%s -d \"$(LC_ALL=C TZ=UTC pdfinfo " + folder.Posix("a.pdf").string() +
+                                       " | sed -n 's/CreationDate: *//p')\"");
+    EXPECT_GE(std::atoll(found.c_str()), before);
+    EXPECT_LE(std::atoll(found.c_str()), after);
 }
 
 TEST(PdfPrinter, IsChosenByNameInAnyOfTheWays) {

@@ -297,3 +297,26 @@ TEST(PrintDocument, CellsWithoutASizeAreRefused) {
         EXPECT_EQ(document.PrintOutMain(&canvas.dc, 1, 0), expected) << paper.cx << " " << paper.cy << " " << form;
     }
 }
+
+TEST(PrintDocument, SaysWhatItIs) {
+    const TempFolder folder;
+    const EnvironmentScope target("QELLIB10_PDF_DIR", folder.Posix().c_str());
+    CQelPrintJobQueueData job = Job(1);
+    job.GetPageStyle().SetPrinterDevice("PDF");
+    job.GetPageStyle().SetPdfInfo(qel::PdfInfo{"", "A. Analyst", "", COleDateTime(2025, 11, 25, 18, 0, 0)});
+    CQelPrintJobDocumentData document;
+    ASSERT_EQ(document.CheckAndAddJobFile(job), 1);
+    const auto printed = [&](const char* file) {
+        EXPECT_EQ(document.PrintOut(), 1);
+        return OutputOf("pdfinfo -rawdates '" + folder.Posix(file).string() + "' | tr -s ' '");
+    };
+    const std::string byStyle = printed("Titration.pdf");
+    EXPECT_EQ(byStyle.find("Title: Titration\nAuthor: A. Analyst\n"), 0u) << byStyle;
+    EXPECT_NE(byStyle.find("CreationDate: D:20251125180000\n"), std::string::npos) << byStyle;
+    document.SetPdfInfo(qel::PdfInfo{"Three results", "", "", COleDateTime(2025, 11, 26, 7, 30, 0)});
+    const std::string byDocument = printed("Titration (2).pdf");
+    EXPECT_EQ(byDocument.find("Title: Three results\n"), 0u) << byDocument;
+    EXPECT_EQ(byDocument.find("Author"), std::string::npos);
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(folder.Read("Titration (3).pdf"), folder.Read("Titration (2).pdf"));
+}

@@ -154,7 +154,8 @@ private:
         m_checks.Run(name, [&] {
             return m_again.Check(name, beside, PrinterOf(m_made, reports.first),
                                  [&](const std::string& path) {
-                                     ReportPages again(JobPaths(m_made, reports.first, reports.last));
+                                     ReportPages again(JobPaths(m_made, reports.first, reports.last),
+                                                       m_history.Record(reports.last).GetRenewDateTime());
                                      draw(again, path);
                                  }) +
                    ", from " + reports.Described();
