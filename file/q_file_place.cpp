@@ -9,7 +9,11 @@
 
 CString CQFile::GetTempFolder() { return qel::TemporaryFolder(); }
 
-CString CQFile::GetTempFilePath(const char* prefix) { return GetTempFilename(GetTempFolder(), prefix); }
+CString CQFile::GetTempFilePath(const char* prefix) {
+    CString name;
+    qel::Succeeds([&] { name = GetTempFilename(GetTempFolder(), prefix); });
+    return name;
+}
 
 CString CQFile::GetTempFilename(const char* folder, const char* prefix) {
     CString name;

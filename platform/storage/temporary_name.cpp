@@ -77,11 +77,11 @@ CString TemporaryName(std::string_view folder, std::string_view prefix, UINT num
     CheckFolder(folder);
     const unsigned first = RandomNumber() % kNumbers;
     for (unsigned tries = 0; tries < kNumbers; ++tries) {
-        const std::string name = Name(folder, prefix, (first + tries) % kNumbers + 1);
-        const std::string posix = ToPosixPath(name);
+        CString name(Name(folder, prefix, (first + tries) % kNumbers + 1));  // before a file stays that nobody knows of
+        const std::string posix = ToPosixPath(name.View());
         const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnersAlone));
-        if (made) return CString(name);
-        if (errno != EEXIST) ThrowErrno(errno, name, posix);
+        if (made) return name;
+        if (errno != EEXIST) ThrowErrno(errno, name.View(), posix);
     }
     ThrowCode(kFileExists, folder);
 }

@@ -141,6 +141,9 @@ const Call kCalls[] = {
     {"FileMoveAtRestart", WithNames([](auto& a, auto& c, auto&) { return CQFile::MoveFileReboot(a, c, nullptr, 0) >= 0; }),
      Kept},
     {"FileDelete", WithNames([](auto& a, auto&, auto&) { return CQFile::DeleteFileReboot(a, 1) >= 0; }), Anything},
+    {"FileTemporary",
+     [](At) { return On(std::make_shared<CQFile>(), [](CQFile& f) { return f.CreateTempFile("t", 0); }); },
+     [](At at) { return std::to_string(at.Count()); }},
     {"FileFolders", WithNames([](auto&, auto&, auto& tree) { return CQFile::CreateDirectories(tree); }), Anything},
     {"FileClosed", [](At at) { return On(Opened(at.a), [c = at.c](CQFile& f) { return f.CloseTo(c); }); }, Kept},
     {"IniSet", WithIni([](Settings& p) { return p.Set("s", "k", "2"); }), ValuesOf},
@@ -180,27 +183,27 @@ protected:
         const Place place;
         const Step step = GetParam().prepare(place);
         FailAllocation(number < 0 ? 0 : number);
-        done = number < 0 ? 0 : step();
-        left = AllocationsLeft();
+        m_done = number < 0 ? 0 : step();
+        m_left = AllocationsLeft();
         FailAllocation(0);
         return GetParam().state(place);
     }
 
-    int done = 0, left = 0;
+    int m_done = 0, m_left = 0;
 };
 
 }  // namespace
 
 TEST_P(ShortMemory, IsAFailureThatLeavesTheOldOrTheNew) {
     const std::string before = StateAfter(-1), after = StateAfter(0);
-    ASSERT_NE(done, 0);
+    ASSERT_NE(m_done, 0);
     int number = 0;
     do {
         SCOPED_TRACE(++number);
         const std::string now = StateAfter(number);
-        EXPECT_TRUE(now == after || (done == 0 && now == before)) << done << '\n' << now;
-        EXPECT_TRUE(done != 0 || left == 0);
-    } while (left == 0);
+        EXPECT_TRUE(now == after || (m_done == 0 && now == before)) << m_done << '\n' << now;
+        EXPECT_TRUE(m_done != 0 || m_left == 0);
+    } while (m_left == 0);
     EXPECT_GT(number, 1);
 }
 INSTANTIATE_TEST_SUITE_P(System, ShortMemory, testing::ValuesIn(kCalls), NameOfCall);
