@@ -8,6 +8,12 @@
 //   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
 //   Record/1/1000000/10:bytes_a_point <= 200
+// A wide pen costs little more than a thin one, and a dashed one not much more, on a background of either kind.
+//   Draw<Wide>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
+//   Draw<Wide>/1/1000000/10 >= 40 Draw<WideCairo>/1/1000000/10
+//   Draw<Dashed>/1/1000000/10 <= 6 Draw<Ours>/1/1000000/10
+//   Draw<DashedClear>/1/1000000/10 <= 6 Draw<Ours>/1/1000000/10
+//   Draw<Dashed>/1/1000000/10 >= 20 Draw<DashedCairo>/1/1000000/10
 #include <agg_pixfmt_rgba.h>
 #include <agg_rasterizer_outline.h>
 #include <agg_renderer_base.h>
@@ -23,6 +29,7 @@
 #include <cstdlib>
 #include <map>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "qellib10/graph/back_buffer_dc.h"
@@ -99,9 +106,26 @@ private:
     CQelGraph m_graph;
 };
 
+constexpr int kWide = 3;
+
+// The same under other pens.
+template <int kStyle, int kPenWidth, int kBackMode> class Penned : public Ours {
+public:
+    explicit Penned(const std::vector<Series>& series) : Ours(series) {
+        for (int s = 0; s < static_cast<int>(series.size()); ++s) {
+            Graph().SetLineGraphStyle(s, {0, kStyle, kPenWidth});
+        }
+        Context().SetBkMode(kBackMode);
+    }
+};
+using Wide = Penned<PS_SOLID, kWide, OPAQUE>;
+using Dashed = Penned<PS_DASH, 1, OPAQUE>;
+using DashedClear = Penned<PS_DASH, 1, TRANSPARENT>;
+
 class Cairo {
 public:
-    explicit Cairo(const std::vector<Series>& series) : m_series(series) {}
+    explicit Cairo(const std::vector<Series>& series, int penWidth = 1, std::vector<double> dashes = {})
+        : m_series(series), m_nPenWidth(penWidth), m_dashes(std::move(dashes)) {}
     ~Cairo() {
         cairo_destroy(m_cairo);
         cairo_surface_destroy(m_surface);
@@ -111,7 +135,9 @@ public:
         cairo_paint(m_cairo);
         cairo_set_source_rgb(m_cairo, 0, 0, 0);
         cairo_set_antialias(m_cairo, CAIRO_ANTIALIAS_NONE);
-        cairo_set_line_width(m_cairo, 1);
+        cairo_set_line_width(m_cairo, m_nPenWidth);
+        cairo_set_line_join(m_cairo, m_nPenWidth > 1 ? CAIRO_LINE_JOIN_ROUND : CAIRO_LINE_JOIN_MITER);
+        cairo_set_dash(m_cairo, m_dashes.data(), static_cast<int>(m_dashes.size()), 0);
         for (const Series& one : m_series) {
             for (std::size_t i = 0; i < one.x.size(); ++i) {
                 cairo_line_to(m_cairo, kMargin + one.x[i] + 0.5, kHeight - kMargin - one.y[i] + 0.5);
@@ -128,8 +154,17 @@ public:
 
 private:
     const std::vector<Series>& m_series;
+    const int m_nPenWidth;
+    const std::vector<double> m_dashes;
     cairo_surface_t* m_surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
     cairo_t* m_cairo = cairo_create(m_surface);
+};
+
+struct WideCairo : Cairo {
+    explicit WideCairo(const std::vector<Series>& series) : Cairo(series, kWide) {}
+};
+struct DashedCairo : Cairo {
+    explicit DashedCairo(const std::vector<Series>& series) : Cairo(series, 1, {18, 6}) {}
 };
 
 class Agg {
@@ -198,8 +233,8 @@ template <class Drawer> int Ink(Drawer& drawer) {
 }
 
 // The same curves: as many pixels as ours, but for how each peer rounds and joins.
-template <class Drawer> void CheckAlike(const Input& input, Drawer& peer) {
-    Ours ours(SeriesOf(input));
+template <class Same, class Drawer> void CheckAlike(const Input& input, Drawer& peer) {
+    Same ours(SeriesOf(input));
     ours.Draw();
     peer.Draw();
     const int expected = Ink(ours), found = Ink(peer);
@@ -209,10 +244,18 @@ template <class Drawer> void CheckAlike(const Input& input, Drawer& peer) {
     }
 }
 
+// Ours that a peer draws the same as.
+template <class Drawer> struct SameAs { using Type = Ours; };
+template <> struct SameAs<WideCairo> { using Type = Wide; };
+template <> struct SameAs<Wide> { using Type = Wide; };
+template <> struct SameAs<DashedCairo> { using Type = DashedClear; };
+template <> struct SameAs<Dashed> { using Type = Dashed; };
+template <> struct SameAs<DashedClear> { using Type = DashedClear; };
+
 template <class Drawer> void Draw(benchmark::State& state) {
     const Input input = InputOf(state);
     Drawer drawer(SeriesOf(input));
-    CheckAlike(input, drawer);
+    CheckAlike<typename SameAs<Drawer>::Type>(input, drawer);
     for (auto _ : state) drawer.Draw();
     state.SetItemsProcessed(state.iterations() * input.series * input.points);
 }
@@ -268,6 +311,12 @@ CASES(Cairo, 10, 100000, 200);
 CASES(CustomPlot, 10, 100000, 200);
 CASES(Ours, 512, 1000, 10);
 CASES(Cairo, 512, 1000, 10);
+CASES(Ours, 1, 1000000, 10);
+CASES(Wide, 1, 1000000, 10);
+CASES(WideCairo, 1, 1000000, 10);
+CASES(Dashed, 1, 1000000, 10);
+CASES(DashedClear, 1, 1000000, 10);
+CASES(DashedCairo, 1, 1000000, 10);
 CASES(Ours, 1, 10000000, 10);
 CASES(Agg, 1, 10000000, 10);
 BENCHMARK(AppendAndDraw)->Args({1, 1000000, 10})->Unit(benchmark::kMillisecond);

@@ -44,6 +44,6 @@ private:
     CPen m_pen;
     CPen* m_pBefore;
     // Lines are drawn in runs: to find where points lie and to write pixels goes faster each for itself.
-    std::array<POINT, 256> m_points;
+    std::array<POINT, 1024> m_points;
     std::size_t m_nCount = 0;
 };

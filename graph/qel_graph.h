@@ -58,7 +58,7 @@ struct DataScale;
 ///     graph.SetXRangeStyle(0, axis);
 ///     graph.AddData(0, -pH, potential);
 ///
-/// **Speed.** Points are never copied for drawing. A redraw reads each once, 2 to 4 ns per point; a solid line of any
+/// **Speed.** Points are never copied for drawing. A redraw reads each once, 1 to 4 ns per point; a solid line of any
 /// width on a surface with a unit per pixel then passes on at most five points per column, with exactly the pixels of
 /// all of them. Dashed pens and other map modes take every point.
 ///

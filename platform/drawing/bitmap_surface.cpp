@@ -8,7 +8,6 @@
 
 #include "qellib10/platform/drawing/cairo_canvas.h"
 #include "qellib10/platform/drawing/cairo_shapes.h"
-#include "qellib10/platform/drawing/dash_pattern.h"
 #include "qellib10/platform/drawing/hatch.h"
 #include "qellib10/platform/drawing/screen.h"
 #include "qellib10/platform/drawing/text_font.h"
@@ -63,6 +62,9 @@ void BitmapSurface::Rebuild() {
     m_writer = PolylineWriter(m_raster, PixelOf(m_ink.penColor));
     m_writer.MoveTo(m_at);
     m_wide.MoveTo(m_at);
+    if (m_line != Line::kDashed) return;
+    m_dashed = DashedPolyline(m_raster, m_ink, PixelOf(m_ink.penColor), PixelOf(m_ink.backColor));
+    m_dashed.MoveTo(m_at);
 }
 
 CRect BitmapSurface::ClipBox() const {
@@ -85,15 +87,15 @@ void BitmapSurface::MoveTo(const POINT& to) {
     Flush();
     m_writer.MoveTo(to);
     m_wide.MoveTo(to);
+    m_dashed.MoveTo(to);
     m_at = to;
-    m_nDashPhase = 0;
 }
 
 void BitmapSurface::LineTo(const POINT& to) {
     if (m_line == Line::kThin) {
         m_writer.LineTo(to);
     } else if (m_line == Line::kDashed) {
-        DashedLine(m_at, to);
+        m_dashed.LineTo(to);
     } else if (m_line == Line::kWide) {
         m_wide.LineTo(to, [this](const POINT& start, const POINT& end) { WideLine(start, end); });
     }
@@ -117,24 +119,17 @@ void BitmapSurface::WideLine(const POINT& from, const POINT& to) {
 }
 
 void BitmapSurface::LinesTo(std::span<const POINT> points) {
-    if (m_line != Line::kThin || points.empty()) return Surface::LinesTo(points);
+    if (points.empty()) return;
+    if (m_line == Line::kDashed) {
+        m_dashed.LinesTo(points);
+        m_at = points.back();
+        return;
+    }
+    if (m_line != Line::kThin) return Surface::LinesTo(points);
     PolylineWriter writer = m_writer;  // where no pixel that is written can be part of it
     for (const POINT& to : points) writer.LineTo(to);
     m_writer = writer;
     m_at = points.back();
-}
-
-void BitmapSurface::DashedLine(const POINT& from, const POINT& to) {
-    const std::uint32_t color = PixelOf(m_ink.penColor), gap = PixelOf(m_ink.backColor);
-    LineSteps(from, to, ClipBox()).ForEach([&](int x, int y, std::int64_t step) {
-        if (IsDash(m_ink.penStyle, m_nDashPhase + step)) {
-            *m_raster.At(x, y) = color;
-        } else if (m_ink.isOpaque) {
-            *m_raster.At(x, y) = gap;
-        }
-    });
-    const auto distance = [](LONG a, LONG b) { return std::abs(std::int64_t{a} - b); };
-    m_nDashPhase += std::max(distance(from.x, to.x), distance(from.y, to.y));
 }
 
 void BitmapSurface::Rectangle(const CRect& box) {
@@ -165,14 +160,12 @@ void BitmapSurface::Rectangle(const CRect& box) {
         FillBox(m_raster, {last.right, box.top, box.right, box.bottom}, color);
         return;
     }
-    const std::int64_t phase = std::exchange(m_nDashPhase, 0);
-    const POINT corners[] = {{last.left, last.top},
-                             {last.right, last.top},
-                             {last.right, last.bottom},
-                             {last.left, last.bottom},
-                             {last.left, last.top}};
-    for (int i = 0; i < 4; ++i) DashedLine(corners[i], corners[i + 1]);
-    m_nDashPhase = phase;
+    DashedPolyline outline = m_dashed;  // whose polyline goes on afterwards
+    outline.MoveTo({last.left, last.top});
+    outline.LineTo({last.right, last.top});
+    outline.LineTo({last.right, last.bottom});
+    outline.LineTo({last.left, last.bottom});
+    outline.LineTo({last.left, last.top});
 }
 
 void BitmapSurface::Arc(const CRect& box, const POINT& start, const POINT& end) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "qellib10/platform/drawing/dashed_polyline.h"
 #include "qellib10/platform/drawing/pixel_buffer.h"
 #include "qellib10/platform/drawing/polyline_writer.h"
 #include "qellib10/platform/drawing/surface.h"
@@ -39,7 +40,6 @@ public:
 private:
     enum class Line { kNone, kThin, kDashed, kWide };
 
-    void DashedLine(const POINT& from, const POINT& to);
     void WideLine(const POINT& from, const POINT& to);
     void ThinEllipse(const CRect& box);
     CairoCanvas& Canvas();
@@ -53,10 +53,10 @@ private:
     Line m_line = Line::kThin;
     Raster m_raster;  // the pixels within the clip
     PolylineWriter m_writer;
+    DashedPolyline m_dashed;
     WidePolyline m_wide;
     std::optional<WidePen> m_widePen;  // made when it is needed first
     POINT m_at{0, 0};
-    std::int64_t m_nDashPhase = 0;  // steps since the polyline began
 };
 
 }  // namespace qel

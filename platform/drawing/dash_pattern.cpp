@@ -23,10 +23,15 @@ std::span<const int> DashLengths(int penStyle) noexcept {
     }
 }
 
+int DashPeriod(int penStyle) noexcept {
+    const std::span<const int> lengths = DashLengths(penStyle);
+    return std::accumulate(lengths.begin(), lengths.end(), 0);
+}
+
 bool IsDash(int penStyle, std::int64_t step) noexcept {
     const std::span<const int> lengths = DashLengths(penStyle);
     if (lengths.empty()) return true;
-    std::int64_t rest = step % std::accumulate(lengths.begin(), lengths.end(), 0);
+    std::int64_t rest = step % DashPeriod(penStyle);
     bool isDash = true;
     for (const int length : lengths) {
         if (rest < length) break;

@@ -105,6 +105,7 @@ void DeviceContext::LinesTo(std::span<const POINT> points) {
     if (m_isInkStale) UseInk();
     if (!m_isPenDown) PutPenDown();
     m_state.position = points.back();
+    if (m_state.mapping.IsSame()) return m_pSurface->LinesTo(points);
     std::array<POINT, 256> device;
     while (!points.empty()) {
         const std::size_t count = std::min(points.size(), device.size());

@@ -35,6 +35,10 @@ public:
 
     // Points by value, in a register: one that was written to memory as two halves is slow to be read as a whole.
     POINT ToDevice(POINT logical) const noexcept { return m_isShift ? Shifted(logical) : Scaled(logical); }
+    /// Whether ToDevice changes nothing.
+    bool IsSame() const noexcept {
+        return m_isShift && m_windowOrigin.x == m_viewportOrigin.x && m_windowOrigin.y == m_viewportOrigin.y;
+    }
     POINT ToLogical(POINT device) const noexcept;
     /// A length in device units, not negative.
     int WidthToDevice(int width) const noexcept;

@@ -180,6 +180,35 @@ TEST(WidePen, TakesCairosCornerWhereAnEdgeOfItLiesAlongTheLine) {
     }
 }
 
+TEST(DashedPen, ManyPointsHaveThePixelsOfOneLineAfterTheOther) {
+    std::mt19937 random(4);
+    const auto within = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+    for (int i = 0; i < 4000; ++i) {
+        Canvas drawn(kWidth, kHeight), expected(kWidth, kHeight);
+        std::vector<POINT> points;
+        const int spread = within(0, 1), reach = i % 10 == 0 ? 66000 : within(1, kHeight);
+        int x = within(0, kWidth);
+        for (int count = within(1, i % 5 == 0 ? 1500 : 60); count > 0; --count) {
+            if (within(0, 15) == 0) x += within(-spread, spread);
+            points.push_back({x, within(-3, reach)});
+        }
+        CPen pen(within(PS_DASH, PS_DASHDOTDOT), 1, kRed);
+        CRgn region;
+        region.CreateRectRgn(3, 2, kWidth - 5, kHeight - 1);
+        const int backMode = within(TRANSPARENT, OPAQUE);
+        for (Canvas* const canvas : {&drawn, &expected}) {
+            canvas->dc.SelectObject(&pen);
+            canvas->dc.SetBkMode(backMode);
+            canvas->dc.SetBkColor(0);
+            if (i % 3 == 0) canvas->dc.SelectClipRgn(&region);
+            canvas->dc.MoveTo(x, 5);
+        }
+        drawn.dc.PolylineTo(points.data(), static_cast<int>(points.size()));
+        for (const POINT& to : points) expected.dc.LineTo(to);
+        ASSERT_EQ(drawn.Pixels(), expected.Pixels()) << "polyline " << i;
+    }
+}
+
 TEST(EllipseSpans, AreSymmetricAndTouchAllSides) {
     for (int width = 1; width <= 40; ++width) {
         for (int height = 1; height <= 40; ++height) {
