@@ -143,9 +143,10 @@ TEST(QBinary, SignedFields) {
     for (const auto& [value, width] : integers) buffer.AddStrIntTopSign(value, width);
     EXPECT_EQ(Contents(buffer), "   42- -5 345-345- -2147483648 " + std::string(32, ' ') + "7" + std::string(33, ' ') +
                                     "7" + std::string(512, ' ') + "7");
-    for (const auto& [value, width] : {std::pair{1.5, 6}, {-1.5, 7}, {1234.5, 5}, {2.5, INT_MAX}, {-3.0, 0}, {4e9, 14}})
+    for (const auto& [value, width] :
+         {std::pair{1.5, 6}, {-1.5, 7}, {1234.5, 5}, {2.5, INT_MAX}, {-3.0, 0}, {4e9, 14}, {75223483557905.375, 18}})
         doubles.AddDoubleTopSign(value, width, 2, 0);
-    EXPECT_EQ(Contents(doubles), "  1.50- -1.50 4.50           2.50- 4000000000.00");
+    EXPECT_EQ(Contents(doubles), "  1.50- -1.50 4.50           2.50- 4000000000.00 75223483557905.38");
 }
 
 TEST(QBinary, ArchivedSizesAreNotBelieved) {
