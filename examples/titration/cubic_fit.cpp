@@ -28,6 +28,7 @@ std::optional<CubicFit> CubicFit::Through(std::span<const double> x, std::span<c
     std::vector<double> rest(y.begin(), y.end());
     for (std::size_t k = 0; k < 4; ++k) {
         std::vector<double>& column = q[k];
+        column.reserve(x.size());
         for (const double value : x) column.push_back(std::pow(fit.Scaled(value), static_cast<int>(k)));
         const double length = std::sqrt(Dot(column, column));
         for (std::size_t j = 0; j < k; ++j) {
@@ -40,6 +41,7 @@ std::optional<CubicFit> CubicFit::Through(std::span<const double> x, std::span<c
         projections[k] = Dot(column, rest);
         for (std::size_t i = 0; i < rest.size(); ++i) rest[i] -= projections[k] * column[i];
     }
+    if (x.size() > 4) fit.m_scatter = std::sqrt(Dot(rest, rest) / static_cast<double>(x.size() - 4));
     for (std::size_t k = 4; k-- > 0;) {
         double sum = projections[k];
         for (std::size_t j = k + 1; j < 4; ++j) sum -= fit.m_r[k][j] * fit.m_coefficients[j];
@@ -70,6 +72,12 @@ double CubicFit::SlopeError(double x) const {
 }
 
 double CubicFit::ThirdDerivativeError() const { return Error({0, 0, 0, 6}) / std::pow(m_scale, 3); }
+
+// The second derivative's error, over how fast it goes through zero.
+double CubicFit::InflectionError() const {
+    const double t = Scaled(Inflection());
+    return Error({0, 0, 2, 6 * t}) * m_scale / std::abs(6 * m_coefficients[3]);
+}
 
 // The coefficients' covariance is the inverse of R'R, so the error is the length of z in R'z = functional.
 double CubicFit::Error(const Vector& functional) const {

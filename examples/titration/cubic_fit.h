@@ -24,6 +24,10 @@ public:
     /// Standard errors for independent noise of standard deviation 1 in each y.
     double SlopeError(double x) const;
     double ThirdDerivativeError() const;
+    /// That of the inflection's place.
+    double InflectionError() const;
+    /// The standard deviation of the points about the polynomial; 0 for 4 points.
+    double Scatter() const { return m_scatter; }
 
 private:
     using Vector = std::array<double, 4>;
@@ -32,7 +36,8 @@ private:
     double Error(const Vector& functional) const;
 
     double m_center = 0;
-    double m_scale = 1;           // the points lie at -1 to 1
+    double m_scale = 1;  // the points lie at -1 to 1
+    double m_scatter = 0;
     Vector m_coefficients{};      // of 1, t, t^2, t^3
     std::array<Vector, 4> m_r{};  // the triangular factor of the design matrix, by rows
 };

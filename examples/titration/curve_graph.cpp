@@ -16,9 +16,10 @@ constexpr COLORREF kBlue = RGB(0, 60, 160), kOrange = RGB(200, 90, 0), kRed = RG
 constexpr int kThinLine = 10, kFrame = 15, kSlopeLine = 15, kLine = 20, kGap = 80;
 
 constexpr int kMostSteps = 10;
-constexpr int kCircle = 1;                   // shape
-constexpr int kEndPointSizes[] = {4, 6};     // half-sizes in pixels of a screen
-constexpr std::size_t kMostMarks = 500;      // more would be one band
+constexpr int kCircle = 1;                // shape
+constexpr int kEndPointSizes[] = {4, 6};  // half-sizes in pixels of a screen
+constexpr std::size_t kMostMarks = 500;   // more would be one band
+constexpr std::size_t kFewestPointsOfSlope = 5;
 constexpr std::size_t kMostPoints = 10'000;  // more than a page can show
 
 enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
@@ -26,6 +27,13 @@ enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
 axes::AxisSteps StepsOver(const std::vector<double>& values) {
     const auto [low, high] = std::ranges::minmax(values);
     return axes::StepsOver(low, high, kMostSteps);
+}
+
+// Of means, where there are more points than a page can show.
+Points SlopeToShow(const Points& points, const EndPoint& endPoint) {
+    const std::size_t group = 1 + points.x.size() / kMostPoints;
+    if (group == 1) return SlopeOf(points, endPoint.points);
+    return SlopeOf(MeansOf(points, group), std::max(kFewestPointsOfSlope, endPoint.points / group));
 }
 
 Points WithEndPoint(Points slope, const EndPoint& endPoint) {
@@ -50,7 +58,7 @@ CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::
                        const std::string& signalName, int dotsAnInch)
     : m_endPoint(endPoint), m_dotsAnInch(dotsAnInch) {
     const Points measured = Merged(curve);
-    const Points slope = WithEndPoint(SlopeOf(WithoutStrays(measured), endPoint.points), endPoint);
+    const Points slope = WithEndPoint(SlopeToShow(Smoothed(UsedPoints(curve, endPoint)), endPoint), endPoint);
     m_volume = {volumeName, kBlack, StepsOver(measured.x)};
     m_signal = {signalName, kBlue, StepsOver(measured.y)};
     m_slope = {"slope of " + signalName, kOrange,

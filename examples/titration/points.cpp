@@ -24,10 +24,25 @@ Points Merged(const Curve& curve) {
     return points;
 }
 
-Points WithoutStrays(Points points) {
+Points Smoothed(Points points) {
     const std::vector<double> y = points.y;
     for (std::size_t i = 1; i + 1 < y.size(); ++i) points.y[i] = Median(y[i - 1], y[i], y[i + 1]);
     return points;
+}
+
+Points MeansOf(const Points& points, std::size_t group) {
+    Points means;
+    for (std::size_t first = 0; first < points.x.size(); first += group) {
+        const std::size_t count = std::min(group, points.x.size() - first);
+        double x = 0, y = 0;
+        for (std::size_t i = first; i < first + count; ++i) {
+            x += points.x[i];
+            y += points.y[i];
+        }
+        means.x.push_back(x / static_cast<double>(count));
+        means.y.push_back(y / static_cast<double>(count));
+    }
+    return means;
 }
 
 Points SlopeOf(const Points& points, std::size_t run) {
@@ -45,5 +60,11 @@ Points SlopeOf(const Points& points, std::size_t run) {
 }
 
 double Median(double a, double b, double c) { return std::max(std::min(a, b), std::min(std::max(a, b), c)); }
+
+double MedianOf(std::vector<double> values) {
+    const auto middle = values.begin() + std::ssize(values) / 2;
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
 
 }  // namespace titration

@@ -1,5 +1,7 @@
 #include "report.h"
 
+#include <algorithm>
+
 #include <qellib10/qellib10.h>
 
 #include "number.h"
@@ -26,6 +28,17 @@ std::string MarkedValues(const Result& result) {
 std::string RoundUpText(const CCalcVariableList& variables) {
     if (variables.GetRoundUpFlag() == 0) return "round-up setting off";
     return "round-up setting " + Counted(variables.GetRoundUpDigit(), "decimal place") + " for every value";
+}
+
+constexpr std::size_t kMostStraysShown = 6;
+
+std::string StrayText(const Curve& curve, const EndPoint& endPoint) {
+    const std::size_t count = endPoint.strays.size();
+    std::string text = Counted(static_cast<long long>(count), "stray reading") + " left out, at ";
+    for (std::size_t i = 0; i < std::min(count, kMostStraysShown); ++i) {
+        text += (i > 0 ? ", " : "") + Fixed(curve.volume[endPoint.strays[i]], 4);
+    }
+    return count > kMostStraysShown ? text + " ..." : text;
 }
 
 }  // namespace
@@ -56,6 +69,11 @@ std::string ReadingText(const Determination& determination) {
             ColumnText(settings.signalColumn) + " = " + Fixed(endPoint.signal, 2) + ", slope " +
             Fixed(endPoint.slope, 2) + ", through " + std::to_string(endPoint.points) + " points, noise " +
             Fixed(endPoint.noise, 3) + "\n";
+    if (!endPoint.strays.empty()) text += kIndent + StrayText(curve, endPoint) + "\n";
+    if (endPoint.gap) {
+        text += kIndent + std::string("it is in a gap: there is no reading between ") + Fixed(endPoint.gap->first, 4) +
+                " and " + Fixed(endPoint.gap->second, 4) + "\n";
+    }
     return text;
 }
 

@@ -386,7 +386,7 @@ TEST_F(Titration, ReadsWhatInstrumentsWrite) {
              Case{"rising", rising},
              Case{"falling", Table(Curve(-100))},
              Case{"noise", Table(Curve(100, 2)), 0.05},
-             Case{"much noise", Table(Curve(-100, 10)), 0.2},
+             Case{"more noise", Table(Curve(-100, 3)), 0.075},
              Case{"repeated volumes", Table(Curve(100, 2, 5)), 0.05},
              Case{"last volume first", Table(Reversed(Curve(100)))},
              Case{"a stray reading", Replaced(rising, "\n3.2,", "\n3.2,9")},
@@ -426,6 +426,7 @@ TEST_F(Titration, RefusesWrongInputInOneLine) {
         {"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
+        {Table(Curve(-100, 10)), Settings("EP"), "is uncertain: noise of 5."},
         {"1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n", Settings("EP"), "data.csv: no end point"},
         {std::string("\xFF\xFE"
                      "1\0,\0",

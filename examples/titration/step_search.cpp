@@ -1,0 +1,158 @@
+#include "step_search.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+#include "cubic_fit.h"
+
+namespace titration {
+namespace {
+
+constexpr std::size_t kFewestPoints = 5;
+constexpr std::size_t kLongestRun = 500;     // keeps the time for a long curve in bounds
+constexpr std::size_t kMostPoints = 500;     // of more, means are searched first
+constexpr std::size_t kEndReadings = 7;      // give the direction of a curve
+constexpr double kSlopeTolerance = 0.1;      // of the slope
+constexpr double kBendCertainty = 4;         // standard errors
+constexpr double kLowerQuartile = 0.318639;  // of |z| for standard normal z
+constexpr double kOverQuotient = 1.3;        // a fit between uneven steps may overshoot what the readings rise
+constexpr double kQuotientNoise = 6;         // in the difference of two readings, deviations of one
+constexpr double kAboutAsSteep = 0.9;
+
+using Span = std::span<const double>;
+
+struct Candidate {
+    Step step;
+    double scatter = 0;  // of the points about the fit
+};
+
+// The slope between the two readings around a place in a run.
+double QuotientAt(Span x, Span y, double volume, double& interval) {
+    const auto above = std::ranges::upper_bound(x, volume) - x.begin();
+    const auto i = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(above, 1, std::ssize(x) - 1));
+    interval = x[i] - x[i - 1];
+    return (y[i] - y[i - 1]) / interval;
+}
+
+std::optional<Candidate> CandidateIn(Span x, Span y, double direction, double noise) {
+    const std::optional<CubicFit> fit = CubicFit::Through(x, y);
+    if (!fit) return std::nullopt;
+    const double volume = fit->Inflection();
+    if (!(volume >= x[1] && volume <= x[x.size() - 2])) return std::nullopt;
+    const double slope = fit->Slope(volume) * direction;
+    if (slope <= 0 || noise * fit->SlopeError(volume) > kSlopeTolerance * slope) return std::nullopt;
+    double interval = 0;
+    const double quotient = QuotientAt(x, y, volume, interval) * direction;
+    if (slope > kOverQuotient * quotient + kQuotientNoise * noise / interval) return std::nullopt;
+    const double bend = -fit->ThirdDerivative() * direction;
+    if (bend <= 0 || noise * fit->ThirdDerivativeError() * kBendCertainty > bend) return std::nullopt;
+    return Candidate{{volume, fit->Value(volume), slope * direction, x.size(), noise * fit->InflectionError(), 0},
+                     fit->Scatter()};
+}
+
+std::vector<Candidate> Candidates(const Points& points, double direction, double noise) {
+    std::vector<Candidate> candidates;
+    const std::size_t count = points.x.size();
+    const std::size_t longest = std::clamp(count / 2, kFewestPoints, kLongestRun);
+    for (std::size_t length = kFewestPoints; length <= longest; length += std::max<std::size_t>(1, length / 8)) {
+        for (std::size_t i = 0; i + length <= count; ++i) {
+            const auto found =
+                CandidateIn(Span(points.x).subspan(i, length), Span(points.y).subspan(i, length), direction, noise);
+            if (found) candidates.push_back(*found);
+        }
+    }
+    return candidates;
+}
+
+bool IsSure(const Step& step) { return kSureErrors * step.error <= step.interval / 2; }
+
+// The longer the run, the more a polynomial overshoots beside the inflection of a smooth curve; so where short runs are
+// sure, and differ from the steepest by more than half an interval, they are right.
+Step WithoutOvershoot(const std::vector<Candidate>& candidates, const Step& steepest) {
+    const Step* shortest = &steepest;
+    for (const auto& [step, scatter] : candidates) {
+        const bool isAsSteep = std::abs(step.slope) >= kAboutAsSteep * std::abs(steepest.slope);
+        const bool isBetter = step.points < shortest->points ||
+                              (step.points == shortest->points && std::abs(step.slope) > std::abs(shortest->slope));
+        if (isAsSteep && isBetter && IsSure(step)) shortest = &step;
+    }
+    return std::abs(shortest->volume - steepest.volume) > steepest.interval / 2 ? *shortest : steepest;
+}
+
+std::optional<Step> SearchAll(const Points& points, double direction, double noise) {
+    std::vector<Candidate> candidates = Candidates(points, direction, noise);
+    for (Candidate& candidate : candidates) candidate.step.interval = IntervalAt(points.x, candidate.step.volume);
+    const auto steepness = [](const Candidate& candidate) { return std::abs(candidate.step.slope); };
+    const auto steepest = std::ranges::max_element(candidates, {}, steepness);
+    if (steepest == candidates.end()) return std::nullopt;
+    Step best = steepest->step;
+    if (IsSure(best)) return WithoutOvershoot(candidates, best);
+    for (const Candidate& other : candidates) {
+        const bool isAsSteep = steepness(other) >= kAboutAsSteep * steepness(*steepest);
+        if (isAsSteep && other.scatter <= noise && other.step.error < best.error) best = other.step;
+    }
+    return best;
+}
+
+// The points in which the runs of a search through means lie.
+Points Around(const Points& points, double volume, std::size_t reach) {
+    const auto at = static_cast<std::size_t>(std::ranges::lower_bound(points.x, volume) - points.x.begin());
+    const std::size_t first = at - std::min(at, reach), last = std::min(points.x.size(), at + reach);
+    const auto part = [&](const std::vector<double>& values) {
+        return std::vector<double>(values.begin() + static_cast<std::ptrdiff_t>(first),
+                                   values.begin() + static_cast<std::ptrdiff_t>(last));
+    };
+    return {part(points.x), part(points.y)};
+}
+
+}  // namespace
+
+// Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
+// reading, and the lower quartile is taken because the bends of a curve with few points would fill the upper half.
+double Noise(const Points& points) {
+    std::vector<double> deviations;
+    for (std::size_t i = 0; i + 4 <= points.x.size(); ++i) {
+        double sum = 0;
+        double squares = 0;
+        for (std::size_t j = i; j < i + 4; ++j) {
+            double product = 1;
+            for (std::size_t k = i; k < i + 4; ++k) {
+                if (k != j) product *= points.x[j] - points.x[k];
+            }
+            sum += points.y[j] / product;
+            squares += 1 / (product * product);
+        }
+        deviations.push_back(std::abs(sum) / std::sqrt(squares));
+    }
+    const auto quartile = deviations.begin() + static_cast<std::ptrdiff_t>(deviations.size() / 4);
+    std::ranges::nth_element(deviations, quartile);
+    return *quartile / kLowerQuartile;
+}
+
+double Direction(const std::vector<double>& signal) {
+    const auto count = static_cast<std::ptrdiff_t>(std::clamp<std::size_t>(signal.size() / 4, 3, kEndReadings));
+    return MedianOf({signal.end() - count, signal.end()}) < MedianOf({signal.begin(), signal.begin() + count}) ? -1 : 1;
+}
+
+double IntervalAt(const std::vector<double>& volumes, double volume) {
+    const auto above = std::ranges::upper_bound(volumes, volume) - volumes.begin();
+    const auto i = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(above, 1, std::ssize(volumes) - 1));
+    return volumes[i] - volumes[i - 1];
+}
+
+std::optional<Step> SteepestStep(const Points& points, double direction, double noise) {
+    const std::size_t count = points.x.size();
+    if (count < kFewestPoints) return std::nullopt;
+    if (count <= kMostPoints) return SearchAll(points, direction, noise);
+    const std::size_t group = (count + kMostPoints - 1) / kMostPoints;
+    const Points means = MeansOf(points, group);
+    std::optional<Step> coarse = SearchAll(means, direction, noise / std::sqrt(static_cast<double>(group)));
+    if (!coarse) return std::nullopt;
+    coarse->points *= group;
+    const Points around = Around(points, coarse->volume, std::min(coarse->points, kMostPoints / 2));
+    const std::optional<Step> fine = SearchAll(around, direction, noise);
+    return fine && fine->error <= coarse->error + IntervalAt(points.x, fine->volume) / 2 ? fine : coarse;
+}
+
+}  // namespace titration
