@@ -60,7 +60,7 @@ const TextFont& DeviceContext::Font() {
                             : std::max(1, m_state.mapping.HeightToDevice(asked));
     if (asked < 0) height = -height;
     if (!m_pFont || m_pFontInUse != font || m_nFontHeight != height) {
-        m_pFont = TextFont::Create(font->description, height);
+        m_pFont = TextFont::Kept(font->description, height);
         m_pFontInUse = font;
         m_nFontHeight = height;
     }

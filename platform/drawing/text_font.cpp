@@ -3,8 +3,10 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "qellib10/platform/drawing/font_alias.h"
 #include "qellib10/platform/text/code_page.h"
@@ -54,6 +56,23 @@ std::string WithoutControls(std::string_view utf8, bool keepsLineEnds) {
     }
     return clean;
 }
+
+// All that a font depends on.
+struct FontKey {
+    FontKey(const LOGFONT& font, int deviceHeight)
+        : face(font.lfFaceName, strnlen(font.lfFaceName, LF_FACESIZE)),
+          weight(font.lfWeight),
+          look{font.lfItalic != 0, font.lfUnderline != 0, font.lfStrikeOut != 0},
+          height(deviceHeight),
+          codePage(CodePage()) {}
+    bool operator==(const FontKey&) const = default;
+
+    std::string face;
+    LONG weight;
+    std::array<bool, 3> look;
+    int height;
+    unsigned codePage;
+};
 
 class PangoTextFont : public TextFont {
 public:
@@ -139,12 +158,20 @@ private:
         pango_layout_set_text(m_layout.get(), text.data(), static_cast<int>(text.size()));
     }
 
+    // Texts of a picture that is drawn again and again are measured once.
     int WidthOf(const std::string& text) const {
         if (text.empty()) return 0;
+        constexpr std::size_t kMost = 32, kLongest = 256;  // bytes; what is longer is not kept
+        const auto known = std::ranges::find(m_aryMeasured, text, &Measure::text);
+        if (known != m_aryMeasured.end()) return known->width;
         Place(text);
         PangoRectangle logical;
         pango_layout_line_get_extents(pango_layout_get_line_readonly(m_layout.get(), 0), nullptr, &logical);
-        return Rounded(logical.width);
+        const int width = Rounded(logical.width);
+        if (text.size() > kLongest) return width;
+        if (m_aryMeasured.size() == kMost) m_aryMeasured.erase(m_aryMeasured.begin());
+        m_aryMeasured.push_back({text, width});
+        return width;
     }
 
     TextLine Measured(std::string text) const {
@@ -155,15 +182,39 @@ private:
         return line;
     }
 
+    struct Measure {
+        std::string text;
+        int width;
+    };
+
     Owned<PangoContext> m_context;
     Owned<PangoLayout> m_layout;
     Owned<PangoFontDescription> m_description;
+    mutable std::vector<Measure> m_aryMeasured;  // the last ones
 };
 
 }  // namespace
 
 std::shared_ptr<const TextFont> TextFont::Create(const LOGFONT& description, int height) {
     return std::make_shared<PangoTextFont>(description, height);
+}
+
+std::shared_ptr<const TextFont> TextFont::Kept(const LOGFONT& description, int height) {
+    struct Entry {
+        FontKey key;
+        std::shared_ptr<const TextFont> font;
+    };
+    constexpr std::size_t kMost = 8;
+    thread_local std::vector<Entry> kept;  // the one asked for last comes first
+    FontKey key(description, height);
+    auto found = std::ranges::find(kept, key, &Entry::key);
+    if (found == kept.end()) {
+        Entry made{std::move(key), Create(description, height)};
+        if (kept.size() == kMost) kept.pop_back();
+        found = kept.insert(kept.end(), std::move(made));
+    }
+    std::rotate(kept.begin(), found, found + 1);
+    return kept.front().font;
 }
 
 }  // namespace qel

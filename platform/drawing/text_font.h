@@ -25,6 +25,9 @@ public:
     /// @param description face and look, its height passed over
     /// @param height device units: below 0 the em height, above 0 that of a cell; not 0
     static std::shared_ptr<const TextFont> Create(const LOGFONT& description, int height);
+    /// The same, or one of the last few that this thread has got here, if it is as asked for: making one takes as long
+    /// as drawing several texts.
+    static std::shared_ptr<const TextFont> Kept(const LOGFONT& description, int height);
     virtual ~TextFont() = default;
 
     int Ascent() const noexcept { return m_nAscent; }

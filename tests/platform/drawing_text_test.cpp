@@ -4,6 +4,7 @@
 #include <string>
 
 #include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/drawing/text_font.h"
 
 #include "../support/cases.h"
 #include "../support/child_process.h"
@@ -215,5 +216,37 @@ TEST(Text, AnyFaceSizeAndByteIsDrawn) {
         EXPECT_TRUE(canvas.dc.TextOut(2, 2, CString(text)));
         EXPECT_GT(canvas.dc.GetTextExtent(CString(text)).cx, 0);
         EXPECT_GE(canvas.Ink().Width(), text == kJapanese ? 14 : 0);
+    }
+}
+
+TEST(TextFont, IsKeptUntilSomethingThatItDependsOnIsAnother) {
+    LOGFONT font{};
+    std::strcpy(font.lfFaceName, "Liberation Sans");
+    const auto kept = qel::TextFont::Kept(font, -12);
+    EXPECT_EQ(qel::TextFont::Kept(font, -12), kept);
+    EXPECT_NE(qel::TextFont::Kept(font, 12), kept);
+    using Change = void (*)(LOGFONT&);
+    const Cases<const char*, Change> cases{
+        {"face", [](LOGFONT& other) { std::strcpy(other.lfFaceName, "Liberation Serif"); }},
+        {"weight", [](LOGFONT& other) { other.lfWeight = 700; }},
+        {"italic", [](LOGFONT& other) { other.lfItalic = 1; }},
+        {"underline", [](LOGFONT& other) { other.lfUnderline = 1; }},
+        {"strikeout", [](LOGFONT& other) { other.lfStrikeOut = 1; }},
+    };
+    for (const auto& [what, change] : cases) {
+        LOGFONT other = font;
+        change(other);
+        EXPECT_NE(qel::TextFont::Kept(other, -12), kept) << what;
+    }
+    const CodePageScope western(1252);
+    EXPECT_NE(qel::TextFont::Kept(font, -12), kept);
+}
+
+TEST(TextFont, MeasuresATextTheSameEachTime) {
+    LOGFONT font{};
+    const auto kept = qel::TextFont::Kept(font, -20);
+    for (int i = 0; i < 200; ++i) {
+        const std::string text = std::string(static_cast<std::size_t>(i % 50 * 7), 'm') + ".5";
+        ASSERT_EQ(kept->Line(text).width, qel::TextFont::Create(font, -20)->Line(text).width) << text;
     }
 }
