@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <span>
 
 #include "cubic_fit.h"
@@ -106,6 +107,19 @@ Points Around(const Points& points, double volume, std::size_t reach) {
     return {part(points.x), part(points.y)};
 }
 
+// Of an instrument whose last digit hardly changes between readings, noise cannot be seen in them.
+double RoundingNoise(const Points& points) {
+    double smallest = std::numeric_limits<double>::infinity();
+    std::size_t equal = 0;
+    for (std::size_t i = 1; i < points.y.size(); ++i) {
+        const double difference = std::abs(points.y[i] - points.y[i - 1]);
+        if (difference > 0) smallest = std::min(smallest, difference);
+        equal += difference == 0 ? 1 : 0;
+    }
+    const bool isRounded = equal >= points.y.size() / 4 && std::isfinite(smallest);
+    return isRounded ? smallest / std::sqrt(12.0) : 0;
+}
+
 }  // namespace
 
 // Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
@@ -145,6 +159,7 @@ std::optional<Step> SteepestStep(const Points& points, double direction, double 
     const std::size_t count = points.x.size();
     if (count < kFewestPoints) return std::nullopt;
     if (count <= kMostPoints) return SearchAll(points, direction, noise);
+    noise = std::max(noise, RoundingNoise(points));
     const std::size_t group = (count + kMostPoints - 1) / kMostPoints;
     const Points means = MeansOf(points, group);
     std::optional<Step> coarse = SearchAll(means, direction, noise / std::sqrt(static_cast<double>(group)));
@@ -152,7 +167,7 @@ std::optional<Step> SteepestStep(const Points& points, double direction, double 
     coarse->points *= group;
     const Points around = Around(points, coarse->volume, std::min(coarse->points, kMostPoints / 2));
     const std::optional<Step> fine = SearchAll(around, direction, noise);
-    return fine && fine->error <= coarse->error + IntervalAt(points.x, fine->volume) / 2 ? fine : coarse;
+    return fine && IsSure(*fine) ? fine : coarse;
 }
 
 }  // namespace titration
