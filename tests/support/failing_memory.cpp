@@ -36,3 +36,11 @@ void operator delete(void* place) noexcept { std::free(place); }
 void operator delete(void* place, std::size_t) noexcept { std::free(place); }
 void operator delete(void* place, std::align_val_t) noexcept { std::free(place); }
 void operator delete(void* place, std::size_t, std::align_val_t) noexcept { std::free(place); }
+
+// Those of arrays come here by themselves, but not where a sanitizer has its own.
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, std::align_val_t alignment) { return operator new(size, alignment); }
+void operator delete[](void* place) noexcept { std::free(place); }
+void operator delete[](void* place, std::size_t) noexcept { std::free(place); }
+void operator delete[](void* place, std::align_val_t) noexcept { std::free(place); }
+void operator delete[](void* place, std::size_t, std::align_val_t) noexcept { std::free(place); }
