@@ -1,7 +1,5 @@
 #include "qellib10/file/log_file.h"
 
-#include <unistd.h>
-
 #include <span>
 
 #include "qellib10/platform/storage/block_io.h"
@@ -9,7 +7,6 @@
 #include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
-#include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
 namespace {
@@ -21,10 +18,7 @@ constexpr OpenRequest kAppend = {
 
 LogFile::~LogFile() {
     if (!m_file) return;
-    // Behind what was appended, by itself alone: until the file is closed it is nobody else's.
-    const off_t end = m_appended > 0 ? ::lseek(m_file.Get(), 0, SEEK_CUR) : -1;
-    const off_t start = end - static_cast<off_t>(m_appended);
-    if (end >= 0 && start >= 0) Uninterrupted([&] { return ::ftruncate(m_file.Get(), start); });
+    CutBack(m_file, m_appended);  // nobody else's bytes: until the file is closed nobody else has it
     CloseShared(m_file);
 }
 

@@ -106,6 +106,12 @@ void WriteFullyAt(const Descriptor& file, std::span<const std::byte> bytes, std:
     });
 }
 
+void CutBack(const Descriptor& file, std::uint64_t count) noexcept {
+    const off_t end = count > 0 ? ::lseek(file.Get(), 0, SEEK_CUR) : -1;
+    const off_t start = end - static_cast<off_t>(count);
+    if (end >= 0 && start >= 0) Uninterrupted([&] { return ::ftruncate(file.Get(), start); });
+}
+
 std::uint64_t CopyBytes(const Descriptor& from, std::uint64_t fromOffset, const Descriptor& to, std::uint64_t toOffset,
                         std::uint64_t count, std::string_view fromName, std::string_view toName) {
     if (fromOffset == 0 && toOffset == 0 && ShareBlocks(from, to, count)) return count;

@@ -37,6 +37,10 @@ QELLIB10_API void WriteFully(const Descriptor& file, std::span<const std::byte> 
 QELLIB10_API void WriteFullyAt(const Descriptor& file, std::span<const std::byte> bytes, std::uint64_t offset,
                                std::string_view name);
 
+/// Takes back the @p count bytes before the current position, which are the file's last: the file ends before them, as
+/// far as the system lets it.
+void CutBack(const Descriptor& file, std::uint64_t count) noexcept;
+
 /// Copies @p count bytes between two files without moving their positions: shares the blocks where the file system can,
 /// lets the kernel copy where it can, else reads and writes.
 /// @return bytes copied, fewer than @p count only at the end of @p from
