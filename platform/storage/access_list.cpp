@@ -59,8 +59,8 @@ AccessList::AccessList(const std::string& posixPath, std::string_view name) {
     if (bytes && IsUnderstood(*bytes)) m_bytes = *std::move(bytes);
 }
 
-mode_t AccessList::GroupBits() const {
-    return static_cast<mode_t>(Rights(m_bytes, kOwnGroup, 0) & Rights(m_bytes, kMask, 07)) << 3;
+unsigned AccessList::GroupBits() const {
+    return static_cast<unsigned>(Rights(m_bytes, kOwnGroup, 0) & Rights(m_bytes, kMask, 07)) << 3;
 }
 
 void AccessList::LimitGroup() {

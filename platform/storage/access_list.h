@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -29,7 +27,7 @@ public:
 
     bool IsEmpty() const noexcept { return m_bytes.empty(); }
     /// What the file's group may do, as bits of a mode; those of the mode itself are then the list's mask.
-    mode_t GroupBits() const;
+    unsigned GroupBits() const;
     /// Lets the group do no more than others, for a file that is of another group than this list was made for.
     void LimitGroup();
     /// Gives the list to a file, in place of one that its folder has given it. @return 0 or the errno

@@ -1,5 +1,6 @@
 #include "qellib10/platform/storage/access_rights.h"
 
+#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <string>
 #include <string_view>
+
+struct stat;
 
 namespace qel {
 

@@ -37,13 +37,19 @@ bool IsUnchanged(const struct stat& before, const struct stat& now) {
 
 }  // namespace
 
-Replacement::Replacement(std::string_view path, mode_t newMode)
-    : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)), m_pattern(m_target) {
+Replacement::Replacement(std::string_view path, unsigned newMode)
+    : m_name(path),
+      m_target(BehindLinks(ToPosixPath(path), path)),
+      m_pattern(m_target),
+      m_given(std::make_unique<struct stat>()) {
     Make(newMode);
 }
 
 Replacement::Replacement(std::string_view path, const std::string& posixPattern)
-    : m_name(path), m_target(BehindLinks(ToPosixPath(path), path)), m_pattern(posixPattern) {
+    : m_name(path),
+      m_target(BehindLinks(ToPosixPath(path), path)),
+      m_pattern(posixPattern),
+      m_given(std::make_unique<struct stat>()) {
     Make(kOwnersAlone);
 }
 
@@ -51,15 +57,15 @@ Replacement::~Replacement() = default;
 
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
-void Replacement::Make(mode_t newMode) {
-    const bool isThere = IsThere(m_pattern, m_name, m_given);
+void Replacement::Make(unsigned newMode) {
+    const bool isThere = IsThere(m_pattern, m_name, *m_given);
     m_made = std::make_unique<UnfinishedFile>(m_target, isThere ? kOwnersAlone : newMode, m_name);
-    if (isThere && S_ISREG(m_given.st_mode)) GiveAccessRights(File().Get(), m_given, m_pattern, m_name);
+    if (isThere && S_ISREG(m_given->st_mode)) GiveAccessRights(File().Get(), *m_given, m_pattern, m_name);
 }
 
 // What was made meanwhile is replaced with its rights, too.
 void Replacement::GiveRights(const struct stat& pattern) {
-    if (!IsUnchanged(m_given, pattern)) GiveAccessRights(File().Get(), pattern, m_pattern, m_name);
+    if (!IsUnchanged(*m_given, pattern)) GiveAccessRights(File().Get(), pattern, m_pattern, m_name);
     GiveAttributes(File().Get(), m_pattern, m_name);
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/descriptor.h"
+
+struct stat;
 
 namespace qel {
 
@@ -28,7 +28,7 @@ class QELLIB10_API Replacement {
 public:
     /// @param newMode where there is no old file: the mode of the new one, less the umask
     /// @throws CFileException when the new file cannot be made, or would get more rights than the old one has
-    explicit Replacement(std::string_view path, mode_t newMode = 0666);
+    explicit Replacement(std::string_view path, unsigned newMode = 0666);
     /// A new file that gets owner, rights and attributes of the file at @p posixPattern instead, for one that is moved.
     Replacement(std::string_view path, const std::string& posixPattern);
     /// Removes what was written, unless committed.
@@ -48,14 +48,14 @@ public:
     void CommitNew();
 
 private:
-    void Make(mode_t newMode);
+    void Make(unsigned newMode);
     void GiveRights(const struct stat& pattern);
     void Done();
 
     std::string m_name;  // as the caller knows it
     std::string m_target;
-    std::string m_pattern;     // whose rights it gets
-    struct stat m_given = {};  // that file as it was when they were given
+    std::string m_pattern;                 // whose rights it gets
+    std::unique_ptr<struct stat> m_given;  // that file as it was when they were given
     std::unique_ptr<UnfinishedFile> m_made;
 };
 

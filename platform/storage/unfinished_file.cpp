@@ -44,7 +44,7 @@ bool RemoveLeftover(const std::string& path) {
 
 }  // namespace
 
-UnfinishedFile::UnfinishedFile(const std::string& target, mode_t mode, std::string_view name) {
+UnfinishedFile::UnfinishedFile(const std::string& target, unsigned mode, std::string_view name) {
     unsigned number = 0;
     do {
         if (number == kNumbers) ThrowCode(kFileExists, name);
@@ -57,7 +57,7 @@ UnfinishedFile::UnfinishedFile(const std::string& target, mode_t mode, std::stri
 }
 
 // @return false when another file has the name, or this one has lost it
-bool UnfinishedFile::Make(mode_t mode, std::string_view name) {
+bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
     constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     const auto make = [&] {
         m_file.Reset(Uninterrupted([&] { return ::open(m_path.c_str(), kNew, mode); }));

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <string>
 #include <string_view>
 
@@ -18,7 +16,7 @@ public:
     /// @param target a POSIX path, @p name what exceptions call it
     /// @param mode as for open()
     /// @throws CFileException
-    UnfinishedFile(const std::string& target, mode_t mode, std::string_view name);
+    UnfinishedFile(const std::string& target, unsigned mode, std::string_view name);
     /// Removes it, unless finished.
     ~UnfinishedFile();
     UnfinishedFile(const UnfinishedFile&) = delete;
@@ -31,7 +29,7 @@ public:
     void Finish() noexcept { m_path.clear(); }
 
 private:
-    bool Make(mode_t mode, std::string_view name);
+    bool Make(unsigned mode, std::string_view name);
 
     std::string m_path;
     Descriptor m_file;
