@@ -8,6 +8,7 @@
 #include <qellib10/qellib10.h>
 
 #include "failure.h"
+#include "noise.h"
 #include "number.h"
 #include "step_doubts.h"
 #include "stray_readings.h"
@@ -42,10 +43,17 @@ Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
                       std::to_string(all.x.size()));
     }
     const auto [low, high] = std::ranges::minmax(judged.readings.signal);
-    judged.noise = Noise(all);
+    judged.noise = RoughNoise(all);
     judged.direction = Direction(judged.readings.signal);
-    judged.tolerance = std::max(kToleranceNoise * judged.noise, kToleranceRange * (high - low));
-    judged.strays = StrayReadings(judged.readings.signal, judged.tolerance);
+    const auto leaveOut = [&, range = high - low] {
+        judged.tolerance = std::max(kToleranceNoise * judged.noise, kToleranceRange * range);
+        judged.strays = StrayReadings(judged.readings.signal, judged.tolerance);
+    };
+    leaveOut();
+    if (const Points kept = KeptPoints(judged.readings, judged.strays); kept.x.size() >= kFewestPoints) {
+        judged.noise = Noise(kept);
+        leaveOut();
+    }
     return judged;
 }
 

@@ -11,14 +11,13 @@ namespace titration {
 namespace {
 
 constexpr std::size_t kFewestPoints = 5;
-constexpr std::size_t kLongestRun = 500;     // keeps the time for a long curve in bounds
-constexpr std::size_t kMostPoints = 500;     // of more, means are searched first
-constexpr std::size_t kEndReadings = 7;      // give the direction of a curve
-constexpr double kSlopeTolerance = 0.1;      // of the slope
-constexpr double kBendCertainty = 4;         // standard errors
-constexpr double kLowerQuartile = 0.318639;  // of |z| for standard normal z
-constexpr double kOverQuotient = 1.3;        // a fit between uneven steps may overshoot what the readings rise
-constexpr double kQuotientNoise = 6;         // in the difference of two readings, deviations of one
+constexpr std::size_t kLongestRun = 500;  // keeps the time for a long curve in bounds
+constexpr std::size_t kMostPoints = 500;  // of more, means are searched first
+constexpr std::size_t kEndReadings = 7;   // give the direction of a curve
+constexpr double kSlopeTolerance = 0.1;   // of the slope
+constexpr double kBendCertainty = 4;      // standard errors
+constexpr double kOverQuotient = 1.3;     // a fit between uneven steps may overshoot what the readings rise
+constexpr double kQuotientNoise = 6;      // in the difference of two readings, deviations of one
 constexpr double kAboutAsSteep = 0.9;
 
 using Span = std::span<const double>;
@@ -121,28 +120,6 @@ double RoundingNoise(const Points& points) {
 }
 
 }  // namespace
-
-// Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
-// reading, and the lower quartile is taken because the bends of a curve with few points would fill the upper half.
-double Noise(const Points& points) {
-    std::vector<double> deviations;
-    for (std::size_t i = 0; i + 4 <= points.x.size(); ++i) {
-        double sum = 0;
-        double squares = 0;
-        for (std::size_t j = i; j < i + 4; ++j) {
-            double product = 1;
-            for (std::size_t k = i; k < i + 4; ++k) {
-                if (k != j) product *= points.x[j] - points.x[k];
-            }
-            sum += points.y[j] / product;
-            squares += 1 / (product * product);
-        }
-        deviations.push_back(std::abs(sum) / std::sqrt(squares));
-    }
-    const auto quartile = deviations.begin() + static_cast<std::ptrdiff_t>(deviations.size() / 4);
-    std::ranges::nth_element(deviations, quartile);
-    return *quartile / kLowerQuartile;
-}
 
 double Direction(const std::vector<double>& signal) {
     const auto count = static_cast<std::ptrdiff_t>(std::clamp<std::size_t>(signal.size() / 4, 3, kEndReadings));

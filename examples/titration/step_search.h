@@ -21,9 +21,6 @@ struct Step {
     double interval = 0;     // between the points around it, or the means of points
 };
 
-/// The standard deviation of a reading, estimated from the curve itself: at least 4 points.
-double Noise(const Points& points);
-
 /// 1 for a curve that rises from its first readings to its last ones, -1 for one that falls.
 double Direction(const std::vector<double>& signal);
 

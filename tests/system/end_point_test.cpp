@@ -47,7 +47,30 @@ titration::Curve EvenCurve(double first = 0, double last = 20, double interval =
     return curve;
 }
 
+// Silver chloride, as measured: volume in mL, potential in mV. The noise is about 1 mV.
+const titration::Curve& SilverChloride() {
+    static const titration::Curve curve =
+        Curve({0,   0.2, 0.4,  0.6,  0.8, 1,    1.2,  1.4, 1.5, 1.6, 1.7, 1.8,
+               1.9, 2,   2.04, 2.12, 2.2, 2.24, 2.28, 2.3, 2.4, 2.6, 3,   3.2},
+              {206.8, 206.5, 204.2, 197.8, 194.3, 188.2, 183.5, 177.3, 172,  166.8, 158.4, 149.4,
+               135.3, 96.9,  79.9,  51.6,  42.9,  37.3,  33.5,  33.7,  24.8, 14.1,  3.3,   -1.8});
+    return curve;
+}
+
 }  // namespace
+
+// A curve of few readings that is steep everywhere seemed to be noisy.
+TEST(EndPoint, OfASteepMeasuredCurveIsCertain) {
+    for (const auto& [stray, height] :
+         Cases<std::size_t, double>{{0, 0}, {3, 60}, {4, -60}, {20, 40}, {19, -40}}) {  // a height of 0: no stray
+        titration::Curve curve = SilverChloride();
+        curve.signal[stray] += height;
+        const titration::EndPoint found = titration::FindEndPoint(curve);
+        EXPECT_NEAR(found.volume, 2.0013, 0.0001) << stray;
+        EXPECT_LT(found.noise, 1.5) << stray;
+        EXPECT_EQ(std::ranges::count(found.strays, stray), height == 0 ? 0 : 1) << stray;
+    }
+}
 
 // Half a step between readings from where it is on the clean curve, or refused.
 TEST(EndPoint, OfMadeCurvesIsRightOrRefused) {
