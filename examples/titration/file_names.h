@@ -11,7 +11,8 @@ namespace titration {
 inline std::string MethodName(DWORD version) { return "method-" + std::to_string(version) + ".xml"; }
 inline std::string CurveName(DWORD version) { return "curve-" + std::to_string(version) + ".csv"; }
 inline std::string JobName(DWORD version) { return "report-" + std::to_string(version) + ".job"; }
-inline std::string TakenOutName(DWORD version) { return "version-" + std::to_string(version) + ".qel"; }
+// In a folder of its own, because its seal holds the name that it was sealed under.
+inline std::string TakenOutName(DWORD version) { return "version-" + std::to_string(version) + "/variables.qel"; }
 inline std::string PageName(int page) { return "page-" + std::to_string(page) + ".png"; }
 
 inline constexpr const char* kAllPages = "page-*.png";

@@ -72,6 +72,8 @@ const CHistoryRenewInfo& History::Register(const std::string& path, const std::s
 const CHistoryRenewInfo& History::TakeOut(DWORD version, const std::string& path) {
     if (version == 0 || version > Latest())
         throw Failure("there is no version " + std::to_string(version) + ", the latest is " + std::to_string(Latest()));
+    const CString folder = CQFile::GetFolderFromPath(path.c_str());
+    if (CQFile::CreateDirectories(folder) == 0) throw Failure(std::string(folder) + ": cannot be made");
     if (m_cabinet.GetVersionFile(version, path.c_str()) == 0)
         throw Failure(path + ": cannot be written, or the version is damaged");
     return m_records[version - 1];

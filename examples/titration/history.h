@@ -22,7 +22,7 @@ public:
     /// @throws Failure
     const CHistoryRenewInfo& Register(const std::string& path, const std::string& operatorName,
                                       const std::string& comment);
-    /// Writes version @p version to @p path.
+    /// Writes version @p version to @p path; its folder is made.
     /// @throws Failure when there is no such version, or it is damaged
     const CHistoryRenewInfo& TakeOut(DWORD version, const std::string& path);
     /// The cabinet's GUID, and its latest versions with their records, one a line.

@@ -31,7 +31,8 @@ constexpr Kind kKinds[] = {
     {"renewals.qel", "who registered each version, when and why"},
     {"method-*.xml", "the method of a version, enciphered"},
     {"curve-*.csv", "the measured curve of a version"},
-    {"version-*.qel", "a version that was taken out"},
+    {"version-*/variables.qel", "a version that was taken out"},
+    {"version-*.qel", "the same, as earlier releases named it"},
     {"curve.png", "the curve of the latest result"},
     {"report-*.job", "the report on a version as a print job"},
     {kAllPages, "a preview of what was printed last"},
@@ -75,10 +76,12 @@ bool IsLine(std::string_view line, bool isFile) {
     return isFile ? IsFile(value) : IsSample(value);
 }
 
-DWORD SizeOf(const std::string& path) {
-    DWORD size = 0;
-    if (CQFile::GetFileSize(path.c_str(), &size) == 0) throw Failure(path + ": is missing");
-    return size;
+std::vector<std::string> EntriesOf(const CString& folder, const std::string& pattern, bool isFolder) {
+    std::vector<std::string> names;
+    for (const qel::FoundFile& found : qel::FindFiles(CQFile::BuildFilePath(folder, pattern.c_str()).View())) {
+        if (found.isFolder == isFolder) names.emplace_back(found.name);
+    }
+    return names;
 }
 
 }  // namespace
@@ -86,7 +89,16 @@ DWORD SizeOf(const std::string& path) {
 MadeFiles::MadeFiles(const CString& folder) : m_folder(folder), m_sums(CQFile::BuildFilePath(folder, kSums)) {}
 
 std::string MadeFiles::Path(const std::string& name) const {
-    return std::string(CQFile::BuildFilePath(m_folder, name.c_str()));
+    const std::size_t slash = name.find('/');
+    if (slash == std::string::npos) return std::string(CQFile::BuildFilePath(m_folder, name.c_str()));
+    const CString folder = CQFile::BuildFilePath(m_folder, name.substr(0, slash).c_str());
+    return std::string(CQFile::BuildFilePath(folder, name.substr(slash + 1).c_str()));
+}
+
+DWORD MadeFiles::SizeOf(const std::string& name) const {
+    DWORD size = 0;
+    if (CQFile::GetFileSize(Path(name).c_str(), &size) == 0) throw Failure(name + ": is missing");
+    return size;
 }
 
 // Of its first bytes.
@@ -98,7 +110,7 @@ std::string MadeFiles::Described(const std::string& name, DWORD size) const {
     });
 }
 
-std::string MadeFiles::Described(const std::string& name) const { return Described(name, SizeOf(Path(name))); }
+std::string MadeFiles::Described(const std::string& name) const { return Described(name, SizeOf(name)); }
 
 std::string MadeFiles::AsMade(const std::string& name) const {
     const std::string made(m_sums.Get(kFiles, name.c_str(), ""));
@@ -140,15 +152,19 @@ void MadeFiles::RequireAsMade(const std::string& name) const {
 void MadeFiles::RequireBeginsAsMade(const std::string& name) const {
     const std::string made = AsMade(name);
     const auto before = static_cast<DWORD>(ParseWholeNumber(made.substr(0, made.find(' '))).value_or(0));
-    const std::string now = Described(name, std::min(before, SizeOf(Path(name))));
+    const std::string now = Described(name, std::min(before, SizeOf(name)));
     if (now != made) throw Failure("begins with " + now + ", and had " + made);
 }
 
 std::vector<std::string> MadeFiles::Matching(const std::string& pattern) const {
     return OnFile(pattern, [&] {
         std::vector<std::string> names;
-        for (const qel::FoundFile& found : qel::FindFiles(CQFile::BuildFilePath(m_folder, pattern.c_str()).View())) {
-            if (!found.isFolder) names.emplace_back(found.name);
+        const std::size_t slash = pattern.find('/');
+        if (slash == std::string::npos) return EntriesOf(m_folder, pattern, false);
+        for (const std::string& folder : EntriesOf(m_folder, pattern.substr(0, slash), true)) {
+            for (const std::string& name : EntriesOf(Path(folder).c_str(), pattern.substr(slash + 1), false)) {
+                names.push_back(folder + "/" + name);
+            }
         }
         return names;
     });
@@ -195,7 +211,7 @@ std::string MadeFiles::Listed() const {
     for (const auto& [pattern, what] : kKinds) {
         for (const std::string& name : Matching(pattern)) {
             CString line;
-            line.Format("%9u  %-22s %s\n", SizeOf(Path(name)), name.c_str(), what);
+            line.Format("%9u  %-24s %s\n", SizeOf(name), name.c_str(), what);
             text += std::string(line);
         }
     }

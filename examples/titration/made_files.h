@@ -19,6 +19,7 @@ class MadeFiles {
 public:
     explicit MadeFiles(const CString& folder);
 
+    /// @param name of a file, or with one slash of a file in a folder below
     std::string Path(const std::string& name) const;
     /// Writes down what the file is like now.
     /// @throws Failure
@@ -37,7 +38,8 @@ public:
     /// The sample report of the time when the file was made.
     std::string SampleOf(const std::string& name) const { return std::string(m_sums.Get(kSamples, name.c_str(), "")); }
 
-    /// Those that are there, in the order of their names.
+    /// Those that are there, in the order of their names; a pattern may name folders below, as
+    /// `version-*/variables.qel`.
     /// @throws Failure
     std::vector<std::string> Matching(const std::string& pattern) const;
     /// Those that are written down, there or not.
@@ -52,6 +54,7 @@ public:
 private:
     static constexpr const char *kFiles = "files", *kSamples = "samples";
 
+    DWORD SizeOf(const std::string& name) const;
     std::string Described(const std::string& name, DWORD size) const;
     std::string Described(const std::string& name) const;
     std::string AsMade(const std::string& name) const;

@@ -50,7 +50,7 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
     Log(stage::kTookOut + name);
     std::string text =
         "History    results.hcf " + history.Listed(kIndent) + "Taken out  " + name + ", " + Described(record) + "\n";
-    const CCalcVariableList variables = LoadRenamedVariables(made.Path(name));
+    const CCalcVariableList variables = LoadVariables(made.Path(name));
     CCalcVariable variable;
     for (int i = 0; variables.GetVariableData(i, &variable) != 0; ++i) {
         CString value;

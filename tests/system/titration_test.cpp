@@ -229,6 +229,8 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     const Outcome good = Run("--verify --out results");
     EXPECT_TRUE(good.out.ends_with("\n21 checks, all right\n")) << good.out;
     EXPECT_EQ(good.status, 0);
+    EXPECT_EQ(OutputOf(QELLIB10_QEL " verify '" + Path("results") + "'; echo $?"),
+              "19 files: 9 intact, 10 unknown\n0\n");
     std::istringstream list(Run("--list --out results").out);
     std::string line, listed;
     for (std::getline(list, line); std::getline(list, line);) {
@@ -274,8 +276,8 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
               "FAILED: curve.png: its sample in made.ini is not that of report-2.job"},
              {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: is missing"},
              {"curve-1.csv", flip(300), "FAILED: curve-1.csv: has "},
-             {"version-1.qel", flip(100), "FAILED: version-1.qel: has "},
-             {"version-1.qel", nullptr, "FAILED: version-1.qel: is missing"},
+             {"version-1/variables.qel", flip(100), "FAILED: version-1/variables.qel: has "},
+             {"version-1/variables.qel", nullptr, "FAILED: version-1/variables.qel: is missing"},
              {"report-1.job", flipIn("</commands>"), "FAILED: report-1.job: is missing, or no job file"},
              {"report-1.job", flipIn("width=\"4"), "FAILED: report-1.job: "},
              {"report-1.job", flipIn("49.6"), "FAILED: report-1.job: shows \"Titration: ACIDITY 59.6 g/L\""},
@@ -333,9 +335,9 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
         EXPECT_EQ(Run("--verify --out results").out, good.out) << "it changes nothing, and depends on no time zone";
     }
     EXPECT_EQ(m_folder.Read("results/users.db"), users);
-    std::filesystem::remove(m_folder.Posix("results/version-1.qel"));
-    m_folder.Write("results/made.ini", Replaced(sums, "\nversion-1.qel=", "\nx="));
-    EXPECT_NE(Run("--verify --out results").out.find("FAILED: version-1.qel: is missing"), std::string::npos);
+    std::filesystem::remove(m_folder.Posix("results/version-1/variables.qel"));
+    m_folder.Write("results/made.ini", Replaced(sums, "\nversion-1/variables.qel=", "\nx="));
+    EXPECT_NE(Run("--verify --out results").out.find("FAILED: version-1/variables.qel: is missing"), std::string::npos);
     m_folder.Write("results/made.ini", sums);
     EXPECT_EQ(Run("--take-out 1 --out results --password wrong").status, 1);
     EXPECT_EQ(Run("--take-out 1 --out results").status, 0);
