@@ -22,6 +22,7 @@
 #include "made_files.h"
 #include "number.h"
 #include "options.h"
+#include "progress.h"
 #include "renewals.h"
 #include "report.h"
 #include "report_page.h"
@@ -117,6 +118,7 @@ void Run(const Options& options, const CString& folder) {
     MadeFiles made(folder);
     std::string text;
     try {
+        const Progress progress("Working in " + options.out);
         text = Do(options, folder, made);
     } catch (const Failure& failure) {
         Log(std::string("failed: ") + failure.what());

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace titration {
+
+/// A line on a terminal for a run that takes long: what is done and for how many seconds, once a second. The line goes
+/// at the end of the scope. Where the descriptor is no terminal, and before @p after, nothing is written.
+class Progress {
+public:
+    explicit Progress(std::string what, int descriptor = STDERR_FILENO,
+                      std::chrono::milliseconds after = std::chrono::seconds(2));
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+private:
+    void Show(std::chrono::milliseconds after);
+    void Write(const std::string& text) const;
+
+    const std::string m_what;
+    const int m_descriptor;
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
+    bool m_isEnded = false;
+    std::thread m_thread;
+};
+
+}  // namespace titration
