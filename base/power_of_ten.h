@@ -5,4 +5,7 @@ namespace qel {
 /// The power of ten that rounding multiplies by: the double nearest to it for exponents -22 to 22, else pow's.
 double PowerOfTen(int exponent);
 
+/// |x| in tenths of the last of @p digits places, 0 or more: the product that CQVariant::fround rounds.
+double InTenths(double x, int digits);
+
 }  // namespace qel

@@ -26,8 +26,8 @@ inline constexpr std::array<double, 23> kUnits = {1e-0,  1e-1,  1e-2,  1e-3,  1e
 /// One digit more than these is looked at.
 inline constexpr int kMostExactDigits = static_cast<int>(kPowersOfTen.size()) - 2;
 
-/// Tenths of a unit from 2^53 units on, where doubles are more than a unit apart.
-inline constexpr double kTooLargeTenths = 0x1p53 * 10;
+/// From so many tenths of a unit on numbers are not rounded: beyond 64-bit integers.
+inline constexpr double kTooLargeTenths = 0x1p63;
 
 /// The rule of CQVariant::fround step by step; fround takes a shorter way to the same doubles where there is one.
 QELLIB10_API double RoundByRule(double x, int digits, int mode);
@@ -52,8 +52,8 @@ public:
     /// what doubles lack: 1.005 rounds to 1.01. It also makes a half of what is up to a thousandth of a unit below it,
     /// so 2.34999 with 1 digit is 2.4; by hand it is 2.3, as CBCD::Round gives it. Digits after that one are not looked
     /// at, also with mode above 0: 1.0001 with 2 digits stays 1. A negative number that rounds to nothing gives -0.
-    /// From 2^53 units of the last kept digit on, where doubles are more than one unit apart, numbers come back
-    /// unchanged, as do infinities and NaN.
+    /// From 2^53 tenths of the last kept digit on the product is no longer exact and the last digits may be off; kept,
+    /// as results are stored in files. Numbers from 2^63 tenths on, infinities and NaN come back unchanged.
     ///
     /// Below 0 digits (-2: hundreds) the modes are -1, 0 and 1; any other gives |x| * 10^-digits with the sign of x.
     static double fround(double x, int digits, int mode) {
@@ -71,8 +71,10 @@ public:
     }
 
     /// @p x by fround with exactly @p digits places. For 0 and fewer the rounded number as an int, -2147483648 when it
-    /// is outside the range of int (infinities and NaN are). With places these read inf and nan, behind a "-" when the
-    /// sign bit is set.
+    /// is outside the range of int (infinities and NaN are). With places these read inf and nan, after a "-" when the
+    /// sign bit is set. All digits of fround's double are printed; exactly between two texts it is the one further from
+    /// zero. With places and @p mode 0, from 2^53 units of the last one on (|x| * 10^(digits + 1), as fround computes
+    /// it, is 2^53 * 10 or more), the digits are those of @p x itself, since none of fround's are left there.
     static CString DoubleToStr(double x, int digits, int mode);
 
     /// A sign ("-" or a blank) and |x| with @p decimals places, not by fround: a tie goes away from zero. At most
@@ -104,8 +106,8 @@ public:
     /// an exponent after e, E, d or D; no hexadecimal digits ("0x10" is 0), no names of infinities, no comma. @p n and
     /// a first "-" as in StrToInt. Before reading, ".000" is appended to a text without a point and "000" to one with a
     /// point, which lengthens an exponent after a point: "1.5e2" is infinite and "1.5E-3" is 0. Kept: texts without an
-    /// exponent read right, and stored ones have none. What an instrument sends is read by qel::ReadNumber, which also
-    /// reports that a text is no number; here that is 0.
+    /// exponent read right, and stored ones have none. Those of ExponentialDigit3to2 have one. They, and what an
+    /// instrument sends, are read by qel::ReadNumber, which also reports that a text is no number; here that is 0.
     static double StrToDouble(const char* s, int n);
     static double StrToDouble(const CString& s);
 

@@ -10,6 +10,7 @@
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/text/number_text.h"
 
+#include "qellib10/base/power_of_ten.h"
 #include "qellib10/base/rounded_units.h"
 
 namespace qel {
@@ -20,6 +21,10 @@ constexpr int kMostDigits = 8;  // before the point, and behind it
 
 // Below so many units their number and the double have the same digits.
 constexpr std::uint64_t kFirstInexact = std::uint64_t{1} << 51;
+
+// Doubles from 2^53 units on are more than a unit apart: the number itself has all the digits that there are, while the
+// product of the rounding is off by several units.
+constexpr double kNothingToRound = 0x1p53 * 10;  // in tenths of a unit
 
 // The eight digits of a number below 10^8, the first in the lowest byte. Halves, pairs and digits are split side by
 // side in one word; 10486 / 2^20 and 103 / 2^10 are a hundredth and a tenth, exact for numbers of four and two digits.
@@ -123,7 +128,8 @@ int WriteQuickRoundedText(double x, int digits, int mode, char* at) {
 }
 
 CString RoundedTextByRule(double x, int digits, int mode) {
-    return CString(std::string_view(FixedText(RoundByRule(x, digits, mode), digits)));
+    const bool isItself = mode == 0 && InTenths(x, digits) >= kNothingToRound;
+    return CString(std::string_view(FixedText(isItself ? x : RoundByRule(x, digits, mode), digits)));
 }
 
 CString RoundedText(double x, int digits, int mode) {

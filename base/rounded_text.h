@@ -4,7 +4,8 @@
 
 namespace qel {
 
-/// CQVariant::DoubleToStr for @p digits above 0 by its rule: round, then print the double.
+/// CQVariant::DoubleToStr for @p digits above 0 by its rule: round, then print the double; with @p mode 0 the number
+/// itself where no digit of the rounded one is right any more.
 CString RoundedTextByRule(double x, int digits, int mode);
 
 /// The same text without printing a double where that is possible, which is for up to 8 digits before and behind the

@@ -23,7 +23,7 @@ inline std::uint64_t CutToWhole(double value) {
 }
 
 /// |x| in tenths of a unit of the last kept digit, and what carries into that digit added: 5 to 9 tenths, none, or 1 to
-/// 9 of them. A tenth of it, cut, is the rounded number in units. kTooLargeTenths or more when |x| is too large or no
+/// 9 of them. A tenth of it, cut, is the rounded number in units. 2^63 or more when |x| is too large or no
 /// number.
 /// @param digits 0 to kMostExactDigits
 inline std::uint64_t RoundedTenths(double x, int digits, int mode) {

@@ -11,9 +11,7 @@ namespace {
 constexpr int kMostExponent = 400;  // beyond the range of double
 
 double RoundDecimals(double x, int digits, int mode, double sign) {
-    const double scaled = std::fabs(x * PowerOfTen(digits < kMostExponent ? digits + 1 : kMostExponent));
-    // Doubles of that size are further apart than a unit of the last kept digit: there is nothing to round, and the
-    // product would be off by several units.
+    const double scaled = InTenths(x, digits);
     if (!(scaled < kTooLargeTenths)) return x;
     // A hundredth of a unit of the first dropped digit absorbs what doubles lack: 1.005 is seen as 1005, not as 1004.
     const auto units = static_cast<std::int64_t>(std::floor(scaled + 0.01));
@@ -42,6 +40,10 @@ double PowerOfTen(int exponent) {
     if (exponent >= 0 && exponent < count) return kPowersOfTen[static_cast<unsigned>(exponent)];
     if (exponent < 0 && exponent > -count) return kUnits[static_cast<unsigned>(-exponent)];
     return std::pow(10.0, exponent);
+}
+
+double InTenths(double x, int digits) {
+    return std::fabs(x * PowerOfTen(digits < kMostExponent ? digits + 1 : kMostExponent));
 }
 
 double RoundByRule(double x, int digits, int mode) {

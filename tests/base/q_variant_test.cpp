@@ -60,7 +60,7 @@ TEST(QVariant, RoundsByTheFirstDroppedDigit) {
         {1.005, 2, 0, 1.01}, {-1.005, 2, 0, -1.01},  // the doubles lie below the halves
         {2.344, 2, 1, 2.35}, {2.349, 2, -1, 2.34}, {-2.344, 2, 7, -2.35}, {1.0001, 2, 1, 1}, {1e300, 2, 0, 1e300},
         {2.34999, 1, 0, 2.4}, {2.3498, 1, 0, 2.3},  // a hundredth of the dropped digit below the half is the half
-        {0.4498, 1, 0, 0.4},  // digits behind the first dropped one do not carry
+        {0.4498, 1, 0, 0.4},  // digits after the first dropped one do not carry
         {1250, -2, 0, 1300}, {1250, -2, -1, 1200}, {-1201, -2, 1, -1300}, {7, -1, 5, 70}, {5e20, -21, 0, 1e21},
         {5, -400, 0, 0}, {5, -400, 5, kInfinity}, {0, -400, 5, 0}, {1.25, 400, 0, 1.25}, {0, 400, 0, 0},
         {1.25, kMost, 0, 1.25}, {1.25, kLeast, 1, 0}, {-kInfinity, -2, 0, -kInfinity}};
@@ -86,6 +86,7 @@ TEST(QVariant, ShowsNumbersInTheirForms) {
         {V::DoubleToStr(8796093022208.001953125, 4, 0), "8796093022208.0020"},
         {V::DoubleToStr(-436314709930443.0625, 3, 0), "-436314709930443.063"},
         {V::DoubleToStr(9007199254740993.0, 1, 0), "9007199254740992.0"},
+        {V::DoubleToStr(8796093022208.001953125, 4, 1), "8796093022208.0039"},
         {V::DoubleToStr(1e22, 1, 0), "10000000000000000000000.0"}, {V::DoubleToStr(1, kMost, 0).Mid(513), "0"},
         // Exponents of two digits, where they do.
         {V::ExponentialDigit3to2(1234.5), "  1.235E+03"}, {V::ExponentialDigit3to2(-1234.5), " -1.235E+03"},
