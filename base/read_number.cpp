@@ -18,6 +18,8 @@ std::string_view WithoutBlanks(std::string_view text) {
     return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
+std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
 }  // namespace
 
 std::optional<double> ReadNumber(std::string_view text) {
@@ -37,6 +39,8 @@ std::optional<double> ReadNumber(std::string_view text) {
     return value;
 }
 
+std::optional<double> ReadNumber(const char* text) { return ReadNumber(OrEmpty(text)); }
+
 std::optional<double> ReadScpiNumber(std::string_view text) {
     using Limits = std::numeric_limits<double>;
     if (text.find(',') != std::string_view::npos) return std::nullopt;
@@ -46,6 +50,8 @@ std::optional<double> ReadScpiNumber(std::string_view text) {
     if (number == 9.91e37) return Limits::quiet_NaN();
     return number;
 }
+
+std::optional<double> ReadScpiNumber(const char* text) { return ReadScpiNumber(OrEmpty(text)); }
 
 CString NumberText(double value) {
     const double size = std::fabs(value);

@@ -16,15 +16,20 @@ namespace qel {
 /// @return nothing when anything else is in the text ("7.01 pH", "1.2.3", "inf", "0x10", "- 5"), when it has no digits,
 /// and when no double can hold the number ("1E400", "1E-400")
 QELLIB10_API std::optional<double> ReadNumber(std::string_view text);
+/// The same of a text with a terminating zero; a null one counts as empty.
+QELLIB10_API std::optional<double> ReadNumber(const char* text);
+inline std::optional<double> ReadNumber(const CString& text) { return ReadNumber(text.View()); }
 
 /// A number in the reply of an instrument that speaks SCPI, which sends 9.9E37 and -9.9E37 for the infinities
 /// and 9.91E37 for "not a number". These are returned as such, whatever number of digits they are written with; all
 /// else is read as by ReadNumber. A comma separates values there and makes a text no number: split the reply first.
 QELLIB10_API std::optional<double> ReadScpiNumber(std::string_view text);
+QELLIB10_API std::optional<double> ReadScpiNumber(const char* text);
+inline std::optional<double> ReadScpiNumber(const CString& text) { return ReadScpiNumber(text.View()); }
 
 /// The text with the fewest digits that ReadNumber reads as the same double: "0.1", "100000"; below 0.0001 and from
 /// 1E15 on with an exponent: "1e+23". Not for results, which have the places of CQVariant::DoubleToStr. Infinities and
-/// NaN are "inf" and "nan", which ReadNumber refuses.
+/// NaN are "inf" and "nan", after a "-" when the sign bit is set; ReadNumber refuses them.
 QELLIB10_API CString NumberText(double value);
 
 }  // namespace qel

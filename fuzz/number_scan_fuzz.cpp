@@ -1,10 +1,13 @@
 // Laws: a number read from the beginning of any text is the one that the C library reads from the accepted bytes, and a
-// whole number the one that it reads from the text. A number that is a whole text is the one that the C library reads
-// from all of it, and its own text reads as the same number.
+// whole number the one that it reads from the text. A text that the C library reads as a whole, and that has the form
+// of a number, is one, and no other text is; its own text reads as the same number. The sign of 0 counts.
 #include <algorithm>
 #include <bit>
+#include <cerrno>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "qellib10/base/read_number.h"
@@ -12,13 +15,24 @@
 
 namespace {
 
+bool IsSame(std::optional<double> a, double b) {
+    return a && std::bit_cast<std::uint64_t>(*a) == std::bit_cast<std::uint64_t>(b);
+}
+
 void CheckWholeNumber(std::string text) {
     const auto number = qel::ReadNumber(text);
-    if (!number) return;
+    text.erase(text.find_last_not_of("\t\n\v\f\r ") + 1);  // strtod passes over those before it
     std::ranges::replace(text, ',', '.');
-    const double expected = std::strtod(text.c_str(), nullptr);
-    const auto again = qel::ReadNumber(qel::NumberText(*number).View());
-    if (*number != expected || again != number) std::abort();
+    const bool hasForm = text.find_first_not_of("\t\n\v\f\r 0123456789.eE+-") == std::string::npos;
+    char* end = nullptr;
+    errno = 0;
+    const double expected = std::strtod(text.c_str(), &end);
+    // Denormal numbers are in range, though strtod may report them.
+    const bool isInRange = errno != ERANGE || (expected != 0 && std::isfinite(expected));
+    const bool isNumber = hasForm && !text.empty() && end == text.c_str() + text.size() && isInRange;
+    if (number.has_value() != isNumber) std::abort();
+    if (isNumber && !(IsSame(number, expected) && IsSame(qel::ReadNumber(qel::NumberText(expected)), expected)))
+        std::abort();
 }
 
 }  // namespace

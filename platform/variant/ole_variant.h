@@ -26,7 +26,8 @@ struct CY {
 };
 
 /// A value of a type that is known only at run time, as databases deliver it. `vt` names the member that counts; the
-/// others hold what they held before.
+/// others hold what they held before. An unsigned int, an unsigned long or a long long is ambiguous: convert it to the
+/// type that is meant, LONG or double.
 class QELLIB10_API COleVariant {
 public:
     COleVariant() = default;

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "qellib10/base/q_variant.h"
+
 #include "../support/test.h"
 
 namespace {
@@ -24,6 +26,11 @@ TEST(ReadNumber, ReadsWhatInstrumentsSendAndNothingElse) {
     for (const auto& [text, expected] : cases) EXPECT_EQ(qel::ReadNumber(text), expected) << text;
     EXPECT_EQ(qel::ReadNumber(std::string_view("7.005", 3)), 7);
     EXPECT_EQ(qel::ReadNumber(std::string_view("7\0", 2)), std::nullopt);
+    EXPECT_EQ(qel::ReadNumber(CString("7\0", 2)), std::nullopt);
+    EXPECT_EQ(qel::ReadNumber(nullptr), std::nullopt);
+    EXPECT_EQ(qel::ReadNumber(std::string("-7.5")), -7.5);
+    EXPECT_EQ(qel::ReadNumber(qel::NumberText(1e23)), 1e23);
+    EXPECT_EQ(qel::ReadNumber(CQVariant::ExponentialDigit3to2(1234.5)), 1235);
 }
 
 TEST(ReadNumber, ScpiNamesInfinitiesByNumbers) {
@@ -34,4 +41,7 @@ TEST(ReadNumber, ScpiNamesInfinitiesByNumbers) {
     // clang-format on
     for (const auto& [text, expected] : cases) EXPECT_EQ(qel::ReadScpiNumber(text), expected) << text;
     EXPECT_TRUE(std::isnan(qel::ReadScpiNumber("9.910000E+37").value_or(0)));
+    EXPECT_EQ(qel::ReadScpiNumber(CString("9.9E37")), kInfinity);
+    EXPECT_EQ(qel::ReadScpiNumber(nullptr), std::nullopt);
+    EXPECT_EQ(qel::NumberText(-std::numeric_limits<double>::quiet_NaN()), "-nan");
 }

@@ -33,4 +33,6 @@ TEST(OleVariant, ConvertsAsDatabasesWriteTheirValues) {
         EXPECT_EQ(qel::VariantInteger(value), integer) << text;
         EXPECT_EQ(qel::VariantNumber(value) == number, !std::isnan(number)) << text;
     }
+    EXPECT_EQ(COleVariant(-2147483648L).vt, VT_I4);
+    EXPECT_EQ(COleVariant(2147483648L).vt, VT_R8);
 }
