@@ -43,6 +43,7 @@
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/export.h"
+#include "qellib10/platform/fractional.h"
 #include "qellib10/platform/printing/device_mode.h"
 #include "qellib10/platform/printing/print_dialog.h"
 #include "qellib10/platform/printing/print_info.h"

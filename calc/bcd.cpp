@@ -69,7 +69,7 @@ std::int64_t DigitsDownTo(const decNumber& value, int decimals) {
 // @p value rounded to @p precision digits, trailing zeros removed.
 //
 // Reduce does both at once in a context of that precision, but not always within 15 digits: the context clamps, so a
-// large exponent is lowered by zeros behind the coefficient up to the full precision, and a small one loses digits,
+// large exponent is lowered by zeros after the coefficient up to the full precision, and a small one loses digits,
 // since the least exponent rises as the precision falls. Precisions below 1 are none at all. So rounding is left to
 // Quantize, which names the last place instead; a number with no more digits than the precision needs none.
 decNumber Reduced(const decNumber& value, std::int64_t precision, rounding mode) {

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <concepts>
-
 #include "qellib10/calc/dec_number.h"
 #include "qellib10/platform/export.h"
+#include "qellib10/platform/fractional.h"
 #include "qellib10/platform/text/string.h"
 
 /// A decimal number of 15 significant digits and exponents from -383 to 384, for results that must not suffer the
@@ -20,8 +19,9 @@
 ///
 /// An operand is a CBCD, a decNumber, a text in decNumber's syntax (12, -1.5, 2.5E-3, Infinity, NaN) or an int; other
 /// integer types convert to int first. A floating-point operand does not compile, since as an int it would lose its
-/// decimals: give the text that is meant, of a measured value CQVariant::DoubleToStr's with the places that count, or
-/// qel::NumberText's with all digits.
+/// decimals: give the text that is meant. Of a measured value that is qel::NumberText's, with all digits that the
+/// double needs, of which 15 are kept here; Round then rounds as by hand. (CQVariant::DoubleToStr has rounded already,
+/// by its own rule, which makes 2.4 of 2.34999.)
 class QELLIB10_API CBCD {
 public:
     /// 0, half-up.
@@ -33,7 +33,7 @@ public:
     /// to read more than 45 digits, and gives it back.
     CBCD(const char* text);
     CBCD(int value);
-    template <std::floating_point T> CBCD(T value) = delete;
+    template <qel::Fractional T> CBCD(T value) = delete;
 
     /// Value, rounding mode and status of @p other.
     CBCD(const CBCD& other) = default;
@@ -43,7 +43,7 @@ public:
     CBCD operator=(const decNumber& value) { return *this = CBCD(value); }
     CBCD operator=(const char* text) { return *this = CBCD(text); }
     CBCD operator=(int value) { return *this = CBCD(value); }
-    template <std::floating_point T> CBCD operator=(T value) = delete;
+    template <qel::Fractional T> CBCD operator=(T value) = delete;
 
     /// The result, rounded to 15 digits by this number's mode; its own mode is half-up. Not const: what happened is
     /// added to this number's status.
@@ -51,22 +51,22 @@ public:
     CBCD operator+(const decNumber& right) { return *this + CBCD(right); }
     CBCD operator+(const char* right) { return *this + CBCD(right); }
     CBCD operator+(int right) { return *this + CBCD(right); }
-    template <std::floating_point T> CBCD operator+(T right) = delete;
+    template <qel::Fractional T> CBCD operator+(T right) = delete;
     CBCD operator-(const CBCD& right);
     CBCD operator-(const decNumber& right) { return *this - CBCD(right); }
     CBCD operator-(const char* right) { return *this - CBCD(right); }
     CBCD operator-(int right) { return *this - CBCD(right); }
-    template <std::floating_point T> CBCD operator-(T right) = delete;
+    template <qel::Fractional T> CBCD operator-(T right) = delete;
     CBCD operator*(const CBCD& right);
     CBCD operator*(const decNumber& right) { return *this * CBCD(right); }
     CBCD operator*(const char* right) { return *this * CBCD(right); }
     CBCD operator*(int right) { return *this * CBCD(right); }
-    template <std::floating_point T> CBCD operator*(T right) = delete;
+    template <qel::Fractional T> CBCD operator*(T right) = delete;
     CBCD operator/(const CBCD& right);
     CBCD operator/(const decNumber& right) { return *this / CBCD(right); }
     CBCD operator/(const char* right) { return *this / CBCD(right); }
     CBCD operator/(int right) { return *this / CBCD(right); }
-    template <std::floating_point T> CBCD operator/(T right) = delete;
+    template <qel::Fractional T> CBCD operator/(T right) = delete;
 
     /// The result by this number's mode takes its place, and the mode is half-up again.
     /// @return a copy
@@ -74,61 +74,61 @@ public:
     CBCD operator+=(const decNumber& right) { return *this = *this + right; }
     CBCD operator+=(const char* right) { return *this = *this + right; }
     CBCD operator+=(int right) { return *this = *this + right; }
-    template <std::floating_point T> CBCD operator+=(T right) = delete;
+    template <qel::Fractional T> CBCD operator+=(T right) = delete;
     CBCD operator-=(const CBCD& right) { return *this = *this - right; }
     CBCD operator-=(const decNumber& right) { return *this = *this - right; }
     CBCD operator-=(const char* right) { return *this = *this - right; }
     CBCD operator-=(int right) { return *this = *this - right; }
-    template <std::floating_point T> CBCD operator-=(T right) = delete;
+    template <qel::Fractional T> CBCD operator-=(T right) = delete;
     CBCD operator*=(const CBCD& right) { return *this = *this * right; }
     CBCD operator*=(const decNumber& right) { return *this = *this * right; }
     CBCD operator*=(const char* right) { return *this = *this * right; }
     CBCD operator*=(int right) { return *this = *this * right; }
-    template <std::floating_point T> CBCD operator*=(T right) = delete;
+    template <qel::Fractional T> CBCD operator*=(T right) = delete;
     CBCD operator/=(const CBCD& right) { return *this = *this / right; }
     CBCD operator/=(const decNumber& right) { return *this = *this / right; }
     CBCD operator/=(const char* right) { return *this = *this / right; }
     CBCD operator/=(int right) { return *this = *this / right; }
-    template <std::floating_point T> CBCD operator/=(T right) = delete;
+    template <qel::Fractional T> CBCD operator/=(T right) = delete;
 
     /// Comparison by value: 1.0 equals 1.00, -0 equals 0. A NaN is ordered by the library's total order, which looks at
-    /// the stored fields: it stands behind every number, Infinity too (-NaN before every number), and equals only a NaN
+    /// the stored fields: it comes after every number, Infinity too (-NaN before every number), and equals only a NaN
     /// of the same sign and payload. So of <, == and > always exactly one holds.
     int operator==(const CBCD& right) const { return Compare(right) == 0; }
     int operator==(const decNumber& right) const { return Compare(right) == 0; }
     int operator==(const char* right) const { return Compare(right) == 0; }
     int operator==(int right) const { return Compare(right) == 0; }
-    template <std::floating_point T> int operator==(T right) const = delete;
+    template <qel::Fractional T> int operator==(T right) const = delete;
     int operator!=(const CBCD& right) const { return Compare(right) != 0; }
     int operator!=(const decNumber& right) const { return Compare(right) != 0; }
     int operator!=(const char* right) const { return Compare(right) != 0; }
     int operator!=(int right) const { return Compare(right) != 0; }
-    template <std::floating_point T> int operator!=(T right) const = delete;
+    template <qel::Fractional T> int operator!=(T right) const = delete;
     int operator<(const CBCD& right) const { return Compare(right) < 0; }
     int operator<(const decNumber& right) const { return Compare(right) < 0; }
     int operator<(const char* right) const { return Compare(right) < 0; }
     int operator<(int right) const { return Compare(right) < 0; }
-    template <std::floating_point T> int operator<(T right) const = delete;
+    template <qel::Fractional T> int operator<(T right) const = delete;
     int operator>(const CBCD& right) const { return Compare(right) > 0; }
     int operator>(const decNumber& right) const { return Compare(right) > 0; }
     int operator>(const char* right) const { return Compare(right) > 0; }
     int operator>(int right) const { return Compare(right) > 0; }
-    template <std::floating_point T> int operator>(T right) const = delete;
+    template <qel::Fractional T> int operator>(T right) const = delete;
     int operator<=(const CBCD& right) const { return Compare(right) <= 0; }
     int operator<=(const decNumber& right) const { return Compare(right) <= 0; }
     int operator<=(const char* right) const { return Compare(right) <= 0; }
     int operator<=(int right) const { return Compare(right) <= 0; }
-    template <std::floating_point T> int operator<=(T right) const = delete;
+    template <qel::Fractional T> int operator<=(T right) const = delete;
     int operator>=(const CBCD& right) const { return Compare(right) >= 0; }
     int operator>=(const decNumber& right) const { return Compare(right) >= 0; }
     int operator>=(const char* right) const { return Compare(right) >= 0; }
     int operator>=(int right) const { return Compare(right) >= 0; }
-    template <std::floating_point T> int operator>=(T right) const = delete;
+    template <qel::Fractional T> int operator>=(T right) const = delete;
 
     /// 1.0 multiplied @p n times by this number, each product rounded half-up to 15 digits; the power 0 is 1.0, of NaN
     /// too. Takes @p n multiplications, fewer once the product no longer changes.
     CBCD operator^(unsigned int n) const;
-    template <std::floating_point T> CBCD operator^(T n) const = delete;
+    template <qel::Fractional T> CBCD operator^(T n) const = delete;
 
     /// The square root, half-even; NaN below zero.
     static CBCD SquareRoot(CBCD x);
@@ -143,9 +143,9 @@ public:
     /// The number is rounded and stripped of trailing zeros as by Round; places below 0 round in front of the point, to
     /// Infinity where a unit of the last place would be above 1E+384. In a narrow field fewer digits are kept: at most
     /// width - 1 of a negative number, and one less than the places ask for when a number with decimals fills the
-    /// field. Then zeros are added up to @p decimals places, and what is longer than @p width is cut behind it.
+    /// field. Then zeros are added up to @p decimals places, and what is longer than @p width is cut at the end.
     ///
-    /// Kept for texts already in the field: the zeros stand behind the number as decNumber writes it, exponent or not.
+    /// Kept for texts already in the field: the zeros follow the number as decNumber writes it, exponent or not.
     /// So 100 with two places is written 1E+2.00 (GetDouble reads it as 100), 1E-7 with nine is 1E-700, NaN and
     /// Infinity with two are NaN.00 and Infinity.00.
     ///

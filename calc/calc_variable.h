@@ -38,7 +38,7 @@ public:
     static const CRuntimeClass* GetThisClass();
     const CRuntimeClass* GetRuntimeClass() const override;
 
-    /// Writes the variable, or reads one into it. An unknown tag or version ends the reading silently, right behind
+    /// Writes the variable, or reads one into it. An unknown tag or version ends the reading silently, right after
     /// the version, and leaves the variable as it was.
     /// @throws CArchiveException from the archive; the variable is then as it was
     void Serialize(CArchive& archive) override;

@@ -43,7 +43,7 @@ private:
 
     std::vector<Slot> m_arySlot;  // open addressing; a power of two, at least twice as many as entries
     std::vector<Link> m_aryLink;  // one for each entry, in list order
-    UINT m_nPage = 0;             // the code page of the hashes; 0: to be built anew
+    UINT m_nPage = 0;             // the code page of the hashes; 0: to be built again
 };
 
 }  // namespace qel

@@ -25,10 +25,12 @@ CCalcVariableList::CCalcVariableList(const CCalcVariableList& other)
       m_aryVariable(other.m_aryVariable),
       m_pIndex(std::make_unique<qel::CalcVariableIndex>(*other.m_pIndex)) {}
 CCalcVariableList& CCalcVariableList::operator=(const CCalcVariableList& other) {
-    m_nRoundUpFlag = other.m_nRoundUpFlag;
-    m_nRoundUpDigit = other.m_nRoundUpDigit;
-    m_aryVariable = other.m_aryVariable;
-    *m_pIndex = *other.m_pIndex;
+    // Copied first: when memory runs out, variables and index must not be those of two lists.
+    CCalcVariableList copy(other);
+    m_nRoundUpFlag = copy.m_nRoundUpFlag;
+    m_nRoundUpDigit = copy.m_nRoundUpDigit;
+    m_aryVariable.swap(copy.m_aryVariable);
+    m_pIndex.swap(copy.m_pIndex);
     return *this;
 }
 CCalcVariableList::~CCalcVariableList() = default;

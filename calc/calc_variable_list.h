@@ -39,6 +39,7 @@ public:
     /// An empty list, flag and digit 0.
     CCalcVariableList();
     CCalcVariableList(const CCalcVariableList& other);
+    /// All or, when memory runs out, nothing.
     CCalcVariableList& operator=(const CCalcVariableList& other);
     ~CCalcVariableList() override;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// decNumber's types, as they stand in the interface of CBCD. Its header fixes the digits of a number when it is read;
+// decNumber's types, as they are in the interface of CBCD. Its header fixes the digits of a number when it is read;
 // with another count than the library was built with, every CBCD would have another size.
 //
 // The functions that it declares are inside the library and not exported. An application that computes on the numbers

@@ -29,7 +29,7 @@ constexpr bool IsDoubledOperator(const char* cursor) {
            FormulaByteOf(cursor[-1]) == FormulaByte::kArithmetic;
 }
 
-/// What stands at the number level. Without digits and name it is an empty number.
+/// What is at the number level. Without digits and name it is an empty number.
 struct FormulaNumber {
     double sign = 1.0;
     double digits = 0.0;  // the digits' value, without the sign
@@ -108,7 +108,7 @@ private:
 
     // False at a second decimal point.
     bool ReadDigits(FormulaNumber& number) {
-        int places = -1;  // digits behind the point; -1: no point yet
+        int places = -1;  // digits after the point; -1: no point yet
         for (;; ++m_pCursor) {
             const char character = *m_pCursor;
             if (character == '.') {

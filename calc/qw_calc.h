@@ -28,7 +28,7 @@
 /// - The check pass reads constants without their leading minus, so that "1/(2-2)" is refused, and so is "1/(-2-2)".
 /// - It takes the difference of two single variables of one name, or of two combined expressions, for 0.
 ///
-/// A formula has at most 255 bytes; text behind a zero byte is not read. Names may be as long as the formula.
+/// A formula has at most 255 bytes; text after a zero byte is not read. Names may be as long as the formula.
 /// Operations answer 1, or 0 for every failure. Nothing depends on the locale. One thread at a time.
 class QELLIB10_API CQWCalc : public CObject {
 public:
@@ -71,7 +71,7 @@ protected:
     /// @return false when it is too long; there is no formula then
     bool SetFormula(std::string_view formula);
 
-    /// The levels of the grammar. Each reads from the current character on and leaves the first one behind its part
+    /// The levels of the grammar. Each reads from the current character on and leaves the first one after its part
     /// as the current one. The result's state is 1 for a known number (m_dValue; always so in the calculation pass),
     /// 0 for something that depends on a variable (m_szName: a single variable as written, m_dValue: its sign), -1
     /// for an error.

@@ -164,7 +164,12 @@ int CPrivateProfile::Set(const char* section, const char* key, int value) {
 }
 
 int CPrivateProfile::SetDouble(const char* section, const char* key, double value) {
-    return std::isfinite(value) ? Set(section, key, qel::NumberText(value)) : 0;
+    if (IsWholeSection(key) || !std::isfinite(value)) return 0;
+    return Set(section, key, qel::NumberText(value));
+}
+
+int CPrivateProfile::SetDouble(const char* section, int key, double value) {
+    return SetDouble(section, NameOf(key), value);
 }
 
 int CPrivateProfile::Set(const char* section, int key, const char* value) { return Set(section, NameOf(key), value); }
@@ -199,6 +204,7 @@ int CPrivateProfile::Get(const char* section, const char* key, int defaultValue)
 }
 
 double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
+    if (IsWholeSection(key)) return defaultValue;
     std::optional<double> number;
     qel::Succeeds([&] {
         qel::RegistryValue value;
@@ -210,6 +216,10 @@ double CPrivateProfile::GetDouble(const char* section, const char* key, double d
         }
     });
     return number.value_or(defaultValue);
+}
+
+double CPrivateProfile::GetDouble(const char* section, int key, double defaultValue) const {
+    return GetDouble(section, NameOf(key), defaultValue);
 }
 
 CString CPrivateProfile::Get(const char* section, int key, const char* defaultValue) const {

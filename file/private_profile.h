@@ -1,9 +1,9 @@
 #pragma once
 
-#include <concepts>
 #include <string_view>
 
 #include "qellib10/platform/export.h"
+#include "qellib10/platform/fractional.h"
 #include "qellib10/platform/registry/registry.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/text/string_array.h"
@@ -46,11 +46,13 @@ public:
     int Set(const char* section, int key, int value);
     /// Does not compile, since as an int the number would lose its decimals: see SetDouble.
     template <typename Key, typename Value>
-    requires(std::floating_point<Key> || std::floating_point<Value>) int Set(const char* section, Key key,
-                                                                             Value value) = delete;
+    requires(qel::Fractional<Key> || qel::Fractional<Value>) int Set(const char* section, Key key,
+                                                                     Value value) = delete;
     /// The shortest text that reads back as the same number, also in the registry: "1.006".
-    /// @return 0 and no change for infinities and NaN
+    /// @return 0 and no change for infinities and NaN, and in an INI file for a null @p key
     int SetDouble(const char* section, const char* key, double value);
+    int SetDouble(const char* section, int key, double value);
+    template <qel::Fractional Key> int SetDouble(const char* section, Key key, double value) = delete;
     /// Bytes, at most 1 MiB; registry only.
     int Set(const char* section, const char* key, const void* data, DWORD size);
 
@@ -62,11 +64,13 @@ public:
     CString Get(const char* section, int key, const char* defaultValue) const;
     int Get(const char* section, int key, int defaultValue) const;
     template <typename Key, typename Default>
-    requires(std::floating_point<Key> || std::floating_point<Default>) int Get(const char* section, Key key,
-                                                                               Default defaultValue) const = delete;
+    requires(qel::Fractional<Key> || qel::Fractional<Default>) int Get(const char* section, Key key,
+                                                                       Default defaultValue) const = delete;
     /// The number that is the whole of the text, as qel::ReadNumber reads it (people type 1,006 too), or REG_DWORD.
-    /// Other than of an int, a text that is no number gives the default.
+    /// Other than of an int, a text that is no number gives the default; so does in an INI file a null @p key.
     double GetDouble(const char* section, const char* key, double defaultValue) const;
+    double GetDouble(const char* section, int key, double defaultValue) const;
+    template <qel::Fractional Key> double GetDouble(const char* section, Key key, double defaultValue) const = delete;
     /// The bytes of a value of any type; registry only.
     /// @param data null: only the size is wanted
     /// @param size in: room in @p data; out: the value's size, also when the room is too small, which is a failure
@@ -94,6 +98,8 @@ protected:
     int BackupSub(HKEY from, HKEY to);
 
 private:
+    // What a null key means in an INI file.
+    bool IsWholeSection(const char* key) const { return key == nullptr && m_nMode != registryMode; }
     CString KeyOf(const char* section) const;
     CString OpenedKeyOf(const char* section) const;
     CString BackupKey(const char* suffix) const;

@@ -1,5 +1,6 @@
 #include "qellib10/calc/bcd.h"
 
+#include <atomic>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -24,6 +25,7 @@ static_assert(kForms<int> == 17 && kForms<unsigned> == 17 && kForms<long> == 17 
 static_assert(kForms<short> == 17 && kForms<bool> == 17 && kForms<const char*> == 16);
 // As an int it would lose its decimals without a word.
 static_assert(kForms<float> == 0 && kForms<double> == 0 && kForms<long double> == 0 && kForms<const double&> == 0);
+static_assert(kForms<std::atomic<double>&> == 0 && kForms<std::atomic<int>&> == 17);
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "qellib10/file/private_profile.h"
 
+#include <atomic>
 #include <cmath>
 #include <random>
 
@@ -11,7 +12,7 @@
 #include "../support/test.h"
 #include "qellib10/runtime/system_info.h"
 
-// How many of the two operations compile; a floating-point key or number would be cut to an int without a word.
+// How many of the operations compile; a floating-point key or number would be cut to an int without a word.
 // clang-format off
 template <typename Key, typename Value> constexpr int kForms =
     requires(CPrivateProfile profile, Key key, Value value) { profile.Set("", key, value); } +
@@ -21,6 +22,13 @@ static_assert(kForms<const char*, int> == 2 && kForms<CString, unsigned> == 2 &&
 static_assert(kForms<DWORD, DWORD> == 2 && kForms<const char*, const char*> == 2 && kForms<short, CString> == 2);
 static_assert(kForms<const char*, double> == 0 && kForms<CString, float> == 0 && kForms<int, long double> == 0);
 static_assert(kForms<double, int> == 0 && kForms<float, const char*> == 0);
+static_assert(kForms<const char*, std::atomic<double>&> == 0 && kForms<const char*, std::atomic<int>&> == 2);
+// clang-format off
+template <typename Key> constexpr int kDoubleForms =
+    requires(CPrivateProfile profile, Key key) { profile.SetDouble("", key, 1.5); } +
+    requires(CPrivateProfile profile, Key key) { profile.GetDouble("", key, 1.5); };
+// clang-format on
+static_assert(kDoubleForms<int> == 2 && kDoubleForms<CString> == 2 && kDoubleForms<double> == 0);
 
 namespace {
 
@@ -95,6 +103,15 @@ TEST_F(RegistryProfile, AndIniFilesKeepEveryDigitOfADouble) {
         EXPECT_EQ(profile.Set("Titrant", "Count", -3), 1);
         EXPECT_EQ(profile.GetDouble("Titrant", "Count", 7), -3);
         EXPECT_EQ(profile.GetDouble("Titrant", "missing", 7), 7);
+        EXPECT_EQ(profile.SetDouble("Titrant", 0, 0.5), 1);  // the key "0", not a null one
+        EXPECT_EQ(profile.GetDouble("Titrant", 0, 7), 0.5);
+        EXPECT_EQ(profile.Get("Titrant", "0", ""), "0.5");
+        // All of an INI file's section, whose first name is a number here; the registry's default value.
+        const bool isRegistry = mode == CPrivateProfile::registryMode;
+        EXPECT_EQ(profile.Set("Null", "12", "x"), 1);
+        EXPECT_EQ(profile.SetDouble("Null", kNone, 0.5), isRegistry ? 1 : 0);
+        EXPECT_EQ(profile.GetDouble("Null", kNone, 7), isRegistry ? 0.5 : 7);
+        EXPECT_EQ(profile.Get("Null", "12", ""), "x");
     }
 }
 

@@ -6,6 +6,7 @@
 #include "../support/child_process.h"
 #include "../support/failing_memory.h"
 #include "../support/interrupted.h"
+#include "qellib10/calc/calc_variable_list.h"
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/private_profile.h"
 #include "qellib10/print/queue_data.h"
@@ -207,6 +208,39 @@ TEST_P(ShortMemory, IsAFailureThatLeavesTheOldOrTheNew) {
     EXPECT_GT(number, 1);
 }
 INSTANTIATE_TEST_SUITE_P(System, ShortMemory, testing::ValuesIn(kCalls), NameOfCall);
+
+TEST(ShortMemory, AnAssignedListIsTheOldOrTheNew) {
+    const auto made = [](std::initializer_list<const char*> names) {
+        CCalcVariableList list;
+        CCalcVariable variable;
+        for (const char* name : names) {
+            variable.m_szName = name;
+            variable.m_dValue = static_cast<double>(names.size());
+            list.AddVariableData(variable);
+        }
+        list.DeleteVariableAtName("none");  // it has looked for a name, so its index is there
+        return list;
+    };
+    const CCalcVariableList other = made({"a", "b", "c"});
+    int number = 0, left = 0;
+    do {
+        SCOPED_TRACE(++number);
+        CCalcVariableList list = made({"b", "a"});
+        double expected = 3;
+        FailAllocation(number);
+        try {
+            list = other;
+        } catch (const std::bad_alloc&) {
+            expected = 2;
+        }
+        left = AllocationsLeft();
+        FailAllocation(0);
+        CCalcVariable found;
+        EXPECT_EQ(list.GetVariableDataAtName("a", &found), 1);
+        EXPECT_EQ(found.m_dValue, expected);
+    } while (left == 0);
+    EXPECT_GT(number, 1);
+}
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these need all the addresses that there are
 TEST(ShortMemory, FilesThatItDoesNotHoldAreRefused) {
