@@ -55,7 +55,7 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
     CCalcVariable variable;
     for (int i = 0; variables.GetVariableData(i, &variable) != 0; ++i) {
         CString value;
-        value.Format("%s = %.10g\n", static_cast<const char*>(variable.m_szName), variable.m_dValue);
+        value.Format("%s = %.10g\n", variable.m_szName.GetString(), variable.m_dValue);
         text += kIndent + std::string(value);
     }
     return text;

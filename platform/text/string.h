@@ -1,7 +1,6 @@
 #pragma once
 
 #include <compare>
-#include <concepts>
 #include <cstdarg>
 #include <cstddef>
 #include <string>
@@ -29,6 +28,7 @@ public:
     char GetAt(int index) const noexcept;
     char operator[](int index) const noexcept { return GetAt(index); }
     operator const char*() const noexcept { return m_text.c_str(); }
+    const char* GetString() const noexcept { return m_text.c_str(); }
 
     CString& operator=(const char* text);
     CString& operator=(char character);
@@ -71,19 +71,10 @@ public:
     void TrimRight(const char* set);
 
     /// As printf, with "." as the decimal sign whatever the locale. Arguments may point into this text. Exponents and
-    /// exact ties come out as the C library prints them; CQVariant has the platform's forms.
+    /// exact ties come out as the C library prints them; CQVariant has the platform's forms. For `%s` of a CString pass
+    /// text.GetString(): g++ lets the object itself through with a warning, and what is printed then is garbage.
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* format, va_list arguments) __attribute__((format(printf, 2, 0)));
-    /// The same where an argument is a CString, for `%s`. Other functions with variable arguments, printf among them,
-    /// must not be given one: what they print is garbage.
-    template <typename... Arguments>
-    void Format(const char* format, const Arguments&... arguments) requires(std::same_as<Arguments, CString> || ...) {
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral"
-#pragma GCC diagnostic ignored "-Wformat-security"
-        Format(format, Printable(arguments)...);
-#pragma GCC diagnostic pop
-    }
 
     /// Order by characters, -1, 0 or 1; the second form without regard to the case of Latin letters.
     int Compare(const char* other) const;
@@ -120,8 +111,6 @@ public:
     const char* end() const noexcept { return m_text.data() + m_text.size(); }
 
 private:
-    static const char* Printable(const CString& text) { return text; }
-    template <typename Argument> static const Argument& Printable(const Argument& argument) { return argument; }
     int Order(std::string_view other) const;
     void TrimLeftSet(std::string_view set);
     void TrimRightSet(std::string_view set);

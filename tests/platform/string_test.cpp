@@ -59,13 +59,6 @@ TEST(String, FormatsWithoutTheLocaleAndFromItsOwnText) {
     }
 }
 
-TEST(String, FormatsTextsOfItsOwnKind) {
-    CString text("EP");
-    const short count = 3;
-    text.Format("%s%d %s %.1f%c", text, count, "mL", 2.5f, '!');
-    EXPECT_EQ(text, "EP3 mL 2.5!");
-}
-
 TEST(String, ComparesWithStandardTextsAndJoinsThem) {
     const std::string ab("a\0b", 3);
     const std::string_view a("a");
