@@ -6,8 +6,9 @@
 
 namespace qel {
 
-/// A format's own check failed: the bytes are not what they claim to be. Thrown inside the library only; public
-/// operations turn it into their documented result.
+/// A format's own check failed: the bytes are not what they claim to be. Classes of the framework's style turn it into
+/// their documented result. The tools of this namespace throw it, where their comments say so: XmlDocument, XmlNode,
+/// XmlElementWriter, CabinetReader.
 class QELLIB10_API DataError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

@@ -25,7 +25,8 @@ class XmlNode;
 ///     job.SaveJobFile("result.job");
 ///
 /// Operations answer 1, or 0 when a file is missing or refused, or memory runs out; a load may have added a part then.
-/// Nothing is thrown but std::bad_alloc, by construction, copying and SetDefaultFont alone. One thread at a time.
+/// The public ones throw nothing but std::bad_alloc, by construction, copying and SetDefaultFont alone. One thread at a
+/// time.
 class QELLIB10_API CQelPrintJobQueueData {
 public:
     CQelPrintJobQueueData();
@@ -77,12 +78,14 @@ protected:
     // For a derived class that keeps elements of its own in a file of the same kind; the types are in platform/xml/.
 
     /// Puts an element that holds the value into the one that is being written. A null text is the empty one.
+    /// @throws DataError as XmlElementWriter::Begin
     static void AddSubNode(qel::XmlElementWriter& node, const char* name, int value);
     static void AddSubNode(qel::XmlElementWriter& node, const char* name, const char* value);
     /// Gives the element that was begun last an attribute.
+    /// @throws DataError as XmlElementWriter::Attribute
     static void AddAttribute(qel::XmlElementWriter& element, const char* name, int value);
     static void AddAttribute(qel::XmlElementWriter& element, const char* name, const char* value);
-    /// @return @p ifMissing when there is no such attribute
+    /// @return @p ifMissing when there is no such attribute, as with a null name
     static int GetAttributeInt(qel::XmlAttributes& attributes, const char* name, int ifMissing);
     static CString GetAttributeString(qel::XmlAttributes& attributes, const char* name, const char* ifMissing);
 

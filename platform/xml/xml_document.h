@@ -19,7 +19,7 @@ enum class XmlNames;
 /// An XML document in memory: one root element with what stands before and behind it, or nothing at all.
 ///
 /// Loading is strict and bounded by the size of the text: XML that is not well-formed is refused, so is nesting deeper
-/// than kDeepestXml. A document type is kept as it stands; nothing outside is read and no entity of it is known, so
+/// than 512 levels. A document type is kept as it stands; nothing outside is read and no entity of it is known, so
 /// that a reference to one is refused. Names and the document type have to be in the code page, since the document may
 /// be written in it. Texts that the page lacks are kept, and written as numeric references. White space between
 /// elements is kept; line ends are LF in memory and CR LF in what is written.
@@ -40,6 +40,7 @@ public:
     void LoadText(std::string_view text);
     void LoadUtf8(std::string utf8);
     /// Loads the bytes of a file: in the encoding of their byte-order mark, else the one that they declare, else UTF-8.
+    /// @throws DataError when they are refused; the document is then empty
     void LoadBytes(std::string bytes);
 
     /// The document in the process's code page, without naming an encoding; "" when it has no root.

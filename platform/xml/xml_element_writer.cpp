@@ -1,7 +1,9 @@
 #include "qellib10/platform/xml/xml_element_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/text/code_page.h"
@@ -30,19 +32,43 @@ XmlElementWriter::XmlElementWriter() : m_pOutput(std::make_unique<XmlOutput>(0))
 XmlElementWriter::~XmlElementWriter() = default;
 
 void XmlElementWriter::Begin(const char* name) {
-    CloseTag();
+    if (m_hasRoot && m_aryOpen.empty()) throw DataError("a second root");
+    if (m_aryOpen.size() >= kDeepestXml) throw DataError("elements nested too deep");
+    const std::size_t start = m_pOutput->Size();
+    if (m_isTagOpen) m_pOutput->Put('>');
     m_pOutput->Put('<');
-    m_pOutput->Put(name);
+    PutName(name, start);
     m_aryOpen.push_back(name);
-    m_isTagOpen = true;
+    m_aryAttribute.clear();
+    m_hasRoot = m_isTagOpen = true;
+}
+
+// What was put in since `start` goes when the name is none.
+void XmlElementWriter::PutName(const char* name, std::size_t start) {
+    if (m_pOutput->PutName(name)) return;
+    m_pOutput->CutTo(start);
+    throw DataError("no name of XML");
 }
 
 // The output after the attribute's name and the first quotation mark.
 XmlOutput& XmlElementWriter::AttributeOutput(const char* name) {
-    if (!m_isTagOpen) throw DataError("an attribute after an element's content");
+    if (!m_isTagOpen) throw DataError("an attribute outside an element's tag");
+    const std::size_t start = m_pOutput->Size();
     m_pOutput->Put(' ');
-    m_pOutput->Put(name);
+    PutName(name, start);
+    if (std::ranges::any_of(m_aryAttribute, [&](const char* other) { return IsSameXmlName(other, name); })) {
+        m_pOutput->CutTo(start);
+        throw DataError("a second attribute of the same name");
+    }
+    m_aryAttribute.push_back(name);
     m_pOutput->Put("=\"");
+    return *m_pOutput;
+}
+
+// The output where the content of the open element goes on.
+XmlOutput& XmlElementWriter::TextOutput() {
+    if (m_aryOpen.empty()) throw DataError("a text outside the root");
+    CloseTag();
     return *m_pOutput;
 }
 
@@ -59,15 +85,12 @@ void XmlElementWriter::Attribute(const char* name, std::string_view value) {
 }
 
 void XmlElementWriter::Text(std::string_view text) {
-    if (text.empty()) return;
-    CloseTag();
-    m_pOutput->Put(Utf8Of(text).c_str(), kXmlText);
+    const std::string utf8 = Utf8Of(text);
+    if (utf8.empty() && !m_aryOpen.empty()) return;
+    TextOutput().Put(utf8.c_str(), kXmlText);
 }
 
-void XmlElementWriter::Text(int value) {
-    CloseTag();
-    m_pOutput->Put(Decimal(value));
-}
+void XmlElementWriter::Text(int value) { TextOutput().Put(Decimal(value)); }
 
 void XmlElementWriter::End() {
     if (m_aryOpen.empty()) throw DataError("the end of an element that was not begun");
@@ -85,8 +108,11 @@ void XmlElementWriter::End() {
 
 std::string XmlElementWriter::Bytes() {
     if (!m_aryOpen.empty()) throw DataError("an element without an end");
-    m_pOutput->Put("\r\n");
-    return m_pOutput->Result();
+    if (!m_hasRoot) throw DataError("a document without a root");
+    if (m_pOutput == nullptr) throw DataError("a document that was taken already");
+    const auto output = std::move(m_pOutput);
+    output->Put("\r\n");
+    return output->Result();
 }
 
 void XmlElementWriter::CloseTag() {

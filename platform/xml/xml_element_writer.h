@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,10 +13,10 @@ namespace qel {
 class XmlOutput;
 
 /// Writes a document element by element, without a tree: the bytes are those that XmlDocument writes for the same
-/// elements. Values and texts are in the code page; characters that XML cannot have become `?`. Names are the program's
-/// own, of ASCII, and live as long as this object.
+/// elements, and XmlDocument loads them. Values and texts are in the code page; characters that XML cannot have become
+/// `?`. Names are the program's own, of ASCII, and live as long as this object.
 ///
-/// @throws DataError for an operation that the state of the document does not allow
+/// @throws DataError for what would not be XML; nothing is written by that call, and the document can go on
 class QELLIB10_API XmlElementWriter {
 public:
     XmlElementWriter();
@@ -24,23 +25,32 @@ public:
     XmlElementWriter& operator=(const XmlElementWriter&) = delete;
 
     /// Begins an element within the one that is open, the first one is the root.
+    /// @throws DataError for a null or wrong name, a second root, and elements nested deeper than 512 levels
     void Begin(const char* name);
     /// Only before texts and elements are put into the element that is open.
+    /// @throws DataError otherwise, for a null or wrong name, and for one that the element has already
     void Attribute(const char* name, int value);
     void Attribute(const char* name, std::string_view value);
+    /// @throws DataError outside the root
     void Text(std::string_view text);
     void Text(int value);
+    /// @throws DataError when no element is open
     void End();
 
-    /// The document in UTF-8, once all elements have ended.
+    /// The document in UTF-8, once, when all elements have ended.
+    /// @throws DataError before that, without a root, and for the second call
     std::string Bytes();
 
 private:
     XmlOutput& AttributeOutput(const char* name);
+    XmlOutput& TextOutput();
     void CloseTag();
+    void PutName(const char* name, std::size_t start);
 
-    std::unique_ptr<XmlOutput> m_pOutput;
+    std::unique_ptr<XmlOutput> m_pOutput;  // null once it was taken
     std::vector<const char*> m_aryOpen;
+    std::vector<const char*> m_aryAttribute;  // of the tag that is open
+    bool m_hasRoot = false;
     bool m_isTagOpen = false;  // `>` is still to come
 };
 

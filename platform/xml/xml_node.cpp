@@ -15,11 +15,6 @@
 namespace qel {
 namespace {
 
-XmlNode NodeOf(const pugi::xpath_node& found) {
-    const pugi::xml_node node = found.attribute() ? found.parent() : found.node();
-    return XmlNode(node.internal_object(), found.attribute().internal_object());
-}
-
 bool HasElement(pugi::xml_node parent) {
     for (const pugi::xml_node child : parent.children()) {
         if (child.type() == pugi::node_element) return true;
@@ -45,21 +40,6 @@ std::string TextOf(pugi::xml_node top) {
     };
     WalkXml(top, enter, [&](pugi::xml_node) { haveElements.pop_back(); });
     return text;
-}
-
-// The node, or the first one behind it, that is an element.
-std::optional<XmlNode> ElementFrom(pugi::xml_node node) {
-    while (node && node.type() != pugi::node_element) node = node.next_sibling();
-    return node ? std::optional(XmlNode(node.internal_object())) : std::nullopt;
-}
-
-// Names are so short that a call to compare them takes longer.
-bool IsSame(const char* a, const char* b) {
-    while (*a == *b && *a != '\0') {
-        ++a;
-        ++b;
-    }
-    return *a == *b;
 }
 
 int DepthOf(pugi::xml_node node) {
@@ -90,22 +70,38 @@ void SetData(pugi::xml_node node, const std::string& text, std::string_view forb
 
 }  // namespace
 
+XmlNode XmlNode::At(const pugi::xpath_node& found) {
+    const pugi::xml_node node = found.attribute() ? found.parent() : found.node();
+    return XmlNode(node.internal_object(), found.attribute().internal_object());
+}
+
+// The node, or the first one after it, that is an element.
+std::optional<XmlNode> XmlNode::ElementFrom(pugi::xml_node_struct* start) {
+    pugi::xml_node node(start);
+    while (node && node.type() != pugi::node_element) node = node.next_sibling();
+    return node ? std::optional(XmlNode(node.internal_object())) : std::nullopt;
+}
+
 std::optional<XmlNode> XmlNode::Select(std::string_view path) const {
     const pugi::xpath_node found = FindXml(pugi::xml_node(m_node), path);
-    return found ? std::optional(NodeOf(found)) : std::nullopt;
+    return found ? std::optional(At(found)) : std::nullopt;
 }
 
 std::vector<XmlNode> XmlNode::SelectAll(std::string_view path) const {
     std::vector<XmlNode> nodes;
     const auto found = FindAllXml(pugi::xml_node(m_node), path);
     nodes.reserve(found.size());
-    for (const pugi::xpath_node& node : found) nodes.push_back(NodeOf(node));
+    for (const pugi::xpath_node& node : found) nodes.push_back(At(node));
     return nodes;
 }
 
-std::optional<XmlNode> XmlNode::FirstElement() const { return ElementFrom(pugi::xml_node(m_node).first_child()); }
+std::optional<XmlNode> XmlNode::FirstElement() const {
+    return ElementFrom(pugi::xml_node(m_node).first_child().internal_object());
+}
 
-std::optional<XmlNode> XmlNode::NextElement() const { return ElementFrom(pugi::xml_node(m_node).next_sibling()); }
+std::optional<XmlNode> XmlNode::NextElement() const {
+    return ElementFrom(pugi::xml_node(m_node).next_sibling().internal_object());
+}
 
 std::string_view XmlNode::Utf8Name() const { return pugi::xml_node(m_node).name(); }
 
@@ -128,7 +124,7 @@ void XmlNode::SetText(std::string_view text) {
             return RequireMemory(node.set_value(WithPlainLineEnds(utf8).c_str()));
         case pugi::node_comment:
             return SetData(node, utf8, "--");
-        case pugi::node_pi:  // blanks at its begin would be taken for those behind the name
+        case pugi::node_pi:  // blanks at its start would be taken for those after the name
             return SetData(node, utf8.substr(std::min(utf8.find_first_not_of(kXmlBlanks), utf8.size())), "?>");
         default:
             throw DataError("a node without a text of its own");
@@ -165,8 +161,9 @@ XmlAttributes::XmlAttributes(const XmlNode& element)
     : m_first(pugi::xml_node(element.m_node).first_attribute().internal_object()), m_next(m_first) {}
 
 std::optional<std::string_view> XmlAttributes::Utf8(const char* name) {
+    if (name == nullptr) return std::nullopt;
     const auto find = [&](pugi::xml_attribute begin, pugi::xml_attribute end) {
-        while (begin != end && !IsSame(begin.name(), name)) begin = begin.next_attribute();
+        while (begin != end && !IsSameXmlName(begin.name(), name)) begin = begin.next_attribute();
         return begin;
     };
     const pugi::xml_attribute first(m_first), next(m_next), none;

@@ -10,6 +10,7 @@
 namespace pugi {
 struct xml_attribute_struct;
 struct xml_node_struct;
+class xpath_node;
 }  // namespace pugi
 
 namespace qel {
@@ -21,10 +22,6 @@ namespace qel {
 /// compared as written, prefix included. DataError for a path that is none, or that selects no nodes (`count(A)`).
 class QELLIB10_API XmlNode {
 public:
-    /// The attribute, where it is not null, of the element.
-    explicit XmlNode(pugi::xml_node_struct* node, pugi::xml_attribute_struct* attribute = nullptr)
-        : m_node(node), m_attribute(attribute) {}
-
     /// The first node in document order, or all of them in that order.
     std::optional<XmlNode> Select(std::string_view path) const;
     std::vector<XmlNode> SelectAll(std::string_view path) const;
@@ -39,7 +36,7 @@ public:
     /// attribute, comment or instruction. What the page lacks appears as its best fit.
     std::string Text() const;
     /// Replaces all children by the text, or the value. Characters that XML cannot have become `?`. An empty text takes
-    /// a text node out, which ends this place; an instruction's text loses blanks at its begin.
+    /// a text node out, which ends this place; an instruction's text loses blanks at its start.
     /// @throws DataError for the document itself, and for what a comment or an instruction cannot hold
     void SetText(std::string_view text);
 
@@ -47,7 +44,7 @@ public:
     std::string Xml() const;
 
     /// Adds an element as the last child, before white space that sets the closing tag apart.
-    /// @throws DataError when @p name is no name, or the element would stand deeper than kDeepestXml
+    /// @throws DataError when @p name is no name, or the element would stand deeper than 512 levels
     XmlNode AppendElement(std::string_view name);
 
     /// Takes the node, with all below it, out of the document.
@@ -56,6 +53,13 @@ public:
 
 private:
     friend class XmlAttributes;
+    friend class XmlDocument;
+
+    // The attribute, where it is not null, of the element.
+    explicit XmlNode(pugi::xml_node_struct* node, pugi::xml_attribute_struct* attribute = nullptr)
+        : m_node(node), m_attribute(attribute) {}
+    static XmlNode At(const pugi::xpath_node& found);
+    static std::optional<XmlNode> ElementFrom(pugi::xml_node_struct* node);
 
     pugi::xml_node_struct* m_node;
     pugi::xml_attribute_struct* m_attribute;
@@ -68,7 +72,7 @@ public:
     explicit XmlAttributes(const XmlNode& element);
 
     /// The value in UTF-8, as it stands in the tree; nothing when there is no such attribute.
-    /// @param name of ASCII
+    /// @param name of ASCII; a null one is nobody's
     std::optional<std::string_view> Utf8(const char* name);
 
 private:

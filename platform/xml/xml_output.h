@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "qellib10/platform/xml/xml_text.h"
+
 namespace qel {
 
 /// What is written for a character; null for the character itself. The zero that ends a text has an entry, so that one
@@ -43,6 +45,12 @@ constexpr XmlEscapes XmlEscapesOfValue() {
 inline constexpr XmlEscapes kXmlName = XmlEscapesOfName(), kXmlData = XmlEscapesOfData(), kXmlText = XmlEscapesOfText(),
                             kXmlValue = XmlEscapesOfValue();
 
+inline constexpr std::array<bool, 256> kIsXmlNameByte = [] {
+    std::array<bool, 256> is = {};
+    for (int c = 1; c < 0x80; ++c) is[static_cast<std::size_t>(c)] = IsXmlNamePart(static_cast<char>(c));
+    return is;
+}();
+
 /// Text that grows character by character.
 class XmlOutput {
 public:
@@ -72,13 +80,21 @@ public:
             }
         }
     }
+    /// A name of ASCII. @return false when it is null or none; a part of it may be there then: see CutTo
+    bool PutName(const char* name) {
+        if (name == nullptr || !IsXmlNameStart(*name)) return false;
+        for (; kIsXmlNameByte[static_cast<unsigned char>(*name)]; ++name) Put(*name);
+        return *name == '\0';
+    }
+
+    std::size_t Size() const { return static_cast<std::size_t>(m_at - m_text.data()); }
+    void CutTo(std::size_t size) { m_at = m_text.data() + size; }
     std::string Result() {
         m_text.resize(Size());
         return std::move(m_text);
     }
 
 private:
-    std::size_t Size() const { return static_cast<std::size_t>(m_at - m_text.data()); }
     void GrowTo(std::size_t size) {
         const std::size_t used = m_text.empty() ? 0 : Size();
         m_text.resize(size);

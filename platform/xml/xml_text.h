@@ -28,6 +28,15 @@ constexpr bool IsXmlNameStart(char c) {
 constexpr bool IsXmlNamePart(char c) { return IsXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
 bool IsXmlName(std::string_view name);
 
+/// In place of strcmp: names are so short that a call takes longer.
+constexpr bool IsSameXmlName(const char* a, const char* b) {
+    while (*a == *b && *a != '\0') {
+        ++a;
+        ++b;
+    }
+    return *a == *b;
+}
+
 /// Whether the bytes are UTF-8, and every character one of XML.
 bool IsUtf8OfXml(std::string_view text);
 
