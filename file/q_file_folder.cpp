@@ -6,6 +6,7 @@
 #include "qellib10/platform/storage/delete_tree.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/find_files.h"
+#include "qellib10/platform/storage/folder_walk.h"
 #include "qellib10/platform/storage/make_folders.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"

@@ -1,21 +1,25 @@
 #pragma once
 
+#include <memory>
 #include <span>
 
 #include "qellib10/graph/axis_style.h"
 #include "qellib10/graph/bar_graph_style.h"
 #include "qellib10/graph/graph_data.h"
 #include "qellib10/graph/line_graph_style.h"
-#include "qellib10/graph/point_list.h"
 #include "qellib10/platform/export.h"
+
+namespace qel {
+class PointList;
+}
 
 /// One series of a graph: its points in the order in which they were added, its axes, and how it is drawn. A copy has
 /// points of its own.
 class QELLIB10_API CGraphDataCtrl {
 public:
-    CGraphDataCtrl() = default;
-    CGraphDataCtrl(const CGraphDataCtrl&) = default;
-    CGraphDataCtrl& operator=(const CGraphDataCtrl&) = default;
+    CGraphDataCtrl();
+    CGraphDataCtrl(const CGraphDataCtrl& other);
+    CGraphDataCtrl& operator=(const CGraphDataCtrl& other);
     virtual ~CGraphDataCtrl();
 
     const CAxisStyle& GetXAxisStyle() const { return m_xAxis; }
@@ -35,11 +39,11 @@ public:
     void SetPlotflg(const int& plotflg) { m_nPlotflg = plotflg; }
 
     /// Appends at the end.
-    void AddData(const CGraphData& data) { m_aryData.Add(data); }
-    void InitializeData() { m_aryData.Clear(); }  ///< removes all points and gives their memory back
+    void AddData(const CGraphData& data);
+    void InitializeData();  ///< removes all points and gives their memory back
     int GetDataCount() const { return static_cast<int>(GetData().size()); }
     /// All points; good until one is added or removed.
-    std::span<const CGraphData> GetData() const { return m_aryData.Points(); }
+    std::span<const CGraphData> GetData() const;
 
 private:
     CAxisStyle m_xAxis;
@@ -47,6 +51,6 @@ private:
     int m_nViewMode = 0;
     CLineGraphStyle m_lineStyle;
     CBarGraphStyle m_barStyle;
-    qel::PointList m_aryData;
+    std::unique_ptr<qel::PointList> m_aryData;  // never null
     int m_nPlotflg = 0;
 };

@@ -5,13 +5,12 @@
 #include <span>
 
 #include "qellib10/graph/graph_data.h"
-#include "qellib10/platform/export.h"
 
 namespace qel {
 
 /// The points of a series side by side. It grows by half without a copy where the system can move its pages instead,
 /// as with lists of some hundred kilobytes and more, so that adding one to millions does not hold up a live curve.
-class QELLIB10_API PointList {
+class PointList {
 public:
     PointList() = default;
     PointList(const PointList& other);

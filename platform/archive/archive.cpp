@@ -1,5 +1,8 @@
 #include "qellib10/platform/archive/archive.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <exception>
 #include <utility>
 
@@ -72,6 +75,24 @@ UINT CArchive::Read(void* buffer, UINT count) {
         done += got;
     }
     return done;
+}
+
+// A number of 1 to 8 bytes, which an archive keeps lowest byte first.
+void CArchive::WriteNumber(const void* number, UINT size) {
+    if constexpr (std::endian::native == std::endian::little) {
+        Write(number, size);
+    } else {
+        std::array<std::byte, 8> bytes = {};
+        std::reverse_copy(static_cast<const std::byte*>(number), static_cast<const std::byte*>(number) + size,
+                          bytes.begin());
+        Write(bytes.data(), size);
+    }
+}
+
+void CArchive::ReadNumber(void* number, UINT size) {
+    ReadAll(number, size);
+    auto* const bytes = static_cast<std::byte*>(number);
+    if constexpr (std::endian::native == std::endian::big) std::reverse(bytes, bytes + size);
 }
 
 void CArchive::ReadAll(void* buffer, UINT count) {

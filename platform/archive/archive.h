@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstring>
@@ -13,7 +12,6 @@
 
 #include "qellib10/platform/archive/archive_exception.h"
 #include "qellib10/platform/archive/object.h"
-#include "qellib10/platform/endian.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/text/string.h"
@@ -86,8 +84,7 @@ public:
     void Abort() noexcept;
 
     template <qel::ArchiveScalar T> CArchive& operator<<(T value) {
-        const auto bytes = qel::ToLittleEndian(AsPackable(value));
-        Write(bytes.data(), bytes.size());
+        WriteNumber(&value, sizeof value);
         return *this;
     }
     CArchive& operator<<(const CString& text);
@@ -98,14 +95,12 @@ public:
 
     // A scalar or text that ends too early (endOfFile) leaves its target as it was.
     template <qel::ArchiveScalar T> CArchive& operator>>(T& value) {
-        using Packed = decltype(AsPackable(value));
-        std::array<std::byte, sizeof(Packed)> bytes;
-        ReadAll(bytes.data(), bytes.size());
-        const Packed packed = qel::FromLittleEndian<Packed>(bytes);
+        std::conditional_t<std::same_as<T, bool>, BYTE, T> stored;
+        ReadNumber(&stored, sizeof stored);
         if constexpr (std::same_as<T, bool>) {
-            value = packed != 0;
+            value = stored != 0;
         } else {
-            value = packed;
+            value = stored;
         }
         return *this;
     }
@@ -139,19 +134,13 @@ private:
     struct Tag;
     class Nesting;
 
-    template <class T> static auto AsPackable(T value) {
-        if constexpr (std::same_as<T, bool>) {
-            return static_cast<BYTE>(value);
-        } else {
-            return value;
-        }
-    }
-
     [[noreturn]] void Throw(int cause) const;
     void RequireLoading() const;
     void RequireStoring() const;
     UINT TakeBuffered(std::byte* target, UINT count) noexcept;
     void ReadAll(void* buffer, UINT count);
+    void ReadNumber(void* number, UINT size);
+    void WriteNumber(const void* number, UINT size);
     template <class T> T Get() {
         T value;
         *this >> value;

@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/descriptor.h"
 
 namespace qel {
@@ -13,7 +12,7 @@ namespace qel {
 ///
 ///     qel::FolderWalk walk("C:\\");
 ///     if (!walk.Enter("data") && !(walk.Create("data") && walk.Enter("data"))) walk.MakeCurrent();
-class QELLIB10_API FolderWalk {
+class FolderWalk {
 public:
     /// Begins at @p start, the empty path meaning the current folder.
     /// @throws CFileException when it cannot be entered
@@ -29,5 +28,23 @@ public:
 private:
     Descriptor m_folder;
 };
+
+/// A path to a folder as a walk takes it: where it begins, and the names from there.
+///
+///     a\b                  the current folder    a, b
+///     \a\b, /a/b           \                     a, b
+///     C:\a\b, C:a\b        C:\                   a, b
+///     \\server\share\a     \\server\share        a
+struct FolderRoute {
+    explicit FolderRoute(std::string_view path);
+
+    std::string start;       // empty: the current folder
+    std::string_view names;  // of the path; separators between them
+};
+
+/// Steps through @p names, and makes those that are missing. A separator at the end is ignored; an empty name in the
+/// middle is none that could be made.
+/// @return false when one could not be made: the walk is at its parent then
+bool MakeFolders(FolderWalk& walk, std::string_view names);
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "qellib10/platform/storage/folder_walk.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
 
