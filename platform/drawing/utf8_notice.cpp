@@ -1,5 +1,6 @@
 #include "qellib10/platform/drawing/utf8_notice.h"
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 
@@ -23,14 +24,26 @@ bool HasFormOfUtf8(std::string_view text) {
     return true;
 }
 
+// The first characters, on one line: a whole report would bury what is said of it.
+std::string Sample(std::string_view text) {
+    constexpr std::size_t kMostBytes = 60;
+    std::size_t end = std::min(text.size(), kMostBytes);
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end;  // not within a character
+    std::string sample(text.substr(0, end));
+    std::ranges::replace_if(
+        sample, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+    return FromUtf8(sample) + (end < text.size() ? "..." : "");
+}
+
 }  // namespace
 
 void NoticeUtf8(std::string_view text) {
     if (theNoticeIsGiven.load(std::memory_order_relaxed) || CodePage() != kCodePageJapanese) return;
     if (!HasFormOfUtf8(text) || theNoticeIsGiven.exchange(true)) return;
-    const std::string line = "qellib10: \"" + FromUtf8(text) +
+    const std::string line = "qellib10: \"" + Sample(text) +
                              "\" is drawn as text of code page 932, but looks like UTF-8: call "
-                             "qel::SetCodePage(qel::kCodePageUtf8) at the start, or pass qel::FromUtf8(text)\n";
+                             "qel::SetCodePage(qel::kCodePageUtf8) at the start\n";
     OutputDebugStringA(line.c_str());
 }
 

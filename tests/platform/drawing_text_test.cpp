@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -58,16 +59,22 @@ struct Canvas {
 };
 
 int theNotices = 0;
+std::string theNotice;
+
+void DrawLine(CDC& dc, const char* text) { dc.TextOut(0, 0, text, static_cast<int>(std::strlen(text))); }
+void DrawBox(CDC& dc, const char* text) {
+    RECT box{0, 0, 100, 50};
+    dc.DrawText(text, -1, &box, 0);
+}
 
 // How many lines developers get when the text is drawn twice in a process of its own.
-int NoticesOf(UINT page, const char* text) {
+int NoticesOf(UINT page, const char* text, void (*draw)(CDC&, const char*)) {
     return InChild([&] {
         const CodePageScope scope(page);
         Canvas canvas;
         qel::SetDebugOutputHook([](const char*) { ++theNotices; });
-        canvas.dc.TextOut(0, 0, text, static_cast<int>(std::strlen(text)));
-        RECT box{0, 0, 100, 50};
-        canvas.dc.DrawText(text, -1, &box, 0);
+        draw(canvas.dc, text);
+        draw(canvas.dc, text);
         return theNotices;
     });
 }
@@ -75,18 +82,40 @@ int NoticesOf(UINT page, const char* text) {
 }  // namespace
 
 TEST(Text, InUtf8IsNoticedOnceWhereItIsTakenForJapanese) {
-    for (const auto& [page, text, lines] : Cases<UINT, const char*, int>{{932,
-                                                                          "5 \xC2\xB5g, 20 \xC2\xB0"
-                                                                          "C",
-                                                                          1},
-                                                                         {932, "\xE8\xA1\xA8", 1},
-                                                                         {932, "5 \xC2", 0},
-                                                                         {932, "pH", 0},
-                                                                         {932, "\x95\x5C\x8E\xA6", 0},
-                                                                         {65001, "\xC2\xB5", 0},
-                                                                         {1252, "\xC2\xB5", 0}}) {
-        EXPECT_EQ(NoticesOf(page, text), lines) << page << ' ' << text;
+    // clang-format off
+    const Cases<UINT, const char*, int> cases = {
+        {932, "5 \xC2\xB5g, 20 \xC2\xB0" "C", 1},
+        {932, "\xE8\xA1\xA8", 1},
+        {932, "5 \xC2", 0},
+        {932, "pH", 0},
+        {932, "\x95\x5C\x8E\xA6", 0},
+        {65001, "\xC2\xB5", 0},
+        {1252, "\xC2\xB5", 0},
+    };
+    // clang-format on
+    for (const auto& [page, text, lines] : cases) {
+        EXPECT_EQ(NoticesOf(page, text, DrawLine), lines) << page << ' ' << text;
+        EXPECT_EQ(NoticesOf(page, text, DrawBox), lines) << page << ' ' << text << ", in a box";
     }
+}
+
+TEST(Text, OfAWholeReportIsNoticedInOneShortLine) {
+    const std::string report =
+        "20 \xC2\xB0"
+        "C\r\n\x7F" +
+        std::string(49, 'x') + "\xE8\xA1\xA8" + std::string(999, 'x');
+    const std::string shown =
+        "qellib10: \"20 \x81\x8B"
+        "C   " +
+        std::string(49, 'x') + "...\" is drawn as";
+    const int shows = InChild([&] {
+        const CodePageScope scope(932);
+        Canvas canvas;
+        qel::SetDebugOutputHook([](const char* line) { theNotice = line; });
+        DrawBox(canvas.dc, report.c_str());
+        return theNotice.starts_with(shown) && theNotice.find('\n') == theNotice.size() - 1 ? 1 : 0;
+    });
+    EXPECT_EQ(shows, 1);
 }
 
 TEST(Text, LineHeightsAreRoundedAscentAndDescent) {
