@@ -59,7 +59,7 @@ public:
     /// Gives up the claim, if any.
     static void UnlockMessageBuffer();
     static HANDLE GetMessageBufferHandle();
-    static const std::atomic<HANDLE>& m_hMessageBuffer;  ///< the same under the name that applications know
+    static const std::atomic<HANDLE>& m_hMessageBuffer;  ///< `HANDLE h = CLog::m_hMessageBuffer;`
 
     /// 1024 bytes, zero at first, shared by all threads without a lock.
     static char* GetMessageBuffer();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 #include "qellib10/platform/fork_safe_lock.h"
@@ -35,11 +34,11 @@ template <typename Action> void ForEachThread(Action&& action) {
     WithThreads([&](auto& threads) { std::ranges::for_each(threads, action); });
 }
 
-std::optional<CWorkerThreadInfo> FirstRecordOf(DWORD thread) {
-    return WithThreads([&](const auto& threads) -> std::optional<CWorkerThreadInfo> {
+// A flag of the thread's first record. Not the record, whose pointer is counted: workers ask in their inner loop.
+int FlagOf(DWORD thread, int CWorkerThreadInfo::*flag, int withoutRecord) {
+    return WithThreads([&](const auto& threads) {
         const auto record = std::ranges::find(threads, thread, &CWorkerThreadInfo::m_nThreadID);
-        if (record == threads.end()) return std::nullopt;
-        return *record;
+        return record != threads.end() ? (*record).*flag : withoutRecord;
     });
 }
 
@@ -60,15 +59,9 @@ CWorkerThreadCtrl::~CWorkerThreadCtrl() {
     });
 }
 
-int CWorkerThreadCtrl::IsStop() const {
-    const auto record = FirstRecordOf(m_nThreadID);
-    return record ? record->m_bStop : 1;
-}
+int CWorkerThreadCtrl::IsStop() const { return FlagOf(m_nThreadID, &CWorkerThreadInfo::m_bStop, 1); }
 
-int CWorkerThreadCtrl::IsPause() const {
-    const auto record = FirstRecordOf(m_nThreadID);
-    return record ? record->m_bPause : 0;
-}
+int CWorkerThreadCtrl::IsPause() const { return FlagOf(m_nThreadID, &CWorkerThreadInfo::m_bPause, 0); }
 
 void CWorkerThreadCtrl::StopOtherThread(DWORD type) const {
     ForEachThread([&](auto& record) {

@@ -27,8 +27,9 @@ struct CWorkerThreadInfo {
 ///
 /// The process keeps one table, a record for each object that was made (copies have none), in the order of their
 /// making. Threads are told apart by the system's number: of two objects made in one thread, IsStop, IsPause and the
-/// destructor act on the record of the first. A record that its worker left behind is found by a later thread with the
-/// same number. The child of a fork begins with an empty table, so a worker that goes on in it counts as stopped.
+/// destructor act on the record of the first. A record whose worker ended without removing it is found by a later
+/// thread with the same number. The child of a fork begins with an empty table, so a worker that goes on in it counts
+/// as stopped.
 ///
 /// All operations are safe from any thread.
 class QELLIB10_API CWorkerThreadCtrl {

@@ -4,7 +4,7 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/user/user_info.h"
 
-/// The connection to a user store: who has an account, who may log on, and what stands in the accounts. An application
+/// The connection to a user store: who has an account, who may log on, and what the accounts hold. An application
 /// derives a class and hands an object of it to CSystemSetting, which calls these operations and no others.
 ///
 /// An int is not 0 for yes or success, and 0 for no or failure, unless stated. The slots of the table of virtual

@@ -6,7 +6,7 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/user/function_info.h"
 
-/// What one user may do: a level for each function of the application, and two privileges that stand above all levels.
+/// What one user may do: a level for each function of the application, and two privileges above all levels.
 /// A manager may do everything; so may a maker, the account of the instrument maker's service, who is always a manager
 /// as well.
 ///

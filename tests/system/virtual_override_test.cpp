@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "../support/temp_folder.h"
 #include "qellib10/qellib10.h"
 
 // An application's override has the documented signature, without const. One that differs from the library's compiles
@@ -33,7 +34,11 @@ struct Setting : CSystemSetting {
     int SetLoginUserName(const char*) override { return Note("SetLoginUserName"); }
 };
 
-struct Document : CCryptXMLDocument {
+struct PlainDocument : CCryptXMLDocument {
+    int SavePlain(const char* path) { return SavePlainXMLFile(path, 0); }
+};
+
+struct Document : PlainDocument {
     int LoadXMLFile(const char* path, int noWait) override {
         Note("LoadXMLFile");
         return CCryptXMLDocument::LoadXMLFile(path, noWait);
@@ -80,7 +85,45 @@ struct Binary : CQBinary {
     void Serialize(CArchive&) override { Note("Serialize"); }
 };
 
+template <class Kept> struct Archived : Kept {
+    const CRuntimeClass* GetRuntimeClass() const override {
+        return Note("GetRuntimeClass") == 0 ? nullptr : Kept::GetRuntimeClass();
+    }
+    void Serialize(CArchive&) override { Note("Serialize"); }
+};
+
+struct Agent : CClassAgentConnectInterface {
+    void Connect() override { Note("Connect"); }
+    int IsConnected() override { return Note("IsConnected"); }
+    int Reserved4() override { return Note("4"); }
+    int Reserved5() override { return Note("5"); }
+    int Reserved6() override { return Note("6"); }
+    int LogonWithDialog() override { return Note("LogonWithDialog"); }
+    int Logon(const CString&, const CString&) override { return Note("Logon"); }
+    int Reserved9() override { return Note("9"); }
+    int Reserved10() override { return Note("10"); }
+    void GetLogonUser(CUserInfo*) override { Note("GetLogonUser"); }
+    CString GetLogonUsername() override { return Note("GetLogonUsername") == 0 ? "ann" : ""; }
+    int Reserved13() override { return Note("13"); }
+    int IsAutoLogon() override { return Note("IsAutoLogon"); }
+    int SetAutoLogon(int) override { return Note("SetAutoLogon"); }
+    CString GetAutoLogonUserName() override { return Note("GetAutoLogonUserName") == 0 ? "ann" : ""; }
+    CString GetAutoLogonPassword() override { return Note("GetAutoLogonPassword") == 0 ? "secret" : ""; }
+    int SetAutoLogonUser(const CString&) override { return Note("SetAutoLogonUser"); }
+    int GetUserInfo(const CString&, CUserInfo*) override { return Note("GetUserInfo"); }
+    int Reserved20() override { return Note("20"); }
+    int Reserved21() override { return Note("21"); }
+    int ReloadUserList() override { return Note("ReloadUserList"); }
+    int GetUserCount() override { return Note("GetUserCount"); }
+    CString GetUserName(int) override { return Note("GetUserName") == 0 ? "ann" : ""; }
+    int SaveFunctionSecurity(const CUserInfo&) override { return Note("SaveFunctionSecurity"); }
+    int AddUser(const CUserInfo&) override { return Note("AddUser"); }
+    int Reserved27() override { return Note("27"); }
+    int DeleteUser(const CString&) override { return Note("DeleteUser"); }
+};
+
 struct File : CQFile {
+    BOOL Open(const char*, UINT, CFileException*) override { return Note("Open"); }
     void Close() override { Note("Close"); }
     void WriteFromFile(const char*, UINT, DWORD) override { Note("WriteFromFile"); }
     void ReadToFile(const char*, DWORD) override { Note("ReadToFile"); }
@@ -122,13 +165,17 @@ TEST_F(VirtualOverride, OfDocumentIsCalled) {
     Document own;
     CCryptXMLDocument& document = own;
     document.SetCryptMode(0);
-    document.LoadXMLFile("none.xml", 0);
-    document.SaveXMLFile("none.xml", 0);
-    document.LockFile("none.xml", 0, 0);
+    const TempFolder folder;
+    const CString path = folder.Path("none.xml");
+    document.LoadXMLFile(path, 0);
+    document.SaveXMLFile(path, 0);
+    own.SavePlain(path);
+    document.LockFile(path, 0, 0);
     document.IsLocked();
     document.LockCommit();
     document.LockRollback();
-    EXPECT_EQ(called, "LoadXMLFile LoadPlainXMLFile SaveXMLFile LockFile IsLocked LockCommit LockRollback ");
+    EXPECT_EQ(called,
+              "LoadXMLFile LoadPlainXMLFile SaveXMLFile SavePlainXMLFile LockFile IsLocked LockCommit LockRollback ");
 }
 
 TEST_F(VirtualOverride, OfMemoryIsCalled) {
@@ -168,8 +215,64 @@ TEST_F(VirtualOverride, OfBufferAndFileIsCalled) {
     archive.Close();
     File own;
     CQFile& file = own;
+    static_cast<CFile&>(file).Open("none", 0, nullptr);
     file.WriteFromFile("none", 0, 0);
     file.ReadToFile("none", 0);
     static_cast<CFile&>(file).Close();
-    EXPECT_EQ(called, "Serialize WriteFromFile ReadToFile Close ");
+    EXPECT_EQ(called, "Serialize Open WriteFromFile ReadToFile Close ");
+}
+
+template <class Kept> void ArchiveAs(CArchive& archive) {
+    Archived<Kept> own;
+    called.clear();
+    CObject& object = own;
+    object.Serialize(archive);
+    object.GetRuntimeClass();
+    EXPECT_EQ(called, "Serialize GetRuntimeClass ");
+}
+
+TEST_F(VirtualOverride, OfArchivedClassesIsCalled) {
+    CMemFile memory;
+    CArchive archive(&memory, CArchive::store);
+    ArchiveAs<CCalcVariable>(archive);
+    ArchiveAs<CCalcVariableList>(archive);
+    ArchiveAs<CQWCalc>(archive);
+    ArchiveAs<CHistoryRenewInfo>(archive);
+}
+
+TEST_F(VirtualOverride, OfUserStoreIsCalled) {
+    Agent own;
+    CClassAgentConnectInterface& store = own;
+    const CUserInfo user;
+    store.Connect();
+    store.IsConnected();
+    store.Reserved4();
+    store.Reserved5();
+    store.Reserved6();
+    store.LogonWithDialog();
+    store.Logon("ann", "secret");
+    store.Reserved9();
+    store.Reserved10();
+    store.GetLogonUser(nullptr);
+    store.GetLogonUsername();
+    store.Reserved13();
+    store.IsAutoLogon();
+    store.SetAutoLogon(1);
+    store.GetAutoLogonUserName();
+    store.GetAutoLogonPassword();
+    store.SetAutoLogonUser("ann");
+    store.GetUserInfo("ann", nullptr);
+    store.Reserved20();
+    store.Reserved21();
+    store.ReloadUserList();
+    store.GetUserCount();
+    store.GetUserName(0);
+    store.SaveFunctionSecurity(user);
+    store.AddUser(user);
+    store.Reserved27();
+    store.DeleteUser("ann");
+    EXPECT_EQ(called,
+              "Connect IsConnected 4 5 6 LogonWithDialog Logon 9 10 GetLogonUser GetLogonUsername 13 IsAutoLogon "
+              "SetAutoLogon GetAutoLogonUserName GetAutoLogonPassword SetAutoLogonUser GetUserInfo 20 21 "
+              "ReloadUserList GetUserCount GetUserName SaveFunctionSecurity AddUser 27 DeleteUser ");
 }
