@@ -77,6 +77,7 @@ void Replacement::Commit() {
     if (hasOld && (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0)) ThrowCode(kAccessDenied, m_name);
     struct stat pattern = old;
     if (m_pattern == m_target ? hasOld : IsThere(m_pattern, m_name, pattern)) GiveRights(pattern);
+    if (!m_made->HasItsName()) ThrowCode(kSharingViolation, m_name);
     if (::rename(m_made->Path().c_str(), m_target.c_str()) != 0) ThrowErrno(errno, m_name, m_target);
     Done();
 }
@@ -85,6 +86,7 @@ void Replacement::CommitNew() {
     FlushData(File(), m_name);
     struct stat pattern = {};
     if (m_pattern != m_target && IsThere(m_pattern, m_name, pattern)) GiveRights(pattern);
+    if (!m_made->HasItsName()) ThrowCode(kSharingViolation, m_name);
     if (const int error = RenameNew(m_made->Path(), m_target)) {
         error == EEXIST ? ThrowCode(kFileExists, m_name) : ThrowErrno(error, m_name, m_target);
     }
@@ -99,7 +101,10 @@ void Replacement::Done() {
 bool CanReplace(std::string_view path) {
     const std::string posix = BehindLinks(ToPosixPath(path), path);
     const std::string folder = PosixFolderOf(posix);
-    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) return false;
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
+        if (errno == EACCES || errno == EPERM || errno == EROFS) return false;
+        ThrowErrno(errno, path, folder);
+    }
     struct stat holding = {};
     struct stat held = {};
     if (::stat(folder.c_str(), &holding) != 0 || !IsThere(posix, path, held)) return true;  // it will be found out

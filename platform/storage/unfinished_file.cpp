@@ -33,13 +33,14 @@ int Lock(const Descriptor& file, short type) {
     return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 ? 0 : errno;
 }
 
-// Removes what no living writer has. A lock for reading does: it keeps a writer away that has just made the file.
+// Removes what no living writer has. The lock shuts out others that remove it, too: the second would remove the file
+// that the first makes under its name.
 // @return whether it is gone
 bool RemoveLeftover(const std::string& path) {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     struct stat opened = {};
     if (!file || ::fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode)) return false;
-    return Lock(file, F_RDLCK) == 0 && StandsAt(path, opened) && ::unlink(path.c_str()) == 0;
+    return Lock(file, F_WRLCK) == 0 && StandsAt(path, opened) && ::unlink(path.c_str()) == 0;
 }
 
 }  // namespace
@@ -69,12 +70,16 @@ bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
     }
     // Whoever found it before it was locked is just removing it, or has done so.
     const int error = Lock(m_file, F_WRLCK);
+    return (error == 0 || KnowsNoLocks(error)) && HasItsName();
+}
+
+bool UnfinishedFile::HasItsName() const {
     struct stat made = {};
-    return (error == 0 || KnowsNoLocks(error)) && ::fstat(m_file.Get(), &made) == 0 && StandsAt(m_path, made);
+    return ::fstat(m_file.Get(), &made) == 0 && StandsAt(m_path, made);
 }
 
 UnfinishedFile::~UnfinishedFile() {
-    if (!m_path.empty()) ::unlink(m_path.c_str());
+    if (!m_path.empty() && HasItsName()) ::unlink(m_path.c_str());
 }
 
 }  // namespace qel

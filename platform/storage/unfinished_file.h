@@ -25,6 +25,9 @@ public:
     const Descriptor& File() const noexcept { return m_file; }
     const std::string& Path() const noexcept { return m_path; }  // empty once it is finished
 
+    /// Whether it is still the file at Path(): on a disk that knows no locks others may take it for a leftover.
+    bool HasItsName() const;
+
     /// It has the name that it is for.
     void Finish() noexcept { m_path.clear(); }
 

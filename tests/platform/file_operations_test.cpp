@@ -204,6 +204,12 @@ TEST_F(Replacement, IsNobodyElsesBeforeItIsWritten) {
     EXPECT_EQ(StatusOf("b").st_mode & 07777, 0640U);
     EXPECT_EQ(m_folder.Count(), 5);
     EXPECT_TRUE(m_folder.Has("b.0001.tmp"));
+
+    qel::Replacement lost(m_folder.Name("b"));
+    std::filesystem::remove(m_folder.Posix("b.E100.tmp"));
+    m_folder.Write("b.E100.tmp", "half of another one");
+    EXPECT_EQ(CodeOf([&] { lost.Commit(); }), 32);
+    EXPECT_EQ(m_folder.Read("b"), "new");
 }
 
 // The list lets user 4711 read and write, the file's group only read.
