@@ -21,6 +21,7 @@ constexpr std::size_t kEndIntervals = 3;  // at either end, whose slope is compa
 constexpr double kToleranceNoise = 6;     // deviations of a reading
 constexpr double kToleranceRange = 0.01;  // of all signals
 constexpr double kClearlySteeper = 1.5;
+constexpr double kOfWhole = 3;  // a step is so much steeper than the curve from its first reading to its last
 constexpr std::size_t kIntervalsAround = 5;  // on either side, whose median a gap is compared with
 constexpr double kGap = 3;
 
@@ -67,6 +68,8 @@ double SlopeBetween(const Points& points, std::size_t first, std::size_t last, d
     return direction * (points.y[last] - points.y[first]) / (points.x[last] - points.x[first]);
 }
 
+double WholeSlope(const Points& points) { return std::abs(SlopeBetween(points, 0, points.x.size() - 1, 1)); }
+
 // A curve that is steepest at one of its ends goes past it there, whatever else bends in between.
 void RequireStepInside(const Points& points, const Judged& curve, double slope) {
     const std::size_t last = points.x.size() - 1, reach = std::min(kEndIntervals, last);
@@ -84,8 +87,7 @@ void RequireStepInside(const Points& points, const Judged& curve, double slope) 
 [[noreturn]] void RefuseWithoutStep(const Points& points, const Judged& curve) {
     const std::size_t last = points.x.size() - 1;
     if (last >= 2 * kEndIntervals) {
-        const double whole = std::abs(SlopeBetween(points, 0, last, curve.direction));
-        RequireStepInside(points, curve, kClearlySteeper * whole);
+        RequireStepInside(points, curve, kClearlySteeper * WholeSlope(points));
     }
     throw Failure("no end point: the curve has no step that stands out from its noise of " + At(curve.noise) +
                   "; measure more readings at the step");
@@ -95,7 +97,8 @@ void RequireStepInside(const Points& points, const Judged& curve, double slope) 
 void RequireReadingsAround(const Points& points, const Step& step) {
     const std::size_t before =
         static_cast<std::size_t>(std::ranges::lower_bound(points.x, step.volume) - points.x.begin());
-    const std::size_t after = points.x.size() - before, few = std::clamp<std::size_t>(points.x.size() / 4, 1, 4);
+    const std::size_t after = points.x.size() - before,
+                      few = std::clamp<std::size_t>(points.x.size() / 2, 1, kLongestStray + 1);
     if (before >= few && after >= few) return;
     const bool isStart = before < few;
     throw Failure("the curve " + std::string(isStart ? "begins" : "ends") + " at its step near " + At(step.volume) +
@@ -152,7 +155,7 @@ EndPoint FindEndPoint(const Curve& curve) {
     const Judged judged = Judge(curve, order);
     const Points used = KeptPoints(judged.readings, judged.strays);
     const std::optional<Step> step = SteepestStep(Smoothed(used), judged.direction, judged.noise);
-    if (!step) RefuseWithoutStep(used, judged);
+    if (!step || std::abs(step->slope) < kOfWhole * WholeSlope(used)) RefuseWithoutStep(used, judged);
     RequireStepInside(used, judged, std::abs(step->slope));
     RequireReadingsAround(used, *step);
     RequireLevels(used, judged, *step);

@@ -12,6 +12,7 @@ constexpr std::size_t kRun = 4;              // points of a third difference
 constexpr double kLowerQuartile = 0.318639;  // of |z| for standard normal z
 constexpr double kMedian = 0.674490;         // likewise
 constexpr double kLevel = 0.2;               // of the steepest slope between neighbours, at most
+constexpr double kOfRough = 0.6;             // at least: the levels of few points may have little noise by chance
 constexpr double kChance = 6;                // deviations, in the difference of two points
 constexpr std::size_t kFewestOfLevels = 6;   // differences; the median of fewer is no estimate
 
@@ -62,7 +63,7 @@ double Noise(const Points& points) {
     for (std::size_t i = 0; i + kRun <= points.x.size(); ++i) {
         if (IsLevel(points, i, kLevel * steepest, rough)) deviations.push_back(DeviationAt(points, i));
     }
-    return deviations.size() < kFewestOfLevels ? rough : MedianOf(deviations) / kMedian;
+    return deviations.size() < kFewestOfLevels ? rough : std::max(MedianOf(deviations) / kMedian, kOfRough * rough);
 }
 
 }  // namespace titration

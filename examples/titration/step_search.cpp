@@ -6,6 +6,7 @@
 #include <span>
 
 #include "cubic_fit.h"
+#include "sharp_step.h"
 
 namespace titration {
 namespace {
@@ -18,7 +19,10 @@ constexpr double kSlopeTolerance = 0.1;   // of the slope
 constexpr double kBendCertainty = 4;      // standard errors
 constexpr double kOverQuotient = 1.3;     // a fit between uneven steps may overshoot what the readings rise
 constexpr double kQuotientNoise = 6;      // in the difference of two readings, deviations of one
+constexpr double kUneven = 6;             // a point beyond so many intervals turns the polynomial alone
+constexpr std::size_t kShortRun = 9;
 constexpr double kAboutAsSteep = 0.9;
+constexpr double kSamePlace = 0.25;  // of an interval
 
 using Span = std::span<const double>;
 
@@ -35,11 +39,21 @@ double QuotientAt(Span x, Span y, double volume, double& interval) {
     return (y[i] - y[i - 1]) / interval;
 }
 
+bool IsUneven(Span x) {
+    double longest = 0, shortest = x.back() - x.front();
+    for (std::size_t i = 1; i < x.size(); ++i) {
+        longest = std::max(longest, x[i] - x[i - 1]);
+        shortest = std::min(shortest, x[i] - x[i - 1]);
+    }
+    return x.size() <= kShortRun && longest > kUneven * shortest;
+}
+
 std::optional<Candidate> CandidateIn(Span x, Span y, double direction, double noise) {
     const std::optional<CubicFit> fit = CubicFit::Through(x, y);
     if (!fit) return std::nullopt;
     const double volume = fit->Inflection();
     if (!(volume >= x[1] && volume <= x[x.size() - 2])) return std::nullopt;
+    if (IsUneven(x)) return std::nullopt;
     const double slope = fit->Slope(volume) * direction;
     if (slope <= 0 || noise * fit->SlopeError(volume) > kSlopeTolerance * slope) return std::nullopt;
     double interval = 0;
@@ -47,7 +61,8 @@ std::optional<Candidate> CandidateIn(Span x, Span y, double direction, double no
     if (slope > kOverQuotient * quotient + kQuotientNoise * noise / interval) return std::nullopt;
     const double bend = -fit->ThirdDerivative() * direction;
     if (bend <= 0 || noise * fit->ThirdDerivativeError() * kBendCertainty > bend) return std::nullopt;
-    return Candidate{{volume, fit->Value(volume), slope * direction, x.size(), noise * fit->InflectionError(), 0},
+    return Candidate{{volume, fit->Value(volume), slope * direction, x.size(),
+                      std::max(noise, fit->Scatter()) * fit->InflectionError(), 0},
                      fit->Scatter()};
 }
 
@@ -80,7 +95,7 @@ Step WithoutOvershoot(const std::vector<Candidate>& candidates, const Step& stee
     return std::abs(shortest->volume - steepest.volume) > steepest.interval / 2 ? *shortest : steepest;
 }
 
-std::optional<Step> SearchAll(const Points& points, double direction, double noise) {
+std::optional<Step> SearchCubics(const Points& points, double direction, double noise) {
     std::vector<Candidate> candidates = Candidates(points, direction, noise);
     for (Candidate& candidate : candidates) candidate.step.interval = IntervalAt(points.x, candidate.step.volume);
     const auto steepness = [](const Candidate& candidate) { return std::abs(candidate.step.slope); };
@@ -93,6 +108,17 @@ std::optional<Step> SearchAll(const Points& points, double direction, double noi
         if (isAsSteep && other.scatter <= noise && other.step.error < best.error) best = other.step;
     }
     return best;
+}
+
+std::optional<Step> SearchAll(const Points& points, double direction, double noise) {
+    const std::optional<Step> cubic = SearchCubics(points, direction, noise);
+    const std::optional<Step> sharp = SharpStep(points, direction, noise);
+    if (!cubic || !sharp) return cubic;
+    const bool isSame = std::abs(cubic->volume - sharp->volume) <= kSamePlace * sharp->interval;
+    if (IsSure(*sharp)) return isSame && IsSure(*cubic) ? cubic : sharp;
+    Step unsure = *cubic;
+    if (!isSame && std::isinf(sharp->error)) unsure.error = sharp->error;
+    return unsure;
 }
 
 // The points in which the runs of a search through means lie.
