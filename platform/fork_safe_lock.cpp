@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <chrono>
 #include <new>
 #include <utility>
 #include <vector>
@@ -14,8 +15,24 @@ namespace {
 // for what it has.
 thread_local int theHeld = 0;
 
-std::atomic<int> theForks = 0;  // that wait for locks; each thread lets one of them pass
+std::atomic<int> theForks = 0;  // that wait for locks; each thread lets them pass, for a moment
 std::mutex theFork;             // held by the one that is under way
+
+// How often a thread gives way to forks before it goes on. A fork that waits for the owner of one lock must not keep
+// all others waiting for its end: that owner may wait for one of them.
+constexpr int kGiveWay = 20;
+constexpr std::chrono::milliseconds kMoment(1);
+thread_local int theRefusals = 0;  // in a row, by try_lock
+
+void LetForksPass() {
+    for (int i = 0; i < kGiveWay && theForks != 0; ++i) std::this_thread::sleep_for(kMoment);
+}
+
+bool GivesWay() {
+    const bool gives = theHeld == 0 && theForks != 0 && theRefusals < kGiveWay;
+    theRefusals = gives ? theRefusals + 1 : 0;
+    return gives;
+}
 
 }  // namespace
 
@@ -57,11 +74,11 @@ void ForkSafeLock::lock() {
     TakeInLine();
     if (theForks == 0) return;
     unlock();
-    { const std::lock_guard fork(theFork); }
+    LetForksPass();
     TakeInLine();
 }
 
-bool ForkSafeLock::try_lock() { return (theHeld > 0 || (theForks == 0 && m_waiting == 0)) && TryTakeNow(); }
+bool ForkSafeLock::try_lock() { return !GivesWay() && (theHeld > 0 || m_waiting == 0) && TryTakeNow(); }
 
 void ForkSafeLock::unlock() {
     if (!IsMine() || --m_depth > 0) return;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -14,6 +15,7 @@
 #include "../support/run_at_once.h"
 #include "../support/shared_state.h"
 #include "../support/test.h"
+#include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/storage/turn.h"
 
 namespace {
@@ -300,4 +302,23 @@ TEST_F(BusyRegistry, AForkWaitsForNoMoreThanAChangeOfEachTree) {
     EXPECT_LE(Most([] { const ChildProcess child([] { return 0; }); }, Milliseconds, kLongest), kLongest);
     done = true;
     for (std::thread& thread : busy) thread.join();
+}
+
+// The owner that a fork waits for may itself wait for a thread that wants another lock.
+TEST(ForkSafeLock, AWaitingForkKeepsNobodyFromOtherLocks) {
+    static qel::ForkSafeLock& held = *new qel::ForkSafeLock;
+    static qel::ForkSafeLock& other = *new qel::ForkSafeLock;
+    std::unique_lock owner(held);
+    std::thread forking([] { EXPECT_EQ(InChild([] { return 7; }), 7); });
+    ::usleep(50'000);  // the fork waits now
+    std::atomic<bool> hasOther = false;
+    std::thread wanting([&] {
+        const std::lock_guard guard(other);
+        hasOther = true;
+    });
+    for (int i = 0; i < 5000 && !hasOther; ++i) ::usleep(1000);
+    EXPECT_TRUE(hasOther);
+    owner.unlock();
+    forking.join();
+    wanting.join();
 }
