@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "qellib10/platform/endian.h"
+
 namespace tool {
 namespace {
 
