@@ -7,14 +7,14 @@
 
 namespace {
 
-constexpr int kPointsAnInch = 72;
+constexpr int kPointsPerInch = 72;
 constexpr int kDownTheColumn = 1, kAlongTheRow = 2;
 
 // A user's margin in device units.
 std::optional<int> MarginInDots(int margin, int unit, int dotsAnInch) {
     switch (unit) {
         case 1:
-            return qel::WrappedProduct(margin, kPointsAnInch) / dotsAnInch;
+            return qel::WrappedProduct(margin, kPointsPerInch) / dotsAnInch;
         case 2:
             return qel::WrappedProduct(margin, dotsAnInch) / qel::kTenthsPerInch;
         case 3:

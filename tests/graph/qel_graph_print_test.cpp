@@ -65,7 +65,7 @@ template <class Random> void Fill(OpenGraph& graph, Random& random) {
 /// A page as a program shows it, in grey.
 class ShownPage {
 public:
-    static constexpr int kDotsAnInch = 100;
+    static constexpr int kDotsPerInch = 100;
 
     explicit ShownPage(const std::string& png)
         : m_picture(cairo_image_surface_create_from_png(png.c_str()), cairo_surface_destroy) {}
@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    static int Shown(LONG dot) { return static_cast<int>((dot + 0.5) * kDotsAnInch / 600); }
+    static int Shown(LONG dot) { return static_cast<int>((dot + 0.5) * kDotsPerInch / 600); }
     int Grey(int x, int y) const {
         const int stride = cairo_image_surface_get_stride(m_picture.get());
         const bool isGrey = cairo_image_surface_get_format(m_picture.get()) == CAIRO_FORMAT_A8;

@@ -11,7 +11,7 @@
 
 /// A print server and a printer of the test's own, on sockets that nobody else sees: one queue "lab" whose printer
 /// keeps what it was sent. It takes A4 (by itself), A3, A5, B5, Letter and Legal, with margins of 12, 15, 18 and 24
-/// points (left, top, right, bottom) and 300 dots an inch, and turns no page. CUPS_SERVER and HOME are set as long as
+/// points (left, top, right, bottom) and 300 dots per inch, and turns no page. CUPS_SERVER and HOME are set as long as
 /// the object exists; every program ends with it.
 class PrintSystem {
 public:
