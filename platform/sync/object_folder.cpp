@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <memory>
 
 #include "qellib10/platform/storage/file_error.h"
@@ -39,8 +38,9 @@ Folder& KeptFolder() {
     throw SystemFailure{error == ENOSPC ? LONG{kOutOfMemory} : CodeOfErrno(error, path)};
 }
 
-// In memory, where anybody may make a folder, also one that bears another user's number: there are further names then.
-std::string MemoryFolder(uid_t user, int number) {
+// The one place that all programs of a user see, with a session and without, whatever their environment says. Anybody
+// may make a folder there, also one with another user's number: then there are further names.
+std::string FolderName(uid_t user, int number) {
     const std::string first = "/dev/shm/qellib10-" + std::to_string(user);
     return number == 0 ? first : first + '-' + std::to_string(number);
 }
@@ -62,25 +62,14 @@ Descriptor MakeOwn(const std::string& path, uid_t user) {
     return OpenOwn(path, user);
 }
 
-// In the folder that the system keeps for the user's session and nobody else can enter.
-Descriptor MakeInSession(uid_t user) {
-    const char* const told = ::secure_getenv("XDG_RUNTIME_DIR");
-    for (const std::string& session : {std::string(told != nullptr ? told : ""), "/run/user/" + std::to_string(user)}) {
-        if (!session.starts_with('/') || !OpenOwn(session, user)) continue;
-        if (Descriptor folder = MakeOwn(session + "/qellib10", user)) return folder;
-    }
-    return {};
-}
-
-// What is there already is taken first: programs of one session and services without one share their names.
+// What is there already is taken first, so that the name that another user gives up later makes no second folder.
 Descriptor OpenFolder(uid_t user) {
     constexpr int kMostNames = 16;
     for (int number = 0; number < kMostNames; ++number) {
-        if (Descriptor folder = OpenOwn(MemoryFolder(user, number), user)) return folder;
+        if (Descriptor folder = OpenOwn(FolderName(user, number), user)) return folder;
     }
-    if (Descriptor folder = MakeInSession(user)) return folder;
     for (int number = 0; number < kMostNames; ++number) {
-        if (Descriptor folder = MakeOwn(MemoryFolder(user, number), user)) return folder;
+        if (Descriptor folder = MakeOwn(FolderName(user, number), user)) return folder;
     }
     throw SystemFailure{kAccessDenied};
 }

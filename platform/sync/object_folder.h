@@ -10,12 +10,12 @@ namespace qel {
 /// share a name. Entering for the first time removes what killed processes have left. Within a process one thread at a
 /// time has a FolderLock: the object table's own lock sees to it.
 ///
-/// It is `qellib10` in $XDG_RUNTIME_DIR, or in /run/user/USER (the user's number), else /dev/shm/qellib10-USER, which
-/// is also taken where it is there already, as a program without a session has made it. Only a folder that belongs to
-/// the user and is closed to all others counts. In /dev/shm another user may have made one of that name first; then it
-/// is the first of /dev/shm/qellib10-USER-1 to -15 that is the user's or free.
+/// It is /dev/shm/qellib10-USER (the user's number), whatever the environment says: programs in a session and services
+/// must find each other's names, and a second folder would make a second first instance. Only a folder that belongs to
+/// the user and is closed to all others counts. Another user may have made one of that name first; then it is the first
+/// of /dev/shm/qellib10-USER-1 to -15 that is the user's, or else that is free.
 ///
-/// The folder may vanish at any time, for it belongs to the user's session; then it is made again.
+/// The folder may vanish at any time, as at the end of the user's last session; then it is made again.
 class FolderLock {
 public:
     /// @throws SystemFailure, code 5 when there is no folder that is the user's alone
