@@ -46,8 +46,9 @@ struct UserStoreSettings {
 ///
 /// Passwords are kept as argon2id hashes, so the records that come back have none. An unknown user costs the same time
 /// as a wrong password. Logons of one user, from all programs, are checked one after the other, so that guessing side
-/// by side gains nothing. After five refusals one after the other a user is locked for five minutes, and again after
-/// each further one, until a logon succeeds outside a lock or an administrator sets a new password.
+/// by side gains nothing; they wait in no order, for half a minute at most. After five refusals one after the other a
+/// user is locked for five minutes, and again after each further one, until a logon succeeds outside a lock or an
+/// administrator sets a new password.
 ///
 /// Names that differ in case only are one name. A name has 1 to 64 bytes and no control codes, a password up to 1024.
 /// The store does not ask who calls it: whoever may write the file, mode 0600 at first, may change it, and what a

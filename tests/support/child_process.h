@@ -28,6 +28,12 @@ public:
 
     pid_t Id() const { return m_id; }
 
+    /// Whether it has ended by itself; Wait tells how.
+    bool HasEnded() const {
+        siginfo_t info = {};
+        return ::waitid(P_PID, static_cast<id_t>(m_id), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid != 0;
+    }
+
     /// Waits for its end. @return what it answered; 99 when it threw, -1 when it was killed
     int Wait() {
         int status = 0;

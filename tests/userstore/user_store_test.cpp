@@ -1,5 +1,8 @@
 #include "user_store.h"
 
+#include <grp.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
@@ -9,6 +12,7 @@
 #include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
+#include "logon_turn.h"
 
 namespace {
 
@@ -146,12 +150,50 @@ TEST_F(UserStoreTest, AKilledLogonHoldsUpNobody) {
             for (;;) own->Logon("admin", "first");
             return 1;
         });
-        while (!m_folder.Has("ready")) std::this_thread::yield();
+        while (!m_folder.Has("ready") && !logon.HasEnded()) std::this_thread::yield();
         logon.Kill();
         EXPECT_EQ(Open()->Logon("admin", "first"), 1);
         std::filesystem::remove(m_folder.Posix("ready"));
     }
     EXPECT_EQ(m_folder.Count(), 1);
+}
+
+// A store that a group of the system's accounts shares, by its name or a link.
+TEST_F(UserStoreTest, AKilledLogonOfOneAccountKeepsNoOtherAccountOut) {
+    constexpr uid_t kOne = 3001, kOther = 3002;
+    constexpr gid_t kGroup = 3100;
+    if (::geteuid() != 0) GTEST_SKIP() << "needs the right to be another";
+    Open()->CreateFirstAdministrator("admin", "first");
+    for (const char* const name : {"", "users.db"}) {
+        ASSERT_EQ(::chown(m_folder.Posix(name).c_str(), kOne, kGroup), 0);
+        ASSERT_EQ(::chmod(m_folder.Posix(name).c_str(), *name == '\0' ? 0770 : 0660), 0);
+    }
+    std::filesystem::create_symlink("users.db", m_folder.Posix("link.db"));
+    const auto as = [](uid_t user, auto&& body) {
+        return ::setgroups(0, nullptr) == 0 && ::setegid(kGroup) == 0 && ::seteuid(user) == 0 ? body() : 98;
+    };
+    const auto turns = [&] {
+        std::vector<std::filesystem::path> found;
+        for (const auto& entry : std::filesystem::directory_iterator(m_folder.Posix())) {
+            if (entry.path().filename().string().find(".logon-") != std::string::npos) found.push_back(entry.path());
+        }
+        return found;
+    };
+    for (const uid_t user : {uid_t{0}, kOne}) {
+        ChildProcess logon([&] {
+            return as(user, [&] {
+                const userstore::LogonTurn turn(m_folder.Posix("link.db"), "admin");
+                m_folder.Write("ready", "");
+                return ::pause();
+            });
+        });
+        while (!m_folder.Has("ready") && !logon.HasEnded()) std::this_thread::yield();
+        logon.Kill();
+        ASSERT_EQ(turns().size(), 1u);
+        EXPECT_EQ(InChild([&] { return as(kOther, [&] { return Open()->Logon("admin", "first"); }); }), 1) << user;
+        EXPECT_EQ(turns().size(), 0u);
+        std::filesystem::remove(m_folder.Posix("ready"));
+    }
 }
 
 TEST_F(UserStoreTest, AnUnknownUserCostsAsMuch) {
