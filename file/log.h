@@ -18,7 +18,9 @@ struct LogState {
 
 /// Opens the log file as CLog::LogOut does, and closes it; the file is made when it is missing, its bytes stay as they
 /// are. LogOut drops messages without a word, after 10 seconds each, so a program asks here when it has set its log
-/// file. Others who are just writing a line are waited for, at most a quarter of a second; nothing is thrown.
+/// file. Others who are just writing a line are waited for, at most a quarter of a second; then the file is
+/// reported as open elsewhere.
+/// @throws std::bad_alloc alone, when there is no memory for the reason
 QELLIB10_API LogState CanLog();
 
 }  // namespace qel

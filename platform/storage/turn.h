@@ -19,7 +19,9 @@ namespace qel {
 /// The line keeps an order and no more. Nobody has to stand in it, and where it cannot be kept, as on a file system
 /// without locks, everybody's turn has come. It is made of locks on a folder, so that no file is made: each place is a
 /// byte that whoever has it marks for reading, which needs no right to write. The kernel takes the mark away with the
-/// last copy of the descriptor; a killed process holds up nobody.
+/// last copy of the descriptor; a killed process holds up nobody. Whoever may read the folder can lock it or
+/// take places, and so delay others by a fifth of a second each time, and to the end of their patience by taking other
+/// places all the time: a folder is to be readable only by those who are trusted not to.
 class Turn {
 public:
     /// Goes to the end of a line.

@@ -242,7 +242,8 @@ TEST_F(BusyRegistry, NobodyWaitsLongBesideWritersWithoutAPause) {
         for (int i = 0; i < writers; ++i) {
             busy.push_back(std::make_unique<ChildProcess>([&changes, i] { return ChangeOnAndOn(i, changes); }));
         }
-        while (changes == 0) std::this_thread::yield();
+        const auto isAtWork = [](const auto& child) { return !child->HasEnded(); };
+        while (changes == 0 && std::ranges::all_of(busy, isAtWork)) std::this_thread::yield();
         EXPECT_LE(Most(set, Milliseconds, kLongest), kLongest) << writers;
         EXPECT_LE(Most(read, Milliseconds, kLongest), kLongest) << writers;
         // One change that each has under way, as counted, and one for which it was in line before.
@@ -251,6 +252,7 @@ TEST_F(BusyRegistry, NobodyWaitsLongBesideWritersWithoutAPause) {
                       set, [&] { return changes.load(); }, fair),
                   fair)
             << writers;
+        EXPECT_TRUE(std::ranges::all_of(busy, isAtWork)) << writers;
         busy.clear();
         changes = 0;
     }
