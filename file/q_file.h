@@ -145,7 +145,8 @@ public:
     /// caller may set them; a temporary one (GetTempFilePath) gets those of the target, or of a new file.
     /// @return 1 once copied, also when the source could not be deleted
     static int MoveFileA(const char* source, const char* target, int overwrite);
-    /// Moves @p source over @p target, at the next start of the system when that does not work now.
+    /// Moves @p source over @p target, at the next start of the system when that does not work now; with the rights
+    /// that MoveFileA gives it.
     /// @param tempName takes the name that the file has until then, at most @p tempNameSize bytes with its zero
     /// @return 0 moved at once, 1 to be moved at the next start, -1 no short names, -2 the system refused to put it
     /// off, -3 the file could not be moved to its temporary name

@@ -19,18 +19,6 @@ constexpr int kDoneNow = 0, kPutOff = 1, kNoShortName = -1, kRefused = -2, kNotM
 
 using qel::Succeeds;
 
-// Moves @p source beside @p target, to a new name. The empty text on failure: @p source is where it was then.
-CString MoveBeside(const CString& source, const CString& target) {
-    CString name;
-    const bool moved = Succeeds([&] {
-        const CString full = qel::FullPath(target.View());
-        name = qel::TemporaryName(full.View().substr(0, qel::NameStart(full.View())), "");
-        qel::DeleteFile(name.View());  // for the move to make it with the rights of the source
-        if (!CQFile::MoveFileA(source, name, 0)) name.Empty();
-    });
-    return moved ? name : CString();
-}
-
 // Deletes. Where the system does not even show whether it is there, it is not gone.
 bool IsGone(const CString& file) {
     try {
@@ -39,6 +27,20 @@ bool IsGone(const CString& file) {
     } catch (const CFileException& failure) {
         return qel::IsMissing(failure);
     }
+}
+
+// Moves @p source beside @p target, to a new name, with the rights that it would have at @p target. The empty text on
+// failure: @p source is where it was then.
+CString MoveBeside(const CString& source, const CString& target) {
+    CString name;
+    const bool moved = Succeeds([&] {
+        const CString full = qel::FullPath(target.View());
+        name = qel::TemporaryName(full.View().substr(0, qel::NameStart(full.View())), "");
+        qel::DeleteFile(name.View());  // for the copy to make it with its rights
+        qel::CopyToWait(source.View(), name.View(), target.View());
+        Succeeds([&] { qel::DeleteFile(source.View()); });  // one that stays does no harm
+    });
+    return moved ? name : CString();
 }
 
 // Files have no second, shorter name here: the short one is the full one, and only a file that exists has one.

@@ -4,18 +4,21 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <utility>
 
 #include "qellib10/platform/endian.h"
-#include "qellib10/platform/storage/file_error.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kHeader = 4, kEntry = 8, kRightsAt = 2;
 constexpr std::uint32_t kVersion = 2;
-enum Tag : std::uint16_t { kOwnGroup = 0x04, kMask = 0x10, kOthers = 0x20 };
+enum Tag : std::uint16_t { kNamedUser = 0x02, kOwnGroup = 0x04, kNamedGroup = 0x08, kMask = 0x10, kOthers = 0x20 };
+
+constexpr unsigned kGroupAndOthers = 077;
+unsigned Bits(unsigned group, unsigned others) { return group << 3 | others; }
 
 // Where the rights of the entry @p tag are; 0 where the list has no such entry.
 std::size_t RightsOf(std::span<const std::byte> list, Tag tag) {
@@ -25,9 +28,14 @@ std::size_t RightsOf(std::span<const std::byte> list, Tag tag) {
     return 0;
 }
 
-std::uint16_t Rights(std::span<const std::byte> list, Tag tag, std::uint16_t without) {
+unsigned Rights(std::span<const std::byte> list, Tag tag, unsigned without) {
     const std::size_t at = RightsOf(list, tag);
     return at != 0 ? GetNumber<std::uint16_t>(list, at) : without;
+}
+
+void SetRights(std::span<std::byte> list, Tag tag, unsigned rights) {
+    const std::size_t at = RightsOf(list, tag);
+    if (at != 0) PutNumber(list, at, static_cast<std::uint16_t>(rights));
 }
 
 bool IsUnderstood(std::span<const std::byte> list) {
@@ -35,42 +43,40 @@ bool IsUnderstood(std::span<const std::byte> list) {
            GetNumber<std::uint32_t>(list, 0) == kVersion && RightsOf(list, kOwnGroup) != 0;
 }
 
-bool IsNone(int error) { return error == ENODATA || error == EOPNOTSUPP || error == EACCES || error == EPERM; }
-
 }  // namespace
 
-std::optional<std::vector<std::byte>> AttributeOf(const std::string& posixPath, const char* attribute,
-                                                  std::string_view name) {
-    for (;;) {
-        const ssize_t size = ::getxattr(posixPath.c_str(), attribute, nullptr, 0);
-        std::vector<std::byte> value(size > 0 ? static_cast<std::size_t>(size) : 0);
-        const ssize_t got = size > 0 ? ::getxattr(posixPath.c_str(), attribute, value.data(), value.size()) : size;
-        if (got >= 0) {
-            value.resize(static_cast<std::size_t>(got));
-            return value;
-        }
-        if (IsNone(errno)) return std::nullopt;
-        if (errno != ERANGE) ThrowErrno(errno, name);  // else it became longer meanwhile
-    }
-}
-
-AccessList::AccessList(const std::string& posixPath, std::string_view name) {
-    std::optional<std::vector<std::byte>> bytes = AttributeOf(posixPath, kName, name);
+AccessList::AccessList(const FileAttributes& file) {
+    std::optional<std::vector<std::byte>> bytes = file.Get(kName);
     if (bytes && IsUnderstood(*bytes)) m_bytes = *std::move(bytes);
 }
 
-unsigned AccessList::GroupBits() const {
-    return static_cast<unsigned>(Rights(m_bytes, kOwnGroup, 0) & Rights(m_bytes, kMask, 07)) << 3;
+unsigned AccessList::GroupAndOthers(unsigned mode) const {
+    if (IsEmpty()) return mode & kGroupAndOthers;
+    return Bits(Rights(m_bytes, kOwnGroup, 0) & Rights(m_bytes, kMask, 07), mode & 07);
 }
 
-void AccessList::LimitGroup() {
-    if (IsEmpty()) return;
-    const unsigned limited = Rights(m_bytes, kOwnGroup, 0) & Rights(m_bytes, kOthers, 0);
-    PutNumber(std::span(m_bytes), RightsOf(m_bytes, kOwnGroup), static_cast<std::uint16_t>(limited));
+unsigned AccessList::WithoutNames(unsigned mode) const {
+    unsigned bits = GroupAndOthers(mode);
+    for (std::size_t at = kHeader; at < m_bytes.size(); at += kEntry) {
+        const auto tag = GetNumber<std::uint16_t>(m_bytes, at);
+        if (tag != kNamedUser && tag != kNamedGroup) continue;
+        const unsigned may = GetNumber<std::uint16_t>(m_bytes, at + kRightsAt) & Rights(m_bytes, kMask, 07);
+        bits &= Bits(may, may);
+    }
+    return bits;
+}
+
+unsigned AccessList::LimitGroupAndOthers(unsigned mode) {
+    const unsigned bits = GroupAndOthers(mode);
+    const unsigned both = bits >> 3 & bits & 07;
+    if (IsEmpty()) return (mode & ~kGroupAndOthers) | Bits(both, both);
+    SetRights(m_bytes, kOwnGroup, both);
+    SetRights(m_bytes, kOthers, both);
+    return (mode & ~07U) | both;
 }
 
 int AccessList::GiveTo(int file) const {
-    if (IsEmpty() && ::fgetxattr(file, kName, nullptr, 0) < 0) return IsNone(errno) ? 0 : errno;
+    if (IsEmpty() && ::fgetxattr(file, kName, nullptr, 0) < 0) return errno == ENODATA || MayNot(errno) ? 0 : errno;
     const int given =
         IsEmpty() ? ::fremovexattr(file, kName) : ::fsetxattr(file, kName, m_bytes.data(), m_bytes.size(), 0);
     return given == 0 ? 0 : errno;

@@ -1,18 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
-namespace qel {
+#include "qellib10/platform/storage/file_attributes.h"
 
-/// The value of an extended attribute of the file at @p posixPath; none where there is none, or none may be read.
-/// @p name is what exceptions call the file.
-/// @throws CFileException when the system fails
-std::optional<std::vector<std::byte>> AttributeOf(const std::string& posixPath, const char* attribute,
-                                                  std::string_view name);
+namespace qel {
 
 /// The access control list of a file: who may do what beside owner, group and others. Most files have none.
 ///
@@ -22,14 +15,18 @@ class AccessList {
 public:
     static constexpr const char* kName = "system.posix_acl_access";  // the extended attribute that it is kept in
 
-    /// That of the file at @p posixPath. @throws CFileException
-    AccessList(const std::string& posixPath, std::string_view name);
+    /// @throws CFileException
+    explicit AccessList(const FileAttributes& file);
 
     bool IsEmpty() const noexcept { return m_bytes.empty(); }
-    /// What the file's group may do, as bits of a mode; those of the mode itself are then the list's mask.
-    unsigned GroupBits() const;
-    /// Lets the group do no more than others, for a file that is of another group than this list was made for.
-    void LimitGroup();
+    /// What a file of this list and @p mode lets its group and others do, as bits of a mode: with a list the group's
+    /// bits of the mode are the most that anybody but the owner and others may do.
+    unsigned GroupAndOthers(unsigned mode) const;
+    /// The same with no more for either than each user and each group that the list names may do.
+    unsigned WithoutNames(unsigned mode) const;
+    /// Lets the group and others do no more than both may, for a file that is of another group than this list was made
+    /// for: those of the former group are others then. @return @p mode with these bits
+    unsigned LimitGroupAndOthers(unsigned mode);
     /// Gives the list to a file, in place of one that its folder has given it. @return 0 or the errno
     int GiveTo(int file) const;
 

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "qellib10/platform/storage/access_list.h"
@@ -16,10 +17,7 @@
 namespace qel {
 namespace {
 
-constexpr mode_t kGroup = 070;
-
-// What the caller, or the file system, cannot do.
-bool MayNot(int error) { return error == EPERM || error == EACCES || error == EINVAL || error == EOPNOTSUPP; }
+constexpr mode_t kAllRights = 0777, kGroupAndOthers = 077, kSticky = S_ISVTX;
 
 // @return false when the caller may not
 bool Own(int file, uid_t user, gid_t group, std::string_view name) {
@@ -28,9 +26,21 @@ bool Own(int file, uid_t user, gid_t group, std::string_view name) {
     return false;
 }
 
+mode_t KeptOf(mode_t mode, bool keepsOwner, Content content) {
+    if (!keepsOwner) return mode & kAllRights;
+    return mode & (content == Content::kNew ? kSticky | kAllRights : 07777);
+}
+
+bool IsKept(const std::string& attribute, Content content) {
+    constexpr std::array<std::string_view, 3> kLeftOut = {AccessList::kName, "security.ima", "security.evm"};
+    if (std::ranges::find(kLeftOut, attribute) != kLeftOut.end()) return false;
+    return content == Content::kMoved || attribute != "security.capability";
+}
+
 }  // namespace
 
-void GiveAccessRights(int file, const struct stat& old, const std::string& pattern, std::string_view name) {
+void GiveAccessRights(int file, const struct stat& old, const FileAttributes& attributes, Content content,
+                      std::string_view name) {
     constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
     struct stat own = {};
     if (::fstat(file, &own) != 0) ThrowErrno(errno, name);
@@ -38,27 +48,24 @@ void GiveAccessRights(int file, const struct stat& old, const std::string& patte
     const bool keepsOwner = (hasGroup && own.st_uid == old.st_uid) || Own(file, old.st_uid, old.st_gid, name);
     const bool keepsGroup = keepsOwner || hasGroup || Own(file, kAsItIs, old.st_gid, name);
 
-    AccessList list(pattern, name);
-    mode_t mode = old.st_mode & (keepsOwner ? 07777 : 0777);
-    if (!keepsGroup) list.LimitGroup();
-    if (!keepsGroup && list.IsEmpty()) mode &= ~kGroup | (mode << 3 & kGroup);
+    AccessList list(attributes);
+    mode_t mode = KeptOf(old.st_mode, keepsOwner, content);
+    if (!keepsGroup) mode = list.LimitGroupAndOthers(mode);
     if (const int error = list.GiveTo(file)) {
         if (!MayNot(error)) ThrowErrno(error, name);
-        mode &= ~kGroup | list.GroupBits();  // without a list its mask would be the group's rights
+        // One that the folder has given stays, and lets nobody in as long as the group's bits are none.
+        const unsigned bits = list.IsEmpty() ? mode & 07 : list.WithoutNames(mode);
+        mode = (mode & ~kGroupAndOthers) | bits;
     }
     if (::fchmod(file, mode) != 0) ThrowErrno(errno, name);
 }
 
-void GiveAttributes(int file, const std::string& pattern, std::string_view name) {
-    constexpr std::array<std::string_view, 3> kLeftOut = {AccessList::kName, "security.ima", "security.evm"};
-    const ssize_t size = ::listxattr(pattern.c_str(), nullptr, 0);
-    std::vector<char> names(size > 0 ? static_cast<std::size_t>(size) : 0);
-    const ssize_t got = names.empty() ? 0 : ::listxattr(pattern.c_str(), names.data(), names.size());
-    if (got <= 0) return;
-    for (const char* at = names.data(); at < names.data() + got; at += std::string_view(at).size() + 1) {
-        if (std::ranges::find(kLeftOut, at) != kLeftOut.end()) continue;
-        const std::optional<std::vector<std::byte>> value = AttributeOf(pattern, at, name);
-        if (value) ::fsetxattr(file, at, value->data(), value->size(), 0);
+void GiveAttributes(int file, const FileAttributes& from, Content content, std::string_view name) {
+    for (const std::string& attribute : from.Names()) {
+        if (!IsKept(attribute, content)) continue;
+        const std::optional<std::vector<std::byte>> value = from.Get(attribute);
+        if (!value || ::fsetxattr(file, attribute.c_str(), value->data(), value->size(), 0) == 0) continue;
+        if (!MayNot(errno) && errno != E2BIG && errno != ERANGE) ThrowErrno(errno, name);
     }
 }
 

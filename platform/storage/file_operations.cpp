@@ -13,6 +13,7 @@
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/in_place.h"
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -58,10 +59,13 @@ public:
     Source(const Source&) = delete;
     Source& operator=(const Source&) = delete;
 
-    void CopyTo(const Descriptor& target, std::string_view name) const {
-        CopyBytes(m_file, 0, target, 0, static_cast<std::uint64_t>(m_status.st_size), m_name, name);
+    // @return how many bytes there were
+    std::uint64_t CopyTo(const Descriptor& target, std::string_view name) const {
+        return CopyBytes(m_file, 0, target, 0, static_cast<std::uint64_t>(m_status.st_size), m_name, name);
     }
+    const Descriptor& File() const { return m_file; }
     const Status& Description() const { return m_status; }
+    bool IsTemporary() const { return IsTemporaryFile(m_name, m_status); }
 
 private:
     std::string_view m_name;
@@ -72,27 +76,24 @@ private:
 enum class Purpose { kCopy, kMove };
 
 // What becomes the copy of a file, with the access rights that it is to have.
-std::unique_ptr<Replacement> NewCopy(std::string_view source, const Status& status, std::string_view target,
-                                     Purpose purpose) {
-    if (IsTemporaryFile(source, status)) return std::make_unique<Replacement>(target);
-    if (purpose == Purpose::kMove) return std::make_unique<Replacement>(target, ToPosixPath(source));
-    return std::make_unique<Replacement>(target, status.st_mode & 0777);
+std::unique_ptr<Replacement> NewCopy(const Source& source, std::string_view target, Purpose purpose,
+                                     std::string_view inPlaceOf) {
+    if (source.IsTemporary()) return std::make_unique<Replacement>(target, ToPosixPath(inPlaceOf));
+    if (purpose == Purpose::kMove) return std::make_unique<Replacement>(target, source.File());
+    return std::make_unique<Replacement>(target, source.Description().st_mode & 0777);
 }
 
 void CopyInPlace(const Source& source, std::string_view target) {
-    const OpenRequest request = {.mode = {.read = true, .write = true, .denyRead = true, .denyWrite = true},
-                                 .truncate = true};
-    Descriptor file = OpenShared(ToPosixPath(target), request, target);
-    source.CopyTo(file, target);
-    FlushData(file, target);
-    CopyAttributes(source.Description(), file, target);
-    CloseShared(file);
+    InPlace file(target);
+    const std::uint64_t length = source.CopyTo(file.File(), target);
+    CopyAttributes(source.Description(), file.File(), target);
+    file.Commit(length);
 }
 
-// @return 0 or the errno of the system
-int RenameUnused(const std::string& from, std::string_view sourceName, const std::string& to) {
+// @return 0 or the errno of the system: EXDEV also for a temporary file, which is not to keep its rights
+int RenameUnused(const std::string& from, std::string_view sourceName, const Status& status, const std::string& to) {
     const UnusedFile held(from, sourceName);
-    return RenameNew(from, to);
+    return IsTemporaryFile(sourceName, status) ? EXDEV : RenameNew(from, to);
 }
 
 void Unlink(const std::string& posix, std::string_view name) {
@@ -100,7 +101,8 @@ void Unlink(const std::string& posix, std::string_view name) {
     if (::unlink(posix.c_str()) != 0) ThrowErrno(errno, name, posix);
 }
 
-void Copy(std::string_view source, std::string_view target, bool mustBeNew, Purpose purpose) {
+void Copy(std::string_view source, std::string_view target, bool mustBeNew, Purpose purpose,
+          std::string_view inPlaceOf) {
     const Source from(source);
     const std::string to = ToPosixPath(target);
     const std::optional<Status> old = StatusOf(to, target, 0);
@@ -109,7 +111,7 @@ void Copy(std::string_view source, std::string_view target, bool mustBeNew, Purp
     if (old && IsSameFile(*old, from.Description())) ThrowCode(kSharingViolation, target);
     if (old && !CanReplace(target)) return CopyInPlace(from, target);
 
-    const auto made = NewCopy(source, from.Description(), target, purpose);
+    const auto made = NewCopy(from, target, purpose, inPlaceOf);
     from.CopyTo(made->File(), target);
     mustBeNew ? made->CommitNew() : made->Commit();
     CopyAttributes(from.Description(), made->File(), target);
@@ -118,11 +120,15 @@ void Copy(std::string_view source, std::string_view target, bool mustBeNew, Purp
 }  // namespace
 
 void CopyFile(std::string_view source, std::string_view target, bool mustBeNew) {
-    Copy(source, target, mustBeNew, Purpose::kCopy);
+    Copy(source, target, mustBeNew, Purpose::kCopy, target);
 }
 
 void CopyToMove(std::string_view source, std::string_view target, bool mustBeNew) {
-    Copy(source, target, mustBeNew, Purpose::kMove);
+    Copy(source, target, mustBeNew, Purpose::kMove, target);
+}
+
+void CopyToWait(std::string_view source, std::string_view waiting, std::string_view target) {
+    Copy(source, waiting, true, Purpose::kMove, target);
 }
 
 void MoveFile(std::string_view source, std::string_view target) {
@@ -135,7 +141,7 @@ void MoveFile(std::string_view source, std::string_view target) {
     const bool hasOneName = status->st_nlink == 1 || S_ISDIR(status->st_mode) || from == to;
     if (old && IsSameFile(*status, *old) && hasOneName) return;
 
-    const int error = RenameUnused(from, source, to);
+    const int error = RenameUnused(from, source, *status, to);
     if (error == 0) return;
     if (error == EEXIST || (error == EXDEV && old)) ThrowCode(kAlreadyExists, target);
     if (error != EXDEV || !S_ISREG(status->st_mode)) ThrowErrno(error, target, to);

@@ -13,7 +13,8 @@ namespace qel {
 /// Copies the bytes, the time of the last write and the read-only attribute. A new file has the mode of @p source, less
 /// the umask, one that is replaced keeps its own rights. @p source may be open for writing elsewhere. The copy is on
 /// the disk when the operation returns; it appears, or replaces @p target, in one step, unless the target's folder is
-/// closed to writing: then the target is written in place, and keeps its rights.
+/// closed to writing: then the target is written in place, keeps its rights, and has its old bytes back after a
+/// failure.
 /// @throws CFileException 80 when @p target exists and @p mustBeNew, 32 when it is @p source itself
 QELLIB10_API void CopyFile(std::string_view source, std::string_view target, bool mustBeNew);
 
@@ -24,8 +25,13 @@ QELLIB10_API void CopyFile(std::string_view source, std::string_view target, boo
 /// or of a new one.
 QELLIB10_API void CopyToMove(std::string_view source, std::string_view target, bool mustBeNew);
 
+/// The same into the new file @p waiting, which is to be renamed to @p target later: a file of TemporaryName gets the
+/// rights of the file that is at @p target now.
+QELLIB10_API void CopyToWait(std::string_view source, std::string_view waiting, std::string_view target);
+
 /// Renames a file or a folder, within its folder or into another one; a file is moved to another volume by copying and
-/// deleting. A file moved onto itself stays as it is.
+/// deleting, and so is a file of TemporaryName anywhere, since it gets the rights of a new one. A file moved onto
+/// itself stays as it is.
 /// @throws CFileException 183 when @p target exists, 17 for a folder that would go to another volume
 QELLIB10_API void MoveFile(std::string_view source, std::string_view target);
 

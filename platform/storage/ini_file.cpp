@@ -13,14 +13,13 @@
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/in_place.h"
 #include "qellib10/platform/storage/ini_cache.h"
 #include "qellib10/platform/storage/ini_edit.h"
 #include "qellib10/platform/storage/locked_file.h"
-#include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
 #include "qellib10/platform/storage/replacement.h"
-#include "qellib10/platform/storage/uninterrupted.h"
 #include "qellib10/platform/storage/windows_folder.h"
 #include "qellib10/platform/text/multibyte.h"
 
@@ -56,43 +55,11 @@ std::string ContentOf(const Descriptor& file, const std::string& name) {
     return bytes;
 }
 
-// Writes a file in place and gives it its old bytes back when that fails.
-class InPlace {
-public:
-    InPlace(const std::string& name, std::string_view old)
-        : m_name(name), m_old(old), m_file(OpenShared(ToPosixPath(name), kAlone, name)) {}
-    ~InPlace() {
-        if (m_isWritten) return;
-        try {
-            Write(m_old);
-        } catch (const CFileException&) {  // then neither the old text fits
-        }
-    }
-    InPlace(const InPlace&) = delete;
-    InPlace& operator=(const InPlace&) = delete;
-
-    void Set(std::string_view bytes) {
-        Write(bytes);
-        m_isWritten = true;
-        CloseShared(m_file);
-    }
-
-private:
-    static constexpr OpenRequest kAlone = {.mode = {.read = true, .write = true, .denyRead = true, .denyWrite = true}};
-
-    // Cut last: a reader finds one text or the other, or the beginning of one before the end of the other.
-    void Write(std::string_view bytes) const {
-        const auto length = static_cast<off_t>(bytes.size());
-        WriteFullyAt(m_file, std::as_bytes(std::span(bytes)), 0, m_name);
-        if (Uninterrupted([&] { return ::ftruncate(m_file.Get(), length); }) != 0) ThrowErrno(errno, m_name);
-        FlushData(m_file, m_name);
-    }
-
-    const std::string& m_name;
-    const std::string_view m_old;
-    Descriptor m_file;
-    bool m_isWritten = false;
-};
+void SetInPlace(const std::string& name, std::string_view bytes) {
+    InPlace file(name);
+    WriteFullyAt(file.File(), std::as_bytes(std::span(bytes)), 0, name);
+    file.Commit(bytes.size());
+}
 
 using Edited = std::optional<std::string>;
 
@@ -108,7 +75,7 @@ template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, E
         file ? replacement.Commit() : replacement.CommitNew();
     } catch (const CFileException& failure) {
         if (!file || failure.m_lOsError != kAccessDenied || CanReplace(name)) throw;
-        InPlace(name, old).Set(*changed);
+        SetInPlace(name, *changed);
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include "qellib10/platform/storage/path.h"
 
 #include <linux/limits.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -149,6 +150,18 @@ DriveMatch DriveOf(std::string_view posix) {
     return best;
 }
 
+// The kernel's rule (protected_symlinks), since links are followed by hand here: where everybody may make files, nobody
+// else's link decides where a file is made, but for one of the folder's owner.
+void CheckMayFollow(const std::string& link, std::string_view name) {
+    struct stat holding = {};
+    struct stat own = {};
+    const std::string folder = PosixFolderOf(link);
+    if (::stat(folder.c_str(), &holding) != 0 || ::lstat(link.c_str(), &own) != 0) ThrowErrno(errno, name, link);
+    constexpr mode_t kEverybodys = S_ISVTX | S_IWOTH;
+    const bool isEverybodys = (holding.st_mode & kEverybodys) == kEverybodys;
+    if (isEverybodys && own.st_uid != ::geteuid() && own.st_uid != holding.st_uid) ThrowErrno(EACCES, name, link);
+}
+
 }  // namespace
 
 std::string ToPosixPath(std::string_view path) {
@@ -211,13 +224,16 @@ std::string BehindLinks(const std::string& posixPath, std::string_view name) {
     std::array<char, PATH_MAX> found;
     std::string path = posixPath;
     for (int links = 0; links < kMostLinks; ++links) {
-        if (::realpath(path.c_str(), found.data()) != nullptr) return found.data();
-        if (errno != ENOENT) ThrowErrno(errno, name, path);
-        // What is not there may be a link to a file that is still to be made.
         const ssize_t length = ::readlink(path.c_str(), found.data(), found.size());
-        if (length < 0) return path;
-        const std::string target(found.data(), static_cast<std::size_t>(length));
-        path = target.starts_with('/') ? target : PosixFolderOf(path) + '/' + target;
+        if (length >= 0) {
+            CheckMayFollow(path, name);
+            const std::string target(found.data(), static_cast<std::size_t>(length));
+            path = target.starts_with('/') ? target : PosixFolderOf(path) + '/' + target;
+            continue;
+        }
+        if (errno == EINVAL && ::realpath(path.c_str(), found.data()) != nullptr) return found.data();
+        if (errno != ENOENT) ThrowErrno(errno, name, path);
+        return path;  // a file that is still to be made
     }
     ThrowErrno(ELOOP, name);
 }

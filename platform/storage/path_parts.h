@@ -16,7 +16,7 @@ std::size_t FindSeparator(std::string_view path, std::size_t from = 0);
 bool IsRoot(std::string_view path);
 
 /// What a symbolic link at @p posixPath leads to, also where that is not there yet; else the path itself.
-/// @throws CFileException with @p name
+/// @throws CFileException with @p name, 5 for somebody else's link in a folder where everybody may make files
 std::string BehindLinks(const std::string& posixPath, std::string_view name);
 
 /// The folder that holds @p posixPath: "/" or "." where no folder is named.

@@ -8,6 +8,7 @@
 
 #include "qellib10/platform/storage/access_rights.h"
 #include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/file_attributes.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -35,14 +36,17 @@ bool IsUnchanged(const struct stat& before, const struct stat& now) {
            before.st_uid == now.st_uid && before.st_gid == now.st_gid;
 }
 
+Content ContentOf(int moved) { return moved < 0 ? Content::kNew : Content::kMoved; }
+
 }  // namespace
 
 Replacement::Replacement(std::string_view path, unsigned newMode)
     : m_name(path),
       m_target(BehindLinks(ToPosixPath(path), path)),
       m_pattern(m_target),
+      m_newMode(newMode),
       m_given(std::make_unique<struct stat>()) {
-    Make(newMode);
+    Make();
 }
 
 Replacement::Replacement(std::string_view path, const std::string& posixPattern)
@@ -50,23 +54,48 @@ Replacement::Replacement(std::string_view path, const std::string& posixPattern)
       m_target(BehindLinks(ToPosixPath(path), path)),
       m_pattern(posixPattern),
       m_given(std::make_unique<struct stat>()) {
-    Make(kOwnersAlone);
+    Make();
+}
+
+Replacement::Replacement(std::string_view path, const Descriptor& moved)
+    : m_name(path),
+      m_target(BehindLinks(ToPosixPath(path), path)),
+      m_moved(moved.Get()),
+      m_given(std::make_unique<struct stat>()) {
+    Make();
 }
 
 Replacement::~Replacement() = default;
 
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
-void Replacement::Make(unsigned newMode) {
-    const bool isThere = IsThere(m_pattern, m_name, *m_given);
-    m_made = std::make_unique<UnfinishedFile>(m_target, isThere ? kOwnersAlone : newMode, m_name);
-    if (isThere && S_ISREG(m_given->st_mode)) GiveAccessRights(File().Get(), *m_given, m_pattern, m_name);
+// @return false where there is none
+bool Replacement::FindPattern(struct stat& pattern) const {
+    if (m_moved < 0) return IsThere(m_pattern, m_name, pattern) && S_ISREG(pattern.st_mode);
+    if (::fstat(m_moved, &pattern) != 0) ThrowErrno(errno, m_name);
+    return true;
+}
+
+FileAttributes Replacement::Attributes() const {
+    return m_moved < 0 ? FileAttributes(m_pattern, m_name) : FileAttributes(m_moved, m_name);
+}
+
+void Replacement::Make() {
+    const bool isThere = FindPattern(*m_given);
+    m_made = std::make_unique<UnfinishedFile>(m_target, isThere ? kOwnersAlone : m_newMode, m_name);
+    if (isThere) GiveAccess(*m_given);
+}
+
+void Replacement::GiveAccess(const struct stat& pattern) {
+    GiveAccessRights(File().Get(), pattern, Attributes(), ContentOf(m_moved), m_name);
 }
 
 // What was made meanwhile is replaced with its rights, too.
-void Replacement::GiveRights(const struct stat& pattern) {
-    if (!IsUnchanged(*m_given, pattern)) GiveAccessRights(File().Get(), pattern, m_pattern, m_name);
-    GiveAttributes(File().Get(), m_pattern, m_name);
+void Replacement::GiveRights() {
+    struct stat pattern = {};
+    if (!FindPattern(pattern)) return;
+    if (!IsUnchanged(*m_given, pattern)) GiveAccess(pattern);
+    GiveAttributes(File().Get(), Attributes(), ContentOf(m_moved), m_name);
 }
 
 void Replacement::Commit() {
@@ -75,8 +104,7 @@ void Replacement::Commit() {
     struct stat old = {};
     const bool hasOld = IsThere(m_target, m_name, old);
     if (hasOld && (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0)) ThrowCode(kAccessDenied, m_name);
-    struct stat pattern = old;
-    if (m_pattern == m_target ? hasOld : IsThere(m_pattern, m_name, pattern)) GiveRights(pattern);
+    GiveRights();
     if (!m_made->HasItsName()) ThrowCode(kSharingViolation, m_name);
     if (::rename(m_made->Path().c_str(), m_target.c_str()) != 0) ThrowErrno(errno, m_name, m_target);
     Done();
@@ -84,8 +112,7 @@ void Replacement::Commit() {
 
 void Replacement::CommitNew() {
     FlushData(File(), m_name);
-    struct stat pattern = {};
-    if (m_pattern != m_target && IsThere(m_pattern, m_name, pattern)) GiveRights(pattern);
+    if (m_pattern != m_target) GiveRights();
     if (!m_made->HasItsName()) ThrowCode(kSharingViolation, m_name);
     if (const int error = RenameNew(m_made->Path(), m_target)) {
         error == EEXIST ? ThrowCode(kFileExists, m_name) : ThrowErrno(error, m_name, m_target);

@@ -51,7 +51,7 @@ void CheckFolder(std::string_view folder) {
 
 bool IsTemporaryFile(std::string_view path, const struct stat& status) {
     std::string_view name = path.substr(NameStart(path));
-    if ((status.st_mode & 07777) != kOwnersAlone || !name.ends_with(kExtension)) return false;
+    if (status.st_mode != (S_IFREG | kOwnersAlone) || !name.ends_with(kExtension)) return false;
     name.remove_suffix(kExtension.size());
     if (name.size() < kDigits || name.size() > kPrefixBytes + kDigits) return false;
     return name.find_first_not_of("0123456789ABCDEF", name.size() - kDigits) == std::string_view::npos;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -19,6 +20,7 @@ namespace {
 constexpr std::int64_t kLockedByte = 0x7FFFFFFFFFF50000;  // past the marks of share modes and the byte of OpenLocked
 constexpr std::size_t kLongestName = 255;                 // bytes of a name on disk
 constexpr unsigned kNumbers = 0x10000;
+constexpr unsigned kPassedOver = 8;  // free numbers before one that may be a killed writer's
 constexpr unsigned kFirst = 0xE100;  // unlike the numbers that people give
 
 std::string NameBeside(const std::string& target, unsigned number) {
@@ -51,9 +53,9 @@ UnfinishedFile::UnfinishedFile(const std::string& target, unsigned mode, std::st
         if (number == kNumbers) ThrowCode(kFileExists, name);
         m_path = NameBeside(target, number++);
     } while (!Make(mode, name));
-    for (unsigned other = 0; other < kNumbers; ++other) {
+    for (unsigned other = 0, end = number + kPassedOver; other < std::min(end, kNumbers); ++other) {
         const std::string path = NameBeside(target, other);
-        if (path != m_path && !RemoveLeftover(path) && other >= number) break;
+        if (path != m_path && RemoveLeftover(path)) end = std::max(end, other + 1 + kPassedOver);
     }
 }
 

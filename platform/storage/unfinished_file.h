@@ -8,8 +8,10 @@
 namespace qel {
 
 /// A file that is written beside the one that it is to become, as `<name>.<4 hex digits>.tmp`, so that readers never
-/// find a part of it. Its writer holds a lock on it that the kernel drops with the process. So what a killed one has
-/// left is known, and the next that writes to a file of that name removes it.
+/// find a part of it. Its writer holds a lock on it that the kernel drops with the process. So what killed ones have
+/// left is known, and the next that writes to a file of that name removes it: all of it, unless more than eight wrote
+/// to the file at once, since no more than eight numbers that are free are passed over to look for more. On a disk that
+/// knows no locks nothing is known, and leftovers stay.
 class UnfinishedFile {
 public:
     /// A new, empty file, open for reading and writing.

@@ -1,5 +1,9 @@
 #include "../support/interrupted.h"
 
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <sstream>
 
@@ -9,6 +13,7 @@
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/file/restart_file.h"
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/ini_file.h"
 #include "qellib10/platform/storage/restart_queue.h"
@@ -17,6 +22,44 @@
 namespace {
 
 std::string NewIsThere(At at) { return Bytes(at).find("new") != std::string::npos ? "there" : "lost"; }
+
+// With the attributes that the files have, lists included.
+std::string AttributesOf(At at, std::initializer_list<const char*> names) {
+    std::string attributes = at.Files(Place::About::kBytes, "a");
+    for (const char* name : names) {
+        char found[200];
+        const ssize_t size = ::listxattr(at.Posix(name).c_str(), found, sizeof found);
+        attributes.append(name).append(" ").append(found, size > 0 ? static_cast<std::size_t>(size) : 0);
+    }
+    return attributes;
+}
+std::string Attributes(At at) { return AttributesOf(at, {"a", "b"}); }
+std::string AttributesButA(At at) { return AttributesOf(at, {"c"}); }
+void SetAttributes(At at) {
+    const std::string list(
+        "\2\0\0\0\1\0\6\0\377\377\377\377\2\0\6\0\147\22\0\0\4\0\4\0\377\377\377\377"
+        "\20\0\6\0\377\377\377\377\40\0\4\0\377\377\377\377",
+        44);
+    for (const char* name : {"a", "b"}) {
+        ::setxattr(at.Posix(name).c_str(), "system.posix_acl_access", list.data(), list.size(), 0);
+        ::setxattr(at.Posix(name).c_str(), "user.note", "kept", 4, 0);
+    }
+}
+
+// A file that can be written in a folder that cannot; root may do both.
+constexpr uid_t kNobody = 65534;
+void InClosedFolder(At at) {
+    std::filesystem::create_directory(at.Posix("d"));
+    at.Write("d/f", "former and longer");
+    if (::geteuid() == 0) ::chown(at.Posix("d/f").c_str(), kNobody, kNobody);
+    for (const auto& [name, mode] : {std::pair("a", 0644), {"d/f", 0666}, {"d", 0555}, {"", 0777}})
+        ::chmod(at.Posix(name).c_str(), mode);
+}
+int CopiedInPlace(At at) {
+    const bool isRoot = ::geteuid() == 0 && ::seteuid(kNobody) == 0;
+    const bool done = qel::Succeeds([&] { qel::CopyFile(at.a.View(), at.Name("d/f"), false); });
+    return (!isRoot || ::seteuid(0) == 0) && done;
+}
 
 // Lines without their time.
 std::string Lines(At at) {
@@ -153,6 +196,14 @@ const Operation kOperations[] = {
      Lines, [](At at) { at.Write("a", "[t],first\r\n"); }, false, Cut::kAnything},
     {"Copy", [](At at) { return qel::CopyFile(at.a.View(), at.c.View(), true), 1; }, Bytes},
     {"CopyOver", [](At at) { return qel::CopyFile(at.a.View(), at.b.View(), false), 1; }, Bytes},
+    {"CopyOverAttributes", [](At at) { return qel::CopyFile(at.a.View(), at.b.View(), false), 1; }, Attributes,
+     SetAttributes, false, Cut::kAnything},
+    {"MoveAttributes", [](At at) { return CQFile::MoveFileA(at.a, at.c, 1); }, AttributesButA, SetAttributes, false,
+     Cut::kAnything},
+    {"CopyThroughLink", [](At at) { return qel::CopyFile(at.b.View(), at.c.View(), false), 1; }, Bytes,
+     [](At at) { std::filesystem::create_symlink("a", at.Posix("c")); }},
+    {"CopyInPlace", CopiedInPlace, [](At at) { return at.Read("d/f") + Names(at); }, InClosedFolder, false,
+     Cut::kAnything},
     {"Rename", [](At at) { return CFile::Rename(at.a, at.c), 1; }, Bytes, Nothing, false, Cut::kOldOrNew},
     {"Remove", [](At at) { return CFile::Remove(at.a), 1; }, Bytes, Nothing, false, Cut::kOldOrNew},
     {"MoveInto", [](At at) { return CQFile::MoveFileA(at.a, at.b, 1); }, BytesButA},

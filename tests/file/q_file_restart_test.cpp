@@ -41,17 +41,19 @@ TEST_F(Restart, NotNeededWhereItWorksAtOnce) {
 }
 
 TEST_F(Restart, FileInUseIsReplacedAndDeletedThen) {
-    ASSERT_EQ(::chmod(m_folder.Posix("source").c_str(), 0741), 0);
+    ASSERT_EQ(::chmod(m_folder.Posix("target").c_str(), 0741), 0);
+    ASSERT_EQ(::chmod(m_folder.Posix("source").c_str(), 0600), 0);
+    ASSERT_EQ(::rename(m_folder.Posix("source").c_str(), m_folder.Posix("12AB.TMP").c_str()), 0);
     const CFile open(m_target, CFile::modeRead);
-    EXPECT_EQ(CQFile::MoveFileReboot(m_source, m_target, m_waiting, MAX_PATH), 1);
+    EXPECT_EQ(CQFile::MoveFileReboot(m_folder.Path("12AB.TMP"), m_target, m_waiting, MAX_PATH), 1);
     EXPECT_EQ(CQFile::DeleteFileReboot(m_target, 1), 1);
     EXPECT_EQ(m_folder.Read("target"), "old");
-    EXPECT_FALSE(m_folder.Has("source"));
+    EXPECT_FALSE(m_folder.Has("12AB.TMP"));
     EXPECT_EQ(CQFile::GetFolderFromPath(m_waiting), m_folder.Path());
     const std::string waiting = qel::ToPosixPath(m_waiting), target = qel::ToPosixPath(m_target.View());
     struct stat status = {};
     ASSERT_EQ(::stat(waiting.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0741u);
+    EXPECT_EQ(status.st_mode & 0777, 0741u) << "a temporary file has the rights of what it replaces";
     ASSERT_EQ(Requests().size(), 2u);
     EXPECT_TRUE(Requests()[0].source == waiting && Requests()[0].target == target);
     EXPECT_TRUE(Requests()[1].source == target && Requests()[1].target.empty());

@@ -81,12 +81,16 @@ TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
 // A copy of a secret is no less a secret. Mode 0 of the target: there is none.
 TEST_F(FileOperations, CopiesAndMovesHaveTheRightsOfTheirKind) {
     constexpr auto kCopy = qel::CopyFile, kMove = qel::CopyToMove;
+    constexpr auto kRename =
+        +[](std::string_view source, std::string_view target, bool) { qel::MoveFile(source, target); };
     const mode_t before = ::umask(022);
     const Cases<decltype(kCopy), const char*, mode_t, mode_t, mode_t> cases = {
         {kCopy, "s", 0600, 0, 0600},           {kCopy, "s", 04666, 0, 0644},
         {kCopy, "s", 0666, 0600, 0600},        {kCopy, "s", 0444, 0660, 0440},
         {kMove, "s", 0600, 0, 0600},           {kMove, "s", 0666, 0, 0666},
         {kMove, "s", 0600, 0644, 0600},        {kMove, "s", 0444, 0600, 0444},
+        {kMove, "s", 04755, 0, 04755},         {kCopy, "s", 0600, 04755, 0755},  // new bytes act for nobody
+        {kRename, "s", 0600, 0, 0600},         {kRename, "12AB.TMP", 0600, 0, 0644},
         {kCopy, "qel12AB.TMP", 0600, 0, 0644},  // a temporary file's mode is not meant for its target
         {kMove, "12AB.TMP", 0600, 0, 0644},    {kMove, "qel12AB.TMP", 0600, 0640, 0640},
         {kMove, "qel12AB.TMP", 0640, 0, 0640}, {kMove, "more12AB.TMP", 0600, 0, 0600},
@@ -161,7 +165,34 @@ TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
         EXPECT_EQ(AsOrdinaryUser([&] { return Copy(source, target); }), 0) << target;
         EXPECT_EQ(m_folder.Read("d/x"), m_folder.Read(source)) << target;
     }
+    const std::string before = m_folder.Read("d/x");
+    m_folder.Write("long", std::string(300'000, 'a'));
+    EXPECT_EQ(OnFullDisk(100'000, [&] { return AsOrdinaryUser([&] { return Copy("long", "d/x"); }); }), 112);
+    EXPECT_EQ(m_folder.Read("d/x"), before);
     SetMode("d", 0755);
+}
+
+// As the kernel has it: in a folder where everybody may make files nobody else's link decides where a file is made.
+TEST_F(FileOperations, LinksOfOthersAreNotFollowedWhereEverybodyMayMakeThem) {
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root";
+    constexpr uid_t kOwner = 1234, kOther = 5678;
+    ASSERT_EQ(::chown(m_folder.Posix("d").c_str(), kOwner, kOwner), 0);
+    for (const auto& [mode, linkOwner, target, code] :
+         Cases<mode_t, uid_t, const char*, LONG>{{01777, kOther, "b", 5},
+                                                 {01777, kOther, "none", 5},
+                                                 {01777, kOwner, "b", 0},
+                                                 {01777, 0, "b", 0},  // the caller's own
+                                                 {0777, kOther, "none", 0},
+                                                 {01775, kOther, "none", 0}}) {
+        SCOPED_TRACE(std::to_string(mode) + ' ' + std::to_string(linkOwner) + target);
+        std::filesystem::remove(m_folder.Posix("none"));
+        std::filesystem::remove(m_folder.Posix("d/l"));
+        std::filesystem::create_symlink(m_folder.Posix(target), m_folder.Posix("d/l"));
+        ASSERT_EQ(::lchown(m_folder.Posix("d/l").c_str(), linkOwner, linkOwner), 0);
+        SetMode("d", mode);
+        EXPECT_EQ(CodeOf([&] { qel::Replacement(m_folder.Name("d/l")).Commit(); }), code);
+        EXPECT_EQ(m_folder.Has("none"), code == 0 && target == std::string("none"));
+    }
 }
 
 TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
@@ -189,6 +220,7 @@ TEST_F(Replacement, IsNobodyElsesBeforeItIsWritten) {
     SetMode("b", 0600);
     m_folder.Write("b.E100.tmp", "of a killed writer");
     m_folder.Write("b.E101.tmp", "of another one");
+    m_folder.Write("b.E109.tmp", "of one whose neighbours could finish");
     m_folder.Write("b.0001.tmp", "somebody's own");
     qel::Replacement first(m_folder.Name("b"));
     qel::Replacement second(m_folder.Name("b"));
@@ -237,7 +269,9 @@ TEST_F(Replacement, KeepsOwnerListAndAttributes) {
         GTEST_SKIP() << "needs lists, attributes and root";
     }
     ASSERT_EQ(::chown(m_folder.Posix("b").c_str(), 1234, 5678), 0);
+    EXPECT_EQ(set("b", "security.capability", std::string("\1\0\0\2\0\4", 6) + std::string(14, '\0')), 0);
     replace();
+    EXPECT_EQ(valueOf("security.capability"), "") << "the new bytes may not do what the old ones might";
     EXPECT_EQ(Line({StatusOf("b").st_uid, StatusOf("b").st_gid, StatusOf("b").st_mode & 07777}),
               Line({1234, 5678, 0660}));
     EXPECT_EQ(valueOf("system.posix_acl_access"), list);
@@ -259,6 +293,10 @@ TEST_F(Replacement, KeepsOwnerListAndAttributes) {
     EXPECT_EQ(StatusOf("b").st_mode & 07777, 0664U);
     EXPECT_EQ(AsOrdinaryUser(replace), 0);
     EXPECT_EQ(StatusOf("b").st_mode & 07777, 0644U);
+    ASSERT_EQ(::chown(m_folder.Posix("b").c_str(), 65534, 5678), 0);
+    SetMode("b", 0604);
+    EXPECT_EQ(AsOrdinaryUser(replace), 0);
+    EXPECT_EQ(StatusOf("b").st_mode & 07777, 0600U) << "who was of the group is one of the others now";
 }
 
 // Whenever the writer is killed, a reader finds one of the whole files, and nobody else finds anything.

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -102,9 +103,10 @@ void WatchDisk(void (*watcher)(int flushed)) { theWatcher = watcher; }
 int open(const char* path, int flags, ...) {
     va_list rest;
     va_start(rest, flags);
-    const auto mode = Last<mode_t>((flags & O_CREAT) != 0, rest);
+    const bool makes = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    const auto mode = Last<mode_t>(makes, rest);
     va_end(rest);
-    return Call<&::open>("open", (flags & O_CREAT) != 0 ? kFills | kWaits : kWaits, path, flags, mode);
+    return Call<&::open>("open", makes ? kFills | kWaits : kWaits, path, flags, mode);
 }
 int openat(int folder, const char* path, int flags, ...) {  // nobody makes files by it
     return Call<&::openat>("openat", kWaits, folder, path, flags, 0);
@@ -161,6 +163,26 @@ int rmdir(const char* path) { return Call<&::rmdir>("rmdir", kFills, path); }
 int fchmod(int file, mode_t mode) { return Call<&::fchmod>("fchmod", kFills, file, mode); }
 int fchown(int file, uid_t user, gid_t group) { return Call<&::fchown>("fchown", kFills, file, user, group); }
 int futimens(int file, const timespec times[2]) { return Call<&::futimens>("futimens", kFills, file, times); }
+
+int fsetxattr(int file, const char* name, const void* value, std::size_t size, int flags) {
+    return Call<&::fsetxattr>("fsetxattr", kFills, file, name, value, size, flags);
+}
+int fremovexattr(int file, const char* name) { return Call<&::fremovexattr>("fremovexattr", kFills, file, name); }
+ssize_t getxattr(const char* path, const char* name, void* value, std::size_t size) {
+    return Call<&::getxattr>("getxattr", kReads, path, name, value, size);
+}
+ssize_t fgetxattr(int file, const char* name, void* value, std::size_t size) {
+    return Call<&::fgetxattr>("fgetxattr", kReads, file, name, value, size);
+}
+ssize_t listxattr(const char* path, char* names, std::size_t size) {
+    return Call<&::listxattr>("listxattr", kReads, path, names, size);
+}
+ssize_t flistxattr(int file, char* names, std::size_t size) {
+    return Call<&::flistxattr>("flistxattr", kReads, file, names, size);
+}
+ssize_t readlink(const char* path, char* target, std::size_t size) {
+    return Call<&::readlink>("readlink", kReads, path, target, size);
+}
 
 int stat(const char* path, struct stat* status) { return Call<&::stat>("stat", kReads, path, status); }
 int lstat(const char* path, struct stat* status) { return Call<&::lstat>("lstat", kReads, path, status); }
