@@ -27,7 +27,8 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
 };
 
-/// Called while others use a database: waits a little. @return false to give up
+/// Called while others use a database: waits a little. It may throw std::bad_alloc alone, which gives up.
+/// @return false to give up
 using DatabaseWait = std::function<bool()>;
 
 /// A database file with its one connection, for one thread at a time: rollback journal, each commit on the disk,
@@ -50,6 +51,8 @@ private:
     struct Closer {
         void operator()(sqlite3* database) const;
     };
+
+    static int MayTryAgain(void* self, int) noexcept;
 
     DatabaseWait m_wait;
     std::unique_ptr<sqlite3, Closer> m_database;

@@ -6,8 +6,9 @@
 
 namespace qel {
 
-/// All bytes of an open file; its position is behind them then.
-/// @throws DataError for a file of 2 GiB or more, and for one that becomes shorter meanwhile; CFileException
+/// All bytes of an open file; its position is after them then.
+/// @throws DataError for a file of 2 GiB or more, or of more than the process's limit of memory, before any is taken,
+/// and for one that becomes shorter meanwhile; CFileException; std::bad_alloc
 std::string ReadWholeFile(CFile& file);
 /// The same of the file at @p path, which nobody may write to meanwhile.
 std::string ReadWholeFile(const char* path);

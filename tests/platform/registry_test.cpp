@@ -16,6 +16,8 @@
 #include "../support/shared_state.h"
 #include "../support/test.h"
 #include "qellib10/platform/fork_safe_lock.h"
+#include "qellib10/platform/registry/database.h"
+#include "qellib10/platform/registry/registry_error.h"
 #include "qellib10/platform/storage/turn.h"
 
 namespace {
@@ -179,6 +181,17 @@ TEST_F(Registry, TransactionsAreAllOrNothing) {
         EXPECT_EQ(Text("a", "v"), commits ? "2" : "1");
         EXPECT_EQ(Read("new", "v"), commits ? qel::kRegistrySuccess : qel::kRegistryNotFound);
     }
+}
+
+TEST_F(Registry, MemoryThatRunsOutWhileWaitingIsABusyDatabase) {
+    const std::string path = m_registry.Folder().Posix("shared.db");
+    qel::Database first(path, true, [] { return false; });
+    qel::Database second(path, true, []() -> bool { throw std::bad_alloc(); });
+    first.Run("BEGIN IMMEDIATE");
+    EXPECT_THROW(second.Run("BEGIN IMMEDIATE"), qel::RegistryError);
+    first.Run("COMMIT");
+    second.Run("BEGIN IMMEDIATE");
+    EXPECT_FALSE(second.IsIdle());
 }
 
 TEST_F(Registry, DatabasesOfOthers) {
