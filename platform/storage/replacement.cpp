@@ -90,11 +90,12 @@ void Replacement::GiveAccess(const struct stat& pattern) {
     GiveAccessRights(File().Get(), pattern, Attributes(), ContentOf(m_moved), m_name);
 }
 
-// What was made meanwhile is replaced with its rights, too.
+// What was made meanwhile is replaced with its rights, too. A file that is moved has lost its set-user-id by being
+// filled.
 void Replacement::GiveRights() {
     struct stat pattern = {};
     if (!FindPattern(pattern)) return;
-    if (!IsUnchanged(*m_given, pattern)) GiveAccess(pattern);
+    if (m_moved >= 0 || !IsUnchanged(*m_given, pattern)) GiveAccess(pattern);
     GiveAttributes(File().Get(), Attributes(), ContentOf(m_moved), m_name);
 }
 

@@ -1,5 +1,7 @@
 #include "qellib10/file/q_file.h"
 
+#include <sys/stat.h>
+
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
@@ -30,9 +32,7 @@ protected:
 }  // namespace
 
 TEST_F(QFile, ATemporaryFileGoesAtCloseOrToAnotherName) {
-    folder.Write("new", "");
-    const auto rightsOfNew = std::filesystem::status(folder.Posix("new")).permissions();
-    std::filesystem::remove(folder.Posix("new"));
+    const mode_t before = ::umask(022);
     Temporary();
     file.Close();
     EXPECT_EQ(folder.Count(), 0);
@@ -50,7 +50,8 @@ TEST_F(QFile, ATemporaryFileGoesAtCloseOrToAnotherName) {
     EXPECT_EQ(Line({file.CloseTo(folder.Path("c")), file.CloseTo(folder.Path("d"))}), "1 1")
         << "nothing to do is a success";
     EXPECT_EQ(folder.Read("c"), "abc");
-    EXPECT_EQ(std::filesystem::status(folder.Posix("c")).permissions(), rightsOfNew);
+    EXPECT_EQ(std::filesystem::status(folder.Posix("c")).permissions(), std::filesystem::perms{0644});
+    ::umask(before);
     ASSERT_TRUE(file.Open(folder.Path("c"), CFile::modeRead));
     EXPECT_EQ(Line({file.CloseToDestroy(), file.CloseToDestroy()}), "1 1");
     EXPECT_EQ(folder.Count(), 2) << "the one in use and the one that could not be copied";
