@@ -25,7 +25,9 @@ class CheckSums;
 /// memory runs out; nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power
 /// cut a file that was just sealed may have its former seal or none, but a seal that passes is after the data that it
 /// was made for. The trailer is written by one call, once its checksums are known: a process that is killed while it
-/// seals again leaves the former seal or the next one. Unless stated they leave the file's position anywhere.
+/// seals again leaves the former seal or the next one, or, where the trailer crosses a border of pages and the process
+/// is killed there, one that does not pass; the file's own data are whole then, too. Unless stated they leave the
+/// file's position anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();

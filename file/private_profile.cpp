@@ -247,10 +247,12 @@ int CPrivateProfile::GetAllStrings(const char* section, CStringArray& out) const
     if (m_nMode == registryMode || m_szLocation.IsEmpty()) return 0;
     return qel::AsResult([&] {
         const auto read = [&] { return qel::ReadProfileSection(section, kSectionBuffer, m_szLocation); };
-        if (read().size() == kSectionTooLong) return 0;
+        const std::optional<std::string> first = read();
+        if (!first || first->size() == kSectionTooLong) return 0;
+        const std::optional<std::string> entries = read();  // once more, for the entries, as it has always been
+        if (!entries) return 0;
         out.RemoveAll();
-        const std::string entries = read();  // once more, for the entries, as it has always been
-        for (std::string_view rest = entries; !rest.empty() && rest[0] != '\0';) {
+        for (std::string_view rest = *entries; !rest.empty() && rest[0] != '\0';) {
             const std::string_view entry = rest.substr(0, rest.find('\0'));
             out.Add(CString(entry));
             rest.remove_prefix(std::min(entry.size() + 1, rest.size()));

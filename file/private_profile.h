@@ -81,7 +81,8 @@ public:
 
     /// All lines of a section but comments, entries as key, equals sign and value; INI only. A missing section has
     /// none.
-    /// @return 0 when they take more than 32764 bytes, a zero counted for each; @p out stays then
+    /// @return 0 when they take more than 32764 bytes, a zero counted for each, or when there is a file that cannot be
+    /// read; @p out stays then
     int GetAllStrings(const char* section, CStringArray& out) const;
 
     /// Copies all below the profile's key to the key beside it that has @p suffix behind its name, in place of what was

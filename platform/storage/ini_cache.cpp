@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <iterator>
@@ -130,12 +131,10 @@ std::optional<std::string> Content(const Descriptor& file, std::size_t size, con
 }
 
 // @param old the same file as it was before, if known
-std::optional<CachedFile> Load(const std::string& path, const std::optional<CachedFile>& old) {
-    const Descriptor file(
-        Uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
+std::optional<CachedFile> Load(const std::string& path, const Descriptor& file, const std::optional<CachedFile>& old) {
     struct stat status = {};
     const Nanoseconds before = Now();
-    if (!file || ::fstat(file.Get(), &status) != 0 || !IsReadable(status)) return std::nullopt;
+    if (::fstat(file.Get(), &status) != 0 || !IsReadable(status)) return std::nullopt;
     std::optional<std::string> bytes = Content(file, static_cast<std::size_t>(status.st_size), path);
     if (!bytes) return std::nullopt;
     const Stamp stamp(status);
@@ -156,10 +155,13 @@ std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath) {
     Cache& cache = Cache::Instance();
     const std::optional<CachedFile> known = cache.Find(posixPath);
     if (known && IsCurrent(*known)) return known->index;
-    std::optional<CachedFile> file = Load(posixPath, known);
+    const Descriptor opened(
+        Uninterrupted([&] { return ::open(posixPath.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
+    const bool isMissing = !opened && (errno == ENOENT || errno == ENOTDIR);
+    std::optional<CachedFile> file = opened ? Load(posixPath, opened, known) : std::nullopt;
     if (!file) {
         if (known) cache.Forget(posixPath);
-        return nullptr;
+        return isMissing ? std::make_shared<const IniIndex>("") : nullptr;
     }
     std::shared_ptr<const IniIndex> index = file->index;
     cache.Keep(*std::move(file));

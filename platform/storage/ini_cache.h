@@ -7,8 +7,9 @@
 
 namespace qel {
 
-/// The INI file at @p posixPath as it is now; null when there is no file that can be read. The files asked for last are
-/// kept, for all threads, and read again only when they have changed, whoever did that.
+/// The INI file at @p posixPath as it is now; an empty one when there is no file, null when there is one that cannot be
+/// read. The files asked for last are kept, for all threads, and read again only when they have changed, whoever did
+/// that.
 std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath);
 
 }  // namespace qel

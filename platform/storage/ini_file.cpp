@@ -37,7 +37,7 @@ std::shared_ptr<const IniIndex> Read(const char* file) {
     try {
         return ReadIni(ToPosixPath(FullName(file != nullptr ? file : "")));
     } catch (const CFileException&) {  // no such name can be
-        return nullptr;
+        return std::make_shared<const IniIndex>("");
     }
 }
 
@@ -112,10 +112,11 @@ std::string ReadProfileString(const char* section, const char* key, const char* 
     return std::string(LeftWhole(*value, size - 1));
 }
 
-std::string ReadProfileSection(const char* section, DWORD size, const char* file) {
-    if (section == nullptr || size < 2) return {};
+std::optional<std::string> ReadProfileSection(const char* section, DWORD size, const char* file) {
+    if (section == nullptr || size < 2) return "";
     const std::shared_ptr<const IniIndex> ini = Read(file);
-    std::string entries = ini ? ini->Entries(section) : std::string();
+    if (!ini) return std::nullopt;
+    std::string entries = ini->Entries(section);
     const std::size_t room = size - 2;
     if (entries.size() > room) {
         entries.resize(LeftWhole(entries, room).size());

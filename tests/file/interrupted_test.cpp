@@ -136,6 +136,14 @@ void SetBackup(At at) {
 }
 
 void Ini(At at) { at.Write("a", "[s]\nk=1\n"); }
+CString theListed;  // the last entry of the list that was asked for
+int List(At at) {
+    CStringArray lines;
+    lines.Add("former");
+    const int listed = CPrivateProfile(at.a, CPrivateProfile::iniMode).GetAllStrings("s", lines);
+    theListed = lines.GetSize() > 0 ? lines[lines.GetSize() - 1] : "";
+    return listed;
+}
 // The last line brings back the name that the one before it has moved away.
 void Queue(At at) {
     std::string lines;
@@ -172,6 +180,8 @@ const Operation kOperations[] = {
     {"IniSetInNewFile", [](At at) { return qel::WriteProfileString("s", "k", "2", at.c); }, Bytes},
     {"IniGet", [](At at) { return qel::ReadProfileString("s", "k", "", 9, at.a) == "1"; },
      [](At at) { return qel::ReadProfileString("s", "k", "", 9, at.a); }, Ini, false, Cut::kAnything},
+    {"IniList", List, [](At) { return std::string(theListed.View()); }, [](At at) { Ini(at), theListed = "former"; },
+     false, Cut::kAnything},
     {"IniAddsDeletion", [](At) { return qel::AddDeletionToRestartFile("\\x"); }, Bytes,
      [](At) { qel::AddDeletionToRestartFile("\\before"); }},
     OnRegistry(
@@ -251,4 +261,5 @@ const Operation kOperations[] = {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(File, FailingCalls, testing::ValuesIn(kOperations), NameOf);
+INSTANTIATE_TEST_SUITE_P(File, DeadDisks, testing::ValuesIn(WithPromise(kOperations, Cut::kOnlyOnceDone)), NameOf);
 INSTANTIATE_TEST_SUITE_P(File, PowerCuts, testing::ValuesIn(WithPromise(kOperations)), NameOf);

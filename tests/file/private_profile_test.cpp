@@ -136,7 +136,10 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     EXPECT_EQ(ini.GetAllStrings("S", lines), 1);
     ASSERT_EQ(lines.GetSize(), 6);
     EXPECT_EQ(lines[1], "word=42");
-    EXPECT_EQ(ini.GetAllStrings("missing", lines), 1);
+    EXPECT_EQ(Profile(folder.Path()).GetAllStrings("s", lines), 0) << "a folder cannot be read";
+    EXPECT_EQ(lines.GetSize(), 6);
+    EXPECT_EQ(Line({ini.GetAllStrings("missing", lines), Profile(folder.Path("none")).GetAllStrings("s", lines)}),
+              "1 1");
     EXPECT_EQ(lines.GetSize(), 0);
     for (const auto& [bytes, result] : {std::pair{32764, 1}, std::pair{32765, 0}, std::pair{40000, 0}}) {
         folder.Write("a.ini", "[s]\n" + std::string(static_cast<std::size_t>(bytes - 1), 'x'));

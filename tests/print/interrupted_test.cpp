@@ -26,4 +26,5 @@ const Operation kOperations[] = {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Print, FailingCalls, testing::ValuesIn(kOperations), NameOf);
+INSTANTIATE_TEST_SUITE_P(Print, DeadDisks, testing::ValuesIn(WithPromise(kOperations, Cut::kOnlyOnceDone)), NameOf);
 INSTANTIATE_TEST_SUITE_P(Print, PowerCuts, testing::ValuesIn(WithPromise(kOperations)), NameOf);

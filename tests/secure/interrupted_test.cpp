@@ -133,6 +133,7 @@ DWORD CabinetVersions(const Operation& operation) {
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Secure, FailingCalls, testing::ValuesIn(kOperations), NameOf);
+INSTANTIATE_TEST_SUITE_P(Secure, DeadDisks, testing::ValuesIn(WithPromise(kOperations, Cut::kOnlyOnceDone)), NameOf);
 INSTANTIATE_TEST_SUITE_P(Secure, PowerCuts, testing::ValuesIn(WithPromise(kOperations)), NameOf);
 
 using FailedRegistrations = Interrupted;

@@ -74,7 +74,8 @@ template <auto* kOurs> int Flush(const char* name, int file) {
 // A call that moves @p count bytes, perhaps not all of them.
 template <class Real> ssize_t Move(unsigned kinds, std::size_t count, Real&& real) {
     const auto move = [&](std::size_t n) { return (kinds & kFills) != 0 ? Told(real(n)) : real(n); };
-    if (count < 2 || !FailsNow(kinds | kWaits | kMoves)) return move(count);
+    const bool cannot = theFailure == CallFailure::kShort && count < 2;
+    if (cannot || !FailsNow(kinds | kWaits | kMoves)) return move(count);
     return theFailure == CallFailure::kShort ? move(count / 2) : Failed<ssize_t>();
 }
 

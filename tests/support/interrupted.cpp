@@ -35,10 +35,11 @@ std::string Place::Files(About about, const std::string& ignored) const {
 
 void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
 
-std::vector<Operation> WithPromise(std::span<const Operation> operations) {
+std::vector<Operation> WithPromise(std::span<const Operation> operations, Cut without) {
     std::vector<Operation> found(operations.begin(), operations.end());
-    std::erase_if(found,
-                  [](const Operation& operation) { return operation.mayBePart || operation.cut == Cut::kAnything; });
+    std::erase_if(found, [&](const Operation& operation) {
+        return operation.mayBePart || operation.cut == Cut::kAnything || operation.cut == without;
+    });
     return found;
 }
 
@@ -113,6 +114,29 @@ void RemoveUnfinished(const Place& place) {
 }
 
 }  // namespace
+
+// From some call on each fails, also those that undo the operation.
+TEST_P(DeadDisks, LeaveTheOldOrTheNew) {
+    const Operation& operation = GetParam();
+    int calls = 0;
+    const auto stateAfterDeathAt = [&](int number) {
+        const Place place;
+        operation.prepare(place);
+        m_failFrom(CallFailure::kEio, number);
+        const bool done = Run(place);
+        calls = number - m_left();
+        m_fail(CallFailure::kEio, 0);
+        RemoveUnfinished(place);
+        return std::pair(operation.stateAfterCut(place), done);
+    };
+    const std::string before = stateAfterDeathAt(1).first;
+    const std::string after = stateAfterDeathAt(100'000).first;
+    EXPECT_GT(calls, 1);
+    for (int number = calls; number > 1; --number) {
+        const auto [now, done] = stateAfterDeathAt(number);
+        EXPECT_TRUE(now == after || (!done && now == before)) << "from call " << number << '\n' << now;
+    }
+}
 
 TEST_P(PowerCuts, LeaveTheOldOrTheNew) {
     const Operation& operation = GetParam();

@@ -60,8 +60,8 @@ struct Operation {
 
 void PrintTo(const Operation& operation, std::ostream* out);
 inline std::string NameOf(const testing::TestParamInfo<Operation>& operation) { return operation.param.name; }
-/// Those that a power cut must not harm.
-std::vector<Operation> WithPromise(std::span<const Operation> operations);
+/// Those that a power cut must not harm, but for those of the kind @p without.
+std::vector<Operation> WithPromise(std::span<const Operation> operations, Cut without = Cut::kAnything);
 
 class Interrupted : public testing::TestWithParam<Operation> {
 protected:
@@ -75,4 +75,5 @@ protected:
     decltype(&WatchDisk) m_watch = nullptr;
 };
 class FailingCalls : public Interrupted {};
+class DeadDisks : public Interrupted {};
 class PowerCuts : public Interrupted {};
