@@ -40,9 +40,13 @@ constexpr int kOfLink = AT_SYMLINK_NOFOLLOW;
 
 bool IsReadOnly(const Status& status) { return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0; }
 
+// A file of others keeps its own, which only they may set.
 void CopyAttributes(const Status& source, const Descriptor& target, std::string_view name) {
     const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, source.st_mtim};
-    if (::futimens(target.Get(), times.data()) != 0) ThrowErrno(errno, name);
+    if (::futimens(target.Get(), times.data()) != 0) {
+        if (errno == EPERM) return;
+        ThrowErrno(errno, name);
+    }
     Status made = {};
     if (!IsReadOnly(source)) return;
     if (::fstat(target.Get(), &made) != 0 || ::fchmod(target.Get(), made.st_mode & 07555) != 0) ThrowErrno(errno, name);
@@ -85,9 +89,8 @@ std::unique_ptr<Replacement> NewCopy(const Source& source, std::string_view targ
 
 void CopyInPlace(const Source& source, std::string_view target) {
     InPlace file(target);
-    const std::uint64_t length = source.CopyTo(file.File(), target);
-    CopyAttributes(source.Description(), file.File(), target);
-    file.Commit(length);
+    file.Commit(source.CopyTo(file.File(), target));
+    CopyAttributes(source.Description(), file.File(), target);  // last, since setting the end sets the time, too
 }
 
 // @return 0 or the errno of the system: EXDEV also for a temporary file, which is not to keep its rights

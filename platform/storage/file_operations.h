@@ -13,8 +13,8 @@ namespace qel {
 /// Copies the bytes, the time of the last write and the read-only attribute. A new file has the mode of @p source, less
 /// the umask, one that is replaced keeps its own rights. @p source may be open for writing elsewhere. The copy is on
 /// the disk when the operation returns; it appears, or replaces @p target, in one step, unless the target's folder is
-/// closed to writing: then the target is written in place, keeps its rights, and has its old bytes back after a
-/// failure.
+/// closed to writing: then the target is written in place, keeps its rights, as another user's its time, too, and has
+/// its old bytes back when the new ones cannot be written.
 /// @throws CFileException 80 when @p target exists and @p mustBeNew, 32 when it is @p source itself
 QELLIB10_API void CopyFile(std::string_view source, std::string_view target, bool mustBeNew);
 

@@ -160,10 +160,15 @@ TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
     SetMode("d", 0555);
     EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "d/y"); }), 5);
     EXPECT_EQ(AsOrdinaryUser([&] { return Delete("d/x"); }), 5);
-    EXPECT_TRUE(::geteuid() != 0 || ::chown(m_folder.Posix("d/x").c_str(), 65534, 65534) == 0);
-    for (const auto& [source, target] : {std::pair("a", "d/x"), {"b", "into"}}) {
+    const timespec times[] = {{1000, 0}, {12345, 678}};
+    for (const auto& [source, target, isOwn] :
+         Cases<const char*, const char*, bool>{{"b", "into", false}, {"a", "d/x", true}}) {
+        ::utimensat(AT_FDCWD, m_folder.Posix(source).c_str(), times, 0);
+        const uid_t owner = isOwn ? 65534 : 0;
+        EXPECT_TRUE(::geteuid() != 0 || ::chown(m_folder.Posix("d/x").c_str(), owner, owner) == 0);
         EXPECT_EQ(AsOrdinaryUser([&] { return Copy(source, target); }), 0) << target;
         EXPECT_EQ(m_folder.Read("d/x"), m_folder.Read(source)) << target;
+        EXPECT_EQ(StatusOf("d/x").st_mtim.tv_sec == 12345, isOwn || ::geteuid() != 0);
     }
     const std::string before = m_folder.Read("d/x");
     m_folder.Write("long", std::string(300'000, 'a'));
