@@ -1,5 +1,6 @@
 #include "qellib10/print/document_data.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "qellib10/platform/wrapped.h"
@@ -23,6 +24,25 @@ std::optional<int> MarginInDots(int margin, int unit, int dotsAnInch) {
             return std::nullopt;
     }
 }
+
+// What one document says of itself; later ones on the same context say what was set before.
+class DocumentInfo {
+public:
+    DocumentInfo(HDC dc, const std::optional<qel::PdfInfo>& info) : m_hDC(dc) {
+        if (!info) return;
+        m_before = qel::GetPdfInfo(dc);
+        qel::SetPdfInfo(dc, *info);
+    }
+    ~DocumentInfo() {
+        if (m_before) qel::SetPdfInfo(m_hDC, *m_before);
+    }
+    DocumentInfo(const DocumentInfo&) = delete;
+    DocumentInfo& operator=(const DocumentInfo&) = delete;
+
+private:
+    HDC m_hDC;
+    std::optional<qel::PdfInfo> m_before;
+};
 
 int LengthBetween(int length, int before, int behind) {
     return qel::WrappedDifference(qel::WrappedDifference(length, before), behind);
@@ -63,9 +83,9 @@ int CQelPrintJobDocumentData::PrintOut() {
     const HDC selected = m_PageStyle.GetSelectedPrinterDC();
     CDC dc;
     if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return 0;
-    const std::optional<qel::PdfInfo>& info = m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo();
-    if (info) qel::SetPdfInfo(dc, *info);
-    const bool isPrinted = dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
+    const DocumentInfo info(dc, m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo());
+    // What cannot be laid out starts no document, which would keep the next one off a selected context.
+    const bool isPrinted = PlaceCells(&dc) && dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
                            PrintOutMain(&dc, -1, 0) && dc.EndPage() > 0 && dc.EndDoc() > 0;
     if (selected != nullptr) dc.Detach();
     return isPrinted ? 1 : 0;
@@ -80,12 +100,9 @@ int CQelPrintJobDocumentData::OnPrint(CDC* dc, CPrintInfo* info) {
 }
 
 int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
-    const CSize grid = m_PageStyle.GetPrintBlock();
-    const LONGLONG cells = LONGLONG{grid.cx} * grid.cy;
-    if (grid.cx < 1 || grid.cy < 1 || !GetPrintMargin(dc, &m_PageStyle)) return 0;
-    const CSize size = CellSize(dc);
-    // Of a single cell only the corner matters; several would be printed over each other.
-    if ((grid.cx > 1 && size.cx < 1) || (grid.cy > 1 && size.cy < 1)) return 0;
+    const std::optional<CSize> size = PlaceCells(dc);
+    if (!size) return 0;
+    const LONGLONG cells = CellsPerPage();
     int current = 1;
     LONGLONG index = 0;
     for (CQelPrintJobBlockData& block : m_listBlock) {
@@ -97,7 +114,7 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
         ++index;
         if (page >= 0 && page != current) continue;
         dc->SaveDC();
-        const CPoint corner = CellPosition(cell, size);
+        const CPoint corner = CellPosition(cell, *size);
         block.SetOffset(corner.x, corner.y);
         block.DrawCommand(dc);
         dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has kept before
@@ -105,11 +122,35 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
     return 1;
 }
 
-CSize CQelPrintJobDocumentData::CellSize(CDC* dc) const {
+LONGLONG CQelPrintJobDocumentData::CellsPerPage() const {
+    const CSize grid = m_PageStyle.GetPrintBlock();
+    return LONGLONG{grid.cx} * grid.cy;
+}
+
+std::optional<CSize> CQelPrintJobDocumentData::PlaceCells(CDC* dc) {
     const CQelPrintJobPageStyle& style = m_PageStyle;
-    const CSize paper = style.GetPaperSizeOn(dc), grid = style.GetPrintBlock();
-    return {LengthBetween(paper.cx, style.GetLeftMargin(), style.GetRightMargin()) / grid.cx,
-            LengthBetween(paper.cy, style.GetTopMargin(), style.GetBottomMargin()) / grid.cy};
+    const CSize grid = style.GetPrintBlock();
+    if (grid.cx < 1 || grid.cy < 1 || !GetPrintMargin(dc, &m_PageStyle)) return std::nullopt;
+    const CSize paper = style.GetPaperSizeOn(dc);
+    const CSize size(LengthBetween(paper.cx, style.GetLeftMargin(), style.GetRightMargin()) / grid.cx,
+                     LengthBetween(paper.cy, style.GetTopMargin(), style.GetBottomMargin()) / grid.cy);
+    // Of the first column and row only the start matters; what comes after them would be printed over them.
+    const CSize furthest = FurthestCell();
+    if ((furthest.cx > 0 && size.cx < 1) || (furthest.cy > 0 && size.cy < 1)) return std::nullopt;
+    return size;
+}
+
+CSize CQelPrintJobDocumentData::FurthestCell() const {
+    const auto used = static_cast<int>(std::min<LONGLONG>(CellsPerPage(), GetBlockCount()));
+    const CSize grid = m_PageStyle.GetPrintBlock();
+    switch (used > 0 ? m_PageStyle.GetPrintDirection() : 0) {
+        case kDownTheColumn:
+            return {(used - 1) / grid.cy, std::min<LONG>(used, grid.cy) - 1};
+        case kAlongTheRow:
+            return {std::min<LONG>(used, grid.cx) - 1, (used - 1) / grid.cx};
+        default:
+            return {0, 0};
+    }
 }
 
 CPoint CQelPrintJobDocumentData::CellPosition(int cell, const CSize& size) const {

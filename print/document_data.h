@@ -36,8 +36,9 @@ public:
     int CheckAndAddJobFile(const char* path);
     int CheckAndAddJobFile(const CQelPrintJobQueueData& job);
 
-    /// What the printed document says of itself, where it is PDF: its own, else what its page style has. Nothing after
-    /// Initialize.
+    /// What the document that PrintOut makes says of itself, where it is PDF: its own, else what its page style has,
+    /// else what is set for the context. Nothing after Initialize. Pages of OnPrint are in a document that the caller
+    /// has started: there it has no effect, see qel::SetPdfInfo.
     const std::optional<qel::PdfInfo>& GetPdfInfo() const { return m_PdfInfo; }
     void SetPdfInfo(const std::optional<qel::PdfInfo>& info) { m_PdfInfo = info; }
 
@@ -51,8 +52,9 @@ public:
 
     /// Prints all pages as one document, named after the page style: on its selected printer context, which it keeps,
     /// else on a new one of its printer. Without blocks one empty page is printed.
-    /// @return 0 when there is no such printer, or it does not take the document. What was begun on a selected context
-    ///   stays open then.
+    /// @return 0 when there is no such printer, when the cells cannot be laid out (see PrintOutMain; no document is
+    ///   started then), and when the printer does not take the document. What was begun on a selected context stays
+    ///   open then.
     int PrintOut();
 
     /// Draws the page that @p info asks for, on a context of a framework's loop over pages, on paper or as a preview.
@@ -62,9 +64,11 @@ public:
     /// Draws the blocks in the cells of their pages, and computes the page style's printer margins for @p dc.
     /// @param page counted from 1; below 0 all of them, with the end and the start of pages between them unless
     ///   @p preview is not 0
-    /// @return 0 for a grid without cells, for several cells without a width or height, which would be drawn over each
-    ///   other (the margins leave nothing, or the size of the paper is not known, see
-    ///   CQelPrintJobPageStyle::GetPaperSizeOn), for an invalid unit, and when the printer takes no further page
+    /// @return 0 for a grid without cells; for blocks in several columns whose width is below 1, or in several rows
+    ///   whose height is, which would be drawn over each other (the margins leave nothing, or the size of the paper is
+    ///   not known, see CQelPrintJobPageStyle::GetPaperSizeOn); for an invalid unit; and when the printer takes no
+    ///   further page. A single column or row is drawn whatever its size, and all cells are drawn at one place on
+    ///   purpose where the print direction is not 1 or 2.
     int PrintOutMain(CDC* dc, int page, int preview);
 
 protected:
@@ -74,7 +78,10 @@ protected:
     static int GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style);
 
 private:
-    CSize CellSize(CDC* dc) const;  // tenths of a millimetre
+    LONGLONG CellsPerPage() const;
+    // Computes the printer margins. Returns the size of a cell in tenths of a millimetre, or nothing as PrintOutMain.
+    std::optional<CSize> PlaceCells(CDC* dc);
+    CSize FurthestCell() const;  // the last column and row, from 0, that a block is in
     CPoint CellPosition(int cell, const CSize& size) const;
 
     CQelPrintJobPageStyle m_PageStyle;

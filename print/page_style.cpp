@@ -132,7 +132,6 @@ int CQelPrintJobPageStyle::SelectPrinter() {
     m_SelectedPrinterDC.Reset(dc);
     BorrowedDC context(dc);
     ReadDevMode(*mode, &context);
-    if (m_PdfInfo) qel::SetPdfInfo(dc, *m_PdfInfo);
     return 1;
 }
 
@@ -165,8 +164,11 @@ int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
 }
 
 void CQelPrintJobPageStyle::ReadDevMode(DEVMODE mode, CDC* dc) {
-    qel::FillPaperSize(mode, dc);
+    const bool hasSize = qel::FillPaperSize(mode, dc);
     GetDevMode(&mode, dc);
+    // One that was set by hand is as the page is read already: it is not turned again for each page.
+    const bool isTurned = mode.dmOrientation == DMORIENT_LANDSCAPE && m_sizePaper.cx < m_sizePaper.cy;
+    if (!hasSize && isTurned) std::swap(m_sizePaper.cx, m_sizePaper.cy);
     m_nUnit = kMillimetreUnit;
 }
 

@@ -88,8 +88,10 @@ public:
     const CString& GetStyleName() const { return m_szStyleName; }
     void SetStyleName(const CString& name) { m_szStyleName = name; }
     void SetStyleName(UINT stringId);  ///< from the string tables; empty when none has it
-    /// What a PDF document that is printed with this style says of itself. It is no part of the job file, and is not
-    /// compared; nothing after Initialize: then the context's own counts.
+    /// What a PDF document says of itself that CQelPrintJobDocumentData::PrintOut prints with this style, or that is
+    /// printed on a context which GetPrinterDC makes from now on. The selected context does not have it: a document of
+    /// the application's own there needs qel::SetPdfInfo. It is no part of the job file, and is not compared; nothing
+    /// after Initialize: then the context's own counts.
     const std::optional<qel::PdfInfo>& GetPdfInfo() const { return m_PdfInfo; }
     void SetPdfInfo(const std::optional<qel::PdfInfo>& info) { m_PdfInfo = info; }
     /// Cells across and down.
@@ -129,7 +131,9 @@ public:
     /// and paper size become those of the printer. Forms without a size in layouts (Letter, forms that do not exist)
     /// get that of the sheet, as it is read in this direction.
     HDC GetPrinterDC();
-    /// The printer and paper of the dialog in @p info. @return 0 when that has no settings
+    /// The printer and paper of the dialog in @p info. Where neither its form (Letter) nor @p dc (null, or a picture)
+    /// has a size, the one until now stays, its longer side across for landscape.
+    /// @return 0 when that has no settings
     int GetPrinterFromDC(CDC* dc, CPrintInfo* info);
 
     /// Whether all is equal but the printer margins, what a PDF document says of itself, and the selected context.

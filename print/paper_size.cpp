@@ -68,13 +68,15 @@ std::optional<CSize> SheetOf(CDC* dc) {
     return sheet;
 }
 
-void FillPaperSize(DEVMODE& mode, CDC* dc) {
+bool FillPaperSize(DEVMODE& mode, CDC* dc) {
     const bool hasSize = mode.dmPaperWidth != 0 && mode.dmPaperLength != 0;
+    if (hasSize || PaperSizeOf(mode.dmPaperSize)) return true;
     const std::optional<CSize> sheet = SheetOf(dc);
-    if (hasSize || PaperSizeOf(mode.dmPaperSize) || !sheet) return;
+    if (!sheet) return false;
     constexpr LONG kLongest = std::numeric_limits<short>::max();
     mode.dmPaperWidth = static_cast<short>(std::min(sheet->cx, kLongest));
     mode.dmPaperLength = static_cast<short>(std::min(sheet->cy, kLongest));
+    return true;
 }
 
 }  // namespace qel

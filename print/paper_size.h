@@ -19,6 +19,7 @@ std::optional<CSize> PaperSizeOf(int form) noexcept;
 std::optional<CSize> SheetOf(CDC* dc);
 
 /// Gives a mode without a size of its own, whose form has none in layouts either (Letter), the sheet of @p dc.
-void FillPaperSize(DEVMODE& mode, CDC* dc);
+/// @return false when it has no size then: @p dc has no sheet
+bool FillPaperSize(DEVMODE& mode, CDC* dc);
 
 }  // namespace qel

@@ -51,6 +51,12 @@ BOOL SetPdfInfo(HDC dc, const PdfInfo& info) {
     return context && context->Flushed().SetPdfInfo(info);
 }
 
+std::optional<PdfInfo> GetPdfInfo(HDC dc) {
+    const auto context = FindDeviceContext(dc);
+    const PdfInfo* const info = context ? context->Flushed().GetPdfInfo() : nullptr;
+    return info != nullptr ? std::optional(*info) : std::nullopt;
+}
+
 HDC CreateSvgDC(const char* path, const CSize& size, int dotsAnInch) {
     if (path == nullptr || !IsDrawable(size, dotsAnInch)) return nullptr;
     return ContextOver(std::make_unique<SvgSurface>(size, dotsAnInch, std::make_unique<FileSink>(path)));

@@ -55,6 +55,7 @@ std::string PdfDate::Iso() const {
 void PdfDate::WriteInto(std::span<std::byte> document) const {
     const std::string key = "/CreationDate (", made = key + m_text.substr(2, 14) + "+00'00)";
     const auto isSame = [](std::byte byte, char c) { return byte == static_cast<std::byte>(c); };
+    // Cairo 1.16's form. One that writes another has its own date left in place: then the test of PDF dates fails.
     // The last one: what a document says of itself comes after its pages.
     const auto place = std::find_end(document.begin(), document.end(), made.begin(), made.end(), isSame);
     if (place == document.end()) return;

@@ -25,9 +25,13 @@ struct PdfInfo {
     std::optional<COleDateTime> created;
 };
 
-/// What the documents that are started on this context from now on say of themselves; a page style and a document of
-/// print jobs do this by themselves.
+/// What the documents that are started on this context from now on say of themselves.
+/// CQelPrintJobDocumentData::PrintOut and a new context of CQelPrintJobPageStyle::GetPrinterDC do this by themselves. A
+/// loop that draws its pages with CQelPrintJobDocumentData::OnPrint has to do it before its StartDoc.
 /// @return 0 for a bad handle, and for a context whose documents are not PDF
 QELLIB10_API BOOL SetPdfInfo(HDC dc, const PdfInfo& info);
+/// What the next document of this context will say of itself.
+/// @return nothing for a bad handle, and for a context whose documents are not PDF
+QELLIB10_API std::optional<PdfInfo> GetPdfInfo(HDC dc);
 
 }  // namespace qel

@@ -25,6 +25,7 @@ public:
     int EndDoc() override;
     int AbortDoc() override;
     bool SetPdfInfo(const PdfInfo& info) override;
+    const PdfInfo* GetPdfInfo() const override { return &m_info; }
 
 protected:
     cairo_t* Cairo() override;

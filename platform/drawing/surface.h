@@ -61,6 +61,8 @@ public:
     virtual int AbortDoc() { return -1; }
     /// What documents say of themselves from now on. @return false where there is no place for it
     virtual bool SetPdfInfo(const PdfInfo&) { return false; }
+    /// What was set last. Null where there is no place for it.
+    virtual const PdfInfo* GetPdfInfo() const { return nullptr; }
 };
 
 }  // namespace qel

@@ -280,22 +280,96 @@ TEST(PrintDocument, JobFilesOfEveryPaperHaveTheirCellsSideBySide) {
     InOwnThread([&] { CheckCellsOnAllPapers("lab", [&](int number) { return system.Printed(number); }); });
 }
 
-TEST(PrintDocument, CellsWithoutASizeAreRefused) {
-    Document document(2);
+TEST(PrintDocument, BlocksInCellsWithoutASizeAreRefused) {
+    struct Case {
+        int blocks;
+        CSize paper;
+        int form;
+        CSize grid;
+        int direction, expected;
+    };
     Canvas canvas(60, 40);
-    for (const auto& [paper, form, grid, expected] : Cases<CSize, int, CSize, int>{{{60, 40}, 9, {2, 1}, 1},
-                                                                                   {{11, 40}, 9, {2, 1}, 0},
-                                                                                   {{11, 40}, 9, {1, 2}, 1},
-                                                                                   {{60, 8}, 9, {1, 2}, 0},
-                                                                                   {{60, 8}, 9, {1, 1}, 1},
-                                                                                   {{0, 0}, 9, {2, 3}, 1},
-                                                                                   {{0, 0}, 1, {2, 1}, 0},
-                                                                                   {{0, 0}, 1, {1, 1}, 1}}) {
-        document.GetPageStyle().SetPaperSize(paper);
-        document.GetPageStyle().SetPaperForm(form);
-        document.GetPageStyle().SetPrintBlock(grid);
-        EXPECT_EQ(document.PrintOutMain(&canvas.dc, 1, 0), expected) << paper.cx << " " << paper.cy << " " << form;
+    for (const Case& c : {
+             Case{2, {60, 40}, 9, {2, 1}, 1, 1}, Case{2, {11, 40}, 9, {2, 1}, 1, 0},
+             Case{2, {11, 40}, 9, {1, 2}, 1, 1}, Case{2, {60, 8}, 9, {1, 2}, 1, 0},
+             Case{2, {60, 8}, 9, {1, 1}, 1, 1},  Case{2, {0, 0}, 9, {2, 3}, 1, 1},
+             Case{2, {0, 0}, 1, {2, 1}, 1, 0},   Case{2, {0, 0}, 1, {1, 1}, 1, 1},
+             Case{1, {11, 8}, 9, {2, 2}, 1, 1},  // the cell at the corner of the page
+             Case{1, {11, 8}, 9, {2, 2}, 2, 1},  Case{0, {11, 8}, 9, {2, 2}, 1, 1},
+             Case{2, {11, 40}, 9, {2, 2}, 1, 1},  // down the column, none in the second one
+             Case{2, {11, 40}, 9, {2, 2}, 2, 0}, Case{2, {60, 8}, 9, {2, 2}, 1, 0},
+             Case{2, {60, 8}, 9, {2, 2}, 2, 1},  Case{3, {11, 40}, 9, {2, 2}, 1, 0},
+             Case{3, {60, 8}, 9, {2, 2}, 2, 0},  Case{5, {11, 8}, 9, {2, 2}, 0, 1},  // all at one place on purpose
+             Case{5, {11, 8}, 9, {2, 2}, 3, 1},
+         }) {
+        Document document(c.blocks);
+        CQelPrintJobPageStyle& style = document.GetPageStyle();
+        if (c.blocks == 0) style = Job(0).GetPageStyle();
+        style.SetPaperSize(c.paper);
+        style.SetPaperForm(c.form);
+        style.SetPrintBlock(c.grid);
+        style.SetPrintDirection(c.direction);
+        EXPECT_EQ(document.PrintOutMain(&canvas.dc, 1, 0), c.expected)
+            << c.blocks << " blocks of " << c.paper.cx << " " << c.paper.cy << ", direction " << c.direction;
     }
+}
+
+// A page style whose selected context is one of the printer PDF.
+class SelectedPrinter : public testing::Test, qel::PrintDialogProvider {
+protected:
+    SelectedPrinter() { qel::SetPrintDialogProvider(this); }
+    ~SelectedPrinter() override { qel::SetPrintDialogProvider(nullptr); }
+
+    std::optional<qel::PrintChoice> Choose(const qel::PrintDialogRequest&) override {
+        return qel::PrintChoice{"PDF", std::nullopt};
+    }
+    std::string Described(const char* file) const {
+        return OutputOf("LC_ALL=C pdfinfo '" + folder.Posix(file).string() +
+                        "' | grep -E '^(Title|Author|Pages)' | tr -s ' '");
+    }
+
+    TempFolder folder;
+    EnvironmentScope server{"CUPS_SERVER", folder.Posix("no.sock").c_str()};
+    EnvironmentScope target{"QELLIB10_PDF_DIR", folder.Posix().c_str()};
+};
+
+TEST_F(SelectedPrinter, IsUsableAgainWhenTheMarginsAreCorrected) {
+    Document document(4);
+    CQelPrintJobPageStyle& style = document.GetPageStyle();
+    ASSERT_EQ(style.SelectPrinter(), 1);
+    style.SetLeftMargin(3000);
+    EXPECT_EQ(document.PrintOut(), 0);
+    style.SetLeftMargin(4);
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(Described("Titration.pdf"), "Title: Titration\nPages: 1\n");
+    EXPECT_EQ(folder.Count(), 1);
+}
+
+TEST_F(SelectedPrinter, EachDocumentSaysWhatItIsItself) {
+    Document document(1), other(1);
+    CQelPrintJobPageStyle& style = document.GetPageStyle();
+    style.SetPdfInfo(qel::PdfInfo{"Assay", "A. Analyst", "", std::nullopt});
+    ASSERT_EQ(style.SelectPrinter(), 1);
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(Described("Titration.pdf"), "Title: Assay\nAuthor: A. Analyst\nPages: 1\n");
+    document.SetPdfInfo(qel::PdfInfo{"Blank", "", "", std::nullopt});
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(Described("Titration (2).pdf"), "Title: Blank\nPages: 1\n");
+    document.SetPdfInfo(std::nullopt);
+    style.SetPdfInfo(std::nullopt);
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(Described("Titration (3).pdf"), "Title: Titration\nPages: 1\n") << "nothing of the ones before";
+
+    style.SetPdfInfo(qel::PdfInfo{"", "A. Analyst", "", std::nullopt});
+    EXPECT_EQ(document.PrintOut(), 1);
+    EXPECT_EQ(Described("Titration (4).pdf"), "Title: Titration\nAuthor: A. Analyst\nPages: 1\n")
+        << "set after the choice";
+    qel::SetPdfInfo(style.GetSelectedPrinterDC(), qel::PdfInfo{"", "The lab", "", std::nullopt});
+    EXPECT_EQ(document.PrintOut(), 1);
+    ASSERT_EQ(other.MovePrinterDC(style), 1);
+    EXPECT_EQ(other.PrintOut(), 1);
+    EXPECT_EQ(Described("Titration (5).pdf"), "Title: Titration\nAuthor: A. Analyst\nPages: 1\n");
+    EXPECT_EQ(Described("Titration (6).pdf"), "Title: Titration\nAuthor: The lab\nPages: 1\n") << "the context's own";
 }
 
 TEST(PrintDocument, SaysWhatItIs) {

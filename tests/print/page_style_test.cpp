@@ -6,6 +6,7 @@
 
 #include "qellib10/platform/printing/print_spooler.h"
 
+#include "../support/canvas.h"
 #include "../support/cases.h"
 #include "../support/environment_scope.h"
 #include "../support/line.h"
@@ -171,4 +172,22 @@ TEST_F(PageStyle, MakesContextsWithItsForm) {
     EXPECT_EQ(style.GetPrinterFromDC(&dc, &info), 1);
     EXPECT_TRUE(style.GetPaperSize() == CSize(2794, 2159)) << "that of the sheet";
     EXPECT_EQ(info.m_pPD->GetDevMode()->dmPaperWidth, 0) << "the dialog's settings stay as they are";
+
+    // Set by hand, read for each page, on the printer and where there is no sheet.
+    Canvas picture;
+    for (const auto& [context, paper, expected] : Cases<CDC*, CSize, CSize>{{nullptr, {2800, 2160}, {2800, 2160}},
+                                                                            {&picture.dc, {2160, 2800}, {2800, 2160}},
+                                                                            {&dc, {2800, 2160}, {2794, 2159}}}) {
+        style.SetPaperSize(paper);
+        for (int page = 0; page < 3; ++page) {
+            EXPECT_EQ(style.GetPrinterFromDC(context, &info), 1);
+            EXPECT_TRUE(style.GetPaperSize() == expected) << page << ": " << style.GetPaperSize().cx;
+        }
+    }
+    style.SetPrinterDevice("PDF");
+    style.SetPaperSize({2800, 2160});
+    for (int document = 0; document < 2; ++document) {
+        ASSERT_TRUE(CDC().Attach(style.GetPrinterDC()));
+        EXPECT_TRUE(style.GetPaperSize() == CSize(2794, 2159)) << document << ": " << style.GetPaperSize().cx;
+    }
 }
