@@ -8,11 +8,8 @@
 /// A pen that draws within the area, for as long as this object lives.
 class CQelGraph::PenInArea {
 public:
-    PenInArea(CQelGraph& graph, CDC* dc, const CLineGraphStyle& style)
-        : PenInArea(graph, dc, style, graph.m_rectDrawArea) {}
-    /// @param edges what it draws within, in place of the area
-    PenInArea(CQelGraph& graph, CDC* dc, const CLineGraphStyle& style, const CRect& edges) : m_graph(graph), m_pDC(dc) {
-        m_graph.ClipArea(dc, &m_region, edges);
+    PenInArea(CQelGraph& graph, CDC* dc, const CLineGraphStyle& style) : m_graph(graph), m_pDC(dc) {
+        m_graph.DCClipDrawArea(dc, &m_region);
         m_pBefore = m_graph.DCCreateAndSelectPen(dc, &m_pen, style.GetStyle(), style.GetWidth(), style.GetColor());
     }
     ~PenInArea() {

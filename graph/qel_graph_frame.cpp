@@ -7,7 +7,7 @@
 
 #include "qellib10/graph/data_scale.h"
 #include "qellib10/graph/label_font.h"
-#include "qellib10/graph/pen_in_area.h"
+#include "qellib10/graph/qel_graph.h"
 
 /// A side of the area. Places along it count from its left or upper end.
 struct CQelGraph::Side {
@@ -102,8 +102,10 @@ void CQelGraph::FrameDraw(CDC* dc, int x, int y) {
         count.last += side.Taken(font.Size(WrittenValue(axis, !isMaximumFirst)));
         count.dims += side.Taken(GetAxisDimViewSize(dc, axis));
     });
+    const bool isWide = IsFrameWide();
+    if (isWide) OutlineDraw(dc);  // it may reach to where the texts are
     forEachAxis([&](const CAxisStyle& axis, bool isReversed) { FrameDrawSub(dc, axis, used, counts, isReversed); });
-    AxisDraw(dc);
+    isWide ? GridDraw(dc) : AxisDraw(dc);
 }
 
 void CQelGraph::FrameDrawSub(CDC* dc, const CAxisStyle& axis, SideUses& used, const SideUses& counts, bool isReversed) {
@@ -158,38 +160,51 @@ void CQelGraph::DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, 
               kNoBox);
 }
 
-// The area and the outer half of its outline, which a pen of more than a unit has: more than enough of it.
-CRect CQelGraph::AreaWithOutline() const {
-    CRect area = m_rectDrawArea;
-    const LONGLONG width = std::min<LONGLONG>(std::abs(LONGLONG{m_frameStyle.GetWidth()}), qel::kFarthest);
-    if (width <= 1) return area;
-    const auto reach = static_cast<LONG>(width);
-    const auto grow = [reach](LONG& low, LONG& high) {
-        low -= reach;
-        high += reach;
-    };
-    area.left <= area.right ? grow(area.left, area.right) : grow(area.right, area.left);
-    area.top <= area.bottom ? grow(area.top, area.bottom) : grow(area.bottom, area.top);
-    return area;
+bool CQelGraph::IsFrameWide() const { return m_frameStyle.GetWidth() > 1 || m_frameStyle.GetWidth() < -1; }
+
+// A thin outline is within the area as all else is. The outer half of a wide one is not: it has no clip, which a job
+// could not take away again before its texts.
+void CQelGraph::AxisDraw(CDC* dc) {
+    if (IsFrameWide()) {
+        OutlineDraw(dc);
+        GridDraw(dc);
+    } else if (dc != nullptr) {
+        CRgn area;
+        DCClipDrawArea(dc, &area);
+        OutlineDraw(dc);
+        GridLinesDraw(dc);
+        DCClipDrawArea(dc, nullptr);
+    }
 }
 
-void CQelGraph::AxisDraw(CDC* dc) {
+void CQelGraph::OutlineDraw(CDC* dc) {
     if (dc == nullptr) return;
     const CRect& area = m_rectDrawArea;
-    const int width = area.Width(), height = area.Height();
-    const CRect outline = AreaWithOutline();
-    const PenInArea frame(*this, dc, m_frameStyle, outline);
+    CPen pen;
+    CPen* const before =
+        DCCreateAndSelectPen(dc, &pen, m_frameStyle.GetStyle(), m_frameStyle.GetWidth(), m_frameStyle.GetColor());
     DCMoveTo(dc, area.left, area.top);
     DCLineTo(dc, area.left, area.bottom);
     DCLineTo(dc, area.right, area.bottom);
     DCLineTo(dc, area.right, area.top);
     DCLineTo(dc, area.left, area.top);
+    dc->SelectObject(before);
+}
 
-    CRgn within;
-    if (!(outline == area)) DCClipDrawArea(dc, &within);
-    CPen grid;
+void CQelGraph::GridDraw(CDC* dc) {
+    if (dc == nullptr) return;
+    CRgn area;
+    DCClipDrawArea(dc, &area);
+    GridLinesDraw(dc);
+    DCClipDrawArea(dc, nullptr);
+}
+
+void CQelGraph::GridLinesDraw(CDC* dc) {
+    const CRect& area = m_rectDrawArea;
+    const int width = area.Width(), height = area.Height();
+    CPen pen;
     CPen* const before =
-        DCCreateAndSelectPen(dc, &grid, m_axisStyle.GetStyle(), m_axisStyle.GetWidth(), m_axisStyle.GetColor());
+        DCCreateAndSelectPen(dc, &pen, m_axisStyle.GetStyle(), m_axisStyle.GetWidth(), m_axisStyle.GetColor());
     ForEachDivision(width, m_nDivX, [&](int distance) {
         DCMoveTo(dc, area.left + distance, area.top);
         DCLineTo(dc, area.left + distance, area.bottom);

@@ -72,17 +72,12 @@ CPen* CQelGraph::DCCreateAndSelectPen(CDC* dc, CPen* pen, int style, int width, 
 
 void CQelGraph::DCClipDrawArea(CDC* dc, CRgn* region) {
     if (dc == nullptr) return;
-    if (region != nullptr) {
-        ClipArea(dc, region, m_rectDrawArea);
+    if (region == nullptr) {
+        dc->SelectClipRgn(nullptr);
+        Record([](CQelPrintJobCommand& command) { command.SetRgn(0, 0, 0, 0); });
         return;
     }
-    dc->SelectClipRgn(nullptr);
-    Record([](CQelPrintJobCommand& command) { command.SetRgn(0, 0, 0, 0); });
-}
-
-void CQelGraph::ClipArea(CDC* dc, CRgn* region, const CRect& edges) {
-    if (dc == nullptr) return;
-    const CRect area = InclusiveArea(*dc, edges), box = qel::ClipBox(*dc, area);
+    const CRect area = InclusiveArea(*dc, m_rectDrawArea), box = qel::ClipBox(*dc, area);
     region->CreateRectRgnIndirect(&box);
     dc->SelectClipRgn(region);
     Record([&](CQelPrintJobCommand& command) { command.SetRgn(area.left, area.top, area.right, area.bottom); });

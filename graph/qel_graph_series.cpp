@@ -7,6 +7,7 @@
 #include "qellib10/graph/pen_in_area.h"
 #include "qellib10/graph/solid_curve.h"
 #include "qellib10/graph/trail.h"
+#include "qellib10/platform/drawing/device_context.h"
 #include "qellib10/print/queue_data.h"
 
 namespace {
@@ -22,6 +23,17 @@ bool IsSolid(const CLineGraphStyle& style) {
 
 // A preview has two contexts and scales from one to the other.
 bool IsUnitAPixel(const CDC& dc) { return dc.m_hDC == dc.m_hAttribDC && dc.GetMapMode() == MM_TEXT; }
+
+bool IsPicture(const CDC& dc) {
+    const auto context = qel::FindDeviceContext(dc.m_hDC);
+    return context && context->IsPicture();
+}
+
+// Where edges of wide lines are smoothed the points between would leave other shades.
+bool IsReduced(const CDC& dc, const CLineGraphStyle& style) {
+    const bool isThin = style.GetWidth() >= -1 && style.GetWidth() <= 1;
+    return IsSolid(style) && IsUnitAPixel(dc) && (isThin || IsPicture(dc));
+}
 
 }  // namespace
 
@@ -43,9 +55,9 @@ int CQelGraph::PlotLineDraw(CDC* dc, int series) {
     PenInArea pen(*this, dc, {data.GetLineStyle().GetColor(), PS_SOLID, std::max(1, HalfSizeOnSurface(1))});
     const qel::DataScale scale = ScaleOf(data);
     const int circle = m_nCoordinateMode == 1 ? kMetricCircle : kCircle;
-    // A job that does not say its resolution has them as large as the surface.
+    // A job that does not say its resolution has them as large as the surface; a coarse one does not lose them.
     const bool isScaled = m_pPrintJob != nullptr && m_pPrintJob->GetPageStyle().GetDpi() >= 1;
-    const int halfSize = isScaled ? HalfSizeOnSurface(circle) : circle;
+    const int halfSize = isScaled ? std::max(1, HalfSizeOnSurface(circle)) : circle;
     for (const CGraphData& point : data.GetData()) {
         POINT at;
         if (scale.Map(point, at)) MarkShapeDraw(dc, MarkBox(at, halfSize), 0);
@@ -63,7 +75,7 @@ int CQelGraph::CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace) {
         POINT first;
         scale.Map(series.GetData().front(), first);
         pen.MoveTo(first);
-    } else if (m_pPrintJob == nullptr && IsSolid(series.GetLineStyle()) && IsUnitAPixel(*dc)) {
+    } else if (m_pPrintJob == nullptr && IsReduced(*dc, series.GetLineStyle())) {
         qel::SolidCurve<PenInArea>(scale, isSteps, pen).Draw(series.GetData());
     } else {
         qel::Trail<PenInArea> trail(scale, isSteps, pen);

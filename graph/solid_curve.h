@@ -15,9 +15,10 @@ namespace qel {
 /// run the first and last point count and these two. The run that ends a line is different, since a thin line leaves
 /// out its last point: that pixel is drawn only when another point of the run reaches it, or a line passes it. There
 /// the highest and lowest are those of all points before the last one that is not where the point before it is; and the
-/// pen leaves both of them again. A wide pen draws a dot where all points of a line are the same.
+/// pen leaves both of them again. A wide pen has round ends around that extent, its last point included, so the same
+/// points count; it draws a dot where all points of a line are the same.
 ///
-/// This holds for solid pens of any width, on surfaces where a unit is a pixel.
+/// For solid pens in map mode MM_TEXT: thin ones on any surface, wide ones on pictures, where edges are not smoothed.
 template <class Pen> class SolidCurve {
 public:
     /// @param isSteps each value is held until the next one comes

@@ -15,7 +15,11 @@ namespace qel {
 class CairoCanvas;
 
 /// A picture in memory. Lines, fills, inversion, copies and clips are written into the pixels by ourselves; partial
-/// arcs, text, outlines of wide pens, and wide lines that leave the clip sideways are Cairo's.
+/// arcs, text, outlines of wide pens, wide lines that leave the clip sideways, and lines of pens wider than 32 are
+/// Cairo's.
+///
+/// Lines up or down of wide pens are held back, as thin lines are: two contexts on one picture have their drawings in
+/// order where each is flushed before the other draws.
 class BitmapSurface : public Surface {
 public:
     explicit BitmapSurface(const SIZE& dotsAnInch);

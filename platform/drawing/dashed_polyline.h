@@ -47,10 +47,9 @@ private:
     // Both return the steps to the last point.
     std::int64_t DrawBackward(std::span<const POINT> points);
     std::int64_t DrawOutsideFull(std::span<const POINT> points);
-    void WidenFull(Rows& full, std::int64_t row) const;
     void DrawOutside(const Rows& rows, const Upright& line, std::int64_t phase);
     void DrawRows(Rows rows, std::int64_t from, std::int64_t phase);
-    void WidenFull(Rows& full, const Rows& visible, std::int64_t row) const;
+    void WidenFull(Rows& full, std::int64_t row) const;
     void Put(std::uint32_t& pixel, int phase) const noexcept {
         if ((m_nDashes >> phase & 1) != 0) {
             pixel = m_color;

@@ -46,6 +46,8 @@ public:
 
     /// The back end with all that was drawn so far.
     Surface& Flushed();
+    /// Whether it draws on a picture, whose edges are not smoothed.
+    bool IsPicture() const { return m_pSurface->Pixels() != nullptr; }
     int DeviceCaps(int index) const { return m_pSurface->DeviceCaps(index); }
 
     const DrawState& State() const noexcept { return m_state; }

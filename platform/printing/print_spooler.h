@@ -77,6 +77,5 @@ QELLIB10_API BOOL ClosePrinter(HANDLE printer);
 /// form or size, orientation, resolution, copies, colour and sides count, each where dmFields names it; a form that
 /// the printer does not have becomes its default one. Documents are sent as PDF when they end, and nothing of one
 /// that does not; without a date of their own (qel::SetPdfInfo) they are of the time when they are started. @p driver
-/// and
-/// @p output are not used.
+/// and @p output are not used.
 QELLIB10_API HDC CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode);

@@ -11,6 +11,7 @@
 #include "qellib10/print/queue_data.h"
 
 #include "../support/canvas.h"
+#include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "open_graph.h"
@@ -71,15 +72,18 @@ public:
         : m_picture(cairo_image_surface_create_from_png(png.c_str()), cairo_surface_destroy) {}
 
     int Width() const { return cairo_image_surface_get_width(m_picture.get()); }
-    /// Whether there is ink on the edge of @p area, in dots of 600 per inch, all along.
-    bool HasEdge(const CRect& area, LONG CRect::*edge) const {
+    /// Whether there is ink all along the edge of @p area, @p outward from it, in dots of 600 per inch: on the edge
+    /// itself up to two dots of the page away.
+    bool HasEdge(const CRect& area, LONG CRect::*edge, int outward) const {
         const bool isUpright = edge == &CRect::left || edge == &CRect::right;
+        const int tolerance = outward == 0 ? 2 : 0;
+        const LONG at = area.*edge + (edge == &CRect::left || edge == &CRect::top ? -outward : outward);
         const LONG from = isUpright ? area.top : area.left, to = isUpright ? area.bottom : area.right;
         constexpr LONG kCorner = 9;  // programs move lines to whole dots of theirs
         for (LONG along = from + kCorner; along <= to - kCorner; along += 3) {
-            const int x = Shown(isUpright ? area.*edge : along), y = Shown(isUpright ? along : area.*edge);
+            const int x = Shown(isUpright ? at : along), y = Shown(isUpright ? along : at);
             int darkest = 255;
-            for (int across = -2; across <= 2; ++across) {
+            for (int across = -tolerance; across <= tolerance; ++across) {
                 darkest = std::min(darkest, isUpright ? Grey(x + across, y) : Grey(x, y + across));
             }
             if (darkest > 0xE0) return false;
@@ -128,17 +132,21 @@ TEST(QelGraphPrint, OutlinesAreWholeWhereverAPageIsShown) {
     ASSERT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Name("page.pdf").c_str(), {})));
     dc.StartDoc("outlines");
     dc.StartPage();
-    // Six times a pen of one dot, since it lies differently in each dot of a screen; then wider ones.
+    // Six times a pen of one dot, since it lies differently in each dot of a screen; then wide ones, whose outer half
+    // has a dot of the screen that is all ink.
     constexpr int kThin = 6, kPens = 14;
     std::vector<CRect> areas;
+    std::vector<int> outward;
     for (int i = 0; i < kPens; ++i) {
         OpenGraph graph;
-        graph.SetFrameStyle({0, PS_SOLID, std::max(1, i - kThin + 2)});
+        const int width = i < kThin ? 1 : 6 * (i - kThin + 4);
+        graph.SetFrameStyle({0, PS_SOLID, width});
         graph.SetDivX(0);
         graph.SetDivY(0);
         graph.SetDrawSize(600 + i, 400 + i);
         graph.GraphDraw(&dc, 200 + i % 4 * 1000, 200 + i / 4 * 1000);
         areas.push_back(graph.m_rectDrawArea);
+        outward.push_back(width > 1 ? width / 2 - 4 : 0);
     }
     dc.EndPage();
     ASSERT_GT(dc.EndDoc(), 0);
@@ -152,11 +160,70 @@ TEST(QelGraphPrint, OutlinesAreWholeWhereverAPageIsShown) {
         ASSERT_NEAR(page.Width(), 827, 1);
         for (std::size_t i = 0; i < areas.size(); ++i) {
             for (LONG CRect::*const edge : {&CRect::left, &CRect::top, &CRect::right, &CRect::bottom}) {
-                EXPECT_TRUE(page.HasEdge(areas[i], edge)) << "outline " << i << " at " << areas[i].*edge;
+                EXPECT_TRUE(page.HasEdge(areas[i], edge, outward[i])) << "outline " << i << " at " << areas[i].*edge;
             }
         }
         std::filesystem::remove(png);
     }
+}
+
+TEST(QelGraphPrint, WideOutlinesAndCurvesAreWholeInDocumentsAndJobs) {
+    const TempFolder folder;
+    const auto document = [&](const char* file, const auto& draw) {
+        CDC dc;
+        EXPECT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Name(file).c_str(), {})));
+        dc.StartDoc("outline");
+        dc.StartPage();
+        draw(dc);
+        dc.EndPage();
+        EXPECT_GT(dc.EndDoc(), 0);
+    };
+    for (const auto& [mode, width, outside] : Cases<int, int, int>{{0, 20, 7}, {1, 300, 7}}) {
+        OpenGraph graph(mode);
+        graph.SetFrameStyle({kRed, PS_SOLID, width});
+        graph.SetDivX(0);
+        graph.SetDivY(0);
+        Canvas canvas(kWidth, kHeight);
+        if (mode == 1) canvas.dc.SetMapMode(MM_TWIPS);
+        CQelPrintJobQueueData job;
+        graph.GetPrintJob(&job, mode == 0 ? CRect(0, 0, kWidth, kHeight) : CRect(300, 0, 3300, 2000), &canvas.dc);
+        CRect area = graph.m_rectDrawArea;
+        canvas.dc.LPtoDP(&area);
+        canvas.dc.SetMapMode(MM_TEXT);
+        const int x = (area.left + area.right) / 2, y = (area.top + area.bottom) / 2;
+        EXPECT_EQ(Line({canvas.At(x, area.top - outside), canvas.At(x, area.bottom + outside),
+                        canvas.At(area.left - outside, y), canvas.At(area.right + outside, y)}),
+                  "255 255 255 255")
+            << mode;
+        if (mode != 0) continue;
+        document("drawn.pdf", [&](CDC& dc) { graph.GraphDraw(&dc, 0, 0); });
+        CQelPrintJobQueueData printed;
+        document("unused.pdf", [&](CDC& dc) { graph.GetPrintJob(&printed, {0, 0, kWidth, kHeight}, &dc); });
+        document("replayed.pdf", [&](CDC& dc) { printed.GetBlock().DrawCommand(&dc); });
+        EXPECT_EQ(folder.Read("unused.pdf"), folder.Read("drawn.pdf"));
+        EXPECT_EQ(folder.Read("replayed.pdf").size(), folder.Read("drawn.pdf").size());
+    }
+
+    // The points of a wide curve, too: those in one column would leave other shades where edges are smoothed.
+    OpenGraph curve;
+    curve.SetLineGraphStyle(0, {kRed, PS_SOLID, 3});
+    for (int i = 0; i < 2000; ++i) curve.AddData(0, i * 0.05, i * 37 % 100);
+    CQelPrintJobQueueData recorded;  // has every point
+    document("curve.pdf", [&](CDC& dc) { curve.GetPrintJob(&recorded, {0, 0, kWidth, kHeight}, &dc); });
+    document("alone.pdf", [&](CDC& dc) { curve.GraphDraw(&dc, 0, 0); });
+    EXPECT_EQ(folder.Read("alone.pdf"), folder.Read("curve.pdf"));
+
+    OpenGraph graph;
+    graph.SetXLabelViewMode(0, 2);
+    graph.SetFrameStyle({kRed, PS_SOLID, 9});
+    CQelPrintJobQueueData job;
+    Canvas canvas(kWidth, kHeight);
+    graph.GetPrintJob(&job, {0, 0, kWidth, kHeight}, &canvas.dc);
+    const auto commands = CommandsOf(job);
+    const auto first = [&](int kind) { return std::ranges::find(commands, kind, &CQelPrintJobCommand::GetKind); };
+    EXPECT_LT(first(CQelPrintJobCommand::kLineTo), first(CQelPrintJobCommand::kText));
+    EXPECT_LT(first(CQelPrintJobCommand::kText), first(CQelPrintJobCommand::kSetRgn))
+        << "which would cut off the texts";
 }
 
 TEST(QelGraphPrint, EachPrimitiveIsACommand) {
@@ -195,8 +262,15 @@ TEST(QelGraphPrint, EachPrimitiveIsACommand) {
 }
 
 TEST(QelGraphPrint, CirclesOfALineAreSeenAtAnyResolution) {
-    for (const auto& [mode, dotsPerInch, diameter] :
-         Cases<int, int, int>{{0, 0, 6}, {0, -1, 6}, {0, 96, 6}, {0, 600, 36}, {1, 0, 60}, {1, 720, 30}}) {
+    for (const auto& [mode, dotsPerInch, diameter] : Cases<int, int, int>{{0, 0, 6},
+                                                                          {0, -1, 6},
+                                                                          {0, 96, 6},
+                                                                          {0, 600, 36},
+                                                                          {0, 31, 2},
+                                                                          {0, 1, 2},
+                                                                          {1, 0, 60},
+                                                                          {1, 720, 30},
+                                                                          {1, 47, 2}}) {
         Canvas canvas(kWidth, kHeight);
         OpenGraph graph(mode);
         graph.SetGraphPlotflg(0, 1);
