@@ -20,6 +20,8 @@ constexpr std::size_t kFewestPoints = 5;
 constexpr std::size_t kEndIntervals = 3;  // at either end, whose slope is compared with the step's
 constexpr double kToleranceNoise = 6;     // deviations of a reading
 constexpr double kToleranceRange = 0.01;  // of all signals
+constexpr std::size_t kRareMoves = 3;     // so many of the largest moves back may be strays
+constexpr double kOfUsualMove = 3;
 constexpr double kClearlySteeper = 1.5;
 constexpr double kOfWhole = 3;  // a step is so much steeper than the curve from its first reading to its last
 constexpr std::size_t kIntervalsAround = 5;  // on either side, whose median a gap is compared with
@@ -30,6 +32,16 @@ std::vector<std::size_t> OrderOfVolumes(const Curve& curve) {
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return curve.volume[i]; });
     return order;
+}
+
+// The noise of a steep curve of few readings seems large, but then hardly a reading goes back.
+double BackwardTolerance(const Judged& curve, double range) {
+    std::vector<double> moves;
+    for (std::size_t i = 1; i < curve.readings.signal.size(); ++i)
+        moves.push_back(curve.direction * (curve.readings.signal[i - 1] - curve.readings.signal[i]));
+    if (moves.size() <= kRareMoves) return curve.tolerance;
+    std::ranges::nth_element(moves, moves.begin() + kRareMoves, std::ranges::greater());
+    return std::min(curve.tolerance, std::max(kOfUsualMove * moves[kRareMoves], kToleranceRange * range));
 }
 
 Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
@@ -55,6 +67,7 @@ Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
         judged.noise = Noise(kept);
         leaveOut();
     }
+    judged.backward = BackwardTolerance(judged, high - low);
     return judged;
 }
 

@@ -12,9 +12,11 @@ namespace titration {
 namespace {
 
 constexpr std::size_t kSlopes = 3, kReadings = kSlopes + 1;
-constexpr double kCertainty = 5;           // deviations
-constexpr double kUneven = 3;              // a longer interval beside the steepest one tells too little
-constexpr double kLeastOfSteepest = 1e-3;  // a slope that is flatter has no logarithm of use
+constexpr std::size_t kOuter = 2;  // intervals from the steepest one, whose slopes choose the shape
+constexpr double kCertainty = 5;   // deviations
+constexpr double kUneven = 3;      // a longer interval beside the steepest one tells too little
+constexpr double kUnknown = std::numeric_limits<double>::infinity();
+constexpr double kLeastOfSteepest = 1e-3;  // a slope that is flatter says nothing of the top
 
 using Readings = std::array<double, kReadings>;
 using Slopes = std::array<double, kSlopes>;
@@ -25,25 +27,79 @@ Slopes SlopesOf(const Readings& x, const Readings& y, double direction) {
     return slopes;
 }
 
-double TopOf(const Readings& x, const Slopes& slopes) {
-    Slopes middle, height;
-    for (std::size_t i = 0; i < kSlopes; ++i) {
-        middle[i] = std::midpoint(x[i], x[i + 1]);
-        height[i] = std::log(std::max(slopes[i], kLeastOfSteepest * slopes[1]));
-    }
-    const double before = (height[1] - height[0]) / (middle[1] - middle[0]),
-                 after = (height[2] - height[1]) / (middle[2] - middle[1]);
-    const double top = std::midpoint(middle[0], middle[1]) + before / (before - after) * (middle[2] - middle[0]) / 2;
-    return top;
+// What is a parabola over the volume, with its top where the curve is steepest. Of a potential that follows the
+// logarithm of a concentration, as Nernst's equation has it, the slope falls with the distance from the step, so it is
+// the reciprocal square; of one that levels out the slope falls as a bell does.
+enum class Shape { logarithm, level };
+
+double Height(double slope, Shape shape) { return shape == Shape::level ? std::log(slope) : -1 / (slope * slope); }
+
+double SlopeOfHeight(double height, Shape shape) {
+    return shape == Shape::level ? std::exp(height) : std::sqrt(-1 / std::min(height, 0.0));
 }
 
-double ErrorOfTop(const Readings& x, const Readings& y, double direction, double noise) {
-    const double top = TopOf(x, SlopesOf(x, y, direction));
+double AtLeast(double slope, double steepest) { return std::max(slope, kLeastOfSteepest * steepest); }
+
+// Newton's form through three heights.
+class Parabola {
+public:
+    Parabola(const Slopes& middle, const Slopes& slopes, Shape shape) : m_middle(middle), m_shape(shape) {
+        Slopes height;
+        for (std::size_t i = 0; i < kSlopes; ++i) height[i] = Height(AtLeast(slopes[i], slopes[1]), shape);
+        m_first = height[0];
+        m_before = (height[1] - height[0]) / (middle[1] - middle[0]);
+        m_after = (height[2] - height[1]) / (middle[2] - middle[1]);
+    }
+
+    double Top() const {
+        const double share = m_before / (m_before - m_after);
+        return std::midpoint(m_middle[0], m_middle[1]) + share * (m_middle[2] - m_middle[0]) / 2;
+    }
+
+    double SlopeAt(double x) const {
+        const double bend = (m_after - m_before) / (m_middle[2] - m_middle[0]);
+        return SlopeOfHeight(m_first + (x - m_middle[0]) * (m_before + bend * (x - m_middle[1])), m_shape);
+    }
+
+private:
+    Slopes m_middle;
+    Shape m_shape;
+    double m_first, m_before, m_after;
+};
+
+Slopes MiddlesOf(const Readings& x) {
+    return {std::midpoint(x[0], x[1]), std::midpoint(x[1], x[2]), std::midpoint(x[2], x[3])};
+}
+
+double TopOf(const Readings& x, const Slopes& slopes, Shape shape) {
+    return Parabola(MiddlesOf(x), slopes, shape).Top();
+}
+
+// The shape that the next slopes on either side speak for.
+Shape ShapeAround(const Points& points, std::size_t steepest, const Readings& x, const Slopes& slopes,
+                  double direction) {
+    if (steepest < kOuter || steepest + kOuter + 1 >= points.x.size()) return Shape::level;
+    const auto misfit = [&](Shape shape) {
+        double sum = 0;
+        for (const std::size_t i : {steepest - kOuter, steepest + kOuter}) {
+            const double rise = direction * (points.y[i + 1] - points.y[i]);
+            const double expected =
+                Parabola(MiddlesOf(x), slopes, shape).SlopeAt(std::midpoint(points.x[i], points.x[i + 1]));
+            sum += std::abs(
+                std::log(AtLeast(expected, slopes[1]) / AtLeast(rise / (points.x[i + 1] - points.x[i]), slopes[1])));
+        }
+        return sum;
+    };
+    return misfit(Shape::logarithm) < misfit(Shape::level) ? Shape::logarithm : Shape::level;
+}
+
+double ErrorOfTop(const Readings& x, const Readings& y, double direction, double noise, Shape shape) {
+    const double top = TopOf(x, SlopesOf(x, y, direction), shape);
     double error = 0;
     for (std::size_t i = 0; i < kReadings; ++i) {
         Readings moved = y;
         moved[i] += noise;
-        error = std::hypot(error, TopOf(x, SlopesOf(x, moved, direction)) - top);
+        error = std::hypot(error, TopOf(x, SlopesOf(x, moved, direction), shape) - top);
     }
     return error;
 }
@@ -75,12 +131,17 @@ std::optional<Step> SharpStep(const Points& points, double direction, double noi
         slopes[i] = std::max(slopes[i], error);
     }
     if (!areCertain && !isAlone) return std::nullopt;
-    const double longest = std::max(x[1] - x[0], x[3] - x[2]), top = TopOf(x, slopes);
-    areCertain = areCertain && longest <= kUneven * (x[2] - x[1]) && top > x[1] && top < x[2];
-    Step step{std::clamp(top, x[1], x[2]), 0, direction * slopes[1], kReadings, 0, x[2] - x[1]};
-    step.signal = std::lerp(y[1], y[2], (step.volume - x[1]) / step.interval);
-    step.error = areCertain ? ErrorOfTop(x, y, direction, noise) : std::numeric_limits<double>::infinity();
-    return step;
+    areCertain = areCertain && std::max(x[1] - x[0], x[3] - x[2]) <= kUneven * (x[2] - x[1]);
+    const auto stepOf = [&](Shape shape) {
+        const double top = TopOf(x, slopes, shape);
+        Step step{std::clamp(top, x[1], x[2]), 0, direction * slopes[1], kReadings, 0, x[2] - x[1]};
+        step.signal = std::lerp(y[1], y[2], (step.volume - x[1]) / step.interval);
+        const bool isInside = top > x[1] && top < x[2];
+        step.error = areCertain && isInside ? ErrorOfTop(x, y, direction, noise, shape) : kUnknown;
+        return step;
+    };
+    const Step step = stepOf(ShapeAround(points, at, x, slopes, direction));
+    return IsSure(step) ? step : stepOf(Shape::level);
 }
 
 }  // namespace titration

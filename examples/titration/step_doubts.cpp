@@ -75,7 +75,7 @@ private:
             kept.volume.push_back(m_curve.readings.volume[i]);
             kept.signal.push_back(m_curve.readings.signal[i]);
         }
-        return kept.volume.size() > 1 && IsOneStep(Merged(kept), m_curve.direction, m_curve.noise, m_curve.tolerance);
+        return kept.volume.size() > 1 && IsOneStep(Merged(kept), m_curve.direction, m_curve.noise, m_curve.backward);
     }
 
     std::vector<Window> Windows() const {

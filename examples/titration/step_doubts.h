@@ -12,6 +12,7 @@ struct Judged {
     Curve readings;            // in the order of their volumes
     std::vector<bool> strays;  // which of the readings are left out
     double direction = 1, noise = 0, tolerance = 0;
+    double backward = 0;  // at most the tolerance; what goes back by more than that is no chance
 };
 
 /// The points without the readings that are left out.

@@ -19,7 +19,7 @@ constexpr double kSlopeTolerance = 0.1;   // of the slope
 constexpr double kBendCertainty = 4;      // standard errors
 constexpr double kOverQuotient = 1.3;     // a fit between uneven steps may overshoot what the readings rise
 constexpr double kQuotientNoise = 6;      // in the difference of two readings, deviations of one
-constexpr double kUneven = 6;             // a point beyond so many intervals turns the polynomial alone
+constexpr double kUneven = 4;             // a point beyond so many intervals turns the polynomial alone
 constexpr std::size_t kShortRun = 9;
 constexpr double kAboutAsSteep = 0.9;
 constexpr double kSamePlace = 0.25;  // of an interval
@@ -79,8 +79,6 @@ std::vector<Candidate> Candidates(const Points& points, double direction, double
     }
     return candidates;
 }
-
-bool IsSure(const Step& step) { return kSureErrors * step.error <= step.interval / 2; }
 
 // The longer the run, the more a polynomial overshoots beside the inflection of a smooth curve; so where short runs are
 // sure, and differ from the steepest by more than half an interval, they are right.

@@ -21,6 +21,8 @@ struct Step {
     double interval = 0;     // between the points around it, or the means of points
 };
 
+inline bool IsSure(const Step& step) { return kSureErrors * step.error <= step.interval / 2; }
+
 /// 1 for a curve that rises from its first readings to its last ones, -1 for one that falls.
 double Direction(const std::vector<double>& signal);
 

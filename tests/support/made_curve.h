@@ -70,8 +70,8 @@ private:
     void AddStrays(MadeCurve& made, double noise) {
         const int size = static_cast<int>(made.measured.size());
         std::vector<bool> taken(made.measured.size());
-        for (int left = Whole(0, 3); left > 0;) {
-            const int length = Whole(1, 3), at = Whole(0, size - length);
+        for (int left = Whole(0, 3); left > 0 && size > 0;) {
+            const int length = Whole(1, std::min(3, size)), at = Whole(0, size - length);
             const double height = (OneOf(2) ? 1 : -1) * Between(0.3, 5);
             std::vector<double> spoilt = made.measured;
             for (int i = at; i < at + length; ++i) spoilt[static_cast<std::size_t>(i)] += height * Between(0.95, 1.05);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -96,6 +97,41 @@ TEST(EndPoint, OfMadeCurvesIsRightOrRefused) {
     Tried("curves", count);
     EXPECT_LT(refusedClean, clean / 5);
     EXPECT_LT(refusedSpoilt, spoilt * 2 / 3);
+}
+
+// Few readings lie in the step: no polynomial follows it.
+TEST(EndPoint, OfASharpStepIsWithinATenthOfAnInterval) {
+    const auto nernst = [](double t) { return std::asinh(t * 40); };
+    const auto level = [](double t) { return 3 * std::tanh(t * 2); };
+    for (const auto& [shape, first] : Cases<std::function<double(double)>, double>{
+             {nernst, 0}, {nernst, 0.15}, {nernst, 0.3}, {level, 0}, {level, 0.15}, {level, 0.3}}) {
+        std::vector<double> volume, signal;
+        for (int i = 0; i < 40; ++i) {
+            volume.push_back(first + 0.5 * i);
+            signal.push_back(7 + shape(volume.back() - 10.2));
+        }
+        EXPECT_NEAR(Found(volume, signal).value_or(0), 10.2, 0.05) << first;
+    }
+}
+
+// Made curves whose strays had become the end point.
+TEST(EndPoint, IsNotAStrayBesideASharpStep) {
+    const titration::Curve beforeTheStep = Curve(
+        {0,       1.4916,  2.9103,  4.1168,  5.3627,  6.2628,  7.6113,  8.8952,  10.2611, 11.2215, 12.6309, 13.7517,
+         14.2173, 14.6371, 14.8759, 14.9801, 15.0910, 15.1956, 15.3224, 15.4257, 15.6450, 16.1399, 17.0656},
+        {11.6665, 11.5995, 11.5262, 11.0148, 11.3823, 11.3249, 11.2206, 11.0943, 10.9385, 10.7888, 11.5841, 10.1252,
+         9.8656,  9.4784,  9.1001,  8.8077,  7.2386,  5.3201,  4.3090,  4.9806,  4.5742,  4.1099,  3.6830});
+    const titration::Curve twice = Curve(
+        {0,       0.8250,  1.3214,  1.8558,  2.4438,  3.2853,  3.7601,  4.2677,  4.9722,  5.5399,  6.2381,  7.0233,
+         7.5095,  8.0361,  8.8315,  9.5479,  10.0477, 10.7756, 11.3849, 11.8837, 12.3549, 12.5748, 12.7062, 12.8512,
+         13.4488, 14.2163, 14.7642, 15.2472, 15.7995, 16.2930, 16.9108, 17.4724, 18.1353, 18.6072},
+        {3.1922,  4.1339,  3.2777,  3.3282,  3.3688,  3.4201,  3.4254,  3.4659,  3.5266,  6.6755, 3.6249, 3.6493,
+         3.6758,  3.7166,  3.7381,  3.8002,  8.3819,  8.2963,  3.9161,  3.9404,  3.9561,  3.9725, 6.7766, 9.9932,
+         10.0590, 10.0909, 10.1099, 10.1336, 10.2020, 10.2343, 10.2773, 10.2842, 10.3322, 10.3672});
+    for (const auto& [curve, expected, half] :
+         Cases<titration::Curve, double, double>{{beforeTheStep, 15.166, 0.0523}, {twice, 12.709, 0.0725}}) {
+        EXPECT_NEAR(Found(curve.volume, curve.signal).value_or(expected), expected, half);
+    }
 }
 
 TEST(EndPoint, DoesNotMoveWithStraysThatAreFarFromIt) {
