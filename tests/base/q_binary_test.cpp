@@ -32,8 +32,13 @@ TEST(QBinary, CapacityTakesSteps) {
     Buffer buffer;
     EXPECT_EQ(static_cast<unsigned char*>(buffer), nullptr);
     buffer.AddByte(7);
-    for (const auto& [size, capacity] :
-         Cases<int, int>{{1024, 1024}, {1025, 2048}, {2048, 2048}, {2049, 3072}, {6144, 7168}}) {
+    for (const auto& [size, capacity] : Cases<int, int>{
+             {1024, 1024},
+             {1025, 2048},
+             {2048, 2048},
+             {2049, 3072},
+             {6144, 7168},
+         }) {
         EXPECT_TRUE(buffer.Resize(size) == 1 && buffer.GetCapacity() == capacity) << size;
         EXPECT_EQ(Contents(buffer), "\7"s.append(static_cast<std::size_t>(size - 1), '\0'));
     }
@@ -50,7 +55,11 @@ TEST(QBinary, OwnBytesStayRightWhileTheBufferMoves) {
         buffer += buffer;
         model += model.substr(1);
         model += std::string(model);
-        for (const auto& [at, from, size] : Cases<int, int, int>{{2, 1, 3}, {3, 0, 4}, {1, 2, 2}}) {  // in quarters
+        for (const auto& [at, from, size] : Cases<int, int, int>{
+                 {2, 1, 3},
+                 {3, 0, 4},
+                 {1, 2, 2},
+             }) {  // in quarters
             const int quarter = buffer.GetSize() / 4;
             buffer.SetBinary(at * quarter, static_cast<char*>(buffer) + from * quarter, size * quarter);
             model = model.substr(0, at * quarter) + model.substr(from * quarter, size * quarter);
@@ -118,7 +127,10 @@ TEST(QBinary, DeleteTopStartsAnew) {
 }
 
 TEST(QBinary, NumbersInBothOrders) {
-    for (const auto& [endian, expected] : {std::pair{1, "\1\xFE\xD4\4"s}, {2, "\4\xD4\xFE\1"s}}) {
+    for (const auto& [endian, expected] : {
+             std::pair{1, "\1\xFE\xD4\4"s},
+             {2, "\4\xD4\xFE\1"s},
+         }) {
         CQBinary buffer;
         buffer.SetEndian(endian);
         buffer.AddInt(0x01020304);
@@ -138,7 +150,16 @@ TEST(QBinary, SignedFields) {
     CQBinary buffer, doubles;
     // clang-format off
     const Cases<int, int> integers = {
-        {42, 5}, {-5, 4}, {12345, 4}, {-12345, 4}, {INT_MIN, 13}, {7, INT_MIN}, {7, 33}, {7, 34}, {7, INT_MAX}};
+        {42, 5},
+        {-5, 4},
+        {12345, 4},
+        {-12345, 4},
+        {INT_MIN, 13},
+        {7, INT_MIN},
+        {7, 33},
+        {7, 34},
+        {7, INT_MAX},
+    };
     // clang-format on
     for (const auto& [value, width] : integers) buffer.AddStrIntTopSign(value, width);
     EXPECT_EQ(Contents(buffer), "   42- -5 345-345- -2147483648 " + std::string(32, ' ') + "7" + std::string(33, ' ') +

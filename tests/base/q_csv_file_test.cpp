@@ -32,7 +32,10 @@ TEST_F(CsvFile, QuotesByTheMarkThatIsSet) {
     EXPECT_EQ(folder.Read("a"), "\"a\"\"b\",\"\"\r\n" + std::string(202, '"'));
     file.SetDelimiter(".");
     for (const auto& [mark, field, expected] : Cases<const char*, const char*, const char*>{
-             {"", "a\"b", ".a\"b"}, {"<>", "a<>b<", ".<>a<><>b<<>"}, {"|", "\x83\x7C|", ".|\x83\x7C|||"}}) {
+             {"", "a\"b", ".a\"b"},
+             {"<>", "a<>b<", ".<>a<><>b<<>"},
+             {"|", "\x83\x7C|", ".|\x83\x7C|||"},
+         }) {
         Open();
         file.SetQuotationMark(mark);
         file.WriteDelimiter();
@@ -44,7 +47,10 @@ TEST_F(CsvFile, QuotesByTheMarkThatIsSet) {
 
 TEST_F(CsvFile, AnApplicationsTextsDoNotChangeTheDefaults) {
     static constexpr qel::StringTableEntry kOfAnApplication[] = {
-        {28001, "\n", nullptr}, {28002, ";", nullptr}, {28003, "'", nullptr}};
+        {28001, "\n", nullptr},
+        {28002, ";", nullptr},
+        {28003, "'", nullptr},
+    };
     // Registered texts stay to the end of a process.
     EXPECT_EQ(InChild([] {
                   qel::RegisterStringTable(kOfAnApplication);

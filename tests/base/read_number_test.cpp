@@ -14,15 +14,46 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 }  // namespace
 
 TEST(ReadNumber, ReadsWhatInstrumentsSendAndNothingElse) {
-    // clang-format off
     const Cases<const char*, std::optional<double>> cases = {
-        {"7.005", 7.005}, {" \t-12.50\r\n", -12.5}, {"+0,350", 0.35}, {".5", 0.5}, {"5.", 5}, {"-0", 0},
-        {"1.5e2", 150}, {"1.5E-3", 0.0015}, {"1,006E+00", 1.006}, {"9.9E37", 9.9e37}, {"0e999", 0}, {"5e-324", 5e-324},
+        {"7.005", 7.005},
+        {" \t-12.50\r\n", -12.5},
+        {"+0,350", 0.35},
+        {".5", 0.5},
+        {"5.", 5},
+        {"-0", 0},
+        {"1.5e2", 150},
+        {"1.5E-3", 0.0015},
+        {"1,006E+00", 1.006},
+        {"9.9E37", 9.9e37},
+        {"0e999", 0},
+        {"5e-324", 5e-324},
         {"1,234", 1.234},  // there are no thousands
-        {"", {}}, {" ", {}}, {"-", {}}, {".", {}}, {"e5", {}}, {"1e", {}}, {"1.2.3", {}}, {"1,2,3", {}}, {"1.234,5", {}},
-        {"+-5", {}}, {"-+5", {}}, {"--5", {}}, {"- 5", {}}, {"1 000", {}}, {"7.01 pH", {}}, {"7.01;", {}}, {"1e5.0", {}},
-        {"abc", {}}, {"inf", {}}, {"nan", {}}, {"0x10", {}}, {"1d2", {}}, {"\x82\x50", {}}, {"1e400", {}}, {"1e-400", {}}};
-    // clang-format on
+        {"", {}},
+        {" ", {}},
+        {"-", {}},
+        {".", {}},
+        {"e5", {}},
+        {"1e", {}},
+        {"1.2.3", {}},
+        {"1,2,3", {}},
+        {"1.234,5", {}},
+        {"+-5", {}},
+        {"-+5", {}},
+        {"--5", {}},
+        {"- 5", {}},
+        {"1 000", {}},
+        {"7.01 pH", {}},
+        {"7.01;", {}},
+        {"1e5.0", {}},
+        {"abc", {}},
+        {"inf", {}},
+        {"nan", {}},
+        {"0x10", {}},
+        {"1d2", {}},
+        {"\x82\x50", {}},
+        {"1e400", {}},
+        {"1e-400", {}},
+    };
     for (const auto& [text, expected] : cases) EXPECT_EQ(qel::ReadNumber(text), expected) << text;
     EXPECT_EQ(qel::ReadNumber(std::string_view("7.005", 3)), 7);
     EXPECT_EQ(qel::ReadNumber(std::string_view("7\0", 2)), std::nullopt);
@@ -34,11 +65,18 @@ TEST(ReadNumber, ReadsWhatInstrumentsSendAndNothingElse) {
 }
 
 TEST(ReadNumber, ScpiNamesInfinitiesByNumbers) {
-    // clang-format off
     const Cases<const char*, std::optional<double>> cases = {
-        {"9.9E37", kInfinity}, {"+9.90000000E+37\n", kInfinity}, {"-9.9e37", -kInfinity}, {"9.8E37", 9.8e37},
-        {"+1.250E-03", 0.00125}, {"-9.91E37", -9.91e37}, {"1,5", {}}, {"9.9E37,9.9E37", {}}, {"", {}}, {"INF", {}}};
-    // clang-format on
+        {"9.9E37", kInfinity},
+        {"+9.90000000E+37\n", kInfinity},
+        {"-9.9e37", -kInfinity},
+        {"9.8E37", 9.8e37},
+        {"+1.250E-03", 0.00125},
+        {"-9.91E37", -9.91e37},
+        {"1,5", {}},
+        {"9.9E37,9.9E37", {}},
+        {"", {}},
+        {"INF", {}},
+    };
     for (const auto& [text, expected] : cases) EXPECT_EQ(qel::ReadScpiNumber(text), expected) << text;
     EXPECT_TRUE(std::isnan(qel::ReadScpiNumber("9.910000E+37").value_or(0)));
     EXPECT_EQ(qel::ReadScpiNumber(CString("9.9E37")), kInfinity);

@@ -10,11 +10,13 @@ TEST(RSControlCode, Displays) {
     const CodePageScope page(qel::kCodePageJapanese);
     static constexpr qel::StringTableEntry kOfAnApplication[] = {{27010, "not this", nullptr}};
     qel::RegisterStringTable(kOfAnApplication);
-    // clang-format off
     const Cases<const char*, const char*> cases = {
-        {"9600,$0d$0a", "9600,[CR][LF]"}, {"$0D$0D$0A$0d", "[CR][CR][LF][CR]"}, {"\x83\x5C$0a", "\x83\x5C[LF]"},
-        {"$$0d0d $0 $0b $", "$[CR]0d $0 $0b $"}, {"", "None"}};
-    // clang-format on
+        {"9600,$0d$0a", "9600,[CR][LF]"},
+        {"$0D$0D$0A$0d", "[CR][CR][LF][CR]"},
+        {"\x83\x5C$0a", "\x83\x5C[LF]"},
+        {"$$0d0d $0 $0b $", "$[CR]0d $0 $0b $"},
+        {"", "None"},
+    };
     for (const auto& [stored, display] : cases) {
         CString text(stored);
         CRSControlCode::ConvertDisplay(text);

@@ -52,7 +52,12 @@ void InClosedFolder(At at) {
     std::filesystem::create_directory(at.Posix("d"));
     at.Write("d/f", "former and longer");
     if (::geteuid() == 0) ::chown(at.Posix("d/f").c_str(), kNobody, kNobody);
-    for (const auto& [name, mode] : {std::pair("a", 0644), {"d/f", 0666}, {"d", 0555}, {"", 0777}})
+    for (const auto& [name, mode] : {
+             std::pair("a", 0644),
+             {"d/f", 0666},
+             {"d", 0555},
+             {"", 0777},
+         })
         ::chmod(at.Posix(name).c_str(), mode);
 }
 int CopiedInPlace(At at) {

@@ -108,7 +108,10 @@ TEST_F(LogTest, AKilledWriterLosesNoLineAndHoldsNobodyBack) {
     }
     EXPECT_GT(written, kills);
     const std::string text = Text();
-    for (const auto& [kind, count] : Cases<const char*, int>{{"],", written}, {"],next ", kills}}) {
+    for (const auto& [kind, count] : Cases<const char*, int>{
+             {"],", written},
+             {"],next ", kills},
+         }) {
         std::size_t at = 0;
         for (int line = 0; line < count; ++line) {
             at = text.find(kind + std::to_string(line) + "\r\n", at);

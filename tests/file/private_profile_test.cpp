@@ -79,10 +79,23 @@ TEST_F(RegistryProfile, AndIniFilesGiveBackWhatWasSet) {
 TEST_F(RegistryProfile, AndIniFilesKeepEveryDigitOfADouble) {
     // clang-format off
     const Cases<double, const char*> numbers = {
-        {1.006, "1.006"}, {-0.1, "-0.1"}, {100000, "100000"}, {0.1 + 0.2, "0.30000000000000004"}, {-0.0, "-0"},
-        {0.0001, "0.0001"}, {1e23, "1e+23"}, {5e-324, "5e-324"}};
+        {1.006, "1.006"},
+        {-0.1, "-0.1"},
+        {100000, "100000"},
+        {0.1 + 0.2, "0.30000000000000004"},
+        {-0.0, "-0"},
+        {0.0001, "0.0001"},
+        {1e23, "1e+23"},
+        {5e-324, "5e-324"},
+    };
     const Cases<const char*, double> texts = {
-        {" 1,006 ", 1.006}, {"1.5e2", 150}, {"12abc", 7}, {"inf", 7}, {"", 7}, {kLongest.c_str(), 7}};
+        {" 1,006 ", 1.006},
+        {"1.5e2", 150},
+        {"12abc", 7},
+        {"inf", 7},
+        {"", 7},
+        {kLongest.c_str(), 7},
+    };
     // clang-format on
     for (const int mode : {CPrivateProfile::iniMode, CPrivateProfile::registryMode}) {
         SCOPED_TRACE(mode);
@@ -120,12 +133,17 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     folder.Write("a.ini", "[s]\nnumber=12abc\nempty=\nword=abc\nblank= +5 \nhuge=99999999999\nminus=- 5\nlong=x" +
                               kLongest + "\n");
     Profile ini(folder.Path("a.ini"));
-    // clang-format off
     const Cases<const char*, int, const char*> cases = {
-        {"number", 12, "12abc"}, {"empty", 7, "d  "}, {"word", 0, "abc"}, {"blank", 5, "+5"},
-        {"huge", 2147483647, "99999999999"}, {"minus", 0, "- 5"}, {"missing", 7, "d"}, {"long", 0, kLongest.c_str()},
-        {kNone, 0, "number"}};
-    // clang-format on
+        {"number", 12, "12abc"},
+        {"empty", 7, "d  "},
+        {"word", 0, "abc"},
+        {"blank", 5, "+5"},
+        {"huge", 2147483647, "99999999999"},
+        {"minus", 0, "- 5"},
+        {"missing", 7, "d"},
+        {"long", 0, kLongest.c_str()},
+        {kNone, 0, "number"},
+    };
     for (const auto& [key, number, text] : cases) {
         EXPECT_EQ(ini.Get("s", key, 7), number) << text;
         EXPECT_EQ(ini.Get("s", key, "d  "), text);
@@ -141,7 +159,11 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     EXPECT_EQ(Line({ini.GetAllStrings("missing", lines), Profile(folder.Path("none")).GetAllStrings("s", lines)}),
               "1 1");
     EXPECT_EQ(lines.GetSize(), 0);
-    for (const auto& [bytes, result] : {std::pair{32764, 1}, std::pair{32765, 0}, std::pair{40000, 0}}) {
+    for (const auto& [bytes, result] : {
+             std::pair{32764, 1},
+             std::pair{32765, 0},
+             std::pair{40000, 0},
+         }) {
         folder.Write("a.ini", "[s]\n" + std::string(static_cast<std::size_t>(bytes - 1), 'x'));
         EXPECT_EQ(ini.GetAllStrings("s", lines), result) << bytes;
         ASSERT_EQ(lines.GetSize(), 1);
@@ -194,12 +216,15 @@ TEST_F(RegistryProfile, KeepsTypes) {
     EXPECT_EQ(Line({m_profile.Set("S", kNone, "default value"), m_profile.Set("S", "long", ('x' + kLongest).c_str())}),
               "1 1");
     qel::WriteRegistryValue(HKEY_CURRENT_USER, "Software\\Meter\\S", "", "ended", {REG_SZ, kLongest + '\0'});
-    // clang-format off
     const Cases<const char*, const char*, DWORD, const char*, int> cases = {
-        {"bytes", "a\0b", 3, "d", 7}, {"none", "", 0, "d", 7}, {"text", "12", 2, "12", 7},
-        {"number", "DCBA", 4, "d", 0x41424344}, {"", "", 13, "default value", 7}, {"long", "", 1024, "d", 7},
-        {"ended", "", 1024, kLongest.c_str(), 7}};
-    // clang-format on
+        {"bytes", "a\0b", 3, "d", 7},
+        {"none", "", 0, "d", 7},
+        {"text", "12", 2, "12", 7},
+        {"number", "DCBA", 4, "d", 0x41424344},
+        {"", "", 13, "default value", 7},
+        {"long", "", 1024, "d", 7},
+        {"ended", "", 1024, kLongest.c_str(), 7},
+    };
     for (const auto& [key, start, length, text, number] : cases) {
         SCOPED_TRACE(key);
         EXPECT_EQ(m_profile.Get("S", key, "d"), text);

@@ -38,12 +38,19 @@ TEST_F(FileFolders, MissingOnesAreMade) {
     fs::create_directories("q");
     fs::create_directories("net/server/share");
     // An empty first name is the root, an empty last one is ignored.
-    // clang-format off
     const Cases<std::string, const char*> cases = {
-        {"a\\b", "a/b"}, {"a\\c\\", "a/c"}, {"a\\..\\d", "d"}, {"e/f", "e/f"}, {m_folder.Name("g") + "\\h", "g/h"},
-        {"Q:\\i\\j", "q/i/j"}, {"q:k", "q/k"}, {"a\\b", "a/b"}, {"", ""},
-        {"\\\\server\\share\\l", "net/server/share/l"}, {"\x95\x5C\\\x83\x5C", "表/ソ"}};
-    // clang-format on
+        {"a\\b", "a/b"},
+        {"a\\c\\", "a/c"},
+        {"a\\..\\d", "d"},
+        {"e/f", "e/f"},
+        {m_folder.Name("g") + "\\h", "g/h"},
+        {"Q:\\i\\j", "q/i/j"},
+        {"q:k", "q/k"},
+        {"a\\b", "a/b"},
+        {"", ""},
+        {"\\\\server\\share\\l", "net/server/share/l"},
+        {"\x95\x5C\\\x83\x5C", "表/ソ"},
+    };
     for (const auto& [path, made] : cases) {
         EXPECT_EQ(CQFile::CreateDirectories(path.c_str()), 1) << path;
         EXPECT_TRUE(fs::is_directory(m_folder.Posix(made))) << path;

@@ -51,7 +51,12 @@ TEST(FilePath, KnowsWhatCannotBeAName) {
         EXPECT_EQ(CQFile::IsCorrectFilename(name), 0) << name;
     }
     for (const char* name : {"a.txt", "\x95\x5C", "\x83\x7C", ""}) EXPECT_EQ(CQFile::IsCorrectFilename(name), 1);
-    for (const auto& [name, dots] : {std::pair(".", 1), {"..", 1}, {"...", 0}, {"", 0}}) {
+    for (const auto& [name, dots] : {
+             std::pair(".", 1),
+             {"..", 1},
+             {"...", 0},
+             {"", 0},
+         }) {
         EXPECT_EQ(CQFile::IsDots(name), dots) << name;
     }
 }

@@ -66,7 +66,10 @@ TEST_F(QFile, ChecksumsCoverWhatIsAskedAndLeaveThePosition) {
     DWORD crc = 0, sum = 0;
     EXPECT_EQ(file.GetFileCRC(&crc, 0), 0) << "closed";
     for (const auto& [bytes, size, expectedCrc, expectedSum] : Cases<std::string, DWORD, DWORD, DWORD>{
-             {"", 0, 0, 1}, {"123456789x", 9, 0xFC891918, 477}, {std::string(4, '\0'), 100, 0x38FB2284, 1}}) {
+             {"", 0, 0, 1},
+             {"123456789x", 9, 0xFC891918, 477},
+             {std::string(4, '\0'), 100, 0x38FB2284, 1},
+         }) {
         Open(bytes, CFile::modeRead | CFile::shareDenyNone, 2);
         EXPECT_EQ(Line({file.GetFileCRC(&crc, size), CQFile::GetFileSum(folder.Path("a"), &sum, size)}), "1 1");
         EXPECT_EQ(crc, expectedCrc) << bytes;
@@ -96,19 +99,30 @@ TEST_F(QFile, ComparesFilesAndTellsWhatIsThere) {
     const std::string big(300'000, 'a');
     folder.Write("a", big);
     const CFile held(folder.Path("a"), CFile::modeRead | CFile::shareDenyNone);
-    for (const auto& [bytes, same] : Cases<std::string, int>{{big, 1}, {big.substr(1), 0}, {big.substr(1) + "b", 0}}) {
+    for (const auto& [bytes, same] : Cases<std::string, int>{
+             {big, 1},
+             {big.substr(1), 0},
+             {big.substr(1) + "b", 0},
+         }) {
         folder.Write("b", bytes);
         EXPECT_EQ(CQFile::CompareFile(folder.Path("a"), folder.Path("b")), same);
     }
     for (const auto& [name, there, size, writable] : Cases<const char*, int, DWORD, int>{
-             {"a", 1, 300'000, 0}, {"b", 1, 300'000, 1}, {"", 1, 0, 0}, {"none", 0, 77, 1}}) {
+             {"a", 1, 300'000, 0},
+             {"b", 1, 300'000, 1},
+             {"", 1, 0, 0},
+             {"none", 0, 77, 1},
+         }) {
         DWORD found = 77;
         EXPECT_EQ(CQFile::GetFileSize(folder.Path(name), &found), there) << name;
         EXPECT_EQ(found, size) << name;
         EXPECT_EQ(CQFile::IsCanOverwrite(folder.Path(name)), writable) << name;
     }
-    for (const auto& [size, told] :
-         Cases<ULONGLONG, DWORD>{{0xFFFFFFFE, 0xFFFFFFFE}, {0x100000000, 0xFFFFFFFF}, {0x200000005, 0xFFFFFFFF}}) {
+    for (const auto& [size, told] : Cases<ULONGLONG, DWORD>{
+             {0xFFFFFFFE, 0xFFFFFFFE},
+             {0x100000000, 0xFFFFFFFF},
+             {0x200000005, 0xFFFFFFFF},
+         }) {
         std::filesystem::resize_file(folder.Posix("b"), size);
         DWORD found = 77;
         EXPECT_EQ(Line({CQFile::GetFileSize(folder.Path("b"), &found), found}), Line({1, told}));
@@ -122,8 +136,12 @@ TEST_F(QFile, CopiesFromAndToOtherFiles) {
     folder.Write("b", "0123456789");
     // clang-format off
     const Cases<UINT, DWORD, std::string, LONG> cases = {
-        {0, 0xFFFFFFFF, "ab0123456789", 0}, {3, 4, "ab3456", 0}, {50, 0, "ab", 0}, {50, 0xFFFFFFFF, "ab", kGeneric},
-        {7, 4, "ab789", kGeneric}};
+        {0, 0xFFFFFFFF, "ab0123456789", 0},
+        {3, 4, "ab3456", 0},
+        {50, 0, "ab", 0},
+        {50, 0xFFFFFFFF, "ab", kGeneric},
+        {7, 4, "ab789", kGeneric},
+    };
     // clang-format on
     for (const auto& [offset, count, expected, code] : cases) {
         Open("ab", CFile::modeReadWrite, 2);

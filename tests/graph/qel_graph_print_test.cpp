@@ -178,7 +178,10 @@ TEST(QelGraphPrint, WideOutlinesAndCurvesAreWholeInDocumentsAndJobs) {
         dc.EndPage();
         EXPECT_GT(dc.EndDoc(), 0);
     };
-    for (const auto& [mode, width, outside] : Cases<int, int, int>{{0, 20, 7}, {1, 300, 7}}) {
+    for (const auto& [mode, width, outside] : Cases<int, int, int>{
+             {0, 20, 7},
+             {1, 300, 7},
+         }) {
         OpenGraph graph(mode);
         graph.SetFrameStyle({kRed, PS_SOLID, width});
         graph.SetDivX(0);

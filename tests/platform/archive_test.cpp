@@ -118,11 +118,16 @@ TEST(Archive, ScalarsAreTheirBytesLowestFirst) {
 }
 
 TEST(Archive, TextsTakeTheShortestLength) {
-    // clang-format off
     const Cases<int, const char*> cases = {
-        {0, "00"}, {4, "04"}, {254, "FE"}, {255, "FFFF00"}, {65533, "FFFDFF"}, {65534, "FFFFFFFEFF0000"},
-        {65536, "FFFFFF00000100"}, {200000, "FFFFFF400D0300"}};
-    // clang-format on
+        {0, "00"},
+        {4, "04"},
+        {254, "FE"},
+        {255, "FFFF00"},
+        {65533, "FFFDFF"},
+        {65534, "FFFFFFFEFF0000"},
+        {65536, "FFFFFF00000100"},
+        {200000, "FFFFFF400D0300"},
+    };
     for (const auto& [length, prefix] : cases) {
         SCOPED_TRACE(length);
         const CString text('x', length);
@@ -136,16 +141,20 @@ TEST(Archive, TextsTakeTheShortestLength) {
 
 TEST(Archive, ReadsTextsOfOtherWriters) {
     constexpr const char* kKept = "kept";
-    // clang-format off
     const Cases<const char*, int, const char*> cases = {
-        {"FF0200 4142", Cause::none, "AB"}, {"FFFFFF02000000 4142", Cause::none, "AB"},  // longer forms than needed
+        {"FF0200 4142", Cause::none, "AB"},
+        {"FFFFFF02000000 4142", Cause::none, "AB"},  // longer forms than needed
         {"FFFFFFFFFFFFFF0200000000000000 4142", Cause::none, "AB"},
-        {"FFFEFF 02 41004200", Cause::none, "AB"}, {"FFFEFF FF0100 B500", Cause::none, "\x83\xCA"},  // UTF-16LE
-        {"FFFEFF FFFEFF 02 41004200", Cause::genericException, kKept}, {"FFFEFF 02 410042", Cause::endOfFile, kKept},
+        {"FFFEFF 02 41004200", Cause::none, "AB"},
+        {"FFFEFF FF0100 B500", Cause::none, "\x83\xCA"},  // UTF-16LE
+        {"FFFEFF FFFEFF 02 41004200", Cause::genericException, kKept},
+        {"FFFEFF 02 410042", Cause::endOfFile, kKept},
         {"FFFEFF FFFFFFFFFFFFFF 0000000000000080 41", Cause::endOfFile, kKept},
-        {"FFFFFFFEFFFFFF 4142", Cause::endOfFile, kKept}, {"03 4142", Cause::endOfFile, kKept},
-        {"FFFFFFFFFFFFFF FFFFFFFFFFFFFFFF 41", Cause::endOfFile, kKept}, {"", Cause::endOfFile, kKept}};
-    // clang-format on
+        {"FFFFFFFEFFFFFF 4142", Cause::endOfFile, kKept},
+        {"03 4142", Cause::endOfFile, kKept},
+        {"FFFFFFFFFFFFFF FFFFFFFFFFFFFFFF 41", Cause::endOfFile, kKept},
+        {"", Cause::endOfFile, kKept},
+    };
     for (const auto& [bytes, cause, expected] : cases) {
         SCOPED_TRACE(bytes);
         CString text(kKept);
@@ -221,18 +230,19 @@ TEST(Archive, NumbersFrom7FFFTakeTheLongForm) {
 
 TEST(Archive, DamagedObjectHeadersEndInTheirCause) {
     const Bytes one = kNewReading + kOneAndAHalf;
-    // clang-format off
     const Cases<const char*, Bytes, int> cases = {
-        {"object not given out", Hex("0300"), Cause::badIndex}, {"object number of a class", Hex("0100"), Cause::badIndex},
-        {"class number of an object", Hex("0280"), Cause::badIndex}, {"class number 0", Hex("0080"), Cause::badIndex},
+        {"object not given out", Hex("0300"), Cause::badIndex},
+        {"object number of a class", Hex("0100"), Cause::badIndex},
+        {"class number of an object", Hex("0280"), Cause::badIndex},
+        {"class number 0", Hex("0080"), Cause::badIndex},
         {"huge object number", Hex("FF7FFFFFFF7F"), Cause::badIndex},
         {"huge class number", Hex("FF7FFFFFFFFF"), Cause::badIndex},
         {"unknown class", Hex("FFFF 0000 0200 5858"), Cause::badClass},
         {"class name too long", Hex("FFFF 0000 4000") + Bytes(64, 'x'), Cause::badClass},
         {"abstract class", Hex("FFFF 0000 0700 434F626A656374"), Cause::badClass},
         {"other schema", Hex("FFFF 0100 0700 52656164696E67"), Cause::badSchema},
-        {"object cut", Hex("0180 0000"), Cause::endOfFile}};
-    // clang-format on
+        {"object cut", Hex("0180 0000"), Cause::endOfFile},
+    };
     const int alive = CReading::alive;
     for (const auto& [title, bytes, cause] : cases) {
         const auto read = [](CArchive& archive) { ReadObject(archive), ReadObject(archive); };

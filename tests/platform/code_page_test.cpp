@@ -63,13 +63,16 @@ TEST(CodePage, WritesTheBestFitOfWhatThePageLacks) {
         "23\x81\x4C\x83\xCA\x81\xF7"
         "\x81\x45\x81\x43"
         "1o\x81\xE2????AAAAAAACEEEEIIIIDNOOOOO\x81\x7EOUUUUYTsaaaaaaaceeeeiiiidnooooo\x81\x80ouuuuyty";
-    // clang-format off
     const std::vector<std::tuple<UINT, std::u16string_view, const char*>> cases = {
-        {932, latin, fitted}, {932, u"\u3094\u2014\u2212", "\x83\x94\x81\x5C\x81\x7C"},
+        {932, latin, fitted},
+        {932, u"\u3094\u2014\u2212", "\x83\x94\x81\x5C\x81\x7C"},
         {932, u"\u20AC\U0001F600\xD800\uFFFD", "?????"},  // one for each unit
-        {1252, u"\u03BC\uFF21\uFF5E\u0141\u2212\u2113", "\xB5" "A~L-l"},
-        {1252, u"\u221E\u2264\u30BD\U0001F600", "?????"}, {65001, u"\u20AC\U0001F600\xDC00", "\u20AC\U0001F600\uFFFD"}};
-    // clang-format on
+        {1252, u"\u03BC\uFF21\uFF5E\u0141\u2212\u2113",
+         "\xB5"
+         "A~L-l"},
+        {1252, u"\u221E\u2264\u30BD\U0001F600", "?????"},
+        {65001, u"\u20AC\U0001F600\xDC00", "\u20AC\U0001F600\uFFFD"},
+    };
     for (const auto& [page, text, expected] : cases) {
         const CodePageScope scope(page);
         EXPECT_EQ(qel::FromUtf16(text), expected);

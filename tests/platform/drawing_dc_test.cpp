@@ -39,12 +39,19 @@ TEST(Dc, PensCoverThePlatformsPixels) {
         bool isRectangle;
         CRect ink;
     };
-    for (const Case& c :
-         {Case{PS_SOLID, 0, false, {5, 5, 14, 6}}, Case{PS_SOLID, 2, false, {4, 4, 15, 6}},
-          Case{PS_SOLID, 3, false, {4, 4, 16, 7}}, Case{PS_SOLID, -4, false, {3, 3, 16, 7}},
-          Case{PS_NULL, 1, false, {}}, Case{99, 1, false, {5, 5, 14, 6}}, Case{PS_SOLID, 1, true, {4, 4, 12, 9}},
-          Case{PS_SOLID, 2, true, {3, 3, 12, 9}}, Case{PS_SOLID, 3, true, {3, 3, 13, 10}},
-          Case{PS_INSIDEFRAME, 3, true, {4, 4, 12, 9}}, Case{PS_NULL, 1, true, {4, 4, 11, 8}}}) {
+    for (const Case& c : {
+             Case{PS_SOLID, 0, false, {5, 5, 14, 6}},
+             Case{PS_SOLID, 2, false, {4, 4, 15, 6}},
+             Case{PS_SOLID, 3, false, {4, 4, 16, 7}},
+             Case{PS_SOLID, -4, false, {3, 3, 16, 7}},
+             Case{PS_NULL, 1, false, {}},
+             Case{99, 1, false, {5, 5, 14, 6}},
+             Case{PS_SOLID, 1, true, {4, 4, 12, 9}},
+             Case{PS_SOLID, 2, true, {3, 3, 12, 9}},
+             Case{PS_SOLID, 3, true, {3, 3, 13, 10}},
+             Case{PS_INSIDEFRAME, 3, true, {4, 4, 12, 9}},
+             Case{PS_NULL, 1, true, {4, 4, 11, 8}},
+         }) {
         SCOPED_TRACE(std::to_string(c.style) + " width " + std::to_string(c.width) +
                      (c.isRectangle ? " box" : " line"));
         Canvas canvas;
@@ -135,8 +142,14 @@ TEST(Dc, MapModesScaleToTheResolution) {
         int mode;
         CPoint device;
     };
-    for (const Case& c : {Case{MM_TEXT, {1000, -1000}}, Case{MM_LOMETRIC, {378, 378}}, Case{MM_HIMETRIC, {38, 38}},
-                          Case{MM_LOENGLISH, {960, 960}}, Case{MM_HIENGLISH, {96, 96}}, Case{MM_TWIPS, {67, 67}}}) {
+    for (const Case& c : {
+             Case{MM_TEXT, {1000, -1000}},
+             Case{MM_LOMETRIC, {378, 378}},
+             Case{MM_HIMETRIC, {38, 38}},
+             Case{MM_LOENGLISH, {960, 960}},
+             Case{MM_HIENGLISH, {96, 96}},
+             Case{MM_TWIPS, {67, 67}},
+         }) {
         Canvas canvas;
         EXPECT_EQ(canvas.dc.SetMapMode(c.mode), MM_TEXT);
         CPoint point(1000, -1000);

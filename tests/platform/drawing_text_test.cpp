@@ -82,9 +82,11 @@ int NoticesOf(UINT page, const char* text, void (*draw)(CDC&, const char*)) {
 }  // namespace
 
 TEST(Text, InUtf8IsNoticedOnceWhereItIsTakenForJapanese) {
-    // clang-format off
     const Cases<UINT, const char*, int> cases = {
-        {932, "5 \xC2\xB5g, 20 \xC2\xB0" "C", 1},
+        {932,
+         "5 \xC2\xB5g, 20 \xC2\xB0"
+         "C",
+         1},
         {932, "\xE8\xA1\xA8", 1},
         {932, "5 \xC2", 0},
         {932, "pH", 0},
@@ -92,7 +94,6 @@ TEST(Text, InUtf8IsNoticedOnceWhereItIsTakenForJapanese) {
         {65001, "\xC2\xB5", 0},
         {1252, "\xC2\xB5", 0},
     };
-    // clang-format on
     for (const auto& [page, text, lines] : cases) {
         EXPECT_EQ(NoticesOf(page, text, DrawLine), lines) << page << ' ' << text;
         EXPECT_EQ(NoticesOf(page, text, DrawBox), lines) << page << ' ' << text << ", in a box";
@@ -121,8 +122,15 @@ TEST(Text, OfAWholeReportIsNoticedInOneShortLine) {
 TEST(Text, LineHeightsAreRoundedAscentAndDescent) {
     CDC dc;
     dc.CreateCompatibleDC(nullptr);
-    for (const auto& [tenths, height] :
-         Cases<int, int>{{60, 9}, {90, 14}, {120, 17}, {150, 22}, {180, 27}, {210, 31}, {240, 36}}) {
+    for (const auto& [tenths, height] : Cases<int, int>{
+             {60, 9},
+             {90, 14},
+             {120, 17},
+             {150, 22},
+             {180, 27},
+             {210, 31},
+             {240, 36},
+         }) {
         CFont font;
         font.CreatePointFont(tenths, "Liberation Sans", &dc);
         dc.SelectObject(&font);

@@ -68,7 +68,10 @@ int AsOrdinaryUser(const std::function<int()>& body) {
 }  // namespace
 
 TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
-    const timespec times[] = {{1000, 0}, {12345, 678}};
+    const timespec times[] = {
+        {1000, 0},
+        {12345, 678},
+    };
     ::utimensat(AT_FDCWD, m_folder.Posix("a").c_str(), times, 0);
     SetMode("a", 0500);
     EXPECT_EQ(Copy("a", "c", true), 0);
@@ -84,17 +87,28 @@ TEST_F(FileOperations, CopiesAndMovesHaveTheRightsOfTheirKind) {
     constexpr auto kRename =
         +[](std::string_view source, std::string_view target, bool) { qel::MoveFile(source, target); };
     const mode_t before = ::umask(022);
+    // clang-format off
     const Cases<decltype(kCopy), const char*, mode_t, mode_t, mode_t> cases = {
-        {kCopy, "s", 0600, 0, 0600},           {kCopy, "s", 04666, 0, 0644},
-        {kCopy, "s", 0666, 0600, 0600},        {kCopy, "s", 0444, 0660, 0440},
-        {kMove, "s", 0600, 0, 0600},           {kMove, "s", 0666, 0, 0666},
-        {kMove, "s", 0600, 0644, 0600},        {kMove, "s", 0444, 0600, 0444},
-        {kMove, "s", 04755, 0, 04755},         {kCopy, "s", 0600, 04755, 0755},  // new bytes act for nobody
-        {kRename, "s", 0600, 0, 0600},         {kRename, "12AB.TMP", 0600, 0, 0644},
+        {kCopy, "s", 0600, 0, 0600},
+        {kCopy, "s", 04666, 0, 0644},
+        {kCopy, "s", 0666, 0600, 0600},
+        {kCopy, "s", 0444, 0660, 0440},
+        {kMove, "s", 0600, 0, 0600},
+        {kMove, "s", 0666, 0, 0666},
+        {kMove, "s", 0600, 0644, 0600},
+        {kMove, "s", 0444, 0600, 0444},
+        {kMove, "s", 04755, 0, 04755},
+        {kCopy, "s", 0600, 04755, 0755},  // new bytes act for nobody
+        {kRename, "s", 0600, 0, 0600},
+        {kRename, "12AB.TMP", 0600, 0, 0644},
         {kCopy, "qel12AB.TMP", 0600, 0, 0644},  // a temporary file's mode is not meant for its target
-        {kMove, "12AB.TMP", 0600, 0, 0644},    {kMove, "qel12AB.TMP", 0600, 0640, 0640},
-        {kMove, "qel12AB.TMP", 0640, 0, 0640}, {kMove, "more12AB.TMP", 0600, 0, 0600},
-        {kMove, "12ab.TMP", 0600, 0, 0600}};
+        {kMove, "12AB.TMP", 0600, 0, 0644},
+        {kMove, "qel12AB.TMP", 0600, 0640, 0640},
+        {kMove, "qel12AB.TMP", 0640, 0, 0640},
+        {kMove, "more12AB.TMP", 0600, 0, 0600},
+        {kMove, "12ab.TMP", 0600, 0, 0600},
+    };
+    // clang-format on
     for (const auto& [operation, source, mode, target, expected] : cases) {
         SCOPED_TRACE(std::string(source) + ' ' + std::to_string(mode) + ' ' + std::to_string(target));
         m_folder.Write(source, "secret");
@@ -160,9 +174,14 @@ TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
     SetMode("d", 0555);
     EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "d/y"); }), 5);
     EXPECT_EQ(AsOrdinaryUser([&] { return Delete("d/x"); }), 5);
-    const timespec times[] = {{1000, 0}, {12345, 678}};
-    for (const auto& [source, target, isOwn] :
-         Cases<const char*, const char*, bool>{{"b", "into", false}, {"a", "d/x", true}}) {
+    const timespec times[] = {
+        {1000, 0},
+        {12345, 678},
+    };
+    for (const auto& [source, target, isOwn] : Cases<const char*, const char*, bool>{
+             {"b", "into", false},
+             {"a", "d/x", true},
+         }) {
         ::utimensat(AT_FDCWD, m_folder.Posix(source).c_str(), times, 0);
         const uid_t owner = isOwn ? 65534 : 0;
         EXPECT_TRUE(::geteuid() != 0 || ::chown(m_folder.Posix("d/x").c_str(), owner, owner) == 0);

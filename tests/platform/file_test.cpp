@@ -57,8 +57,11 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
     EXPECT_EQ(Content(file), std::string("abX\0\0", 5));
     file.Flush();
 
-    for (const auto& [offset, from] :
-         Cases<LONGLONG, UINT>{{-6, CFile::current}, {INT64_MAX, CFile::current}, {0, 3}}) {
+    for (const auto& [offset, from] : Cases<LONGLONG, UINT>{
+             {-6, CFile::current},
+             {INT64_MAX, CFile::current},
+             {0, 3},
+         }) {
         EXPECT_EQ(CodeOf([&, by = offset, base = from] { file.Seek(by, base); }), 131) << offset;
     }
     EXPECT_EQ(file.GetPosition(), 5u);
@@ -91,15 +94,17 @@ TEST(File, TellsWhyItCannotOpen) {
     ::chmod(folder.Posix("fixed").c_str(), 0444);
     ASSERT_EQ(::mkfifo(folder.Posix("pipe").c_str(), 0600), 0);
     using Cause = CFileException;
-    // clang-format off
     const Cases<std::string, UINT, int, LONG> cases = {
         {folder.Name("none"), kRead, Cause::fileNotFound, 2},
         {folder.Name("none/none"), kRead | kCreate, Cause::badPath, 3},
-        {folder.Name("file/none"), kRead, Cause::badPath, 3}, {folder.Name(""), kRead, Cause::accessDenied, 5},
-        {folder.Name("pipe"), kRead, Cause::accessDenied, 5}, {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
-        {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5}, {"", kRead, Cause::badPath, 3},
-        {std::string(260, 'x'), kRead, Cause::badPath, 206}};
-    // clang-format on
+        {folder.Name("file/none"), kRead, Cause::badPath, 3},
+        {folder.Name(""), kRead, Cause::accessDenied, 5},
+        {folder.Name("pipe"), kRead, Cause::accessDenied, 5},
+        {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
+        {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5},
+        {"", kRead, Cause::badPath, 3},
+        {std::string(260, 'x'), kRead, Cause::badPath, 206},
+    };
     for (const auto& [name, flags, cause, code] : cases) {
         CFileException error;
         EXPECT_FALSE(CFile().Open(name.c_str(), flags, &error));
@@ -118,13 +123,12 @@ TEST(File, RefusesWhatItCannotDo) {
     CMemFile block, memory;
     block.Attach(reinterpret_cast<const BYTE*>("abc"), 3);
     memory.Write("abc", 3);
-    // clang-format off
     const Cases<std::function<void()>, LONG> cases = {
-        {[&] { writing.Read(&byte, 1); }, 5}, {[&] { reading.Write(&byte, 1); }, 5},
-        {[&] { reading.SetLength(1); }, 5}, {[&] { reading.Flush(); }, 5}, {[&] { block.Write(&byte, 1); }, 5},
-        {[&] { block.Duplicate(); }, 6}, {[&] { memory.SetLength(UINT64_MAX); }, 8},
-        {[&] { reading.Write(&byte, 0); }, 0}, {[&] { CFile().Read(&byte, 0); }, 0}};  // nothing can always be done
-    // clang-format on
+        {[&] { writing.Read(&byte, 1); }, 5},       {[&] { reading.Write(&byte, 1); }, 5},
+        {[&] { reading.SetLength(1); }, 5},         {[&] { reading.Flush(); }, 5},
+        {[&] { block.Write(&byte, 1); }, 5},        {[&] { block.Duplicate(); }, 6},
+        {[&] { memory.SetLength(UINT64_MAX); }, 8}, {[&] { reading.Write(&byte, 0); }, 0},
+        {[&] { CFile().Read(&byte, 0); }, 0}};  // nothing can always be done
     for (const auto& [use, code] : cases) EXPECT_EQ(CodeOf(use), code);
     EXPECT_EQ(Content(block), "abc");
     EXPECT_EQ(memory.Detach(), (std::vector<BYTE>{'a', 'b', 'c'}));
@@ -163,7 +167,10 @@ TEST(FileStatus, NeedsNoOpening) {
     const CFile holder(folder.Path(".a"), kWrite | CFile::shareExclusive);
     CFileStatus status;
     EXPECT_TRUE(holder.GetStatus(status));
-    for (const auto& [mode, attributes] : Cases<mode_t, int>{{0600, 0x22}, {0444, 0x23}}) {
+    for (const auto& [mode, attributes] : Cases<mode_t, int>{
+             {0600, 0x22},
+             {0444, 0x23},
+         }) {
         ::chmod(folder.Posix(".a").c_str(), mode);
         ASSERT_TRUE(CFile::GetStatus(folder.Path(".a"), status));
         EXPECT_EQ(status.m_attribute, attributes);

@@ -86,23 +86,27 @@ TEST_F(IniFile, ListsASectionAndCutsWhatDoesNotFit) {
 TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
     EXPECT_TRUE(Set("s", "gone", nullptr));
     EXPECT_FALSE(m_folder.Has("a.ini"));  // nothing to delete, nothing to make
-    // clang-format off
     const Cases<const char*, const char*, const char*, const char*, const char*> cases = {
-        {"", "s", "k", "v", "[s]\r\nk=v\r\n"}, {"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
-        {"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"}, {"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
+        {"", "s", "k", "v", "[s]\r\nk=v\r\n"},
+        {"[s]\nk=1\r\nl=2\n", "S", "L", "3", "[s]\nk=1\r\nl=3\n"},
+        {"[s]\n K = 1 \r\n", "s", "k", " 2 ", "[s]\nK= 2 \r\n"},
+        {"[s]\nk=1", "s", "k", "2", "[s]\nk=2"},
         {"[s]\nk=1\nK=2\n", "s", "K", "3", "[s]\nk=3\nK=2\n"},
         {"[s]\nk=1\n\n \n[t]\n", "s", " l ", "2", "[s]\nk=1\nl=2\r\n\n \n[t]\n"},
-        {"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"}, {"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
+        {"[s]\n;c\n\n", "s", "k", "v", "[s]\n;c\nk=v\r\n\n"},
+        {"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
         {"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
         {"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
         {"[s]\r\nk=1\r\n", "t", "k", "v", "[s]\r\nk=1\r\n[t]\r\nk=v\r\n"},
         {"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
         {"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
-        {"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"}, {"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
+        {"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"},
+        {"[s]\nk=1\n[t]\n", "s", "k", nullptr, "[s]\n[t]\n"},
         {"[s]\nk=1\n", "s", "missing", nullptr, "[s]\nk=1\n"},
-        {"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"}, {"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
-        {"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"}};
-    // clang-format on
+        {"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"},
+        {"[s]\n", "missing", nullptr, nullptr, "[s]\n"},
+        {"\x83\x5B\n[\x83\x5D]\n", "\x83\x5D", "\x95\x5C", "v", "\x83\x5B\n[\x83\x5D]\n\x95\x5C=v\r\n"},
+    };
     for (const auto& [before, section, key, value, after] : cases) {
         SCOPED_TRACE(before);
         Write(before);
@@ -114,9 +118,20 @@ TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
 TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
     const std::string before = "[s]\nk=1\n[open=1\n";
     Write(before);
+    // clang-format off
     const char* const cases[][3] = {
-        {nullptr, "k", "v"}, {"s", "k", "a\nb"}, {"s", "k", "a\rb"}, {"s", "x\n[y]", "v"},     {"x]\r\n[y", "k", "v"},
-        {"s", "a=b", "v"},   {"s", ";k", "v"},   {"s", "[k]", "v"},  {"broken\x83", "k", "v"}, {"s", "[open", "a]"}};
+        {nullptr, "k", "v"},
+        {"s", "k", "a\nb"},
+        {"s", "k", "a\rb"},
+        {"s", "x\n[y]", "v"},
+        {"x]\r\n[y", "k", "v"},
+        {"s", "a=b", "v"},
+        {"s", ";k", "v"},
+        {"s", "[k]", "v"},
+        {"broken\x83", "k", "v"},
+        {"s", "[open", "a]"},
+    };
+    // clang-format on
     for (const auto& [section, key, value] : cases) EXPECT_FALSE(Set(section, key, value)) << key;
     for (const auto& [section, entry] : {std::pair("s", "[t]"), {nullptr, "k=2"}}) {
         EXPECT_FALSE(qel::AddProfileEntry(section, entry, m_name.c_str()));

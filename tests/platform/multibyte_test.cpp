@@ -8,14 +8,17 @@ using namespace std::string_view_literals;
 TEST(Multibyte, FindsWholeCharactersOnly) {
     const CodePageScope japanese(932);
     constexpr auto npos = std::string_view::npos;
-    // clang-format off
     const std::vector<std::tuple<std::string_view, std::string_view, std::size_t, std::size_t>> cases = {
         {"\x83\x5C\\\x95\x5C", "\\", 0, 2},  // 5C is a backslash
-        {"\x83\x5C\\\x95\x5C", "\\", 3, npos}, {"\x81\x83\x83\x5C", "\x83\x5C", 0, 2},
+        {"\x83\x5C\\\x95\x5C", "\\", 3, npos},
+        {"\x81\x83\x83\x5C", "\x83\x5C", 0, 2},
         {"\x83\x5C\x83", "\x83", 0, npos},  // half a character
-        {"\x83.x.", ".", 0, 3},  // a lead byte takes whatever follows it
-        {"\xB1\x83\xB1\xB1", "\xB1", 1, 3}, {"ab", "", 2, 2}, {"ab", "", 3, npos}, {"ab", "b", 7, npos}};
-    // clang-format on
+        {"\x83.x.", ".", 0, 3},             // a lead byte takes whatever follows it
+        {"\xB1\x83\xB1\xB1", "\xB1", 1, 3},
+        {"ab", "", 2, 2},
+        {"ab", "", 3, npos},
+        {"ab", "b", 7, npos},
+    };
     for (const auto& [text, wanted, from, at] : cases) {
         SCOPED_TRACE(testing::PrintToString(text) + testing::PrintToString(wanted));
         EXPECT_EQ(qel::FindText(text, wanted, from), at);
@@ -30,12 +33,15 @@ TEST(Multibyte, FindsWholeCharactersOnly) {
 
 TEST(Multibyte, NamesDifferByMoreThanCase) {
     const CodePageScope japanese(932);
-    // clang-format off
     const std::vector<std::tuple<std::string_view, std::string_view, bool>> cases = {
-        {"abC_1", "ABc_1", true}, {"\x82\x60\x83\x9F\x83\xB6", "\x82\x81\x83\xBF\x83\xD6", true},
-        {"\x84\x4E\x84\x4F\x84\x60", "\x84\x7E\x84\x80\x84\x91", true}, {"b\x83", "B\x83", true},
-        {"\x82\xA0", "\x83\x41", false}, {"\x83\x41", "\x83\x61", false}, {"\x83\x41", "xA", false}};
-    // clang-format on
+        {"abC_1", "ABc_1", true},
+        {"\x82\x60\x83\x9F\x83\xB6", "\x82\x81\x83\xBF\x83\xD6", true},
+        {"\x84\x4E\x84\x4F\x84\x60", "\x84\x7E\x84\x80\x84\x91", true},
+        {"b\x83", "B\x83", true},
+        {"\x82\xA0", "\x83\x41", false},
+        {"\x83\x41", "\x83\x61", false},
+        {"\x83\x41", "xA", false},
+    };
     for (const auto& [a, b, same] : cases) {
         SCOPED_TRACE(testing::PrintToString(a) + testing::PrintToString(b));
         EXPECT_EQ(qel::SameName(a, b), same);

@@ -17,7 +17,11 @@ TEST(DrawPagePicture, ShowsTheWholeSheet) {
         dc.FillSolidRect(&inch, RGB(255, 0, 0));
         return dc.GetDeviceCaps(LOGPIXELSX) == 600;
     };
-    for (const auto& [dots, width, height] : Cases<int, int, int>{{100, 400, 200}, {72, 288, 144}, {9, 36, 18}}) {
+    for (const auto& [dots, width, height] : Cases<int, int, int>{
+             {100, 400, 200},
+             {72, 288, 144},
+             {9, 36, 18},
+         }) {
         SCOPED_TRACE(dots);
         ASSERT_EQ(qel::DrawPagePicture(picture, printer, dots, draw), 1);
         BITMAP size;
@@ -39,8 +43,13 @@ TEST(DrawPagePicture, ShowsTheWholeSheet) {
     EXPECT_NE(picture.GetSafeHandle(), nullptr) << "what was drawn so far";
     CDC screen;
     screen.CreateCompatibleDC(nullptr);
-    for (const auto& [dc, dots] :
-         Cases<HDC, int>{{printer, 0}, {printer, 9601}, {printer, 9600}, {screen, 96}, {nullptr, 96}}) {
+    for (const auto& [dc, dots] : Cases<HDC, int>{
+             {printer, 0},
+             {printer, 9601},
+             {printer, 9600},
+             {screen, 96},
+             {nullptr, 96},
+         }) {
         EXPECT_EQ(qel::DrawPagePicture(picture, dc, dots, draw), 0) << dots;
         EXPECT_EQ(picture.GetSafeHandle(), nullptr);
     }

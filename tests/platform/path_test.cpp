@@ -23,14 +23,24 @@ const std::string kKatakanaUtf8 = "\xE3\x82\xBD\xE9\x80\xA3";
 TEST(Path, BecomesPosix) {
     const EnvironmentScope drive("QELLIB10_DRIVE_D", "/mnt/d/"), none("QELLIB10_DRIVE_C", nullptr),
         net("QELLIB10_NET_ROOT", nullptr);
-    // clang-format off
     const Cases<std::string, std::string> cases = {
-        {"C:\\" + kKatakana + "\\a.txt", "/" + kKatakanaUtf8 + "/a.txt"}, {"D:\\a\\b", "/mnt/d/a/b"}, {"d:/", "/mnt/d"},
-        {"D:rel", "/mnt/d/rel"}, {"C:", "/"}, {"\\tmp\\x", "/tmp/x"}, {"//tmp//x", "/tmp/x"},
-        {"dir/file", "dir/file"}, {"a\\\\b\\", "a/b"}, {"\\\\srv\\share\\p", "/net/srv/share/p"},
-        {"\\\\srv\\share\\..\\..\\p", "/net/srv/share/p"}, {"\\..\\..\\etc", "/etc"}, {"D:\\..\\x", "/mnt/d/x"},
-        {"..\\..\\a\\..\\b", "../../b"}, {"a\\..", "."}, {"a?5Cb?FF", "a\\b\xFF"}};
-    // clang-format on
+        {"C:\\" + kKatakana + "\\a.txt", "/" + kKatakanaUtf8 + "/a.txt"},
+        {"D:\\a\\b", "/mnt/d/a/b"},
+        {"d:/", "/mnt/d"},
+        {"D:rel", "/mnt/d/rel"},
+        {"C:", "/"},
+        {"\\tmp\\x", "/tmp/x"},
+        {"//tmp//x", "/tmp/x"},
+        {"dir/file", "dir/file"},
+        {"a\\\\b\\", "a/b"},
+        {"\\\\srv\\share\\p", "/net/srv/share/p"},
+        {"\\\\srv\\share\\..\\..\\p", "/net/srv/share/p"},
+        {"\\..\\..\\etc", "/etc"},
+        {"D:\\..\\x", "/mnt/d/x"},
+        {"..\\..\\a\\..\\b", "../../b"},
+        {"a\\..", "."},
+        {"a?5Cb?FF", "a\\b\xFF"},
+    };
     for (const auto& [path, posix] : cases) {
         EXPECT_EQ(qel::ToPosixPath(path), posix) << path;
     }
@@ -39,22 +49,33 @@ TEST(Path, BecomesPosix) {
 TEST(Path, OfTheStandardLibraryKeepsItsCharacters) {
     const EnvironmentScope drive("QELLIB10_DRIVE_C", nullptr);
     for (const auto& [path, native] : Cases<CString, std::string>{
-             {("\\tmp\\" + kKatakana).c_str(), "/tmp/" + kKatakanaUtf8}, {"dir\\a.txt", "dir/a.txt"}}) {
+             {("\\tmp\\" + kKatakana).c_str(), "/tmp/" + kKatakanaUtf8},
+             {"dir\\a.txt", "dir/a.txt"},
+         }) {
         EXPECT_EQ(qel::ToStdPath(path), std::filesystem::path(native));
         EXPECT_EQ(qel::FromStdPath(native), path);
     }
 }
 
 TEST(Path, ThatCannotBeSaysWhy) {
-    // clang-format off
     const Cases<std::string, LONG> cases = {
-        {"", 3}, {"\\\\srv", 53}, {"\\\\srv\\", 53}, {"\\\\\\share\\x", 53}, {"\\\\srv\\..\\x", 53},
-        {std::string(260, 'a'), 206}, {std::string(259, 'a'), 0}, {"*.txt", 123}, {"a?", 123}, {"?5c", 123},
+        {"", 3},
+        {"\\\\srv", 53},
+        {"\\\\srv\\", 53},
+        {"\\\\\\share\\x", 53},
+        {"\\\\srv\\..\\x", 53},
+        {std::string(260, 'a'), 206},
+        {std::string(259, 'a'), 0},
+        {"*.txt", 123},
+        {"a?", 123},
+        {"?5c", 123},
         {"?2Fetc", 123},     // escapes may not smuggle a separator,
         {"?00", 123},        // an end,
         {"?2E?2E\\x", 123},  // or a step up
-        {"a\\\x81", 123}, {"\x81\x20", 123}, {"\x81\x45", 0}};  // the last: the very character that stands for what is none
-    // clang-format on
+        {"a\\\x81", 123},
+        {"\x81\x20", 123},
+        {"\x81\x45", 0},
+    };  // the last: the very character that stands for what is none
     for (const auto& [path, code] : cases) {
         EXPECT_EQ(Refusal(path), code) << path;
     }
@@ -87,9 +108,15 @@ TEST(Path, ComesBackUnderItsLongestRoot) {
         net("QELLIB10_NET_ROOT", "/n");
     // clang-format off
     const Cases<const char*, const char*> cases = {
-        {"/data/x", "C:\\x"},        {"/data", "C:\\"}, {"/data/deep/x", "D:\\x"},
-        {"/database", "\\database"}, {"/", "\\"},       {"/n/srv/share/x", "\\\\srv\\share\\x"},
-        {"/n/srv", "\\n\\srv"},      {"a/b", "a\\b"}};
+        {"/data/x", "C:\\x"},
+        {"/data", "C:\\"},
+        {"/data/deep/x", "D:\\x"},
+        {"/database", "\\database"},
+        {"/", "\\"},
+        {"/n/srv/share/x", "\\\\srv\\share\\x"},
+        {"/n/srv", "\\n\\srv"},
+        {"a/b", "a\\b"},
+    };
     // clang-format on
     for (const auto& [posix, path] : cases) {
         EXPECT_EQ(qel::ToLibraryPath(posix), path) << posix;

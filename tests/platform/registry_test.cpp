@@ -90,10 +90,16 @@ protected:
 TEST_F(Registry, FindsNamesWhateverTheirCase) {
     EXPECT_EQ(Read("a"), qel::kRegistryNotFound);
     EXPECT_EQ(m_registry.Folder().Count(), 0);  // reading makes no database
-    const char* const names[][2] = {{"Soft\\Key", "sOFT\\kEY"},       {"a\\b\\", "A\\\\B"},
-                                    {"x\x83\x5C\\y", "X\x83\x5C\\Y"}, {"\x82\x60", "\x82\x81"},
-                                    {"\x83\x9F", "\x83\xBF"},   // full-width, Greek
-                                    {"\x84\x46", "\x84\x76"}};  // Cyrillic
+    // clang-format off
+    const char* const names[][2] = {
+        {"Soft\\Key", "sOFT\\kEY"},
+        {"a\\b\\", "A\\\\B"},
+        {"x\x83\x5C\\y", "X\x83\x5C\\Y"},
+        {"\x82\x60", "\x82\x81"},
+        {"\x83\x9F", "\x83\xBF"},  // full-width, Greek
+        {"\x84\x46", "\x84\x76"},
+    };  // Cyrillic
+    // clang-format on
     for (const auto& [written, read] : names) {
         EXPECT_EQ(Write(written, "Name", written), qel::kRegistrySuccess);
         EXPECT_EQ(Text(read, "nAME"), written);

@@ -42,7 +42,12 @@ TEST(RestartQueue, KeepsAnyPathAndNoTornLine) {
     }
     // Right sums, wrong content.
     using Operation = qel::RestartOperation;
-    for (const Operation& bad : {Operation{"relative", "/a"}, {"/a", "b"}, {"", ""}, {{"/a\0", 3}, ""}}) {
+    for (const Operation& bad : {
+             Operation{"relative", "/a"},
+             {"/a", "b"},
+             {"", ""},
+             {{"/a\0", 3}, ""},
+         }) {
         const std::string text = qel::RestartRecord{false, "id", bad}.Line();
         EXPECT_FALSE(qel::RestartRecord::Parse(text.substr(0, text.size() - 1)));
     }

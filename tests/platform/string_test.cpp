@@ -23,11 +23,12 @@ TEST(String, ReplacesFromLeftToRightAndNeverATrailByte) {
     EXPECT_TRUE(path.ReverseFind('\\') == 2 && path.FindOneOf("x\\") == 2);
     EXPECT_EQ(path.Replace('\\', '/'), 1);
     EXPECT_EQ(path, "\x83\x5C/\x95\x5C");
-    // clang-format off
     const std::vector<std::tuple<CString, const char*, const char*, int, const char*>> cases = {
-        {"aaa", "aa", "aaa", 1, "aaaa"}, {"aXbX", "X", nullptr, 2, "ab"}, {"a", nullptr, "b", 0, "a"},
-        {"\x83\x5C\x5C", "\x5C", "//", 1, "\x83\x5C//"}};
-    // clang-format on
+        {"aaa", "aa", "aaa", 1, "aaaa"},
+        {"aXbX", "X", nullptr, 2, "ab"},
+        {"a", nullptr, "b", 0, "a"},
+        {"\x83\x5C\x5C", "\x5C", "//", 1, "\x83\x5C//"},
+    };
     for (auto [text, old, replacement, count, result] : cases) {
         EXPECT_EQ(text.Replace(old, replacement), count);
         EXPECT_EQ(text, result);
@@ -35,13 +36,14 @@ TEST(String, ReplacesFromLeftToRightAndNeverATrailByte) {
 }
 
 TEST(String, TrimsCharacters) {
-    // clang-format off
     const std::vector<std::tuple<CString, const char*, const char*>> cases = {
         {" \t\v\f\r\nx \t", nullptr, "x"},
         {" \x81\x40 x\x83 ", nullptr, "\x81\x40 x\x83"},  // a blank is a blank, also behind half a character
-        {"  ", nullptr, ""}, {"\\\x83\x5C\\\\", "\\", "\x83\x5C"}, {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},
-        {"x\x83", "\x83\x5C", "x\x83"}};
-    // clang-format on
+        {"  ", nullptr, ""},
+        {"\\\x83\x5C\\\\", "\\", "\x83\x5C"},
+        {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},
+        {"x\x83", "\x83\x5C", "x\x83"},
+    };
     for (auto [text, set, trimmed] : cases) {
         set != nullptr ? text.TrimLeft(set) : text.TrimLeft();
         set != nullptr ? text.TrimRight(set) : text.TrimRight();

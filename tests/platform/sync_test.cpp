@@ -46,12 +46,13 @@ constexpr uid_t kUser = 4321;
 TEST(NamedObjects, NamesAreTheSystems) {
     const CodePageScope japanese(qel::kCodePageJapanese);
     const std::string own = NameOfOurOwn("name"), longName = std::string(259 - own.size(), '/') + own;
-    // clang-format off
     const Cases<DWORD, std::vector<std::string>> cases = {
         {0, {own, own + "/../../x", own + "MM::x.%41 \n\x7f\xff", longName + "a", longName + "b"}},
         {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // the trail byte is no backslash
-        {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}}, {6, {"Local\\"}}, {206, {longName + "bc"}}};
-    // clang-format on
+        {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}},
+        {6, {"Local\\"}},
+        {206, {longName + "bc"}},
+    };
     for (const auto& [error, names] : cases) {
         for (const std::string& name : names) {  // all are kept, so each is another's only if it were the same
             SCOPED_TRACE(name);
@@ -68,7 +69,10 @@ TEST(NamedObjects, NamesAreTheSystems) {
     EXPECT_EQ(asBlock(), 6u);  // one namespace for all kinds
     EXPECT_EQ(InChild(asBlock), 6);
 
-    for (const auto& [name, error] : Cases<const char*, DWORD>{{nullptr, 87}, {"", 6}}) {
+    for (const auto& [name, error] : Cases<const char*, DWORD>{
+             {nullptr, 87},
+             {"", 6},
+         }) {
         EXPECT_TRUE(OpenNamedMutex(name) == nullptr && LastError() == error);
     }
     const HANDLE large = CreateSharedMemory("", 5000).handle, small = CreateSharedMemory(nullptr, 1).handle;

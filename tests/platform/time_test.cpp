@@ -37,8 +37,15 @@ TEST(Time, HasAResultForEveryValue) {
 TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
     // clang-format off
     const Cases<double, int, int, int> cases = {
-        {0, 1899, 12, 30}, {2, 1900, 1, 1}, {25569, 1970, 1, 1}, {36585, 2000, 2, 29}, {36892, 2001, 1, 1},
-        {-1, 1899, 12, 29}, {-657434, 100, 1, 1}, {2958465, 9999, 12, 31}};
+        {0, 1899, 12, 30},
+        {2, 1900, 1, 1},
+        {25569, 1970, 1, 1},
+        {36585, 2000, 2, 29},
+        {36892, 2001, 1, 1},
+        {-1, 1899, 12, 29},
+        {-657434, 100, 1, 1},
+        {2958465, 9999, 12, 31},
+    };
     // clang-format on
     for (const auto& [number, year, month, day] : cases) {
         const COleDateTime date(year, month, day, 0, 0, 0);
@@ -55,8 +62,15 @@ TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
 TEST(OleDateTime, RefusesWhatIsNoDate) {
     // clang-format off
     const Cases<int, int, int, int, int, int> cases = {
-        {99, 1, 1, 0, 0, 0}, {10000, 1, 1, 0, 0, 0}, {2001, 2, 29, 0, 0, 0}, {2001, 13, 1, 0, 0, 0},
-        {2001, 1, 0, 0, 0, 0}, {2001, 1, 1, 24, 0, 0}, {2001, 1, 1, 0, 60, 0}, {2001, 1, 1, 0, 0, -1}};
+        {99, 1, 1, 0, 0, 0},
+        {10000, 1, 1, 0, 0, 0},
+        {2001, 2, 29, 0, 0, 0},
+        {2001, 13, 1, 0, 0, 0},
+        {2001, 1, 0, 0, 0, 0},
+        {2001, 1, 1, 24, 0, 0},
+        {2001, 1, 1, 0, 60, 0},
+        {2001, 1, 1, 0, 0, -1},
+    };
     // clang-format on
     for (const auto& [year, month, day, hour, minute, second] : cases) {
         COleDateTime date(5.5);

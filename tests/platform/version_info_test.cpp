@@ -36,9 +36,16 @@ void Damage(const std::string& whole) {
 }  // namespace
 
 TEST(VersionText, OfWindowsFiles) {
+    // clang-format off
     const Cases<const char*, std::optional<CString>> texts = {
-        {"FILEVersion", "1.2.3.4"}, {"ProductName", "\x95\x5C\x8E\xA6"}, {"Empty", ""}, {"OnlyEnglish", "yes"},
-        {"None", std::nullopt},     {"VarFileInfo", std::nullopt}};
+        {"FILEVersion", "1.2.3.4"},
+        {"ProductName", "\x95\x5C\x8E\xA6"},
+        {"Empty", ""},
+        {"OnlyEnglish", "yes"},
+        {"None", std::nullopt},
+        {"VarFileInfo", std::nullopt},
+    };
+    // clang-format on
     const TempFolder folder;
     folder.Write("v.rc", kResource);
     for (const std::string tools : {"x86_64-w64-mingw32-", "i686-w64-mingw32-"}) {
@@ -56,7 +63,11 @@ TEST(VersionText, OfNotes) {
     std::ifstream file(QELLIB10_TEST_DATA "/../../fuzz/seeds/version/program", std::ios::binary);
     const std::string program(std::istreambuf_iterator<char>(file), {});
     const Cases<const char*, std::optional<CString>> texts = {
-        {"fileversion", "7"}, {"Odd", ""}, {"None", std::nullopt}, {"", std::nullopt}};
+        {"fileversion", "7"},
+        {"Odd", ""},
+        {"None", std::nullopt},
+        {"", std::nullopt},
+    };
     for (const auto& [key, text] : texts) EXPECT_EQ(TextIn(program, key), text) << key;
     EXPECT_EQ(TextIn(program.substr(0, 150), "FileVersion"), std::nullopt);
     Damage(program);

@@ -164,7 +164,11 @@ TEST_F(XmlNodes, TakeTextsThatComeBackAsTheyWere) {
     const std::string text = m_document.Text();
     EXPECT_EQ(Written(text), text);
     for (const auto& [path, bad] : Cases<std::string, std::string>{
-             {"comment()", "a--b"}, {"comment()", "a-"}, {"processing-instruction()", "?>"}, {"..", "x"}}) {
+             {"comment()", "a--b"},
+             {"comment()", "a-"},
+             {"processing-instruction()", "?>"},
+             {"..", "x"},
+         }) {
         EXPECT_THROW(Root().Select(path)->SetText(bad), qel::DataError) << path;
     }
     EXPECT_EQ(m_document.Text(), text);

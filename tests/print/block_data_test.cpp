@@ -105,7 +105,10 @@ TEST(PrintCommand, TextStandsInItsBoxByStyle) {
     EXPECT_GT(InkOfText(0x21, 30, 60, "Hill Hill").Height(), left.Height() + 8) << "broken between words";
     EXPECT_LE(InkOfText(0x21, 12, 60, "HillHillHill").right, 22) << "cut by the box";
     EXPECT_GT(InkOfText(0x61, 12, 60, "HillHill").Height(), left.Height() + 8) << "broken within the word";
-    for (const auto& [width, height] : Cases<int, int>{{-1, 60}, {200, -1}}) {
+    for (const auto& [width, height] : Cases<int, int>{
+             {-1, 60},
+             {200, -1},
+         }) {
         ExpectBox(InkOfText(0x14, width, height), left);
     }
     ExpectBox(InkOfText(1, 0, 0), {});

@@ -213,7 +213,11 @@ TEST(PrintDocument, ALoopOverPagesGetsItsPageOrFalse) {
     EXPECT_EQ(screen.At(4, 2), COLORREF{7});
     EXPECT_EQ(printer.dc.SaveDC(), 2) << "what the printer's context keeps is its owner's";
     for (const auto& [grid, unit, given] : Cases<CSize, int, CPrintInfo*>{
-             {{2, 3}, 3, nullptr}, {{2, 0}, 3, &info}, {{-2, -3}, 3, &info}, {{2, 3}, 0, &info}}) {
+             {{2, 3}, 3, nullptr},
+             {{2, 0}, 3, &info},
+             {{-2, -3}, 3, &info},
+             {{2, 3}, 0, &info},
+         }) {
         document.GetPageStyle().SetPrintBlock(grid);
         document.GetPageStyle().SetUnit(unit);
         try {
@@ -244,7 +248,11 @@ TEST(PrintDocument, IsPrintedPageByPage) {
     const std::string words = WordsOf(pdf);
     // A4, from 200 to 2094 across and from 2 to 2965 down.
     for (const auto& [word, x, y] : Cases<std::string, double, double>{
-             {"first", 200, 2}, {"third", 200, 1976}, {"fourth", 1147, 2}, {"seventh", 200, 2}}) {
+             {"first", 200, 2},
+             {"third", 200, 1976},
+             {"fourth", 1147, 2},
+             {"seventh", 200, 2},
+         }) {
         EXPECT_NEAR(PlaceOf(words, word).x, x, 5) << word;
         EXPECT_NEAR(PlaceOf(words, word).y, y, 25) << word;
     }
@@ -289,19 +297,29 @@ TEST(PrintDocument, BlocksInCellsWithoutASizeAreRefused) {
         int direction, expected;
     };
     Canvas canvas(60, 40);
+    // clang-format off
     for (const Case& c : {
-             Case{2, {60, 40}, 9, {2, 1}, 1, 1}, Case{2, {11, 40}, 9, {2, 1}, 1, 0},
-             Case{2, {11, 40}, 9, {1, 2}, 1, 1}, Case{2, {60, 8}, 9, {1, 2}, 1, 0},
-             Case{2, {60, 8}, 9, {1, 1}, 1, 1},  Case{2, {0, 0}, 9, {2, 3}, 1, 1},
-             Case{2, {0, 0}, 1, {2, 1}, 1, 0},   Case{2, {0, 0}, 1, {1, 1}, 1, 1},
-             Case{1, {11, 8}, 9, {2, 2}, 1, 1},  // the cell at the corner of the page
-             Case{1, {11, 8}, 9, {2, 2}, 2, 1},  Case{0, {11, 8}, 9, {2, 2}, 1, 1},
-             Case{2, {11, 40}, 9, {2, 2}, 1, 1},  // down the column, none in the second one
-             Case{2, {11, 40}, 9, {2, 2}, 2, 0}, Case{2, {60, 8}, 9, {2, 2}, 1, 0},
-             Case{2, {60, 8}, 9, {2, 2}, 2, 1},  Case{3, {11, 40}, 9, {2, 2}, 1, 0},
-             Case{3, {60, 8}, 9, {2, 2}, 2, 0},  Case{5, {11, 8}, 9, {2, 2}, 0, 1},  // all at one place on purpose
+             Case{2, {60, 40}, 9, {2, 1}, 1, 1},
+             {2, {11, 40}, 9, {2, 1}, 1, 0},
+             {2, {11, 40}, 9, {1, 2}, 1, 1},
+             {2, {60, 8}, 9, {1, 2}, 1, 0},
+             {2, {60, 8}, 9, {1, 1}, 1, 1},
+             {2, {0, 0}, 9, {2, 3}, 1, 1},
+             {2, {0, 0}, 1, {2, 1}, 1, 0},
+             {2, {0, 0}, 1, {1, 1}, 1, 1},
+             {1, {11, 8}, 9, {2, 2}, 1, 1},  // the cell at the corner of the page
+             Case{1, {11, 8}, 9, {2, 2}, 2, 1},
+             {0, {11, 8}, 9, {2, 2}, 1, 1},
+             {2, {11, 40}, 9, {2, 2}, 1, 1},  // down the column, none in the second one
+             Case{2, {11, 40}, 9, {2, 2}, 2, 0},
+             {2, {60, 8}, 9, {2, 2}, 1, 0},
+             {2, {60, 8}, 9, {2, 2}, 2, 1},
+             {3, {11, 40}, 9, {2, 2}, 1, 0},
+             {3, {60, 8}, 9, {2, 2}, 2, 0},
+             {5, {11, 8}, 9, {2, 2}, 0, 1},  // all at one place on purpose
              Case{5, {11, 8}, 9, {2, 2}, 3, 1},
          }) {
+        // clang-format on
         Document document(c.blocks);
         CQelPrintJobPageStyle& style = document.GetPageStyle();
         if (c.blocks == 0) style = Job(0).GetPageStyle();

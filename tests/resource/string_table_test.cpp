@@ -11,12 +11,16 @@
 #include "qellib10/runtime/qel_resource.h"
 
 TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
-    // clang-format off
     const Cases<UINT, UINT, const char*, const char*> cases = {
-        {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"}, {2053, 1252, "\xB5g/L", "\xB5g/L"}, {2076, 932, "s", "\x95\x62"},
-        {2075, 65001, "\u00B0C", "\u2103"}, {27010, 932, "None", "\x82\xC8\x82\xB5"}, {28001, 932, "\r\n", "\r\n"},
-        {28002, 932, ",", ","}, {28003, 932, "\"", "\""}};
-    // clang-format on
+        {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"},
+        {2053, 1252, "\xB5g/L", "\xB5g/L"},
+        {2076, 932, "s", "\x95\x62"},
+        {2075, 65001, "\u00B0C", "\u2103"},
+        {27010, 932, "None", "\x82\xC8\x82\xB5"},
+        {28001, 932, "\r\n", "\r\n"},
+        {28002, 932, ",", ","},
+        {28003, 932, "\"", "\""},
+    };
     for (const auto& [id, page, english, japanese] : cases) {
         const CodePageScope scope(page);
         qel::SetTableLanguage(qel::Language::Japanese);
@@ -32,7 +36,11 @@ TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
 
 TEST(StringTable, AnApplicationsTextsWinAndMayHaveOneLanguage) {
     static constexpr qel::StringTableEntry kOwn[] = {
-        {60001, "Report", "?"}, {60002, nullptr, "Only"}, {60003, "", nullptr}, {60004, "old", "old"}};
+        {60001, "Report", "?"},
+        {60002, nullptr, "Only"},
+        {60003, "", nullptr},
+        {60004, "old", "old"},
+    };
     static constexpr qel::StringTableEntry kNewer[] = {{60004, "new", "new"}};
     qel::RegisterStringTable(kOwn);
     qel::RegisterStringTable(kNewer);
@@ -44,8 +52,10 @@ TEST(StringTable, AnApplicationsTextsWinAndMayHaveOneLanguage) {
 
 TEST(StringTableDeathTest, TakesLanguageAndCodePageFromTheEnvironment) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // the program runs afresh, so it reads the environment again
-    for (const auto& [language, page, japanese, codePage] :
-         Cases<const char*, const char*, bool, UINT>{{"ja", "1252", true, 1252}, {"fr", "437", false, 932}}) {
+    for (const auto& [language, page, japanese, codePage] : Cases<const char*, const char*, bool, UINT>{
+             {"ja", "1252", true, 1252},
+             {"fr", "437", false, 932},
+         }) {
         const EnvironmentScope itsLanguage("QELLIB10_LANGUAGE", language), itsPage("QELLIB10_CODEPAGE", page);
         EXPECT_EXIT(
             std::exit((qel::TableLanguage() == qel::Language::Japanese) == japanese && qel::CodePage() == codePage ? 0

@@ -62,8 +62,13 @@ const titration::Curve& SilverChloride() {
 
 // A curve of few readings that is steep everywhere seemed to be noisy.
 TEST(EndPoint, OfASteepMeasuredCurveIsCertain) {
-    for (const auto& [stray, height] :
-         Cases<std::size_t, double>{{0, 0}, {3, 60}, {4, -60}, {20, 40}, {19, -40}}) {  // a height of 0: no stray
+    for (const auto& [stray, height] : Cases<std::size_t, double>{
+             {0, 0},
+             {3, 60},
+             {4, -60},
+             {20, 40},
+             {19, -40},
+         }) {  // a height of 0: no stray
         titration::Curve curve = SilverChloride();
         curve.signal[stray] += height;
         const titration::EndPoint found = titration::FindEndPoint(curve);
@@ -104,7 +109,13 @@ TEST(EndPoint, OfASharpStepIsWithinATenthOfAnInterval) {
     const auto nernst = [](double t) { return std::asinh(t * 40); };
     const auto level = [](double t) { return 3 * std::tanh(t * 2); };
     for (const auto& [shape, first] : Cases<std::function<double(double)>, double>{
-             {nernst, 0}, {nernst, 0.15}, {nernst, 0.3}, {level, 0}, {level, 0.15}, {level, 0.3}}) {
+             {nernst, 0},
+             {nernst, 0.15},
+             {nernst, 0.3},
+             {level, 0},
+             {level, 0.15},
+             {level, 0.3},
+         }) {
         std::vector<double> volume, signal;
         for (int i = 0; i < 40; ++i) {
             volume.push_back(first + 0.5 * i);
@@ -128,8 +139,10 @@ TEST(EndPoint, IsNotAStrayBesideASharpStep) {
         {3.1922,  4.1339,  3.2777,  3.3282,  3.3688,  3.4201,  3.4254,  3.4659,  3.5266,  6.6755, 3.6249, 3.6493,
          3.6758,  3.7166,  3.7381,  3.8002,  8.3819,  8.2963,  3.9161,  3.9404,  3.9561,  3.9725, 6.7766, 9.9932,
          10.0590, 10.0909, 10.1099, 10.1336, 10.2020, 10.2343, 10.2773, 10.2842, 10.3322, 10.3672});
-    for (const auto& [curve, expected, half] :
-         Cases<titration::Curve, double, double>{{beforeTheStep, 15.166, 0.0523}, {twice, 12.709, 0.0725}}) {
+    for (const auto& [curve, expected, half] : Cases<titration::Curve, double, double>{
+             {beforeTheStep, 15.166, 0.0523},
+             {twice, 12.709, 0.0725},
+         }) {
         EXPECT_NEAR(Found(curve.volume, curve.signal).value_or(expected), expected, half);
     }
 }
@@ -138,7 +151,15 @@ TEST(EndPoint, DoesNotMoveWithStraysThatAreFarFromIt) {
     const titration::Curve clean = EvenCurve();
     const double expected = titration::FindEndPoint(clean).volume;
     for (const auto& [first, length, height] : Cases<std::size_t, std::size_t, double>{
-             {10, 1, 0.5}, {10, 2, 3}, {10, 3, -2}, {26, 1, 3}, {26, 2, 5}, {54, 2, -3}, {60, 3, 2}, {5, 3, 8}}) {
+             {10, 1, 0.5},
+             {10, 2, 3},
+             {10, 3, -2},
+             {26, 1, 3},
+             {26, 2, 5},
+             {54, 2, -3},
+             {60, 3, 2},
+             {5, 3, 8},
+         }) {
         titration::Curve curve = clean;
         for (std::size_t i = first; i < first + length; ++i) curve.signal[i] += height;
         EXPECT_EQ(Refusal(curve).substr(0, 9), "end point") << first << Refusal(curve);
@@ -176,8 +197,11 @@ TEST(EndPoint, InAGapIsBetweenTheReadingsAroundIt) {
 
 // 100,000 points took half a minute.
 TEST(EndPoint, OfALongCurveIsFoundAtOnce) {
-    for (const auto& [noise, digit, tolerance] :
-         Cases<double, double, double>{{0, 0, 0.0001}, {0.01, 0, 0.01}, {0, 0.0001, 0.002}}) {
+    for (const auto& [noise, digit, tolerance] : Cases<double, double, double>{
+             {0, 0, 0.0001},
+             {0.01, 0, 0.01},
+             {0, 0.0001, 0.002},
+         }) {
         titration::Curve curve = EvenCurve(0, 20, 0.0002);
         unsigned random = 1;
         for (double& signal : curve.signal) {

@@ -42,7 +42,10 @@ const std::vector<Row> kStandsOn = {
 
 // The foreign libraries that others than platform include: the number type of one stands in the interface of CBCD, the
 // other one is what the companion library is about.
-constexpr std::pair<const char*, const char*> kIncludeForeign[] = {{"calc", "qellib10/decnumber/"}, {"gtk", "gtk/"}};
+constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
+    {"calc", "qellib10/decnumber/"},
+    {"gtk", "gtk/"},
+};
 
 const Row* Find(const std::string& node) {
     const auto row = std::ranges::find(kStandsOn, node, &Row::node);

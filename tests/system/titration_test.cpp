@@ -202,7 +202,10 @@ TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
     const std::string cell = "pdftotext -l 1 -x 0 -W 595 -H 257 -y ",
                       pdf = " '" + Path("results/Titration reports.pdf'");
     for (const auto& [job, top] : Cases<const char*, const char*>{
-             {"results/report-1.job", "42"}, {"results/report-2.job", "299"}, {"results/report-3.job", "556"}}) {
+             {"results/report-1.job", "42"},
+             {"results/report-2.job", "299"},
+             {"results/report-3.job", "556"},
+         }) {
         const std::vector<std::string> words = WordsOfJob(m_folder.Path(job));
         EXPECT_GT(words.size(), 60u);
         EXPECT_EQ(Sorted(Words(OutputOf(cell + top + pdf + " -"))), words) << job;

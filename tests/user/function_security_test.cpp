@@ -23,7 +23,13 @@ TEST(FunctionSecurity, FirstEntryOfAnIdentifierAnswers) {
     EXPECT_EQ(security.GetFunctionSecurity(100), -1);
     security.Initialize();
     security.Initialize();
-    for (const auto& [index, id] : Cases<int, int>{{-1, -1}, {0, 100}, {1, 7}, {2, 100}, {3, -1}}) {
+    for (const auto& [index, id] : Cases<int, int>{
+             {-1, -1},
+             {0, 100},
+             {1, 7},
+             {2, 100},
+             {3, -1},
+         }) {
         EXPECT_EQ(security.GetFunctionID(index), id) << index;
     }
     EXPECT_EQ(Line({security.SetFunctionSecurity(100, 3), security.SetFunctionSecurity(8, 3)}), "1 0");
@@ -36,11 +42,14 @@ TEST(FunctionSecurity, PrivilegesStandAboveLevels) {
     security.Initialize();
     using Set = void (CFunctionSecurity::*)(int);
     const Set maker = &CFunctionSecurity::SetMakerParameter, manager = &CFunctionSecurity::SetManagerParameter;
-    // clang-format off
     for (const auto& [set, value, isMaker, isManager, level, unknown] : Cases<Set, int, int, int, int, int>{
-             {maker, 0, 0, 0, 2, -1}, {manager, 1, 0, 1, 1, 1}, {manager, 0, 0, 0, 2, -1},
-             {maker, 1, 1, 1, 1, 1}, {manager, 0, 1, 1, 1, 1}, {maker, 0, 0, 1, 1, 1}}) {
-        // clang-format on
+             {maker, 0, 0, 0, 2, -1},
+             {manager, 1, 0, 1, 1, 1},
+             {manager, 0, 0, 0, 2, -1},
+             {maker, 1, 1, 1, 1, 1},
+             {manager, 0, 1, 1, 1, 1},
+             {maker, 0, 0, 1, 1, 1},
+         }) {
         (security.*set)(value);
         EXPECT_EQ(security.GetMakerParameter(), isMaker);
         EXPECT_EQ(security.GetManagerParameter(), isManager);

@@ -58,8 +58,11 @@ CUserInfo Record(const char* name, const char* password, int manager = 0) {
 TEST_F(UserStoreTest, KeepsAccounts) {
     auto store = Open();
     EXPECT_EQ(ModeOf("users.db"), 0600u);
-    for (const auto& [name, password, answer] :
-         Cases<const char*, const char*, int>{{"Admin", "", 0}, {"Admin", "first", 1}, {"Other", "first", 0}}) {
+    for (const auto& [name, password, answer] : Cases<const char*, const char*, int>{
+             {"Admin", "", 0},
+             {"Admin", "first", 1},
+             {"Other", "first", 0},
+         }) {
         EXPECT_EQ(store->CreateFirstAdministrator(name, password), answer);
     }
     EXPECT_EQ(Line({store->AddUser(Record("miller", "pw", 1)), store->AddUser(Record("bob", ""))}), "1 1");
@@ -110,7 +113,13 @@ TEST_F(UserStoreTest, LocksAfterRefusals) {
     EXPECT_EQ(store->Logon("bob", "pw"), 1);  // the count begins anew
     for (int i = 0; i < 5; ++i) EXPECT_EQ(store->Logon("bob", "wrong"), 0);
     for (const auto& [later, password, expected] : Cases<int, const char*, int>{
-             {299, "pw", 0}, {1, "wrong", 0}, {299, "pw", 0}, {1, "pw", 1}, {0, "wrong", 0}, {0, "pw", 1}}) {
+             {299, "pw", 0},
+             {1, "wrong", 0},
+             {299, "pw", 0},
+             {1, "pw", 1},
+             {0, "wrong", 0},
+             {0, "pw", 1},
+         }) {
         m_now += std::chrono::seconds(later);
         EXPECT_EQ(store->Logon("bob", password), expected) << later << password;
     }
