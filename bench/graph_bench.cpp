@@ -9,10 +9,12 @@
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
 //   Record/1/1000000/10:bytes_a_point <= 200
 // A wide pen costs little more than a thin one, and a dashed one not much more, on a background of either kind.
-//   Draw<Wide>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
-//   Draw<Wide>/1/1000000/10 >= 40 Draw<WideCairo>/1/1000000/10
-//   Draw<Dashed>/1/1000000/10 <= 6 Draw<Ours>/1/1000000/10
-//   Draw<DashedClear>/1/1000000/10 <= 6 Draw<Ours>/1/1000000/10
+//   Draw<Wide<2>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
+//   Draw<Wide<3>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
+//   Draw<Wide<9>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
+//   Draw<Wide<3>>/1/1000000/10 >= 40 Draw<WideCairo>/1/1000000/10
+//   Draw<Dashed>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
+//   Draw<DashedClear>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Dashed>/1/1000000/10 >= 20 Draw<DashedCairo>/1/1000000/10
 // A frame whose axes have texts is drawn again without making its fonts again.
 //   Frame<true> <= 8 Frame<false>
@@ -108,8 +110,6 @@ private:
     CQelGraph m_graph;
 };
 
-constexpr int kWide = 3;
-
 // The same under other pens.
 template <int kStyle, int kPenWidth, int kBackMode> class Penned : public Ours {
 public:
@@ -120,7 +120,7 @@ public:
         Context().SetBkMode(kBackMode);
     }
 };
-using Wide = Penned<PS_SOLID, kWide, OPAQUE>;
+template <int kPenWidth> using Wide = Penned<PS_SOLID, kPenWidth, OPAQUE>;
 using Dashed = Penned<PS_DASH, 1, OPAQUE>;
 using DashedClear = Penned<PS_DASH, 1, TRANSPARENT>;
 
@@ -163,7 +163,7 @@ private:
 };
 
 struct WideCairo : Cairo {
-    explicit WideCairo(const std::vector<Series>& series) : Cairo(series, kWide) {}
+    explicit WideCairo(const std::vector<Series>& series) : Cairo(series, 3) {}
 };
 struct DashedCairo : Cairo {
     explicit DashedCairo(const std::vector<Series>& series) : Cairo(series, 1, {18, 6}) {}
@@ -248,11 +248,11 @@ template <class Same, class Drawer> void CheckAlike(const Input& input, Drawer& 
 
 // Ours that a peer draws the same as.
 template <class Drawer> struct SameAs { using Type = Ours; };
-template <> struct SameAs<WideCairo> { using Type = Wide; };
-template <> struct SameAs<Wide> { using Type = Wide; };
+template <int kStyle, int kPenWidth, int kBackMode> struct SameAs<Penned<kStyle, kPenWidth, kBackMode>> {
+    using Type = Penned<kStyle, kPenWidth, kBackMode>;
+};
+template <> struct SameAs<WideCairo> { using Type = Wide<3>; };
 template <> struct SameAs<DashedCairo> { using Type = DashedClear; };
-template <> struct SameAs<Dashed> { using Type = Dashed; };
-template <> struct SameAs<DashedClear> { using Type = DashedClear; };
 
 template <class Drawer> void Draw(benchmark::State& state) {
     const Input input = InputOf(state);
@@ -329,7 +329,9 @@ CASES(CustomPlot, 10, 100000, 200);
 CASES(Ours, 512, 1000, 10);
 CASES(Cairo, 512, 1000, 10);
 CASES(Ours, 1, 1000000, 10);
-CASES(Wide, 1, 1000000, 10);
+CASES(Wide<2>, 1, 1000000, 10);
+CASES(Wide<3>, 1, 1000000, 10);
+CASES(Wide<9>, 1, 1000000, 10);
 CASES(WideCairo, 1, 1000000, 10);
 CASES(Dashed, 1, 1000000, 10);
 CASES(DashedClear, 1, 1000000, 10);

@@ -22,7 +22,10 @@ constexpr double kLargest = 1e300;
 }  // namespace
 
 ColumnWindow::ColumnWindow(const DataScale& scale, int column) noexcept
-    : m_low(Limits::infinity(), Limits::infinity()), m_high(-Limits::infinity(), -Limits::infinity()) {
+    : m_scale(scale),
+      m_nX(scale.edge.x + column),
+      m_low(Limits::infinity(), Limits::infinity()),
+      m_high(-Limits::infinity(), -Limits::infinity()) {
     constexpr auto kX = DataScale::kX, kY = DataScale::kY;
     const double origin = scale.origin[kX], length = scale.length[kX];
     // Distances are cut toward zero. The outermost columns take in everything behind them.
@@ -59,6 +62,14 @@ const CGraphData* ColumnWindow::Pass(std::span<const CGraphData> data, double& l
     return at;
 }
 
+std::size_t ColumnWindow::Map(std::span<const CGraphData> data, POINT* points) const noexcept {
+    std::size_t count = MapBlocks(data, points);
+    for (; count < data.size() && Contains(data[count]); ++count) {
+        points[count] = {m_nX, m_scale.MapY(data[count].GetYData())};
+    }
+    return count;
+}
+
 #if defined(__SSE2__)
 
 // Eight points at a time, x and y side by side.
@@ -88,7 +99,40 @@ const CGraphData* ColumnWindow::PassBlocks(const CGraphData* at, const CGraphDat
     return at;
 }
 
+// Four points at a time, two y values in one division.
+std::size_t ColumnWindow::MapBlocks(std::span<const CGraphData> data, POINT* points) const noexcept {
+    constexpr std::size_t kBlock = 4;
+    const auto load = [](const CGraphData& point) { return _mm_set_pd(point.GetYData(), point.GetXData()); };
+    const __m128d lowest = load(m_low), highest = load(m_high);
+    const auto isInside = [&](__m128d point) {
+        return _mm_and_pd(_mm_cmpge_pd(point, lowest), _mm_cmple_pd(point, highest));
+    };
+    constexpr auto kY = DataScale::kY;
+    const __m128d origin = _mm_set1_pd(m_scale.origin[kY]), length = _mm_set1_pd(m_scale.length[kY]);
+    const __m128d divisor = _mm_set1_pd(m_scale.divisor[kY]);
+    const __m128i column = _mm_set1_epi32(m_nX), edge = _mm_set1_epi32(m_scale.edge.y);
+    const auto place = [&](__m128d first, __m128d second, POINT* to) {
+        const __m128d value = _mm_unpackhi_pd(first, second);
+        const __m128d distance = _mm_div_pd(_mm_mul_pd(_mm_sub_pd(value, origin), length), divisor);
+        const __m128d kept = _mm_min_pd(_mm_max_pd(distance, _mm_set1_pd(-kFarthest)), _mm_set1_pd(kFarthest));
+        const __m128i y = _mm_add_epi32(_mm_cvttpd_epi32(kept), edge);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_unpacklo_epi32(column, y));
+    };
+    std::size_t count = 0;
+    for (; data.size() - count >= kBlock; count += kBlock) {
+        const CGraphData* const at = &data[count];
+        const __m128d a = load(at[0]), b = load(at[1]), c = load(at[2]), d = load(at[3]);
+        const __m128d isAll = _mm_and_pd(_mm_and_pd(isInside(a), isInside(b)), _mm_and_pd(isInside(c), isInside(d)));
+        if (_mm_movemask_pd(isAll) != 3) break;
+        place(a, b, points + count);
+        place(c, d, points + count + 2);
+    }
+    return count;
+}
+
 #else
+
+std::size_t ColumnWindow::MapBlocks(std::span<const CGraphData>, POINT*) const noexcept { return 0; }
 
 const CGraphData* ColumnWindow::PassBlocks(const CGraphData* at, const CGraphData*, double&, double&) const noexcept {
     return at;

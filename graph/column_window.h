@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 #include "qellib10/graph/data_scale.h"
@@ -19,13 +20,21 @@ public:
     /// @return the first point outside
     const CGraphData* Pass(std::span<const CGraphData> data, double& low, double& high) const noexcept;
 
+    /// Places the points in the window that @p data begins with, as the scale's Map does.
+    /// @param points as many as there are in @p data
+    /// @return how many are in the window
+    std::size_t Map(std::span<const CGraphData> data, POINT* points) const noexcept;
+
 private:
     bool Contains(const CGraphData& point) const noexcept {
         return point.GetXData() >= m_low.GetXData() && point.GetXData() <= m_high.GetXData() &&
                point.GetYData() >= m_low.GetYData() && point.GetYData() <= m_high.GetYData();
     }
     const CGraphData* PassBlocks(const CGraphData* at, const CGraphData* end, double& low, double& high) const noexcept;
+    std::size_t MapBlocks(std::span<const CGraphData> data, POINT* points) const noexcept;
 
+    DataScale m_scale;
+    int m_nX;                  // of the column on the surface
     CGraphData m_low, m_high;  // corners of the window; the higher one is not above the lower when it is empty
 };
 

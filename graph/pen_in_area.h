@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 
 #include "qellib10/graph/qel_graph.h"
 
@@ -28,6 +29,13 @@ public:
         if (m_nCount == m_points.size()) DrawLines();
         m_points[m_nCount++] = to;
     }
+    /// Where the next points may be put, at least two of them.
+    std::span<POINT> Room() {
+        if (m_points.size() - m_nCount < 2) DrawLines();
+        return std::span(m_points).subspan(m_nCount);
+    }
+    /// Goes to the first @p count of the points that were put there.
+    void Take(std::size_t count) { m_nCount += count; }
 
 private:
     void DrawLines() {

@@ -78,8 +78,7 @@ int CQelGraph::CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace) {
     } else if (m_pPrintJob == nullptr && IsReduced(*dc, series.GetLineStyle())) {
         qel::SolidCurve<PenInArea>(scale, isSteps, pen).Draw(series.GetData());
     } else {
-        qel::Trail<PenInArea> trail(scale, isSteps, pen);
-        for (const CGraphData& point : series.GetData()) trail.Add(point);
+        qel::Trail<PenInArea>(scale, isSteps, pen).Draw(series.GetData());
     }
     return 1;
 }

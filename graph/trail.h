@@ -1,5 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+#include <span>
+
+#include "qellib10/graph/column_window.h"
 #include "qellib10/graph/data_scale.h"
 
 namespace qel {
@@ -10,6 +15,21 @@ public:
     /// @param isSteps each value is held until the next one comes
     Trail(const DataScale& scale, bool isSteps, Pen& pen) : m_scale(scale), m_isSteps(isSteps), m_pen(pen) {}
 
+    /// All points of a series; where many are in one column only their y values are computed.
+    void Draw(std::span<const CGraphData> data) {
+        // So many points in the column before a window is worth its while.
+        constexpr int kFew = 32;
+        int count = 0;
+        while (!data.empty()) {
+            const POINT before = m_last;
+            Add(data.front());
+            data = data.subspan(1);
+            count = m_isDown && m_last.x == before.x ? count + 1 : 0;
+            if (count < kFew) continue;
+            data = DrawColumn(data);
+            count = 0;
+        }
+    }
     void Add(const CGraphData& data) {
         POINT to;
         const bool isPlaced = m_scale.Map(data, to);
@@ -24,6 +44,33 @@ public:
     }
 
 private:
+    // @return the points after those in the column's window
+    std::span<const CGraphData> DrawColumn(std::span<const CGraphData> data) {
+        const ColumnWindow window(m_scale, m_last.x - m_scale.edge.x);
+        const std::size_t stops = m_isSteps ? 2 : 1;  // of a point
+        for (;;) {
+            const std::span<POINT> room = m_pen.Room();
+            const std::size_t most = std::min(data.size(), room.size() / stops);
+            const std::size_t count = window.Map(data.first(most), room.data());
+            if (count > 0) {
+                const POINT last = room[count - 1];
+                if (m_isSteps) InsertSteps(room.data(), count);
+                m_pen.Take(count * stops);
+                m_last = last;
+            }
+            data = data.subspan(count);
+            if (count < most || data.empty()) return data;
+        }
+    }
+    // Makes two of each point, the first one at the value before it.
+    void InsertSteps(POINT* points, std::size_t count) const {
+        for (std::size_t i = count; i-- > 0;) {
+            const POINT to = points[i];
+            points[2 * i + 1] = to;
+            points[2 * i] = {to.x, i > 0 ? points[i - 1].y : m_last.y};
+        }
+    }
+
     const DataScale m_scale;
     const bool m_isSteps;
     Pen& m_pen;

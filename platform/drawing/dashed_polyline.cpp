@@ -23,28 +23,52 @@ constexpr std::size_t kBlock = 8;
 // The most rows from low to high, so that steps of a block fit into 32 bits.
 constexpr std::int64_t kMostRows = 1 << 24;
 
+#if defined(__SSE2__)
+
+// One coordinate of four points.
+enum class Axis { kX, kY };
+template <Axis kAxis> __m128i FourOf(const POINT* points) noexcept {
+    const auto load = [](const POINT* at) {
+        return _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
+    };
+    constexpr int kLanes = kAxis == Axis::kX ? _MM_SHUFFLE(2, 0, 2, 0) : _MM_SHUFFLE(3, 1, 3, 1);
+    return _mm_castps_si128(_mm_shuffle_ps(load(points), load(points + 2), kLanes));
+}
+
+#endif
+
+// How many points are in the column, before the first one that is not.
+std::size_t CountInColumn(std::span<const POINT> points, LONG column) noexcept {
+    std::size_t count = 0;
+#if defined(__SSE2__)
+    const __m128i four = _mm_set1_epi32(column);
+    while (points.size() - count >= 4 &&
+           _mm_movemask_epi8(_mm_cmpeq_epi32(FourOf<Axis::kX>(&points[count]), four)) == 0xFFFF) {
+        count += 4;
+    }
+#endif
+    while (count < points.size() && points[count].x == column) ++count;
+    return count;
+}
+
 // Steps of a block of lines up and down, from each point to the next one, or -1 when one of them starts outside the
 // rows from low to high. The last point is within them.
 std::int64_t StepsWithin(const POINT* points, std::int64_t low, std::int64_t high) noexcept {
     if (high - low > kMostRows) return -1;
 #if defined(__SSE2__)
-    // Two points at a time. Their columns are the same, so that these add nothing.
-    const auto pair = [points](std::int64_t row) {
-        const auto y = static_cast<LONG>(row);
-        return _mm_set_epi32(y, points->x, y, points->x);
-    };
-    const __m128i lowest = pair(low), highest = pair(high);
+    const __m128i lowest = _mm_set1_epi32(static_cast<LONG>(low)), highest = _mm_set1_epi32(static_cast<LONG>(high));
     __m128i isOutside = _mm_setzero_si128(), sum = _mm_setzero_si128();
-    for (std::size_t i = 0; i < kBlock; i += 2) {
-        const __m128i from = _mm_loadu_si128(reinterpret_cast<const __m128i*>(points + i));
-        const __m128i way = _mm_sub_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(points + i + 1)), from);
+    for (std::size_t i = 0; i < kBlock; i += 4) {
+        const __m128i from = FourOf<Axis::kY>(points + i);
+        const __m128i way = _mm_sub_epi32(FourOf<Axis::kY>(points + i + 1), from);
         const __m128i sign = _mm_srai_epi32(way, 31);
         sum = _mm_add_epi32(sum, _mm_sub_epi32(_mm_xor_si128(way, sign), sign));
         isOutside =
             _mm_or_si128(isOutside, _mm_or_si128(_mm_cmplt_epi32(from, lowest), _mm_cmpgt_epi32(from, highest)));
     }
     if (_mm_movemask_epi8(isOutside) != 0) return -1;
-    return _mm_cvtsi128_si32(_mm_srli_si128(sum, 4)) + _mm_cvtsi128_si32(_mm_srli_si128(sum, 12));
+    sum = _mm_add_epi32(sum, _mm_srli_si128(sum, 8));
+    return std::int64_t{_mm_cvtsi128_si32(sum)} + _mm_cvtsi128_si32(_mm_srli_si128(sum, 4));
 #else
     std::int64_t steps = 0;
     for (std::size_t i = 0; i < kBlock; ++i) {
@@ -83,8 +107,7 @@ void DashedPolyline::LineTo(const POINT& to) {
 
 void DashedPolyline::LinesTo(std::span<const POINT> points) {
     while (!points.empty()) {
-        const auto end = std::ranges::find_if(points, [x = m_at.x](const POINT& point) { return point.x != x; });
-        const auto count = static_cast<std::size_t>(end - points.begin());
+        const std::size_t count = CountInColumn(points, m_at.x);
         if (count >= kFew) {
             DrawColumn(points.first(count));
             points = points.subspan(count);

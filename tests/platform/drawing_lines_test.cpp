@@ -153,10 +153,12 @@ TEST(WidePen, PolylinesHaveThePixelsOfEachLineByCairo) {
         POINT at{within(0, kWidth), within(0, kHeight)};
         drawn.dc.MoveTo(at);
         const int spread = within(0, 3) * 4, reach = i % 20 == 0 ? 66000 : 20;
+        const bool isShallow = i % 3 == 1;
         for (int points = within(1, 6); points > 0; --points) {
             const bool isAlone = within(0, 9) == 0;  // now and then a dot
-            const POINT to{isAlone ? at.x : at.x + within(-spread, spread) / 4,
-                           isAlone ? at.y : within(-reach, kHeight + reach)};
+            const POINT steep{at.x + within(-spread, spread) / 4, within(-reach, kHeight + reach)};
+            const POINT shallow{within(-reach, kWidth + reach), at.y + within(-spread, spread) / 4};
+            const POINT to = isAlone ? at : isShallow ? shallow : steep;
             drawn.dc.LineTo(to);
             expected.Draw(at, to);
             if (within(0, 9) == 0) drawn.dc.GetPixel(0, 0);  // nothing may be held back now
