@@ -62,6 +62,7 @@ void BitmapSurface::Rebuild() {
     m_writer = PolylineWriter(m_raster, PixelOf(m_ink.penColor));
     m_writer.MoveTo(m_at);
     m_wide.MoveTo(m_at);
+    m_isWideReady = false;
     if (m_line != Line::kDashed) return;
     m_dashed = DashedPolyline(m_raster, m_ink, PixelOf(m_ink.penColor), PixelOf(m_ink.backColor));
     m_dashed.MoveTo(m_at);
@@ -97,17 +98,28 @@ void BitmapSurface::LineTo(const POINT& to) {
     } else if (m_line == Line::kDashed) {
         m_dashed.LineTo(to);
     } else if (m_line == Line::kWide) {
+        if (!m_isWideReady) PrepareWide();
         m_wide.LineTo(to, [this](const POINT& start, const POINT& end) { WideLine(start, end); });
     }
     m_at = to;
 }
 
-void BitmapSurface::WideLine(const POINT& from, const POINT& to) {
+// All memory that wide lines need is taken while whoever draws can be told that there is none: what is held back may
+// be drawn by a destructor.
+void BitmapSurface::PrepareWide() {
     const int width = m_ink.penWidth;
     if (width <= WidePen::kWidest) {
         if (!m_widePen || m_widePen->Width() != width) m_widePen.emplace(width);
-        if (m_widePen->Draw(m_raster, from, to, kCairosUnusedByte | PixelOf(m_ink.penColor))) return;
+        m_widePen->Reserve(m_raster);
     }
+    Canvas();
+    m_isWideReady = true;
+}
+
+void BitmapSurface::WideLine(const POINT& from, const POINT& to) {
+    const int width = m_ink.penWidth;
+    if (width <= WidePen::kWidest && m_widePen->Draw(m_raster, from, to, kCairosUnusedByte | PixelOf(m_ink.penColor)))
+        return;
     // A stroke a line: the picture must not depend on how many of them are drawn together.
     cairo_t* const cairo = Canvas().Begin();
     ClipTo(cairo, ClipBox());

@@ -44,6 +44,7 @@ public:
 private:
     enum class Line { kNone, kThin, kDashed, kWide };
 
+    void PrepareWide();
     void WideLine(const POINT& from, const POINT& to);
     void ThinEllipse(const CRect& box);
     CairoCanvas& Canvas();
@@ -60,6 +61,7 @@ private:
     DashedPolyline m_dashed;
     WidePolyline m_wide;
     std::optional<WidePen> m_widePen;  // made when it is needed first
+    bool m_isWideReady = false;        // whether no wide line needs more memory
     POINT m_at{0, 0};
 };
 

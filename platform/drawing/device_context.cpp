@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "qellib10/platform/drawing/handle_table.h"
@@ -48,7 +49,10 @@ DeviceContext::DeviceContext(std::unique_ptr<Surface> surface)
 }
 
 DeviceContext::~DeviceContext() {
-    m_pSurface->Flush();
+    try {
+        m_pSurface->Flush();
+    } catch (const std::bad_alloc&) {  // on a document the last lines are missing; pictures need no memory for theirs
+    }
     RemoveDrawingObject(m_hOwnBitmap);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -21,6 +23,11 @@ public:
     explicit WidePen(int width);
 
     int Width() const noexcept { return m_nWidth; }
+
+    /// Takes the memory for any line on it, so that none is needed to draw one.
+    void Reserve(const Raster& raster) {
+        m_aryRow.reserve(static_cast<std::size_t>(std::max(0, raster.bottom - raster.top)));
+    }
 
     /// Draws the line, its last point included; a dot when both points are the same.
     /// @return false when nothing was drawn because Cairo's pixels may be others: it rounds where an outline leaves the

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "qellib10/platform/drawing/file_dc.h"
-
+#include "qellib10/platform/drawing/preview_dc.h"
 #include "qellib10/print/queue_data.h"
 
 #include "../support/canvas.h"
@@ -61,6 +61,13 @@ template <class Random> void Fill(OpenGraph& graph, Random& random) {
     }
     graph.SetDivX(below(12));
     graph.SetDrawSizeStyle(below(2));
+}
+
+// The colours outside the middle of each side, so many pixels away.
+std::string AroundMiddles(Canvas& canvas, const CRect& area, int away) {
+    const int x = (area.left + area.right) / 2, y = (area.top + area.bottom) / 2;
+    return Line({canvas.At(x, area.top - away), canvas.At(x, area.bottom + away), canvas.At(area.left - away, y),
+                 canvas.At(area.right + away, y)});
 }
 
 /// A page as a program shows it, in grey.
@@ -193,11 +200,7 @@ TEST(QelGraphPrint, WideOutlinesAndCurvesAreWholeInDocumentsAndJobs) {
         CRect area = graph.m_rectDrawArea;
         canvas.dc.LPtoDP(&area);
         canvas.dc.SetMapMode(MM_TEXT);
-        const int x = (area.left + area.right) / 2, y = (area.top + area.bottom) / 2;
-        EXPECT_EQ(Line({canvas.At(x, area.top - outside), canvas.At(x, area.bottom + outside),
-                        canvas.At(area.left - outside, y), canvas.At(area.right + outside, y)}),
-                  "255 255 255 255")
-            << mode;
+        EXPECT_EQ(AroundMiddles(canvas, area, outside), "255 255 255 255") << mode;
         if (mode != 0) continue;
         document("drawn.pdf", [&](CDC& dc) { graph.GraphDraw(&dc, 0, 0); });
         CQelPrintJobQueueData printed;
@@ -206,6 +209,26 @@ TEST(QelGraphPrint, WideOutlinesAndCurvesAreWholeInDocumentsAndJobs) {
         EXPECT_EQ(folder.Read("unused.pdf"), folder.Read("drawn.pdf"));
         EXPECT_EQ(folder.Read("replayed.pdf").size(), folder.Read("drawn.pdf").size());
     }
+
+    Canvas screen(kWidth, kHeight);
+    CDC printer;
+    ASSERT_TRUE(printer.Attach(qel::CreatePdfDC(folder.Name("unused.pdf").c_str(), {})));
+    CPreviewDC preview;
+    preview.SetOutputDC(screen.dc);
+    preview.SetAttribDC(printer);
+    preview.SetTopLeftOffset({20, 10});
+    preview.SetScaleRatio(1, 2);
+    OpenGraph shown;
+    shown.SetFrameStyle({kRed, PS_SOLID, 125});  // 10 pixels
+    shown.SetDrawSize(2500, 1500);
+    shown.GraphDraw(&preview, 300, 300);
+    CPoint corner = shown.m_rectDrawArea.TopLeft(), opposite = shown.m_rectDrawArea.BottomRight();
+    for (CPoint* const at : {&corner, &opposite}) preview.PrinterDPtoScreenDP(at);
+    CRect area(corner.x, corner.y, opposite.x, opposite.y);
+    area.OffsetRect(20, 10);
+    screen.dc.SetMapMode(MM_TEXT);
+    screen.dc.SetViewportOrg(0, 0);
+    EXPECT_EQ(AroundMiddles(screen, area, 3), "255 255 255 255") << "in a preview";
 
     // The points of a wide curve, too: those in one column would leave other shades where edges are smoothed.
     OpenGraph curve;

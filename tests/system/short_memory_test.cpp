@@ -3,12 +3,14 @@
 #include <filesystem>
 #include <memory>
 
+#include "../support/canvas.h"
 #include "../support/child_process.h"
 #include "../support/failing_memory.h"
 #include "../support/interrupted.h"
 #include "qellib10/calc/calc_variable_list.h"
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/private_profile.h"
+#include "qellib10/platform/drawing/file_dc.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/whole_file.h"
 #include "qellib10/print/queue_data.h"
@@ -261,6 +263,44 @@ TEST(ShortMemory, AnAssignedListIsTheOldOrTheNew) {
         CCalcVariable found;
         EXPECT_EQ(list.GetVariableDataAtName("a", &found), 1);
         EXPECT_EQ(found.m_dValue, expected);
+    } while (left == 0);
+    EXPECT_GT(number, 1);
+}
+
+TEST(ShortMemory, WideLinesHeldBackAreDrawnWithoutIt) {
+    struct Case {
+        int penWidth, x;
+    };
+    for (const Case& c : {Case{3, 20}, Case{9, 0},  // the clip cuts the pen off
+                          Case{40, 20}}) {
+        SCOPED_TRACE(c.penWidth);
+        Canvas canvas;
+        CPen pen(PS_SOLID, c.penWidth, kRed);
+        canvas.dc.SelectObject(&pen);
+        canvas.dc.MoveTo(c.x, 5);
+        canvas.dc.LineTo(c.x, 15);
+        FailAllocation(1);
+        canvas.dc.DeleteDC();
+        FailAllocation(0);
+        canvas.dc.CreateCompatibleDC(nullptr);
+        canvas.dc.SelectObject(&canvas.bitmap);
+        EXPECT_EQ(canvas.At(c.x, 10), kRed);
+    }
+}
+
+TEST(ShortMemory, AContextOfADocumentEndsWithItsLinesOrWithoutThem) {
+    int number = 0, left = 0;
+    do {
+        CDC dc;
+        ASSERT_TRUE(dc.Attach(qel::CreatePdfDC("unused", {})));
+        dc.StartDoc("lines");
+        dc.StartPage();
+        dc.MoveTo(5, 5);
+        for (const int y : {20, 2, 10}) dc.LineTo(5, y);
+        FailAllocation(++number);
+        dc.DeleteDC();
+        left = AllocationsLeft();
+        FailAllocation(0);
     } while (left == 0);
     EXPECT_GT(number, 1);
 }
