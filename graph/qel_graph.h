@@ -30,11 +30,11 @@ struct DataScale;
 /// | 3         | the paper of a recorder: each value is held until the next one comes, time runs from left to right   |
 /// | 4         | the same with the time from right to left: the start of the x axis is at the right edge              |
 ///
-/// **Texts** stand outside the draw area. Along each side the first text of an axis (minimum, on vertical sides
-/// maximum) stands at one end, the other at the other end, the dimension in the middle. All axes of one side share the
-/// space that the largest of their texts needs: each further axis has its texts next to those of the ones before, on
-/// vertical sides a line further, in its own colours. A text that finds no room between the others is left out; none is
-/// ever cut or written over another.
+/// **Texts** are outside the draw area, and outside a wide outline as far as the margins allow. Along each side the
+/// first text of an axis (minimum, on vertical sides maximum) stands at one end, the other at the other end, the
+/// dimension in the middle. All axes of one side share the space that the largest of their texts needs: each further
+/// axis has its texts next to those of the ones before, on vertical sides a line further, in its own colours. A text
+/// that finds no room between the others is left out; none is ever cut or written over another.
 ///
 /// **Values.** A point is placed by (x - minimum) * width / |maximum - minimum|, cut to whole units and kept within
 /// 65530 of the area; so infinities are far outside, and a line goes there. The y axis is the same with its minimum at
@@ -271,6 +271,7 @@ private:
     void GridLinesDraw(CDC* dc);  ///< within the clip as it is
     static CRect InclusiveArea(const CDC& dc, CRect area);
     Side SideOf(int viewMode) const;
+    int TextDistance(int viewMode, int space) const;
     void DrawAxisValue(CDC* dc, const CAxisStyle& axis, SideUses& used, bool isMaximum, bool isFirst);
     static bool IsMaximumFirst(const CAxisStyle& axis, bool isReversed);
     int CurveDraw(CDC* dc, const CGraphDataCtrl& series, Trace trace);

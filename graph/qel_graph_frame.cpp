@@ -15,6 +15,7 @@ struct CQelGraph::Side {
     int viewMode;
     int up;  ///< what the vertical coordinate changes by from one unit to the one above
     int spaceX, spaceY;
+    int away;  ///< from the area to the texts
 
     bool IsVertical() const { return viewMode == kLabelLeft || viewMode == kLabelRight; }
     /// 0 where texts have eaten up the area: its sides lie outside the drawing then.
@@ -36,13 +37,13 @@ struct CQelGraph::Side {
         const int inField = isLeftAligned ? 0 : fieldWidth - text.cx;
         switch (viewMode) {
             case kLabelAbove:
-                return {area.left + along, area.top + up * (spaceX + text.cy)};
+                return {area.left + along, area.top + up * (away + text.cy)};
             case kLabelBelow:
-                return {area.left + along, area.bottom - up * spaceX};
+                return {area.left + along, area.bottom - up * away};
             case kLabelLeft:
-                return {area.left - spaceY - fieldWidth + inField, area.top - up * along};
+                return {area.left - away - fieldWidth + inField, area.top - up * along};
             default:
-                return {area.right + spaceY + inField, area.top - up * along};
+                return {area.right + away + inField, area.top - up * along};
         }
     }
 };
@@ -73,7 +74,25 @@ template <class Line> void ForEachDivision(int length, int divisions, const Line
 
 CQelGraph::Side CQelGraph::SideOf(int viewMode) const {
     const auto kept = [](int space) { return std::clamp(space, -qel::kFarthest, qel::kFarthest); };
-    return {m_rectDrawArea, viewMode, m_nCoordinateMode == 1 ? 1 : -1, kept(m_nLabelSpaceX), kept(m_nLabelSpaceY)};
+    const int spaceX = kept(m_nLabelSpaceX), spaceY = kept(m_nLabelSpaceY);
+    const bool isVertical = viewMode == kLabelLeft || viewMode == kLabelRight;
+    const int away = TextDistance(viewMode, isVertical ? spaceY : spaceX);
+    return {m_rectDrawArea, viewMode, m_nCoordinateMode == 1 ? 1 : -1, spaceX, spaceY, away};
+}
+
+// Texts have a background that would cut a wide outline: they move away from it, into the margin.
+int CQelGraph::TextDistance(int viewMode, int space) const {
+    if (space < 0 || !IsFrameWide()) return space;
+    const auto sideOf = [&](int above, int below, int left, int right) {
+        return viewMode == kLabelAbove   ? above
+               : viewMode == kLabelBelow ? below
+               : viewMode == kLabelLeft  ? left
+                                         : right;
+    };
+    const std::int64_t half = std::abs(std::int64_t{m_frameStyle.GetWidth()}) / 2;
+    const std::int64_t needed = half + sideOf(0, 1, 0, 1);  // the unit of the edge itself is below it, or to its right
+    const int margin = sideOf(m_nTopMargin, m_nBottomMargin, m_nLeftMargin, m_nRightMargin);
+    return space + static_cast<int>(std::clamp<std::int64_t>(needed - space, 0, std::clamp(margin, 0, qel::kFarthest)));
 }
 
 // Values grow upward, and to the right unless time runs from there.

@@ -172,6 +172,42 @@ TEST(QelGraph, AnOutlineOfAnyPenIsWholeAndTheGridStaysWithinTheArea) {
     }
 }
 
+TEST(QelGraph, TextsLeaveAWideOutlineWhole) {
+    for (int width = 2; width <= 9; ++width) {
+        SCOPED_TRACE(width);
+        Canvas drawn(200, 150), whole(200, 150);
+        OpenGraph graph;
+        graph.SetDrawSize(200, 150);
+        graph.SetFrameStyle({kRed, PS_SOLID, width});
+        for (int series = 0; series < 2; ++series) {
+            graph.SetXLabelViewMode(series, 1 + series);
+            graph.SetYLabelViewMode(series, 3 + series);
+            graph.SetXDimStr(series, "mL");
+            graph.SetYDimStr(series, "mV");
+        }
+        graph.SetDivX(0);
+        graph.SetDivY(0);
+        graph.GraphDraw(&drawn.dc, 0, 0);
+        CPen pen(PS_SOLID, width, kRed);
+        whole.dc.SelectObject(&pen);
+        const CRect& area = graph.m_rectDrawArea;
+        whole.dc.MoveTo(area.left, area.top);
+        for (const CPoint& corner : {CPoint(area.left, area.bottom), CPoint(area.right, area.bottom),
+                                     CPoint(area.right, area.top), CPoint(area.left, area.top)}) {
+            whole.dc.LineTo(corner);
+        }
+        int missing = 0, black = 0;
+        for (int y = 0; y < 150; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                missing += whole.At(x, y) == kRed && drawn.At(x, y) != kRed ? 1 : 0;
+                black += drawn.At(x, y) == 0 ? 1 : 0;
+            }
+        }
+        EXPECT_EQ(missing, 0);
+        EXPECT_GT(black, 100);  // the texts
+    }
+}
+
 TEST(QelGraph, ALongLineHasThePixelsOfAllItsPoints) {
     std::mt19937 random(7);
     const auto below = [&](int end) { return static_cast<int>(random() % static_cast<unsigned>(end)); };
