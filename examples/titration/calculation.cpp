@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "failure.h"
-#include "number.h"
 #include "text_file.h"
 
 namespace titration {
@@ -15,13 +14,8 @@ constexpr double kLargestResult = 1e15;  // beyond it a double has no decimal pl
 
 CString Text(const std::string& text) { return CString(text.c_str()); }
 
-// Formulas tell names apart without regard to letter case.
 void Add(CCalcVariableList& list, const std::string& name, double value) {
     CCalcVariable variable;
-    for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
-        if (variable.m_szName.CompareNoCase(name.c_str()) == 0)
-            throw Failure("there are two variables \"" + name + "\"");
-    }
     variable.InitParameter();
     variable.m_szName = Text(name);
     variable.m_dValue = value;
@@ -55,9 +49,11 @@ std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calc
 void RequireValid(const Settings& settings, CQWCalc& calculator) {
     if (calculator.CheckCalcFormula(Text(settings.name), Text(settings.formula)) != 0) return;
     const auto unknown = UnknownName(settings.formula, calculator);
-    if (unknown) throw Failure("the formula names \"" + *unknown + "\", which is no variable");
-    throw Failure("the formula \"" + settings.formula +
-                  "\" is not valid: its syntax, a division by zero, or over 255 bytes");
+    if (unknown) throw Failure("the formula names \"" + *unknown + "\", which is no variable; add it to [variables]");
+    throw Failure(
+        "the formula \"" + settings.formula +
+        "\" is not valid: its syntax, a division by zero, or over 255 bytes; expected names, numbers, + - * / "
+        "and brackets");
 }
 
 std::vector<std::string> UsedNames(const CCalcVariableList& list) {
@@ -67,21 +63,16 @@ std::vector<std::string> UsedNames(const CCalcVariableList& list) {
     return names;
 }
 
-std::string UnitText(const std::string& unit) {
-    const int id = ParseWholeNumber(unit).value_or(CQELResource::GetUnitID(unit.c_str()));
-    const CString text = CQELResource::GetUnitText(static_cast<UINT>(id));
-    if (text.IsEmpty()) throw Failure("there is no unit \"" + unit + "\"");
-    return std::string(text);
-}
-
 Result Compute(const Settings& settings, const CCalcVariableList& variables) {
     CQWCalc calculator;
     calculator.SetCalcVarList(variables);
     RequireValid(settings, calculator);
 
     double value = 0;
-    if (calculator.ConcCalculation(Text(settings.formula), &value) == 0) throw Failure("the formula divides by zero");
-    if (!(std::abs(value) < kLargestResult)) throw Failure("the result is too large to be written");
+    if (calculator.ConcCalculation(Text(settings.formula), &value) == 0)
+        throw Failure("the formula divides by zero; see the values in [variables]");
+    if (!(std::abs(value) < kLargestResult))
+        throw Failure("the result is too large to be written; expected one below 1e15, see the values in [variables]");
 
     Result result;
     result.computed = value;
@@ -90,7 +81,7 @@ Result Compute(const Settings& settings, const CCalcVariableList& variables) {
     result.used = UsedNames(result.variables);
     result.name = settings.name;
     result.text = CQVariant::DoubleToStr(result.value, settings.digits, 0);
-    result.unit = UnitText(settings.unit);
+    result.unit = settings.unit;
     Add(result.variables, settings.name, result.value);
     return result;
 }
@@ -100,7 +91,7 @@ Result Compute(const Settings& settings, const CCalcVariableList& variables) {
 std::string Shown(const Result& result) { return result.name + " = " + result.text + " " + result.unit; }
 
 Result Calculate(const Settings& settings, double endPointVolume) {
-    return Compute(settings, Variables(settings, endPointVolume));
+    return About(settings.formulaPlace, [&] { return Compute(settings, Variables(settings, endPointVolume)); });
 }
 
 }  // namespace titration

@@ -10,6 +10,7 @@
 #include "number.h"
 #include "printable.h"
 #include "reading.h"
+#include "text_file.h"
 
 namespace titration {
 namespace {
@@ -22,6 +23,7 @@ struct Columns {
     std::string volumeName, signalName;
     std::size_t volume = 0, signal = 0;
     bool haveNames = false;
+    std::size_t namesLine = 0, namesFields = 0;  // the line with the names, 0: none
 
     std::string Text() const { return "\"" + volumeName + "\" and \"" + signalName + "\""; }
 };
@@ -37,21 +39,29 @@ std::optional<std::size_t> ColumnNumber(const std::string& column) {
     return number && *number > 0 ? std::optional<std::size_t>(*number - 1) : std::nullopt;
 }
 
+bool IsAscii(std::string_view text) {
+    return std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+}
+
 std::optional<std::size_t> FindIn(const Row& row, const std::string& column) {
     if (const auto number = ColumnNumber(column)) return number;
-    const auto field =
-        std::ranges::find_if(row, [&](const auto& text) { return CString(text).CompareNoCase(column.c_str()) == 0; });
+    const CString plain(WithPlainCharacters(column).c_str());
+    const auto field = std::ranges::find_if(row, [&](const std::string& text) {
+        return plain.CompareNoCase(IsAscii(text) ? text.c_str() : WithPlainCharacters(text).c_str()) == 0;
+    });
     return field != row.end() ? std::optional<std::size_t>(field - row.begin()) : std::nullopt;
 }
 
 // The names are in one line; a single one may also be further up, as in "pH;7.01".
-bool FindNames(const Row& row, Columns& columns) {
+bool FindNames(const Row& row, std::size_t line, Columns& columns) {
     if (!columns.haveNames) return false;
     const auto volume = FindIn(row, columns.volumeName);
     const auto signal = FindIn(row, columns.signalName);
     if (!volume || !signal) return false;
     columns.volume = *volume;
     columns.signal = *signal;
+    columns.namesLine = line;
+    columns.namesFields = row.size();
     return true;
 }
 
@@ -59,30 +69,44 @@ std::string LineText(std::size_t number, const Row& row) {
     return "line " + std::to_string(number) + " has " + Shown(row);
 }
 
-// Of several, the line that has the most fields is likely the one with the names.
-std::string WidestLine(const std::vector<Row>& rows) {
-    const auto widest = std::ranges::max_element(rows, {}, &Row::size);
-    return LineText(static_cast<std::size_t>(widest - rows.begin()) + 1, *widest);
+// The line that has one of the names; else the first with the most fields, which is likely the one with the names.
+std::string NearestLine(const std::vector<Row>& rows, const Columns& columns) {
+    const auto hasOne = [&](const Row& row) {
+        return (!ColumnNumber(columns.volumeName) && FindIn(row, columns.volumeName)) ||
+               (!ColumnNumber(columns.signalName) && FindIn(row, columns.signalName));
+    };
+    auto nearest = std::ranges::find_if(rows, hasOne);
+    if (nearest == rows.end()) nearest = std::ranges::max_element(rows, {}, &Row::size);
+    return LineText(static_cast<std::size_t>(nearest - rows.begin()) + 1, *nearest);
 }
 
 constexpr const char* kTried = " (semicolons, tabs, commas, bars and blanks were tried)";
 
-[[noreturn]] void RefuseNames(std::string_view text, const Rows& split, const Columns& columns) {
-    std::string message = "no line has the columns " + columns.Text() + ": " + SeparatedBy(split.separator) + kTried;
-    message += split.rows.empty() ? ", the file is empty" : ", " + WidestLine(split.rows);
-    if (!IsUtf8(text)) message += "; the file is not in UTF-8 as the settings are, save it as UTF-8";
-    throw Failure(message + "; name two fields of one line in [curve] of the settings, or give their numbers");
+std::string EncodingHint(std::string_view text) {
+    return IsUtf8(text) ? ""
+                        : std::string(
+                              "; the file is not in UTF-8 as the settings are, save it as UTF-8, for example "
+                              "with ") +
+                              kToUtf8;
 }
 
-[[noreturn]] void RefuseNumbers(const Rows& split, const Columns& columns, std::size_t firstRow) {
-    std::string message = "no numbers in the columns " + columns.Text() + ": " + SeparatedBy(split.separator) + kTried;
-    const auto from = split.rows.begin() + static_cast<std::ptrdiff_t>(firstRow);
+[[noreturn]] void RefuseNames(std::string_view text, const Rows& split, const Columns& columns) {
+    throw Failure("no line has the columns " + columns.Text() + ": " + SeparatedBy(split.separator) + kTried + ", " +
+                  NearestLine(split.rows, columns) + EncodingHint(text) +
+                  "; name two fields of one line in [curve] of the settings, or give their numbers");
+}
+
+[[noreturn]] void RefuseNumbers(std::string_view text, const Rows& split, const Columns& columns) {
+    std::string message = "no numbers in the columns " + columns.Text();
+    if (columns.namesLine > 0) message += ", which line " + std::to_string(columns.namesLine) + " names";
+    message += ": " + SeparatedBy(split.separator) + kTried;
+    const auto from = split.rows.begin() + static_cast<std::ptrdiff_t>(columns.namesLine);
     const auto row = std::find_if(from, split.rows.end(), [](const Row& line) { return !IsBlankOrComment(line); });
     const std::size_t line = static_cast<std::size_t>(row - split.rows.begin()) + 1;
     message += row == split.rows.end() ? ", no line follows" : ", " + LineText(line, *row);
     throw Failure(message + "; expected a number in field " + std::to_string(columns.volume + 1) +
-                  " and one in field " + std::to_string(columns.signal + 1) +
-                  ", set other columns in [curve] of the settings");
+                  " and one in field " + std::to_string(columns.signal + 1) + EncodingHint(text) +
+                  "; set other columns in [curve] of the settings");
 }
 
 enum class Kind { kPoint, kMissing, kNote };
@@ -113,12 +137,13 @@ public:
     explicit Tables(Columns columns) : m_columns(std::move(columns)) {}
 
     void Take(const Row& row, std::size_t number) {
-        if (FindNames(row, m_columns)) {
+        if (FindNames(row, number, m_columns)) {
             m_isNew = true;
             return;
         }
         const Line line = Read(row, m_columns);
         if (line.kind == Kind::kPoint) {
+            RequireNamedFields(row, number);
             AddPoint(line, number);
             m_isAfterNote = false;
         } else if (!m_isNew) {
@@ -132,8 +157,17 @@ public:
     std::vector<Table>& Found() { return m_tables; }
 
 private:
+    // A comma that separates and is the decimal sign as well makes two fields of a number.
+    void RequireNamedFields(const Row& row, std::size_t number) const {
+        const std::size_t named = m_columns.namesFields;
+        if (named == 0 || row.size() <= named || !ReadReading(row[named])) return;
+        throw Failure(LineText(number, row) + ", and line " + std::to_string(m_columns.namesLine) + " names " +
+                      Counted(static_cast<long long>(named), "field") +
+                      "; separate the fields by semicolons where numbers have decimal commas, or name every column");
+    }
+
     void AddPoint(const Line& line, std::size_t number) {
-        if (m_isNew || (m_isAfterNote && StartsAgain(line.volume))) {
+        if (m_isNew || (m_isAfterNote && StartsAgain(line.volume)) || GoesBackToStart(line.volume)) {
             m_tables.emplace_back();
             m_tables.back().curve.firstLine = number;
             m_missing = 0;
@@ -152,6 +186,15 @@ private:
         const std::vector<double>& before = m_tables.back().curve.volume;
         const bool isFalling = before.back() < before.front();
         return isFalling ? volume > before.back() : volume < before.back();
+    }
+
+    // The next titration of a file that has nothing between two of them.
+    bool GoesBackToStart(double volume) const {
+        const std::vector<double>& before = m_tables.back().curve.volume;
+        if (before.size() < kFewestRows) return false;
+        return before.back() > before.front()   ? volume <= before.front()
+               : before.back() < before.front() ? volume >= before.front()
+                                                : false;
     }
 
     Columns m_columns;
@@ -182,7 +225,7 @@ Curve Chosen(std::vector<Table>& tables, const Columns& columns, int number, con
     const auto count = static_cast<int>(tables.size());
     if (number > count) {
         throw Failure("there is no table " + std::to_string(number) + " with the columns " + columns.Text() + ": " +
-                      Listed(tables));
+                      Listed(tables) + "; choose one of these with --table");
     }
     if (number == 0 && count > 1) {
         throw Failure("there are " + std::to_string(count) + " tables with numbers in the columns " + columns.Text() +
@@ -202,21 +245,23 @@ Curve Chosen(std::vector<Table>& tables, const Columns& columns, int number, con
 }  // namespace
 
 Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn, int table) {
+    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos)
+        throw Failure("the file is empty; expected a table of volumes and signals, measure or export it again");
     const Rows split = SplitAsWritten(text);
     const auto volume = ColumnNumber(volumeColumn), signal = ColumnNumber(signalColumn);
     Columns columns{volumeColumn, signalColumn, volume.value_or(0), signal.value_or(0), !volume || !signal};
-    std::size_t firstRow = 0;
-    if (columns.haveNames) {
-        while (firstRow < split.rows.size() && !FindNames(split.rows[firstRow], columns)) ++firstRow;
-        if (firstRow == split.rows.size()) RefuseNames(text, split, columns);
-        ++firstRow;
+    for (std::size_t i = 0; columns.haveNames && columns.namesLine == 0; ++i) {
+        if (i == split.rows.size()) RefuseNames(text, split, columns);
+        FindNames(split.rows[i], i + 1, columns);
     }
-    if (columns.volume == columns.signal) throw Failure("volume and signal are the same column");
+    if (columns.volume == columns.signal)
+        throw Failure("volume and signal are the same column, " + columns.Text() +
+                      "; name two columns in [curve] of the settings");
 
     Tables tables(columns);
-    for (std::size_t i = firstRow; i < split.rows.size(); ++i) tables.Take(split.rows[i], i + 1);
+    for (std::size_t i = columns.namesLine; i < split.rows.size(); ++i) tables.Take(split.rows[i], i + 1);
     if (!columns.haveNames) DropRowsBeforeTable(tables.Found());
-    if (tables.Found().empty()) RefuseNumbers(split, columns, firstRow);
+    if (tables.Found().empty()) RefuseNumbers(text, split, columns);
     return Chosen(tables.Found(), columns, table, split.rows);
 }
 

@@ -34,7 +34,7 @@ Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& m
     const std::string name = isKept ? "method.xml" : options.settings;
     Log(stage::kMethod + name);
     if (!isKept) RequireOrdinaryFile(name);
-    const Method method = isKept ? file.Kept() : About(name, [&] { return ReadMethodIni(name); });
+    const Method method = isKept ? file.Kept() : ReadMethodIni(name);
     const CQDiffList changes = Differences(file.Kept(), method);
     if (changes.GetCount() > 0 && !session.May(kChangeMethod))
         throw Failure(session.Operator() + " may not change the method");

@@ -74,7 +74,13 @@ char SeparatorOf(const std::vector<std::string_view>& lines) {
         most = found;
         best = separator.character;
     }
-    return best;
+    if (most.rows > 0) return best;
+    const auto first = std::ranges::find_if(kSeparators, [&](const Separator& separator) {
+        return std::ranges::any_of(lines, [&](std::string_view line) {
+            return Trimmed(line).find(separator.character) != std::string_view::npos;
+        });
+    });
+    return first != std::end(kSeparators) ? first->character : best;
 }
 
 }  // namespace

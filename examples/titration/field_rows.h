@@ -16,7 +16,8 @@ struct Rows {
 };
 
 /// Splits @p text at semicolons, tabs, commas, bars or runs of blanks, whichever gives the most lines with two numbers;
-/// of several the first. Fields may be in quotation marks.
+/// of several the first. Where no line has two numbers, the first that is there at all counts. Fields may be in
+/// quotation marks.
 Rows SplitAsWritten(std::string_view text);
 
 /// "separated by semicolons"

@@ -29,6 +29,12 @@ std::string TextOf(const Method& method, const std::string& section, const std::
     return item != nullptr ? item->text : otherwise;
 }
 
+std::string PlaceOf(const Method& method, const std::string& section, const std::string& key) {
+    const MethodItem* const item = Find(method, section, key);
+    const bool hasLine = item != nullptr && item->line > 0;
+    return (hasLine ? "line " + std::to_string(item->line) + ", [" : "[") + section + "] " + key;
+}
+
 CQDiffList Differences(const Method& before, const Method& after) {
     CQDiffList list;
     for (const MethodItem& item : before) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +28,7 @@ namespace titration {
 ///     high = 55
 struct MethodItem {
     std::string section, key, text;
+    std::size_t line = 0;  // of the settings file; 0 in a method that is kept
 };
 using Method = std::vector<MethodItem>;
 
@@ -39,6 +41,9 @@ inline constexpr std::pair<const char*, const char*> kKeys[] = {
 /// The text of an item; @p otherwise when there is none.
 std::string TextOf(const Method& method, const std::string& section, const std::string& key,
                    const std::string& otherwise = "");
+
+/// Where an item is, for messages: "line 7, [result] digits", or "[result] digits" where no line is known.
+std::string PlaceOf(const Method& method, const std::string& section, const std::string& key);
 
 /// The items that are not in both, or not with the same text. One that is missing has the empty text there.
 CQDiffList Differences(const Method& before, const Method& after);

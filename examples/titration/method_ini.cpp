@@ -1,68 +1,100 @@
 #include "method_ini.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "failure.h"
+#include "ini_places.h"
 #include "printable.h"
+#include "text_file.h"
 
 namespace titration {
 namespace {
 
-std::string Bracketed(const char* section) { return "[" + std::string(section) + "]"; }
+bool SameName(const std::string& a, const std::string& b) { return CString(a.c_str()).CompareNoCase(b.c_str()) == 0; }
 
-// The keys of a section in the order of the file. A repeated one would be passed over in silence.
-std::vector<CString> KeysOf(const CPrivateProfile& ini, const char* section) {
-    CStringArray lines;
-    if (ini.GetAllStrings(section, lines) == 0) throw Failure(Bracketed(section) + " is too long");
-    std::vector<CString> keys;
-    for (int i = 0; i < lines.GetSize(); ++i) {
-        CString line = lines.GetAt(i);
-        if (line.Find('=') < 0) throw Failure("\"" + std::string(line) + "\" is not name = value");
-        const CString key = CQVariant::Split(line, '=');
-        if (std::ranges::any_of(keys, [&](const CString& other) { return other.CompareNoCase(key) == 0; }))
-            throw Failure("\"" + std::string(key) + "\" stands twice in " + Bracketed(section));
-        keys.push_back(key);
+bool IsIn(const IniPlace& place, const char* section) { return SameName(place.section, section); }
+
+// The names that may be in a section, or of the sections for the empty text.
+std::string NamesIn(const std::string& section) {
+    std::string names;
+    std::string before;
+    for (const auto& [itsSection, key] : kKeys) {
+        const std::string name = section.empty() ? "[" + std::string(itsSection) + "]" : key;
+        if ((section.empty() || SameName(section, itsSection)) && name != before)
+            names += (names.empty() ? "" : ", ") + name;
+        before = name;
     }
-    return keys;
+    return section.empty() ? names + ", [" + kVariables + "]" : names;
 }
 
-// A misspelt key would be passed over in silence, too.
-void RequireKnownKeys(const CPrivateProfile& ini, const char* section) {
-    for (const CString& key : KeysOf(ini, section)) {
-        const bool isKnown = std::ranges::any_of(kKeys, [&](const auto& known) {
-            return known.first == std::string_view(section) && key.CompareNoCase(known.second) == 0;
+void RequireKnownSection(const IniPlace& place) {
+    const bool isKnown = IsIn(place, kVariables) ||
+                         std::ranges::any_of(kKeys, [&](const auto& known) { return IsIn(place, known.first); });
+    if (!isKnown) throw Failure(place.Text() + ": is in no known section; expected one of " + NamesIn(""));
+}
+
+void RequireKnownKey(const IniPlace& place) {
+    if (!place.hasValue)
+        throw Failure(place.Text() + ": expected name = value; put a semicolon before it if it is a comment");
+    const bool isKnown = IsIn(place, kVariables) || std::ranges::any_of(kKeys, [&](const auto& known) {
+                             return IsIn(place, known.first) && SameName(place.key, known.second);
+                         });
+    if (!isKnown) throw Failure(place.Text() + ": has no meaning there; expected one of " + NamesIn(place.section));
+}
+
+// What is misspelt or repeated would be passed over in silence, and a result signed without its limits.
+void RequireKnownOnce(const std::vector<IniPlace>& places) {
+    for (const IniPlace& place : places) {
+        RequireKnownSection(place);
+        if (!place.key.empty() || place.hasValue) RequireKnownKey(place);
+        const auto first = std::ranges::find_if(places, [&](const IniPlace& other) {
+            return IsIn(other, place.section.c_str()) && SameName(other.key, place.key) &&
+                   other.hasValue == place.hasValue;
         });
-        if (!isKnown) throw Failure("\"" + std::string(key) + "\" has no meaning in " + Bracketed(section));
+        if (first->line != place.line)
+            throw Failure(place.Text() + ": is in line " + std::to_string(first->line) + " already; " +
+                          (place.key.empty() ? "put all of it into one section" : "remove one of them"));
     }
 }
 
 // A name or value in another encoding loses bytes in the XML document that keeps the method, so that the result could
 // not be computed again from there.
-const std::string& RequireUtf8(const std::string& text, const std::string& section, const std::string& key) {
-    if (IsUtf8(text) && IsUtf8(key)) return text;
-    throw Failure(
-        "[" + section + "] " + key + " = " + text +
-        ": is not in UTF-8; save the settings as UTF-8, for example with iconv -f LATIN1 -t UTF-8 (-f CP932 for "
-        "Japanese)");
+void RequireUtf8(const MethodItem& item, const IniPlace& place) {
+    if (IsUtf8(item.text) && IsUtf8(item.key)) return;
+    throw Failure(place.Text() + " = " + item.text +
+                  ": is not in UTF-8; save the settings as UTF-8, for example with " + kToUtf8);
 }
 
 }  // namespace
 
 Method ReadMethodIni(const std::string& path) {
-    if (CQFile::IsExist(path.c_str()) == 0) throw Failure("there is no such file");
+    const std::string text = ReadTextFile(path);
+    if (text.find('\r') != std::string::npos && text.find('\n') == std::string::npos)
+        throw Failure(path + ": its lines end with CR alone; save it with LF or CR LF");
     const CPrivateProfile ini(qel::FullPath(path));  // a name without a folder would mean the Windows folder
-    for (const char* section : {"curve", "result", "limits"}) RequireKnownKeys(ini, section);
-
-    Method method;
-    for (const auto& [section, key] : kKeys) {
-        const CString text = ini.Get(section, key, "");
-        if (!text.IsEmpty()) method.push_back({section, key, RequireUtf8(std::string(text), section, key)});
-    }
-    for (const CString& key : KeysOf(ini, kVariables)) {
-        const std::string name(key), text(ini.Get(kVariables, key, ""));
-        method.push_back({kVariables, name, RequireUtf8(text, kVariables, name)});
-    }
-    return method;
+    return About(path, [&] {
+        const std::vector<IniPlace> places = PlacesIn(text);
+        RequireKnownOnce(places);
+        Method method;
+        const auto take = [&](const std::string& section, const std::string& key, const IniPlace& place) {
+            MethodItem item{section, key, std::string(ini.Get(section.c_str(), key.c_str(), "")), place.line};
+            RequireUtf8(item, place);
+            return item;
+        };
+        for (const auto& [section, key] : kKeys) {
+            const auto place = std::ranges::find_if(places, [&, section = section, key = key](const IniPlace& one) {
+                return IsIn(one, section) && SameName(one.key, key);
+            });
+            if (place == places.end()) continue;
+            MethodItem item = take(section, key, *place);
+            if (!item.text.empty()) method.push_back(std::move(item));
+        }
+        for (const IniPlace& place : places) {
+            if (IsIn(place, kVariables) && place.hasValue) method.push_back(take(kVariables, place.key, place));
+        }
+        return method;
+    });
 }
 
 }  // namespace titration

@@ -6,10 +6,9 @@
 
 namespace titration {
 
-/// Reads a method from an INI file, in which names match without regard to case and of two sections with one name the
-/// first counts.
-/// @throws Failure when there is no such file, when a key is unknown or given twice, and when a name or value is not in
-/// UTF-8
+/// Reads a method from an INI file, in which names match without regard to case.
+/// @throws Failure, with the file's name and the line, when the file cannot be read, when a section or key is unknown
+/// or given twice, and when a name or value is not in UTF-8
 Method ReadMethodIni(const std::string& path);
 
 }  // namespace titration

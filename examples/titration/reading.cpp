@@ -1,6 +1,7 @@
 #include "reading.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include <qellib10/qellib10.h>
@@ -12,20 +13,17 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::size_t kLongestUnit = 8;
+constexpr double kNoReading = 9.9e37;  // for an infinity, and 9.91e37 for no number; also with a decimal comma
 
 struct Replacement {
     std::string_view from, to;
 };
-constexpr Replacement kPlain[] = {{"\u2212", "-"}, {"\u00A0", " "}, {"\u202F", " "}, {"\u2009", " "}, {"\u2019", "'"}};
+constexpr Replacement kPlain[] = {{"\u2212", "-"}, {"\u00A0", " "}, {"\u202F", " "},
+                                  {"\u2009", " "}, {"\u2019", "'"}, {"\u03BC", "\u00B5"}};
 
-std::string WithPlainCharacters(std::string_view text) {
-    std::string plain(text);
-    for (const auto& [from, to] : kPlain) {
-        for (std::size_t at = 0; (at = plain.find(from, at)) != std::string::npos; at += to.size()) {
-            plain.replace(at, from.size(), to);
-        }
-    }
-    return plain;
+std::optional<double> ReadPlain(std::string_view text) {
+    const auto number = qel::ReadNumber(text);
+    return number && std::abs(*number) < kNoReading ? number : std::nullopt;
 }
 
 bool IsDigit(char c) { return kDigits.find(c) != std::string_view::npos; }
@@ -53,20 +51,30 @@ std::optional<double> ReadGrouped(std::string_view text) {
         if (isOnlySign || !IsGrouped(text.substr(0, end), separator)) continue;
         std::string plain(text);
         std::erase(plain, separator);
-        return qel::ReadNumber(plain);
+        return ReadPlain(plain);
     }
     return std::nullopt;
 }
 
 std::optional<double> ReadValue(std::string_view text) {
-    const auto number = qel::ReadNumber(text);
+    const auto number = ReadPlain(text);
     return number ? number : ReadGrouped(Trimmed(text));
 }
 
 }  // namespace
 
+std::string WithPlainCharacters(std::string_view text) {
+    std::string plain(text);
+    for (const auto& [from, to] : kPlain) {
+        for (std::size_t at = 0; (at = plain.find(from, at)) != std::string::npos; at += to.size()) {
+            plain.replace(at, from.size(), to);
+        }
+    }
+    return plain;
+}
+
 std::optional<double> ReadReading(std::string_view text) {
-    if (const auto number = qel::ReadNumber(text)) return number;
+    if (const auto number = ReadPlain(text)) return number;
     const std::string plain = WithPlainCharacters(text);
     const std::string_view value = Trimmed(plain);
     if (const auto number = ReadValue(value)) return number;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace titration {
@@ -13,7 +14,12 @@ namespace titration {
 ///     1,234.5        with thousands set apart by the other sign, by an apostrophe or by blanks, no-break ones too;
 ///     1 234,5        a single sign alone is the decimal sign: "1,234" is 1.234
 ///
-/// @return nothing when the text is anything else, so that no other value is read in its place
+/// @return nothing when the text is anything else, so that no other value is read in its place; also for 9.9E37,
+/// -9.9E37 and 9.91E37, which instruments send in place of a reading
 std::optional<double> ReadReading(std::string_view text);
+
+/// @p text with plain characters in place of those that look the same: no-break blanks, U+2212, and the Greek mu of
+/// units
+std::string WithPlainCharacters(std::string_view text);
 
 }  // namespace titration

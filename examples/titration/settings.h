@@ -21,13 +21,14 @@ struct Settings {
     std::string endPoint;
     std::string name;
     std::string formula;
-    std::string unit;
+    std::string formulaPlace;  // for messages
+    std::string unit;          // as it is written
     int digits = 0;
     int variableDigits = -1;  // below 0: not rounded
     std::optional<double> low, high;
 };
 
-/// @throws Failure when an item has no text of its kind, and when one is missing
+/// @throws Failure with the place of an item that has no text of its kind, or is missing
 Settings ParseSettings(const Method& method);
 
 }  // namespace titration

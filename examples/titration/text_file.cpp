@@ -15,10 +15,22 @@ constexpr ULONGLONG kLargestFile = 64 << 20;
 std::string ReadWhole(const std::string& path) {
     CFile file;
     OpenForReading(file, path);
-    if (file.GetLength() > kLargestFile) throw Failure(path + ": larger than 64 MiB");
+    if (file.GetLength() > kLargestFile)
+        throw Failure(path + ": has " + std::to_string(file.GetLength()) +
+                      " bytes, and at most 64 MiB are read; keep the table alone in the file");
     std::string text(file.GetLength(), '\0');
     text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
     return text;
+}
+
+std::string FromLittleEndian(std::string_view bytes) {
+    std::u16string text;
+    text.reserve(bytes.size() / 2);
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const auto low = static_cast<unsigned char>(bytes[i]), high = static_cast<unsigned char>(bytes[i + 1]);
+        text += static_cast<char16_t>(low | high << 8);
+    }
+    return qel::FromUtf16(text);
 }
 
 }  // namespace
@@ -38,7 +50,11 @@ std::string ReadBytes(const std::string& path) {
 
 std::string ReadTextFile(const std::string& path) {
     std::string text = ReadBytes(path);
-    if (text.find('\0') != std::string::npos) throw Failure(path + ": no text in single bytes or UTF-8");
+    if (text.starts_with("\xFF\xFE")) text = FromLittleEndian(std::string_view(text).substr(2));
+    const std::size_t zero = text.find('\0');
+    if (zero != std::string::npos)
+        throw Failure(path + ": byte " + std::to_string(zero + 1) +
+                      " is zero, so it is no text, or UTF-16 in the other byte order; save it as UTF-8");
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     return text;
 }
@@ -62,11 +78,10 @@ std::vector<std::string_view> Lines(std::string_view text) {
     return lines;
 }
 
-std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t";
-    const std::size_t first = text.find_first_not_of(kBlanks);
+std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+    const std::size_t first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 }  // namespace titration

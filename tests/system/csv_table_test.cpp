@@ -43,8 +43,26 @@ TEST(Reading, IsReadAsItIsWritten) {
                                                                    {"1'234.5", 1234.5}}) {
         EXPECT_EQ(titration::ReadReading(text), expected) << text;
     }
-    for (const char* const text : {"", "-", "---.-", "mL", "1 2", "1,23,4", "12,34.5", "1234,567.8", "1.2.3", "7.1*",
-                                   "2.00 mL in 50 mL", "12:30", "2026-01-02", "nan", "inf", "1e999", "5 of these days"})
+    for (const char* const text : {"",
+                                   "-",
+                                   "---.-",
+                                   "mL",
+                                   "1 2",
+                                   "1,23,4",
+                                   "12,34.5",
+                                   "1234,567.8",
+                                   "1.2.3",
+                                   "7.1*",
+                                   "2.00 mL in 50 mL",
+                                   "12:30",
+                                   "2026-01-02",
+                                   "nan",
+                                   "inf",
+                                   "1e999",
+                                   "9.9E37",
+                                   "-9.9E37",
+                                   "9.91E37",
+                                   "5 of these days"})
         EXPECT_FALSE(titration::ReadReading(text)) << text;
 }
 
@@ -79,6 +97,9 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
              {two, 3, "there is no table 3 with"},
              {turned, 2, "5-5/0: 3"},
              {"V,U\n" + kFive + "\n" + kFive, 0, "there are 2 tables"},
+             {"V,U\n" + kFive + kFive, 2, "7-11/0: 1 2 3 4 5"},
+             {"V,U\n1,1,1,1,7,1\n", 0,
+              "line 2 has \"1\" \"1\" \"1\" \"1\" \"7\" \"1\", and line 1 names 2 fields; separate"},
              {"V,U\n" + spoilt, 0, "after the last point in line 6, 2 lines cannot be read: line 7 has \"6\" \"9.1*\""},
              {"V,U\n" + spoilt, 1, "2-6/0: 1 2 3 4 5"}}) {
         EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
@@ -90,9 +111,15 @@ TEST(CurveTable, SaysWhatWasFoundInstead) {
              {"t;V;pH\n" + kFive, "mV",
               "separated by commas (semicolons, tabs, commas, bars and blanks were tried), line 2 has \"1\" \"7\""},
              {"t,V,pH\n0,1,x\n", "pH", "line 2 has \"0\" \"1\" \"x\"; expected a number in field 1 and one in field 3"},
-             {"Me\xDFwerte,\xB5\n1,2\n", "\u00B5", "the file is not in UTF-8 as the settings are"},
-             {"1,a\n", "2", "line 1 has \"1,a\"; expected a number in field 1 and one in field 2"},
-             {"", "2", "no line follows"}}) {
+             {"a;b;c\nMe\xDFwerte;V\n1;2\n", "\u00B5",
+              "the file is not in UTF-8 as the settings are, save it as UTF-8, for example with iconv"},
+             {"a;b;c\nU;\u03BCL\n", "\u00B5L",
+              "which line 2 names: separated by semicolons (semicolons, tabs, commas, bars and blanks were tried), no "
+              "line follows"},
+             {"a;b;c;d\nV;pH\n", "p", "line 1 has"},
+             {"t,V\nV,1\u00A0000\xA0\n", "V", "the file is not in UTF-8"},
+             {"1,a\n", "2", "line 1 has \"1\" \"a\"; expected a number in field 1 and one in field 2"},
+             {" \r\n", "2", "the file is empty"}}) {
         EXPECT_NE(Read(text, "1", signal).find(expected), std::string::npos) << Read(text, "1", signal);
     }
 }

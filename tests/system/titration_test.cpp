@@ -14,6 +14,7 @@
 #include <qellib10/qellib10.h>
 
 #include "../support/cases.h"
+#include "../support/code_page_scope.h"
 #include "../support/line.h"
 #include "../support/output_of.h"
 #include "../support/print_system.h"
@@ -313,7 +314,7 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     // With sums that fit, what is made again tells.
     const std::string sums = m_folder.Read("results/made.ini");
     for (const auto& [name, damage, finding] : Cases<std::string, Damage, std::string>{
-             {"curve-1.csv", cut(0), "version 1 in results.hcf: curve-1.csv: no "},
+             {"curve-1.csv", cut(0), "version 1 in results.hcf: curve-1.csv: the file is empty"},
              {"method-1.xml", [](std::string& method) { method += "more"; }, "method-1.xml: has other bytes than its "},
              {"curve-1.csv", flipIn("9.31"), "version 1 in results.hcf: its values are not those that "},
              {"report.txt", flipIn("49.6 g"), "report.txt: differs from what is made again"},
@@ -424,41 +425,83 @@ TEST_F(Titration, VerifiesTheTableThatWasChosen) {
     EXPECT_NE(Run("--verify --out two").out.find("FAILED: version 1 in results.hcf: "), std::string::npos);
 }
 
+// What is signed is found right afterwards, in whichever encoding the names were.
+TEST_F(Titration, VerifiesWhatItReadInAnyEncoding) {
+    const std::string curve = Table(Curve(100), ";"), both = "[curve]\nvolume = %s\nsignal = U\n";
+    const std::string ascii = "[curve]\nvolume = 1\nsignal = 2\n", utf8 = "\u4F53\u7A4D\u00B5";
+    const auto utf16 = [](const std::string& text) {
+        const CodePageScope page(qel::kCodePageUtf8);
+        std::string bytes = "\xFF\xFE";
+        for (const char16_t unit : qel::ToUtf16(text)) bytes += {static_cast<char>(unit), static_cast<char>(unit >> 8)};
+        return bytes;
+    };
+    const std::string settings = Settings("EP", Replaced(both, "%s", utf8)), table = utf8 + ";U\n" + curve;
+    const Cases<const char*, std::string, std::string, int> cases = {
+        {"UTF-8", table, settings, 0},
+        {"marked UTF-8", "\xEF\xBB\xBF" + table, "\xEF\xBB\xBF" + settings, 0},
+        {"UTF-16", utf16(table), utf16(settings), 0},
+        {"Latin-1", "\xB5;U\n" + curve, Settings("EP", Replaced(both, "%s", "\xB5")), 1},
+        {"932", "\x91\xCC\x90\xCF;U\n" + curve, Settings("EP", Replaced(both, "%s", "\x91\xCC\x90\xCF")), 1},
+        {"data in Latin-1", "\xB5;U\n" + curve, Settings("EP", ascii), 0},
+        {"comments in 932", "\x91\xCC;U\n" + curve, "; \x91\xCC\n" + Settings("EP", ascii), 0},
+    };
+    for (const auto& [name, data, ini, status] : cases) {
+        SCOPED_TRACE(name);
+        std::filesystem::remove_all(m_folder.Posix("results"));
+        const Outcome run = Run(data, ini);
+        EXPECT_EQ(run.status, status) << run.err;
+        if (status != 0) continue;
+        EXPECT_NE(Run("--verify --out results/first").out.find(", all right\n"), std::string::npos);
+    }
+}
+
 TEST_F(Titration, RefusesWrongInputInOneLine) {
     const std::string good = Table(Curve(100));
     const Cases<std::string, std::string, const char*> cases = {
-        {"", Settings("EP"), "data.csv: no numbers in the columns"},
+        {"\n \n", Settings("EP"), "data.csv: the file is empty; expected a table"},
         {"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
         {Table(Curve(-100, 10)), Settings("EP"), "is uncertain: noise of 5."},
         {"1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n", Settings("EP"), "data.csv: no end point"},
-        {std::string("\xFF\xFE"
-                     "1\0,\0",
-                     6),
-         Settings("EP"), "data.csv: no text in single bytes or UTF-8"},
+        {std::string("\0001,7\n", 5), Settings("EP"), "data.csv: byte 1 is zero, so it is no text, or UTF-16 in"},
         {good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no line has the columns \"1\" and \"pH\""},
         {good, Settings("EP", "[curve]\nsignal = 3\n"), "data.csv: no numbers in the columns \"1\" and \"3\""},
         {good, Settings("EP", "[curve]\nsignal = 1\n"), "data.csv: volume and signal are the same column"},
-        {good, Settings("(EP - BLANK) * F"), "settings.ini: the formula names \"BLANK\", which is no variable"},
-        {good, Settings("(EP * F"), "settings.ini: the formula \"(EP * F\" is not valid"},
-        {good, Settings("EP / 0"), "settings.ini: the formula \"EP / 0\" is not valid"},
-        {good, Settings("EP / ZERO"), "settings.ini: the formula divides by zero"},
+        {good, Settings("(EP - BLANK) * F"),
+         "settings.ini: line 9, [result] formula: the formula names \"BLANK\", which is no variable; add it"},
+        {good, Settings("(EP * F"), "settings.ini: line 9, [result] formula: the formula \"(EP * F\" is not valid"},
+        {good, Settings("EP / 0"), "line 9, [result] formula: the formula \"EP / 0\" is not valid"},
+        {good, Settings("EP / ZERO"), "line 9, [result] formula: the formula divides by zero"},
         {good, Settings("EP + " + std::string(255, '0')), "is not valid"},
-        {good, Replaced(Settings("EP"), "ZERO", "ep"), "settings.ini: there are two variables \"EP\""},
-        {good, Replaced(Settings("EP"), "ZERO", "f"), "settings.ini: \"f\" stands twice in [variables]"},
-        {good, Replaced(Settings("EP"), "ZERO", "2F"), "settings.ini: \"2F\" cannot be a name"},
-        {good, Settings("EP", "color = red\n"), "settings.ini: \"color\" has no meaning in [result]"},
+        {good, Replaced(Settings("EP"), "ZERO", "ep"),
+         "settings.ini: line 5, [result] end_point: there are two variables \"EP\"; rename"},
+        {good, Replaced(Settings("EP"), "ZERO", "f"),
+         "settings.ini: line 3, [variables] f: is in line 2 already; remove one of them"},
+        {good, Replaced(Settings("EP"), "ZERO", "2F"), "settings.ini: line 3, [variables] 2F: \"2F\" cannot be a name"},
+        {good, Settings("EP", "color = red\n"),
+         "settings.ini: line 10, [result] color: has no meaning there; expected one of end_point, name,"},
         {good, Settings("EP", "\x1B[31m\xC2\x9B\xFF\u00B5 = red\n"),
-         "settings.ini: \"?[31m???\u00B5\" has no meaning in"},
-        {good, Settings("\xC4", "[variables]\n\xC4 = 1\n"),
-         "settings.ini: [result] formula = ?: is not in UTF-8; save the settings as UTF-8"},
-        {good, Settings("EP", "color\n"), "settings.ini: \"color\" is not name = value"},
-        {good, Replaced(Settings("EP"), "= 1", "= one"), "settings.ini: \"one\" is no number"},
-        {good, Replaced(Settings("EP"), "= 3", "= 99"), "settings.ini: \"99\" is no whole number"},
-        {good, Replaced(Settings("EP"), "= mL", "= furlong"), "settings.ini: there is no unit \"furlong\""},
-        {good, "[result]\n", "settings.ini: [result] has no end_point"},
-        {good, Settings("EP", "[limits]\nlow = 2\nhigh = 1\n"), "settings.ini: the low limit is above the high one"},
+         "settings.ini: line 10, [result] ?[31m???\u00B5: has no meaning there"},
+        {good, Settings("\xC4"),
+         "settings.ini: line 9, [result] formula = ?: is not in UTF-8; save the settings as UTF-8"},
+        {good, Replaced(Settings("EP"), "ZERO", "\x97\xDA"),
+         "settings.ini: line 3, [variables] ?? = 0: is not in UTF-8"},
+        {good, Settings("EP", "[limit]\nlow = 1\n"),
+         "settings.ini: line 10, [limit]: is in no known section; expected one of [curve], [result], [limits], "
+         "[variables]"},
+        {good, Settings("EP", "[variables]\n"),
+         "settings.ini: line 10, [variables]: is in line 1 already; put all of it"},
+        {good, Settings("EP", "color\n"), "settings.ini: line 10, [result] color: expected name = value; "},
+        {good, Replaced(Settings("EP"), "= 1", "= one"),
+         "settings.ini: line 2, [variables] F: \"one\" is no number; expected one like 1.25"},
+        {good, Replaced(Settings("EP"), "= 3", "= 99"),
+         "settings.ini: line 8, [result] digits: \"99\" is no whole number; expected one from 0 to 12"},
+        {good, Replaced(Settings("EP"), "= mL", "= furlong"),
+         "settings.ini: line 7, [result] unit: there is no unit \"furlong\"; expected"},
+        {good, "[result]\n", "settings.ini: [result] end_point is missing; add a line \"end_point = ...\" to [result]"},
+        {good, Settings("EP", "[limits]\nlow = 2\nhigh = 1\n"),
+         "settings.ini: line 11, [limits] low = 2: is above the high limit, 1; exchange the two"},
     };
     for (const auto& [data, settings, message] : cases) {
         const Outcome run = Run(data, settings);
