@@ -104,14 +104,31 @@ double ErrorOfTop(const Readings& x, const Readings& y, double direction, double
     return error;
 }
 
+double SlopeAfter(const Points& points, std::size_t i, double direction) {
+    return direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]);
+}
+
 std::size_t SteepestInterval(const Points& points, double direction) {
     std::size_t at = 0;
     double steepest = 0;
     for (std::size_t i = 0; i + 1 < points.x.size(); ++i) {
-        const double slope = direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]);
+        const double slope = SlopeAfter(points, i, direction);
         if (slope > steepest) at = i, steepest = slope;
     }
     return at;
+}
+
+// Where an interval that is no neighbour could be as steep, the step is not sharp, and noise chose the place.
+bool IsPeak(const Points& points, std::size_t at, double direction, double noise) {
+    const auto error = [&](std::size_t i) {
+        return kCertainty * std::numbers::sqrt2 * noise / (points.x[i + 1] - points.x[i]);
+    };
+    const double steepest = SlopeAfter(points, at, direction);
+    for (std::size_t i = 0; i + 1 < points.x.size(); ++i) {
+        const bool isNear = i + 1 >= at && i <= at + 1;
+        if (!isNear && SlopeAfter(points, i, direction) + std::hypot(error(i), error(at)) > steepest) return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -131,7 +148,8 @@ std::optional<Step> SharpStep(const Points& points, double direction, double noi
         slopes[i] = std::max(slopes[i], error);
     }
     if (!areCertain && !isAlone) return std::nullopt;
-    areCertain = areCertain && std::max(x[1] - x[0], x[3] - x[2]) <= kUneven * (x[2] - x[1]);
+    areCertain = areCertain && IsPeak(points, at, direction, noise) &&
+                 std::max(x[1] - x[0], x[3] - x[2]) <= kUneven * (x[2] - x[1]);
     const auto stepOf = [&](Shape shape) {
         const double top = TopOf(x, slopes, shape);
         Step step{std::clamp(top, x[1], x[2]), 0, direction * slopes[1], kReadings, 0, x[2] - x[1]};

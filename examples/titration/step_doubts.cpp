@@ -96,6 +96,8 @@ private:
         const std::vector<Window> windows = Windows();
         for (const Window& window : windows) add(With(farOnly, window));
         if (ways.empty()) {
+            // What is left out already may be part of another place.
+            for (const Window& window : windows) add(With(m_curve.strays, window));
             for (std::size_t i = 0; i < windows.size(); ++i) {
                 for (std::size_t j = 0; j < i; ++j) {
                     if (windows[i].Size() + windows[j].Size() <= kMostStrays)

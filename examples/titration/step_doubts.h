@@ -19,9 +19,9 @@ struct Judged {
 Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut);
 
 /// Whether strays near a step leave its place open. A reading next to a stray may be the stray itself: raised readings
-/// just before a step look like a low one just after it. So each one to three neighbouring readings (twice so, where
-/// one place is not enough) are left out in turn; wherever that leaves a clean step, it must be at the same place, and
-/// so it must be with the next reading on either side left out as well.
+/// just before a step look like a low one just after it. So each one to three neighbouring readings (twice so, or
+/// besides those that leave the curve, where one place is not enough) are left out in turn; wherever that leaves a
+/// clean step, it must be at the same place, and so it must be with the next reading on either side left out as well.
 bool IsPlaceOpen(const Judged& curve, const Step& step);
 
 }  // namespace titration
