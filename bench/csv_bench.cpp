@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "qellib10/base/q_csv_file.h"
+#include "qellib10/file/q_csv_file.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/endian.h"
-#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/ini/ini_file.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/text/number_scan.h"
 

@@ -5,7 +5,7 @@
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/archive/result.h"
-#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/ini/ini_file.h"
 #include "qellib10/platform/storage/make_folders.h"
 #include "qellib10/runtime/system_info.h"
 

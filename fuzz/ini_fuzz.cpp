@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
-#include "qellib10/platform/storage/ini_edit.h"
-#include "qellib10/platform/storage/ini_index.h"
+#include "qellib10/platform/ini/ini_edit.h"
+#include "qellib10/platform/ini/ini_index.h"
 #include "qellib10/platform/text/multibyte.h"
 
 #include "law.h"

@@ -29,7 +29,8 @@ public:
     /// A context in memory like @p dc (null: like the screen, 96 dots an inch), with a picture of 1 x 1 until a bitmap
     /// is selected. @return 0 when this object has a handle
     BOOL CreateCompatibleDC(CDC* dc);
-    /// A context of a printer, as the function of this name makes it. @return 0 also when this object has a handle
+    /// A context of a printer, as the function of this name makes it; defined beside that, in platform/printing.
+    /// @return 0 also when this object has a handle
     BOOL CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode);
     BOOL Attach(HDC dc);  ///< takes over a context for output and attributes; 0 when there is one, or for a bad handle
     HDC Detach();         ///< gives the output context away

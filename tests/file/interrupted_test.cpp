@@ -7,17 +7,17 @@
 #include <filesystem>
 #include <sstream>
 
-#include "qellib10/base/q_csv_file.h"
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/log.h"
 #include "qellib10/file/private_profile.h"
+#include "qellib10/file/q_csv_file.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/file/restart_file.h"
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/ini/ini_file.h"
+#include "qellib10/platform/restart/restart_queue.h"
+#include "qellib10/platform/restart/restart_record.h"
 #include "qellib10/platform/storage/file_operations.h"
-#include "qellib10/platform/storage/ini_file.h"
-#include "qellib10/platform/storage/restart_queue.h"
-#include "qellib10/platform/storage/restart_record.h"
 
 namespace {
 

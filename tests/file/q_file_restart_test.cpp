@@ -9,7 +9,7 @@
 #include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "qellib10/file/q_file.h"
-#include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/restart/restart_queue.h"
 #include "qellib10/runtime/system_info.h"
 
 namespace {

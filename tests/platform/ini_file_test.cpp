@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/ini/ini_file.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

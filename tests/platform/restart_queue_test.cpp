@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/restart/restart_queue.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -11,7 +11,7 @@
 #include "../support/soak.h"
 #include "../support/temp_folder.h"
 #include "../support/words.h"
-#include "qellib10/platform/storage/restart_record.h"
+#include "qellib10/platform/restart/restart_record.h"
 
 namespace {
 

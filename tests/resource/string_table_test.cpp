@@ -8,7 +8,7 @@
 #include "../support/cases.h"
 #include "../support/code_page_scope.h"
 #include "../support/environment_scope.h"
-#include "qellib10/runtime/qel_resource.h"
+#include "qellib10/resource/qel_resource.h"
 
 TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
     const Cases<UINT, UINT, const char*, const char*> cases = {

@@ -9,7 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Who stands directly on whom, from the bottom up. A node may include its own files and those of every node that it
-// stands on, however far below. Nodes are folders and, where a pair of files stands higher than its folder, that pair.
+// stands on, however far below. Nodes are folders.
 struct Row {
     std::string node;
     std::vector<std::string> below;
@@ -21,6 +21,8 @@ const std::vector<Row> kStandsOn = {
     {"platform/xml", {"platform/text"}},
     {"platform/variant", {"platform/time"}},
     {"platform/storage", {"platform/time"}},
+    {"platform/ini", {"platform/storage"}},
+    {"platform/restart", {"platform/storage"}},
     {"platform/shell", {"platform/storage"}},
     {"platform/sync", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
@@ -31,8 +33,7 @@ const std::vector<Row> kStandsOn = {
     {"runtime", {"resource", "platform/archive", "platform/shell", "platform/sync"}},
     {"base", {"runtime", "platform/variant"}},
     {"calc", {"base"}},
-    {"file", {"base", "platform/registry"}},
-    {"base/q_csv_file", {"file"}},
+    {"file", {"base", "platform/ini", "platform/registry", "platform/restart"}},
     {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},
     {"print", {"file", "platform/printing", "platform/xml"}},
@@ -58,10 +59,7 @@ bool Reaches(const Row& from, const std::string& to) {
 }
 
 // The row that @p path (below the root, with its extension) belongs to, or null.
-const Row* RowOf(const fs::path& path) {
-    const Row* const pair = Find(fs::path(path).replace_extension().generic_string());
-    return pair != nullptr ? pair : Find(path.parent_path().generic_string());
-}
+const Row* RowOf(const fs::path& path) { return Find(path.parent_path().generic_string()); }
 
 // Why @p file, below the root, may not include @p header; empty when it may.
 std::string Objection(const fs::path& file, const std::string& header, bool quoted) {

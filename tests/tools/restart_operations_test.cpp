@@ -3,7 +3,7 @@
 #include "../support/environment_scope.h"
 #include "../support/temp_folder.h"
 #include "answer_of.h"
-#include "qellib10/platform/storage/restart_record.h"
+#include "qellib10/platform/restart/restart_record.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "qellib10/platform/restart/restart_queue.h"
 #include "qellib10/platform/storage/file_exception.h"
-#include "qellib10/platform/storage/restart_queue.h"
 
 namespace {
 

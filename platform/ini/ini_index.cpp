@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/ini_index.h"
+#include "qellib10/platform/ini/ini_index.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/restart_record.h"
+#include "qellib10/platform/restart/restart_record.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/ini_file.h"
+#include "qellib10/platform/ini/ini_file.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,13 +9,13 @@
 #include <optional>
 #include <span>
 
+#include "qellib10/platform/ini/ini_cache.h"
+#include "qellib10/platform/ini/ini_edit.h"
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/storage/in_place.h"
-#include "qellib10/platform/storage/ini_cache.h"
-#include "qellib10/platform/storage/ini_edit.h"
 #include "qellib10/platform/storage/locked_file.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"

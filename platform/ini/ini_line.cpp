@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/ini_line.h"
+#include "qellib10/platform/ini/ini_line.h"
 
 #include <algorithm>
 

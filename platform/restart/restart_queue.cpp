@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/restart/restart_queue.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "qellib10/platform/restart/restart_record.h"
 #include "qellib10/platform/storage/backoff.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
@@ -16,7 +17,6 @@
 #include "qellib10/platform/storage/locked_file.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
-#include "qellib10/platform/storage/restart_record.h"
 #include "qellib10/platform/storage/windows_folder.h"
 
 namespace qel {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "qellib10/platform/storage/ini_index.h"
+#include "qellib10/platform/ini/ini_index.h"
 
 namespace qel {
 

@@ -1,4 +1,4 @@
-#include "qellib10/base/q_csv_file.h"
+#include "qellib10/file/q_csv_file.h"
 
 #include <functional>
 

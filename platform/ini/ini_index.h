@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "qellib10/platform/storage/ini_line.h"
+#include "qellib10/platform/ini/ini_line.h"
 #include "qellib10/platform/types.h"
 
 namespace qel {

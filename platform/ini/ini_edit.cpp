@@ -1,8 +1,8 @@
-#include "qellib10/platform/storage/ini_edit.h"
+#include "qellib10/platform/ini/ini_edit.h"
 
 #include <algorithm>
 
-#include "qellib10/platform/storage/ini_line.h"
+#include "qellib10/platform/ini/ini_line.h"
 
 namespace qel {
 namespace {

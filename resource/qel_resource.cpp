@@ -1,4 +1,4 @@
-#include "qellib10/runtime/qel_resource.h"
+#include "qellib10/resource/qel_resource.h"
 
 #include "qellib10/resource/string_ids.h"
 

@@ -1,4 +1,4 @@
-#include "qellib10/platform/storage/ini_cache.h"
+#include "qellib10/platform/ini/ini_cache.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "qellib10/platform/storage/restart_queue.h"
+#include "qellib10/platform/restart/restart_queue.h"
 
 // The lines of the queue of delayed operations; RestartQueue describes them.
 namespace qel {
