@@ -7,15 +7,15 @@
 #include <string>
 #include <string_view>
 
-#include "../examples/titration/calculation.h"
-#include "../examples/titration/csv_table.h"
-#include "../examples/titration/end_point.h"
-#include "../examples/titration/failure.h"
-#include "../examples/titration/method_file.h"
-#include "../examples/titration/method_ini.h"
-#include "../examples/titration/number.h"
-#include "../examples/titration/settings.h"
 #include "../tests/support/temp_folder.h"
+#include "demo/curve/csv_table.h"
+#include "demo/curve/end_point.h"
+#include "demo/method/method_file.h"
+#include "demo/method/method_ini.h"
+#include "demo/method/settings.h"
+#include "demo/result/calculation.h"
+#include "demo/support/failure.h"
+#include "demo/support/number.h"
 #include "law.h"
 
 namespace {

@@ -1,12 +1,12 @@
-#include "../../examples/titration/csv_table.h"
+#include "demo/curve/csv_table.h"
 
 #include <cmath>
 #include <sstream>
 #include <string>
 
-#include "../../examples/titration/failure.h"
-#include "../../examples/titration/reading.h"
 #include "../support/test.h"
+#include "demo/curve/reading.h"
+#include "demo/support/failure.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "../../examples/titration/end_point.h"
+#include "demo/curve/end_point.h"
 
 #include <algorithm>
 #include <chrono>
@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "../../examples/titration/failure.h"
 #include "../support/made_curve.h"
 #include "../support/soak.h"
 #include "../support/test.h"
+#include "demo/support/failure.h"
 
 namespace {
 

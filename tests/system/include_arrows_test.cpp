@@ -39,13 +39,24 @@ const std::vector<Row> kStandsOn = {
     {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
     {"gtk", {"platform/printing"}},
+    {"demo/support", {}},
+    {"demo/curve", {"demo/support"}},
+    {"demo/method", {"demo/support"}},
+    {"demo/result", {"demo/curve", "demo/method"}},
+    {"demo/report", {"demo/result"}},
+    {"demo/verify", {"demo/report"}},
+    {"demo", {"demo/verify"}},
 };
 
 // The foreign libraries that others than platform include: the number type of one stands in the interface of CBCD, the
-// other one is what the companion library is about.
+// other one is what the companion library is about. The demonstration is an application: it takes the library as a whole.
 constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
     {"calc", "qellib10/decnumber/"},
     {"gtk", "gtk/"},
+    {"demo", "qellib10/qellib10.h"},
+    {"demo", "axis_steps.h"},
+    {"demo", "user_store.h"},
+    {"demo", "unistd.h"},
 };
 
 const Row* Find(const std::string& node) {
@@ -73,8 +84,10 @@ std::string Objection(const fs::path& file, const std::string& header, bool quot
                                });
         return !isOfTheLanguage && isForeign ? "foreign headers stay in the sources of platform" : "";
     }
-    if (!header.starts_with("qellib10/")) return "ours are written \"qellib10/...\"";
-    const fs::path target = header.substr(9);
+    const bool isOfTheDemo = file.begin()->string() == "demo";
+    const std::string head = isOfTheDemo ? "demo/" : "qellib10/";
+    if (!header.starts_with(head)) return "ours are written \"" + head + "...\"";
+    const fs::path target = isOfTheDemo ? header : header.substr(head.size());
     if (!fs::exists(QELLIB10_SOURCE_DIR / target)) return "no such file";
     const Row* const from = RowOf(file);
     const Row* const to = RowOf(target);
@@ -97,7 +110,7 @@ TEST(IncludeArrows, PointDownAndForeignHeadersStayInPlatformSources) {
     const fs::path root = QELLIB10_SOURCE_DIR;
     int includes = 0;
     for (const auto& [folder, below] : kStandsOn) {
-        if (folder.find('/') != std::string::npos || !fs::exists(root / folder)) continue;
+        if (folder.find('/') != std::string::npos) continue;
         for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
             const fs::path name = fs::relative(entry.path(), root);
             if (name.extension() != ".h" && name.extension() != ".cpp") continue;

@@ -1,4 +1,4 @@
-#include "../../examples/titration/progress.h"
+#include "demo/support/progress.h"
 
 #include <fcntl.h>
 #include <stdlib.h>

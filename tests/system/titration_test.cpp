@@ -65,9 +65,8 @@ std::string Replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-constexpr const char* kVinegar =
-    "--data " QELLIB10_SOURCE_DIR "/examples/titration/data/vinegar.csv --settings " QELLIB10_SOURCE_DIR
-    "/examples/titration/data/vinegar.ini --out results";
+constexpr const char* kVinegar = "--data " QELLIB10_SOURCE_DIR "/demo/data/vinegar.csv --settings " QELLIB10_SOURCE_DIR
+                                 "/demo/data/vinegar.ini --out results";
 
 using Points = std::vector<std::pair<double, double>>;
 

@@ -1,0 +1,191 @@
+#include "demo/curve/end_point.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <string>
+
+#include <qellib10/qellib10.h>
+
+#include "demo/curve/noise.h"
+#include "demo/curve/step_doubts.h"
+#include "demo/curve/stray_readings.h"
+#include "demo/support/failure.h"
+#include "demo/support/number.h"
+
+namespace titration {
+namespace {
+
+constexpr std::size_t kFewestPoints = 5;
+constexpr std::size_t kEndIntervals = 3;  // at either end, whose slope is compared with the step's
+constexpr double kToleranceNoise = 6;     // deviations of a reading
+constexpr double kToleranceRange = 0.01;  // of all signals
+constexpr std::size_t kRareMoves = 3;     // so many of the largest moves back may be strays
+constexpr double kOfUsualMove = 3;
+constexpr double kClearlySteeper = 1.5;
+constexpr double kOfWhole = 3;  // a step is so much steeper than the curve from its first reading to its last
+constexpr std::size_t kIntervalsAround = 5;  // on either side, whose median a gap is compared with
+constexpr double kGap = 3;
+
+std::vector<std::size_t> OrderOfVolumes(const Curve& curve) {
+    std::vector<std::size_t> order(curve.volume.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, {}, [&](std::size_t i) { return curve.volume[i]; });
+    return order;
+}
+
+// The noise of a steep curve of few readings seems large, but then hardly a reading goes back.
+double BackwardTolerance(const Judged& curve, double range) {
+    std::vector<double> moves;
+    for (std::size_t i = 1; i < curve.readings.signal.size(); ++i)
+        moves.push_back(curve.direction * (curve.readings.signal[i - 1] - curve.readings.signal[i]));
+    if (moves.size() <= kRareMoves) return curve.tolerance;
+    std::ranges::nth_element(moves, moves.begin() + kRareMoves, std::ranges::greater());
+    return std::min(curve.tolerance, std::max(kOfUsualMove * moves[kRareMoves], kToleranceRange * range));
+}
+
+Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
+    Judged judged;
+    for (const std::size_t i : order) {
+        judged.readings.volume.push_back(curve.volume[i]);
+        judged.readings.signal.push_back(curve.signal[i]);
+    }
+    const Points all = Merged(curve);
+    if (all.x.size() < kFewestPoints) {
+        throw Failure("an end point needs at least " + std::to_string(kFewestPoints) + " points, there are " +
+                      std::to_string(all.x.size()));
+    }
+    const auto [low, high] = std::ranges::minmax(judged.readings.signal);
+    judged.noise = RoughNoise(all);
+    judged.direction = Direction(judged.readings.signal);
+    const auto leaveOut = [&, range = high - low] {
+        judged.tolerance = std::max(kToleranceNoise * judged.noise, kToleranceRange * range);
+        judged.strays = StrayReadings(judged.readings.signal, judged.tolerance);
+    };
+    leaveOut();
+    if (const Points kept = KeptPoints(judged.readings, judged.strays); kept.x.size() >= kFewestPoints) {
+        judged.noise = Noise(kept);
+        leaveOut();
+    }
+    judged.backward = BackwardTolerance(judged, high - low);
+    return judged;
+}
+
+std::string At(double volume) {
+    CString text;
+    text.Format("%.6g", volume);
+    return std::string(text);
+}
+
+double SlopeBetween(const Points& points, std::size_t first, std::size_t last, double direction) {
+    return direction * (points.y[last] - points.y[first]) / (points.x[last] - points.x[first]);
+}
+
+double WholeSlope(const Points& points) { return std::abs(SlopeBetween(points, 0, points.x.size() - 1, 1)); }
+
+// A curve that is steepest at one of its ends goes past it there, whatever else bends in between.
+void RequireStepInside(const Points& points, const Judged& curve, double slope) {
+    const std::size_t last = points.x.size() - 1, reach = std::min(kEndIntervals, last);
+    const double clear = kToleranceNoise * curve.noise;
+    const auto isSteeper = [&](std::size_t from, std::size_t to) {
+        const double end = SlopeBetween(points, from, to, curve.direction);
+        return end - clear / (points.x[to] - points.x[from]) > slope;
+    };
+    if (isSteeper(0, reach))
+        throw Failure("the curve begins past its step: it is steepest at its first readings; start with less titrant");
+    if (isSteeper(last - reach, last))
+        throw Failure("the curve ends before its step: it is steepest at its last readings; titrate further");
+}
+
+[[noreturn]] void RefuseWithoutStep(const Points& points, const Judged& curve) {
+    const std::size_t last = points.x.size() - 1;
+    if (last >= 2 * kEndIntervals) {
+        RequireStepInside(points, curve, kClearlySteeper * WholeSlope(points));
+    }
+    throw Failure("no end point: the curve has no step that stands out from its noise of " + At(curve.noise) +
+                  "; measure more readings at the step");
+}
+
+// So few readings could as well be strays.
+void RequireReadingsAround(const Points& points, const Step& step) {
+    const std::size_t before =
+        static_cast<std::size_t>(std::ranges::lower_bound(points.x, step.volume) - points.x.begin());
+    const std::size_t after = points.x.size() - before,
+                      few = std::clamp<std::size_t>(points.x.size() / 2, 1, kLongestStray + 1);
+    if (before >= few && after >= few) return;
+    const bool isStart = before < few;
+    throw Failure("the curve " + std::string(isStart ? "begins" : "ends") + " at its step near " + At(step.volume) +
+                  ": " + Counted(static_cast<long long>(isStart ? before : after), "reading") +
+                  (isStart ? " before" : " after") + " it, and " + std::to_string(few) +
+                  " are needed to tell a step from strays");
+}
+
+// Where the levels before and after a step are the same, it is none.
+void RequireLevels(const Points& points, const Judged& curve, const Step& step) {
+    std::size_t wrong = 0;
+    for (std::size_t i = 0; i < points.x.size(); ++i) {
+        const double beyond = curve.direction * (points.y[i] - step.signal) * (points.x[i] < step.volume ? 1 : -1);
+        wrong += beyond > curve.tolerance ? 1 : 0;
+    }
+    if (wrong > kLongestStray) {
+        throw Failure("the curve comes back over its step near " + At(step.volume) + ": " + std::to_string(wrong) +
+                      " readings are on the wrong side of it");
+    }
+}
+
+void RequireCertainPlace(const Points& all, const Judged& curve, const Step& step) {
+    const double half = std::max(IntervalAt(all.x, step.volume), step.interval) / 2;
+    if (kSureErrors * step.error > half) {
+        throw Failure("the end point near " + At(step.volume) + " is uncertain: noise of " + At(curve.noise) +
+                      " moves it by more than half a step between readings, " + At(half));
+    }
+    const std::vector<double>& volume = curve.readings.volume;
+    const auto after = std::ranges::upper_bound(volume, step.volume) - volume.begin();
+    const bool isNext = curve.strays[static_cast<std::size_t>(std::min(after, std::ssize(volume) - 1))] ||
+                        curve.strays[static_cast<std::size_t>(std::max<std::ptrdiff_t>(after - 1, 0))];
+    if (isNext || IsPlaceOpen(curve, step)) {
+        throw Failure("stray readings at the step near " + At(step.volume) +
+                      " leave the end point open; measure again, or take the strays out of the data");
+    }
+}
+
+std::optional<std::pair<double, double>> GapAt(const std::vector<double>& volumes, double volume) {
+    const auto at = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(
+        std::ranges::upper_bound(volumes, volume) - volumes.begin(), 1, std::ssize(volumes) - 1));
+    std::vector<double> around;
+    for (std::size_t i = at - std::min(at, kIntervalsAround);
+         i + 1 < std::min(volumes.size(), at + kIntervalsAround + 1); ++i) {
+        if (i + 1 != at) around.push_back(volumes[i + 1] - volumes[i]);
+    }
+    if (volumes[at] - volumes[at - 1] <= kGap * MedianOf(around)) return std::nullopt;
+    return std::pair(volumes[at - 1], volumes[at]);
+}
+
+}  // namespace
+
+EndPoint FindEndPoint(const Curve& curve) {
+    const std::vector<std::size_t> order = OrderOfVolumes(curve);
+    const Judged judged = Judge(curve, order);
+    const Points used = KeptPoints(judged.readings, judged.strays);
+    const std::optional<Step> step = SteepestStep(Smoothed(used), judged.direction, judged.noise);
+    if (!step || std::abs(step->slope) < kOfWhole * WholeSlope(used)) RefuseWithoutStep(used, judged);
+    RequireStepInside(used, judged, std::abs(step->slope));
+    RequireReadingsAround(used, *step);
+    RequireLevels(used, judged, *step);
+    RequireCertainPlace(Merged(curve), judged, *step);
+
+    EndPoint found{
+        step->volume, step->signal, step->slope, judged.noise, step->points, {}, GapAt(used.x, step->volume)};
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (judged.strays[i]) found.strays.push_back(order[i]);
+    }
+    return found;
+}
+
+Points UsedPoints(const Curve& curve, const EndPoint& endPoint) {
+    std::vector<bool> leftOut(curve.volume.size());
+    for (const std::size_t i : endPoint.strays) leftOut[i] = true;
+    return KeptPoints(curve, leftOut);
+}
+
+}  // namespace titration

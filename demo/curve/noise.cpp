@@ -1,0 +1,69 @@
+#include "demo/curve/noise.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+namespace titration {
+namespace {
+
+constexpr std::size_t kRun = 4;              // points of a third difference
+constexpr double kLowerQuartile = 0.318639;  // of |z| for standard normal z
+constexpr double kMedian = 0.674490;         // likewise
+constexpr double kLevel = 0.2;               // of the steepest slope between neighbours, at most
+constexpr double kOfRough = 0.6;             // at least: the levels of few points may have little noise by chance
+constexpr double kChance = 6;                // deviations, in the difference of two points
+constexpr std::size_t kFewestOfLevels = 6;   // differences; the median of fewer is no estimate
+
+// Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
+// point.
+double DeviationAt(const Points& points, std::size_t first) {
+    double sum = 0;
+    double squares = 0;
+    for (std::size_t j = first; j < first + kRun; ++j) {
+        double product = 1;
+        for (std::size_t k = first; k < first + kRun; ++k) {
+            if (k != j) product *= points.x[j] - points.x[k];
+        }
+        sum += points.y[j] / product;
+        squares += 1 / (product * product);
+    }
+    return std::abs(sum) / std::sqrt(squares);
+}
+
+double SlopeAt(const Points& points, std::size_t first) {
+    return std::abs((points.y[first + 1] - points.y[first]) / (points.x[first + 1] - points.x[first]));
+}
+
+// Noise of that deviation alone makes no run a step: it would leave only those runs that have less of it by chance.
+bool IsLevel(const Points& points, std::size_t first, double most, double noise) {
+    for (std::size_t i = first; i + 1 < first + kRun; ++i) {
+        if (SlopeAt(points, i) > most + kChance * noise / (points.x[i + 1] - points.x[i])) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+// The lower quartile, because strays and the bends of a curve with few points would fill the upper half.
+double RoughNoise(const Points& points) {
+    std::vector<double> deviations;
+    for (std::size_t i = 0; i + kRun <= points.x.size(); ++i) deviations.push_back(DeviationAt(points, i));
+    const auto quartile = deviations.begin() + static_cast<std::ptrdiff_t>(deviations.size() / 4);
+    std::ranges::nth_element(deviations, quartile);
+    return *quartile / kLowerQuartile;
+}
+
+double Noise(const Points& points) {
+    const double rough = RoughNoise(points);
+    double steepest = 0;
+    for (std::size_t i = 0; i + 1 < points.x.size(); ++i) steepest = std::max(steepest, SlopeAt(points, i));
+    std::vector<double> deviations;
+    for (std::size_t i = 0; i + kRun <= points.x.size(); ++i) {
+        if (IsLevel(points, i, kLevel * steepest, rough)) deviations.push_back(DeviationAt(points, i));
+    }
+    return deviations.size() < kFewestOfLevels ? rough : std::max(MedianOf(deviations) / kMedian, kOfRough * rough);
+}
+
+}  // namespace titration

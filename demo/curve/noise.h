@@ -1,0 +1,15 @@
+#pragma once
+
+#include "demo/curve/points.h"
+
+namespace titration {
+
+/// The standard deviation of a reading, estimated from the curve itself (at least 4 points), where any of the points
+/// may be strays: no smaller than it is, and too large for a curve of few points that is steep everywhere.
+double RoughNoise(const Points& points);
+
+/// The same of points without strays, from the levels before and after the step alone: a step that few points lie in
+/// is sharp, not noisy. As RoughNoise where the levels have too few points.
+double Noise(const Points& points);
+
+}  // namespace titration

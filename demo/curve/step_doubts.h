@@ -1,0 +1,27 @@
+#pragma once
+
+#include <vector>
+
+#include "demo/curve/csv_table.h"
+#include "demo/curve/step_search.h"
+
+namespace titration {
+
+/// What is known of a curve before its end point.
+struct Judged {
+    Curve readings;            // in the order of their volumes
+    std::vector<bool> strays;  // which of the readings are left out
+    double direction = 1, noise = 0, tolerance = 0;
+    double backward = 0;  // at most the tolerance; what goes back by more than that is no chance
+};
+
+/// The points without the readings that are left out.
+Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut);
+
+/// Whether strays near a step leave its place open. A reading next to a stray may be the stray itself: raised readings
+/// just before a step look like a low one just after it. So each one to three neighbouring readings (twice so, or
+/// besides those that leave the curve, where one place is not enough) are left out in turn; wherever that leaves a
+/// clean step, it must be at the same place, and so it must be with the next reading on either side left out as well.
+bool IsPlaceOpen(const Judged& curve, const Step& step);
+
+}  // namespace titration

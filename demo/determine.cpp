@@ -1,0 +1,134 @@
+#include "demo/determine.h"
+
+#include "demo/method/method_file.h"
+#include "demo/method/method_ini.h"
+#include "demo/report/report.h"
+#include "demo/report/report_job.h"
+#include "demo/report/report_printer.h"
+#include "demo/report/report_sample.h"
+#include "demo/result/calculation.h"
+#include "demo/result/check_sums.h"
+#include "demo/result/determination.h"
+#include "demo/result/result_file.h"
+#include "demo/result/result_table.h"
+#include "demo/result/run_log.h"
+#include "demo/support/failure.h"
+#include "demo/support/file_names.h"
+#include "demo/support/text_file.h"
+
+namespace titration {
+namespace {
+
+struct Titration {
+    Determination determination;
+    std::string measured;  // the text of the data file
+    std::string text;      // what is said about the method
+};
+
+// Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
+// method from then on.
+Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& made) {
+    MethodFile file(made.Path("method.xml"));
+    const bool isKept = options.settings.empty();
+    if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
+    const std::string name = isKept ? "method.xml" : options.settings;
+    Log(stage::kMethod + name);
+    if (!isKept) RequireOrdinaryFile(name);
+    const Method method = isKept ? file.Kept() : ReadMethodIni(name);
+    const CQDiffList changes = Differences(file.Kept(), method);
+    if (changes.GetCount() > 0 && !session.May(kChangeMethod))
+        throw Failure(session.Operator() + " may not change the method");
+
+    Log(stage::kCurve + options.data);
+    if (options.table > 0) Log(stage::kTable + std::to_string(options.table));
+    RequireOrdinaryFile(options.data);
+    const std::string measured = ReadTextFile(options.data);
+    const Determination result = Titrate(name, method, options.data, measured, options.table);
+    Log(stage::kResult + Shown(result.result));
+    if (changes.GetCount() == 0) return {result, measured, "Method     method.xml, as it was\n"};
+    const std::string count = std::to_string(changes.GetCount());
+    const std::string what =
+        file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
+    file.Keep(method);
+    Log("method.xml kept");
+    made.Add("method.xml");
+    return {result, measured, "Method     method.xml, enciphered: " + what};
+}
+
+std::string WriteTexts(const Determination& determination, MadeFiles& made) {
+    WriteTextFile(Report(determination), made.Path("report.txt"));
+    made.Add("report.txt");
+    const int lines = WriteResultTable(determination.result, made.Path("result.csv"));
+    made.Add("result.csv");
+    return "Written    report.txt, and result.csv with " + std::to_string(lines) + " lines\n";
+}
+
+std::string Seal(const CCalcVariableList& variables, MadeFiles& made) {
+    const std::string path = made.Path("variables.qel");
+    const CCheckDatafile seal = StoreVariables(variables, path);
+    made.Add("variables.qel");
+    if (LoadVariables(path) != variables) throw Failure(path + ": differs from what was written");
+    constexpr int kChangedByte = 20;
+    const CheckSums changed = RequireChangeToBeFound(path, kChangedByte);
+
+    CString text;
+    text.Format(
+        "Sealed     variables.qel, %d variables, as version %d of %s\n"
+        "           %s; read back, equal\n"
+        "           a copy with a bit of byte %d changed: %s, so the change is found\n",
+        variables.GetVariableCount(), seal.GetVersion(), std::string(seal.GetGUID().GetString()).c_str(),
+        Shown(SealedSums(path)).c_str(), kChangedByte, Shown(changed).c_str());
+    return std::string(text);
+}
+
+// What the next version can be computed from again, whatever becomes of the method and the measured file.
+std::string KeepOrigin(DWORD version, const std::string& measured, MadeFiles& made) {
+    const std::string method = MethodName(version), curve = CurveName(version);
+    WriteTextFile(ReadBytes(made.Path("method.xml")), made.Path(method));
+    made.Add(method);
+    WriteTextFile(measured, made.Path(curve));
+    made.Add(curve);
+    return "Kept       " + method + " and " + curve + ", from which it can be computed again\n";
+}
+
+const CHistoryRenewInfo& Register(const Options& options, Session& session, History& history, MadeFiles& made) {
+    const std::string comment = options.comment.empty()
+                                    ? "from " + std::string(CQFile::GetFilenameFromPath(options.data.c_str()))
+                                    : options.comment;
+    const CHistoryRenewInfo& record = history.Register(made.Path("variables.qel"), session.Operator(), comment);
+    Log(stage::kRegistered + std::to_string(history.Latest()));
+    made.Add("renewals.qel");
+    return record;
+}
+
+// The report of the latest version as a print job, and the curve in it as a picture.
+std::string KeepReport(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+                       ReportPrinter& printer, const std::string& sample, MadeFiles& made) {
+    CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, made.Path("curve.png"));
+    made.Add("curve.png", sample);
+    const std::string name = JobName(version);
+    if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": cannot be written");
+    made.Add(name, sample);
+    return "Drawn      curve.png, in one drawing with the report's curve\n"
+           "Job        " +
+           name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
+           std::to_string(printer.Style().GetDpi()) + " dots an inch, " +
+           std::to_string(job.GetBlock().GetCommandCount()) + " commands\n";
+}
+
+}  // namespace
+
+std::string Determine(const Options& options, Session& session, History& history, MadeFiles& made) {
+    ReportPrinter printer(options.printer);
+    const auto [determination, measured, method] = TitrateByMethod(options, session, made);
+    const std::string sample = SampleOf(options.printer);
+    std::string text = method + Report(determination);
+    text += WriteTexts(determination, made);
+    text += Seal(determination.result.variables, made);
+    text += KeepOrigin(history.Latest() + 1, measured, made);
+    const CHistoryRenewInfo& record = Register(options, session, history, made);
+    text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
+    return text + KeepReport(determination, history.Latest(), record, printer, sample, made);
+}
+
+}  // namespace titration

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+
+#include <axis_steps.h>
+#include <qellib10/qellib10.h>
+
+#include "demo/curve/end_point.h"
+#include "demo/curve/points.h"
+
+namespace titration {
+
+/// A titration curve: the measured points, their slope on an axis of its own at the right, and the end point as a
+/// circle with a cross. Grid lines stand at round numbers, which are written at each.
+///
+/// All texts come before the first line, so that a print job of the graph can be drawn anywhere on a page: where the
+/// limit to the draw area is taken away in a job that was moved, it hides what follows.
+class CurveGraph : public CQelGraph {
+public:
+    /// @param dotsAnInch of the surface that the graph will be drawn on
+    CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
+               const std::string& signalName, int dotsAnInch);
+
+    int GraphDraw(CDC* dc, int x, int y) override;
+
+private:
+    enum Series : int { kSlope, kSignal };
+
+    struct Axis {
+        std::string title;
+        COLORREF color;
+        axes::AxisSteps steps;
+
+        CSize Largest(CDC* dc) const;
+    };
+
+    int Dots(int hundredthsOfMillimetre) const { return hundredthsOfMillimetre * m_dotsAnInch / 2540; }
+    void AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth);
+    void LeaveRoomForTexts(CDC* dc);
+    void DrawTexts(CDC* dc);
+    void DrawEndPoint(CDC* dc);
+
+    const EndPoint m_endPoint;
+    const int m_dotsAnInch;
+    Axis m_volume, m_signal, m_slope;
+};
+
+}  // namespace titration

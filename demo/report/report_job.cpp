@@ -1,0 +1,182 @@
+#include "demo/report/report_job.h"
+
+#include "demo/report/curve_graph.h"
+#include "demo/report/point_font.h"
+#include "demo/report/report.h"
+#include "demo/support/failure.h"
+
+namespace titration {
+namespace {
+
+// How a text stands in its box: the low bits align it, the others are single line in the middle, and lines that break
+// anywhere.
+constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10, kWrapped = 0x20 | 0x40;
+
+// Tenths of a point.
+constexpr int kHeadline = 140, kStrong = 110, kPlain = 90, kSmall = 80;
+
+// Tenths of a millimetre in the cell.
+constexpr int kRow = 46, kAbove = 5;  // where a first line of several stands as a single one would
+constexpr int kNames = 190, kValues = 400, kTableWidth = 650, kCurveLeft = 690;
+constexpr int kTop = 100, kBottom = 690, kSignature = 790;
+constexpr int kLineWidth = 2;
+constexpr double kWrappedWidth = 1.7;  // of two lines, which end between words
+
+constexpr int kMostVariables = 6;
+
+// What of a text fits into @p width; dots at its end tell that there is more.
+std::string Fitting(const PointFont& font, std::string text, int width) {
+    if (font.SizeOf(text).cx <= width) return text;
+    constexpr const char* kMore = "...";
+    const auto isInCharacter = [&] { return (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80; };  // of UTF-8
+    while (!text.empty() && font.SizeOf(text + kMore).cx > width) {
+        while (text.size() > 1 && isInCharacter()) text.pop_back();
+        text.pop_back();
+    }
+    return text + kMore;
+}
+
+// Texts and lines in a cell of the page, places in tenths of a millimetre.
+class Layout {
+public:
+    Layout(CQelPrintJobQueueData& job, CDC& printer, int width) : m_job(job), m_printer(printer), m_width(width) {
+        CQelPrintJobCommand pen;
+        pen.SetPen(PS_SOLID, Dots(kLineWidth), RGB(0, 0, 0));
+        m_job.AddCommand(pen);
+    }
+
+    void Text(int size, const CRect& box, const std::string& text, int style) {
+        const double lines = (style & kWrapped) != 0 ? kWrappedWidth : 1;
+        const int width = Dots(static_cast<int>(box.Width() * lines));
+        m_job.SetDefaultFont(kFace, size, RGB(0, 0, 0));
+        m_job.AddMillimetreCommandText(box, Fitting(PointFont(&m_printer, size), text, width).c_str(), style);
+    }
+    void Line(int left, int y, int right) { m_job.AddMillimetreCommandLine({left, y, right, y}); }
+
+    void Headline(const std::string& left, const std::string& right) {
+        Text(kHeadline, {0, 0, m_width * 2 / 3, 75}, left, kLeft | kInMiddle);
+        Text(kPlain, {m_width * 2 / 3, 0, m_width, 75}, right, kRight | kInMiddle);
+        Line(0, 80, m_width);
+    }
+    // The next lines of the table.
+    void Fact(const std::string& name, const std::string& text, bool isWrapped = false) {
+        Text(kPlain, {0, m_y, kNames, m_y + kRow}, name, kLeft | kInMiddle);
+        const CRect box(kNames, m_y, kTableWidth, m_y + (isWrapped ? 2 * kRow : kRow));
+        Text(kPlain, isWrapped ? CRect(box.left, box.top + kAbove, box.right, box.bottom) : box, text,
+             kLeft | (isWrapped ? kWrapped : kInMiddle));
+        m_y = box.bottom;
+    }
+    void Value(const std::string& name, const std::string& value, int size = kPlain, int left = kValues) {
+        const int bottom = m_y + kRow * size / kPlain;
+        Text(size, {0, m_y, left - 10, bottom}, name, kLeft | kInMiddle);
+        Text(size, {left, m_y, kTableWidth, bottom}, value, kRight | kInMiddle);
+        m_y = bottom;
+    }
+    void Rule() {
+        Line(0, m_y + 8, kTableWidth);
+        m_y += 16;
+    }
+    void Signature(const std::string& operatorName, const std::string& comment) {
+        const int left = m_width / 2;
+        Text(kPlain, {0, kSignature - kRow, left - 50, kSignature}, "Operator  " + operatorName, kLeft | kInMiddle);
+        Text(kSmall, {0, kSignature, left - 50, kSignature + kRow}, comment, kLeft | kInMiddle);
+        Line(left, kSignature, m_width);
+        Text(kSmall, {left, kSignature, m_width, kSignature + kRow}, "Date, signature", kLeft | kInMiddle);
+    }
+
+private:
+    int Dots(int tenths) const {
+        CPoint point(tenths, 0);
+        m_job.GetPageStyle().ConvertMillimetreToPixel(point);
+        return point.x;
+    }
+
+    CQelPrintJobQueueData& m_job;
+    CDC& m_printer;
+    const int m_width;
+    int m_y = kTop;
+};
+
+std::string Date(const COleDateTime& time) {
+    CString text;
+    text.Format("%04d-%02d-%02d %02d:%02d", time.GetYear(), time.GetMonth(), time.GetDay(), time.GetHour(),
+                time.GetMinute());
+    return std::string(text);
+}
+
+void AddVariables(Layout& layout, const CCalcVariableList& variables, int count) {
+    CCalcVariable variable;
+    const int shown = count <= kMostVariables ? count : kMostVariables - 1;
+    for (int i = 0; i < shown && variables.GetUseVariableData(i, &variable) != 0; ++i) {
+        CString value;
+        value.Format("%.6g", variable.m_dValue);
+        layout.Value(std::string(variable.m_szName), std::string(value));
+    }
+    if (shown < count) layout.Value("and " + std::to_string(count - shown) + " more", "");
+}
+
+void AddTable(Layout& layout, const Determination& determination) {
+    const Result& result = determination.result;
+    layout.Fact("Curve", std::string(CQFile::GetFilenameFromPath(determination.dataFile.c_str())) + ", " +
+                             std::to_string(determination.curve.volume.size()) + " points");
+    const EndPoint& endPoint = determination.endPoint;
+    CString place;
+    place.Format("%.4f, %s %.2f", endPoint.volume, ColumnText(determination.settings.signalColumn).c_str(),
+                 endPoint.signal);
+    layout.Fact("End point", std::string(place));
+    layout.Fact("Formula", determination.settings.formula, true);
+    layout.Rule();
+    AddVariables(layout, result.variables, static_cast<int>(result.used.size()));
+    layout.Rule();
+    layout.Value(result.name, result.text + " " + result.unit, kStrong, kNames);
+    const std::string limits = LimitText(determination.settings, result.value);
+    if (!limits.empty()) layout.Fact("Limits", limits);
+}
+
+// One drawing gives both the commands in the job and the pixels of the picture.
+void AddCurve(CQelPrintJobQueueData& job, const Determination& determination, CRect place, CDC& printer,
+              const std::string& picture) {
+    const int dotsAnInch = job.GetPageStyle().GetDpi();
+    job.GetPageStyle().ConvertMillimetreToPixel(place);
+    CDC memory;
+    CBitmap bitmap;
+    memory.CreateCompatibleDC(&printer);
+    if (!bitmap.CreateBitmap(place.Width(), place.Height(), 1, 32, nullptr))
+        throw Failure(picture + ": no memory for the picture");
+    CBitmap* const before = memory.SelectObject(&bitmap);
+    const CRect all(0, 0, place.Width(), place.Height());
+    memory.FillSolidRect(&all, RGB(255, 255, 255));
+    memory.SetViewportOrg(-place.left, -place.top);
+
+    const Settings& settings = determination.settings;
+    CurveGraph graph(determination.curve, determination.endPoint, ColumnText(settings.volumeColumn),
+                     ColumnText(settings.signalColumn), dotsAnInch);
+    graph.GetPrintJob(&job, place, &memory);
+    memory.SelectObject(before);
+    if (qel::SavePng(bitmap, picture.c_str(), dotsAnInch) == 0) throw Failure(picture + ": cannot be written");
+}
+
+}  // namespace
+
+std::string Headline(const Result& result) {
+    return "Titration: " + result.name + " " + result.text + " " + result.unit;
+}
+
+CQelPrintJobQueueData MakeReportJob(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+                                    ReportPrinter& printer, const std::string& picture) {
+    CQelPrintJobQueueData job;
+    const CQelPrintJobPageStyle& style = printer.Style();
+    job.GetPageStyle() = style;
+    const int width = style.GetPaperSize().cx - style.GetLeftMargin() - style.GetRightMargin();
+    Layout layout(job, printer.Context(), width);
+    const Result& result = determination.result;
+    layout.Headline(titration::Headline(result),
+                    "version " + std::to_string(version) + ", " + Date(record.GetRenewDateTime()));
+    AddTable(layout, determination);
+    layout.Signature(std::string(record.GetOperator()), std::string(record.GetComment()));
+    // The curve comes last: where its limits are taken away in a cell other than the first, they hide what follows.
+    AddCurve(job, determination, {kCurveLeft, kTop, width, kBottom}, printer.Context(), picture);
+    return job;
+}
+
+}  // namespace titration

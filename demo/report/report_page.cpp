@@ -1,0 +1,53 @@
+#include "demo/report/report_page.h"
+
+#include "demo/support/failure.h"
+#include "demo/support/file_names.h"
+
+namespace titration {
+namespace {
+
+constexpr int kPreviewDotsAnInch = 144;  // a screen has 96
+
+}  // namespace
+
+std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last) {
+    std::vector<std::string> paths;
+    for (DWORD version = first; version <= last; ++version) paths.push_back(made.Path(JobName(version)));
+    return paths;
+}
+
+ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDateTime& made) {
+    for (const std::string& path : jobPaths) {
+        CQelPrintJobQueueData job;
+        if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be read");
+        if (m_document.CheckAndAddJobFile(job) == 0)
+            throw Failure(path + ": is for another printer than the first one");
+        if (job.GetPageStyle().GetPageBlocks() < 1) throw Failure(path + ": has no place on a page");
+    }
+    qel::PdfInfo info;
+    info.created = made;
+    m_document.SetPdfInfo(info);
+    // A job file has the form's code alone; the size of the paper comes with a context of the printer.
+    const std::string name = PrinterName();
+    if (!m_printer.Attach(m_document.GetPageStyle().GetPrinterDC()))
+        throw Failure("there is no printer \"" + name + "\"");
+}
+
+int ReportPages::Count() const {
+    const int aPage = m_document.GetPageStyle().GetPageBlocks();
+    return (m_document.GetBlockCount() - 1) / aPage + 1;
+}
+
+void ReportPages::SavePreview(int number, const std::string& path) {
+    CBitmap picture;
+    const auto draw = [&](CDC& dc) { return m_document.PrintOutMain(&dc, number, 1) != 0; };
+    if (qel::DrawPagePicture(picture, m_printer, kPreviewDotsAnInch, draw) == 0)
+        throw Failure(path + ": the page cannot be drawn");
+    if (qel::SavePng(picture, path.c_str(), kPreviewDotsAnInch) == 0) throw Failure(path + ": cannot be written");
+}
+
+void ReportPages::Print() {
+    if (m_document.PrintOut() == 0) throw Failure("the printer \"" + PrinterName() + "\" does not take the reports");
+}
+
+}  // namespace titration

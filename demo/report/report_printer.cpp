@@ -1,0 +1,32 @@
+#include "demo/report/report_printer.h"
+
+#include "demo/support/failure.h"
+
+namespace titration {
+namespace {
+
+CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
+    CQelPrintJobPageStyle style;
+    style.SetStyleName("Titration reports");
+    style.SetPrinterDevice(printer.c_str());
+    style.SetPrintBlock({1, kReportsOnAPage});
+    // Tenths of a millimetre; the wide margin is for a binder.
+    style.SetLeftMargin(200);
+    style.SetRightMargin(150);
+    style.SetTopMargin(150);
+    style.SetBottomMargin(100);
+    return style;
+}
+
+}  // namespace
+
+bool ReportPrinter::IsThere(const std::string& name) {
+    CDC dc;
+    return dc.Attach(ThreeOnAPage(name).GetPrinterDC()) != 0;
+}
+
+ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeOnAPage(name)) {
+    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + name + "\"");
+}
+
+}  // namespace titration

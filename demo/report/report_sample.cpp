@@ -1,0 +1,58 @@
+#include "demo/report/report_sample.h"
+
+#include <cmath>
+
+#include "demo/report/report_job.h"
+#include "demo/report/report_page.h"
+#include "demo/report/report_printer.h"
+#include "demo/report/temporary_print.h"
+#include "demo/result/check_sums.h"
+#include "demo/support/failure.h"
+#include "demo/support/temporary_file.h"
+
+namespace titration {
+namespace {
+
+Determination SampleDetermination() {
+    const Method method = {{kVariables, "C", "0.1"},        {kVariables, "UNUSED", "2.345678"},
+                           {"result", "end_point", "EP"},   {"result", "name", "ACID"},
+                           {"result", "formula", "EP * C"}, {"result", "unit", "g/L"},
+                           {"result", "digits", "3"},       {"limits", "high", "9"}};
+    std::string curve;
+    for (int i = 0; i < 40; ++i) {
+        CString line;
+        line.Format("%.2f;%.3f\n", i / 2.0, 7 + 4 * std::tanh(i / 2.0 - 10.2));
+        curve += std::string(line);
+    }
+    return Titrate("sample.ini", method, "sample.csv", curve);
+}
+
+CHistoryRenewInfo SampleRecord() {
+    CHistoryRenewInfo record;
+    record.SetOperator("0123456789 (滴定)");
+    record.SetComment("The quick brown fox jumps over the lazy dog");
+    return record;
+}
+
+std::string CrcOf(const std::string& path) {
+    CString text;
+    text.Format("%08X", CheckSumsOf(path).crc);
+    return std::string(text);
+}
+
+}  // namespace
+
+std::string SampleOf(const std::string& printerName) {
+    ReportPrinter printer(printerName);
+    const Determination determination = SampleDetermination();
+    const TemporaryFile job, curve, page;
+    if (MakeReportJob(determination, 1, SampleRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
+        throw Failure(job.Path() + ": cannot be written");
+    ReportPages pages({job.Path()}, SampleRecord().GetRenewDateTime());
+    pages.SavePreview(1, page.Path());
+    std::string sample;
+    for (const TemporaryFile* file : {&job, &curve, &page}) sample += CrcOf(file->Path()) + " ";
+    return printerName == kPdfPrinter ? sample + CrcOf(TemporaryPrint(pages).Path()) : sample + "no PDF";
+}
+
+}  // namespace titration

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "demo/report/report_page.h"
+
+namespace titration {
+
+inline constexpr const char* kPdfPrinter = "PDF";
+
+/// Reports as the printer "PDF" prints them, in a folder of their own that goes at the end of the scope.
+class TemporaryPrint {
+public:
+    /// @param pages for that printer
+    /// @throws Failure
+    explicit TemporaryPrint(ReportPages& pages);
+
+    /// The file.
+    std::string Path() const;
+
+private:
+    struct Folder {
+        Folder();
+        ~Folder();
+        Folder(const Folder&) = delete;
+        Folder& operator=(const Folder&) = delete;
+
+        std::string path;  // the system's
+    };
+
+    const Folder m_folder;
+};
+
+}  // namespace titration

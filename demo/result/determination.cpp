@@ -1,0 +1,20 @@
+#include "demo/result/determination.h"
+
+#include "demo/support/failure.h"
+
+namespace titration {
+
+Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName,
+                      const std::string& data, int table) {
+    Determination result;
+    result.settingsFile = methodName;
+    result.dataFile = dataName;
+    result.settings = About(methodName, [&] { return ParseSettings(method); });
+    result.curve = About(
+        dataName, [&] { return ReadCurve(data, result.settings.volumeColumn, result.settings.signalColumn, table); });
+    result.endPoint = About(dataName, [&] { return FindEndPoint(result.curve); });
+    result.result = About(methodName, [&] { return Calculate(result.settings, result.endPoint.volume); });
+    return result;
+}
+
+}  // namespace titration

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "demo/curve/csv_table.h"
+#include "demo/curve/end_point.h"
+#include "demo/method/settings.h"
+#include "demo/result/calculation.h"
+
+namespace titration {
+
+/// What was measured and what came out of it.
+struct Determination {
+    std::string settingsFile;
+    Settings settings;
+    std::string dataFile;
+    Curve curve;
+    EndPoint endPoint{};
+    Result result;
+};
+
+/// The result of a measured curve, given as the text of its file, by a method. The names of both are for messages and
+/// the report.
+/// @param table which table of the file it is, 0: the only one
+/// @throws Failure when one of them cannot give a result
+Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName,
+                      const std::string& data, int table = 0);
+
+}  // namespace titration

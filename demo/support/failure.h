@@ -1,0 +1,25 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "demo/support/printable.h"
+
+namespace titration {
+
+/// The input cannot give a result; the text is the one line that the user sees.
+class Failure : public std::runtime_error {
+public:
+    explicit Failure(const std::string& text) : std::runtime_error(Printable(text)) {}
+};
+
+/// Lets @p step fail with the name of the file that it is about.
+template <class Step> auto About(const std::string& file, Step step) {
+    try {
+        return step();
+    } catch (const Failure& failure) {
+        throw Failure(file + ": " + failure.what());
+    }
+}
+
+}  // namespace titration

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include <qellib10/qellib10.h>
+
+#include "demo/support/failure.h"
+
+namespace titration {
+
+/// What @p step gives. What the file does not permit becomes the one line that the user sees.
+template <class Step> auto OnFile(const std::string& path, Step step) {
+    try {
+        return step();
+    } catch (const CFileException& error) {
+        throw Failure(path + ": " + error.what());
+    } catch (const CArchiveException& error) {
+        throw Failure(path + ": " + error.what());
+    }
+}
+
+/// @throws CFileException
+inline void Open(CFile& file, const std::string& path, UINT mode) {
+    CFileException error;
+    if (file.Open(path.c_str(), mode, &error) == 0) throw CFileException(error);
+}
+
+/// Whoever writes may go on. The log is another run's alone for as long as that writes a line, so this waits up to a
+/// second.
+/// @throws CFileException
+inline void OpenForReading(CFile& file, const std::string& path) {
+    constexpr int kAttempts = 100;
+    CFileException error;
+    for (int attempt = 1; file.Open(path.c_str(), CFile::modeRead | CFile::shareDenyNone, &error) == 0; ++attempt) {
+        if (error.m_cause != CFileException::sharingViolation || attempt == kAttempts) throw CFileException(error);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+}
+
+}  // namespace titration

@@ -1,0 +1,87 @@
+#include "demo/support/text_file.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include <qellib10/qellib10.h>
+
+#include "demo/support/file_step.h"
+
+namespace titration {
+namespace {
+
+constexpr ULONGLONG kLargestFile = 64 << 20;
+
+std::string ReadWhole(const std::string& path) {
+    CFile file;
+    OpenForReading(file, path);
+    if (file.GetLength() > kLargestFile)
+        throw Failure(path + ": has " + std::to_string(file.GetLength()) +
+                      " bytes, and at most 64 MiB are read; keep the table alone in the file");
+    std::string text(file.GetLength(), '\0');
+    text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
+    return text;
+}
+
+std::string FromLittleEndian(std::string_view bytes) {
+    std::u16string text;
+    text.reserve(bytes.size() / 2);
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        const auto low = static_cast<unsigned char>(bytes[i]), high = static_cast<unsigned char>(bytes[i + 1]);
+        text += static_cast<char16_t>(low | high << 8);
+    }
+    return qel::FromUtf16(text);
+}
+
+}  // namespace
+
+void RequireOrdinaryFile(const std::string& path) {
+    if (!IsUtf8(path)) throw Failure(path + ": the file's name is not in UTF-8, as names are here; rename the file");
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) throw Failure(path + ": there is no such file");
+    if (std::filesystem::is_directory(status)) throw Failure(path + ": is a folder, name a file in it");
+    if (!std::filesystem::is_regular_file(status)) throw Failure(path + ": is a pipe or device, not an ordinary file");
+}
+
+std::string ReadBytes(const std::string& path) {
+    return OnFile(path, [&] { return ReadWhole(path); });
+}
+
+std::string ReadTextFile(const std::string& path) {
+    std::string text = ReadBytes(path);
+    if (text.starts_with("\xFF\xFE")) text = FromLittleEndian(std::string_view(text).substr(2));
+    const std::size_t zero = text.find('\0');
+    if (zero != std::string::npos)
+        throw Failure(path + ": byte " + std::to_string(zero + 1) +
+                      " is zero, so it is no text, or UTF-16 in the other byte order; save it as UTF-8");
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    return text;
+}
+
+void WriteTextFile(const std::string& text, const std::string& path) {
+    OnFile(path, [&] {
+        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
+        file.Write(text.data(), static_cast<UINT>(text.size()));
+        file.Close();
+    });
+}
+
+std::vector<std::string_view> Lines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        lines.push_back(text.substr(0, end));
+        text.remove_prefix(end);
+        text.remove_prefix(text.starts_with("\r\n") ? 2 : text.empty() ? 0 : 1);
+    }
+    return lines;
+}
+
+std::string_view Trimmed(std::string_view text, std::string_view blanks) {
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+}  // namespace titration

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdio>
+#include <set>
+#include <string>
+
+#include "demo/support/failure.h"
+
+namespace titration {
+
+/// Runs checks and shows each as one line: "ok" with what was found, or "FAILED" with what is wrong.
+class Checks {
+public:
+    /// @param what a file's name, for a check that is about one
+    /// @param check gives what it found, or throws Failure
+    template <class Check> void Run(const std::string& what, Check check) {
+        ++m_count;
+        m_done.insert(what);
+        try {
+            std::printf("ok      %s: %s\n", what.c_str(), Printable(check()).c_str());
+        } catch (const Failure& failure) {
+            ++m_failed;
+            std::printf("FAILED: %s: %s\n", what.c_str(), WithoutName(failure.what(), what + ": ").c_str());
+        }
+    }
+
+    bool HasRun(const std::string& what) const { return m_done.contains(what); }
+    int Count() const { return m_count; }
+    int Failed() const { return m_failed; }
+
+private:
+    // What reads a file names it with its folder.
+    static std::string WithoutName(std::string message, const std::string& name) {
+        const std::size_t at = message.find(name);
+        return at == std::string::npos ? message : message.substr(at + name.size());
+    }
+
+    std::set<std::string> m_done;
+    int m_count = 0, m_failed = 0;
+};
+
+/// @throws Failure with @p message unless @p isRight
+inline void Require(bool isRight, const std::string& message) {
+    if (!isRight) throw Failure(message);
+}
+
+}  // namespace titration

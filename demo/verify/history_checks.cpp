@@ -1,0 +1,85 @@
+#include "demo/verify/history_checks.h"
+
+#include <algorithm>
+
+#include "demo/result/renewals.h"
+#include "demo/result/result_file.h"
+#include "demo/support/file_step.h"
+#include "demo/support/number.h"
+#include "demo/support/temporary_file.h"
+#include "demo/verify/checks.h"
+
+namespace titration {
+
+KeptHistory::KeptHistory(const MadeFiles& made)
+    : m_made(made), m_isOpen(m_cabinet.Open(made.Path("results.hcf").c_str(), 1) != 0) {
+    CQFile file;
+    if (file.Open(made.Path("renewals.qel").c_str(), CFile::modeRead | CFile::shareDenyNone) == 0) return;
+    m_records = ReadRenewals(file);
+    m_isRead = file.GetPosition() == file.GetLength();
+}
+
+DWORD KeptHistory::Versions() const {
+    return std::max(m_isOpen ? m_cabinet.GetLatestVersion() : 0, static_cast<DWORD>(m_records.size()));
+}
+
+std::string KeptHistory::CheckCabinet() const {
+    Require(m_isOpen, "is missing or in use, or its header is damaged");
+    const ULONGLONG behind = BytesBehindLastVersion();
+    Require(behind == 0, "has " + Counted(static_cast<long long>(behind), "byte") + " behind the last version");
+    return std::string(m_cabinet.GetGUID().GetString()) + ", header with " +
+           Counted(m_cabinet.GetLatestVersion(), "version");
+}
+
+// Reading versions never comes there: a registration that was cut short leaves some.
+ULONGLONG KeptHistory::BytesBehindLastVersion() const {
+    const std::string path = m_made.Path("results.hcf");
+    return OnFile(path, [&] {
+        CQFile file;
+        OpenForReading(file, path);
+        const auto numberAt = [&file](ULONGLONG offset) {
+            CQBinary bytes;
+            bytes.SetSize(sizeof(DWORD));
+            file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
+            file.Read(static_cast<unsigned char*>(bytes), sizeof(DWORD));
+            return static_cast<DWORD>(bytes.GetInt(0));
+        };
+        constexpr ULONGLONG kLatestOffset = 4, kDataSize = 8, kVersionHeader = 20;
+        const ULONGLONG latest = numberAt(kLatestOffset);
+        const ULONGLONG end = latest + kVersionHeader + numberAt(latest + kDataSize);
+        return file.GetLength() - std::min(end, file.GetLength());
+    });
+}
+
+std::string KeptHistory::CheckRecords() const {
+    Require(m_isRead, "is missing or in use, or a record is damaged");
+    Require(m_records.size() == Versions(), "does not have one for each of " + Counted(Versions(), "version"));
+    m_made.RequireAsMade("renewals.qel");
+    return Counted(Versions(), "record");
+}
+
+const CHistoryRenewInfo& KeptHistory::Record(DWORD version) const {
+    Require(version <= m_records.size(), "renewals.qel has no record of version " + std::to_string(version));
+    return m_records[version - 1];
+}
+
+void KeptHistory::TakeOut(DWORD version, const std::string& path) const {
+    Require(m_isOpen, "results.hcf cannot be read");
+    CHistoryCabinetFile cabinet = m_cabinet;  // shares the opening
+    Require(cabinet.GetVersionFile(version, path.c_str()) != 0, "its data do not fit its header, or are not there");
+}
+
+CCalcVariableList KeptHistory::Variables(DWORD version) const {
+    const TemporaryFile data;
+    TakeOut(version, data.Path());
+    return LoadRenamedVariables(data.Path());
+}
+
+void KeptHistory::RequireVersionIn(const std::string& name, DWORD version) const {
+    const TemporaryFile data;
+    TakeOut(version, data.Path());
+    Require(CQFile::CompareFile(data.Path().c_str(), m_made.Path(name).c_str()) != 0,
+            "differs from version " + std::to_string(version) + " in results.hcf");
+}
+
+}  // namespace titration

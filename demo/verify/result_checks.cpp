@@ -1,0 +1,91 @@
+#include "demo/verify/result_checks.h"
+
+#include "demo/method/method_file.h"
+#include "demo/report/report_job.h"
+#include "demo/result/result_file.h"
+#include "demo/result/result_table.h"
+#include "demo/support/file_names.h"
+#include "demo/support/temporary_file.h"
+#include "demo/support/text_file.h"
+#include "demo/verify/checks.h"
+
+namespace titration {
+namespace {
+
+// What has no room ends with dots.
+bool IsShownAs(const std::string& text, std::string shown) {
+    if (!shown.ends_with("...")) return shown == text;
+    shown.resize(shown.size() - 3);
+    return text.starts_with(shown);
+}
+
+}  // namespace
+
+std::string CheckMethod(const MadeFiles& made, const std::string& name) {
+    const Method method = MethodFile::Read(made.Path(name));
+    ParseSettings(method);
+    made.RequireAsMade(name);
+    const TemporaryFile again;
+    MethodFile(again.Path()).Keep(method);
+    Require(CQFile::CompareFile(again.Path().c_str(), made.Path(name).c_str()) != 0,
+            "has other bytes than its values give");
+    return "deciphered, " + std::to_string(method.size()) + " values";
+}
+
+std::string CheckVariables(const MadeFiles& made) {
+    const std::string path = made.Path("variables.qel");
+    const CCalcVariableList variables = LoadVariables(path);
+    made.RequireAsMade("variables.qel");
+    return std::to_string(variables.GetVariableCount()) + " variables, sealed with " + Shown(SealedSums(path));
+}
+
+std::string CheckTable(const MadeFiles& made, const Result& result) {
+    const TemporaryFile again;
+    const int lines = WriteResultTable(result, again.Path());
+    Require(CQFile::CompareFile(again.Path().c_str(), made.Path("result.csv").c_str()) != 0,
+            "is not the table of that result");
+    made.RequireAsMade("result.csv");
+    return std::to_string(lines) + " lines, the table of that result";
+}
+
+Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log) {
+    const CCalcVariableList kept = history.Variables(version);
+    Require(version <= log.runs.size(), "titration.log does not tell what it was computed from");
+    const LoggedRun& run = log.runs[version - 1];
+    const Method method = MethodFile::Read(made.Path(MethodName(version)));
+    Determination again = Titrate(MethodName(version), method, CurveName(version),
+                                  ReadTextFile(made.Path(CurveName(version))), run.table);
+    again.settingsFile = run.method;
+    again.dataFile = run.curve;
+    Require((again.result.variables != kept) == 0,
+            "its values are not those that " + MethodName(version) + " and " + CurveName(version) + " give");
+    Require(Shown(again.result) == run.result, "has " + Shown(again.result) + ", and titration.log " + run.result);
+    return again;
+}
+
+std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result) {
+    CQelPrintJobQueueData job;
+    Require(job.LoadJobFile(made.Path(JobName(version)).c_str()) != 0, "is missing, or no job file");
+    CQelPrintJobCommand command;
+    while (command.GetKind() != CQelPrintJobCommand::kText) {
+        Require(job.GetBlock().GetNextCommand(command) != 0, "shows nothing");
+    }
+    const std::string shown(command.GetText());
+    Require(IsShownAs(Headline(result), shown), "shows \"" + shown + "\"");
+    return "\"" + shown + "\"";
+}
+
+std::string PrinterOf(const MadeFiles& made, DWORD version) {
+    CQelPrintJobQueueData job;
+    if (job.LoadJobFile(made.Path(JobName(version)).c_str()) == 0) return "";
+    return std::string(job.GetPageStyle().GetPrinterDevice());
+}
+
+void MakeJobAgain(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+                  const std::string& printerName, const std::string& path, const std::string& picture) {
+    ReportPrinter printer(printerName);
+    CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, picture);
+    Require(job.SaveJobFile(path.c_str()) != 0, "cannot be made again");
+}
+
+}  // namespace titration

@@ -1,0 +1,27 @@
+#include "demo/verify/user_checks.h"
+
+#include <user_store.h>
+
+#include "demo/support/number.h"
+#include "demo/verify/checks.h"
+
+namespace titration {
+
+// Each logon writes to the store; its sums are those at the end of the last run.
+std::string CheckUsers(const MadeFiles& made, const std::vector<CHistoryRenewInfo>& records) {
+    userstore::UserStoreSettings settings;
+    settings.isReadOnly = true;
+    userstore::UserStore store(made.Path("users.db").c_str(), settings);
+    store.Connect();
+    Require(store.IsConnected() != 0 && store.CheckIntegrity() != 0, store.LastError());
+    CUserInfo user;
+    for (const CHistoryRenewInfo& record : records) {
+        const CString& name = record.GetOperator();
+        const bool isKnown = store.GetUserInfo(name, &user) != 0 && user.GetUsername() == name;
+        Require(isKnown || name.IsEmpty(), "has no user \"" + std::string(name) + "\", who registered a version");
+    }
+    made.RequireAsMade("users.db");
+    return "whole, " + Counted(store.GetUserCount(), "user") + ", with all who registered versions";
+}
+
+}  // namespace titration

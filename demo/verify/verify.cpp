@@ -1,0 +1,186 @@
+#include "demo/verify/verify.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "demo/report/report.h"
+#include "demo/report/report_page.h"
+#include "demo/report/report_printer.h"
+#include "demo/report/temporary_print.h"
+#include "demo/result/made_files.h"
+#include "demo/result/renewals.h"
+#include "demo/support/file_names.h"
+#include "demo/support/number.h"
+#include "demo/support/text_file.h"
+#include "demo/verify/checks.h"
+#include "demo/verify/history_checks.h"
+#include "demo/verify/log_check.h"
+#include "demo/verify/made_again.h"
+#include "demo/verify/result_checks.h"
+#include "demo/verify/user_checks.h"
+
+namespace titration {
+namespace {
+
+// One after the other, in an order in which each can use what was found before.
+class Verification {
+public:
+    explicit Verification(const CString& folder) : m_made(folder), m_history(m_made), m_again(m_made) {}
+
+    bool Run() {
+        Lists();
+        for (DWORD version = 1; version <= m_history.Versions(); ++version) Version(version);
+        Latest(m_history.Versions());
+        Pages();
+        Printed();
+        Others();
+        const std::string failed = m_checks.Failed() == 0 ? "all right" : std::to_string(m_checks.Failed()) + " failed";
+        std::printf("%d checks, %s%s\n", m_checks.Count(), failed.c_str(), HeldAgainstSums().c_str());
+        return m_checks.Failed() == 0;
+    }
+
+private:
+    std::string HeldAgainstSums() const {
+        const int count = m_again.HeldAgainstSums();
+        if (count == 0) return "";
+        return "; " + Counted(count, "file") +
+               (count == 1 ? " was held against its sums" : " were held against their sums") + " alone";
+    }
+
+    void Lists() {
+        m_checks.Run("made.ini", [&] {
+            m_names = m_made.WrittenDown();
+            return "sums of " + Counted(static_cast<long long>(m_names.size()), "file");
+        });
+        const std::vector<std::string> found = m_made.Found();
+        m_names.insert(m_names.end(), found.begin(), found.end());
+        m_checks.Run("titration.log", [&] { return CheckLog(m_made, m_history.Versions(), m_log); });
+        m_names.insert(m_names.end(), m_log.takenOut.begin(), m_log.takenOut.end());
+        m_checks.Run("users.db", [&] { return CheckUsers(m_made, m_history.Records()); });
+        m_checks.Run("results.hcf", [&] { return m_history.CheckCabinet(); });
+        m_checks.Run("renewals.qel", [&] { return m_history.CheckRecords(); });
+    }
+
+    void Version(DWORD version) {
+        m_determination.reset();
+        m_checks.Run(MethodName(version), [&] { return CheckMethod(m_made, MethodName(version)); });
+        m_checks.Run(CurveName(version), [&] {
+            m_made.RequireAsMade(CurveName(version));
+            return "as it was measured";
+        });
+        m_checks.Run("version " + std::to_string(version) + " in results.hcf", [&] {
+            m_determination = DetermineAgain(m_made, version, m_history, m_log);
+            return Shown(m_determination->result) + ", computed again from " + MethodName(version) + " and " +
+                   CurveName(version) + "; " + Described(m_history.Record(version));
+        });
+        m_checks.Run(JobName(version), [&] {
+            const std::string shown = CheckHeadline(m_made, version, Determined().result);
+            return shown + ", " +
+                   m_again.Check(JobName(version), JobName(version), PrinterOf(m_made, version),
+                                 [&](const std::string& path) { MakeAgain(version, path, TemporaryFile().Path()); });
+        });
+        const std::string takenOut = TakenOutName(version);
+        if (std::ranges::find(m_names, takenOut) == m_names.end()) return;
+        m_checks.Run(takenOut, [&] {
+            m_made.RequireAsMade(takenOut);
+            m_history.RequireVersionIn(takenOut, version);
+            return "version " + std::to_string(version) + " in results.hcf";
+        });
+    }
+
+    // What there is of the latest version alone, whose result was found last.
+    void Latest(DWORD version) {
+        m_checks.Run("method.xml", [&] {
+            const std::string found = CheckMethod(m_made, "method.xml");
+            Require(
+                CQFile::CompareFile(m_made.Path("method.xml").c_str(), m_made.Path(MethodName(version)).c_str()) != 0,
+                "differs from " + MethodName(version));
+            return found;
+        });
+        m_checks.Run("variables.qel", [&] {
+            const std::string found = CheckVariables(m_made);
+            m_history.RequireVersionIn("variables.qel", version);
+            return found;
+        });
+        m_checks.Run("result.csv", [&] { return CheckTable(m_made, Determined().result); });
+        m_checks.Run("report.txt", [&] {
+            return m_again.CheckText("report.txt",
+                                     [&](const std::string& path) { WriteTextFile(Report(Determined()), path); });
+        });
+        m_checks.Run("curve.png", [&] {
+            return m_again.Check("curve.png", JobName(version), PrinterOf(m_made, version),
+                                 [&](const std::string& path) { MakeAgain(version, TemporaryFile().Path(), path); });
+        });
+    }
+
+    void Pages() {
+        const LoggedReports& reports = m_log.previewed;
+        if (reports.last == 0) return;
+        const int pages = static_cast<int>(reports.last - reports.first) / kReportsOnAPage + 1;
+        for (int page = 1; page <= pages; ++page) {
+            Drawn(PageName(page), PageName(1), reports,
+                  [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
+        }
+    }
+
+    void Printed() {
+        for (const auto& [name, reports] : m_log.printed) {
+            Drawn(name, name == m_log.printedLast ? PageName(1) : name, reports,
+                  [](ReportPages& again, const std::string& path) {
+                      WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
+                  });
+        }
+    }
+
+    // What nothing else is known of, and what is not there.
+    void Others() {
+        std::vector<std::string> printed = m_made.Matching(kAllPdfs);
+        for (const std::string& page : m_made.Matching(kAllPages)) printed.push_back(page);
+        for (const std::string& name : m_names) {
+            if (m_checks.HasRun(name)) continue;
+            m_checks.Run(name, [&] {
+                Require(std::ranges::find(printed, name) == printed.end(), "titration.log tells nothing of it");
+                m_made.RequireAsMade(name);
+                return "as it was made";
+            });
+        }
+    }
+
+    template <class Draw>
+    void Drawn(const std::string& name, const std::string& beside, const LoggedReports& reports, Draw draw) {
+        m_checks.Run(name, [&] {
+            return m_again.Check(name, beside, PrinterOf(m_made, reports.first),
+                                 [&](const std::string& path) {
+                                     ReportPages again(JobPaths(m_made, reports.first, reports.last),
+                                                       m_history.Record(reports.last).GetRenewDateTime());
+                                     draw(again, path);
+                                 }) +
+                   ", from " + reports.Described();
+        });
+    }
+
+    const Determination& Determined() const {
+        Require(m_determination.has_value(), "there is no result to compare it with");
+        return *m_determination;
+    }
+    void MakeAgain(DWORD version, const std::string& job, const std::string& picture) const {
+        MakeJobAgain(Determined(), version, m_history.Record(version), PrinterOf(m_made, version), job, picture);
+    }
+
+    Checks m_checks;
+    const MadeFiles m_made;
+    const KeptHistory m_history;
+    MadeAgain m_again;
+    std::vector<std::string> m_names;  // of all files that are there, or should be
+    LogFacts m_log;
+    std::optional<Determination> m_determination;  // that of the version that was checked last
+};
+
+}  // namespace
+
+bool Verify(const CString& folder) { return Verification(folder).Run(); }
+
+}  // namespace titration
