@@ -33,13 +33,13 @@ endforeach()
 foreach(header IN LISTS decnumber_headers)
   configure_file(${decnumber_source}/${header} ${decnumber}/include/qellib10/decnumber/${header} COPYONLY)
   install(FILES ${decnumber_source}/${header}
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/decnumber COMPONENT development)
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/decnumber COMPONENT core-development)
 endforeach()
 file(CONFIGURE OUTPUT ${decnumber}/include/qellib10/decnumber/gstdint.h CONTENT "#include <stdint.h>\n")
 install(FILES ${decnumber}/include/qellib10/decnumber/gstdint.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/decnumber COMPONENT development)
-target_include_directories(qellib10_objects PUBLIC ${decnumber}/include)
-target_include_directories(qellib10 PUBLIC $<BUILD_INTERFACE:${decnumber}/include>)
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/decnumber COMPONENT core-development)
+target_include_directories(qellib10_core_objects PUBLIC ${decnumber}/include)
+target_include_directories(qellib10-core PUBLIC $<BUILD_INTERFACE:${decnumber}/include>)
 
 # Its own warnings are not ours to mend. It counts on signed numbers that wrap around: an exponent of many digits is read
 # to its end and only then found to be too large.

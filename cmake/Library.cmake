@@ -1,47 +1,84 @@
-# The library: one set of objects, linked into the shared library that is installed, and into the tests, which also
-# reach what the shared library hides.
+# The library, by components: each a set of objects, linked into a shared library that is installed, and into the tests,
+# which also reach what the shared libraries hide.
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
 
-# Programs that are installed outside the system's folders find the library from where they stand.
+# Programs that are installed outside the system's folders find the libraries from where they are.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL /usr)
   file(RELATIVE_PATH library_from_program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set(CMAKE_INSTALL_RPATH "$ORIGIN/${library_from_program}")
+  set(CMAKE_INSTALL_RPATH "$ORIGIN/${library_from_program}" "$ORIGIN")
 endif()
 
 file(CREATE_LINK ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/include/qellib10 SYMBOLIC)
 
-add_library(qellib10_objects OBJECT)
-target_include_directories(qellib10_objects PUBLIC ${PROJECT_BINARY_DIR}/include)
-target_compile_features(qellib10_objects PUBLIC cxx_std_20)
-target_link_libraries(qellib10_objects PRIVATE qellib10_flags)
-# No program replaces functions of the library by its own, so calls within it need no look-up and can be inlined.
-target_compile_options(qellib10_objects PRIVATE -fno-semantic-interposition)
+# The objects of all components, for tests.
+add_library(qellib10_objects INTERFACE)
 
-add_library(qellib10 SHARED)
+# qellib10_shared(target): what all our shared libraries have in common.
+function(qellib10_shared target)
+  set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINKER_LANGUAGE CXX LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/qellib10.map)
+  target_link_options(${target} PRIVATE
+    LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/qellib10.map LINKER:--as-needed LINKER:-Bsymbolic-functions)
+endfunction()
+
+# qellib10_component(name [below]): the library qellib10-<name>, over that of the component below.
+function(qellib10_component name)
+  set(objects qellib10_${name}_objects)
+  add_library(${objects} OBJECT)
+  target_include_directories(${objects} PUBLIC ${PROJECT_BINARY_DIR}/include)
+  target_compile_features(${objects} PUBLIC cxx_std_20)
+  target_link_libraries(${objects} PRIVATE qellib10_flags)
+  # No program replaces functions of the library by its own, so calls within it need no look-up and can be inlined.
+  target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
+  target_sources(qellib10_objects INTERFACE $<TARGET_OBJECTS:${objects}>)
+  target_link_libraries(qellib10_objects INTERFACE ${objects})
+
+  set(library qellib10-${name})
+  add_library(${library} SHARED)
+  add_library(QELLIB10::${library} ALIAS ${library})
+  qellib10_shared(${library})
+  target_link_libraries(${library} PRIVATE ${objects})
+  target_compile_features(${library} PUBLIC cxx_std_20)
+  target_include_directories(${library} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  foreach(below IN LISTS ARGN)
+    target_include_directories(${objects} PUBLIC $<TARGET_PROPERTY:qellib10_${below}_objects,INTERFACE_INCLUDE_DIRECTORIES>)
+    target_link_libraries(${library} PUBLIC qellib10-${below})
+  endforeach()
+endfunction()
+
+qellib10_component(core)
+qellib10_component(graphics core)
+
+# The whole.
+add_library(qellib10 INTERFACE)
 add_library(QELLIB10::qellib10 ALIAS qellib10)
-set_target_properties(qellib10 PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
-target_link_libraries(qellib10 PRIVATE qellib10_objects)
-target_link_options(qellib10 PRIVATE
-  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/qellib10.map LINKER:--as-needed LINKER:-Bsymbolic-functions)
-set_target_properties(qellib10 PROPERTIES LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/qellib10.map)
-target_compile_features(qellib10 PUBLIC cxx_std_20)
-target_include_directories(qellib10 PUBLIC
-  $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(qellib10 INTERFACE qellib10-graphics qellib10-core)
 
-# qellib10_files(SOURCES a.cpp ... HEADERS a.h ...): adds a folder's sources to the library and installs its headers
-# below include/qellib10/ in the same folder. Headers that only the library itself includes are not named.
+# Programs that were linked with the one library of before, or that load it by its name, find it still: it has nothing
+# but the others.
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/whole.cpp CONTENT "")
+add_library(qellib10_whole SHARED ${PROJECT_BINARY_DIR}/whole.cpp)
+set_target_properties(qellib10_whole PROPERTIES OUTPUT_NAME qellib10)
+qellib10_shared(qellib10_whole)
+target_link_options(qellib10_whole PRIVATE LINKER:--no-as-needed)
+target_link_libraries(qellib10_whole PRIVATE qellib10-core qellib10-graphics)
+
+# qellib10_files(SOURCES a.cpp ... HEADERS a.h ...): adds a folder's sources to the component QELLIB10_COMPONENT and installs
+# its headers below include/qellib10/ in the same folder. Headers that only the library itself includes are not named.
 function(qellib10_files)
   cmake_parse_arguments(PARSE_ARGV 0 ARG "" "" "SOURCES;HEADERS")
-  target_sources(qellib10_objects PRIVATE ${ARG_SOURCES})
+  target_sources(qellib10_${QELLIB10_COMPONENT}_objects PRIVATE ${ARG_SOURCES})
   file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
   foreach(header IN LISTS ARG_HEADERS)
-    set_property(GLOBAL APPEND PROPERTY QELLIB10_PUBLIC_HEADERS qellib10/${folder}/${header})
+    set_property(GLOBAL APPEND PROPERTY QELLIB10_HEADERS_${QELLIB10_COMPONENT} qellib10/${folder}/${header})
   endforeach()
-  install(FILES ${ARG_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/${folder} COMPONENT development)
+  install(FILES ${ARG_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10/${folder}
+    COMPONENT ${QELLIB10_COMPONENT}-development)
 endfunction()
 
 # qellib10_requires(target ...): libraries that the sources of a folder call; consumers never see them.
 function(qellib10_requires)
-  target_link_libraries(qellib10_objects PRIVATE ${ARGN})
-  target_link_libraries(qellib10 PRIVATE ${ARGN})
+  target_link_libraries(qellib10_${QELLIB10_COMPONENT}_objects PRIVATE ${ARGN})
+  target_link_libraries(qellib10-${QELLIB10_COMPONENT} PRIVATE ${ARGN})
 endfunction()

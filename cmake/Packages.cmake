@@ -1,5 +1,4 @@
-# Debian packages, one a component: the library, its development files, the tools, and the companion for GTK with its
-# development files. scripts/package builds and checks them in a build of its own (preset package), where
+# Debian packages, one for each component: the libraries with their development files, and the tools. scripts/package builds and checks them in a build of its own (preset package), where
 # QELLIB10_PACKAGES is on.
 option(QELLIB10_PACKAGES "Prepare what Debian packages hold beside the installed files" OFF)
 if(NOT QELLIB10_PACKAGES)
@@ -56,28 +55,36 @@ macro(qellib10_library_package target component name section summary text depend
   set(CPACK_DEBIAN_${upper}_PACKAGE_CONTROL_EXTRA ${control}/symbols ${debian}/triggers)
 endmacro()
 
-set(library libqellib10-${PROJECT_VERSION_MAJOR})
-set(gtk_library libqellib10-gtk${PROJECT_VERSION_MAJOR})
-qellib10_library_package(qellib10 runtime ${library} libs
-  "class library for laboratory instrument applications"
-  "Exact decimal results and formulas, sealed and versioned files, settings,\nusers, curves and printed reports, for applications built with it."
+set(major ${PROJECT_VERSION_MAJOR})
+set(summary "class library for laboratory instrument applications")
+qellib10_library_package(qellib10-core core libqellib10-core${major} libs "${summary} - core"
+  "Exact decimal results and formulas, sealed and versioned files, settings and\nusers. It needs no display and no printer."
   "")
-qellib10_package(development libqellib10-dev libdevel
-  "class library for laboratory instrument applications - headers"
-  "What applications are built with: headers, CMake package and pkg-config file."
-  "${library} (= ${version})")
+qellib10_package(core-development libqellib10-core-dev libdevel "${summary} - core headers"
+  "What applications with the core alone are built with: headers, CMake package\nand pkg-config file."
+  "libqellib10-core${major} (= ${version})")
+qellib10_library_package(qellib10-graphics graphics libqellib10-graphics${major} libs "${summary} - graphics"
+  "Drawing, printing, print jobs and measurement curves, for applications built\nwith it."
+  "libqellib10-core${major} (= ${version})")
+qellib10_package(graphics-development libqellib10-graphics-dev libdevel "${summary} - graphics headers"
+  "What applications that draw and print are built with, beside\nlibqellib10-core-dev."
+  "libqellib10-graphics${major} (= ${version}), libqellib10-core-dev (= ${version})")
+qellib10_library_package(qellib10_whole runtime libqellib10-${major} libs "${summary}"
+  "Core and graphics, for applications that were linked with both under one name."
+  "libqellib10-core${major} (= ${version}), libqellib10-graphics${major} (= ${version})")
+qellib10_package(development libqellib10-dev libdevel "${summary} - headers"
+  "What applications are built with: all headers, the CMake package and the\npkg-config files."
+  "libqellib10-${major} (= ${version}), libqellib10-graphics-dev (= ${version})")
 qellib10_package(tools qellib10-tools utils
   "tools for the files of laboratory instrument applications"
   "A command for sealed files, histories, documents, print jobs and settings, and\nthe service that carries out what was put off to the next start."
-  "${library} (= ${version})")
+  "libqellib10-graphics${major} (= ${version})")
 if(TARGET qellib10-gtk)
-  qellib10_library_package(qellib10-gtk gtk ${gtk_library} libs
-    "class library for laboratory instrument applications - GTK companion"
+  qellib10_library_package(qellib10-gtk gtk libqellib10-gtk${major} libs "${summary} - GTK companion"
     "Print dialog, folder chooser and a widget to draw on, for GTK 3."
-    "${library} (= ${version})")
-  qellib10_package(gtk-development libqellib10-gtk-dev libdevel
-    "class library for laboratory instrument applications - GTK headers"
-    "What applications with GTK 3 are built with, beside libqellib10-dev."
-    "${gtk_library} (= ${version}), libqellib10-dev (= ${version})")
+    "libqellib10-graphics${major} (= ${version})")
+  qellib10_package(gtk-development libqellib10-gtk-dev libdevel "${summary} - GTK headers"
+    "What applications with GTK 3 are built with, beside libqellib10-graphics-dev."
+    "libqellib10-gtk${major} (= ${version}), libqellib10-graphics-dev (= ${version})")
 endif()
 include(CPack)

@@ -4,13 +4,15 @@
 #include <mutex>
 #include <thread>
 
+#include "qellib10/platform/export.h"
+
 namespace qel {
 
 /// A recursive lock for what all threads of the process share. A forked child finds it free: fork waits until no other
 /// thread holds it. A thread that takes it again and again keeps neither the others nor a fork waiting for long: it
 /// lets them pass, a fork for at most some 20 ms, since the owner that the fork waits for may wait for this thread.
 /// Kept to the end of the process: make one by `new`, in a function-local static.
-class ForkSafeLock {
+class QELLIB10_INTERNAL_API ForkSafeLock {
 public:
     /// @param inChild called in each forked child, before fork returns there; null: nothing is to be done
     explicit ForkSafeLock(void (*inChild)() = nullptr);

@@ -22,6 +22,6 @@ enum class SpecialFolder : int {
 /// The folder's path, which need not exist; values of the environment count only when they are absolute. The empty text
 /// when the user has no home folder.
 QELLIB10_API CString SpecialFolderPath(SpecialFolder folder);
-std::string PosixSpecialFolder(SpecialFolder folder);
+QELLIB10_INTERNAL_API std::string PosixSpecialFolder(SpecialFolder folder);
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/types.h"
 
@@ -52,7 +53,7 @@ inline bool IsMissing(const CFileException& failure) {
 
 /// @throws CFileException with @p code, its cause and @p name, the path as the caller knows it.
 [[noreturn]] void ThrowCode(LONG code, std::string_view name);
-[[noreturn]] void ThrowErrno(int error, std::string_view name, std::string_view posixPath = {});
+[[noreturn]] QELLIB10_INTERNAL_API void ThrowErrno(int error, std::string_view name, std::string_view posixPath = {});
 /// The same for a call that writes, where an input/output error is a write fault.
 [[noreturn]] void ThrowWriteErrno(int error, std::string_view name);
 

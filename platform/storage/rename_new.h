@@ -2,9 +2,11 @@
 
 #include <string>
 
+#include "qellib10/platform/export.h"
+
 namespace qel {
 
 /// Renames without replacing anything. @return 0, or the errno: EEXIST where @p target exists
-int RenameNew(const std::string& source, const std::string& target);
+QELLIB10_INTERNAL_API int RenameNew(const std::string& source, const std::string& target);
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/file.h"
 
 namespace qel {
@@ -11,6 +12,6 @@ namespace qel {
 /// and for one that becomes shorter meanwhile; CFileException; std::bad_alloc
 std::string ReadWholeFile(CFile& file);
 /// The same of the file at @p path, which nobody may write to meanwhile.
-std::string ReadWholeFile(const char* path);
+QELLIB10_INTERNAL_API std::string ReadWholeFile(const char* path);
 
 }  // namespace qel

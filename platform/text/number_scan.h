@@ -4,15 +4,17 @@
 #include <cstdint>
 #include <string_view>
 
+#include "qellib10/platform/export.h"
+
 // Numbers read from the beginning of a text, as atoi and atof of the platform read them: blanks (09-0D, 20), one sign,
 // digits; what follows is not looked at. The locale has no say.
 namespace qel {
 
 /// The whole number that @p text begins with, 0 without digits; beyond the range of the type its last value.
-std::int64_t ScanInteger(std::string_view text) noexcept;
+QELLIB10_INTERNAL_API std::int64_t ScanInteger(std::string_view text) noexcept;
 
 /// @p value kept within the range of int.
-int ClampToInt(std::int64_t value) noexcept;
+QELLIB10_INTERNAL_API int ClampToInt(std::int64_t value) noexcept;
 
 struct ScannedNumber {
     double value = 0;

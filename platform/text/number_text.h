@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "qellib10/platform/export.h"
+
 // Numbers as text in the platform's forms. The decimal sign is "." whatever the locale; infinities and NaN read inf and
 // nan.
 namespace qel {
@@ -11,7 +13,7 @@ inline constexpr int kMostColumns = 512;
 
 /// As "%.*f", all digits exact, but a value exactly between two texts goes away from zero: 0.125 with 2 decimals is
 /// 0.13. @p decimals is taken within 0 to kMostColumns.
-std::string FixedText(double value, int decimals);
+QELLIB10_INTERNAL_API std::string FixedText(double value, int decimals);
 
 /// Fewer digits than a double has.
 inline constexpr int kMostExponentDecimals = 14;

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "qellib10/platform/export.h"
+
 // Characters and names of XML, in UTF-8.
 namespace qel {
 
@@ -38,7 +40,7 @@ constexpr bool IsSameXmlName(const char* a, const char* b) {
 }
 
 /// Whether the bytes are UTF-8, and every character one of XML.
-bool IsUtf8OfXml(std::string_view text);
+QELLIB10_INTERNAL_API bool IsUtf8OfXml(std::string_view text);
 
 /// Whether the process's code page has every character.
 bool IsInCodePage(std::string_view utf8);
@@ -47,10 +49,10 @@ bool IsInCodePage(std::string_view utf8);
 std::string WithXmlCharacters(std::string utf8);
 
 /// The text with LF for CR LF and for CR.
-std::string WithPlainLineEnds(std::string_view utf8);
+QELLIB10_INTERNAL_API std::string WithPlainLineEnds(std::string_view utf8);
 
 /// The text with references replaced by their characters: `&amp;` `&lt;` `&gt;` `&quot;` `&apos;` `&#n;` `&#xh;`.
 /// @throws DataError for any other `&`
-std::string WithoutReferences(std::string_view utf8);
+QELLIB10_INTERNAL_API std::string WithoutReferences(std::string_view utf8);
 
 }  // namespace qel
