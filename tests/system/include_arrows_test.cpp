@@ -49,14 +49,11 @@ const std::vector<Row> kStandsOn = {
 };
 
 // The foreign libraries that others than platform include: the number type of one stands in the interface of CBCD, the
-// other one is what the companion library is about. The demonstration is an application: it takes the library as a whole.
+// other one is what the companion library is about. The demonstration is an application: it takes the library as a
+// whole.
 constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
-    {"calc", "qellib10/decnumber/"},
-    {"gtk", "gtk/"},
-    {"demo", "qellib10/qellib10.h"},
-    {"demo", "axis_steps.h"},
-    {"demo", "user_store.h"},
-    {"demo", "unistd.h"},
+    {"calc", "qellib10/decnumber/"}, {"gtk", "gtk/"},          {"demo", "qellib10/qellib10.h"},
+    {"demo", "axis_steps.h"},        {"demo", "user_store.h"}, {"demo", "unistd.h"},
 };
 
 const Row* Find(const std::string& node) {
