@@ -293,7 +293,8 @@ TEST_F(Replacement, KeepsOwnerListAndAttributes) {
         GTEST_SKIP() << "needs lists, attributes and root";
     }
     ASSERT_EQ(::chown(m_folder.Posix("b").c_str(), 1234, 5678), 0);
-    EXPECT_EQ(set("b", "security.capability", std::string("\1\0\0\2\0\4", 6) + std::string(14, '\0')), 0);
+    const char capability[20] = {1, 0, 0, 2, 0, 4};
+    EXPECT_EQ(set("b", "security.capability", std::string(capability, sizeof(capability))), 0);
     replace();
     EXPECT_EQ(valueOf("security.capability"), "") << "the new bytes may not do what the old ones might";
     EXPECT_EQ(Line({StatusOf("b").st_uid, StatusOf("b").st_gid, StatusOf("b").st_mode & 07777}),
