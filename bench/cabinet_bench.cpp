@@ -1,7 +1,9 @@
 // Promises about registering 1 MiB in a cabinet, which beside a row with a blob of 1 MiB in SQLite, flushed, takes the
 // same time whatever the cabinet holds already; and about taking out of 200 versions of 1 MiB, beside reading and
 // writing 1 MiB.
-//   Register/* >= 0.7 RegisterPeer/*
+//   Register/1MiB >= 0.7 RegisterPeer/*
+//   Register/200MiB >= 0.7 RegisterPeer/*
+//   Register/2GiB >= 0.7 RegisterPeer/*
 //   Register/2GiB <= 1.2 Register/1MiB
 //   TakeOut/* >= 0.85 TakeOutPeer/*
 #include <benchmark/benchmark.h>
