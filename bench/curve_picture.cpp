@@ -1,8 +1,7 @@
 // Draws the curves of a file into a PNG picture of 1200 x 800, as bench/picture_beside_gnuplot has gnuplot do.
 //
-//   curve_picture make FILE NOISE     writes 10 series of 100,000 points, x and y as doubles of this machine, one
-//   series
-//                                     after the other: waves with noise of this height, in pixels of the picture
+//   curve_picture make FILE NOISE     writes 10 series of 100,000 points, one series after the other, x and y as doubles
+//                                     of this machine: waves with noise of this height, in pixels of the picture
 //   curve_picture draw FILE PICTURE   draws them
 //   curve_picture ink PICTURE         prints how many pixels are dark
 #include <png.h>

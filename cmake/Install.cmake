@@ -37,6 +37,16 @@ install(FILES ${PROJECT_BINARY_DIR}/script/libqellib10.so DESTINATION ${CMAKE_IN
 install(FILES qellib10.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10 COMPONENT development)
 qellib10_install_pc(qellib10 development)
 
+# The programs of the documentation's pages, for people who begin.
+set(QELLIB10_EXAMPLES_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqellib10)
+install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/examples COMPONENT development
+  FILES_MATCHING PATTERN *.cpp PATTERN gtk.cpp EXCLUDE)
+if(TARGET qellib10-gtk)
+  install(FILES docs/examples/gtk.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development)
+  install(DIRECTORY examples/viewer DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development
+    FILES_MATCHING PATTERN *.h PATTERN *.cpp)
+endif()
+
 configure_package_config_file(cmake/QELLIB10Config.cmake.in ${PROJECT_BINARY_DIR}/QELLIB10Config.cmake
   INSTALL_DESTINATION ${QELLIB10_PACKAGE_DIR} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QELLIB10ConfigVersion.cmake COMPATIBILITY SameMajorVersion)

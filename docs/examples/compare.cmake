@@ -1,4 +1,12 @@
-# Runs PROGRAM in the emptied FOLDER and compares what it prints with the one text block of PAGE; 77 means "skipped".
+# Compares SOURCE with the program that PAGE prints. Then runs PROGRAM in the emptied FOLDER and compares its output with
+# the one text block of PAGE; 77 means "skipped".
+file(READ ${PAGE} page)
+file(READ ${SOURCE} source)
+string(FIND "${page}" "\n```cpp\n${source}```\n" at)
+if(at EQUAL -1)
+  message(FATAL_ERROR "${PAGE} prints another program than ${SOURCE}; scripts/docs copies the source into the page")
+endif()
+
 file(REMOVE_RECURSE ${FOLDER})
 file(MAKE_DIRECTORY ${FOLDER})
 foreach(variable QELLIB10_REGISTRY_DIR QELLIB10_STATE_DIR QELLIB10_PDF_DIR)
@@ -11,7 +19,6 @@ if(result EQUAL 77)
   return()
 endif()
 
-file(READ ${PAGE} page)
 if(NOT page MATCHES "\n```text\n([^`]*)```")
   message(FATAL_ERROR "${PAGE} does not say what the program prints")
 endif()

@@ -17,14 +17,14 @@ struct RestartOperation {
     std::string target;  // empty: delete the source
 };
 
-/// Moves and deletions that are put off to the next start, in the order of their requests. They stand in a text file
-/// that the program qel-restart-operations carries out, one line each:
+/// Moves and deletions that are put off to the next start, in the order of their requests. They are in a text file that
+/// the program qel-restart-operations carries out, one line each:
 ///
 ///     - 1f0d3c5a9e4b7d62 b7c4...-boot-id R /path/from /path/to
 ///     x 83a6d1b20c9f5e47 b7c4...-boot-id D /path
 ///     |  |               |               +- R move, replacing; D delete. Bytes but letters, digits, / . _ - as %XX
-///     |  |               +- start of the system at which it was requested ("-": not known); it is never carried out
-///     there |  +- FNV-1a, 64 bits, of all that follows the blank behind it; a line that does not match is passed over
+///     |  |               +- start of the system at which it was requested ("-": not known); not carried out there
+///     |  +- FNV-1a, 64 bits, of everything after the blank that follows it; lines that do not match are skipped
 ///     +- x once carried out
 ///
 /// A line is marked as soon as it is done and on the disk, so a run that was killed or cut off from power goes on where
