@@ -4,8 +4,17 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// The 128-bit identifier that documents and history records are told apart by. A new object holds the null GUID (all
-/// 16 bytes zero).
+/// The 128-bit identifier that tells documents and history records apart. File names change and numbers are given
+/// twice; a GUID made here is never given again, so a copied or renamed document can still be recognised.
+///
+/// @code
+/// const CGuid id = CGuid::CreateNewGuid();
+/// if (id.IsNull()) return;              // the system gives no random bytes
+/// const CString text = id.GetString();  // such as {01234567-89AB-4DEF-8123-456789ABCDEF}
+/// @endcode
+///
+/// A value of 16 bytes; a new object holds the null GUID (all bytes zero). Nothing is thrown but std::bad_alloc by
+/// GetString.
 class QELLIB10_API CGuid {
 public:
     CGuid() noexcept = default;

@@ -11,18 +11,32 @@
 
 class CArchive;
 
-/// A growable buffer of bytes: instrument telegrams and binary records are built in it field by field, taken apart by
-/// position, compared and archived.
+/// A growable buffer of bytes in which telegrams and binary records are built field by field and taken apart by
+/// position. It prevents two mistakes of arrays: reading or writing outside of a telegram that came too short, and
+/// numbers in the wrong byte order.
 ///
-/// Positions and sizes count bytes from 0. A negative position or count, and an end beyond what an int can count, is
-/// refused with the result 0 and nothing changed; so is a null pointer. Memory that cannot be had gives 0 as well, or
-/// an append that does not happen. Serialize throws what the archive does, and std::bad_alloc comes from what makes a
-/// text: GetString and the signed fields. Data may always lead into the buffer itself.
+/// @code
+/// CQBinary request;
+/// request.AddByte(0x02);
+/// request.AddString("DOSE");
+/// CQBinary answer("\x01\xA9\x03", 3);
+/// answer.SetEndian(1);                       // highest byte first
+/// if (answer.GetSize() < 3) return;          // positions outside read as 0
+/// const short model = answer.GetShort(0);    // 425
+/// @endcode
 ///
-/// The capacity is what callers may count on: 1024 bytes at first, taken at the first use and zero until written. A
-/// first block, SetSize and SetBinary without a position take exactly the size where the capacity is too small; else
-/// it grows to the next multiple of 1024 above the wanted size (1024 becomes 2048 for 1025 bytes, 3072 for 2048). It
-/// does not shrink, not even when the memory is freed, except in DeleteTop and by assignment, which takes the source's.
+/// Positions and sizes count bytes from 0. A null pointer, a negative position or count, and an end that an int cannot
+/// count are refused: the result is 0 and nothing is changed. If there is no memory the result is 0 as well, or nothing
+/// is appended. Data may point into the buffer itself. Serialize throws what the archive throws; GetString and the text
+/// fields throw std::bad_alloc.
+///
+/// The capacity is what callers may count on: 1024 bytes at first, taken at the first use and zero until written. The
+/// first block, SetSize and SetBinary without a position take exactly the size if the capacity is too small. Otherwise
+/// it grows to the next multiple of 1024 above the size (1024 becomes 2048 for 1025 bytes, 3072 for 2048). It does not
+/// shrink, not even when the memory is freed, except in DeleteTop and by assignment, which takes that of the source.
+///
+/// Kept for telegrams in the field: SetBinary at a position ends the buffer after the bytes that it writes; the text
+/// fields write the minus sign of a negative number twice; see also AddBinary and DeleteTop.
 class QELLIB10_API CQBinary {
 public:
     CQBinary() noexcept = default;

@@ -34,13 +34,26 @@ QELLIB10_API double RoundByRule(double x, int digits, int mode);
 
 }  // namespace qel
 
-/// The conversions between numbers, texts and times that displays, transfer texts, CSV files and queries share, as
-/// static helpers; an object is a small value holder.
+/// The one way from numbers and times to text and back. Displays, reports, telegrams, CSV files and queries call it, so
+/// a result looks the same everywhere. It prevents two rules of rounding in one program: printf shows 0.125 with two
+/// decimals as 0.12, and the report has 0.13.
 ///
-/// Texts are in the process's code page and never cut inside a double-byte character; the decimal sign is "." whatever
-/// the locale. A null text counts as the empty one; to a null target nothing is written. Widths and numbers of digits
-/// that are written out are taken within 0 to 512, but for the size of a target, which is what the caller says. The
-/// helpers keep no state and may be called from any thread. Nothing is thrown but std::bad_alloc.
+/// @code
+/// const double stored = CQVariant::fround(0.125, 2, 0);            // 0.13
+/// const CString shown = CQVariant::DoubleToStr(0.125, 2, 0);       // "0.13", by the same rule
+/// const CString table = "pH " + CQVariant::DoubleToStr(7.0, 2, 0);  // "pH 7.00", whatever the locale
+/// @endcode
+///
+/// An object holds one value of six types; everything else is static, keeps no state and may be called from any thread.
+/// Texts are in the code page of the process and never cut inside a double-byte character. A null text counts as the
+/// empty one; nothing is written to a null target. Widths and numbers of digits are taken within 0 to 512, except for
+/// the size of a target, which the caller knows. Nothing is thrown but std::bad_alloc.
+///
+/// Kept: fround is not the rounding of school in all cases, since its results are in files (see there; CBCD::Round is).
+/// Nor do StrToInt and StrToDouble report a text that is no number: what an instrument sends is for qel::ReadNumber.
+///
+/// Rounding is here; the object's own members are in q_variant.cpp, numbers in q_variant_number.cpp, texts, versions
+/// and values of databases in q_variant_text.cpp, times in q_variant_time.cpp.
 class QELLIB10_API CQVariant {
 public:
     // --- Rounding, numbers to text ---

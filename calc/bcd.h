@@ -5,23 +5,33 @@
 #include "qellib10/platform/fractional.h"
 #include "qellib10/platform/text/string.h"
 
-/// A decimal number of 15 significant digits and exponents from -383 to 384, for results that must not suffer the
-/// rounding errors of doubles. A thin value over decNumber: one number and one context, nothing on the heap, copied as
-/// plain memory.
+/// A decimal number of 15 significant digits and exponents from -383 to 384. It prevents the rounding errors of doubles
+/// in results that people check by hand: in doubles 0.1 + 0.2 is 0.30000000000000004, and 1.005 rounds to 1.00.
+///
+/// @code
+/// CBCD sum = CBCD("0.1") + "0.2";
+/// const CString text = sum.GetString(2, DEC_ROUND_HALF_UP);  // "0.30"
+/// CBCD measured(qel::NumberText(1.005));                      // a double: by its shortest text
+/// const CString rounded = measured.GetString(2, DEC_ROUND_HALF_UP);  // "1.01"
+/// @endcode
+///
+/// A thin value over decNumber: one number and one context, nothing on the heap, copied as plain memory.
 ///
 /// Nothing here fails. Text that is no number and impossible operations give NaN, a division by zero or an exponent
-/// above 384 gives Infinity, less than 1E-397 rounds to that or to 0; whoever needs to know asks the value.
+/// above 384 gives Infinity, less than 1E-397 rounds to that or to 0; a caller who needs to know asks the value.
 ///
 /// Each number has a rounding mode of its own for the operations in which it is the left operand: half-up at first,
-/// then the one last given to Round, GetString or GetDouble. Modes are the library's: 0 ceiling, 1 up (away from zero),
-/// 2 half-up, 3 half-even, 4 half-down, 5 down (toward zero), 6 floor, 7 up after a last digit of 0 or 5 and else down.
-/// With any other mode an operation that has to round gives NaN.
+/// then the one last given to Round, GetString or GetDouble. Modes are those of the library: 0 ceiling, 1 up (away from
+/// zero), 2 half-up, 3 half-even, 4 half-down, 5 down (toward zero), 6 floor, 7 up after a last digit of 0 or 5 and
+/// otherwise down. With any other mode an operation that has to round gives NaN.
 ///
 /// An operand is a CBCD, a decNumber, a text in decNumber's syntax (12, -1.5, 2.5E-3, Infinity, NaN) or an int; other
 /// integer types convert to int first. A floating-point operand does not compile, since as an int it would lose its
-/// decimals: give the text that is meant. Of a measured value that is qel::NumberText's, with all digits that the
-/// double needs, of which 15 are kept here; Round then rounds as by hand. (CQVariant::DoubleToStr has rounded already,
-/// by its own rule, which makes 2.4 of 2.34999.)
+/// decimals: give the text that is meant. For a measured value that is the one of qel::NumberText, with all digits that
+/// the double needs, of which 15 are kept here; Round then rounds as by hand. (CQVariant::DoubleToStr has rounded
+/// already, by its own rule, which makes 2.4 of 2.34999.)
+///
+/// Kept: GetString writes 100 with two decimals as 1E+2.00, and GetDouble reads it as 100; see both.
 class QELLIB10_API CBCD {
 public:
     /// 0, half-up.

@@ -15,25 +15,38 @@ namespace qel {
 class CalcVariableIndex;
 }
 
-/// The named values of a result in the order in which they were added, with a setting that rounds every value that
-/// enters or leaves the list through its operations.
+/// The named values of a result in the order in which they were added, with one setting that rounds every value that
+/// enters or leaves the list. So a report that lists the values and a formula that uses them see the same digits: who
+/// checks the result by hand, from the report, gets it.
 ///
-/// Names are compared byte for byte, with regard to case. Names may occur twice; an operation by name acts on the
-/// first entry that matches. Indices count from 0 in list order. Operations answer 1, or 0 when there is no such entry
-/// (a negative index, or a null @p out, counts as none); nothing is changed then.
+/// @code
+/// CCalcVariableList list;
+/// list.SetRoundUpFlag(1);
+/// list.SetRoundUpDigit(2);
+/// CCalcVariable volume;
+/// volume.m_szName = "VOL";
+/// volume.m_dValue = 16.519;
+/// list.AddVariableData(volume);  // 16.52 from here on
+/// @endcode
+///
+/// Names are compared byte for byte; upper and lower case differ. A name may occur twice; an operation by name uses the
+/// first entry that matches. Indices count from 0 in the order of the list. Operations return 1, or 0 when there is no
+/// such entry (also for a negative index or a null @p out); nothing is changed then. One thread at a time, for look-ups
+/// too.
 ///
 /// While the round-up flag is not 0, "rounded" below means CQVariant::fround(value, round-up digit, 0).
 ///
 /// In an archive (see CCalcVariable for the encoding), always written in version 1.01:
 ///
-///     text     tag "QWCalc"; "QX-APP" is read as well
-///     text     version "1.01"; "1.00" is read as well, it lacks the next two and means 0 by them
+///     text     tag "QWCalc"
+///     text     version "1.01"
 ///     1 byte   round-up flag, low byte; read unsigned
 ///     4 bytes  round-up digit
 ///     4 bytes  count of variables, signed; a negative one is read as 0
 ///     ...      the variables, each with its own tag and version
 ///
-/// One thread at a time, for look-ups too.
+/// Kept for older files: the tag "QX-APP" is read as well, and version "1.00", in which flag and digit are missing and
+/// count as 0.
 class QELLIB10_API CCalcVariableList : public CObject {
 public:
     /// An empty list, flag and digit 0.

@@ -9,27 +9,42 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// Checks and evaluates result formulas such as "(VOL-BLANK)*CONC*F/SAMPLE" over the named variables of a list.
+/// Checks and evaluates result formulas such as "(VOL-BLANK)*CONC*F/SAMPLE", which users write, over the named
+/// variables of a list. A formula is checked when it is written, so that a misspelt name or a missing bracket does not
+/// show up on the day of the measurement; and the check marks the variables that the result depends on.
+///
+/// @code
+/// CCalcVariableList list;
+/// CCalcVariable variable;
+/// variable.m_szName = "EP";
+/// variable.m_dValue = 16.519;
+/// list.AddVariableData(variable);
+/// CQWCalc calculator;
+/// calculator.SetCalcVarList(list);
+/// double result = 0;
+/// if (!calculator.CheckCalcFormula("", "ep * 0.1")) return;              // also rounds what it uses, see there
+/// if (!calculator.ConcCalculation("ep * 0.1", &result)) return;          // a division by zero
+/// @endcode
 ///
 ///     expression   terms joined by + and -, left to right
 ///     term         factors joined by * and /, left to right
 ///     factor       "(" expression ")" or a number
 ///     number       an optional "-", decimal digits with at most one ".", then possibly a variable's name
 ///
-/// Names are found without regard to the case of letters (the list's own operations have regard to it); they may hold
-/// any character but blank, tab and ( ) * + - / =. The first entry of the list that matches counts.
+/// Names are found without regard to the case of letters (the operations of the list distinguish it). They may hold any
+/// character but blank, tab and ( ) * + - / =. The first entry of the list that matches counts.
+///
+/// A formula has at most 255 bytes; text after a zero byte is not read. Names may be as long as the formula. Operations
+/// return 1, or 0 for every failure. Nothing depends on the locale. One thread at a time.
 ///
 /// Kept, so that formulas already in the field mean what they always meant:
 /// - Blanks and tabs are skipped everywhere, so "1 2" is 12 and "ab c" is the variable abc.
 /// - An operator may not follow another; a minus sign may only begin an expression, and not before "(": "2*(-3)" is
 ///   right, "2*-3" and "-(3)" are errors.
-/// - A number may be empty and counts 0: "2*" is 0, "+3" is 3, an empty formula is 0.
+/// - A number may be empty and counts as 0: "2*" is 0, "+3" is 3, an empty formula is 0.
 /// - A name replaces the digits before it: "2x" is x.
-/// - The check pass reads constants without their leading minus, so that "1/(2-2)" is refused, and so is "1/(-2-2)".
+/// - The check pass reads constants without their leading minus, so "1/(2-2)" is refused, and so is "1/(-2-2)".
 /// - It takes the difference of two single variables of one name, or of two combined expressions, for 0.
-///
-/// A formula has at most 255 bytes; text after a zero byte is not read. Names may be as long as the formula.
-/// Operations answer 1, or 0 for every failure. Nothing depends on the locale. One thread at a time.
 class QELLIB10_API CQWCalc : public CObject {
 public:
     CQWCalc();

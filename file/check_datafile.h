@@ -14,20 +14,34 @@ class CheckSums;
 }
 
 /// A seal on a data file, by which an application can tell later that the file is one of its own, unchanged and under
-/// its own name, and how often it was sealed. It is a trailer behind the file's own data, which stay as they are:
+/// its own name, and how often it was sealed. Without it a file that a copy has cut, or that somebody has edited, is
+/// read as if it were a result. The seal finds accidents and careless changes; it does not stop a person who has this
+/// library from sealing a changed file again.
+///
+/// @code
+/// CQFile file;
+/// if (!file.Open("sample7.dat", CFile::modeCreate | CFile::modeReadWrite | CFile::shareDenyWrite)) return;
+/// file.Write("EP 16.519 mL\r\n", 14);
+/// CCheckDatafile seal;
+/// if (!CCheckDatafile::PackNewData(&file)) return;
+/// if (!seal.ReadPackData(&file)) return;  // changed, cut or renamed
+/// const int version = seal.GetVersion();  // 1
+/// @endcode
+///
+/// It is a trailer after the file's own data, which stay as they are:
 ///
 ///     own data | info length (4) | file name, zero | version (4) | GUID (16) | CRC (4) | sum (4) | trailer length (4)
 ///
-/// Sealing again counts the version up and writes the new trailer over the old one. Data that are to change are written
-/// anew without a trailer and sealed (isNew) by an object that has read the old seal: identity and count go on.
+/// Sealing again raises the version and writes the new trailer over the old one. Data that are to change are written
+/// again without a trailer and sealed (isNew) by an object that has read the old seal: identity and version go on.
 ///
-/// Operations work on an open file of the caller's and answer 1, or 0 when the check fails, the system refuses or
-/// memory runs out; nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power
-/// cut a file that was just sealed may have its former seal or none, but a seal that passes is after the data that it
-/// was made for. The trailer is written by one call, once its checksums are known: a process that is killed while it
-/// seals again leaves the former seal or the next one, or, where the trailer crosses a border of pages and the process
-/// is killed there, one that does not pass; the file's own data are whole then, too. Unless stated they leave the
-/// file's position anywhere.
+/// Operations work on an open file of the caller and return 1, or 0 when the check fails, the system refuses or memory
+/// runs out; nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power cut a
+/// file that was just sealed may have its former seal or none, but a seal that passes is after the data that it was
+/// made for. The trailer is written by one call, once its checksums are known. A process that is killed while it seals
+/// again leaves the former seal or the next one. If the trailer crosses a border of pages and the process is killed
+/// there, it leaves one that does not pass; the file's own data are whole then, too. Unless stated, operations leave
+/// the file's position anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();

@@ -25,15 +25,25 @@ QELLIB10_API LogState CanLog();
 
 }  // namespace qel
 
-/// The process's log: one text file, lines with their time, dumps of byte blocks, and a threshold.
+/// The log of the process: one text file, lines with their time, dumps of byte blocks, and a threshold. Many threads
+/// and programs may log to one file. The class exists so that their lines never mix: the file is opened for each
+/// message while nobody else has it open, and is only appended to.
+///
+/// @code
+/// CLog::SetLogLevel(2);
+/// CLog::SetLogFile("C:\\data\\meter.log");
+/// if (const qel::LogState log = qel::CanLog(); !log) return;  // log.reason is for the user; LogOut would be silent
+/// CLog::LogOut(1, "titration started");
+/// CLog::LogOut(3, "too detailed for level 2");
+/// @endcode
 ///
 ///     [2012/01/03 09:05:07],message CR LF
 ///     48 65 6C 6C 6F  Hello CR LF              a dump: up to 16 bytes in hexadecimal, a blank, the bytes as they are
 ///
-/// Times are local. The file is opened for each message so that nobody else has it open meanwhile, which keeps the
-/// lines of all threads and processes whole and apart; it is only appended to. Any thread may log and set.
+/// Times are local. Any thread may log and set.
 ///
-/// Beside it stands a buffer of 1024 bytes for messages, and a named mutex by which users of the buffer take turns.
+/// Kept for programs that use it: a buffer of 1024 bytes for messages, and a named mutex by which its users take turns.
+/// The log itself needs neither.
 class QELLIB10_API CLog {
 public:
     CLog() = default;

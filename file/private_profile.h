@@ -9,17 +9,24 @@
 #include "qellib10/platform/text/string_array.h"
 #include "qellib10/platform/types.h"
 
-/// Settings by section and key, kept in an INI file or below a key of the registry.
+/// Settings by section and key, in an INI file or below a key of the registry, by the same calls. The application
+/// chooses the place once. The class prevents half-written settings: a program that is killed while it writes leaves
+/// the old settings or the new ones (in a folder where it may make files), and two programs that write at once both
+/// succeed.
 ///
-///     CPrivateProfile ini("C:\\data\\meter.ini");
-///     CPrivateProfile registry("HKEY_CURRENT_USER\\Software\\Meter", CPrivateProfile::registryMode);
-///     registry.Set("Window", "Width", 640);
+/// @code
+/// CPrivateProfile settings("HKEY_CURRENT_USER\\Software\\Meter", CPrivateProfile::registryMode);
+/// settings.Set("Window", "Width", 640);
+/// const int width = settings.Get("Window", "Width", 800);  // 800 if there is none
+/// CPrivateProfile method("C:\\data\\meter.ini");
+/// if (!method.SetDouble("Titration", "Factor", 1.006)) return;  // Set would make an int of it, so it does not compile
+/// @endcode
 ///
 /// In the registry a section is a key below the profile's own; null, or the empty section, is the profile's key itself.
-/// A null @p key is the section's default value there. In an INI file it means all of the section: setting deletes it,
+/// A null @p key is the section's default value there. In an INI file it means the whole section: setting deletes it,
 /// reading gives its first name.
 ///
-/// Operations answer 1, or 0 when they failed; reading answers the default then. Nothing is thrown but std::bad_alloc,
+/// Operations return 1, or 0 when they failed; reading returns the default then. Nothing is thrown but std::bad_alloc,
 /// by Get of a text alone. What the storage does with names, texts and concurrent use: qel::ReadProfileString, and
 /// registry.h.
 class QELLIB10_API CPrivateProfile {

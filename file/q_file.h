@@ -7,13 +7,30 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// The library's file: CFile with temporary files that delete themselves, checksums, comparison, search and copying.
-/// The static operations on names and folders take paths with the backslash; null counts as the empty text, searches
-/// for a backslash step by characters.
+/// CFile with the steps around a data file that programs otherwise write again and again: temporary files that delete
+/// themselves, checksums, comparison, copying, names built and taken apart, trees of folders. It prevents the common
+/// faults of such code: a half copy under the final name, a deletion that follows a link, a backslash found inside a
+/// double-byte character.
 ///
-/// Nothing throws but what CFile throws from, Close, WriteFromFile and ReadToFile. An int is 1 on success and 0 on
-/// failure unless stated, also when memory runs out; a text is empty on failure, but then throws std::bad_alloc: an
-/// empty name would be taken for one. Destroying an open temporary file leaves it on the disk.
+/// @code
+/// CQFile draft;
+/// if (!draft.CreateTempFile("res", 1)) return;
+/// draft.Write("EP 16.519 mL\r\n", 14);
+/// const CString folder = CQFile::BuildFilePath("C:\\data", "2026");
+/// if (!CQFile::CreateDirectories(folder)) return;
+/// if (!draft.CloseTo(CQFile::BuildFilePath(folder, "sample7.dat"))) return;  // whole, or the old file stays
+/// @endcode
+///
+/// The static operations on names and folders take paths with the backslash; null counts as the empty text.
+///
+/// CFile's operations throw what CFile throws, and so do Close, WriteFromFile and ReadToFile. Nothing else throws,
+/// except that operations which return a text throw std::bad_alloc: an empty name would be taken for a name. An int is
+/// 1 on success and 0 on failure unless stated, also when memory runs out; a text is empty on failure. Destroying an
+/// open temporary file leaves it on the disk.
+///
+/// Opening and closing is in q_file.cpp, checksums, search and comparison in q_file_content.cpp, WriteFromFile and
+/// ReadToFile in q_file_copy.cpp, folders and moves in q_file_folder.cpp, names in q_file_path.cpp, places of the
+/// system in q_file_place.cpp, delayed operations in q_file_restart.cpp, shell links and versions in q_file_shell.cpp.
 class QELLIB10_API CQFile : public CFile {
 public:
     /// What GetLastError answers.

@@ -12,66 +12,35 @@ struct DataScale;
 }
 
 /// Draws up to 512 series of measured points (index 0 to 511) as curves in a frame with grid lines, values at the ends
-/// of the axes and dimensions, on any surface.
+/// of the axes and dimensions, on any surface. The curve on the screen, in a picture and in a printed report come from
+/// the same object. So what a person signs is what was seen, and no point is lost on the way: thinning changes no
+/// pixel.
 ///
-///     CQelGraph graph;                              // series 0 is shown, from 0 to 100 on both axes
-///     graph.SetXDimStr(0, "mL");
-///     for (const auto& [volume, potential] : measured) graph.AddData(0, volume, potential);
-///     graph.SetDrawSize(400, 300);
-///     graph.GraphDraw(&dc, 0, 0);
+/// @code
+/// CQelGraph graph;  // series 0 is shown, from 0 to 100 on both axes
+/// graph.SetXDimStr(0, "mL");
+/// graph.SetXMaxRange(0, 25);
+/// for (int i = 0; i <= 250; ++i) graph.AddData(0, i / 10.0, 60 + i % 7);
+/// CDC dc;
+/// CBitmap picture;
+/// if (!dc.CreateCompatibleDC(nullptr) || !picture.CreateBitmap(400, 300, 1, 32, nullptr)) return;
+/// dc.SelectObject(&picture);
+/// graph.SetDrawSize(400, 300);
+/// graph.GraphDraw(&dc, 0, 0);
+/// @endcode
 ///
-/// **Series** have axes of their own and a view mode:
+/// View modes, how texts and values are placed, reversed axes, and what drawing costs: docs/graphs.md.
 ///
-/// | View mode | Drawn as                                                                                             |
-/// |-----------|------------------------------------------------------------------------------------------------------|
-/// | 0         | nothing                                                                                              |
-/// | 1         | a line through the points in the order in which they were added; with plot flag 1 each has a circle  |
-/// | 2         | a bar from each point to the bottom                                                                  |
-/// | 3         | the paper of a recorder: each value is held until the next one comes, time runs from left to right   |
-/// | 4         | the same with the time from right to left: the start of the x axis is at the right edge              |
+/// Setters return 1, or 0 for a series index outside 0 to 511; getters -1 for it. The order of the virtual operations
+/// is fixed. A graph is used by one thread at a time. Nothing is copied for drawing; a copy of a graph has all its
+/// points.
 ///
-/// **Texts** are outside the draw area, and outside a wide outline as far as the margins allow. Along each side the
-/// first text of an axis (minimum, on vertical sides maximum) stands at one end, the other at the other end, the
-/// dimension in the middle. All axes of one side share the space that the largest of their texts needs: each further
-/// axis has its texts next to those of the ones before, on vertical sides a line further, in its own colours. A text
-/// that finds no room between the others is left out; none is ever cut or written over another.
+/// Kept for layouts in the field: an axis whose minimum is above its maximum has its texts, but its curve is not drawn
+/// (docs/graphs.md shows how to reverse one); all axes of one side share the space of the largest text.
 ///
-/// **Values.** A point is placed by (x - minimum) * width / |maximum - minimum|, cut to whole units and kept within
-/// 65530 of the area; so infinities are far outside, and a line goes there. The y axis is the same with its minimum at
-/// the bottom. When both ends of an axis are equal a value equal to them lies at the start of the axis (y in coordinate
-/// mode 0: at the top), others far outside. A point with a NaN, or with an axis that makes it NaN, is a gap in a line,
-/// and is no bar, mark or cross.
-///
-/// **Reversed axes.** An axis whose minimum is above its maximum has its texts, but its curve is not drawn: distances
-/// count by |maximum - minimum|, so all values between both ends lie outside the area, and what is in the area (from
-/// the minimum on upward; in y of coordinate mode 0 from the maximum on downward) is not what the texts say. Kept for
-/// layouts in the field.
-/// Instead take view mode 4 for a time that runs from right to left. Any other curve is shown reversed by its negated
-/// values, with the ends of the axis as fixed texts:
-///
-///     CAxisStyle axis;                          // 14 at the left, 0 at the right
-///     axis.SetMinRange(-14);
-///     axis.SetMaxRange(0);
-///     axis.SetLabelType(2);
-///     axis.SetMinStr("14");
-///     axis.SetMaxStr("0");
-///     axis.SetViewMode(2);                      // below the area
-///     graph.SetXRangeStyle(0, axis);
-///     graph.AddData(0, -pH, potential);
-///
-/// **Speed.** Points are never copied for drawing. A redraw reads each once, 1 to 4 ns per point. A solid line with a
-/// unit per pixel then passes on at most five points for each run of points in one column, with exactly the pixels of
-/// all of them: a thin one on any surface, a wide one on pictures. Dashed pens, other map modes, and wide pens on other
-/// surfaces take every point.
-///
-/// A wide pen of up to 32 pixels takes at most 4 times as long as a thin one where x grows, column by column. It takes
-/// longer the more often the line changes its column: measured were 6 (width 2) to 12 times (32) where x varies by a
-/// pixel, 4 to 11 times where points are scattered, and 12 to 28 times where all of them are in two columns at the left
-/// edge of the area, where the clip cuts the pen off. A pen of more than 32 pixels takes 14 to 80 times as long. A
-/// dashed pen of 1 pixel takes at most 4 times as long as a thin solid one where x grows, with many points per column.
-///
-/// Setters answer 1, or 0 for a series index outside 0 to 511; getters -1 for it. The order of the virtual operations
-/// is fixed. A graph belongs to one thread at a time.
+/// Settings and GraphDraw are in qel_graph.cpp, frame, grid and texts in qel_graph_frame.cpp, the areas and places of
+/// values in qel_graph_layout.cpp, curves and bars in qel_graph_series.cpp, marks, fitted lines and the cross in
+/// qel_graph_marks.cpp, single strokes in qel_graph_primitives.cpp, GetPrintJob in qel_graph_print.cpp.
 class QELLIB10_API CQelGraph {
 public:
     CQelGraph();

@@ -10,13 +10,18 @@
 #include "qellib10/print/queue_data.h"
 
 /// Several print jobs on the pages of one document: each job is a cell of the grid into which the page style divides a
-/// page. All of them have the same page style.
+/// page. It saves paper and keeps order: reports are laid out when a result is made, kept as files, and printed
+/// together later, without the data that they came from.
 ///
-///     CQelPrintJobDocumentData document;
-///     for (const char* path : paths) document.CheckAndAddJobFile(path);
-///     document.PrintOut();
+/// @code
+/// CQelPrintJobDocumentData document;
+/// for (const char* path : {"sample1.job", "sample2.job"})
+///     if (!document.CheckAndAddJobFile(path)) return;  // cannot be loaded, or has another page style
+/// if (!document.PrintOut()) return;
+/// @endcode
 ///
-/// Operations answer 1, or 0 on failure. One thread at a time.
+/// All jobs of a document have the same page style. A document goes to the printer as a whole, when it ends. Operations
+/// return 1, or 0 on failure. One thread at a time.
 class QELLIB10_API CQelPrintJobDocumentData {
 public:
     CQelPrintJobDocumentData();

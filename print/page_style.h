@@ -32,11 +32,24 @@ private:
 }  // namespace qel
 
 /// The paper and the printer of a print job: names, form, orientation and resolution, margins, and how many cells a
-/// page is divided into. Margins, paper size and positions are in tenths of a millimetre; what is drawn is in the
-/// printer's device units.
+/// page is divided into. A report that was laid out for one sheet and printed on another loses its edge; so every job
+/// carries its own style, and a document takes only jobs of the same style.
+///
+/// @code
+/// CQelPrintJobPageStyle style;  // A4, portrait
+/// style.SetPrinterDevice("PDF");
+/// style.SetDpi(600);
+/// style.SetTopMargin(200);  // 20 mm
+/// style.SetBottomMargin(200);
+/// style.SetPrintBlock(CSize(1, 3));  // three reports on a page
+/// @endcode
+///
+/// Margins, paper size and positions are in tenths of a millimetre; what is drawn is in the device units of the
+/// printer. Set the resolution before something is drawn: in a job without one, marks have no size and millimetres are
+/// not converted.
 ///
 /// A style owns at most one context of its printer (the selected one). Copies and assignment leave it where it is; an
-/// assigned style drops its own, unless it is assigned to itself. Operations answer 1, or 0 (null) on failure; nothing
+/// assigned style drops its own, unless it is assigned to itself. Operations return 1, or 0 (null) on failure; nothing
 /// is thrown.
 class QELLIB10_API CQelPrintJobPageStyle {
 public:

@@ -14,17 +14,21 @@ class XmlElementWriter;
 class XmlNode;
 }  // namespace qel
 
-/// A print job: the paper and printer that it is meant for, and the commands that draw it. It is kept in a job file, an
-/// XML document (docs/formats.md), and printed by CQelPrintJobDocumentData, alone or with others on a page.
+/// A print job: the paper and printer that it is meant for, and the commands that draw it. It records a report at the
+/// moment of the result, so that a later print shows what was signed, not what the program would draw today. It is kept
+/// in a job file, an XML document (docs/formats.md), and printed by CQelPrintJobDocumentData, alone or with others on a
+/// page.
 ///
-///     CQelPrintJobQueueData job;
-///     job.GetPageStyle().SetDpi(600);
-///     job.SetDefaultFont("Arial", 100, RGB(0, 0, 0));
-///     job.AddMillimetreCommandText(CRect(100, 100, 900, 160), "Titration", 1);
-///     job.AddMillimetreCommandLine(CRect(100, 165, 900, 165));
-///     job.SaveJobFile("result.job");
+/// @code
+/// CQelPrintJobQueueData job;
+/// job.GetPageStyle().SetDpi(600);  // before anything in millimetres
+/// job.SetDefaultFont("Arial", 100, RGB(0, 0, 0));
+/// job.AddMillimetreCommandText(CRect(100, 100, 900, 160), "Titration", 1);
+/// job.AddMillimetreCommandLine(CRect(100, 165, 900, 165));
+/// if (!job.SaveJobFile("result.job")) return;
+/// @endcode
 ///
-/// Operations answer 1, or 0 when a file is missing or refused, or memory runs out; a load may have added a part then.
+/// Operations return 1, or 0 when a file is missing or refused, or memory runs out; a load may have added a part then.
 /// The public ones throw nothing but std::bad_alloc, by construction, copying and SetDefaultFont alone. One thread at a
 /// time.
 class QELLIB10_API CQelPrintJobQueueData {

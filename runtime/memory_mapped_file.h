@@ -4,15 +4,22 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// A block of memory that processes of one user share under a name.
+/// A block of memory that processes of one user share under a name: a measuring program writes readings, and others
+/// show them without a file between. It lives as long as any process has it open; a killed process leaves nothing
+/// behind. It has no lock: two programs that change it at the same time need CAutoLockedMemoryMappedFile, or a reader
+/// sees half a reading.
 ///
-///     CMemoryMappedFile block;
-///     if (!block.Open(6, "readings", 4096)) return block.GetLastError();
-///     void* view = block.GetDataPtr(2, 0);
+/// @code
+/// CMemoryMappedFile block;
+/// if (!block.Open(6, "readings", sizeof(double))) return;  // block.GetLastError() says why
+/// const auto* const reading = static_cast<const double*>(block.GetDataPtr(4, 0));
+/// if (reading == nullptr) return;
+/// const double shown = *reading;  // 0 in a new block
+/// @endcode
 ///
-/// A name has up to 260 bytes and no backslash but one behind "Global" or "Local"; its case counts. It lives as long as
-/// any process has the block open. A new block is zero, an existing one keeps its size and bytes; a killed process
-/// leaves nothing behind. A forked child has none of its parent's blocks open, though their views stay mapped in it.
+/// A name has up to 260 bytes and no backslash except after "Global" or "Local"; upper and lower case differ. A new
+/// block is zero, an existing one keeps its size and bytes. A forked child has none of its parent's blocks open, but
+/// their views stay mapped in it.
 ///
 /// Copies share the handle and the view, which are not duplicated: the first of them to close or unmap does it for all,
 /// and for the others these operations fail without harm. One thread at a time.
@@ -63,11 +70,21 @@ private:
     DWORD m_nAccess = 0;
 };
 
-/// The same, with the block to itself while a view is mapped: every process that maps it through this class waits until
-/// no other has a view. The lock is the named mutex "MM::" and the block's name, so that 256 bytes are left for that.
+/// A CMemoryMappedFile that one process has to itself while it has mapped a view: every other process that maps it
+/// through this class waits until then. So nobody reads a block that is half written, and nobody can forget the lock.
 ///
-/// A process, or a thread, that ends with a view gives up its lock; nobody is told that it may have left the block half
-/// written. The thread that has mapped a view is the one that unmaps it.
+/// @code
+/// CAutoLockedMemoryMappedFile block;
+/// if (!block.Open(6, "readings", sizeof(double))) return;
+/// auto* const reading = static_cast<double*>(block.GetDataPtr(2, 0));  // waits
+/// if (reading == nullptr) return;
+/// *reading = 16.519;
+/// block.GetDataPtrUnmap();  // the next one has its turn
+/// @endcode
+///
+/// The lock is the named mutex "MM::" and the block's name, so 256 bytes are left for the name. A process or thread
+/// that ends with a view gives up its lock; it is not reported that it may have left the block half written. The thread
+/// that has mapped a view is the one that unmaps it.
 class QELLIB10_API CAutoLockedMemoryMappedFile : public CMemoryMappedFile {
 public:
     CAutoLockedMemoryMappedFile() = default;

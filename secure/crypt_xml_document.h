@@ -11,14 +11,18 @@ namespace qel {
 class XmlDocument;
 }
 
-/// A document of settings or data: a tree of XML with one root, whose nodes are named by paths, kept in a file that is
-/// enciphered or plain.
+/// A document of settings or data: a tree of XML whose nodes are named by paths, in a file that is enciphered or plain.
+/// It prevents documents that nobody can read again: text that is not well-formed, or a name that the code page lacks,
+/// is refused when it is set or loaded, not found on the day when the method is needed. LockFile keeps the file open
+/// from reading to saving; it does not keep out another program that does the same, and the last LockCommit counts.
 ///
-///     CCryptXMLDocument method;
-///     if (!method.LockFile("method.xml", 0, 1)) return 0;
-///     if (method.GetXMLString().IsEmpty()) method.SetXMLString("<Method/>");
-///     method.SetNodeText("Limits/Item[end()]", "7.0");
-///     return method.LockCommit();
+/// @code
+/// CCryptXMLDocument method;
+/// if (!method.LockFile("method.xml", 0, 1)) return;
+/// if (method.GetXMLString().IsEmpty()) method.SetXMLString("<Method/>");
+/// method.SetNodeText("Limits/Item[end()]", "7.0");
+/// if (!method.LockCommit()) return;
+/// @endcode
 ///
 /// A path is XPath 1.0 from the root element, which it does not name: `Settings/Unit` is the child Unit of the root's
 /// child Settings. Predicates count from 1, and `end()` is the last of the matching siblings. Prefixes are part of a
@@ -26,20 +30,22 @@ class XmlDocument;
 ///
 ///     Item[2]    Item[@k='x']    Item[end()]    Item/@k
 ///
-/// Text is in the process's code page. Characters that it lacks are kept as numeric references (`&#228;`) in the text
-/// of the document, and answered as their best fit. XML that is not well-formed is refused; so are elements nested
+/// Text is in the code page of the process. Characters that it lacks are kept as numeric references (`&#228;`) in the
+/// text of the document, and returned as their best fit. XML that is not well-formed is refused; so are elements nested
 /// deeper than 512, references to entities of a document type, and names that the code page lacks. Nothing outside the
 /// document is read. A file of 2 GiB or more is neither loaded nor written. White space between elements is kept; line
 /// ends are written as CR LF.
 ///
-/// Files are written in place, once all bytes are ready, and are on the disk when the operation answers. One that could
-/// not be written is put back; a crash in mid-write leaves a part of it. Who needs more saves under another name and
-/// moves that file to its place. The key is a constant, so an enciphered file is kept from
-/// casual readers and no more.
+/// Files are written in place, once all bytes are ready, and are on the disk when the operation returns. A file that
+/// could not be written is put back; a crash in the middle leaves a part of it. A caller who needs more saves under
+/// another name and moves that file to its place. The key is a constant, so an enciphered file is protected from casual
+/// readers and no more.
 ///
-/// Operations answer 1, or 0 when a file, a text or a path is missing or refused, or memory runs out. Nothing is thrown
+/// Operations return 1, or 0 when a file, a text or a path is missing or refused, or memory runs out. Nothing is thrown
 /// but std::bad_alloc, by construction and GetXMLString alone: an empty text would be a document without a root. A text
 /// that is refused leaves the document empty. One thread at a time.
+///
+/// Kept as applications know it: after LockRollback the document counts as locked; see there.
 class QELLIB10_API CCryptXMLDocument {
 public:
     /// Empty, and enciphered when it is saved.

@@ -34,18 +34,27 @@ struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
 };
 
 /// A cabinet keeps every registered version of a document in one file, oldest first, so that any earlier state can be
-/// taken out again. Versions count from 1 and never change once written.
+/// taken out again. It prevents the loss of a state that somebody signed: versions count from 1 and never change once
+/// written, and a crash or a power cut while a new one is registered costs none of them.
+///
+/// @code
+/// CHistoryCabinetFile cabinet;
+/// const bool isThere = CQFile::IsExist("method.hcf") != 0;  // Create would replace it
+/// if (!(isThere ? cabinet.Open("method.hcf", 0) : cabinet.Create("method.hcf"))) return;
+/// if (!cabinet.RegistNewVersion("method.xml")) return;  // after 1 the version is on the disk
+/// if (!cabinet.GetVersionFile(1, "first.xml")) return;  // also 0 when its data do not match their checksums
+/// @endcode
 ///
 ///     offset 0    header, 36 bytes     "HCF1", where the latest version is, how many, GUID, sum and CRC of bytes 0-27
 ///     offset 36   version 1            "CVH1", number, size, sum, CRC (20 bytes), then the data
 ///     ...         version 2, 3, ...    appended; integers little-endian, so a cabinet ends below 4 GiB
 ///
-/// A version's bytes are on the disk before the header names them, and the header is right at every moment. So a
-/// cabinet outlives a crash or a loss of power in the middle of a registration: every version whose registration had
-/// answered 1 is there, perhaps the one under way too, and what is left of it otherwise is cut off by the next one.
+/// A version's bytes are on the disk before the header names them, and the header is right at every moment. So after a
+/// crash every version whose registration returned 1 is there, perhaps the one under way too. What is left of it
+/// otherwise is cut off by the next registration.
 ///
 /// While a cabinet is open others may read its file but not write to it, so no other object has it open for writing.
-/// Operations answer 1, or 0 when a file is missing, damaged or refused by the system, or memory runs out; nothing is
+/// Operations return 1, or 0 when a file is missing, damaged or refused by the system, or memory runs out; nothing is
 /// thrown but std::bad_alloc by construction. Copies share the open file and its position; each has its own copy of the
 /// header, which Open, Create and RegistNewVersion read. One thread at a time.
 class QELLIB10_API CHistoryCabinetFile {

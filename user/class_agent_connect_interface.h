@@ -4,11 +4,22 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/user/user_info.h"
 
-/// The connection to a user store: who has an account, who may log on, and what the accounts hold. An application
-/// derives a class and hands an object of it to CSystemSetting, which calls these operations and no others.
+/// What the library asks of a user store: who has an account, who may log on, and what the accounts hold. Passwords are
+/// the matter of the store alone; the library never compares or keeps one, so an application can use the accounts of
+/// its company without a change here. It derives a class and passes an object of it to CSystemSetting, which calls
+/// these operations and no others.
 ///
-/// An int is not 0 for yes or success, and 0 for no or failure, unless stated. The slots of the table of virtual
-/// operations are fixed and count from 1, the destructor being slot 1; reserved ones answer 0.
+/// @code
+/// CClassAgentConnectInterface& OurStore();  // of the application
+/// CSystemSetting setting(&OurStore());
+/// if (!setting.LogonWithoutDialog("mori", "violet")) return;
+/// if (setting.GetLogonUserSecurityLevel(100) < 1) return;  // the application's function 100 is not allowed
+/// @endcode
+///
+/// An int is not 0 for yes or success, and 0 for no or failure, unless stated.
+///
+/// Kept for stores that were built for an earlier version: the slots of the table of virtual operations are fixed. They
+/// count from 1, the destructor being slot 1; reserved ones return 0.
 class QELLIB10_API CClassAgentConnectInterface {
 public:
     CClassAgentConnectInterface() = default;

@@ -27,22 +27,34 @@ concept ArchiveScalar = (std::integral<T> || std::floating_point<T>)&&sizeof(T) 
 
 }  // namespace qel
 
-/// A stream of values over an open file, in one direction for its life:
+/// Stores values in a file and loads them in the same order, in the framework's bytes, so that archives travel between
+/// both systems. It prevents the mistake of trusting a damaged file: a length or count from an archive takes no memory
+/// before the bytes are there, and whatever does not fit throws.
+///
+/// @code
+/// CFile file("method.arc", CFile::modeCreate | CFile::modeReadWrite);
+/// CArchive archive(&file, CArchive::store);
+/// archive << 16.519 << CString("EP");
+/// archive.Close();  // the last bytes reach the file here; a full disk throws
+/// @endcode
+///
+/// An archive has one direction for its life. Its bytes:
 ///
 ///     number          its bytes, lowest first; bool is one byte
 ///     text            length, bytes, no terminator. The length is one byte up to 254, then FF and a word up to 65533,
-///                     then FF FFFF and a double word. When reading: FF FFFE in front of the length announces UTF-16LE
+///                     then FF FFFF and a double word. When reading: FF FFFE before the length announces UTF-16LE
 ///     count           a word below FFFF, else FFFF and a double word
-///     object pointer  a word 0 for null; 1 to 7FFE the number of an object that stands in the archive already; 8000 +
+///     object pointer  a word 0 for null; 1 to 7FFE the number of an object that is in the archive already; 8000 +
 ///                     class number, and the object's data; FFFF, schema (word), name length (word), name, and the data
 ///                     of the class's first object. Numbers from 7FFF on: 7FFF and a double word, bit 31 for a class.
 ///                     Classes and objects are numbered together from 1 as they appear, an object before its data
 ///
-/// A Serialize called directly writes no object header. A length, count or number out of an archive is never believed:
-/// memory grows only with the bytes that have arrived.
+/// A Serialize called directly writes no object header.
 ///
 /// Failures throw: CArchiveException for the archive itself, CFileException from the file. The file must stay open
-/// until the archive is closed; between, its position is the archive's business. One thread at a time.
+/// until the archive is closed; until then its position belongs to the archive. One thread at a time.
+///
+/// Numbers and bytes are in archive.cpp, texts in archive_text.cpp, objects and classes in archive_object.cpp.
 class QELLIB10_API CArchive {
 public:
     enum Mode : UINT {

@@ -9,13 +9,27 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// A file on disk: open by name and flags, read and write at a position of 64 bits. Names use the backslash; a forward
-/// slash works too. Operations throw CFileException unless they say otherwise; on a closed file fileNotFound, code 6.
+/// A file on disk, opened by name and flags. Several programs use the files of an instrument at the same time. Without
+/// share modes one of them reads a file that another one is still writing, or overwrites one that is being read. Here
+/// each opening says what others may do meanwhile, and this ends with the process, however it ends.
+///
+/// @code
+/// CFile file;
+/// CFileException error;
+/// if (!file.Open("curve.dat", CFile::modeRead | CFile::shareDenyWrite, &error)) return;  // m_lOsError 32: in use
+/// char head[36];
+/// if (file.Read(head, sizeof head) < sizeof head) return;  // the file ends earlier
+/// @endcode
+///
+/// Positions have 64 bits. Names use the backslash; a forward slash works too. Operations throw CFileException unless
+/// they say otherwise; on a closed file fileNotFound, code 6. One thread at a time.
 ///
 /// The share mode holds between all openings of a file by programs that use this library, within one process and across
-/// processes: an opening is refused (sharingViolation, code 32) that does what another one denies, or denies what
+/// processes. An opening is refused (sharingViolation, code 32) if it does what another one denies, or denies what
 /// another one does. Without share bits nobody else may have the file open. A file that is open anywhere is neither
-/// deleted, renamed nor replaced. One thread at a time.
+/// deleted, renamed nor replaced.
+///
+/// GetStatus, Remove and Rename are in file_status.cpp, everything else in file.cpp.
 class QELLIB10_API CFile {
 public:
     enum OpenFlags : UINT {

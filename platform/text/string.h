@@ -9,9 +9,19 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
-/// Text of bytes in the process's code page, with value semantics. Lengths and positions count bytes; text may hold
-/// zero bytes. Searches and comparisons step by characters, so that the trail byte of a double-byte character never
-/// matches a letter, a backslash or a bracket; Left, Mid and Right cut at any byte (CQVariant::MBLeft does not).
+/// Text of bytes in the code page of the process, under the name that the framework has for it. It prevents a mistake
+/// that is easy with std::string: in a double-byte code page the second byte of a character may look like a letter, a
+/// backslash or a bracket. Searches, comparisons and trims step by characters, so they never find such a half.
+///
+/// @code
+/// CString path("C:\\data\\sample 7.dat");
+/// const CString name = path.Mid(path.ReverseFind('\\') + 1);  // "sample 7.dat"
+/// CString line;
+/// line.Format("%s: %.2f mL", name.GetString(), 16.519);  // GetString: %s does not print a CString itself
+/// @endcode
+///
+/// A value: copies are independent. Lengths and positions count bytes, and the text may hold zero bytes. Left, Mid and
+/// Right cut at any byte; CQVariant::MBLeft cuts between characters. No number depends on the locale.
 class QELLIB10_API CString {
 public:
     CString() noexcept = default;
