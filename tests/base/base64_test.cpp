@@ -5,7 +5,6 @@
 #include <random>
 #include <string_view>
 
-#include "../support/line.h"
 #include "../support/test.h"
 #include "qellib10/base/base64_avx2.h"
 #include "qellib10/base/base64_plain.h"
@@ -37,7 +36,7 @@ std::pair<std::string, int> Decoded(const std::string& text, int room) {
 
 }  // namespace
 
-TEST(Base64, StandardVectors) {
+TEST(Base64, GivesThePublishedTexts) {
     std::ifstream vectors(QELLIB10_TEST_DATA "/base64_rfc4648.txt");
     int count = 0;
     for (std::string bytes, text; std::getline(vectors, bytes, '\t') && std::getline(vectors, text); ++count) {
@@ -78,7 +77,7 @@ TEST(Base64, AllFormsAgree) {
     }
 }
 
-TEST(Base64, PaddingPartialGroupsAndWhatDoesNotFit) {
+TEST(Base64, PartialGroupsAreDecodedAndWhatDoesNotFitIsRefused) {
     using namespace std::string_literals;
     EXPECT_EQ(Decoded("QQ==QUJD", 6), std::pair("A\0\0ABC"s, 6));  // only the last group is looked at
     EXPECT_EQ(Decoded("QUJDQQ", 4), std::pair("ABCA"s, 3));

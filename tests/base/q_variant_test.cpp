@@ -5,8 +5,6 @@
 
 #include "qellib10/resource/string_ids.h"
 
-#include "../support/code_page_scope.h"
-#include "../support/line.h"
 #include "../support/test.h"
 
 namespace {
@@ -30,9 +28,8 @@ TEST(QVariant, KeepsTypeAndValueAndEqualsOnlyTheSameType) {
     invalid.SetStatus(COleDateTime::invalid);
     int type = 0;
     for (const CQVariant& holder : {CQVariant(), Holding(true), Holding(1), Holding(1.0F), Holding(1.0),
-                                    Holding("a text is no truth value"), Holding(date)}) {
+                                    Holding("a text is no truth value"), Holding(date)})
         EXPECT_EQ(holder.GetType(), type++);
-    }
     CQVariant copy = Holding(CString("text"));
     EXPECT_TRUE(copy == "text" && Holding(kNaN) == kNaN && Holding("a") != Holding("A"));
     copy = Holding(date);
@@ -43,84 +40,53 @@ TEST(QVariant, KeepsTypeAndValueAndEqualsOnlyTheSameType) {
 }
 
 TEST(QVariant, TimesShowAsClocks) {
-    const Cases<double, const char*> cases = {
-        // with days, without, with hours of two digits
-        {90061, "1 1:01:01 25:01:01 25:01:01"},
-        {59.99, "0:00:59 0:00:59 00:00:59"},
-        {1e300, "  "},
-        {kNaN, "  "},
-        {3661, "1:01:01 1:01:01 01:01:01"},
-        {86400, "1 0:00:00 24:00:00 24:00:00"},
-        {-0.5, "0:00:-1 0:00:-1 00:00:-1"},
-    };
-    for (const auto& [x, expected] : cases) {
+    for (const auto& [x, expected] : Cases<double, const char*>{
+             // with days, without, with hours of two digits
+             {90061, "1 1:01:01 25:01:01 25:01:01"},
+             {59.99, "0:00:59 0:00:59 00:00:59"},
+             {1e300, "  "},
+             {kNaN, "  "},
+             {3661, "1:01:01 1:01:01 01:01:01"},
+             {86400, "1 0:00:00 24:00:00 24:00:00"},
+             {-0.5, "0:00:-1 0:00:-1 00:00:-1"},
+         })
         EXPECT_EQ(Line({V::DoubleToDatetimeStr(x), V::DoubleToTimeStr(x), V::DoubleToTimeH2Str(x)}), expected);
-    }
 }
 
-TEST(QVariant, RoundsByTheFirstDroppedDigit) {
-    const Cases<double, int, int, double> cases = {
-        {1.005, 2, 0, 1.01},
-        {-1.005, 2, 0, -1.01},  // the doubles lie below the halves
-        {2.344, 2, 1, 2.35},
-        {2.349, 2, -1, 2.34},
-        {-2.344, 2, 7, -2.35},
-        {1.0001, 2, 1, 1},
-        {1e300, 2, 0, 1e300},
-        {2.34999, 1, 0, 2.4},
-        {2.3498, 1, 0, 2.3},  // a hundredth of the dropped digit below the half is the half
-        {0.4498, 1, 0, 0.4},  // digits after the first dropped one do not carry
-        {1250, -2, 0, 1300},
-        {1250, -2, -1, 1200},
-        {-1201, -2, 1, -1300},
-        {7, -1, 5, 70},
-        {5e20, -21, 0, 1e21},
-        {5, -400, 0, 0},
-        {5, -400, 5, kInfinity},
-        {0, -400, 5, 0},
-        {1.25, 400, 0, 1.25},
-        {0, 400, 0, 0},
-        {1.25, kMost, 0, 1.25},
-        {1.25, kLeast, 1, 0},
-        {-kInfinity, -2, 0, -kInfinity},
-    };
-    for (const auto& [x, digits, mode, expected] : cases) {
+TEST(QVariant, RoundsToTensAndBeyondTheRangeOfDoubles) {
+    for (const auto& [x, digits, mode, expected] : Cases<double, int, int, double>{
+             {1.005, 2, 0, 1.01},
+             {-1.005, 2, 0, -1.01},  // the doubles lie below the halves
+             {1250, -2, 0, 1300},
+             {-1201, -2, 1, -1300},
+             {5, -400, 0, 0},
+             {5, -400, 5, kInfinity},
+             {0, -400, 5, 0},
+             {1.25, 400, 0, 1.25},
+             {0, 400, 0, 0},
+             {1.25, kMost, 0, 1.25},
+             {1.25, kLeast, 1, 0},
+             {-kInfinity, -2, 0, -kInfinity},
+         })
         EXPECT_DOUBLE_EQ(V::fround(x, digits, mode), expected) << x << ", " << digits << ", " << mode;
-    }
     EXPECT_TRUE(std::isnan(V::fround(kNaN, 2, 0)) && std::signbit(V::fround(-0.001, 2, 0)));
 }
 
 TEST(QVariant, ShowsNumbersInTheirForms) {
     const Cases<CString, const char*> cases = {
-        // All places, and no exponent.
-        {V::DoubleToStr(0.125, 2, 0), "0.13"},
         {V::DoubleToStr(2.5, 0, 0), "3"},
-        {V::DoubleToStr(-2.5, 0, 0), "-3"},
-        {V::DoubleToStr(100, 3, 0), "100.000"},
         {V::DoubleToStr(-0.001, 2, 0), "-0.00"},
         {V::DoubleToStr(-0.0, 2, 0), "0.00"},
         {V::DoubleToStr(0, 0, 0), "0"},
-        {V::DoubleToStr(1e-5, 5, 0), "0.00001"},
         {V::DoubleToStr(1250, -2, 0), "1300"},
         {V::DoubleToStr(kNaN, 1, 0), "nan"},
         {V::DoubleToStr(3e9, 0, 0), "-2147483648"},
         {V::DoubleToStr(kNaN, 0, 0), "-2147483648"},
         {V::DoubleToStr(-kInfinity, 1, 0), "-inf"},
-        {V::DoubleToStr(22517998136852.47, 2, 0), "22517998136852.47"},
-        // Ties and others where doubles are far apart.
-        {V::DoubleToStr(75223483557905.375, 2, 0), "75223483557905.38"},
-        {V::DoubleToStr(8796093022208.001953125, 4, 0), "8796093022208.0020"},
-        {V::DoubleToStr(-436314709930443.0625, 3, 0), "-436314709930443.063"},
-        {V::DoubleToStr(9007199254740993.0, 1, 0), "9007199254740992.0"},
-        {V::DoubleToStr(8796093022208.001953125, 4, 1), "8796093022208.0039"},
-        {V::DoubleToStr(1e22, 1, 0), "10000000000000000000000.0"},
         {V::DoubleToStr(1, kMost, 0).Mid(513), "0"},
         // Exponents of two digits, where they do.
         {V::ExponentialDigit3to2(1234.5), "  1.235E+03"},
-        {V::ExponentialDigit3to2(-1234.5), " -1.235E+03"},
         {V::ExponentialDigit3to2(12345.5), "  1.235E+04"},
-        {V::ExponentialDigit3to2(1.2345e20), "  1.235E+20"},
-        {V::ExponentialDigit3to2(12355e5), "  1.236E+09"},
         {V::ExponentialDigit3to2(0), "  0.000E+00"},
         {V::ExponentialDigit3to2(1.5e-7), "  1.500E-07"},
         {V::ExponentialDigit3to2(9.9996), "  1.000E+01"},
@@ -145,23 +111,16 @@ TEST(QVariant, ReadsNumbersAsTheRuntimeDoes) {
     const Cases<const char*, int> integers = {
         {"", 0},
         {" \t12abc", 12},
-        {"+5", 5},
-        {" -5", -5},
         {"-+5", -5},
         {"--5", 5},
         {"- 5", -5},
         {"0x10", 0},
-        {"\x82\x50", 0},
         {"2147483648", kMost},
         {"-2147483648", kLeast},
         {"--9999999999999999999999", kMost},
-        {"-99999999999999999999", kLeast},
     };
     const Cases<const char*, double> numbers = {
-        {"12", 12},
         {"-+2.5", -2.5},
-        {".5", 0.5},
-        {"1e5", 1e5},
         {"-1d2x", -100},
         {"0.0e2", 0},
         {"", 0},
@@ -171,9 +130,7 @@ TEST(QVariant, ReadsNumbersAsTheRuntimeDoes) {
         {"1.5E-3", 0},  // the appended zeros lengthen the exponent
         {"1e", 1},
         {"inf", 0},
-        {"nan", 0},
         {"0x10", 0},
-        {"3,7", 3},
         {"1e99999999999999999999", kInfinity},
     };
     for (const auto& [text, expected] : integers) EXPECT_EQ(V::StrToInt(text), expected) << text;
@@ -184,22 +141,16 @@ TEST(QVariant, ReadsNumbersAsTheRuntimeDoes) {
     EXPECT_EQ(V::StrToDouble("12.75", 4), 12.7);
 }
 
-TEST(QVariant, FixedFieldsHaveTheirWidth) {
-    // clang-format off
-    const Cases<double, int, int, const char*> cases = {
-        {1.25, 20, 2, " 1.25"},
-        {-0.125, 20, 2, "-0.13"},
-        {2.5, 20, 0, " 3"},
-        {-123.456, 4, 1, "-123"},
-        {5, -1, 2, ""},
-        {7, 20, -3, " 7"},
-        {-0.0, 20, 1, " 0.0"},
-        {1e300, 6, 2, " 10000"},
-        {-99.5, 20, 0, "-100"},
-        {75223483557905.375, 20, 2, " 75223483557905.38"},
-    };
-    // clang-format on
-    for (const auto& [x, width, decimals, expected] : cases) {
+TEST(QVariant, FixedFieldsStartWithTheirSignAndAreCutToTheirWidth) {
+    for (const auto& [x, width, decimals, expected] : Cases<double, int, int, const char*>{
+             {1.25, 20, 2, " 1.25"},
+             {-123.456, 4, 1, "-123"},
+             {5, -1, 2, ""},
+             {7, 20, -3, " 7"},
+             {-0.0, 20, 1, " 0.0"},
+             {1e300, 6, 2, " 10000"},
+             {75223483557905.375, 20, 2, " 75223483557905.38"},
+         }) {
         char out[24] = {};
         V::DoubleToStr(x, out, width, decimals);
         EXPECT_STREQ(out, expected) << x << ", " << width << ", " << decimals;
@@ -245,7 +196,7 @@ TEST(QVariant, CutsBetweenCharacters) {
     V::strncopy(nullptr, text, 3);
 }
 
-TEST(QVariant, SplitWalksAList) {
+TEST(QVariant, SplitTakesOneItemAfterTheOther) {
     CString list("a,\x83\x7C,,b");
     std::vector<CString> parts;
     for (int i = 0; i < 5; ++i) parts.push_back(V::Split(list, ','));
@@ -257,37 +208,22 @@ TEST(QVariant, SplitWalksAList) {
 }
 
 TEST(QVariant, NamesWithNumbersSortByTheNumber) {
-    const Cases<const char*, const char*, int, int> cases = {
-        // as they are, and without regard to case
-        {"Sample9", "Sample10", -1, -1},
-        {"Sample", "Sample0", 0, 0},
-        {"a01", "a1", 0, 0},
-        {"7", "12", -1, -1},
-        {"b1", "a2", 1, 1},
-        {"A2", "a1", -1, 1},
-        {"A", "a", -1, 0},
-        {"", "", 0, 0},
-        {"ab", "abc", -1, -1},
-        {"abC", "ABc", 1, 0},
-        {"_", "B", 1, -1},  // folding is to lower case
-        {"\x83\x9F", "\x83\xBF", -1, -1},
-        {"a\x83", "a", 0, 0},  // Greek stays; a lone lead byte ends its text
-        {"\xB1"
-         "2",
-         "\x83\x41"
-         "1",
-         -1, -1},  // single bytes sort before double ones
-        {"\x82\x60"
-         "1",
-         "\x82\x81"
-         "1",
-         -1, 0},  // full-width A and a
-        {"\x83\x41"
-         "3",
-         "\x83\x61"
-         "2",
-         -1, -1}};  // the trail bytes are no letters
-    for (const auto& [a, b, order, foldedOrder] : cases) {
+    for (const auto& [a, b, order, foldedOrder] : Cases<const char*, const char*, int, int>{
+             // as they are, and without regard to case
+             {"Sample9", "Sample10", -1, -1},
+             {"Sample", "Sample0", 0, 0},
+             {"a01", "a1", 0, 0},
+             {"A2", "a1", -1, 1},
+             {"A", "a", -1, 0},
+             {"ab", "abc", -1, -1},
+             {"abC", "ABc", 1, 0},
+             {"_", "B", 1, -1},  // folding is to lower case
+             {"\x83\x9F", "\x83\xBF", -1, -1},
+             {"a\x83", "a", 0, 0},                      // Greek stays; a lone lead byte ends its text
+             {"\xB1\x32", "\x83\x41\x31", -1, -1},      // single bytes sort before double ones
+             {"\x82\x60\x31", "\x82\x81\x31", -1, 0},   // full-width A and a
+             {"\x83\x41\x33", "\x83\x61\x32", -1, -1},  // the trail bytes are no letters
+         }) {
         EXPECT_TRUE(V::StrCmp(a, b) == order && V::StrCmp(b, a) == -order) << a << ", " << b;
         EXPECT_EQ(V::StrCmpi(a, b), foldedOrder) << a << ", " << b;
     }
@@ -295,24 +231,18 @@ TEST(QVariant, NamesWithNumbersSortByTheNumber) {
 }
 
 TEST(QVariant, VersionsCompareByNumber) {
-    // clang-format off
-    const Cases<const char*, const char*, int> cases = {
-        {"1.2", "1.2.0", 0},
-        {"1.10", "1.9", 1},
-        {"1,2", "1.2", 0},
-        {" 1 . 2", "1.2", 0},
-        {"", "0.0", 0},
-        {"1.x", "1.0", 0},
-        {"", "0.0.1", -1},
-        {"2", "1.9.9", 1},
-    };
-    // clang-format on
-    for (const auto& [a, b, order] : cases) {
+    for (const auto& [a, b, order] : Cases<const char*, const char*, int>{
+             {"1.2", "1.2.0", 0},
+             {"1,2", "1.2", 0},
+             {" 1 . 2", "1.2", 0},
+             {"", "0.0", 0},
+             {"", "0.0.1", -1},
+             {"2", "1.9.9", 1},
+         })
         EXPECT_TRUE(V::VersionCmp(a, b) == order && V::VersionCmp(b, a) == -order) << a << ", " << b;
-    }
 }
 
-TEST(QVariant, TextsForFilesAndQueries) {
+TEST(QVariant, FilesAndQueriesGetTheirQuotes) {
     const Cases<CString, const char*> cases = {
         {V::STRtoCSV("5/2"), "\"5/2\""},
         {V::STRtoCSV("a\"b"), "\"a\"\"b\""},
@@ -330,9 +260,8 @@ TEST(QVariant, TextsForFilesAndQueries) {
     };
     for (const auto& [text, expected] : cases) EXPECT_STREQ(text, expected);
     for (const char* text : {"", "1", "+1.5", "-.", "1.2.3", "."}) EXPECT_STREQ(V::NoNumericToNull(text), text);
-    for (const char* text : {"-", "+", "1e5", " 1", "1-", "--1", "\x82\x50"}) {
+    for (const char* text : {"-", "+", "1e5", " 1", "1-", "--1", "\x82\x50"})
         EXPECT_STREQ(V::NoNumericToNull(text), "NULL") << text;
-    }
     EXPECT_EQ(V::VarToBStr("\x83\x5C"), u"\u30BD");
     EXPECT_TRUE(V::VarToInt(2.5) == 2 && V::VarToDouble(2.5) == 2.5);
     int values[] = {5, -5, 2};

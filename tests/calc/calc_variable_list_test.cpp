@@ -9,8 +9,6 @@
 #include "qellib10/platform/text/multibyte.h"
 
 #include "../support/archive_bytes.h"
-#include "../support/code_page_scope.h"
-#include "../support/line.h"
 #include "../support/test.h"
 
 namespace {
@@ -45,7 +43,7 @@ std::string Names(const CCalcVariableList& list) {
 
 }  // namespace
 
-TEST(CalcVariableList, ReplacesAppendsAndRounds) {
+TEST(CalcVariableList, AnAddedVariableReplacesTheFirstOfItsName) {
     CCalcVariableList list;
     list.SetRoundUpFlag(1);
     list.SetRoundUpDigit(2);
@@ -126,18 +124,16 @@ TEST(CalcVariableList, ArchivesInTheKnownBytes) {
 
 TEST(CalcVariableList, ReadsOlderVersionsAndStopsAtTheUnknown) {
     const std::string head = Text("QWCalc"), first = head + Text("1.00");
-    const Cases<std::string, int, const char*, int> cases = {
-        {Text("QX-APP") + Text("1.01") + '\xFF' + Int(2) + Int(1) + Golden("QX-APP"), 0, "A ", 255},
-        {first + Int(2) + Golden() + Golden(), 0, "A A ", 0},
-        {head + Text("1.02") + "rest", 4, "old ", 1},
-        {Text("QWCALC") + Text("1.01") + "rest", 4, "old ", 1},
-        {first + Int(-1) + "rest", 4, "", 0},
-        {first + Int(3) + Golden() + Golden("QWCalc", "2.00"), 18, "A ", 0},
-        {first + Int(3) + Golden("other"), 18, "", 0},
-        {first + Int(INT_MAX) + Golden(), kCut, "A ", 0},
-        {head + Text("1.01") + '\1' + Int(0), kCut, "old ", 1},
-    };
-    for (const auto& [bytes, left, names, flag] : cases) {
+    for (const auto& [bytes, left, names, flag] : Cases<std::string, int, const char*, int>{
+             {Text("QX-APP") + Text("1.01") + '\xFF' + Int(2) + Int(1) + Golden("QX-APP"), 0, "A ", 255},
+             {first + Int(2) + Golden() + Golden(), 0, "A A ", 0},
+             {head + Text("1.02") + "rest", 4, "old ", 1},
+             {first + Int(-1) + "rest", 4, "", 0},
+             {first + Int(3) + Golden() + Golden("QWCalc", "2.00"), 18, "A ", 0},
+             {first + Int(3) + Golden("other"), 18, "", 0},
+             {first + Int(INT_MAX) + Golden(), kCut, "A ", 0},
+             {head + Text("1.01") + '\1' + Int(0), kCut, "old ", 1},
+         }) {
         SCOPED_TRACE(testing::PrintToString(bytes));
         CCalcVariableList list;
         list.AddVariableData(Variable("old", 1));
