@@ -10,18 +10,13 @@
 #include <ctime>
 #include <random>
 #include <sstream>
-#include <string>
 #include <thread>
 
-#include <gtest/gtest.h>
-
+#include "../support/run_at_once.h"
+#include "../support/shared_state.h"
+#include "../support/test.h"
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/storage/file.h"
-#include "qellib10/tests/support/cases.h"
-#include "qellib10/tests/support/run_at_once.h"
-#include "qellib10/tests/support/shared_state.h"
-#include "qellib10/tests/support/soak.h"
-#include "qellib10/tests/support/temp_folder.h"
 
 namespace {
 
@@ -77,9 +72,8 @@ TEST_F(LogTest, ThreadsAndProcessesLoseAndMixNoLine) {
         const std::string name = std::to_string(writer) + ' ';
         const std::time_t start = std::time(nullptr);
         int line = 0;
-        for (; line < kLines && std::time(nullptr) - start < 9; ++line) {
+        for (; line < kLines && std::time(nullptr) - start < 9; ++line)
             CLog::LogOut(0, (name + std::to_string(line)).c_str());
-        }
         return kLines - line;
     };
     EXPECT_EQ(RunAtOnce(kWriters, write), 0);

@@ -4,11 +4,8 @@
 #include <cmath>
 #include <random>
 
-#include "../support/child_process.h"
 #include "../support/full_disk.h"
-#include "../support/line.h"
 #include "../support/registry_scope.h"
-#include "../support/soak.h"
 #include "../support/test.h"
 #include "qellib10/runtime/system_info.h"
 
@@ -133,18 +130,17 @@ TEST(PrivateProfile, ReadsIniTextAsThePlatformDoes) {
     folder.Write("a.ini", "[s]\nnumber=12abc\nempty=\nword=abc\nblank= +5 \nhuge=99999999999\nminus=- 5\nlong=x" +
                               kLongest + "\n");
     Profile ini(folder.Path("a.ini"));
-    const Cases<const char*, int, const char*> cases = {
-        {"number", 12, "12abc"},
-        {"empty", 7, "d  "},
-        {"word", 0, "abc"},
-        {"blank", 5, "+5"},
-        {"huge", 2147483647, "99999999999"},
-        {"minus", 0, "- 5"},
-        {"missing", 7, "d"},
-        {"long", 0, kLongest.c_str()},
-        {kNone, 0, "number"},
-    };
-    for (const auto& [key, number, text] : cases) {
+    for (const auto& [key, number, text] : Cases<const char*, int, const char*>{
+             {"number", 12, "12abc"},
+             {"empty", 7, "d  "},
+             {"word", 0, "abc"},
+             {"blank", 5, "+5"},
+             {"huge", 2147483647, "99999999999"},
+             {"minus", 0, "- 5"},
+             {"missing", 7, "d"},
+             {"long", 0, kLongest.c_str()},
+             {kNone, 0, "number"},
+         }) {
         EXPECT_EQ(ini.Get("s", key, 7), number) << text;
         EXPECT_EQ(ini.Get("s", key, "d  "), text);
     }
@@ -184,9 +180,8 @@ TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
                                                                 {"HKEY_CURRENT_USER\\Software\\Meter\\S", kNone, "v"},
                                                                 {"HKEY_LOCAL_MACHINE\\Software\\Meter", "S", "d"},
                                                                 {"HKEY_CLASSES_ROOT\\Software\\Meter", "S", "d"}};
-    for (const auto& [location, section, text] : cases) {
+    for (const auto& [location, section, text] : cases)
         EXPECT_EQ(Profile(location, 1).Get(section, "k", "d"), text) << location;
-    }
     for (const char* location : {"HKEY_USERS\\a", "HKEY_CURRENT_USER", "", "a.ini"}) {
         SCOPED_TRACE(location);
         Profile profile;
@@ -216,16 +211,15 @@ TEST_F(RegistryProfile, KeepsTypes) {
     EXPECT_EQ(Line({m_profile.Set("S", kNone, "default value"), m_profile.Set("S", "long", ('x' + kLongest).c_str())}),
               "1 1");
     qel::WriteRegistryValue(HKEY_CURRENT_USER, "Software\\Meter\\S", "", "ended", {REG_SZ, kLongest + '\0'});
-    const Cases<const char*, const char*, DWORD, const char*, int> cases = {
-        {"bytes", "a\0b", 3, "d", 7},
-        {"none", "", 0, "d", 7},
-        {"text", "12", 2, "12", 7},
-        {"number", "DCBA", 4, "d", 0x41424344},
-        {"", "", 13, "default value", 7},
-        {"long", "", 1024, "d", 7},
-        {"ended", "", 1024, kLongest.c_str(), 7},
-    };
-    for (const auto& [key, start, length, text, number] : cases) {
+    for (const auto& [key, start, length, text, number] : Cases<const char*, const char*, DWORD, const char*, int>{
+             {"bytes", "a\0b", 3, "d", 7},
+             {"none", "", 0, "d", 7},
+             {"text", "12", 2, "12", 7},
+             {"number", "DCBA", 4, "d", 0x41424344},
+             {"", "", 13, "default value", 7},
+             {"long", "", 1024, "d", 7},
+             {"ended", "", 1024, kLongest.c_str(), 7},
+         }) {
         SCOPED_TRACE(key);
         EXPECT_EQ(m_profile.Get("S", key, "d"), text);
         EXPECT_EQ(m_profile.Get("S", key, 7), number);
@@ -251,9 +245,8 @@ TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
     EXPECT_EQ(m_profile.Backup("2"), 1);
     m_profile.Set("A\\B", "k", 2);
     m_profile.Set("C", "k", "new");
-    for (const char* suffix : {"", "\\", "\\below", kNone}) {
+    for (const char* suffix : {"", "\\", "\\below", kNone})
         EXPECT_EQ(Line({m_profile.Backup(suffix), m_profile.Restore(suffix)}), "0 0");
-    }
     EXPECT_EQ(m_profile.Get("A\\B", "k", 0), 2);
     EXPECT_EQ(m_profile.Restore("2"), 1);
     EXPECT_EQ(Line({m_profile.Get(nullptr, "k", "d"), m_profile.Get("C", "k", "gone")}), "root gone");

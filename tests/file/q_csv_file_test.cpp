@@ -2,7 +2,6 @@
 
 #include <functional>
 
-#include "../support/child_process.h"
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
 #include "../support/temp_folder.h"

@@ -1,10 +1,5 @@
 #include <sys/stat.h>
 
-#include <filesystem>
-
-#include "../support/environment_scope.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/file/q_file.h"
 
@@ -38,20 +33,19 @@ TEST_F(FileFolders, MissingOnesAreMade) {
     fs::create_directories("q");
     fs::create_directories("net/server/share");
     // An empty first name is the root, an empty last one is ignored.
-    const Cases<std::string, const char*> cases = {
-        {"a\\b", "a/b"},
-        {"a\\c\\", "a/c"},
-        {"a\\..\\d", "d"},
-        {"e/f", "e/f"},
-        {m_folder.Name("g") + "\\h", "g/h"},
-        {"Q:\\i\\j", "q/i/j"},
-        {"q:k", "q/k"},
-        {"a\\b", "a/b"},
-        {"", ""},
-        {"\\\\server\\share\\l", "net/server/share/l"},
-        {"\x95\x5C\\\x83\x5C", "表/ソ"},
-    };
-    for (const auto& [path, made] : cases) {
+    for (const auto& [path, made] : Cases<std::string, const char*>{
+             {"a\\b", "a/b"},
+             {"a\\c\\", "a/c"},
+             {"a\\..\\d", "d"},
+             {"e/f", "e/f"},
+             {m_folder.Name("g") + "\\h", "g/h"},
+             {"Q:\\i\\j", "q/i/j"},
+             {"q:k", "q/k"},
+             {"a\\b", "a/b"},
+             {"", ""},
+             {"\\\\server\\share\\l", "net/server/share/l"},
+             {"\x95\x5C\\\x83\x5C", "表/ソ"},
+         }) {
         EXPECT_EQ(CQFile::CreateDirectories(path.c_str()), 1) << path;
         EXPECT_TRUE(fs::is_directory(m_folder.Posix(made))) << path;
         EXPECT_EQ(fs::current_path(), m_folder.Posix()) << path;
@@ -90,9 +84,8 @@ TEST_F(FileFolders, TreeStaysFromTheFirstFailureOn) {
     const EnvironmentScope net("QELLIB10_NET_ROOT", m_folder.Posix("").parent_path().c_str());
     const std::string share = "\\\\" + m_folder.Posix().filename().string() + "\\tree";
     for (const std::string& root :
-         {std::string("Q:\\"), std::string("q:"), std::string("Q:\\x\\.."), share, share + "\\."}) {
+         {std::string("Q:\\"), std::string("q:"), std::string("Q:\\x\\.."), share, share + "\\."})
         EXPECT_EQ(CQFile::DelTree(root.c_str()), 0) << root;
-    }
     CFile open("tree\\file", CFile::modeRead | CFile::shareDenyNone);
     EXPECT_EQ(CQFile::DelTree("tree"), 0);
     open.Close();

@@ -1,8 +1,3 @@
-#include <initializer_list>
-
-#include "../support/environment_scope.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/runtime/system_info.h"
@@ -32,7 +27,7 @@ TEST(FilePath, IsBuiltWithOneSeparator) {
     EXPECT_EQ(CQFile::BuildFileName("a", nullptr), "a.");
 }
 
-TEST(FilePath, IsTakenApart) {
+TEST(FilePath, PartsEndAtBackslashesAndDots) {
     Expect(CQFile::GetFilenameFromPath, {"d\\e/f -> e/f", "dir/file -> file", "file -> file", "d\\ -> ",
                                          "\x83\x5C\\\x95\x5C.txt -> \x95\x5C.txt", "\x95\x5C -> \x95\x5C"});
     Expect(CQFile::GetFolderFromPath,
@@ -46,22 +41,20 @@ TEST(FilePath, IsTakenApart) {
     EXPECT_EQ(CQFile::GetFilenameFromPath(nullptr), "");
 }
 
-TEST(FilePath, KnowsWhatCannotBeAName) {
-    for (const char* name : {"a\\b", "a/b", "a:b", "a,b.txt", "a;b", "a*", "?", "\"", "<", ">", "a|"}) {
+TEST(FilePath, ANameHasNoSeparatorOrWildcard) {
+    for (const char* name : {"a\\b", "a/b", "a:b", "a,b.txt", "a;b", "a*", "?", "\"", "<", ">", "a|"})
         EXPECT_EQ(CQFile::IsCorrectFilename(name), 0) << name;
-    }
     for (const char* name : {"a.txt", "\x95\x5C", "\x83\x7C", ""}) EXPECT_EQ(CQFile::IsCorrectFilename(name), 1);
     for (const auto& [name, dots] : {
              std::pair(".", 1),
              {"..", 1},
              {"...", 0},
              {"", 0},
-         }) {
+         })
         EXPECT_EQ(CQFile::IsDots(name), dots) << name;
-    }
 }
 
-TEST(FilePlace, AnswersForTheSystemAndItsModules) {
+TEST(FilePlace, IsThatOfTheSystemOrTheModule) {
     const TempFolder folder;
     const EnvironmentScope temporary("TMPDIR", folder.Posix().c_str());
     EXPECT_EQ(CQFile::GetTempFolder(), folder.Path() + '\\');

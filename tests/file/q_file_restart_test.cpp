@@ -1,13 +1,7 @@
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <string>
-
 #include "../support/child_process.h"
-#include "../support/environment_scope.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/restart/restart_queue.h"
 #include "qellib10/runtime/system_info.h"
@@ -72,7 +66,7 @@ TEST_F(Restart, WhatCannotBeLookedAtIsNeitherGoneNorFree) {
     std::filesystem::permissions(m_folder.Posix(), std::filesystem::perms::owner_all);
 }
 
-TEST_F(Restart, CannotBeAskedFor) {
+TEST_F(Restart, AFailedRequestLeavesTheFiles) {
     EXPECT_EQ(CQFile::MoveFileReboot(m_folder.Path("none"), m_folder.Path("x"), m_waiting, MAX_PATH), -3);
     EXPECT_EQ(m_folder.Count(), 2);
     const CFile open(m_target, CFile::modeRead);

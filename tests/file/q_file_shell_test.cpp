@@ -1,8 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <optional>
 
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/shell/folder_browser.h"
 #include "qellib10/resource/string_ids.h"
@@ -56,7 +54,7 @@ TEST(Shortcut, IsMadeAndDeletedWithItsExtension) {
     for (const int result : {1, 0}) EXPECT_EQ(CQFile::DeleteShortcut(folder.Path("a")), result);
 }
 
-TEST(VersionInfo, OfOurOwnModule) {
+TEST(VersionInfo, OfOurOwnModuleIsFound) {
     CString text("as it was");
     const CString program = CQFile::GetModuleFilePath(nullptr);
     EXPECT_EQ(CQFile::GetVersionInfo(program, "NoSuchKey", &text), 0);

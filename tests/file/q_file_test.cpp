@@ -2,11 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "../support/code_page_scope.h"
-#include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 
 namespace {
@@ -95,7 +91,7 @@ TEST_F(QFile, FindLeavesThePositionWhereAWalkByBytesWould) {
     }
 }
 
-TEST_F(QFile, ComparesFilesAndTellsWhatIsThere) {
+TEST_F(QFile, FilesAreComparedByBytesAndSizesAreRight) {
     const std::string big(300'000, 'a');
     folder.Write("a", big);
     const CFile held(folder.Path("a"), CFile::modeRead | CFile::shareDenyNone);
@@ -131,19 +127,16 @@ TEST_F(QFile, ComparesFilesAndTellsWhatIsThere) {
     EXPECT_EQ(qel::FileSize64(folder.Name("none")), std::nullopt);
 }
 
-TEST_F(QFile, CopiesFromAndToOtherFiles) {
+TEST_F(QFile, PartsOfOtherFilesAreCopiedInAndOut) {
     constexpr LONG kGeneric = -1;
     folder.Write("b", "0123456789");
-    // clang-format off
-    const Cases<UINT, DWORD, std::string, LONG> cases = {
-        {0, 0xFFFFFFFF, "ab0123456789", 0},
-        {3, 4, "ab3456", 0},
-        {50, 0, "ab", 0},
-        {50, 0xFFFFFFFF, "ab", kGeneric},
-        {7, 4, "ab789", kGeneric},
-    };
-    // clang-format on
-    for (const auto& [offset, count, expected, code] : cases) {
+    for (const auto& [offset, count, expected, code] : Cases<UINT, DWORD, std::string, LONG>{
+             {0, 0xFFFFFFFF, "ab0123456789", 0},
+             {3, 4, "ab3456", 0},
+             {50, 0, "ab", 0},
+             {50, 0xFFFFFFFF, "ab", kGeneric},
+             {7, 4, "ab789", kGeneric},
+         }) {
         Open("ab", CFile::modeReadWrite, 2);
         EXPECT_EQ(CodeOf([&, from = offset, size = count] { file.WriteFromFile(folder.Path("b"), from, size); }), code)
             << expected;
