@@ -9,17 +9,23 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// A file that comma-separated text is written to. The caller opens and closes it as any CQFile and puts each line
-/// together:
+/// Writes a table as comma-separated text that spreadsheets and databases read. It prevents the usual fault of such
+/// files: a quotation mark, a comma or a line end within a field that breaks the table for its reader.
 ///
-///     file.WriteCSVString("a\"b");   // "a""b"
-///     file.WriteDelimiter();
-///     file.WriteCSVString("");       // ""
-///     file.WriteCRLF();
+/// @code
+/// CQCSVFile table;
+/// if (!table.Open("readings.csv", CFile::modeCreate | CFile::modeReadWrite)) return;
+/// table.WriteCSVString("Sample \"A\"");  // "Sample ""A"""
+/// table.WriteDelimiter();
+/// table.WriteCSVString(CQVariant::DoubleToStr(7.005, 2, 0));
+/// table.WriteCRLF();
+/// table.Close();  // a full disk throws here, at the latest
+/// @endcode
 ///
-/// What is written collects in a block of 64 KiB. It goes to the file when the block is full and before this object
-/// does anything else with the file; Flush sends it as well. Another opening or a duplicate sees it only from then on,
-/// and a failure to write it, such as a full disk, is thrown only then (not by Abort or the destructor).
+/// The caller opens and closes it as any CQFile and puts each line together. What is written collects in a block of 64
+/// KiB. It goes to the file when the block is full and before this object does anything else with the file; Flush sends
+/// it as well. Another opening or a duplicate sees it only from then on. A failure to write it, such as a full disk, is
+/// thrown only then, but not by Abort or the destructor.
 class QELLIB10_API CQCSVFile : public CQFile {
 public:
     /// Delimiter, line end and quotation mark are those of the library's own string table, whatever texts an

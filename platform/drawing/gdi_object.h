@@ -57,7 +57,8 @@ public:
     operator HBRUSH() const noexcept { return static_cast<HBRUSH>(m_hObject); }
 };
 
-/// What texts are written in. An unknown or empty face is a default one, never a failure.
+/// What texts are written in. An unknown or empty face is a default one, never a failure. CreatePointFont and
+/// CreatePointFontIndirect are in point_font.cpp.
 class QELLIB10_API CFont : public CGdiObject {
 public:
     BOOL CreateFontIndirect(const LOGFONT* font);
