@@ -22,7 +22,7 @@ bool Change(const char* limit, CQDiffList& differences) {
     return method.SetNodeText("EndPoint/Limit", limit) && method.LockCommit();
 }
 
-// The method as it is now becomes the next version; the record of it goes behind those that are there.
+// The method as it is now becomes the next version; its record follows those of the versions before.
 bool Register(CHistoryCabinetFile& cabinet, CArchive& records, const char* who, const char* why) {
     CHistoryRenewInfo record;
     record.SetRenewDateTime(COleDateTime(2026, 3, 9, 14, 30, 0));

@@ -1,4 +1,4 @@
-// A result file is written, sealed, and found changed; settings and the log stand beside it.
+// A result file is written, sealed, and found changed; settings and the log are used next to it.
 #include <qellib10/qellib10.h>
 
 #include <cstdio>

@@ -57,7 +57,7 @@ int main() try {
     std::printf("a comment of %d bytes, without a backslash: %d\n", loaded->m_szComment.GetLength(),
                 loaded->m_szComment.Find('\\'));
     std::puts(qel::ToUtf8(loaded->m_szComment.View()).c_str());
-    archive >> loaded;  // there is nothing behind it
+    archive >> loaded;  // nothing follows it
     return 1;
 } catch (const CArchiveException& failure) {
     std::puts(failure.what());
