@@ -24,6 +24,7 @@
 #include "qellib10/platform/archive/object.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/export.h"
+#include "qellib10/platform/failure.h"
 #include "qellib10/platform/fractional.h"
 #include "qellib10/platform/ini/ini_file.h"
 #include "qellib10/platform/registry/registry.h"

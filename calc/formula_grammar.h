@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "qellib10/platform/failure.h"
+
 #include "qellib10/base/power_of_ten.h"
 
 namespace qel {
@@ -29,6 +31,12 @@ constexpr bool IsDoubledOperator(const char* cursor) {
            FormulaByteOf(cursor[-1]) == FormulaByte::kArithmetic;
 }
 
+/// What a pass found wrong; a syntax error where the cursor stopped unless it says more.
+struct FormulaFault {
+    FailureKind kind = FailureKind::kSyntax;
+    std::string_view at;  // of the formula: the unknown name, the operator; empty for a syntax error
+};
+
 /// What is at the number level. Without digits and name it is an empty number.
 struct FormulaNumber {
     double sign = 1.0;
@@ -53,7 +61,7 @@ struct FormulaNumber {
 ///     Operand                                  the result of a step, with bool Failed() const
 ///     Operand Error()
 ///     Operand Number(const FormulaNumber&)     looks the name up
-///     Operand Combine(operator, left, right)   neither of them failed
+///     Operand Combine(operator, left, right)   neither of them failed; the operator stands in the text
 template <typename Pass> class FormulaGrammar {
 public:
     using Operand = typename Pass::Operand;
@@ -96,7 +104,7 @@ private:
         if (left.Failed()) return left;
         if (IsDoubledOperator(m_pCursor)) return m_Pass.Error();
         while (*m_pCursor == kFirst || *m_pCursor == kSecond) {
-            const char operation = *m_pCursor++;
+            const char* const operation = m_pCursor++;
             if (IsDoubledOperator(m_pCursor)) return m_Pass.Error();
             const Operand right = next();
             if (right.Failed()) return right;

@@ -4,12 +4,24 @@
 
 #include "qellib10/calc/formula_folding.h"
 #include "qellib10/calc/formula_grammar.h"
+#include "qellib10/platform/operation.h"
 
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
+using qel::FailureKind;
+
 constexpr bool IsBlank(char character) { return character == ' ' || character == '\t'; }
+
+// Where the byte stands in the formula that is number @p index of those that are no blanks.
+int PositionIn(std::string_view formula, std::ptrdiff_t index) {
+    std::size_t position = 0;
+    for (; position < formula.size() && formula[position] != '\0'; ++position) {
+        if (!IsBlank(formula[position]) && index-- == 0) break;
+    }
+    return static_cast<int>(position);
+}
 
 // The light form of a result, good while its variable lives.
 qel::CheckedOperand Light(const CCalcVariable& result) {
@@ -21,24 +33,22 @@ qel::CheckedOperand Light(const CCalcVariable& result) {
 struct CQWCalc::CheckPass {
     using Operand = qel::CheckedOperand;
     CQWCalc& calc;
+    qel::FormulaFault& fault;
 
     Operand Error() const { return qel::FailedOperand(); }
 
     // A constant counts without its sign, and also when a name follows it.
     Operand Number(const qel::FormulaNumber& number) const {
-        if (!number.name.empty() && !MarkVariable(number.name)) return Error();
+        if (!number.name.empty() && !calc.MarkVariable(number.name)) {
+            fault = {FailureKind::kUnknownName, number.name};
+            return Error();
+        }
         if (number.hasDigits) return qel::KnownOperand(number.digits);
         return {.state = qel::kStateUnknown, .value = number.sign, .name = number.name};
     }
 
-    bool MarkVariable(std::string_view name) const {
-        const int index = calc.m_CalcVarList.FindIgnoringCase(name);
-        if (index >= 0) calc.m_CalcVarList.MarkUsed(index);
-        return index >= 0;
-    }
-
-    Operand Combine(char operation, const Operand& a, const Operand& b) const {
-        switch (operation) {
+    Operand Combine(const char* operation, const Operand& a, const Operand& b) const {
+        switch (*operation) {
             case '+':
                 return qel::FoldSum(a, b);
             case '-':
@@ -46,17 +56,10 @@ struct CQWCalc::CheckPass {
             case '*':
                 return qel::FoldProduct(a, b);
             default:
-                return qel::FoldQuotient(a, b);
+                const Operand quotient = qel::FoldQuotient(a, b);
+                if (quotient.Failed()) fault = {FailureKind::kZeroDivisor, {operation, 1}};
+                return quotient;
         }
-    }
-
-    CCalcVariable Result(const Operand& operand) const {
-        if (operand.Failed()) return calc.m_ErrorResult;
-        CCalcVariable result;
-        result.m_nState = operand.state;
-        result.m_dValue = operand.value;
-        result.m_szName = CString(operand.name);
-        return result;
     }
 };
 
@@ -67,17 +70,20 @@ struct CQWCalc::CalculatePass {
         bool Failed() const { return failed; }
     };
     CQWCalc& calc;
+    qel::FormulaFault& fault;
 
     Operand Error() const { return {0.0, true}; }
 
     Operand Number(const qel::FormulaNumber& number) const {
         if (number.name.empty()) return {number.sign * number.digits, false};
         const int index = calc.m_CalcVarList.FindIgnoringCase(number.name);
-        return index >= 0 ? Operand{number.sign * calc.m_CalcVarList.ValueAt(index), false} : Error();
+        if (index >= 0) return {number.sign * calc.m_CalcVarList.ValueAt(index), false};
+        fault = {FailureKind::kUnknownName, number.name};
+        return Error();
     }
 
-    Operand Combine(char operation, const Operand& a, const Operand& b) const {
-        switch (operation) {
+    Operand Combine(const char* operation, const Operand& a, const Operand& b) const {
+        switch (*operation) {
             case '+':
                 return {a.value + b.value, false};
             case '-':
@@ -85,16 +91,10 @@ struct CQWCalc::CalculatePass {
             case '*':
                 return {a.value * b.value, false};
             default:
-                return b.value == 0.0 ? Error() : Operand{a.value / b.value, false};
+                if (b.value != 0.0) return {a.value / b.value, false};
+                fault = {FailureKind::kZeroDivisor, {operation, 1}};
+                return Error();
         }
-    }
-
-    CCalcVariable Result(const Operand& operand) const {
-        if (operand.failed) return calc.m_ErrorResult;
-        CCalcVariable result;
-        result.m_nState = qel::kStateKnown;
-        result.m_dValue = operand.value;
-        return result;
     }
 };
 
@@ -123,25 +123,57 @@ int CQWCalc::GetUseVariableCount() const { return m_CalcVarList.GetUseVariableCo
 int CQWCalc::GetVariableData(int index, CCalcVariable* out) const { return m_CalcVarList.GetVariableData(index, out); }
 
 int CQWCalc::CheckCalcFormula(CString name, CString formula) {
+    qel::Operation operation("CQWCalc::CheckCalcFormula");
     m_nMode = Mode::kCheck;
-    CheckPass{*this}.MarkVariable(name.View());
-    if (!SetFormula(formula.View())) return 0;
-    if (IsAtEnd()) return 1;
-    const auto result = Read<CheckPass>([](auto& grammar) { return grammar.Express(); });
-    return !result.Failed() && IsAtEnd() ? 1 : 0;
+    MarkVariable(name.View());
+    if (!SetFormula(formula.View())) return RefuseTooLong(operation);
+    if (IsAtEnd()) return operation.Ended(1);
+    qel::FormulaFault fault;
+    const auto result = Read<CheckPass>(fault, [](auto& grammar) { return grammar.Express(); });
+    return !result.Failed() && IsAtEnd() ? operation.Ended(1) : Refuse(operation, fault, formula.View());
 }
 
 int CQWCalc::ConcCalculation(CString formula, double* result) {
+    qel::Operation operation("CQWCalc::ConcCalculation");
     m_nMode = Mode::kCalculate;
-    if (result == nullptr || !SetFormula(formula.View())) return 0;
+    if (result == nullptr) return qel::RefuseNull("CQWCalc::ConcCalculation");
+    if (!SetFormula(formula.View())) return RefuseTooLong(operation);
     if (IsAtEnd()) {
         *result = 0.0;
-        return 1;
+        return operation.Ended(1);
     }
-    const auto calculated = Read<CalculatePass>([](auto& grammar) { return grammar.Express(); });
-    if (calculated.Failed() || !IsAtEnd()) return 0;
+    qel::FormulaFault fault;
+    const auto calculated = Read<CalculatePass>(fault, [](auto& grammar) { return grammar.Express(); });
+    if (calculated.Failed() || !IsAtEnd()) return Refuse(operation, fault, formula.View());
     *result = calculated.value;
-    return 1;
+    return operation.Ended(1);
+}
+
+bool CQWCalc::MarkVariable(std::string_view name) {
+    const int index = m_CalcVarList.FindIgnoringCase(name);
+    if (index >= 0) m_CalcVarList.MarkUsed(index);
+    return index >= 0;
+}
+
+int CQWCalc::RefuseTooLong(qel::Operation& operation) {
+    return operation.Failed({.kind = FailureKind::kTooLong,
+                             .item = "",
+                             .text = "more than 255 bytes",
+                             .position = static_cast<int>(kLongestFormula)});
+}
+
+int CQWCalc::Refuse(qel::Operation& operation, const qel::FormulaFault& fault, std::string_view formula) const {
+    const char* const at = fault.at.empty() ? m_pCursor : fault.at.data();
+    const int position = PositionIn(formula, at - m_szFormula.data() - 1);
+    switch (fault.kind) {
+        case FailureKind::kUnknownName:
+            return operation.Failed(
+                {.kind = fault.kind, .item = fault.at, .text = "unknown name", .position = position});
+        case FailureKind::kZeroDivisor:
+            return operation.Failed({.kind = fault.kind, .item = "", .text = "division by zero", .position = position});
+        default:
+            return operation.Failed({.kind = fault.kind, .item = "", .text = "syntax error", .position = position});
+    }
 }
 
 CCalcVariable CQWCalc::CalcFormulaExpress() {
@@ -161,19 +193,19 @@ CCalcVariable CQWCalc::CalcFormulaNumber() {
 }
 
 CCalcVariable CQWCalc::CheckCalcFormulaAdd(CCalcVariable a, CCalcVariable b) {
-    return CheckPass{*this}.Result(qel::FoldSum(Light(a), Light(b)));
+    return ResultOf(qel::FoldSum(Light(a), Light(b)));
 }
 
 CCalcVariable CQWCalc::CheckCalcFormulaSub(CCalcVariable a, CCalcVariable b) {
-    return CheckPass{*this}.Result(qel::FoldDifference(Light(a), Light(b)));
+    return ResultOf(qel::FoldDifference(Light(a), Light(b)));
 }
 
 CCalcVariable CQWCalc::CheckCalcFormulaMul(CCalcVariable a, CCalcVariable b) {
-    return CheckPass{*this}.Result(qel::FoldProduct(Light(a), Light(b)));
+    return ResultOf(qel::FoldProduct(Light(a), Light(b)));
 }
 
 CCalcVariable CQWCalc::CheckCalcFormulaDiv(CCalcVariable a, CCalcVariable b) {
-    return CheckPass{*this}.Result(qel::FoldQuotient(Light(a), Light(b)));
+    return ResultOf(qel::FoldQuotient(Light(a), Light(b)));
 }
 
 void CQWCalc::GetNextCharacter() {
@@ -210,15 +242,26 @@ bool CQWCalc::SetFormula(std::string_view formula) {
     return fits;
 }
 
+CCalcVariable CQWCalc::ResultOf(const qel::CheckedOperand& operand) const {
+    if (operand.Failed()) return m_ErrorResult;
+    CCalcVariable result;
+    result.m_nState = operand.state;
+    result.m_dValue = operand.value;
+    result.m_szName = CString(operand.name);
+    return result;
+}
+
 // Runs one level of the grammar from the current character on.
-template <typename Pass, typename Level> typename Pass::Operand CQWCalc::Read(Level level) {
-    qel::FormulaGrammar<Pass> grammar(Pass{*this}, m_pCursor);
+template <typename Pass, typename Level> typename Pass::Operand CQWCalc::Read(qel::FormulaFault& fault, Level level) {
+    qel::FormulaGrammar<Pass> grammar(Pass{*this, fault}, m_pCursor);
     const auto operand = level(grammar);
     m_pCursor = grammar.Cursor();
     return operand;
 }
 
 template <typename Level> CCalcVariable CQWCalc::Step(Level level) {
-    if (m_nMode == Mode::kCheck) return CheckPass{*this}.Result(Read<CheckPass>(level));
-    return CalculatePass{*this}.Result(Read<CalculatePass>(level));
+    qel::FormulaFault fault;
+    if (m_nMode == Mode::kCheck) return ResultOf(Read<CheckPass>(fault, level));
+    const auto calculated = Read<CalculatePass>(fault, level);
+    return ResultOf(calculated.failed ? qel::FailedOperand() : qel::KnownOperand(calculated.value));
 }

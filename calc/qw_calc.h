@@ -9,6 +9,12 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
+namespace qel {
+class Operation;
+struct CheckedOperand;
+struct FormulaFault;
+}  // namespace qel
+
 /// Checks and evaluates result formulas such as "(VOL-BLANK)*CONC*F/SAMPLE", which users write, over the named
 /// variables of a list. A formula is checked when it is written, so that a misspelt name or a missing bracket does not
 /// show up on the day of the measurement; and the check marks the variables that the result depends on.
@@ -35,7 +41,8 @@
 /// character but blank, tab and ( ) * + - / =. The first entry of the list that matches counts.
 ///
 /// A formula has at most 255 bytes; text after a zero byte is not read. Names may be as long as the formula. Operations
-/// return 1, or 0 for every failure. Nothing depends on the locale. One thread at a time.
+/// return 1, or 0 for every failure; qel::LastFailure then says what is wrong (syntax, an unknown name, a division by
+/// zero, too long) and where in the formula. Nothing depends on the locale. One thread at a time.
 ///
 /// Kept, so that formulas already in the field mean what they always meant:
 /// - Blanks and tabs are skipped everywhere, so "1 2" is 12 and "ab c" is the variable abc.
@@ -120,7 +127,11 @@ private:
     struct CalculatePass;
 
     bool IsAtEnd() const { return *m_pCursor == '\0'; }
-    template <typename Pass, typename Level> typename Pass::Operand Read(Level level);
+    bool MarkVariable(std::string_view name);
+    static int RefuseTooLong(qel::Operation& operation);
+    int Refuse(qel::Operation& operation, const qel::FormulaFault& fault, std::string_view formula) const;
+    CCalcVariable ResultOf(const qel::CheckedOperand& operand) const;
+    template <typename Pass, typename Level> typename Pass::Operand Read(qel::FormulaFault& fault, Level level);
     template <typename Level> CCalcVariable Step(Level level);
 
     static constexpr std::size_t kLongestFormula = 255;

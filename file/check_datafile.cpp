@@ -18,6 +18,8 @@ namespace {
 
 using qel::CheckBlock;
 using qel::CheckSums;
+using qel::FailureKind;
+using qel::Refuse;
 using qel::SealInfo;
 
 void ReadExactly(CFile& file, std::span<std::byte> bytes) {
@@ -44,26 +46,34 @@ DWORD NumberAt(const CFile& file, ULONGLONG offset) {
     return qel::FromLittleEndian<DWORD>(qel::BytesAt<sizeof(DWORD)>(file, offset));
 }
 
+constexpr std::string_view kUnsealed = "not sealed";
+
 struct Seal {
     ULONGLONG at = 0;    // where the trailer starts
     CheckSums dataSums;  // of the bytes before it
 };
 
-// The seal of a file, found in one pass; nothing when there is none that is right.
+std::nullopt_t NoSeal(const CFile& file, std::string_view why) {
+    Refuse(FailureKind::kData, file.GetFilePath().View(), why);
+    return std::nullopt;
+}
+
+// The seal of a file, found in one pass; nothing when there is none that is right, which is recorded.
 // @throws CFileException for a file that cannot be read, which does not mean that it has no seal
 std::optional<Seal> FindSeal(const CFile& file) {
     const ULONGLONG length = file.GetLength();
-    if (length < CheckBlock::kSize) return std::nullopt;
+    if (length < CheckBlock::kSize) return NoSeal(file, kUnsealed);
     const ULONGLONG end = length - CheckBlock::kSize;
     const CheckBlock check = CheckBlock::Unpack(qel::BytesAt<CheckBlock::kSize>(file, end));
     const ULONGLONG trailer = ULONGLONG{check.trailerLength} + sizeof(DWORD);
-    if (trailer > length) return std::nullopt;
+    if (trailer > length) return NoSeal(file, kUnsealed);
     Seal seal = {.at = length - trailer, .dataSums = CheckSums()};
-    if (ULONGLONG{NumberAt(file, seal.at)} + CheckBlock::kSize != check.trailerLength) return std::nullopt;
+    if (ULONGLONG{NumberAt(file, seal.at)} + CheckBlock::kSize != check.trailerLength) return NoSeal(file, kUnsealed);
     qel::AddCheckSumsAt(seal.dataSums, file, 0, seal.at);
     CheckSums sums = seal.dataSums;
     qel::AddCheckSumsAt(sums, file, seal.at, end - seal.at);
-    return sums.Crc() == check.crc && sums.Sum() == check.sum ? std::optional(seal) : std::nullopt;
+    if (sums.Crc() != check.crc || sums.Sum() != check.sum) return NoSeal(file, "not sealed, or changed since");
+    return seal;
 }
 
 }  // namespace
@@ -84,18 +94,19 @@ bool CCheckDatafile::operator==(const CCheckDatafile& other) const {
 }
 
 int CCheckDatafile::PackNewData(CQFile* file) {
-    if (file == nullptr) return 0;
-    return qel::AsResult([&] {
+    if (file == nullptr) return qel::RefuseNull("CCheckDatafile::PackNewData");
+    return qel::AsResult("CCheckDatafile::PackNewData", file, [&] {
         CCheckDatafile().Append(*file);
         return 1;
     });
 }
 
 int CCheckDatafile::PackUpdateData(CQFile* file, int isNew) {
-    if (file == nullptr) return 0;
-    return qel::AsResult([&] {
+    if (file == nullptr) return qel::RefuseNull("CCheckDatafile::PackUpdateData");
+    return qel::AsResult("CCheckDatafile::PackUpdateData", file, [&] {
         const std::optional<Seal> seal = FindSeal(*file);
-        if (isNew != 0 ? seal.has_value() : !seal || !TakeInfo(*file, seal->at)) return 0;
+        if (isNew != 0 && seal) return Refuse(FailureKind::kData, file->GetFilePath().View(), "sealed already");
+        if (isNew == 0 && (!seal || !TakeInfo(*file, seal->at))) return 0;
         CCheckDatafile next(*this);  // this object stays as it is when the file cannot be written
         if (isNew != 0) {
             next.Append(*file);
@@ -120,8 +131,8 @@ void CCheckDatafile::Append(CQFile& file) {
 }
 
 int CCheckDatafile::ReadPackData(CQFile* file) {
-    if (file == nullptr) return 0;
-    return qel::AsResult([&] {
+    if (file == nullptr) return qel::RefuseNull("CCheckDatafile::ReadPackData");
+    return qel::AsResult("CCheckDatafile::ReadPackData", file, [&] {
         const std::optional<Seal> seal = FindSeal(*file);
         return seal ? TakeInfo(*file, seal->at) : 0;
     });
@@ -137,12 +148,13 @@ int CCheckDatafile::TakeInfo(const CQFile& file, ULONGLONG trailerAt) {
     m_szFilename = info.name;
     m_nVersion = static_cast<int>(info.version);
     m_guid = info.guid;
-    return m_nCheckFilename == 0 || NameOf(file) == m_szFilename ? 1 : 0;
+    if (m_nCheckFilename == 0 || NameOf(file) == m_szFilename) return 1;
+    return Refuse(FailureKind::kData, path.View(), "sealed under another name");
 }
 
 int CCheckDatafile::IsPackData(CQFile* file) {
-    if (file == nullptr) return 0;
-    return qel::AsResult([&] { return FindSeal(*file) ? 1 : 0; });
+    if (file == nullptr) return qel::RefuseNull("CCheckDatafile::IsPackData");
+    return qel::AsResult("CCheckDatafile::IsPackData", file, [&] { return FindSeal(*file) ? 1 : 0; });
 }
 
 int CCheckDatafile::CheckCRC(CQFile* file) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
+#include <new>
 #include <optional>
 #include <span>
 #include <string>
@@ -19,7 +21,14 @@
 
 namespace {
 
+using qel::FailureKind;
+using qel::Refuse;
+
+constexpr const char* kSet = "CPrivateProfile::Set";
+constexpr const char* kGet = "CPrivateProfile::Get";
 constexpr const char* kKeyClass = "Class";
+constexpr std::string_view kNotOpen = "no profile is open", kOnlyInRegistry = "only in the registry",
+                           kNoBackupKey = "names no key beside a profile's own";
 constexpr int kNotOpened = -1;       // of DeleteKeySub
 constexpr DWORD kTextBuffer = 1024;  // with the terminating zero
 constexpr DWORD kSectionBuffer = 32767;
@@ -65,6 +74,17 @@ std::optional<int> IntIn(const qel::RegistryValue& value) {
     return qel::FromLittleEndian<int>(std::as_bytes(std::span(value.data)).first<sizeof(int)>());
 }
 
+// What @p read gives, or @p otherwise when memory runs out.
+template <typename Value, std::invocable Read> Value OrWithoutMemory(Value otherwise, Read&& read) {
+    try {
+        return std::forward<Read>(read)();
+    } catch (const std::bad_alloc&) {
+        qel::Operation operation(kGet);
+        qel::FailedByMemory(operation);
+        return otherwise;
+    }
+}
+
 // A key that is closed at the end of the scope.
 class RegistryKey {
 public:
@@ -87,12 +107,12 @@ private:
     HKEY m_key = nullptr;
 };
 
-// @throws DataError when that cannot be found out
-bool IsThere(HKEY parent, const char* path) {
+// None when that cannot be found out.
+std::optional<bool> IsThere(HKEY parent, const char* path) {
     HKEY key = nullptr;
     const LONG result = qel::OpenRegistryKey(parent, path, key);
     if (result == qel::kRegistrySuccess) qel::CloseRegistryKey(key);
-    if (result != qel::kRegistrySuccess && result != qel::kRegistryNotFound) throw qel::DataError("a key not opened");
+    if (result != qel::kRegistrySuccess && result != qel::kRegistryNotFound) return std::nullopt;
     return result == qel::kRegistrySuccess;
 }
 
@@ -104,17 +124,17 @@ CPrivateProfile::~CPrivateProfile() { Close(); }
 int CPrivateProfile::Open(const char* location, int mode) {
     Close();
     m_nMode = mode;
-    return qel::AsResult([&] {
+    return qel::AsResult("CPrivateProfile::Open", [&] {
         const CString whole(location);
         if (mode != registryMode) {
             m_szLocation = whole;
-            return !whole.IsEmpty();
+            return whole.IsEmpty() ? Refuse(FailureKind::kArgument, "", "no file is named") : 1;
         }
         const Root* const root = FindRoot(whole);
         if (root != nullptr) m_szLocation = whole.Mid(root->name.GetLength() + 1);
         if (!EndsWithBackslash(m_szLocation)) m_szLocation += '\\';
         if (root != nullptr) m_hRoot = root->key;
-        return root != nullptr;
+        return root != nullptr ? 1 : Refuse(FailureKind::kArgument, whole.View(), "not below a root of the registry");
     });
 }
 
@@ -134,19 +154,21 @@ CString CPrivateProfile::OpenedKeyOf(const char* section) const {
 }
 
 int CPrivateProfile::Write(const char* section, const char* key, const char* value) {
-    return qel::AsResult(
-        [&] { return !m_szLocation.IsEmpty() && qel::WriteProfileString(section, key, value, m_szLocation); });
+    return qel::AsResult(kSet, [&] {
+        if (m_szLocation.IsEmpty()) return Refuse(FailureKind::kState, "", kNotOpen);
+        return qel::WriteProfileString(section, key, value, m_szLocation) ? 1 : 0;
+    });
 }
 
 int CPrivateProfile::Write(const char* section, const char* key, DWORD type, std::string_view data) {
-    return qel::AsResult([&] {
+    return qel::AsResult(kSet, [&] {
         return qel::WriteRegistryValue(m_hRoot, KeyOf(section), kKeyClass, key, {type, std::string(data)}) ==
                qel::kRegistrySuccess;
     });
 }
 
 bool CPrivateProfile::Read(const char* section, const char* key, qel::RegistryValue& value) const {
-    return qel::AsResult([&] {
+    return qel::AsResult(kGet, [&] {
                return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess;
            }) != 0;
 }
@@ -154,7 +176,7 @@ bool CPrivateProfile::Read(const char* section, const char* key, qel::RegistryVa
 int CPrivateProfile::Set(const char* section, const char* key, const char* value) {
     if (m_nMode != registryMode) return Write(section, key, value);
     // Without a terminating zero, as values already in the field.
-    return value != nullptr && Write(section, key, REG_SZ, value);
+    return value != nullptr ? Write(section, key, REG_SZ, value) : qel::RefuseNull(kSet);
 }
 
 int CPrivateProfile::Set(const char* section, const char* key, int value) {
@@ -164,7 +186,8 @@ int CPrivateProfile::Set(const char* section, const char* key, int value) {
 }
 
 int CPrivateProfile::SetDouble(const char* section, const char* key, double value) {
-    if (IsWholeSection(key) || !std::isfinite(value)) return 0;
+    if (IsWholeSection(key) || !std::isfinite(value))
+        return qel::Operation("CPrivateProfile::SetDouble").Failed(FailureKind::kArgument, "", "no key, or no number");
     return Set(section, key, qel::NumberText(value));
 }
 
@@ -176,14 +199,19 @@ int CPrivateProfile::Set(const char* section, int key, const char* value) { retu
 int CPrivateProfile::Set(const char* section, int key, int value) { return Set(section, NameOf(key), value); }
 
 int CPrivateProfile::Set(const char* section, const char* key, const void* data, DWORD size) {
-    if (m_nMode != registryMode || (data == nullptr && size > 0) || size > qel::kMostRegistryData) return 0;
+    if (m_nMode != registryMode) return qel::Operation(kSet).Failed(FailureKind::kState, "", kOnlyInRegistry);
+    if (data == nullptr && size > 0) return qel::RefuseNull(kSet);
+    if (size > qel::kMostRegistryData)
+        return qel::Operation(kSet).Failed(FailureKind::kArgument, "", "more bytes than a value may have");
     return Write(section, key, REG_BINARY, {static_cast<const char*>(data), size});
 }
 
 CString CPrivateProfile::Get(const char* section, const char* key, const char* defaultValue) const {
     if (m_nMode != registryMode) {
         if (m_szLocation.IsEmpty()) return defaultValue;
+        qel::Operation operation(kGet);
         const std::string text = qel::ReadProfileString(section, key, defaultValue, kTextBuffer, m_szLocation);
+        operation.TakeOver();
         return text.empty() ? defaultValue : text.c_str();
     }
     qel::RegistryValue value;
@@ -192,12 +220,10 @@ CString CPrivateProfile::Get(const char* section, const char* key, const char* d
 
 int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {
     if (m_nMode != registryMode) {
-        int number = defaultValue;
-        qel::Succeeds([&] {
+        return OrWithoutMemory(defaultValue, [&] {
             const CString text = Get(section, key, NameOf(defaultValue));
-            number = qel::ClampToInt(qel::ScanInteger(text.View()));
+            return qel::ClampToInt(qel::ScanInteger(text.View()));
         });
-        return number;
     }
     qel::RegistryValue value;
     return (Read(section, key, value) ? IntIn(value) : std::nullopt).value_or(defaultValue);
@@ -205,17 +231,13 @@ int CPrivateProfile::Get(const char* section, const char* key, int defaultValue)
 
 double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
     if (IsWholeSection(key)) return defaultValue;
-    std::optional<double> number;
-    qel::Succeeds([&] {
+    return OrWithoutMemory(defaultValue, [&] {
+        if (m_nMode != registryMode) return qel::ReadNumber(Get(section, key, "").View()).value_or(defaultValue);
         qel::RegistryValue value;
-        if (m_nMode != registryMode) {
-            number = qel::ReadNumber(Get(section, key, "").View());
-        } else if (Read(section, key, value)) {
-            const auto stored = IntIn(value);
-            number = stored ? *stored : qel::ReadNumber(TextIn(value, ""));
-        }
+        if (!Read(section, key, value)) return defaultValue;
+        const auto stored = IntIn(value);
+        return stored ? *stored : qel::ReadNumber(TextIn(value, "")).value_or(defaultValue);
     });
-    return number.value_or(defaultValue);
 }
 
 double CPrivateProfile::GetDouble(const char* section, int key, double defaultValue) const {
@@ -231,24 +253,32 @@ int CPrivateProfile::Get(const char* section, int key, int defaultValue) const {
 
 int CPrivateProfile::Get(const char* section, const char* key, void* data, DWORD* size) const {
     qel::RegistryValue value;
-    if (m_nMode != registryMode || size == nullptr || !Read(section, key, value)) return 0;
+    if (m_nMode != registryMode) return qel::Operation(kGet).Failed(FailureKind::kState, "", kOnlyInRegistry);
+    if (size == nullptr) return qel::RefuseNull(kGet);
+    if (!Read(section, key, value)) return 0;
     const DWORD room = std::exchange(*size, static_cast<DWORD>(value.data.size()));
     if (data == nullptr) return 1;
-    if (room < value.data.size()) return 0;
+    if (room < value.data.size())
+        return qel::Operation(kGet).Failed(FailureKind::kArgument, "", "the buffer is too small");
     std::ranges::copy(value.data, static_cast<char*>(data));
     return 1;
 }
 
 int CPrivateProfile::Delete(const char* section) {
-    return m_nMode == registryMode && qel::AsResult([&] { return DeleteKeySub(m_hRoot, OpenedKeyOf(section)) == 0; });
+    return qel::AsResult("CPrivateProfile::Delete", [&] {
+        if (m_nMode != registryMode) return Refuse(FailureKind::kState, "", kOnlyInRegistry);
+        return DeleteKeySub(m_hRoot, OpenedKeyOf(section)) == 0 ? 1 : 0;
+    });
 }
 
 int CPrivateProfile::GetAllStrings(const char* section, CStringArray& out) const {
-    if (m_nMode == registryMode || m_szLocation.IsEmpty()) return 0;
-    return qel::AsResult([&] {
+    return qel::AsResult("CPrivateProfile::GetAllStrings", [&] {
+        if (m_nMode == registryMode) return Refuse(FailureKind::kState, "", "only of an INI file");
+        if (m_szLocation.IsEmpty()) return Refuse(FailureKind::kState, "", kNotOpen);
         const auto read = [&] { return qel::ReadProfileSection(section, kSectionBuffer, m_szLocation); };
         const std::optional<std::string> first = read();
-        if (!first || first->size() == kSectionTooLong) return 0;
+        if (!first) return 0;
+        if (first->size() == kSectionTooLong) return Refuse(FailureKind::kData, section, "the section is too long");
         const std::optional<std::string> entries = read();  // once more, for the entries, as it has always been
         if (!entries) return 0;
         out.RemoveAll();
@@ -266,7 +296,8 @@ int CPrivateProfile::Replace(const CString& source, const CString& target) {
     qel::RegistryTransaction transaction;
     if (transaction.Begin(m_hRoot) != qel::kRegistrySuccess) return 0;
     // A target that is there but cannot be opened just now must not get the values of both.
-    if (IsThere(m_hRoot, target) && DeleteKeySub(m_hRoot, target) != 0) return 0;
+    const std::optional<bool> isThere = IsThere(m_hRoot, target);
+    if (!isThere || (*isThere && DeleteKeySub(m_hRoot, target) != 0)) return 0;
     RegistryKey from;
     RegistryKey to;
     return from.Open(m_hRoot, source) && to.Create(m_hRoot, target) && BackupSub(from.Get(), to.Get()) &&
@@ -282,16 +313,18 @@ CString CPrivateProfile::BackupKey(const char* suffix) const {
 }
 
 int CPrivateProfile::Backup(const char* suffix) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CPrivateProfile::Backup", [&] {
         const CString backup = BackupKey(suffix);
-        return !backup.IsEmpty() && Replace(WithoutBackslashes(m_szLocation), backup);
+        if (backup.IsEmpty()) return Refuse(FailureKind::kArgument, CString(suffix).View(), kNoBackupKey);
+        return Replace(WithoutBackslashes(m_szLocation), backup);
     });
 }
 
 int CPrivateProfile::Restore(const char* suffix) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CPrivateProfile::Restore", [&] {
         const CString backup = BackupKey(suffix);
-        return !backup.IsEmpty() && Replace(backup, WithoutBackslashes(m_szLocation));
+        if (backup.IsEmpty()) return Refuse(FailureKind::kArgument, CString(suffix).View(), kNoBackupKey);
+        return Replace(backup, WithoutBackslashes(m_szLocation));
     });
 }
 

@@ -4,11 +4,15 @@
 #include <utility>
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/text/code_page.h"
 
 namespace {
+
+using qel::FailureKind;
+using qel::Refuse;
 
 constexpr ULONGLONG kTooLargeToTell = 0xFFFFFFFF;
 
@@ -32,15 +36,16 @@ BOOL CQFile::IsOpen() const noexcept {
 }
 
 int CQFile::CreateTempFile(const char* prefix, int deleteOnClose) {
+    qel::Operation operation("CQFile::CreateTempFile");
     m_dwLastError = 0;
     const CString name = GetTempFilePath(prefix);
     if (name.IsEmpty() || !Open(name, modeCreate | modeReadWrite | shareDenyWrite)) {
         if (!name.IsEmpty()) Delete(name);
         m_dwLastError = errorCreateTempFile;
-        return 0;
+        return operation.Ended(0);
     }
     m_nDeleteOnClose = deleteOnClose;
-    return 1;
+    return operation.Ended(1);
 }
 
 void CQFile::Close() {
@@ -56,21 +61,22 @@ void CQFile::Close() {
 int CQFile::CloseTo(const char* target) {
     m_nDeleteOnClose = 0;
     if (!IsOpen()) return 1;
+    qel::Operation operation("CQFile::CloseTo");
     CString name;
     const bool copied = qel::Succeeds([&] {
         name = GetFilePath();
         Close();  // bytes that get lost here are missing in the copy: then there is none, and the file stays
         qel::CopyToMove(name.View(), CString(target).View(), false);
     });
-    if (copied && Delete(name)) return 1;
+    if (copied && Delete(name)) return operation.Ended(1);
     m_dwLastError = copied ? errorDelete : errorCopy;
-    return 0;
+    return operation.Ended(0);
 }
 
 int CQFile::CloseToDestroy() {
     m_nDeleteOnClose = 0;
     if (!IsOpen()) return 1;
-    const bool deleted = qel::Succeeds([&] {
+    const bool deleted = qel::Succeeds("CQFile::CloseToDestroy", [&] {
         const CString name = GetFilePath();
         Abort();
         qel::DeleteFile(name.View());
@@ -88,10 +94,13 @@ int CQFile::IsExist(const char* name) {
 }
 
 int CQFile::GetFileSize(const char* name, DWORD* size) {
-    CFileStatus status;
-    if (size == nullptr || !GetStatus(name, status)) return 0;
-    *size = static_cast<DWORD>(std::min<ULONGLONG>(status.m_size, kTooLargeToTell));
-    return 1;
+    return qel::AsResult("CQFile::GetFileSize", [&] {
+        CFileStatus status;
+        if (size == nullptr) return Refuse(FailureKind::kArgument, "", "no place for the size");
+        if (!GetStatus(name, status)) return Refuse(FailureKind::kMissing, CString(name).View(), "no such file");
+        *size = static_cast<DWORD>(std::min<ULONGLONG>(status.m_size, kTooLargeToTell));
+        return 1;
+    });
 }
 
 std::optional<ULONGLONG> qel::FileSize64(std::string_view name) {

@@ -13,7 +13,9 @@
 
 namespace {
 
+using qel::FailureKind;
 using qel::IoBlock;
+using qel::Refuse;
 using ByteSpan = std::span<const std::byte>;
 
 constexpr UINT kForReading = CFile::modeRead | CFile::shareDenyNone;
@@ -87,7 +89,7 @@ int FindIn(CFile& file, ByteSpan pattern) {
         if (end == 0) end = position;
     }
     file.Seek(static_cast<LONGLONG>(end), CFile::begin);
-    return 0;
+    return Refuse(FailureKind::kMissing, file.GetFilePath().View(), "not found in the file");
 }
 
 bool HaveSameBytes(CFile& a, CFile& b) {
@@ -116,34 +118,40 @@ const DWORD* CQFile::MakeCRCTable() {
 }
 
 int CQFile::GetFileCRC(DWORD* crc, DWORD size) {
-    if (crc == nullptr) return 0;
-    return qel::Succeeds([&] { *crc = qel::CheckSumsOf(*this, size, qel::CheckSums::kCrc).Crc(); });
+    if (crc == nullptr) return qel::RefuseNull("CQFile::GetFileCRC");
+    return qel::Succeeds("CQFile::GetFileCRC",
+                         [&] { *crc = qel::CheckSumsOf(*this, size, qel::CheckSums::kCrc).Crc(); });
 }
 
 int CQFile::GetFileSum(DWORD* sum, DWORD size) {
-    if (sum == nullptr) return 0;
-    return qel::Succeeds([&] { *sum = qel::CheckSumsOf(*this, size, qel::CheckSums::kSum).Sum(); });
+    if (sum == nullptr) return qel::RefuseNull("CQFile::GetFileSum");
+    return qel::Succeeds("CQFile::GetFileSum",
+                         [&] { *sum = qel::CheckSumsOf(*this, size, qel::CheckSums::kSum).Sum(); });
 }
 
 int CQFile::GetFileCRC(const char* name, DWORD* crc, DWORD size) {
+    qel::Operation operation("CQFile::GetFileCRC");
     CQFile file;
-    return file.Open(name, kForReading) ? file.GetFileCRC(crc, size) : 0;
+    return operation.Ended(file.Open(name, kForReading) ? file.GetFileCRC(crc, size) : 0);
 }
 
 int CQFile::GetFileSum(const char* name, DWORD* sum, DWORD size) {
+    qel::Operation operation("CQFile::GetFileSum");
     CQFile file;
-    return file.Open(name, kForReading) ? file.GetFileSum(sum, size) : 0;
+    return operation.Ended(file.Open(name, kForReading) ? file.GetFileSum(sum, size) : 0);
 }
 
 int CQFile::Find(const void* pattern, DWORD length) {
-    if (pattern == nullptr || length == 0) return 0;
-    return qel::AsResult([&] { return FindIn(*this, {static_cast<const std::byte*>(pattern), length}); });
+    if (pattern == nullptr || length == 0) return qel::RefuseNull("CQFile::Find");
+    return qel::AsResult("CQFile::Find", [&] {
+        return FindIn(*this, {static_cast<const std::byte*>(pattern), length});
+    });
 }
 
 int CQFile::CompareFile(const char* a, const char* b) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQFile::CompareFile", [&] {
         CFile first(a, kForReading);
         CFile second(b, kForReading);
-        return HaveSameBytes(first, second) ? 1 : 0;
+        return HaveSameBytes(first, second) ? 1 : Refuse(FailureKind::kData, CString(b).View(), "other bytes");
     });
 }

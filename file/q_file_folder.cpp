@@ -4,6 +4,7 @@
 #include "qellib10/file/q_file.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/delete_tree.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/find_files.h"
 #include "qellib10/platform/storage/folder_walk.h"
@@ -28,9 +29,9 @@ std::vector<qel::FoundFile> Matching(std::string_view pattern) {
 }  // namespace
 
 int CQFile::CreateDirectories(const char* path) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQFile::CreateDirectories", [&] {
         const CString whole(path);
-        if (whole.GetLength() >= MAX_PATH) return 0;
+        if (whole.GetLength() >= MAX_PATH) qel::ThrowCode(qel::kPathTooLong, whole.View());
         const qel::FolderRoute route(whole.View());
         qel::FolderWalk walk(route.start);
         if (qel::MakeFolders(walk, route.names)) return 1;
@@ -40,11 +41,11 @@ int CQFile::CreateDirectories(const char* path) {
 }
 
 int CQFile::DelTree(const char* folder) {
-    return qel::Succeeds([&] { qel::DeleteTree(CString(folder).View()); });
+    return qel::Succeeds("CQFile::DelTree", [&] { qel::DeleteTree(CString(folder).View()); });
 }
 
 int CQFile::DeleteFiles(const char* pattern) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQFile::DeleteFiles", [&] {
         const CString whole(pattern);
         const std::string folder(whole.View().substr(0, qel::NameStart(whole.View())));
         int result = 1;
@@ -56,7 +57,7 @@ int CQFile::DeleteFiles(const char* pattern) {
 }
 
 int CQFile::MoveFileA(const char* source, const char* target, int overwrite) {
-    return qel::Succeeds([&] {
+    return qel::Succeeds("CQFile::MoveFileA", [&] {
         const CString from(source);
         const CString to(target);
         qel::MakeFolders(to.View().substr(0, qel::NameStart(to.View())));

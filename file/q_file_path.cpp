@@ -72,7 +72,7 @@ CString CQFile::DeleteFileExt(const char* name) {
 
 int CQFile::IsCorrectFilename(const char* name) {
     // The comma and the semicolon part names in the lists that applications keep.
-    return qel::AsResult([&] { return CString(name).FindOneOf("\\/:,;*?\"<>|") < 0; });
+    return qel::AsResult("CQFile::IsCorrectFilename", [&] { return CString(name).FindOneOf("\\/:,;*?\"<>|") < 0; });
 }
 
 int CQFile::IsDots(const char* name) {

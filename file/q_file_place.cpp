@@ -11,18 +11,19 @@ CString CQFile::GetTempFolder() { return qel::TemporaryFolder(); }
 
 CString CQFile::GetTempFilePath(const char* prefix) {
     CString name;
-    qel::Succeeds([&] { name = GetTempFilename(GetTempFolder(), prefix); });
+    qel::Succeeds("CQFile::GetTempFilePath", [&] { name = GetTempFilename(GetTempFolder(), prefix); });
     return name;
 }
 
 CString CQFile::GetTempFilename(const char* folder, const char* prefix) {
     CString name;
-    qel::Succeeds([&] { name = qel::TemporaryName(CString(folder).View(), CString(prefix).View()); });
+    qel::Succeeds("CQFile::GetTempFilename",
+                  [&] { name = qel::TemporaryName(CString(folder).View(), CString(prefix).View()); });
     return name;
 }
 
 int CQFile::GetCurrentDirectoryA(CString& out) {
-    return qel::Succeeds([&] { out = qel::CurrentFolder(); });
+    return qel::Succeeds("CQFile::GetCurrentDirectoryA", [&] { out = qel::CurrentFolder(); });
 }
 
 CString CQFile::GetModuleFilePath(HINSTANCE module) { return qel::ModulePath(module); }

@@ -31,18 +31,18 @@ constexpr LONG kOutOfMemory = 14;
 }  // namespace
 
 int CQFile::SelectFolderDialog(CString& folder, const char* title, HWND owner) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQFile::SelectFolderDialog", [&] {
         SetInitialFolder(folder);
         std::optional<CString> chosen = qel::BrowseForFolder(
             {.owner = owner, .title = title, .flags = BIF_RETURNONLYFSDIRS, .callback = BrowseNotify, .data = 0});
-        if (!chosen) return 0;
+        if (!chosen) return qel::Refuse(qel::FailureKind::kRefused, "", "cancelled, or there is no browser");
         folder = std::move(*chosen);
         return 1;
     });
 }
 
 int CQFile::SelectFolderDialog(CString& folder, UINT titleId, HWND owner) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQFile::SelectFolderDialog", [&] {
         CString title;
         title.LoadString(titleId);
         return SelectFolderDialog(folder, title, owner);
@@ -60,27 +60,31 @@ int CQFile::BrowseNotify(HWND browser, UINT message, LPARAM, LPARAM) {
 }
 
 HRESULT CQFile::CreateShortcut(const char* target, const char* shortcut, const char* description) {
+    qel::Operation operation("CQFile::CreateShortcut");
     try {
         std::optional<CString> text;
         if (description != nullptr) text = description;
         qel::WriteShellLink(CString(target).View(), CString(shortcut).View(), text);
+        operation.Ended(true);
         return 0;
     } catch (const CFileException& failure) {
+        qel::FailedBy(operation, failure);
         return ResultOf(failure.m_lOsError);
     } catch (const std::bad_alloc&) {
+        qel::FailedByMemory(operation);
         return ResultOf(kOutOfMemory);
     }
 }
 
 int CQFile::DeleteShortcut(const char* shortcut) {
-    return qel::Succeeds([&] { qel::DeleteShellLink(CString(shortcut).View()); });
+    return qel::Succeeds("CQFile::DeleteShortcut", [&] { qel::DeleteShellLink(CString(shortcut).View()); });
 }
 
 int CQFile::GetVersionInfo(const char* file, const char* key, CString* value) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQFile::GetVersionInfo", [&] {
         CFile opened(file, modeRead | shareDenyNone);
         const std::optional<CString> text = qel::VersionText(opened, CString(key).View());
-        if (!text) return 0;
+        if (!text) return qel::Refuse(qel::FailureKind::kMissing, CString(file).View(), "no such version text");
         if (value != nullptr) *value = *text;
         return 1;
     });

@@ -24,6 +24,8 @@ constexpr UINT kForReading = CFile::modeRead | CFile::shareDenyWrite;
 constexpr UINT kForWriting = CFile::modeReadWrite | CFile::shareDenyWrite;
 constexpr UINT kNew = CFile::modeCreate | kForWriting;
 
+using qel::FailureKind;
+using qel::Refuse;
 using qel::StoredVersion;
 
 constexpr ULONGLONG kFirstVersionAt = qel::kCabinetHeaderSize;
@@ -77,13 +79,17 @@ private:
 };
 
 // @param find gives the version; not asked before the target is there
-template <class Find> int Extract(CFile& cabinet, const char* target, Find&& find) {
-    return qel::AsResult([&] {
+template <class Find>
+int Extract(const char* operation, CQFile& cabinet, bool hasVersion, const char* target, Find&& find) {
+    return qel::AsResult(operation, &cabinet, [&] {
+        if (!cabinet.IsOpen()) return Refuse(FailureKind::kState, "", "no cabinet is open");
+        if (!hasVersion) return Refuse(FailureKind::kMissing, cabinet.GetFilePath().View(), "no such version");
         CFile to(target, kNew);
         const StoredVersion version = find();
         const qel::CheckSums sums = qel::CopyWithCheckSums(cabinet, version.dataAt, to, version.header.dataSize);
         to.Close();
-        return sums.Sum() == version.header.dataSum && sums.Crc() == version.header.dataCRC ? 1 : 0;
+        if (sums.Sum() == version.header.dataSum && sums.Crc() == version.header.dataCRC) return 1;
+        return Refuse(FailureKind::kData, cabinet.GetFilePath().View(), "the version's data are changed");
     });
 }
 
@@ -106,7 +112,7 @@ CHistoryCabinetFile::~CHistoryCabinetFile() = default;
 
 int CHistoryCabinetFile::Create(const char* path) {
     Initialize();
-    return qel::AsResult([&] {
+    return qel::AsResult("CHistoryCabinetFile::Create", [&] {
         const CString name(path);
         qel::MakeFolders(name.View().substr(0, qel::NameStart(name.View())));
         return m_pFile->Open(name, kNew) ? 1 : 0;
@@ -115,14 +121,16 @@ int CHistoryCabinetFile::Create(const char* path) {
 
 int CHistoryCabinetFile::Open(const char* path, int readOnly) {
     Initialize();
-    if (!m_pFile->Open(path, readOnly != 0 ? kForReading : kForWriting)) return 0;
-    if (ReadCabFileHeader()) return 1;
-    Initialize();
-    return 0;
+    return qel::AsResult("CHistoryCabinetFile::Open", m_pFile.get(), [&] {
+        if (!m_pFile->Open(path, readOnly != 0 ? kForReading : kForWriting)) return 0;
+        if (ReadCabFileHeader()) return 1;
+        Initialize();
+        return 0;
+    });
 }
 
 int CHistoryCabinetFile::Close() {
-    return qel::Succeeds([&] { m_pFile->Close(); });
+    return qel::Succeeds("CHistoryCabinetFile::Close", [&] { m_pFile->Close(); });
 }
 
 void CHistoryCabinetFile::Initialize() {
@@ -133,7 +141,7 @@ void CHistoryCabinetFile::Initialize() {
 }
 
 int CHistoryCabinetFile::RegistNewVersion(const char* source) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CHistoryCabinetFile::RegistNewVersion", m_pFile.get(), [&] {
         m_pFile->WritableDescriptor();  // throws when nothing is open, or for reading only
         if (*m_pIsHalfDone) throw qel::DataError("a registration that could not be undone");
         CFile from(source, kForReading);
@@ -201,13 +209,15 @@ void CHistoryCabinetFile::WriteHeader() {
 }
 
 int CHistoryCabinetFile::GetLatestVersionFile(const char* target) {
-    if (!m_pFile->IsOpen() || m_header.versionCount == 0) return 0;
-    return Extract(*m_pFile, target, [&] { return Content(*m_pFile).Latest(m_header); });
+    const bool hasVersion = m_header.versionCount != 0;
+    return Extract("CHistoryCabinetFile::GetLatestVersionFile", *m_pFile, hasVersion, target,
+                   [&] { return Content(*m_pFile).Latest(m_header); });
 }
 
 int CHistoryCabinetFile::GetVersionFile(DWORD version, const char* target) {
-    if (!m_pFile->IsOpen() || version == 0 || version > m_header.versionCount) return 0;
-    return Extract(*m_pFile, target, [&] { return Content(*m_pFile).Find(version, m_header.versionCount, *m_pEnds); });
+    const bool hasVersion = version != 0 && version <= m_header.versionCount;
+    return Extract("CHistoryCabinetFile::GetVersionFile", *m_pFile, hasVersion, target,
+                   [&] { return Content(*m_pFile).Find(version, m_header.versionCount, *m_pEnds); });
 }
 
 void CHistoryCabinetFile::InitCabFileHeader() {
@@ -221,7 +231,10 @@ int CHistoryCabinetFile::ReadCabFileHeader() {
         InitCabFileHeader();
         return 0;
     }
-    return qel::Succeeds([&] { m_header = qel::ReadCabinetHeader(*m_pFile); });
+    return qel::AsResult(nullptr, m_pFile.get(), [&] {
+        m_header = qel::ReadCabinetHeader(*m_pFile);
+        return 1;
+    });
 }
 
 int CHistoryCabinetFile::UpdateCabFileHeader() {

@@ -15,6 +15,7 @@
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/file_failure.h"
 #include "qellib10/platform/storage/in_place.h"
 #include "qellib10/platform/storage/locked_file.h"
 #include "qellib10/platform/storage/path.h"
@@ -39,6 +40,12 @@ std::shared_ptr<const IniIndex> Read(const char* file) {
     } catch (const CFileException&) {  // no such name can be
         return std::make_shared<const IniIndex>("");
     }
+}
+
+// Records why a setting has its default. @return false
+bool Missing(bool isRead, const char* file, const char* name) {
+    if (isRead) return Refuse(FailureKind::kMissing, name != nullptr ? name : "", "not in the file") != 0;
+    return Refuse(FailureKind::kFile, file != nullptr ? file : "", "cannot be read") != 0;
 }
 
 std::string_view WithoutTrailingBlanks(std::string_view text) {
@@ -68,7 +75,8 @@ template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, E
     const Descriptor file = OpenLocked(ToPosixPath(name), 0, name, wait);
     const std::string old = file ? ContentOf(file, name) : std::string();
     const Edited changed = edit(old);
-    if (!changed || *changed == old) return changed.has_value();
+    if (!changed) return Refuse(FailureKind::kArgument, name, "a name or text that the file cannot hold") != 0;
+    if (*changed == old) return true;
     try {
         Replacement replacement(name);
         WriteFully(replacement.File(), std::as_bytes(std::span(*changed)), name);
@@ -89,7 +97,8 @@ template <class Edit> bool Rewrite(const char* file, Edit&& edit) {
         try {
             return RewriteOnce(name, wait, edit);
         } catch (const CFileException& failure) {
-            if (!IsPassing(failure.m_lOsError) || !wait.Again()) return false;
+            if (IsPassing(failure.m_lOsError) && wait.Again()) continue;
+            return RefuseBy(failure) != 0;
         }
     }
 }
@@ -99,6 +108,7 @@ template <class Edit> bool Rewrite(const char* file, Edit&& edit) {
 std::string ReadProfileString(const char* section, const char* key, const char* defaultValue, DWORD size,
                               const char* file) {
     if (size == 0) return {};
+    Operation operation("qel::ReadProfileString");
     const std::shared_ptr<const IniIndex> ini = Read(file);
     std::optional<std::string_view> value;
     std::string names;
@@ -108,14 +118,16 @@ std::string ReadProfileString(const char* section, const char* key, const char* 
         names = section != nullptr ? ini->Keys(section) : ini->Sections();
         if (!names.empty()) value = names;
     }
-    if (!value) value = WithoutTrailingBlanks(defaultValue != nullptr ? defaultValue : "");
+    if (!operation.Ended(value.has_value() || Missing(ini != nullptr, file, key != nullptr ? key : section)))
+        value = WithoutTrailingBlanks(defaultValue != nullptr ? defaultValue : "");
     return std::string(LeftWhole(*value, size - 1));
 }
 
 std::optional<std::string> ReadProfileSection(const char* section, DWORD size, const char* file) {
     if (section == nullptr || size < 2) return "";
+    Operation operation("qel::ReadProfileSection");
     const std::shared_ptr<const IniIndex> ini = Read(file);
-    if (!ini) return std::nullopt;
+    if (!operation.Ended(ini != nullptr || Missing(false, file, section))) return std::nullopt;
     std::string entries = ini->Entries(section);
     const std::size_t room = size - 2;
     if (entries.size() > room) {
@@ -126,20 +138,24 @@ std::optional<std::string> ReadProfileSection(const char* section, DWORD size, c
 }
 
 bool WriteProfileString(const char* section, const char* key, const char* value, const char* file) {
-    if (section == nullptr) return false;
-    return Rewrite(file, [&](std::string_view bytes) -> Edited {
+    Operation operation("qel::WriteProfileString");
+    if (section == nullptr) return operation.Failed(FailureKind::kArgument, "", "no section") != 0;
+    const bool isWritten = Rewrite(file, [&](std::string_view bytes) -> Edited {
         if (key == nullptr) return WithoutIniSection(bytes, section);
         if (value == nullptr) return WithoutIniKey(bytes, section, key);
         return WithIniValue(bytes, section, key, value);
     });
+    return operation.Ended(isWritten);
 }
 
 bool AddProfileEntry(const char* section, std::string_view entry, const char* file) {
-    if (section == nullptr) return false;
-    return Rewrite(file, [&](std::string_view bytes) {
+    Operation operation("qel::AddProfileEntry");
+    if (section == nullptr) return operation.Failed(FailureKind::kArgument, "", "no section") != 0;
+    const bool isWritten = Rewrite(file, [&](std::string_view bytes) {
         std::string entries = IniIndex(std::string(bytes)).Entries(section);
         return WithIniEntries(bytes, section, entries.append(entry).append(1, '\0'));
     });
+    return operation.Ended(isWritten);
 }
 
 }  // namespace qel

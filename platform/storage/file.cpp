@@ -11,6 +11,7 @@
 
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_failure.h"
 #include "qellib10/platform/storage/open.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -25,15 +26,18 @@ CFile::CFile(const char* name, UINT flags) { OpenOrThrow(name, flags); }
 CFile::~CFile() { CloseDescriptor(); }
 
 BOOL CFile::Open(const char* name, UINT flags, CFileException* error) {
+    qel::Operation operation("CFile::Open");
     try {
         Abort();
         try {
             OpenOrThrow(name, flags);
-            return 1;
+            return operation.Ended(1);
         } catch (const CFileException& failure) {
+            qel::FailedBy(operation, failure);
             if (error != nullptr) *error = failure;
         }
     } catch (const std::bad_alloc&) {
+        qel::FailedByMemory(operation);
         if (error != nullptr) *error = CFileException(qel::CauseOfCode(qel::kOutOfMemory), qel::kOutOfMemory);
     }
     return 0;

@@ -8,6 +8,7 @@
 
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/file_failure.h"
 #include "qellib10/platform/storage/path.h"
 
 namespace qel {
@@ -19,8 +20,8 @@ constexpr int kEnter = O_PATH | O_DIRECTORY | O_CLOEXEC;
 template <class Step> bool WithName(std::string_view name, Step&& step) {
     try {
         return step(name == "." || name == ".." ? std::string(name) : ToPosixName(name));
-    } catch (const CFileException&) {
-        return false;
+    } catch (const CFileException& failure) {
+        return RefuseBy(failure) != 0;
     }
 }
 
@@ -46,8 +47,12 @@ bool FolderWalk::Enter(std::string_view name) {
 bool FolderWalk::Create(std::string_view name) {
     return WithName(name, [&](const std::string& posix) {
         if (::mkdirat(m_folder.Get(), posix.c_str(), 0777) == 0) return true;
+        const int error = errno;
         struct stat status = {};
-        return errno == EEXIST && ::fstatat(m_folder.Get(), posix.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode);
+        const bool exists = error == EEXIST && ::fstatat(m_folder.Get(), posix.c_str(), &status, 0) == 0;
+        if (exists && S_ISDIR(status.st_mode)) return true;
+        const LONG code = CodeOfErrno(error);
+        return RefuseBy(CFileException(CauseOfCode(code), code, CString(name))) != 0;
     });
 }
 

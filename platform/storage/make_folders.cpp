@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/storage/folder_walk.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
@@ -41,7 +42,8 @@ bool MakeFolders(FolderWalk& walk, std::string_view names) {
 void MakeFolders(std::string_view path) {
     const FolderRoute route(path);
     FolderWalk walk(route.start);
-    MakeFolders(walk, route.names);
+    Operation operation("qel::MakeFolders");
+    operation.Ended(MakeFolders(walk, route.names));
 }
 
 }  // namespace qel

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+
+#include "qellib10/platform/export.h"
+
+namespace qel {
+
+/// What kind of reason an operation had to fail.
+enum class FailureKind {
+    kNone,         ///< the last operation of this thread succeeded
+    kFile,         ///< the system refused a file; Failure::systemError says why
+    kArchive,      ///< an archive is damaged, ends too early or is used in the wrong direction
+    kData,         ///< bytes, a text or a document that are not what they have to be
+    kMemory,       ///< memory ran out, perhaps by the length that a file claims
+    kArgument,     ///< an argument that no such operation takes: null, a name that cannot be, a number out of range
+    kState,        ///< the object cannot do it now: nothing is open, it is locked already, it was opened for reading
+    kMissing,      ///< what was asked for is not there: a version, a node, a key, a printer
+    kRegistry,     ///< the registry refused; Failure::systemError has the code
+    kPrinter,      ///< the printing system refused
+    kSyntax,       ///< a formula that does not follow the grammar
+    kUnknownName,  ///< a formula with a name that is no variable
+    kZeroDivisor,  ///< a formula that divides by zero
+    kTooLong,      ///< a formula of more bytes than it may have
+    kRefused       ///< no more is known
+};
+
+/// Why an operation failed.
+struct Failure {
+    FailureKind kind = FailureKind::kNone;
+    /// The operation that the application called, such as "CCheckDatafile::PackUpdateData".
+    const char* operation = "";
+    /// What it was about: a file, a key, a node, a printer, the name in a formula; empty when nothing has a name. In
+    /// the process's code page.
+    std::string item;
+    /// The reason in a few English words, for logs, such as "disk full".
+    std::string text;
+    /// The number that CFileException::m_lOsError and the registry's functions have; -1 when the reason is not the
+    /// system's.
+    long systemError = -1;
+    /// Where in a formula, in bytes from 0, blanks counted; -1 for all that is no formula.
+    int position = -1;
+};
+
+/// Why the last operation of this thread failed; kNone when it succeeded. Ask at once: the next operation, of whatever
+/// object, sets or clears it. An operation that calls others and fails gives its own name and the reason of the
+/// innermost one that failed.
+///
+///     if (seal.PackUpdateData(&file, 0) == 0) Log(qel::LastFailure().text);
+///
+/// It is about operations that report failure by 0, false, null or a default value, and whose answer 0 has no other
+/// meaning. One that throws leaves it alone: the exception has the reason. So does a question whose answer may be no,
+/// such as CQFile::IsExist.
+/// @throws std::bad_alloc
+QELLIB10_API Failure LastFailure();
+
+}  // namespace qel

@@ -1,0 +1,236 @@
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "../support/temp_folder.h"
+#include "../support/test.h"
+#include "qellib10/calc/qw_calc.h"
+#include "qellib10/file/check_datafile.h"
+#include "qellib10/platform/archive/archive_exception.h"
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/failure.h"
+#include "qellib10/secure/history_cabinet_file.h"
+
+namespace {
+
+using qel::FailureKind;
+using qel::LastFailure;
+
+constexpr const char* kKinds[] = {"none",     "file",         "archive",      "data",     "memory",
+                                  "argument", "state",        "missing",      "registry", "printer",
+                                  "syntax",   "unknown name", "zero divisor", "too long", "refused"};
+
+// The last failure as one text; of an item its last name.
+std::string Told() {
+    const qel::Failure failure = LastFailure();
+    std::string told = kKinds[static_cast<int>(failure.kind)];
+    if (failure.kind == FailureKind::kNone) return told;
+    told += std::string(": ") + failure.operation + ": ";
+    const std::size_t name = failure.item.find_last_of('\\') + 1;
+    if (!failure.item.empty()) told += failure.item.substr(name) + ": ";
+    told += failure.text;
+    if (failure.systemError >= 0) told += " (" + std::to_string(failure.systemError) + ")";
+    if (failure.position >= 0) told += " at " + std::to_string(failure.position);
+    return told;
+}
+
+// One operation that fails, and what is reported of it.
+struct Case {
+    std::function<int()> operation;
+    std::string told;
+};
+void EachTells(const std::vector<Case>& cases) {
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.operation(), 0) << c.told;
+        EXPECT_EQ(Told(), c.told);
+    }
+}
+
+class Failures : public testing::Test {
+protected:
+    CString Path(const char* name) const { return folder.Path(name); }
+    CString Made(const char* name, const std::string& bytes) const {
+        folder.Write(name, bytes);
+        return Path(name);
+    }
+    // As @p ask with the file of that name, open with these flags.
+    template <class Ask> int On(const char* name, Ask ask, UINT flags = CFile::modeReadWrite) const {
+        CQFile file;
+        return file.Open(Path(name), flags) ? ask(&file) : -1;
+    }
+
+    const TempFolder folder;
+};
+
+int Throwing(const std::function<void()>& thrown) { return qel::Succeeds("A::Step", thrown) ? 1 : 0; }
+
+}  // namespace
+
+TEST_F(Failures, ComeFromEachExceptionOfTheLibrary) {
+    EachTells({
+        {[] { return Throwing([] { throw CFileException(CFileException::diskFull, 112, "a\\b"); }); },
+         "file: A::Step: b: disk full (112)"},
+        {[] { return Throwing([] { throw CArchiveException(CArchiveException::endOfFile, "a\\b"); }); },
+         "archive: A::Step: b: archive ends too early"},
+        {[] { return Throwing([] { throw qel::DataError("no such thing"); }); }, "data: A::Step: no such thing"},
+        {[] { return Throwing([] { throw std::bad_alloc(); }); }, "memory: A::Step: out of memory"},
+        {[] { return qel::AsResult("A::Step", [] { return 0; }); }, "refused: A::Step: refused"},
+    });
+}
+
+TEST_F(Failures, OfOperationsWithinOthersGetTheNameOfTheOuterOne) {
+    const auto inner = [](int result) {
+        return qel::AsResult(
+            "B::Inner", [=] { return result != 0 ? 1 : qel::Refuse(FailureKind::kMissing, "thing", "not there"); });
+    };
+    const auto outer = [&](std::vector<int> results, int result) {
+        return qel::AsResult("A::Outer", [&] {
+            for (const int one : results) inner(one);
+            return result;
+        });
+    };
+    struct Row {
+        std::vector<int> inner;
+        int outer;
+        std::string told;
+    };
+    for (const Row& row :
+         {Row{{0}, 0, "missing: A::Outer: thing: not there"},
+          Row{{0, 1}, 0, "missing: A::Outer: thing: not there"},  // it tidied up before it ended
+          Row{{0}, 1, "none"}, Row{{1}, 0, "refused: A::Outer: refused"}, Row{{}, 0, "refused: A::Outer: refused"}}) {
+        inner(0);  // of no one any more
+        EXPECT_EQ(outer(row.inner, row.outer), row.outer);
+        EXPECT_EQ(Told(), row.told);
+    }
+}
+
+TEST_F(Failures, BelongToTheirThreadAndGoWithItsNextSuccess) {
+    qel::Refuse(FailureKind::kData, "", "mine");
+    std::thread([] { EXPECT_EQ(Told(), "none"); }).join();
+    EXPECT_EQ(LastFailure().text, "mine");
+    CFile file;
+    EXPECT_TRUE(file.Open(Made("a", ""), CFile::modeRead));
+    EXPECT_EQ(Told(), "none");
+}
+
+TEST_F(Failures, OfFilesTellFileAndCause) {
+    const CString a = Made("a", "some bytes"), b = Made("b", "other byte");
+    DWORD number = 0;
+    CString text;
+    EachTells({
+        {[&] { return CFile().Open(Path("none"), CFile::modeRead); }, "file: CFile::Open: none: file not found (2)"},
+        {[&] { return CFile().Open(Path("no") + "\\x", CFile::modeRead); }, "file: CFile::Open: x: bad path (3)"},
+        {[&] { return CQFile::GetFileCRC(Path("none"), &number, 0); },
+         "file: CQFile::GetFileCRC: none: file not found (2)"},
+        {[&] { return CQFile().GetFileSum(&number, 0); }, "state: CQFile::GetFileSum: no file is open (6)"},
+        {[&] { return CQFile::CompareFile(a, b); }, "data: CQFile::CompareFile: b: other bytes"},
+        {[&] { return CQFile::GetFileSize(Path("none"), &number); },
+         "missing: CQFile::GetFileSize: none: no such file"},
+        {[&] { return On("a", [](CQFile* file) { return file->Find("zz", 2); }); },
+         "missing: CQFile::Find: a: not found in the file"},
+        {[&] { return CQFile::MoveFileA(Path("none"), Path("c"), 0); },
+         "file: CQFile::MoveFileA: none: file not found (2)"},
+        {[&] { return CQFile::MoveFileA(a, b, 0); }, "file: CQFile::MoveFileA: b: access denied (80)"},
+        {[&] { return CQFile::CreateDirectories(a + "\\x"); },
+         "file: CQFile::CreateDirectories: a: access denied (183)"},
+        {[&] { return CQFile::DeleteShortcut(Path("none.lnk")); },
+         "file: CQFile::DeleteShortcut: none.lnk: file not found (2)"},
+        {[&] { return CQFile::GetVersionInfo(a, "FileVersion", &text); },
+         "missing: CQFile::GetVersionInfo: a: no such version text"},
+    });
+}
+
+TEST_F(Failures, OfSealsTellWhatIsWrongWithTheSeal) {
+    Made("short", "data");
+    Made("plain", std::string(100, '\x7F'));
+    Made("a", std::string(100, 'd'));
+    const auto pack = [](CQFile* file) { return CCheckDatafile::PackNewData(file); };
+    const auto read = [](CQFile* file) { return CCheckDatafile().ReadPackData(file); };
+    const auto update = [](int isNew) {
+        return [=](CQFile* file) { return CCheckDatafile().PackUpdateData(file, isNew); };
+    };
+    ASSERT_EQ(On("a", pack), 1);
+    Made("renamed", folder.Read("a"));
+    Made("changed", "D" + folder.Read("a").substr(1));
+    EachTells({
+        {[&] { return On("short", read); }, "data: CCheckDatafile::ReadPackData: short: not sealed"},
+        {[&] { return On("plain", read); }, "data: CCheckDatafile::ReadPackData: plain: not sealed"},
+        {[&] { return On("renamed", read); }, "data: CCheckDatafile::ReadPackData: renamed: sealed under another name"},
+        {[&] { return On("changed", read); },
+         "data: CCheckDatafile::ReadPackData: changed: not sealed, or changed since"},
+        {[&] { return On("a", update(1)); }, "data: CCheckDatafile::PackUpdateData: a: sealed already"},
+        {[&] { return On("plain", update(0)); }, "data: CCheckDatafile::PackUpdateData: plain: not sealed"},
+        {[&] { return On("a", update(0), CFile::modeRead); },
+         "file: CCheckDatafile::PackUpdateData: a: access denied (5)"},
+        {[&] { return On("a", pack, CFile::modeRead); }, "file: CCheckDatafile::PackNewData: a: access denied (5)"},
+        {[&] { return CCheckDatafile::IsPackData(nullptr); }, "argument: CCheckDatafile::IsPackData: a null pointer"},
+    });
+}
+
+TEST_F(Failures, OfCabinetsTellWhatCannotBeRead) {
+    const CString source = Made("source", "a version"), path = Path("c");
+    CHistoryCabinetFile cabinet, closed, reading;
+    ASSERT_EQ(cabinet.Create(path) && cabinet.RegistNewVersion(source) && cabinet.Close(), 1);
+    std::string bytes = folder.Read("c");
+    bytes.back() = '?';
+    const CString changed = Made("changed", bytes);
+    bytes[4] = '?';
+    const CString damaged = Made("damaged", bytes);
+    ASSERT_EQ(reading.Open(path, 1), 1);
+    CHistoryCabinetFile ofChanged;
+    ASSERT_EQ(ofChanged.Open(changed, 1), 1);
+    const CString target = Path("target");
+    EachTells({
+        {[&] { return closed.Open(Path("none"), 0); }, "file: CHistoryCabinetFile::Open: none: file not found (2)"},
+        {[&] { return closed.Open(source, 0); }, "file: CHistoryCabinetFile::Open: source: end of file"},
+        {[&] { return closed.Open(damaged, 0); }, "data: CHistoryCabinetFile::Open: damaged: a damaged cabinet header"},
+        {[&] { return closed.Create(source + "\\c"); }, "file: CHistoryCabinetFile::Create: c: bad path (3)"},
+        {[&] { return closed.RegistNewVersion(source); },
+         "state: CHistoryCabinetFile::RegistNewVersion: no file is open (6)"},
+        {[&] { return reading.RegistNewVersion(source); },
+         "file: CHistoryCabinetFile::RegistNewVersion: c: access denied (5)"},
+        {[&] { return closed.GetLatestVersionFile(target); },
+         "state: CHistoryCabinetFile::GetLatestVersionFile: no cabinet is open"},
+        {[&] { return reading.GetVersionFile(2, target); },
+         "missing: CHistoryCabinetFile::GetVersionFile: c: no such version"},
+        {[&] { return reading.GetVersionFile(1, Path("no") + "\\x"); },
+         "file: CHistoryCabinetFile::GetVersionFile: x: bad path (3)"},
+        {[&] { return ofChanged.GetVersionFile(1, target); },
+         "data: CHistoryCabinetFile::GetVersionFile: changed: the version's data are changed"},
+    });
+}
+
+TEST_F(Failures, OfFormulasTellKindAndPosition) {
+    CCalcVariableList list;
+    CCalcVariable variable;
+    variable.m_szName = "EP";
+    list.AddVariableData(variable);  // 0
+    CQWCalc calc;
+    calc.SetCalcVarList(list);
+    double result = 0;
+    const auto check = [&](const std::string& formula) { return calc.CheckCalcFormula("", CString(formula)); };
+    const auto compute = [&](const std::string& formula) { return calc.ConcCalculation(CString(formula), &result); };
+    struct Row {
+        std::string formula, told;
+    };
+    for (const Row& row : {Row{"1 + 2*-3", "syntax: syntax error at 6"}, Row{"(1 + EP", "syntax: syntax error at 7"},
+                           Row{"1.2.3", "syntax: syntax error at 3"}, Row{"1 = 2", "syntax: syntax error at 2"},
+                           Row{"2 * (EP - BLA NK)", "unknown name: BLANK: unknown name at 10"},
+                           Row{"4 / (1 - 1) * NONE", "zero divisor: division by zero at 2"},
+                           Row{std::string(256, '1'), "too long: more than 255 bytes at 255"}}) {
+        const auto told = [&](const char* operation) {
+            const std::size_t colon = row.told.find(": ") + 2;
+            return row.told.substr(0, colon) + operation + ": " + row.told.substr(colon);
+        };
+        EXPECT_EQ(check(row.formula), 0);
+        EXPECT_EQ(Told(), told("CQWCalc::CheckCalcFormula"));
+        EXPECT_EQ(compute(row.formula), 0);
+        EXPECT_EQ(Told(), told("CQWCalc::ConcCalculation"));
+    }
+    EXPECT_EQ(check("1 / EP"), 1);
+    EXPECT_EQ(compute("1 / EP"), 0);
+    EXPECT_EQ(Told(), "zero divisor: CQWCalc::ConcCalculation: division by zero at 2");
+    EXPECT_EQ(compute("1 + EP"), 1);
+    EXPECT_EQ(Told(), "none");
+}
