@@ -238,7 +238,7 @@ void CQBinary::AddStrIntTopSign(int value, int width) {
 void CQBinary::AddDoubleTopSign(double value, int width, int decimals, int roundMode) {
     constexpr int kBlanks = 10;
     AddSign(value < 0);
-    std::array<char, kBlanks + qel::kQuickTextRoom> field;
+    std::array<char, kBlanks + qel::kQuickTextSize> field;
     std::fill_n(field.begin(), kBlanks, ' ');
     char* const text = field.data() + kBlanks;
     if (const int length = decimals > 0 ? qel::WriteQuickRoundedText(value, decimals, roundMode, text) : 0;
@@ -284,16 +284,16 @@ void CQBinary::Load(CArchive& ar) {
 
     // All at once, or where the file's length is unknown in pieces: memory grows only by what has arrived.
     const int piece = left ? size : std::min(size, kArchivePiece);
-    bool hasRoom = size >= 0 && AllocateBuffer(piece) != 0;
+    bool isAllocated = size >= 0 && AllocateBuffer(piece) != 0;
     int have = 0;
-    while (hasRoom && have < size) {
+    while (isAllocated && have < size) {
         const int part = std::min(size - have, piece);
-        hasRoom = ReallocateBuffer(have + part) != 0;
-        if (hasRoom && ar.Read(m_pBuffer.get() + have, static_cast<UINT>(part)) != static_cast<UINT>(part))
+        isAllocated = ReallocateBuffer(have + part) != 0;
+        if (isAllocated && ar.Read(m_pBuffer.get() + have, static_cast<UINT>(part)) != static_cast<UINT>(part))
             throw tooShort();
         have += part;
     }
-    if (hasRoom) m_nSize = have;
+    if (isAllocated) m_nSize = have;
     ar >> m_nEndian;
 }
 

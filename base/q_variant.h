@@ -24,7 +24,7 @@ inline constexpr std::array<double, 23> kUnits = {1e-0,  1e-1,  1e-2,  1e-3,  1e
                                                   1e-8,  1e-9,  1e-10, 1e-11, 1e-12, 1e-13, 1e-14, 1e-15,
                                                   1e-16, 1e-17, 1e-18, 1e-19, 1e-20, 1e-21, 1e-22};
 /// One digit more than these is looked at.
-inline constexpr int kMostExactDigits = static_cast<int>(kPowersOfTen.size()) - 2;
+inline constexpr int kMaxExactDigits = static_cast<int>(kPowersOfTen.size()) - 2;
 
 /// From so many tenths of a unit on numbers are not rounded: beyond 64-bit integers.
 inline constexpr double kTooLargeTenths = 0x1p63;
@@ -70,7 +70,7 @@ public:
     ///
     /// Below 0 digits (-2: hundreds) the modes are -1, 0 and 1; any other gives |x| * 10^-digits with the sign of x.
     static double fround(double x, int digits, int mode) {
-        if (digits < 0 || digits > qel::kMostExactDigits) return qel::RoundByRule(x, digits, mode);
+        if (digits < 0 || digits > qel::kMaxExactDigits) return qel::RoundByRule(x, digits, mode);
         const auto place = static_cast<std::size_t>(digits);
         // The absolute value is taken in between, so that no compiler fuses product and sum, which would round once.
         const double tenths = std::fabs(x * qel::kPowersOfTen[place + 1]) + 0.01;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
-std::size_t Columns(int count) { return static_cast<std::size_t>(std::clamp(count, 0, qel::kMostColumns)); }
+std::size_t Columns(int count) { return static_cast<std::size_t>(std::clamp(count, 0, qel::kMaxColumns)); }
 
 // The first n bytes of a text that may end before.
 std::string_view First(const char* text, int n) {

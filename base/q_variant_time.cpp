@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr long long kSecondsADay = 86400;
+constexpr long long kSecondsPerDay = 86400;
 
 std::optional<long long> WholeSeconds(double seconds) {
     constexpr double kTwoTo63 = 9223372036854775808.0;
@@ -29,8 +29,8 @@ CString CQVariant::DoubleToDatetimeStr(double seconds) {
     const std::optional<long long> whole = WholeSeconds(seconds);
     if (!whole) return {};
     CString days;
-    if (*whole >= kSecondsADay) days.Format("%lld ", *whole / kSecondsADay);
-    return days + Clock(*whole % kSecondsADay, 1);
+    if (*whole >= kSecondsPerDay) days.Format("%lld ", *whole / kSecondsPerDay);
+    return days + Clock(*whole % kSecondsPerDay, 1);
 }
 
 CString CQVariant::DoubleToTimeStr(double seconds) {

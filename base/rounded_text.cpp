@@ -17,7 +17,7 @@ namespace qel {
 namespace {
 
 constexpr std::array<std::uint32_t, 9> kPowers = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-constexpr int kMostDigits = 8;  // before the point, and behind it
+constexpr int kMaxDigits = 8;  // before the point, and behind it
 
 // Below so many units their number and the double have the same digits.
 constexpr std::uint64_t kFirstInexact = std::uint64_t{1} << 51;
@@ -38,7 +38,7 @@ std::uint64_t EightDigits(std::uint32_t number) {
 
 // Writes the last @p count digits of a number below 10^8; all of the eight bytes at @p at are overwritten.
 void PutDigits(char* at, std::uint32_t number, int count) {
-    const std::uint64_t text = EightDigits(number) >> 8 * (kMostDigits - count);
+    const std::uint64_t text = EightDigits(number) >> 8 * (kMaxDigits - count);
     std::memcpy(at, ToLittleEndian(text).data(), sizeof text);
 }
 
@@ -84,14 +84,14 @@ struct ShortText {
 
 std::uint64_t InMemory(std::uint64_t word) { return std::bit_cast<std::uint64_t>(ToLittleEndian(word)); }
 
-constexpr int kMostShortDigits = kMostDigits - 1;  // a sign is the eighth character
+constexpr int kMaxShortDigits = kMaxDigits - 1;  // a sign is the eighth character
 
-// The text of a number of up to kMostShortDigits digits, a zero before the point included. @p decimals is 1 to 6.
+// The text of a number of up to kMaxShortDigits digits, a zero before the point included. @p decimals is 1 to 6.
 ShortText ShortFixedPoint(bool negative, std::uint32_t units, int decimals) {
     const int characters = std::max(CountDigits(units), decimals + 1) + (negative ? 1 : 0);
     // Before the first digit is a zero, which becomes the sign.
     constexpr std::uint64_t kZeroToSign = '0' ^ '-';
-    const std::uint64_t text = EightDigits(units) >> 8 * (kMostDigits - characters) ^ (negative ? kZeroToSign : 0);
+    const std::uint64_t text = EightDigits(units) >> 8 * (kMaxDigits - characters) ^ (negative ? kZeroToSign : 0);
     // The point goes between the digits, and those after it move on by one.
     const int point = 8 * (characters - decimals);  // in bits, at most 56
     const std::uint64_t whole = text & ((std::uint64_t{1} << point) - 1);
@@ -111,7 +111,7 @@ CString InPlace(const char* bytes, int length) {
 
 // Apart, so that the short way saves no registers for it.
 [[gnu::noinline]] CString LongRoundedText(double x, int digits, int mode) {
-    std::array<char, kQuickTextRoom> buffer{};
+    std::array<char, kQuickTextSize> buffer{};
     const int length = WriteQuickRoundedText(x, digits, mode, buffer.data());
     if (length == 0) return RoundedTextByRule(x, digits, mode);
     return length <= kInPlace ? InPlace(buffer.data(), length) : CString(buffer.data(), length);
@@ -120,10 +120,10 @@ CString InPlace(const char* bytes, int length) {
 }  // namespace
 
 int WriteQuickRoundedText(double x, int digits, int mode, char* at) {
-    if (digits > kMostDigits) return 0;
+    if (digits > kMaxDigits) return 0;
     const std::uint64_t units = RoundedTenths(x, digits, mode) / 10;
     const std::uint32_t unitsOfOne = kPowers[static_cast<unsigned>(digits)];
-    if (units >= kFirstInexact || units >= std::uint64_t{unitsOfOne} * kPowers[kMostDigits]) return 0;
+    if (units >= kFirstInexact || units >= std::uint64_t{unitsOfOne} * kPowers[kMaxDigits]) return 0;
     return WriteFixedPoint(x < 0, Split(units, unitsOfOne), digits, at);
 }
 
@@ -133,9 +133,9 @@ CString RoundedTextByRule(double x, int digits, int mode) {
 }
 
 CString RoundedText(double x, int digits, int mode) {
-    if (digits < kMostShortDigits) {
+    if (digits < kMaxShortDigits) {
         const std::uint64_t tenths = RoundedTenths(x, digits, mode);
-        if (tenths < 10 * std::uint64_t{kPowers[kMostShortDigits]}) [[likely]] {
+        if (tenths < 10 * std::uint64_t{kPowers[kMaxShortDigits]}) [[likely]] {
             const ShortText text = ShortFixedPoint(x < 0, static_cast<std::uint32_t>(tenths) / 10, digits);
             return InPlace(reinterpret_cast<const char*>(&text.words), text.length);
         }

@@ -15,10 +15,10 @@ CString RoundedTextByRule(double x, int digits, int mode);
 CString RoundedText(double x, int digits, int mode);
 
 /// Room for a text by the quick way, and for what is written behind it on the way.
-inline constexpr int kQuickTextRoom = 32;
+inline constexpr int kQuickTextSize = 32;
 
 /// The quick way alone, for texts that are built in place.
-/// @param at kQuickTextRoom bytes
+/// @param at kQuickTextSize bytes
 /// @return length, or 0 when it is not possible
 int WriteQuickRoundedText(double x, int digits, int mode, char* at);
 

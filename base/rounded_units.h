@@ -25,7 +25,7 @@ inline std::uint64_t CutToWhole(double value) {
 /// |x| in tenths of a unit of the last kept digit, and what carries into that digit added: 5 to 9 tenths, none, or 1 to
 /// 9 of them. A tenth of it, cut, is the rounded number in units. 2^63 or more when |x| is too large or no
 /// number.
-/// @param digits 0 to kMostExactDigits
+/// @param digits 0 to kMaxExactDigits
 inline std::uint64_t RoundedTenths(double x, int digits, int mode) {
     const std::uint64_t carry = mode == 0 ? 5 : mode < 0 ? 0 : 9;
     // The absolute value is taken in between, so that no compiler fuses product and sum, which would round once.

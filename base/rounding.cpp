@@ -8,7 +8,7 @@
 namespace qel {
 namespace {
 
-constexpr int kMostExponent = 400;  // beyond the range of double
+constexpr int kMaxExponent = 400;  // beyond the range of double
 
 double RoundDecimals(double x, int digits, int mode, double sign) {
     const double scaled = InTenths(x, digits);
@@ -24,7 +24,7 @@ double RoundDecimals(double x, int digits, int mode, double sign) {
 
 double RoundBeforePoint(double x, int digits, int mode, double sign) {
     if (!std::isfinite(x)) return x;
-    const double power = PowerOfTen(digits < -kMostExponent ? kMostExponent : -digits);
+    const double power = PowerOfTen(digits < -kMaxExponent ? kMaxExponent : -digits);
     const double size = std::fabs(x);
     const double units = mode == -1  ? std::floor(size / power)
                          : mode == 0 ? std::floor(size / power + 0.5)
@@ -43,7 +43,7 @@ double PowerOfTen(int exponent) {
 }
 
 double InTenths(double x, int digits) {
-    return std::fabs(x * PowerOfTen(digits < kMostExponent ? digits + 1 : kMostExponent));
+    return std::fabs(x * PowerOfTen(digits < kMaxExponent ? digits + 1 : kMaxExponent));
 }
 
 double RoundByRule(double x, int digits, int mode) {

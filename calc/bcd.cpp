@@ -16,7 +16,7 @@ namespace {
 constexpr decContext kContext = {DECNUMDIGITS, 384, -383, DEC_ROUND_HALF_UP, 0, 0, 1};
 
 constexpr int kTextWidth = 64;
-constexpr int kMostTries = 5;
+constexpr int kMaxTries = 5;
 
 // decNumber reads longer texts with counters of 32 bits that would wrap.
 constexpr std::size_t kLongestText = 100'000'000;
@@ -217,7 +217,7 @@ double CBCD::GetDouble(int decimals, rounding mode) {
         const int printMode = mode == DEC_ROUND_UP ? 1 : mode == DEC_ROUND_DOWN ? -1 : 0;
         const CBCD step = CBCD("0.1") ^ (static_cast<unsigned int>(decimals) + 1);
         CBCD work = *this;
-        for (int i = 0; i < kMostTries; ++i) {
+        for (int i = 0; i < kMaxTries; ++i) {
             const double x = ReadDouble(work.GetString(decimals, mode));
             if (CQVariant::DoubleToStr(x, decimals, printMode) == wanted) return x;
             work = work + step;

@@ -1,7 +1,7 @@
 // From a measured titration curve to a result that is kept: a user logs on, the method is read and kept enciphered, the
 // end point is found, the user's formula computed over named values, rounded and compared with its limits. Report,
 // table and sealed values are written, registered as a new version with its operator, and logged; the curve is drawn
-// into a report that is kept as a print job (determine.cpp). Any version can be taken out again, reports are printed
+// into a report that is kept as a print job (keep_result.cpp). Any version can be taken out again, reports are printed
 // three to a page, and all files are checked later without anything but themselves (verify/verify.cpp).
 
 #include <algorithm>
@@ -14,11 +14,11 @@
 
 #include <qellib10/qellib10.h>
 
-#include "demo/determine.h"
+#include "demo/keep_result.h"
 #include "demo/options.h"
+#include "demo/report/layout_fingerprint.h"
 #include "demo/report/report.h"
 #include "demo/report/report_page.h"
-#include "demo/report/report_sample.h"
 #include "demo/result/history.h"
 #include "demo/result/made_files.h"
 #include "demo/result/renewals.h"
@@ -62,13 +62,13 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
 }
 
 // @return what stands behind the printer's name
-std::string PrintIn(ReportPages& pages, const std::string& sample, MadeFiles& made) {
+std::string PrintIn(ReportPages& pages, const std::string& fingerprint, MadeFiles& made) {
     const std::vector<std::string> before = made.Matching(kAllPdfs);
     pages.Print();
     std::string into;
     for (const std::string& name : made.Matching(kAllPdfs)) {
         if (std::ranges::find(before, name) != before.end()) continue;
-        made.Add(name, sample);
+        made.Add(name, fingerprint);
         into = stage::kInto + name;
     }
     return into;
@@ -80,18 +80,18 @@ std::string Print(int count, const History& history, MadeFiles& made) {
         throw Failure("there are no " + std::to_string(count) + " reports, but " + std::to_string(history.Latest()));
     ReportPages pages(JobPaths(made, history.Latest() - reports + 1, history.Latest()),
                       history.Record(history.Latest()).GetRenewDateTime());
-    const std::string sample = SampleOf(pages.PrinterName());
+    const std::string fingerprint = LayoutFingerprint(pages.PrinterName());
     made.Remove(kAllPages);
     Log(stage::kPreviewed + Counted(count, "report"));
     std::string text;
     for (int page = 1; page <= pages.Count(); ++page) {
         const std::string name = PageName(page);
         pages.SavePreview(page, made.Path(name));
-        made.Add(name, sample);
+        made.Add(name, fingerprint);
         text += "Preview    " + name + "\n";
     }
     const std::string done =
-        Counted(count, "report") + " on printer " + pages.PrinterName() + PrintIn(pages, sample, made);
+        Counted(count, "report") + " on printer " + pages.PrinterName() + PrintIn(pages, fingerprint, made);
     Log(stage::kPrinted + done);
     return text + "Printed    " + done + "\n";
 }
@@ -103,7 +103,7 @@ std::string Do(const Options& options, const CString& folder, MadeFiles& made) {
     History history(folder);
     return text + (options.takeOut > 0 ? TakeOut(static_cast<DWORD>(options.takeOut), history, made)
                    : options.print > 0 ? Print(options.print, history, made)
-                                       : Determine(options, session, history, made));
+                                       : KeepResult(options, session, history, made));
 }
 
 // A logon that is refused writes to the store and to the log as well.

@@ -12,18 +12,18 @@ namespace qel {
 namespace {
 
 // What stands behind the name, from there.
-constexpr std::size_t kVersionAt = 0, kGuidAt = 4, kBehindName = 20;
+constexpr std::size_t kVersionAt = 0, kGuidAt = 4, kAfterNameSize = 20;
 
 }  // namespace
 
 std::vector<std::byte> SealInfo::Pack() const {
     const auto text = std::as_bytes(std::span(name.View()));
-    const std::size_t length = text.size() + 1 + kBehindName;
+    const std::size_t length = text.size() + 1 + kAfterNameSize;
     std::vector<std::byte> bytes(kLengthSize + length);
     const std::span all(bytes);
     PutNumber(all, 0, static_cast<std::uint32_t>(length));
     std::ranges::copy(text, all.subspan(kLengthSize).begin());
-    const auto rest = all.last(kBehindName);
+    const auto rest = all.last(kAfterNameSize);
     PutNumber(rest, kVersionAt, version);
     PutGuid(rest, kGuidAt, guid);
     return bytes;
@@ -32,8 +32,8 @@ std::vector<std::byte> SealInfo::Pack() const {
 SealInfo SealInfo::Unpack(std::span<const std::byte> record) {
     const auto zero = std::ranges::find(record, std::byte{0});
     const auto nameSize = static_cast<std::size_t>(zero - record.begin());
-    if (record.size() < nameSize + 1 + kBehindName) throw DataError("no record of a sealed file");
-    const auto rest = record.subspan(nameSize + 1, kBehindName);
+    if (record.size() < nameSize + 1 + kAfterNameSize) throw DataError("no record of a sealed file");
+    const auto rest = record.subspan(nameSize + 1, kAfterNameSize);
     SealInfo info;
     info.name = CString(reinterpret_cast<const char*>(record.data()), static_cast<int>(nameSize));
     info.version = GetNumber<std::uint32_t>(rest, kVersionAt);

@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::int64_t kPatience = 10;  // seconds of the clock
 constexpr std::chrono::seconds kLongerThanPatience(kPatience + 2);
-constexpr std::chrono::milliseconds kBetweenHopelessTries(50);
+constexpr std::chrono::milliseconds kRetryInterval(50);
 constexpr std::chrono::milliseconds kForLinesOfOthers(250);
 constexpr std::size_t kDumpBlock = 65536;  // bytes dumped by one write
 
@@ -41,15 +41,15 @@ class Wait {
 public:
     explicit Wait(std::int64_t since) : m_nSince(since) {}
 
-    bool ForTurn() { return !IsOver() && m_turn.Again(); }
-    bool ForHopeless() { return !IsOver() && m_hopeless.Again(); }
+    bool UntilTurn() { return !IsOver() && m_turn.Again(); }
+    bool UntilRetry() { return !IsOver() && m_retry.Again(); }
 
 private:
     bool IsOver() const { return Now() - m_nSince >= kPatience; }
 
     std::int64_t m_nSince;
     qel::Backoff m_turn{kLongerThanPatience};
-    qel::Backoff m_hopeless{kLongerThanPatience, kBetweenHopelessTries};
+    qel::Backoff m_retry{kLongerThanPatience, kRetryInterval};
 };
 
 // One try to open the file in a turn of this thread. @return 0, or why not: no turn then
@@ -66,7 +66,7 @@ bool OpenInTurn(qel::LogFile& file, const CString& path, std::unique_lock<qel::F
                 std::int64_t since) {
     LONG code = TryInTurn(file, path, turn);
     for (Wait wait(since); code != 0; code = TryInTurn(file, path, turn)) {
-        if (code == qel::kSharingViolation ? !wait.ForTurn() : !wait.ForHopeless()) return false;
+        if (code == qel::kSharingViolation ? !wait.UntilTurn() : !wait.UntilRetry()) return false;
     }
     return true;
 }
@@ -163,7 +163,7 @@ int CLog::LockMessageBuffer() {
     if (keyword == nullptr) return 0;
     const std::int64_t since = Now();
     // A handle to a mutex that existed is never closed; with one of them nothing can change any more.
-    for (bool isKept = false; Now() - since < kPatience; qel::SleepFor(kBetweenHopelessTries)) {
+    for (bool isKept = false; Now() - since < kPatience; qel::SleepFor(kRetryInterval)) {
         if (isKept) continue;
         const qel::OpenedObject mutex = qel::CreateNamedMutex(keyword);
         if (mutex.handle == nullptr) continue;

@@ -5,11 +5,11 @@
 namespace qel {
 
 std::string LogDump(std::span<const unsigned char> bytes) {
-    constexpr std::size_t kBytesALine = 16;
+    constexpr std::size_t kBytesPerLine = 16;
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
     while (!bytes.empty()) {
-        const auto line = bytes.first(std::min(kBytesALine, bytes.size()));
+        const auto line = bytes.first(std::min(kBytesPerLine, bytes.size()));
         for (const unsigned char byte : line) ((text += kDigits[byte >> 4]) += kDigits[byte & 0xF]) += ' ';
         text += ' ';
         text.append(line.begin(), line.end());

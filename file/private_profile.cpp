@@ -201,7 +201,7 @@ int CPrivateProfile::Set(const char* section, int key, int value) { return Set(s
 int CPrivateProfile::Set(const char* section, const char* key, const void* data, DWORD size) {
     if (m_nMode != registryMode) return qel::Operation(kSet).Failed(FailureKind::kState, "", kOnlyInRegistry);
     if (data == nullptr && size > 0) return qel::RefuseNull(kSet);
-    if (size > qel::kMostRegistryData)
+    if (size > qel::kMaxRegistryData)
         return qel::Operation(kSet).Failed(FailureKind::kArgument, "", "more bytes than a value may have");
     return Write(section, key, REG_BINARY, {static_cast<const char*>(data), size});
 }

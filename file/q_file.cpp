@@ -14,7 +14,7 @@ namespace {
 using qel::FailureKind;
 using qel::Refuse;
 
-constexpr ULONGLONG kTooLargeToTell = 0xFFFFFFFF;
+constexpr ULONGLONG kLargestSize = 0xFFFFFFFF;
 
 bool Delete(const CString& name) {
     return qel::Succeeds([&] { qel::DeleteFile(name.View()); });
@@ -98,7 +98,7 @@ int CQFile::GetFileSize(const char* name, DWORD* size) {
         CFileStatus status;
         if (size == nullptr) return Refuse(FailureKind::kArgument, "", "no place for the size");
         if (!GetStatus(name, status)) return Refuse(FailureKind::kMissing, CString(name).View(), "no such file");
-        *size = static_cast<DWORD>(std::min<ULONGLONG>(status.m_size, kTooLargeToTell));
+        *size = static_cast<DWORD>(std::min<ULONGLONG>(status.m_size, kLargestSize));
         return 1;
     });
 }

@@ -62,7 +62,7 @@ private:
 // The search goes through the file in blocks of 1024 bytes. The last one, when it is not full, still has bytes of the
 // one before it behind its own, and the pattern's first byte among them ends the search as one near the end does.
 // @return where behind the end of a file of @p length bytes that is, 0 when there is none
-ULONGLONG FoundBehindEnd(CFile& file, ULONGLONG length, std::byte first) {
+ULONGLONG FindAfterEnd(CFile& file, ULONGLONG length, std::byte first) {
     constexpr ULONGLONG kBlock = 1024;
     const ULONGLONG ownOfLast = length % kBlock;
     if (length < kBlock || ownOfLast == 0) return 0;
@@ -85,7 +85,7 @@ int FindIn(CFile& file, ByteSpan pattern) {
     const ULONGLONG length = window.Offset() + window.Bytes().size();
     ULONGLONG end = length;
     if (qel::FindBytes(window.Bytes(), pattern.first(1)) == qel::kNotFound) {
-        end = FoundBehindEnd(file, length, pattern[0]);
+        end = FindAfterEnd(file, length, pattern[0]);
         if (end == 0) end = position;
     }
     file.Seek(static_cast<LONGLONG>(end), CFile::begin);

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int kDoneNow = 0, kPutOff = 1, kNoShortName = -1, kRefused = -2, kNotMoved = -3;
+constexpr int kDoneNow = 0, kDelayed = 1, kNoShortName = -1, kRefused = -2, kNotMoved = -3;
 
 using qel::Succeeds;
 
@@ -59,7 +59,7 @@ int PutMoveIntoRestartFile(const CString& source, const CString& target) {
     const std::optional<CString> shortTarget = ShortName(target);
     const std::optional<CString> shortSource = ShortName(source);
     if (!shortTarget || !shortSource) return kNoShortName;
-    return qel::AddMoveToRestartFile(*shortSource, *shortTarget) ? kPutOff : kRefused;
+    return qel::AddMoveToRestartFile(*shortSource, *shortTarget) ? kDelayed : kRefused;
 }
 
 }  // namespace
@@ -75,7 +75,7 @@ int CQFile::MoveFileReboot(const char* source, const char* target, char* tempNam
         if (tempName != nullptr && tempNameSize > 0) CopyName(waiting, tempName, tempNameSize);
         if (CSystemInfo::IsWinNT()) {
             qel::MoveFileDelayed(waiting.View(), to.View());
-            result = kPutOff;
+            result = kDelayed;
         } else {
             result = PutMoveIntoRestartFile(waiting, to);
         }
@@ -91,9 +91,9 @@ int CQFile::DeleteFileReboot(const char* name, int tryNow) {
             result = kDoneNow;
         } else if (CSystemInfo::IsWinNT()) {
             qel::DeleteFileDelayed(file.View());
-            result = kPutOff;
+            result = kDelayed;
         } else if (qel::AddDeletionToRestartFile(file)) {
-            result = kPutOff;
+            result = kDelayed;
         }
     });
     return result;

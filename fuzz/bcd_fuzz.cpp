@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::size_t kHeaderSize = 8, kLongestUsefulInput = 4096;
-constexpr int kWidestField = 300, kHighestPower = 40, kMostPlacesWithinText = 40;
+constexpr int kWidestField = 300, kHighestPower = 40, kMaxPlacesWithinText = 40;
 
 bool IsFinite(const CBCD& number) { return number > "-Infinity" && number < "Infinity"; }
 
@@ -32,7 +32,7 @@ void CheckText(CBCD number, int width, int decimals, rounding mode) {
     number.GetDouble(decimals, mode);
     const CString text = number.GetString(decimals, mode);
     const char* const plain = text;
-    if (decimals > kMostPlacesWithinText || plain[std::strspn(plain, "-.0123456789")] != '\0') return;
+    if (decimals > kMaxPlacesWithinText || plain[std::strspn(plain, "-.0123456789")] != '\0') return;
     Require(CBCD(plain).GetString(decimals, mode) == text);
 }
 

@@ -26,7 +26,7 @@ const TempFolder& Files() {
     return folder;
 }
 
-std::string WithRightSums(const std::uint8_t* data, std::size_t size) {
+std::string WithCorrectSums(const std::uint8_t* data, std::size_t size) {
     std::string bytes(reinterpret_cast<const char*>(data), size);
     if (size < qel::kCabinetHeaderSize) return bytes;
     qel::CheckSums sums;
@@ -51,13 +51,13 @@ std::map<DWORD, std::string> Versions(CHistoryCabinetFile& cabinet) {
 
 extern "C" bool IsRead(const std::uint8_t* data, std::size_t size) {
     CHistoryCabinetFile cabinet;
-    Files().Write("cabinet", WithRightSums(data, size));
+    Files().Write("cabinet", WithCorrectSums(data, size));
     return cabinet.Open(Files().Path("cabinet"), 1) && Versions(cabinet).size() == cabinet.GetLatestVersion() + 1;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > kLongestUsefulInput) return 0;
-    const std::string bytes = WithRightSums(data, size);
+    const std::string bytes = WithCorrectSums(data, size);
     Files().Write("cabinet", bytes);
     CHistoryCabinetFile cabinet;
     if (!cabinet.Open(Files().Path("cabinet"), 0)) return 0;

@@ -21,7 +21,7 @@ using qel::CheckBlock;
 CheckBlock LastBlock(const Bytes& bytes) { return CheckBlock::Unpack(std::span(bytes).last<CheckBlock::kSize>()); }
 
 // The last four bytes stay the trailer length.
-void MakeChecksumsRight(Bytes& bytes) {
+void CorrectChecksums(Bytes& bytes) {
     if (bytes.size() < CheckBlock::kSize) return;
     const std::size_t end = bytes.size() - CheckBlock::kSize;
     qel::CheckSums sums;
@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size > kLongestUsefulInput) return 0;
     Bytes bytes(size);
     std::ranges::copy(std::as_bytes(std::span(data, size)), bytes.begin());
-    MakeChecksumsRight(bytes);
+    CorrectChecksums(bytes);
 
     static TemporaryFile file;
     file.SetLength(0);

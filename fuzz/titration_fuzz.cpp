@@ -27,7 +27,7 @@ titration::Method Kept(const TempFolder& folder, const titration::Method& method
     return titration::MethodFile(folder.Name("method.xml")).Kept();
 }
 
-void Titrate(std::string_view data, std::string_view text) {
+void Evaluate(std::string_view data, std::string_view text) {
     static const TempFolder folder;
     folder.Write("settings.ini", std::string(text));
     const titration::Method method = titration::ReadMethodIni(folder.Name("settings.ini"));
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view input(reinterpret_cast<const char*>(data), size);
     const std::size_t end = std::min(input.find('\0'), size);
     try {
-        Titrate(input.substr(0, end), input.substr(std::min(end + 1, size)));
+        Evaluate(input.substr(0, end), input.substr(std::min(end + 1, size)));
     } catch (const titration::Failure& failure) {
         Require(std::string_view(failure.what()).find('\n') == std::string_view::npos);
     }

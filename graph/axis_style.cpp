@@ -16,7 +16,7 @@ enum Position { kRight, kLeft };
 
 CString NumberInField(double value, int position, int digit, int decimal) {
     if (position != kRight && position != kLeft) return CString();
-    const auto limited = [](int count) { return std::clamp(count, -qel::kMostColumns, qel::kMostColumns); };
+    const auto limited = [](int count) { return std::clamp(count, -qel::kMaxColumns, qel::kMaxColumns); };
     // Adding 0 makes the 0 out of -0.5 one without a sign.
     std::string text =
         decimal < 1 ? qel::FixedText(std::trunc(value) + 0.0, 0) : qel::FixedText(value, limited(decimal));

@@ -30,7 +30,7 @@ public:
         m_points[m_nCount++] = to;
     }
     /// Where the next points may be put, at least two of them.
-    std::span<POINT> Room() {
+    std::span<POINT> FreeSpace() {
         if (m_points.size() - m_nCount < 2) DrawLines();
         return std::span(m_points).subspan(m_nCount);
     }

@@ -19,7 +19,7 @@ public:
 
     /// @throws std::bad_alloc; the points stay as they are then
     void Add(const CGraphData& point) {
-        if (m_nCount == m_nRoom) Grow();
+        if (m_nCount == m_nCapacity) Grow();
         m_points.get()[m_nCount++] = point;
     }
     void Clear() noexcept;  ///< gives the memory back, too
@@ -34,7 +34,7 @@ private:
 
     std::unique_ptr<CGraphData, Free> m_points;
     std::size_t m_nCount = 0;
-    std::size_t m_nRoom = 0;
+    std::size_t m_nCapacity = 0;
 };
 
 }  // namespace qel

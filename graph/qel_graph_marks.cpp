@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kSquare = 2;
 constexpr int kMetricCross = 10;  // units of the bands of a cross
-constexpr int kMetricUnitsAnInch = 1440;
+constexpr int kMetricUnitsPerInch = 1440;
 
 }  // namespace
 
@@ -26,8 +26,8 @@ CRect CQelGraph::MarkBox(const POINT& center, int halfSize) const {
 int CQelGraph::HalfSizeOnSurface(int size) const {
     LONGLONG halfSize = size;
     if (m_pPrintJob != nullptr && IsOfData()) {
-        const int unitsAnInch = m_nCoordinateMode == 0 ? qel::kScreenDotsAnInch : kMetricUnitsAnInch;
-        halfSize = halfSize * m_pPrintJob->GetPageStyle().GetDpi() / unitsAnInch;
+        const int unitsPerInch = m_nCoordinateMode == 0 ? qel::kScreenDotsPerInch : kMetricUnitsPerInch;
+        halfSize = halfSize * m_pPrintJob->GetPageStyle().GetDpi() / unitsPerInch;
     }
     return static_cast<int>(std::clamp<LONGLONG>(halfSize, -qel::kFarthest, qel::kFarthest));
 }

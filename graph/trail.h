@@ -49,7 +49,7 @@ private:
         const ColumnWindow window(m_scale, m_last.x - m_scale.edge.x);
         const std::size_t stops = m_isSteps ? 2 : 1;  // of a point
         for (;;) {
-            const std::span<POINT> room = m_pen.Room();
+            const std::span<POINT> room = m_pen.FreeSpace();
             const std::size_t most = std::min(data.size(), room.size() / stops);
             const std::size_t count = window.Map(data.first(most), room.data());
             if (count > 0) {

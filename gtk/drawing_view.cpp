@@ -61,12 +61,12 @@ void DrawingView::DrawMore(const std::function<void(CDC& dc)>& more, const RECT*
 }
 
 const CBitmap& DrawingView::Picture() {
-    DrawWhatIsDue();
+    DrawPending();
     FlushDC(m_dc);
     return m_picture;
 }
 
-void DrawingView::DrawWhatIsDue() {
+void DrawingView::DrawPending() {
     if (!std::exchange(m_isDue, false) || m_picture.GetSafeHandle() == nullptr) return;
     const int state = m_dc.SaveDC();
     const CRect all(CPoint(), m_size);
@@ -77,7 +77,7 @@ void DrawingView::DrawWhatIsDue() {
 }
 
 void DrawingView::Show(cairo_t* cairo) {
-    DrawWhatIsDue();
+    DrawPending();
     GdkRectangle exposed;
     if (m_picture.GetSafeHandle() == nullptr || !gdk_cairo_get_clip_rectangle(cairo, &exposed)) return;
     CDC screen;

@@ -50,7 +50,7 @@ private:
     struct Signals;
 
     void Resize(const CSize& size);
-    void DrawWhatIsDue();
+    void DrawPending();
     void Show(cairo_t* cairo);
 
     Drawing m_drawing;

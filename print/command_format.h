@@ -16,8 +16,8 @@ struct CommandField {
     int ifMissing = 0;
 };
 
-inline constexpr std::size_t kMostCommandFields = 8;
-using CommandNumbers = std::array<int, kMostCommandFields>;
+inline constexpr std::size_t kMaxCommandFields = 8;
+using CommandNumbers = std::array<int, kMaxCommandFields>;
 
 struct CommandFormat {
     int kind;

@@ -12,12 +12,12 @@ constexpr int kPointsPerInch = 72;
 constexpr int kDownTheColumn = 1, kAlongTheRow = 2;
 
 // A user's margin in device units.
-std::optional<int> MarginInDots(int margin, int unit, int dotsAnInch) {
+std::optional<int> MarginInDots(int margin, int unit, int dotsPerInch) {
     switch (unit) {
         case 1:
-            return qel::WrappedProduct(margin, kPointsPerInch) / dotsAnInch;
+            return qel::WrappedProduct(margin, kPointsPerInch) / dotsPerInch;
         case 2:
-            return qel::WrappedProduct(margin, dotsAnInch) / qel::kTenthsPerInch;
+            return qel::WrappedProduct(margin, dotsPerInch) / qel::kTenthsPerInch;
         case 3:
             return margin;
         default:
@@ -169,9 +169,9 @@ CPoint CQelPrintJobDocumentData::CellPosition(int cell, const CSize& size) const
 
 int CQelPrintJobDocumentData::GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style) {
     if (dc == nullptr || style == nullptr) return 0;
-    const int dotsAnInch = dc->GetDeviceCaps(LOGPIXELSX);
-    if (dotsAnInch < 1) return 0;
-    const auto inDots = [&](int margin) { return MarginInDots(margin, style->GetUnit(), dotsAnInch); };
+    const int dotsPerInch = dc->GetDeviceCaps(LOGPIXELSX);
+    if (dotsPerInch < 1) return 0;
+    const auto inDots = [&](int margin) { return MarginInDots(margin, style->GetUnit(), dotsPerInch); };
     const auto top = inDots(style->GetTopMargin()), bottom = inDots(style->GetBottomMargin());
     const auto left = inDots(style->GetLeftMargin()), right = inDots(style->GetRightMargin());
     if (!top) return 0;  // nor any other: the unit is unknown

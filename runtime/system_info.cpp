@@ -44,6 +44,6 @@ BOOL CSystemInfo::GetBrowserProxy(CString& server, CString& bypass) {
 
 BOOL CSystemInfo::IsDialUpConnected() { return qel::IsDialUpConnected(); }
 BOOL CSystemInfo::IsAdministrator() { return qel::IsAdministrator(); }
-BOOL CSystemInfo::Restart() { return qel::Succeeds({"shutdown", "-r", "now"}); }
+BOOL CSystemInfo::Restart() { return qel::RunCommand({"shutdown", "-r", "now"}); }
 
 void qel::SetSystemFamily(SystemFamily family) { systemFamily = family; }

@@ -75,7 +75,7 @@ template <Direction direction, std::size_t lanes>
 }
 
 template <Direction direction>
-void WorkAll(const BlowfishTables& tables, const unsigned char* in, unsigned char* out, std::size_t blocks) {
+void ProcessBlocks(const BlowfishTables& tables, const unsigned char* in, unsigned char* out, std::size_t blocks) {
     std::size_t done = 0;
     for (; blocks - done >= kLanes; done += kLanes) {
         Work<direction, kLanes>(tables, in + done * kBlowfishBlock, out + done * kBlowfishBlock);
@@ -85,7 +85,8 @@ void WorkAll(const BlowfishTables& tables, const unsigned char* in, unsigned cha
     }
 }
 
-template <Direction direction> void WorkOne(const BlowfishTables& tables, std::uint32_t& left, std::uint32_t& right) {
+template <Direction direction>
+void ProcessBlock(const BlowfishTables& tables, std::uint32_t& left, std::uint32_t& right) {
     Halves<1> block = {{left}, {right}};
     AllRounds<direction>(tables, block);
     left = block.left[0];
@@ -120,19 +121,19 @@ void MakeBlowfishTables(BlowfishTables& tables, std::span<const unsigned char> k
 }
 
 void EncipherBlowfish(const BlowfishTables& tables, std::uint32_t& left, std::uint32_t& right) {
-    WorkOne<Direction::encipher>(tables, left, right);
+    ProcessBlock<Direction::encipher>(tables, left, right);
 }
 
 void DecipherBlowfish(const BlowfishTables& tables, std::uint32_t& left, std::uint32_t& right) {
-    WorkOne<Direction::decipher>(tables, left, right);
+    ProcessBlock<Direction::decipher>(tables, left, right);
 }
 
 void EncipherBlowfish(const BlowfishTables& tables, const unsigned char* in, unsigned char* out, std::size_t blocks) {
-    WorkAll<Direction::encipher>(tables, in, out, blocks);
+    ProcessBlocks<Direction::encipher>(tables, in, out, blocks);
 }
 
 void DecipherBlowfish(const BlowfishTables& tables, const unsigned char* in, unsigned char* out, std::size_t blocks) {
-    WorkAll<Direction::decipher>(tables, in, out, blocks);
+    ProcessBlocks<Direction::decipher>(tables, in, out, blocks);
 }
 
 }  // namespace qel

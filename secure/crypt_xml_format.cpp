@@ -77,7 +77,7 @@ std::u16string DecodedUnits(std::string_view bytes) {
             units += static_cast<char16_t>((first & 0x0F) << 12 | (byteAt(1) & 0x3F) << 6 | (byteAt(2) & 0x3F));
             at += 3;
         } else {
-            char16_t pair[kMostUnits];
+            char16_t pair[kMaxUnits];
             units.append(pair, WriteCharacter(pair, NextCharacter(bytes, at)));
         }
     }
@@ -88,7 +88,7 @@ std::string Utf8OfUnits(std::u16string_view units) {
     std::string utf8;
     utf8.reserve(3 * units.size());
     for (std::size_t at = 0; at < units.size();) {
-        char character[kMostUnits];
+        char character[kMaxUnits];
         utf8.append(character, WriteCharacter(character, NextCharacter(units, at)));
     }
     return utf8;

@@ -93,7 +93,7 @@ int Extract(const char* operation, CQFile& cabinet, bool hasVersion, const char*
     });
 }
 
-void RequireRoom(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size) {
+void RequireSpace(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size) {
     if (header.versionCount == kLargest || end + qel::kVersionHeaderSize + size > kLargest)
         throw qel::DataError("no room for another version");
 }
@@ -151,7 +151,7 @@ int CHistoryCabinetFile::RegistNewVersion(const char* source) {
         if (!isCreated && !ReadCabFileHeader()) return 0;
         const ULONGLONG end = Content(*m_pFile).End(m_header);
         const ULONGLONG size = from.GetLength();
-        RequireRoom(m_header, end, size);
+        RequireSpace(m_header, end, size);
         AppendOrUndo(from, static_cast<DWORD>(size), end);
         return 1;
     });

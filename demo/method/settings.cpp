@@ -10,7 +10,7 @@
 namespace titration {
 namespace {
 
-constexpr int kMostDigits = 12;
+constexpr int kMaxDigits = 12;
 constexpr std::size_t kLongestName = 32;  // enough for a name in a report, and bounded for the formula
 
 // Blanks do not separate in a formula, and a name that begins like a number would be read as one.
@@ -79,7 +79,7 @@ void RequireOtherNames(const std::vector<NamedValue>& variables, const std::stri
 Settings ParseSettings(const Method& method) {
     const Items items(method);
     const auto asItIs = [](const std::string& text) { return text; };
-    const auto digits = [](const std::string& text) { return WholeNumber(text, kMostDigits); };
+    const auto digits = [](const std::string& text) { return WholeNumber(text, kMaxDigits); };
     Settings settings;
     settings.volumeColumn = TextOf(method, "curve", "volume", "1");
     settings.signalColumn = TextOf(method, "curve", "signal", "2");

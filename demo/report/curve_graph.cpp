@@ -15,23 +15,23 @@ constexpr COLORREF kBlue = RGB(0, 60, 160), kOrange = RGB(200, 90, 0), kRed = RG
 // Hundredths of a millimetre.
 constexpr int kThinLine = 10, kFrame = 15, kSlopeLine = 15, kLine = 20, kGap = 80;
 
-constexpr int kMostSteps = 10;
+constexpr int kMaxSteps = 10;
 constexpr int kCircle = 1;                // shape
 constexpr int kEndPointSizes[] = {4, 6};  // half-sizes in pixels of a screen
-constexpr std::size_t kMostMarks = 500;   // more would be one band
+constexpr std::size_t kMaxMarks = 500;    // more would be one band
 constexpr std::size_t kFewestPointsOfSlope = 5;
-constexpr std::size_t kMostPoints = 10'000;  // more than a page can show
+constexpr std::size_t kMaxPoints = 10'000;  // more than a page can show
 
-enum Align { kBefore, kCentred, kBehind };  // where a text's place lies in it
+enum Align { kBefore, kCentred, kAfter };  // where a text's place lies in it
 
 axes::AxisSteps StepsOver(const std::vector<double>& values) {
     const auto [low, high] = std::ranges::minmax(values);
-    return axes::StepsOver(low, high, kMostSteps);
+    return axes::StepsOver(low, high, kMaxSteps);
 }
 
 // Of means, where there are more points than a page can show.
 Points SlopeToShow(const Points& points, const EndPoint& endPoint) {
-    const std::size_t group = 1 + points.x.size() / kMostPoints;
+    const std::size_t group = 1 + points.x.size() / kMaxPoints;
     if (group == 1) return SlopeOf(points, endPoint.points);
     return SlopeOf(MeansOf(points, group), std::max(kFewestPointsOfSlope, endPoint.points / group));
 }
@@ -55,8 +55,8 @@ CSize CurveGraph::Axis::Largest(CDC* dc) const {
 }
 
 CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
-                       const std::string& signalName, int dotsAnInch)
-    : m_endPoint(endPoint), m_dotsAnInch(dotsAnInch) {
+                       const std::string& signalName, int dotsPerInch)
+    : m_endPoint(endPoint), m_dotsPerInch(dotsPerInch) {
     const Points measured = Merged(curve);
     const Points slope = WithEndPoint(SlopeToShow(Smoothed(UsedPoints(curve, endPoint)), endPoint), endPoint);
     m_volume = {volumeName, kBlack, StepsOver(measured.x)};
@@ -73,7 +73,7 @@ CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::
     SetLabelSpaceY(0);
     AddSeries(kSlope, m_slope, slope, Dots(kSlopeLine));
     AddSeries(kSignal, m_signal, measured, Dots(kLine));
-    SetGraphPlotflg(kSignal, measured.x.size() <= kMostMarks ? 1 : 0);
+    SetGraphPlotflg(kSignal, measured.x.size() <= kMaxMarks ? 1 : 0);
 }
 
 void CurveGraph::AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth) {
@@ -85,14 +85,14 @@ void CurveGraph::AddSeries(Series series, const Axis& axis, const Points& points
     SetYLabelViewMode(series, 0);
     SetGraphViewMode(series, 1);
     SetLineGraphStyle(series, {axis.color, PS_SOLID, lineWidth});
-    const std::size_t every = 1 + points.x.size() / kMostPoints;
+    const std::size_t every = 1 + points.x.size() / kMaxPoints;
     for (std::size_t i = 0; i < points.x.size(); i += every) AddData(series, points.x[i], points.y[i]);
 }
 
 int CurveGraph::GraphDraw(CDC* dc, int x, int y) {
     {
         const PointFont font(dc, kFontSize);
-        LeaveRoomForTexts(dc);
+        ReserveTextMargins(dc);
         GetDrawArea(dc, x, y);
         DrawTexts(dc);
     }
@@ -101,7 +101,7 @@ int CurveGraph::GraphDraw(CDC* dc, int x, int y) {
     return result;
 }
 
-void CurveGraph::LeaveRoomForTexts(CDC* dc) {
+void CurveGraph::ReserveTextMargins(CDC* dc) {
     const CSize volume = m_volume.Largest(dc), signal = m_signal.Largest(dc), slope = m_slope.Largest(dc);
     const int gap = Dots(kGap);
     SetTopMargin(volume.cy * 3 / 2 + gap);
@@ -127,15 +127,15 @@ void CurveGraph::DrawTexts(CDC* dc) {
         write(text, kBlack, area.left + DataToXPixel(value, kSignal), kCentred, below, kBefore);
     });
     writeSteps(m_signal, [&](double value, const std::string& text) {
-        write(text, kBlue, area.left - gap, kBehind, area.top + DataToYPixel(value, kSignal), kCentred);
+        write(text, kBlue, area.left - gap, kAfter, area.top + DataToYPixel(value, kSignal), kCentred);
     });
     writeSteps(m_slope, [&](double value, const std::string& text) {
         write(text, kOrange, area.right + gap, kBefore, area.top + DataToYPixel(value, kSlope), kCentred);
     });
     const int above = area.top - GetTopMargin(), below = area.bottom + GetBottomMargin();
     write(m_signal.title, kBlue, area.left, kBefore, above, kBefore);
-    write(m_slope.title, kOrange, area.right, kBehind, above, kBefore);
-    write(m_volume.title, kBlack, (area.left + area.right) / 2, kCentred, below, kBehind);
+    write(m_slope.title, kOrange, area.right, kAfter, above, kBefore);
+    write(m_volume.title, kBlack, (area.left + area.right) / 2, kCentred, below, kAfter);
 }
 
 void CurveGraph::DrawEndPoint(CDC* dc) {

@@ -17,9 +17,9 @@ namespace titration {
 /// limit to the draw area is taken away in a job that was moved, it hides what follows.
 class CurveGraph : public CQelGraph {
 public:
-    /// @param dotsAnInch of the surface that the graph will be drawn on
+    /// @param dotsPerInch of the surface that the graph will be drawn on
     CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
-               const std::string& signalName, int dotsAnInch);
+               const std::string& signalName, int dotsPerInch);
 
     int GraphDraw(CDC* dc, int x, int y) override;
 
@@ -34,14 +34,14 @@ private:
         CSize Largest(CDC* dc) const;
     };
 
-    int Dots(int hundredthsOfMillimetre) const { return hundredthsOfMillimetre * m_dotsAnInch / 2540; }
+    int Dots(int hundredthsOfMillimetre) const { return hundredthsOfMillimetre * m_dotsPerInch / 2540; }
     void AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth);
-    void LeaveRoomForTexts(CDC* dc);
+    void ReserveTextMargins(CDC* dc);
     void DrawTexts(CDC* dc);
     void DrawEndPoint(CDC* dc);
 
     const EndPoint m_endPoint;
-    const int m_dotsAnInch;
+    const int m_dotsPerInch;
     Axis m_volume, m_signal, m_slope;
 };
 

@@ -30,15 +30,15 @@ std::string RoundUpText(const CCalcVariableList& variables) {
     return "round-up setting " + Counted(variables.GetRoundUpDigit(), "decimal place") + " for every value";
 }
 
-constexpr std::size_t kMostStraysShown = 6;
+constexpr std::size_t kMaxStraysShown = 6;
 
 std::string StrayText(const Curve& curve, const EndPoint& endPoint) {
     const std::size_t count = endPoint.strays.size();
     std::string text = Counted(static_cast<long long>(count), "stray reading") + " left out, at ";
-    for (std::size_t i = 0; i < std::min(count, kMostStraysShown); ++i) {
+    for (std::size_t i = 0; i < std::min(count, kMaxStraysShown); ++i) {
         text += (i > 0 ? ", " : "") + Fixed(curve.volume[endPoint.strays[i]], 4);
     }
-    return count > kMostStraysShown ? text + " ..." : text;
+    return count > kMaxStraysShown ? text + " ..." : text;
 }
 
 }  // namespace
@@ -55,8 +55,8 @@ std::string LimitText(const Settings& settings, double value) {
     return from + to + ": " + (isBelow ? "too low" : isAbove ? "too high" : "kept");
 }
 
-std::string ReadingText(const Determination& determination) {
-    const auto& [settingsFile, settings, dataFile, curve, endPoint, result] = determination;
+std::string ReadingText(const Titration& titration) {
+    const auto& [settingsFile, settings, dataFile, curve, endPoint, result] = titration;
     const std::string table = curve.table > 0 ? ", table " + std::to_string(curve.table) : "";
     std::string text = "Settings   " + settingsFile + ", " +
                        Counted(static_cast<long long>(settings.variables.size()), "variable") + "\n";
@@ -88,8 +88,8 @@ std::string ResultText(const Settings& settings, const Result& result) {
     return limits.empty() ? text : text + "Limits     " + limits + "\n";
 }
 
-std::string Report(const Determination& determination) {
-    return ReadingText(determination) + ResultText(determination.settings, determination.result);
+std::string Report(const Titration& titration) {
+    return ReadingText(titration) + ResultText(titration.settings, titration.result);
 }
 
 }  // namespace titration

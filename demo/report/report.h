@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "demo/result/determination.h"
+#include "demo/result/titration.h"
 
 namespace titration {
 
@@ -10,11 +10,11 @@ namespace titration {
 inline constexpr const char* kIndent = "           ";
 
 /// One fact a line: what was read, and the end point.
-std::string ReadingText(const Determination& determination);
+std::string ReadingText(const Titration& titration);
 /// The formula with all values and a mark at those that it uses, what it gives, and whether the limits are kept.
 std::string ResultText(const Settings& settings, const Result& result);
 /// Both.
-std::string Report(const Determination& determination);
+std::string Report(const Titration& titration);
 
 // The same facts for other reports.
 

@@ -22,7 +22,7 @@ constexpr int kTop = 100, kBottom = 690, kSignature = 790;
 constexpr int kLineWidth = 2;
 constexpr double kWrappedWidth = 1.7;  // of two lines, which end between words
 
-constexpr int kMostVariables = 6;
+constexpr int kMaxVariables = 6;
 
 // What of a text fits into @p width; dots at its end tell that there is more.
 std::string Fitting(const PointFont& font, std::string text, int width) {
@@ -106,7 +106,7 @@ std::string Date(const COleDateTime& time) {
 
 void AddVariables(Layout& layout, const CCalcVariableList& variables, int count) {
     CCalcVariable variable;
-    const int shown = count <= kMostVariables ? count : kMostVariables - 1;
+    const int shown = count <= kMaxVariables ? count : kMaxVariables - 1;
     for (int i = 0; i < shown && variables.GetUseVariableData(i, &variable) != 0; ++i) {
         CString value;
         value.Format("%.6g", variable.m_dValue);
@@ -115,28 +115,28 @@ void AddVariables(Layout& layout, const CCalcVariableList& variables, int count)
     if (shown < count) layout.Value("and " + std::to_string(count - shown) + " more", "");
 }
 
-void AddTable(Layout& layout, const Determination& determination) {
-    const Result& result = determination.result;
-    layout.Fact("Curve", std::string(CQFile::GetFilenameFromPath(determination.dataFile.c_str())) + ", " +
-                             std::to_string(determination.curve.volume.size()) + " points");
-    const EndPoint& endPoint = determination.endPoint;
+void AddTable(Layout& layout, const Titration& titration) {
+    const Result& result = titration.result;
+    layout.Fact("Curve", std::string(CQFile::GetFilenameFromPath(titration.dataFile.c_str())) + ", " +
+                             std::to_string(titration.curve.volume.size()) + " points");
+    const EndPoint& endPoint = titration.endPoint;
     CString place;
-    place.Format("%.4f, %s %.2f", endPoint.volume, ColumnText(determination.settings.signalColumn).c_str(),
+    place.Format("%.4f, %s %.2f", endPoint.volume, ColumnText(titration.settings.signalColumn).c_str(),
                  endPoint.signal);
     layout.Fact("End point", std::string(place));
-    layout.Fact("Formula", determination.settings.formula, true);
+    layout.Fact("Formula", titration.settings.formula, true);
     layout.Rule();
     AddVariables(layout, result.variables, static_cast<int>(result.used.size()));
     layout.Rule();
     layout.Value(result.name, result.text + " " + result.unit, kStrong, kNames);
-    const std::string limits = LimitText(determination.settings, result.value);
+    const std::string limits = LimitText(titration.settings, result.value);
     if (!limits.empty()) layout.Fact("Limits", limits);
 }
 
 // One drawing gives both the commands in the job and the pixels of the picture.
-void AddCurve(CQelPrintJobQueueData& job, const Determination& determination, CRect place, CDC& printer,
+void AddCurve(CQelPrintJobQueueData& job, const Titration& titration, CRect place, CDC& printer,
               const std::string& picture) {
-    const int dotsAnInch = job.GetPageStyle().GetDpi();
+    const int dotsPerInch = job.GetPageStyle().GetDpi();
     job.GetPageStyle().ConvertMillimetreToPixel(place);
     CDC memory;
     CBitmap bitmap;
@@ -148,12 +148,12 @@ void AddCurve(CQelPrintJobQueueData& job, const Determination& determination, CR
     memory.FillSolidRect(&all, RGB(255, 255, 255));
     memory.SetViewportOrg(-place.left, -place.top);
 
-    const Settings& settings = determination.settings;
-    CurveGraph graph(determination.curve, determination.endPoint, ColumnText(settings.volumeColumn),
-                     ColumnText(settings.signalColumn), dotsAnInch);
+    const Settings& settings = titration.settings;
+    CurveGraph graph(titration.curve, titration.endPoint, ColumnText(settings.volumeColumn),
+                     ColumnText(settings.signalColumn), dotsPerInch);
     graph.GetPrintJob(&job, place, &memory);
     memory.SelectObject(before);
-    if (qel::SavePng(bitmap, picture.c_str(), dotsAnInch) == 0) throw Failure(picture + ": cannot be written");
+    if (qel::SavePng(bitmap, picture.c_str(), dotsPerInch) == 0) throw Failure(picture + ": cannot be written");
 }
 
 }  // namespace
@@ -162,20 +162,20 @@ std::string Headline(const Result& result) {
     return "Titration: " + result.name + " " + result.text + " " + result.unit;
 }
 
-CQelPrintJobQueueData MakeReportJob(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+CQelPrintJobQueueData MakeReportJob(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                                     ReportPrinter& printer, const std::string& picture) {
     CQelPrintJobQueueData job;
     const CQelPrintJobPageStyle& style = printer.Style();
     job.GetPageStyle() = style;
     const int width = style.GetPaperSize().cx - style.GetLeftMargin() - style.GetRightMargin();
     Layout layout(job, printer.Context(), width);
-    const Result& result = determination.result;
+    const Result& result = titration.result;
     layout.Headline(titration::Headline(result),
                     "version " + std::to_string(version) + ", " + Date(record.GetRenewDateTime()));
-    AddTable(layout, determination);
+    AddTable(layout, titration);
     layout.Signature(std::string(record.GetOperator()), std::string(record.GetComment()));
     // The curve comes last: where its limits are taken away in a cell other than the first, they hide what follows.
-    AddCurve(job, determination, {kCurveLeft, kTop, width, kBottom}, printer.Context(), picture);
+    AddCurve(job, titration, {kCurveLeft, kTop, width, kBottom}, printer.Context(), picture);
     return job;
 }
 

@@ -5,7 +5,7 @@
 #include <qellib10/qellib10.h>
 
 #include "demo/report/report_printer.h"
-#include "demo/result/determination.h"
+#include "demo/result/titration.h"
 
 namespace titration {
 
@@ -16,7 +16,7 @@ std::string Headline(const Result& result);
 /// sign on. The curve alone is also saved as a picture, from the same drawing.
 /// @param version of the result, with the @p record of its registration
 /// @throws Failure when the picture cannot be saved
-CQelPrintJobQueueData MakeReportJob(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+CQelPrintJobQueueData MakeReportJob(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                                     ReportPrinter& printer, const std::string& picture);
 
 }  // namespace titration

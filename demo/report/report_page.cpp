@@ -6,7 +6,7 @@
 namespace titration {
 namespace {
 
-constexpr int kPreviewDotsAnInch = 144;  // a screen has 96
+constexpr int kPreviewDotsPerInch = 144;  // a screen has 96
 
 }  // namespace
 
@@ -34,16 +34,16 @@ ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDat
 }
 
 int ReportPages::Count() const {
-    const int aPage = m_document.GetPageStyle().GetPageBlocks();
-    return (m_document.GetBlockCount() - 1) / aPage + 1;
+    const int blocksPerPage = m_document.GetPageStyle().GetPageBlocks();
+    return (m_document.GetBlockCount() - 1) / blocksPerPage + 1;
 }
 
 void ReportPages::SavePreview(int number, const std::string& path) {
     CBitmap picture;
     const auto draw = [&](CDC& dc) { return m_document.PrintOutMain(&dc, number, 1) != 0; };
-    if (qel::DrawPagePicture(picture, m_printer, kPreviewDotsAnInch, draw) == 0)
+    if (qel::DrawPagePicture(picture, m_printer, kPreviewDotsPerInch, draw) == 0)
         throw Failure(path + ": the page cannot be drawn");
-    if (qel::SavePng(picture, path.c_str(), kPreviewDotsAnInch) == 0) throw Failure(path + ": cannot be written");
+    if (qel::SavePng(picture, path.c_str(), kPreviewDotsPerInch) == 0) throw Failure(path + ": cannot be written");
 }
 
 void ReportPages::Print() {

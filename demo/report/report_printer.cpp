@@ -5,11 +5,11 @@
 namespace titration {
 namespace {
 
-CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
+CQelPrintJobPageStyle ThreeReportsPerPage(const std::string& printer) {
     CQelPrintJobPageStyle style;
     style.SetStyleName("Titration reports");
     style.SetPrinterDevice(printer.c_str());
-    style.SetPrintBlock({1, kReportsOnAPage});
+    style.SetPrintBlock({1, kReportsPerPage});
     // Tenths of a millimetre; the wide margin is for a binder.
     style.SetLeftMargin(200);
     style.SetRightMargin(150);
@@ -22,10 +22,10 @@ CQelPrintJobPageStyle ThreeOnAPage(const std::string& printer) {
 
 bool ReportPrinter::IsThere(const std::string& name) {
     CDC dc;
-    return dc.Attach(ThreeOnAPage(name).GetPrinterDC()) != 0;
+    return dc.Attach(ThreeReportsPerPage(name).GetPrinterDC()) != 0;
 }
 
-ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeOnAPage(name)) {
+ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeReportsPerPage(name)) {
     if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + name + "\"");
 }
 

@@ -6,7 +6,7 @@
 
 namespace titration {
 
-inline constexpr int kReportsOnAPage = 3;
+inline constexpr int kReportsPerPage = 3;
 
 /// The paper that reports are laid out for, A4 with three of them one below the other, and the printer that it is in.
 class ReportPrinter {

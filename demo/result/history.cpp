@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* kCabinet = "results.hcf";
 constexpr const char* kRecords = "renewals.qel";
-constexpr DWORD kMostListed = 10;
+constexpr DWORD kMaxListed = 10;
 
 }  // namespace
 
@@ -80,7 +80,7 @@ const CHistoryRenewInfo& History::TakeOut(DWORD version, const std::string& path
 }
 
 std::string History::Listed(const std::string& indent) const {
-    const DWORD first = Latest() > kMostListed ? Latest() - kMostListed + 1 : 1;
+    const DWORD first = Latest() > kMaxListed ? Latest() - kMaxListed + 1 : 1;
     std::string text = std::string(m_cabinet.GetGUID().GetString()) + ", " + Counted(Latest(), "version") + "\n";
     if (first > 1) text += indent + "... the latest of them:\n";
     for (DWORD version = first; version <= Latest(); ++version) {

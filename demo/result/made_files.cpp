@@ -60,7 +60,7 @@ bool IsFile(std::string_view rest) {
            Take(rest, ", sum ") && TakeSum(rest) && rest.empty();
 }
 
-bool IsSample(std::string_view rest) {
+bool IsFingerprint(std::string_view rest) {
     do {
         if (!TakeSum(rest) || !Take(rest, " ")) return false;
         if (rest == "no PDF") return true;
@@ -73,7 +73,7 @@ bool IsLine(std::string_view line, bool isFile) {
     const std::size_t equals = line.find('=');
     if (equals == 0 || equals == std::string_view::npos) return false;
     const std::string_view value = line.substr(equals + 1);
-    return isFile ? IsFile(value) : IsSample(value);
+    return isFile ? IsFile(value) : IsFingerprint(value);
 }
 
 std::vector<std::string> EntriesOf(const CString& folder, const std::string& pattern, bool isFolder) {
@@ -118,13 +118,13 @@ std::string MadeFiles::AsMade(const std::string& name) const {
     return made;
 }
 
-void MadeFiles::Set(const std::string& name, const char* sums, const char* sample) {
-    if (m_sums.Set(kFiles, name.c_str(), sums) == 0 || m_sums.Set(kSamples, name.c_str(), sample) == 0)
+void MadeFiles::Set(const std::string& name, const char* sums, const char* fingerprint) {
+    if (m_sums.Set(kFiles, name.c_str(), sums) == 0 || m_sums.Set(kFingerprints, name.c_str(), fingerprint) == 0)
         throw Failure(Path(kSums) + ": cannot be written");
 }
 
-void MadeFiles::Add(const std::string& name, const std::string& sample) {
-    Set(name, Described(name).c_str(), sample.empty() ? nullptr : sample.c_str());
+void MadeFiles::Add(const std::string& name, const std::string& fingerprint) {
+    Set(name, Described(name).c_str(), fingerprint.empty() ? nullptr : fingerprint.c_str());
 }
 
 // What another run writes down between our reading and our writing would be lost, so it is read again.
@@ -173,14 +173,14 @@ std::vector<std::string> MadeFiles::Matching(const std::string& pattern) const {
 std::vector<std::string> MadeFiles::WrittenDown() const {
     const std::string text = ReadBytes(Path(kSums));
     if (!text.ends_with("\r\n")) throw Failure("its last line is cut");
-    const std::string files = "[" + std::string(kFiles) + "]", samples = "[" + std::string(kSamples) + "]";
+    const std::string files = "[" + std::string(kFiles) + "]", fingerprints = "[" + std::string(kFingerprints) + "]";
     std::vector<std::string> names;
     std::set<std::string, std::less<>> lines;  // with the section before the name
     std::string_view section;
     int number = 0;
     for (const std::string_view line : Lines(text)) {
         const std::string here = "line " + std::to_string(++number) + ", \"" + std::string(line) + "\": ";
-        const bool isSection = line == files || line == samples;
+        const bool isSection = line == files || line == fingerprints;
         const std::string_view name = line.substr(0, line.find('='));
         if (!lines.insert(isSection ? std::string(line) : std::string(section) + std::string(name)).second)
             throw Failure(here + "stands twice");

@@ -7,9 +7,9 @@
 
 namespace titration {
 
-/// The files in the output folder. They have their size and checksums in "made.ini", so that it shows later whether one
-/// was changed; the cabinet has sums of its own. Those that are laid out by the program have what a sample report was
-/// like then, see SampleOf:
+/// The files in the output folder. "made.ini" keeps the size and the checksums of each, so that a later change is
+/// found; the cabinet has checksums of its own. A file that the program lays out also has the layout fingerprint of
+/// that time, see LayoutFingerprint. Kept: its section is called "samples", as in files already made.
 ///
 ///     [files]
 ///     report-1.job=13899 bytes, CRC 5F0C1A77, sum 0011D2A9
@@ -23,7 +23,7 @@ public:
     std::string Path(const std::string& name) const;
     /// Writes down what the file is like now.
     /// @throws Failure
-    void Add(const std::string& name, const std::string& sample = "");
+    void Add(const std::string& name, const std::string& fingerprint = "");
     /// The same for one that runs of the program at the same time change as well; nothing when it is not there.
     /// @throws Failure
     void Keep(const std::string& name);
@@ -35,8 +35,10 @@ public:
     /// The same for a file that may have grown since.
     /// @throws Failure
     void RequireBeginsAsMade(const std::string& name) const;
-    /// The sample report of the time when the file was made.
-    std::string SampleOf(const std::string& name) const { return std::string(m_sums.Get(kSamples, name.c_str(), "")); }
+    /// The layout fingerprint of the time when the file was made.
+    std::string FingerprintOf(const std::string& name) const {
+        return std::string(m_sums.Get(kFingerprints, name.c_str(), ""));
+    }
 
     /// Those that are there, in the order of their names; a pattern may name folders below, as
     /// `version-*/variables.qel`.
@@ -52,13 +54,13 @@ public:
     std::string Listed() const;
 
 private:
-    static constexpr const char *kFiles = "files", *kSamples = "samples";
+    static constexpr const char *kFiles = "files", *kFingerprints = "samples";
 
     DWORD SizeOf(const std::string& name) const;
     std::string Described(const std::string& name, DWORD size) const;
     std::string Described(const std::string& name) const;
     std::string AsMade(const std::string& name) const;
-    void Set(const std::string& name, const char* sums, const char* sample);
+    void Set(const std::string& name, const char* sums, const char* fingerprint);
 
     CString m_folder;
     CPrivateProfile m_sums;

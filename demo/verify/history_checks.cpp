@@ -25,14 +25,14 @@ DWORD KeptHistory::Versions() const {
 
 std::string KeptHistory::CheckCabinet() const {
     Require(m_isOpen, "is missing or in use, or its header is damaged");
-    const ULONGLONG behind = BytesBehindLastVersion();
+    const ULONGLONG behind = BytesAfterLastVersion();
     Require(behind == 0, "has " + Counted(static_cast<long long>(behind), "byte") + " behind the last version");
     return std::string(m_cabinet.GetGUID().GetString()) + ", header with " +
            Counted(m_cabinet.GetLatestVersion(), "version");
 }
 
 // Reading versions never comes there: a registration that was cut short leaves some.
-ULONGLONG KeptHistory::BytesBehindLastVersion() const {
+ULONGLONG KeptHistory::BytesAfterLastVersion() const {
     const std::string path = m_made.Path("results.hcf");
     return OnFile(path, [&] {
         CQFile file;

@@ -30,7 +30,7 @@ public:
     void RequireVersionIn(const std::string& name, DWORD version) const;
 
 private:
-    ULONGLONG BytesBehindLastVersion() const;
+    ULONGLONG BytesAfterLastVersion() const;
     void TakeOut(DWORD version, const std::string& path) const;
 
     const MadeFiles& m_made;

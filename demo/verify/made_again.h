@@ -9,23 +9,23 @@
 
 namespace titration {
 
-/// Compares files with what the program makes of their origin now.
+/// Compares files with what the program makes again from the same curve and method.
 ///
-/// Fonts, a printer, or the program may be others than when it laid a file out. A sample report tells: where it is what
-/// it was then, the same bytes have to come out again, whatever sums were written down. Where it differs, the sums are
-/// all that is left to hold the file against; such files are counted. Plain text hangs on none of that.
+/// Fonts, the printer or the program may have changed since a file was laid out. The layout fingerprint shows that:
+/// where it is the same, the file must come out again with the same bytes. Where it differs, only the checksums can be
+/// compared; such files are counted. Plain text depends on none of this.
 class MadeAgain {
 public:
     explicit MadeAgain(const MadeFiles& made) : m_made(made) {}
 
-    /// @param beside a file of the same run of the program, which has to have the same sample
-    /// @param make writes the file to a path again; what it throws is a finding, too
+    /// @param beside a file of the same run of the program, which must have the same layout fingerprint
+    /// @param make writes the file to a path again; what it throws is also a finding
     /// @return what was found
     /// @throws Failure
     template <class Make>
     std::string Check(const std::string& name, const std::string& beside, const std::string& printer, Make make) {
         m_made.RequireAsMade(name);
-        if (IsOtherwiseHere(name, beside, printer)) return "as it was made; reports come out otherwise here";
+        if (LayoutDiffersHere(name, beside, printer)) return "as it was made; reports are laid out differently here";
         return Compare(name, make);
     }
     /// The same for plain text.
@@ -34,12 +34,12 @@ public:
         return Compare(name, make);
     }
 
-    /// How many files were not made again.
-    int HeldAgainstSums() const { return m_heldAgainstSums; }
+    /// How many files were not made again: only their checksums were compared.
+    int CountBySumsAlone() const { return m_countBySumsAlone; }
 
 private:
-    bool IsOtherwiseHere(const std::string& name, const std::string& beside, const std::string& printer);
-    const std::string& SampleHere(const std::string& printer);
+    bool LayoutDiffersHere(const std::string& name, const std::string& beside, const std::string& printer);
+    const std::string& FingerprintHere(const std::string& printer);
 
     template <class Make> std::string Compare(const std::string& name, Make make) const {
         const TemporaryFile again;
@@ -50,8 +50,8 @@ private:
     }
 
     const MadeFiles& m_made;
-    int m_heldAgainstSums = 0;
-    std::map<std::string, std::string> m_samples;  // of each printer
+    int m_countBySumsAlone = 0;
+    std::map<std::string, std::string> m_fingerprints;  // of each printer
 };
 
 }  // namespace titration

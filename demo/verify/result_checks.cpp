@@ -48,13 +48,13 @@ std::string CheckTable(const MadeFiles& made, const Result& result) {
     return std::to_string(lines) + " lines, the table of that result";
 }
 
-Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log) {
+Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log) {
     const CCalcVariableList kept = history.Variables(version);
     Require(version <= log.runs.size(), "titration.log does not tell what it was computed from");
     const LoggedRun& run = log.runs[version - 1];
     const Method method = MethodFile::Read(made.Path(MethodName(version)));
-    Determination again = Titrate(MethodName(version), method, CurveName(version),
-                                  ReadTextFile(made.Path(CurveName(version))), run.table);
+    Titration again = EvaluateTitration(MethodName(version), method, CurveName(version),
+                                        ReadTextFile(made.Path(CurveName(version))), run.table);
     again.settingsFile = run.method;
     again.dataFile = run.curve;
     Require((again.result.variables != kept) == 0,
@@ -81,10 +81,10 @@ std::string PrinterOf(const MadeFiles& made, DWORD version) {
     return std::string(job.GetPageStyle().GetPrinterDevice());
 }
 
-void MakeJobAgain(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+void MakeJobAgain(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                   const std::string& printerName, const std::string& path, const std::string& picture) {
     ReportPrinter printer(printerName);
-    CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, picture);
+    CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, picture);
     Require(job.SaveJobFile(path.c_str()) != 0, "cannot be made again");
 }
 

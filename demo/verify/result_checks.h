@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "demo/result/determination.h"
 #include "demo/result/made_files.h"
+#include "demo/result/titration.h"
 #include "demo/verify/history_checks.h"
 #include "demo/verify/log_check.h"
 
@@ -17,7 +17,7 @@ std::string CheckTable(const MadeFiles& made, const Result& result);
 
 /// Computes a version once more, from the method and the measured curve that were kept for it.
 /// @throws Failure unless that gives the values in the cabinet, and the result in the log
-Determination DetermineAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log);
+Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log);
 
 /// @return what the report on a version has above all, which is @p result
 std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result);
@@ -25,7 +25,7 @@ std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& re
 std::string PrinterOf(const MadeFiles& made, DWORD version);
 /// Makes the job and the picture of a report again.
 /// @throws Failure
-void MakeJobAgain(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
+void MakeJobAgain(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                   const std::string& printerName, const std::string& path, const std::string& picture);
 
 }  // namespace titration

@@ -25,32 +25,31 @@
 namespace titration {
 namespace {
 
-// One after the other, in an order in which each can use what was found before.
+// The checks run in an order in which each can use what the earlier ones found.
 class Verification {
 public:
     explicit Verification(const CString& folder) : m_made(folder), m_history(m_made), m_again(m_made) {}
 
     bool Run() {
-        Lists();
-        for (DWORD version = 1; version <= m_history.Versions(); ++version) Version(version);
-        Latest(m_history.Versions());
-        Pages();
-        Printed();
-        Others();
+        CheckLists();
+        for (DWORD version = 1; version <= m_history.Versions(); ++version) CheckVersion(version);
+        CheckLatest(m_history.Versions());
+        CheckPages();
+        CheckPrinted();
+        CheckOthers();
         const std::string failed = m_checks.Failed() == 0 ? "all right" : std::to_string(m_checks.Failed()) + " failed";
-        std::printf("%d checks, %s%s\n", m_checks.Count(), failed.c_str(), HeldAgainstSums().c_str());
+        std::printf("%d checks, %s%s\n", m_checks.Count(), failed.c_str(), SumsAloneText().c_str());
         return m_checks.Failed() == 0;
     }
 
 private:
-    std::string HeldAgainstSums() const {
-        const int count = m_again.HeldAgainstSums();
+    std::string SumsAloneText() const {
+        const int count = m_again.CountBySumsAlone();
         if (count == 0) return "";
-        return "; " + Counted(count, "file") +
-               (count == 1 ? " was held against its sums" : " were held against their sums") + " alone";
+        return "; " + Counted(count, "file") + (count == 1 ? " was" : " were") + " compared by checksums alone";
     }
 
-    void Lists() {
+    void CheckLists() {
         m_checks.Run("made.ini", [&] {
             m_names = m_made.WrittenDown();
             return "sums of " + Counted(static_cast<long long>(m_names.size()), "file");
@@ -64,20 +63,20 @@ private:
         m_checks.Run("renewals.qel", [&] { return m_history.CheckRecords(); });
     }
 
-    void Version(DWORD version) {
-        m_determination.reset();
+    void CheckVersion(DWORD version) {
+        m_titration.reset();
         m_checks.Run(MethodName(version), [&] { return CheckMethod(m_made, MethodName(version)); });
         m_checks.Run(CurveName(version), [&] {
             m_made.RequireAsMade(CurveName(version));
             return "as it was measured";
         });
         m_checks.Run("version " + std::to_string(version) + " in results.hcf", [&] {
-            m_determination = DetermineAgain(m_made, version, m_history, m_log);
-            return Shown(m_determination->result) + ", computed again from " + MethodName(version) + " and " +
+            m_titration = EvaluateAgain(m_made, version, m_history, m_log);
+            return Shown(m_titration->result) + ", computed again from " + MethodName(version) + " and " +
                    CurveName(version) + "; " + Described(m_history.Record(version));
         });
         m_checks.Run(JobName(version), [&] {
-            const std::string shown = CheckHeadline(m_made, version, Determined().result);
+            const std::string shown = CheckHeadline(m_made, version, RequireTitration().result);
             return shown + ", " +
                    m_again.Check(JobName(version), JobName(version), PrinterOf(m_made, version),
                                  [&](const std::string& path) { MakeAgain(version, path, TemporaryFile().Path()); });
@@ -91,8 +90,8 @@ private:
         });
     }
 
-    // What there is of the latest version alone, whose result was found last.
-    void Latest(DWORD version) {
+    // Files that exist for the latest version only.
+    void CheckLatest(DWORD version) {
         m_checks.Run("method.xml", [&] {
             const std::string found = CheckMethod(m_made, "method.xml");
             Require(
@@ -105,10 +104,10 @@ private:
             m_history.RequireVersionIn("variables.qel", version);
             return found;
         });
-        m_checks.Run("result.csv", [&] { return CheckTable(m_made, Determined().result); });
+        m_checks.Run("result.csv", [&] { return CheckTable(m_made, RequireTitration().result); });
         m_checks.Run("report.txt", [&] {
             return m_again.CheckText("report.txt",
-                                     [&](const std::string& path) { WriteTextFile(Report(Determined()), path); });
+                                     [&](const std::string& path) { WriteTextFile(Report(RequireTitration()), path); });
         });
         m_checks.Run("curve.png", [&] {
             return m_again.Check("curve.png", JobName(version), PrinterOf(m_made, version),
@@ -116,33 +115,33 @@ private:
         });
     }
 
-    void Pages() {
+    void CheckPages() {
         const LoggedReports& reports = m_log.previewed;
         if (reports.last == 0) return;
-        const int pages = static_cast<int>(reports.last - reports.first) / kReportsOnAPage + 1;
+        const int pages = static_cast<int>(reports.last - reports.first) / kReportsPerPage + 1;
         for (int page = 1; page <= pages; ++page) {
-            Drawn(PageName(page), PageName(1), reports,
-                  [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
+            CheckDrawn(PageName(page), PageName(1), reports,
+                       [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
         }
     }
 
-    void Printed() {
+    void CheckPrinted() {
         for (const auto& [name, reports] : m_log.printed) {
-            Drawn(name, name == m_log.printedLast ? PageName(1) : name, reports,
-                  [](ReportPages& again, const std::string& path) {
-                      WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
-                  });
+            CheckDrawn(name, name == m_log.printedLast ? PageName(1) : name, reports,
+                       [](ReportPages& again, const std::string& path) {
+                           WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
+                       });
         }
     }
 
-    // What nothing else is known of, and what is not there.
-    void Others() {
+    // Files that no other check has seen, and files that are missing.
+    void CheckOthers() {
         std::vector<std::string> printed = m_made.Matching(kAllPdfs);
         for (const std::string& page : m_made.Matching(kAllPages)) printed.push_back(page);
         for (const std::string& name : m_names) {
             if (m_checks.HasRun(name)) continue;
             m_checks.Run(name, [&] {
-                Require(std::ranges::find(printed, name) == printed.end(), "titration.log tells nothing of it");
+                Require(std::ranges::find(printed, name) == printed.end(), "titration.log does not mention it");
                 m_made.RequireAsMade(name);
                 return "as it was made";
             });
@@ -150,7 +149,7 @@ private:
     }
 
     template <class Draw>
-    void Drawn(const std::string& name, const std::string& beside, const LoggedReports& reports, Draw draw) {
+    void CheckDrawn(const std::string& name, const std::string& beside, const LoggedReports& reports, Draw draw) {
         m_checks.Run(name, [&] {
             return m_again.Check(name, beside, PrinterOf(m_made, reports.first),
                                  [&](const std::string& path) {
@@ -162,12 +161,12 @@ private:
         });
     }
 
-    const Determination& Determined() const {
-        Require(m_determination.has_value(), "there is no result to compare it with");
-        return *m_determination;
+    const Titration& RequireTitration() const {
+        Require(m_titration.has_value(), "there is no result to compare it with");
+        return *m_titration;
     }
     void MakeAgain(DWORD version, const std::string& job, const std::string& picture) const {
-        MakeJobAgain(Determined(), version, m_history.Record(version), PrinterOf(m_made, version), job, picture);
+        MakeJobAgain(RequireTitration(), version, m_history.Record(version), PrinterOf(m_made, version), job, picture);
     }
 
     Checks m_checks;
@@ -176,7 +175,7 @@ private:
     MadeAgain m_again;
     std::vector<std::string> m_names;  // of all files that are there, or should be
     LogFacts m_log;
-    std::optional<Determination> m_determination;  // that of the version that was checked last
+    std::optional<Titration> m_titration;  // that of the version that was checked last
 };
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int kDotsAnInch = 600;
+constexpr int kDotsPerInch = 600;
 constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10;  // how a text stands in its box
 
 // A4 of the printer PDF in two cells, margins of 20 mm.
@@ -13,7 +13,7 @@ CQelPrintJobPageStyle Page() {
     CQelPrintJobPageStyle style;
     style.SetStyleName("Results");
     style.SetPrinterDevice("PDF");
-    style.SetDpi(kDotsAnInch);
+    style.SetDpi(kDotsPerInch);
     style.SetTopMargin(200);
     style.SetBottomMargin(200);
     style.SetLeftMargin(200);

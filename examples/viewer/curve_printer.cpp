@@ -6,7 +6,7 @@ namespace viewer {
 namespace {
 
 // Tenths of a millimetre; the font in tenths of a point.
-constexpr int kMargin = 200, kHeadline = 100, kMostHeight = 1200;
+constexpr int kMargin = 200, kHeadline = 100, kMaxHeight = 1200;
 constexpr int kHeadlineFont = 120;
 
 constexpr int kCentred = 2 | 0x10;  // in a single line in the middle of its box
@@ -28,7 +28,7 @@ Printing PrintCurve(const LiveCurve& curve) {
     const CString headline = "Live curve, " + CTime::GetCurrentTime().Format("%Y-%m-%d %H:%M:%S");
     job.AddMillimetreCommandText({0, 0, size.cx, kHeadline}, headline, kCentred);
 
-    CRect place(0, kHeadline, size.cx, std::min<LONG>(size.cy, kHeadline + kMostHeight));
+    CRect place(0, kHeadline, size.cx, std::min<LONG>(size.cy, kHeadline + kMaxHeight));
     page.ConvertMillimetreToPixel(place);
     LiveCurve onPaper = curve;  // the one on the screen stays as it is
     onPaper.SetResolution(page.GetDpi());

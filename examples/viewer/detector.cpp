@@ -31,13 +31,13 @@ double MillivoltsAt(double second) {
 
 std::int32_t Detector::NextCode() {
     std::uniform_real_distribution<double> noise(-kNoise, kNoise);
-    const double millivolts = MillivoltsAt(double{1} * m_nCodes++ / kCodesASecond) + noise(m_random);
+    const double millivolts = MillivoltsAt(double{1} * m_nCodes++ / kCodesPerSecond) + noise(m_random);
     const double code = std::round(millivolts * kCodes / kFullScale);
     return static_cast<std::int32_t>(std::clamp(code, -kCodes, kCodes - 1));
 }
 
 CGraphData Detector::NextPoint() {
-    const double second = double{1} * m_nCodes / kCodesASecond;
+    const double second = double{1} * m_nCodes / kCodesPerSecond;
     return {second, NextCode() * kFullScale / kCodes};
 }
 

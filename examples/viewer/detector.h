@@ -12,7 +12,7 @@ namespace viewer {
 /// compared.
 class Detector {
 public:
-    static constexpr int kCodesASecond = 50;
+    static constexpr int kCodesPerSecond = 50;
 
     /// What the converter sends next, from -2^23 to 2^23 - 1.
     std::int32_t NextCode();

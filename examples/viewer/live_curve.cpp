@@ -9,15 +9,15 @@
 namespace viewer {
 namespace {
 
-constexpr int kScreenDotsAnInch = 96;
+constexpr int kScreenDotsPerInch = 96;
 constexpr int kFontSize = 90;  // tenths of a point
 constexpr COLORREF kBlue = RGB(0, 60, 160), kGrey = RGB(215, 215, 215), kBlack = RGB(0, 0, 0);
 
 constexpr double kMinute = 60;
-constexpr int kTimeSteps = 10, kMostSteps = 10;
+constexpr int kTimeSteps = 10, kMaxSteps = 10;
 
 axes::AxisSteps TimeSteps(double last, bool isAll) {
-    if (isAll && last > kMinute) return axes::StepsOver(0, last, kMostSteps);
+    if (isAll && last > kMinute) return axes::StepsOver(0, last, kMaxSteps);
     // A whole step is passed at once, so the grid lines keep their places.
     axes::AxisSteps steps{kMinute / kTimeSteps, 0, kTimeSteps};
     steps.first = std::max(0.0, std::ceil(last / steps.step) - kTimeSteps);
@@ -44,12 +44,12 @@ bool IsLower(const CGraphData& one, const CGraphData& other) { return one.GetYDa
 LiveCurve::LiveCurve() {
     SetXRangeStyle(0, Axis(kLabelBelow, "s", 0));
     SetYRangeStyle(0, Axis(kLabelLeft, "mV", 1));
-    SetResolution(kScreenDotsAnInch);
+    SetResolution(kScreenDotsPerInch);
     FitAxes();
 }
 
-void LiveCurve::SetResolution(int dotsAnInch) {
-    const auto dots = [&](int onScreen) { return std::max(1, onScreen * dotsAnInch / kScreenDotsAnInch); };
+void LiveCurve::SetResolution(int dotsPerInch) {
+    const auto dots = [&](int onScreen) { return std::max(1, onScreen * dotsPerInch / kScreenDotsPerInch); };
     SetLeftMargin(dots(8));
     SetTopMargin(dots(12));
     SetRightMargin(dots(16));
@@ -71,7 +71,7 @@ void LiveCurve::FitAxes() {
     const auto first = std::ranges::lower_bound(points, time.Value(0), {}, &CGraphData::GetXData);
     const auto [low, high] = std::minmax_element(first, points.end(), IsLower);
     if (low == points.end()) return;
-    const axes::AxisSteps signal = axes::StepsOver(low->GetYData(), high->GetYData(), kMostSteps);
+    const axes::AxisSteps signal = axes::StepsOver(low->GetYData(), high->GetYData(), kMaxSteps);
     SetYMinRange(0, signal.Value(0));
     SetYMaxRange(0, signal.Value(signal.count));
     SetDivY(signal.count);

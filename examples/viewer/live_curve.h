@@ -14,7 +14,7 @@ public:
     LiveCurve();
 
     /// Texts, lines and margins as large as on a screen, for a surface of this resolution.
-    void SetResolution(int dotsAnInch);
+    void SetResolution(int dotsPerInch);
     /// Shows all points, in which case the axis of the time grows, or the last minute, in which case it moves on.
     void ShowAll(bool isAll) { m_isAll = isAll; }
     /// Adds a point that was measured later than those before.

@@ -7,7 +7,7 @@
 namespace viewer {
 namespace {
 
-constexpr int kMostPoints = 10'000'000;
+constexpr int kMaxPoints = 10'000'000;
 
 template <class Number> bool Read(std::string_view text, Number& number) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -15,7 +15,7 @@ template <class Number> bool Read(std::string_view text, Number& number) {
 }
 
 bool Take(Options& options, std::string_view name, const char* value) {
-    if (name == "--points") return Read(value, options.points) && options.points >= 0 && options.points <= kMostPoints;
+    if (name == "--points") return Read(value, options.points) && options.points >= 0 && options.points <= kMaxPoints;
     if (name == "--cross") return Read(value, options.cross.emplace());
     if (name == "--screenshot") return !(options.screenshot = value).empty();
     return false;

@@ -6,14 +6,14 @@
 
 namespace viewer {
 
-Sampler::Sampler(Read read, int aSecond) : m_read(std::move(read)) {
+Sampler::Sampler(Read read, int perSecond) : m_read(std::move(read)) {
     std::promise<void> isKnown;
-    m_thread = std::thread([this, aSecond, &isKnown] {
+    m_thread = std::thread([this, perSecond, &isKnown] {
         const CWorkerThreadCtrl control(kType);
         isKnown.set_value();
         auto next = std::chrono::steady_clock::now();
         while (control.IsStop() == 0) {
-            next += std::chrono::microseconds(1'000'000 / aSecond);
+            next += std::chrono::microseconds(1'000'000 / perSecond);
             std::this_thread::sleep_until(next);
             if (control.IsPause() == 0) ReadOne();
         }

@@ -15,8 +15,8 @@ class Sampler {
 public:
     using Read = std::function<CGraphData()>;
 
-    /// Begins at once. @param read gives the next point; called by the thread alone, @p aSecond times a second
-    Sampler(Read read, int aSecond);
+    /// Begins at once. @param read gives the next point; called by the thread alone, @p perSecond times a second
+    Sampler(Read read, int perSecond);
     /// Waits for the thread to end, which takes no longer than reading a point.
     ~Sampler();
     Sampler(const Sampler&) = delete;

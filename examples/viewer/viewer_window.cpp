@@ -84,7 +84,7 @@ GtkWidget* ViewerWindow::MakeHeader(bool isAll) {
 }
 
 void ViewerWindow::Start() {
-    m_sampler.emplace([this] { return m_detector.NextPoint(); }, Detector::kCodesASecond);
+    m_sampler.emplace([this] { return m_detector.NextPoint(); }, Detector::kCodesPerSecond);
     m_nTimer = g_timeout_add(kEvery, Signals::OnTimer, this);
 }
 

@@ -24,15 +24,15 @@ constexpr std::uint32_t PixelOf(COLORREF color) noexcept {
 
 }  // namespace
 
-BitmapSurface::BitmapSurface(const SIZE& dotsAnInch)
-    : m_dotsAnInch(dotsAnInch), m_pPixels(PixelBuffer::Create(1, 1)), m_writer(m_raster, 0) {
+BitmapSurface::BitmapSurface(const SIZE& dotsPerInch)
+    : m_dotsPerInch(dotsPerInch), m_pPixels(PixelBuffer::Create(1, 1)), m_writer(m_raster, 0) {
     Rebuild();
 }
 
 BitmapSurface::~BitmapSurface() { m_pPixels->RemoveSurface(*this); }
 
 int BitmapSurface::DeviceCaps(int index) const {
-    return PictureCaps(index, {m_pPixels->Width(), m_pPixels->Height()}, m_dotsAnInch, 32);
+    return PictureCaps(index, {m_pPixels->Width(), m_pPixels->Height()}, m_dotsPerInch, 32);
 }
 
 bool BitmapSurface::SelectPixels(std::shared_ptr<PixelBuffer> pixels) {

@@ -22,7 +22,7 @@ class CairoCanvas;
 /// order where each is flushed before the other draws.
 class BitmapSurface : public Surface {
 public:
-    explicit BitmapSurface(const SIZE& dotsAnInch);
+    explicit BitmapSurface(const SIZE& dotsPerInch);
     ~BitmapSurface() override;
 
     int DeviceCaps(int index) const override;
@@ -51,7 +51,7 @@ private:
     CRect ClipBox() const;
     void Rebuild();
 
-    SIZE m_dotsAnInch;
+    SIZE m_dotsPerInch;
     std::shared_ptr<PixelBuffer> m_pPixels;
     std::unique_ptr<CairoCanvas> m_pCanvas;  // made when Cairo is needed first
     Ink m_ink;

@@ -10,16 +10,18 @@
 
 namespace qel {
 
-CairoSurface::CairoSurface(cairo_t* cairo, const CSize& size, int dotsAnInch)
+CairoSurface::CairoSurface(cairo_t* cairo, const CSize& size, int dotsPerInch)
     : m_pCairo(cairo_reference(cairo)),
       m_size(size),
-      m_nDotsAnInch(dotsAnInch),
+      m_nDotsPerInch(dotsPerInch),
       m_nStride(cairo_format_stride_for_width(CAIRO_FORMAT_A8, size.cx)),
       m_writer(m_raster, 0) {}
 
 CairoSurface::~CairoSurface() { cairo_destroy(m_pCairo); }
 
-int CairoSurface::DeviceCaps(int index) const { return PictureCaps(index, m_size, {m_nDotsAnInch, m_nDotsAnInch}, 32); }
+int CairoSurface::DeviceCaps(int index) const {
+    return PictureCaps(index, m_size, {m_nDotsPerInch, m_nDotsPerInch}, 32);
+}
 
 bool CairoSurface::IsWholePixels() const {
     double scaleX = 0, scaleY = 0;

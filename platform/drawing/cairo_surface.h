@@ -11,7 +11,7 @@ namespace qel {
 /// ourselves, with the pixels that they have on a bitmap.
 class CairoSurface : public VectorSurface {
 public:
-    CairoSurface(cairo_t* cairo, const CSize& size, int dotsAnInch);
+    CairoSurface(cairo_t* cairo, const CSize& size, int dotsPerInch);
     ~CairoSurface() override;
 
     int DeviceCaps(int index) const override;
@@ -29,7 +29,7 @@ private:
 
     cairo_t* m_pCairo;
     CSize m_size;
-    int m_nDotsAnInch;
+    int m_nDotsPerInch;
     bool m_isMasked = false;    // thin lines go into the mask
     bool m_isMaskUsed = false;  // since it was painted last
     int m_nStride;

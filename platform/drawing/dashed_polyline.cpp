@@ -21,7 +21,7 @@ constexpr std::size_t kMost = 1024;
 // Lines that are looked at together.
 constexpr std::size_t kBlock = 8;
 // The most rows from low to high, so that steps of a block fit into 32 bits.
-constexpr std::int64_t kMostRows = 1 << 24;
+constexpr std::int64_t kMaxRows = 1 << 24;
 
 #if defined(__SSE2__)
 
@@ -54,7 +54,7 @@ std::size_t CountInColumn(std::span<const POINT> points, LONG column) noexcept {
 // Steps of a block of lines up and down, from each point to the next one, or -1 when one of them starts outside the
 // rows from low to high. The last point is within them.
 std::int64_t StepsWithin(const POINT* points, std::int64_t low, std::int64_t high) noexcept {
-    if (high - low > kMostRows) return -1;
+    if (high - low > kMaxRows) return -1;
 #if defined(__SSE2__)
     const __m128i lowest = _mm_set1_epi32(static_cast<LONG>(low)), highest = _mm_set1_epi32(static_cast<LONG>(high));
     __m128i isOutside = _mm_setzero_si128(), sum = _mm_setzero_si128();

@@ -4,14 +4,14 @@
 #include "qellib10/platform/drawing/screen.h"
 
 HDC CreateCompatibleDC(HDC dc) {
-    SIZE dotsAnInch{qel::kScreenDotsAnInch, qel::kScreenDotsAnInch};
+    SIZE dotsPerInch{qel::kScreenDotsPerInch, qel::kScreenDotsPerInch};
     if (dc != nullptr) {
         const auto model = qel::FindDeviceContext(dc);
         if (!model) return nullptr;
-        dotsAnInch = {model->DeviceCaps(LOGPIXELSX), model->DeviceCaps(LOGPIXELSY)};
+        dotsPerInch = {model->DeviceCaps(LOGPIXELSX), model->DeviceCaps(LOGPIXELSY)};
     }
     return qel::AddDeviceContext(
-        std::make_shared<qel::DeviceContext>(std::make_unique<qel::BitmapSurface>(dotsAnInch)));
+        std::make_shared<qel::DeviceContext>(std::make_unique<qel::BitmapSurface>(dotsPerInch)));
 }
 
 BOOL DeleteDC(HDC dc) { return qel::RemoveDeviceContext(dc); }

@@ -13,7 +13,7 @@
 namespace qel {
 namespace {
 
-SIZE DotsAnInch(const Surface& surface) {
+SIZE DotsPerInch(const Surface& surface) {
     return {std::max(1, surface.DeviceCaps(LOGPIXELSX)), std::max(1, surface.DeviceCaps(LOGPIXELSY))};
 }
 
@@ -35,14 +35,14 @@ int DeviceWidth(const PenObject& pen, const Mapping& mapping) {
 
 }  // namespace
 
-DrawState::DrawState(const SIZE& dotsAnInch)
+DrawState::DrawState(const SIZE& dotsPerInch)
     : pen(Stock<PenObject>(BLACK_PEN)),
       brush(Stock<BrushObject>(WHITE_BRUSH)),
       font(Stock<FontObject>(SYSTEM_FONT)),
-      mapping(dotsAnInch) {}
+      mapping(dotsPerInch) {}
 
 DeviceContext::DeviceContext(std::unique_ptr<Surface> surface)
-    : m_pSurface(std::move(surface)), m_state(DotsAnInch(*m_pSurface)) {
+    : m_pSurface(std::move(surface)), m_state(DotsPerInch(*m_pSurface)) {
     if (m_pSurface->Pixels() == nullptr) return;
     m_hOwnBitmap = AddDrawingObject(BitmapObject{PixelBuffer::Create(1, 1)});
     Select(m_hOwnBitmap);

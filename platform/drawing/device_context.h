@@ -21,7 +21,7 @@ template <class Object> struct Selected {
 
 /// All that SaveDC keeps.
 struct DrawState {
-    explicit DrawState(const SIZE& dotsAnInch);
+    explicit DrawState(const SIZE& dotsPerInch);
 
     Selected<PenObject> pen;
     Selected<BrushObject> brush;

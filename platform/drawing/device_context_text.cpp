@@ -56,7 +56,7 @@ int TopOf(const CRect& box, UINT format, int lineHeight) {
 const TextFont& DeviceContext::Font() {
     const std::shared_ptr<const FontObject>& font = m_state.font.object;
     const int asked = font->description.lfHeight;
-    int height = asked == 0 ? MulDiv(kDefaultCell, std::max(1, DeviceCaps(LOGPIXELSY)), kScreenDotsAnInch)
+    int height = asked == 0 ? MulDiv(kDefaultCell, std::max(1, DeviceCaps(LOGPIXELSY)), kScreenDotsPerInch)
                             : std::max(1, m_state.mapping.HeightToDevice(asked));
     if (asked < 0) height = -height;
     if (!m_pFont || m_pFontInUse != font || m_nFontHeight != height) {

@@ -32,9 +32,9 @@ HDC ContextOver(std::unique_ptr<Surface> surface) {
     return AddDeviceContext(std::make_shared<DeviceContext>(std::move(surface)));
 }
 
-bool IsDrawable(const CSize& size, int dotsAnInch) {
+bool IsDrawable(const CSize& size, int dotsPerInch) {
     return size.cx > 0 && size.cy > 0 && size.cx <= PixelBuffer::kLongestSide && size.cy <= PixelBuffer::kLongestSide &&
-           dotsAnInch > 0 && dotsAnInch <= PageSetup::kFinestResolution;
+           dotsPerInch > 0 && dotsPerInch <= PageSetup::kFinestResolution;
 }
 
 }  // namespace
@@ -57,14 +57,14 @@ std::optional<PdfInfo> GetPdfInfo(HDC dc) {
     return info != nullptr ? std::optional(*info) : std::nullopt;
 }
 
-HDC CreateSvgDC(const char* path, const CSize& size, int dotsAnInch) {
-    if (path == nullptr || !IsDrawable(size, dotsAnInch)) return nullptr;
-    return ContextOver(std::make_unique<SvgSurface>(size, dotsAnInch, std::make_unique<FileSink>(path)));
+HDC CreateSvgDC(const char* path, const CSize& size, int dotsPerInch) {
+    if (path == nullptr || !IsDrawable(size, dotsPerInch)) return nullptr;
+    return ContextOver(std::make_unique<SvgSurface>(size, dotsPerInch, std::make_unique<FileSink>(path)));
 }
 
-HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsAnInch) {
-    if (cairo == nullptr || !IsDrawable(size, dotsAnInch)) return nullptr;
-    return ContextOver(std::make_unique<CairoSurface>(cairo, size, dotsAnInch));
+HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsPerInch) {
+    if (cairo == nullptr || !IsDrawable(size, dotsPerInch)) return nullptr;
+    return ContextOver(std::make_unique<CairoSurface>(cairo, size, dotsPerInch));
 }
 
 BOOL FlushDC(HDC dc) {

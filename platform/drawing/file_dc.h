@@ -17,14 +17,14 @@ QELLIB10_API HDC CreatePdfDC(const char* path, const PageSetup& page, const PdfI
 
 /// The same as SVG 1.1, one page a document; texts stay texts in the fonts that the viewer has.
 /// @return null for a side outside 1 to 32767 or a resolution outside 1 to 9600
-QELLIB10_API HDC CreateSvgDC(const char* path, const CSize& size, int dotsAnInch = 96);
+QELLIB10_API HDC CreateSvgDC(const char* path, const CSize& size, int dotsPerInch = 96);
 
 /// A context that draws through the application's @p cairo, one user unit a device unit, over @p size of them. Thin
 /// lines have their exact pixels where user units are whole pixels. The context keeps a reference and leaves the state
 /// of @p cairo as it was after each drawing; what was drawn is there at the latest when the context is flushed by
 /// FlushDC or deleted.
 /// @return null for a null @p cairo, otherwise as CreateSvgDC
-QELLIB10_API HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsAnInch = 96);
+QELLIB10_API HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsPerInch = 96);
 
 /// Draws what a context still holds back. @return 0 for a bad handle
 QELLIB10_API BOOL FlushDC(HDC dc);

@@ -34,7 +34,7 @@ template <class Object, class Record> BOOL Describe(HGDIOBJ handle, Record* reco
     return 1;
 }
 
-BOOL Own(CGdiObject& owner, HGDIOBJ made) {
+BOOL TakeOwnership(CGdiObject& owner, HGDIOBJ made) {
     if (owner.Attach(made)) return 1;
     RemoveDrawingObject(made);
     return 0;
@@ -69,7 +69,7 @@ BOOL CGdiObject::CreateStockObject(int number) {
 int CGdiObject::GetObject(int size, void* record) const { return ::GetObject(m_hObject, size, record); }
 
 BOOL CPen::CreatePen(int style, int width, COLORREF color) {
-    return qel::Own(*this, qel::AddDrawingObject(qel::PenObject{style, width, color}));
+    return qel::TakeOwnership(*this, qel::AddDrawingObject(qel::PenObject{style, width, color}));
 }
 
 BOOL CPen::CreatePenIndirect(const LOGPEN* pen) {
@@ -89,13 +89,13 @@ BOOL CBrush::CreateHatchBrush(int hatch, COLORREF color) {
 }
 
 BOOL CBrush::CreateBrushIndirect(const LOGBRUSH* brush) {
-    return brush != nullptr && qel::Own(*this, qel::AddDrawingObject(qel::BrushObject{*brush}));
+    return brush != nullptr && qel::TakeOwnership(*this, qel::AddDrawingObject(qel::BrushObject{*brush}));
 }
 
 BOOL CBrush::GetLogBrush(LOGBRUSH* brush) const { return qel::Describe<qel::BrushObject>(m_hObject, brush); }
 
 BOOL CFont::CreateFontIndirect(const LOGFONT* font) {
-    return font != nullptr && qel::Own(*this, qel::AddDrawingObject(qel::FontObject{*font}));
+    return font != nullptr && qel::TakeOwnership(*this, qel::AddDrawingObject(qel::FontObject{*font}));
 }
 
 BOOL CFont::CreateFont(int height, int width, int escapement, int orientation, int weight, BYTE italic, BYTE underline,
@@ -112,7 +112,7 @@ BOOL CFont::GetLogFont(LOGFONT* font) const { return qel::Describe<qel::FontObje
 BOOL CRgn::CreateRectRgn(int left, int top, int right, int bottom) {
     CRect box(left, top, right, bottom);
     box.NormalizeRect();
-    return qel::Own(*this, qel::AddDrawingObject(qel::RegionObject{box}));
+    return qel::TakeOwnership(*this, qel::AddDrawingObject(qel::RegionObject{box}));
 }
 
 BOOL CRgn::CreateRectRgnIndirect(const RECT* rect) {
@@ -132,7 +132,7 @@ BOOL CRgn::PtInRegion(const POINT& point) const {
 }
 
 BOOL CBitmap::CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {
-    return qel::Own(*this, ::CreateBitmap(width, height, planes, bitsPixel, bits));
+    return qel::TakeOwnership(*this, ::CreateBitmap(width, height, planes, bitsPixel, bits));
 }
 
 BOOL CBitmap::CreateCompatibleBitmap(CDC*, int width, int height) {

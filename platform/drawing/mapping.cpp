@@ -20,7 +20,7 @@ LONGLONG Scale(LONGLONG distance, LONG numerator, LONG denominator) noexcept {
 }
 
 // Logical units an inch of the modes with a unit of their own.
-int UnitsAnInch(int mode) noexcept {
+int UnitsPerInch(int mode) noexcept {
     switch (mode) {
         case MM_LOMETRIC:
             return 254;
@@ -43,13 +43,13 @@ bool Mapping::SetMode(int mode) noexcept {
     if (mode < MM_TEXT || mode > MM_ANISOTROPIC) return false;
     if (mode == MM_TEXT) {
         m_windowExtent = m_viewportExtent = {1, 1};
-    } else if (const int units = UnitsAnInch(mode); units != 0) {
+    } else if (const int units = UnitsPerInch(mode); units != 0) {
         m_windowExtent = {units, units};
-        m_viewportExtent = {m_dotsAnInch.cx, -m_dotsAnInch.cy};
+        m_viewportExtent = {m_dotsPerInch.cx, -m_dotsPerInch.cy};
     } else if (mode == MM_ISOTROPIC && m_nMode != MM_ISOTROPIC) {
         // Begins with tenths of a millimetre, as the framework does.
         m_windowExtent = {254, 254};
-        m_viewportExtent = {m_dotsAnInch.cx, -m_dotsAnInch.cy};
+        m_viewportExtent = {m_dotsPerInch.cx, -m_dotsPerInch.cy};
     }
     m_nMode = mode;
     Changed();

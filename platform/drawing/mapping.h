@@ -17,7 +17,7 @@ inline LONG Kept(LONGLONG value) noexcept {
 /// viewport origin, rounded to nearest and kept within 32 bits.
 class Mapping {
 public:
-    explicit Mapping(const SIZE& dotsAnInch) : m_dotsAnInch(dotsAnInch) {}
+    explicit Mapping(const SIZE& dotsPerInch) : m_dotsPerInch(dotsPerInch) {}
 
     int Mode() const noexcept { return m_nMode; }
     /// @return false for a mode that is none
@@ -56,7 +56,7 @@ private:
     void KeepShape() noexcept;
     void Changed() noexcept;
 
-    SIZE m_dotsAnInch;
+    SIZE m_dotsPerInch;
     int m_nMode = MM_TEXT;
     POINT m_windowOrigin{0, 0};
     POINT m_viewportOrigin{0, 0};

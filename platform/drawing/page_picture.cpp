@@ -7,11 +7,11 @@
 
 namespace qel {
 
-int DrawPagePicture(CBitmap& picture, HDC printer, int dotsAnInch, const std::function<bool(CDC&)>& draw) {
+int DrawPagePicture(CBitmap& picture, HDC printer, int dotsPerInch, const std::function<bool(CDC&)>& draw) {
     picture.DeleteObject();
-    if (dotsAnInch < 1 || dotsAnInch > PageSetup::kFinestResolution) return 0;
+    if (dotsPerInch < 1 || dotsPerInch > PageSetup::kFinestResolution) return 0;
     const auto pixels = [&](int length, int resolution) {
-        return MulDiv(GetDeviceCaps(printer, length), dotsAnInch, std::max(1, GetDeviceCaps(printer, resolution)));
+        return MulDiv(GetDeviceCaps(printer, length), dotsPerInch, std::max(1, GetDeviceCaps(printer, resolution)));
     };
     const CSize size(pixels(PHYSICALWIDTH, LOGPIXELSX), pixels(PHYSICALHEIGHT, LOGPIXELSY));
     CDC screen;
@@ -23,7 +23,7 @@ int DrawPagePicture(CBitmap& picture, HDC printer, int dotsAnInch, const std::fu
     preview.SetOutputDC(screen);
     preview.SetAttribDC(printer);
     preview.SetTopLeftOffset({pixels(PHYSICALOFFSETX, LOGPIXELSX), pixels(PHYSICALOFFSETY, LOGPIXELSY)});
-    preview.SetScaleRatio(dotsAnInch, screen.GetDeviceCaps(LOGPIXELSX));
+    preview.SetScaleRatio(dotsPerInch, screen.GetDeviceCaps(LOGPIXELSX));
     const bool isDrawn = draw(preview);
     screen.SelectObject(before);
     return isDrawn;

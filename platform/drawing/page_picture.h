@@ -15,10 +15,10 @@ namespace qel {
 /// @param picture takes the new bitmap in place of what it had
 /// @param printer the context that the page is laid out for, of a printer or a file. It tells the size of the sheet and
 ///   where its drawable area begins, and no page is begun on it.
-/// @param dotsAnInch of the picture, 1 to 9600; sides are rounded to whole pixels
+/// @param dotsPerInch of the picture, 1 to 9600; sides are rounded to whole pixels
 /// @param draw draws the page in the device units of @p printer, and answers whether it could
 /// @return 1, or what is drawn so far and 0 when @p draw answers false. 0 and no bitmap for a bad handle, a context
 ///   without a sheet (a screen's), a resolution that is none, and a side outside 1 to 32767 pixels; also without memory
-QELLIB10_API int DrawPagePicture(CBitmap& picture, HDC printer, int dotsAnInch, const std::function<bool(CDC&)>& draw);
+QELLIB10_API int DrawPagePicture(CBitmap& picture, HDC printer, int dotsPerInch, const std::function<bool(CDC&)>& draw);
 
 }  // namespace qel

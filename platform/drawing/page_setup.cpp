@@ -6,19 +6,19 @@
 namespace qel {
 namespace {
 
-constexpr int kHundredthsAnInch = 2540;
+constexpr int kHundredthsPerInch = 2540;
 
 }  // namespace
 
 CSize PageSetup::SheetDots() const noexcept {
-    return {MulDiv(sheet.cx, dotsAnInch.cx, kHundredthsAnInch), MulDiv(sheet.cy, dotsAnInch.cy, kHundredthsAnInch)};
+    return {MulDiv(sheet.cx, dotsPerInch.cx, kHundredthsPerInch), MulDiv(sheet.cy, dotsPerInch.cy, kHundredthsPerInch)};
 }
 
 CRect PageSetup::MarginDots() const noexcept {
-    return {MulDiv(margins.left, dotsAnInch.cx, kHundredthsAnInch),
-            MulDiv(margins.top, dotsAnInch.cy, kHundredthsAnInch),
-            MulDiv(margins.right, dotsAnInch.cx, kHundredthsAnInch),
-            MulDiv(margins.bottom, dotsAnInch.cy, kHundredthsAnInch)};
+    return {MulDiv(margins.left, dotsPerInch.cx, kHundredthsPerInch),
+            MulDiv(margins.top, dotsPerInch.cy, kHundredthsPerInch),
+            MulDiv(margins.right, dotsPerInch.cx, kHundredthsPerInch),
+            MulDiv(margins.bottom, dotsPerInch.cy, kHundredthsPerInch)};
 }
 
 CSize PageSetup::DrawableDots() const noexcept {
@@ -34,7 +34,7 @@ bool PageSetup::IsDrawable() const noexcept {
     const auto isSide = [](LONG side) { return side > 0 && side <= kLongestSide; };
     const auto isResolution = [](LONG dots) { return dots > 0 && dots <= kFinestResolution; };
     const CSize drawable = DrawableDots();
-    return isSide(sheet.cx) && isSide(sheet.cy) && isResolution(dotsAnInch.cx) && isResolution(dotsAnInch.cy) &&
+    return isSide(sheet.cx) && isSide(sheet.cy) && isResolution(dotsPerInch.cx) && isResolution(dotsPerInch.cy) &&
            std::min({margins.left, margins.top, margins.right, margins.bottom}) >= 0 && drawable.cx > 0 &&
            drawable.cy > 0;
 }

@@ -11,7 +11,7 @@ struct QELLIB10_API PageSetup {
     static constexpr int kLongestSide = 1'000'000, kFinestResolution = 9600;
 
     SIZE sheet{21000, 29700};  ///< hundredths of a millimetre, as it is read (landscape: wider than high)
-    SIZE dotsAnInch{600, 600};
+    SIZE dotsPerInch{600, 600};
     RECT margins{0, 0, 0, 0};  ///< what the device cannot reach, hundredths of a millimetre from each edge
 
     /// The sheet and its margins in device units; the drawable area begins at the left and top margin.

@@ -10,7 +10,7 @@
 namespace qel {
 namespace {
 
-constexpr double kPointsAnInch = 72, kHundredthsAnInch = 2540;
+constexpr double kPointsPerInch = 72, kHundredthsPerInch = 2540;
 
 cairo_status_t Append(void* document, const unsigned char* bytes, unsigned int count) {
     const auto data = std::as_bytes(std::span(bytes, count));
@@ -38,8 +38,9 @@ void Describe(cairo_surface_t* surface, const CString& name, const PdfInfo& info
 struct PdfSurface::Document {
     Document(const CString& documentName, const PageSetup& page, const PdfInfo& info, UndatedPdf undated)
         : name(documentName), date(info, undated) {
-        surface = cairo_pdf_surface_create_for_stream(Append, &bytes, page.sheet.cx * kPointsAnInch / kHundredthsAnInch,
-                                                      page.sheet.cy * kPointsAnInch / kHundredthsAnInch);
+        surface =
+            cairo_pdf_surface_create_for_stream(Append, &bytes, page.sheet.cx * kPointsPerInch / kHundredthsPerInch,
+                                                page.sheet.cy * kPointsPerInch / kHundredthsPerInch);
         Describe(surface, name, info, date);
     }
     ~Document() {
@@ -81,9 +82,9 @@ int PdfSurface::DeviceCaps(int index) const {
         case PLANES:
             return 1;
         case LOGPIXELSX:
-            return m_page.dotsAnInch.cx;
+            return m_page.dotsPerInch.cx;
         case LOGPIXELSY:
-            return m_page.dotsAnInch.cy;
+            return m_page.dotsPerInch.cy;
         case PHYSICALWIDTH:
             return sheet.cx;
         case PHYSICALHEIGHT:
@@ -108,7 +109,7 @@ int PdfSurface::StartDoc(const CString& name) {
 int PdfSurface::StartPage() {
     if (!m_pDocument || m_pDocument->cairo != nullptr) return -1;
     cairo_t* const cairo = m_pDocument->cairo = cairo_create(m_pDocument->surface);
-    cairo_scale(cairo, kPointsAnInch / m_page.dotsAnInch.cx, kPointsAnInch / m_page.dotsAnInch.cy);
+    cairo_scale(cairo, kPointsPerInch / m_page.dotsPerInch.cx, kPointsPerInch / m_page.dotsPerInch.cy);
     const CRect margins = m_page.MarginDots();
     cairo_translate(cairo, margins.left, margins.top);
     return 1;

@@ -38,10 +38,10 @@ struct Content {
     std::vector<png_byte> bytes;     // rows one after another
 };
 
-Content ContentOf(const PixelBuffer& pixels, int dotsAnInch) {
+Content ContentOf(const PixelBuffer& pixels, int dotsPerInch) {
     Content content{static_cast<png_uint_32>(pixels.Width()),
                     static_cast<png_uint_32>(pixels.Height()),
-                    static_cast<png_uint_32>(std::lround(dotsAnInch / 0.0254)),
+                    static_cast<png_uint_32>(std::lround(dotsPerInch / 0.0254)),
                     {},
                     {}};
     const auto red = [](std::uint32_t color) { return static_cast<png_byte>(color >> 16); };
@@ -96,8 +96,8 @@ std::vector<std::byte> Encoded(const Content& content) {
 
 }  // namespace
 
-std::vector<std::byte> EncodePng(const PixelBuffer& pixels, int dotsAnInch) {
-    return Encoded(ContentOf(pixels, dotsAnInch));
+std::vector<std::byte> EncodePng(const PixelBuffer& pixels, int dotsPerInch) {
+    return Encoded(ContentOf(pixels, dotsPerInch));
 }
 
 }  // namespace qel

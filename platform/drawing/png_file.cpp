@@ -9,12 +9,12 @@
 
 namespace qel {
 
-int SavePng(const CBitmap& bitmap, const char* path, int dotsAnInch) {
+int SavePng(const CBitmap& bitmap, const char* path, int dotsPerInch) {
     const auto object = FindObject<BitmapObject>(bitmap.GetSafeHandle());
-    if (!object || path == nullptr || dotsAnInch < 1 || dotsAnInch > PageSetup::kFinestResolution) return 0;
+    if (!object || path == nullptr || dotsPerInch < 1 || dotsPerInch > PageSetup::kFinestResolution) return 0;
     object->pixels->Settle();
     return AsResult([&] {
-        const std::vector<std::byte> file = EncodePng(*object->pixels, dotsAnInch);
+        const std::vector<std::byte> file = EncodePng(*object->pixels, dotsPerInch);
         Replacement target(path);
         WriteFully(target.File(), file, path);
         target.Commit();

@@ -5,10 +5,10 @@
 
 namespace qel {
 
-/// Writes a bitmap as a PNG picture (ISO/IEC 15948) of @p dotsAnInch (96: a screen), replacing the file as a whole:
+/// Writes a bitmap as a PNG picture (ISO/IEC 15948) of @p dotsPerInch (96: a screen), replacing the file as a whole:
 /// with a palette when it has at most 256 colours, else in 24 bits. The same pixels give the same bytes.
 /// @return 1; 0 when there is no bitmap, for a resolution outside 1 to 9600, and when the file cannot be written, which
 /// leaves the old file as it was
-QELLIB10_API int SavePng(const CBitmap& bitmap, const char* path, int dotsAnInch = 96);
+QELLIB10_API int SavePng(const CBitmap& bitmap, const char* path, int dotsPerInch = 96);
 
 }  // namespace qel

@@ -17,8 +17,8 @@ BOOL CFont::CreatePointFontIndirect(const LOGFONT* font, CDC* dc) {
     if (font == nullptr) return 0;
     LOGFONT inUnits = *font;
     const bool isScreen = dc == nullptr || dc->GetDeviceCaps(LOGPIXELSY) < 1;
-    const int dotsAnInch = isScreen ? qel::kScreenDotsAnInch : dc->GetDeviceCaps(LOGPIXELSY);
-    POINT size[] = {{0, MulDiv(dotsAnInch, font->lfHeight, 720)}, {0, 0}};
+    const int dotsPerInch = isScreen ? qel::kScreenDotsPerInch : dc->GetDeviceCaps(LOGPIXELSY);
+    POINT size[] = {{0, MulDiv(dotsPerInch, font->lfHeight, 720)}, {0, 0}};
     if (dc != nullptr) {
         dc->DPtoLP(size, 2);  // the origins fall out of the difference
     }

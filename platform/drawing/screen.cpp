@@ -5,32 +5,32 @@
 namespace qel {
 namespace {
 
-int Millimetres(int dots, int dotsAnInch) noexcept {
-    return dotsAnInch > 0 ? static_cast<int>(LONGLONG{dots} * 254 / (LONGLONG{dotsAnInch} * 10)) : 0;
+int Millimetres(int dots, int dotsPerInch) noexcept {
+    return dotsPerInch > 0 ? static_cast<int>(LONGLONG{dots} * 254 / (LONGLONG{dotsPerInch} * 10)) : 0;
 }
 
 }  // namespace
 
-int PictureCaps(int index, const SIZE& size, const SIZE& dotsAnInch, int bitsAPixel) noexcept {
+int PictureCaps(int index, const SIZE& size, const SIZE& dotsPerInch, int bitsPerPixel) noexcept {
     switch (index) {
         case TECHNOLOGY:
             return DT_RASDISPLAY;
         case HORZSIZE:
-            return Millimetres(size.cx, dotsAnInch.cx);
+            return Millimetres(size.cx, dotsPerInch.cx);
         case VERTSIZE:
-            return Millimetres(size.cy, dotsAnInch.cy);
+            return Millimetres(size.cy, dotsPerInch.cy);
         case HORZRES:
             return size.cx;
         case VERTRES:
             return size.cy;
         case BITSPIXEL:
-            return bitsAPixel;
+            return bitsPerPixel;
         case PLANES:
             return 1;
         case LOGPIXELSX:
-            return dotsAnInch.cx;
+            return dotsPerInch.cx;
         case LOGPIXELSY:
-            return dotsAnInch.cy;
+            return dotsPerInch.cy;
         default:
             return 0;
     }

@@ -62,12 +62,12 @@ std::string BoxAttributes(const CRect& box) {
 
 }  // namespace
 
-SvgSurface::SvgSurface(const CSize& size, int dotsAnInch, std::unique_ptr<DocumentSink> sink)
-    : m_size(size), m_nDotsAnInch(dotsAnInch), m_pSink(std::move(sink)) {}
+SvgSurface::SvgSurface(const CSize& size, int dotsPerInch, std::unique_ptr<DocumentSink> sink)
+    : m_size(size), m_nDotsPerInch(dotsPerInch), m_pSink(std::move(sink)) {}
 
 SvgSurface::~SvgSurface() = default;
 
-int SvgSurface::DeviceCaps(int index) const { return PictureCaps(index, m_size, {m_nDotsAnInch, m_nDotsAnInch}, 24); }
+int SvgSurface::DeviceCaps(int index) const { return PictureCaps(index, m_size, {m_nDotsPerInch, m_nDotsPerInch}, 24); }
 
 // Adds an element to the page, clipped to the ink's clip and the box.
 void SvgSurface::Element(std::string_view nameAndAttributes, std::string_view content, const CRect* box) {
@@ -97,7 +97,7 @@ std::string SvgSurface::ClipReference(const CRect* box) {
 }
 
 std::string SvgSurface::HatchReference(const LOGBRUSH& brush) {
-    const double scale = ScreenPixelLength(m_nDotsAnInch);
+    const double scale = ScreenPixelLength(m_nDotsPerInch);
     std::string pattern =
         Formatted(" width=\"%g\" height=\"%g\" patternUnits=\"userSpaceOnUse\"><g transform=\"scale(%g)\">",
                   kHatchCell * scale, kHatchCell * scale, scale);
@@ -129,7 +129,7 @@ void SvgSurface::Stroke(const std::string& name, const std::string& geometry) {
         if (m_ink.isOpaque) Element(name + StrokeAttributes(m_ink.backColor) + geometry);
         pen += " stroke-dasharray=\"";
         for (const int length : DashLengths(m_ink.penStyle)) {
-            pen += Formatted("%g ", length * ScreenPixelLength(m_nDotsAnInch));
+            pen += Formatted("%g ", length * ScreenPixelLength(m_nDotsPerInch));
         }
         pen.back() = '"';
     }
@@ -242,7 +242,7 @@ void SvgSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, cons
         const std::uint32_t* const row = pixels.Row(source.top + y) + source.left;
         std::copy(row, row + source.Width(), part->Row(y));
     }
-    const std::vector<std::byte> png = EncodePng(*part, m_nDotsAnInch);
+    const std::vector<std::byte> png = EncodePng(*part, m_nDotsPerInch);
     const std::unique_ptr<gchar, decltype(&g_free)> text(
         g_base64_encode(reinterpret_cast<const guchar*>(png.data()), png.size()), &g_free);
     Element("image " + BoxAttributes(CRect(to, source.Size())) + " href=\"data:image/png;base64," + text.get() + "\"");
@@ -284,7 +284,7 @@ int SvgSurface::AbortDoc() { return std::exchange(m_stage, Stage::kNone) != Stag
 std::string SvgSurface::Whole() const {
     return Formatted(
                "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%gin\" height=\"%gin\" viewBox=\"0 0 %d %d\">\n",
-               double(m_size.cx) / m_nDotsAnInch, double(m_size.cy) / m_nDotsAnInch, m_size.cx, m_size.cy) +
+               double(m_size.cx) / m_nDotsPerInch, double(m_size.cy) / m_nDotsPerInch, m_size.cx, m_size.cy) +
            "<title>" + Escaped(ToUtf8(m_szName.View())) + "</title>\n<defs>\n" + m_definitions + "</defs>\n" + m_body +
            "</svg>\n";
 }

@@ -14,7 +14,7 @@ namespace qel {
 /// A picture as SVG 1.1, whose texts stay texts. The document has one page; the same drawing gives the same bytes.
 class SvgSurface : public Surface {
 public:
-    SvgSurface(const CSize& size, int dotsAnInch, std::unique_ptr<DocumentSink> sink);
+    SvgSurface(const CSize& size, int dotsPerInch, std::unique_ptr<DocumentSink> sink);
     ~SvgSurface() override;
 
     int DeviceCaps(int index) const override;
@@ -47,7 +47,7 @@ private:
     std::string Whole() const;
 
     CSize m_size;
-    int m_nDotsAnInch;
+    int m_nDotsPerInch;
     std::unique_ptr<DocumentSink> m_pSink;
     Stage m_stage = Stage::kNone;
     CString m_szName;

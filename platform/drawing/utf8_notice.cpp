@@ -26,8 +26,8 @@ bool HasFormOfUtf8(std::string_view text) {
 
 // The first characters, on one line: a whole report would bury what is said of it.
 std::string Sample(std::string_view text) {
-    constexpr std::size_t kMostBytes = 60;
-    std::size_t end = std::min(text.size(), kMostBytes);
+    constexpr std::size_t kMaxBytes = 60;
+    std::size_t end = std::min(text.size(), kMaxBytes);
     while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
         --end;  // not within a character
     std::string sample(text.substr(0, end));

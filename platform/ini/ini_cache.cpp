@@ -25,8 +25,8 @@ namespace {
 
 using Nanoseconds = std::chrono::nanoseconds;
 
-constexpr std::size_t kMostFiles = 16;
-constexpr std::size_t kMostMemory = 8 << 20;
+constexpr std::size_t kMaxFiles = 16;
+constexpr std::size_t kMaxMemory = 8 << 20;
 
 // Times of files advance by the system's timer tick, on old file systems by two seconds, and then have no fraction.
 // Two changes within one step look like one: until it has passed, equal times prove nothing.
@@ -91,7 +91,7 @@ public:
         if (const auto old = Position(file.path); old != m_files.end()) Drop(old);
         m_memory += file.index->Cost();
         m_files.push_front(std::move(file));
-        while (m_files.size() > kMostFiles || m_memory > kMostMemory) Drop(std::prev(m_files.end()));
+        while (m_files.size() > kMaxFiles || m_memory > kMaxMemory) Drop(std::prev(m_files.end()));
     }
 
     void Forget(const std::string& path) {

@@ -10,7 +10,7 @@ namespace {
 using Kind = IniLine::Kind;
 
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kNeverInLines{"\r\n\0", 3};
+constexpr std::string_view kForbiddenInLines{"\r\n\0", 3};
 
 // The lines of the first section of a name; no header: there is no such section.
 struct Section {
@@ -40,7 +40,7 @@ Section Locate(std::string_view bytes, std::string_view name, std::string_view k
 
 // The only line of @p text, which a file could hold as it is, but not as its first line.
 std::optional<IniLine> OnlyLine(std::string_view text) {
-    if (text.find_first_of(kNeverInLines) != std::string_view::npos) return std::nullopt;
+    if (text.find_first_of(kForbiddenInLines) != std::string_view::npos) return std::nullopt;
     return IniLines(text, 0).Next();
 }
 

@@ -41,9 +41,9 @@ Medium MediumOf(const cups_size_t& size) {
 }
 
 // Asks one queue; all of it needs the same three handles.
-class Questions {
+class QueueQuery {
 public:
-    Questions(const CupsSession& session, cups_dest_t* queue, cups_dinfo_t* info)
+    QueueQuery(const CupsSession& session, cups_dest_t* queue, cups_dinfo_t* info)
         : m_pHttp(session.Http()), m_pQueue(queue), m_pInfo(info) {}
 
     std::vector<Medium> Media(const SIZE& custom) const {
@@ -69,7 +69,7 @@ public:
         return {Number(size, "x-dimension"), Number(size, "y-dimension")};
     }
 
-    SIZE DotsAnInch() const {
+    SIZE DotsPerInch() const {
         ipp_attribute_t* attribute = Default("printer-resolution");
         if (attribute == nullptr) {
             attribute = ::cupsFindDestSupported(m_pHttp, m_pQueue, m_pInfo, "printer-resolution");
@@ -77,11 +77,11 @@ public:
         int down = 0;
         ipp_res_t units = IPP_RES_PER_INCH;
         const int across = ::ippGetResolution(attribute, 0, &down, &units);
-        const auto anInch = [&](int dots) {
-            if (dots < 1 || dots > kFinestResolution) return Printer().dotsAnInch.cx;
+        const auto perInch = [&](int dots) {
+            if (dots < 1 || dots > kFinestResolution) return Printer().dotsPerInch.cx;
             return units == IPP_RES_PER_CM ? MulDiv(dots, 254, 100) : dots;
         };
-        return {anInch(across), anInch(down)};
+        return {perInch(across), perInch(down)};
     }
 
 private:
@@ -123,12 +123,12 @@ std::optional<Printer> FindCupsPrinter(const CString& name, const SIZE& custom) 
     cups_dest_t* const queue = session.Find(name);
     const CupsInfo info = session.InfoOf(queue);
     if (!info) return std::nullopt;
-    const Questions ask(session, queue, info.get());
+    const QueueQuery query(session, queue, info.get());
     Printer printer;
     printer.entry = EntryOf(*queue);
-    printer.dotsAnInch = ask.DotsAnInch();
-    printer.media = ask.Media(custom);
-    const SIZE size = ask.DefaultSize();
+    printer.dotsPerInch = query.DotsPerInch();
+    printer.media = query.Media(custom);
+    const SIZE size = query.DefaultSize();
     if (const Medium* const medium = FindMedium(printer.media, size)) {
         printer.defaultMedium = *medium;
     } else if (!printer.media.empty()) {

@@ -20,13 +20,13 @@ constexpr double kStep = 0.25;  // seconds between two looks at the time
 constexpr int kConnectMilliseconds = 1500;
 constexpr double kTransferSeconds = 10;
 
-int GiveUp(http_t*, void*) { return 0; }
+int OnTransferTimeout(http_t*, void*) { return 0; }
 
 }  // namespace
 
 void CupsInfoDeleter::operator()(cups_dinfo_t* info) const noexcept { ::cupsFreeDestInfo(info); }
 
-int CupsSession::GoesOn(http_t*, void* session) {
+int CupsSession::HasTimeLeft(http_t*, void* session) {
     return steady_clock::now() < static_cast<CupsSession*>(session)->m_deadline;
 }
 
@@ -35,7 +35,7 @@ CupsSession::CupsSession()
       m_pHttp(::httpConnect2(::cupsServer(), ::ippPort(), nullptr, AF_UNSPEC, ::cupsEncryption(), 1,
                              kConnectMilliseconds, nullptr)) {
     if (m_pHttp == nullptr) return;
-    ::httpSetTimeout(m_pHttp, kStep, GoesOn, this);
+    ::httpSetTimeout(m_pHttp, kStep, HasTimeLeft, this);
     cups_dest_t* queues = nullptr;
     const int count = ::cupsGetDests2(m_pHttp, &queues);
     m_queues = {queues, static_cast<std::size_t>(std::max(count, 0))};
@@ -62,7 +62,7 @@ CupsInfo CupsSession::InfoOf(cups_dest_t* queue) const {
     return CupsInfo(queue != nullptr ? ::cupsCopyDestInfo(m_pHttp, queue) : nullptr);
 }
 
-void CupsSession::BeginTransfer() { ::httpSetTimeout(m_pHttp, kTransferSeconds, GiveUp, nullptr); }
+void CupsSession::BeginTransfer() { ::httpSetTimeout(m_pHttp, kTransferSeconds, OnTransferTimeout, nullptr); }
 
 CString NameOfQueue(const cups_dest_t& queue) {
     std::string name = queue.name;

@@ -37,7 +37,7 @@ public:
     void BeginTransfer();
 
 private:
-    static int GoesOn(http_t* http, void* session);
+    static int HasTimeLeft(http_t* http, void* session);
 
     std::chrono::steady_clock::time_point m_deadline;
     http_t* m_pHttp;

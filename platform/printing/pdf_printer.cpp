@@ -21,7 +21,7 @@
 namespace qel {
 namespace {
 
-constexpr int kMostOfOneName = 100'000;
+constexpr int kMaxOfOneName = 100'000;
 
 // The folder by the environment, else the user's documents; empty where there is no home folder.
 std::string Folder() {
@@ -82,7 +82,7 @@ public:
                    NewFile file(m_folder);
                    file.Write(bytes);
                    const std::string stem = m_folder + "/" + FileNameOf(ToUtf8(name.View()));
-                   for (int number = 1; number < kMostOfOneName; ++number) {
+                   for (int number = 1; number < kMaxOfOneName; ++number) {
                        const std::string suffix = number == 1 ? "" : " (" + std::to_string(number) + ")";
                        if (file.Name(stem + suffix + ".pdf")) return 1;
                    }

@@ -20,8 +20,8 @@ DEVMODE Printer::OwnMode() const {
     mode.dmPaperWidth = mode.dmPaperLength = 0;
     mode.dmOrientation = DMORIENT_PORTRAIT;
     mode.dmCopies = 1;
-    mode.dmPrintQuality = static_cast<short>(dotsAnInch.cx);
-    mode.dmYResolution = static_cast<short>(dotsAnInch.cy);
+    mode.dmPrintQuality = static_cast<short>(dotsPerInch.cx);
+    mode.dmYResolution = static_cast<short>(dotsPerInch.cy);
     return mode;
 }
 

@@ -25,7 +25,7 @@ struct PrinterEntry {
 /// A printer and what it can do.
 struct Printer {
     PrinterEntry entry;
-    SIZE dotsAnInch{600, 600};
+    SIZE dotsPerInch{600, 600};
     std::vector<Medium> media;
     Medium defaultMedium{"iso_a4_210x297mm", {21000, 29700}};  ///< also of one that does not tell
 

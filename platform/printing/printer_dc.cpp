@@ -47,11 +47,11 @@ Sheet SheetFor(const Printer& printer, const DEVMODE& mode) {
 }
 
 // A page that lies across the medium has its left edge where the medium's top is.
-PageSetup PageOn(const Sheet& sheet, const SIZE& dotsAnInch) {
+PageSetup PageOn(const Sheet& sheet, const SIZE& dotsPerInch) {
     const SIZE size = sheet.medium.size;
     const RECT edges = sheet.medium.margins;
-    if (!sheet.isTurned) return {size, dotsAnInch, edges};
-    return {{size.cy, size.cx}, dotsAnInch, {edges.top, edges.right, edges.bottom, edges.left}};
+    if (!sheet.isTurned) return {size, dotsPerInch, edges};
+    return {{size.cy, size.cx}, dotsPerInch, {edges.top, edges.right, edges.bottom, edges.left}};
 }
 
 SIZE ResolutionFor(const Printer& printer, const DEVMODE& mode) {
@@ -60,7 +60,7 @@ SIZE ResolutionFor(const Printer& printer, const DEVMODE& mode) {
     const auto usable = [](int wanted, int own) {
         return wanted > 0 && wanted <= PageSetup::kFinestResolution ? wanted : own;
     };
-    return {usable(across, usable(down, printer.dotsAnInch.cx)), usable(down, usable(across, printer.dotsAnInch.cy))};
+    return {usable(across, usable(down, printer.dotsPerInch.cx)), usable(down, usable(across, printer.dotsPerInch.cy))};
 }
 
 }  // namespace

@@ -56,13 +56,13 @@ Database::Database(const std::string& posixPath, bool create, DatabaseWait wait)
         ::sqlite3_open_v2(posixPath.c_str(), &database, flags | (create ? SQLITE_OPEN_CREATE : 0), nullptr);
     m_database.reset(database);  // also after a failure
     if (result != SQLITE_OK) Throw(result);
-    ::sqlite3_busy_handler(database, MayTryAgain, this);
+    ::sqlite3_busy_handler(database, OnBusy, this);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     Run(kSettings);
 }
 
 // SQLite is written in C: nothing may be thrown through it. Without memory to wait with the database is busy.
-int Database::MayTryAgain(void* self, int) noexcept {
+int Database::OnBusy(void* self, int) noexcept {
     try {
         return static_cast<Database*>(self)->m_wait() ? 1 : 0;
     } catch (const std::bad_alloc&) {

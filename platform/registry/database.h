@@ -52,7 +52,7 @@ private:
         void operator()(sqlite3* database) const;
     };
 
-    static int MayTryAgain(void* self, int) noexcept;
+    static int OnBusy(void* self, int) noexcept;
 
     DatabaseWait m_wait;
     std::unique_ptr<sqlite3, Closer> m_database;

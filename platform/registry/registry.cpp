@@ -23,7 +23,7 @@ template <std::invocable Body> LONG AsCode(Body&& body) {
 std::string_view View(const char* text) { return text != nullptr ? text : ""; }
 
 RegistryValue Kept(const RegistryValue& value) {
-    if (value.data.size() > kMostRegistryData) throw RegistryError(kRegistryInvalidParameter);
+    if (value.data.size() > kMaxRegistryData) throw RegistryError(kRegistryInvalidParameter);
     return IsRegistryText(value.type) ? RegistryValue{value.type, ToUtf8(value.data)} : value;
 }
 

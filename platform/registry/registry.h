@@ -53,7 +53,7 @@ namespace qel {
 constexpr bool IsRegistryText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
 /// Bytes that a value holds at most.
-inline constexpr std::size_t kMostRegistryData = 1 << 20;
+inline constexpr std::size_t kMaxRegistryData = 1 << 20;
 
 /// What registry operations answer: the platform's error numbers.
 enum RegistryCode : LONG {

@@ -64,7 +64,7 @@ RegistryPath::RegistryPath(std::string_view path) : m_text(Converted(path)) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find('\\', at), text.size());
         if (end > at) m_names.push_back({at, end - at});
-        if (m_names.size() > kMostNames || Length(text.substr(at, end - at)) > kLongestKeyName) {
+        if (m_names.size() > kMaxNames || Length(text.substr(at, end - at)) > kLongestKeyName) {
             throw RegistryError(kRegistryInvalidParameter);
         }
         at = end + 1;

@@ -19,7 +19,7 @@ struct RegistryName {
 /// The names of a path, checked.
 class RegistryPath {
 public:
-    static constexpr std::size_t kMostNames = 512;
+    static constexpr std::size_t kMaxNames = 512;
 
     /// @param path in the code page @throws RegistryError
     explicit RegistryPath(std::string_view path);

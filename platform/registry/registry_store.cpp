@@ -19,11 +19,11 @@ std::string FolderOf(const std::string& path) { return std::filesystem::path(pat
 
 }  // namespace
 
-RegistryStore::RegistryStore(RegistryRoot root, void (*leaveBehind)())
-    : m_lock(leaveBehind), m_root(root), m_keys(root), m_patience(kPatience, kLongestSleep) {}
+RegistryStore::RegistryStore(RegistryRoot root, void (*abandonInChild)())
+    : m_lock(abandonInChild), m_root(root), m_keys(root), m_patience(kPatience, kLongestSleep) {}
 
 template <RegistryRoot kRoot> RegistryStore& RegistryStore::One() {
-    static RegistryStore& store = *new RegistryStore(kRoot, [] { One<kRoot>().LeaveBehind(); });
+    static RegistryStore& store = *new RegistryStore(kRoot, [] { One<kRoot>().AbandonInChild(); });
     return store;
 }
 
@@ -63,7 +63,7 @@ void RegistryStore::CloseKey(HKEY handle) {
 }
 
 // In a forked child. The connection is the parent's: even closing it would undo what the parent is about to write.
-void RegistryStore::LeaveBehind() {
+void RegistryStore::AbandonInChild() {
     static auto& left = *new std::vector<RegistryTree*>;
     if (m_tree) left.push_back(m_tree.release());
     m_turn.reset();  // closes a copy: the parent stays in line

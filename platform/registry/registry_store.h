@@ -31,10 +31,10 @@ public:
     class Writing;
 
 private:
-    RegistryStore(RegistryRoot root, void (*leaveBehind)());
+    RegistryStore(RegistryRoot root, void (*abandonInChild)());
 
     template <RegistryRoot kRoot> static RegistryStore& One();
-    void LeaveBehind();
+    void AbandonInChild();
 
     // Which file a name means.
     struct FileId {

@@ -195,7 +195,7 @@ bool RegistryTree::IsWithin(RegistryKeyId key, RegistryKeyId above) {
     for (std::size_t level = 0; key != above; ++level) {
         Query query(m_database, m_parent);
         const bool hasParent = query.Bind(key).Step() && query.Number(0) != 0;
-        if (!hasParent || level > RegistryPath::kMostNames) return false;
+        if (!hasParent || level > RegistryPath::kMaxNames) return false;
         key = query.Number(0);
     }
     return true;

@@ -13,7 +13,7 @@ constexpr std::size_t kCheckAt = 2;
 constexpr std::size_t kCheckSize = 16;
 constexpr std::size_t kBodyAt = kCheckAt + kCheckSize + 1;
 
-bool StandsAsItIs(char c) {
+bool NeedsNoEscape(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' || c == '.' ||
            c == '_' || c == '-';
 }
@@ -21,7 +21,7 @@ bool StandsAsItIs(char c) {
 std::string Escaped(std::string_view path) {
     std::string text;
     for (const char c : path) {
-        if (StandsAsItIs(c)) {
+        if (NeedsNoEscape(c)) {
             text += c;
             continue;
         }

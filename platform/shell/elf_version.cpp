@@ -13,10 +13,10 @@ namespace {
 constexpr std::size_t kHeaderSize = 64;
 constexpr std::size_t kClassAt = 4, kOrderAt = 5, kSegmentsAt = 32, kSegmentSizeAt = 54, kSegmentCountAt = 56;
 constexpr std::byte kClass64{2}, kLittleEndian{1};
-constexpr std::uint32_t kSegmentSize = 56, kMostSegments = 1024;
+constexpr std::uint32_t kSegmentSize = 56, kMaxSegments = 1024;
 constexpr std::size_t kTypeAt = 0, kOffsetAt = 8, kFileSizeAt = 32;  // in a segment's header
 constexpr std::uint32_t kNoteSegment = 4;
-constexpr std::uint64_t kMostNotes = 64 * 1024;  // bytes of all; far above what linkers make
+constexpr std::uint64_t kMaxNotes = 64 * 1024;  // bytes of all; far above what linkers make
 
 constexpr std::size_t kNoteHeaderSize = 12;
 constexpr std::uint32_t kOurType = 1;
@@ -66,11 +66,11 @@ std::optional<std::string> TextOfElfNotes(const FileBytes& file, std::string_vie
     if (header[kClassAt] != kClass64 || header[kOrderAt] != kLittleEndian) return std::nullopt;
     const std::uint32_t count = NumberAt<std::uint16_t>(header, kSegmentCountAt);
     if (count == 0) return std::nullopt;
-    if (count > kMostSegments || NumberAt<std::uint16_t>(header, kSegmentSizeAt) != kSegmentSize) {
+    if (count > kMaxSegments || NumberAt<std::uint16_t>(header, kSegmentSizeAt) != kSegmentSize) {
         throw DataError("no table of segments");
     }
     const auto segments = file.At(NumberAt<std::uint64_t>(header, kSegmentsAt), count * kSegmentSize);
-    std::uint64_t left = kMostNotes;  // segments of a forged file may all hold the same bytes
+    std::uint64_t left = kMaxNotes;  // segments of a forged file may all hold the same bytes
     for (std::size_t at = 0; at < segments.size(); at += kSegmentSize) {
         const auto size = NumberAt<std::uint64_t>(segments, at + kFileSizeAt);
         if (NumberAt<std::uint32_t>(segments, at + kTypeAt) != kNoteSegment || size > left) continue;

@@ -15,7 +15,7 @@ constexpr std::size_t kSectionCountAt = 6, kOptionalSizeAt = 20;
 constexpr std::uint16_t kMagic32 = 0x10B, kMagic64 = 0x20B;
 constexpr std::size_t kDirectoryCountAt32 = 92, kDirectoryCountAt64 = 108;  // from the optional header
 constexpr std::uint32_t kResourceDirectory = 2, kDirectorySize = 8;
-constexpr std::uint16_t kMostSections = 96;
+constexpr std::uint16_t kMaxSections = 96;
 constexpr std::uint32_t kSectionSize = 40;
 constexpr std::size_t kSectionAddressAt = 12, kSectionSizeAt = 16, kSectionOffsetAt = 20;
 
@@ -44,7 +44,7 @@ PeHeaders::PeHeaders(const FileBytes& file) {
     const std::vector<std::byte> header = file.At(start, kFileHeaderSize);
     if (NumberAt<std::uint32_t>(header, 0) != kPeSignature) throw DataError("no PE signature");
     const auto sections = NumberAt<std::uint16_t>(header, kSectionCountAt);
-    if (sections > kMostSections) throw DataError("too many sections");
+    if (sections > kMaxSections) throw DataError("too many sections");
 
     const std::uint64_t optional = start + kFileHeaderSize;
     const auto magic = file.Number<std::uint16_t>(optional);

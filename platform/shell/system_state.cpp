@@ -87,7 +87,7 @@ bool IsDialUpConnected(const std::string& interfaces) {
 
 bool IsAdministrator() { return ::geteuid() == 0; }
 
-bool Succeeds(const std::vector<std::string>& command) {
+bool RunCommand(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
     for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
     arguments.push_back(nullptr);

@@ -29,6 +29,6 @@ bool IsDialUpConnected(const std::string& interfaces = "/sys/class/net");
 bool IsAdministrator();
 
 /// Runs the program, looked for in PATH, and waits for its end. @return whether it was found and ended with 0
-bool Succeeds(const std::vector<std::string>& command);
+bool RunCommand(const std::vector<std::string>& command);
 
 }  // namespace qel

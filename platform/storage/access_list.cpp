@@ -76,7 +76,8 @@ unsigned AccessList::LimitGroupAndOthers(unsigned mode) {
 }
 
 int AccessList::GiveTo(int file) const {
-    if (IsEmpty() && ::fgetxattr(file, kName, nullptr, 0) < 0) return errno == ENODATA || MayNot(errno) ? 0 : errno;
+    if (IsEmpty() && ::fgetxattr(file, kName, nullptr, 0) < 0)
+        return errno == ENODATA || IsNotAllowed(errno) ? 0 : errno;
     const int given =
         IsEmpty() ? ::fremovexattr(file, kName) : ::fsetxattr(file, kName, m_bytes.data(), m_bytes.size(), 0);
     return given == 0 ? 0 : errno;

@@ -20,9 +20,9 @@ namespace {
 constexpr mode_t kAllRights = 0777, kGroupAndOthers = 077, kSticky = S_ISVTX;
 
 // @return false when the caller may not
-bool Own(int file, uid_t user, gid_t group, std::string_view name) {
+bool ChangeOwner(int file, uid_t user, gid_t group, std::string_view name) {
     if (::fchown(file, user, group) == 0) return true;
-    if (!MayNot(errno)) ThrowErrno(errno, name);
+    if (!IsNotAllowed(errno)) ThrowErrno(errno, name);
     return false;
 }
 
@@ -45,14 +45,14 @@ void GiveAccessRights(int file, const struct stat& old, const FileAttributes& at
     struct stat own = {};
     if (::fstat(file, &own) != 0) ThrowErrno(errno, name);
     const bool hasGroup = own.st_gid == old.st_gid;
-    const bool keepsOwner = (hasGroup && own.st_uid == old.st_uid) || Own(file, old.st_uid, old.st_gid, name);
-    const bool keepsGroup = keepsOwner || hasGroup || Own(file, kAsItIs, old.st_gid, name);
+    const bool keepsOwner = (hasGroup && own.st_uid == old.st_uid) || ChangeOwner(file, old.st_uid, old.st_gid, name);
+    const bool keepsGroup = keepsOwner || hasGroup || ChangeOwner(file, kAsItIs, old.st_gid, name);
 
     AccessList list(attributes);
     mode_t mode = KeptOf(old.st_mode, keepsOwner, content);
     if (!keepsGroup) mode = list.LimitGroupAndOthers(mode);
     if (const int error = list.GiveTo(file)) {
-        if (!MayNot(error)) ThrowErrno(error, name);
+        if (!IsNotAllowed(error)) ThrowErrno(error, name);
         // One that the folder has given stays, and lets nobody in as long as the group's bits are none.
         const unsigned bits = list.IsEmpty() ? mode & 07 : list.WithoutNames(mode);
         mode = (mode & ~kGroupAndOthers) | bits;
@@ -65,7 +65,7 @@ void GiveAttributes(int file, const FileAttributes& from, Content content, std::
         if (!IsKept(attribute, content)) continue;
         const std::optional<std::vector<std::byte>> value = from.Get(attribute);
         if (!value || ::fsetxattr(file, attribute.c_str(), value->data(), value->size(), 0) == 0) continue;
-        if (!MayNot(errno) && errno != E2BIG && errno != ERANGE) ThrowErrno(errno, name);
+        if (!IsNotAllowed(errno) && errno != E2BIG && errno != ERANGE) ThrowErrno(errno, name);
     }
 }
 

@@ -40,7 +40,7 @@ template <class Call> void WriteAll(std::span<const std::byte> bytes, std::strin
 }
 
 // Errors of a way of copying that another way may not have.
-bool TryAnotherWay(int error) {
+bool NeedsOtherWay(int error) {
     return error == EXDEV || error == EOPNOTSUPP || error == EINVAL || error == ENOSYS || error == EBADF ||
            error == EPERM || error == ETXTBSY;
 }
@@ -56,13 +56,14 @@ bool ShareBlocks(const Descriptor& from, const Descriptor& to, std::uint64_t cou
 // @return bytes copied before the end, or before the kernel had to give up
 std::uint64_t CopyInKernel(const Descriptor& from, off_t fromOffset, const Descriptor& to, off_t toOffset,
                            std::uint64_t count, std::string_view toName) {
-    constexpr std::uint64_t kAtOnce = 1 << 30;
+    constexpr std::uint64_t kMaxChunk = 1 << 30;
     std::uint64_t done = 0;
     while (done < count) {
         const ssize_t copied = Uninterrupted([&] {
-            return ::copy_file_range(from.Get(), &fromOffset, to.Get(), &toOffset, std::min(count - done, kAtOnce), 0);
+            return ::copy_file_range(from.Get(), &fromOffset, to.Get(), &toOffset, std::min(count - done, kMaxChunk),
+                                     0);
         });
-        if (copied < 0 && !TryAnotherWay(errno)) ThrowWriteErrno(errno, toName);
+        if (copied < 0 && !NeedsOtherWay(errno)) ThrowWriteErrno(errno, toName);
         if (copied <= 0) break;
         done += static_cast<std::uint64_t>(copied);
     }

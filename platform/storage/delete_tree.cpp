@@ -68,7 +68,7 @@ private:
 
     void DeleteFile(const Descriptor& folder, const std::string& name, const Status& status) const {
         if (S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0) ThrowCode(kAccessDenied, m_name);
-        const UnusedFile held("/proc/self/fd/" + std::to_string(folder.Get()) + '/' + name, m_name);
+        const ExclusiveHold held("/proc/self/fd/" + std::to_string(folder.Get()) + '/' + name, m_name);
         if (::unlinkat(folder.Get(), name.c_str(), 0) != 0) CheckGone();
     }
 

@@ -21,14 +21,14 @@ template <class Byte, class Read> std::optional<std::vector<Byte>> ReadWhole(con
             bytes.resize(static_cast<std::size_t>(got));
             return bytes;
         }
-        if (errno == ENODATA || MayNot(errno)) return std::nullopt;
+        if (errno == ENODATA || IsNotAllowed(errno)) return std::nullopt;
         if (errno != ERANGE) ThrowErrno(errno, name);
     }
 }
 
 }  // namespace
 
-bool MayNot(int error) { return error == EPERM || error == EACCES || error == EINVAL || error == EOPNOTSUPP; }
+bool IsNotAllowed(int error) { return error == EPERM || error == EACCES || error == EINVAL || error == EOPNOTSUPP; }
 
 std::optional<std::vector<std::byte>> FileAttributes::Get(const std::string& attribute) const {
     const auto read = [&](std::byte* bytes, std::size_t size) {

@@ -29,6 +29,6 @@ private:
 };
 
 /// Whether @p error says that the caller, or the file system, cannot do what was asked, and not that it has failed.
-bool MayNot(int error);
+bool IsNotAllowed(int error);
 
 }  // namespace qel

@@ -95,12 +95,12 @@ void CopyInPlace(const Source& source, std::string_view target) {
 
 // @return 0 or the errno of the system: EXDEV also for a temporary file, which is not to keep its rights
 int RenameUnused(const std::string& from, std::string_view sourceName, const Status& status, const std::string& to) {
-    const UnusedFile held(from, sourceName);
+    const ExclusiveHold held(from, sourceName);
     return IsTemporaryFile(sourceName, status) ? EXDEV : RenameNew(from, to);
 }
 
 void Unlink(const std::string& posix, std::string_view name) {
-    const UnusedFile held(posix, name);
+    const ExclusiveHold held(posix, name);
     if (::unlink(posix.c_str()) != 0) ThrowErrno(errno, name, posix);
 }
 

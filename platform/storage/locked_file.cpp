@@ -32,7 +32,7 @@ Descriptor OpenLocked(const std::string& posixPath, int flags, std::string_view 
         struct stat opened = {};
         if (!file || ::fstat(file.Get(), &opened) != 0) ThrowErrno(errno, name, posixPath);
         if (!S_ISREG(opened.st_mode)) ThrowCode(kAccessDenied, name);
-        if (Lock(file) && StandsAt(posixPath, opened)) return file;
+        if (Lock(file) && IsStillAt(posixPath, opened)) return file;
     } while (wait.Again());
     ThrowCode(kLockViolation, name);
 }

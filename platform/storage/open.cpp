@@ -63,7 +63,7 @@ LONG TryOpen(const std::string& path, const OpenRequest& request, Descriptor& fi
     if (::fstat(file.Get(), &opened) != 0) return CodeOfErrno(errno);
     if (!IsOpenable(opened, request)) return kAccessDenied;
     if (!ClaimShare(file.Get(), access, request.mode)) return kSharingViolation;
-    if (!StandsAt(path, opened)) CloseShared(file);
+    if (!IsStillAt(path, opened)) CloseShared(file);
     return 0;
 }
 

@@ -157,9 +157,9 @@ void CheckMayFollow(const std::string& link, std::string_view name) {
     struct stat own = {};
     const std::string folder = PosixFolderOf(link);
     if (::stat(folder.c_str(), &holding) != 0 || ::lstat(link.c_str(), &own) != 0) ThrowErrno(errno, name, link);
-    constexpr mode_t kEverybodys = S_ISVTX | S_IWOTH;
-    const bool isEverybodys = (holding.st_mode & kEverybodys) == kEverybodys;
-    if (isEverybodys && own.st_uid != ::geteuid() && own.st_uid != holding.st_uid) ThrowErrno(EACCES, name, link);
+    constexpr mode_t kSharedFolder = S_ISVTX | S_IWOTH;
+    const bool isShared = (holding.st_mode & kSharedFolder) == kSharedFolder;
+    if (isShared && own.st_uid != ::geteuid() && own.st_uid != holding.st_uid) ThrowErrno(EACCES, name, link);
 }
 
 }  // namespace
@@ -219,11 +219,11 @@ std::size_t FindSeparator(std::string_view path, std::size_t from) {
     return std::min({FindCharacter(path, '\\', from), FindCharacter(path, '/', from), path.size()});
 }
 
-std::string BehindLinks(const std::string& posixPath, std::string_view name) {
-    constexpr int kMostLinks = 40;  // as the system's own limit
+std::string ResolveLinks(const std::string& posixPath, std::string_view name) {
+    constexpr int kMaxLinks = 40;  // as the system's own limit
     std::array<char, PATH_MAX> found;
     std::string path = posixPath;
-    for (int links = 0; links < kMostLinks; ++links) {
+    for (int links = 0; links < kMaxLinks; ++links) {
         const ssize_t length = ::readlink(path.c_str(), found.data(), found.size());
         if (length >= 0) {
             CheckMayFollow(path, name);

@@ -10,7 +10,7 @@ namespace qel {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
-constexpr std::string_view kNeverInNames = "?*\\/";
+constexpr std::string_view kForbiddenInNames = "?*\\/";
 
 bool IsPlain(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
@@ -107,7 +107,7 @@ std::string ToPosixName(std::string_view name) {
 }
 
 CString ToLibraryName(std::string_view posixName) {
-    if (posixName.find_first_of(kNeverInNames) == std::string_view::npos) {
+    if (posixName.find_first_of(kForbiddenInNames) == std::string_view::npos) {
         if (IsPlain(posixName)) return CString(posixName);
         const std::string text = FromUtf8(posixName);
         if (Returns(posixName, text)) return CString(text);
@@ -116,7 +116,7 @@ CString ToLibraryName(std::string_view posixName) {
     while (!posixName.empty()) {
         const std::string_view character = posixName.substr(0, Utf8Size(posixName));
         const std::string text = IsPlain(character) ? std::string(character) : FromUtf8(character);
-        if (kNeverInNames.find(character) != std::string_view::npos || !Returns(character, text)) {
+        if (kForbiddenInNames.find(character) != std::string_view::npos || !Returns(character, text)) {
             AppendEscaped(name, character);
         } else {
             name += text;

@@ -17,7 +17,7 @@ bool IsRoot(std::string_view path);
 
 /// What a symbolic link at @p posixPath leads to, also where that is not there yet; else the path itself.
 /// @throws CFileException with @p name, 5 for somebody else's link in a folder where everybody may make files
-std::string BehindLinks(const std::string& posixPath, std::string_view name);
+std::string ResolveLinks(const std::string& posixPath, std::string_view name);
 
 /// The folder that holds @p posixPath: "/" or "." where no folder is named.
 std::string PosixFolderOf(std::string_view posixPath);

@@ -16,6 +16,6 @@ struct ::flock RecordLock(short type, std::int64_t first, std::int64_t length) {
     return lock;
 }
 
-bool KnowsNoLocks(int error) { return error == ENOLCK || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP; }
+bool HasNoLocks(int error) { return error == ENOLCK || error == EINVAL || error == ENOSYS || error == EOPNOTSUPP; }
 
 }  // namespace qel

@@ -11,6 +11,6 @@ namespace qel {
 struct ::flock RecordLock(short type, std::int64_t first, std::int64_t length);
 
 /// Whether the errno of such a command says that the file system has no locks.
-bool KnowsNoLocks(int error);
+bool HasNoLocks(int error);
 
 }  // namespace qel

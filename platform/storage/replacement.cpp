@@ -20,7 +20,7 @@
 namespace qel {
 namespace {
 
-constexpr mode_t kOwnersAlone = 0600;
+constexpr mode_t kOwnerOnly = 0600;
 
 // @return false where there is no such file
 bool IsThere(const std::string& posixPath, std::string_view name, struct stat& status) {
@@ -42,7 +42,7 @@ Content ContentOf(int moved) { return moved < 0 ? Content::kNew : Content::kMove
 
 Replacement::Replacement(std::string_view path, unsigned newMode)
     : m_name(path),
-      m_target(BehindLinks(ToPosixPath(path), path)),
+      m_target(ResolveLinks(ToPosixPath(path), path)),
       m_pattern(m_target),
       m_newMode(newMode),
       m_given(std::make_unique<struct stat>()) {
@@ -51,7 +51,7 @@ Replacement::Replacement(std::string_view path, unsigned newMode)
 
 Replacement::Replacement(std::string_view path, const std::string& posixPattern)
     : m_name(path),
-      m_target(BehindLinks(ToPosixPath(path), path)),
+      m_target(ResolveLinks(ToPosixPath(path), path)),
       m_pattern(posixPattern),
       m_given(std::make_unique<struct stat>()) {
     Make();
@@ -59,7 +59,7 @@ Replacement::Replacement(std::string_view path, const std::string& posixPattern)
 
 Replacement::Replacement(std::string_view path, const Descriptor& moved)
     : m_name(path),
-      m_target(BehindLinks(ToPosixPath(path), path)),
+      m_target(ResolveLinks(ToPosixPath(path), path)),
       m_moved(moved.Get()),
       m_given(std::make_unique<struct stat>()) {
     Make();
@@ -82,7 +82,7 @@ FileAttributes Replacement::Attributes() const {
 
 void Replacement::Make() {
     const bool isThere = FindPattern(*m_given);
-    m_made = std::make_unique<UnfinishedFile>(m_target, isThere ? kOwnersAlone : m_newMode, m_name);
+    m_made = std::make_unique<UnfinishedFile>(m_target, isThere ? kOwnerOnly : m_newMode, m_name);
     if (isThere) GiveAccess(*m_given);
 }
 
@@ -101,7 +101,7 @@ void Replacement::GiveRights() {
 
 void Replacement::Commit() {
     FlushData(File(), m_name);
-    const UnusedFile held(m_target, m_name);
+    const ExclusiveHold held(m_target, m_name);
     struct stat old = {};
     const bool hasOld = IsThere(m_target, m_name, old);
     if (hasOld && (!S_ISREG(old.st_mode) || (old.st_mode & 0222) == 0)) ThrowCode(kAccessDenied, m_name);
@@ -127,7 +127,7 @@ void Replacement::Done() {
 }
 
 bool CanReplace(std::string_view path) {
-    const std::string posix = BehindLinks(ToPosixPath(path), path);
+    const std::string posix = ResolveLinks(ToPosixPath(path), path);
     const std::string folder = PosixFolderOf(posix);
     if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
         if (errno == EACCES || errno == EPERM || errno == EROFS) return false;

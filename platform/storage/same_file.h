@@ -11,6 +11,6 @@ bool IsSameFile(const struct stat& a, const struct stat& b);
 
 /// Whether the file that was opened still stands at @p posixPath: another process may have put a new one, or none, in
 /// its place.
-bool StandsAt(const std::string& posixPath, const struct stat& opened);
+bool IsStillAt(const std::string& posixPath, const struct stat& opened);
 
 }  // namespace qel

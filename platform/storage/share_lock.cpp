@@ -48,7 +48,7 @@ int SetMark(int file, Mark mark, bool readable) {
     }
 }
 
-bool InTheWay(int file, const ShareMode& mode) {
+bool HasConflict(int file, const ShareMode& mode) {
     return (mode.read && Marked(file, kDeniesRead)) || (mode.write && Marked(file, kDeniesWrite)) ||
            (mode.denyRead && Marked(file, kReads)) || (mode.denyWrite && Marked(file, kWrites));
 }
@@ -85,7 +85,7 @@ void ReleaseGuard(int file) { ::flock(file, LOCK_UN); }
 
 int MarkUnderGuard(int file, const ShareMode& mode, bool readable) {
     if (const int error = TakeGuard(file)) return error;
-    const int error = InTheWay(file, mode) ? EAGAIN : SetMarks(file, mode, readable);
+    const int error = HasConflict(file, mode) ? EAGAIN : SetMarks(file, mode, readable);
     ReleaseGuard(file);
     return error;
 }
@@ -94,7 +94,7 @@ int MarkThenTest(int file, const ShareMode& mode, bool readable) {
     for (int tries = 0; tries < kNetworkTries; ++tries) {
         const int error = SetMarks(file, mode, readable);
         if (error != 0 && error != EAGAIN) return error;
-        if (error == 0 && !InTheWay(file, mode)) return 0;
+        if (error == 0 && !HasConflict(file, mode)) return 0;
         WithdrawShare(file);
         SleepFor(std::chrono::microseconds(50 + RandomNumber() % 450));
     }
@@ -112,19 +112,19 @@ bool ClaimShare(int file, int access, const ShareMode& mode) {
     } else {
         error = MarkUnderGuard(file, mode, access != O_WRONLY);
     }
-    return error == 0 || KnowsNoLocks(error);
+    return error == 0 || HasNoLocks(error);
 }
 
 void WithdrawShare(int file) noexcept { SetLock(file, F_UNLCK, kShareMarksAt, kMarks * kSpan); }
 
-UnusedFile::UnusedFile(const std::string& posixPath, std::string_view name) {
+ExclusiveHold::ExclusiveHold(const std::string& posixPath, std::string_view name) {
     for (int tries = 0; !Take(posixPath, name); ++tries) {
         if (tries == kReplacedTries) ThrowCode(kSharingViolation, name);
         LetGo();
     }
 }
 
-bool UnusedFile::Take(const std::string& posixPath, std::string_view name) {
+bool ExclusiveHold::Take(const std::string& posixPath, std::string_view name) {
     constexpr int kFlags = O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY;
     m_file.Reset(::open(posixPath.c_str(), kFlags | O_RDONLY));
     const bool readable = static_cast<bool>(m_file);
@@ -144,13 +144,13 @@ bool UnusedFile::Take(const std::string& posixPath, std::string_view name) {
     return true;
 }
 
-void UnusedFile::LetGo() noexcept {
+void ExclusiveHold::LetGo() noexcept {
     if (!m_file) return;
     WithdrawShare(m_file.Get());
     ReleaseGuard(m_file.Get());
     m_file.Reset();
 }
 
-UnusedFile::~UnusedFile() { LetGo(); }
+ExclusiveHold::~ExclusiveHold() { LetGo(); }
 
 }  // namespace qel

@@ -41,16 +41,16 @@ bool ClaimShare(int file, int access, const ShareMode& mode);
 /// Takes the marks back. Closing does that too, yet late when a child between fork and exec still holds a copy.
 void WithdrawShare(int file) noexcept;
 
-/// Holds back new openings of a file while it is deleted or renamed; closing it lets go. A link, a folder and what
-/// cannot be opened are not held.
-class UnusedFile {
+/// Keeps others from opening a file while it is deleted or renamed; ends with the object. A link, a folder and a file
+/// that cannot be opened are not held.
+class ExclusiveHold {
 public:
     /// @param name what exceptions call the file
     /// @throws CFileException 32 when the file is open anywhere
-    UnusedFile(const std::string& posixPath, std::string_view name);
-    ~UnusedFile();
-    UnusedFile(const UnusedFile&) = delete;
-    UnusedFile& operator=(const UnusedFile&) = delete;
+    ExclusiveHold(const std::string& posixPath, std::string_view name);
+    ~ExclusiveHold();
+    ExclusiveHold(const ExclusiveHold&) = delete;
+    ExclusiveHold& operator=(const ExclusiveHold&) = delete;
 
 private:
     bool Take(const std::string& posixPath, std::string_view name);  // false: the file was replaced meanwhile

@@ -18,11 +18,11 @@
 namespace qel {
 namespace {
 
-constexpr std::size_t kNameRoom = 14;  // a separator, 3 + 4 + 4 bytes, and the terminator with some air
+constexpr std::size_t kNameReserve = 14;  // a separator, 3 + 4 + 4 bytes, and the terminator with some air
 constexpr std::size_t kPrefixBytes = 3;
 constexpr std::size_t kDigits = 4;
 constexpr unsigned kNumbers = 0xFFFF;  // 0 asks for any, so it is none of them
-constexpr mode_t kOwnersAlone = 0600;
+constexpr mode_t kOwnerOnly = 0600;
 constexpr std::string_view kExtension = ".TMP";
 
 bool EndsWithSeparator(std::string_view folder) { return !folder.empty() && NameStart(folder) == folder.size(); }
@@ -51,7 +51,7 @@ void CheckFolder(std::string_view folder) {
 
 bool IsTemporaryFile(std::string_view path, const struct stat& status) {
     std::string_view name = path.substr(NameStart(path));
-    if (status.st_mode != (S_IFREG | kOwnersAlone) || !name.ends_with(kExtension)) return false;
+    if (status.st_mode != (S_IFREG | kOwnerOnly) || !name.ends_with(kExtension)) return false;
     name.remove_suffix(kExtension.size());
     if (name.size() < kDigits || name.size() > kPrefixBytes + kDigits) return false;
     return name.find_first_not_of("0123456789ABCDEF", name.size() - kDigits) == std::string_view::npos;
@@ -71,7 +71,7 @@ CString TemporaryFolder() {
 }
 
 CString TemporaryName(std::string_view folder, std::string_view prefix, UINT number) {
-    if (folder.size() > MAX_PATH - kNameRoom) ThrowCode(kBufferTooSmall, folder);
+    if (folder.size() > MAX_PATH - kNameReserve) ThrowCode(kBufferTooSmall, folder);
     CheckPrefix(prefix);
     if (number != 0) return CString(Name(folder, prefix, number & 0xFFFF));
     CheckFolder(folder);
@@ -79,7 +79,7 @@ CString TemporaryName(std::string_view folder, std::string_view prefix, UINT num
     for (unsigned tries = 0; tries < kNumbers; ++tries) {
         CString name(Name(folder, prefix, (first + tries) % kNumbers + 1));  // before a file stays that nobody knows of
         const std::string posix = ToPosixPath(name.View());
-        const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnersAlone));
+        const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly));
         if (made) return name;
         if (errno != EEXIST) ThrowErrno(errno, name.View(), posix);
     }

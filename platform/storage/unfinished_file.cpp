@@ -42,7 +42,7 @@ bool RemoveLeftover(const std::string& path) {
     const Descriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     struct stat opened = {};
     if (!file || ::fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode)) return false;
-    return Lock(file, F_WRLCK) == 0 && StandsAt(path, opened) && ::unlink(path.c_str()) == 0;
+    return Lock(file, F_WRLCK) == 0 && IsStillAt(path, opened) && ::unlink(path.c_str()) == 0;
 }
 
 }  // namespace
@@ -72,12 +72,12 @@ bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
     }
     // Whoever found it before it was locked is just removing it, or has done so.
     const int error = Lock(m_file, F_WRLCK);
-    return (error == 0 || KnowsNoLocks(error)) && HasItsName();
+    return (error == 0 || HasNoLocks(error)) && HasItsName();
 }
 
 bool UnfinishedFile::HasItsName() const {
     struct stat made = {};
-    return ::fstat(m_file.Get(), &made) == 0 && StandsAt(m_path, made);
+    return ::fstat(m_file.Get(), &made) == 0 && IsStillAt(m_path, made);
 }
 
 UnfinishedFile::~UnfinishedFile() {

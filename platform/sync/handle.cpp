@@ -1,6 +1,6 @@
 #include "qellib10/platform/sync/handle.h"
 
-#include "qellib10/platform/sync/answer.h"
+#include "qellib10/platform/sync/last_error.h"
 #include "qellib10/platform/sync/object_table.h"
 
 namespace qel {
@@ -14,7 +14,7 @@ DWORD LastError() { return lastError; }
 void SetLastError(DWORD code) { lastError = code; }
 
 bool CloseHandle(HANDLE handle) {
-    return AnswerOf([&] { return ObjectTable::Get().Close(handle), true; }, false);
+    return RunWithLastError([&] { return ObjectTable::Get().Close(handle), true; }, false);
 }
 
 }  // namespace qel

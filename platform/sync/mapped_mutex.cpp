@@ -109,8 +109,8 @@ bool MappedMutex::Close(bool isLast) {
 }
 
 void MappedMutex::LoseFile() {
-    constexpr int kInstead = MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED;
-    const void* page = ::mmap(m_page, sizeof(Page), PROT_READ | PROT_WRITE, kInstead, -1, 0);
+    constexpr int kReplaceMapping = MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED;
+    const void* page = ::mmap(m_page, sizeof(Page), PROT_READ | PROT_WRITE, kReplaceMapping, -1, 0);
     if (page == MAP_FAILED) throw SystemFailure{kOutOfMemory};
 }
 

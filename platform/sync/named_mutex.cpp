@@ -1,24 +1,24 @@
 #include "qellib10/platform/sync/named_mutex.h"
 
-#include "qellib10/platform/sync/answer.h"
+#include "qellib10/platform/sync/last_error.h"
 #include "qellib10/platform/sync/object_table.h"
 
 namespace qel {
 
 HANDLE OpenNamedMutex(const char* name) {
-    return AnswerOf([&] { return ObjectTable::Get().Open(name, ObjectKind::Mutex); }, HANDLE{});
+    return RunWithLastError([&] { return ObjectTable::Get().Open(name, ObjectKind::Mutex); }, HANDLE{});
 }
 
 OpenedObject CreateNamedMutex(const char* name) {
-    return CreatedBy([&] { return ObjectTable::Get().Create(name, ObjectKind::Mutex, 0); });
+    return CreateWithLastError([&] { return ObjectTable::Get().Create(name, ObjectKind::Mutex, 0); });
 }
 
 DWORD WaitForMutex(HANDLE mutex, DWORD milliseconds) {
-    return AnswerOf([&] { return ObjectTable::Get().Wait(mutex, milliseconds); }, DWORD{kWaitFailed});
+    return RunWithLastError([&] { return ObjectTable::Get().Wait(mutex, milliseconds); }, DWORD{kWaitFailed});
 }
 
 bool ReleaseNamedMutex(HANDLE mutex) {
-    return AnswerOf([&] { return ObjectTable::Get().Release(mutex), true; }, false);
+    return RunWithLastError([&] { return ObjectTable::Get().Release(mutex), true; }, false);
 }
 
 }  // namespace qel

@@ -64,11 +64,11 @@ Descriptor MakeOwn(const std::string& path, uid_t user) {
 
 // What is there already is taken first, so that the name that another user gives up later makes no second folder.
 Descriptor OpenFolder(uid_t user) {
-    constexpr int kMostNames = 16;
-    for (int number = 0; number < kMostNames; ++number) {
+    constexpr int kMaxNames = 16;
+    for (int number = 0; number < kMaxNames; ++number) {
         if (Descriptor folder = OpenOwn(FolderName(user, number), user)) return folder;
     }
-    for (int number = 0; number < kMostNames; ++number) {
+    for (int number = 0; number < kMaxNames; ++number) {
         if (Descriptor folder = MakeOwn(FolderName(user, number), user)) return folder;
     }
     throw SystemFailure{kAccessDenied};

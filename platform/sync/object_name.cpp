@@ -13,7 +13,7 @@ constexpr std::string_view kLocal = "Local\\", kGlobal = "Global\\";
 constexpr std::size_t kLongestFileName = 200, kKeptOfLonger = 180;  // the system takes 255 bytes
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 
-bool StandsForItself(char byte) {
+bool NeedsNoEscape(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
            byte == '-' || byte == '_';
 }
@@ -40,7 +40,7 @@ std::string_view ObjectName(std::string_view name) {
 std::string ObjectFileName(std::string_view objectName) {
     std::string file = "n";
     for (const char byte : objectName) {
-        if (StandsForItself(byte)) {
+        if (NeedsNoEscape(byte)) {
             file += byte;
         } else {
             const auto value = static_cast<unsigned char>(byte);

@@ -11,7 +11,7 @@
 namespace qel {
 namespace {
 
-constexpr std::size_t kMostParked = 8;
+constexpr std::size_t kMaxParked = 8;
 
 std::unique_ptr<NamedObject> MakeIn(const FolderLock& folder, const std::string& file, std::string_view name,
                                     ObjectKind kind, std::uint64_t size) {
@@ -131,7 +131,7 @@ void ObjectNames::GiveUp(const FolderLock& folder, std::unique_ptr<NamedObject> 
 void ObjectNames::Park(const FolderLock& folder, std::unique_ptr<NamedObject> object) {
     LetGo(object->file);
     m_parked.push_back(std::move(object));
-    if (m_parked.size() <= kMostParked) return;
+    if (m_parked.size() <= kMaxParked) return;
     RemoveUnlessHeld(folder, *m_parked.front());
     m_parked.erase(m_parked.begin());
 }

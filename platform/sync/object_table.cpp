@@ -16,7 +16,7 @@ namespace qel {
 namespace {
 
 // How long a process may take to die while it makes or closes an object.
-constexpr int kMostTurns = 1000;
+constexpr int kMaxTurns = 1000;
 constexpr std::chrono::milliseconds kTurn{1};
 
 constexpr std::uintptr_t kHandleStep = 4;
@@ -61,7 +61,7 @@ OpenedObject ObjectTable::Create(const char* name, ObjectKind kind, std::uint64_
 
 OpenedObject ObjectTable::OpenNamed(const char* name, ObjectKind kind, std::uint64_t size, Missing missing) {
     const std::string_view objectName = ObjectName(name);
-    for (int turn = 0; turn < kMostTurns; ++turn) {
+    for (int turn = 0; turn < kMaxTurns; ++turn) {
         {
             const std::lock_guard lock(m_lock);
             const ObjectNames::Found found = m_names.Use(objectName, kind, size, missing);

@@ -79,7 +79,7 @@ public:
 
     explicit Output(std::size_t sizeHint) : m_text(sizeHint, Unit{}) {}
 
-    template <typename View> void PutAscii(View run) { MoveTo(std::copy(run.begin(), run.end(), Room(run.size()))); }
+    template <typename View> void PutAscii(View run) { MoveTo(std::copy(run.begin(), run.end(), Reserve(run.size()))); }
     String Result() {
         m_text.resize(m_size);
         return std::move(m_text);
@@ -87,7 +87,7 @@ public:
 
 protected:
     // The end, with room for @p units.
-    Unit* Room(std::size_t units) {
+    Unit* Reserve(std::size_t units) {
         if (m_text.size() - m_size < units) m_text.resize(std::max(m_text.size() * 2, m_size + units));
         return m_text.data() + m_size;
     }
@@ -103,7 +103,7 @@ template <typename String> class Writer : public Output<String> {
 public:
     using Output<String>::Output;
 
-    void Put(char32_t character) { this->MoveTo(WriteCharacter(this->Room(kMostUnits), character)); }
+    void Put(char32_t character) { this->MoveTo(WriteCharacter(this->Reserve(kMaxUnits), character)); }
 };
 
 // What is written for a character that the page lacks: the best fit, else `?`; or a numeric character reference.
@@ -129,7 +129,7 @@ public:
 
 private:
     void PutCode(unsigned code) {
-        char* end = Room(2);
+        char* end = Reserve(2);
         if (code > 0xFF) *end++ = static_cast<char>(code >> 8);
         *end++ = static_cast<char>(code & 0xFF);
         MoveTo(end);

@@ -11,7 +11,7 @@ namespace qel {
 namespace {
 
 // Sign, the 309 digits that a double may have before the point, the point, the decimals and one more, and an exponent.
-using Buffer = std::array<char, 1 + 309 + 1 + kMostColumns + 1 + 8>;
+using Buffer = std::array<char, 1 + 309 + 1 + kMaxColumns + 1 + 8>;
 
 std::string_view Print(Buffer& buffer, double value, std::chars_format format, int precision) {
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, precision);
@@ -58,7 +58,7 @@ std::string RoundedUp(std::string_view exact) {
 }  // namespace
 
 std::string FixedText(double value, int decimals) {
-    decimals = std::clamp(decimals, 0, kMostColumns);
+    decimals = std::clamp(decimals, 0, kMaxColumns);
     Buffer buffer;
     // What our texts are compared with rounds ties away from zero, to_chars to even.
     if (IsTie(value, decimals)) return RoundedUp(Print(buffer, value, std::chars_format::fixed, decimals + 1));
@@ -66,7 +66,7 @@ std::string FixedText(double value, int decimals) {
 }
 
 std::string ExponentText(double value, int decimals) {
-    decimals = std::clamp(decimals, 0, kMostExponentDecimals);
+    decimals = std::clamp(decimals, 0, kMaxExponentDecimals);
     Buffer buffer;
     if (!std::isfinite(value)) return std::string(Print(buffer, value, std::chars_format::scientific, decimals));
     // The next double away from zero has the text of a tie rounded up, since so few digits do not show its own.
@@ -81,14 +81,14 @@ std::string ExponentText(double value, int decimals) {
 
 std::string GeneralText(double value, int digits) {
     Buffer buffer;
-    std::string text(Print(buffer, value, std::chars_format::general, std::clamp(digits, 1, kMostColumns)));
+    std::string text(Print(buffer, value, std::chars_format::general, std::clamp(digits, 1, kMaxColumns)));
     if (std::isfinite(value)) std::ranges::replace(text, 'e', 'E');
     return text;
 }
 
 int TruncatedToInt(double value) noexcept {
-    constexpr double kBeyond = 2147483648.0;
-    return value > -kBeyond - 1 && value < kBeyond ? static_cast<int>(value) : std::numeric_limits<int>::min();
+    constexpr double kTwoTo31 = 2147483648.0;
+    return value > -kTwoTo31 - 1 && value < kTwoTo31 ? static_cast<int>(value) : std::numeric_limits<int>::min();
 }
 
 }  // namespace qel

@@ -18,7 +18,7 @@ constexpr unsigned kCharacters = 0x10000;
 
 // The bytes that the platform maps and the system's converters leave out: in 1252 they are the control characters of
 // the same number, in 932 one control character and four private ones.
-constexpr char16_t PlatformsOwn(unsigned byte, UINT page) {
+constexpr char16_t PlatformCharacter(unsigned byte, UINT page) {
     if (page == kCodePageLatin1 || byte == 0x80) return static_cast<char16_t>(byte);
     return static_cast<char16_t>(byte == 0xA0 ? 0xF8F0 : 0xF8F1 + (byte - 0xFD));
 }
@@ -35,7 +35,8 @@ public:
             if (IsLeadByte(static_cast<unsigned char>(byte), m_table.page)) {
                 ReadPairs(byte);
             } else {
-                m_table.singles[byte] = Decode({static_cast<char>(byte)}).value_or(PlatformsOwn(byte, m_table.page));
+                m_table.singles[byte] =
+                    Decode({static_cast<char>(byte)}).value_or(PlatformCharacter(byte, m_table.page));
                 AddCode(m_table.singles[byte], byte);
             }
         }

@@ -84,10 +84,10 @@ inline char32_t NextCharacter(std::u16string_view utf16, std::size_t& at) {
 }
 
 /// Units that one character takes at most.
-inline constexpr std::size_t kMostUnits = 4;
+inline constexpr std::size_t kMaxUnits = 4;
 
 /// Writes @p character, a Unicode scalar value, at @p to.
-/// @return behind what was written, at most kMostUnits
+/// @return behind what was written, at most kMaxUnits
 inline char* WriteCharacter(char* to, char32_t character) {
     const auto write = [&](char32_t byte) { *to++ = static_cast<char>(byte); };
     const auto writeContinuation = [&](int shift) { write(0x80 | (character >> shift & 0x3F)); };

@@ -9,9 +9,9 @@
 namespace {
 
 constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
-constexpr int kSecondsADay = 86400;
-constexpr double kFirstDay = -657434;       // 0100-01-01
-constexpr double kBehindLastDay = 2958466;  // 10000-01-01
+constexpr int kSecondsPerDay = 86400;
+constexpr double kFirstDay = -657434;      // 0100-01-01
+constexpr double kAfterLastDay = 2958466;  // 10000-01-01
 
 constexpr bool Within(int value, int first, int last) { return value >= first && value <= last; }
 
@@ -22,15 +22,15 @@ struct Fields {
 
 std::optional<Fields> FieldsOf(const COleDateTime& time) {
     // Written so that NaN fails too. The first day's own fraction lies below its number.
-    if (time.m_status != COleDateTime::valid || !(time.m_dt > kFirstDay - 1 && time.m_dt < kBehindLastDay)) return {};
+    if (time.m_status != COleDateTime::valid || !(time.m_dt > kFirstDay - 1 && time.m_dt < kAfterLastDay)) return {};
     const double day = std::trunc(time.m_dt);
     int number = static_cast<int>(day);
-    int second = static_cast<int>(std::lround(std::fabs(time.m_dt - day) * kSecondsADay));
-    if (second == kSecondsADay) {
+    int second = static_cast<int>(std::lround(std::fabs(time.m_dt - day) * kSecondsPerDay));
+    if (second == kSecondsPerDay) {
         ++number;
         second = 0;
     }
-    if (number >= static_cast<int>(kBehindLastDay)) return {};
+    if (number >= static_cast<int>(kAfterLastDay)) return {};
     return Fields{kDayZero + std::chrono::days(number), second};
 }
 
@@ -58,7 +58,7 @@ int COleDateTime::SetDateTime(int year, int month, int day, int hour, int minute
     const std::chrono::year_month_day date = std::chrono::year(year) / month / day;
     if (!date.ok()) return 1;
     const double whole = static_cast<double>((std::chrono::sys_days(date) - kDayZero).count());
-    const double fraction = static_cast<double>(hour * 3600 + minute * 60 + second) / kSecondsADay;
+    const double fraction = static_cast<double>(hour * 3600 + minute * 60 + second) / kSecondsPerDay;
     m_dt = whole < 0 ? whole - fraction : whole + fraction;
     m_status = valid;
     return 0;

@@ -99,7 +99,7 @@ std::string WithoutReferences(std::string_view utf8) {
         const auto character = CharacterOf(utf8.substr(begin + 1, end - begin - 1));
         if (end == utf8.size() || !character || !IsXmlCharacter(*character))
             throw DataError("a reference to nothing known");
-        std::array<char, kMostUnits> units;
+        std::array<char, kMaxUnits> units;
         result.append(units.data(), WriteCharacter(units.data(), *character));
         at = end + 1;
     }

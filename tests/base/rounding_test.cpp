@@ -93,7 +93,7 @@ TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
 TEST(Rounding, TextsHaveTheDigitsOfExactArithmetic) {
     const int count = SoakCount(500);
     for (int i = 0; i < count; ++i) {
-        const int decimals = Random(8) == 0 ? Random(qel::kMostColumns + 1) : Random(20), mode = Random(3) - 1;
+        const int decimals = Random(8) == 0 ? Random(qel::kMaxColumns + 1) : Random(20), mode = Random(3) - 1;
         const double x = TieOrNumber(decimals);
         if (!std::isfinite(x)) continue;
         SCOPED_TRACE(testing::Message() << std::hexfloat << x << ", decimals " << decimals << ", mode " << mode);

@@ -148,7 +148,7 @@ TEST_F(ShareLock, LosesNoStepOfACounterThatIsReplaced) {
         file.Write(digits.data(), static_cast<UINT>(digits.size()));
     };
     const auto byReplacing = [&] {
-        const qel::UnusedFile held(m_folder.Posix("a"), "a");
+        const qel::ExclusiveHold held(m_folder.Posix("a"), "a");
         const std::string made = std::to_string(::getpid());
         m_folder.Write(made, next());
         std::filesystem::rename(m_folder.Posix(made), m_folder.Posix("a"));

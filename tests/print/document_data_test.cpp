@@ -171,7 +171,7 @@ TEST(PrintDocument, MarginsCountByTheHorizontalResolution) {
     const TempFolder folder;
     CDC dc;
     qel::PageSetup page;
-    page.dotsAnInch = {600, 300};
+    page.dotsPerInch = {600, 300};
     page.margins = {254, 508, 0, 0};
     ASSERT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Path("a.pdf"), page)));
     CQelPrintJobPageStyle style;

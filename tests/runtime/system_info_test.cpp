@@ -42,6 +42,6 @@ TEST(SystemInfo, ADialUpConnectionIsAnInterfaceOfThatKindThatIsUp) {
 }
 
 TEST(SystemInfo, ARestartSucceedsWhenItsProgramDoes) {
-    EXPECT_TRUE(qel::Succeeds({"true", "-r", "now"}));
-    EXPECT_FALSE(qel::Succeeds({"false"}) || qel::Succeeds({"no-such-program"}) || qel::Succeeds({}));
+    EXPECT_TRUE(qel::RunCommand({"true", "-r", "now"}));
+    EXPECT_FALSE(qel::RunCommand({"false"}) || qel::RunCommand({"no-such-program"}) || qel::RunCommand({}));
 }

@@ -271,12 +271,12 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
              {"made.ini", [](std::string& ini) { ini += "page-1.png=" + ini.substr(ini.rfind('=') + 1); },
               ": stands twice"},
              {"made.ini", [](std::string& ini) { ini.resize(ini.find("[samples]")); },
-              "FAILED: report-1.job: has no sample in made.ini"},
+              "FAILED: report-1.job: has no layout fingerprint in made.ini"},
              {"made.ini",
               [](std::string& ini) {
                   ini.insert(ini.find('=', ini.find("\ncurve.png", ini.find("[s"))) + 1, "01234567 ");
               },
-              "FAILED: curve.png: its sample in made.ini is not that of report-2.job"},
+              "FAILED: curve.png: its layout fingerprint in made.ini is not that of report-2.job"},
              {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: is missing"},
              {"curve-1.csv", flip(300), "FAILED: curve-1.csv: has "},
              {"version-1/variables.qel", flip(100), "FAILED: version-1/variables.qel: has "},
@@ -297,9 +297,9 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
              {"titration.log", [](std::string& log) { --log.at(1); }, "FAILED: titration.log: begins with "},
              {"titration.log", [](std::string& log) { log.erase(0, log.find('[', 1)); },
               "FAILED: titration.log: begins with "},
-             {"titration.log", flipIn("previewed"), "FAILED: page-1.png: titration.log tells nothing of it"},
+             {"titration.log", flipIn("previewed"), "FAILED: page-1.png: titration.log does not mention it"},
              {"titration.log", flipIn("printed"),
-              "FAILED: Titration reports.pdf: titration.log tells nothing of it"}}) {
+              "FAILED: Titration reports.pdf: titration.log does not mention it"}}) {
         const std::string file = std::string("results/") + name, before = m_folder.Read(file);
         std::string bytes = before;
         if (damage) damage(bytes);
@@ -353,8 +353,7 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     m_folder.Write("results/titration.log",
                    m_folder.Read("results/titration.log") + "[2222/01/03 09:05:07],logged on\r\n");
     const Outcome other = Run("--verify --out results");
-    EXPECT_TRUE(other.out.ends_with("\n21 checks, all right; 5 files were held against their sums alone\n"))
-        << other.out;
+    EXPECT_TRUE(other.out.ends_with("\n21 checks, all right; 5 files were compared by checksums alone\n")) << other.out;
 }
 
 TEST_F(Titration, PrintsOnTheNamedPrinter) {

@@ -7,13 +7,13 @@
 namespace tool {
 namespace {
 
-constexpr int kMostSteps = 10, kMostDecimals = 12;
+constexpr int kMaxSteps = 10, kMaxDecimals = 12;
 constexpr double kLeastRange = 1e-290;  // below, steps cannot be told apart
 
 // Decimal places that tell @p value from its neighbours a @p step away.
 int DecimalsOf(double value, double step) {
     int decimals = 0;
-    for (double unit = 1; decimals < kMostDecimals; ++decimals, unit *= 10) {
+    for (double unit = 1; decimals < kMaxDecimals; ++decimals, unit *= 10) {
         if (std::abs(std::round(value * unit) / unit - value) < step * 1e-6) break;
     }
     return decimals;
@@ -39,7 +39,7 @@ AxisScale ScaleOver(const std::vector<double>& values) {
         low -= margin;
         high += margin;
     }
-    const double least = high / kMostSteps - low / kMostSteps;
+    const double least = high / kMaxSteps - low / kMaxSteps;
     const int exponent = static_cast<int>(std::floor(std::log10(least)));
     const double decade =
         std::pow(10, std::abs(exponent));  // divided by where it is a part, which gives 0.6, not 3 * 0.2
@@ -47,7 +47,7 @@ AxisScale ScaleOver(const std::vector<double>& values) {
     for (const int round : {1, 2, 5, 10, 20}) {
         const double step = times(round);
         const double first = std::floor(low / step), last = std::ceil(high / step);
-        if (last - first > kMostSteps || last <= first) continue;
+        if (last - first > kMaxSteps || last <= first) continue;
         return Labelled({times(first * round), times(last * round), static_cast<int>(last - first), 0, 1}, step);
     }
     return ScaleBetween(low, high);

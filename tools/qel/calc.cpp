@@ -8,7 +8,7 @@
 namespace tool {
 namespace {
 
-constexpr double kMostWithPlaces = 1e15;  // a double beyond has no decimal places to round to
+constexpr double kMaxWithPlaces = 1e15;  // a double beyond has no decimal places to round to
 
 struct Options {
     std::string formula, archive;
@@ -60,7 +60,7 @@ void RequireValid(const std::string& formula, CQWCalc& calculator) {
 }
 
 std::string ResultText(double value, int digits) {
-    if (digits >= 0 && std::abs(value) < kMostWithPlaces)
+    if (digits >= 0 && std::abs(value) < kMaxWithPlaces)
         return std::string(CQVariant::DoubleToStr(CQVariant::fround(value, digits, 0), digits, 0));
     char text[32];
     return {text, std::to_chars(text, text + sizeof text, value).ptr};

@@ -8,7 +8,7 @@
 namespace tool {
 namespace {
 
-constexpr int kMostDotsAnInch = 10'000;  // beyond, a file is wrong
+constexpr int kMaxDotsPerInch = 10'000;  // beyond, a file is wrong
 
 struct Options {
     std::vector<std::string> files;
@@ -49,9 +49,9 @@ CQelPrintJobDocumentData LoadDocument(const Options& options) {
 }
 
 int PagesOf(const CQelPrintJobDocumentData& document) {
-    const int aPage = document.GetPageStyle().GetPageBlocks();
-    if (aPage < 1) throw Failure("the page style has no cells");
-    return (document.GetBlockCount() - 1) / aPage + 1;
+    const int blocksPerPage = document.GetPageStyle().GetPageBlocks();
+    if (blocksPerPage < 1) throw Failure("the page style has no cells");
+    return (document.GetBlockCount() - 1) / blocksPerPage + 1;
 }
 
 Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options, const std::optional<CSize>& sheet) {
@@ -60,12 +60,12 @@ Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options, co
     const CSize paper = sheet.value_or(PaperOf(style));
     style.SetPaperSize({paper.cx / 10, paper.cy / 10});
     if (paper.cx < 1 || paper.cy < 1) throw Failure("the size of the job's paper is not known; --paper tells it");
-    if (style.GetDpi() < 1 || style.GetDpi() > kMostDotsAnInch)
+    if (style.GetDpi() < 1 || style.GetDpi() > kMaxDotsPerInch)
         throw Failure("the job does not say its resolution; --dpi tells it");
 
     Drawing drawing;
     drawing.page.sheet = paper;
-    drawing.page.dotsAnInch = {style.GetDpi(), style.GetDpi()};
+    drawing.page.dotsPerInch = {style.GetDpi(), style.GetDpi()};
     drawing.title = Utf8(style.GetStyleName().View());
     drawing.sources = options.files;
     const int pages = PagesOf(document);
@@ -97,14 +97,14 @@ void Render(const Options& options) {
 void PrintJobs(const Options& options) {
     CQelPrintJobDocumentData document = LoadDocument(options);
     CQelPrintJobPageStyle& style = document.GetPageStyle();
-    const int dotsAnInch = style.GetDpi();
+    const int dotsPerInch = style.GetDpi();
     if (!options.printer.empty()) style.SetPrinterDevice(ExactText(options.printer));
     const std::string name = "the printer \"" + Shown(Utf8(style.GetPrinterDevice().View())) + "\"";
     CDC dc;
     if (!dc.Attach(style.GetPrinterDC())) throw Failure(name + " is not there");
-    if (dotsAnInch > 0 && style.GetDpi() != dotsAnInch)
+    if (dotsPerInch > 0 && style.GetDpi() != dotsPerInch)
         throw Failure(name + " has " + std::to_string(style.GetDpi()) + " dots an inch, the job is for " +
-                      std::to_string(dotsAnInch));
+                      std::to_string(dotsPerInch));
     Drawing drawing{{}, PagesOf(document), Utf8(style.GetStyleName().View()), {}, {}};
     drawing.draw = [&](CDC& printer, int page) { return document.PrintOutMain(&printer, page, 0) != 0; };
     if (!DrawDocument(dc, drawing)) throw Failure(name + " does not take the document");
@@ -170,7 +170,7 @@ void AddJob(CLI::App& app, Status&) {
     render->add_option("--paper", options->paper, "Millimetres, where the job's form is not known")
         ->type_name("WIDTHxHEIGHT");
     render->add_option("--dpi", options->dpi, "The job's device units an inch, where it does not say")
-        ->check(CLI::Range(1, kMostDotsAnInch))
+        ->check(CLI::Range(1, kMaxDotsPerInch))
         ->type_name("N");
     for (CLI::App* const action : {show, render}) action->add_flag("--json", options->json, "Write JSON");
     add("print", "Print them as one document", PrintJobs)

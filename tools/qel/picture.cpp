@@ -20,23 +20,23 @@ bool DrawPages(CDC& dc, const Drawing& drawing, int first, int last) {
 
 [[noreturn]] void RefuseSize() { throw CLI::ValidationError("the page is too large for a picture of this resolution"); }
 
-bool SavePng(const CString& file, const Drawing& drawing, int page, int dotsAnInch) {
+bool SavePng(const CString& file, const Drawing& drawing, int page, int dotsPerInch) {
     CDC paper;
     CBitmap bitmap;
     if (!paper.Attach(qel::CreatePdfDC(file, drawing.page))) RefuseSize();
     const auto draw = [&](CDC& dc) { return drawing.draw(dc, page); };
-    const bool isDrawn = qel::DrawPagePicture(bitmap, paper, dotsAnInch, draw) != 0;
+    const bool isDrawn = qel::DrawPagePicture(bitmap, paper, dotsPerInch, draw) != 0;
     if (bitmap.GetSafeHandle() == nullptr) RefuseSize();
-    return isDrawn && qel::SavePng(bitmap, file, dotsAnInch) != 0;
+    return isDrawn && qel::SavePng(bitmap, file, dotsPerInch) != 0;
 }
 
-bool SavePages(const Picture& picture, PictureKind kind, const Drawing& drawing, int dotsAnInch) {
+bool SavePages(const Picture& picture, PictureKind kind, const Drawing& drawing, int dotsPerInch) {
     const CString file = Path(picture.file);
-    if (kind == PictureKind::kPng) return SavePng(file, drawing, picture.page, dotsAnInch);
+    if (kind == PictureKind::kPng) return SavePng(file, drawing, picture.page, dotsPerInch);
     CDC dc;
     const HDC handle = kind == PictureKind::kPdf
                            ? qel::CreatePdfDC(file, drawing.page)
-                           : qel::CreateSvgDC(file, drawing.page.SheetDots(), drawing.page.dotsAnInch.cx);
+                           : qel::CreateSvgDC(file, drawing.page.SheetDots(), drawing.page.dotsPerInch.cx);
     if (!dc.Attach(handle)) RefuseSize();
     return DrawPages(dc, drawing, picture.page, picture.page + picture.pages - 1);
 }

@@ -12,11 +12,11 @@ constexpr int kLineView = 1, kBarView = 2;               // how a series is draw
 constexpr int kNowhere = 0, kBelow = 2, kAtTheLeft = 3;  // where an axis has its texts
 constexpr int kFixedTexts = 2;                           // instead of values
 constexpr int kFontTenths = 90;
-constexpr double kMillimetresAnInch = 25.4;
+constexpr double kMillimetresPerInch = 25.4;
 constexpr COLORREF kGrey = RGB(205, 205, 205);
 constexpr COLORREF kColors[] = {RGB(0, 60, 160), RGB(200, 90, 0),  RGB(0, 120, 60),
                                 RGB(170, 0, 60), RGB(90, 60, 160), RGB(70, 70, 70)};
-constexpr std::size_t kMostSeries = 512;
+constexpr std::size_t kMaxSeries = 512;
 
 struct Options {
     std::string file, x = "1";
@@ -72,7 +72,7 @@ struct Curves {
 Curves ReadCurves(const Options& options) {
     std::vector<std::string> columns = {options.x};
     columns.insert(columns.end(), options.y.begin(), options.y.end());
-    if (columns.size() > kMostSeries + 1) throw CLI::ValidationError("there are more than 512 columns");
+    if (columns.size() > kMaxSeries + 1) throw CLI::ValidationError("there are more than 512 columns");
     const std::optional<AxisScale> x = ScaleOf(options.xRange), y = ScaleOf(options.yRange);
     Curves curves;
     curves.columns = OnFile(options.file, [&] { return ReadCsvColumns(ReadText(options.file), columns); });
@@ -138,10 +138,10 @@ void Plot(const Options& options) {
     drawing.title = options.file;
     drawing.sources = {options.file};
     drawing.page.sheet = size;
-    drawing.page.dotsAnInch = {dots, dots};
+    drawing.page.dotsPerInch = {dots, dots};
     drawing.draw = [&](CDC& dc, int) {
         const CSize all = drawing.page.SheetDots();
-        const int margin = static_cast<int>(3 * dots / kMillimetresAnInch);
+        const int margin = static_cast<int>(3 * dots / kMillimetresPerInch);
         graph.SetLeftMargin(margin);
         graph.SetTopMargin(margin);
         graph.SetRightMargin(margin);

@@ -9,7 +9,7 @@ namespace {
 
 // A trailer is info length (4), name and zero, version (4), GUID (16), CRC (4), sum (4), trailer length (4). The info
 // length counts from behind itself to the CRC, the trailer length 8 bytes further.
-constexpr std::size_t kLength = 4, kBehindName = 20, kCheckBlock = 12, kLongestName = 259;
+constexpr std::size_t kLength = 4, kAfterNameSize = 20, kCheckBlock = 12, kLongestName = 259;
 constexpr std::size_t kTail = 4096;
 
 DWORD Number(std::string_view bytes, std::size_t at) {
@@ -28,7 +28,7 @@ std::string Tail(CQFile& file) {
 bool EndsWithTrailer(std::string_view tail, std::string_view ownName, bool anyName) {
     if (tail.size() < kLength) return false;
     const std::size_t length = Number(tail, tail.size() - kLength);
-    const std::size_t nameless = kBehindName + kCheckBlock;
+    const std::size_t nameless = kAfterNameSize + kCheckBlock;
     if (length <= nameless + 1 || length > kLongestName + 1 + nameless || tail.size() < length + kLength) return false;
     const std::string_view trailer = tail.substr(tail.size() - length - kLength);
     const std::string_view name = trailer.substr(kLength, length - nameless);
@@ -36,14 +36,14 @@ bool EndsWithTrailer(std::string_view tail, std::string_view ownName, bool anyNa
 }
 
 std::string BeginFor(std::string_view ownName) {
-    const auto length = qel::ToLittleEndian(static_cast<DWORD>(ownName.size() + 1 + kBehindName));
+    const auto length = qel::ToLittleEndian(static_cast<DWORD>(ownName.size() + 1 + kAfterNameSize));
     std::string begin(reinterpret_cast<const char*>(length.data()), length.size());
     return begin.append(ownName) += '\0';
 }
 
 // The begin of a trailer for the file's own name, which something was cut off or appended to.
 Status Remains(std::string_view tail, std::string_view ownName) {
-    const std::size_t infoLength = ownName.size() + 1 + kBehindName;
+    const std::size_t infoLength = ownName.size() + 1 + kAfterNameSize;
     const std::size_t at = tail.rfind(BeginFor(ownName));
     if (at == std::string_view::npos) return kGood;
     const std::size_t end = at + kLength + infoLength + kCheckBlock;

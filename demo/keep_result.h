@@ -15,6 +15,6 @@ namespace titration {
 /// drawn, and laid out as a print job.
 /// @throws Failure
 /// @return what was done, stage by stage
-std::string Determine(const Options& options, Session& session, History& history, MadeFiles& made);
+std::string KeepResult(const Options& options, Session& session, History& history, MadeFiles& made);
 
 }  // namespace titration

@@ -1,12 +1,12 @@
-#include "demo/result/determination.h"
+#include "demo/result/titration.h"
 
 #include "demo/support/failure.h"
 
 namespace titration {
 
-Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName,
-                      const std::string& data, int table) {
-    Determination result;
+Titration EvaluateTitration(const std::string& methodName, const Method& method, const std::string& dataName,
+                            const std::string& data, int table) {
+    Titration result;
     result.settingsFile = methodName;
     result.dataFile = dataName;
     result.settings = About(methodName, [&] { return ParseSettings(method); });

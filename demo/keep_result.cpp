@@ -1,17 +1,17 @@
-#include "demo/determine.h"
+#include "demo/keep_result.h"
 
 #include "demo/method/method_file.h"
 #include "demo/method/method_ini.h"
+#include "demo/report/layout_fingerprint.h"
 #include "demo/report/report.h"
 #include "demo/report/report_job.h"
 #include "demo/report/report_printer.h"
-#include "demo/report/report_sample.h"
 #include "demo/result/calculation.h"
 #include "demo/result/check_sums.h"
-#include "demo/result/determination.h"
 #include "demo/result/result_file.h"
 #include "demo/result/result_table.h"
 #include "demo/result/run_log.h"
+#include "demo/result/titration.h"
 #include "demo/support/failure.h"
 #include "demo/support/file_names.h"
 #include "demo/support/text_file.h"
@@ -19,15 +19,15 @@
 namespace titration {
 namespace {
 
-struct Titration {
-    Determination determination;
+struct Evaluated {
+    Titration titration;
     std::string measured;  // the text of the data file
     std::string text;      // what is said about the method
 };
 
 // Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
 // method from then on.
-Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& made) {
+Evaluated EvaluateByMethod(const Options& options, Session& session, MadeFiles& made) {
     MethodFile file(made.Path("method.xml"));
     const bool isKept = options.settings.empty();
     if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
@@ -43,7 +43,7 @@ Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& m
     if (options.table > 0) Log(stage::kTable + std::to_string(options.table));
     RequireOrdinaryFile(options.data);
     const std::string measured = ReadTextFile(options.data);
-    const Determination result = Titrate(name, method, options.data, measured, options.table);
+    const Titration result = EvaluateTitration(name, method, options.data, measured, options.table);
     Log(stage::kResult + Shown(result.result));
     if (changes.GetCount() == 0) return {result, measured, "Method     method.xml, as it was\n"};
     const std::string count = std::to_string(changes.GetCount());
@@ -55,10 +55,10 @@ Titration TitrateByMethod(const Options& options, Session& session, MadeFiles& m
     return {result, measured, "Method     method.xml, enciphered: " + what};
 }
 
-std::string WriteTexts(const Determination& determination, MadeFiles& made) {
-    WriteTextFile(Report(determination), made.Path("report.txt"));
+std::string WriteTexts(const Titration& titration, MadeFiles& made) {
+    WriteTextFile(Report(titration), made.Path("report.txt"));
     made.Add("report.txt");
-    const int lines = WriteResultTable(determination.result, made.Path("result.csv"));
+    const int lines = WriteResultTable(titration.result, made.Path("result.csv"));
     made.Add("result.csv");
     return "Written    report.txt, and result.csv with " + std::to_string(lines) + " lines\n";
 }
@@ -102,13 +102,13 @@ const CHistoryRenewInfo& Register(const Options& options, Session& session, Hist
 }
 
 // The report of the latest version as a print job, and the curve in it as a picture.
-std::string KeepReport(const Determination& determination, DWORD version, const CHistoryRenewInfo& record,
-                       ReportPrinter& printer, const std::string& sample, MadeFiles& made) {
-    CQelPrintJobQueueData job = MakeReportJob(determination, version, record, printer, made.Path("curve.png"));
-    made.Add("curve.png", sample);
+std::string KeepReport(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
+                       ReportPrinter& printer, const std::string& fingerprint, MadeFiles& made) {
+    CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, made.Path("curve.png"));
+    made.Add("curve.png", fingerprint);
     const std::string name = JobName(version);
     if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": cannot be written");
-    made.Add(name, sample);
+    made.Add(name, fingerprint);
     return "Drawn      curve.png, in one drawing with the report's curve\n"
            "Job        " +
            name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
@@ -118,17 +118,17 @@ std::string KeepReport(const Determination& determination, DWORD version, const 
 
 }  // namespace
 
-std::string Determine(const Options& options, Session& session, History& history, MadeFiles& made) {
+std::string KeepResult(const Options& options, Session& session, History& history, MadeFiles& made) {
     ReportPrinter printer(options.printer);
-    const auto [determination, measured, method] = TitrateByMethod(options, session, made);
-    const std::string sample = SampleOf(options.printer);
-    std::string text = method + Report(determination);
-    text += WriteTexts(determination, made);
-    text += Seal(determination.result.variables, made);
+    const auto [titration, measured, method] = EvaluateByMethod(options, session, made);
+    const std::string fingerprint = LayoutFingerprint(options.printer);
+    std::string text = method + Report(titration);
+    text += WriteTexts(titration, made);
+    text += Seal(titration.result.variables, made);
     text += KeepOrigin(history.Latest() + 1, measured, made);
     const CHistoryRenewInfo& record = Register(options, session, history, made);
     text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
-    return text + KeepReport(determination, history.Latest(), record, printer, sample, made);
+    return text + KeepReport(titration, history.Latest(), record, printer, fingerprint, made);
 }
 
 }  // namespace titration

@@ -1,4 +1,4 @@
-#include "demo/report/report_sample.h"
+#include "demo/report/layout_fingerprint.h"
 
 #include <cmath>
 
@@ -13,7 +13,7 @@
 namespace titration {
 namespace {
 
-Determination SampleDetermination() {
+Titration FixedTitration() {
     const Method method = {{kVariables, "C", "0.1"},        {kVariables, "UNUSED", "2.345678"},
                            {"result", "end_point", "EP"},   {"result", "name", "ACID"},
                            {"result", "formula", "EP * C"}, {"result", "unit", "g/L"},
@@ -24,10 +24,10 @@ Determination SampleDetermination() {
         line.Format("%.2f;%.3f\n", i / 2.0, 7 + 4 * std::tanh(i / 2.0 - 10.2));
         curve += std::string(line);
     }
-    return Titrate("sample.ini", method, "sample.csv", curve);
+    return EvaluateTitration("sample.ini", method, "sample.csv", curve);
 }
 
-CHistoryRenewInfo SampleRecord() {
+CHistoryRenewInfo FixedRecord() {
     CHistoryRenewInfo record;
     record.SetOperator("0123456789 (滴定)");
     record.SetComment("The quick brown fox jumps over the lazy dog");
@@ -42,17 +42,17 @@ std::string CrcOf(const std::string& path) {
 
 }  // namespace
 
-std::string SampleOf(const std::string& printerName) {
+std::string LayoutFingerprint(const std::string& printerName) {
     ReportPrinter printer(printerName);
-    const Determination determination = SampleDetermination();
+    const Titration titration = FixedTitration();
     const TemporaryFile job, curve, page;
-    if (MakeReportJob(determination, 1, SampleRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
+    if (MakeReportJob(titration, 1, FixedRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
         throw Failure(job.Path() + ": cannot be written");
-    ReportPages pages({job.Path()}, SampleRecord().GetRenewDateTime());
+    ReportPages pages({job.Path()}, FixedRecord().GetRenewDateTime());
     pages.SavePreview(1, page.Path());
-    std::string sample;
-    for (const TemporaryFile* file : {&job, &curve, &page}) sample += CrcOf(file->Path()) + " ";
-    return printerName == kPdfPrinter ? sample + CrcOf(TemporaryPrint(pages).Path()) : sample + "no PDF";
+    std::string fingerprint;
+    for (const TemporaryFile* file : {&job, &curve, &page}) fingerprint += CrcOf(file->Path()) + " ";
+    return printerName == kPdfPrinter ? fingerprint + CrcOf(TemporaryPrint(pages).Path()) : fingerprint + "no PDF";
 }
 
 }  // namespace titration

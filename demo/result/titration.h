@@ -10,7 +10,7 @@
 namespace titration {
 
 /// What was measured and what came out of it.
-struct Determination {
+struct Titration {
     std::string settingsFile;
     Settings settings;
     std::string dataFile;
@@ -23,7 +23,7 @@ struct Determination {
 /// the report.
 /// @param table which table of the file it is, 0: the only one
 /// @throws Failure when one of them cannot give a result
-Determination Titrate(const std::string& methodName, const Method& method, const std::string& dataName,
-                      const std::string& data, int table = 0);
+Titration EvaluateTitration(const std::string& methodName, const Method& method, const std::string& dataName,
+                            const std::string& data, int table = 0);
 
 }  // namespace titration
