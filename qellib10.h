@@ -1,5 +1,5 @@
 #pragma once
 
-// All public headers of the library; an application needs no other include.
+// All public headers of the library; an application needs no other.
 #include "qellib10/core.h"
 #include "qellib10/graphics.h"

@@ -23,13 +23,13 @@ void Decode(std::span<const char> source, unsigned char* target) {
     qel::DecodeBase64Plain(source.subspan(taken), target + taken / 4 * 3);
 }
 
-// Bytes that the padding in the last group, whole or not, takes off.
+// Bytes that the padding in the last group (complete or not) subtracts.
 int PaddingIn(std::span<const char> group) {
     if (group.size() > 2 && group[2] == qel::kBase64Padding) return 2;
     return group.size() > 3 && group[3] == qel::kBase64Padding ? 1 : 0;
 }
 
-// The three bytes of a group that lacks characters at its end.
+// The three bytes of a group whose last characters are missing.
 std::array<unsigned char, 3> PartialGroup(std::span<const char> characters) {
     std::array<char, 4> group = {};
     std::ranges::copy(characters, group.begin());
@@ -66,7 +66,7 @@ BOOL CBase64::GetBase64ToBin(const char* src, int n, unsigned char* dst, int& ds
 
     const std::span source(src, static_cast<std::size_t>(n));
     const std::size_t whole = source.size() / 4 * 4;
-    // Both before decoding, which may be in place.
+    // Both are read before decoding, which may be in place.
     dstSize = std::max(need - PaddingIn(source.subspan((source.size() - 1) / 4 * 4)), 0);
     const std::array partial = PartialGroup(source.subspan(whole));
 

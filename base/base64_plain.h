@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-// The Base64 alphabet of RFC 4648 and its conversion group by group, on any processor.
+// The Base64 alphabet of RFC 4648 and the conversion group by group, on any processor.
 namespace qel {
 
 inline constexpr char kBase64Padding = '=';
@@ -19,10 +19,11 @@ inline constexpr auto kBase64Values = [] {
     return values;
 }();
 
-/// Encodes all of @p source with padding at the end; @p target has room for four characters a begun group of three.
+/// Encodes all of @p source with padding at the end; @p target needs four characters per group of three, including a
+/// partial one.
 void EncodeBase64Plain(std::span<const unsigned char> source, char* target);
 
-/// Decodes the whole groups of four in @p source, three bytes each; @p target may be where @p source begins.
+/// Decodes the whole groups of four in @p source, three bytes each; @p target may be the start of @p source.
 void DecodeBase64Plain(std::span<const char> source, unsigned char* target);
 
 }  // namespace qel

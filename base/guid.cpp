@@ -31,5 +31,5 @@ CGuid CGuid::CreateNewGuid() {
 CString CGuid::GetString() const {
     std::array<char, qel::kGuidTextLength> text;
     qel::WriteGuidInline(m_guid, text);
-    return CString(std::string_view(text.data(), text.size()));  // of a length that the compiler knows
+    return CString(std::string_view(text.data(), text.size()));  // of a length known to the compiler
 }

@@ -30,15 +30,15 @@ public:
     bool operator==(const CGuid& other) const noexcept { return *this == other.m_guid; }
 
     operator GUID() const noexcept { return m_guid; }
-    /// The held GUID itself, to be filled in place.
+    /// The GUID itself, to be filled in place.
     operator GUID*() noexcept { return &m_guid; }
 
     void SetNull() noexcept { m_guid = {}; }
-    /// 1 when all 16 bytes are zero.
+    /// 1 if all 16 bytes are zero.
     BOOL IsNull() const noexcept;
 
-    /// A new GUID, never handed out before: version 4 of RFC 4122, 122 bits of the system's random source.
-    /// @return the null GUID when the system gives no random bytes
+    /// A new, unique GUID: version 4 of RFC 4122, 122 bits from the system's random source.
+    /// @return the null GUID if the system provides no random bytes
     static CGuid CreateNewGuid();
 
     /// Registry form in upper-case hexadecimal, 38 characters: {01234567-89AB-CDEF-0123-456789ABCDEF}.

@@ -7,7 +7,7 @@
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/types.h"
 
-// A GUID as files keep it: 32, 16 and 16 bits, lowest byte first, and 8 bytes. It has to fit into the bytes.
+// A GUID in the form of our files: 32, 16 and 16 bits, lowest byte first, and 8 bytes. It must fit in the bytes.
 namespace qel {
 
 inline constexpr std::size_t kGuidSize = 16;

@@ -9,7 +9,7 @@
 #include "qellib10/base/guid_text.h"
 #include "qellib10/base/guid_text_plain.h"
 
-// WriteGuid within its caller: half of what a text costs is its memory, and a call would be a tenth. Every x86-64
+// WriteGuid, inlined into its caller: half the cost of a text is its memory, and a call would be a tenth. Every x86-64
 // processor has SSE2, so there is nothing to choose at run time.
 namespace qel {
 
@@ -33,7 +33,7 @@ inline void WriteGuidInline(const GUID& guid, std::span<char, kGuidTextLength> t
     const __m128i front = HexadecimalDigits(_mm_unpacklo_epi8(high, low));  // digits 0-15: groups of 8, 4 and 4
     const __m128i back = HexadecimalDigits(_mm_unpackhi_epi8(high, low));   // digits 16-31: groups of 4 and 12
 
-    // Each store may run into what a later one writes.
+    // Each store may overlap the bytes of a later one.
     char* const to = text.data();
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 1), front);
     const __m128i frontHalf = _mm_srli_si128(front, 8);

@@ -4,7 +4,7 @@
 
 namespace qel {
 
-/// As WriteGuid, digit by digit, on any processor.
+/// Like WriteGuid, digit by digit, on any processor.
 void WriteGuidPlain(const GUID& guid, std::span<char, kGuidTextLength> text) noexcept;
 
 }  // namespace qel

@@ -2,7 +2,7 @@
 
 namespace qel {
 
-/// The power of ten that rounding multiplies by: the double nearest to it for exponents -22 to 22, else pow's.
+/// The power of ten that rounding multiplies by: the nearest double for exponents -22 to 22, else the result of pow.
 double PowerOfTen(int exponent);
 
 /// |x| in tenths of the last of @p digits places, 0 or more: the product that CQVariant::fround rounds.

@@ -66,7 +66,8 @@ int CQBinary::ReallocateBuffer(int n) {
     return 1;
 }
 
-// Not inlined: malloc and memset side by side become a calloc, for which the C library has no small blocks at hand.
+// Not inlined: the compiler turns malloc followed by memset into calloc, for which the C library has no small blocks
+// ready.
 [[gnu::noinline]] bool CQBinary::MoveBlock(std::size_t size) noexcept {
     void* const moved = std::realloc(m_pBuffer.get(), size);
     if (moved == nullptr) return false;
@@ -158,7 +159,7 @@ void CQBinary::DeleteTop(int n) {
         FreeBuffer();
         return;
     }
-    // In place, so that it cannot fail: the block stays, or gives back what is far too much.
+    // In place, so that it cannot fail: the block stays, or gives back what is far too large.
     std::memmove(m_pBuffer.get(), m_pBuffer.get() + n, Size(left));
     std::memset(m_pBuffer.get() + left, 0, Size(m_nCapacity - left));
     m_nSize = left;
@@ -219,7 +220,8 @@ void CQBinary::AddString(const char* s) {
     if (length <= Size(kLongest)) AddBinary(s, static_cast<int>(length));
 }
 
-// Fields are put together in one piece of memory: blanks, then the text, and what is wanted of both ends with it.
+// Fields are built in one piece of memory: blanks, then the text; the wanted number of characters is taken from the
+// end.
 
 void CQBinary::AddStrIntTopSign(int value, int width) {
     constexpr int kBlanks = 32;
@@ -282,7 +284,7 @@ void CQBinary::Load(CArchive& ar) {
     const std::optional<ULONGLONG> left = ar.BytesLeft();
     if (left && size > 0 && Size(size) > *left) throw tooShort();
 
-    // All at once, or where the file's length is unknown in pieces: memory grows only by what has arrived.
+    // All at once, or in pieces if the file's length is unknown: memory grows only with the bytes that arrive.
     const int piece = left ? size : std::min(size, kArchivePiece);
     bool isAllocated = size >= 0 && AllocateBuffer(piece) != 0;
     int have = 0;

@@ -44,15 +44,15 @@ public:
     CQBinary(const CQBinary& other) : m_nCapacity(kSmallestCapacity) { *this = other; }
     virtual ~CQBinary();
 
-    /// Bytes, capacity and byte order of @p other.
+    /// Copies bytes, capacity and byte order of @p other.
     CQBinary& operator=(const CQBinary& other);
 
     /// Size, bytes, byte order: an int, the bytes, an int, lowest byte first.
     ///
-    /// Loading takes a negative size as 0 and reads no byte for it. Memory that cannot be had leaves the buffer empty
-    /// and the bytes in the archive unread.
-    /// @throws CArchiveException endOfFile when the archive ends too early: within the size the contents stay, within
-    /// the bytes the buffer is empty, within the byte order it holds the new bytes and keeps its byte order
+    /// Loading treats a negative size as 0 and reads no bytes for it. If memory runs out, the buffer is empty and the
+    /// bytes in the archive are not read.
+    /// @throws CArchiveException endOfFile if the archive ends too early: within the size the contents stay, within the
+    /// bytes the buffer is empty, within the byte order it has the new bytes and keeps its byte order
     virtual void Serialize(CArchive& ar);
 
     /// Empty, and lowest byte first again.
@@ -60,30 +60,30 @@ public:
 
     // --- The buffer as a whole ---
 
-    /// Makes the @p n bytes at @p data the contents.
-    /// @return n; 0 changes nothing, but for memory that cannot be had, which leaves the buffer empty
+    /// Replaces the contents by the @p n bytes at @p data.
+    /// @return n; 0 changes nothing, except that the buffer is empty if memory runs out
     int SetBinary(const void* data, int n);
 
-    /// Writes @p n bytes at @p pos. The buffer then ends behind them, deliberately, also when they lie in its middle. A
-    /// gap that @p pos leaves shows what the buffer held there before, zeros at first.
+    /// Writes @p n bytes at @p pos. The buffer then ends after them, on purpose, even if they are in its middle. A gap
+    /// before @p pos contains what the buffer held there before, at first zeros.
     /// @return n or 0
     int SetBinary(int pos, const void* data, int n);
 
     /// Copies at most @p n bytes from the start, or from @p pos, to @p dst.
-    /// @return bytes copied; for @p pos at or behind the end 0 or the negative distance to it
+    /// @return bytes copied; for @p pos at or past the end 0 or the negative distance to it
     int GetBinary(void* dst, int n) const;
     int GetBinary(int pos, void* dst, int n) const;
 
-    /// At most @p n bytes from @p pos as text that ends before the first zero byte.
+    /// At most @p n bytes from @p pos as text, up to the first zero byte.
     CString GetString(int pos, int n) const;
 
     /// @p n zero bytes. @return 1 or 0
     int SetSize(int n);
-    /// The first @p n bytes; new ones are zero or what was cut off before. @return 1 or 0
+    /// Keeps the first @p n bytes; added ones are zero or what was cut off before. @return 1 or 0
     int Resize(int n);
     int GetSize() const noexcept { return m_nSize; }
 
-    /// The buffer itself, null as long as it has no memory. Good until the next operation that changes the size.
+    /// The buffer itself, null while it has no memory. Valid until the next operation that changes the size.
     operator char*() noexcept { return reinterpret_cast<char*>(m_pBuffer.get()); }
     operator unsigned char*() noexcept { return m_pBuffer.get(); }
     operator const char*() const noexcept { return reinterpret_cast<const char*>(m_pBuffer.get()); }
@@ -96,13 +96,13 @@ public:
     bool operator==(const CQBinary& other) const noexcept;
     bool operator!=(const CQBinary& other) const noexcept { return !(*this == other); }
 
-    /// 1 when the buffer is exactly these @p n bytes; 0 bytes are equal to an empty one.
+    /// 1 if the buffer is exactly these @p n bytes; 0 bytes are equal to an empty one.
     int Compare(const void* data, int n) const noexcept;
-    /// 1 when these @p n bytes stand at @p pos; 0 bytes stand anywhere but behind the end.
+    /// 1 if these @p n bytes are at @p pos; 0 bytes are anywhere except past the end.
     int Compare(int pos, const void* data, int n) const noexcept;
 
-    /// Takes @p n bytes off the front. Kept: this also resets the byte order to lowest first and the capacity to the
-    /// bytes left, 1024 at least. With more than there are the buffer becomes empty and its byte order stays.
+    /// Removes @p n bytes from the start. Kept: this also resets the byte order to lowest first and the capacity to the
+    /// bytes left, at least 1024. If @p n is too large, the buffer becomes empty and its byte order stays.
     void DeleteTop(int n);
 
     // --- Numbers at a position; outside the buffer they read as 0 and are not written ---
@@ -123,7 +123,7 @@ public:
     void AddByte(unsigned char value) { AddBinary(&value, 1); }
     void AddInt(int value);
 
-    /// Kept: with a null pointer the size still grows by @p n, and a negative @p n cuts bytes off the end.
+    /// Kept: with a null pointer the size still grows by @p n, and a negative @p n removes bytes from the end.
     void AddBinary(const void* data, int n) {
         if (m_pBuffer != nullptr && data != nullptr && n > 0 && n <= m_nCapacity - m_nSize && !IsOwn(data)) {
             std::memcpy(m_pBuffer.get() + m_nSize, data, static_cast<std::size_t>(n));
@@ -140,26 +140,26 @@ public:
     /// Instruments expect the minus sign of a negative number in both places: -5 in width 4 is "- -5".
     void AddStrIntTopSign(int value, int width);
 
-    /// The same with the last width - 1 characters of ten blanks and CQVariant::DoubleToStr(value, decimals,
-    /// roundMode): 1.5 in width 6 with two decimals is "  1.50". A field wider than those is not filled up.
+    /// The same with the last width - 1 characters of ten blanks followed by CQVariant::DoubleToStr(value, decimals,
+    /// roundMode): 1.5 in width 6 with two decimals is "  1.50". A wider field is not filled up.
     void AddDoubleTopSign(double value, int width, int decimals, int roundMode);
 
     // --- Debugging ---
 
-    /// Walks the bytes, writes nothing and pauses 50 ms at every index that is a multiple of @p n, the first included;
-    /// 0 does nothing.
+    /// Goes through the bytes, writes nothing and pauses 50 ms at every index that is a multiple of @p n, including the
+    /// first; 0 does nothing.
     void DebugDump(int n) const;
     void DumpCSource(int n) const { DebugDump(n); }
 
 protected:
-    /// Provides a zeroed buffer of the capacity, or of @p n bytes when that is more. One that is large enough stays as
-    /// it is, a smaller one is given up with its contents.
+    /// Allocates a zeroed buffer of the capacity, or of @p n bytes if that is more. A buffer that is large enough does
+    /// not change, a smaller one is freed with its contents.
     /// @return 1; 0 leaves no buffer
     int AllocateBuffer(int n);
-    /// Provides a capacity of @p n bytes at least, as the class says, and keeps the contents.
-    /// @return 1; 0 leaves the buffer as it was
+    /// Provides a capacity of at least @p n bytes, as described at the class, and keeps the contents.
+    /// @return 1; 0 does not change the buffer
     int ReallocateBuffer(int n);
-    /// The capacity stays.
+    /// The capacity does not change.
     void FreeBuffer() noexcept;
 
     int GetCapacity() const noexcept { return m_nCapacity; }
@@ -178,7 +178,7 @@ private:
         return m_pBuffer != nullptr && offset < static_cast<std::size_t>(m_nCapacity);
     }
     void AddAndGrow(const void* data, int n);
-    // The last width - 1 characters of a text.
+    // Appends the last width - 1 characters of a text.
     void AddEnd(const char* begin, const char* end, int width);
     void AddSign(bool isNegative) { AddByte(isNegative ? '-' : ' '); }
     bool MoveBlock(std::size_t size) noexcept;
@@ -188,8 +188,8 @@ private:
     template <class T> T GetNumber(int pos) const noexcept;
 
     int m_nEndian = 0;
-    int m_nSize = 0;                   // valid bytes, never more than the capacity
-    int m_nCapacity = kFirstCapacity;  // bytes that callers see, and the least that is allocated
-    std::size_t m_nBlock = 0;          // bytes of the block: doubles where the capacity takes steps
+    int m_nSize = 0;                   // valid bytes, at most the capacity
+    int m_nCapacity = kFirstCapacity;  // bytes that callers see; at least this much is allocated
+    std::size_t m_nBlock = 0;          // bytes of the block: doubles where the capacity grows in steps
     std::unique_ptr<unsigned char, Free> m_pBuffer;
 };

@@ -1,4 +1,4 @@
-// Texts: characters, lists, comparisons, quotation, hexadecimal, values of databases.
+// Texts: characters, lists, comparisons, quotation, hexadecimal, database values.
 
 #include <bit>
 #include <cstdint>
@@ -16,10 +16,10 @@ constexpr std::string_view kDigits = "0123456789";
 
 constexpr const char* OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
-// The first bytes of a text that may end before; nothing behind them is read.
+// The first bytes of a text that may end before; nothing after its end is read.
 std::string_view First(const char* text, std::size_t most) { return {OrEmpty(text), strnlen(OrEmpty(text), most)}; }
 
-// Bytes before the digits at the end. Neither digits nor the other characters that are searched for bytewise here
+// Number of bytes before the digits at the end. Neither digits nor the other characters that are searched by bytes here
 // (below 40 hex) can be a trail byte.
 std::size_t LengthBeforeNumber(std::string_view text) { return text.find_last_not_of(kDigits) + 1; }
 

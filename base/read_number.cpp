@@ -24,7 +24,7 @@ std::string_view OrEmpty(const char* text) { return text != nullptr ? text : "";
 
 std::optional<double> ReadNumber(std::string_view text) {
     text = WithoutBlanks(text);
-    // from_chars takes "-" alone as a sign, and would read names of infinities.
+    // from_chars accepts only "-" as a sign, and would read names of infinities.
     if (text.starts_with('+')) {
         text.remove_prefix(1);
         if (text.starts_with('-')) return std::nullopt;

@@ -17,17 +17,17 @@ namespace qel {
 namespace {
 
 constexpr std::array<std::uint32_t, 9> kPowers = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-constexpr int kMaxDigits = 8;  // before the point, and behind it
+constexpr int kMaxDigits = 8;  // before the point, and after it
 
-// Below so many units their number and the double have the same digits.
+// Below this many units their number and the double have the same digits.
 constexpr std::uint64_t kFirstInexact = std::uint64_t{1} << 51;
 
-// Doubles from 2^53 units on are more than a unit apart: the number itself has all the digits that there are, while the
-// product of the rounding is off by several units.
+// Doubles from 2^53 units on are more than a unit apart: the number itself has all the digits there are, while the
+// product used for rounding is wrong by several units.
 constexpr double kNothingToRound = 0x1p53 * 10;  // in tenths of a unit
 
-// The eight digits of a number below 10^8, the first in the lowest byte. Halves, pairs and digits are split side by
-// side in one word; 10486 / 2^20 and 103 / 2^10 are a hundredth and a tenth, exact for numbers of four and two digits.
+// The eight digits of a number below 10^8, the first in the lowest byte. Halves, pairs and digits are split in parallel
+// in one word; 10486 / 2^20 and 103 / 2^10 are a hundredth and a tenth, exact for numbers of four and two digits.
 std::uint64_t EightDigits(std::uint32_t number) {
     const std::uint64_t halves = number / 10000 | std::uint64_t{number % 10000} << 32;
     const std::uint64_t hundreds = (halves * 10486) >> 20 & 0x0000007F0000007F;
@@ -36,14 +36,14 @@ std::uint64_t EightDigits(std::uint32_t number) {
     return (tens | (pairs - tens * 10) << 8) + 0x3030303030303030;
 }
 
-// Writes the last @p count digits of a number below 10^8; all of the eight bytes at @p at are overwritten.
+// Writes the last @p count digits of a number below 10^8; all eight bytes at @p at are overwritten.
 void PutDigits(char* at, std::uint32_t number, int count) {
     const std::uint64_t text = EightDigits(number) >> 8 * (kMaxDigits - count);
     std::memcpy(at, ToLittleEndian(text).data(), sizeof text);
 }
 
 // Digits of a number below 10^8, at least one. 1233 / 2^12 is the decimal logarithm of 2; no power of ten from 10 on is
-// odd, so the lowest bit changes nothing but 0.
+// odd, so setting the lowest bit changes only 0.
 int CountDigits(std::uint32_t number) {
     const std::uint32_t odd = number | 1;
     const unsigned estimate = static_cast<unsigned>(std::bit_width(odd)) * 1233 >> 12;
@@ -55,7 +55,7 @@ struct Parts {
     std::uint32_t fraction;
 };
 
-// Both parts are below 10^8. The narrower division is the quicker one, on some processors by far.
+// Both parts are below 10^8. The narrower division is faster, on some processors by far.
 Parts Split(std::uint64_t units, std::uint32_t unitsOfOne) {
     if (const auto narrow = static_cast<std::uint32_t>(units); narrow == units) {
         return {narrow / unitsOfOne, narrow % unitsOfOne};
@@ -73,9 +73,9 @@ int WriteFixedPoint(bool negative, Parts number, int decimals, char* at) {
     return static_cast<int>(begin - at) + wholeDigits + 1 + decimals;
 }
 
-// A short text, put together in registers: the first eight characters, the first of them in the lowest byte, and the
-// others. In memory it is one piece, since reading a piece across two that were just written would take as long as all
-// else.
+// A short text, built in registers: the first eight characters (the first one in the lowest byte), and the others. It
+// is written to memory in one piece: reading a piece that spans two that were just written would take as long as
+// everything else.
 struct ShortText {
     using Words = std::uint64_t __attribute__((vector_size(16)));
     Words words;
@@ -86,13 +86,13 @@ std::uint64_t InMemory(std::uint64_t word) { return std::bit_cast<std::uint64_t>
 
 constexpr int kMaxShortDigits = kMaxDigits - 1;  // a sign is the eighth character
 
-// The text of a number of up to kMaxShortDigits digits, a zero before the point included. @p decimals is 1 to 6.
+// The text of a number of up to kMaxShortDigits digits, including a zero before the point. @p decimals is 1 to 6.
 ShortText ShortFixedPoint(bool negative, std::uint32_t units, int decimals) {
     const int characters = std::max(CountDigits(units), decimals + 1) + (negative ? 1 : 0);
-    // Before the first digit is a zero, which becomes the sign.
+    // Before the first digit there is a zero, which becomes the sign.
     constexpr std::uint64_t kZeroToSign = '0' ^ '-';
     const std::uint64_t text = EightDigits(units) >> 8 * (kMaxDigits - characters) ^ (negative ? kZeroToSign : 0);
-    // The point goes between the digits, and those after it move on by one.
+    // The point is put between the digits, and those after it move by one.
     const int point = 8 * (characters - decimals);  // in bits, at most 56
     const std::uint64_t whole = text & ((std::uint64_t{1} << point) - 1);
     const ShortText::Words words = {InMemory(whole | std::uint64_t{'.'} << point | (text ^ whole) << 8),
@@ -100,16 +100,16 @@ ShortText ShortFixedPoint(bool negative, std::uint32_t units, int decimals) {
     return {words, characters + 1};
 }
 
-constexpr int kInPlace = 15;  // a text of so many bytes needs no block of its own
+constexpr int kInPlace = 15;  // a text of this length needs no block of its own
 
-// Copies kInPlace bytes, whatever @p length is: a fixed number of them needs no loop.
+// Copies kInPlace bytes, whatever @p length is: a fixed number needs no loop.
 CString InPlace(const char* bytes, int length) {
     CString text(std::string_view(bytes, kInPlace));
     text.ReleaseBuffer(length);
     return text;
 }
 
-// Apart, so that the short way saves no registers for it.
+// Separate, so that the short way saves no registers for it.
 [[gnu::noinline]] CString LongRoundedText(double x, int digits, int mode) {
     std::array<char, kQuickTextSize> buffer{};
     const int length = WriteQuickRoundedText(x, digits, mode, buffer.data());

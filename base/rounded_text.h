@@ -4,22 +4,22 @@
 
 namespace qel {
 
-/// CQVariant::DoubleToStr for @p digits above 0 by its rule: round, then print the double; with @p mode 0 the number
-/// itself where no digit of the rounded one is right any more.
+/// CQVariant::DoubleToStr for @p digits above 0 by its rule: round, then print the double; with @p mode 0 print the
+/// number itself if no digit of the rounded one would be right.
 CString RoundedTextByRule(double x, int digits, int mode);
 
-/// The same text without printing a double where that is possible, which is for up to 8 digits before and behind the
-/// point: the rounded number is a whole number of units, and below 2^51 of them the double's digits are exactly those
-/// of that number. (The power of ten and the product are off by at most half a unit in the last of 53 bits each; up to
-/// there both together stay below half a unit.) @p digits is above 0.
+/// The same text without printing a double, where possible: for up to 8 digits before and after the point. The rounded
+/// number is a whole number of units, and below 2^51 of them the double's digits are exactly those of that number. (The
+/// power of ten and the product are each wrong by at most half a unit in the last of 53 bits; up to there both together
+/// stay below half a unit.) @p digits is above 0.
 CString RoundedText(double x, int digits, int mode);
 
-/// Room for a text by the quick way, and for what is written behind it on the way.
+/// Size for a text written the quick way, including bytes written after it on the way.
 inline constexpr int kQuickTextSize = 32;
 
-/// The quick way alone, for texts that are built in place.
+/// Only the quick way, for texts that are built in place.
 /// @param at kQuickTextSize bytes
-/// @return length, or 0 when it is not possible
+/// @return length, or 0 if it is not possible
 int WriteQuickRoundedText(double x, int digits, int mode, char* at);
 
 }  // namespace qel

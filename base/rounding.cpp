@@ -13,7 +13,8 @@ constexpr int kMaxExponent = 400;  // beyond the range of double
 double RoundDecimals(double x, int digits, int mode, double sign) {
     const double scaled = InTenths(x, digits);
     if (!(scaled < kTooLargeTenths)) return x;
-    // A hundredth of a unit of the first dropped digit absorbs what doubles lack: 1.005 is seen as 1005, not as 1004.
+    // A hundredth of a unit of the first dropped digit corrects the error of doubles: 1.005 is seen as 1005, not as
+    // 1004.
     const auto units = static_cast<std::int64_t>(std::floor(scaled + 0.01));
     const std::int64_t dropped = units % 10;
     std::int64_t kept = units / 10;
@@ -30,7 +31,7 @@ double RoundBeforePoint(double x, int digits, int mode, double sign) {
                          : mode == 0 ? std::floor(size / power + 0.5)
                          : mode == 1 ? std::ceil(size / power)
                                      : size;
-    return units == 0 ? units * sign : units * power * sign;  // 0 stays 0 beside an infinite power
+    return units == 0 ? units * sign : units * power * sign;  // 0 stays 0 with an infinite power
 }
 
 }  // namespace

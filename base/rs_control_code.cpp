@@ -10,7 +10,7 @@ void CRSControlCode::ConvertDisplay(CString& text) {
         text = qel::LookUpOwnString(qel::kNoControlCodeId).value_or(CString());
         return;
     }
-    // No token can begin inside another one or inside what replaces it, so one pass each is enough, in any order.
+    // No token can start inside another one or inside its replacement, so one pass each is enough, in any order.
     for (const char* carriageReturn : {"$0d", "$0D"}) text.Replace(carriageReturn, "[CR]");
     for (const char* lineFeed : {"$0a", "$0A"}) text.Replace(lineFeed, "[LF]");
 }

@@ -1,5 +1,5 @@
-// Promise: an operation on CBCD takes hardly longer than the call into decNumber that it stands for, a number and a
-// context as the result in both cases.
+// Promise: an operation of CBCD takes hardly longer than its call into decNumber; in both cases the result is a number
+// and a context.
 //   */6 <= 1.15 */6/Peer
 //   */15 <= 1.15 */15/Peer
 #include <benchmark/benchmark.h>
@@ -34,7 +34,7 @@ std::vector<CBCD> Numbers(int digits) {
     return numbers;
 }
 
-// Runs @p operation over neighbours in a ring of numbers.
+// Runs @p operation on neighbouring numbers of a ring.
 template <typename Number, typename Operation>
 void OverPairs(benchmark::State& state, std::vector<Number>& numbers, Operation operation) {
     for (std::size_t i = 0; auto _ : state) {
@@ -44,7 +44,7 @@ void OverPairs(benchmark::State& state, std::vector<Number>& numbers, Operation 
     }
 }
 
-// Registers both forms of an operation; @p same tells whether two results are equal.
+// Registers both forms of an operation; @p same returns whether two results are equal.
 template <typename Class, typename Peer, typename Same>
 void Register(const std::string& name, Class ofClass, Peer ofPeer, Same same) {
     for (const int digits : {6, 15}) {

@@ -1,4 +1,4 @@
-// Promises: in both directions quicker than Botan, OpenSSL and libgcrypt; one block and the set-up of a key not slower
+// Promises: in both directions faster than Botan, OpenSSL and libgcrypt; one block and the set-up of a key not slower
 // than OpenSSL's.
 //   Run<Ours, *>/1024 >= 1.1 Run<BotanCipher, *>/1024
 //   Run<Ours, *>/1048576 >= 1.1 Run<BotanCipher, *>/1048576
@@ -12,7 +12,7 @@
 //   KeySetUp<Ours> beside KeySetUp<Gcrypt>
 //   Run<Ours, *>/8 beside Run<BotanCipher, *>/8
 //   Run<Ours, *>/8 beside Run<Gcrypt, *>/8
-#define OPENSSL_SUPPRESS_DEPRECATED  // the block function is the quickest that OpenSSL has
+#define OPENSSL_SUPPRESS_DEPRECATED  // the block function is OpenSSL's fastest
 #include <algorithm>
 #include <memory>
 #include <vector>

@@ -1,6 +1,6 @@
-// Promises: Base64 beside OpenSSL's EVP block functions, GUID text into a caller's buffer, and as a string, beside
-// libuuid, 1 MiB appended to the buffer by 64 bytes beside GLib's GByteArray, a telegram of five number fields beside
-// std::string with std::to_chars.
+// Promises: Base64 compared with OpenSSL's EVP block functions; GUID text into a caller's buffer, and as a string,
+// compared with libuuid; 1 MiB appended to the buffer in pieces of 64 bytes compared with GLib's GByteArray; a telegram
+// of five number fields compared with std::string and std::to_chars.
 //   Base64Encode/* >= 7 Base64EncodePeer/*
 //   Base64Decode/* >= 7 Base64DecodePeer/*
 //   GuidText >= 4 GuidTextPeer
@@ -32,7 +32,7 @@ void Check(bool equal) {
     if (!equal) std::abort();
 }
 
-// A block of bytes, its text, and room for the results of both sides.
+// A block of bytes, its text, and space for the results of both sides.
 struct Base64Work {
     explicit Base64Work(benchmark::State& state)
         : bytes(static_cast<std::size_t>(state.range(0))), text(bytes.size() / 3 * 4 + 5), back(bytes.size() + 3) {
@@ -113,7 +113,7 @@ void GuidTextPeer(benchmark::State& state) {
 BENCHMARK(GuidText);
 BENCHMARK(GuidTextPeer);
 
-// With the string's memory on top.
+// Including the string's memory.
 void GuidString(benchmark::State& state) {
     CGuid guid = CGuid::CreateNewGuid();
     for (auto _ : state) {
@@ -162,7 +162,8 @@ void BufferAppendPeer(benchmark::State& state) {
 BENCHMARK(BufferAppend);
 BENCHMARK(BufferAppendPeer);
 
-// A line of results as a balance sends it: two counters and three measured values, ready-rounded for the peer's sake.
+// A line of results as a balance sends it: two counters and three measured values, already rounded because the peer
+// does not round.
 struct Reading {
     int number, count;
     double weight, volume, ratio;

@@ -1,5 +1,5 @@
-// Promises about registering 1 MiB in a cabinet, which beside a row with a blob of 1 MiB in SQLite, flushed, takes the
-// same time whatever the cabinet holds already; and about taking out of 200 versions of 1 MiB, beside reading and
+// Promises: registering 1 MiB in a cabinet compared with inserting a flushed row with a blob of 1 MiB in SQLite; it
+// takes the same time however much the cabinet contains. Taking versions of 1 MiB out of 200 compared with reading and
 // writing 1 MiB.
 //   Register/1MiB >= 0.7 RegisterPeer/*
 //   Register/200MiB >= 0.7 RegisterPeer/*
@@ -48,7 +48,7 @@ void Put(std::string& bytes, std::size_t offset, std::size_t number) {
     qel::PutNumber(std::as_writable_bytes(std::span(bytes)), offset, static_cast<DWORD>(number));
 }
 
-// A folder that holds a cabinet, and what is registered in it.
+// A folder with a cabinet and the files that are registered in it.
 class Workplace {
 public:
     Workplace() {
@@ -78,7 +78,7 @@ public:
         Write(Path("cabinet"), all);
         ::sync();
     }
-    // The one version gets so many bytes, most of them a hole: a registration does not read them.
+    // Makes the only version this large, most of it a hole: a registration does not read it.
     void StretchTo(std::uint64_t size) const {
         std::string bytes = Read(Path("cabinet")).substr(0, kHeader + kVersionHeader);
         Put(bytes, kHeader + 8, size - bytes.size());
@@ -134,7 +134,7 @@ void Register(benchmark::State& state, std::uint64_t size) {
     Check(cabinet.GetLatestVersionFile(place.Path("latest").c_str()) != 0);
     Check(CQFile::CompareFile(place.Path("latest").c_str(), source.c_str()) != 0);
 }
-// Reads the file, too.
+// Reads the file too.
 void RegisterPeer(benchmark::State& state, const char* journal) {
     const Workplace place;
     sqlite3* database = nullptr;

@@ -1,5 +1,5 @@
-// Promises: checking and calculating a typical formula from its text is much faster than muParser's parsing and
-// evaluating it, and hardly slower with 512 variables in the list than with 8.
+// Promises: checking and calculating a typical formula from its text is much faster than parsing and evaluating it with
+// muParser, and hardly slower with 512 variables in the list than with 8.
 //   Formula/* >= 30 FormulaPeer/*
 //   Formula/512 <= 1.2 Formula/8
 #include <benchmark/benchmark.h>
@@ -18,7 +18,7 @@ namespace {
 constexpr const char* kFormula = "(VOL-BLANK)*CONC*FACTOR*MW/(SAMPLE*PURITY)*1000+OFFSET*.5";
 constexpr const char* kNames[] = {"VOL", "BLANK", "CONC", "FACTOR", "MW", "SAMPLE", "PURITY", "OFFSET"};
 
-// The variables of the formula stand spread over the list.
+// The variables of the formula are spread over the list.
 std::vector<std::string> Names(int count) {
     std::vector<std::string> names;
     for (int i = 0; i < count; ++i) {
@@ -52,7 +52,7 @@ double Parsed(mu::Parser& parser) {
     return parser.Eval();
 }
 
-// Both sides over the same variables, once they were found to agree.
+// Both sides with the same variables, after checking that their results agree.
 struct Sides {
     explicit Sides(int count) : names(Names(count)), values(names.size()) {
         calc.SetCalcVarList(ListOf(names));

@@ -1,7 +1,7 @@
-// Promises: the CRC in memory is quicker than ISA-L's in whatever form that runs here; with 128-bit multiplication
-// alone it is as quick as ISA-L's form of that width, far quicker than with slicing tables, and these than the byte
-// table; the byte sum is quicker than libdeflate's adler32. CRC and sum in one pass are quicker than ISA-L's CRC
-// followed by a vector sum, most of all where ISA-L has no 512-bit form.
+// Promises: the CRC in memory is faster than ISA-L's, in whatever form runs here. With 128-bit multiplication only, it
+// is as fast as ISA-L's form of that width, far faster than with slicing tables, and these than the byte table. The
+// byte sum is faster than libdeflate's adler32. CRC and sum in one pass are faster than ISA-L's CRC followed by a
+// vector sum, above all if ISA-L has no 512-bit form.
 //   Crc/65536 >= 1.1 CrcPeer/65536
 //   Crc/67108864 >= 1 CrcPeer/67108864
 //   CrcFolding/65536 >= 0.95 CrcPeer128/65536
@@ -25,7 +25,8 @@
 #include "qellib10/file/check_sums_vector.h"
 #include "qellib10/file/crc32_bzip2.h"
 
-// ISA-L's form with 128-bit multiplication, which its header does not name: crc32_ieee picks a form by the processor.
+// ISA-L's form with 128-bit multiplication, which its header does not declare: crc32_ieee chooses a form by the
+// processor.
 extern "C" std::uint32_t crc32_ieee_01(std::uint32_t start, const unsigned char* bytes, std::uint64_t size);
 
 namespace {

@@ -1,5 +1,5 @@
-// Promises: a picture of 1200 x 800 in few colours saved as PNG faster than by Cairo; a PDF of 10,000 lines and 1,000
-// texts hardly slower than Cairo and Pango drawing the same.
+// Promises: a picture of 1200 x 800 in few colours is saved as PNG faster than by Cairo; a PDF of 10,000 lines and
+// 1,000 texts takes hardly longer than drawing the same with Cairo and Pango.
 //   Png >= 5 PngByCairo
 //   Pdf <= 1.2 PdfByCairo
 
@@ -46,7 +46,7 @@ struct Picture {
             dc.TextOut(20, 20 + static_cast<int>(curve) * 75, CString("Curve ") + static_cast<char>('0' + curve));
         }
         pixels.resize(std::size_t{kWidth} * kHeight);
-        dc.GetPixel(0, 0);  // with all that was drawn
+        dc.GetPixel(0, 0);  // after everything has been drawn
         bitmap.GetBitmapBits(static_cast<DWORD>(pixels.size() * 4), pixels.data());
     }
 

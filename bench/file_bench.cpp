@@ -1,5 +1,5 @@
-// Promises about 64 MiB in the page cache (Find: 4 MiB): GetFileCRC beside read in the best block and ISA-L,
-// CompareFile beside cmp, WriteFromFile and ReadToFile beside cp, Find beside a seek and a read for every first byte.
+// Promises, for 64 MiB in the page cache (Find: 4 MiB): GetFileCRC compared with read in the best block size plus
+// ISA-L, CompareFile with cmp, WriteFromFile and ReadToFile with cp, Find with a seek and a read for every first byte.
 //   FileCrc >= 1 FileCrcPeer/*
 //   Compare >= 1.8 ComparePeer
 //   CopyIn >= 0.95 CopyPeer
@@ -33,7 +33,7 @@ void Check(bool holds) {
     if (!holds) std::abort();
 }
 
-// A folder with two equal files of random bytes, a smaller one, and one of text that the pattern stands at the end of.
+// A folder with two equal files of random bytes, a smaller one, and a text that ends with the pattern.
 class Files {
 public:
     Files() {
@@ -172,7 +172,7 @@ ULONGLONG FindByPeer(CFile& file, const std::string& pattern) {
     return 0;
 }
 
-// Random bytes, where the first one is rare, and text, where it is not.
+// Random bytes, in which the first byte is rare, and text, in which it is not.
 void Find(benchmark::State& state, const char* name, const std::string& pattern) {
     CQFile file;
     Check(file.Open(TheFiles().Posix(name).c_str(), CFile::modeRead) != 0);

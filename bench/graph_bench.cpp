@@ -1,14 +1,14 @@
-// Promise: redrawing a graph of 1200 x 800 pixels costs reading each point once. Beside us draw the same points Cairo
-// (strokes without antialiasing), QCustomPlot with its adaptive sampling, and the plain lines of AGG. A point added to
-// a million is redrawn in some nanoseconds for each of them, and a million recorded into a print job take little
-// memory. Texts, frame and grid are part of our times.
+// Promise: redrawing a graph of 1200 x 800 pixels costs no more than reading each point once. The peers draw the same
+// points: Cairo (strokes without antialiasing), QCustomPlot with its adaptive sampling, and the plain lines of AGG.
+// Adding a point to a million and redrawing takes some nanoseconds per point, and recording a million into a print job
+// takes little memory. Texts, frame and grid are part of our times.
 //   Draw<Ours>/10/100000/* >= 40 Draw<Cairo>/10/100000/*
 //   Draw<Ours>/10/100000/* >= 2 Draw<CustomPlot>/10/100000/*
 //   Draw<Ours>/512/1000/10 >= 15 Draw<Cairo>/512/1000/10
 //   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
 //   Record/1/1000000/10:bytes_a_point <= 200
-// A wide pen costs little more than a thin one, and a dashed one not much more, on a background of either kind.
+// A wide pen costs little more than a thin one, and a dashed one not much more, on either kind of background.
 //   Draw<Wide<2>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<3>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<9>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
@@ -16,7 +16,7 @@
 //   Draw<Dashed>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<DashedClear>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Dashed>/1/1000000/10 >= 20 Draw<DashedCairo>/1/1000000/10
-// A frame whose axes have texts is drawn again without making its fonts again.
+// A frame with axis texts is redrawn without creating its fonts again.
 //   Frame<true> <= 8 Frame<false>
 #include <agg_pixfmt_rgba.h>
 #include <agg_rasterizer_outline.h>
@@ -49,7 +49,7 @@ struct Series {
     std::vector<double> x, y;  // in pixels of the area, y upward
 };
 
-// Curves of one wave each with noise, the same for all.
+// Curves of one wave each with noise, the same for all peers.
 struct Input {
     int series, points, noise;
     auto operator<=>(const Input&) const = default;
@@ -110,7 +110,7 @@ private:
     CQelGraph m_graph;
 };
 
-// The same under other pens.
+// The same with other pens.
 template <int kStyle, int kPenWidth, int kBackMode> class Penned : public Ours {
 public:
     explicit Penned(const std::vector<Series>& series) : Ours(series) {
@@ -234,7 +234,7 @@ template <class Drawer> int Ink(Drawer& drawer) {
     return count;
 }
 
-// The same curves: as many pixels as ours, but for how each peer rounds and joins.
+// The same curves: as many pixels as ours, except for differences in rounding and joins.
 template <class Same, class Drawer> void CheckAlike(const Input& input, Drawer& peer) {
     Same ours(SeriesOf(input));
     ours.Draw();
@@ -246,7 +246,7 @@ template <class Same, class Drawer> void CheckAlike(const Input& input, Drawer& 
     }
 }
 
-// Ours that a peer draws the same as.
+// Our drawer for which a peer draws the same.
 template <class Drawer> struct SameAs { using Type = Ours; };
 template <int kStyle, int kPenWidth, int kBackMode> struct SameAs<Penned<kStyle, kPenWidth, kBackMode>> {
     using Type = Penned<kStyle, kPenWidth, kBackMode>;
@@ -262,7 +262,7 @@ template <class Drawer> void Draw(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * input.series * input.points);
 }
 
-// A live curve: one more point, which the axis takes in, and everything drawn again.
+// A live curve: one more point, for which the axis grows, and everything drawn again.
 void AppendAndDraw(benchmark::State& state) {
     const Input input = InputOf(state);
     Ours ours(SeriesOf(input));
@@ -277,7 +277,7 @@ void AppendAndDraw(benchmark::State& state) {
         benchmark::Counter(input.points, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-// Frame, grid and, if asked for, the values and dimensions of two axes.
+// Frame, grid and, on request, the values and dimensions of two axes.
 template <bool kHasTexts> void Frame(benchmark::State& state) {
     Ours ours({});
     ours.Graph().SetDivX(10);

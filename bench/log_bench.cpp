@@ -1,9 +1,9 @@
-// Promises: a line of the log beside the same bytes by the bare calls that it takes to be alone with the file
-// meanwhile; eight processes at once on one file, no line lost or mixed, beside eight that make these calls. Append,
-// which keeps nobody out, shows what being alone costs: the bare calls take 2.3 times as long, so the wanted 0.7 times
-// an append is not in reach of a file that is opened for each line so that nobody else has it. Both make seven system
-// calls. None of them can be left out: without the look at the name a line could go to a file that was replaced
-// meanwhile and be lost, and without the unlocking a child of vfork would hold the others back.
+// Promises: a line of the log compared with the same bytes written by the plain calls needed for exclusive use of the
+// file; eight processes at once on one file, without lost or mixed lines, compared with eight that make these calls.
+// Append, which keeps nobody out, shows what exclusive use costs: the plain calls take 2.3 times as long. So 0.7 times
+// an append is impossible for a file that is opened exclusively for each line. Both make seven system calls, and all
+// are needed: without checking the name, a line could be lost in a file that was replaced meanwhile; without unlocking,
+// a child of vfork would block the others.
 //   Line<Ours> >= 0.85 Line<Alone>
 //   Processes<Ours> >= 0.6 Processes<Alone>
 //   Line<Ours> beside Line<Append>
@@ -38,7 +38,7 @@ std::string FileName() {
     return std::string(below != nullptr ? below : "/tmp") + "/qellib10-bench-log-" + std::to_string(::getpid());
 }
 
-// The log file of one benchmark, empty at first.
+// The log file of one benchmark, initially empty.
 class LogFile {
 public:
     LogFile() { CLog::SetLogFile(m_name.c_str()); }
@@ -67,7 +67,7 @@ void WriteAll(int file, const std::string& line) {
     Check(file >= 0 && ::write(file, line.data(), line.size()) == static_cast<ssize_t>(line.size()));
 }
 
-// The calls that it takes to be alone with the file of this name meanwhile.
+// The calls needed for exclusive use of the file with this name.
 struct Alone {
     static void Write(const std::string& name, const std::string& message) {
         const std::string line = LineOf(message);
@@ -108,7 +108,7 @@ template <class Writer> void Line(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
 }
 
-// Every process's lines are there, whole and in its order.
+// All lines of every process are there, complete and in order.
 void CheckLines(const std::string& bytes) {
     std::array<int, kProcesses> next{};
     std::string_view rest = bytes;
@@ -127,7 +127,7 @@ template <class Writer> void WriteLines(int process, const std::string& name) {
     for (int line = 0; line < kLines; ++line) Writer::Write(name, Message(process, line));
 }
 
-// Seconds from the moment when all processes may begin to the end of the last one.
+// Seconds from the moment when all processes may start to the end of the last one.
 template <class Writer> double RunProcesses(const std::string& name) {
     int gate[2];  // opens when its writing end is closed everywhere
     Check(::pipe(gate) == 0);
@@ -139,7 +139,7 @@ template <class Writer> double RunProcesses(const std::string& name) {
         WriteLines<Writer>(process, name);
         ::_exit(0);
     }
-    ::usleep(20'000);  // until all stand at the gate
+    ::usleep(20'000);  // until all are waiting at the gate
     const auto start = std::chrono::steady_clock::now();
     ::close(gate[1]);
     for (int process = 0; process < kProcesses; ++process) {

@@ -9,7 +9,7 @@
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/text/string.h"
 
-/// A file in memory, so that no disk is measured; it goes with the object.
+/// A file in memory, so that no disk is measured; it is deleted with the object.
 class MemoryFile {
 public:
     MemoryFile() : m_path("/dev/shm/qellib10-bench-" + std::to_string(std::random_device()())) {}

@@ -1,6 +1,7 @@
-// Promises: 100,000 line commands replayed onto a picture of 1200 x 800 beside one Cairo stroke, without antialiasing,
-// a line. A job file of 100,000 commands saved beside pugixml building and writing the same tree, and loaded beside
-// pugixml finding it by `select_nodes` and attributes by name. A recorded point takes little memory.
+// Promises: 100,000 line commands replayed onto a picture of 1200 x 800 compared with one Cairo stroke per line,
+// without antialiasing. A job file of 100,000 commands saved, compared with pugixml building and writing the same tree,
+// and loaded, compared with pugixml finding it with `select_nodes` and attributes by name. A recorded point takes
+// little memory.
 //   Replay >= 10 ReplayByCairo
 //   Save >= 0.9 SaveByPugixml
 //   Load >= 1 LoadByPugixml
@@ -30,7 +31,7 @@ struct Line {
     int x1, y1, x2, y2;
 };
 
-// A noisy curve, as measured points give it: steps of a few pixels.
+// A noisy curve like measured points: steps of a few pixels.
 std::vector<Line> Lines() {
     std::mt19937 random(1);
     std::uniform_int_distribution<int> step(-10, 10);
@@ -55,7 +56,7 @@ struct Picture {
     }
     long Ink() {
         std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
-        dc.GetPixel(0, 0);  // with all that was drawn
+        dc.GetPixel(0, 0);  // after everything has been drawn
         bitmap.GetBitmapBits(static_cast<DWORD>(pixels.size() * 4), pixels.data());
         return std::count(pixels.begin(), pixels.end(), 0U);
     }
@@ -108,7 +109,7 @@ void Replay(benchmark::State& state) {
     CairoPicture peer;
     block.DrawCommand(&picture.dc);
     for (const Line& line : Lines()) peer.Draw(line);
-    // Which pixels a line has differs, how many hardly does.
+    // The pixels of a line differ, their number hardly does.
     if (std::abs(static_cast<double>(picture.Ink()) / static_cast<double>(peer.Ink()) - 1) > 0.05) {
         return state.SkipWithError("the pictures differ");
     }

@@ -1,6 +1,7 @@
-// Promises: in the registry, reading and setting a value beside the same kept statement made directly on SQLite with
-// the same durability. In an INI file of 1,000 lines, reading beside GLib's loading and reading, and setting beside
-// its loading, setting and saving. The INI file lies in memory: on a disk both wait for it alone.
+// Promises: in the registry, reading and setting a value compared with the same prepared statement run directly on
+// SQLite with the same durability. In an INI file of 1,000 lines, reading compared with loading and reading by GLib,
+// and setting compared with loading, setting and saving by GLib. The INI file is in memory: on a disk both would mostly
+// wait for the disk.
 //   RegistryGet <= 1.3 RegistryGetPeer
 //   RegistrySet <= 1.2 RegistrySetPeer
 //   IniGet >= 50 IniGetPeer
@@ -42,7 +43,7 @@ private:
     std::string m_path;
 };
 
-// What a program would do that keeps the same tables and calls SQLite itself.
+// What a program would do that has the same tables and calls SQLite itself.
 class DirectStore {
 public:
     explicit DirectStore(const std::string& path) {
@@ -121,7 +122,7 @@ void Fill(CPrivateProfile& profile, int sections, int keys) {
     }
 }
 
-// Another value each time, so that each one has to be written.
+// Another value each time, so that each one must be written.
 CString NextText() {
     static int number = 0;
     return Numbered("written", ++number);

@@ -1,6 +1,5 @@
-// Promises: a turn under the lock of a shared block (take the lock, map, unmap, give the lock back) costs little more
-// than mapping and unmapping the view alone, and waiting half a second for the lock costs no processor time but that of
-// a process.
+// Promises: a turn under the lock of a shared block (lock, map, unmap, unlock) costs little more than only mapping and
+// unmapping the view, and waiting half a second for the lock costs no processor time except that of a process.
 //   Turn<CAutoLockedMemoryMappedFile>/* <= 3 TurnPeerMmap/*
 //   WaitForTheLock:busy_seconds <= 0.01
 //   Turn<CMemoryMappedFile>/* beside TurnPeerMmap/*
@@ -22,7 +21,7 @@ constexpr DWORD kWrite = 2;
 
 std::string BlockName(const char* name) { return "bench" + std::to_string(::getpid()) + name; }
 
-// A turn of whoever shares a block: map it, change a byte, unmap.
+// A turn of a process that shares a block: map it, change a byte, unmap.
 void ChangeByte(void* view) {
     ++*static_cast<unsigned char*>(view);
     benchmark::ClobberMemory();
@@ -70,7 +69,7 @@ double ProcessorSeconds() {
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-// A process waits while another has the block; the counter is the processor time that it took meanwhile.
+// A process waits while another one has the block; the counter is the processor time that it used meanwhile.
 void WaitForTheLock(benchmark::State& state) {
     const std::string name = BlockName("wait");
     CAutoLockedMemoryMappedFile block;
@@ -94,7 +93,7 @@ void WaitForTheLock(benchmark::State& state) {
 }
 BENCHMARK(WaitForTheLock)->Iterations(2)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-// After as many turns each view shows as many changes.
+// After the same number of turns each view shows the same number of changes.
 bool ResultsAgree() {
     constexpr DWORD kSize = 4096;
     constexpr unsigned char kTurns = 100;

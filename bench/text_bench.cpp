@@ -1,5 +1,5 @@
-// Promises, at 1 MiB: mostly ASCII text converts between code page 932 and UTF-8 faster than by bare iconv, and
-// Japanese text not slower. Comparing two names is faster than folding them, as it takes no memory.
+// Promises, at 1 MiB: mostly ASCII text converts between code page 932 and UTF-8 faster than with plain iconv, and
+// Japanese text not slower. Comparing two names is faster than folding them, because it takes no memory.
 //   ToUtf8/MostlyAscii >= 3 ToUtf8Peer/MostlyAscii
 //   FromUtf8/MostlyAscii >= 3 FromUtf8Peer/MostlyAscii
 //   ToUtf8/Japanese >= 1 ToUtf8Peer/Japanese
@@ -85,7 +85,7 @@ BENCHMARK_CAPTURE(ToUtf8Peer, Japanese, Japanese());
 BENCHMARK_CAPTURE(FromUtf8, Japanese, Japanese());
 BENCHMARK_CAPTURE(FromUtf8Peer, Japanese, Japanese());
 
-// The folded copies that the comparison does without.
+// The folded copies, which the comparison does not need.
 void SameName(benchmark::State& state) {
     std::string a = "Titrant_Concentration", b = "TITRANT_CONCENTRATION";
     for (auto _ : state) {

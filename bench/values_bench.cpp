@@ -1,5 +1,5 @@
 // Promises: rounding a result costs no more than nearbyint(x * 100) / 100, and rounding and printing it far less than
-// std::to_chars of the ready rounded number.
+// std::to_chars of the number that is already rounded.
 //   Fround >= 1 FroundPeerNearbyint
 //   DoubleToStr >= 3 DoubleToStrPeerToChars
 #include <benchmark/benchmark.h>
@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kDigits = 2;
 
-// Results as instruments give them: both signs, five decades, no value halfway between two texts.
+// Results like those of instruments: both signs, five decades, no value halfway between two texts.
 const std::vector<double>& Values() {
     static const std::vector<double> values = [] {
         std::mt19937_64 random(20260714);
@@ -45,7 +45,7 @@ std::string PeerText(double rounded) {
     return std::string(text, result.ptr);
 }
 
-// A column of results into another.
+// Rounds a column of results into another.
 void Fround(benchmark::State& state) {
     std::vector<double> column(Values().size());
     for (auto _ : state) {
@@ -83,7 +83,7 @@ void DoubleToStrPeerToChars(benchmark::State& state) {
 }
 BENCHMARK(DoubleToStrPeerToChars);
 
-// What differs is 0.01 of a unit behind the last place: such a value is rounded up here, not by the peer.
+// Results may differ by the 0.01 of a unit after the last place: such a value is rounded up here, not by the peer.
 bool ResultsAgree() {
     for (const double value : Values()) {
         const double rounded = CQVariant::fround(value, kDigits, 0);

@@ -1,5 +1,5 @@
-// Promises: a document of 1 MB, enciphered, loaded and saved beside pugixml's own parsing or writing with the same code
-// page and cipher; GetNodeText beside pugixml's select_node.
+// Promises: a document of 1 MB, enciphered, loaded and saved compared with pugixml's own parsing or writing with the
+// same code page and cipher; GetNodeText compared with pugixml's select_node.
 //   Load <= 1.5 LoadOfPugixml
 //   Save <= 1.5 SaveOfPugixml
 //   NodeText/* <= 1.4 SelectNode/*
@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t kSize = 1 << 20;
 const std::string kKey = "Tessaloomber::CVellumXMLRecords";
 
-// Records as settings and methods have them, one in ten with text of double-byte characters.
+// Records like those in settings and methods, one in ten with text of double-byte characters.
 std::string MakeXml() {
     std::string xml = "<?xml version=\"1.0\"?>\r\n<Records>\r\n";
     for (int i = 0; xml.size() < kSize; ++i) {

@@ -18,7 +18,7 @@ constexpr decContext kContext = {DECNUMDIGITS, 384, -383, DEC_ROUND_HALF_UP, 0, 
 constexpr int kTextWidth = 64;
 constexpr int kMaxTries = 5;
 
-// decNumber reads longer texts with counters of 32 bits that would wrap.
+// For longer texts decNumber's 32-bit counters would wrap.
 constexpr std::size_t kLongestText = 100'000'000;
 
 // Digits, sign, point and exponent of a number as decNumber writes it, and the terminating zero.
@@ -39,7 +39,7 @@ bool HasSoundCoefficient(const decNumber& number) {
     return number.digits == 1 || number.lsu[last] >= kPowers[lastDigits - 1];
 }
 
-// Whether decNumber could have made the number in some context: it trusts digits, units and exponent in all it does.
+// Whether decNumber could have created the number in some context: it relies on digits, units and exponent everywhere.
 bool IsSound(const decNumber& number) {
     if (!HasSoundCoefficient(number)) return false;
     switch (number.bits & ~DECNEG) {
@@ -68,10 +68,10 @@ std::int64_t DigitsDownTo(const decNumber& value, int decimals) {
 
 // @p value rounded to @p precision digits, trailing zeros removed.
 //
-// Reduce does both at once in a context of that precision, but not always within 15 digits: the context clamps, so a
-// large exponent is lowered by zeros after the coefficient up to the full precision, and a small one loses digits,
-// since the least exponent rises as the precision falls. Precisions below 1 are none at all. So rounding is left to
-// Quantize, which names the last place instead; a number with no more digits than the precision needs none.
+// Reduce does both at once in a context of that precision, but not always within 15 digits. The context clamps: a large
+// exponent is lowered by adding zeros to the coefficient up to the full precision, and a small one loses digits,
+// because the least exponent rises as the precision falls. Precisions below 1 do not exist. So Quantize rounds instead,
+// which names the last place; a number with no more digits than the precision is not rounded.
 decNumber Reduced(const decNumber& value, std::int64_t precision, rounding mode) {
     decContext context = kContext;
     context.round = mode;
@@ -90,7 +90,7 @@ decNumber Reduced(const decNumber& value, std::int64_t precision, rounding mode)
     return result;
 }
 
-// Right-aligns number, point and zeros in exactly @p width characters, cutting what is longer.
+// Right-aligns number, point and zeros in exactly @p width characters, and cuts off what is longer.
 void Place(char* buffer, int width, std::string_view number, bool point, std::int64_t zeros) {
     char* const end = buffer + width;
     const std::int64_t length = static_cast<std::int64_t>(number.size()) + point + zeros;
@@ -141,7 +141,7 @@ CBCD CBCD::operator/(const CBCD& right) {
 }
 
 int CBCD::Compare(const CBCD& right) const {
-    // The library's default context, but with its traps off: they would raise a signal. Nothing of it decides a
+    // The library's default context, but without its traps, which would raise a signal. No setting of it affects a
     // comparison.
     decContext context = {9, DEC_MAX_EMAX, DEC_MIN_EMIN, DEC_ROUND_HALF_UP, 0, 0, 0};
     decNumber order;
@@ -160,7 +160,7 @@ CBCD CBCD::operator^(unsigned int n) const {
         decContext context = kContext;
         decNumber next;
         decNumberMultiply(&next, &result.m_value, &m_value, &context);
-        // Back where it was a step ago: it stays for ever, or goes to and fro (the sign of Infinity, or of 1).
+        // The value of one step ago: from here on it stays the same, or alternates (the sign of Infinity, or of 1).
         const bool repeats = SameFields(next, before);
         if (repeats && n % 2 == 0) return result;
         before = result.m_value;
@@ -211,8 +211,8 @@ CString CBCD::GetString(int decimals, rounding mode) {
 
 double CBCD::GetDouble(int decimals, rounding mode) {
     const CString wanted = GetString(decimals, mode);
-    // A double with more decimals than the whole text is long never prints as it does, nor does one rounded in front
-    // of the point, where the text has an exponent or ends in the point.
+    // A double with more decimals than the length of the whole text never prints the same way, nor does one rounded in
+    // front of the point, where the text has an exponent or ends with the point.
     if (decimals > 0 && decimals < kTextWidth) {
         const int printMode = mode == DEC_ROUND_UP ? 1 : mode == DEC_ROUND_DOWN ? -1 : 0;
         const CBCD step = CBCD("0.1") ^ (static_cast<unsigned int>(decimals) + 1);

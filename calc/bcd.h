@@ -36,19 +36,19 @@ class QELLIB10_API CBCD {
 public:
     /// 0, half-up.
     CBCD();
-    /// A copy of @p value; NaN when its fields contradict each other or claim more than 15 digits.
+    /// A copy of @p value; NaN if its fields contradict each other or claim more than 15 digits.
     CBCD(const decNumber& value);
-    /// The number in @p text, rounded half-up to 15 digits. NaN for a null pointer, for anything that is not a number
-    /// as a whole (blanks included) and for more than 100 million characters. decNumber takes memory from the heap only
-    /// to read more than 45 digits, and gives it back.
+    /// The number in @p text, rounded half-up to 15 digits. NaN for a null pointer, if the whole text is not a number
+    /// (blanks included), and for more than 100 million characters. decNumber uses heap memory only to read more than
+    /// 45 digits, and frees it.
     CBCD(const char* text);
     CBCD(int value);
     template <qel::Fractional T> CBCD(T value) = delete;
 
-    /// Value, rounding mode and status of @p other.
+    /// Copies value, rounding mode and status of @p other.
     CBCD(const CBCD& other) = default;
     CBCD& operator=(const CBCD& other) = default;
-    /// The value; the rounding mode is half-up again.
+    /// Sets the value; the rounding mode is half-up again.
     /// @return a copy
     CBCD operator=(const decNumber& value) { return *this = CBCD(value); }
     CBCD operator=(const char* text) { return *this = CBCD(text); }
@@ -78,7 +78,7 @@ public:
     CBCD operator/(int right) { return *this / CBCD(right); }
     template <qel::Fractional T> CBCD operator/(T right) = delete;
 
-    /// The result by this number's mode takes its place, and the mode is half-up again.
+    /// Replaces this number by the result, rounded by this number's mode; the mode is then half-up again.
     /// @return a copy
     CBCD operator+=(const CBCD& right) { return *this = *this + right; }
     CBCD operator+=(const decNumber& right) { return *this = *this + right; }
@@ -101,9 +101,9 @@ public:
     CBCD operator/=(int right) { return *this = *this / right; }
     template <qel::Fractional T> CBCD operator/=(T right) = delete;
 
-    /// Comparison by value: 1.0 equals 1.00, -0 equals 0. A NaN is ordered by the library's total order, which looks at
-    /// the stored fields: it comes after every number, Infinity too (-NaN before every number), and equals only a NaN
-    /// of the same sign and payload. So of <, == and > always exactly one holds.
+    /// Comparison by value: 1.0 equals 1.00, -0 equals 0. A NaN is ordered by the library's total order, which compares
+    /// the stored fields: it comes after every number, even Infinity (-NaN before every number), and equals only a NaN
+    /// with the same sign and payload. So exactly one of <, == and > is always true.
     int operator==(const CBCD& right) const { return Compare(right) == 0; }
     int operator==(const decNumber& right) const { return Compare(right) == 0; }
     int operator==(const char* right) const { return Compare(right) == 0; }
@@ -135,29 +135,29 @@ public:
     int operator>=(int right) const { return Compare(right) >= 0; }
     template <qel::Fractional T> int operator>=(T right) const = delete;
 
-    /// 1.0 multiplied @p n times by this number, each product rounded half-up to 15 digits; the power 0 is 1.0, of NaN
-    /// too. Takes @p n multiplications, fewer once the product no longer changes.
+    /// 1.0 multiplied @p n times by this number, each product rounded half-up to 15 digits; the power 0 is 1.0, also of
+    /// NaN. Takes @p n multiplications, or fewer if the product stops changing.
     CBCD operator^(unsigned int n) const;
     template <qel::Fractional T> CBCD operator^(T n) const = delete;
 
     /// The square root, half-even; NaN below zero.
     static CBCD SquareRoot(CBCD x);
 
-    /// Rounds to @p decimals places (below 0 counts as 0) and drops trailing zeros, also in front of the point: 2.500
-    /// with 2 places becomes 2.5, 100 becomes 1E+2. Less than a place becomes 0 or one unit of the last place, as the
-    /// mode says. NaN and Infinity stay. Sets the rounding mode.
+    /// Rounds to @p decimals places (below 0 means 0) and drops trailing zeros, also in front of the point: 2.500 with
+    /// 2 places becomes 2.5, 100 becomes 1E+2. Less than a place becomes 0 or one unit of the last place, depending on
+    /// the mode. NaN and Infinity stay. Sets the rounding mode.
     void Round(int decimals, rounding mode);
 
     /// The number with @p decimals places, right-aligned in @p width characters. Sets the rounding mode.
     ///
-    /// The number is rounded and stripped of trailing zeros as by Round; places below 0 round in front of the point, to
-    /// Infinity where a unit of the last place would be above 1E+384. In a narrow field fewer digits are kept: at most
-    /// width - 1 of a negative number, and one less than the places ask for when a number with decimals fills the
-    /// field. Then zeros are added up to @p decimals places, and what is longer than @p width is cut at the end.
+    /// The number is rounded and stripped of trailing zeros like Round; places below 0 round in front of the point, to
+    /// Infinity if a unit of the last place would be above 1E+384. In a narrow field fewer digits are kept: at most
+    /// width - 1 for a negative number, and one less than the places ask for if a number with decimals fills the field.
+    /// Then zeros are added up to @p decimals places, and what is longer than @p width is cut at the end.
     ///
-    /// Kept for texts already in the field: the zeros follow the number as decNumber writes it, exponent or not.
-    /// So 100 with two places is written 1E+2.00 (GetDouble reads it as 100), 1E-7 with nine is 1E-700, NaN and
-    /// Infinity with two are NaN.00 and Infinity.00.
+    /// Kept for texts already in the field: the zeros follow the number as decNumber writes it, with or without an
+    /// exponent. So 100 with two places is written 1E+2.00 (GetDouble reads it as 100), 1E-7 with nine is 1E-700, NaN
+    /// and Infinity with two are NaN.00 and Infinity.00.
     ///
     /// @param buffer  width + 1 bytes; a terminating zero follows the text. A null pointer or a negative width, which
     ///                leaves no byte to write to, writes nothing.
@@ -166,10 +166,10 @@ public:
     /// The same text in a field of 64 characters, without blanks.
     CString GetString(int decimals, rounding mode);
 
-    /// The double that CQVariant::DoubleToStr prints with @p decimals places as GetString does. Found by reading that
-    /// text and, while the double prints otherwise, going up by tenths of the last place, four times at most; failing
-    /// that, and with 0 decimals or fewer (places in front of the point), the double nearest to GetString's text. Sets
-    /// the rounding mode.
+    /// The double that CQVariant::DoubleToStr prints with @p decimals places in the same way as GetString. It is found
+    /// by reading that text and, while the double prints differently, going up by tenths of the last place, at most
+    /// four times. If that fails, and with 0 decimals or fewer (places in front of the point), it is the double nearest
+    /// to GetString's text. Sets the rounding mode.
     double GetDouble(int decimals, rounding mode);
 
     /// A copy of the value, without the context.

@@ -4,8 +4,8 @@
 
 class CArchive;
 
-// What the archive records of CCalcVariable and CCalcVariableList have in common; their headers show the rest.
-// A record begins with a head of two texts, the tag "QWCalc" and a version. Readers also take the tag of older files.
+// What the archive records of CCalcVariable and CCalcVariableList have in common; their headers describe the rest. A
+// record starts with two texts, the tag "QWCalc" and a version. Readers also accept the tag of older files.
 namespace qel {
 
 inline constexpr char kCalcTag[] = "QWCalc";
@@ -16,7 +16,7 @@ inline constexpr char kCalcListEarlierVersion[] = "1.00";
 
 void WriteCalcHead(CArchive& archive, const char* version);
 
-/// The version of the record that begins here, or the empty text when its tag is unknown.
+/// The version of the record that starts here, or the empty text if its tag is unknown.
 CString ReadCalcHead(CArchive& archive);
 
 }  // namespace qel

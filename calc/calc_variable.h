@@ -4,7 +4,7 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// A named value that result formulas refer to, and the formula evaluator's intermediate result. A value class.
+/// A named value used in result formulas, and the formula evaluator's intermediate result. A value class.
 ///
 /// In an archive (integers and doubles little-endian, a text is the archive's counted string):
 ///
@@ -19,7 +19,7 @@
 ///     text     free text
 class QELLIB10_API CCalcVariable : public CObject {
 public:
-    /// As InitParameter leaves it.
+    /// In the state that InitParameter sets.
     CCalcVariable();
     CCalcVariable(const CCalcVariable& other);
     CCalcVariable(CCalcVariable&& other) noexcept;
@@ -30,25 +30,24 @@ public:
     /// Texts empty, numbers 0, option flag 2 set to 1.
     void InitParameter();
 
-    /// 1 when all seven fields are equal, texts byte for byte and the value exactly (so not a number differs from
-    /// itself); else 0.
+    /// 1 if all seven fields are equal, texts byte for byte and the value exactly (so NaN differs from itself); else 0.
     int operator==(const CCalcVariable& other) const;
     int operator!=(const CCalcVariable& other) const;
 
     static const CRuntimeClass* GetThisClass();
     const CRuntimeClass* GetRuntimeClass() const override;
 
-    /// Writes the variable, or reads one into it. An unknown tag or version ends the reading silently, right after
-    /// the version, and leaves the variable as it was.
-    /// @throws CArchiveException from the archive; the variable is then as it was
+    /// Writes the variable, or reads it. An unknown tag or version ends the reading without an error, directly after
+    /// the version, and does not change the variable.
+    /// @throws CArchiveException from the archive; the variable does not change then
     void Serialize(CArchive& archive) override;
 
     CString m_szName;       ///< as written in formulas
-    double m_dValue = 0.0;  ///< in the unit that the application gives it
+    double m_dValue = 0.0;  ///< in a unit chosen by the application
     int m_nState = 0;       ///< 0 in lists; of a grammar step: 1 a known number, 0 depends on a variable, -1 an error
-    int m_nOption1 = 0;     ///< the application's own
+    int m_nOption1 = 0;     ///< for the application
     int m_nUse = 0;         ///< 1: a checked formula refers to the variable
-    int m_nOption2 = 1;     ///< the application's own
+    int m_nOption2 = 1;     ///< for the application
     CString m_szText;       ///< free text
 
 private:

@@ -18,7 +18,7 @@ int CalcVariableIndex::FindFolded(std::span<const CCalcVariable> entries, std::s
     return Find(entries, name, [](std::string_view a, std::string_view b) { return a == b || SameName(a, b); });
 }
 
-// Names that are equal byte for byte are equal folded too, so one table of folded hashes serves both look-ups.
+// Names that are equal byte for byte also have equal folded forms, so one table of folded hashes serves both look-ups.
 template <typename Matches>
 int CalcVariableIndex::Find(std::span<const CCalcVariable> entries, std::string_view name, Matches matches) {
     if (entries.empty()) return -1;
@@ -53,7 +53,7 @@ void CalcVariableIndex::Append(std::uint32_t hash) {
     last = at;
 }
 
-// The slot of that hash, or the free one where it belongs. At least half of the slots are free, so the search ends.
+// The slot of this hash, or the free one for it. At least half of the slots are free, so the search ends.
 CalcVariableIndex::Slot& CalcVariableIndex::SlotOf(std::uint32_t hash) {
     const std::size_t mask = m_arySlot.size() - 1;
     std::size_t at = hash & mask;

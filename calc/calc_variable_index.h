@@ -11,21 +11,21 @@ class CCalcVariable;
 
 namespace qel {
 
-/// Finds the entries of a variable list by name in a time that does not grow with the list; the first match in list
-/// order wins. It keeps positions and hashes alone, so values may change freely. Appended entries, and a change of the
-/// code page, are noticed by the next look-up; after any other change of names or positions call Invalidate.
+/// Finds the entries of a variable list by name, in a time that does not grow with the list; the first match in list
+/// order is returned. It keeps only positions and hashes, so values may change freely. The next look-up notices
+/// appended entries and a change of the code page; after any other change of names or positions call Invalidate.
 class CalcVariableIndex {
 public:
     void Invalidate() noexcept { m_nPage = 0; }
 
-    /// Position of the first entry that is named @p name byte for byte, or -1.
+    /// Position of the first entry whose name is @p name byte for byte, or -1.
     int FindExact(std::span<const CCalcVariable> entries, std::string_view name);
 
-    /// Position of the first entry that is named @p name but for the case of letters, or -1.
+    /// Position of the first entry whose name is @p name, ignoring case, or -1.
     int FindFolded(std::span<const CCalcVariable> entries, std::string_view name);
 
 private:
-    // The entries of one hash, linked in list order by m_aryLink; -1 ends the chain. Without entries the slot is free.
+    // The entries with one hash, linked in list order by m_aryLink; -1 ends the chain. A slot without entries is free.
     struct Slot {
         std::uint32_t hash = 0;
         std::int32_t first = -1;
@@ -42,7 +42,7 @@ private:
     Slot& SlotOf(std::uint32_t hash);
 
     std::vector<Slot> m_arySlot;  // open addressing; a power of two, at least twice as many as entries
-    std::vector<Link> m_aryLink;  // one for each entry, in list order
+    std::vector<Link> m_aryLink;  // one per entry, in list order
     UINT m_nPage = 0;             // the code page of the hashes; 0: to be built again
 };
 

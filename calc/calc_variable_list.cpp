@@ -25,7 +25,7 @@ CCalcVariableList::CCalcVariableList(const CCalcVariableList& other)
       m_aryVariable(other.m_aryVariable),
       m_pIndex(std::make_unique<qel::CalcVariableIndex>(*other.m_pIndex)) {}
 CCalcVariableList& CCalcVariableList::operator=(const CCalcVariableList& other) {
-    // Copied first: when memory runs out, variables and index must not be those of two lists.
+    // Copied first: if memory runs out, variables and index must not come from two lists.
     CCalcVariableList copy(other);
     m_nRoundUpFlag = copy.m_nRoundUpFlag;
     m_nRoundUpDigit = copy.m_nRoundUpDigit;
@@ -133,7 +133,7 @@ int CCalcVariableList::GetUseVariableData(int index, CCalcVariable* out) const {
     return GetVariableData(static_cast<int>(found - m_aryVariable.begin()), out);
 }
 
-// The value goes the way of a caller's, out of the list and back into it, so it is rounded twice.
+// The value goes out of the list and back in, like a caller's, so it is rounded twice.
 void CCalcVariableList::StoreUsed(CCalcVariable& entry) {
     entry.m_dValue = Rounded(Rounded(entry.m_dValue));
     entry.m_nUse = 1;
@@ -184,7 +184,7 @@ void CCalcVariableList::LoadOldVariableList(CArchive& archive) {
     LoadVariables(archive, count);
 }
 
-// The count may be forged: each variable is appended once it has been read, and nothing is reserved.
+// The count may be forged: each variable is appended after it has been read, and nothing is reserved.
 void CCalcVariableList::LoadVariables(CArchive& archive, int count) {
     for (; count > 0; --count) {
         CCalcVariable variable;

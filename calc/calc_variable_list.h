@@ -52,11 +52,11 @@ public:
     /// An empty list, flag and digit 0.
     CCalcVariableList();
     CCalcVariableList(const CCalcVariableList& other);
-    /// All or, when memory runs out, nothing.
+    /// Copies everything or, if memory runs out, nothing.
     CCalcVariableList& operator=(const CCalcVariableList& other);
     ~CCalcVariableList() override;
 
-    /// 1 when flag, digit, count or any pair of entries at one position differ, else 0.
+    /// 1 if flag, digit, count or any pair of entries at the same position differ, else 0.
     int operator!=(const CCalcVariableList& other) const;
 
     static const CRuntimeClass* GetThisClass();
@@ -65,7 +65,7 @@ public:
     /// Removes every variable; flag and digit become 0.
     void InitParameter();
 
-    /// Non-zero: values are rounded. Setting it, or the digit, leaves the stored values as they are.
+    /// Non-zero: values are rounded. Changing it, or the digit, does not change the stored values.
     const int& GetRoundUpFlag() const;
     void SetRoundUpFlag(const int& flag);
 
@@ -78,14 +78,14 @@ public:
     /// A copy of the entry at @p index, its value rounded.
     int GetVariableData(int index, CCalcVariable* out) const;
 
-    /// Overwrites every field of the entry at @p index; the value is rounded first. The name may equal another's.
+    /// Replaces every field of the entry at @p index; the value is rounded first. The name may equal another's.
     int SetVariableData(int index, CCalcVariable variable);
 
-    /// Overwrites the first entry of the same name, which keeps its place and its two option flags; else appends
+    /// Replaces the first entry with the same name, which keeps its place and its two option flags; otherwise appends
     /// @p variable with both option flags 1. The value is rounded first, the state becomes 0.
     void AddVariableData(CCalcVariable variable);
 
-    /// Stores @p value, rounded, as that of the first entry named @p name.
+    /// Sets the value of the first entry named @p name to @p value, rounded.
     int SetVariableValue(CString name, double value);
 
     /// A copy of the first entry named @p name, its value rounded.
@@ -100,18 +100,18 @@ public:
     /// Number of entries whose use flag is not 0.
     int GetUseVariableCount() const;
 
-    /// As GetVariableData, with @p index counting only the entries whose use flag is not 0.
+    /// Like GetVariableData, but @p index counts only the entries whose use flag is not 0.
     int GetUseVariableData(int index, CCalcVariable* out) const;
 
     /// Reads the oldest layout, a count and that many variables, without a head. All entries are removed first; flag
-    /// and digit stay. Stops as Serialize does.
+    /// and digit stay. Stops in the same way as Serialize.
     /// @throws CArchiveException from the archive; the entries read before it stay
     void LoadOldVariableList(CArchive& archive);
 
-    /// Writes the list, or replaces it by one read. Values are stored and read as they are, without rounding. An
-    /// unknown tag or version ends the reading silently: in the list's head the list stays as it was, in a variable
-    /// the list keeps the variables read before it.
-    /// @throws CArchiveException from the archive; the list stays as it was when the archive ends within the head, else
+    /// Writes the list, or replaces it by the one read. Values are stored and read unchanged, without rounding. An
+    /// unknown tag or version ends the reading without an error: in the list's head the list does not change, in a
+    /// variable the list keeps the variables read before it.
+    /// @throws CArchiveException from the archive; the list does not change if the archive ends within the head, else
     /// it has the new head and the entries read before
     void Serialize(CArchive& archive) override;
 
@@ -139,5 +139,5 @@ private:
     int m_nRoundUpFlag = 0;
     int m_nRoundUpDigit = 0;
     std::vector<CCalcVariable> m_aryVariable;
-    std::unique_ptr<qel::CalcVariableIndex> m_pIndex;  // follows m_aryVariable, brought up to date by each look-up
+    std::unique_ptr<qel::CalcVariableIndex> m_pIndex;  // follows m_aryVariable; each look-up updates it
 };

@@ -1,10 +1,10 @@
 #pragma once
 
-// decNumber's types, as they are in the interface of CBCD. Its header fixes the digits of a number when it is read;
-// with another count than the library was built with, every CBCD would have another size.
+// decNumber's types, which are part of CBCD's interface. Its header fixes the number of digits when it is included;
+// with another number than the library was built with, every CBCD would have a different size.
 //
-// The functions that it declares are inside the library and not exported. An application that computes on the numbers
-// of GetBCDValue() itself links decNumber of its own, built with DECNUMDIGITS=15.
+// The functions that it declares are inside the library and not exported. An application that computes with the numbers
+// of GetBCDValue() itself must link its own decNumber, built with DECNUMDIGITS=15.
 #ifndef DECNUMDIGITS
 #define DECNUMDIGITS 15
 #endif

@@ -10,11 +10,11 @@
 
 namespace qel {
 
-/// What a byte of a formula is to the grammar.
+/// What a byte of a formula means in the grammar.
 enum class FormulaByte : unsigned char { kName, kParenthesis, kArithmetic, kEnd };
 
 /// The characters ( ) * + - / = end a number or a name. All of them, and blank and tab, are below 40 hex and so never
-/// the trail byte of a double-byte character: a formula can be scanned bytewise.
+/// the trail byte of a double-byte character: a formula can be scanned byte by byte.
 inline constexpr std::array<FormulaByte, 256> kFormulaBytes = [] {
     std::array<FormulaByte, 256> bytes = {};
     bytes['\0'] = FormulaByte::kEnd;
@@ -25,7 +25,8 @@ inline constexpr std::array<FormulaByte, 256> kFormulaBytes = [] {
 
 constexpr FormulaByte FormulaByteOf(char character) { return kFormulaBytes[static_cast<unsigned char>(character)]; }
 
-/// Whether the operator at @p cursor follows another operator directly. The byte before the text's first is readable.
+/// Whether the operator at @p cursor follows directly after another one. The byte before the start of the text is
+/// readable.
 constexpr bool IsDoubledOperator(const char* cursor) {
     return FormulaByteOf(cursor[0]) == FormulaByte::kArithmetic &&
            FormulaByteOf(cursor[-1]) == FormulaByte::kArithmetic;
@@ -45,18 +46,18 @@ struct FormulaNumber {
     std::string_view name;  // points into the formula
 };
 
-/// The grammar of result formulas as a recursive descent, the same for every pass over a formula:
+/// The grammar of result formulas, parsed by recursive descent, the same for every pass over a formula:
 ///
 ///     expression   term   { "+" or "-"  term }        left to right
 ///     term         factor { "*" or "/"  factor }
 ///     factor       "(" expression ")"  or  number
 ///     number       [ "-" ] digits and at most one "."  [ name ]
 ///
-/// An operator may not follow another, so "2*-3" is an error. A number may be empty and is 0 then ("2*", "+3"). A name
-/// runs to the next of ( ) * + - / = and replaces the digits before it, so "2x" is x.
+/// An operator may not follow another, so "2*-3" is an error. A number may be empty and then is 0 ("2*", "+3"). A name
+/// ends before the next of ( ) * + - / = and replaces the digits before it, so "2x" is x.
 ///
 /// The text is zero-terminated, without blanks, with a readable byte before it; the cursor never passes its end. A text
-/// of n bytes recurses at most n levels. A pass supplies:
+/// of n bytes recurses at most n levels. A pass provides:
 ///
 ///     Operand                                  the result of a step, with bool Failed() const
 ///     Operand Error()

@@ -37,7 +37,7 @@ struct CQWCalc::CheckPass {
 
     Operand Error() const { return qel::FailedOperand(); }
 
-    // A constant counts without its sign, and also when a name follows it.
+    // A constant counts without its sign, even if a name follows it.
     Operand Number(const qel::FormulaNumber& number) const {
         if (!number.name.empty() && !calc.MarkVariable(number.name)) {
             fault = {FailureKind::kUnknownName, number.name};
@@ -227,7 +227,7 @@ int CQWCalc::CheckVariableExist(char* name, double* value) {
     return 1;
 }
 
-// Formulas are often written without blanks, and are then copied at once.
+// Formulas are often written without blanks; then they are copied at once.
 bool CQWCalc::SetFormula(std::string_view formula) {
     char* end = m_szFormula.data() + 1;
     m_pCursor = end;

@@ -56,69 +56,69 @@ class QELLIB10_API CQWCalc : public CObject {
 public:
     CQWCalc();
     CQWCalc(const CQWCalc&) = delete;
-    /// Copies nothing, on purpose: an evaluator is filled through SetCalcVarList.
+    /// Copies nothing, on purpose: fill an evaluator with SetCalcVarList.
     CQWCalc& operator=(const CQWCalc& other);
     ~CQWCalc() override;
 
     /// Removes all variables and sets the list's round-up flag and digit to 0.
     void InitParameter();
 
-    /// Takes over the round-up setting and copies of all variables, use flags included. Both do the same.
+    /// Copies the round-up setting and all variables, use flags included. Both do the same.
     void SetCalcVarList(const CCalcVariableList& list);
     void SetAllVariable(const CCalcVariableList& list);
 
-    /// The own list, with use flags as the check passes left them.
+    /// Its own list, with use flags as the check passes left them.
     const CCalcVariableList& GetCalcVarList() const;
     const CCalcVariableList& GetAllVariable() const;
 
-    /// As those of the own list.
+    /// Like those of its own list.
     int GetUseVariableCount() const;
     int GetVariableData(int index, CCalcVariable* out) const;
 
-    /// The check pass: whether @p formula can be calculated with the variables of the list. The variables that it
-    /// meets, and the one called @p name if there is one, get their use flag set; a variable whose flag is set for
-    /// the first time is stored back rounded by the list's setting. Flags of earlier checks stay.
-    /// @return 1 for a valid formula, an empty one included; 0 for a syntax error, an unknown variable, a division by a
-    /// constant zero, or more than 255 bytes. Variables met before the error keep their flag.
+    /// The check pass: whether @p formula can be calculated with the variables of the list. The variables in it, and
+    /// the one called @p name if there is one, get their use flag set. A variable whose flag is set for the first time
+    /// is stored back, rounded by the list's setting. Flags of earlier checks stay.
+    /// @return 1 for a valid formula, including an empty one; 0 for a syntax error, an unknown variable, a division by
+    /// a constant zero, or more than 255 bytes. Variables before the error keep their flag.
     int CheckCalcFormula(CString name, CString formula);
 
-    /// The calculation pass, in doubles. Values of variables are rounded by the list's setting as they are fetched;
-    /// the result is not. It can be infinite or not a number when the calculation overflows.
-    /// @return 0 for a syntax error, an unknown variable, a division by exactly 0 or more than 255 bytes; @p result is
-    /// then untouched
+    /// The calculation pass, in doubles. Values of variables are rounded by the list's setting when they are read; the
+    /// result is not rounded. It can be infinite or NaN if the calculation overflows.
+    /// @return 0 for a syntax error, an unknown variable, a division by exactly 0 or more than 255 bytes; @p result
+    /// does not change then
     int ConcCalculation(CString formula, double* result);
 
 protected:
-    /// Takes the formula for a pass, without its blanks, and makes its first character the current one.
-    /// @return false when it is too long; there is no formula then
+    /// Stores the formula for a pass, without its blanks, and starts at its first character.
+    /// @return false if it is too long; there is no formula then
     bool SetFormula(std::string_view formula);
 
-    /// The levels of the grammar. Each reads from the current character on and leaves the first one after its part
-    /// as the current one. The result's state is 1 for a known number (m_dValue; always so in the calculation pass),
-    /// 0 for something that depends on a variable (m_szName: a single variable as written, m_dValue: its sign), -1
-    /// for an error.
+    /// The levels of the grammar. Each reads from the current character on; the current character is then the first one
+    /// after its part. The result's state is 1 for a known number (m_dValue; always so in the calculation pass), 0 for
+    /// something that depends on a variable (m_szName: a single variable as written, m_dValue: its sign), -1 for an
+    /// error.
     CCalcVariable CalcFormulaExpress();
     CCalcVariable CalcFormulaTerm();
     CCalcVariable CalcFormulaFactor();
     CCalcVariable CalcFormulaNumber();
 
-    /// How the check pass combines two such results; state -1 when @p b has it, or for a division by a known zero.
+    /// Combines two such results in the check pass; state -1 if @p b has it, or for a division by a known zero.
     CCalcVariable CheckCalcFormulaAdd(CCalcVariable a, CCalcVariable b);
     CCalcVariable CheckCalcFormulaSub(CCalcVariable a, CCalcVariable b);
     CCalcVariable CheckCalcFormulaMul(CCalcVariable a, CCalcVariable b);
     CCalcVariable CheckCalcFormulaDiv(CCalcVariable a, CCalcVariable b);
 
-    /// Makes the next character that is neither blank nor tab the current one; stays at the end of the formula.
+    /// Moves to the next character that is neither blank nor tab; stays at the end of the formula.
     void GetNextCharacter();
 
     /// 1 for ( ) * + - / = and 0 for all others.
     int IsExpressCharacter(char character) const;
 
-    /// 1 when both the current character and the one before it are among * + - / =.
+    /// 1 if both the current character and the one before it are among * + - / =.
     int IsArithmeticDuplicate() const;
 
-    /// Finds a variable without regard to the case of letters. In the check pass it is marked as used.
-    /// @return 1 and the rounded value in @p value, or 0 when the list has no such variable
+    /// Finds a variable, ignoring case. In the check pass it is marked as used.
+    /// @return 1 and the rounded value in @p value, or 0 if the list has no such variable
     int CheckVariableExist(char* name, double* value);
 
 private:
@@ -137,7 +137,7 @@ private:
     static constexpr std::size_t kLongestFormula = 255;
 
     CCalcVariableList m_CalcVarList;
-    // The formula without its blanks, between two zeros, so that the character before the current one is always there.
+    // The formula without its blanks, between two zeros, so that the current character always has one before it.
     std::array<char, kLongestFormula + 2> m_szFormula = {};
     const char* m_pCursor = m_szFormula.data() + 1;  // the current character
     CCalcVariable m_ErrorResult;

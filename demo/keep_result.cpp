@@ -22,11 +22,11 @@ namespace {
 struct Evaluated {
     Titration titration;
     std::string measured;  // the text of the data file
-    std::string text;      // what is said about the method
+    std::string text;      // what to print about the method
 };
 
-// Computes a result, by the settings that are given or the method that is kept. Settings that give a result are the
-// method from then on.
+// Computes a result with the given settings, or with the method that was kept. Settings that give a result become the
+// method.
 Evaluated EvaluateByMethod(const Options& options, Session& session, MadeFiles& made) {
     MethodFile file(made.Path("method.xml"));
     const bool isKept = options.settings.empty();
@@ -81,7 +81,7 @@ std::string Seal(const CCalcVariableList& variables, MadeFiles& made) {
     return std::string(text);
 }
 
-// What the next version can be computed from again, whatever becomes of the method and the measured file.
+// Keeps what is needed to compute the next version again, even if the method or the measured file changes later.
 std::string KeepOrigin(DWORD version, const std::string& measured, MadeFiles& made) {
     const std::string method = MethodName(version), curve = CurveName(version);
     WriteTextFile(ReadBytes(made.Path("method.xml")), made.Path(method));
@@ -101,7 +101,7 @@ const CHistoryRenewInfo& Register(const Options& options, Session& session, Hist
     return record;
 }
 
-// The report of the latest version as a print job, and the curve in it as a picture.
+// The report of the latest version as a print job, and its curve as a picture.
 std::string KeepReport(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                        ReportPrinter& printer, const std::string& fingerprint, MadeFiles& made) {
     CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, made.Path("curve.png"));

@@ -1,8 +1,8 @@
-// From a measured titration curve to a result that is kept: a user logs on, the method is read and kept enciphered, the
-// end point is found, the user's formula computed over named values, rounded and compared with its limits. Report,
-// table and sealed values are written, registered as a new version with its operator, and logged; the curve is drawn
+// From a measured titration curve to a result that is kept. A user logs on; the method is read and kept enciphered; the
+// end point is found; the user's formula is computed with named values, rounded and compared with its limits. Report,
+// table and sealed values are written, registered as a new version with its operator, and logged. The curve is drawn
 // into a report that is kept as a print job (keep_result.cpp). Any version can be taken out again, reports are printed
-// three to a page, and all files are checked later without anything but themselves (verify/verify.cpp).
+// three to a page, and all files can be checked later from the files alone (verify/verify.cpp).
 
 #include <algorithm>
 #include <cerrno>
@@ -61,7 +61,7 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
     return text;
 }
 
-// @return what stands behind the printer's name
+// @return what follows the printer's name
 std::string PrintIn(ReportPages& pages, const std::string& fingerprint, MadeFiles& made) {
     const std::vector<std::string> before = made.Matching(kAllPdfs);
     pages.Print();
@@ -106,7 +106,7 @@ std::string Do(const Options& options, const CString& folder, MadeFiles& made) {
                                        : KeepResult(options, session, history, made));
 }
 
-// A logon that is refused writes to the store and to the log as well.
+// A refused logon also writes to the store and to the log.
 void KeepStoreAndLog(MadeFiles& made) {
     made.Keep("users.db");
     made.Keep("titration.log");
@@ -114,7 +114,7 @@ void KeepStoreAndLog(MadeFiles& made) {
 
 void Run(const Options& options, const CString& folder) {
     const RunLog log(folder);
-    ::setenv("QELLIB10_PDF_DIR", options.out.c_str(), 0);  // what the printer "PDF" writes
+    ::setenv("QELLIB10_PDF_DIR", options.out.c_str(), 0);  // where the printer "PDF" writes its files
     MadeFiles made(folder);
     std::string text;
     try {
@@ -147,7 +147,7 @@ int Run(const Options& options) {
 }  // namespace titration
 
 int main(int argc, char** argv) {
-    qel::SetCodePage(qel::kCodePageUtf8);  // as terminals and files here are
+    qel::SetCodePage(qel::kCodePageUtf8);  // like terminals and files here
     try {
         const int status = titration::Run(titration::ParseOptions(argc, argv));
         if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;

@@ -5,7 +5,7 @@
 
 namespace titration {
 
-/// What the command line asks for.
+/// The options of the command line.
 ///
 ///     titration --data FILE --out FOLDER [--settings FILE] [--table N] [--comment TEXT] [--printer NAME]
 ///     titration --take-out N --out FOLDER
@@ -14,21 +14,21 @@ namespace titration {
 ///     titration --verify --out FOLDER
 ///
 /// The first computes a result and registers it as a new version, the second takes version N out again, the third
-/// prints the reports on the latest versions, three to a page. The last two need nobody who is logged on: they list
-/// the files that were made, and check each of them again. Without settings the method of the result before is used
-/// again. Where the data file has several tables with the columns, N says which. A report is laid out for the paper and
-/// the resolution of a printer, so that is named with the data: one that CUPS knows, or "PDF", which writes files into
-/// the output folder (or into $QELLIB10_PDF_DIR).
+/// prints the reports on the latest versions, three to a page. The last two need no logon: they list the files that
+/// were made, and check each of them again. Without settings the method of the previous result is used again. If the
+/// data file has several tables with the columns, N says which one. A report is laid out for the paper and the
+/// resolution of a printer, so the printer is given with the data: one that CUPS knows, or "PDF", which writes files
+/// into the output folder (or into $QELLIB10_PDF_DIR).
 ///
-/// The others take --user NAME and --password TEXT. They are those of the demo, unless given; a real application asks
-/// for them in a dialog, where no list of running programs shows them.
+/// The others take --user NAME and --password TEXT; the defaults are those of the demonstration. A real application
+/// asks for them in a dialog, where no list of running programs shows them.
 struct Options {
     std::string data, settings, out;
     std::string comment, printer = "PDF";
     std::string user = "demo", password = "titration";
     int table = 0;    // 0: the only one
     int takeOut = 0;  // the version, 0: none
-    int print = 0;    // how many reports
+    int print = 0;    // number of reports
     bool list = false, verify = false;
 };
 

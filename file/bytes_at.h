@@ -8,8 +8,8 @@
 
 namespace qel {
 
-/// @p kSize bytes at @p offset of an open file, whose position stays.
-/// @throws CFileException; with endOfFile when the file ends before them
+/// @p kSize bytes at @p offset of an open file, whose position does not change.
+/// @throws CFileException; with endOfFile if the file ends before them
 template <std::size_t kSize> std::array<std::byte, kSize> BytesAt(const CFile& file, ULONGLONG offset) {
     const CString name = file.GetFilePath();
     std::array<std::byte, kSize> bytes;

@@ -37,7 +37,7 @@ DWORD ReadNumber(CFile& file) {
 
 constexpr std::size_t kLongestTrailer = SealInfo::kLengthSize + SealInfo::kLongest + CheckBlock::kSize;
 
-// The highest version of a forged file has a next one, too.
+// The highest version, in a forged file, also has a next one.
 int Next(int version) { return static_cast<int>(static_cast<DWORD>(version) + 1); }
 
 CString NameOf(const CFile& file) { return CQFile::GetFilenameFromPath(file.GetFilePath()); }
@@ -186,7 +186,7 @@ void CCheckDatafile::SeekAddDataTop(CQFile* file, DWORD* trailerLength) {
     if (trailerLength != nullptr) *trailerLength = length;
 }
 
-// The record of this object's seal on @p file, whose name becomes this object's.
+// The record of this object's seal for @p file, whose name becomes this object's.
 std::vector<std::byte> CCheckDatafile::PackInfo(const CQFile& file) {
     m_szFilename = NameOf(file);
     return SealInfo{.name = m_szFilename, .version = static_cast<std::uint32_t>(m_nVersion), .guid = GUID(m_guid)}
@@ -201,12 +201,12 @@ void CCheckDatafile::AddFileInfo(CQFile* file, DWORD* written) {
 
 int CCheckDatafile::UpdatePackData(CQFile* file) {
     const ULONGLONG at = file->GetPosition();
-    if (at > file->GetLength()) file->SetLength(at);  // the gap counts as zero bytes
+    if (at > file->GetLength()) file->SetLength(at);  // the gap is read as zero bytes
     WriteTrailer(*file, qel::CheckSumsAt(*file, 0, at));
     return 1;
 }
 
-// One call writes it: between two a killed process would leave a file without a seal.
+// Written by one call: between two, a killed process would leave a file without a seal.
 void CCheckDatafile::WriteTrailer(CQFile& file, const CheckSums& before) {
     std::vector<std::byte> bytes = PackInfo(file);
     CheckSums sums = before;

@@ -49,32 +49,31 @@ public:
     CCheckDatafile(const CCheckDatafile&) = default;
     CCheckDatafile& operator=(const CCheckDatafile&) = default;
 
-    /// Names are to be checked; no name, version 0, null GUID.
+    /// Resets: names are checked; no name, version 0, null GUID.
     void InitializeData();
 
-    /// Whether version, GUID and, when this object checks names, the names are equal. So a == b may differ from b == a.
+    /// Whether version, GUID and, if this object checks names, the names are equal. So a == b may differ from b == a.
     bool operator==(const CCheckDatafile& other) const;
     bool operator!=(const CCheckDatafile& other) const { return !(*this == other); }
 
     /// @param enable 0: a sealed file is accepted under any name
     void EnableCheckFilename(int enable) { m_nCheckFilename = enable; }
-    /// What the last file that was read or sealed says.
+    /// The data of the last file that was read or sealed.
     const CString& GetFilename() const { return m_szFilename; }
     const int& GetVersion() const { return m_nVersion; }
     const CGuid& GetGUID() const { return m_guid; }
 
-    /// Seals a file as version 1 with a new GUID, whether it is sealed already or not: then the seal, too, counts as
-    /// data.
+    /// Seals a file as version 1 with a new GUID, even if it is already sealed: the existing seal then counts as data.
     static int PackNewData(CQFile* file);
     /// Seals a file with this object's identity and the next version.
     /// @param isNew not 0: the file must not be sealed yet; a null GUID is replaced by a new one. 0: it must be sealed
-    /// and pass ReadPackData. The file is not cut: under a shorter name than before it does not pass afterwards.
-    /// Nor does it when the system fails while the new trailer is written over the old one
+    /// and pass ReadPackData. The file is not shortened: if its name is now shorter than before, it does not pass
+    /// afterwards. It also does not pass if the system fails while the new trailer is written over the old one
     int PackUpdateData(CQFile* file, int isNew);
-    /// Checks a sealed file and reads what its trailer says; the position stays. A file under another name than its own
-    /// is read, too, but the answer is 0 when names are checked.
+    /// Checks a sealed file and reads its trailer; the position does not change. A file under another name than its own
+    /// is also read, but the result is 0 if names are checked.
     int ReadPackData(CQFile* file);
-    /// 1 for a file whose CRC, sum and lengths are right.
+    /// 1 for a file whose CRC, sum and lengths are correct.
     static int IsPackData(CQFile* file);
 
 protected:
@@ -86,16 +85,16 @@ protected:
     /// Goes to the trailer's first byte. @param trailerLength may be null
     static void SeekAddDataTop(CQFile* file, DWORD* trailerLength);
     /// Writes the trailer up to the check block, with the file's name, which becomes this object's.
-    /// @param written takes its length; may be null
+    /// @param written receives its length; may be null
     void AddFileInfo(CQFile* file, DWORD* written);
     /// Writes the trailer at the current position.
     int UpdatePackData(CQFile* file);
-    /// The length of the check block, the file's last bytes, and where it begins.
+    /// The length of the check block, the file's last bytes, and its position.
     static DWORD GetCheckSize();
     static ULONGLONG GetCheckPos(ULONGLONG length);
 
 private:
-    void Append(CQFile& file);  // a trailer of the next version
+    void Append(CQFile& file);  // a trailer with the next version
     int TakeInfo(const CQFile& file, ULONGLONG trailerAt);
     std::vector<std::byte> PackInfo(const CQFile& file);
     void WriteTrailer(CQFile& file, const qel::CheckSums& before);

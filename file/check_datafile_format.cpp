@@ -11,7 +11,7 @@
 namespace qel {
 namespace {
 
-// What stands behind the name, from there.
+// The fields after the name; offsets from its end.
 constexpr std::size_t kVersionAt = 0, kGuidAt = 4, kAfterNameSize = 20;
 
 }  // namespace

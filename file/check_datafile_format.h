@@ -9,7 +9,7 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-// The trailer of a sealed file, behind the file's own data. Integers are little-endian.
+// The trailer of a sealed file, after the file's own data. Integers are little-endian.
 //
 //     0         4    info length: what follows up to the check block, name + 21 bytes
 //     4         n    file name without folder, and a zero
@@ -20,10 +20,10 @@
 // Lengths come from a file: check before use.
 namespace qel {
 
-/// The record of who the file is, with the length before it.
+/// The record with the file's identity, and its length before it.
 struct SealInfo {
     static constexpr std::size_t kLengthSize = 4;
-    /// The longest record: a name fills a path at most.
+    /// The longest record: a name is at most as long as a path.
     static constexpr std::size_t kLongest = MAX_PATH + 20;
 
     CString name;
@@ -31,8 +31,8 @@ struct SealInfo {
     GUID guid = {};
 
     std::vector<std::byte> Pack() const;
-    /// @param record the bytes behind the length, or the first kLongest of them; more than the record is let pass
-    /// @throws DataError when they are no record
+    /// @param record the bytes after the length, or the first kLongest of them; bytes after the record are ignored
+    /// @throws DataError if they are not a record
     static SealInfo Unpack(std::span<const std::byte> record);
 };
 

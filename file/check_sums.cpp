@@ -10,7 +10,7 @@ namespace {
 
 using Bytes = std::span<const unsigned char>;
 
-// The forms that this processor runs best.
+// The fastest forms for this processor.
 struct Forms {
     void (*crc)(RunningSums&, Bytes) noexcept;
     void (*sum)(RunningSums&, Bytes) noexcept;
@@ -24,7 +24,7 @@ void PlainSum(RunningSums& sums, Bytes bytes) noexcept {
 void VectorSum(RunningSums& sums, Bytes bytes) noexcept { sums.sum = SumByVector(sums.sum, bytes); }
 
 void PlainBoth(RunningSums& sums, Bytes bytes) noexcept {
-    constexpr std::size_t kBlock = 16384;  // stays in the first cache for the second walk
+    constexpr std::size_t kBlock = 16384;  // stays in the first-level cache for the second pass
     for (; bytes.size() > kBlock; bytes = bytes.subspan(kBlock)) {
         PlainCrc(sums, bytes.first(kBlock));
         PlainSum(sums, bytes.first(kBlock));

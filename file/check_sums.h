@@ -7,14 +7,14 @@
 
 namespace qel {
 
-/// The checksums that sealed files and cabinets carry, over bytes that come in pieces: CRC-32/BZIP2, and the sum of all
-/// bytes as a 32-bit number, in which 0 is stored as 1 so that no stored sum is ever 0.
+/// The checksums of sealed files and cabinets, over bytes that come in pieces: CRC-32/BZIP2, and the sum of all bytes
+/// as a 32-bit number, in which 0 is stored as 1 so that no stored sum is ever 0.
 ///
-/// Computed by the quickest form that the processor has; every form gives the same.
+/// Computed by the fastest form that the processor has; all forms give the same result.
 class QELLIB10_API CheckSums {
 public:
     enum Wanted { kBoth, kCrc, kSum };
-    /// What is not wanted is not computed and must not be asked for.
+    /// What is not wanted is not computed, and must not be read.
     explicit CheckSums(Wanted wanted = kBoth) noexcept : m_wanted(wanted) {}
 
     void Add(std::span<const unsigned char> bytes) noexcept;

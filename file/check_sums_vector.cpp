@@ -51,7 +51,7 @@ constexpr FoldDistance kBlockOfWideLanes(2 * kWideLanesAtOnce);
     return static_cast<std::uint32_t>(_mm_cvtsi128_si32(sums) + _mm_extract_epi32(sums, 2));
 }
 
-// The register stands for 32 bits in front of the bytes, so it is added to the first 32 of them.
+// The register represents 32 bits before the bytes, so it is added to the first 32 of them.
 [[gnu::target("sse4.1,pclmul")]] inline __m128i WithRegister(__m128i reversed, std::uint32_t crc) {
     return _mm_xor_si128(reversed, _mm_set_epi32(static_cast<int>(crc), 0, 0, 0));
 }
@@ -172,7 +172,7 @@ void CrcAndSumByWideFolding(RunningSums& sums, Bytes bytes) noexcept { FoldWide<
 
 #else
 
-// This kind of processor has none of it, so the rest is never called.
+// This kind of processor supports none of this, so the functions below are never called.
 namespace qel {
 
 bool HasCarrylessMultiply() noexcept { return false; }

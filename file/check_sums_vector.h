@@ -9,18 +9,18 @@
 // Using PCLMULQDQ Instruction" (2009), in its form for a CRC that takes the most significant bit first.
 namespace qel {
 
-/// Running CRC register and sum; either may be all that a form computes.
+/// Running CRC register and sum; a form may compute only one of them.
 struct RunningSums {
     std::uint32_t crc = 0;
     std::uint32_t sum = 0;
 };
 
-/// What this processor and system run.
+/// What this processor and system support.
 bool HasCarrylessMultiply() noexcept;        // PCLMULQDQ with SSE 4.1
 bool HasWideCarrylessMultiply() noexcept;    // VPCLMULQDQ with AVX2
 bool HasWidestCarrylessMultiply() noexcept;  // VPCLMULQDQ with AVX-512, GFNI and VNNI
 
-/// Each takes @p sums on over @p bytes, any number of them. The Crc forms leave the sum alone.
+/// Each adds @p bytes, any number of them, to @p sums. The Crc forms do not change the sum.
 void CrcByFolding(RunningSums& sums, std::span<const unsigned char> bytes) noexcept;
 void CrcAndSumByFolding(RunningSums& sums, std::span<const unsigned char> bytes) noexcept;
 void CrcByWideFolding(RunningSums& sums, std::span<const unsigned char> bytes) noexcept;
@@ -28,7 +28,7 @@ void CrcAndSumByWideFolding(RunningSums& sums, std::span<const unsigned char> by
 void CrcByWidestFolding(RunningSums& sums, std::span<const unsigned char> bytes) noexcept;
 void CrcAndSumByWidestFolding(RunningSums& sums, std::span<const unsigned char> bytes) noexcept;
 
-/// The byte sum alone, modulo 2^32; needs AVX2.
+/// Only the byte sum, modulo 2^32; needs AVX2.
 std::uint32_t SumByVector(std::uint32_t sum, std::span<const unsigned char> bytes) noexcept;
 
 }  // namespace qel

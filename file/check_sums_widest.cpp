@@ -10,9 +10,9 @@
 #include "qellib10/file/crc32_bzip2.h"
 #include "qellib10/file/fold_distance.h"
 
-// 512 bits at once. The multiplications and byte shuffles of that width share one port of the processor, so the bytes
-// are not put in reverse order; instead the bits of each byte are, by an affine map, and the folding runs reflected.
-// The sum comes from a dot product with ones for the same reason.
+// 512 bits at once. The multiplications and byte shuffles of that width share one port of the processor. So the bytes
+// are not put in reverse order; instead an affine map reverses the bits of each byte, and the folding works on
+// reflected values. The sum is a dot product with ones for the same reason.
 namespace qel {
 namespace {
 
@@ -34,7 +34,7 @@ constexpr ReflectedFoldDistance kWholeBlock(4 * kLanesAtOnce);
     return _mm_gf2p8affine_epi64_epi8(bytes, _mm_set1_epi64x(kReversedBits), 0);
 }
 
-// Half 0 of a reflected lane holds the higher powers.
+// Half 0 of a reflected lane has the higher powers.
 inline __m128i Factors(const ReflectedFoldDistance& distance) {
     return _mm_set_epi64x(static_cast<std::int64_t>(distance.lower), static_cast<std::int64_t>(distance.upper));
 }
@@ -58,9 +58,9 @@ template <bool kWithSum>
                           static_cast<std::int64_t>(kWholeBlock.lower), static_cast<std::int64_t>(kWholeBlock.upper));
     const __m512i ones = _mm512_set1_epi8(1);
     __m512i lanes[kLanesAtOnce];
-    __m512i parts[kLanesAtOnce] = {};  // one a lane: a single one would wait for itself
+    __m512i parts[kLanesAtOnce] = {};  // one per lane: a single one would wait for itself
 
-    // The register stands for 32 bits in front of the bytes, so it is added to the first four of them.
+    // The register represents 32 bits before the bytes, so it is added to the first four of them.
     __m512i first = _mm512_zextsi128_si512(_mm_cvtsi32_si128(static_cast<int>(__builtin_bswap32(sums.crc))));
     for (std::size_t i = 0; i < kLanesAtOnce; ++i) {
         const __m512i loaded = _mm512_loadu_si512(bytes.data() + i * kLane);

@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t kSlices = 16;
 using CrcTable = std::array<std::uint32_t, 256>;
 
-// Table 0 takes one byte on; table n takes it on by n further bytes of zero.
+// Table 0 processes one byte; table n processes it and n further zero bytes.
 constexpr std::array<CrcTable, kSlices> kTables = [] {
     std::array<CrcTable, kSlices> tables = {};
     for (std::uint32_t i = 0; i < 256; ++i) {

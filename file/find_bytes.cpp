@@ -12,8 +12,8 @@ std::size_t PlaceOf(const void* found, std::span<const std::byte> bytes) noexcep
 }  // namespace
 
 std::size_t FindBytes(std::span<const std::byte> bytes, std::span<const std::byte> wanted) noexcept {
-    // Where the first byte is rare, looking for it alone is quickest; where it keeps leading astray, memmem takes over,
-    // which never looks at a byte more than a few times.
+    // If the first byte is rare, searching for it is fastest; if it gives many false hits, memmem takes over, which
+    // never reads a byte more than a few times.
     constexpr std::size_t kBytesForOneMiss = 64;
     std::size_t patience = 16;
     std::size_t at = 0;

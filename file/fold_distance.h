@@ -14,16 +14,16 @@ constexpr std::uint32_t PowerModulo(std::size_t power) {
     return rest;
 }
 
-/// What takes a lane of 128 bits on by @p lanes lanes without changing its remainder: its 64 bits of lower powers are
-/// multiplied by x^n, those of higher powers by x^(n + 64), n being the distance in bits.
+/// The factors that move a 128-bit lane on by @p lanes lanes without changing its remainder: its 64 bits of lower
+/// powers are multiplied by x^n, those of higher powers by x^(n + 64); n is the distance in bits.
 struct FoldDistance {
     std::uint64_t lower, upper;
     explicit constexpr FoldDistance(std::size_t lanes)
         : lower(PowerModulo(lanes * 128)), upper(PowerModulo(lanes * 128 + 64)) {}
 };
 
-/// The same for lanes whose bit 0 is the highest power. A product of two such halves comes out one power too high, so
-/// the factors are one power lower; their highest power, too, is bit 0 of 64.
+/// The same for lanes whose bit 0 is the highest power. A product of two such halves is one power too high, so the
+/// factors are one power lower; their highest power is also bit 0 of 64.
 struct ReflectedFoldDistance {
     std::uint64_t lower, upper;
     explicit constexpr ReflectedFoldDistance(std::size_t lanes)

@@ -22,21 +22,21 @@
 
 namespace {
 
-constexpr std::int64_t kPatience = 10;  // seconds of the clock
+constexpr std::int64_t kPatience = 10;  // seconds by the clock
 constexpr std::chrono::seconds kLongerThanPatience(kPatience + 2);
 constexpr std::chrono::milliseconds kRetryInterval(50);
 constexpr std::chrono::milliseconds kForLinesOfOthers(250);
 constexpr std::size_t kDumpBlock = 65536;  // bytes dumped by one write
 
-// Both are made at load, so that no thread is just making one when another forks.
+// Both are created at load, so that no thread is creating one while another forks.
 qel::ForkSafeLock& theLogFileGuard = *new qel::ForkSafeLock;
-// The turn of one thread of the process to open the file and write. A fork waits for its end, so that a child neither
-// has the file open nor is born while a thread holds the C library's lock of the time zone.
+// One thread of the process at a time may open the file and write. A fork waits for its end, so that a child does not
+// have the file open, and is not created while a thread holds the C library's time zone lock.
 qel::ForkSafeLock& theTurn = *new qel::ForkSafeLock;
 
 std::int64_t Now() { return CTime::GetCurrentTime().GetTime(); }
 
-// Waits for what somebody else has, until the patience that began at @p since is at its end.
+// Waits for something that others have, until the patience that started at @p since ends.
 class Wait {
 public:
     explicit Wait(std::int64_t since) : m_nSince(since) {}
@@ -52,7 +52,7 @@ private:
     qel::Backoff m_retry{kLongerThanPatience, kRetryInterval};
 };
 
-// One try to open the file in a turn of this thread. @return 0, or why not: no turn then
+// One try to open the file while this thread has the turn. @return 0, or the reason; it has no turn then
 LONG TryInTurn(qel::LogFile& file, const CString& path, std::unique_lock<qel::ForkSafeLock>& turn) {
     if (!turn.try_lock()) return qel::kSharingViolation;
     const LONG code = file.Open(path);
@@ -60,8 +60,8 @@ LONG TryInTurn(qel::LogFile& file, const CString& path, std::unique_lock<qel::Fo
     return code;
 }
 
-// Between the tries the turn is given up: others may have it, and fork.
-// @return false, and no turn, when the patience that began at @p since has come to its end
+// Between the tries the turn is released: others may take it, or fork.
+// @return false, and no turn, when the patience that started at @p since has ended
 bool OpenInTurn(qel::LogFile& file, const CString& path, std::unique_lock<qel::ForkSafeLock>& turn,
                 std::int64_t since) {
     LONG code = TryInTurn(file, path, turn);
@@ -104,7 +104,7 @@ void WriteDump(qel::LogFile& file, std::span<const unsigned char> bytes) {
 
 }  // namespace
 
-CString& CLog::m_szLogFile = *new CString;  // never freed: what goes after this file's statics may log, too
+CString& CLog::m_szLogFile = *new CString;  // never freed: objects destroyed after this file's statics may still log
 std::atomic<int> CLog::m_nLogLevel = 0;
 std::atomic<const char*> CLog::m_szLockKeyword = nullptr;
 constinit std::atomic<HANDLE> CLog::m_hOwnMessageBuffer = nullptr;
@@ -162,7 +162,7 @@ int CLog::LockMessageBuffer() {
     const char* const keyword = m_szLockKeyword;
     if (keyword == nullptr) return 0;
     const std::int64_t since = Now();
-    // A handle to a mutex that existed is never closed; with one of them nothing can change any more.
+    // A handle to an existing mutex is never closed; once we have one, nothing can change any more.
     for (bool isKept = false; Now() - since < kPatience; qel::SleepFor(kRetryInterval)) {
         if (isKept) continue;
         const qel::OpenedObject mutex = qel::CreateNamedMutex(keyword);

@@ -10,17 +10,17 @@ namespace qel {
 
 /// Whether messages can be logged, and if not, why.
 struct LogState {
-    LONG code = 0;   ///< the system's, as CFileException::m_lOsError; also 0 while logging is off
-    CString reason;  ///< English, with the path; empty when messages can be logged
+    LONG code = 0;   ///< the system's, like CFileException::m_lOsError; also 0 while logging is off
+    CString reason;  ///< in English, with the path; empty if messages can be logged
 
     explicit operator bool() const { return reason.IsEmpty(); }
 };
 
-/// Opens the log file as CLog::LogOut does, and closes it; the file is made when it is missing, its bytes stay as they
-/// are. LogOut drops messages without a word, after 10 seconds each, so a program asks here when it has set its log
-/// file. Others who are just writing a line are waited for, at most a quarter of a second; then the file is
+/// Opens the log file in the same way as CLog::LogOut, and closes it; a missing file is created, existing bytes do not
+/// change. LogOut drops messages without notice, after 10 seconds each, so a program should ask here once it has set
+/// its log file. Others that are writing a line are waited for, at most a quarter of a second; then the file is
 /// reported as open elsewhere.
-/// @throws std::bad_alloc alone, when there is no memory for the reason
+/// @throws only std::bad_alloc, if there is no memory for the reason
 QELLIB10_API LogState CanLog();
 
 }  // namespace qel
@@ -49,26 +49,26 @@ public:
     CLog() = default;
     virtual ~CLog();
 
-    /// The file to log to; it is made when missing, its folder is not. Null and the empty text end the logging, which
-    /// is off at first.
+    /// The file to log to; it is created if missing, its folder is not. Null and the empty text switch logging off, as
+    /// it is at first.
     static void SetLogFile(const char* path);
     /// The highest level that is written; 0 at first.
     static void SetLogLevel(int level);
 
     /// Writes @p message, and @p size bytes at @p data unless @p data is null, if @p level is at most the threshold.
-    /// The line, not the dump, also goes to the debugger's output. While the file cannot be opened, whatever the
-    /// reason, it tries again until 10 seconds of the clock have passed, and then drops the message: see qel::CanLog.
-    /// @throws CFileException when the file is open but writing fails; nothing of the message is in it then
+    /// The line, not the dump, also goes to the debugger's output. If the file cannot be opened, for whatever reason,
+    /// it tries again until 10 seconds of the clock have passed, and then drops the message: see qel::CanLog.
+    /// @throws CFileException if the file is open but writing fails; nothing of the message is in it then
     static void LogOut(int level, const char* message, const void* data = nullptr, int size = 0);
 
-    /// The name of the mutex for the message buffer. The text is not copied: it must last as long as it is in use.
+    /// The name of the mutex for the message buffer. The text is not copied: it must stay valid while it is in use.
     static void SetLockKeyword(const char* name);
 
-    /// Tries to claim the message buffer for this process: it succeeded when GetMessageBufferHandle is not null.
-    /// Kept for programs that count on it: it takes 10 seconds, whatever happens, and answers 0; only without a keyword
-    /// it returns at once. Once the mutex was found to exist it exists until this process ends.
+    /// Tries to claim the message buffer for this process: it has succeeded if GetMessageBufferHandle is not null. Kept
+    /// for programs that rely on it: it always takes 10 seconds and returns 0; only without a keyword does it return at
+    /// once. Once it has found an existing mutex, that mutex exists until this process ends.
     static int LockMessageBuffer();
-    /// Gives up the claim, if any.
+    /// Releases the claim, if any.
     static void UnlockMessageBuffer();
     static HANDLE GetMessageBufferHandle();
     static const std::atomic<HANDLE>& m_hMessageBuffer;  ///< `HANDLE h = CLog::m_hMessageBuffer;`
@@ -83,7 +83,7 @@ private:
     static CString LogFile();
 
     static constexpr int kMessageBufferSize = 1024;
-    static CString& m_szLogFile;  // under a lock of its own
+    static CString& m_szLogFile;  // under its own lock
     static std::atomic<int> m_nLogLevel;
     static std::atomic<const char*> m_szLockKeyword;
     static std::atomic<HANDLE> m_hOwnMessageBuffer;

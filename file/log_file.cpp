@@ -18,7 +18,7 @@ constexpr OpenRequest kAppend = {
 
 LogFile::~LogFile() {
     if (!m_file) return;
-    CutBack(m_file, m_appended);  // nobody else's bytes: until the file is closed nobody else has it
+    CutBack(m_file, m_appended);  // only our bytes: nobody else can open the file before we close it
     CloseShared(m_file);
 }
 
@@ -26,7 +26,7 @@ LONG LogFile::Open(const CString& path) {
     m_path = path;
     try {
         return TryOpenShared(ToPosixPath(path.View()), kAppend, m_file);
-    } catch (const CFileException& failure) {  // this cannot be a path
+    } catch (const CFileException& failure) {  // this is not a valid path
         return failure.m_lOsError;
     }
 }

@@ -9,9 +9,9 @@
 
 namespace qel {
 
-/// The log file while one message is written, open for appending and for nobody else: for CFile it is open with
-/// modeWrite and shareExclusive. A line costs no more system calls than being alone with a file takes. What was
-/// appended is taken back unless Close is called.
+/// The log file while one message is written, open for appending and exclusively: for CFile it is open with modeWrite
+/// and shareExclusive. A line costs no more system calls than opening a file exclusively. What was appended is removed
+/// again unless Close is called.
 class LogFile {
 public:
     LogFile() = default;
@@ -19,11 +19,11 @@ public:
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
 
-    /// Opens the file at @p path, once; makes it when it is missing.
-    /// @return 0, or why not, as CFileException::m_lOsError: 32 while another opening is in the way
+    /// Opens the file at @p path, once; creates it if it is missing.
+    /// @return 0, or the reason, like CFileException::m_lOsError: 32 while another opening does not allow it
     LONG Open(const CString& path);
 
-    /// @throws CFileException, as does Close
+    /// @throws CFileException, like Close
     void Append(std::string_view text);
     void Close();
 

@@ -39,7 +39,7 @@ struct Root {
     HKEY key;
 };
 
-// The one that @p location begins with, if any.
+// The root that @p location starts with, if any.
 const Root* FindRoot(const CString& location) {
     static const Root roots[] = {{"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
                                  {"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
@@ -64,7 +64,7 @@ CString NameOf(int key) { return CString(std::string_view(std::to_string(key)));
 // With a terminating zero, which the system adds to a text that was stored without one.
 std::size_t SizeOfText(const std::string& text) { return text.size() + (text.ends_with('\0') ? 0 : 1); }
 
-// What Get of a text gives: one that its buffer can hold.
+// What Get returns for a text: one that fits its buffer.
 const char* TextIn(const qel::RegistryValue& value, const char* otherwise) {
     return qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer ? value.data.c_str() : otherwise;
 }
@@ -146,7 +146,7 @@ int CPrivateProfile::Close() {
 
 CString CPrivateProfile::KeyOf(const char* section) const { return m_szLocation + section; }
 
-// The first system of its family opened no key whose path ends with a backslash; it did make them.
+// The first system of its family did not open keys whose path ends with a backslash, but did create them.
 CString CPrivateProfile::OpenedKeyOf(const char* section) const {
     CString key = KeyOf(section);
     if (CSystemInfo::IsWin95() && EndsWithBackslash(key)) key = key.Left(key.GetLength() - 1);
@@ -291,7 +291,7 @@ int CPrivateProfile::GetAllStrings(const char* section, CStringArray& out) const
     });
 }
 
-// All or nothing: without Commit both keys are as they were.
+// All or nothing: without Commit neither key changes.
 int CPrivateProfile::Replace(const CString& source, const CString& target) {
     qel::RegistryTransaction transaction;
     if (transaction.Begin(m_hRoot) != qel::kRegistrySuccess) return 0;
@@ -304,7 +304,7 @@ int CPrivateProfile::Replace(const CString& source, const CString& target) {
            transaction.Commit() == qel::kRegistrySuccess;
 }
 
-// The key beside the profile's own; the empty text when @p suffix names none.
+// The key next to the profile's own; empty if @p suffix names none.
 CString CPrivateProfile::BackupKey(const char* suffix) const {
     const CString live = WithoutBackslashes(m_szLocation);
     const CString end(suffix);

@@ -38,10 +38,10 @@ public:
     CPrivateProfile(const CPrivateProfile&) = default;
     CPrivateProfile& operator=(const CPrivateProfile&) = default;
 
-    /// @param location the INI file, or a root's name (HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER or HKEY_CLASSES_ROOT, case
-    /// does not matter), a backslash and a path; without one of these roots all operations fail
-    /// @param mode registryMode; anything else is an INI file
-    /// @return 0 without a file's name, or without a root: all operations will fail
+    /// @param location the INI file, or a root's name (HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER or HKEY_CLASSES_ROOT, in
+    /// any case), a backslash and a path; without one of these roots all operations fail
+    /// @param mode registryMode; any other value means an INI file
+    /// @return 0 without a file name, or without a root: all operations will fail
     int Open(const char* location, int mode);
     /// Forgets the location; the mode stays. Always 1.
     int Close();
@@ -51,62 +51,62 @@ public:
     int Set(const char* section, const char* key, int value);
     int Set(const char* section, int key, const char* value);
     int Set(const char* section, int key, int value);
-    /// Does not compile, since as an int the number would lose its decimals: see SetDouble.
+    /// Does not compile, because as an int the number would lose its decimals: see SetDouble.
     template <typename Key, typename Value>
     requires(qel::Fractional<Key> || qel::Fractional<Value>) int Set(const char* section, Key key,
                                                                      Value value) = delete;
     /// The shortest text that reads back as the same number, also in the registry: "1.006".
-    /// @return 0 and no change for infinities and NaN, and in an INI file for a null @p key
+    /// @return 0, and nothing changes, for infinities and NaN, and in an INI file for a null @p key
     int SetDouble(const char* section, const char* key, double value);
     int SetDouble(const char* section, int key, double value);
     template <qel::Fractional Key> int SetDouble(const char* section, Key key, double value) = delete;
     /// Bytes, at most 1 MiB; registry only.
     int Set(const char* section, const char* key, const void* data, DWORD size);
 
-    /// A text of at most 1023 bytes. An empty value of an INI file gives the default; so does in the registry a longer
-    /// text, and a value that is no text.
+    /// A text of at most 1023 bytes. Returns the default for an empty value of an INI file, and in the registry for a
+    /// longer text and for a value that is not text.
     CString Get(const char* section, const char* key, const char* defaultValue) const;
-    /// The number that an INI file's text begins with, 0 when there is none; in the registry REG_DWORD only.
+    /// The number at the start of an INI file's text, 0 if there is none; in the registry only REG_DWORD.
     int Get(const char* section, const char* key, int defaultValue) const;
     CString Get(const char* section, int key, const char* defaultValue) const;
     int Get(const char* section, int key, int defaultValue) const;
     template <typename Key, typename Default>
     requires(qel::Fractional<Key> || qel::Fractional<Default>) int Get(const char* section, Key key,
                                                                        Default defaultValue) const = delete;
-    /// The number that is the whole of the text, as qel::ReadNumber reads it (people type 1,006 too), or REG_DWORD.
-    /// Other than of an int, a text that is no number gives the default; so does in an INI file a null @p key.
+    /// The number that is the whole of the text, read like qel::ReadNumber (people also type 1,006), or REG_DWORD.
+    /// Unlike for an int, text that is not a number gives the default; so does a null @p key in an INI file.
     double GetDouble(const char* section, const char* key, double defaultValue) const;
     double GetDouble(const char* section, int key, double defaultValue) const;
     template <qel::Fractional Key> double GetDouble(const char* section, Key key, double defaultValue) const = delete;
     /// The bytes of a value of any type; registry only.
     /// @param data null: only the size is wanted
-    /// @param size in: room in @p data; out: the value's size, also when the room is too small, which is a failure
+    /// @param size in: size of @p data; out: the value's size, also if @p data is too small, which is a failure
     int Get(const char* section, const char* key, void* data, DWORD* size) const;
 
-    /// Deletes a section with all below it; registry only.
+    /// Deletes a section and everything in it; registry only.
     int Delete(const char* section);
 
-    /// All lines of a section but comments, entries as key, equals sign and value; INI only. A missing section has
+    /// All lines of a section except comments, entries as key, equals sign and value; INI only. A missing section has
     /// none.
-    /// @return 0 when they take more than 32764 bytes, a zero counted for each, or when there is a file that cannot be
-    /// read; @p out stays then
+    /// @return 0 if they need more than 32764 bytes, counting a zero for each, or if the file exists but cannot be
+    /// read; @p out does not change then
     int GetAllStrings(const char* section, CStringArray& out) const;
 
-    /// Copies all below the profile's key to the key beside it that has @p suffix behind its name, in place of what was
-    /// there; Restore copies it back in place of what is here, and the copy stays. Each is done as a whole or, on any
-    /// failure, not at all; so when there is nothing to copy, and with an empty suffix, which would name the profile's
-    /// own key, or one that begins with a backslash. Registry only.
+    /// Copies everything in the profile's key to the key next to it whose name has @p suffix appended, replacing what
+    /// was there. Restore copies it back, replacing what is here, and the copy stays. Each is done as a whole or, on
+    /// any failure, not at all. It fails if there is nothing to copy, with an empty suffix, which would name the
+    /// profile's own key, and with one that starts with a backslash. Registry only.
     int Backup(const char* suffix);
     int Restore(const char* suffix);
 
 protected:
-    /// Deletes a key with all below it. @return 0, -1 when it cannot be opened, else the registry's error number
+    /// Deletes a key and everything in it. @return 0, -1 if it cannot be opened, else the registry's error number
     int DeleteKeySub(HKEY parent, const char* name);
     /// Copies all subkeys and values of one key into another one of the same root.
     int BackupSub(HKEY from, HKEY to);
 
 private:
-    // What a null key means in an INI file.
+    // The meaning of a null key in an INI file.
     bool IsWholeSection(const char* key) const { return key == nullptr && m_nMode != registryMode; }
     CString KeyOf(const char* section) const;
     CString OpenedKeyOf(const char* section) const;
@@ -116,7 +116,7 @@ private:
     bool Read(const char* section, const char* key, qel::RegistryValue& value) const;
     int Replace(const CString& source, const CString& target);
 
-    CString m_szLocation;  // in registry mode the path below the root, always with a backslash at its end
+    CString m_szLocation;  // in registry mode the path below the root, always ending with a backslash
     int m_nMode = iniMode;
     HKEY m_hRoot = nullptr;
 };

@@ -45,8 +45,8 @@ void CQCSVFile::WriteCSVString(const char* text) {
     Put({mark, doubled.View(), mark});
 }
 
-// Most fields are short and go into the block byte by byte.
-// @return false, and nothing is written, when the field has no room in the block
+// Most fields are short and are written to the block byte by byte.
+// @return false, and nothing is written, if the field does not fit in the block
 bool CQCSVFile::QuoteInBlock(const char* text, char mark) {
     constexpr std::size_t kLongest = 64;
     if (text == nullptr || Block::kSize - m_pBlock->used < 2 * kLongest + 2) return false;
@@ -65,7 +65,7 @@ bool CQCSVFile::QuoteInBlock(const char* text, char mark) {
 void CQCSVFile::Write(const void* buffer, UINT count) { Put({{static_cast<const char*>(buffer), count}}); }
 
 void CQCSVFile::Put(std::initializer_list<std::string_view> pieces) {
-    if (m_pBlock->used == 0) WritableDescriptor();  // a closed or read-only file is refused at once
+    if (m_pBlock->used == 0) WritableDescriptor();  // refuses a closed or read-only file at once
     for (std::string_view piece : pieces) {
         if (piece.empty()) continue;
         if (piece.size() > Block::kSize - m_pBlock->used) WriteOut();
@@ -83,7 +83,7 @@ void CQCSVFile::Put(std::initializer_list<std::string_view> pieces) {
 }
 
 void CQCSVFile::WriteOut() const {
-    // What could not be written is not tried again: a part of it may be in the file.
+    // Bytes that could not be written are not tried again: some of them may be in the file.
     const std::size_t used = std::exchange(m_pBlock->used, 0);
     if (used != 0) WriteThrough({m_pBlock->bytes, used});
 }
@@ -158,7 +158,7 @@ void CQCSVFile::Close() {
     try {
         WriteOut();
     } catch (const CFileException&) {
-        CQFile::Close();  // closed all the same
+        CQFile::Close();  // closes in any case
         throw;
     }
     CQFile::Close();

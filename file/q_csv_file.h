@@ -37,13 +37,13 @@ public:
     const CString& GetDelimiter() const { return m_szDelimiter; }
     void SetCRLF(const CString& lineEnd) { m_szCRLF = lineEnd; }
     const CString& GetCRLF() const { return m_szCRLF; }
-    /// An empty mark: fields are written bare.
+    /// With an empty mark fields are written without marks.
     void SetQuotationMark(const CString& mark) { m_szQuotationMark = mark; }
     const CString& GetQuotationMark() const { return m_szQuotationMark; }
 
-    /// Writes a text as it is; null is the empty one. This and the following throw CFileException as CFile::Write does.
+    /// Writes a text unchanged; null means empty. This and the following throw CFileException like CFile::Write.
     void Write(const char* text);
-    /// Writes one field: between quotation marks, each quotation mark within it twice. Nothing else is escaped.
+    /// Writes one field: in quotation marks, with each inner quotation mark doubled. Nothing else is escaped.
     void WriteCSVString(const char* text);
     void WriteDelimiter();
     void WriteCRLF();
@@ -76,5 +76,5 @@ private:
     CString m_szDelimiter;
     CString m_szCRLF;
     CString m_szQuotationMark;
-    std::unique_ptr<Block> m_pBlock;  // what is not in the file yet
+    std::unique_ptr<Block> m_pBlock;  // bytes that are not in the file yet
 };

@@ -26,7 +26,7 @@ CQFile::CQFile() noexcept = default;
 CQFile::~CQFile() = default;
 
 BOOL CQFile::Open(const char* name, UINT flags, CFileException* error) {
-    m_nDeleteOnClose = 0;  // it belongs to the temporary file, which is closed here, not to what is opened now
+    m_nDeleteOnClose = 0;  // it belongs to the temporary file that is closed here, not to the new one
     return CFile::Open(name, flags, error);
 }
 
@@ -65,7 +65,7 @@ int CQFile::CloseTo(const char* target) {
     CString name;
     const bool copied = qel::Succeeds([&] {
         name = GetFilePath();
-        Close();  // bytes that get lost here are missing in the copy: then there is none, and the file stays
+        Close();  // bytes lost here would be missing in the copy: then there is no copy, and the file stays
         qel::CopyToMove(name.View(), CString(target).View(), false);
     });
     if (copied && Delete(name)) return operation.Ended(1);

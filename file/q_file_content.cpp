@@ -20,14 +20,14 @@ using ByteSpan = std::span<const std::byte>;
 
 constexpr UINT kForReading = CFile::modeRead | CFile::shareDenyNone;
 
-// The bytes of a file from its begin, block by block. Before a new block, which begins on a page, stands the end of
-// what was read before it.
+// The bytes of a file from its start, block by block. Before each new block, which starts on a page, is the end of the
+// bytes read before it.
 class Window {
 public:
-    // @param overlap bytes to keep: one less than what is searched for
+    // @param overlap bytes to keep: one less than the length searched for
     Window(CFile& file, std::size_t overlap)
         : m_file(file), m_overlap(overlap), m_fresh((overlap + IoBlock::kSize - 1) / IoBlock::kSize) {
-        // As much again as is kept: then no byte is searched more than twice.
+        // At least as large as the part that is kept: so no byte is searched more than twice.
         m_freshSize = std::max<std::size_t>(m_fresh, 1) * IoBlock::kSize;
         m_blocks = std::make_unique_for_overwrite<IoBlock[]>(m_fresh + m_freshSize / IoBlock::kSize);
         m_begin = m_blocks[m_fresh].bytes;
@@ -51,7 +51,7 @@ public:
 private:
     CFile& m_file;
     std::size_t m_overlap;
-    std::size_t m_fresh;  // the block that reading begins in
+    std::size_t m_fresh;  // the block into which is read
     std::size_t m_freshSize;
     std::unique_ptr<IoBlock[]> m_blocks;
     std::byte* m_begin;
@@ -59,9 +59,10 @@ private:
     ULONGLONG m_offset = 0;
 };
 
-// The search goes through the file in blocks of 1024 bytes. The last one, when it is not full, still has bytes of the
-// one before it behind its own, and the pattern's first byte among them ends the search as one near the end does.
-// @return where behind the end of a file of @p length bytes that is, 0 when there is none
+// The search goes through the file in blocks of 1024 bytes. The last one, if it is not full, still has bytes of the
+// previous block after its own. If the pattern's first byte is among them, it ends the search, like one near the end
+// does.
+// @return the position past the end of a file of @p length bytes, 0 if there is none
 ULONGLONG FindAfterEnd(CFile& file, ULONGLONG length, std::byte first) {
     constexpr ULONGLONG kBlock = 1024;
     const ULONGLONG ownOfLast = length % kBlock;

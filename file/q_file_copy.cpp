@@ -3,7 +3,7 @@
 
 namespace {
 
-// Copies from one position to the other; both are behind the copied bytes then.
+// Copies from one position to the other; both are then after the copied bytes.
 void Copy(CFile& from, CFile& to, ULONGLONG count) {
     const ULONGLONG source = from.GetPosition();
     const ULONGLONG target = to.GetPosition();
@@ -23,7 +23,7 @@ void CQFile::WriteFromFile(const char* source, UINT offset, DWORD count) {
     ULONGLONG wanted = count;
     if (count == kToTheEnd) {
         const ULONGLONG length = from.GetLength();
-        // From behind the end there is nothing to copy, which is a failure as with any other count.
+        // Past the end there is nothing to copy, which is a failure for any count.
         if (offset > length) throw CFileException(CFileException::genericException, -1, from.GetFilePath());
         wanted = length - offset;
     }

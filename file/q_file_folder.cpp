@@ -21,7 +21,7 @@ bool Deleted(std::string_view file) {
 std::vector<qel::FoundFile> Matching(std::string_view pattern) {
     try {
         return qel::FindFiles(pattern);
-    } catch (const CFileException&) {  // where nothing can be listed nothing matches
+    } catch (const CFileException&) {  // if nothing can be listed, nothing matches
         return {};
     }
 }

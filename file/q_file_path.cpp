@@ -45,7 +45,7 @@ CString CQFile::GetFolderFromPath(const char* path) {
     return CString(whole.View().substr(0, FindLastCharacter(whole.View(), '\\')));
 }
 
-// Neither a dot nor a slash is ever a trail byte, so these may go by bytes.
+// Dots and slashes are never trail bytes, so these may work by bytes.
 
 CString CQFile::GetFileExt(const char* name) {
     const CString whole(name);
@@ -54,7 +54,7 @@ CString CQFile::GetFileExt(const char* name) {
 }
 
 CString CQFile::GetFileShortExt(const char* name) {
-    constexpr std::size_t kLastBytes = 4;  // the dot, and up to three behind it
+    constexpr std::size_t kLastBytes = 4;  // the dot, and up to three after it
     const CString whole(name);
     const std::size_t size = whole.View().size();
     const std::size_t dot = whole.View().rfind('.');

@@ -31,7 +31,7 @@ CString CQFile::GetModuleFilePath(HINSTANCE module) { return qel::ModulePath(mod
 CString CQFile::GetModuleFolder(HINSTANCE module) { return GetFolderFromPath(GetModuleFilePath(module)); }
 
 CString CQFile::GetModuleIniFile(HINSTANCE module) {
-    // Programs here have no extension, but folders like app-1.2 a dot: only the file's own name may be cut.
+    // Programs here have no extension, but folders such as app-1.2 have a dot: only the file's own name may be cut.
     const CString path = GetModuleFilePath(module);
     const CString name = GetFilenameFromPath(path);
     return path.Left(path.GetLength() - name.GetLength()) + DeleteFileExt(name) + ".ini";

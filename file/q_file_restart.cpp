@@ -19,7 +19,7 @@ constexpr int kDoneNow = 0, kDelayed = 1, kNoShortName = -1, kRefused = -2, kNot
 
 using qel::Succeeds;
 
-// Deletes. Where the system does not even show whether it is there, it is not gone.
+// Deletes the file. If the system does not even show whether it exists, it counts as not deleted.
 bool IsGone(const CString& file) {
     try {
         qel::DeleteFile(file.View());
@@ -29,21 +29,21 @@ bool IsGone(const CString& file) {
     }
 }
 
-// Moves @p source beside @p target, to a new name, with the rights that it would have at @p target. The empty text on
-// failure: @p source is where it was then.
+// Moves @p source to a new name next to @p target, with the rights that it would have at @p target. Empty on failure:
+// @p source has then not moved.
 CString MoveBeside(const CString& source, const CString& target) {
     CString name;
     const bool moved = Succeeds([&] {
         const CString full = qel::FullPath(target.View());
         name = qel::TemporaryName(full.View().substr(0, qel::NameStart(full.View())), "");
-        qel::DeleteFile(name.View());  // for the copy to make it with its rights
+        qel::DeleteFile(name.View());  // the copy creates it again, with its rights
         qel::CopyToWait(source.View(), name.View(), target.View());
-        Succeeds([&] { qel::DeleteFile(source.View()); });  // one that stays does no harm
+        Succeeds([&] { qel::DeleteFile(source.View()); });  // it does no harm if it stays
     });
     return moved ? name : CString();
 }
 
-// Files have no second, shorter name here: the short one is the full one, and only a file that exists has one.
+// Files have no second, shorter name here: the short one is the full one, and only an existing file has one.
 std::optional<CString> ShortName(const CString& name) {
     if (!CQFile::IsExist(name)) return std::nullopt;
     return qel::FullPath(name.View());

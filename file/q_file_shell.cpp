@@ -11,7 +11,7 @@
 
 namespace {
 
-// Where the folder browser begins: one value for the process, so of two browsers at once both take the later one.
+// The folder that the browser starts in: one value per process, so of two browsers at once both use the later one.
 std::mutex theInitialFolderLock;
 CString theInitialFolder;
 

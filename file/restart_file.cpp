@@ -12,10 +12,10 @@
 namespace qel {
 namespace {
 
-// The Windows folder, which is there on systems that have a restart file.
+// The Windows folder, which exists on systems that have a restart file.
 CString Folder() {
     const CString folder = CSystemInfo::GetWindowsDirectoryA();
-    Succeeds([&] { MakeFolders(folder.View()); });  // else writing shows it
+    Succeeds([&] { MakeFolders(folder.View()); });  // a failure shows when the file is written
     return folder;
 }
 
@@ -27,7 +27,7 @@ bool AddMoveToRestartFile(const CString& source, const CString& target) {
 }
 
 bool AddDeletionToRestartFile(const CString& name) {
-    // All deletions have the same key, so a new one is not set but put behind the others.
+    // All deletions have the same key, so a new one is not set but added after the others.
     constexpr const char* kSection = "Rename";
     const CString file = Folder() + "\\WinInit.ini";
     return AddProfileEntry(kSection, "Nul=" + std::string(name.View()), file);

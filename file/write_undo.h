@@ -7,13 +7,13 @@
 
 namespace qel {
 
-/// Puts a file back, when the object goes, to the length and the bytes that it had. With Keep() it stays as written.
-/// A file that is open for writing alone gets its length back.
+/// Its destructor restores the length and the bytes that a file had, unless Keep() was called. For a file that is open
+/// for writing only, just the length is restored.
 class WriteUndo {
 public:
-    /// For writing from @p position on, the file's end or before it, over @p most bytes of what is there. The
-    /// file's position is there then.
-    /// @throws CFileException when the bytes cannot be read, or the file has no length or position
+    /// For writing from @p position on (the end of the file or before it) over at most @p most existing bytes. Moves
+    /// the file's position there.
+    /// @throws CFileException if the bytes cannot be read, or the file has no length or position
     WriteUndo(CFile& file, ULONGLONG position, std::size_t most = 0);
     ~WriteUndo();
     WriteUndo(const WriteUndo&) = delete;

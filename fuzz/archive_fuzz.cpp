@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kLongestUsefulInput = 64 * 1024;
 
-// A node of any graph, cycles and nodes with several parents included; so no node owns another.
+// A node of any graph, including cycles and nodes with several parents; so no node owns another.
 class CNode : public Archived<CNode, CObject> {
 public:
     CNode() { All().insert(this); }

@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int width = (data[2] | data[3] << 8) % (kWidestField + 1);
     std::int32_t decimals;
     std::memcpy(&decimals, data + 4, sizeof decimals);
-    const std::string texts(data + kHeaderSize, data + size);  // two numbers, a line each
+    const std::string texts(data + kHeaderSize, data + size);  // two numbers, one per line
     const std::size_t end = texts.find('\n');
     CBCD a(texts.substr(0, end).c_str()), b(end == std::string::npos ? "" : texts.c_str() + end + 1);
 

@@ -1,6 +1,6 @@
-// Law: a file of any bytes, with the sums of its header made right, is refused as a cabinet; or what comes out of it,
-// and what does not, is the same twice and leaves it as it is, and then registering a version either changes nothing or
-// makes it the latest one, which comes out equal.
+// Law: a file of any bytes, with correct sums in its header, is refused as a cabinet; or what it returns and what it
+// refuses is the same twice, and the file does not change; then registering a version either changes nothing or makes
+// it the latest one, which is returned unchanged.
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -20,7 +20,7 @@ constexpr std::size_t kLongestUsefulInput = 4096;
 constexpr DWORD kVersionsTried = 8;
 const std::string kNewVersion = "new version";
 
-// The cabinet, what is registered, and what is taken out.
+// The cabinet, the registered file, and the file taken out.
 const TempFolder& Files() {
     static const TempFolder folder;
     return folder;
@@ -37,7 +37,7 @@ std::string WithCorrectSums(const std::uint8_t* data, std::size_t size) {
     return bytes;
 }
 
-// By number, the latest under 0; only those that come out.
+// By number, the latest under 0; only those that can be taken out.
 std::map<DWORD, std::string> Versions(CHistoryCabinetFile& cabinet) {
     std::map<DWORD, std::string> found;
     if (cabinet.GetLatestVersionFile(Files().Path("target"))) found[0] = Files().Read("target");

@@ -1,4 +1,4 @@
-// Law: a variable list read from any bytes, stored and read again is the same list. A formula in the bytes behind it
+// Law: a variable list read from any bytes, stored and read again is the same list. A formula in the bytes after it
 // means the same with a blank before each of its bytes, and a valid one also in parentheses.
 #include <algorithm>
 #include <cstddef>
@@ -22,7 +22,7 @@ std::tuple<int, int, std::uint64_t> Meaning(CQWCalc& calc, const std::string& fo
     const int valid = calc.CheckCalcFormula("", CString(formula));
     const int calculated = calc.ConcCalculation(CString(formula), &result);
     std::uint64_t bits = 0;
-    if (result == result) std::memcpy(&bits, &result, sizeof bits);  // one not-a-number is as good as another
+    if (result == result) std::memcpy(&bits, &result, sizeof bits);  // all NaN are equal here
     return {valid, calculated, bits};
 }
 

@@ -1,5 +1,5 @@
-// Law: what was set in an INI file is read back, all other values stay, and of the old bytes nothing but the value of
-// one line is gone. Deleting what was added gives the old bytes.
+// Law: what was set in an INI file is read back, all other values stay, and of the old bytes only the value of one line
+// is gone. Deleting what was added restores the old bytes.
 #include <algorithm>
 #include <cstddef>
 #include <map>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kLongestUsefulInput = 4096;
 
-// The first values of all names, found by walking over the lines.
+// The first values of all names, found by going through the lines.
 using Values = std::map<std::pair<std::string, std::string>, std::string>;
 
 Values WalkedValues(std::string_view bytes) {
@@ -50,7 +50,7 @@ void CheckIndex(const std::string& bytes, const Values& values) {
     }
 }
 
-// Bytes of @p old that are neither at the beginning nor at the end of @p changed.
+// Bytes of @p old that are neither at the start nor at the end of @p changed.
 std::string_view Gone(std::string_view old, std::string_view changed) {
     const auto begin = std::ranges::mismatch(old, changed).in1 - old.begin();
     old.remove_prefix(static_cast<std::size_t>(begin));
@@ -95,6 +95,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     values.erase(names);
     const Values left = WalkedValues(qel::WithoutIniKey(bytes, section, key));
-    Require(std::ranges::includes(left, values));  // a second entry of the name may have taken its place
+    Require(std::ranges::includes(left, values));  // a second entry of the name may have replaced it
     return 0;
 }

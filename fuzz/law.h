@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-/// Ends the program, which the fuzzer takes for a finding, unless the law holds.
+/// Ends the program, which the fuzzer reports as a finding, unless the law holds.
 inline void Require(bool holds) {
     if (!holds) std::abort();
 }

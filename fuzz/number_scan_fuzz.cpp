@@ -1,6 +1,6 @@
-// Laws: a number read from the beginning of any text is the one that the C library reads from the accepted bytes, and a
-// whole number the one that it reads from the text. A text that the C library reads as a whole, and that has the form
-// of a number, is one, and no other text is; its own text reads as the same number. The sign of 0 counts.
+// Laws: a number read from the start of any text is the one that the C library reads from the accepted bytes, and a
+// whole number the one that it reads from the text. A text that the C library reads completely, and that has the form
+// of a number, is one, and no other text is; its own text reads as the same number. The sign of 0 matters.
 #include <algorithm>
 #include <bit>
 #include <cerrno>
@@ -21,7 +21,7 @@ bool IsSame(std::optional<double> a, double b) {
 
 void CheckWholeNumber(std::string text) {
     const auto number = qel::ReadNumber(text);
-    text.erase(text.find_last_not_of("\t\n\v\f\r ") + 1);  // strtod passes over those before it
+    text.erase(text.find_last_not_of("\t\n\v\f\r ") + 1);  // strtod skips those before it
     std::ranges::replace(text, ',', '.');
     const bool hasForm = text.find_first_not_of("\t\n\v\f\r 0123456789.eE+-") == std::string::npos;
     char* end = nullptr;

@@ -1,6 +1,6 @@
-// Law: a job file of any bytes is refused, and then the job is as it was; or it is loaded, and then it is saved as a
-// file that is loaded as the same job and saved as the same bytes. Whatever it holds can be drawn. With a comment in
-// front, so that it is read as a document in any case, it is the same job.
+// Law: a job file of any bytes is refused, and then the job does not change; or it is loaded, and then saved as a file
+// that is loaded as the same job and saved as the same bytes. Whatever it contains can be drawn. With a comment at its
+// start, so that it is always read as a document, it is the same job.
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/print/queue_data.h"

@@ -1,5 +1,5 @@
-// Law: a renewal record read from any bytes, stored and read again is the same record; one that is not read leaves the
-// record as it was.
+// Law: a renewal record read from any bytes, stored and read again is the same record; one that is not read does not
+// change the record.
 #include "qellib10/secure/history_renew_info.h"
 
 #include "../tests/support/archive_bytes.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kLongestUsefulInput = 16 * 1024;
 
-// A record that no input is likely to hold.
+// A record that no input is likely to contain.
 CHistoryRenewInfo Untouched() {
     CHistoryRenewInfo info;
     info.SetComment("untouched");

@@ -1,4 +1,4 @@
-// Runs a fuzz target over the files of the folders that are its arguments, where there is no fuzzer to drive it.
+// Runs a fuzz target over the files of the folders given as arguments, if there is no fuzzer to drive it.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -9,8 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-// A target that has it is told here which seeds are good: those named good_*. Their law would say nothing if the reader
-// refused them.
+// A target with this function uses it to check the good seeds, those named good_*. Their law would prove nothing if the
+// reader refused them.
 extern "C" [[gnu::weak]] bool IsRead(const std::uint8_t* data, std::size_t size);
 
 int main(int argumentCount, char** arguments) {
@@ -19,7 +19,7 @@ int main(int argumentCount, char** arguments) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(arguments[i])) {
             if (!entry.is_regular_file()) continue;
             std::puts(entry.path().c_str());
-            std::fflush(stdout);  // so that the one which ends the process is the last named
+            std::fflush(stdout);  // so that the file which ends the process is the last one named
             std::ifstream file(entry.path(), std::ios::binary);
             const std::vector<char> bytes(std::istreambuf_iterator<char>(file), {});
             const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());

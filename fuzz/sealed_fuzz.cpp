@@ -1,6 +1,6 @@
-// Law: a file of any bytes, with checksums made right for them, is either refused as sealed, and then a seal on it is
-// read again as version 1 with its own data before it; or it is accepted, and then it can be sealed again, with the
-// next version, the same GUID and the same data.
+// Law: a file of any bytes, with correct checksums, is either refused as sealed, and then a seal on it is read again as
+// version 1 with its own data before it; or it is accepted, and then it can be sealed again, with the next version, the
+// same GUID and the same data.
 #include <algorithm>
 #include <cstddef>
 #include <span>
@@ -20,7 +20,7 @@ using qel::CheckBlock;
 
 CheckBlock LastBlock(const Bytes& bytes) { return CheckBlock::Unpack(std::span(bytes).last<CheckBlock::kSize>()); }
 
-// The last four bytes stay the trailer length.
+// The last four bytes remain the trailer length.
 void CorrectChecksums(Bytes& bytes) {
     if (bytes.size() < CheckBlock::kSize) return;
     const std::size_t end = bytes.size() - CheckBlock::kSize;

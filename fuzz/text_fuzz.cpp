@@ -1,6 +1,6 @@
-// Law, in every code page: what the system can convert comes out as the system converts it, and a conversion repeated
-// changes nothing more; a match stands between characters and none stands before it; two texts are the same name
-// exactly when their folded copies are equal.
+// Law, in every code page: what the system can convert is converted in the same way, and repeating a conversion changes
+// nothing more; a match is between characters, with none before it; two texts are the same name exactly if their folded
+// copies are equal.
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -18,7 +18,7 @@ constexpr std::size_t kLongestUsefulInput = 4096;
 void CheckConversions(std::string_view bytes) {
     const std::string utf8 = qel::ToUtf8(bytes);
     Require(qel::ToUtf8(qel::FromUtf8(utf8)) == utf8);
-    Require(qel::FromUtf8WithReferences(utf8) == qel::FromUtf8(utf8));  // the page has all that came out of it
+    Require(qel::FromUtf8WithReferences(utf8) == qel::FromUtf8(utf8));  // all characters of the result are in the page
     Require(qel::FromUtf16(qel::ToUtf16(bytes)) == qel::FromUtf8(utf8));
     static qel::Converter systems("UTF-8", "CP932");
     const auto expected = qel::CodePage() == qel::kCodePageJapanese ? systems.Convert(bytes) : std::nullopt;

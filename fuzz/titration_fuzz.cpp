@@ -1,5 +1,5 @@
-// Law: whatever stands in a curve's file and in the settings behind it (after a zero byte), the example program finds
-// an end point within the curve and a result that reads as a number, or it says in one line why not. A method that was
+// Law: for any bytes of a curve's file and of the settings after it (separated by a zero byte), the demonstration finds
+// an end point within the curve and a result that reads as a number, or says in one line why not. A method that was
 // kept once is kept again without a change.
 #include <algorithm>
 #include <cmath>

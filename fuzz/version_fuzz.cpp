@@ -1,5 +1,5 @@
-// Law: what a file is found to say about its version depends neither on the case of the key nor on bytes behind what
-// was read: the same file with more at its end says the same.
+// Law: what is found about a file's version depends neither on the case of the key nor on bytes after those that were
+// read: the same file with more at its end gives the same.
 #include "../tests/support/version_law.h"
 #include "law.h"
 

@@ -1,6 +1,6 @@
 // Law: a file of any bytes, plain or enciphered, is refused, and then the document is empty; or it is loaded, and then
-// it is saved, plain or enciphered, as a file that is loaded as the same document. A path of any bytes is refused
-// everywhere, or finds as much as it counts; a text that is set where it leads is saved with the rest.
+// saved, plain or enciphered, as a file that is loaded as the same document. A path of any bytes is refused everywhere,
+// or finds as many nodes as it counts; a text that is set at its place is saved with the rest.
 #include <string>
 #include <string_view>
 

@@ -17,13 +17,13 @@ enum Position { kRight, kLeft };
 CString NumberInField(double value, int position, int digit, int decimal) {
     if (position != kRight && position != kLeft) return CString();
     const auto limited = [](int count) { return std::clamp(count, -qel::kMaxColumns, qel::kMaxColumns); };
-    // Adding 0 makes the 0 out of -0.5 one without a sign.
+    // Adding 0 turns the -0 from -0.5 into 0.
     std::string text =
         decimal < 1 ? qel::FixedText(std::trunc(value) + 0.0, 0) : qel::FixedText(value, limited(decimal));
     const int width = decimal < 1 ? limited(digit) : limited(digit) + limited(decimal) + 2;
     const std::size_t columns = static_cast<std::size_t>(std::abs(width));
     if (text.size() < columns) {
-        // A width below 0 means left-aligned, as to printf.
+        // A width below 0 means left-aligned, like in printf.
         text.insert(position == kLeft || width < 0 ? text.size() : 0, columns - text.size(), ' ');
     }
     return CString(std::string_view(text));

@@ -3,11 +3,11 @@
 #include "qellib10/platform/drawing/drawing_types.h"
 #include "qellib10/platform/export.h"
 
-/// A picture off the screen with a context to draw on it. An application draws here and copies to the screen, so that
-/// nobody sees half a drawing.
+/// An off-screen picture with a context to draw on it. An application draws here and copies the result to the screen,
+/// so that half a drawing is never visible.
 ///
-/// An assigned or copied object has the same handles, on purpose: only one of them is to be destroyed, and handles that
-/// the other still has are refused from then on.
+/// An assigned or copied object has the same handles, on purpose: destroy only one of them; the handles that the other
+/// still has are refused from then on.
 class QELLIB10_API CBackBufferDC {
 public:
     CBackBufferDC() = default;
@@ -16,11 +16,12 @@ public:
     ~CBackBufferDC() { Destroy(); }
 
     /// A context like @p target (null: like the screen) with a picture of that size.
-    /// @return 0 when there is a context already or none can be made, else as Resize
+    /// @return 0 if there already is a context or none can be created, else like Resize
     int Create(int width, int height, HDC target);
-    /// A new picture, black, in place of the old one.
-    /// @return 0 without a context, or when there can be no picture of that size (1 to 32767 a side); the old one is
-    ///   gone then, too
+    /// Replaces the picture by a new, black one.
+    /// @return 0 without a context, or if a picture of that size is impossible (1 to 32767 per side); the old one is
+    /// then
+    ///   deleted too
     int Resize(int width, int height);
     /// @return 0 without a context
     int Destroy();

@@ -2,8 +2,8 @@
 
 #include "qellib10/platform/drawing/drawing_types.h"
 
-/// How bars are drawn: outline and filling. At first a black solid outline of one unit, hatched black from the lower
-/// left to the upper right, 10 units wide.
+/// How bars are drawn: outline and filling. Initially a black solid outline of one unit, hatched in black from the
+/// lower left to the upper right, 10 units wide.
 class CBarGraphStyle {
 public:
     const COLORREF& GetLineColor() const { return m_lineColor; }

@@ -14,9 +14,9 @@ namespace {
 
 using Limits = std::numeric_limits<double>;
 
-// What is lost by rounding, in parts of the values at hand, and more.
+// More than the relative error that rounding can cause.
 constexpr double kRounding = 16 * Limits::epsilon();
-// y values beyond this go the long way; sums and products with them may leave the numbers.
+// y values beyond this are computed one by one, because sums and products with them may overflow.
 constexpr double kLargest = 1e300;
 
 }  // namespace
@@ -28,7 +28,7 @@ ColumnWindow::ColumnWindow(const DataScale& scale, int column) noexcept
       m_high(-Limits::infinity(), -Limits::infinity()) {
     constexpr auto kX = DataScale::kX, kY = DataScale::kY;
     const double origin = scale.origin[kX], length = scale.length[kX];
-    // Distances are cut toward zero. The outermost columns take in everything behind them.
+    // Distances are cut toward zero. The outermost columns include everything past them.
     const double from = column > 0 ? column : column - 1.0, to = column < 0 ? column : column + 1.0;
     const auto value = [&](double distance) {
         if (distance > kFarthest) return std::copysign(Limits::max(), length);
@@ -86,7 +86,7 @@ const CGraphData* ColumnWindow::PassBlocks(const CGraphData* at, const CGraphDat
             _mm_min_pd(_mm_min_pd(_mm_min_pd(a, b), _mm_min_pd(c, d)), _mm_min_pd(_mm_min_pd(e, f), _mm_min_pd(g, h)));
         const __m128d blockHigh =
             _mm_max_pd(_mm_max_pd(_mm_max_pd(a, b), _mm_max_pd(c, d)), _mm_max_pd(_mm_max_pd(e, f), _mm_max_pd(g, h)));
-        // Minimum and maximum pass over a NaN, so these are looked for.
+        // Minimum and maximum ignore NaN, so these are searched for.
         const __m128d isNan = _mm_or_pd(_mm_or_pd(_mm_cmpunord_pd(a, b), _mm_cmpunord_pd(c, d)),
                                         _mm_or_pd(_mm_cmpunord_pd(e, f), _mm_cmpunord_pd(g, h)));
         const __m128d isOutside = _mm_or_pd(_mm_cmplt_pd(blockLow, lowest), _mm_cmpgt_pd(blockHigh, highest));

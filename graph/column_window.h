@@ -7,20 +7,20 @@
 
 namespace qel {
 
-/// The values that lie in one column of pixels for sure, so that most points of a long series need no division: where a
-/// value lies grows (or falls) with the value, whatever is rounded on the way, so what lies between two values of a
-/// column is in that column too. Values near its borders, and those of points without a place, may lie outside the
-/// window.
+/// The values that are certainly in one column of pixels, so that most points of a long series need no division. The
+/// position grows (or falls) with the value, however it is rounded, so everything between two values of a column is in
+/// that column too. Values near its borders, and points without a position, may be outside the window.
 class ColumnWindow {
 public:
-    /// @param column distance in pixels, as Pixels gives it
+    /// @param column distance in pixels, as returned by Pixels
     ColumnWindow(const DataScale& scale, int column) noexcept;
 
-    /// Passes over the points in the window that @p data begins with, and widens @p low to @p high by their y values.
+    /// Skips the points at the start of @p data that are in the window, and extends @p low to @p high by their y
+    /// values.
     /// @return the first point outside
     const CGraphData* Pass(std::span<const CGraphData> data, double& low, double& high) const noexcept;
 
-    /// Places the points in the window that @p data begins with, as the scale's Map does.
+    /// Computes the positions of the points at the start of @p data that are in the window, like the scale's Map.
     /// @param points as many as there are in @p data
     /// @return how many are in the window
     std::size_t Map(std::span<const CGraphData> data, POINT* points) const noexcept;
@@ -35,7 +35,7 @@ private:
 
     DataScale m_scale;
     int m_nX;                  // of the column on the surface
-    CGraphData m_low, m_high;  // corners of the window; the higher one is not above the lower when it is empty
+    CGraphData m_low, m_high;  // corners of the window; if it is empty, the higher one is not above the lower
 };
 
 }  // namespace qel

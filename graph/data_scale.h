@@ -14,20 +14,21 @@
 
 namespace qel {
 
-/// Surfaces take coordinates up to this far from 0.
+/// The largest coordinates that surfaces accept, in either direction.
 inline constexpr int kFarthest = 65530;
 
-/// A range of values as a divisor. An axis whose ends are equal has none: what lies at the end stays there, everything
+/// A range of values as a divisor. An axis whose ends are equal has none: a value at the end stays there, all others
+/// are far outside.
 /// else is far outside.
 inline double Divisor(double range) noexcept { return range == 0 ? std::numeric_limits<double>::min() : range; }
 
-/// Cut toward zero and kept within the farthest coordinates; NaN is as far to the left or the top as can be.
+/// Cut toward zero and limited to the farthest coordinates; NaN is at the farthest left or top.
 inline int Pixels(double distance) noexcept {
     const double low = distance > -kFarthest ? distance : -kFarthest;
     return static_cast<int>(low < kFarthest ? low : kFarthest);
 }
 
-/// Where the values of a series lie on the surface: for x and y a distance from an edge of the draw area.
+/// Maps the values of a series to the surface: for x and y a distance from an edge of the draw area.
 struct DataScale {
     enum Axis : unsigned { kX, kY };
 
@@ -36,18 +37,19 @@ struct DataScale {
     std::array<double, 2> divisor{1, 1};  ///< the range of values, above 0
     POINT edge{0, 0};
 
-    /// The order of the three steps is fixed: every drawing and every job has been made by it. NaN stays NaN.
+    /// The order of the three steps is fixed: all existing drawings and jobs were made with it. NaN stays NaN.
     double Distance(Axis axis, double value) const noexcept {
         return (value - origin[axis]) * length[axis] / divisor[axis];
     }
     int MapY(double value) const noexcept { return edge.y + Pixels(Distance(kY, value)); }
 
-    /// Where a point lies.
-    /// @return false for a point that has no place, because its value or its axis is not a number; @p at is as good as
-    ///   Pixels says then
+    /// The position of a point.
+    /// @return false for a point without a position, because its value or its axis is NaN; @p at is then what Pixels
+    /// returns
+    ///   for NaN
     bool Map(const CGraphData& data, POINT& at) const noexcept {
 #if defined(__SSE2__)
-        // Both numbers at once, step by step as above.
+        // Both numbers at once, with the same steps as above.
         const auto pair = [](const std::array<double, 2>& both) { return _mm_loadu_pd(both.data()); };
         const __m128d value = _mm_set_pd(data.GetYData(), data.GetXData());
         const __m128d distance = _mm_div_pd(_mm_mul_pd(_mm_sub_pd(value, pair(origin)), pair(length)), pair(divisor));

@@ -1,6 +1,6 @@
 #pragma once
 
-/// One measured point. Points of a series stand side by side in memory, 16 bytes each.
+/// One measured point. The points of a series are next to each other in memory, 16 bytes each.
 class CGraphData {
 public:
     CGraphData() = default;  ///< 0, 0

@@ -14,7 +14,7 @@ class PointList;
 }
 
 /// One series of a graph: its points in the order in which they were added, its axes, and how it is drawn. A copy has
-/// points of its own.
+/// its own points.
 class QELLIB10_API CGraphDataCtrl {
 public:
     CGraphDataCtrl();
@@ -40,9 +40,9 @@ public:
 
     /// Appends at the end.
     void AddData(const CGraphData& data);
-    void InitializeData();  ///< removes all points and gives their memory back
+    void InitializeData();  ///< removes all points and frees their memory
     int GetDataCount() const { return static_cast<int>(GetData().size()); }
-    /// All points; good until one is added or removed.
+    /// All points; valid until one is added or removed.
     std::span<const CGraphData> GetData() const;
 
 private:

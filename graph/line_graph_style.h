@@ -3,7 +3,7 @@
 #include "qellib10/platform/drawing/drawing_types.h"
 #include "qellib10/platform/export.h"
 
-/// The pen of a line: at first black, solid, one unit wide.
+/// The pen of a line: initially black, solid, one unit wide.
 class QELLIB10_API CLineGraphStyle {
 public:
     CLineGraphStyle() = default;
@@ -22,7 +22,7 @@ public:
     const int& GetWidth() const { return m_nWidth; }
     void SetWidth(const int& width) { m_nWidth = width; }
 
-    /// 1 when colour, style and width are equal.
+    /// 1 if colour, style and width are equal.
     int operator==(const CLineGraphStyle& other) const;
     int operator!=(const CLineGraphStyle& other) const { return !(*this == other); }
 

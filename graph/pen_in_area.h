@@ -29,12 +29,12 @@ public:
         if (m_nCount == m_points.size()) DrawLines();
         m_points[m_nCount++] = to;
     }
-    /// Where the next points may be put, at least two of them.
+    /// Space for the next points, at least two of them.
     std::span<POINT> FreeSpace() {
         if (m_points.size() - m_nCount < 2) DrawLines();
         return std::span(m_points).subspan(m_nCount);
     }
-    /// Goes to the first @p count of the points that were put there.
+    /// Draws to the first @p count of the points that were written there.
     void Take(std::size_t count) { m_nCount += count; }
 
 private:
@@ -48,7 +48,7 @@ private:
     CRgn m_region;
     CPen m_pen;
     CPen* m_pBefore;
-    // Lines are drawn in runs: to find where points lie and to write pixels goes faster each for itself.
+    // Lines are drawn in batches: computing positions and writing pixels are faster separately.
     std::array<POINT, 1024> m_points;
     std::size_t m_nCount = 0;
 };

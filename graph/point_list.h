@@ -8,8 +8,8 @@
 
 namespace qel {
 
-/// The points of a series side by side. It grows by half without a copy where the system can move its pages instead,
-/// as with lists of some hundred kilobytes and more, so that adding one to millions does not hold up a live curve.
+/// The points of a series, next to each other. It grows by half, without a copy if the system can move its pages (for
+/// lists of some hundred kilobytes and more), so that adding one point to millions does not delay a live curve.
 class PointList {
 public:
     PointList() = default;
@@ -17,12 +17,12 @@ public:
     PointList& operator=(const PointList& other);
     ~PointList() = default;
 
-    /// @throws std::bad_alloc; the points stay as they are then
+    /// @throws std::bad_alloc; the points do not change then
     void Add(const CGraphData& point) {
         if (m_nCount == m_nCapacity) Grow();
         m_points.get()[m_nCount++] = point;
     }
-    void Clear() noexcept;  ///< gives the memory back, too
+    void Clear() noexcept;  ///< frees the memory too
     std::span<const CGraphData> Points() const noexcept { return {m_points.get(), m_nCount}; }
 
 private:

@@ -48,51 +48,50 @@ public:
     CQelGraph& operator=(const CQelGraph&) = default;
     virtual ~CQelGraph();
 
-    /// Series @p series becomes a line with x texts below, y texts left, ranges 0 to 100; points and pens stay. A
-    /// negative index does so with series 0, hides all others without texts and with these ranges, and sets margins,
-    /// label spaces, divisions and the draw size style to their defaults, the draw size to 0 x 0.
+    /// Resets series @p series to a line with x texts below, y texts left, ranges 0 to 100; points and pens stay. A
+    /// negative index does so with series 0, hides all others, without texts and with the same ranges, and sets
+    /// margins, label spaces, divisions and the draw size style to their defaults, the draw size to 0 x 0.
     /// @return 0 for 512 and more
     virtual int InitializeParameter(int series);
-    /// Removes the points of the series; a negative index those of all. @return 0 for 512 and more
+    /// Removes the points of the series; a negative index removes those of all. @return 0 for 512 and more
     virtual int InitializeData(int series);
     virtual int AddData(int series, double x, double y);
 
-    /// Size of the whole drawing with texts and margins; absolute values count.
+    /// Size of the whole drawing with texts and margins; absolute values are used.
     virtual void SetDrawSize(int width, int height);
-    /// Draws everything with the corner of the drawing at @p x, @p y. The surface has its pen, brush, font and colours
-    /// back afterwards, and no clip.
-    /// @return what the last series that is not hidden gave (a line 1, bars 0, a recorder 1); @p y when there is none
+    /// Draws everything, with the corner of the drawing at @p x, @p y. Afterwards the surface has its former pen,
+    /// brush, font and colours, and no clip.
+    /// @return what the last visible series returned (a line 1, bars 0, a recorder 1); @p y if there is none
     virtual int GraphDraw(CDC* dc, int x, int y);
 
-    // More over a series that was drawn. Each draws within the area alone and answers 0 for a bad index.
+    // Further drawing over a series. Each of these draws only within the area and returns 0 for a bad index.
 
-    /// A mark at a point: a square for @p shape 2, else a circle, with half-size @p size; while a job is recorded that
-    /// is taken from the screen's resolution (coordinate mode 1: from 1/1440 inch) to the job's. In a job without a
-    /// resolution (0) it is 0, so that nothing is seen: set the resolution of the job's page style first.
-    /// @param rect gets the box, with the larger y edge as its top; may be null
+    /// A mark at a point: a square for @p shape 2, else a circle, with half-size @p size. While a job is recorded, the
+    /// size is converted from the screen's resolution (coordinate mode 1: from 1/1440 inch) to the job's. In a job
+    /// without a resolution (0) it becomes 0 and is invisible: set the resolution of the job's page style first.
+    /// @param rect receives the box, with the larger y edge as its top; may be null
     /// @return 0 without a surface
     virtual int MarkDraw(CDC* dc, int series, double x, double y, int shape, unsigned long color, int size,
                          CRect* rect);
-    /// A fitted curve from @p xFrom to @p xTo: y = c0 + c1 x + c2 x^2 + c3 x^3 + c4 x^4 + c5 x^5, with a point at each
-    /// unit of the area's width, in a solid pen.
+    /// A fitted curve from @p xFrom to @p xTo: y = c0 + c1 x + c2 x^2 + c3 x^3 + c4 x^4 + c5 x^5, with one point per
+    /// unit of the area's width, with a solid pen.
     /// @return 0 without a surface
     virtual int FitLineDraw(CDC* dc, int series, double xFrom, double xTo, double c0, double c1, double c2, double c3,
                             double c4, double c5, unsigned long color, int width);
-    /// A straight line between two points in a solid pen. @return 0 without a surface
+    /// A straight line between two points with a solid pen. @return 0 without a surface
     virtual int FreeLineDraw(CDC* dc, int series, double x1, double y1, double x2, double y2, unsigned long color,
                              int width);
-    /// A cross over the whole area by inverting it; a second one at the same point takes it away. @return 0
+    /// A cross over the whole area by inverting pixels; a second one at the same point removes it. @return 0
     virtual int DrawCrossPoint(CDC* dc, int series, double x, double y);
 
     /// Records the graph into the job: SetDrawSize with the size of @p rect and GraphDraw at its corner, on @p dc or,
-    /// without one, on the job's selected printer or else a new context of its printer. Each point becomes a command,
-    /// with the coordinates that it has on the surface. Nothing is recorded without a job, or without @p dc and a
-    /// printer.
+    /// without one, on the job's selected printer or else a new context of its printer. Each point becomes a command
+    /// with its coordinates on the surface. Nothing is recorded without a job, or without both @p dc and a printer.
     ///
-    /// Texts that follow in the job are cut off when its block is drawn with an offset, since a clip that was taken
-    /// away with one hides everything: add them before. Bars are filled by the brush of the surface that the job is
-    /// drawn on.
-    /// @return 0, in any case
+    /// If the block is drawn with an offset, texts that follow in the job are not drawn, because a clip that was
+    /// removed with an offset hides everything: add them before. Bars are filled with the brush of the surface that the
+    /// job is drawn on.
+    /// @return 0, always
     virtual int GetPrintJob(CQelPrintJobQueueData* job, const CRect& rect, CDC* dc);
 
     // The layout: margins outside the texts, space between texts and area (X vertically, Y horizontally), device units.
@@ -108,20 +107,21 @@ public:
     void SetLabelSpaceX(const int& space) { m_nLabelSpaceX = space; }
     const int& GetLabelSpaceY() const { return m_nLabelSpaceY; }
     void SetLabelSpaceY(const int& space) { m_nLabelSpaceY = space; }
-    /// Parts that grid lines divide the axes into; 1 and less: no grid lines, more than the area has units: one a unit.
+    /// Number of parts into which grid lines divide the axes; 1 and less: no grid lines, more than the area has units:
+    /// one per unit.
     const int& GetDivX() const { return m_nDivX; }
     void SetDivX(const int& divisions) { m_nDivX = divisions; }
     const int& GetDivY() const { return m_nDivY; }
     void SetDivY(const int& divisions) { m_nDivY = divisions; }
-    /// 1: the area is made square, in the middle of its place.
+    /// 1: the area is made square, in the middle of its space.
     const int& GetDrawSizeStyle() const { return m_nDrawSizeStyle; }
     void SetDrawSizeStyle(const int& style) { m_nDrawSizeStyle = style; }
     /// Pen of the grid lines.
     const CLineGraphStyle& GetAxisStyle() const { return m_axisStyle; }
     void SetAxisStyle(const CLineGraphStyle& style) { m_axisStyle = style; }
-    /// Pen of the outline, which runs along the edges of the area. Half of one wider than 1 is outside, also of the
-    /// drawing's size where margins and label spaces are smaller than that; it is drawn before the texts, which stay
-    /// readable on it. Give the label spaces more than half its width to keep both apart.
+    /// Pen of the outline, which runs along the edges of the area. If it is wider than 1, half of it is outside, even
+    /// outside the drawing if margins and label spaces are smaller; it is drawn before the texts, which stay readable
+    /// on it. Make the label spaces larger than half its width to keep both apart.
     const CLineGraphStyle& GetFrameStyle() const { return m_frameStyle; }
     void SetFrameStyle(const CLineGraphStyle& style) { m_frameStyle = style; }
 
@@ -134,7 +134,7 @@ public:
     int SetYDimStr(int series, const CString& text);
     int SetXLabelViewMode(int series, int viewMode);  ///< 0 none, 1 above, 2 below, 3 left, 4 right of the area
     int SetYLabelViewMode(int series, int viewMode);
-    /// The whole style, its view mode too.
+    /// The whole style, including its view mode.
     int SetXRangeStyle(int series, const CAxisStyle& style);
     int SetYRangeStyle(int series, const CAxisStyle& style);
     int GetXRangeStyle(int series, CAxisStyle* style) const;  ///< 1; -1 also for a null @p style
@@ -153,24 +153,25 @@ protected:
     enum : int { kViewHidden, kViewLine, kViewBar, kViewRecorder, kViewRecorderFromRight };
     enum : int { kLabelNone, kLabelAbove, kLabelBelow, kLabelLeft, kLabelRight };
 
-    // Distances from the area's left edge and from its top edge (coordinate mode 1: bottom edge), within 65530. NaN is
-    // -65530. In modes other than 0 and 1 the number itself.
+    // Distances from the area's left edge and from its top edge (coordinate mode 1: bottom edge), within 65530. NaN
+    // gives -65530. In modes other than 0 and 1 the number itself.
     int DataToXPixel(double x, int series) const;
     int DataToYPixel(double y, int series) const;
-    /// The values at a place on the surface.
-    /// @return 0 outside the area, to which right and bottom edge do not belong here; 1 without values in coordinate
-    ///   modes other than 0 and 1
+    /// The values at a position on the surface.
+    /// @return 0 outside the area, whose right and bottom edges are not included; 1 without values in coordinate modes
+    /// other
+    ///   than 0 and 1
     int GetValueFromPos(int series, int px, int py, double* x, double* y) const;
 
     // The layout
-    /// What the texts of the axes of one side take along that side, space behind each text included.
+    /// What the texts of the axes of one side need along that side, including the space after each text.
     struct SideUse {
         LONGLONG first = 0;  ///< at the left or upper end
         LONGLONG last = 0;   ///< at the right or lower end
         LONGLONG dims = 0;
         int axes = 0;
     };
-    /// One for each label view mode.
+    /// One per label view mode.
     using SideUses = std::array<SideUse, 5>;
     void GetDrawArea(CDC* dc, int x, int y);
     void GetDrawAreaSub(int viewMode, const CSize& size, CRect& space) const;
@@ -191,20 +192,20 @@ protected:
     int BarDraw(CDC* dc, int series);
     int RecorderDrawX(CDC* dc, int series, int variant);
 
-    // All drawing goes through these, each drawing on the surface and recording the same into the job that is
-    // attached; without a surface they do nothing.
+    // All drawing goes through these functions. Each draws on the surface and records the same into the attached job;
+    // without a surface they do nothing.
     void DCMoveTo(CDC* dc, int x, int y);
     void DCLineTo(CDC* dc, int x, int y);
     void DCPolylineTo(CDC* dc, const POINT* points, int count);  ///< records a line to each point
     void DCRectangle(CDC* dc, int left, int top, int right, int bottom);
     void DCArc(CDC* dc, int left, int top, int right, int bottom, int startX, int startY, int endX, int endY);
     /// @param size tenths of a point; 0: the surface's default size
-    /// @param align 0 left, 1 centre, 2 right of a box of @p width and @p height; of use only where those are not -1
+    /// @param align 0 left, 1 centre, 2 right in a box of @p width and @p height; only used if those are not -1
     void DCTextOut(CDC* dc, int x, int y, const char* face, int size, unsigned long color, const char* text, int align,
                    int width, int height);
-    /// Makes the pen. @return the one that was selected
+    /// Creates the pen. @return the one that was selected
     CPen* DCCreateAndSelectPen(CDC* dc, CPen* pen, int style, int width, unsigned long color);
-    /// Makes the region of the area, its right and bottom edge included, and limits drawing to it; null: no limit.
+    /// Creates the region of the area, including its right and bottom edges, and limits drawing to it; null: no limit.
     void DCClipDrawArea(CDC* dc, CRgn* region);
 
     std::vector<CGraphDataCtrl> m_aryGraph;  // always 512
@@ -238,7 +239,7 @@ private:
     bool IsFrameWide() const;
     void OutlineDraw(CDC* dc);
     void GridDraw(CDC* dc);       ///< within the area
-    void GridLinesDraw(CDC* dc);  ///< within the clip as it is
+    void GridLinesDraw(CDC* dc);  ///< within the current clip
     static CRect InclusiveArea(const CDC& dc, CRect area);
     Side SideOf(int viewMode) const;
     int TextDistance(int viewMode, int space) const;

@@ -9,29 +9,29 @@
 #include "qellib10/graph/label_font.h"
 #include "qellib10/graph/qel_graph.h"
 
-/// A side of the area. Places along it count from its left or upper end.
+/// A side of the area. Positions along it count from its left or upper end.
 struct CQelGraph::Side {
     CRect area;
     int viewMode;
-    int up;  ///< what the vertical coordinate changes by from one unit to the one above
+    int up;  ///< how the vertical coordinate changes from one unit to the one above
     int spaceX, spaceY;
     int away;  ///< from the area to the texts
 
     bool IsVertical() const { return viewMode == kLabelLeft || viewMode == kLabelRight; }
-    /// 0 where texts have eaten up the area: its sides lie outside the drawing then.
+    /// 0 if the texts leave no space for the area: its sides are then outside the drawing.
     int Length() const {
         const int height = (area.top - area.bottom) * up, width = area.right - area.left;
         if (height <= 0 || width <= 0) return 0;
         return IsVertical() ? height : width;
     }
     int Along(const CSize& text) const { return IsVertical() ? text.cy : text.cx; }
-    /// What a text takes along the side, with the space to the next one: half a line on any surface, lest two values
-    /// read as one.
+    /// What a text needs along the side, including the space to the next one: half a line on any surface, so that two
+    /// values do not read as one.
     LONGLONG Taken(const CSize& text) const {
         const LONGLONG length = Along(text);
         return length > 0 && !IsVertical() ? length + std::max(2 * spaceY, text.cy / 2) : length;
     }
-    /// Upper left corner of a text at @p along; @p fieldWidth is what it is aligned in on a vertical side.
+    /// Upper left corner of a text at @p along; @p fieldWidth is the field that it is aligned in on a vertical side.
     CPoint Corner(LONGLONG place, const CSize& text, int fieldWidth, bool isLeftAligned) const {
         const int along = static_cast<int>(place);
         const int inField = isLeftAligned ? 0 : fieldWidth - text.cx;
@@ -54,7 +54,7 @@ constexpr int kNoBox = -1;
 
 bool IsSide(const CAxisStyle& axis) { return axis.GetViewMode() >= 1 && axis.GetViewMode() <= 4; }
 
-// A number without the blanks of its field: where it stands decides how it is aligned.
+// A number without the blanks of its field: its place decides how it is aligned.
 CString WrittenValue(const CAxisStyle& axis, bool isMaximum) {
     CString text = isMaximum ? axis.GetFormattedMaxValue(-1) : axis.GetFormattedMinValue(-1);
     if (axis.GetLabelType() == 0) {
@@ -64,7 +64,7 @@ CString WrittenValue(const CAxisStyle& axis, bool isMaximum) {
     return text;
 }
 
-// Places of the lines that divide a length: no more than it has units, nor than a surface has.
+// Positions of the lines that divide a length: at most as many as it, or a surface, has units.
 template <class Line> void ForEachDivision(int length, int divisions, const Line& line) {
     const int parts = std::min({divisions, std::abs(length), qel::kFarthest});
     for (int i = 1; i < parts; ++i) line(static_cast<int>(1.0 * length * i / parts));
@@ -80,7 +80,7 @@ CQelGraph::Side CQelGraph::SideOf(int viewMode) const {
     return {m_rectDrawArea, viewMode, m_nCoordinateMode == 1 ? 1 : -1, spaceX, spaceY, away};
 }
 
-// Texts have a background that would cut a wide outline: they move away from it, into the margin.
+// The texts' background would cut into a wide outline, so they move away from it, into the margin.
 int CQelGraph::TextDistance(int viewMode, int space) const {
     if (space < 0 || !IsFrameWide()) return space;
     const auto sideOf = [&](int above, int below, int left, int right) {
@@ -90,12 +90,12 @@ int CQelGraph::TextDistance(int viewMode, int space) const {
                                          : right;
     };
     const std::int64_t half = std::abs(std::int64_t{m_frameStyle.GetWidth()}) / 2;
-    const std::int64_t needed = half + sideOf(0, 1, 0, 1);  // the unit of the edge itself is below it, or to its right
+    const std::int64_t needed = half + sideOf(0, 1, 0, 1);  // the edge's own unit is below it, or to its right
     const int margin = sideOf(m_nTopMargin, m_nBottomMargin, m_nLeftMargin, m_nRightMargin);
     return space + static_cast<int>(std::clamp<std::int64_t>(needed - space, 0, std::clamp(margin, 0, qel::kFarthest)));
 }
 
-// Values grow upward, and to the right unless time runs from there.
+// Values grow upward, and to the right unless time runs from the right.
 bool CQelGraph::IsMaximumFirst(const CAxisStyle& axis, bool isReversed) {
     return isReversed || axis.GetViewMode() == kLabelLeft || axis.GetViewMode() == kLabelRight;
 }
@@ -122,7 +122,7 @@ void CQelGraph::FrameDraw(CDC* dc, int x, int y) {
         count.dims += side.Taken(GetAxisDimViewSize(dc, axis));
     });
     const bool isWide = IsFrameWide();
-    if (isWide) OutlineDraw(dc);  // it may reach to where the texts are
+    if (isWide) OutlineDraw(dc);  // it may reach the place of the texts
     forEachAxis([&](const CAxisStyle& axis, bool isReversed) { FrameDrawSub(dc, axis, used, counts, isReversed); });
     isWide ? GridDraw(dc) : AxisDraw(dc);
 }
@@ -168,7 +168,7 @@ void CQelGraph::DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, 
     SideUse& use = used[static_cast<unsigned>(axis.GetViewMode())];
     const CSize size = GetAxisDimViewSize(dc, axis);
     const int length = side.Along(size);
-    // All dimensions of the side stand in the middle of what its values leave free.
+    // All dimensions of the side are in the middle of the space that its values leave free.
     const LONGLONG free = side.Length() - count.first - count.last;
     const LONGLONG before = std::max<LONGLONG>(0, (free - count.dims) / 2) + use.dims;
     if (length == 0 || before + length > free) return;
@@ -181,8 +181,8 @@ void CQelGraph::DrawAxisDimStr(CDC* dc, const CAxisStyle& axis, SideUses& used, 
 
 bool CQelGraph::IsFrameWide() const { return m_frameStyle.GetWidth() > 1 || m_frameStyle.GetWidth() < -1; }
 
-// A thin outline is within the area as all else is. The outer half of a wide one is not: it has no clip, which a job
-// could not take away again before its texts.
+// A thin outline is within the area like everything else. The outer half of a wide one is not: it is drawn without a
+// clip, because a job could not remove the clip again before its texts.
 void CQelGraph::AxisDraw(CDC* dc) {
     if (IsFrameWide()) {
         OutlineDraw(dc);

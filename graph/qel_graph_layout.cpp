@@ -1,4 +1,4 @@
-// Where the draw area lies, and where values lie in it.
+// Where the draw area is, and where values are in it.
 
 #include <algorithm>
 #include <cmath>
@@ -11,14 +11,14 @@
 
 namespace {
 
-// Edges of the area are kept within this, so that sums with distances on the surface stay within 32 bits.
+// Edges of the area are limited to this, so that sums with distances on the surface fit in 32 bits.
 constexpr std::int64_t kFarthestEdge = (std::int64_t{1} << 30) - 1;
 
 LONG Edge(std::int64_t at) { return static_cast<LONG>(std::clamp(at, -kFarthestEdge, kFarthestEdge)); }
 
 CSize Larger(const CSize& a, const CSize& b) { return {std::max(a.cx, b.cx), std::max(a.cy, b.cy)}; }
 
-// The longer pair of edges moves together to the length of the other, whichever of its edges is the larger number.
+// Moves the longer pair of edges together to the length of the other, whichever of its edges is the larger number.
 void MakeSquare(CRect& area) {
     const int width = area.right - area.left, height = area.bottom - area.top;
     const int shorter = std::min(std::abs(width), std::abs(height));
@@ -42,7 +42,7 @@ qel::DataScale CQelGraph::ScaleOf(const CGraphDataCtrl& series, bool isFromRight
     const double width = m_rectDrawArea.Width(), height = m_rectDrawArea.Height();
     const bool isDownward = m_nCoordinateMode == 0;
     qel::DataScale scale;
-    // Downward it is height * (maximum - y) with both signs turned, which changes no bit of the result.
+    // Downward it is height * (maximum - y) with both signs swapped, which changes no bit of the result.
     scale.origin = {xAxis.GetMinRange(), isDownward ? yAxis.GetMaxRange() : yAxis.GetMinRange()};
     scale.length = {isFromRight ? -width : width, isDownward ? -height : std::abs(height)};
     scale.divisor = {qel::Divisor(xAxis.GetAbsRange()), qel::Divisor(yAxis.GetAbsRange())};
@@ -80,7 +80,7 @@ int CQelGraph::GetValueFromPos(int series, int px, int py, double* x, double* y)
 }
 
 void CQelGraph::GetDrawArea(CDC* dc, int x, int y) {
-    CRect space;  // taken by texts on each side
+    CRect space;  // needed for texts on each side
     for (const CGraphDataCtrl& series : m_aryGraph) {
         for (const CAxisStyle* const axis : {&series.GetXAxisStyle(), &series.GetYAxisStyle()}) {
             if (axis->GetViewMode() == kLabelNone) continue;

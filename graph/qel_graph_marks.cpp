@@ -1,4 +1,4 @@
-// What is drawn over a series: marks, fitted and straight lines, the cross.
+// Drawing over a series: marks, fitted and straight lines, the cross.
 
 #include <algorithm>
 #include <cmath>
@@ -50,7 +50,7 @@ int CQelGraph::MarkDraw(CDC* dc, int series, double x, double y, int shape, unsi
     const CRect box = MarkBox(center, HalfSizeOnSurface(size));
     if (isPlaced) MarkShapeDraw(dc, box, shape);
     if (rect != nullptr) {
-        // The larger y is the top, as callers in the field expect.
+        // The larger y is the top, as existing callers expect.
         *rect = {std::min(box.left, box.right), std::max(box.top, box.bottom), std::max(box.left, box.right),
                  std::min(box.top, box.bottom)};
     }
@@ -71,7 +71,7 @@ int CQelGraph::FitLineDraw(CDC* dc, int series, double xFrom, double xTo, double
     const auto add = [&](double x) { trail.Add({x, c0 + x * (c1 + x * (c2 + x * (c3 + x * (c4 + x * c5))))}); };
     const int last = std::min(m_rectDrawArea.Width(), qel::kFarthest);
     if (from >= 0) add(std::min(xFrom, xTo));
-    // In the middle of each unit between, whose points are cut to that unit, and of the next one behind the area.
+    // In the middle of each unit in between, whose points are cut to that unit, and of the next one past the area.
     const int end = std::min(last + 2, qel::Pixels(to));
     for (int unit = from >= 0 ? qel::Pixels(from) + 1 : 0; unit < end; ++unit) {
         add(scale.origin[kX] + (unit + 0.5) * scale.divisor[kX] / scale.length[kX]);

@@ -1,4 +1,4 @@
-// What everything is drawn through.
+// The functions through which everything is drawn.
 
 #include <limits>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kAligned[] = {1, 2, 4};  // how a text command says left, centre, right
+constexpr int kAligned[] = {1, 2, 4};  // codes of left, centre and right in a text command
 
 }  // namespace
 
@@ -83,8 +83,8 @@ void CQelGraph::DCClipDrawArea(CDC* dc, CRgn* region) {
     Record([&](CQelPrintJobCommand& command) { command.SetRgn(area.left, area.top, area.right, area.bottom); });
 }
 
-// A region leaves out its edges at the larger device coordinates, the area includes them: so that its outline and the
-// points on it are whole, these edges lie one device unit further out.
+// A region excludes its edges at the larger device coordinates, the area includes them. So that its outline and the
+// points on it are complete, these edges are one device unit further out.
 CRect CQelGraph::InclusiveArea(const CDC& dc, CRect area) {
     CRect device = area;
     dc.LPtoDP(&device);
@@ -94,7 +94,7 @@ CRect CQelGraph::InclusiveArea(const CDC& dc, CRect area) {
         ++(logical.*edge);
         dc.DPtoLP(&logical);
         dc.LPtoDP(&(back = logical));
-        const LONG nextUnit = area.*edge + (area.*edge < area.*other ? -1 : 1);  // where a unit is more than a pixel
+        const LONG nextUnit = area.*edge + (area.*edge < area.*other ? -1 : 1);  // if a unit is more than a pixel
         area.*edge = back.*edge > device.*edge ? logical.*edge : nextUnit;
     };
     if (device.left > device.right) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The job that a graph records into, until this object goes.
+// Attaches the job that a graph records into, as long as this object lives.
 class Attachment {
 public:
     Attachment(CQelPrintJobQueueData*& place, CQelPrintJobQueueData* job) : m_place(place) { m_place = job; }
@@ -17,7 +17,8 @@ private:
     CQelPrintJobQueueData*& m_place;
 };
 
-// The printer of a page style: its selected context, which stays there, or a new one, which goes with this object.
+// The printer of a page style: its selected context, which stays there, or a new one, which is deleted with this
+// object.
 class Printer {
 public:
     explicit Printer(CQelPrintJobPageStyle& style) : m_isSelected(style.GetSelectedPrinterDC() != nullptr) {

@@ -15,7 +15,7 @@ namespace {
 // Half-size of the circles on a line.
 constexpr int kCircle = 3, kMetricCircle = 30;
 
-// Dashes show on thin pens only.
+// Only thin pens show dashes.
 bool IsSolid(const CLineGraphStyle& style) {
     const bool isDashed = style.GetStyle() >= PS_DASH && style.GetStyle() <= PS_DASHDOTDOT;
     return !isDashed || style.GetWidth() < -1 || style.GetWidth() > 1;
@@ -29,7 +29,7 @@ bool IsPicture(const CDC& dc) {
     return context && context->IsPicture();
 }
 
-// Where edges of wide lines are smoothed the points between would leave other shades.
+// Where edges of wide lines are smoothed, the points in between would give other shades.
 bool IsReduced(const CDC& dc, const CLineGraphStyle& style) {
     const bool isThin = style.GetWidth() >= -1 && style.GetWidth() <= 1;
     return IsSolid(style) && IsUnitAPixel(dc) && (isThin || IsPicture(dc));
@@ -55,7 +55,7 @@ int CQelGraph::PlotLineDraw(CDC* dc, int series) {
     PenInArea pen(*this, dc, {data.GetLineStyle().GetColor(), PS_SOLID, std::max(1, HalfSizeOnSurface(1))});
     const qel::DataScale scale = ScaleOf(data);
     const int circle = m_nCoordinateMode == 1 ? kMetricCircle : kCircle;
-    // A job that does not say its resolution has them as large as the surface; a coarse one does not lose them.
+    // In a job without a resolution they are as large as on the surface; in a coarse one they do not disappear.
     const bool isScaled = m_pPrintJob != nullptr && m_pPrintJob->GetPageStyle().GetDpi() >= 1;
     const int halfSize = isScaled ? std::max(1, HalfSizeOnSurface(circle)) : circle;
     for (const CGraphData& point : data.GetData()) {

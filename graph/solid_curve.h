@@ -9,14 +9,14 @@
 
 namespace qel {
 
-/// Leads a pen along a series as Trail does, with at most five points a column and yet the pixels of all points.
+/// Draws a series with a pen like Trail, but with at most five points per column and still the pixels of all points.
 ///
-/// A run of points in one column draws every pixel between its highest and its lowest point and nothing else, so of a
-/// run the first and last point count and these two. The run that ends a line is different, since a thin line leaves
-/// out its last point: that pixel is drawn only when another point of the run reaches it, or a line passes it. There
-/// the highest and lowest are those of all points before the last one that is not where the point before it is; and the
-/// pen leaves both of them again. A wide pen has round ends around that extent, its last point included, so the same
-/// points count; it draws a dot where all points of a line are the same.
+/// A run of points in one column draws every pixel between its highest and its lowest point and nothing else. So of a
+/// run only the first, last, highest and lowest points are needed. The run at the end of a line is different, because a
+/// thin line does not draw its last point: that pixel is drawn only if another point of the run reaches it, or a line
+/// crosses it. There, highest and lowest are taken of all points before the last one that differs from the point before
+/// it; and the pen leaves both of them again. A wide pen has round ends around this range, including its last point, so
+/// the same points are needed; it draws a dot if all points of a line are the same.
 ///
 /// For solid pens in map mode MM_TEXT: thin ones on any surface, wide ones on pictures, where edges are not smoothed.
 template <class Pen> class SolidCurve {
@@ -34,13 +34,13 @@ public:
 
 private:
     struct Run {
-        const CGraphData* end;  // the first point that does not belong to it
+        const CGraphData* end;  // the first point after the run
         bool isLast;            // of its line
-        POINT next;             // where that point lies, unless it is the last run
+        POINT next;             // the position of that point, unless this is the last run
         double low, high;
     };
 
-    // @return where the line ends: at a gap or at the end of the series
+    // @return the end of the line: a gap, or the end of the series
     const CGraphData* DrawLine(const CGraphData* at, POINT first) {
         m_pen.MoveTo(first);
         for (;;) {
@@ -62,7 +62,7 @@ private:
     }
 
     Run FindRun(const CGraphData* begin, int column) const {
-        // So many points in the column before a window is worth its while.
+        // From this number of points in the column on, a window pays off.
         constexpr std::ptrdiff_t kFew = 6;
         Run run{begin + 1, false, {0, 0}, begin->GetYData(), begin->GetYData()};
         for (; run.end != m_pEnd; ++run.end) {
@@ -81,7 +81,7 @@ private:
             if (run.end == m_pEnd || !Take(column, run)) return;
         }
     }
-    // Adds the point at the run's end. @return false when it is not of the run
+    // Adds the point at the run's end. @return false if it is not in the run
     bool Take(int column, Run& run) const {
         run.isLast = !m_scale.Map(*run.end, run.next);
         if (run.isLast || run.next.x != column) return false;

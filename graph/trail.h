@@ -9,15 +9,15 @@
 
 namespace qel {
 
-/// Leads a pen from point to point of a series. Behind a point that has no place a new line begins.
+/// Draws a pen from point to point of a series. After a point without a position a new line starts.
 template <class Pen> class Trail {
 public:
     /// @param isSteps each value is held until the next one comes
     Trail(const DataScale& scale, bool isSteps, Pen& pen) : m_scale(scale), m_isSteps(isSteps), m_pen(pen) {}
 
-    /// All points of a series; where many are in one column only their y values are computed.
+    /// All points of a series; if many are in one column, only their y values are computed.
     void Draw(std::span<const CGraphData> data) {
-        // So many points in the column before a window is worth its while.
+        // From this number of points in the column on, a window pays off.
         constexpr int kFew = 32;
         int count = 0;
         while (!data.empty()) {
@@ -62,7 +62,7 @@ private:
             if (count < most || data.empty()) return data;
         }
     }
-    // Makes two of each point, the first one at the value before it.
+    // Makes two of each point; the first one has the value before it.
     void InsertSteps(POINT* points, std::size_t count) const {
         for (std::size_t i = count; i-- > 0;) {
             const POINT to = points[i];

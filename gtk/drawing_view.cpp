@@ -8,7 +8,7 @@
 
 namespace qel {
 
-// What the widget tells. Exceptions do not pass the toolkit.
+// The widget's signals. Exceptions must not pass through the toolkit.
 struct DrawingView::Signals {
     static void OnSize(GtkWidget*, GdkRectangle* place, gpointer view) noexcept {
         static_cast<DrawingView*>(view)->Resize({place->width, place->height});
@@ -36,7 +36,7 @@ DrawingView::~DrawingView() {
 void DrawingView::Resize(const CSize& size) {
     if (size == m_size) return;
     m_size = size;
-    m_picture.DeleteObject();  // the context goes on with it until it has the other one
+    m_picture.DeleteObject();  // the context keeps it until it has the new one
     if (m_picture.CreateBitmap(size.cx, size.cy, 1, 32, nullptr)) m_dc.SelectObject(&m_picture);
     m_isDue = true;
 }

@@ -10,8 +10,8 @@ using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 
-/// A widget that shows what is drawn through a device context. The drawing stands in a picture off the screen, a pixel
-/// a unit of the widget, so the window is exposed without drawing anew and nobody sees half a drawing.
+/// A widget that shows what is drawn through a device context. The drawing is an off-screen picture, one pixel per
+/// widget unit, so the window can be exposed without drawing again, and half a drawing is never visible.
 ///
 ///     qel::DrawingView view([&](CDC& dc, const CSize& size) {
 ///         graph.SetDrawSize(size.cx, size.cy);
@@ -19,31 +19,31 @@ namespace qel {
 ///     });
 ///     gtk_container_add(GTK_CONTAINER(window), view.Widget());
 ///
-/// Events of the mouse are those of the widget; their positions are those of the drawing. All in GTK's thread.
+/// Mouse events are those of the widget; their positions are those of the drawing. Everything runs in GTK's thread.
 class QELLIB10_API DrawingView {
 public:
-    /// Draws all on an empty picture of @p size; throws nothing.
+    /// Draws everything on an empty picture of @p size; must not throw.
     using Drawing = std::function<void(CDC& dc, const CSize& size)>;
 
-    /// @p drawing is called when the view is about to be shown for the first time, in another size, or after Redraw.
+    /// @p drawing is called before the view is shown for the first time, after its size has changed, and after Redraw.
     explicit DrawingView(Drawing drawing, COLORREF background = RGB(255, 255, 255));
-    ~DrawingView();  ///< the widget may live on in its container, with nothing to show
+    ~DrawingView();  ///< the widget may remain in its container, with nothing to show
     DrawingView(const DrawingView&) = delete;
     DrawingView& operator=(const DrawingView&) = delete;
 
     /// The widget, at first of no size and without a container.
     GtkWidget* Widget() const noexcept { return m_pWidget; }
-    /// 0, 0 before the widget has its place.
+    /// 0, 0 before the widget has its size.
     CSize Size() const noexcept { return m_size; }
 
-    /// What is shown is out of date: it is drawn from the beginning before it is shown again.
+    /// Marks the picture as outdated: everything is drawn again before it is shown again.
     void Redraw();
-    /// Draws more on what is shown: the points of a curve that have come in, a cross. Passed over when all is to be
-    /// drawn anyway, so @p drawing has to draw it then.
+    /// Draws more on the picture: new points of a curve, a cross. Skipped if everything will be drawn again anyway, so
+    /// @p drawing must draw it then.
     /// @param changed the part that @p more may change; null: everything
     void DrawMore(const std::function<void(CDC& dc)>& more, const RECT* changed = nullptr);
 
-    /// The picture, for SavePng; without a handle before the widget has its place. What is to be drawn is drawn first.
+    /// The picture, for SavePng; without a handle before the widget has its size. Pending drawing is done first.
     const CBitmap& Picture();
 
 private:
@@ -57,7 +57,7 @@ private:
     COLORREF m_background;
     GtkWidget* m_pWidget;
     CSize m_size;
-    bool m_isDue = false;  // the picture has to be drawn from the beginning
+    bool m_isDue = false;  // the whole picture must be drawn again
     CDC m_dc;
     CBitmap m_picture;
 };

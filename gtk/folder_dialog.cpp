@@ -33,7 +33,7 @@ void GtkFolderDialog::OnMessage(HWND window, UINT message, WPARAM byPath, LPARAM
         const std::string folder = ToPosixPath(FullPath(reinterpret_cast<const char*>(path)).View());
         if (!g_file_test(folder.c_str(), G_FILE_TEST_IS_DIR)) return;
         gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(m_pOpen), folder.c_str());
-    } catch (const CFileException&) {  // no path at all
+    } catch (const CFileException&) {  // not a path
     }
 }
 

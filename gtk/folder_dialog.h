@@ -5,16 +5,16 @@
 
 namespace qel {
 
-/// GTK's folder chooser. Its window, as callbacks get it, is the dialog.
+/// GTK's folder chooser. The window passed to callbacks is the dialog.
 class GtkFolderDialog : public FolderBrowser {
 public:
     std::optional<CString> Browse(const BrowseRequest& request) override;
-    /// Goes into the folder; passes over one that is not there.
+    /// Goes to the folder; ignores a missing one.
     void OnMessage(HWND window, UINT message, WPARAM byPath, LPARAM path) override;
 
 private:
     OwnThread m_thread;
-    GtkWidget* m_pOpen = nullptr;  // the dialog that is shown now, of several the last
+    GtkWidget* m_pOpen = nullptr;  // the dialog shown now; of several the last one
 };
 
 }  // namespace qel

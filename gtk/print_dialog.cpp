@@ -13,7 +13,7 @@ CString DefaultPrinter() {
     return defaults.GetDeviceName();
 }
 
-// The settings that the user's choices are put into: those asked for with the same printer, else its own.
+// The settings that the user's choices are written into: those passed in if the printer is the same, otherwise its own.
 std::optional<DEVMODE> ModeToBeginWith(const CString& device, const PrintDialogRequest& request) {
     if (request.mode && device == request.device) return request.mode;
     CPrintDialog chosen(0);
@@ -21,7 +21,8 @@ std::optional<DEVMODE> ModeToBeginWith(const CString& device, const PrintDialogR
     return *chosen.GetDevMode();
 }
 
-// The dialog's own choice of a file, where our printer names files itself, and of pages, of which it knows nothing.
+// Hides the dialog's choice of a file, because our printer chooses file names itself, and of pages, which it does not
+// know.
 void LeaveOut(GtkPrintUnixDialog* dialog) {
     const auto part = [&](const char* name) {
         GObject* const found = gtk_widget_get_template_child(GTK_WIDGET(dialog), GTK_TYPE_PRINT_UNIX_DIALOG, name);
@@ -49,7 +50,7 @@ std::optional<PrintChoice> GtkPrintDialog::Choose(const PrintDialogRequest& requ
 
     if (dialog.Run() != GTK_RESPONSE_OK) return std::nullopt;
     GtkPrinter* const printer = gtk_print_unix_dialog_get_selected_printer(print);
-    if (printer == nullptr) return std::nullopt;  // the button works without one, too
+    if (printer == nullptr) return std::nullopt;  // the button works even without one
     PrintChoice choice{DeviceOf(printer, device), std::nullopt};
     choice.mode = ModeToBeginWith(choice.device, request);
     if (choice.mode) {

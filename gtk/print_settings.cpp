@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kPdfPrinter = "PDF";
 constexpr const char* kQueueCalledPdf = "PDF@cups";
 
-// Where long edges are bound the toolkit calls the pages duplex "horizontally", the device mode "vertically".
+// For binding at the long edges the toolkit calls the pages duplex "horizontally", the device mode "vertically".
 constexpr std::pair<short, GtkPrintDuplex> kDuplex[] = {{DMDUP_SIMPLEX, GTK_PRINT_DUPLEX_SIMPLEX},
                                                         {DMDUP_VERTICAL, GTK_PRINT_DUPLEX_HORIZONTAL},
                                                         {DMDUP_HORIZONTAL, GTK_PRINT_DUPLEX_VERTICAL}};
@@ -34,7 +34,7 @@ struct FreePaper {
     void operator()(GtkPaperSize* paper) const { gtk_paper_size_free(paper); }
 };
 
-// The toolkit's paper of this size up to a millimetre, else one of its own; hundredths of a millimetre.
+// The toolkit's paper of this size within a millimetre, else a custom one; hundredths of a millimetre.
 std::unique_ptr<GtkPaperSize, FreePaper> PaperOf(const SIZE& sheet) {
     const double width = sheet.cx / 100.0, height = sheet.cy / 100.0;
     const auto isSame = [&](GtkPaperSize* paper) {
@@ -60,7 +60,8 @@ std::unique_ptr<GtkPaperSize, FreePaper> PaperOf(const SIZE& sheet) {
 ObjectRef<GtkPrintSettings> PrintSettingsOf(const CString& device, const std::optional<DEVMODE>& mode) {
     ObjectRef<GtkPrintSettings> settings(gtk_print_settings_new());
     gtk_print_settings_set_printer(settings.get(), NameInDialog(device).c_str());
-    // The dialog asks before it lets its own file be replaced, which nobody writes: one that never exists.
+    // The dialog asks before it replaces an existing file. Nothing is written to this one, so we name one that never
+    // exists.
     gtk_print_settings_set(settings.get(), GTK_PRINT_SETTINGS_OUTPUT_URI, "file:///dev/null/print.pdf");
     if (!mode) return settings;
     if ((mode->dmFields & DM_COPIES) != 0 && mode->dmCopies > 0) {

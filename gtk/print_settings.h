@@ -11,17 +11,17 @@
 
 namespace qel {
 
-/// Printer, copies and sides as the dialog takes them.
+/// Printer, copies and sides in the dialog's form.
 ObjectRef<GtkPrintSettings> PrintSettingsOf(const CString& device, const std::optional<DEVMODE>& mode);
 
-/// Paper and orientation; null when the mode leaves both open.
+/// Paper and orientation; null if the mode sets neither.
 ObjectRef<GtkPageSetup> PageSetupOf(const DEVMODE& mode);
 
-/// Puts what was chosen into a device mode; what the dialog does not offer stays.
+/// Writes the choices into a device mode; what the dialog does not offer stays.
 void PutInto(DEVMODE& mode, GtkPrintSettings* settings, GtkPageSetup* page);
 
-/// The library's name of a printer in the dialog. @param before the printer that the dialog began with, which may be a
-/// queue as the user has set it up, NAME/INSTANCE, where the dialog knows NAME alone
+/// The library's name of a printer in the dialog. @param before the printer that was preselected; it may be a queue
+/// NAME/INSTANCE set up by the user, of which the dialog knows only NAME
 CString DeviceOf(GtkPrinter* printer, const CString& before);
 
 }  // namespace qel

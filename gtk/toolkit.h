@@ -12,7 +12,7 @@ namespace qel {
 struct GObjectUnref {
     void operator()(gpointer object) const noexcept { g_object_unref(object); }
 };
-/// A reference to an object that is no widget of a window.
+/// A reference to an object that is not a widget of a window.
 template <class Object> using ObjectRef = std::unique_ptr<Object, GObjectUnref>;
 
 struct GFree {
@@ -20,7 +20,7 @@ struct GFree {
 };
 using GText = std::unique_ptr<char, GFree>;
 
-/// A dialog, shown until it is answered and then destroyed.
+/// A dialog, shown until the user responds and then destroyed.
 class ModalDialog {
 public:
     explicit ModalDialog(GtkWidget* dialog) : m_pWidget(GTK_WIDGET(g_object_ref(dialog))) {}
@@ -32,14 +32,14 @@ public:
     ModalDialog& operator=(const ModalDialog&) = delete;
 
     GtkWidget* Widget() const noexcept { return m_pWidget; }
-    /// @return a GTK_RESPONSE_; none of a button's when somebody else closed it
+    /// @return a GTK_RESPONSE_; not that of a button if something else closed it
     int Run() { return gtk_dialog_run(GTK_DIALOG(m_pWidget)); }
 
 private:
     GtkWidget* m_pWidget;
 };
 
-/// The window of the application that the user is working in; null when it is none.
+/// The application's window that the user is working in; null if it has none.
 inline GtkWidget* ActiveWindow() {
     GtkWidget* active = nullptr;
     GList* const windows = gtk_window_list_toplevels();
@@ -50,17 +50,17 @@ inline GtkWidget* ActiveWindow() {
     return active;
 }
 
-/// The window that a widget is in, for no widget the active one; null when there is none.
+/// The window of a widget, or without a widget the active one; null if there is none.
 inline GtkWindow* WindowOf(HWND widget) {
     GtkWidget* const window =
         widget != nullptr ? gtk_widget_get_toplevel(static_cast<GtkWidget*>(widget)) : ActiveWindow();
     return GTK_IS_WINDOW(window) ? GTK_WINDOW(window) : nullptr;
 }
 
-/// A text of GTK's own in the language of the user, for what it says in its own dialogs too.
+/// One of GTK's own texts in the user's language, as its own dialogs show it.
 inline const char* GtkText(const char* english) { return g_dgettext("gtk30", english); }
 
-/// The thread that made it: GTK works in one alone.
+/// The thread that created it: GTK works in only one.
 class OwnThread {
 public:
     bool IsThis() const noexcept { return std::this_thread::get_id() == m_id; }

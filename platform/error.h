@@ -7,7 +7,7 @@
 namespace qel {
 
 /// A format's own check failed: the bytes are not what they claim to be. Classes of the framework's style turn it into
-/// their documented result. The tools of this namespace throw it, where their comments say so: XmlDocument, XmlNode,
+/// their documented result. Only some tools of this namespace throw it, as their comments say: XmlDocument, XmlNode,
 /// XmlElementWriter, CabinetReader.
 class QELLIB10_API DataError : public std::runtime_error {
 public:

@@ -11,15 +11,15 @@
 namespace qel {
 namespace {
 
-// How many locks this thread holds. With one of them it waits for nobody but the owner of the next one: others may wait
-// for what it has.
+// How many locks this thread holds. While it holds one, it waits only for the owner of the next one: others may be
+// waiting for what it has.
 thread_local int theHeld = 0;
 
-std::atomic<int> theForks = 0;  // that wait for locks; each thread lets them pass, for a moment
-std::mutex theFork;             // held by the one that is under way
+std::atomic<int> theForks = 0;  // waiting for locks; each thread lets them pass, for a moment
+std::mutex theFork;             // held by the fork that is in progress
 
-// How often a thread gives way to forks before it goes on. A fork that waits for the owner of one lock must not keep
-// all others waiting for its end: that owner may wait for one of them.
+// How often a thread gives way to forks before it continues. A fork that waits for the owner of one lock must not keep
+// all others waiting for its end: that owner may be waiting for one of them.
 constexpr int kGiveWay = 20;
 constexpr std::chrono::milliseconds kMoment(1);
 thread_local int theRefusals = 0;  // in a row, by try_lock
@@ -87,8 +87,8 @@ void ForkSafeLock::unlock() {
     m_lock.unlock();
 }
 
-// Its owner is a thread of the parent: it cannot be unlocked here, only made again. The thread sanitizer, to which this
-// is the thread that took it, has to be told.
+// Its owner is a thread of the parent, so it cannot be unlocked here, only constructed again. The thread sanitizer
+// takes this thread for the one that locked it, so it must be informed.
 void ForkSafeLock::MakeFreeInChild() {
     m_lock.unlock();
     new (&m_lock) std::mutex;
@@ -99,12 +99,12 @@ void ForkSafeLock::MakeFreeInChild() {
     if (m_inChild != nullptr) m_inChild();
 }
 
-// The handlers that fork calls, and what they work on.
+// The handlers that fork calls, and their data.
 struct ForkSafeLock::AtFork {
-    std::mutex listLock;  // taken last of all, to the end of a fork
+    std::mutex listLock;  // taken last, until the end of a fork
     std::vector<ForkSafeLock*> all;
     std::vector<ForkSafeLock*> taken;
-    bool isInFront = false;  // the thread that forks has theFork
+    bool isInFront = false;  // the forking thread has theFork
 
     static AtFork& Instance() {
         static AtFork& instance = *new AtFork;
@@ -126,8 +126,8 @@ struct ForkSafeLock::AtFork {
         const std::lock_guard guard(listLock);
         return all;
     }
-    // Waits for those who have locks, and lets nobody else have one before. A thread that has a lock itself does not
-    // wait for another fork, which may wait for this lock.
+    // Waits for the threads that have locks, and lets nobody else take one first. A thread that has a lock itself does
+    // not wait for another fork, which may be waiting for this lock.
     void Prepare() {
         std::vector<ForkSafeLock*> locks = Known();
         const bool isFirst = theHeld == 0;
@@ -159,7 +159,8 @@ struct ForkSafeLock::AtFork {
         theHeld = 0;
     }
 
-    // Waits for one lock only while it holds no other that it took, so that threads may hold several in any order.
+    // Waits for one lock only while it holds no other that it took itself, so that threads may hold several in any
+    // order.
     static void TakeAll(std::vector<ForkSafeLock*>& locks) {
         for (auto blocked = locks.begin(); blocked != locks.end();) {
             std::rotate(locks.begin(), blocked, blocked + 1);

@@ -8,7 +8,7 @@
 namespace qel {
 
 bool FillRandom(std::span<std::byte> bytes) noexcept {
-    // Up to 256 bytes come at once or not at all; only a signal before the source is seeded interrupts the call.
+    // Up to 256 bytes come at once or not at all; only before the source is seeded can a signal interrupt the call.
     ssize_t filled = -1;
     do {
         filled = getrandom(bytes.data(), bytes.size(), 0);

@@ -17,24 +17,24 @@ using ULONGLONG = std::uint64_t;
 using LPSTR = char*;
 using LPCSTR = const char*;
 
-/// A handle as the framework passes it: opaque, compared and handed back only. 0 is "none".
+/// A handle as the framework passes it: opaque, only compared and passed back. 0 means "none".
 using HANDLE = void*;
 
-/// A loaded program or library: any address in it; 0 is the program.
+/// A loaded program or library: any address in it; 0 means the program itself.
 using HINSTANCE = void*;
 
-/// A window of the application's toolkit: opaque, handed on only.
+/// A window of the application's toolkit: opaque, only passed on.
 using HWND = void*;
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 
-/// The result of a shell operation: negative on failure, as 0x80070000 and the framework's error number.
+/// The result of a shell operation: negative on failure, 0x80070000 plus the framework's error number.
 using HRESULT = std::int32_t;
 
 /// The longest path, its terminating zero included, in bytes.
 inline constexpr int MAX_PATH = 260;
 
-/// The 128-bit identifier in the layout that records and documents keep it in.
+/// A 128-bit identifier, with the layout that records and documents use.
 struct GUID {
     std::uint32_t Data1;
     std::uint16_t Data2;

@@ -10,20 +10,20 @@ namespace qel {
 class CommandList;
 }
 
-/// Print commands in order, and where on a page they are drawn. Commands are read one after the other through a cursor,
-/// or drawn as a whole as often as needed; drawing does not move the cursor.
+/// Print commands in order, and where on a page they are drawn. Commands are read one by one through a cursor, or drawn
+/// together as often as needed; drawing does not move the cursor.
 ///
-/// Operations answer 1 unless described otherwise.
+/// Operations return 1 unless described otherwise.
 class QELLIB10_API CQelPrintJobBlockData {
 public:
     CQelPrintJobBlockData();
-    /// A copy, and a block that is assigned to, has the other one's commands with the cursor on the first, but not its
+    /// A copy, and the target of an assignment, has the other's commands with the cursor on the first one, but not its
     /// offset.
     CQelPrintJobBlockData(const CQelPrintJobBlockData& other);
     CQelPrintJobBlockData& operator=(const CQelPrintJobBlockData& other);
     virtual ~CQelPrintJobBlockData();
 
-    /// Takes all commands out and puts the cursor where the first one will be. The offset stays.
+    /// Removes all commands and resets the cursor. The offset stays.
     int Initialize();
 
     int AddCommand(const CQelPrintJobCommand& command);
@@ -31,16 +31,17 @@ public:
 
     /// Puts the cursor on the first command.
     int ResetGetCommand();
-    /// Gives out the command at the cursor, which moves on.
-    /// @return 0 at the end, @p out is then as before. Once the last command was given out, commands that are added are
-    ///   only seen after ResetGetCommand.
+    /// Returns the command at the cursor in @p out and moves the cursor on.
+    /// @return 0 at the end; @p out does not change then. Once the last command has been returned, commands that are
+    /// added later
+    ///   are only found after ResetGetCommand.
     int GetNextCommand(CQelPrintJobCommand& out);
 
-    /// Where the commands' 0,0 is drawn, in device units.
+    /// The position of the commands' 0,0, in device units.
     void SetOffset(int x, int y);
 
-    /// Draws all commands, with pen, colours and clip as the surface has them at the start. The last pen and clip that
-    /// the commands set stay in the surface; who needs a clean one keeps its state with SaveDC and RestoreDC.
+    /// Draws all commands, starting with the surface's current pen, colours and clip. The last pen and clip that the
+    /// commands set stay on the surface; to avoid that, call SaveDC before and RestoreDC after it.
     int DrawCommand(CDC* dc) const;
 
 private:

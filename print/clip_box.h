@@ -4,8 +4,8 @@
 
 namespace qel {
 
-/// A box of logical units in device units of the surface that is drawn on. A preview takes in the last row and column
-/// too, which its scale would else round away.
+/// Converts a box from logical units to device units of the surface. A preview also includes the last row and column,
+/// which its scale would otherwise round away.
 CRect ClipBox(CDC& dc, CRect box);
 
 }  // namespace qel

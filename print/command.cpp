@@ -48,7 +48,7 @@ int CQelPrintJobCommand::SetText(int x, int y, const char* fontName, int fontSiz
     m_nY1 = y;
     m_nX2 = width;
     m_nY2 = height;
-    LOGFONT font = {};  // beside the old one, which the name may stand in
+    LOGFONT font = {};  // separate from the old one, which may contain the name
     if (fontName != nullptr) qel::CopyBounded(font.lfFaceName, fontName, LF_FACESIZE - 1);
     font.lfHeight = fontSize;
     m_font = font;
@@ -159,7 +159,7 @@ int CQelPrintJobCommand::Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* ob
         case kArc:
             dc->Arc(box(), shifted(m_nX3, m_nY3), shifted(m_nX4, m_nY4));
             break;
-        default:  // the rest tells something, but draws nothing
+        default:  // all other kinds carry information but draw nothing
             break;
     }
     return 1;

@@ -11,10 +11,10 @@ class CommandList;
 }
 
 /// One drawing command of a print job. Coordinates are device units of the surface that it will be drawn on, which are
-/// a printer's pixels; sums that leave 32 bits wrap. Sizes of fonts are tenths of a point, colours 0x00BBGGRR.
+/// a printer's pixels; sums that exceed 32 bits wrap. Font sizes are tenths of a point, colours 0x00BBGGRR.
 ///
-/// A command is of the kind of the setter that was called last. A setter writes its own fields alone, so that the
-/// others stay as they were, and answers 1.
+/// The setter that was called last decides the kind of the command. A setter writes only its own fields, the others
+/// stay, and returns 1.
 class QELLIB10_API CQelPrintJobCommand {
 public:
     enum : int { kEmpty, kUnit, kText, kMoveTo, kLineTo, kLine, kCircle, kSetPen, kSetRgn, kRectangle, kArc };
@@ -24,56 +24,59 @@ public:
     CQelPrintJobCommand& operator=(const CQelPrintJobCommand&) = default;
     virtual ~CQelPrintJobCommand();
 
-    /// The empty command: all numbers 0, no font, no text. Answers 1.
+    /// Makes it the empty command: all numbers 0, no font, no text. Returns 1.
     int Initialize();
 
     /// A code that readers of a job may use; draws nothing.
     int SetUnit(int unit);
 
-    /// A text at x, y; with a @p width and a @p height it stands in that box, a -1 for either means no box.
-    /// @param fontName cut to 31 bytes, at a whole character
+    /// A text at x, y; with a @p width and a @p height it is in that box, -1 for either means no box.
+    /// @param fontName cut to 31 bytes, between characters
     /// @param fontSize tenths of a point; 0 is the surface's default size
-    /// @param style how it stands in its box: 2 centred, 4 right, every other value of the lowest four bits left; and
-    ///   0x10 one line, in the middle of the height; 0x20 broken between words; 0x40 broken also within a word that is
-    ///   too long, and without a last line that fits only partly
+    /// @param style alignment in the box: 2 centred, 4 right, every other value of the lowest four bits left; plus 0x10
+    /// one
+    ///   line, in the middle of the height; 0x20 broken between words; 0x40 broken also within a word that is too long,
+    /// and
+    ///   without a last line that fits only partly
     int SetText(int x, int y, const char* fontName, int fontSize, unsigned long color, const char* text, int style,
                 int width, int height);
 
     int SetMoveTo(int x, int y);
-    int SetLineTo(int x, int y);                            ///< from the current position, which becomes its end
-    int SetLine(int x1, int y1, int x2, int y2);            ///< the current position becomes its end
+    int SetLineTo(int x, int y);                            ///< from the current position, which moves to its end
+    int SetLine(int x1, int y1, int x2, int y2);            ///< the current position moves to its end
     int SetCircle(int x, int y, int r);                     ///< stored and saved; kept so that it draws nothing
     int SetPen(int style, int width, unsigned long color);  ///< PS_SOLID and so on, width in device units
 
-    /// Limits what follows to the box; its corners are logical units of the surface. Four equal numbers (as drawn, so
-    /// with the block's offset) end the limit.
+    /// Limits the following drawing to the box; its corners are logical units of the surface. Four equal numbers (as
+    /// drawn, so including the block's offset) remove the limit.
     int SetRgn(int x1, int y1, int x2, int y2);
 
     int SetRectangle(int x1, int y1, int x2, int y2);
-    /// Of the ellipse in the box x1, y1 - x2, y2, from the ray through x3, y3 counter-clockwise to that through x4, y4;
-    /// the whole of it when both have the same direction.
+    /// Part of the ellipse in the box x1, y1 - x2, y2, counter-clockwise from the ray through x3, y3 to the ray through
+    /// x4, y4; the whole ellipse if both have the same direction.
     int SetArc(int x1, int y1, int x2, int y2, int x3, int y3, int x4, int y4);
 
     int GetKind() const { return m_nKind; }
     int GetX1() const { return m_nX1; }
     int GetY1() const { return m_nY1; }
-    int GetX2() const { return m_nX2; }  ///< of a text its width
-    int GetY2() const { return m_nY2; }  ///< of a text its height
+    int GetX2() const { return m_nX2; }  ///< for a text its width
+    int GetY2() const { return m_nY2; }  ///< for a text its height
     int GetX3() const { return m_nX3; }
     int GetY3() const { return m_nY3; }
     int GetX4() const { return m_nX4; }
     int GetY4() const { return m_nY4; }
     int GetRadius() const { return m_nRadius; }
     int GetPenWidth() const { return m_nPenWidth; }
-    int GetStyle() const { return m_nStyle; }  ///< the code of a unit, the format of a text, the style of a pen
-    /// Its height is the size in tenths of a point; all else but the face is 0.
+    int GetStyle() const { return m_nStyle; }  ///< the code of a unit, the format of a text, or the style of a pen
+    /// Its height is the size in tenths of a point; everything else except the face is 0.
     const LOGFONT& GetFont() const { return m_font; }
     const CString& GetText() const { return m_szText; }
     COLORREF GetColor() const { return m_color; }
 
-    /// Draws the command, shifted by the offset; without a surface, and for a kind that it does not know, nothing.
-    /// @param objects carries pen and clip from one command to the next; null: they end with this one, but stay in the
-    ///   surface
+    /// Draws the command, shifted by the offset; draws nothing without a surface, and for an unknown kind.
+    /// @param objects carries pen and clip from one command to the next; null: they apply only to this command, but
+    /// stay on
+    ///   the surface
     /// @return 1, whatever the surface does
     int Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* objects) const;
 

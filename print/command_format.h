@@ -6,10 +6,10 @@
 
 #include "qellib10/print/command.h"
 
-// How commands stand in a job file: an element each, its numbers as attributes.
+// The form of commands in a job file: one element each, with its numbers as attributes.
 namespace qel {
 
-/// A number of a command and the attribute that it stands in.
+/// A number of a command and its attribute.
 struct CommandField {
     const char* name;
     int (*get)(const CQelPrintJobCommand&);
@@ -23,15 +23,15 @@ struct CommandFormat {
     int kind;
     const char* name;                      ///< of the element
     std::span<const CommandField> fields;  ///< in the order of the file
-    /// Makes a command of the numbers, which are in the order of the fields. Null for a text, which has more to it,
-    /// and a unit, whose number is the content of the element.
+    /// Sets the command from the numbers, which are in the order of the fields. Null for a text, which has more than
+    /// numbers, and for a unit, whose number is the content of the element.
     void (*set)(CQelPrintJobCommand&, const CommandNumbers&);
 };
 
-/// Makes a text of the numbers of its format and what else it has.
+/// Sets a text from the numbers of its format and its other fields.
 void SetText(CQelPrintJobCommand& command, const CommandNumbers& numbers, const CString& face, const CString& text);
 
-/// Null for a kind, or an element, that a job file does not have.
+/// Null for a kind, or an element, that job files do not have.
 const CommandFormat* FindCommandFormat(int kind);
 const CommandFormat* FindCommandFormat(std::string_view element);
 

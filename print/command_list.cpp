@@ -7,7 +7,7 @@
 namespace qel {
 namespace {
 
-// The first word: the kind in the lowest bits, then a bit for each number, one for the colour, the font and the text.
+// The first word: the kind in the lowest bits, then one bit for each number and for the colour, the font and the text.
 constexpr int kKindBits = 4;
 constexpr std::uint32_t kKindMask = (1U << kKindBits) - 1;
 constexpr std::uint32_t kNumbersMask = 0x7FF;
@@ -38,7 +38,7 @@ void CommandList::Add(const CQelPrintJobCommand& command) {
     }
     if (!IsSame(command.m_font, kNoFont)) {
         fields |= kHasFont;
-        // Texts of a job come in runs of one font.
+        // A job's texts come in runs with the same font.
         if (m_aryFont.empty() || !IsSame(m_aryFont.back(), command.m_font)) m_aryFont.push_back(command.m_font);
         m_aryWord.push_back(static_cast<std::uint32_t>(m_aryFont.size() - 1));
     }

@@ -8,17 +8,18 @@
 
 namespace qel {
 
-/// Commands in the order in which they were added. Each is kept whole, but takes the memory of what it holds: a line to
-/// a point 12 bytes. Curves are recorded with a command a point, so that a job may have millions of them.
+/// Commands in the order in which they were added. Nothing of a command is lost, but it takes only the memory that it
+/// needs: a line to a point 12 bytes. Curves are recorded with one command per point, so a job may have millions of
+/// them.
 class CommandList {
 public:
     std::size_t Count() const noexcept { return m_nCount; }
     void Add(const CQelPrintJobCommand& command);
 
-    /// Where the first command is, and where none is any more.
+    /// The position of the first command; if there is none, reading there finds the end.
     static constexpr std::size_t kBegin = 0;
     std::size_t End() const noexcept { return m_aryWord.size(); }
-    /// Gives out the command at @p position. @return the position of the next one
+    /// Returns the command at @p position in @p command. @return the position of the next one
     std::size_t Read(std::size_t position, CQelPrintJobCommand& command) const;
 
 private:
@@ -28,8 +29,8 @@ private:
         &CQelPrintJobCommand::m_nX4,       &CQelPrintJobCommand::m_nY4,   &CQelPrintJobCommand::m_nRadius,
         &CQelPrintJobCommand::m_nPenWidth, &CQelPrintJobCommand::m_nStyle};
 
-    // A command is a word that tells its kind and which of its fields are not 0, then a word for each of these: the
-    // numbers and the colour themselves, the index of the font and of the text.
+    // A command is a word with its kind and a bit for each field that is not 0, then one word for each of these fields:
+    // the numbers and the colour themselves, the indices of the font and of the text.
     std::vector<std::uint32_t> m_aryWord;
     std::vector<LOGFONT> m_aryFont;
     std::vector<CString> m_aryText;

@@ -25,7 +25,7 @@ std::optional<int> MarginInDots(int margin, int unit, int dotsPerInch) {
     }
 }
 
-// What one document says of itself; later ones on the same context say what was set before.
+// What one document says about itself; afterwards later documents on the same context say again what was set before.
 class DocumentInfo {
 public:
     DocumentInfo(HDC dc, const std::optional<qel::PdfInfo>& info) : m_hDC(dc) {
@@ -84,7 +84,7 @@ int CQelPrintJobDocumentData::PrintOut() {
     CDC dc;
     if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return 0;
     const DocumentInfo info(dc, m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo());
-    // What cannot be laid out starts no document, which would keep the next one off a selected context.
+    // If it cannot be laid out, no document is started: it would block the next one on a selected context.
     const bool isPrinted = PlaceCells(&dc) && dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
                            PrintOutMain(&dc, -1, 0) && dc.EndPage() > 0 && dc.EndDoc() > 0;
     if (selected != nullptr) dc.Detach();
@@ -117,7 +117,7 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
         const CPoint corner = CellPosition(cell, *size);
         block.SetOffset(corner.x, corner.y);
         block.DrawCommand(dc);
-        dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has kept before
+        dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has saved before
     }
     return 1;
 }
@@ -134,7 +134,7 @@ std::optional<CSize> CQelPrintJobDocumentData::PlaceCells(CDC* dc) {
     const CSize paper = style.GetPaperSizeOn(dc);
     const CSize size(LengthBetween(paper.cx, style.GetLeftMargin(), style.GetRightMargin()) / grid.cx,
                      LengthBetween(paper.cy, style.GetTopMargin(), style.GetBottomMargin()) / grid.cy);
-    // Of the first column and row only the start matters; what comes after them would be printed over them.
+    // For the first column and row only the start matters; later ones would be printed over them.
     const CSize furthest = FurthestCell();
     if ((furthest.cx > 0 && size.cx < 1) || (furthest.cy > 0 && size.cy < 1)) return std::nullopt;
     return size;

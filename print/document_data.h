@@ -25,7 +25,7 @@
 class QELLIB10_API CQelPrintJobDocumentData {
 public:
     CQelPrintJobDocumentData();
-    /// Copies have page style and blocks, but no printer context.
+    /// Copies have the page style and the blocks, but no printer context.
     CQelPrintJobDocumentData(const CQelPrintJobDocumentData&) = default;
     CQelPrintJobDocumentData& operator=(const CQelPrintJobDocumentData&) = default;
     virtual ~CQelPrintJobDocumentData();
@@ -36,57 +36,62 @@ public:
     CQelPrintJobPageStyle& GetPageStyle() { return m_PageStyle; }
     const CQelPrintJobPageStyle& GetPageStyle() const { return m_PageStyle; }
 
-    /// Adds the job of a file, or a copy of @p job, as the next cell. The first one gives the document its page style.
-    /// @return 0 for a file that cannot be loaded, and for another page style than the document's
+    /// Adds the job from a file, or a copy of @p job, as the next cell. The first one gives the document its page
+    /// style.
+    /// @return 0 for a file that cannot be loaded, and for a page style that differs from the document's
     int CheckAndAddJobFile(const char* path);
     int CheckAndAddJobFile(const CQelPrintJobQueueData& job);
 
-    /// What the document that PrintOut makes says of itself, where it is PDF: its own, else what its page style has,
-    /// else what is set for the context. Nothing after Initialize. Pages of OnPrint are in a document that the caller
-    /// has started: there it has no effect, see qel::SetPdfInfo.
+    /// What a PDF document printed by PrintOut says about itself: its own information, otherwise that of its page
+    /// style, otherwise that of the context. Empty after Initialize. Pages of OnPrint are in a document that the caller
+    /// has started: it has no effect there, see qel::SetPdfInfo.
     const std::optional<qel::PdfInfo>& GetPdfInfo() const { return m_PdfInfo; }
     void SetPdfInfo(const std::optional<qel::PdfInfo>& info) { m_PdfInfo = info; }
 
     int GetBlockCount() const { return static_cast<int>(m_listBlock.size()); }
     int IsPrintOutBlockExist() const { return m_listBlock.empty() ? 0 : 1; }
-    /// Whether the blocks, with @p more of them, fill a page.
+    /// Whether the blocks, plus @p more of them, fill a page.
     int IsPrintOutPageExist(int more) const;
 
-    /// Takes the selected printer context of @p from, as CQelPrintJobPageStyle::MovePrinterDC does.
+    /// Takes over the selected printer context of @p from, like CQelPrintJobPageStyle::MovePrinterDC.
     int MovePrinterDC(CQelPrintJobPageStyle& from) { return m_PageStyle.MovePrinterDC(from); }
 
     /// Prints all pages as one document, named after the page style: on its selected printer context, which it keeps,
-    /// else on a new one of its printer. Without blocks one empty page is printed.
-    /// @return 0 when there is no such printer, when the cells cannot be laid out (see PrintOutMain; no document is
-    ///   started then), and when the printer does not take the document. What was begun on a selected context stays
-    ///   open then.
+    /// or else on a new one of its printer. Without blocks one empty page is printed.
+    /// @return 0 if there is no such printer, if the cells cannot be laid out (see PrintOutMain; no document is started
+    ///   then), and if the printer does not accept the document. A document started on a selected context stays open
+    /// then.
     int PrintOut();
 
-    /// Draws the page that @p info asks for, on a context of a framework's loop over pages, on paper or as a preview.
-    /// @throws false (the value) when it cannot be drawn
+    /// Draws the page that @p info asks for, on a context of a framework's page loop, on paper or as a preview.
+    /// @throws false (the value) if it cannot be drawn
     int OnPrint(CDC* dc, CPrintInfo* info);
 
     /// Draws the blocks in the cells of their pages, and computes the page style's printer margins for @p dc.
-    /// @param page counted from 1; below 0 all of them, with the end and the start of pages between them unless
+    /// @param page counted from 1; below 0 all pages, with the end and the start of pages between them unless
     ///   @p preview is not 0
     /// @return 0 for a grid without cells; for blocks in several columns whose width is below 1, or in several rows
-    ///   whose height is, which would be drawn over each other (the margins leave nothing, or the size of the paper is
-    ///   not known, see CQelPrintJobPageStyle::GetPaperSizeOn); for an invalid unit; and when the printer takes no
-    ///   further page. A single column or row is drawn whatever its size, and all cells are drawn at one place on
-    ///   purpose where the print direction is not 1 or 2.
+    /// whose
+    ///   height is, which would be drawn over each other (the margins leave no space, or the paper size is unknown, see
+    ///   CQelPrintJobPageStyle::GetPaperSizeOn); for an invalid unit; and if the printer accepts no further page. A
+    /// single
+    ///   column or row is drawn whatever its size. If the print direction is not 1 or 2, all cells are drawn at the
+    /// same
+    ///   place, on purpose.
     int PrintOutMain(CDC* dc, int page, int preview);
 
 protected:
-    /// Computes where the margins of @p style lie in the drawable area of @p dc, see GetPrnTopMargin. All of them count
-    /// by the horizontal resolution.
-    /// @return 0 for a unit that is none of 1, 2 and 3, and for a context without a resolution
+    /// Computes where the margins of @p style are in the drawable area of @p dc, see GetPrnTopMargin. All of them use
+    /// the horizontal resolution.
+    /// @return 0 for a unit other than 1, 2 and 3, and for a context without a resolution
     static int GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style);
 
 private:
     LONGLONG CellsPerPage() const;
-    // Computes the printer margins. Returns the size of a cell in tenths of a millimetre, or nothing as PrintOutMain.
+    // Computes the printer margins. Returns the size of a cell in tenths of a millimetre, or nothing as described at
+    // PrintOutMain.
     std::optional<CSize> PlaceCells(CDC* dc);
-    CSize FurthestCell() const;  // the last column and row, from 0, that a block is in
+    CSize FurthestCell() const;  // the last column and row, from 0, with a block
     CPoint CellPosition(int cell, const CSize& size) const;
 
     CQelPrintJobPageStyle m_PageStyle;

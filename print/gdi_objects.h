@@ -5,8 +5,8 @@
 #include "qellib10/platform/drawing/gdi_object.h"
 #include "qellib10/platform/export.h"
 
-/// What a replay of print commands carries from one command to the next: the pen and the clip region in use, which it
-/// owns, and the pen that was selected before. When it goes the surface is left as it is, with that pen and that clip.
+/// The state that a replay of print commands carries from one command to the next: the current pen and clip region,
+/// which it owns, and the pen that was selected before. When it is destroyed, the surface keeps this pen and this clip.
 class QELLIB10_API CGDIObjects {
 public:
     CGDIObjects() = default;
@@ -14,10 +14,10 @@ public:
     CGDIObjects(const CGDIObjects&) = delete;
     CGDIObjects& operator=(const CGDIObjects&) = delete;
 
-    /// Selects a new pen in place of the one in use; the one that was selected before that is selected in between.
+    /// Selects a new pen instead of the current one; in between it selects the former pen.
     void SelectPen(CDC& dc, int style, int width, COLORREF color);
 
-    /// Limits drawing to @p box, device units, in place of the clip in use; null: to nothing.
+    /// Limits drawing to @p box, in device units, instead of the current clip; null: draws nothing.
     void SelectClip(CDC& dc, const RECT* box);
 
 private:

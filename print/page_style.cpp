@@ -17,7 +17,8 @@ constexpr int kMillimetreUnit = 2;
 
 void Convert(LONG& value, int dpi) noexcept { value = qel::WrappedProduct(value, dpi) / qel::kTenthsPerInch; }
 
-// The first printer whose name begins with @p device: device modes cut names. Local ones come before connections.
+// The first printer whose name starts with @p device, because device modes cut names. Local ones come before
+// connections.
 CString FullPrinterName(const CString& device) {
     const DWORD flags = PRINTER_ENUM_LOCAL | (CSystemInfo::IsWinNT() ? DWORD{PRINTER_ENUM_CONNECTIONS} : 0);
     std::vector<BYTE> buffer;
@@ -59,7 +60,7 @@ private:
     HANDLE m_hPrinter = nullptr;
 };
 
-// Looks at a context that stays its owner's.
+// Uses a context without owning it.
 class BorrowedDC : public CDC {
 public:
     explicit BorrowedDC(HDC dc) { Attach(dc); }
@@ -166,7 +167,7 @@ int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
 void CQelPrintJobPageStyle::ReadDevMode(DEVMODE mode, CDC* dc) {
     const bool hasSize = qel::FillPaperSize(mode, dc);
     GetDevMode(&mode, dc);
-    // One that was set by hand is as the page is read already: it is not turned again for each page.
+    // A size set by hand is already as the page is read: it is not turned again for each page.
     const bool isTurned = mode.dmOrientation == DMORIENT_LANDSCAPE && m_sizePaper.cx < m_sizePaper.cy;
     if (!hasSize && isTurned) std::swap(m_sizePaper.cx, m_sizePaper.cy);
     m_nUnit = kMillimetreUnit;

@@ -10,7 +10,7 @@
 
 namespace qel {
 
-/// A context that goes with its owner. A copy of the owner has none, and one that is assigned to drops its own.
+/// Owns a context. A copy of the owner has none, and the target of an assignment deletes its own.
 class QELLIB10_API OwnedDC {
 public:
     OwnedDC() noexcept = default;
@@ -22,7 +22,7 @@ public:
     ~OwnedDC() { Reset(); }
 
     HDC Get() const noexcept { return m_hDC; }
-    void Reset(HDC dc = nullptr) noexcept;  ///< deletes the one until now
+    void Reset(HDC dc = nullptr) noexcept;  ///< deletes the former one
     HDC Release() noexcept;
 
 private:
@@ -53,14 +53,14 @@ private:
 /// is thrown.
 class QELLIB10_API CQelPrintJobPageStyle {
 public:
-    /// As after Initialize, with empty names and printer margins of 0.
+    /// Like after Initialize, with empty names and printer margins of 0.
     CQelPrintJobPageStyle();
     CQelPrintJobPageStyle(const CQelPrintJobPageStyle&) = default;
     CQelPrintJobPageStyle& operator=(const CQelPrintJobPageStyle&) = default;
     virtual ~CQelPrintJobPageStyle();
 
-    /// A4 in portrait, unit 2, resolution, sizes and margins 0, one cell, the column first; drops the selected context.
-    /// Device and port name and the printer margins stay as they are.
+    /// A4 in portrait, unit 2, resolution, sizes and margins 0, one cell, the column first; deletes the selected
+    /// context. Device name, port name and printer margins do not change.
     int Initialize();
 
     const CString& GetPrinterDriverName() const { return m_szPrinterDriverName; }
@@ -69,19 +69,19 @@ public:
     void SetPrinterDevice(const CString& device) { m_szPrinterDevice = device; }
     const CString& GetPrinterPort() const { return m_szPrinterPort; }
     void SetPrinterPort(const CString& port) { m_szPrinterPort = port; }
-    /// What the margins are measured in: 2 tenths of a millimetre, 3 device units; 1 counts 72 to the resolution.
+    /// The unit of the margins: 2 tenths of a millimetre, 3 device units; 1 is 1/72 of the resolution.
     const int& GetUnit() const { return m_nUnit; }
     void SetUnit(const int& unit) { m_nUnit = unit; }
-    /// Device units an inch; 0: not known.
+    /// Device units per inch; 0: unknown.
     const int& GetDpi() const { return m_nDpi; }
     void SetDpi(const int& dpi) { m_nDpi = dpi; }
     /// As the page is read: landscape is wider than high.
     const CSize& GetPaperSize() const { return m_sizePaper; }
     void SetPaperSize(const CSize& size) { m_sizePaper = size; }
-    /// The paper size to lay pages out with. Where the style has none, as after loading a job file (it keeps the form
-    /// alone), this is the size of the form, or that of the sheet of @p dc for a form without a size (Letter).
+    /// The paper size for laying out pages. If the style has none, as after loading a job file (which stores only the
+    /// form), it is the size of the form, or for a form without a size (Letter) that of the sheet of @p dc.
     /// @param dc a printer's context, may be null
-    /// @return as GetPaperSize when neither is known
+    /// @return like GetPaperSize if neither is known
     CSize GetPaperSizeOn(CDC* dc) const;
     /// The printer interface's code, 9 for A4.
     const int& GetPaperForm() const { return m_nPaperForm; }
@@ -97,14 +97,14 @@ public:
     void SetLeftMargin(const int& margin) { m_nLeftMargin = margin; }
     const int& GetRightMargin() const { return m_nRightMargin; }
     void SetRightMargin(const int& margin) { m_nRightMargin = margin; }
-    /// Also the name under which documents are printed.
+    /// Also the name of printed documents.
     const CString& GetStyleName() const { return m_szStyleName; }
     void SetStyleName(const CString& name) { m_szStyleName = name; }
-    void SetStyleName(UINT stringId);  ///< from the string tables; empty when none has it
-    /// What a PDF document says of itself that CQelPrintJobDocumentData::PrintOut prints with this style, or that is
-    /// printed on a context which GetPrinterDC makes from now on. The selected context does not have it: a document of
-    /// the application's own there needs qel::SetPdfInfo. It is no part of the job file, and is not compared; nothing
-    /// after Initialize: then the context's own counts.
+    void SetStyleName(UINT stringId);  ///< from the string tables; empty if none has it
+    /// What a PDF document says about itself if CQelPrintJobDocumentData::PrintOut prints it with this style, or if it
+    /// is printed on a context that GetPrinterDC creates from now on. It does not apply to the selected context: an
+    /// application's own document there needs qel::SetPdfInfo. It is not stored in the job file, and not compared.
+    /// Empty after Initialize: then the context's own applies.
     const std::optional<qel::PdfInfo>& GetPdfInfo() const { return m_PdfInfo; }
     void SetPdfInfo(const std::optional<qel::PdfInfo>& info) { m_PdfInfo = info; }
     /// Cells across and down.
@@ -113,8 +113,8 @@ public:
     /// 1: cells fill a page down the column first, 2: along the row first.
     const int& GetPrintDirection() const { return m_nPrintDirection; }
     void SetPrintDirection(const int& direction) { m_nPrintDirection = direction; }
-    /// Device units, from the drawable corner: where the user's margins end, and (bottom, right) the height and the
-    /// width between them. Computed when a document is printed.
+    /// Device units, from the corner of the drawable area: where the user's margins end, and (bottom, right) the height
+    /// and width between them. Computed when a document is printed.
     const int& GetPrnTopMargin() const { return m_nPrnTopMargin; }
     void SetPrnTopMargin(const int& margin) { m_nPrnTopMargin = margin; }
     const int& GetPrnBottomMargin() const { return m_nPrnBottomMargin; }
@@ -124,38 +124,38 @@ public:
     const int& GetPrnRightMargin() const { return m_nPrnRightMargin; }
     void SetPrnRightMargin(const int& margin) { m_nPrnRightMargin = margin; }
 
-    /// Cells on a page. The product wraps at 32 bits.
+    /// Cells per page. The product wraps at 32 bits.
     int GetPageBlocks() const;
 
     /// Tenths of a millimetre to device units: v * dpi / 254, truncated toward zero; the product wraps at 32 bits.
-    /// @return 0 for a resolution below 1; the argument stays as it is
+    /// @return 0 for a resolution below 1; the argument does not change then
     int ConvertMillimetreToPixel(CRect& rect) const;
     int ConvertMillimetreToPixel(CPoint& point) const;
 
-    /// The user chooses a printer in the print dialog; a new context of it becomes the selected one.
-    /// @return 0 when cancelled, and when the printer cannot be asked
+    /// Lets the user choose a printer in the print dialog; a new context of it becomes the selected one.
+    /// @return 0 if cancelled, and if the printer cannot be asked
     int SelectPrinter();
-    /// Null: none. Stays this style's.
+    /// Null: none. It still belongs to this style.
     HDC GetSelectedPrinterDC() const { return m_SelectedPrinterDC.Get(); }
-    /// Takes over the selected context of @p other in place of its own. @return 0 when that has none
+    /// Takes over the selected context of @p other and deletes its own. @return 0 if that has none
     int MovePrinterDC(CQelPrintJobPageStyle& other);
 
-    /// A new context of this style's device with its form and direction, for the caller to delete; names, resolution
-    /// and paper size become those of the printer. Forms without a size in layouts (Letter, forms that do not exist)
-    /// get that of the sheet, as it is read in this direction.
+    /// Creates a context of this style's device with its form and direction, which the caller deletes; names,
+    /// resolution and paper size are set from the printer. For forms without a size in layouts (Letter, unknown forms)
+    /// the size is that of the sheet, as it is read in this direction.
     HDC GetPrinterDC();
-    /// The printer and paper of the dialog in @p info. Where neither its form (Letter) nor @p dc (null, or a picture)
-    /// has a size, the one until now stays, its longer side across for landscape.
-    /// @return 0 when that has no settings
+    /// Sets the printer and paper of the dialog in @p info. If neither its form (Letter) nor @p dc (null, or a picture)
+    /// has a size, the former size stays, with its longer side across for landscape.
+    /// @return 0 if the dialog has no settings
     int GetPrinterFromDC(CDC* dc, CPrintInfo* info);
 
-    /// Whether all is equal but the printer margins, what a PDF document says of itself, and the selected context.
+    /// Whether everything is equal except the printer margins, the PDF information, and the selected context.
     bool operator==(const CQelPrintJobPageStyle& other) const;
 
 protected:
-    /// Device name, resolution, paper size, form and direction from a device mode; @p dc (which may be null) is asked
-    /// for a resolution that the mode lacks. Kept for pages laid out so: a size that the mode gives itself is not
-    /// exchanged for landscape, that of a form is; an unknown form leaves the size, exchanged for landscape.
+    /// Sets device name, resolution, paper size, form and direction from a device mode; a resolution missing in the
+    /// mode is read from @p dc (which may be null). Kept for pages laid out in this way: a size given in the mode
+    /// itself is not swapped for landscape, that of a form is; an unknown form keeps the size, swapped for landscape.
     void GetDevMode(DEVMODE* devMode, CDC* dc);
 
 private:

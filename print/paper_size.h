@@ -10,16 +10,16 @@ namespace qel {
 /// Lengths on paper are in tenths of a millimetre.
 inline constexpr int kTenthsPerInch = 254;
 
-/// The size of a paper form (codes 2 to 41) in tenths of a millimetre, as page layouts in the field count with it.
-/// Several of the forms measured in inches differ from the real sheet.
+/// The size of a paper form (codes 2 to 41) in tenths of a millimetre, as used by page layouts in the field. For
+/// several of the forms measured in inches it differs from the real sheet.
 std::optional<CSize> PaperSizeOf(int form) noexcept;
 
 /// The sheet of a printer's context as the page is read, in tenths of a millimetre; nothing for null, and for a context
-/// without a sheet, as that of a picture.
+/// without a sheet, such as a picture's.
 std::optional<CSize> SheetOf(CDC* dc);
 
-/// Gives a mode without a size of its own, whose form has none in layouts either (Letter), the sheet of @p dc.
-/// @return false when it has no size then: @p dc has no sheet
+/// Sets the sheet of @p dc in a mode that has no size, and whose form has none in layouts either (Letter).
+/// @return false if it then has no size: @p dc has no sheet
 bool FillPaperSize(DEVMODE& mode, CDC* dc);
 
 }  // namespace qel

@@ -28,7 +28,7 @@ constexpr const char* kCommands = "commands";
 
 int NumberOf(std::string_view text) { return qel::ClampToInt(qel::ScanInteger(text)); }
 
-// Calls `take` for each element in those of the root that are called `part`.
+// Calls `take` for each element inside the root's elements called `part`.
 template <class Take> void ForEachIn(const XmlNode& root, std::string_view part, Take take) {
     for (auto parent = root.FirstElement(); parent; parent = parent->NextElement()) {
         if (parent->Utf8Name() != part) continue;
@@ -166,7 +166,7 @@ int CQelPrintJobQueueData::LoadJobFile(const char* path) {
         ForEachIn(root, kPageStyle, [this](const XmlNode& value) { ReadPageStyleValue(value); });
         ForEachIn(root, kCommands, [this](const XmlNode& command) { ReadCommand(command); });
         if (written) m_Block.AddCommands(std::move(written->commands));
-        m_pDocument->Empty();  // a job is small beside its document
+        m_pDocument->Empty();  // a job is small compared with its document
         return 1;
     });
 }

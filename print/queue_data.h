@@ -34,8 +34,8 @@ class XmlNode;
 class QELLIB10_API CQelPrintJobQueueData {
 public:
     CQelPrintJobQueueData();
-    /// A copy has page style and commands; its default font is that of a fresh job. One that is assigned to keeps its
-    /// own default font.
+    /// A copy has the page style and the commands; its default font is that of a new job. The target of an assignment
+    /// keeps its own default font.
     CQelPrintJobQueueData(const CQelPrintJobQueueData& other);
     CQelPrintJobQueueData& operator=(const CQelPrintJobQueueData& other);
     virtual ~CQelPrintJobQueueData();
@@ -50,46 +50,46 @@ public:
     CQelPrintJobBlockData& GetBlock() { return m_Block; }
     const CQelPrintJobBlockData& GetBlock() const { return m_Block; }
 
-    /// What texts in millimetres are written in; it is not stored with the job.
+    /// The font of texts in millimetres; it is not stored with the job.
     /// @param size tenths of a point
     void SetDefaultFont(const char* faceName, int size, unsigned long color);
 
     int AddCommand(const CQelPrintJobCommand& command);
 
-    // Boxes and lines in tenths of a millimetre, converted by the resolution of the page style; as they are when that
-    // is not known.
-    /// @param style as CQelPrintJobCommand::SetText has it
+    // Boxes and lines in tenths of a millimetre, converted with the resolution of the page style, or not converted if
+    // that is unknown.
+    // @param style as for CQelPrintJobCommand::SetText
     int AddMillimetreCommandText(CRect rect, const char* text, int style);
-    /// The text of @p stringId from the string tables; empty when none has it.
+    /// The text of @p stringId from the string tables; empty if none has it.
     int AddMillimetreCommandText(const CRect& rect, UINT stringId, int style);
-    int AddMillimetreCommandLine(CRect rect);  ///< from the left top to the right bottom corner
+    int AddMillimetreCommandLine(CRect rect);  ///< from the top left to the bottom right corner
 
-    /// Writes the job file, replacing what is there as a whole. The commands' cursor is at the end then.
+    /// Writes the job file, replacing an existing one as a whole. The cursor of the commands is then at the end.
     int SaveJobFile(const char* path);
 
-    /// Reads a job file: what it says of the page style replaces what this job has, its commands are added to those
-    /// that are here. Elements that it does not know are passed over, numbers are what a value begins with, else 0.
-    /// @return 0 also for what is not well-formed XML, which leaves the job as it was
+    /// Reads a job file: its page style values replace those of this job, its commands are added to the existing ones.
+    /// Unknown elements are ignored; numbers are read from the start of a value, else 0.
+    /// @return 0 also if it is not well-formed XML; the job does not change then
     int LoadJobFile(const char* path);
 
-    /// The text as it stands in XML as a section, or several when it holds a section's end.
+    /// The text as one XML section, or as several if it contains a section's end.
     static CString Quote(const char* text);
 
 protected:
-    /// Makes sure that there is a document to load into, and that it is empty.
+    /// Ensures that there is an empty document to load into.
     int InitializeParser();
 
-    // For a derived class that keeps elements of its own in a file of the same kind; the types are in platform/xml/.
+    // For a derived class that stores elements of its own in a file of the same kind; the types are in platform/xml/.
 
-    /// Puts an element that holds the value into the one that is being written. A null text is the empty one.
-    /// @throws DataError as XmlElementWriter::Begin
+    /// Adds an element with the value to the element being written. A null text is the empty one.
+    /// @throws DataError like XmlElementWriter::Begin
     static void AddSubNode(qel::XmlElementWriter& node, const char* name, int value);
     static void AddSubNode(qel::XmlElementWriter& node, const char* name, const char* value);
-    /// Gives the element that was begun last an attribute.
-    /// @throws DataError as XmlElementWriter::Attribute
+    /// Adds an attribute to the element that was started last.
+    /// @throws DataError like XmlElementWriter::Attribute
     static void AddAttribute(qel::XmlElementWriter& element, const char* name, int value);
     static void AddAttribute(qel::XmlElementWriter& element, const char* name, const char* value);
-    /// @return @p ifMissing when there is no such attribute, as with a null name
+    /// @return @p ifMissing if there is no such attribute, and for a null name
     static int GetAttributeInt(qel::XmlAttributes& attributes, const char* name, int ifMissing);
     static CString GetAttributeString(qel::XmlAttributes& attributes, const char* name, const char* ifMissing);
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kRoot = "<printjob", kBegin = "<commands>", kEnd = "</commands></printjob>\r\n";
 
-// Takes what is expected from the begin of a text; what is not there is not taken.
+// Removes expected parts from the start of a text; if they are not there, nothing is removed.
 class Scan {
 public:
     explicit Scan(std::string_view text) : m_rest(text) {}
@@ -30,7 +30,7 @@ public:
         m_rest.remove_prefix(static_cast<std::size_t>(end - begin));
         return true;
     }
-    /// What stands before the first of these characters, all of it when there is none.
+    /// The text before the first of these characters; all of it if there is none.
     template <char... kEnds> std::string_view TakeUntil() {
         std::size_t length = 0;
         while (length < m_rest.size() && ((m_rest[length] != kEnds) && ...)) ++length;
@@ -53,7 +53,7 @@ bool TakeNumbers(Scan& scan, const CommandFormat& format, CommandNumbers& number
     return true;
 }
 
-// A value that needs no look at what its characters mean.
+// A value whose characters need no interpretation.
 bool TakeFont(Scan& scan, CString& face) {
     if (!scan.Take(" font=\"")) return true;
     const std::string_view value = scan.TakeUntil<'"', '&', '<', '\t', '\r', '\n'>();
@@ -61,7 +61,7 @@ bool TakeFont(Scan& scan, CString& face) {
     return scan.Take("\"");
 }
 
-// What stands between the tags, when anything does.
+// The text between the tags, if there is any.
 bool TakeText(Scan& scan, std::string_view element, CString& text) {
     if (scan.Take("/>")) return true;
     if (!scan.Take(">")) return false;
@@ -99,7 +99,7 @@ bool TakeCommand(Scan& scan, CQelPrintJobCommand& command) {
 std::optional<WrittenCommands> ReadWrittenCommands(std::string_view file) {
     const std::size_t begin = file.find(kBegin);
     if (begin == std::string_view::npos || !file.starts_with(kRoot) || !file.ends_with(kEnd)) return std::nullopt;
-    // Without comments, sections and the like, a tag is one.
+    // The file has no comments, sections and the like, so this really is a tag.
     const std::string_view before = file.substr(0, begin + kBegin.size());
     if (before.find("<!") != std::string_view::npos || before.find("<?") != std::string_view::npos) return std::nullopt;
     const std::string_view body = file.substr(before.size(), file.size() - before.size() - kEnd.size());
@@ -112,7 +112,7 @@ std::optional<WrittenCommands> ReadWrittenCommands(std::string_view file) {
             if (!TakeCommand(scan, command)) return std::nullopt;
             written.commands.Add(command);
         }
-    } catch (const DataError&) {  // a reference to nothing
+    } catch (const DataError&) {  // an invalid reference
         return std::nullopt;
     }
     written.rest.append(before).append(kEnd);

@@ -10,7 +10,7 @@ namespace {
 
 // clang-format off
 constexpr StringTableEntry kStrings[] = {
-    // Units of results. Where both languages write the same, so do both columns.
+    // Units of results. If a unit is the same in both languages, so are the columns.
     {2048, "%", "%"},
     {2049, "ppm", "ppm"},
     {2050, "ppb", "ppb"},
@@ -70,7 +70,7 @@ static_assert(std::ranges::adjacent_find(kStrings, std::ranges::greater_equal{},
 static_assert(CountBetween(kFirstUnitId, kLastUnitId) == kLastUnitId - kFirstUnitId + 1);
 static_assert(CountBetween(kFirstModelId, kLastModelId) == kLastModelId - kFirstModelId + 1);
 
-// Before main, so that the first object of an application finds the texts.
+// Before main, so that an application's first object finds the texts.
 [[maybe_unused]] const bool isRegistered = [] {
     RegisterOwnStringTable(kStrings);
     return true;

@@ -2,11 +2,11 @@
 
 #include "qellib10/platform/types.h"
 
-// Ids of the library's own string table. Those of the units, the default texts and their order are kept in settings and
-// documents of the applications.
+// Ids of the library's own string table. Applications keep the ids and the order of units and default texts in settings
+// and documents.
 namespace qel {
 
-inline constexpr UINT kFirstUnitId = 2048;  ///< %, then one id a unit
+inline constexpr UINT kFirstUnitId = 2048;  ///< %, then one id per unit
 inline constexpr UINT kLastUnitId = 2079;
 inline constexpr UINT kFirstModelId = 3001;  ///< display names of the instrument models
 inline constexpr UINT kLastModelId = 3007;

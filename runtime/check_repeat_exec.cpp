@@ -15,7 +15,7 @@ int CCheckRepeatExec::CheckRepeatExecute(const char* name) {
     }
     const bool isMissing = qel::LastError() == qel::kFileMissing;
     const qel::OpenedObject mark = qel::CreateNamedMutex(name);
-    // The mark of another one that this process could not open just now, as when it has too many files.
+    // Another process's mark that this process could not open now, for example because it has too many open files.
     const bool isAnothers = mark.existed && !isMissing;
     if (mark.handle == nullptr || isAnothers) {
         if (isAnothers) qel::CloseHandle(mark.handle);

@@ -68,7 +68,7 @@ CAutoLockedMemoryMappedFile::~CAutoLockedMemoryMappedFile() {
 
 void* CAutoLockedMemoryMappedFile::GetDataPtr(DWORD access, DWORD size) {
     GetDataPtrUnmap();
-    // From here on the base has no view, so it does not unmap, which would give the lock back.
+    // From here on the base has no view, so it does not unmap, which would release the lock.
     if (!IsOpen() || !TakeLock()) return nullptr;
     void* view = CMemoryMappedFile::GetDataPtr(access, size);
     if (view == nullptr) GetDataPtrUnmap();
@@ -91,7 +91,7 @@ bool CAutoLockedMemoryMappedFile::TakeLock() {
         m_hMutex = mutex.handle;
         if (m_hMutex != nullptr) {
             DWORD answer = 0;
-            // One that its owner left is released once more, so that it is owned once whoever had it before.
+            // A lock abandoned by its owner is released once more, so that it is owned once, whoever had it before.
             while ((answer = qel::WaitForMutex(m_hMutex, qel::kInfinite)) == qel::kWaitAbandoned) {
                 qel::ReleaseNamedMutex(m_hMutex);
             }

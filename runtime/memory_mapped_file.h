@@ -31,11 +31,11 @@ public:
     /// Unmaps the view and closes.
     virtual ~CMemoryMappedFile();
 
-    /// Opens the block of that name, whatever its size, or makes one of @p size bytes. An open object keeps its block
-    /// and takes only the new name and access.
-    /// @param access kept; what may be done with a view is said to GetDataPtr
+    /// Opens the block of that name, whatever its size, or creates one of @p size bytes. An object that is already open
+    /// keeps its block and changes only its name and access.
+    /// @param access kept; what may be done with a view is an argument of GetDataPtr
     /// @return 0 with the reason as the last error: no size for a new block (87), no memory (8), a name that is too
-    /// long (206) or has a backslash (3), or that a mutex has (6)
+    /// long (206), has a backslash (3), or belongs to a mutex (6)
     virtual int Open(DWORD access, const char* name, DWORD size);
 
     /// Closes the block; a mapped view stays mapped.
@@ -43,17 +43,18 @@ public:
 
     /// Unmaps the current view and maps the first @p size bytes, 0 for all.
     /// @param access with 2 in it the view may be written
-    /// @return null when not open; null too, with the reason as the last error, for more bytes than the block has (5),
-    /// and for a block whose file below /dev/shm another program has cut (1006). Cutting it under a view is fatal
+    /// @return null if not open; also null, with the reason as the last error, for more bytes than the block has (5),
+    /// and for a block whose file in /dev/shm another program has cut (1006). Cutting it under a view is fatal
     virtual void* GetDataPtr(DWORD access, DWORD size);
 
     virtual void GetDataPtrUnmap();
 
-    /// Kept for programs that call it: the system writes to files, not to blocks of memory. Data go into the view.
-    /// @return 0; of an open object with last error 6 and 0 in @p written
+    /// Kept for programs that call it: the system writes to files, not to blocks of memory. Write data through the
+    /// view.
+    /// @return 0; for an open object with last error 6 and 0 in @p written
     virtual int SetData(void* data, DWORD size, DWORD* written);
 
-    /// The number of what failed last: 0 after Open succeeded, without meaning after any other success.
+    /// The number of the last failure: 0 after a successful Open, undefined after any other success.
     DWORD GetLastError() const { return m_nLastError; }
     const CString& GetName() const { return m_szName; }
     DWORD GetAccess() const { return m_nAccess; }
@@ -92,15 +93,15 @@ public:
     CAutoLockedMemoryMappedFile& operator=(const CAutoLockedMemoryMappedFile&) = default;
     ~CAutoLockedMemoryMappedFile() override;
 
-    /// Gives back a lock that it holds, waits for the lock without end and maps. When null is returned no lock is held.
-    /// A name that can never be a mutex's is the one reason not to wait: last error 3 or 206.
+    /// Releases a lock that it holds, waits for the lock without limit and maps. If null is returned, no lock is held.
+    /// Only for a name that can never be a mutex's does it not wait: last error 3 or 206.
     void* GetDataPtr(DWORD access, DWORD size) override;
 
-    /// Unmaps the view and gives back the lock.
+    /// Unmaps the view and releases the lock.
     void GetDataPtrUnmap() override;
 
 private:
     bool TakeLock();
 
-    HANDLE m_hMutex = nullptr;  // the lock, as long as it is held
+    HANDLE m_hMutex = nullptr;  // the lock, while it is held
 };

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The process's workers. Never destroyed: a worker may go on after all statics are gone.
+// The process's workers. Never destroyed: a worker may continue after all statics are gone.
 struct ThreadTable {
     std::vector<CWorkerThreadInfo> m_aryThread;
     qel::ForkSafeLock m_csThreadData{[] { Get().m_aryThread.clear(); }};
@@ -20,10 +20,10 @@ struct ThreadTable {
     }
 };
 
-// Made at load, so that no thread is just making it when another forks.
+// Created at load, so that no thread is creating it while another forks.
 [[maybe_unused]] const ThreadTable& theTableIsMadeAtLoad = ThreadTable::Get();
 
-// The answer of @p action for the table's records, which nobody else reads or changes meanwhile.
+// Runs @p action on the table's records and returns its result; nobody else reads or changes them meanwhile.
 template <typename Action> auto WithThreads(Action&& action) {
     ThreadTable& table = ThreadTable::Get();
     const std::lock_guard lock(table.m_csThreadData);
@@ -34,7 +34,8 @@ template <typename Action> void ForEachThread(Action&& action) {
     WithThreads([&](auto& threads) { std::ranges::for_each(threads, action); });
 }
 
-// A flag of the thread's first record. Not the record, whose pointer is counted: workers ask in their inner loop.
+// A flag of the thread's first record. Not the record itself, whose pointer is reference counted: workers call this in
+// their inner loop.
 int FlagOf(DWORD thread, int CWorkerThreadInfo::*flag, int withoutRecord) {
     return WithThreads([&](const auto& threads) {
         const auto record = std::ranges::find(threads, thread, &CWorkerThreadInfo::m_nThreadID);

@@ -10,8 +10,8 @@ namespace {
 
 enum class Direction { encipher, decipher };
 
-// Blocks that are worked on together. A round of one block waits for its four look-ups; those of the others fill the
-// wait. More than four no longer fit into the registers.
+// Blocks that are processed together. A round of one block waits for its four look-ups; the other blocks fill this
+// time. More than four would not fit in the registers.
 constexpr std::size_t kLanes = 4;
 
 template <std::size_t lanes> struct Halves { std::array<std::uint32_t, lanes> left, right; };
@@ -33,8 +33,8 @@ template <std::size_t round, Direction direction, std::size_t lanes>
     for (std::size_t i = 0; i < lanes; ++i) changed[i] ^= F(tables.s.data(), from[i]) ^ key;
 }
 
-// The halves are not exchanged between rounds, they take turns; the exchange that is left at the end is the one that
-// the algorithm takes back.
+// The halves are not exchanged between rounds, they alternate; the exchange that remains at the end is the one that the
+// algorithm reverses.
 template <Direction direction, std::size_t lanes>
 [[gnu::always_inline]] inline void AllRounds(const BlowfishTables& tables, Halves<lanes>& block) {
     const auto first = tables.p[KeyOfRound<direction>(0)], last = tables.p[KeyOfRound<direction>(17)];

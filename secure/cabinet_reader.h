@@ -9,37 +9,35 @@
 
 namespace qel {
 
-/// A version as it lies in a cabinet.
+/// A version as it is stored in a cabinet.
 struct CabinetVersion {
     DWORD number = 0;  ///< from 1
     DWORD size = 0;    ///< bytes of its data
-    DWORD sum = 0;     ///< as its header says; see CabinetReader::IsIntact
+    DWORD sum = 0;     ///< according to its header; see CabinetReader::IsIntact
     DWORD crc = 0;
-    ULONGLONG dataAt = 0;  ///< from the file's begin
+    ULONGLONG dataAt = 0;  ///< from the start of the file
 };
 
-/// Goes through the versions of a cabinet, oldest first, and writes nothing anywhere: for programs that list cabinets
-/// or check them.
+/// Goes through the versions of a cabinet, oldest first, and writes nothing: for programs that list or check cabinets.
 ///
 ///     const CFile file("method.hcf", CFile::modeRead | CFile::shareDenyWrite);
 ///     qel::CabinetReader cabinet(file);
 ///     while (const auto version = cabinet.Next()) damaged += !cabinet.IsIntact(*version);
 ///
-/// Operations throw CFileException where the file cannot be read, or ends too early (endOfFile).
+/// Operations throw CFileException if the file cannot be read or ends too early (endOfFile).
 class QELLIB10_API CabinetReader {
 public:
-    /// @param cabinet open for reading; it outlives the reader, and its position stays
-    /// @throws DataError for what has no right header of a cabinet
+    /// @param cabinet open for reading; it must outlive the reader, and its position does not change
+    /// @throws DataError if it has no correct cabinet header
     explicit CabinetReader(const CFile& cabinet);
 
     const CabinetHeader& Header() const noexcept { return m_header; }
 
-    /// The next version; nothing once the latest one was given.
-    /// @throws DataError when another version or none stands in its place, or the latest one is not where the header
-    /// says. Neither then, nor when the file ends before the version does, can those behind it be found
+    /// The next version; nothing after the latest one.
+    /// @throws DataError if another version or none is in its place, or the latest one is not where the header says. In
+    /// these cases, and if the file ends before the version does, later versions cannot be found
     std::optional<CabinetVersion> Next();
-    /// Where the last version that was given ends. Behind the latest one may stand what a registration has left that
-    /// was cut short.
+    /// The end of the version returned last. After the latest one there may be remains of an interrupted registration.
     ULONGLONG End() const noexcept { return m_end; }
 
     /// Whether the data of a version match its sum and CRC.

@@ -13,13 +13,13 @@ namespace {
 CString NewFile() { return TemporaryName(TemporaryFolder().View(), "hcf"); }
 
 void Delete(const CString& name) {
-    Succeeds([&] { DeleteFile(name.View()); });  // else an empty file, or a part of a copy, stays there
+    Succeeds([&] { DeleteFile(name.View()); });  // otherwise an empty file, or part of a copy, stays there
 }
 
 }  // namespace
 
-// Deleted at once, since a program that is killed would leave it there. The copy gets a name of its own: by the time
-// that it is made, somebody else may have a file, or a link, under this one.
+// Deleted at once, because a killed program would leave it there. The copy gets a name of its own: by the time it is
+// written, somebody else may have a file, or a link, under this one.
 CabinetUndo::CabinetUndo(CFile& cabinet, const CabinetHeader& header, ULONGLONG end)
     : m_cabinet(cabinet), m_header(header), m_length(cabinet.GetLength() != 0 ? end : 0) {
     Delete(NewFile());
@@ -43,7 +43,7 @@ void CabinetUndo::LeaveCopy() const {
     });
 }
 
-// The header as it was, also where the cabinet itself could not be put back.
+// With the former header, even if the cabinet itself could not be restored.
 void CabinetUndo::Copy(const CString& name) const {
     CFile copy(name, CFile::modeWrite | CFile::shareExclusive);
     const ULONGLONG copied = CopyBytes(m_cabinet.ReadableDescriptor(), 0, copy.WritableDescriptor(), 0, m_length,

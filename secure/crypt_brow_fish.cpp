@@ -9,7 +9,7 @@ using qel::kBlowfishBlock;
 
 CCryptBrowFish::CCryptBrowFish() : m_pTables(std::make_shared<qel::BlowfishTables>(qel::kBlowfishStart)) {}
 CCryptBrowFish::~CCryptBrowFish() = default;
-// Copied, not moved from: an object without tables would not be one.
+// Copied, not moved from: an object without tables would be unusable.
 CCryptBrowFish::CCryptBrowFish(const CCryptBrowFish&) = default;
 CCryptBrowFish& CCryptBrowFish::operator=(const CCryptBrowFish&) = default;
 

@@ -32,7 +32,7 @@ std::string CheckedSize(std::string bytes) {
     return bytes;
 }
 
-// The file is cut last: what cannot be written is put back, and then nothing of the old content is lost.
+// The file is shortened last: if writing fails, the old bytes are restored, and nothing of the old content is lost.
 void WriteWhole(CFile& file, std::string_view bytes) {
     const bool isNew = file.GetLength() == 0;
     qel::WriteUndo old(file, 0, bytes.size());
@@ -65,7 +65,7 @@ CString CutFirst(CString& text, char separator) {
     return first;
 }
 
-// The last node of a path, made with every one before it that is not there.
+// The last node of a path; it and every missing one before it are created.
 XmlNode MakeNodes(const XmlNode& root, const char* path) {
     XmlNode last = root;
     CString walked;
@@ -112,7 +112,7 @@ int CCryptXMLDocument::SaveXMLFile(const char* path, int noWait) {
         const bool isCrypt = m_nCryptMode != 0;
         const std::string bytes = isCrypt ? EncipheredBytes() : PlainBytes();
         CFile file;
-        // Emptied at once only where somebody keeps others from reading it: else a save that fails is taken back.
+        // Emptied at once only if others cannot read it meanwhile; otherwise a failed save is reversed.
         const bool opened = isCrypt ? file.Open(path, kForSaving) != 0
                                     : FileOpen(file, path, 3, 1) != 0 || FileOpen(file, path, 4, noWait) != 0;
         if (!opened) return 0;
@@ -255,11 +255,11 @@ int CCryptXMLDocument::LoadPlainXMLFile(CFile& file) {
             Empty();
             return 1;
         }
-        std::string_view text = bytes.c_str();  // a zero byte ends it
+        std::string_view text = bytes.c_str();  // ends at a zero byte
         if (NamesEncoding(text)) return SetXMLString(text.data());
-        constexpr std::string_view kMark = "\xEF\xBB\xBF";  // other programs' editors put it there
+        constexpr std::string_view kMark = "\xEF\xBB\xBF";  // other programs' editors write it
         if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
-        // Not through the code page, which may lack some of it.
+        // Not through the code page, in which characters may be missing.
         m_pDocument->LoadUtf8(qel::Utf8OfUnits(qel::DecodedUnits(text)));
         return 1;
     });

@@ -56,96 +56,98 @@ public:
     CCryptXMLDocument& operator=(const CCryptXMLDocument&) = delete;
 
     /// Loads a file. In crypt mode it may be enciphered or plain, and others may have it open in any way; @p noWait has
-    /// no effect. Without crypt mode it is plain, as LoadPlainXMLFile loads it. An empty file is an empty document.
+    /// no effect. Without crypt mode it is plain, like LoadPlainXMLFile. An empty file is an empty document.
     virtual int LoadXMLFile(const char* path, int noWait);
 
-    /// Saves to a file, which is made when there is none. In crypt mode it is enciphered, nobody else may have it open,
-    /// it is not waited for, and an empty document leaves an empty file and answers 0. Without crypt mode it is plain,
-    /// others may have it open, and it is waited for as FileOpen does.
+    /// Saves to a file, which is created if missing. In crypt mode it is enciphered, nobody else may have it open, it
+    /// does not wait, and an empty document leaves an empty file and returns 0. Without crypt mode it is plain, others
+    /// may have it open, and it waits like FileOpen.
     virtual int SaveXMLFile(const char* path, int noWait);
 
-    /// Opens a file, loads it, and keeps it open until LockCommit or LockRollback, so that what is changed is changed
-    /// in one opening. Others can open it likewise; loads of theirs without crypt mode are kept out.
-    /// @param create not 0: an empty file is made when there is none
+    /// Opens a file, loads it, and keeps it open until LockCommit or LockRollback, so that the change happens within
+    /// one opening. Others can open it in the same way; their loads without crypt mode are kept out.
+    /// @param create not 0: creates an empty file if it is missing
     /// @return 0 also while locked. A file that cannot be loaded is closed again.
     virtual int LockFile(const char* path, int noWait, int create);
 
-    /// Whether LockFile has succeeded and no LockCommit since.
+    /// Whether LockFile has succeeded and LockCommit has not been called since.
     virtual int IsLocked();
 
-    /// Saves into the locked file and closes it.
-    /// @return 0 when not locked, and when it could not be written; the lock is then still there
+    /// Saves to the locked file and closes it.
+    /// @return 0 if not locked, and if it could not be written; the lock then remains
     virtual int LockCommit();
 
-    /// Closes the locked file as it is. The tree stays.
+    /// Closes the locked file without saving. The tree stays.
     ///
-    /// Kept as applications know it: the document counts as locked from then on, LockFile and plain loads and saves by
-    /// path refuse, and LockCommit answers 0. Take another object.
-    /// @return 0 when not locked
+    /// Kept because applications know it: the document still counts as locked, LockFile and plain loads and saves by
+    /// path refuse, and LockCommit returns 0. Use a new object.
+    /// @return 0 if not locked
     virtual int LockRollback();
 
-    /// 0: files are written plain. The mode is no property of a file.
+    /// 0: files are written plain. The mode is not a property of a file.
     void SetCryptMode(int crypt) { m_nCryptMode = crypt; }
     int IsCrypt() const { return m_nCryptMode; }
 
-    /// Takes everything out, the root too.
+    /// Removes everything, including the root.
     void Empty();
 
-    /// The document as text, without naming an encoding; the empty text when there is no root.
+    /// The document as text, without naming an encoding; empty if there is no root.
     CString GetXMLString() const;
-    /// Takes text, in the code page whatever encoding it names, in place of the document.
+    /// Replaces the document by text, which is in the code page whatever encoding it names.
     int SetXMLString(const char* text);
 
-    /// Texts and sections below the first node of a path, joined; white space that only sets elements apart is left
-    /// out.
-    /// @return 0 when there is none; @p text is then as before
+    /// Texts and sections in the first node of a path, joined; white space that only separates elements is left out.
+    /// @return 0 if there is none; @p text does not change then
     int GetNodeText(const char* path, CString& text) const;
-    /// The node as it stands in the document's text.
+    /// The node as it is in the document's text.
     int GetNodeXml(const char* path, CString& xml) const;
 
-    /// Puts a text in place of all that is in the first node of a path. Elements that the path names and that are not
-    /// there are made, each as the last child; one of a step with a predicate is the last of its name, whatever the
-    /// predicate says: `Item[7]` makes one Item. Characters that XML cannot have become `?`.
-    /// @return 0 also for an empty document, and for a step that is no name; elements made for steps before it stay
+    /// Replaces everything in the first node of a path by a text. Missing elements of the path are created, each as the
+    /// last child; for a step with a predicate an element is added as the last of its name, whatever the predicate
+    /// says: `Item[7]` creates one Item. Characters that XML cannot contain become `?`.
+    /// @return 0 also for an empty document, and for a step that is not a name; elements created for steps before it
+    /// stay
     int SetNodeText(const char* path, const char* text);
 
-    /// The number of nodes of a path; -1 for an empty document and for what is no path.
+    /// The number of nodes of a path; -1 for an empty document and for an invalid path.
     long GetTagCount(const char* path) const;
 
-    /// Takes the first node of a path out, with all that is in it.
+    /// Removes the first node of a path and everything in it.
     int DeleteTag(const char* path);
 
 protected:
-    /// Loads or saves a plain file, refused while locked. Loading waits as FileOpen does, while somebody writes.
-    /// Saving writes the document with the encoding that it names, in that encoding, where the form with an open file
-    /// writes UTF-8 and names none; @p noWait has no effect.
+    /// Loads or saves a plain file, refused while locked. Loading waits like FileOpen while somebody writes. Saving
+    /// writes the document in the encoding that it names, and names it; the form with an open file writes UTF-8 and
+    /// names none. @p noWait has no effect.
     virtual int LoadPlainXMLFile(const char* path, int noWait);
     virtual int SavePlainXMLFile(const char* path, int noWait);
 
-    /// As after construction, but for the lock: one in force is rolled back, see there.
+    /// Resets to the state after construction, except that an active lock is rolled back, see there.
     int Initialize();
 
-    /// Load from, or save to, a file that is open; it stays so. An enciphered file begins with a zero byte, any other
-    /// is loaded as a plain one. A plain file that names an encoding is taken to be in the code page, else in UTF-8.
+    /// Load from, or save to, an open file, which stays open. An enciphered file starts with a zero byte; any other is
+    /// loaded as plain. A plain file that names an encoding is assumed to be in the code page, otherwise in UTF-8.
     ///
-    /// Kept for files already in the field: it seems to name one when the word `encoding` stands anywhere before the
-    /// first `?>`. A document without declaration that has an instruction behind that word is better kept enciphered.
+    /// Kept for files already in the field: it counts as naming an encoding if the word `encoding` is anywhere before
+    /// the first `?>`. A document without declaration that has an instruction after that word is better kept
+    /// enciphered.
     int LoadCryptXMLFile(CFile& file);
     int SaveCryptXMLFile(CFile& file);
     int LoadPlainXMLFile(CFile& file);
     int SavePlainXMLFile(CFile& file);
 
-    /// Opens a file: @p kind 1 reading, others may not write; 2 reading and writing; 3 the same, and it is made when
-    /// there is none; 4 writing, it is made or emptied. When that fails and the file exists, it is tried again every 10
-    /// ms, for as long as that is so, unless @p noWait is not 0. Folders, pipes and devices are refused at once.
+    /// Opens a file: @p kind 1 reading, others may not write; 2 reading and writing; 3 the same, created if missing; 4
+    /// writing, created or emptied. If that fails and the file exists, it is tried again every 10 ms as long as it
+    /// exists, unless @p noWait is not 0. Folders, pipes and devices are refused at once.
     static int FileOpen(CFile& file, const char* path, int kind, int noWait);
 
     /// Text of the code page in UTF-8 and back, each UTF-16 unit by itself: characters above U+FFFF take six bytes,
-    /// kept for files already in the field. Back, continuation bytes are not checked, and four bytes are read as well.
+    /// kept for files already in the field. In the other direction continuation bytes are not checked, and forms of
+    /// four bytes are read as well.
     static CString ConvertToUTF8(const char* text);
     static CString ConvertFromUTF8(const char* text);
 
-    /// Cuts off, and returns, what stands before the first @p separator; the separator goes too. All when there is
+    /// Removes and returns the part before the first @p separator; the separator is removed too. All of it if there is
     /// none.
     static CString Split(CString& text, char separator);
 

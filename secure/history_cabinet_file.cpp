@@ -36,7 +36,7 @@ void Write(CFile& file, ULONGLONG offset, std::span<const std::byte> bytes) {
     file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
 }
 
-// What stands in an open cabinet.
+// The content of an open cabinet.
 class Content {
 public:
     explicit Content(const CFile& cabinet) : m_cabinet(cabinet) {}
@@ -47,7 +47,7 @@ public:
         if (latest.header.version != header.versionCount) throw qel::DataError("not the latest version");
         return latest;
     }
-    // Each step leads on by a header at least, so the walk ends, at the latest with the file.
+    // Each step advances by at least a header, so the walk ends at the latest with the file.
     // @param ends where versions 1, 2, ... end, as far as they have been found in this order
     StoredVersion Find(DWORD version, DWORD count, qel::VersionEnds& ends) const {
         const auto [start, startEnd] = ends.Before(version, kFirstVersionAt);
@@ -64,7 +64,7 @@ public:
             offset = found.end;
         }
     }
-    // Where the registered versions end and the next one begins. Behind may stand what a crash has left.
+    // The end of the registered versions, where the next one starts. Remains of a crash may follow.
     ULONGLONG End(const qel::CabinetHeader& header) const {
         if (header.versionCount == 0) return kFirstVersionAt;
         const ULONGLONG end = Latest(header).end;
@@ -145,8 +145,8 @@ int CHistoryCabinetFile::RegistNewVersion(const char* source) {
         m_pFile->WritableDescriptor();  // throws when nothing is open, or for reading only
         if (*m_pIsHalfDone) throw qel::DataError("a registration that could not be undone");
         CFile from(source, kForReading);
-        // What was only created is not in the file yet. Else the file is asked: a copy of this object may have
-        // registered versions meanwhile.
+        // A cabinet that was only created is not in the file yet. Otherwise the file is read: a copy of this object may
+        // have registered versions meanwhile.
         const bool isCreated = m_header.versionCount == 0 && m_pFile->GetLength() == 0;
         if (!isCreated && !ReadCabFileHeader()) return 0;
         const ULONGLONG end = Content(*m_pFile).End(m_header);
@@ -177,7 +177,7 @@ void CHistoryCabinetFile::AppendOrUndo(const CFile& source, DWORD size, ULONGLON
     *m_pIsHalfDone = false;
 }
 
-// The data are on the disk before the header that names them is written.
+// The data are on disk before the header that refers to them is written.
 void CHistoryCabinetFile::Append(const CFile& source, DWORD size, ULONGLONG end) {
     if (m_pFile->GetLength() > end) m_pFile->SetLength(end);
     if (m_header.versionCount == 0) {

@@ -15,7 +15,7 @@ class VersionEnds;
 /// The header of a cabinet.
 struct CabinetHeader {
     std::array<char, 4> magic = {};
-    DWORD latestOffset = 0;  ///< of the latest version's header from the file's begin; 0 without versions
+    DWORD latestOffset = 0;  ///< of the latest version's header from the start of the file; 0 without versions
     DWORD versionCount = 0;  ///< also the number of the latest version
     CGuid guid;
     DWORD sum = 0;  ///< sum and CRC of the 28 bytes before them
@@ -24,7 +24,7 @@ struct CabinetHeader {
 
 }  // namespace qel
 
-/// What stands before the data of a version in a cabinet.
+/// What precedes the data of a version in a cabinet.
 struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
     std::array<char, 4> magic = {};
     DWORD version = 0;
@@ -64,34 +64,34 @@ public:
     CHistoryCabinetFile& operator=(const CHistoryCabinetFile& other);
     virtual ~CHistoryCabinetFile();
 
-    /// Makes the missing folders of @p path and an empty file there, in place of what it held, for a cabinet with a new
-    /// GUID. The file stays empty, and is none that Open takes, until the first version is registered.
+    /// Creates the missing folders of @p path and an empty file there, replacing its content, for a cabinet with a new
+    /// GUID. The file stays empty, and Open does not accept it, until the first version is registered.
     int Create(const char* path);
-    /// Opens a cabinet whose header is right. After a failure nothing is open.
-    /// @param readOnly not 0: for taking versions out only; then other objects may do so at the same time
+    /// Opens a cabinet whose header is correct. After a failure nothing is open.
+    /// @param readOnly not 0: only for taking versions out; other objects may do so at the same time
     int Open(const char* path, int readOnly);
-    /// Closes; also 1 when nothing is open. Count and GUID can still be asked for.
+    /// Closes; also 1 if nothing is open. Count and GUID can still be read.
     int Close();
-    /// Closes, and begins with a header without versions and with a new GUID.
+    /// Closes, and starts with a header without versions and with a new GUID.
     void Initialize();
 
     /// Appends the file at @p source as the next version. Others must not be writing to it.
     ///
-    /// It takes the same time whatever the cabinet holds already. After a failure the cabinet is put back, and a copy
-    /// of it as it was is left in the folder for temporary files, where a file must be possible before anything is
-    /// written.
-    /// @return 0, and the cabinet as it was, also when it is damaged, open for reading only, or would reach 4 GiB. When
-    /// the disk refuses to put it back too, every further call gives 0 until the cabinet is opened again; nothing that
-    /// was registered is lost then either
+    /// It takes the same time however much the cabinet contains. After a failure the cabinet is restored, and a copy of
+    /// its former state is left in the folder for temporary files; a file is created there before anything is written.
+    /// @return 0, and the cabinet does not change, also if it is damaged, open for reading only, or would reach 4 GiB.
+    /// If the disk also refuses to restore it, every further call returns 0 until the cabinet is opened again; nothing
+    /// registered is lost even then
     int RegistNewVersion(const char* source);
 
     /// Number of versions, and of the latest one.
     DWORD GetLatestVersion() const { return m_header.versionCount; }
 
-    /// Writes the latest version's data to @p target, replacing what it held.
-    /// @return 0 also when the data do not match their sum and CRC, or are cut; @p target then holds what was found
+    /// Writes the latest version's data to @p target, replacing its content.
+    /// @return 0 also if the data do not match their sum and CRC, or are incomplete; @p target then contains what was
+    /// found
     int GetLatestVersionFile(const char* target);
-    /// The same for version @p version, 1 to GetLatestVersion(); any other leaves @p target alone.
+    /// The same for version @p version, 1 to GetLatestVersion(); any other does not change @p target.
     int GetVersionFile(DWORD version, const char* target);
 
     CGuid GetGUID() const { return m_header.guid; }
@@ -99,11 +99,11 @@ public:
 protected:
     /// No versions, a new GUID.
     void InitCabFileHeader();
-    /// Reads the header from the file and checks it. Without an open file it is as InitCabFileHeader leaves it, then;
-    /// after another failure as it was.
+    /// Reads the header from the file and checks it. Without an open file the header is as after InitCabFileHeader;
+    /// after any other failure it does not change.
     int ReadCabFileHeader();
-    /// Writes the header, takes its sum and CRC from the file, and writes it again. They are right the first time
-    /// already, so the file never holds a wrong header.
+    /// Writes the header, reads its sum and CRC back from the file, and writes it again. They are already correct the
+    /// first time, so the file never contains a wrong header.
     int UpdateCabFileHeader();
     /// No version, no data.
     static void InitCabVerHeader(_CAB_VERSIONHEADER& header);
@@ -117,5 +117,5 @@ private:
     void Append(const CFile& source, DWORD size, ULONGLONG end);
 
     std::shared_ptr<qel::VersionEnds> m_pEnds;  // of the open file, so shared by copies as well
-    std::shared_ptr<bool> m_pIsHalfDone;        // a registration could not be undone; of the open file, too
+    std::shared_ptr<bool> m_pIsHalfDone;        // a registration could not be undone; of the open file too
 };

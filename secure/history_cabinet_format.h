@@ -20,7 +20,7 @@
 namespace qel {
 
 inline constexpr std::size_t kCabinetHeaderSize = 36;
-inline constexpr std::size_t kCheckedHeaderSize = 28;  // what sum and CRC of the header are about
+inline constexpr std::size_t kCheckedHeaderSize = 28;  // the bytes covered by the header's sum and CRC
 inline constexpr std::size_t kVersionHeaderSize = 20;
 
 inline constexpr std::array<char, 4> kCabinetMagic = {'H', 'C', 'F', '1'};
@@ -29,12 +29,12 @@ inline constexpr std::array<char, 4> kVersionMagic = {'C', 'V', 'H', '1'};
 std::array<std::byte, kCabinetHeaderSize> Pack(const CabinetHeader& header);
 std::array<std::byte, kVersionHeaderSize> Pack(const _CAB_VERSIONHEADER& header);
 
-/// @throws DataError unless magic, sum and CRC are right
+/// @throws DataError unless magic, sum and CRC are correct
 CabinetHeader UnpackCabinetHeader(std::span<const std::byte, kCabinetHeaderSize> bytes);
-/// @throws DataError unless the magic is right
+/// @throws DataError unless the magic is correct
 _CAB_VERSIONHEADER UnpackVersionHeader(std::span<const std::byte, kVersionHeaderSize> bytes);
 
-/// Those that belong into a header.
+/// The checksums for this header.
 CheckSums CheckSumsOf(const CabinetHeader& header);
 
 }  // namespace qel

@@ -5,8 +5,8 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/time/ole_date_time.h"
 
-/// One renewal of a document: when, which file, who and why. Whoever keeps a history cabinet keeps such a record for
-/// each of its versions in an archive of his own. A value class.
+/// One renewal of a document: when, which file, who and why. An application that keeps a history cabinet keeps such a
+/// record for each version in an archive of its own. A value class.
 ///
 /// In an archive:
 ///
@@ -18,7 +18,7 @@
 ///     text      comment
 class QELLIB10_API CHistoryRenewInfo : public CObject {
 public:
-    /// As InitParameter leaves it.
+    /// In the state that InitParameter sets.
     CHistoryRenewInfo();
     CHistoryRenewInfo(const CHistoryRenewInfo& other);
     CHistoryRenewInfo& operator=(const CHistoryRenewInfo& other);
@@ -36,7 +36,7 @@ public:
     /// 2001-01-01 00:00:00, texts empty.
     void InitParameter();
 
-    /// Equal times, as COleDateTime compares them, and texts that are equal byte for byte.
+    /// Equal times, as compared by COleDateTime, and texts that are equal byte for byte.
     bool operator==(const CHistoryRenewInfo& other) const;
     bool operator!=(const CHistoryRenewInfo& other) const { return !(*this == other); }
 
@@ -44,9 +44,9 @@ public:
     static const CRuntimeClass* GetThisClass();
     const CRuntimeClass* GetRuntimeClass() const override;
 
-    /// Writes the record, or reads one into it. An unknown tag or version ends the reading silently, right behind the
-    /// version, and leaves the record as it was.
-    /// @throws CArchiveException from the archive; the record is then as it was
+    /// Writes the record, or reads it. An unknown tag or version ends the reading without an error, directly after the
+    /// version, and does not change the record.
+    /// @throws CArchiveException from the archive; the record does not change then
     void Serialize(CArchive& archive) override;
 
 private:

@@ -5,8 +5,7 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// One item that was changed: its name, and its value before and after the change as text. A value class, empty at
-/// first.
+/// One changed item: its name, and its value before and after the change as text. A value class, empty at first.
 class QELLIB10_API CDiffItem {
 public:
     CDiffItem();
@@ -30,7 +29,8 @@ private:
     CString m_szAfter;
 };
 
-/// What differs between two states of a set of named values, in the order in which it was added. The list keeps copies.
+/// The differences between two states of a set of named values, in the order in which they were added. The list keeps
+/// copies.
 class QELLIB10_API CQDiffList {
 public:
     CQDiffList();
@@ -40,9 +40,9 @@ public:
 
     void AddDiffItem(CDiffItem item);
     int GetCount() const { return static_cast<int>(m_lstItem.size()); }
-    /// @param index from 0; the time it takes grows with it
-    /// @param item takes the texts of that item
-    /// @return 0, and @p item as it was, when there is no such item or @p item is null; else 1
+    /// @param index from 0; the time grows with it
+    /// @param item receives the texts of that item
+    /// @return 0, and @p item does not change, if there is no such item or @p item is null; else 1
     int GetDiffItemIndex(int index, CDiffItem* item) const;
     /// Removes all items.
     void InitParameter();

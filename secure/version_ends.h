@@ -6,17 +6,17 @@
 
 namespace qel {
 
-/// Where the versions of a cabinet end, as far as walks from the first one on have found them, so that the next walk
-/// starts near where it goes. Of very many versions only every second, fourth, ... is kept, and the last one found.
+/// The ends of a cabinet's versions, as far as walks from the first one have found them, so that the next walk starts
+/// near its destination. Of very many versions only every second, fourth, ... is kept, and the last one found.
 class VersionEnds {
 public:
-    /// A version and where it ends, from the start of the file; number 0 is the header.
+    /// A version and its end, from the start of the file; number 0 is the header.
     struct Place {
         DWORD version;
         ULONGLONG end;
     };
 
-    /// The last known place before @p version; @p start where none is.
+    /// The last known place before @p version; @p start if there is none.
     Place Before(DWORD version, ULONGLONG start) const;
     /// @param place the version after one that was known
     void Add(const Place& place);

@@ -27,7 +27,7 @@ public:
     CClassAgentConnectInterface& operator=(const CClassAgentConnectInterface&) = default;
     virtual ~CClassAgentConnectInterface();
 
-    virtual void Connect() = 0;     ///< slot 2: opens the connection; whether that worked, IsConnected tells
+    virtual void Connect() = 0;     ///< slot 2: opens the connection; IsConnected returns whether that worked
     virtual int IsConnected() = 0;  ///< slot 3
     virtual int Reserved4();
     virtual int Reserved5();
@@ -42,7 +42,7 @@ public:
     virtual int IsAutoLogon() = 0;                              ///< slot 14: a user is logged on without being asked
     virtual int SetAutoLogon(int autoLogon) = 0;                ///< slot 15
     virtual CString GetAutoLogonUserName() = 0;                 ///< slot 16
-    virtual CString GetAutoLogonPassword() = 0;                 ///< slot 17: what Logon accepts for that user
+    virtual CString GetAutoLogonPassword() = 0;                 ///< slot 17: accepted by Logon for that user
     virtual int SetAutoLogonUser(const CString& username) = 0;  ///< slot 18
     virtual int GetUserInfo(const CString& username, CUserInfo* out) = 0;  ///< slot 19
     virtual int Reserved20();

@@ -3,8 +3,8 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// One function of an application that not every user may use (a screen, a command, a setting), and the level that a
-/// user has for it. A value class; what identifiers and levels mean is the application's.
+/// One function of an application that not every user may use (a screen, a command, a setting), and a user's level for
+/// it. A value class; the application defines what identifiers and levels mean.
 class QELLIB10_API CFunctionInfo {
 public:
     CFunctionInfo() = default;
@@ -13,7 +13,7 @@ public:
     CFunctionInfo& operator=(const CFunctionInfo&) = default;
     virtual ~CFunctionInfo();
 
-    /// Identifier and level become 0, the name empty, as they are in a new object.
+    /// Resets identifier and level to 0 and the name to the empty text, as in a new object.
     void Empty();
 
     const int& GetFunctionID() const { return m_nFunctionID; }

@@ -6,11 +6,10 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/user/function_info.h"
 
-/// What one user may do: a level for each function of the application, and two privileges above all levels.
-/// A manager may do everything; so may a maker, the account of the instrument maker's service, who is always a manager
-/// as well.
+/// What one user may do: a level for each function of the application, and two privileges above all levels. A manager
+/// may do everything; so may a maker, the account of the instrument maker's service, who is always also a manager.
 ///
-/// An application derives a class that fills the table with its functions; the base makes an empty one:
+/// An application derives a class that fills the table with its functions; the base class creates an empty one:
 ///
 ///     class TitratorSecurity : public CFunctionSecurity {
 ///     public:
@@ -21,8 +20,8 @@
 ///         }
 ///     };
 ///
-/// An identifier may occur twice: operations by identifier act on the first entry that has it. Copies have a table of
-/// their own. The order of the virtual operations is fixed.
+/// An identifier may occur twice: operations by identifier act on the first entry with it. Copies have their own table.
+/// The order of the virtual operations is fixed.
 class QELLIB10_API CFunctionSecurity {
 public:
     /// No functions, no privileges, show 1.
@@ -31,16 +30,16 @@ public:
     CFunctionSecurity& operator=(const CFunctionSecurity&) = default;
     virtual ~CFunctionSecurity();
 
-    /// Makes the table that a new user of this application begins with. The base empties it, and an override calls
-    /// that before it adds its functions.
+    /// Creates the table for a new user of this application. The base class empties it; an override calls the base
+    /// before it adds its functions.
     virtual void InitializeFunctionInfo();
-    /// The instrument model that the table belongs to: in the base 0 and the empty text. Not const, like all virtual
-    /// operations here: an application's override, written without it, is then called.
+    /// The instrument model that the table belongs to: in the base class 0 and the empty text. Not const, like all
+    /// virtual operations here, so that existing overrides, which are not const, are called.
     virtual int GetMachineID();
     virtual CString GetMachineName();
-    /// Brings the privileges into agreement after one was set: in the base a maker becomes a manager.
+    /// Makes the privileges consistent after one was set: in the base class a maker becomes a manager.
     virtual void SetFunctionParameter();
-    /// Grant the privilege (not 0) or take it away, then call SetFunctionParameter. So a maker stays a manager.
+    /// Grant the privilege (not 0) or remove it, then call SetFunctionParameter. So a maker stays a manager.
     virtual void SetMakerParameter(int maker);
     virtual void SetManagerParameter(int manager);
 
@@ -56,7 +55,7 @@ public:
     /// The empty text for an unknown function.
     CString GetFunctionName(int functionID) const;
 
-    /// 1 for makers and managers, of unknown functions too. Else the function's level, -1 for an unknown one.
+    /// 1 for makers and managers, even for unknown functions. Otherwise the function's level, -1 for an unknown one.
     int GetFunctionSecurity(int functionID) const;
     /// @return 0 for an unknown function
     int SetFunctionSecurity(int functionID, int securityLevel);
@@ -64,7 +63,7 @@ public:
     int GetMakerParameter() const { return m_nMakerParameter; }
     int GetManagerParameter() const { return m_nManagerParameter; }
 
-    /// A switch for showing the table that is kept with it; the library does not read it.
+    /// A switch for showing the table; it is stored with the table, and the library does not read it.
     const int& GetShow() const { return m_nShow; }
     void SetShow(const int& show) { m_nShow = show; }
 

@@ -26,7 +26,7 @@ int CSystemSetting::SetAutoLogonUser(const CString& username) {
 }
 
 int CSystemSetting::SetLoginUserName(const char* name) {
-    // Nothing of the user before may stay, whatever the store fills in.
+    // Nothing of the former user may stay, whatever the store fills in.
     m_nLogon = 0;
     m_LogonUser = CUserInfo();
     if (name == nullptr) return 1;

@@ -5,22 +5,22 @@
 #include "qellib10/user/class_agent_connect_interface.h"
 #include "qellib10/user/user_info.h"
 
-/// Who is logged on and what that user may do, and the way to the user store, which an application supplies:
+/// Who is logged on and what that user may do, and the connection to the user store, which the application provides:
 ///
 ///     MyUserStore store;
 ///     CSystemSetting setting(&store);
 ///     if (!setting.LogonWithDialog()) return;
 ///     if (setting.GetLogonUserSecurityLevel(calibrateFunction) < 1) return;
 ///
-/// A logon that fails ends the one before. The logged-on user's account is copied from the store at the logon; what
-/// changes there later is seen from the next logon on.
+/// A failed logon ends the previous one. The logged-on user's account is copied from the store at the logon; later
+/// changes there take effect at the next logon.
 ///
-/// Questions about accounts go to the store as they are, and its answers come back. Without a connection a number is 0,
-/// a count -1 and a text empty. Null texts count as empty ones. Copies share the connection, which stays the
-/// application's. The order of the virtual operations is fixed.
+/// Calls about accounts are passed to the store, and its results returned. Without a connection a number is 0, a count
+/// -1 and a text empty. Null texts count as empty ones. Copies share the connection, which still belongs to the
+/// application. The order of the virtual operations is fixed.
 class QELLIB10_API CSystemSetting {
 public:
-    /// @param connect not owned, has to live as long as this object and its copies; may be null
+    /// @param connect not owned; must live as long as this object and its copies; may be null
     explicit CSystemSetting(CClassAgentConnectInterface* connect);
     CSystemSetting(const CSystemSetting&) = default;
     CSystemSetting& operator=(const CSystemSetting&) = default;
@@ -31,33 +31,34 @@ public:
     virtual int IsAutoLogon();
     virtual int SetAutoLogon(int autoLogon);
     virtual CString GetAutoLogonUserName();
-    /// What LogonWithoutDialog takes for that user.
+    /// The password that LogonWithoutDialog accepts for that user.
     virtual CString GetAutoLogonPassword();
     virtual int SetAutoLogonUser(const CString& username);
 
 protected:
-    /// Logs @p name on, whose account the connection gives, or with null the user off. An empty name is a name.
+    /// Logs on @p name, whose account the connection provides, or with null logs the user off. An empty name is also a
+    /// name.
     /// @return 1
     virtual int SetLoginUserName(const char* name);
 
 public:
-    /// Takes another connection; nobody is logged on then.
+    /// Sets another connection; nobody is logged on then.
     void Initialize(CClassAgentConnectInterface* connect);
     CClassAgentConnectInterface* GetConnectInterface() const { return m_pConnect; }
 
-    // Logging on connects to the store first, when that is not done yet.
+    // These connect to the store first if it is not connected yet.
 
     /// Shows the store's dialog. @return 1, or 0 when no user logged on
     int LogonWithDialog();
-    /// @return 1, or 0 when the store refuses
+    /// @return 1, or 0 if the store refuses
     int LogonWithoutDialog(const CString& username, const CString& password);
     /// 1 or 0.
     int IsLogon() const;
     void Logoff();
 
-    // The logged-on user's rights; -1 when nobody is logged on.
+    // The logged-on user's rights; -1 if nobody is logged on.
 
-    /// As CFunctionSecurity::GetFunctionSecurity.
+    /// Like CFunctionSecurity::GetFunctionSecurity.
     int GetLogonUserSecurityLevel(int functionID) const;
     int GetLogonUserManagerFlag() const;
     int GetLogonUserMakerFlag() const;
@@ -73,9 +74,9 @@ public:
     int AddUserInfo(const CUserInfo& user);
     int DeleteUserInfo(const CString& username);
 
-    /// The settings file that all applications of a machine share: `sysinfo.ini` in the folder that the value
-    /// "SystemFolder" of HKEY_LOCAL_MACHINE\\Software\\BRANTEL LABWORKS\\Common names; without one in the folder of the
-    /// running program.
+    /// The settings file that all applications of a machine share: `sysinfo.ini` in the folder named by the value
+    /// "SystemFolder" of HKEY_LOCAL_MACHINE\\Software\\BRANTEL LABWORKS\\Common; without that value in the folder of
+    /// the running program.
     static CString GetQELSystemIniPath();
 
 private:

@@ -4,16 +4,16 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/user/function_security.h"
 
-/// A user's account, as the user store gives it and takes it back. A value class; copies have a table of their own.
+/// A user's account, as exchanged with the user store. A value class; copies have their own table.
 class QELLIB10_API CUserInfo {
 public:
-    /// User ID 0, texts empty, security as a new CFunctionSecurity.
+    /// User ID 0, texts empty, security like a new CFunctionSecurity.
     CUserInfo() = default;
     CUserInfo(const CUserInfo&) = default;
     CUserInfo& operator=(const CUserInfo&) = default;
     virtual ~CUserInfo();
 
-    /// Empties the texts and initialises the security. Kept: the user ID stays.
+    /// Empties the texts and initialises the security. Kept: the user ID does not change.
     void Initialize();
 
     const int& GetUserID() const { return m_nUserID; }
@@ -27,7 +27,7 @@ public:
     const CString& GetUserFullname() const { return m_szUserFullname; }
     void SetUserFullname(const CString& userFullname) { m_szUserFullname = userFullname; }
 
-    /// The plain password, as far as the user store gives or takes one; nothing is hashed or compared here.
+    /// The plain password, as exchanged with the user store; nothing is hashed or compared here.
     const CString& GetPassword() const { return m_szPassword; }
     void SetPassword(const CString& password) { m_szPassword = password; }
 
@@ -35,12 +35,12 @@ public:
     const CFunctionSecurity& GetSecurity() const { return m_Security; }
     void SetSecurity(const CFunctionSecurity& security) { m_Security = security; }
 
-    /// As the security answers them.
+    /// As returned by the security.
     int GetFunctionSecurity(int functionID) const { return m_Security.GetFunctionSecurity(functionID); }
     int SetFunctionSecurity(int functionID, int securityLevel);
     int GetMakerFlag() const { return m_Security.GetMakerParameter(); }
     int GetManagerFlag() const { return m_Security.GetManagerParameter(); }
-    /// As its SetMakerParameter and SetManagerParameter: a maker is always a manager.
+    /// Like its SetMakerParameter and SetManagerParameter: a maker is always a manager.
     void SetMakerFlag(int maker);
     void SetManagerFlag(int manager);
 

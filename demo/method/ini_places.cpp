@@ -5,7 +5,7 @@
 namespace titration {
 namespace {
 
-constexpr std::string_view kBlanks = "\t\v\f\r \x1A";  // as the library's settings have them
+constexpr std::string_view kBlanks = "\t\v\f\r \x1A";  // those of the library's settings
 
 }  // namespace
 

@@ -7,17 +7,17 @@
 
 namespace titration {
 
-/// Where something is in an INI file, which the library's settings do not report.
+/// The place of something in an INI file, which the library's settings do not report.
 struct IniPlace {
     std::size_t line = 0;      // counts from 1
     std::string section, key;  // no key: the line with the section's name
-    bool hasValue = false;     // an equals sign is after the key
+    bool hasValue = false;     // there is an equals sign after the key
 
     /// "line 7, [result] digits"
     std::string Text() const;
 };
 
-/// The lines of @p text that are no comments, in their order.
+/// The lines of @p text that are not comments, in order.
 std::vector<IniPlace> PlacesIn(std::string_view text);
 
 }  // namespace titration

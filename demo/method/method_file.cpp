@@ -7,7 +7,7 @@ namespace {
 
 CString Place(const char* section, const char* key) { return CCryptXMLDocumentObject::AppendNode(section, key); }
 
-// Variables go by their number: a variable's name need not be one that XML can take.
+// Variables are addressed by number: a variable's name may be invalid in XML.
 CString VariablePlace(long number, const char* part) {
     const CString item = CCryptXMLDocumentObject::AppendNodeKey("item", std::to_string(number).c_str());
     return Place(Place(kVariables, item), part);

@@ -6,7 +6,7 @@
 
 namespace titration {
 
-/// The method that results are made by, in an enciphered XML document:
+/// The method for results, in an enciphered XML document:
 ///
 ///     <method>
 ///       <curve><volume>volume_mL</volume> ...</curve>
@@ -14,19 +14,19 @@ namespace titration {
 ///       ...
 ///     </method>
 ///
-/// It is locked from construction on, and stays as it was unless Keep is called.
+/// It is locked from construction on, and does not change unless Keep is called.
 class MethodFile {
 public:
-    /// A missing file is made, without a method.
-    /// @throws Failure when the system refuses, and when the file holds something else
+    /// A missing file is created, without a method.
+    /// @throws Failure if the system refuses, and if the file contains something else
     explicit MethodFile(const std::string& path);
-    /// The method in a file, which is neither made nor locked.
+    /// The method in a file, which is neither created nor locked.
     /// @throws Failure
     static Method Read(const std::string& path);
 
-    /// Without items when there is none yet.
+    /// Without items if there is none yet.
     const Method& Kept() const { return m_kept; }
-    /// Takes @p method in place of the one that is kept, and ends the lock. Once only.
+    /// Replaces the method by @p method, and ends the lock. Only once.
     /// @throws Failure
     void Keep(const Method& method);
 

@@ -15,7 +15,7 @@ bool SameName(const std::string& a, const std::string& b) { return CString(a.c_s
 
 bool IsIn(const IniPlace& place, const char* section) { return SameName(place.section, section); }
 
-// The names that may be in a section, or of the sections for the empty text.
+// The names allowed in a section, or those of the sections for the empty text.
 std::string NamesIn(const std::string& section) {
     std::string names;
     std::string before;
@@ -43,7 +43,7 @@ void RequireKnownKey(const IniPlace& place) {
     if (!isKnown) throw Failure(place.Text() + ": has no meaning there; expected one of " + NamesIn(place.section));
 }
 
-// What is misspelt or repeated would be passed over in silence, and a result signed without its limits.
+// Misspelt or repeated names would be ignored without notice, and a result signed without its limits.
 void RequireKnownOnce(const std::vector<IniPlace>& places) {
     for (const IniPlace& place : places) {
         RequireKnownSection(place);
@@ -58,8 +58,8 @@ void RequireKnownOnce(const std::vector<IniPlace>& places) {
     }
 }
 
-// A name or value in another encoding loses bytes in the XML document that keeps the method, so that the result could
-// not be computed again from there.
+// A name or value in another encoding loses bytes in the XML document with the method, so that the result could not be
+// computed again from it.
 void RequireUtf8(const MethodItem& item, const IniPlace& place) {
     if (IsUtf8(item.text) && IsUtf8(item.key)) return;
     throw Failure(place.Text() + " = " + item.text +
@@ -72,7 +72,7 @@ Method ReadMethodIni(const std::string& path) {
     const std::string text = ReadTextFile(path);
     if (text.find('\r') != std::string::npos && text.find('\n') == std::string::npos)
         throw Failure(path + ": its lines end with CR alone; save it with LF or CR LF");
-    const CPrivateProfile ini(qel::FullPath(path));  // a name without a folder would mean the Windows folder
+    const CPrivateProfile ini(qel::FullPath(path));  // without a folder in its name it would be in the Windows folder
     return About(path, [&] {
         const std::vector<IniPlace> places = PlacesIn(text);
         RequireKnownOnce(places);

@@ -11,9 +11,9 @@ namespace titration {
 namespace {
 
 constexpr int kMaxDigits = 12;
-constexpr std::size_t kLongestName = 32;  // enough for a name in a report, and bounded for the formula
+constexpr std::size_t kLongestName = 32;  // enough for a name in a report, and limited for the formula
 
-// Blanks do not separate in a formula, and a name that begins like a number would be read as one.
+// Blanks do not separate in a formula, and a name that starts like a number would be read as one.
 std::string Name(const std::string& name) {
     const bool fits = !name.empty() && name.size() <= kLongestName &&
                       std::string_view("0123456789.").find(name[0]) == std::string_view::npos;
@@ -45,7 +45,7 @@ std::string Unit(const std::string& unit) {
     return std::string(text);
 }
 
-// Reads the items of a method. What is wrong with one is reported with its place.
+// Reads the items of a method. Errors are reported with the item's place.
 class Items {
 public:
     explicit Items(const Method& method) : m_method(method) {}
@@ -66,7 +66,7 @@ private:
     const Method& m_method;
 };
 
-// Formulas do not distinguish letter case.
+// Formulas ignore the case of letters.
 void RequireOtherNames(const std::vector<NamedValue>& variables, const std::string& name) {
     for (const NamedValue& variable : variables) {
         if (CString(variable.name.c_str()).CompareNoCase(name.c_str()) == 0)

@@ -22,13 +22,13 @@ struct Settings {
     std::string name;
     std::string formula;
     std::string formulaPlace;  // for messages
-    std::string unit;          // as it is written
+    std::string unit;          // as written
     int digits = 0;
     int variableDigits = -1;  // below 0: not rounded
     std::optional<double> low, high;
 };
 
-/// @throws Failure with the place of an item that has no text of its kind, or is missing
+/// @throws Failure with the place of an item that is missing or has an invalid text
 Settings ParseSettings(const Method& method);
 
 }  // namespace titration

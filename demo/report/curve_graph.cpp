@@ -18,18 +18,18 @@ constexpr int kThinLine = 10, kFrame = 15, kSlopeLine = 15, kLine = 20, kGap = 8
 constexpr int kMaxSteps = 10;
 constexpr int kCircle = 1;                // shape
 constexpr int kEndPointSizes[] = {4, 6};  // half-sizes in pixels of a screen
-constexpr std::size_t kMaxMarks = 500;    // more would be one band
+constexpr std::size_t kMaxMarks = 500;    // more would look like one band
 constexpr std::size_t kFewestPointsOfSlope = 5;
 constexpr std::size_t kMaxPoints = 10'000;  // more than a page can show
 
-enum Align { kBefore, kCentred, kAfter };  // where a text's place lies in it
+enum Align { kBefore, kCentred, kAfter };  // the position of a text in its place
 
 axes::AxisSteps StepsOver(const std::vector<double>& values) {
     const auto [low, high] = std::ranges::minmax(values);
     return axes::StepsOver(low, high, kMaxSteps);
 }
 
-// Of means, where there are more points than a page can show.
+// Of means, if there are more points than a page can show.
 Points SlopeToShow(const Points& points, const EndPoint& endPoint) {
     const std::size_t group = 1 + points.x.size() / kMaxPoints;
     if (group == 1) return SlopeOf(points, endPoint.points);

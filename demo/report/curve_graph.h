@@ -10,11 +10,11 @@
 
 namespace titration {
 
-/// A titration curve: the measured points, their slope on an axis of its own at the right, and the end point as a
-/// circle with a cross. Grid lines stand at round numbers, which are written at each.
+/// A titration curve: the measured points, their slope on a separate axis at the right, and the end point as a circle
+/// with a cross. Grid lines are at round numbers, which are written at each.
 ///
-/// All texts come before the first line, so that a print job of the graph can be drawn anywhere on a page: where the
-/// limit to the draw area is taken away in a job that was moved, it hides what follows.
+/// All texts come before the first line, so that a print job of the graph can be drawn anywhere on a page: removing the
+/// limit to the draw area in a job that was moved hides what follows.
 class CurveGraph : public CQelGraph {
 public:
     /// @param dotsPerInch of the surface that the graph will be drawn on

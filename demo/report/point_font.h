@@ -8,7 +8,7 @@ namespace titration {
 
 inline constexpr const char* kFace = "Arial";
 
-/// A font of @p tenths of a point that is selected on a surface for as long as this object lives.
+/// A font of @p tenths tenths of a point, selected on a surface as long as this object lives.
 class PointFont {
 public:
     PointFont(CDC* dc, int tenths) : m_dc(dc) {

@@ -11,7 +11,7 @@ namespace {
 
 std::string Fixed(double value, int digits) { return std::string(CQVariant::DoubleToStr(value, digits, 0)); }
 
-// All values but the result's own, which comes last.
+// All values except the result's own, which comes last.
 std::string MarkedValues(const Result& result) {
     std::string text;
     CCalcVariable variable;

@@ -8,23 +8,23 @@
 namespace titration {
 namespace {
 
-// How a text stands in its box: the low bits align it, the others are single line in the middle, and lines that break
-// anywhere.
+// Alignment of a text in its box: the low bits align it, the others mean a single line in the middle, and lines that
+// may break anywhere.
 constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10, kWrapped = 0x20 | 0x40;
 
 // Tenths of a point.
 constexpr int kHeadline = 140, kStrong = 110, kPlain = 90, kSmall = 80;
 
 // Tenths of a millimetre in the cell.
-constexpr int kRow = 46, kAbove = 5;  // where a first line of several stands as a single one would
+constexpr int kRow = 46, kAbove = 5;  // the first of several lines is where a single one would be
 constexpr int kNames = 190, kValues = 400, kTableWidth = 650, kCurveLeft = 690;
 constexpr int kTop = 100, kBottom = 690, kSignature = 790;
 constexpr int kLineWidth = 2;
-constexpr double kWrappedWidth = 1.7;  // of two lines, which end between words
+constexpr double kWrappedWidth = 1.7;  // of two lines, which break between words
 
 constexpr int kMaxVariables = 6;
 
-// What of a text fits into @p width; dots at its end tell that there is more.
+// The part of a text that fits in @p width; dots at its end mean that there is more.
 std::string Fitting(const PointFont& font, std::string text, int width) {
     if (font.SizeOf(text).cx <= width) return text;
     constexpr const char* kMore = "...";
@@ -36,7 +36,7 @@ std::string Fitting(const PointFont& font, std::string text, int width) {
     return text + kMore;
 }
 
-// Texts and lines in a cell of the page, places in tenths of a millimetre.
+// Texts and lines in a cell of the page, positions in tenths of a millimetre.
 class Layout {
 public:
     Layout(CQelPrintJobQueueData& job, CDC& printer, int width) : m_job(job), m_printer(printer), m_width(width) {
@@ -174,7 +174,7 @@ CQelPrintJobQueueData MakeReportJob(const Titration& titration, DWORD version, c
                     "version " + std::to_string(version) + ", " + Date(record.GetRenewDateTime()));
     AddTable(layout, titration);
     layout.Signature(std::string(record.GetOperator()), std::string(record.GetComment()));
-    // The curve comes last: where its limits are taken away in a cell other than the first, they hide what follows.
+    // The curve comes last: removing its limits in a cell other than the first hides what follows.
     AddCurve(job, titration, {kCurveLeft, kTop, width, kBottom}, printer.Context(), picture);
     return job;
 }

@@ -13,9 +13,9 @@ namespace titration {
 std::string Headline(const Result& result);
 
 /// Lays a report out as a print job, one cell of the printer's paper: headline, curve, table, operator and a line to
-/// sign on. The curve alone is also saved as a picture, from the same drawing.
+/// sign on. The curve is also saved as a picture, from the same drawing.
 /// @param version of the result, with the @p record of its registration
-/// @throws Failure when the picture cannot be saved
+/// @throws Failure if the picture cannot be saved
 CQelPrintJobQueueData MakeReportJob(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                                     ReportPrinter& printer, const std::string& picture);
 

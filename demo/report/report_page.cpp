@@ -27,7 +27,7 @@ ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDat
     qel::PdfInfo info;
     info.created = made;
     m_document.SetPdfInfo(info);
-    // A job file has the form's code alone; the size of the paper comes with a context of the printer.
+    // A job file has only the form's code; the paper size comes with a context of the printer.
     const std::string name = PrinterName();
     if (!m_printer.Attach(m_document.GetPageStyle().GetPrinterDC()))
         throw Failure("there is no printer \"" + name + "\"");

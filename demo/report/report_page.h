@@ -15,16 +15,16 @@ std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last
 /// Reports, three to a page, on the printer that they were laid out for.
 class ReportPages {
 public:
-    /// @param made what a PDF has as its date, so that the same reports are the same bytes whenever they are printed
-    /// @throws Failure when a job file cannot be read, when one is for another printer, and when that is not there
+    /// @param made the date of a PDF, so that the same reports give the same bytes whenever they are printed
+    /// @throws Failure if a job file cannot be read, if one is for another printer, and if the printer does not exist
     ReportPages(const std::vector<std::string>& jobPaths, const COleDateTime& made);
 
     int Count() const;
     std::string PrinterName() const { return std::string(m_document.GetPageStyle().GetPrinterDevice()); }
-    /// Draws page @p number, counted from 1, as a picture of half as much again as its real size on a screen.
+    /// Draws page @p number, counted from 1, as a picture of one and a half times its real size on a screen.
     /// @throws Failure
     void SavePreview(int number, const std::string& path);
-    /// @throws Failure when the printer does not take the document
+    /// @throws Failure if the printer does not accept the document
     void Print();
 
 private:

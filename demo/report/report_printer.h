@@ -8,11 +8,11 @@ namespace titration {
 
 inline constexpr int kReportsPerPage = 3;
 
-/// The paper that reports are laid out for, A4 with three of them one below the other, and the printer that it is in.
+/// The paper for reports, A4 with three of them one below the other, and the printer that it is in.
 class ReportPrinter {
 public:
     static bool IsThere(const std::string& name);
-    /// @throws Failure when there is no such printer
+    /// @throws Failure if there is no such printer
     explicit ReportPrinter(const std::string& name);
 
     /// With the resolution and the paper size of the printer.

@@ -8,7 +8,7 @@ namespace titration {
 
 inline constexpr const char* kPdfPrinter = "PDF";
 
-/// Reports as the printer "PDF" prints them, in a folder of their own that goes at the end of the scope.
+/// Reports as the printer "PDF" prints them, in a separate folder that is deleted at the end of the scope.
 class TemporaryPrint {
 public:
     /// @param pages for that printer
@@ -25,7 +25,7 @@ private:
         Folder(const Folder&) = delete;
         Folder& operator=(const Folder&) = delete;
 
-        std::string path;  // the system's
+        std::string path;  // in the system's form
     };
 
     const Folder m_folder;

@@ -10,7 +10,7 @@
 namespace titration {
 namespace {
 
-constexpr double kLargestResult = 1e15;  // beyond it a double has no decimal places left to round
+constexpr double kLargestResult = 1e15;  // above this, a double has no decimal places left to round to
 
 CString Text(const std::string& text) { return CString(text.c_str()); }
 
@@ -33,7 +33,7 @@ CCalcVariableList Variables(const Settings& settings, double endPointVolume) {
     return list;
 }
 
-// The check answers only yes or no. A formula with one of its names alone tells which of them is unknown.
+// The check returns only yes or no. A formula with one of its names alone is checked to find the unknown one.
 std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calculator) {
     constexpr std::string_view kOperators = "()*+-/=";
     for (std::size_t at = 0; at < formula.size();) {

@@ -10,7 +10,7 @@
 namespace titration {
 
 struct Result {
-    CCalcVariableList variables;    // all of them, the end point's volume and the rounded result included
+    CCalcVariableList variables;    // all of them, including the end point's volume and the rounded result
     std::vector<std::string> used;  // names that the formula refers to
     std::string name;
     double computed = 0;
@@ -22,9 +22,10 @@ struct Result {
 /// "ACIDITY = 49.6 g/L"
 std::string Shown(const Result& result);
 
-/// Computes the settings' formula over their variables and the end point's volume.
-/// @throws Failure when the formula is wrong, divides by zero or gives no number that can be written, and when two
-///     names differ in letter case alone or the unit is unknown
+/// Computes the settings' formula with their variables and the end point's volume.
+/// @throws Failure if the formula is wrong, divides by zero or gives no number that can be written, and if two names
+/// differ
+///     only in letter case or the unit is unknown
 Result Calculate(const Settings& settings, double endPointVolume);
 
 }  // namespace titration

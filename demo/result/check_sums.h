@@ -6,7 +6,7 @@
 
 namespace titration {
 
-/// CRC and sum of bytes, as sealed files and cabinets carry them.
+/// CRC and sum of bytes, as in sealed files and cabinets.
 struct CheckSums {
     DWORD crc = 0, sum = 0;
 
@@ -17,7 +17,7 @@ struct CheckSums {
 /// @throws Failure
 CheckSums CheckSumsOf(CQFile& file, DWORD size);
 /// Of a whole file, also while others write to it.
-/// @throws Failure when it cannot be read
+/// @throws Failure if it cannot be read
 CheckSums CheckSumsOf(const std::string& path);
 
 /// "CRC 89AB0123, sum 00004567"

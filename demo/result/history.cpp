@@ -13,7 +13,7 @@ constexpr DWORD kMaxListed = 10;
 
 }  // namespace
 
-// Nobody else has the records open for writing meanwhile, and so comes near the cabinet.
+// Meanwhile nobody else has the records open for writing, so nobody else uses the cabinet.
 History::History(const CString& folder)
     : m_cabinetPath(CQFile::BuildFilePath(folder, kCabinet)), m_recordPath(CQFile::BuildFilePath(folder, kRecords)) {
     OnFile(kRecords, [&] {
@@ -32,7 +32,7 @@ void History::OpenCabinet() {
         throw Failure(std::string(kCabinet) + ": is in use or damaged");
 }
 
-// A program that ended between registering a version and adding its record has left none for it, or a part of one.
+// A program that ended between registering a version and adding its record has left no record, or a part of one.
 void History::ReadRecords() {
     m_records = ReadRenewals(m_recordFile);
     const ULONGLONG end = m_recordFile.GetPosition();

@@ -8,11 +8,11 @@
 namespace titration {
 
 /// All results: the cabinet "results.hcf" keeps each as a version, "renewals.qel" who registered it, when and why, one
-/// record a version. One program at a time has them open; others may read.
+/// record per version. Only one program at a time has them open; others may read.
 class History {
 public:
-    /// Opens what is in @p folder; missing files are made.
-    /// @throws Failure when another program has them open, when one is damaged, and when they do not belong together
+    /// Opens the files in @p folder; missing files are created.
+    /// @throws Failure if another program has them open, if one is damaged, and if they do not belong together
     explicit History(const CString& folder);
 
     DWORD Latest() const { return m_cabinet.GetLatestVersion(); }
@@ -22,10 +22,10 @@ public:
     /// @throws Failure
     const CHistoryRenewInfo& Register(const std::string& path, const std::string& operatorName,
                                       const std::string& comment);
-    /// Writes version @p version to @p path; its folder is made.
-    /// @throws Failure when there is no such version, or it is damaged
+    /// Writes version @p version to @p path; its folder is created.
+    /// @throws Failure if there is no such version, or it is damaged
     const CHistoryRenewInfo& TakeOut(DWORD version, const std::string& path);
-    /// The cabinet's GUID, and its latest versions with their records, one a line.
+    /// The cabinet's GUID, and its latest versions with their records, one per line.
     std::string Listed(const std::string& indent) const;
 
 private:

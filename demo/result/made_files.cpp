@@ -68,7 +68,7 @@ bool IsFingerprint(std::string_view rest) {
     return TakeSum(rest) && rest.empty();
 }
 
-// As a whole: of a sum that was cut, or has more behind it, nothing may be believed.
+// As a whole: if a sum was cut, or has more after it, nothing can be trusted.
 bool IsLine(std::string_view line, bool isFile) {
     const std::size_t equals = line.find('=');
     if (equals == 0 || equals == std::string_view::npos) return false;
@@ -127,7 +127,7 @@ void MadeFiles::Add(const std::string& name, const std::string& fingerprint) {
     Set(name, Described(name).c_str(), fingerprint.empty() ? nullptr : fingerprint.c_str());
 }
 
-// What another run writes down between our reading and our writing would be lost, so it is read again.
+// Changes that another run writes between our reading and our writing would be lost, so it is read again.
 void MadeFiles::Keep(const std::string& name) {
     std::string kept;
     while (CQFile::IsExist(Path(name).c_str()) != 0) {

@@ -19,18 +19,18 @@ class MadeFiles {
 public:
     explicit MadeFiles(const CString& folder);
 
-    /// @param name of a file, or with one slash of a file in a folder below
+    /// @param name of a file, or with one slash of a file in a subfolder
     std::string Path(const std::string& name) const;
-    /// Writes down what the file is like now.
+    /// Records the file's current state.
     /// @throws Failure
     void Add(const std::string& name, const std::string& fingerprint = "");
-    /// The same for one that runs of the program at the same time change as well; nothing when it is not there.
+    /// The same for a file that other runs of the program change at the same time; does nothing if it does not exist.
     /// @throws Failure
     void Keep(const std::string& name);
-    /// Deletes files that match a pattern, and what was written down of them.
+    /// Deletes the files that match a pattern, and their records.
     /// @throws Failure
     void Remove(const std::string& pattern);
-    /// @throws Failure when the file is not there, and when it is not as it was written down
+    /// @throws Failure if the file does not exist, and if it is not as recorded
     void RequireAsMade(const std::string& name) const;
     /// The same for a file that may have grown since.
     /// @throws Failure
@@ -40,17 +40,16 @@ public:
         return std::string(m_sums.Get(kFingerprints, name.c_str(), ""));
     }
 
-    /// Those that are there, in the order of their names; a pattern may name folders below, as
-    /// `version-*/variables.qel`.
+    /// The existing files, sorted by name; a pattern may name subfolders, for example `version-*/variables.qel`.
     /// @throws Failure
     std::vector<std::string> Matching(const std::string& pattern) const;
-    /// Those that are written down, there or not.
-    /// @throws Failure when that cannot be read, or has a line that is not one of the above
+    /// The recorded files, existing or not.
+    /// @throws Failure if the record cannot be read, or has a line that is not one of the above
     std::vector<std::string> WrittenDown() const;
-    /// Those that are there and of a kind that is made.
+    /// The existing files of the kinds that are made.
     /// @throws Failure
     std::vector<std::string> Found() const;
-    /// Each with its size and what it is, one a line.
+    /// Each with its size and a description, one per line.
     std::string Listed() const;
 
 private:

@@ -3,7 +3,7 @@
 namespace titration {
 namespace {
 
-// @return false at a record that is not whole
+// @return false at an incomplete record
 bool ReadRecord(CQFile& file, CHistoryRenewInfo& record) {
     try {
         CArchive archive(&file, CArchive::load);

@@ -7,8 +7,8 @@
 
 namespace titration {
 
-/// Reads records up to the end of @p file or the first one that is not whole; the file's position is behind the last
-/// whole one then.
+/// Reads records up to the end of @p file or the first incomplete one; the file's position is then after the last
+/// complete one.
 /// @throws CFileException
 std::vector<CHistoryRenewInfo> ReadRenewals(CQFile& file);
 

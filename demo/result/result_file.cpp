@@ -14,7 +14,7 @@ void Serialize(CCalcVariableList& list, CQFile& file, UINT archiveMode) {
     archive.Close();
 }
 
-// The seal of an older result; an empty one when there is none that fits.
+// The seal of an older result; an empty one if there is none that passes.
 CCheckDatafile OldSeal(const std::string& path) {
     CCheckDatafile seal;
     CQFile file;

@@ -8,7 +8,7 @@
 namespace titration {
 
 RunLog::RunLog(const CString& folder) : m_path(CQFile::BuildFilePath(folder, "titration.log")) {
-    // Said at once: each message would wait for the file for seconds.
+    // Reported at once: each message would wait for the file for seconds.
     m_begin = OnFile(m_path, [&] {
         return CFile(m_path.c_str(),
                      CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite | CFile::shareDenyNone)

@@ -10,10 +10,10 @@ namespace titration {
 class RunLog {
 public:
     /// From now on Log writes there.
-    /// @throws Failure when it cannot be written to
+    /// @throws Failure if it cannot be written to
     explicit RunLog(const CString& folder);
 
-    /// Its lines since this run began, each behind @p indent; those of programs that run at the same time as well.
+    /// Its lines since this run started, each after @p indent; including those of programs that run at the same time.
     std::string NewLines(const std::string& indent) const;
 
 private:
@@ -21,11 +21,11 @@ private:
     ULONGLONG m_begin = 0;
 };
 
-/// What is logged of a result and of reports, each with more behind it.
+/// The starts of the log lines about a result and about reports.
 namespace stage {
 inline constexpr const char* kMethod = "method ";
 inline constexpr const char* kCurve = "curve ";
-inline constexpr const char* kTable = "table ";  // of the curve's file, where one was chosen
+inline constexpr const char* kTable = "table ";  // of the curve's file, if one was chosen
 inline constexpr const char* kResult = "result ";
 inline constexpr const char* kRegistered = "registered variables.qel as version ";
 inline constexpr const char* kTookOut = "took out ";  // a file of the output folder

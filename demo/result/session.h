@@ -7,17 +7,17 @@
 
 namespace titration {
 
-/// What an operator may do or not. Managers may do all.
+/// What an operator may do or not. Managers may do everything.
 enum Function : int { kChangeMethod = 1 };
 
 /// A user who is logged on.
 class Session {
 public:
-    /// Logs on. In a new store the user is made its administrator.
-    /// @throws Failure when the store refuses
+    /// Logs on. In a new store the user becomes its administrator.
+    /// @throws Failure if the store refuses
     Session(const std::string& store, const std::string& username, const std::string& password);
 
-    /// The name as the store has it.
+    /// The name in the store.
     std::string Operator() { return std::string(m_store.GetLogonUsername()); }
     bool IsFirst() const { return m_isFirst; }
     bool IsManager() const { return m_setting.GetLogonUserManagerFlag() == 1; }

@@ -9,7 +9,7 @@
 
 namespace titration {
 
-/// What was measured and what came out of it.
+/// What was measured, and its result.
 struct Titration {
     std::string settingsFile;
     Settings settings;
@@ -22,7 +22,7 @@ struct Titration {
 /// The result of a measured curve, given as the text of its file, by a method. The names of both are for messages and
 /// the report.
 /// @param table which table of the file it is, 0: the only one
-/// @throws Failure when one of them cannot give a result
+/// @throws Failure if one of them cannot give a result
 Titration EvaluateTitration(const std::string& methodName, const Method& method, const std::string& dataName,
                             const std::string& data, int table = 0);
 

@@ -13,7 +13,7 @@ public:
     explicit Failure(const std::string& text) : std::runtime_error(Printable(text)) {}
 };
 
-/// Lets @p step fail with the name of the file that it is about.
+/// Runs @p step; a failure gets the name of the file.
 template <class Step> auto About(const std::string& file, Step step) {
     try {
         return step();

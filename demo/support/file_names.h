@@ -6,12 +6,12 @@
 
 namespace titration {
 
-// Files that there is one of for each version, or for each page of what was printed last.
+// Files that exist once for each version, or for each page of what was printed last.
 
 inline std::string MethodName(DWORD version) { return "method-" + std::to_string(version) + ".xml"; }
 inline std::string CurveName(DWORD version) { return "curve-" + std::to_string(version) + ".csv"; }
 inline std::string JobName(DWORD version) { return "report-" + std::to_string(version) + ".job"; }
-// In a folder of its own, because its seal holds the name that it was sealed under.
+// In a separate folder, because its seal contains the name that it was sealed under.
 inline std::string TakenOutName(DWORD version) { return "version-" + std::to_string(version) + "/variables.qel"; }
 inline std::string PageName(int page) { return "page-" + std::to_string(page) + ".png"; }
 

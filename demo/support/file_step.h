@@ -10,7 +10,7 @@
 
 namespace titration {
 
-/// What @p step gives. What the file does not permit becomes the one line that the user sees.
+/// Returns what @p step returns. An error with the file becomes the one line that the user sees.
 template <class Step> auto OnFile(const std::string& path, Step step) {
     try {
         return step();
@@ -27,7 +27,7 @@ inline void Open(CFile& file, const std::string& path, UINT mode) {
     if (file.Open(path.c_str(), mode, &error) == 0) throw CFileException(error);
 }
 
-/// Whoever writes may go on. The log is another run's alone for as long as that writes a line, so this waits up to a
+/// Others may continue writing. Another run has the log exclusively while it writes a line, so this waits up to a
 /// second.
 /// @throws CFileException
 inline void OpenForReading(CFile& file, const std::string& path) {

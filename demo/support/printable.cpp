@@ -7,7 +7,7 @@ namespace {
 
 constexpr bool IsFollower(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
-// Bytes of the character that @p text begins with; 0 when none does.
+// Bytes of the character at the start of @p text; 0 if there is none.
 std::size_t CharacterSize(std::string_view text) {
     const auto first = static_cast<unsigned char>(text[0]);
     if (first < 0x80) return 1;

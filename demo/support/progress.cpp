@@ -31,7 +31,7 @@ void Progress::Show(std::chrono::milliseconds after) {
     Write("\r\x1B[K");
 }
 
-// A terminal that is gone ends the line, not the run.
+// If the terminal is gone, the line ends, not the run.
 void Progress::Write(const std::string& text) const {
     static_cast<void>(::write(m_descriptor, text.data(), text.size()) == 0);
 }

@@ -10,8 +10,8 @@
 
 namespace titration {
 
-/// A line on a terminal for a run that takes long: what is done and for how many seconds, once a second. The line goes
-/// at the end of the scope. Where the descriptor is no terminal, and before @p after, nothing is written.
+/// A line on a terminal for a long run: what is being done and for how many seconds, once a second. The line is removed
+/// at the end of the scope. Nothing is written if the descriptor is not a terminal, and before @p after.
 class Progress {
 public:
     explicit Progress(std::string what, int descriptor = STDERR_FILENO,

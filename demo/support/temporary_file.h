@@ -8,7 +8,7 @@
 
 namespace titration {
 
-/// A new file in the folder for temporary files, which goes at the end of the scope.
+/// A new file in the folder for temporary files, deleted at the end of the scope.
 class TemporaryFile {
 public:
     TemporaryFile() : m_path(CQFile::GetTempFilePath("ttr")) {

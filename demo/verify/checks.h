@@ -11,8 +11,8 @@ namespace titration {
 /// Runs checks and shows each as one line: "ok" with what was found, or "FAILED" with what is wrong.
 class Checks {
 public:
-    /// @param what a file's name, for a check that is about one
-    /// @param check gives what it found, or throws Failure
+    /// @param what a file's name, if the check is about one
+    /// @param check returns what it found, or throws Failure
     template <class Check> void Run(const std::string& what, Check check) {
         ++m_count;
         m_done.insert(what);
@@ -29,7 +29,7 @@ public:
     int Failed() const { return m_failed; }
 
 private:
-    // What reads a file names it with its folder.
+    // Readers of a file put its name and folder into the message.
     static std::string WithoutName(std::string message, const std::string& name) {
         const std::size_t at = message.find(name);
         return at == std::string::npos ? message : message.substr(at + name.size());

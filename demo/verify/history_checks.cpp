@@ -31,7 +31,7 @@ std::string KeptHistory::CheckCabinet() const {
            Counted(m_cabinet.GetLatestVersion(), "version");
 }
 
-// Reading versions never comes there: a registration that was cut short leaves some.
+// Versions are never read from there: an interrupted registration leaves such bytes.
 ULONGLONG KeptHistory::BytesAfterLastVersion() const {
     const std::string path = m_made.Path("results.hcf");
     return OnFile(path, [&] {

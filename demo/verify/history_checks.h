@@ -9,22 +9,21 @@
 
 namespace titration {
 
-/// What is kept of all results, opened for reading alone. Checks give what they found, and throw Failure when something
-/// is wrong.
+/// The kept results, opened only for reading. Checks return what they found, and throw Failure if something is wrong.
 class KeptHistory {
 public:
     explicit KeptHistory(const MadeFiles& made);
 
-    /// As many as the cabinet or the records know, whichever are more.
+    /// The number in the cabinet or in the records, whichever is larger.
     DWORD Versions() const;
     const std::vector<CHistoryRenewInfo>& Records() const { return m_records; }
-    /// @throws Failure when there is none
+    /// @throws Failure if there is none
     const CHistoryRenewInfo& Record(DWORD version) const;
 
     std::string CheckCabinet() const;
     std::string CheckRecords() const;
-    /// The values that a version holds.
-    /// @throws Failure when it is damaged or not there
+    /// The values of a version.
+    /// @throws Failure if it is damaged or missing
     CCalcVariableList Variables(DWORD version) const;
     /// @throws Failure unless the file has the bytes of a version
     void RequireVersionIn(const std::string& name, DWORD version) const;

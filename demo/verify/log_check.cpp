@@ -21,8 +21,8 @@ bool HasTime(std::string_view line) {
     return line.size() >= kMessageAt && line.front() == '[' && line.substr(kTimeAt + kTimeSize, 2) == "],";
 }
 
-// Goes with the runs from stage to stage. Only one at a time has the method and the history; between its lines others
-// log that they were refused.
+// Follows the runs from stage to stage. Only one at a time has the method and the history; between its lines others log
+// that they were refused.
 class Runs {
 public:
     explicit Runs(LogFacts& facts) : m_facts(facts) {}
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    // Right after the curve that it is in.
+    // Directly after the curve that it belongs to.
     void TakeTable(std::string_view number) {
         const int table = ParseWholeNumber(number).value_or(0);
         Require(m_next == 2 && table > 0, "without a curve before it");

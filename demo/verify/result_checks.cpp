@@ -12,7 +12,7 @@
 namespace titration {
 namespace {
 
-// What has no room ends with dots.
+// Text that did not fit ends with dots.
 bool IsShownAs(const std::string& text, std::string shown) {
     if (!shown.ends_with("...")) return shown == text;
     shown.resize(shown.size() - 3);

@@ -9,19 +9,19 @@
 
 namespace titration {
 
-// Each gives what it found, and throws Failure when something is wrong.
+// Each returns what it found, and throws Failure if something is wrong.
 
 std::string CheckMethod(const MadeFiles& made, const std::string& name);
 std::string CheckVariables(const MadeFiles& made);
 std::string CheckTable(const MadeFiles& made, const Result& result);
 
-/// Computes a version once more, from the method and the measured curve that were kept for it.
+/// Computes a version again, from the method and the measured curve that were kept for it.
 /// @throws Failure unless that gives the values in the cabinet, and the result in the log
 Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log);
 
-/// @return what the report on a version has above all, which is @p result
+/// @return the headline of the report on a version, which shows @p result
 std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result);
-/// The printer that the report on a version was laid out for; the empty text when its job cannot be read.
+/// The printer that the report on a version was laid out for; empty if its job cannot be read.
 std::string PrinterOf(const MadeFiles& made, DWORD version);
 /// Makes the job and the picture of a report again.
 /// @throws Failure

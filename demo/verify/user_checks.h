@@ -9,7 +9,7 @@
 
 namespace titration {
 
-/// The user store is whole and as the last run left it, and whoever registered a version is one of its users.
+/// The user store is intact and as the last run left it, and everybody who registered a version is one of its users.
 /// @return what was found
 /// @throws Failure
 std::string CheckUsers(const MadeFiles& made, const std::vector<CHistoryRenewInfo>& records);

@@ -4,9 +4,9 @@
 
 namespace titration {
 
-/// Checks the files in the output folder again, from nothing but themselves, and writes none of them. Each check is
-/// shown as a line, behind them their number.
-/// @return false when one failed
+/// Checks the files in the output folder again, from the files alone, and writes none of them. Each check is shown as a
+/// line, followed by their number.
+/// @return false if one failed
 bool Verify(const CString& folder);
 
 }  // namespace titration

@@ -30,7 +30,7 @@ Printing PrintCurve(const LiveCurve& curve) {
 
     CRect place(0, kHeadline, size.cx, std::min<LONG>(size.cy, kHeadline + kMaxHeight));
     page.ConvertMillimetreToPixel(place);
-    LiveCurve onPaper = curve;  // the one on the screen stays as it is
+    LiveCurve onPaper = curve;  // the one on the screen does not change
     onPaper.SetResolution(page.GetDpi());
     onPaper.GetPrintJob(&job, place, nullptr);
 

@@ -7,14 +7,13 @@
 
 namespace viewer {
 
-/// Stands in for the instrument: a detector behind a column, read through a 24-bit converter. Each minute the same
-/// peaks pass by, on a baseline that drifts, with noise. It is the same after each start, so that pictures can be
-/// compared.
+/// Simulates the instrument: a detector after a column, read through a 24-bit converter. Each minute the same peaks
+/// pass by, on a baseline that drifts, with noise. It is the same after each start, so that pictures can be compared.
 class Detector {
 public:
     static constexpr int kCodesPerSecond = 50;
 
-    /// What the converter sends next, from -2^23 to 2^23 - 1.
+    /// The next value from the converter, from -2^23 to 2^23 - 1.
     std::int32_t NextCode();
     /// The same as a point: seconds since the start, and mV.
     CGraphData NextPoint();

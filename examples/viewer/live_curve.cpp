@@ -18,7 +18,7 @@ constexpr int kTimeSteps = 10, kMaxSteps = 10;
 
 axes::AxisSteps TimeSteps(double last, bool isAll) {
     if (isAll && last > kMinute) return axes::StepsOver(0, last, kMaxSteps);
-    // A whole step is passed at once, so the grid lines keep their places.
+    // The axis moves by a whole step at once, so the grid lines keep their places.
     axes::AxisSteps steps{kMinute / kTimeSteps, 0, kTimeSteps};
     steps.first = std::max(0.0, std::ceil(last / steps.step) - kTimeSteps);
     return steps;

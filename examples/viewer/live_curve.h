@@ -15,14 +15,14 @@ public:
 
     /// Texts, lines and margins as large as on a screen, for a surface of this resolution.
     void SetResolution(int dotsPerInch);
-    /// Shows all points, in which case the axis of the time grows, or the last minute, in which case it moves on.
+    /// Shows all points (the time axis grows), or the last minute (it moves).
     void ShowAll(bool isAll) { m_isAll = isAll; }
     /// Adds a point that was measured later than those before.
     void Add(const CGraphData& point) { AddData(0, point.GetXData(), point.GetYData()); }
-    /// Lets the axes take in what is to be shown. To be called before drawing, after points were added.
+    /// Extends the axes to what is to be shown. Call it after adding points, before drawing.
     void FitAxes();
 
-    /// The point whose time is the nearest to a place in the drawing as it was drawn last.
+    /// The point whose time is nearest to a position in the last drawing.
     /// @return nothing outside the draw area and without points
     std::optional<CGraphData> Nearest(const CPoint& place) const;
     /// The point whose time is the nearest. @return nothing without points

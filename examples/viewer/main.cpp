@@ -1,5 +1,5 @@
-// A curve that grows while it is looked at: a detector is read in a thread of its own, the window takes the points
-// several times a second, the axes follow, a cross follows the mouse along the curve, and what is shown can be printed.
+// A curve that grows while it is shown: a thread reads a detector, the window takes the points several times a second,
+// the axes follow, a cross follows the mouse along the curve, and the curve can be printed.
 
 #include <cstdio>
 
@@ -10,7 +10,7 @@
 #include "viewer_window.h"
 
 int main(int argc, char** argv) {
-    qel::SetCodePage(qel::kCodePageUtf8);  // as GTK's texts are
+    qel::SetCodePage(qel::kCodePageUtf8);  // like GTK's texts
     const bool isOnScreen = gtk_init_check(&argc, &argv) != FALSE && qel::UseGtkDialogs();
     const auto options = viewer::ParseOptions(argc, argv);
     if (!options) {

@@ -18,7 +18,7 @@ Sampler::Sampler(Read read, int perSecond) : m_read(std::move(read)) {
             if (control.IsPause() == 0) ReadOne();
         }
     });
-    isKnown.get_future().wait();  // a thread that has no record yet would not be told to stop
+    isKnown.get_future().wait();  // a thread without a record would not be asked to stop
 }
 
 Sampler::~Sampler() {

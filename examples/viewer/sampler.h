@@ -9,15 +9,15 @@
 
 namespace viewer {
 
-/// Reads points in a thread of its own, so that a window that is busy, or a menu that stands open, loses none. Points
-/// wait here until the thread of the window takes them.
+/// Reads points in a separate thread, so that no point is lost while a window is busy or a menu is open. Points wait
+/// here until the thread of the window takes them.
 class Sampler {
 public:
     using Read = std::function<CGraphData()>;
 
-    /// Begins at once. @param read gives the next point; called by the thread alone, @p perSecond times a second
+    /// Starts at once. @param read returns the next point; called only by the thread, @p perSecond times per second
     Sampler(Read read, int perSecond);
-    /// Waits for the thread to end, which takes no longer than reading a point.
+    /// Waits until the thread ends, which takes no longer than reading a point.
     ~Sampler();
     Sampler(const Sampler&) = delete;
     Sampler& operator=(const Sampler&) = delete;
@@ -28,7 +28,7 @@ public:
     std::vector<CGraphData> Take();
 
 private:
-    static constexpr DWORD kType = 1;  // of our threads; an application has a number for each of its kinds
+    static constexpr DWORD kType = 1;  // our threads; an application has a number for each kind
 
     void ReadOne();
 

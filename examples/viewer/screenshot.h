@@ -6,7 +6,7 @@
 
 namespace viewer {
 
-/// Lets the main loop run until @p window is on the screen, then writes it to @p path as PNG.
+/// Runs the main loop until @p window is on the screen, then writes it to @p path as PNG.
 /// @return whether the file was written
 bool SaveScreenshot(GtkWidget* window, const std::string& path);
 

@@ -6,11 +6,11 @@ namespace viewer {
 namespace {
 
 constexpr int kWidth = 900, kHeight = 520;
-constexpr guint kEvery = 40;  // ms between looks for new points
+constexpr guint kEvery = 40;  // ms between checks for new points
 
 }  // namespace
 
-// What the widgets tell.
+// The widgets' signals.
 struct ViewerWindow::Signals {
     static ViewerWindow& Of(gpointer window) { return *static_cast<ViewerWindow*>(window); }
 
@@ -101,7 +101,7 @@ void ViewerWindow::TakePoints() {
     FitAndRedraw();
 }
 
-// A redraw reads each point once, in some nanoseconds, so a curve of millions is drawn anew each time.
+// A redraw reads each point once, in some nanoseconds, so even a curve of millions is drawn again each time.
 void ViewerWindow::FitAndRedraw() {
     m_curve.FitAxes();
     m_view.Redraw();
@@ -119,13 +119,13 @@ void ViewerWindow::SetCross(std::optional<CGraphData> cross) {
         m_cross = cross;
         InvertCross(dc);
     });
-    m_cross = cross;  // also when the view is drawn as a whole
+    m_cross = cross;  // also when the whole view is drawn
     CString text;
     if (cross) text.Format("%.2f s     %.2f mV", cross->GetXData(), cross->GetYData());
     gtk_label_set_text(GTK_LABEL(m_pValues), text);
 }
 
-// Drawn twice it is gone.
+// Drawn twice, it disappears.
 void ViewerWindow::InvertCross(CDC& dc) {
     if (m_cross) m_curve.DrawCrossPoint(&dc, 0, m_cross->GetXData(), m_cross->GetYData());
 }

@@ -12,8 +12,8 @@
 
 namespace viewer {
 
-/// A window with the curve, a cross that follows the mouse along it, and what can be done with it. All in GTK's thread;
-/// the points come from one of their own.
+/// A window with the curve, a cross that follows the mouse along it, and its commands. Everything runs in GTK's thread;
+/// the points come from a thread of their own.
 class ViewerWindow {
 public:
     explicit ViewerWindow(const Options& options);
@@ -41,7 +41,7 @@ private:
     Detector m_detector;
     LiveCurve m_curve;
     std::optional<CPoint> m_mouse;      // where it is in the view
-    std::optional<CGraphData> m_cross;  // the point that it stands on
+    std::optional<CGraphData> m_cross;  // the point that it is on
     qel::DrawingView m_view;
     GtkWidget* m_pWindow;
     GtkWidget* m_pValues;

@@ -34,7 +34,7 @@ CArchive::~CArchive() noexcept(false) {
     }
     try {
         Close();
-    } catch (const CFileException&) {  // the exception under way already tells that the archive is not whole
+    } catch (const CFileException&) {  // the current exception already says that the archive is not complete
     }
 }
 
@@ -122,7 +122,7 @@ void CArchive::Flush() {
 }
 
 void CArchive::Close() {
-    // Let go also when the flush throws: what is in the file is not whole then, a second try cannot mend it.
+    // Released also if the flush throws: the file is then incomplete, and a second try cannot repair it.
     struct LetGo {
         ~LetGo() { archive.Abort(); }
         CArchive& archive;
@@ -158,7 +158,7 @@ std::optional<ULONGLONG> CArchive::BytesLeft() const {
         const ULONGLONG length = m_pFile->GetLength();
         const ULONGLONG position = m_pFile->GetPosition();
         return m_nEnd - m_nAt + (length > position ? length - position : 0);
-    } catch (const CFileException&) {  // a file of the application's own that has no length
+    } catch (const CFileException&) {  // an application's own file class without a length
         return std::nullopt;
     }
 }

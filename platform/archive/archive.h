@@ -20,7 +20,7 @@
 
 namespace qel {
 
-/// What an archive keeps as its bare bytes. A value is stored in the width of its own type, nothing is converted.
+/// Types that an archive keeps as plain bytes. A value is stored in the width of its own type, without conversion.
 template <class T>
 concept ArchiveScalar = (std::integral<T> || std::floating_point<T>)&&sizeof(T) <= 8 && !std::same_as<T, wchar_t> &&
                         !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
@@ -60,39 +60,40 @@ public:
     enum Mode : UINT {
         store = 0,
         load = 1,
-        bNoFlushOnDelete = 2,  ///< the destructor leaves file and position as they are: only Close finishes
+        bNoFlushOnDelete = 2,  ///< the destructor does not touch file and position: only Close finishes
         bNoByteSwap = 4        ///< no effect
     };
 
-    /// Objects nested in objects, deeper than this, are neither stored nor loaded (genericException): each level takes
-    /// stack, and an archive of a few kilobytes could ask for all of it.
+    /// Objects nested deeper than this are neither stored nor loaded (genericException): each level needs stack, and an
+    /// archive of a few kilobytes could ask for all of it.
     static constexpr int kMaxNesting = 1000;
 
-    /// @param file open, outlives the archive; null: genericException
+    /// @param file open; must outlive the archive; null: genericException
     /// @param bufferSize bytes, at least 128
     CArchive(CFile* file, UINT mode, int bufferSize = 4096);
-    /// Closes. While an exception is under way no second one is thrown.
+    /// Closes. During another exception it throws no second one.
     ~CArchive() noexcept(false);
     CArchive(const CArchive&) = delete;
     CArchive& operator=(const CArchive&) = delete;
 
     bool IsLoading() const noexcept { return (m_nMode & load) != 0; }
     bool IsStoring() const noexcept { return (m_nMode & load) == 0; }
-    /// Null once the archive is closed.
+    /// Null after the archive is closed.
     CFile* GetFile() const noexcept { return m_pFile; }
 
-    /// @return bytes read, fewer than @p count only where the file ends
+    /// @return bytes read, fewer than @p count only at the end of the file
     UINT Read(void* buffer, UINT count);
     void Write(const void* buffer, UINT count);
-    /// Loading: bytes that can still be read; nothing when the file does not know its length. A size that stands in the
-    /// archive is held against it before memory is taken.
+    /// Loading: bytes that can still be read; nothing if the file does not know its length. A size read from the
+    /// archive is compared with it before memory is allocated.
     std::optional<ULONGLONG> BytesLeft() const;
 
-    /// Storing: hands buffered bytes to the file. Loading: sets the file's position to the first byte not yet consumed.
+    /// Storing: passes buffered bytes to the file. Loading: sets the file's position to the first byte not yet
+    /// consumed.
     void Flush();
-    /// Flush, then the archive lets go of the file, which stays open. When the flush fails too. Twice does nothing.
+    /// Flushes and releases the file, which stays open, also if the flush fails. A second call does nothing.
     void Close();
-    /// Lets go of the file; buffered bytes are lost.
+    /// Releases the file; buffered bytes are lost.
     void Abort() noexcept;
 
     template <qel::ArchiveScalar T> CArchive& operator<<(T value) {
@@ -105,7 +106,7 @@ public:
         return *this;
     }
 
-    // A scalar or text that ends too early (endOfFile) leaves its target as it was.
+    // If a scalar or text ends too early (endOfFile), the target does not change.
     template <qel::ArchiveScalar T> CArchive& operator>>(T& value) {
         std::conditional_t<std::same_as<T, bool>, BYTE, T> stored;
         ReadNumber(&stored, sizeof stored);
@@ -117,7 +118,7 @@ public:
         return *this;
     }
     CArchive& operator>>(CString& text);
-    /// T declares a GetThisClass of its own.
+    /// T declares its own GetThisClass.
     template <std::derived_from<CObject> T> CArchive& operator>>(T*& object) {
         CObject* const read = ReadObject(T::GetThisClass());
         T* const wanted = dynamic_cast<T*>(read);
@@ -126,16 +127,18 @@ public:
         return *this;
     }
 
-    /// Number of items that follow. Reading one that exceeds the bytes left: endOfFile, as each takes at least one.
+    /// Number of items that follow. Reading a count above the bytes left: endOfFile, because each item needs at least
+    /// one.
     void WriteCount(DWORD count);
     DWORD ReadCount();
 
-    /// Stores a header and, the first time, the object through its Serialize. Its class is registered and can be
-    /// created, else badClass.
+    /// Stores a header and, the first time, the object through its Serialize. Its class must be registered and
+    /// creatable, else badClass.
     void WriteObject(const CObject* object);
-    /// The next object, null or one that was read before; the caller owns a new one. When its Serialize throws it is
-    /// deleted; what it holds by then is its destructor's to delete, and no later number reaches any of them.
-    /// @param wanted the object is of this class or of one derived from it, else badClass; null: any class
+    /// The next object, null, or one that was read before; a new one belongs to the caller. If its Serialize throws, it
+    /// is deleted; its destructor must delete what it holds by then, and no later number refers to any of these
+    /// objects.
+    /// @param wanted the object must be of this class or of one derived from it, else badClass; null: any class
     CObject* ReadObject(const CRuntimeClass* wanted);
 
     /// Path of the file, for messages.
@@ -172,13 +175,13 @@ private:
 
     CFile* m_pFile;
     UINT m_nMode;
-    int m_nExceptions;  // under way when the archive was made
+    int m_nExceptions;  // active when the archive was created
     std::vector<std::byte> m_buffer;
-    std::size_t m_nAt = 0;   // next byte to take or to fill
-    std::size_t m_nEnd = 0;  // loading: end of what the file gave
+    std::size_t m_nAt = 0;   // next byte to read or write
+    std::size_t m_nEnd = 0;  // loading: end of the bytes read from the file
     std::unique_ptr<ObjectTables> m_pTables;
 };
 
-/// The status as 4 bytes, then the day number as 8. Any status is taken from an archive as it stands.
+/// The status as 4 bytes, then the day number as 8. Any status read from an archive is kept.
 QELLIB10_API CArchive& operator<<(CArchive& archive, const COleDateTime& time);
 QELLIB10_API CArchive& operator>>(CArchive& archive, COleDateTime& time);

@@ -14,9 +14,9 @@ public:
         readOnly = 2,   ///< storing into an archive that loads
         endOfFile = 3,  ///< the bytes end before the value does
         writeOnly = 4,  ///< loading from an archive that stores
-        badIndex = 5,   ///< an object or class number that was not given out, or not to such a thing
+        badIndex = 5,   ///< an object or class number that was not assigned, or to something else
         badClass = 6,   ///< a class that is unknown, not the wanted one, or cannot be created
-        badSchema = 7,  ///< the class is there in another version
+        badSchema = 7,  ///< the class exists in another version
         bufferFull = 8
     };
 
@@ -28,5 +28,5 @@ public:
     const char* what() const noexcept override;
 
     int m_cause;
-    CString m_strFileName;  // path of the archive's file; empty for one in memory
+    CString m_strFileName;  // path of the archive's file; empty for a memory file
 };

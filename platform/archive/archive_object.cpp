@@ -20,10 +20,10 @@ struct CArchive::Tag {
     enum Kind { object, knownClass, newClass };
 
     Kind kind;
-    DWORD number;  // of an object, 0 for null, or of a class
+    DWORD number;  // of an object (0 for null) or of a class
 };
 
-// One level of objects within objects.
+// One level of nested objects.
 class CArchive::Nesting {
 public:
     explicit Nesting(CArchive& archive) : m_nDepth(archive.Tables().nesting) {
@@ -73,7 +73,7 @@ void CArchive::WriteObject(const CObject* object) {
     WriteClass(object->GetRuntimeClass());
     if (stored.size() >= kMaxNumber) Throw(CArchiveException::badIndex);
     stored.emplace(object, static_cast<DWORD>(stored.size() + 1));
-    // Serialize is one operation for both directions; storing leaves the object as it is.
+    // Serialize is one operation for both directions; storing does not change the object.
     const_cast<CObject*>(object)->Serialize(*this);
 }
 
@@ -82,7 +82,7 @@ void CArchive::WriteClass(const CRuntimeClass* theClass) {
     if (const auto known = stored.find(theClass); known != stored.end())
         return WriteTag({Tag::knownClass, known->second});
     const std::string_view name = theClass->m_lpszClassName;
-    // What could not be read again is not written.
+    // Do not write what could not be read again.
     if (CRuntimeClass::FromName(name) != theClass || theClass->m_pfnCreateObject == nullptr ||
         name.size() >= kClassNameLimit)
         Throw(CArchiveException::badClass);
@@ -132,7 +132,7 @@ CObject* CArchive::ReadNewObject(const CRuntimeClass* theClass) {
     if (number > kMaxNumber) Throw(CArchiveException::badIndex);
 
     std::unique_ptr<CObject> object(theClass->CreateObject());
-    // On failure the object goes, and with it perhaps those that it has read: no number may lead to them any more.
+    // On failure the object is deleted, and perhaps those that it has read: no number may refer to them any more.
     struct GiveUp {
         ~GiveUp() {
             for (std::size_t i = first; i < entries.size(); ++i) entries[i].object = nullptr;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// First value that a form of the length cannot express, which therefore announces the next form.
+// First value that a form of the length cannot express; it announces the next form.
 constexpr BYTE kLongerThanByte = 0xFF;
 constexpr WORD kLongerThanWord = 0xFFFF;
 constexpr DWORD kLongerThanDword = 0xFFFFFFFF;
@@ -67,7 +67,7 @@ std::string CArchive::ReadBytes(ULONGLONG count) {
     RequireLeft(count);
     if (count > kLongestText) Throw(CArchiveException::genericException);
     std::string bytes;
-    // In pieces: where the file's length is unknown, memory grows only by what has arrived.
+    // In pieces: if the file's length is unknown, memory grows only with the bytes that arrive.
     while (bytes.size() < count) {
         const std::size_t have = bytes.size();
         const auto piece = std::min<std::size_t>(kPiece, count - have);

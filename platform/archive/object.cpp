@@ -12,7 +12,7 @@ struct Registry {
 };
 
 Registry& TheRegistry() {
-    static Registry registry;  // made by the first registration, so it outlives all of them
+    static Registry registry;  // created by the first registration, so it outlives all of them
     return registry;
 }
 

@@ -10,7 +10,7 @@
 class CArchive;
 class CObject;
 
-/// What is known of a class at run time. A class that archives name, or that is made by name, has one; see CObject.
+/// Run-time information about a class. A class that archives name, or that is created by name, has one; see CObject.
 struct QELLIB10_API CRuntimeClass {
     const char* m_lpszClassName;
     int m_nObjectSize;                  // bytes
@@ -18,7 +18,7 @@ struct QELLIB10_API CRuntimeClass {
     CObject* (*m_pfnCreateObject)();    // null for an abstract class
     const CRuntimeClass* m_pBaseClass;  // null for CObject
 
-    /// A new object, which the caller deletes; null for an abstract class.
+    /// Creates an object, which the caller deletes; null for an abstract class.
     CObject* CreateObject() const;
     /// Also true for the class itself.
     bool IsDerivedFrom(const CRuntimeClass* base) const noexcept;
@@ -27,8 +27,8 @@ struct QELLIB10_API CRuntimeClass {
     static const CRuntimeClass* FromName(std::string_view name);
 };
 
-/// Base of all objects that know their class at run time and can be stored in an archive. A class of an application
-/// declares itself like this (the names CReading and "CReading" are what changes):
+/// Base of all objects that know their class at run time and can be stored in an archive. An application's class
+/// declares itself like this (only the names CReading and "CReading" differ):
 ///
 ///     class CReading : public CObject {                                     // reading.h
 ///     public:
@@ -49,18 +49,18 @@ struct QELLIB10_API CRuntimeClass {
 ///         else archive >> m_dVolume;
 ///     }
 ///
-/// Then `archive << &reading` and `CReading* p; archive >> p` keep the class with the object, and
-/// `CRuntimeClass::FromName("CReading")->CreateObject()` makes one.
+/// Then `archive << &reading` and `CReading* p; archive >> p` store the class with the object, and
+/// `CRuntimeClass::FromName("CReading")->CreateObject()` creates one.
 class QELLIB10_API CObject {
 public:
     virtual const CRuntimeClass* GetRuntimeClass() const;
     virtual ~CObject();
-    /// Writes the object to the archive or reads it, as archive.IsStoring() says. CObject itself has nothing to store.
+    /// Writes the object to the archive or reads it, depending on archive.IsStoring(). CObject itself stores nothing.
     virtual void Serialize(CArchive& archive);
 
     static const CRuntimeClass* GetThisClass();
 
-    /// Whether the object is of that class or of one derived from it.
+    /// Whether the object is of this class or of one derived from it.
     bool IsKindOf(const CRuntimeClass* wanted) const noexcept;
 
 protected:
@@ -79,7 +79,7 @@ requires std::derived_from<T, Base> CRuntimeClass DescribeClass(const char* name
     return described;
 }
 
-/// While one exists its class is found by its name. Of two classes with one name the earlier is found.
+/// While it exists, its class is found by its name. If two classes have the same name, the earlier one is found.
 class QELLIB10_API ClassRegistration {
 public:
     explicit ClassRegistration(const CRuntimeClass* registered);

@@ -15,7 +15,7 @@
 namespace qel {
 namespace {
 
-// Kept for callers that look at all bytes of a pixel: where Cairo draws, the highest is filled as well.
+// Kept for callers that read all bytes of a pixel: where Cairo draws, it also fills the highest byte.
 constexpr std::uint32_t kCairosUnusedByte = 0xFF000000;
 
 constexpr std::uint32_t PixelOf(COLORREF color) noexcept {
@@ -51,7 +51,7 @@ void BitmapSurface::SetInk(const Ink& ink) {
     Rebuild();
 }
 
-// The clip and the pen decide what a line is written with.
+// The clip and the pen decide how a line is drawn.
 void BitmapSurface::Rebuild() {
     const CRect clip = ClipBox();
     m_raster = {m_pPixels->Row(0), m_pPixels->Width(), clip.left, clip.top, clip.right, clip.bottom};
@@ -104,8 +104,8 @@ void BitmapSurface::LineTo(const POINT& to) {
     m_at = to;
 }
 
-// All memory that wide lines need is taken while whoever draws can be told that there is none: what is held back may
-// be drawn by a destructor.
+// Takes all memory for wide lines now, while a failure can still be reported: a destructor may draw the collected
+// lines.
 void BitmapSurface::PrepareWide() {
     const int width = m_ink.penWidth;
     if (width <= WidePen::kWidest) {
@@ -120,7 +120,7 @@ void BitmapSurface::WideLine(const POINT& from, const POINT& to) {
     const int width = m_ink.penWidth;
     if (width <= WidePen::kWidest && m_widePen->Draw(m_raster, from, to, kCairosUnusedByte | PixelOf(m_ink.penColor)))
         return;
-    // A stroke a line: the picture must not depend on how many of them are drawn together.
+    // One stroke per line: the picture must not depend on how many of them are drawn together.
     cairo_t* const cairo = Canvas().Begin();
     ClipTo(cairo, ClipBox());
     cairo_set_antialias(cairo, CAIRO_ANTIALIAS_NONE);
@@ -138,7 +138,7 @@ void BitmapSurface::LinesTo(std::span<const POINT> points) {
         return;
     }
     if (m_line != Line::kThin) return Surface::LinesTo(points);
-    PolylineWriter writer = m_writer;  // where no pixel that is written can be part of it
+    PolylineWriter writer = m_writer;  // used if no pixel to be written can be part of the line
     for (const POINT& to : points) writer.LineTo(to);
     m_writer = writer;
     m_at = points.back();
@@ -147,7 +147,7 @@ void BitmapSurface::LinesTo(std::span<const POINT> points) {
 void BitmapSurface::Rectangle(const CRect& box) {
     Flush();
     if (m_line == Line::kNone) {
-        // Without an outline the inside is one smaller.
+        // Without an outline the inside is one pixel smaller.
         FillRect({box.left, box.top, box.right - 1, box.bottom - 1}, m_ink.brush);
         return;
     }
@@ -172,7 +172,7 @@ void BitmapSurface::Rectangle(const CRect& box) {
         FillBox(m_raster, {last.right, box.top, box.right, box.bottom}, color);
         return;
     }
-    DashedPolyline outline = m_dashed;  // whose polyline goes on afterwards
+    DashedPolyline outline = m_dashed;  // its polyline continues afterwards
     outline.MoveTo({last.left, last.top});
     outline.LineTo({last.right, last.top});
     outline.LineTo({last.right, last.bottom});
@@ -211,7 +211,7 @@ void BitmapSurface::ThinEllipse(const CRect& box) {
             bar(span.left, span.right);
             continue;
         }
-        // What both neighbouring rows reach over is inside.
+        // Pixels that both neighbouring rows reach past are inside.
         bar(span.left, std::max(span.left, std::max(rows[row - 1].left, rows[row + 1].left) - 1));
         bar(std::min(span.right, std::min(rows[row - 1].right, rows[row + 1].right) + 1), span.right);
     }
@@ -262,7 +262,7 @@ void BitmapSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, c
     if (target.IsRectEmpty()) return;
     const int fromX = source.left + (target.left - to.x), fromY = source.top + (target.top - to.y);
     const std::size_t bytes = static_cast<std::size_t>(target.Width()) * sizeof(std::uint32_t);
-    // A picture may be copied onto itself: rows that are overwritten are taken first.
+    // A picture may be copied onto itself: rows that will be overwritten are copied first.
     const bool isDownward = &pixels == m_pPixels.get() && target.top > fromY;
     for (int i = 0; i < target.Height(); ++i) {
         const int row = isDownward ? target.Height() - 1 - i : i;

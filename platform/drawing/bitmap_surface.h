@@ -14,12 +14,12 @@ namespace qel {
 
 class CairoCanvas;
 
-/// A picture in memory. Lines, fills, inversion, copies and clips are written into the pixels by ourselves; partial
-/// arcs, text, outlines of wide pens, wide lines that leave the clip sideways, and lines of pens wider than 32 are
-/// Cairo's.
+/// A picture in memory. We write lines, fills, inversion, copies and clips into the pixels ourselves. Cairo draws
+/// partial arcs, text, outlines of wide pens, wide lines that leave the clip at the left or right, and lines of pens
+/// wider than 32.
 ///
-/// Lines up or down of wide pens are held back, as thin lines are: two contexts on one picture have their drawings in
-/// order where each is flushed before the other draws.
+/// Vertical lines of wide pens are collected first, like thin lines. If two contexts draw on one picture, flush each
+/// before the other draws, to keep the order.
 class BitmapSurface : public Surface {
 public:
     explicit BitmapSurface(const SIZE& dotsPerInch);
@@ -53,14 +53,14 @@ private:
 
     SIZE m_dotsPerInch;
     std::shared_ptr<PixelBuffer> m_pPixels;
-    std::unique_ptr<CairoCanvas> m_pCanvas;  // made when Cairo is needed first
+    std::unique_ptr<CairoCanvas> m_pCanvas;  // created when Cairo is first needed
     Ink m_ink;
     Line m_line = Line::kThin;
     Raster m_raster;  // the pixels within the clip
     PolylineWriter m_writer;
     DashedPolyline m_dashed;
     WidePolyline m_wide;
-    std::optional<WidePen> m_widePen;  // made when it is needed first
+    std::optional<WidePen> m_widePen;  // created when first needed
     bool m_isWideReady = false;        // whether no wide line needs more memory
     POINT m_at{0, 0};
 };

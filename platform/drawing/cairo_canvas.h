@@ -8,7 +8,7 @@ using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 
-/// Cairo on the pixels of a bitmap, which others write as well: Begin before and End after each use of Cairo.
+/// Cairo on the pixels of a bitmap, which other code writes as well: call Begin before and End after each use of Cairo.
 class CairoCanvas {
 public:
     explicit CairoCanvas(std::shared_ptr<PixelBuffer> pixels);

@@ -14,7 +14,7 @@ struct Vector {
     double x, y;
 };
 
-// From the middle of the box, whose last column and row are one before its edges.
+// From the middle of the box; its last column and row are one before its edges.
 Vector FromMiddle(const CRect& box, const POINT& point) noexcept {
     return {point.x - (double(box.left) + box.right - 1) / 2, point.y - (double(box.top) + box.bottom - 1) / 2};
 }
@@ -54,7 +54,7 @@ void AddLine(cairo_t* cairo, const POINT& from, const POINT& to, int penWidth) {
 }
 
 void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink) {
-    // A frame that must stay inside lies half its width further in.
+    // A frame that must stay inside is half its width further in.
     const bool isInside = ink.penStyle == PS_INSIDEFRAME;
     const double before = isInside ? ink.penWidth / 2.0 : PenCenter(ink.penWidth);
     const double behind = isInside ? ink.penWidth / 2.0 : 1 - PenCenter(ink.penWidth);

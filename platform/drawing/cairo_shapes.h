@@ -6,9 +6,9 @@ using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 
-// Shapes as Cairo draws them, the same on every back end. Whoever calls has set antialiasing and clip.
+// Shapes as Cairo draws them, the same on every back end. The caller has set antialiasing and clip.
 
-/// A coordinate as Cairo's fixed point numbers can hold it, with room for a pen: those farther out are taken nearer.
+/// A coordinate that fits Cairo's fixed point numbers together with a pen: those farther out are moved nearer.
 double Near(LONG coordinate) noexcept;
 /// The path of a box.
 void AddBox(cairo_t* cairo, const CRect& box);
@@ -16,8 +16,8 @@ void AddBox(cairo_t* cairo, const CRect& box);
 void SetSource(cairo_t* cairo, COLORREF color);
 void ClipTo(cairo_t* cairo, const CRect& box);
 
-/// How far inside the pixel the middle of a pen lies: odd widths lie on the pixel's middle, even ones on its corner, so
-/// that the extra row is above and the extra column at the left.
+/// The distance of the pen's middle from the pixel's corner: odd widths are centred on the pixel's middle, even ones on
+/// its corner, so that the extra row is above and the extra column at the left.
 double PenCenter(int penWidth) noexcept;
 
 /// Round ends and joins, the ink's pen without dashes.
@@ -28,8 +28,8 @@ void AddLine(cairo_t* cairo, const POINT& from, const POINT& to, int penWidth);
 void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink);
 void AddArc(cairo_t* cairo, const CRect& box, const POINT& start, const POINT& end, int penWidth);
 
-/// The angle of the ray from the box's middle through a point, clockwise from the right in radians, on the circle that
-/// the inscribed ellipse is when both its radii are made the same.
+/// The angle of the ray from the box's middle through a point, clockwise from the right, in radians. Measured on the
+/// circle that the inscribed ellipse becomes when both its radii are made equal.
 double EllipseAngle(const CRect& box, const POINT& point) noexcept;
 
 /// Whether the rays from the box's middle through both points are the same: the arc is the whole ellipse.

@@ -7,8 +7,8 @@
 
 namespace qel {
 
-/// Draws through a cairo_t of the application. Where its units are whole pixels thin lines are written into a mask by
-/// ourselves, with the pixels that they have on a bitmap.
+/// Draws through a cairo_t of the application. If its units are whole pixels, we write thin lines into a mask
+/// ourselves, with the same pixels as on a bitmap.
 class CairoSurface : public VectorSurface {
 public:
     CairoSurface(cairo_t* cairo, const CSize& size, int dotsPerInch);
@@ -31,7 +31,7 @@ private:
     CSize m_size;
     int m_nDotsPerInch;
     bool m_isMasked = false;    // thin lines go into the mask
-    bool m_isMaskUsed = false;  // since it was painted last
+    bool m_isMaskUsed = false;  // since it was last painted
     int m_nStride;
     std::vector<std::uint8_t> m_mask;
     BasicRaster<std::uint8_t> m_raster;

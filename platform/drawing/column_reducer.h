@@ -6,11 +6,11 @@
 
 namespace qel {
 
-/// The points of a polyline that a thin line needs: of a run in one column its first, lowest, highest and last, in the
-/// order in which they came. What is left out lies within what is drawn.
+/// Reduces a polyline to the points that a thin line needs: of a run in one column the first, lowest, highest and last,
+/// in their original order. The other points are covered by what is drawn.
 class ColumnReducer {
 public:
-    /// Puts what is to be kept behind @p points.
+    /// Appends the points to keep to @p points.
     void Add(const POINT& point, std::vector<CPoint>& points) {
         if (m_isRun && point.x == m_last.x) {
             if (point.y < m_low.at.y) m_low = {point, m_nCount};
@@ -25,7 +25,7 @@ public:
         m_last = point;
         ++m_nCount;
     }
-    /// Puts the rest of the run there; the next point begins another one.
+    /// Appends the rest of the run; the next point starts a new run.
     void End(std::vector<CPoint>& points) {
         if (!m_isRun) return;
         m_isRun = false;

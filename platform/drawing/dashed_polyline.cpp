@@ -13,14 +13,14 @@
 namespace qel {
 namespace {
 
-// So many points in a column before they are looked at together.
+// From this number of points in a column they are drawn together.
 constexpr std::size_t kFew = 4;
-// And so many at once.
+// At most this many at once.
 constexpr std::size_t kMost = 1024;
 
-// Lines that are looked at together.
+// Number of lines that are examined together.
 constexpr std::size_t kBlock = 8;
-// The most rows from low to high, so that steps of a block fit into 32 bits.
+// The largest distance between rows, so that the steps of a block fit in 32 bits.
 constexpr std::int64_t kMaxRows = 1 << 24;
 
 #if defined(__SSE2__)
@@ -37,7 +37,7 @@ template <Axis kAxis> __m128i FourOf(const POINT* points) noexcept {
 
 #endif
 
-// How many points are in the column, before the first one that is not.
+// The number of points in the column, before the first one outside it.
 std::size_t CountInColumn(std::span<const POINT> points, LONG column) noexcept {
     std::size_t count = 0;
 #if defined(__SSE2__)
@@ -51,7 +51,7 @@ std::size_t CountInColumn(std::span<const POINT> points, LONG column) noexcept {
     return count;
 }
 
-// Steps of a block of lines up and down, from each point to the next one, or -1 when one of them starts outside the
+// Number of steps of a block of vertical lines, from each point to the next, or -1 if one of them starts outside the
 // rows from low to high. The last point is within them.
 std::int64_t StepsWithin(const POINT* points, std::int64_t low, std::int64_t high) noexcept {
     if (high - low > kMaxRows) return -1;
@@ -129,8 +129,8 @@ void DashedPolyline::DrawColumn(std::span<const POINT> points) {
     }
 }
 
-// What is done is in one piece, since each line ends where the next one starts: a line has other rows if it starts
-// there.
+// The finished rows are one continuous range, because each line ends where the next one starts; a line has rows outside
+// it only if it starts outside.
 std::int64_t DashedPolyline::DrawBackward(std::span<const POINT> points) {
     struct Part {
         Rows rows;
@@ -138,10 +138,10 @@ std::int64_t DashedPolyline::DrawBackward(std::span<const POINT> points) {
     };
     std::array<Part, kMost> parts;
     std::size_t count = 0;
-    LONG low = 1, high = 0;  // rows that are done
+    LONG low = 1, high = 0;  // the finished rows
     std::int64_t steps = 0;
     LONG to = points.back().y;
-    std::size_t next = points.size();  // where the next block may be looked at
+    std::size_t next = points.size();  // where the next block may be examined
     for (std::size_t i = points.size(); i-- > 0;) {
         if (i >= kBlock && i <= next && low <= to && to <= high) {
             const std::int64_t within = StepsWithin(&points[i - kBlock], low, high);
@@ -175,9 +175,9 @@ std::int64_t DashedPolyline::DrawBackward(std::span<const POINT> points) {
 }
 
 std::int64_t DashedPolyline::DrawOutsideFull(std::span<const POINT> points) {
-    Rows full{1, 0};  // in one piece, all with the pen's colour
+    Rows full{1, 0};  // one continuous range, all in the pen's colour
     std::int64_t steps = 0;
-    std::size_t next = 1;  // where the next block may be looked at
+    std::size_t next = 1;  // where the next block may be examined
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (i >= next && points.size() - i >= kBlock) {
             next = i + kBlock;
@@ -200,7 +200,7 @@ std::int64_t DashedPolyline::DrawOutsideFull(std::span<const POINT> points) {
     return steps;
 }
 
-// The rows of a line that are not among those.
+// The rows of a line outside that range.
 void DashedPolyline::DrawOutside(const Rows& rows, const Upright& line, std::int64_t phase) {
     if (rows.IsEmpty()) return DrawRows(line.rows, line.from, phase);
     DrawRows({line.rows.low, std::min(line.rows.high, rows.low - 1)}, line.from, phase);
@@ -221,7 +221,7 @@ void DashedPolyline::WidenFull(Rows& full, std::int64_t row) const {
     while (isFull(full.high + 1)) ++full.high;
 }
 
-// Rows above or below the one that the line comes from, that one included, where the pattern has the phase.
+// Rows above or below the row in which the line starts, that row included, where the pattern has the phase.
 void DashedPolyline::DrawRows(Rows rows, std::int64_t from, std::int64_t phase) {
     rows = {std::max<std::int64_t>(rows.low, m_raster.top), std::min<std::int64_t>(rows.high, m_raster.bottom - 1)};
     if (rows.IsEmpty() || m_at.x < m_raster.left || m_at.x >= m_raster.right) return;

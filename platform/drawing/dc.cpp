@@ -75,7 +75,7 @@ BOOL CDC::RestoreDC(int saved) {
     return m_pOutput->Restore(saved);
 }
 
-// Selects in both contexts; the answer is the output's.
+// Selects in both contexts; returns the output's object.
 template <class Object> Object* CDC::Select(Object* object) {
     if (object == nullptr || !m_pOutput) return nullptr;
     const HGDIOBJ handle = object->GetSafeHandle();
@@ -128,7 +128,7 @@ CGdiObject* CDC::SelectStockObject(int number) {
 
 namespace {
 
-// Sets one value in both contexts of a pair. @return the output's value until now
+// Sets one value in both contexts of a pair. @return the output's former value
 template <class Value> Value SetInBoth(qel::DeviceContext* output, qel::DeviceContext* attributes,
                                        Value qel::DrawState::*member, Value value, Value onFailure) {
     if (output == nullptr) return onFailure;
@@ -169,7 +169,7 @@ UINT CDC::GetTextAlign() const { return Get(Attributes(), &qel::DrawState::textA
 
 namespace {
 
-// Changes the mapping of both contexts of a pair; the answer of @p change for the output's is the result.
+// Changes the mapping of both contexts of a pair; returns what @p change returns for the output.
 template <class Change> auto ChangeMapping(qel::DeviceContext* output, qel::DeviceContext* attributes, Change change) {
     using Result = decltype(change(output->Change().mapping));
     if (output == nullptr) return Result();

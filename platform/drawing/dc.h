@@ -11,14 +11,14 @@ namespace qel {
 class DeviceContext;
 }
 
-/// The surface that everything is drawn on: a picture in memory, a page of a printer, a file, a widget. A context takes
-/// logical units (device units unless a map mode is set) and draws with the objects and colours that are selected.
+/// The surface that everything is drawn on: a picture in memory, a printer's page, a file, a widget. A context takes
+/// logical units (device units unless a map mode is set) and draws with the selected objects and colours.
 ///
-/// A fresh one has a black pen of one unit, a white brush, black text on an opaque white background, the position 0,0
-/// and no clip. It has two sides: the output context is drawn on, the attribute context asked about (resolution, map
-/// mode, fonts); both are the same but for a print preview, which shows a printer's page on the screen.
+/// A new context has a black pen of one unit, a white brush, black text on an opaque white background, the position 0,0
+/// and no clip. It has two sides: the output context is drawn on, the attribute context is asked for resolution, map
+/// mode and fonts. Both are the same except in a print preview, which shows a printer's page on the screen.
 ///
-/// Operations on a context without a handle answer 0 and do nothing. A context belongs to one thread at a time.
+/// Operations on a context without a handle return 0 and do nothing. A context belongs to one thread at a time.
 class QELLIB10_API CDC {
 public:
     CDC();
@@ -26,18 +26,18 @@ public:
     CDC(const CDC&) = delete;
     CDC& operator=(const CDC&) = delete;
 
-    /// A context in memory like @p dc (null: like the screen, 96 dots an inch), with a picture of 1 x 1 until a bitmap
-    /// is selected. @return 0 when this object has a handle
+    /// A context in memory like @p dc (null: like the screen, 96 dots per inch), with a picture of 1 x 1 until a bitmap
+    /// is selected. @return 0 if this object already has a handle
     BOOL CreateCompatibleDC(CDC* dc);
-    /// A context of a printer, as the function of this name makes it; defined beside that, in platform/printing.
-    /// @return 0 also when this object has a handle
+    /// A context of a printer, like the function of this name; defined next to that, in platform/printing.
+    /// @return 0 also if this object already has a handle
     BOOL CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode);
-    BOOL Attach(HDC dc);  ///< takes over a context for output and attributes; 0 when there is one, or for a bad handle
-    HDC Detach();         ///< gives the output context away
+    BOOL Attach(HDC dc);  ///< takes a context for output and attributes; 0 if this object has one, or for a bad handle
+    HDC Detach();         ///< gives up the output context to the caller
     BOOL DeleteDC();
     HDC GetSafeHdc() const noexcept { return m_hDC; }
     operator HDC() const noexcept { return m_hDC; }
-    /// Which context is asked about from now on; not deleted with this object unless it is the output's.
+    /// Sets the attribute context; it is not deleted with this object unless it is also the output context.
     virtual void SetAttribDC(HDC dc);
     virtual void ReleaseAttribDC();
     virtual void SetOutputDC(HDC dc);
@@ -46,13 +46,13 @@ public:
 
     int GetDeviceCaps(int index) const;
 
-    /// Keeps objects, colours, modes, mapping, position and clip. @return how many states are kept now
+    /// Saves objects, colours, modes, mapping, position and clip. @return how many states are saved now
     virtual int SaveDC();
-    /// Back to the state that was kept as number @p saved, or -1 as the last one; later ones are forgotten.
+    /// Restores the state saved as number @p saved, or the last one for -1; later ones are discarded.
     virtual BOOL RestoreDC(int saved);
 
-    // Selection: the answer is the object until now, owned by its creator or, if nobody's, good until this context
-    // goes.
+    // These return the object selected before. It belongs to its creator; if nobody created it, it is valid until this
+    // context is deleted.
     CPen* SelectObject(CPen* pen);
     CBrush* SelectObject(CBrush* brush);
     virtual CFont* SelectObject(CFont* font);
@@ -64,7 +64,7 @@ public:
     CFont* GetCurrentFont() const;
     CBitmap* GetCurrentBitmap() const;  ///< null where there are no pixels
 
-    virtual COLORREF SetTextColor(COLORREF color);  ///< the setters answer the value until now
+    virtual COLORREF SetTextColor(COLORREF color);  ///< the setters return the former value
     virtual COLORREF SetBkColor(COLORREF color);
     virtual int SetBkMode(int mode);
     virtual UINT SetTextAlign(UINT align);
@@ -89,47 +89,48 @@ public:
     void DPtoLP(POINT* points, int count = 1) const;
     void DPtoLP(RECT* rect) const;
 
-    /// Limits drawing to a copy of the region, which is in device units whatever is mapped; null: no limit.
+    /// Limits drawing to a copy of the region, which is in device units in every map mode; null: no limit.
     /// @return 2, or 1 for an empty region, or 0 on failure
     virtual int SelectClipRgn(CRgn* region);
-    /// The clip, or the whole device, in logical units. @return as SelectClipRgn
+    /// The clip, or the whole device, in logical units. @return like SelectClipRgn
     virtual int GetClipBox(RECT* box) const;
-    /// Limits drawing to what the clip and the box, in logical units, have in common. @return as SelectClipRgn
+    /// Limits drawing to the intersection of the clip and the box, which is in logical units. @return like
+    /// SelectClipRgn
     virtual int IntersectClipRect(int left, int top, int right, int bottom);
     int IntersectClipRect(const RECT* box) {
         return box != nullptr ? IntersectClipRect(box->left, box->top, box->right, box->bottom) : 0;
     }
 
-    CPoint MoveTo(int x, int y);  ///< the answer is the position until now
+    CPoint MoveTo(int x, int y);  ///< returns the former position
     CPoint MoveTo(const POINT& to) { return MoveTo(to.x, to.y); }
     CPoint GetCurrentPosition() const;
-    /// A line from the current position, which becomes its end; a thin line leaves its last point out.
+    /// Draws a line from the current position, which moves to the line's end; a thin line does not draw its last point.
     BOOL LineTo(int x, int y);
     BOOL LineTo(const POINT& to) { return LineTo(to.x, to.y); }
     BOOL Polyline(const POINT* points, int count);
-    BOOL PolylineTo(const POINT* points, int count);  ///< as LineTo for each point
-    /// Outline by the pen, inside by the brush; right and bottom edge do not belong to it.
+    BOOL PolylineTo(const POINT* points, int count);  ///< like LineTo for each point
+    /// Draws the outline with the pen and fills with the brush; the right and bottom edges are not included.
     BOOL Rectangle(int left, int top, int right, int bottom);
     BOOL Rectangle(const RECT& box) { return Rectangle(box.left, box.top, box.right, box.bottom); }
     BOOL Rectangle(const RECT* box) { return box != nullptr && Rectangle(*box); }
-    /// Of the ellipse in the box, counter-clockwise from the ray through the start point to the ray through the end
-    /// point; the whole of it when both are the same. Not filled.
+    /// Part of the ellipse in the box, counter-clockwise from the ray through the start point to the ray through the
+    /// end point; the whole ellipse if both rays are the same. Not filled.
     BOOL Arc(int left, int top, int right, int bottom, int startX, int startY, int endX, int endY);
     BOOL Arc(const RECT& box, const POINT& start, const POINT& end) {
         return Arc(box.left, box.top, box.right, box.bottom, start.x, start.y, end.x, end.y);
     }
     BOOL Arc(const RECT* box, const POINT& start, const POINT& end) { return box != nullptr && Arc(*box, start, end); }
     void FillRect(const RECT* rect, CBrush* brush);
-    void FillSolidRect(const RECT* rect, COLORREF color);  ///< leaves the background colour set to it
-    void InvertRect(const RECT* rect);                     ///< twice the same brings the picture back
-    /// Copies a part of the picture of @p source. @return 0 also where there are no pixels, and unless @p operation is
+    void FillSolidRect(const RECT* rect, COLORREF color);  ///< sets the background colour to it
+    void InvertRect(const RECT* rect);                     ///< inverting twice restores the picture
+    /// Copies a part of the picture of @p source. @return 0 also if there are no pixels, and unless @p operation is
     /// SRCCOPY
     BOOL BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY, DWORD operation = SRCCOPY);
     COLORREF GetPixel(int x, int y) const;  ///< 0xFFFFFFFF outside, or where there are no pixels
     COLORREF SetPixel(int x, int y, COLORREF color);
     BOOL SetPixelV(int x, int y, COLORREF color);
 
-    // Texts in the code page, in the selected font and the text colour; the opaque background fills the cell of each
+    // Draws text of the code page in the selected font and the text colour; an opaque background fills the cell of each
     // line.
     virtual BOOL TextOut(int x, int y, const char* text, int length);
     BOOL TextOut(int x, int y, const CString& text) { return TextOut(x, y, text, text.GetLength()); }
@@ -138,7 +139,7 @@ public:
     BOOL ExtTextOut(int x, int y, UINT options, const RECT* rect, const CString& text, const int* spacing) {
         return ExtTextOut(x, y, options, rect, text, static_cast<UINT>(text.GetLength()), spacing);
     }
-    /// Writes within @p rect by the DT_ flags. @return the height of the text, 0 on failure
+    /// Draws within @p rect by the DT_ flags. @return the height of the text, 0 on failure
     virtual int DrawText(const char* text, int length, RECT* rect, UINT format);
     int DrawText(const CString& text, RECT* rect, UINT format) {
         return DrawText(text, text.GetLength(), rect, format);
@@ -149,9 +150,9 @@ public:
     CSize GetOutputTextExtent(const CString& text) const;
     BOOL GetTextMetrics(TEXTMETRIC* metrics) const;
 
-    // Documents of a printer or a file; answers above 0 are success.
+    // Documents of a printer or a file; results above 0 mean success.
     virtual int StartDoc(const char* name);
-    /// The same; fails for null and where an output is named.
+    /// The same; fails for null and if an output is named.
     int StartDoc(const DOCINFO* document) {
         return document != nullptr && document->lpszOutput == nullptr ? StartDoc(document->lpszDocName) : -1;
     }
@@ -160,8 +161,8 @@ public:
     virtual int EndDoc();
     virtual int AbortDoc();
 
-    HDC m_hDC = nullptr;        ///< output; to be read only
-    HDC m_hAttribDC = nullptr;  ///< attributes; to be read only
+    HDC m_hDC = nullptr;        ///< output; read only
+    HDC m_hAttribDC = nullptr;  ///< attributes; read only
 
 protected:
     qel::DeviceContext* Output() const noexcept { return m_pOutput.get(); }
@@ -173,13 +174,13 @@ private:
 
     std::shared_ptr<qel::DeviceContext> m_pOutput;
     std::shared_ptr<qel::DeviceContext> m_pAttributes;
-    mutable std::map<HGDIOBJ, std::unique_ptr<CGdiObject>> m_mapObject;  // stand for selected objects of nobody
+    mutable std::map<HGDIOBJ, std::unique_ptr<CGdiObject>> m_mapObject;  // for selected objects that have no owner
 };
 
-// The same by handles, for code that keeps handles.
+// The same with handles, for code that keeps handles.
 QELLIB10_API HDC CreateCompatibleDC(HDC dc);  ///< null when @p dc is neither null nor a context
 QELLIB10_API BOOL DeleteDC(HDC dc);
-/// @return the object until now; null on failure
+/// @return the object selected before; null on failure
 QELLIB10_API HGDIOBJ SelectObject(HDC dc, HGDIOBJ object);
 QELLIB10_API int GetDeviceCaps(HDC dc, int index);
 QELLIB10_API BOOL GetViewportOrgEx(HDC dc, POINT* origin);  ///< 0 on failure

@@ -51,7 +51,7 @@ DeviceContext::DeviceContext(std::unique_ptr<Surface> surface)
 DeviceContext::~DeviceContext() {
     try {
         m_pSurface->Flush();
-    } catch (const std::bad_alloc&) {  // on a document the last lines are missing; pictures need no memory for theirs
+    } catch (const std::bad_alloc&) {  // then the last lines of a document are missing; pictures need no memory
     }
     RemoveDrawingObject(m_hOwnBitmap);
 }
@@ -79,7 +79,7 @@ HGDIOBJ DeviceContext::Select(HGDIOBJ handle) {
         if (!m_pSurface->SelectPixels(bitmap->pixels)) return nullptr;
         return exchange(m_state.bitmap);
     }
-    return nullptr;  // a region is not selected as an object but made the clip
+    return nullptr;  // a region is not selected as an object but becomes the clip
 }
 
 int DeviceContext::Save() {
@@ -89,7 +89,7 @@ int DeviceContext::Save() {
 
 bool DeviceContext::Restore(int saved) {
     const auto count = static_cast<int>(m_arySaved.size());
-    const int kept = saved < 0 ? count + saved : saved - 1;  // states left below the one that is taken
+    const int kept = saved < 0 ? count + saved : saved - 1;  // number of states below the one to restore
     if (saved == 0 || kept < 0 || kept >= count) return false;
     m_pSurface->Flush();
     m_state = std::move(m_arySaved[static_cast<std::size_t>(kept)]);
@@ -151,7 +151,7 @@ void DeviceContext::FillDevicePixel(const POINT& at, COLORREF color) {
 }
 
 int DeviceContext::BeginPage() {
-    m_isInkStale = true;  // a page begins without ink
+    m_isInkStale = true;  // a new page has no ink yet
     return Flushed().StartPage();
 }
 
@@ -163,7 +163,7 @@ bool DeviceContext::Copy(const POINT& to, const SIZE& size, DeviceContext& sourc
     const CRect wanted = source.ToDevice(CRect(from, size));
     CRect there;
     if (!there.IntersectRect(wanted, CRect(0, 0, pixels->Width(), pixels->Height()))) return true;
-    // What lies outside the source leaves the target as it is.
+    // The part outside the source leaves the target unchanged.
     CPoint target = corner;
     target.Offset(WrappedDifference(there.left, wanted.left), WrappedDifference(there.top, wanted.top));
     m_pSurface->CopyPixels(*pixels, there, target);

@@ -13,7 +13,7 @@ namespace qel {
 class TextFont;
 struct TextLine;
 
-/// An object as it is selected: what it draws with, and the handle that gave it.
+/// A selected object: what it draws with, and its handle.
 template <class Object> struct Selected {
     HGDIOBJ handle = nullptr;
     std::shared_ptr<const Object> object;
@@ -44,20 +44,20 @@ public:
     DeviceContext(const DeviceContext&) = delete;
     DeviceContext& operator=(const DeviceContext&) = delete;
 
-    /// The back end with all that was drawn so far.
+    /// The back end, after everything collected so far has been drawn.
     Surface& Flushed();
     /// Whether it draws on a picture, whose edges are not smoothed.
     bool IsPicture() const { return m_pSurface->Pixels() != nullptr; }
     int DeviceCaps(int index) const { return m_pSurface->DeviceCaps(index); }
 
     const DrawState& State() const noexcept { return m_state; }
-    /// The state for a change; the ink follows before the next primitive.
+    /// The state, to be changed; the ink is updated before the next primitive.
     DrawState& Change() noexcept {
         m_isInkStale = true;
         return m_state;
     }
 
-    /// @return the handle until now; null when the object is none that can be selected
+    /// @return the handle selected before; null if the object cannot be selected
     HGDIOBJ Select(HGDIOBJ handle);
     int Save();
     bool Restore(int saved);
@@ -78,17 +78,17 @@ public:
     /// @return false when the source has no pixels
     bool Copy(const POINT& to, const SIZE& size, DeviceContext& source, const POINT& from);
 
-    /// A rectangle of logical corners in device units, normalised.
+    /// A rectangle given by logical corners, in device units, normalised.
     CRect ToDevice(const RECT& box) const noexcept;
 
-    /// Answers as the back end's StartPage.
+    /// Returns like the back end's StartPage.
     int BeginPage();
 
     // Texts: device_context_text.cpp
-    /// The selected font at the size that it has on the device.
+    /// The selected font in its size on the device.
     const TextFont& Font();
     void TextOut(const POINT& at, const CString& text);
-    /// @return the height of the text in logical units; with DT_CALCRECT nothing is drawn and @p box set
+    /// @return the height of the text in logical units; with DT_CALCRECT nothing is drawn and @p box is set
     int DrawTextBox(const CString& text, CRect& box, UINT format);
     CSize TextExtent(const CString& text);
     TEXTMETRIC TextMetrics();
@@ -103,8 +103,8 @@ private:
     std::vector<DrawState> m_arySaved;
     std::shared_ptr<const TextFont> m_pFont;  // for m_pFontInUse
     std::shared_ptr<const FontObject> m_pFontInUse;
-    int m_nFontHeight = 0;           // of m_pFont, device units as asked for
-    HGDIOBJ m_hOwnBitmap = nullptr;  // where there are pixels: selected until another one is, and after that one
+    int m_nFontHeight = 0;           // of m_pFont, in device units, as requested
+    HGDIOBJ m_hOwnBitmap = nullptr;  // if there are pixels: selected until another one is, and again after that one
     bool m_isInkStale = true;
     bool m_isPenDown = false;  // whether the back end's polyline ends at the current position
 };

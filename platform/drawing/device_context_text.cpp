@@ -15,7 +15,7 @@ constexpr int kDefaultCell = 16;  // height of the default font on a screen
 constexpr UINT kAlignAcross = TA_CENTER;
 constexpr UINT kAlignDown = TA_BASELINE;
 
-// Without marks for keys: `&x` is x, `&&` is &.
+// Removes key marks: `&x` is x, `&&` is &.
 std::string WithoutPrefixes(std::string_view utf8) {
     std::string text;
     for (std::size_t i = 0; i < utf8.size(); ++i) {
@@ -35,7 +35,7 @@ std::string DrawnText(const CString& text) {
     return ToUtf8(text.View());
 }
 
-// Where something as long as @p own begins in the middle of @p length.
+// The start of something of length @p own in the middle of @p length.
 int Middled(int begin, int length, int own) { return WrappedSum(begin, WrappedDifference(length, own) / 2); }
 
 int LeftOf(const TextLine& line, const CRect& box, UINT format) {
@@ -136,7 +136,7 @@ int DeviceContext::DrawTextBox(const CString& text, CRect& box, UINT format) {
     return m_state.mapping.HeightToLogical(static_cast<int>(LONGLONG{corner.y} - device.top));
 }
 
-// One line with the box behind it, cut to the limit.
+// One line and the box around it, limited by the clip.
 void DeviceContext::DrawCell(const TextLine& line, const POINT& corner, const CRect* limit) {
     const TextFont& font = *m_pFont;
     CRect cell(corner, SIZE{line.inkWidth, font.Height()});

@@ -11,9 +11,9 @@ namespace qel {
 class DocumentSink {
 public:
     virtual ~DocumentSink() = default;
-    /// @return whether the document could be begun at all; nothing is written yet
+    /// @return whether the document could be started; nothing is written yet
     virtual bool Begin(const CString& /*name*/) { return true; }
-    /// Takes all bytes of the document. @return false when they could not be delivered
+    /// Receives all bytes of the document. @return false if they could not be delivered
     virtual bool Take(const CString& name, std::span<const std::byte> bytes) = 0;
 };
 

@@ -10,7 +10,8 @@ class CGdiObject;
 
 namespace qel {
 
-/// Drawing objects as a context holds them: shared, so that one deleted while it is selected goes on drawing.
+/// Drawing objects as a context holds them: shared, so that an object deleted while it is selected can still be drawn
+/// with.
 struct PenObject {
     int style = PS_SOLID;
     int width = 1;  ///< logical units; 0: one device unit; negative: its absolute value
@@ -31,20 +32,20 @@ struct BitmapObject {
 
 using DrawingObject = std::variant<PenObject, BrushObject, FontObject, RegionObject, BitmapObject>;
 
-/// Every handle has one object until it is deleted; handles are never given twice. Any thread.
+/// Each handle has one object until it is deleted; a handle is never used twice. Any thread.
 HGDIOBJ AddDrawingObject(DrawingObject object);
-/// The object, or null when the handle is none of ours (any more).
+/// The object, or null if the handle is not ours, or no longer valid.
 std::shared_ptr<const DrawingObject> FindDrawingObject(HGDIOBJ handle);
-/// @return false for a handle that is not known, and for one of the objects that are always there
+/// @return false for an unknown handle, and for a stock object
 bool RemoveDrawingObject(HGDIOBJ handle);
-/// One of the objects that are always there; null for another number.
+/// A stock object; null for an unknown number.
 HGDIOBJ StockObject(int number);
 
-/// The framework object that stands for a handle, so that a selection can give back the one that was selected before.
+/// The framework object of a handle, so that a selection can return the one selected before.
 void SetOwner(HGDIOBJ handle, CGdiObject* owner);
 CGdiObject* FindOwner(HGDIOBJ handle);
 
-/// The object as @p T, or null when the handle is unknown or of another kind. It shares the life of the whole.
+/// The object as @p T, or null if the handle is unknown or of another kind. It keeps the whole object alive.
 template <class T> std::shared_ptr<const T> FindObject(HGDIOBJ handle) {
     std::shared_ptr<const DrawingObject> found = FindDrawingObject(handle);
     const T* const object = found ? std::get_if<T>(found.get()) : nullptr;

@@ -2,11 +2,11 @@
 
 #include "qellib10/platform/drawing/geometry.h"
 
-// The framework's handles, records and numbers of drawing.
+// The framework's handles, records and numbers for drawing.
 
-/// A device context. Opaque; a handle that is no longer valid is refused, never followed.
+/// A device context. Opaque; a handle that is no longer valid is refused, never dereferenced.
 using HDC = struct DeviceContextHandle*;
-/// A drawing object of any kind; those below turn into it by themselves.
+/// A drawing object of any kind; the handles below convert to it.
 using HGDIOBJ = void*;
 using HPEN = struct PenHandle*;
 using HBRUSH = struct BrushHandle*;
@@ -14,7 +14,7 @@ using HFONT = struct FontHandle*;
 using HRGN = struct RegionHandle*;
 using HBITMAP = struct BitmapHandle*;
 
-/// A colour as 0x00BBGGRR. The top byte is kept and passed over.
+/// A colour as 0x00BBGGRR. The top byte is kept and ignored.
 using COLORREF = DWORD;
 
 constexpr COLORREF RGB(unsigned red, unsigned green, unsigned blue) noexcept {
@@ -24,7 +24,7 @@ constexpr BYTE GetRValue(COLORREF color) noexcept { return static_cast<BYTE>(col
 constexpr BYTE GetGValue(COLORREF color) noexcept { return static_cast<BYTE>(color >> 8); }
 constexpr BYTE GetBValue(COLORREF color) noexcept { return static_cast<BYTE>(color >> 16); }
 
-/// Pen styles. Any other style draws as a solid pen; dashes show on pens of one device unit only.
+/// Pen styles. Any other style draws as a solid pen; only pens of one device unit show dashes.
 enum : int { PS_SOLID, PS_DASH, PS_DOT, PS_DASHDOT, PS_DASHDOTDOT, PS_NULL, PS_INSIDEFRAME };
 
 /// Brush styles. Any other style fills like a solid brush.
@@ -33,10 +33,10 @@ enum : UINT { BS_SOLID = 0, BS_NULL = 1, BS_HOLLOW = BS_NULL, BS_HATCHED = 2 };
 /// Hatches. Backward rises to the right, forward falls.
 enum : int { HS_HORIZONTAL, HS_VERTICAL, HS_FDIAGONAL, HS_BDIAGONAL, HS_CROSS, HS_DIAGCROSS };
 
-/// Background modes: whether gaps of dashes and hatches and the box behind a text show the background colour.
+/// Background modes: whether gaps of dashes and hatches and the box around a text show the background colour.
 enum : int { TRANSPARENT = 1, OPAQUE = 2 };
 
-/// Where a text stands relative to its point: bits for across, down, and whether the current position counts.
+/// The position of a text relative to its point: bits for across, down, and whether the current position is used.
 enum : UINT {
     TA_NOUPDATECP = 0,
     TA_UPDATECP = 1,
@@ -64,11 +64,11 @@ enum : UINT {
     DT_EDITCONTROL = 0x2000
 };
 
-/// Flag of ExtTextOut: the rectangle is filled with the background colour first.
+/// Flag of ExtTextOut: first fills the rectangle with the background colour.
 inline constexpr UINT ETO_OPAQUE = 2;
 inline constexpr UINT ETO_CLIPPED = 4;
 
-/// Map modes: what a logical unit is. y grows upward in all but MM_TEXT and the two free ones.
+/// Map modes: the size of a logical unit. y grows upward in all except MM_TEXT and the two free ones.
 enum : int {
     MM_TEXT = 1,
     MM_LOMETRIC,
@@ -80,7 +80,7 @@ enum : int {
     MM_ANISOTROPIC
 };
 
-/// What GetDeviceCaps tells.
+/// Indexes of GetDeviceCaps.
 enum : int {
     TECHNOLOGY = 2,
     HORZSIZE = 4,  ///< millimetres
@@ -89,11 +89,11 @@ enum : int {
     VERTRES = 10,  ///< device units of the drawable area
     BITSPIXEL = 12,
     PLANES = 14,
-    LOGPIXELSX = 88,  ///< device units an inch
+    LOGPIXELSX = 88,  ///< device units per inch
     LOGPIXELSY = 90,
-    PHYSICALWIDTH = 110,  ///< device units of the whole sheet; 0 where there is none
+    PHYSICALWIDTH = 110,  ///< device units of the whole sheet; 0 if there is none
     PHYSICALHEIGHT = 111,
-    PHYSICALOFFSETX = 112,  ///< from the sheet's corner to the drawable area's
+    PHYSICALOFFSETX = 112,  ///< from the sheet's corner to that of the drawable area
     PHYSICALOFFSETY = 113
 };
 inline constexpr int DT_RASDISPLAY = 1;  ///< TECHNOLOGY of a picture or a screen
@@ -102,10 +102,10 @@ inline constexpr int DT_RASPRINTER = 2;  ///< TECHNOLOGY of a printer
 /// How BitBlt combines pixels.
 inline constexpr DWORD SRCCOPY = 0x00CC0020;
 
-/// What a clip is, as answers tell it: without area, or a rectangle.
+/// What a clip is, as returned: empty, or a rectangle.
 enum : int { NULLREGION = 1, SIMPLEREGION = 2 };
 
-/// Objects that are always there.
+/// Stock objects.
 enum : int {
     WHITE_BRUSH = 0,
     LTGRAY_BRUSH,
@@ -138,8 +138,8 @@ struct LOGBRUSH {
     LONG lbHatch;
 };
 
-/// A font as asked for. lfHeight below 0 is the em height, above 0 the height of a cell (ascent and descent), and 0 a
-/// cell of 1/6 inch; logical units of the context that the font is selected into.
+/// The font requested. lfHeight below 0 is the em height, above 0 the height of a cell (ascent and descent), and 0 a
+/// cell of 1/6 inch; in logical units of the context that the font is selected into.
 struct LOGFONT {
     LONG lfHeight;
     LONG lfWidth;
@@ -154,7 +154,7 @@ struct LOGFONT {
     BYTE lfClipPrecision;
     BYTE lfQuality;
     BYTE lfPitchAndFamily;
-    char lfFaceName[LF_FACESIZE];  ///< in the code page; not always ended by a zero
+    char lfFaceName[LF_FACESIZE];  ///< in the code page; may lack the zero at the end
 };
 
 /// Measures of the selected font, in logical units.
@@ -162,16 +162,16 @@ struct TEXTMETRIC {
     LONG tmHeight;  ///< of a line: ascent and descent, each rounded to whole device units
     LONG tmAscent;
     LONG tmDescent;
-    LONG tmInternalLeading;  ///< what tmHeight has above the em height
-    LONG tmExternalLeading;  ///< 0: lines stand tmHeight apart
+    LONG tmInternalLeading;  ///< the part of tmHeight above the em height
+    LONG tmExternalLeading;  ///< 0: lines are tmHeight apart
     LONG tmAveCharWidth;
 };
 
-/// What a document is, for StartDoc.
+/// Describes a document for StartDoc.
 struct DOCINFO {
     int cbSize;
     const char* lpszDocName;
-    const char* lpszOutput;  ///< null: documents go where the context's do, to nothing else
+    const char* lpszOutput;  ///< null: documents go where the context's do; no other output is possible
     const char* lpszDatatype;
     DWORD fwType;
 };

@@ -11,7 +11,7 @@ struct Alias {
     const char* families;
 };
 
-// Fontconfig itself knows the Latin faces with metrically equal ones (Arial, Times New Roman, Courier New).
+// Fontconfig itself knows metrically equal fonts for the Latin faces (Arial, Times New Roman, Courier New).
 constexpr Alias kAliases[] = {
     {"MS Gothic", "MS Gothic,IPAGothic,monospace"},
     {"ＭＳ ゴシック", "MS Gothic,IPAGothic,monospace"},
@@ -27,7 +27,7 @@ constexpr Alias kAliases[] = {
     {"System", "sans-serif"},
 };
 
-// Faces are the same in capitals and in small letters.
+// Names of faces ignore case.
 bool IsSameFace(std::string_view a, std::string_view b) {
     const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     return std::ranges::equal(a, b, {}, folded, folded);

@@ -4,9 +4,9 @@
 
 namespace qel {
 
-/// The families to look for, separated by commas, for a face that an application asks for (UTF-8; both may be empty):
-/// the faces of the framework's own systems have metrically equal or alike ones here, Japanese ones under both of their
-/// names. Other faces are taken as they are. A Japanese family always stands at the end.
+/// The font families to look for, separated by commas, when an application asks for a face (UTF-8; both may be empty).
+/// For faces of the framework's own systems they are metrically equal or similar fonts, for Japanese ones under both of
+/// their names. Other faces are used as they are. A Japanese family is always last.
 std::string FontFamilies(const std::string& face);
 
 }  // namespace qel

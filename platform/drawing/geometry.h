@@ -13,7 +13,7 @@ struct SIZE {
     LONG cy;
 };
 
-/// A rectangle by its edges; the right and the bottom edge do not belong to it.
+/// A rectangle given by its edges; the right and bottom edges are not included.
 struct RECT {
     LONG left;
     LONG top;
@@ -45,13 +45,13 @@ public:
     void Offset(const POINT& by) noexcept { Offset(by.x, by.y); }
     CPoint operator+(const SIZE& by) const noexcept;
     CPoint operator-(const SIZE& by) const noexcept;
-    CSize operator-(const POINT& from) const noexcept;  ///< the way from there to here
+    CSize operator-(const POINT& from) const noexcept;  ///< the distance from there to here
 
     friend constexpr bool operator==(const CPoint& a, const CPoint& b) noexcept { return a.x == b.x && a.y == b.y; }
 };
 
-/// A rectangle with value semantics. Nothing but NormalizeRect puts the edges in order; sums and differences wrap at
-/// 32 bits, so that edges from a file never leave the defined arithmetic.
+/// A rectangle with value semantics. Only NormalizeRect puts the edges in order. Sums and differences wrap at 32 bits,
+/// so that edges read from a file never cause undefined behaviour.
 class QELLIB10_API CRect : public RECT {
 public:
     constexpr CRect() noexcept : RECT{0, 0, 0, 0} {}
@@ -59,7 +59,7 @@ public:
     constexpr CRect(const RECT& rect) noexcept : RECT(rect) {}
     CRect(const POINT& topLeft, const SIZE& size) noexcept;
 
-    /// So that a rectangle can be given where its address is asked for.
+    /// So that a rectangle can be passed where its address is expected.
     operator RECT*() noexcept { return this; }
     operator const RECT*() const noexcept { return this; }
 
@@ -72,7 +72,7 @@ public:
 
     void SetRect(int l, int t, int r, int b) noexcept { *this = CRect(l, t, r, b); }
     void SetRectEmpty() noexcept { *this = CRect(); }
-    /// Without area: right not behind left, or bottom not below top.
+    /// Empty: right is not past left, or bottom not past top.
     BOOL IsRectEmpty() const noexcept { return right <= left || bottom <= top; }
     BOOL PtInRect(const POINT& point) const noexcept;
 
@@ -81,11 +81,11 @@ public:
     /// Moves every edge outward by @p dx and @p dy.
     void InflateRect(int dx, int dy) noexcept;
     void DeflateRect(int dx, int dy) noexcept;  ///< inward
-    /// Exchanges edges so that width and height are not negative.
+    /// Swaps edges so that width and height are not negative.
     void NormalizeRect() noexcept;
-    /// Becomes what both have in common, or the empty rectangle 0,0,0,0. @return 0 when that is nothing
+    /// Becomes the intersection of both, or the empty rectangle 0,0,0,0. @return 0 if it is empty
     BOOL IntersectRect(const RECT& a, const RECT& b) noexcept;
-    /// Becomes the smallest one around both; one without area counts for nothing. @return 0 when that is nothing
+    /// Becomes the smallest rectangle around both; an empty one is ignored. @return 0 if the result is empty
     BOOL UnionRect(const RECT& a, const RECT& b) noexcept;
 
     friend constexpr bool operator==(const CRect& a, const CRect& b) noexcept {

@@ -8,13 +8,13 @@
 
 namespace qel {
 
-/// What handles stand for. A handle is a number that is never given twice, so that a stale one finds nothing. Any
+/// Maps handles to entries. A handle is a number that is never used twice, so that a stale one finds nothing. Any
 /// thread.
 template <class Entry> class HandleTable {
 public:
     void* Add(std::shared_ptr<Entry> entry) {
         const std::lock_guard lock(m_lock);
-        // Odd, so that no handle is taken for an address.
+        // Odd, so that no handle can be mistaken for an address.
         m_nLast += 2;
         m_mapEntry.emplace(m_nLast, std::move(entry));
         return reinterpret_cast<void*>(m_nLast);
@@ -26,7 +26,7 @@ public:
         return found != m_mapEntry.end() ? found->second : nullptr;
     }
 
-    /// Forgets the handle; what it stood for lives on while somebody shares it.
+    /// Removes the handle; its entry lives on while somebody shares it.
     std::shared_ptr<Entry> Remove(const void* handle) {
         const std::lock_guard lock(m_lock);
         const auto found = m_mapEntry.find(reinterpret_cast<std::uintptr_t>(handle));

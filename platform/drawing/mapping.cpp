@@ -8,7 +8,7 @@
 namespace qel {
 namespace {
 
-// Rounded to nearest, halves away from zero; extents are never 0. A distance beyond 32 bits counts as the longest.
+// Rounded to nearest, halves away from zero; extents are never 0. A distance beyond 32 bits counts as the longest one.
 LONGLONG Scale(LONGLONG distance, LONG numerator, LONG denominator) noexcept {
     LONGLONG product = LONGLONG{Kept(distance)} * numerator;
     LONGLONG divisor = denominator;
@@ -19,7 +19,7 @@ LONGLONG Scale(LONGLONG distance, LONG numerator, LONG denominator) noexcept {
     return (product < 0 ? product - divisor / 2 : product + divisor / 2) / divisor;
 }
 
-// Logical units an inch of the modes with a unit of their own.
+// Logical units per inch of the modes with a fixed unit.
 int UnitsPerInch(int mode) noexcept {
     switch (mode) {
         case MM_LOMETRIC:
@@ -47,7 +47,7 @@ bool Mapping::SetMode(int mode) noexcept {
         m_windowExtent = {units, units};
         m_viewportExtent = {m_dotsPerInch.cx, -m_dotsPerInch.cy};
     } else if (mode == MM_ISOTROPIC && m_nMode != MM_ISOTROPIC) {
-        // Begins with tenths of a millimetre, as the framework does.
+        // Starts with tenths of a millimetre, like the framework.
         m_windowExtent = {254, 254};
         m_viewportExtent = {m_dotsPerInch.cx, -m_dotsPerInch.cy};
     }
@@ -82,7 +82,7 @@ bool Mapping::SetViewportExtent(const SIZE& extent) noexcept {
     return true;
 }
 
-// In the mode of equal units the longer of both scales gives way.
+// In the mode of equal units the longer of both scales is adjusted.
 void Mapping::KeepShape() noexcept {
     if (m_nMode != MM_ISOTROPIC) return;
     const double across = std::abs(double(m_viewportExtent.cx) / m_windowExtent.cx);

@@ -7,20 +7,20 @@
 
 namespace qel {
 
-/// The nearest number of 32 bits.
+/// The nearest 32-bit number.
 inline LONG Kept(LONGLONG value) noexcept {
     return static_cast<LONG>(
         std::clamp<LONGLONG>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
 }
 
-/// Where logical coordinates lie on the device: device = (logical - window origin) * viewport extent / window extent +
-/// viewport origin, rounded to nearest and kept within 32 bits.
+/// Maps logical coordinates to the device: device = (logical - window origin) * viewport extent / window extent +
+/// viewport origin, rounded to nearest and limited to 32 bits.
 class Mapping {
 public:
     explicit Mapping(const SIZE& dotsPerInch) : m_dotsPerInch(dotsPerInch) {}
 
     int Mode() const noexcept { return m_nMode; }
-    /// @return false for a mode that is none
+    /// @return false for an unknown mode
     bool SetMode(int mode) noexcept;
 
     POINT WindowOrigin() const noexcept { return m_windowOrigin; }
@@ -29,11 +29,11 @@ public:
     SIZE ViewportExtent() const noexcept { return m_viewportExtent; }
     void SetWindowOrigin(const POINT& origin) noexcept;
     void SetViewportOrigin(const POINT& origin) noexcept;
-    /// Extents are taken in the two free modes only, and never 0. @return whether it was taken
+    /// Extents are used only in the two free modes, and are never 0. @return whether it was set
     bool SetWindowExtent(const SIZE& extent) noexcept;
     bool SetViewportExtent(const SIZE& extent) noexcept;
 
-    // Points by value, in a register: one that was written to memory as two halves is slow to be read as a whole.
+    // Points by value, in a register: reading a point that was just stored as two halves is slow.
     POINT ToDevice(POINT logical) const noexcept { return m_isShift ? Shifted(logical) : Scaled(logical); }
     /// Whether ToDevice changes nothing.
     bool IsSame() const noexcept {
@@ -43,7 +43,7 @@ public:
     /// A length in device units, not negative.
     int WidthToDevice(int width) const noexcept;
     int HeightToDevice(int height) const noexcept;
-    /// A length of device units in logical ones, not negative.
+    /// A length in device units as logical units, not negative.
     int WidthToLogical(int width) const noexcept;
     int HeightToLogical(int height) const noexcept;
 
@@ -62,7 +62,7 @@ private:
     POINT m_viewportOrigin{0, 0};
     SIZE m_windowExtent{1, 1};
     SIZE m_viewportExtent{1, 1};
-    bool m_isShift = true;  // extents of 1: the common case is a sum
+    bool m_isShift = true;  // extents of 1: in this common case a sum is enough
 };
 
 }  // namespace qel

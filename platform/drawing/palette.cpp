@@ -5,14 +5,14 @@
 namespace qel {
 namespace {
 
-// Numbers of colours by an open hash; four times as many places as colours keep the searches short.
+// Numbers colours with an open hash table; four times as many slots as colours keep the searches short.
 class ColorNumbers {
 public:
     static constexpr int kNone = -1;
 
     ColorNumbers() { m_aryNumber.fill(kNone); }
 
-    /// The colour's number, or kNone when it would be the 257th.
+    /// The colour's number, or kNone if it would be the 257th.
     int Of(std::uint32_t color) {
         for (std::size_t place = (color * 0x9E3779B1u) >> 22;; place = (place + 1) % kPlaces) {
             int& number = m_aryNumber[place];
@@ -45,7 +45,7 @@ std::optional<PalettePicture> WithPalette(const PixelBuffer& pixels) {
     for (int y = 0; y < pixels.Height(); ++y) {
         const std::uint32_t* const row = pixels.Row(y);
         for (int x = 0; x < pixels.Width(); ++x) {
-            // Most pixels are like the one before.
+            // Most pixels equal the one before.
             if (const std::uint32_t color = row[x] & 0xFFFFFF; color != last) {
                 number = numbers.Of(color);
                 if (number == ColorNumbers::kNone) return std::nullopt;

@@ -9,7 +9,7 @@
 namespace qel {
 namespace {
 
-constexpr std::time_t kLastSecond = 253'402'300'799;  // of the year 9999, the last that a PDF date has digits for
+constexpr std::time_t kLastSecond = 253'402'300'799;  // of the year 9999, the last one that fits in a PDF date
 constexpr const char* kYear2000 = "D:20000101000000Z";
 
 std::optional<std::time_t> SourceDate() {
@@ -55,8 +55,8 @@ std::string PdfDate::Iso() const {
 void PdfDate::WriteInto(std::span<std::byte> document) const {
     const std::string key = "/CreationDate (", made = key + m_text.substr(2, 14) + "+00'00)";
     const auto isSame = [](std::byte byte, char c) { return byte == static_cast<std::byte>(c); };
-    // Cairo 1.16's form. One that writes another has its own date left in place: then the test of PDF dates fails.
-    // The last one: what a document says of itself comes after its pages.
+    // Cairo 1.16's form. If Cairo writes another form, its date stays, and the test of PDF dates fails. The last one:
+    // the document information follows the pages.
     const auto place = std::find_end(document.begin(), document.end(), made.begin(), made.end(), isSame);
     if (place == document.end()) return;
     std::string text = key + m_text + ")";

@@ -54,7 +54,7 @@ struct PdfSurface::Document {
     PdfDate date;
     std::vector<std::byte> bytes;
     cairo_surface_t* surface = nullptr;
-    cairo_t* cairo = nullptr;  // of the page that is begun
+    cairo_t* cairo = nullptr;  // of the current page
     int pages = 0;
 };
 
@@ -128,7 +128,7 @@ int PdfSurface::EndPage() {
 int PdfSurface::EndDoc() {
     if (!m_pDocument) return -1;
     const std::unique_ptr<Document> document = std::move(m_pDocument);
-    if (document->cairo != nullptr) return -1;  // a page that is not ended is no page
+    if (document->cairo != nullptr) return -1;  // a page that was not ended is not a page
     if (document->pages == 0) return 1;
     cairo_surface_finish(document->surface);
     if (cairo_surface_status(document->surface) != CAIRO_STATUS_SUCCESS) return -1;

@@ -10,9 +10,9 @@
 
 namespace qel {
 
-/// Pages of a PDF document (ISO 32000), of a printer's resolution. The bytes are collected in memory and handed on as a
-/// whole at the end of the document; a document that is not ended leaves nothing behind. The same pages with the same
-/// date give the same bytes.
+/// Pages of a PDF document (ISO 32000) in a printer's resolution. The bytes are collected in memory and passed on as a
+/// whole at the end of the document; a document that is not ended leaves nothing. The same pages with the same date
+/// give the same bytes.
 class PdfSurface : public VectorSurface {
 public:
     PdfSurface(const PageSetup& page, std::unique_ptr<DocumentSink> sink, UndatedPdf undated);
@@ -37,7 +37,7 @@ private:
     std::unique_ptr<DocumentSink> m_pSink;
     UndatedPdf m_undated;
     PdfInfo m_info;
-    std::unique_ptr<Document> m_pDocument;  // while one is begun
+    std::unique_ptr<Document> m_pDocument;  // while a document is open
 };
 
 }  // namespace qel

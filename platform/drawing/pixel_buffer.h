@@ -9,13 +9,13 @@ namespace qel {
 
 class Surface;
 
-/// The pixels of a bitmap, row after row from the top, each 0x00RRGGBB: the form that Cairo's RGB24 pictures have.
+/// The pixels of a bitmap, row after row from the top, each 0x00RRGGBB: the form of Cairo's RGB24 pictures.
 class PixelBuffer {
 public:
-    /// Cairo's limit for a side.
+    /// Cairo's limit of a side.
     static constexpr int kLongestSide = 32767;
 
-    /// A black picture, or null when a side is below 1 or too long, or memory does not suffice.
+    /// A black picture, or null when a side is below 1 or too long, or memory runs out.
     static std::shared_ptr<PixelBuffer> Create(int width, int height);
 
     int Width() const noexcept { return m_nWidth; }
@@ -23,10 +23,10 @@ public:
     std::uint32_t* Row(int y) noexcept { return m_pPixels.get() + std::size_t(y) * std::size_t(m_nWidth); }
     const std::uint32_t* Row(int y) const noexcept { return m_pPixels.get() + std::size_t(y) * std::size_t(m_nWidth); }
 
-    // Surfaces that draw here may hold lines back until somebody reads the pixels without them.
+    // Surfaces that draw here may collect lines until somebody reads the pixels directly.
     void AddSurface(Surface& surface) { m_arySurface.push_back(&surface); }
     void RemoveSurface(Surface& surface) noexcept { std::erase(m_arySurface, &surface); }
-    /// Has all of them draw what they hold back.
+    /// Makes all of them draw what they have collected.
     void Settle();
 
 private:

@@ -29,12 +29,12 @@ void Append(png_structp png, png_bytep bytes, std::size_t count) {
     if (!isDone) png_error(png, "no memory");
 }
 
-// What is written, in libpng's terms.
+// The content in libpng's terms.
 struct Content {
     png_uint_32 width;
     png_uint_32 height;
     png_uint_32 dotsAMetre;
-    std::vector<png_color> palette;  // empty: three bytes a pixel
+    std::vector<png_color> palette;  // empty: three bytes per pixel
     std::vector<png_byte> bytes;     // rows one after another
 };
 
@@ -65,7 +65,7 @@ Content ContentOf(const PixelBuffer& pixels, int dotsPerInch) {
     return content;
 }
 
-// Nothing in here has a destructor: libpng leaves by a jump when it fails.
+// Nothing in here has a destructor: on failure libpng leaves by a jump.
 bool Write(png_structp png, png_infop info, const Content& content) {
     if (setjmp(png_jmpbuf(png)) != 0) return false;
     const bool hasPalette = !content.palette.empty();
@@ -73,7 +73,7 @@ bool Write(png_structp png, png_infop info, const Content& content) {
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     if (hasPalette) png_set_PLTE(png, info, content.palette.data(), static_cast<int>(content.palette.size()));
     png_set_pHYs(png, info, content.dotsAMetre, content.dotsAMetre, PNG_RESOLUTION_METER);
-    // Curves are alike from row to row: their differences pack well at the fastest level already.
+    // Curves look alike from row to row: their differences compress well at the fastest level.
     png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_UP);
     png_set_compression_level(png, 1);
     png_write_info(png, info);

@@ -7,9 +7,8 @@
 
 namespace qel {
 
-/// A picture as the bytes of a PNG file (ISO/IEC 15948): with a palette when it has at most 256 colours, else in 24
-/// bits.
-/// @throws DataError when memory runs out in the middle
+/// A picture as the bytes of a PNG file (ISO/IEC 15948): with a palette if it has at most 256 colours, else in 24 bits.
+/// @throws DataError if memory runs out while encoding
 std::vector<std::byte> EncodePng(const PixelBuffer& pixels, int dotsPerInch);
 
 }  // namespace qel

@@ -20,7 +20,7 @@ BOOL CFont::CreatePointFontIndirect(const LOGFONT* font, CDC* dc) {
     const int dotsPerInch = isScreen ? qel::kScreenDotsPerInch : dc->GetDeviceCaps(LOGPIXELSY);
     POINT size[] = {{0, MulDiv(dotsPerInch, font->lfHeight, 720)}, {0, 0}};
     if (dc != nullptr) {
-        dc->DPtoLP(size, 2);  // the origins fall out of the difference
+        dc->DPtoLP(size, 2);  // the origins cancel out in the difference
     }
     const LONGLONG height = LONGLONG{size[0].y} - size[1].y;
     inUnits.lfHeight = static_cast<LONG>(-std::min<LONGLONG>(std::abs(height), 0x7FFFFFFF));

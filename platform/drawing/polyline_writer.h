@@ -7,10 +7,10 @@
 
 namespace qel {
 
-/// Draws a polyline of thin solid lines with the pixels that drawing each line by itself gives, in a fraction of the
-/// time where many points fall into one column: from the lowest to the highest of them every pixel is drawn and nothing
-/// else, so such a run becomes one vertical line. Only the run that ends the polyline is different: its very last pixel
-/// stays out when it was reached only by the last point.
+/// Draws a polyline of thin solid lines with the same pixels as drawing each line separately, in a fraction of the time
+/// if many points are in one column. A run of points in a column colours every pixel from the lowest to the highest and
+/// no other, so it becomes one vertical line. Only the run at the end of the polyline is different: its last pixel is
+/// not drawn if only the last point reached it.
 template <class Pixel> class BasicPolylineWriter {
 public:
     BasicPolylineWriter(const BasicRaster<Pixel>& raster, Pixel value) : m_raster(raster), m_value(value) {}
@@ -27,7 +27,7 @@ public:
             m_isEntered = true;
             return;
         }
-        if (to.y == m_at.y) return;  // a line of no length does not even visit its point
+        if (to.y == m_at.y) return;  // a line of length 0 does not even touch its point
         ++m_nIndex;
         if (to.y < m_low) {
             m_low = to.y;
@@ -39,7 +39,7 @@ public:
         }
         m_at = to;
     }
-    /// Draws what is held back; the polyline may go on.
+    /// Draws what was collected; the polyline may continue.
     void Flush() {
         DrawRun(true);
         Begin(m_at);
@@ -56,7 +56,7 @@ private:
         if (m_isEntered) DrawEntry();
         if (m_low == m_high) return;
         if (m_at.x < m_raster.left || m_at.x >= m_raster.right) return;
-        // The last point's row is left out when nothing but the last line reached it.
+        // The last point's row is left out if only the last line reached it.
         const bool isLowOut = isEnd && m_lowIndex == m_nIndex;
         const bool isHighOut = isEnd && !isLowOut && m_highIndex == m_nIndex;
         const std::int64_t first = std::max<std::int64_t>(m_raster.top, std::int64_t{m_low} + isLowOut);

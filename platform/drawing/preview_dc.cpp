@@ -7,7 +7,7 @@
 
 namespace {
 
-// Both factors in 32 bits with the same ratio, as near as those allow.
+// Both factors reduced to 32 bits, with the same ratio as far as possible.
 SIZE Reduced(LONGLONG numerator, LONGLONG denominator) {
     const LONGLONG common = std::max<LONGLONG>(1, std::gcd(numerator, denominator));
     numerator /= common;
@@ -82,7 +82,7 @@ void CPreviewDC::Mirror() {
     screen.SetViewportOrigin(corner);
 }
 
-// The base sets both contexts; the screen's is then derived anew from the printer's, whose value is the answer.
+// The base class sets both contexts; the screen's is then derived again from the printer's, whose value is returned.
 
 int CPreviewDC::SetMapMode(int mode) {
     const int before = GetMapMode();

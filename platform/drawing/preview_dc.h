@@ -2,9 +2,9 @@
 
 #include "qellib10/platform/drawing/dc.h"
 
-/// A printer's page on the screen: the attribute context is the printer's, so that code which asks for resolution,
-/// fonts and map modes lays out as for the printer; the output context is the screen's, onto which everything is
-/// scaled. Neither context is deleted with this object.
+/// Shows a printer's page on the screen. The attribute context is the printer's, so that code which asks for
+/// resolution, fonts and map modes lays out as for the printer. The output context is the screen's, and everything is
+/// scaled to it. Neither context is deleted with this object.
 class QELLIB10_API CPreviewDC : public CDC {
 public:
     CPreviewDC() = default;
@@ -15,12 +15,12 @@ public:
     void ReleaseOutputDC() override;
     void ReleaseAttribDC() override;
 
-    /// Where the page's drawable corner lies on the screen, in its device units.
+    /// The position of the corner of the page's drawable area on the screen, in screen device units.
     void SetTopLeftOffset(const CSize& offset);
-    /// How large the page is shown: @p numerator / @p denominator of its real size. Values below 1 are passed over.
+    /// The size of the page on the screen: @p numerator / @p denominator of its real size. Values below 1 are ignored.
     void SetScaleRatio(int numerator, int denominator);
 
-    /// A position in the printer's device units in those of the screen, without the viewport's origin.
+    /// Converts a position from device units of the printer to those of the screen, without the viewport's origin.
     void PrinterDPtoScreenDP(POINT* point) const;
 
     int SetMapMode(int mode) override;

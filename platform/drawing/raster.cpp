@@ -17,7 +17,7 @@ LineSteps::LineSteps(const POINT& from, const POINT& to, const CRect& clip) noex
     m_isAlongX = std::abs(dx) >= std::abs(dy);
     m_length = std::abs(m_isAlongX ? dx : dy);
     m_rise = std::abs(m_isAlongX ? dy : dx);
-    if (m_length == 0 || clip.IsRectEmpty()) return;  // a line of no length draws nothing
+    if (m_length == 0 || clip.IsRectEmpty()) return;  // a line of length 0 draws nothing
     m_stepMajor = (m_isAlongX ? dx : dy) > 0 ? 1 : -1;
     m_stepMinor = (m_isAlongX ? dy : dx) > 0 ? 1 : -1;
     m_bias = m_stepMinor > 0 ? 1 : 0;
@@ -35,14 +35,14 @@ LineSteps::LineSteps(const POINT& from, const POINT& to, const CRect& clip) noex
         first = std::max(first, major0 - majorHigh);
         last = std::min(last, major0 - majorLow);
     }
-    // How often the other coordinate must, and may, have moved.
+    // How often the other coordinate must have moved, and how often it may have.
     const std::int64_t least = m_stepMinor > 0 ? minorLow - minor0 : minor0 - minorHigh;
     const std::int64_t most = m_stepMinor > 0 ? minorHigh - minor0 : minor0 - minorLow;
     if (most < 0) return;
     if (m_rise == 0) {
         if (least > 0) return;
     } else {
-        // The first step at which it has moved `moves` times, at least once.
+        // The first step at which it has moved `moves` times (at least once).
         const auto firstStep = [this](Wide moves) {
             return static_cast<std::int64_t>((2 * m_length * moves - m_length + m_bias + 2 * m_rise - 1) /
                                              (2 * m_rise));

@@ -8,8 +8,8 @@
 
 namespace qel {
 
-/// Pixels that may be written: whole rows of an image, limited to a clip inside it (right and bottom exclusive).
-/// A word is a pixel of 0x00RRGGBB or, in a mask, whatever its drawer makes of it.
+/// Pixels that can be written: whole rows of an image, limited to a clip inside it (right and bottom exclusive). A word
+/// is a pixel 0x00RRGGBB or, in a mask, whatever its drawer uses it for.
 template <class Pixel> struct BasicRaster {
     Pixel* pixels = nullptr;
     std::ptrdiff_t stride = 0;  ///< in pixels
@@ -20,7 +20,7 @@ template <class Pixel> struct BasicRaster {
 
     Pixel* At(int x, int y) const noexcept { return pixels + y * stride + x; }
     bool Contains(POINT at) const noexcept { return at.x >= left && at.x < right && at.y >= top && at.y < bottom; }
-    /// What a box has in common with the clip; without area when that is nothing.
+    /// The intersection of a box and the clip; empty if they do not overlap.
     CRect Clipped(const CRect& box) const noexcept {
         CRect common;
         common.IntersectRect(box, CRect(left, top, right, bottom));
@@ -29,21 +29,22 @@ template <class Pixel> struct BasicRaster {
 };
 using Raster = BasicRaster<std::uint32_t>;
 
-/// Which pixels a thin line from one point up to, not including, another consists of.
+/// The pixels of a thin line from one point up to, but not including, another.
 ///
-/// One step along the longer axis (x when both are the same) a pixel; the other coordinate is the exact value rounded
-/// to nearest, a tie going to the smaller coordinate whatever the direction. Clipping changes no pixel: the steps
-/// inside the clip are computed, not walked to. Coordinates may be any 32-bit numbers.
+/// One step along the longer axis (x if both are equal) per pixel; the other coordinate is the exact value rounded to
+/// nearest, a tie to the smaller coordinate whatever the direction. Clipping changes no pixel: the steps inside the
+/// clip are computed, not walked. Coordinates may be any 32-bit numbers.
 class LineSteps {
 public:
     LineSteps(const POINT& from, const POINT& to, const CRect& clip) noexcept;
 
     bool IsEmpty() const noexcept { return m_first > m_last; }
-    std::int64_t First() const noexcept { return m_first; }  ///< number of the first step inside, from 0 at the start
+    /// number of the first step inside, counted from 0 at the start
+    std::int64_t First() const noexcept { return m_first; }
     std::int64_t Last() const noexcept { return m_last; }
     /// Calls @p plot with x, y and the number of each step.
     template <class Plot> void ForEach(Plot&& plot) const;
-    /// The same as fast as pixels can be written: sets each to @p value.
+    /// The same, as fast as pixels can be written: sets each to @p value.
     template <class Pixel> void Write(const BasicRaster<Pixel>& raster, Pixel value) const;
 
 private:
@@ -54,7 +55,7 @@ private:
 
     std::int64_t m_x0, m_y0;
     std::int64_t m_length = 0, m_rise = 0;  // along the longer and the other axis, not negative
-    std::int64_t m_bias = 0;                // 1 when a tie goes backward
+    std::int64_t m_bias = 0;                // 1 if a tie goes backward
     std::int64_t m_first = 0, m_last = -1;
     bool m_isAlongX = true;
     int m_stepMajor = 1, m_stepMinor = 1;
@@ -74,8 +75,8 @@ template <class Plot> void LineSteps::ForEach(Plot&& plot) const {
     }
 }
 
-/// How pixels lie that a line consists of: what a step along the longer axis adds, what one across, and how the error
-/// grows from step to step.
+/// How the pixels of a line follow each other: what a step along the longer axis adds, what one across adds, and how
+/// the error grows from step to step.
 template <class Pixel, class Number> struct PixelWalk {
     Pixel* pixel;
     std::ptrdiff_t along, across;
@@ -105,7 +106,7 @@ template <class Pixel> void LineSteps::Write(const BasicRaster<Pixel>& raster, P
         .Write(m_last - m_first + 1, value);
 }
 
-/// The same for a line whose ends both lie in the clip, as nearly all do: nothing is to be computed beforehand.
+/// The same for a line with both ends in the clip, as nearly all have: nothing needs to be computed first.
 template <class Pixel> void DrawThinLineInside(const BasicRaster<Pixel>& raster, POINT from, POINT to, Pixel value) {
     const int dx = to.x - from.x, dy = to.y - from.y;
     const int width = std::abs(dx), height = std::abs(dy);
@@ -118,7 +119,7 @@ template <class Pixel> void DrawThinLineInside(const BasicRaster<Pixel>& raster,
     }
 }
 
-/// Draws a thin solid line, its last pixel left out.
+/// Draws a thin solid line without its last pixel.
 template <class Pixel> void DrawThinLine(const BasicRaster<Pixel>& raster, POINT from, POINT to, Pixel value) {
     if (raster.Contains(from) && raster.Contains(to)) {
         DrawThinLineInside(raster, from, to, value);
@@ -141,7 +142,7 @@ struct EllipseSpan {
     int right;
 };
 /// The rows of the ellipse inscribed in @p width x @p height pixels, symmetric on both axes, touching all four sides;
-/// sides of at least 1.
+/// each side is at least 1.
 std::vector<EllipseSpan> EllipseSpans(int width, int height);
 
 }  // namespace qel

@@ -4,15 +4,15 @@
 
 namespace qel {
 
-/// The resolution that screens are taken to have.
+/// The resolution that all screens are assumed to have.
 inline constexpr int kScreenDotsPerInch = 96;
 
-/// Device units that a screen's pixel is long on a device: what the lengths of dashes and hatches are multiplied with.
+/// The length of a screen pixel in device units: lengths of dashes and hatches are multiplied by it.
 constexpr double ScreenPixelLength(int dotsPerInch) noexcept {
     return double(dotsPerInch < 1 ? 1 : dotsPerInch) / kScreenDotsPerInch;
 }
 
-/// What GetDeviceCaps answers for a picture, which has no sheet around it; 0 for an index that is not known.
+/// What GetDeviceCaps returns for a picture, which has no sheet around it; 0 for an unknown index.
 int PictureCaps(int index, const SIZE& size, const SIZE& dotsPerInch, int bitsPerPixel) noexcept;
 
 }  // namespace qel

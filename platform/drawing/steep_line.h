@@ -7,21 +7,21 @@
 
 namespace qel {
 
-/// Whether DrawSteepLine draws a line. Both ends have to lie in the clip.
+/// Whether DrawSteepLine can draw this line. Both ends must be in the clip.
 inline bool IsSteep(POINT from, POINT to) noexcept {
     constexpr int kWidest = 2, kHighest = 4096;
     const int width = std::abs(to.x - from.x), height = std::abs(to.y - from.y);
     return width >= 1 && width <= kWidest && height >= width && height <= kHighest;
 }
 
-/// As DrawThinLineInside, for the lines that a dense curve consists of: as high as they like, and up to two columns
-/// from end to end. Step by step a processor would guess wrong at each change of the column and at each end. So all
-/// pixels of a block are written wherever they lie; those behind the end once more onto the last.
+/// Like DrawThinLineInside, for the lines of a dense curve: any height, and up to two columns wide. Drawn step by step,
+/// the processor would mispredict each change of column and each end. So all pixels of a block are written at their
+/// places, and those past the end once more onto the last one.
 template <class Pixel> void DrawSteepLine(const BasicRaster<Pixel>& raster, POINT from, POINT to, Pixel value) {
     constexpr int kBlock = 8;
     const int dx = to.x - from.x, height = std::abs(to.y - from.y);
     const std::ptrdiff_t down = to.y > from.y ? raster.stride : -raster.stride, right = dx > 0 ? 1 : -1;
-    // The steps at which the line has come halfway to the next column; a tie goes to the smaller coordinate.
+    // The steps at which the line is halfway to the next column; a tie goes to the smaller coordinate.
     const int tie = dx > 0 ? 1 : 0;
     const bool isNarrow = std::abs(dx) == 1;
     const int second = isNarrow ? (height + tie + 1) / 2 : (height + tie + 3) / 4;

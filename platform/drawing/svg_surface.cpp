@@ -81,7 +81,7 @@ void SvgSurface::Element(std::string_view nameAndAttributes, std::string_view co
     }
 }
 
-// A reference to a definition, which is written once however often it is used.
+// A reference to a definition, which is written only once.
 std::string SvgSurface::Reference(const std::string& element, const std::string& rest) {
     const auto [known, isNew] = m_mapDefinition.try_emplace(element + rest, m_mapDefinition.size() + 1);
     const std::string id = "d" + std::to_string(known->second);
@@ -122,7 +122,7 @@ std::string SvgSurface::StrokeAttributes(COLORREF color) const {
     return attributes;
 }
 
-// Adds a shape that is drawn with the pen; below dashes the background shows in their gaps.
+// Adds a shape that is drawn with the pen; for dashes the background is drawn first and shows in their gaps.
 void SvgSurface::Stroke(const std::string& name, const std::string& geometry) {
     std::string pen = StrokeAttributes(m_ink.penColor);
     if (m_ink.IsDashed()) {

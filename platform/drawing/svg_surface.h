@@ -53,9 +53,9 @@ private:
     CString m_szName;
     std::string m_definitions;
     std::string m_body;
-    std::map<std::string, std::size_t> m_mapDefinition;  // clips and hatches with their numbers, from 1
+    std::map<std::string, std::size_t> m_mapDefinition;  // the numbers of clips and hatches, from 1
     Ink m_ink;
-    std::vector<CPoint> m_aryPoint;  // of the polyline that is open
+    std::vector<CPoint> m_aryPoint;  // of the polyline being drawn
     ColumnReducer m_reducer;
     CPoint m_at;
 };

@@ -23,17 +23,17 @@ struct Unref {
 };
 template <class Object> using Owned = std::unique_ptr<Object, Unref>;
 
-// Larger glyphs would be pictures of many megabytes each.
+// Larger glyphs would each be a picture of many megabytes.
 constexpr double kHighestEm = 4096;
-constexpr int kWidestBox = 1 << 20;  // device units: what Pango's fixed point numbers hold
+constexpr int kWidestBox = 1 << 20;  // device units: the range of Pango's fixed point numbers
 
 Owned<PangoContext> NewContext() {
-    // The font map is the thread's own.
+    // Each thread has its own font map.
     Owned<PangoContext> context(pango_font_map_create_context(pango_cairo_font_map_get_default()));
     const Owned<cairo_font_options_t> options(cairo_font_options_create());
     cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
     cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
-    // Grey: colours of sub-pixels would be neither the paper's nor few enough for a palette.
+    // Grey: sub-pixel colours would not fit the paper, and would be too many for a palette.
     cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);
     pango_cairo_context_set_font_options(context.get(), options.get());
     pango_context_set_round_glyph_positions(context.get(), FALSE);
@@ -57,7 +57,7 @@ std::string WithoutControls(std::string_view utf8, bool keepsLineEnds) {
     return clean;
 }
 
-// All that a font depends on.
+// Everything that a font depends on.
 struct FontKey {
     FontKey(const LOGFONT& font, int deviceHeight)
         : face(font.lfFaceName, strnlen(font.lfFaceName, LF_FACESIZE)),
@@ -144,7 +144,7 @@ private:
         return Owned<PangoFontMetrics>(pango_context_get_metrics(m_context.get(), m_description.get(), nullptr));
     }
 
-    // The em height at which ascent and descent are @p height together.
+    // The em height at which ascent and descent add up to @p height.
     double EmOfCell(int height) {
         SetEm(1000);
         const Owned<PangoFontMetrics> metrics = Metrics();
@@ -158,10 +158,10 @@ private:
         pango_layout_set_text(m_layout.get(), text.data(), static_cast<int>(text.size()));
     }
 
-    // Texts of a picture that is drawn again and again are measured once.
+    // A picture that is drawn again and again measures its texts only once.
     int WidthOf(const std::string& text) const {
         if (text.empty()) return 0;
-        constexpr std::size_t kMost = 32, kLongest = 256;  // bytes; what is longer is not kept
+        constexpr std::size_t kMost = 32, kLongest = 256;  // bytes; longer texts are not cached
         const auto known = std::ranges::find(m_aryMeasured, text, &Measure::text);
         if (known != m_aryMeasured.end()) return known->width;
         Place(text);
@@ -190,7 +190,7 @@ private:
     Owned<PangoContext> m_context;
     Owned<PangoLayout> m_layout;
     Owned<PangoFontDescription> m_description;
-    mutable std::vector<Measure> m_aryMeasured;  // the last ones
+    mutable std::vector<Measure> m_aryMeasured;  // the most recent ones
 };
 
 }  // namespace
@@ -205,7 +205,7 @@ std::shared_ptr<const TextFont> TextFont::Kept(const LOGFONT& description, int h
         std::shared_ptr<const TextFont> font;
     };
     constexpr std::size_t kMost = 8;
-    thread_local std::vector<Entry> kept;  // the one asked for last comes first
+    thread_local std::vector<Entry> kept;  // the most recent one first
     FontKey key(description, height);
     auto found = std::ranges::find(kept, key, &Entry::key);
     if (found == kept.end()) {

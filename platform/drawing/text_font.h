@@ -15,17 +15,17 @@ namespace qel {
 struct TextLine {
     std::string text;  ///< UTF-8, without control characters
     int width = 0;     ///< advance in device units, trailing blanks included
-    int inkWidth = 0;  ///< without trailing blanks: what is centred
+    int inkWidth = 0;  ///< without trailing blanks: used for centring
 };
 
-/// A font at its size on a device. Everything is measured without hinting, so that all back ends agree. A font belongs
+/// A font in its size on a device. Everything is measured without hinting, so that all back ends agree. A font belongs
 /// to one thread.
 class TextFont {
 public:
-    /// @param description face and look, its height passed over
+    /// @param description face and style; its height is ignored
     /// @param height device units: below 0 the em height, above 0 that of a cell; not 0
     static std::shared_ptr<const TextFont> Create(const LOGFONT& description, int height);
-    /// The same, or one of the last few that this thread has got here, if it is as asked for: making one takes as long
+    /// The same, but returns one of the last few fonts that this thread got here if it fits: creating one takes as long
     /// as drawing several texts.
     static std::shared_ptr<const TextFont> Kept(const LOGFONT& description, int height);
     virtual ~TextFont() = default;
@@ -46,9 +46,9 @@ public:
     /// A whole text as one line; control characters become blanks.
     virtual TextLine Line(std::string_view utf8) const = 0;
     enum class Break { kNone, kWord, kWordOrCharacter };
-    /// A text of paragraphs (separated by LF, CR or both) broken to @p width device units.
+    /// A text of paragraphs (separated by LF, CR or both), broken into lines of @p width device units.
     virtual std::vector<TextLine> Lines(std::string_view utf8, int width, Break breaking) const = 0;
-    /// Draws a line, its baseline beginning at x, y, with the source that is set.
+    /// Draws a line with the current source; its baseline starts at x, y.
     virtual void Show(cairo_t* cairo, const TextLine& line, double x, double y) const = 0;
 
 protected:

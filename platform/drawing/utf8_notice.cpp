@@ -13,7 +13,7 @@ namespace {
 
 std::atomic<bool> theNoticeIsGiven = false;
 
-// Has characters of several bytes, and all of them are whole.
+// Contains characters of several bytes, and all of them are complete.
 bool HasFormOfUtf8(std::string_view text) {
     std::size_t at = EndOfAscii(text, 0);
     if (at == text.size()) return false;
@@ -24,12 +24,12 @@ bool HasFormOfUtf8(std::string_view text) {
     return true;
 }
 
-// The first characters, on one line: a whole report would bury what is said of it.
+// The first characters, on one line: a whole report would hide the message.
 std::string Sample(std::string_view text) {
     constexpr std::size_t kMaxBytes = 60;
     std::size_t end = std::min(text.size(), kMaxBytes);
     while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;  // not within a character
+        --end;  // not inside a character
     std::string sample(text.substr(0, end));
     std::ranges::replace_if(
         sample, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');

@@ -19,18 +19,18 @@
 namespace qel {
 namespace {
 
-// Some printers take no longer path.
+// Some printers do not accept longer paths.
 constexpr std::size_t kLongestPath = 10000;
-// The middle of a device unit, where lines of any width run.
+// The middle of a device unit: lines of any width are centred there.
 constexpr double kMiddle = 0.5;
-// How far out the join of two thin lines reaches at most: half of Cairo's limit.
+// The longest join of two thin lines: half of Cairo's limit.
 constexpr int kLongestMiter = 5;
 
 struct Destroy {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
 };
 
-// A copy of its own: the back end may keep it until the page ends.
+// A separate copy: the back end may keep it until the page ends.
 std::unique_ptr<cairo_surface_t, Destroy> PictureOf(const PixelBuffer& pixels, const CRect& source) {
     std::unique_ptr<cairo_surface_t, Destroy> picture(
         cairo_image_surface_create(CAIRO_FORMAT_RGB24, source.Width(), source.Height()));
@@ -92,7 +92,7 @@ void VectorSurface::LineTo(const POINT& to) {
     add(to);
     m_at = to;
     m_nPoints += m_aryLine.back().points.size() - before;
-    // A dashed line is kept in one piece: its pattern must not begin again.
+    // A dashed line is kept in one piece: its pattern must not start again.
     if (m_nPoints >= kLongestPath && !m_ink.IsDashed()) Flush();
 }
 
@@ -101,7 +101,7 @@ void VectorSurface::Flush() {
     m_isLineOpen = false;
     m_nPoints = 0;
     if (m_aryLine.empty()) return;
-    // Readers of a PDF move thin lines to whole dots of theirs: one along the edge of a clip would get lost.
+    // PDF readers move thin lines to whole device dots: a line along the edge of a clip would get lost.
     const bool isClipped = !IsInsideClip();
     Draw(
         [this](cairo_t* cairo) {
@@ -117,10 +117,10 @@ void VectorSurface::Flush() {
     m_aryLine.clear();
 }
 
-// Whether the clip cuts nothing off the lines that are held back.
+// Whether the clip cuts nothing off the collected lines.
 bool VectorSurface::IsInsideClip() const {
     if (!m_ink.clip) return true;
-    bool isUpright = true;  // or level: no join reaches out further than the lines do
+    bool isUpright = true;  // or horizontal: joins do not reach past the lines themselves
     CRect box(m_aryLine.front().points.front(), CSize(0, 0));
     for (const Line& line : m_aryLine) {
         CPoint before = line.points.front();
@@ -206,11 +206,11 @@ void VectorSurface::FillRect(const CRect& box, const LOGBRUSH& brush) {
     });
 }
 
-// Lines a cell apart, tied to the device's corner.
+// Lines one cell apart, starting at the device's corner.
 void VectorSurface::Hatch(cairo_t* cairo, const CRect& box, int hatch) {
     const double cell = kHatchCell * PixelLength();
     const double left = box.left, top = box.top, right = box.right, bottom = box.bottom;
-    // Lines on which a coordinate (or sum, or difference) is a whole number of cells and @p shift pixels, from low to
+    // Lines on which a coordinate (or sum, or difference) is a whole number of cells plus @p shift pixels, from low to
     // high.
     const auto lines = [&](double low, double high, double shift, const auto& line) {
         const double first = std::floor(low / cell) * cell + (shift + kMiddle) * PixelLength();

@@ -9,7 +9,7 @@ using cairo_t = struct _cairo;  // NOLINT: its name
 
 namespace qel {
 
-/// A back end whose shapes stay shapes: paths and texts of Cairo, one unit of it a device unit. Lines are collected
+/// A back end whose shapes stay shapes: paths and texts of Cairo, one Cairo unit per device unit. Lines are collected
 /// into one path until the pen changes or something else is drawn.
 class VectorSurface : public Surface {
 public:
@@ -26,9 +26,9 @@ public:
     void Flush() override;
 
 protected:
-    /// Where to draw now; null: nowhere (no page is begun).
+    /// The current target; null if there is none (no page is started).
     virtual cairo_t* Cairo() = 0;
-    /// Device units that a screen's pixel is long here: what the lengths of dashes and hatches are multiplied with.
+    /// The length of a screen pixel in device units: lengths of dashes and hatches are multiplied by it.
     double PixelLength() const;
 
 private:
@@ -36,7 +36,7 @@ private:
         std::vector<CPoint> points;
     };
 
-    /// Cairo with the clip of the ink, between save and restore; nothing is done without a page.
+    /// Runs @p step with the clip of the ink, between save and restore; does nothing without a page.
     template <class Step> void Draw(const Step& step, bool isClipped = true);
     bool IsInsideClip() const;
     void StrokePath(cairo_t* cairo);

@@ -9,14 +9,14 @@ namespace qel {
 namespace {
 
 constexpr std::int64_t kPixel = 256;
-// An edge is looked at just before the middle of a row.
+// Edges are sampled just before the middle of a row.
 constexpr std::int64_t kSample = kPixel / 2 - 1;
-// How far the polygon may be inside the circle, in pixels.
+// The largest distance of the polygon inside the circle, in pixels.
 constexpr double kTolerance = 0.1;
-// All products of coordinates are exact up to here, in pixels.
+// All products of coordinates are exact up to this limit, in pixels.
 constexpr int kFarthest = 1 << 20;
 
-// The first row or pixel whose middle is not before a place.
+// The first row or pixel whose middle is at or after a place.
 constexpr std::int64_t FirstFrom(std::int64_t place) noexcept { return (place + kSample) >> 8; }
 
 std::int64_t Rounded(double pixels) noexcept { return std::llrint(pixels * kPixel); }
@@ -30,7 +30,7 @@ bool IsNear(const POINT& at) noexcept {
     return at.x >= -kFarthest && at.x <= kFarthest && at.y >= -kFarthest && at.y <= kFarthest;
 }
 
-// An even number: the polygon is the same from both sides.
+// An even number: the polygon is symmetric.
 std::size_t CornersOf(double radius) noexcept {
     const auto corners = static_cast<std::size_t>(std::ceil(2 * M_PI / std::acos(1 - kTolerance / radius)));
     return corners + corners % 2;
@@ -38,7 +38,7 @@ std::size_t CornersOf(double radius) noexcept {
 
 }  // namespace
 
-// Calls step with each row from low up to, not including, high that an edge passes, and with the first pixel after it.
+// Calls step with each row from low up to (not including) high that an edge crosses, and with the first pixel after it.
 template <class Step>
 void WidePen::ForEachRow(Place from, Place to, std::int64_t low, std::int64_t high, const Step& step) {
     if (from.y > to.y) std::swap(from, to);
@@ -79,7 +79,7 @@ WidePen::WidePen(int width) : m_nWidth(width) {
 
 bool WidePen::Draw(const Raster& raster, const POINT& from, const POINT& to, std::uint32_t value) {
     if (!IsNear(from) || !IsNear(to)) return false;
-    const int reach = m_nWidth / 2 + 1;  // pixels that it is drawn on, to each side
+    const int reach = m_nWidth / 2 + 1;  // pixels that it can cover, to each side
     const int left = std::min(from.x, to.x) - reach, right = std::max(from.x, to.x) + reach;
     const int top = std::max(raster.top, std::min(from.y, to.y) - reach);
     const int bottom = std::min(raster.bottom, std::max(from.y, to.y) + reach + 1);
@@ -111,9 +111,10 @@ void WidePen::AddLine(const POINT& from, const POINT& to) {
     AddEnd(from, {-along.x, -along.y}, other);
 }
 
-// Half of the polygon, from one side of the line to the other one.
+// Half of the polygon, from one side of the line to the other.
 void WidePen::AddEnd(const POINT& at, const Place& outward, const Place& side) {
-    // Where an edge lies along the line either corner will do, but for a pixel now and then: these are Cairo's.
+    // If an edge is parallel to the line, either corner works except for an occasional pixel: these are Cairo's
+    // choices.
     const bool isForward = outward.x > 0 || (outward.x == 0 && outward.y > 0);
     const std::size_t first = CornerTouched(outward, isForward ? Tie::kEarlier : Tie::kLater);
     const std::size_t last = CornerTouched({-outward.x, -outward.y}, isForward ? Tie::kLater : Tie::kEarlier);
@@ -128,7 +129,7 @@ void WidePen::AddEnd(const POINT& at, const Place& outward, const Place& side) {
     AddEdge(middle + m_aryCorner[last], middle + side);
 }
 
-// The corner at which a line of that direction touches the polygon, the polygon being on the side of growing angles.
+// The corner at which a line with that direction touches the polygon; the polygon is on the side of growing angles.
 std::size_t WidePen::CornerTouched(const Place& direction, Tie tie) const noexcept {
     const double angle = std::atan2(-direction.x, direction.y) / (2 * M_PI);
     const auto corners = static_cast<double>(m_aryCorner.size());
@@ -141,7 +142,7 @@ std::size_t WidePen::CornerTouched(const Place& direction, Tie tie) const noexce
 
 bool WidePen::IsTouched(std::size_t corner, const Place& direction, Tie tie) const noexcept {
     const Place &before = m_aryCorner[Before(corner)], &at = m_aryCorner[corner], &next = m_aryCorner[Next(corner)];
-    // Above 0 where the line turns to growing angles against the edge.
+    // Above 0 if the line turns toward growing angles relative to the edge.
     const auto turn = [&](const Place& from, const Place& to) {
         return (to.x - from.x) * direction.y - (to.y - from.y) * direction.x;
     };
@@ -168,7 +169,7 @@ void WidePen::Widen(std::int64_t row, std::int64_t x) noexcept {
     span.right = std::max(span.right, x);
 }
 
-// Odd widths lie on the pixel's middle, even ones on its corner.
+// Odd widths are centred on the pixel's middle, even ones on its corner.
 WidePen::Place WidePen::MiddleOf(const POINT& at) const noexcept {
     const std::int64_t middle = m_nWidth % 2 != 0 ? kPixel / 2 : 0;
     return {at.x * kPixel + middle, at.y * kPixel + middle};

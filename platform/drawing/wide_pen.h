@@ -9,11 +9,12 @@
 
 namespace qel {
 
-/// Which pixels a line of a wide pen with round ends consists of: those whose middle lies within its outline, exactly
-/// as Cairo fills it without antialiasing, in a small part of the time.
+/// The pixels of a line of a wide pen with round ends: those whose middle is inside its outline, exactly as Cairo fills
+/// it without antialiasing, in a small part of the time.
 ///
-/// The outline has the line's two sides and, at each end, half of a polygon in place of the pen's circle, with so many
-/// corners that it is nowhere more than a tenth of a pixel inside. All corners are whole 256ths of a pixel.
+/// The outline has the line's two sides and, at each end, half of a polygon instead of the pen's circle. The polygon
+/// has so many corners that it is nowhere more than a tenth of a pixel inside the circle. All corners are whole 256ths
+/// of a pixel.
 class WidePen {
 public:
     /// The widest pen that is drawn here, in pixels.
@@ -24,14 +25,15 @@ public:
 
     int Width() const noexcept { return m_nWidth; }
 
-    /// Takes the memory for any line on it, so that none is needed to draw one.
+    /// Reserves the memory for any line on it, so that drawing one needs none.
     void Reserve(const Raster& raster) {
         m_aryRow.reserve(static_cast<std::size_t>(std::max(0, raster.bottom - raster.top)));
     }
 
-    /// Draws the line, its last point included; a dot when both points are the same.
-    /// @return false when nothing was drawn because Cairo's pixels may be others: it rounds where an outline leaves the
-    ///   clip at the left or right, and places a million pixels away
+    /// Draws the line, its last point included; a dot if both points are the same.
+    /// @return false if nothing was drawn because Cairo's pixels may differ: it rounds if an outline leaves the clip at
+    /// the left
+    ///   or right, and if coordinates are about a million pixels
     bool Draw(const Raster& raster, const POINT& from, const POINT& to, std::uint32_t value);
 
 private:
@@ -40,15 +42,15 @@ private:
         std::int64_t x, y;
         Place operator+(const Place& other) const noexcept { return {x + other.x, y + other.y}; }
     };
-    // Where an edge of the polygon passes a row, both counted from the pixel that the pen is on.
+    // Where an edge of the polygon crosses a row, both counted from the pixel under the pen.
     struct Crossing {
         int row, x;
     };
-    // Pixels of a row, the right one not included.
+    // Pixels of a row, the right one excluded.
     struct Span {
         std::int64_t left, right;
     };
-    // Which of two corners, when the edge between them has the line's direction.
+    // Which of two corners is used if the edge between them has the line's direction.
     enum class Tie { kEarlier, kLater };
 
     template <class Step>
@@ -65,11 +67,11 @@ private:
     Place MiddleOf(const POINT& at) const noexcept;
 
     int m_nWidth;
-    std::vector<Place> m_aryCorner;       // from the pen's middle; by angle, from the x axis to the y axis
+    std::vector<Place> m_aryCorner;       // from the pen's middle, by angle from the x axis to the y axis
     std::vector<Crossing> m_aryCrossing;  // of the edge after each corner
     std::vector<std::size_t> m_aryFirst;  // the first of each edge, and the end
-    std::vector<Span> m_aryRow;           // of the line at hand
-    std::int64_t m_nTop = 0;              // where the first of these rows lies
+    std::vector<Span> m_aryRow;           // of the current line
+    std::int64_t m_nTop = 0;              // the first of these rows
 };
 
 }  // namespace qel

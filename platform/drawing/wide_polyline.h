@@ -6,17 +6,17 @@
 
 namespace qel {
 
-/// Leads a wide pen along a polyline with the pixels that drawing each of its lines by itself gives, in a fraction of
-/// the time where many points fall into one column: a run of them draws what one line from the highest to the lowest
-/// draws, its round ends included. Lines to another column are drawn as they are.
+/// Draws a polyline of a wide pen with the same pixels as drawing each of its lines separately, in a fraction of the
+/// time if many points are in one column: a run of them is drawn as one line from the highest to the lowest, with round
+/// ends. Lines to another column are drawn as they are.
 ///
-/// Every line draws in one colour, so their order does not matter. Lines are held back until the run ends.
+/// All lines have one colour, so their order does not matter. Lines are collected until the run ends.
 class WidePolyline {
 public:
-    /// The next line begins here. Nothing may be held back.
+    /// The next line starts here. Flush first.
     void MoveTo(const POINT& to) { Begin(to); }
 
-    /// @param drawLine called with the ends of each line that is to be drawn now
+    /// @param drawLine called with the ends of each line to be drawn now
     template <class DrawLine> void LineTo(const POINT& to, const DrawLine& drawLine) {
         if (to.x == m_at.x) {
             m_low = std::min(m_low, to.y);
@@ -30,7 +30,7 @@ public:
         drawLine(from, to);
         Begin(to);
     }
-    /// Draws what is held back; the polyline may go on.
+    /// Draws what was collected; the polyline may continue.
     template <class DrawLine> void Flush(const DrawLine& drawLine) {
         if (m_isRun) drawLine(POINT{m_at.x, m_low}, POINT{m_at.x, m_high});
         Begin(m_at);
@@ -45,7 +45,7 @@ private:
 
     POINT m_at{0, 0};
     int m_low = 0, m_high = 0;
-    bool m_isRun = false;  // whether a line in the column is held back
+    bool m_isRun = false;  // whether a line in the column is waiting to be drawn
 };
 
 }  // namespace qel

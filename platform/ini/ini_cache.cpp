@@ -28,21 +28,21 @@ using Nanoseconds = std::chrono::nanoseconds;
 constexpr std::size_t kMaxFiles = 16;
 constexpr std::size_t kMaxMemory = 8 << 20;
 
-// Times of files advance by the system's timer tick, on old file systems by two seconds, and then have no fraction.
-// Two changes within one step look like one: until it has passed, equal times prove nothing.
+// File times advance with the system's timer tick, on old file systems by two seconds, and then have no fraction. Two
+// changes within one step look like one: until the step has passed, equal times prove nothing.
 constexpr Nanoseconds kFineStep = std::chrono::milliseconds(50);
 constexpr Nanoseconds kCoarseStep = std::chrono::milliseconds(2100);
 
 Nanoseconds ToDuration(const timespec& time) { return std::chrono::seconds(time.tv_sec) + Nanoseconds(time.tv_nsec); }
 
-// The clock that times of files come from.
+// The clock that file times come from.
 Nanoseconds Now() {
     timespec now = {};
     ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
     return ToDuration(now);
 }
 
-// What differs when a file has changed.
+// Differs if a file has changed.
 struct Stamp {
     dev_t device = 0;
     ino_t number = 0;
@@ -70,7 +70,7 @@ struct CachedFile {
     std::shared_ptr<const IniIndex> index;
 };
 
-// The files used last, the latest first.
+// The most recently used files, the latest first.
 class Cache {
 public:
     static Cache& Instance() {
@@ -113,7 +113,7 @@ private:
     std::size_t m_memory = 0;
 };
 
-// Made at load, so that no thread is just making it when another forks.
+// Created at load, so that no thread is creating it while another forks.
 [[maybe_unused]] const Cache& theCacheIsMadeAtLoad = Cache::Instance();
 
 bool IsReadable(const struct stat& status) {
@@ -130,7 +130,7 @@ std::optional<std::string> Content(const Descriptor& file, std::size_t size, con
     return bytes;
 }
 
-// @param old the same file as it was before, if known
+// @param old the former state of the same file, if known
 std::optional<CachedFile> Load(const std::string& path, const Descriptor& file, const std::optional<CachedFile>& old) {
     struct stat status = {};
     const Nanoseconds before = Now();

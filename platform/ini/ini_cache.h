@@ -7,9 +7,8 @@
 
 namespace qel {
 
-/// The INI file at @p posixPath as it is now; an empty one when there is no file, null when there is one that cannot be
-/// read. The files asked for last are kept, for all threads, and read again only when they have changed, whoever did
-/// that.
+/// The current content of the INI file at @p posixPath; empty if there is no file, null if it cannot be read. The most
+/// recent files are cached for all threads, and read again only if somebody has changed them.
 std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath);
 
 }  // namespace qel

@@ -12,12 +12,12 @@ using Kind = IniLine::Kind;
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kForbiddenInLines{"\r\n\0", 3};
 
-// The lines of the first section of a name; no header: there is no such section.
+// The lines of the first section with a name; no header: there is no such section.
 struct Section {
     std::optional<IniLine> header;
-    std::optional<IniLine> entry;  // the first of the wanted name
-    std::size_t lastUsed = 0;      // behind its last line that is not blank
-    std::size_t end = 0;           // where the next section begins, or the file ends
+    std::optional<IniLine> entry;  // the first one with the wanted name
+    std::size_t lastUsed = 0;      // after its last line that is not blank
+    std::size_t end = 0;           // where the next section starts, or the file ends
 };
 
 Section Locate(std::string_view bytes, std::string_view name, std::string_view key) {
@@ -38,7 +38,7 @@ Section Locate(std::string_view bytes, std::string_view name, std::string_view k
     return section;
 }
 
-// The only line of @p text, which a file could hold as it is, but not as its first line.
+// The only line of @p text, if a file can contain it as it is, other than as its first line.
 std::optional<IniLine> OnlyLine(std::string_view text) {
     if (text.find_first_of(kForbiddenInLines) != std::string_view::npos) return std::nullopt;
     return IniLines(text, 0).Next();
@@ -55,20 +55,20 @@ std::string Replaced(std::string_view bytes, std::size_t begin, std::size_t end,
     return changed.append(bytes.substr(0, begin)).append(text).append(bytes.substr(end));
 }
 
-// Whether a line can begin at @p at: the line before it may be the file's last one, without an end.
+// Whether a line can start at @p at: the line before it may be the file's last one, without an end.
 bool BeginsLine(std::string_view bytes, std::size_t at) {
     const std::optional<IniLine> first = IniLines(bytes.substr(0, at)).Next();
     return !first || bytes[at - 1] == '\n';
 }
 
-// @param lines whole lines that take the place of those from @p begin to @p end
+// @param lines whole lines that replace those from @p begin to @p end
 std::string WithLines(std::string_view bytes, std::size_t begin, std::size_t end, std::string_view lines) {
     std::string text;
     if (!lines.empty() && !BeginsLine(bytes, begin)) text = kLineEnd;
     return Replaced(bytes, begin, end, text.append(lines));
 }
 
-// Nothing when the header would read as something else.
+// Nothing if the header would read as something else.
 std::optional<std::string> WithNewSection(std::string_view bytes, std::string_view name, std::string_view lines) {
     const std::string header = std::string("[").append(name).append("]");
     if (!ReadsAs(header, Kind::Section, name)) return std::nullopt;
@@ -83,7 +83,7 @@ std::optional<std::string> WithIniValue(std::string_view bytes, std::string_view
     key = TrimIni(key);
     const Section found = Locate(bytes, section, key);
     std::string line = std::string(found.entry ? found.entry->name : key).append("=").append(value);
-    if (!ReadsAs(line, Kind::Entry, key)) return std::nullopt;  // as "[a=b]", a header, would not
+    if (!ReadsAs(line, Kind::Entry, key)) return std::nullopt;  // "[a=b]" would read as a header
     if (found.entry) return Replaced(bytes, found.entry->begin, found.entry->end, line);
     line += kLineEnd;
     if (!found.header) return WithNewSection(bytes, section, line);

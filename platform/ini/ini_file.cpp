@@ -37,7 +37,7 @@ std::string FullName(std::string_view file) {
 std::shared_ptr<const IniIndex> Read(const char* file) {
     try {
         return ReadIni(ToPosixPath(FullName(file != nullptr ? file : "")));
-    } catch (const CFileException&) {  // no such name can be
+    } catch (const CFileException&) {  // an invalid name
         return std::make_shared<const IniIndex>("");
     }
 }
@@ -70,7 +70,7 @@ void SetInPlace(const std::string& name, std::string_view bytes) {
 
 using Edited = std::optional<std::string>;
 
-// One try. @param edit gives the new bytes for the old ones, or nothing when it refuses
+// One try. @param edit returns the new bytes for the old ones, or nothing if it refuses
 template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, Edit&& edit) {
     const Descriptor file = OpenLocked(ToPosixPath(name), 0, name, wait);
     const std::string old = file ? ContentOf(file, name) : std::string();
@@ -88,7 +88,7 @@ template <class Edit> bool RewriteOnce(const std::string& name, Backoff& wait, E
     return true;
 }
 
-// Another one looks at the file, or makes it, just now.
+// Another process is looking at the file, or creating it, at this moment.
 bool IsPassing(LONG code) { return code == kSharingViolation || code == kFileExists; }
 
 template <class Edit> bool Rewrite(const char* file, Edit&& edit) {

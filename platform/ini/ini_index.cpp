@@ -12,11 +12,11 @@ namespace {
 
 using Kind = IniLine::Kind;
 
-constexpr std::uint32_t kHeaders = 0xFFFFFFFF;  // in place of a section: the headers themselves
+constexpr std::uint32_t kHeaders = 0xFFFFFFFF;  // instead of a section: the headers themselves
 
 std::u16string Utf16Units(std::string_view bytes) {
     std::u16string units;
-    for (std::size_t at = 2; at + 1 < bytes.size(); at += 2) {  // behind the mark
+    for (std::size_t at = 2; at + 1 < bytes.size(); at += 2) {  // after the mark
         const unsigned low = static_cast<unsigned char>(bytes[at]);
         const unsigned high = static_cast<unsigned char>(bytes[at + 1]);
         units += static_cast<char16_t>(high << 8 | low);

@@ -12,39 +12,39 @@
 
 namespace qel {
 
-/// An INI file made ready for look-ups, in the process's code page of that moment. Never changes, so threads share it.
-/// Names match without regard to case; blanks at their ends do not count. Of sections with one name the first counts,
-/// and in it of entries with one name the first.
+/// An INI file prepared for look-ups, in the process's code page at that moment. Never changes, so threads share it.
+/// Names match without regard to case and to blanks at their ends. Of sections with the same name the first is used,
+/// and in it the first entry with a name.
 class IniIndex {
 public:
-    /// Bytes of the largest file that is read; no settings come near it.
+    /// Size of the largest file that is read; settings are never that large.
     static constexpr std::size_t kLargestFile = 32 << 20;
 
-    /// UTF-16 (a file that begins with FF FE) is converted to the code page.
+    /// UTF-16 (a file that starts with FF FE) is converted to the code page.
     /// @param bytes at most kLargestFile
     explicit IniIndex(std::string bytes);
     IniIndex(const IniIndex&) = delete;
     IniIndex& operator=(const IniIndex&) = delete;
 
-    /// False once the process's code page has been changed.
+    /// False after the process's code page has changed.
     bool IsOfCurrentPage() const;
-    /// Whether indexing @p bytes now would give the same.
+    /// Whether indexing @p bytes now would give the same index.
     bool Matches(std::string_view bytes) const { return IsOfCurrentPage() && m_text == bytes; }
-    /// Bytes of memory that it takes.
+    /// The memory that it uses, in bytes.
     std::size_t Cost() const { return m_text.size() + m_slots.size() * sizeof(Slot); }
 
     /// The value of an entry, without a pair of quotation marks (' or ") around it.
     std::optional<std::string_view> Value(std::string_view section, std::string_view key) const;
 
-    /// What stands in a section, comments left out, each with a zero behind it: name, equals sign and value, or the
-    /// whole of another line.
+    /// The lines of a section without comments, each followed by a zero: name, equals sign and value, or the whole line
+    /// if it is no entry.
     std::string Entries(std::string_view section) const;
-    /// The names of a section's entries, or of all sections, each with a zero behind it.
+    /// The names of a section's entries, or of all sections, each followed by a zero.
     std::string Keys(std::string_view section) const;
     std::string Sections() const;
 
 private:
-    // A line that can be asked for, under its name's hash and its section: where the header begins.
+    // A line that can be looked up: the hash of its name, and the start of its section's header.
     struct Slot {
         std::uint64_t key;
         std::uint32_t line;
@@ -59,7 +59,7 @@ private:
 
     std::string m_text;
     UINT m_page;
-    std::vector<Slot> m_slots;  // in order of key, name and line, so that the line that counts comes first
+    std::vector<Slot> m_slots;  // sorted by key, name and line, so that the line that is used comes first
 };
 
 }  // namespace qel

@@ -12,7 +12,7 @@
 namespace qel {
 namespace {
 
-// What a server claims counts within these limits only.
+// Values from a server are used only within these limits.
 constexpr int kLongestSide = PageSetup::kLongestSide, kFinestResolution = PageSetup::kFinestResolution;
 constexpr int kWidestMargin = 2500;
 
@@ -40,7 +40,7 @@ Medium MediumOf(const cups_size_t& size) {
             {margin(size.left), margin(size.top), margin(size.right), margin(size.bottom)}};
 }
 
-// Asks one queue; all of it needs the same three handles.
+// Queries one queue; all queries need the same three handles.
 class QueueQuery {
 public:
     QueueQuery(const CupsSession& session, cups_dest_t* queue, cups_dinfo_t* info)
@@ -60,7 +60,7 @@ public:
         return media;
     }
 
-    // The size that the user's settings or the printer itself give a page, or none.
+    // The page size from the user's settings or from the printer itself, or none.
     SIZE DefaultSize() const {
         if (const SIZE size = SizeOf(OptionOf(*m_pQueue, "media")); IsSheet(size)) return size;
         const char* const name = ::ippGetString(Default("media"), 0, nullptr);

@@ -4,9 +4,9 @@
 
 namespace qel {
 
-/// The queues of the print server; none when it does not answer.
+/// The queues of the print server; empty if it does not respond.
 std::vector<PrinterEntry> CupsPrinters();
-/// As FindPrinter.
+/// Like FindPrinter.
 std::optional<Printer> FindCupsPrinter(const CString& name, const SIZE& custom);
 /// Sends documents to the queue.
 std::unique_ptr<DocumentSink> CupsSink(const CString& printer, const JobOptions& options);

@@ -13,10 +13,10 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// libcups asks twice, waits for a second each time, and only then for our limit: a server that never answers takes
+// libcups asks twice, waits for a second each time, and only then for our limit: a server that never responds takes
 // kAnswer, another second and kStep in all.
 constexpr auto kAnswer = std::chrono::milliseconds(2400);
-constexpr double kStep = 0.25;  // seconds between two looks at the time
+constexpr double kStep = 0.25;  // seconds between two checks of the time
 constexpr int kConnectMilliseconds = 1500;
 constexpr double kTransferSeconds = 10;
 
@@ -41,7 +41,7 @@ CupsSession::CupsSession()
     m_queues = {queues, static_cast<std::size_t>(std::max(count, 0))};
     if (m_queues.empty() || std::ranges::any_of(m_queues, [](const auto& queue) { return queue.is_default != 0; }))
         return;
-    // Which one the user has chosen is marked already, but not which one the server has.
+    // The user's choice is already marked, but not the server's default.
     if (cups_dest_t* const queue = ::cupsGetDest(::cupsGetDefault2(m_pHttp), nullptr, count, queues)) {
         queue->is_default = 1;
     }

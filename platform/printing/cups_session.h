@@ -18,7 +18,8 @@ struct CupsInfoDeleter {
 using CupsInfo = std::unique_ptr<cups_dinfo_t, CupsInfoDeleter>;
 
 /// One operation's connection to the print server, and the server's queues. The shared connection of libcups would wait
-/// two minutes for a server that does not answer. The first one makes the process ignore SIGPIPE, which libcups does.
+/// two minutes for a server that does not respond. Creating the first session makes the process ignore SIGPIPE, because
+/// libcups does that.
 class CupsSession {
 public:
     CupsSession();
@@ -28,12 +29,12 @@ public:
 
     http_t* Http() const noexcept { return m_pHttp; }
     std::span<cups_dest_t> Queues() const noexcept { return m_queues; }
-    /// The queue that has this name in lists; null when there is none.
+    /// The queue with this name in lists; null if there is none.
     cups_dest_t* Find(const CString& name) const;
-    /// What the queue can do; null when the server does not tell.
+    /// What the queue can do; null if the server does not say.
     CupsInfo InfoOf(cups_dest_t* queue) const;
 
-    /// From now on the time runs from the last byte that was transferred.
+    /// From now on the time limit counts from the last byte that was transferred.
     void BeginTransfer();
 
 private:
@@ -44,10 +45,10 @@ private:
     std::span<cups_dest_t> m_queues;
 };
 
-/// A queue's name in lists, in the code page: NAME, NAME/INSTANCE, or PDF@cups for one called PDF.
+/// A queue's name in lists, in the code page: NAME, NAME/INSTANCE, or PDF@cups for a queue called PDF.
 CString NameOfQueue(const cups_dest_t& queue);
 
-/// An option or attribute of the queue as text (UTF-8); empty when there is none.
+/// An option or attribute of the queue as text (UTF-8); empty if it has none.
 const char* OptionOf(const cups_dest_t& queue, const char* name);
 
 }  // namespace qel

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kLongestTitle = 255, kBlock = 64 * 1024;
 
-// The pages are laid out already: what the user has set up for the queue must not turn or scale them.
+// The pages are already laid out: the user's settings for the queue must not turn or scale them.
 constexpr std::array<std::string_view, 8> kLayout = {"copies",        "fit-to-page",     "media",
                                                      "media-col",     "natural-scaling", "orientation-requested",
                                                      "print-scaling", "scaling"};

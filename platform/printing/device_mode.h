@@ -9,7 +9,7 @@
 inline constexpr int CCHDEVICENAME = 32;
 inline constexpr int CCHFORMNAME = 32;
 
-/// Which members of a device mode were set on purpose (dmFields); the others leave the printer's own choice.
+/// Which members of a device mode were set on purpose (dmFields); for the others the printer decides.
 enum : DWORD {
     DM_ORIENTATION = 0x1,
     DM_PAPERSIZE = 0x2,
@@ -45,7 +45,7 @@ enum : short {
 };
 enum : short { DMCOLLATE_FALSE = 0, DMCOLLATE_TRUE = 1 };
 
-/// How a printer is to print: the framework's record.
+/// The print settings: the framework's record.
 struct DEVMODE {
     BYTE dmDeviceName[CCHDEVICENAME];  ///< in the code page, cut to 31 bytes and a zero
     WORD dmSpecVersion;
@@ -54,16 +54,16 @@ struct DEVMODE {
     WORD dmDriverExtra;
     DWORD dmFields;
     short dmOrientation;  ///< DMORIENT_
-    short dmPaperSize;    ///< the form's code, 1 to 41; DMPAPER_USER: none of these
-    short dmPaperLength;  ///< tenths of a millimetre in portrait; where this and the width are given, they decide
+    short dmPaperSize;    ///< the form's code, 1 to 41; DMPAPER_USER: another size
+    short dmPaperLength;  ///< tenths of a millimetre in portrait; used if both this and the width are given
     short dmPaperWidth;   ///< tenths of a millimetre
     short dmScale;
     short dmCopies;
     short dmDefaultSource;
-    short dmPrintQuality;  ///< dots an inch across
+    short dmPrintQuality;  ///< dots per inch across
     short dmColor;         ///< DMCOLOR_
-    short dmDuplex;        ///< DMDUP_: one side, both turned at the long edge, both turned at the short one
-    short dmYResolution;   ///< dots an inch down
+    short dmDuplex;        ///< DMDUP_: one side, both sides turned at the long edge, both turned at the short one
+    short dmYResolution;   ///< dots per inch down
     short dmTTOption;
     short dmCollate;
     BYTE dmFormName[CCHFORMNAME];
@@ -71,12 +71,12 @@ struct DEVMODE {
 
 namespace qel {
 
-/// Sets the paper by its size as it lies in portrait, in hundredths of a millimetre: by the form's code (1 to 41) where
-/// it has one, else by width and length too. A size beside the code would be laid out in portrait on landscape pages.
+/// Sets the paper by its portrait size in hundredths of a millimetre: by the form's code (1 to 41) if it has one, else
+/// by width and length. A size in addition to the code would be laid out in portrait on landscape pages.
 QELLIB10_API void SetPaper(DEVMODE& mode, const SIZE& sheet);
 
 /// The page that the settings ask for, as it is read (landscape is wider than high), in hundredths of a millimetre;
-/// nothing when they name no paper.
+/// nothing if they name no paper.
 QELLIB10_API std::optional<SIZE> PageOf(const DEVMODE& mode);
 
 }  // namespace qel

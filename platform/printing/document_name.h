@@ -6,11 +6,11 @@
 
 namespace qel {
 
-/// The beginning of a text in UTF-8, at most @p bytes long and cut at a character; control characters become `_`.
+/// The start of a text in UTF-8, at most @p bytes long and cut between characters; control characters become `_`.
 std::string Printable(std::string_view utf8, std::size_t bytes);
 
-/// A file's name without its extension, at most 200 bytes long, from the name of a document: characters that paths give
-/// a meaning become `_` as well, blanks and dots at both ends go. Never empty.
+/// Turns the name of a document into a file name without extension, at most 200 bytes long: characters with a meaning
+/// in paths become `_` too, blanks and dots at both ends are removed. Never empty.
 std::string FileNameOf(std::string_view document);
 
 }  // namespace qel

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int kMaxOfOneName = 100'000;
 
-// The folder by the environment, else the user's documents; empty where there is no home folder.
+// The folder from the environment, else the user's documents; empty if there is no home folder.
 std::string Folder() {
     const char* const chosen = std::getenv("QELLIB10_PDF_DIR");
     return chosen != nullptr && *chosen != '\0' ? chosen : PosixSpecialFolder(SpecialFolder::kPersonal);
@@ -52,7 +52,7 @@ public:
         WriteFully(m_file, bytes, m_path);
         FlushData(m_file, m_path);
     }
-    // @return false when there is a file of this name
+    // @return false if a file with this name exists
     bool Name(const std::string& target) {
         const int error = RenameNew(m_path, target);
         if (error == EEXIST) return false;

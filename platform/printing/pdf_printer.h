@@ -4,10 +4,10 @@
 
 namespace qel {
 
-/// The printer that is always there: a folder into which each document is written as a PDF file.
+/// The printer that always exists: a folder into which each document is written as a PDF file.
 inline constexpr const char* kPdfPrinterName = "PDF";
 
-/// 600 dots an inch, all forms and any other size, no margins, A4 by itself.
+/// 600 dots per inch, all forms and any other size, no margins, A4 by default.
 Printer PdfPrinter(const SIZE& custom = {0, 0});
 std::unique_ptr<DocumentSink> PdfPrinterSink();
 

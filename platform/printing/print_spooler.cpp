@@ -40,7 +40,7 @@ PRINTER_INFO_2 Description(const Printer& printer, qel::RecordBuffer& buffer) {
     return info;
 }
 
-// The records of @p items in the order of the list; nothing is written but all of them. @return whether it fitted
+// Writes the records of @p items in the order of the list, all of them or nothing. @return whether they fit
 template <class Record, class Item, class Fill>
 bool FillRecords(BYTE* bytes, DWORD size, const std::vector<Item>& items, Fill fill, DWORD& needed) {
     const auto pass = [&](BYTE* target, DWORD room) {

@@ -15,7 +15,7 @@ DEVMODE Printer::OwnMode() const {
     mode.dmSpecVersion = 0x0401;
     mode.dmSize = sizeof mode;
     SetPaper(mode, defaultMedium.size);
-    // A form that is written into this mode later must not lose against a size.
+    // A form that is written into this mode later must take precedence over a size.
     mode.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_PRINTQUALITY | DM_YRESOLUTION;
     mode.dmPaperWidth = mode.dmPaperLength = 0;
     mode.dmOrientation = DMORIENT_PORTRAIT;
@@ -30,7 +30,7 @@ std::vector<PrinterEntry> ListPrinters() {
     std::ranges::move(CupsPrinters(), std::back_inserter(printers));
     if (std::ranges::none_of(printers, &PrinterEntry::isDefault)) printers.front().isDefault = true;
     const auto isOwn = [](const PrinterEntry& printer) { return !printer.isConnection; };
-    std::stable_partition(printers.begin(), printers.end(), isOwn);  // clang 14 cannot take the form of ranges
+    std::stable_partition(printers.begin(), printers.end(), isOwn);  // clang 14 cannot compile the ranges form
     return printers;
 }
 

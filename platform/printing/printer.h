@@ -11,7 +11,7 @@
 
 namespace qel {
 
-/// A printer as a list of them shows it.
+/// A printer in a list.
 struct PrinterEntry {
     CString name;
     CString driver;
@@ -27,13 +27,13 @@ struct Printer {
     PrinterEntry entry;
     SIZE dotsPerInch{600, 600};
     std::vector<Medium> media;
-    Medium defaultMedium{"iso_a4_210x297mm", {21000, 29700}};  ///< also of one that does not tell
+    Medium defaultMedium{"iso_a4_210x297mm", {21000, 29700}};  ///< also if the printer does not say
 
-    /// The settings that it has by itself.
+    /// The printer's own settings.
     DEVMODE OwnMode() const;
 };
 
-/// What a job asks of a printer beside its pages.
+/// What a job sets for a printer, apart from its pages.
 struct JobOptions {
     std::string medium;
     int copies = 1;
@@ -44,7 +44,7 @@ struct JobOptions {
 /// All printers, PDF first, then local ones, then connections.
 std::vector<PrinterEntry> ListPrinters();
 
-/// The printer of this name. @param custom a size that is wanted too, where the printer takes sheets of any size
+/// The printer of this name. @param custom another size to include if the printer takes sheets of any size
 std::optional<Printer> FindPrinter(const CString& name, const SIZE& custom = {0, 0});
 
 /// Where documents for the printer go.

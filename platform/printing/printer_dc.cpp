@@ -9,7 +9,7 @@
 namespace qel {
 namespace {
 
-// A mode's member, where the mode sets it to something.
+// A mode's member, if the mode sets it.
 int ValueOf(const DEVMODE& mode, DWORD field, short value) {
     return (mode.dmFields & field) != 0 && value > 0 ? value : 0;
 }
@@ -27,7 +27,7 @@ const PaperForm* FormOf(const DEVMODE& mode) { return FindPaperForm(ValueOf(mode
 
 struct Sheet {
     Medium medium;
-    bool isTurned = false;  // the page lies across the medium
+    bool isTurned = false;  // the page is turned on the medium
 };
 
 const Medium* FindNamed(const Printer& printer, const char* name) {
@@ -46,7 +46,7 @@ Sheet SheetFor(const Printer& printer, const DEVMODE& mode) {
     return {printer.defaultMedium, isLandscape};
 }
 
-// A page that lies across the medium has its left edge where the medium's top is.
+// The left edge of a turned page is at the top of the medium.
 PageSetup PageOn(const Sheet& sheet, const SIZE& dotsPerInch) {
     const SIZE size = sheet.medium.size;
     const RECT edges = sheet.medium.margins;

@@ -9,12 +9,12 @@
 
 namespace qel {
 
-/// Lays records, and behind them what they point to, into a caller's buffer. Without room it only counts.
+/// Writes records, followed by what they point to, into a caller's buffer. Without a buffer it only counts.
 class RecordBuffer {
 public:
     RecordBuffer(BYTE* bytes, DWORD size) : m_pBytes(bytes), m_nSize(bytes != nullptr && IsAligned(bytes) ? size : 0) {}
 
-    /// Room for @p count objects, which begin where pointers can; null when it does not fit any more.
+    /// Space for @p count objects, aligned for pointers; null if it does not fit.
     template <class Object> Object* Take(std::size_t count = 1) {
         static_assert(alignof(Object) <= alignof(void*));
         m_nUsed = (m_nUsed + alignof(Object) - 1) / alignof(Object) * alignof(Object);

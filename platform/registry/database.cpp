@@ -13,7 +13,7 @@ namespace {
 constexpr const char* kSettings =
     "PRAGMA foreign_keys = ON;"
     "PRAGMA journal_mode = DELETE;"
-    "PRAGMA synchronous = EXTRA;"  // else a commit may be undone by the journal, whose deletion is not flushed
+    "PRAGMA synchronous = EXTRA;"  // else the journal could undo a commit, because its deletion is not flushed
     "PRAGMA trusted_schema = OFF;";
 
 RegistryCode CodeOf(int error) {
@@ -49,7 +49,7 @@ void Statement::Finalizer::operator()(sqlite3_stmt* statement) const { ::sqlite3
 void Database::Closer::operator()(sqlite3* database) const { ::sqlite3_close(database); }
 
 Database::Database(const std::string& posixPath, bool create, DatabaseWait wait) : m_wait(std::move(wait)) {
-    // The lock of the tree takes the place of SQLite's own.
+    // The lock of the tree replaces SQLite's own.
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     sqlite3* database = nullptr;
     const int result =
@@ -61,7 +61,7 @@ Database::Database(const std::string& posixPath, bool create, DatabaseWait wait)
     Run(kSettings);
 }
 
-// SQLite is written in C: nothing may be thrown through it. Without memory to wait with the database is busy.
+// SQLite is written in C: no exception may pass through it. Without memory to wait, the database counts as busy.
 int Database::OnBusy(void* self, int) noexcept {
     try {
         return static_cast<Database*>(self)->m_wait() ? 1 : 0;
@@ -89,7 +89,7 @@ Query::Query(const Database& database, Statement& statement) {
     m_statement = statement.m_statement.get();
 }
 
-// Its answer repeats the failure of the last step.
+// Its result repeats the failure of the last step.
 Query::~Query() { ::sqlite3_reset(m_statement); }
 
 void Query::Check(int result) const {
@@ -102,7 +102,7 @@ Query& Query::Bind(std::int64_t number) {
 }
 
 Query& Query::Bind(std::string_view text) {
-    // A null pointer would be no text at all.
+    // A null pointer would mean NULL instead of a text.
     const char* bytes = text.data() != nullptr ? text.data() : "";
     Check(::sqlite3_bind_text64(m_statement, ++m_bound, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8));
     return *this;

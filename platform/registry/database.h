@@ -9,10 +9,10 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-// SQLite, as far as the registry needs it. What fails throws RegistryError.
+// The parts of SQLite that the registry needs. Failures throw RegistryError.
 namespace qel {
 
-/// A statement that is prepared when it first runs and kept.
+/// A statement that is prepared when it first runs, and then kept.
 class Statement {
 public:
     explicit Statement(std::string sql) : m_sql(std::move(sql)) {}
@@ -27,21 +27,21 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalizer> m_statement;
 };
 
-/// Called while others use a database: waits a little. It may throw std::bad_alloc alone, which gives up.
+/// Called while others use a database: waits a little. It may only throw std::bad_alloc, which gives up.
 /// @return false to give up
 using DatabaseWait = std::function<bool()>;
 
-/// A database file with its one connection, for one thread at a time: rollback journal, each commit on the disk,
-/// foreign keys. Its statements are destroyed before it.
+/// A database file with its only connection, for one thread at a time: rollback journal, each commit is on disk,
+/// foreign keys. Its statements must be destroyed before it.
 class Database {
 public:
-    /// Opens the file at @p posixPath, for reading only where it cannot be written.
-    /// @param create makes an empty one when it is missing
+    /// Opens the file at @p posixPath; for reading only if it cannot be written.
+    /// @param create creates an empty one if it is missing
     Database(const std::string& posixPath, bool create, DatabaseWait wait);
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Runs statements that give no rows.
+    /// Runs statements that return no rows.
     void Run(const char* sql);
     /// False between BEGIN and COMMIT or ROLLBACK.
     bool IsIdle() const;
@@ -58,7 +58,7 @@ private:
     std::unique_ptr<sqlite3, Closer> m_database;
 };
 
-/// One run of a statement. Bound texts must live as long as it does; what it reads lives until its next step.
+/// One run of a statement. Bound texts must live as long as it does; texts read from it are valid until its next step.
 ///
 ///     Query query(database, statement);
 ///     query.Bind(id).Bind(fold);
@@ -70,7 +70,7 @@ public:
     Query(const Query&) = delete;
     Query& operator=(const Query&) = delete;
 
-    /// The next parameter, from the first on.
+    /// Sets the next parameter, starting with the first.
     Query& Bind(std::int64_t number);
     Query& Bind(std::string_view text);
     Query& BindBytes(std::string_view bytes);

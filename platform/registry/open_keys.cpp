@@ -5,7 +5,7 @@
 namespace qel {
 namespace {
 
-// A handle is a multiple of 4 and the number of its tree, as those of the roots are.
+// A handle is a multiple of 4 plus the number of its tree, like the handles of the roots.
 constexpr std::uintptr_t kStep = 4;
 constexpr std::uintptr_t kFirst = 0x1000;
 const std::uintptr_t kRoots = reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT);

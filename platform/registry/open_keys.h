@@ -9,17 +9,16 @@
 
 namespace qel {
 
-/// The tree that a handle belongs to. @throws RegistryError 6 when it can be none
+/// The tree that a handle belongs to. @throws RegistryError 6 if it cannot be a handle
 RegistryRoot RootOf(HKEY handle);
 
-/// The open keys of one tree, its root among them. A handle says which tree it belongs to, and is never given out
-/// again.
+/// The open keys of one tree, including its root. A handle contains its tree, and is never used again.
 class OpenKeys {
 public:
     explicit OpenKeys(RegistryRoot root);
 
     HKEY Add(RegistryKeyId key);
-    /// @throws RegistryError 6, as does Remove
+    /// @throws RegistryError 6, like Remove
     RegistryKeyId Find(HKEY handle) const;
     void Remove(HKEY handle);
 

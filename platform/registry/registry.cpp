@@ -31,7 +31,7 @@ RegistryValue Given(RegistryValue kept) {
     return IsRegistryText(kept.type) ? RegistryValue{kept.type, FromUtf8(kept.data)} : std::move(kept);
 }
 
-// What a path from a key does not lead to: is the key itself still there?
+// For a path that leads nowhere: does the key itself still exist?
 [[noreturn]] void ThrowMissing(RegistryTree* tree, RegistryKeyId from) {
     const bool isThere = from == kRegistryRootKey || (tree != nullptr && tree->Find(from, RegistryPath("")));
     throw RegistryError(isThere ? kRegistryNotFound : kRegistryKeyDeleted);

@@ -10,8 +10,8 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
-// The registry: trees of keys, each key with named values. There are three trees; each is a database of its own, made
-// by the first write:
+// The registry: trees of keys, each key with named values. There are three trees; each has its own database, created by
+// the first write:
 //
 //     HKEY_LOCAL_MACHINE   local-machine.db   in the Windows folder, /var/lib/qellib10
 //     HKEY_CLASSES_ROOT    classes-root.db    beside it
@@ -23,16 +23,16 @@
 // their creation. A key's name has 1 to 255 characters, a value's 0 to 16383: the empty name, or null, is the key's
 // default value. Keys nest up to 512 levels; data hold up to 1 MiB.
 //
-// A path is names between backslashes, one at its end does not count, several count as one, one at the beginning is an
-// error; null and the empty path are the key itself. Names and texts are kept in Unicode, so that processes of
-// different code pages share them.
+// A path is a list of names between backslashes. A backslash at its end is ignored, several count as one, one at the
+// start is an error; null and the empty path are the key itself. Names and texts are stored in Unicode, so that
+// processes with different code pages can share them.
 //
-// Every change is on the disk when the operation returns, and whole or not there at all, whenever the process or the
-// machine stops. Those who change a tree take turns in the order in which they come, threads and processes alike. Safe
-// from any thread and in forked children; one that was forked within a RegistryTransaction of its thread finds that
-// tree busy.
+// Every change is on disk when the operation returns. If the process or the machine stops before, the change is either
+// complete or has not happened. Writers to a tree take turns in the order in which they come, threads and processes
+// alike. Safe from any thread and in forked children; for a child that was forked within a RegistryTransaction of its
+// thread, that tree is busy.
 
-/// A key: one of the roots, or one that CreateRegistryKey or OpenRegistryKey gave. 0 is none.
+/// A key: one of the roots, or one from CreateRegistryKey or OpenRegistryKey. 0 means none.
 using HKEY = struct RegistryKeyHandle*;
 
 inline const HKEY HKEY_CLASSES_ROOT = reinterpret_cast<HKEY>(std::uintptr_t{0x80000000});
@@ -52,10 +52,10 @@ namespace qel {
 /// Whether data of this type are text.
 constexpr bool IsRegistryText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
-/// Bytes that a value holds at most.
+/// The largest size of a value, in bytes.
 inline constexpr std::size_t kMaxRegistryData = 1 << 20;
 
-/// What registry operations answer: the platform's error numbers.
+/// What registry operations return: the platform's error numbers.
 enum RegistryCode : LONG {
     kRegistrySuccess = 0,
     kRegistryNotFound = 2,
@@ -64,45 +64,45 @@ enum RegistryCode : LONG {
     kRegistryInvalidParameter = 87,  // a name, a path or data beyond the limits
     kRegistryDiskFull = 112,
     kRegistryBadPath = 161,
-    kRegistryBusy = 170,       // others used the tree for 10 seconds on end
-    kRegistryDamaged = 1009,   // the database is none, or of a newer version
+    kRegistryBusy = 170,       // others used the tree for 10 seconds without a pause
+    kRegistryDamaged = 1009,   // the file is not a database of ours, or is of a newer version
     kRegistryIoFailed = 1016,  // the disk failed
     kRegistryKeyDeleted = 1018,
 };
 
-/// A value. Text (IsRegistryText) is in the process's code page, with a terminating zero only where it was stored; data
-/// of other types are bytes, numbers little-endian.
+/// A value. Text (IsRegistryText) is in the process's code page, with a terminating zero only if it was stored with
+/// one; data of other types are bytes, numbers little-endian.
 struct RegistryValue {
     DWORD type = REG_BINARY;
     std::string data;
 };
 
-/// Opens the key at @p path, making what is missing of it; each new key gets @p className, which nothing reads.
+/// Opens the key at @p path and creates what is missing of it; each new key gets @p className, which nothing reads.
 QELLIB10_API LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKEY& key);
 QELLIB10_API LONG OpenRegistryKey(HKEY parent, const char* path, HKEY& key);
 /// Roots are never closed; closing one does nothing.
 QELLIB10_API LONG CloseRegistryKey(HKEY key);
 
-/// Reads and sets a value of the key at @p path, which is made when missing. One step each, without opening the key.
+/// Reads or sets a value of the key at @p path; setting creates a missing key. One step each, without opening the key.
 QELLIB10_API LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value);
 QELLIB10_API LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
                                      const RegistryValue& value);
 
-/// What stands in a key itself, each in the order in which it was made.
+/// The content of a key itself, in the order of creation.
 struct RegistryContents {
-    std::vector<std::string> keys;                              ///< names of the keys right below it
+    std::vector<std::string> keys;                              ///< names of the direct subkeys
     std::vector<std::pair<std::string, RegistryValue>> values;  ///< the name of the default value is empty
 };
 QELLIB10_API LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents);
 
-/// Deletes a key with all below it. A root is refused: 5.
+/// Deletes a key and everything in it. A root is refused: 5.
 QELLIB10_API LONG DeleteRegistryTree(HKEY parent, const char* path);
-/// Copies all values and subkeys of @p from into @p to, where values of the same name are replaced. Between two roots,
-/// and into itself or a key of its own: 87.
+/// Copies all values and subkeys of @p from into @p to, where values with the same name are replaced. Between two
+/// roots, or into itself or one of its own subkeys: 87.
 QELLIB10_API LONG CopyRegistryTree(HKEY from, HKEY to);
 
-/// Makes one of several operations of this thread on one root: others see all of them or none. Without Commit, and when
-/// the process ends before it, nothing has happened. After an operation that failed within it, let it go.
+/// Combines several operations of this thread on one root into one: others see all of them or none. Without Commit, or
+/// if the process ends before it, nothing has happened. If an operation within it fails, end it without Commit.
 class QELLIB10_API RegistryTransaction {
 public:
     RegistryTransaction();
@@ -110,7 +110,7 @@ public:
     RegistryTransaction(const RegistryTransaction&) = delete;
     RegistryTransaction& operator=(const RegistryTransaction&) = delete;
 
-    /// Begins on the root of @p key. @return kRegistryNotFound when the tree has no database: nothing is in it
+    /// Starts on the root of @p key. @return kRegistryNotFound if the tree has no database, and so is empty
     LONG Begin(HKEY key);
     LONG Commit();
 

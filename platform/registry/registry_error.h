@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// A step of a registry operation failed; the operation answers the code.
+/// A step of a registry operation failed; the operation returns the code.
 class RegistryError : public std::exception {
 public:
     explicit RegistryError(RegistryCode code) noexcept : m_code(code) {}

@@ -8,8 +8,8 @@ namespace qel {
 enum class RegistryRoot { ClassesRoot, CurrentUser, LocalMachine };
 inline constexpr int kRegistryRoots = 3;
 
-/// POSIX path of the database of a tree; empty when there is no place for it, as for a user without a home. It depends
-/// on the environment of this moment.
+/// POSIX path of a tree's database; empty if it has no place, for example for a user without a home folder. Depends on
+/// the environment at this moment.
 std::string RegistryDatabase(RegistryRoot root);
 
 }  // namespace qel

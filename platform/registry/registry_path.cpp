@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kLongestKeyName = 255;
 constexpr std::size_t kLongestValueName = 16383;
 
-// Capital letters and the distance to their small ones. Both of a pair are of one size in UTF-8.
+// Capital letters and the distance to their small ones. Both have the same size in UTF-8.
 struct Capitals {
     char32_t first, last, distance;
 };

@@ -7,7 +7,7 @@
 
 namespace qel {
 
-/// A name as it is kept, in UTF-8, and what two names have in common that differ in case only.
+/// A name as it is stored, in UTF-8, and its folded form, which is the same for names that differ only in case.
 struct RegistryName {
     std::string name;
     std::string fold;
@@ -37,7 +37,7 @@ private:
         return text.substr(m_names[index].at, m_names[index].size);
     }
 
-    RegistryName m_text;  // folding keeps every character's size, so both have a name at the same place
+    RegistryName m_text;  // folding keeps the size of each character, so names are at the same places in both
     std::vector<Place> m_names;
 };
 

@@ -11,7 +11,7 @@
 namespace qel {
 namespace {
 
-// With others who use a tree, before an operation and again before its commit.
+// How long to wait for others who use a tree, before an operation and again before its commit.
 constexpr std::chrono::seconds kPatience(10);
 constexpr std::chrono::microseconds kLongestSleep(300);
 
@@ -40,7 +40,7 @@ RegistryStore& RegistryStore::Of(HKEY handle) {
 
 namespace {
 
-// Made at load, so that no thread is just making one when another forks.
+// Created at load, so that no thread is creating one while another forks.
 [[maybe_unused]] const RegistryStore* const theStores[] = {&RegistryStore::Of(HKEY_CLASSES_ROOT),
                                                            &RegistryStore::Of(HKEY_CURRENT_USER),
                                                            &RegistryStore::Of(HKEY_LOCAL_MACHINE)};
@@ -62,12 +62,12 @@ void RegistryStore::CloseKey(HKEY handle) {
     m_keys.Remove(handle);
 }
 
-// In a forked child. The connection is the parent's: even closing it would undo what the parent is about to write.
+// In a forked child. The connection belongs to the parent: even closing it would undo what the parent is writing.
 void RegistryStore::AbandonInChild() {
     static auto& left = *new std::vector<RegistryTree*>;
     if (m_tree) left.push_back(m_tree.release());
-    m_turn.reset();  // closes a copy: the parent stays in line
-    // SQLite goes on to believe that this process holds the parent's locks.
+    m_turn.reset();  // closes a copy: the parent keeps its place in line
+    // SQLite still believes that this process holds the parent's locks.
     if (m_writings > 0) m_isLost = true;
     m_writings = 0;
 }
@@ -87,12 +87,12 @@ void RegistryStore::Open(const std::string& path, const std::optional<FileId>& i
     m_isMade = false;
 }
 
-// Those who write get in line at once, or somebody who writes without a pause would always be back before the others
+// Writers join the line at once. Otherwise a process that writes without a pause would always be back before the others
 // look again.
 void RegistryStore::GetInLine(const std::string& path) { m_turn.emplace(FolderOf(path), static_cast<int>(m_root)); }
 
-// Those who read do so when they meet somebody who writes: so whoever comes later lets them pass. They need not wait
-// for their turn, since several may read at once.
+// Readers join the line when they meet a writer: so whoever comes later lets them pass. They need not wait for their
+// turn, because several may read at once.
 bool RegistryStore::WaitForOthers() {
     if (!m_turn) GetInLine(m_path);
     return m_patience.Again();
@@ -134,7 +134,7 @@ void RegistryStore::RollBack() {
     try {
         m_tree->RollBack();
     } catch (const RegistryError&) {
-        m_tree.reset();  // closing the connection undoes it as well
+        m_tree.reset();  // closing the connection rolls it back as well
     }
 }
 
@@ -144,7 +144,7 @@ void RegistryStore::End() {
 
 RegistryStore::Writing::Writing(RegistryStore& store) : m_store(store), m_guard(store.m_lock) { ++store.m_writings; }
 
-// The other constructor has made the object when this one begins: it is destroyed as usual when this one throws.
+// The delegated constructor has already constructed the object: if this one throws, the destructor runs as usual.
 RegistryStore::Writing::Writing(RegistryStore& store, bool create) : Writing(store) {
     if (store.m_writings == 1) store.BeginWriting(create);
 }

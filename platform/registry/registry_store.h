@@ -15,12 +15,12 @@
 
 namespace qel {
 
-/// One of the three trees as the threads of this process share it: its lock, its open keys, and its connection, which
-/// is opened when needed, opened anew when the database has been replaced or the environment names another, and left
-/// behind by a forked child. What fails throws RegistryError.
+/// One of the three trees, shared by the threads of this process: its lock, its open keys, and its connection. The
+/// connection is opened when needed, opened again if the database was replaced or the environment names another one,
+/// and abandoned in a forked child. Failures throw RegistryError.
 class RegistryStore {
 public:
-    /// The one that @p handle belongs to.
+    /// The store that @p handle belongs to.
     static RegistryStore& Of(HKEY handle);
 
     RegistryKeyId KeyOf(HKEY handle);
@@ -36,14 +36,14 @@ private:
     template <RegistryRoot kRoot> static RegistryStore& One();
     void AbandonInChild();
 
-    // Which file a name means.
+    // Identifies the file that a name refers to.
     struct FileId {
         std::uint64_t device, number;
         bool operator==(const FileId&) const = default;
     };
     static std::optional<FileId> IdOf(const std::string& path);
 
-    // @param id the file that @p path means now, if any
+    // @param id the file at @p path now, if any
     void Open(const std::string& path, const std::optional<FileId>& id, bool create);
     RegistryTree* OpenForReading();
     void BeginWriting(bool create);
@@ -54,16 +54,16 @@ private:
 
     ForkSafeLock m_lock;
     RegistryRoot m_root;
-    ForkSafeLock m_keysLock;  // so that nobody who asks for a handle waits for a change that is written
+    ForkSafeLock m_keysLock;  // so that a request for a handle does not wait for a change to be written
     OpenKeys m_keys;
     std::unique_ptr<RegistryTree> m_tree;
     std::string m_path;          // of the database that is open,
     std::optional<FileId> m_id;  // and its file
-    bool m_isMade = false;       // the database is known to hold a tree
-    int m_writings = 0;          // under way, one within the other
+    bool m_isMade = false;       // the database is known to contain a tree
+    int m_writings = 0;          // active, nested
     bool m_isLost = false;       // this process was forked within one
     std::optional<Turn> m_turn;  // of this process, to write or when reading has to wait
-    Backoff m_patience;          // with other processes
+    Backoff m_patience;          // when waiting for other processes
 };
 
 /// Holds the lock while a tree is read.
@@ -71,7 +71,7 @@ class RegistryStore::Reading {
 public:
     explicit Reading(RegistryStore& store) : m_guard(store.m_lock), m_ending(store), m_tree(store.OpenForReading()) {}
 
-    /// Null when there is no database.
+    /// Null if there is no database.
     RegistryTree* Tree() const noexcept { return m_tree; }
 
 private:
@@ -88,10 +88,11 @@ private:
     RegistryTree* m_tree;
 };
 
-/// Holds the lock while a tree is changed. The outermost one of a thread is a transaction, undone unless committed.
+/// Holds the lock while a tree is changed. The outermost one of a thread is a transaction, rolled back unless
+/// committed.
 class RegistryStore::Writing {
 public:
-    /// @param create makes a missing database; without it: throws RegistryError 2
+    /// @param create creates a missing database; otherwise throws RegistryError 2
     Writing(RegistryStore& store, bool create);
     ~Writing();
     Writing(const Writing&) = delete;

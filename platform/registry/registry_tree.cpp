@@ -27,15 +27,15 @@ constexpr const char* kSchema =
     "INSERT INTO reg_key(id, depth, fold, name, class) VALUES (1, 0, '', '', '');"
     "PRAGMA user_version = 1;";
 
-// An unchanged value costs no write to the disk.
+// An unchanged value is not written to disk.
 constexpr const char* kReplace =
     " ON CONFLICT(key, fold) DO UPDATE SET type = excluded.type, data = excluded.data"
     " WHERE type <> excluded.type OR data <> excluded.data";
 
 std::string Numbered(const char* name, std::size_t number) { return name + std::to_string(number); }
 
-// The key that @p names names lead to: a chain of look-ups in the order of the path. ?1 is where it begins, then come
-// the folded names.
+// The key that @p names names lead to: a chain of look-ups in the order of the path. ?1 is the first key, then come the
+// folded names.
 std::string Chain(std::size_t names) {
     std::string sql = "reg_key k0";
     for (std::size_t i = 1; i <= names; ++i) sql += Numbered(" CROSS JOIN reg_key k", i);
@@ -110,7 +110,7 @@ std::optional<RegistryKeyId> RegistryTree::FindPart(RegistryKeyId from, const Re
     return query.Number(0);
 }
 
-// Follows the names of @p path from @p first on, as long as more than @p rest are left.
+// Follows the names of @p path, starting at @p first, while more than @p rest are left.
 std::optional<RegistryKeyId> RegistryTree::Follow(RegistryKeyId from, const RegistryPath& path, std::size_t& first,
                                                   std::size_t rest) {
     std::optional<RegistryKeyId> key = from;

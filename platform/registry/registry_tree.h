@@ -12,25 +12,25 @@
 
 namespace qel {
 
-/// A key in its tree's database: a number that no other key ever had or gets.
+/// A key's number in its tree's database; no other key ever has the same.
 using RegistryKeyId = std::int64_t;
 inline constexpr RegistryKeyId kRegistryRootKey = 1;
 
-/// The keys and values of a database. Texts are UTF-8 here. Nothing is locked, and what changes belongs between Begin
-/// and Commit. What fails throws RegistryError.
+/// The keys and values of a database. Texts are in UTF-8. Nothing is locked; changes belong between Begin and Commit.
+/// Failures throw RegistryError.
 class RegistryTree {
 public:
-    /// @param create makes an empty database when it is missing
-    /// @param wait called while others use it; without it every operation fails with 170 then
+    /// @param create creates an empty database if it is missing
+    /// @param wait called while others use it; without it every operation then fails with 170
     RegistryTree(const std::string& posixPath, bool create, DatabaseWait wait);
 
-    /// Whether the database holds a tree. @throws RegistryError 1009 when a newer version of the library made it
+    /// Whether the database contains a tree. @throws RegistryError 1009 if a newer version of the library created it
     bool IsMade();
     void Make();
 
     void Begin() { m_database.Run("BEGIN IMMEDIATE"); }
     void Commit() { m_database.Run("COMMIT"); }
-    /// Also where a failure has done it already.
+    /// Also allowed if a failure has already rolled back.
     void RollBack();
 
     std::optional<RegistryKeyId> Find(RegistryKeyId from, const RegistryPath& path);
@@ -39,10 +39,10 @@ public:
     RegistryContents List(RegistryKeyId key);
     void Write(RegistryKeyId key, const RegistryName& name, const RegistryValue& value);
     void Delete(RegistryKeyId key);
-    /// @p to does not stand within @p from.
+    /// @p to must not be within @p from.
     void Copy(RegistryKeyId from, RegistryKeyId to);
 
-    /// Whether @p key is @p above or stands below it.
+    /// Whether @p key is @p above or within it.
     bool IsWithin(RegistryKeyId key, RegistryKeyId above);
 
 private:

@@ -24,7 +24,7 @@ namespace {
 
 constexpr auto kLockLimit = std::chrono::seconds(10);
 constexpr auto kLongestSleep = std::chrono::milliseconds(20);
-constexpr std::uint64_t kLongestQueue = 64 << 20;  // a longer one is none that we have written
+constexpr std::uint64_t kLongestQueue = 64 << 20;  // we never write a longer one
 
 std::span<const std::byte> Bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
 
@@ -42,13 +42,13 @@ std::string Content(const Descriptor& file, std::string_view name) {
     return text;
 }
 
-// The queue's file, locked; no descriptor when there is none and @p flags do not make it.
+// The queue's file, locked; no descriptor if it does not exist and @p flags do not create it.
 Descriptor OpenQueue(const std::string& path, int flags) {
     Backoff wait(kLockLimit, kLongestSleep);
     return OpenLocked(path, O_NOFOLLOW | flags, path, wait);
 }
 
-// Each start of the system has an id of its own; "-" where that cannot be read.
+// Each start of the system has its own id; "-" if it cannot be read.
 std::string BootId() {
     const Descriptor file(::open("/proc/sys/kernel/random/boot_id", O_RDONLY | O_CLOEXEC));
     if (!file) return "-";
@@ -62,10 +62,10 @@ void MakeFolders(const std::string& folder) {
     for (std::size_t at = folder.find('/', 1); at != std::string_view::npos; at = folder.find('/', at + 1)) {
         ::mkdir(folder.substr(0, at).c_str(), 0777);
     }
-    ::mkdir(folder.c_str(), 0777);  // that it failed shows when the queue is opened
+    ::mkdir(folder.c_str(), 0777);  // a failure shows when the queue is opened
 }
 
-// A record and where its line begins in the file.
+// A record and the position of its line in the file.
 struct PlacedRecord {
     RestartRecord record;
     std::size_t offset;
@@ -75,7 +75,7 @@ std::vector<PlacedRecord> Records(std::string_view text) {
     std::vector<PlacedRecord> records;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = text.find('\n', at);
-        if (end == std::string_view::npos) break;  // torn
+        if (end == std::string_view::npos) break;  // incomplete
         if (auto record = RestartRecord::Parse(text.substr(at, end - at))) records.push_back({*record, at});
         at = end + 1;
     }
@@ -90,7 +90,7 @@ int CarryOut(const RestartOperation& operation) {
         const int error = errno;
         struct stat left = {};
         const bool gone = error == ENOENT && ::lstat(source.c_str(), &left) != 0 && errno == ENOENT;
-        return gone ? 0 : error;  // done before a run was cut off
+        return gone ? 0 : error;  // done before a run was interrupted
     }
     FlushFolderOf(source, source);
     if (moves) FlushFolderOf(operation.target, operation.target);
@@ -104,8 +104,8 @@ void WriteNew(const std::vector<RestartRecord>& records, const std::string& path
     FlushData(file, path);
 }
 
-// Puts a file with the records of @p kept in the place of the queue, or removes it when there are none. The lock on the
-// old file is held meanwhile; whoever waits for it finds that the file has gone.
+// Replaces the queue by a file with the records of @p kept, or removes it if there are none. The lock on the old file
+// is held meanwhile; whoever waits for it finds that the file is gone.
 void ReplaceBy(const std::vector<RestartRecord>& kept, const std::string& path) {
     if (kept.empty()) {
         if (::unlink(path.c_str()) != 0) ThrowErrno(errno, path, path);
@@ -147,7 +147,7 @@ void RestartQueue::Add(const RestartOperation& operation) {
     char last = '\n';
     if (end > 0) ReadFullyAt(file, std::as_writable_bytes(std::span(&last, 1)), end - 1, m_path);
     const std::string line = RestartRecord{false, BootId(), operation}.Line();
-    // A line that was torn by a crash is closed, so that it spoils no other.
+    // A line that was cut off by a crash is closed, so that it does not spoil the next one.
     WriteFullyAt(file, Bytes(last == '\n' ? line : '\n' + line), end, m_path);
     FlushData(file, m_path);
     if (end == 0) FlushFolderOf(m_path, m_path);

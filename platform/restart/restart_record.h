@@ -21,7 +21,7 @@ struct RestartRecord {
     /// The line, its end included.
     std::string Line() const;
 
-    /// @param line without its end. Nothing for a line that is torn or not ours.
+    /// @param line without its end. Nothing for a damaged or foreign line.
     static std::optional<RestartRecord> Parse(std::string_view line);
 };
 

@@ -25,7 +25,7 @@ bool LookForDebugger() {
     return false;
 }
 
-// Looked up at most once a second, so that a log that writes all the time does not read a file for each line.
+// Checked at most once a second, so that a log that writes all the time does not read a file for each line.
 bool IsDebuggerAttached() {
     using Clock = std::chrono::steady_clock;
     static std::atomic<Clock::rep> lookedAt = 0;
@@ -55,6 +55,6 @@ void OutputDebugStringA(const char* text) {
     if (where == "syslog") {
         ::syslog(LOG_DEBUG, "%s", utf8.c_str());
     } else if (::write(STDERR_FILENO, utf8.data(), utf8.size()) < 0) {
-        return;  // nobody to tell
+        return;  // nobody to report to
     }
 }

@@ -5,7 +5,7 @@ namespace {
 
 constexpr std::string_view kOurKey = "X-QELLIB10-Link=";
 
-// A value as key files hold it.
+// A value in the form of key files.
 std::string Value(std::string_view text) {
     std::string value;
     for (const char c : text) {
@@ -29,7 +29,7 @@ std::string Value(std::string_view text) {
     return value;
 }
 
-// One word of a command line, taken as it stands.
+// One word of a command line, used literally.
 std::string Quoted(std::string_view word) {
     std::string quoted = "\"";
     for (const char c : word) {
@@ -62,7 +62,7 @@ std::string DesktopEntry::Text() const {
     const auto line = [&](std::string_view key, std::string_view value) {
         text.append(key).append(Value(value)).append(1, '\n');
     };
-    line(kOurKey, link);  // near the begin, for a comment may be of any length
+    line(kOurKey, link);  // near the start, because a comment may have any length
     line("Type=", isProgram ? "Application" : "Link");
     line("Name=", name);
     if (!comment.empty()) line("Comment=", comment);

@@ -16,7 +16,7 @@ constexpr std::byte kClass64{2}, kLittleEndian{1};
 constexpr std::uint32_t kSegmentSize = 56, kMaxSegments = 1024;
 constexpr std::size_t kTypeAt = 0, kOffsetAt = 8, kFileSizeAt = 32;  // in a segment's header
 constexpr std::uint32_t kNoteSegment = 4;
-constexpr std::uint64_t kMaxNotes = 64 * 1024;  // bytes of all; far above what linkers make
+constexpr std::uint64_t kMaxNotes = 64 * 1024;  // bytes in all; far more than linkers write
 
 constexpr std::size_t kNoteHeaderSize = 12;
 constexpr std::uint32_t kOurType = 1;
@@ -26,7 +26,7 @@ std::string_view Chars(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// Takes the text up to the next zero byte, or all there is, off the begin of @p texts.
+// Removes the text up to the next zero byte, or all of it, from the start of @p texts.
 std::string_view TakeText(std::string_view& texts) {
     const std::string_view text = texts.substr(0, texts.find('\0'));
     texts.remove_prefix(std::min(text.size() + 1, texts.size()));
@@ -70,7 +70,7 @@ std::optional<std::string> TextOfElfNotes(const FileBytes& file, std::string_vie
         throw DataError("no table of segments");
     }
     const auto segments = file.At(NumberAt<std::uint64_t>(header, kSegmentsAt), count * kSegmentSize);
-    std::uint64_t left = kMaxNotes;  // segments of a forged file may all hold the same bytes
+    std::uint64_t left = kMaxNotes;  // segments of a forged file may all contain the same bytes
     for (std::size_t at = 0; at < segments.size(); at += kSegmentSize) {
         const auto size = NumberAt<std::uint64_t>(segments, at + kFileSizeAt);
         if (NumberAt<std::uint32_t>(segments, at + kTypeAt) != kNoteSegment || size > left) continue;

@@ -9,10 +9,10 @@
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/file.h"
 
-// Reading at offsets that the data themselves name: nothing beyond the end, no allocation beyond what is there.
+// Reads at offsets that the data themselves contain: never past the end, and never allocates more than there is.
 namespace qel {
 
-/// The little-endian number at @p at. @throws DataError when it does not lie within @p bytes
+/// The little-endian number at @p at. @throws DataError when it is not within @p bytes
 template <PackableNumber T> T NumberAt(std::span<const std::byte> bytes, std::size_t at) {
     if (at > bytes.size() || bytes.size() - at < sizeof(T)) throw DataError("an offset leads out of the data");
     return FromLittleEndian<T>(bytes.subspan(at).first<sizeof(T)>());
@@ -23,7 +23,7 @@ class FileBytes {
 public:
     explicit FileBytes(CFile& file) : m_file(file), m_length(file.GetLength()) {}
 
-    /// @throws DataError when not all of them lie within the file, CFileException when they cannot be read
+    /// @throws DataError when they are not all within the file, CFileException when they cannot be read
     std::vector<std::byte> At(std::uint64_t offset, std::uint32_t size) const;
 
     template <PackableNumber T> T Number(std::uint64_t offset) const { return NumberAt<T>(At(offset, sizeof(T)), 0); }

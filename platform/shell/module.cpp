@@ -34,7 +34,7 @@ std::string PathOfProgram() {
 }
 
 // A line of the memory map: `7f00-7f10 r-xp 00001000 08:01 1234      /usr/lib/libx.so`; a line end in the path is \012.
-// @return nothing where the line does not hold @p address, the empty text where no file is mapped there
+// @return nothing if the line does not contain @p address, an empty text if no file is mapped there
 std::optional<std::string> PathInLine(const std::string& line, std::uintptr_t address) {
     char* end = nullptr;
     const std::uintptr_t first = std::strtoull(line.c_str(), &end, 16);
@@ -49,8 +49,8 @@ std::optional<std::string> PathInLine(const std::string& line, std::uintptr_t ad
     return path;
 }
 
-// The loader knows which module holds an address, yet its path only as it was loaded, which may be relative to a folder
-// that is no longer current; the kernel's list has it absolute.
+// The loader knows which module contains an address, but its path only as it was loaded, which may be relative to a
+// folder that is no longer current. The kernel's list has the absolute path.
 std::string PathOfAddress(const void* module) {
     Dl_info info = {};
     if (::dladdr(module, &info) == 0) return "";

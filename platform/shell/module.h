@@ -6,9 +6,9 @@
 
 namespace qel {
 
-/// The absolute path of the program's file, or, for a @p module, of the program or shared library that holds this
-/// address (any address in it serves as a module's handle). It is the name under which it was loaded, also when the
-/// file has been replaced or deleted since. The empty text for an address that belongs to no file.
+/// The absolute path of the program's file or, for a @p module, of the program or shared library that contains this
+/// address (any address in it can be the module's handle). It is the name under which it was loaded, even if the file
+/// has since been replaced or deleted. Empty for an address that belongs to no file.
 QELLIB10_API CString ModulePath(HINSTANCE module);
 
 }  // namespace qel

@@ -65,7 +65,7 @@ std::uint64_t PeHeaders::OffsetOf(std::uint32_t address) const {
     throw DataError("an address lies in no section");
 }
 
-// The offset field of the entry with number @p id, or of the first entry where none is asked for.
+// The offset field of the entry with number @p id, or of the first entry if no number is given.
 std::optional<std::uint32_t> EntryOf(const FileBytes& file, std::uint64_t node, std::optional<std::uint32_t> id) {
     const std::vector<std::byte> header = file.At(node, kNodeSize);
     const std::uint32_t named = NumberAt<std::uint16_t>(header, kNamedCountAt);

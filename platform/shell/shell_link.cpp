@@ -69,7 +69,7 @@ ShellLink LinkTo(const CString& target, const std::optional<CString>& descriptio
     return link;
 }
 
-// A missing target counts as a program: links may come before what they lead to.
+// A missing target counts as a program: links may be created before their targets.
 bool IsProgram(const std::string& posixPath) {
     struct stat status = {};
     return ::stat(posixPath.c_str(), &status) != 0 || (S_ISREG(status.st_mode) && (status.st_mode & 0111) != 0);
@@ -80,7 +80,7 @@ void Write(const CString& name, std::span<const std::byte> bytes, bool executabl
     WriteFully(file.File(), bytes, name.View());
     struct stat made = {};
     if (executable && ::fstat(file.File().Get(), &made) == 0) {
-        // Desktops trust an entry that may be executed; who may read may execute.
+        // Desktops trust an entry that may be executed; whoever may read it may execute it.
         ::fchmod(file.File().Get(), made.st_mode | ((made.st_mode & 0444) >> 2));
     }
     file.Commit();
@@ -91,7 +91,7 @@ enum class Entry { kNone, kOurs, kForeign };
 Entry LookAtEntry(const CString& name) {
     const Descriptor file(::open(ToPosixPath(name.View()).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file) return errno == ENOENT ? Entry::kNone : Entry::kForeign;
-    std::array<char, 16 * 1024> text;  // the key stands far before, with paths of MAX_PATH at most
+    std::array<char, 16 * 1024> text;  // the key is well before that, because paths have at most MAX_PATH bytes
     struct stat status = {};
     if (::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return Entry::kForeign;
     const std::size_t size = ReadFully(file, std::as_writable_bytes(std::span(text)), name.View());

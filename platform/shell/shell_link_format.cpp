@@ -41,7 +41,7 @@ private:
     std::vector<std::byte> m_bytes;
 };
 
-// Units of 100 ns since 1601; 0: not known.
+// Units of 100 ns since 1601; 0: unknown.
 std::uint64_t FileTime(const std::optional<CTime>& time) {
     constexpr std::int64_t kSecondsTo1970 = 11'644'473'600;
     constexpr std::int64_t kLatest = 253'402'300'799;  // the end of the year 9999

@@ -57,7 +57,7 @@ std::string FirstFolderIn(const char* variable, const char* fallback) {
     return fallback;
 }
 
-// The user's choice stands in a line XDG_DESKTOP_DIR="$HOME/Schreibtisch", or with an absolute path.
+// The user's choice is in a line XDG_DESKTOP_DIR="$HOME/Schreibtisch", or with an absolute path.
 std::string ChosenFolder(std::string_view name, std::string_view belowHome) {
     const std::string begin = std::string(name) + "=\"";
     std::ifstream choices(ConfigHome() + "/user-dirs.dirs");

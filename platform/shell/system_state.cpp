@@ -25,7 +25,7 @@ std::string FirstSet(std::initializer_list<const char*> variables) {
     return "";
 }
 
-// The value of a line NAME=value, NAME="value" or NAME='value', where \ keeps the character behind it.
+// The value of a line NAME=value, NAME="value" or NAME='value'; \ keeps the character after it.
 std::string Unquoted(std::string_view value) {
     const bool isQuoted = value.size() >= 2 && (value[0] == '"' || value[0] == '\'') && value.back() == value[0];
     if (isQuoted) value = value.substr(1, value.size() - 2);
@@ -37,7 +37,7 @@ std::string Unquoted(std::string_view value) {
     return text;
 }
 
-// "down" says that an interface has no connection; the point-to-point ones that have one say "unknown".
+// "down" means that an interface has no connection; connected point-to-point ones say "unknown".
 bool IsUp(const std::filesystem::path& interface) {
     std::string state;
     std::ifstream(interface / "operstate") >> state;

@@ -31,7 +31,7 @@ std::u16string UnitsAt(Bytes bytes, std::size_t at, std::size_t end) {
     return units;
 }
 
-// A block of the resource; positions count from the resource's begin.
+// A block of the resource; positions count from the start of the resource.
 class Block {
 public:
     // @param limit where the block around it ends

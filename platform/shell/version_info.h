@@ -9,11 +9,11 @@
 
 namespace qel {
 
-/// The text of @p key ("FileVersion", "ProductName" ..., in any case) that a program file carries: one for Windows, of
-/// 32 or 64 bits, in its version resource, the first of its languages counting that has the key; one for this system in
-/// the note that VersionNote makes. Nothing when it carries none. The file may be damaged or made to harm: nothing is
-/// read beyond its end, and little is read at all.
-/// @throws CFileException when reading fails, DataError when what is carried contradicts itself
+/// The text of @p key ("FileVersion", "ProductName" ..., in upper or lower case) in a program file. A Windows program
+/// of 32 or 64 bits has it in its version resource, where the first language with the key is used; a program of this
+/// system has it in the note that VersionNote makes. Nothing if there is none. The file may be damaged or malicious:
+/// nothing is read past its end, and only a little is read at all.
+/// @throws CFileException when reading fails, DataError when its data contradict each other
 QELLIB10_API std::optional<CString> VersionText(CFile& file, std::string_view key);
 
 }  // namespace qel

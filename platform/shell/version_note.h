@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// What a program or shared library carries so that CQFile::GetVersionInfo finds texts in its file: keys and values in
+/// Put this into a program or shared library so that CQFile::GetVersionInfo finds texts in its file: keys and values in
 /// UTF-8, each followed by a zero byte. One in a source file of the module is enough; it survives stripping and section
 /// garbage collection.
 ///

@@ -20,7 +20,7 @@ enum Tag : std::uint16_t { kNamedUser = 0x02, kOwnGroup = 0x04, kNamedGroup = 0x
 constexpr unsigned kGroupAndOthers = 077;
 unsigned Bits(unsigned group, unsigned others) { return group << 3 | others; }
 
-// Where the rights of the entry @p tag are; 0 where the list has no such entry.
+// The position of the rights of entry @p tag; 0 if the list has no such entry.
 std::size_t RightsOf(std::span<const std::byte> list, Tag tag) {
     for (std::size_t at = kHeader; at < list.size(); at += kEntry) {
         if (GetNumber<std::uint16_t>(list, at) == tag) return at + kRightsAt;

@@ -19,7 +19,7 @@ namespace {
 
 constexpr mode_t kAllRights = 0777, kGroupAndOthers = 077, kSticky = S_ISVTX;
 
-// @return false when the caller may not
+// @return false if the caller is not allowed to
 bool ChangeOwner(int file, uid_t user, gid_t group, std::string_view name) {
     if (::fchown(file, user, group) == 0) return true;
     if (!IsNotAllowed(errno)) ThrowErrno(errno, name);
@@ -53,7 +53,7 @@ void GiveAccessRights(int file, const struct stat& old, const FileAttributes& at
     if (!keepsGroup) mode = list.LimitGroupAndOthers(mode);
     if (const int error = list.GiveTo(file)) {
         if (!IsNotAllowed(error)) ThrowErrno(error, name);
-        // One that the folder has given stays, and lets nobody in as long as the group's bits are none.
+        // A list from the folder stays, but gives nobody access while the group's bits are zero.
         const unsigned bits = list.IsEmpty() ? mode & 07 : list.WithoutNames(mode);
         mode = (mode & ~kGroupAndOthers) | bits;
     }

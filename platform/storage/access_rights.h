@@ -8,25 +8,26 @@ namespace qel {
 
 class FileAttributes;
 
-/// Where the bytes of a file come from that gets the rights of another one.
+/// Where the bytes come from that are written into a file with another file's rights.
 enum class Content {
-    kNew,    // written by the caller: no program that may act for the file's owner or the system
-    kMoved,  // those of the file whose rights it gets
+    kNew,    // written by the caller: not a program that may act for the file's owner or the system
+    kMoved,  // the bytes of the file whose rights are copied
 };
 
-/// Gives the open file owner and mode of @p old, and the access control list of the same file's @p attributes. Only
-/// root can give a file away, and others only to groups of theirs. Where the group is not kept, group and others may do
-/// no more than both might, and where the list is not, no more than those whom it names: so nobody but the new owner
-/// may do more with the file than with the old one. Set-user-id and set-group-id are not given to new content, nor
-/// where the owner is not kept. @p name is what exceptions call the file.
+/// Sets the owner and mode of @p old on the open file, and the access control list from @p attributes of the same file.
+/// Only root can change a file's owner; others can only change the group, to one of their own. If the group cannot be
+/// kept, group and others get only what both were allowed. If the list cannot be kept, they get only what everybody
+/// named in it was allowed. So nobody but the new owner can do more with the file than with the old one. Set-user-id
+/// and set-group-id are not set on new content, nor when the owner is not kept. @p name is what exceptions call the
+/// file.
 /// @throws CFileException
 void GiveAccessRights(int file, const struct stat& old, const FileAttributes& attributes, Content content,
                       std::string_view name);
 
-/// Gives the open file the extended attributes @p from, as far as the caller may read and set them and the file system
-/// can hold them, but for the access control list, those that sign the former bytes and, with new content, the
-/// capabilities of a program.
-/// @throws CFileException when one cannot be read or set though the caller may
+/// Copies the extended attributes @p from to the open file, as far as the caller may read and set them and the file
+/// system can hold them. Not copied: the access control list, signatures of the former bytes and, with new content, a
+/// program's capabilities.
+/// @throws CFileException when one cannot be read or set although the caller is allowed to
 void GiveAttributes(int file, const FileAttributes& from, Content content, std::string_view name);
 
 }  // namespace qel

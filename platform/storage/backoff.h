@@ -4,11 +4,11 @@
 
 namespace qel {
 
-/// Sleeps @p time, also when signals come in between.
+/// Sleeps for @p time, even if signals arrive meanwhile.
 void SleepFor(std::chrono::nanoseconds time);
 
-/// Waiting for something that another thread or process will let go of, without spinning and without signals: four
-/// yields, then sleeps of 20 us that double up to @p longest, each varied by half so that waiters do not march in step.
+/// Waits for something that another thread or process will release, without spinning and without signals: four yields,
+/// then sleeps of 20 us that double up to @p longest. Each sleep varies by half, so that waiters do not wake in step.
 ///
 ///     Backoff wait(std::chrono::seconds(10));
 ///     while (!TryIt()) {
@@ -18,7 +18,7 @@ class Backoff {
 public:
     explicit Backoff(std::chrono::nanoseconds limit, std::chrono::nanoseconds longest = std::chrono::milliseconds(1));
 
-    /// Waits a little. @return false without waiting once the limit has passed since construction.
+    /// Waits a little. @return false, without waiting, once the limit since construction has passed
     bool Again();
 
 private:

@@ -17,7 +17,7 @@
 namespace qel {
 namespace {
 
-// @param call reads into the bytes that are left, given how many are done
+// @param call reads into the remaining bytes; gets the number of bytes already read
 template <class Call> std::size_t ReadAll(std::span<std::byte> bytes, std::string_view name, Call&& call) {
     std::size_t done = 0;
     while (done < bytes.size()) {
@@ -39,13 +39,13 @@ template <class Call> void WriteAll(std::span<const std::byte> bytes, std::strin
     }
 }
 
-// Errors of a way of copying that another way may not have.
+// Errors of one way of copying that another way may not have.
 bool NeedsOtherWay(int error) {
     return error == EXDEV || error == EOPNOTSUPP || error == EINVAL || error == ENOSYS || error == EBADF ||
            error == EPERM || error == ETXTBSY;
 }
 
-// Whole files can share their blocks on some file systems, which takes no time at all.
+// Some file systems let whole files share their blocks, which takes no time at all.
 bool ShareBlocks(const Descriptor& from, const Descriptor& to, std::uint64_t count) {
     struct stat source = {};
     struct stat target = {};
@@ -53,7 +53,7 @@ bool ShareBlocks(const Descriptor& from, const Descriptor& to, std::uint64_t cou
            static_cast<std::uint64_t>(source.st_size) == count && ::ioctl(to.Get(), FICLONE, from.Get()) == 0;
 }
 
-// @return bytes copied before the end, or before the kernel had to give up
+// @return bytes copied before the end, or until the kernel gave up
 std::uint64_t CopyInKernel(const Descriptor& from, off_t fromOffset, const Descriptor& to, off_t toOffset,
                            std::uint64_t count, std::string_view toName) {
     constexpr std::uint64_t kMaxChunk = 1 << 30;
@@ -136,7 +136,7 @@ void FlushData(const Descriptor& file, std::string_view name) {
 
 void FlushFolderOf(const std::string& posixPath, std::string_view name) {
     const Descriptor folder(::open(PosixFolderOf(posixPath).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // A folder that may be written but not read cannot be opened; its names get to the disk in their own time.
+    // A folder that may be written but not read cannot be opened; its names reach the disk later.
     if (!folder || Uninterrupted([&] { return ::fsync(folder.Get()); }) == 0) return;
     if (errno == EINVAL || errno == EROFS) return;
     ThrowWriteErrno(errno, name);

@@ -22,14 +22,14 @@ namespace {
 
 using Status = struct stat;
 
-constexpr int kDeepest = 1000;  // one descriptor each; names as long as paths can be reach 130
+constexpr int kDeepest = 1000;  // one descriptor each; names as long as paths allow reach level 130
 constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 struct CloseFolder {
     void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-// All names first, so that deleting does not disturb the listing.
+// Reads all names first, so that deleting does not disturb the listing.
 std::vector<std::string> NamesIn(const Descriptor& folder, std::string_view name) {
     Descriptor listed(::openat(folder.Get(), ".", kOpenFolder));
     if (!listed) ThrowErrno(errno, name);
@@ -45,7 +45,7 @@ std::vector<std::string> NamesIn(const Descriptor& folder, std::string_view name
     return names;
 }
 
-// The steps from a folder to what is in it go by its descriptor, so that nobody can put a link in between.
+// Steps from a folder to its entries through its descriptor, so that nobody can put a link in between.
 class TreeDeletion {
 public:
     explicit TreeDeletion(std::string_view name) : m_name(name) {}

@@ -6,10 +6,10 @@
 
 namespace qel {
 
-/// Deletes a folder with all that is in it, up to the first failure. Links are deleted, never followed, also when one
-/// takes the place of a folder meanwhile. What is gone already is no failure, and neither is a missing @p folder.
-/// @throws CFileException 5 for a read-only file and for the root folder, of a drive or a share as well, 32 for a file
-/// that is open anywhere, 206 below 1,000 levels, 267 when @p folder is a file or a link to one
+/// Deletes a folder and everything in it, and stops at the first failure. Links are deleted, never followed, even if
+/// one replaces a folder meanwhile. It is not a failure if something is already gone, nor if @p folder is missing.
+/// @throws CFileException 5 for a read-only file and for the root folder of a drive or share, 32 for a file that is
+/// open anywhere, 206 deeper than 1,000 levels, 267 when @p folder is a file or a link to one
 QELLIB10_API void DeleteTree(std::string_view folder);
 
 }  // namespace qel

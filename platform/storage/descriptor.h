@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// Owner of a file descriptor: closes it, is moved, never copied.
+/// Owns a file descriptor and closes it. Can be moved, not copied.
 class QELLIB10_API Descriptor {
 public:
     Descriptor() noexcept = default;

@@ -46,7 +46,7 @@ BOOL CFile::Open(const char* name, UINT flags, CFileException* error) {
 void CFile::OpenOrThrow(const char* name, UINT flags) {
     const CString path(name);
     const std::string posix = qel::ToPosixPath(path.View());
-    CString full = qel::FullPath(path.View());  // a relative name is that of the folder which is current now
+    CString full = qel::FullPath(path.View());  // a relative name belongs to the folder that is current now
     m_descriptor = qel::OpenShared(posix, qel::OpenRequest::OfFlags(flags), path.View());
     m_bDuplicated = false;
     m_nFlags = flags;
@@ -69,7 +69,7 @@ const qel::Descriptor& CFile::WritableDescriptor() const { return Checked(Need::
 
 const qel::Descriptor& CFile::Checked(Need need) const {
     if (!m_descriptor) qel::ThrowCode(qel::kBadHandle, m_strFilePath.View());
-    // The system answers a wrong access with the error of a closed descriptor; so it is asked only for a right one.
+    // For wrong access the system reports a closed descriptor, so we check the access first.
     const UINT access = m_nFlags & kAccessMask;
     if ((need == Need::reading && access == modeWrite) || (need == Need::writing && access == modeRead))
         qel::ThrowCode(qel::kAccessDenied, m_strFilePath.View());
@@ -98,7 +98,7 @@ ULONGLONG CFile::GetLength() const {
 
 void CFile::SetLength(ULONGLONG length) {
     const int descriptor = Checked(Need::writing).Get();
-    // The system's offsets do not reach farther.
+    // Beyond the range of the system's offsets.
     if (length > static_cast<ULONGLONG>(std::numeric_limits<off_t>::max()))
         qel::ThrowCode(qel::kDiskFull, m_strFilePath.View());
     const off_t target = static_cast<off_t>(length);
@@ -125,7 +125,7 @@ void CFile::UnlockRange(ULONGLONG position, ULONGLONG count) { SetRangeLock(F_UN
 
 void CFile::SetRangeLock(short type, ULONGLONG position, ULONGLONG count) {
     const int descriptor = Checked(Need::any).Get();
-    if (count == 0) return;  // to the system 0 would mean "to the end"
+    if (count == 0) return;  // the system would take 0 as "to the end"
     const auto limit = static_cast<ULONGLONG>(qel::kShareMarksAt);
     if (position > limit || count > limit - position) qel::ThrowCode(qel::kBadSeek, m_strFilePath.View());
     // A lock for writing needs a descriptor that can write.
@@ -163,6 +163,6 @@ CString CFile::GetFileTitle() const {
 CString CFile::GetFilePath() const { return m_strFilePath; }
 
 CFile::operator HANDLE() const noexcept {
-    // One more than the descriptor, because callers count a handle of 0 as closed.
+    // One more than the descriptor, because callers treat a handle of 0 as closed.
     return m_descriptor ? reinterpret_cast<HANDLE>(static_cast<LONGLONG>(m_descriptor.Get()) + 1) : hFileNull;
 }

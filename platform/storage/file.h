@@ -41,13 +41,13 @@ public:
         shareDenyWrite = 0x00020,
         shareDenyRead = 0x00030,
         shareDenyNone = 0x00040,
-        modeNoInherit = 0x00080,    ///< always so
-        modeCreate = 0x01000,       ///< create the file, or empty it
-        modeNoTruncate = 0x02000,   ///< with modeCreate: keep what is there
+        modeNoInherit = 0x00080,    ///< always set
+        modeCreate = 0x01000,       ///< create the file, or empty an existing one
+        modeNoTruncate = 0x02000,   ///< with modeCreate: keep the content
         typeText = 0x04000,         ///< no effect
         typeBinary = 0x08000,       ///< no effect
         osNoBuffer = 0x10000,       ///< no effect
-        osWriteThrough = 0x20000,   ///< a write returns when the bytes are on the disk
+        osWriteThrough = 0x20000,   ///< a write returns when the bytes are on disk
         osRandomAccess = 0x40000,   ///< no effect
         osSequentialScan = 0x80000  ///< no effect
     };
@@ -56,80 +56,83 @@ public:
 
     enum SeekPosition : UINT { begin = 0, current = 1, end = 2 };
 
-    /// The handle of a closed file: all bits set. (An open file's is neither this nor 0.)
+    /// The handle of a closed file: all bits set. (An open file's handle is neither this nor 0.)
     static const HANDLE hFileNull;
 
     CFile() noexcept;
-    /// Opens @p name as Open does, and throws when that fails.
+    /// Opens @p name like Open, and throws if that fails.
     CFile(const char* name, UINT flags);
     CFile(const CFile&) = delete;
     CFile& operator=(const CFile&) = delete;
 
     virtual ULONGLONG GetPosition() const;
-    /// The last component of the path; the title is without extension. The path is absolute, as it was at Open.
-    /// All are empty for a closed file.
+    /// The last component of the path; the title has no extension. The path is absolute, as it was at Open. All are
+    /// empty for a closed file.
     virtual CString GetFileName() const;
     virtual CString GetFileTitle() const;
     virtual CString GetFilePath() const;
 
-    /// Opens a regular file (anything else is accessDenied, code 5; so is writing to one with the read-only attribute).
-    /// An object that is open already is closed first. The position is 0.
-    /// @param flags one of modeRead/modeWrite/modeReadWrite, one of the share modes, and the others as wanted
-    /// @param error takes the cause of a failure
+    /// Opens a regular file. Anything else is accessDenied, code 5, and so is writing to a file with the read-only
+    /// attribute. An object that is already open is closed first. The position is 0.
+    /// @param flags one of modeRead/modeWrite/modeReadWrite, one of the share modes, and others as needed
+    /// @param error receives the cause of a failure
     /// @return 0 on failure; nothing is thrown
     virtual BOOL Open(const char* name, UINT flags, CFileException* error = nullptr);
 
-    /// A new object on the same opening: the position is shared, and the share mode lasts until the last one closes.
+    /// A second object for the same opening: both share the position, and the share mode lasts until the last one is
+    /// closed.
     virtual std::unique_ptr<CFile> Duplicate() const;
 
-    /// @return the new position from the file's begin; it may lie behind the end, the length stays until a write there.
-    /// A target before the begin: badSeek, code 131.
+    /// Returns the new position from the start. It may be past the end; the file grows only when data is written there.
+    /// A position before the start: badSeek, code 131.
     virtual ULONGLONG Seek(LONGLONG offset, UINT from);
-    /// Cuts the file, or extends it by zeros; leaves the position at @p length.
+    /// Shortens the file, or extends it with zeros; the position is @p length afterwards.
     virtual void SetLength(ULONGLONG length);
     virtual ULONGLONG GetLength() const;
 
-    /// @return bytes read: fewer than @p count only at the end of the file, 0 when the position is there or behind
+    /// @return bytes read: fewer than @p count only at the end of the file, 0 when the position is at or past the end
     virtual UINT Read(void* buffer, UINT count);
-    /// Writes all of @p count bytes or throws. A gap between the file's end and the position becomes zeros. Reading or
-    /// writing no bytes at all succeeds whatever the file.
+    /// Writes all @p count bytes or throws. A gap between the end of the file and the position is filled with zeros.
+    /// Reading or writing 0 bytes succeeds for any file.
     virtual void Write(const void* buffer, UINT count);
 
-    /// Keeps other openings from locking (not from reading or writing) these bytes, until unlocked or closed.
-    /// Already locked through another opening: lockViolation, code 33, but not when both may only read. A range that
-    /// ends behind 0x7FFFFFFFFFF00000, where the marks of share modes stand: badSeek.
+    /// Keeps other openings from locking these bytes (not from reading or writing them) until they are unlocked or the
+    /// file is closed. Already locked by another opening: lockViolation, code 33, unless both are open for reading
+    /// only. A range that ends past 0x7FFFFFFFFFF00000, where the marks of share modes are: badSeek.
     virtual void LockRange(ULONGLONG position, ULONGLONG count);
     virtual void UnlockRange(ULONGLONG position, ULONGLONG count);
 
     /// Closes without reporting errors.
     virtual void Abort() noexcept;
-    /// Returns when all written bytes are on the disk. A closed file: nothing. One opened for reading: accessDenied.
+    /// Returns when all written bytes are on disk. Does nothing for a closed file. A file opened for reading:
+    /// accessDenied.
     virtual void Flush();
-    /// A closed file: nothing. When the system reports lost bytes the file is closed all the same, then it throws.
+    /// Does nothing for a closed file. If the system reports lost bytes, the file is closed first, then it throws.
     virtual void Close();
 
-    /// Closes, without reporting errors.
+    /// Closes without reporting errors.
     virtual ~CFile();
 
-    /// Deletes a file. Missing: 2, or 3 without its folder; a folder or a read-only file: 5; open anywhere: 32.
+    /// Deletes a file. Missing: 2, or 3 if its folder is missing; a folder or a read-only file: 5; open anywhere: 32.
     static void Remove(const char* name);
-    /// Renames or moves a file or folder, a file also to another volume. The new name exists: accessDenied, code 183.
+    /// Renames or moves a file or folder; a file also to another volume. If the new name exists: accessDenied, code
+    /// 183.
     static void Rename(const char* oldName, const char* newName);
     /// Describes a file or folder without opening it.
-    /// @return 0 when it is missing, or a link to something missing; nothing is thrown and @p status is left alone
+    /// @return 0 if it is missing, or is a link to something missing; nothing is thrown and @p status does not change
     static BOOL GetStatus(const char* name, CFileStatus& status);
-    /// The same of the open file; 0 for a closed one.
+    /// The same for the open file; 0 for a closed one.
     BOOL GetStatus(CFileStatus& status) const;
 
     /// @return the new position, which is the length
     ULONGLONG SeekToEnd() { return Seek(0, end); }
     void SeekToBegin() { Seek(0, begin); }
 
-    /// Opaque: descriptor + 1, or hFileNull. For tests of openness.
+    /// Opaque: descriptor + 1, or hFileNull. Use it only to test whether the file is open.
     operator HANDLE() const noexcept;
 
-    /// The descriptor, for what works on two files at once. The file keeps it.
-    /// @throws CFileException as reading or writing does where the file's access lacks
+    /// The descriptor, for operations on two files at once. The file still owns it.
+    /// @throws CFileException like reading or writing, if the file was not opened for that
     const qel::Descriptor& ReadableDescriptor() const;
     const qel::Descriptor& WritableDescriptor() const;
 
@@ -137,8 +140,8 @@ private:
     enum class Need { any, reading, writing };
 
     void OpenOrThrow(const char* name, UINT flags);
-    int CloseDescriptor() noexcept;                   // 0 or the errno; the file is closed all the same
-    const qel::Descriptor& Checked(Need need) const;  // throws when the file is closed or the access lacks
+    int CloseDescriptor() noexcept;                   // 0 or the errno; the file is closed in both cases
+    const qel::Descriptor& Checked(Need need) const;  // throws when the file is closed or not opened for that
     void SetRangeLock(short type, ULONGLONG position, ULONGLONG count);
 
     qel::Descriptor m_descriptor;

@@ -10,8 +10,8 @@
 namespace qel {
 namespace {
 
-// Calls @p read for the size, then for the bytes, again when these became more meanwhile.
-// @return none where it may not be read
+// Calls @p read for the size, then for the bytes, and again if they have grown meanwhile.
+// @return nothing if it may not be read
 template <class Byte, class Read> std::optional<std::vector<Byte>> ReadWhole(const Read& read, std::string_view name) {
     for (;;) {
         const ssize_t size = read(nullptr, 0);

@@ -9,26 +9,26 @@
 
 namespace qel {
 
-/// The extended attributes of a file, read by its path or, since a path may have got another file meanwhile, of the
-/// file that is open. @p name is what exceptions call it.
+/// The extended attributes of a file. They are read by its path or through the open file, because the path may
+/// meanwhile name another file. @p name is what exceptions call it.
 class FileAttributes {
 public:
     FileAttributes(std::string posixPath, std::string_view name) : m_path(std::move(posixPath)), m_name(name) {}
     FileAttributes(int file, std::string_view name) : m_file(file), m_name(name) {}
 
-    /// @return none where there is no such attribute, or where the caller may not read it
+    /// @return nothing if the attribute does not exist or the caller may not read it
     /// @throws CFileException when the system fails
     std::optional<std::vector<std::byte>> Get(const std::string& attribute) const;
-    /// Those that the caller may see. @throws CFileException
+    /// The attributes that the caller may see. @throws CFileException
     std::vector<std::string> Names() const;
 
 private:
     std::string m_path;
-    int m_file = -1;  // where there is no path
+    int m_file = -1;  // if there is no path
     std::string m_name;
 };
 
-/// Whether @p error says that the caller, or the file system, cannot do what was asked, and not that it has failed.
+/// Whether @p error means that the caller may not, or the file system cannot, do this, as opposed to a failure.
 bool IsNotAllowed(int error);
 
 }  // namespace qel

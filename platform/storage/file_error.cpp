@@ -41,7 +41,7 @@ LONG CodeOfErrno(int error, std::string_view posixPath) {
             return kWriteProtected;
         case EIO:
             return kReadFault;
-        case ETXTBSY:  // a running program's file
+        case ETXTBSY:  // the file of a running program
         case EBUSY:
             return kSharingViolation;
         case EEXIST:

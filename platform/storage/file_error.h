@@ -8,7 +8,7 @@
 
 namespace qel {
 
-/// The numbers by which the framework names what the system answered; CFileException::m_lOsError carries them.
+/// The numbers that the framework uses for the system's errors; CFileException::m_lOsError holds them.
 enum SystemCode : LONG {
     kFileMissing = 2,
     kFolderMissing = 3,
@@ -39,14 +39,14 @@ enum SystemCode : LONG {
     kFileAltered = 1006,
 };
 
-/// The number for a failed system call on the POSIX path @p posixPath: a missing file and a missing folder differ.
-/// Without a path a missing name is kFileMissing.
+/// The number for a failed system call on the POSIX path @p posixPath. It distinguishes a missing file from a missing
+/// folder. Without a path a missing name is kFileMissing.
 LONG CodeOfErrno(int error, std::string_view posixPath = {});
 
-/// The cause (CFileException::fileNotFound ...) that a number stands for.
+/// The cause (CFileException::fileNotFound ...) for a number.
 int CauseOfCode(LONG code);
 
-/// Whether it failed since nothing has the name. What could not be looked at may be there.
+/// Whether it failed because nothing has the name. Something that could not be checked may exist.
 inline bool IsMissing(const CFileException& failure) {
     return failure.m_cause == CFileException::fileNotFound || failure.m_cause == CFileException::badPath;
 }
@@ -54,7 +54,7 @@ inline bool IsMissing(const CFileException& failure) {
 /// @throws CFileException with @p code, its cause and @p name, the path as the caller knows it.
 [[noreturn]] void ThrowCode(LONG code, std::string_view name);
 [[noreturn]] QELLIB10_INTERNAL_API void ThrowErrno(int error, std::string_view name, std::string_view posixPath = {});
-/// The same for a call that writes, where an input/output error is a write fault.
+/// The same for a call that writes, for which an input/output error is a write fault.
 [[noreturn]] void ThrowWriteErrno(int error, std::string_view name);
 
 }  // namespace qel

@@ -27,7 +27,7 @@ public:
         endOfFile = 14
     };
 
-    /// @param osError the platform's error number, -1 when the failure is not the system's
+    /// @param osError the platform's error number, -1 if the failure did not come from the system
     explicit CFileException(int cause = none, LONG osError = -1, const CString& fileName = CString())
         : m_cause(cause), m_lOsError(osError), m_strFileName(fileName) {}
     ~CFileException() override;

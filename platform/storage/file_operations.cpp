@@ -28,7 +28,7 @@ namespace {
 
 using Status = struct stat;
 
-// @param flags of fstatat. @return nothing where there is no such file
+// @param flags of fstatat. @return nothing if there is no such file
 std::optional<Status> StatusOf(const std::string& posix, std::string_view name, int flags) {
     Status status = {};
     if (::fstatat(AT_FDCWD, posix.c_str(), &status, flags) == 0) return status;
@@ -40,7 +40,7 @@ constexpr int kOfLink = AT_SYMLINK_NOFOLLOW;
 
 bool IsReadOnly(const Status& status) { return S_ISREG(status.st_mode) && (status.st_mode & 0222) == 0; }
 
-// A file of others keeps its own, which only they may set.
+// Another user's file keeps its own times, because only its owner may set them.
 void CopyAttributes(const Status& source, const Descriptor& target, std::string_view name) {
     const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, source.st_mtim};
     if (::futimens(target.Get(), times.data()) != 0) {
@@ -63,7 +63,7 @@ public:
     Source(const Source&) = delete;
     Source& operator=(const Source&) = delete;
 
-    // @return how many bytes there were
+    // @return the number of bytes
     std::uint64_t CopyTo(const Descriptor& target, std::string_view name) const {
         return CopyBytes(m_file, 0, target, 0, static_cast<std::uint64_t>(m_status.st_size), m_name, name);
     }
@@ -79,7 +79,7 @@ private:
 
 enum class Purpose { kCopy, kMove };
 
-// What becomes the copy of a file, with the access rights that it is to have.
+// Creates the copy of a file with the access rights that it will have.
 std::unique_ptr<Replacement> NewCopy(const Source& source, std::string_view target, Purpose purpose,
                                      std::string_view inPlaceOf) {
     if (source.IsTemporary()) return std::make_unique<Replacement>(target, ToPosixPath(inPlaceOf));
@@ -90,10 +90,10 @@ std::unique_ptr<Replacement> NewCopy(const Source& source, std::string_view targ
 void CopyInPlace(const Source& source, std::string_view target) {
     InPlace file(target);
     file.Commit(source.CopyTo(file.File(), target));
-    CopyAttributes(source.Description(), file.File(), target);  // last, since setting the end sets the time, too
+    CopyAttributes(source.Description(), file.File(), target);  // last, because setting the end also sets the time
 }
 
-// @return 0 or the errno of the system: EXDEV also for a temporary file, which is not to keep its rights
+// @return 0 or the errno of the system: EXDEV also for a temporary file, which must not keep its rights
 int RenameUnused(const std::string& from, std::string_view sourceName, const Status& status, const std::string& to) {
     const ExclusiveHold held(from, sourceName);
     return IsTemporaryFile(sourceName, status) ? EXDEV : RenameNew(from, to);
@@ -140,7 +140,7 @@ void MoveFile(std::string_view source, std::string_view target) {
     const std::optional<Status> status = StatusOf(from, source, kOfLink);
     if (!status) ThrowErrno(ENOENT, source, from);
     const std::optional<Status> old = StatusOf(to, target, kOfLink);
-    // A file with several names is moved onto itself only where both are the same one.
+    // A file with several names is moved onto itself only if both are the same name.
     const bool hasOneName = status->st_nlink == 1 || S_ISDIR(status->st_mode) || from == to;
     if (old && IsSameFile(*status, *old) && hasOneName) return;
 

@@ -44,7 +44,7 @@ BOOL CFile::GetStatus(const char* name, CFileStatus& status) {
         if (::statx(AT_FDCWD, posix.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &found) != 0) return 0;
         status = Describe(found, qel::FullPath(path.View()));
         return 1;
-    } catch (const CFileException&) {  // a name that cannot be
+    } catch (const CFileException&) {  // an invalid name
     } catch (const std::bad_alloc&) {
     }
     return 0;

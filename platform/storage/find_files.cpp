@@ -24,7 +24,7 @@ using Folder = std::unique_ptr<DIR, CloseFolder>;
 
 bool IsDots(std::string_view name) { return name == "." || name == ".."; }
 
-// The folder part of a path, as one that can be opened: "." for none, the root for a lone separator.
+// The folder part of a path, in a form that can be opened: "." for none, the root for a lone separator.
 std::string FolderPart(std::string_view pattern) {
     const std::size_t start = NameStart(pattern);
     if (start == 0) return ".";
@@ -36,7 +36,7 @@ FoundFile Describe(const Folder& folder, const dirent& entry) {
     found.name = ToLibraryName(entry.d_name);
     found.isFolder = entry.d_type == DT_DIR;
     if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return found;
-    // Gone between listing and looking: it stays listed as a file, and whoever uses the name will see.
+    // Deleted between listing and looking: it stays in the list as a file, and whoever uses the name will notice.
     struct stat status = {};
     found.isFolder = ::fstatat(::dirfd(folder.get()), entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
     return found;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kEnter = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
-// A name that cannot be stands for no folder.
+// An invalid name matches no folder.
 template <class Step> bool WithName(std::string_view name, Step&& step) {
     try {
         return step(name == "." || name == ".." ? std::string(name) : ToPosixName(name));
@@ -35,7 +35,7 @@ FolderWalk::FolderWalk(std::string_view start) {
 
 bool FolderWalk::Enter(std::string_view name) {
     return WithName(name, [&](const std::string& posix) {
-        // The walk may only stand where the process could: in a folder that it may search.
+        // The walk may only be where the process could be: in a folder that it may search.
         if (::faccessat(m_folder.Get(), posix.c_str(), X_OK, AT_EACCESS) != 0) return false;
         Descriptor next(::openat(m_folder.Get(), posix.c_str(), kEnter));
         if (!next) return false;

@@ -7,29 +7,30 @@
 
 namespace qel {
 
-/// A walk down a tree of folders, each step relative to the one before, that leaves the process's current folder alone
-/// until it is asked to change it.
+/// Walks down a tree of folders, each step relative to the one before. It does not change the process's current folder
+/// until MakeCurrent.
 ///
 ///     qel::FolderWalk walk("C:\\");
 ///     if (!walk.Enter("data") && !(walk.Create("data") && walk.Enter("data"))) walk.MakeCurrent();
 class FolderWalk {
 public:
-    /// Begins at @p start, the empty path meaning the current folder.
+    /// Starts at @p start; the empty path means the current folder.
     /// @throws CFileException when it cannot be entered
     explicit FolderWalk(std::string_view start);
 
-    /// Steps into the folder @p name (a single name; "." and ".." too). @return false: the walk stands where it stood
+    /// Enters the folder @p name (a single name; "." and ".." too). @return false: the walk stays where it was
     bool Enter(std::string_view name);
-    /// Makes the folder @p name; one that is there already, perhaps by another process just now, counts as made.
+    /// Creates the folder @p name. A folder that already exists counts as created, also if another process has just
+    /// made it.
     bool Create(std::string_view name);
-    /// Makes the folder where the walk stands the process's current one.
+    /// Makes the walk's folder the current folder of the process.
     bool MakeCurrent() const;
 
 private:
     Descriptor m_folder;
 };
 
-/// A path to a folder as a walk takes it: where it begins, and the names from there.
+/// A path to a folder, split into the start of a walk and the names from there.
 ///
 ///     a\b                  the current folder    a, b
 ///     \a\b, /a/b           \                     a, b
@@ -39,12 +40,12 @@ struct FolderRoute {
     explicit FolderRoute(std::string_view path);
 
     std::string start;       // empty: the current folder
-    std::string_view names;  // of the path; separators between them
+    std::string_view names;  // of the path, with separators between them
 };
 
-/// Steps through @p names, and makes those that are missing. A separator at the end is ignored; an empty name in the
-/// middle is none that could be made.
-/// @return false when one could not be made: the walk is at its parent then
+/// Enters each of @p names and creates those that are missing. A separator at the end is ignored; an empty name in the
+/// middle cannot be created.
+/// @return false when one could not be created; the walk is then at its parent
 bool MakeFolders(FolderWalk& walk, std::string_view names);
 
 }  // namespace qel

@@ -20,7 +20,7 @@ namespace {
 
 constexpr OpenRequest kAlone = {.mode = {.read = true, .write = true, .denyRead = true, .denyWrite = true}};
 
-// A new file that is its owner's alone and goes when it is closed.
+// A new file that only its owner can use and that disappears when it is closed.
 Descriptor Unnamed() {
     const CString folder = TemporaryFolder();
     const std::string place = ToPosixPath(folder.View());
@@ -49,7 +49,7 @@ InPlace::~InPlace() {
         try {
             CopyBytes(m_former, 0, m_file, 0, m_formerLength, "", m_name);
             End(m_formerLength);
-        } catch (const CFileException&) {  // the disk itself is damaged: it refuses what it held before
+        } catch (const CFileException&) {  // the disk itself is damaged: it refuses bytes that it held before
         } catch (const std::bad_alloc&) {
         }
     }

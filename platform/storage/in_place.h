@@ -8,15 +8,15 @@
 
 namespace qel {
 
-/// A file that is written in place, since it cannot be replaced (see CanReplace). It gets its former bytes back unless
-/// committed, so a full disk loses nothing; only a killed process or a power cut may leave a part.
+/// A file that is written in place because it cannot be replaced (see CanReplace). Without Commit it gets its former
+/// bytes back, so a full disk loses nothing; only a killed process or a power failure can leave a partly written file.
 ///
 ///     qel::InPlace settings(path);
 ///     qel::WriteFullyAt(settings.File(), bytes, 0, path);
 ///     settings.Commit(bytes.size());
 class InPlace {
 public:
-    /// Opens the file for itself alone. Its bytes are copied to a file without a name in the folder for temporary
+    /// Opens the file exclusively. Its bytes are first copied to a file without a name in the folder for temporary
     /// files.
     /// @throws CFileException, also when they do not fit there; 32 when the file is open anywhere
     explicit InPlace(std::string_view path);
@@ -24,11 +24,11 @@ public:
     InPlace(const InPlace&) = delete;
     InPlace& operator=(const InPlace&) = delete;
 
-    /// Open for writing from its start. It is cut only by Commit: until then a reader finds the former text or the new
-    /// one, or the start of one before the end of the other, and the former bytes have their place on the disk.
+    /// Open for writing from its start. Only Commit shortens it: until then a reader finds the old text, the new one,
+    /// or the start of the new one followed by the rest of the old, and the old bytes keep their space on disk.
     const Descriptor& File() const noexcept { return m_file; }
 
-    /// The file ends after @p length bytes, which are on the disk. @throws CFileException
+    /// The file now ends after @p length bytes, which are on disk. @throws CFileException
     void Commit(std::uint64_t length);
 
 private:

@@ -13,10 +13,10 @@
 namespace qel {
 namespace {
 
-constexpr off_t kLockedByte = 0x7FFFFFFFFFF40000;  // behind the marks of share modes
+constexpr off_t kLockedByte = 0x7FFFFFFFFFF40000;  // past the marks of share modes
 constexpr mode_t kNewFileMode = 0644;
 
-// A file system that knows no locks keeps nobody out.
+// Without locks in the file system, others are not kept out.
 bool Lock(const Descriptor& file) {
     struct flock lock = RecordLock(F_WRLCK, kLockedByte, 1);
     return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 || (errno != EAGAIN && errno != EACCES);

@@ -8,13 +8,13 @@
 
 namespace qel {
 
-/// Opens a file for reading and writing as the only one who changes it: others that open it so are kept out until the
-/// descriptor is closed, also by the end of a process. Reading is free, and so are openings by CFile. For files that
-/// are replaced by rename: the file is the one that stands at @p posixPath, never one that was replaced while the lock
-/// was waited for. @p name is what exceptions call it.
-/// @param flags of open() beside O_RDWR
-/// @return no descriptor when there is no file and @p flags do not make one
-/// @throws CFileException 5 for folders and devices, 33 when @p wait comes to its end before the lock is had
+/// Opens a file for reading and writing as the only process that changes it: others that open it in this way must wait
+/// until the descriptor is closed, or its process ends. Reading is not blocked, nor are openings by CFile. For files
+/// that are replaced by rename: the result is the file that is at @p posixPath now, never one that was replaced while
+/// waiting for the lock. @p name is what exceptions call it.
+/// @param flags of open(), in addition to O_RDWR
+/// @return no descriptor when the file does not exist and @p flags do not create it
+/// @throws CFileException 5 for folders and devices, 33 when @p wait ends before the lock is free
 Descriptor OpenLocked(const std::string& posixPath, int flags, std::string_view name, Backoff& wait);
 
 }  // namespace qel

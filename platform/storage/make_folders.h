@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// Makes every missing folder of @p path, as far as that works. @throws CFileException when the start is missing
+/// Creates every missing folder of @p path, as far as possible. @throws CFileException when the start is missing
 QELLIB10_API void MakeFolders(std::string_view path);
 
 }  // namespace qel

@@ -15,7 +15,7 @@ namespace {
 
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kAnyWriteBit = 0222;
-constexpr int kReplacedTries = 100;  // a file that is replaced faster than it can be opened
+constexpr int kReplacedTries = 100;  // for a file that is replaced faster than it can be opened
 
 int OpenOnce(const std::string& path, int flags) {
     for (;;) {
@@ -24,7 +24,7 @@ int OpenOnce(const std::string& path, int flags) {
     }
 }
 
-// An empty file is left alone: cutting a file to nothing makes ext4 write it out at its close.
+// An empty file is left alone: after truncating a file to 0, ext4 writes it to disk when it is closed.
 int Empty(const Descriptor& file) {
     struct stat status = {};
     if (::fstat(file.Get(), &status) == 0 && status.st_size == 0) return 0;
@@ -35,20 +35,20 @@ bool Writes(const OpenRequest& request) { return request.mode.write || request.t
 
 // @return the access of the descriptor, O_RDWR, O_RDONLY or O_WRONLY; without a descriptor errno says why
 int OpenPlain(const std::string& path, const OpenRequest& request, Descriptor& file) {
-    // A child must not inherit a file, and neither a pipe nor a terminal may hold the opening up.
+    // A child must not inherit the file, and the open must not block on a pipe or a terminal.
     int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     if (request.create) flags |= O_CREAT;
     if (request.append) flags |= O_APPEND;
     if (request.writeThrough) flags |= O_DSYNC;
     const int access = Writes(request) ? O_RDWR : O_RDONLY;
     file.Reset(OpenOnce(path, flags | access));
-    // Marks need a descriptor that can read; only for a file that cannot be read it is one that can only write.
+    // Marks need a descriptor that can read; only a file that cannot be read gets one that can only write.
     if (file || errno != EACCES || !request.mode.write || request.mode.read) return access;
     file.Reset(OpenOnce(path, flags | O_WRONLY));
     return O_WRONLY;
 }
 
-// The read-only attribute is in the mode and is obeyed there: root passes every permission check.
+// The read-only attribute is the mode without write bits and must be checked here: root passes every permission check.
 bool IsOpenable(const struct stat& status, const OpenRequest& request) {
     const bool readOnly = (status.st_mode & kAnyWriteBit) == 0;
     return S_ISREG(status.st_mode) && !(readOnly && Writes(request));
@@ -104,7 +104,7 @@ Descriptor OpenShared(const std::string& posixPath, const OpenRequest& request, 
 
 int CloseShared(Descriptor& file, bool duplicated) noexcept {
     if (!duplicated) WithdrawShare(file.Get());
-    // Whatever the answer, Linux has closed it; after EINTR too.
+    // Whatever close returns, Linux has closed the descriptor, even after EINTR.
     return ::close(file.Release()) == 0 || errno == EINTR ? 0 : errno;
 }
 

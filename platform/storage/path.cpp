@@ -23,7 +23,7 @@ bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 bool StartsWithDrive(std::string_view path) { return path.size() >= 2 && IsLetter(path[0]) && path[1] == ':'; }
 char UpperCase(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-// An absolute folder from the environment without separators at its end, or @p fallback.
+// An absolute folder from the environment, without separators at its end, or @p fallback.
 std::string Folder(const std::string& variable, std::string_view fallback) {
     const char* value = std::getenv(variable.c_str());
     std::string folder(value != nullptr && value[0] == '/' ? std::string_view(value) : fallback);
@@ -34,12 +34,12 @@ std::string Folder(const std::string& variable, std::string_view fallback) {
 std::string DriveVariable(char letter) { return std::string("QELLIB10_DRIVE_") + UpperCase(letter); }
 std::string NetRoot() { return Folder("QELLIB10_NET_ROOT", "/net"); }
 
-// A path taken apart: where it begins, and the names from there. The names are parts of the text it was made from.
+// A path taken apart: its start, and the names from there. The names point into the original text.
 struct ParsedPath {
     enum class Start { Here, Root, Drive, Net };
 
     Start start = Start::Here;
-    std::string_view prefix;              // the drive as written, as "C:"
+    std::string_view prefix;              // the drive as written, for example "C:"
     std::vector<std::string_view> names;  // of a network path the first two are server and share
 
     std::size_t Fixed() const { return start == Start::Net ? 2 : 0; }  // names that belong to the root
@@ -133,7 +133,7 @@ std::string LibraryNames(std::string_view posix) {
     return names;
 }
 
-// The drive whose folder is the longest beginning of @p posix: its letter and the folder's length.
+// The drive whose folder is the longest start of @p posix: its letter and the folder's length.
 struct DriveMatch {
     char letter = 0;
     std::size_t length = 0;
@@ -150,8 +150,8 @@ DriveMatch DriveOf(std::string_view posix) {
     return best;
 }
 
-// The kernel's rule (protected_symlinks), since links are followed by hand here: where everybody may make files, nobody
-// else's link decides where a file is made, but for one of the folder's owner.
+// The kernel's rule (protected_symlinks), because links are followed here by our own code: in a folder where everybody
+// may create files, only links of the caller or of the folder's owner are followed.
 void CheckMayFollow(const std::string& link, std::string_view name) {
     struct stat holding = {};
     struct stat own = {};
@@ -210,7 +210,7 @@ bool IsRoot(std::string_view path) {
 std::size_t NameStart(std::string_view path) {
     const std::size_t backslash = FindLastCharacter(path, '\\');
     const std::size_t slash = FindLastCharacter(path, '/');
-    // npos + 1 is 0, so that a missing separator loses.
+    // npos + 1 is 0, so a missing separator never wins.
     const std::size_t start = std::max(backslash + 1, slash + 1);
     return start == 0 && StartsWithDrive(path) ? 2 : start;
 }
@@ -220,7 +220,7 @@ std::size_t FindSeparator(std::string_view path, std::size_t from) {
 }
 
 std::string ResolveLinks(const std::string& posixPath, std::string_view name) {
-    constexpr int kMaxLinks = 40;  // as the system's own limit
+    constexpr int kMaxLinks = 40;  // like the system's own limit
     std::array<char, PATH_MAX> found;
     std::string path = posixPath;
     for (int links = 0; links < kMaxLinks; ++links) {
@@ -233,7 +233,7 @@ std::string ResolveLinks(const std::string& posixPath, std::string_view name) {
         }
         if (errno == EINVAL && ::realpath(path.c_str(), found.data()) != nullptr) return found.data();
         if (errno != ENOENT) ThrowErrno(errno, name, path);
-        return path;  // a file that is still to be made
+        return path;  // a file that does not exist yet
     }
     ThrowErrno(ELOOP, name);
 }

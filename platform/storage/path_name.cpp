@@ -32,7 +32,7 @@ std::size_t CharacterOccurrences(std::string_view text, std::string_view wanted)
     return count;
 }
 
-// The converter puts one fixed character where bytes make no character; a name with such bytes cannot be.
+// The converter writes one fixed character for invalid bytes; a name with such bytes is invalid.
 bool IsWhole(std::string_view text, std::string_view utf8) {
     switch (CodePage()) {
         case kCodePageJapanese:
@@ -51,7 +51,7 @@ std::optional<std::string> Converted(std::string_view text) {
     return utf8;
 }
 
-// The byte written as `?` and two digits at the beginning of @p text.
+// The byte written as `?` and two digits at the start of @p text.
 std::optional<char> EscapedByte(std::string_view text) {
     if (text.size() < 3) return std::nullopt;
     const std::size_t high = kDigits.find(text[1]);
@@ -69,7 +69,7 @@ void AppendEscaped(std::string& out, std::string_view bytes) {
     }
 }
 
-// Bytes of the well-formed UTF-8 character that begins @p text, else 1.
+// Bytes of the valid UTF-8 character at the start of @p text, else 1.
 std::size_t Utf8Size(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text[0]);
     const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 1;
@@ -99,7 +99,7 @@ std::string ToPosixName(std::string_view name) {
         posix += *byte;
         at += 3;
     }
-    // An escape may smuggle in what changes the path; a star is a pattern that nobody has expanded.
+    // An escape could bring in characters that change the path; a star is a pattern that was not expanded.
     const bool changesPath = posix.find('/') != std::string_view::npos || posix.find('\0') != std::string_view::npos ||
                              (name.find('?') != std::string_view::npos && (posix == "." || posix == ".."));
     if (posix.empty() || changesPath || FindCharacter(name, '*') != std::string_view::npos) ThrowCode(kBadName, name);

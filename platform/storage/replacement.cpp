@@ -22,14 +22,14 @@ namespace {
 
 constexpr mode_t kOwnerOnly = 0600;
 
-// @return false where there is no such file
+// @return false if there is no such file
 bool IsThere(const std::string& posixPath, std::string_view name, struct stat& status) {
     if (::stat(posixPath.c_str(), &status) == 0) return true;
-    if (errno != ENOENT) ThrowErrno(errno, name, posixPath);  // a secret must not become everybody's
+    if (errno != ENOENT) ThrowErrno(errno, name, posixPath);  // a secret must not become readable for everybody
     return false;
 }
 
-// Whether nobody has changed the file, its rights above all, or put another one in its place.
+// Whether the file, and above all its rights, has not changed and was not replaced.
 bool IsUnchanged(const struct stat& before, const struct stat& now) {
     return IsSameFile(before, now) && before.st_ctim.tv_sec == now.st_ctim.tv_sec &&
            before.st_ctim.tv_nsec == now.st_ctim.tv_nsec && before.st_mode == now.st_mode &&
@@ -69,7 +69,7 @@ Replacement::~Replacement() = default;
 
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
-// @return false where there is none
+// @return false if there is none
 bool Replacement::FindPattern(struct stat& pattern) const {
     if (m_moved < 0) return IsThere(m_pattern, m_name, pattern) && S_ISREG(pattern.st_mode);
     if (::fstat(m_moved, &pattern) != 0) ThrowErrno(errno, m_name);
@@ -90,8 +90,8 @@ void Replacement::GiveAccess(const struct stat& pattern) {
     GiveAccessRights(File().Get(), pattern, Attributes(), ContentOf(m_moved), m_name);
 }
 
-// What was made meanwhile is replaced with its rights, too. A file that is moved has lost its set-user-id by being
-// filled.
+// A file that was created meanwhile is replaced with its rights too. A file being moved has lost its set-user-id when
+// its bytes were written.
 void Replacement::GiveRights() {
     struct stat pattern = {};
     if (!FindPattern(pattern)) return;
@@ -135,8 +135,9 @@ bool CanReplace(std::string_view path) {
     }
     struct stat holding = {};
     struct stat held = {};
-    if (::stat(folder.c_str(), &holding) != 0 || !IsThere(posix, path, held)) return true;  // it will be found out
-    // In a folder like the one for temporary files others' files stay, whoever may write to them.
+    if (::stat(folder.c_str(), &holding) != 0 || !IsThere(posix, path, held)) return true;  // the write will show it
+    // In a folder like the one for temporary files, other users' files cannot be replaced, even if the folder is
+    // writable.
     const uid_t user = ::geteuid();
     return (holding.st_mode & S_ISVTX) == 0 || user == 0 || user == holding.st_uid || user == held.st_uid;
 }

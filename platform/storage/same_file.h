@@ -6,11 +6,10 @@ struct stat;
 
 namespace qel {
 
-/// Whether both describe the same file, perhaps under two names.
+/// Whether both describe the same file, possibly under two names.
 bool IsSameFile(const struct stat& a, const struct stat& b);
 
-/// Whether the file that was opened still stands at @p posixPath: another process may have put a new one, or none, in
-/// its place.
+/// Whether the file that was opened is still at @p posixPath: another process may have replaced or removed it.
 bool IsStillAt(const std::string& posixPath, const struct stat& opened);
 
 }  // namespace qel

@@ -23,7 +23,7 @@ constexpr off_t kSpan = 0x10000;
 enum Mark : int { kReads, kWrites, kDeniesRead, kDeniesWrite, kMarks };
 
 constexpr int kNetworkTries = 5;
-constexpr int kReplacedTries = 100;                    // a file that is replaced faster than it can be opened
+constexpr int kReplacedTries = 100;                    // for a file that is replaced faster than it can be opened
 constexpr auto kGuardLimit = std::chrono::seconds(1);  // a stopped process must not hang the others
 
 int SetLock(int file, short type, off_t first, off_t length) {
@@ -31,7 +31,7 @@ int SetLock(int file, short type, off_t first, off_t length) {
     return ::fcntl(file, F_OFD_SETLK, &lock) == 0 ? 0 : errno;
 }
 
-// Whether another opening holds a mark of this kind. Works on every descriptor, also a read-only one.
+// Whether another opening holds a mark of this kind. Works on every descriptor, including a read-only one.
 bool Marked(int file, Mark mark) {
     struct flock lock = RecordLock(F_WRLCK, kShareMarksAt + mark * kSpan, kSpan);
     return ::fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
@@ -70,8 +70,8 @@ bool OnNetwork(int file) {
     return std::ranges::find(kTypes, static_cast<unsigned>(system.f_type)) != std::end(kTypes);
 }
 
-// Takes the guard; it goes with the descriptor's description or by ReleaseGuard.
-// @return 0, EAGAIN when it was not to be had within the limit, or why the file system has no guard
+// Takes the guard; it is released with the open file description or by ReleaseGuard.
+// @return 0, EAGAIN if it was not free within the limit, or the reason why the file system has no guard
 int TakeGuard(int file) {
     Backoff wait(kGuardLimit);
     while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
@@ -106,7 +106,7 @@ int MarkThenTest(int file, const ShareMode& mode, bool readable) {
 bool ClaimShare(int file, int access, const ShareMode& mode) {
     int error;
     if (mode.denyRead && mode.denyWrite && access == O_RDWR) {
-        error = SetLock(file, F_WRLCK, kShareMarksAt, kMarks * kSpan);  // one atomic step against everything below
+        error = SetLock(file, F_WRLCK, kShareMarksAt, kMarks * kSpan);  // one atomic step for everything below
     } else if (OnNetwork(file)) {
         error = MarkThenTest(file, mode, access != O_WRONLY);
     } else {
@@ -135,7 +135,7 @@ bool ExclusiveHold::Take(const std::string& posixPath, std::string_view name) {
     const int guard = OnNetwork(m_file.Get()) ? 0 : TakeGuard(m_file.Get());
     struct stat now = {};
     if (::lstat(posixPath.c_str(), &now) != 0 || !IsSameFile(now, opened)) return false;
-    // An exclusive opening does not ask for the guard; these marks stop it.
+    // An exclusive opening does not take the guard; these marks stop it.
     const int error = SetMarks(m_file.Get(), {.denyRead = true, .denyWrite = true}, readable);
     if (guard == EAGAIN || error == EAGAIN || Marked(m_file.Get(), kReads) || Marked(m_file.Get(), kWrites)) {
         LetGo();

@@ -18,10 +18,10 @@
 namespace qel {
 namespace {
 
-constexpr std::size_t kNameReserve = 14;  // a separator, 3 + 4 + 4 bytes, and the terminator with some air
+constexpr std::size_t kNameReserve = 14;  // a separator, 3 + 4 + 4 bytes, the terminator and a reserve
 constexpr std::size_t kPrefixBytes = 3;
 constexpr std::size_t kDigits = 4;
-constexpr unsigned kNumbers = 0xFFFF;  // 0 asks for any, so it is none of them
+constexpr unsigned kNumbers = 0xFFFF;  // 0 means any number, so it is not one of them
 constexpr mode_t kOwnerOnly = 0600;
 constexpr std::string_view kExtension = ".TMP";
 
@@ -77,7 +77,8 @@ CString TemporaryName(std::string_view folder, std::string_view prefix, UINT num
     CheckFolder(folder);
     const unsigned first = RandomNumber() % kNumbers;
     for (unsigned tries = 0; tries < kNumbers; ++tries) {
-        CString name(Name(folder, prefix, (first + tries) % kNumbers + 1));  // before a file stays that nobody knows of
+        // checked first, so that no file is left that nobody knows of
+        CString name(Name(folder, prefix, (first + tries) % kNumbers + 1));
         const std::string posix = ToPosixPath(name.View());
         const Descriptor made(::open(posix.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly));
         if (made) return name;

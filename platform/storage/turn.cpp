@@ -11,7 +11,7 @@
 namespace qel {
 namespace {
 
-constexpr std::int64_t kPlaces = std::int64_t{1} << 48;  // so many that a line never comes to its end
+constexpr std::int64_t kPlaces = std::int64_t{1} << 48;  // so many that a line never reaches its end
 constexpr std::chrono::milliseconds kLongestJoining(100);
 constexpr std::chrono::milliseconds kStandstill(100);
 
@@ -35,7 +35,7 @@ bool Turn::Join(int line) {
     return isIn;
 }
 
-// The place of the one who came first of those between two places: the kernel keeps locks in the order of their making.
+// The place of whoever came first between these two places: the kernel keeps locks in the order of creation.
 std::optional<std::int64_t> Turn::First(std::int64_t from, std::int64_t end) const {
     if (from == end) return std::nullopt;
     struct flock others = RecordLock(F_WRLCK, from, end - from);

@@ -9,28 +9,28 @@
 
 namespace qel {
 
-/// A place in the line of all who want something at once, in this process or another one, so that whoever comes first
-/// is the first to have it: somebody who uses the thing without a pause keeps nobody out.
+/// A place in the line of everybody who wants something at once, in this process or others, so that whoever comes first
+/// gets it first: a program that uses the thing without a pause does not block the others.
 ///
 ///     Turn turn(folder, 0);
 ///     turn.Await(patience);
 ///     TakeIt();  // by a lock of its own
 ///
-/// The line keeps an order and no more. Nobody has to stand in it, and where it cannot be kept, as on a file system
-/// without locks, everybody's turn has come. It is made of locks on a folder, so that no file is made: each place is a
-/// byte that whoever has it marks for reading, which needs no right to write. The kernel takes the mark away with the
-/// last copy of the descriptor; a killed process holds up nobody. Whoever may read the folder can lock it or
-/// take places, and so delay others by a fifth of a second each time, and to the end of their patience by taking other
-/// places all the time: a folder is to be readable only by those who are trusted not to.
+/// The line keeps an order and nothing else. Nobody has to queue, and where the line does not work, as on a file system
+/// without locks, everybody goes at once. It consists of locks on a folder, so no file is created: each place is a byte
+/// that its holder marks for reading, which needs no right to write. The kernel removes the mark with the last copy of
+/// the descriptor; a killed process delays nobody. Whoever can read the folder can lock it or take places, and so delay
+/// others by a fifth of a second each time, or until their patience ends if it takes places all the time: make the
+/// folder readable only for users who are trusted not to.
 class Turn {
 public:
     /// Goes to the end of a line.
-    /// @param posixFolder the folder that the line is kept at
+    /// @param posixFolder the folder whose line it is
     /// @param line which of its lines, from 0 to 255
     Turn(const std::string& posixFolder, int line);
 
-    /// Waits until all who came before have gone; no longer than until none of them has gone for a tenth of a second,
-    /// since somebody may have been stopped, nor than @p patience lasts.
+    /// Waits until everybody who came before has gone. It stops waiting when none of them has gone for a tenth of a
+    /// second, because a process may have been stopped, and when @p patience ends.
     /// @return whether all have gone
     bool Await(Backoff& patience) const;
 
@@ -39,8 +39,8 @@ private:
     bool Join(int line);
 
     Descriptor m_folder;
-    std::int64_t m_start = 0;  // of the line: the byte of its first place
-    std::int64_t m_place = 0;  // the own byte
+    std::int64_t m_start = 0;  // of the line: the byte of the first place
+    std::int64_t m_place = 0;  // our own byte
 };
 
 }  // namespace qel

@@ -20,8 +20,8 @@ namespace {
 constexpr std::int64_t kLockedByte = 0x7FFFFFFFFFF50000;  // past the marks of share modes and the byte of OpenLocked
 constexpr std::size_t kLongestName = 255;                 // bytes of a name on disk
 constexpr unsigned kNumbers = 0x10000;
-constexpr unsigned kPassedOver = 8;  // free numbers before one that may be a killed writer's
-constexpr unsigned kFirst = 0xE100;  // unlike the numbers that people give
+constexpr unsigned kPassedOver = 8;  // free numbers before one that may belong to a killed writer
+constexpr unsigned kFirst = 0xE100;  // unlike the numbers that people choose
 
 std::string NameBeside(const std::string& target, unsigned number) {
     char suffix[16];
@@ -35,9 +35,9 @@ int Lock(const Descriptor& file, short type) {
     return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 ? 0 : errno;
 }
 
-// Removes what no living writer has. The lock shuts out others that remove it, too: the second would remove the file
-// that the first makes under its name.
-// @return whether it is gone
+// Removes the file if no living writer has it. The lock also keeps out others that remove it: the second would remove
+// the file that the first creates under its name.
+// @return whether it is removed
 bool RemoveLeftover(const std::string& path) {
     const Descriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     struct stat opened = {};
@@ -59,7 +59,7 @@ UnfinishedFile::UnfinishedFile(const std::string& target, unsigned mode, std::st
     }
 }
 
-// @return false when another file has the name, or this one has lost it
+// @return false if another file has the name, or this one has lost it
 bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
     constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     const auto make = [&] {
@@ -70,7 +70,7 @@ bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
         if (errno != EEXIST) ThrowErrno(errno, name, m_path);
         if (!RemoveLeftover(m_path) || !make()) return false;
     }
-    // Whoever found it before it was locked is just removing it, or has done so.
+    // Whoever found it before it was locked is removing it now, or has done so.
     const int error = Lock(m_file, F_WRLCK);
     return (error == 0 || HasNoLocks(error)) && HasItsName();
 }

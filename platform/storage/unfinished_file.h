@@ -7,14 +7,14 @@
 
 namespace qel {
 
-/// A file that is written beside the one that it is to become, as `<name>.<4 hex digits>.tmp`, so that readers never
-/// find a part of it. Its writer holds a lock on it that the kernel drops with the process. So what killed ones have
-/// left is known, and the next that writes to a file of that name removes it: all of it, unless more than eight wrote
-/// to the file at once, since no more than eight numbers that are free are passed over to look for more. On a disk that
-/// knows no locks nothing is known, and leftovers stay.
+/// A file that is written next to the file that it will become, as `<name>.<4 hex digits>.tmp`, so that readers never
+/// find a part of it. Its writer holds a lock on it that the kernel removes with the process. So leftovers of killed
+/// processes are recognized, and the next writer to the same name removes them: all of them, unless more than eight
+/// processes wrote at once, because the search stops after eight free numbers. On a file system without locks leftovers
+/// are not recognized and stay.
 class UnfinishedFile {
 public:
-    /// A new, empty file, open for reading and writing.
+    /// Creates a new, empty file, open for reading and writing.
     /// @param target a POSIX path, @p name what exceptions call it
     /// @param mode as for open()
     /// @throws CFileException
@@ -27,10 +27,10 @@ public:
     const Descriptor& File() const noexcept { return m_file; }
     const std::string& Path() const noexcept { return m_path; }  // empty once it is finished
 
-    /// Whether it is still the file at Path(): on a disk that knows no locks others may take it for a leftover.
+    /// Whether it is still the file at Path(): on a file system without locks others may take it for a leftover.
     bool HasItsName() const;
 
-    /// It has the name that it is for.
+    /// It now has its final name.
     void Finish() noexcept { m_path.clear(); }
 
 private:

@@ -4,7 +4,7 @@
 
 namespace qel {
 
-/// Repeats a system call that a signal has interrupted.
+/// Repeats a system call that a signal interrupted.
 template <class Call> auto Uninterrupted(Call&& call) {
     for (;;) {
         const auto result = call();

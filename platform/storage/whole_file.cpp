@@ -11,7 +11,7 @@ namespace qel {
 
 namespace {
 
-// More than all the addresses that the process may use.
+// More than all the addresses that the process can use.
 bool IsBeyondMemory(ULONGLONG length) {
     rlimit limit = {};
     return ::getrlimit(RLIMIT_AS, &limit) == 0 && length > limit.rlim_cur;
@@ -20,7 +20,7 @@ bool IsBeyondMemory(ULONGLONG length) {
 }  // namespace
 
 std::string ReadWholeFile(CFile& file) {
-    constexpr std::size_t kStep = std::size_t{16} << 20;  // memory is taken as bytes come, not as a length claims
+    constexpr std::size_t kStep = std::size_t{16} << 20;  // memory is taken as bytes arrive, not as a length claims
     file.SeekToBegin();
     const ULONGLONG length = file.GetLength();
     if (length > std::numeric_limits<int>::max()) throw DataError("a file of 2 GiB or more");

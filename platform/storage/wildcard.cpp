@@ -6,12 +6,12 @@
 namespace qel {
 namespace {
 
-// What a place of a pattern stands for. The platform rewrites wildcards by what stands beside them.
+// Elements of a pattern. The platform changes the meaning of wildcards depending on their neighbours.
 enum class Kind {
     Character,  // itself
-    Any,        // any run
-    BeforeDot,  // any run that does not reach past the name's last dot
-    One,        // one character but a dot; before a dot or at the end none
+    Any,        // any text
+    BeforeDot,  // any text that does not reach past the name's last dot
+    One,        // one character except a dot; before a dot or at the end none
     Dot,        // a dot, or none at the end
 };
 
@@ -42,7 +42,7 @@ std::vector<Place> Rewritten(std::string_view pattern) {
     std::vector<Place> places;
     for (std::size_t i = 0; i < written.size(); ++i) {
         const bool lastDot = at(i) == '.' && i + 1 == written.size() && i > 0 && written[i - 1] == '*';
-        if (lastDot) continue;  // a final "*." is what has no dot
+        if (lastDot) continue;  // a final "*." matches names without a dot
         if (at(i) == '*') {
             places.push_back({at(i + 1) == '.' ? Kind::BeforeDot : Kind::Any});
         } else if (at(i) == '?') {
@@ -56,15 +56,15 @@ std::vector<Place> Rewritten(std::string_view pattern) {
     return places;
 }
 
-// The places of a pattern that the beginning of a name can have led to; all at once, so that no pattern takes longer
-// than its length times the name's.
+// The positions in the pattern that the start of a name can lead to, all at once, so that no pattern takes longer than
+// its length times the length of the name.
 class Matcher {
 public:
     explicit Matcher(std::vector<Place> places) : m_places(std::move(places)), m_reached(m_places.size() + 1) {
         m_reached[0] = true;
     }
 
-    // Goes over places that may stand for nothing before @p next, 0 at the end of the name.
+    // Skips elements that may match nothing before @p next, 0 at the end of the name.
     void SkipEmpty(unsigned next) {
         for (std::size_t i = 0; i < m_places.size(); ++i) {
             const Kind kind = m_places[i].kind;

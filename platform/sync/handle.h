@@ -4,18 +4,18 @@
 
 namespace qel {
 
-/// A handle to an object that was made, or existed before.
+/// A handle to an object that was created or already existed.
 struct OpenedObject {
     HANDLE handle = nullptr;
     bool existed = false;
 };
 
-/// Closes a handle of a named object. @return false for what is no open handle (6): one that was closed never comes
-/// back
+/// Closes a handle of a named object. @return false if it is not an open handle (6); the value of a closed one is never
+/// used again
 bool CloseHandle(HANDLE handle);
 
-/// The number of the calling thread's last failure. An operation that succeeds leaves it as it was unless it says
-/// otherwise, so it tells nothing after a success.
+/// The number of the calling thread's last failure. A successful operation does not change it unless it says so, so the
+/// number means nothing after a success.
 DWORD LastError();
 void SetLastError(DWORD code);
 

@@ -37,9 +37,10 @@ int Lock(pthread_mutex_t& mutex, DWORD milliseconds) {
 struct MappedMutex::Page {
     char header[kMutexOffset];
     pthread_mutex_t mutex;
-    std::atomic<DWORD> owner;  // a thread's number, 0 when free; stale once the owner has died
-    int depth;                 // the owner's waits that it has not released
-    // Under the folder's lock only: the last who had the object has closed it; one has closed it who owned the mutex.
+    std::atomic<DWORD> owner;  // a thread's number, 0 when free; outdated once the owner has died
+    int depth;                 // the owner's waits that it has not released yet
+    // Only under the folder's lock: the last process that had the object has closed it; a process that owned the mutex
+    // has closed it.
     bool isClosed, isLeftOwned;
 };
 
@@ -86,7 +87,7 @@ DWORD MappedMutex::Wait(DWORD milliseconds) {
 }
 
 void MappedMutex::CountWait(DWORD answer) {
-    if (answer == kWaitAbandoned) m_depth = 1;  // a thread of this process that died may have left its count
+    if (answer == kWaitAbandoned) m_depth = 1;  // a dead thread of this process may have left its count
     if (answer == kWaitObject) ++m_depth;
 }
 
@@ -94,7 +95,7 @@ bool MappedMutex::Release() {
     if (m_page->owner != CurrentThreadId()) return false;
     if (--m_page->depth == 0) m_page->owner = 0;
     if (::pthread_mutex_unlock(&m_page->mutex) != 0) return false;
-    if (m_depth > 0) --m_depth;  // waits counted before this process closed the mutex while it owned it are lost
+    if (m_depth > 0) --m_depth;  // waits counted before this process closed the mutex it owned are lost
     return true;
 }
 

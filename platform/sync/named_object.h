@@ -12,7 +12,7 @@
 
 namespace qel {
 
-/// An object as this process has it: once, however many handles there are.
+/// An object as this process has it: one, however many handles there are.
 struct NamedObject {
     std::string name;  // empty for one without
     ObjectKind kind = ObjectKind::Memory;
@@ -22,15 +22,15 @@ struct NamedObject {
     unsigned folder = 0;                 // the number of the folder that its file is in
     std::size_t users = 0;               // handles, and waits under way
 
-    /// Makes the object that the new, empty file stands for, and holds it.
+    /// Creates the object for the new, empty file, and holds it.
     static std::unique_ptr<NamedObject> Make(Descriptor file, std::string_view name, ObjectKind kind,
                                              std::uint64_t size);
-    /// Holds the object that the file of somebody else stands for.
-    /// @return null while its maker, or the last who closes it, is dying: soon nobody holds it
+    /// Holds the object of a file that another process created.
+    /// @return null while its creator, or the last process to close it, is dying: soon nobody holds it
     /// @throws SystemFailure, code 6 for an object of another kind
     static std::unique_ptr<NamedObject> Join(Descriptor file, std::string_view name, ObjectKind kind);
 
-    /// @throws SystemFailure (1006) when somebody has cut the file: whoever touches it would be killed
+    /// @throws SystemFailure (1006) when another program has cut the file: accessing it would kill the process
     void CheckIsWhole() const;
 };
 

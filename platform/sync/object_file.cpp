@@ -23,11 +23,11 @@ bool SetLock(const Descriptor& file, short type) {
 
 }  // namespace
 
-// Allotted now: a file that is merely long would kill whoever first touches a page that memory has no room for.
+// Allocated now: a file that only has the length would kill whoever first accesses a page for which there is no memory.
 void Extend(const Descriptor& file, std::uint64_t blockSize) {
     const auto length = static_cast<off_t>(blockSize) + kBlockOffset;
     rlimit limit{};
-    // Beyond this limit the system does not answer, it kills.
+    // Above this limit the system does not return an error, it kills the process.
     if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur < static_cast<rlim_t>(length)) {
         throw SystemFailure{kOutOfMemory};
     }

@@ -22,7 +22,7 @@ constexpr const char* kLockFile = ".lock";
 constexpr mode_t kUserOnly = 0700, kUserFile = 0600, kOthers = 077;
 constexpr int kAttempts = 100;
 
-// Kept open: the folder is looked up and checked once, not for every object.
+// Kept open: the folder is found and checked once, not for every object.
 struct Folder {
     Descriptor descriptor, lock;
     uid_t user = 0;
@@ -30,7 +30,7 @@ struct Folder {
 };
 
 Folder& KeptFolder() {
-    static Folder& folder = *new Folder;  // never destroyed: objects may go after all statics
+    static Folder& folder = *new Folder;  // never destroyed: objects may be released after all statics
     return folder;
 }
 
@@ -39,30 +39,30 @@ Folder& KeptFolder() {
 }
 
 // The one place that all programs of a user see, with a session and without, whatever their environment says. Anybody
-// may make a folder there, also one with another user's number: then there are further names.
+// may create a folder there, even one with another user's number: then further names are used.
 std::string FolderName(uid_t user, int number) {
     const std::string first = "/dev/shm/qellib10-" + std::to_string(user);
     return number == 0 ? first : first + '-' + std::to_string(number);
 }
 
-// @return none where there is no folder, or one that is not the user's alone
+// @return nothing if there is no folder, or one that does not belong to the user alone
 Descriptor OpenOwn(const std::string& path, uid_t user) {
     Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     const bool isNotThere = errno == ENOENT || errno == ENOTDIR || errno == ELOOP || errno == EACCES;
     if (!folder && isNotThere) return folder;
     struct stat status {};
-    if (!folder || ::fstat(folder.Get(), &status) != 0) Fail(errno, path);  // it may be there: none must be made
+    if (!folder || ::fstat(folder.Get(), &status) != 0) Fail(errno, path);  // it may exist: none must be created
     if (status.st_uid != user || (status.st_mode & kOthers) != 0) folder.Reset();
     return folder;
 }
 
-// The folder, made unless it is there. @return none where another's, or nothing, can be there
+// The folder, created if missing. @return nothing if another user's folder is there, or none can be created
 Descriptor MakeOwn(const std::string& path, uid_t user) {
     if (::mkdir(path.c_str(), kUserOnly) != 0 && errno != EEXIST) Fail(errno, path);
     return OpenOwn(path, user);
 }
 
-// What is there already is taken first, so that the name that another user gives up later makes no second folder.
+// Existing folders are taken first, so that a name that another user gives up later does not lead to a second folder.
 Descriptor OpenFolder(uid_t user) {
     constexpr int kMaxNames = 16;
     for (int number = 0; number < kMaxNames; ++number) {
@@ -85,13 +85,13 @@ bool SetLock(const Descriptor& file, short type) {
     return Uninterrupted([&] { return ::fcntl(file.Get(), F_OFD_SETLKW, &lock); }) == 0;
 }
 
-// Removes the files that nobody holds. What cannot be opened is none of ours and stays.
+// Removes the files that nobody holds. A file that cannot be opened is not ours and stays.
 void Sweep(const Descriptor& folder) {
     Descriptor copy(::openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!copy) Fail(errno);
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(::fdopendir(copy.Get()), ::closedir);
     if (listing == nullptr) Fail(errno);
-    copy.Release();  // the listing's now
+    copy.Release();  // now owned by the listing
     while (const dirent* entry = ::readdir(listing.get())) {
         if (entry->d_name[0] != ObjectFileName({})[0]) continue;
         const Descriptor file(OpenIn(folder, entry->d_name, 0));
@@ -115,7 +115,7 @@ FolderLock::FolderLock() {
             return;
         }
         folder.lock.Reset();
-        folder.descriptor.Reset();  // the folder has been deleted, or is just about to be
+        folder.descriptor.Reset();  // the folder has been deleted, or soon will be
     }
     throw SystemFailure{kGeneralFailure};
 }

@@ -32,7 +32,7 @@ std::string_view ObjectName(std::string_view name) {
     const bool isLocal = name.starts_with(kLocal);
     if (isLocal) name.remove_prefix(kLocal.size());
     const std::string_view rest = !isLocal && name.starts_with(kGlobal) ? name.substr(kGlobal.size()) : name;
-    if (rest.empty()) throw SystemFailure{kBadHandle};  // the name is that of the place where names are kept
+    if (rest.empty()) throw SystemFailure{kBadHandle};  // this would be the name of the place where names are kept
     if (FindCharacter(rest, '\\') != std::string_view::npos) throw SystemFailure{kFolderMissing};
     return name;
 }

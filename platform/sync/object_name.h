@@ -11,14 +11,13 @@ namespace qel {
 /// The longest name of an object, in bytes.
 inline constexpr std::size_t kLongestObjectName = MAX_PATH;
 
-/// The name that an object goes by: "Local\x" is "x", "Global\x" a name of its own; the case of both words, and of all
-/// others, counts. A slash is a letter like any other.
-/// @throws SystemFailure for a name that is too long (206), holds a further backslash (3) or has nothing behind its
+/// The name of an object: "Local\x" is "x", "Global\x" is a different name. Case matters, in these two words and in all
+/// others. A slash is an ordinary character.
+/// @throws SystemFailure for a name that is too long (206), contains a further backslash (3) or has nothing after its
 /// first word (6)
 std::string_view ObjectName(std::string_view name);
 
-/// The file that stands for the object of that name, in the folder of all of them; a name of letters, digits and
-/// "-_%~".
+/// The file of the object of that name in the folder of all objects. It consists of letters, digits and "-_%~".
 std::string ObjectFileName(std::string_view objectName);
 
 }  // namespace qel

@@ -24,7 +24,7 @@ std::unique_ptr<NamedObject> MakeIn(const FolderLock& folder, const std::string&
     }
 }
 
-// A file in a folder that was left for another has no name any more.
+// A file in a folder that is no longer used has no name any more.
 FileState LookIn(const FolderLock& folder, const NamedObject& object) {
     FileState state = Look(object.file, object.size);
     state.hasName = state.hasName && object.folder == folder.Number();
@@ -60,7 +60,7 @@ ObjectNames::Found ObjectNames::Use(std::string_view name, ObjectKind kind, std:
     if (object != nullptr && missing == Missing::IsMade && object->mutex->TakeAgain() && Hold(object->file)) {
         return {&Keep(std::move(object), folder.Number()), false};
     }
-    if (found) folder.Remove(fileName);  // left by a process that was killed, or did not wait to clear up
+    if (found) folder.Remove(fileName);  // left by a process that was killed, or did not wait to clean up
     if (missing == Missing::Fails) throw SystemFailure{kFileMissing};
     return {&Keep(MakeIn(folder, fileName, name, kind, size), folder.Number()), false};
 }
@@ -78,7 +78,7 @@ void ObjectNames::Leave(NamedObject& object) {
     if (left->name.empty()) return;
     try {
         GiveUp(FolderLock(), std::move(left));
-    } catch (const SystemFailure&) {  // its file stays, held by nobody any more, until the next who comes by
+    } catch (const SystemFailure&) {  // its file stays, held by nobody, until the next process removes it
     }
 }
 
@@ -88,7 +88,7 @@ void ObjectNames::Exit() {
     try {
         const FolderLock folder;
         for (const auto& object : m_parked) RemoveUnlessHeld(folder, *object);
-    } catch (const SystemFailure&) {  // as above
+    } catch (const SystemFailure&) {  // like above
     }
     m_parked.clear();
 }
@@ -105,7 +105,7 @@ NamedObject& ObjectNames::Keep(std::unique_ptr<NamedObject> object, unsigned fol
     return *m_objects.back();
 }
 
-// None when its file was removed, or cut, since.
+// Null if its file was removed or cut meanwhile.
 std::unique_ptr<NamedObject> ObjectNames::TakeParked(const FolderLock& folder, std::string_view name) {
     const auto place = std::ranges::find(m_parked, name, &NamedObject::name);
     if (place == m_parked.end()) return nullptr;

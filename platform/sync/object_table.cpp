@@ -15,7 +15,7 @@
 namespace qel {
 namespace {
 
-// How long a process may take to die while it makes or closes an object.
+// How long a process may take to die while it creates or closes an object.
 constexpr int kMaxTurns = 1000;
 constexpr std::chrono::milliseconds kTurn{1};
 
@@ -32,7 +32,7 @@ ObjectTable& ObjectTable::Get() {
 
 namespace {
 
-// Made at load, so that no thread is just making it when another forks.
+// Created at load, so that no thread is creating it while another forks.
 [[maybe_unused]] const ObjectTable& theTableIsMadeAtLoad = ObjectTable::Get();
 
 }  // namespace
@@ -69,7 +69,7 @@ OpenedObject ObjectTable::OpenNamed(const char* name, ObjectKind kind, std::uint
         }
         std::this_thread::sleep_for(kTurn);
     }
-    throw SystemFailure{kFileAltered};  // no process is dying, so this one's object is broken
+    throw SystemFailure{kFileAltered};  // no process is dying, so the object itself is broken
 }
 
 void ObjectTable::Close(HANDLE handle) {

@@ -4,7 +4,7 @@
 
 namespace qel {
 
-/// A step that the system, or the state of a named object, refuses. Thrown within platform/sync only: its public
+/// A step that the system, or the state of a named object, does not allow. Thrown only within platform/sync: its public
 /// functions keep the code as the last error.
 struct SystemFailure {
     LONG code;  // SystemCode

@@ -9,7 +9,7 @@
 namespace qel {
 namespace {
 
-thread_local DWORD ownId = 0;  // asked for once: the system's call costs as much as a free mutex taken and released
+thread_local DWORD ownId = 0;  // cached: the system call costs as much as locking and unlocking a free mutex
 
 [[maybe_unused]] const bool theChildForgetsIt = [] {
     if (::pthread_atfork(nullptr, nullptr, [] { ownId = 0; }) != 0) throw std::bad_alloc();  // its only failure

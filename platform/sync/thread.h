@@ -4,8 +4,8 @@
 
 namespace qel {
 
-/// The system's number of the calling thread. No two living threads share one; an ended thread's number comes back
-/// after long.
+/// The system's number of the calling thread. No two living threads have the same; the number of an ended thread is
+/// used again only after a long time.
 DWORD CurrentThreadId();
 
 /// The pthread_t of the calling thread.

@@ -82,7 +82,7 @@ std::uint16_t Find(std::span<const Row> rows, char32_t character) {
 std::uint16_t BestFit(char32_t character, UINT page) {
     if (page == kCodePageJapanese) return Find(kJapanese, character);
     if (page != kCodePageLatin1) return 0;
-    const bool isFullWidth = character >= 0xFF01 && character <= 0xFF5E;  // ASCII 21-7E once more
+    const bool isFullWidth = character >= 0xFF01 && character <= 0xFF5E;  // ASCII 21-7E in full width
     return isFullWidth ? static_cast<std::uint16_t>(character - 0xFEE0) : Find(kLatin1, character);
 }
 

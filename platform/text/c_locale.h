@@ -4,8 +4,8 @@
 
 namespace qel {
 
-/// The C locale, for calls that would otherwise write or read by the locale of the process.
-/// @throws std::bad_alloc when the system cannot make it.
+/// The C locale, for calls that otherwise use the locale of the process.
+/// @throws std::bad_alloc when the system cannot create it.
 locale_t CLocale();
 
 }  // namespace qel

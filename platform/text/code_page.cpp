@@ -29,8 +29,8 @@ std::atomic<UINT>& CurrentPage() {
     return page;
 }
 
-// Text is taken as a run of ASCII, copied as it is, then one other character, then a run again. A reader offers the two
-// steps for one encoding, a writer takes them for another.
+// Text is read as a run of ASCII, which is copied unchanged, then one other character, then a run again. A reader
+// provides these two steps for one encoding, a writer uses them for another.
 
 // UTF-8 or UTF-16.
 template <typename View> class Reader {
@@ -59,7 +59,8 @@ public:
         if (!IsLeadByte(byte, m_table.page)) return m_table.singles[byte];
         if (AtEnd()) return kInvalidPair;
         const auto trail = static_cast<unsigned char>(m_text[m_at]);
-        // What cannot be a trail byte stands for itself, so that no quote, bracket or line end is ever swallowed.
+        // A byte that cannot be a trail byte is a character of its own, so that no quote, bracket or line end is ever
+        // swallowed.
         if (trail < 0x40 || trail == 0x7F || trail > 0xFC) return kInvalidPair;
         ++m_at;
         const char16_t character = m_table.pairs[byte * 256U + trail];
@@ -72,7 +73,7 @@ private:
     const PageTable& m_table;
 };
 
-// A growing text that is written at its end through pointers.
+// A growing text that is extended through pointers.
 template <typename String> class Output {
 public:
     using Unit = typename String::value_type;
@@ -86,7 +87,7 @@ public:
     }
 
 protected:
-    // The end, with room for @p units.
+    // The end, with space for @p units.
     Unit* Reserve(std::size_t units) {
         if (m_text.size() - m_size < units) m_text.resize(std::max(m_text.size() * 2, m_size + units));
         return m_text.data() + m_size;
@@ -106,7 +107,7 @@ public:
     void Put(char32_t character) { this->MoveTo(WriteCharacter(this->Reserve(kMaxUnits), character)); }
 };
 
-// What is written for a character that the page lacks: the best fit, else `?`; or a numeric character reference.
+// What is written for a character missing in the page: the best fit, else `?`; or a numeric character reference.
 enum class Missing { BestFit, Reference };
 
 class PageWriter : public Output<std::string> {
@@ -123,7 +124,7 @@ public:
         } else if (const unsigned fit = BestFit(character, m_table.page); fit != 0) {
             PutCode(fit);
         } else {
-            PutAscii(std::string_view(character > 0xFFFF ? "??" : "?"));  // one a UTF-16 unit, as the platform counts
+            PutAscii(std::string_view(character > 0xFFFF ? "??" : "?"));  // one per UTF-16 unit, like the platform
         }
     }
 

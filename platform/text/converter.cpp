@@ -27,7 +27,7 @@ std::optional<std::string> Converter::Convert(std::string_view text) {
     constexpr std::size_t kFailed = static_cast<std::size_t>(-1);
     std::string result(text.size() * 2 + 4, '\0');
     std::size_t written = 0;
-    char* in = const_cast<char*>(text.data());  // iconv reads through it only
+    char* in = const_cast<char*>(text.data());  // iconv only reads through it
     std::size_t inLeft = text.size();
     iconv(m_descriptor, nullptr, nullptr, nullptr, nullptr);
     for (bool flushing = false;;) {
@@ -37,7 +37,7 @@ std::optional<std::string> Converter::Convert(std::string_view text) {
         written = result.size() - outLeft;
         if (outcome != kFailed) {
             if (flushing) break;
-            flushing = true;  // an encoding with shift states may have to go back to its first one
+            flushing = true;  // an encoding with shift states may have to return to its first one
         } else if (errno == E2BIG) {
             result.resize(result.size() * 2);
         } else {

@@ -6,17 +6,17 @@
 
 namespace qel {
 
-/// One direction between two encodings, by the names that the system's iconv knows. Belongs to one thread at a time.
+/// Converts between two encodings, by the names that the system's iconv knows. Belongs to one thread at a time.
 class Converter {
 public:
-    /// @throws std::runtime_error naming both encodings when the system has no such conversion; it is no DataError, so
-    /// that nothing takes a system without converters for a damaged file.
+    /// @throws std::runtime_error with both names when the system has no such conversion. It is not a DataError, so
+    /// that a system without converters is never mistaken for a damaged file.
     Converter(const char* to, const char* from);
     ~Converter();
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    /// The whole text converted, or nothing when some of it is invalid or has no counterpart. Every call starts afresh.
+    /// The whole text converted, or nothing when a part of it is invalid or has no counterpart. Calls are independent.
     std::optional<std::string> Convert(std::string_view text);
 
 private:

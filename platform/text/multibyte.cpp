@@ -11,7 +11,8 @@ constexpr size_t npos = std::string_view::npos;
 
 constexpr bool Within(unsigned value, unsigned first, unsigned last) { return value >= first && value <= last; }
 
-// Behind a byte that leads no character one begins, whatever stands before it: no walk by characters then.
+// A character starts after every byte that is not a lead byte, whatever is before it: so no walk from the start is
+// needed.
 constexpr bool FollowsNoLead(std::string_view text, size_t at, UINT page) {
     return at == 0 || !IsLeadByte(static_cast<unsigned char>(text[at - 1]), page);
 }
@@ -30,7 +31,7 @@ unsigned CharacterAt(std::string_view text, size_t at, size_t size) {
     return size == 1 ? first : first * 256 + static_cast<unsigned char>(text[at + 1]);
 }
 
-// Reads the values of one character after another; 0 at the end, also before a lone lead byte.
+// Reads the values of the characters one by one; 0 at the end and before a lone lead byte.
 class CharacterReader {
 public:
     CharacterReader(std::string_view text, UINT page) : m_text(text), m_page(page) {}
@@ -65,7 +66,7 @@ constexpr unsigned FoldLatin(unsigned character) {
 
 constexpr unsigned FoldLetter(unsigned character) {
     if (Within(character, 0x839F, 0x83B6)) return character + 0x20;  // Greek
-    if (Within(character, 0x8440, 0x844E)) return character + 0x30;  // Cyrillic; the lower row leaves out 847F
+    if (Within(character, 0x8440, 0x844E)) return character + 0x30;  // Cyrillic; the lower row skips 847F
     if (Within(character, 0x844F, 0x8460)) return character + 0x31;
     return FoldLatin(character);
 }
@@ -114,7 +115,7 @@ std::string_view LeftWhole(std::string_view text, size_t bytes) {
     const UINT page = CodePage();
     size_t at = 0;
     while (at < bytes) {
-        // A lead byte claims two bytes here even where nothing follows it: half a character is never taken.
+        // A lead byte takes two bytes here even if nothing follows it: half a character is never taken.
         const size_t size = IsLeadByte(static_cast<unsigned char>(text[at]), page) ? 2 : 1;
         if (at + size > bytes) break;
         at += size;
@@ -156,7 +157,7 @@ std::string FoldName(std::string_view name) {
 
 void CopyBounded(char* target, const char* source, size_t bytes) {
     const std::string_view taken = WholeCharacters({source, ::strnlen(source, bytes)}, CodePage());
-    std::memmove(target, taken.data(), taken.size());  // the two may be the same buffer
+    std::memmove(target, taken.data(), taken.size());  // both may be the same buffer
     std::fill(target + taken.size(), target + bytes, '\0');
 }
 

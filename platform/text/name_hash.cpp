@@ -17,7 +17,7 @@ template <typename Word> std::uint64_t Load(const char* from) {
     return word;
 }
 
-// A word made of at most 8 bytes; different for different bytes of one size.
+// A word made of at most 8 bytes; different for different bytes of the same length.
 std::uint64_t LoadBytes(const char* from, std::size_t size) {
     if (size == 8) return Load<std::uint64_t>(from);
     if (size == 0) return 0;
@@ -26,8 +26,8 @@ std::uint64_t LoadBytes(const char* from, std::size_t size) {
            Load<std::uint8_t>(from + size - 1) << 16;
 }
 
-// Takes A-Z to a-z in eight bytes at once, each below 80 hex: the sums reach bit 7 from A on, and behind Z; two bits
-// below it is the one in which the cases differ.
+// Changes A-Z to a-z in eight bytes at once, each below 80 hex: the sums set bit 7 from A on, and again after Z; two
+// bits below it is the bit in which the cases differ.
 constexpr std::uint64_t FoldAscii(std::uint64_t word) {
     const std::uint64_t fromA = word + (0x80 - 'A') * kEachByte;
     const std::uint64_t behindZ = word + (0x80 - 'Z' - 1) * kEachByte;
@@ -39,7 +39,7 @@ constexpr std::uint64_t Mixed(std::uint64_t hash, std::uint64_t more) {
     return hash ^ hash >> 32;
 }
 
-// Apart from the usual way, which needs no string and so no clean-up.
+// Separate from the usual path, which needs no string and so no clean-up.
 [[gnu::noinline]] std::uint64_t HashFolding(std::string_view name) {
     std::uint64_t hash = 0;
     for (const char byte : FoldName(name)) hash = Mixed(hash, static_cast<unsigned char>(byte));
@@ -48,7 +48,7 @@ constexpr std::uint64_t Mixed(std::uint64_t hash, std::uint64_t more) {
 
 }  // namespace
 
-// Folding leaves ASCII among itself, so two names that are the same come out of the same branch.
+// Folding keeps ASCII within ASCII, so two equal names always take the same branch.
 std::uint32_t HashFoldedName(std::string_view name) {
     const char* from = name.data();
     std::size_t left = name.size();

@@ -5,7 +5,7 @@
 
 namespace qel {
 
-/// A number that is equal for two names when SameName holds, for tables of names. It depends on the code page.
+/// A number that is equal for two names if SameName holds, for tables of names. It depends on the code page.
 std::uint32_t HashFoldedName(std::string_view name);
 
 }  // namespace qel

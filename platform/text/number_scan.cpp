@@ -16,21 +16,21 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsSign(char c) { return c == '+' || c == '-'; }
 
-// Steps over the longest run of such characters and tells how many there were.
+// Skips the longest run of such characters and returns its length.
 template <typename Test> size_t Skip(std::string_view text, size_t& at, Test test) {
     const size_t first = at;
     while (at < text.size() && test(text[at])) ++at;
     return at - first;
 }
 
-// Steps over blanks and one sign.
+// Skips blanks and one sign.
 bool SkipToDigits(std::string_view text, size_t& at) {
     Skip(text, at, IsBlank);
     if (at == text.size() || !IsSign(text[at])) return false;
     return text[at++] == '-';
 }
 
-// Steps over an exponent if a whole one stands at @p at.
+// Skips an exponent if there is a complete one at @p at.
 std::int64_t SkipExponent(std::string_view text, size_t& at) {
     if (at == text.size() || std::string_view("eEdD").find(text[at]) == std::string_view::npos) return 0;
     size_t end = at + 1;
@@ -41,7 +41,7 @@ std::int64_t SkipExponent(std::string_view text, size_t& at) {
     return exponent;
 }
 
-// What a number outside the range of double becomes, its digits being @p mantissa (no sign).
+// The result for a number outside the range of double; @p mantissa has its digits (no sign).
 double OutOfRange(std::string_view mantissa, std::int64_t exponent) {
     const size_t first = mantissa.find_first_not_of("0.");
     if (first == std::string_view::npos) return 0;
@@ -55,7 +55,7 @@ double OutOfRange(std::string_view mantissa, std::int64_t exponent) {
 std::int64_t ScanInteger(std::string_view text) noexcept {
     size_t at = 0;
     const bool negative = SkipToDigits(text, at);
-    // Counted below zero, where one more value lies.
+    // Accumulated as a negative number, because that range has one more value.
     constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
     std::int64_t value = 0;
     for (; at < text.size() && IsDigit(text[at]); ++at) {

@@ -10,7 +10,7 @@
 namespace qel {
 namespace {
 
-// Sign, the 309 digits that a double may have before the point, the point, the decimals and one more, and an exponent.
+// Sign, the up to 309 digits of a double before the point, the point, the decimals and one more, and an exponent.
 using Buffer = std::array<char, 1 + 309 + 1 + kMaxColumns + 1 + 8>;
 
 std::string_view Print(Buffer& buffer, double value, std::chars_format format, int precision) {
@@ -20,8 +20,8 @@ std::string_view Print(Buffer& buffer, double value, std::chars_format format, i
 
 bool IsOdd(double whole) { return std::fmod(std::fabs(whole), 2) == 1; }
 
-// Exactly between two texts with @p decimals decimals; below 0, between two multiples of that power of ten. A tie there
-// is an odd multiple of 5^-decimals, which no double is beyond 5^22.
+// Exactly between two texts with @p decimals decimals; below 0, between two multiples of that power of ten. Such a tie
+// is an odd multiple of 5^-decimals, and from 5^22 on no double is one.
 bool IsTie(double value, int decimals) {
     if (decimals >= 0) return IsOdd(std::ldexp(value, decimals + 1));
     if (decimals < -22) return false;
@@ -29,7 +29,7 @@ bool IsTie(double value, int decimals) {
     return std::fmod(std::fabs(value), unit) == unit / 2;
 }
 
-// Exponent of the first digit; from the digits themselves, a logarithm would be off beside powers of ten.
+// Exponent of the first digit; from the digits themselves, because a logarithm would be wrong near powers of ten.
 int DecimalExponent(double value) {
     Buffer buffer;
     const std::string_view text = Print(buffer, value, std::chars_format::scientific, 16);
@@ -39,13 +39,13 @@ int DecimalExponent(double value) {
     return digits.front() == '-' ? -exponent : exponent;
 }
 
-// Rounds a tie away from zero in its digits, which are all there: the last one is the 5 that is exactly half. (The next
-// double away from zero would do only where doubles are close to each other: beside 2^46 they are 0.016 apart.)
+// Rounds a tie away from zero in its digits, which are complete: the last one is the 5 that is exactly half. (The next
+// double away from zero would only work where doubles are close to each other: near 2^46 they are 0.016 apart.)
 std::string RoundedUp(std::string_view exact) {
     std::string text(exact.substr(0, exact.size() - 1));
     if (text.back() == '.') text.pop_back();
     const std::size_t at = text.find_last_not_of("9.");
-    const std::size_t nines = at + 1;  // from the first character on when there is no other
+    const std::size_t nines = at + 1;  // from the first character on if there is no other
     std::replace(text.begin() + static_cast<std::ptrdiff_t>(nines), text.end(), '9', '0');
     if (at == std::string::npos || text[at] == '-') {
         text.insert(nines, 1, '1');
@@ -60,7 +60,7 @@ std::string RoundedUp(std::string_view exact) {
 std::string FixedText(double value, int decimals) {
     decimals = std::clamp(decimals, 0, kMaxColumns);
     Buffer buffer;
-    // What our texts are compared with rounds ties away from zero, to_chars to even.
+    // The texts we are compared with round ties away from zero, to_chars rounds to even.
     if (IsTie(value, decimals)) return RoundedUp(Print(buffer, value, std::chars_format::fixed, decimals + 1));
     return std::string(Print(buffer, value, std::chars_format::fixed, decimals));
 }
@@ -69,7 +69,7 @@ std::string ExponentText(double value, int decimals) {
     decimals = std::clamp(decimals, 0, kMaxExponentDecimals);
     Buffer buffer;
     if (!std::isfinite(value)) return std::string(Print(buffer, value, std::chars_format::scientific, decimals));
-    // The next double away from zero has the text of a tie rounded up, since so few digits do not show its own.
+    // The next double away from zero prints as the tie rounded up, because so few digits do not show the difference.
     if (IsTie(value, decimals - DecimalExponent(value))) value = std::nextafter(value, std::copysign(HUGE_VAL, value));
     std::string text(Print(buffer, value, std::chars_format::scientific, decimals));
     const std::size_t mark = text.find('e');

@@ -16,8 +16,8 @@ namespace {
 
 constexpr unsigned kCharacters = 0x10000;
 
-// The bytes that the platform maps and the system's converters leave out: in 1252 they are the control characters of
-// the same number, in 932 one control character and four private ones.
+// The bytes that the platform maps but the system's converters do not: in 1252 the control characters with the same
+// number, in 932 one control character and four private ones.
 constexpr char16_t PlatformCharacter(unsigned byte, UINT page) {
     if (page == kCodePageLatin1 || byte == 0x80) return static_cast<char16_t>(byte);
     return static_cast<char16_t>(byte == 0xA0 ? 0xF8F0 : 0xF8F1 + (byte - 0xFD));
@@ -54,7 +54,7 @@ private:
         }
     }
 
-    // Some characters have several codes; which of them is written is the converter's choice, that of the platform.
+    // Some characters have several codes; the converter chooses which one is written, and it chooses like the platform.
     void AddCode(char16_t character, unsigned code) {
         const char units[] = {static_cast<char>(character & 0xFF), static_cast<char>(character >> 8)};
         const auto bytes = m_encode.Convert({units, sizeof units});
@@ -80,7 +80,7 @@ private:
 using KeptTable = std::atomic<const PageTable*>;
 
 // Held while a table is read. Not the lock of a function-local object: a child that is forked meanwhile would wait for
-// it for ever.
+// it forever.
 ForkSafeLock& ReadingLock() {
     static ForkSafeLock& lock = *new ForkSafeLock;
     return lock;

@@ -47,7 +47,7 @@ char CString::GetAt(int index) const noexcept {
 }
 
 CString& CString::operator=(const char* text) {
-    m_text = std::string(OrEmpty(text));  // by way of a copy: the pointer may lead into this text
+    m_text = std::string(OrEmpty(text));  // through a copy: the pointer may point into this text
     return *this;
 }
 CString& CString::operator=(char character) {
@@ -122,7 +122,7 @@ int CString::Replace(char old, char replacement) {
     return count;
 }
 
-// Blanks are no trail bytes; one behind a lone lead byte is a blank.
+// Blanks are never trail bytes; one after a lone lead byte is a blank.
 void CString::TrimLeft() { m_text.erase(0, std::min(m_text.find_first_not_of(kBlanks), m_text.size())); }
 void CString::TrimLeft(char character) { TrimLeftSet({&character, 1}); }
 void CString::TrimLeft(const char* set) { TrimLeftSet(std::string(OrEmpty(set))); }
@@ -144,7 +144,7 @@ void CString::TrimLeftSet(std::string_view set) {
 void CString::TrimRightSet(std::string_view set) {
     const UINT page = qel::CodePage();
     const std::string_view text = m_text;
-    std::size_t end = 0;  // behind the last character that stays
+    std::size_t end = 0;  // after the last character that stays
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t size = qel::CharacterSize(text, at, page);
         if (!Contains(set, text.substr(at, size))) end = at + size;
@@ -163,7 +163,7 @@ void CString::FormatV(const char* format, va_list arguments) {
     const NumbersInCLocale cLocale;
     va_list again;
     va_copy(again, arguments);
-    char start[256];  // most texts fit
+    char start[256];  // large enough for most texts
     const std::size_t length = AtLeastZero(std::vsnprintf(start, sizeof start, format, arguments));
     std::string result(start, std::min(length, sizeof start - 1));
     if (length > result.size()) {
@@ -179,7 +179,7 @@ int CString::CompareNoCase(const char* other) const { return qel::CompareTextFol
 int CString::Order(std::string_view other) const { return qel::CompareText(m_text, other); }
 
 char* CString::GetBuffer(int minimum) {
-    m_text.resize(std::max(m_text.size(), AtLeastZero(minimum)) + 1);  // the last byte is the caller's too
+    m_text.resize(std::max(m_text.size(), AtLeastZero(minimum)) + 1);  // the caller may use the last byte too
     return m_text.data();
 }
 void CString::ReleaseBuffer(int length) {

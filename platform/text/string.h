@@ -27,7 +27,7 @@ public:
     CString() noexcept = default;
     /// A null pointer is the empty text.
     CString(const char* text);
-    CString(const char* text, int length);  ///< @p length below 0 counts as 0
+    CString(const char* text, int length);  ///< @p length below 0 means 0
     explicit CString(char character, int repeat = 1);
     explicit CString(std::string_view text) : m_text(text) {}
 
@@ -59,15 +59,15 @@ public:
     CString Mid(int first) const;
     CString Mid(int first, int count) const;
 
-    /// Position of the first match at or behind @p start, or -1; -1 also for a @p start outside the text. @p start is
-    /// the beginning of a character. A lead byte alone is never found.
+    /// Position of the first match at or after @p start, or -1; -1 also for a @p start outside the text. @p start is
+    /// the start of a character. A lead byte alone is never found.
     int Find(char character, int start = 0) const;
     int Find(const char* text, int start = 0) const;
     int ReverseFind(char character) const;
-    /// Position of the first character that stands in @p set, or -1.
+    /// Position of the first character that is in @p set, or -1.
     int FindOneOf(const char* set) const;
 
-    /// Replaces every match, left to right; what was put in is not searched again.
+    /// Replaces every match, left to right; replaced text is not searched again.
     /// @return the number of replacements
     int Replace(const char* old, const char* replacement);
     int Replace(char old, char replacement);
@@ -80,18 +80,18 @@ public:
     void TrimRight(char character);
     void TrimRight(const char* set);
 
-    /// As printf, with "." as the decimal sign whatever the locale. Arguments may point into this text. Exponents and
-    /// exact ties come out as the C library prints them; CQVariant has the platform's forms. For `%s` of a CString pass
-    /// text.GetString(): g++ lets the object itself through with a warning, and what is printed then is garbage.
+    /// Like printf, with "." as the decimal sign whatever the locale. Arguments may point into this text. Exponents and
+    /// exact ties are printed as by the C library; CQVariant has the platform's forms. For `%s` of a CString pass
+    /// text.GetString(): g++ accepts the object itself with a warning and then prints garbage.
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* format, va_list arguments) __attribute__((format(printf, 2, 0)));
 
-    /// Order by characters, -1, 0 or 1; the second form without regard to the case of Latin letters.
+    /// Order by characters, -1, 0 or 1; the second form ignores the case of Latin letters.
     int Compare(const char* other) const;
     int CompareNoCase(const char* other) const;
 
-    /// At least @p minimum + 1 writable bytes that begin with the text and a zero. Until ReleaseBuffer sets the new
-    /// length, by default up to the first zero byte, nothing else is to be done with this text.
+    /// At least @p minimum + 1 writable bytes that start with the text and a zero. Do not use this text before
+    /// ReleaseBuffer has set the new length (by default up to the first zero byte).
     char* GetBuffer(int minimum);
     void ReleaseBuffer(int length = -1);
 
@@ -108,7 +108,7 @@ public:
     }
     friend std::weak_ordering operator<=>(const CString& a, std::string_view b) { return a.Order(b) <=> 0; }
 
-    // Texts of the standard library: found only where a CString takes part.
+    // Texts of the standard library: found only if one operand is a CString.
     friend CString operator+(CString a, std::string_view b) {
         a += b;
         return a;
@@ -134,7 +134,7 @@ QELLIB10_API CString operator+(const char* a, const CString& b);
 QELLIB10_API CString operator+(const CString& a, char b);
 QELLIB10_API CString operator+(char a, const CString& b);
 /// @cond Doxygen does not find the scope of this.
-// Equal texts have equal hashes: of all bytes, as operator== compares them.
+// Equal texts have equal hashes: of all bytes, which operator== compares too.
 template <> struct std::hash<CString> {
     std::size_t operator()(const CString& text) const noexcept { return hash<string_view>()(text.View()); }
 };

@@ -14,7 +14,7 @@ public:
     void RemoveAll() noexcept { m_texts.clear(); }
     /// @return the position of the new last text
     int Add(CString text);
-    /// The text at @p index; the empty text outside the list.
+    /// The text at @p index; empty outside the list.
     const CString& GetAt(int index) const noexcept;
     const CString& operator[](int index) const noexcept { return GetAt(index); }
     /// Outside the list: nothing happens.

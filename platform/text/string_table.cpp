@@ -30,7 +30,7 @@ struct Tables {
     std::span<const StringTableEntry> own;
 };
 
-// Never freed: tables are registered before main and may be asked by destructors of static objects.
+// Never freed: tables are registered before main, and destructors of static objects may still use them.
 Tables& RegisteredTables() {
     static Tables& tables = *new Tables;
     return tables;
@@ -38,7 +38,7 @@ Tables& RegisteredTables() {
 
 constexpr bool IsText(const char* text) { return text != nullptr && *text != '\0'; }
 
-// The entry's text in UTF-8; of the other language where one is missing, null where both are.
+// The entry's text in UTF-8; of the other language if one is missing, null if both are.
 const char* TextOf(const StringTableEntry& entry, Language language) {
     const bool isJapanese = language == Language::Japanese;
     const char* const wanted = isJapanese ? entry.japanese : entry.english;

@@ -10,24 +10,24 @@ namespace qel {
 
 enum class Language { English, Japanese };
 
-/// The language of table texts: environment QELLIB10_LANGUAGE (`ja`, else English) at the start. The code page does not
-/// decide it.
+/// The language of table texts: at the start the environment's QELLIB10_LANGUAGE (`ja`, else English). The code page
+/// does not matter.
 QELLIB10_API Language TableLanguage() noexcept;
 QELLIB10_API void SetTableLanguage(Language language) noexcept;
 
-/// One text of a table in both languages, in UTF-8. Where one is null or empty the other stands for both; an id whose
-/// texts are both empty counts as missing.
+/// One text of a table in both languages, in UTF-8. If one is null or empty, the other is used for both; an id with two
+/// empty texts counts as missing.
 struct StringTableEntry {
     UINT id;
     const char* english;
     const char* japanese;
 };
 
-/// Adds a table of the application's own. Its ids win over those of tables registered before. The entries must live as
-/// long as the process. Safe from any thread.
+/// Adds a table of the application. Its ids override those of tables registered before. The entries must live as long
+/// as the process. Safe from any thread.
 QELLIB10_API void RegisterStringTable(std::span<const StringTableEntry> entries);
 
-/// The text of @p id in the current language, converted to the process's code page; nothing when no table has it. Safe
+/// The text of @p id in the current language, converted to the process's code page; nothing if no table has it. Safe
 /// from any thread.
 QELLIB10_API std::optional<CString> LookUpString(UINT id);
 

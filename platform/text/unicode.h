@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-// The Unicode forms character by character; ill-formed input reads as U+FFFD. Inline, since conversions spend their
+// The Unicode forms, one character at a time; invalid input reads as U+FFFD. Inline, because conversions spend their
 // time here.
 namespace qel {
 
@@ -14,8 +14,8 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 constexpr bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 constexpr bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
-// Continuation bytes that a first byte of UTF-8 asks for, and the range of the first of them: it keeps out forms that
-// are longer than needed, surrogates and what lies above U+10FFFF (Unicode, table 3-7).
+// How many continuation bytes a first byte of UTF-8 needs, and the range of the first of them: it excludes forms that
+// are longer than needed, surrogates and everything above U+10FFFF (Unicode, table 3-7).
 struct Utf8Sequence {
     int continuations;
     unsigned char low = 0x80, high = 0xBF;
@@ -32,7 +32,7 @@ constexpr Utf8Sequence SequenceOf(unsigned char first) {
     return {0};
 }
 
-/// The position of the first byte or unit at or behind @p from that is not ASCII, or the length.
+/// The position of the first non-ASCII byte or unit at or after @p from, or the length.
 inline std::size_t EndOfAscii(std::string_view text, std::size_t from) {
     constexpr std::uint64_t kHighBits = 0x8080808080808080;
     std::size_t at = from;
@@ -48,12 +48,12 @@ inline std::size_t EndOfAscii(std::u16string_view text, std::size_t from) {
     return from;
 }
 
-/// The character at @p at (below the length), which moves behind it. Ill-formed UTF-8 gives one U+FFFD for the longest
-/// beginning of a character, so that no ASCII byte is ever swallowed; a lone surrogate gives one.
+/// The character at @p at (below the length), which moves past it. Invalid UTF-8 gives one U+FFFD for the longest start
+/// of a character, so that no ASCII byte is ever swallowed; a lone surrogate gives one.
 inline char32_t NextCharacter(std::string_view utf8, std::size_t& at) {
     const auto first = static_cast<unsigned char>(utf8[at++]);
     if (first < 0x80) return first;
-    if ((first & 0xF0) == 0xE0 && utf8.size() - at >= 2) {  // three bytes, most of the text that is not ASCII
+    if ((first & 0xF0) == 0xE0 && utf8.size() - at >= 2) {  // three bytes: most text that is not ASCII
         const auto second = static_cast<unsigned char>(utf8[at]);
         const auto third = static_cast<unsigned char>(utf8[at + 1]);
         const char32_t character = (first & 0x0FU) << 12 | (second & 0x3FU) << 6 | (third & 0x3FU);
@@ -83,11 +83,11 @@ inline char32_t NextCharacter(std::u16string_view utf16, std::size_t& at) {
     return IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacementCharacter : unit;
 }
 
-/// Units that one character takes at most.
+/// The largest number of units of one character.
 inline constexpr std::size_t kMaxUnits = 4;
 
 /// Writes @p character, a Unicode scalar value, at @p to.
-/// @return behind what was written, at most kMaxUnits
+/// @return the position after it, at most kMaxUnits later
 inline char* WriteCharacter(char* to, char32_t character) {
     const auto write = [&](char32_t byte) { *to++ = static_cast<char>(byte); };
     const auto writeContinuation = [&](int shift) { write(0x80 | (character >> shift & 0x3F)); };

@@ -21,7 +21,7 @@ struct Fields {
 };
 
 std::optional<Fields> FieldsOf(const COleDateTime& time) {
-    // Written so that NaN fails too. The first day's own fraction lies below its number.
+    // Written so that NaN fails too. The first day's own fraction is below its number.
     if (time.m_status != COleDateTime::valid || !(time.m_dt > kFirstDay - 1 && time.m_dt < kAfterLastDay)) return {};
     const double day = std::trunc(time.m_dt);
     int number = static_cast<int>(day);

@@ -3,12 +3,12 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
-/// A local date and time as a day number with a status. Day 0 is 1899-12-30, the fraction is the time of day; before
-/// day 0 the whole part is negative and the fraction still counts forward: -1.25 is 1899-12-29 06:00. Archives keep the
-/// status as 4 bytes, then the day number as 8.
+/// A local date and time as a day number with a status. Day 0 is 1899-12-30, the fraction is the time of day. Before
+/// day 0 the whole part is negative and the fraction still counts forward: -1.25 is 1899-12-29 06:00. Archives store
+/// the status as 4 bytes, then the day number as 8.
 class QELLIB10_API COleDateTime {
 public:
-    /// Other values may come out of an archive and are kept.
+    /// Other values may be read from an archive and are kept.
     enum DateTimeStatus : int { valid = 0, invalid = 1, null = 2 };
 
     constexpr COleDateTime() noexcept = default;
@@ -19,13 +19,13 @@ public:
     static COleDateTime GetCurrentTime() noexcept;
 
     /// Years 100 to 9999, the real days of each month, hours 0 to 23, minutes and seconds 0 to 59.
-    /// @return 0; 1 for a date outside of these, which leaves day 0 and status invalid
+    /// @return 0; 1 for any other date, which sets day 0 and status invalid
     int SetDateTime(int year, int month, int day, int hour, int minute, int second) noexcept;
 
     DateTimeStatus GetStatus() const noexcept { return m_status; }
     void SetStatus(DateTimeStatus status) noexcept { m_status = status; }
 
-    /// Fields, rounded to the nearest second; -1 when the status is not valid or the year is not within 100 to 9999.
+    /// The fields, rounded to the nearest second; -1 if the status is not valid or the year is not within 100 to 9999.
     int GetYear() const noexcept;
     int GetMonth() const noexcept;
     int GetDay() const noexcept;
@@ -33,7 +33,7 @@ public:
     int GetMinute() const noexcept;
     int GetSecond() const noexcept;
 
-    /// Same status, and neither day number below the other; so two that are no number are equal.
+    /// Same status, and neither day number below the other; so two NaN are equal.
     friend bool operator==(const COleDateTime& a, const COleDateTime& b) noexcept {
         return a.m_status == b.m_status && !(a.m_dt < b.m_dt) && !(a.m_dt > b.m_dt);
     }

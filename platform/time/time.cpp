@@ -12,12 +12,12 @@ namespace {
 
 using Int = std::numeric_limits<int>;
 
-// What mktime cannot convert; so far away that localtime_r refuses it too.
+// A time that mktime cannot convert; so far away that localtime_r refuses it too.
 constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
 
 constexpr std::size_t kLongestFormat = 64 * 1024;
 
-// All fields 0, in calendar terms, when the time has none.
+// Sets all fields to 0, in calendar terms, if the time has none.
 bool LocalFields(std::int64_t seconds, tm& fields) noexcept {
     const time_t time = seconds;
     return localtime_r(&time, &fields) != nullptr;
@@ -52,7 +52,7 @@ CTime::CTime(int year, int month, int day, int hour, int minute, int second, int
 CTime CTime::GetCurrentTime() noexcept { return CTime(time(nullptr)); }
 
 int CTime::GetYear() const noexcept {
-    // The last years that localtime_r knows lie beyond int when counted from year 0.
+    // The last years that localtime_r knows do not fit in an int when counted from year 0.
     return LocalField(*this, [](const tm& f) { return f.tm_year > Int::max() - 1900 ? 0 : f.tm_year + 1900; });
 }
 int CTime::GetMonth() const noexcept {
@@ -83,5 +83,5 @@ CString CTime::Format(const char* format) const {
         text.resize(strftime_l(text.data(), text.size(), format, &fields, qel::CLocale()));
         if (!text.empty()) return CString(std::string_view(text));
     }
-    return {};  // too long, or a conversion without text, as %p may be
+    return {};  // too long, or a conversion without text, such as %p in some locales
 }

@@ -6,16 +6,15 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// A point in time as whole seconds since 1970-01-01 00:00:00 UTC, before and after it. Fields are those of the local
-/// time: month 1 to 12, day 1 to 31. A time whose fields do not fit the calendar of the system has fields 0 and the
-/// empty text.
+/// A point in time as whole seconds since 1970-01-01 00:00:00 UTC, also before it. The fields are local time: month 1
+/// to 12, day 1 to 31. A time whose fields do not fit the system's calendar has fields 0 and the empty text.
 class QELLIB10_API CTime {
 public:
     constexpr CTime() noexcept = default;
     constexpr explicit CTime(std::int64_t seconds) noexcept : m_time(seconds) {}
 
-    /// From local fields. Surplus moves on: February 31 is March 3 (or 2). @p daylightSaving is 1, 0, or -1 for "what
-    /// holds at that time".
+    /// From local fields. A surplus is carried over: February 31 is March 3 (or 2). @p daylightSaving is 1, 0, or -1
+    /// for the rule at that time.
     CTime(int year, int month, int day, int hour, int minute, int second, int daylightSaving = -1);
 
     static CTime GetCurrentTime() noexcept;
@@ -28,8 +27,8 @@ public:
     int GetMinute() const noexcept;
     int GetSecond() const noexcept;
 
-    /// The local time by the conversions of strftime in the C locale, as "%Y/%m/%d %H:%M:%S". The empty text when there
-    /// is none or when it would be longer than 64 KiB.
+    /// The local time by the conversions of strftime in the C locale, for example "%Y/%m/%d %H:%M:%S". Empty if there
+    /// is none or if it would be longer than 64 KiB.
     CString Format(const char* format) const;
 
     friend constexpr auto operator<=>(const CTime&, const CTime&) = default;

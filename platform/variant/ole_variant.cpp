@@ -123,7 +123,7 @@ double VariantNumber(const COleVariant& value) {
 
 int VariantInteger(const COleVariant& value) {
     const double number = VariantNumber(value);
-    // Half to even by hand: the processor's rounding mode belongs to the application.
+    // Ties to even by our own code: the processor's rounding mode belongs to the application.
     const double below = std::floor(number);
     const double above = number - below;
     const double nearest = above < 0.5 || (above == 0.5 && std::fmod(below, 2) == 0) ? below : below + 1;

@@ -5,9 +5,9 @@
 #include "qellib10/platform/time/ole_date_time.h"
 #include "qellib10/platform/types.h"
 
-/// Type codes of a COleVariant; databases hand others out too.
+/// Type codes of a COleVariant; databases may return others.
 using VARTYPE = WORD;
-inline constexpr VARTYPE VT_EMPTY = 0;  ///< nothing yet
+inline constexpr VARTYPE VT_EMPTY = 0;  ///< no value yet
 inline constexpr VARTYPE VT_NULL = 1;   ///< the database's "no value"
 inline constexpr VARTYPE VT_I2 = 2;     ///< iVal
 inline constexpr VARTYPE VT_I4 = 3;     ///< lVal
@@ -25,17 +25,17 @@ struct CY {
     LONGLONG int64 = 0;
 };
 
-/// A value of a type that is known only at run time, as databases deliver it. `vt` names the member that counts; the
-/// others hold what they held before. An unsigned int, an unsigned long or a long long is ambiguous: convert it to the
-/// type that is meant, LONG or double.
+/// A value whose type is known only at run time, as databases return it. `vt` names the member in use; the others keep
+/// their old values. An unsigned int, an unsigned long or a long long is ambiguous: convert it to the type you mean,
+/// LONG or double.
 class QELLIB10_API COleVariant {
 public:
     COleVariant() = default;
     COleVariant(BYTE value) : vt(VT_UI1), bVal(value) {}
-    /// @p type VT_I2, or VT_BOOL for a truth value, where all but 0 is true
+    /// @p type VT_I2, or VT_BOOL for a truth value, for which everything except 0 is true
     COleVariant(short value, VARTYPE type = VT_I2);
     COleVariant(LONG value) : vt(VT_I4), lVal(value) {}
-    COleVariant(long value);  ///< VT_I4; outside the range of LONG, which is narrower here, VT_R8
+    COleVariant(long value);  ///< VT_I4; outside the range of LONG (which is narrower here) VT_R8
     COleVariant(float value) : vt(VT_R4), fltVal(value) {}
     COleVariant(double value) : vt(VT_R8), dblVal(value) {}
     COleVariant(CY value) : vt(VT_CY), cyVal(value) {}
@@ -43,7 +43,7 @@ public:
     COleVariant(const CString& value) : vt(VT_BSTR), bstrVal(value) {}
     COleVariant(const char* value) : vt(VT_BSTR), bstrVal(value) {}
 
-    /// Back to VT_EMPTY.
+    /// Resets to VT_EMPTY.
     void Clear() { *this = COleVariant(); }
 
     VARTYPE vt = VT_EMPTY;
@@ -60,17 +60,17 @@ public:
 
 namespace qel {
 
-// Conversions with fixed forms: nothing of them depends on the machine's settings. What has no value in the wanted
-// type (VT_EMPTY, VT_NULL, unknown types, text that is no number, a value out of range) is the empty text or 0.
+// Conversions with fixed forms: nothing depends on the machine's settings. What has no value in the wanted type
+// (VT_EMPTY, VT_NULL, unknown types, text that is not a number, a value out of range) gives the empty text or 0.
 
 /// Numbers in decimal, float and double with 7 and 15 digits at most (0.1, 1E+15), true as -1, dates as
 /// 2001/01/02 3:04:05, without the date on day 0, else without a time of 0:00:00.
 QELLIB10_API CString VariantText(const COleVariant& value);
 
-/// Text counts when the whole of it, blanks at its ends aside, is a number.
+/// Text is converted only if all of it, except blanks at its ends, is a number.
 QELLIB10_API double VariantNumber(const COleVariant& value);
 
-/// The same, rounded to the nearest whole number, halves to the even one.
+/// The same, rounded to the nearest whole number, ties to even.
 QELLIB10_API int VariantInteger(const COleVariant& value);
 
 }  // namespace qel

@@ -36,13 +36,13 @@ void XmlDocument::Load(std::string utf8, XmlNames names) {
     m_source = std::move(utf8);
     try {
         ReadXml(*m_tree, m_source, names);
-    } catch (const std::exception&) {  // a refused text, or memory that ran out: a part is no document
+    } catch (const std::exception&) {  // a refused text, or no memory: an incomplete tree is not a document
         Empty();
         throw;
     }
 }
 
-// A line end that was LF takes two bytes, so does many a character that was one.
+// A line end that was LF takes two bytes, and so do many characters that took one.
 std::size_t XmlDocument::ExpectedSize() const { return m_source.size() + m_source.size() / 16; }
 
 std::string XmlDocument::Text() const {
@@ -62,7 +62,7 @@ std::string XmlDocument::Bytes() const {
     if (auto bytes = encoder(text)) return std::move(*bytes);
 
     const std::string shown = WithReferencesFor(encoder, text);
-    XmlDocument().LoadUtf8(shown);  // refuses what lacks a character in a name, where no reference can stand
+    XmlDocument().LoadUtf8(shown);  // refuses a name with a missing character, because names cannot contain references
     auto bytes = encoder(shown);
     if (!bytes) throw DataError("an encoding that lacks characters of XML itself");
     return std::move(*bytes);

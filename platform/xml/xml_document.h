@@ -16,15 +16,15 @@ namespace qel {
 
 enum class XmlNames;
 
-/// An XML document in memory: one root element with what stands before and behind it, or nothing at all.
+/// An XML document in memory: one root element with what is before and after it, or nothing at all.
 ///
-/// Loading is strict and bounded by the size of the text: XML that is not well-formed is refused, so is nesting deeper
-/// than 512 levels. A document type is kept as it stands; nothing outside is read and no entity of it is known, so
-/// that a reference to one is refused. Names and the document type have to be in the code page, since the document may
-/// be written in it. Texts that the page lacks are kept, and written as numeric references. White space between
-/// elements is kept; line ends are LF in memory and CR LF in what is written.
+/// Loading is strict and limited by the size of the text: XML that is not well-formed is refused, and so is nesting
+/// deeper than 512 levels. A document type is kept as it is; nothing external is read and its entities are unknown, so
+/// a reference to one is refused. Names and the document type must be in the code page, because the document may be
+/// written in it. Characters of texts that are missing in the page are kept, and written as numeric references. White
+/// space between elements is kept; line ends are LF in memory and CR LF in what is written.
 ///
-/// A text that was written and is loaded again is written as the same bytes.
+/// A text that was written, loaded and written again has the same bytes.
 class QELLIB10_API XmlDocument {
 public:
     XmlDocument();
@@ -32,7 +32,7 @@ public:
     XmlDocument(const XmlDocument&) = delete;
     XmlDocument& operator=(const XmlDocument&) = delete;
 
-    /// Nothing is in the document then, not even a root.
+    /// Removes everything from the document, including the root.
     void Empty() noexcept;
 
     /// Loads text of the process's code page, whatever encoding it declares; or UTF-8.
@@ -43,10 +43,11 @@ public:
     /// @throws DataError when they are refused; the document is then empty
     void LoadBytes(std::string bytes);
 
-    /// The document in the process's code page, without naming an encoding; "" when it has no root.
+    /// The document in the process's code page, without naming an encoding; "" if it has no root.
     std::string Text() const;
-    /// The document as a file in the encoding that it declares, UTF-8 if none, which is written without a mark.
-    /// @throws DataError when the system does not know that encoding, or it lacks a character of a name
+    /// The document as a file in the encoding that it declares, or in UTF-8, which is written without a byte-order
+    /// mark.
+    /// @throws DataError when the system does not know that encoding, or a character of a name is missing in it
     std::string Bytes() const;
 
     std::optional<XmlNode> Root() const;
@@ -55,7 +56,7 @@ private:
     void Load(std::string utf8, XmlNames names);
     std::size_t ExpectedSize() const;
 
-    std::string m_source;  // the tree's texts stand in it
+    std::string m_source;  // the tree's texts point into it
     std::unique_ptr<pugi::xml_document> m_tree;
 };
 

@@ -43,7 +43,7 @@ void XmlElementWriter::Begin(const char* name) {
     m_hasRoot = m_isTagOpen = true;
 }
 
-// What was put in since `start` goes when the name is none.
+// If the name is invalid, everything written since `start` is removed.
 void XmlElementWriter::PutName(const char* name, std::size_t start) {
     if (m_pOutput->PutName(name)) return;
     m_pOutput->CutTo(start);
@@ -65,7 +65,7 @@ XmlOutput& XmlElementWriter::AttributeOutput(const char* name) {
     return *m_pOutput;
 }
 
-// The output where the content of the open element goes on.
+// The output at the place where the content of the open element continues.
 XmlOutput& XmlElementWriter::TextOutput() {
     if (m_aryOpen.empty()) throw DataError("a text outside the root");
     CloseTag();

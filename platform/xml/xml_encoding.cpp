@@ -24,7 +24,7 @@ std::string UpperCase(std::string_view name) {
     return upper;
 }
 
-// The system's name. Windows' Japanese page goes under several names, of which the plainest is another one elsewhere.
+// The system's name. Windows' Japanese page has several names; the plainest one means another encoding elsewhere.
 std::string SystemName(std::string_view declared) {
     constexpr std::array<std::string_view, 6> kJapanese = {"SHIFT_JIS", "SHIFT-JIS",   "X-SJIS",
                                                            "SJIS",      "WINDOWS-31J", "MS_KANJI"};
@@ -36,12 +36,12 @@ std::string SystemName(std::string_view declared) {
 std::unique_ptr<Converter> MakeConverter(const std::string& to, const std::string& from) {
     try {
         return std::make_unique<Converter>(to.c_str(), from.c_str());
-    } catch (const std::runtime_error& error) {  // a name from a file, so it is the file that is wrong
+    } catch (const std::runtime_error& error) {  // the name comes from a file, so the file is wrong
         throw DataError(error.what());
     }
 }
 
-// A file whose first bytes are no declaration that names an encoding says nothing: "".
+// A file that does not start with a declaration that names an encoding: "".
 std::string_view DeclaredEncoding(std::string_view bytes) {
     constexpr std::string_view kBegin = "<?xml", kName = "encoding";
     bytes.remove_prefix(std::min(bytes.find_first_not_of(kXmlBlanks), bytes.size()));

@@ -4,7 +4,7 @@
 
 namespace qel {
 
-/// The parser reports memory that ran out by the result of a call alone.
+/// The parser reports out of memory only by a call's result.
 inline void RequireMemory(bool done) {
     if (!done) throw std::bad_alloc();
 }

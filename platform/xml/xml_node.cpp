@@ -27,7 +27,7 @@ std::string TextOf(pugi::xml_node top) {
     if (only.type() == pugi::node_pcdata && !only.next_sibling()) return only.value();
     if (top.type() != pugi::node_element && top.type() != pugi::node_document) return top.value();
     std::string text;
-    std::vector<std::optional<bool>> haveElements(1);  // of the nodes that we are in, asked once each
+    std::vector<std::optional<bool>> haveElements(1);  // of the open nodes, looked up once each
     const auto isIndentation = [&](pugi::xml_node node) {
         if (node.type() != pugi::node_pcdata || !IsXmlBlank(node.value())) return false;
         if (!haveElements.back()) haveElements.back() = HasElement(node.parent());
@@ -48,7 +48,7 @@ int DepthOf(pugi::xml_node node) {
     return depth;
 }
 
-// The old content goes once the new one is there.
+// The old content is removed once the new one is there.
 void SetElementText(pugi::xml_node element, const std::string& text) {
     pugi::xml_node added;
     if (!text.empty()) {
@@ -60,7 +60,7 @@ void SetElementText(pugi::xml_node element, const std::string& text) {
     while (element.first_child() != added) element.remove_child(element.first_child());
 }
 
-// Comments and the like cannot hold their own end.
+// Comments and the like cannot contain their own end.
 void SetData(pugi::xml_node node, const std::string& text, std::string_view forbidden) {
     if (text.find(forbidden) != std::string::npos || text.ends_with(forbidden[0])) {
         throw DataError("a text with the end of what it shall stand in");
@@ -120,11 +120,11 @@ void XmlNode::SetText(std::string_view text) {
             return SetElementText(node, utf8);
         case pugi::node_pcdata:  // an empty one could not be loaded again
             return RequireMemory(utf8.empty() ? node.parent().remove_child(node) : node.set_value(utf8.c_str()));
-        case pugi::node_cdata:  // written as several where it holds its end
+        case pugi::node_cdata:  // written as several if it contains its own end
             return RequireMemory(node.set_value(WithPlainLineEnds(utf8).c_str()));
         case pugi::node_comment:
             return SetData(node, utf8, "--");
-        case pugi::node_pi:  // blanks at its start would be taken for those after the name
+        case pugi::node_pi:  // blanks at its start would be read as those after the name
             return SetData(node, utf8.substr(std::min(utf8.find_first_not_of(kXmlBlanks), utf8.size())), "?>");
         default:
             throw DataError("a node without a text of its own");

@@ -10,7 +10,7 @@
 namespace qel {
 
 /// What is written for a character; null for the character itself. The zero that ends a text has an entry, so that one
-/// look-up tells all.
+/// look-up is enough.
 using XmlEscapes = std::array<const char*, 256>;
 
 constexpr XmlEscapes XmlEscapesOfName() {
@@ -19,7 +19,7 @@ constexpr XmlEscapes XmlEscapesOfName() {
     return escapes;
 }
 
-constexpr XmlEscapes XmlEscapesOfData() {  // comments, sections and the like, which know no references
+constexpr XmlEscapes XmlEscapesOfData() {  // comments, sections and the like, which have no references
     XmlEscapes escapes = XmlEscapesOfName();
     escapes['\n'] = "\r\n";
     return escapes;
@@ -30,14 +30,14 @@ constexpr XmlEscapes XmlEscapesOfText() {
     escapes['&'] = "&amp;";
     escapes['<'] = "&lt;";
     escapes['>'] = "&gt;";
-    escapes['\r'] = "&#13;";  // as it stands a reader would take it as half of a line end
+    escapes['\r'] = "&#13;";  // unescaped, a reader would treat it as half of a line end
     return escapes;
 }
 
 constexpr XmlEscapes XmlEscapesOfValue() {
     XmlEscapes escapes = XmlEscapesOfText();
     escapes['"'] = "&quot;";
-    escapes['\t'] = "&#9;";  // these two, as they stand, would be read as blanks
+    escapes['\t'] = "&#9;";  // unescaped, a reader would treat these two as blanks
     escapes['\n'] = "&#10;";
     return escapes;
 }
@@ -51,7 +51,7 @@ inline constexpr std::array<bool, 256> kIsXmlNameByte = [] {
     return is;
 }();
 
-/// Text that grows character by character.
+/// A text that grows character by character.
 class XmlOutput {
 public:
     explicit XmlOutput(std::size_t expected) { GrowTo(std::max<std::size_t>(expected, 64)); }
@@ -64,7 +64,7 @@ public:
     void Put(const char* text, const XmlEscapes& escapes) {
         for (;;) {
             const char* escape = nullptr;
-            char* at = m_at;  // in a register: what is written could be ourselves, for all that the compiler knows
+            char* at = m_at;  // in a register: the compiler must assume that writing could change this object
             for (char* const end = m_end; at != end; ++at, ++text) {
                 escape = escapes[static_cast<unsigned char>(*text)];
                 if (escape != nullptr) break;
@@ -80,7 +80,7 @@ public:
             }
         }
     }
-    /// A name of ASCII. @return false when it is null or none; a part of it may be there then: see CutTo
+    /// A name of ASCII. @return false if it is null or invalid; a part of it may have been written: see CutTo
     bool PutName(const char* name) {
         if (name == nullptr || !IsXmlNameStart(*name)) return false;
         for (; kIsXmlNameByte[static_cast<unsigned char>(*name)]; ++name) Put(*name);

@@ -16,7 +16,7 @@ std::size_t SkipBlanks(std::string_view text, std::size_t at) {
     return std::min(text.find_first_not_of(kXmlBlanks, at), text.size());
 }
 
-// Behind the parentheses, with nothing between them, that open at or behind @p at; @p at when none do.
+// The position after parentheses, with nothing between them, that open at or after @p at; @p at if there are none.
 std::size_t SkipParentheses(std::string_view text, std::size_t at) {
     const std::size_t open = SkipBlanks(text, at);
     if (!text.substr(open).starts_with('(')) return at;
@@ -24,7 +24,7 @@ std::size_t SkipParentheses(std::string_view text, std::size_t at) {
     return text.substr(close).starts_with(')') ? close + 1 : at;
 }
 
-// The end of the name or string that begins at @p at, or the next position.
+// The end of the name or string that starts at @p at, or the next position.
 std::size_t EndOfToken(std::string_view text, std::size_t at) {
     if (text[at] == '\'' || text[at] == '"') return std::min(text.find(text[at], at + 1), text.size() - 1) + 1;
     std::size_t end = at;
@@ -32,7 +32,7 @@ std::size_t EndOfToken(std::string_view text, std::size_t at) {
     return std::max(end, at + 1);
 }
 
-// XPath has no end(): the last one is where the position is the last. `last()` in its place would be wrong in
+// XPath has no end(): the last sibling is the one whose position is the last. `last()` instead would be wrong in
 // `[end() and B]`.
 std::string WithoutEndFunction(std::string_view path) {
     std::string result;
@@ -49,7 +49,7 @@ std::string WithoutEndFunction(std::string_view path) {
 template <class Evaluate> auto WithQuery(std::string_view path, Evaluate evaluate) {
     try {
         return evaluate(pugi::xpath_query(WithoutEndFunction(ToUtf8(path)).c_str()));
-    } catch (const pugi::xpath_exception& error) {  // also when the result is no set of nodes
+    } catch (const pugi::xpath_exception& error) {  // also if the result is not a set of nodes
         throw DataError(error.what());
     }
 }

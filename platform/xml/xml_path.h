@@ -10,8 +10,8 @@ class xpath_node_set;
 
 namespace qel {
 
-/// The first node of a path from @p context, null when there is none; and all of them in document order.
-/// @param path in the process's code page, as XmlNode describes it
+/// The first node of a path from @p context, null if there is none; and all of them in document order.
+/// @param path in the process's code page, as described at XmlNode
 /// @throws DataError for a bad one
 pugi::xpath_node FindXml(pugi::xml_node context, std::string_view path);
 pugi::xpath_node_set FindAllXml(pugi::xml_node context, std::string_view path);

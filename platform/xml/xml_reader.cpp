@@ -16,7 +16,7 @@
 namespace qel {
 namespace {
 
-// Everything is kept, and references are left as they are: what the parser does not know it would pass as text.
+// Everything is kept, and references are not replaced: the parser would pass unknown ones as text.
 constexpr unsigned kParsing = pugi::parse_cdata | pugi::parse_comments | pugi::parse_pi | pugi::parse_declaration |
                               pugi::parse_doctype | pugi::parse_wconv_attribute | pugi::parse_ws_pcdata |
                               pugi::parse_fragment | pugi::parse_eol;
@@ -36,7 +36,7 @@ template <class Item> void TakeReferencesOut(Item item, const char* value) {
     RequireMemory(item.set_value(text.c_str()));
 }
 
-void TakeLineEndsOut(pugi::xml_node node) {  // of what the parser passes as it stands
+void TakeLineEndsOut(pugi::xml_node node) {  // line ends that the parser passes unchanged
     if (std::strchr(node.value(), '\r') == nullptr) return;
     const std::string text = WithPlainLineEnds(node.value());
     RequireMemory(node.set_value(text.c_str()));
@@ -49,7 +49,7 @@ void CheckManyNamesDiffer(pugi::xml_node element) {
     Require(std::ranges::adjacent_find(names) == names.end(), "an attribute stands twice");
 }
 
-// The names of an element's attributes. Few are compared each with each, as they come.
+// The names of an element's attributes. A few are simply compared with each other, in order.
 class AttributeNames {
 public:
     void Add(const char* name) {
@@ -66,7 +66,7 @@ private:
     std::size_t m_count = 0;
 };
 
-// The parser takes `/>` for the end of a declaration too.
+// The parser also takes `/>` for the end of a declaration.
 void CheckDeclarationsEnd(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(kXmlBlanks), text.size()));
     constexpr std::string_view kBegin = "<?xml";
@@ -81,7 +81,7 @@ bool IsEncodingName(std::string_view text) {
            std::ranges::all_of(text, [](unsigned char c) { return c < 0x80 && c != ':'; });
 }
 
-// A version, then an encoding and whether it stands alone if it says so.
+// A version, then optionally an encoding and whether the document is standalone.
 void CheckDeclaration(pugi::xml_node declaration) {
     constexpr std::array<std::string_view, 3> kNames = {"version", "encoding", "standalone"};
     Require(std::strcmp(declaration.name(), "xml") == 0, "a declaration of another kind");
@@ -158,10 +158,11 @@ private:
     }
 
     XmlNames m_names;
-    bool m_hasSectionEnd, m_hasReferences;  // asked once for the whole text, since it mostly has none
+    bool m_hasSectionEnd, m_hasReferences;  // checked once for the whole text, because most texts have none
 };
 
-// Beside the root, where blanks mean nothing and are taken out. Before references are replaced: one to a blank is text.
+// Outside the root, where blanks mean nothing and are removed. Before references are replaced: a reference to a blank
+// is text.
 void CheckTop(pugi::xml_document& tree) {
     int roots = 0, types = 0;
     bool isFirst = true;
@@ -198,8 +199,8 @@ void CheckTop(pugi::xml_document& tree) {
 void ReadXml(pugi::xml_document& tree, std::string& text, XmlNames names) {
     Require(IsUtf8OfXml(text), "bytes that are no character of XML");
     Reader reader(text, names);
-    // The parser lets the begin of a tag pass that stands behind a blank at the end, and does not see the last
-    // character if that is text.
+    // The parser accepts the start of a tag after a blank at the end, and does not see the last character if that is
+    // text.
     Require(!text.ends_with('<'), "a tag without an end");
     CheckDeclarationsEnd(text);
     text += '\n';

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kReplacementUtf8 = "\xEF\xBF\xBD";
 
-// A loop without exits, over bytes alone, which the compiler turns into vector instructions.
+// A loop without exits, over bytes only, which the compiler turns into vector instructions.
 bool HasControls(std::string_view text) {
     unsigned char found = 0;
     for (const unsigned char c : text) {
@@ -33,7 +33,7 @@ std::optional<char32_t> NumberOf(std::string_view digits, int base) {
     return number;
 }
 
-// What stands between `&` and `;`.
+// The text between `&` and `;`.
 std::optional<char32_t> CharacterOf(std::string_view reference) {
     constexpr std::array<std::pair<std::string_view, char32_t>, 5> kNames = {
         {{"amp", U'&'}, {"lt", U'<'}, {"gt", U'>'}, {"quot", U'"'}, {"apos", U'\''}}};

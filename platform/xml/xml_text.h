@@ -8,7 +8,7 @@
 // Characters and names of XML, in UTF-8.
 namespace qel {
 
-/// Levels of elements in a document: deeper nesting is nobody's data, and would cost a reader its stack.
+/// Levels of elements in a document: no real data are nested deeper, and a reader would run out of stack.
 inline constexpr int kDeepestXml = 512;
 
 inline constexpr std::string_view kXmlBlanks = " \t\n\r";
@@ -22,7 +22,7 @@ constexpr bool IsXmlCharacter(char32_t c) {
                      : c == '\t' || c == '\n' || c == '\r';
 }
 
-/// Whether the character belongs into a name; of those that are not ASCII, all do.
+/// Whether a name can start with the character; all non-ASCII characters are accepted.
 constexpr bool IsXmlNameStart(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == ':' ||
            static_cast<unsigned char>(c) >= 0x80;
@@ -30,7 +30,7 @@ constexpr bool IsXmlNameStart(char c) {
 constexpr bool IsXmlNamePart(char c) { return IsXmlNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
 bool IsXmlName(std::string_view name);
 
-/// In place of strcmp: names are so short that a call takes longer.
+/// Instead of strcmp: names are so short that a call takes longer.
 constexpr bool IsSameXmlName(const char* a, const char* b) {
     while (*a == *b && *a != '\0') {
         ++a;
@@ -39,16 +39,16 @@ constexpr bool IsSameXmlName(const char* a, const char* b) {
     return *a == *b;
 }
 
-/// Whether the bytes are UTF-8, and every character one of XML.
+/// Whether the bytes are UTF-8, and every character is allowed in XML.
 QELLIB10_INTERNAL_API bool IsUtf8OfXml(std::string_view text);
 
 /// Whether the process's code page has every character.
 bool IsInCodePage(std::string_view utf8);
 
-/// The text with `?` in place of what is no character of XML.
+/// The text with `?` for every character that XML does not allow.
 std::string WithXmlCharacters(std::string utf8);
 
-/// The text with LF for CR LF and for CR.
+/// The text with CR LF and CR replaced by LF.
 QELLIB10_INTERNAL_API std::string WithPlainLineEnds(std::string_view utf8);
 
 /// The text with references replaced by their characters: `&amp;` `&lt;` `&gt;` `&quot;` `&apos;` `&#n;` `&#xh;`.

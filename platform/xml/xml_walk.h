@@ -2,8 +2,8 @@
 
 namespace qel {
 
-/// Calls @p enter, with whether it has children, for @p top and everything below it, in document order, and @p leave
-/// behind the children of those that have some. Does not recurse. Node is the parser's handle of a node, which is true
+/// Calls @p enter for @p top and everything in it, in document order, with whether it has children; calls @p leave
+/// after the children of those that have some. Does not recurse. Node is the parser's handle of a node, which is true
 /// unless it is null.
 template <class Node, class Enter, class Leave> void WalkXml(Node top, Enter enter, Leave leave) {
     Node node = top;

@@ -88,7 +88,7 @@ private:
 
     void Section(const char* text) {
         if (!m_form.has(text)) return m_output.Put(text, kXmlText);
-        std::string_view left = text;  // the end of a section within one is cut in two
+        std::string_view left = text;  // the end of a section inside a section is split in two
         for (std::size_t at = left.find("]]>"); at != std::string_view::npos; at = left.find("]]>")) {
             Data("<![CDATA[", std::string(left.substr(0, at + 2)).c_str(), "]]>");
             left.remove_prefix(at + 2);

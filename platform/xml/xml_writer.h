@@ -16,13 +16,13 @@ namespace qel {
 struct XmlForm {
     bool namesEncoding;  // the declaration keeps its encoding
 
-    /// Whether the target has all of these characters. A section that it has not is written as text, in which
-    /// references can take their place.
+    /// Whether the target has all of these characters. A section that has others is written as text, where references
+    /// can replace them.
     std::function<bool(std::string_view)> has;
 };
 
-/// The node in UTF-8 with CR LF line ends; of a document all that is in it, a line end behind each part.
-/// @param expected about how many bytes, for speed alone
+/// The node in UTF-8 with CR LF line ends; for a document everything in it, each part followed by a line end.
+/// @param expected about how many bytes, only for speed
 std::string WriteXml(pugi::xml_node node, const XmlForm& form, std::size_t expected = 0);
 std::string WriteXml(pugi::xml_attribute attribute);
 

@@ -1,8 +1,8 @@
-// Carries out the moves and deletions that programs have put off to the next start of the system, for the user who runs
-// it: root's at the start, another's at the start of a session. What an entry cannot do is reported and dropped.
+// Carries out the moves and deletions that programs have delayed to the next start of the system, for the user who runs
+// it: root's at the start, another's at the start of a session. What cannot be done is reported and removed.
 //
 //     qel-restart-operations           carry out what earlier starts have requested
-//     qel-restart-operations --list    show what waits
+//     qel-restart-operations --list    show what is waiting
 //
 // Exit code 0; 1 when the queue cannot be read or written, 2 for wrong arguments.
 #include <cstdio>

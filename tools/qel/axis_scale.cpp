@@ -8,9 +8,9 @@ namespace tool {
 namespace {
 
 constexpr int kMaxSteps = 10, kMaxDecimals = 12;
-constexpr double kLeastRange = 1e-290;  // below, steps cannot be told apart
+constexpr double kLeastRange = 1e-290;  // below, steps cannot be distinguished
 
-// Decimal places that tell @p value from its neighbours a @p step away.
+// Decimal places needed to distinguish @p value from its neighbours at a distance of @p step.
 int DecimalsOf(double value, double step) {
     int decimals = 0;
     for (double unit = 1; decimals < kMaxDecimals; ++decimals, unit *= 10) {
@@ -42,7 +42,7 @@ AxisScale ScaleOver(const std::vector<double>& values) {
     const double least = high / kMaxSteps - low / kMaxSteps;
     const int exponent = static_cast<int>(std::floor(std::log10(least)));
     const double decade =
-        std::pow(10, std::abs(exponent));  // divided by where it is a part, which gives 0.6, not 3 * 0.2
+        std::pow(10, std::abs(exponent));  // divided if it is a fraction, which gives 0.6, not 3 * 0.2
     const auto times = [&](double count) { return exponent < 0 ? count / decade : count * decade; };
     for (const int round : {1, 2, 5, 10, 20}) {
         const double step = times(round);

@@ -14,7 +14,7 @@ struct Options {
     bool force = false, json = false;
 };
 
-// What could be read stands in the output also when the cabinet is damaged behind it.
+// The versions that could be read are also listed if the cabinet is damaged after them.
 Status List(const Options& options) {
     const CString name = Path(options.cabinet);
     Json json{{"guid", nullptr}, {"versions", Json::array()}};
@@ -68,7 +68,7 @@ qel::CabinetVersion Find(qel::CabinetReader& cabinet, const Options& options) {
     throw Failure("has no versions");
 }
 
-// Of a damaged version what is there may be of use, but not in place of another file.
+// The data of a damaged version may still be useful, but must not replace another file.
 Status Extract(const Options& options) {
     RequireNew(options.file, options.force, {options.cabinet});
     const bool isNew = CQFile::IsExist(Path(options.file)) == 0;
@@ -104,7 +104,7 @@ Status Add(const Options& options) {
     if (isNew && cabinet.Create(name) == 0) throw Failure(Shown(options.cabinet) + ": cannot be made");
     if (cabinet.RegistNewVersion(source) == 0) {
         cabinet.Close();
-        if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // empty it is no cabinet
+        if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // an empty file is not a cabinet
         throw Failure(Shown(options.cabinet) + ": takes no new version");
     }
     const DWORD version = cabinet.GetLatestVersion();

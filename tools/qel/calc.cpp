@@ -1,4 +1,4 @@
-// qel calc: checks a formula and computes it over named values.
+// qel calc: checks a formula and computes it with named values.
 #include <charconv>
 #include <cmath>
 
@@ -8,7 +8,7 @@
 namespace tool {
 namespace {
 
-constexpr double kMaxWithPlaces = 1e15;  // a double beyond has no decimal places to round to
+constexpr double kMaxWithPlaces = 1e15;  // above this, a double has no decimal places to round to
 
 struct Options {
     std::string formula, archive;
@@ -17,7 +17,7 @@ struct Options {
     bool onlyCheck = false, json = false;
 };
 
-// Formulas tell names apart without regard to letter case, so a value replaces one of the archive in any spelling.
+// Formulas ignore the case of names, so a value replaces one of the archive in any spelling.
 void Assign(CCalcVariableList& list, const std::string& assignment) {
     const std::size_t equals = assignment.find('=');
     const CString name = ExactText(assignment.substr(0, equals));
@@ -38,7 +38,7 @@ void Assign(CCalcVariableList& list, const std::string& assignment) {
     list.AddVariableData(variable);
 }
 
-// The check answers only yes or no. Each name of the formula alone tells which of them is unknown.
+// The check returns only yes or no. Each name of the formula is checked alone to find the unknown one.
 std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calculator) {
     for (std::size_t at = 0; at < formula.size();) {
         const std::size_t end = std::min(formula.find_first_of("()*+-/=", at), formula.size());

@@ -18,8 +18,7 @@ std::string BytesAt(CFile& file, ULONGLONG offset, UINT count) {
     return bytes;
 }
 
-// A zero, then whole blocks. Documents are loaded as a whole; in files without their suffix none is looked for beyond
-// this size.
+// A zero, then whole blocks. Documents are loaded as a whole; in files without their suffix, only up to this size.
 bool LooksEnciphered(const CFile& file, std::string_view head) {
     constexpr ULONGLONG kLargest = 64 << 20;
     if (head.size() < 2 || head[0] != '\0') return false;
@@ -105,7 +104,7 @@ ContentReport ContentOf(CFile& file, const std::string& kind) {
     throw Failure("of no kind that is known, and not sealed", kUnknown);
 }
 
-// The data of a version are written before its header, in whose place zeros stand until then.
+// The data of a version are written before its header, whose place has zeros until then.
 Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end) {
     constexpr std::string_view kVersionTag = "CVH1", kNoTag("\0\0\0\0", kVersionTag.size());
     const std::string tag = BytesAt(file, end, kVersionTag.size());

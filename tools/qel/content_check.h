@@ -11,16 +11,16 @@ std::string KindOf(CFile& file);
 qel::CabinetReader CabinetOf(const CFile& file);
 
 struct ContentReport {
-    ULONGLONG end = 0;  ///< where the content ends that was understood
+    ULONGLONG end = 0;  ///< the end of the content that was understood
     std::string note;
 };
 
-/// Goes through all of a file of that kind.
-/// @throws Failure, and as library operations do, when it is damaged; Failure kUnknown for data
+/// Goes through the whole content of a file of that kind.
+/// @throws Failure, and like library operations, if it is damaged; Failure kUnknown for data
 ContentReport ContentOf(CFile& file, const std::string& kind);
 
-/// What bytes from @p end on, behind a whole content of that kind, mean: kGood where a registration may have left them
-/// that was cut short, kCut for the begin of another record, else kInconsistent.
+/// The meaning of bytes from @p end on, after a complete content of that kind: kGood if they can be the remains of an
+/// interrupted registration, kCut for the start of another record, else kInconsistent.
 Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end);
 
 }  // namespace tool

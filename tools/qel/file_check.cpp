@@ -14,7 +14,7 @@ void CheckSealed(const CQFile& file, const CCheckDatafile& seal, FileReport& rep
     report.detail += ", sealed as " + Shown(Utf8(seal.GetFilename().View()));
 }
 
-// @return where the content ends; what is wrong with it stands in the report
+// @return the end of the content; findings are in the report
 ULONGLONG CheckContent(CQFile& file, FileReport& report) {
     try {
         const ContentReport content = Guarded([&] { return ContentOf(file, report.kind); });
@@ -27,7 +27,7 @@ ULONGLONG CheckContent(CQFile& file, FileReport& report) {
     }
 }
 
-// What stands behind a content that is whole, without what TraceOfSeal sees.
+// Checks what is after a complete content, except what TraceOfSeal checks.
 void CheckRest(CQFile& file, ULONGLONG end, FileReport& report) {
     report.isSealed = BeginsSeal(file, end);
     report.finding = report.isSealed ? kCut : StatusOfRest(file, report.kind, end);
@@ -35,8 +35,8 @@ void CheckRest(CQFile& file, ULONGLONG end, FileReport& report) {
     report.detail += report.isSealed ? ", and its seal is cut" : ", and " + rest + " behind";
 }
 
-// An intact seal vouches for what it stands behind. What looks like one at the end of a file that is whole without it
-// belongs to the data in it: a cabinet may end with a version that is a sealed file.
+// An intact seal guarantees what is before it. What looks like a seal at the end of a file that is complete without it
+// belongs to the data: a cabinet may end with a version that is a sealed file.
 void Check(CQFile& file, FileReport& report) {
     report.kind = KindOf(file);
     CCheckDatafile seal;

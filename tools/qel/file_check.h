@@ -6,18 +6,18 @@
 
 namespace tool {
 
-/// What was found in a file.
+/// The findings about a file.
 struct FileReport {
-    std::string kind;  ///< see KindOf; empty when it could not be asked
+    std::string kind;  ///< see KindOf; empty if it could not be determined
     bool isSealed = false;
     Status finding = kGood;
     std::string detail;
 };
 
-/// Looks at a file without changing it. Others cannot write to it meanwhile; one that is being written is unreadable.
+/// Checks a file without changing it. Others cannot write to it meanwhile; a file that is being written is unreadable.
 FileReport CheckFile(const std::string& path);
 
-/// For what is to be changed. @throws Failure when it has a seal, intact or not, which would be lost
+/// For files that will be changed. @throws Failure if it has a seal, intact or not, which would be lost
 void RequireUnsealed(const std::string& path);
 
 }  // namespace tool

@@ -8,7 +8,7 @@
 namespace tool {
 namespace {
 
-constexpr int kMaxDotsPerInch = 10'000;  // beyond, a file is wrong
+constexpr int kMaxDotsPerInch = 10'000;  // above this, a file is invalid
 
 struct Options {
     std::vector<std::string> files;
@@ -28,7 +28,7 @@ CQelPrintJobQueueData LoadJob(const std::string& path) {
     return job;
 }
 
-// A job file has the form's code alone. @return hundredths of a millimetre as the page is read; 0 for an unknown form
+// A job file has only the form's code. @return hundredths of a millimetre as the page is read; 0 for an unknown form
 CSize PaperOf(const CQelPrintJobPageStyle& style) {
     if (style.GetPaperForm() < 0 || style.GetPaperForm() >= DMPAPER_USER) return {0, 0};
     DEVMODE mode = {};
@@ -93,7 +93,7 @@ void Render(const Options& options) {
     options.json ? Print(json) : Print(text);
 }
 
-// Commands are in the printer's pixels, so another resolution would give another size.
+// Commands are in the printer's pixels, so another resolution would change the size.
 void PrintJobs(const Options& options) {
     CQelPrintJobDocumentData document = LoadDocument(options);
     CQelPrintJobPageStyle& style = document.GetPageStyle();

@@ -1,4 +1,4 @@
-// qel: calculates, seals, checks, lists, shows and prints what the library's files hold. See qel.1.
+// qel: calculates, seals, checks, lists, shows and prints the contents of the library's files. See qel.1.
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace {
 using tool::Complain;
 using tool::Status;
 
-// Only what is stored, and the names of settings, may be empty.
+// Only stored values, and the names of settings, may be empty.
 void RefuseEmpty(CLI::App& app) {
     constexpr std::string_view kMayBeEmpty[] = {"SECTION", "KEY", "VALUE", "TEXT"};
     const auto check = [](const std::string& text) { return text.empty() ? "may not be empty" : std::string(); };
@@ -23,7 +23,7 @@ void RefuseEmpty(CLI::App& app) {
     for (CLI::App* const command : app.get_subcommands(nullptr)) RefuseEmpty(*command);
 }
 
-// The library takes its default in place of one that it does not know.
+// The library replaces an unknown one by its default.
 void RequireKnownPage(const CLI::Option& option) {
     const char* const page = std::getenv("QELLIB10_CODEPAGE");
     if (option.count() != 0 || page == nullptr || *page == '\0' || page == std::to_string(qel::CodePage())) return;

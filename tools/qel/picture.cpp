@@ -3,7 +3,7 @@
 namespace tool {
 namespace {
 
-// The file of a page.
+// The file name of a page.
 std::string NameOf(const std::string& path, int page, int pages) {
     if (pages == 1) return path;
     const std::size_t suffix = path.rfind('.');

@@ -12,39 +12,39 @@ struct Drawing {
     qel::PageSetup page;
     int pages = 1;
     std::string title;
-    std::vector<std::string> sources;          ///< the files that are drawn, which no picture replaces
+    std::vector<std::string> sources;          ///< the files to draw, which no picture may replace
     std::function<bool(CDC&, int page)> draw;  ///< pages count from 1
 };
 
 enum class PictureKind { kPng, kSvg, kPdf };
 
-/// What a picture's suffix says. @throws CLI::ValidationError for any other
+/// The picture's format, from its suffix. @throws CLI::ValidationError for any other
 PictureKind PictureKindOf(const std::string& path);
 
-/// A size in millimetres such as 210x297, 10 to 10000 each. @return hundredths
+/// A size in millimetres, for example 210x297, 10 to 10000 each. @return hundredths
 /// @throws CLI::ValidationError
 CSize ParseSheet(const std::string& text);
 
-/// Draws the pages as one document. @return false when the surface does not take it
+/// Draws the pages as one document. @return false if the surface does not accept it
 bool DrawDocument(CDC& dc, const Drawing& drawing);
 
 /// The options -o, --resolution and --force of a command that writes pictures.
 struct PictureOptions {
     std::string target;
-    int resolution = 150;  // of a PNG, dots an inch
+    int resolution = 150;  // of a PNG, dots per inch
     bool force = false;
 
     void AddTo(CLI::App& command, const std::string& resolutionMeaning);
 };
 
-/// A file and the pages that it has, from @p page on.
+/// A file and its pages, from @p page on.
 struct Picture {
     std::string file;
     int page = 1, pages = 1;
 };
 
-/// Writes the pages: a PDF has all of them, of PNG and SVG each is a file of its own with its number before the suffix
-/// when there are several.
+/// Writes the pages. A PDF contains all of them; each PNG or SVG page is a file of its own, with its number before the
+/// suffix if there are several.
 std::vector<Picture> WritePictures(const PictureOptions& options, const Drawing& drawing);
 
 }  // namespace tool

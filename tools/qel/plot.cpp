@@ -9,7 +9,7 @@ namespace tool {
 namespace {
 
 constexpr int kLineView = 1, kBarView = 2;               // how a series is drawn
-constexpr int kNowhere = 0, kBelow = 2, kAtTheLeft = 3;  // where an axis has its texts
+constexpr int kNowhere = 0, kBelow = 2, kAtTheLeft = 3;  // where the texts of an axis are
 constexpr int kFixedTexts = 2;                           // instead of values
 constexpr int kFontTenths = 90;
 constexpr double kMillimetresPerInch = 25.4;
@@ -35,7 +35,7 @@ std::string ReadText(const std::string& path) {
     return text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
 }
 
-// None: around the values.
+// Empty: an axis around the values.
 std::optional<AxisScale> ScaleOf(const std::string& range) {
     if (range.empty()) return std::nullopt;
     const auto ends = ParsePair(range, ':');
@@ -84,7 +84,7 @@ Curves ReadCurves(const Options& options) {
     return curves;
 }
 
-// All series have the same axes; the first one has their values, each has its name in its own colour.
+// All series have the same axes; the first one shows their values, each one its name in its own colour.
 CQelGraph GraphOf(const Curves& curves, const Options& options) {
     CQelGraph graph;
     const int dots = options.picture.resolution;

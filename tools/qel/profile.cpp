@@ -21,7 +21,7 @@ void RequireFitForIni(const std::string& text, const char* unfit) {
         throw CLI::ValidationError("\"" + text + "\" does not fit into an INI file");
 }
 
-// Blanks around names do not count there. The library writes an entry without a name, which only few programs read.
+// There, blanks around names are ignored. The library writes an entry without a name, which only few programs read.
 void RequireFitForIni(const Options& options) {
     constexpr const char* kBlanks = " \t\n\v\f\r\x1A";
     const std::size_t keyAt = options.key.find_first_not_of(kBlanks);

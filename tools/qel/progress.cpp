@@ -16,7 +16,7 @@ Progress::~Progress() {
     if (m_isTerminal) std::fputs("\r\x1B[K", stderr);
 }
 
-// A line that does not fit would be continued on the next one, where the next bar begins.
+// A line that does not fit would continue on the next one, where the next bar starts.
 void Progress::Show(std::size_t done) const {
     constexpr std::size_t kWidest = 40, kBrackets = 3;
     winsize terminal = {};

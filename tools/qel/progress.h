@@ -4,7 +4,7 @@
 
 namespace tool {
 
-/// A bar on the standard error output, if that is a terminal, which goes at the end of the scope.
+/// A bar on the standard error output, if that is a terminal; it is removed at the end of the scope.
 class Progress {
 public:
     explicit Progress(std::size_t all);

@@ -1,4 +1,4 @@
-// qel seal: seals data files, and sealed ones again.
+// qel seal: seals data files, also sealed ones again.
 #include <algorithm>
 
 #include "file_check.h"
@@ -12,7 +12,7 @@ struct Options {
     bool isNew = false, json = false;
 };
 
-// A copy that knows the file's identity, and closes it.
+// A copy with the file's identity; the file is closed.
 CCheckDatafile ReadSeal(const std::string& path) {
     return OnFile(path, [&] {
         CQFile file;
@@ -42,7 +42,7 @@ CCheckDatafile Seal(const std::string& path, const Options& options) {
     return seal;
 }
 
-// Goes on after a file that cannot be sealed.
+// Continues after a file that cannot be sealed.
 Status SealAll(const Options& options) {
     Json json = Json::array();
     Status status = kGood;

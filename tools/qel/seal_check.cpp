@@ -8,7 +8,7 @@ namespace tool {
 namespace {
 
 // A trailer is info length (4), name and zero, version (4), GUID (16), CRC (4), sum (4), trailer length (4). The info
-// length counts from behind itself to the CRC, the trailer length 8 bytes further.
+// length counts from its own end to the CRC, the trailer length is 8 bytes more.
 constexpr std::size_t kLength = 4, kAfterNameSize = 20, kCheckBlock = 12, kLongestName = 259;
 constexpr std::size_t kTail = 4096;
 
@@ -41,7 +41,7 @@ std::string BeginFor(std::string_view ownName) {
     return begin.append(ownName) += '\0';
 }
 
-// The begin of a trailer for the file's own name, which something was cut off or appended to.
+// The start of a trailer for the file's own name, which was cut or to which something was appended.
 Status Remains(std::string_view tail, std::string_view ownName) {
     const std::size_t infoLength = ownName.size() + 1 + kAfterNameSize;
     const std::size_t at = tail.rfind(BeginFor(ownName));
@@ -67,7 +67,7 @@ bool BeginsSeal(CQFile& file, ULONGLONG end) {
     return count <= tail.size() && BeginFor(ownName.View()).starts_with(tail.substr(tail.size() - count));
 }
 
-// Delegates, so that the copy goes also when it cannot be written.
+// Delegates, so that the copy is removed even if it cannot be written.
 Unsealed::Unsealed(const std::string& path, CFile::OpenFlags share) : Unsealed() {
     Open(m_file, path, CFile::modeRead | share);
     m_name = m_file.GetFilePath();

@@ -4,16 +4,16 @@
 
 namespace tool {
 
-/// What the last kilobytes of a file show of a seal that does not hold: kGood nothing, kChanged a whole trailer, kCut
-/// the begin of one.
-/// @param anyName a trailer for another name counts too; else it may belong to data within the file
+/// What the last kilobytes of a file show of an invalid seal: kGood nothing, kChanged a complete trailer, kCut the
+/// start of one.
+/// @param anyName a trailer for another name also counts; otherwise it may belong to data within the file
 Status TraceOfSeal(CQFile& file, bool anyName);
 
-/// Whether the bytes from @p end on are the begin of a seal under the file's name, too short for TraceOfSeal.
+/// Whether the bytes from @p end on are the start of a seal under the file's name, too short for TraceOfSeal.
 bool BeginsSeal(CQFile& file, ULONGLONG end);
 
-/// A file to be loaded by its name, without its seal: where it has an intact one a copy of what stands before it, for
-/// as long as this lives, else the file itself.
+/// A file to be loaded by its name, without its seal: if its seal is intact, a copy of the data before it, as long as
+/// this object lives, otherwise the file itself.
 class Unsealed {
 public:
     /// @param share what others may do meanwhile. @throws CFileException

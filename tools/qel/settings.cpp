@@ -43,7 +43,7 @@ Setting SettingOf(const qel::RegistryValue& value) {
     return TextSetting(HexDigits(data));
 }
 
-// Names that a list of the profile functions holds, a zero behind each.
+// The names in a list returned by the profile functions, each followed by a zero.
 std::vector<std::string> Names(const char* section, const CString& file) {
     std::vector<std::string> names;
     const std::string list = qel::ReadProfileString(section, nullptr, "", kLongestList, file);
@@ -51,7 +51,7 @@ std::vector<std::string> Names(const char* section, const CString& file) {
     return names;
 }
 
-// A missing value gives whatever default is asked for, so with two of them both.
+// A missing value returns whatever default was passed, so with two different defaults it returns both.
 std::optional<Setting> ReadIniSetting(const CString& file, const CString& section, const CString& key) {
     const auto read = [&](const char* missing) {
         return qel::ReadProfileString(section, key, missing, kLongestText, file);
@@ -73,7 +73,7 @@ std::vector<Section> ReadIniSections(const CString& file) {
     return sections;
 }
 
-// What cannot be read would look like a file without settings.
+// Otherwise an unreadable file would look like one without settings.
 void RequireReadable(const Place& place) {
     constexpr ULONGLONG kLargest = 32 << 20;
     OnFile(place.given, [&] {

@@ -14,7 +14,8 @@ CString Text(const std::string& utf8) { return CString(std::string_view(qel::Fro
 
 std::string Utf8(std::string_view text) { return qel::ToUtf8(text); }
 
-// A letter without its accent, or a question mark, is another text; the page's own forms of dashes and tildes are not.
+// A letter without its accent, or a question mark, is a different text; the page's own forms of dashes and tildes are
+// not.
 CString ExactText(const std::string& utf8) {
     const auto asciiIn = [](const std::string& text) {
         return std::ranges::count_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });

@@ -12,22 +12,22 @@
 
 #include <qellib10/qellib10.h>
 
-// What the subcommands share. The command line and what the program writes are UTF-8, texts in the library's files are
-// in its code page.
+// What the subcommands share. The command line and the program's output are UTF-8, texts in the library's files are in
+// its code page.
 namespace tool {
 
-/// Exit statuses. Of several findings the one that is listed last counts.
+/// Exit statuses. Of several findings the one listed last is used.
 enum Status : int {
     kGood = 0,
     kFailed = 1,        // the system or the library refused
     kUsage = 2,         // wrong arguments
-    kUnknown = 3,       // a file of no kind that is known
-    kRenamed = 4,       // a sealed file under another name than its own
+    kUnknown = 3,       // a file of an unknown kind
+    kRenamed = 4,       // a sealed file under a name other than its own
     kUnreadable = 5,    // a file that cannot be read
     kChanged = 6,       // data that do not match their checksums
     kCut = 7,           // a file that ends before its content does
     kInconsistent = 8,  // counts, places or texts in it that contradict each other
-    kMalformed = 9,     // XML that is not well-formed, or refers to something outside of it
+    kMalformed = 9,     // XML that is not well-formed, or refers to something outside it
     kBadHeader = 10,    // a cabinet whose versions cannot be found
 };
 
@@ -43,27 +43,28 @@ private:
 
 using Json = nlohmann::ordered_json;
 
-/// Text in the code page, and back. What the page lacks becomes something like it, or `?`.
+/// Text in the code page, and back. Characters missing in the page become something similar, or `?`.
 CString Text(const std::string& utf8);
 std::string Utf8(std::string_view text);
-/// Text of the command line that is stored or looked up. @throws CLI::ValidationError for what the code page lacks
+/// Text of the command line that is stored or looked up. @throws CLI::ValidationError for characters missing in the
+/// code page
 CString ExactText(const std::string& utf8);
 
 /// A decimal number that is all of @p text, with a point and finite; nothing else.
 std::optional<double> ParseNumber(std::string_view text);
-/// Two such numbers with @p between once between them.
+/// Two such numbers, separated by @p between, which occurs once.
 std::optional<std::pair<double, double>> ParsePair(std::string_view text, char between);
 
-/// Text for a terminal: control characters, which might move its cursor, as `?`.
+/// Text for a terminal: control characters, which could move its cursor, become `?`.
 std::string Shown(std::string text);
 
-/// Such as "1 page", "2 pages".
+/// For example "1 page", "2 pages".
 std::string Count(std::size_t number, const char* one, const char* more);
 
 Status StatusOf(const CFileException& error) noexcept;
 Status StatusOf(const CArchiveException& error) noexcept;
 
-/// Runs @p step; what goes wrong with a file becomes a failure that says so.
+/// Runs @p step; an error with a file becomes a failure that describes it.
 template <class Step> auto Guarded(Step&& step) {
     try {
         return step();
@@ -88,7 +89,7 @@ template <class Step> auto OnFile(const std::string& file, Step&& step) {
     }
 }
 
-/// A path of the command line as the library takes it. @throws CFileException above the library's 259 bytes
+/// A path of the command line in the library's form. @throws CFileException above the library's 259 bytes
 CString LibraryPath(const std::string& posixPath);
 /// The same. @throws Failure
 CString Path(const std::string& posixPath);
@@ -96,17 +97,17 @@ CString Path(const std::string& posixPath);
 /// Opens a file of the command line. @throws CFileException
 void Open(CQFile& file, const std::string& path, UINT flags);
 
-/// @throws CLI::ValidationError when both are the same file
+/// @throws CLI::ValidationError if both are the same file
 void RequireOther(const std::string& target, const std::string& source);
 
-/// @throws Failure when the folder of @p target is missing
+/// @throws Failure if the folder of @p target is missing
 void RequireFolderOf(const std::string& target);
 
-/// @throws CLI::ValidationError when @p target is one of the @p sources; Failure when its folder is missing, and when
-/// it exists, unless it may be replaced
+/// @throws CLI::ValidationError if @p target is one of the @p sources; Failure if its folder is missing, and if it
+/// exists, unless it may be replaced
 void RequireNew(const std::string& target, bool mayReplace, const std::vector<std::string>& sources);
 
-/// Writes @p target as a whole: beside it and then renamed, so what is there stays when that fails.
+/// Writes @p target as a whole: to a file next to it, which is then renamed, so an existing file stays if that fails.
 /// @param mayReplace false: it must not exist. @throws Failure kFailed
 void WriteAsAWhole(const std::string& target, bool mayReplace,
                    const std::function<void(const qel::Descriptor& file)>& write);
@@ -118,10 +119,10 @@ Status Complain(const std::string& line, Status status);
 void Print(const std::string& text);
 void Print(const Json& value);
 
-/// A path of the command line that has to be given.
+/// A required path of the command line.
 CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& path, const std::string& meaning);
 
-// One a file. Each adds its subcommand, which sets @p status when it was called.
+// One file each. Each adds its subcommand, which sets @p status when it is called.
 void AddCalc(CLI::App& app, Status& status);
 void AddSeal(CLI::App& app, Status& status);
 void AddVerify(CLI::App& app, Status& status);

@@ -10,7 +10,7 @@ struct Tree {
     std::vector<std::string> unreadableFolders;
 };
 
-/// All regular files in a folder and below it, by name; links are not followed.
+/// All regular files in a folder and its subfolders, by name; links are not followed.
 Tree FilesBelow(const std::string& folder);
 
 }  // namespace tool

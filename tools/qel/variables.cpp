@@ -26,7 +26,7 @@ Head LoadHead(CFile& file) {
 }
 
 ULONGLONG StoredSize(CCalcVariableList& list, const Head& head) {
-    constexpr ULONGLONG kRounding = 5;  // flag and digit, which a head of 1.00 does not have
+    constexpr ULONGLONG kRounding = 5;  // flag and digit, which are missing in a head of version 1.00
     CMemFile file;
     CArchive archive(&file, CArchive::store);
     list.Serialize(archive);
@@ -55,7 +55,7 @@ Failure Incomplete(const CCalcVariableList& list, int count, Status finding) {
         finding);
 }
 
-// The oldest layout begins with the count.
+// The oldest layout starts with the count.
 CCalcVariableList LoadOldest(CFile& file) {
     int count = 0;
     CArchive(&file, CArchive::load) >> count;
@@ -67,7 +67,8 @@ CCalcVariableList LoadOldest(CFile& file) {
     return list;
 }
 
-// Serialize ends silently at what it does not know, so what it has read is held against the count in the head.
+// Serialize ends without an error at unknown data, so the number of variables read is compared with the count in the
+// head.
 CCalcVariableList LoadVariables(CFile& file) {
     const ULONGLONG begin = file.GetPosition();
     const Head head = LoadHead(file);
@@ -81,7 +82,7 @@ CCalcVariableList LoadVariables(CFile& file) {
         archive.Close();
         if (list.GetVariableCount() == count) return list;
     } catch (const CArchiveException& error) {
-        // Between two variables rather the count is wrong.
+        // At the border between two variables the count is more likely wrong.
         if (begin + StoredSize(list, head) != file.GetLength()) finding = StatusOf(error);
     }
     throw Incomplete(list, count, finding);

@@ -5,17 +5,18 @@
 namespace tool {
 
 /// The variables of an archived list, which may be sealed. @param oldest the list has no head
-/// @throws Failure when the file is no such list, or a part of it is missing
+/// @throws Failure if the file is not such a list, or a part of it is missing
 CCalcVariableList ReadVariables(const std::string& path, bool oldest);
 
 std::string VariablesText(const CCalcVariableList& list);
 Json VariablesJson(const CCalcVariableList& list);
 
-/// Reads a list from where @p file stands and leaves it behind the list.
-/// @throws CArchiveException, DataError for what is no list, Failure when it lacks variables that its head counts
+/// Reads a list from the current position of @p file, which is then after the list.
+/// @throws CArchiveException, DataError for data that are not a list, Failure if variables counted in its head are
+/// missing
 CCalcVariableList LoadVariables(CFile& file);
 
-/// Whether bytes at the begin of a file are the tag of a list.
+/// Whether bytes at the start of a file are the tag of a list.
 bool IsVariablesTag(std::string_view bytes);
 
 }  // namespace tool

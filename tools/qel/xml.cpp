@@ -12,7 +12,7 @@ struct Options {
     bool asXml = false, count = false, force = false, json = false;
 };
 
-// What a file of it holds.
+// A file's content.
 class Document : public CCryptXMLDocument {
 public:
     std::optional<std::vector<BYTE>> Bytes(bool enciphered) {
@@ -36,7 +36,7 @@ void Load(CCryptXMLDocument& document, const std::string& path) {
         const Unsealed file(path, CFile::shareDenyNone);
         return document.LoadXMLFile(file.Name(), 1) != 0;
     });
-    if (!isLoaded || document.GetTagCount(".") < 0)  // an empty file is loaded, too
+    if (!isLoaded || document.GetTagCount(".") < 0)  // an empty file is loaded too
         throw Failure(Shown(path) + ": no well-formed document", kMalformed);
 }
 
@@ -71,7 +71,7 @@ void Get(const Options& options) {
     options.json ? Print(json) : Print(text + '\n');
 }
 
-// Under the document's lock, in the form in which the file is.
+// Under the document's lock, in the file's own form.
 void Set(const Options& options) {
     const CString text = ExactText(options.text);
     RequireUnsealed(options.file);
