@@ -36,12 +36,12 @@ class CheckSums;
 /// again without a trailer and sealed (isNew) by an object that has read the old seal: identity and version go on.
 ///
 /// Operations work on an open file of the caller and return 1, or 0 when the check fails, the system refuses or memory
-/// runs out; nothing is thrown. A file that could not be sealed is as it was. Nothing is flushed: after a power cut a
-/// file that was just sealed may have its former seal or none, but a seal that passes is after the data that it was
-/// made for. The trailer is written by one call, once its checksums are known. A process that is killed while it seals
-/// again leaves the former seal or the next one. If the trailer crosses a border of pages and the process is killed
-/// there, it leaves one that does not pass; the file's own data are whole then, too. Unless stated, operations leave
-/// the file's position anywhere.
+/// runs out; qel::LastFailure says which. Nothing is thrown. A file that could not be sealed is as it was. Nothing is
+/// flushed: after a power cut a file that was just sealed may have its former seal or none, but a seal that passes is
+/// after the data that it was made for. The trailer is written by one call, once its checksums are known. A process
+/// that is killed while it seals again leaves the former seal or the next one. If the trailer crosses a border of pages
+/// and the process is killed there, it leaves one that does not pass; the file's own data are whole then, too. Unless
+/// stated, operations leave the file's position anywhere.
 class QELLIB10_API CCheckDatafile {
 public:
     CCheckDatafile();

@@ -26,9 +26,9 @@
 /// A null @p key is the section's default value there. In an INI file it means the whole section: setting deletes it,
 /// reading gives its first name.
 ///
-/// Operations return 1, or 0 when they failed; reading returns the default then. Nothing is thrown but std::bad_alloc,
-/// by Get of a text alone. What the storage does with names, texts and concurrent use: qel::ReadProfileString, and
-/// registry.h.
+/// Operations return 1, or 0 when they failed; reading returns the default then. qel::LastFailure says why. Nothing is
+/// thrown but std::bad_alloc, by Get of a text alone. What the storage does with names, texts and concurrent use:
+/// qel::ReadProfileString, and registry.h.
 class QELLIB10_API CPrivateProfile {
 public:
     enum Mode : int { iniMode = 0, registryMode = 1 };

@@ -41,7 +41,7 @@ struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
 /// CHistoryCabinetFile cabinet;
 /// const bool isThere = CQFile::IsExist("method.hcf") != 0;  // Create would replace it
 /// if (!(isThere ? cabinet.Open("method.hcf", 0) : cabinet.Create("method.hcf"))) return;
-/// if (!cabinet.RegistNewVersion("method.xml")) return;  // after 1 the version is on the disk
+/// if (!cabinet.RegistNewVersion("method.xml")) return;  // qel::LastFailure() says why
 /// if (!cabinet.GetVersionFile(1, "first.xml")) return;  // also 0 when its data do not match their checksums
 /// @endcode
 ///
@@ -54,9 +54,10 @@ struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
 /// otherwise is cut off by the next registration.
 ///
 /// While a cabinet is open others may read its file but not write to it, so no other object has it open for writing.
-/// Operations return 1, or 0 when a file is missing, damaged or refused by the system, or memory runs out; nothing is
-/// thrown but std::bad_alloc by construction. Copies share the open file and its position; each has its own copy of the
-/// header, which Open, Create and RegistNewVersion read. One thread at a time.
+/// Operations return 1, or 0 when a file is missing, damaged or refused by the system, or memory runs out
+/// (qel::LastFailure says which); nothing is thrown but std::bad_alloc by construction. Copies share the open file and
+/// its position; each has its own copy of the header, which Open, Create and RegistNewVersion read. One thread at a
+/// time.
 class QELLIB10_API CHistoryCabinetFile {
 public:
     CHistoryCabinetFile();
