@@ -1,6 +1,10 @@
 #include "qellib10/file/check_datafile.h"
 
+#include <atomic>
+#include <random>
+
 #include "../support/full_disk.h"
+#include "../support/shared_state.h"
 #include "../support/test.h"
 #include "qellib10/file/check_sums.h"
 #include "qellib10/platform/endian.h"
@@ -110,4 +114,25 @@ TEST_F(Sealed, AFileThatCannotBeSealedStaysAsItWas) {
     };
     EXPECT_EQ(OnFullDisk(135, sealOnFullDisk), 0);  // the record fits, the check block does not
     EXPECT_EQ(folder.Read("a.dat"), std::string(100, 'x'));
+}
+
+TEST_F(Sealed, AKillWhileItIsSealedAgainCostsNoSeal) {
+    folder.Write("a.dat", std::string(1 << 20, 'x'));
+    ASSERT_EQ(Update(1), 1);
+    const CGuid guid = seal.GetGUID();
+    auto& sealed = SharedWithChildren<std::atomic<int>>();
+    sealed = 1;
+    std::minstd_rand random(SoakSeed());
+    for (int kills = SoakCount(40); kills > 0; --kills) {
+        ChildProcess child([&] {
+            while (Update(0) != 0) sealed = seal.GetVersion();
+            return 0;
+        });
+        ::usleep(static_cast<useconds_t>(random() % 8000));
+        child.Kill();
+        ASSERT_EQ(Read(seal), 1);
+        EXPECT_EQ(seal.GetGUID(), guid);
+        EXPECT_GE(seal.GetVersion(), sealed);
+    }
+    EXPECT_GT(seal.GetVersion(), 1) << "they were killed at work";
 }
