@@ -5,6 +5,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kLongestUsefulInput = 16 * 1024;
-    if (size <= kLongestUsefulInput) Require(SaysTheSameWithMoreBehind(Text(data, size)));
+    if (size <= kLongestUsefulInput) Require(SaysTheSameWithMoreAfter(Text(data, size)));
     return 0;
 }

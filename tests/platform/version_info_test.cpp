@@ -4,7 +4,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "../support/version_law.h"
 
@@ -28,14 +27,14 @@ void Damage(const std::string& whole) {
         for (const char byte : {'\0', '\xFF', '\x80', static_cast<char>(whole[at] ^ 1)}) {
             std::string damaged = whole;
             damaged[at] = byte;
-            EXPECT_TRUE(SaysTheSameWithMoreBehind(damaged)) << at;
+            EXPECT_TRUE(SaysTheSameWithMoreAfter(damaged)) << at;
         }
     }
 }
 
 }  // namespace
 
-TEST(VersionText, OfWindowsFiles) {
+TEST(VersionText, OfWindowsFilesIsFoundInAnyLanguage) {
     // clang-format off
     const Cases<const char*, std::optional<CString>> texts = {
         {"FILEVersion", "1.2.3.4"},
@@ -59,7 +58,7 @@ TEST(VersionText, OfWindowsFiles) {
 }
 
 // A header, a segment of notes, in it one of the linker's and ours: no text for Odd, 7 for FileVersion.
-TEST(VersionText, OfNotes) {
+TEST(VersionText, OfNotesIsThatOfOurNote) {
     std::ifstream file(QELLIB10_TEST_DATA "/../../fuzz/seeds/version/program", std::ios::binary);
     const std::string program(std::istreambuf_iterator<char>(file), {});
     const Cases<const char*, std::optional<CString>> texts = {

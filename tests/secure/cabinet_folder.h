@@ -3,8 +3,6 @@
 #include <array>
 #include <random>
 
-#include "../support/environment_scope.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/secure/history_cabinet_file.h"
 
@@ -17,7 +15,23 @@ inline std::string Data(DWORD version) {
     return data;
 }
 
-/// A folder with a cabinet "c", in memory so that flushing takes no time; "tmp" takes the backups.
+/// How many versions a cabinet of a folder has. All are whole, registering goes on, and nothing is left after them.
+inline std::string VersionsIn(const TempFolder& folder, const std::string& name) {
+    CHistoryCabinetFile cabinet;
+    if (!cabinet.Open(folder.Path(name), 0)) cabinet.Create(folder.Path(name));
+    const DWORD next = cabinet.GetLatestVersion() + 1;
+    folder.Write("a", Data(next));
+    std::string found = std::to_string(next - 1) + (cabinet.RegistNewVersion(folder.Path("a")) ? "" : ", no next one");
+    std::size_t size = 36;
+    for (DWORD version = 1; version <= next; ++version) {
+        if (!cabinet.GetVersionFile(version, folder.Path("c")) || folder.Read("c") != Data(version))
+            found += ", one is lost";
+        size += 20 + Data(version).size();
+    }
+    return found + (std::filesystem::file_size(folder.Posix(name)) == size ? "" : ", something after them");
+}
+
+/// A folder with a cabinet "cabinet", in memory so that flushing takes no time; "tmp" takes the backups.
 class CabinetFolder : public testing::Test {
 public:
     CabinetFolder() { std::filesystem::create_directory(folder.Posix("tmp")); }
@@ -26,7 +40,7 @@ public:
         folder.Write("source", data);
         return cabinet.RegistNewVersion(folder.Path("source"));
     }
-    /// The version's data, 0: the latest one's; "none" when the answer is 0.
+    /// The version's data, 0: the latest one's; "none" when the operation returned 0.
     std::string Version(CHistoryCabinetFile& cabinet, DWORD version = 0) const {
         const CString target = folder.Path("target");
         const int result =
@@ -39,5 +53,5 @@ public:
 
     const TempFolder folder{"/dev/shm"};
     const EnvironmentScope place{"TMPDIR", folder.Posix("tmp").c_str()};
-    const CString path = folder.Path("c");
+    const CString path = folder.Path("cabinet");
 };

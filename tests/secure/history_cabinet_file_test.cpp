@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 
 #include "../support/child_process.h"
-#include "../support/line.h"
-#include "../support/soak.h"
+#include "../support/test.h"
 #include "cabinet_folder.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/secure/history_cabinet_format.h"
@@ -76,9 +74,9 @@ TEST_F(History, KeepsEveryVersion) {
 // Three versions, written once and read by every later release: "first", nothing, and 300 bytes. A cut registration
 // left something behind them.
 TEST_F(History, KeptCabinetIsReadAndItsTailCut) {
-    fs::copy_file(QELLIB10_TEST_DATA "/history.hcf", folder.Posix("c"));
-    const auto size = fs::file_size(folder.Posix("c"));
-    fs::resize_file(folder.Posix("c"), size + 1000);
+    fs::copy_file(QELLIB10_TEST_DATA "/history.hcf", folder.Posix("cabinet"));
+    const auto size = fs::file_size(folder.Posix("cabinet"));
+    fs::resize_file(folder.Posix("cabinet"), size + 1000);
     CHistoryCabinetFile cabinet;
     ASSERT_EQ(Line({cabinet.Create(folder.Path("other")), Register(cabinet, "a"), Register(cabinet, "b")}), "1 1 1");
     EXPECT_EQ(Version(cabinet, 2), "b");
@@ -90,8 +88,8 @@ TEST_F(History, KeptCabinetIsReadAndItsTailCut) {
     EXPECT_EQ(Version(cabinet), std::string(300, '\xFF'));
     EXPECT_EQ(Register(cabinet, "next"), 1);
     EXPECT_EQ(Version(cabinet, 4), "next");
-    EXPECT_EQ(fs::file_size(folder.Posix("c")), size + 20 + 4);
-    fs::resize_file(folder.Posix("c"), size + 20 + 2);
+    EXPECT_EQ(fs::file_size(folder.Posix("cabinet")), size + 20 + 4);
+    fs::resize_file(folder.Posix("cabinet"), size + 20 + 2);
     EXPECT_EQ(Version(cabinet), "none");
     EXPECT_EQ(folder.Read("target"), "ne") << "what is left of it";
 }
@@ -102,7 +100,7 @@ TEST_F(History, DamageIsFound) {
         std::string damaged = whole;
         damaged[i] = static_cast<char>(damaged[i] ^ (1 << (i % 8)));
         for (const std::string& bytes : {damaged, whole.substr(0, i)}) {
-            folder.Write("c", bytes);
+            folder.Write("cabinet", bytes);
             CHistoryCabinetFile cabinet;
             EXPECT_EQ(cabinet.Open(path, 0), i >= 36) << i;
             EXPECT_TRUE(Version(cabinet, 1) == "none" || Version(cabinet, 2) == "none") << i;
@@ -137,26 +135,26 @@ TEST_F(History, ForgedHeadersEndIn0) {
              Case{"a size that wraps", Header(57, 2) + Versioned(1, k4GiB - 56) + Versioned(2, 1), 2, "x", 1},
          }) {
         SCOPED_TRACE(c.name);
-        folder.Write("c", c.bytes);
+        folder.Write("cabinet", c.bytes);
         CHistoryCabinetFile cabinet;
         ASSERT_EQ(cabinet.Open(path, 0), 1);
         EXPECT_EQ(Version(cabinet, c.version), "none");
         EXPECT_EQ(Version(cabinet), c.latest);
         EXPECT_LE(folder.Read("target").size(), 1u);
         EXPECT_EQ(Register(cabinet, "y"), c.registered);
-        EXPECT_TRUE(c.registered != 0 || folder.Read("c") == c.bytes);
+        EXPECT_TRUE(c.registered != 0 || folder.Read("cabinet") == c.bytes);
     }
 }
 
 TEST_F(History, EndsBelow4GiB) {
     constexpr DWORD kRoomFor2Bytes = 0xFFFFFFFF - 36 - 20 - 20 - 2;
-    folder.Write("c", Header(36, 1) + Versioned(1, kRoomFor2Bytes, ""));
-    fs::resize_file(folder.Posix("c"), 36 + 20 + std::uint64_t{kRoomFor2Bytes});  // a hole
+    folder.Write("cabinet", Header(36, 1) + Versioned(1, kRoomFor2Bytes, ""));
+    fs::resize_file(folder.Posix("cabinet"), 36 + 20 + std::uint64_t{kRoomFor2Bytes});  // a hole
     CHistoryCabinetFile full, empty;
     EXPECT_EQ(Line({full.Open(path, 0), Register(full, "abc")}), "1 0");
     fs::resize_file(folder.Posix("source"), std::uint64_t{1} << 32);
     EXPECT_EQ(Line({empty.Create(folder.Path("e")), empty.RegistNewVersion(folder.Path("source"))}), "1 0");
-    EXPECT_EQ(fs::file_size(folder.Posix("c")) + fs::file_size(folder.Posix("e")) + 22, 0xFFFFFFFF);
+    EXPECT_EQ(fs::file_size(folder.Posix("cabinet")) + fs::file_size(folder.Posix("e")) + 22, 0xFFFFFFFF);
 }
 
 // A cabinet that is listed from the first version to the last, as programs do that show a history.
@@ -164,7 +162,7 @@ TEST_F(History, EveryVersionOfVeryManyIsNear) {
     constexpr DWORD kCount = 300'000, kSome = 200;
     std::string bytes = Header(36 + (kCount - 1) * 21, kCount);
     for (DWORD version = 1; version <= kCount; ++version) bytes += Versioned(version, 1);
-    folder.Write("c", bytes);
+    folder.Write("cabinet", bytes);
     CHistoryCabinetFile cabinet;
     ASSERT_EQ(cabinet.Open(path, 1), 1);
     const auto take = [&](DWORD first, DWORD step) {
@@ -177,7 +175,7 @@ TEST_F(History, EveryVersionOfVeryManyIsNear) {
     EXPECT_LT(take(kCount - kSome, 1), 20 * near);
     EXPECT_LT(take(7, 1499), 20 * near);
     EXPECT_LT(take(kCount, static_cast<DWORD>(-1499)), 20 * near);
-    folder.Write("c", bytes.substr(0, 36) + Versioned(2, 1) + bytes.substr(57));
+    folder.Write("cabinet", bytes.substr(0, 36) + Versioned(2, 1) + bytes.substr(57));
     ASSERT_EQ(cabinet.Open(path, 1), 1);
     EXPECT_EQ(Line({Version(cabinet, 1), Version(cabinet, kCount)}), "none x");
 }

@@ -79,20 +79,7 @@ int TakeOut(At at) {
 }
 std::string TakenOut(At at) { return at.Read("c"); }
 
-// How many versions there are. All are whole, registering goes on, and nothing is left behind them.
-std::string WholeVersions(At at) {
-    CHistoryCabinetFile cabinet;
-    if (!cabinet.Open(Cabinet(at), 0)) cabinet.Create(Cabinet(at));
-    const DWORD next = cabinet.GetLatestVersion() + 1;
-    at.Write("a", Data(next));
-    std::string found = std::to_string(next - 1) + (cabinet.RegistNewVersion(at.a) ? "" : ", no next one");
-    std::size_t size = 36;
-    for (DWORD version = 1; version <= next; ++version) {
-        if (!cabinet.GetVersionFile(version, at.c) || at.Read("c") != Data(version)) found += ", one is lost";
-        size += 20 + Data(version).size();
-    }
-    return found + (std::filesystem::file_size(at.Posix("cabinet")) == size ? "" : ", something behind");
-}
+std::string WholeVersions(At at) { return VersionsIn(at, "cabinet"); }
 
 const Operation kOperations[] = {
     {"XmlSave", Save<1>, TextAndNames, Old<1>, false, Cut::kOnlyOnceDone},
@@ -182,7 +169,7 @@ TEST_P(FailedRegistrations, AreUndoneAtEveryPowerCut) {
         for (std::size_t calls = 1; calls <= disk.Calls(); ++calls) {
             Tried("power cuts", tries);
             for (int i = 0; i < tries; ++i) {
-                disk.CutBehind(calls, random);
+                disk.CutAfter(calls, random);
                 const std::string now = WholeVersions(place);
                 const bool isOver = calls == disk.Calls();
                 ASSERT_TRUE(now == (done ? after : before) || (!isOver && (now == before || now == after)))

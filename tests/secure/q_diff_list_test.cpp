@@ -1,6 +1,5 @@
 #include "qellib10/secure/q_diff_list.h"
 
-#include "../support/line.h"
 #include "../support/test.h"
 
 TEST(DiffList, KeepsCopiesInTheOrderOfAdding) {

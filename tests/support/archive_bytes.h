@@ -15,8 +15,8 @@ template <class T> std::string Stored(T& object) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// Reads an object from bytes that stand in a file of that kind.
-/// @return the number of bytes behind it; below 0 the cause that the archive gave instead, negated
+/// Reads an object from bytes in a file of that kind.
+/// @return the number of bytes after it; below 0 the cause that the archive gave instead, negated
 template <class File = CMemFile, class T> int Load(T& object, const std::string& bytes) {
     File file;
     file.Attach(reinterpret_cast<const BYTE*>(bytes.data()), static_cast<UINT>(bytes.size()));

@@ -20,19 +20,22 @@ struct Canvas {
         dc.FillSolidRect(&all, kWhite);
     }
 
-    /// The box of all pixels that are not white; empty without one.
-    CRect Ink() {
+    /// The box of all pixels for whose color @p wanted holds; empty without one.
+    template <class Wanted> CRect Box(Wanted wanted) {
         BITMAP size;
         bitmap.GetBitmap(&size);
         CRect box(size.bmWidth, size.bmHeight, 0, 0);
         for (int y = 0; y < size.bmHeight; ++y) {
             for (int x = 0; x < size.bmWidth; ++x) {
-                if (At(x, y) == kWhite) continue;
+                if (!wanted(At(x, y))) continue;
                 box = CRect(std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1),
                             std::max(box.bottom, y + 1));
             }
         }
         return box.IsRectEmpty() ? CRect() : box;
+    }
+    CRect Ink() {
+        return Box([](COLORREF color) { return color != kWhite; });
     }
     COLORREF At(int x, int y) {
         const CPoint origin = dc.GetViewportOrg();

@@ -28,13 +28,13 @@ public:
 
     pid_t Id() const { return m_id; }
 
-    /// Whether it has ended by itself; Wait tells how.
+    /// Whether it has ended by itself; Wait reports how.
     bool HasEnded() const {
         siginfo_t info = {};
         return ::waitid(P_PID, static_cast<id_t>(m_id), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid != 0;
     }
 
-    /// Waits for its end. @return what it answered; 99 when it threw, -1 when it was killed
+    /// Waits for its end. @return its result; 99 when it threw, -1 when it was killed
     int Wait() {
         int status = 0;
         if (::waitpid(std::exchange(m_id, 0), &status, 0) < 0) return -1;
@@ -51,5 +51,5 @@ private:
     pid_t m_id;
 };
 
-/// What @p body answers in a process of its own.
+/// The result of @p body in a process of its own.
 inline int InChild(const std::function<int()>& body) { return ChildProcess(body).Wait(); }

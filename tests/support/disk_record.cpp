@@ -52,7 +52,7 @@ std::string DiskRecord::BytesOf(ino_t file, std::size_t calls, std::minstd_rand&
     return bytes;
 }
 
-void DiskRecord::CutBehind(std::size_t calls, std::minstd_rand& random) const {
+void DiskRecord::CutAfter(std::size_t calls, std::minstd_rand& random) const {
     for (const auto& entry : fs::directory_iterator(m_folder.Posix())) fs::remove_all(entry.path());
     std::size_t first = calls;
     while (!m_steps[first].hasFlushedNames) --first;

@@ -25,8 +25,8 @@ public:
     /// Notes what a call has left in the folder of the record that there is. @param flushed descriptor, or -1
     static void Take(int flushed);
     std::size_t Calls() const { return m_steps.size() - 1; }
-    /// Makes the folder what the disk may hold when the power fails behind so many calls.
-    void CutBehind(std::size_t calls, std::minstd_rand& random) const;
+    /// Makes the folder what the disk may hold when the power fails after so many calls.
+    void CutAfter(std::size_t calls, std::minstd_rand& random) const;
 
 private:
     struct Name {

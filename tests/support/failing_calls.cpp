@@ -15,7 +15,7 @@
 #include <type_traits>
 #include <utility>
 
-// A shared object for LD_PRELOAD that stands between a program with its libraries and the C library: the calls that
+// A shared object for LD_PRELOAD between a program with its libraries and the C library: the calls that
 // work on files pass through it. Threads take no turns here.
 
 namespace {
@@ -29,8 +29,8 @@ void (*theWatcher)(int) = nullptr;
 enum Kinds : unsigned { kReads = 0, kFills = 1, kWaits = 2, kMoves = 4 };
 
 bool FailsNow(unsigned kinds) {
-    constexpr unsigned kAnswered[] = {~0U, kFills, kWaits, kMoves};
-    const bool can = theFailure == CallFailure::kEio || (kinds & kAnswered[static_cast<int>(theFailure)]) != 0;
+    constexpr unsigned kWhichCan[] = {~0U, kFills, kWaits, kMoves};
+    const bool can = theFailure == CallFailure::kEio || (kinds & kWhichCan[static_cast<int>(theFailure)]) != 0;
     if (!can || theCallsLeft == 0) return false;
     return (theCallsLeft == 1 && theRestFails) || --theCallsLeft == 0;
 }
@@ -50,30 +50,30 @@ template <auto* kOurs> auto Real(const char* name) {
     return real;
 }
 
-// What a call has answered, once the watcher knows of it.
-template <class R> R Told(R answer, int flushed = -1) {
+// Reports a call to the watcher. @return the result of the call, with its errno
+template <class R> R Watched(R result, int flushed = -1) {
     const int error = errno;
     const int left = std::exchange(theCallsLeft, 0);  // the watcher's own calls work
     if (theWatcher != nullptr) theWatcher(flushed);
     theCallsLeft = left;
     errno = error;
-    return answer;
+    return result;
 }
 
 template <auto* kOurs, class... A> auto Call(const char* name, unsigned kinds, A... arguments) {
     const auto real = Real<kOurs>(name);
     if (FailsNow(kinds)) return Failed<decltype(real(arguments...))>();
-    return (kinds & kFills) != 0 ? Told(real(arguments...)) : real(arguments...);
+    return (kinds & kFills) != 0 ? Watched(real(arguments...)) : real(arguments...);
 }
 
 template <auto* kOurs> int Flush(const char* name, int file) {
     const auto real = Real<kOurs>(name);
-    return FailsNow(kFills | kWaits) ? Failed<int>() : Told(real(file), file);
+    return FailsNow(kFills | kWaits) ? Failed<int>() : Watched(real(file), file);
 }
 
 // A call that moves @p count bytes, perhaps not all of them.
 template <class Real> ssize_t Move(unsigned kinds, std::size_t count, Real&& real) {
-    const auto move = [&](std::size_t n) { return (kinds & kFills) != 0 ? Told(real(n)) : real(n); };
+    const auto move = [&](std::size_t n) { return (kinds & kFills) != 0 ? Watched(real(n)) : real(n); };
     const bool cannot = theFailure == CallFailure::kShort && count < 2;
     if (cannot || !FailsNow(kinds | kWaits | kMoves)) return move(count);
     return theFailure == CallFailure::kShort ? move(count / 2) : Failed<ssize_t>();
@@ -112,7 +112,7 @@ int open(const char* path, int flags, ...) {
 int openat(int folder, const char* path, int flags, ...) {  // nobody makes files by it
     return Call<&::openat>("openat", kWaits, folder, path, flags, 0);
 }
-int close(int file) {  // closed whatever it answers
+int close(int file) {  // closed whatever it returns
     const int closed = Real<&::close>("close")(file);
     return FailsNow(kReads) ? Failed<int>() : closed;
 }

@@ -10,7 +10,7 @@ void FailCall(CallFailure failure, int number);
 void FailCallsFrom(CallFailure failure, int number);
 /// How many calls are left until one fails; 0 once it has.
 int CallsLeft();
-/// From now on @p watcher is called behind each call that may have changed what the disk holds, with -1, and behind
+/// From now on @p watcher is called after each call that may have changed what the disk holds, with -1, and after
 /// each that has flushed a file or a folder, with its descriptor. Null: no more.
 void WatchDisk(void (*watcher)(int flushed));
 }

@@ -106,7 +106,7 @@ TEST_P(FailingCalls, LeaveTheOldOrTheNew) {
 
 namespace {
 
-// What was being written beside its target is nobody's after a power cut.
+// What was being written next to its target belongs to nobody after a power cut.
 void RemoveUnfinished(const Place& place) {
     for (const auto& entry : std::filesystem::directory_iterator(place.Posix())) {
         if (entry.path().extension() == ".tmp") std::filesystem::remove(entry.path());
@@ -149,7 +149,7 @@ TEST_P(PowerCuts, LeaveTheOldOrTheNew) {
     ASSERT_TRUE(done && disk.Calls() > 0);
     const std::string after = operation.stateAfterCut(place);
     std::minstd_rand random(SoakSeed());
-    disk.CutBehind(0, random);
+    disk.CutAfter(0, random);
     const std::string before = operation.stateAfterCut(place);
     const int tries = SoakCount(12);
     for (std::size_t calls = 1; calls <= disk.Calls(); ++calls) {
@@ -157,10 +157,10 @@ TEST_P(PowerCuts, LeaveTheOldOrTheNew) {
         if (operation.cut == Cut::kOnlyOnceDone && !isOver) continue;
         Tried("power cuts", tries);
         for (int i = 0; i < tries; ++i) {
-            disk.CutBehind(calls, random);
+            disk.CutAfter(calls, random);
             RemoveUnfinished(place);
             const std::string now = operation.stateAfterCut(place);
-            ASSERT_TRUE(now == after || (!isOver && now == before)) << "behind call " << calls << '\n' << now;
+            ASSERT_TRUE(now == after || (!isOver && now == before)) << "after call " << calls << '\n' << now;
         }
     }
 }

@@ -11,8 +11,8 @@
 #include "test.h"
 
 // Operations that are interrupted. Each system call of an operation fails once, in each way that it can: the operation
-// may still succeed; else it answers its failure, and what it works on is as it was or as it was to be. And the power
-// fails behind each call. Nothing else stays behind either time.
+// may still succeed; else it returns its failure, and what it works on is as it was or as it was to be. And the power
+// fails after each call. Nothing else is left either time.
 
 /// A folder with the files that an operation finds, in memory: there a flush costs nothing.
 class Place : public TempFolder {
@@ -42,9 +42,9 @@ inline void Nothing(At) {}
 
 /// What a power cut leaves.
 enum class Cut {
-    kNewOnceDone,   // the old or the new, and the new once the operation has answered
+    kNewOnceDone,   // the old or the new, and the new once the operation has returned
     kOldOrNew,      // that nothing is flushed may undo it
-    kOnlyOnceDone,  // written in place: anything, but the new once the operation has answered
+    kOnlyOnceDone,  // written in place: anything, but the new once the operation has returned
     kAnything,
 };
 

@@ -101,7 +101,7 @@ PrintSystem::PrintSystem()
     const std::string printer = "ipp://localhost:" + std::to_string(port) + "/ipp/print";
     m_isUp = WaitFor([&] { return m_folder.Has("cups.sock") && Answers(port); }) &&
              Run({kAdmin, "-p", "lab", "-E", "-v", printer, "-m", "everywhere"}) &&
-             // The server asks the printer what it can do after it has answered.
+             // The server asks the printer what it can do only after the reply.
              WaitFor([&] {
                  return Run({"/bin/sh", "-c", "lpoptions -p lab | grep -q Everywhere"});
              });

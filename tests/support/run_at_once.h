@@ -9,7 +9,7 @@
 #include "soak.h"
 
 /// Calls @p body with 0 to @p count - 1, all at once: the even numbers in threads, among which the children for the odd
-/// ones are forked. @return how many did not answer 0
+/// ones are forked. @return how many did not return 0
 template <class Body> int RunAtOnce(int count, const Body& body) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     constexpr bool kForksFirst = true;  // the sanitizers themselves do not bear it

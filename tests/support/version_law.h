@@ -20,8 +20,8 @@ inline std::optional<CString> TextIn(const std::string& bytes, const char* key) 
     }
 }
 
-/// Whether what the file says depends neither on the case of the key nor on bytes behind its end.
-inline bool SaysTheSameWithMoreBehind(const std::string& bytes) {
+/// Whether what the file says depends neither on the case of the key nor on bytes after its end.
+inline bool SaysTheSameWithMoreAfter(const std::string& bytes) {
     const std::optional<CString> text = TextIn(bytes, "FileVersion");
     return TextIn(bytes, "fileVERSION") == text &&
            (!text || TextIn(bytes + std::string(1000, 'A'), "FileVersion") == text);

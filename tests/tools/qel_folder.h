@@ -6,7 +6,7 @@
 /// A folder in which the tool is run.
 class QelFolder : public TempFolder {
 public:
-    /// As AnswerOf; @p arguments as a shell takes them, and more commands behind them.
+    /// As AnswerOf; @p arguments as a shell takes them, and more commands after them.
     std::string Qel(const std::string& arguments) const {
         return AnswerOf("cd '" + Posix().native() + "' && " QELLIB10_QEL " " + arguments);
     }
