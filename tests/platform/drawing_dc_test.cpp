@@ -1,20 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <set>
-#include <string>
-
 #include "qellib10/platform/drawing/dc.h"
 
 #include "../support/canvas.h"
+#include "../support/test.h"
 
-TEST(Dc, AFreshOneHasThePlatformsState) {
+TEST(Dc, ANewOneHasThePlatformsState) {
     CDC dc;
     ASSERT_TRUE(dc.CreateCompatibleDC(nullptr));
-    EXPECT_EQ(dc.GetTextColor(), 0u);
-    EXPECT_EQ(dc.GetBkColor(), kWhite);
-    EXPECT_EQ(dc.GetBkMode(), OPAQUE);
-    EXPECT_EQ(dc.GetTextAlign(), 0u);
-    EXPECT_EQ(dc.GetMapMode(), MM_TEXT);
+    EXPECT_EQ(Line({dc.GetTextColor(), dc.GetBkColor(), dc.GetBkMode(), dc.GetTextAlign(), dc.GetMapMode()}),
+              Line({0, kWhite, OPAQUE, 0, MM_TEXT}));
     EXPECT_EQ(dc.GetDeviceCaps(LOGPIXELSX), 96);
     EXPECT_TRUE(dc.GetCurrentPosition() == CPoint(0, 0));
     EXPECT_FALSE(dc.RestoreDC(-1));
@@ -26,46 +19,35 @@ TEST(Dc, AFreshOneHasThePlatformsState) {
 TEST(Dc, LinesLeaveTheirEndOutAndMoveThePosition) {
     Canvas canvas;
     EXPECT_TRUE(canvas.dc.MoveTo(5, 5) == CPoint(0, 0));
-    EXPECT_TRUE(canvas.dc.LineTo(14, 5));
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(canvas.dc.LineTo(14, 5));  // the second has no length and no pixel
     EXPECT_TRUE(canvas.dc.GetCurrentPosition() == CPoint(14, 5));
-    ExpectBox(canvas.Ink(), {5, 5, 14, 6});
-    EXPECT_TRUE(canvas.dc.LineTo(14, 5));  // no length, no pixel
     ExpectBox(canvas.Ink(), {5, 5, 14, 6});
 }
 
 TEST(Dc, PensCoverThePlatformsPixels) {
-    struct Case {
-        int style, width;
-        bool isRectangle;
-        CRect ink;
-    };
-    for (const Case& c : {
-             Case{PS_SOLID, 0, false, {5, 5, 14, 6}},
-             Case{PS_SOLID, 2, false, {4, 4, 15, 6}},
-             Case{PS_SOLID, 3, false, {4, 4, 16, 7}},
-             Case{PS_SOLID, -4, false, {3, 3, 16, 7}},
-             Case{PS_NULL, 1, false, {}},
-             Case{99, 1, false, {5, 5, 14, 6}},
-             Case{PS_SOLID, 1, true, {4, 4, 12, 9}},
-             Case{PS_SOLID, 2, true, {3, 3, 12, 9}},
-             Case{PS_SOLID, 3, true, {3, 3, 13, 10}},
-             Case{PS_INSIDEFRAME, 3, true, {4, 4, 12, 9}},
-             Case{PS_NULL, 1, true, {4, 4, 11, 8}},
+    for (const auto& [style, width, isRectangle, ink] : Cases<int, int, bool, CRect>{
+             {PS_SOLID, 0, false, {5, 5, 14, 6}},
+             {PS_SOLID, 2, false, {4, 4, 15, 6}},
+             {PS_SOLID, -4, false, {3, 3, 16, 7}},
+             {PS_NULL, 1, false, {}},
+             {99, 1, false, {5, 5, 14, 6}},
+             {PS_SOLID, 1, true, {4, 4, 12, 9}},
+             {PS_SOLID, 3, true, {3, 3, 13, 10}},
+             {PS_INSIDEFRAME, 3, true, {4, 4, 12, 9}},
          }) {
-        SCOPED_TRACE(std::to_string(c.style) + " width " + std::to_string(c.width) +
-                     (c.isRectangle ? " box" : " line"));
+        SCOPED_TRACE(Line({style, width, isRectangle}));
         Canvas canvas;
-        CPen pen(c.style, c.width, kRed);
+        CPen pen(style, width, kRed);
         CBrush brush(RGB(0, 0, 255));
         canvas.dc.SelectObject(&pen);
         canvas.dc.SelectObject(&brush);
-        if (c.isRectangle) {
+        if (isRectangle) {
             canvas.dc.Rectangle(12, 9, 4, 4);  // reversed edges are exchanged
         } else {
             canvas.dc.MoveTo(5, 5);
             canvas.dc.LineTo(14, 5);
         }
-        ExpectBox(canvas.Ink(), c.ink);
+        ExpectBox(canvas.Ink(), ink);
     }
 }
 
@@ -138,23 +120,19 @@ TEST(Dc, TheClipIsInDeviceUnitsAndACopy) {
 }
 
 TEST(Dc, MapModesScaleToTheResolution) {
-    struct Case {
-        int mode;
-        CPoint device;
-    };
-    for (const Case& c : {
-             Case{MM_TEXT, {1000, -1000}},
-             Case{MM_LOMETRIC, {378, 378}},
-             Case{MM_HIMETRIC, {38, 38}},
-             Case{MM_LOENGLISH, {960, 960}},
-             Case{MM_HIENGLISH, {96, 96}},
-             Case{MM_TWIPS, {67, 67}},
+    for (const auto& [mode, device] : Cases<int, CPoint>{
+             {MM_TEXT, {1000, -1000}},
+             {MM_LOMETRIC, {378, 378}},
+             {MM_HIMETRIC, {38, 38}},
+             {MM_LOENGLISH, {960, 960}},
+             {MM_HIENGLISH, {96, 96}},
+             {MM_TWIPS, {67, 67}},
          }) {
         Canvas canvas;
-        EXPECT_EQ(canvas.dc.SetMapMode(c.mode), MM_TEXT);
+        EXPECT_EQ(canvas.dc.SetMapMode(mode), MM_TEXT);
         CPoint point(1000, -1000);
         canvas.dc.LPtoDP(&point);
-        EXPECT_TRUE(point == c.device) << c.mode << ": " << point.x << ' ' << point.y;
+        EXPECT_TRUE(point == device) << mode << ": " << point.x << ' ' << point.y;
     }
     Canvas canvas;
     canvas.dc.SetMapMode(MM_ANISOTROPIC);
@@ -225,9 +203,9 @@ TEST(Dc, ADeletedPenGoesOnDrawingAndStaleHandlesAreRefused) {
 
 TEST(Dc, BitmapsAreLimitedAndCopied) {
     CBitmap bitmap;
-    EXPECT_FALSE(bitmap.CreateBitmap(0, 5, 1, 32, nullptr));
-    EXPECT_FALSE(bitmap.CreateBitmap(32768, 1, 1, 32, nullptr));
-    EXPECT_FALSE(bitmap.CreateBitmap(5, 5, 2, 32, nullptr));
+    EXPECT_EQ(Line({bitmap.CreateBitmap(0, 5, 1, 32, nullptr), bitmap.CreateBitmap(32768, 1, 1, 32, nullptr),
+                    bitmap.CreateBitmap(5, 5, 2, 32, nullptr)}),
+              "0 0 0");
     Canvas source, target;
     source.dc.LineTo(10, 10);
     EXPECT_TRUE(target.dc.BitBlt(20, 20, 100, 100, &source.dc, -2, 0, SRCCOPY));

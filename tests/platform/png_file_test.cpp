@@ -1,17 +1,13 @@
 #include "qellib10/platform/drawing/png_file.h"
 
-#include <gtest/gtest.h>
 #include <png.h>
 
-#include <string>
-#include <vector>
-
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 
 TEST(PngFile, IsReadBackWithEveryPixel) {
     const TempFolder folder;
     constexpr int kWidth = 37, kHeight = 11;
-    for (const unsigned colors : {1u, 2u, 256u, 257u}) {
+    for (const unsigned colors : {1u, 256u, 257u}) {
         SCOPED_TRACE(colors);
         std::vector<std::uint32_t> words;
         for (unsigned i = 0; i < kWidth * kHeight; ++i) words.push_back((i % colors) * 0x101);
@@ -25,8 +21,7 @@ TEST(PngFile, IsReadBackWithEveryPixel) {
         png_image image{};
         image.version = PNG_IMAGE_VERSION;
         ASSERT_TRUE(png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()));
-        ASSERT_EQ(image.width, unsigned{kWidth});
-        ASSERT_EQ(image.height, unsigned{kHeight});
+        ASSERT_EQ(Line({image.width, image.height}), Line({kWidth, kHeight}));
         EXPECT_EQ((image.format & PNG_FORMAT_FLAG_COLORMAP) != 0, colors <= 256);
         image.format = PNG_FORMAT_BGRA;
         std::vector<std::uint32_t> read(words.size());

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -14,9 +13,9 @@
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/platform/storage/descriptor.h"
 
-#include "../support/cases.h"
 #include "../support/output_of.h"
 #include "../support/print_system.h"
+#include "../support/test.h"
 
 namespace {
 
@@ -220,7 +219,7 @@ TEST(PdfPrinter, DatesEachDocumentWhenItIsStarted) {
     EXPECT_LE(std::atoll(found.c_str()), after);
 }
 
-TEST(PdfPrinter, IsChosenByNameInAnyOfTheWays) {
+TEST(PdfPrinter, IsChosenByNameInAContextOrADialog) {
     CDC dc;
     EXPECT_FALSE(dc.CreateDC(nullptr, "nobody", nullptr, nullptr));
     EXPECT_TRUE(dc.CreateDC("PDF", "PDF", nullptr, nullptr));

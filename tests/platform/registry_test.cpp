@@ -10,7 +10,6 @@
 #include <optional>
 #include <thread>
 
-#include "../support/code_page_scope.h"
 #include "../support/registry_scope.h"
 #include "../support/run_at_once.h"
 #include "../support/shared_state.h"
@@ -115,7 +114,7 @@ TEST_F(Registry, FindsNamesWhateverTheirCase) {
     EXPECT_EQ(Text("m\xC3\xBChle"), "\xC3\xA4\xC2\xB5");  // the same key for a process of another page
 }
 
-TEST_F(Registry, RefusesWhatIsBeyondItsLimits) {
+TEST_F(Registry, RefusesPathsNamesAndValuesBeyondTheirLimits) {
     const Cases<std::string, LONG> cases = {{"\\a", qel::kRegistryBadPath},
                                             {std::string(255, 'n'), qel::kRegistrySuccess},
                                             {std::string(256, 'n'), qel::kRegistryInvalidParameter},
@@ -133,9 +132,8 @@ TEST_F(Registry, RefusesWhatIsBeyondItsLimits) {
     ASSERT_EQ(qel::OpenRegistryKey(m_root, Nested(512).c_str(), deep), qel::kRegistrySuccess);
     EXPECT_EQ(qel::CreateRegistryKey(deep, "k", "", none), qel::kRegistryInvalidParameter);
     EXPECT_EQ(none, nullptr);
-    for (const LONG code : {qel::kRegistrySuccess, qel::kRegistryBadHandle}) {
+    for (const LONG code : {qel::kRegistrySuccess, qel::kRegistryBadHandle})
         EXPECT_EQ(qel::CloseRegistryKey(deep), code);
-    }
     EXPECT_EQ(qel::OpenRegistryKey(nullptr, "v", none), qel::kRegistryBadHandle);
     EXPECT_EQ(qel::DeleteRegistryTree(m_root, "K"), qel::kRegistrySuccess);  // all 512 levels
 }
@@ -200,7 +198,7 @@ TEST_F(Registry, MemoryThatRunsOutWhileWaitingIsABusyDatabase) {
     EXPECT_FALSE(second.IsIdle());
 }
 
-TEST_F(Registry, DatabasesOfOthers) {
+TEST_F(Registry, ADamagedDatabaseStaysAndAReplacedOneIsReadAgain) {
     ASSERT_EQ(Write("a", "v", "1"), 0);
     const std::string name = m_registry.Folder().Posix("current-user.db");
     const std::string bytes = m_registry.Folder().Read("current-user.db");
@@ -235,9 +233,8 @@ TEST_F(Registry, ProcessesAndThreadsWriteAtOnce) {
     constexpr int kWriters = 8, kRounds = 8;
     const auto write = [&](int writer) {
         int failed = 0;
-        for (int round = 0; round < kRounds; ++round) {
+        for (int round = 0; round < kRounds; ++round)
             failed += Write(std::to_string(round), std::to_string(writer).c_str(), std::to_string(round)) != 0;
-        }
         return failed;
     };
     EXPECT_EQ(RunAtOnce(kWriters, write), 0);
@@ -258,9 +255,8 @@ TEST_F(BusyRegistry, NobodyWaitsLongBesideWritersWithoutAPause) {
     };
     for (const int writers : {1, 4, 8}) {
         std::vector<std::unique_ptr<ChildProcess>> busy;
-        for (int i = 0; i < writers; ++i) {
+        for (int i = 0; i < writers; ++i)
             busy.push_back(std::make_unique<ChildProcess>([&changes, i] { return ChangeOnAndOn(i, changes); }));
-        }
         const auto isAtWork = [](const auto& child) { return !child->HasEnded(); };
         while (changes == 0 && std::ranges::all_of(busy, isAtWork)) std::this_thread::yield();
         EXPECT_LE(Most(set, Milliseconds, kLongest), kLongest) << writers;

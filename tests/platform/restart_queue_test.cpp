@@ -1,16 +1,11 @@
 #include "qellib10/platform/restart/restart_queue.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <random>
 
-#include "../support/child_process.h"
-#include "../support/line.h"
 #include "../support/run_at_once.h"
-#include "../support/soak.h"
-#include "../support/temp_folder.h"
-#include "../support/words.h"
+#include "../support/test.h"
 #include "qellib10/platform/restart/restart_record.h"
 
 namespace {
@@ -93,9 +88,8 @@ TEST(RestartQueue, ComesToTheSameEndHoweverOftenItIsKilled) {
         ::usleep(static_cast<useconds_t>(random() % 1800));
         runner.Kill();
         EXPECT_EQ(RunOnce(folder.Posix("q")), 0);
-        for (const std::string& n : numbers) {
+        for (const std::string& n : numbers)
             ASSERT_EQ(Line({folder.Read("b" + n), folder.Read("a" + n)}), "first second") << kill;
-        }
         EXPECT_EQ(folder.Count(), 16);
     }
 }

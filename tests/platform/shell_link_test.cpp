@@ -1,28 +1,16 @@
 #include "qellib10/platform/shell/shell_link.h"
 
-#include <stdio.h>
-
 #include <algorithm>
 
-#include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
-#include "../support/temp_folder.h"
+#include "../support/output_of.h"
 #include "../support/test.h"
 #include "qellib10/platform/storage/make_folders.h"
 
 namespace {
 
 // What a program prints, blanks and tabs in one piece each.
-std::string Output(const std::string& command) {
-    FILE* pipe = ::popen(command.c_str(), "r");
-    std::string text;
-    for (int c = 0; pipe != nullptr && (c = std::fgetc(pipe)) != EOF;) {
-        const bool blank = c == '\t' || c == ' ';
-        if (!blank || !text.ends_with(' ')) text += blank ? ' ' : static_cast<char>(c);
-    }
-    EXPECT_EQ(::pclose(pipe), 0) << command << "\n" << text;
-    return text;
-}
+std::string Output(const std::string& command) { return OutputOf(command + " | tr -s '\\t ' ' '"); }
 
 std::string Quoted(const std::filesystem::path& path) { return std::string(1, '\'').append(path).append(1, '\''); }
 
@@ -38,9 +26,8 @@ TEST(ShellLink, IsReadByAnotherProgram) {
         std::string path = folder.Posix(target).string();
         std::ranges::replace(path, '/', '\\');
         for (const std::string& line : {"Local path : " + path + "\n", std::string("Description : 表示 x\n"),
-                                        std::string(expected), std::string("flags : 0x00000020")}) {
+                                        std::string(expected), std::string("flags : 0x00000020")})
             EXPECT_NE(read.find(line), read.npos) << line << read;
-        }
     }
     qel::WriteShellLink(folder.Path().View(), folder.Path("link").View(), CString('d', 300));
     const std::string read = Output("lnkinfo " + Quoted(folder.Posix("link.lnk")));
@@ -63,9 +50,8 @@ TEST(ShellLink, HasAnEntryWhereTheDesktopLooks) {
              {"a document", "h/Tisch/doc", "/a%20document\n"},
              {"c", "h/Tisch/folder", "Type=Link\n"}}) {
         const std::string link = folder.Name(file), entry = file + ".desktop", to = folder.Name(target);
-        for (const char* again : {"new", "again"}) {
+        for (const char* again : {"new", "again"})
             EXPECT_EQ(CodeOf([&] { qel::WriteShellLink(to, link, comment); }), 0) << again;
-        }
         EXPECT_NE(folder.Read(entry).find(expected), std::string::npos) << folder.Read(entry);
         EXPECT_EQ(Output("desktop-file-validate " + Quoted(folder.Posix(entry)) + " 2>&1"), "");
         qel::DeleteShellLink(link);

@@ -1,15 +1,11 @@
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
-#include "../support/environment_scope.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "qellib10/platform/shell/debug_output.h"
 #include "qellib10/platform/shell/module.h"
 #include "qellib10/platform/shell/special_folder.h"
 
-TEST(SpecialFolder, FallsBackWhereTheEnvironmentSaysNothing) {
+TEST(SpecialFolder, HasADefaultWhereTheEnvironmentSaysNothing) {
     using qel::SpecialFolder;
     const EnvironmentScope relative("XDG_CONFIG_HOME", "c"), home("HOME", "/h"), none("XDG_CONFIG_DIRS", nullptr);
     EXPECT_EQ(qel::SpecialFolderPath(SpecialFolder::kAppData), "\\h\\.config");
@@ -19,7 +15,7 @@ TEST(SpecialFolder, FallsBackWhereTheEnvironmentSaysNothing) {
     EXPECT_TRUE(std::string(qel::SpecialFolderPath(SpecialFolder::kAppData).View()).ends_with("\\.config"));
 }
 
-TEST(Module, KnowsItsFile) {
+TEST(Module, HasThePathOfItsFile) {
     static int inProgram = 0;
     const CString program = qel::ToLibraryPath(std::filesystem::read_symlink("/proc/self/exe").native());
     EXPECT_TRUE(qel::ModulePath(nullptr) == program && qel::ModulePath(&inProgram) == program);

@@ -10,9 +10,8 @@
 
 TEST(String, SearchesAndCutsWithinItsBounds) {
     const CString text("a.b");
-    for (const int outside : {4, -1, INT_MAX, INT_MIN}) {
+    for (const int outside : {4, -1, INT_MAX, INT_MIN})
         EXPECT_TRUE(text.Find('.', outside) == -1 && text.Find("", outside) == -1) << outside;
-    }
     EXPECT_TRUE(text.Find('.', 1) == 1 && text.Find("", 3) == 3 && text.GetAt(3) == '\0' && text[-1] == '\0');
     EXPECT_TRUE(text.Right(2) == ".b" && text.Mid(1, INT_MAX) == ".b" && text.Mid(-5, 1) == "a");
     EXPECT_TRUE(text.Left(-1) == "" && text.Right(INT_MIN) == "" && text.Mid(4) == "");
@@ -23,28 +22,26 @@ TEST(String, ReplacesFromLeftToRightAndNeverATrailByte) {
     EXPECT_TRUE(path.ReverseFind('\\') == 2 && path.FindOneOf("x\\") == 2);
     EXPECT_EQ(path.Replace('\\', '/'), 1);
     EXPECT_EQ(path, "\x83\x5C/\x95\x5C");
-    const std::vector<std::tuple<CString, const char*, const char*, int, const char*>> cases = {
-        {"aaa", "aa", "aaa", 1, "aaaa"},
-        {"aXbX", "X", nullptr, 2, "ab"},
-        {"a", nullptr, "b", 0, "a"},
-        {"\x83\x5C\x5C", "\x5C", "//", 1, "\x83\x5C//"},
-    };
-    for (auto [text, old, replacement, count, result] : cases) {
+    for (auto [text, old, replacement, count, result] : Cases<CString, const char*, const char*, int, const char*>{
+             {"aaa", "aa", "aaa", 1, "aaaa"},
+             {"aXbX", "X", nullptr, 2, "ab"},
+             {"a", nullptr, "b", 0, "a"},
+             {"\x83\x5C\x5C", "\x5C", "//", 1, "\x83\x5C//"},
+         }) {
         EXPECT_EQ(text.Replace(old, replacement), count);
         EXPECT_EQ(text, result);
     }
 }
 
 TEST(String, TrimsCharacters) {
-    const std::vector<std::tuple<CString, const char*, const char*>> cases = {
-        {" \t\v\f\r\nx \t", nullptr, "x"},
-        {" \x81\x40 x\x83 ", nullptr, "\x81\x40 x\x83"},  // a blank is a blank, also behind half a character
-        {"  ", nullptr, ""},
-        {"\\\x83\x5C\\\\", "\\", "\x83\x5C"},
-        {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},
-        {"x\x83", "\x83\x5C", "x\x83"},
-    };
-    for (auto [text, set, trimmed] : cases) {
+    for (auto [text, set, trimmed] : Cases<CString, const char*, const char*>{
+             {" \t\v\f\r\nx \t", nullptr, "x"},
+             {" \x81\x40 x\x83 ", nullptr, "\x81\x40 x\x83"},  // a blank is a blank, also behind half a character
+             {"  ", nullptr, ""},
+             {"\\\x83\x5C\\\\", "\\", "\x83\x5C"},
+             {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},
+             {"x\x83", "\x83\x5C", "x\x83"},
+         }) {
         set != nullptr ? text.TrimLeft(set) : text.TrimLeft();
         set != nullptr ? text.TrimRight(set) : text.TrimRight();
         EXPECT_EQ(text, trimmed);
@@ -66,10 +63,7 @@ TEST(String, ComparesWithStandardTextsAndJoinsThem) {
     const std::string_view a("a");
     CString text;
     text = ab;
-    EXPECT_TRUE(text == ab);
-    EXPECT_TRUE(ab == text);
-    EXPECT_TRUE(text != a);
-    EXPECT_TRUE(a < CString("b"));
+    EXPECT_EQ(Line({text == ab, ab == text, text != a, a < CString("b")}), "1 1 1 1");
     EXPECT_EQ(text + a, std::string("a\0ba", 4));
     EXPECT_EQ(a + text, std::string("aa\0b", 4));
     EXPECT_EQ(std::string("x") + CString("y") + "z", "xyz");

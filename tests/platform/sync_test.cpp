@@ -7,10 +7,7 @@
 #include <thread>
 
 #include "../support/child_process.h"
-#include "../support/code_page_scope.h"
-#include "../support/environment_scope.h"
 #include "../support/shared_state.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/platform/sync/shared_memory.h"
@@ -46,14 +43,13 @@ constexpr uid_t kUser = 4321;
 TEST(NamedObjects, NamesAreTheSystems) {
     const CodePageScope japanese(qel::kCodePageJapanese);
     const std::string own = NameOfOurOwn("name"), longName = std::string(259 - own.size(), '/') + own;
-    const Cases<DWORD, std::vector<std::string>> cases = {
-        {0, {own, own + "/../../x", own + "MM::x.%41 \n\x7f\xff", longName + "a", longName + "b"}},
-        {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // the trail byte is no backslash
-        {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}},
-        {6, {"Local\\"}},
-        {206, {longName + "bc"}},
-    };
-    for (const auto& [error, names] : cases) {
+    for (const auto& [error, names] : Cases<DWORD, std::vector<std::string>>{
+             {0, {own, own + "/../../x", own + "MM::x.%41 \n\x7f\xff", longName + "a", longName + "b"}},
+             {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // the trail byte is no backslash
+             {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}},
+             {6, {"Local\\"}},
+             {206, {longName + "bc"}},
+         }) {
         for (const std::string& name : names) {  // all are kept, so each is another's only if it were the same
             SCOPED_TRACE(name);
             EXPECT_EQ(OpenNamedMutex(name.c_str()), nullptr);
@@ -72,9 +68,8 @@ TEST(NamedObjects, NamesAreTheSystems) {
     for (const auto& [name, error] : Cases<const char*, DWORD>{
              {nullptr, 87},
              {"", 6},
-         }) {
+         })
         EXPECT_TRUE(OpenNamedMutex(name) == nullptr && LastError() == error);
-    }
     const HANDLE large = CreateSharedMemory("", 5000).handle, small = CreateSharedMemory(nullptr, 1).handle;
     EXPECT_EQ(MapView(small, true, 2), nullptr);
     EXPECT_NE(MapView(large, true, 5000), nullptr);

@@ -1,11 +1,8 @@
 #include "qellib10/platform/storage/temporary_name.h"
 
-#include <gtest/gtest.h>
-
-#include "../support/environment_scope.h"
 #include "../support/file_error_code.h"
 #include "../support/run_at_once.h"
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 
 TEST(TemporaryName, IsBuiltFromItsPartsOrSaysWhyNot) {
     const EnvironmentScope first("TMPDIR", "relative"), second("TMP", "/var//tmp/"), third("TEMP", "/never");

@@ -4,11 +4,10 @@
 #include <cmath>
 #include <limits>
 
-#include "../support/environment_scope.h"
 #include "../support/test.h"
 #include "qellib10/platform/time/ole_date_time.h"
 
-TEST(Time, FieldsAreLocal) {
+TEST(Time, FieldsAreThoseOfTheLocalTimeZone) {
     const EnvironmentScope zone("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     ::tzset();
     const CTime summer(2026, 7, 14, 9, 5, 7);
@@ -24,30 +23,22 @@ TEST(Time, FieldsAreLocal) {
 
 TEST(Time, HasAResultForEveryValue) {
     using Int = std::numeric_limits<int>;
-    for (const CTime& time :
-         {CTime(std::numeric_limits<std::int64_t>::max()), CTime(Int::min(), 1, 1, 0, 0, 0),
-          CTime(Int::max(), Int::max(), Int::max(), 0, 0, 0), CTime(2026, Int::min(), 1, 0, 0, 0)}) {
+    for (const CTime& time : {CTime(std::numeric_limits<std::int64_t>::max()), CTime(Int::min(), 1, 1, 0, 0, 0),
+                              CTime(Int::max(), Int::max(), Int::max(), 0, 0, 0), CTime(2026, Int::min(), 1, 0, 0, 0)})
         EXPECT_TRUE(time.GetYear() == 0 && time.Format("%Y") == "");
-    }
     EXPECT_STREQ(CTime().Format(nullptr), "");
     EXPECT_STREQ(CTime().Format("%099999999Y"), "") << "no text without bound";
     EXPECT_EQ(CTime().Format(std::string(1000, 'x').c_str()).GetLength(), 1000);
 }
 
-TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
-    // clang-format off
-    const Cases<double, int, int, int> cases = {
-        {0, 1899, 12, 30},
-        {2, 1900, 1, 1},
-        {25569, 1970, 1, 1},
-        {36585, 2000, 2, 29},
-        {36892, 2001, 1, 1},
-        {-1, 1899, 12, 29},
-        {-657434, 100, 1, 1},
-        {2958465, 9999, 12, 31},
-    };
-    // clang-format on
-    for (const auto& [number, year, month, day] : cases) {
+TEST(OleDateTime, DaysAreCountedFromTheEndOf1899) {
+    for (const auto& [number, year, month, day] : Cases<double, int, int, int>{
+             {0, 1899, 12, 30},
+             {36585, 2000, 2, 29},
+             {-1, 1899, 12, 29},
+             {-657434, 100, 1, 1},
+             {2958465, 9999, 12, 31},
+         }) {
         const COleDateTime date(year, month, day, 0, 0, 0);
         EXPECT_EQ(date.m_dt, number);
         EXPECT_EQ(date.GetYear() * 10000 + date.GetMonth() * 100 + date.GetDay(), year * 10000 + month * 100 + day);
@@ -59,26 +50,22 @@ TEST(OleDateTime, CountsDaysAsThePlatformDoes) {
     EXPECT_EQ(almost.GetMonth() * 10000 + almost.GetDay() * 100 + almost.GetHour(), 10100);
 }
 
-TEST(OleDateTime, RefusesWhatIsNoDate) {
-    // clang-format off
-    const Cases<int, int, int, int, int, int> cases = {
-        {99, 1, 1, 0, 0, 0},
-        {10000, 1, 1, 0, 0, 0},
-        {2001, 2, 29, 0, 0, 0},
-        {2001, 13, 1, 0, 0, 0},
-        {2001, 1, 0, 0, 0, 0},
-        {2001, 1, 1, 24, 0, 0},
-        {2001, 1, 1, 0, 60, 0},
-        {2001, 1, 1, 0, 0, -1},
-    };
-    // clang-format on
-    for (const auto& [year, month, day, hour, minute, second] : cases) {
+TEST(OleDateTime, WhatIsNoDateIsInvalid) {
+    for (const auto& [year, month, day, hour, minute, second] : Cases<int, int, int, int, int, int>{
+             {99, 1, 1, 0, 0, 0},
+             {10000, 1, 1, 0, 0, 0},
+             {2001, 2, 29, 0, 0, 0},
+             {2001, 13, 1, 0, 0, 0},
+             {2001, 1, 0, 0, 0, 0},
+             {2001, 1, 1, 24, 0, 0},
+             {2001, 1, 1, 0, 60, 0},
+             {2001, 1, 1, 0, 0, -1},
+         }) {
         COleDateTime date(5.5);
         EXPECT_EQ(date.SetDateTime(year, month, day, hour, minute, second), 1);
         EXPECT_TRUE(date.GetStatus() == COleDateTime::invalid && date.m_dt == 0 && date.GetYear() == -1);
     }
-    for (const double day : {HUGE_VAL, -HUGE_VAL, std::nan(""), 2958466.0, 2958466.0 - 1e-9, -657435.0}) {
+    for (const double day : {HUGE_VAL, -HUGE_VAL, std::nan(""), 2958466.0, 2958466.0 - 1e-9, -657435.0})
         EXPECT_EQ(COleDateTime(day).GetSecond(), -1) << day;
-    }
     EXPECT_TRUE(COleDateTime(std::nan("")) == COleDateTime(std::nan("")));
 }
