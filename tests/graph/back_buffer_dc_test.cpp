@@ -1,8 +1,6 @@
 #include "qellib10/graph/back_buffer_dc.h"
 
-#include <gtest/gtest.h>
-
-#include "../support/line.h"
+#include "../support/test.h"
 #include "qellib10/platform/drawing/dc.h"
 
 TEST(BackBufferDC, HasAPictureFromCreateToDestroy) {

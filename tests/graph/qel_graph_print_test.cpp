@@ -4,15 +4,12 @@
 #include <cstdlib>
 #include <memory>
 #include <random>
-#include <string>
 
 #include "qellib10/platform/drawing/file_dc.h"
 #include "qellib10/platform/drawing/preview_dc.h"
 #include "qellib10/print/queue_data.h"
 
 #include "../support/canvas.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "open_graph.h"
 
@@ -90,9 +87,8 @@ public:
         for (LONG along = from + kCorner; along <= to - kCorner; along += 3) {
             const int x = Shown(isUpright ? at : along), y = Shown(isUpright ? along : at);
             int darkest = 255;
-            for (int across = -tolerance; across <= tolerance; ++across) {
+            for (int across = -tolerance; across <= tolerance; ++across)
                 darkest = std::min(darkest, isUpright ? Grey(x + across, y) : Grey(x, y + across));
-            }
             if (darkest > 0xE0) return false;
         }
         return true;
@@ -166,9 +162,8 @@ TEST(QelGraphPrint, OutlinesAreWholeWhereverAPageIsShown) {
         const ShownPage page(png);
         ASSERT_NEAR(page.Width(), 827, 1);
         for (std::size_t i = 0; i < areas.size(); ++i) {
-            for (LONG CRect::*const edge : {&CRect::left, &CRect::top, &CRect::right, &CRect::bottom}) {
+            for (LONG CRect::*const edge : {&CRect::left, &CRect::top, &CRect::right, &CRect::bottom})
                 EXPECT_TRUE(page.HasEdge(areas[i], edge, outward[i])) << "outline " << i << " at " << areas[i].*edge;
-            }
         }
         std::filesystem::remove(png);
     }
@@ -288,15 +283,16 @@ TEST(QelGraphPrint, EachPrimitiveIsACommand) {
 }
 
 TEST(QelGraphPrint, CirclesOfALineAreSeenAtAnyResolution) {
-    for (const auto& [mode, dotsPerInch, diameter] : Cases<int, int, int>{{0, 0, 6},
-                                                                          {0, -1, 6},
-                                                                          {0, 96, 6},
-                                                                          {0, 600, 36},
-                                                                          {0, 31, 2},
-                                                                          {0, 1, 2},
-                                                                          {1, 0, 60},
-                                                                          {1, 720, 30},
-                                                                          {1, 47, 2}}) {
+    for (const auto& [mode, dotsPerInch, diameter] : Cases<int, int, int>{
+             {0, 0, 6},
+             {0, 96, 6},
+             {0, 600, 36},
+             {0, 31, 2},
+             {0, 1, 2},
+             {1, 0, 60},
+             {1, 720, 30},
+             {1, 47, 2},
+         }) {
         Canvas canvas(kWidth, kHeight);
         OpenGraph graph(mode);
         graph.SetGraphPlotflg(0, 1);
@@ -311,7 +307,7 @@ TEST(QelGraphPrint, CirclesOfALineAreSeenAtAnyResolution) {
     }
 }
 
-TEST(QelGraphPrint, TextsStandApartInsideTheDrawing) {
+TEST(QelGraphPrint, TextsAreApartAndInsideTheDrawing) {
     std::mt19937 random(5);
     // Screens, a printer, and drawings that texts have no room in.
     const Cases<int, int, int, int> cases{{400, 300, 96, 40}, {2400, 1800, 600, 40}, {60, 90, 96, 0}, {150, 30, 96, 0}};

@@ -7,7 +7,6 @@
 #include "qellib10/print/queue_data.h"
 
 #include "../support/canvas.h"
-#include "../support/line.h"
 #include "../support/test.h"
 #include "open_graph.h"
 
@@ -57,20 +56,17 @@ TEST(QelGraph, ValuesArePlacedInTheArea) {
     graph.SetXMinRange(1, -10);  // 1 is reversed, 2 has equal ends
     graph.SetXMaxRange(1, -20);
     graph.SetYMaxRange(2, 0);
-    const Cases<int, double, int, int> cases{
-        {0, 0, 0, 100},
-        {0, 99.9, 199, 0},
-        {0, 100, 200, 0},
-        {0, -1, -2, 101},
-        {0, 1e9, 65530, -65530},
-        {0, NAN, -65530, -65530},
-        {0, kInfinity, 65530, -65530},
-        {1, -10, 0, 110},
-        {1, -20, -200, 120},
-        {2, 0, 0, 0},
-        {2, 1e-9, 0, -65530},
-    };
-    for (const auto& [series, value, x, y] : cases) {
+    for (const auto& [series, value, x, y] : Cases<int, double, int, int>{
+             {0, 0, 0, 100},
+             {0, 100, 200, 0},
+             {0, 1e9, 65530, -65530},
+             {0, NAN, -65530, -65530},
+             {0, kInfinity, 65530, -65530},
+             {1, -10, 0, 110},
+             {1, -20, -200, 120},
+             {2, 0, 0, 0},
+             {2, 1e-9, 0, -65530},
+         }) {
         EXPECT_EQ(graph.DataToXPixel(value, series), x) << series << ' ' << value;
         EXPECT_EQ(graph.DataToYPixel(value, series), y) << series << ' ' << value;
     }
@@ -150,13 +146,7 @@ TEST(QelGraph, AnOutlineOfAnyPenIsWholeAndTheGridStaysWithinTheArea) {
         graph.GetPrintJob(&job, {0, 0, 60, 50}, &drawn.dc);
         job.GetBlock().DrawCommand(&replayed.dc);
         const CRect area = graph.m_rectDrawArea;
-        CPen pen(PS_SOLID, width, kRed);
-        whole.dc.SelectObject(&pen);
-        whole.dc.MoveTo(area.left, area.top);
-        for (const CPoint& corner : {CPoint(area.left, area.bottom), CPoint(area.right, area.bottom),
-                                     CPoint(area.right, area.top), CPoint(area.left, area.top)}) {
-            whole.dc.LineTo(corner);
-        }
+        DrawOutline(whole.dc, area, width);
         EXPECT_TRUE(drawn.Pixels() == whole.Pixels());
         EXPECT_TRUE(replayed.Pixels() == whole.Pixels());
 
@@ -188,14 +178,7 @@ TEST(QelGraph, TextsLeaveAWideOutlineWhole) {
         graph.SetDivX(0);
         graph.SetDivY(0);
         graph.GraphDraw(&drawn.dc, 0, 0);
-        CPen pen(PS_SOLID, width, kRed);
-        whole.dc.SelectObject(&pen);
-        const CRect& area = graph.m_rectDrawArea;
-        whole.dc.MoveTo(area.left, area.top);
-        for (const CPoint& corner : {CPoint(area.left, area.bottom), CPoint(area.right, area.bottom),
-                                     CPoint(area.right, area.top), CPoint(area.left, area.top)}) {
-            whole.dc.LineTo(corner);
-        }
+        DrawOutline(whole.dc, graph.m_rectDrawArea, width);
         int missing = 0, black = 0;
         for (int y = 0; y < 150; ++y) {
             for (int x = 0; x < 200; ++x) {
@@ -250,7 +233,7 @@ TEST(QelGraph, ALongLineHasThePixelsOfAllItsPoints) {
     }
 }
 
-TEST(QelGraph, BarsMarksAndCross) {
+TEST(QelGraph, BarsMarksAndCrossHaveTheirPixels) {
     Canvas canvas(400, 300);
     OpenGraph graph;
     graph.SetDrawSize(116, 116);  // a unit a pixel
@@ -288,7 +271,7 @@ TEST(QelGraph, BarsMarksAndCross) {
     EXPECT_TRUE(canvas.Pixels() == before);
 }
 
-TEST(QelGraph, TakesAnyNumbers) {
+TEST(QelGraph, IsDrawnWhateverItsNumbersAre) {
     Canvas canvas(50, 40);
     for (const double end : {double(NAN), kInfinity, 0.0, 1e308}) {
         for (const int extreme : {kLeast, -1, 0, 7, kMost}) {

@@ -1,14 +1,12 @@
 #include "qellib10/print/block_data.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "qellib10/platform/drawing/preview_dc.h"
 #include "qellib10/print/gdi_objects.h"
 
 #include "../support/canvas.h"
-#include "../support/cases.h"
+#include "../support/test.h"
 #include "describe.h"
 
 namespace {
@@ -92,7 +90,7 @@ TEST(PrintCommand, DrawsItsKindShifted) {
     }
 }
 
-TEST(PrintCommand, TextStandsInItsBoxByStyle) {
+TEST(PrintCommand, TextIsAlignedAndBrokenByItsStyle) {
     const CRect left = InkOfText(1), center = InkOfText(2), right = InkOfText(4);
     EXPECT_NEAR(left.left, 10, 2);
     EXPECT_NEAR(center.left + center.right, 2 * 110, 3);
@@ -108,9 +106,8 @@ TEST(PrintCommand, TextStandsInItsBoxByStyle) {
     for (const auto& [width, height] : Cases<int, int>{
              {-1, 60},
              {200, -1},
-         }) {
+         })
         ExpectBox(InkOfText(0x14, width, height), left);
-    }
     ExpectBox(InkOfText(1, 0, 0), {});
     EXPECT_GT(InkOfText(1, 200, 60, "A&B").Width(), InkOfText(1, 200, 60, "AB").Width() + 4) << "no prefix";
 }

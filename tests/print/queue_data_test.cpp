@@ -1,18 +1,11 @@
 #include "qellib10/print/queue_data.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <limits>
-#include <random>
-#include <tuple>
 
-#include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/text/code_page.h"
 
-#include "../support/cases.h"
-#include "../support/code_page_scope.h"
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "describe.h"
 
 namespace {
@@ -117,40 +110,6 @@ TEST_F(PrintJob, ComesBackAsItWas) {
     EXPECT_NE(m_folder.Read(kName).find("<commands/>"), std::string::npos);
 }
 
-// A comment in front has the file read as a document, as files of other programs are.
-TEST_F(PrintJob, IsReadTheSameWithAndWithoutADocument) {
-    CQelPrintJobQueueData whole = WholeJob();
-    CQelPrintJobCommand command;
-    command.SetText(1, 2, "Arial", 90, 0, "one\r\ntwo\t> \x93\xFA & three", 0, -1, -1);
-    whole.AddCommand(command);
-    ASSERT_EQ(whole.SaveJobFile(m_folder.Path(kName)), 1);
-    const std::string saved = m_folder.Read(kName);
-    const auto loaded = [&](const std::string& file) {
-        m_folder.Write(kName, file);
-        CQelPrintJobQueueData job;
-        const int result = job.LoadJobFile(m_folder.Path(kName));
-        return std::tuple(result, Describe(job.GetBlock()), job.GetPageStyle() == whole.GetPageStyle());
-    };
-    ASSERT_EQ(std::get<0>(loaded(saved)), 1);
-    ASSERT_EQ(loaded(saved), loaded("<!---->" + saved));
-    std::mt19937 random(1);
-    for (int i = 0; i < 200; ++i) {
-        std::string changed = saved;
-        const std::size_t at = random() % saved.size(), from = random() % saved.size();
-        switch (random() % 3) {
-            case 0:
-                changed[at] = static_cast<char>(random());
-                break;
-            case 1:
-                changed.erase(at, random() % 20);
-                break;
-            default:
-                changed.insert(at, saved, from, random() % 20);
-        }
-        ASSERT_EQ(loaded(changed), loaded("<!---->" + changed)) << changed;
-    }
-}
-
 TEST_F(PrintJob, TextsKeepBlanksLineEndsAndTheirCodePage) {
     for (const char* text : {"  a  ", " ", "\n", "a\r\nb\rc\n\td", "]]>", "\x83\x5D]>", "\xB1\xB2 \x87\x40"}) {
         CQelPrintJobQueueData job;
@@ -172,13 +131,11 @@ TEST_F(PrintJob, WhatAFileLeavesOutHasItsDefault) {
              {"<setpen style=' -2x' colour='1' width='+3'/>", "7: w=3 s=-2"},
              {"<arc y4='1'/>", "10: y4=1"},
              {"<unit/>", "1:"},
-             {"<lineto y='99999999999999999999' x='-2147483649'/>", "4: x1=-2147483648 y1=2147483647"}}) {
+             {"<lineto y='99999999999999999999' x='-2147483649'/>", "4: x1=-2147483648 y1=2147483647"}})
         EXPECT_EQ(Loaded("<commands>" + element + "</commands>"), std::vector{command}) << element;
-    }
     for (const char* none :
-         {"", "<commands/>", "<commands>text<Line/><other/></commands>", "<x><commands><line/></commands></x>"}) {
+         {"", "<commands/>", "<commands>text<Line/><other/></commands>", "<x><commands><line/></commands></x>"})
         EXPECT_TRUE(Loaded(none).empty()) << none;
-    }
     EXPECT_EQ(Loaded("<commands><line/></commands><pagestyle><dpi> 300 dpi</dpi><x>1</x><margin top='5'/></pagestyle>"
                      "<commands><unit>2</unit></commands>"),
               (std::vector<std::string>{"5:", "1: s=2"}));
@@ -203,18 +160,6 @@ TEST_F(PrintJob, WhatCannotBeReadLeavesTheJob) {
     EXPECT_EQ(job.LoadJobFile(m_folder.Path("none")), 0);
     EXPECT_EQ(job.LoadJobFile(m_folder.Path()), 0);
     EXPECT_EQ(job.GetBlock().GetCommandCount(), 12);
-}
-
-TEST_F(PrintJob, AFailedSaveLeavesTheFile) {
-    CQelPrintJobQueueData job;
-    m_folder.Write(kName, "old");
-    {
-        CFile reader(m_folder.Path(kName), CFile::modeRead | CFile::shareDenyWrite);
-        EXPECT_EQ(job.SaveJobFile(m_folder.Path(kName)), 0);
-    }
-    EXPECT_EQ(job.SaveJobFile(m_folder.Path("none/a.job")), 0);
-    EXPECT_EQ(m_folder.Read(kName), "old");
-    EXPECT_EQ(m_folder.Count(), 1);
 }
 
 TEST_F(PrintJob, MillimetresBecomePixels) {
@@ -247,15 +192,14 @@ TEST_F(PrintJob, MillimetresBecomePixels) {
     EXPECT_EQ(copy.GetPageStyle().GetDpi(), 0);
 }
 
-TEST_F(PrintJob, QuotesTextAsSections) {
+TEST_F(PrintJob, QuotedTextIsInSectionsThatEndOnlyAtItsEnd) {
     for (const auto& [text, quoted] :
          Cases<const char*, const char*>{{"", "<![CDATA[]]>"},
                                          {"a&<b>", "<![CDATA[a&<b>]]>"},
                                          {"a]]>b]]>", "<![CDATA[a]]]]><![CDATA[>b]]]]><![CDATA[>]]>"},
                                          {"\x83\x5D]>", "<![CDATA[\x83\x5D]>]]>"},  // the trail byte is no bracket
-                                         {nullptr, "<![CDATA[]]>"}}) {
+                                         {nullptr, "<![CDATA[]]>"}})
         EXPECT_EQ(CQelPrintJobQueueData::Quote(text), quoted);
-    }
     EXPECT_EQ(
         Loaded("<commands><unit>" + std::string(CQelPrintJobQueueData::Quote("1]]>2").View()) + "</unit></commands>"),
         std::vector<std::string>{"1: s=1"});
