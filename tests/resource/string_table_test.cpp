@@ -1,27 +1,22 @@
 #include "qellib10/platform/text/string_table.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cstdlib>
 
-#include "../support/cases.h"
-#include "../support/code_page_scope.h"
-#include "../support/environment_scope.h"
+#include "../support/test.h"
 #include "qellib10/resource/qel_resource.h"
 
 TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
-    const Cases<UINT, UINT, const char*, const char*> cases = {
-        {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"},
-        {2053, 1252, "\xB5g/L", "\xB5g/L"},
-        {2076, 932, "s", "\x95\x62"},
-        {2075, 65001, "\u00B0C", "\u2103"},
-        {27010, 932, "None", "\x82\xC8\x82\xB5"},
-        {28001, 932, "\r\n", "\r\n"},
-        {28002, 932, ",", ","},
-        {28003, 932, "\"", "\""},
-    };
-    for (const auto& [id, page, english, japanese] : cases) {
+    for (const auto& [id, page, english, japanese] : Cases<UINT, UINT, const char*, const char*>{
+             {2053, 932, "\x83\xCAg/L", "\x83\xCAg/L"},
+             {2053, 1252, "\xB5g/L", "\xB5g/L"},
+             {2076, 932, "s", "\x95\x62"},
+             {2075, 65001, "\u00B0C", "\u2103"},
+             {27010, 932, "None", "\x82\xC8\x82\xB5"},
+             {28001, 932, "\r\n", "\r\n"},
+             {28002, 932, ",", ","},
+             {28003, 932, "\"", "\""},
+         }) {
         const CodePageScope scope(page);
         qel::SetTableLanguage(qel::Language::Japanese);
         EXPECT_EQ(qel::LookUpString(id), CString(japanese));
@@ -68,18 +63,15 @@ TEST(StringTableDeathTest, TakesLanguageAndCodePageFromTheEnvironment) {
 TEST(QelResource, UnitsAreFoundByTheirTextsAndModelsByTheirIndex) {
     for (const auto language : {qel::Language::Japanese, qel::Language::English}) {
         qel::SetTableLanguage(language);
-        for (int i = 0; i < CQELResource::GetUnitCount(); ++i) {
+        for (int i = 0; i < CQELResource::GetUnitCount(); ++i)
             EXPECT_EQ(CQELResource::GetUnitID(CQELResource::GetUnitText(2048 + static_cast<UINT>(i))), 2048 + i);
-        }
     }
     EXPECT_TRUE(CQELResource::GetUnitCount() == 32 && CQELResource::GetUnitText(2056) == "mol/L");
     // "None" is a text of the table, but no unit.
     EXPECT_EQ(CQELResource::GetUnitText(27010), "");
-    for (const char* text : {"None", "MOL/L", "", static_cast<const char*>(nullptr)}) {
+    for (const char* text : {"None", "MOL/L", "", static_cast<const char*>(nullptr)})
         EXPECT_EQ(CQELResource::GetUnitID(text), -1);
-    }
     for (int i = 0; i < CQELResource::GetModelCount(); ++i) EXPECT_NE(CQELResource::GetModelName(i), "");
-    for (const int index : {-1, CQELResource::GetModelCount(), INT_MAX, INT_MIN}) {
+    for (const int index : {-1, CQELResource::GetModelCount(), INT_MAX, INT_MIN})
         EXPECT_EQ(CQELResource::GetModelName(index), "");
-    }
 }

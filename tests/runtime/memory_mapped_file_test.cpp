@@ -1,20 +1,16 @@
 #include "qellib10/runtime/memory_mapped_file.h"
 
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
 
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "../support/child_process.h"
-#include "../support/line.h"
 #include "../support/shared_state.h"
-#include "../support/soak.h"
+#include "../support/test.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/runtime/check_repeat_exec.h"
 
@@ -214,9 +210,8 @@ TEST(CheckRepeatExec, TheFirstKeepsTheNameAsLongAsItLives) {
 
     const CCheckRepeatExec copy(*instance);
     instance.reset();
-    for (const std::string& free : {name, std::string()}) {
+    for (const std::string& free : {name, std::string()})
         EXPECT_EQ(InChild([&] { return IsTaken(free) || IsTaken(free); }), 0);
-    }
     // Nobody is the first where that cannot be known.
     EXPECT_EQ(InChild([] { return IsTaken("a\\b"); }), 1);
     CMemoryMappedFile block;

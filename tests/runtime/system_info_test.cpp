@@ -1,9 +1,7 @@
 #include "qellib10/runtime/system_info.h"
 
 #include <cstdlib>
-#include <filesystem>
 
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/shell/system_state.h"
 

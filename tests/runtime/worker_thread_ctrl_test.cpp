@@ -1,15 +1,12 @@
 #include "qellib10/runtime/worker_thread_ctrl.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <mutex>
 #include <optional>
 #include <thread>
-#include <vector>
 
 #include "../support/child_process.h"
-#include "../support/line.h"
+#include "../support/test.h"
 #include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/sync/handle.h"
 
@@ -89,9 +86,8 @@ TEST(WorkerThreadCtrl, AForkedChildHasAnEmptyTableThatIsNotLocked) {
             CWorkerThreadCtrl::GetThreadCount(0);
         }
     });
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 20; ++i)
         EXPECT_EQ(InChild([&] { return CWorkerThreadCtrl::GetThreadCount(0) * 10 + own.IsStop(); }), 1);
-    }
     done = true;
     busy.join();
     EXPECT_EQ(own.IsStop(), 0);

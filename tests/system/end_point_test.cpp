@@ -5,8 +5,6 @@
 #include <cmath>
 #include <functional>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "../support/made_curve.h"
 #include "../support/soak.h"
@@ -150,9 +148,8 @@ TEST(EndPoint, IsNotAStrayBesideASharpStep) {
              {beforeTheStep, 15.166, 0.0523},
              {twice, 12.709, 0.0725},
              {nextToOthers, 7.666, 0.083},
-         }) {
+         })
         EXPECT_NEAR(Found(curve.volume, curve.signal).value_or(expected), expected, half);
-    }
 }
 
 // Noise makes one of many short intervals the steepest.
@@ -198,9 +195,8 @@ TEST(EndPoint, SaysWhyThereIsNone) {
                                               {EvenCurve(0, 9.9), "the curve ends before its step"},
                                               {EvenCurve(9.9, 20), "the curve begins at its step near 10."},
                                               {twice, "stray readings at the step near "},
-                                              {level, "the curve comes back over its step near 10."}}) {
+                                              {level, "the curve comes back over its step near 10."}})
         EXPECT_EQ(Refusal(curve).substr(0, std::string(expected).size()), expected) << Refusal(curve);
-    }
 }
 
 TEST(EndPoint, InAGapIsBetweenTheReadingsAroundIt) {

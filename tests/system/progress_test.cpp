@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <stdlib.h>
 
-#include <string>
-
 #include "../support/test.h"
 
 namespace {

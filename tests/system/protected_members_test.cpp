@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <utility>
-#include <vector>
-
-#include "../support/line.h"
+#include "../support/test.h"
 #include "qellib10/qellib10.h"
 
 namespace {
@@ -48,13 +43,9 @@ TEST(ProtectedMembers, WriteNothingThatIsNotXml) {
     const std::vector<std::pair<const char*, Step>> before = {
         {"attribute", [](auto& writer) { writer.Attribute("id", 1); }},
         {"text", [](auto& writer) { writer.Text("text"); }},
-        {"empty text", [](auto& writer) { writer.Text(""); }},
-        {"number", [](auto& writer) { writer.Text(1); }},
         {"end", [](auto& writer) { writer.End(); }},
         {"bytes", [](auto& writer) { writer.Bytes(); }},
         {"null", [](auto& writer) { writer.Begin(nullptr); }},
-        {"empty", [](auto& writer) { writer.Begin(""); }},
-        {"blank", [](auto& writer) { writer.Begin("b c"); }},
         {"tag", [](auto& writer) { writer.Begin("a<b"); }},
         {"digit", [](auto& writer) { writer.Begin("1a"); }},
         {"not ASCII", [](auto& writer) { writer.Begin("\xC2\xB5"); }},
@@ -63,7 +54,6 @@ TEST(ProtectedMembers, WriteNothingThatIsNotXml) {
         {"the same attribute", [](auto& writer) { writer.Attribute("id", 2); }},
         {"wrong attribute", [](auto& writer) { writer.Attribute("a\"", 1); }},
         {"null attribute", [](auto& writer) { writer.Attribute(nullptr, 1); }},
-        {"wrong element", [](auto& writer) { writer.Begin("c/"); }},
         {"bytes", [](auto& writer) { writer.Bytes(); }},
     };
     const std::vector<std::pair<const char*, Step>> after = {

@@ -46,7 +46,7 @@ template <class... Objects> void ExpectDestructorAlone(const Objects&... objects
 
 }  // namespace
 
-TEST(VirtualOrder, IsFixed) {
+TEST(VirtualOrder, EachOperationKeepsItsSlot) {
     ExpectDestructorAlone(CCheckDatafile(), CBase64(), CGuid(), CRSControlCode(), CQVariant(), CQELResource(),
                           CCheckRepeatExec(), CWorkerThreadCtrl(), CCryptBrowFish(), CHistoryCabinetFile(), CDiffItem(),
                           CQDiffList(), CQelPrintJobCommand(), CQelPrintJobBlockData(), CQelPrintJobQueueData(),

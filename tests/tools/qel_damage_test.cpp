@@ -1,10 +1,8 @@
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <map>
 
 #include "../support/archive_bytes.h"
-#include "../support/cases.h"
+#include "../support/test.h"
 #include "qel_folder.h"
 #include "qellib10/qellib10.h"
 
@@ -139,7 +137,7 @@ TEST(QelVerify, SeesEachByteOfASealedFile) {
     EXPECT_EQ(folder.Qel("verify -j 1" + names), answer);
 }
 
-TEST(QelVerify, OtherFindings) {
+TEST(QelVerify, RenamedUnknownAndUnreadableFilesAreReported) {
     const Folder folder;
     std::filesystem::rename(folder.Posix("data.dat"), folder.Posix("other.dat"));
     folder.Write("text", "neither sealed nor known");

@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "../support/environment_scope.h"
-#include "../support/temp_folder.h"
+#include "../support/test.h"
 #include "answer_of.h"
 #include "qellib10/platform/restart/restart_record.h"
 

@@ -1,6 +1,5 @@
 #include "qellib10/user/function_security.h"
 
-#include "../support/line.h"
 #include "../support/test.h"
 #include "qellib10/user/user_info.h"
 
@@ -18,7 +17,7 @@ public:
 
 }  // namespace
 
-TEST(FunctionSecurity, FirstEntryOfAnIdentifierAnswers) {
+TEST(FunctionSecurity, TheFirstEntryOfAnIdentifierIsFound) {
     TitratorSecurity security;
     EXPECT_EQ(security.GetFunctionSecurity(100), -1);
     security.Initialize();
@@ -29,15 +28,14 @@ TEST(FunctionSecurity, FirstEntryOfAnIdentifierAnswers) {
              {1, 7},
              {2, 100},
              {3, -1},
-         }) {
+         })
         EXPECT_EQ(security.GetFunctionID(index), id) << index;
-    }
     EXPECT_EQ(Line({security.SetFunctionSecurity(100, 3), security.SetFunctionSecurity(8, 3)}), "1 0");
     EXPECT_EQ(security.GetFunctionSecurity(100), 3);
     EXPECT_EQ(Line({security.GetFunctionName(100), security.GetFunctionName(8)}), "Calibrate ");
 }
 
-TEST(FunctionSecurity, PrivilegesStandAboveLevels) {
+TEST(FunctionSecurity, MakerAndManagerMayAll) {
     TitratorSecurity security;
     security.Initialize();
     using Set = void (CFunctionSecurity::*)(int);

@@ -1,8 +1,5 @@
 #include "qellib10/user/system_setting.h"
 
-#include <initializer_list>
-
-#include "../support/line.h"
 #include "../support/registry_scope.h"
 #include "../support/test.h"
 #include "qellib10/file/private_profile.h"
@@ -74,7 +71,7 @@ TEST(SystemSetting, AFailedLogonEndsTheOneBefore) {
     EXPECT_EQ(Rights(copy), kNobody);
 }
 
-TEST(SystemSetting, AsksTheStore) {
+TEST(SystemSetting, EachQuestionGoesToTheStore) {
     Store store;
     for (CClassAgentConnectInterface* const connect : {static_cast<Store*>(nullptr), &store}) {
         CSystemSetting setting(connect);
