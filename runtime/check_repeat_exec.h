@@ -3,10 +3,13 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
-/// Shows an application whether another instance of it is running.
+/// Finds out whether another instance of an application is running. Two instances that drive one instrument, or write
+/// one set of files, disturb each other; the second one asks here and ends.
 ///
-///     CCheckRepeatExec instance;  // lives as long as the application
-///     if (instance.CheckRepeatExecute("titrator")) return 0;
+/// @code
+/// static CCheckRepeatExec instance;  // lives as long as the application
+/// if (instance.CheckRepeatExecute("titrator")) return;
+/// @endcode
 ///
 /// An instance is marked by a mutex of that name; only its existence matters, nobody ever owns it. Names are as for
 /// CMemoryMappedFile. A killed instance leaves no mark. The mark belongs to the process: a program that continues in a

@@ -18,11 +18,15 @@ struct CabinetVersion {
     ULONGLONG dataAt = 0;  ///< from the start of the file
 };
 
-/// Goes through the versions of a cabinet, oldest first, and writes nothing: for programs that list or check cabinets.
+/// Goes through the versions of a cabinet, oldest first, and writes nothing. CHistoryCabinetFile keeps writers out and
+/// takes versions out into files; a program that lists or checks cabinets must do neither.
 ///
-///     const CFile file("method.hcf", CFile::modeRead | CFile::shareDenyWrite);
-///     qel::CabinetReader cabinet(file);
-///     while (const auto version = cabinet.Next()) damaged += !cabinet.IsIntact(*version);
+/// @code
+/// const CFile file("method.hcf", CFile::modeRead | CFile::shareDenyWrite);
+/// qel::CabinetReader cabinet(file);
+/// int damaged = 0;
+/// while (const auto version = cabinet.Next()) damaged += !cabinet.IsIntact(*version);
+/// @endcode
 ///
 /// Operations throw CFileException if the file cannot be read or ends too early (endOfFile).
 class QELLIB10_API CabinetReader {

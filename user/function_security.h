@@ -11,14 +11,16 @@
 ///
 /// An application derives a class that fills the table with its functions; the base class creates an empty one:
 ///
-///     class TitratorSecurity : public CFunctionSecurity {
-///     public:
-///         TitratorSecurity() { Initialize(); }
-///         void InitializeFunctionInfo() override {
-///             CFunctionSecurity::InitializeFunctionInfo();
-///             AddFunctionInfo(CFunctionInfo(100, "Calibrate", 0));
-///         }
-///     };
+/// @code
+/// class TitratorSecurity : public CFunctionSecurity {
+/// public:
+///     TitratorSecurity() { Initialize(); }
+///     void InitializeFunctionInfo() override {
+///         CFunctionSecurity::InitializeFunctionInfo();
+///         AddFunctionInfo(CFunctionInfo(100, "Calibrate", 0));
+///     }
+/// };
+/// @endcode
 ///
 /// An identifier may occur twice: operations by identifier act on the first entry with it. Copies have their own table.
 /// The order of the virtual operations is fixed.

@@ -5,12 +5,16 @@
 #include "qellib10/user/class_agent_connect_interface.h"
 #include "qellib10/user/user_info.h"
 
-/// Who is logged on and what that user may do, and the connection to the user store, which the application provides:
+/// Who is logged on and what that user may do. An application asks here before each function that not everybody may
+/// use, and never sees how its user store checks a password.
 ///
-///     MyUserStore store;
-///     CSystemSetting setting(&store);
-///     if (!setting.LogonWithDialog()) return;
-///     if (setting.GetLogonUserSecurityLevel(calibrateFunction) < 1) return;
+/// @code
+/// CClassAgentConnectInterface& OurStore();  // of the application
+/// constexpr int kCalibrate = 100;           // a function of the application
+/// CSystemSetting setting(&OurStore());
+/// if (!setting.LogonWithDialog()) return;
+/// if (setting.GetLogonUserSecurityLevel(kCalibrate) < 1) return;  // -1 without a logon: never compare with "not 0"
+/// @endcode
 ///
 /// A failed logon ends the previous one. The logged-on user's account is copied from the store at the logon; later
 /// changes there take effect at the next logon.
