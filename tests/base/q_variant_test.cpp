@@ -58,6 +58,7 @@ TEST(QVariant, RoundsToTensAndBeyondTheRangeOfDoubles) {
              {1.005, 2, 0, 1.01},
              {-1.005, 2, 0, -1.01},  // the doubles lie below the halves
              {1250, -2, 0, 1300},
+             {1250, -2, -1, 1200},
              {-1201, -2, 1, -1300},
              {5, -400, 0, 0},
              {5, -400, 5, kInfinity},
@@ -117,10 +118,13 @@ TEST(QVariant, ReadsNumbersAsTheRuntimeDoes) {
         {"0x10", 0},
         {"2147483648", kMost},
         {"-2147483648", kLeast},
+        {"-99999999999999999999", kLeast},
         {"--9999999999999999999999", kMost},
     };
+    // clang-format off
     const Cases<const char*, double> numbers = {
         {"-+2.5", -2.5},
+        {".5", 0.5},
         {"-1d2x", -100},
         {"0.0e2", 0},
         {"", 0},
@@ -133,6 +137,7 @@ TEST(QVariant, ReadsNumbersAsTheRuntimeDoes) {
         {"0x10", 0},
         {"1e99999999999999999999", kInfinity},
     };
+    // clang-format on
     for (const auto& [text, expected] : integers) EXPECT_EQ(V::StrToInt(text), expected) << text;
     for (const auto& [text, expected] : numbers) EXPECT_EQ(V::StrToDouble(text), expected) << text;
     EXPECT_TRUE(std::signbit(V::StrToDouble("-")));
@@ -233,6 +238,7 @@ TEST(QVariant, NamesWithNumbersSortByTheNumber) {
 TEST(QVariant, VersionsCompareByNumber) {
     for (const auto& [a, b, order] : Cases<const char*, const char*, int>{
              {"1.2", "1.2.0", 0},
+             {"1.10", "1.9", 1},
              {"1,2", "1.2", 0},
              {" 1 . 2", "1.2", 0},
              {"", "0.0", 0},

@@ -14,22 +14,37 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 }  // namespace
 
 TEST(ReadNumber, ReadsWhatInstrumentsSendAndNothingElse) {
-    const Cases<const char*, std::optional<double>> cases = {
-        {"7.005", 7.005},   {" \t-12.50\r\n", -12.5},
-        {"+0,350", 0.35},   {".5", 0.5},
-        {"5.", 5},          {"-0", 0},
-        {"1.5E-3", 0.0015}, {"1,006E+00", 1.006},
-        {"0e999", 0},       {"5e-324", 5e-324},
-        {"", {}},           {"-", {}},
-        {".", {}},          {"e5", {}},
-        {"1e", {}},         {"1,2,3", {}},
-        {"1.234,5", {}},    {"+-5", {}},
-        {"1 000", {}},      {"7.01 pH", {}},
-        {"inf", {}},        {"0x10", {}},
-        {"1d2", {}},        {"\x82\x50", {}},
-        {"1e400", {}},      {"1e-400", {}},
-    };
-    for (const auto& [text, expected] : cases) EXPECT_EQ(qel::ReadNumber(text), expected) << text;
+    // clang-format off
+    for (const auto& [text, expected] : Cases<const char*, std::optional<double>>{
+             {"7.005", 7.005},
+             {" \t-12.50\r\n", -12.5},
+             {"+0,350", 0.35},
+             {".5", 0.5},
+             {"5.", 5},
+             {"-0", 0},
+             {"1.5E-3", 0.0015},
+             {"1,006E+00", 1.006},
+             {"0e999", 0},
+             {"5e-324", 5e-324},
+             {"", {}},
+             {"-", {}},
+             {".", {}},
+             {"e5", {}},
+             {"1e", {}},
+             {"1,2,3", {}},
+             {"1.234,5", {}},
+             {"+-5", {}},
+             {"1 000", {}},
+             {"7.01 pH", {}},
+             {"inf", {}},
+             {"0x10", {}},
+             {"1d2", {}},
+             {"\x82\x50", {}},
+             {"1e400", {}},
+             {"1e-400", {}},
+         })
+        EXPECT_EQ(qel::ReadNumber(text), expected) << text;
+    // clang-format on
     EXPECT_EQ(qel::ReadNumber(std::string_view("7.005", 3)), 7);
     EXPECT_EQ(qel::ReadNumber(std::string_view("7\0", 2)), std::nullopt);
     EXPECT_EQ(qel::ReadNumber(CString("7\0", 2)), std::nullopt);

@@ -128,6 +128,7 @@ TEST(CalcVariableList, ReadsOlderVersionsAndStopsAtTheUnknown) {
              {Text("QX-APP") + Text("1.01") + '\xFF' + Int(2) + Int(1) + Golden("QX-APP"), 0, "A ", 255},
              {first + Int(2) + Golden() + Golden(), 0, "A A ", 0},
              {head + Text("1.02") + "rest", 4, "old ", 1},
+             {Text("QWCALC") + Text("1.01") + "rest", 4, "old ", 1},
              {first + Int(-1) + "rest", 4, "", 0},
              {first + Int(3) + Golden() + Golden("QWCalc", "2.00"), 18, "A ", 0},
              {first + Int(3) + Golden("other"), 18, "", 0},

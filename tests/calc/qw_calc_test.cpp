@@ -57,6 +57,7 @@ TEST(QWCalc, FormulasAreCheckedAndCalculated) {
              {"1 . 5", 1, 1.5},
              {"\x83\x41*1", 1, 7},
              {"\x82\x81", 1, 6},
+             {" \t ", 1, 0},
              {"", 1, 0},
              {"2*", 1, 0},
              {"()", 1, 0},

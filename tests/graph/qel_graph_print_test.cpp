@@ -285,6 +285,7 @@ TEST(QelGraphPrint, EachPrimitiveIsACommand) {
 TEST(QelGraphPrint, CirclesOfALineAreSeenAtAnyResolution) {
     for (const auto& [mode, dotsPerInch, diameter] : Cases<int, int, int>{
              {0, 0, 6},
+             {0, -1, 6},
              {0, 96, 6},
              {0, 600, 36},
              {0, 31, 2},

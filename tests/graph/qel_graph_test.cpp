@@ -58,6 +58,7 @@ TEST(QelGraph, ValuesArePlacedInTheArea) {
     graph.SetYMaxRange(2, 0);
     for (const auto& [series, value, x, y] : Cases<int, double, int, int>{
              {0, 0, 0, 100},
+             {0, 99.9, 199, 0},
              {0, 100, 200, 0},
              {0, 1e9, 65530, -65530},
              {0, NAN, -65530, -65530},

@@ -33,6 +33,7 @@ TEST(Dc, PensCoverThePlatformsPixels) {
              {99, 1, false, {5, 5, 14, 6}},
              {PS_SOLID, 1, true, {4, 4, 12, 9}},
              {PS_SOLID, 3, true, {3, 3, 13, 10}},
+             {PS_NULL, 1, true, {4, 4, 11, 8}},
              {PS_INSIDEFRAME, 3, true, {4, 4, 12, 9}},
          }) {
         SCOPED_TRACE(Line({style, width, isRectangle}));

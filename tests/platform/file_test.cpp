@@ -119,13 +119,18 @@ TEST(File, RefusesWhatItsModeDoesNotAllow) {
     CMemFile block, memory;
     block.Attach(reinterpret_cast<const BYTE*>("abc"), 3);
     memory.Write("abc", 3);
-    const Cases<std::function<void()>, LONG> cases = {
-        {[&] { writing.Read(&byte, 1); }, 5},       {[&] { reading.Write(&byte, 1); }, 5},
-        {[&] { reading.SetLength(1); }, 5},         {[&] { reading.Flush(); }, 5},
-        {[&] { block.Write(&byte, 1); }, 5},        {[&] { block.Duplicate(); }, 6},
-        {[&] { memory.SetLength(UINT64_MAX); }, 8}, {[&] { reading.Write(&byte, 0); }, 0},
-        {[&] { CFile().Read(&byte, 0); }, 0}};  // nothing can always be done
-    for (const auto& [use, code] : cases) EXPECT_EQ(CodeOf(use), code);
+    for (const auto& [use, code] : Cases<std::function<void()>, LONG>{
+             {[&] { writing.Read(&byte, 1); }, 5},
+             {[&] { reading.Write(&byte, 1); }, 5},
+             {[&] { reading.SetLength(1); }, 5},
+             {[&] { reading.Flush(); }, 5},
+             {[&] { block.Write(&byte, 1); }, 5},
+             {[&] { block.Duplicate(); }, 6},
+             {[&] { memory.SetLength(UINT64_MAX); }, 8},
+             {[&] { reading.Write(&byte, 0); }, 0},
+             {[&] { CFile().Read(&byte, 0); }, 0},
+         })  // nothing can always be done
+        EXPECT_EQ(CodeOf(use), code);
     EXPECT_EQ(Content(block), "abc");
     EXPECT_EQ(memory.Detach(), (std::vector<BYTE>{'a', 'b', 'c'}));
     EXPECT_EQ(memory.GetLength(), 0u);

@@ -9,6 +9,7 @@ TEST(FindFiles, MatchesByThePlatformsRules) {
     for (const auto& [pattern, matching, other] : Cases<const char*, const char*, const char*>{
              {"*.*", "a a.txt .profile", ""},
              {"*", "a a.txt .profile", ""},
+             {"?", "a", "ab a.b"},
              {"a??.txt", "a.txt ab.txt abc.txt A1.TXT", "abcd.txt b.txt"},
              {"foo.*", "foo foo.txt FOO.tar.gz", "foobar foo1.x"},
              {"foo.?", "foo foo.x", "foo.xy"},

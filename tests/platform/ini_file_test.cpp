@@ -90,6 +90,7 @@ TEST_F(IniFile, ChangesOnlyTheBytesThatItMust) {
              {"[s]", "s", "k", "v", "[s]\r\nk=v\r\n"},
              {"[s]\n[t]\n[s]\nk=1\n", "s", "k", "v", "[s]\nk=v\r\n[t]\n[s]\nk=1\n"},
              {"[s]\nk=1", " t ", "k", "v", "[s]\nk=1\r\n[t]\r\nk=v\r\n"},
+             {"\xEF\xBB\xBF[s]\nk=1\n", "s", "k", "2", "\xEF\xBB\xBF[s]\nk=2\n"},
              {"\xEF\xBB\xBF", "s", "k", "v", "\xEF\xBB\xBF[s]\r\nk=v\r\n"},
              {"[s]\nk=1\nl=2", "s", "l", nullptr, "[s]\nk=1\n"},
              {"a\n[s]\nk=1\n\n[t]\n", "s", nullptr, "ignored", "a\n[t]\n"},

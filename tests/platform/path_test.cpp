@@ -22,6 +22,7 @@ TEST(Path, BecomesPosix) {
              {"C:\\" + kKatakana + "\\a.txt", "/" + kKatakanaUtf8 + "/a.txt"},
              {"d:/", "/mnt/d"},
              {"D:rel", "/mnt/d/rel"},
+             {"C:", "/"},
              {"\\tmp\\x", "/tmp/x"},
              {"a\\\\b\\", "a/b"},
              {"\\\\srv\\share\\p", "/net/srv/share/p"},

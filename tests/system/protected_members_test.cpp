@@ -43,6 +43,7 @@ TEST(ProtectedMembers, WriteNothingThatIsNotXml) {
     const std::vector<std::pair<const char*, Step>> before = {
         {"attribute", [](auto& writer) { writer.Attribute("id", 1); }},
         {"text", [](auto& writer) { writer.Text("text"); }},
+        {"empty text", [](auto& writer) { writer.Text(""); }},
         {"end", [](auto& writer) { writer.End(); }},
         {"bytes", [](auto& writer) { writer.Bytes(); }},
         {"null", [](auto& writer) { writer.Begin(nullptr); }},

@@ -49,6 +49,7 @@ TEST(QelJob, DrawsAndPrintsPages) {
              {"render one two three -o last.svg --page 2 --force --json | tr -d ' \\n'",
               "0 [{\"file\":\"last.svg\",\"page\":2,\"pages\":1}]"},
              {"render one -o one.gif", "2 qel: \"one.gif\" ends with neither .png, .svg nor .pdf; see qel --help\n"},
+             {"render none -o none.png", "5 qel: none: file not found\n"},
              {"print one two", "0 "},
              {"print one --printer none", "1 qel: the printer \"none\" is not there\n"},
              {"show three --json | tr -d ' \\n' | grep -o '\"dpi.*'",
