@@ -35,9 +35,9 @@ void Assign(std::string& to, std::string_view text) noexcept {
 
 FailureMark& Operation::MarkOfThread() noexcept { return theMark; }
 
-void Operation::Refused() noexcept {
+void Operation::Refused(FailureKind otherwise, std::string_view text) noexcept {
     if (m_mark.count == m_before) {
-        Failed(FailureKind::kRefused, "", "refused");
+        Failed(otherwise, "", text);
         return;
     }
     m_mark.isCurrent = true;

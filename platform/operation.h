@@ -24,20 +24,22 @@ public:
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    /// The operation ends with @p result. When that is 0 its reason is the last one recorded within it.
+    /// The operation ends with @p result. When that is 0 its reason is the last one recorded within it, or else
+    /// @p otherwise.
     /// @return the same
-    template <typename Result> Result Ended(Result result) noexcept {
+    template <typename Result> Result Ended(Result result, FailureKind otherwise = FailureKind::kRefused,
+                                            std::string_view text = "refused") noexcept {
         if (result) {
             m_mark.isCurrent = false;
         } else {
-            Refused();
+            Refused(otherwise, text);
         }
         return result;
     }
 
     /// A failure of an operation within this one, if one is the last thing that happened, gets its name.
     void TakeOver() noexcept {
-        if (m_mark.isCurrent && m_mark.count != m_before) Refused();
+        if (m_mark.isCurrent && m_mark.count != m_before) Refused(FailureKind::kRefused, "");
     }
 
     /// As the members of Failure.
@@ -56,7 +58,7 @@ public:
 
 private:
     QELLIB10_INTERNAL_API static FailureMark& MarkOfThread() noexcept;
-    QELLIB10_INTERNAL_API void Refused() noexcept;
+    QELLIB10_INTERNAL_API void Refused(FailureKind otherwise, std::string_view text) noexcept;
 
     const char* m_name;
     FailureMark& m_mark;

@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <optional>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/wrapped.h"
 #include "qellib10/print/paper_size.h"
 
 namespace {
 
+using qel::FailureKind;
+
+constexpr const char* kAdd = "CQelPrintJobDocumentData::CheckAndAddJobFile";
 constexpr int kPointsPerInch = 72;
 constexpr int kDownTheColumn = 1, kAlongTheRow = 2;
 
@@ -44,6 +48,12 @@ private:
     std::optional<qel::PdfInfo> m_before;
 };
 
+// Records why the cells cannot be laid out.
+std::nullopt_t NotPlaced(const char* why) {
+    qel::Refuse(FailureKind::kData, "", why);
+    return std::nullopt;
+}
+
 int LengthBetween(int length, int before, int behind) {
     return qel::WrappedDifference(qel::WrappedDifference(length, before), behind);
 }
@@ -61,15 +71,16 @@ int CQelPrintJobDocumentData::Initialize() {
 }
 
 int CQelPrintJobDocumentData::CheckAndAddJobFile(const char* path) {
+    qel::Operation operation(kAdd);
     CQelPrintJobQueueData job;
-    return job.LoadJobFile(path) ? CheckAndAddJobFile(job) : 0;
+    return operation.Ended(job.LoadJobFile(path) ? CheckAndAddJobFile(job) : 0);
 }
 
 int CQelPrintJobDocumentData::CheckAndAddJobFile(const CQelPrintJobQueueData& job) {
     if (m_listBlock.empty()) {
         m_PageStyle = job.GetPageStyle();
     } else if (!(job.GetPageStyle() == m_PageStyle)) {
-        return 0;
+        return qel::Operation(kAdd).Failed(FailureKind::kData, "", "the job has another page style");
     }
     m_listBlock.push_back(job.GetBlock());
     return 1;
@@ -80,15 +91,16 @@ int CQelPrintJobDocumentData::IsPrintOutPageExist(int more) const {
 }
 
 int CQelPrintJobDocumentData::PrintOut() {
+    qel::Operation operation("CQelPrintJobDocumentData::PrintOut");
     const HDC selected = m_PageStyle.GetSelectedPrinterDC();
     CDC dc;
-    if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return 0;
+    if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return operation.Ended(0);
     const DocumentInfo info(dc, m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo());
     // If it cannot be laid out, no document is started: it would block the next one on a selected context.
     const bool isPrinted = PlaceCells(&dc) && dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
                            PrintOutMain(&dc, -1, 0) && dc.EndPage() > 0 && dc.EndDoc() > 0;
     if (selected != nullptr) dc.Detach();
-    return isPrinted ? 1 : 0;
+    return operation.Ended(isPrinted ? 1 : 0);
 }
 
 int CQelPrintJobDocumentData::OnPrint(CDC* dc, CPrintInfo* info) {
@@ -100,15 +112,16 @@ int CQelPrintJobDocumentData::OnPrint(CDC* dc, CPrintInfo* info) {
 }
 
 int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
+    qel::Operation operation("CQelPrintJobDocumentData::PrintOutMain");
     const std::optional<CSize> size = PlaceCells(dc);
-    if (!size) return 0;
+    if (!size) return operation.Ended(0);
     const LONGLONG cells = CellsPerPage();
     int current = 1;
     LONGLONG index = 0;
     for (CQelPrintJobBlockData& block : m_listBlock) {
         const auto cell = static_cast<int>(index % cells);
         if (cell == 0 && index > 0) {
-            if (page < 0 && preview == 0 && (dc->EndPage() <= 0 || dc->StartPage() <= 0)) return 0;
+            if (page < 0 && preview == 0 && (dc->EndPage() <= 0 || dc->StartPage() <= 0)) return operation.Ended(0);
             ++current;
         }
         ++index;
@@ -119,7 +132,7 @@ int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
         block.DrawCommand(dc);
         dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has saved before
     }
-    return 1;
+    return operation.Ended(1);
 }
 
 LONGLONG CQelPrintJobDocumentData::CellsPerPage() const {
@@ -130,13 +143,15 @@ LONGLONG CQelPrintJobDocumentData::CellsPerPage() const {
 std::optional<CSize> CQelPrintJobDocumentData::PlaceCells(CDC* dc) {
     const CQelPrintJobPageStyle& style = m_PageStyle;
     const CSize grid = style.GetPrintBlock();
-    if (grid.cx < 1 || grid.cy < 1 || !GetPrintMargin(dc, &m_PageStyle)) return std::nullopt;
+    if (grid.cx < 1 || grid.cy < 1) return NotPlaced("a page without cells");
+    if (!GetPrintMargin(dc, &m_PageStyle)) return NotPlaced("no such unit, or a context without a resolution");
     const CSize paper = style.GetPaperSizeOn(dc);
     const CSize size(LengthBetween(paper.cx, style.GetLeftMargin(), style.GetRightMargin()) / grid.cx,
                      LengthBetween(paper.cy, style.GetTopMargin(), style.GetBottomMargin()) / grid.cy);
     // For the first column and row only the start matters; later ones would be printed over them.
     const CSize furthest = FurthestCell();
-    if ((furthest.cx > 0 && size.cx < 1) || (furthest.cy > 0 && size.cy < 1)) return std::nullopt;
+    if ((furthest.cx > 0 && size.cx < 1) || (furthest.cy > 0 && size.cy < 1))
+        return NotPlaced("the margins leave no room for the cells");
     return size;
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/platform/wrapped.h"
 #include "qellib10/print/paper_size.h"
@@ -47,6 +48,7 @@ public:
         DEVMODE mode;
     };
     std::optional<Details> Ask() const {
+        if (m_hPrinter == nullptr) return std::nullopt;
         DWORD needed = 0;
         GetPrinter(m_hPrinter, 2, nullptr, 0, &needed);
         std::vector<BYTE> buffer(needed);
@@ -121,36 +123,41 @@ int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CPoint& point) const {
 
 int CQelPrintJobPageStyle::SelectPrinter() {
     CPrintDialog dialog(0, PD_ALLPAGES | PD_NOPAGENUMS | PD_NOSELECTION | PD_HIDEPRINTTOFILE | PD_USEDEVMODECOPIES);
-    if (dialog.DoModal() != IDOK) return 0;
+    qel::Operation operation("CQelPrintJobPageStyle::SelectPrinter");
+    if (dialog.DoModal() != IDOK) return operation.Failed(qel::FailureKind::kRefused, "", "cancelled");
     m_SelectedPrinterDC.Reset();
     m_szPrinterDevice = dialog.GetDeviceName();
     m_szPrinterDriverName = dialog.GetDriverName();
     m_szPrinterPort = dialog.GetPortName();
     DEVMODE* const mode = dialog.GetDevMode();
-    if (mode == nullptr) return 0;
+    if (mode == nullptr)
+        return operation.Failed(qel::FailureKind::kPrinter, m_szPrinterDevice.View(), "the printer has no settings");
     const HDC dc = dialog.CreatePrinterDC();
-    if (dc == nullptr) return 0;
+    if (dc == nullptr) return operation.Ended(0);
     m_SelectedPrinterDC.Reset(dc);
     BorrowedDC context(dc);
     ReadDevMode(*mode, &context);
-    return 1;
+    return operation.Ended(1);
 }
 
 int CQelPrintJobPageStyle::MovePrinterDC(CQelPrintJobPageStyle& other) {
-    if (other.GetSelectedPrinterDC() == nullptr) return 0;
+    if (other.GetSelectedPrinterDC() == nullptr)
+        return qel::Operation("CQelPrintJobPageStyle::MovePrinterDC")
+            .Failed(qel::FailureKind::kState, "", "no printer is selected");
     if (this != &other) m_SelectedPrinterDC.Reset(other.m_SelectedPrinterDC.Release());
     return 1;
 }
 
 HDC CQelPrintJobPageStyle::GetPrinterDC() {
+    qel::Operation operation("CQelPrintJobPageStyle::GetPrinterDC");
     auto printer = OpenedPrinter(m_szPrinterDevice).Ask();
-    if (!printer) return nullptr;
+    if (!operation.Ended(printer.has_value())) return nullptr;
     DEVMODE& mode = printer->mode;
     mode.dmFields |= DM_ORIENTATION | DM_PAPERSIZE;
     mode.dmOrientation = static_cast<short>(m_nPaperDirection);
     mode.dmPaperSize = static_cast<short>(m_nPaperForm);
     const HDC dc = CreateDC(printer->driver, m_szPrinterDevice, nullptr, &mode);
-    if (dc == nullptr) return nullptr;
+    if (operation.Ended(dc) == nullptr) return nullptr;
     BorrowedDC context(dc);
     ReadDevMode(mode, &context);
     if (m_PdfInfo) qel::SetPdfInfo(dc, *m_PdfInfo);

@@ -69,11 +69,11 @@ void CQelPrintJobQueueData::SetDefaultFont(const char* faceName, int size, unsig
 }
 
 int CQelPrintJobQueueData::AddCommand(const CQelPrintJobCommand& command) {
-    return qel::AsResult([&] { return m_Block.AddCommand(command); });
+    return qel::AsResult("CQelPrintJobQueueData::AddCommand", [&] { return m_Block.AddCommand(command); });
 }
 
 int CQelPrintJobQueueData::AddMillimetreCommandText(CRect rect, const char* text, int style) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CQelPrintJobQueueData::AddMillimetreCommandText", [&] {
         m_PageStyle.ConvertMillimetreToPixel(rect);
         CQelPrintJobCommand command;
         command.SetText(rect.left, rect.top, m_szDefaultFontName, m_nDefaultFontSize, m_dwDefaultColor, text, style,
@@ -98,8 +98,8 @@ int CQelPrintJobQueueData::AddMillimetreCommandLine(CRect rect) {
 }
 
 int CQelPrintJobQueueData::SaveJobFile(const char* path) {
-    if (path == nullptr) return 0;
-    return qel::AsResult([&] {
+    if (path == nullptr) return qel::RefuseNull("CQelPrintJobQueueData::SaveJobFile");
+    return qel::AsResult("CQelPrintJobQueueData::SaveJobFile", [&] {
         InitializeParser();
         XmlElementWriter writer;
         writer.Begin("printjob");
@@ -156,8 +156,8 @@ void CQelPrintJobQueueData::WriteCommand(XmlElementWriter& commands, const CQelP
 }
 
 int CQelPrintJobQueueData::LoadJobFile(const char* path) {
-    if (path == nullptr) return 0;
-    return qel::AsResult([&] {
+    if (path == nullptr) return qel::RefuseNull("CQelPrintJobQueueData::LoadJobFile");
+    return qel::AsResult("CQelPrintJobQueueData::LoadJobFile", [&] {
         InitializeParser();
         std::string file = qel::ReadWholeFile(path);
         auto written = qel::ReadWrittenCommands(file);

@@ -90,12 +90,9 @@ bool CAutoLockedMemoryMappedFile::TakeLock() {
         if (mutex.existed) qel::SetLastError(errorBefore);  // as if it had only been opened
         m_hMutex = mutex.handle;
         if (m_hMutex != nullptr) {
-            DWORD answer = 0;
-            // A lock abandoned by its owner is released once more, so that it is owned once, whoever had it before.
-            while ((answer = qel::WaitForMutex(m_hMutex, qel::kInfinite)) == qel::kWaitAbandoned) {
-                qel::ReleaseNamedMutex(m_hMutex);
-            }
-            if (answer == qel::kWaitObject) return true;
+            const DWORD result = qel::WaitForMutex(m_hMutex, qel::kInfinite);
+            m_wasAbandoned = mutex.wasLeftOwned || result == qel::kWaitAbandoned;
+            if (result == qel::kWaitObject || result == qel::kWaitAbandoned) return true;
             qel::CloseHandle(std::exchange(m_hMutex, nullptr));
         } else if (const DWORD error = qel::LastError(); error == qel::kFolderMissing || error == qel::kPathTooLong) {
             SetLastError(error);
@@ -104,3 +101,5 @@ bool CAutoLockedMemoryMappedFile::TakeLock() {
         std::this_thread::sleep_for(kPause);
     }
 }
+
+bool qel::WasAbandoned(const CAutoLockedMemoryMappedFile& block) noexcept { return block.m_wasAbandoned; }

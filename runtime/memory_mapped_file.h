@@ -4,6 +4,17 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
+class CAutoLockedMemoryMappedFile;
+
+namespace qel {
+
+/// Whether the holder before this one died with its view mapped, so that the block may be half written. It is known
+/// when GetDataPtr has returned, and holds until its next call. Exactly one of those who come after the dead one is
+/// told; it writes the block again from the start, or tells the others.
+QELLIB10_API bool WasAbandoned(const CAutoLockedMemoryMappedFile& block) noexcept;
+
+}  // namespace qel
+
 /// A block of memory that processes of one user share under a name: a measuring program writes readings, and others
 /// show them without a file between. It lives as long as any process has it open; a killed process leaves nothing
 /// behind. It has no lock: two programs that change it at the same time need CAutoLockedMemoryMappedFile, or a reader
@@ -84,8 +95,8 @@ private:
 /// @endcode
 ///
 /// The lock is the named mutex "MM::" and the block's name, so 256 bytes are left for the name. A process or thread
-/// that ends with a view gives up its lock; it is not reported that it may have left the block half written. The thread
-/// that has mapped a view is the one that unmaps it.
+/// that ends with a view gives up its lock, and may have left the block half written: the next holder asks
+/// qel::WasAbandoned. The thread that has mapped a view is the one that unmaps it.
 class QELLIB10_API CAutoLockedMemoryMappedFile : public CMemoryMappedFile {
 public:
     CAutoLockedMemoryMappedFile() = default;
@@ -101,7 +112,10 @@ public:
     void GetDataPtrUnmap() override;
 
 private:
+    friend QELLIB10_API bool qel::WasAbandoned(const CAutoLockedMemoryMappedFile& block) noexcept;
+
     bool TakeLock();
 
     HANDLE m_hMutex = nullptr;  // the lock, while it is held
+    bool m_wasAbandoned = false;
 };

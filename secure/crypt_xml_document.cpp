@@ -18,6 +18,8 @@
 
 namespace {
 
+using qel::FailureKind;
+using qel::Refuse;
 using qel::XmlNode;
 
 // Known to every application of the family.
@@ -46,6 +48,8 @@ void WriteWhole(CFile& file, std::string_view bytes) {
     if (isNew && !path.IsEmpty()) qel::FlushFolderOf(qel::ToPosixPath(path.View()), path.View());
 }
 
+constexpr std::string_view kNoDocument = "there is no document", kLocked = "a file is locked already",
+                           kUnlocked = "no file is locked";
 constexpr UINT kForSaving = CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite | CFile::shareExclusive;
 
 bool NamesEncoding(std::string_view text) {
@@ -57,6 +61,9 @@ std::optional<XmlNode> Find(const qel::XmlDocument& document, const char* path) 
     const auto root = document.Root();
     return root ? root->Select(ViewOf(path)) : std::nullopt;
 }
+
+// Records that a document has no node of that path. @return 0
+int NoSuchNode(const char* path) { return Refuse(FailureKind::kMissing, ViewOf(path), "no such node"); }
 
 CString CutFirst(CString& text, char separator) {
     const int end = text.Find(separator);
@@ -102,13 +109,15 @@ int CCryptXMLDocument::Initialize() {
 }
 
 int CCryptXMLDocument::LoadXMLFile(const char* path, int noWait) {
-    if (m_nCryptMode == 0) return LoadPlainXMLFile(path, noWait);
-    CFile file;
-    return file.Open(path, CFile::modeRead | CFile::shareDenyNone) ? LoadCryptXMLFile(file) : 0;
+    return qel::AsResult("CCryptXMLDocument::LoadXMLFile", [&] {
+        if (m_nCryptMode == 0) return LoadPlainXMLFile(path, noWait);
+        CFile file;
+        return file.Open(path, CFile::modeRead | CFile::shareDenyNone) ? LoadCryptXMLFile(file) : 0;
+    });
 }
 
 int CCryptXMLDocument::SaveXMLFile(const char* path, int noWait) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::SaveXMLFile", [&] {
         const bool isCrypt = m_nCryptMode != 0;
         const std::string bytes = isCrypt ? EncipheredBytes() : PlainBytes();
         CFile file;
@@ -118,33 +127,37 @@ int CCryptXMLDocument::SaveXMLFile(const char* path, int noWait) {
         if (!opened) return 0;
         WriteWhole(file, bytes);
         file.Close();
-        return isCrypt && bytes.empty() ? 0 : 1;
+        return isCrypt && bytes.empty() ? Refuse(FailureKind::kState, ViewOf(path), kNoDocument) : 1;
     });
 }
 
 int CCryptXMLDocument::LockFile(const char* path, int noWait, int create) {
-    if (m_nLocked != 0 || !FileOpen(m_fileLock, path, create != 0 ? 3 : 2, noWait)) return 0;
-    m_nLocked = m_nCryptMode != 0 ? LoadCryptXMLFile(m_fileLock) : LoadPlainXMLFile(m_fileLock);
-    if (m_nLocked == 0) m_fileLock.Abort();
-    return m_nLocked;
+    return qel::AsResult("CCryptXMLDocument::LockFile", [&] {
+        if (m_nLocked != 0) return Refuse(FailureKind::kState, ViewOf(path), kLocked);
+        if (!FileOpen(m_fileLock, path, create != 0 ? 3 : 2, noWait)) return 0;
+        m_nLocked = m_nCryptMode != 0 ? LoadCryptXMLFile(m_fileLock) : LoadPlainXMLFile(m_fileLock);
+        if (m_nLocked == 0) m_fileLock.Abort();
+        return m_nLocked;
+    });
 }
 
 int CCryptXMLDocument::IsLocked() { return m_nLocked; }
 
 int CCryptXMLDocument::LockCommit() {
-    if (m_nLocked == 0) return 0;
-    const int saved = m_nCryptMode != 0 ? SaveCryptXMLFile(m_fileLock) : SavePlainXMLFile(m_fileLock);
-    return saved && qel::AsResult([&] {
-               m_fileLock.Close();
-               m_nLocked = 0;
-               return 1;
-           });
+    return qel::AsResult("CCryptXMLDocument::LockCommit", [&] {
+        if (m_nLocked == 0) return Refuse(FailureKind::kState, "", kUnlocked);
+        if (!(m_nCryptMode != 0 ? SaveCryptXMLFile(m_fileLock) : SavePlainXMLFile(m_fileLock))) return 0;
+        m_fileLock.Close();
+        m_nLocked = 0;
+        return 1;
+    });
 }
 
 int CCryptXMLDocument::LockRollback() {
-    if (m_nLocked == 0) return 0;
+    qel::Operation operation("CCryptXMLDocument::LockRollback");
+    if (m_nLocked == 0) return operation.Failed(FailureKind::kState, "", kUnlocked);
     m_fileLock.Abort();
-    return 1;
+    return operation.Ended(1);
 }
 
 void CCryptXMLDocument::Empty() { m_pDocument->Empty(); }
@@ -152,32 +165,34 @@ void CCryptXMLDocument::Empty() { m_pDocument->Empty(); }
 CString CCryptXMLDocument::GetXMLString() const { return CString(m_pDocument->Text()); }
 
 int CCryptXMLDocument::SetXMLString(const char* text) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::SetXMLString", [&] {
         m_pDocument->LoadText(ViewOf(text));
         return 1;
     });
 }
 
 int CCryptXMLDocument::GetNodeText(const char* path, CString& text) const {
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::GetNodeText", [&] {
         const auto node = Find(*m_pDocument, path);
-        if (node) text = CString(node->Text());
-        return node.has_value();
+        if (!node) return NoSuchNode(path);
+        text = CString(node->Text());
+        return 1;
     });
 }
 
 int CCryptXMLDocument::GetNodeXml(const char* path, CString& xml) const {
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::GetNodeXml", [&] {
         const auto node = Find(*m_pDocument, path);
-        if (node) xml = CString(node->Xml());
-        return node.has_value();
+        if (!node) return NoSuchNode(path);
+        xml = CString(node->Xml());
+        return 1;
     });
 }
 
 int CCryptXMLDocument::SetNodeText(const char* path, const char* text) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::SetNodeText", [&] {
         const auto root = m_pDocument->Root();
-        if (!root) return 0;
+        if (!root) return Refuse(FailureKind::kState, "", kNoDocument);
         const auto found = root->Select(ViewOf(path));
         XmlNode node = found ? *found : MakeNodes(*root, path);
         node.SetText(ViewOf(text));
@@ -187,28 +202,32 @@ int CCryptXMLDocument::SetNodeText(const char* path, const char* text) {
 
 long CCryptXMLDocument::GetTagCount(const char* path) const {
     long count = -1;
-    qel::AsResult([&] {
+    qel::AsResult("CCryptXMLDocument::GetTagCount", [&] {
         if (const auto root = m_pDocument->Root()) count = static_cast<long>(root->SelectAll(ViewOf(path)).size());
-        return 1;
+        return count >= 0 ? 1 : Refuse(FailureKind::kState, "", kNoDocument);
     });
     return count;
 }
 
 int CCryptXMLDocument::DeleteTag(const char* path) {
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::DeleteTag", [&] {
         auto node = Find(*m_pDocument, path);
-        return node && node->Remove();
+        if (!node) return NoSuchNode(path);
+        return node->Remove() ? 1 : Refuse(FailureKind::kArgument, ViewOf(path), "a node that cannot be removed");
     });
 }
 
 int CCryptXMLDocument::LoadPlainXMLFile(const char* path, int noWait) {
-    CFile file;
-    return m_nLocked == 0 && FileOpen(file, path, 1, noWait) ? LoadPlainXMLFile(file) : 0;
+    return qel::AsResult("CCryptXMLDocument::LoadPlainXMLFile", [&] {
+        if (m_nLocked != 0) return Refuse(FailureKind::kState, ViewOf(path), kLocked);
+        CFile file;
+        return FileOpen(file, path, 1, noWait) ? LoadPlainXMLFile(file) : 0;
+    });
 }
 
 int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
-    if (m_nLocked != 0) return 0;
-    return qel::AsResult([&] {
+    return qel::AsResult("CCryptXMLDocument::SavePlainXMLFile", [&] {
+        if (m_nLocked != 0) return Refuse(FailureKind::kState, ViewOf(path), kLocked);
         const std::string bytes = CheckedSize(m_pDocument->Bytes());
         CFile file(path, kForSaving);
         WriteWhole(file, bytes);
@@ -218,7 +237,7 @@ int CCryptXMLDocument::SavePlainXMLFile(const char* path, int /*noWait*/) {
 }
 
 int CCryptXMLDocument::LoadCryptXMLFile(CFile& file) {
-    return qel::AsResult([&] {
+    return qel::AsResult(nullptr, &file, [&] {
         std::string bytes = qel::ReadWholeFile(file);
         if (bytes.empty()) {
             Empty();
@@ -242,14 +261,14 @@ std::string CCryptXMLDocument::PlainBytes() const {
 int CCryptXMLDocument::SaveCryptXMLFile(CFile& file) {
     return qel::AsResult([&] {
         const std::string bytes = EncipheredBytes();
-        if (bytes.empty()) return 0;
+        if (bytes.empty()) return Refuse(FailureKind::kState, file.GetFilePath().View(), kNoDocument);
         WriteWhole(file, bytes);
         return 1;
     });
 }
 
 int CCryptXMLDocument::LoadPlainXMLFile(CFile& file) {
-    return qel::AsResult([&] {
+    return qel::AsResult(nullptr, &file, [&] {
         const std::string bytes = qel::ReadWholeFile(file);
         if (bytes.empty()) {
             Empty();

@@ -1,8 +1,10 @@
 #include "qellib10/platform/drawing/dc.h"
 
+#include <memory>
 #include <utility>
 
 #include "qellib10/platform/drawing/device_context.h"
+#include "qellib10/platform/operation.h"
 
 namespace {
 
@@ -14,6 +16,14 @@ CString TextOf(const char* text, int length) {
 }
 
 int KindOf(const CRect& clip) { return clip.IsRectEmpty() ? NULLREGION : SIMPLEREGION; }
+
+// A step of a document, which is above 0 when it succeeds; what no one gave a reason for came out of turn.
+template <class Body> int Step(const char* name, const std::shared_ptr<qel::DeviceContext>& output, Body&& body) {
+    qel::Operation operation(name);
+    const int result = output ? body() : -1;
+    operation.Ended(result > 0, qel::FailureKind::kState, "not the next step of a document");
+    return result;
+}
 
 }  // namespace
 
@@ -402,12 +412,20 @@ BOOL CDC::GetTextMetrics(TEXTMETRIC* metrics) const {
     return 1;
 }
 
-int CDC::StartDoc(const char* name) { return m_pOutput ? m_pOutput->Flushed().StartDoc(name) : -1; }
+int CDC::StartDoc(const char* name) {
+    return Step("CDC::StartDoc", m_pOutput, [&] { return m_pOutput->Flushed().StartDoc(name); });
+}
 
-int CDC::StartPage() { return m_pOutput ? m_pOutput->BeginPage() : -1; }
+int CDC::StartPage() {
+    return Step("CDC::StartPage", m_pOutput, [&] { return m_pOutput->BeginPage(); });
+}
 
-int CDC::EndPage() { return m_pOutput ? m_pOutput->Flushed().EndPage() : -1; }
+int CDC::EndPage() {
+    return Step("CDC::EndPage", m_pOutput, [&] { return m_pOutput->Flushed().EndPage(); });
+}
 
-int CDC::EndDoc() { return m_pOutput ? m_pOutput->Flushed().EndDoc() : -1; }
+int CDC::EndDoc() {
+    return Step("CDC::EndDoc", m_pOutput, [&] { return m_pOutput->Flushed().EndDoc(); });
+}
 
 int CDC::AbortDoc() { return m_pOutput ? m_pOutput->Flushed().AbortDoc() : -1; }

@@ -50,6 +50,10 @@ public:
     bool IsPicture() const { return m_pSurface->Pixels() != nullptr; }
     int DeviceCaps(int index) const { return m_pSurface->DeviceCaps(index); }
 
+    /// Of a printer's: pages are laid out for another sheet than was asked for.
+    bool HasOtherSheet() const noexcept { return m_hasOtherSheet; }
+    void SetHasOtherSheet() noexcept { m_hasOtherSheet = true; }
+
     const DrawState& State() const noexcept { return m_state; }
     /// The state, to be changed; the ink is updated before the next primitive.
     DrawState& Change() noexcept {
@@ -106,6 +110,7 @@ private:
     int m_nFontHeight = 0;           // of m_pFont, in device units, as requested
     HGDIOBJ m_hOwnBitmap = nullptr;  // if there are pixels: selected until another one is, and again after that one
     bool m_isInkStale = true;
+    bool m_hasOtherSheet = false;
     bool m_isPenDown = false;  // whether the back end's polyline ends at the current position
 };
 

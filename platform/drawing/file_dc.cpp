@@ -37,13 +37,19 @@ bool IsDrawable(const CSize& size, int dotsPerInch) {
            dotsPerInch > 0 && dotsPerInch <= PageSetup::kFinestResolution;
 }
 
+HDC Refused(Operation& operation) {
+    operation.Failed(FailureKind::kArgument, "", "a null pointer, or a size or resolution that cannot be drawn on");
+    return nullptr;
+}
+
 }  // namespace
 
 HDC CreatePdfDC(const char* path, const PageSetup& page, const PdfInfo& info) {
-    if (path == nullptr || !page.IsDrawable()) return nullptr;
+    Operation operation("qel::CreatePdfDC");
+    if (path == nullptr || !page.IsDrawable()) return Refused(operation);
     auto surface = std::make_unique<PdfSurface>(page, std::make_unique<FileSink>(path), UndatedPdf::kYear2000);
     surface->SetPdfInfo(info);
-    return ContextOver(std::move(surface));
+    return operation.Ended(ContextOver(std::move(surface)));
 }
 
 BOOL SetPdfInfo(HDC dc, const PdfInfo& info) {
@@ -58,13 +64,16 @@ std::optional<PdfInfo> GetPdfInfo(HDC dc) {
 }
 
 HDC CreateSvgDC(const char* path, const CSize& size, int dotsPerInch) {
-    if (path == nullptr || !IsDrawable(size, dotsPerInch)) return nullptr;
-    return ContextOver(std::make_unique<SvgSurface>(size, dotsPerInch, std::make_unique<FileSink>(path)));
+    Operation operation("qel::CreateSvgDC");
+    if (path == nullptr || !IsDrawable(size, dotsPerInch)) return Refused(operation);
+    auto surface = std::make_unique<SvgSurface>(size, dotsPerInch, std::make_unique<FileSink>(path));
+    return operation.Ended(ContextOver(std::move(surface)));
 }
 
 HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsPerInch) {
-    if (cairo == nullptr || !IsDrawable(size, dotsPerInch)) return nullptr;
-    return ContextOver(std::make_unique<CairoSurface>(cairo, size, dotsPerInch));
+    Operation operation("qel::CreateCairoDC");
+    if (cairo == nullptr || !IsDrawable(size, dotsPerInch)) return Refused(operation);
+    return operation.Ended(ContextOver(std::make_unique<CairoSurface>(cairo, size, dotsPerInch)));
 }
 
 BOOL FlushDC(HDC dc) {

@@ -10,10 +10,14 @@
 namespace qel {
 
 int SavePng(const CBitmap& bitmap, const char* path, int dotsPerInch) {
+    constexpr const char* kOperation = "qel::SavePng";
     const auto object = FindObject<BitmapObject>(bitmap.GetSafeHandle());
-    if (!object || path == nullptr || dotsPerInch < 1 || dotsPerInch > PageSetup::kFinestResolution) return 0;
+    if (!object) return Operation(kOperation).Failed(FailureKind::kState, "", "no bitmap");
+    if (path == nullptr) return RefuseNull(kOperation);
+    if (dotsPerInch < 1 || dotsPerInch > PageSetup::kFinestResolution)
+        return Operation(kOperation).Failed(FailureKind::kArgument, path, "a resolution out of range");
     object->pixels->Settle();
-    return AsResult([&] {
+    return AsResult(kOperation, [&] {
         const std::vector<std::byte> file = EncodePng(*object->pixels, dotsPerInch);
         Replacement target(path);
         WriteFully(target.File(), file, path);

@@ -122,7 +122,10 @@ std::optional<Printer> FindCupsPrinter(const CString& name, const SIZE& custom) 
     const CupsSession session;
     cups_dest_t* const queue = session.Find(name);
     const CupsInfo info = session.InfoOf(queue);
-    if (!info) return std::nullopt;
+    if (!info) {
+        session.Refuse(name);
+        return std::nullopt;
+    }
     const QueueQuery query(session, queue, info.get());
     Printer printer;
     printer.entry = EntryOf(*queue);

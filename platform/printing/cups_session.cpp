@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/printing/pdf_printer.h"
 #include "qellib10/platform/text/code_page.h"
 
@@ -60,6 +61,13 @@ cups_dest_t* CupsSession::Find(const CString& name) const {
 
 CupsInfo CupsSession::InfoOf(cups_dest_t* queue) const {
     return CupsInfo(queue != nullptr ? ::cupsCopyDestInfo(m_pHttp, queue) : nullptr);
+}
+
+bool CupsSession::Refuse(const CString& printer) const {
+    if (m_pHttp == nullptr)
+        return qel::Refuse(FailureKind::kPrinter, printer.View(), "the print server does not answer") != 0;
+    if (Find(printer) == nullptr) return qel::Refuse(FailureKind::kMissing, printer.View(), "no such printer") != 0;
+    return qel::Refuse(FailureKind::kPrinter, printer.View(), ::cupsLastErrorString()) != 0;
 }
 
 void CupsSession::BeginTransfer() { ::httpSetTimeout(m_pHttp, kTransferSeconds, OnTransferTimeout, nullptr); }

@@ -34,6 +34,9 @@ public:
     /// What the queue can do; null if the server does not say.
     CupsInfo InfoOf(cups_dest_t* queue) const;
 
+    /// Records that the server refused, or does not have, the printer. @return false
+    bool Refuse(const CString& printer) const;
+
     /// From now on the time limit counts from the last byte that was transferred.
     void BeginTransfer();
 

@@ -70,21 +70,23 @@ public:
         CupsSession session;
         cups_dest_t* const queue = session.Find(m_szPrinter);
         const CupsInfo info = session.InfoOf(queue);
-        if (!info) return false;
+        if (!info) return session.Refuse(m_szPrinter);
         http_t* const http = session.Http();
         const std::string title = Printable(ToUtf8(name.View()), kLongestTitle);
         const Options options(*queue, m_options);
         int job = 0;
         if (!IsDone(
                 ::cupsCreateDestJob(http, queue, info.get(), &job, title.c_str(), options.Count(), options.First()))) {
-            return false;
+            return session.Refuse(m_szPrinter);
         }
         session.BeginTransfer();
         const bool isSent = ::cupsStartDestDocument(http, queue, info.get(), job, title.c_str(), CUPS_FORMAT_PDF, 0,
                                                     nullptr, 1) == HTTP_STATUS_CONTINUE &&
                             Write(http, bytes) && IsDone(::cupsFinishDestDocument(http, queue, info.get()));
-        if (!isSent) ::cupsCancelDestJob(http, queue, job);
-        return isSent;
+        if (isSent) return true;
+        session.Refuse(m_szPrinter);
+        ::cupsCancelDestJob(http, queue, job);
+        return false;
     }
 
 private:

@@ -13,6 +13,7 @@
 #include "qellib10/platform/shell/special_folder.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
+#include "qellib10/platform/storage/file_failure.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/rename_new.h"
 #include "qellib10/platform/storage/uninterrupted.h"
@@ -71,10 +72,11 @@ class Sink : public DocumentSink {
 public:
     bool Begin(const CString&) override {
         m_folder = Folder();
-        if (m_folder.empty()) return false;
+        if (m_folder.empty()) return Refuse(FailureKind::kMissing, "", "no folder for documents") != 0;
         std::error_code error;
         std::filesystem::create_directories(m_folder, error);
-        return !error && ::faccessat(AT_FDCWD, m_folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+        if (!error && ::faccessat(AT_FDCWD, m_folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return true;
+        return RefuseErrno(error ? error.value() : errno, ToLibraryPath(m_folder).View(), m_folder) != 0;
     }
 
     bool Take(const CString& name, std::span<const std::byte> bytes) override {
@@ -86,7 +88,7 @@ public:
                        const std::string suffix = number == 1 ? "" : " (" + std::to_string(number) + ")";
                        if (file.Name(stem + suffix + ".pdf")) return 1;
                    }
-                   return 0;
+                   return Refuse(FailureKind::kFile, m_folder, "too many documents of one name");
                }) != 0;
     }
 

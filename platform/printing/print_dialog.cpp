@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/printing/print_info.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/platform/printing/printer.h"
@@ -46,12 +47,14 @@ int CPrintDialog::DoModal() {
 BOOL CPrintDialog::GetDefaults() {
     const auto printers = qel::ListPrinters();
     const auto found = std::ranges::find_if(printers, &qel::PrinterEntry::isDefault);
-    return found != printers.end() && SelectPrinter(found->name);
+    qel::Operation operation("CPrintDialog::GetDefaults");
+    return operation.Ended(found != printers.end() && SelectPrinter(found->name));
 }
 
 BOOL CPrintDialog::SelectPrinter(const char* device, const DEVMODE* mode) {
+    qel::Operation operation("CPrintDialog::SelectPrinter");
     const auto printer = qel::FindPrinter(device);
-    if (!printer) return 0;
+    if (!operation.Ended(printer.has_value())) return 0;
     m_mode = mode != nullptr ? *mode : printer->OwnMode();
     m_szDevice = printer->entry.name;
     m_szDriver = printer->entry.driver;

@@ -3,13 +3,18 @@
 #include <vector>
 
 #include "qellib10/platform/drawing/handle_table.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/printing/printer.h"
 #include "qellib10/platform/printing/record_buffer.h"
 
 namespace {
 
+using qel::FailureKind;
 using qel::Printer;
 using qel::PrinterEntry;
+
+constexpr const char* kNoLevel = "no such level of records";
+constexpr const char* kTooSmall = "the buffer is too small";
 
 qel::HandleTable<const Printer>& OpenPrinters() {
     static auto& table = *new qel::HandleTable<const Printer>;
@@ -61,35 +66,41 @@ bool FillRecords(BYTE* bytes, DWORD size, const std::vector<Item>& items, Fill f
 
 BOOL EnumPrinters(DWORD flags, const char* name, DWORD level, BYTE* buffer, DWORD size, DWORD* needed,
                   DWORD* returned) {
-    if (needed == nullptr || returned == nullptr) return 0;
+    qel::Operation operation("EnumPrinters");
+    if (needed == nullptr || returned == nullptr) return qel::RefuseNull("EnumPrinters");
     *needed = *returned = 0;
-    if (level != 1 || name != nullptr) return 0;
+    if (level != 1 || name != nullptr) return operation.Failed(FailureKind::kArgument, "", kNoLevel);
     std::vector<PrinterEntry> printers = qel::ListPrinters();
     std::erase_if(printers, [&](const PrinterEntry& printer) {
         return (flags & (printer.isConnection ? PRINTER_ENUM_CONNECTIONS : PRINTER_ENUM_LOCAL)) == 0;
     });
-    if (!FillRecords<PRINTER_INFO_1>(buffer, size, printers, Names, *needed)) return 0;
+    if (!FillRecords<PRINTER_INFO_1>(buffer, size, printers, Names, *needed))
+        return operation.Failed(FailureKind::kArgument, "", kTooSmall);
     *returned = static_cast<DWORD>(printers.size());
-    return 1;
+    return operation.Ended(1);
 }
 
 BOOL OpenPrinter(const char* name, HANDLE* printer, const void*) {
-    if (printer == nullptr) return 0;
+    if (printer == nullptr) return qel::RefuseNull("OpenPrinter");
+    qel::Operation operation("OpenPrinter");
     *printer = nullptr;
     std::optional<Printer> found = qel::FindPrinter(name);
-    if (!found) return 0;
+    if (!operation.Ended(found.has_value())) return 0;
     *printer = OpenPrinters().Add(std::make_shared<const Printer>(std::move(*found)));
     return 1;
 }
 
 BOOL GetPrinter(HANDLE printer, DWORD level, BYTE* buffer, DWORD size, DWORD* needed) {
-    if (needed == nullptr) return 0;
+    if (needed == nullptr) return qel::RefuseNull("GetPrinter");
+    qel::Operation operation("GetPrinter");
     *needed = 0;
     const std::shared_ptr<const Printer> found = OpenPrinters().Find(printer);
-    if (!found) return 0;
-    if (level == 1) return FillRecords<PRINTER_INFO_1>(buffer, size, std::vector{found->entry}, Names, *needed);
-    if (level == 2) return FillRecords<PRINTER_INFO_2>(buffer, size, std::vector{*found}, Description, *needed);
-    return 0;
+    if (!found) return operation.Failed(FailureKind::kArgument, "", "no open printer");
+    if (level != 1 && level != 2) return operation.Failed(FailureKind::kArgument, "", kNoLevel);
+    const bool isFilled = level == 1
+                              ? FillRecords<PRINTER_INFO_1>(buffer, size, std::vector{found->entry}, Names, *needed)
+                              : FillRecords<PRINTER_INFO_2>(buffer, size, std::vector{*found}, Description, *needed);
+    return operation.Ended(isFilled, FailureKind::kArgument, kTooSmall);
 }
 
 BOOL ClosePrinter(HANDLE printer) { return OpenPrinters().Remove(printer) != nullptr; }

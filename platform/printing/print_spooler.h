@@ -79,3 +79,12 @@ QELLIB10_API BOOL ClosePrinter(HANDLE printer);
 /// that does not end. Documents without a date of their own (qel::SetPdfInfo) have the time when they are started. @p
 /// driver and @p output are not used.
 QELLIB10_API HDC CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode);
+
+namespace qel {
+
+/// Whether the printer of this context has no sheet of the size or form that CreateDC was asked for, so that pages are
+/// laid out for another one: a form that stands in for it, or the printer's default. A program asks before it prints
+/// what has to fit. @return false also for what is no context of a printer
+QELLIB10_API bool HasOtherSheet(HDC printer);
+
+}  // namespace qel

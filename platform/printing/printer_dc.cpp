@@ -3,6 +3,7 @@
 
 #include "qellib10/platform/drawing/device_context.h"
 #include "qellib10/platform/drawing/pdf_surface.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/platform/printing/printer.h"
 
@@ -28,6 +29,7 @@ const PaperForm* FormOf(const DEVMODE& mode) { return FindPaperForm(ValueOf(mode
 struct Sheet {
     Medium medium;
     bool isTurned = false;  // the page is turned on the medium
+    bool isOther = false;   // not the one that was asked for
 };
 
 const Medium* FindNamed(const Printer& printer, const char* name) {
@@ -40,10 +42,12 @@ Sheet SheetFor(const Printer& printer, const DEVMODE& mode) {
     if (const Medium* const medium = FindMedium(printer.media, ExplicitSize(mode))) return {*medium, isLandscape};
     if (const PaperForm* const form = FormOf(mode)) {
         const Medium* medium = FindNamed(printer, form->medium);
-        if (medium == nullptr) medium = FindNamed(printer, form->substitute);
-        if (medium != nullptr) return {*medium, form->isTurned != isLandscape};
+        const bool isOther = medium == nullptr;
+        if (isOther) medium = FindNamed(printer, form->substitute);
+        if (medium != nullptr) return {*medium, form->isTurned != isLandscape, isOther};
     }
-    return {printer.defaultMedium, isLandscape};
+    const bool isAsked = ExplicitSize(mode).cx > 0 || ValueOf(mode, DM_PAPERSIZE, mode.dmPaperSize) != 0;
+    return {printer.defaultMedium, isLandscape, isAsked};
 }
 
 // The left edge of a turned page is at the top of the medium.
@@ -78,6 +82,11 @@ std::optional<SIZE> PageOf(const DEVMODE& mode) {
     return isTurned ? SIZE{sheet.cy, sheet.cx} : sheet;
 }
 
+bool HasOtherSheet(HDC printer) {
+    const auto context = FindDeviceContext(printer);
+    return context && context->HasOtherSheet();
+}
+
 }  // namespace qel
 
 BOOL CDC::CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode) {
@@ -85,13 +94,18 @@ BOOL CDC::CreateDC(const char* driver, const char* device, const char* output, c
 }
 
 HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) {
-    if (device == nullptr) return nullptr;
+    qel::Operation operation("CreateDC");
+    if (device == nullptr) {
+        qel::RefuseNull("CreateDC");
+        return nullptr;
+    }
     const DEVMODE wanted = mode != nullptr ? *mode : DEVMODE{};
     const auto printer = qel::FindPrinter(device, qel::ExplicitSize(wanted));
-    if (!printer) return nullptr;
+    if (!operation.Ended(printer.has_value())) return nullptr;
     const qel::Sheet sheet = qel::SheetFor(*printer, wanted);
     const qel::PageSetup page = qel::PageOn(sheet, qel::ResolutionFor(*printer, wanted));
-    if (!page.IsDrawable()) return nullptr;
+    if (!operation.Ended(page.IsDrawable(), qel::FailureKind::kPrinter, "a sheet that cannot be drawn on"))
+        return nullptr;
 
     qel::JobOptions options;
     options.medium = sheet.medium.name;
@@ -99,5 +113,7 @@ HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) 
     options.color = static_cast<short>(qel::ValueOf(wanted, DM_COLOR, wanted.dmColor));
     options.duplex = static_cast<short>(qel::ValueOf(wanted, DM_DUPLEX, wanted.dmDuplex));
     auto surface = std::make_unique<qel::PdfSurface>(page, qel::SinkOf(device, options), qel::UndatedPdf::kNow);
-    return qel::AddDeviceContext(std::make_shared<qel::DeviceContext>(std::move(surface)));
+    const auto context = std::make_shared<qel::DeviceContext>(std::move(surface));
+    if (sheet.isOther) context->SetHasOtherSheet();
+    return qel::AddDeviceContext(context);
 }

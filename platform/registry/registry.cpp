@@ -3,6 +3,7 @@
 #include <concepts>
 #include <utility>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/registry/registry_error.h"
 #include "qellib10/platform/registry/registry_store.h"
 #include "qellib10/platform/text/code_page.h"
@@ -10,13 +11,43 @@
 namespace qel {
 namespace {
 
+const char* TextOf(LONG code) {
+    switch (code) {
+        case kRegistryNotFound:
+            return "no such key or value";
+        case kRegistryAccessDenied:
+            return "access denied";
+        case kRegistryBadHandle:
+            return "no open key";
+        case kRegistryInvalidParameter:
+            return "a name or data beyond the limits";
+        case kRegistryDiskFull:
+            return "disk full";
+        case kRegistryBadPath:
+            return "bad path of a key";
+        case kRegistryBusy:
+            return "in use by others";
+        case kRegistryDamaged:
+            return "damaged, or of a newer version";
+        case kRegistryKeyDeleted:
+            return "the key was deleted";
+        default:
+            return "input or output error";
+    }
+}
+
 // The one place where an operation's failure becomes its result.
 template <std::invocable Body> LONG AsCode(Body&& body) {
+    Operation operation(nullptr);
     try {
         std::forward<Body>(body)();
+        operation.Ended(true);
         return kRegistrySuccess;
     } catch (const RegistryError& error) {
-        return error.Code();
+        const LONG code = error.Code();
+        const FailureKind kind = code == kRegistryNotFound ? FailureKind::kMissing : FailureKind::kRegistry;
+        operation.Failed(kind, "", TextOf(code), code);
+        return code;
     }
 }
 

@@ -14,6 +14,11 @@ int FailedBy(Operation& operation, const CFileException& failure) noexcept {
     return operation.Failed(FailureKind::kFile, item, failure.what(), failure.m_lOsError);
 }
 
+int RefuseErrno(int error, std::string_view name, std::string_view posixPath) {
+    const LONG code = CodeOfErrno(error, posixPath);
+    return RefuseBy(CFileException(CauseOfCode(code), code, CString(name)));
+}
+
 int FailedBy(Operation& operation, const DataError& failure, const CFile* file) noexcept {
     CString path;
     try {

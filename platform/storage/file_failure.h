@@ -16,7 +16,10 @@ inline int RefuseBy(const CFileException& failure) noexcept {
     return FailedBy(step, failure);
 }
 
-/// The same since bytes, perhaps those of @p file, are not what they claim to be. @return 0
+/// The same for a failed system call on @p name, a path of the library. @return 0
+QELLIB10_INTERNAL_API int RefuseErrno(int error, std::string_view name, std::string_view posixPath = {});
+
+/// @p operation ends since bytes, perhaps those of @p file, are not what they claim to be. @return 0
 QELLIB10_INTERNAL_API int FailedBy(Operation& operation, const DataError& failure, const CFile* file) noexcept;
 
 /// The same where memory ran out. @return 0

@@ -51,8 +51,7 @@ bool FolderWalk::Create(std::string_view name) {
         struct stat status = {};
         const bool exists = error == EEXIST && ::fstatat(m_folder.Get(), posix.c_str(), &status, 0) == 0;
         if (exists && S_ISDIR(status.st_mode)) return true;
-        const LONG code = CodeOfErrno(error);
-        return RefuseBy(CFileException(CauseOfCode(code), code, CString(name))) != 0;
+        return RefuseErrno(error, name) != 0;
     });
 }
 

@@ -8,6 +8,7 @@ namespace qel {
 struct OpenedObject {
     HANDLE handle = nullptr;
     bool existed = false;
+    bool wasLeftOwned = false;  // a mutex that is new, since everybody who had it died, one of them while it owned it
 };
 
 /// Closes a handle of a named object. @return false if it is not an open handle (6); the value of a closed one is never

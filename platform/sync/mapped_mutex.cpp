@@ -115,6 +115,8 @@ void MappedMutex::LoseFile() {
     if (page == MAP_FAILED) throw SystemFailure{kOutOfMemory};
 }
 
+bool MappedMutex::IsOwned() const { return m_page->owner != 0; }
+
 bool MappedMutex::TakeAgain() { return std::exchange(m_page->isClosed, false); }
 
 }  // namespace qel

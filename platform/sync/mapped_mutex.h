@@ -33,6 +33,8 @@ public:
     bool Close(bool isLast);
     /// The file was cut: the list of what a thread owns, which may lead through the page, must not cause a fault.
     void LoseFile();
+    /// Whether a thread owns it, or died while it did.
+    bool IsOwned() const;
     /// Takes over a page whose last holder has closed it. @return false if that holder was killed instead
     bool TakeAgain();
 

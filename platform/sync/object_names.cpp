@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -35,6 +36,12 @@ void RemoveUnlessHeld(const FolderLock& folder, const NamedObject& object) {
     if (LookIn(folder, object).hasName && !IsHeld(object.file)) folder.Remove(ObjectFileName(object.name));
 }
 
+// Whether the file that nobody holds any more is that of a mutex whose owner died.
+bool IsLeftOwned(const Descriptor& file, std::string_view name) {
+    const std::optional<ObjectHeader> header = ReadHeader(file, name);
+    return header && header->kind == ObjectKind::Mutex && MappedMutex(file).IsOwned();
+}
+
 }  // namespace
 
 ObjectNames::Found ObjectNames::Use(std::string_view name, ObjectKind kind, std::uint64_t size, Missing missing) {
@@ -60,9 +67,10 @@ ObjectNames::Found ObjectNames::Use(std::string_view name, ObjectKind kind, std:
     if (object != nullptr && missing == Missing::IsMade && object->mutex->TakeAgain() && Hold(object->file)) {
         return {&Keep(std::move(object), folder.Number()), false};
     }
+    const bool isLeft = kind == ObjectKind::Mutex && found && IsLeftOwned(found, name);
     if (found) folder.Remove(fileName);  // left by a process that was killed, or did not wait to clean up
     if (missing == Missing::Fails) throw SystemFailure{kFileMissing};
-    return {&Keep(MakeIn(folder, fileName, name, kind, size), folder.Number()), false};
+    return {&Keep(MakeIn(folder, fileName, name, kind, size), folder.Number()), false, isLeft};
 }
 
 NamedObject& ObjectNames::UseNameless(ObjectKind kind, std::uint64_t size) {

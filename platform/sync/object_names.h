@@ -19,6 +19,7 @@ public:
     struct Found {
         NamedObject* object = nullptr;  // null while a process that still has the name is dying: try again soon
         bool existed = true;
+        bool wasLeftOwned = false;  // as in OpenedObject
     };
 
     /// @param name not empty

@@ -65,7 +65,7 @@ OpenedObject ObjectTable::OpenNamed(const char* name, ObjectKind kind, std::uint
         {
             const std::lock_guard lock(m_lock);
             const ObjectNames::Found found = m_names.Use(objectName, kind, size, missing);
-            if (found.object != nullptr) return {NewHandle(*found.object), found.existed};
+            if (found.object != nullptr) return {NewHandle(*found.object), found.existed, found.wasLeftOwned};
         }
         std::this_thread::sleep_for(kTurn);
     }

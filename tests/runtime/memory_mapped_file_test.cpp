@@ -2,11 +2,14 @@
 
 #include <signal.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <thread>
 
 #include "../support/child_process.h"
 #include "../support/shared_state.h"
@@ -122,6 +125,51 @@ TEST(AutoLockedMemoryMappedFile, HoldsTheLockExactlyWhileItIsMapped) {
         EXPECT_EQ(block->GetDataPtr(kWrite, 0), nullptr);
         EXPECT_EQ(block->GetLastError(), bad.size() > 256 ? 206u : 3u);
     }
+}
+
+TEST(AutoLockedMemoryMappedFile, OneHolderAfterADeadOneIsTold) {
+    const std::string name = NameOfOurOwn("left");
+    CAutoLockedMemoryMappedFile block;
+    ASSERT_EQ(block.Open(6, name.c_str(), 100), 1);
+    const auto isToldAfter = [&](const auto& leave) {
+        auto& isMapped = SharedWithChildren<std::atomic<bool>>();
+        ChildProcess holder([&] {
+            CAutoLockedMemoryMappedFile own;
+            if (own.Open(6, name.c_str(), 100) == 0 || own.GetDataPtr(kWrite, 0) == nullptr) return 1;
+            isMapped = true;
+            return leave(own);
+        });
+        while (!isMapped) std::this_thread::yield();
+        holder.Wait();
+        block.GetDataPtr(kWrite, 0);
+        return qel::WasAbandoned(block);
+    };
+    EXPECT_FALSE(qel::WasAbandoned(block));
+    EXPECT_FALSE(isToldAfter([](auto& own) { return own.GetDataPtrUnmap(), 0; }));
+    block.GetDataPtrUnmap();
+    EXPECT_TRUE(isToldAfter([](auto&) { return ::kill(::getpid(), SIGKILL); }));
+    block.GetDataPtr(kWrite, 0);
+    EXPECT_FALSE(qel::WasAbandoned(block));
+
+    block.GetDataPtrUnmap();
+
+    // One that waits meanwhile.
+    auto& isMapped = SharedWithChildren<std::atomic<bool>>();
+    const auto map = [&](CAutoLockedMemoryMappedFile& own) {
+        return own.Open(6, name.c_str(), 100) != 0 && own.GetDataPtr(kWrite, 0) != nullptr;
+    };
+    ChildProcess holder([&] {
+        CAutoLockedMemoryMappedFile own;
+        isMapped = map(own);
+        return ::pause();
+    });
+    while (!isMapped) std::this_thread::yield();
+    ChildProcess waiting([&] {
+        CAutoLockedMemoryMappedFile own;
+        return map(own) && qel::WasAbandoned(own) ? 1 : 0;
+    });
+    holder.Kill();
+    EXPECT_EQ(waiting.Wait(), 1);
 }
 
 TEST(AutoLockedMemoryMappedFile, ACutFileIsRefused) {

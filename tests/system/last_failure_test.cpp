@@ -3,13 +3,21 @@
 #include <string_view>
 #include <thread>
 
+#include "../support/environment_scope.h"
+#include "../support/registry_scope.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/calc/qw_calc.h"
 #include "qellib10/file/check_datafile.h"
+#include "qellib10/file/private_profile.h"
 #include "qellib10/platform/archive/archive_exception.h"
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/drawing/file_dc.h"
+#include "qellib10/platform/drawing/png_file.h"
 #include "qellib10/platform/failure.h"
+#include "qellib10/platform/printing/print_spooler.h"
+#include "qellib10/print/document_data.h"
+#include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"
 
 namespace {
@@ -20,6 +28,8 @@ using qel::LastFailure;
 constexpr const char* kKinds[] = {"none",     "file",         "archive",      "data",     "memory",
                                   "argument", "state",        "missing",      "registry", "printer",
                                   "syntax",   "unknown name", "zero divisor", "too long", "refused"};
+
+DWORD thePrinterNeeds = 0;
 
 // The last failure as one text; of an item its last name.
 std::string Told() {
@@ -233,4 +243,127 @@ TEST_F(Failures, OfFormulasTellKindAndPosition) {
     EXPECT_EQ(Told(), "zero divisor: CQWCalc::ConcCalculation: division by zero at 2");
     EXPECT_EQ(compute("1 + EP"), 1);
     EXPECT_EQ(Told(), "none");
+}
+
+TEST_F(Failures, OfDocumentsTellNodeStateAndFile) {
+    CCryptXMLDocument none, document, locked;
+    ASSERT_EQ(document.SetXMLString("<r><a>1</a></r>"), 1);
+    const CString saved = Path("saved"), plain = Made("plain", "<r>"), enciphered = Made("enciphered", "\x01garbage");
+    document.SaveXMLFile(saved, 1);
+    ASSERT_EQ(locked.LockFile(saved, 1, 0), 1);
+    CCryptXMLDocument readsPlain;
+    readsPlain.SetCryptMode(0);
+    CString text;
+    const auto told = [](auto operation) {
+        operation();
+        return LastFailure();
+    };
+    EXPECT_EQ(told([&] { readsPlain.LoadXMLFile(plain, 1); }).item, std::string(plain.View()));
+    EXPECT_EQ(LastFailure().kind, FailureKind::kData);
+    EXPECT_EQ(told([&] { document.LoadXMLFile(enciphered, 1); }).kind, FailureKind::kData);
+    EXPECT_EQ(none.GetTagCount("a"), -1);
+    EXPECT_EQ(Told(), "state: CCryptXMLDocument::GetTagCount: there is no document");
+    EachTells({
+        {[&] { return none.LoadXMLFile(Path("none"), 1); },
+         "file: CCryptXMLDocument::LoadXMLFile: none: file not found (2)"},
+        {[&] { return none.SaveXMLFile(Path("empty"), 1); },
+         "state: CCryptXMLDocument::SaveXMLFile: empty: there is no document"},
+        {[&] { return none.SetNodeText("a", "1"); }, "state: CCryptXMLDocument::SetNodeText: there is no document"},
+        {[&] { return document.GetNodeText("b", text); }, "missing: CCryptXMLDocument::GetNodeText: b: no such node"},
+        {[&] { return document.GetNodeXml("b", text); }, "missing: CCryptXMLDocument::GetNodeXml: b: no such node"},
+        {[&] { return document.DeleteTag("b"); }, "missing: CCryptXMLDocument::DeleteTag: b: no such node"},
+        {[&] { return document.LockCommit(); }, "state: CCryptXMLDocument::LockCommit: no file is locked"},
+        {[&] { return document.LockRollback(); }, "state: CCryptXMLDocument::LockRollback: no file is locked"},
+        {[&] { return locked.LockFile(saved, 1, 0); },
+         "state: CCryptXMLDocument::LockFile: saved: a file is locked already"},
+        {[&] { return locked.SetCryptMode(0), locked.LoadXMLFile(saved, 1); },
+         "state: CCryptXMLDocument::LoadXMLFile: saved: a file is locked already"},
+    });
+}
+
+TEST_F(Failures, OfSettingsTellEntryAndPlace) {
+    const RegistryScope registry;
+    CPrivateProfile ini(Path("a.ini")), missing(Path("no") + "\\a.ini"), nowhere, keys("HKEY_CURRENT_USER\\Meter", 1);
+    ASSERT_EQ(ini.Set("s", "k", "v") && keys.Set("s", "k", "v"), 1);
+    DWORD size = 1;
+    char bytes[1] = {};
+    CStringArray list;
+    EachTells({
+        {[&] { return ini.Set("s", "k", "two\nlines"); },
+         "argument: CPrivateProfile::Set: a.ini: a name or text that the file cannot hold"},
+        {[&] { return missing.Set("s", "k", "v"); }, "file: CPrivateProfile::Set: a.ini: bad path (3)"},
+        {[&] { return nowhere.Set("s", "k", "v"); }, "state: CPrivateProfile::Set: no profile is open"},
+        {[&] { return nowhere.Open("HKEY_NONE\\x", 1); },
+         "argument: CPrivateProfile::Open: x: not below a root of the registry"},
+        {[&] { return ini.SetDouble("s", "k", 1.0 / 0.0); },
+         "argument: CPrivateProfile::SetDouble: no key, or no number"},
+        {[&] { return ini.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: none: not in the file"},
+        {[&] { return ini.Get("s", "k", bytes, &size); }, "state: CPrivateProfile::Get: only in the registry"},
+        {[&] { return ini.Delete("s"); }, "state: CPrivateProfile::Delete: only in the registry"},
+        {[&] { return keys.GetAllStrings("s", list); }, "state: CPrivateProfile::GetAllStrings: only of an INI file"},
+        {[&] { return keys.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: no such key or value (2)"},
+        {[&] { return keys.Delete("none"); }, "missing: CPrivateProfile::Delete: no such key or value (2)"},
+        {[&] { return keys.Restore(".none"); }, "missing: CPrivateProfile::Restore: no such key or value (2)"},
+        {[&] { return keys.Backup(""); }, "argument: CPrivateProfile::Backup: names no key beside a profile's own"},
+    });
+    keys.Get("s", "k", "");
+    EXPECT_EQ(Told(), "none");
+}
+
+TEST_F(Failures, OfJobsPicturesAndPrintersTellFileAndPrinter) {
+    Made("f", "");
+    const EnvironmentScope server("CUPS_SERVER", "127.0.0.1:1"), pdf("QELLIB10_PDF_DIR", folder.Posix("f").c_str());
+    CQelPrintJobQueueData job, other;
+    other.GetPageStyle().SetPaperForm(8);
+    CQelPrintJobDocumentData document;
+    ASSERT_EQ(document.CheckAndAddJobFile(job), 1);
+    CBitmap bitmap;
+    bitmap.CreateBitmap(1, 1, 1, 32, nullptr);
+    HANDLE printer = nullptr;
+    CDC paper;
+    ASSERT_TRUE(paper.CreateDC(nullptr, "PDF", nullptr, nullptr));
+    const CString nowhere = Path("no") + "\\x";
+    const auto isNull = [](HDC dc) { return dc == nullptr ? 0 : 1; };
+    const auto step = [](int result) { return result > 0 ? 1 : 0; };
+    EachTells({
+        {[&] { return job.LoadJobFile(Path("none")); },
+         "file: CQelPrintJobQueueData::LoadJobFile: none: file not found (2)"},
+        {[&] { return job.SaveJobFile(nowhere); }, "file: CQelPrintJobQueueData::SaveJobFile: x: bad path (3)"},
+        {[&] { return document.CheckAndAddJobFile(Path("none")); },
+         "file: CQelPrintJobDocumentData::CheckAndAddJobFile: none: file not found (2)"},
+        {[&] { return document.CheckAndAddJobFile(other); },
+         "data: CQelPrintJobDocumentData::CheckAndAddJobFile: the job has another page style"},
+        {[&] { return document.PrintOut(); },
+         "printer: CQelPrintJobDocumentData::PrintOut: the print server does not answer"},
+        {[&] { return qel::SavePng(bitmap, nowhere, 96); }, "file: qel::SavePng: x: bad path (3)"},
+        {[&] { return qel::SavePng(CBitmap(), nowhere, 96); }, "state: qel::SavePng: no bitmap"},
+        {[&] {
+             return isNull(qel::CreateSvgDC(nowhere, {0, 1}, 96));
+         },
+         "argument: qel::CreateSvgDC: a null pointer, or a size or resolution that cannot be drawn on"},
+        {[&] { return OpenPrinter("none", &printer, nullptr); },
+         "printer: OpenPrinter: none: the print server does not answer"},
+        {[&] { return GetPrinter(nullptr, 1, nullptr, 0, &thePrinterNeeds); }, "argument: GetPrinter: no open printer"},
+        {[&] { return isNull(CreateDC(nullptr, "none", nullptr, nullptr)); },
+         "printer: CreateDC: none: the print server does not answer"},
+        {[&] { return step(paper.EndPage()); }, "state: CDC::EndPage: not the next step of a document"},
+        {[&] { return step(paper.StartDoc("x")); }, "file: CDC::StartDoc: f: bad path (3)"},
+    });
+}
+
+TEST_F(Failures, AreNotWhatAPrinterWithAnotherSheetReports) {
+    struct Row {
+        short form;
+        bool isOther;
+    };
+    for (const Row& row : {Row{0, false}, Row{DMPAPER_A4, false}, Row{9999, true}}) {
+        DEVMODE mode{};
+        mode.dmFields = DM_PAPERSIZE;
+        mode.dmPaperSize = row.form;
+        const HDC dc = CreateDC(nullptr, "PDF", nullptr, &mode);
+        EXPECT_EQ(qel::HasOtherSheet(dc), row.isOther) << row.form;
+        EXPECT_EQ(Told(), "none");
+        DeleteDC(dc);
+    }
+    EXPECT_FALSE(qel::HasOtherSheet(nullptr));
 }
