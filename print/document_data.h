@@ -21,7 +21,8 @@
 /// @endcode
 ///
 /// All jobs of a document have the same page style. A document goes to the printer as a whole, when it ends. Operations
-/// return 1, or 0 on failure. One thread at a time.
+/// return 1, or 0 on failure; qel::LastFailure says why, for example that there is no such printer. One thread at a
+/// time.
 class QELLIB10_API CQelPrintJobDocumentData {
 public:
     CQelPrintJobDocumentData();

@@ -49,8 +49,8 @@ private:
 /// not converted.
 ///
 /// A style owns at most one context of its printer (the selected one). Copies and assignment leave it where it is; an
-/// assigned style drops its own, unless it is assigned to itself. Operations return 1, or 0 (null) on failure; nothing
-/// is thrown.
+/// assigned style drops its own, unless it is assigned to itself. Operations return 1, or 0 (null) on failure;
+/// qel::LastFailure says why. Nothing is thrown.
 class QELLIB10_API CQelPrintJobPageStyle {
 public:
     /// Like after Initialize, with empty names and printer margins of 0.

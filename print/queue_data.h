@@ -28,9 +28,9 @@ class XmlNode;
 /// if (!job.SaveJobFile("result.job")) return;
 /// @endcode
 ///
-/// Operations return 1, or 0 when a file is missing or refused, or memory runs out; a load may have added a part then.
-/// The public ones throw nothing but std::bad_alloc, by construction, copying and SetDefaultFont alone. One thread at a
-/// time.
+/// Operations return 1, or 0 when a file is missing or refused, or memory runs out (qel::LastFailure says which); a
+/// load may have added a part then. The public ones throw nothing but std::bad_alloc, by construction, copying and
+/// SetDefaultFont alone. One thread at a time.
 class QELLIB10_API CQelPrintJobQueueData {
 public:
     CQelPrintJobQueueData();

@@ -41,9 +41,9 @@ class XmlDocument;
 /// another name and moves that file to its place. The key is a constant, so an enciphered file is protected from casual
 /// readers and no more.
 ///
-/// Operations return 1, or 0 when a file, a text or a path is missing or refused, or memory runs out. Nothing is thrown
-/// but std::bad_alloc, by construction and GetXMLString alone: an empty text would be a document without a root. A text
-/// that is refused leaves the document empty. One thread at a time.
+/// Operations return 1, or 0 when a file, a text or a path is missing or refused, or memory runs out; qel::LastFailure
+/// says which. Nothing is thrown but std::bad_alloc, by construction and GetXMLString alone: an empty text would be a
+/// document without a root. A text that is refused leaves the document empty. One thread at a time.
 ///
 /// Kept as applications know it: after LockRollback the document counts as locked; see there.
 class QELLIB10_API CCryptXMLDocument {
