@@ -44,6 +44,11 @@ double BackwardTolerance(const Judged& curve, double range) {
     return std::min(curve.tolerance, std::max(kOfUsualMove * moves[kRareMoves], kToleranceRange * range));
 }
 
+double Range(const std::vector<double>& signal) {
+    const auto [low, high] = std::ranges::minmax(signal);
+    return high - low;
+}
+
 Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
     Judged judged;
     for (const std::size_t i : order) {
@@ -53,21 +58,22 @@ Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
     const Points all = Merged(curve);
     if (all.x.size() < kFewestPoints) {
         throw Failure("an end point needs at least " + std::to_string(kFewestPoints) + " points, there are " +
-                      std::to_string(all.x.size()));
+                      std::to_string(all.x.size()) + "; measure more of the curve");
     }
-    const auto [low, high] = std::ranges::minmax(judged.readings.signal);
     judged.noise = RoughNoise(all);
     judged.direction = Direction(judged.readings.signal);
-    const auto leaveOut = [&, range = high - low] {
+    const auto leaveOut = [&](double range) {
         judged.tolerance = std::max(kToleranceNoise * judged.noise, kToleranceRange * range);
         judged.strays = StrayReadings(judged.readings.signal, judged.tolerance);
     };
-    leaveOut();
+    double range = Range(judged.readings.signal);
+    leaveOut(range);
     if (const Points kept = KeptPoints(judged.readings, judged.strays); kept.x.size() >= kFewestPoints) {
-        judged.noise = Noise(kept);
-        leaveOut();
+        judged.noise = std::max(Noise(kept), RepeatNoise(judged.readings, judged.strays));
+        range = Range(kept.y);  // strays may be far beyond it
+        leaveOut(range);
     }
-    judged.backward = BackwardTolerance(judged, high - low);
+    judged.backward = BackwardTolerance(judged, range);
     return judged;
 }
 
@@ -117,7 +123,8 @@ void RequireReadingsAround(const Points& points, const Step& step) {
     throw Failure("the curve " + std::string(isStart ? "begins" : "ends") + " at its step near " + At(step.volume) +
                   ": " + Counted(static_cast<long long>(isStart ? before : after), "reading") +
                   (isStart ? " before" : " after") + " it, and " + std::to_string(few) +
-                  " are needed to tell a step from strays");
+                  " are needed to tell a step from strays; " +
+                  (isStart ? "start with less titrant" : "titrate further"));
 }
 
 // Where the levels before and after a step are the same, it is none.
@@ -129,15 +136,18 @@ void RequireLevels(const Points& points, const Judged& curve, const Step& step) 
     }
     if (wrong > kLongestStray) {
         throw Failure("the curve comes back over its step near " + At(step.volume) + ": " + std::to_string(wrong) +
-                      " readings are on the wrong side of it");
+                      " readings are on the wrong side of it; take out what is not part of this titration");
     }
 }
 
 void RequireCertainPlace(const Points& all, const Judged& curve, const Step& step) {
     const double half = std::max(IntervalAt(all.x, step.volume), step.interval) / 2;
-    if (kSureErrors * step.error > half) {
+    const Points kept = KeptPoints(curve.readings, curve.strays);
+    const bool isUnsure = kSureErrors * step.error > half || IsBesideRise(kept, curve.direction, step, half);
+    if (isUnsure || CanNoiseMove(curve, step, half)) {
         throw Failure("the end point near " + At(step.volume) + " is uncertain: noise of " + At(curve.noise) +
-                      " moves it by more than half a step between readings, " + At(half));
+                      " moves it by more than half a step between readings, " + At(half) +
+                      "; let each reading settle, or take more of them at the step");
     }
     const std::vector<double>& volume = curve.readings.volume;
     const auto after = std::ranges::upper_bound(volume, step.volume) - volume.begin();

@@ -15,6 +15,8 @@ constexpr double kLevel = 0.2;               // of the steepest slope between ne
 constexpr double kOfRough = 0.6;             // at least: the levels of few points may have little noise by chance
 constexpr double kChance = 6;                // deviations, in the difference of two points
 constexpr std::size_t kFewestOfLevels = 6;   // differences; the median of fewer is no estimate
+constexpr double kFarOut = 4;                // a sharp bend at the end of a level, deviations
+constexpr std::size_t kFewestRepeats = 5;
 
 // Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
 // point.
@@ -44,6 +46,13 @@ bool IsLevel(const Points& points, std::size_t first, double most, double noise)
     return true;
 }
 
+// Of few deviations the median is small by chance more often than this mean is. Larger values count as @p most.
+double RootMeanSquare(const std::vector<double>& values, double most) {
+    double sum = 0;
+    for (const double value : values) sum += std::pow(std::min(value, most), 2);
+    return std::sqrt(sum / static_cast<double>(values.size()));
+}
+
 }  // namespace
 
 // The lower quartile, because strays and the bends of a curve with few points would fill the upper half.
@@ -63,7 +72,21 @@ double Noise(const Points& points) {
     for (std::size_t i = 0; i + kRun <= points.x.size(); ++i) {
         if (IsLevel(points, i, kLevel * steepest, rough)) deviations.push_back(DeviationAt(points, i));
     }
-    return deviations.size() < kFewestOfLevels ? rough : std::max(MedianOf(deviations) / kMedian, kOfRough * rough);
+    if (deviations.size() < kFewestOfLevels) return rough;
+    const double median = MedianOf(deviations) / kMedian;
+    return std::max({median, RootMeanSquare(deviations, kFarOut * median), kOfRough * rough});
+}
+
+// Of neighbours, so that a slow drift of the electrode is not taken for noise.
+double RepeatNoise(const Curve& readings, const std::vector<bool>& strays) {
+    double squares = 0;
+    std::size_t count = 0;
+    for (std::size_t i = 1; i < readings.volume.size(); ++i) {
+        if (readings.volume[i] != readings.volume[i - 1] || strays[i] || strays[i - 1]) continue;
+        squares += std::pow(readings.signal[i] - readings.signal[i - 1], 2);
+        ++count;
+    }
+    return count < kFewestRepeats ? 0 : std::sqrt(squares / static_cast<double>(2 * count));
 }
 
 }  // namespace titration

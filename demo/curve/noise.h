@@ -1,5 +1,8 @@
 #pragma once
 
+#include <vector>
+
+#include "demo/curve/csv_table.h"
 #include "demo/curve/points.h"
 
 namespace titration {
@@ -11,5 +14,11 @@ double RoughNoise(const Points& points);
 /// The same of points without strays, from the levels before and after the step alone: a step that few points lie in
 /// is sharp, not noisy. As RoughNoise where the levels have too few points.
 double Noise(const Points& points);
+
+/// The same from neighbouring readings at one volume, as they are taken while an electrode settles: what they differ by
+/// is noise alone. 0 where there are too few of them.
+/// @param readings in the order of their volumes
+/// @param strays which of them are left out
+double RepeatNoise(const Curve& readings, const std::vector<bool>& strays);
 
 }  // namespace titration

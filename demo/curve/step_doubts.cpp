@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
+#include <random>
+#include <utility>
 
 #include "demo/curve/stray_readings.h"
 
@@ -12,8 +15,13 @@ namespace {
 constexpr std::size_t kNear = 7;        // readings on either side that strays could move a step from
 constexpr std::size_t kSearched = 60;   // readings on either side that a step is searched in again
 constexpr std::size_t kMostStrays = 4;  // in two places
-constexpr std::size_t kMostWays = 60;   // so many leave no doubt that the place is open
-constexpr double kSamePlace = 0.25;     // of the smallest interval at the step
+constexpr std::size_t kLong = 500;      // readings: their noise is well known, and long runs are fitted
+constexpr double kMove = 1.75;          // deviations: the noise of few readings is hardly known better
+constexpr double kOfSteepest = 0.5;     // a step is as steep as that
+constexpr std::size_t kFewIntervals = 3;
+constexpr int kMovedSearches = 12;
+constexpr std::size_t kMostWays = 60;  // so many leave no doubt that the place is open
+constexpr double kSamePlace = 0.25;    // of the smallest interval at the step
 
 using Flags = std::vector<bool>;
 
@@ -136,6 +144,14 @@ private:
     Window m_near{0, 0};
 };
 
+// Of the interval at a volume and those before and after it; 0 at an end.
+double MeanIntervalAt(const std::vector<double>& volumes, double volume) {
+    const auto after = std::ranges::upper_bound(volumes, volume) - volumes.begin();
+    if (after < 2 || after + 1 >= std::ssize(volumes)) return 0;
+    const auto at = static_cast<std::size_t>(after);
+    return (volumes[at + 1] - volumes[at - 2]) / 3;
+}
+
 }  // namespace
 
 Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut) {
@@ -151,6 +167,37 @@ Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut) {
 bool IsPlaceOpen(const Judged& curve, const Step& step) {
     const Surroundings around(curve, step);
     return !around.IsClean() && around.IsPlaceOpen();
+}
+
+bool IsBesideRise(const Points& points, double direction, const Step& step, double most) {
+    std::vector<double> slopes;
+    for (std::size_t i = 0; i + 1 < points.x.size(); ++i)
+        slopes.push_back(direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]));
+    const auto at = static_cast<std::size_t>(std::ranges::max_element(slopes) - slopes.begin());
+    std::size_t first = at, last = at + 1;
+    while (first > 0 && slopes[first - 1] > kOfSteepest * slopes[at]) --first;
+    while (last < slopes.size() && slopes[last] > kOfSteepest * slopes[at]) ++last;
+    if (last - first > kFewIntervals) return false;
+    double moment = 0;
+    for (std::size_t i = first; i < last; ++i)
+        moment += (points.y[i + 1] - points.y[i]) * std::midpoint(points.x[i], points.x[i + 1]);
+    const double center = moment / (points.y[last] - points.y[first]);
+    return std::abs(center - step.volume) > most;
+}
+
+bool CanNoiseMove(const Judged& curve, const Step& step, double most) {
+    std::mt19937 random;  // always the same numbers: a curve has one end point
+    const Points kept = KeptPoints(curve.readings, curve.strays);
+    most = std::max(most, MeanIntervalAt(kept.x, step.volume) / 2);  // one short interval says little of its neighbours
+    if (kept.x.size() > kLong) return false;
+    const double move = kMove * curve.noise;
+    for (int i = 0; i < kMovedSearches; ++i) {
+        Points moved = kept;
+        for (double& signal : moved.y) signal += random() % 2 == 0 ? move : -move;
+        const auto other = SteepestStep(Smoothed(std::move(moved)), curve.direction, curve.noise);
+        if (!other || std::abs(other->volume - step.volume) > most) return true;
+    }
+    return false;
 }
 
 }  // namespace titration

@@ -24,4 +24,14 @@ Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut);
 /// clean step, it must be at the same place, and so it must be with the next reading on either side left out as well.
 bool IsPlaceOpen(const Judged& curve, const Step& step);
 
+/// Whether a step that few readings lie in is more than @p most from the middle of its rise: a polynomial through
+/// uneven steps may bend beside it. Steps that many readings lie in are left to the fit.
+bool IsBesideRise(const Points& points, double direction, const Step& step, double most);
+
+/// Whether noise could have chosen the step: the search is made again with every reading moved up or down by the noise,
+/// a few times over, and must come to within @p most of the same volume. The standard error of a fit knows only how far
+/// noise moves that fit, not that it may favour another one.
+/// Of more than 500 readings it is not asked.
+bool CanNoiseMove(const Judged& curve, const Step& step, double most);
+
 }  // namespace titration
