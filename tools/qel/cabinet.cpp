@@ -46,15 +46,23 @@ Status List(const Options& options) {
     return status;
 }
 
+// Of a cabinet that was not opened. A file that ends too early has no number of the system.
+Status StatusOfOpening(const qel::Failure& failure) {
+    if (failure.kind == qel::FailureKind::kData) return kBadHeader;
+    return failure.kind == qel::FailureKind::kFile && failure.systemError < 0 ? kCut : kUnreadable;
+}
+
 void OpenForWriting(CHistoryCabinetFile& cabinet, const std::string& path) {
-    const CString name = Path(path);
-    OnFile(path, [&] {
-        const CFile file(name, CFile::modeRead | CFile::shareDenyNone);
-        CabinetOf(file);  // says why it cannot be opened
-    });
     RequireUnsealed(path);
-    if (cabinet.Open(name, 0) == 0)
-        throw Failure(Shown(path) + ": cannot be opened: it is in use or may not be written", kUnreadable);
+    if (cabinet.Open(Path(path), 0) == 0)
+        throw Failure(Shown(path) + ": " + Why("cannot be opened"), StatusOfOpening(qel::LastFailure()));
+}
+
+// The document may be what cannot be read.
+Failure NotAdded(const Options& options) {
+    const bool isOfDocument = CString(qel::LastFailure().item.c_str()) == Path(options.file);
+    const std::string& file = isOfDocument ? options.file : options.cabinet;
+    return Failure(Shown(file) + ": " + Why("takes no new version"), isOfDocument ? kUnreadable : kFailed);
 }
 
 qel::CabinetVersion Find(qel::CabinetReader& cabinet, const Options& options) {
@@ -98,14 +106,14 @@ Status Add(const Options& options) {
     CHistoryCabinetFile cabinet;
     const CString name = Path(options.cabinet);
     const CString source = Path(options.file);
-    OnFile(options.file, [&] { const CFile file(source, CFile::modeRead | CFile::shareDenyWrite); });
     const bool isNew = CQFile::IsExist(name) == 0;
     isNew ? RequireFolderOf(options.cabinet) : OpenForWriting(cabinet, options.cabinet);
-    if (isNew && cabinet.Create(name) == 0) throw Failure(Shown(options.cabinet) + ": cannot be made");
+    if (isNew && cabinet.Create(name) == 0) throw Failure(Shown(options.cabinet) + ": " + Why("cannot be made"));
     if (cabinet.RegistNewVersion(source) == 0) {
+        const Failure failure = NotAdded(options);
         cabinet.Close();
         if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // an empty file is not a cabinet
-        throw Failure(Shown(options.cabinet) + ": takes no new version");
+        throw failure;
     }
     const DWORD version = cabinet.GetLatestVersion();
     CGuid guid = cabinet.GetGUID();

@@ -101,13 +101,13 @@ void PrintJobs(const Options& options) {
     if (!options.printer.empty()) style.SetPrinterDevice(ExactText(options.printer));
     const std::string name = "the printer \"" + Shown(Utf8(style.GetPrinterDevice().View())) + "\"";
     CDC dc;
-    if (!dc.Attach(style.GetPrinterDC())) throw Failure(name + " is not there");
+    if (!dc.Attach(style.GetPrinterDC())) throw Failure(name + ": " + Why("is not there"));
     if (dotsPerInch > 0 && style.GetDpi() != dotsPerInch)
         throw Failure(name + " has " + std::to_string(style.GetDpi()) + " dots an inch, the job is for " +
                       std::to_string(dotsPerInch));
     Drawing drawing{{}, PagesOf(document), Utf8(style.GetStyleName().View()), {}, {}};
     drawing.draw = [&](CDC& printer, int page) { return document.PrintOutMain(&printer, page, 0) != 0; };
-    if (!DrawDocument(dc, drawing)) throw Failure(name + " does not take the document");
+    if (!DrawDocument(dc, drawing)) throw Failure(name + ": " + Why("does not take the document"));
 }
 
 std::map<std::string, int> CommandsOf(CQelPrintJobQueueData& job) {

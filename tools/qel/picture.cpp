@@ -72,7 +72,8 @@ std::vector<Picture> WritePictures(const PictureOptions& options, const Drawing&
     }
     for (const Picture& picture : pictures) {
         OnFile(picture.file, [&] {
-            if (!SavePages(picture, kind, drawing, options.resolution)) throw Failure("cannot be drawn or written");
+            if (!SavePages(picture, kind, drawing, options.resolution))
+                throw Failure(Why("cannot be drawn or written"));
         });
     }
     return pictures;

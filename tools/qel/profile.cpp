@@ -65,7 +65,7 @@ void Set(const Options& options) {
     } else {
         result = profile.Set(section, key, ExactText(options.value));
     }
-    if (result == 0) throw Failure(Shown(options.location) + ": the setting cannot be written");
+    if (result == 0) throw Failure(Shown(options.location) + ": " + Why("the setting cannot be written"));
 }
 
 void List(const Options& options) {
@@ -85,12 +85,12 @@ void List(const Options& options) {
 
 void Backup(const Options& options) {
     if (KeyToCopy(options).Backup(ExactText(options.suffix)) == 0)
-        throw Failure(Shown(options.location) + ": cannot be backed up: there is no such key, or it cannot be read");
+        throw Failure(Shown(options.location) + ": cannot be backed up: " + Why("it cannot be read"));
 }
 
 void Restore(const Options& options) {
     if (KeyToCopy(options).Restore(ExactText(options.suffix)) == 0)
-        throw Failure(Shown(options.location) + ": cannot be restored: there is no such backup");
+        throw Failure(Shown(options.location) + ": cannot be restored: " + Why("there is no such backup"));
 }
 
 }  // namespace

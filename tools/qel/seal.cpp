@@ -19,7 +19,7 @@ CCheckDatafile ReadSeal(const std::string& path) {
         Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
         CCheckDatafile seal;
         seal.EnableCheckFilename(0);
-        if (seal.ReadPackData(&file) == 0) throw Failure("has no seal, or does not match it", kChanged);
+        if (seal.ReadPackData(&file) == 0) throw Failure(Why("has no seal"), kChanged);
         return seal;
     });
 }
@@ -35,7 +35,7 @@ CCheckDatafile Seal(const std::string& path, const Options& options) {
         if (report.isSealed && (options.isNew || !options.after.empty())) throw Failure("is sealed already");
         CQFile file;
         Open(file, path, CFile::modeReadWrite | CFile::shareExclusive);
-        if (seal.PackUpdateData(&file, report.isSealed ? 0 : 1) == 0) throw Failure("cannot be sealed");
+        if (seal.PackUpdateData(&file, report.isSealed ? 0 : 1) == 0) throw Failure(Why("cannot be sealed"));
         file.Flush();
         file.Close();
     });

@@ -61,6 +61,9 @@ std::string Shown(std::string text);
 /// For example "1 page", "2 pages".
 std::string Count(std::size_t number, const char* one, const char* more);
 
+/// Why the library's last operation, which returned 0, failed; @p otherwise if it gave no reason.
+std::string Why(const char* otherwise);
+
 Status StatusOf(const CFileException& error) noexcept;
 Status StatusOf(const CArchiveException& error) noexcept;
 

@@ -80,12 +80,12 @@ void Set(const Options& options) {
     CountOf(document, options.path);
     document.SetCryptMode(IsEnciphered(options.file) ? 1 : 0);
     if (document.LockFile(Path(options.file), 1, 0) == 0)
-        throw Failure(Shown(options.file) + ": cannot be changed: it is in use or may not be written", kUnreadable);
+        throw Failure(Shown(options.file) + ": cannot be changed: " + Why("it is in use"), kUnreadable);
     if (document.SetNodeText(ExactText(options.path), text) == 0) {
         document.LockRollback();
         throw CLI::ValidationError("\"" + options.path + "\" names nothing that can be made");
     }
-    if (document.LockCommit() == 0) throw Failure(Shown(options.file) + ": cannot be written");
+    if (document.LockCommit() == 0) throw Failure(Shown(options.file) + ": " + Why("cannot be written"));
 }
 
 void Convert(const Options& options, bool encipher) {
