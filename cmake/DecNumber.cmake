@@ -1,5 +1,5 @@
-# decNumber, the decimal library behind CBCD. Debian's package gdb-source carries its sources in an archive; they are
-# taken out once into the build folder and never enter this repository.
+# decNumber, the decimal library of CBCD. Debian's package gdb-source contains its sources in an archive; they are
+# extracted once into the build folder and never enter this repository.
 set(QELLIB10_DECNUMBER_SOURCE "" CACHE PATH
   "Folder with decNumber.c and its headers (libdecnumber); empty: taken from the Debian package gdb-source")
 
@@ -14,7 +14,7 @@ else()
       message(FATAL_ERROR "decNumber is missing: install the Debian package gdb-source, which brings ${archive}, "
         "or name an unpacked libdecnumber by -DQELLIB10_DECNUMBER_SOURCE=<dir>.")
     endif()
-    # Renamed when complete, so that an interrupted extraction is not taken for the whole.
+    # Renamed when complete, so that an interrupted extraction is not taken for a complete one.
     file(REMOVE_RECURSE ${decnumber}/unpacking)
     file(ARCHIVE_EXTRACT INPUT ${archive} DESTINATION ${decnumber}/unpacking PATTERNS
       gdb/libdecnumber/dec*.h gdb/libdecnumber/dconfig.h gdb/libdecnumber/decNumber.c gdb/libdecnumber/decContext.c)
@@ -29,7 +29,7 @@ foreach(file IN LISTS decnumber_headers ITEMS decNumber.c decContext.c)
   endif()
 endforeach()
 
-# The headers in the place where an installation has them: <qellib10/decnumber/decNumber.h>.
+# The headers where an installation has them: <qellib10/decnumber/decNumber.h>.
 foreach(header IN LISTS decnumber_headers)
   configure_file(${decnumber_source}/${header} ${decnumber}/include/qellib10/decnumber/${header} COPYONLY)
   install(FILES ${decnumber_source}/${header}
@@ -41,8 +41,8 @@ install(FILES ${decnumber}/include/qellib10/decnumber/gstdint.h
 target_include_directories(qellib10_core_objects PUBLIC ${decnumber}/include)
 target_include_directories(qellib10-core PUBLIC $<BUILD_INTERFACE:${decnumber}/include>)
 
-# Its own warnings are not ours to mend. It counts on signed numbers that wrap around: an exponent of many digits is read
-# to its end and only then found to be too large.
+# We do not fix its own warnings. It relies on signed numbers that wrap around: an exponent of many digits is read to its
+# end and only then found to be too large.
 file(CONFIGURE OUTPUT ${decnumber}/config/config.h CONTENT "")
 add_library(qellib10_decnumber STATIC ${decnumber_source}/decNumber.c ${decnumber_source}/decContext.c)
 target_include_directories(qellib10_decnumber PRIVATE ${decnumber}/config ${decnumber}/include/qellib10/decnumber)

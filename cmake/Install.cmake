@@ -1,5 +1,5 @@
-# What `cmake --install` gives beside the headers, which qellib10_files installs: the libraries, the umbrella headers, the
-# CMake package QELLIB10 and the pkg-config files. All of them work from wherever the tree is moved to.
+# What `cmake --install` installs in addition to the headers of qellib10_files: the libraries, the umbrella headers, the
+# CMake package QELLIB10 and the pkg-config files. All of them still work after the tree was moved.
 include(CMakePackageConfigHelpers)
 
 set(QELLIB10_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/QELLIB10)
@@ -10,7 +10,7 @@ function(qellib10_install_pc name component)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
 endfunction()
 
-# qellib10_install(name): the library qellib10-<name> in component <name>; what one builds with in <name>-development.
+# qellib10_install(name): the library qellib10-<name> in component <name>; its development files in <name>-development.
 function(qellib10_install name)
   install(TARGETS qellib10-${name} EXPORT QELLIB10-${name}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${name} NAMELINK_COMPONENT ${name}-development)
@@ -27,7 +27,7 @@ if(TARGET qellib10-gtk)
   qellib10_install(gtk)
 endif()
 
-# The whole. -lqellib10 finds a script for the linker, by which a program needs only those of the libraries that it calls.
+# The whole library. -lqellib10 finds a linker script, so that a program needs only those of the libraries that it calls.
 install(TARGETS qellib10 EXPORT QELLIB10-whole)
 install(EXPORT QELLIB10-whole NAMESPACE QELLIB10:: DESTINATION ${QELLIB10_PACKAGE_DIR} COMPONENT development)
 install(TARGETS qellib10_whole LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_SKIP)
@@ -37,7 +37,7 @@ install(FILES ${PROJECT_BINARY_DIR}/script/libqellib10.so DESTINATION ${CMAKE_IN
 install(FILES qellib10.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10 COMPONENT development)
 qellib10_install_pc(qellib10 development)
 
-# The programs of the documentation's pages, for people who begin.
+# The programs of the documentation's pages, for beginners.
 set(QELLIB10_EXAMPLES_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqellib10)
 install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/examples COMPONENT development
   FILES_MATCHING PATTERN *.cpp PATTERN gtk.cpp EXCLUDE)

@@ -1,8 +1,8 @@
-# The library, by components: each a set of objects, linked into a shared library that is installed, and into the tests,
-# which also reach what the shared libraries hide.
+# The library, by components: each is a set of objects, linked into an installed shared library, and into the tests, which
+# can also call what the shared libraries hide.
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
 
-# Programs that are installed outside the system's folders find the libraries from where they are.
+# Programs installed outside the system's folders find the libraries relative to themselves.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL /usr)
   file(RELATIVE_PATH library_from_program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set(CMAKE_INSTALL_RPATH "$ORIGIN/${library_from_program}" "$ORIGIN")
@@ -21,14 +21,14 @@ function(qellib10_shared target)
     LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/qellib10.map LINKER:--as-needed LINKER:-Bsymbolic-functions)
 endfunction()
 
-# qellib10_component(name [below]): the library qellib10-<name>, over that of the component below.
+# qellib10_component(name [below]): the library qellib10-<name>, which uses that of the component below.
 function(qellib10_component name)
   set(objects qellib10_${name}_objects)
   add_library(${objects} OBJECT)
   target_include_directories(${objects} PUBLIC ${PROJECT_BINARY_DIR}/include)
   target_compile_features(${objects} PUBLIC cxx_std_20)
   target_link_libraries(${objects} PRIVATE qellib10_flags)
-  # No program replaces functions of the library by its own, so calls within it need no look-up and can be inlined.
+  # No program replaces functions of the library, so calls within it need no look-up and can be inlined.
   target_compile_options(${objects} PRIVATE -fno-semantic-interposition)
   target_sources(qellib10_objects INTERFACE $<TARGET_OBJECTS:${objects}>)
   target_link_libraries(qellib10_objects INTERFACE ${objects})
@@ -55,8 +55,8 @@ add_library(qellib10 INTERFACE)
 add_library(QELLIB10::qellib10 ALIAS qellib10)
 target_link_libraries(qellib10 INTERFACE qellib10-graphics qellib10-core)
 
-# Programs that were linked with the one library of before, or that load it by its name, find it still: it has nothing
-# but the others.
+# Programs that were linked with the former single library, or that load it by name, still find it: it contains nothing
+# and only loads the others.
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/whole.cpp CONTENT "")
 add_library(qellib10_whole SHARED ${PROJECT_BINARY_DIR}/whole.cpp)
 set_target_properties(qellib10_whole PROPERTIES OUTPUT_NAME qellib10)

@@ -41,8 +41,8 @@ macro(qellib10_package component name section summary text depends)
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${name} COMPONENT ${component})
 endmacro()
 
-# A package of a shared library: it renews the loader's cache, and says since when its functions are there. They all
-# stand under one version node, so the file for that has one line, and what is added later gets a node of its own.
+# A package of a shared library: it renews the loader's cache, and says since which version its functions exist. All
+# are under one version node, so that file has one line, and later additions get a node of their own.
 macro(qellib10_library_package target component name section summary text depends)
   qellib10_package(${component} ${name} ${section} "${summary}" "${text}" "${depends}")
   set(control ${PROJECT_BINARY_DIR}/control/${component})

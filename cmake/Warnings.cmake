@@ -1,5 +1,5 @@
-# Flags that every target of ours is compiled with; nothing of it reaches a consumer. Each step of a calculation is
-# rounded to double, also where the machine could fuse a product and a sum into one: results are the same everywhere.
+# Flags for all of our targets; consumers do not get them. Each step of a calculation is rounded to double, even if the
+# machine could fuse a product and a sum: results are the same everywhere.
 add_library(qellib10_flags INTERFACE)
 target_compile_options(qellib10_flags INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wshadow;-Wconversion;-Wno-sign-conversion;-Wnon-virtual-dtor;-Wold-style-cast;-Wformat=2;-ffp-contract=off>)
@@ -13,7 +13,7 @@ endif()
 if(QELLIB10_BUILD_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)  # so that the fuzzer sees which branches an input took
 endif()
-# g++ 12 sees an overlap in std::string's assignment and concatenation of short literals where there is none.
+# g++ 12 reports an overlap in std::string's assignment and concatenation of short literals that does not exist.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(qellib10_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()

@@ -17,6 +17,6 @@ set(ENV{PKG_CONFIG_SYSROOT_DIR} ${QELLIB10_ARM64_ROOT})
 set(ENV{PKG_CONFIG_LIBDIR}
   ${QELLIB10_ARM64_ROOT}/usr/lib/aarch64-linux-gnu/pkgconfig:${QELLIB10_ARM64_ROOT}/usr/share/pkgconfig)
 
-# Programs name loader and libraries below the root themselves: qemu-user's own way (-L) would open "/" there, too.
+# Programs name loader and libraries below the root themselves: qemu-user's own option (-L) would also open "/" there.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,--dynamic-linker=${QELLIB10_ARM64_ROOT}/lib/ld-linux-aarch64.so.1,--disable-new-dtags,-rpath,${QELLIB10_ARM64_ROOT}/usr/lib/aarch64-linux-gnu:${QELLIB10_ARM64_ROOT}/lib/aarch64-linux-gnu")
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64)
