@@ -112,7 +112,7 @@ std::string KeepReport(const Titration& titration, DWORD version, const CHistory
     return "Drawn      curve.png, in one drawing with the report's curve\n"
            "Job        " +
            name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
-           std::to_string(printer.Style().GetDpi()) + " dots an inch, " +
+           std::to_string(printer.Style().GetDpi()) + " dots per inch, " +
            std::to_string(job.GetBlock().GetCommandCount()) + " commands\n";
 }
 

@@ -38,7 +38,7 @@ bool* Flag(Options& options, const std::string& name) {
 // 0 for an option that is not given.
 int CountOf(const std::string& text, const char* what) {
     const int number = text.empty() ? 0 : ParseWholeNumber(text).value_or(0);
-    if (number == 0 && !text.empty()) throw Failure("\"" + text + "\" is no " + what + ": they count from 1");
+    if (number == 0 && !text.empty()) throw Failure("\"" + text + "\" is not a " + what + ": they count from 1");
     return number;
 }
 

@@ -84,7 +84,7 @@ std::string WhyNot(LONG code) {
         case qel::kFolderMissing:
             return "its folder is missing";
         case qel::kAccessDenied:
-            return "it is no file, or may not be written";
+            return "it is not a file, or may not be written";
         case qel::kWriteProtected:
             return "its disk can only be read";
         case qel::kSharingViolation:

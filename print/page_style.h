@@ -69,7 +69,7 @@ public:
     void SetPrinterDevice(const CString& device) { m_szPrinterDevice = device; }
     const CString& GetPrinterPort() const { return m_szPrinterPort; }
     void SetPrinterPort(const CString& port) { m_szPrinterPort = port; }
-    /// The unit of the margins: 2 tenths of a millimetre, 3 device units; 1 is 1/72 of the resolution.
+    /// The unit of the margins: 2 tenths of a millimetre, 3 device units; with 1 the margin * 72 / resolution is used.
     const int& GetUnit() const { return m_nUnit; }
     void SetUnit(const int& unit) { m_nUnit = unit; }
     /// Device units per inch; 0: unknown.

@@ -95,7 +95,7 @@ int Extract(const char* operation, CQFile& cabinet, bool hasVersion, const char*
 
 void RequireSpace(const qel::CabinetHeader& header, ULONGLONG end, ULONGLONG size) {
     if (header.versionCount == kLargest || end + qel::kVersionHeaderSize + size > kLargest)
-        throw qel::DataError("no room for another version");
+        throw qel::DataError("no space for another version");
 }
 
 }  // namespace

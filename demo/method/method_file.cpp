@@ -49,7 +49,7 @@ void WriteMethod(const Method& method, CCryptXMLDocument& document) {
 MethodFile::MethodFile(const std::string& path) : m_name(CQFile::GetFilenameFromPath(path.c_str())) {
     constexpr int kNoWait = 1, kCreate = 1;
     if (m_document.LockFile(path.c_str(), kNoWait, kCreate) == 0)
-        throw Failure(m_name + ": cannot be opened for writing, or is no document");
+        throw Failure(m_name + ": cannot be opened for writing, or is not a document");
     About(m_name, [&] { m_kept = ReadMethod(m_document); });
 }
 

@@ -27,13 +27,13 @@ std::string Name(const std::string& name) {
 int WholeNumber(const std::string& value, int largest) {
     const auto number = ParseWholeNumber(value);
     if (!number || *number > largest)
-        throw Failure("\"" + value + "\" is no whole number; expected one from 0 to " + std::to_string(largest));
+        throw Failure("\"" + value + "\" is not a whole number; expected one from 0 to " + std::to_string(largest));
     return *number;
 }
 
 double Number(const std::string& value) {
     const auto number = qel::ReadNumber(value);
-    if (!number) throw Failure("\"" + value + "\" is no number; expected one like 1.25, without a unit");
+    if (!number) throw Failure("\"" + value + "\" is not a number; expected one like 1.25, without a unit");
     return *number;
 }
 

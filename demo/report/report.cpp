@@ -63,7 +63,7 @@ std::string ReadingText(const Titration& titration) {
     text += "Curve      " + dataFile + table + ", lines " + std::to_string(curve.firstLine) + " to " +
             std::to_string(curve.lastLine) + ": " + std::to_string(curve.volume.size()) + " points\n";
     if (curve.linesWithoutPoint > 0) {
-        text += kIndent + std::to_string(curve.linesWithoutPoint) + " lines lack a reading\n";
+        text += kIndent + std::to_string(curve.linesWithoutPoint) + " lines have no reading\n";
     }
     text += "End point  " + ColumnText(settings.volumeColumn) + " = " + Fixed(endPoint.volume, 4) + " at " +
             ColumnText(settings.signalColumn) + " = " + Fixed(endPoint.signal, 2) + ", slope " +

@@ -49,7 +49,8 @@ std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calc
 void RequireValid(const Settings& settings, CQWCalc& calculator) {
     if (calculator.CheckCalcFormula(Text(settings.name), Text(settings.formula)) != 0) return;
     const auto unknown = UnknownName(settings.formula, calculator);
-    if (unknown) throw Failure("the formula names \"" + *unknown + "\", which is no variable; add it to [variables]");
+    if (unknown)
+        throw Failure("the formula names \"" + *unknown + "\", which is not a variable; add it to [variables]");
     throw Failure(
         "the formula \"" + settings.formula +
         "\" is not valid: its syntax, a division by zero, or over 255 bytes; expected names, numbers, + - * / "

@@ -153,7 +153,7 @@ void MadeFiles::RequireBeginsAsMade(const std::string& name) const {
     const std::string made = AsMade(name);
     const auto before = static_cast<DWORD>(ParseWholeNumber(made.substr(0, made.find(' '))).value_or(0));
     const std::string now = Described(name, std::min(before, SizeOf(name)));
-    if (now != made) throw Failure("begins with " + now + ", and had " + made);
+    if (now != made) throw Failure("starts with " + now + ", and had " + made);
 }
 
 std::vector<std::string> MadeFiles::Matching(const std::string& pattern) const {
@@ -183,15 +183,15 @@ std::vector<std::string> MadeFiles::WrittenDown() const {
         const bool isSection = line == files || line == fingerprints;
         const std::string_view name = line.substr(0, line.find('='));
         if (!lines.insert(isSection ? std::string(line) : std::string(section) + std::string(name)).second)
-            throw Failure(here + "stands twice");
+            throw Failure(here + "occurs twice");
         if (isSection) {
             section = line;
         } else if (section.empty() || !IsLine(line, section == files)) {
-            throw Failure(here + "is none of these");
+            throw Failure(here + "is not valid here");
         } else if (section == files) {
             names.emplace_back(name);
         } else if (!lines.contains(files + std::string(name))) {
-            throw Failure(here + "is of no file above");
+            throw Failure(here + "names no file above");
         }
     }
     return names;

@@ -31,7 +31,7 @@ std::vector<CHistoryRenewInfo> ReadRenewals(CQFile& file) {
 }
 
 std::string Described(const CHistoryRenewInfo& record) {
-    if (record.GetOperator().IsEmpty()) return "by an operator who is not known";
+    if (record.GetOperator().IsEmpty()) return "by an unknown operator";
     const COleDateTime& time = record.GetRenewDateTime();
     CString text;
     text.Format("%04d-%02d-%02d %02d:%02d:%02d by %s: %s", time.GetYear(), time.GetMonth(), time.GetDay(),

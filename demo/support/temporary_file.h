@@ -12,7 +12,7 @@ namespace titration {
 class TemporaryFile {
 public:
     TemporaryFile() : m_path(CQFile::GetTempFilePath("ttr")) {
-        if (m_path.IsEmpty()) throw Failure("there is no room for a temporary file");
+        if (m_path.IsEmpty()) throw Failure("there is no space for a temporary file");
     }
     ~TemporaryFile() { CQFile::DeleteFiles(m_path); }
     TemporaryFile(const TemporaryFile&) = delete;

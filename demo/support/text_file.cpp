@@ -54,7 +54,7 @@ std::string ReadTextFile(const std::string& path) {
     const std::size_t zero = text.find('\0');
     if (zero != std::string::npos)
         throw Failure(path + ": byte " + std::to_string(zero + 1) +
-                      " is zero, so it is no text, or UTF-16 in the other byte order; save it as UTF-8");
+                      " is zero, so it is not text, or is UTF-16 in the other byte order; save it as UTF-8");
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     return text;
 }

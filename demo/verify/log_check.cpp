@@ -64,8 +64,7 @@ private:
         }
         const std::size_t before = m_facts.runs.size();
         const auto version = ParseWholeNumber(text);
-        Require(version && static_cast<std::size_t>(*version) == before + 1,
-                "behind version " + std::to_string(before));
+        Require(version && static_cast<std::size_t>(*version) == before + 1, "after version " + std::to_string(before));
         m_facts.runs.push_back({m_texts[0], m_texts[1], m_texts[2], m_table});
     }
 
@@ -98,13 +97,14 @@ std::string CheckLog(const MadeFiles& made, DWORD versions, LogFacts& facts) {
     for (const std::string_view& line : lines) {
         Require(text.ends_with("\r\n") || &line != &lines.back(), "its last line is cut");
         const std::string here = "line " + std::to_string(++facts.lines) + ", \"" + std::string(line) + "\"";
-        Require(HasTime(line), here + ": is none of the log");
+        Require(HasTime(line), here + ": is not a line of the log");
         Require(time <= line.substr(kTimeAt, kTimeSize), here + ": is earlier than the one before");
         time = line.substr(kTimeAt, kTimeSize);
         About(here, [&] { runs.Take(line.substr(kMessageAt)); });
     }
-    const auto told = static_cast<DWORD>(facts.runs.size());
-    Require(told == versions, "tells of " + Counted(told, "version") + ", and there are " + std::to_string(versions));
+    const auto logged = static_cast<DWORD>(facts.runs.size());
+    Require(logged == versions,
+            "mentions " + Counted(logged, "version") + ", and there are " + std::to_string(versions));
     made.RequireBeginsAsMade("titration.log");
     return std::to_string(facts.lines) + " lines in order, " + Counted(versions, "version") + " registered";
 }

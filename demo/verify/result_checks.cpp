@@ -50,7 +50,7 @@ std::string CheckTable(const MadeFiles& made, const Result& result) {
 
 Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log) {
     const CCalcVariableList kept = history.Variables(version);
-    Require(version <= log.runs.size(), "titration.log does not tell what it was computed from");
+    Require(version <= log.runs.size(), "titration.log does not say what it was computed from");
     const LoggedRun& run = log.runs[version - 1];
     const Method method = MethodFile::Read(made.Path(MethodName(version)));
     Titration again = EvaluateTitration(MethodName(version), method, CurveName(version),

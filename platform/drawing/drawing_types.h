@@ -154,7 +154,7 @@ struct LOGFONT {
     BYTE lfClipPrecision;
     BYTE lfQuality;
     BYTE lfPitchAndFamily;
-    char lfFaceName[LF_FACESIZE];  ///< in the code page; may lack the zero at the end
+    char lfFaceName[LF_FACESIZE];  ///< in the code page; the zero at the end may be missing
 };
 
 /// Measures of the selected font, in logical units.

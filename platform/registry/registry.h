@@ -14,7 +14,7 @@
 // the first write:
 //
 //     HKEY_LOCAL_MACHINE   local-machine.db   in the Windows folder, /var/lib/qellib10
-//     HKEY_CLASSES_ROOT    classes-root.db    beside it
+//     HKEY_CLASSES_ROOT    classes-root.db    next to it
 //     HKEY_CURRENT_USER    current-user.db    in $XDG_CONFIG_HOME/qellib10, else ~/.config/qellib10
 //
 // QELLIB10_REGISTRY_DIR, an absolute path, puts all of them into one folder. A tree without a database is empty.

@@ -85,12 +85,12 @@ std::optional<std::uint64_t> FindVersionLeaf(const FileBytes& file, std::uint64_
     if (!type) return std::nullopt;
     std::uint32_t entry = *type;
     for (int level = 2; level <= 3; ++level) {
-        if ((entry & kIsNode) == 0) throw DataError("a leaf stands too high");
+        if ((entry & kIsNode) == 0) throw DataError("a leaf at too high a level");
         const auto first = EntryOf(file, tree + (entry & ~kIsNode), std::nullopt);
         if (!first) throw DataError("a node without entries");
         entry = *first;
     }
-    if ((entry & kIsNode) != 0) throw DataError("a leaf stands too deep");
+    if ((entry & kIsNode) != 0) throw DataError("a leaf at too low a level");
     return tree + entry;
 }
 

@@ -11,7 +11,7 @@ namespace qel {
 /// The text of @p key, in upper or lower case, in a version resource. It consists of nested blocks, each:
 ///
 ///     0  length of all of it     2  length of the value     4  1: the value is text, its length counts UTF-16 units
-///     6  name, UTF-16, a zero unit, then up to a multiple of 4 from the begin of the resource: value, likewise: blocks
+///     6  name, UTF-16, a zero unit, then up to a multiple of 4 from the start of the resource: value, likewise: blocks
 ///
 ///     VS_VERSION_INFO
 ///         StringFileInfo      a block for each language, named by language and code page as 041104b0, with the texts

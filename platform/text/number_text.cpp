@@ -21,7 +21,7 @@ std::string_view Print(Buffer& buffer, double value, std::chars_format format, i
 bool IsOdd(double whole) { return std::fmod(std::fabs(whole), 2) == 1; }
 
 // Exactly between two texts with @p decimals decimals; below 0, between two multiples of that power of ten. Such a tie
-// is an odd multiple of 5^-decimals, and from 5^22 on no double is one.
+// is an odd multiple of 5^-decimals, and beyond 5^22 no double is one.
 bool IsTie(double value, int decimals) {
     if (decimals >= 0) return IsOdd(std::ldexp(value, decimals + 1));
     if (decimals < -22) return false;

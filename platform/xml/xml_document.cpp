@@ -64,7 +64,7 @@ std::string XmlDocument::Bytes() const {
     const std::string shown = WithReferencesFor(encoder, text);
     XmlDocument().LoadUtf8(shown);  // refuses a name with a missing character, because names cannot contain references
     auto bytes = encoder(shown);
-    if (!bytes) throw DataError("an encoding that lacks characters of XML itself");
+    if (!bytes) throw DataError("characters of XML itself are missing in this encoding");
     return std::move(*bytes);
 }
 

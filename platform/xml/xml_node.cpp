@@ -63,7 +63,7 @@ void SetElementText(pugi::xml_node element, const std::string& text) {
 // Comments and the like cannot contain their own end.
 void SetData(pugi::xml_node node, const std::string& text, std::string_view forbidden) {
     if (text.find(forbidden) != std::string::npos || text.ends_with(forbidden[0])) {
-        throw DataError("a text with the end of what it shall stand in");
+        throw DataError("a text that contains the end of its own node");
     }
     RequireMemory(node.set_value(WithPlainLineEnds(text).c_str()));
 }

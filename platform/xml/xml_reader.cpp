@@ -46,7 +46,7 @@ void CheckManyNamesDiffer(pugi::xml_node element) {
     std::vector<std::string_view> names;
     for (const auto attribute : element.attributes()) names.emplace_back(attribute.name());
     std::ranges::sort(names);
-    Require(std::ranges::adjacent_find(names) == names.end(), "an attribute stands twice");
+    Require(std::ranges::adjacent_find(names) == names.end(), "an attribute occurs twice");
 }
 
 // The names of an element's attributes. A few are simply compared with each other, in order.
@@ -55,7 +55,7 @@ public:
     void Add(const char* name) {
         if (IsFull()) return;
         for (std::size_t i = 0; i < m_count; ++i) {
-            Require(*m_names[i] != *name || std::strcmp(m_names[i], name) != 0, "an attribute stands twice");
+            Require(*m_names[i] != *name || std::strcmp(m_names[i], name) != 0, "an attribute occurs twice");
         }
         m_names[m_count++] = name;
     }
@@ -151,7 +151,8 @@ private:
             const char* const value = attribute.value();
             names.Add(name);
             CheckName(name);
-            for (const char* at = value; *at != '\0'; ++at) Require(*at != '<', "an attribute holds a tag's begin");
+            for (const char* at = value; *at != '\0'; ++at)
+                Require(*at != '<', "an attribute contains the start of a tag");
             if (m_hasReferences) TakeReferencesOut(attribute, value);
         }
         if (names.IsFull()) CheckManyNamesDiffer(element);
@@ -174,13 +175,13 @@ void CheckTop(pugi::xml_document& tree) {
                 ++roots;
                 break;
             case pugi::node_pcdata:
-                Require(IsXmlBlank(value), "text beside the root");
+                Require(IsXmlBlank(value), "text outside the root");
                 tree.remove_child(node);
                 continue;  // accepted before a declaration too
             case pugi::node_cdata:
-                throw DataError("a section beside the root");
+                throw DataError("a section outside the root");
             case pugi::node_declaration:
-                Require(isFirst, "a declaration behind the begin");
+                Require(isFirst, "a declaration after the start");
                 break;
             case pugi::node_doctype:
                 Require(roots == 0 && ++types == 1, "a document type in a wrong place");

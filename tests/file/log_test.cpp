@@ -138,7 +138,7 @@ TEST_F(LogTest, CanLogSaysWhyNotWithoutWaiting) {
     const CString folder = m_folder.Path("");
     for (const auto& [path, code, words] :
          Cases<CString, LONG, const char*>{{"", 0, "logging is off"},
-                                           {folder, 5, "it is no file"},
+                                           {folder, 5, "it is not a file"},
                                            {m_folder.Path("missing/log.txt"), 3, "its folder is missing (code 3)"},
                                            {m_folder.Path("read.txt"), 5, "may not be written"},
                                            {m_folder.Path("held.txt"), 32, "it is open elsewhere"},

@@ -97,7 +97,7 @@ TEST_F(Cups, PrintersAreListedAndDescribed) {
 }
 
 TEST_F(Cups, PagesArriveAsTheyWereLaidOut) {
-    // Form, direction, width and length of the mode; at 300 dots an inch the sheet, its drawable area and where that
+    // Form, direction, width and length of the mode; at 300 dots per inch the sheet, its drawable area and where that
     // begins; the PDF's page, where the word stands on it, and the paper.
     using S = std::string;
     const Cases<int, int, CSize, CSize, CSize, CSize, S, S, S> cases = {

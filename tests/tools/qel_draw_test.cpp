@@ -16,7 +16,7 @@ std::pair<int, int> PngSize(const std::string& png) {
     return {number(16), number(20)};
 }
 
-// Two cells a page, at 600 dots an inch on A4.
+// Two cells a page, at 600 dots per inch on A4.
 CQelPrintJobQueueData Job(const char* text) {
     CQelPrintJobQueueData job;
     CQelPrintJobPageStyle& style = job.GetPageStyle();
@@ -78,15 +78,15 @@ TEST(QelJob, SaysWhatAJobLacks) {
     save("coarse", [](CQelPrintJobPageStyle& style) { style.SetDpi(50); });
     save("cells", [](CQelPrintJobPageStyle& style) { style.SetPrintBlock({0, 1}); });
     for (const auto& [arguments, answer] : Cases<const char*, const char*>{
-             {"render form -o a.png", "1 qel: the size of the job's paper is not known; --paper tells it\n"},
+             {"render form -o a.png", "1 qel: the size of the job's paper is unknown; give it with --paper\n"},
              {"render form -o a.png --paper 100x50", "0 a.png\n"},
              {"render a4 -o b.png --paper 100x5",
-              "2 qel: \"100x5\" is no size in millimetres such as 210x297; see qel --help\n"},
-             {"render dpi -o b.png", "1 qel: the job does not say its resolution; --dpi tells it\n"},
+              "2 qel: \"100x5\" is not a size in millimetres such as 210x297; see qel --help\n"},
+             {"render dpi -o b.png", "1 qel: the job does not say its resolution; give it with --dpi\n"},
              {"render dpi -o b.png --dpi 300", "0 b.png\n"},
              {"render cells -o c.png", "1 qel: the page style has no cells\n"},
              {"render a4 dpi -o c.png", "1 qel: dpi: has another page style than the first job\n"},
-             {"print coarse", "1 qel: the printer \"PDF\" has 600 dots an inch, the job is for 50\n"},
+             {"print coarse", "1 qel: the printer \"PDF\" has 600 dots per inch, the job is for 50\n"},
          })
         EXPECT_EQ(folder.Qel("job " + std::string(arguments)), answer) << arguments;
     EXPECT_EQ(PngSize(folder.Read("a.png")), std::pair(591, 295));
@@ -121,7 +121,7 @@ TEST(QelPlot, ReadsTablesAsTheyAreWritten) {
              {"mL,pH\n1,2\n", "-x mL -y 3", "2 qel: column 3: the table has 2 columns; see qel --help\n"},
              {"mL,pH\n1,\n", "", "1 qel: t.csv: column \"2\" has no numbers\n"},
              {"", "", "1 qel: t.csv: column \"1\" has no numbers\n"},
-             {"1,2\n", "--x-range 1:1", "2 qel: \"1:1\" is no range such as 0:14; see qel --help\n"},
+             {"1,2\n", "--x-range 1:1", "2 qel: \"1:1\" is not a range such as 0:14; see qel --help\n"},
          }) {
         folder.Write("t.csv", table);
         EXPECT_EQ(folder.Qel("plot t.csv -o p.png " + std::string(arguments)), answer);

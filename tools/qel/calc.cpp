@@ -112,7 +112,7 @@ void AddCalc(CLI::App& app, Status&) {
     command->add_flag("--check", options->onlyCheck, "Only check, and list the variables that the formula uses")
         ->excludes(digits);
     command->add_flag("--json", options->json, "Write JSON");
-    command->footer("A formula that begins with a minus sign stands behind --, as in: qel calc -- -X*2 X=3");
+    command->footer("Put -- before a formula that starts with a minus sign: qel calc -- -X*2 X=3");
     command->callback([options] { Calculate(*options); });
 }
 

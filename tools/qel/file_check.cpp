@@ -32,7 +32,7 @@ void CheckRest(CQFile& file, ULONGLONG end, FileReport& report) {
     report.isSealed = BeginsSeal(file, end);
     report.finding = report.isSealed ? kCut : StatusOfRest(file, report.kind, end);
     const std::string rest = Count(file.GetLength() - end, "byte", "bytes");
-    report.detail += report.isSealed ? ", and its seal is cut" : ", and " + rest + " behind";
+    report.detail += report.isSealed ? ", and its seal is cut" : ", and " + rest + " after it";
 }
 
 // An intact seal guarantees what is before it. What looks like a seal at the end of a file that is complete without it

@@ -59,9 +59,9 @@ Drawing DrawingOf(CQelPrintJobDocumentData& document, const Options& options, co
     if (options.dpi != 0) style.SetDpi(options.dpi);
     const CSize paper = sheet.value_or(PaperOf(style));
     style.SetPaperSize({paper.cx / 10, paper.cy / 10});
-    if (paper.cx < 1 || paper.cy < 1) throw Failure("the size of the job's paper is not known; --paper tells it");
+    if (paper.cx < 1 || paper.cy < 1) throw Failure("the size of the job's paper is unknown; give it with --paper");
     if (style.GetDpi() < 1 || style.GetDpi() > kMaxDotsPerInch)
-        throw Failure("the job does not say its resolution; --dpi tells it");
+        throw Failure("the job does not say its resolution; give it with --dpi");
 
     Drawing drawing;
     drawing.page.sheet = paper;
@@ -103,7 +103,7 @@ void PrintJobs(const Options& options) {
     CDC dc;
     if (!dc.Attach(style.GetPrinterDC())) throw Failure(name + ": " + Why("is not there"));
     if (dotsPerInch > 0 && style.GetDpi() != dotsPerInch)
-        throw Failure(name + " has " + std::to_string(style.GetDpi()) + " dots an inch, the job is for " +
+        throw Failure(name + " has " + std::to_string(style.GetDpi()) + " dots per inch, the job is for " +
                       std::to_string(dotsPerInch));
     Drawing drawing{{}, PagesOf(document), Utf8(style.GetStyleName().View()), {}, {}};
     drawing.draw = [&](CDC& printer, int page) { return document.PrintOutMain(&printer, page, 0) != 0; };
@@ -163,13 +163,13 @@ void AddJob(CLI::App& app, Status&) {
     };
     CLI::App* const show = add("show", "Write the page style, and how many commands of each kind there are", Show);
     CLI::App* const render = add("render", "Draw the pages into a PDF, or a picture each", Render);
-    options->picture.AddTo(*render, "Dots an inch of PNG pictures (150)");
+    options->picture.AddTo(*render, "Dots per inch of PNG pictures (150)");
     render->add_option("--page", options->page, "Only this page")
         ->check(CLI::Range(1, std::numeric_limits<int>::max()))
         ->type_name("N");
-    render->add_option("--paper", options->paper, "Millimetres, where the job's form is not known")
+    render->add_option("--paper", options->paper, "Millimetres, if the job's form is unknown")
         ->type_name("WIDTHxHEIGHT");
-    render->add_option("--dpi", options->dpi, "The job's device units an inch, where it does not say")
+    render->add_option("--dpi", options->dpi, "The job's device units per inch, if it does not say")
         ->check(CLI::Range(1, kMaxDotsPerInch))
         ->type_name("N");
     for (CLI::App* const action : {show, render}) action->add_flag("--json", options->json, "Write JSON");

@@ -27,7 +27,7 @@ void RefuseEmpty(CLI::App& app) {
 void RequireKnownPage(const CLI::Option& option) {
     const char* const page = std::getenv("QELLIB10_CODEPAGE");
     if (option.count() != 0 || page == nullptr || *page == '\0' || page == std::to_string(qel::CodePage())) return;
-    throw CLI::ValidationError("QELLIB10_CODEPAGE: \"" + std::string(page) + "\" is no code page that is known");
+    throw CLI::ValidationError("QELLIB10_CODEPAGE: \"" + std::string(page) + "\" is not a known code page");
 }
 
 void AddAll(CLI::App& app, Status& status) {

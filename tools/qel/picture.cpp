@@ -58,7 +58,7 @@ CSize ParseSheet(const std::string& text) {
     const auto isSide = [](double side) { return side >= kLeast && side <= kMost; };
     const auto size = ParsePair(text, 'x');
     if (!size || !isSide(size->first) || !isSide(size->second))
-        throw CLI::ValidationError("\"" + text + "\" is no size in millimetres such as 210x297");
+        throw CLI::ValidationError("\"" + text + "\" is not a size in millimetres such as 210x297");
     return {static_cast<int>(size->first * 100), static_cast<int>(size->second * 100)};
 }
 

@@ -39,7 +39,8 @@ std::string ReadText(const std::string& path) {
 std::optional<AxisScale> ScaleOf(const std::string& range) {
     if (range.empty()) return std::nullopt;
     const auto ends = ParsePair(range, ':');
-    if (!ends || ends->first == ends->second) throw CLI::ValidationError("\"" + range + "\" is no range such as 0:14");
+    if (!ends || ends->first == ends->second)
+        throw CLI::ValidationError("\"" + range + "\" is not a range such as 0:14");
     return ScaleBetween(ends->first, ends->second);
 }
 
@@ -170,7 +171,7 @@ void AddPlot(CLI::App& app, Status&) {
     command->add_option("--size", options->size, "Millimetres (160x100)")->type_name("WIDTHxHEIGHT");
     command->add_flag("--bars", options->bars, "Bars in place of lines");
     command->add_flag("--marks", options->marks, "A circle at each point");
-    options->picture.AddTo(*command, "Dots an inch (150)");
+    options->picture.AddTo(*command, "Dots per inch (150)");
     command->add_flag("--json", options->json, "Tell what was drawn as JSON");
     command->callback([options] { Plot(*options); });
 }

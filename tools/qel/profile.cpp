@@ -36,7 +36,7 @@ void RequireFitForIni(const Options& options) {
 
 CPrivateProfile KeyToCopy(const Options& options) {
     const Place place = PlaceOf(options.location);
-    if (place.root == nullptr) throw CLI::ValidationError("\"" + options.location + "\" is no key of the registry");
+    if (place.root == nullptr) throw CLI::ValidationError("\"" + options.location + "\" is not a key of the registry");
     if (options.suffix[0] == '\\')
         throw CLI::ValidationError("\"" + options.suffix + "\" would name a key below the one that is copied");
     return Opened(place);
@@ -60,7 +60,7 @@ void Set(const Options& options) {
         const char* const end = options.value.data() + options.value.size();
         const auto [stop, error] = std::from_chars(options.value.data(), end, number);
         if (error != std::errc() || stop != end)
-            throw CLI::ValidationError("\"" + options.value + "\" is no whole number");
+            throw CLI::ValidationError("\"" + options.value + "\" is not a whole number");
         result = profile.Set(section, key, number);
     } else {
         result = profile.Set(section, key, ExactText(options.value));
@@ -121,7 +121,7 @@ void AddProfile(CLI::App& app, Status&) {
     for (CLI::App* const action : {get, add("list", "List all settings", List)})
         action->add_flag("--json", options->json, "Write JSON");
     for (CLI::App* const action :
-         {add("backup", "Copy a key to the key beside it that has SUFFIX behind its name", Backup),
+         {add("backup", "Copy a key to the key next to it whose name has SUFFIX appended", Backup),
           add("restore", "Put such a copy in place of the key", Restore)})
         action->add_option("SUFFIX", options->suffix, "Such as .bak")->required();
 }

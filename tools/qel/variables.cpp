@@ -14,8 +14,7 @@ Head LoadHead(CFile& file) {
     Head head;
     CArchive archive(&file, CArchive::load);
     archive >> head.tag >> head.version;
-    if (head.version != "1.00" && head.version != "1.01")
-        throw qel::DataError("an archive of a version that is not known");
+    if (head.version != "1.00" && head.version != "1.01") throw qel::DataError("an archive of an unknown version");
     if (head.version == "1.01") {
         BYTE flag = 0;
         int digit = 0;

@@ -42,7 +42,7 @@ void Load(CCryptXMLDocument& document, const std::string& path) {
 
 long CountOf(const CCryptXMLDocument& document, const std::string& path) {
     const long count = document.GetTagCount(ExactText(path));
-    if (count < 0) throw CLI::ValidationError("\"" + path + "\" is no path");
+    if (count < 0) throw CLI::ValidationError("\"" + path + "\" is not a path");
     return count;
 }
 
