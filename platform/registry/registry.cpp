@@ -68,33 +68,42 @@ RegistryValue Given(RegistryValue kept) {
     throw RegistryError(isThere ? kRegistryNotFound : kRegistryKeyDeleted);
 }
 
-RegistryKeyId Find(RegistryTree* tree, RegistryKeyId from, const RegistryPath& path) {
-    const std::optional<RegistryKeyId> key = tree != nullptr ? tree->Find(from, path) : std::nullopt;
-    if (!key) ThrowMissing(tree, from);
-    return *key;
+// Where an operation acts: the names of a path from a key that the caller has open. Handle and path are checked before
+// the database is opened, so a wrong one has its own code also where there is no database or others use it.
+struct Place {
+    Place(HKEY parent, const char* path)
+        : store(RegistryStore::Of(parent)), from(store.KeyOf(parent)), names(View(path)) {}
+
+    RegistryKeyId FindIn(RegistryTree* tree) const {
+        const std::optional<RegistryKeyId> key = tree != nullptr ? tree->Find(from, names) : std::nullopt;
+        if (!key) ThrowMissing(tree, from);
+        return *key;
+    }
+
+    RegistryStore& store;
+    RegistryKeyId from;
+    RegistryPath names;
+};
+
+template <std::invocable<const Place&> Body> LONG AtPlace(HKEY parent, const char* path, Body&& body) {
+    return AsCode([&] { std::forward<Body>(body)(Place(parent, path)); });
 }
 
 }  // namespace
 
 LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKEY& key) {
-    return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(parent);
-        const RegistryKeyId from = store.KeyOf(parent);
-        const RegistryPath names(View(path));
-        RegistryStore::Writing writing(store, true);
-        const RegistryKeyId made = writing.Tree().Create(from, names, ToUtf8(View(className)));
+    return AtPlace(parent, path, [&](const Place& at) {
+        RegistryStore::Writing writing(at.store, true);
+        const RegistryKeyId made = writing.Tree().Create(at.from, at.names, ToUtf8(View(className)));
         writing.Commit();
-        key = store.OpenKey(made);
+        key = at.store.OpenKey(made);
     });
 }
 
 LONG OpenRegistryKey(HKEY parent, const char* path, HKEY& key) {
-    return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(parent);
-        const RegistryKeyId from = store.KeyOf(parent);
-        const RegistryPath names(View(path));
-        const RegistryStore::Reading reading(store);
-        key = store.OpenKey(Find(reading.Tree(), from, names));
+    return AtPlace(parent, path, [&](const Place& at) {
+        const RegistryStore::Reading reading(at.store);
+        key = at.store.OpenKey(at.FindIn(reading.Tree()));
     });
 }
 
@@ -103,44 +112,35 @@ LONG CloseRegistryKey(HKEY key) {
 }
 
 LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value) {
-    return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(parent);
-        const RegistryKeyId from = store.KeyOf(parent);
-        const RegistryPath names(View(path));
+    return AtPlace(parent, path, [&](const Place& at) {
         const RegistryName valueName = RegistryName::OfValue(View(name));
-        const RegistryStore::Reading reading(store);
+        const RegistryStore::Reading reading(at.store);
         std::optional<RegistryValue> found;
-        if (reading.Tree() != nullptr) found = reading.Tree()->Read(from, names, valueName);
-        if (!found) ThrowMissing(reading.Tree(), from);
+        if (reading.Tree() != nullptr) found = reading.Tree()->Read(at.from, at.names, valueName);
+        if (!found) ThrowMissing(reading.Tree(), at.from);
         value = Given(*std::move(found));
     });
 }
 
 LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
                         const RegistryValue& value) {
-    return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(parent);
-        const RegistryKeyId from = store.KeyOf(parent);
-        const RegistryPath names(View(path));
+    return AtPlace(parent, path, [&](const Place& at) {
         const RegistryName valueName = RegistryName::OfValue(View(name));
         const RegistryValue kept = Kept(value);
-        RegistryStore::Writing writing(store, true);
+        RegistryStore::Writing writing(at.store, true);
         RegistryTree& tree = writing.Tree();
-        tree.Write(tree.Create(from, names, ToUtf8(View(className))), valueName, kept);
+        tree.Write(tree.Create(at.from, at.names, ToUtf8(View(className))), valueName, kept);
         writing.Commit();
     });
 }
 
 LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents) {
-    return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(parent);
-        const RegistryKeyId from = store.KeyOf(parent);
-        const RegistryPath names(View(path));
-        const RegistryStore::Reading reading(store);
+    return AtPlace(parent, path, [&](const Place& at) {
+        const RegistryStore::Reading reading(at.store);
         RegistryContents found;
-        const bool isEmptyTree = reading.Tree() == nullptr && from == kRegistryRootKey && names.Size() == 0;
+        const bool isEmptyTree = reading.Tree() == nullptr && at.from == kRegistryRootKey && at.names.Size() == 0;
         if (!isEmptyTree) {
-            const RegistryKeyId key = Find(reading.Tree(), from, names);
+            const RegistryKeyId key = at.FindIn(reading.Tree());
             found = reading.Tree()->List(key);
         }
         for (std::string& key : found.keys) key = FromUtf8(key);
@@ -153,12 +153,9 @@ LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents) 
 }
 
 LONG DeleteRegistryTree(HKEY parent, const char* path) {
-    return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(parent);
-        const RegistryKeyId from = store.KeyOf(parent);
-        const RegistryPath names(View(path));
-        RegistryStore::Writing writing(store, false);
-        const RegistryKeyId key = Find(&writing.Tree(), from, names);
+    return AtPlace(parent, path, [&](const Place& at) {
+        RegistryStore::Writing writing(at.store, false);
+        const RegistryKeyId key = at.FindIn(&writing.Tree());
         if (key == kRegistryRootKey) throw RegistryError(kRegistryAccessDenied);
         writing.Tree().Delete(key);
         writing.Commit();
@@ -167,15 +164,14 @@ LONG DeleteRegistryTree(HKEY parent, const char* path) {
 
 LONG CopyRegistryTree(HKEY from, HKEY to) {
     return AsCode([&] {
-        RegistryStore& store = RegistryStore::Of(from);
-        if (&store != &RegistryStore::Of(to)) throw RegistryError(kRegistryInvalidParameter);
-        const RegistryKeyId source = store.KeyOf(from);
-        const RegistryKeyId target = store.KeyOf(to);
-        RegistryStore::Writing writing(store, false);
+        if (&RegistryStore::Of(from) != &RegistryStore::Of(to)) throw RegistryError(kRegistryInvalidParameter);
+        const Place source(from, "");
+        const Place target(to, "");
+        RegistryStore::Writing writing(source.store, false);
         RegistryTree& tree = writing.Tree();
-        for (const RegistryKeyId key : {source, target}) Find(&tree, key, RegistryPath(""));
-        if (tree.IsWithin(target, source)) throw RegistryError(kRegistryInvalidParameter);
-        tree.Copy(source, target);
+        for (const Place* place : {&source, &target}) place->FindIn(&tree);
+        if (tree.IsWithin(target.from, source.from)) throw RegistryError(kRegistryInvalidParameter);
+        tree.Copy(source.from, target.from);
         writing.Commit();
     });
 }
