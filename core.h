@@ -14,6 +14,7 @@
 #include "qellib10/calc/dec_number.h"
 #include "qellib10/calc/qw_calc.h"
 #include "qellib10/file/check_datafile.h"
+#include "qellib10/file/check_datafile_format.h"
 #include "qellib10/file/check_sums.h"
 #include "qellib10/file/log.h"
 #include "qellib10/file/private_profile.h"

@@ -65,10 +65,9 @@ std::optional<Seal> FindSeal(const CFile& file) {
     if (length < CheckBlock::kSize) return NoSeal(file, kUnsealed);
     const ULONGLONG end = length - CheckBlock::kSize;
     const CheckBlock check = CheckBlock::Unpack(qel::BytesAt<CheckBlock::kSize>(file, end));
-    const ULONGLONG trailer = ULONGLONG{check.trailerLength} + sizeof(DWORD);
-    if (trailer > length) return NoSeal(file, kUnsealed);
-    Seal seal = {.at = length - trailer, .dataSums = CheckSums()};
-    if (ULONGLONG{NumberAt(file, seal.at)} + CheckBlock::kSize != check.trailerLength) return NoSeal(file, kUnsealed);
+    if (check.TrailerSize() > length) return NoSeal(file, kUnsealed);
+    Seal seal = {.at = length - check.TrailerSize(), .dataSums = CheckSums()};
+    if (!check.Fits(NumberAt(file, seal.at))) return NoSeal(file, kUnsealed);
     qel::AddCheckSumsAt(seal.dataSums, file, 0, seal.at);
     CheckSums sums = seal.dataSums;
     qel::AddCheckSumsAt(sums, file, seal.at, end - seal.at);
@@ -174,8 +173,7 @@ int CCheckDatafile::CheckSUM(CQFile* file) {
 int CCheckDatafile::CheckSize(CQFile* file) {
     DWORD trailerLength = 0;
     SeekAddDataTop(file, &trailerLength);
-    const ULONGLONG infoLength = ReadNumber(*file);
-    return infoLength + CheckBlock::kSize == trailerLength ? 1 : 0;
+    return CheckBlock{.trailerLength = trailerLength}.Fits(ReadNumber(*file)) ? 1 : 0;
 }
 
 void CCheckDatafile::SeekAddDataTop(CQFile* file, DWORD* trailerLength) {

@@ -12,13 +12,13 @@ namespace qel {
 namespace {
 
 // The fields after the name; offsets from its end.
-constexpr std::size_t kVersionAt = 0, kGuidAt = 4, kAfterNameSize = 20;
+constexpr std::size_t kVersionAt = 0, kGuidAt = 4, kAfterNameSize = SealInfo::kNameless - 1;
 
 }  // namespace
 
 std::vector<std::byte> SealInfo::Pack() const {
     const auto text = std::as_bytes(std::span(name.View()));
-    const std::size_t length = text.size() + 1 + kAfterNameSize;
+    const std::size_t length = text.size() + kNameless;
     std::vector<std::byte> bytes(kLengthSize + length);
     const std::span all(bytes);
     PutNumber(all, 0, static_cast<std::uint32_t>(length));

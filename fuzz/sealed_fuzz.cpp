@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const CCheckDatafile before = seal;
-    bytes.resize(size - LastBlock(bytes).trailerLength - 4);  // the own data
+    bytes.resize(size - LastBlock(bytes).TrailerSize());  // the own data
     Require(seal.PackUpdateData(&file, 1) == 0);
     Require(seal.PackUpdateData(&file, 0) != 0);
     Require(First(file, bytes.size()) == bytes);

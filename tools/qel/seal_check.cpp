@@ -1,22 +1,23 @@
 #include "seal_check.h"
 
 #include <algorithm>
+#include <span>
 
 #include "qellib10/platform/endian.h"
 
 namespace tool {
 namespace {
 
-// A trailer is info length (4), name and zero, version (4), GUID (16), CRC (4), sum (4), trailer length (4). The info
-// length counts from its own end to the CRC, the trailer length is 8 bytes more.
-constexpr std::size_t kLength = 4, kAfterNameSize = 20, kCheckBlock = 12, kLongestName = 259;
+using qel::CheckBlock;
+using qel::SealInfo;
+
 constexpr std::size_t kTail = 4096;
 
-DWORD Number(std::string_view bytes, std::size_t at) {
-    DWORD number = 0;
-    for (std::size_t i = kLength; i > 0; --i) number = number << 8 | static_cast<unsigned char>(bytes[at + i - 1]);
-    return number;
-}
+std::span<const std::byte> Bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
+
+DWORD Number(std::string_view bytes, std::size_t at) { return qel::GetNumber<DWORD>(Bytes(bytes), at); }
+
+CheckBlock LastBlock(std::string_view tail) { return CheckBlock::Unpack(Bytes(tail).last<CheckBlock::kSize>()); }
 
 std::string Tail(CQFile& file) {
     std::string tail(static_cast<std::size_t>(std::min<ULONGLONG>(file.GetLength(), kTail)), '\0');
@@ -25,30 +26,33 @@ std::string Tail(CQFile& file) {
     return tail;
 }
 
+// A trailer by its length and one more thing: the info length, or the name.
 bool EndsWithTrailer(std::string_view tail, std::string_view ownName, bool anyName) {
-    if (tail.size() < kLength) return false;
-    const std::size_t length = Number(tail, tail.size() - kLength);
-    const std::size_t nameless = kAfterNameSize + kCheckBlock;
-    if (length <= nameless + 1 || length > kLongestName + 1 + nameless || tail.size() < length + kLength) return false;
-    const std::string_view trailer = tail.substr(tail.size() - length - kLength);
-    const std::string_view name = trailer.substr(kLength, length - nameless);
-    return (anyName && Number(trailer, 0) == length - kCheckBlock) || name.substr(0, name.size() - 1) == ownName;
+    constexpr std::size_t kRest = SealInfo::kNameless + CheckBlock::kSize;
+    if (tail.size() < CheckBlock::kSize) return false;
+    const CheckBlock check = LastBlock(tail);
+    if (check.trailerLength <= kRest || check.trailerLength > SealInfo::kLongest + CheckBlock::kSize) return false;
+    if (check.TrailerSize() > tail.size()) return false;
+    const std::string_view trailer = tail.substr(tail.size() - check.TrailerSize());
+    return (anyName && check.Fits(Number(trailer, 0))) ||
+           trailer.substr(SealInfo::kLengthSize, check.trailerLength - kRest) == ownName;
 }
 
+SealInfo InfoFor(std::string_view ownName) { return {.name = CString(ownName)}; }
+
+// The info length and the name: what the trailers for a name begin with.
 std::string BeginFor(std::string_view ownName) {
-    const auto length = qel::ToLittleEndian(static_cast<DWORD>(ownName.size() + 1 + kAfterNameSize));
-    std::string begin(reinterpret_cast<const char*>(length.data()), length.size());
-    return begin.append(ownName) += '\0';
+    const std::vector<std::byte> bytes = InfoFor(ownName).Pack();
+    return {reinterpret_cast<const char*>(bytes.data()), SealInfo::kLengthSize + ownName.size() + 1};
 }
 
 // The start of a trailer for the file's own name, which was cut or to which something was appended.
 Status Remains(std::string_view tail, std::string_view ownName) {
-    const std::size_t infoLength = ownName.size() + 1 + kAfterNameSize;
     const std::size_t at = tail.rfind(BeginFor(ownName));
     if (at == std::string_view::npos) return kGood;
-    const std::size_t end = at + kLength + infoLength + kCheckBlock;
+    const std::size_t end = at + InfoFor(ownName).Pack().size() + CheckBlock::kSize;
     if (end > tail.size()) return kCut;
-    const bool isWhole = end == tail.size() || Number(tail, end - kLength) == infoLength + kCheckBlock;
+    const bool isWhole = end == tail.size() || LastBlock(tail.substr(0, end)).Fits(Number(tail, at));
     return isWhole ? kChanged : kGood;
 }
 
@@ -74,8 +78,7 @@ Unsealed::Unsealed(const std::string& path, CFile::OpenFlags share) : Unsealed()
     CCheckDatafile seal;
     seal.EnableCheckFilename(0);
     if (TraceOfSeal(m_file, true) == kGood || seal.ReadPackData(&m_file) == 0) return;
-    const std::string tail = Tail(m_file);
-    const ULONGLONG length = m_file.GetLength() - kLength - Number(tail, tail.size() - kLength);
+    const ULONGLONG length = m_file.GetLength() - LastBlock(Tail(m_file)).TrailerSize();
     m_copy = CQFile::GetTempFilePath("qel");
     const CFile copy(m_copy, CFile::modeWrite | CFile::shareExclusive);
     qel::CopyBytes(m_file.ReadableDescriptor(), 0, copy.WritableDescriptor(), 0, length, m_name.View(), m_copy.View());
