@@ -12,6 +12,7 @@
 #include "qellib10/calc/calc_variable.h"
 #include "qellib10/calc/calc_variable_list.h"
 #include "qellib10/calc/dec_number.h"
+#include "qellib10/calc/formula_sentence.h"
 #include "qellib10/calc/qw_calc.h"
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/check_datafile_format.h"

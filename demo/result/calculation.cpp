@@ -1,11 +1,8 @@
 #include "demo/result/calculation.h"
 
-#include <algorithm>
 #include <cmath>
-#include <optional>
 
 #include "demo/support/failure.h"
-#include "demo/support/text_file.h"
 
 namespace titration {
 namespace {
@@ -33,28 +30,18 @@ CCalcVariableList Variables(const Settings& settings, double endPointVolume) {
     return list;
 }
 
-// The check returns only yes or no. A formula with one of its names alone is checked to find the unknown one.
-std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calculator) {
-    constexpr std::string_view kOperators = "()*+-/=";
-    for (std::size_t at = 0; at < formula.size();) {
-        const std::size_t end = std::min(formula.find_first_of(kOperators, at), formula.size());
-        const std::string operand(Trimmed(std::string_view(formula).substr(at, end - at)));
-        const bool hasName = operand.find_first_not_of("0123456789. \t") != std::string::npos;
-        if (hasName && calculator.CheckCalcFormula(CString(), Text(operand)) == 0) return operand;
-        at = end + 1;
+// After the calculator has refused the formula.
+Failure Refusal(const std::string& formula) {
+    const qel::Failure why = qel::LastFailure();
+    const std::string sentence = qel::FormulaSentence(formula, why);
+    switch (why.kind) {
+        case qel::FailureKind::kUnknownName:
+            return Failure(sentence + "; add it to [variables]");
+        case qel::FailureKind::kZeroDivisor:
+            return Failure(sentence + "; see the values in [variables]");
+        default:
+            return Failure(sentence + "; expected names, numbers, + - * / and brackets");
     }
-    return std::nullopt;
-}
-
-void RequireValid(const Settings& settings, CQWCalc& calculator) {
-    if (calculator.CheckCalcFormula(Text(settings.name), Text(settings.formula)) != 0) return;
-    const auto unknown = UnknownName(settings.formula, calculator);
-    if (unknown)
-        throw Failure("the formula names \"" + *unknown + "\", which is not a variable; add it to [variables]");
-    throw Failure(
-        "the formula \"" + settings.formula +
-        "\" is not valid: its syntax, a division by zero, or over 255 bytes; expected names, numbers, + - * / "
-        "and brackets");
 }
 
 std::vector<std::string> UsedNames(const CCalcVariableList& list) {
@@ -67,11 +54,10 @@ std::vector<std::string> UsedNames(const CCalcVariableList& list) {
 Result Compute(const Settings& settings, const CCalcVariableList& variables) {
     CQWCalc calculator;
     calculator.SetCalcVarList(variables);
-    RequireValid(settings, calculator);
-
+    const CString formula = Text(settings.formula);
+    if (calculator.CheckCalcFormula(Text(settings.name), formula) == 0) throw Refusal(settings.formula);
     double value = 0;
-    if (calculator.ConcCalculation(Text(settings.formula), &value) == 0)
-        throw Failure("the formula divides by zero; see the values in [variables]");
+    if (calculator.ConcCalculation(formula, &value) == 0) throw Refusal(settings.formula);
     if (!(std::abs(value) < kLargestResult))
         throw Failure("the result is too large to be written; expected one below 1e15, see the values in [variables]");
 

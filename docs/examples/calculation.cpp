@@ -46,7 +46,9 @@ int main() {
     }
     std::puts("mean " + (sum / 3).GetString(4, DEC_ROUND_HALF_UP) + " mol/L");
 
-    for (const char* wrong : {"(EP - BLANC) * CONC", "EP / (2 - 2)", "EP * -1"})
-        std::printf("%s: %s\n", wrong, calculator.CheckCalcFormula("", wrong) ? "valid" : "refused");
+    for (const char* wrong : {"(EP - BLANC) * CONC", "EP / (2 - 2)", "EP * -1"}) {
+        const bool isValid = calculator.CheckCalcFormula("", wrong) != 0;
+        std::printf("%s: %s\n", wrong, isValid ? "valid" : qel::FormulaSentence(wrong, qel::LastFailure()).c_str());
+    }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "qellib10/calc/qw_calc.h"
 
 #include "../support/test.h"
+#include "qellib10/calc/formula_sentence.h"
 
 namespace {
 
@@ -108,6 +109,23 @@ TEST(QWCalc, FormulasAreCheckedAndCalculated) {
         EXPECT_DOUBLE_EQ(Calculated(calc, formula), result);
     }
     EXPECT_EQ(calc.ConcCalculation("1", nullptr), 0);
+}
+
+TEST(QWCalc, ARefusalIsReportedInASentence) {
+    CQWCalc calc;
+    Fill(calc);
+    const Cases<std::string, std::string> cases = {
+        {" ( A + B", "the formula is not valid: a closing bracket is missing at its end"},
+        {"A +\t+ B", "the formula is not valid at byte 5: \"+ B\""},
+        {"A + (B - Z) * Z", "the formula names \"Z\", which has no value"},
+        {"A / ( B-B )", "the formula divides by zero at byte 3: \"/ ( B-B )\""},
+        {"1/(A/ C + 1)", "the formula divides by zero at byte 5: \"/ C + 1)\""},
+        {std::string(256, ' '), "the formula has more than 255 bytes"}};
+    for (const auto& [formula, expected] : cases) {
+        double result = 0;
+        EXPECT_EQ(calc.ConcCalculation(CString(formula), &result), 0);
+        EXPECT_EQ(qel::FormulaSentence(formula, qel::LastFailure()), expected);
+    }
 }
 
 TEST(QWCalc, MarksAndRoundsTheVariablesItMeets) {

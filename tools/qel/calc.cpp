@@ -38,25 +38,9 @@ void Assign(CCalcVariableList& list, const std::string& assignment) {
     list.AddVariableData(variable);
 }
 
-// The check returns only yes or no. Each name of the formula is checked alone to find the unknown one.
-std::optional<std::string> UnknownName(const std::string& formula, CQWCalc& calculator) {
-    for (std::size_t at = 0; at < formula.size();) {
-        const std::size_t end = std::min(formula.find_first_of("()*+-/=", at), formula.size());
-        const std::string operand = formula.substr(at, end - at);
-        const bool hasName = operand.find_first_not_of("0123456789. \t") != std::string::npos;
-        if (hasName && calculator.CheckCalcFormula("", Text(operand)) == 0) return operand;
-        at = end + 1;
-    }
-    return std::nullopt;
-}
-
-void RequireValid(const std::string& formula, CQWCalc& calculator) {
-    const CString text = ExactText(formula);
-    if (calculator.CheckCalcFormula("", text) != 0) return;
-    if (text.GetLength() > 255) throw Failure("the formula has more than 255 bytes");
-    if (const auto name = UnknownName(formula, calculator))
-        throw Failure("the formula names \"" + Shown(*name) + "\", which has no value");
-    throw Failure("the formula is not valid, by its syntax or by a division by zero");
+// After the calculator has refused the formula.
+Failure Refusal(const CString& formula) {
+    return Failure(Shown(Utf8(qel::FormulaSentence(formula.View(), qel::LastFailure()))));
 }
 
 std::string ResultText(double value, int digits) {
@@ -81,13 +65,13 @@ void Calculate(const Options& options) {
     for (const std::string& assignment : options.values) Assign(list, assignment);
     CQWCalc calculator;
     calculator.SetCalcVarList(list);
-    RequireValid(options.formula, calculator);
+    const CString formula = ExactText(options.formula);
+    if (calculator.CheckCalcFormula("", formula) == 0) throw Refusal(formula);
     Json json{{"formula", options.formula}, {"used", VariablesJson(Used(calculator))["variables"]}};
     std::string text = VariablesText(Used(calculator));
     if (!options.onlyCheck) {
         double result = 0;
-        if (calculator.ConcCalculation(Text(options.formula), &result) == 0)
-            throw Failure("the formula divides by zero");
+        if (calculator.ConcCalculation(formula, &result) == 0) throw Refusal(formula);
         if (!std::isfinite(result)) throw Failure("the result is too large");
         text = ResultText(result, options.digits);
         json["result"] = result;
