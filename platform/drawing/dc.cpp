@@ -187,6 +187,16 @@ template <class Change> auto ChangeMapping(qel::DeviceContext* output, qel::Devi
     return change(output->Change().mapping);
 }
 
+// Sets one part of the mapping; what it was is the result.
+template <class Value, class Get, class Set>
+Value ExchangeMapping(qel::DeviceContext* output, qel::DeviceContext* attributes, Get get, Set set, Value value) {
+    return ChangeMapping(output, attributes, [&](qel::Mapping& mapping) {
+        const Value before = (mapping.*get)();
+        (mapping.*set)(value);
+        return before;
+    });
+}
+
 }  // namespace
 
 int CDC::SetMapMode(int mode) {
@@ -199,35 +209,23 @@ int CDC::SetMapMode(int mode) {
 int CDC::GetMapMode() const { return m_pAttributes ? m_pAttributes->State().mapping.Mode() : 0; }
 
 CPoint CDC::SetViewportOrg(int x, int y) {
-    return ChangeMapping(Output(), Attributes(), [x, y](qel::Mapping& mapping) {
-        const CPoint before = mapping.ViewportOrigin();
-        mapping.SetViewportOrigin({x, y});
-        return before;
-    });
+    return ExchangeMapping(Output(), Attributes(), &qel::Mapping::ViewportOrigin, &qel::Mapping::SetViewportOrigin,
+                           CPoint(x, y));
 }
 
 CSize CDC::SetViewportExt(int cx, int cy) {
-    return ChangeMapping(Output(), Attributes(), [cx, cy](qel::Mapping& mapping) {
-        const CSize before = mapping.ViewportExtent();
-        mapping.SetViewportExtent({cx, cy});
-        return before;
-    });
+    return ExchangeMapping(Output(), Attributes(), &qel::Mapping::ViewportExtent, &qel::Mapping::SetViewportExtent,
+                           CSize(cx, cy));
 }
 
 CPoint CDC::SetWindowOrg(int x, int y) {
-    return ChangeMapping(Output(), Attributes(), [x, y](qel::Mapping& mapping) {
-        const CPoint before = mapping.WindowOrigin();
-        mapping.SetWindowOrigin({x, y});
-        return before;
-    });
+    return ExchangeMapping(Output(), Attributes(), &qel::Mapping::WindowOrigin, &qel::Mapping::SetWindowOrigin,
+                           CPoint(x, y));
 }
 
 CSize CDC::SetWindowExt(int cx, int cy) {
-    return ChangeMapping(Output(), Attributes(), [cx, cy](qel::Mapping& mapping) {
-        const CSize before = mapping.WindowExtent();
-        mapping.SetWindowExtent({cx, cy});
-        return before;
-    });
+    return ExchangeMapping(Output(), Attributes(), &qel::Mapping::WindowExtent, &qel::Mapping::SetWindowExtent,
+                           CSize(cx, cy));
 }
 
 CPoint CDC::GetViewportOrg() const { return m_pAttributes ? m_pAttributes->State().mapping.ViewportOrigin() : POINT(); }
