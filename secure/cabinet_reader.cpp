@@ -1,5 +1,7 @@
 #include "qellib10/secure/cabinet_reader.h"
 
+#include <algorithm>
+
 #include "qellib10/platform/error.h"
 
 #include "qellib10/file/file_check_sums.h"
@@ -21,6 +23,13 @@ std::optional<CabinetVersion> CabinetReader::Next() {
     m_given = header.version;
     m_end = end;
     return CabinetVersion{header.version, header.dataSize, header.dataSum, header.dataCRC, dataAt};
+}
+
+ULONGLONG CabinetReader::BytesAfterLatest() const {
+    const bool isEmpty = m_header.versionCount == 0;
+    const ULONGLONG end = isEmpty ? kCabinetHeaderSize : ReadVersionAt(m_file, m_header.latestOffset).end;
+    const ULONGLONG length = m_file.GetLength();
+    return length - std::min(end, length);
 }
 
 bool CabinetReader::IsIntact(const CabinetVersion& version) const {

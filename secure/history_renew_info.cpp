@@ -2,12 +2,11 @@
 
 #include "qellib10/platform/archive/archive.h"
 
+#include "qellib10/secure/history_renew_format.h"
+
 namespace {
 
 const qel::RegisteredClass<CHistoryRenewInfo> theRegistration;
-
-constexpr const char* kTag = "HistoryRenewInfo";
-constexpr const char* kVersion = "1.00";
 
 }  // namespace
 
@@ -34,12 +33,13 @@ const CRuntimeClass* CHistoryRenewInfo::GetRuntimeClass() const { return GetThis
 
 void CHistoryRenewInfo::Serialize(CArchive& archive) {
     if (archive.IsStoring()) {
-        archive << CString(kTag) << CString(kVersion) << m_dtRenew << m_szFileName << m_szOperator << m_szComment;
+        archive << CString(qel::kRenewalTag) << CString(qel::kRenewalVersion) << m_dtRenew << m_szFileName
+                << m_szOperator << m_szComment;
         return;
     }
     CString tag, version;
     archive >> tag >> version;
-    if (!(tag == kTag && version == kVersion)) return;
+    if (tag.View() != qel::kRenewalTag || version.View() != qel::kRenewalVersion) return;
     CHistoryRenewInfo read;  // so that an archive that ends within the record changes nothing
     archive >> read.m_dtRenew >> read.m_szFileName >> read.m_szOperator >> read.m_szComment;
     *this = read;

@@ -5,8 +5,8 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/time/ole_date_time.h"
 
-/// One renewal of a document: when, which file, who and why. An application that keeps a history cabinet keeps such a
-/// record for each version in an archive of its own. A value class.
+/// One renewal of a document: when, which file, who and why. qel::RenewalHistory keeps such a record for each version
+/// of a cabinet. A value class.
 ///
 /// In an archive:
 ///

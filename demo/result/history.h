@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include <qellib10/qellib10.h>
 
@@ -15,9 +14,9 @@ public:
     /// @throws Failure if another program has them open, if one is damaged, and if they do not belong together
     explicit History(const CString& folder);
 
-    DWORD Latest() const { return m_cabinet.GetLatestVersion(); }
+    DWORD Latest() const { return m_kept.Latest(); }
     /// The record of a version from 1 to the latest one.
-    const CHistoryRenewInfo& Record(DWORD version) const { return m_records.at(version - 1); }
+    const CHistoryRenewInfo& Record(DWORD version) const { return m_kept.Records().at(version - 1); }
     /// Registers the file at @p path as the next version.
     /// @throws Failure
     const CHistoryRenewInfo& Register(const std::string& path, const std::string& operatorName,
@@ -29,14 +28,7 @@ public:
     std::string Listed(const std::string& indent) const;
 
 private:
-    void OpenCabinet();
-    void ReadRecords();
-    void AddRecord(const CHistoryRenewInfo& record);
-
-    std::string m_cabinetPath, m_recordPath;
-    CQFile m_recordFile;
-    CHistoryCabinetFile m_cabinet;
-    std::vector<CHistoryRenewInfo> m_records;  // of version 1, 2, ...
+    qel::RenewalHistory m_kept;
 };
 
 }  // namespace titration

@@ -1,8 +1,8 @@
 #include "demo/verify/history_checks.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "demo/result/renewals.h"
 #include "demo/result/result_file.h"
 #include "demo/support/file_step.h"
 #include "demo/support/number.h"
@@ -15,8 +15,9 @@ KeptHistory::KeptHistory(const MadeFiles& made)
     : m_made(made), m_isOpen(m_cabinet.Open(made.Path("results.hcf").c_str(), 1) != 0) {
     CQFile file;
     if (file.Open(made.Path("renewals.qel").c_str(), CFile::modeRead | CFile::shareDenyNone) == 0) return;
-    m_records = ReadRenewals(file);
-    m_isRead = file.GetPosition() == file.GetLength();
+    qel::RenewalRecords found = qel::ReadRenewalRecords(file);
+    m_isRead = found.end == file.GetLength();
+    m_records = std::move(found.whole);
 }
 
 DWORD KeptHistory::Versions() const {
@@ -37,17 +38,11 @@ ULONGLONG KeptHistory::BytesAfterLastVersion() const {
     return OnFile(path, [&] {
         CQFile file;
         OpenForReading(file, path);
-        const auto numberAt = [&file](ULONGLONG offset) {
-            CQBinary bytes;
-            bytes.SetSize(sizeof(DWORD));
-            file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
-            file.Read(static_cast<unsigned char*>(bytes), sizeof(DWORD));
-            return static_cast<DWORD>(bytes.GetInt(0));
-        };
-        constexpr ULONGLONG kLatestOffset = 4, kDataSize = 8, kVersionHeader = 20;
-        const ULONGLONG latest = numberAt(kLatestOffset);
-        const ULONGLONG end = latest + kVersionHeader + numberAt(latest + kDataSize);
-        return file.GetLength() - std::min(end, file.GetLength());
+        try {
+            return qel::CabinetReader(file).BytesAfterLatest();
+        } catch (const qel::DataError& error) {
+            throw Failure(error.what());
+        }
     });
 }
 

@@ -2,6 +2,7 @@
 #include <qellib10/qellib10.h>
 
 #include <cstdio>
+#include <string>
 
 namespace {
 
@@ -22,44 +23,39 @@ bool Change(const char* limit, CQDiffList& differences) {
     return method.SetNodeText("EndPoint/Limit", limit) && method.LockCommit();
 }
 
-// The method as it is now becomes the next version; its record follows those of the versions before.
-bool Register(CHistoryCabinetFile& cabinet, CArchive& records, const char* who, const char* why) {
-    CHistoryRenewInfo record;
-    record.SetRenewDateTime(COleDateTime(2026, 3, 9, 14, 30, 0));
-    record.SetFileName(kMethod);
-    record.SetOperator(who);
-    record.SetComment(why);
-    record.Serialize(records);
-    return cabinet.RegistNewVersion(kMethod) != 0;
+void Print(const CQDiffList& differences) {
+    CDiffItem item;
+    for (int i = 0; differences.GetDiffItemIndex(i, &item); ++i)
+        std::puts(item.GetName() + ": \"" + item.GetBefore() + "\" -> \"" + item.GetAfter() + "\"");
+}
+
+bool Print(const CHistoryRenewInfo& record, DWORD version, const char* document) {
+    CCryptXMLDocument old;
+    CString limit;
+    if (!old.LoadXMLFile(document, 0)) return false;
+    old.GetNodeText("EndPoint/Limit", limit);
+    std::puts(CString("version ") + std::to_string(version) + " by " + record.GetOperator() + " (" +
+              record.GetComment() + "): " + limit);
+    return true;
 }
 
 }  // namespace
 
-int main() {
-    CHistoryCabinetFile cabinet;
+int main() try {
     CQDiffList differences;
-    CMemFile file;
-    CArchive records(&file, CArchive::store);
-    if (!cabinet.Create("method.hcf")) return 1;
-    if (!Change("7.0", differences) || !Register(cabinet, records, "Mori", "new")) return 1;
-    if (!Change("8.2", differences) || !Register(cabinet, records, "Sato", "phenolphthalein")) return 1;
-    records.Close();
+    qel::RenewalHistory history("method.hcf", "renewals.qel");
+    if (!Change("7.0", differences)) return 1;
+    history.Register(kMethod, "Mori", "new");
+    if (!Change("8.2", differences)) return 1;
+    history.Register(kMethod, "Sato", "phenolphthalein");
 
-    CDiffItem item;
-    for (int i = 0; differences.GetDiffItemIndex(i, &item); ++i)
-        std::puts(item.GetName() + ": \"" + item.GetBefore() + "\" -> \"" + item.GetAfter() + "\"");
-
-    file.SeekToBegin();
-    CArchive reader(&file, CArchive::load);
-    for (DWORD version = 1; version <= cabinet.GetLatestVersion(); ++version) {
-        CHistoryRenewInfo record;
-        record.Serialize(reader);
-        CCryptXMLDocument old;
-        CString limit;
-        if (!cabinet.GetVersionFile(version, "old.xml") || !old.LoadXMLFile("old.xml", 0)) return 1;
-        old.GetNodeText("EndPoint/Limit", limit);
-        std::printf("version %u by %s (%s): %s\n", version, static_cast<const char*>(record.GetOperator()),
-                    static_cast<const char*>(record.GetComment()), static_cast<const char*>(limit));
+    Print(differences);
+    for (DWORD version = 1; version <= history.Latest(); ++version) {
+        history.TakeOut(version, "old.xml");
+        if (!Print(history.Records()[version - 1], version, "old.xml")) return 1;
     }
     return 0;
+} catch (const std::exception& error) {  // CFileException, qel::DataError
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
 }

@@ -48,16 +48,13 @@ ContentReport CheckVariables(CFile& file) {
 }
 
 ContentReport CheckRenewals(CFile& file) {
-    std::size_t records = 0;
-    ULONGLONG end = 0;
-    for (; BytesAt(file, end, kRenewalTag.size()) == kRenewalTag; ++records) {
-        file.Seek(static_cast<LONGLONG>(end), CFile::begin);
-        CArchive archive(&file, CArchive::load);
-        CHistoryRenewInfo().Serialize(archive);
-        archive.Close();
-        end = file.GetPosition();
-    }
-    return {end, Count(records, "record", "records")};
+    const qel::RenewalRecords records = qel::ReadRenewalRecords(file);
+    return {records.end, Count(records.whole.size(), "record", "records")};
+}
+
+bool IsCutRenewal(CFile& file, ULONGLONG offset) {
+    file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
+    return qel::ReadRenewalRecords(file).isCut;
 }
 
 ContentReport CheckJob(const CFile& file) {
@@ -109,7 +106,7 @@ Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end) {
     constexpr std::string_view kVersionTag = "CVH1", kNoTag("\0\0\0\0", kVersionTag.size());
     const std::string tag = BytesAt(file, end, kVersionTag.size());
     if (kind == "cabinet" && (kVersionTag.starts_with(tag) || kNoTag.starts_with(tag))) return kGood;
-    if (kind == "renewals" && kRenewalTag.starts_with(BytesAt(file, end, kRenewalTag.size()))) return kCut;
+    if (kind == "renewals" && IsCutRenewal(file, end)) return kCut;
     return kInconsistent;
 }
 
