@@ -390,7 +390,7 @@ TEST_F(Titration, ReadsWhatInstrumentsWrite) {
              Case{"rising", rising},
              Case{"falling", Table(Curve(-100))},
              Case{"noise", Table(Curve(100, 2)), 0.05},
-             Case{"more noise", Table(Curve(-100, 2.5)), 0.075},
+             Case{"more noise", Table(Curve(-100, 1.5)), 0.075},
              Case{"repeated volumes", Table(Curve(100, 2, 5)), 0.05},
              Case{"last volume first", Table(Reversed(Curve(100)))},
              Case{"a stray reading", Replaced(rising, "\n3.2,", "\n3.2,9")},
