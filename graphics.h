@@ -1,6 +1,7 @@
 #pragma once
 
 // The public headers of the component graphics: drawing, printing, print jobs and graphs.
+#include "qellib10/graph/axis_steps.h"
 #include "qellib10/graph/axis_style.h"
 #include "qellib10/graph/back_buffer_dc.h"
 #include "qellib10/graph/bar_graph_style.h"

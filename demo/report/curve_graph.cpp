@@ -24,9 +24,9 @@ constexpr std::size_t kMaxPoints = 10'000;  // more than a page can show
 
 enum Align { kBefore, kCentred, kAfter };  // the position of a text in its place
 
-axes::AxisSteps StepsOver(const std::vector<double>& values) {
+qel::AxisSteps StepsAround(const std::vector<double>& values) {
     const auto [low, high] = std::ranges::minmax(values);
-    return axes::StepsOver(low, high, kMaxSteps);
+    return qel::StepsOver(low, high, kMaxSteps, qel::RoundSteps::kWithQuarters);
 }
 
 // Of means, if there are more points than a page can show.
@@ -48,7 +48,7 @@ Points WithEndPoint(Points slope, const EndPoint& endPoint) {
 CSize CurveGraph::Axis::Largest(CDC* dc) const {
     CSize largest;
     for (int line = 0; line <= steps.count; ++line) {
-        const CSize size = dc->GetTextExtent(steps.Text(line).c_str());
+        const CSize size = dc->GetTextExtent(steps.Text(line));
         largest = {std::max(largest.cx, size.cx), std::max(largest.cy, size.cy)};
     }
     return largest;
@@ -59,10 +59,11 @@ CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::
     : m_endPoint(endPoint), m_dotsPerInch(dotsPerInch) {
     const Points measured = Merged(curve);
     const Points slope = WithEndPoint(SlopeToShow(Smoothed(UsedPoints(curve, endPoint)), endPoint), endPoint);
-    m_volume = {volumeName, kBlack, StepsOver(measured.x)};
-    m_signal = {signalName, kBlue, StepsOver(measured.y)};
+    m_volume = {volumeName, kBlack, StepsAround(measured.x)};
+    m_signal = {signalName, kBlue, StepsAround(measured.y)};
     m_slope = {"slope of " + signalName, kOrange,
-               axes::StepsOver(std::min(0.0, endPoint.slope), std::max(0.0, endPoint.slope), m_signal.steps.count)};
+               qel::StepsOver(std::min(0.0, endPoint.slope), std::max(0.0, endPoint.slope), m_signal.steps.count,
+                              qel::RoundSteps::kWithQuarters)};
     m_slope.steps.count = m_signal.steps.count;  // the same grid lines
 
     SetDivX(m_volume.steps.count);
@@ -119,7 +120,8 @@ void CurveGraph::DrawTexts(CDC* dc) {
                   -1);
     };
     const auto writeSteps = [&](const Axis& axis, const auto& writeAt) {
-        for (int line = 0; line <= axis.steps.count; ++line) writeAt(axis.steps.Value(line), axis.steps.Text(line));
+        for (int line = 0; line <= axis.steps.count; ++line)
+            writeAt(axis.steps.Value(line), std::string(axis.steps.Text(line)));
     };
     writeSteps(m_volume, [&](double value, const std::string& text) {
         // Below the lowest values of the other axes, which may be as close as these are long.

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include <axis_steps.h>
 #include <qellib10/qellib10.h>
 
 #include "demo/curve/end_point.h"
@@ -29,7 +28,7 @@ private:
     struct Axis {
         std::string title;
         COLORREF color;
-        axes::AxisSteps steps;
+        qel::AxisSteps steps;
 
         CSize Largest(CDC* dc) const;
     };

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kCurve = 0;
 constexpr CSize kSize(480, 320);
-constexpr double kEndPoint = 16.519;  // mL
+constexpr double kEndPoint = 16.519, kLastVolume = 25;  // mL
 
 // The potential of an electrode around an end point, mV.
 double Potential(double volume) { return 180 + 160 * std::tanh((volume - kEndPoint) * 2); }
@@ -19,12 +19,15 @@ int main() {
     CQelGraph graph;  // series 0 is shown as a line
     graph.SetXDimStr(kCurve, "mL");
     graph.SetYDimStr(kCurve, "mV");
-    graph.SetXMaxRange(kCurve, 25);
-    graph.SetYMaxRange(kCurve, 400);
-    graph.SetDivX(5);
-    graph.SetDivY(4);
+    const qel::AxisSteps volume = qel::StepsOver(0, kLastVolume, 10);
+    const qel::AxisSteps potential = qel::StepsOver(Potential(0), Potential(kLastVolume), 4);
+    graph.SetXMaxRange(kCurve, volume.Value(volume.count));
+    graph.SetYMinRange(kCurve, potential.Value(0));
+    graph.SetYMaxRange(kCurve, potential.Value(potential.count));
+    graph.SetDivX(volume.count);
+    graph.SetDivY(potential.count);
     graph.SetLineGraphStyle(kCurve, CLineGraphStyle(RGB(0, 0, 192), PS_SOLID, 2));
-    for (int i = 0; i <= 250; ++i) graph.AddData(kCurve, i / 10.0, Potential(i / 10.0));
+    for (int i = 0; i <= kLastVolume * 10; ++i) graph.AddData(kCurve, i / 10.0, Potential(i / 10.0));
 
     CDC dc;
     CBitmap picture;
@@ -38,7 +41,8 @@ int main() {
     graph.MarkDraw(&dc, kCurve, kEndPoint, Potential(kEndPoint), 1, RGB(192, 0, 0), 5, &mark);
     if (!qel::SavePng(picture, "curve.png")) return 1;
 
-    std::printf("curve.png: %d x %d\n", kSize.cx, kSize.cy);
+    std::printf("curve.png: %d x %d, a grid line each %s mL and %s mV\n", kSize.cx, kSize.cy,
+                static_cast<const char*>(volume.Text(1)), static_cast<const char*>(potential.Text(1)));
     int red = 0;
     for (int y = 0; y < kSize.cy; ++y)
         for (int x = 0; x < kSize.cx; ++x) red += dc.GetPixel(x, y) == RGB(192, 0, 0);

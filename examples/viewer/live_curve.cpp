@@ -4,8 +4,6 @@
 #include <cmath>
 #include <cstring>
 
-#include <axis_steps.h>
-
 namespace viewer {
 namespace {
 
@@ -16,10 +14,10 @@ constexpr COLORREF kBlue = RGB(0, 60, 160), kGrey = RGB(215, 215, 215), kBlack =
 constexpr double kMinute = 60;
 constexpr int kTimeSteps = 10, kMaxSteps = 10;
 
-axes::AxisSteps TimeSteps(double last, bool isAll) {
-    if (isAll && last > kMinute) return axes::StepsOver(0, last, kMaxSteps);
+qel::AxisSteps TimeSteps(double last, bool isAll) {
+    if (isAll && last > kMinute) return qel::StepsOver(0, last, kMaxSteps, qel::RoundSteps::kWithQuarters);
     // The axis moves by a whole step at once, so the grid lines keep their places.
-    axes::AxisSteps steps{kMinute / kTimeSteps, 0, kTimeSteps};
+    qel::AxisSteps steps{kMinute / kTimeSteps, 0, kTimeSteps};
     steps.first = std::max(0.0, std::ceil(last / steps.step) - kTimeSteps);
     return steps;
 }
@@ -63,7 +61,7 @@ void LiveCurve::SetResolution(int dotsPerInch) {
 
 void LiveCurve::FitAxes() {
     const auto points = Points();
-    const axes::AxisSteps time = TimeSteps(points.empty() ? 0 : points.back().GetXData(), m_isAll);
+    const qel::AxisSteps time = TimeSteps(points.empty() ? 0 : points.back().GetXData(), m_isAll);
     SetXMinRange(0, time.Value(0));
     SetXMaxRange(0, time.Value(time.count));
     SetDivX(time.count);
@@ -71,7 +69,8 @@ void LiveCurve::FitAxes() {
     const auto first = std::ranges::lower_bound(points, time.Value(0), {}, &CGraphData::GetXData);
     const auto [low, high] = std::minmax_element(first, points.end(), IsLower);
     if (low == points.end()) return;
-    const axes::AxisSteps signal = axes::StepsOver(low->GetYData(), high->GetYData(), kMaxSteps);
+    const qel::AxisSteps signal =
+        qel::StepsOver(low->GetYData(), high->GetYData(), kMaxSteps, qel::RoundSteps::kWithQuarters);
     SetYMinRange(0, signal.Value(0));
     SetYMaxRange(0, signal.Value(signal.count));
     SetDivY(signal.count);

@@ -4,11 +4,12 @@
 #include <cmath>
 #include <limits>
 
+#include <qellib10/qellib10.h>
+
 namespace tool {
 namespace {
 
 constexpr int kMaxSteps = 10, kMaxDecimals = 12;
-constexpr double kLeastRange = 1e-290;  // below, steps cannot be distinguished
 
 // Decimal places needed to distinguish @p value from its neighbours at a distance of @p step.
 int DecimalsOf(double value, double step) {
@@ -34,23 +35,8 @@ AxisScale ScaleOver(const std::vector<double>& values) {
         if (value < low) low = value;
         if (value > high) high = value;
     }
-    if (high / 2 - low / 2 < kLeastRange) {
-        const double margin = std::abs(low) < kLeastRange ? 1 : std::abs(low) / 2;
-        low -= margin;
-        high += margin;
-    }
-    const double least = high / kMaxSteps - low / kMaxSteps;
-    const int exponent = static_cast<int>(std::floor(std::log10(least)));
-    const double decade =
-        std::pow(10, std::abs(exponent));  // divided if it is a fraction, which gives 0.6, not 3 * 0.2
-    const auto times = [&](double count) { return exponent < 0 ? count / decade : count * decade; };
-    for (const int round : {1, 2, 5, 10, 20}) {
-        const double step = times(round);
-        const double first = std::floor(low / step), last = std::ceil(high / step);
-        if (last - first > kMaxSteps || last <= first) continue;
-        return Labelled({times(first * round), times(last * round), static_cast<int>(last - first), 0, 1}, step);
-    }
-    return ScaleBetween(low, high);
+    const qel::AxisSteps steps = qel::StepsOver(low, high, kMaxSteps);
+    return Labelled({steps.Value(0), steps.Value(steps.count), steps.count, 0, 1}, steps.step);
 }
 
 AxisScale ScaleBetween(double minimum, double maximum) {
