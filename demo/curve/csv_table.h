@@ -20,10 +20,10 @@ struct Curve {
 /// Reads two columns of a table as instruments write them. A curve that is read in part gives a wrong end point without
 /// a sign of it, so whatever could be more of the curve is read or refused.
 ///
-/// Fields are separated as SplitAsWritten finds out, and read as ReadReading does. Any lines may come before the table
-/// and after it. Blank lines, comments and other lines without a number in the two columns do not end it. Another table
-/// begins where the line with the columns' names comes again, and after a line without numbers also where the volumes
-/// start again. Where a line has one of the two numbers, a reading is missing and the line is skipped.
+/// Fields are separated as SplitAsWritten finds out, and read as qel::ReadMeasuredValue does. Any lines may come before
+/// the table and after it. Blank lines, comments and other lines without a number in the two columns do not end it.
+/// Another table begins where the line with the columns' names comes again, and after a line without numbers also where
+/// the volumes start again. Where a line has one of the two numbers, a reading is missing and the line is skipped.
 ///
 /// @param volumeColumn, signalColumn a column's name, letter case ignored, or its number counted from 1. With a name,
 ///     the table is the first one after the first line that has it (with two names: both). With numbers alone, rows

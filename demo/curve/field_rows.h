@@ -15,9 +15,9 @@ struct Rows {
     char separator = ';';
 };
 
-/// Splits @p text at semicolons, tabs, commas, bars or runs of blanks, whichever gives the most lines with two numbers;
-/// of several the first. Where no line has two numbers, the first that is there at all counts. Fields may be in
-/// quotation marks.
+/// Splits @p text at the separator that qel::CsvReader finds. A line is a row: a quotation mark that none closes hides
+/// no measured values of the lines after it.
+/// @throws Failure for a line that cannot be read
 Rows SplitAsWritten(std::string_view text);
 
 /// "separated by semicolons"

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <string>
 
 namespace {
 
@@ -70,5 +71,14 @@ int main() {
     char line[32] = {};
     table.Read(line, sizeof line - 1);
     std::fputs(line, stdout);
+
+    table.SeekToBegin();
+    qel::CsvReader rows(table, {.encoding = qel::CsvEncoding::kCodePage932});
+    while (rows.Next()) {
+        const std::string name(rows.Fields()[0]);
+        std::printf("line %zu: %s has pH %.2f\n", rows.Line(), name.c_str(),
+                    qel::ReadMeasuredValue(rows.Fields()[1]).value_or(0));
+    }
+    if (rows.Failure()) std::puts(rows.Failure()->Text().c_str());
     return 0;
 }

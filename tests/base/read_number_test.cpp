@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "qellib10/base/measured_value.h"
 #include "qellib10/base/q_variant.h"
 
 #include "../support/test.h"
@@ -70,4 +71,42 @@ TEST(ReadNumber, ScpiNamesInfinitiesByNumbers) {
     EXPECT_EQ(qel::ReadScpiNumber(CString("9.9E37")), kInfinity);
     EXPECT_EQ(qel::ReadScpiNumber(nullptr), std::nullopt);
     EXPECT_EQ(qel::NumberText(-std::numeric_limits<double>::quiet_NaN()), "-nan");
+}
+
+TEST(MeasuredValue, IsReadAsItIsWritten) {
+    for (const auto& [text, expected] : Cases<const char*, double>{{"\u221212.5", -12.5},
+                                                                   {"3.14 mL", 3.14},
+                                                                   {"3,14mL", 3.14},
+                                                                   {"1.5e-3 mol/L", 0.0015},
+                                                                   {"25\u00A0\u00B0C", 25},
+                                                                   {"1,234", 1.234},
+                                                                   {"1,234.5", 1234.5},
+                                                                   {"1.234,5", 1234.5},
+                                                                   {"-1,234,567", -1234567},
+                                                                   {"1\u00A0234,5", 1234.5},
+                                                                   {"12\u202F345.75 mV", 12345.75},
+                                                                   {"1'234.5", 1234.5}}) {
+        EXPECT_EQ(qel::ReadMeasuredValue(text), expected) << text;
+    }
+    for (const char* const text : {"",
+                                   "-",
+                                   "---.-",
+                                   "mL",
+                                   "1 2",
+                                   "1,23,4",
+                                   "12,34.5",
+                                   "1234,567.8",
+                                   "1.2.3",
+                                   "7.1*",
+                                   "2.00 mL in 50 mL",
+                                   "12:30",
+                                   "2026-01-02",
+                                   "nan",
+                                   "inf",
+                                   "1e999",
+                                   "9.9E37",
+                                   "-9.9E37",
+                                   "9.91E37",
+                                   "5 of these days"})
+        EXPECT_FALSE(qel::ReadMeasuredValue(text)) << text;
 }

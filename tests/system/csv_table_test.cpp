@@ -5,7 +5,6 @@
 #include <string>
 
 #include "../support/test.h"
-#include "demo/curve/reading.h"
 #include "demo/support/failure.h"
 
 namespace {
@@ -27,44 +26,6 @@ std::string Read(const std::string& text, const std::string& volume = "1", const
 const std::string kFive = "1,7\n2,7\n3,8\n4,9\n5,9\n";
 
 }  // namespace
-
-TEST(Reading, IsReadAsItIsWritten) {
-    for (const auto& [text, expected] : Cases<const char*, double>{{"\u221212.5", -12.5},
-                                                                   {"3.14 mL", 3.14},
-                                                                   {"3,14mL", 3.14},
-                                                                   {"1.5e-3 mol/L", 0.0015},
-                                                                   {"25\u00A0\u00B0C", 25},
-                                                                   {"1,234", 1.234},
-                                                                   {"1,234.5", 1234.5},
-                                                                   {"1.234,5", 1234.5},
-                                                                   {"-1,234,567", -1234567},
-                                                                   {"1\u00A0234,5", 1234.5},
-                                                                   {"12\u202F345.75 mV", 12345.75},
-                                                                   {"1'234.5", 1234.5}}) {
-        EXPECT_EQ(titration::ReadReading(text), expected) << text;
-    }
-    for (const char* const text : {"",
-                                   "-",
-                                   "---.-",
-                                   "mL",
-                                   "1 2",
-                                   "1,23,4",
-                                   "12,34.5",
-                                   "1234,567.8",
-                                   "1.2.3",
-                                   "7.1*",
-                                   "2.00 mL in 50 mL",
-                                   "12:30",
-                                   "2026-01-02",
-                                   "nan",
-                                   "inf",
-                                   "1e999",
-                                   "9.9E37",
-                                   "-9.9E37",
-                                   "9.91E37",
-                                   "5 of these days"})
-        EXPECT_FALSE(titration::ReadReading(text)) << text;
-}
 
 TEST(CurveTable, IsReadToItsEnd) {
     for (const auto& [text, expected] :

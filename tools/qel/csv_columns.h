@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include <qellib10/qellib10.h>
+
 namespace tool {
 
 /// Columns of numbers, all equally long; NaN where a line has no number.
@@ -11,13 +13,13 @@ struct CsvColumns {
     std::vector<std::vector<double>> values;
 };
 
-/// Reads columns of comma-separated text. Fields may stand in quotation marks, doubled within them. Semicolons or tabs
-/// separate where that gives more lines of numbers; then a comma may be the decimal sign.
+/// Reads columns of comma-separated text, written in any way that qel::CsvReader reads, with a point or a comma as the
+/// decimal sign.
 ///
-/// The table is the first lines below the one that has all columns that are asked for by name, from the first that has
-/// a number in one of the columns to the last before one that has none. Other lines may stand above and below it.
+/// The table is the first rows after the one that has all columns that are asked for by name, from the first that has
+/// a number in one of the columns to the last before one that has none. Other rows may come before and after it.
 /// @param columns names, or numbers counted from 1
-/// @throws Failure when a name or a number is not to be found
-CsvColumns ReadCsvColumns(const std::string& utf8, const std::vector<std::string>& columns);
+/// @throws Failure when a name or a number is not to be found, and when the text cannot be read
+CsvColumns ReadCsvColumns(CFile& file, const std::vector<std::string>& columns);
 
 }  // namespace tool

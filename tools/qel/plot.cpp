@@ -26,15 +26,6 @@ struct Options {
     PictureOptions picture;
 };
 
-std::string ReadText(const std::string& path) {
-    constexpr ULONGLONG kLargest = 64 << 20;
-    CFile file(LibraryPath(path), CFile::modeRead | CFile::shareDenyWrite);
-    if (file.GetLength() > kLargest) throw Failure("larger than 64 MiB");
-    std::string text(static_cast<std::size_t>(file.GetLength()), '\0');
-    text.resize(file.Read(text.data(), static_cast<UINT>(text.size())));
-    return text.substr(text.starts_with("\xEF\xBB\xBF") ? 3 : 0);
-}
-
 // Empty: an axis around the values.
 std::optional<AxisScale> ScaleOf(const std::string& range) {
     if (range.empty()) return std::nullopt;
@@ -76,7 +67,10 @@ Curves ReadCurves(const Options& options) {
     if (columns.size() > kMaxSeries + 1) throw CLI::ValidationError("there are more than 512 columns");
     const std::optional<AxisScale> x = ScaleOf(options.xRange), y = ScaleOf(options.yRange);
     Curves curves;
-    curves.columns = OnFile(options.file, [&] { return ReadCsvColumns(ReadText(options.file), columns); });
+    curves.columns = OnFile(options.file, [&] {
+        CFile file(LibraryPath(options.file), CFile::modeRead | CFile::shareDenyWrite);
+        return ReadCsvColumns(file, columns);
+    });
     curves.x = x ? *x : ScaleOver(curves.columns.values[0]);
     std::vector<double> all;
     for (std::size_t i = 1; i < columns.size(); ++i)

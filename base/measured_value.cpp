@@ -1,14 +1,12 @@
-#include "demo/curve/reading.h"
+#include "qellib10/base/measured_value.h"
 
 #include <algorithm>
 #include <cmath>
 #include <string>
 
-#include <qellib10/qellib10.h>
+#include "qellib10/base/read_number.h"
 
-#include "demo/support/text_file.h"
-
-namespace titration {
+namespace qel {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789";
@@ -21,8 +19,13 @@ struct Replacement {
 constexpr Replacement kPlain[] = {{"\u2212", "-"}, {"\u00A0", " "}, {"\u202F", " "},
                                   {"\u2009", " "}, {"\u2019", "'"}, {"\u03BC", "\u00B5"}};
 
+std::string_view Trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    return text.substr(0, text.find_last_not_of(" \t") + 1);
+}
+
 std::optional<double> ReadPlain(std::string_view text) {
-    const auto number = qel::ReadNumber(text);
+    const auto number = ReadNumber(text);
     return number && std::abs(*number) < kNoReading ? number : std::nullopt;
 }
 
@@ -73,7 +76,7 @@ std::string WithPlainCharacters(std::string_view text) {
     return plain;
 }
 
-std::optional<double> ReadReading(std::string_view text) {
+std::optional<double> ReadMeasuredValue(std::string_view text) {
     if (const auto number = ReadPlain(text)) return number;
     const std::string plain = WithPlainCharacters(text);
     const std::string_view value = Trimmed(plain);
@@ -86,4 +89,4 @@ std::optional<double> ReadReading(std::string_view text) {
     return ReadValue(value.substr(0, end));
 }
 
-}  // namespace titration
+}  // namespace qel
