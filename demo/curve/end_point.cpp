@@ -143,7 +143,7 @@ void RequireLevels(const Points& points, const Judged& curve, const Step& step) 
 void RequireCertainPlace(const Points& all, const Judged& curve, const Step& step) {
     const double half = std::max(IntervalAt(all.x, step.volume), step.interval) / 2;
     const Points kept = KeptPoints(curve.readings, curve.strays);
-    const bool isUnsure = kSureErrors * step.error > half || IsBesideRise(kept, curve.direction, step, half);
+    const bool isUnsure = kSureErrors * step.error > half || IsBesideRise(kept, curve, step, half);
     if (isUnsure || CanNoiseMove(curve, step, half)) {
         throw Failure("the end point near " + At(step.volume) + " is uncertain: noise of " + At(curve.noise) +
                       " moves it by more than half a step between readings, " + At(half) +

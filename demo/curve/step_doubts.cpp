@@ -19,6 +19,7 @@ constexpr std::size_t kLong = 500;      // readings: their noise is well known, 
 constexpr double kMove = 1.75;          // deviations: the noise of few readings is hardly known better
 constexpr double kOfSteepest = 0.5;     // a step is as steep as that
 constexpr std::size_t kFewIntervals = 3;
+constexpr double kClearRise = 6;  // deviations; else noise alone makes an interval the steepest
 constexpr int kMovedSearches = 12;
 constexpr std::size_t kMostWays = 60;  // so many leave no doubt that the place is open
 constexpr double kSamePlace = 0.25;    // of the smallest interval at the step
@@ -169,11 +170,12 @@ bool IsPlaceOpen(const Judged& curve, const Step& step) {
     return !around.IsClean() && around.IsPlaceOpen();
 }
 
-bool IsBesideRise(const Points& points, double direction, const Step& step, double most) {
+bool IsBesideRise(const Points& points, const Judged& curve, const Step& step, double most) {
     std::vector<double> slopes;
     for (std::size_t i = 0; i + 1 < points.x.size(); ++i)
-        slopes.push_back(direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]));
+        slopes.push_back(curve.direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]));
     const auto at = static_cast<std::size_t>(std::ranges::max_element(slopes) - slopes.begin());
+    if (std::abs(points.y[at + 1] - points.y[at]) < kClearRise * curve.noise) return false;
     std::size_t first = at, last = at + 1;
     while (first > 0 && slopes[first - 1] > kOfSteepest * slopes[at]) --first;
     while (last < slopes.size() && slopes[last] > kOfSteepest * slopes[at]) ++last;

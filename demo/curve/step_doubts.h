@@ -26,7 +26,7 @@ bool IsPlaceOpen(const Judged& curve, const Step& step);
 
 /// Whether a step that few readings lie in is more than @p most from the middle of its rise: a polynomial through
 /// uneven steps may bend beside it. Steps that many readings lie in are left to the fit.
-bool IsBesideRise(const Points& points, double direction, const Step& step, double most);
+bool IsBesideRise(const Points& points, const Judged& curve, const Step& step, double most);
 
 /// Whether noise could have chosen the step: the search is made again with every reading moved up or down by the noise,
 /// a few times over, and must come to within @p most of the same volume. The standard error of a fit knows only how far
