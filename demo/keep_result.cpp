@@ -14,6 +14,7 @@
 #include "demo/result/titration.h"
 #include "demo/support/failure.h"
 #include "demo/support/file_names.h"
+#include "demo/support/file_step.h"
 #include "demo/support/text_file.h"
 
 namespace titration {
@@ -107,7 +108,7 @@ std::string KeepReport(const Titration& titration, DWORD version, const CHistory
     CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, made.Path("curve.png"));
     made.Add("curve.png", fingerprint);
     const std::string name = JobName(version);
-    if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": cannot be written");
+    if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": " + Why("cannot be written"));
     made.Add(name, fingerprint);
     return "Drawn      curve.png, in one drawing with the report's curve\n"
            "Job        " +

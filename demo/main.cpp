@@ -138,7 +138,7 @@ int Run(const Options& options) {
         return 0;
     }
     if (options.verify) return Verify(folder) ? 0 : 1;
-    if (CQFile::CreateDirectories(folder) == 0) throw Failure(options.out + ": cannot be made");
+    if (CQFile::CreateDirectories(folder) == 0) throw Failure(options.out + ": " + Why("cannot be made"));
     Run(options, folder);
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "demo/method/method_file.h"
 
 #include "demo/support/failure.h"
+#include "demo/support/file_step.h"
 
 namespace titration {
 namespace {
@@ -49,7 +50,7 @@ void WriteMethod(const Method& method, CCryptXMLDocument& document) {
 MethodFile::MethodFile(const std::string& path) : m_name(CQFile::GetFilenameFromPath(path.c_str())) {
     constexpr int kNoWait = 1, kCreate = 1;
     if (m_document.LockFile(path.c_str(), kNoWait, kCreate) == 0)
-        throw Failure(m_name + ": cannot be opened for writing, or is not a document");
+        throw Failure(m_name + ": " + Why("cannot be opened for writing"));
     About(m_name, [&] { m_kept = ReadMethod(m_document); });
 }
 
@@ -57,13 +58,13 @@ Method MethodFile::Read(const std::string& path) {
     constexpr int kNoWait = 1;
     CCryptXMLDocument document;
     const std::string name(CQFile::GetFilenameFromPath(path.c_str()));
-    if (document.LoadXMLFile(path.c_str(), kNoWait) == 0) throw Failure(name + ": is missing, or no document");
+    if (document.LoadXMLFile(path.c_str(), kNoWait) == 0) throw Failure(name + ": " + Why("is no document"));
     return About(name, [&] { return ReadMethod(document); });
 }
 
 void MethodFile::Keep(const Method& method) {
     About(m_name, [&] { WriteMethod(method, m_document); });
-    if (m_document.LockCommit() == 0) throw Failure(m_name + ": cannot be written");
+    if (m_document.LockCommit() == 0) throw Failure(m_name + ": " + Why("cannot be written"));
 }
 
 }  // namespace titration

@@ -4,6 +4,7 @@
 #include "demo/report/point_font.h"
 #include "demo/report/report.h"
 #include "demo/support/failure.h"
+#include "demo/support/file_step.h"
 
 namespace titration {
 namespace {
@@ -153,7 +154,8 @@ void AddCurve(CQelPrintJobQueueData& job, const Titration& titration, CRect plac
                      ColumnText(settings.signalColumn), dotsPerInch);
     graph.GetPrintJob(&job, place, &memory);
     memory.SelectObject(before);
-    if (qel::SavePng(bitmap, picture.c_str(), dotsPerInch) == 0) throw Failure(picture + ": cannot be written");
+    if (qel::SavePng(bitmap, picture.c_str(), dotsPerInch) == 0)
+        throw Failure(picture + ": " + Why("cannot be written"));
 }
 
 }  // namespace

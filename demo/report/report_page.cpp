@@ -2,6 +2,7 @@
 
 #include "demo/support/failure.h"
 #include "demo/support/file_names.h"
+#include "demo/support/file_step.h"
 
 namespace titration {
 namespace {
@@ -19,7 +20,7 @@ std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last
 ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDateTime& made) {
     for (const std::string& path : jobPaths) {
         CQelPrintJobQueueData job;
-        if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": cannot be read");
+        if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": " + Why("cannot be read"));
         if (m_document.CheckAndAddJobFile(job) == 0)
             throw Failure(path + ": is for another printer than the first one");
         if (job.GetPageStyle().GetPageBlocks() < 1) throw Failure(path + ": has no place on a page");
@@ -30,7 +31,7 @@ ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDat
     // A job file has only the form's code; the paper size comes with a context of the printer.
     const std::string name = PrinterName();
     if (!m_printer.Attach(m_document.GetPageStyle().GetPrinterDC()))
-        throw Failure("there is no printer \"" + name + "\"");
+        throw Failure("the printer \"" + name + "\": " + Why("is not there"));
 }
 
 int ReportPages::Count() const {
@@ -43,11 +44,13 @@ void ReportPages::SavePreview(int number, const std::string& path) {
     const auto draw = [&](CDC& dc) { return m_document.PrintOutMain(&dc, number, 1) != 0; };
     if (qel::DrawPagePicture(picture, m_printer, kPreviewDotsPerInch, draw) == 0)
         throw Failure(path + ": the page cannot be drawn");
-    if (qel::SavePng(picture, path.c_str(), kPreviewDotsPerInch) == 0) throw Failure(path + ": cannot be written");
+    if (qel::SavePng(picture, path.c_str(), kPreviewDotsPerInch) == 0)
+        throw Failure(path + ": " + Why("cannot be written"));
 }
 
 void ReportPages::Print() {
-    if (m_document.PrintOut() == 0) throw Failure("the printer \"" + PrinterName() + "\" does not take the reports");
+    if (m_document.PrintOut() == 0)
+        throw Failure("the printer \"" + PrinterName() + "\": " + Why("does not take the reports"));
 }
 
 }  // namespace titration

@@ -1,6 +1,7 @@
 #include "demo/report/report_printer.h"
 
 #include "demo/support/failure.h"
+#include "demo/support/file_step.h"
 
 namespace titration {
 namespace {
@@ -26,7 +27,7 @@ bool ReportPrinter::IsThere(const std::string& name) {
 }
 
 ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeReportsPerPage(name)) {
-    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("there is no printer \"" + name + "\"");
+    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("the printer \"" + name + "\": " + Why("is not there"));
 }
 
 }  // namespace titration

@@ -1,6 +1,7 @@
 #include "demo/result/check_sums.h"
 
 #include "demo/support/failure.h"
+#include "demo/support/file_step.h"
 
 namespace titration {
 
@@ -14,7 +15,7 @@ CheckSums CheckSumsOf(CQFile& file, DWORD size) {
 CheckSums CheckSumsOf(const std::string& path) {
     CheckSums sums;
     if (CQFile::GetFileCRC(path.c_str(), &sums.crc, 0) == 0 || CQFile::GetFileSum(path.c_str(), &sums.sum, 0) == 0)
-        throw Failure(path + ": cannot be read");
+        throw Failure(path + ": " + Why("cannot be read"));
     return sums;
 }
 

@@ -40,7 +40,7 @@ const CHistoryRenewInfo& History::TakeOut(DWORD version, const std::string& path
     if (version == 0 || version > Latest())
         throw Failure("there is no version " + std::to_string(version) + ", the latest is " + std::to_string(Latest()));
     const CString folder = CQFile::GetFolderFromPath(path.c_str());
-    if (CQFile::CreateDirectories(folder) == 0) throw Failure(std::string(folder) + ": cannot be made");
+    if (CQFile::CreateDirectories(folder) == 0) throw Failure(std::string(folder) + ": " + Why("cannot be made"));
     OnHistory([&] { m_kept.TakeOut(version, path); });
     return Record(version);
 }

@@ -140,7 +140,7 @@ void MadeFiles::Keep(const std::string& name) {
 
 void MadeFiles::Remove(const std::string& pattern) {
     const std::vector<std::string> names = Matching(pattern);
-    if (CQFile::DeleteFiles(Path(pattern).c_str()) == 0) throw Failure(Path(pattern) + ": cannot be deleted");
+    if (CQFile::DeleteFiles(Path(pattern).c_str()) == 0) throw Failure(Path(pattern) + ": " + Why("cannot be deleted"));
     for (const std::string& name : names) Set(name, nullptr, nullptr);
 }
 

@@ -28,7 +28,7 @@ CCalcVariableList Load(const std::string& path, CCheckDatafile seal) {
         CCalcVariableList list;
         CQFile file;
         Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
-        if (seal.ReadPackData(&file) == 0) throw Failure(path + ": the seal does not fit");
+        if (seal.ReadPackData(&file) == 0) throw Failure(path + ": " + Why("the seal does not fit"));
         Serialize(list, file, CArchive::load);
         return list;
     });
@@ -43,7 +43,7 @@ CCheckDatafile StoreVariables(const CCalcVariableList& list, const std::string& 
         CQFile file;
         Open(file, path, CFile::modeCreate | CFile::modeReadWrite | CFile::shareExclusive);
         Serialize(copy, file, CArchive::store);
-        if (seal.PackUpdateData(&file, 1) == 0) throw Failure(path + ": cannot be sealed");
+        if (seal.PackUpdateData(&file, 1) == 0) throw Failure(path + ": " + Why("cannot be sealed"));
         file.Close();
         return seal;
     });
@@ -72,7 +72,7 @@ CheckSums SealedSums(const std::string& path) {
 CheckSums RequireChangeToBeFound(const std::string& path, ULONGLONG position) {
     return OnFile(path, [&] {
         CQFile copy;
-        if (copy.CreateTempFile("ttr", 1) == 0) throw Failure(path + ": cannot be copied");
+        if (copy.CreateTempFile("ttr", 1) == 0) throw Failure(path + ": " + Why("cannot be copied"));
         copy.WriteFromFile(path.c_str(), 0, kToTheEnd);
         const bool fitsBefore = CCheckDatafile::IsPackData(&copy) != 0;
 

@@ -21,6 +21,13 @@ template <class Step> auto OnFile(const std::string& path, Step step) {
     }
 }
 
+/// Why the library's last operation, which returned 0, failed; @p otherwise if it gave no reason.
+inline std::string Why(const char* otherwise) {
+    const qel::Failure failure = qel::LastFailure();
+    const bool isKnown = failure.kind != qel::FailureKind::kNone && failure.kind != qel::FailureKind::kRefused;
+    return isKnown ? failure.text : otherwise;
+}
+
 /// @throws CFileException
 inline void Open(CFile& file, const std::string& path, UINT mode) {
     CFileException error;

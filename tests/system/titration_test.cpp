@@ -250,8 +250,8 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
     const auto cut = [](std::size_t left) { return [left](std::string& bytes) { bytes.resize(left); }; };
     using Damage = std::function<void(std::string&)>;
     for (const auto& [name, damage, finding] : Cases<const char*, Damage, const char*>{
-             {"method.xml", flip(20), "FAILED: method.xml: is missing, or no document"},
-             {"variables.qel", flip(40), "FAILED: variables.qel: the seal does not fit"},
+             {"method.xml", flip(20), "FAILED: method.xml: "},
+             {"variables.qel", flip(40), "FAILED: variables.qel: not sealed, or changed since"},
              {"result.csv", flipIn("49.6"), "FAILED: result.csv: is not the table of that result"},
              {"report.txt", flipIn("37 points"), "FAILED: report.txt: has "},
              {"results.hcf", flip(30), "FAILED: results.hcf: is missing or in use, or its header is damaged"},
@@ -277,7 +277,7 @@ TEST_F(Titration, VerifiesAllFilesAgain) {
                   ini.insert(ini.find('=', ini.find("\ncurve.png", ini.find("[s"))) + 1, "01234567 ");
               },
               "FAILED: curve.png: its layout fingerprint in made.ini is not that of report-2.job"},
-             {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: is missing"},
+             {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: file not found"},
              {"curve-1.csv", flip(300), "FAILED: curve-1.csv: has "},
              {"version-1/variables.qel", flip(100), "FAILED: version-1/variables.qel: has "},
              {"version-1/variables.qel", nullptr, "FAILED: version-1/variables.qel: is missing"},
@@ -367,7 +367,7 @@ TEST_F(Titration, PrintsOnTheNamedPrinter) {
               std::string::npos);
     EXPECT_EQ(Run(onPrinter + "PDF").status, 0);
     for (const auto& [arguments, message] : Cases<std::string, const char*>{
-             {onPrinter + "none", "there is no printer \"none\""},
+             {onPrinter + "none", "the printer \"none\": no such printer"},
              {"--print 2 --out results", "report-2.job: is for another printer than the first one"},
              {"--print 3 --out results", "there are no 3 reports, but 2"},
              {"--print x --out results", "\"x\" is not a number of reports"},
