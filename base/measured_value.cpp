@@ -16,7 +16,7 @@ constexpr double kNoReading = 9.9e37;  // for an infinity, and 9.91e37 for no nu
 struct Replacement {
     std::string_view from, to;
 };
-constexpr Replacement kPlain[] = {{"\u2212", "-"}, {"\u00A0", " "}, {"\u202F", " "},
+constexpr Replacement kPlain[] = {{"\u2212", "-"}, {"\u2013", "-"}, {"\u00A0", " "},     {"\u202F", " "},
                                   {"\u2009", " "}, {"\u2019", "'"}, {"\u03BC", "\u00B5"}};
 
 std::string_view Trimmed(std::string_view text) {
@@ -64,6 +64,16 @@ std::optional<double> ReadValue(std::string_view text) {
     return number ? number : ReadGrouped(Trimmed(text));
 }
 
+// Letters of any script are beyond ASCII, the degree and the mu too.
+bool IsUnit(std::string_view text) {
+    if (text.empty() || text.size() > kLongestUnit) return false;
+    if (text == "E" || text == "e" || text.starts_with("E-") || text.starts_with("e-") || text.starts_with("E+") ||
+        text.starts_with("e+"))
+        return false;
+    const auto first = static_cast<unsigned char>(text.front());
+    return first >= 0x80 || first == '%' || (first >= 'A' && first <= 'Z') || (first >= 'a' && first <= 'z');
+}
+
 }  // namespace
 
 std::string WithPlainCharacters(std::string_view text) {
@@ -76,17 +86,18 @@ std::string WithPlainCharacters(std::string_view text) {
     return plain;
 }
 
-std::optional<double> ReadMeasuredValue(std::string_view text) {
-    if (const auto number = ReadPlain(text)) return number;
+std::optional<MeasuredValue> ReadMeasuredValue(std::string_view text) {
+    if (const auto number = ReadPlain(text)) return MeasuredValue{*number, {}};
     const std::string plain = WithPlainCharacters(text);
     const std::string_view value = Trimmed(plain);
-    if (const auto number = ReadValue(value)) return number;
+    if (const auto number = ReadValue(value)) return MeasuredValue{*number, {}};
     const std::size_t last = value.find_last_of(kDigits);
     if (last == std::string_view::npos) return std::nullopt;
     const std::size_t end = value.starts_with('.') || value[last] == '.' ? last : last + 1;
     const std::string_view unit = Trimmed(value.substr(end));
-    if (unit.empty() || unit.size() > kLongestUnit || unit.find_first_of(".,+-*/()") == 0) return std::nullopt;
-    return ReadValue(value.substr(0, end));
+    if (!IsUnit(unit)) return std::nullopt;
+    const auto number = ReadValue(value.substr(0, end));
+    return number ? std::optional(MeasuredValue{*number, std::string(unit)}) : std::nullopt;
 }
 
 }  // namespace qel

@@ -19,25 +19,44 @@ enum class Kind { kPoint, kMissing, kNote };
 
 struct Line {
     Kind kind = Kind::kNote;
-    double volume = 0, signal = 0;
-    bool isUnreadable = false;  // a reading is there, but not one that can be read
+    qel::MeasuredValue volume, signal;
+    bool isUnreadable = false;  // readings are there, but not such that can be read
 };
 
-bool HasDigit(const Row& row, std::size_t column) {
-    return column < row.size() && row[column].find_first_of(kDigits) != std::string::npos;
+std::string_view FieldOf(const Row& row, std::size_t column) {
+    return column < row.size() ? std::string_view(row[column]) : std::string_view();
 }
+
+bool HasDigit(std::string_view field) { return field.find_first_of(kDigits) != std::string_view::npos; }
 
 Line Read(const Row& row, const Columns& columns) {
     if (IsBlankOrComment(row)) return {};
-    const auto in = [&](std::size_t column) {
-        return column < row.size() ? qel::ReadMeasuredValue(row[column]) : std::nullopt;
-    };
-    const auto volume = in(columns.volume), signal = in(columns.signal);
+    const std::string_view volumeField = FieldOf(row, columns.volume), signalField = FieldOf(row, columns.signal);
+    const auto volume = qel::ReadMeasuredValue(volumeField), signal = qel::ReadMeasuredValue(signalField);
     if (volume && signal) return {Kind::kPoint, *volume, *signal, false};
     // "Temperature;25" after a table is a note, "16.40;7.2*" a reading.
-    const bool isUnreadable = HasDigit(row, columns.volume) && HasDigit(row, columns.signal);
-    return {volume || signal ? Kind::kMissing : Kind::kNote, 0, 0, isUnreadable};
+    const bool isUnreadable = HasDigit(volumeField) && HasDigit(signalField);
+    if (volume) return {Kind::kMissing, *volume, {}, isUnreadable};
+    return {signal ? Kind::kMissing : Kind::kNote, {}, {}, isUnreadable};
 }
+
+// Which of the fields before the columns' last one are numbers: in "mean;16.5;8.8" not those of "12;16.5;8.8".
+bool HasKindsOf(const Row& first, const Row& row, const Columns& columns) {
+    for (std::size_t i = 0; i < std::max(columns.volume, columns.signal); ++i) {
+        const std::string_view before = FieldOf(first, i), field = FieldOf(row, i);
+        if (before.empty() || field.empty()) continue;
+        if (qel::ReadMeasuredValue(before).has_value() != qel::ReadMeasuredValue(field).has_value()) return false;
+    }
+    return true;
+}
+
+struct Lines {
+    std::size_t count = 0, first = 0;
+
+    void Add(std::size_t number) {
+        if (count++ == 0) first = number;
+    }
+};
 
 // Collects the rows of tables, one row after the other.
 class Tables {
@@ -46,25 +65,41 @@ public:
 
     void Take(const Row& row, std::size_t number) {
         if (FindNames(row, number, m_columns)) {
+            End();
             m_isNew = true;
             return;
         }
         const Line line = Read(row, m_columns);
         if (line.kind == Kind::kPoint) {
             RequireNamedFields(row, number);
-            AddPoint(line, number);
-            m_isAfterNote = false;
+            AddPoint(line, row, number);
+        } else if (line.isUnreadable) {
+            if (!m_isNew || m_columns.haveNames) m_unreadable.Add(number);
         } else if (!m_isNew) {
-            if (line.kind == Kind::kMissing) ++m_missing;
-            if (line.kind == Kind::kNote) m_isAfterNote = true;
-            Table& table = m_tables.back();
-            if (line.isUnreadable && table.unreadable++ == 0) table.firstUnreadable = number;
+            TakeWithoutPoint(line, row, number);
         }
+    }
+
+    /// Readings after the last point that cannot be read are of its table, and so are volumes with "---" or "OVL".
+    void End() {
+        if (m_isNew) return;
+        Keep(m_unreadable);
+        Keep(m_withoutSignal);
     }
 
     std::vector<Table>& Found() { return m_tables; }
 
 private:
+    void TakeWithoutPoint(const Line& line, const Row& row, std::size_t number) {
+        if (line.kind == Kind::kNote) {
+            m_isAfterNote = true;
+            return;
+        }
+        ++m_missing;
+        const bool hasVolume = qel::ReadMeasuredValue(FieldOf(row, m_columns.volume)).has_value();
+        if (hasVolume && !FieldOf(row, m_columns.signal).empty()) m_withoutSignal.Add(number);
+    }
+
     // A comma that separates and is the decimal sign as well makes two fields of a number.
     void RequireNamedFields(const Row& row, std::size_t number) const {
         const std::size_t named = m_columns.namesFields;
@@ -72,19 +107,43 @@ private:
         RefuseUnnamedField(row, number, m_columns);
     }
 
-    void AddPoint(const Line& line, std::size_t number) {
-        if (m_isNew || (m_isAfterNote && StartsAgain(line.volume)) || GoesBackToStart(line.volume)) {
-            m_tables.emplace_back();
-            m_tables.back().curve.firstLine = number;
+    void AddPoint(const Line& line, const Row& row, std::size_t number) {
+        if (IsOfNextTable(line, row)) {
+            End();
+            Table& next = m_tables.emplace_back();
+            next.curve.firstLine = number;
+            next.volumeUnit = line.volume.unit;
+            next.signalUnit = line.signal.unit;
+            m_firstRow = row;
             m_missing = 0;
             m_isNew = false;
         }
+        if (!HasUnits(line)) RefuseUnits(row, number, m_tables.back());
+        Keep(m_unreadable);
         Table& table = m_tables.back();
-        table.curve.volume.push_back(line.volume);
-        table.curve.signal.push_back(line.signal);
+        std::vector<double>& volumes = table.curve.volume;
+        if (!volumes.empty()) {
+            const double rise = volumes.back() - volumes.front();
+            table.isMonotone = table.isMonotone && (line.volume.value - volumes.back()) * rise >= 0;
+        }
+        volumes.push_back(line.volume.value);
+        table.curve.signal.push_back(line.signal.value);
         table.curve.lastLine = number;
         table.curve.linesWithoutPoint = m_missing;
-        table.unreadable = 0;
+        m_withoutSignal = {};
+        m_isAfterNote = false;
+    }
+
+    bool IsOfNextTable(const Line& line, const Row& row) const {
+        if (m_isNew || !HasKindsOf(m_firstRow, row, m_columns)) return true;
+        const bool isShort = m_tables.back().curve.volume.size() < kFewestRows;
+        if (!HasUnits(line) && isShort && !m_columns.haveNames) return true;
+        return (m_isAfterNote && StartsAgain(line.volume.value)) || GoesBackToStart(line.volume.value);
+    }
+
+    bool HasUnits(const Line& line) const {
+        const Table& table = m_tables.back();
+        return line.volume.unit == table.volumeUnit && line.signal.unit == table.signalUnit;
     }
 
     // The volumes rose up to here, or fell, and no longer do.
@@ -96,18 +155,36 @@ private:
 
     // The next titration of a file that has nothing between two of them.
     bool GoesBackToStart(double volume) const {
-        const std::vector<double>& before = m_tables.back().curve.volume;
-        if (before.size() < kFewestRows) return false;
-        return before.back() > before.front()   ? volume <= before.front()
-               : before.back() < before.front() ? volume >= before.front()
-                                                : false;
+        const Table& table = m_tables.back();
+        const double first = table.curve.volume.front(), last = table.curve.volume.back();
+        if (table.curve.volume.size() < kFewestRows || first == last) return false;
+        const double share = (volume - first) / (last - first);
+        return share <= 0 || (table.isMonotone && share < 0.5);
+    }
+
+    void Keep(Lines& lines) {
+        Table& table = m_tables.back();
+        if (lines.count > 0 && table.unreadable == 0) table.firstUnreadable = lines.first;
+        table.unreadable += lines.count;
+        lines = {};
     }
 
     Columns m_columns;
     std::vector<Table> m_tables;
+    Row m_firstRow;  // of the last table
     std::size_t m_missing = 0;
+    Lines m_unreadable, m_withoutSignal;  // since the last point
     bool m_isNew = true, m_isAfterNote = false;
 };
+
+void RequireOneColumnEach(const Row& names, const Columns& columns) {
+    for (const std::string& name : {columns.volumeName, columns.signalName}) {
+        const auto first = FindIn(names, name);
+        if (ColumnNumber(name) || !first) continue;
+        const Row after(names.begin() + static_cast<std::ptrdiff_t>(*first) + 1, names.end());
+        if (FindIn(after, name)) RefuseSameNames(name, columns.namesLine);
+    }
+}
 
 // With numbers for columns, pairs of numbers above the table look like one.
 void DropRowsBeforeTable(std::vector<Table>& tables) {
@@ -138,9 +215,11 @@ Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const st
         FindNames(split.rows[i], i + 1, columns);
     }
     if (columns.volume == columns.signal) RefuseSameColumn(columns);
+    if (columns.haveNames) RequireOneColumnEach(split.rows[columns.namesLine - 1], columns);
 
     Tables tables(columns);
     for (std::size_t i = columns.namesLine; i < split.rows.size(); ++i) tables.Take(split.rows[i], i + 1);
+    tables.End();
     if (!columns.haveNames) DropRowsBeforeTable(tables.Found());
     if (tables.Found().empty()) RefuseNumbers(text, split, columns);
     return Chosen(tables.Found(), columns, table, split.rows);

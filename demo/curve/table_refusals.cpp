@@ -73,7 +73,7 @@ void RefuseNumbers(std::string_view text, const Rows& split, const Columns& colu
     const auto from = split.rows.begin() + static_cast<std::ptrdiff_t>(columns.namesLine);
     const auto row = std::find_if(from, split.rows.end(), [](const Row& line) { return !IsBlankOrComment(line); });
     const std::size_t line = static_cast<std::size_t>(row - split.rows.begin()) + 1;
-    message += row == split.rows.end() ? ", no line follows" : ", " + LineText(line, *row);
+    message += row == split.rows.end() ? ", all lines after it are blank or comments" : ", " + LineText(line, *row);
     throw Failure(message + "; expected a number in field " + std::to_string(columns.volume + 1) +
                   " and one in field " + std::to_string(columns.signal + 1) + EncodingHint(text) +
                   "; set other columns in [curve] of the settings");
@@ -95,11 +95,22 @@ void RefuseSeveralTables(const std::vector<Table>& tables, const Columns& column
                   columns.Text() + ": " + Listed(tables) + "; choose one with --table");
 }
 
+void RefuseSameNames(const std::string& name, std::size_t line) {
+    throw Failure("line " + std::to_string(line) + " has more than one column \"" + name +
+                  "\"; give the number of the column in [curve] of the settings");
+}
+
+void RefuseUnits(const Row& row, std::size_t line, const Table& table) {
+    const auto shown = [](const std::string& unit) { return unit.empty() ? "no unit" : "\"" + unit + "\""; };
+    throw Failure(LineText(line, row) + ", and the table began with " + shown(table.volumeUnit) + " and " +
+                  shown(table.signalUnit) + " in line " + std::to_string(table.curve.firstLine) +
+                  "; give all values of a column in one unit");
+}
+
 void RefuseUnreadable(const Table& table, const std::vector<Row>& rows) {
     const std::size_t line = table.firstUnreadable;
-    throw Failure("after the last point in line " + std::to_string(table.curve.lastLine) + ", " +
-                  Count(table.unreadable, "line") + " cannot be read: " + LineText(line, rows[line - 1]) +
-                  "; mend them, or take the table without them with --table 1");
+    throw Failure(Count(table.unreadable, "line") + " of the table cannot be read: " + LineText(line, rows[line - 1]) +
+                  "; mend what is wrong there, or take the table without it with --table 1");
 }
 
 }  // namespace titration

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -10,11 +11,13 @@
 
 namespace titration {
 
-/// A table of a file, and what comes after its last point.
+/// A table of a file, and what in it cannot be read.
 struct Table {
     Curve curve;
-    std::size_t unreadable = 0;  // lines after the last point whose readings cannot be read
+    std::size_t unreadable = 0;  // lines with readings that cannot be read
     std::size_t firstUnreadable = 0;
+    std::string volumeUnit, signalUnit;  // of the first point
+    bool isMonotone = true;              // the volumes up to here
 };
 
 // Why a file gives no curve: what was found, in which line, and what to do. Each throws a Failure.
@@ -39,7 +42,13 @@ struct Table {
 /// There are several tables, and none is chosen.
 [[noreturn]] void RefuseSeveralTables(const std::vector<Table>& tables, const Columns& columns);
 
-/// The readings after the last point of @p table cannot be read.
+/// A name of a column is there more than once in the line of the names.
+[[noreturn]] void RefuseSameNames(const std::string& name, std::size_t line);
+
+/// A point has another unit than the first one of its table.
+[[noreturn]] void RefuseUnits(const Row& row, std::size_t line, const Table& table);
+
+/// There are readings in @p table that cannot be read.
 [[noreturn]] void RefuseUnreadable(const Table& table, const std::vector<Row>& rows);
 
 }  // namespace titration

@@ -76,8 +76,8 @@ int main() {
     qel::CsvReader rows(table, {.encoding = qel::CsvEncoding::kCodePage932});
     while (rows.Next()) {
         const std::string name(rows.Fields()[0]);
-        std::printf("line %zu: %s has pH %.2f\n", rows.Line(), name.c_str(),
-                    qel::ReadMeasuredValue(rows.Fields()[1]).value_or(0));
+        if (const auto pH = qel::ReadMeasuredValue(rows.Fields()[1]))
+            std::printf("line %zu: %s has pH %.2f\n", rows.Line(), name.c_str(), pH->value);
     }
     if (rows.Failure()) std::puts(rows.Failure()->Text().c_str());
     return 0;

@@ -74,39 +74,29 @@ TEST(ReadNumber, ScpiNamesInfinitiesByNumbers) {
 }
 
 TEST(MeasuredValue, IsReadAsItIsWritten) {
-    for (const auto& [text, expected] : Cases<const char*, double>{{"\u221212.5", -12.5},
-                                                                   {"3.14 mL", 3.14},
-                                                                   {"3,14mL", 3.14},
-                                                                   {"1.5e-3 mol/L", 0.0015},
-                                                                   {"25\u00A0\u00B0C", 25},
-                                                                   {"1,234", 1.234},
-                                                                   {"1,234.5", 1234.5},
-                                                                   {"1.234,5", 1234.5},
-                                                                   {"-1,234,567", -1234567},
-                                                                   {"1\u00A0234,5", 1234.5},
-                                                                   {"12\u202F345.75 mV", 12345.75},
-                                                                   {"1'234.5", 1234.5}}) {
-        EXPECT_EQ(qel::ReadMeasuredValue(text), expected) << text;
+    for (const auto& [text, expected, unit] : Cases<const char*, double, const char*>{
+             {"\u221212.5", -12.5, ""},
+             {"\u201312.5", -12.5, ""},
+             {"3.14 mL", 3.14, "mL"},
+             {"3,14mL", 3.14, "mL"},
+             {"1.5e-3 mol/L", 0.0015, "mol/L"},
+             {"25\u00A0\u00B0C", 25, "\u00B0C"},
+             {"1,234", 1.234, ""},
+             {"1,234.5", 1234.5, ""},
+             {"1.234,5", 1234.5, ""},
+             {"-1,234,567", -1234567, ""},
+             {"1\u00A0234,5", 1234.5, ""},
+             {"12\u202F345.75 mV", 12345.75, "mV"},
+             {"1'234.5", 1234.5, ""},
+         }) {
+        const auto found = qel::ReadMeasuredValue(text);
+        ASSERT_TRUE(found) << text;
+        EXPECT_EQ(found->value, expected) << text;
+        EXPECT_EQ(found->unit, unit) << text;
     }
-    for (const char* const text : {"",
-                                   "-",
-                                   "---.-",
-                                   "mL",
-                                   "1 2",
-                                   "1,23,4",
-                                   "12,34.5",
-                                   "1234,567.8",
-                                   "1.2.3",
-                                   "7.1*",
-                                   "2.00 mL in 50 mL",
-                                   "12:30",
-                                   "2026-01-02",
-                                   "nan",
-                                   "inf",
-                                   "1e999",
-                                   "9.9E37",
-                                   "-9.9E37",
-                                   "9.91E37",
-                                   "5 of these days"})
+    for (const char* const text :
+         {"",      "-",    "---.-", "mL",     "1 2",     "1,23,4",           "12,34.5",        "1234,567.8",
+          "1.2.3", "7.1*", "7.2?",  "1.5E",   "1.5E-",   "2.00 mL in 50 mL", "12:30",          "2026-01-02",
+          "nan",   "inf",  "1e999", "9.9E37", "-9.9E37", "9.91E37",          "5 of these days"})
         EXPECT_FALSE(qel::ReadMeasuredValue(text)) << text;
 }

@@ -35,7 +35,7 @@ TEST(CurveTable, IsReadToItsEnd) {
                                          {"3,7\n1,7\n2,8\n", "1-3/0: 3 1 2"},
                                          {"1,7\n2,---\n3,8\n", "1-3/1: 1 3"},
                                          {"1,7\n2,8\nTemperature,25\n", "1-2/0: 1 2"},
-                                         {"1,7\n2,8\n3,---\n", "1-2/0: 1 2"},
+                                         {"1,7\n2,8\n3,\n", "1-2/0: 1 2"},
                                          {"1,\u22127\n2,\u22128\n", "1-2/0: 1 2"},
                                          {"8,9\n\n" + kFive, "3-7/0: 1 2 3 4 5"},
                                          {"1 7\n2   8\n", "1-2/0: 1 2"},
@@ -61,7 +61,14 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
              {"V,U\n" + kFive + kFive, 2, "7-11/0: 1 2 3 4 5"},
              {"V,U\n1,1,1,1,7,1\n", 0,
               "line 2 has \"1\" \"1\" \"1\" \"1\" \"7\" \"1\", and line 1 names 2 fields; separate"},
-             {"V,U\n" + spoilt, 0, "after the last point in line 6, 2 lines cannot be read: line 7 has \"6\" \"9.1*\""},
+             {"V,U\n" + spoilt, 0, "2 lines of the table cannot be read: line 7 has \"6\" \"9.1*\""},
+             {"V,U\n" + kFive + "6,---\n7,OVL\n", 0, "2 lines of the table cannot be read: line 7 has"},
+             {"V,U\n1,<7\n2,7*\n" + kFive, 0, "2 lines of the table cannot be read: line 2 has"},
+             {"V,U\n1,7\n2,7*\n3,8\n", 0, "1 line of the table cannot be read: line 3 has"},
+             {"n,V,U\n1,1,7\n2,2,8\nmean,1.5,7.5\n", 0, "there are 2 tables"},
+             {"V,U\n" + kFive + "1.05,7\n2,7\n", 0, "there are 2 tables"},
+             {"V,U\n998 \u00B5L,7\n1.002 mL,8\n", 0, "line 3 has \"1.002 mL\" \"8\", and the table began with"},
+             {"V,U,u\n1,7,8\n", 0, "line 1 has more than one column \"u\""},
              {"V,U\n" + spoilt, 1, "2-6/0: 1 2 3 4 5"}}) {
         EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
     }
@@ -75,8 +82,8 @@ TEST(CurveTable, SaysWhatWasFoundInstead) {
              {"a;b;c\nMe\xDFwerte;V\n1;2\n", "\u00B5",
               "the file is not in UTF-8 as the settings are, save it as UTF-8, for example with iconv"},
              {"a;b;c\nU;\u03BCL\n", "\u00B5L",
-              "which line 2 names: separated by semicolons (semicolons, tabs, commas, bars and blanks were tried), no "
-              "line follows"},
+              "which line 2 names: separated by semicolons (semicolons, tabs, commas, bars and blanks were tried), all "
+              "lines after it are blank or comments"},
              {"a;b;c;d\nV;pH\n", "p", "line 1 has"},
              {"t,V\nV,1\u00A0000\xA0\n", "V", "the file is not in UTF-8"},
              {"1,a\n", "2", "line 1 has \"1\" \"a\"; expected a number in field 1 and one in field 2"},
