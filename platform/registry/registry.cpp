@@ -3,6 +3,7 @@
 #include <concepts>
 #include <utility>
 
+#include "qellib10/platform/database/database_error.h"
 #include "qellib10/platform/operation.h"
 #include "qellib10/platform/registry/registry_error.h"
 #include "qellib10/platform/registry/registry_store.h"
@@ -36,6 +37,32 @@ const char* TextOf(LONG code) {
     }
 }
 
+RegistryCode CodeOf(DatabaseFault fault) {
+    switch (fault) {
+        case DatabaseFault::kForeignKey:
+            return kRegistryKeyDeleted;
+        case DatabaseFault::kValue:
+            return kRegistryInvalidParameter;
+        case DatabaseFault::kAccess:
+            return kRegistryAccessDenied;
+        case DatabaseFault::kBusy:
+            return kRegistryBusy;
+        case DatabaseFault::kDiskFull:
+            return kRegistryDiskFull;
+        case DatabaseFault::kIo:
+            return kRegistryIoFailed;
+        case DatabaseFault::kDamaged:
+            break;
+    }
+    return kRegistryDamaged;
+}
+
+LONG Failed(Operation& operation, LONG code) {
+    const FailureKind kind = code == kRegistryNotFound ? FailureKind::kMissing : FailureKind::kRegistry;
+    operation.Failed(kind, "", TextOf(code), code);
+    return code;
+}
+
 // The one place where an operation's failure becomes its result.
 template <std::invocable Body> LONG AsCode(Body&& body) {
     Operation operation(nullptr);
@@ -44,10 +71,9 @@ template <std::invocable Body> LONG AsCode(Body&& body) {
         operation.Ended(true);
         return kRegistrySuccess;
     } catch (const RegistryError& error) {
-        const LONG code = error.Code();
-        const FailureKind kind = code == kRegistryNotFound ? FailureKind::kMissing : FailureKind::kRegistry;
-        operation.Failed(kind, "", TextOf(code), code);
-        return code;
+        return Failed(operation, error.Code());
+    } catch (const DatabaseError& error) {
+        return Failed(operation, CodeOf(error.Fault()));
     }
 }
 

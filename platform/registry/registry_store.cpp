@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <filesystem>
+#include <new>
 #include <vector>
 
+#include "qellib10/platform/database/database_error.h"
 #include "qellib10/platform/registry/registry_error.h"
 
 namespace qel {
@@ -133,8 +135,10 @@ void RegistryStore::RollBack() {
     if (m_writings > 0 || !m_tree) return;
     try {
         m_tree->RollBack();
-    } catch (const RegistryError&) {
+    } catch (const DatabaseError&) {
         m_tree.reset();  // closing the connection rolls it back as well
+    } catch (const std::bad_alloc&) {
+        m_tree.reset();
     }
 }
 

@@ -1,6 +1,7 @@
 #include "qellib10/platform/registry/registry_tree.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "qellib10/platform/registry/registry_error.h"
@@ -68,7 +69,7 @@ struct Child {
 }  // namespace
 
 RegistryTree::RegistryTree(const std::string& posixPath, bool create, DatabaseWait wait)
-    : m_database(posixPath, create, std::move(wait)),
+    : m_database(posixPath, create ? DatabaseOpening::kCreating : DatabaseOpening::kExisting, std::move(wait)),
       m_parent("SELECT parent FROM reg_key WHERE id = ?"),
       m_children("SELECT id, fold, name, class FROM reg_key WHERE parent = ? ORDER BY id"),
       m_values("SELECT name, type, data FROM reg_value WHERE key = ? ORDER BY id"),
@@ -81,6 +82,7 @@ RegistryTree::RegistryTree(const std::string& posixPath, bool create, DatabaseWa
           " SELECT id, depth + 1, ?2, ?3, ?4 FROM reg_key WHERE id = ?1 RETURNING id"),
       m_write("INSERT INTO reg_value(key, fold, name, type, data) VALUES (?, ?, ?, ?, ?)" + std::string(kReplace)),
       m_delete("DELETE FROM reg_key WHERE id = ?") {
+    m_database.Run("PRAGMA journal_mode = DELETE");
     for (std::size_t names = 0; names <= kJoined; ++names) {
         m_find.push_back(FindStatement(names));
         m_read.push_back(ReadStatement(names));
@@ -182,7 +184,11 @@ RegistryContents RegistryTree::List(RegistryKeyId key) {
 
 void RegistryTree::Write(RegistryKeyId key, const RegistryName& name, const RegistryValue& value) {
     Query query(m_database, m_write);
-    query.Bind(key).Bind(name.fold).Bind(name.name).Bind(std::int64_t{value.type}).BindBytes(value.data);
+    query.Bind(key)
+        .Bind(name.fold)
+        .Bind(name.name)
+        .Bind(std::int64_t{value.type})
+        .BindBytes(std::as_bytes(std::span(value.data)));
     query.Step();
 }
 

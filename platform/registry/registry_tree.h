@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "qellib10/platform/registry/database.h"
+#include "qellib10/platform/database/database.h"
 #include "qellib10/platform/registry/registry.h"
 #include "qellib10/platform/registry/registry_path.h"
 

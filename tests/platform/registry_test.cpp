@@ -14,9 +14,9 @@
 #include "../support/run_at_once.h"
 #include "../support/shared_state.h"
 #include "../support/test.h"
+#include "qellib10/platform/database/database.h"
+#include "qellib10/platform/database/database_error.h"
 #include "qellib10/platform/fork_safe_lock.h"
-#include "qellib10/platform/registry/database.h"
-#include "qellib10/platform/registry/registry_error.h"
 #include "qellib10/platform/storage/turn.h"
 
 namespace {
@@ -189,10 +189,10 @@ TEST_F(Registry, TransactionsAreAllOrNothing) {
 
 TEST_F(Registry, MemoryThatRunsOutWhileWaitingIsABusyDatabase) {
     const std::string path = m_registry.Folder().Posix("shared.db");
-    qel::Database first(path, true, [] { return false; });
-    qel::Database second(path, true, []() -> bool { throw std::bad_alloc(); });
+    qel::Database first(path, qel::DatabaseOpening::kCreating, [] { return false; });
+    qel::Database second(path, qel::DatabaseOpening::kCreating, []() -> bool { throw std::bad_alloc(); });
     first.Run("BEGIN IMMEDIATE");
-    EXPECT_THROW(second.Run("BEGIN IMMEDIATE"), qel::RegistryError);
+    EXPECT_THROW(second.Run("BEGIN IMMEDIATE"), qel::DatabaseError);
     first.Run("COMMIT");
     second.Run("BEGIN IMMEDIATE");
     EXPECT_FALSE(second.IsIdle());
