@@ -50,6 +50,21 @@ endfunction()
 qellib10_component(core)
 qellib10_component(graphics core)
 
+# Passwords are hashed by libsodium: without it there is no component store.
+option(QELLIB10_BUILD_STORE "Build qellib10-store where libsodium is there" ON)
+if(QELLIB10_BUILD_STORE)
+  find_path(SODIUM_INCLUDE_DIR sodium.h)
+  find_library(SODIUM_LIBRARY sodium)
+  if(SODIUM_INCLUDE_DIR AND SODIUM_LIBRARY)
+    add_library(qellib10_sodium INTERFACE IMPORTED GLOBAL)
+    target_include_directories(qellib10_sodium INTERFACE ${SODIUM_INCLUDE_DIR})
+    target_link_libraries(qellib10_sodium INTERFACE ${SODIUM_LIBRARY})
+    qellib10_component(store core)
+  else()
+    message(STATUS "libsodium is not there (Debian package libsodium-dev): qellib10-store and the demo are left out")
+  endif()
+endif()
+
 # The whole.
 add_library(qellib10 INTERFACE)
 add_library(QELLIB10::qellib10 ALIAS qellib10)

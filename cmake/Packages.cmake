@@ -63,6 +63,14 @@ qellib10_library_package(qellib10-core core libqellib10-core${major} libs "${sum
 qellib10_package(core-development libqellib10-core-dev libdevel "${summary} - core headers"
   "What applications with the core alone are built with: headers, CMake package\nand pkg-config file."
   "libqellib10-core${major} (= ${version})")
+if(TARGET qellib10-store)
+  qellib10_library_package(qellib10-store store libqellib10-store${major} libs "${summary} - store"
+    "Users with passwords in a database: hashes, a lock after wrong passwords,\nautomatic logon."
+    "libqellib10-core${major} (= ${version})")
+  qellib10_package(store-development libqellib10-store-dev libdevel "${summary} - store headers"
+    "What applications that keep users are built with, beside\nlibqellib10-core-dev."
+    "libqellib10-store${major} (= ${version}), libqellib10-core-dev (= ${version})")
+endif()
 qellib10_library_package(qellib10-graphics graphics libqellib10-graphics${major} libs "${summary} - graphics"
   "Drawing, printing, print jobs and measurement curves, for applications built\nwith it."
   "libqellib10-core${major} (= ${version})")

@@ -5,9 +5,9 @@
 #include "qellib10/user/user_info.h"
 
 /// What the library asks of a user store: who has an account, who may log on, and what the accounts hold. Passwords are
-/// the matter of the store alone; the library never compares or keeps one, so an application can use the accounts of
-/// its company without a change here. It derives a class and passes an object of it to CSystemSetting, which calls
-/// these operations and no others.
+/// the matter of the store alone; CSystemSetting never compares or keeps one, so an application can use the accounts of
+/// its company without a change here. It takes qel::UserStore or derives a class, and passes an object of it to
+/// CSystemSetting, which calls these operations and no others.
 ///
 /// @code
 /// CClassAgentConnectInterface& OurStore();  // of the application

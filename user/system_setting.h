@@ -6,7 +6,7 @@
 #include "qellib10/user/user_info.h"
 
 /// Who is logged on and what that user may do. An application asks here before each function that not everybody may
-/// use, and never sees how its user store checks a password.
+/// use, and never sees how its user store, such as qel::UserStore, checks a password.
 ///
 /// @code
 /// CClassAgentConnectInterface& OurStore();  // of the application

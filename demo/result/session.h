@@ -3,7 +3,7 @@
 #include <string>
 
 #include <qellib10/qellib10.h>
-#include <user_store.h>
+#include <qellib10/store.h>
 
 namespace titration {
 
@@ -24,7 +24,7 @@ public:
     bool May(Function function) const { return m_setting.GetLogonUserSecurityLevel(function) > 0; }
 
 private:
-    userstore::UserStore m_store;
+    qel::UserStore m_store;
     CSystemSetting m_setting{&m_store};
     bool m_isFirst = false;
 };

@@ -1,6 +1,6 @@
 #include "demo/verify/user_checks.h"
 
-#include <user_store.h>
+#include <qellib10/store.h>
 
 #include "demo/support/number.h"
 #include "demo/verify/checks.h"
@@ -9,11 +9,12 @@ namespace titration {
 
 // Each logon writes to the store; its sums are those at the end of the last run.
 std::string CheckUsers(const MadeFiles& made, const std::vector<CHistoryRenewInfo>& records) {
-    userstore::UserStoreSettings settings;
+    qel::UserStoreSettings settings;
     settings.isReadOnly = true;
-    userstore::UserStore store(made.Path("users.db").c_str(), settings);
+    qel::UserStore store(made.Path("users.db").c_str(), settings);
     store.Connect();
-    Require(store.IsConnected() != 0 && store.CheckIntegrity() != 0, store.LastError());
+    const bool isWhole = store.IsConnected() != 0 && store.CheckIntegrity() != 0;
+    Require(isWhole, qel::LastFailure().text);
     CUserInfo user;
     for (const CHistoryRenewInfo& record : records) {
         const CString& name = record.GetOperator();

@@ -59,6 +59,8 @@ int FlagsOf(DatabaseOpening opening) {
 
 }  // namespace
 
+DatabaseError::~DatabaseError() = default;
+
 void Statement::Finalizer::operator()(sqlite3_stmt* statement) const { ::sqlite3_finalize(statement); }
 void Database::Closer::operator()(sqlite3* database) const { ::sqlite3_close(database); }
 

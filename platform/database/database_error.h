@@ -22,6 +22,7 @@ enum class DatabaseFault {
 class QELLIB10_INTERNAL_API DatabaseError : public std::runtime_error {
 public:
     DatabaseError(DatabaseFault fault, const std::string& text) : std::runtime_error(text), m_fault(fault) {}
+    ~DatabaseError() override;
     DatabaseFault Fault() const noexcept { return m_fault; }
 
 private:

@@ -26,6 +26,7 @@ const std::vector<Row> kStandsOn = {
     {"platform/sync", {"platform/storage"}},
     {"platform/archive", {"platform/storage"}},
     {"platform/database", {"platform"}},
+    {"platform/crypto", {"platform"}},
     {"platform/registry", {"platform/database", "platform/shell"}},
     {"platform/drawing", {"platform/archive", "platform/shell"}},
     {"platform/printing", {"platform/drawing"}},
@@ -36,6 +37,7 @@ const std::vector<Row> kStandsOn = {
     {"file", {"base", "platform/ini", "platform/registry", "platform/restart"}},
     {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},
+    {"store", {"user", "platform/crypto"}},
     {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
     {"gtk", {"platform/printing"}},
@@ -53,7 +55,7 @@ const std::vector<Row> kStandsOn = {
 // whole.
 constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
     {"calc", "qellib10/decnumber/"}, {"gtk", "gtk/"},      {"demo", "qellib10/qellib10.h"},
-    {"demo", "user_store.h"},        {"demo", "unistd.h"},
+    {"demo", "qellib10/store.h"},    {"demo", "unistd.h"},
 };
 
 const Row* Find(const std::string& node) {

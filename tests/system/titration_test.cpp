@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <qellib10/qellib10.h>
+#include <qellib10/store.h>
 
 #include "../support/cases.h"
 #include "../support/code_page_scope.h"
@@ -20,7 +21,6 @@
 #include "../support/print_system.h"
 #include "../support/temp_folder.h"
 #include "../support/words.h"
-#include "user_store.h"
 
 namespace {
 
@@ -165,7 +165,7 @@ TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
     // As if the program had been killed while it wrote the second record.
     std::filesystem::resize_file(Path("results/first/renewals.qel"),
                                  std::filesystem::file_size(Path("results/first/renewals.qel")) - 1);
-    userstore::UserStore store(m_folder.Path("results/first/users.db"));
+    qel::UserStore store(m_folder.Path("results/first/users.db"));
     store.Connect();
     CUserInfo helper;
     helper.SetUsername("helper");

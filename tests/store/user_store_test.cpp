@@ -1,4 +1,4 @@
-#include "user_store.h"
+#include "qellib10/store/user_store.h"
 
 #include <grp.h>
 #include <unistd.h>
@@ -6,18 +6,22 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
+#include <functional>
 #include <thread>
 
 #include "../support/child_process.h"
 #include "../support/line.h"
 #include "../support/temp_folder.h"
 #include "../support/test.h"
-#include "logon_turn.h"
+#include "qellib10/platform/database/database.h"
+#include "qellib10/platform/failure.h"
+#include "qellib10/store/logon_turn.h"
+#include "qellib10/user/system_setting.h"
 
 namespace {
 
-using userstore::LogonRequest;
-using userstore::UserStore;
+using qel::LogonRequest;
+using qel::UserStore;
 
 // A store whose clock stands still and whose hashes cost next to nothing.
 class UserStoreTest : public testing::Test {
@@ -31,14 +35,16 @@ protected:
         store->Connect();
         return store;
     }
-    void Damage(const char* sql) { userstore::Database(m_folder.Posix("users.db")).Run(sql); }
+    void Damage(const char* sql) {
+        qel::Database(m_folder.Posix("users.db"), qel::DatabaseOpening::kExisting).Run(sql);
+    }
     unsigned ModeOf(const char* name) {
         return static_cast<unsigned>(std::filesystem::status(m_folder.Posix(name)).permissions());
     }
 
     TempFolder m_folder;
     std::chrono::sys_seconds m_now{std::chrono::hours(400'000)};
-    userstore::UserStoreSettings m_settings;
+    qel::UserStoreSettings m_settings;
 };
 
 CUserInfo Record(const char* name, const char* password, int manager = 0) {
@@ -191,7 +197,7 @@ TEST_F(UserStoreTest, AKilledLogonOfOneAccountKeepsNoOtherAccountOut) {
     for (const uid_t user : {uid_t{0}, kOne}) {
         ChildProcess logon([&] {
             return as(user, [&] {
-                const userstore::LogonTurn turn(m_folder.Posix("link.db"), "admin");
+                const qel::LogonTurn turn(m_folder.Posix("link.db"), "admin");
                 m_folder.Write("ready", "");
                 return ::pause();
             });
@@ -275,6 +281,24 @@ TEST_F(UserStoreTest, AsksThePrompt) {
     EXPECT_EQ(asked, 7);
 }
 
+TEST_F(UserStoreTest, TellsWhyAnOperationFailed) {
+    auto store = Open();
+    store->CreateFirstAdministrator("admin", "first");
+    using Kind = qel::FailureKind;
+    for (const auto& [operation, kind] : Cases<std::function<int()>, Kind>{
+             {[&] { return store->DeleteUser("nobody"); }, Kind::kMissing},
+             {[&] { return store->DeleteUser("admin"); }, Kind::kState},
+             {[&] { return store->AddUser(Record("ADMIN", "pw")); }, Kind::kArgument},
+             {[&] { return store->Logon("admin", "wrong"); }, Kind::kRefused},
+             {[&] { return store->Logon("nobody", "wrong"); }, Kind::kRefused},
+             {[&] { return store->LogonWithDialog(); }, Kind::kState},
+             {[&] { return store->Logon("admin", "first"); }, Kind::kNone},
+         }) {
+        EXPECT_EQ(operation() == 0, kind != Kind::kNone);
+        EXPECT_EQ(static_cast<int>(qel::LastFailure().kind), static_cast<int>(kind)) << qel::LastFailure().text;
+    }
+}
+
 TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
     Open()->CreateFirstAdministrator("admin", "first");
     const std::string before = m_folder.Read("users.db");
@@ -285,7 +309,7 @@ TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
     EXPECT_EQ(m_folder.Read("users.db"), before);
     Damage("PRAGMA foreign_keys = OFF; INSERT INTO functions VALUES(9, 0, 5, 'Print', 3)");
     EXPECT_EQ(store->CheckIntegrity(), 0);
-    EXPECT_EQ(store->LastError(), "something is kept of a user who is gone");
+    EXPECT_EQ(qel::LastFailure().text, "something is kept of a user who is gone");
     store.reset();
     std::filesystem::remove(m_folder.Posix("users.db"));
     EXPECT_EQ(Line({Open()->IsConnected(), m_folder.Has("users.db")}), "0 0");
@@ -297,7 +321,7 @@ TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
     EXPECT_EQ(Open()->Logon("bob", "pw"), 0) << "would take years";
     Damage("PRAGMA user_version = 2");
     const auto later = Open();
-    EXPECT_EQ(later->LastError(), "the file is no user store of this version");
+    EXPECT_EQ(qel::LastFailure().text, "the file is no user store of this version");
     EXPECT_EQ(Line({later->IsConnected(), later->AddUser(Record("ann", "pw")), later->Logon("bob", "pw")}), "0 0 0");
     EXPECT_EQ(later->GetUserCount(), -1);
     m_folder.Write("users.db", std::string(5000, 'x'));

@@ -1,11 +1,12 @@
-#include "accounts.h"
+#include "qellib10/store/accounts.h"
 
 #include <algorithm>
-#include <string>
 
-#include "store_error.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/text/multibyte.h"
+#include "qellib10/store/store_error.h"
 
-namespace userstore {
+namespace qel {
 namespace {
 
 constexpr std::size_t kLongestName = 64;           // bytes
@@ -29,19 +30,19 @@ constexpr const char* kTables =
     "INSERT INTO automatic_logon VALUES(1, 0, NULL, NULL);"
     "PRAGMA user_version = 1;";
 
-std::int64_t Ask(Database& database, std::string_view sql) {
+std::int64_t Ask(Database& database, const char* sql) {
     Query query(database, sql);
     return query.Step() ? query.Number(0) : 0;
 }
 
-std::string Utf8(const CString& text) { return qel::ToUtf8(text.View()); }
-CString Text(std::string_view utf8) { return CString(std::string_view(qel::FromUtf8(utf8))); }
+std::string Utf8(const CString& text) { return ToUtf8(text.View()); }
+CString Text(std::string_view utf8) { return CString(std::string_view(FromUtf8(utf8))); }
 int Int(std::int64_t number) { return static_cast<int>(number); }
 
 void RequireName(std::string_view name) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };
     if (name.empty() || name.size() > kLongestName || std::ranges::any_of(name, isControl)) {
-        throw StoreError("this cannot be a user's name");
+        throw StoreError(FailureKind::kArgument, "this cannot be a user's name");
     }
 }
 
@@ -83,18 +84,19 @@ void PrepareTables(Database& database) {
 void RequireTables(Database& database) {
     const bool isOurs = Ask(database, "PRAGMA application_id") == kApplication;
     if (!isOurs || Ask(database, "PRAGMA user_version") != kVersion)
-        throw StoreError("the file is no user store of this version");
+        throw StoreError(FailureKind::kData, "the file is no user store of this version");
 }
 
 void RequireSound(Database& database) {
     Query check(database, "PRAGMA integrity_check(1)");
     check.Step();
     const std::string_view found = check.Text(0);  // of several lines, the last one is the finding
-    if (found != "ok") throw StoreError(std::string(found.substr(found.rfind('\n') + 1)));
-    if (Query(database, "PRAGMA foreign_key_check").Step()) throw StoreError("something is kept of a user who is gone");
+    if (found != "ok") throw StoreError(FailureKind::kData, std::string(found.substr(found.rfind('\n') + 1)));
+    if (Query(database, "PRAGMA foreign_key_check").Step())
+        throw StoreError(FailureKind::kData, "something is kept of a user who is gone");
 }
 
-std::string FoldedName(const CString& name) { return qel::ToUtf8(qel::FoldName(name.View())); }
+std::string FoldedName(const CString& name) { return ToUtf8(FoldName(name.View())); }
 
 UserId FindUser(Database& database, const CString& name) {
     const std::string folded = FoldedName(name);
@@ -124,7 +126,7 @@ std::optional<CUserInfo> ReadUser(Database& database, UserId user) {
     return record;
 }
 
-UserId AddUser(Database& database, const CUserInfo& record) {
+UserId AddAccount(Database& database, const CUserInfo& record) {
     RequireName(record.GetUsername().View());
     const std::string name = Utf8(record.GetUsername()), folded = FoldedName(record.GetUsername());
     Query insert(
@@ -133,11 +135,11 @@ UserId AddUser(Database& database, const CUserInfo& record) {
     record.GetUserID() != 0 ? insert.Bind(record.GetUserID()) : insert.BindNull();
     insert.Bind(name).Bind(folded).Run();
     const UserId user = database.LastId();
-    UpdateUser(database, user, record);
+    UpdateAccount(database, user, record);
     return user;
 }
 
-void UpdateUser(Database& database, UserId user, const CUserInfo& record) {
+void UpdateAccount(Database& database, UserId user, const CUserInfo& record) {
     const std::string fullName = Utf8(record.GetUserFullname());
     Query update(database, "UPDATE users SET full_name = ?, maker = ?, manager = ?, show = ? WHERE id = ?");
     update.Bind(fullName).Bind(record.GetMakerFlag()).Bind(record.GetManagerFlag());
@@ -145,7 +147,9 @@ void UpdateUser(Database& database, UserId user, const CUserInfo& record) {
     StoreFunctions(database, user, record);
 }
 
-void DeleteUser(Database& database, UserId user) { Query(database, "DELETE FROM users WHERE id = ?").Bind(user).Run(); }
+void DeleteAccount(Database& database, UserId user) {
+    Query(database, "DELETE FROM users WHERE id = ?").Bind(user).Run();
+}
 
 std::optional<PasswordHash> ReadPassword(Database& database, UserId user) {
     Query query(database, "SELECT salt, hash, passes, memory FROM users WHERE id = ?");
@@ -157,7 +161,7 @@ std::optional<PasswordHash> ReadPassword(Database& database, UserId user) {
 
 void StorePassword(Database& database, UserId user, const PasswordHash& hash) {
     Query update(database, "UPDATE users SET salt = ?, hash = ?, passes = ?, memory = ? WHERE id = ?");
-    update.Bind(hash.salt).Bind(hash.hash).Bind(static_cast<std::int64_t>(hash.cost.passes));
+    update.BindBytes(hash.salt).BindBytes(hash.hash).Bind(static_cast<std::int64_t>(hash.cost.passes));
     update.Bind(static_cast<std::int64_t>(hash.cost.memory)).Bind(user).Run();
 }
 
@@ -183,8 +187,8 @@ void StoreAutomaticUser(Database& database, UserId user, const TokenDigest& toke
     if (user == kNobody) {
         update.BindNull().BindNull().Run();
     } else {
-        update.Bind(user).Bind(token).Run();
+        update.Bind(user).BindBytes(token).Run();
     }
 }
 
-}  // namespace userstore
+}  // namespace qel

@@ -1,8 +1,8 @@
-#include "attempts.h"
+#include "qellib10/store/attempts.h"
 
-namespace userstore {
+namespace qel {
 
-bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LockRule& rule) {
+bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule) {
     using Time = std::chrono::sys_seconds;
     Transaction transaction(database);
     std::int64_t refused = 0;
@@ -28,4 +28,4 @@ void ForgetAttempts(Database& database, UserId user) {
     Query(database, "DELETE FROM attempts WHERE user = ?").Bind(user).Run();
 }
 
-}  // namespace userstore
+}  // namespace qel

@@ -2,23 +2,19 @@
 
 #include <chrono>
 
-#include "accounts.h"
+#include "qellib10/store/accounts.h"
+#include "qellib10/store/user_store_settings.h"
 
 // Counts refused logons and locks a user after too many.
-namespace userstore {
-
-struct LockRule {
-    int mostRefused = 5;  // refusals one after the other that lock; each further one locks again
-    std::chrono::seconds length = std::chrono::minutes(5);
-};
+namespace qel {
 
 /// Counts an attempt as refused, before its password is checked: so a guess counts also when its program is killed or
 /// the disk is full. The right password takes it back (ForgetAttempts) within the turn of the logon, before another one
 /// is checked. @p user may be kNobody, which costs the same.
 /// @return whether the user was locked already, so that even the right password does not count
-bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LockRule& rule);
+bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule);
 
 /// After a success, or when an administrator sets a new password.
 void ForgetAttempts(Database& database, UserId user);
 
-}  // namespace userstore
+}  // namespace qel

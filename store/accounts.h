@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include <qellib10/qellib10.h>
+#include "qellib10/platform/crypto/password_hash.h"
+#include "qellib10/platform/crypto/token.h"
+#include "qellib10/platform/database/database.h"
+#include "qellib10/user/user_info.h"
 
-#include "database.h"
-#include "secrets.h"
-
-// The tables of the store. Texts are kept in UTF-8; names that differ in case only are one name. What fails throws
-// StoreError; several changes belong into a Transaction of the caller's.
-namespace userstore {
+// The tables of the store (docs/formats.md). Texts are kept in UTF-8; names that differ in case only are one name. What
+// fails throws StoreError or DatabaseError; several changes belong in a Transaction of the caller's.
+namespace qel {
 
 using UserId = std::int64_t;
 inline constexpr UserId kNobody = 0;  // no account has it
@@ -29,17 +29,17 @@ void RequireSound(Database& database);
 std::string FoldedName(const CString& name);
 /// kNobody for an unknown name.
 UserId FindUser(Database& database, const CString& name);
-/// The names of all users, in their order without regard to case.
+/// The names of all users, in order without regard to case.
 std::vector<CString> UserNames(Database& database);
 
 /// The account without its password; nothing when there is no such user.
 std::optional<CUserInfo> ReadUser(Database& database, UserId user);
 /// Adds an account without a password, under the record's user ID or, when that is 0, a new one.
 /// @throws StoreError when name or ID are taken, or for a name that is empty, has more than 64 bytes or control codes
-UserId AddUser(Database& database, const CUserInfo& record);
+UserId AddAccount(Database& database, const CUserInfo& record);
 /// Replaces what the record holds but for name, ID and password.
-void UpdateUser(Database& database, UserId user, const CUserInfo& record);
-void DeleteUser(Database& database, UserId user);
+void UpdateAccount(Database& database, UserId user, const CUserInfo& record);
+void DeleteAccount(Database& database, UserId user);
 
 /// Nothing when the user has no password yet.
 std::optional<PasswordHash> ReadPassword(Database& database, UserId user);
@@ -59,4 +59,4 @@ void SwitchAutomaticLogon(Database& database, int isOn);
 /// kNobody: none, whatever the token.
 void StoreAutomaticUser(Database& database, UserId user, const TokenDigest& token);
 
-}  // namespace userstore
+}  // namespace qel

@@ -1,0 +1,132 @@
+// The operations of UserStore about logging on.
+#include <optional>
+#include <utility>
+
+#include "qellib10/platform/crypto/secret_text.h"
+#include "qellib10/platform/crypto/token.h"
+#include "qellib10/platform/storage/private_file.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/store/attempts.h"
+#include "qellib10/store/logon_turn.h"
+#include "qellib10/store/user_store_state.h"
+
+namespace qel {
+namespace {
+
+constexpr int kMostAsked = 3;
+constexpr std::size_t kLongestToken = 256;  // bytes of its file
+
+bool IsToken(Database& database, UserId user, std::string_view password) {
+    const AutomaticLogon automatic = ReadAutomaticLogon(database);
+    return IsSame(DigestOf(password), automatic.token) && automatic.user == user && user != kNobody;
+}
+
+void HashAgain(Database& database, UserId user, const PasswordHash& old, std::string_view password,
+               const PasswordCost& cost) {
+    const PasswordHash hash = HashPassword(password, cost);
+    Transaction transaction(database);
+    const std::optional<PasswordHash> kept = ReadPassword(database, user);
+    if (!kept || kept->salt != old.salt) return;  // another program has set another password meanwhile
+    StorePassword(database, user, hash);
+    transaction.Commit();
+}
+
+}  // namespace
+
+void UserStore::SetLogonPrompt(LogonPrompt prompt) { m_state->prompt = std::move(prompt); }
+
+int UserStore::LogonWithDialog() {
+    Operation running("qel::UserStore::LogonWithDialog");
+    const LogonPrompt& prompt = m_state->prompt;
+    if (!prompt || !m_state->database)
+        return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
+    for (LogonRequest request; request.refused < kMostAsked && prompt(request); ++request.refused) {
+        if (Logon(request.username, request.password) != 0) return running.Ended(1);
+        request.password.Empty();
+    }
+    return running.Ended(0);
+}
+
+// Every name and password goes the same way, so that time tells nothing about who has an account or is locked.
+int UserStore::Logon(const CString& username, const CString& password) {
+    return m_state->ResultOf("qel::UserStore::Logon", [&] {
+        Database& database = m_state->Opened();
+        const UserStoreSettings& settings = m_state->settings;
+        if (settings.isReadOnly) throw StoreError(FailureKind::kState, "the user store is read only");
+        if (!CanBePassword(password)) return 0;
+        const SecretText text(ToUtf8(password.View()));
+        const LogonTurn turn(m_state->StorePath(), FoldedName(username));
+        const UserId user = FindUser(database, username);
+        const bool isLocked = CountAttempt(database, user, settings.clock(), settings.lock);
+        const std::optional<PasswordHash> kept = ReadPassword(database, user);
+        const PasswordHash decoy{.cost = settings.cost};
+        const bool isToken = IsToken(database, user, text.View());
+        const bool isPassword = !isToken && IsPassword(text.View(), kept ? *kept : decoy) && kept;
+        if ((!isToken && !isPassword) || isLocked) return 0;
+        if (isPassword && kept->cost != settings.cost) HashAgain(database, user, *kept, text.View(), settings.cost);
+        ForgetAttempts(database, user);
+        m_state->logonUser = user;
+        return 1;
+    });
+}
+
+void UserStore::GetLogonUser(CUserInfo* out) {
+    if (out == nullptr) return;
+    *out = m_state->ResultOf("qel::UserStore::GetLogonUser",
+                             [&] { return ReadUser(m_state->Opened(), m_state->logonUser).value_or(CUserInfo()); });
+}
+
+CString UserStore::GetLogonUsername() {
+    CUserInfo user;
+    GetLogonUser(&user);
+    return user.GetUsername();
+}
+
+int UserStore::IsAutoLogon() {
+    const std::optional<int> isOn = m_state->ResultOf("qel::UserStore::IsAutoLogon", [&] {
+        return std::optional(ReadAutomaticLogon(m_state->Opened()).isOn);  // off is no failure
+    });
+    return isOn.value_or(0);
+}
+
+int UserStore::SetAutoLogon(int autoLogon) {
+    return m_state->ResultOf("qel::UserStore::SetAutoLogon", [&] {
+        SwitchAutomaticLogon(m_state->Opened(), autoLogon);
+        return 1;
+    });
+}
+
+CString UserStore::GetAutoLogonUserName() {
+    return m_state->ResultOf("qel::UserStore::GetAutoLogonUserName", [&] {
+        Database& database = m_state->Opened();
+        const auto user = ReadUser(database, ReadAutomaticLogon(database).user);
+        return user ? user->GetUsername() : CString();
+    });
+}
+
+CString UserStore::GetAutoLogonPassword() {
+    return m_state->ResultOf("qel::UserStore::GetAutoLogonPassword", [&] {
+        const AutomaticLogon automatic = ReadAutomaticLogon(m_state->Opened());
+        const SecretText token(ReadPrivateFile(m_state->TokenPath(), kLongestToken));
+        if (automatic.user == kNobody || !IsSame(DigestOf(token.View()), automatic.token))
+            throw StoreError(FailureKind::kMissing, "the file does not hold the valid token");
+        return CString(token.View());
+    });
+}
+
+int UserStore::SetAutoLogonUser(const CString& username) {
+    return m_state->ChangeAccounts("qel::UserStore::SetAutoLogonUser", [&] {
+        Database& database = *m_state->database;
+        if (username.IsEmpty()) {
+            StoreAutomaticUser(database, kNobody, {});
+            RemovePrivateFile(m_state->TokenPath());
+            return;
+        }
+        // When the file is written but the change fails, the old token is lost: the logon asks then.
+        const SecretText token(NewToken());
+        StoreAutomaticUser(database, m_state->Existing(username), DigestOf(token.View()));
+        WritePrivateFile(m_state->TokenPath(), token.View());
+    });
+}
+
+}  // namespace qel

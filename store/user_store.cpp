@@ -1,0 +1,94 @@
+// The operations of UserStore but those about logging on, which are in user_logon.cpp.
+#include "qellib10/store/user_store.h"
+
+#include "qellib10/platform/storage/private_file.h"
+#include "qellib10/store/attempts.h"
+#include "qellib10/store/user_store_state.h"
+
+namespace qel {
+
+UserStore::UserStore(const CString& path, UserStoreSettings settings)
+    : m_state(std::make_unique<UserStoreState>(path, std::move(settings))) {}
+UserStore::~UserStore() = default;
+
+void UserStore::Connect() {
+    if (m_state->database) return;
+    m_state->ResultOf("qel::UserStore::Connect", [&] {
+        m_state->Connect();
+        return 1;
+    });
+}
+
+int UserStore::IsConnected() { return m_state->database ? 1 : 0; }
+
+int UserStore::CheckIntegrity() {
+    return m_state->ResultOf("qel::UserStore::CheckIntegrity", [&] {
+        RequireSound(m_state->Opened());
+        return 1;
+    });
+}
+
+int UserStore::CreateFirstAdministrator(const CString& username, const CString& password) {
+    return m_state->ChangeAccounts("qel::UserStore::CreateFirstAdministrator", [&] {
+        Database& database = *m_state->database;
+        if (HasAdministrator(database)) throw StoreError(FailureKind::kState, "there is an administrator already");
+        CUserInfo record;
+        record.SetUsername(username);
+        record.SetManagerFlag(1);
+        m_state->SetPassword(AddAccount(database, record), password);
+    });
+}
+
+int UserStore::GetUserInfo(const CString& username, CUserInfo* out) {
+    if (out == nullptr) return RefuseNull("qel::UserStore::GetUserInfo");
+    return m_state->ResultOf("qel::UserStore::GetUserInfo", [&] {
+        const auto found = ReadUser(m_state->Opened(), m_state->Existing(username));
+        if (!found) return 0;
+        *out = *found;
+        return 1;
+    });
+}
+
+int UserStore::ReloadUserList() {
+    return m_state->ResultOf("qel::UserStore::ReloadUserList", [&] {
+        m_state->names = UserNames(m_state->Opened());
+        return 1;
+    });
+}
+
+int UserStore::GetUserCount() { return m_state->database ? static_cast<int>(m_state->names.size()) : -1; }
+
+CString UserStore::GetUserName(int index) {
+    return index >= 0 && index < GetUserCount() ? m_state->names[static_cast<std::size_t>(index)] : CString();
+}
+
+int UserStore::SaveFunctionSecurity(const CUserInfo& user) {
+    return m_state->ChangeAccounts("qel::UserStore::SaveFunctionSecurity", [&] {
+        const UserId existing = m_state->Existing(user.GetUsername());
+        UpdateAccount(*m_state->database, existing, user);
+        if (!user.GetPassword().IsEmpty()) m_state->SetPassword(existing, user.GetPassword());
+    });
+}
+
+int UserStore::AddUser(const CUserInfo& user) {
+    return m_state->ChangeAccounts("qel::UserStore::AddUser", [&] {
+        const UserId added = AddAccount(*m_state->database, user);
+        if (!user.GetPassword().IsEmpty()) m_state->SetPassword(added, user.GetPassword());
+    });
+}
+
+int UserStore::DeleteUser(const CString& username) {
+    Database* const database = m_state->database.get();
+    bool isAutomatic = false;
+    const auto change = [&] {
+        const UserId user = m_state->Existing(username);
+        isAutomatic = ReadAutomaticLogon(*database).user == user;
+        DeleteAccount(*database, user);
+        ForgetAttempts(*database, user);
+    };
+    return m_state->ChangeAccounts("qel::UserStore::DeleteUser", change, [&] {
+        if (isAutomatic) RemovePrivateFile(m_state->TokenPath());
+    });
+}
+
+}  // namespace qel

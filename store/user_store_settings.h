@@ -1,0 +1,37 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "qellib10/platform/crypto/password_cost.h"
+#include "qellib10/platform/text/string.h"
+
+namespace qel {
+
+/// What a logon dialog fills in.
+struct LogonRequest {
+    CString username;  ///< as entered before, when the dialog is shown again
+    CString password;
+    int refused = 0;  ///< how many times it was refused since the dialog was first shown
+};
+
+/// Asks the person at the screen. @return false when cancelled
+using LogonPrompt = std::function<bool(LogonRequest&)>;
+
+/// When wrong passwords lock a user.
+struct LogonLock {
+    int mostRefused = 5;  ///< wrong passwords one after the other that lock; each further one locks again
+    std::chrono::seconds length = std::chrono::minutes(5);
+};
+
+/// What an installation may want to be different in a UserStore.
+struct UserStoreSettings {
+    PasswordCost cost;  ///< passwords kept at another cost are hashed again at the next logon
+    LogonLock lock;
+    bool isReadOnly = false;  ///< accounts are only read: a logon is refused, since it would count an attempt
+    std::function<std::chrono::sys_seconds()> clock = [] {
+        return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+    };
+};
+
+}  // namespace qel

@@ -1,0 +1,72 @@
+#include "qellib10/store/user_store_state.h"
+
+#include "qellib10/platform/crypto/secret_text.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/private_file.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/store/attempts.h"
+
+namespace qel {
+namespace {
+
+constexpr int kLongestPassword = 1024;  // bytes
+
+// Deleted accounts and passwords are overwritten.
+std::unique_ptr<Database> OpenDatabase(const std::string& posixPath, bool isReadOnly) {
+    // Made here for its mode, which the journal takes over. An existing file is not opened: closing it again would drop
+    // the locks of another connection in this process.
+    if (!isReadOnly) MakePrivateFile(posixPath);
+    auto database =
+        std::make_unique<Database>(posixPath, isReadOnly ? DatabaseOpening::kReading : DatabaseOpening::kExisting);
+    database->Run("PRAGMA secure_delete = ON");
+    return database;
+}
+
+FailureKind KindOf(DatabaseFault fault) {
+    switch (fault) {
+        case DatabaseFault::kForeignKey:
+        case DatabaseFault::kDamaged:
+            return FailureKind::kData;
+        case DatabaseFault::kValue:
+            return FailureKind::kArgument;  // a name or an ID that another user has
+        default:
+            return FailureKind::kFile;
+    }
+}
+
+}  // namespace
+
+void FailedBy(Operation& operation, const DatabaseError& failure, const CString& path) noexcept {
+    operation.Failed(KindOf(failure.Fault()), path.View(), failure.what());
+}
+
+bool CanBePassword(const CString& text) { return !text.IsEmpty() && text.GetLength() <= kLongestPassword; }
+
+void UserStoreState::Connect() {
+    auto opened = OpenDatabase(StorePath(), settings.isReadOnly);
+    settings.isReadOnly ? RequireTables(*opened) : PrepareTables(*opened);
+    names = UserNames(*opened);
+    database = std::move(opened);
+}
+
+Database& UserStoreState::Opened() const {
+    if (!database) throw StoreError(FailureKind::kState, "the user store is not connected");
+    return *database;
+}
+
+UserId UserStoreState::Existing(const CString& username) const {
+    const UserId user = FindUser(Opened(), username);
+    if (user == kNobody) throw StoreError(FailureKind::kMissing, "there is no such user");
+    return user;
+}
+
+void UserStoreState::SetPassword(UserId user, const CString& password) {
+    if (!CanBePassword(password)) throw StoreError(FailureKind::kArgument, "this cannot be a password");
+    const SecretText text(ToUtf8(password.View()));
+    StorePassword(*database, user, HashPassword(text.View(), settings.cost));
+    ForgetAttempts(*database, user);
+}
+
+std::string UserStoreState::StorePath() const { return ToPosixPath(path.View()); }
+
+}  // namespace qel

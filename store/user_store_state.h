@@ -1,0 +1,99 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "qellib10/platform/crypto/crypto_library.h"
+#include "qellib10/platform/database/database.h"
+#include "qellib10/platform/database/database_error.h"
+#include "qellib10/platform/operation.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/file_failure.h"
+#include "qellib10/store/accounts.h"
+#include "qellib10/store/store_error.h"
+#include "qellib10/store/user_store.h"
+
+namespace qel {
+
+/// What a UserStore has, and the steps that its operations share. A step that fails throws what ResultOf catches.
+struct UserStoreState {
+    UserStoreState(const CString& storePath, UserStoreSettings given) : path(storePath), settings(std::move(given)) {}
+
+    /// What @p body returns; when a step fails a value-initialized one, and LastFailure has the cause.
+    /// @param name of the public operation
+    template <class Body> auto ResultOf(const char* name, Body body) -> decltype(body());
+    /// All of @p change takes place or nothing. A store that has an administrator keeps one. @p last is what cannot be
+    /// taken back, and done when nothing else is left to fail but the commit.
+    template <class Change> int ChangeAccounts(
+        const char* name, Change change, const std::function<void()>& last = [] {});
+
+    void Connect();
+    /// @throws StoreError before Connect
+    Database& Opened() const;
+    /// @throws StoreError when there is no such user
+    UserId Existing(const CString& username) const;
+    void SetPassword(UserId user, const CString& password);
+
+    std::string StorePath() const;  // POSIX, as the next
+    std::string TokenPath() const { return StorePath() + ".token"; }
+
+    CString path;
+    UserStoreSettings settings;
+    LogonPrompt prompt;
+    std::unique_ptr<Database> database;  // null until connected
+    std::vector<CString> names;
+    UserId logonUser = kNobody;
+};
+
+/// Whether it has the length of a password.
+bool CanBePassword(const CString& text);
+
+/// Records that SQLite refused something of the store at @p path.
+void FailedBy(Operation& operation, const DatabaseError& failure, const CString& path) noexcept;
+
+// The one place where a failure becomes a result. Of a text and a record no value is a failure.
+template <class Body> auto UserStoreState::ResultOf(const char* name, Body body) -> decltype(body()) {
+    Operation running(name);
+    try {
+        auto result = body();
+        if constexpr (std::is_same_v<decltype(result), int>) {
+            running.Ended(result);
+        } else {
+            running.Ended(true);
+        }
+        return result;
+    } catch (const StoreError& failure) {
+        running.Failed(failure.Kind(), path.View(), failure.what());
+    } catch (const DatabaseError& failure) {
+        FailedBy(running, failure, path);
+    } catch (const CryptoError& failure) {
+        running.Failed(FailureKind::kData, path.View(), failure.what());
+    } catch (const CFileException& failure) {
+        FailedBy(running, failure);
+    } catch (const std::bad_alloc&) {
+        FailedByMemory(running);
+    }
+    return {};
+}
+
+template <class Change>
+int UserStoreState::ChangeAccounts(const char* name, Change change, const std::function<void()>& last) {
+    return ResultOf(name, [&] {
+        Transaction transaction(Opened());
+        const bool hadAdministrator = HasAdministrator(*database);
+        change();
+        if (hadAdministrator && !HasAdministrator(*database))
+            throw StoreError(FailureKind::kState, "nobody would be left to administrate");
+        last();
+        transaction.Commit();
+        names = UserNames(*database);
+        return 1;
+    });
+}
+
+}  // namespace qel
