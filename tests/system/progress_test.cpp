@@ -20,10 +20,15 @@ std::string Shown(bool isTerminal, milliseconds after, milliseconds takes) {
         const titration::Progress progress("Working in out", isTerminal ? run : other, after);
         std::this_thread::sleep_for(takes);
     }
+    // With the last writer closed, all that was written can be read, in as many parts as the terminal makes of it.
+    ::close(run);
+    std::string shown;
     char text[256];
-    const ssize_t count = ::read(terminal, text, sizeof text);
-    for (const int descriptor : {other, run, terminal}) ::close(descriptor);
-    return {text, count > 0 ? static_cast<std::size_t>(count) : 0};
+    for (ssize_t count = 0; (count = ::read(terminal, text, sizeof text)) > 0;)
+        shown.append(text, static_cast<std::size_t>(count));
+    ::close(other);
+    ::close(terminal);
+    return shown;
 }
 
 }  // namespace
