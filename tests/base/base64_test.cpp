@@ -66,10 +66,13 @@ TEST(Base64, AllFormsAgree) {
         Bytes plain(bytes.size()), quick = plain;
         qel::EncodeBase64Plain(bytes, text.data());
         qel::DecodeBase64Plain(junk, plain.data());
-        EXPECT_TRUE(DecodedByBits(text) == bytes && plain == bytes);
+        EXPECT_EQ(DecodedByBits(text), bytes);
+        EXPECT_EQ(plain, bytes);
         if (qel::HasAvx2() && n >= 32) {
-            EXPECT_TRUE(qel::EncodeBase64Avx2(bytes, quickText.data()) == bytes.size() && quickText == text);
-            EXPECT_TRUE(qel::DecodeBase64Avx2(junk, quick.data()) == text.size() && quick == bytes);
+            EXPECT_EQ(qel::EncodeBase64Avx2(bytes, quickText.data()), bytes.size());
+            EXPECT_EQ(quickText, text);
+            EXPECT_EQ(qel::DecodeBase64Avx2(junk, quick.data()), text.size());
+            EXPECT_EQ(quick, bytes);
         }
         int size = static_cast<int>(n);  // in place
         EXPECT_EQ(CBase64::GetBase64ToBin(junk.data(), size, reinterpret_cast<unsigned char*>(junk.data()), size), 1);

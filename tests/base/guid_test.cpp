@@ -14,7 +14,9 @@ TEST(Guid, BothFormsWriteTheSameText) {
 
 TEST(Guid, NewOnesDifferAndSayTheirVersion) {
     CGuid first = CGuid::CreateNewGuid();
-    EXPECT_TRUE(first != CGuid::CreateNewGuid() && first != CGuid() && !first.IsNull());
+    EXPECT_FALSE(first.IsNull());
+    EXPECT_NE(first, CGuid::CreateNewGuid());
+    EXPECT_NE(first, CGuid());
     EXPECT_EQ(first.GetString().GetAt(15), '4');
     EXPECT_EQ(static_cast<GUID*>(first)->Data4[0] >> 6, 2);
 }

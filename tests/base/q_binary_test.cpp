@@ -37,7 +37,7 @@ TEST(QBinary, CapacityTakesSteps) {
              {2049, 3072},
              {6144, 7168},
          }) {
-        EXPECT_TRUE(buffer.Resize(size) == 1 && buffer.GetCapacity() == capacity) << size;
+        EXPECT_EQ(Line({buffer.Resize(size), buffer.GetCapacity()}), Line({1, capacity})) << size;
         EXPECT_EQ(Contents(buffer), "\7"s.append(static_cast<std::size_t>(size - 1), '\0'));
     }
     buffer.Initialize();
@@ -88,10 +88,13 @@ TEST(QBinary, ReadsAndComparesWithinItsSize) {
     char target[8] = {};
     for (const int pos : {7, 9, INT_MAX}) EXPECT_EQ(buffer.GetBinary(pos, target, 1), 7 - pos);
     EXPECT_EQ(Line({buffer.GetBinary(INT_MIN, target, INT_MAX), buffer.GetBinary(0, target, -1)}), "0 0");
-    EXPECT_TRUE(buffer.GetBinary(5, target, INT_MAX) == 2 && target == "ef"s);
-    EXPECT_TRUE(buffer.Compare(5, target, 2) && buffer.Compare(7, target, 0));
-    EXPECT_FALSE(buffer.Compare(4, target, 2) || buffer.Compare(6, target, 2) || buffer.Compare(8, target, 0));
-    EXPECT_FALSE(buffer.Compare(-1, target, 2) || buffer.Compare(9, target, -3) || buffer.Compare(7, target, INT_MAX));
+    EXPECT_EQ(buffer.GetBinary(5, target, INT_MAX), 2);
+    EXPECT_EQ(target, "ef"s);
+    EXPECT_EQ(Line({buffer.Compare(5, target, 2), buffer.Compare(7, target, 0)}), "1 1");
+    EXPECT_EQ(Line({buffer.Compare(4, target, 2), buffer.Compare(6, target, 2), buffer.Compare(8, target, 0)}),
+              "0 0 0");
+    EXPECT_EQ(Line({buffer.Compare(-1, target, 2), buffer.Compare(9, target, -3), buffer.Compare(7, target, INT_MAX)}),
+              "0 0 0");
     EXPECT_EQ(Line({buffer.GetString(1, INT_MAX), buffer.GetString(4, 2), buffer.GetString(7, 1)}), "bc de ");
 }
 
@@ -99,7 +102,8 @@ TEST(QBinary, ByteOrderIsPartOfTheValue) {
     CQBinary buffer("abc", 3);
     buffer.SetEndian(1);
     CQBinary copy(buffer);
-    EXPECT_TRUE(copy == buffer && copy.GetEndian() == 1);
+    EXPECT_EQ(copy.GetEndian(), 1);
+    EXPECT_EQ(copy, buffer);
     copy.SetEndian(0);
     EXPECT_FALSE(copy == buffer);
     buffer.Initialize();
@@ -109,14 +113,20 @@ TEST(QBinary, ByteOrderIsPartOfTheValue) {
     EXPECT_EQ(copy.GetBinary(target, 3), 3);
     EXPECT_EQ(Line({Contents(copy), target}), "abcde abc");
     copy.DeleteTop(4);
-    EXPECT_TRUE(copy.Resize(5) && Contents(copy) == "e\0\0\0\0"s);  // zero behind what is left
-    EXPECT_TRUE(copy.SetSize(2) && Contents(copy) == "\0\0"s);
+    EXPECT_TRUE(copy.Resize(5));
+    EXPECT_EQ(Contents(copy), "e\0\0\0\0"s);  // zero behind what is left
+    EXPECT_TRUE(copy.SetSize(2));
+    EXPECT_EQ(Contents(copy), "\0\0"s);
 }
 
 TEST(QBinary, DeleteTopResetsCapacityAndByteOrder) {
     Buffer buffer(std::string(3000, 'a').data(), 3000);
-    for (const auto& [n, size, capacity, endian] :
-         {std::array{1500, 1500, 1500, 0}, {1499, 1, 1024, 0}, {2, 0, 1024, 1}, {0, 0, 1024, 0}}) {
+    for (const auto& [n, size, capacity, endian] : Cases<int, int, int, int>{
+             {1500, 1500, 1500, 0},
+             {1499, 1, 1024, 0},
+             {2, 0, 1024, 1},
+             {0, 0, 1024, 0},
+         }) {
         buffer.SetEndian(1);
         buffer.DeleteTop(n);
         EXPECT_EQ(Contents(buffer), std::string(static_cast<std::size_t>(size), 'a'));
@@ -140,7 +150,8 @@ TEST(QBinary, NumbersHaveTheByteOrderThatIsSet) {
             EXPECT_EQ(Line({buffer.GetByte(pos), buffer.GetShort(pos), buffer.GetInt(pos)}), "0 0 0");
         }
         EXPECT_EQ(Contents(buffer), expected);
-        EXPECT_TRUE(buffer.GetShort(1) == -300 && buffer.GetInt(0) == 0x01FED404);
+        EXPECT_EQ(buffer.GetShort(1), -300);
+        EXPECT_EQ(buffer.GetInt(0), 0x01FED404);
     }
 }
 
@@ -158,8 +169,15 @@ TEST(QBinary, TheSignIsFirstAndFieldsKeepTheirWidth) {
         buffer.AddStrIntTopSign(value, width);
     EXPECT_EQ(Contents(buffer),
               "- -5 345-345- -2147483648 " + std::string(33, ' ') + "7" + std::string(512, ' ') + "7");
-    for (const auto& [value, width] :
-         {std::pair{1.5, 6}, {-1.5, 7}, {1234.5, 5}, {2.5, INT_MAX}, {-3.0, 0}, {4e9, 14}, {75223483557905.375, 18}})
+    for (const auto& [value, width] : Cases<double, int>{
+             {1.5, 6},
+             {-1.5, 7},
+             {1234.5, 5},
+             {2.5, INT_MAX},
+             {-3.0, 0},
+             {4e9, 14},
+             {75223483557905.375, 18},
+         })
         doubles.AddDoubleTopSign(value, width, 2, 0);
     EXPECT_EQ(Contents(doubles), "  1.50- -1.50 4.50           2.50- 4000000000.00 75223483557905.38");
 }
@@ -176,8 +194,10 @@ TEST(QBinary, ArchivedSizesAreNotBelieved) {
     }
     large.SetEndian(1);
     for (const auto load : {Load<CMemFile, CQBinary>, Load<CEndless, CQBinary>}) {
-        EXPECT_TRUE(load(buffer, Stored(large)) == 0 && buffer == large);
-        EXPECT_TRUE(load(buffer, "\xFF\xFF\xFF\x7Fxy") == kCut && static_cast<char*>(buffer) == nullptr);
-        EXPECT_TRUE(load(buffer, "\xFE\xFF\xFF\xFF\1\0\0\0"s) == 0 && buffer.GetSize() == 0 && buffer.GetEndian() == 1);
+        EXPECT_EQ(load(buffer, Stored(large)), 0);
+        EXPECT_EQ(buffer, large);
+        EXPECT_EQ(load(buffer, "\xFF\xFF\xFF\x7Fxy"), kCut);
+        EXPECT_EQ(static_cast<char*>(buffer), nullptr);
+        EXPECT_EQ(Line({load(buffer, "\xFE\xFF\xFF\xFF\1\0\0\0"s), buffer.GetSize(), buffer.GetEndian()}), "0 0 1");
     }
 }

@@ -31,11 +31,15 @@ TEST(QVariant, KeepsTypeAndValueAndEqualsOnlyTheSameType) {
                                     Holding("a text is no truth value"), Holding(date)})
         EXPECT_EQ(holder.GetType(), type++);
     CQVariant copy = Holding(CString("text"));
-    EXPECT_TRUE(copy == "text" && Holding(kNaN) == kNaN && Holding("a") != Holding("A"));
+    EXPECT_EQ(copy, "text");
+    EXPECT_EQ(Holding(kNaN), kNaN);
+    EXPECT_NE(Holding("a"), Holding("A"));
     copy = Holding(date);
-    EXPECT_TRUE(copy == date && copy.ChangeType(5) == 0);
-    EXPECT_FALSE(copy == COleDateTime(2026, 7, 15, 0, 0, 0) || Holding(COleDateTime()) == invalid);
-    EXPECT_FALSE(Holding(1) == 1.0 || Holding(1) == true || Holding(1.0F) == 1.0);
+    EXPECT_EQ(copy, date);
+    EXPECT_EQ(copy.ChangeType(5), 0);
+    EXPECT_FALSE(copy == COleDateTime(2026, 7, 15, 0, 0, 0));
+    EXPECT_FALSE(Holding(COleDateTime()) == invalid);
+    EXPECT_EQ(Line({Holding(1) == 1.0, Holding(1) == true, Holding(1.0F) == 1.0}), "0 0 0");
     EXPECT_FALSE(CQVariant() == CQVariant()) << "no value equals no value";
 }
 
@@ -70,7 +74,7 @@ TEST(QVariant, RoundsToTensAndBeyondTheRangeOfDoubles) {
              {-kInfinity, -2, 0, -kInfinity},
          })
         EXPECT_DOUBLE_EQ(V::fround(x, digits, mode), expected) << x << ", " << digits << ", " << mode;
-    EXPECT_TRUE(std::isnan(V::fround(kNaN, 2, 0)) && std::signbit(V::fround(-0.001, 2, 0)));
+    EXPECT_EQ(Line({std::isnan(V::fround(kNaN, 2, 0)), std::signbit(V::fround(-0.001, 2, 0))}), "1 1");
 }
 
 TEST(QVariant, ShowsNumbersInTheirForms) {
@@ -141,7 +145,7 @@ TEST(QVariant, ReadsNumbersAsTheRuntimeDoes) {
     for (const auto& [text, expected] : integers) EXPECT_EQ(V::StrToInt(text), expected) << text;
     for (const auto& [text, expected] : numbers) EXPECT_EQ(V::StrToDouble(text), expected) << text;
     EXPECT_TRUE(std::signbit(V::StrToDouble("-")));
-    EXPECT_TRUE(V::StrToInt("1234", 2) == 12 && V::StrToInt("1234", -1) == 0);
+    EXPECT_EQ(Line({V::StrToInt("1234", 2), V::StrToInt("1234", -1)}), "12 0");
     EXPECT_EQ(V::StrToInt("1234", 99), 1234);
     EXPECT_EQ(V::StrToDouble("12.75", 4), 12.7);
 }
@@ -167,10 +171,11 @@ TEST(QVariant, HexadecimalTextsKeepTheBytesOfAFloat) {
     char text[9] = {};
     V::float2asc(-1.5F, text);
     EXPECT_STREQ(text, "0000C0BF");  // lowest byte first
-    EXPECT_TRUE(V::asc2float("0000803F more") == 1.0F && V::asc2float("000080") == 0x1p-126F);
+    EXPECT_EQ(V::asc2float("0000803F more"), 1.0F);
+    EXPECT_EQ(V::asc2float("000080"), 0x1p-126F);
     const std::vector<char> field(text, text + 8);  // without a terminator: the sanitizer sees a step outside it
     EXPECT_EQ(V::asc2float(field.data()), -1.5F);
-    EXPECT_TRUE(V::hex2int(&field[6]) == 0xBF && V::hex2int("A") == 0xA0 && V::hex2int("aG") == 0);
+    EXPECT_EQ(Line({V::hex2int(&field[6]), V::hex2int("A"), V::hex2int("aG")}), Line({0xBF, 0xA0, 0}));
     V::float2asc(1.5F, nullptr);
 }
 
@@ -178,7 +183,7 @@ TEST(QVariant, HexadecimalTextsKeepTheBytesOfAFloat) {
 // (A), 83 7C (a bar).
 
 TEST(QVariant, LeadBytesAreThoseOfTheJapanesePage) {
-    EXPECT_TRUE(V::Check2Byte1('\x83') == -1 && V::Check2Byte1('\xA0') == 0);
+    EXPECT_EQ(Line({V::Check2Byte1('\x83'), V::Check2Byte1('\xA0')}), "-1 0");
     const CodePageScope page(1252);
     EXPECT_EQ(V::Check2Byte1('\x83'), 0);
     EXPECT_EQ(V::StrCmp("\xB1", "\x82\x60"), 1);
@@ -229,7 +234,7 @@ TEST(QVariant, NamesWithNumbersSortByTheNumber) {
              {"\x82\x60\x31", "\x82\x81\x31", -1, 0},   // full-width A and a
              {"\x83\x41\x33", "\x83\x61\x32", -1, -1},  // the trail bytes are no letters
          }) {
-        EXPECT_TRUE(V::StrCmp(a, b) == order && V::StrCmp(b, a) == -order) << a << ", " << b;
+        EXPECT_EQ(Line({V::StrCmp(a, b), V::StrCmp(b, a)}), Line({order, -order})) << a << ", " << b;
         EXPECT_EQ(V::StrCmpi(a, b), foldedOrder) << a << ", " << b;
     }
     EXPECT_STREQ(V::CutLastValue("a1b23"), "a1b");
@@ -245,7 +250,7 @@ TEST(QVariant, VersionsCompareByNumber) {
              {"", "0.0.1", -1},
              {"2", "1.9.9", 1},
          })
-        EXPECT_TRUE(V::VersionCmp(a, b) == order && V::VersionCmp(b, a) == -order) << a << ", " << b;
+        EXPECT_EQ(Line({V::VersionCmp(a, b), V::VersionCmp(b, a)}), Line({order, -order})) << a << ", " << b;
 }
 
 TEST(QVariant, FilesAndQueriesGetTheirQuotes) {
@@ -269,8 +274,8 @@ TEST(QVariant, FilesAndQueriesGetTheirQuotes) {
     for (const char* text : {"-", "+", "1e5", " 1", "1-", "--1", "\x82\x50"})
         EXPECT_STREQ(V::NoNumericToNull(text), "NULL") << text;
     EXPECT_EQ(V::VarToBStr("\x83\x5C"), u"\u30BD");
-    EXPECT_TRUE(V::VarToInt(2.5) == 2 && V::VarToDouble(2.5) == 2.5);
+    EXPECT_EQ(Line({V::VarToInt(2.5), V::VarToDouble(2.5)}), "2 2.5");
     int values[] = {5, -5, 2};
     for (int& value : values) V::Limit(value, 0, 3, 10);  // the fallback is not checked
-    EXPECT_EQ(values[0] * 10000 + values[1] * 100 + values[2], 101002);
+    EXPECT_EQ(Line({values[0], values[1], values[2]}), "10 10 2");
 }

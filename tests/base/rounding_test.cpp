@@ -85,7 +85,8 @@ TEST(Rounding, QuickFormsGiveTheResultsOfTheRule) {
         const double quick = CQVariant::fround(x, digits, mode), plain = RoundedByRule(x, digits, mode);
         const bool sameText =
             digits == 0 || qel::RoundedText(x, digits, mode) == qel::RoundedTextByRule(x, digits, mode);
-        ASSERT_TRUE(sameText && std::bit_cast<std::uint64_t>(quick) == std::bit_cast<std::uint64_t>(plain))
+        ASSERT_TRUE(sameText) << std::hexfloat << x << ", digits " << digits << ", mode " << mode;
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(quick), std::bit_cast<std::uint64_t>(plain))
             << std::hexfloat << x << ", digits " << digits << ", mode " << mode;
     }
 }

@@ -131,11 +131,11 @@ TEST(Bcd, EveryTwoNumbersHaveOneOrder) {
     for (const auto& a : ascending) {
         for (const auto& b : ascending) {
             const CBCD left(a);
-            EXPECT_TRUE((left < b) == (&a < &b) && (left <= b) == (&a <= &b) && (left > b) == (&a > &b) &&
-                        (left >= b) == (&a >= &b) && (left == b) == (&a == &b) && (left != b) == (&a != &b));
+            EXPECT_EQ(Line({left<b, left <= b, left> b, left >= b, left == b, left != b}),
+                      Line({&a<&b, &a <= &b, &a> & b, &a >= &b, &a == &b, &a != &b}));
         }
     }
-    EXPECT_TRUE(CBCD("1.0") == "1.00" && CBCD("-0") == 0 && CBCD(2) < "2.5" && CBCD("2.5") > 2);
+    EXPECT_EQ(Line({CBCD("1.0") == "1.00", CBCD("-0") == 0, CBCD(2) < "2.5", CBCD("2.5") > 2}), "1 1 1 1");
 }
 
 TEST(Bcd, TheModeOfTheLastRoundingStaysUntilAnAssignment) {

@@ -57,8 +57,9 @@ TEST(CalcVariableList, AnAddedVariableReplacesTheFirstOfItsName) {
     EXPECT_EQ(Names(list), "A A ");
     given.m_dValue = CQVariant::fround(1.005, 2, 0);
     given.m_nState = 0, given.m_nOption1 = given.m_nOption2 = 1;
-    EXPECT_TRUE(list.GetVariableDataAtName("A", &out) == 1 && out == given);
-    EXPECT_TRUE(list.SetVariableValue("a", 1) == 0 && list.SetVariableValue("A", 2.449) == 1);
+    EXPECT_EQ(list.GetVariableDataAtName("A", &out), 1);
+    EXPECT_EQ(out, given);
+    EXPECT_EQ(Line({list.SetVariableValue("a", 1), list.SetVariableValue("A", 2.449)}), "0 1");
     list.SetRoundUpDigit(1);
     ASSERT_EQ(list.GetUseVariableData(0, &out), 1);
     EXPECT_EQ(out.m_dValue, CQVariant::fround(CQVariant::fround(2.449, 2, 0), 1, 0));
@@ -71,7 +72,8 @@ TEST(CalcVariableList, AnAddedVariableReplacesTheFirstOfItsName) {
     }
     EXPECT_EQ(Line({list.GetUseVariableData(1, &out), list.GetVariableData(0, nullptr)}), "0 0");
     list.ClearViewFlag();
-    EXPECT_TRUE(list.GetUseVariableCount() == 0 && list != copy);
+    EXPECT_EQ(list.GetUseVariableCount(), 0);
+    EXPECT_NE(list, copy);
     list.InitParameter();
     EXPECT_EQ(Line({list.GetVariableCount(), list.GetRoundUpFlag(), list.GetRoundUpDigit()}), "0 0 0");
 }

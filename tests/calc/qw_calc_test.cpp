@@ -146,7 +146,8 @@ TEST(QWCalc, MarksAndRoundsTheVariablesItMeets) {
     list.SetRoundUpFlag(0);
     CCalcVariable variable;
     // What is marked for the first time goes back rounded.
-    EXPECT_TRUE(list.GetUseVariableData(0, &variable) == 1 && variable.m_dValue == 1.3);
+    EXPECT_EQ(list.GetUseVariableData(0, &variable), 1);
+    EXPECT_EQ(variable.m_dValue, 1.3);
     EXPECT_EQ((other = calc).GetVariableData(0, &variable), 0);
 }
 
@@ -155,11 +156,14 @@ TEST(QWCalc, EachLevelReturnsAVariable) {
     Fill(calc);
     ASSERT_TRUE(calc.SetFormula("- b * (2 + 3) - ."));  // a new evaluator checks
     const CCalcVariable single = calc.CalcFormulaFactor();
-    EXPECT_TRUE(single.m_szName == "b" && single.m_dValue == -1.0);
+    EXPECT_EQ(single.m_szName, "b");
+    EXPECT_EQ(single.m_dValue, -1.0);
     calc.GetNextCharacter();
     CCalcVariable five = calc.CalcFormulaTerm();
-    EXPECT_TRUE(five.m_nState == 1 && five.m_dValue == 5.0);
+    EXPECT_EQ(five.m_nState, 1);
+    EXPECT_EQ(five.m_dValue, 5.0);
     EXPECT_EQ(calc.CheckCalcFormulaSub(single, single).m_nState, 1);
     char name[] = "B";
-    EXPECT_TRUE(calc.CheckVariableExist(name, &five.m_dValue) == 1 && five.m_dValue == 4.0);
+    EXPECT_EQ(calc.CheckVariableExist(name, &five.m_dValue), 1);
+    EXPECT_EQ(five.m_dValue, 4.0);
 }

@@ -52,7 +52,7 @@ protected:
 TEST_F(Sealed, BytesAreTheDescribedOnes) {
     folder.Write("a.dat", Checked("data" + Record(7, "a.dat"), 38));
     ASSERT_EQ(Read(seal), 1);
-    EXPECT_TRUE(seal.GetFilename() == "a.dat" && seal.GetVersion() == 7);
+    EXPECT_EQ(Line({seal.GetFilename(), seal.GetVersion()}), "a.dat 7");
     EXPECT_EQ(seal.GetGUID().GetString(), "{01020304-0506-0708-090A-0B0C0D0E0F10}");
     folder.Write("b", "");
     ASSERT_EQ(Update(1, "b"), 1);
@@ -61,7 +61,8 @@ TEST_F(Sealed, BytesAreTheDescribedOnes) {
     folder.Write("a.dat", Checked(Record(8, "a.dat"), 38));
     ASSERT_EQ(Read(other), 1);
     other.EnableCheckFilename(0);
-    EXPECT_TRUE(seal != other && other == seal);
+    EXPECT_NE(seal, other);
+    EXPECT_EQ(other, seal);
 }
 
 TEST_F(Sealed, KeepsItsIdentityAndIsBoundToItsName) {
@@ -70,7 +71,8 @@ TEST_F(Sealed, KeepsItsIdentityAndIsBoundToItsName) {
     ASSERT_EQ(Line({On("a.dat", CCheckDatafile::PackNewData), Read(seal), Read(other)}), "1 1 1");
     EXPECT_EQ(Update(1), 0) << "sealed already";
     EXPECT_EQ(Line({Update(0), Read(seal)}), "1 1");
-    EXPECT_TRUE(seal.GetVersion() == 2 && other.GetVersion() == 1 && seal.GetGUID() == other.GetGUID());
+    EXPECT_EQ(Line({seal.GetVersion(), other.GetVersion()}), "2 1");
+    EXPECT_EQ(seal.GetGUID(), other.GetGUID());
     EXPECT_TRUE(seal != other);
 
     std::filesystem::rename(folder.Posix("a.dat"), folder.Posix("A.dat"));

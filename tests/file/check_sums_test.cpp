@@ -9,6 +9,8 @@
 #include "qellib10/file/check_sums_vector.h"
 #include "qellib10/file/crc32_bzip2.h"
 
+#include "../support/line.h"
+
 namespace {
 
 using Bytes = std::span<const unsigned char>;
@@ -53,7 +55,7 @@ TEST(CheckSums, EveryFormGivesTheSumsOfThePlainOneAtEveryLength) {
             const auto sum = form.hasSum ? std::accumulate(exact.begin(), exact.end(), kBefore.sum) : kBefore.sum;
             qel::RunningSums sums = kBefore;
             form.add(sums, exact);
-            ASSERT_TRUE(sums.crc == crc && sums.sum == sum) << form.name << ", " << length << " bytes";
+            ASSERT_EQ(Line({sums.crc, sums.sum}), Line({crc, sum})) << form.name << ", " << length << " bytes";
         }
     }
 }

@@ -67,7 +67,7 @@ TEST_F(RegistryProfile, AndIniFilesGiveBackWhatWasSet) {
         EXPECT_EQ(profile.Set("", -3, "negative"), 1);
         EXPECT_EQ(profile.Get("", -3, "d"), "negative");
         const Profile copy(profile);
-        EXPECT_EQ(profile.Close() * 10 + profile.Set("S", "k", "after"), 10);
+        EXPECT_EQ(Line({profile.Close(), profile.Set("S", "k", "after")}), "1 0");
         EXPECT_EQ(profile.Get("S", "k", "d  "), "d  ");
         EXPECT_EQ(copy.Get("S", "k", "d"), kLongest.c_str());
     }
@@ -254,7 +254,7 @@ TEST_F(RegistryProfile, BacksUpAndRestoresTheWholeTree) {
 
     Profile backup("HKEY_CURRENT_USER\\Software\\Meter2", 1);
     EXPECT_EQ(backup.Get("A\\B", "k", 0), 1);
-    EXPECT_EQ(backup.Delete("a") * 10 + backup.Delete("a"), 10);
+    EXPECT_EQ(Line({backup.Delete("a"), backup.Delete("a")}), "1 0");
     EXPECT_EQ(backup.Get(nullptr, "k", "d"), "root");
     m_profile.Set("A", "late", 1);
     EXPECT_EQ(Line({m_profile.Backup("2"), m_profile.Delete(nullptr)}), "1 1");  // in place of the old one

@@ -54,8 +54,12 @@ TEST_F(FileFolders, MissingOnesAreMade) {
 
 TEST_F(FileFolders, MakingStopsWhereItFails) {
     m_folder.Write("file", "");
-    for (const auto& [path, stop] :
-         {std::pair("a\\..\\file\\c", ""), {"a\\\\b", "a"}, {"a\\*\\c", "a"}, {"\\\\s", ""}}) {
+    for (const auto& [path, stop] : Cases<const char*, const char*>{
+             {"a\\..\\file\\c", ""},
+             {"a\\\\b", "a"},
+             {"a\\*\\c", "a"},
+             {"\\\\s", ""},
+         }) {
         EXPECT_EQ(CQFile::CreateDirectories(path), 0) << path;
         EXPECT_EQ(fs::current_path(), m_folder.Posix(stop)) << path;
         fs::current_path(m_folder.Posix());
@@ -73,7 +77,7 @@ TEST_F(FileFolders, TreeGoesButNotWhatItsLinksLeadTo) {
     EXPECT_FALSE(m_folder.Has("tree"));
     fs::create_symlink("out", "tree");
     EXPECT_EQ(CQFile::DelTree("tree\\"), 1);
-    EXPECT_TRUE(!m_folder.Has("tree") && m_folder.Has("out/kept"));
+    EXPECT_EQ(Line({m_folder.Has("tree"), m_folder.Has("out/kept")}), "0 1");
     EXPECT_EQ(CQFile::DelTree("tree"), 1);  // missing
 }
 
@@ -93,7 +97,7 @@ TEST_F(FileFolders, TreeStaysFromTheFirstFailureOn) {
     fs::create_symlink("tree/file", "link");
     for (const char* folder : {"tree", "tree\\file", "link", "", "a?b"})
         EXPECT_EQ(CQFile::DelTree(folder), 0) << folder;
-    EXPECT_TRUE(m_folder.Has("tree/file") && m_folder.Has("link"));
+    EXPECT_EQ(Line({m_folder.Has("tree/file"), m_folder.Has("link")}), "1 1");
 }
 
 TEST_F(FileFolders, FilesGoByPattern) {
@@ -106,7 +110,7 @@ TEST_F(FileFolders, FilesGoByPattern) {
     EXPECT_EQ(std::distance(fs::directory_iterator("d"), {}), 4);
     const CFile open("d\\a.txt", CFile::modeRead | CFile::shareDenyNone);
     EXPECT_EQ(CQFile::DeleteFiles("d/*.txt"), 0);  // and went on
-    EXPECT_TRUE(fs::exists("d/a.txt") && !fs::exists("d/c.txt"));
+    EXPECT_EQ(Line({fs::exists("d/a.txt"), fs::exists("d/c.txt")}), "1 0");
     for (const char* pattern : {"*.none", "none\\*.*", "", "\\\\server"}) EXPECT_EQ(CQFile::DeleteFiles(pattern), 1);
     m_folder.Write("here", "");
     EXPECT_EQ(CQFile::DeleteFiles("*.*"), 1);
@@ -116,7 +120,7 @@ TEST_F(FileFolders, FilesGoByPattern) {
 TEST_F(FileFolders, FileMovesIntoNewFolders) {
     m_folder.Write("a", "first");
     EXPECT_EQ(CQFile::MoveFileA("a", "x\\y\\b", 0), 1);
-    EXPECT_TRUE(!m_folder.Has("a") && m_folder.Read("x/y/b") == "first");
+    EXPECT_EQ(Line({m_folder.Has("a"), m_folder.Read("x/y/b")}), "0 first");
     m_folder.Write("a", "second");
     fs::permissions("a", fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_EQ(CQFile::MoveFileA("a", "x/y/b", 0), 0);
@@ -133,5 +137,5 @@ TEST_F(FileFolders, FileMovesIntoNewFolders) {
     // A source that cannot go is copied all the same.
     const CFile open("x\\y\\b", CFile::modeRead | CFile::shareDenyNone);
     EXPECT_EQ(CQFile::MoveFileA("x\\y\\b", "d", 0), 1);
-    EXPECT_TRUE(m_folder.Has("d") && m_folder.Has("x/y/b"));
+    EXPECT_EQ(Line({m_folder.Has("d"), m_folder.Has("x/y/b")}), "1 1");
 }

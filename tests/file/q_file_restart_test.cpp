@@ -49,8 +49,10 @@ TEST_F(Restart, FileInUseIsReplacedAndDeletedThen) {
     ASSERT_EQ(::stat(waiting.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0741u) << "a temporary file has the rights of what it replaces";
     ASSERT_EQ(Requests().size(), 2u);
-    EXPECT_TRUE(Requests()[0].source == waiting && Requests()[0].target == target);
-    EXPECT_TRUE(Requests()[1].source == target && Requests()[1].target.empty());
+    EXPECT_EQ(Requests()[0].source, waiting);
+    EXPECT_EQ(Requests()[0].target, target);
+    EXPECT_TRUE(Requests()[1].target.empty());
+    EXPECT_EQ(Requests()[1].source, target);
 }
 
 TEST_F(Restart, WhatCannotBeLookedAtIsNeitherGoneNorFree) {

@@ -17,7 +17,8 @@ public:
         return cancels ? std::nullopt : std::optional(selected + "\\chosen");
     }
     void OnMessage(HWND window, UINT message, WPARAM byPath, LPARAM path) override {
-        EXPECT_TRUE(window == this && message == 1126 && byPath == 1);
+        EXPECT_EQ(Line({message, byPath}), "1126 1");
+        EXPECT_EQ(window, this);
         selected = reinterpret_cast<const char*>(path);
     }
 
@@ -36,10 +37,12 @@ TEST(FolderDialog, AsksTheApplicationsBrowser) {
     qel::SetFolderBrowser(&browser);
     EXPECT_EQ(CQFile::SelectFolderDialog(folder, "Where?", &window), 1);
     EXPECT_EQ(folder, "\\data\\chosen");
-    EXPECT_TRUE(browser.asked.title == "Where?" && browser.asked.owner == &window && browser.asked.flags == 1);
+    EXPECT_EQ(Line({browser.asked.title, browser.asked.flags}), "Where? 1");
+    EXPECT_EQ(browser.asked.owner, &window);
     browser.cancels = true;
     EXPECT_EQ(CQFile::SelectFolderDialog(folder, qel::kFirstUnitId, nullptr), 0);
-    EXPECT_TRUE(folder == "\\data\\chosen" && browser.selected == folder);
+    EXPECT_EQ(folder, "\\data\\chosen");
+    EXPECT_EQ(browser.selected, folder);
     CString unit;
     unit.LoadString(qel::kFirstUnitId);
     EXPECT_EQ(browser.asked.title, unit);
@@ -49,7 +52,7 @@ TEST(FolderDialog, AsksTheApplicationsBrowser) {
 TEST(Shortcut, IsMadeAndDeletedWithItsExtension) {
     const TempFolder folder;
     for (const char* name : {"a", "b.LNK"}) EXPECT_EQ(CQFile::CreateShortcut("\\t", folder.Path(name), nullptr), 0);
-    EXPECT_TRUE(folder.Has("a.lnk") && folder.Has("b.LNK") && folder.Count() == 2);
+    EXPECT_EQ(Line({folder.Has("a.lnk"), folder.Has("b.LNK"), folder.Count()}), "1 1 2");
     EXPECT_EQ(CQFile::CreateShortcut("\\t", folder.Path("none/a"), ""), static_cast<HRESULT>(0x80070003));
     for (const int result : {1, 0}) EXPECT_EQ(CQFile::DeleteShortcut(folder.Path("a")), result);
 }

@@ -311,7 +311,12 @@ TEST(QelGraphPrint, CirclesOfALineAreSeenAtAnyResolution) {
 TEST(QelGraphPrint, TextsAreApartAndInsideTheDrawing) {
     std::mt19937 random(5);
     // Screens, a printer, and drawings that texts have no room in.
-    const Cases<int, int, int, int> cases{{400, 300, 96, 40}, {2400, 1800, 600, 40}, {60, 90, 96, 0}, {150, 30, 96, 0}};
+    const Cases<int, int, int, int> cases = {
+        {400, 300, 96, 40},
+        {2400, 1800, 600, 40},
+        {60, 90, 96, 0},
+        {150, 30, 96, 0},
+    };
     for (const auto& [width, height, dotsPerInch, leastTexts] : cases) {
         CDC dc;
         ASSERT_TRUE(dc.Attach(qel::CreatePdfDC("unused", {.dotsPerInch = {dotsPerInch, dotsPerInch}})));

@@ -45,9 +45,9 @@ TEST(QelGraph, SeriesAreSetByIndex) {
 
     graph.SetDivX(3);
     EXPECT_EQ(graph.InitializeParameter(-1), 1);
-    EXPECT_EQ(graph.GetGraphViewMode(0) * 10 + graph.GetGraphViewMode(511), 10);
-    EXPECT_EQ(graph.GetDivX() * 100 + graph.GetLeftMargin() * 10 + graph.GetLabelSpaceY(), 1053);
-    EXPECT_EQ(OpenGraph(1).GetLeftMargin() * 1000 + OpenGraph(1).GetTopMargin(), 20100);
+    EXPECT_EQ(Line({graph.GetGraphViewMode(0), graph.GetGraphViewMode(511)}), "1 0");
+    EXPECT_EQ(Line({graph.GetDivX(), graph.GetLeftMargin(), graph.GetLabelSpaceY()}), "10 5 3");
+    EXPECT_EQ(Line({OpenGraph(1).GetLeftMargin(), OpenGraph(1).GetTopMargin()}), "20 100");
 }
 
 TEST(QelGraph, ValuesArePlacedInTheArea) {
@@ -82,7 +82,7 @@ TEST(QelGraph, ValuesArePlacedInTheArea) {
     OpenGraph upward(1);
     upward.m_rectDrawArea = {10, -20, 210, -120};
     EXPECT_EQ(upward.DataToYPixel(25, 0), 25);
-    EXPECT_EQ(upward.GetValueFromPos(0, 10, -20, &x, &y) - upward.GetValueFromPos(0, 10, -120, &x, &y), 1);
+    EXPECT_EQ(Line({upward.GetValueFromPos(0, 10, -120, &x, &y), upward.GetValueFromPos(0, 10, -20, &x, &y)}), "0 1");
     EXPECT_EQ(y, 100);
     OpenGraph plain(2);
     EXPECT_EQ(Line({plain.DataToXPixel(12.7, 0), plain.DataToYPixel(-12.7, 0)}), "12 -12");

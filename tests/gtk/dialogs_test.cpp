@@ -95,7 +95,8 @@ TEST_F(Dialogs, SettingsGoInAndComeOut) {
         SCOPED_TRACE(asked.dmPaperSize);
         const User user("print_mode_" + std::to_string(asked.dmPaperSize), Agree);
         const auto choice = Provider()->Choose({m_label, 0, "PDF", asked});
-        ASSERT_TRUE(choice && choice->mode);
+        ASSERT_TRUE(choice);
+        ASSERT_TRUE(choice->mode);
         EXPECT_EQ(choice->device, "PDF");
         ExpectSame(*choice->mode, expected);
     }

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "../support/line.h"
 #include "screen.h"
 
 namespace {
@@ -56,7 +57,7 @@ TEST(DrawingView, ShowsWhatIsDrawn) {
     gtk_window_resize(GTK_WINDOW(window), 300, 150);
     EXPECT_TRUE(RunUntil([&] { return view->Size() == CSize(300, 150); }));
     BITMAP size{};
-    EXPECT_TRUE(view->Picture().GetBitmap(&size) && size.bmWidth == 300 && size.bmHeight == 150);
+    EXPECT_EQ(Line({view->Picture().GetBitmap(&size), size.bmWidth, size.bmHeight}), "1 300 150");
     EXPECT_TRUE(shows(299, 149, 0x0000FF));
     EXPECT_EQ(drawn, 3);
 

@@ -181,7 +181,9 @@ TEST(Archive, ObjectsKeepClassAndIdentityAlsoInARing) {
     const auto read = [](CArchive& archive) {
         CReading *reading, *volume, *again, *null;
         archive >> reading >> volume >> again >> null;  // by way of the base: the class in the archive decides
-        EXPECT_TRUE(volume->m_dVolume == 1.5 && again == reading && null == nullptr);
+        EXPECT_EQ(volume->m_dVolume, 1.5);
+        EXPECT_EQ(again, reading);
+        EXPECT_EQ(null, nullptr);
         ASSERT_TRUE(reading->IsKindOf(CLinkedReading::GetThisClass()));
         EXPECT_EQ(Next(Next(reading)), reading);
         for (const CReading* made : {volume, Next(reading), reading}) delete made;
@@ -192,8 +194,9 @@ TEST(Archive, ObjectsKeepClassAndIdentityAlsoInARing) {
 }
 
 TEST(Archive, ClassesAreKnownByNameWhileRegistered) {
-    EXPECT_TRUE(CLinkedReading().IsKindOf(CReading::GetThisClass()) && kVolume.IsKindOf(CObject::GetThisClass()));
-    EXPECT_FALSE(kVolume.IsKindOf(CLinkedReading::GetThisClass()) || kVolume.IsKindOf(nullptr));
+    EXPECT_EQ(Line({CLinkedReading().IsKindOf(CReading::GetThisClass()), kVolume.IsKindOf(CObject::GetThisClass())}),
+              "1 1");
+    EXPECT_EQ(Line({kVolume.IsKindOf(CLinkedReading::GetThisClass()), kVolume.IsKindOf(nullptr)}), "0 0");
     EXPECT_EQ(CObject::GetThisClass()->CreateObject(), nullptr);
     EXPECT_EQ(CRuntimeClass::FromName("Unregistered"), nullptr);
     {

@@ -254,18 +254,22 @@ TEST(Dc, TakesRectanglesByTheirAddressToo) {
     ExpectBox(canvas.Ink(), {10, 10, 15, 15});
     EXPECT_EQ(canvas.dc.IntersectClipRect(&box), SIMPLEREGION);
     EXPECT_EQ(canvas.dc.GetClipBox(box), SIMPLEREGION);
-    EXPECT_TRUE(box == CRect(10, 10, 15, 15) && box.CenterPoint() - CPoint(2, 2) == CSize(10, 10));
+    EXPECT_EQ(box, CRect(10, 10, 15, 15));
+    EXPECT_EQ(box.CenterPoint() - CPoint(2, 2), CSize(10, 10));
     canvas.dc.Rectangle(&box);
     EXPECT_EQ(canvas.dc.IntersectClipRect(0, 0, 5, 5), NULLREGION);
     CRect around;
-    EXPECT_TRUE(around.UnionRect(box, {0, 0, 1, 11}) && around == CRect(0, 0, 15, 15));
-    EXPECT_TRUE(around.UnionRect(box, {20, 20, 20, 30}) && around == box) << "without area";
+    EXPECT_TRUE(around.UnionRect(box, {0, 0, 1, 11}));
+    EXPECT_EQ(around, CRect(0, 0, 15, 15));
+    EXPECT_TRUE(around.UnionRect(box, {20, 20, 20, 30})) << "without area";
+    EXPECT_EQ(around, box) << "without area";
     CFont font;
     LOGFONT description;
     const std::string face = std::string(30, 'a') + "\x93\x48";
     ASSERT_TRUE(font.CreateFont(-20, 0, 0, 0, FW_BOLD, 1, 0, 0, SHIFTJIS_CHARSET, OUT_DEFAULT_PRECIS,
                                 CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, face.c_str()));
     ASSERT_EQ(font.GetObject(sizeof description, &description), int{sizeof description});
-    EXPECT_TRUE(description.lfWeight == FW_BOLD && description.lfCharSet == SHIFTJIS_CHARSET);
+    EXPECT_EQ(description.lfWeight, FW_BOLD);
+    EXPECT_EQ(description.lfCharSet, SHIFTJIS_CHARSET);
     EXPECT_EQ(description.lfFaceName, std::string(30, 'a')) << "no half character";
 }

@@ -158,7 +158,8 @@ TEST(SvgDc, DrawsWhatPagesShow) {
     ASSERT_TRUE(dc.Attach(qel::CreateSvgDC(folder.Path("a.svg"), {400, 300})));
     const DOCINFO document{sizeof document, "\x01", nullptr, nullptr, 0}, toFile{0, "x", "y", nullptr, 0};
     EXPECT_LT(dc.StartDoc(&toFile), 1);
-    ASSERT_TRUE(dc.StartDoc(&document) > 0 && dc.StartPage() > 0);
+    ASSERT_GT(dc.StartDoc(&document), 0);
+    ASSERT_GT(dc.StartPage(), 0);
     CPen dashed(PS_DASH, 1, RGB(255, 0, 0));
     CBrush hatch(HS_CROSS, 0);
     dc.SelectObject(&dashed);
@@ -170,7 +171,8 @@ TEST(SvgDc, DrawsWhatPagesShow) {
     ASSERT_TRUE(font.CreateFont(20, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 0, 0, "Arial"));
     dc.SelectObject(&font);
     dc.TextOut(5, 5, "x");
-    ASSERT_TRUE(dc.EndPage() > 0 && dc.EndDoc() > 0);
+    ASSERT_GT(dc.EndPage(), 0);
+    ASSERT_GT(dc.EndDoc(), 0);
     const std::string svg = folder.Read("a.svg");
     EXPECT_EQ(OutputOf("xmllint --noout " + folder.Posix("a.svg").string() + " 2>&1"), "");
     const std::pair<std::string_view, int> cases[] = {

@@ -71,7 +71,7 @@ TEST_F(FileOperations, CopyTakesBytesTimeAndReadOnlyAttribute) {
     ::utimensat(AT_FDCWD, m_folder.Posix("a").c_str(), times, 0);
     SetMode("a", 0500);
     EXPECT_EQ(Copy("a", "c", true), 0);
-    EXPECT_TRUE(m_folder.Read("c") == "new" && StatusOf("c").st_mtim.tv_nsec == 678);
+    EXPECT_EQ(Line({m_folder.Read("c"), StatusOf("c").st_mtim.tv_nsec}), "new 678");
     EXPECT_EQ(StatusOf("c").st_mode & 07777, 0500U);
     EXPECT_EQ(Copy("a", "c", true), 80);
     EXPECT_EQ(Copy("a", "c"), 5);  // read-only, for root as well
@@ -217,7 +217,7 @@ TEST_F(FileOperations, LinksOfOthersAreNotFollowedWhereEverybodyMayMakeThem) {
 TEST_F(FileOperations, AFullDiskLeavesTheOldFile) {
     m_folder.Write("a", std::string(300'000, 'a'));
     EXPECT_EQ(OnFullDisk(100'000, [&] { return Copy("a", "b"); }), 112);
-    EXPECT_TRUE(m_folder.Read("b") == "old" && m_folder.Count() == 4);
+    EXPECT_EQ(Line({m_folder.Read("b"), m_folder.Count()}), "old 4");
 }
 
 TEST_F(Replacement, HappensWholeOrNotAtAll) {

@@ -46,11 +46,11 @@ TYPED_TEST(AnyFile, ReadsAndWritesAtItsPosition) {
     EXPECT_STREQ(bytes, "Yef");
     file.Write(nullptr, 0);
     EXPECT_EQ(Line({file.Read(bytes, 8), file.Read(nullptr, 0)}), "0 0");
-    EXPECT_TRUE(file.Seek(3, CFile::end) == 9 && file.GetLength() == 6 && file.Read(bytes, 1) == 0);
+    EXPECT_EQ(Line({file.Seek(3, CFile::end), file.GetLength(), file.Read(bytes, 1)}), "9 6 0");
     file.Write("z", 1);
     EXPECT_EQ(Content(file), std::string("abXYef\0\0\0z", 10));
     file.SetLength(3);
-    EXPECT_TRUE(file.GetPosition() == 3 && file.SeekToEnd() == 3);
+    EXPECT_EQ(Line({file.GetPosition(), file.SeekToEnd()}), "3 3");
     file.SetLength(5);
     EXPECT_EQ(Content(file), std::string("abX\0\0", 5));
     file.Flush();
@@ -71,8 +71,10 @@ TEST(File, OpensAndEmptiesByItsFlags) {
     CFile file("./a.b.txt", kWrite | kCreate);
     std::filesystem::current_path(here);
     const CString name = file.GetFilePath();  // that of the moment of opening
-    EXPECT_TRUE(name == folder.Path("a.b.txt") && file.GetFileName() == "a.b.txt" && file.GetFileTitle() == "a.b");
-    EXPECT_TRUE(HANDLE{file} != CFile::hFileNull && HANDLE{file} != nullptr);
+    EXPECT_EQ(Line({file.GetFileName(), file.GetFileTitle()}), "a.b.txt a.b");
+    EXPECT_EQ(name, folder.Path("a.b.txt"));
+    EXPECT_NE(HANDLE{file}, CFile::hFileNull);
+    EXPECT_NE(HANDLE{file}, nullptr);
     file.Write("old", 3);
     ASSERT_TRUE(file.Open(name, kReadWrite | kCreate | CFile::modeNoTruncate));
     EXPECT_EQ(file.GetPosition(), 0u);
@@ -81,7 +83,8 @@ TEST(File, OpensAndEmptiesByItsFlags) {
     EXPECT_EQ(file.GetLength(), 0u);
     file.Close();
     file.Close();
-    EXPECT_TRUE(file.GetFilePath() == "" && HANDLE{file} == CFile::hFileNull);
+    EXPECT_EQ(file.GetFilePath(), "");
+    EXPECT_EQ(HANDLE{file}, CFile::hFileNull);
     EXPECT_EQ(CodeOf([&] { file.GetLength(); }), 6);
 }
 
@@ -104,7 +107,8 @@ TEST(File, AFailedOpeningHasItsCause) {
          }) {
         CFileException error;
         EXPECT_FALSE(CFile().Open(name.c_str(), flags, &error));
-        EXPECT_TRUE(error.m_cause == cause && error.m_strFileName == name.c_str()) << name;
+        EXPECT_EQ(error.m_cause, cause) << name;
+        EXPECT_EQ(error.m_strFileName, name.c_str()) << name;
         EXPECT_EQ(error.m_lOsError, code) << name;
         EXPECT_EQ(CodeOf([path = name.c_str(), mode = flags] { CFile(path, mode); }), code) << name;
     }
@@ -181,7 +185,8 @@ TEST(FileStatus, IsReadWithoutOpening) {
     EXPECT_LE(CTime::GetCurrentTime().GetTime() - status.m_mtime.GetTime(), 60);
     EXPECT_GE(status.m_mtime, status.m_ctime);
     ASSERT_TRUE(CFile::GetStatus(folder.Path("d"), status));
-    EXPECT_TRUE(status.m_attribute == 0x10 && status.m_size == 0);
+    EXPECT_EQ(status.m_size, 0U);
+    EXPECT_EQ(status.m_attribute, 0x10);
     for (const char* none : {"\\no", "\\l", "\\*", "\\no\\no"})
         EXPECT_FALSE(CFile::GetStatus(folder.Path() + none, status));
 }

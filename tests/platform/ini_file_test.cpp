@@ -165,7 +165,7 @@ TEST_F(IniFile, ReplacesTheFileAndKeepsWhatItIs) {
 
     const EnvironmentScope state("QELLIB10_STATE_DIR", m_folder.Posix().c_str());
     EXPECT_EQ(qel::ReadProfileString("s", "k", "", kSize, "a.ini"), "2");
-    EXPECT_TRUE(qel::WriteProfileString("s", "k", "3", "WIN.INI") && m_folder.Has("WIN.INI"));
+    EXPECT_EQ(Line({qel::WriteProfileString("s", "k", "3", "WIN.INI"), m_folder.Has("WIN.INI")}), "1 1");
 }
 
 TEST_F(IniFile, IsMadeWhereALinkLeads) {

@@ -81,7 +81,8 @@ TEST_F(Cups, PrintersAreListedAndDescribed) {
             EXPECT_FALSE(ClosePrinter(printer));
             PRINTER_INFO_2 info;
             std::memcpy(&info, buffer.data(), sizeof info);
-            EXPECT_TRUE(name == info.pPrinterName && driver == info.pDriverName) << name;
+            EXPECT_EQ(name, info.pPrinterName) << name;
+            EXPECT_EQ(driver, info.pDriverName) << name;
             EXPECT_EQ(info.pDevMode->dmPaperSize, form) << name;
             EXPECT_EQ(info.pDevMode->dmYResolution, dots);
             EXPECT_EQ(std::string(info.pPortName).starts_with("ipp://localhost:"), dots == 300);
@@ -145,9 +146,10 @@ TEST_F(Cups, OnlyWholeDocumentsAreSent) {
         EXPECT_EQ(Printer("nobody"), nullptr);
         CDC dc;
         ASSERT_TRUE(dc.Attach(Printer("lab")));
-        EXPECT_TRUE(dc.StartDoc("aborted") > 0 && dc.StartPage() > 0 && dc.EndPage() > 0 && dc.AbortDoc() > 0);
-        EXPECT_TRUE(dc.StartDoc("empty") > 0 && dc.EndDoc() > 0);
-        EXPECT_TRUE(dc.StartDoc("deleted") > 0 && dc.StartPage() > 0 && dc.EndPage() > 0 && dc.DeleteDC());
+        const auto isStarted = [&](const char* name) { return dc.StartDoc(name) > 0; };
+        EXPECT_EQ(Line({isStarted("aborted"), dc.StartPage() > 0, dc.EndPage() > 0, dc.AbortDoc() > 0}), "1 1 1 1");
+        EXPECT_EQ(Line({isStarted("empty"), dc.EndDoc() > 0}), "1 1");
+        EXPECT_EQ(Line({isStarted("deleted"), dc.StartPage() > 0, dc.EndPage() > 0, dc.DeleteDC()}), "1 1 1 1");
         const HDC refused = Printer("lab");
         ASSERT_TRUE(system->Run({"/usr/sbin/cupsreject", "lab"}));
         EXPECT_FALSE(Print(refused));
@@ -231,7 +233,8 @@ TEST(PdfPrinter, IsChosenByNameInAContextOrADialog) {
     ASSERT_TRUE(first.Attach(dialog.GetPrinterDC()));
     EXPECT_EQ(dialog.GetPrinterDC(), first.GetSafeHdc());
     ASSERT_TRUE(dialog.SelectPrinter("PDF"));
-    EXPECT_TRUE(second.Attach(dialog.GetPrinterDC()) && first.GetSafeHdc() != second.GetSafeHdc());
+    EXPECT_TRUE(second.Attach(dialog.GetPrinterDC()));
+    EXPECT_NE(first.GetSafeHdc(), second.GetSafeHdc());
 }
 
 TEST(PdfPrinter, MakesFileNamesOfDocumentNames) {

@@ -18,9 +18,11 @@ TEST(SpecialFolder, HasADefaultWhereTheEnvironmentSaysNothing) {
 TEST(Module, HasThePathOfItsFile) {
     static int inProgram = 0;
     const CString program = qel::ToLibraryPath(std::filesystem::read_symlink("/proc/self/exe").native());
-    EXPECT_TRUE(qel::ModulePath(nullptr) == program && qel::ModulePath(&inProgram) == program);
+    EXPECT_EQ(qel::ModulePath(nullptr), program);
+    EXPECT_EQ(qel::ModulePath(&inProgram), program);
     const CString library = qel::ModulePath(reinterpret_cast<void*>(&std::strtol));
-    EXPECT_TRUE(library.GetAt(0) == '\\' && library.Find(".so") > 0) << library;
+    EXPECT_EQ(library.GetAt(0), '\\') << library;
+    EXPECT_GT(library.Find(".so"), 0) << library;
     int onStack = 0;
     EXPECT_EQ(Line({qel::ModulePath(&onStack), qel::ModulePath(reinterpret_cast<void*>(8))}), " ");
 }

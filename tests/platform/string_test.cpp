@@ -11,15 +11,17 @@
 TEST(String, SearchesAndCutsWithinItsBounds) {
     const CString text("a.b");
     for (const int outside : {4, -1, INT_MAX, INT_MIN})
-        EXPECT_TRUE(text.Find('.', outside) == -1 && text.Find("", outside) == -1) << outside;
-    EXPECT_TRUE(text.Find('.', 1) == 1 && text.Find("", 3) == 3 && text.GetAt(3) == '\0' && text[-1] == '\0');
-    EXPECT_TRUE(text.Right(2) == ".b" && text.Mid(1, INT_MAX) == ".b" && text.Mid(-5, 1) == "a");
-    EXPECT_TRUE(text.Left(-1) == "" && text.Right(INT_MIN) == "" && text.Mid(4) == "");
+        EXPECT_EQ(Line({text.Find('.', outside), text.Find("", outside)}), "-1 -1") << outside;
+    EXPECT_EQ(Line({text.Find('.', 1), text.Find("", 3)}), "1 3");
+    EXPECT_EQ(text.GetAt(3), '\0');
+    EXPECT_EQ(text[-1], '\0');
+    EXPECT_EQ(Line({text.Right(2), text.Mid(1, INT_MAX), text.Mid(-5, 1)}), ".b .b a");
+    EXPECT_EQ(Line({text.Left(-1), text.Right(INT_MIN), text.Mid(4)}), "  ");
 }
 
 TEST(String, ReplacesFromLeftToRightAndNeverATrailByte) {
     CString path("\x83\x5C\\\x95\x5C");  // the trail bytes are backslashes too
-    EXPECT_TRUE(path.ReverseFind('\\') == 2 && path.FindOneOf("x\\") == 2);
+    EXPECT_EQ(Line({path.ReverseFind('\\'), path.FindOneOf("x\\")}), "2 2");
     EXPECT_EQ(path.Replace('\\', '/'), 1);
     EXPECT_EQ(path, "\x83\x5C/\x95\x5C");
     for (auto [text, old, replacement, count, result] : Cases<CString, const char*, const char*, int, const char*>{

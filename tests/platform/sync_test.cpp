@@ -69,11 +69,11 @@ TEST(NamedObjects, NamesAreTheSystems) {
              {nullptr, 87},
              {"", 6},
          })
-        EXPECT_TRUE(OpenNamedMutex(name) == nullptr && LastError() == error);
+        EXPECT_EQ(Line({OpenNamedMutex(name) == nullptr, LastError()}), Line({1, error}));
     const HANDLE large = CreateSharedMemory("", 5000).handle, small = CreateSharedMemory(nullptr, 1).handle;
     EXPECT_EQ(MapView(small, true, 2), nullptr);
     EXPECT_NE(MapView(large, true, 5000), nullptr);
-    EXPECT_TRUE(CloseHandle(large) && !CloseHandle(large));
+    EXPECT_EQ(Line({CloseHandle(large), CloseHandle(large)}), "1 0");
 }
 
 TEST(NamedMutex, BelongsToAThread) {
@@ -94,7 +94,8 @@ TEST(NamedMutex, BelongsToAThread) {
     EXPECT_TRUE(ReleaseNamedMutex(mutex));
     EXPECT_EQ(WaitInThread(mutex, 0, true), kWaitObject);
 
-    EXPECT_TRUE(MapView(mutex, false, 0) == nullptr && LastError() == 6);
+    EXPECT_EQ(MapView(mutex, false, 0), nullptr);
+    EXPECT_EQ(LastError(), 6u);
     EXPECT_TRUE(CloseHandle(mutex));
     EXPECT_EQ(WaitForMutex(mutex, 0), kWaitFailed);
 }
@@ -109,13 +110,14 @@ TEST(NamedMutex, MayBeClosedWhileItIsOwnedOrWaitedFor) {
             EXPECT_TRUE(WaitForMutex(mutex, kInfinite) == kWaitObject || LastError() == 6);
         });
         ::usleep(10'000);
-        EXPECT_TRUE(ReleaseNamedMutex(mutex) && CloseHandle(mutex));
+        EXPECT_EQ(Line({ReleaseNamedMutex(mutex), CloseHandle(mutex)}), "1 1");
         waiter.join();
         // A new one under the name is free, and so is the list of what this thread owns.
         const HANDLE fresh = NewMutex(name);
         EXPECT_EQ(WaitForMutex(fresh, 0), kWaitObject);
         EXPECT_TRUE(CloseHandle(fresh));
-        EXPECT_TRUE(OpenNamedMutex(name.c_str()) == nullptr && LastError() == 2);
+        EXPECT_EQ(OpenNamedMutex(name.c_str()), nullptr);
+        EXPECT_EQ(LastError(), 2u);
         const HANDLE left = NewMutex(name);
         EXPECT_EQ(InChild([&] { return static_cast<int>(WaitForMutex(NewMutex(name), 0)); }), 0);
         EXPECT_TRUE(CloseHandle(left));  // the last one, of a mutex whose owner is dead

@@ -12,8 +12,8 @@ TEST(Time, FieldsAreThoseOfTheLocalTimeZone) {
     ::tzset();
     const CTime summer(2026, 7, 14, 9, 5, 7);
     EXPECT_EQ(summer.GetTime(), 1784012707);
-    EXPECT_EQ(summer.GetYear() * 10000 + summer.GetMonth() * 100 + summer.GetDay(), 20260714);
-    EXPECT_EQ(summer.GetHour() * 10000 + summer.GetMinute() * 100 + summer.GetSecond(), 90507);
+    EXPECT_EQ(Line({summer.GetYear(), summer.GetMonth(), summer.GetDay()}), "2026 7 14");
+    EXPECT_EQ(Line({summer.GetHour(), summer.GetMinute(), summer.GetSecond()}), "9 5 7");
     EXPECT_STREQ(summer.Format("[%Y/%m/%d %H:%M:%S],"), "[2026/07/14 09:05:07],");
     EXPECT_STREQ(summer.Format("%b %p"), "Jul AM") << "names are not those of the locale";
     EXPECT_GT(summer, CTime(1969, 12, 31, 23, 59, 59));
@@ -25,7 +25,7 @@ TEST(Time, HasAResultForEveryValue) {
     using Int = std::numeric_limits<int>;
     for (const CTime& time : {CTime(std::numeric_limits<std::int64_t>::max()), CTime(Int::min(), 1, 1, 0, 0, 0),
                               CTime(Int::max(), Int::max(), Int::max(), 0, 0, 0), CTime(2026, Int::min(), 1, 0, 0, 0)})
-        EXPECT_TRUE(time.GetYear() == 0 && time.Format("%Y") == "");
+        EXPECT_EQ(Line({time.GetYear(), time.Format("%Y")}), "0 ");
     EXPECT_STREQ(CTime().Format(nullptr), "");
     EXPECT_STREQ(CTime().Format("%099999999Y"), "") << "no text without bound";
     EXPECT_EQ(CTime().Format(std::string(1000, 'x').c_str()).GetLength(), 1000);
@@ -41,13 +41,13 @@ TEST(OleDateTime, DaysAreCountedFromTheEndOf1899) {
          }) {
         const COleDateTime date(year, month, day, 0, 0, 0);
         EXPECT_EQ(date.m_dt, number);
-        EXPECT_EQ(date.GetYear() * 10000 + date.GetMonth() * 100 + date.GetDay(), year * 10000 + month * 100 + day);
+        EXPECT_EQ(Line({date.GetYear(), date.GetMonth(), date.GetDay()}), Line({year, month, day}));
     }
     const COleDateTime before(1899, 12, 29, 6, 0, 0);
     EXPECT_EQ(before.m_dt, -1.25);
-    EXPECT_EQ(before.GetDay() * 100 + before.GetHour(), 2906);
+    EXPECT_EQ(Line({before.GetDay(), before.GetHour()}), "29 6");
     const COleDateTime almost(2.0 - 1e-9);  // less than half a second before the next day
-    EXPECT_EQ(almost.GetMonth() * 10000 + almost.GetDay() * 100 + almost.GetHour(), 10100);
+    EXPECT_EQ(Line({almost.GetMonth(), almost.GetDay(), almost.GetHour()}), "1 1 0");
 }
 
 TEST(OleDateTime, WhatIsNoDateIsInvalid) {
@@ -63,7 +63,8 @@ TEST(OleDateTime, WhatIsNoDateIsInvalid) {
          }) {
         COleDateTime date(5.5);
         EXPECT_EQ(date.SetDateTime(year, month, day, hour, minute, second), 1);
-        EXPECT_TRUE(date.GetStatus() == COleDateTime::invalid && date.m_dt == 0 && date.GetYear() == -1);
+        EXPECT_EQ(Line({date.m_dt, date.GetYear()}), "0 -1");
+        EXPECT_EQ(date.GetStatus(), COleDateTime::invalid);
     }
     for (const double day : {HUGE_VAL, -HUGE_VAL, std::nan(""), 2958466.0, 2958466.0 - 1e-9, -657435.0})
         EXPECT_EQ(COleDateTime(day).GetSecond(), -1) << day;

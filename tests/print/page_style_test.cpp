@@ -114,16 +114,19 @@ TEST_F(PageStyle, OwnsOneContext) {
     const HDC first = style.GetSelectedPrinterDC();
     style = *&style;
     EXPECT_EQ(style.MovePrinterDC(style), 1);
-    EXPECT_TRUE(IsContext(first) && style.GetSelectedPrinterDC() == first) << "to itself";
+    EXPECT_TRUE(IsContext(first)) << "to itself";
+    EXPECT_EQ(style.GetSelectedPrinterDC(), first) << "to itself";
 
     ASSERT_EQ(other.SelectPrinter(), 1);
     const HDC second = other.GetSelectedPrinterDC();
     EXPECT_EQ(other.MovePrinterDC(style), 1);
     EXPECT_FALSE(IsContext(second));
-    EXPECT_TRUE(other.GetSelectedPrinterDC() == first && style.GetSelectedPrinterDC() == nullptr);
+    EXPECT_EQ(other.GetSelectedPrinterDC(), first);
+    EXPECT_EQ(style.GetSelectedPrinterDC(), nullptr);
     EXPECT_EQ(CQelPrintJobPageStyle(other).GetSelectedPrinterDC(), nullptr);
     static_cast<CQelPrintJobPageStyle&>(style) = other;
-    EXPECT_TRUE(IsContext(first) && style.GetSelectedPrinterDC() == nullptr);
+    EXPECT_TRUE(IsContext(first));
+    EXPECT_EQ(style.GetSelectedPrinterDC(), nullptr);
     other = style;
     EXPECT_FALSE(IsContext(first));
     ASSERT_EQ(other.SelectPrinter(), 1);
@@ -151,7 +154,8 @@ TEST_F(PageStyle, MakesContextsWithItsForm) {
             const auto tenths = [&](int index) { return MulDiv(dc.GetDeviceCaps(index), 254, 600); };
             EXPECT_NEAR(tenths(PHYSICALWIDTH), style.GetPaperSize().cx, tolerance) << form;
             EXPECT_NEAR(tenths(PHYSICALHEIGHT), style.GetPaperSize().cy, tolerance) << form;
-            EXPECT_TRUE(style.GetDpi() == 600 && style.GetUnit() == 2 && style.GetSelectedPrinterDC() == nullptr);
+            EXPECT_EQ(Line({style.GetDpi(), style.GetUnit()}), "600 2");
+            EXPECT_EQ(style.GetSelectedPrinterDC(), nullptr);
         }
     }
     CPrintInfo info;

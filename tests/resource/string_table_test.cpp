@@ -25,7 +25,7 @@ TEST(StringTable, HasTheLibrarysTextsInBothLanguagesAndEveryPage) {
     }
     for (const UINT id : {0U, 2047U, 2080U, 28004U, 0xFFFFFFFFU}) {
         CString text("before");
-        EXPECT_TRUE(text.LoadString(id) == 0 && text == "" && CQELResource::GetUnitText(id) == "") << id;
+        EXPECT_EQ(Line({text.LoadString(id), text, CQELResource::GetUnitText(id)}), "0  ") << id;
     }
 }
 
@@ -66,7 +66,7 @@ TEST(QelResource, UnitsAreFoundByTheirTextsAndModelsByTheirIndex) {
         for (int i = 0; i < CQELResource::GetUnitCount(); ++i)
             EXPECT_EQ(CQELResource::GetUnitID(CQELResource::GetUnitText(2048 + static_cast<UINT>(i))), 2048 + i);
     }
-    EXPECT_TRUE(CQELResource::GetUnitCount() == 32 && CQELResource::GetUnitText(2056) == "mol/L");
+    EXPECT_EQ(Line({CQELResource::GetUnitCount(), CQELResource::GetUnitText(2056)}), "32 mol/L");
     // "None" is a text of the table, but no unit.
     EXPECT_EQ(CQELResource::GetUnitText(27010), "");
     for (const char* text : {"None", "MOL/L", "", static_cast<const char*>(nullptr)})

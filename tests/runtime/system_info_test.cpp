@@ -9,8 +9,10 @@ TEST(SystemInfo, AVersionIsComparedByBothNumbers) {
     int major = 0, minor = 0;
     CSystemInfo::GetSystemVersion(&major, &minor);
     EXPECT_GE(major, 3);
-    EXPECT_TRUE(CSystemInfo::IsSystemVersion(major, minor) && CSystemInfo::IsSystemVersion(major - 1, minor + 1));
-    EXPECT_FALSE(CSystemInfo::IsSystemVersion(major, minor + 1) || CSystemInfo::IsSystemVersion(major + 1, 0));
+    EXPECT_EQ(Line({CSystemInfo::IsSystemVersion(major, minor), CSystemInfo::IsSystemVersion(major - 1, minor + 1)}),
+              "1 1");
+    EXPECT_EQ(Line({CSystemInfo::IsSystemVersion(major, minor + 1), CSystemInfo::IsSystemVersion(major + 1, 0)}),
+              "0 0");
     EXPECT_FALSE(CSystemInfo::GetSystemName().IsEmpty());
 }
 
@@ -35,11 +37,12 @@ TEST(SystemInfo, ADialUpConnectionIsAnInterfaceOfThatKindThatIsUp) {
         interfaces.Write(name + "/operstate", std::string(state) + "\n");
         return qel::IsDialUpConnected(interfaces.Posix());
     };
-    EXPECT_FALSE(add("eth0", "up") || add("ppp0", "down") || qel::IsDialUpConnected(interfaces.Posix("none")));
+    EXPECT_EQ(Line({add("eth0", "up"), add("ppp0", "down"), qel::IsDialUpConnected(interfaces.Posix("none"))}),
+              "0 0 0");
     EXPECT_TRUE(add("ppp1", "unknown"));
 }
 
 TEST(SystemInfo, ARestartSucceedsWhenItsProgramDoes) {
     EXPECT_TRUE(qel::RunCommand({"true", "-r", "now"}));
-    EXPECT_FALSE(qel::RunCommand({"false"}) || qel::RunCommand({"no-such-program"}) || qel::RunCommand({}));
+    EXPECT_EQ(Line({qel::RunCommand({"false"}), qel::RunCommand({"no-such-program"}), qel::RunCommand({})}), "0 0 0");
 }

@@ -26,7 +26,7 @@ TEST(WorkerThreadCtrl, ActsOnTheFirstRecordOfItsThread) {
     const CWorkerThreadCtrl copy(*first);
     EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(0), 1);
     first.reset();
-    EXPECT_EQ(copy.IsStop() * 10 + copy.IsPause(), 10);  // no record left
+    EXPECT_EQ(Line({copy.IsStop(), copy.IsPause()}), "1 0");  // no record left
     EXPECT_EQ(CWorkerThreadCtrl::GetThreadCount(0), 0);
 }
 
@@ -86,8 +86,13 @@ TEST(WorkerThreadCtrl, AForkedChildHasAnEmptyTableThatIsNotLocked) {
             CWorkerThreadCtrl::GetThreadCount(0);
         }
     });
-    for (int i = 0; i < 20; ++i)
-        EXPECT_EQ(InChild([&] { return CWorkerThreadCtrl::GetThreadCount(0) * 10 + own.IsStop(); }), 1);
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(InChild([&] {
+                      EXPECT_EQ(Line({CWorkerThreadCtrl::GetThreadCount(0), own.IsStop()}), "0 1");
+                      return testing::Test::HasFailure();
+                  }),
+                  0);
+    }
     done = true;
     busy.join();
     EXPECT_EQ(own.IsStop(), 0);

@@ -77,7 +77,8 @@ TEST(CryptXMLDocument, BadPathsAndEmptyDocumentsReturn0) {
                   "0 0 0");
     EXPECT_EQ(out, "old");
     EXPECT_EQ(Line({document.GetTagCount("A"), document.GetTagCount("B"), document.GetTagCount("count(A)")}), "1 0 -1");
-    EXPECT_TRUE(document.GetNodeXml("@k", out) != 0 && out == "k=\"v\"");
+    EXPECT_NE(document.GetNodeXml("@k", out), 0);
+    EXPECT_EQ(out, "k=\"v\"");
     EXPECT_EQ(Line({document.DeleteTag("@k"), document.DeleteTag("A")}), "0 1");
     EXPECT_EQ(document.Xml(), "<?xml version=\"1.0\"?>\r\n<r k=\"v\"/>\r\n");
     EXPECT_EQ(document.DeleteTag("."), 1);  // a declaration alone could not be loaded again

@@ -68,7 +68,7 @@ TEST_F(History, KeepsEveryVersion) {
     EXPECT_EQ(Line({cabinet.GetVersionFile(0, folder.Path("t")), cabinet.GetVersionFile(4, folder.Path("t"))}), "0 0");
     EXPECT_FALSE(folder.Has("t"));
     cabinet.Initialize();
-    EXPECT_TRUE(cabinet.GetLatestVersion() == 0 && !(cabinet.GetGUID() == guid));
+    EXPECT_EQ(Line({cabinet.GetLatestVersion(), cabinet.GetGUID() == guid}), "0 0");
 }
 
 // Three versions, written once and read by every later release: "first", nothing, and 300 bytes. A cut registration

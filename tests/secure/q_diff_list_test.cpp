@@ -12,7 +12,7 @@ TEST(DiffList, KeepsCopiesInTheOrderOfAdding) {
         list.AddDiffItem(item);
     }
     item.InitParameter();
-    EXPECT_TRUE(item.GetName().IsEmpty() && item.GetBefore().IsEmpty() && item.GetAfter().IsEmpty());
+    EXPECT_EQ(Line({item.GetName().IsEmpty(), item.GetBefore().IsEmpty(), item.GetAfter().IsEmpty()}), "1 1 1");
     const CQDiffList copy = list;
     list.InitParameter();
     EXPECT_EQ(Line({list.GetCount(), list.GetDiffItemIndex(0, &out)}), "0 0");

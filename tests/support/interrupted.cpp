@@ -11,6 +11,7 @@
 #include <set>
 
 #include "disk_record.h"
+#include "line.h"
 #include "qellib10/platform/storage/file_exception.h"
 #include "soak.h"
 
@@ -60,7 +61,7 @@ void Interrupted::SetUp() {
     m_failFrom = reinterpret_cast<decltype(m_failFrom)>(::dlsym(RTLD_DEFAULT, "FailCallsFrom"));
     m_left = reinterpret_cast<decltype(m_left)>(::dlsym(RTLD_DEFAULT, "CallsLeft"));
     m_watch = reinterpret_cast<decltype(m_watch)>(::dlsym(RTLD_DEFAULT, "WatchDisk"));
-    ASSERT_TRUE(m_fail != nullptr && m_failFrom != nullptr && m_left != nullptr && m_watch != nullptr);
+    ASSERT_EQ(Line({m_fail == nullptr, m_failFrom == nullptr, m_left == nullptr, m_watch == nullptr}), "0 0 0 0");
 }
 
 bool Interrupted::Run(const Place& place) const {
@@ -146,7 +147,8 @@ TEST_P(PowerCuts, LeaveTheOldOrTheNew) {
     m_watch(DiskRecord::Take);
     const bool done = Run(place);
     m_watch(nullptr);
-    ASSERT_TRUE(done && disk.Calls() > 0);
+    ASSERT_TRUE(done);
+    ASSERT_GT(disk.Calls(), 0u);
     const std::string after = operation.stateAfterCut(place);
     std::minstd_rand random(SoakSeed());
     disk.CutAfter(0, random);

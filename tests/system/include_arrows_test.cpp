@@ -50,12 +50,13 @@ const std::vector<Row> kStandsOn = {
     {"demo", {"demo/verify"}},
 };
 
-// The foreign libraries that others than platform include: the number type of one stands in the interface of CBCD, the
-// other one is what the companion library is about. The demonstration is an application: it takes the library as a
-// whole.
+// The foreign libraries that others than platform include.
 constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
-    {"calc", "qellib10/decnumber/"}, {"gtk", "gtk/"},      {"demo", "qellib10/qellib10.h"},
-    {"demo", "qellib10/store.h"},    {"demo", "unistd.h"},
+    {"calc", "qellib10/decnumber/"},  // its number type is in the interface of CBCD
+    {"gtk", "gtk/"},                  // what the companion library is about
+    {"demo", "qellib10/qellib10.h"},  // an application takes the library as a whole
+    {"demo", "qellib10/store.h"},     //
+    {"demo", "unistd.h"},             //
 };
 
 const Row* Find(const std::string& node) {

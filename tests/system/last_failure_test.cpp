@@ -181,7 +181,7 @@ TEST_F(Failures, OfSealsTellWhatIsWrongWithTheSeal) {
 TEST_F(Failures, OfCabinetsTellWhatCannotBeRead) {
     const CString source = Made("source", "a version"), path = Path("c");
     CHistoryCabinetFile cabinet, closed, reading;
-    ASSERT_EQ(cabinet.Create(path) && cabinet.RegistNewVersion(source) && cabinet.Close(), 1);
+    ASSERT_EQ(Line({cabinet.Create(path), cabinet.RegistNewVersion(source), cabinet.Close()}), "1 1 1");
     std::string bytes = folder.Read("c");
     bytes.back() = '?';
     const CString changed = Made("changed", bytes);
@@ -284,7 +284,7 @@ TEST_F(Failures, OfDocumentsTellNodeStateAndFile) {
 TEST_F(Failures, OfSettingsTellEntryAndPlace) {
     const RegistryScope registry;
     CPrivateProfile ini(Path("a.ini")), missing(Path("no") + "\\a.ini"), nowhere, keys("HKEY_CURRENT_USER\\Meter", 1);
-    ASSERT_EQ(ini.Set("s", "k", "v") && keys.Set("s", "k", "v"), 1);
+    ASSERT_EQ(Line({ini.Set("s", "k", "v"), keys.Set("s", "k", "v")}), "1 1");
     DWORD size = 1;
     char bytes[1] = {};
     CStringArray list;

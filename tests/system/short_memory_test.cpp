@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "../support/canvas.h"
+#include "../support/cases.h"
 #include "../support/child_process.h"
 #include "../support/failing_memory.h"
 #include "../support/interrupted.h"
@@ -268,23 +269,23 @@ TEST(ShortMemory, AnAssignedListIsTheOldOrTheNew) {
 }
 
 TEST(ShortMemory, WideLinesHeldBackAreDrawnWithoutIt) {
-    struct Case {
-        int penWidth, x;
-    };
-    for (const Case& c : {Case{3, 20}, Case{9, 0},  // the clip cuts the pen off
-                          Case{40, 20}}) {
-        SCOPED_TRACE(c.penWidth);
+    for (const auto& [penWidth, x] : Cases<int, int>{
+             {3, 20},
+             {9, 0},  // the clip cuts the pen off
+             {40, 20},
+         }) {
+        SCOPED_TRACE(penWidth);
         Canvas canvas;
-        CPen pen(PS_SOLID, c.penWidth, kRed);
+        CPen pen(PS_SOLID, penWidth, kRed);
         canvas.dc.SelectObject(&pen);
-        canvas.dc.MoveTo(c.x, 5);
-        canvas.dc.LineTo(c.x, 15);
+        canvas.dc.MoveTo(x, 5);
+        canvas.dc.LineTo(x, 15);
         FailAllocation(1);
         canvas.dc.DeleteDC();
         FailAllocation(0);
         canvas.dc.CreateCompatibleDC(nullptr);
         canvas.dc.SelectObject(&canvas.bitmap);
-        EXPECT_EQ(canvas.At(c.x, 10), kRed);
+        EXPECT_EQ(canvas.At(x, 10), kRed);
     }
 }
 

@@ -72,7 +72,8 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "--codepage 1 verify ."}) {
         SCOPED_TRACE(arguments);
         const std::string answer = folder.Qel(arguments);
-        EXPECT_TRUE(answer.starts_with("2 qel: ") && answer.find('\n') == answer.size() - 1) << answer;
+        EXPECT_TRUE(answer.starts_with("2 qel: ")) << answer;
+        EXPECT_EQ(answer.find('\n'), answer.size() - 1) << answer;
     }
     EXPECT_EQ(contents(), before) << "nothing is written";
     EXPECT_EQ(folder.Qel("cabinet lst f.hcf"), "2 qel: \"lst\" is not known; see qel --help\n");
