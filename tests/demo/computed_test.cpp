@@ -1,0 +1,111 @@
+#include "titration.h"
+
+#include <algorithm>
+
+namespace {
+
+Points Reversed(Points points) {
+    std::ranges::reverse(points);
+    return points;
+}
+
+double ResultIn(const std::string& report) {
+    double result = NAN;
+    std::istringstream(report.substr(std::min(report.find("R = "), report.size() - 4) + 4)) >> result;
+    return result;
+}
+
+}  // namespace
+
+TEST_F(Titration, ComputesTheVinegar) {
+    const std::string arguments = kVinegar;
+    const Outcome run = Run(arguments);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.out.find("* M = 60.05\n             DENSITY = 1.006\n           * EP = 16.5184\n"), std::string::npos)
+        << run.out;
+    const std::string report = m_folder.Read("results/report.txt");
+    EXPECT_TRUE(report.ends_with("Result     ACIDITY = 49.6 g/L\nLimits     from 45.0 to 55.0: kept\n")) << report;
+    EXPECT_NE(run.out.find(report), std::string::npos) << run.out;
+    EXPECT_TRUE(m_folder.Read("results/result.csv").ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));
+    EXPECT_TRUE(m_folder.Read("results/variables.qel").starts_with("\6QWCalc\0041.01"));
+    EXPECT_NE(run.out.find("so the change is found\n"), std::string::npos) << run.out;
+    EXPECT_NE(Run(arguments).out.find(", as version 2 of {"), std::string::npos);
+    EXPECT_TRUE(m_folder.Read("results/titration.log").ends_with("],registered variables.qel as version 2\r\n"));
+}
+
+TEST_F(Titration, ReadsWhatInstrumentsWrite) {
+    const std::string rising = Table(Curve(100));
+    struct Case {
+        const char* name;
+        std::string data;
+        double tolerance = 0.02;
+        const char* columns = "";
+    };
+    for (const Case& c : {
+             Case{"rising", rising},
+             Case{"falling", Table(Curve(-100))},
+             Case{"noise", Table(Curve(100, 2)), 0.05},
+             Case{"more noise", Table(Curve(-100, 1.5)), 0.075},
+             Case{"repeated volumes", Table(Curve(100, 2, 5)), 0.05},
+             Case{"last volume first", Table(Reversed(Curve(100)))},
+             Case{"a stray reading", Replaced(rising, "\n3.2,", "\n3.2,9")},
+             Case{"a missing reading", Replaced(rising, "\n3.2,", "\n3.2,---.-\n3.3,")},
+             Case{"tabs", Table(Curve(100), "\t")},
+             Case{"decimal comma", Table(Curve(100), ";", ",")},
+             Case{"decimal comma in quotation marks", Table(Curve(100), "\",\"", ",", "\"\",\"") + "\"", 0.02,
+                  "[curve]\nvolume = 2\nsignal = 3\n"},
+             Case{"order mark, CR LF, blank lines", "\xEF\xBB\xBF" + Replaced(rising, "\n", "\r\n") + "\r\n\r\n"},
+             Case{"a short table above", "1,2\n3,4\n\n" + rising},
+             Case{"lines above and below",
+                  "U;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\nmean;-;-\n", 0.02,
+                  "[curve]\nvolume = v\nsignal = U\n"},
+         }) {
+        SCOPED_TRACE(c.name);
+        const Outcome run = Run(c.data, Settings("EP*F", c.columns));
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_NEAR(ResultIn(run.out), 10.2, c.tolerance) << run.out;
+    }
+}
+
+TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
+    const std::string curve = Table(Curve(100));
+    EXPECT_EQ(Run(curve, Settings("EP*F")).status, 0);
+    const std::string changed = Run(curve, Settings("EP*F*2", "[limits]\nhigh = 20\n")).out;
+    EXPECT_NE(changed.find(": 2 changed\n           result/formula: EP*F -> EP*F*2\n"
+                           "           limits/high: nothing -> 20\n"),
+              std::string::npos)
+        << changed;
+    EXPECT_NE(changed.find("Limits     to 20.000: too high\n"), std::string::npos) << changed;
+    const std::string method = m_folder.Read("results/first/method.xml");
+    EXPECT_TRUE(method.starts_with('\0'));
+    EXPECT_EQ(method.find("EP*F"), std::string::npos);
+
+    // As if the program had been killed while it wrote the second record.
+    std::filesystem::resize_file(Path("results/first/renewals.qel"),
+                                 std::filesystem::file_size(Path("results/first/renewals.qel")) - 1);
+    qel::UserStore store(m_folder.Path("results/first/users.db"));
+    store.Connect();
+    CUserInfo helper;
+    helper.SetUsername("helper");
+    helper.SetPassword("secret");
+    ASSERT_EQ(store.AddUser(helper), 1);
+    const std::string asHelper = "--out results/first --user helper --password secret --data data.csv";
+    const Outcome third = Run(asHelper + " --comment why");
+    EXPECT_NE(third.out.find("User       helper\nMethod     method.xml, as it was\n"), std::string::npos) << third.err;
+    EXPECT_NE(third.out.find("by helper: why\n"), std::string::npos) << third.out;
+    m_folder.Write("settings.ini", Settings("EP"));
+
+    for (const auto& [arguments, message] : Cases<std::string, const char*>{
+             {"--out results/first --take-out 1", "by demo: from data.csv\n"},
+             {"--out results/first --take-out 2", "by an unknown operator\n"},
+             {"--out results/first --take-out 3", "by helper: why\n"},
+             {"--out results/first --take-out 4", "there is no version 4, the latest is 3\n"},
+             {"--out results/first --take-out 0", "\"0\" is not a version"},
+             {"--out results/first --take-out 1 --password x", "\"demo\" is not logged on"},
+             {asHelper + " --settings settings.ini", "helper may not change the method\n"}}) {
+        const Outcome run = Run(arguments);
+        EXPECT_NE((run.out + run.err).find(message), std::string::npos) << message << run.out << run.err;
+        EXPECT_EQ(run.status, run.err.empty() ? 0 : 1);
+    }
+    EXPECT_NEAR(ResultIn(Run("--out results/first --take-out 1").out), 10.2, 0.02);
+}

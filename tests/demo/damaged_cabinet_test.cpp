@@ -1,0 +1,19 @@
+#include "verified.h"
+
+TEST_F(Verified, DamageOfTheCabinetIsFound) {
+    ExpectFound({
+        {"results.hcf", Flip(30), "FAILED: results.hcf: is missing or in use, or its header is damaged"},
+        {"results.hcf", Append("x"), "FAILED: results.hcf: has 1 byte after the last version"},
+        {"results.hcf", Flip(100), "FAILED: version 1 in results.hcf: its data do not fit its header"},
+    });
+}
+
+TEST_F(Verified, DamageOfRecordsAndUsersIsFound) {
+    ExpectFound({
+        {"renewals.qel", Flip(130), "FAILED: renewals.qel: has "},
+        {"renewals.qel", FlipIn("demo"), "FAILED: users.db: has no user \"eemo\", who registered a version"},
+        {"users.db", Flip(20), "FAILED: users.db: "},
+        {"users.db", Flip(24), "FAILED: users.db: has 2"},  // the number of its changes
+        {"users.db", nullptr, "FAILED: users.db: unable to open"},
+    });
+}
