@@ -15,6 +15,8 @@
 #include "qellib10/calc/dec_number.h"
 #include "qellib10/calc/formula_sentence.h"
 #include "qellib10/calc/qw_calc.h"
+#include "qellib10/curve/end_point.h"
+#include "qellib10/curve/points.h"
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/check_datafile_format.h"
 #include "qellib10/file/check_sums.h"

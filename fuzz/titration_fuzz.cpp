@@ -9,7 +9,6 @@
 
 #include "../tests/support/temp_folder.h"
 #include "demo/curve/csv_table.h"
-#include "demo/curve/end_point.h"
 #include "demo/method/method_file.h"
 #include "demo/method/method_ini.h"
 #include "demo/method/settings.h"
@@ -27,6 +26,8 @@ titration::Method Kept(const TempFolder& folder, const titration::Method& method
     return titration::MethodFile(folder.Name("method.xml")).Kept();
 }
 
+void RequireOneLine(std::string_view text) { Require(text.find('\n') == std::string_view::npos); }
+
 void Evaluate(std::string_view data, std::string_view text) {
     static const TempFolder folder;
     folder.Write("settings.ini", std::string(text));
@@ -35,7 +36,7 @@ void Evaluate(std::string_view data, std::string_view text) {
     const titration::Method kept = Kept(folder, method);
     Require(titration::Differences(kept, Kept(folder, kept)).GetCount() == 0);
     const titration::Curve curve = titration::ReadCurve(data, settings.volumeColumn, settings.signalColumn);
-    const titration::EndPoint endPoint = titration::FindEndPoint(curve);
+    const qel::EndPoint endPoint = qel::FindEndPoint(curve);
     const auto [lowest, highest] = std::ranges::minmax(curve.volume);
     Require(endPoint.volume >= lowest && endPoint.volume <= highest);
     Require(std::isfinite(endPoint.slope) && std::isfinite(endPoint.signal) && endPoint.slope != 0);
@@ -51,7 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         Evaluate(input.substr(0, end), input.substr(std::min(end + 1, size)));
     } catch (const titration::Failure& failure) {
-        Require(std::string_view(failure.what()).find('\n') == std::string_view::npos);
+        RequireOneLine(failure.what());
+    } catch (const qel::DataError& refusal) {
+        RequireOneLine(refusal.what());
     }
     return 0;
 }

@@ -5,12 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include <qellib10/qellib10.h>
+
 namespace titration {
 
 /// A measured curve in the order of its file.
-struct Curve {
-    std::vector<double> volume;
-    std::vector<double> signal;         // potential or pH, as many as volumes
+struct Curve : qel::TitrationCurve {
     std::size_t firstLine = 0;          // of the table in its file, counted from 1
     std::size_t lastLine = 0;           // the last line with a point
     std::size_t linesWithoutPoint = 0;  // between those two: a reading is missing there

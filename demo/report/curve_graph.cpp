@@ -30,13 +30,14 @@ qel::AxisSteps StepsAround(const std::vector<double>& values) {
 }
 
 // Of means, if there are more points than a page can show.
-Points SlopeToShow(const Points& points, const EndPoint& endPoint) {
+qel::CurvePoints SlopeToShow(const qel::CurvePoints& points, const qel::EndPoint& endPoint) {
     const std::size_t group = 1 + points.x.size() / kMaxPoints;
-    if (group == 1) return SlopeOf(points, endPoint.points);
-    return SlopeOf(MeansOf(points, group), std::max(kFewestPointsOfSlope, endPoint.points / group));
+    if (group == 1) return qel::Differentiate(points, endPoint.points);
+    return qel::Differentiate(qel::AverageGroups(points, group),
+                              std::max(kFewestPointsOfSlope, endPoint.points / group));
 }
 
-Points WithEndPoint(Points slope, const EndPoint& endPoint) {
+qel::CurvePoints WithEndPoint(qel::CurvePoints slope, const qel::EndPoint& endPoint) {
     const auto at = std::ranges::lower_bound(slope.x, endPoint.volume) - slope.x.begin();
     slope.x.insert(slope.x.begin() + at, endPoint.volume);
     slope.y.insert(slope.y.begin() + at, endPoint.slope);
@@ -54,11 +55,12 @@ CSize CurveGraph::Axis::Largest(CDC* dc) const {
     return largest;
 }
 
-CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
+CurveGraph::CurveGraph(const Curve& curve, const qel::EndPoint& endPoint, const std::string& volumeName,
                        const std::string& signalName, int dotsPerInch)
     : m_endPoint(endPoint), m_dotsPerInch(dotsPerInch) {
-    const Points measured = Merged(curve);
-    const Points slope = WithEndPoint(SlopeToShow(Smoothed(UsedPoints(curve, endPoint)), endPoint), endPoint);
+    const qel::CurvePoints measured = qel::MergeRepeats(curve);
+    const qel::CurvePoints slope =
+        WithEndPoint(SlopeToShow(qel::SmoothByMedian(qel::UsedPoints(curve, endPoint)), endPoint), endPoint);
     m_volume = {volumeName, kBlack, StepsAround(measured.x)};
     m_signal = {signalName, kBlue, StepsAround(measured.y)};
     m_slope = {"slope of " + signalName, kOrange,
@@ -77,7 +79,7 @@ CurveGraph::CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::
     SetGraphPlotflg(kSignal, measured.x.size() <= kMaxMarks ? 1 : 0);
 }
 
-void CurveGraph::AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth) {
+void CurveGraph::AddSeries(Series series, const Axis& axis, const qel::CurvePoints& points, int lineWidth) {
     SetXMinRange(series, m_volume.steps.Value(0));
     SetXMaxRange(series, m_volume.steps.Value(m_volume.steps.count));
     SetYMinRange(series, axis.steps.Value(0));

@@ -4,8 +4,7 @@
 
 #include <qellib10/qellib10.h>
 
-#include "demo/curve/end_point.h"
-#include "demo/curve/points.h"
+#include "demo/curve/csv_table.h"
 
 namespace titration {
 
@@ -17,7 +16,7 @@ namespace titration {
 class CurveGraph : public CQelGraph {
 public:
     /// @param dotsPerInch of the surface that the graph will be drawn on
-    CurveGraph(const Curve& curve, const EndPoint& endPoint, const std::string& volumeName,
+    CurveGraph(const Curve& curve, const qel::EndPoint& endPoint, const std::string& volumeName,
                const std::string& signalName, int dotsPerInch);
 
     int GraphDraw(CDC* dc, int x, int y) override;
@@ -34,12 +33,12 @@ private:
     };
 
     int Dots(int hundredthsOfMillimetre) const { return hundredthsOfMillimetre * m_dotsPerInch / 2540; }
-    void AddSeries(Series series, const Axis& axis, const Points& points, int lineWidth);
+    void AddSeries(Series series, const Axis& axis, const qel::CurvePoints& points, int lineWidth);
     void ReserveTextMargins(CDC* dc);
     void DrawTexts(CDC* dc);
     void DrawEndPoint(CDC* dc);
 
-    const EndPoint m_endPoint;
+    const qel::EndPoint m_endPoint;
     const int m_dotsPerInch;
     Axis m_volume, m_signal, m_slope;
 };

@@ -32,7 +32,7 @@ std::string RoundUpText(const CCalcVariableList& variables) {
 
 constexpr std::size_t kMaxStraysShown = 6;
 
-std::string StrayText(const Curve& curve, const EndPoint& endPoint) {
+std::string StrayText(const Curve& curve, const qel::EndPoint& endPoint) {
     const std::size_t count = endPoint.strays.size();
     std::string text = Counted(static_cast<long long>(count), "stray reading") + " left out, at ";
     for (std::size_t i = 0; i < std::min(count, kMaxStraysShown); ++i) {

@@ -120,7 +120,7 @@ void AddTable(Layout& layout, const Titration& titration) {
     const Result& result = titration.result;
     layout.Fact("Curve", std::string(CQFile::GetFilenameFromPath(titration.dataFile.c_str())) + ", " +
                              std::to_string(titration.curve.volume.size()) + " points");
-    const EndPoint& endPoint = titration.endPoint;
+    const qel::EndPoint& endPoint = titration.endPoint;
     CString place;
     place.Format("%.4f, %s %.2f", endPoint.volume, ColumnText(titration.settings.signalColumn).c_str(),
                  endPoint.signal);

@@ -2,8 +2,9 @@
 
 #include <string>
 
+#include <qellib10/qellib10.h>
+
 #include "demo/curve/csv_table.h"
-#include "demo/curve/end_point.h"
 #include "demo/method/settings.h"
 #include "demo/result/calculation.h"
 
@@ -15,7 +16,7 @@ struct Titration {
     Settings settings;
     std::string dataFile;
     Curve curve;
-    EndPoint endPoint{};
+    qel::EndPoint endPoint{};
     Result result;
 };
 

@@ -34,6 +34,7 @@ const std::vector<Row> kStandsOn = {
     {"runtime", {"resource", "platform/archive", "platform/shell", "platform/sync"}},
     {"base", {"runtime", "platform/variant"}},
     {"calc", {"base"}},
+    {"curve", {"platform"}},
     {"file", {"base", "platform/ini", "platform/registry", "platform/restart"}},
     {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},

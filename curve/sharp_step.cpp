@@ -1,4 +1,4 @@
-#include "demo/curve/sharp_step.h"
+#include "qellib10/curve/sharp_step.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <numbers>
 #include <numeric>
 
-namespace titration {
+namespace qel {
 namespace {
 
 constexpr std::size_t kSlopes = 3, kReadings = kSlopes + 1;
@@ -76,7 +76,7 @@ double TopOf(const Readings& x, const Slopes& slopes, Shape shape) {
 }
 
 // The shape that the next slopes on either side speak for.
-Shape ShapeAround(const Points& points, std::size_t steepest, const Readings& x, const Slopes& slopes,
+Shape ShapeAround(const CurvePoints& points, std::size_t steepest, const Readings& x, const Slopes& slopes,
                   double direction) {
     if (steepest < kOuter || steepest + kOuter + 1 >= points.x.size()) return Shape::level;
     const auto misfit = [&](Shape shape) {
@@ -104,11 +104,11 @@ double ErrorOfTop(const Readings& x, const Readings& y, double direction, double
     return error;
 }
 
-double SlopeAfter(const Points& points, std::size_t i, double direction) {
+double SlopeAfter(const CurvePoints& points, std::size_t i, double direction) {
     return direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]);
 }
 
-std::size_t SteepestInterval(const Points& points, double direction) {
+std::size_t SteepestInterval(const CurvePoints& points, double direction) {
     std::size_t at = 0;
     double steepest = 0;
     for (std::size_t i = 0; i + 1 < points.x.size(); ++i) {
@@ -119,7 +119,7 @@ std::size_t SteepestInterval(const Points& points, double direction) {
 }
 
 // Where an interval that is no neighbour could be as steep, the step is not sharp, and noise chose the place.
-bool IsPeak(const Points& points, std::size_t at, double direction, double noise) {
+bool IsPeak(const CurvePoints& points, std::size_t at, double direction, double noise) {
     const auto error = [&](std::size_t i) {
         return kCertainty * std::numbers::sqrt2 * noise / (points.x[i + 1] - points.x[i]);
     };
@@ -133,7 +133,7 @@ bool IsPeak(const Points& points, std::size_t at, double direction, double noise
 
 }  // namespace
 
-std::optional<Step> SharpStep(const Points& points, double direction, double noise) {
+std::optional<Step> SharpStep(const CurvePoints& points, double direction, double noise) {
     const std::size_t at = SteepestInterval(points, direction);
     if (at == 0 || at + kSlopes > points.x.size()) return std::nullopt;
     Readings x, y;
@@ -147,9 +147,9 @@ std::optional<Step> SharpStep(const Points& points, double direction, double noi
         isAlone = isAlone && slopes[1] - slopes[i] > error + kCertainty * std::numbers::sqrt2 * noise / (x[2] - x[1]);
         slopes[i] = std::max(slopes[i], error);
     }
-    if (!areCertain && !isAlone) return std::nullopt;
-    areCertain = areCertain && IsPeak(points, at, direction, noise) &&
-                 std::max(x[1] - x[0], x[3] - x[2]) <= kUneven * (x[2] - x[1]);
+    const bool isPeak = IsPeak(points, at, direction, noise);
+    if (!isAlone && !(areCertain && isPeak)) return std::nullopt;
+    areCertain = areCertain && isPeak && std::max(x[1] - x[0], x[3] - x[2]) <= kUneven * (x[2] - x[1]);
     const auto stepOf = [&](Shape shape) {
         const double top = TopOf(x, slopes, shape);
         Step step{std::clamp(top, x[1], x[2]), 0, direction * slopes[1], kReadings, 0, x[2] - x[1]};
@@ -162,4 +162,4 @@ std::optional<Step> SharpStep(const Points& points, double direction, double noi
     return IsSure(step) ? step : stepOf(Shape::level);
 }
 
-}  // namespace titration
+}  // namespace qel

@@ -1,4 +1,4 @@
-#include "demo/curve/step_doubts.h"
+#include "qellib10/curve/step_doubts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,9 +7,9 @@
 #include <random>
 #include <utility>
 
-#include "demo/curve/stray_readings.h"
+#include "qellib10/curve/stray_readings.h"
 
-namespace titration {
+namespace qel {
 namespace {
 
 constexpr std::size_t kNear = 7;        // readings on either side that strays could move a step from
@@ -19,7 +19,9 @@ constexpr std::size_t kLong = 500;      // readings: their noise is well known, 
 constexpr double kMove = 1.75;          // deviations: the noise of few readings is hardly known better
 constexpr double kOfSteepest = 0.5;     // a step is as steep as that
 constexpr std::size_t kFewIntervals = 3;
-constexpr double kClearRise = 6;  // deviations; else noise alone makes an interval the steepest
+// Deviations between two readings; else noise alone makes an interval the steepest. Of n differences noise makes the
+// largest about 2 sqrt(ln n).
+constexpr double kClearRise = 6, kClearOfMany = 2.6;
 constexpr int kMovedSearches = 12;
 constexpr std::size_t kMostWays = 60;  // so many leave no doubt that the place is open
 constexpr double kSamePlace = 0.25;    // of the smallest interval at the step
@@ -70,7 +72,7 @@ public:
         const double most = kSamePlace * SmallestInterval();
         return std::ranges::any_of(ways, [&](const Flags& way) {
             const auto other =
-                SteepestStep(Smoothed(KeptPoints(m_curve.readings, way)), m_curve.direction, m_curve.noise);
+                SteepestStep(SmoothByMedian(KeptPoints(m_curve.readings, way)), m_curve.direction, m_curve.noise);
             return !other || std::abs(other->volume - m_step.volume) > most;
         });
     }
@@ -78,13 +80,14 @@ public:
 private:
     // Of the readings that are near.
     bool IsClean(const Flags& leftOut) const {
-        Curve kept;
+        TitrationCurve kept;
         for (std::size_t i = m_near.first; i < m_near.last; ++i) {
             if (leftOut[i]) continue;
             kept.volume.push_back(m_curve.readings.volume[i]);
             kept.signal.push_back(m_curve.readings.signal[i]);
         }
-        return kept.volume.size() > 1 && IsOneStep(Merged(kept), m_curve.direction, m_curve.noise, m_curve.backward);
+        return kept.volume.size() > 1 &&
+               IsOneStep(MergeRepeats(kept), m_curve.direction, m_curve.noise, m_curve.backward);
     }
 
     std::vector<Window> Windows() const {
@@ -155,14 +158,14 @@ double MeanIntervalAt(const std::vector<double>& volumes, double volume) {
 
 }  // namespace
 
-Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut) {
-    Curve kept;
+CurvePoints KeptPoints(const TitrationCurve& readings, const std::vector<bool>& leftOut) {
+    TitrationCurve kept;
     for (std::size_t i = 0; i < readings.volume.size(); ++i) {
         if (leftOut[i]) continue;
         kept.volume.push_back(readings.volume[i]);
         kept.signal.push_back(readings.signal[i]);
     }
-    return Merged(kept);
+    return MergeRepeats(kept);
 }
 
 bool IsPlaceOpen(const Judged& curve, const Step& step) {
@@ -170,12 +173,13 @@ bool IsPlaceOpen(const Judged& curve, const Step& step) {
     return !around.IsClean() && around.IsPlaceOpen();
 }
 
-bool IsBesideRise(const Points& points, const Judged& curve, const Step& step, double most) {
+bool IsBesideRise(const CurvePoints& points, const Judged& curve, const Step& step, double most) {
     std::vector<double> slopes;
     for (std::size_t i = 0; i + 1 < points.x.size(); ++i)
         slopes.push_back(curve.direction * (points.y[i + 1] - points.y[i]) / (points.x[i + 1] - points.x[i]));
     const auto at = static_cast<std::size_t>(std::ranges::max_element(slopes) - slopes.begin());
-    if (std::abs(points.y[at + 1] - points.y[at]) < kClearRise * curve.noise) return false;
+    const double clear = std::max(kClearRise, kClearOfMany * std::sqrt(std::log(static_cast<double>(slopes.size()))));
+    if (std::abs(points.y[at + 1] - points.y[at]) < clear * curve.noise) return false;
     std::size_t first = at, last = at + 1;
     while (first > 0 && slopes[first - 1] > kOfSteepest * slopes[at]) --first;
     while (last < slopes.size() && slopes[last] > kOfSteepest * slopes[at]) ++last;
@@ -189,17 +193,17 @@ bool IsBesideRise(const Points& points, const Judged& curve, const Step& step, d
 
 bool CanNoiseMove(const Judged& curve, const Step& step, double most) {
     std::mt19937 random;  // always the same numbers: a curve has one end point
-    const Points kept = KeptPoints(curve.readings, curve.strays);
-    most = std::max(most, MeanIntervalAt(kept.x, step.volume) / 2);  // one short interval says little of its neighbours
+    const CurvePoints kept = KeptPoints(curve.readings, curve.strays);
     if (kept.x.size() > kLong) return false;
+    most = std::max(most, MeanIntervalAt(kept.x, step.volume) / 2);  // one short interval says little of its neighbours
     const double move = kMove * curve.noise;
     for (int i = 0; i < kMovedSearches; ++i) {
-        Points moved = kept;
+        CurvePoints moved = kept;
         for (double& signal : moved.y) signal += random() % 2 == 0 ? move : -move;
-        const auto other = SteepestStep(Smoothed(std::move(moved)), curve.direction, curve.noise);
+        const auto other = SteepestStep(SmoothByMedian(std::move(moved)), curve.direction, curve.noise);
         if (!other || std::abs(other->volume - step.volume) > most) return true;
     }
     return false;
 }
 
-}  // namespace titration
+}  // namespace qel

@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-namespace titration {
+namespace qel {
 
 /// The cubic polynomial that lies closest to points (least squares), and how far noise in them moves it.
 class CubicFit {
@@ -42,4 +42,4 @@ private:
     std::array<Vector, 4> m_r{};  // the triangular factor of the design matrix, by rows
 };
 
-}  // namespace titration
+}  // namespace qel

@@ -1,10 +1,10 @@
-#include "demo/curve/stray_readings.h"
+#include "qellib10/curve/stray_readings.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
-namespace titration {
+namespace qel {
 namespace {
 
 struct Quotient {
@@ -41,7 +41,7 @@ std::vector<bool> StrayReadings(const std::vector<double>& signal, double tolera
     return strays;
 }
 
-bool IsOneStep(const Points& points, double direction, double noise, double tolerance) {
+bool IsOneStep(const CurvePoints& points, double direction, double noise, double tolerance) {
     std::vector<Quotient> slopes;
     double steepest = 0;
     for (std::size_t i = 0; i + 1 < points.x.size(); ++i) {
@@ -56,4 +56,4 @@ bool IsOneStep(const Points& points, double direction, double noise, double tole
     return true;
 }
 
-}  // namespace titration
+}  // namespace qel

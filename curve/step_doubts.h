@@ -2,21 +2,20 @@
 
 #include <vector>
 
-#include "demo/curve/csv_table.h"
-#include "demo/curve/step_search.h"
+#include "qellib10/curve/step_search.h"
 
-namespace titration {
+namespace qel {
 
 /// What is known of a curve before its end point.
 struct Judged {
-    Curve readings;            // in the order of their volumes
+    TitrationCurve readings;   // in the order of their volumes
     std::vector<bool> strays;  // which of the readings are left out
     double direction = 1, noise = 0, tolerance = 0;
     double backward = 0;  // at most the tolerance; what goes back by more than that is no chance
 };
 
 /// The points without the readings that are left out.
-Points KeptPoints(const Curve& readings, const std::vector<bool>& leftOut);
+CurvePoints KeptPoints(const TitrationCurve& readings, const std::vector<bool>& leftOut);
 
 /// Whether strays near a step leave its place open. A reading next to a stray may be the stray itself: raised readings
 /// just before a step look like a low one just after it. So each one to three neighbouring readings (twice so, or
@@ -26,12 +25,11 @@ bool IsPlaceOpen(const Judged& curve, const Step& step);
 
 /// Whether a step that few readings lie in is more than @p most from the middle of its rise: a polynomial through
 /// uneven steps may bend beside it. Steps that many readings lie in are left to the fit.
-bool IsBesideRise(const Points& points, const Judged& curve, const Step& step, double most);
+bool IsBesideRise(const CurvePoints& points, const Judged& curve, const Step& step, double most);
 
 /// Whether noise could have chosen the step: the search is made again with every reading moved up or down by the noise,
 /// a few times over, and must come to within @p most of the same volume. The standard error of a fit knows only how far
-/// noise moves that fit, not that it may favour another one.
-/// Of more than 500 readings it is not asked.
+/// noise moves that fit, not that it may favour another one. Of more than 500 readings it is not asked.
 bool CanNoiseMove(const Judged& curve, const Step& step, double most);
 
-}  // namespace titration
+}  // namespace qel

@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "demo/curve/points.h"
+#include "qellib10/curve/points.h"
 
-namespace titration {
+namespace qel {
 
 /// A volume is sure when so many standard errors are less than half an interval between readings.
 inline constexpr double kSureErrors = 7;
@@ -35,6 +35,6 @@ double IntervalAt(const std::vector<double>& volumes, double volume);
 /// inflections that are about as steep is taken. Of very many points means of neighbours are searched first, then the
 /// points around what is found.
 /// @return nothing for fewer than 5 points, and for a curve without a step that stands out from @p noise
-std::optional<Step> SteepestStep(const Points& points, double direction, double noise);
+std::optional<Step> SteepestStep(const CurvePoints& points, double direction, double noise);
 
-}  // namespace titration
+}  // namespace qel

@@ -1,11 +1,11 @@
-#include "demo/curve/cubic_fit.h"
+#include "qellib10/curve/cubic_fit.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <vector>
 
-namespace titration {
+namespace qel {
 namespace {
 
 double Dot(const std::vector<double>& a, std::span<const double> b) {
@@ -17,11 +17,12 @@ double Dot(const std::vector<double>& a, std::span<const double> b) {
 // The columns 1, t, t^2, t^3 are made orthogonal one after the other (modified Gram-Schmidt), which bears uneven steps
 // better than the normal equations do.
 std::optional<CubicFit> CubicFit::Through(std::span<const double> x, std::span<const double> y) {
+    if (x.size() < 4) return std::nullopt;
     const auto [lowest, highest] = std::ranges::minmax(x);
     CubicFit fit;
     fit.m_center = std::midpoint(lowest, highest);
     fit.m_scale = (highest - lowest) / 2;
-    if (x.size() < 4 || !(fit.m_scale > 0)) return std::nullopt;
+    if (!(fit.m_scale > 0)) return std::nullopt;
 
     std::array<std::vector<double>, 4> q;
     Vector projections;
@@ -92,4 +93,4 @@ double CubicFit::Error(const Vector& functional) const {
     return std::sqrt(squares);
 }
 
-}  // namespace titration
+}  // namespace qel

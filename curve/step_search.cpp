@@ -1,14 +1,15 @@
-#include "demo/curve/step_search.h"
+#include "qellib10/curve/step_search.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <span>
 
-#include "demo/curve/cubic_fit.h"
-#include "demo/curve/sharp_step.h"
+#include "qellib10/curve/cubic_fit.h"
+#include "qellib10/curve/median.h"
+#include "qellib10/curve/sharp_step.h"
 
-namespace titration {
+namespace qel {
 namespace {
 
 constexpr std::size_t kFewestPoints = 5;
@@ -22,7 +23,8 @@ constexpr double kQuotientNoise = 6;      // in the difference of two readings, 
 constexpr double kUneven = 4;             // a point beyond so many intervals turns the polynomial alone
 constexpr std::size_t kShortRun = 9;
 constexpr double kAboutAsSteep = 0.9;
-constexpr double kSamePlace = 0.25;  // of an interval
+constexpr double kSamePlace = 0.25;    // of an interval
+constexpr double kNoiseOfMeans = 1.5;  // neighbours are alike after a running median, so their means have more noise
 
 using Span = std::span<const double>;
 
@@ -66,7 +68,7 @@ std::optional<Candidate> CandidateIn(Span x, Span y, double direction, double no
                      fit->Scatter()};
 }
 
-std::vector<Candidate> Candidates(const Points& points, double direction, double noise) {
+std::vector<Candidate> Candidates(const CurvePoints& points, double direction, double noise) {
     std::vector<Candidate> candidates;
     const std::size_t count = points.x.size();
     const std::size_t longest = std::clamp(count / 2, kFewestPoints, kLongestRun);
@@ -93,7 +95,7 @@ Step WithoutOvershoot(const std::vector<Candidate>& candidates, const Step& stee
     return std::abs(shortest->volume - steepest.volume) > steepest.interval / 2 ? *shortest : steepest;
 }
 
-std::optional<Step> SearchCubics(const Points& points, double direction, double noise) {
+std::optional<Step> SearchCubics(const CurvePoints& points, double direction, double noise) {
     std::vector<Candidate> candidates = Candidates(points, direction, noise);
     for (Candidate& candidate : candidates) candidate.step.interval = IntervalAt(points.x, candidate.step.volume);
     const auto steepness = [](const Candidate& candidate) { return std::abs(candidate.step.slope); };
@@ -108,7 +110,7 @@ std::optional<Step> SearchCubics(const Points& points, double direction, double 
     return best;
 }
 
-std::optional<Step> SearchAll(const Points& points, double direction, double noise) {
+std::optional<Step> SearchAll(const CurvePoints& points, double direction, double noise) {
     const std::optional<Step> cubic = SearchCubics(points, direction, noise);
     const std::optional<Step> sharp = SharpStep(points, direction, noise);
     if (!cubic || !sharp) return cubic;
@@ -120,7 +122,7 @@ std::optional<Step> SearchAll(const Points& points, double direction, double noi
 }
 
 // The points in which the runs of a search through means lie.
-Points Around(const Points& points, double volume, std::size_t reach) {
+CurvePoints Around(const CurvePoints& points, double volume, std::size_t reach) {
     const auto at = static_cast<std::size_t>(std::ranges::lower_bound(points.x, volume) - points.x.begin());
     const std::size_t first = at - std::min(at, reach), last = std::min(points.x.size(), at + reach);
     const auto part = [&](const std::vector<double>& values) {
@@ -131,7 +133,7 @@ Points Around(const Points& points, double volume, std::size_t reach) {
 }
 
 // Of an instrument whose last digit hardly changes between readings, noise cannot be seen in them.
-double RoundingNoise(const Points& points) {
+double RoundingNoise(const CurvePoints& points) {
     double smallest = std::numeric_limits<double>::infinity();
     std::size_t equal = 0;
     for (std::size_t i = 1; i < points.y.size(); ++i) {
@@ -156,19 +158,20 @@ double IntervalAt(const std::vector<double>& volumes, double volume) {
     return volumes[i] - volumes[i - 1];
 }
 
-std::optional<Step> SteepestStep(const Points& points, double direction, double noise) {
+std::optional<Step> SteepestStep(const CurvePoints& points, double direction, double noise) {
     const std::size_t count = points.x.size();
     if (count < kFewestPoints) return std::nullopt;
     if (count <= kMostPoints) return SearchAll(points, direction, noise);
     noise = std::max(noise, RoundingNoise(points));
     const std::size_t group = (count + kMostPoints - 1) / kMostPoints;
-    const Points means = MeansOf(points, group);
-    std::optional<Step> coarse = SearchAll(means, direction, noise / std::sqrt(static_cast<double>(group)));
+    const CurvePoints means = AverageGroups(points, group);
+    std::optional<Step> coarse =
+        SearchAll(means, direction, kNoiseOfMeans * noise / std::sqrt(static_cast<double>(group)));
     if (!coarse) return std::nullopt;
     coarse->points *= group;
-    const Points around = Around(points, coarse->volume, std::min(coarse->points, kMostPoints / 2));
+    const CurvePoints around = Around(points, coarse->volume, std::min(coarse->points, kMostPoints / 2));
     const std::optional<Step> fine = SearchAll(around, direction, noise);
     return fine && IsSure(*fine) ? fine : coarse;
 }
 
-}  // namespace titration
+}  // namespace qel

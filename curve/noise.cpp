@@ -1,11 +1,13 @@
-#include "demo/curve/noise.h"
+#include "qellib10/curve/noise.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <vector>
 
-namespace titration {
+#include "qellib10/curve/median.h"
+
+namespace qel {
 namespace {
 
 constexpr std::size_t kRun = 4;              // points of a third difference
@@ -20,7 +22,7 @@ constexpr std::size_t kFewestRepeats = 5;
 
 // Third divided differences show no parabola, only noise and sharp bends. Each is scaled to the deviation of a single
 // point.
-double DeviationAt(const Points& points, std::size_t first) {
+double DeviationAt(const CurvePoints& points, std::size_t first) {
     double sum = 0;
     double squares = 0;
     for (std::size_t j = first; j < first + kRun; ++j) {
@@ -34,12 +36,12 @@ double DeviationAt(const Points& points, std::size_t first) {
     return std::abs(sum) / std::sqrt(squares);
 }
 
-double SlopeAt(const Points& points, std::size_t first) {
+double SlopeAt(const CurvePoints& points, std::size_t first) {
     return std::abs((points.y[first + 1] - points.y[first]) / (points.x[first + 1] - points.x[first]));
 }
 
 // Noise of that deviation alone makes no run a step: it would leave only those runs that have less of it by chance.
-bool IsLevel(const Points& points, std::size_t first, double most, double noise) {
+bool IsLevel(const CurvePoints& points, std::size_t first, double most, double noise) {
     for (std::size_t i = first; i + 1 < first + kRun; ++i) {
         if (SlopeAt(points, i) > most + kChance * noise / (points.x[i + 1] - points.x[i])) return false;
     }
@@ -56,7 +58,7 @@ double RootMeanSquare(const std::vector<double>& values, double most) {
 }  // namespace
 
 // The lower quartile, because strays and the bends of a curve with few points would fill the upper half.
-double RoughNoise(const Points& points) {
+double RoughNoise(const CurvePoints& points) {
     std::vector<double> deviations;
     for (std::size_t i = 0; i + kRun <= points.x.size(); ++i) deviations.push_back(DeviationAt(points, i));
     const auto quartile = deviations.begin() + static_cast<std::ptrdiff_t>(deviations.size() / 4);
@@ -64,7 +66,7 @@ double RoughNoise(const Points& points) {
     return *quartile / kLowerQuartile;
 }
 
-double Noise(const Points& points) {
+double Noise(const CurvePoints& points) {
     const double rough = RoughNoise(points);
     double steepest = 0;
     for (std::size_t i = 0; i + 1 < points.x.size(); ++i) steepest = std::max(steepest, SlopeAt(points, i));
@@ -78,7 +80,7 @@ double Noise(const Points& points) {
 }
 
 // Of neighbours, so that a slow drift of the electrode is not taken for noise.
-double RepeatNoise(const Curve& readings, const std::vector<bool>& strays) {
+double RepeatNoise(const TitrationCurve& readings, const std::vector<bool>& strays) {
     double squares = 0;
     std::size_t count = 0;
     for (std::size_t i = 1; i < readings.volume.size(); ++i) {
@@ -89,4 +91,4 @@ double RepeatNoise(const Curve& readings, const std::vector<bool>& strays) {
     return count < kFewestRepeats ? 0 : std::sqrt(squares / static_cast<double>(2 * count));
 }
 
-}  // namespace titration
+}  // namespace qel

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "demo/curve/points.h"
+#include "qellib10/curve/points.h"
 
-namespace titration {
+namespace qel {
 
 inline constexpr std::size_t kLongestStray = 3;  // as many neighbouring readings may be strays
 
@@ -19,6 +19,6 @@ std::vector<bool> StrayReadings(const std::vector<double>& signal, double tolera
 /// no valley of at most kLongestStray readings in it, as strays at a step leave it.
 /// @param direction 1 for a rising curve, -1 for a falling one
 /// @param noise standard deviation of a reading
-bool IsOneStep(const Points& points, double direction, double noise, double tolerance);
+bool IsOneStep(const CurvePoints& points, double direction, double noise, double tolerance);
 
-}  // namespace titration
+}  // namespace qel

@@ -1,19 +1,19 @@
-#include "demo/curve/end_point.h"
+#include "qellib10/curve/end_point.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <numeric>
 #include <string>
 
-#include <qellib10/qellib10.h>
+#include "qellib10/curve/median.h"
+#include "qellib10/curve/noise.h"
+#include "qellib10/curve/step_doubts.h"
+#include "qellib10/curve/stray_readings.h"
+#include "qellib10/platform/error.h"
 
-#include "demo/curve/noise.h"
-#include "demo/curve/step_doubts.h"
-#include "demo/curve/stray_readings.h"
-#include "demo/support/failure.h"
-#include "demo/support/number.h"
-
-namespace titration {
+namespace qel {
 namespace {
 
 constexpr std::size_t kFewestPoints = 5;
@@ -26,8 +26,9 @@ constexpr double kClearlySteeper = 1.5;
 constexpr double kOfWhole = 3;  // a step is so much steeper than the curve from its first reading to its last
 constexpr std::size_t kIntervalsAround = 5;  // on either side, whose median a gap is compared with
 constexpr double kGap = 3;
+constexpr double kLargest = 1e30, kClosest = 1e-30;  // the slopes and their squares stay within a double
 
-std::vector<std::size_t> OrderOfVolumes(const Curve& curve) {
+std::vector<std::size_t> OrderOfVolumes(const TitrationCurve& curve) {
     std::vector<std::size_t> order(curve.volume.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return curve.volume[i]; });
@@ -49,16 +50,24 @@ double Range(const std::vector<double>& signal) {
     return high - low;
 }
 
-Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
+void RequireUsualNumbers(const CurvePoints& points) {
+    const auto isLarge = [](double value) { return std::abs(value) > kLargest; };
+    if (std::ranges::any_of(points.x, isLarge) || std::ranges::any_of(points.y, isLarge))
+        throw DataError("a curve has a number beyond 1e30");
+    for (std::size_t i = 1; i < points.x.size(); ++i) {
+        if (points.x[i] - points.x[i - 1] < kClosest) throw DataError("a curve has volumes closer than 1e-30");
+    }
+}
+
+Judged Judge(const TitrationCurve& curve, const CurvePoints& all, const std::vector<std::size_t>& order) {
     Judged judged;
     for (const std::size_t i : order) {
         judged.readings.volume.push_back(curve.volume[i]);
         judged.readings.signal.push_back(curve.signal[i]);
     }
-    const Points all = Merged(curve);
     if (all.x.size() < kFewestPoints) {
-        throw Failure("an end point needs at least " + std::to_string(kFewestPoints) + " points, there are " +
-                      std::to_string(all.x.size()) + "; measure more of the curve");
+        throw DataError("an end point needs at least " + std::to_string(kFewestPoints) + " points, there are " +
+                        std::to_string(all.x.size()) + "; measure more of the curve");
     }
     judged.noise = RoughNoise(all);
     judged.direction = Direction(judged.readings.signal);
@@ -68,7 +77,7 @@ Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
     };
     double range = Range(judged.readings.signal);
     leaveOut(range);
-    if (const Points kept = KeptPoints(judged.readings, judged.strays); kept.x.size() >= kFewestPoints) {
+    if (const CurvePoints kept = KeptPoints(judged.readings, judged.strays); kept.x.size() >= kFewestPoints) {
         judged.noise = std::max(Noise(kept), RepeatNoise(judged.readings, judged.strays));
         range = Range(kept.y);  // strays may be far beyond it
         leaveOut(range);
@@ -77,20 +86,21 @@ Judged Judge(const Curve& curve, const std::vector<std::size_t>& order) {
     return judged;
 }
 
-std::string At(double volume) {
-    CString text;
-    text.Format("%.6g", volume);
-    return std::string(text);
+// As "%.6g" writes it, in any locale.
+std::string Text(double value) {
+    std::array<char, 32> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 6).ptr;
+    return std::string(text.data(), end);
 }
 
-double SlopeBetween(const Points& points, std::size_t first, std::size_t last, double direction) {
+double SlopeBetween(const CurvePoints& points, std::size_t first, std::size_t last, double direction) {
     return direction * (points.y[last] - points.y[first]) / (points.x[last] - points.x[first]);
 }
 
-double WholeSlope(const Points& points) { return std::abs(SlopeBetween(points, 0, points.x.size() - 1, 1)); }
+double WholeSlope(const CurvePoints& points) { return std::abs(SlopeBetween(points, 0, points.x.size() - 1, 1)); }
 
 // A curve that is steepest at one of its ends goes past it there, whatever else bends in between.
-void RequireStepInside(const Points& points, const Judged& curve, double slope) {
+void RequireStepInside(const CurvePoints& points, const Judged& curve, double slope) {
     const std::size_t last = points.x.size() - 1, reach = std::min(kEndIntervals, last);
     const double clear = kToleranceNoise * curve.noise;
     const auto isSteeper = [&](std::size_t from, std::size_t to) {
@@ -98,64 +108,66 @@ void RequireStepInside(const Points& points, const Judged& curve, double slope) 
         return end - clear / (points.x[to] - points.x[from]) > slope;
     };
     if (isSteeper(0, reach))
-        throw Failure("the curve begins past its step: it is steepest at its first readings; start with less titrant");
+        throw DataError(
+            "the curve begins past its step: it is steepest at its first readings; start with less titrant");
     if (isSteeper(last - reach, last))
-        throw Failure("the curve ends before its step: it is steepest at its last readings; titrate further");
+        throw DataError("the curve ends before its step: it is steepest at its last readings; titrate further");
 }
 
-[[noreturn]] void RefuseWithoutStep(const Points& points, const Judged& curve) {
+[[noreturn]] void RefuseWithoutStep(const CurvePoints& points, const Judged& curve) {
     const std::size_t last = points.x.size() - 1;
     if (last >= 2 * kEndIntervals) {
         RequireStepInside(points, curve, kClearlySteeper * WholeSlope(points));
     }
-    throw Failure("no end point: the curve has no step that stands out from its noise of " + At(curve.noise) +
-                  "; measure more readings at the step");
+    throw DataError("no end point: the curve has no step that stands out from its noise of " + Text(curve.noise) +
+                    "; measure more readings at the step");
 }
 
+std::string Readings(std::size_t count) { return std::to_string(count) + (count == 1 ? " reading" : " readings"); }
+
 // So few readings could as well be strays.
-void RequireReadingsAround(const Points& points, const Step& step) {
+void RequireReadingsAround(const CurvePoints& points, const Step& step) {
     const std::size_t before =
         static_cast<std::size_t>(std::ranges::lower_bound(points.x, step.volume) - points.x.begin());
     const std::size_t after = points.x.size() - before,
                       few = std::clamp<std::size_t>(points.x.size() / 2, 1, kLongestStray + 1);
     if (before >= few && after >= few) return;
     const bool isStart = before < few;
-    throw Failure("the curve " + std::string(isStart ? "begins" : "ends") + " at its step near " + At(step.volume) +
-                  ": " + Counted(static_cast<long long>(isStart ? before : after), "reading") +
-                  (isStart ? " before" : " after") + " it, and " + std::to_string(few) +
-                  " are needed to tell a step from strays; " +
-                  (isStart ? "start with less titrant" : "titrate further"));
+    throw DataError("the curve " + std::string(isStart ? "begins" : "ends") + " at its step near " + Text(step.volume) +
+                    ": " + Readings(isStart ? before : after) + (isStart ? " before" : " after") + " it, and " +
+                    std::to_string(few) + " are needed to tell a step from strays; " +
+                    (isStart ? "start with less titrant" : "titrate further"));
 }
 
 // Where the levels before and after a step are the same, it is none.
-void RequireLevels(const Points& points, const Judged& curve, const Step& step) {
+void RequireLevels(const CurvePoints& points, const Judged& curve, const Step& step) {
     std::size_t wrong = 0;
     for (std::size_t i = 0; i < points.x.size(); ++i) {
         const double beyond = curve.direction * (points.y[i] - step.signal) * (points.x[i] < step.volume ? 1 : -1);
         wrong += beyond > curve.tolerance ? 1 : 0;
     }
     if (wrong > kLongestStray) {
-        throw Failure("the curve comes back over its step near " + At(step.volume) + ": " + std::to_string(wrong) +
-                      " readings are on the wrong side of it; take out what is not part of this titration");
+        throw DataError("the curve comes back over its step near " + Text(step.volume) + ": " + std::to_string(wrong) +
+                        " readings are on the wrong side of it; take out what is not part of this titration");
     }
 }
 
-void RequireCertainPlace(const Points& all, const Judged& curve, const Step& step) {
+void RequireCertainPlace(const CurvePoints& all, const Judged& curve, const Step& step) {
     const double half = std::max(IntervalAt(all.x, step.volume), step.interval) / 2;
-    const Points kept = KeptPoints(curve.readings, curve.strays);
+    const CurvePoints kept = KeptPoints(curve.readings, curve.strays);
     const bool isUnsure = kSureErrors * step.error > half || IsBesideRise(kept, curve, step, half);
     if (isUnsure || CanNoiseMove(curve, step, half)) {
-        throw Failure("the end point near " + At(step.volume) + " is uncertain: noise of " + At(curve.noise) +
-                      " moves it by more than half a step between readings, " + At(half) +
-                      "; let each reading settle, or take more of them at the step");
+        throw DataError("the end point near " + Text(step.volume) + " is uncertain: noise of " + Text(curve.noise) +
+                        " moves it by more than half a step between readings, " + Text(half) +
+                        "; let each reading settle, or take more of them at the step");
     }
     const std::vector<double>& volume = curve.readings.volume;
     const auto after = std::ranges::upper_bound(volume, step.volume) - volume.begin();
     const bool isNext = curve.strays[static_cast<std::size_t>(std::min(after, std::ssize(volume) - 1))] ||
                         curve.strays[static_cast<std::size_t>(std::max<std::ptrdiff_t>(after - 1, 0))];
     if (isNext || IsPlaceOpen(curve, step)) {
-        throw Failure("stray readings at the step near " + At(step.volume) +
-                      " leave the end point open; measure again, or take the strays out of the data");
+        throw DataError("stray readings at the step near " + Text(step.volume) +
+                        " leave the end point open; measure again, or take the strays out of the data");
     }
 }
 
@@ -173,16 +185,18 @@ std::optional<std::pair<double, double>> GapAt(const std::vector<double>& volume
 
 }  // namespace
 
-EndPoint FindEndPoint(const Curve& curve) {
+EndPoint FindEndPoint(const TitrationCurve& curve) {
+    const CurvePoints all = MergeRepeats(curve);
+    RequireUsualNumbers(all);
     const std::vector<std::size_t> order = OrderOfVolumes(curve);
-    const Judged judged = Judge(curve, order);
-    const Points used = KeptPoints(judged.readings, judged.strays);
-    const std::optional<Step> step = SteepestStep(Smoothed(used), judged.direction, judged.noise);
+    const Judged judged = Judge(curve, all, order);
+    const CurvePoints used = KeptPoints(judged.readings, judged.strays);
+    const std::optional<Step> step = SteepestStep(SmoothByMedian(used), judged.direction, judged.noise);
     if (!step || std::abs(step->slope) < kOfWhole * WholeSlope(used)) RefuseWithoutStep(used, judged);
     RequireStepInside(used, judged, std::abs(step->slope));
     RequireReadingsAround(used, *step);
     RequireLevels(used, judged, *step);
-    RequireCertainPlace(Merged(curve), judged, *step);
+    RequireCertainPlace(all, judged, *step);
 
     EndPoint found{
         step->volume, step->signal, step->slope, judged.noise, step->points, {}, GapAt(used.x, step->volume)};
@@ -192,10 +206,14 @@ EndPoint FindEndPoint(const Curve& curve) {
     return found;
 }
 
-Points UsedPoints(const Curve& curve, const EndPoint& endPoint) {
+CurvePoints UsedPoints(const TitrationCurve& curve, const EndPoint& endPoint) {
     std::vector<bool> leftOut(curve.volume.size());
-    for (const std::size_t i : endPoint.strays) leftOut[i] = true;
+    for (const std::size_t i : endPoint.strays) {
+        if (i >= leftOut.size())
+            throw DataError("an end point of another curve: there is no reading " + std::to_string(i));
+        leftOut[i] = true;
+    }
     return KeptPoints(curve, leftOut);
 }
 
-}  // namespace titration
+}  // namespace qel

@@ -2,9 +2,9 @@
 
 #include <optional>
 
-#include "demo/curve/step_search.h"
+#include "qellib10/curve/step_search.h"
 
-namespace titration {
+namespace qel {
 
 /// The step of a curve by the slopes between its readings alone: the top of a parabola through what the steepest
 /// slope and its two neighbours make: their reciprocal squares where the next slopes fall with the distance from the
@@ -14,6 +14,6 @@ namespace titration {
 /// @param noise standard deviation of a reading
 /// @return nothing where the steepest slope is at an end, or one of many in a step that is not sharp; an infinite error
 /// where only the steepest slope is clear of the noise, so that the place is a guess
-std::optional<Step> SharpStep(const Points& points, double direction, double noise);
+std::optional<Step> SharpStep(const CurvePoints& points, double direction, double noise);
 
-}  // namespace titration
+}  // namespace qel
