@@ -209,6 +209,15 @@ TEST(EndPoint, DoesNotMoveWithStraysThatAreFarFromIt) {
     }
 }
 
+TEST(EndPoint, IsTheSameForReadingsInAnyOrderAndDirection) {
+    const double expected = qel::FindEndPoint(EvenCurve()).volume;
+    qel::TitrationCurve curve = EvenCurve();
+    for (double& signal : curve.signal) signal = -signal;
+    EXPECT_NEAR(qel::FindEndPoint(curve).volume, expected, 1e-9) << "falling";
+    for (auto* const values : {&curve.volume, &curve.signal}) std::ranges::reverse(*values);
+    EXPECT_NEAR(qel::FindEndPoint(curve).volume, expected, 1e-9) << "from the last volume to the first";
+}
+
 TEST(EndPoint, SaysWhyThereIsNone) {
     qel::TitrationCurve twice = EvenCurve(), level = EvenCurve();
     for (std::size_t i = 38; i < 41; ++i) twice.signal[i] += 2;

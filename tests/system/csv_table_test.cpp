@@ -41,7 +41,13 @@ TEST(CurveTable, IsReadToItsEnd) {
                                          {"1 7\n2   8\n", "1-2/0: 1 2"},
                                          {"1,5 7,5\n2,5 8,5\n", "1-2/0: 1.5 2.5"},
                                          {"| mL | pH |\n|----|----|\n| 1.5 | 7 |\n| 2 | 8 |\n", "3-4/0: 1.5 2"},
-                                         {"1.5 mL;7\n2.5 mL;8\n", "1-2/0: 1.5 2.5"}}) {
+                                         {"1.5 mL;7\n2.5 mL;8\n", "1-2/0: 1.5 2.5"},
+                                         {"1\t7\n2\t8\n", "1-2/0: 1 2"},
+                                         {"1,5;7,5\n2,5;8,5\n", "1-2/0: 1.5 2.5"},
+                                         {"\"1,5\",\"7\"\n\"2,5\",\"8\"\n", "1-2/0: 1.5 2.5"},
+                                         {"\xEF\xBB\xBF"
+                                          "1,7\r\n2,8\r\n\r\n",
+                                          "1-2/0: 1 2"}}) {
         EXPECT_EQ(Read(text), expected) << text;
     }
 }
@@ -69,6 +75,7 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
              {"V,U\n" + kFive + "1.05,7\n2,7\n", 0, "there are 2 tables"},
              {"V,U\n998 \u00B5L,7\n1.002 mL,8\n", 0, "line 3 has \"1.002 mL\" \"8\", and the table began with"},
              {"V,U,u\n1,7,8\n", 0, "line 1 has more than one column \"u\""},
+             {"U;3\n1;2\n;V;U\n;mL;mV\n7;1,5;7\n7;2,5;8\n\nmean;-;-\n", 0, "5-6/0: 1.5 2.5"},
              {"V,U\n" + spoilt, 1, "2-6/0: 1 2 3 4 5"}}) {
         EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
     }
