@@ -9,7 +9,6 @@
 #include "qellib10/platform/text/code_page.h"
 
 #include "../support/child_process.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 
 namespace {

@@ -4,7 +4,6 @@
 
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/text/string_table.h"
 

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <limits>
 
-#include "../support/line.h"
 #include "../support/test.h"
 
 // First and last line and the number of steps.

@@ -121,7 +121,10 @@ TEST_F(IniFile, RefusesWhatWouldNotBeFoundAgain) {
     };
     // clang-format on
     for (const auto& [section, key, value] : cases) EXPECT_FALSE(Set(section, key, value)) << key;
-    for (const auto& [section, entry] : {std::pair("s", "[t]"), {nullptr, "k=2"}})
+    for (const auto& [section, entry] : Cases<const char*, const char*>{
+             {"s", "[t]"},
+             {nullptr, "k=2"},
+         })
         EXPECT_FALSE(qel::AddProfileEntry(section, entry, m_name.c_str()));
     EXPECT_EQ(Bytes(), before);
 

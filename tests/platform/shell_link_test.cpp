@@ -57,7 +57,10 @@ TEST(ShellLink, HasAnEntryWhereTheDesktopLooks) {
         qel::DeleteShellLink(link);
         EXPECT_EQ(Line({folder.Has(entry), folder.Has(file + ".lnk")}), "0 0");
         // With an entry of somebody else there is no link. One of ours goes also when its link has gone before.
-        for (const auto& [code, key] : {std::pair(80, "Other"), std::pair(0, "QELLIB10-Link")}) {
+        for (const auto& [code, key] : Cases<LONG, const char*>{
+                 {80, "Other"},
+                 {0, "QELLIB10-Link"},
+             }) {
             folder.Write(entry, std::string("[Desktop Entry]\nX-") + key + "=1\n");
             EXPECT_EQ(CodeOf([&] { qel::WriteShellLink("\\none", link, std::nullopt); }), code);
             EXPECT_EQ(std::filesystem::remove(folder.Posix(file + ".lnk")), code == 0);

@@ -28,7 +28,10 @@ TEST(Module, HasThePathOfItsFile) {
 }
 
 TEST(DebugOutput, GoesWhereTheEnvironmentSays) {
-    for (const auto& [where, expected] : {std::pair("stderr", "\xE8\xA1\xA8"), std::pair("none", "")}) {
+    for (const auto& [where, expected] : Cases<const char*, const char*>{
+             {"stderr", "\xE8\xA1\xA8"},
+             {"none", ""},
+         }) {
         const EnvironmentScope output("QELLIB10_DEBUG_OUTPUT", where);
         testing::internal::CaptureStderr();
         for (const char* text : {"\x95\x5C", static_cast<const char*>(nullptr)}) OutputDebugStringA(text);

@@ -42,7 +42,10 @@ TEST(MemoryMappedFile, ABlockIsZeroAndKeepsItsSize) {
     EXPECT_EQ(block.GetDataPtr(kWrite, 0), nullptr);
     DWORD written = 7;
     EXPECT_EQ(Line({block.SetData(&written, 4, &written), written}), "0 7");
-    for (const auto& [size, error] : {std::pair(0u, 87u), std::pair(10'000u, 0u)}) {
+    for (const auto& [size, error] : Cases<DWORD, DWORD>{
+             {0, 87},
+             {10'000, 0},
+         }) {
         EXPECT_EQ(block.Open(6, name.c_str(), size), error == 0);
         EXPECT_EQ(block.GetLastError(), error);
     }

@@ -1,7 +1,6 @@
 #include "qellib10/secure/renewal_history.h"
 
 #include "../support/full_disk.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/secure/cabinet_reader.h"

@@ -5,13 +5,10 @@
 
 #include <algorithm>
 #include <ctime>
-#include <filesystem>
 #include <functional>
 #include <thread>
 
 #include "../support/child_process.h"
-#include "../support/line.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/platform/database/database.h"
 #include "qellib10/platform/failure.h"

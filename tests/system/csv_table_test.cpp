@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <sstream>
-#include <string>
 
 #include "../support/test.h"
 #include "demo/support/failure.h"

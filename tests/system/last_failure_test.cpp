@@ -1,11 +1,8 @@
 #include <functional>
-#include <string>
 #include <string_view>
 #include <thread>
 
-#include "../support/environment_scope.h"
 #include "../support/registry_scope.h"
-#include "../support/temp_folder.h"
 #include "../support/test.h"
 #include "qellib10/calc/qw_calc.h"
 #include "qellib10/file/check_datafile.h"
@@ -100,18 +97,16 @@ TEST_F(Failures, OfOperationsWithinOthersGetTheNameOfTheOuterOne) {
             return result;
         });
     };
-    struct Row {
-        std::vector<int> inner;
-        int outer;
-        std::string told;
-    };
-    for (const Row& row :
-         {Row{{0}, 0, "missing: A::Outer: thing: not there"},
-          Row{{0, 1}, 0, "missing: A::Outer: thing: not there"},  // it tidied up before it ended
-          Row{{0}, 1, "none"}, Row{{1}, 0, "refused: A::Outer: refused"}, Row{{}, 0, "refused: A::Outer: refused"}}) {
+    for (const auto& [results, result, told] : Cases<std::vector<int>, int, const char*>{
+             {{0}, 0, "missing: A::Outer: thing: not there"},
+             {{0, 1}, 0, "missing: A::Outer: thing: not there"},  // it tidied up before it ended
+             {{0}, 1, "none"},
+             {{1}, 0, "refused: A::Outer: refused"},
+             {{}, 0, "refused: A::Outer: refused"},
+         }) {
         inner(0);  // of no one any more
-        EXPECT_EQ(outer(row.inner, row.outer), row.outer);
-        EXPECT_EQ(Told(), row.told);
+        EXPECT_EQ(outer(results, result), result);
+        EXPECT_EQ(Told(), told);
     }
 }
 
@@ -221,22 +216,19 @@ TEST_F(Failures, OfFormulasTellKindAndPosition) {
     double result = 0;
     const auto check = [&](const std::string& formula) { return calc.CheckCalcFormula("", CString(formula)); };
     const auto compute = [&](const std::string& formula) { return calc.ConcCalculation(CString(formula), &result); };
-    struct Row {
-        std::string formula, told;
-    };
-    for (const Row& row : {Row{"1 + 2*-3", "syntax: syntax error at 6"}, Row{"(1 + EP", "syntax: syntax error at 7"},
-                           Row{"1.2.3", "syntax: syntax error at 3"}, Row{"1 = 2", "syntax: syntax error at 2"},
-                           Row{"2 * (EP - BLA NK)", "unknown name: BLANK: unknown name at 10"},
-                           Row{"4 / (1 - 1) * NONE", "zero divisor: division by zero at 2"},
-                           Row{std::string(256, '1'), "too long: more than 255 bytes at 255"}}) {
-        const auto told = [&](const char* operation) {
-            const std::size_t colon = row.told.find(": ") + 2;
-            return row.told.substr(0, colon) + operation + ": " + row.told.substr(colon);
-        };
-        EXPECT_EQ(check(row.formula), 0);
-        EXPECT_EQ(Told(), told("CQWCalc::CheckCalcFormula"));
-        EXPECT_EQ(compute(row.formula), 0);
-        EXPECT_EQ(Told(), told("CQWCalc::ConcCalculation"));
+    for (const auto& [formula, kind, text] : Cases<std::string, std::string, const char*>{
+             {"1 + 2*-3", "syntax", "syntax error at 6"},
+             {"(1 + EP", "syntax", "syntax error at 7"},
+             {"1.2.3", "syntax", "syntax error at 3"},
+             {"1 = 2", "syntax", "syntax error at 2"},
+             {"2 * (EP - BLA NK)", "unknown name", "BLANK: unknown name at 10"},
+             {"4 / (1 - 1) * NONE", "zero divisor", "division by zero at 2"},
+             {std::string(256, '1'), "too long", "more than 255 bytes at 255"},
+         }) {
+        EXPECT_EQ(check(formula), 0);
+        EXPECT_EQ(Told(), kind + ": CQWCalc::CheckCalcFormula: " + text);
+        EXPECT_EQ(compute(formula), 0);
+        EXPECT_EQ(Told(), kind + ": CQWCalc::ConcCalculation: " + text);
     }
     EXPECT_EQ(check("1 / EP"), 1);
     EXPECT_EQ(compute("1 / EP"), 0);
@@ -352,16 +344,16 @@ TEST_F(Failures, OfJobsPicturesAndPrintersTellFileAndPrinter) {
 }
 
 TEST_F(Failures, AreNotWhatAPrinterWithAnotherSheetReports) {
-    struct Row {
-        short form;
-        bool isOther;
-    };
-    for (const Row& row : {Row{0, false}, Row{DMPAPER_A4, false}, Row{9999, true}}) {
+    for (const auto& [form, isOther] : Cases<short, bool>{
+             {0, false},
+             {DMPAPER_A4, false},
+             {9999, true},
+         }) {
         DEVMODE mode{};
         mode.dmFields = DM_PAPERSIZE;
-        mode.dmPaperSize = row.form;
+        mode.dmPaperSize = form;
         const HDC dc = CreateDC(nullptr, "PDF", nullptr, &mode);
-        EXPECT_EQ(qel::HasOtherSheet(dc), row.isOther) << row.form;
+        EXPECT_EQ(qel::HasOtherSheet(dc), isOther) << form;
         EXPECT_EQ(Told(), "none");
         DeleteDC(dc);
     }
