@@ -14,7 +14,7 @@ constexpr std::size_t kLongestValue = 64;
 
 struct Count {
     std::size_t rows = 0;        // with two values
-    std::size_t doubts = 0;      // of those, with a field of digits that is no value: "5 2" of "1,5 2,5"
+    std::size_t doubts = 0;      // of those, with a field that another separator is in, see IsDoubtful
     std::size_t separators = 0;  // fields that are not the first of their row
 };
 
@@ -26,6 +26,14 @@ bool MayBeValue(std::string_view field) {
            std::string_view("0123456789+-.,").find(first) != std::string::npos;
 }
 
+// Digits that are no value, as "5 2" of "1,5 2,5" and "1 | 7" of "0,1 | 7,2", and those that begin with a zero which
+// nobody writes, as "0 215" of "1,0 215" and "000,7" of "1 000,7".
+bool IsDoubtful(std::string_view field, bool isValue) {
+    if (field.empty()) return false;
+    if (!isValue) return field.find_first_not_of("0123456789.,+- ;|\t") == std::string_view::npos;
+    return field.size() > 1 && field[0] == '0' && std::string_view("0123456789 ").find(field[1]) != std::string::npos;
+}
+
 void Add(const std::vector<std::string_view>& row, Count& count) {
     if (row.size() < 2) return;
     std::size_t values = 0;
@@ -33,7 +41,7 @@ void Add(const std::vector<std::string_view>& row, Count& count) {
     for (const std::string_view field : row) {
         const bool isValue = MayBeValue(field) && ReadMeasuredValue(field).has_value();
         values += isValue ? 1 : 0;
-        isDoubtful |= !isValue && !field.empty() && field.find_first_not_of("0123456789.,+- ") == std::string::npos;
+        isDoubtful |= IsDoubtful(field, isValue);
     }
     count.rows += values >= 2 ? 1 : 0;
     count.doubts += values >= 2 && isDoubtful ? 1 : 0;
