@@ -23,6 +23,16 @@ std::string ReadWhole(const std::string& path) {
     return text;
 }
 
+// Programs export a table as text only when asked to; their own files are easily taken for it.
+void RequireNoProgramsFile(std::string_view bytes, const std::string& path) {
+    constexpr std::string_view kZip("PK\x03\x04"), kOldOffice("\xD0\xCF\x11\xE0"), kGzip("\x1F\x8B");
+    const char* const what = bytes.starts_with(kZip)         ? "a spreadsheet or other compressed file"
+                             : bytes.starts_with(kOldOffice) ? "a spreadsheet's own file"
+                             : bytes.starts_with(kGzip)      ? "a compressed file"
+                                                             : nullptr;
+    if (what != nullptr) throw Failure(path + ": is " + what + ", not text; save its table as CSV in UTF-8");
+}
+
 std::string FromLittleEndian(std::string_view bytes) {
     std::u16string text;
     text.reserve(bytes.size() / 2);
@@ -50,6 +60,7 @@ std::string ReadBytes(const std::string& path) {
 
 std::string ReadTextFile(const std::string& path) {
     std::string text = ReadBytes(path);
+    RequireNoProgramsFile(text, path);
     if (text.starts_with("\xFF\xFE")) text = FromLittleEndian(std::string_view(text).substr(2));
     const std::size_t zero = text.find('\0');
     if (zero != std::string::npos)

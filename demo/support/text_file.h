@@ -15,7 +15,8 @@ void RequireOrdinaryFile(const std::string& path);
 
 /// The whole of a text file, without a byte order mark. UTF-16 that starts with FF FE, as spreadsheets write it, is
 /// converted to UTF-8.
-/// @throws Failure if it cannot be read, is larger than 64 MiB, or contains zero bytes
+/// @throws Failure if it cannot be read, is larger than 64 MiB, is a spreadsheet or a compressed file, or contains zero
+/// bytes
 std::string ReadTextFile(const std::string& path);
 
 /// The whole of a file.

@@ -4,6 +4,8 @@ TEST_F(Titration, WrongDataAndSettingsAreRefusedInOneLine) {
     const std::string good = Curve(100);
     const Cases<std::string, std::string, const char*> cases = {
         {"\n \n", Settings("EP"), "data.csv: the file is empty; expected a table"},
+        {"PK\x03\x04\x14", Settings("EP"),
+         "data.csv: is a spreadsheet or other compressed file, not text; save its table"},
         {"volume,potential\nmL,mV\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,nan\n2,inf\n3,1e999\n", Settings("EP"), "data.csv: no numbers in the columns"},
         {"1,10\n2,90\n", Settings("EP"), "data.csv: an end point needs at least 5 points, there are 2"},
