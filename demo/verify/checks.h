@@ -5,6 +5,7 @@
 #include <string>
 
 #include "demo/support/failure.h"
+#include "demo/support/progress.h"
 
 namespace titration {
 
@@ -17,7 +18,7 @@ public:
         ++m_count;
         m_done.insert(what);
         try {
-            std::printf("ok      %s: %s\n", what.c_str(), Printable(check()).c_str());
+            std::printf("ok      %s: %s\n", what.c_str(), Printable(Found(what, check)).c_str());
         } catch (const Failure& failure) {
             ++m_failed;
             std::printf("FAILED: %s: %s\n", what.c_str(), WithoutName(failure.what(), what + ": ").c_str());
@@ -29,6 +30,12 @@ public:
     int Failed() const { return m_failed; }
 
 private:
+    // The line of progress is removed before the check is shown.
+    template <class Check> static std::string Found(const std::string& what, Check& check) {
+        const Progress progress("Checking " + what);
+        return check();
+    }
+
     // Readers of a file put its name and folder into the message.
     static std::string WithoutName(std::string message, const std::string& name) {
         const std::size_t at = message.find(name);
