@@ -7,6 +7,7 @@
 
 #include "demo/curve/columns.h"
 #include "demo/curve/field_rows.h"
+#include "demo/curve/table_doubts.h"
 #include "demo/curve/table_refusals.h"
 
 namespace titration {
@@ -128,6 +129,7 @@ private:
         }
         volumes.push_back(line.volume.value);
         table.curve.signal.push_back(line.signal.value);
+        table.lines.push_back(number);
         table.curve.lastLine = number;
         table.curve.linesWithoutPoint = m_missing;
         m_withoutSignal = {};
@@ -193,12 +195,14 @@ void DropRowsBeforeTable(std::vector<Table>& tables) {
     if (first != tables.end()) tables.erase(tables.begin(), first);
 }
 
-Curve Chosen(std::vector<Table>& tables, const Columns& columns, int number, const std::vector<Row>& rows) {
+Curve Chosen(std::string_view text, const Rows& split, std::vector<Table>& tables, const Columns& columns, int number) {
     const auto count = static_cast<int>(tables.size());
     if (number > count) RefuseTableNumber(number, tables, columns);
     if (number == 0 && count > 1) RefuseSeveralTables(tables, columns);
     Table& table = tables[number == 0 ? 0 : static_cast<std::size_t>(number) - 1];
-    if (number == 0 && table.unreadable > 0) RefuseUnreadable(table, rows);
+    RequireOneMeaning(table, split, columns);
+    if (number == 0 && table.unreadable > 0) RefuseUnreadable(text, table, split.rows);
+    if (number == 0 || count > 1) RequireNoSummary(table, split.rows, columns, count == 1);
     table.curve.table = number;
     return std::move(table.curve);
 }
@@ -222,7 +226,7 @@ Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const st
     tables.End();
     if (!columns.haveNames) DropRowsBeforeTable(tables.Found());
     if (tables.Found().empty()) RefuseNumbers(text, split, columns);
-    return Chosen(tables.Found(), columns, table, split.rows);
+    return Chosen(text, split, tables.Found(), columns, table);
 }
 
 }  // namespace titration

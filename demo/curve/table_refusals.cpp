@@ -107,10 +107,26 @@ void RefuseUnits(const Row& row, std::size_t line, const Table& table) {
                   "; give all values of a column in one unit");
 }
 
-void RefuseUnreadable(const Table& table, const std::vector<Row>& rows) {
+void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows) {
     const std::size_t line = table.firstUnreadable;
     throw Failure(Count(table.unreadable, "line") + " of the table cannot be read: " + LineText(line, rows[line - 1]) +
-                  "; mend what is wrong there, or take the table without it with --table 1");
+                  EncodingHint(text) + "; mend what is wrong there, or take the table without it with --table 1");
+}
+
+void RefuseDoubtfulPoint(const Row& row, std::size_t line, const std::string& why, bool isOnlyTable) {
+    throw Failure(LineText(line, row) + ", which may be no reading of the curve: " + why + "; remove the line" +
+                  (isOnlyTable ? ", or take it as a reading with --table 1" : ""));
+}
+
+void RefuseThousands(const Row& row, std::size_t line, const std::string& field) {
+    throw Failure(LineText(line, row) + ", and \"" + field +
+                  "\" may be a number with three decimals or one of thousands; write the numbers without a sign "
+                  "between thousands, and one decimal sign in all columns");
+}
+
+void RefuseBlankInNumber(const Row& row, std::size_t line, const std::string& field) {
+    throw Failure(LineText(line, row) + " when separated by commas, and \"" + field +
+                  "\" may be one number or two; separate the fields by semicolons, without blanks in a number");
 }
 
 }  // namespace titration

@@ -16,6 +16,7 @@ struct Table {
     Curve curve;
     std::size_t unreadable = 0;  // lines with readings that cannot be read
     std::size_t firstUnreadable = 0;
+    std::vector<std::size_t> lines;      // of the points, as many as volumes
     std::string volumeUnit, signalUnit;  // of the first point
     bool isMonotone = true;              // the volumes up to here
 };
@@ -48,7 +49,16 @@ struct Table {
 /// A point has another unit than the first one of its table.
 [[noreturn]] void RefuseUnits(const Row& row, std::size_t line, const Table& table);
 
-/// There are readings in @p table that cannot be read.
-[[noreturn]] void RefuseUnreadable(const Table& table, const std::vector<Row>& rows);
+/// There are readings in @p table that cannot be read. @param text the file's, whose encoding may be the cause
+[[noreturn]] void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows);
+
+/// The point in @p line may be no reading of the curve. @param isOnlyTable it can be taken by choosing its table
+[[noreturn]] void RefuseDoubtfulPoint(const Row& row, std::size_t line, const std::string& why, bool isOnlyTable);
+
+/// A field, in @p line, has a sign that may be the decimal sign or set thousands apart.
+[[noreturn]] void RefuseThousands(const Row& row, std::size_t line, const std::string& field);
+
+/// A field, in @p line, may be two numbers: commas separate, and it has a blank.
+[[noreturn]] void RefuseBlankInNumber(const Row& row, std::size_t line, const std::string& field);
 
 }  // namespace titration

@@ -40,6 +40,13 @@ TEST(CurveTable, IsReadToItsEnd) {
                                          {"1 7\n2   8\n", "1-2/0: 1 2"},
                                          {"1,5 7,5\n2,5 8,5\n", "1-2/0: 1.5 2.5"},
                                          {"| mL | pH |\n|----|----|\n| 1.5 | 7 |\n| 2 | 8 |\n", "3-4/0: 1.5 2"},
+                                         {"0,5 215\n1,0 230\n", "1-2/0: 0.5 1"},
+                                         {"0,1 | 7,2\n0,2 | 7,3\n", "1-2/0: 0.1 0.2"},
+                                         {"1 000,7.1\n1 010,8.1\n", "1-2/0: 1000 1010"},
+                                         {"0,500;215\n1,000;216\n", "1-2/0: 0.5 1"},
+                                         {"1,000;7,1\n2;7,2\n", "1-2/0: 1 2"},
+                                         {"1.000;215\n1.125;216\n", "1-2/0: 1 1.125"},
+                                         {"1 g;7\n2 g;8\n3 g;8\n4 g;9\n4 g;9\n5 g;9\n", "1-6/0: 1 2 3 4 4 5"},
                                          {"1.5 mL;7\n2.5 mL;8\n", "1-2/0: 1.5 2.5"},
                                          {"1\t7\n2\t8\n", "1-2/0: 1 2"},
                                          {"1,5;7,5\n2,5;8,5\n", "1-2/0: 1.5 2.5"},
@@ -80,6 +87,41 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
     }
 }
 
+// A line of a summary seems to be a point of the table before it.
+TEST(CurveTable, IsRefusedWhereALineMayBeNoReading) {
+    const std::string three = "V,U,T\n1,7,25\n2,7,25\n3,8,25\n4,9,25\n";
+    for (const auto& [text, table, expected] : Cases<std::string, int, const char*>{
+             {"V,U\n" + kFive + "50.0,2.0\n", 0,
+              "line 7 has \"50.0\" \"2.0\", which may be no reading of the curve: its volume is further from 5 than 5 "
+              "times "
+              "the widest interval before; remove the line, or take it as a reading with --table 1"},
+             {"V,U\n" + kFive + "50.0,2.0\n", 1, "2-7/0: 1 2 3 4 5 50"},
+             {"V,U\n" + kFive + "3.5,8\n4.5,8\n", 0,
+              "line 7 has \"3.5\" \"8\", which may be no reading of the curve: the volume goes back from 5; remove"},
+             {"V,U\n" + kFive + "3.5,8\nV,U\n" + kFive, 1, "line 7 has \"3.5\" \"8\", which may be"},
+             {"V,U\n5,7\n4,7\n3,8\n2,8\n1,8\n2.5,8\n", 0, "line 7 has"},
+             {"V,U\n" + kFive + "5,9\n10,9\n", 0, "2-8/0: 1 2 3 4 5 5 10"},
+             {three + "5,9\n", 0, "line 6 has \"5\" \"9\", which may be no reading of the curve: it has fewer fields"},
+             {three + "5,9\n6,9\n7,9\n8,9\n9,9\n", 0, "2-10/0: 1 2 3 4 5 6 7 8 9"}}) {
+        EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
+    }
+    EXPECT_EQ(Read("3.5,2\n" + kFive).substr(0, 10), "line 1 has");
+}
+
+// Never is a value 1000 times as large, or a thousandth.
+TEST(CurveTable, IsRefusedWhereANumberHasTwoMeanings) {
+    for (const auto& [text, field] : Cases<const char*, const char*>{
+             {"1,000;7.1\n1,001;7.2\n", "line 1 has \"1,000\" \"7.1\", and \"1,000\""},
+             {"999;215\n1,234;216\n", "line 2 has \"1,234\" \"216\", and \"1,234\""},
+             {"1,000;215\n1,001;216\n", "line 1 has \"1,000\" \"215\", and \"1,000\""},
+             {"1,5;999\n1,6;1.000\n", "line 2 has \"1,6\" \"1.000\", and \"1.000\""},
+             {"0.5;998 mV\n0.6;1,000 mV\n", "line 2 has \"0.6\" \"1,000 mV\""},
+             {"999;215\n1.000;216\n", "line 2 has \"1.000\" \"216\", and \"1.000\""},
+             {"0,5 215\n1,5 230\n", "line 1 has \"0\" \"5 215\" when separated by commas, and \"5 215\" may be one"}}) {
+        EXPECT_NE(Read(text).find(field), std::string::npos) << text << Read(text);
+    }
+}
+
 TEST(CurveTable, SaysWhatWasFoundInstead) {
     for (const auto& [text, signal, expected] : Cases<std::string, const char*, const char*>{
              {"t;V;pH\n" + kFive, "mV",
@@ -92,6 +134,7 @@ TEST(CurveTable, SaysWhatWasFoundInstead) {
               "lines after it are blank or comments"},
              {"a;b;c;d\nV;pH\n", "p", "line 1 has"},
              {"t,V\nV,1\u00A0000\xA0\n", "V", "the file is not in UTF-8"},
+             {"V;pH\n1;7\n2;7\xB1\x31\n", "pH", "line 3 has \"2\" \"7?1\"; the file is not in UTF-8"},
              {"1,a\n", "2", "line 1 has \"1\" \"a\"; expected a number in field 1 and one in field 2"},
              {" \r\n", "2", "the file is empty"}}) {
         EXPECT_NE(Read(text, "1", signal).find(expected), std::string::npos) << Read(text, "1", signal);
