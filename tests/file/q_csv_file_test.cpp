@@ -50,12 +50,11 @@ TEST_F(CsvFile, AnApplicationsTextsDoNotChangeTheDefaults) {
         {28003, "'", nullptr},
     };
     // Registered texts stay to the end of a process.
-    EXPECT_EQ(InChild([] {
-                  qel::RegisterStringTable(kOfAnApplication);
-                  const CQCSVFile made;
-                  return made.GetCRLF() == "\r\n" && made.GetDelimiter() == "," && made.GetQuotationMark() == "\"";
-              }),
-              1);
+    EXPECT_TRUE(HoldsInChild([] {
+        qel::RegisterStringTable(kOfAnApplication);
+        const CQCSVFile made;
+        EXPECT_EQ(Line({made.GetCRLF(), made.GetDelimiter(), made.GetQuotationMark()}), "\r\n , \"");
+    }));
 }
 
 TEST_F(CsvFile, IsWrittenOutBeforeAnythingLooksAtIt) {

@@ -70,8 +70,10 @@ TEST(FilePlace, IsThatOfTheSystemOrTheModule) {
 
     const EnvironmentScope config("XDG_CONFIG_HOME", "/c"), folders("XDG_CONFIG_DIRS", "rel:/d:/e");
     EXPECT_EQ(Line({CQFile::GetStartupFolder(0), CQFile::GetAppDataFolder()}), R"(\c\autostart \c\)");
-    for (const auto& [family, common] :
-         {std::pair(qel::SystemFamily::Win95, "\\c\\autostart"), {qel::SystemFamily::Nt, "\\d\\autostart"}}) {
+    for (const auto& [family, common] : Cases<qel::SystemFamily, const char*>{
+             {qel::SystemFamily::Win95, "\\c\\autostart"},
+             {qel::SystemFamily::Nt, "\\d\\autostart"},
+         }) {
         qel::SetSystemFamily(family);
         EXPECT_EQ(CQFile::GetStartupFolder(1), common);
     }

@@ -82,14 +82,14 @@ TEST(Text, OfAWholeReportIsNoticedInOneShortLine) {
         "qellib10: \"20 \x81\x8B"
         "C   " +
         std::string(49, 'x') + "...\" is drawn as";
-    const int shows = InChild([&] {
+    EXPECT_TRUE(HoldsInChild([&] {
         const CodePageScope scope(932);
         TextCanvas canvas;
         qel::SetDebugOutputHook([](const char* line) { theNotice = line; });
         DrawBox(canvas.dc, report.c_str());
-        return theNotice.starts_with(shown) && theNotice.find('\n') == theNotice.size() - 1 ? 1 : 0;
-    });
-    EXPECT_EQ(shows, 1);
+        EXPECT_EQ(theNotice.substr(0, shown.size()), shown);
+        EXPECT_EQ(theNotice.find('\n'), theNotice.size() - 1);
+    }));
 }
 
 TEST(Text, LineHeightsAreRoundedAscentAndDescent) {

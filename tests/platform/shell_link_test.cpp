@@ -19,8 +19,10 @@ std::string Quoted(const std::filesystem::path& path) { return std::string(1, '\
 TEST(ShellLink, IsReadByAnotherProgram) {
     const TempFolder folder;
     folder.Write("能力.txt", "12345");
-    for (const auto& [target, expected] :
-         {std::pair("能力.txt", "File size : 5 "), {"none", "Access time : Not set"}}) {
+    for (const auto& [target, expected] : Cases<const char*, const char*>{
+             {"能力.txt", "File size : 5 "},
+             {"none", "Access time : Not set"},
+         }) {
         qel::WriteShellLink(folder.Path(target).View(), folder.Path("link").View(), CString("\x95\x5C\x8E\xA6 x"));
         const std::string read = Output("lnkinfo -c windows-932 " + Quoted(folder.Posix("link.lnk")));
         std::string path = folder.Posix(target).string();

@@ -95,9 +95,9 @@ TEST(MemoryMappedFile, CopiesShareWhatIsClosedOnce) {
     EXPECT_EQ(block.GetLastError(), 6u);
     block.Close();
     EXPECT_NE(other.GetDataPtr(kWrite, 200), nullptr);
-    EXPECT_EQ(
-        InChild([&] { return other.GetDataPtr(kRead, 0) == nullptr ? static_cast<int>(other.GetLastError()) : -1; }),
-        6);
+    EXPECT_TRUE(HoldsInChild([&] {
+        EXPECT_EQ(Line({other.GetDataPtr(kRead, 0) == nullptr, other.GetLastError()}), "1 6");
+    }));
     EXPECT_NE(other.GetDataPtr(kWrite, 200), nullptr);
 }
 
@@ -272,11 +272,10 @@ TEST(CheckRepeatExec, TheFirstKeepsTheNameAsLongAsItLives) {
     EXPECT_TRUE(IsTaken(name + "-block"));
     CCheckRepeatExec other;
     ASSERT_EQ(other.CheckRepeatExecute(name.c_str()), 0);
-    EXPECT_EQ(InChild([&] {
-                  const rlimit few = {0, 0};
-                  return ::setrlimit(RLIMIT_NOFILE, &few) == 0 && IsTaken(name) && IsTaken(name + "-free");
-              }),
-              1);
+    EXPECT_TRUE(HoldsInChild([&] {
+        const rlimit few = {0, 0};
+        EXPECT_EQ(Line({::setrlimit(RLIMIT_NOFILE, &few), IsTaken(name), IsTaken(name + "-free")}), "0 1 1");
+    }));
 }
 
 TEST(CheckRepeatExec, AKilledInstanceLeavesNoMark) {

@@ -87,11 +87,9 @@ TEST(WorkerThreadCtrl, AForkedChildHasAnEmptyTableThatIsNotLocked) {
         }
     });
     for (int i = 0; i < 20; ++i) {
-        EXPECT_EQ(InChild([&] {
-                      EXPECT_EQ(Line({CWorkerThreadCtrl::GetThreadCount(0), own.IsStop()}), "0 1");
-                      return testing::Test::HasFailure();
-                  }),
-                  0);
+        EXPECT_TRUE(HoldsInChild([&] {
+            EXPECT_EQ(Line({CWorkerThreadCtrl::GetThreadCount(0), own.IsStop()}), "0 1");
+        }));
     }
     done = true;
     busy.join();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -53,3 +54,8 @@ private:
 
 /// The result of @p body in a process of its own.
 inline int InChild(const std::function<int()>& body) { return ChildProcess(body).Wait(); }
+
+/// Whether all assertions of @p body, in a process of its own, hold.
+inline bool HoldsInChild(const std::function<void()>& body) {
+    return InChild([&] { return body(), testing::Test::HasFailure() ? 1 : 0; }) == 0;
+}
