@@ -62,7 +62,7 @@ struct FormulaNumber {
 ///     Operand                                  the result of a step, with bool Failed() const
 ///     Operand Error()
 ///     Operand Number(const FormulaNumber&)     looks the name up
-///     Operand Combine(operator, left, right)   neither of them failed; the operator stands in the text
+///     Operand Combine(operator, left, right)   neither of them failed; the operator points into the text
 template <typename Pass> class FormulaGrammar {
 public:
     using Operand = typename Pass::Operand;

@@ -14,7 +14,7 @@ using qel::FailureKind;
 
 constexpr bool IsBlank(char character) { return character == ' ' || character == '\t'; }
 
-// Where the byte stands in the formula that is number @p index of those that are no blanks.
+// The position in the formula of byte @p index, counted from 0 without blanks.
 int PositionIn(std::string_view formula, std::ptrdiff_t index) {
     std::size_t position = 0;
     for (; position < formula.size() && formula[position] != '\0'; ++position) {

@@ -11,17 +11,17 @@ enum class FailureKind {
     kNone,         ///< the last operation of this thread succeeded
     kFile,         ///< the system refused a file; Failure::systemError says why
     kArchive,      ///< an archive is damaged, ends too early or is used in the wrong direction
-    kData,         ///< bytes, a text or a document that are not what they have to be
+    kData,         ///< bytes, a text or a document in a wrong form
     kMemory,       ///< memory ran out, perhaps by the length that a file claims
-    kArgument,     ///< an argument that no such operation takes: null, a name that cannot be, a number out of range
+    kArgument,     ///< an invalid argument: null, an impossible name, a number out of range
     kState,        ///< the object cannot do it now: nothing is open, it is locked already, it was opened for reading
-    kMissing,      ///< what was asked for is not there: a version, a node, a key, a printer
+    kMissing,      ///< what was asked for does not exist: a version, a node, a key, a printer
     kRegistry,     ///< the registry refused; Failure::systemError has the code
     kPrinter,      ///< the printing system refused
     kSyntax,       ///< a formula that does not follow the grammar
     kUnknownName,  ///< a formula with a name that is no variable
     kZeroDivisor,  ///< a formula that divides by zero
-    kTooLong,      ///< a formula of more bytes than it may have
+    kTooLong,      ///< a formula with too many bytes
     kRefused       ///< no more is known
 };
 
@@ -38,7 +38,7 @@ struct Failure {
     /// The number that CFileException::m_lOsError and the registry's functions have; -1 when the reason is not the
     /// system's.
     long systemError = -1;
-    /// Where in a formula, in bytes from 0, blanks counted; -1 for all that is no formula.
+    /// The position in a formula, in bytes from 0, including blanks; -1 when the failure is in no formula.
     int position = -1;
 };
 
@@ -48,9 +48,9 @@ struct Failure {
 ///
 ///     if (seal.PackUpdateData(&file, 0) == 0) Log(qel::LastFailure().text);
 ///
-/// It is about operations that report failure by 0, false, null or a default value, and whose answer 0 has no other
-/// meaning. One that throws leaves it alone: the exception has the reason. So does a question whose answer may be no,
-/// such as CQFile::IsExist.
+/// It is set by operations that report a failure by 0, false, null or a default value, if that value has no other
+/// meaning. One that throws does not change it: the exception has the reason. Nor does a question whose result may be
+/// no, such as CQFile::IsExist.
 /// @throws std::bad_alloc
 QELLIB10_API Failure LastFailure();
 

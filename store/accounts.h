@@ -10,8 +10,8 @@
 #include "qellib10/platform/database/database.h"
 #include "qellib10/user/user_info.h"
 
-// The tables of the store (docs/formats.md). Texts are kept in UTF-8; names that differ in case only are one name. What
-// fails throws StoreError or DatabaseError; several changes belong in a Transaction of the caller's.
+// The tables of the store (docs/formats.md). Texts are kept in UTF-8; names that differ in case only are one name. A
+// step that fails throws StoreError or DatabaseError. The caller puts several changes into one Transaction.
 namespace qel {
 
 using UserId = std::int64_t;
@@ -25,7 +25,7 @@ void RequireTables(Database& database);
 /// @throws StoreError unless pages, indexes and what refers to users are as they have to be
 void RequireSound(Database& database);
 
-/// What names that are one name have in common, in UTF-8.
+/// The form of a name that does not depend on case, in UTF-8.
 std::string FoldedName(const CString& name);
 /// kNobody for an unknown name.
 UserId FindUser(Database& database, const CString& name);
@@ -37,7 +37,7 @@ std::optional<CUserInfo> ReadUser(Database& database, UserId user);
 /// Adds an account without a password, under the record's user ID or, when that is 0, a new one.
 /// @throws StoreError when name or ID are taken, or for a name that is empty, has more than 64 bytes or control codes
 UserId AddAccount(Database& database, const CUserInfo& record);
-/// Replaces what the record holds but for name, ID and password.
+/// Replaces all of the record except name, ID and password.
 void UpdateAccount(Database& database, UserId user, const CUserInfo& record);
 void DeleteAccount(Database& database, UserId user);
 

@@ -11,7 +11,7 @@ namespace {
 constexpr std::chrono::seconds kLongestWait(30);
 constexpr std::size_t kNameBytes = 8;
 
-// The name of a user may hold what no file's name can.
+// A user's name may have characters that the name of a file cannot have.
 std::string SuffixOf(const std::string& foldedName) {
     constexpr char kDigits[] = "0123456789abcdef";
     const TokenDigest digest = DigestOf(foldedName);

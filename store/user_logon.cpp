@@ -13,7 +13,7 @@
 namespace qel {
 namespace {
 
-constexpr int kMostAsked = 3;
+constexpr int kMaximumPrompts = 3;
 constexpr std::size_t kLongestToken = 256;  // bytes of its file
 
 bool IsToken(Database& database, UserId user, std::string_view password) {
@@ -40,14 +40,14 @@ int UserStore::LogonWithDialog() {
     const LogonPrompt& prompt = m_state->prompt;
     if (!prompt || !m_state->database)
         return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
-    for (LogonRequest request; request.refused < kMostAsked && prompt(request); ++request.refused) {
+    for (LogonRequest request; request.refused < kMaximumPrompts && prompt(request); ++request.refused) {
         if (Logon(request.username, request.password) != 0) return running.Ended(1);
         request.password.Empty();
     }
     return running.Ended(0);
 }
 
-// Every name and password goes the same way, so that time tells nothing about who has an account or is locked.
+// Every name and password goes the same way, so that the time shows nothing about who has an account or is locked.
 int UserStore::Logon(const CString& username, const CString& password) {
     return m_state->ResultOf("qel::UserStore::Logon", [&] {
         Database& database = m_state->Opened();

@@ -1,4 +1,4 @@
-// The operations of UserStore but those about logging on, which are in user_logon.cpp.
+// The operations of UserStore except those about logging on, which are in user_logon.cpp.
 #include "qellib10/store/user_store.h"
 
 #include "qellib10/platform/storage/private_file.h"

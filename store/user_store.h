@@ -89,7 +89,7 @@ public:
     int GetUserCount() override;
     /// @param index from 0, in the order of the names without regard to case
     CString GetUserName(int index) override;
-    /// Saves all of an existing user's record but the ID. An empty password stays what it was.
+    /// Saves all of an existing user's record except the ID. An empty password stays what it was.
     int SaveFunctionSecurity(const CUserInfo& user) override;
     /// Without a password the user cannot log on yet. With user ID 0 the store chooses one.
     int AddUser(const CUserInfo& user) override;

@@ -20,15 +20,15 @@
 
 namespace qel {
 
-/// What a UserStore has, and the steps that its operations share. A step that fails throws what ResultOf catches.
+/// The data of a UserStore, and the steps that its operations share. A step that fails throws what ResultOf catches.
 struct UserStoreState {
     UserStoreState(const CString& storePath, UserStoreSettings given) : path(storePath), settings(std::move(given)) {}
 
-    /// What @p body returns; when a step fails a value-initialized one, and LastFailure has the cause.
+    /// What @p body returns; a value-initialized one when a step fails, and LastFailure has the cause.
     /// @param name of the public operation
     template <class Body> auto ResultOf(const char* name, Body body) -> decltype(body());
-    /// All of @p change takes place or nothing. A store that has an administrator keeps one. @p last is what cannot be
-    /// taken back, and done when nothing else is left to fail but the commit.
+    /// Either all of @p change takes place or nothing. A store that has an administrator keeps one. @p last is what
+    /// cannot be taken back, and done when nothing else is left to fail but the commit.
     template <class Change> int ChangeAccounts(
         const char* name, Change change, const std::function<void()>& last = [] {});
 
@@ -50,7 +50,7 @@ struct UserStoreState {
     UserId logonUser = kNobody;
 };
 
-/// Whether it has the length of a password.
+/// Whether a password may have its length.
 bool CanBePassword(const CString& text);
 
 /// Records that SQLite refused something of the store at @p path.

@@ -18,14 +18,14 @@ struct Columns {
     std::string Text() const { return "\"" + volumeName + "\" and \"" + signalName + "\""; }
 };
 
-/// From 0; of a name nothing.
+/// From 0; nothing for a name.
 std::optional<std::size_t> ColumnNumber(const std::string& column);
 
-/// Where @p row has a column, from 0: a number as it is, a name without regard to the case of letters.
+/// The field of @p row with a column, from 0. A number is taken as it is; the case of letters in a name is ignored.
 std::optional<std::size_t> FindIn(const Row& row, const std::string& column);
 
-/// Whether @p row, which is line @p line, names the columns; they are there from then on. The names are in one line; a
-/// single one may also be further up, as in "pH;7.01".
+/// Whether @p row, which is line @p line, names the columns; then it sets where they are. The names are in one line; a
+/// single one may also be in an earlier line, as in "pH;7.01".
 bool FindNames(const Row& row, std::size_t line, Columns& columns);
 
 }  // namespace titration

@@ -13,7 +13,7 @@
 namespace titration {
 namespace {
 
-constexpr std::size_t kFewestRows = 5;  // of a table whose columns are numbers
+constexpr std::size_t kMinimumRows = 5;  // of a table whose columns are numbers
 constexpr std::string_view kDigits = "0123456789";
 
 enum class Kind { kPoint, kMissing, kNote };
@@ -138,7 +138,7 @@ private:
 
     bool IsOfNextTable(const Line& line, const Row& row) const {
         if (m_isNew || !HasKindsOf(m_firstRow, row, m_columns)) return true;
-        const bool isShort = m_tables.back().curve.volume.size() < kFewestRows;
+        const bool isShort = m_tables.back().curve.volume.size() < kMinimumRows;
         if (!HasUnits(line) && isShort && !m_columns.haveNames) return true;
         return (m_isAfterNote && StartsAgain(line.volume.value)) || GoesBackToStart(line.volume.value);
     }
@@ -159,7 +159,7 @@ private:
     bool GoesBackToStart(double volume) const {
         const Table& table = m_tables.back();
         const double first = table.curve.volume.front(), last = table.curve.volume.back();
-        if (table.curve.volume.size() < kFewestRows || first == last) return false;
+        if (table.curve.volume.size() < kMinimumRows || first == last) return false;
         const double share = (volume - first) / (last - first);
         return share <= 0 || (table.isMonotone && share < 0.5);
     }
@@ -190,7 +190,7 @@ void RequireOneColumnEach(const Row& names, const Columns& columns) {
 
 // With numbers for columns, pairs of numbers above the table look like one.
 void DropRowsBeforeTable(std::vector<Table>& tables) {
-    const auto isLong = [](const Table& table) { return table.curve.volume.size() >= kFewestRows; };
+    const auto isLong = [](const Table& table) { return table.curve.volume.size() >= kMinimumRows; };
     const auto first = std::ranges::find_if(tables, isLong);
     if (first != tables.end()) tables.erase(tables.begin(), first);
 }

@@ -17,8 +17,8 @@ struct Curve : qel::TitrationCurve {
     int table = 0;                      // the number that was chosen, 0: the only one
 };
 
-/// Reads two columns of a table as instruments write them. A curve that is read in part gives a wrong end point without
-/// a sign of it, so whatever could be more of the curve is read or refused.
+/// Reads two columns of a table as instruments write them. A curve that is read in part gives a wrong end point, and
+/// nobody notices it, so whatever could be more of the curve is read or refused.
 ///
 /// Fields are separated as SplitAsWritten finds out, and read as qel::ReadMeasuredValue does. Any lines may come before
 /// the table and after it. Blank lines, comments and other lines without a number in the two columns do not end it.

@@ -17,7 +17,7 @@ struct Separator {
 };
 constexpr Separator kSeparators[] = {
     {';', "semicolons"}, {'\t', "tabs"}, {',', "commas"}, {'|', "bars"}, {' ', "blanks"}};
-constexpr std::size_t kMostShown = 6, kLongestShown = 40;  // fields, and bytes of one
+constexpr std::size_t kMaximumShown = 6, kLongestShown = 40;  // fields, and bytes of one
 
 }  // namespace
 
@@ -50,11 +50,11 @@ bool IsBlankOrComment(const Row& row) {
 
 std::string Shown(const Row& row) {
     std::string text;
-    for (std::size_t i = 0; i < std::min(row.size(), kMostShown); ++i) {
+    for (std::size_t i = 0; i < std::min(row.size(), kMaximumShown); ++i) {
         const bool isLong = row[i].size() > kLongestShown;
         text += (i > 0 ? " \"" : "\"") + (isLong ? row[i].substr(0, kLongestShown) + "..." : row[i]) + "\"";
     }
-    return row.size() > kMostShown ? text + " ..." : text;
+    return row.size() > kMaximumShown ? text + " ..." : text;
 }
 
 }  // namespace titration

@@ -15,8 +15,8 @@ struct Rows {
     char separator = ';';
 };
 
-/// Splits @p text at the separator that qel::CsvReader finds. A line is a row: a quotation mark that none closes hides
-/// no measured values of the lines after it.
+/// Splits @p text at the separator that qel::CsvReader finds. A line is a row: a quotation mark without a closing one
+/// hides no measured values of the lines after it.
 /// @throws Failure for a line that cannot be read
 Rows SplitAsWritten(std::string_view text);
 

@@ -12,8 +12,8 @@
 namespace titration {
 namespace {
 
-constexpr std::size_t kFewestBefore = 4, kMaximumInDoubt = 4;  // points
-constexpr double kWidestJump = 5;                              // intervals
+constexpr std::size_t kMinimumBefore = 4, kMaximumInDoubt = 4;  // points
+constexpr double kMaximumJump = 5;                              // intervals
 constexpr std::string_view kDigits = "0123456789";
 
 // What the numbers of a column show about one sign, comma or point.
@@ -94,7 +94,7 @@ std::size_t FirstBack(const std::vector<double>& volumes) {
         if (std::abs(volumes[i] - volumes[0]) >= std::abs(volumes[furthest] - volumes[0])) furthest = i;
     }
     const std::size_t back = furthest + 1;
-    return back >= kFewestBefore && volumes.size() - back <= kMaximumInDoubt ? back : volumes.size();
+    return back >= kMinimumBefore && volumes.size() - back <= kMaximumInDoubt ? back : volumes.size();
 }
 
 }  // namespace
@@ -133,9 +133,9 @@ void RequireNoSummary(const Table& table, const std::vector<Row>& rows, const Co
     for (std::size_t i = 0; i < count; ++i) {
         const double interval = i > 0 ? std::abs(volumes[i] - volumes[i - 1]) : 0;
         const std::size_t fields = rows[table.lines[i] - 1].size();
-        if (i >= kFewestBefore && i + kMaximumInDoubt >= count) {
-            if (widest > 0 && interval > kWidestJump * widest)
-                refuse(i, "its volume is further from " + Text(volumes[i - 1]) + " than " + Text(kWidestJump) +
+        if (i >= kMinimumBefore && i + kMaximumInDoubt >= count) {
+            if (widest > 0 && interval > kMaximumJump * widest)
+                refuse(i, "its volume is further from " + Text(volumes[i - 1]) + " than " + Text(kMaximumJump) +
                               " times the widest interval before");
             if (fields < fewest) refuse(i, "it has fewer fields than each line before it");
         }

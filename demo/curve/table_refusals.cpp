@@ -11,7 +11,7 @@
 namespace titration {
 namespace {
 
-constexpr std::size_t kMostTablesListed = 8;
+constexpr std::size_t kMaximumTablesListed = 8;
 constexpr const char* kTried = " (semicolons, tabs, commas, bars and blanks were tried)";
 
 std::string Count(std::size_t number, const char* what) { return Counted(static_cast<long long>(number), what); }
@@ -41,12 +41,12 @@ std::string EncodingHint(std::string_view text) {
 
 std::string Listed(const std::vector<Table>& tables) {
     std::string text;
-    for (std::size_t i = 0; i < std::min(tables.size(), kMostTablesListed); ++i) {
+    for (std::size_t i = 0; i < std::min(tables.size(), kMaximumTablesListed); ++i) {
         const Curve& curve = tables[i].curve;
         text += (i > 0 ? ", " : "") + std::to_string(i + 1) + " in lines " + std::to_string(curve.firstLine) + " to " +
                 std::to_string(curve.lastLine) + " with " + Count(curve.volume.size(), "point");
     }
-    return tables.size() > kMostTablesListed ? text + " ..." : text;
+    return tables.size() > kMaximumTablesListed ? text + " ..." : text;
 }
 
 }  // namespace

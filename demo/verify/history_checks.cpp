@@ -26,8 +26,8 @@ DWORD KeptHistory::Versions() const {
 
 std::string KeptHistory::CheckCabinet() const {
     Require(m_isOpen, "is missing or in use, or its header is damaged");
-    const ULONGLONG behind = BytesAfterLastVersion();
-    Require(behind == 0, "has " + Counted(static_cast<long long>(behind), "byte") + " after the last version");
+    const ULONGLONG bytesAfter = BytesAfterLastVersion();
+    Require(bytesAfter == 0, "has " + Counted(static_cast<long long>(bytesAfter), "byte") + " after the last version");
     return std::string(m_cabinet.GetGUID().GetString()) + ", header with " +
            Counted(m_cabinet.GetLatestVersion(), "version");
 }

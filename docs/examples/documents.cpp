@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* kMethod = "method.xml";
 
-// Sets the end point's limit. What it was is added to the list of differences.
+// Sets the end point's limit. The former one is added to the list of differences.
 bool Change(const char* limit, CQDiffList& differences) {
     CCryptXMLDocument method;
     if (!method.LockFile(kMethod, 0, 1)) return false;

@@ -6,7 +6,7 @@
 namespace {
 
 constexpr int kDotsPerInch = 600;
-constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10;  // how a text stands in its box
+constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10;  // the place of a text in its box
 
 // A4 of the printer PDF in two cells, margins of 20 mm.
 CQelPrintJobPageStyle Page() {

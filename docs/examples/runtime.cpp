@@ -23,7 +23,7 @@ CString InFolder(const char* name) {
     return name + CString(" of ") + folder.Right(200);
 }
 
-// Hands the shared reading, which is ours alone meanwhile, to @p step.
+// Calls @p step with the shared reading, which nobody else can use meanwhile.
 template <class Step> bool WithReading(const Step& step) {
     CAutoLockedMemoryMappedFile block;
     if (!block.Open(kReadAndWrite, InFolder("reading"), sizeof(Reading))) return false;
@@ -49,7 +49,7 @@ int main() {
     if (instance.CheckRepeatExecute(InFolder("titrator"))) return 1;
     std::puts("the first instance");
 
-    CMemoryMappedFile keep;  // the block lives as long as anybody has it open
+    CMemoryMappedFile keep;  // the block exists as long as anybody has it open
     if (!keep.Open(kReadAndWrite, InFolder("reading"), sizeof(Reading))) return 1;
 
     std::thread measuring(Measure);

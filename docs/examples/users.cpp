@@ -1,4 +1,4 @@
-// Who may calibrate? Rights by function, asked for after a logon over the library's user store.
+// Who may calibrate? Rights by function, checked after a logon with the library's user store.
 #include <qellib10/qellib10.h>
 #include <qellib10/store.h>
 
@@ -35,16 +35,16 @@ int main() {
     user.SetSecurity(TitratorSecurity());
     setting.AddUserInfo(user);
 
-    const auto tell = [&setting](const char* name) {
+    const auto show = [&setting](const char* name) {
         std::printf("%s: calibrate %d, delete data %d\n", name, setting.GetLogonUserSecurityLevel(kCalibrate),
                     setting.GetLogonUserSecurityLevel(kDeleteData));
     };
-    tell("nobody");
+    show("nobody");
     for (const auto& [name, password] : {std::pair("mori", "violet"), std::pair("sato", "amber")}) {
         if (!setting.LogonWithoutDialog(name, password)) return 1;
-        tell(name);
+        show(name);
     }
     std::puts(setting.LogonWithoutDialog("mori", "wrong") ? "logged on" : "refused");
-    tell("nobody");
+    show("nobody");
     return 0;
 }

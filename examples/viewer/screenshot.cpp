@@ -5,7 +5,7 @@
 namespace viewer {
 namespace {
 
-// Drawn again instead of read from the screen, where other windows may be in front of it.
+// Drawn again instead of read from the screen, where other windows may cover it.
 bool Save(GtkWidget* window, const char* path) {
     const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> picture(
         cairo_image_surface_create(CAIRO_FORMAT_RGB24, gtk_widget_get_allocated_width(window),

@@ -11,14 +11,14 @@ namespace {
 
 static_assert(sizeof(PasswordHash::salt) == crypto_pwhash_argon2id_SALTBYTES);
 
-constexpr std::uint64_t kMostPasses = 16;
-constexpr std::uint64_t kMostMemory = 1 << 30;
+constexpr std::uint64_t kMaximumPasses = 16;
+constexpr std::uint64_t kMaximumMemory = 1 << 30;
 
 // Costs may come from a damaged file, so they are limited before anything is tried.
 void Derive(std::string_view password, PasswordHash& made) {
     const auto& [passes, memory] = made.cost;
-    if (passes < crypto_pwhash_argon2id_OPSLIMIT_MIN || passes > kMostPasses ||
-        memory < crypto_pwhash_argon2id_MEMLIMIT_MIN || memory > kMostMemory) {
+    if (passes < crypto_pwhash_argon2id_OPSLIMIT_MIN || passes > kMaximumPasses ||
+        memory < crypto_pwhash_argon2id_MEMLIMIT_MIN || memory > kMaximumMemory) {
         throw CryptoError("the cost of a password is out of range");
     }
     auto* const hash = reinterpret_cast<unsigned char*>(made.hash.data());

@@ -10,7 +10,7 @@ namespace qel {
 /// 256 random bits as 64 hexadecimal digits.
 std::string NewToken();
 
-/// What tells a token without being one: its BLAKE2b hash. Tokens are random, so this one may be quick.
+/// What identifies a token without being one: its BLAKE2b hash. Tokens are random, so this one may be quick.
 using TokenDigest = std::array<std::byte, 32>;
 TokenDigest DigestOf(std::string_view token);
 

@@ -59,9 +59,9 @@ TEST(QelJob, DrawsAndPrintsPages) {
     EXPECT_EQ(PngSize(folder.Read("page-2.png")), std::pair(827, 1169));
     EXPECT_NE(folder.Read("page-1.png"), folder.Read("page-2.png"));
     const std::string place = "cd " + folder.Posix().native() + " && ";
-    EXPECT_EQ(AnswerOf(place + "pdftotext page.pdf - | tr -s '\\n\\f' ' '"), "0 one two three ");
-    EXPECT_EQ(AnswerOf(place + "pdfinfo page.pdf | grep -o 'Pages.*\\|A4'"), "0 Pages:           2\nA4\n");
-    EXPECT_EQ(AnswerOf(place + "pdftotext Report.pdf - | tr -s '\\n\\f' ' '"), "0 one two ");
+    EXPECT_EQ(ResultOf(place + "pdftotext page.pdf - | tr -s '\\n\\f' ' '"), "0 one two three ");
+    EXPECT_EQ(ResultOf(place + "pdfinfo page.pdf | grep -o 'Pages.*\\|A4'"), "0 Pages:           2\nA4\n");
+    EXPECT_EQ(ResultOf(place + "pdftotext Report.pdf - | tr -s '\\n\\f' ' '"), "0 one two ");
     EXPECT_NE(folder.Read("last.svg").find(">three<"), std::string::npos);
 }
 

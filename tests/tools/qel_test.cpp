@@ -15,7 +15,7 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
     folder.Write("f.ini", "[Window]\r\nWidth=640\r\n");
     folder.Write("f.pdf", "1,2\n");
     ASSERT_EQ(folder.Qel("cabinet add f.hcf f.xml >/dev/null"), "0 ");
-    const auto contents = [&] { return AnswerOf("cd '" + folder.Posix().native() + "' && ls && cat *"); };
+    const auto contents = [&] { return ResultOf("cd '" + folder.Posix().native() + "' && ls && cat *"); };
     const std::string before = contents();
     for (const char* arguments : {"",
                                   "other",
@@ -77,7 +77,7 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
     }
     EXPECT_EQ(contents(), before) << "nothing is written";
     EXPECT_EQ(folder.Qel("cabinet lst f.hcf"), "2 qel: \"lst\" is not known; see qel --help\n");
-    EXPECT_EQ(AnswerOf("QELLIB10_CODEPAGE=7 " QELLIB10_QEL " calc 1").substr(0, 2), "2 ");
+    EXPECT_EQ(ResultOf("QELLIB10_CODEPAGE=7 " QELLIB10_QEL " calc 1").substr(0, 2), "2 ");
     for (const char* command : {"", "calc", "seal", "verify", "cabinet add", "xml", "archive", "profile get"})
         EXPECT_TRUE(folder.Qel(command + std::string(" --help")).starts_with("0 ")) << command;
     EXPECT_EQ(folder.Qel("calc 1 >/dev/full").substr(0, 1), "1");
@@ -90,7 +90,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
     const std::string complete = sources +
                                  "bash -c 'source ./qel.bash; COMP_WORDS=(\"$@\"); COMP_CWORD=$#; "
                                  "((COMP_CWORD--)); _qel; echo ${COMPREPLY[@]}' - qel ";
-    const std::string page = AnswerOf(sources + "sed 's/\\\\f[BIR]//g; s/\\\\-/-/g' qel.1");
+    const std::string page = ResultOf(sources + "sed 's/\\\\f[BIR]//g; s/\\\\-/-/g' qel.1");
     const auto synopsisOf = [&](const std::string& command) {
         const std::size_t at = page.find("\nqel " + command + ' ') + 1;
         return page.substr(at, page.find('\n', at) - at);
@@ -110,7 +110,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {
-        EXPECT_EQ(AnswerOf(complete + path + (path.empty() || path.back() == ' ' ? "''" : "")), choices) << path;
+        EXPECT_EQ(ResultOf(complete + path + (path.empty() || path.back() == ' ' ? "''" : "")), choices) << path;
         if (!path.ends_with(" --")) continue;
         const std::string synopsis = synopsisOf(path.substr(0, path.size() - 3));
         std::istringstream options(choices.substr(2));
@@ -205,7 +205,7 @@ TEST(Qel, LosesNothingThatIsThere) {
                    "c.hcf sealed.hcf && " QELLIB10_QEL " seal sealed.hcf sealed.xml >/dev/null"),
         "0 ");
     folder.Write("old", "old");
-    const auto contents = [&] { return AnswerOf("cd '" + folder.Posix().native() + "' && ls && cat *"); };
+    const auto contents = [&] { return ResultOf("cd '" + folder.Posix().native() + "' && ls && cat *"); };
     const std::string before = contents();
     for (const auto& [arguments, answer] : Cases<const char*, const char*>{
              {"cabinet extract c.hcf old --force", "1 qel: old: "},
@@ -215,7 +215,7 @@ TEST(Qel, LosesNothingThatIsThere) {
              {"cabinet add sealed.hcf old", "1 qel: sealed.hcf: is sealed, a change would cut its seal off\n"},
              {"xml set sealed.xml Unit L", "1 qel: sealed.xml: is sealed, a change would cut its seal off\n"},
          }) {
-        const std::string given = AnswerOf("cd '" + folder.Posix().native() +
+        const std::string given = ResultOf("cd '" + folder.Posix().native() +
                                            "' && trap '' XFSZ && ulimit -f 4 && " QELLIB10_QEL " " + arguments);
         EXPECT_TRUE(given.starts_with(answer)) << given;
         EXPECT_EQ(contents(), before) << arguments;

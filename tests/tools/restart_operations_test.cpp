@@ -1,10 +1,10 @@
 #include "../support/test.h"
-#include "answer_of.h"
 #include "qellib10/platform/restart/restart_record.h"
+#include "result_of.h"
 
 namespace {
 
-std::string Answer(const std::string& arguments) { return AnswerOf(QELLIB10_RESTART_OPERATIONS " " + arguments); }
+std::string Answer(const std::string& arguments) { return ResultOf(QELLIB10_RESTART_OPERATIONS " " + arguments); }
 
 }  // namespace
 

@@ -21,7 +21,7 @@ std::string Trimmed(std::string_view text) {
     return std::string(text.substr(0, text.find_last_not_of(" \t") + 1));
 }
 
-// From 0; of a name nothing.
+// From 0; nothing for a name.
 std::optional<std::size_t> NumberOf(const std::string& column) {
     std::size_t number = 0;
     const char* const end = column.data() + column.size();
@@ -32,7 +32,7 @@ std::optional<std::size_t> NumberOf(const std::string& column) {
     return number - 1;
 }
 
-// @return the row's size when it has none of this name
+// @return the row's size when no field has this name
 std::size_t FindIn(const Row& row, const std::string& column) {
     const std::optional<std::size_t> number = NumberOf(column);
     return number ? *number : static_cast<std::size_t>(std::ranges::find(row, column) - row.begin());
