@@ -94,14 +94,19 @@ TEST_F(Sealed, DamageAndForgedLengthsAreFound) {
             EXPECT_EQ(On("a.dat", CCheckDatafile::IsPackData), 0) << i;
         }
     }
-    // Right checksums around: no room for a name, a GUID that is too short, no end of the name, lengths that wrap or
-    // lead before the file's begin.
-    for (const std::string& bytes :
-         {Checked(Number(0), 12), Checked(Number(25) + record.substr(4, 25), 37),
-          Checked(Number(600) + std::string(600, 'a'), 612), Checked(Number(0xFFFFFFF4) + record, 0),
-          Checked(record, 0xFFFFFFFF), Checked(record, 0xFFFFFFFC), Checked(record, 39), Checked("", 8)}) {
+    // Right checksums around what is wrong.
+    for (const auto& [what, bytes] : Cases<const char*, std::string>{
+             {"no room for a name", Checked(Number(0), 12)},
+             {"a GUID that is too short", Checked(Number(25) + record.substr(4, 25), 37)},
+             {"no end of the name", Checked(Number(600) + std::string(600, 'a'), 612)},
+             {"a length of the record that wraps", Checked(Number(0xFFFFFFF4) + record, 0)},
+             {"the longest trailer", Checked(record, 0xFFFFFFFF)},
+             {"a length of the trailer that wraps", Checked(record, 0xFFFFFFFC)},
+             {"a trailer from before the start", Checked(record, 39)},
+             {"a trailer without a record", Checked("", 8)},
+         }) {
         folder.Write("a.dat", bytes);
-        EXPECT_EQ(Read(seal), 0) << bytes.size();
+        EXPECT_EQ(Read(seal), 0) << what;
     }
     folder.Write("a.dat", whole);
     EXPECT_EQ(Update(0), 1);
