@@ -9,6 +9,7 @@
 
 #include "qellib10/platform/database/database_error.h"
 #include "qellib10/platform/registry/registry_error.h"
+#include "qellib10/platform/storage/private_file.h"
 
 namespace qel {
 namespace {
@@ -121,10 +122,12 @@ void RegistryStore::BeginWriting(bool create) {
         if (!create) throw RegistryError(kRegistryNotFound);
         std::error_code shownByOpen;
         std::filesystem::create_directories(FolderOf(path), shownByOpen);
+        // For its mode, which the journal takes over; the database itself would make it readable for everybody.
+        if (IsPrivate()) MakePrivateFile(path);
     }
     GetInLine(path);
     m_turn->Await(m_patience);
-    Open(path, IdOf(path), create);
+    Open(path, IdOf(path), create && !IsPrivate());
     m_tree->Begin();
     if (m_isMade || m_tree->IsMade()) return;
     if (!create) throw RegistryError(kRegistryNotFound);

@@ -43,6 +43,8 @@ private:
     };
     static std::optional<FileId> IdOf(const std::string& path);
 
+    // Whether the tree is the user's own: programs keep passwords of instruments in it.
+    bool IsPrivate() const { return m_root == RegistryRoot::CurrentUser; }
     // @param id the file at @p path now, if any
     void Open(const std::string& path, const std::optional<FileId>& id, bool create);
     RegistryTree* OpenForReading();

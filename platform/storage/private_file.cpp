@@ -11,6 +11,7 @@
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/unfinished_file.h"
+#include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
 namespace {
@@ -45,7 +46,8 @@ void RemovePrivateFile(const std::string& posixPath) {
 }
 
 void MakePrivateFile(const std::string& posixPath) {
-    Descriptor(::open(posixPath.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kOwnerOnly));
+    constexpr int kNew = O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC;
+    const Descriptor made(Uninterrupted([&] { return ::open(posixPath.c_str(), kNew, kOwnerOnly); }));
 }
 
 }  // namespace qel

@@ -187,6 +187,31 @@ TEST_F(Registry, TransactionsAreAllOrNothing) {
     }
 }
 
+TEST_F(Registry, OnlyTheUserReadsATreeOfTheUser) {
+    const auto mode = [&](const std::string& name) {
+        struct stat status = {};
+        return ::stat(m_registry.Folder().Posix(name).c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
+    };
+    const mode_t mask = ::umask(0022);
+    for (const auto& [root, name, given, made, kept] : Cases<HKEY, std::string, mode_t, mode_t, mode_t>{
+             {HKEY_CURRENT_USER, "current-user.db", 0664, 0600, 0664},
+             {HKEY_LOCAL_MACHINE, "local-machine.db", 0600, 0644, 0600},
+         }) {
+        SCOPED_TRACE(name);
+        qel::RegistryTransaction change;
+        EXPECT_EQ(qel::WriteRegistryValue(root, "k", "", "v", {REG_SZ, "1"}), 0);
+        EXPECT_EQ(mode(name), made);
+        EXPECT_EQ(change.Begin(root), 0);
+        EXPECT_EQ(qel::WriteRegistryValue(root, "k", "", "v", {REG_SZ, "2"}), 0);
+        EXPECT_EQ(mode(name + "-journal"), made);
+        EXPECT_EQ(change.Commit(), 0);
+        ::chmod(m_registry.Folder().Posix(name).c_str(), given);
+        EXPECT_EQ(qel::WriteRegistryValue(root, "k", "", "v", {REG_SZ, "3"}), 0);
+        EXPECT_EQ(mode(name), kept);
+    }
+    ::umask(mask);
+}
+
 TEST_F(Registry, MemoryThatRunsOutWhileWaitingIsABusyDatabase) {
     const std::string path = m_registry.Folder().Posix("shared.db");
     qel::Database first(path, qel::DatabaseOpening::kCreating, [] { return false; });
