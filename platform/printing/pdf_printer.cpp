@@ -9,14 +9,13 @@
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/printing/document_name.h"
-#include "qellib10/platform/random.h"
 #include "qellib10/platform/shell/special_folder.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_failure.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/rename_new.h"
-#include "qellib10/platform/storage/uninterrupted.h"
+#include "qellib10/platform/storage/unfinished_file.h"
 #include "qellib10/platform/text/code_page.h"
 
 namespace qel {
@@ -30,43 +29,15 @@ std::string Folder() {
     return chosen != nullptr && *chosen != '\0' ? chosen : PosixSpecialFolder(SpecialFolder::kPersonal);
 }
 
-// A new file in the folder that nobody else writes to.
-class NewFile {
-public:
-    explicit NewFile(const std::string& folder) {
-        const unsigned start = RandomNumber();
-        for (unsigned tries = 0; tries < 0x100 && !m_file; ++tries) {
-            m_path = folder + "/.qellib10." + std::to_string(start + tries) + ".tmp";
-            m_file.Reset(
-                Uninterrupted([&] { return ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666); }));
-            if (!m_file && errno != EEXIST) break;
-        }
-        if (!m_file) ThrowErrno(errno, m_path, m_path);
-    }
-    ~NewFile() {
-        if (!m_path.empty()) ::unlink(m_path.c_str());
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-
-    void Write(std::span<const std::byte> bytes) {
-        WriteFully(m_file, bytes, m_path);
-        FlushData(m_file, m_path);
-    }
-    // @return false if a file with this name exists
-    bool Name(const std::string& target) {
-        const int error = RenameNew(m_path, target);
-        if (error == EEXIST) return false;
-        if (error != 0) ThrowErrno(error, target, target);
-        m_path.clear();
-        FlushFolderOf(target, target);
-        return true;
-    }
-
-private:
-    std::string m_path;  // empty once it has its name
-    Descriptor m_file;
-};
+// Gives the file its name. @return false if a file with this name exists
+bool Name(UnfinishedFile& file, const std::string& target) {
+    const int error = RenameNew(file.Path(), target);
+    if (error == EEXIST) return false;
+    if (error != 0) ThrowErrno(error, target, target);
+    file.Finish();
+    FlushFolderOf(target, target);
+    return true;
+}
 
 class Sink : public DocumentSink {
 public:
@@ -81,12 +52,15 @@ public:
 
     bool Take(const CString& name, std::span<const std::byte> bytes) override {
         return AsResult([&] {
-                   NewFile file(m_folder);
-                   file.Write(bytes);
+                   // All documents are written under one name, so that the next one removes what killed ones have left.
+                   UnfinishedFile file(m_folder + "/.qellib10", 0666, m_folder);
+                   WriteFully(file.File(), bytes, m_folder);
+                   FlushData(file.File(), m_folder);
+                   if (!file.HasItsName()) ThrowErrno(EBUSY, m_folder);
                    const std::string stem = m_folder + "/" + FileNameOf(ToUtf8(name.View()));
                    for (int number = 1; number < kMaxOfOneName; ++number) {
                        const std::string suffix = number == 1 ? "" : " (" + std::to_string(number) + ")";
-                       if (file.Name(stem + suffix + ".pdf")) return 1;
+                       if (Name(file, stem + suffix + ".pdf")) return 1;
                    }
                    return Refuse(FailureKind::kFile, m_folder, "too many documents of one name");
                }) != 0;

@@ -6,7 +6,8 @@
 // The printers of the system: those that CUPS serves (CUPS_SERVER, client.conf), and one that always exists.
 //
 //     PDF       writes each document as a PDF file into $QELLIB10_PDF_DIR (a path of the file system; default: the
-//               user's folder for documents), named after the document, never over another file
+//               user's folder for documents), named after the document, never over another file; until it is whole
+//               it is .qellib10.<4 hex digits>.tmp there, which the next document removes if its program was killed
 //     NAME      a queue, or NAME/INSTANCE as the user has set it up; a queue that is called PDF itself is PDF@cups
 //
 // We give up on a server that does not respond after 5 seconds, and on the transfer of a document after 10 seconds

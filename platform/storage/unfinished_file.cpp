@@ -47,7 +47,8 @@ bool RemoveLeftover(const std::string& path) {
 
 }  // namespace
 
-UnfinishedFile::UnfinishedFile(const std::string& target, unsigned mode, std::string_view name) {
+// The delegated constructor has already constructed the object: if this one throws, the destructor removes the file.
+UnfinishedFile::UnfinishedFile(const std::string& target, unsigned mode, std::string_view name) : UnfinishedFile() {
     unsigned number = 0;
     do {
         if (number == kNumbers) ThrowCode(kFileExists, name);

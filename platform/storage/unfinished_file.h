@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/descriptor.h"
 
 namespace qel {
@@ -12,7 +13,7 @@ namespace qel {
 /// processes are recognized, and the next writer to the same name removes them: all of them, unless more than eight
 /// processes wrote at once, because the search stops after eight free numbers. On a file system without locks leftovers
 /// are not recognized and stay.
-class UnfinishedFile {
+class QELLIB10_INTERNAL_API UnfinishedFile {
 public:
     /// Creates a new, empty file, open for reading and writing.
     /// @param target a POSIX path, @p name what exceptions call it
@@ -34,6 +35,7 @@ public:
     void Finish() noexcept { m_path.clear(); }
 
 private:
+    UnfinishedFile() = default;
     bool Make(unsigned mode, std::string_view name);
 
     std::string m_path;

@@ -1,8 +1,10 @@
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -207,6 +209,34 @@ TEST(PdfPrinter, WritesEachDocumentUnderANameOfItsOwn) {
     folder.Write("user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"" + folder.Posix("Papers").native() + "\"\n");
     EXPECT_TRUE(Print(Printer("PDF"), "x"));
     EXPECT_TRUE(folder.Has("Papers/x.pdf"));
+}
+
+TEST(PdfPrinter, RemovesWhatKilledPrintsHaveLeftAndNoLivingOnes) {
+    const TempFolder folder;
+    const EnvironmentScope target("QELLIB10_PDF_DIR", folder.Posix().c_str());
+    // The signal comes in the middle of the document.
+    const auto printUntil = [](void (*signalled)(int)) {
+        return [=] {
+            const rlimit little = {100, 100}, none = {0, 0};
+            ::setrlimit(RLIMIT_CORE, &none);
+            ::setrlimit(RLIMIT_FSIZE, &little);
+            std::signal(SIGXFSZ, signalled);
+            return Print(Printer("PDF"), "part") ? 0 : 1;
+        };
+    };
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(InChild(printUntil(SIG_DFL)), -1);
+        EXPECT_EQ(folder.Count(), 1) << "one leftover, that of the last";
+    }
+    ChildProcess living(printUntil([](int) { ::raise(SIGSTOP); }));
+    int status = 0;
+    ASSERT_EQ(::waitpid(living.Id(), &status, WUNTRACED), living.Id());
+    ASSERT_TRUE(WIFSTOPPED(status));
+    ASSERT_TRUE(Print(Printer("PDF"), "a"));
+    EXPECT_EQ(folder.Count(), 2) << "a.pdf, and what is being printed";
+    living.Kill();
+    ASSERT_TRUE(Print(Printer("PDF"), "b"));
+    EXPECT_EQ(OutputOf("ls -A " + folder.Posix().native()), "a.pdf\nb.pdf\n");
 }
 
 TEST(PdfPrinter, DatesEachDocumentWhenItIsStarted) {
