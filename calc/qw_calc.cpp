@@ -4,7 +4,7 @@
 
 #include "qellib10/calc/formula_folding.h"
 #include "qellib10/calc/formula_grammar.h"
-#include "qellib10/platform/operation.h"
+#include "qellib10/platform/archive/result.h"
 
 namespace {
 
@@ -123,30 +123,34 @@ int CQWCalc::GetUseVariableCount() const { return m_CalcVarList.GetUseVariableCo
 int CQWCalc::GetVariableData(int index, CCalcVariable* out) const { return m_CalcVarList.GetVariableData(index, out); }
 
 int CQWCalc::CheckCalcFormula(CString name, CString formula) {
-    qel::Operation operation("CQWCalc::CheckCalcFormula");
-    m_nMode = Mode::kCheck;
-    MarkVariable(name.View());
-    if (!SetFormula(formula.View())) return RefuseTooLong(operation);
-    if (IsAtEnd()) return operation.Ended(1);
-    qel::FormulaFault fault;
-    const auto result = Read<CheckPass>(fault, [](auto& grammar) { return grammar.Express(); });
-    return !result.Failed() && IsAtEnd() ? operation.Ended(1) : Refuse(operation, fault, formula.View());
+    return qel::AsResult("CQWCalc::CheckCalcFormula", [&] {
+        qel::Operation step(nullptr);
+        m_nMode = Mode::kCheck;
+        MarkVariable(name.View());
+        if (!SetFormula(formula.View())) return RefuseTooLong(step);
+        if (IsAtEnd()) return 1;
+        qel::FormulaFault fault;
+        const auto result = Read<CheckPass>(fault, [](auto& grammar) { return grammar.Express(); });
+        return !result.Failed() && IsAtEnd() ? 1 : Refuse(step, fault, formula.View());
+    });
 }
 
 int CQWCalc::ConcCalculation(CString formula, double* result) {
-    qel::Operation operation("CQWCalc::ConcCalculation");
-    m_nMode = Mode::kCalculate;
-    if (result == nullptr) return qel::RefuseNull("CQWCalc::ConcCalculation");
-    if (!SetFormula(formula.View())) return RefuseTooLong(operation);
-    if (IsAtEnd()) {
-        *result = 0.0;
-        return operation.Ended(1);
-    }
-    qel::FormulaFault fault;
-    const auto calculated = Read<CalculatePass>(fault, [](auto& grammar) { return grammar.Express(); });
-    if (calculated.Failed() || !IsAtEnd()) return Refuse(operation, fault, formula.View());
-    *result = calculated.value;
-    return operation.Ended(1);
+    return qel::AsResult("CQWCalc::ConcCalculation", [&] {
+        qel::Operation step(nullptr);
+        m_nMode = Mode::kCalculate;
+        if (result == nullptr) return qel::RefuseNull("CQWCalc::ConcCalculation");
+        if (!SetFormula(formula.View())) return RefuseTooLong(step);
+        if (IsAtEnd()) {
+            *result = 0.0;
+            return 1;
+        }
+        qel::FormulaFault fault;
+        const auto calculated = Read<CalculatePass>(fault, [](auto& grammar) { return grammar.Express(); });
+        if (calculated.Failed() || !IsAtEnd()) return Refuse(step, fault, formula.View());
+        *result = calculated.value;
+        return 1;
+    });
 }
 
 bool CQWCalc::MarkVariable(std::string_view name) {

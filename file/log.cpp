@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
+#include <new>
 #include <span>
 #include <string>
 #include <string_view>
@@ -102,6 +103,19 @@ void WriteDump(qel::LogFile& file, std::span<const unsigned char> bytes) {
     }
 }
 
+void Write(const CString& path, const char* message, std::span<const unsigned char> data) {
+    if (path.IsEmpty()) return;
+    const CTime now = CTime::GetCurrentTime();
+    std::unique_lock turn(theTurn, std::defer_lock);
+    qel::LogFile file;
+    if (!OpenInTurn(file, path, turn, now.GetTime())) return;
+    const std::string line = LineOf(now, message);
+    file.Append(line);
+    OutputDebugStringA(line.c_str());
+    WriteDump(file, data);
+    file.Close();
+}
+
 }  // namespace
 
 CString& CLog::m_szLogFile = *new CString;  // never freed: objects destroyed after this file's statics may still log
@@ -127,20 +141,11 @@ void CLog::SetLogLevel(int level) { m_nLogLevel = level; }
 
 void CLog::LogOut(int level, const char* message, const void* data, int size) {
     if (level > m_nLogLevel) return;
-    const CTime now = CTime::GetCurrentTime();
-    const CString path = LogFile();
-    if (path.IsEmpty()) return;
-
-    std::unique_lock turn(theTurn, std::defer_lock);
-    qel::LogFile file;
-    if (!OpenInTurn(file, path, turn, now.GetTime())) return;
-    const std::string line = LineOf(now, message);
-    file.Append(line);
-    OutputDebugStringA(line.c_str());
-    if (data != nullptr && size > 0) {
-        WriteDump(file, {static_cast<const unsigned char*>(data), static_cast<std::size_t>(size)});
+    const auto count = data != nullptr && size > 0 ? static_cast<std::size_t>(size) : 0;
+    try {
+        Write(LogFile(), message, {static_cast<const unsigned char*>(data), count});
+    } catch (const std::bad_alloc&) {  // the program that logs may have freed some by its next message
     }
-    file.Close();
 }
 
 qel::LogState qel::CanLog() {

@@ -57,7 +57,8 @@ public:
 
     /// Writes @p message, and @p size bytes at @p data unless @p data is null, if @p level is at most the threshold.
     /// The line, not the dump, also goes to the debugger's output. If the file cannot be opened, for whatever reason,
-    /// it tries again until 10 seconds of the clock have passed, and then drops the message: see qel::CanLog.
+    /// it tries again until 10 seconds of the clock have passed, and then drops the message: see qel::CanLog. Without
+    /// memory it is dropped at once.
     /// @throws CFileException if the file is open but writing fails; nothing of the message is in it then
     static void LogOut(int level, const char* message, const void* data = nullptr, int size = 0);
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "qellib10/platform/operation.h"
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/wrapped.h"
 #include "qellib10/print/paper_size.h"
 
@@ -38,7 +38,7 @@ public:
         qel::SetPdfInfo(dc, *info);
     }
     ~DocumentInfo() {
-        if (m_before) qel::SetPdfInfo(m_hDC, *m_before);
+        if (m_before) qel::Succeeds([&] { qel::SetPdfInfo(m_hDC, *m_before); });
     }
     DocumentInfo(const DocumentInfo&) = delete;
     DocumentInfo& operator=(const DocumentInfo&) = delete;
@@ -46,6 +46,41 @@ public:
 private:
     HDC m_hDC;
     std::optional<qel::PdfInfo> m_before;
+};
+
+// Lets go of a context, which would be deleted otherwise, on every way out.
+class Lent {
+public:
+    Lent(CDC& dc, HDC handle) : m_dc(dc), m_hDC(handle) {}
+    ~Lent() {
+        if (m_hDC != nullptr) m_dc.Detach();
+    }
+    Lent(const Lent&) = delete;
+    Lent& operator=(const Lent&) = delete;
+
+private:
+    CDC& m_dc;
+    HDC m_hDC;
+};
+
+// What a context draws with, until Restore or, when a cell cannot be drawn, the end of this object.
+class Saved {
+public:
+    explicit Saved(CDC* dc) : m_dc(dc) { dc->SaveDC(); }
+    ~Saved() {
+        if (m_dc != nullptr) qel::Succeeds([&] { Restore(); });
+    }
+    Saved(const Saved&) = delete;
+    Saved& operator=(const Saved&) = delete;
+
+    // In a preview both of its contexts, whatever each has saved before.
+    void Restore() {
+        m_dc->RestoreDC(-1);
+        m_dc = nullptr;
+    }
+
+private:
+    CDC* m_dc;
 };
 
 // Records why the cells cannot be laid out.
@@ -71,19 +106,22 @@ int CQelPrintJobDocumentData::Initialize() {
 }
 
 int CQelPrintJobDocumentData::CheckAndAddJobFile(const char* path) {
-    qel::Operation operation(kAdd);
-    CQelPrintJobQueueData job;
-    return operation.Ended(job.LoadJobFile(path) ? CheckAndAddJobFile(job) : 0);
+    return qel::AsResult(kAdd, [&] {
+        CQelPrintJobQueueData job;
+        return job.LoadJobFile(path) ? CheckAndAddJobFile(job) : 0;
+    });
 }
 
 int CQelPrintJobDocumentData::CheckAndAddJobFile(const CQelPrintJobQueueData& job) {
-    if (m_listBlock.empty()) {
-        m_PageStyle = job.GetPageStyle();
-    } else if (!(job.GetPageStyle() == m_PageStyle)) {
-        return qel::Operation(kAdd).Failed(FailureKind::kData, "", "the job has another page style");
-    }
-    m_listBlock.push_back(job.GetBlock());
-    return 1;
+    return qel::AsResult(kAdd, [&] {
+        if (!m_listBlock.empty() && !(job.GetPageStyle() == m_PageStyle))
+            return qel::Refuse(FailureKind::kData, "", "the job has another page style");
+        std::list<CQelPrintJobBlockData> added;
+        added.push_back(job.GetBlock());
+        if (m_listBlock.empty()) m_PageStyle = job.GetPageStyle();
+        m_listBlock.splice(m_listBlock.end(), added);
+        return 1;
+    });
 }
 
 int CQelPrintJobDocumentData::IsPrintOutPageExist(int more) const {
@@ -91,16 +129,16 @@ int CQelPrintJobDocumentData::IsPrintOutPageExist(int more) const {
 }
 
 int CQelPrintJobDocumentData::PrintOut() {
-    qel::Operation operation("CQelPrintJobDocumentData::PrintOut");
-    const HDC selected = m_PageStyle.GetSelectedPrinterDC();
-    CDC dc;
-    if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return operation.Ended(0);
-    const DocumentInfo info(dc, m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo());
-    // If it cannot be laid out, no document is started: it would block the next one on a selected context.
-    const bool isPrinted = PlaceCells(&dc) && dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
-                           PrintOutMain(&dc, -1, 0) && dc.EndPage() > 0 && dc.EndDoc() > 0;
-    if (selected != nullptr) dc.Detach();
-    return operation.Ended(isPrinted ? 1 : 0);
+    return qel::AsResult("CQelPrintJobDocumentData::PrintOut", [&] {
+        const HDC selected = m_PageStyle.GetSelectedPrinterDC();
+        CDC dc;
+        const Lent lent(dc, selected);
+        if (!dc.Attach(selected != nullptr ? selected : m_PageStyle.GetPrinterDC())) return false;
+        const DocumentInfo info(dc, m_PdfInfo ? m_PdfInfo : m_PageStyle.GetPdfInfo());
+        // If it cannot be laid out, no document is started: it would block the next one on a selected context.
+        return PlaceCells(&dc) && dc.StartDoc(m_PageStyle.GetStyleName()) > 0 && dc.StartPage() > 0 &&
+               PrintOutMain(&dc, -1, 0) && dc.EndPage() > 0 && dc.EndDoc() > 0;
+    });
 }
 
 int CQelPrintJobDocumentData::OnPrint(CDC* dc, CPrintInfo* info) {
@@ -112,27 +150,30 @@ int CQelPrintJobDocumentData::OnPrint(CDC* dc, CPrintInfo* info) {
 }
 
 int CQelPrintJobDocumentData::PrintOutMain(CDC* dc, int page, int preview) {
-    qel::Operation operation("CQelPrintJobDocumentData::PrintOutMain");
+    return qel::AsResult("CQelPrintJobDocumentData::PrintOutMain", [&] { return DrawPages(dc, page, preview); });
+}
+
+bool CQelPrintJobDocumentData::DrawPages(CDC* dc, int page, int preview) {
     const std::optional<CSize> size = PlaceCells(dc);
-    if (!size) return operation.Ended(0);
+    if (!size) return false;
     const LONGLONG cells = CellsPerPage();
     int current = 1;
     LONGLONG index = 0;
     for (CQelPrintJobBlockData& block : m_listBlock) {
         const auto cell = static_cast<int>(index % cells);
         if (cell == 0 && index > 0) {
-            if (page < 0 && preview == 0 && (dc->EndPage() <= 0 || dc->StartPage() <= 0)) return operation.Ended(0);
+            if (page < 0 && preview == 0 && (dc->EndPage() <= 0 || dc->StartPage() <= 0)) return false;
             ++current;
         }
         ++index;
         if (page >= 0 && page != current) continue;
-        dc->SaveDC();
+        Saved saved(dc);
         const CPoint corner = CellPosition(cell, *size);
         block.SetOffset(corner.x, corner.y);
         block.DrawCommand(dc);
-        dc->RestoreDC(-1);  // in a preview both of its contexts, whatever each has saved before
+        saved.Restore();
     }
-    return operation.Ended(1);
+    return true;
 }
 
 LONGLONG CQelPrintJobDocumentData::CellsPerPage() const {

@@ -21,8 +21,8 @@
 /// @endcode
 ///
 /// All jobs of a document have the same page style. A document goes to the printer as a whole, when it ends. Operations
-/// return 1, or 0 on failure; qel::LastFailure says why, for example that there is no such printer. One thread at a
-/// time.
+/// return 1, or 0 on failure; qel::LastFailure says why, for example that there is no such printer. Nothing is thrown
+/// but by OnPrint, and std::bad_alloc by construction and copies. One thread at a time.
 class QELLIB10_API CQelPrintJobDocumentData {
 public:
     CQelPrintJobDocumentData();
@@ -92,7 +92,8 @@ private:
     // Computes the printer margins. Returns the size of a cell in tenths of a millimetre, or nothing as described at
     // PrintOutMain.
     std::optional<CSize> PlaceCells(CDC* dc);
-    CSize FurthestCell() const;  // the last column and row, from 0, with a block
+    bool DrawPages(CDC* dc, int page, int preview);  // like PrintOutMain
+    CSize FurthestCell() const;                      // the last column and row, from 0, with a block
     CPoint CellPosition(int cell, const CSize& size) const;
 
     CQelPrintJobPageStyle m_PageStyle;

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "qellib10/platform/operation.h"
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/platform/wrapped.h"
 #include "qellib10/print/paper_size.h"
@@ -122,22 +122,23 @@ int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CPoint& point) const {
 }
 
 int CQelPrintJobPageStyle::SelectPrinter() {
-    CPrintDialog dialog(0, PD_ALLPAGES | PD_NOPAGENUMS | PD_NOSELECTION | PD_HIDEPRINTTOFILE | PD_USEDEVMODECOPIES);
-    qel::Operation operation("CQelPrintJobPageStyle::SelectPrinter");
-    if (dialog.DoModal() != IDOK) return operation.Failed(qel::FailureKind::kRefused, "", "cancelled");
-    m_SelectedPrinterDC.Reset();
-    m_szPrinterDevice = dialog.GetDeviceName();
-    m_szPrinterDriverName = dialog.GetDriverName();
-    m_szPrinterPort = dialog.GetPortName();
-    DEVMODE* const mode = dialog.GetDevMode();
-    if (mode == nullptr)
-        return operation.Failed(qel::FailureKind::kPrinter, m_szPrinterDevice.View(), "the printer has no settings");
-    const HDC dc = dialog.CreatePrinterDC();
-    if (dc == nullptr) return operation.Ended(0);
-    m_SelectedPrinterDC.Reset(dc);
-    BorrowedDC context(dc);
-    ReadDevMode(*mode, &context);
-    return operation.Ended(1);
+    return qel::AsResult("CQelPrintJobPageStyle::SelectPrinter", [&] {
+        CPrintDialog dialog(0, PD_ALLPAGES | PD_NOPAGENUMS | PD_NOSELECTION | PD_HIDEPRINTTOFILE | PD_USEDEVMODECOPIES);
+        if (dialog.DoModal() != IDOK) return qel::Refuse(qel::FailureKind::kRefused, "", "cancelled");
+        m_SelectedPrinterDC.Reset();
+        m_szPrinterDevice = dialog.GetDeviceName();
+        m_szPrinterDriverName = dialog.GetDriverName();
+        m_szPrinterPort = dialog.GetPortName();
+        DEVMODE* const mode = dialog.GetDevMode();
+        if (mode == nullptr)
+            return qel::Refuse(qel::FailureKind::kPrinter, m_szPrinterDevice.View(), "the printer has no settings");
+        const HDC dc = dialog.CreatePrinterDC();
+        if (dc == nullptr) return 0;
+        m_SelectedPrinterDC.Reset(dc);
+        BorrowedDC context(dc);
+        ReadDevMode(*mode, &context);
+        return 1;
+    });
 }
 
 int CQelPrintJobPageStyle::MovePrinterDC(CQelPrintJobPageStyle& other) {
@@ -149,26 +150,25 @@ int CQelPrintJobPageStyle::MovePrinterDC(CQelPrintJobPageStyle& other) {
 }
 
 HDC CQelPrintJobPageStyle::GetPrinterDC() {
-    qel::Operation operation("CQelPrintJobPageStyle::GetPrinterDC");
-    auto printer = OpenedPrinter(m_szPrinterDevice).Ask();
-    if (!operation.Ended(printer.has_value())) return nullptr;
-    DEVMODE& mode = printer->mode;
-    mode.dmFields |= DM_ORIENTATION | DM_PAPERSIZE;
-    mode.dmOrientation = static_cast<short>(m_nPaperDirection);
-    mode.dmPaperSize = static_cast<short>(m_nPaperForm);
-    const HDC dc = CreateDC(printer->driver, m_szPrinterDevice, nullptr, &mode);
-    if (operation.Ended(dc) == nullptr) return nullptr;
-    BorrowedDC context(dc);
-    ReadDevMode(mode, &context);
-    if (m_PdfInfo) qel::SetPdfInfo(dc, *m_PdfInfo);
-    return dc;
+    CDC context;
+    const int isThere = qel::AsResult("CQelPrintJobPageStyle::GetPrinterDC", [&] {
+        auto printer = OpenedPrinter(m_szPrinterDevice).Ask();
+        if (!printer) return false;
+        DEVMODE& mode = printer->mode;
+        mode.dmFields |= DM_ORIENTATION | DM_PAPERSIZE;
+        mode.dmOrientation = static_cast<short>(m_nPaperDirection);
+        mode.dmPaperSize = static_cast<short>(m_nPaperForm);
+        if (!context.CreateDC(printer->driver, m_szPrinterDevice, nullptr, &mode)) return false;
+        if (m_PdfInfo) qel::SetPdfInfo(context, *m_PdfInfo);
+        ReadDevMode(mode, &context);
+        return true;
+    });
+    return isThere != 0 ? context.Detach() : nullptr;
 }
 
 int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
     const DEVMODE* const mode = info != nullptr && info->m_pPD != nullptr ? info->m_pPD->GetDevMode() : nullptr;
-    if (mode == nullptr) return 0;
-    ReadDevMode(*mode, dc);
-    return 1;
+    return mode != nullptr && qel::Succeeds([&] { ReadDevMode(*mode, dc); }) ? 1 : 0;
 }
 
 void CQelPrintJobPageStyle::ReadDevMode(DEVMODE mode, CDC* dc) {

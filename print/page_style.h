@@ -50,7 +50,8 @@ private:
 ///
 /// A style owns at most one context of its printer (the selected one). Copies and assignment leave it where it is; an
 /// assigned style drops its own, unless it is assigned to itself. Operations return 1, or 0 (null) on failure;
-/// qel::LastFailure says why. Nothing is thrown.
+/// qel::LastFailure says why. Nothing is thrown but std::bad_alloc, by construction, copies and what takes or loads a
+/// text.
 class QELLIB10_API CQelPrintJobPageStyle {
 public:
     /// Like after Initialize, with empty names and printer margins of 0.

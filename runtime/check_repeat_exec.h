@@ -23,9 +23,9 @@ public:
     virtual ~CCheckRepeatExec();
 
     /// 1 if an instance, including this process, has the mark @p name, and also if that cannot be determined: nobody is
-    /// the first if its mark cannot be set, for example for an invalid name. Otherwise 0, and the mark is set; if
-    /// another name is checked later, it stays until the process ends. Two instances that start at the same moment may
-    /// both get 0. Null and the empty name always give 0 and mark nothing.
+    /// the first if its mark cannot be set, for example for an invalid name or without memory. Otherwise 0, and the
+    /// mark is set; if another name is checked later, it stays until the process ends. Two instances that start at the
+    /// same moment may both get 0. Null and the empty name always give 0 and mark nothing.
     int CheckRepeatExecute(const char* name);
 
 private:

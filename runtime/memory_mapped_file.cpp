@@ -6,6 +6,7 @@
 
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/sync/handle.h"
+#include "qellib10/platform/sync/last_error.h"
 #include "qellib10/platform/sync/named_mutex.h"
 #include "qellib10/platform/sync/shared_memory.h"
 
@@ -24,18 +25,18 @@ CMemoryMappedFile::~CMemoryMappedFile() {
 }
 
 int CMemoryMappedFile::Open(DWORD access, const char* name, DWORD size) {
-    if (!IsOpen()) {
-        m_hMapping = qel::OpenSharedMemory(name);
+    const auto open = [&] {
+        CString kept(name);
+        if (!IsOpen()) m_hMapping = qel::OpenSharedMemory(name);
         if (!IsOpen()) m_hMapping = qel::CreateSharedMemory(name, size).handle;
-        if (!IsOpen()) {
-            m_nLastError = qel::LastError();
-            return 0;
-        }
-    }
-    m_nLastError = 0;
-    m_szName = name;
-    m_nAccess = access;
-    return 1;
+        if (!IsOpen()) return false;
+        m_szName = std::move(kept);
+        m_nAccess = access;
+        return true;
+    };
+    const bool isOpen = qel::RunWithLastError(open, false);
+    m_nLastError = isOpen ? 0 : qel::LastError();
+    return isOpen ? 1 : 0;
 }
 
 void CMemoryMappedFile::Close() {
@@ -83,7 +84,15 @@ void CAutoLockedMemoryMappedFile::GetDataPtrUnmap() {
 }
 
 bool CAutoLockedMemoryMappedFile::TakeLock() {
-    const CString name = "MM::" + GetName();
+    CString name;
+    const auto makeName = [&] {
+        name = "MM::" + GetName();
+        return true;
+    };
+    if (!qel::RunWithLastError(makeName, false)) {
+        SetLastError(qel::LastError());
+        return false;
+    }
     for (;;) {
         const DWORD errorBefore = qel::LastError();
         const qel::OpenedObject mutex = qel::CreateNamedMutex(name);

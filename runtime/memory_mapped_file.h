@@ -33,7 +33,8 @@ QELLIB10_API bool WasAbandoned(const CAutoLockedMemoryMappedFile& block) noexcep
 /// their views stay mapped in it.
 ///
 /// Copies share the handle and the view, which are not duplicated: the first of them to close or unmap does it for all,
-/// and for the others these operations fail without harm. One thread at a time.
+/// and for the others these operations fail without harm. Nothing is thrown; copying may throw std::bad_alloc. One
+/// thread at a time.
 class QELLIB10_API CMemoryMappedFile {
 public:
     CMemoryMappedFile() = default;
@@ -55,7 +56,8 @@ public:
     /// Unmaps the current view and maps the first @p size bytes, 0 for all.
     /// @param access with 2 in it the view may be written
     /// @return null if not open; also null, with the reason as the last error, for more bytes than the block has (5),
-    /// and for a block whose file in /dev/shm another program has cut (1006). Cutting it under a view is fatal
+    /// without memory (8), and for a block whose file in /dev/shm another program has cut (1006). Cutting it under a
+    /// view is fatal
     virtual void* GetDataPtr(DWORD access, DWORD size);
 
     virtual void GetDataPtrUnmap();
@@ -105,7 +107,8 @@ public:
     ~CAutoLockedMemoryMappedFile() override;
 
     /// Releases a lock that it holds, waits for the lock without limit and maps. If null is returned, no lock is held.
-    /// Only for a name that can never be a mutex's does it not wait: last error 3 or 206.
+    /// Only for a name that can never be a mutex's does it not wait (last error 3 or 206), and without memory for the
+    /// name (8).
     void* GetDataPtr(DWORD access, DWORD size) override;
 
     /// Unmaps the view and releases the lock.

@@ -96,12 +96,11 @@ template <class Object> Object* CDC::Select(Object* object) {
 template <class Object> Object* CDC::ObjectOf(HGDIOBJ handle) const {
     if (handle == nullptr) return nullptr;
     if (auto* const owner = dynamic_cast<Object*>(qel::FindOwner(handle))) return owner;
-    std::unique_ptr<CGdiObject>& stand = m_mapObject[handle];
-    if (!stand) {
-        stand = std::make_unique<Object>();
-        stand->m_hObject = handle;
-    }
-    return static_cast<Object*>(stand.get());
+    if (const auto known = m_mapObject.find(handle); known != m_mapObject.end())
+        return static_cast<Object*>(known->second.get());
+    const auto made = m_mapObject.emplace(handle, std::make_unique<Object>()).first;
+    made->second->m_hObject = handle;  // once it is in the map: the destructor takes it out again, nobody deletes it
+    return static_cast<Object*>(made->second.get());
 }
 
 CPen* CDC::SelectObject(CPen* pen) { return Select(pen); }

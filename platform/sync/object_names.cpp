@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,6 +21,9 @@ std::unique_ptr<NamedObject> MakeIn(const FolderLock& folder, const std::string&
     try {
         return NamedObject::Make(folder.Create(file), name, kind, size);
     } catch (const SystemFailure&) {
+        folder.Remove(file);
+        throw;
+    } catch (const std::bad_alloc&) {
         folder.Remove(file);
         throw;
     }
@@ -50,6 +54,7 @@ ObjectNames::Found ObjectNames::Use(std::string_view name, ObjectKind kind, std:
         if ((*own)->kind != kind) throw SystemFailure{kBadHandle};
         return {own->get()};
     }
+    m_objects.reserve(m_objects.size() + 1);  // before a file is made: then Keep does not fail
     const FolderLock folder;
     const std::string fileName = ObjectFileName(name);
     std::unique_ptr<NamedObject> object = kind == ObjectKind::Mutex ? TakeParked(folder, name) : nullptr;
@@ -87,6 +92,7 @@ void ObjectNames::Leave(NamedObject& object) {
     try {
         GiveUp(FolderLock(), std::move(left));
     } catch (const SystemFailure&) {  // its file stays, held by nobody, until the next process removes it
+    } catch (const std::bad_alloc&) {
     }
 }
 

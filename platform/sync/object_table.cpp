@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 #include <thread>
 
 #include "qellib10/platform/storage/file_error.h"
@@ -116,7 +117,12 @@ void* ObjectTable::Map(HANDLE memory, bool isWritable, std::size_t size) {
     const int access = isWritable ? PROT_READ | PROT_WRITE : PROT_READ;
     void* view = ::mmap(nullptr, size, access, MAP_SHARED, object.file.Get(), kBlockOffset);
     if (view == MAP_FAILED) throw SystemFailure{kOutOfMemory};
-    m_views[view] = size;
+    try {
+        m_views[view] = size;
+    } catch (const std::bad_alloc&) {
+        ::munmap(view, size);
+        throw;
+    }
     return view;
 }
 
@@ -129,8 +135,13 @@ void ObjectTable::Unmap(const void* view) {
 }
 
 HANDLE ObjectTable::NewHandle(NamedObject& object) {
-    m_handles[m_lastHandle += kHandleStep] = &object;
     ++object.users;
+    try {
+        m_handles[m_lastHandle += kHandleStep] = &object;
+    } catch (const std::bad_alloc&) {
+        m_names.Leave(object);  // or this process would have the name, and no handle to give it up
+        throw;
+    }
     return reinterpret_cast<HANDLE>(m_lastHandle);
 }
 

@@ -1,4 +1,5 @@
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <memory>
@@ -9,12 +10,17 @@
 #include "../support/failing_memory.h"
 #include "../support/interrupted.h"
 #include "qellib10/calc/calc_variable_list.h"
+#include "qellib10/calc/qw_calc.h"
 #include "qellib10/file/check_datafile.h"
+#include "qellib10/file/log.h"
 #include "qellib10/file/private_profile.h"
 #include "qellib10/platform/drawing/file_dc.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/whole_file.h"
+#include "qellib10/print/document_data.h"
 #include "qellib10/print/queue_data.h"
+#include "qellib10/runtime/check_repeat_exec.h"
+#include "qellib10/runtime/memory_mapped_file.h"
 #include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"
 
@@ -117,6 +123,69 @@ auto Job() {
     return job;
 }
 
+// A document that has a job, and the folder that it is printed into.
+struct Report {
+    explicit Report(At at)
+        : server("CUPS_SERVER", at.Posix("no").c_str()), target("QELLIB10_PDF_DIR", at.Posix().c_str()) {
+        CQelPrintJobQueueData job;
+        job.GetPageStyle().SetPrinterDevice("PDF");
+        job.GetPageStyle().SetStyleName("report");
+        job.AddMillimetreCommandText(CRect(10, 20, 300, 40), "text", 1);
+        job.SaveJobFile(at.c);
+        document.CheckAndAddJobFile(job);
+        document.SetPdfInfo(qel::PdfInfo{"", "a name that does not fit into the object", "", {}});
+    }
+    EnvironmentScope server, target;
+    CQelPrintJobDocumentData document;
+};
+std::shared_ptr<Report> theReport;  // the one of the last call
+template <class Ask> std::function<Step(At)> WithReport(Ask ask) {
+    return [=](At at) {
+        theReport.reset();
+        theReport = std::make_shared<Report>(at);
+        return [ask, path = at.c] { return ask(theReport->document, path); };
+    };
+}
+std::string PrintedOrAdded(At at) {
+    const std::string state = Names(at) + std::to_string(theReport->document.GetBlockCount());
+    theReport.reset();
+    return state;
+}
+
+auto Calculator() {
+    CCalcVariableList list;
+    CCalcVariable variable;
+    variable.m_szName = "EP";
+    variable.m_dValue = 16.519;
+    list.AddVariableData(variable);
+    auto calculator = std::make_shared<CQWCalc>();
+    calculator->SetCalcVarList(list);
+    return calculator;
+}
+
+// The mark and the block are those of this program while it has them.
+const char* const kShared = "a name that does not fit into the object";
+std::string IsMarked(At) { return CCheckRepeatExec().CheckRepeatExecute(kShared) != 0 ? "marked" : "free"; }
+template <class Kind> auto Block(DWORD size) {
+    auto block = std::make_shared<Kind>();
+    if (size != 0) block->Open(6, kShared, size);
+    return block;
+}
+
+Step Log(At at) {
+    at.Write("c", "line\n");
+    CLog::SetLogFile(at.c);
+    return [path = at.Posix("c").native()] {
+        CLog::LogOut(0, "a message that does not fit into the object", "bytes", 5);
+        struct stat status = {};
+        return ::stat(path.c_str(), &status) == 0 && status.st_size > 5 ? 1 : 0;
+    };
+}
+std::string LogSize(At at) {
+    CLog::SetLogFile(nullptr);
+    return Sizes(at);
+}
+
 template <class Ask> std::function<Step(At)> WithNames(Ask ask) {
     return [=](At at) { return [=, a = at.a, c = at.c, tree = at.tree] { return ask(a, c, tree); }; };
 }
@@ -201,6 +270,31 @@ const Call kCalls[] = {
          Job()->SaveJobFile(at.c);
          return On(Job(), [c = at.c](auto& j) { return j.LoadJobFile(c); });
      }},
+    {"ReportAdd", WithReport([](auto& r, auto& c) { return r.CheckAndAddJobFile(c); }), PrintedOrAdded},
+    {"ReportPrint", WithReport([](auto& r, auto&) { return r.PrintOut(); }), PrintedOrAdded},
+    {"ReportContext", WithReport([](auto& r, auto&) { return ::DeleteDC(r.GetPageStyle().GetPrinterDC()); }),
+     PrintedOrAdded},
+    {"FormulaCheck", [](At) { return On(Calculator(), [](auto& c) { return c.CheckCalcFormula("", "ep*2+1"); }); }},
+    {"FormulaValue",
+     [](At) {
+         return On(Calculator(), [](auto& c) {
+             double value;
+             return c.ConcCalculation("ep*2", &value);
+         });
+     }},
+    {"BlockOpen", [](At) { return On(Block<CMemoryMappedFile>(0), [](auto& b) { return b.Open(6, kShared, 8); }); }},
+    {"BlockView",
+     [](At) { return On(Block<CMemoryMappedFile>(8), [](auto& b) { return b.GetDataPtr(2, 0) != nullptr; }); }},
+    {"BlockLocked",
+     [](At) {
+         return On(Block<CAutoLockedMemoryMappedFile>(8), [](auto& b) { return b.GetDataPtr(2, 0) != nullptr; });
+     }},
+    {"InstanceMark",
+     [](At) {
+         return On(std::make_shared<CCheckRepeatExec>(), [](auto& c) { return !c.CheckRepeatExecute(kShared); });
+     },
+     IsMarked},
+    {"LogLine", Log, LogSize},
 };
 
 class ShortMemory : public testing::TestWithParam<Call> {
