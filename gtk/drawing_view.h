@@ -11,7 +11,8 @@ using cairo_t = struct _cairo;  // NOLINT: its name
 namespace qel {
 
 /// A widget that shows what is drawn through a device context. The drawing is an off-screen picture, one pixel per
-/// widget unit, so the window can be exposed without drawing again, and half a drawing is never visible.
+/// widget unit, so the window can be exposed without drawing again, and half a drawing is never visible. Lines are
+/// those of a picture, wide ones too: long curves with wide pens are reduced to what each column of pixels shows.
 ///
 ///     qel::DrawingView view([&](CDC& dc, const CSize& size) {
 ///         graph.SetDrawSize(size.cx, size.cy);

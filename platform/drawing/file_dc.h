@@ -23,6 +23,8 @@ QELLIB10_API HDC CreateSvgDC(const char* path, const CSize& size, int dotsPerInc
 /// A context that draws through the application's @p cairo, one user unit per device unit, over @p size of them. Thin
 /// lines have their exact pixels if user units are whole pixels. The context keeps a reference and restores the state
 /// of @p cairo after each drawing. Everything is drawn at the latest when the context is flushed by FlushDC or deleted.
+/// Lines of wide pens are strokes of Cairo's: a window that shows long curves with them draws on a picture and shows
+/// that, where they take a small part of the time, as qel::DrawingView does.
 /// @return null for a null @p cairo, otherwise like CreateSvgDC
 QELLIB10_API HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsPerInch = 96);
 
