@@ -64,9 +64,14 @@ CString NameOf(int key) { return CString(std::string_view(std::to_string(key)));
 // With a terminating zero, which the system adds to a text that was stored without one.
 std::size_t SizeOfText(const std::string& text) { return text.size() + (text.ends_with('\0') ? 0 : 1); }
 
-// What Get returns for a text: one that fits its buffer.
-const char* TextIn(const qel::RegistryValue& value, const char* otherwise) {
-    return qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer ? value.data.c_str() : otherwise;
+// What Get returns for a text: one that fits its buffer; else null.
+const char* TextIn(const qel::RegistryValue& value) {
+    return qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer ? value.data.c_str() : nullptr;
+}
+
+// Why Get returns its default although there is a value.
+void RefuseValue(const char* key) {
+    qel::Operation(kGet).Failed(FailureKind::kData, key != nullptr ? key : "", "not a value of this type");
 }
 
 std::optional<int> IntIn(const qel::RegistryValue& value) {
@@ -162,14 +167,19 @@ int CPrivateProfile::Write(const char* section, const char* key, const char* val
 
 int CPrivateProfile::Write(const char* section, const char* key, DWORD type, std::string_view data) {
     return qel::AsResult(kSet, [&] {
+        if (m_hRoot == nullptr) return Refuse(FailureKind::kState, "", kNotOpen);
         return qel::WriteRegistryValue(m_hRoot, KeyOf(section), kKeyClass, key, {type, std::string(data)}) ==
-               qel::kRegistrySuccess;
+                       qel::kRegistrySuccess
+                   ? 1
+                   : 0;
     });
 }
 
 bool CPrivateProfile::Read(const char* section, const char* key, qel::RegistryValue& value) const {
     return qel::AsResult(kGet, [&] {
-               return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess;
+               if (m_hRoot == nullptr) return Refuse(FailureKind::kState, "", kNotOpen);
+               return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess ? 1
+                                                                                                                 : 0;
            }) != 0;
 }
 
@@ -187,7 +197,8 @@ int CPrivateProfile::Set(const char* section, const char* key, int value) {
 
 int CPrivateProfile::SetDouble(const char* section, const char* key, double value) {
     if (IsWholeSection(key) || !std::isfinite(value))
-        return qel::Operation("CPrivateProfile::SetDouble").Failed(FailureKind::kArgument, "", "no key, or no number");
+        return qel::Operation("CPrivateProfile::SetDouble")
+            .Failed(FailureKind::kArgument, key != nullptr ? key : "", "no key, or no number");
     return Set(section, key, qel::NumberText(value));
 }
 
@@ -208,14 +219,20 @@ int CPrivateProfile::Set(const char* section, const char* key, const void* data,
 
 CString CPrivateProfile::Get(const char* section, const char* key, const char* defaultValue) const {
     if (m_nMode != registryMode) {
-        if (m_szLocation.IsEmpty()) return defaultValue;
         qel::Operation operation(kGet);
+        if (m_szLocation.IsEmpty()) {
+            operation.Failed(FailureKind::kState, "", kNotOpen);
+            return defaultValue;
+        }
         const std::string text = qel::ReadProfileString(section, key, defaultValue, kTextBuffer, m_szLocation);
         operation.TakeOver();
         return text.empty() ? defaultValue : text.c_str();
     }
     qel::RegistryValue value;
-    return Read(section, key, value) ? TextIn(value, defaultValue) : defaultValue;
+    if (!Read(section, key, value)) return defaultValue;
+    const char* const text = TextIn(value);
+    if (text == nullptr) RefuseValue(key);
+    return text != nullptr ? text : defaultValue;
 }
 
 int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {
@@ -226,17 +243,32 @@ int CPrivateProfile::Get(const char* section, const char* key, int defaultValue)
         });
     }
     qel::RegistryValue value;
-    return (Read(section, key, value) ? IntIn(value) : std::nullopt).value_or(defaultValue);
+    if (!Read(section, key, value)) return defaultValue;
+    const std::optional<int> stored = IntIn(value);
+    if (!stored) RefuseValue(key);
+    return stored.value_or(defaultValue);
 }
 
 double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
-    if (IsWholeSection(key)) return defaultValue;
+    if (IsWholeSection(key)) {
+        qel::Operation(kGet).Failed(FailureKind::kArgument, "", "no key");
+        return defaultValue;
+    }
     return OrWithoutMemory(defaultValue, [&] {
-        if (m_nMode != registryMode) return qel::ReadNumber(Get(section, key, "").View()).value_or(defaultValue);
+        const auto numberIn = [&](std::string_view text) {
+            const std::optional<double> number = qel::ReadNumber(text);
+            if (!number) RefuseValue(key);
+            return number.value_or(defaultValue);
+        };
+        if (m_nMode != registryMode) {
+            const CString text = Get(section, key, "");
+            return text.IsEmpty() ? defaultValue : numberIn(text.View());
+        }
         qel::RegistryValue value;
         if (!Read(section, key, value)) return defaultValue;
-        const auto stored = IntIn(value);
-        return stored ? *stored : qel::ReadNumber(TextIn(value, "")).value_or(defaultValue);
+        const std::optional<int> stored = IntIn(value);
+        const char* const text = TextIn(value);
+        return stored ? *stored : numberIn(text != nullptr ? text : "");
     });
 }
 

@@ -67,10 +67,10 @@ int PutMoveIntoRestartFile(const CString& source, const CString& target) {
 int CQFile::MoveFileReboot(const char* source, const char* target, char* tempName, int tempNameSize) {
     if (MoveFileA(source, target, 1)) return kDoneNow;
     int result = kNotMoved;
-    Succeeds([&] {
+    qel::AsResult("CQFile::MoveFileReboot", [&] {
         const CString to(target);
         const CString waiting = MoveBeside(CString(source), to);
-        if (waiting.IsEmpty()) return;
+        if (waiting.IsEmpty()) return false;
         result = kRefused;
         if (tempName != nullptr && tempNameSize > 0) CopyName(waiting, tempName, tempNameSize);
         if (CSystemInfo::IsWinNT()) {
@@ -79,13 +79,14 @@ int CQFile::MoveFileReboot(const char* source, const char* target, char* tempNam
         } else {
             result = PutMoveIntoRestartFile(waiting, to);
         }
+        return result == kDelayed;
     });
     return result;
 }
 
 int CQFile::DeleteFileReboot(const char* name, int tryNow) {
     int result = kRefused;
-    Succeeds([&] {
+    qel::AsResult("CQFile::DeleteFileReboot", [&] {
         const CString file(name);
         if (tryNow != 0 && IsGone(file)) {
             result = kDoneNow;
@@ -95,6 +96,7 @@ int CQFile::DeleteFileReboot(const char* name, int tryNow) {
         } else if (qel::AddDeletionToRestartFile(file)) {
             result = kDelayed;
         }
+        return result != kRefused;
     });
     return result;
 }

@@ -3,20 +3,23 @@
 #include <utility>
 
 #include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/operation.h"
 
 int CBackBufferDC::Create(int width, int height, HDC target) {
-    if (m_hMemDC != nullptr) return 0;
+    qel::Operation operation("CBackBufferDC::Create");
+    if (m_hMemDC != nullptr) return operation.Failed(qel::FailureKind::kState, "", "it was created already");
     m_hMemDC = ::CreateCompatibleDC(target);
-    return Resize(width, height);
+    return operation.Ended(Resize(width, height));
 }
 
 int CBackBufferDC::Resize(int width, int height) {
-    if (m_hMemDC == nullptr) return 0;
+    qel::Operation operation("CBackBufferDC::Resize");
+    if (m_hMemDC == nullptr) return operation.Failed(qel::FailureKind::kState, "", "it was not created");
     DropBitmap();
     m_hBitmap = ::CreateBitmap(width, height, 1, static_cast<UINT>(::GetDeviceCaps(m_hMemDC, BITSPIXEL)), nullptr);
-    if (m_hBitmap == nullptr) return 0;
+    if (m_hBitmap == nullptr) return operation.Ended(0);
     m_hOldBitmap = static_cast<HBITMAP>(::SelectObject(m_hMemDC, m_hBitmap));
-    return 1;
+    return operation.Ended(1);
 }
 
 int CBackBufferDC::Destroy() {

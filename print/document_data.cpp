@@ -224,16 +224,19 @@ CPoint CQelPrintJobDocumentData::CellPosition(int cell, const CSize& size) const
 }
 
 int CQelPrintJobDocumentData::GetPrintMargin(CDC* dc, CQelPrintJobPageStyle* style) {
-    if (dc == nullptr || style == nullptr) return 0;
+    constexpr const char* kOperation = "CQelPrintJobDocumentData::GetPrintMargin";
+    if (dc == nullptr || style == nullptr) return qel::RefuseNull(kOperation);
+    qel::Operation operation(kOperation);
     const int dotsPerInch = dc->GetDeviceCaps(LOGPIXELSX);
-    if (dotsPerInch < 1) return 0;
+    if (dotsPerInch < 1) return operation.Failed(qel::FailureKind::kState, "", "the device context has no resolution");
     const auto inDots = [&](int margin) { return MarginInDots(margin, style->GetUnit(), dotsPerInch); };
     const auto top = inDots(style->GetTopMargin()), bottom = inDots(style->GetBottomMargin());
     const auto left = inDots(style->GetLeftMargin()), right = inDots(style->GetRightMargin());
-    if (!top) return 0;  // nor any other: the unit is unknown
+    if (!top)  // nor any other
+        return operation.Failed(qel::FailureKind::kState, "", "the unit of the margins is unknown");
     style->SetPrnTopMargin(qel::WrappedDifference(*top, dc->GetDeviceCaps(PHYSICALOFFSETY)));
     style->SetPrnLeftMargin(qel::WrappedDifference(*left, dc->GetDeviceCaps(PHYSICALOFFSETX)));
     style->SetPrnBottomMargin(LengthBetween(dc->GetDeviceCaps(PHYSICALHEIGHT), *bottom, *top));
     style->SetPrnRightMargin(LengthBetween(dc->GetDeviceCaps(PHYSICALWIDTH), *right, *left));
-    return 1;
+    return operation.Ended(1);
 }

@@ -15,6 +15,8 @@
 namespace {
 
 constexpr int kMillimetreUnit = 2;
+constexpr const char* kConvert = "CQelPrintJobPageStyle::ConvertMillimetreToPixel";
+constexpr std::string_view kNoResolution = "the page style has no resolution";
 
 void Convert(LONG& value, int dpi) noexcept { value = qel::WrappedProduct(value, dpi) / qel::kTenthsPerInch; }
 
@@ -109,13 +111,13 @@ int CQelPrintJobPageStyle::GetPageBlocks() const {
 }
 
 int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CRect& rect) const {
-    if (m_nDpi < 1) return 0;
+    if (m_nDpi < 1) return qel::Operation(kConvert).Failed(qel::FailureKind::kState, "", kNoResolution);
     for (LONG* const value : {&rect.left, &rect.top, &rect.right, &rect.bottom}) Convert(*value, m_nDpi);
     return 1;
 }
 
 int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CPoint& point) const {
-    if (m_nDpi < 1) return 0;
+    if (m_nDpi < 1) return qel::Operation(kConvert).Failed(qel::FailureKind::kState, "", kNoResolution);
     Convert(point.x, m_nDpi);
     Convert(point.y, m_nDpi);
     return 1;
@@ -168,7 +170,11 @@ HDC CQelPrintJobPageStyle::GetPrinterDC() {
 
 int CQelPrintJobPageStyle::GetPrinterFromDC(CDC* dc, CPrintInfo* info) {
     const DEVMODE* const mode = info != nullptr && info->m_pPD != nullptr ? info->m_pPD->GetDevMode() : nullptr;
-    return mode != nullptr && qel::Succeeds([&] { ReadDevMode(*mode, dc); }) ? 1 : 0;
+    return qel::AsResult("CQelPrintJobPageStyle::GetPrinterFromDC", [&] {
+        if (mode == nullptr) return qel::Refuse(qel::FailureKind::kPrinter, "", "the printer has no settings");
+        ReadDevMode(*mode, dc);
+        return 1;
+    });
 }
 
 void CQelPrintJobPageStyle::ReadDevMode(DEVMODE mode, CDC* dc) {

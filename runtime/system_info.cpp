@@ -3,6 +3,7 @@
 #include <atomic>
 #include <utility>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/shell/system_state.h"
 #include "qellib10/platform/storage/windows_folder.h"
 #include "qellib10/platform/text/code_page.h"
@@ -44,6 +45,10 @@ BOOL CSystemInfo::GetBrowserProxy(CString& server, CString& bypass) {
 
 BOOL CSystemInfo::IsDialUpConnected() { return qel::IsDialUpConnected(); }
 BOOL CSystemInfo::IsAdministrator() { return qel::IsAdministrator(); }
-BOOL CSystemInfo::Restart() { return qel::RunCommand({"shutdown", "-r", "now"}); }
+BOOL CSystemInfo::Restart() {
+    return qel::Operation("CSystemInfo::Restart")
+        .Ended(qel::RunCommand({"shutdown", "-r", "now"}), qel::FailureKind::kRefused,
+               "the system did not start shutdown");
+}
 
 void qel::SetSystemFamily(SystemFamily family) { systemFamily = family; }

@@ -2,27 +2,41 @@
 
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_file.h"
+#include "qellib10/platform/operation.h"
+
+namespace {
+
+// Whether there is somebody to ask; else the operation's failure says that there is not.
+bool Has(const CClassAgentConnectInterface* connection, const char* operation) {
+    if (connection != nullptr) return true;
+    qel::Operation(operation).Failed(qel::FailureKind::kState, "", "no connection to a user store");
+    return false;
+}
+
+}  // namespace
 
 CSystemSetting::CSystemSetting(CClassAgentConnectInterface* connect) { Initialize(connect); }
 
 CSystemSetting::~CSystemSetting() = default;
 
-int CSystemSetting::IsAutoLogon() { return m_pConnect != nullptr ? m_pConnect->IsAutoLogon() : 0; }
+int CSystemSetting::IsAutoLogon() {
+    return Has(m_pConnect, "CSystemSetting::IsAutoLogon") ? m_pConnect->IsAutoLogon() : 0;
+}
 
 int CSystemSetting::SetAutoLogon(int autoLogon) {
-    return m_pConnect != nullptr ? m_pConnect->SetAutoLogon(autoLogon) : 0;
+    return Has(m_pConnect, "CSystemSetting::SetAutoLogon") ? m_pConnect->SetAutoLogon(autoLogon) : 0;
 }
 
 CString CSystemSetting::GetAutoLogonUserName() {
-    return m_pConnect != nullptr ? m_pConnect->GetAutoLogonUserName() : CString();
+    return Has(m_pConnect, "CSystemSetting::GetAutoLogonUserName") ? m_pConnect->GetAutoLogonUserName() : CString();
 }
 
 CString CSystemSetting::GetAutoLogonPassword() {
-    return m_pConnect != nullptr ? m_pConnect->GetAutoLogonPassword() : CString();
+    return Has(m_pConnect, "CSystemSetting::GetAutoLogonPassword") ? m_pConnect->GetAutoLogonPassword() : CString();
 }
 
 int CSystemSetting::SetAutoLogonUser(const CString& username) {
-    return m_pConnect != nullptr ? m_pConnect->SetAutoLogonUser(username) : 0;
+    return Has(m_pConnect, "CSystemSetting::SetAutoLogonUser") ? m_pConnect->SetAutoLogonUser(username) : 0;
 }
 
 int CSystemSetting::SetLoginUserName(const char* name) {
@@ -46,7 +60,7 @@ void CSystemSetting::ConnectIfNeeded() {
 }
 
 int CSystemSetting::LogonWithDialog() {
-    if (m_pConnect == nullptr) return 0;
+    if (!Has(m_pConnect, "CSystemSetting::LogonWithDialog")) return 0;
     ConnectIfNeeded();
     if (m_pConnect->LogonWithDialog() == 0) {
         Logoff();
@@ -57,7 +71,7 @@ int CSystemSetting::LogonWithDialog() {
 }
 
 int CSystemSetting::LogonWithoutDialog(const CString& username, const CString& password) {
-    if (m_pConnect == nullptr) return 0;
+    if (!Has(m_pConnect, "CSystemSetting::LogonWithoutDialog")) return 0;
     ConnectIfNeeded();
     if (m_pConnect->Logon(username, password) == 0) {
         Logoff();
@@ -80,25 +94,32 @@ int CSystemSetting::GetLogonUserManagerFlag() const { return m_nLogon != 0 ? m_L
 int CSystemSetting::GetLogonUserMakerFlag() const { return m_nLogon != 0 ? m_LogonUser.GetMakerFlag() : -1; }
 
 int CSystemSetting::GetUserInfo(const CString& username, CUserInfo* out) const {
-    return m_pConnect != nullptr && out != nullptr ? m_pConnect->GetUserInfo(username, out) : 0;
+    return Has(m_pConnect, "CSystemSetting::GetUserInfo") && out != nullptr ? m_pConnect->GetUserInfo(username, out)
+                                                                            : 0;
 }
 
-int CSystemSetting::ReloadUserList() { return m_pConnect != nullptr ? m_pConnect->ReloadUserList() : 0; }
+int CSystemSetting::ReloadUserList() {
+    return Has(m_pConnect, "CSystemSetting::ReloadUserList") ? m_pConnect->ReloadUserList() : 0;
+}
 
-int CSystemSetting::GetUserCount() const { return m_pConnect != nullptr ? m_pConnect->GetUserCount() : -1; }
+int CSystemSetting::GetUserCount() const {
+    return Has(m_pConnect, "CSystemSetting::GetUserCount") ? m_pConnect->GetUserCount() : -1;
+}
 
 CString CSystemSetting::GetUserName(int index) const {
-    return m_pConnect != nullptr ? m_pConnect->GetUserName(index) : CString();
+    return Has(m_pConnect, "CSystemSetting::GetUserName") ? m_pConnect->GetUserName(index) : CString();
 }
 
 int CSystemSetting::SaveFunctionSecurity(const CUserInfo& user) {
-    return m_pConnect != nullptr ? m_pConnect->SaveFunctionSecurity(user) : 0;
+    return Has(m_pConnect, "CSystemSetting::SaveFunctionSecurity") ? m_pConnect->SaveFunctionSecurity(user) : 0;
 }
 
-int CSystemSetting::AddUserInfo(const CUserInfo& user) { return m_pConnect != nullptr ? m_pConnect->AddUser(user) : 0; }
+int CSystemSetting::AddUserInfo(const CUserInfo& user) {
+    return Has(m_pConnect, "CSystemSetting::AddUserInfo") ? m_pConnect->AddUser(user) : 0;
+}
 
 int CSystemSetting::DeleteUserInfo(const CString& username) {
-    return m_pConnect != nullptr ? m_pConnect->DeleteUser(username) : 0;
+    return Has(m_pConnect, "CSystemSetting::DeleteUserInfo") ? m_pConnect->DeleteUser(username) : 0;
 }
 
 CString CSystemSetting::GetQELSystemIniPath() {

@@ -14,7 +14,7 @@ namespace qel {
 
 /// The one place where an operation's inner failures become its result: what @p body returns, or 0 when it threw one of
 /// the four. Anything else that is thrown is a defect of ours and passes through. LastFailure has the cause then: what
-/// was thrown, or what @p body recorded (Refuse) or called in vain before it returned 0.
+/// was thrown, or what @p body recorded (Refuse), or an inner call reported, before it returned 0.
 /// @param operation the public operation's name; null for a step, whose failure gets the name of its operation
 /// @param about the file that a check of its bytes is about; may be null
 template <std::invocable Body> int AsResult(const char* operation, const CFile* about, Body&& body) {

@@ -35,16 +35,20 @@ CDC::~CDC() {
 }
 
 BOOL CDC::CreateCompatibleDC(CDC* dc) {
-    if (m_hDC != nullptr) return 0;
-    return Attach(::CreateCompatibleDC(dc != nullptr ? dc->m_hDC : nullptr));
+    qel::Operation operation("CDC::CreateCompatibleDC");
+    if (m_hDC != nullptr) return operation.Failed(qel::FailureKind::kState, "", qel::kContextInUse);
+    return operation.Ended(Attach(::CreateCompatibleDC(dc != nullptr ? dc->m_hDC : nullptr)));
 }
 
 BOOL CDC::Attach(HDC dc) {
+    if (dc == nullptr) return 0;
+    qel::Operation operation("CDC::Attach");
+    if (m_hDC != nullptr) return operation.Failed(qel::FailureKind::kState, "", qel::kContextInUse);
     auto context = qel::FindDeviceContext(dc);
-    if (m_hDC != nullptr || !context) return 0;
+    if (!context) return operation.Failed(qel::FailureKind::kArgument, "", "not a device context");
     m_hDC = m_hAttribDC = dc;
     m_pOutput = m_pAttributes = std::move(context);
-    return 1;
+    return operation.Ended(1);
 }
 
 HDC CDC::Detach() {

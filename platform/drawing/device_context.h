@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "qellib10/platform/drawing/drawing_object.h"
@@ -9,6 +10,9 @@
 #include "qellib10/platform/drawing/surface.h"
 
 namespace qel {
+
+/// Why a CDC takes no other context.
+inline constexpr std::string_view kContextInUse = "it has a device context already";
 
 class TextFont;
 struct TextLine;

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstring>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "qellib10/platform/drawing/drawing_object.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace qel {
@@ -171,11 +173,19 @@ DWORD CBitmap::SetBitmapBits(DWORD size, const void* bits) {
 }
 
 HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {
-    if (planes != 1 || !qel::IsDepth(bitsPixel) || (bits != nullptr && bitsPixel != 32)) return nullptr;
+    qel::Operation operation("CreateBitmap");
+    const auto refuse = [&](qel::FailureKind kind, std::string_view text) {
+        operation.Failed(kind, "", text);
+        return nullptr;
+    };
+    if (planes != 1 || !qel::IsDepth(bitsPixel) || (bits != nullptr && bitsPixel != 32))
+        return refuse(qel::FailureKind::kArgument, "a depth that no bitmap has");
+    if (!qel::PixelBuffer::IsSize(width, height))
+        return refuse(qel::FailureKind::kArgument, "a size that no bitmap has");
     std::shared_ptr<qel::PixelBuffer> pixels = qel::PixelBuffer::Create(width, height);
-    if (!pixels) return nullptr;
+    if (!pixels) return refuse(qel::FailureKind::kMemory, "out of memory");
     if (bits != nullptr) std::memcpy(pixels->Row(0), bits, std::size_t(width) * std::size_t(height) * 4);
-    return static_cast<HBITMAP>(qel::AddDrawingObject(qel::BitmapObject{std::move(pixels)}));
+    return operation.Ended(static_cast<HBITMAP>(qel::AddDrawingObject(qel::BitmapObject{std::move(pixels)})));
 }
 
 int GetObject(HGDIOBJ object, int size, void* record) {

@@ -7,7 +7,7 @@
 namespace qel {
 
 std::shared_ptr<PixelBuffer> PixelBuffer::Create(int width, int height) {
-    if (width < 1 || height < 1 || width > kLongestSide || height > kLongestSide) return nullptr;
+    if (!IsSize(width, height)) return nullptr;
     // The kernel clears it page by page at the first access, so that a large picture costs nothing before it is drawn
     // on.
     void* const pixels = std::calloc(std::size_t(width) * std::size_t(height), sizeof(std::uint32_t));

@@ -15,7 +15,10 @@ public:
     /// Cairo's limit of a side.
     static constexpr int kLongestSide = 32767;
 
-    /// A black picture, or null when a side is below 1 or too long, or memory runs out.
+    static bool IsSize(int width, int height) {
+        return width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide;
+    }
+    /// A black picture, or null when it is no size, or memory runs out.
     static std::shared_ptr<PixelBuffer> Create(int width, int height);
 
     int Width() const noexcept { return m_nWidth; }

@@ -90,7 +90,9 @@ bool HasOtherSheet(HDC printer) {
 }  // namespace qel
 
 BOOL CDC::CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode) {
-    return m_hDC == nullptr && Attach(::CreateDC(driver, device, output, mode));
+    qel::Operation operation("CDC::CreateDC");
+    if (m_hDC != nullptr) return operation.Failed(qel::FailureKind::kState, "", qel::kContextInUse);
+    return operation.Ended(Attach(::CreateDC(driver, device, output, mode)));
 }
 
 HDC CreateDC(const char*, const char* device, const char*, const DEVMODE* mode) {

@@ -57,27 +57,36 @@ RegistryCode CodeOf(DatabaseFault fault) {
     return kRegistryDamaged;
 }
 
-LONG Failed(Operation& operation, LONG code) {
+std::string_view View(const char* text) { return text != nullptr ? text : ""; }
+
+// The path and the value that an operation is about, as the caller gave them.
+struct Subject {
+    const char* path = nullptr;
+    const char* value = nullptr;
+};
+
+LONG Failed(Operation& operation, const Subject& subject, LONG code) {
     const FailureKind kind = code == kRegistryNotFound ? FailureKind::kMissing : FailureKind::kRegistry;
-    operation.Failed(kind, "", TextOf(code), code);
+    std::string item(View(subject.path));
+    if (subject.value != nullptr)
+        item += (item.empty() || item.ends_with('\\') ? "" : "\\") + std::string(subject.value);
+    operation.Failed(kind, item, TextOf(code), code);
     return code;
 }
 
 // The one place where an operation's failure becomes its result.
-template <std::invocable Body> LONG AsCode(Body&& body) {
-    Operation operation(nullptr);
+template <std::invocable Body> LONG AsCode(const char* name, const Subject& subject, Body&& body) {
+    Operation operation(name);
     try {
         std::forward<Body>(body)();
         operation.Ended(true);
         return kRegistrySuccess;
     } catch (const RegistryError& error) {
-        return Failed(operation, error.Code());
+        return Failed(operation, subject, error.Code());
     } catch (const DatabaseError& error) {
-        return Failed(operation, CodeOf(error.Fault()));
+        return Failed(operation, subject, CodeOf(error.Fault()));
     }
 }
-
-std::string_view View(const char* text) { return text != nullptr ? text : ""; }
 
 RegistryValue Kept(const RegistryValue& value) {
     if (value.data.size() > kMaxRegistryData) throw RegistryError(kRegistryInvalidParameter);
@@ -111,14 +120,15 @@ struct Place {
     RegistryPath names;
 };
 
-template <std::invocable<const Place&> Body> LONG AtPlace(HKEY parent, const char* path, Body&& body) {
-    return AsCode([&] { std::forward<Body>(body)(Place(parent, path)); });
+template <std::invocable<const Place&> Body>
+LONG AtPlace(const char* name, HKEY parent, const Subject& subject, Body&& body) {
+    return AsCode(name, subject, [&] { std::forward<Body>(body)(Place(parent, subject.path)); });
 }
 
 }  // namespace
 
 LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKEY& key) {
-    return AtPlace(parent, path, [&](const Place& at) {
+    return AtPlace("qel::CreateRegistryKey", parent, {path}, [&](const Place& at) {
         RegistryStore::Writing writing(at.store, true);
         const RegistryKeyId made = writing.Tree().Create(at.from, at.names, ToUtf8(View(className)));
         writing.Commit();
@@ -127,18 +137,18 @@ LONG CreateRegistryKey(HKEY parent, const char* path, const char* className, HKE
 }
 
 LONG OpenRegistryKey(HKEY parent, const char* path, HKEY& key) {
-    return AtPlace(parent, path, [&](const Place& at) {
+    return AtPlace("qel::OpenRegistryKey", parent, {path}, [&](const Place& at) {
         const RegistryStore::Reading reading(at.store);
         key = at.store.OpenKey(at.FindIn(reading.Tree()));
     });
 }
 
 LONG CloseRegistryKey(HKEY key) {
-    return AsCode([&] { RegistryStore::Of(key).CloseKey(key); });
+    return AsCode("qel::CloseRegistryKey", {}, [&] { RegistryStore::Of(key).CloseKey(key); });
 }
 
 LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, RegistryValue& value) {
-    return AtPlace(parent, path, [&](const Place& at) {
+    return AtPlace("qel::ReadRegistryValue", parent, {path, name}, [&](const Place& at) {
         const RegistryName valueName = RegistryName::OfValue(View(name));
         const RegistryStore::Reading reading(at.store);
         std::optional<RegistryValue> found;
@@ -150,7 +160,7 @@ LONG ReadRegistryValue(HKEY parent, const char* path, const char* name, Registry
 
 LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, const char* name,
                         const RegistryValue& value) {
-    return AtPlace(parent, path, [&](const Place& at) {
+    return AtPlace("qel::WriteRegistryValue", parent, {path, name}, [&](const Place& at) {
         const RegistryName valueName = RegistryName::OfValue(View(name));
         const RegistryValue kept = Kept(value);
         RegistryStore::Writing writing(at.store, true);
@@ -161,7 +171,7 @@ LONG WriteRegistryValue(HKEY parent, const char* path, const char* className, co
 }
 
 LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents) {
-    return AtPlace(parent, path, [&](const Place& at) {
+    return AtPlace("qel::ListRegistryKey", parent, {path}, [&](const Place& at) {
         const RegistryStore::Reading reading(at.store);
         RegistryContents found;
         const bool isEmptyTree = reading.Tree() == nullptr && at.from == kRegistryRootKey && at.names.Size() == 0;
@@ -179,7 +189,7 @@ LONG ListRegistryKey(HKEY parent, const char* path, RegistryContents& contents) 
 }
 
 LONG DeleteRegistryTree(HKEY parent, const char* path) {
-    return AtPlace(parent, path, [&](const Place& at) {
+    return AtPlace("qel::DeleteRegistryTree", parent, {path}, [&](const Place& at) {
         RegistryStore::Writing writing(at.store, false);
         const RegistryKeyId key = at.FindIn(&writing.Tree());
         if (key == kRegistryRootKey) throw RegistryError(kRegistryAccessDenied);
@@ -189,7 +199,7 @@ LONG DeleteRegistryTree(HKEY parent, const char* path) {
 }
 
 LONG CopyRegistryTree(HKEY from, HKEY to) {
-    return AsCode([&] {
+    return AsCode("qel::CopyRegistryTree", {}, [&] {
         if (&RegistryStore::Of(from) != &RegistryStore::Of(to)) throw RegistryError(kRegistryInvalidParameter);
         const Place source(from, "");
         const Place target(to, "");
@@ -211,11 +221,12 @@ RegistryTransaction::RegistryTransaction() = default;
 RegistryTransaction::~RegistryTransaction() = default;
 
 LONG RegistryTransaction::Begin(HKEY key) {
-    return AsCode([&] { m_state = std::make_unique<State>(RegistryStore::Of(key)); });
+    return AsCode("qel::RegistryTransaction::Begin", {},
+                  [&] { m_state = std::make_unique<State>(RegistryStore::Of(key)); });
 }
 
 LONG RegistryTransaction::Commit() {
-    return AsCode([&] {
+    return AsCode("qel::RegistryTransaction::Commit", {}, [&] {
         if (!m_state) throw RegistryError(kRegistryBadHandle);
         m_state->writing.Commit();
         m_state.reset();

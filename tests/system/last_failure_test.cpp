@@ -7,15 +7,18 @@
 #include "qellib10/calc/qw_calc.h"
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/private_profile.h"
+#include "qellib10/graph/back_buffer_dc.h"
 #include "qellib10/platform/archive/archive_exception.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/drawing/file_dc.h"
+#include "qellib10/platform/drawing/page_picture.h"
 #include "qellib10/platform/drawing/png_file.h"
 #include "qellib10/platform/failure.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/print/document_data.h"
 #include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"
+#include "qellib10/user/system_setting.h"
 
 namespace {
 
@@ -125,6 +128,8 @@ TEST_F(Failures, OfFilesTellFileAndCause) {
     CString text;
     EachTells({
         {[&] { return CFile().Open(Path("none"), CFile::modeRead); }, "file: CFile::Open: none: file not found (2)"},
+        {[&] { return CQFile::MoveFileReboot(Path("none"), Path("x"), nullptr, 0) >= 0; },
+         "file: CQFile::MoveFileReboot: none: file not found (2)"},
         {[&] { return CFile().Open(Path("no") + "\\x", CFile::modeRead); }, "file: CFile::Open: x: bad path (3)"},
         {[&] { return CQFile::GetFileCRC(Path("none"), &number, 0); },
          "file: CQFile::GetFileCRC: none: file not found (2)"},
@@ -280,6 +285,7 @@ TEST_F(Failures, OfSettingsTellEntryAndPlace) {
     DWORD size = 1;
     char bytes[1] = {};
     CStringArray list;
+    qel::RegistryValue value;
     EachTells({
         {[&] { return ini.Set("s", "k", "two\nlines"); },
          "argument: CPrivateProfile::Set: a.ini: a name or text that the file cannot hold"},
@@ -288,14 +294,24 @@ TEST_F(Failures, OfSettingsTellEntryAndPlace) {
         {[&] { return nowhere.Open("HKEY_NONE\\x", 1); },
          "argument: CPrivateProfile::Open: x: not below a root of the registry"},
         {[&] { return ini.SetDouble("s", "k", 1.0 / 0.0); },
-         "argument: CPrivateProfile::SetDouble: no key, or no number"},
+         "argument: CPrivateProfile::SetDouble: k: no key, or no number"},
         {[&] { return ini.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: none: not in the file"},
         {[&] { return ini.Get("s", "k", bytes, &size); }, "state: CPrivateProfile::Get: only in the registry"},
         {[&] { return ini.Delete("s"); }, "state: CPrivateProfile::Delete: only in the registry"},
         {[&] { return keys.GetAllStrings("s", list); }, "state: CPrivateProfile::GetAllStrings: only of an INI file"},
-        {[&] { return keys.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: no such key or value (2)"},
-        {[&] { return keys.Delete("none"); }, "missing: CPrivateProfile::Delete: no such key or value (2)"},
-        {[&] { return keys.Restore(".none"); }, "missing: CPrivateProfile::Restore: no such key or value (2)"},
+        {[&] { return keys.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: none: no such key or value (2)"},
+        {[&] { return keys.Get("s", "k", 0); }, "data: CPrivateProfile::Get: k: not a value of this type"},
+        {[&] { return ini.GetDouble("s", "k", 0) > 0; }, "data: CPrivateProfile::Get: k: not a value of this type"},
+        {[&] { return nowhere.Get("s", "k", 0); }, "state: CPrivateProfile::Get: no profile is open"},
+        {[&] { return keys.Delete("none"); }, "missing: CPrivateProfile::Delete: none: no such key or value (2)"},
+        {[&] { return keys.Restore(".none"); },
+         "missing: CPrivateProfile::Restore: Meter.none: no such key or value (2)"},
+        {[&] { return CSystemSetting(nullptr).GetUserInfo("x", nullptr); },
+         "state: CSystemSetting::GetUserInfo: no connection to a user store"},
+        {[&] { return qel::ReadRegistryValue(HKEY_CURRENT_USER, "Meter\\s", "none", value) == 0; },
+         "missing: qel::ReadRegistryValue: none: no such key or value (2)"},
+        {[&] { return qel::DeleteRegistryTree(HKEY_CURRENT_USER, "") == 0; },
+         "registry: qel::DeleteRegistryTree: access denied (5)"},
         {[&] { return keys.Backup(""); }, "argument: CPrivateProfile::Backup: names no key beside a profile's own"},
     });
     keys.Get("s", "k", "");
@@ -338,6 +354,19 @@ TEST_F(Failures, OfJobsPicturesAndPrintersTellFileAndPrinter) {
         {[&] { return GetPrinter(nullptr, 1, nullptr, 0, &thePrinterNeeds); }, "argument: GetPrinter: no open printer"},
         {[&] { return isNull(CreateDC(nullptr, "none", nullptr, nullptr)); },
          "printer: CreateDC: none: the print server does not answer"},
+        {[&] { return paper.CreateDC(nullptr, "PDF", nullptr, nullptr); },
+         "state: CDC::CreateDC: it has a device context already"},
+        {[&] { return CDC().CreateDC(nullptr, "none", nullptr, nullptr); },
+         "printer: CDC::CreateDC: none: the print server does not answer"},
+        {[&] { return bitmap.CreateBitmap(0, 1, 1, 32, nullptr); },
+         "argument: CreateBitmap: a size that no bitmap has"},
+        {[&] { return qel::DrawPagePicture(bitmap, paper, 0, [](CDC&) { return true; }); },
+         "argument: qel::DrawPagePicture: a resolution that is not from 1 to 9600 dots per inch"},
+        {[&] { return qel::DrawPagePicture(bitmap, paper, 9, [](CDC&) { return false; }); },
+         "refused: qel::DrawPagePicture: the caller's drawing failed"},
+        {[&] { return CBackBufferDC().Resize(1, 1); }, "state: CBackBufferDC::Resize: it was not created"},
+        {[&] { return other.GetPageStyle().GetPrinterFromDC(nullptr, nullptr); },
+         "printer: CQelPrintJobPageStyle::GetPrinterFromDC: the printer has no settings"},
         {[&] { return step(paper.EndPage()); }, "state: CDC::EndPage: not the next step of a document"},
         {[&] { return step(paper.StartDoc("x")); }, "file: CDC::StartDoc: f: bad path (3)"},
     });
