@@ -18,7 +18,7 @@ public:
     double Inflection() const;
     double Value(double x) const;
     double Slope(double x) const;
-    /// The sign tells the kind of the slope's extreme: negative for a maximum.
+    /// The sign shows the kind of the slope's extreme: negative for a maximum.
     double ThirdDerivative() const;
 
     /// Standard errors for independent noise of standard deviation 1 in each y.

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kSlopes = 3, kReadings = kSlopes + 1;
 constexpr std::size_t kOuter = 2;  // intervals from the steepest one, whose slopes choose the shape
 constexpr double kCertainty = 5;   // deviations
-constexpr double kUneven = 3;      // a longer interval beside the steepest one tells too little
+constexpr double kUneven = 3;      // a longer interval beside the steepest one says too little
 constexpr double kUnknown = std::numeric_limits<double>::infinity();
 constexpr double kLeastOfSteepest = 1e-3;  // a slope that is flatter says nothing of the top
 

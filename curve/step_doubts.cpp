@@ -29,7 +29,7 @@ constexpr double kSamePlace = 0.25;    // of the smallest interval at the step
 using Flags = std::vector<bool>;
 
 struct Window {
-    std::size_t first, last;  // behind its last reading
+    std::size_t first, last;  // past its last reading
 
     std::size_t Size() const { return last - first; }
 };
