@@ -35,7 +35,7 @@ public:
     /// Takes a context for output and attributes. Null leaves qel::LastFailure as whatever should have made it set it.
     /// @return 0 if this object has one, or for a bad handle
     BOOL Attach(HDC dc);
-    HDC Detach();         ///< gives up the output context to the caller
+    HDC Detach();  ///< gives up the output context to the caller
     BOOL DeleteDC();
     HDC GetSafeHdc() const noexcept { return m_hDC; }
     operator HDC() const noexcept { return m_hDC; }
