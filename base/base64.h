@@ -4,10 +4,21 @@
 #include "qellib10/platform/types.h"
 
 /// Converts bytes to Base64 text and back: the standard alphabet of RFC 4648 with "=" padding, never a line break.
+/// Bytes that are put into a document or a setting as they are end at the first zero, and a code page changes the rest.
+/// As Base64 they come back unchanged.
+///
+/// @code
+/// const unsigned char telegram[] = {0x02, 0x00, 0x91, 0x03};
+/// char text[8];
+/// int size = sizeof text;  // GetBinToBase64Size(4) is 8
+/// if (!CBase64::GetBinToBase64(telegram, 4, text, size)) return;
+/// const CString setting(text, size);  // no zero was written: the length is needed
+/// @endcode
 ///
 /// Sizes count bytes and characters; a negative one means 0. Conversions return 1, or 0 (and write nothing) if the
-/// target is too small or a needed pointer is null. Characters outside the alphabet are no error: they decode as 0
-/// bits.
+/// target is too small or a needed pointer is null. Nothing is thrown. Any thread may call them.
+///
+/// Characters outside the alphabet are no error: they decode as 0 bits.
 class QELLIB10_API CBase64 {
 public:
     virtual ~CBase64();

@@ -4,7 +4,7 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// The 128-bit identifier that tells documents and history records apart. File names change and numbers are given
+/// The 128-bit identifier that distinguishes documents and history records. File names change and numbers are given
 /// twice; a GUID made here is never given again, so a copied or renamed document can still be recognised.
 ///
 /// @code

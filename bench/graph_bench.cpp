@@ -7,7 +7,7 @@
 //   Draw<Ours>/512/1000/10 >= 15 Draw<Cairo>/512/1000/10
 //   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
-//   Record/1/1000000/10:bytes_a_point <= 200
+//   Record/1/1000000/10:bytes_per_point <= 200
 // A wide pen costs little more than a thin one, and a dashed one not much more, on either kind of background.
 //   Draw<Wide<2>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<3>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
@@ -310,7 +310,7 @@ void Record(benchmark::State& state) {
         bytes = static_cast<double>(BytesInUse() - before) / input.points;
         commands = job.GetBlock().GetCommandCount();
     }
-    state.counters["bytes_a_point"] = bytes;
+    state.counters["bytes_per_point"] = bytes;
     state.SetItemsProcessed(state.iterations() * input.points);
     if (commands < input.points || bytes >= 200) state.SkipWithError("points are missing, or take more memory");
 }

@@ -5,7 +5,7 @@
 //   Replay >= 10 ReplayByCairo
 //   Save >= 0.9 SaveByPugixml
 //   Load >= 1 LoadByPugixml
-//   Record:bytes a point <= 200
+//   Record:bytes per point <= 200
 
 #include <malloc.h>
 
@@ -300,7 +300,7 @@ void Record(benchmark::State& state) {
         bytes =
             static_cast<double>(after.uordblks + after.hblkhd) - static_cast<double>(before.uordblks + before.hblkhd);
     }
-    state.counters["bytes a point"] = bytes / kPoints;
+    state.counters["bytes per point"] = bytes / kPoints;
     state.SetItemsProcessed(state.iterations() * kPoints);
 }
 

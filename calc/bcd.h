@@ -160,7 +160,7 @@ public:
     /// and Infinity with two are NaN.00 and Infinity.00.
     ///
     /// @param buffer  width + 1 bytes; a terminating zero follows the text. A null pointer or a negative width, which
-    ///                leaves no byte to write to, writes nothing.
+    /// leaves no byte to write to, writes nothing.
     void GetString(char* buffer, int width, int decimals, rounding mode);
 
     /// The same text in a field of 64 characters, without blanks.

@@ -4,7 +4,20 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
-/// A named value used in result formulas, and the formula evaluator's intermediate result. A value class.
+/// A named value used in result formulas, and the formula evaluator's intermediate result. The name goes with the value
+/// wherever it goes. Values in an array of numbers are found by position, and after a change of their order a formula
+/// computes with the wrong one.
+///
+/// @code
+/// CCalcVariable volume;
+/// volume.m_szName = "VOLUME";
+/// volume.m_dValue = 16.519;  // mL
+/// CCalcVariableList list;
+/// list.AddVariableData(volume);
+/// @endcode
+///
+/// A value class: a copy has its own texts. One thread at a time. Only Serialize fails, and std::bad_alloc may be
+/// thrown by what copies a text.
 ///
 /// In an archive (integers and doubles little-endian, a text is the archive's counted string):
 ///

@@ -16,8 +16,8 @@ class CalcVariableIndex;
 }
 
 /// The named values of a result in the order in which they were added, with one setting that rounds every value that
-/// enters or leaves the list. So a report that lists the values and a formula that uses them see the same digits: who
-/// checks the result by hand, from the report, gets it.
+/// enters or leaves the list. So a report that lists the values and a formula that uses them see the same digits:
+/// whoever checks the report by hand gets the same result.
 ///
 /// @code
 /// CCalcVariableList list;

@@ -18,8 +18,12 @@ namespace qel {
 ///
 /// Bytes count from 1 here, from 0 in @p why. There is no full stop, so that advice can follow.
 ///
-///     if (calc.CheckCalcFormula("", formula) == 0)
-///         Complain(qel::FormulaSentence(formula.View(), qel::LastFailure()));
+/// @code
+/// CQWCalc calc;
+/// const CString formula = "2 * BLANK";  // the list has no variable BLANK
+/// if (calc.CheckCalcFormula("", formula) == 0)
+///     std::puts(qel::FormulaSentence(formula.View(), qel::LastFailure()).c_str());
+/// @endcode
 ///
 /// @param formula the one that was refused, in the code page of the process
 /// @param why LastFailure() right after the refusal

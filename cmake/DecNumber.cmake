@@ -17,12 +17,21 @@ else()
     # Renamed when complete, so that an interrupted extraction is not taken for a complete one.
     file(REMOVE_RECURSE ${decnumber}/unpacking)
     file(ARCHIVE_EXTRACT INPUT ${archive} DESTINATION ${decnumber}/unpacking PATTERNS
-      gdb/libdecnumber/dec*.h gdb/libdecnumber/dconfig.h gdb/libdecnumber/decNumber.c gdb/libdecnumber/decContext.c)
+      gdb/libdecnumber/dec*.h
+      gdb/libdecnumber/dconfig.h
+      gdb/libdecnumber/decNumber.c
+      gdb/libdecnumber/decContext.c
+    )
     file(RENAME ${decnumber}/unpacking/gdb/libdecnumber ${decnumber_source})
   endif()
 endif()
 
-set(decnumber_headers decNumber.h decNumberSymbols.h decContext.h decContextSymbols.h)
+set(decnumber_headers
+  decNumber.h
+  decNumberSymbols.h
+  decContext.h
+  decContextSymbols.h
+)
 foreach(file IN LISTS decnumber_headers ITEMS decNumber.c decContext.c)
   if(NOT EXISTS ${decnumber_source}/${file})
     message(FATAL_ERROR "decNumber is incomplete: ${decnumber_source}/${file} does not exist.")
@@ -41,8 +50,8 @@ install(FILES ${decnumber}/include/qellib10/decnumber/gstdint.h
 target_include_directories(qellib10_core_objects PUBLIC ${decnumber}/include)
 target_include_directories(qellib10-core PUBLIC $<BUILD_INTERFACE:${decnumber}/include>)
 
-# We do not fix its own warnings. It relies on signed numbers that wrap around: an exponent of many digits is read to its
-# end and only then found to be too large.
+# We do not fix its own warnings. It relies on signed numbers that wrap around: an exponent of many digits is read to
+# its end and only then found to be too large.
 file(CONFIGURE OUTPUT ${decnumber}/config/config.h CONTENT "")
 add_library(qellib10_decnumber STATIC ${decnumber_source}/decNumber.c ${decnumber_source}/decContext.c)
 target_include_directories(qellib10_decnumber PRIVATE ${decnumber}/config ${decnumber}/include/qellib10/decnumber)

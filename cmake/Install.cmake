@@ -31,7 +31,8 @@ if(TARGET qellib10-gtk)
   qellib10_install(gtk)
 endif()
 
-# The whole library. -lqellib10 finds a linker script, so that a program needs only those of the libraries that it calls.
+# The whole library. -lqellib10 finds a linker script, so that a program needs only those of the libraries that it
+# calls.
 install(TARGETS qellib10 EXPORT QELLIB10-whole)
 install(EXPORT QELLIB10-whole NAMESPACE QELLIB10:: DESTINATION ${QELLIB10_PACKAGE_DIR} COMPONENT development)
 install(TARGETS qellib10_whole LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_SKIP)

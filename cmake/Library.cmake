@@ -1,5 +1,5 @@
-# The library, by components: each is a set of objects, linked into an installed shared library, and into the tests, which
-# can also call what the shared libraries hide.
+# The library, by components: each is a set of objects, linked into an installed shared library, and into the tests,
+# which can also call what the shared libraries hide.
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/include)
 
 # Programs installed outside the system's folders find the libraries relative to themselves.
@@ -79,8 +79,9 @@ qellib10_shared(qellib10_whole)
 target_link_options(qellib10_whole PRIVATE LINKER:--no-as-needed)
 target_link_libraries(qellib10_whole PRIVATE qellib10-core qellib10-graphics)
 
-# qellib10_files(SOURCES a.cpp ... HEADERS a.h ...): adds a folder's sources to the component QELLIB10_COMPONENT and installs
-# its headers below include/qellib10/ in the same folder. Headers that only the library itself includes are not named.
+# qellib10_files(SOURCES a.cpp ... HEADERS a.h ...): adds a folder's sources to the component QELLIB10_COMPONENT and
+# installs its headers below include/qellib10/ in the same folder. Headers that only the library itself includes are not
+# named.
 function(qellib10_files)
   cmake_parse_arguments(PARSE_ARGV 0 ARG "" "" "SOURCES;HEADERS")
   target_sources(qellib10_${QELLIB10_COMPONENT}_objects PRIVATE ${ARG_SOURCES})

@@ -1,5 +1,5 @@
-# Debian packages, one for each component: the libraries with their development files, and the tools. scripts/package builds and checks them in a build of its own (preset package), where
-# QELLIB10_PACKAGES is on.
+# Debian packages, one for each component: the libraries with their development files, and the tools. scripts/package
+# builds and checks them in a build of its own (preset package), where QELLIB10_PACKAGES is on.
 option(QELLIB10_PACKAGES "Prepare what Debian packages hold beside the installed files" OFF)
 if(NOT QELLIB10_PACKAGES)
   return()
@@ -29,7 +29,8 @@ execute_process(COMMAND ${QELLIB10_GZIP} -9nc ${debian}/changelog
   OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.Debian.gz COMMAND_ERROR_IS_FATAL ANY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${debian}/changelog)
 
-# One package of a component, described by a summary and the lines of a text below it, whose licence and changelog Debian wants in its own folder.
+# One package of a component, described by a summary and the lines of a text below it. Debian wants its licence and
+# changelog in a folder of the package's name.
 macro(qellib10_package component name section summary text depends)
   string(TOUPPER ${component} upper)
   list(APPEND CPACK_COMPONENTS_ALL ${component})

@@ -50,13 +50,23 @@ struct QELLIB10_API CsvFailure {
 /// and instruments write. A row that is cut or read in part would become a wrong result without a sign of it, so what
 /// is damaged ends the table with a failure that has its line.
 ///
-///     CFile file("curve.csv", CFile::modeRead | CFile::shareDenyWrite);
-///     qel::CsvReader table(file);
-///     while (table.Next()) {
-///         const auto fields = table.Fields();
-///         if (fields.size() > 1) Add(qel::ReadMeasuredValue(fields[0]), qel::ReadMeasuredValue(fields[1]));
+/// @code
+/// CFile file("curve.csv", CFile::modeRead | CFile::shareDenyWrite);
+/// qel::CsvReader table(file);
+/// qel::TitrationCurve curve;
+/// while (table.Next()) {
+///     if (table.Fields().size() < 2) continue;
+///     const auto volume = qel::ReadMeasuredValue(table.Fields()[0]);
+///     const auto signal = qel::ReadMeasuredValue(table.Fields()[1]);
+///     if (volume && signal) {
+///         curve.volume.push_back(volume->value);
+///         curve.signal.push_back(signal->value);
+///     } else {
+///         std::printf("line %zu is no reading\n", table.Line());  // a heading, or a reading that is lost
 ///     }
-///     if (table.Failure()) Report(table.Failure()->Text());
+/// }
+/// if (table.Failure()) std::puts(table.Failure()->Text().c_str());  // the curve is not whole
+/// @endcode
 ///
 /// Fields are UTF-8. Blanks and tabs around a field do not belong to it; between quotation marks everything does, also
 /// separators and line breaks, and a doubled mark is one. A mark inside a bare field is a character like any other.

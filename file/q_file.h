@@ -24,9 +24,9 @@
 /// The static operations on names and folders take paths with the backslash; null counts as the empty text.
 ///
 /// CFile's operations throw what CFile throws, and so do Close, WriteFromFile and ReadToFile. Nothing else throws,
-/// except that operations which return a text throw std::bad_alloc: an empty name would be taken for a name. An int is
-/// 1 on success and 0 on failure unless stated, also when memory runs out; a text is empty on failure. qel::LastFailure
-/// says why. Destroying an open temporary file leaves it on the disk.
+/// except that operations which return a text throw std::bad_alloc: a caller could not distinguish an empty text from a
+/// name. An int is 1 on success and 0 on failure unless stated, also when memory runs out; a text is empty on failure.
+/// qel::LastFailure says why. Destroying an open temporary file leaves it on the disk.
 ///
 /// Opening and closing is in q_file.cpp, checksums, search and comparison in q_file_content.cpp, WriteFromFile and
 /// ReadToFile in q_file_copy.cpp, folders and moves in q_file_folder.cpp, names in q_file_path.cpp, places of the

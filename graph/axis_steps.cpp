@@ -10,7 +10,7 @@ namespace qel {
 namespace {
 
 constexpr double kLargest = std::numeric_limits<double>::max();
-constexpr double kLeastRange = 1e-290;  // below, steps cannot be told apart
+constexpr double kLeastRange = 1e-290;  // below, steps cannot be distinguished
 constexpr int kMaxSteps = 1000;
 constexpr double kRound[] = {1, 2, 2.5, 5, 10, 20, 25, 50, 100};
 

@@ -14,10 +14,13 @@ enum class RoundSteps {
 /// The grid lines of an axis at round numbers. CQelGraph divides its area evenly and finds no ranges by itself; ends
 /// that are whole multiples of a round step give grid lines at numbers that people can read:
 ///
-///     const qel::AxisSteps steps = qel::StepsOver(3.2, 11.7, 10);  // 3, 4 ... 12
-///     graph.SetYMinRange(0, steps.Value(0));
-///     graph.SetYMaxRange(0, steps.Value(steps.count));
-///     graph.SetDivY(steps.count);
+/// @code
+/// CQelGraph graph;
+/// const qel::AxisSteps steps = qel::StepsOver(3.2, 11.7, 10);  // 3, 4 ... 12
+/// graph.SetYMinRange(0, steps.Value(0));
+/// graph.SetYMaxRange(0, steps.Value(steps.count));
+/// graph.SetDivY(steps.count);
+/// @endcode
 struct QELLIB10_API AxisSteps {
     double step = 1;   ///< from one line to the next, above 0
     double first = 0;  ///< the place of the first line in steps, a whole number

@@ -20,8 +20,7 @@ public:
     int Create(int width, int height, HDC target);
     /// Replaces the picture by a new, black one.
     /// @return 0 without a context, or if a picture of that size is impossible (1 to 32767 per side); the old one is
-    /// then
-    ///   deleted too
+    /// then deleted too
     int Resize(int width, int height);
     /// @return 0 without a context
     int Destroy();

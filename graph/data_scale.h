@@ -45,8 +45,7 @@ struct DataScale {
 
     /// The position of a point.
     /// @return false for a point without a position, because its value or its axis is NaN; @p at is then what Pixels
-    /// returns
-    ///   for NaN
+    /// returns for NaN
     bool Map(const CGraphData& data, POINT& at) const noexcept {
 #if defined(__SSE2__)
         // Both numbers at once, with the same steps as above.

@@ -13,8 +13,20 @@ namespace qel {
 class PointList;
 }
 
-/// One series of a graph: its points in the order in which they were added, its axes, and how it is drawn. A copy has
-/// its own points.
+/// One series of a graph: its points in the order in which they were added, its axes, and how it is drawn. All of it is
+/// one object. Where points and axes are kept apart, a curve is soon drawn on the axes of another one, and people read
+/// wrong values from it.
+///
+/// @code
+/// CGraphDataCtrl series;
+/// series.GetXAxisStyle().SetDimStr("mL");
+/// series.SetViewMode(1);  // a line
+/// series.AddData(CGraphData(0.5, 61.2));
+/// for (const CGraphData& point : series.GetData()) std::printf("%g mL: %g mV\n", point.GetXData(), point.GetYData());
+/// @endcode
+///
+/// A copy has its own points. Nothing is checked here, and nothing is thrown but std::bad_alloc; the points do not
+/// change then. One thread at a time.
 class QELLIB10_API CGraphDataCtrl {
 public:
     CGraphDataCtrl();

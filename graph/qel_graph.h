@@ -159,8 +159,7 @@ protected:
     int DataToYPixel(double y, int series) const;
     /// The values at a position on the surface.
     /// @return 0 outside the area, whose right and bottom edges are not included; 1 without values in coordinate modes
-    /// other
-    ///   than 0 and 1
+    /// other than 0 and 1
     int GetValueFromPos(int series, int px, int py, double* x, double* y) const;
 
     // The layout

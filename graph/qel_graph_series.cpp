@@ -22,7 +22,7 @@ bool IsSolid(const CLineGraphStyle& style) {
 }
 
 // A preview has two contexts and scales from one to the other.
-bool IsUnitAPixel(const CDC& dc) { return dc.m_hDC == dc.m_hAttribDC && dc.GetMapMode() == MM_TEXT; }
+bool IsUnitOnePixel(const CDC& dc) { return dc.m_hDC == dc.m_hAttribDC && dc.GetMapMode() == MM_TEXT; }
 
 bool IsPicture(const CDC& dc) {
     const auto context = qel::FindDeviceContext(dc.m_hDC);
@@ -32,7 +32,7 @@ bool IsPicture(const CDC& dc) {
 // Where edges of wide lines are smoothed, the points in between would give other shades.
 bool IsReduced(const CDC& dc, const CLineGraphStyle& style) {
     const bool isThin = style.GetWidth() >= -1 && style.GetWidth() <= 1;
-    return IsSolid(style) && IsUnitAPixel(dc) && (isThin || IsPicture(dc));
+    return IsSolid(style) && IsUnitOnePixel(dc) && (isThin || IsPicture(dc));
 }
 
 }  // namespace

@@ -33,8 +33,7 @@ public:
     int ResetGetCommand();
     /// Returns the command at the cursor in @p out and moves the cursor on.
     /// @return 0 at the end; @p out does not change then. Once the last command has been returned, commands that are
-    /// added later
-    ///   are only found after ResetGetCommand.
+    /// added later are only found after ResetGetCommand.
     int GetNextCommand(CQelPrintJobCommand& out);
 
     /// The position of the commands' 0,0, in device units.

@@ -10,11 +10,23 @@ namespace qel {
 class CommandList;
 }
 
-/// One drawing command of a print job. Coordinates are device units of the surface that it will be drawn on, which are
-/// a printer's pixels; sums that exceed 32 bits wrap. Font sizes are tenths of a point, colours 0x00BBGGRR.
+/// One drawing command of a print job. A report is often printed days after the measurement, or a second time; a
+/// program that draws it again from the data then prints what the data are now. A job keeps the commands, so each copy
+/// is that of the first day.
+///
+/// @code
+/// CQelPrintJobCommand title;
+/// title.SetText(0, 0, "", 120, RGB(0, 0, 0), "Acidity: 49.6 g/L", 0, -1, -1);  // 12 points, no box
+/// CQelPrintJobBlockData block;
+/// if (!block.AddCommand(title)) return;
+/// block.SetOffset(200, 100);  // where the text is on the page
+/// @endcode
+///
+/// Coordinates are device units of the surface that it will be drawn on, which are a printer's pixels; sums that exceed
+/// 32 bits wrap. Font sizes are tenths of a point, colours 0x00BBGGRR.
 ///
 /// The setter that was called last decides the kind of the command. A setter writes only its own fields, the others
-/// stay, and returns 1.
+/// stay, and returns 1. Nothing is thrown but std::bad_alloc. One thread at a time.
 class QELLIB10_API CQelPrintJobCommand {
 public:
     enum : int { kEmpty, kUnit, kText, kMoveTo, kLineTo, kLine, kCircle, kSetPen, kSetRgn, kRectangle, kArc };
@@ -34,10 +46,8 @@ public:
     /// @param fontName cut to 31 bytes, between characters
     /// @param fontSize tenths of a point; 0 is the surface's default size
     /// @param style alignment in the box: 2 centred, 4 right, every other value of the lowest four bits left; plus 0x10
-    /// one
-    ///   line, in the middle of the height; 0x20 broken between words; 0x40 broken also within a word that is too long,
-    /// and
-    ///   without a last line that fits only partly
+    /// one line, in the middle of the height; 0x20 broken between words; 0x40 broken also within a word that is too
+    /// long, and without a last line that fits only partly
     int SetText(int x, int y, const char* fontName, int fontSize, unsigned long color, const char* text, int style,
                 int width, int height);
 
@@ -75,8 +85,7 @@ public:
 
     /// Draws the command, shifted by the offset; draws nothing without a surface, and for an unknown kind.
     /// @param objects carries pen and clip from one command to the next; null: they apply only to this command, but
-    /// stay on
-    ///   the surface
+    /// stay on the surface
     /// @return 1, whatever the surface does
     int Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* objects) const;
 

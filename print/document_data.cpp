@@ -89,8 +89,8 @@ std::nullopt_t NotPlaced(const char* why) {
     return std::nullopt;
 }
 
-int LengthBetween(int length, int before, int behind) {
-    return qel::WrappedDifference(qel::WrappedDifference(length, before), behind);
+int LengthBetween(int length, int before, int after) {
+    return qel::WrappedDifference(qel::WrappedDifference(length, before), after);
 }
 
 }  // namespace

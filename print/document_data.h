@@ -60,7 +60,7 @@ public:
     /// Prints all pages as one document, named after the page style: on its selected printer context, which it keeps,
     /// or else on a new one of its printer. Without blocks one empty page is printed.
     /// @return 0 if there is no such printer, if the cells cannot be laid out (see PrintOutMain; no document is started
-    ///   then), and if the printer does not accept the document. A document started on a selected context stays open
+    /// then), and if the printer does not accept the document. A document started on a selected context stays open
     /// then.
     int PrintOut();
 
@@ -70,15 +70,12 @@ public:
 
     /// Draws the blocks in the cells of their pages, and computes the page style's printer margins for @p dc.
     /// @param page counted from 1; below 0 all pages, with the end and the start of pages between them unless
-    ///   @p preview is not 0
+    /// @p preview is not 0
     /// @return 0 for a grid without cells; for blocks in several columns whose width is below 1, or in several rows
-    /// whose
-    ///   height is, which would be drawn over each other (the margins leave no space, or the paper size is unknown, see
-    ///   CQelPrintJobPageStyle::GetPaperSizeOn); for an invalid unit; and if the printer accepts no further page. A
-    /// single
-    ///   column or row is drawn whatever its size. If the print direction is not 1 or 2, all cells are drawn at the
-    /// same
-    ///   place, on purpose.
+    /// whose height is, which would be drawn over each other (the margins leave no space, or the paper size is unknown,
+    /// see CQelPrintJobPageStyle::GetPaperSizeOn); for an invalid unit; and if the printer accepts no further page. A
+    /// single column or row is drawn whatever its size. If the print direction is not 1 or 2, all cells are drawn at
+    /// the same place, on purpose.
     int PrintOutMain(CDC* dc, int page, int preview);
 
 protected:

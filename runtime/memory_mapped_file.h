@@ -9,8 +9,8 @@ class CAutoLockedMemoryMappedFile;
 namespace qel {
 
 /// Whether the holder before this one died with its view mapped, so that the block may be half written. It is known
-/// when GetDataPtr has returned, and holds until its next call. Exactly one of those who come after the dead one is
-/// told; it writes the block again from the start, or tells the others.
+/// when GetDataPtr has returned, and holds until its next call. Exactly one of those who come after the dead one gets
+/// true; it writes the block again from the start, or informs the others.
 QELLIB10_API bool WasAbandoned(const CAutoLockedMemoryMappedFile& block) noexcept;
 
 }  // namespace qel

@@ -5,8 +5,19 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-/// The system's version and settings: for support pages, and for code that runs on both families of the system. Safe
-/// from any thread, as long as no thread changes the environment.
+/// The system's version and settings: for support pages, and for code that runs on both families of the system. A
+/// folder or a version that is written into a program is right on the developer's machine and wrong on the customer's.
+///
+/// @code
+/// int major = 0, minor = 0;
+/// CSystemInfo::GetSystemVersion(&major, &minor);
+/// std::printf("%s, kernel %d.%d\n", CSystemInfo::GetSystemName().GetString(), major, minor);
+/// const CString folder = CSystemInfo::GetSpecialFolder(qel::SpecialFolder::kAppData);
+/// if (folder.IsEmpty()) return;  // the user has no home folder
+/// @endcode
+///
+/// An int is 1 for yes and 0 for no. What the system does not say is 0 or an empty text. Safe from any thread, as long
+/// as no thread changes the environment.
 class QELLIB10_API CSystemInfo {
 public:
     virtual ~CSystemInfo();

@@ -21,9 +21,22 @@ struct CWorkerThreadInfo {
     DWORD m_nType = 0;
 };
 
-/// Lets any thread ask worker threads to stop or to pause. A worker creates its own object when it starts, checks
-/// IsStop and IsPause in its loop, and destroys the object when it ends. Nothing is forced on it; it decides itself
-/// what pausing means.
+/// Lets any thread ask worker threads to stop or to pause. A worker that is ended from outside leaves half a telegram
+/// or half a file; one that is asked ends where its work is whole. A worker creates its own object when it starts,
+/// checks IsStop and IsPause in its loop, and destroys the object when it ends. Nothing is forced on it; it decides
+/// itself what pausing means.
+///
+/// @code
+/// const auto measure = [] {                // what the worker's thread runs
+///     const CWorkerThreadCtrl control(1);  // 1: our number for measuring
+///     while (!control.IsStop()) {
+///         // takes one reading, unless IsPause() says to wait
+///     }
+/// };
+/// CWorkerThreadCtrl::StopThread(1);  // in the window that closes, before it joins the worker's thread
+/// @endcode
+///
+/// Only workers with a record are asked: one that starts later, or has not created its object yet, runs on.
 ///
 /// The process has one table with a record for each object that was created (copies have none), in the order of
 /// creation. Threads are identified by the system's number: of two objects created in one thread, IsStop, IsPause and

@@ -13,9 +13,14 @@ struct BlowfishTables;
 /// hides a text from casual readers. The halves of a block are little-endian words, while the published vectors have
 /// them big-endian; files in the field are enciphered in this way.
 ///
-///     CCryptBrowFish cipher;
-///     cipher.Initialize(key, 16);
-///     const DWORD written = cipher.Encode(text, buffer, length);  // buffer: GetOutputLength(length) bytes
+/// @code
+/// const unsigned char key[] = "a key of 16 byte";
+/// const unsigned char text[] = "VOLUME * 0.6005";  // with its zero 16 bytes
+/// unsigned char buffer[16];                        // GetOutputLength(16)
+/// CCryptBrowFish cipher;
+/// cipher.Initialize(key, 16);
+/// const DWORD written = cipher.Encode(text, buffer, 16);
+/// @endcode
 ///
 /// Copies share the tables of the key: a new key for one is a new key for all of them. Nothing fails. Threads may
 /// encipher with one object, or with copies, at the same time, as long as none of them sets the key.

@@ -29,8 +29,24 @@ private:
     CString m_szAfter;
 };
 
-/// The differences between two states of a set of named values, in the order in which they were added. The list keeps
-/// copies.
+/// The differences between two states of a set of named values, in the order in which they were added: what a person
+/// confirms before a change is kept, and what the history shows later. A note that somebody writes by hand, such as
+/// "blank changed", does not have the former value, and nobody can find it again.
+///
+/// @code
+/// CDiffItem item;
+/// item.SetName("blank");
+/// item.SetBefore("0.30 mL");
+/// item.SetAfter("0.35 mL");
+/// CQDiffList changes;
+/// changes.AddDiffItem(item);
+/// for (int i = 0; changes.GetDiffItemIndex(i, &item); ++i)
+///     std::printf("%s: %s -> %s\n", item.GetName().GetString(), item.GetBefore().GetString(),
+///                 item.GetAfter().GetString());
+/// @endcode
+///
+/// The list keeps copies, and a copy of the list has its own. Nothing is thrown but std::bad_alloc. One thread at a
+/// time.
 class QELLIB10_API CQDiffList {
 public:
     CQDiffList();

@@ -25,7 +25,7 @@ DataError Refused(const CString& path, const std::string& what) {
 
 }  // namespace
 
-// Nobody else has the records open for writing meanwhile, and so comes near the cabinet.
+// Nobody else has the records open for writing meanwhile, so nobody else uses the cabinet either.
 RenewalHistory::RenewalHistory(std::string_view cabinetPath, std::string_view recordPath) : m_cabinetPath(cabinetPath) {
     CFileException error;
     constexpr UINT kMode = CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite | CFile::shareDenyWrite;

@@ -16,9 +16,11 @@ namespace qel {
 /// CHistoryRenewInfo per version, in their order. Kept apart, the two drift apart: a program that ends between writing
 /// one and the other leaves a version without a record, and every later record is then taken for another version's.
 ///
-///     qel::RenewalHistory history("results.hcf", "renewals.qel");
-///     history.Register("variables.qel", "Mori", "blank raised");
-///     history.TakeOut(1, "first.qel");
+/// @code
+/// qel::RenewalHistory history("results.hcf", "renewals.qel");
+/// history.Register("variables.qel", "Mori", "blank raised");
+/// history.TakeOut(1, "first.qel");
+/// @endcode
 ///
 /// One object at a time has the two files open; others may read them (CabinetReader, ReadRenewalRecords). Texts are in
 /// the code page of the process. One thread at a time.

@@ -17,7 +17,7 @@ struct RenewalRecords {
     bool isCut = false;  ///< the file ends within the next one, as a program leaves it that ends while it writes
 };
 
-/// Reads records from the file's position on, up to the first that is cut or is none.
+/// Reads records from the file's position on, up to the first that is cut or is not a record.
 /// @param file its position is undefined afterwards. @throws CFileException where it cannot be read
 QELLIB10_API RenewalRecords ReadRenewalRecords(CFile& file);
 

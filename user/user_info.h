@@ -4,7 +4,21 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/user/function_security.h"
 
-/// A user's account, as exchanged with the user store. A value class; copies have their own table.
+/// A user's account, as exchanged with the user store: names, password and what the user may do, in one value. Where
+/// these are passed one by one, a user gets the rights of another one as soon as one call is forgotten.
+///
+/// @code
+/// CClassAgentConnectInterface& OurStore();  // of the application
+/// CUserInfo user;
+/// user.SetUsername("mori");
+/// user.SetUserFullname("K. Mori");
+/// user.SetPassword("violet");
+/// user.SetManagerFlag(0);
+/// if (!OurStore().AddUser(user)) return;
+/// @endcode
+///
+/// A value class; copies have their own table. A change here changes no account before the value is given to the store.
+/// One thread at a time.
 class QELLIB10_API CUserInfo {
 public:
     /// User ID 0, texts empty, security like a new CFunctionSecurity.

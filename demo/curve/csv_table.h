@@ -26,13 +26,13 @@ struct Curve : qel::TitrationCurve {
 /// the volumes start again. Where a line has one of the two numbers, a reading is missing and the line is skipped.
 ///
 /// @param volumeColumn, signalColumn a column's name, letter case ignored, or its number counted from 1. With a name,
-///     the table is the first one after the first line that has it (with two names: both). With numbers alone, rows
-///     before the table that are too few for a curve are no table.
+/// the table is the first one after the first line that has it (with two names: both). With numbers alone, rows before
+/// the table that are too few for a curve are no table.
 /// @param table which table to read, counted from 1; 0: the only one
 /// @throws Failure when there is no such column or no number in it, when there are several tables and none is chosen,
-///     and when a number has two meanings (see RequireOneMeaning). When no table is chosen also when readings at its end
-///     are there but cannot be read; unless the only table is chosen, when its first or last points may be no readings
-///     (see RequireNoSummary). It names the lines and what was found there.
+/// and when a number has two meanings (see RequireOneMeaning). When no table is chosen also when readings at its end
+/// are there but cannot be read; unless the only table is chosen, when its first or last points may be no readings (see
+/// RequireNoSummary). It names the lines and what was found there.
 Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn, int table = 0);
 
 }  // namespace titration

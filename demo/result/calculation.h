@@ -24,8 +24,7 @@ std::string Shown(const Result& result);
 
 /// Computes the settings' formula with their variables and the end point's volume.
 /// @throws Failure if the formula is wrong, divides by zero or gives no number that can be written, and if two names
-/// differ
-///     only in letter case or the unit is unknown
+/// differ only in letter case or the unit is unknown
 Result Calculate(const Settings& settings, double endPointVolume);
 
 }  // namespace titration

@@ -1,5 +1,5 @@
-# Compares SOURCE with the program that PAGE prints. Then runs PROGRAM in the emptied FOLDER and compares its output with
-# the one text block of PAGE; 77 means "skipped".
+# Compares SOURCE with the program that PAGE prints. Then runs PROGRAM in the emptied FOLDER and compares its output
+# with the one text block of PAGE; 77 means "skipped".
 file(READ ${PAGE} page)
 file(READ ${SOURCE} source)
 string(FIND "${page}" "\n```cpp\n${source}```\n" at)

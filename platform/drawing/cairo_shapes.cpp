@@ -57,10 +57,10 @@ void AddOutline(cairo_t* cairo, const CRect& box, const Ink& ink) {
     // A frame that must stay inside is half its width further in.
     const bool isInside = ink.penStyle == PS_INSIDEFRAME;
     const double before = isInside ? ink.penWidth / 2.0 : PenCenter(ink.penWidth);
-    const double behind = isInside ? ink.penWidth / 2.0 : 1 - PenCenter(ink.penWidth);
+    const double after = isInside ? ink.penWidth / 2.0 : 1 - PenCenter(ink.penWidth);
     const double left = Near(box.left) + before, top = Near(box.top) + before;
-    cairo_rectangle(cairo, left, top, std::max(0.0, Near(box.right) - behind - left),
-                    std::max(0.0, Near(box.bottom) - behind - top));
+    cairo_rectangle(cairo, left, top, std::max(0.0, Near(box.right) - after - left),
+                    std::max(0.0, Near(box.bottom) - after - top));
 }
 
 double EllipseAngle(const CRect& box, const POINT& point) noexcept {

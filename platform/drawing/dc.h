@@ -11,8 +11,26 @@ namespace qel {
 class DeviceContext;
 }
 
-/// The surface that everything is drawn on: a picture in memory, a printer's page, a file, a widget. A context takes
-/// logical units (device units unless a map mode is set) and draws with the selected objects and colours.
+/// The surface that everything is drawn on: a picture in memory, a printer's page, a file, a widget. A program that
+/// draws with one set of calls on the screen and with another one on paper prints reports that differ from what was
+/// seen. With a context, one function draws both.
+///
+/// @code
+/// CDC dc;
+/// CBitmap picture;
+/// if (!dc.CreateCompatibleDC(nullptr) || !picture.CreateBitmap(400, 300, 1, 32, nullptr)) return;
+/// CPen axis(PS_SOLID, 2, RGB(0, 0, 0));
+/// const CRect all(0, 0, 400, 300);
+/// dc.SelectObject(&picture);
+/// dc.FillSolidRect(&all, RGB(255, 255, 255));  // a new picture is black
+/// CPen* const former = dc.SelectObject(&axis);
+/// dc.MoveTo(40, 260);
+/// dc.LineTo(380, 260);
+/// dc.SelectObject(former);
+/// @endcode
+///
+/// A context takes logical units (device units unless a map mode is set) and draws with the selected objects and
+/// colours.
 ///
 /// A new context has a black pen of one unit, a white brush, black text on an opaque white background, the position 0,0
 /// and no clip. It has two sides: the output context is drawn on, the attribute context is asked for resolution, map

@@ -24,8 +24,8 @@ CRect PageSetup::MarginDots() const noexcept {
 CSize PageSetup::DrawableDots() const noexcept {
     const CSize all = SheetDots();
     const CRect edges = MarginDots();
-    const auto between = [](LONGLONG length, LONG before, LONG behind) {
-        return static_cast<int>(std::clamp<LONGLONG>(length - before - behind, 0, std::numeric_limits<int>::max()));
+    const auto between = [](LONGLONG length, LONG before, LONG after) {
+        return static_cast<int>(std::clamp<LONGLONG>(length - before - after, 0, std::numeric_limits<int>::max()));
     };
     return {between(all.cx, edges.left, edges.right), between(all.cy, edges.top, edges.bottom)};
 }

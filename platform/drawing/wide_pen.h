@@ -32,8 +32,7 @@ public:
 
     /// Draws the line, its last point included; a dot if both points are the same.
     /// @return false if nothing was drawn because Cairo's pixels may differ: it rounds if an outline leaves the clip at
-    /// the left
-    ///   or right, and if coordinates are about a million pixels
+    /// the left or right, and if coordinates are about a million pixels
     bool Draw(const Raster& raster, const POINT& from, const POINT& to, std::uint32_t value);
 
 private:

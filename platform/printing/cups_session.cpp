@@ -15,8 +15,8 @@ namespace {
 using std::chrono::steady_clock;
 
 // libcups asks twice, waits for a second each time, and only then for our limit: a server that never responds takes
-// kAnswer, another second and kStep in all.
-constexpr auto kAnswer = std::chrono::milliseconds(2400);
+// kResponseLimit, another second and kStep in all.
+constexpr auto kResponseLimit = std::chrono::milliseconds(2400);
 constexpr double kStep = 0.25;  // seconds between two checks of the time
 constexpr int kConnectMilliseconds = 1500;
 constexpr double kTransferSeconds = 10;
@@ -32,7 +32,7 @@ int CupsSession::HasTimeLeft(http_t*, void* session) {
 }
 
 CupsSession::CupsSession()
-    : m_deadline(steady_clock::now() + kAnswer),
+    : m_deadline(steady_clock::now() + kResponseLimit),
       m_pHttp(::httpConnect2(::cupsServer(), ::ippPort(), nullptr, AF_UNSPEC, ::cupsEncryption(), 1,
                              kConnectMilliseconds, nullptr)) {
     if (m_pHttp == nullptr) return;

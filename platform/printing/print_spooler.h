@@ -84,7 +84,7 @@ QELLIB10_API HDC CreateDC(const char* driver, const char* device, const char* ou
 namespace qel {
 
 /// Whether the printer of this context has no sheet of the size or form that CreateDC was asked for, so that pages are
-/// laid out for another one: a form that stands in for it, or the printer's default. A program asks before it prints
+/// laid out for another one: a form that replaces it, or the printer's default. A program asks before it prints
 /// what has to fit. @return false also for what is no context of a printer
 QELLIB10_API bool HasOtherSheet(HDC printer);
 

@@ -39,8 +39,8 @@ std::optional<std::string> PathInLine(const std::string& line, std::uintptr_t ad
     char* end = nullptr;
     const std::uintptr_t first = std::strtoull(line.c_str(), &end, 16);
     if (*end != '-') return std::nullopt;
-    const std::uintptr_t behind = std::strtoull(end + 1, nullptr, 16);
-    if (address < first || address >= behind) return std::nullopt;
+    const std::uintptr_t past = std::strtoull(end + 1, nullptr, 16);
+    if (address < first || address >= past) return std::nullopt;
     const std::size_t slash = line.find('/');
     if (slash == std::string_view::npos) return "";
     std::string path = line.substr(slash);

@@ -10,7 +10,7 @@
 namespace qel {
 namespace {
 
-std::string_view Behind(std::string_view path, std::size_t at) { return path.substr(std::min(at + 1, path.size())); }
+std::string_view After(std::string_view path, std::size_t at) { return path.substr(std::min(at + 1, path.size())); }
 
 }  // namespace
 
@@ -19,7 +19,7 @@ FolderRoute::FolderRoute(std::string_view path) : names(path) {
         const std::size_t server = FindSeparator(path, 2);
         const std::size_t share = FindSeparator(path, std::min(server + 1, path.size()));
         start = path.substr(0, share);
-        names = Behind(path, share);
+        names = After(path, share);
         return;
     }
     const bool drive = NameStart(path.substr(0, 2)) == 2 && path[1] == ':';
@@ -34,7 +34,7 @@ bool MakeFolders(FolderWalk& walk, std::string_view names) {
         const std::size_t end = FindSeparator(names);
         const std::string_view name = names.substr(0, end);
         if (!walk.Enter(name) && !(walk.Create(name) && walk.Enter(name))) return false;
-        names = Behind(names, end);
+        names = After(names, end);
     }
     return true;
 }

@@ -9,9 +9,9 @@
 
 namespace qel {
 
-/// A lock for one thing that is done with a file, in whatever program: who has it is the only one. It is a file next to
-/// that one, for those who may write that one, held by a lock that goes with its process and removed at the end. What a
-/// killed program leaves of it is used and removed by the next.
+/// A lock for one thing that is done with a file, in whatever program: only one program can hold it. It is a file next
+/// to that one, for those who may write that one, held by a lock that goes with its process and removed at the end.
+/// What a killed program leaves of it is used and removed by the next.
 ///
 /// Waiting has no order: whoever asks first after it is free has it next.
 class QELLIB10_INTERNAL_API NameLock {

@@ -30,8 +30,8 @@ std::uint64_t LoadBytes(const char* from, std::size_t size) {
 // bits below it is the bit in which the cases differ.
 constexpr std::uint64_t FoldAscii(std::uint64_t word) {
     const std::uint64_t fromA = word + (0x80 - 'A') * kEachByte;
-    const std::uint64_t behindZ = word + (0x80 - 'Z' - 1) * kEachByte;
-    return word | (fromA & ~behindZ & kHighBits) >> 2;
+    const std::uint64_t pastZ = word + (0x80 - 'Z' - 1) * kEachByte;
+    return word | (fromA & ~pastZ & kHighBits) >> 2;
 }
 
 constexpr std::uint64_t Mixed(std::uint64_t hash, std::uint64_t more) {

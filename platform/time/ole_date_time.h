@@ -3,9 +3,19 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/types.h"
 
-/// A local date and time as a day number with a status. Day 0 is 1899-12-30, the fraction is the time of day. Before
-/// day 0 the whole part is negative and the fraction still counts forward: -1.25 is 1899-12-29 06:00. Archives store
-/// the status as 4 bytes, then the day number as 8.
+/// A local date and time as a day number with a status. The status says whether the date exists. Six plain numbers
+/// take 30 February without a word, and a report then shows it.
+///
+/// @code
+/// COleDateTime measured;
+/// if (measured.SetDateTime(2026, 2, 28, 9, 5, 0) != 0) return;  // no such date
+/// std::printf("%04d-%02d-%02d\n", measured.GetYear(), measured.GetMonth(), measured.GetDay());
+/// @endcode
+///
+/// Nothing is thrown. One thread at a time; GetCurrentTime from any.
+///
+/// Day 0 is 1899-12-30, the fraction is the time of day. Before day 0 the whole part is negative and the fraction still
+/// counts forward: -1.25 is 1899-12-29 06:00. Archives store the status as 4 bytes, then the day number as 8.
 class QELLIB10_API COleDateTime {
 public:
     /// Other values may be read from an archive and are kept.

@@ -39,9 +39,9 @@ std::string WithoutEndFunction(std::string_view path) {
     for (std::size_t at = 0; at < path.size();) {
         std::size_t end = EndOfToken(path, at);
         const std::string_view token = path.substr(at, end - at);
-        const std::size_t behind = token == "end" ? SkipParentheses(path, end) : end;
-        result += behind != end ? "(position()=last())" : token;
-        at = behind;
+        const std::size_t next = token == "end" ? SkipParentheses(path, end) : end;
+        result += next != end ? "(position()=last())" : token;
+        at = next;
     }
     return result;
 }

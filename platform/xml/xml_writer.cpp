@@ -80,10 +80,10 @@ private:
         }
     }
 
-    void Data(const char* before, const char* data, const char* behind) {
+    void Data(const char* before, const char* data, const char* after) {
         m_output.Put(before);
         m_output.Put(data, kXmlData);
-        m_output.Put(behind);
+        m_output.Put(after);
     }
 
     void Section(const char* text) {
