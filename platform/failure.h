@@ -46,7 +46,10 @@ struct Failure {
 /// object, sets or clears it. An operation that calls others and fails gives its own name and the reason of the
 /// innermost one that failed.
 ///
-///     if (seal.PackUpdateData(&file, 0) == 0) Log(qel::LastFailure().text);
+/// @code
+/// CQFile file;
+/// if (file.Open(R"(data\results.qel)", CFile::modeRead) == 0) CLog::LogOut(1, qel::LastFailure().text.c_str());
+/// @endcode
 ///
 /// It is set by operations that report a failure by 0, false, null or a default value, if that value has no other
 /// meaning. One that throws does not change it: the exception has the reason. Nor does a question whose result may be
