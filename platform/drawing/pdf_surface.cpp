@@ -38,23 +38,24 @@ void Describe(cairo_surface_t* surface, const CString& name, const PdfInfo& info
 struct PdfSurface::Document {
     Document(const CString& documentName, const PageSetup& page, const PdfInfo& info, UndatedPdf undated)
         : name(documentName), date(info, undated) {
-        surface =
-            cairo_pdf_surface_create_for_stream(Append, &bytes, page.sheet.cx * kPointsPerInch / kHundredthsPerInch,
-                                                page.sheet.cy * kPointsPerInch / kHundredthsPerInch);
-        Describe(surface, name, info, date);
-    }
-    ~Document() {
-        if (cairo != nullptr) cairo_destroy(cairo);
-        cairo_surface_destroy(surface);  // before the bytes that it may still write to
+        surface.reset(cairo_pdf_surface_create_for_stream(Append, &bytes,
+                                                          page.sheet.cx * kPointsPerInch / kHundredthsPerInch,
+                                                          page.sheet.cy * kPointsPerInch / kHundredthsPerInch));
+        Describe(surface.get(), name, info, date);
     }
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
+    struct Destroy {
+        void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+        void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
+    };
+
     CString name;
     PdfDate date;
     std::vector<std::byte> bytes;
-    cairo_surface_t* surface = nullptr;
-    cairo_t* cairo = nullptr;  // of the current page
+    std::unique_ptr<cairo_surface_t, Destroy> surface;  // goes before the bytes that it may still write to
+    std::unique_ptr<cairo_t, Destroy> cairo;            // of the current page
     int pages = 0;
 };
 
@@ -98,7 +99,7 @@ int PdfSurface::DeviceCaps(int index) const {
     }
 }
 
-cairo_t* PdfSurface::Cairo() { return m_pDocument ? m_pDocument->cairo : nullptr; }
+cairo_t* PdfSurface::Cairo() { return m_pDocument ? m_pDocument->cairo.get() : nullptr; }
 
 int PdfSurface::StartDoc(const CString& name) {
     if (m_pDocument || !m_pSink->Begin(name)) return -1;
@@ -108,7 +109,8 @@ int PdfSurface::StartDoc(const CString& name) {
 
 int PdfSurface::StartPage() {
     if (!m_pDocument || m_pDocument->cairo != nullptr) return -1;
-    cairo_t* const cairo = m_pDocument->cairo = cairo_create(m_pDocument->surface);
+    m_pDocument->cairo.reset(cairo_create(m_pDocument->surface.get()));
+    cairo_t* const cairo = m_pDocument->cairo.get();
     cairo_scale(cairo, kPointsPerInch / m_page.dotsPerInch.cx, kPointsPerInch / m_page.dotsPerInch.cy);
     const CRect margins = m_page.MarginDots();
     cairo_translate(cairo, margins.left, margins.top);
@@ -118,9 +120,9 @@ int PdfSurface::StartPage() {
 int PdfSurface::EndPage() {
     if (Cairo() == nullptr) return -1;
     Flush();
-    cairo_show_page(m_pDocument->cairo);
-    const bool isWhole = cairo_status(m_pDocument->cairo) == CAIRO_STATUS_SUCCESS;
-    cairo_destroy(std::exchange(m_pDocument->cairo, nullptr));
+    cairo_show_page(m_pDocument->cairo.get());
+    const bool isWhole = cairo_status(m_pDocument->cairo.get()) == CAIRO_STATUS_SUCCESS;
+    m_pDocument->cairo.reset();
     ++m_pDocument->pages;
     return isWhole ? 1 : -1;
 }
@@ -130,8 +132,8 @@ int PdfSurface::EndDoc() {
     const std::unique_ptr<Document> document = std::move(m_pDocument);
     if (document->cairo != nullptr) return -1;  // a page that was not ended is not a page
     if (document->pages == 0) return 1;
-    cairo_surface_finish(document->surface);
-    if (cairo_surface_status(document->surface) != CAIRO_STATUS_SUCCESS) return -1;
+    cairo_surface_finish(document->surface.get());
+    if (cairo_surface_status(document->surface.get()) != CAIRO_STATUS_SUCCESS) return -1;
     document->date.WriteInto(document->bytes);
     return m_pSink->Take(document->name, document->bytes) ? 1 : -1;
 }
