@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "qellib10/platform/storage/file_error.h"
@@ -118,5 +119,10 @@ void MappedMutex::LoseFile() {
 bool MappedMutex::IsOwned() const { return m_page->owner != 0; }
 
 bool MappedMutex::TakeAgain() { return std::exchange(m_page->isClosed, false); }
+
+bool IsLeftOwned(const Descriptor& file) {
+    const std::optional<ObjectHeader> header = ReadHeader(file);
+    return header && header->kind == ObjectKind::Mutex && MappedMutex(file).IsOwned();
+}
 
 }  // namespace qel

@@ -45,4 +45,7 @@ private:
     int m_depth = 0;  // locks that threads of this process have not released
 };
 
+/// Whether @p file, which nobody holds any more, is that of a mutex whose owner died.
+bool IsLeftOwned(const Descriptor& file);
+
 }  // namespace qel

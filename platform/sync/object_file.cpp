@@ -42,14 +42,18 @@ void WriteHeader(const Descriptor& file, const ObjectHeader& header) {
     if (::pwrite(file.Get(), &header, sizeof header, 0) != sizeof header) throw SystemFailure{kWriteFault};
 }
 
-std::optional<ObjectHeader> ReadHeader(const Descriptor& file, std::string_view name) {
+std::optional<ObjectHeader> ReadHeader(const Descriptor& file) {
     ObjectHeader header;
     if (::pread(file.Get(), &header, sizeof header, 0) != sizeof header) return std::nullopt;
     const bool isKnown = header.kind == ObjectKind::Memory || header.kind == ObjectKind::Mutex;
     if (header.magic != ObjectHeader::kMagic || !isKnown || header.nameLength > kLongestObjectName) return std::nullopt;
-    if (std::string_view(header.name, header.nameLength) != name || !Look(file, header.size).isWhole)
-        return std::nullopt;
+    if (!Look(file, header.size).isWhole) return std::nullopt;
     return header;
+}
+
+std::optional<ObjectHeader> ReadHeader(const Descriptor& file, std::string_view name) {
+    const std::optional<ObjectHeader> header = ReadHeader(file);
+    return header && std::string_view(header->name, header->nameLength) == name ? header : std::nullopt;
 }
 
 FileState Look(const Descriptor& file, std::uint64_t blockSize) {

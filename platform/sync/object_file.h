@@ -40,7 +40,10 @@ void Extend(const Descriptor& file, std::uint64_t blockSize);
 /// The last step of creating an object: a file without a header is no object yet.
 void WriteHeader(const Descriptor& file, const ObjectHeader& header);
 
-/// The header of the object of that name, checked against the file; nothing if it is not complete.
+/// The header of the file's object, checked against the file; nothing if it is not complete.
+std::optional<ObjectHeader> ReadHeader(const Descriptor& file);
+
+/// The same if the object has that name.
 std::optional<ObjectHeader> ReadHeader(const Descriptor& file, std::string_view name);
 
 struct FileState {

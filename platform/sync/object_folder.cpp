@@ -12,6 +12,7 @@
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/record_lock.h"
 #include "qellib10/platform/storage/uninterrupted.h"
+#include "qellib10/platform/sync/mapped_mutex.h"
 #include "qellib10/platform/sync/object_file.h"
 #include "qellib10/platform/sync/system_failure.h"
 
@@ -85,7 +86,8 @@ bool SetLock(const Descriptor& file, short type) {
     return Uninterrupted([&] { return ::fcntl(file.Get(), F_OFD_SETLKW, &lock); }) == 0;
 }
 
-// Removes the files that nobody holds. A file that cannot be opened is not ours and stays.
+// Removes the files that nobody holds, but for those of mutexes whose owner died: whoever makes the mutex again is
+// informed. A file that cannot be opened is not ours and stays.
 void Sweep(const Descriptor& folder) {
     Descriptor copy(::openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!copy) Fail(errno);
@@ -95,7 +97,7 @@ void Sweep(const Descriptor& folder) {
     while (const dirent* entry = ::readdir(listing.get())) {
         if (entry->d_name[0] != ObjectFileName({})[0]) continue;
         const Descriptor file(OpenIn(folder, entry->d_name, 0));
-        if (file && !IsHeld(file)) ::unlinkat(folder.Get(), entry->d_name, 0);
+        if (file && !IsHeld(file) && !IsLeftOwned(file)) ::unlinkat(folder.Get(), entry->d_name, 0);
     }
 }
 

@@ -7,8 +7,9 @@
 namespace qel {
 
 /// The folder of the user's named objects, locked against all other processes as long as this object lives. Users never
-/// share a name. The first entry removes what killed processes have left. Within a process, the object table's own lock
-/// ensures that only one thread at a time has a FolderLock.
+/// share a name. The first entry removes what killed processes have left, except a mutex that one of them owned:
+/// whoever makes that mutex again is informed. Within a process, the object table's own lock ensures that only one
+/// thread at a time has a FolderLock.
 ///
 /// It is /dev/shm/qellib10-USER (the user's number), whatever the environment says: programs in a session and services
 /// must find each other's names, and a second folder would make a second first instance. Only a folder that belongs to

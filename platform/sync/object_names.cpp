@@ -36,14 +36,9 @@ FileState LookIn(const FolderLock& folder, const NamedObject& object) {
     return state;
 }
 
-void RemoveUnlessHeld(const FolderLock& folder, const NamedObject& object) {
-    if (LookIn(folder, object).hasName && !IsHeld(object.file)) folder.Remove(ObjectFileName(object.name));
-}
-
-// Whether the file that nobody holds any more is that of a mutex whose owner died.
-bool IsLeftOwned(const Descriptor& file, std::string_view name) {
-    const std::optional<ObjectHeader> header = ReadHeader(file, name);
-    return header && header->kind == ObjectKind::Mutex && MappedMutex(file).IsOwned();
+void RemoveUnlessNeeded(const FolderLock& folder, const NamedObject& object) {
+    const bool isNeeded = !LookIn(folder, object).hasName || IsHeld(object.file) || IsLeftOwned(object.file);
+    if (!isNeeded) folder.Remove(ObjectFileName(object.name));
 }
 
 }  // namespace
@@ -72,7 +67,8 @@ ObjectNames::Found ObjectNames::Use(std::string_view name, ObjectKind kind, std:
     if (object != nullptr && missing == Missing::IsMade && object->mutex->TakeAgain() && Hold(object->file)) {
         return {&Keep(std::move(object), folder.Number()), false};
     }
-    const bool isLeft = kind == ObjectKind::Mutex && found && IsLeftOwned(found, name);
+    const bool isLeft = kind == ObjectKind::Mutex && found && IsLeftOwned(found);
+    if (isLeft && missing == Missing::Fails) throw SystemFailure{kFileMissing};  // whoever makes it again is informed
     if (found) folder.Remove(fileName);  // left by a process that was killed, or did not wait to clean up
     if (missing == Missing::Fails) throw SystemFailure{kFileMissing};
     return {&Keep(MakeIn(folder, fileName, name, kind, size), folder.Number()), false, isLeft};
@@ -101,7 +97,7 @@ void ObjectNames::Exit() {
     if (m_parked.empty()) return;
     try {
         const FolderLock folder;
-        for (const auto& object : m_parked) RemoveUnlessHeld(folder, *object);
+        for (const auto& object : m_parked) RemoveUnlessNeeded(folder, *object);
     } catch (const SystemFailure&) {  // like above
     }
     m_parked.clear();
@@ -146,7 +142,7 @@ void ObjectNames::Park(const FolderLock& folder, std::unique_ptr<NamedObject> ob
     LetGo(object->file);
     m_parked.push_back(std::move(object));
     if (m_parked.size() <= kMaxParked) return;
-    RemoveUnlessHeld(folder, *m_parked.front());
+    RemoveUnlessNeeded(folder, *m_parked.front());
     m_parked.erase(m_parked.begin());
 }
 
