@@ -1,5 +1,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <memory>
@@ -163,12 +164,12 @@ auto Calculator() {
     return calculator;
 }
 
-// The mark and the block are those of this program while it has them.
-const char* const kShared = "a name that does not fit into the object";
-std::string IsMarked(At) { return CCheckRepeatExec().CheckRepeatExecute(kShared) != 0 ? "marked" : "free"; }
+// The mark and the block are those of this program while it has them; another run of it has others.
+const std::string theShared = "a name that does not fit into the object " + std::to_string(::getpid());
+std::string IsMarked(At) { return CCheckRepeatExec().CheckRepeatExecute(theShared.c_str()) != 0 ? "marked" : "free"; }
 template <class Kind> auto Block(DWORD size) {
     auto block = std::make_shared<Kind>();
-    if (size != 0) block->Open(6, kShared, size);
+    if (size != 0) block->Open(6, theShared.c_str(), size);
     return block;
 }
 
@@ -282,7 +283,8 @@ const Call kCalls[] = {
              return c.ConcCalculation("ep*2", &value);
          });
      }},
-    {"BlockOpen", [](At) { return On(Block<CMemoryMappedFile>(0), [](auto& b) { return b.Open(6, kShared, 8); }); }},
+    {"BlockOpen",
+     [](At) { return On(Block<CMemoryMappedFile>(0), [](auto& b) { return b.Open(6, theShared.c_str(), 8); }); }},
     {"BlockView",
      [](At) { return On(Block<CMemoryMappedFile>(8), [](auto& b) { return b.GetDataPtr(2, 0) != nullptr; }); }},
     {"BlockLocked",
@@ -291,7 +293,8 @@ const Call kCalls[] = {
      }},
     {"InstanceMark",
      [](At) {
-         return On(std::make_shared<CCheckRepeatExec>(), [](auto& c) { return !c.CheckRepeatExecute(kShared); });
+         return On(std::make_shared<CCheckRepeatExec>(),
+                   [](auto& c) { return !c.CheckRepeatExecute(theShared.c_str()); });
      },
      IsMarked},
     {"LogLine", Log, LogSize},
