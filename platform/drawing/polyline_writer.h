@@ -65,7 +65,7 @@ private:
     }
 
     void DrawEntry() {
-        if (IsSteep(m_from, m_entry) && m_raster.Contains(m_from) && m_raster.Contains(m_entry)) {
+        if (m_raster.Contains(m_from) && m_raster.Contains(m_entry) && IsSteep(m_from, m_entry)) {
             DrawSteepLine(m_raster, m_from, m_entry, m_value);
         } else {
             DrawThinLine(m_raster, m_from, m_entry, m_value);
