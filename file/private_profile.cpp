@@ -64,14 +64,16 @@ CString NameOf(int key) { return CString(std::string_view(std::to_string(key)));
 // With a terminating zero, which the system adds to a text that was stored without one.
 std::size_t SizeOfText(const std::string& text) { return text.size() + (text.ends_with('\0') ? 0 : 1); }
 
-// What Get returns for a text: one that fits its buffer; else null.
-const char* TextIn(const qel::RegistryValue& value) {
-    return qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer ? value.data.c_str() : nullptr;
+// What Get returns for a text: one that fits its buffer.
+std::optional<const char*> TextIn(const qel::RegistryValue& value) {
+    const bool fits = qel::IsRegistryText(value.type) && SizeOfText(value.data) <= kTextBuffer;
+    return fits ? std::optional(value.data.c_str()) : std::nullopt;
 }
 
-// Why Get returns its default although there is a value.
-void RefuseValue(const char* key) {
-    qel::Operation(kGet).Failed(FailureKind::kData, key != nullptr ? key : "", "not a value of this type");
+// What was stored, or the default and why, although there is a value.
+template <class Value> Value OrRefused(const std::optional<Value>& stored, Value otherwise, const char* key) {
+    if (!stored) qel::Operation(kGet).Failed(FailureKind::kData, key != nullptr ? key : "", "not a value of this type");
+    return stored.value_or(otherwise);
 }
 
 std::optional<int> IntIn(const qel::RegistryValue& value) {
@@ -167,19 +169,16 @@ int CPrivateProfile::Write(const char* section, const char* key, const char* val
 
 int CPrivateProfile::Write(const char* section, const char* key, DWORD type, std::string_view data) {
     return qel::AsResult(kSet, [&] {
-        if (m_hRoot == nullptr) return Refuse(FailureKind::kState, "", kNotOpen);
+        if (m_hRoot == nullptr) return Refuse(FailureKind::kState, "", kNotOpen) != 0;
         return qel::WriteRegistryValue(m_hRoot, KeyOf(section), kKeyClass, key, {type, std::string(data)}) ==
-                       qel::kRegistrySuccess
-                   ? 1
-                   : 0;
+               qel::kRegistrySuccess;
     });
 }
 
 bool CPrivateProfile::Read(const char* section, const char* key, qel::RegistryValue& value) const {
     return qel::AsResult(kGet, [&] {
-               if (m_hRoot == nullptr) return Refuse(FailureKind::kState, "", kNotOpen);
-               return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess ? 1
-                                                                                                                 : 0;
+               if (m_hRoot == nullptr) return Refuse(FailureKind::kState, "", kNotOpen) != 0;
+               return qel::ReadRegistryValue(m_hRoot, OpenedKeyOf(section), key, value) == qel::kRegistrySuccess;
            }) != 0;
 }
 
@@ -230,9 +229,7 @@ CString CPrivateProfile::Get(const char* section, const char* key, const char* d
     }
     qel::RegistryValue value;
     if (!Read(section, key, value)) return defaultValue;
-    const char* const text = TextIn(value);
-    if (text == nullptr) RefuseValue(key);
-    return text != nullptr ? text : defaultValue;
+    return OrRefused(TextIn(value), defaultValue, key);
 }
 
 int CPrivateProfile::Get(const char* section, const char* key, int defaultValue) const {
@@ -244,9 +241,7 @@ int CPrivateProfile::Get(const char* section, const char* key, int defaultValue)
     }
     qel::RegistryValue value;
     if (!Read(section, key, value)) return defaultValue;
-    const std::optional<int> stored = IntIn(value);
-    if (!stored) RefuseValue(key);
-    return stored.value_or(defaultValue);
+    return OrRefused(IntIn(value), defaultValue, key);
 }
 
 double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
@@ -256,9 +251,7 @@ double CPrivateProfile::GetDouble(const char* section, const char* key, double d
     }
     return OrWithoutMemory(defaultValue, [&] {
         const auto numberIn = [&](std::string_view text) {
-            const std::optional<double> number = qel::ReadNumber(text);
-            if (!number) RefuseValue(key);
-            return number.value_or(defaultValue);
+            return OrRefused(qel::ReadNumber(text), defaultValue, key);
         };
         if (m_nMode != registryMode) {
             const CString text = Get(section, key, "");
@@ -267,8 +260,7 @@ double CPrivateProfile::GetDouble(const char* section, const char* key, double d
         qel::RegistryValue value;
         if (!Read(section, key, value)) return defaultValue;
         const std::optional<int> stored = IntIn(value);
-        const char* const text = TextIn(value);
-        return stored ? *stored : numberIn(text != nullptr ? text : "");
+        return stored ? *stored : numberIn(TextIn(value).value_or(""));
     });
 }
 

@@ -6,9 +6,9 @@
 
 namespace qel {
 
-/// A format's own check failed: the bytes are not what they claim to be. Classes of the framework's style turn it into
-/// their documented result. Only some tools of this namespace throw it, as their comments say: XmlDocument, XmlNode,
-/// XmlElementWriter, CabinetReader.
+/// A format's own check failed: bytes or numbers are not what they have to be; what() is a sentence for people. Classes
+/// of the framework's style turn it into their documented result; tools of this namespace throw it where their comments
+/// say so.
 class QELLIB10_API DataError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

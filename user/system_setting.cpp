@@ -94,8 +94,9 @@ int CSystemSetting::GetLogonUserManagerFlag() const { return m_nLogon != 0 ? m_L
 int CSystemSetting::GetLogonUserMakerFlag() const { return m_nLogon != 0 ? m_LogonUser.GetMakerFlag() : -1; }
 
 int CSystemSetting::GetUserInfo(const CString& username, CUserInfo* out) const {
-    return Has(m_pConnect, "CSystemSetting::GetUserInfo") && out != nullptr ? m_pConnect->GetUserInfo(username, out)
-                                                                            : 0;
+    constexpr const char* kOperation = "CSystemSetting::GetUserInfo";
+    if (!Has(m_pConnect, kOperation)) return 0;
+    return out != nullptr ? m_pConnect->GetUserInfo(username, out) : qel::RefuseNull(kOperation);
 }
 
 int CSystemSetting::ReloadUserList() {

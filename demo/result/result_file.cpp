@@ -1,12 +1,15 @@
 #include "demo/result/result_file.h"
 
+#include <array>
+#include <cstddef>
+
 #include "demo/support/file_step.h"
 
 namespace titration {
 namespace {
 
 constexpr DWORD kToTheEnd = 0xFFFFFFFF;
-constexpr int kCheckBlock = 12;  // CRC, sum and a length end a sealed file
+constexpr int kCheckBlock = qel::CheckBlock::kSize;
 
 void Serialize(CCalcVariableList& list, CQFile& file, UINT archiveMode) {
     CArchive archive(&file, archiveMode);
@@ -62,10 +65,10 @@ CheckSums SealedSums(const std::string& path) {
         CQFile file;
         Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
         file.Seek(-kCheckBlock, CFile::end);
-        CQBinary block;
-        block.SetSize(kCheckBlock);
-        file.Read(static_cast<unsigned char*>(block), kCheckBlock);
-        return CheckSums{static_cast<DWORD>(block.GetInt(0)), static_cast<DWORD>(block.GetInt(4))};
+        std::array<std::byte, kCheckBlock> bytes{};
+        file.Read(bytes.data(), kCheckBlock);
+        const qel::CheckBlock block = qel::CheckBlock::Unpack(bytes);
+        return CheckSums{block.crc, block.sum};
     });
 }
 
