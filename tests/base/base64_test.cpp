@@ -26,7 +26,7 @@ Bytes DecodedByBits(const Text& text) {
     return bytes;
 }
 
-// What GetBase64ToBin makes of a target of @p room bytes, all of it, and the size that it tells.
+// What GetBase64ToBin makes of a target of @p room bytes, all of it, and the size that it reports.
 std::pair<std::string, int> Decoded(const std::string& text, int room) {
     const Text source(text.begin(), text.end());
     Bytes target(static_cast<std::size_t>(room));

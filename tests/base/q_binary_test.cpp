@@ -61,7 +61,7 @@ TEST(QBinary, OwnBytesStayRightWhileTheBufferMoves) {
             const int quarter = buffer.GetSize() / 4;
             buffer.SetBinary(at * quarter, static_cast<char*>(buffer) + from * quarter, size * quarter);
             model = model.substr(0, at * quarter) + model.substr(from * quarter, size * quarter);
-            ASSERT_EQ(Contents(buffer), model) << step;  // what stood behind is cut
+            ASSERT_EQ(Contents(buffer), model) << step;  // the bytes after it are cut
         }
     }
 }
@@ -114,7 +114,7 @@ TEST(QBinary, ByteOrderIsPartOfTheValue) {
     EXPECT_EQ(Line({Contents(copy), target}), "abcde abc");
     copy.DeleteTop(4);
     EXPECT_TRUE(copy.Resize(5));
-    EXPECT_EQ(Contents(copy), "e\0\0\0\0"s);  // zero behind what is left
+    EXPECT_EQ(Contents(copy), "e\0\0\0\0"s);  // zeros after what is left
     EXPECT_TRUE(copy.SetSize(2));
     EXPECT_EQ(Contents(copy), "\0\0"s);
 }

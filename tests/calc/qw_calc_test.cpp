@@ -138,7 +138,7 @@ TEST(QWCalc, MarksAndRoundsTheVariablesItMeets) {
     calc.SetAllVariable(list);
     EXPECT_EQ(Calculated(calc, "A"), 1.3);
     EXPECT_EQ(calc.GetUseVariableCount(), 0);
-    EXPECT_EQ(calc.CheckCalcFormula("x1.5", "a*C+Z+B"), 0);  // B stands behind the error
+    EXPECT_EQ(calc.CheckCalcFormula("x1.5", "a*C+Z+B"), 0);  // B comes after the error
     EXPECT_EQ(calc.CheckCalcFormula("no such variable", ""), 1);
     EXPECT_EQ(calc.GetUseVariableCount(), 3);
     calc.SetCalcVarList(calc.GetCalcVarList());

@@ -1,6 +1,6 @@
 #include "titration.h"
 
-TEST_F(Titration, ComputesTheVinegar) {
+TEST_F(Titration, TheAcidOfVinegarIsComputed) {
     const std::string arguments = kVinegar;
     const Outcome run = Run(arguments);
     EXPECT_EQ(run.status, 0) << run.err;

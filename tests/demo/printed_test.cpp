@@ -23,7 +23,7 @@ std::vector<std::string> WordsOfJob(const CString& path) {
 
 }  // namespace
 
-// What is drawn behind a curve is hidden in every cell that does not stand in the corner.
+// What a curve is drawn over is hidden in every cell that is not in the corner.
 TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
     for (int i = 0; i < 4; ++i) EXPECT_EQ(Run(kVinegar).status, 0);
     const Outcome run = Run("--print 4 --out results");

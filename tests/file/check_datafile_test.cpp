@@ -110,7 +110,7 @@ TEST_F(Sealed, DamageAndForgedLengthsAreFound) {
     }
     folder.Write("a.dat", whole);
     EXPECT_EQ(Update(0), 1);
-    EXPECT_EQ(seal.GetVersion(), INT32_MIN) << "behind the highest version";
+    EXPECT_EQ(seal.GetVersion(), INT32_MIN) << "after the highest version";
 }
 
 TEST_F(Sealed, AFileThatCannotBeSealedStaysAsItWas) {

@@ -21,7 +21,7 @@ struct Form {
     void (*add)(qel::RunningSums&, Bytes);
 };
 
-// Every form, held against the byte table and a plain addition where this processor runs it.
+// Every form, compared with the byte table and a plain addition where this processor runs it.
 std::vector<Form> Forms() {
     const bool folds = qel::HasCarrylessMultiply();
     const bool foldsWide = qel::HasWideCarrylessMultiply();

@@ -88,7 +88,7 @@ int Sealed(At at, bool again) {
     return again ? CCheckDatafile().PackUpdateData(&file, 0) : CCheckDatafile::PackNewData(&file);
 }
 
-// Several sectors of data, which a seal stands behind.
+// Several sectors of data; a seal comes after them.
 std::string Data(char of) { return "new" + std::string(1500, of); }
 void Longer(At at) { at.Write("a", Data('x')); }
 void LongSeal(At at) {
@@ -108,7 +108,7 @@ int SealedAsNewIsRefused(At at) {
     CQFile file;
     return !file.Open(at.a, CFile::modeReadWrite) || !CCheckDatafile().PackUpdateData(&file, 1);
 }
-// A seal that is whole stands behind the data that were sealed so; without one they are as they were or were to be.
+// A whole seal comes after the data that were sealed with it; without one the data are the old or the new ones.
 std::string SealAfterCut(At at) {
     CQFile file;
     CCheckDatafile seal;
@@ -166,7 +166,7 @@ int RunQueue(At) {
 }
 std::string RunToTheEnd(At at) { return RunQueue(at), Bytes(at); }
 
-// Opens the file and closes it behind @p body.
+// Opens the file and closes it after @p body.
 template <class Body> int With(const CString& name, UINT flags, Body&& body) {
     CQCSVFile file;
     if (!file.Open(name, flags)) return 0;
@@ -175,7 +175,7 @@ template <class Body> int With(const CString& name, UINT flags, Body&& body) {
     return 1;
 }
 
-// A journal stays when the power fails; who opens the store next undoes what it tells of.
+// A journal stays when the power fails; the next program that opens the store undoes what it lists.
 Operation OnRegistry(const char* name, int (*run)(At), void (*prepare)(At)) {
     return {name, run, ValuesAndNames, prepare, false, Cut::kNewOnceDone, Values};
 }

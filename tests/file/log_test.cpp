@@ -35,7 +35,7 @@ protected:
 
 std::string theDebugOutput;
 
-// Every digit of a time, which stands in brackets, as 0.
+// The text with every digit of a time, which is in brackets, replaced by 0.
 std::string WithZeroTimes(std::string text) {
     bool isTime = false;
     for (char& character : text) {

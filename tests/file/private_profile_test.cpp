@@ -202,7 +202,7 @@ TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
     qel::SetSystemFamily(qel::SystemFamily::Nt);
 }
 
-TEST_F(RegistryProfile, KeepsTypes) {
+TEST_F(RegistryProfile, ValuesAreReadAsTheTypeThatWasSet) {
     const std::string bytes("a\0b", 3);
     EXPECT_EQ(Line({m_profile.Set("S", "bytes", bytes.data(), 3), m_profile.Set("S", "none", nullptr, 0)}), "1 1");
     EXPECT_EQ(Line({m_profile.Set("S", "none", nullptr, 1), m_profile.Set("S", "text", kNone)}), "0 0");

@@ -80,7 +80,7 @@ TEST_F(Restart, AFailedRequestLeavesTheFiles) {
     EXPECT_EQ(CQFile::DeleteFileReboot(m_target, 0), -2);
 }
 
-TEST_F(Restart, OlderSystemsHaveAFileForIt) {
+TEST_F(Restart, OlderSystemsWriteRequestsIntoWininit) {
     qel::SetSystemFamily(qel::SystemFamily::Win95);
     const CFile open(m_target, CFile::modeRead);
     EXPECT_EQ(CQFile::MoveFileReboot(m_source, m_target, m_waiting, MAX_PATH), 1);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Answers as a user would who goes into a folder below the one selected at the begin, or cancels.
+// Acts as a user who opens a folder below the one selected at the start, or cancels.
 class ScriptedBrowser : public qel::FolderBrowser {
 public:
     std::optional<CString> Browse(const qel::BrowseRequest& request) override {

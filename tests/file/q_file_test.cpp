@@ -114,14 +114,14 @@ TEST_F(QFile, FilesAreComparedByBytesAndSizesAreRight) {
         EXPECT_EQ(found, size) << name;
         EXPECT_EQ(CQFile::IsCanOverwrite(folder.Path(name)), writable) << name;
     }
-    for (const auto& [size, told] : Cases<ULONGLONG, DWORD>{
+    for (const auto& [size, expected] : Cases<ULONGLONG, DWORD>{
              {0xFFFFFFFE, 0xFFFFFFFE},
              {0x100000000, 0xFFFFFFFF},
              {0x200000005, 0xFFFFFFFF},
          }) {
         std::filesystem::resize_file(folder.Posix("b"), size);
         DWORD found = 77;
-        EXPECT_EQ(Line({CQFile::GetFileSize(folder.Path("b"), &found), found}), Line({1, told}));
+        EXPECT_EQ(Line({CQFile::GetFileSize(folder.Path("b"), &found), found}), Line({1, expected}));
         EXPECT_EQ(qel::FileSize64(folder.Name("b")), size);
     }
     EXPECT_EQ(qel::FileSize64(folder.Name("none")), std::nullopt);

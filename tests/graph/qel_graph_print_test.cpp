@@ -343,7 +343,7 @@ TEST(QelGraphPrint, TextsAreApartAndInsideTheDrawing) {
                 EXPECT_TRUE(box.left >= 5 && box.top >= 5 && box.right <= width - 5 && box.bottom <= height - 5);
                 CRect common;
                 EXPECT_FALSE(common.IntersectRect(box, boxes.front()));
-                box.right += box.Height() / 2;  // the space behind it
+                box.right += box.Height() / 2;  // the space after it
                 for (std::size_t i = 1; i < boxes.size(); ++i) EXPECT_FALSE(common.IntersectRect(box, boxes[i]));
                 boxes.push_back(box);
             }

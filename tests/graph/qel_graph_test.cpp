@@ -17,7 +17,7 @@ constexpr int kMost = std::numeric_limits<int>::max(), kLeast = std::numeric_lim
 
 }  // namespace
 
-TEST(QelGraph, SeriesAreSetByIndex) {
+TEST(QelGraph, IndicesOutsideTheSeriesAreRefused) {
     OpenGraph graph;
     CAxisStyle axis;
     graph.AddData(511, 1, 2);

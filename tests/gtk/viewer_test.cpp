@@ -83,7 +83,7 @@ TEST(Viewer, ScreenshotHoldsCurveAndCross) {
     }
 }
 
-TEST(Viewer, GrowsIsReadByTheMouseAndPrinted) {
+TEST(Viewer, ACurveGrowsAndIsReadByTheMouseAndPrinted) {
     ASSERT_TRUE(qel::UseGtkDialogs());
     const TempFolder folder;
     setenv("QELLIB10_PDF_DIR", folder.Posix("").c_str(), 1);
@@ -98,7 +98,7 @@ TEST(Viewer, GrowsIsReadByTheMouseAndPrinted) {
         });
         const auto text = [&] { return std::string(gtk_label_get_text(GTK_LABEL(label))); };
         ASSERT_TRUE(RunUntil([&] { return At(ScreenOf(view, "viewer"), 60, 60) == 0xFFFFFF; }));
-        MoveMouse(view, 860, 200);  // behind the last point
+        MoveMouse(view, 860, 200);  // past the last point
         EXPECT_EQ(text().substr(0, 5), "19.98");
         window.Start();
         EXPECT_TRUE(RunUntil([&] { return text() > "20.30"; })) << text() << ": points come in below the mouse";

@@ -80,7 +80,7 @@ TEST(CodePage, WritesTheBestFitOfWhatThePageLacks) {
 
 TEST(CodePage, KeepsEveryByteThatIsNoPartOfABrokenCharacter) {
     for (const auto& [page, bytes, utf8] : Cases<UINT, std::string_view, std::string>{
-             {932, "\x83\"x\x83\r\n", "\u30FB\"x\u30FB\r\n"},  // no trail byte: it stands for itself
+             {932, "\x83\"x\x83\r\n", "\u30FB\"x\u30FB\r\n"},  // no trail byte: both are characters
              {932, "\x85\x40|\x83\x7F", "\u30FB|\u30FB\x7F"},  // possible but unassigned: one for both
              {932, "\x83\x83\x5C\x83", "\u30E3\\\u30FB"},
              {65001, "\xE2\x82(\xC0\x80\xED\xA0\x80", "\uFFFD(\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},

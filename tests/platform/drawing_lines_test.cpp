@@ -22,7 +22,7 @@ struct Picture {
     Raster Clipped(const CRect& clip) { return {pixels.data(), kWidth, clip.left, clip.top, clip.right, clip.bottom}; }
 };
 
-// The rule as it stands: a step along the longer axis, the other coordinate rounded to nearest, ties to the smaller
+// The rule: a step along the longer axis, the other coordinate rounded to nearest, ties to the smaller
 // one.
 void PlainLine(const Raster& raster, const POINT& from, const POINT& to, std::uint32_t value) {
     const long long dx = to.x - from.x, dy = to.y - from.y;

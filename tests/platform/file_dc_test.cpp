@@ -81,7 +81,7 @@ TEST(PdfDc, HasPagesTextsAndTheSameBytesAgain) {
         return value;
     };
     const double x = number("xMin"), y = number("yMin");
-    EXPECT_NEAR(x, (300 + 118) * 72 / 600.0, 1) << "300 units behind the margin of 5 mm";
+    EXPECT_NEAR(x, (300 + 118) * 72 / 600.0, 1) << "300 units after the margin of 5 mm";
     EXPECT_NEAR(y, (200 + 94) * 72 / 600.0, 2);
     EXPECT_EQ(OutputOf("pdffonts " + folder.Posix("a.pdf").string() + " | tail -n +3 | grep -vc 'yes yes yes'"), "0\n");
 }
@@ -176,7 +176,7 @@ TEST(SvgDc, DrawsWhatPagesShow) {
     const std::string svg = folder.Read("a.svg");
     EXPECT_EQ(OutputOf("xmllint --noout " + folder.Posix("a.svg").string() + " 2>&1"), "");
     const std::pair<std::string_view, int> cases[] = {
-        {"stroke=\"#010203\" stroke-width=\"1\" points", 1},  // behind the dashes
+        {"stroke=\"#010203\" stroke-width=\"1\" points", 1},  // below the dashes
         {"stroke-dasharray=\"18 6\" points", 1},
         {"x1=\"5.5\" y1=\"5.5\" x2=\"5.5\" y2=\"19.5\"", 2},
         {"width=\"4294967294\" height=\"5\"", 3},

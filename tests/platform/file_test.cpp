@@ -157,7 +157,7 @@ TEST(File, DuplicatesShareThePositionAndLocksKeepOthersOut) {
     other.LockRange(15, 1);
     file.UnlockRange(10, 5);
     other.LockRange(14, 1);
-    // Behind any data stand the marks of who has the file open; unlocking all must not take them back.
+    // The marks of the programs that have the file open are after any data; unlocking all must not remove them.
     EXPECT_EQ(CodeOf([&] { other.LockRange(0, INT64_MAX); }), 131);
     EXPECT_EQ(CodeOf([&] { other.UnlockRange(UINT64_MAX, 1); }), 131);
     other.UnlockRange(1, 0x7FFFFFFFFFEFFFFF);

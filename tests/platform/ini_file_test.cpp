@@ -216,7 +216,7 @@ TEST_F(IniFile, IsSetInPlaceWhereItCannotBeReplaced) {
 }
 
 TEST_F(IniFile, NoticesEveryChange) {
-    // Same size, and often within one tick of the file system's clock: only the content tells.
+    // Same size, and often within one tick of the file system's clock: only the content differs.
     for (int i = 0; i < 150; ++i) {
         Write("[s]\nk=" + std::to_string(100 + i) + "\n");
         ASSERT_EQ(Value("s", "k"), std::to_string(100 + i));

@@ -63,16 +63,16 @@ TEST(Path, ThatIsImpossibleIsRefusedWithItsReason) {
         {"a\\\x81", 123},
         {"\x81\x20", 123},
         {"\x81\x45", 0},
-    };  // the last: the very character that stands for what is none
+    };  // the last: the very character that replaces invalid ones
     for (const auto& [path, code] : cases) EXPECT_EQ(Refusal(path), code) << path;
     const CodePageScope utf8(qel::kCodePageUtf8);
     EXPECT_EQ(Refusal("\xE3\x82"), 123);
     EXPECT_EQ(Refusal("\xEF\xBF\xBD"), 0);
 }
 
-// Whatever stands on the disk can be listed, and found again under the name that the listing gives.
+// Whatever is on the disk can be listed, and found again under the name that the listing gives.
 TEST(Path, NamesOfTheDiskComeBackTheSame) {
-    // Yen, overline and wave dash, decomposed letters, half width, no UTF-8 at all, what one page or the other lacks.
+    // Yen, overline and wave dash, decomposed letters, half width, no UTF-8 at all, characters that only one page has.
     const auto names = Words(
         "a\\b ?5C what? a*b \xC2\xA5 \xE2\x80\xBE \xE3\x80\x9C \xE3\x81\x8B\xE3\x82\x99 e\xCC\x81 \xEF\xBD\xB6 "
         "\xFF\xFE \xE3\x82 "

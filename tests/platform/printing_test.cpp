@@ -101,7 +101,7 @@ TEST_F(Cups, PrintersAreListedAndDescribed) {
 
 TEST_F(Cups, PagesArriveAsTheyWereLaidOut) {
     // Form, direction, width and length of the mode; at 300 dots per inch the sheet, its drawable area and where that
-    // begins; the PDF's page, where the word stands on it, and the paper.
+    // begins; the PDF's page, where the word is on it, and the paper.
     using S = std::string;
     const Cases<int, int, CSize, CSize, CSize, CSize, S, S, S> cases = {
         {9, 1, {}, {2480, 3508}, {2355, 3346}, {50, 62}, "595.276 x 841.89", "12[.].*1[45][.]", "x-dimension=21000"},

@@ -59,7 +59,7 @@ TEST(RestartQueue, CarriesOutInOrderAndDropsWhatFails) {
     folder.Write("q", Earlier(path("a"), path("b")) + "- torn" + '\n' + Earlier(path("d"), "") +  // a folder
                           Earlier(path("gone"), path("b")) + Earlier(path("c"), path("none/c")) +
                           Earlier(path("b"), path("e")) + Earlier(path("c"), "") + "- 0123");
-    qel::RestartQueue(path("q")).Add({path("e"), path("f")});  // behind the torn line
+    qel::RestartQueue(path("q")).Add({path("e"), path("f")});  // after the torn line
     EXPECT_EQ(qel::RestartQueue(path("q")).Waiting().size(), 7U);
     EXPECT_EQ(RunOnce(path("q")), 2);
     EXPECT_EQ(folder.Read("e"), "1");

@@ -38,7 +38,7 @@ TEST(String, ReplacesFromLeftToRightAndNeverATrailByte) {
 TEST(String, TrimsCharacters) {
     for (auto [text, set, trimmed] : Cases<CString, const char*, const char*>{
              {" \t\v\f\r\nx \t", nullptr, "x"},
-             {" \x81\x40 x\x83 ", nullptr, "\x81\x40 x\x83"},  // a blank is a blank, also behind half a character
+             {" \x81\x40 x\x83 ", nullptr, "\x81\x40 x\x83"},  // a blank is a blank, also after half a character
              {"  ", nullptr, ""},
              {"\\\x83\x5C\\\\", "\\", "\x83\x5C"},
              {"\x83\x5C-x-\x83\x5C", "-\x83\x5C", "x"},

@@ -19,15 +19,15 @@ using namespace qel;
 HANDLE NewMutex(const std::string& name) { return CreateNamedMutex(name.c_str()).handle; }
 
 DWORD WaitInThread(HANDLE mutex, DWORD milliseconds, bool release) {
-    DWORD answer = 0;
+    DWORD result = 0;
     std::thread([&] {
-        answer = WaitForMutex(mutex, milliseconds);
-        if (release && answer != kWaitTimeout) ReleaseNamedMutex(mutex);
+        result = WaitForMutex(mutex, milliseconds);
+        if (release && result != kWaitTimeout) ReleaseNamedMutex(mutex);
     }).join();
-    return answer;
+    return result;
 }
 
-// What @p body answers in a child with a small /dev/shm of its own, 77 when there is no right to mount it.
+// What @p body returns in a child with a small /dev/shm of its own, 77 without the right to mount it.
 int WithSmallMemory(const std::function<int()>& body) {
     return InChild([&] {
         if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return 77;
@@ -88,7 +88,7 @@ TEST(NamedMutex, BelongsToAThread) {
     }
     EXPECT_EQ(LastError(), 288u);
 
-    // Its thread ends: the next one has it, and is told.
+    // Its thread ends: the next one owns it and learns of the end.
     EXPECT_EQ(WaitInThread(mutex, 0, false), kWaitObject);
     EXPECT_EQ(WaitForMutex(mutex, 1000), kWaitAbandoned);
     EXPECT_TRUE(ReleaseNamedMutex(mutex));
@@ -147,7 +147,7 @@ TEST(NamedObjects, AnothersFolderOrASessionDoesNotMakeTwoFirstInstances) {
         if (::chown((first + "-3").c_str(), kUser, kUser) != 0 || ::chmod((first + "-3").c_str(), 0755) != 0) return 4;
         if (asUser(mark) != 1 || !isThere(first + "-4")) return 5;
         if (::rmdir(first.c_str()) != 0 || asUser(mark) != 1 || isThere(first)) return 6;
-        // Where nothing can be known nobody is told that there is none.
+        // Where nothing can be known, nobody gets "there is none".
         if (::system(("rm -r " + first + "-*").c_str()) != 0) return 7;
         for (int i = 0; i < 16; ++i) ::mkdir((first + (i == 0 ? "" : "-" + std::to_string(i))).c_str(), 0700);
         return asUser([] { return CreateNamedMutex("instance").handle == nullptr && LastError() == 5 ? 0 : 8; });
@@ -168,7 +168,7 @@ TEST(NamedObjects, TheirFolderIsCleanedAndMadeAgain) {
         if (error() != 0 || ::access(stale.c_str(), F_OK) == 0 || ::access(other.c_str(), F_OK) != 0) return 6;
         if (CreateSharedMemory("large", 200'000).handle != nullptr || LastError() != 8) return 7;
         if (::access((folder + "/nlarge").c_str(), F_OK) == 0) return 8;
-        // The folder is deleted at the end of a session; programs that go on make it anew.
+        // The folder is deleted at the end of a session; programs that go on make it again.
         if (::system(("rm -r " + folder).c_str()) != 0 || CreateSharedMemory("after", 1).existed) return 9;
         return ::access((folder + "/nafter").c_str(), F_OK);
     });

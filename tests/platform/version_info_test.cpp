@@ -9,7 +9,7 @@
 
 namespace {
 
-// FileVersion stands in both languages, in the order that Translation gives; others only in one.
+// FileVersion is in both languages, in the order that Translation gives; others only in one.
 constexpr const char* kResource = R"(1 VERSIONINFO
 FILEVERSION 1,2,3,4
 BEGIN

@@ -83,7 +83,7 @@ TEST(XmlDocument, KeepsCharactersThatTheCodePageLacks) {
     EXPECT_EQ(document.Root()->Text(), "?a<\x83\x65");  // best fit
     for (const char* const text :
          {"<\xC3\xA4/>", "<a \xC3\xA4=''/>", "<a><?\xC3\xA4?></a>", "<!DOCTYPE \xC3\xA4><a/>"}) {
-        EXPECT_THROW(document.LoadUtf8(text), qel::DataError) << text;  // no reference can stand there
+        EXPECT_THROW(document.LoadUtf8(text), qel::DataError) << text;  // no reference is allowed there
         const CodePageScope latin(1252);
         EXPECT_NO_THROW(document.LoadUtf8(text)) << text;
     }

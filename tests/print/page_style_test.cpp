@@ -9,7 +9,7 @@
 
 namespace {
 
-// A style without a print server, and a dialog that answers as it is told to.
+// A style without a print server, and a dialog that returns what it is given.
 struct PageStyle : testing::Test, qel::PrintDialogProvider {
     struct Style : CQelPrintJobPageStyle {
         using CQelPrintJobPageStyle::GetDevMode;

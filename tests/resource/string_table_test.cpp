@@ -53,11 +53,11 @@ TEST(StringTableDeathTest, TakesLanguageAndCodePageFromTheEnvironment) {
              {"fr", "437", "0 932"},
          }) {
         const EnvironmentScope itsLanguage("QELLIB10_LANGUAGE", language), itsPage("QELLIB10_CODEPAGE", page);
-        const auto tell = [] {
+        const auto show = [] {
             std::cerr << Line({qel::TableLanguage() == qel::Language::Japanese, qel::CodePage()});
             std::exit(0);
         };
-        EXPECT_EXIT(tell(), testing::ExitedWithCode(0), found) << language;
+        EXPECT_EXIT(show(), testing::ExitedWithCode(0), found) << language;
     }
 }
 

@@ -72,7 +72,7 @@ TEST_F(History, KeepsEveryVersion) {
 }
 
 // Three versions, written once and read by every later release: "first", nothing, and 300 bytes. A cut registration
-// left something behind them.
+// left something after them.
 TEST_F(History, KeptCabinetIsReadAndItsTailCut) {
     fs::copy_file(QELLIB10_TEST_DATA "/history.hcf", folder.Posix("cabinet"));
     const auto size = fs::file_size(folder.Posix("cabinet"));
@@ -180,7 +180,7 @@ TEST_F(History, EveryVersionOfVeryManyIsNear) {
     EXPECT_EQ(Line({Version(cabinet, 1), Version(cabinet, kCount)}), "none x");
 }
 
-// A version's length tells its number. Copies are made while registrations are under way; one may get half of a header,
+// A version's length is its number. Copies are made while registrations are under way; one may get half of a header,
 // and is refused.
 TEST_F(History, OthersSeeWholeVersionsOrNone) {
     const auto content = [](DWORD n) { return std::string(n % 100, 'x'); };

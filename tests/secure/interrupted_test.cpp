@@ -68,7 +68,7 @@ template <int kVersions> void Versions(At at) {
     }
     at.Write("a", Data(kVersions + 1));
 }
-// What a killed program leaves behind the versions.
+// What a killed program leaves after the versions.
 void TornVersions(At at) {
     Versions<3>(at);
     at.Write("cabinet", at.Read("cabinet") + Data(9).substr(0, 2000));

@@ -90,7 +90,7 @@ TEST_F(Renewals, WhatIsDamagedStaysAsItIs) {
     }
 }
 
-TEST_F(Renewals, ARecordThatFoundNoRoomIsMadeUpFor) {
+TEST_F(Renewals, ARecordThatDidNotFitIsWrittenLater) {
     folder.Write("a.dat", "");
     const std::string comment(400, 'x');
     const auto registerOnFullDisk = [&] {

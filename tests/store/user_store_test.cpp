@@ -20,7 +20,7 @@ namespace {
 using qel::LogonRequest;
 using qel::UserStore;
 
-// A store whose clock stands still and whose hashes cost next to nothing.
+// A store whose clock does not move and whose hashes cost next to nothing.
 class UserStoreTest : public testing::Test {
 protected:
     UserStoreTest() {
@@ -58,7 +58,7 @@ CUserInfo Record(const char* name, const char* password, int manager = 0) {
 
 }  // namespace
 
-TEST_F(UserStoreTest, KeepsAccounts) {
+TEST_F(UserStoreTest, AccountsStayAsTheyWereEntered) {
     auto store = Open();
     EXPECT_EQ(ModeOf("users.db"), 0600u);
     for (const auto& [name, password, answer] : Cases<const char*, const char*, int>{
@@ -113,7 +113,7 @@ TEST_F(UserStoreTest, LocksAfterRefusals) {
     store = Open();
     EXPECT_EQ(store->Logon("bob", "pw"), 0) << "eight guesses side by side";
     m_now += std::chrono::minutes(5);
-    EXPECT_EQ(store->Logon("bob", "pw"), 1);  // the count begins anew
+    EXPECT_EQ(store->Logon("bob", "pw"), 1);  // the count starts again
     for (int i = 0; i < 5; ++i) EXPECT_EQ(store->Logon("bob", "wrong"), 0);
     for (const auto& [later, password, expected] : Cases<int, const char*, int>{
              {299, "pw", 0},
@@ -228,7 +228,7 @@ TEST_F(UserStoreTest, AnUnknownUserCostsAsMuch) {
     EXPECT_TRUE(ratio > 0.2 && ratio < 5) << ratio;
 }
 
-TEST_F(UserStoreTest, LogsOnByToken) {
+TEST_F(UserStoreTest, ATokenLogsItsUserOn) {
     auto store = Open();
     store->CreateFirstAdministrator("admin", "first");
     store->AddUser(Record("bob", "pw"));
@@ -278,7 +278,7 @@ TEST_F(UserStoreTest, AsksThePrompt) {
     EXPECT_EQ(asked, 7);
 }
 
-TEST_F(UserStoreTest, TellsWhyAnOperationFailed) {
+TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
     auto store = Open();
     store->CreateFirstAdministrator("admin", "first");
     using Kind = qel::FailureKind;

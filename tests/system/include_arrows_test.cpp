@@ -7,13 +7,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Who stands directly on whom, from the bottom up. A node may include its own files and those of every node that it
-// stands on, however far below. Nodes are folders.
+// Each node with the nodes directly below it, from the bottom up. A node may include its own files and those of every
+// node below it, at any depth. Nodes are folders.
 struct Row {
     std::string node;
     std::vector<std::string> below;
 };
-const std::vector<Row> kStandsOn = {
+const std::vector<Row> kArrows = {
     {"platform", {}},
     {"platform/text", {"platform"}},
     {"platform/time", {"platform/text"}},
@@ -61,8 +61,8 @@ constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
 };
 
 const Row* Find(const std::string& node) {
-    const auto row = std::ranges::find(kStandsOn, node, &Row::node);
-    return row != kStandsOn.end() ? &*row : nullptr;
+    const auto row = std::ranges::find(kArrows, node, &Row::node);
+    return row != kArrows.end() ? &*row : nullptr;
 }
 
 bool Reaches(const Row& from, const std::string& to) {
@@ -99,9 +99,9 @@ std::string Objection(const fs::path& file, const std::string& header, bool quot
 }  // namespace
 
 TEST(IncludeArrows, HaveNoCycle) {
-    for (auto row = kStandsOn.begin(); row != kStandsOn.end(); ++row) {
+    for (auto row = kArrows.begin(); row != kArrows.end(); ++row) {
         for (const std::string& below : row->below) {
-            const auto found = std::ranges::find(kStandsOn.begin(), row, below, &Row::node);
+            const auto found = std::ranges::find(kArrows.begin(), row, below, &Row::node);
             EXPECT_NE(found, row) << row->node << " -> " << below << " does not point to a row above";
         }
     }
@@ -110,7 +110,7 @@ TEST(IncludeArrows, HaveNoCycle) {
 TEST(IncludeArrows, PointDownAndForeignHeadersStayInPlatformSources) {
     const fs::path root = QELLIB10_SOURCE_DIR;
     int includes = 0;
-    for (const auto& [folder, below] : kStandsOn) {
+    for (const auto& [folder, below] : kArrows) {
         if (folder.find('/') != std::string::npos) continue;
         for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
             const fs::path name = fs::relative(entry.path(), root);

@@ -32,28 +32,28 @@ constexpr const char* kKinds[] = {"none",     "file",         "archive",      "d
 DWORD thePrinterNeeds = 0;
 
 // The last failure as one text; of an item its last name.
-std::string Told() {
+std::string Reported() {
     const qel::Failure failure = LastFailure();
-    std::string told = kKinds[static_cast<int>(failure.kind)];
-    if (failure.kind == FailureKind::kNone) return told;
-    told += std::string(": ") + failure.operation + ": ";
+    std::string reported = kKinds[static_cast<int>(failure.kind)];
+    if (failure.kind == FailureKind::kNone) return reported;
+    reported += std::string(": ") + failure.operation + ": ";
     const std::size_t name = failure.item.find_last_of('\\') + 1;
-    if (!failure.item.empty()) told += failure.item.substr(name) + ": ";
-    told += failure.text;
-    if (failure.systemError >= 0) told += " (" + std::to_string(failure.systemError) + ")";
-    if (failure.position >= 0) told += " at " + std::to_string(failure.position);
-    return told;
+    if (!failure.item.empty()) reported += failure.item.substr(name) + ": ";
+    reported += failure.text;
+    if (failure.systemError >= 0) reported += " (" + std::to_string(failure.systemError) + ")";
+    if (failure.position >= 0) reported += " at " + std::to_string(failure.position);
+    return reported;
 }
 
 // One operation that fails, and what is reported of it.
 struct Case {
     std::function<int()> operation;
-    std::string told;
+    std::string reported;
 };
-void EachTells(const std::vector<Case>& cases) {
+void EachReports(const std::vector<Case>& cases) {
     for (const Case& c : cases) {
-        EXPECT_EQ(c.operation(), 0) << c.told;
-        EXPECT_EQ(Told(), c.told);
+        EXPECT_EQ(c.operation(), 0) << c.reported;
+        EXPECT_EQ(Reported(), c.reported);
     }
 }
 
@@ -78,7 +78,7 @@ int Throwing(const std::function<void()>& thrown) { return qel::Succeeds("A::Ste
 }  // namespace
 
 TEST_F(Failures, ComeFromEachExceptionOfTheLibrary) {
-    EachTells({
+    EachReports({
         {[] { return Throwing([] { throw CFileException(CFileException::diskFull, 112, "a\\b"); }); },
          "file: A::Step: b: disk full (112)"},
         {[] { return Throwing([] { throw CArchiveException(CArchiveException::endOfFile, "a\\b"); }); },
@@ -100,33 +100,33 @@ TEST_F(Failures, OfOperationsWithinOthersGetTheNameOfTheOuterOne) {
             return result;
         });
     };
-    for (const auto& [results, result, told] : Cases<std::vector<int>, int, const char*>{
+    for (const auto& [results, result, reported] : Cases<std::vector<int>, int, const char*>{
              {{0}, 0, "missing: A::Outer: thing: not there"},
              {{0, 1}, 0, "missing: A::Outer: thing: not there"},  // it tidied up before it ended
              {{0}, 1, "none"},
              {{1}, 0, "refused: A::Outer: refused"},
              {{}, 0, "refused: A::Outer: refused"},
          }) {
-        inner(0);  // of no one any more
+        inner(0);  // replaced by the outer operation
         EXPECT_EQ(outer(results, result), result);
-        EXPECT_EQ(Told(), told);
+        EXPECT_EQ(Reported(), reported);
     }
 }
 
 TEST_F(Failures, BelongToTheirThreadAndGoWithItsNextSuccess) {
     qel::Refuse(FailureKind::kData, "", "mine");
-    std::thread([] { EXPECT_EQ(Told(), "none"); }).join();
+    std::thread([] { EXPECT_EQ(Reported(), "none"); }).join();
     EXPECT_EQ(LastFailure().text, "mine");
     CFile file;
     EXPECT_TRUE(file.Open(Made("a", ""), CFile::modeRead));
-    EXPECT_EQ(Told(), "none");
+    EXPECT_EQ(Reported(), "none");
 }
 
-TEST_F(Failures, OfFilesTellFileAndCause) {
+TEST_F(Failures, OfFilesReportFileAndCause) {
     const CString a = Made("a", "some bytes"), b = Made("b", "other byte");
     DWORD number = 0;
     CString text;
-    EachTells({
+    EachReports({
         {[&] { return CFile().Open(Path("none"), CFile::modeRead); }, "file: CFile::Open: none: file not found (2)"},
         {[&] { return CQFile::MoveFileReboot(Path("none"), Path("x"), nullptr, 0) >= 0; },
          "file: CQFile::MoveFileReboot: none: file not found (2)"},
@@ -151,7 +151,7 @@ TEST_F(Failures, OfFilesTellFileAndCause) {
     });
 }
 
-TEST_F(Failures, OfSealsTellWhatIsWrongWithTheSeal) {
+TEST_F(Failures, OfSealsReportWhatIsWrongWithTheSeal) {
     Made("short", "data");
     Made("plain", std::string(100, '\x7F'));
     Made("a", std::string(100, 'd'));
@@ -163,7 +163,7 @@ TEST_F(Failures, OfSealsTellWhatIsWrongWithTheSeal) {
     ASSERT_EQ(On("a", pack), 1);
     Made("renamed", folder.Read("a"));
     Made("changed", "D" + folder.Read("a").substr(1));
-    EachTells({
+    EachReports({
         {[&] { return On("short", read); }, "data: CCheckDatafile::ReadPackData: short: not sealed"},
         {[&] { return On("plain", read); }, "data: CCheckDatafile::ReadPackData: plain: not sealed"},
         {[&] { return On("renamed", read); }, "data: CCheckDatafile::ReadPackData: renamed: sealed under another name"},
@@ -178,7 +178,7 @@ TEST_F(Failures, OfSealsTellWhatIsWrongWithTheSeal) {
     });
 }
 
-TEST_F(Failures, OfCabinetsTellWhatCannotBeRead) {
+TEST_F(Failures, OfCabinetsReportWhatCannotBeRead) {
     const CString source = Made("source", "a version"), path = Path("c");
     CHistoryCabinetFile cabinet, closed, reading;
     ASSERT_EQ(Line({cabinet.Create(path), cabinet.RegistNewVersion(source), cabinet.Close()}), "1 1 1");
@@ -191,7 +191,7 @@ TEST_F(Failures, OfCabinetsTellWhatCannotBeRead) {
     CHistoryCabinetFile ofChanged;
     ASSERT_EQ(ofChanged.Open(changed, 1), 1);
     const CString target = Path("target");
-    EachTells({
+    EachReports({
         {[&] { return closed.Open(Path("none"), 0); }, "file: CHistoryCabinetFile::Open: none: file not found (2)"},
         {[&] { return closed.Open(source, 0); }, "file: CHistoryCabinetFile::Open: source: end of file"},
         {[&] { return closed.Open(damaged, 0); }, "data: CHistoryCabinetFile::Open: damaged: a damaged cabinet header"},
@@ -211,7 +211,7 @@ TEST_F(Failures, OfCabinetsTellWhatCannotBeRead) {
     });
 }
 
-TEST_F(Failures, OfFormulasTellKindAndPosition) {
+TEST_F(Failures, OfFormulasReportKindAndPosition) {
     CCalcVariableList list;
     CCalcVariable variable;
     variable.m_szName = "EP";
@@ -231,18 +231,18 @@ TEST_F(Failures, OfFormulasTellKindAndPosition) {
              {std::string(256, '1'), "too long", "more than 255 bytes at 255"},
          }) {
         EXPECT_EQ(check(formula), 0);
-        EXPECT_EQ(Told(), kind + ": CQWCalc::CheckCalcFormula: " + text);
+        EXPECT_EQ(Reported(), kind + ": CQWCalc::CheckCalcFormula: " + text);
         EXPECT_EQ(compute(formula), 0);
-        EXPECT_EQ(Told(), kind + ": CQWCalc::ConcCalculation: " + text);
+        EXPECT_EQ(Reported(), kind + ": CQWCalc::ConcCalculation: " + text);
     }
     EXPECT_EQ(check("1 / EP"), 1);
     EXPECT_EQ(compute("1 / EP"), 0);
-    EXPECT_EQ(Told(), "zero divisor: CQWCalc::ConcCalculation: division by zero at 2");
+    EXPECT_EQ(Reported(), "zero divisor: CQWCalc::ConcCalculation: division by zero at 2");
     EXPECT_EQ(compute("1 + EP"), 1);
-    EXPECT_EQ(Told(), "none");
+    EXPECT_EQ(Reported(), "none");
 }
 
-TEST_F(Failures, OfDocumentsTellNodeStateAndFile) {
+TEST_F(Failures, OfDocumentsReportNodeStateAndFile) {
     CCryptXMLDocument none, document, locked;
     ASSERT_EQ(document.SetXMLString("<r><a>1</a></r>"), 1);
     const CString saved = Path("saved"), plain = Made("plain", "<r>"), enciphered = Made("enciphered", "\x01garbage");
@@ -251,16 +251,16 @@ TEST_F(Failures, OfDocumentsTellNodeStateAndFile) {
     CCryptXMLDocument readsPlain;
     readsPlain.SetCryptMode(0);
     CString text;
-    const auto told = [](auto operation) {
+    const auto reported = [](auto operation) {
         operation();
         return LastFailure();
     };
-    EXPECT_EQ(told([&] { readsPlain.LoadXMLFile(plain, 1); }).item, std::string(plain.View()));
+    EXPECT_EQ(reported([&] { readsPlain.LoadXMLFile(plain, 1); }).item, std::string(plain.View()));
     EXPECT_EQ(LastFailure().kind, FailureKind::kData);
-    EXPECT_EQ(told([&] { document.LoadXMLFile(enciphered, 1); }).kind, FailureKind::kData);
+    EXPECT_EQ(reported([&] { document.LoadXMLFile(enciphered, 1); }).kind, FailureKind::kData);
     EXPECT_EQ(none.GetTagCount("a"), -1);
-    EXPECT_EQ(Told(), "state: CCryptXMLDocument::GetTagCount: there is no document");
-    EachTells({
+    EXPECT_EQ(Reported(), "state: CCryptXMLDocument::GetTagCount: there is no document");
+    EachReports({
         {[&] { return none.LoadXMLFile(Path("none"), 1); },
          "file: CCryptXMLDocument::LoadXMLFile: none: file not found (2)"},
         {[&] { return none.SaveXMLFile(Path("empty"), 1); },
@@ -278,7 +278,7 @@ TEST_F(Failures, OfDocumentsTellNodeStateAndFile) {
     });
 }
 
-TEST_F(Failures, OfSettingsTellEntryAndPlace) {
+TEST_F(Failures, OfSettingsReportEntryAndPlace) {
     const RegistryScope registry;
     CPrivateProfile ini(Path("a.ini")), missing(Path("no") + "\\a.ini"), nowhere, keys("HKEY_CURRENT_USER\\Meter", 1);
     ASSERT_EQ(Line({ini.Set("s", "k", "v"), keys.Set("s", "k", "v")}), "1 1");
@@ -286,7 +286,7 @@ TEST_F(Failures, OfSettingsTellEntryAndPlace) {
     char bytes[1] = {};
     CStringArray list;
     qel::RegistryValue value;
-    EachTells({
+    EachReports({
         {[&] { return ini.Set("s", "k", "two\nlines"); },
          "argument: CPrivateProfile::Set: a.ini: a name or text that the file cannot hold"},
         {[&] { return missing.Set("s", "k", "v"); }, "file: CPrivateProfile::Set: a.ini: bad path (3)"},
@@ -315,10 +315,10 @@ TEST_F(Failures, OfSettingsTellEntryAndPlace) {
         {[&] { return keys.Backup(""); }, "argument: CPrivateProfile::Backup: names no key beside a profile's own"},
     });
     keys.Get("s", "k", "");
-    EXPECT_EQ(Told(), "none");
+    EXPECT_EQ(Reported(), "none");
 }
 
-TEST_F(Failures, OfJobsPicturesAndPrintersTellFileAndPrinter) {
+TEST_F(Failures, OfJobsPicturesAndPrintersReportFileAndPrinter) {
     Made("f", "");
     const EnvironmentScope server("CUPS_SERVER", "127.0.0.1:1"), pdf("QELLIB10_PDF_DIR", folder.Posix("f").c_str());
     CQelPrintJobQueueData job, other;
@@ -333,7 +333,7 @@ TEST_F(Failures, OfJobsPicturesAndPrintersTellFileAndPrinter) {
     const CString nowhere = Path("no") + "\\x";
     const auto isNull = [](HDC dc) { return dc == nullptr ? 0 : 1; };
     const auto step = [](int result) { return result > 0 ? 1 : 0; };
-    EachTells({
+    EachReports({
         {[&] { return job.LoadJobFile(Path("none")); },
          "file: CQelPrintJobQueueData::LoadJobFile: none: file not found (2)"},
         {[&] { return job.SaveJobFile(nowhere); }, "file: CQelPrintJobQueueData::SaveJobFile: x: bad path (3)"},
@@ -383,7 +383,7 @@ TEST_F(Failures, AreNotWhatAPrinterWithAnotherSheetReports) {
         mode.dmPaperSize = form;
         const HDC dc = CreateDC(nullptr, "PDF", nullptr, &mode);
         EXPECT_EQ(qel::HasOtherSheet(dc), isOther) << form;
-        EXPECT_EQ(Told(), "none");
+        EXPECT_EQ(Reported(), "none");
         DeleteDC(dc);
     }
     EXPECT_FALSE(qel::HasOtherSheet(nullptr));

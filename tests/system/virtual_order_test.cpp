@@ -22,7 +22,7 @@ template <class Member> std::size_t Slot(Member member) {
     return words[0] / sizeof(void*);
 }
 
-// The slots of the object's class, from the size of its table in the shared library; two entries stand before them.
+// The slots of the object's class, from the size of its table in the shared library; two entries come before them.
 template <class Object> std::size_t Slots(const Object& object) {
     void* table = nullptr;
     std::memcpy(&table, static_cast<const void*>(&object), sizeof(table));
@@ -32,7 +32,7 @@ template <class Object> std::size_t Slots(const Object& object) {
     return static_cast<const ElfW(Sym)*>(symbol)->st_size / sizeof(void*) - 2;
 }
 
-// Members stand one behind the other, the first of them at @p slot.
+// Members follow each other, the first of them at @p slot.
 template <class... Members> void ExpectInOrder(std::size_t slot, Members... members) {
     for (const std::size_t found : {Slot(members)...}) EXPECT_EQ(found, slot++);
 }

@@ -67,7 +67,7 @@ Damage Put(std::size_t at, const std::string& text) {
     return [at, text](std::string bytes) { return bytes.replace(at, text.size(), text); };
 }
 
-// Of a list: behind the texts "QWCalc" and "1.01", flag and digit.
+// Of a list: after the texts "QWCalc" and "1.01", flag and digit.
 constexpr std::size_t kCountAt = 7 + 5 + 1 + 4;
 
 }  // namespace

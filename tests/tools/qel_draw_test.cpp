@@ -6,7 +6,7 @@
 
 namespace {
 
-// Width and height stand in the first chunk, highest byte first.
+// Width and height are in the first chunk, highest byte first.
 std::pair<int, int> PngSize(const std::string& png) {
     const auto number = [&](std::size_t at) {
         int value = 0;

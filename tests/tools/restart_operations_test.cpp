@@ -4,7 +4,7 @@
 
 namespace {
 
-std::string Answer(const std::string& arguments) { return ResultOf(QELLIB10_RESTART_OPERATIONS " " + arguments); }
+std::string ResultWith(const std::string& arguments) { return ResultOf(QELLIB10_RESTART_OPERATIONS " " + arguments); }
 
 }  // namespace
 
@@ -18,12 +18,12 @@ TEST(RestartOperations, ListsThenCarriesOut) {
     std::filesystem::create_directory(folder.Posix("d"));
     folder.Write("pending-moves", line("a", folder.Posix("b").c_str()) + line("d", ""));
     const std::string place = folder.Posix().native() + '/';
-    EXPECT_EQ(Answer("--list"), "0 move " + place + "a to " + place + "b\ndelete " + place + "d\n");
-    EXPECT_EQ(Answer(""), "0 cannot delete " + place + "d: Is a directory\n");
+    EXPECT_EQ(ResultWith("--list"), "0 move " + place + "a to " + place + "b\ndelete " + place + "d\n");
+    EXPECT_EQ(ResultWith(""), "0 cannot delete " + place + "d: Is a directory\n");
     EXPECT_EQ(folder.Read("b"), "1");
     EXPECT_FALSE(folder.Has("pending-moves"));
-    EXPECT_EQ(Answer("--other")[0], '2');
+    EXPECT_EQ(ResultWith("--other")[0], '2');
     folder.Write("pending-moves", "");
     std::filesystem::resize_file(folder.Posix("pending-moves"), std::uintmax_t{1} << 40);
-    for (const char* arguments : {"", "--list"}) EXPECT_EQ(Answer(arguments)[0], '1');
+    for (const char* arguments : {"", "--list"}) EXPECT_EQ(ResultWith(arguments)[0], '1');
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Knows one user, "ann" with the password "pw" and level 3 for function 1; else it answers its slots.
+// Knows one user, "ann" with the password "pw" and level 3 for function 1; else it returns what its slots return.
 class Store : public CClassAgentConnectInterface {
 public:
     void Connect() override { ++connected; }
