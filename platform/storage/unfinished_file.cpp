@@ -35,11 +35,26 @@ int Lock(const Descriptor& file, short type) {
     return ::fcntl(file.Get(), F_OFD_SETLK, &lock) == 0 ? 0 : errno;
 }
 
+// A file that may be a leftover, for the lock of whoever removes it, which needs the right to write. What is left of a
+// read-only file is made writable, if no living writer has it and it is our own.
+Descriptor OpenToRemove(const std::string& path) {
+    const auto open = [&](int access) {
+        return Descriptor(::open(path.c_str(), access | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    };
+    Descriptor file = open(O_RDWR);
+    if (file || errno != EACCES) return file;
+    const Descriptor readOnly = open(O_RDONLY);
+    struct stat status = {};
+    const bool isFile = readOnly && ::fstat(readOnly.Get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (isFile && Lock(readOnly, F_RDLCK) == 0 && ::fchmod(readOnly.Get(), S_IRUSR | S_IWUSR) == 0) file = open(O_RDWR);
+    return file;
+}
+
 // Removes the file if no living writer has it. The lock also keeps out others that remove it: the second would remove
 // the file that the first creates under its name.
 // @return whether it is removed
 bool RemoveLeftover(const std::string& path) {
-    const Descriptor file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file = OpenToRemove(path);
     struct stat opened = {};
     if (!file || ::fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode)) return false;
     return Lock(file, F_WRLCK) == 0 && IsStillAt(path, opened) && ::unlink(path.c_str()) == 0;

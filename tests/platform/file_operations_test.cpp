@@ -319,6 +319,26 @@ TEST_F(Replacement, KeepsOwnerListAndAttributes) {
     EXPECT_EQ(StatusOf("b").st_mode & 07777, 0600U) << "who was of the group is one of the others now";
 }
 
+// What is left of a read-only file cannot be opened for writing.
+TEST_F(Replacement, RemovesReadOnlyLeftovers) {
+    SetMode("", 0777);
+    SetMode("a", 0444);
+    const auto leave = [&](bool likeAnother) {
+        return InChild([&] {
+            const auto* const killed = likeAnother ? new qel::Replacement(m_folder.Name("c"), m_folder.Posix("a"))
+                                                   : new qel::Replacement(m_folder.Name("c"), 0444);
+            return killed->File() ? 0 : 1;
+        });
+    };
+    EXPECT_EQ(AsOrdinaryUser([&] {
+                  return leave(false) | leave(true) | (std::filesystem::exists(m_folder.Posix("c.E100.tmp")) ? 0 : 2);
+              }),
+              0);
+    EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "c"); }), 0);
+    EXPECT_EQ(m_folder.Count(), 5);
+    EXPECT_EQ(StatusOf("c").st_mode & 07777, 0444U);
+}
+
 // Whenever the writer is killed, a reader finds one of the whole files, and nobody else finds anything.
 TEST_F(Replacement, SurvivesKills) {
     const std::string second(70'000, '2');
