@@ -90,8 +90,9 @@ int UserStoreState::ChangeAccounts(const char* name, Change change, const std::f
         if (hadAdministrator && !HasAdministrator(*database))
             throw StoreError(FailureKind::kState, "nobody would be left to administrate");
         last();
+        auto newNames = UserNames(*database);  // nothing may fail after the commit
         transaction.Commit();
-        names = UserNames(*database);
+        names.swap(newNames);
         return 1;
     });
 }

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "../support/child_process.h"
+#include "../support/failing_memory.h"
 #include "../support/test.h"
 #include "qellib10/platform/database/database.h"
 #include "qellib10/platform/failure.h"
@@ -310,6 +311,24 @@ TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
     store.reset();
     std::filesystem::remove(m_folder.Posix("users.db"));
     EXPECT_EQ(Line({Open()->IsConnected(), m_folder.Has("users.db")}), "0 0");
+}
+
+TEST_F(UserStoreTest, AChangeIsDoneWheneverItSaysSo) {
+    int number = 0, left = 0;
+    do {
+        SCOPED_TRACE(++number);
+        std::filesystem::remove(m_folder.Posix("users.db"));
+        auto store = Open();
+        store->CreateFirstAdministrator("admin", "first");
+        const CUserInfo bob = Record("bob", "pw");
+        FailAllocation(number);
+        const int done = store->AddUser(bob);
+        left = AllocationsLeft();
+        FailAllocation(0);
+        EXPECT_EQ(store->GetUserCount(), 1 + done);
+        EXPECT_EQ(Open()->GetUserCount(), 1 + done);
+    } while (left == 0);
+    EXPECT_GT(number, 10);
 }
 
 TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
