@@ -141,6 +141,17 @@ int CQelPrintJobDocumentData::PrintOut() {
     });
 }
 
+int CQelPrintJobDocumentData::AbortPrintOut() {
+    return qel::AsResult("CQelPrintJobDocumentData::AbortPrintOut", [&] {
+        const HDC selected = m_PageStyle.GetSelectedPrinterDC();
+        CDC dc;
+        const Lent lent(dc, selected);
+        if (selected == nullptr || !dc.Attach(selected))
+            return qel::Refuse(FailureKind::kState, "", "no printer is selected");
+        return dc.AbortDoc() > 0 ? 1 : qel::Refuse(FailureKind::kState, "", "no document is open");
+    });
+}
+
 int CQelPrintJobDocumentData::OnPrint(CDC* dc, CPrintInfo* info) {
     m_PageStyle.GetPrinterFromDC(dc, info);
     if (info == nullptr || !PrintOutMain(dc, static_cast<int>(info->m_nCurPage), info->m_bPreview)) {

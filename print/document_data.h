@@ -61,8 +61,11 @@ public:
     /// or else on a new one of its printer. Without blocks one empty page is printed.
     /// @return 0 if there is no such printer, if the cells cannot be laid out (see PrintOutMain; no document is started
     /// then), and if the printer does not accept the document. A document started on a selected context stays open
-    /// then.
+    /// then, so that no other one can be started there: AbortPrintOut ends it.
     int PrintOut();
+    /// Ends, without printing it, the document that a failed PrintOut left open on the selected context.
+    /// @return 0 if no printer is selected, or if no document is open
+    int AbortPrintOut();
 
     /// Draws the page that @p info asks for, on a context of a framework's page loop, on paper or as a preview.
     /// @throws false (the value) if it cannot be drawn

@@ -365,6 +365,35 @@ TEST(ShortMemory, AnAssignedListIsTheOldOrTheNew) {
     EXPECT_GT(number, 1);
 }
 
+// A document that memory ran out for blocks the selected context until it is aborted.
+TEST(ShortMemory, ASelectedPrinterIsUsableAgainOnceTheDocumentIsAborted) {
+    struct ChoosesPdf : qel::PrintDialogProvider {
+        std::optional<qel::PrintChoice> Choose(const qel::PrintDialogRequest&) override {
+            return qel::PrintChoice{"PDF", std::nullopt};
+        }
+    } provider;
+    qel::SetPrintDialogProvider(&provider);
+    const Place place;
+    int number = 0, left = 0, aborted = 0;
+    do {
+        SCOPED_TRACE(++number);
+        Report report(place);
+        CQelPrintJobDocumentData& document = report.document;
+        FailAllocation(number);
+        int done = document.GetPageStyle().SelectPrinter() && document.PrintOut();
+        left = AllocationsLeft();
+        FailAllocation(0);
+        if (document.GetPageStyle().GetSelectedPrinterDC() == nullptr) done = document.GetPageStyle().SelectPrinter();
+        if (done == 0) aborted += document.AbortPrintOut();
+        EXPECT_EQ(document.PrintOut(), 1);
+        EXPECT_EQ(document.AbortPrintOut(), 0);
+        std::filesystem::remove(place.Posix("report.pdf"));
+        std::filesystem::remove(place.Posix("report (2).pdf"));
+    } while (left == 0);
+    EXPECT_GT(aborted, 1);
+    qel::SetPrintDialogProvider(nullptr);
+}
+
 TEST(ShortMemory, WideLinesHeldBackAreDrawnWithoutIt) {
     for (const auto& [penWidth, x] : Cases<int, int>{
              {3, 20},
