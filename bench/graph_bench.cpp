@@ -8,7 +8,8 @@
 //   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
 //   Record/1/1000000/10:bytes_per_point <= 200
-// A wide pen costs little more than a thin one, and a dashed one not much more, on either kind of background.
+// A wide pen costs little more than a thin one where x grows from point to point (docs/graphs.md has the other cases),
+// and a dashed one not much more, on either kind of background.
 //   Draw<Wide<2>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<3>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<9>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10

@@ -68,7 +68,9 @@ public:
     /// Seals a file with this object's identity and the next version.
     /// @param isNew not 0: the file must not be sealed yet; a null GUID is replaced by a new one. 0: it must be sealed
     /// and pass ReadPackData. The file is not shortened: if its name is now shorter than before, it does not pass
-    /// afterwards. It also does not pass if the system fails while the new trailer is written over the old one
+    /// afterwards. To keep its seal under a shorter name, write its data to a new file and seal that with @p isNew 1:
+    /// the identity is that of this object. It also does not pass if the system fails while the new trailer is written
+    /// over the old one
     int PackUpdateData(CQFile* file, int isNew);
     /// Checks a sealed file and reads its trailer; the position does not change. A file under another name than its own
     /// is also read, but the result is 0 if names are checked.
