@@ -1,6 +1,9 @@
 #include "demo/curve/csv_table.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <numeric>
 #include <optional>
 
 #include <qellib10/qellib10.h>
@@ -14,6 +17,7 @@ namespace titration {
 namespace {
 
 constexpr std::size_t kMinimumRows = 5;  // of a table whose columns are numbers
+constexpr double kFarFromTable = 10;     // times the range of its volumes
 constexpr std::string_view kDigits = "0123456789";
 
 enum class Kind { kPoint, kMissing, kNote };
@@ -28,7 +32,26 @@ std::string_view FieldOf(const Row& row, std::size_t column) {
     return column < row.size() ? std::string_view(row[column]) : std::string_view();
 }
 
+bool IsDigit(char c) { return kDigits.find(c) != std::string_view::npos; }
+
 bool HasDigit(std::string_view field) { return field.find_first_of(kDigits) != std::string_view::npos; }
+
+bool BeginsWithLetter(std::string_view field) {
+    return !field.empty() && ((field[0] >= 'A' && field[0] <= 'Z') || (field[0] >= 'a' && field[0] <= 'z'));
+}
+
+// "12:30"
+bool HasTimeOfDay(std::string_view field) {
+    const std::size_t colon = field.find(':');
+    return colon != std::string_view::npos && colon > 0 && colon + 1 < field.size() && IsDigit(field[colon - 1]) &&
+           IsDigit(field[colon + 1]);
+}
+
+// "Column 1;Column 2" and "2026-01-05;12:30" are no readings. "Start 0.0;3.1" may be one.
+bool IsHeading(const Row& row, const Columns& columns) {
+    const std::string_view volume = FieldOf(row, columns.volume), signal = FieldOf(row, columns.signal);
+    return (BeginsWithLetter(volume) && BeginsWithLetter(signal)) || HasTimeOfDay(volume) || HasTimeOfDay(signal);
+}
 
 Line Read(const Row& row, const Columns& columns) {
     if (IsBlankOrComment(row)) return {};
@@ -68,6 +91,7 @@ public:
         if (FindNames(row, number, m_columns)) {
             End();
             m_isNew = true;
+            m_missing = 0;
             return;
         }
         const Line line = Read(row, m_columns);
@@ -75,15 +99,16 @@ public:
             RequireNamedFields(row, number);
             AddPoint(line, row, number);
         } else if (line.isUnreadable) {
-            if (!m_isNew || m_columns.haveNames) m_unreadable.Add(number);
-        } else if (!m_isNew) {
+            const bool isBeforeAll = m_tables.empty() && !m_columns.haveNames;
+            if (!isBeforeAll || !IsHeading(row, m_columns)) m_unreadable.Add(number);
+        } else {
             TakeWithoutPoint(line, row, number);
         }
     }
 
     /// Readings after the last point that cannot be read are of its table, and so are volumes with "---" or "OVL".
     void End() {
-        if (m_isNew) return;
+        if (m_tables.empty()) return;
         Keep(m_unreadable);
         Keep(m_withoutSignal);
     }
@@ -94,11 +119,13 @@ private:
     void TakeWithoutPoint(const Line& line, const Row& row, std::size_t number) {
         if (line.kind == Kind::kNote) {
             m_isAfterNote = true;
+            if (m_isNew && !m_columns.haveNames) m_missing = 0;
             return;
         }
-        ++m_missing;
         const bool hasVolume = qel::ReadMeasuredValue(FieldOf(row, m_columns.volume)).has_value();
-        if (hasVolume && !FieldOf(row, m_columns.signal).empty()) m_withoutSignal.Add(number);
+        const bool isWithoutSignal = hasVolume && !FieldOf(row, m_columns.signal).empty();
+        if (isWithoutSignal) m_withoutSignal.Add(number);
+        if (isWithoutSignal || !m_isNew) ++m_missing;
     }
 
     // A comma that separates and is the decimal sign as well makes two fields of a number.
@@ -110,13 +137,13 @@ private:
 
     void AddPoint(const Line& line, const Row& row, std::size_t number) {
         if (IsOfNextTable(line, row)) {
-            End();
+            if (!m_isNew) End();
             Table& next = m_tables.emplace_back();
             next.curve.firstLine = number;
             next.volumeUnit = line.volume.unit;
             next.signalUnit = line.signal.unit;
             m_firstRow = row;
-            m_missing = 0;
+            if (!m_isNew) m_missing = 0;
             m_isNew = false;
         }
         if (!HasUnits(line)) RefuseUnits(row, number, m_tables.back());
@@ -188,11 +215,36 @@ void RequireOneColumnEach(const Row& names, const Columns& columns) {
     }
 }
 
-// With numbers for columns, pairs of numbers above the table look like one.
-void DropRowsBeforeTable(std::vector<Table>& tables) {
+// "Date;20260105;123000" above "1;0.5;7.1": a name where that table has numbers, and a volume far from all of its.
+bool IsHeadingOf(const Table& table, const Table& before, const std::vector<Row>& rows, const Columns& columns) {
+    const auto hasNumbers = [&](std::size_t column) {
+        return std::ranges::all_of(table.lines, [&](std::size_t line) {
+            return qel::ReadMeasuredValue(FieldOf(rows[line - 1], column)).has_value();
+        });
+    };
+    const auto isNamed = [&](std::size_t line) {
+        for (std::size_t i = 0; i < std::max(columns.volume, columns.signal); ++i) {
+            if (BeginsWithLetter(FieldOf(rows[line - 1], i)) && hasNumbers(i)) return true;
+        }
+        return false;
+    };
+    const auto [low, high] = std::ranges::minmax(table.curve.volume);
+    const double middle = std::midpoint(low, high), far = kFarFromTable * (high - low);
+    const auto isFar = [&](double volume) { return far > 0 && std::abs(volume - middle) > far; };
+    return std::ranges::all_of(before.lines, isNamed) && std::ranges::all_of(before.curve.volume, isFar);
+}
+
+// With numbers for columns, headings with two numbers seem to be a table.
+void DropHeadings(std::vector<Table>& tables, const std::vector<Row>& rows, const Columns& columns) {
     const auto isLong = [](const Table& table) { return table.curve.volume.size() >= kMinimumRows; };
     const auto first = std::ranges::find_if(tables, isLong);
-    if (first != tables.end()) tables.erase(tables.begin(), first);
+    const auto isHeading = [&](const Table& table) { return IsHeadingOf(*first, table, rows, columns); };
+    if (first == tables.end() || !std::all_of(tables.begin(), first, isHeading)) return;
+    std::for_each(std::make_reverse_iterator(first), tables.rend(), [&](const Table& heading) {
+        if (heading.unreadable > 0) first->firstUnreadable = heading.firstUnreadable;
+        first->unreadable += heading.unreadable;
+    });
+    tables.erase(tables.begin(), first);
 }
 
 Curve Chosen(std::string_view text, const Rows& split, std::vector<Table>& tables, const Columns& columns, int number) {
@@ -201,7 +253,7 @@ Curve Chosen(std::string_view text, const Rows& split, std::vector<Table>& table
     if (number == 0 && count > 1) RefuseSeveralTables(tables, columns);
     Table& table = tables[number == 0 ? 0 : static_cast<std::size_t>(number) - 1];
     RequireOneMeaning(table, split, columns);
-    if (number == 0 && table.unreadable > 0) RefuseUnreadable(text, table, split.rows);
+    if (number == 0 && table.unreadable > 0) RefuseUnreadable(text, table, split.rows, columns);
     if (number == 0 || count > 1) RequireNoSummary(table, split.rows, columns, count == 1);
     table.curve.table = number;
     return std::move(table.curve);
@@ -224,7 +276,7 @@ Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const st
     Tables tables(columns);
     for (std::size_t i = columns.namesLine; i < split.rows.size(); ++i) tables.Take(split.rows[i], i + 1);
     tables.End();
-    if (!columns.haveNames) DropRowsBeforeTable(tables.Found());
+    if (!columns.haveNames) DropHeadings(tables.Found(), split.rows, columns);
     if (tables.Found().empty()) RefuseNumbers(text, split, columns);
     return Chosen(text, split, tables.Found(), columns, table);
 }

@@ -31,6 +31,11 @@ std::string NearestLine(const std::vector<Row>& rows, const Columns& columns) {
     return LineText(static_cast<std::size_t>(nearest - rows.begin()) + 1, *nearest);
 }
 
+std::string Expected(const Columns& columns) {
+    return "; expected a number in field " + std::to_string(columns.volume + 1) + " and one in field " +
+           std::to_string(columns.signal + 1);
+}
+
 std::string EncodingHint(std::string_view text) {
     return IsUtf8(text) ? ""
                         : std::string(
@@ -74,9 +79,7 @@ void RefuseNumbers(std::string_view text, const Rows& split, const Columns& colu
     const auto row = std::find_if(from, split.rows.end(), [](const Row& line) { return !IsBlankOrComment(line); });
     const std::size_t line = static_cast<std::size_t>(row - split.rows.begin()) + 1;
     message += row == split.rows.end() ? ", all lines after it are blank or comments" : ", " + LineText(line, *row);
-    throw Failure(message + "; expected a number in field " + std::to_string(columns.volume + 1) +
-                  " and one in field " + std::to_string(columns.signal + 1) + EncodingHint(text) +
-                  "; set other columns in [curve] of the settings");
+    throw Failure(message + Expected(columns) + EncodingHint(text) + "; set other columns in [curve] of the settings");
 }
 
 void RefuseUnnamedField(const Row& row, std::size_t line, const Columns& columns) {
@@ -107,10 +110,11 @@ void RefuseUnits(const Row& row, std::size_t line, const Table& table) {
                   "; give all values of a column in one unit");
 }
 
-void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows) {
+void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows, const Columns& columns) {
     const std::size_t line = table.firstUnreadable;
     throw Failure(Count(table.unreadable, "line") + " of the table cannot be read: " + LineText(line, rows[line - 1]) +
-                  EncodingHint(text) + "; mend what is wrong there, or take the table without it with --table 1");
+                  EncodingHint(text) + Expected(columns) +
+                  "; mend what is wrong there, or take the table without it with --table 1");
 }
 
 void RefuseDoubtfulPoint(const Row& row, std::size_t line, const std::string& why, bool isOnlyTable) {

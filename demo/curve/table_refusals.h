@@ -50,7 +50,8 @@ struct Table {
 [[noreturn]] void RefuseUnits(const Row& row, std::size_t line, const Table& table);
 
 /// There are readings in @p table that cannot be read. @param text the file's, whose encoding may be the cause
-[[noreturn]] void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows);
+[[noreturn]] void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows,
+                                   const Columns& columns);
 
 /// The point in @p line may be no reading of the curve. @param isOnlyTable it can be taken by choosing its table
 [[noreturn]] void RefuseDoubtfulPoint(const Row& row, std::size_t line, const std::string& why, bool isOnlyTable);

@@ -36,7 +36,10 @@ TEST(CurveTable, IsReadToItsEnd) {
                                          {"1,7\n2,8\nTemperature,25\n", "1-2/0: 1 2"},
                                          {"1,7\n2,8\n3,\n", "1-2/0: 1 2"},
                                          {"1,\u22127\n2,\u22128\n", "1-2/0: 1 2"},
-                                         {"8,9\n\n" + kFive, "3-7/0: 1 2 3 4 5"},
+                                         {"Column 1,Column 2\n" + kFive, "2-6/0: 1 2 3 4 5"},
+                                         {"2026-01-05 12:30:00,5\n2026-01-05,12:30\n" + kFive, "3-7/0: 1 2 3 4 5"},
+                                         {"1,---\n2,OVL\n3,8\n4,9\n", "3-4/2: 3 4"},
+                                         {"7,Method\nV,U\n3,8\n4,9\n", "3-4/0: 3 4"},
                                          {"1 7\n2   8\n", "1-2/0: 1 2"},
                                          {"1,5 7,5\n2,5 8,5\n", "1-2/0: 1.5 2.5"},
                                          {"| mL | pH |\n|----|----|\n| 1.5 | 7 |\n| 2 | 8 |\n", "3-4/0: 1.5 2"},
@@ -75,6 +78,7 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
               "line 2 has \"1\" \"1\" \"1\" \"1\" \"7\" \"1\", and line 1 names 2 fields; separate"},
              {"V,U\n" + spoilt, 0, "2 lines of the table cannot be read: line 7 has \"6\" \"9.1*\""},
              {"V,U\n" + kFive + "6,---\n7,OVL\n", 0, "2 lines of the table cannot be read: line 7 has"},
+             {"V,U\n" + kFive + "V,U\n6,9*\n7,---\n", 0, "2 lines of the table cannot be read: line 8 has"},
              {"V,U\n1,<7\n2,7*\n" + kFive, 0, "2 lines of the table cannot be read: line 2 has"},
              {"V,U\n1,7\n2,7*\n3,8\n", 0, "1 line of the table cannot be read: line 3 has"},
              {"n,V,U\n1,1,7\n2,2,8\nmean,1.5,7.5\n", 0, "there are 2 tables"},
@@ -84,6 +88,37 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
              {"U;3\n1;2\n;V;U\n;mL;mV\n7;1,5;7\n7;2,5;8\n\nmean;-;-\n", 0, "5-6/0: 1.5 2.5"},
              {"V,U\n" + spoilt, 1, "2-6/0: 1 2 3 4 5"}}) {
         EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
+    }
+}
+
+// With numbers for columns nothing says where the table begins: readings before it were left out.
+TEST(CurveTable, IsRefusedWhereReadingsAreBeforeIt) {
+    const std::string four = "1,7\n2,7\n3,8\n4,9\n", marked = "x;1;7\nx;2;7\nx;3;8\nx;4;9\n";
+    const std::string rows = "1;0;7\n2;1;7\n3;2;8\n4;3;9\n5;4;9\n";
+    for (const auto& [text, table, expected] : Cases<std::string, int, const char*>{
+             {four + "burette refilled\n3.9,9\n5,9\n6,9\n7,9\n8,9\n", 0,
+              "there are 2 tables with numbers in the columns \"1\" and \"2\": 1 in lines 1 to 4 with 4 points, 2 in "
+              "lines 6 to 10 with 5 points; choose one with --table"},
+             {"1 mL,7\n2 mL,7\n3,8\n4,9\n5,9\n6,9\n7,9\n", 2, "3-7/0: 3 4 5 6 7"},
+             {"1 mL,7\n2 mL,7\n3,8\n4,9\n5,9\n6,9\n7,9\n", 0, "there are 2 tables"},
+             {"8,9\n\n" + kFive, 0, "there are 2 tables"},
+             {"1,<7\n2,7*\n\n3,7\n4,8\n", 0,
+              "2 lines of the table cannot be read: line 1 has \"1\" \"<7\"; expected a number in field 1 and one in "
+              "field 2; mend"},
+             {"1,<7\n2,7*\n3,7\n4,8\n", 1, "3-4/0: 3 4"},
+             {"1,9.9E37\n" + kFive, 0, "1 line of the table cannot be read: line 1 has"},
+             {"Start 0.0,3.1\n" + kFive, 0, "1 line of the table cannot be read: line 1 has"}}) {
+        EXPECT_EQ(Read(text, "1", "2", table).substr(0, std::string(expected).size()), expected) << text;
+    }
+    for (const auto& [text, expected] : Cases<std::string, const char*>{
+             {marked + "5;5;9\n6;6;9\n7;7;9\n8;8;9\n9;9;9\n", "there are 2 tables"},
+             {marked + "note\n5;3.9;9\n6;6;9\n7;7;9\n8;8;9\n9;9;9\n", "there are 2 tables"},
+             {"Sample;12;1\n" + rows, "there are 2 tables"},
+             {"x;1;7\nDate;20260105;123000\n" + rows, "there are 2 tables"},
+             {"7;20260105;123000\n\n" + rows, "there are 2 tables"},
+             {"Date;20260105;123000\nSerial;4711;2\n" + rows, "3-7/0: 0 1 2 3 4"},
+             {"Date;20260105;123000\n1;0;7*\n" + rows, "1 line of the table cannot be read: line 2 has"}}) {
+        EXPECT_EQ(Read(text, "2", "3").substr(0, std::string(expected).size()), expected) << text;
     }
 }
 
