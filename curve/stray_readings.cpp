@@ -11,8 +11,9 @@ struct Quotient {
     double slope, error;
 };
 
-// A slope that is a fifth of the steepest is part of the step; a valley in it is half as deep or deeper.
-constexpr double kOfStep = 0.2, kOfValley = 0.5, kCertainty = 5;
+// A slope that is a fifth of the steepest is part of the step; in a valley it falls by a quarter or more. Less may come
+// from a burette whose small doses are uneven.
+constexpr double kOfStep = 0.2, kOfValley = 0.75, kCertainty = 5;
 
 bool IsValley(const std::vector<Quotient>& slopes, std::size_t at, double steepest) {
     const Quotient& low = slopes[at];

@@ -9,17 +9,19 @@
 /// that doses by the slope, with noise of up to 0.05, up to three places with one to three stray readings each, and
 /// readings that wait at the last volume. One of ten begins past its step or ends before it.
 ///
-/// Strays are such that a reading at one of their ends goes back clearly. Others make a curve that could be measured
-/// just so: nothing in it shows that it was not.
+/// A stray is seen where a reading at one of its ends goes back clearly. The others are hidden: they lie along the
+/// curve's direction, or hardly leave its noise, so that the curve could have been measured just so.
 struct MadeCurve {
     std::vector<double> volume, clean, measured;
     double step = 0;  // where the curve is steepest
-    bool hasStep = true, hasStrays = false;
+    bool hasStep = true, hasStrays = false, hasHiddenStrays = false;
 };
+
+enum class MadeStrays { seen, any };
 
 class CurveMaker {
 public:
-    explicit CurveMaker(unsigned seed) : m_random(seed) {}
+    explicit CurveMaker(unsigned seed, MadeStrays strays = MadeStrays::seen) : m_random(seed), m_strays(strays) {}
 
     MadeCurve Make() {
         MadeCurve made;
@@ -83,15 +85,17 @@ private:
             const bool isFree = std::find(taken.begin() + from, taken.begin() + to, true) == taken.begin() + to;
             const bool canBeSeen = std::max(back(at), back(at + length)) > 0.1 + 10 * noise;
             if (OneOf(50)) --left;  // a short curve has no more places
-            if (!isFree || !canBeSeen) continue;
+            if (!isFree || (!canBeSeen && m_strays == MadeStrays::seen)) continue;
             made.measured = spoilt;
             made.hasStrays = true;
+            made.hasHiddenStrays = made.hasHiddenStrays || !canBeSeen;
             std::fill(taken.begin() + at, taken.begin() + at + length, true);
             --left;
         }
     }
 
     std::mt19937 m_random;
+    MadeStrays m_strays;
     double m_direction = 1, m_width = 1;
     bool m_isSigmoid = false;
 };
