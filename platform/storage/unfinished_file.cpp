@@ -75,11 +75,12 @@ UnfinishedFile::UnfinishedFile(const std::string& target, unsigned mode, std::st
     }
 }
 
+// A read-only file has become so only after its lock: if somebody makes one writable to remove it, no writer has it.
 // @return false if another file has the name, or this one has lost it
 bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
     constexpr int kNew = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
     const auto make = [&] {
-        m_file.Reset(Uninterrupted([&] { return ::open(m_path.c_str(), kNew, mode); }));
+        m_file.Reset(Uninterrupted([&] { return ::open(m_path.c_str(), kNew, mode | S_IWUSR); }));
         return static_cast<bool>(m_file);
     };
     if (!make()) {
@@ -88,7 +89,17 @@ bool UnfinishedFile::Make(unsigned mode, std::string_view name) {
     }
     // Whoever found it before it was locked is removing it now, or has done so.
     const int error = Lock(m_file, F_WRLCK);
-    return (error == 0 || HasNoLocks(error)) && HasItsName();
+    if ((error != 0 && !HasNoLocks(error)) || !HasItsName()) return false;
+    if ((mode & S_IWUSR) == 0) TakeWriteRights(mode, name);
+    return true;
+}
+
+// Those that it would not have got at once.
+void UnfinishedFile::TakeWriteRights(unsigned mode, std::string_view name) const {
+    constexpr unsigned kMayWrite = 0222;
+    struct stat made = {};
+    if (::fstat(m_file.Get(), &made) != 0 || ::fchmod(m_file.Get(), made.st_mode & 07777 & ~(kMayWrite & ~mode)) != 0)
+        ThrowErrno(errno, name, m_path);
 }
 
 bool UnfinishedFile::HasItsName() const {

@@ -37,6 +37,7 @@ public:
 private:
     UnfinishedFile() = default;
     bool Make(unsigned mode, std::string_view name);
+    void TakeWriteRights(unsigned mode, std::string_view name) const;
 
     std::string m_path;
     Descriptor m_file;

@@ -10,6 +10,7 @@
 
 #include "../support/file_error_code.h"
 #include "../support/full_disk.h"
+#include "../support/run_at_once.h"
 #include "../support/test.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file.h"
@@ -337,6 +338,22 @@ TEST_F(Replacement, RemovesReadOnlyLeftovers) {
     EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "c"); }), 0);
     EXPECT_EQ(m_folder.Count(), 5);
     EXPECT_EQ(StatusOf("c").st_mode & 07777, 0444U);
+}
+
+// Who looks whether a file is a leftover does not change the rights of one that is only just there.
+TEST_F(Replacement, KeepsTheRightsOfReadOnlyFilesMadeAtOnce) {
+    SetMode("", 0777);
+    const int rounds = SoakCount(300);
+    const auto make = [&](int) {
+        int wrong = 0;
+        for (int count = 0; count < rounds; ++count) {
+            const qel::Replacement made(m_folder.Name("c"), 0444);
+            struct stat status = {};
+            wrong += ::fstat(made.File().Get(), &status) != 0 || (status.st_mode & 07777) != 0444;
+        }
+        return wrong;
+    };
+    EXPECT_EQ(AsOrdinaryUser([&] { return RunAtOnce(4, make); }), 0);
 }
 
 // Whenever the writer is killed, a reader finds one of the whole files, and nobody else finds anything.
