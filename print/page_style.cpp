@@ -134,11 +134,12 @@ int CQelPrintJobPageStyle::SelectPrinter() {
         DEVMODE* const mode = dialog.GetDevMode();
         if (mode == nullptr)
             return qel::Refuse(qel::FailureKind::kPrinter, m_szPrinterDevice.View(), "the printer has no settings");
-        const HDC dc = dialog.CreatePrinterDC();
-        if (dc == nullptr) return 0;
-        m_SelectedPrinterDC.Reset(dc);
-        BorrowedDC context(dc);
+        qel::OwnedDC made;
+        made.Reset(dialog.CreatePrinterDC());
+        if (made.Get() == nullptr) return 0;
+        BorrowedDC context(made.Get());
         ReadDevMode(*mode, &context);
+        m_SelectedPrinterDC.Reset(made.Release());
         return 1;
     });
 }

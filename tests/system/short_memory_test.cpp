@@ -365,14 +365,34 @@ TEST(ShortMemory, AnAssignedListIsTheOldOrTheNew) {
     EXPECT_GT(number, 1);
 }
 
+struct ChoosesPdf : qel::PrintDialogProvider {
+    ChoosesPdf() { qel::SetPrintDialogProvider(this); }
+    ~ChoosesPdf() override { qel::SetPrintDialogProvider(nullptr); }
+    std::optional<qel::PrintChoice> Choose(const qel::PrintDialogRequest&) override {
+        return qel::PrintChoice{"PDF", std::nullopt};
+    }
+};
+
+TEST(ShortMemory, APrinterIsSelectedWheneverItSaysSo) {
+    const ChoosesPdf provider;
+    const Place place;
+    int number = 0, left = 0;
+    do {
+        SCOPED_TRACE(++number);
+        Report report(place);
+        CQelPrintJobPageStyle& style = report.document.GetPageStyle();
+        FailAllocation(number);
+        const int done = style.SelectPrinter();
+        left = AllocationsLeft();
+        FailAllocation(0);
+        EXPECT_EQ(style.GetSelectedPrinterDC() != nullptr, done != 0);
+    } while (left == 0);
+    EXPECT_GT(number, 1);
+}
+
 // A document that memory ran out for blocks the selected context until it is aborted.
 TEST(ShortMemory, ASelectedPrinterIsUsableAgainOnceTheDocumentIsAborted) {
-    struct ChoosesPdf : qel::PrintDialogProvider {
-        std::optional<qel::PrintChoice> Choose(const qel::PrintDialogRequest&) override {
-            return qel::PrintChoice{"PDF", std::nullopt};
-        }
-    } provider;
-    qel::SetPrintDialogProvider(&provider);
+    const ChoosesPdf provider;
     const Place place;
     int number = 0, left = 0, aborted = 0;
     do {
@@ -391,7 +411,6 @@ TEST(ShortMemory, ASelectedPrinterIsUsableAgainOnceTheDocumentIsAborted) {
         std::filesystem::remove(place.Posix("report (2).pdf"));
     } while (left == 0);
     EXPECT_GT(aborted, 1);
-    qel::SetPrintDialogProvider(nullptr);
 }
 
 TEST(ShortMemory, WideLinesHeldBackAreDrawnWithoutIt) {
