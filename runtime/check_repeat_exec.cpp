@@ -15,7 +15,9 @@ int CCheckRepeatExec::CheckRepeatExecute(const char* name) {
     }
     const bool isMissing = qel::LastError() == qel::kFileMissing;
     const qel::OpenedObject mark = qel::CreateNamedMutex(name);
-    // Another process's mark that this process could not open now, for example because it has too many open files.
+    // Another process's mark that this process could not open now, for example because it has too many open files. One
+    // that was missing before has been set since: both instances are then the first, as they have always been. Whoever
+    // sets the mark gets 0, so they do not both end.
     const bool isAnothers = mark.existed && !isMissing;
     if (mark.handle == nullptr || isAnothers) {
         if (isAnothers) qel::CloseHandle(mark.handle);

@@ -24,8 +24,12 @@ public:
 
     /// 1 if an instance, including this process, has the mark @p name, and also if that cannot be determined: nobody is
     /// the first if its mark cannot be set, for example for an invalid name or without memory. Otherwise 0, and the
-    /// mark is set; if another name is checked later, it stays until the process ends. Two instances that start at the
-    /// same moment may both get 0. Null and the empty name always give 0 and mark nothing.
+    /// mark is set; if another name is checked later, it stays until the process ends. Null and the empty name always
+    /// give 0 and mark nothing.
+    ///
+    /// Kept: two instances that start at the same moment may both get 0, because the mark is looked for first and set
+    /// then. Where two must never run, open a file with CFile::modeCreate, modeNoTruncate, modeReadWrite and
+    /// shareExclusive, and keep it open: that is one step, so exactly one succeeds.
     int CheckRepeatExecute(const char* name);
 
 private:

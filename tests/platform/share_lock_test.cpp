@@ -3,10 +3,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <memory>
 
 #include "../support/file_error_code.h"
 #include "../support/run_at_once.h"
+#include "../support/shared_state.h"
 #include "../support/test.h"
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/file_operations.h"
@@ -114,6 +116,25 @@ TEST_F(ShareLock, ProtectsFromDeletionRenamingReplacementAndEmptying) {
     }
     EXPECT_EQ(m_folder.Read("a"), "kept");
     EXPECT_EQ(CodeOf([&] { CFile::Remove(m_path); }), 0);
+}
+
+// Of those that create a file for themselves at the same moment exactly one has it.
+TEST_F(ShareLock, HasOneOwnerOfAllThatComeAtOnce) {
+    constexpr int kAtOnce = 6;
+    constexpr UINT kOwn = CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite | CFile::shareExclusive;
+    auto& tried = SharedWithChildren<std::atomic<int>>();
+    for (int round = 0; round < 50; ++round) {
+        tried = 0;
+        const std::string name = std::to_string(round);
+        EXPECT_EQ(RunAtOnce(kAtOnce,
+                            [&](int) {
+                                CFile file;
+                                const bool isOwner = file.Open(m_folder.Path(name), kOwn);
+                                for (++tried; tried < kAtOnce;) ::usleep(50);
+                                return isOwner ? 0 : 1;
+                            }),
+                  kAtOnce - 1);
+    }
 }
 
 // A file that can be written but not read is marked in another way, which must meet the usual one.
