@@ -22,7 +22,7 @@ constexpr std::size_t kFewIntervals = 3;
 // Deviations between two readings; else noise alone makes an interval the steepest. Of n differences noise makes the
 // largest about 2 sqrt(ln n).
 constexpr double kClearRise = 6, kClearOfMany = 2.6;
-constexpr int kMovedSearches = 12;
+constexpr int kMovedSearches = 24;
 constexpr std::size_t kMostWays = 60;  // so many leave no doubt that the place is open
 constexpr double kSamePlace = 0.25;    // of the smallest interval at the step
 
@@ -201,7 +201,9 @@ bool CanNoiseMove(const Judged& curve, const Step& step, double most) {
         CurvePoints moved = kept;
         for (double& signal : moved.y) signal += random() % 2 == 0 ? move : -move;
         const auto other = SteepestStep(SmoothByMedian(std::move(moved)), curve.direction, curve.noise);
-        if (!other || std::abs(other->volume - step.volume) > most) return true;
+        if (!other) return true;
+        const double there = std::max(IntervalAt(kept.x, other->volume), MeanIntervalAt(kept.x, other->volume)) / 2;
+        if (std::abs(other->volume - step.volume) > std::min(most, there)) return true;
     }
     return false;
 }

@@ -28,8 +28,9 @@ bool IsPlaceOpen(const Judged& curve, const Step& step);
 bool IsBesideRise(const CurvePoints& points, const Judged& curve, const Step& step, double most);
 
 /// Whether noise could have chosen the step: the search is made again with every reading moved up or down by the noise,
-/// a few times over, and must come to within @p most of the same volume. The standard error of a fit knows only how far
-/// noise moves that fit, not that it may favour another one. Of more than 500 readings it is not asked.
+/// many times over, and must come to within @p most of the same volume, and within half an interval at the place where
+/// it comes to. The standard error of a fit knows only how far noise moves that fit, not that it may favour another
+/// one. Of more than 500 readings it is not asked.
 bool CanNoiseMove(const Judged& curve, const Step& step, double most);
 
 }  // namespace qel
