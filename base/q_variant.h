@@ -49,8 +49,9 @@ QELLIB10_API double RoundByRule(double x, int digits, int mode);
 /// empty one; nothing is written to a null target. Widths and numbers of digits are taken within 0 to 512, except for
 /// the size of a target, which the caller knows. Nothing is thrown but std::bad_alloc.
 ///
-/// Kept: fround is not the rounding of school in all cases, since its results are in files (see there; CBCD::Round is).
-/// Nor do StrToInt and StrToDouble report a text that is no number: what an instrument sends is for qel::ReadNumber.
+/// Kept: fround is not the rounding taught at school in all cases, since its results are in files (see there;
+/// CBCD::Round is). Nor do StrToInt and StrToDouble report a text that is no number: what an instrument sends is for
+/// qel::ReadNumber.
 ///
 /// Rounding is here; the object's own members are in q_variant.cpp, numbers in q_variant_number.cpp, texts, versions
 /// and values of databases in q_variant_text.cpp, times in q_variant_time.cpp.
@@ -129,7 +130,7 @@ public:
     static double StrToDouble(const char* s, int n);
     static double StrToDouble(const CString& s);
 
-    /// @p s if it has the form of a number: digits and any number of points, with a sign in front if anything follows;
+    /// @p s if it has the form of a number: digits and any number of points, with a sign before it if anything follows;
     /// or if it is empty. Else "NULL", as written in queries.
     static CString NoNumericToNull(const char* s);
 

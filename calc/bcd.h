@@ -143,14 +143,14 @@ public:
     /// The square root, half-even; NaN below zero.
     static CBCD SquareRoot(CBCD x);
 
-    /// Rounds to @p decimals places (below 0 means 0) and drops trailing zeros, also in front of the point: 2.500 with
+    /// Rounds to @p decimals places (below 0 means 0) and drops trailing zeros, also before the point: 2.500 with
     /// 2 places becomes 2.5, 100 becomes 1E+2. Less than a place becomes 0 or one unit of the last place, depending on
     /// the mode. NaN and Infinity stay. Sets the rounding mode.
     void Round(int decimals, rounding mode);
 
     /// The number with @p decimals places, right-aligned in @p width characters. Sets the rounding mode.
     ///
-    /// The number is rounded and stripped of trailing zeros like Round; places below 0 round in front of the point, to
+    /// The number is rounded and stripped of trailing zeros like Round; places below 0 round before the point, to
     /// Infinity if a unit of the last place would be above 1E+384. In a narrow field fewer digits are kept: at most
     /// width - 1 for a negative number, and one less than the places ask for if a number with decimals fills the field.
     /// Then zeros are added up to @p decimals places, and what is longer than @p width is cut at the end.
@@ -168,7 +168,7 @@ public:
 
     /// The double that CQVariant::DoubleToStr prints with @p decimals places in the same way as GetString. It is found
     /// by reading that text and, while the double prints differently, going up by tenths of the last place, at most
-    /// four times. If that fails, and with 0 decimals or fewer (places in front of the point), it is the double nearest
+    /// four times. If that fails, and with 0 decimals or fewer (places before the point), it is the double nearest
     /// to GetString's text. Sets the rounding mode.
     double GetDouble(int decimals, rounding mode);
 

@@ -53,7 +53,10 @@ target_include_directories(qellib10-core PUBLIC $<BUILD_INTERFACE:${decnumber}/i
 # We do not fix its own warnings. It relies on signed numbers that wrap around: an exponent of many digits is read to
 # its end and only then found to be too large.
 file(CONFIGURE OUTPUT ${decnumber}/config/config.h CONTENT "")
-add_library(qellib10_decnumber STATIC ${decnumber_source}/decNumber.c ${decnumber_source}/decContext.c)
+add_library(qellib10_decnumber STATIC
+  ${decnumber_source}/decContext.c
+  ${decnumber_source}/decNumber.c
+)
 target_include_directories(qellib10_decnumber PRIVATE ${decnumber}/config ${decnumber}/include/qellib10/decnumber)
 target_compile_definitions(qellib10_decnumber PRIVATE DECNUMDIGITS=15)
 target_compile_options(qellib10_decnumber PRIVATE -w -fwrapv)

@@ -42,10 +42,22 @@ install(FILES ${PROJECT_BINARY_DIR}/script/libqellib10.so DESTINATION ${CMAKE_IN
 install(FILES qellib10.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10 COMPONENT development)
 qellib10_install_pc(qellib10 development)
 
-# The programs of the documentation's pages, for beginners.
+# The documentation's pages, which headers refer to, and each page's program, for beginners, with the component that it
+# needs.
 set(QELLIB10_EXAMPLES_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqellib10)
+install(DIRECTORY docs/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-core-dev COMPONENT core-development
+  FILES_MATCHING PATTERN *.md PATTERN examples EXCLUDE)
+install(FILES docs/examples/end_points.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-core-dev/examples
+  COMPONENT core-development)
 install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/examples COMPONENT development
-  FILES_MATCHING PATTERN *.cpp PATTERN gtk.cpp EXCLUDE)
+  FILES_MATCHING PATTERN *.cpp
+  PATTERN end_points.cpp EXCLUDE
+  PATTERN gtk.cpp EXCLUDE
+  PATTERN users.cpp EXCLUDE)
+if(TARGET qellib10-store)
+  install(FILES docs/examples/users.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-store-dev/examples
+    COMPONENT store-development)
+endif()
 if(TARGET qellib10-gtk)
   install(FILES docs/examples/gtk.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development)
   install(DIRECTORY examples/viewer DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development
@@ -55,5 +67,8 @@ endif()
 configure_package_config_file(cmake/QELLIB10Config.cmake.in ${PROJECT_BINARY_DIR}/QELLIB10Config.cmake
   INSTALL_DESTINATION ${QELLIB10_PACKAGE_DIR} NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QELLIB10ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/QELLIB10Config.cmake ${PROJECT_BINARY_DIR}/QELLIB10ConfigVersion.cmake
+install(
+  FILES
+    ${PROJECT_BINARY_DIR}/QELLIB10Config.cmake
+    ${PROJECT_BINARY_DIR}/QELLIB10ConfigVersion.cmake
   DESTINATION ${QELLIB10_PACKAGE_DIR} COMPONENT core-development)

@@ -51,7 +51,7 @@ qellib10_component(core)
 qellib10_component(graphics core)
 
 # Passwords are hashed by libsodium: without it there is no component store.
-option(QELLIB10_BUILD_STORE "Build qellib10-store where libsodium is there" ON)
+option(QELLIB10_BUILD_STORE "Build qellib10-store if libsodium is installed" ON)
 if(QELLIB10_BUILD_STORE)
   find_path(SODIUM_INCLUDE_DIR sodium.h)
   find_library(SODIUM_LIBRARY sodium)
@@ -61,7 +61,7 @@ if(QELLIB10_BUILD_STORE)
     target_link_libraries(qellib10_sodium INTERFACE ${SODIUM_LIBRARY})
     qellib10_component(store core)
   else()
-    message(STATUS "libsodium is not there (Debian package libsodium-dev): qellib10-store and the demo are left out")
+    message(STATUS "libsodium was not found (Debian package libsodium-dev): qellib10-store and the demo are left out")
   endif()
 endif()
 

@@ -119,7 +119,7 @@ void RequireStepInside(const CurvePoints& points, const Judged& curve, double sl
     if (last >= 2 * kEndIntervals) {
         RequireStepInside(points, curve, kClearlySteeper * WholeSlope(points));
     }
-    throw DataError("no end point: the curve has no step that stands out from its noise of " + Text(curve.noise) +
+    throw DataError("no end point: the curve has no step that is clear of its noise of " + Text(curve.noise) +
                     "; measure more readings at the step");
 }
 

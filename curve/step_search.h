@@ -34,7 +34,7 @@ double IntervalAt(const std::vector<double>& volumes, double volume);
 /// it rise as the fit does. Where noise could move it by more than half an interval, the most certain of the
 /// inflections that are about as steep is taken. Of very many points means of neighbours are searched first, then the
 /// points around what is found.
-/// @return nothing for fewer than 5 points, and for a curve without a step that stands out from @p noise
+/// @return nothing for fewer than 5 points, and for a curve without a step that is clear of @p noise
 std::optional<Step> SteepestStep(const CurvePoints& points, double direction, double noise);
 
 }  // namespace qel

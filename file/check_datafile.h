@@ -33,7 +33,7 @@ class CheckSums;
 ///     own data | info length (4) | file name, zero | version (4) | GUID (16) | CRC (4) | sum (4) | trailer length (4)
 ///
 /// Sealing again raises the version and writes the new trailer over the old one. Data that are to change are written
-/// again without a trailer and sealed (isNew) by an object that has read the old seal: identity and version go on.
+/// again without a trailer and sealed (isNew) by an object that has read the old seal: identity and version continue.
 ///
 /// Operations work on an open file of the caller and return 1, or 0 when the check fails, the system refuses or memory
 /// runs out; qel::LastFailure says which. Nothing is thrown. A file that could not be sealed is as it was. Nothing is

@@ -32,7 +32,7 @@ std::vector<std::byte> SealInfo::Pack() const {
 SealInfo SealInfo::Unpack(std::span<const std::byte> record) {
     const auto zero = std::ranges::find(record, std::byte{0});
     const auto nameSize = static_cast<std::size_t>(zero - record.begin());
-    if (record.size() < nameSize + 1 + kAfterNameSize) throw DataError("no record of a sealed file");
+    if (record.size() < nameSize + 1 + kAfterNameSize) throw DataError("not a record of a sealed file");
     const auto rest = record.subspan(nameSize + 1, kAfterNameSize);
     SealInfo info;
     info.name = CString(reinterpret_cast<const char*>(record.data()), static_cast<int>(nameSize));

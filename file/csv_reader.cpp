@@ -63,7 +63,7 @@ private:
             if (wasValid) return true;
         } catch (const CFileException& failure) {
             return Fail(CsvFailure::Kind::kNotRead, m_nextLine, 0, failure.what());
-        } catch (const std::runtime_error& failure) {  // the system lacks the code page
+        } catch (const std::runtime_error& failure) {  // the system does not know the code page
             return Fail(CsvFailure::Kind::kNotRead, m_nextLine, 0, failure.what());
         }
         const std::size_t line = m_nextLine + LineBreaks(m_text);

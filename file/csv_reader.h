@@ -12,8 +12,8 @@
 
 namespace qel {
 
-/// The encoding of a file's text. A byte order mark says more: after one of UTF-16 or UTF-8 the file is read as that;
-/// after one of UTF-8, kUnchecked stays unchecked.
+/// The encoding of a file's text. A byte order mark overrides it: after one of UTF-16 or UTF-8 the file is read as
+/// that; after one of UTF-8, kUnchecked stays unchecked.
 enum class CsvEncoding {
     kUtf8,
     kCodePage932,
@@ -33,16 +33,16 @@ struct CsvFormat {
 struct QELLIB10_API CsvFailure {
     enum class Kind {
         kNotRead,           ///< the file cannot be read
-        kInvalidCharacter,  ///< a zero byte, or bytes that are no character of the encoding
+        kInvalidCharacter,  ///< a zero byte, or bytes that are not a character of the encoding
         kOpenMark,          ///< no quotation mark closes the one in the line
         kLongRow            ///< a row of more than CsvReader::kLongestRow bytes
     };
     Kind kind = Kind::kNotRead;
-    std::size_t line = 0;         ///< from 1; of a row that is too long its first one
+    std::size_t line = 0;         ///< from 1; the first line of a row that is too long
     unsigned long long byte = 0;  ///< from 1, in what is read: the first of the invalid character; else 0
     std::string cause;            ///< in English, of kNotRead and kInvalidCharacter
 
-    /// One line for people: "line 3, byte 57: no character of UTF-8, or a zero byte"
+    /// One line for people: "line 3, byte 57: not a character of UTF-8, or a zero byte"
     std::string Text() const;
 };
 

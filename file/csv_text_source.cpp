@@ -81,7 +81,7 @@ std::string_view CsvTextSource::WithoutMark(std::string_view block) {
 }
 
 std::string CsvTextSource::InvalidCause() const {
-    return m_name == nullptr ? "a zero byte" : "no character of " + std::string(m_name) + ", or a zero byte";
+    return m_name == nullptr ? "a zero byte" : "not a character of " + std::string(m_name) + ", or a zero byte";
 }
 
 }  // namespace qel

@@ -19,12 +19,13 @@ public:
     /// Appends the next block's text to @p text. After the first call of a source, the byte order mark is passed over.
     /// @return false when nothing more can be read or when it is invalid; at the end of the source it is true, and
     /// IsAll
-    /// @throws CFileException when the file cannot be read, std::runtime_error when the system lacks the code page
+    /// @throws CFileException when the file cannot be read, std::runtime_error when the system does not know the code
+    /// page
     bool Append(std::string& text);
 
     bool IsAll() const { return m_isAll; }
 
-    /// After a false: from 1, the byte at which the invalid character starts, and what it is no character of.
+    /// After a false: from 1, the byte at which the invalid character starts, and what it is not a character of.
     std::uint64_t InvalidByte() const { return m_mark + m_decoder->Decoded() + 1; }
     std::string InvalidCause() const;
 

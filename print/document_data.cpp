@@ -203,7 +203,7 @@ std::optional<CSize> CQelPrintJobDocumentData::PlaceCells(CDC* dc) {
     // For the first column and row only the start matters; later ones would be printed over them.
     const CSize furthest = FurthestCell();
     if ((furthest.cx > 0 && size.cx < 1) || (furthest.cy > 0 && size.cy < 1))
-        return NotPlaced("the margins leave no room for the cells");
+        return NotPlaced("the margins leave no space for the cells");
     return size;
 }
 

@@ -44,8 +44,8 @@ public:
     /// The end of the version returned last. After the latest one there may be remains of an interrupted registration.
     ULONGLONG End() const noexcept { return m_end; }
 
-    /// Bytes after the latest version, which is where the header says: none, or what a registration has left that was
-    /// cut short. Works without Next().
+    /// Bytes after the latest version, which is where the header says: none, or what an interrupted
+    /// registration has left. Works without Next().
     /// @throws DataError when there is no version
     ULONGLONG BytesAfterLatest() const;
 

@@ -12,9 +12,10 @@ class XmlDocument;
 }
 
 /// A document of settings or data: a tree of XML whose nodes are named by paths, in a file that is enciphered or plain.
-/// It prevents documents that nobody can read again: text that is not well-formed, or a name that the code page lacks,
-/// is refused when it is set or loaded, not found on the day when the method is needed. LockFile keeps the file open
-/// from reading to saving; it does not keep out another program that does the same, and the last LockCommit counts.
+/// It prevents documents that nobody can read again: text that is not well-formed, or a name with characters missing in
+/// the code page, is refused when it is set or loaded, not found on the day when the method is needed. LockFile keeps
+/// the file open from reading to saving; it does not keep out another program that does the same, and the last
+/// LockCommit counts.
 ///
 /// @code
 /// CCryptXMLDocument method;
@@ -30,11 +31,11 @@ class XmlDocument;
 ///
 ///     Item[2]    Item[@k='x']    Item[end()]    Item/@k
 ///
-/// Text is in the code page of the process. Characters that it lacks are kept as numeric references (`&#228;`) in the
+/// Text is in the code page of the process. Characters missing in it are kept as numeric references (`&#228;`) in the
 /// text of the document, and returned as their best fit. XML that is not well-formed is refused; so are elements nested
-/// deeper than 512, references to entities of a document type, and names that the code page lacks. Nothing outside the
-/// document is read. A file of 2 GiB or more is neither loaded nor written. White space between elements is kept; line
-/// ends are written as CR LF.
+/// deeper than 512, references to entities of a document type, and names with characters missing in the code page.
+/// Nothing outside the document is read. A file of 2 GiB or more is neither loaded nor written. White space between
+/// elements is kept; line ends are written as CR LF.
 ///
 /// Files are written in place, once all bytes are ready, and are on the disk when the operation returns. A file that
 /// could not be written is put back; a crash in the middle leaves a part of it. A caller who needs more saves under

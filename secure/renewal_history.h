@@ -12,9 +12,10 @@
 
 namespace qel {
 
-/// All versions of a document in a cabinet, and in a file next to it who registered each, when and why: one
-/// CHistoryRenewInfo per version, in their order. Kept apart, the two drift apart: a program that ends between writing
-/// one and the other leaves a version without a record, and every later record is then taken for another version's.
+/// Keeps all versions of a document in a cabinet. A file next to it records who registered each version, when and
+/// why: one CHistoryRenewInfo per version, in their order. Kept apart, the two drift apart: a program that ends between
+/// writing one and the other leaves a version without a record, and every later record is then taken for another
+/// version's.
 ///
 /// @code
 /// qel::RenewalHistory history("results.hcf", "renewals.qel");
@@ -26,11 +27,11 @@ namespace qel {
 /// the code page of the process. One thread at a time.
 ///
 /// Operations throw CFileException where the file of records is refused, and DataError with a sentence about the file
-/// for all else.
+/// for everything else.
 class QELLIB10_API RenewalHistory {
 public:
-    /// Opens what is there; what is missing is made, the cabinet by the first registration. A record that was cut is
-    /// removed, and a version without a record gets one that names nobody.
+    /// Opens the files, and creates those that are missing, the cabinet by the first registration. A record that was
+    /// cut is removed, and a version without a record gets one that names nobody.
     /// @throws DataError when the cabinet is in use or damaged, and when the records are damaged or those of another
     /// cabinet; both files are then as they were. CFileException with sharingViolation when another object has them
     /// open

@@ -14,7 +14,7 @@ namespace qel {
 struct RenewalRecords {
     std::vector<CHistoryRenewInfo> whole;
     ULONGLONG end = 0;   ///< where the last whole one ends; the file's length when nothing else is in it
-    bool isCut = false;  ///< the file ends within the next one, as a program leaves it that ends while it writes
+    bool isCut = false;  ///< the file ends within the next one, because a program ended while it wrote
 };
 
 /// Reads records from the file's position on, up to the first that is cut or is not a record.

@@ -84,7 +84,7 @@ void PrepareTables(Database& database) {
 void RequireTables(Database& database) {
     const bool isOurs = Ask(database, "PRAGMA application_id") == kApplication;
     if (!isOurs || Ask(database, "PRAGMA user_version") != kVersion)
-        throw StoreError(FailureKind::kData, "the file is no user store of this version");
+        throw StoreError(FailureKind::kData, "the file is not a user store of this version");
 }
 
 void RequireSound(Database& database) {
@@ -93,7 +93,7 @@ void RequireSound(Database& database) {
     const std::string_view found = check.Text(0);  // of several lines, the last one is the finding
     if (found != "ok") throw StoreError(FailureKind::kData, std::string(found.substr(found.rfind('\n') + 1)));
     if (Query(database, "PRAGMA foreign_key_check").Step())
-        throw StoreError(FailureKind::kData, "something is kept of a user who is gone");
+        throw StoreError(FailureKind::kData, "there are data of a user who was deleted");
 }
 
 std::string FoldedName(const CString& name) { return ToUtf8(FoldName(name.View())); }

@@ -20,7 +20,7 @@ using LogonPrompt = std::function<bool(LogonRequest&)>;
 
 /// When wrong passwords lock a user.
 struct LogonLock {
-    int mostRefused = 5;  ///< wrong passwords one after the other that lock; each further one locks again
+    int mostRefused = 5;  ///< this many wrong passwords in a row lock a user; each further one locks again
     std::chrono::seconds length = std::chrono::minutes(5);
 };
 

@@ -27,7 +27,7 @@ bool ReportPrinter::IsThere(const std::string& name) {
 }
 
 ReportPrinter::ReportPrinter(const std::string& name) : m_style(ThreeReportsPerPage(name)) {
-    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("the printer \"" + name + "\": " + Why("is not there"));
+    if (!m_dc.Attach(m_style.GetPrinterDC())) throw Failure("the printer \"" + name + "\": " + Why("does not exist"));
 }
 
 }  // namespace titration

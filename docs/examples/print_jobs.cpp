@@ -46,7 +46,7 @@ int main() {
     for (const char* path : {"sample1.job", "sample2.job", "missing.job"})
         if (!document.CheckAndAddJobFile(path)) std::printf("%s is not printed\n", path);
     std::printf("%d jobs, %s\n", document.GetBlockCount(),
-                document.IsPrintOutPageExist(0) ? "the page is full" : "there is room on the page");
+                document.IsPrintOutPageExist(0) ? "the page is full" : "there is space on the page");
     if (!document.PrintOut()) return 1;
     std::puts("printed");
     return 0;

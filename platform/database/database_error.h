@@ -7,7 +7,7 @@
 
 namespace qel {
 
-/// What a database refused, as far as those who use one tell it apart.
+/// What a database refused, as far as its users distinguish it.
 enum class DatabaseFault {
     kForeignKey,  // refers to a row that does not exist
     kValue,       // breaks another constraint, or is too large

@@ -12,7 +12,7 @@
 //
 //     [section]
 //     key = value            names match without regard to case, the first of a name counts
-//     key="  value "         a pair of quotation marks goes when it is read, the blanks stay
+//     key="  value "         a pair of quotation marks is removed when it is read, the blanks stay
 //     ; text                 comment
 //
 // Files are text of the process's code page; a UTF-8 mark at the start is skipped and kept. UTF-16 files are read but

@@ -20,7 +20,7 @@
 // QELLIB10_REGISTRY_DIR, an absolute path, puts all of them into one folder. A tree without a database is empty.
 //
 // Only its user can read a new current-user.db (mode 0600); everybody can read the others, less the umask. A database
-// that is there keeps its mode, which somebody may have given it: chmod 600 narrows one that others can read.
+// that exists keeps its mode, which somebody may have given it: chmod 600 narrows one that others can read.
 //
 // Names match without regard to case (Latin, also full-width, Greek and Cyrillic letters) and keep the spelling of
 // their creation. A key's name has 1 to 255 characters, a value's 0 to 16383: the empty name, or null, is the key's

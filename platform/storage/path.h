@@ -25,8 +25,8 @@ namespace qel {
 /// name, 206 for 260 bytes and more.
 QELLIB10_API std::string ToPosixPath(std::string_view path);
 
-/// The way back. Uses the longest QELLIB10_DRIVE_X or QELLIB10_NET_ROOT that @p posixPath starts with, else puts `\` in
-/// front. ToPosixPath returns @p posixPath again if the length allows it.
+/// The way back. Uses the longest QELLIB10_DRIVE_X or QELLIB10_NET_ROOT that @p posixPath starts with, else puts `\`
+/// before it. ToPosixPath returns @p posixPath again if the length allows it.
 QELLIB10_API CString ToLibraryPath(std::string_view posixPath);
 
 /// One name within a folder. Both directions give the same bytes again.

@@ -47,7 +47,7 @@ void XmlElementWriter::Begin(const char* name) {
 void XmlElementWriter::PutName(const char* name, std::size_t start) {
     if (m_pOutput->PutName(name)) return;
     m_pOutput->CutTo(start);
-    throw DataError("no name of XML");
+    throw DataError("not a valid XML name");
 }
 
 // The output after the attribute's name and the first quotation mark.

@@ -138,7 +138,7 @@ std::string XmlNode::Xml() const {
 
 XmlNode XmlNode::AppendElement(std::string_view name) {
     const std::string utf8 = ToUtf8(name);
-    if (!IsXmlName(utf8)) throw DataError("no name of XML");
+    if (!IsXmlName(utf8)) throw DataError("not a valid XML name");
     pugi::xml_node parent(m_node);
     if (parent.type() != pugi::node_element) throw DataError("only elements have children");
     if (DepthOf(parent) >= kDeepestXml) throw DataError("elements nested too deep");

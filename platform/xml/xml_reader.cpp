@@ -198,7 +198,7 @@ void CheckTop(pugi::xml_document& tree) {
 }  // namespace
 
 void ReadXml(pugi::xml_document& tree, std::string& text, XmlNames names) {
-    Require(IsUtf8OfXml(text), "bytes that are no character of XML");
+    Require(IsUtf8OfXml(text), "bytes that are not a character of XML");
     Reader reader(text, names);
     // The parser accepts the start of a tag after a blank at the end, and does not see the last character if that is
     // text.

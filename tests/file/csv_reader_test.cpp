@@ -75,18 +75,18 @@ TEST(CsvReader, ReportsDamageWithItsPlace) {
     const qel::CsvFormat japanese{.encoding = CsvEncoding::kCodePage932};
     const std::string longest(qel::CsvReader::kLongestRow, 'a');
     for (const auto& [text, format, expected] : Cases<std::string, qel::CsvFormat, const char*>{
-             {"a\n\"\r\n\"b\xFF,1\n", {}, "1(a) line 3, byte 8: no character of UTF-8, or a zero byte"},
-             {"a\n\xE3\x81", {}, "1(a) line 2, byte 3: no character of UTF-8, or a zero byte"},
-             {"\xEF\xBB\xBF\xED\xA0\x80", {}, "line 1, byte 4: no character of UTF-8, or a zero byte"},
+             {"a\n\"\r\n\"b\xFF,1\n", {}, "1(a) line 3, byte 8: not a character of UTF-8, or a zero byte"},
+             {"a\n\xE3\x81", {}, "1(a) line 2, byte 3: not a character of UTF-8, or a zero byte"},
+             {"\xEF\xBB\xBF\xED\xA0\x80", {}, "line 1, byte 4: not a character of UTF-8, or a zero byte"},
              {"a\n\0b"s, {.encoding = CsvEncoding::kUnchecked}, "1(a) line 2, byte 3: a zero byte"},
              {"\xFF\xFE"
               "a\0\n\0b"s,
               {},
-              "1(a) line 2, byte 7: no character of UTF-16, or a zero byte"},
-             {"\xFE\xFF\xDC\0"s, {}, "line 1, byte 3: no character of UTF-16, or a zero byte"},
-             {"\xFE\xFF\xD8\0\0a"s, {}, "line 1, byte 3: no character of UTF-16, or a zero byte"},
-             {"\x82\x3D", japanese, "line 1, byte 1: no character of code page 932, or a zero byte"},
-             {"1\n2,\x82", japanese, "1(1) line 2, byte 5: no character of code page 932, or a zero byte"},
+              "1(a) line 2, byte 7: not a character of UTF-16, or a zero byte"},
+             {"\xFE\xFF\xDC\0"s, {}, "line 1, byte 3: not a character of UTF-16, or a zero byte"},
+             {"\xFE\xFF\xD8\0\0a"s, {}, "line 1, byte 3: not a character of UTF-16, or a zero byte"},
+             {"\x82\x3D", japanese, "line 1, byte 1: not a character of code page 932, or a zero byte"},
+             {"1\n2,\x82", japanese, "1(1) line 2, byte 5: not a character of code page 932, or a zero byte"},
              {"a\n\"b\n\",\"c\n", {}, "1(a) line 3: a quotation mark that none closes"},
              {"a\n" + longest + "\n",
               {},

@@ -83,7 +83,7 @@ TEST_F(CsvFile, IsWrittenOutBeforeAnythingLooksAtIt) {
     }
 }
 
-TEST_F(CsvFile, KeepsTheOrderOfPiecesAndTellsWhatCannotBeWritten) {
+TEST_F(CsvFile, KeepsTheOrderOfPiecesAndReportsWhatCannotBeWritten) {
     std::string expected;
     for (const std::size_t size : {1, 65'530, 10, 65'536, 200'000, 3}) {
         const std::string text(size, static_cast<char>('a' + size % 26));

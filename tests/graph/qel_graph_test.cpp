@@ -237,7 +237,7 @@ TEST(QelGraph, ALongLineHasThePixelsOfAllItsPoints) {
 TEST(QelGraph, BarsMarksAndCrossHaveTheirPixels) {
     Canvas canvas(400, 300);
     OpenGraph graph;
-    graph.SetDrawSize(116, 116);  // a unit a pixel
+    graph.SetDrawSize(116, 116);  // a unit per pixel
     graph.GetDrawArea(&canvas.dc, 0, 0);
     EXPECT_EQ(graph.BarDraw(&canvas.dc, 0), 1);  // without points
     CBarGraphStyle bar;

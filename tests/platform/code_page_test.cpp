@@ -53,7 +53,7 @@ TEST(CodePage, MapsTheBytesThatConvertersLeaveOut) {
     }
 }
 
-TEST(CodePage, WritesTheBestFitOfWhatThePageLacks) {
+TEST(CodePage, WritesTheBestFitOfCharactersMissingInThePage) {
     std::u16string latin;
     for (char16_t character = 0xA1; character <= 0xFF; ++character) latin += character;
     // Those with a code of their own are § ¨ ° ± ´ ¶ × ÷; nothing is close to ¤ ¼ ½ ¾.
@@ -122,5 +122,5 @@ TEST(Converter, ThrowsWithoutAConverterAndReturnsNothingForBadText) {
     }
     qel::Converter shifting("ISO-2022-JP", "UTF-8");
     EXPECT_EQ(shifting.Convert("\xFF"), std::nullopt);
-    EXPECT_EQ(shifting.Convert("\u30BD"), "\x1B$B%=\x1B(B");  // begins afresh and goes back to ASCII at the end
+    EXPECT_EQ(shifting.Convert("\u30BD"), "\x1B$B%=\x1B(B");  // starts again and goes back to ASCII at the end
 }

@@ -75,7 +75,7 @@ TEST(XmlDocument, IsWrittenAsThePlatformWritesIt) {
     }
 }
 
-TEST(XmlDocument, KeepsCharactersThatTheCodePageLacks) {
+TEST(XmlDocument, KeepsCharactersMissingInTheCodePage) {
     XmlDocument document;
     document.LoadUtf8("<a k='\xC3\xA4'>\xE2\x82\xAC<![CDATA[\xC3\xA4<]]><![CDATA[\xE3\x83\x86]]><!--\xC3\xA4--></a>");
     EXPECT_EQ(document.Text(), "<a k=\"&#228;\">&#8364;&#228;&lt;<![CDATA[\x83\x65]]><!--&#228;--></a>\r\n");

@@ -74,7 +74,7 @@ CPoint PlaceOf(const std::string& words, const std::string& word) {
     return {tenths("xMin"), tenths("yMin")};
 }
 
-// Prints one job a cell from job files, on all papers and grids; @p printed has the path of the document that the
+// Prints one job per cell from job files, on all papers and grids; @p printed has the path of the document that the
 // printer has received as the given one.
 void CheckCellsOnAllPapers(const char* printer, const std::function<std::string(int)>& printed) {
     constexpr int kMargin = 100;

@@ -132,7 +132,7 @@ TEST(AutoLockedMemoryMappedFile, HoldsTheLockExactlyWhileItIsMapped) {
     }
 }
 
-TEST(AutoLockedMemoryMappedFile, OneHolderAfterADeadOneIsTold) {
+TEST(AutoLockedMemoryMappedFile, ExactlyOneHolderAfterADeadOneSeesIt) {
     const std::string name = NameOfOurOwn("left");
     CAutoLockedMemoryMappedFile block;
     ASSERT_EQ(block.Open(6, name.c_str(), 100), 1);

@@ -307,7 +307,7 @@ TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
     EXPECT_EQ(m_folder.Read("users.db"), before);
     Damage("PRAGMA foreign_keys = OFF; INSERT INTO functions VALUES(9, 0, 5, 'Print', 3)");
     EXPECT_EQ(store->CheckIntegrity(), 0);
-    EXPECT_EQ(qel::LastFailure().text, "something is kept of a user who is gone");
+    EXPECT_EQ(qel::LastFailure().text, "there are data of a user who was deleted");
     store.reset();
     std::filesystem::remove(m_folder.Posix("users.db"));
     EXPECT_EQ(Line({Open()->IsConnected(), m_folder.Has("users.db")}), "0 0");
@@ -337,7 +337,7 @@ TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
     EXPECT_EQ(Open()->Logon("bob", "pw"), 0) << "would take years";
     Damage("PRAGMA user_version = 2");
     const auto later = Open();
-    EXPECT_EQ(qel::LastFailure().text, "the file is no user store of this version");
+    EXPECT_EQ(qel::LastFailure().text, "the file is not a user store of this version");
     EXPECT_EQ(Line({later->IsConnected(), later->AddUser(Record("ann", "pw")), later->Logon("bob", "pw")}), "0 0 0");
     EXPECT_EQ(later->GetUserCount(), -1);
     m_folder.Write("users.db", std::string(5000, 'x'));

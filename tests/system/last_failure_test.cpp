@@ -372,7 +372,7 @@ TEST_F(Failures, OfJobsPicturesAndPrintersReportFileAndPrinter) {
     });
 }
 
-TEST_F(Failures, AreNotWhatAPrinterWithAnotherSheetReports) {
+TEST_F(Failures, OfASheetThatIsReplacedAreNone) {
     for (const auto& [form, isOther] : Cases<short, bool>{
              {0, false},
              {DMPAPER_A4, false},

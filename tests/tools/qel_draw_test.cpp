@@ -65,7 +65,7 @@ TEST(QelJob, DrawsAndPrintsPages) {
     EXPECT_NE(folder.Read("last.svg").find(">three<"), std::string::npos);
 }
 
-TEST(QelJob, SaysWhatAJobLacks) {
+TEST(QelJob, SaysWhatIsMissingInAJob) {
     const QelFolder folder;
     const auto save = [&](const char* name, const auto& change) {
         CQelPrintJobQueueData job = Job(name);

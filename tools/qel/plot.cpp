@@ -166,7 +166,7 @@ void AddPlot(CLI::App& app, Status&) {
     command->add_flag("--bars", options->bars, "Bars in place of lines");
     command->add_flag("--marks", options->marks, "A circle at each point");
     options->picture.AddTo(*command, "Dots per inch (150)");
-    command->add_flag("--json", options->json, "Tell what was drawn as JSON");
+    command->add_flag("--json", options->json, "Report what was drawn as JSON");
     command->callback([options] { Plot(*options); });
 }
 

@@ -22,8 +22,8 @@ CString ExactText(const std::string& utf8) {
     };
     const CString text = Text(utf8);
     if (asciiIn(Utf8(text.View())) != asciiIn(utf8))
-        throw CLI::ValidationError("\"" + utf8 + "\" has characters that code page " + std::to_string(qel::CodePage()) +
-                                   " lacks");
+        throw CLI::ValidationError("\"" + utf8 + "\" has characters that are missing in code page " +
+                                   std::to_string(qel::CodePage()));
     return text;
 }
 

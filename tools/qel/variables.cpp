@@ -94,7 +94,8 @@ CCalcVariableList ReadVariables(const std::string& path, bool oldest) {
         std::string head(16, '\0');
         head.resize(file.Read(head.data(), 16));
         if (IsVariablesTag(head) == oldest)
-            throw Failure(oldest ? "has a head, it is of a newer layout" : "no archived list of variables", kUnknown);
+            throw Failure(oldest ? "has a head, it is of a newer layout" : "not an archived list of variables",
+                          kUnknown);
         file.SeekToBegin();
         return oldest ? LoadOldest(file) : LoadVariables(file);
     });
