@@ -77,8 +77,10 @@ void UserStore::GetLogonUser(CUserInfo* out) {
 }
 
 CString UserStore::GetLogonUsername() {
+    Operation running("qel::UserStore::GetLogonUsername");
     CUserInfo user;
     GetLogonUser(&user);
+    running.TakeOver();
     return user.GetUsername();
 }
 

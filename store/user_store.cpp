@@ -1,6 +1,8 @@
 // The operations of UserStore except those about logging on, which are in user_logon.cpp.
 #include "qellib10/store/user_store.h"
 
+#include <optional>
+
 #include "qellib10/platform/storage/private_file.h"
 #include "qellib10/store/attempts.h"
 #include "qellib10/store/user_store_state.h"
@@ -56,10 +58,22 @@ int UserStore::ReloadUserList() {
     });
 }
 
-int UserStore::GetUserCount() { return m_state->database ? static_cast<int>(m_state->names.size()) : -1; }
+int UserStore::GetUserCount() {
+    const auto count = m_state->ResultOf("qel::UserStore::GetUserCount", [&] {
+        m_state->Opened();
+        return std::optional(static_cast<int>(m_state->names.size()));  // nobody is no failure
+    });
+    return count.value_or(-1);
+}
 
 CString UserStore::GetUserName(int index) {
-    return index >= 0 && index < GetUserCount() ? m_state->names[static_cast<std::size_t>(index)] : CString();
+    return m_state->ResultOf("qel::UserStore::GetUserName", [&] {
+        m_state->Opened();
+        const auto& names = m_state->names;
+        if (index < 0 || static_cast<std::size_t>(index) >= names.size())
+            throw StoreError(FailureKind::kMissing, "there is no user of this number");
+        return names[static_cast<std::size_t>(index)];
+    });
 }
 
 int UserStore::SaveFunctionSecurity(const CUserInfo& user) {

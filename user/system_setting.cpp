@@ -6,11 +6,28 @@
 
 namespace {
 
-// Whether there is somebody to ask; else the operation's failure says that there is not.
-bool Has(const CClassAgentConnectInterface* connection, const char* operation) {
-    if (connection != nullptr) return true;
-    qel::Operation(operation).Failed(qel::FailureKind::kState, "", "no connection to a user store");
-    return false;
+// What the store returns for a question, or without a store @p otherwise. Any result may be right: only a failure that
+// the store has reported itself is one.
+template <class Result, class Question>
+Result Asked(const char* name, CClassAgentConnectInterface* store, Result otherwise, Question question) {
+    qel::Operation running(name);
+    if (store == nullptr) {
+        running.Failed(qel::FailureKind::kState, "", "no connection to a user store");
+        return otherwise;
+    }
+    running.Ended(true);  // until the store says something else
+    Result result = question(*store);
+    running.TakeOver();
+    return result;
+}
+
+// The same for a request; a store that returns @p failed has failed, whether it says why or not.
+template <class Result, class Request>
+Result Passed(const char* name, CClassAgentConnectInterface* store, Result failed, Request request) {
+    qel::Operation running(name);
+    Result result = Asked(nullptr, store, failed, request);
+    running.Ended(result != failed);
+    return result;
 }
 
 }  // namespace
@@ -20,23 +37,27 @@ CSystemSetting::CSystemSetting(CClassAgentConnectInterface* connect) { Initializ
 CSystemSetting::~CSystemSetting() = default;
 
 int CSystemSetting::IsAutoLogon() {
-    return Has(m_pConnect, "CSystemSetting::IsAutoLogon") ? m_pConnect->IsAutoLogon() : 0;
+    return Asked("CSystemSetting::IsAutoLogon", m_pConnect, 0, [&](auto& store) { return store.IsAutoLogon(); });
 }
 
 int CSystemSetting::SetAutoLogon(int autoLogon) {
-    return Has(m_pConnect, "CSystemSetting::SetAutoLogon") ? m_pConnect->SetAutoLogon(autoLogon) : 0;
+    return Passed("CSystemSetting::SetAutoLogon", m_pConnect, 0,
+                  [&](auto& store) { return store.SetAutoLogon(autoLogon); });
 }
 
 CString CSystemSetting::GetAutoLogonUserName() {
-    return Has(m_pConnect, "CSystemSetting::GetAutoLogonUserName") ? m_pConnect->GetAutoLogonUserName() : CString();
+    return Asked("CSystemSetting::GetAutoLogonUserName", m_pConnect, CString(),
+                 [&](auto& store) { return store.GetAutoLogonUserName(); });
 }
 
 CString CSystemSetting::GetAutoLogonPassword() {
-    return Has(m_pConnect, "CSystemSetting::GetAutoLogonPassword") ? m_pConnect->GetAutoLogonPassword() : CString();
+    return Asked("CSystemSetting::GetAutoLogonPassword", m_pConnect, CString(),
+                 [&](auto& store) { return store.GetAutoLogonPassword(); });
 }
 
 int CSystemSetting::SetAutoLogonUser(const CString& username) {
-    return Has(m_pConnect, "CSystemSetting::SetAutoLogonUser") ? m_pConnect->SetAutoLogonUser(username) : 0;
+    return Passed("CSystemSetting::SetAutoLogonUser", m_pConnect, 0,
+                  [&](auto& store) { return store.SetAutoLogonUser(username); });
 }
 
 int CSystemSetting::SetLoginUserName(const char* name) {
@@ -60,25 +81,27 @@ void CSystemSetting::ConnectIfNeeded() {
 }
 
 int CSystemSetting::LogonWithDialog() {
-    if (!Has(m_pConnect, "CSystemSetting::LogonWithDialog")) return 0;
-    ConnectIfNeeded();
-    if (m_pConnect->LogonWithDialog() == 0) {
-        Logoff();
-        return 0;
-    }
-    SetLoginUserName(m_pConnect->GetLogonUsername());
-    return 1;
+    return Passed("CSystemSetting::LogonWithDialog", m_pConnect, 0, [&](auto& store) {
+        ConnectIfNeeded();
+        if (store.LogonWithDialog() == 0) {
+            Logoff();
+            return 0;
+        }
+        SetLoginUserName(store.GetLogonUsername());
+        return 1;
+    });
 }
 
 int CSystemSetting::LogonWithoutDialog(const CString& username, const CString& password) {
-    if (!Has(m_pConnect, "CSystemSetting::LogonWithoutDialog")) return 0;
-    ConnectIfNeeded();
-    if (m_pConnect->Logon(username, password) == 0) {
-        Logoff();
-        return 0;
-    }
-    SetLoginUserName(username);
-    return 1;
+    return Passed("CSystemSetting::LogonWithoutDialog", m_pConnect, 0, [&](auto& store) {
+        ConnectIfNeeded();
+        if (store.Logon(username, password) == 0) {
+            Logoff();
+            return 0;
+        }
+        SetLoginUserName(username);
+        return 1;
+    });
 }
 
 int CSystemSetting::IsLogon() const { return m_nLogon != 0 ? 1 : 0; }
@@ -94,39 +117,45 @@ int CSystemSetting::GetLogonUserManagerFlag() const { return m_nLogon != 0 ? m_L
 int CSystemSetting::GetLogonUserMakerFlag() const { return m_nLogon != 0 ? m_LogonUser.GetMakerFlag() : -1; }
 
 int CSystemSetting::GetUserInfo(const CString& username, CUserInfo* out) const {
-    constexpr const char* kOperation = "CSystemSetting::GetUserInfo";
-    if (!Has(m_pConnect, kOperation)) return 0;
-    return out != nullptr ? m_pConnect->GetUserInfo(username, out) : qel::RefuseNull(kOperation);
+    return Passed("CSystemSetting::GetUserInfo", m_pConnect, 0, [&](auto& store) {
+        return out != nullptr ? store.GetUserInfo(username, out) : qel::RefuseNull(nullptr);
+    });
 }
 
 int CSystemSetting::ReloadUserList() {
-    return Has(m_pConnect, "CSystemSetting::ReloadUserList") ? m_pConnect->ReloadUserList() : 0;
+    return Passed("CSystemSetting::ReloadUserList", m_pConnect, 0, [&](auto& store) { return store.ReloadUserList(); });
 }
 
 int CSystemSetting::GetUserCount() const {
-    return Has(m_pConnect, "CSystemSetting::GetUserCount") ? m_pConnect->GetUserCount() : -1;
+    return Passed("CSystemSetting::GetUserCount", m_pConnect, -1, [&](auto& store) { return store.GetUserCount(); });
 }
 
 CString CSystemSetting::GetUserName(int index) const {
-    return Has(m_pConnect, "CSystemSetting::GetUserName") ? m_pConnect->GetUserName(index) : CString();
+    return Passed("CSystemSetting::GetUserName", m_pConnect, CString(),
+                  [&](auto& store) { return store.GetUserName(index); });
 }
 
 int CSystemSetting::SaveFunctionSecurity(const CUserInfo& user) {
-    return Has(m_pConnect, "CSystemSetting::SaveFunctionSecurity") ? m_pConnect->SaveFunctionSecurity(user) : 0;
+    return Passed("CSystemSetting::SaveFunctionSecurity", m_pConnect, 0,
+                  [&](auto& store) { return store.SaveFunctionSecurity(user); });
 }
 
 int CSystemSetting::AddUserInfo(const CUserInfo& user) {
-    return Has(m_pConnect, "CSystemSetting::AddUserInfo") ? m_pConnect->AddUser(user) : 0;
+    return Passed("CSystemSetting::AddUserInfo", m_pConnect, 0, [&](auto& store) { return store.AddUser(user); });
 }
 
 int CSystemSetting::DeleteUserInfo(const CString& username) {
-    return Has(m_pConnect, "CSystemSetting::DeleteUserInfo") ? m_pConnect->DeleteUser(username) : 0;
+    return Passed("CSystemSetting::DeleteUserInfo", m_pConnect, 0,
+                  [&](auto& store) { return store.DeleteUser(username); });
 }
 
 CString CSystemSetting::GetQELSystemIniPath() {
+    qel::Operation running("CSystemSetting::GetQELSystemIniPath");
     const CPrivateProfile common(R"(HKEY_LOCAL_MACHINE\Software\BRANTEL LABWORKS\Common)",
                                  CPrivateProfile::registryMode);
     CString folder = common.Get(nullptr, "SystemFolder", "");
     if (folder.IsEmpty()) folder = CQFile::GetFolderFromPath(CQFile::GetModuleIniFile(nullptr));
-    return CQFile::BuildFilePath(folder, "sysinfo.ini");
+    CString path = CQFile::BuildFilePath(folder, "sysinfo.ini");
+    running.Ended(true);
+    return path;
 }

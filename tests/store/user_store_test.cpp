@@ -276,6 +276,7 @@ TEST_F(UserStoreTest, AsksThePrompt) {
         EXPECT_EQ(setting.LogonWithDialog(), answer);
         EXPECT_EQ(setting.IsLogon(), answer);
     }
+    EXPECT_STREQ(qel::LastFailure().operation, "CSystemSetting::LogonWithDialog");
     EXPECT_EQ(asked, 7);
 }
 
@@ -290,6 +291,9 @@ TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
              {[&] { return store->Logon("admin", "wrong"); }, Kind::kRefused},
              {[&] { return store->Logon("nobody", "wrong"); }, Kind::kRefused},
              {[&] { return store->LogonWithDialog(); }, Kind::kState},
+             {[&] { return store->GetUserName(1).GetLength(); }, Kind::kMissing},
+             {[&] { return store->GetUserCount(); }, Kind::kNone},
+             {[&] { return UserStore(m_folder.Path("none")).GetUserCount() + 1; }, Kind::kState},
              {[&] { return store->Logon("admin", "first"); }, Kind::kNone},
          }) {
         EXPECT_EQ(operation() == 0, kind != Kind::kNone);

@@ -1,9 +1,12 @@
 #include "qellib10/user/system_setting.h"
 
+#include <functional>
+
 #include "../support/registry_scope.h"
 #include "../support/test.h"
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_file.h"
+#include "qellib10/platform/failure.h"
 
 namespace {
 
@@ -47,6 +50,23 @@ std::string Rights(const CSystemSetting& setting) {
 constexpr const char* kNobody = "0 -1 -1 -1 -1";
 
 }  // namespace
+
+TEST(SystemSetting, ReportsWhatTheStoreRefusesUnderItsOwnName) {
+    Store store;
+    CSystemSetting setting(&store);
+    for (const auto& [operation, reported] : Cases<std::function<int()>, const char*>{
+             {[&] { return setting.LogonWithoutDialog("ann", "no"); }, "CSystemSetting::LogonWithoutDialog"},
+             {[&] { return setting.LogonWithoutDialog("ann", "pw"); }, ""},
+             {[&] { return setting.LogonWithDialog(); }, "CSystemSetting::LogonWithDialog"},
+             {[&] { return setting.GetUserName(0).GetLength(); }, "CSystemSetting::GetUserName"},
+             {[&] { return setting.GetUserCount(); }, ""},
+             {[&] { return setting.DeleteUserInfo("bob"); }, "CSystemSetting::DeleteUserInfo"},
+             {[&] { return setting.IsAutoLogon(); }, ""},
+         }) {
+        EXPECT_EQ(operation() == 0, *reported != '\0') << reported;
+        EXPECT_STREQ(qel::LastFailure().operation, reported);
+    }
+}
 
 TEST(SystemSetting, AFailedLogonEndsTheOneBefore) {
     Store store;
