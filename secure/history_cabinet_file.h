@@ -39,8 +39,10 @@ struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
 ///
 /// @code
 /// CHistoryCabinetFile cabinet;
-/// const bool isThere = CQFile::IsExist("method.hcf") != 0;  // Create would replace it
-/// if (!(isThere ? cabinet.Open("method.hcf", 0) : cabinet.Create("method.hcf"))) return;
+/// if (!cabinet.Open("method.hcf", 0)) {
+///     if (qel::LastFailure().systemError != 2) return;  // it may be there, and Create would empty it
+///     if (!cabinet.Create("method.hcf")) return;
+/// }
 /// if (!cabinet.RegistNewVersion("method.xml")) return;  // qel::LastFailure() says why
 /// if (!cabinet.GetVersionFile(1, "first.xml")) return;  // also 0 when its data do not match their checksums
 /// @endcode
