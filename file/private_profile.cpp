@@ -195,10 +195,10 @@ int CPrivateProfile::Set(const char* section, const char* key, int value) {
 }
 
 int CPrivateProfile::SetDouble(const char* section, const char* key, double value) {
+    qel::Operation running("CPrivateProfile::SetDouble");
     if (IsWholeSection(key) || !std::isfinite(value))
-        return qel::Operation("CPrivateProfile::SetDouble")
-            .Failed(FailureKind::kArgument, key != nullptr ? key : "", "no key, or no number");
-    return Set(section, key, qel::NumberText(value));
+        return running.Failed(FailureKind::kArgument, key != nullptr ? key : "", "no key, or no number");
+    return running.Ended(Set(section, key, qel::NumberText(value)));
 }
 
 int CPrivateProfile::SetDouble(const char* section, int key, double value) {
@@ -245,11 +245,12 @@ int CPrivateProfile::Get(const char* section, const char* key, int defaultValue)
 }
 
 double CPrivateProfile::GetDouble(const char* section, const char* key, double defaultValue) const {
+    qel::Operation running("CPrivateProfile::GetDouble");
     if (IsWholeSection(key)) {
-        qel::Operation(kGet).Failed(FailureKind::kArgument, "", "no key");
+        running.Failed(FailureKind::kArgument, "", "no key");
         return defaultValue;
     }
-    return OrWithoutMemory(defaultValue, [&] {
+    const double number = OrWithoutMemory(defaultValue, [&] {
         const auto numberIn = [&](std::string_view text) {
             return OrRefused(qel::ReadNumber(text), defaultValue, key);
         };
@@ -262,6 +263,8 @@ double CPrivateProfile::GetDouble(const char* section, const char* key, double d
         const std::optional<int> stored = IntIn(value);
         return stored ? *stored : numberIn(TextIn(value).value_or(""));
     });
+    running.TakeOver();
+    return number;
 }
 
 double CPrivateProfile::GetDouble(const char* section, int key, double defaultValue) const {

@@ -59,9 +59,9 @@ void CQFile::Close() {
 }
 
 int CQFile::CloseTo(const char* target) {
-    m_nDeleteOnClose = 0;
-    if (!IsOpen()) return 1;
     qel::Operation operation("CQFile::CloseTo");
+    m_nDeleteOnClose = 0;
+    if (!IsOpen()) return operation.Ended(1);
     CString name;
     const bool copied = qel::Succeeds([&] {
         name = GetFilePath();
@@ -74,16 +74,16 @@ int CQFile::CloseTo(const char* target) {
 }
 
 int CQFile::CloseToDestroy() {
+    qel::Operation operation("CQFile::CloseToDestroy");
     m_nDeleteOnClose = 0;
-    if (!IsOpen()) return 1;
-    const bool deleted = qel::Succeeds("CQFile::CloseToDestroy", [&] {
+    if (!IsOpen()) return operation.Ended(1);
+    const bool deleted = qel::Succeeds([&] {
         const CString name = GetFilePath();
         Abort();
         qel::DeleteFile(name.View());
     });
-    if (deleted) return 1;
-    m_dwLastError = errorDelete;
-    return 0;
+    if (!deleted) m_dwLastError = errorDelete;
+    return operation.Ended(deleted ? 1 : 0);
 }
 
 CString CQFile::GetErrorMessage(DWORD) { return CString(qel::FromUtf8("不明なエラーです。")); }

@@ -25,8 +25,8 @@
 ///
 /// CFile's operations throw what CFile throws, and so do Close, WriteFromFile and ReadToFile. Nothing else throws,
 /// except that operations which return a text throw std::bad_alloc: a caller could not distinguish an empty text from a
-/// name. An int is 1 on success and 0 on failure unless stated, also when memory runs out; a text is empty on failure.
-/// qel::LastFailure says why. Destroying an open temporary file leaves it on the disk.
+/// name. An int is 1 on success and 0 on failure, also when memory runs out, and a text is empty on failure, both
+/// unless stated; qel::LastFailure says why. Destroying an open temporary file leaves it on the disk.
 ///
 /// Opening and closing is in q_file.cpp, checksums, search and comparison in q_file_content.cpp, WriteFromFile and
 /// ReadToFile in q_file_copy.cpp, folders and moves in q_file_folder.cpp, names in q_file_path.cpp, places of the
@@ -136,6 +136,7 @@ public:
     static CString GetModuleFilePath(HINSTANCE module);
     static CString GetModuleFolder(HINSTANCE module);
     /// The same file's path with the extension of its name, if it has one, replaced by `.ini`.
+    /// @return `.ini` alone, the name of no module's file, if no module has this address; qel::LastFailure says so
     static CString GetModuleIniFile(HINSTANCE module);
     /// The folder of programs started with the user's session; with everybody's if @p common is not 0 and the system
     /// has one.

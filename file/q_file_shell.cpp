@@ -90,4 +90,7 @@ int CQFile::GetVersionInfo(const char* file, const char* key, CString* value) {
     });
 }
 
-int CQFile::GetFileVersion(const char* file, CString* value) { return GetVersionInfo(file, "FileVersion", value); }
+int CQFile::GetFileVersion(const char* file, CString* value) {
+    qel::Operation running("CQFile::GetFileVersion");
+    return running.Ended(GetVersionInfo(file, "FileVersion", value));
+}

@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "qellib10/graph/qel_graph.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/print/queue_data.h"
 
 namespace {
@@ -40,12 +41,14 @@ private:
 }  // namespace
 
 int CQelGraph::GetPrintJob(CQelPrintJobQueueData* job, const CRect& rect, CDC* dc) {
-    if (job == nullptr) return 0;
+    qel::Operation running("CQelGraph::GetPrintJob");
+    if (job == nullptr) return running.Failed(qel::FailureKind::kArgument, "", "a null pointer");
     const Attachment attachment(m_pPrintJob, job);
     std::optional<Printer> printer;
     if (dc == nullptr) dc = printer.emplace(job->GetPageStyle()).Surface();
-    if (dc == nullptr) return 0;
+    if (dc == nullptr) return running.Ended(0);
     SetDrawSize(rect.Width(), rect.Height());
     GraphDraw(dc, rect.left, rect.top);
+    running.Ended(true);
     return 0;
 }

@@ -126,7 +126,7 @@ int CQelPrintJobPageStyle::ConvertMillimetreToPixel(CPoint& point) const {
 int CQelPrintJobPageStyle::SelectPrinter() {
     return qel::AsResult("CQelPrintJobPageStyle::SelectPrinter", [&] {
         CPrintDialog dialog(0, PD_ALLPAGES | PD_NOPAGENUMS | PD_NOSELECTION | PD_HIDEPRINTTOFILE | PD_USEDEVMODECOPIES);
-        if (dialog.DoModal() != IDOK) return qel::Refuse(qel::FailureKind::kRefused, "", "cancelled");
+        if (dialog.DoModal() != IDOK) return 0;
         m_SelectedPrinterDC.Reset();
         m_szPrinterDevice = dialog.GetDeviceName();
         m_szPrinterDriverName = dialog.GetDriverName();

@@ -1,9 +1,14 @@
 #include "qellib10/runtime/memory_mapped_file.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <span>
+#include <string_view>
 #include <thread>
 #include <utility>
 
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/sync/handle.h"
 #include "qellib10/platform/sync/last_error.h"
@@ -12,10 +17,41 @@
 
 namespace {
 
+using qel::FailureKind;
+
 constexpr DWORD kMapWrite = 2;
 
 // Between two attempts to get a mutex that the system refuses.
 constexpr std::chrono::milliseconds kPause{10};
+
+constexpr std::string_view kNotOpen = "no block is open";
+
+struct Cause {
+    DWORD code;
+    FailureKind kind;
+    std::string_view text;
+};
+constexpr std::array kNotOpened = {
+    Cause{qel::kFolderMissing, FailureKind::kArgument, "a backslash in the name"},
+    Cause{qel::kBadHandle, FailureKind::kArgument, "an empty name, or that of a mutex"},
+    Cause{qel::kOutOfMemory, FailureKind::kMemory, "out of memory"},
+    Cause{qel::kBadParameter, FailureKind::kArgument, "no name, or no size for a new block"},
+    Cause{qel::kPathTooLong, FailureKind::kArgument, "the name is too long"},
+};
+constexpr std::array kNotMapped = {
+    Cause{qel::kAccessDenied, FailureKind::kArgument, "more bytes than the block has"},
+    Cause{qel::kBadHandle, FailureKind::kState, kNotOpen},  // a parent's, in its child
+    Cause{qel::kOutOfMemory, FailureKind::kMemory, "out of memory"},
+    Cause{qel::kFileAltered, FailureKind::kFile, "another program has cut the block"},
+};
+
+// The operation on the block of that name ends by the system's last error.
+void FailedByLastError(qel::Operation& operation, std::string_view name, std::span<const Cause> causes) {
+    const DWORD code = qel::LastError();
+    const auto known = std::ranges::find(causes, code, &Cause::code);
+    const Cause cause = known != causes.end() ? *known : Cause{code, FailureKind::kFile, "refused by the system"};
+    operation.Failed(cause.kind, name, cause.text, static_cast<long>(code));
+}
 
 }  // namespace
 
@@ -25,6 +61,7 @@ CMemoryMappedFile::~CMemoryMappedFile() {
 }
 
 int CMemoryMappedFile::Open(DWORD access, const char* name, DWORD size) {
+    qel::Operation operation("CMemoryMappedFile::Open");
     const auto open = [&] {
         CString kept(name);
         if (!IsOpen()) m_hMapping = qel::OpenSharedMemory(name);
@@ -36,7 +73,8 @@ int CMemoryMappedFile::Open(DWORD access, const char* name, DWORD size) {
     };
     const bool isOpen = qel::RunWithLastError(open, false);
     m_nLastError = isOpen ? 0 : qel::LastError();
-    return isOpen ? 1 : 0;
+    if (!isOpen) FailedByLastError(operation, name != nullptr ? name : "", kNotOpened);
+    return operation.Ended(isOpen ? 1 : 0);
 }
 
 void CMemoryMappedFile::Close() {
@@ -44,11 +82,13 @@ void CMemoryMappedFile::Close() {
 }
 
 void* CMemoryMappedFile::GetDataPtr(DWORD access, DWORD size) {
-    if (!IsOpen()) return nullptr;
+    qel::Operation operation("CMemoryMappedFile::GetDataPtr");
+    if (!IsOpen()) return operation.Ended(nullptr, FailureKind::kState, kNotOpen);
     if (m_pView != nullptr) GetDataPtrUnmap();
     m_pView = qel::MapView(m_hMapping, (access & kMapWrite) != 0, size);
     m_nLastError = qel::LastError();
-    return m_pView;
+    if (m_pView == nullptr) FailedByLastError(operation, m_szName.View(), kNotMapped);
+    return operation.Ended(m_pView);
 }
 
 void CMemoryMappedFile::GetDataPtrUnmap() {
@@ -56,10 +96,11 @@ void CMemoryMappedFile::GetDataPtrUnmap() {
 }
 
 int CMemoryMappedFile::SetData(void* /*data*/, DWORD /*size*/, DWORD* written) {
-    if (!IsOpen()) return 0;
+    qel::Operation operation("CMemoryMappedFile::SetData");
+    if (!IsOpen()) return operation.Failed(FailureKind::kState, "", kNotOpen);
     if (written != nullptr) *written = 0;
     m_nLastError = qel::kBadHandle;
-    return 0;
+    return operation.Failed(FailureKind::kState, m_szName.View(), "only written through its view", m_nLastError);
 }
 
 CAutoLockedMemoryMappedFile::~CAutoLockedMemoryMappedFile() {
@@ -68,12 +109,17 @@ CAutoLockedMemoryMappedFile::~CAutoLockedMemoryMappedFile() {
 }
 
 void* CAutoLockedMemoryMappedFile::GetDataPtr(DWORD access, DWORD size) {
+    qel::Operation operation("CAutoLockedMemoryMappedFile::GetDataPtr");
     GetDataPtrUnmap();
     // From here on the base has no view, so it does not unmap, which would release the lock.
-    if (!IsOpen() || !TakeLock()) return nullptr;
+    if (!IsOpen()) return operation.Ended(nullptr, FailureKind::kState, kNotOpen);
+    if (!TakeLock()) {
+        FailedByLastError(operation, GetName().View(), kNotOpened);
+        return nullptr;
+    }
     void* view = CMemoryMappedFile::GetDataPtr(access, size);
     if (view == nullptr) GetDataPtrUnmap();
-    return view;
+    return operation.Ended(view);
 }
 
 void CAutoLockedMemoryMappedFile::GetDataPtrUnmap() {

@@ -33,8 +33,8 @@ QELLIB10_API bool WasAbandoned(const CAutoLockedMemoryMappedFile& block) noexcep
 /// their views stay mapped in it.
 ///
 /// Copies share the handle and the view, which are not duplicated: the first of them to close or unmap does it for all,
-/// and for the others these operations fail without harm. Nothing is thrown; copying may throw std::bad_alloc. One
-/// thread at a time.
+/// and for the others these operations fail without harm. qel::LastFailure, too, has the reason of each 0 and null.
+/// Nothing is thrown; copying may throw std::bad_alloc. One thread at a time.
 class QELLIB10_API CMemoryMappedFile {
 public:
     CMemoryMappedFile() = default;

@@ -1,6 +1,7 @@
 #include "qellib10/platform/drawing/dc.h"
 
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "qellib10/platform/drawing/device_context.h"
@@ -18,10 +19,11 @@ CString TextOf(const char* text, int length) {
 int KindOf(const CRect& clip) { return clip.IsRectEmpty() ? NULLREGION : SIMPLEREGION; }
 
 // A step of a document, which is above 0 when it succeeds; what no one gave a reason for came out of turn.
-template <class Body> int Step(const char* name, const std::shared_ptr<qel::DeviceContext>& output, Body&& body) {
+template <class Body> int Step(const char* name, const std::shared_ptr<qel::DeviceContext>& output, Body&& body,
+                               std::string_view outOfTurn = "not the next step of a document") {
     qel::Operation operation(name);
     const int result = output ? body() : -1;
-    operation.Ended(result > 0, qel::FailureKind::kState, "not the next step of a document");
+    operation.Ended(result > 0, qel::FailureKind::kState, outOfTurn);
     return result;
 }
 
@@ -352,8 +354,12 @@ void CDC::InvertRect(const RECT* rect) {
 }
 
 BOOL CDC::BitBlt(int x, int y, int width, int height, CDC* source, int sourceX, int sourceY, DWORD operation) {
-    if (!m_pOutput || source == nullptr || !source->m_pOutput || operation != SRCCOPY) return 0;
-    return m_pOutput->Copy({x, y}, {width, height}, *source->m_pOutput, {sourceX, sourceY});
+    qel::Operation running("CDC::BitBlt");
+    if (source == nullptr || operation != SRCCOPY)
+        return running.Failed(qel::FailureKind::kArgument, "", "no source, or not a copy");
+    if (!m_pOutput || !source->m_pOutput) return running.Failed(qel::FailureKind::kState, "", "no device context");
+    const BOOL isCopied = m_pOutput->Copy({x, y}, {width, height}, *source->m_pOutput, {sourceX, sourceY});
+    return running.Ended(isCopied, qel::FailureKind::kState, "the source has no pixels");
 }
 
 COLORREF CDC::GetPixel(int x, int y) const {
@@ -429,4 +435,7 @@ int CDC::EndDoc() {
     return Step("CDC::EndDoc", m_pOutput, [&] { return m_pOutput->Flushed().EndDoc(); });
 }
 
-int CDC::AbortDoc() { return m_pOutput ? m_pOutput->Flushed().AbortDoc() : -1; }
+int CDC::AbortDoc() {
+    return Step(
+        "CDC::AbortDoc", m_pOutput, [&] { return m_pOutput->Flushed().AbortDoc(); }, "no document is open");
+}

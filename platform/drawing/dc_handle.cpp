@@ -2,16 +2,18 @@
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/device_context.h"
 #include "qellib10/platform/drawing/screen.h"
+#include "qellib10/platform/operation.h"
 
 HDC CreateCompatibleDC(HDC dc) {
+    qel::Operation operation("CreateCompatibleDC");
     SIZE dotsPerInch{qel::kScreenDotsPerInch, qel::kScreenDotsPerInch};
     if (dc != nullptr) {
         const auto model = qel::FindDeviceContext(dc);
-        if (!model) return nullptr;
+        if (!model) return operation.Ended(nullptr, qel::FailureKind::kArgument, "not a device context");
         dotsPerInch = {model->DeviceCaps(LOGPIXELSX), model->DeviceCaps(LOGPIXELSY)};
     }
-    return qel::AddDeviceContext(
-        std::make_shared<qel::DeviceContext>(std::make_unique<qel::BitmapSurface>(dotsPerInch)));
+    return operation.Ended(
+        qel::AddDeviceContext(std::make_shared<qel::DeviceContext>(std::make_unique<qel::BitmapSurface>(dotsPerInch))));
 }
 
 BOOL DeleteDC(HDC dc) { return qel::RemoveDeviceContext(dc); }

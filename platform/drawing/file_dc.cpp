@@ -77,10 +77,11 @@ HDC CreateCairoDC(cairo_t* cairo, const CSize& size, int dotsPerInch) {
 }
 
 BOOL FlushDC(HDC dc) {
+    Operation operation("qel::FlushDC");
     const auto context = FindDeviceContext(dc);
-    if (!context) return 0;
+    if (!context) return operation.Failed(FailureKind::kArgument, "", "not a device context");
     context->Flushed();
-    return 1;
+    return operation.Ended(1);
 }
 
 }  // namespace qel

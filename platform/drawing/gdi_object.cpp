@@ -13,6 +13,8 @@
 namespace qel {
 namespace {
 
+constexpr std::string_view kHasHandle = "it has a handle already", kNull = "a null pointer";
+
 constexpr bool IsDepth(UINT bitsPixel) {
     return bitsPixel == 1 || bitsPixel == 4 || bitsPixel == 8 || bitsPixel == 16 || bitsPixel == 24 || bitsPixel == 32;
 }
@@ -36,10 +38,11 @@ template <class Object, class Record> BOOL Describe(HGDIOBJ handle, Record* reco
     return 1;
 }
 
-BOOL TakeOwnership(CGdiObject& owner, HGDIOBJ made) {
-    if (owner.Attach(made)) return 1;
-    RemoveDrawingObject(made);
-    return 0;
+// An operation that makes an object for @p owner, which must have none.
+template <class Object> BOOL Make(const char* operation, CGdiObject& owner, Object&& object) {
+    Operation running(operation);
+    if (owner.GetSafeHandle() != nullptr) return running.Failed(FailureKind::kState, "", kHasHandle);
+    return running.Ended(owner.Attach(AddDrawingObject(std::forward<Object>(object))));
 }
 
 }  // namespace
@@ -48,10 +51,12 @@ BOOL TakeOwnership(CGdiObject& owner, HGDIOBJ made) {
 CGdiObject::~CGdiObject() { DeleteObject(); }
 
 BOOL CGdiObject::Attach(HGDIOBJ object) {
-    if (m_hObject != nullptr || object == nullptr) return 0;
+    if (object == nullptr) return 0;
+    qel::Operation running("CGdiObject::Attach");
+    if (m_hObject != nullptr) return running.Failed(qel::FailureKind::kState, "", qel::kHasHandle);
     m_hObject = object;
     qel::SetOwner(object, this);
-    return 1;
+    return running.Ended(1);
 }
 
 HGDIOBJ CGdiObject::Detach() {
@@ -62,42 +67,46 @@ HGDIOBJ CGdiObject::Detach() {
 BOOL CGdiObject::DeleteObject() { return m_hObject != nullptr && ::DeleteObject(Detach()); }
 
 BOOL CGdiObject::CreateStockObject(int number) {
+    qel::Operation running("CGdiObject::CreateStockObject");
     const HGDIOBJ stock = GetStockObject(number);
-    if (m_hObject != nullptr || stock == nullptr) return 0;
+    if (stock == nullptr) return running.Failed(qel::FailureKind::kArgument, "", "no stock object has this number");
+    if (m_hObject != nullptr) return running.Failed(qel::FailureKind::kState, "", qel::kHasHandle);
     m_hObject = stock;
-    return 1;
+    return running.Ended(1);
 }
 
 int CGdiObject::GetObject(int size, void* record) const { return ::GetObject(m_hObject, size, record); }
 
 BOOL CPen::CreatePen(int style, int width, COLORREF color) {
-    return qel::TakeOwnership(*this, qel::AddDrawingObject(qel::PenObject{style, width, color}));
+    return qel::Make("CPen::CreatePen", *this, qel::PenObject{style, width, color});
 }
 
 BOOL CPen::CreatePenIndirect(const LOGPEN* pen) {
-    return pen != nullptr && CreatePen(static_cast<int>(pen->lopnStyle), pen->lopnWidth.x, pen->lopnColor);
+    qel::Operation running("CPen::CreatePenIndirect");
+    const bool isMade = pen != nullptr && CreatePen(static_cast<int>(pen->lopnStyle), pen->lopnWidth.x, pen->lopnColor);
+    return running.Ended(isMade, qel::FailureKind::kArgument, qel::kNull);
 }
 
 BOOL CPen::GetLogPen(LOGPEN* pen) const { return qel::Describe<qel::PenObject>(m_hObject, pen); }
 
 BOOL CBrush::CreateSolidBrush(COLORREF color) {
-    const LOGBRUSH brush{BS_SOLID, color, 0};
-    return CreateBrushIndirect(&brush);
+    return qel::Make("CBrush::CreateSolidBrush", *this, qel::BrushObject{{BS_SOLID, color, 0}});
 }
 
 BOOL CBrush::CreateHatchBrush(int hatch, COLORREF color) {
-    const LOGBRUSH brush{BS_HATCHED, color, hatch};
-    return CreateBrushIndirect(&brush);
+    return qel::Make("CBrush::CreateHatchBrush", *this, qel::BrushObject{{BS_HATCHED, color, hatch}});
 }
 
 BOOL CBrush::CreateBrushIndirect(const LOGBRUSH* brush) {
-    return brush != nullptr && qel::TakeOwnership(*this, qel::AddDrawingObject(qel::BrushObject{*brush}));
+    constexpr const char* kOperation = "CBrush::CreateBrushIndirect";
+    return brush != nullptr ? qel::Make(kOperation, *this, qel::BrushObject{*brush}) : qel::RefuseNull(kOperation);
 }
 
 BOOL CBrush::GetLogBrush(LOGBRUSH* brush) const { return qel::Describe<qel::BrushObject>(m_hObject, brush); }
 
 BOOL CFont::CreateFontIndirect(const LOGFONT* font) {
-    return font != nullptr && qel::TakeOwnership(*this, qel::AddDrawingObject(qel::FontObject{*font}));
+    constexpr const char* kOperation = "CFont::CreateFontIndirect";
+    return font != nullptr ? qel::Make(kOperation, *this, qel::FontObject{*font}) : qel::RefuseNull(kOperation);
 }
 
 BOOL CFont::CreateFont(int height, int width, int escapement, int orientation, int weight, BYTE italic, BYTE underline,
@@ -106,7 +115,7 @@ BOOL CFont::CreateFont(int height, int width, int escapement, int orientation, i
     LOGFONT font{height,    width,   escapement,   orientation,   weight,  italic,         underline,
                  strikeOut, charSet, outPrecision, clipPrecision, quality, pitchAndFamily, {}};
     if (face != nullptr) qel::CopyBounded(font.lfFaceName, face, LF_FACESIZE - 1);
-    return CreateFontIndirect(&font);
+    return qel::Make("CFont::CreateFont", *this, qel::FontObject{font});
 }
 
 BOOL CFont::GetLogFont(LOGFONT* font) const { return qel::Describe<qel::FontObject>(m_hObject, font); }
@@ -114,11 +123,13 @@ BOOL CFont::GetLogFont(LOGFONT* font) const { return qel::Describe<qel::FontObje
 BOOL CRgn::CreateRectRgn(int left, int top, int right, int bottom) {
     CRect box(left, top, right, bottom);
     box.NormalizeRect();
-    return qel::TakeOwnership(*this, qel::AddDrawingObject(qel::RegionObject{box}));
+    return qel::Make("CRgn::CreateRectRgn", *this, qel::RegionObject{box});
 }
 
 BOOL CRgn::CreateRectRgnIndirect(const RECT* rect) {
-    return rect != nullptr && CreateRectRgn(rect->left, rect->top, rect->right, rect->bottom);
+    qel::Operation running("CRgn::CreateRectRgnIndirect");
+    const bool isMade = rect != nullptr && CreateRectRgn(rect->left, rect->top, rect->right, rect->bottom);
+    return running.Ended(isMade, qel::FailureKind::kArgument, qel::kNull);
 }
 
 int CRgn::GetRgnBox(RECT* box) const {
@@ -134,11 +145,14 @@ BOOL CRgn::PtInRegion(const POINT& point) const {
 }
 
 BOOL CBitmap::CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {
-    return qel::TakeOwnership(*this, ::CreateBitmap(width, height, planes, bitsPixel, bits));
+    qel::Operation running("CBitmap::CreateBitmap");
+    if (m_hObject != nullptr) return running.Failed(qel::FailureKind::kState, "", qel::kHasHandle);
+    return running.Ended(Attach(::CreateBitmap(width, height, planes, bitsPixel, bits)));
 }
 
 BOOL CBitmap::CreateCompatibleBitmap(CDC*, int width, int height) {
-    return CreateBitmap(width, height, 1, 32, nullptr);
+    qel::Operation running("CBitmap::CreateCompatibleBitmap");
+    return running.Ended(CreateBitmap(width, height, 1, 32, nullptr));
 }
 
 BOOL CBitmap::GetBitmap(BITMAP* description) const { return qel::Describe<qel::BitmapObject>(m_hObject, description); }
@@ -154,22 +168,30 @@ std::span<std::byte> SettledBytes(const CBitmap& bitmap) {
     return std::as_writable_bytes(std::span(pixels.Row(0), count));
 }
 
+// The first @p size bytes, or all that there are, for a copy to or from @p bits; none when the operation fails.
+std::span<std::byte> BytesToCopy(const char* operation, const CBitmap& bitmap, DWORD size, const void* bits) {
+    qel::Operation running(operation);
+    const auto bytes = SettledBytes(bitmap);
+    if (bytes.empty()) {
+        running.Failed(qel::FailureKind::kState, "", "no bitmap");
+        return {};
+    }
+    running.Ended(bits != nullptr, qel::FailureKind::kArgument, qel::kNull);
+    return bits != nullptr ? bytes.first(std::min<std::size_t>(size, bytes.size())) : std::span<std::byte>();
+}
+
 }  // namespace
 
 DWORD CBitmap::GetBitmapBits(DWORD size, void* bits) const {
-    const auto bytes = SettledBytes(*this);
-    if (bits == nullptr || bytes.empty()) return 0;
-    const std::size_t copied = std::min<std::size_t>(size, bytes.size());
-    std::memcpy(bits, bytes.data(), copied);
-    return static_cast<DWORD>(copied);
+    const auto bytes = BytesToCopy("CBitmap::GetBitmapBits", *this, size, bits);
+    std::ranges::copy(bytes, static_cast<std::byte*>(bits));
+    return static_cast<DWORD>(bytes.size());
 }
 
 DWORD CBitmap::SetBitmapBits(DWORD size, const void* bits) {
-    const auto bytes = SettledBytes(*this);
-    if (bits == nullptr || bytes.empty()) return 0;
-    const std::size_t copied = std::min<std::size_t>(size, bytes.size());
-    std::memcpy(bytes.data(), bits, copied);
-    return static_cast<DWORD>(copied);
+    const auto bytes = BytesToCopy("CBitmap::SetBitmapBits", *this, size, bits);
+    std::copy_n(static_cast<const std::byte*>(bits), bytes.size(), bytes.begin());
+    return static_cast<DWORD>(bytes.size());
 }
 
 HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bitsPixel, const void* bits) {

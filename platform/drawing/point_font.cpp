@@ -3,6 +3,7 @@
 
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/screen.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/text/multibyte.h"
 
 BOOL CFont::CreatePointFont(int tenths, const char* face, CDC* dc) {
@@ -10,11 +11,13 @@ BOOL CFont::CreatePointFont(int tenths, const char* face, CDC* dc) {
     font.lfHeight = tenths;
     font.lfCharSet = DEFAULT_CHARSET;
     if (face != nullptr) qel::CopyBounded(font.lfFaceName, face, LF_FACESIZE - 1);
-    return CreatePointFontIndirect(&font, dc);
+    qel::Operation running("CFont::CreatePointFont");
+    return running.Ended(CreatePointFontIndirect(&font, dc));
 }
 
 BOOL CFont::CreatePointFontIndirect(const LOGFONT* font, CDC* dc) {
-    if (font == nullptr) return 0;
+    qel::Operation running("CFont::CreatePointFontIndirect");
+    if (font == nullptr) return running.Failed(qel::FailureKind::kArgument, "", "a null pointer");
     LOGFONT inUnits = *font;
     const bool isScreen = dc == nullptr || dc->GetDeviceCaps(LOGPIXELSY) < 1;
     const int dotsPerInch = isScreen ? qel::kScreenDotsPerInch : dc->GetDeviceCaps(LOGPIXELSY);
@@ -24,5 +27,5 @@ BOOL CFont::CreatePointFontIndirect(const LOGFONT* font, CDC* dc) {
     }
     const LONGLONG height = LONGLONG{size[0].y} - size[1].y;
     inUnits.lfHeight = static_cast<LONG>(-std::min<LONGLONG>(std::abs(height), 0x7FFFFFFF));
-    return CreateFontIndirect(&inUnits);
+    return running.Ended(CreateFontIndirect(&inUnits));
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <string_view>
 
 #include "qellib10/platform/operation.h"
 #include "qellib10/platform/printing/print_info.h"
@@ -30,10 +31,15 @@ CPrintDialog::CPrintDialog(BOOL setupOnly, DWORD flags, HWND parent)
 CPrintDialog::~CPrintDialog() = default;
 
 int CPrintDialog::DoModal() {
+    qel::Operation running("CPrintDialog::DoModal");
+    const auto refused = [&](qel::FailureKind kind, std::string_view why) {
+        running.Failed(kind, "", why);
+        return IDCANCEL;
+    };
     qel::PrintDialogProvider* const provider = theProvider.load();
-    if (provider == nullptr) return IDCANCEL;
+    if (provider == nullptr) return refused(qel::FailureKind::kState, "the application has no print dialog");
     const auto choice = provider->Choose({m_hParent, m_dwFlags, m_szDevice, m_mode});
-    if (!choice || choice->device.IsEmpty()) return IDCANCEL;
+    if (!choice || choice->device.IsEmpty()) return refused(qel::FailureKind::kRefused, "cancelled");
     if (!SelectPrinter(choice->device, choice->mode ? &*choice->mode : nullptr)) {
         m_szDevice = choice->device;
         m_szDriver.Empty();
@@ -41,13 +47,13 @@ int CPrintDialog::DoModal() {
         m_mode = choice->mode;
         m_hDC = nullptr;
     }
-    return IDOK;
+    return running.Ended(IDOK);
 }
 
 BOOL CPrintDialog::GetDefaults() {
+    qel::Operation operation("CPrintDialog::GetDefaults");
     const auto printers = qel::ListPrinters();
     const auto found = std::ranges::find_if(printers, &qel::PrinterEntry::isDefault);
-    qel::Operation operation("CPrintDialog::GetDefaults");
     return operation.Ended(found != printers.end() && SelectPrinter(found->name));
 }
 
@@ -64,7 +70,8 @@ BOOL CPrintDialog::SelectPrinter(const char* device, const DEVMODE* mode) {
 }
 
 HDC CPrintDialog::CreatePrinterDC() {
-    return m_hDC = CreateDC(m_szDriver, m_szDevice, m_szPort, m_mode ? &*m_mode : nullptr);
+    qel::Operation running("CPrintDialog::CreatePrinterDC");
+    return m_hDC = running.Ended(CreateDC(m_szDriver, m_szDevice, m_szPort, m_mode ? &*m_mode : nullptr));
 }
 
 CPrintInfo::CPrintInfo() : m_pPD(new CPrintDialog(0)) {}

@@ -8,6 +8,7 @@
 #include "qellib10/file/check_datafile.h"
 #include "qellib10/file/private_profile.h"
 #include "qellib10/graph/back_buffer_dc.h"
+#include "qellib10/graph/qel_graph.h"
 #include "qellib10/platform/archive/archive_exception.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/drawing/file_dc.h"
@@ -16,6 +17,7 @@
 #include "qellib10/platform/failure.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/print/document_data.h"
+#include "qellib10/runtime/memory_mapped_file.h"
 #include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"
 #include "qellib10/user/system_setting.h"
@@ -148,7 +150,40 @@ TEST_F(Failures, OfFilesReportFileAndCause) {
          "file: CQFile::DeleteShortcut: none.lnk: file not found (2)"},
         {[&] { return CQFile::GetVersionInfo(a, "FileVersion", &text); },
          "missing: CQFile::GetVersionInfo: a: no such version text"},
+        {[&] { return CQFile::GetFileVersion(a, &text); }, "missing: CQFile::GetFileVersion: a: no such version text"},
+        {[&] { return CQFile().CreateTempFile("a/b", 1); }, "file: CQFile::CreateTempFile: a/b: bad path (123)"},
+        {[] { return CQFile::DelTree(""); }, "file: CQFile::DelTree: bad path (3)"},
+        {[] { return CQFile::DeleteFiles("\\proc\\self\\status"); },
+         "file: CQFile::DeleteFiles: status: access denied (5)"},
+        {[&] { return On("a", [&](CQFile* file) { return file->CloseTo(b + "\\x"); }); },
+         "file: CQFile::CloseTo: x: bad path (3)"},
+        {[&] { return CQFile::GetModuleFolder(&number).GetLength(); },
+         "missing: CQFile::GetModuleFolder: no module has this address"},
+        {[&] { return CQFile::GetModuleIniFile(&number) == ".ini" ? 0 : 1; },
+         "missing: CQFile::GetModuleIniFile: no module has this address"},
     });
+    EXPECT_EQ(CQFile().CloseTo(b), 1);
+    EXPECT_EQ(Reported(), "none");
+}
+
+TEST_F(Failures, OfSharedBlocksReportNameAndNumber) {
+    CMemoryMappedFile closed, block;
+    CAutoLockedMemoryMappedFile locked;
+    ASSERT_EQ(Line({block.Open(6, "last failure", 8), locked.Open(6, "last failure", 8)}), "1 1");
+    const auto map = [](CMemoryMappedFile& mapped) { return mapped.GetDataPtr(4, 1 << 20) != nullptr; };
+    EachReports({
+        {[&] { return closed.Open(6, "last\\failure", 8); },
+         "argument: CMemoryMappedFile::Open: failure: a backslash in the name (3)"},
+        {[&] { return map(closed); }, "state: CMemoryMappedFile::GetDataPtr: no block is open"},
+        {[&] { return map(block); },
+         "argument: CMemoryMappedFile::GetDataPtr: last failure: more bytes than the block has (5)"},
+        {[&] { return map(locked); },
+         "argument: CAutoLockedMemoryMappedFile::GetDataPtr: last failure: more bytes than the block has (5)"},
+        {[&] { return block.SetData(nullptr, 0, nullptr); },
+         "state: CMemoryMappedFile::SetData: last failure: only written through its view (6)"},
+    });
+    EXPECT_NE(locked.GetDataPtr(4, 0), nullptr);
+    EXPECT_EQ(Reported(), "none");
 }
 
 TEST_F(Failures, OfSealsReportWhatIsWrongWithTheSeal) {
@@ -301,7 +336,8 @@ TEST_F(Failures, OfSettingsReportEntryAndPlace) {
         {[&] { return keys.GetAllStrings("s", list); }, "state: CPrivateProfile::GetAllStrings: only of an INI file"},
         {[&] { return keys.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: none: no such key or value (2)"},
         {[&] { return keys.Get("s", "k", 0); }, "data: CPrivateProfile::Get: k: not a value of this type"},
-        {[&] { return ini.GetDouble("s", "k", 0) > 0; }, "data: CPrivateProfile::Get: k: not a value of this type"},
+        {[&] { return ini.GetDouble("s", "k", 0) > 0; },
+         "data: CPrivateProfile::GetDouble: k: not a value of this type"},
         {[&] { return nowhere.Get("s", "k", 0); }, "state: CPrivateProfile::Get: no profile is open"},
         {[&] { return keys.Delete("none"); }, "missing: CPrivateProfile::Delete: none: no such key or value (2)"},
         {[&] { return keys.Restore(".none"); },
@@ -330,6 +366,15 @@ TEST_F(Failures, OfJobsPicturesAndPrintersReportFileAndPrinter) {
     HANDLE printer = nullptr;
     CDC paper;
     ASSERT_TRUE(paper.CreateDC(nullptr, "PDF", nullptr, nullptr));
+    CBackBufferDC back;
+    ASSERT_EQ(back.Create(1, 1, nullptr), 1);
+    CPoint point;
+    CQelPrintJobPageStyle style;
+    style.SetPrinterDevice("none");
+    CQelPrintJobQueueData styled;
+    styled.GetPageStyle() = style;
+    CQelGraph graph;
+    CPrintDialog dialog(0);
     const CString nowhere = Path("no") + "\\x";
     const auto isNull = [](HDC dc) { return dc == nullptr ? 0 : 1; };
     const auto step = [](int result) { return result > 0 ? 1 : 0; };
@@ -358,8 +403,19 @@ TEST_F(Failures, OfJobsPicturesAndPrintersReportFileAndPrinter) {
          "state: CDC::CreateDC: it has a device context already"},
         {[&] { return CDC().CreateDC(nullptr, "none", nullptr, nullptr); },
          "printer: CDC::CreateDC: none: the print server does not answer"},
-        {[&] { return bitmap.CreateBitmap(0, 1, 1, 32, nullptr); },
-         "argument: CreateBitmap: a size that no bitmap has"},
+        {[&] { return CBitmap().CreateBitmap(0, 1, 1, 32, nullptr); },
+         "argument: CBitmap::CreateBitmap: a size that no bitmap has"},
+        {[&] { return bitmap.CreateBitmap(1, 1, 1, 32, nullptr); },
+         "state: CBitmap::CreateBitmap: it has a handle already"},
+        {[&] { return static_cast<int>(CBitmap().GetBitmapBits(4, &thePrinterNeeds)); },
+         "state: CBitmap::GetBitmapBits: no bitmap"},
+        {[] { return CPen().CreatePenIndirect(nullptr); }, "argument: CPen::CreatePenIndirect: a null pointer"},
+        {[&] { return paper.BitBlt(0, 0, 1, 1, &paper, 0, 0); }, "state: CDC::BitBlt: the source has no pixels"},
+        {[] { return qel::FlushDC(nullptr); }, "argument: qel::FlushDC: not a device context"},
+        {[&] { return step(paper.AbortDoc()); }, "state: CDC::AbortDoc: no document is open"},
+        {[&] { return back.Create(1, 1, nullptr); }, "state: CBackBufferDC::Create: it was created already"},
+        {[] { return CBackBufferDC().FillSolidRect(nullptr, 0); },
+         "state: CBackBufferDC::FillSolidRect: it was not created"},
         {[&] { return qel::DrawPagePicture(bitmap, paper, 0, [](CDC&) { return true; }); },
          "argument: qel::DrawPagePicture: a resolution that is not from 1 to 9600 dots per inch"},
         {[&] { return qel::DrawPagePicture(bitmap, paper, 9, [](CDC&) { return false; }); },
@@ -367,6 +423,24 @@ TEST_F(Failures, OfJobsPicturesAndPrintersReportFileAndPrinter) {
         {[&] { return CBackBufferDC().Resize(1, 1); }, "state: CBackBufferDC::Resize: it was not created"},
         {[&] { return other.GetPageStyle().GetPrinterFromDC(nullptr, nullptr); },
          "printer: CQelPrintJobPageStyle::GetPrinterFromDC: the printer has no settings"},
+        {[&] { return style.ConvertMillimetreToPixel(point); },
+         "state: CQelPrintJobPageStyle::ConvertMillimetreToPixel: the page style has no resolution"},
+        {[&] { return style.MovePrinterDC(style); },
+         "state: CQelPrintJobPageStyle::MovePrinterDC: no printer is selected"},
+        {[&] { return style.SelectPrinter(); },
+         "state: CQelPrintJobPageStyle::SelectPrinter: the application has no print dialog"},
+        {[&] { return isNull(style.GetPrinterDC()); },
+         "printer: CQelPrintJobPageStyle::GetPrinterDC: none: the print server does not answer"},
+        {[&] { return graph.GetPrintJob(&styled, {}, nullptr); },
+         "printer: CQelGraph::GetPrintJob: none: the print server does not answer"},
+        {[&] { return document.AbortPrintOut(); },
+         "state: CQelPrintJobDocumentData::AbortPrintOut: no printer is selected"},
+        {[&] { return document.PrintOutMain(nullptr, 1, 0); },
+         "data: CQelPrintJobDocumentData::PrintOutMain: no such unit, or a context without a resolution"},
+        {[&] { return dialog.SelectPrinter("none"); },
+         "printer: CPrintDialog::SelectPrinter: none: the print server does not answer"},
+        {[&] { return isNull(dialog.CreatePrinterDC()); },
+         "printer: CPrintDialog::CreatePrinterDC: the print server does not answer"},
         {[&] { return step(paper.EndPage()); }, "state: CDC::EndPage: not the next step of a document"},
         {[&] { return step(paper.StartDoc("x")); }, "file: CDC::StartDoc: f: bad path (3)"},
     });
