@@ -8,8 +8,8 @@
 //   Draw<Ours>/1/10000000/10 >= 15 Draw<Agg>/1/10000000/10
 //   AppendAndDraw/1/1000000/10:items_per_second >= 250000000
 //   Record/1/1000000/10:bytes_per_point <= 200
-// A wide pen costs little more than a thin one where x grows from point to point (docs/graphs.md has the other cases),
-// and a dashed one not much more, on either kind of background.
+// Where x grows from point to point, a wide pen costs little more than a thin one, and a dashed one not much more, on
+// either kind of background.
 //   Draw<Wide<2>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<3>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Wide<9>>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
@@ -17,6 +17,12 @@
 //   Draw<Dashed>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<DashedClear>/1/1000000/10 <= 4 Draw<Ours>/1/1000000/10
 //   Draw<Dashed>/1/1000000/10 >= 20 Draw<DashedCairo>/1/1000000/10
+// Where x varies by a pixel, or points are scattered over the area, runs of points in one column are short, and a wide
+// pen costs more.
+//   DrawUnsorted<Wide<3>>/1/1000000/10/1 <= 8 DrawUnsorted<Ours>/1/1000000/10/1
+//   DrawUnsorted<Wide<32>>/1/1000000/10/1 <= 16 DrawUnsorted<Ours>/1/1000000/10/1
+//   DrawUnsorted<Wide<3>>/1/20000/200/1184 <= 5 DrawUnsorted<Ours>/1/20000/200/1184
+//   DrawUnsorted<Wide<32>>/1/20000/200/1184 <= 12 DrawUnsorted<Ours>/1/20000/200/1184
 // A frame with axis texts is redrawn without creating its fonts again.
 //   Frame<true> <= 8 Frame<false>
 #include <agg_pixfmt_rgba.h>
@@ -53,6 +59,7 @@ struct Series {
 // Curves of one wave each with noise, the same for all peers.
 struct Input {
     int series, points, noise;
+    int shift = 0;  // x is at most so far from where it would be, on a ring; 0: x grows
     auto operator<=>(const Input&) const = default;
 };
 
@@ -62,10 +69,13 @@ const std::vector<Series>& SeriesOf(const Input& input) {
     if (!series.empty()) return series;
     std::mt19937 random(1);
     std::uniform_real_distribution<double> noise(-input.noise, input.noise);
+    std::uniform_real_distribution<double> shift(-input.shift, input.shift);
+    constexpr double kAreaWidth = kWidth - 2.0 * kMargin;
     for (int s = 0; s < input.series; ++s) {
         Series& one = series.emplace_back();
         for (int i = 0; i < input.points; ++i) {
-            one.x.push_back((kWidth - 2.0 * kMargin) * i / input.points);
+            const double x = kAreaWidth * i / input.points;
+            one.x.push_back(input.shift == 0 ? x : std::fmod(x + shift(random) + kAreaWidth, kAreaWidth));
             one.y.push_back(400 + 150 * std::sin(6.3 * i / input.points + s) + noise(random));
         }
     }
@@ -73,7 +83,9 @@ const std::vector<Series>& SeriesOf(const Input& input) {
 }
 
 Input InputOf(const benchmark::State& state) {
-    return {static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), static_cast<int>(state.range(2))};
+    return {.series = static_cast<int>(state.range(0)),
+            .points = static_cast<int>(state.range(1)),
+            .noise = static_cast<int>(state.range(2))};
 }
 
 class Ours {
@@ -263,6 +275,14 @@ template <class Drawer> void Draw(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * input.series * input.points);
 }
 
+template <class Drawer> void DrawUnsorted(benchmark::State& state) {
+    Input input = InputOf(state);
+    input.shift = static_cast<int>(state.range(3));
+    Drawer drawer(SeriesOf(input));
+    for (auto _ : state) drawer.Draw();
+    state.SetItemsProcessed(state.iterations() * input.points);
+}
+
 // A live curve: one more point, for which the axis grows, and everything drawn again.
 void AppendAndDraw(benchmark::State& state) {
     const Input input = InputOf(state);
@@ -320,6 +340,11 @@ void Record(benchmark::State& state) {
 
 #define CASES(name, series, points, noise) \
     BENCHMARK_TEMPLATE(Draw, name)->Args({series, points, noise})->Unit(benchmark::kMillisecond)
+#define UNSORTED(name)                     \
+    BENCHMARK_TEMPLATE(DrawUnsorted, name) \
+        ->Args({1, 1000000, 10, 1})        \
+        ->Args({1, 20000, 200, 1184})      \
+        ->Unit(benchmark::kMillisecond)
 
 CASES(Ours, 10, 100000, 10);
 CASES(Cairo, 10, 100000, 10);
@@ -337,6 +362,9 @@ CASES(WideCairo, 1, 1000000, 10);
 CASES(Dashed, 1, 1000000, 10);
 CASES(DashedClear, 1, 1000000, 10);
 CASES(DashedCairo, 1, 1000000, 10);
+UNSORTED(Ours);
+UNSORTED(Wide<3>);
+UNSORTED(Wide<32>);
 CASES(Ours, 1, 10000000, 10);
 CASES(Agg, 1, 10000000, 10);
 BENCHMARK(Frame<true>)->Unit(benchmark::kMicrosecond);
