@@ -124,30 +124,28 @@ int CQWCalc::GetVariableData(int index, CCalcVariable* out) const { return m_Cal
 
 int CQWCalc::CheckCalcFormula(CString name, CString formula) {
     return qel::AsResult("CQWCalc::CheckCalcFormula", [&] {
-        qel::Operation step(nullptr);
         m_nMode = Mode::kCheck;
         MarkVariable(name.View());
-        if (!SetFormula(formula.View())) return RefuseTooLong(step);
+        if (!SetFormula(formula.View())) return RefuseTooLong();
         if (IsAtEnd()) return 1;
         qel::FormulaFault fault;
         const auto result = Read<CheckPass>(fault, [](auto& grammar) { return grammar.Express(); });
-        return !result.Failed() && IsAtEnd() ? 1 : Refuse(step, fault, formula.View());
+        return !result.Failed() && IsAtEnd() ? 1 : Refuse(fault, formula.View());
     });
 }
 
 int CQWCalc::ConcCalculation(CString formula, double* result) {
     return qel::AsResult("CQWCalc::ConcCalculation", [&] {
-        qel::Operation step(nullptr);
         m_nMode = Mode::kCalculate;
         if (result == nullptr) return qel::RefuseNull("CQWCalc::ConcCalculation");
-        if (!SetFormula(formula.View())) return RefuseTooLong(step);
+        if (!SetFormula(formula.View())) return RefuseTooLong();
         if (IsAtEnd()) {
             *result = 0.0;
             return 1;
         }
         qel::FormulaFault fault;
         const auto calculated = Read<CalculatePass>(fault, [](auto& grammar) { return grammar.Express(); });
-        if (calculated.Failed() || !IsAtEnd()) return Refuse(step, fault, formula.View());
+        if (calculated.Failed() || !IsAtEnd()) return Refuse(fault, formula.View());
         *result = calculated.value;
         return 1;
     });
@@ -159,24 +157,24 @@ bool CQWCalc::MarkVariable(std::string_view name) {
     return index >= 0;
 }
 
-int CQWCalc::RefuseTooLong(qel::Operation& operation) {
-    return operation.Failed({.kind = FailureKind::kTooLong,
-                             .item = "",
-                             .text = "more than 255 bytes",
-                             .position = static_cast<int>(kLongestFormula)});
+int CQWCalc::RefuseTooLong() {
+    return qel::Operation(nullptr).Failed({.kind = FailureKind::kTooLong,
+                                           .item = "",
+                                           .text = "more than 255 bytes",
+                                           .position = static_cast<int>(kLongestFormula)});
 }
 
-int CQWCalc::Refuse(qel::Operation& operation, const qel::FormulaFault& fault, std::string_view formula) const {
+int CQWCalc::Refuse(const qel::FormulaFault& fault, std::string_view formula) const {
     const char* const at = fault.at.empty() ? m_pCursor : fault.at.data();
     const int position = PositionIn(formula, at - m_szFormula.data() - 1);
+    qel::Operation step(nullptr);
     switch (fault.kind) {
         case FailureKind::kUnknownName:
-            return operation.Failed(
-                {.kind = fault.kind, .item = fault.at, .text = "unknown name", .position = position});
+            return step.Failed({.kind = fault.kind, .item = fault.at, .text = "unknown name", .position = position});
         case FailureKind::kZeroDivisor:
-            return operation.Failed({.kind = fault.kind, .item = "", .text = "division by zero", .position = position});
+            return step.Failed({.kind = fault.kind, .item = "", .text = "division by zero", .position = position});
         default:
-            return operation.Failed({.kind = fault.kind, .item = "", .text = "syntax error", .position = position});
+            return step.Failed({.kind = fault.kind, .item = "", .text = "syntax error", .position = position});
     }
 }
 

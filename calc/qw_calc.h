@@ -10,7 +10,6 @@
 #include "qellib10/platform/text/string.h"
 
 namespace qel {
-class Operation;
 struct CheckedOperand;
 struct FormulaFault;
 }  // namespace qel
@@ -130,8 +129,8 @@ private:
 
     bool IsAtEnd() const { return *m_pCursor == '\0'; }
     bool MarkVariable(std::string_view name);
-    static int RefuseTooLong(qel::Operation& operation);
-    int Refuse(qel::Operation& operation, const qel::FormulaFault& fault, std::string_view formula) const;
+    static int RefuseTooLong();
+    int Refuse(const qel::FormulaFault& fault, std::string_view formula) const;
     CCalcVariable ResultOf(const qel::CheckedOperand& operand) const;
     template <typename Pass, typename Level> typename Pass::Operand Read(qel::FormulaFault& fault, Level level);
     template <typename Level> CCalcVariable Step(Level level);
