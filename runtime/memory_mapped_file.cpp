@@ -83,7 +83,7 @@ void CMemoryMappedFile::Close() {
 
 void* CMemoryMappedFile::GetDataPtr(DWORD access, DWORD size) {
     qel::Operation operation("CMemoryMappedFile::GetDataPtr");
-    if (!IsOpen()) return operation.Ended(nullptr, FailureKind::kState, kNotOpen);
+    if (!IsOpen()) return operation.Ended<void*>(nullptr, FailureKind::kState, kNotOpen);
     if (m_pView != nullptr) GetDataPtrUnmap();
     m_pView = qel::MapView(m_hMapping, (access & kMapWrite) != 0, size);
     m_nLastError = qel::LastError();
@@ -112,7 +112,7 @@ void* CAutoLockedMemoryMappedFile::GetDataPtr(DWORD access, DWORD size) {
     qel::Operation operation("CAutoLockedMemoryMappedFile::GetDataPtr");
     GetDataPtrUnmap();
     // From here on the base has no view, so it does not unmap, which would release the lock.
-    if (!IsOpen()) return operation.Ended(nullptr, FailureKind::kState, kNotOpen);
+    if (!IsOpen()) return operation.Ended<void*>(nullptr, FailureKind::kState, kNotOpen);
     if (!TakeLock()) {
         FailedByLastError(operation, GetName().View(), kNotOpened);
         return nullptr;

@@ -9,7 +9,7 @@ HDC CreateCompatibleDC(HDC dc) {
     SIZE dotsPerInch{qel::kScreenDotsPerInch, qel::kScreenDotsPerInch};
     if (dc != nullptr) {
         const auto model = qel::FindDeviceContext(dc);
-        if (!model) return operation.Ended(nullptr, qel::FailureKind::kArgument, "not a device context");
+        if (!model) return operation.Ended<HDC>(nullptr, qel::FailureKind::kArgument, "not a device context");
         dotsPerInch = {model->DeviceCaps(LOGPIXELSX), model->DeviceCaps(LOGPIXELSY)};
     }
     return operation.Ended(
