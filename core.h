@@ -31,6 +31,7 @@
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/failure.h"
+#include "qellib10/platform/failure_sentence.h"
 #include "qellib10/platform/fractional.h"
 #include "qellib10/platform/ini/ini_file.h"
 #include "qellib10/platform/registry/registry.h"

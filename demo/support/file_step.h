@@ -22,11 +22,7 @@ template <class Step> auto OnFile(const std::string& path, Step step) {
 }
 
 /// Why the library's last operation, which returned 0, failed; @p otherwise if it gave no reason.
-inline std::string Why(const char* otherwise) {
-    const qel::Failure failure = qel::LastFailure();
-    const bool isKnown = failure.kind != qel::FailureKind::kNone && failure.kind != qel::FailureKind::kRefused;
-    return isKnown ? failure.text : otherwise;
-}
+inline std::string Why(const char* otherwise) { return qel::FailureSentence(qel::LastFailure(), otherwise); }
 
 /// @throws CFileException
 inline void Open(CFile& file, const std::string& path, UINT mode) {

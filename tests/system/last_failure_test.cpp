@@ -15,6 +15,7 @@
 #include "qellib10/platform/drawing/page_picture.h"
 #include "qellib10/platform/drawing/png_file.h"
 #include "qellib10/platform/failure.h"
+#include "qellib10/platform/failure_sentence.h"
 #include "qellib10/platform/printing/print_spooler.h"
 #include "qellib10/print/document_data.h"
 #include "qellib10/runtime/memory_mapped_file.h"
@@ -89,6 +90,20 @@ TEST_F(Failures, ComeFromEachExceptionOfTheLibrary) {
         {[] { return Throwing([] { throw std::bad_alloc(); }); }, "memory: A::Step: out of memory"},
         {[] { return qel::AsResult("A::Step", [] { return 0; }); }, "refused: A::Step: refused"},
     });
+}
+
+TEST_F(Failures, WithoutAReasonAreDescribedByTheCaller) {
+    for (const auto& [kind, text, sentence] : Cases<FailureKind, const char*, const char*>{
+             {FailureKind::kNone, "", "cannot be opened"},
+             {FailureKind::kRefused, "refused", "cannot be opened"},
+             {FailureKind::kMemory, "", "cannot be opened"},  // no memory for the text either
+             {FailureKind::kFile, "disk full", "disk full"},
+         }) {
+        qel::Failure failure;
+        failure.kind = kind;
+        failure.text = text;
+        EXPECT_EQ(qel::FailureSentence(failure, "cannot be opened"), sentence);
+    }
 }
 
 TEST_F(Failures, OfOperationsWithinOthersGetTheNameOfTheOuterOne) {

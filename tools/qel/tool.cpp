@@ -52,11 +52,7 @@ std::string Count(std::size_t number, const char* one, const char* more) {
     return std::to_string(number) + ' ' + (number == 1 ? one : more);
 }
 
-std::string Why(const char* otherwise) {
-    const qel::Failure failure = qel::LastFailure();
-    const bool isKnown = failure.kind != qel::FailureKind::kNone && failure.kind != qel::FailureKind::kRefused;
-    return isKnown ? Shown(Utf8(failure.text)) : otherwise;
-}
+std::string Why(const char* otherwise) { return Shown(Utf8(qel::FailureSentence(qel::LastFailure(), otherwise))); }
 
 Status StatusOf(const CFileException& error) noexcept {
     return error.m_cause == CFileException::endOfFile ? kCut : kUnreadable;
