@@ -60,6 +60,7 @@
 #include "qellib10/platform/storage/windows_folder.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/multibyte.h"
+#include "qellib10/platform/text/printable_text.h"
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/text/string_array.h"
 #include "qellib10/platform/text/string_table.h"

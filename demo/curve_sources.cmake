@@ -6,6 +6,5 @@ set(titration_curve_sources
   ${PROJECT_SOURCE_DIR}/demo/curve/table_doubts.cpp
   ${PROJECT_SOURCE_DIR}/demo/curve/table_refusals.cpp
   ${PROJECT_SOURCE_DIR}/demo/support/number.cpp
-  ${PROJECT_SOURCE_DIR}/demo/support/printable.cpp
   ${PROJECT_SOURCE_DIR}/demo/support/text_file.cpp
 )

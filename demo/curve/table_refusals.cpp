@@ -5,7 +5,6 @@
 
 #include "demo/support/failure.h"
 #include "demo/support/number.h"
-#include "demo/support/printable.h"
 #include "demo/support/text_file.h"
 
 namespace titration {
@@ -37,11 +36,11 @@ std::string Expected(const Columns& columns) {
 }
 
 std::string EncodingHint(std::string_view text) {
-    return IsUtf8(text) ? ""
-                        : std::string(
-                              "; the file is not in UTF-8 as the settings are, save it as UTF-8, for example "
-                              "with ") +
-                              kToUtf8;
+    return qel::IsUtf8(text) ? ""
+                             : std::string(
+                                   "; the file is not in UTF-8 as the settings are, save it as UTF-8, for example "
+                                   "with ") +
+                                   kToUtf8;
 }
 
 std::string Listed(const std::vector<Table>& tables) {

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include <qellib10/qellib10.h>
+
 #include "demo/method/ini_places.h"
 #include "demo/support/failure.h"
-#include "demo/support/printable.h"
 #include "demo/support/text_file.h"
 
 namespace titration {
@@ -61,7 +62,7 @@ void RequireKnownOnce(const std::vector<IniPlace>& places) {
 // A name or value in another encoding loses bytes in the XML document with the method, so that the result could not be
 // computed again from it.
 void RequireUtf8(const MethodItem& item, const IniPlace& place) {
-    if (IsUtf8(item.text) && IsUtf8(item.key)) return;
+    if (qel::IsUtf8(item.text) && qel::IsUtf8(item.key)) return;
     throw Failure(place.Text() + " = " + item.text +
                   ": is not in UTF-8; save the settings as UTF-8, for example with " + kToUtf8);
 }

@@ -1,11 +1,11 @@
 #include "demo/support/progress.h"
 
-#include "demo/support/printable.h"
+#include <qellib10/qellib10.h>
 
 namespace titration {
 
 Progress::Progress(std::string what, int descriptor, std::chrono::milliseconds after)
-    : m_what(Printable(what)), m_descriptor(descriptor) {
+    : m_what(qel::PrintableText(what)), m_descriptor(descriptor) {
     if (::isatty(descriptor) == 1) m_thread = std::thread([this, after] { Show(after); });
 }
 

@@ -46,7 +46,8 @@ std::string FromLittleEndian(std::string_view bytes) {
 }  // namespace
 
 void RequireOrdinaryFile(const std::string& path) {
-    if (!IsUtf8(path)) throw Failure(path + ": the file's name is not in UTF-8, as names are here; rename the file");
+    if (!qel::IsUtf8(path))
+        throw Failure(path + ": the file's name is not in UTF-8, as names are here; rename the file");
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (!std::filesystem::exists(status)) throw Failure(path + ": there is no such file");

@@ -4,6 +4,8 @@
 #include <set>
 #include <string>
 
+#include <qellib10/qellib10.h>
+
 #include "demo/support/failure.h"
 #include "demo/support/progress.h"
 
@@ -18,7 +20,7 @@ public:
         ++m_count;
         m_done.insert(what);
         try {
-            std::printf("ok      %s: %s\n", what.c_str(), Printable(Found(what, check)).c_str());
+            std::printf("ok      %s: %s\n", what.c_str(), qel::PrintableText(Found(what, check)).c_str());
         } catch (const Failure& failure) {
             ++m_failed;
             std::printf("FAILED: %s: %s\n", what.c_str(), WithoutName(failure.what(), what + ": ").c_str());

@@ -137,6 +137,7 @@ TEST(Qel, CalcChecksAndComputes) {
              {"A+B A=1", "1 qel: the formula names \"B\", which has no value\n"},
              {"1/A A=0", "1 qel: the formula divides by zero at byte 2: \"/A\"\n"},
              {"A*10 A=1e308", "1 qel: the result is too large\n"},
+             {"1 --from \"$(printf 'a\\033b\\302\\233c\\377.')\"", "5 qel: a?b??c?.: file not found\n"},
              {"1++", "1 qel: the formula is not valid at byte 3: \"+\"\n"},
              {"1 --from qel-none", "5 qel: qel-none: file not found\n"},
              {"1 --from .", "5 qel: .: is a folder\n"},

@@ -41,12 +41,7 @@ std::optional<std::pair<double, double>> ParsePair(std::string_view text, char b
     return first && second ? std::optional(std::pair(*first, *second)) : std::nullopt;
 }
 
-std::string Shown(std::string text) {
-    for (char& c : text) {
-        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = '?';
-    }
-    return text;
-}
+std::string Shown(std::string_view text) { return qel::PrintableText(text); }
 
 std::string Count(std::size_t number, const char* one, const char* more) {
     return std::to_string(number) + ' ' + (number == 1 ? one : more);

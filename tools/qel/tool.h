@@ -55,8 +55,8 @@ std::optional<double> ParseNumber(std::string_view text);
 /// Two such numbers, separated by @p between, which occurs once.
 std::optional<std::pair<double, double>> ParsePair(std::string_view text, char between);
 
-/// Text for a terminal: control characters, which could move its cursor, become `?`.
-std::string Shown(std::string text);
+/// Text for a terminal.
+std::string Shown(std::string_view text);
 
 /// For example "1 page", "2 pages".
 std::string Count(std::size_t number, const char* one, const char* more);
