@@ -21,6 +21,7 @@
 #include "qellib10/file/check_datafile_format.h"
 #include "qellib10/file/check_sums.h"
 #include "qellib10/file/csv_reader.h"
+#include "qellib10/file/find_column.h"
 #include "qellib10/file/log.h"
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_csv_file.h"

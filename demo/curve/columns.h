@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
+
+#include <qellib10/qellib10.h>
 
 #include "demo/curve/field_rows.h"
 
@@ -18,11 +21,11 @@ struct Columns {
     std::string Text() const { return "\"" + volumeName + "\" and \"" + signalName + "\""; }
 };
 
-/// From 0; nothing for a name.
-std::optional<std::size_t> ColumnNumber(const std::string& column);
+using qel::ColumnNumber;
 
-/// The field of @p row with a column, from 0. A number is taken as it is; the case of letters in a name is ignored.
-std::optional<std::size_t> FindIn(const Row& row, const std::string& column);
+inline std::optional<std::size_t> FindIn(const Row& row, const std::string& column) {
+    return qel::FindColumn(std::span(row), column);
+}
 
 /// Whether @p row, which is line @p line, names the columns; then it sets where they are. The names are in one line; a
 /// single one may also be in an earlier line, as in "pH;7.01".

@@ -210,8 +210,9 @@ void RequireOneColumnEach(const Row& names, const Columns& columns) {
     for (const std::string& name : {columns.volumeName, columns.signalName}) {
         const auto first = FindIn(names, name);
         if (ColumnNumber(name) || !first) continue;
-        const Row after(names.begin() + static_cast<std::ptrdiff_t>(*first) + 1, names.end());
-        if (FindIn(after, name)) RefuseSameNames(name, columns.namesLine);
+        Row others(names);
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(*first));
+        if (FindIn(others, name)) RefuseSameNames(name, columns.namesLine);
     }
 }
 

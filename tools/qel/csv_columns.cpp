@@ -1,7 +1,6 @@
 #include "csv_columns.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -21,21 +20,11 @@ std::string Trimmed(std::string_view text) {
     return std::string(text.substr(0, text.find_last_not_of(" \t") + 1));
 }
 
-// From 0; nothing for a name.
+// @throws CLI::ValidationError for 0
 std::optional<std::size_t> NumberOf(const std::string& column) {
-    std::size_t number = 0;
-    const char* const end = column.data() + column.size();
-    const auto [stop, error] = std::from_chars(column.data(), end, number);
-    if (stop != end || error == std::errc::invalid_argument) return std::nullopt;
-    if (error == std::errc::result_out_of_range) return std::numeric_limits<std::size_t>::max();
-    if (number == 0) throw CLI::ValidationError("columns count from 1");
-    return number - 1;
-}
-
-// @return the row's size when no field has this name
-std::size_t FindIn(const Row& row, const std::string& column) {
-    const std::optional<std::size_t> number = NumberOf(column);
-    return number ? *number : static_cast<std::size_t>(std::ranges::find(row, column) - row.begin());
+    const std::optional<std::size_t> number = qel::ColumnNumber(column);
+    if (number == qel::ColumnNumber("0")) throw CLI::ValidationError("columns count from 1");
+    return number;
 }
 
 double NumberIn(const Row& row, std::size_t column) {
@@ -79,11 +68,12 @@ public:
 
 private:
     bool HasAll(const Row& row) const {
-        return std::ranges::all_of(m_columns, [&](const auto& name) { return FindIn(row, name) < row.size(); });
+        return std::ranges::all_of(
+            m_columns, [&](const auto& name) { return qel::FindColumn(row, name).value_or(row.size()) < row.size(); });
     }
 
     void SetPlaces(const Row& names) {
-        for (const std::string& column : m_columns) m_places.push_back(FindIn(names, column));
+        for (const std::string& column : m_columns) m_places.push_back(qel::FindColumn(names, column).value());
         m_names = names;
     }
 
