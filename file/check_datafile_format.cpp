@@ -41,6 +41,10 @@ SealInfo SealInfo::Unpack(std::span<const std::byte> record) {
     return info;
 }
 
+std::uint32_t SealInfo::UnpackLength(std::span<const std::byte, kLengthSize> bytes) {
+    return GetNumber<std::uint32_t>(bytes, 0);
+}
+
 std::array<std::byte, CheckBlock::kSize> CheckBlock::Pack() const {
     std::array<std::byte, kSize> bytes;
     PutNumber(bytes, kCrcAt, crc);

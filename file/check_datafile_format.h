@@ -38,6 +38,8 @@ struct QELLIB10_API SealInfo {
     /// @param record the bytes after the info length, or the first kLongest of them; bytes after the record are ignored
     /// @throws DataError if they are not a record
     static SealInfo Unpack(std::span<const std::byte> record);
+    /// The info length before a record.
+    static std::uint32_t UnpackLength(std::span<const std::byte, kLengthSize> bytes);
 };
 
 /// The last 12 bytes of a sealed file.

@@ -7,8 +7,30 @@
 #include "qellib10/file/file_check_sums.h"
 #include "qellib10/secure/cabinet_content.h"
 #include "qellib10/secure/history_cabinet_format.h"
+#include "qellib10/secure/history_renew_format.h"
 
 namespace qel {
+namespace {
+
+constexpr std::string_view View(const std::array<char, 4>& magic) { return {magic.data(), magic.size()}; }
+
+constexpr std::string_view kOfCabinet = View(kCabinetMagic), kOfVersion = View(kVersionMagic);
+static_assert(kCabinetKindBytes == kCabinetHeaderSize + kOfVersion.size());
+
+}  // namespace
+
+CabinetFileKind KindOfCabinetFile(std::string_view start) {
+    if (start.starts_with(kOfCabinet)) return CabinetFileKind::kCabinet;
+    if (start.starts_with(RenewalHead())) return CabinetFileKind::kRenewals;
+    const bool hasVersion =
+        start.size() >= kCabinetKindBytes && start.substr(kCabinetHeaderSize).starts_with(kOfVersion);
+    return hasVersion ? CabinetFileKind::kCabinet : CabinetFileKind::kOther;
+}
+
+bool MayBeCutVersion(std::string_view bytes) {
+    const std::string_view tag = bytes.substr(0, kOfVersion.size());
+    return kOfVersion.starts_with(tag) || tag.find_first_not_of('\0') == std::string_view::npos;
+}
 
 CabinetReader::CabinetReader(const CFile& cabinet)
     : m_file(cabinet), m_header(ReadCabinetHeader(cabinet)), m_end(kCabinetHeaderSize) {}

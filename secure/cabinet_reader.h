@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
+#include <string_view>
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/file.h"
@@ -8,6 +10,26 @@
 #include "qellib10/secure/history_cabinet_file.h"
 
 namespace qel {
+
+/// Files that keep the versions of a document and the reasons for them.
+enum class CabinetFileKind {
+    kOther,
+    kCabinet,  ///< of CHistoryCabinetFile; also one whose header is damaged and whose first version is in its place
+    kRenewals  ///< records of CHistoryRenewInfo (ReadRenewalRecords)
+};
+
+/// The bytes that KindOfCabinetFile needs; a file may have fewer.
+inline constexpr std::size_t kCabinetKindBytes = 40;
+
+/// What kind a file is of, for programs that open files whatever their names are. Whether it is whole is what its
+/// reader says.
+/// @param start the first bytes of the file; those after kCabinetKindBytes do not count
+QELLIB10_API CabinetFileKind KindOfCabinetFile(std::string_view start);
+
+/// Whether bytes after the latest version may be the remains of a registration that was cut short. It writes a
+/// version's data first and then the header before them, so there is the start of a header, or zeros in its place.
+/// @param bytes the first ones after it, up to the end of the file or more than three
+QELLIB10_API bool MayBeCutVersion(std::string_view bytes);
 
 /// A version as it is stored in a cabinet.
 struct CabinetVersion {

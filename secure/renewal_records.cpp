@@ -1,7 +1,6 @@
 #include "qellib10/secure/renewal_records.h"
 
 #include <string>
-#include <string_view>
 
 #include "qellib10/platform/archive/archive.h"
 
@@ -9,19 +8,6 @@
 
 namespace qel {
 namespace {
-
-void AppendCounted(std::string& bytes, std::string_view text) {
-    bytes += static_cast<char>(text.size());
-    bytes += text;
-}
-
-// What every record begins with.
-std::string Head() {
-    std::string head;
-    AppendCounted(head, kRenewalTag);
-    AppendCounted(head, kRenewalVersion);
-    return head;
-}
 
 std::string BytesAt(CFile& file, ULONGLONG offset, std::size_t count) {
     std::string bytes(count, '\0');
@@ -33,7 +19,7 @@ std::string BytesAt(CFile& file, ULONGLONG offset, std::size_t count) {
 }  // namespace
 
 RenewalRecords ReadRenewalRecords(CFile& file) {
-    const std::string head = Head();
+    const std::string head = RenewalHead();
     RenewalRecords records;
     records.end = file.GetPosition();
     while (records.end < file.GetLength() && head.starts_with(BytesAt(file, records.end, head.size()))) {

@@ -7,10 +7,6 @@
 namespace tool {
 namespace {
 
-constexpr std::string_view kRenewalTag =
-    "\x10HistoryRenewInfo\4"
-    "1.00";
-
 std::string BytesAt(CFile& file, ULONGLONG offset, UINT count) {
     std::string bytes(count, '\0');
     file.Seek(static_cast<LONGLONG>(offset), CFile::begin);
@@ -76,9 +72,10 @@ ContentReport CheckXml(const CFile& file) {
 
 std::string KindOf(CFile& file) {
     const std::string head = BytesAt(file, 0, 512);
-    if (head.starts_with("HCF1") || (head.size() > 40 && head.substr(36, 4) == "CVH1")) return "cabinet";
+    const qel::CabinetFileKind kind = qel::KindOfCabinetFile(head);
+    if (kind == qel::CabinetFileKind::kCabinet) return "cabinet";
+    if (kind == qel::CabinetFileKind::kRenewals) return "renewals";
     if (IsVariablesTag(head)) return "variables";
-    if (head.starts_with(kRenewalTag)) return "renewals";
     if (head.find("<printjob") != std::string::npos) return "job";
     return LooksEnciphered(file, head) ? "xml" : "data";
 }
@@ -101,11 +98,8 @@ ContentReport ContentOf(CFile& file, const std::string& kind) {
     throw Failure("of no kind that is known, and not sealed", kUnknown);
 }
 
-// The data of a version are written before its header, whose place has zeros until then.
 Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end) {
-    constexpr std::string_view kVersionTag = "CVH1", kNoTag("\0\0\0\0", kVersionTag.size());
-    const std::string tag = BytesAt(file, end, kVersionTag.size());
-    if (kind == "cabinet" && (kVersionTag.starts_with(tag) || kNoTag.starts_with(tag))) return kGood;
+    if (kind == "cabinet" && qel::MayBeCutVersion(BytesAt(file, end, 4))) return kGood;
     if (kind == "renewals" && IsCutRenewal(file, end)) return kCut;
     return kInconsistent;
 }

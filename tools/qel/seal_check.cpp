@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <span>
 
-#include "qellib10/platform/endian.h"
-
 namespace tool {
 namespace {
 
@@ -15,7 +13,9 @@ constexpr std::size_t kTail = 4096;
 
 std::span<const std::byte> Bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
 
-DWORD Number(std::string_view bytes, std::size_t at) { return qel::GetNumber<DWORD>(Bytes(bytes), at); }
+DWORD InfoLength(std::string_view trailer) {
+    return SealInfo::UnpackLength(Bytes(trailer).first<SealInfo::kLengthSize>());
+}
 
 CheckBlock LastBlock(std::string_view tail) { return CheckBlock::Unpack(Bytes(tail).last<CheckBlock::kSize>()); }
 
@@ -34,7 +34,7 @@ bool EndsWithTrailer(std::string_view tail, std::string_view ownName, bool anyNa
     if (check.trailerLength <= kRest || check.trailerLength > SealInfo::kLongest + CheckBlock::kSize) return false;
     if (check.TrailerSize() > tail.size()) return false;
     const std::string_view trailer = tail.substr(tail.size() - check.TrailerSize());
-    return (anyName && check.Fits(Number(trailer, 0))) ||
+    return (anyName && check.Fits(InfoLength(trailer))) ||
            trailer.substr(SealInfo::kLengthSize, check.trailerLength - kRest) == ownName;
 }
 
@@ -52,7 +52,7 @@ Status Remains(std::string_view tail, std::string_view ownName) {
     if (at == std::string_view::npos) return kGood;
     const std::size_t end = at + InfoFor(ownName).Pack().size() + CheckBlock::kSize;
     if (end > tail.size()) return kCut;
-    const bool isWhole = end == tail.size() || LastBlock(tail.substr(0, end)).Fits(Number(tail, at));
+    const bool isWhole = end == tail.size() || LastBlock(tail.substr(0, end)).Fits(InfoLength(tail.substr(at)));
     return isWhole ? kChanged : kGood;
 }
 
