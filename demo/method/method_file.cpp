@@ -30,7 +30,8 @@ Method ReadMethod(const CCryptXMLDocument& document) {
 
 void WriteMethod(const Method& method, CCryptXMLDocument& document) {
     const auto set = [&](const CString& place, const std::string& text) {
-        if (document.SetNodeText(place, text.c_str()) == 0) throw Failure(std::string(place) + " cannot be written");
+        if (document.SetNodeText(place, text.c_str()) == 0)
+            throw Failure(std::string(place) + ": " + Why("cannot be written"));
     };
     document.SetXMLString("<method/>");
     long variables = 0;

@@ -8,6 +8,7 @@
 #include "demo/report/temporary_print.h"
 #include "demo/result/check_sums.h"
 #include "demo/support/failure.h"
+#include "demo/support/file_step.h"
 #include "demo/support/temporary_file.h"
 
 namespace titration {
@@ -47,7 +48,7 @@ std::string LayoutFingerprint(const std::string& printerName) {
     const Titration titration = FixedTitration();
     const TemporaryFile job, curve, page;
     if (MakeReportJob(titration, 1, FixedRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
-        throw Failure(job.Path() + ": cannot be written");
+        throw Failure(job.Path() + ": " + Why("cannot be written"));
     ReportPages pages({job.Path()}, FixedRecord().GetRenewDateTime());
     pages.SavePreview(1, page.Path());
     std::string fingerprint;

@@ -43,7 +43,7 @@ void ReportPages::SavePreview(int number, const std::string& path) {
     CBitmap picture;
     const auto draw = [&](CDC& dc) { return m_document.PrintOutMain(&dc, number, 1) != 0; };
     if (qel::DrawPagePicture(picture, m_printer, kPreviewDotsPerInch, draw) == 0)
-        throw Failure(path + ": the page cannot be drawn");
+        throw Failure(path + ": " + Why("the page cannot be drawn"));
     if (qel::SavePng(picture, path.c_str(), kPreviewDotsPerInch) == 0)
         throw Failure(path + ": " + Why("cannot be written"));
 }

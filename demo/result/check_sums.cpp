@@ -8,7 +8,7 @@ namespace titration {
 CheckSums CheckSumsOf(CQFile& file, DWORD size) {
     CheckSums sums;
     if (file.GetFileCRC(&sums.crc, size) == 0 || file.GetFileSum(&sums.sum, size) == 0)
-        throw Failure(std::string(file.GetFileName()) + ": cannot be read");
+        throw Failure(std::string(file.GetFileName()) + ": " + Why("cannot be read"));
     return sums;
 }
 

@@ -97,7 +97,7 @@ std::string MadeFiles::Path(const std::string& name) const {
 
 DWORD MadeFiles::SizeOf(const std::string& name) const {
     DWORD size = 0;
-    if (CQFile::GetFileSize(Path(name).c_str(), &size) == 0) throw Failure(name + ": is missing");
+    if (CQFile::GetFileSize(Path(name).c_str(), &size) == 0) throw Failure(name + ": " + Why("is missing"));
     return size;
 }
 
@@ -120,7 +120,7 @@ std::string MadeFiles::AsMade(const std::string& name) const {
 
 void MadeFiles::Set(const std::string& name, const char* sums, const char* fingerprint) {
     if (m_sums.Set(kFiles, name.c_str(), sums) == 0 || m_sums.Set(kFingerprints, name.c_str(), fingerprint) == 0)
-        throw Failure(Path(kSums) + ": cannot be written");
+        throw Failure(Path(kSums) + ": " + Why("cannot be written"));
 }
 
 void MadeFiles::Add(const std::string& name, const std::string& fingerprint) {

@@ -7,6 +7,7 @@
 #include <qellib10/qellib10.h>
 
 #include "demo/support/failure.h"
+#include "demo/support/file_step.h"
 #include "demo/support/progress.h"
 
 namespace titration {
@@ -47,6 +48,11 @@ private:
     std::set<std::string> m_done;
     int m_count = 0, m_failed = 0;
 };
+
+/// @throws Failure with the reason, or with @p otherwise if there is none, when the library's operation returned 0
+inline void RequireDone(int result, const char* otherwise) {
+    if (result == 0) throw Failure(Why(otherwise));
+}
 
 /// @throws Failure with @p message unless @p isRight
 inline void Require(bool isRight, const std::string& message) {

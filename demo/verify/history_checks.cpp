@@ -13,10 +13,15 @@ namespace titration {
 
 KeptHistory::KeptHistory(const MadeFiles& made)
     : m_made(made), m_isOpen(m_cabinet.Open(made.Path("results.hcf").c_str(), 1) != 0) {
+    if (!m_isOpen) m_whyNotOpen = Why("cannot be opened");
     CQFile file;
-    if (file.Open(made.Path("renewals.qel").c_str(), CFile::modeRead | CFile::shareDenyNone) == 0) return;
+    if (file.Open(made.Path("renewals.qel").c_str(), CFile::modeRead | CFile::shareDenyNone) == 0) {
+        m_whyNotRead = Why("cannot be opened");
+        return;
+    }
     qel::RenewalRecords found = qel::ReadRenewalRecords(file);
     m_isRead = found.end == file.GetLength();
+    if (!m_isRead) m_whyNotRead = found.isCut ? "ends within a record" : "a record is damaged";
     m_records = std::move(found.whole);
 }
 
@@ -25,7 +30,7 @@ DWORD KeptHistory::Versions() const {
 }
 
 std::string KeptHistory::CheckCabinet() const {
-    Require(m_isOpen, "is missing or in use, or its header is damaged");
+    Require(m_isOpen, m_whyNotOpen);
     const ULONGLONG bytesAfter = BytesAfterLastVersion();
     Require(bytesAfter == 0, "has " + Counted(static_cast<long long>(bytesAfter), "byte") + " after the last version");
     return std::string(m_cabinet.GetGUID().GetString()) + ", header with " +
@@ -47,7 +52,7 @@ ULONGLONG KeptHistory::BytesAfterLastVersion() const {
 }
 
 std::string KeptHistory::CheckRecords() const {
-    Require(m_isRead, "is missing or in use, or a record is damaged");
+    Require(m_isRead, m_whyNotRead);
     Require(m_records.size() == Versions(), "does not have one for each of " + Counted(Versions(), "version"));
     m_made.RequireAsMade("renewals.qel");
     return Counted(Versions(), "record");
@@ -59,9 +64,9 @@ const CHistoryRenewInfo& KeptHistory::Record(DWORD version) const {
 }
 
 void KeptHistory::TakeOut(DWORD version, const std::string& path) const {
-    Require(m_isOpen, "results.hcf cannot be read");
+    Require(m_isOpen, "results.hcf cannot be read: " + m_whyNotOpen);
     CHistoryCabinetFile cabinet = m_cabinet;  // shares the opening
-    Require(cabinet.GetVersionFile(version, path.c_str()) != 0, "its data do not fit its header, or are not there");
+    RequireDone(cabinet.GetVersionFile(version, path.c_str()), "cannot be taken out");
 }
 
 CCalcVariableList KeptHistory::Variables(DWORD version) const {

@@ -37,6 +37,7 @@ private:
     bool m_isOpen;
     std::vector<CHistoryRenewInfo> m_records;
     bool m_isRead = false;  // the records, to their end
+    std::string m_whyNotOpen, m_whyNotRead;
 };
 
 }  // namespace titration

@@ -65,7 +65,7 @@ Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory&
 
 std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result) {
     CQelPrintJobQueueData job;
-    Require(job.LoadJobFile(made.Path(JobName(version)).c_str()) != 0, "is missing, or no job file");
+    RequireDone(job.LoadJobFile(made.Path(JobName(version)).c_str()), "is no job file");
     CQelPrintJobCommand command;
     while (command.GetKind() != CQelPrintJobCommand::kText) {
         Require(job.GetBlock().GetNextCommand(command) != 0, "shows nothing");
@@ -85,7 +85,7 @@ void MakeJobAgain(const Titration& titration, DWORD version, const CHistoryRenew
                   const std::string& printerName, const std::string& path, const std::string& picture) {
     ReportPrinter printer(printerName);
     CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, picture);
-    Require(job.SaveJobFile(path.c_str()) != 0, "cannot be made again");
+    RequireDone(job.SaveJobFile(path.c_str()), "cannot be made again");
 }
 
 }  // namespace titration

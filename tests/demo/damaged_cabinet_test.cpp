@@ -2,9 +2,9 @@
 
 TEST_F(Verified, DamageOfTheCabinetIsFound) {
     ExpectFound({
-        {"results.hcf", Flip(30), "FAILED: results.hcf: is missing or in use, or its header is damaged"},
+        {"results.hcf", Flip(30), "FAILED: results.hcf: a damaged cabinet header"},
         {"results.hcf", Append("x"), "FAILED: results.hcf: has 1 byte after the last version"},
-        {"results.hcf", Flip(100), "FAILED: version 1 in results.hcf: its data do not fit its header"},
+        {"results.hcf", Flip(100), "FAILED: version 1 in results.hcf: the version's data are changed"},
     });
 }
 

@@ -46,16 +46,9 @@ Status List(const Options& options) {
     return status;
 }
 
-// Of a cabinet that was not opened. A file that ends too early has no number of the system.
-Status StatusOfOpening(const qel::Failure& failure) {
-    if (failure.kind == qel::FailureKind::kData) return kBadHeader;
-    return failure.kind == qel::FailureKind::kFile && failure.systemError < 0 ? kCut : kUnreadable;
-}
-
 void OpenForWriting(CHistoryCabinetFile& cabinet, const std::string& path) {
     RequireUnsealed(path);
-    if (cabinet.Open(Path(path), 0) == 0)
-        throw Failure(Shown(path) + ": " + Why("cannot be opened"), StatusOfOpening(qel::LastFailure()));
+    if (cabinet.Open(Path(path), 0) == 0) throw Named(path, LastRefusal("cannot be opened", kBadHeader));
 }
 
 // The document may be what cannot be read.

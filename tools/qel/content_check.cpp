@@ -56,7 +56,7 @@ bool IsCutRenewal(CFile& file, ULONGLONG offset) {
 ContentReport CheckJob(const CFile& file) {
     CQelPrintJobQueueData job;
     if (job.LoadJobFile(file.GetFilePath()) == 0)
-        throw Failure("its XML is not well-formed, or refers to an entity", kMalformed);
+        throw LastRefusal("its XML is not well-formed, or refers to an entity", kMalformed);
     return {file.GetLength(), Count(job.GetBlock().GetCommandCount(), "command", "commands")};
 }
 
@@ -64,7 +64,7 @@ ContentReport CheckXml(const CFile& file) {
     CCryptXMLDocument document;
     if (file.GetLength() % 8 != 1) throw Failure("it ends within an enciphered block", kCut);
     if (document.LoadXMLFile(file.GetFilePath(), 1) == 0)
-        throw Failure("it does not decipher to well-formed XML", kMalformed);
+        throw LastRefusal("it does not decipher to well-formed XML", kMalformed);
     return {file.GetLength(), "an enciphered document"};
 }
 

@@ -23,7 +23,7 @@ CQelPrintJobQueueData LoadJob(const std::string& path) {
     OnFile(path, [&] {
         const Unsealed file(path, CFile::shareDenyWrite);
         if (job.LoadJobFile(file.Name()) == 0)
-            throw Failure("its XML is not well-formed, or refers to an entity", kMalformed);
+            throw LastRefusal("its XML is not well-formed, or refers to an entity", kMalformed);
     });
     return job;
 }

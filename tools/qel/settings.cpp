@@ -43,22 +43,26 @@ Setting SettingOf(const qel::RegistryValue& value) {
     return TextSetting(HexDigits(data));
 }
 
+// After a text was read that may be the default. @return whether it was stored
+bool WasThere() {
+    const qel::FailureKind kind = qel::LastFailure().kind;
+    if (kind != qel::FailureKind::kNone && kind != qel::FailureKind::kMissing)
+        throw LastRefusal("cannot be read", kInconsistent);
+    return kind == qel::FailureKind::kNone;
+}
+
 // The names in a list returned by the profile functions, each followed by a zero.
 std::vector<std::string> Names(const char* section, const CString& file) {
     std::vector<std::string> names;
     const std::string list = qel::ReadProfileString(section, nullptr, "", kLongestList, file);
+    WasThere();
     for (std::size_t at = 0; at < list.size(); at = list.find('\0', at) + 1) names.emplace_back(list.c_str() + at);
     return names;
 }
 
-// A missing value returns whatever default was passed, so with two different defaults it returns both.
 std::optional<Setting> ReadIniSetting(const CString& file, const CString& section, const CString& key) {
-    const auto read = [&](const char* missing) {
-        return qel::ReadProfileString(section, key, missing, kLongestText, file);
-    };
-    const std::string text = read("0");
-    if (text == "0" && read("1") == "1") return std::nullopt;
-    return TextSetting(Utf8(text));
+    const std::string text = qel::ReadProfileString(section, key, "", kLongestText, file);
+    return WasThere() ? std::optional(TextSetting(Utf8(text))) : std::nullopt;
 }
 
 std::vector<Section> ReadIniSections(const CString& file) {

@@ -49,6 +49,16 @@ std::string Count(std::size_t number, const char* one, const char* more) {
 
 std::string Why(const char* otherwise) { return Shown(Utf8(qel::FailureSentence(qel::LastFailure(), otherwise))); }
 
+// A file that ends too early has no number of the system.
+Failure LastRefusal(const char* otherwise, Status ofData) {
+    const qel::Failure failure = qel::LastFailure();
+    const Status ofFile = failure.systemError < 0 ? kCut : kUnreadable;
+    const Status status = failure.kind == qel::FailureKind::kData   ? ofData
+                          : failure.kind == qel::FailureKind::kFile ? ofFile
+                                                                    : kFailed;
+    return Failure(Shown(Utf8(qel::FailureSentence(failure, otherwise))), status);
+}
+
 Status StatusOf(const CFileException& error) noexcept {
     return error.m_cause == CFileException::endOfFile ? kCut : kUnreadable;
 }

@@ -64,6 +64,10 @@ std::string Count(std::size_t number, const char* one, const char* more);
 /// Why the library's last operation, which returned 0, failed; @p otherwise if it gave no reason.
 std::string Why(const char* otherwise);
 
+/// The same as a failure. The kind of reason gives the status: @p ofData for data in a wrong form, kUnreadable or kCut
+/// for a file that cannot be read, kFailed for the rest, such as memory that ran out.
+Failure LastRefusal(const char* otherwise, Status ofData);
+
 Status StatusOf(const CFileException& error) noexcept;
 Status StatusOf(const CArchiveException& error) noexcept;
 

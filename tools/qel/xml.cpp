@@ -15,9 +15,11 @@ struct Options {
 // A file's content.
 class Document : public CCryptXMLDocument {
 public:
-    std::optional<std::vector<BYTE>> Bytes(bool enciphered) {
+    /// @throws Failure
+    std::vector<BYTE> Bytes(bool enciphered) {
         CMemFile file;
-        if ((enciphered ? SaveCryptXMLFile(file) : SavePlainXMLFile(file)) == 0) return std::nullopt;
+        if ((enciphered ? SaveCryptXMLFile(file) : SavePlainXMLFile(file)) == 0)
+            throw LastRefusal("cannot be written", kFailed);
         return file.Detach();
     }
 };
@@ -32,12 +34,12 @@ bool IsEnciphered(const std::string& path) {
 }
 
 void Load(CCryptXMLDocument& document, const std::string& path) {
-    const bool isLoaded = OnFile(path, [&] {
+    constexpr const char* kNone = "no well-formed document";
+    OnFile(path, [&] {
         const Unsealed file(path, CFile::shareDenyNone);
-        return document.LoadXMLFile(file.Name(), 1) != 0;
+        if (document.LoadXMLFile(file.Name(), 1) == 0) throw LastRefusal(kNone, kMalformed);
+        if (document.GetTagCount(".") < 0) throw Failure(kNone, kMalformed);  // an empty file is loaded too
     });
-    if (!isLoaded || document.GetTagCount(".") < 0)  // an empty file is loaded too
-        throw Failure(Shown(path) + ": no well-formed document", kMalformed);
 }
 
 long CountOf(const CCryptXMLDocument& document, const std::string& path) {
@@ -94,10 +96,9 @@ void Convert(const Options& options, bool encipher) {
         throw Failure(Shown(options.file) + (encipher ? ": is enciphered already" : ": is not enciphered"));
     Document document;
     Load(document, options.file);
-    const std::optional<std::vector<BYTE>> bytes = document.Bytes(encipher);
-    if (!bytes) throw Failure(Shown(options.target) + ": cannot be written");
+    const std::vector<BYTE> bytes = OnFile(options.target, [&] { return document.Bytes(encipher); });
     WriteAsAWhole(options.target, options.force, [&](const qel::Descriptor& target) {
-        qel::WriteFully(target, std::as_bytes(std::span(*bytes)), options.target);
+        qel::WriteFully(target, std::as_bytes(std::span(bytes)), options.target);
     });
 }
 
