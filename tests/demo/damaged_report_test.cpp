@@ -17,7 +17,7 @@ std::string SumsOf(const CString& path) {
 
 TEST_F(Verified, DamageOfReportsAndPicturesIsFound) {
     ExpectFound({
-        {"report-1.job", FlipIn("</commands>"), "FAILED: report-1.job: is missing, or no job file"},
+        {"report-1.job", FlipIn("</commands>"), "FAILED: report-1.job: Start-end tags mismatch"},
         {"report-1.job", FlipIn("width=\"4"), "FAILED: report-1.job: "},
         {"report-1.job", FlipIn("49.6"), "FAILED: report-1.job: shows \"Titration: ACIDITY 59.6 g/L\""},
         {"curve.png", Cut(1000), "FAILED: curve.png: has 1000 bytes"},
