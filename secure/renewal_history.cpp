@@ -6,6 +6,7 @@
 #include "qellib10/platform/archive/archive.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/failure.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/mem_file.h"
 
 #include "qellib10/file/write_undo.h"
@@ -36,11 +37,18 @@ RenewalHistory::RenewalHistory(std::string_view cabinetPath, std::string_view re
 
 RenewalHistory::~RenewalHistory() = default;
 
-// A cabinet is an empty file until its first version is registered.
+// A cabinet is an empty file until its first version is registered. One that cannot be looked at may have versions, and
+// the first registration would empty it.
 void RenewalHistory::OpenCabinet() {
-    DWORD size = 0;
-    const bool isThere = CQFile::GetFileSize(m_cabinetPath, &size) != 0 && size > 0;
-    if (isThere && m_cabinet.Open(m_cabinetPath, 0) == 0) throw Refused(m_cabinetPath, "cannot be opened");
+    CFile file;
+    CFileException error;
+    if (file.Open(m_cabinetPath, CFile::modeRead | CFile::shareDenyNone, &error) == 0) {
+        if (IsMissing(error)) return;
+        throw Refused(m_cabinetPath, "cannot be opened");
+    }
+    const bool isEmpty = file.GetLength() == 0;
+    file.Close();
+    if (!isEmpty && m_cabinet.Open(m_cabinetPath, 0) == 0) throw Refused(m_cabinetPath, "cannot be opened");
 }
 
 // A program that ended between registering a version and adding its record has left none for it, or a part of one.

@@ -4,7 +4,9 @@
 
 #include "cabinet_folder.h"
 #include "qellib10/file/q_file.h"
+#include "qellib10/platform/error.h"
 #include "qellib10/secure/crypt_xml_document.h"
+#include "qellib10/secure/renewal_history.h"
 
 namespace {
 
@@ -61,6 +63,17 @@ int RegisterNext(At at) {
     CHistoryCabinetFile cabinet;
     return cabinet.Open(Cabinet(at), 0) && cabinet.RegistNewVersion(at.a);
 }
+// Of a cabinet whose versions have no records yet.
+int RegisterRecorded(At at) {
+    try {
+        qel::RenewalHistory(Cabinet(at).View(), at.Path("records").View()).Register(at.a.View(), "Mori", "");
+        return 1;
+    } catch (const qel::DataError&) {
+        return 0;
+    } catch (const CFileException&) {
+        return 0;
+    }
+}
 template <int kVersions> void Versions(At at) {
     for (int version = 0; version < kVersions; ++version) {
         at.Write("a", Data(version + 1));
@@ -95,6 +108,7 @@ const Operation kOperations[] = {
     {"CabinetLongVersion", RegisterNext, WholeVersions, Versions<3>},
     {"CabinetBehindTornVersion", RegisterNext, WholeVersions, TornVersions},
     {"CabinetEmptyVersion", RegisterNext, WholeVersions, Versions<5>},
+    {"CabinetRecordedVersion", RegisterRecorded, WholeVersions, Versions<3>},
     {"CabinetTakeOut", TakeOut, TakenOut, Versions<3>, true},
 };
 

@@ -51,6 +51,13 @@ void OpenForWriting(CHistoryCabinetFile& cabinet, const std::string& path) {
     if (cabinet.Open(Path(path), 0) == 0) throw Named(path, LastRefusal("cannot be opened", kBadHeader));
 }
 
+// Not where it could not be looked at.
+bool IsMissing(const CString& name) {
+    CFileException error;
+    if (CFile().Open(name, CFile::modeRead | CFile::shareDenyNone, &error) != 0) return false;
+    return error.m_cause == CFileException::fileNotFound || error.m_cause == CFileException::badPath;
+}
+
 // The document may be what cannot be read.
 Failure NotAdded(const Options& options) {
     const bool isOfDocument = CString(qel::LastFailure().item.c_str()) == Path(options.file);
@@ -72,7 +79,7 @@ qel::CabinetVersion Find(qel::CabinetReader& cabinet, const Options& options) {
 // The data of a damaged version may still be useful, but must not replace another file.
 Status Extract(const Options& options) {
     RequireNew(options.file, options.force, {options.cabinet});
-    const bool isNew = CQFile::IsExist(Path(options.file)) == 0;
+    const bool isNew = IsMissing(Path(options.file));
     CQFile file;
     bool isIntact = false;
     const qel::CabinetVersion version = OnFile(options.cabinet, [&] {
@@ -94,19 +101,39 @@ Status Extract(const Options& options) {
                   kChanged);
 }
 
+// A cabinet is made under a name of its own: Create would empty one that another program has made meanwhile.
+void MakeWithVersion(CHistoryCabinetFile& cabinet, const CString& name, const CString& source, const Options& options) {
+    const CString unfinished = name + ("." + std::to_string(::getpid()) + ".new").c_str();
+    const auto remove = [&] {
+        cabinet.Close();
+        OnFile(options.cabinet, [&] { qel::DeleteFile(unfinished.View()); });
+    };
+    if (cabinet.Create(unfinished) == 0) throw Failure(Shown(options.cabinet) + ": " + Why("cannot be made"));
+    if (cabinet.RegistNewVersion(source) == 0) {
+        const Failure failure = NotAdded(options);
+        remove();
+        throw failure;
+    }
+    cabinet.Close();
+    try {
+        OnFile(options.cabinet, [&] { qel::MoveFile(unfinished.View(), name.View()); });
+    } catch (const Failure&) {
+        remove();
+        throw;
+    }
+}
+
 Status Add(const Options& options) {
     RequireOther(options.cabinet, options.file);
     CHistoryCabinetFile cabinet;
     const CString name = Path(options.cabinet);
     const CString source = Path(options.file);
-    const bool isNew = CQFile::IsExist(name) == 0;
-    isNew ? RequireFolderOf(options.cabinet) : OpenForWriting(cabinet, options.cabinet);
-    if (isNew && cabinet.Create(name) == 0) throw Failure(Shown(options.cabinet) + ": " + Why("cannot be made"));
-    if (cabinet.RegistNewVersion(source) == 0) {
-        const Failure failure = NotAdded(options);
-        cabinet.Close();
-        if (isNew) OnFile(options.cabinet, [&] { qel::DeleteFile(name.View()); });  // an empty file is not a cabinet
-        throw failure;
+    if (IsMissing(name)) {
+        RequireFolderOf(options.cabinet);
+        MakeWithVersion(cabinet, name, source, options);
+    } else {
+        OpenForWriting(cabinet, options.cabinet);
+        if (cabinet.RegistNewVersion(source) == 0) throw NotAdded(options);
     }
     const DWORD version = cabinet.GetLatestVersion();
     CGuid guid = cabinet.GetGUID();
