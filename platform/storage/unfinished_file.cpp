@@ -46,7 +46,9 @@ Descriptor OpenToRemove(const std::string& path) {
     const Descriptor readOnly = open(O_RDONLY);
     struct stat status = {};
     const bool isFile = readOnly && ::fstat(readOnly.Get(), &status) == 0 && S_ISREG(status.st_mode);
-    if (isFile && Lock(readOnly, F_RDLCK) == 0 && ::fchmod(readOnly.Get(), S_IRUSR | S_IWUSR) == 0) file = open(O_RDWR);
+    const bool hasNoWriter = isFile && Lock(readOnly, F_RDLCK) == 0;
+    // A writer that had it until now may have given it its final name, and then its rights are final too.
+    if (hasNoWriter && IsStillAt(path, status) && ::fchmod(readOnly.Get(), S_IRUSR | S_IWUSR) == 0) file = open(O_RDWR);
     return file;
 }
 
