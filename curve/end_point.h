@@ -24,7 +24,8 @@ struct EndPoint {
 
 /// Finds the end point of a rising or falling titration curve. Taking the largest difference between two readings
 /// instead finds the largest noise or the nearest stray reading, and nothing in that result shows it; so an end point
-/// that is not certain is refused here.
+/// that is not certain is refused here. One kind of error cannot be seen: a stray reading in the step that lies between
+/// its neighbours (docs/end_points.md).
 ///
 /// @code
 /// qel::TitrationCurve curve;

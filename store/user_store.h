@@ -32,14 +32,15 @@ struct UserStoreState;
 /// further one, until a logon succeeds outside a lock or an administrator sets a new password.
 ///
 /// Names that differ in case only are one name. A name has 1 to 64 bytes and no control codes, a password up to 1024
-/// bytes. Logging on and automatic logon are in user_logon.cpp, everything else in user_store.cpp. The store does not
-/// ask who calls it: whoever may write the file (mode 0600 at first) may change it, and what a logged-on user may do to
-/// accounts is for the application to decide. One thread at a time; several programs may use one file. A program that
-/// forks does so before it connects.
+/// bytes. The store does not ask who calls it: whoever may write the file (mode 0600 at first) may change it, and what
+/// a logged-on user may do to accounts is for the application to decide. One thread at a time; several programs may use
+/// one file. A program that forks does so before it connects.
 ///
 /// An int is 1, or 0 when nothing was done; texts are empty then, and qel::LastFailure has the reason. For a wrong
 /// name or password it only says that it was refused. Everything fails before Connect. Nothing is thrown but
 /// std::bad_alloc, by what returns a text. The tables are described in docs/formats.md.
+///
+/// Logging on and automatic logon are in user_logon.cpp, everything else in user_store.cpp.
 class QELLIB10_API UserStore : public CClassAgentConnectInterface {
 public:
     /// @param path in the library's form; opened by Connect

@@ -21,8 +21,8 @@ public:
     /// @throws std::runtime_error when the system has no converter for the page
     explicit TextDecoder(FileEncoding encoding, UINT page = 0);
 
-    /// Appends the characters of @p bytes, which follow those of the calls before. Bytes missing at the end of a
-    /// character comes with the next call.
+    /// Appends the characters of @p bytes, which follow those of the calls before. If a character is cut at their
+    /// end, the rest of it comes with the next call.
     /// @return false when some of it is invalid; @p utf8 then has all that is before it, and this is the last call
     bool Decode(std::string_view bytes, std::string& utf8);
 

@@ -44,7 +44,7 @@ public:
     /// The node as in the document's text, without a line end after it; an attribute as `name="value"`.
     std::string Xml() const;
 
-    /// Adds an element as the last child, before white space before the closing tag.
+    /// Adds an element as the last child, before any white space that precedes the closing tag.
     /// @throws DataError when @p name is not a valid name, or the element would be deeper than 512 levels
     XmlNode AppendElement(std::string_view name);
 

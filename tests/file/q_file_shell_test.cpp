@@ -7,7 +7,7 @@
 
 namespace {
 
-// Acts as a user who opens a folder below the one selected at the start, or cancels.
+// Plays the user: picks a subfolder of the folder that is selected when the dialog opens, or cancels.
 class ScriptedBrowser : public qel::FolderBrowser {
 public:
     std::optional<CString> Browse(const qel::BrowseRequest& request) override {
