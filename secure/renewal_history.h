@@ -33,8 +33,8 @@ public:
     /// Opens the files, and creates those that are missing, the cabinet by the first registration. A record that was
     /// cut is removed, and a version without a record gets one that names nobody.
     /// @throws DataError when the cabinet is in use or damaged, and when the records are damaged or those of another
-    /// cabinet; both files are then as they were. CFileException with sharingViolation when another object has them
-    /// open
+    /// cabinet; both files are then as they were, but for a missing file of records, which is made, empty.
+    /// CFileException with sharingViolation when another object has them open
     RenewalHistory(std::string_view cabinetPath, std::string_view recordPath);
     ~RenewalHistory();
     RenewalHistory(const RenewalHistory&) = delete;

@@ -69,6 +69,12 @@ Replacement::~Replacement() = default;
 
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
+CString Replacement::Path() const {
+    CString path = ToLibraryPath(m_made->Path());
+    ToPosixPath(path.View());  // throws if it is too long
+    return path;
+}
+
 // @return false if there is none
 bool Replacement::FindPattern(struct stat& pattern) const {
     if (m_moved < 0) return IsThere(m_pattern, m_name, pattern) && S_ISREG(pattern.st_mode);

@@ -6,6 +6,7 @@
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/storage/descriptor.h"
+#include "qellib10/platform/text/string.h"
 
 struct stat;
 
@@ -46,6 +47,10 @@ public:
 
     /// The new file, open for reading and writing.
     const Descriptor& File() const noexcept;
+
+    /// The new file's path in the library's form, for operations that open files by their names.
+    /// @throws CFileException above the library's 259 bytes
+    CString Path() const;
 
     /// Flushes the new file, renames it, flushes the folder.
     /// @throws CFileException 5 when the old file is read-only or a folder, 32 when it is open anywhere; the old file

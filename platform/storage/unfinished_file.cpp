@@ -45,10 +45,12 @@ Descriptor OpenToRemove(const std::string& path) {
     if (file || errno != EACCES) return file;
     const Descriptor readOnly = open(O_RDONLY);
     struct stat status = {};
-    const bool isFile = readOnly && ::fstat(readOnly.Get(), &status) == 0 && S_ISREG(status.st_mode);
-    const bool hasNoWriter = isFile && Lock(readOnly, F_RDLCK) == 0;
-    // A writer that had it until now may have given it its final name, and then its rights are final too.
-    if (hasNoWriter && IsStillAt(path, status) && ::fchmod(readOnly.Get(), S_IRUSR | S_IWUSR) == 0) file = open(O_RDWR);
+    const bool hasNoWriter = readOnly && Lock(readOnly, F_RDLCK) == 0;
+    if (!hasNoWriter || ::fstat(readOnly.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return file;
+    // A writer that had it until now may have given it its final name, perhaps beside this one. Then its rights are
+    // final too.
+    const bool isOnlyName = status.st_nlink == 1 && IsStillAt(path, status);
+    if (isOnlyName && ::fchmod(readOnly.Get(), S_IRUSR | S_IWUSR) == 0) file = open(O_RDWR);
     return file;
 }
 

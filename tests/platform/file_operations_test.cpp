@@ -337,6 +337,12 @@ TEST_F(Replacement, RemovesReadOnlyLeftovers) {
               0);
     EXPECT_EQ(AsOrdinaryUser([&] { return Copy("a", "c"); }), 0);
     EXPECT_EQ(m_folder.Count(), 5);
+    // A writer that was killed between the two steps of a rename by links: the file is finished.
+    EXPECT_EQ(AsOrdinaryUser([&] {
+                  std::filesystem::create_hard_link(m_folder.Posix("c"), m_folder.Posix("c.E100.tmp"));
+                  return leave(false);
+              }),
+              0);
     EXPECT_EQ(StatusOf("c").st_mode & 07777, 0444U);
 }
 

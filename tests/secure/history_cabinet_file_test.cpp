@@ -7,6 +7,7 @@
 #include "../support/test.h"
 #include "cabinet_folder.h"
 #include "qellib10/platform/storage/file_operations.h"
+#include "qellib10/secure/cabinet_reader.h"
 #include "qellib10/secure/history_cabinet_format.h"
 
 namespace {
@@ -207,4 +208,23 @@ TEST_F(History, OthersSeeWholeVersionsOrNone) {
         }
     }
     EXPECT_GE(whole, 20u);
+}
+
+TEST(CabinetFileKind, IsKnownByTheFirstBytesAlsoWithADamagedHeader) {
+    using enum qel::CabinetFileKind;
+    const std::string header(36, 'x'), tag("\x10HistoryRenewInfo\x04", 18);
+    for (const auto& [start, kind] : Cases<std::string, qel::CabinetFileKind>{
+             {"HCF1", kCabinet},
+             {"HCF", kOther},
+             {header + "CVH1", kCabinet},
+             {header + "CVH", kOther},
+             {"x" + header + "CVH1", kOther},
+             {tag + "1.00", kRenewals},
+             {tag + "1.0", kOther},
+         }) {
+        EXPECT_EQ(qel::KindOfCabinetFile(start), kind) << start;
+    }
+    for (const auto& [rest, isCut] : Cases<std::string, bool>{
+             {"", true}, {"CV", true}, {"CVH1", true}, {std::string(4, '\0'), true}, {"CVH2", false}, {"x", false}})
+        EXPECT_EQ(qel::MayBeCutVersion(rest), isCut) << rest;
 }

@@ -152,7 +152,7 @@ TEST(Qel, CalcChecksAndComputes) {
     EXPECT_EQ(folder.Qel("archive oldest.var --oldest"), "8 qel: oldest.var: of 1 variables 0 can be read\n");
 }
 
-TEST(Qel, SealsOnceAndAgain) {
+TEST(Qel, SealsCountUpAndAreRefusedForChangedFiles) {
     const QelFolder folder;
     for (const char* name : {"a", "b", "c"}) folder.Write(name, "data");
     EXPECT_TRUE(folder.Qel("seal a").starts_with("0 a: sealed as version 1 of "));
@@ -195,6 +195,17 @@ TEST(Qel, KeepsVersionsInACabinet) {
               "0 qel: c.hcf: version 1 is damaged; latest stays as it was\nsecond");
     EXPECT_EQ(folder.Qel("cabinet extract c.hcf found --version 1"),
               "6 qel: c.hcf: version 1 is damaged; found has what was found of it\n");
+}
+
+TEST(Qel, CabinetsThatSeveralMakeAtOnceHaveEveryVersionThatWasAdded) {
+    for (int round = 0; round < 5; ++round) {
+        const QelFolder folder;
+        folder.Write("document", "text");
+        folder.Qel("--version; for i in 1 2 3 4 5 6; do (" QELLIB10_QEL
+                   " cabinet add c.hcf document && echo . >>added) & done; wait");
+        const std::string added = std::to_string(folder.Read("added").size() / 2);
+        EXPECT_EQ(folder.Qel("cabinet list c.hcf | grep -c ^version; ls"), "0 " + added + "\nadded\nc.hcf\ndocument\n");
+    }
 }
 
 TEST(Qel, LosesNothingThatIsThere) {
@@ -250,7 +261,7 @@ TEST(Qel, ShowsAndChangesDocuments) {
     EXPECT_EQ(folder.Qel("xml show broken.xml")[0], '9');
     folder.Write("empty.xml", "");
     for (const char* arguments : {"show empty.xml", "set empty.xml A x", "encipher empty.xml plain.xml --force"})
-        EXPECT_EQ(folder.Qel("xml " + std::string(arguments)), "9 qel: empty.xml: no well-formed document\n");
+        EXPECT_EQ(folder.Qel("xml " + std::string(arguments)), "9 qel: empty.xml: not a well-formed document\n");
     EXPECT_FALSE(folder.Read("plain.xml").empty()) << "what is there is not lost";
 }
 

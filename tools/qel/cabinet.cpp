@@ -58,6 +58,18 @@ bool IsMissing(const CString& name) {
     return error.m_cause == CFileException::fileNotFound || error.m_cause == CFileException::badPath;
 }
 
+// @return whether the new file has got its name; false if there is one of this name already
+bool IsFirst(qel::Replacement& made) {
+    constexpr LONG kExists = 80;
+    try {
+        made.CommitNew();
+        return true;
+    } catch (const CFileException& failure) {
+        if (failure.m_lOsError != kExists) throw;
+        return false;
+    }
+}
+
 // The document may be what cannot be read.
 Failure NotAdded(const Options& options) {
     const bool isOfDocument = CString(qel::LastFailure().item.c_str()) == Path(options.file);
@@ -102,25 +114,14 @@ Status Extract(const Options& options) {
 }
 
 // A cabinet is made under a name of its own: Create would empty one that another program has made meanwhile.
-void MakeWithVersion(CHistoryCabinetFile& cabinet, const CString& name, const CString& source, const Options& options) {
-    const CString unfinished = name + ("." + std::to_string(::getpid()) + ".new").c_str();
-    const auto remove = [&] {
-        cabinet.Close();
-        OnFile(options.cabinet, [&] { qel::DeleteFile(unfinished.View()); });
-    };
+// @return false if another program has made one
+bool MakeWithVersion(CHistoryCabinetFile& cabinet, const CString& name, const CString& source, const Options& options) {
+    const auto made = OnFile(options.cabinet, [&] { return std::make_unique<qel::Replacement>(name.View()); });
+    const CString unfinished = OnFile(options.cabinet, [&] { return made->Path(); });
     if (cabinet.Create(unfinished) == 0) throw Failure(Shown(options.cabinet) + ": " + Why("cannot be made"));
-    if (cabinet.RegistNewVersion(source) == 0) {
-        const Failure failure = NotAdded(options);
-        remove();
-        throw failure;
-    }
+    if (cabinet.RegistNewVersion(source) == 0) throw NotAdded(options);
     cabinet.Close();
-    try {
-        OnFile(options.cabinet, [&] { qel::MoveFile(unfinished.View(), name.View()); });
-    } catch (const Failure&) {
-        remove();
-        throw;
-    }
+    return OnFile(options.cabinet, [&] { return IsFirst(*made); });
 }
 
 Status Add(const Options& options) {
@@ -128,10 +129,9 @@ Status Add(const Options& options) {
     CHistoryCabinetFile cabinet;
     const CString name = Path(options.cabinet);
     const CString source = Path(options.file);
-    if (IsMissing(name)) {
-        RequireFolderOf(options.cabinet);
-        MakeWithVersion(cabinet, name, source, options);
-    } else {
+    const bool isMissing = IsMissing(name);
+    if (isMissing) RequireFolderOf(options.cabinet);
+    if (!isMissing || !MakeWithVersion(cabinet, name, source, options)) {
         OpenForWriting(cabinet, options.cabinet);
         if (cabinet.RegistNewVersion(source) == 0) throw NotAdded(options);
     }
