@@ -17,7 +17,7 @@
 #include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/descriptor.h"
-#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
@@ -120,27 +120,19 @@ bool IsReadable(const struct stat& status) {
     return S_ISREG(status.st_mode) && static_cast<std::size_t>(status.st_size) <= IniIndex::kLargestFile;
 }
 
-std::optional<std::string> Content(const Descriptor& file, std::size_t size, const std::string& path) {
-    std::string bytes(size, '\0');
-    try {
-        bytes.resize(ReadFully(file, std::as_writable_bytes(std::span(bytes)), path));
-    } catch (const CFileException&) {
-        return std::nullopt;
-    }
-    return bytes;
-}
-
 // @param old the former state of the same file, if known
-std::optional<CachedFile> Load(const std::string& path, const Descriptor& file, const std::optional<CachedFile>& old) {
+CachedFile Load(const std::string& path, const Descriptor& file, std::string_view name,
+                const std::optional<CachedFile>& old) {
     struct stat status = {};
     const Nanoseconds before = Now();
-    if (::fstat(file.Get(), &status) != 0 || !IsReadable(status)) return std::nullopt;
-    std::optional<std::string> bytes = Content(file, static_cast<std::size_t>(status.st_size), path);
-    if (!bytes) return std::nullopt;
+    if (::fstat(file.Get(), &status) != 0) ThrowErrno(errno, name);
+    if (!IsReadable(status)) ThrowCode(kAccessDenied, name);
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    bytes.resize(ReadFully(file, std::as_writable_bytes(std::span(bytes)), name));
     const Stamp stamp(status);
-    const bool same = old && old->index->Matches(*bytes);
+    const bool same = old && old->index->Matches(bytes);
     return CachedFile{path, stamp, stamp.IsSettledAt(before),
-                      same ? old->index : std::make_shared<const IniIndex>(std::move(*bytes))};
+                      same ? old->index : std::make_shared<const IniIndex>(std::move(bytes))};
 }
 
 bool IsCurrent(const CachedFile& file) {
@@ -151,20 +143,19 @@ bool IsCurrent(const CachedFile& file) {
 
 }  // namespace
 
-std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath) {
+std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath, std::string_view name) {
     Cache& cache = Cache::Instance();
     const std::optional<CachedFile> known = cache.Find(posixPath);
     if (known && IsCurrent(*known)) return known->index;
     const Descriptor opened(
         Uninterrupted([&] { return ::open(posixPath.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
-    const bool isMissing = !opened && (errno == ENOENT || errno == ENOTDIR);
-    std::optional<CachedFile> file = opened ? Load(posixPath, opened, known) : std::nullopt;
-    if (!file) {
-        if (known) cache.Forget(posixPath);
-        return isMissing ? std::make_shared<const IniIndex>("") : nullptr;
-    }
-    std::shared_ptr<const IniIndex> index = file->index;
-    cache.Keep(*std::move(file));
+    const int error = errno;
+    if (known) cache.Forget(posixPath);
+    if (!opened && (error == ENOENT || error == ENOTDIR)) return nullptr;
+    if (!opened) ThrowErrno(error, name, posixPath);
+    CachedFile file = Load(posixPath, opened, name, known);
+    std::shared_ptr<const IniIndex> index = file.index;
+    cache.Keep(std::move(file));
     return index;
 }
 

@@ -2,13 +2,16 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "qellib10/platform/ini/ini_index.h"
 
 namespace qel {
 
-/// The current content of the INI file at @p posixPath; empty if there is no file, null if it cannot be read. The most
-/// recent files are cached for all threads, and read again only if somebody has changed them.
-std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath);
+/// The current content of the INI file at @p posixPath, null if there is no file. The most recent files are cached for
+/// all threads, and read again only if somebody has changed them.
+/// @param name the path as the caller knows it
+/// @throws CFileException if it cannot be read, is not an ordinary file, or is larger than IniIndex::kLargestFile
+std::shared_ptr<const IniIndex> ReadIni(const std::string& posixPath, std::string_view name);
 
 }  // namespace qel

@@ -34,18 +34,40 @@ std::string FullName(std::string_view file) {
     return std::string(WindowsFolder().View()).append("\\").append(file);
 }
 
-std::shared_ptr<const IniIndex> Read(const char* file) {
+// @return nothing for an invalid name: no file has it
+std::optional<std::string> PosixNameOf(const std::string& name) {
     try {
-        return ReadIni(ToPosixPath(FullName(file != nullptr ? file : "")));
-    } catch (const CFileException&) {  // an invalid name
-        return std::make_shared<const IniIndex>("");
+        return ToPosixPath(name);
+    } catch (const CFileException&) {
+        return std::nullopt;
     }
 }
 
-// Records why a setting has its default. @return false
-bool Missing(bool isRead, const char* file, const char* name) {
-    if (isRead) return Refuse(FailureKind::kMissing, name != nullptr ? name : "", "not in the file") != 0;
-    return Refuse(FailureKind::kFile, file != nullptr ? file : "", "cannot be read") != 0;
+/// An INI file as it was found.
+struct Found {
+    std::shared_ptr<const IniIndex> index;  // null if it is missing, or cannot be read
+    bool isMissing = false;
+
+    /// Records why a setting has its default, unless Read has done so. @return false
+    bool RecordMissing(const char* name) const {
+        const std::string_view item = name != nullptr ? name : "";
+        if (isMissing) return Refuse(FailureKind::kMissing, item, "file not found", kFileMissing) != 0;
+        return index != nullptr && Refuse(FailureKind::kMissing, item, "not in the file") != 0;
+    }
+};
+
+// Records why it cannot be read.
+Found Read(const char* file) {
+    const std::string name = FullName(file != nullptr ? file : "");
+    const std::optional<std::string> posixName = PosixNameOf(name);
+    if (!posixName) return {nullptr, true};
+    try {
+        std::shared_ptr<const IniIndex> index = ReadIni(*posixName, name);
+        return {index, index == nullptr};
+    } catch (const CFileException& failure) {
+        RefuseBy(failure);
+        return {nullptr, false};
+    }
 }
 
 std::string_view WithoutTrailingBlanks(std::string_view text) {
@@ -109,16 +131,16 @@ std::string ReadProfileString(const char* section, const char* key, const char* 
                               const char* file) {
     if (size == 0) return {};
     Operation operation("qel::ReadProfileString");
-    const std::shared_ptr<const IniIndex> ini = Read(file);
+    const Found ini = Read(file);
     std::optional<std::string_view> value;
     std::string names;
     if (section != nullptr && key != nullptr) {
-        if (ini) value = ini->Value(section, key);
-    } else if (ini) {
-        names = section != nullptr ? ini->Keys(section) : ini->Sections();
+        if (ini.index) value = ini.index->Value(section, key);
+    } else if (ini.index) {
+        names = section != nullptr ? ini.index->Keys(section) : ini.index->Sections();
         if (!names.empty()) value = names;
     }
-    if (!operation.Ended(value.has_value() || Missing(ini != nullptr, file, key != nullptr ? key : section)))
+    if (!operation.Ended(value.has_value() || ini.RecordMissing(key != nullptr ? key : section)))
         value = WithoutTrailingBlanks(defaultValue != nullptr ? defaultValue : "");
     return std::string(LeftWhole(*value, size - 1));
 }
@@ -126,13 +148,13 @@ std::string ReadProfileString(const char* section, const char* key, const char* 
 std::optional<std::string> ReadProfileSection(const char* section, DWORD size, const char* file) {
     if (section == nullptr || size < 2) return "";
     Operation operation("qel::ReadProfileSection");
-    const std::shared_ptr<const IniIndex> ini = Read(file);
-    if (!operation.Ended(ini != nullptr || Missing(false, file, section))) return std::nullopt;
-    std::string entries = ini->Entries(section);
-    const std::size_t room = size - 2;
-    if (entries.size() > room) {
-        entries.resize(LeftWhole(entries, room).size());
-        entries.resize(room);
+    const Found ini = Read(file);
+    if (!operation.Ended(ini.index != nullptr || ini.isMissing)) return std::nullopt;
+    std::string entries = ini.index ? ini.index->Entries(section) : "";
+    const std::size_t capacity = size - 2;
+    if (entries.size() > capacity) {
+        entries.resize(LeftWhole(entries, capacity).size());
+        entries.resize(capacity);
     }
     return entries;
 }

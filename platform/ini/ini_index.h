@@ -37,7 +37,7 @@ public:
     std::optional<std::string_view> Value(std::string_view section, std::string_view key) const;
 
     /// The lines of a section without comments, each followed by a zero: name, equals sign and value, or the whole line
-    /// if it is no entry.
+    /// if it is not an entry.
     std::string Entries(std::string_view section) const;
     /// The names of a section's entries, or of all sections, each followed by a zero.
     std::string Keys(std::string_view section) const;

@@ -330,8 +330,10 @@ TEST_F(Failures, OfDocumentsReportNodeStateAndFile) {
 
 TEST_F(Failures, OfSettingsReportEntryAndPlace) {
     const RegistryScope registry;
-    CPrivateProfile ini(Path("a.ini")), missing(Path("no") + "\\a.ini"), nowhere, keys("HKEY_CURRENT_USER\\Meter", 1);
+    CPrivateProfile ini(Path("a.ini")), noFile(Path("d.ini")), missing(Path("no") + "\\a.ini"), nowhere,
+        keys("HKEY_CURRENT_USER\\Meter", 1);
     ASSERT_EQ(Line({ini.Set("s", "k", "v"), keys.Set("s", "k", "v")}), "1 1");
+    std::filesystem::create_directory(folder.Posix("d.ini"));
     DWORD size = 1;
     char bytes[1] = {};
     CStringArray list;
@@ -346,6 +348,8 @@ TEST_F(Failures, OfSettingsReportEntryAndPlace) {
         {[&] { return ini.SetDouble("s", "k", 1.0 / 0.0); },
          "argument: CPrivateProfile::SetDouble: k: no key, or no number"},
         {[&] { return ini.Get("s", "none", 0); }, "missing: CPrivateProfile::Get: none: not in the file"},
+        {[&] { return missing.Get("s", "k", 0); }, "missing: CPrivateProfile::Get: k: file not found (2)"},
+        {[&] { return noFile.Get("s", "k", 0); }, "file: CPrivateProfile::Get: d.ini: access denied (5)"},
         {[&] { return ini.Get("s", "k", bytes, &size); }, "state: CPrivateProfile::Get: only in the registry"},
         {[&] { return ini.Delete("s"); }, "state: CPrivateProfile::Delete: only in the registry"},
         {[&] { return keys.GetAllStrings("s", list); }, "state: CPrivateProfile::GetAllStrings: only of an INI file"},

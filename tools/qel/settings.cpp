@@ -45,10 +45,12 @@ Setting SettingOf(const qel::RegistryValue& value) {
 
 // After a text was read that may be the default. @return whether it was stored
 bool WasThere() {
-    const qel::FailureKind kind = qel::LastFailure().kind;
-    if (kind != qel::FailureKind::kNone && kind != qel::FailureKind::kMissing)
-        throw LastRefusal("cannot be read", kInconsistent);
-    return kind == qel::FailureKind::kNone;
+    constexpr long kFileMissing = 2;
+    const qel::Failure failure = qel::LastFailure();
+    if (failure.kind == qel::FailureKind::kNone) return true;
+    if (failure.kind != qel::FailureKind::kMissing) throw LastRefusal("cannot be read", kInconsistent);
+    if (failure.systemError == kFileMissing) throw Failure(failure.text, kUnreadable);
+    return false;
 }
 
 // The names in a list returned by the profile functions, each followed by a zero.
@@ -77,19 +79,9 @@ std::vector<Section> ReadIniSections(const CString& file) {
     return sections;
 }
 
-// Otherwise an unreadable file would look like one without settings.
-void RequireReadable(const Place& place) {
-    constexpr ULONGLONG kLargest = 32 << 20;
-    OnFile(place.given, [&] {
-        const CFile file(place.location, CFile::modeRead | CFile::shareDenyNone);
-        if (file.GetLength() > kLargest) throw Failure("larger than 32 MiB");
-    });
-}
-
 Failure RegistryFailure(const Place& place, LONG code) {
-    const std::string reason =
-        code == qel::kRegistryNotFound ? "there is no such key" : "cannot be read (" + std::to_string(code) + ")";
-    return Failure(Shown(place.given) + ": " + reason);
+    return Failure(Shown(place.given) + ": " +
+                   (code == qel::kRegistryNotFound ? "there is no such key" : Why("cannot be read")));
 }
 
 void AddRegistrySections(const Place& place, const CString& below, std::vector<Section>& sections) {
@@ -126,10 +118,7 @@ Place PlaceOf(const std::string& location) {
 
 std::optional<Setting> ReadSetting(const Place& place, const std::string& section, const std::string& key) {
     const CString below = ExactText(section), name = ExactText(key);
-    if (place.root == nullptr) {
-        RequireReadable(place);
-        return ReadIniSetting(place.location, below, name);
-    }
+    if (place.root == nullptr) return OnFile(place.given, [&] { return ReadIniSetting(place.location, below, name); });
     qel::RegistryValue value;
     const LONG code =
         qel::ReadRegistryValue(place.root, below.IsEmpty() ? place.key : place.key + "\\" + below, name, value);
@@ -139,10 +128,7 @@ std::optional<Setting> ReadSetting(const Place& place, const std::string& sectio
 }
 
 std::vector<Section> ReadSections(const Place& place) {
-    if (place.root == nullptr) {
-        RequireReadable(place);
-        return ReadIniSections(place.location);
-    }
+    if (place.root == nullptr) return OnFile(place.given, [&] { return ReadIniSections(place.location); });
     std::vector<Section> sections;
     AddRegistrySections(place, CString(), sections);
     return sections;
