@@ -65,6 +65,7 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/text/string_array.h"
 #include "qellib10/platform/text/string_table.h"
+#include "qellib10/platform/text/trimmed.h"
 #include "qellib10/platform/time/ole_date_time.h"
 #include "qellib10/platform/time/time.h"
 #include "qellib10/platform/types.h"

@@ -18,7 +18,7 @@
 /// Sizes count bytes and characters; a negative one means 0. Conversions return 1, or 0 (and write nothing) if the
 /// target is too small or a needed pointer is null. Nothing is thrown. Any thread may call them.
 ///
-/// Characters outside the alphabet are no error: they decode as 0 bits.
+/// Characters outside the alphabet are not errors: they decode as 0 bits.
 class QELLIB10_API CBase64 {
 public:
     virtual ~CBase64();

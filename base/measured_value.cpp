@@ -5,6 +5,7 @@
 #include <string>
 
 #include "qellib10/base/read_number.h"
+#include "qellib10/platform/text/trimmed.h"
 
 namespace qel {
 namespace {
@@ -18,11 +19,6 @@ struct Replacement {
 };
 constexpr Replacement kPlain[] = {{"\u2212", "-"}, {"\u2013", "-"}, {"\u00A0", " "},     {"\u202F", " "},
                                   {"\u2009", " "}, {"\u2019", "'"}, {"\u03BC", "\u00B5"}};
-
-std::string_view Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    return text.substr(0, text.find_last_not_of(" \t") + 1);
-}
 
 std::optional<double> ReadPlain(std::string_view text) {
     const auto number = ReadNumber(text);

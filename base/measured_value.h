@@ -19,7 +19,7 @@ struct MeasuredValue {
 ///
 ///     −12.5          with the minus sign U+2212, or with the en dash that spreadsheets put in its place
 ///     3.14 mL        with a unit after it: a letter, a degree or per cent sign, then up to 8 bytes without a digit;
-///                    marks as in "7.2?" and a cut exponent as in "1.5E" are no units
+///                    marks as in "7.2?" and a cut exponent as in "1.5E" are not units
 ///     1,234.5        with thousands set apart by the other sign, by an apostrophe or by blanks, no-break ones too;
 ///     1 234,5        a single sign alone is the decimal sign: "1,234" is 1.234
 ///

@@ -50,7 +50,7 @@ QELLIB10_API double RoundByRule(double x, int digits, int mode);
 /// the size of a target, which the caller knows. Nothing is thrown but std::bad_alloc.
 ///
 /// Kept: fround is not the rounding taught at school in all cases, since its results are in files (see there;
-/// CBCD::Round is). Nor do StrToInt and StrToDouble report a text that is no number: what an instrument sends is for
+/// CBCD::Round is). Nor do StrToInt and StrToDouble report a text that is not a number: what an instrument sends is for
 /// qel::ReadNumber.
 ///
 /// Rounding is here; the object's own members are in q_variant.cpp, numbers in q_variant_number.cpp, texts, versions

@@ -8,22 +8,19 @@
 #include <string>
 #include <system_error>
 
+#include "qellib10/platform/text/trimmed.h"
+
 namespace qel {
 namespace {
 
 constexpr std::string_view kBlanks = "\t\n\v\f\r ";
-
-std::string_view WithoutBlanks(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 std::string_view OrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
 }  // namespace
 
 std::optional<double> ReadNumber(std::string_view text) {
-    text = WithoutBlanks(text);
+    text = Trimmed(text, kBlanks);
     // from_chars accepts only "-" as a sign, and would read names of infinities.
     if (text.starts_with('+')) {
         text.remove_prefix(1);

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <charconv>
+#include <concepts>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
@@ -19,6 +22,15 @@ QELLIB10_API std::optional<double> ReadNumber(std::string_view text);
 /// The same for a text with a terminating zero; null means empty.
 QELLIB10_API std::optional<double> ReadNumber(const char* text);
 inline std::optional<double> ReadNumber(const CString& text) { return ReadNumber(text.View()); }
+
+/// A whole number that is the whole of @p text: digits, before them a "-" if @p Number has a sign. No blanks, no "+".
+/// @return nothing if the text contains anything else, and if the number does not fit
+template <std::integral Number> std::optional<Number> ReadWholeNumber(std::string_view text) {
+    Number number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
 
 /// A number in the reply of an instrument that uses SCPI, which sends 9.9E37 and -9.9E37 for the infinities and 9.91E37
 /// for "not a number". They are returned as infinities and NaN, however many digits they have; everything else is read

@@ -17,7 +17,7 @@
 ///
 /// A thin value over decNumber: one number and one context, nothing on the heap, copied as plain memory.
 ///
-/// Nothing here fails. Text that is no number and impossible operations give NaN, a division by zero or an exponent
+/// Nothing here fails. Text that is not a number and impossible operations give NaN, a division by zero or an exponent
 /// above 384 gives Infinity, less than 1E-397 rounds to that or to 0; a caller who needs to know asks the value.
 ///
 /// Each number has a rounding mode of its own for the operations in which it is the left operand: half-up at first,

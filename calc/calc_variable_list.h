@@ -141,3 +141,12 @@ private:
     std::vector<CCalcVariable> m_aryVariable;
     std::unique_ptr<qel::CalcVariableIndex> m_pIndex;  // follows m_aryVariable; each look-up updates it
 };
+
+namespace qel {
+
+/// Whether a file with the first bytes @p start (12 are enough) is an archive of CCalcVariableList or CCalcVariable,
+/// which have the same tags; for programs that open files whatever their names are. Whether it is whole is what
+/// Serialize finds. The oldest layout has no tag.
+QELLIB10_API bool IsCalcArchive(std::string_view start);
+
+}  // namespace qel

@@ -118,7 +118,7 @@ void Run(const Options& options, const CString& folder) {
     MadeFiles made(folder);
     std::string text;
     try {
-        const Progress progress("Working in " + options.out);
+        const ElapsedLine progress("Working in " + options.out);
         text = Do(options, folder, made);
     } catch (const Failure& failure) {
         Log(std::string("failed: ") + failure.what());

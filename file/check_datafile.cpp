@@ -138,8 +138,8 @@ int CCheckDatafile::ReadPackData(CQFile* file) {
 }
 
 int CCheckDatafile::TakeInfo(const CQFile& file, ULONGLONG trailerAt) {
-    std::array<std::byte, SealInfo::kLongest> room;
-    const auto bytes = std::span(room).first(std::min<std::size_t>(NumberAt(file, trailerAt), SealInfo::kLongest));
+    std::array<std::byte, SealInfo::kLongest> buffer;
+    const auto bytes = std::span(buffer).first(std::min<std::size_t>(NumberAt(file, trailerAt), SealInfo::kLongest));
     const CString path = file.GetFilePath();
     const std::size_t got =
         qel::ReadFullyAt(file.ReadableDescriptor(), bytes, trailerAt + SealInfo::kLengthSize, path.View());

@@ -62,7 +62,7 @@ struct QELLIB10_API CsvFailure {
 ///         curve.volume.push_back(volume->value);
 ///         curve.signal.push_back(signal->value);
 ///     } else {
-///         std::printf("line %zu is no reading\n", table.Line());  // a heading, or a reading that is lost
+///         std::printf("line %zu is not a reading\n", table.Line());  // a heading, or a reading that is lost
 ///     }
 /// }
 /// if (table.Failure()) std::puts(table.Failure()->Text().c_str());  // the curve is not whole
@@ -75,7 +75,7 @@ struct QELLIB10_API CsvFailure {
 ///
 /// The separator that is found is the one that gives the most rows with two measured values (ReadMeasuredValue) in the
 /// first 256 KiB (4000 rows at most), so "1,5;2,5" is two numbers with decimal commas. A first line "sep=;" names it,
-/// and is no row. Where bars are found, those at both ends of a row are its border.
+/// and is not a row. Where bars are found, those at both ends of a row are its border.
 ///
 /// Nothing is thrown but std::bad_alloc. One thread at a time.
 class QELLIB10_API CsvReader {

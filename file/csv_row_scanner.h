@@ -13,7 +13,7 @@ struct CsvSyntax {
     char separator = ',';
     char mark = '"';              // 0: none
     bool isLineARow = false;      // a line break ends a row between marks too
-    bool mayHaveBorders = false;  // bars before the first field and after the last one are no separators
+    bool mayHaveBorders = false;  // bars before the first field and after the last one are not separators
 };
 
 /// Finds the fields of one row after the other in a text that may not be there as a whole.

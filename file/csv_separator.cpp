@@ -26,7 +26,7 @@ bool MayBeValue(std::string_view field) {
            std::string_view("0123456789+-.,").find(first) != std::string::npos;
 }
 
-// Digits that are no value, as "5 2" of "1,5 2,5" and "1 | 7" of "0,1 | 7,2", and those that begin with a zero which
+// Digits that are not a value, as "5 2" of "1,5 2,5" and "1 | 7" of "0,1 | 7,2", and those that begin with a zero which
 // nobody writes, as "0 215" of "1,0 215" and "000,7" of "1 000,7".
 bool IsDoubtful(std::string_view field, bool isValue) {
     if (field.empty()) return false;

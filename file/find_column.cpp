@@ -5,16 +5,12 @@
 #include <limits>
 
 #include "qellib10/base/measured_value.h"
+#include "qellib10/platform/text/trimmed.h"
 
 namespace qel {
 namespace {
 
-constexpr std::string_view kDigits = "0123456789", kBlanks = " \t";
-
-std::string_view Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
+constexpr std::string_view kDigits = "0123456789";
 
 bool IsAscii(std::string_view text) {
     return std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
@@ -27,14 +23,16 @@ bool IsSameBesidesCase(std::string_view a, std::string_view b) { return std::ran
 template <class Field> std::optional<std::size_t> Find(std::span<const Field> row, std::string_view column) {
     if (const auto number = ColumnNumber(column)) return number;
     const std::string_view name = Trimmed(column);
-    const std::string plain = WithPlainCharacters(name);
+    const std::string replaced = WithPlainCharacters(name);
+    const std::string_view plain = Trimmed(replaced);
     std::optional<std::size_t> similar;
     for (std::size_t i = 0; i < row.size(); ++i) {
         const std::string_view field = Trimmed(row[i]);
         if (field == name) return i;
         if (similar) continue;
         // Most rows are readings: their fields are not copied.
-        if (IsAscii(field) ? IsSameBesidesCase(field, plain) : IsSameBesidesCase(WithPlainCharacters(field), plain))
+        if (IsAscii(field) ? IsSameBesidesCase(field, plain)
+                           : IsSameBesidesCase(Trimmed(WithPlainCharacters(field)), plain))
             similar = i;
     }
     return similar;

@@ -283,9 +283,9 @@ int CPrivateProfile::Get(const char* section, const char* key, void* data, DWORD
     if (m_nMode != registryMode) return qel::Operation(kGet).Failed(FailureKind::kState, "", kOnlyInRegistry);
     if (size == nullptr) return qel::RefuseNull(kGet);
     if (!Read(section, key, value)) return 0;
-    const DWORD room = std::exchange(*size, static_cast<DWORD>(value.data.size()));
+    const DWORD capacity = std::exchange(*size, static_cast<DWORD>(value.data.size()));
     if (data == nullptr) return 1;
-    if (room < value.data.size())
+    if (capacity < value.data.size())
         return qel::Operation(kGet).Failed(FailureKind::kArgument, "", "the buffer is too small");
     std::ranges::copy(value.data, static_cast<char*>(data));
     return 1;

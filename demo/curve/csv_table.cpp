@@ -47,7 +47,7 @@ bool HasTimeOfDay(std::string_view field) {
            IsDigit(field[colon + 1]);
 }
 
-// "Column 1;Column 2" and "2026-01-05;12:30" are no readings. "Start 0.0;3.1" may be one.
+// "Column 1;Column 2" and "2026-01-05;12:30" are not readings. "Start 0.0;3.1" may be one.
 bool IsHeading(const Row& row, const Columns& columns) {
     const std::string_view volume = FieldOf(row, columns.volume), signal = FieldOf(row, columns.signal);
     return (BeginsWithLetter(volume) && BeginsWithLetter(signal)) || HasTimeOfDay(volume) || HasTimeOfDay(signal);
@@ -100,7 +100,9 @@ public:
             AddPoint(line, row, number);
         } else if (line.isUnreadable) {
             const bool isBeforeAll = m_tables.empty() && !m_columns.haveNames;
-            if (!isBeforeAll || !IsHeading(row, m_columns)) m_unreadable.Add(number);
+            if (isBeforeAll && IsHeading(row, m_columns)) return;
+            m_unreadable.Add(number);
+            ++m_missing;
         } else {
             TakeWithoutPoint(line, row, number);
         }
@@ -265,6 +267,10 @@ Curve Chosen(std::string_view text, const Rows& split, std::vector<Table>& table
 Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn, int table) {
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) RefuseEmptyFile();
     const Rows split = SplitAsWritten(text);
+    for (const std::string& column : {volumeColumn, signalColumn}) {
+        const auto number = ColumnNumber(column);  // a row has a field a byte at most
+        if (number && *number >= qel::CsvReader::kLongestRow) RefuseColumnNumber(column);
+    }
     const auto volume = ColumnNumber(volumeColumn), signal = ColumnNumber(signalColumn);
     Columns columns{volumeColumn, signalColumn, volume.value_or(0), signal.value_or(0), !volume || !signal};
     for (std::size_t i = 0; columns.haveNames && columns.namesLine == 0; ++i) {

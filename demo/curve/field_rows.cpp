@@ -24,12 +24,12 @@ constexpr std::size_t kMaximumShown = 6, kLongestShown = 40;  // fields, and byt
 Rows SplitAsWritten(std::string_view text) {
     qel::CsvFormat format;
     format.isLineARow = true;
-    format.encoding = qel::CsvEncoding::kUnchecked;  // a note in another encoding is no reason to refuse a curve
+    format.encoding = qel::CsvEncoding::kUnchecked;  // a note in another encoding is not a reason to refuse a curve
     qel::CsvReader table(text, format);
     Rows result;
     while (table.Next()) {
         result.rows.resize(table.Line());  // a row for each line, also for one that names the separator
-        for (const std::string_view field : table.Fields()) result.rows.back().emplace_back(Trimmed(field));
+        for (const std::string_view field : table.Fields()) result.rows.back().emplace_back(qel::Trimmed(field));
     }
     if (table.Failure()) throw Failure(table.Failure()->Text());
     result.separator = table.Separator();

@@ -65,6 +65,10 @@ void RefuseNames(std::string_view text, const Rows& split, const Columns& column
                   "; name two fields of one line in [curve] of the settings, or give their numbers");
 }
 
+void RefuseColumnNumber(const std::string& column) {
+    throw Failure("there is no column " + column + "; give its name, or its number counted from 1");
+}
+
 void RefuseSameColumn(const Columns& columns) {
     throw Failure("volume and signal are the same column, " + columns.Text() +
                   "; name two columns in [curve] of the settings");

@@ -28,6 +28,9 @@ struct Table {
 /// No line has the columns. @param text the file's, whose encoding may be the cause
 [[noreturn]] void RefuseNames(std::string_view text, const Rows& split, const Columns& columns);
 
+/// No table has a column of this number.
+[[noreturn]] void RefuseColumnNumber(const std::string& column);
+
 /// Volume and signal are one column.
 [[noreturn]] void RefuseSameColumn(const Columns& columns);
 

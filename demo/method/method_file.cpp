@@ -59,7 +59,7 @@ Method MethodFile::Read(const std::string& path) {
     constexpr int kNoWait = 1;
     CCryptXMLDocument document;
     const std::string name(CQFile::GetFilenameFromPath(path.c_str()));
-    if (document.LoadXMLFile(path.c_str(), kNoWait) == 0) throw Failure(name + ": " + Why("is no document"));
+    if (document.LoadXMLFile(path.c_str(), kNoWait) == 0) throw Failure(name + ": " + Why("is not a document"));
     return About(name, [&] { return ReadMethod(document); });
 }
 

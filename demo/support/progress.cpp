@@ -4,12 +4,12 @@
 
 namespace titration {
 
-Progress::Progress(std::string what, int descriptor, std::chrono::milliseconds after)
+ElapsedLine::ElapsedLine(std::string what, int descriptor, std::chrono::milliseconds after)
     : m_what(qel::PrintableText(what)), m_descriptor(descriptor) {
     if (::isatty(descriptor) == 1) m_thread = std::thread([this, after] { Show(after); });
 }
 
-Progress::~Progress() {
+ElapsedLine::~ElapsedLine() {
     if (!m_thread.joinable()) return;
     {
         const std::lock_guard lock(m_mutex);
@@ -19,7 +19,7 @@ Progress::~Progress() {
     m_thread.join();
 }
 
-void Progress::Show(std::chrono::milliseconds after) {
+void ElapsedLine::Show(std::chrono::milliseconds after) {
     const auto start = std::chrono::steady_clock::now();
     std::unique_lock lock(m_mutex);
     if (m_ended.wait_for(lock, after, [this] { return m_isEnded; })) return;
@@ -32,7 +32,7 @@ void Progress::Show(std::chrono::milliseconds after) {
 }
 
 // If the terminal is gone, the line ends, not the run.
-void Progress::Write(const std::string& text) const {
+void ElapsedLine::Write(const std::string& text) const {
     static_cast<void>(::write(m_descriptor, text.data(), text.size()) == 0);
 }
 

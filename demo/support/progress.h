@@ -12,13 +12,13 @@ namespace titration {
 
 /// A line on a terminal for a long run: what is being done and for how many seconds, once a second. The line is removed
 /// at the end of the scope. Nothing is written if the descriptor is not a terminal, and before @p after.
-class Progress {
+class ElapsedLine {
 public:
-    explicit Progress(std::string what, int descriptor = STDERR_FILENO,
-                      std::chrono::milliseconds after = std::chrono::seconds(2));
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    explicit ElapsedLine(std::string what, int descriptor = STDERR_FILENO,
+                         std::chrono::milliseconds after = std::chrono::seconds(2));
+    ~ElapsedLine();
+    ElapsedLine(const ElapsedLine&) = delete;
+    ElapsedLine& operator=(const ElapsedLine&) = delete;
 
 private:
     void Show(std::chrono::milliseconds after);

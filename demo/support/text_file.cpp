@@ -90,10 +90,4 @@ std::vector<std::string_view> Lines(std::string_view text) {
     return lines;
 }
 
-std::string_view Trimmed(std::string_view text, std::string_view blanks) {
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 }  // namespace titration

@@ -30,7 +30,4 @@ void WriteTextFile(const std::string& text, const std::string& path);
 /// The lines of @p text, ended by LF, CR LF or CR. They point into it.
 std::vector<std::string_view> Lines(std::string_view text);
 
-/// Without @p blanks at both ends.
-std::string_view Trimmed(std::string_view text, std::string_view blanks = " \t");
-
 }  // namespace titration

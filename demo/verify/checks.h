@@ -35,7 +35,7 @@ public:
 private:
     // The line of progress is removed before the check is shown.
     template <class Check> static std::string Found(const std::string& what, Check& check) {
-        const Progress progress("Checking " + what);
+        const ElapsedLine progress("Checking " + what);
         return check();
     }
 

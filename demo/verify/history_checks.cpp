@@ -78,8 +78,10 @@ CCalcVariableList KeptHistory::Variables(DWORD version) const {
 void KeptHistory::RequireVersionIn(const std::string& name, DWORD version) const {
     const TemporaryFile data;
     TakeOut(version, data.Path());
-    Require(CQFile::CompareFile(data.Path().c_str(), m_made.Path(name).c_str()) != 0,
-            "differs from version " + std::to_string(version) + " in results.hcf");
+    if (CQFile::CompareFile(data.Path().c_str(), m_made.Path(name).c_str()) != 0) return;
+    const bool isRead = qel::LastFailure().kind == qel::FailureKind::kData;
+    throw Failure(isRead ? "differs from version " + std::to_string(version) + " in results.hcf"
+                         : Why("cannot be compared"));
 }
 
 }  // namespace titration

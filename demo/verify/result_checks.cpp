@@ -65,7 +65,7 @@ Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory&
 
 std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result) {
     CQelPrintJobQueueData job;
-    RequireDone(job.LoadJobFile(made.Path(JobName(version)).c_str()), "is no job file");
+    RequireDone(job.LoadJobFile(made.Path(JobName(version)).c_str()), "is not a job file");
     CQelPrintJobCommand command;
     while (command.GetKind() != CQelPrintJobCommand::kText) {
         Require(job.GetBlock().GetNextCommand(command) != 0, "shows nothing");

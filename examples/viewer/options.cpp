@@ -1,22 +1,23 @@
 #include "options.h"
 
-#include <charconv>
 #include <cstring>
 #include <string_view>
+
+#include <qellib10/qellib10.h>
 
 namespace viewer {
 namespace {
 
 constexpr int kMaxPoints = 10'000'000;
 
-template <class Number> bool Read(std::string_view text, Number& number) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size();
+bool ReadPoints(std::string_view text, int& points) {
+    points = qel::ReadWholeNumber<int>(text).value_or(-1);
+    return points >= 0 && points <= kMaxPoints;
 }
 
 bool Take(Options& options, std::string_view name, const char* value) {
-    if (name == "--points") return Read(value, options.points) && options.points >= 0 && options.points <= kMaxPoints;
-    if (name == "--cross") return Read(value, options.cross.emplace());
+    if (name == "--points") return ReadPoints(value, options.points);
+    if (name == "--cross") return (options.cross = qel::ReadNumber(value)).has_value();
     if (name == "--screenshot") return !(options.screenshot = value).empty();
     return false;
 }

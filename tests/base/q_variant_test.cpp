@@ -28,7 +28,7 @@ TEST(QVariant, KeepsTypeAndValueAndEqualsOnlyTheSameType) {
     invalid.SetStatus(COleDateTime::invalid);
     int type = 0;
     for (const CQVariant& holder : {CQVariant(), Holding(true), Holding(1), Holding(1.0F), Holding(1.0),
-                                    Holding("a text is no truth value"), Holding(date)})
+                                    Holding("a text is not a truth value"), Holding(date)})
         EXPECT_EQ(holder.GetType(), type++);
     CQVariant copy = Holding(CString("text"));
     EXPECT_EQ(copy, "text");
@@ -61,6 +61,7 @@ TEST(QVariant, RoundsToTensAndBeyondTheRangeOfDoubles) {
     for (const auto& [x, digits, mode, expected] : Cases<double, int, int, double>{
              {1.005, 2, 0, 1.01},
              {-1.005, 2, 0, -1.01},  // the doubles lie below the halves
+             {2.34999, 1, 0, 2.4},
              {1250, -2, 0, 1300},
              {1250, -2, -1, 1200},
              {-1201, -2, 1, -1300},
@@ -232,7 +233,7 @@ TEST(QVariant, NamesWithNumbersSortByTheNumber) {
              {"a\x83", "a", 0, 0},                      // Greek stays; a lone lead byte ends its text
              {"\xB1\x32", "\x83\x41\x31", -1, -1},      // single bytes sort before double ones
              {"\x82\x60\x31", "\x82\x81\x31", -1, 0},   // full-width A and a
-             {"\x83\x41\x33", "\x83\x61\x32", -1, -1},  // the trail bytes are no letters
+             {"\x83\x41\x33", "\x83\x61\x32", -1, -1},  // the trail bytes are not letters
          }) {
         EXPECT_EQ(Line({V::StrCmp(a, b), V::StrCmp(b, a)}), Line({order, -order})) << a << ", " << b;
         EXPECT_EQ(V::StrCmpi(a, b), foldedOrder) << a << ", " << b;

@@ -68,6 +68,7 @@ TEST(Bcd, OperationsAndRoundTakeTheMode) {
 TEST(Bcd, RoundDropsZerosAndTheImpossibleBecomesASpecialValue) {
     const Cases<CBCD, const char*> cases = {
         {Rounded("2.500", 2, kUp), "2.5"},
+        {Rounded("2.34999", 1, DEC_ROUND_HALF_UP), "2.3"},
         {Rounded("99.99", 1, kUp), "1E+2"},
         {Rounded("0.0004", 2, kUp), "0.01"},
         {Rounded("-4E-9", 2, DEC_ROUND_DOWN), "-0"},

@@ -4,7 +4,8 @@
 
 TEST(FindColumn, TakesNumbersAsTheyAreAndNamesAsTheyLook) {
     constexpr std::size_t kLargest = std::string_view::npos;
-    const std::vector<std::string> row = {"No.", "E", "e", " Vol \u03BCL\t", "25", "no.", "T\u2212T0", "", "\u00C9"};
+    const std::vector<std::string> row = {"No.", "E",         "e", " Vol \u03BCL\t", "25",
+                                          "no.", "T\u2212T0", "",  "\u00C9",         "pH\u00A0"};
     for (const auto& [column, place] : Cases<const char*, std::optional<std::size_t>>{
              {"1", 0},
              {" 025\t", 24},  // a number, also where it is a name and the row has no such field
@@ -19,6 +20,8 @@ TEST(FindColumn, TakesNumbersAsTheyAreAndNamesAsTheyLook) {
              {"t-t0", 6},
              {"\u00E9", std::nullopt},  // of other letters the case counts
              {"", 7},
+             {"ph", 9},
+             {"\u202FpH", 9},
              {"Vol", std::nullopt},
          }) {
         EXPECT_EQ(qel::FindColumn(row, column), place) << column;

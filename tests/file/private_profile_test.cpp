@@ -192,7 +192,7 @@ TEST_F(RegistryProfile, OpensOnTheNameOfARoot) {
         EXPECT_EQ(Line({profile.Get("S", "k", nullptr, &size), profile.Delete("S"), profile.Delete(nullptr)}), "0 0 0");
         EXPECT_EQ(Line({profile.Backup("2"), profile.Restore("2"), profile.GetAllStrings("S", lines)}), "0 0 0");
     }
-    EXPECT_EQ(Profile("HKEY_CURRENT_USER\\\x83\x5C", 1).Set("S", "k", "v"), 1);  // the second byte is no separator
+    EXPECT_EQ(Profile("HKEY_CURRENT_USER\\\x83\x5C", 1).Set("S", "k", "v"), 1);  // the second byte is not a separator
     EXPECT_EQ(Profile("HKEY_CURRENT_USER\\\x83\x5C\\S", 1).Get(nullptr, "k", "d"), "v");
 
     qel::SetSystemFamily(qel::SystemFamily::Win95);  // the backslash at the end goes, in any case one

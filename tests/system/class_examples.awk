@@ -1,6 +1,7 @@
 # The @code blocks of the headers' comments, each as the body of a function, so that the compiler sees what readers copy.
+# They see the headers that the variable includes has, separated by commas.
 BEGIN {
-    print "#include <qellib10/qellib10.h>\n#include <qellib10/store.h>\n"
+    for (i = split(includes, headers, ","); i > 0; --i) print "#include <" headers[i] ">"
 }
 /^ *\/\/\/ @code$/ {
     printf "\nvoid ClassExample%d();\nvoid ClassExample%d() {\n#line %d \"%s\"\n", ++count, count, FNR + 1, FILENAME

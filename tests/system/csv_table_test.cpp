@@ -105,11 +105,14 @@ TEST(CurveTable, IsRefusedWhereReadingsAreBeforeIt) {
              {"1,<7\n2,7*\n\n3,7\n4,8\n", 0,
               "2 lines of the table cannot be read: line 1 has \"1\" \"<7\"; expected a number in field 1 and one in "
               "field 2; mend"},
-             {"1,<7\n2,7*\n3,7\n4,8\n", 1, "3-4/0: 3 4"},
+             {"1,<7\n2,7*\n3,7\n4,8\n", 1, "3-4/2: 3 4"},
              {"1,9.9E37\n" + kFive, 0, "1 line of the table cannot be read: line 1 has"},
              {"Start 0.0,3.1\n" + kFive, 0, "1 line of the table cannot be read: line 1 has"}}) {
         EXPECT_EQ(Read(text, "1", "2", table).substr(0, std::string(expected).size()), expected) << text;
     }
+    for (const char* const number : {"0", "18446744073709551616"})
+        EXPECT_TRUE(
+            Read(kFive, "1", number).starts_with(std::string("there is no column ") + number + "; give its name"));
     for (const auto& [text, expected] : Cases<std::string, const char*>{
              {marked + "5;5;9\n6;6;9\n7;7;9\n8;8;9\n9;9;9\n", "there are 2 tables"},
              {marked + "note\n5;3.9;9\n6;6;9\n7;7;9\n8;8;9\n9;9;9\n", "there are 2 tables"},

@@ -17,7 +17,7 @@ std::string Shown(bool isTerminal, milliseconds after, milliseconds takes) {
     const int run = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
     const int other = ::open("/dev/null", O_WRONLY);
     {
-        const titration::Progress progress("Working in out", isTerminal ? run : other, after);
+        const titration::ElapsedLine progress("Working in out", isTerminal ? run : other, after);
         std::this_thread::sleep_for(takes);
     }
     // With the last writer closed, all that was written can be read, in as many parts as the terminal makes of it.
@@ -33,7 +33,7 @@ std::string Shown(bool isTerminal, milliseconds after, milliseconds takes) {
 
 }  // namespace
 
-TEST(Progress, IsALineOnATerminalWhileARunTakesLong) {
+TEST(ElapsedLine, IsALineOnATerminalWhileARunTakesLong) {
     const milliseconds soon(1), never(60'000), brief(300);
     EXPECT_EQ(Shown(true, soon, brief), "\rWorking in out: 0 s\r\x1B[K");
     EXPECT_EQ(Shown(true, never, milliseconds(0)), "");

@@ -75,7 +75,7 @@ std::string KindOf(CFile& file) {
     const qel::CabinetFileKind kind = qel::KindOfCabinetFile(head);
     if (kind == qel::CabinetFileKind::kCabinet) return "cabinet";
     if (kind == qel::CabinetFileKind::kRenewals) return "renewals";
-    if (IsVariablesTag(head)) return "variables";
+    if (qel::IsCalcArchive(head)) return "variables";
     if (head.find("<printjob") != std::string::npos) return "job";
     return LooksEnciphered(file, head) ? "xml" : "data";
 }
@@ -95,7 +95,7 @@ ContentReport ContentOf(CFile& file, const std::string& kind) {
     if (kind == "renewals") return CheckRenewals(file);
     if (kind == "job") return CheckJob(file);
     if (kind == "xml") return CheckXml(file);
-    throw Failure("of no kind that is known, and not sealed", kUnknown);
+    throw Failure("of an unknown kind, and not sealed", kUnknown);
 }
 
 Status StatusOfRest(CFile& file, const std::string& kind, ULONGLONG end) {

@@ -15,11 +15,6 @@ constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 bool IsNone(double number) { return std::isnan(number); }
 
-std::string Trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    return std::string(text.substr(0, text.find_last_not_of(" \t") + 1));
-}
-
 // @throws CLI::ValidationError for 0
 std::optional<std::size_t> NumberOf(const std::string& column) {
     const std::optional<std::size_t> number = qel::ColumnNumber(column);
@@ -105,7 +100,7 @@ CsvColumns ReadCsvColumns(CFile& file, const std::vector<std::string>& columns) 
     ColumnReader reader(columns);
     while (table.Next()) {
         Row row;
-        for (const std::string_view field : table.Fields()) row.push_back(Trimmed(field));
+        for (const std::string_view field : table.Fields()) row.emplace_back(qel::Trimmed(field));
         reader.Take(row);
     }
     if (table.Failure()) throw Failure(table.Failure()->Text());

@@ -1,5 +1,4 @@
 // qel profile: settings in INI files and in the registry.
-#include <charconv>
 
 #include "settings.h"
 
@@ -56,12 +55,9 @@ void Set(const Options& options) {
     const CString key = ExactText(options.key);
     int result = 0;
     if (options.asNumber) {
-        int number = 0;
-        const char* const end = options.value.data() + options.value.size();
-        const auto [stop, error] = std::from_chars(options.value.data(), end, number);
-        if (error != std::errc() || stop != end)
-            throw CLI::ValidationError("\"" + options.value + "\" is not a whole number");
-        result = profile.Set(section, key, number);
+        const auto number = qel::ReadWholeNumber<int>(options.value);
+        if (!number) throw CLI::ValidationError("\"" + options.value + "\" is not a whole number");
+        result = profile.Set(section, key, *number);
     } else {
         result = profile.Set(section, key, ExactText(options.value));
     }

@@ -39,15 +39,6 @@ std::string Aligned(const std::string& text, std::size_t width) {
 
 }  // namespace
 
-bool IsVariablesTag(std::string_view bytes) {
-    return bytes.starts_with(
-               "\6QWCalc\4"
-               "1.0") ||
-           bytes.starts_with(
-               "\6QX-APP\4"
-               "1.0");
-}
-
 Failure Incomplete(const CCalcVariableList& list, int count, Status finding) {
     return Failure(
         "of " + std::to_string(count) + " variables " + std::to_string(list.GetVariableCount()) + " can be read",
@@ -93,7 +84,7 @@ CCalcVariableList ReadVariables(const std::string& path, bool oldest) {
         CFile file(name, CFile::modeRead | CFile::shareDenyWrite);
         std::string head(16, '\0');
         head.resize(file.Read(head.data(), 16));
-        if (IsVariablesTag(head) == oldest)
+        if (qel::IsCalcArchive(head) == oldest)
             throw Failure(oldest ? "has a head, it is of a newer layout" : "not an archived list of variables",
                           kUnknown);
         file.SeekToBegin();

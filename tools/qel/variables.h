@@ -16,7 +16,4 @@ Json VariablesJson(const CCalcVariableList& list);
 /// missing
 CCalcVariableList LoadVariables(CFile& file);
 
-/// Whether bytes at the start of a file are the tag of a list.
-bool IsVariablesTag(std::string_view bytes);
-
 }  // namespace tool
