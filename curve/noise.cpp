@@ -16,7 +16,7 @@ constexpr double kMedian = 0.674490;         // likewise
 constexpr double kLevel = 0.2;               // of the steepest slope between neighbours, at most
 constexpr double kOfRough = 0.6;             // at least: the levels of few points may have little noise by chance
 constexpr double kChance = 6;                // deviations, in the difference of two points
-constexpr std::size_t kFewestOfLevels = 6;   // differences; the median of fewer is no estimate
+constexpr std::size_t kFewestOfLevels = 6;   // differences; the median of fewer is not an estimate
 constexpr double kFarOut = 4;                // a sharp bend at the end of a level, deviations
 constexpr std::size_t kFewestRepeats = 5;
 

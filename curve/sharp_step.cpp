@@ -118,7 +118,7 @@ std::size_t SteepestInterval(const CurvePoints& points, double direction) {
     return at;
 }
 
-// Where an interval that is no neighbour could be as steep, the step is not sharp, and noise chose the place.
+// Where an interval that is not a neighbour could be as steep, the step is not sharp, and noise chose the place.
 bool IsPeak(const CurvePoints& points, std::size_t at, double direction, double noise) {
     const auto error = [&](std::size_t i) {
         return kCertainty * std::numbers::sqrt2 * noise / (points.x[i + 1] - points.x[i]);

@@ -11,7 +11,7 @@ struct Judged {
     TitrationCurve readings;   // in the order of their volumes
     std::vector<bool> strays;  // which of the readings are left out
     double direction = 1, noise = 0, tolerance = 0;
-    double backward = 0;  // at most the tolerance; what goes back by more than that is no chance
+    double backward = 0;  // at most the tolerance; what goes back by more than that is not chance
 };
 
 /// The points without the readings that are left out.

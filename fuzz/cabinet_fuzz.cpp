@@ -31,9 +31,9 @@ std::string WithCorrectSums(const std::uint8_t* data, std::size_t size) {
     if (size < qel::kCabinetHeaderSize) return bytes;
     qel::CheckSums sums;
     sums.Add({data, qel::kCheckedHeaderSize});
-    const auto room = std::as_writable_bytes(std::span(bytes));
-    qel::PutNumber(room, qel::kCheckedHeaderSize, sums.Sum());
-    qel::PutNumber(room, qel::kCheckedHeaderSize + sizeof(DWORD), sums.Crc());
+    const auto writable = std::as_writable_bytes(std::span(bytes));
+    qel::PutNumber(writable, qel::kCheckedHeaderSize, sums.Sum());
+    qel::PutNumber(writable, qel::kCheckedHeaderSize + sizeof(DWORD), sums.Crc());
     return bytes;
 }
 

@@ -59,7 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     qel::CsvFormat format = Format(data[0]);
     qel::CsvReader table(text, format);
     const Rows rows = Read(table);
-    if (table.Separator() == '"') return 0;  // "sep=" names it where it is no mark
+    if (table.Separator() == '"') return 0;  // "sep=" names it where it is not a mark
 
     const bool isUnchecked = format.encoding == qel::CsvEncoding::kUnchecked;
     format = {table.Separator(), '"', false, isUnchecked ? qel::CsvEncoding::kUnchecked : qel::CsvEncoding::kUtf8};

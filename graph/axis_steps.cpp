@@ -25,7 +25,7 @@ std::pair<double, double> Around(double value) {
 
 double AxisSteps::Value(int line) const {
     const double place = first + line;
-    const double perUnit = std::round(1 / step);  // a step below 1 is no exact binary number, its reciprocal is
+    const double perUnit = std::round(1 / step);  // a step below 1 is not an exact binary number, its reciprocal is
     const double value = step < 1 && 1 / perUnit == step ? place / perUnit : place * step;
     return std::clamp(value, -kLargest, kLargest);
 }

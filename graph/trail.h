@@ -49,12 +49,12 @@ private:
         const ColumnWindow window(m_scale, m_last.x - m_scale.edge.x);
         const std::size_t stops = m_isSteps ? 2 : 1;  // of a point
         for (;;) {
-            const std::span<POINT> room = m_pen.FreeSpace();
-            const std::size_t most = std::min(data.size(), room.size() / stops);
-            const std::size_t count = window.Map(data.first(most), room.data());
+            const std::span<POINT> space = m_pen.FreeSpace();
+            const std::size_t most = std::min(data.size(), space.size() / stops);
+            const std::size_t count = window.Map(data.first(most), space.data());
             if (count > 0) {
-                const POINT last = room[count - 1];
-                if (m_isSteps) InsertSteps(room.data(), count);
+                const POINT last = space[count - 1];
+                if (m_isSteps) InsertSteps(space.data(), count);
                 m_pen.Take(count * stops);
                 m_last = last;
             }

@@ -8,9 +8,14 @@ namespace qel {
 /// (CQFile::SelectFolderDialog). Call it in the thread of the main loop. Dialogs are shown only in that thread:
 /// requests from others are cancelled. GTK is initialised if the application has not done so.
 ///
-///     int main(int argc, char** argv) {
-///         gtk_init(&argc, &argv);
-///         qel::UseGtkDialogs();
+/// @code
+/// int argc = 0;
+/// char** argv = nullptr;
+/// gtk_init(&argc, &argv);  // of main
+/// qel::UseGtkDialogs();
+/// CPrintDialog dialog(0);
+/// if (dialog.DoModal() == IDOK) std::puts(dialog.GetDeviceName());
+/// @endcode
 ///
 /// Owner windows (HWND) are pointers to widgets (GtkWidget*); a dialog is in front of the widget's window, or without
 /// an owner in front of the application's active window. The print dialog's "Print to File" is the library's printer

@@ -14,11 +14,15 @@ namespace qel {
 /// widget unit, so the window can be exposed without drawing again, and half a drawing is never visible. Lines are
 /// those of a picture, wide ones too: long curves with wide pens are reduced to what each column of pixels shows.
 ///
-///     qel::DrawingView view([&](CDC& dc, const CSize& size) {
-///         graph.SetDrawSize(size.cx, size.cy);
-///         graph.GraphDraw(&dc, 0, 0);
-///     });
-///     gtk_container_add(GTK_CONTAINER(window), view.Widget());
+/// @code
+/// CQelGraph graph;
+/// qel::DrawingView view([&](CDC& dc, const CSize& size) {
+///     graph.SetDrawSize(size.cx, size.cy);
+///     graph.GraphDraw(&dc, 0, 0);
+/// });
+/// GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+/// gtk_container_add(GTK_CONTAINER(window), view.Widget());
+/// @endcode
 ///
 /// Mouse events are those of the widget; their positions are those of the drawing. Everything runs in GTK's thread.
 class QELLIB10_API DrawingView {

@@ -19,7 +19,7 @@ enum class FailureKind {
     kRegistry,     ///< the registry refused; Failure::systemError has the code
     kPrinter,      ///< the printing system refused
     kSyntax,       ///< a formula that does not follow the grammar
-    kUnknownName,  ///< a formula with a name that is no variable
+    kUnknownName,  ///< a formula with a name that is not a variable
     kZeroDivisor,  ///< a formula that divides by zero
     kTooLong,      ///< a formula with too many bytes
     kRefused       ///< no more is known

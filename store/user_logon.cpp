@@ -86,7 +86,7 @@ CString UserStore::GetLogonUsername() {
 
 int UserStore::IsAutoLogon() {
     const std::optional<int> isOn = m_state->ResultOf("qel::UserStore::IsAutoLogon", [&] {
-        return std::optional(ReadAutomaticLogon(m_state->Opened()).isOn);  // off is no failure
+        return std::optional(ReadAutomaticLogon(m_state->Opened()).isOn);  // off is not a failure
     });
     return isOn.value_or(0);
 }

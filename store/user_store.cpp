@@ -61,7 +61,7 @@ int UserStore::ReloadUserList() {
 int UserStore::GetUserCount() {
     const auto count = m_state->ResultOf("qel::UserStore::GetUserCount", [&] {
         m_state->Opened();
-        return std::optional(static_cast<int>(m_state->names.size()));  // nobody is no failure
+        return std::optional(static_cast<int>(m_state->names.size()));  // nobody is not a failure
     });
     return count.value_or(-1);
 }

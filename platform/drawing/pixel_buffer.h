@@ -18,7 +18,7 @@ public:
     static bool IsSize(int width, int height) {
         return width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide;
     }
-    /// A black picture, or null when it is no size, or memory runs out.
+    /// A black picture, or null if the size is not valid or memory runs out.
     static std::shared_ptr<PixelBuffer> Create(int width, int height);
 
     int Width() const noexcept { return m_nWidth; }

@@ -48,8 +48,8 @@ PRINTER_INFO_2 Description(const Printer& printer, qel::RecordBuffer& buffer) {
 // Writes the records of @p items in the order of the list, all of them or nothing. @return whether they fit
 template <class Record, class Item, class Fill>
 bool FillRecords(BYTE* bytes, DWORD size, const std::vector<Item>& items, Fill fill, DWORD& needed) {
-    const auto pass = [&](BYTE* target, DWORD room) {
-        qel::RecordBuffer buffer(target, room);
+    const auto pass = [&](BYTE* target, DWORD capacity) {
+        qel::RecordBuffer buffer(target, capacity);
         Record* record = buffer.Take<Record>(items.size());
         for (const Item& item : items) {
             const Record filled = fill(item, buffer);

@@ -85,7 +85,7 @@ namespace qel {
 
 /// Whether the printer of this context has no sheet of the size or form that CreateDC was asked for, so that pages are
 /// laid out for another one: a form that replaces it, or the printer's default. A program asks before it prints
-/// what has to fit. @return false also for what is no context of a printer
+/// what has to fit. @return false also for what is not a context of a printer
 QELLIB10_API bool HasOtherSheet(HDC printer);
 
 }  // namespace qel

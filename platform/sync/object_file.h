@@ -18,8 +18,8 @@ enum class ObjectKind : std::uint32_t { Memory = 1, Mutex = 2 };
 ///     offset 4096    the block of a Memory, as long as the header says
 ///
 /// A process that has the object holds the file with a read lock on its first byte; the kernel removes the lock with
-/// the process, however it ends. A file that nobody holds is no object, whatever it contains. Files are found, created,
-/// held and released only under the folder's lock (FolderLock).
+/// the process, however it ends. A file that nobody holds is not an object, whatever it contains. Files are found,
+/// created, held and released only under the folder's lock (FolderLock).
 inline constexpr std::int64_t kMutexOffset = 2048, kBlockOffset = 4096;
 
 struct ObjectHeader {
@@ -37,7 +37,7 @@ static_assert(sizeof(ObjectHeader) <= kMutexOffset);
 /// @throws SystemFailure when there is not enough memory (8)
 void Extend(const Descriptor& file, std::uint64_t blockSize);
 
-/// The last step of creating an object: a file without a header is no object yet.
+/// The last step of creating an object: a file without a header is not an object yet.
 void WriteHeader(const Descriptor& file, const ObjectHeader& header);
 
 /// The header of the file's object, checked against the file; nothing if it is not complete.

@@ -135,21 +135,21 @@ TEST(QelGraphPrint, OutlinesAreWholeWhereverAPageIsShown) {
     ASSERT_TRUE(dc.Attach(qel::CreatePdfDC(folder.Name("page.pdf").c_str(), {})));
     dc.StartDoc("outlines");
     dc.StartPage();
-    // Six times a pen of one dot, since it lies differently in each dot of a screen; then wide ones, whose outer half
-    // has a dot of the screen that is all ink.
-    constexpr int kThin = 6, kPens = 14;
+    // Six times a pen of one dot, since it lies differently in each dot of a screen; then those of 2 to 9 dots; then
+    // wide ones, whose outer half has a dot of the screen that is all ink.
+    constexpr int kThin = 6, kWide = 14, kPens = 22;
     std::vector<CRect> areas;
     std::vector<int> outward;
     for (int i = 0; i < kPens; ++i) {
         OpenGraph graph;
-        const int width = i < kThin ? 1 : 6 * (i - kThin + 4);
+        const int width = i < kThin ? 1 : i < kWide ? i - kThin + 2 : 6 * (i - kWide + 4);
         graph.SetFrameStyle({0, PS_SOLID, width});
         graph.SetDivX(0);
         graph.SetDivY(0);
         graph.SetDrawSize(600 + i, 400 + i);
         graph.GraphDraw(&dc, 200 + i % 4 * 1000, 200 + i / 4 * 1000);
         areas.push_back(graph.m_rectDrawArea);
-        outward.push_back(width > 1 ? width / 2 - 4 : 0);
+        outward.push_back(i < kWide ? 0 : width / 2 - 4);
     }
     dc.EndPage();
     ASSERT_GT(dc.EndDoc(), 0);

@@ -50,7 +50,7 @@ TEST(QelGraph, IndicesOutsideTheSeriesAreRefused) {
     EXPECT_EQ(Line({OpenGraph(1).GetLeftMargin(), OpenGraph(1).GetTopMargin()}), "20 100");
 }
 
-TEST(QelGraph, ValuesArePlacedInTheArea) {
+TEST(QelGraph, ValuesFarOutsideTheRangeKeepTheirSideWithinSixteenBits) {
     OpenGraph graph;
     graph.m_rectDrawArea = {10, 20, 210, 120};
     graph.SetXMinRange(1, -10);  // 1 is reversed, 2 has equal ends

@@ -13,7 +13,7 @@ constexpr COLORREF kBlue = RGB(0, 0, 255);
 
 }  // namespace
 
-TEST(DrawingView, ShowsWhatIsDrawn) {
+TEST(DrawingView, DrawsAgainOnlyForAnotherSizeAndRedraw) {
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
     int drawn = 0;
     auto view = std::make_unique<qel::DrawingView>(

@@ -37,7 +37,7 @@ void PlainLine(const Raster& raster, const POINT& from, const POINT& to, std::ui
     }
 }
 
-// Without the byte of a pixel that is no colour.
+// Without the byte of a pixel that is not a colour.
 std::vector<DWORD> Colors(std::vector<DWORD> pixels) {
     for (DWORD& pixel : pixels) pixel &= 0xFFFFFF;
     return pixels;

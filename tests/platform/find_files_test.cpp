@@ -5,7 +5,7 @@
 #include "../support/test.h"
 
 TEST(FindFiles, MatchesByThePlatformsRules) {
-    // Pattern, names that match and others. A character of two bytes is one character, and its trail byte is no letter.
+    // Pattern, names that match and others. Two bytes may be one character; its trail byte is not a letter.
     for (const auto& [pattern, matching, other] : Cases<const char*, const char*, const char*>{
              {"*.*", "a a.txt .profile", ""},
              {"*", "a a.txt .profile", ""},

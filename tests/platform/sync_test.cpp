@@ -45,7 +45,7 @@ TEST(NamedObjects, NamesAreTheSystems) {
     const std::string own = NameOfOurOwn("name"), longName = std::string(259 - own.size(), '/') + own;
     for (const auto& [error, names] : Cases<DWORD, std::vector<std::string>>{
              {0, {own, own + "/../../x", own + "MM::x.%41 \n\x7f\xff", longName + "a", longName + "b"}},
-             {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // the trail byte is no backslash
+             {0, {own + "NAME", own + "name", "Global\\" + own, own + "\x83\x5c"}},  // not a backslash: a trail byte
              {3, {own + "\\x", "Local\\Global\\" + own, "global\\" + own}},
              {6, {"Local\\"}},
              {206, {longName + "bc"}},

@@ -11,7 +11,7 @@ TEST(TemporaryName, IsBuiltFromItsPartsOrSaysWhyNot) {
     EXPECT_EQ(qel::TemporaryFolder(), "\\tmp\\");
     EXPECT_EQ(qel::TemporaryName("\\no", "abcdef", 0x1A), "\\no\\abc001A.TMP");
     EXPECT_EQ(qel::TemporaryName("no/", "ab\x83\x5C", 0xFFFF), "no/abFFFF.TMP");  // never half a character
-    EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");       // its trail byte is no separator
+    EXPECT_EQ(qel::TemporaryName("\x83\x5C", "", 1), "\x83\x5C\\0001.TMP");       // its trail byte is not a separator
     EXPECT_EQ(CodeOf([] { qel::TemporaryName("\\no\\no", "x"); }), 267);
     for (const char* prefix : {"..\\", "../", "\\x", "a/b"}) {  // out of the folder
         EXPECT_EQ(CodeOf([&] { qel::TemporaryName("\\tmp", prefix); }), 123) << prefix;

@@ -197,7 +197,7 @@ TEST_F(PrintJob, QuotedTextIsInSectionsThatEndOnlyAtItsEnd) {
          Cases<const char*, const char*>{{"", "<![CDATA[]]>"},
                                          {"a&<b>", "<![CDATA[a&<b>]]>"},
                                          {"a]]>b]]>", "<![CDATA[a]]]]><![CDATA[>b]]]]><![CDATA[>]]>"},
-                                         {"\x83\x5D]>", "<![CDATA[\x83\x5D]>]]>"},  // the trail byte is no bracket
+                                         {"\x83\x5D]>", "<![CDATA[\x83\x5D]>]]>"},  // the trail byte is not a bracket
                                          {nullptr, "<![CDATA[]]>"}})
         EXPECT_EQ(CQelPrintJobQueueData::Quote(text), quoted);
     EXPECT_EQ(

@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (const char* name = std::getenv("QELLIB10_TEST_LOCALE")) {
         if (std::setlocale(LC_ALL, name) == nullptr || std::strcmp(std::localeconv()->decimal_point, ",") != 0) {
-            std::fprintf(stderr, "%s is no locale with a decimal comma\n", name);
+            std::fprintf(stderr, "%s is not a locale with a decimal comma\n", name);
             return 2;
         }
     }

@@ -9,15 +9,15 @@
 
 namespace tool {
 
-Progress::Progress(std::size_t all)
+ProgressBar::ProgressBar(std::size_t all)
     : m_all(std::max<std::size_t>(all, 1)), m_isTerminal(::isatty(STDERR_FILENO) == 1) {}
 
-Progress::~Progress() {
+ProgressBar::~ProgressBar() {
     if (m_isTerminal) std::fputs("\r\x1B[K", stderr);
 }
 
 // A line that does not fit would continue on the next one, where the next bar starts.
-void Progress::Show(std::size_t done) const {
+void ProgressBar::Show(std::size_t done) const {
     constexpr std::size_t kWidest = 40, kBrackets = 3;
     winsize terminal = {};
     const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &terminal) == 0 && terminal.ws_col > 0;

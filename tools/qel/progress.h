@@ -5,12 +5,12 @@
 namespace tool {
 
 /// A bar on the standard error output, if that is a terminal; it is removed at the end of the scope.
-class Progress {
+class ProgressBar {
 public:
-    explicit Progress(std::size_t all);
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    explicit ProgressBar(std::size_t all);
+    ~ProgressBar();
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
 
     bool IsShown() const noexcept { return m_isTerminal; }
     void Show(std::size_t done) const;

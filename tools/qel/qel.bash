@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Completion for qel. Subcommands and options are those that its help tells.
+# Completion for qel. Subcommands and options are those that its help lists.
 
 _qel_subcommands() { qel "$@" --help 2>/dev/null | awk '/^Subcommands:/ { on = 1; next } on && NF { print $1 }'; }
 _qel_options() { qel "$@" --help 2>/dev/null | grep -oE '^  -[^ ]+' | grep -oE -- '-{1,2}[a-z][a-z-]*'; }

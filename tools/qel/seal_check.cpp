@@ -41,14 +41,14 @@ bool EndsWithTrailer(std::string_view tail, std::string_view ownName, bool anyNa
 SealInfo InfoFor(std::string_view ownName) { return {.name = CString(ownName)}; }
 
 // The info length and the name: what the trailers for a name begin with.
-std::string BeginFor(std::string_view ownName) {
+std::string StartFor(std::string_view ownName) {
     const std::vector<std::byte> bytes = InfoFor(ownName).Pack();
     return {reinterpret_cast<const char*>(bytes.data()), SealInfo::kLengthSize + ownName.size() + 1};
 }
 
 // The start of a trailer for the file's own name, which was cut or to which something was appended.
 Status Remains(std::string_view tail, std::string_view ownName) {
-    const std::size_t at = tail.rfind(BeginFor(ownName));
+    const std::size_t at = tail.rfind(StartFor(ownName));
     if (at == std::string_view::npos) return kGood;
     const std::size_t end = at + InfoFor(ownName).Pack().size() + CheckBlock::kSize;
     if (end > tail.size()) return kCut;
@@ -68,7 +68,7 @@ bool BeginsSeal(CQFile& file, ULONGLONG end) {
     const std::string tail = Tail(file);
     const ULONGLONG count = file.GetLength() - end;
     const CString ownName = file.GetFileName();
-    return count <= tail.size() && BeginFor(ownName.View()).starts_with(tail.substr(tail.size() - count));
+    return count <= tail.size() && StartFor(ownName.View()).starts_with(tail.substr(tail.size() - count));
 }
 
 // Delegates, so that the copy is removed even if it cannot be written.

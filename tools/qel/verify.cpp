@@ -49,7 +49,7 @@ void CheckAll(std::vector<Checked>& files, unsigned jobs) {
             ++done;
         }
     };
-    const Progress progress(files.size());
+    const ProgressBar progress(files.size());
     std::vector<std::jthread> workers;
     for (std::size_t i = 0; i < std::min<std::size_t>(jobs, files.size()); ++i) workers.emplace_back(work);
     for (; progress.IsShown() && done < files.size(); std::this_thread::sleep_for(std::chrono::milliseconds(20)))
@@ -115,11 +115,11 @@ void AddVerify(CLI::App& app, Status& status) {
         ->check(CLI::Range(1, 256))
         ->type_name("N");
     command->add_flag("--all", options->all, "List intact files of folders, too");
-    command->add_flag("--strict", options->strict, "A file of no kind that is known is a finding in folders, too");
+    command->add_flag("--strict", options->strict, "A file of an unknown kind is a finding in folders, too");
     command->add_flag("--json", options->json, "Write JSON");
     command->footer(
         "Exit status: 0 all is intact; of several findings the highest:\n"
-        "  3  unknown       a file of no kind that is known (in folders only with --strict)\n"
+        "  3  unknown       a file of an unknown kind (in folders only with --strict)\n"
         "  4  renamed       a sealed file has another name than it was sealed under\n"
         "  5  unreadable    a file or folder cannot be read, or others are writing to the file\n"
         "  6  changed       data do not match their checksums\n"

@@ -34,7 +34,7 @@ bool IsEnciphered(const std::string& path) {
 }
 
 void Load(CCryptXMLDocument& document, const std::string& path) {
-    constexpr const char* kNone = "no well-formed document";
+    constexpr const char* kNone = "not a well-formed document";
     OnFile(path, [&] {
         const Unsealed file(path, CFile::shareDenyNone);
         if (document.LoadXMLFile(file.Name(), 1) == 0) throw LastRefusal(kNone, kMalformed);
