@@ -47,8 +47,8 @@ struct _CAB_VERSIONHEADER {  // NOLINT: the name that applications know
 /// if (!cabinet.GetVersionFile(1, "first.xml")) return;  // also 0 when its data do not match their checksums
 /// @endcode
 ///
-/// Programs that may make one cabinet at the same time use qel::RenewalHistory: of two that call Create like this, the
-/// second one empties what the first has registered.
+/// Programs that may make one cabinet at the same time use qel::RenewalHistory, all with the same file of records: of
+/// two that call Create like this, the second one empties what the first has registered and closed.
 ///
 ///     offset 0    header, 36 bytes     "HCF1", where the latest version is, how many, GUID, sum and CRC of bytes 0-27
 ///     offset 36   version 1            "CVH1", number, size, sum, CRC (20 bytes), then the data

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "qellib10/platform/storage/access_rights.h"
 #include "qellib10/platform/storage/block_io.h"
@@ -70,7 +71,11 @@ Replacement::~Replacement() = default;
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
 CString Replacement::Path() const {
-    CString path = ToLibraryPath(m_made->Path());
+    const std::string& made = m_made->Path();
+    const std::unique_ptr<char, decltype(&std::free)> folder(::realpath(PosixFolderOf(made).c_str(), nullptr),
+                                                             std::free);
+    if (!folder) ThrowErrno(errno, m_name, made);
+    CString path = ToLibraryPath(std::string(folder.get()) + made.substr(made.rfind('/')));
     ToPosixPath(path.View());  // throws if it is too long
     return path;
 }

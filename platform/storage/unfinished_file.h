@@ -12,7 +12,8 @@ namespace qel {
 /// find a part of it. Its writer holds a lock on it that the kernel removes with the process. So leftovers of killed
 /// processes are recognized, and the next writer to the same name removes them: all of them, unless more than eight
 /// processes wrote at once, because the search stops after eight free numbers. On a file system without locks leftovers
-/// are not recognized and stay.
+/// are not recognized and stay. So does the second name of a read-only file that got its final name by a link and was
+/// left with both.
 class QELLIB10_INTERNAL_API UnfinishedFile {
 public:
     /// Creates a new, empty file, open for reading and writing.

@@ -51,7 +51,7 @@ void OpenForWriting(CHistoryCabinetFile& cabinet, const std::string& path) {
     if (cabinet.Open(Path(path), 0) == 0) throw Named(path, LastRefusal("cannot be opened", kBadHeader));
 }
 
-// Not where it could not be looked at.
+// @return false also if that cannot be found out
 bool IsMissing(const CString& name) {
     CFileException error;
     if (CFile().Open(name, CFile::modeRead | CFile::shareDenyNone, &error) != 0) return false;
@@ -59,7 +59,7 @@ bool IsMissing(const CString& name) {
 }
 
 // @return whether the new file has got its name; false if there is one of this name already
-bool IsFirst(qel::Replacement& made) {
+bool CommitIfFirst(qel::Replacement& made) {
     constexpr LONG kExists = 80;
     try {
         made.CommitNew();
@@ -74,7 +74,7 @@ bool IsFirst(qel::Replacement& made) {
 Failure NotAdded(const Options& options) {
     const bool isOfDocument = CString(qel::LastFailure().item.c_str()) == Path(options.file);
     const std::string& file = isOfDocument ? options.file : options.cabinet;
-    return Failure(Shown(file) + ": " + Why("takes no new version"), isOfDocument ? kUnreadable : kFailed);
+    return Failure(Shown(file) + ": " + Why("the version cannot be added"), isOfDocument ? kUnreadable : kFailed);
 }
 
 qel::CabinetVersion Find(qel::CabinetReader& cabinet, const Options& options) {
@@ -121,7 +121,7 @@ bool MakeWithVersion(CHistoryCabinetFile& cabinet, const CString& name, const CS
     if (cabinet.Create(unfinished) == 0) throw Failure(Shown(options.cabinet) + ": " + Why("cannot be made"));
     if (cabinet.RegistNewVersion(source) == 0) throw NotAdded(options);
     cabinet.Close();
-    return OnFile(options.cabinet, [&] { return IsFirst(*made); });
+    return OnFile(options.cabinet, [&] { return CommitIfFirst(*made); });
 }
 
 Status Add(const Options& options) {
@@ -158,7 +158,7 @@ void AddCabinet(CLI::App& app, Status& status) {
     CLI::App* const extract = add("extract", "Take a version out", Extract);
     AddFile(*extract, "TARGET", options->file, "The file to write");
     extract->add_option("--version", options->version, "Its number (else the latest one)")
-        ->check(CLI::Range(DWORD{1}, std::numeric_limits<DWORD>::max()))
+        ->transform(WholeNumber(1, std::numeric_limits<DWORD>::max()))
         ->type_name("N");
     extract->add_flag("--force", options->force, "Replace a file that exists");
     CLI::App* const store = add("add", "Add a version; makes the cabinet when it is missing", Add);

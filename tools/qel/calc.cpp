@@ -92,7 +92,7 @@ void AddCalc(CLI::App& app, Status&) {
         ->type_name("FILE");
     CLI::Option* const digits =
         command->add_option("--digits", options->digits, "Decimal places that the result is rounded to");
-    digits->check(CLI::Range(0, 15))->type_name("0-15");
+    digits->transform(WholeNumber(0, 15))->type_name("N");
     command->add_flag("--check", options->onlyCheck, "Only check, and list the variables that the formula uses")
         ->excludes(digits);
     command->add_flag("--json", options->json, "Write JSON");

@@ -165,12 +165,12 @@ void AddJob(CLI::App& app, Status&) {
     CLI::App* const render = add("render", "Draw the pages into a PDF, or a picture each", Render);
     options->picture.AddTo(*render, "Dots per inch of PNG pictures (150)");
     render->add_option("--page", options->page, "Only this page")
-        ->check(CLI::Range(1, std::numeric_limits<int>::max()))
+        ->transform(WholeNumber(1, std::numeric_limits<int>::max()))
         ->type_name("N");
     render->add_option("--paper", options->paper, "Millimetres, if the job's form is unknown")
         ->type_name("WIDTHxHEIGHT");
     render->add_option("--dpi", options->dpi, "The job's device units per inch, if it does not say")
-        ->check(CLI::Range(1, kMaxDotsPerInch))
+        ->transform(WholeNumber(1, kMaxDotsPerInch))
         ->type_name("N");
     for (CLI::App* const action : {show, render}) action->add_flag("--json", options->json, "Write JSON");
     add("print", "Print them as one document", PrintJobs)

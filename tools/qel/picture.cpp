@@ -85,7 +85,7 @@ void PictureOptions::AddTo(CLI::App& command, const std::string& resolutionMeani
     command.add_option("-o,--output", target, "The file to write; its suffix says what: .png, .svg or .pdf")
         ->type_name("FILE")
         ->required();
-    command.add_option("--resolution", resolution, resolutionMeaning)->check(CLI::Range(10, 2400))->type_name("N");
+    command.add_option("--resolution", resolution, resolutionMeaning)->transform(WholeNumber(10, 2400))->type_name("N");
     command.add_flag("--force", force, "Replace files that exist");
 }
 

@@ -48,7 +48,7 @@ bool WasThere() {
     constexpr long kFileMissing = 2;
     const qel::Failure failure = qel::LastFailure();
     if (failure.kind == qel::FailureKind::kNone) return true;
-    if (failure.kind != qel::FailureKind::kMissing) throw LastRefusal("cannot be read", kInconsistent);
+    if (failure.kind != qel::FailureKind::kMissing) throw LastRefusal("cannot be read", kUnreadable);
     if (failure.systemError == kFileMissing) throw Failure(failure.text, kUnreadable);
     return false;
 }

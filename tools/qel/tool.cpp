@@ -133,6 +133,17 @@ void Print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), s
 
 void Print(const Json& value) { Print(value.dump(2, ' ', false, Json::error_handler_t::replace) + '\n'); }
 
+CLI::Validator WholeNumber(std::int64_t least, std::int64_t most) {
+    const std::string ends = std::to_string(least) + " to " + std::to_string(most);
+    const auto check = [=](std::string& text) -> std::string {
+        const auto number = qel::ReadWholeNumber<std::int64_t>(text);
+        if (!number || *number < least || *number > most) return "\"" + text + "\" is not a whole number from " + ends;
+        text = std::to_string(*number);
+        return {};
+    };
+    return CLI::Validator(check, ends);
+}
+
 CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& path, const std::string& meaning) {
     return command.add_option(name, path, meaning)->required();
 }

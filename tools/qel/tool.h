@@ -129,6 +129,10 @@ void Print(const Json& value);
 /// A required path of the command line.
 CLI::Option* AddFile(CLI::App& command, const std::string& name, std::string& path, const std::string& meaning);
 
+/// For options that are whole numbers from @p least to @p most, in decimal digits; "010" is ten. Without it the parser
+/// of the command line reads 010 as eight, and cuts numbers that are too large.
+CLI::Validator WholeNumber(std::int64_t least, std::int64_t most);
+
 // One file each. Each adds its subcommand, which sets @p status when it is called.
 void AddCalc(CLI::App& app, Status& status);
 void AddSeal(CLI::App& app, Status& status);

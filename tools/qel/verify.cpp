@@ -112,7 +112,7 @@ void AddVerify(CLI::App& app, Status& status) {
     command->add_option("PATH", options->paths, "Files, and folders whose files are checked with all below")
         ->required();
     command->add_option("-j,--jobs", options->jobs, "Files that are checked at the same time")
-        ->check(CLI::Range(1, 256))
+        ->transform(WholeNumber(1, 256))
         ->type_name("N");
     command->add_flag("--all", options->all, "List intact files of folders, too");
     command->add_flag("--strict", options->strict, "A file of an unknown kind is a finding in folders, too");
