@@ -10,8 +10,8 @@
 #include "qellib10/platform/text/string.h"
 #include "qellib10/platform/types.h"
 
-// The bytes of a seal (see CCheckDatafile), for programs that look at seals which are damaged or cut: whether a seal is
-// right is what CCheckDatafile says. It is a trailer after the file's own data. Integers are little-endian.
+// The bytes of a seal, for programs that look at seals which are damaged or cut. CCheckDatafile checks whether a seal
+// is right. It is a trailer after the file's own data. Integers are little-endian.
 //
 //     0         4    info length: what follows up to the check block, name + 21 bytes
 //     4         n    file name without folder, and a zero
@@ -22,7 +22,7 @@
 // Lengths come from a file: check before use.
 namespace qel {
 
-/// Who the file is and how often it was sealed: the trailer up to the check block.
+/// The identity of the file, and how often it was sealed: the trailer up to the check block.
 struct QELLIB10_API SealInfo {
     static constexpr std::size_t kLengthSize = 4;  ///< of the info length, which is before the record
     static constexpr std::size_t kNameless = 21;   ///< bytes of a record besides those of the name

@@ -94,8 +94,7 @@ void CsvRowScanner::ScanMarked() {
     m_fields.emplace_back(start, static_cast<std::size_t>(end - start));
 }
 
-// Past the mark that closes what the one at m_at opens; else to the end, or to that of the line if it is that of the
-// row.
+// Moves past the closing mark. Without one, moves to the end of the text, or of the line if a row ends there.
 void CsvRowScanner::ScanToMark() {
     const char mark = m_syntax.mark;
     m_openMark = m_lineBreaks;

@@ -196,8 +196,8 @@ int CPrivateProfile::Set(const char* section, const char* key, int value) {
 
 int CPrivateProfile::SetDouble(const char* section, const char* key, double value) {
     qel::Operation running("CPrivateProfile::SetDouble");
-    if (IsWholeSection(key) || !std::isfinite(value))
-        return running.Failed(FailureKind::kArgument, key != nullptr ? key : "", "no key, or no number");
+    if (IsWholeSection(key)) return running.Failed(FailureKind::kArgument, "", "no key");
+    if (!std::isfinite(value)) return running.Failed(FailureKind::kArgument, key, "infinite or not a number");
     return running.Ended(Set(section, key, qel::NumberText(value)));
 }
 

@@ -7,6 +7,7 @@
 #include "qellib10/platform/operation.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
+#include "qellib10/platform/storage/require_status.h"
 #include "qellib10/platform/text/code_page.h"
 
 namespace {
@@ -95,10 +96,8 @@ int CQFile::IsExist(const char* name) {
 
 int CQFile::GetFileSize(const char* name, DWORD* size) {
     return qel::AsResult("CQFile::GetFileSize", [&] {
-        CFileStatus status;
         if (size == nullptr) return Refuse(FailureKind::kArgument, "", "no place for the size");
-        if (!GetStatus(name, status)) return Refuse(FailureKind::kMissing, CString(name).View(), "no such file");
-        *size = static_cast<DWORD>(std::min<ULONGLONG>(status.m_size, kLargestSize));
+        *size = static_cast<DWORD>(std::min<ULONGLONG>(qel::RequireStatus(CString(name)).m_size, kLargestSize));
         return 1;
     });
 }

@@ -143,8 +143,8 @@ int CQFile::GetFileSum(const char* name, DWORD* sum, DWORD size) {
 }
 
 int CQFile::Find(const void* pattern, DWORD length) {
-    if (pattern == nullptr || length == 0) return qel::RefuseNull("CQFile::Find");
     return qel::AsResult("CQFile::Find", [&] {
+        if (pattern == nullptr || length == 0) return Refuse(FailureKind::kArgument, "", "an empty pattern");
         return FindIn(*this, {static_cast<const std::byte*>(pattern), length});
     });
 }

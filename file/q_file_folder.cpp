@@ -14,7 +14,7 @@
 
 namespace {
 
-bool Deleted(std::string_view file) {
+bool TryDelete(std::string_view file) {
     return qel::Succeeds([&] { qel::DeleteFile(file); });
 }
 
@@ -50,7 +50,7 @@ int CQFile::DeleteFiles(const char* pattern) {
         const std::string folder(whole.View().substr(0, qel::NameStart(whole.View())));
         int result = 1;
         for (const qel::FoundFile& file : Matching(whole.View())) {
-            if (!file.isFolder && !Deleted(folder + std::string(file.name.View()))) result = 0;
+            if (!file.isFolder && !TryDelete(folder + std::string(file.name.View()))) result = 0;
         }
         return result;
     });
@@ -62,6 +62,6 @@ int CQFile::MoveFileA(const char* source, const char* target, int overwrite) {
         const CString to(target);
         qel::MakeFolders(to.View().substr(0, qel::NameStart(to.View())));
         qel::CopyToMove(from.View(), to.View(), overwrite == 0);
-        Deleted(from.View());
+        TryDelete(from.View());
     });
 }

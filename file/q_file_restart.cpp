@@ -4,6 +4,7 @@
 #include "qellib10/file/q_file.h"
 #include "qellib10/file/restart_file.h"
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/operation.h"
 #include "qellib10/platform/restart/restart_queue.h"
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
@@ -19,8 +20,8 @@ constexpr int kDoneNow = 0, kDelayed = 1, kNoShortName = -1, kRefused = -2, kNot
 
 using qel::Succeeds;
 
-// Deletes the file. If the system does not even show whether it exists, it counts as not deleted.
-bool IsGone(const CString& file) {
+// @return whether it is gone; not if the system does not even show whether it exists
+bool DeleteIfThere(const CString& file) {
     try {
         qel::DeleteFile(file.View());
         return true;
@@ -45,7 +46,10 @@ CString MoveBeside(const CString& source, const CString& target) {
 
 // Files have no second, shorter name here: the short one is the full one, and only an existing file has one.
 std::optional<CString> ShortName(const CString& name) {
-    if (!CQFile::IsExist(name)) return std::nullopt;
+    if (!CQFile::IsExist(name)) {
+        qel::Refuse(qel::FailureKind::kMissing, name.View(), "no such file");
+        return std::nullopt;
+    }
     return qel::FullPath(name.View());
 }
 
@@ -88,7 +92,7 @@ int CQFile::DeleteFileReboot(const char* name, int tryNow) {
     int result = kRefused;
     qel::AsResult("CQFile::DeleteFileReboot", [&] {
         const CString file(name);
-        if (tryNow != 0 && IsGone(file)) {
+        if (tryNow != 0 && DeleteIfThere(file)) {
             result = kDoneNow;
         } else if (CSystemInfo::IsWinNT()) {
             qel::DeleteFileDelayed(file.View());

@@ -91,10 +91,12 @@ int CQelPrintJobQueueData::AddMillimetreCommandText(const CRect& rect, UINT stri
 }
 
 int CQelPrintJobQueueData::AddMillimetreCommandLine(CRect rect) {
-    m_PageStyle.ConvertMillimetreToPixel(rect);
-    CQelPrintJobCommand command;
-    command.SetLine(rect.left, rect.top, rect.right, rect.bottom);
-    return AddCommand(command);
+    return qel::AsResult("CQelPrintJobQueueData::AddMillimetreCommandLine", [&] {
+        m_PageStyle.ConvertMillimetreToPixel(rect);
+        CQelPrintJobCommand command;
+        command.SetLine(rect.left, rect.top, rect.right, rect.bottom);
+        return m_Block.AddCommand(command);
+    });
 }
 
 int CQelPrintJobQueueData::SaveJobFile(const char* path) {

@@ -45,7 +45,7 @@ constexpr std::array kNotMapped = {
     Cause{qel::kFileAltered, FailureKind::kFile, "another program has cut the block"},
 };
 
-// The operation on the block of that name ends by the system's last error.
+// Records the system's last error as the reason, for the block of that name.
 void FailedByLastError(qel::Operation& operation, std::string_view name, std::span<const Cause> causes) {
     const DWORD code = qel::LastError();
     const auto known = std::ranges::find(causes, code, &Cause::code);

@@ -27,7 +27,7 @@ std::string SuffixOf(const std::string& foldedName) {
 
 LogonTurn::LogonTurn(const std::string& storePath, const std::string& foldedName)
     : m_lock(storePath, SuffixOf(foldedName), kLongestWait) {
-    if (!m_lock.IsTaken()) throw StoreError(FailureKind::kState, "another logon of this user has not come to its end");
+    if (!m_lock.IsTaken()) throw StoreError(FailureKind::kState, "another logon of this user is still being checked");
 }
 
 }  // namespace qel

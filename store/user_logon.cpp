@@ -40,7 +40,8 @@ int UserStore::LogonWithDialog() {
     const LogonPrompt& prompt = m_state->prompt;
     if (!prompt || !m_state->database)
         return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
-    for (LogonRequest request; request.refused < kMaximumPrompts && prompt(request); ++request.refused) {
+    for (LogonRequest request; request.refused < kMaximumPrompts; ++request.refused) {
+        if (!prompt(request)) return running.Failed(FailureKind::kRefused, "", "cancelled");
         if (Logon(request.username, request.password) != 0) return running.Ended(1);
         request.password.Empty();
     }

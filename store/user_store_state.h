@@ -27,8 +27,8 @@ struct UserStoreState {
     /// What @p body returns; a value-initialized one when a step fails, and LastFailure has the cause.
     /// @param name of the public operation
     template <class Body> auto ResultOf(const char* name, Body body) -> decltype(body());
-    /// Either all of @p change takes place or nothing. A store that has an administrator keeps one. @p last is what
-    /// cannot be taken back, and done when nothing else is left to fail but the commit.
+    /// Either all of @p change takes place or nothing. A store that has an administrator keeps one. @p last
+    /// cannot be undone, so it runs when all but the commit is done.
     template <class Change> int ChangeAccounts(
         const char* name, Change change, const std::function<void()>& last = [] {});
 

@@ -14,6 +14,7 @@
 #include <span>
 #include <utility>
 
+#include "qellib10/platform/error.h"
 #include "qellib10/platform/fork_safe_lock.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/descriptor.h"
@@ -116,8 +117,9 @@ private:
 // Created at load, so that no thread is creating it while another forks.
 [[maybe_unused]] const Cache& theCacheIsMadeAtLoad = Cache::Instance();
 
-bool IsReadable(const struct stat& status) {
-    return S_ISREG(status.st_mode) && static_cast<std::size_t>(status.st_size) <= IniIndex::kLargestFile;
+void RequireReadable(const struct stat& status) {
+    if (!S_ISREG(status.st_mode)) throw DataError("not an ordinary file");
+    if (static_cast<std::size_t>(status.st_size) > IniIndex::kLargestFile) throw DataError("larger than 32 MiB");
 }
 
 // @param old the former state of the same file, if known
@@ -126,7 +128,7 @@ CachedFile Load(const std::string& path, const Descriptor& file, std::string_vie
     struct stat status = {};
     const Nanoseconds before = Now();
     if (::fstat(file.Get(), &status) != 0) ThrowErrno(errno, name);
-    if (!IsReadable(status)) ThrowCode(kAccessDenied, name);
+    RequireReadable(status);
     std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
     bytes.resize(ReadFully(file, std::as_writable_bytes(std::span(bytes)), name));
     const Stamp stamp(status);

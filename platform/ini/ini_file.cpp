@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 
+#include "qellib10/platform/error.h"
 #include "qellib10/platform/ini/ini_cache.h"
 #include "qellib10/platform/ini/ini_edit.h"
 #include "qellib10/platform/storage/backoff.h"
@@ -56,6 +57,8 @@ struct Found {
     }
 };
 
+std::string_view NameOf(std::string_view path) { return path.substr(NameStart(path)); }
+
 // Records why it cannot be read.
 Found Read(const char* file) {
     const std::string name = FullName(file != nullptr ? file : "");
@@ -66,8 +69,10 @@ Found Read(const char* file) {
         return {index, index == nullptr};
     } catch (const CFileException& failure) {
         RefuseBy(failure);
-        return {nullptr, false};
+    } catch (const DataError& failure) {
+        Refuse(FailureKind::kData, NameOf(name), failure.what());
     }
+    return {nullptr, false};
 }
 
 std::string_view WithoutTrailingBlanks(std::string_view text) {

@@ -65,7 +65,7 @@ CupsInfo CupsSession::InfoOf(cups_dest_t* queue) const {
 
 bool CupsSession::Refuse(const CString& printer) const {
     if (m_pHttp == nullptr)
-        return qel::Refuse(FailureKind::kPrinter, printer.View(), "the print server does not answer") != 0;
+        return qel::Refuse(FailureKind::kPrinter, printer.View(), "the print server does not respond") != 0;
     if (Find(printer) == nullptr) return qel::Refuse(FailureKind::kMissing, printer.View(), "no such printer") != 0;
     return qel::Refuse(FailureKind::kPrinter, printer.View(), ::cupsLastErrorString()) != 0;
 }

@@ -7,7 +7,7 @@
 
 namespace qel {
 
-/// @p operation ends since the system refused a file, or none was open. @return 0
+/// @p operation fails because the system refused a file, or none was open. @return 0
 QELLIB10_INTERNAL_API int FailedBy(Operation& operation, const CFileException& failure) noexcept;
 
 /// Records that the operation that runs is about to return 0 for that. @return 0
@@ -19,7 +19,7 @@ inline int RefuseBy(const CFileException& failure) noexcept {
 /// The same for a failed system call on @p name, a path of the library. @return 0
 QELLIB10_INTERNAL_API int RefuseErrno(int error, std::string_view name, std::string_view posixPath = {});
 
-/// @p operation ends since bytes, perhaps those of @p file, are not what they claim to be. @return 0
+/// @p operation fails because bytes, perhaps those of @p file, are not what they claim to be. @return 0
 QELLIB10_INTERNAL_API int FailedBy(Operation& operation, const DataError& failure, const CFile* file) noexcept;
 
 /// The same where memory ran out. @return 0

@@ -3,12 +3,15 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <new>
 
 #include "qellib10/platform/storage/file.h"
+#include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/file_operations.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/path_parts.h"
+#include "qellib10/platform/storage/require_status.h"
 #include "qellib10/platform/text/multibyte.h"
 
 namespace {
@@ -36,15 +39,19 @@ CFileStatus Describe(const struct statx& status, const CString& path) {
 
 }  // namespace
 
+CFileStatus qel::RequireStatus(const CString& path) {
+    struct statx found = {};
+    const std::string posix = ToPosixPath(path.View());
+    if (::statx(AT_FDCWD, posix.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &found) != 0)
+        ThrowErrno(errno, path.View(), posix);
+    return Describe(found, FullPath(path.View()));
+}
+
 BOOL CFile::GetStatus(const char* name, CFileStatus& status) {
     try {
-        const CString path(name);
-        struct statx found = {};
-        const std::string posix = qel::ToPosixPath(path.View());
-        if (::statx(AT_FDCWD, posix.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &found) != 0) return 0;
-        status = Describe(found, qel::FullPath(path.View()));
+        status = qel::RequireStatus(CString(name));
         return 1;
-    } catch (const CFileException&) {  // an invalid name
+    } catch (const CFileException&) {  // also an invalid name
     } catch (const std::bad_alloc&) {
     }
     return 0;

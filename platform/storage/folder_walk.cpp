@@ -36,9 +36,9 @@ FolderWalk::FolderWalk(std::string_view start) {
 bool FolderWalk::Enter(std::string_view name) {
     return WithName(name, [&](const std::string& posix) {
         // The walk may only be where the process could be: in a folder that it may search.
-        if (::faccessat(m_folder.Get(), posix.c_str(), X_OK, AT_EACCESS) != 0) return false;
+        if (::faccessat(m_folder.Get(), posix.c_str(), X_OK, AT_EACCESS) != 0) return RefuseErrno(errno, name) != 0;
         Descriptor next(::openat(m_folder.Get(), posix.c_str(), kEnter));
-        if (!next) return false;
+        if (!next) return RefuseErrno(errno, name) != 0;
         m_folder = std::move(next);
         return true;
     });
