@@ -132,7 +132,8 @@ void Run(const Options& options, const CString& folder) {
 // @return the exit status
 int Run(const Options& options) {
     const CString folder = OnFile(options.out, [&] { return qel::FullPath(options.out); });
-    if ((options.list || options.verify) && CQFile::IsExist(folder) == 0) throw Failure(options.out + ": is missing");
+    if ((options.list || options.verify) && CQFile::IsExist(folder) == 0)
+        throw Failure(options.out + ": is missing, or cannot be looked at");
     if (options.list) {
         std::printf("Made in %s\n%s", options.out.c_str(), MadeFiles(folder).Listed().c_str());
         return 0;

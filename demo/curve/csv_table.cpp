@@ -109,19 +109,26 @@ public:
     }
 
     /// Readings after the last point that cannot be read are of its table, and so are volumes with "---" or "OVL".
-    void End() {
-        if (m_tables.empty()) return;
-        Keep(m_unreadable);
-        Keep(m_withoutSignal);
-    }
+    void End() { End(SinceLastPoint()); }
 
     std::vector<Table>& Found() { return m_tables; }
 
 private:
+    std::size_t SinceLastPoint() const { return m_unreadable.count + m_withoutSignal.count; }
+
+    // @param without lines of the table without a point, after its last one
+    void End(std::size_t without) {
+        if (m_tables.empty()) return;
+        if (!m_isNew) m_tables.back().curve.linesWithoutPoint += without;
+        Keep(m_unreadable);
+        Keep(m_withoutSignal);
+    }
+
     void TakeWithoutPoint(const Line& line, const Row& row, std::size_t number) {
         if (line.kind == Kind::kNote) {
             m_isAfterNote = true;
-            if (m_isNew && !m_columns.haveNames) m_missing = 0;
+            m_beforeNote = SinceLastPoint();
+            if (m_isNew && !m_columns.haveNames) m_missing = m_unreadable.count;
             return;
         }
         const bool hasVolume = qel::ReadMeasuredValue(FieldOf(row, m_columns.volume)).has_value();
@@ -139,13 +146,15 @@ private:
 
     void AddPoint(const Line& line, const Row& row, std::size_t number) {
         if (IsOfNextTable(line, row)) {
-            if (!m_isNew) End();
+            const std::size_t beforeNext = m_isAfterNote ? m_beforeNote : SinceLastPoint();
+            const std::size_t ofNext = SinceLastPoint() - beforeNext;
+            if (!m_isNew) End(beforeNext);
             Table& next = m_tables.emplace_back();
             next.curve.firstLine = number;
             next.volumeUnit = line.volume.unit;
             next.signalUnit = line.signal.unit;
             m_firstRow = row;
-            if (!m_isNew) m_missing = 0;
+            if (!m_isNew) m_missing = ofNext;
             m_isNew = false;
         }
         if (!HasUnits(line)) RefuseUnits(row, number, m_tables.back());
@@ -202,9 +211,9 @@ private:
 
     Columns m_columns;
     std::vector<Table> m_tables;
-    Row m_firstRow;  // of the last table
-    std::size_t m_missing = 0;
-    Lines m_unreadable, m_withoutSignal;  // since the last point
+    Row m_firstRow;                               // of the last table
+    std::size_t m_missing = 0, m_beforeNote = 0;  // lines without a point: of the table; after the last point
+    Lines m_unreadable, m_withoutSignal;          // since the last point
     bool m_isNew = true, m_isAfterNote = false;
 };
 

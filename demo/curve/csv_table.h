@@ -13,7 +13,7 @@ namespace titration {
 struct Curve : qel::TitrationCurve {
     std::size_t firstLine = 0;          // of the table in its file, counted from 1
     std::size_t lastLine = 0;           // the last line with a point
-    std::size_t linesWithoutPoint = 0;  // up to that one: a reading is missing there
+    std::size_t linesWithoutPoint = 0;  // a reading is missing there
     int table = 0;                      // the number that was chosen, 0: the only one
 };
 
@@ -35,8 +35,8 @@ struct Curve : qel::TitrationCurve {
 /// the table is the first one after the first line that has it (with two names: both).
 /// @param table which table to read, counted from 1; 0: the only one
 /// @throws Failure when there is no such column or no number in it, when there are several tables and none is chosen,
-/// and when a number has two meanings (see RequireOneMeaning). When no table is chosen also when some of
-/// its readings cannot be read; unless the only table is chosen, when its first or last points may be no readings (see
+/// and when a number has two meanings (see RequireOneMeaning). When no table is chosen also when some of its readings
+/// cannot be read; unless the only table is chosen, when its first or last points may not be readings (see
 /// RequireNoSummary). It names the lines and what was found there.
 Curve ReadCurve(std::string_view text, const std::string& volumeColumn, const std::string& signalColumn, int table = 0);
 

@@ -121,7 +121,7 @@ void RefuseUnreadable(std::string_view text, const Table& table, const std::vect
 }
 
 void RefuseDoubtfulPoint(const Row& row, std::size_t line, const std::string& why, bool isOnlyTable) {
-    throw Failure(LineText(line, row) + ", which may be no reading of the curve: " + why + "; remove the line" +
+    throw Failure(LineText(line, row) + ", which may not be a reading of the curve: " + why + "; remove the line" +
                   (isOnlyTable ? ", or take it as a reading with --table 1" : ""));
 }
 

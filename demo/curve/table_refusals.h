@@ -56,7 +56,7 @@ struct Table {
 [[noreturn]] void RefuseUnreadable(std::string_view text, const Table& table, const std::vector<Row>& rows,
                                    const Columns& columns);
 
-/// The point in @p line may be no reading of the curve. @param isOnlyTable it can be taken by choosing its table
+/// The point in @p line may not be a reading of the curve. @param isOnlyTable it can be taken by choosing its table
 [[noreturn]] void RefuseDoubtfulPoint(const Row& row, std::size_t line, const std::string& why, bool isOnlyTable);
 
 /// A field, in @p line, has a sign that may be the decimal sign or set thousands apart.

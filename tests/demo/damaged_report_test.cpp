@@ -22,8 +22,8 @@ TEST_F(Verified, DamageOfReportsAndPicturesIsFound) {
         {"report-1.job", FlipIn("49.6"), "FAILED: report-1.job: shows \"Titration: ACIDITY 59.6 g/L\""},
         {"curve.png", Cut(1000), "FAILED: curve.png: has 1000 bytes"},
         {"page-1.png", Flip(1000), "FAILED: page-1.png: has "},
-        {"page-1.png", nullptr, "FAILED: page-1.png: no such file"},
-        {"Titration reports.pdf", nullptr, "FAILED: Titration reports.pdf: no such file"},
+        {"page-1.png", nullptr, "FAILED: page-1.png: file not found"},
+        {"Titration reports.pdf", nullptr, "FAILED: Titration reports.pdf: file not found"},
     });
 }
 
@@ -39,12 +39,13 @@ TEST_F(Verified, DamageOfTheListOfWhatWasMadeIsFound) {
          "FAILED: report-1.job: has no layout fingerprint in made.ini"},
         {"made.ini", [&](std::string& ini) { ini.insert(ini.find('=', ofCurve(ini)) + 1, "01234567 "); },
          "FAILED: curve.png: its layout fingerprint in made.ini is not that of report-2.job"},
-        {"made.ini", [](std::string& ini) { ini = Replaced(ini, "\npage-1.png=", "\nx="); }, "FAILED: x: no such file"},
+        {"made.ini", [](std::string& ini) { ini = Replaced(ini, "\npage-1.png=", "\nx="); },
+         "FAILED: x: file not found"},
     });
     std::filesystem::remove(m_folder.Posix("results/version-1/variables.qel"));
     ExpectFound({
         {"made.ini", [](std::string& ini) { ini = Replaced(ini, "\nversion-1/variables.qel=", "\nx="); },
-         "FAILED: version-1/variables.qel: no such file"},
+         "FAILED: version-1/variables.qel: file not found"},
     });
 }
 

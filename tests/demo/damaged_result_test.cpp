@@ -14,6 +14,6 @@ TEST_F(Verified, DamageOfAnEarlierResultIsFound) {
         {"method-1.xml", nullptr, "FAILED: version 1 in results.hcf: method-1.xml: file not found"},
         {"curve-1.csv", Flip(300), "FAILED: curve-1.csv: has "},
         {"version-1/variables.qel", Flip(100), "FAILED: version-1/variables.qel: has "},
-        {"version-1/variables.qel", nullptr, "FAILED: version-1/variables.qel: no such file"},
+        {"version-1/variables.qel", nullptr, "FAILED: version-1/variables.qel: file not found"},
     });
 }

@@ -63,7 +63,7 @@ TEST_F(Verified, WholeResultsStayAsTheyAreInAnyTimeZone) {
     EXPECT_EQ(m_folder.Read("results/users.db"), users);
 }
 
-TEST_F(Verified, AreRightAfterALogonThatFailed) {
+TEST_F(Verified, FilesAreRightAfterAFailedLogon) {
     EXPECT_EQ(Run("--take-out 1 --out results --password wrong").status, 1);
     EXPECT_EQ(Run("--take-out 1 --out results").status, 0);
     EXPECT_EQ(Verify().status, 0);

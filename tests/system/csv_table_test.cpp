@@ -86,7 +86,7 @@ TEST(CurveTable, IsRefusedWhereMoreCouldBeOfIt) {
              {"V,U\n998 \u00B5L,7\n1.002 mL,8\n", 0, "line 3 has \"1.002 mL\" \"8\", and the table began with"},
              {"V,U,u\n1,7,8\n", 0, "line 1 has more than one column \"u\""},
              {"U;3\n1;2\n;V;U\n;mL;mV\n7;1,5;7\n7;2,5;8\n\nmean;-;-\n", 0, "5-6/0: 1.5 2.5"},
-             {"V,U\n" + spoilt, 1, "2-6/0: 1 2 3 4 5"}}) {
+             {"V,U\n" + spoilt, 1, "2-6/2: 1 2 3 4 5"}}) {
         EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
     }
 }
@@ -106,6 +106,9 @@ TEST(CurveTable, IsRefusedWhereReadingsAreBeforeIt) {
               "2 lines of the table cannot be read: line 1 has \"1\" \"<7\"; expected a number in field 1 and one in "
               "field 2; mend"},
              {"1,<7\n2,7*\n3,7\n4,8\n", 1, "3-4/2: 3 4"},
+             {"1,<7\n\n2,7\n3,8\n", 1, "3-4/1: 2 3"},
+             {kFive + "6,7*\nnote\n0,7*\n1,<7\n" + kFive, 1, "1-5/1: 1 2 3 4 5"},
+             {kFive + "6,7*\nnote\n0,7*\n1,<7\n" + kFive, 2, "10-14/2: 1 2 3 4 5"},
              {"1,9.9E37\n" + kFive, 0, "1 line of the table cannot be read: line 1 has"},
              {"Start 0.0,3.1\n" + kFive, 0, "1 line of the table cannot be read: line 1 has"}}) {
         EXPECT_EQ(Read(text, "1", "2", table).substr(0, std::string(expected).size()), expected) << text;
@@ -130,16 +133,18 @@ TEST(CurveTable, IsRefusedWhereALineMayBeNoReading) {
     const std::string three = "V,U,T\n1,7,25\n2,7,25\n3,8,25\n4,9,25\n";
     for (const auto& [text, table, expected] : Cases<std::string, int, const char*>{
              {"V,U\n" + kFive + "50.0,2.0\n", 0,
-              "line 7 has \"50.0\" \"2.0\", which may be no reading of the curve: its volume is further from 5 than 5 "
+              "line 7 has \"50.0\" \"2.0\", which may not be a reading of the curve: its volume is further from 5 than "
+              "5 "
               "times "
               "the widest interval before; remove the line, or take it as a reading with --table 1"},
              {"V,U\n" + kFive + "50.0,2.0\n", 1, "2-7/0: 1 2 3 4 5 50"},
              {"V,U\n" + kFive + "3.5,8\n4.5,8\n", 0,
-              "line 7 has \"3.5\" \"8\", which may be no reading of the curve: the volume goes back from 5; remove"},
-             {"V,U\n" + kFive + "3.5,8\nV,U\n" + kFive, 1, "line 7 has \"3.5\" \"8\", which may be"},
+              "line 7 has \"3.5\" \"8\", which may not be a reading of the curve: the volume goes back from 5; remove"},
+             {"V,U\n" + kFive + "3.5,8\nV,U\n" + kFive, 1, "line 7 has \"3.5\" \"8\", which may not be"},
              {"V,U\n5,7\n4,7\n3,8\n2,8\n1,8\n2.5,8\n", 0, "line 7 has"},
              {"V,U\n" + kFive + "5,9\n10,9\n", 0, "2-8/0: 1 2 3 4 5 5 10"},
-             {three + "5,9\n", 0, "line 6 has \"5\" \"9\", which may be no reading of the curve: it has fewer fields"},
+             {three + "5,9\n", 0,
+              "line 6 has \"5\" \"9\", which may not be a reading of the curve: it has fewer fields"},
              {three + "5,9\n6,9\n7,9\n8,9\n9,9\n", 0, "2-10/0: 1 2 3 4 5 6 7 8 9"}}) {
         EXPECT_EQ(Read(text, "v", "u", table).substr(0, std::string(expected).size()), expected) << text;
     }
