@@ -211,8 +211,8 @@ CString CBCD::GetString(int decimals, rounding mode) {
 
 double CBCD::GetDouble(int decimals, rounding mode) {
     const CString wanted = GetString(decimals, mode);
-    // A double with more decimals than the length of the whole text never prints the same way, nor does one rounded in
-    // front of the point, where the text has an exponent or ends with the point.
+    // A double with more decimals than the length of the whole text never prints the same way, nor does one rounded
+    // before the point, where the text has an exponent or ends with the point.
     if (decimals > 0 && decimals < kTextWidth) {
         const int printMode = mode == DEC_ROUND_UP ? 1 : mode == DEC_ROUND_DOWN ? -1 : 0;
         const CBCD step = CBCD("0.1") ^ (static_cast<unsigned int>(decimals) + 1);

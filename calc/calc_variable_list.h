@@ -145,8 +145,8 @@ private:
 namespace qel {
 
 /// Whether a file with the first bytes @p start (12 are enough) is an archive of CCalcVariableList or CCalcVariable,
-/// which have the same tags; for programs that open files whatever their names are. Whether it is whole is what
-/// Serialize finds. The oldest layout has no tag.
+/// which have the same tags; for programs that open files whatever their names are. This does not check that the file
+/// is complete: Serialize does. The oldest layout has no tag.
 QELLIB10_API bool IsCalcArchive(std::string_view start);
 
 }  // namespace qel

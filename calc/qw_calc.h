@@ -41,8 +41,8 @@ struct FormulaFault;
 ///
 /// A formula has at most 255 bytes; text after a zero byte is not read. Names may be as long as the formula. Operations
 /// return 1, or 0 for every failure; qel::LastFailure then says what is wrong (syntax, an unknown name, a division by
-/// zero, too long) and where in the formula. Nothing is thrown but std::bad_alloc, by construction, the operations that
-/// copy a list or a variable and by the steps of the grammar: a check or a calculation without memory returns 0.
+/// zero, too long) and where in the formula. Nothing is thrown but std::bad_alloc: by construction, by operations that
+/// copy a list or a variable, and by the steps of the grammar. A check or a calculation without memory returns 0.
 /// Nothing depends on the locale. One thread at a time.
 ///
 /// Kept, so that formulas already in the field mean what they always meant:

@@ -139,7 +139,7 @@ void RequireReadingsAround(const CurvePoints& points, const Step& step) {
                     (isStart ? "start with less titrant" : "titrate further"));
 }
 
-// Where the levels before and after a step are the same, it is none.
+// If the levels before and after it are the same, it is not a step.
 void RequireLevels(const CurvePoints& points, const Judged& curve, const Step& step) {
     std::size_t wrong = 0;
     for (std::size_t i = 0; i < points.x.size(); ++i) {

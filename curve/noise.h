@@ -7,7 +7,7 @@
 namespace qel {
 
 /// The standard deviation of a reading, estimated from the curve itself (at least 4 points), where any of the points
-/// may be strays: no smaller than it is, and too large for a curve of few points that is steep everywhere.
+/// may be strays. Never too small. Too large if a curve has few points and is steep everywhere.
 double RoughNoise(const CurvePoints& points);
 
 /// The same of points without strays, from the levels before and after the step alone: a step that few points lie in

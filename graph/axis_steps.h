@@ -34,8 +34,7 @@ struct QELLIB10_API AxisSteps {
 
 /// Steps that include all values from @p low to @p high. Equal values get an axis around them: half of their size at
 /// both sides, or 1 at both sides of 0.
-/// @param maxSteps 1 to 1000; others count as the nearest of these; values at both sides of 0 have 2 at
-/// least
+/// @param maxSteps 1 to 1000; others count as the nearest of these; values at both sides of 0 have 2 at least
 /// @return 0 to 1 in one step when an end is not a finite number
 QELLIB10_API AxisSteps StepsOver(double low, double high, int maxSteps,
                                  RoundSteps round = RoundSteps::kWithoutQuarters);

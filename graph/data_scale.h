@@ -19,7 +19,6 @@ inline constexpr int kFarthest = 65530;
 
 /// A range of values as a divisor. An axis whose ends are equal has none: a value at the end stays there, all others
 /// are far outside.
-/// else is far outside.
 inline double Divisor(double range) noexcept { return range == 0 ? std::numeric_limits<double>::min() : range; }
 
 /// Cut toward zero and limited to the farthest coordinates; NaN is at the farthest left or top.

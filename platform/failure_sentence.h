@@ -18,7 +18,7 @@ namespace qel {
 /// @endcode
 ///
 /// @param why LastFailure() right after the operation
-/// @return text in the process's code page, without a full stop. What is wrong with a formula says FormulaSentence.
+/// @return text in the process's code page, without a full stop. For formulas use FormulaSentence.
 QELLIB10_API std::string FailureSentence(const Failure& why, std::string_view otherwise);
 
 }  // namespace qel

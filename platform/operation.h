@@ -8,7 +8,7 @@
 
 namespace qel {
 
-/// What a thread that succeeds looks at of its last failure.
+/// The part of a thread's last failure that a success has to read.
 struct FailureMark {
     unsigned count = 0;      // failures so far
     bool isCurrent = false;  // the last operation failed

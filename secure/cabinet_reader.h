@@ -21,8 +21,8 @@ enum class CabinetFileKind {
 /// The bytes that KindOfCabinetFile needs; a file may have fewer.
 inline constexpr std::size_t kCabinetKindBytes = 40;
 
-/// What kind a file is of, for programs that open files whatever their names are. Whether it is whole is what its
-/// reader says.
+/// What kind a file is of, for programs that open files whatever their names are. This does not check that the file is
+/// complete: its reader does.
 /// @param start the first bytes of the file; those after kCabinetKindBytes do not count
 QELLIB10_API CabinetFileKind KindOfCabinetFile(std::string_view start);
 

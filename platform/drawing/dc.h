@@ -50,8 +50,8 @@ public:
     /// A context of a printer, like the function of this name; defined next to that, in platform/printing.
     /// @return 0 also if this object already has a handle
     BOOL CreateDC(const char* driver, const char* device, const char* output, const DEVMODE* mode);
-    /// Takes a context for output and attributes. Null leaves qel::LastFailure as whatever should have made it set it.
-    /// @return 0 if this object has one, or for a bad handle
+    /// Takes a context for output and attributes. For null, qel::LastFailure keeps the reason of the operation that
+    /// returned null. @return 0 if this object has one, or for a bad handle
     BOOL Attach(HDC dc);
     HDC Detach();  ///< gives up the output context to the caller
     BOOL DeleteDC();

@@ -54,7 +54,7 @@ public:
     bool IsPicture() const { return m_pSurface->Pixels() != nullptr; }
     int DeviceCaps(int index) const { return m_pSurface->DeviceCaps(index); }
 
-    /// Of a printer's: pages are laid out for another sheet than was asked for.
+    /// For printers: whether pages are laid out for a sheet other than the requested one.
     bool HasOtherSheet() const noexcept { return m_hasOtherSheet; }
     void SetHasOtherSheet() noexcept { m_hasOtherSheet = true; }
 

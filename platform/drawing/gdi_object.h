@@ -16,8 +16,8 @@ public:
     CGdiObject& operator=(const CGdiObject&) = delete;
 
     HGDIOBJ GetSafeHandle() const noexcept { return m_hObject; }
-    /// Takes over a handle; this object must have none. Null leaves qel::LastFailure as whatever should have made it
-    /// set it. @return 0 if it has one, or for null
+    /// Takes over a handle; this object must have none. For null, qel::LastFailure keeps the reason of the operation
+    /// that returned null. @return 0 if it has one, or for null
     BOOL Attach(HGDIOBJ object);
     /// Returns the handle and gives up its ownership.
     HGDIOBJ Detach();

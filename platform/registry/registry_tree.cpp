@@ -35,8 +35,7 @@ constexpr const char* kReplace =
 
 std::string Numbered(const char* name, std::size_t number) { return name + std::to_string(number); }
 
-// The key that @p names names lead to: a chain of look-ups in the order of the path. ?1 is the first key, then come the
-// folded names.
+// A join that follows a path of @p names names: a chain of look-ups. ?1 is the first key, then come the folded names.
 std::string Chain(std::size_t names) {
     std::string sql = "reg_key k0";
     for (std::size_t i = 1; i <= names; ++i) sql += Numbered(" CROSS JOIN reg_key k", i);

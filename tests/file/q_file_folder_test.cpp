@@ -19,7 +19,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FileFolders, CurrentOneMayBeGone) {
+TEST_F(FileFolders, ADeletedCurrentFolderIsAFailure) {
     CString current;
     EXPECT_EQ(CQFile::GetCurrentDirectoryA(current), 1);
     EXPECT_EQ(current, m_folder.Path());

@@ -82,7 +82,7 @@ TEST_F(Dialogs, PrinterIsChosen) {
     EXPECT_EQ(dialog.DoModal(), IDCANCEL);
 }
 
-TEST_F(Dialogs, SettingsGoInAndComeOut) {
+TEST_F(Dialogs, PaperAndOrientationAreShownAndReturned) {
     const Cases<DEVMODE, DEVMODE> cases{
         {Mode(9, 1), Mode(9, 1)},
         {Mode(8, 2, {}, 3), Mode(8, 2)},  // one file of a document is enough

@@ -21,7 +21,7 @@ TEST(Time, FieldsAreThoseOfTheLocalTimeZone) {
     EXPECT_EQ(CTime(2026, 7, 14, 9, 5, 7, 0).GetHour(), 10) << "a standard time in summer";
 }
 
-TEST(Time, HasAResultForEveryValue) {
+TEST(Time, ImpossibleOnesHaveFields0AndEmptyTexts) {
     using Int = std::numeric_limits<int>;
     for (const CTime& time : {CTime(std::numeric_limits<std::int64_t>::max()), CTime(Int::min(), 1, 1, 0, 0, 0),
                               CTime(Int::max(), Int::max(), Int::max(), 0, 0, 0), CTime(2026, Int::min(), 1, 0, 0, 0)})
@@ -50,7 +50,7 @@ TEST(OleDateTime, DaysAreCountedFromTheEndOf1899) {
     EXPECT_EQ(Line({almost.GetMonth(), almost.GetDay(), almost.GetHour()}), "1 1 0");
 }
 
-TEST(OleDateTime, WhatIsNoDateIsInvalid) {
+TEST(OleDateTime, ImpossibleDatesAreInvalid) {
     for (const auto& [year, month, day, hour, minute, second] : Cases<int, int, int, int, int, int>{
              {99, 1, 1, 0, 0, 0},
              {10000, 1, 1, 0, 0, 0},

@@ -159,7 +159,7 @@ TEST_F(History, EndsBelow4GiB) {
 }
 
 // A cabinet that is listed from the first version to the last, as programs do that show a history.
-TEST_F(History, EveryVersionOfVeryManyIsNear) {
+TEST_F(History, AnyOfVeryManyVersionsIsFoundQuickly) {
     constexpr DWORD kCount = 300'000, kSome = 200;
     std::string bytes = Header(36 + (kCount - 1) * 21, kCount);
     for (DWORD version = 1; version <= kCount; ++version) bytes += Versioned(version, 1);

@@ -101,7 +101,7 @@ TEST_F(UserStoreTest, AccountsStayAsTheyWereEntered) {
     EXPECT_EQ(store->GetUserCount(), 2);
 }
 
-TEST_F(UserStoreTest, LocksAfterRefusals) {
+TEST_F(UserStoreTest, FiveWrongPasswordsLockAUser) {
     auto store = Open();
     store->CreateFirstAdministrator("admin", "first");
     store->AddUser(Record("bob", "pw"));
@@ -209,7 +209,7 @@ TEST_F(UserStoreTest, AKilledLogonOfOneAccountKeepsNoOtherAccountOut) {
     }
 }
 
-TEST_F(UserStoreTest, AnUnknownUserCostsAsMuch) {
+TEST_F(UserStoreTest, AnUnknownUserTakesAsLongAsAWrongPassword) {
     auto store = Open();
     store->AddUser(Record("bob", "pw"));
     m_settings.cost = {2, 16 << 20};
@@ -261,7 +261,7 @@ TEST_F(UserStoreTest, ATokenLogsItsUserOn) {
     EXPECT_FALSE(m_folder.Has("users.db.token"));
 }
 
-TEST_F(UserStoreTest, AsksThePrompt) {
+TEST_F(UserStoreTest, ThePromptIsAskedUpToThreeTimes) {
     auto store = Open();
     store->CreateFirstAdministrator("admin", "first");
     CSystemSetting setting(store.get());
@@ -301,7 +301,7 @@ TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
     }
 }
 
-TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
+TEST_F(UserStoreTest, AReadOnlyStoreIsNeverWritten) {
     Open()->CreateFirstAdministrator("admin", "first");
     const std::string before = m_folder.Read("users.db");
     m_settings.isReadOnly = true;
@@ -317,7 +317,7 @@ TEST_F(UserStoreTest, IsOnlyLookedAtWhenReadOnly) {
     EXPECT_EQ(Line({Open()->IsConnected(), m_folder.Has("users.db")}), "0 0");
 }
 
-TEST_F(UserStoreTest, AChangeIsDoneWheneverItSaysSo) {
+TEST_F(UserStoreTest, AChangeThatReturns1IsStored) {
     int number = 0, left = 0;
     do {
         SCOPED_TRACE(++number);
@@ -335,7 +335,7 @@ TEST_F(UserStoreTest, AChangeIsDoneWheneverItSaysSo) {
     EXPECT_GT(number, 10);
 }
 
-TEST_F(UserStoreTest, RefusesWhatIsNoStore) {
+TEST_F(UserStoreTest, FilesThatAreNotAStoreAreRefused) {
     EXPECT_EQ(Open()->AddUser(Record("bob", "pw")), 1);
     Damage("UPDATE users SET passes = 4000000000, memory = 4000000000000");
     EXPECT_EQ(Open()->Logon("bob", "pw"), 0) << "would take years";

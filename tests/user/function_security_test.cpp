@@ -35,7 +35,7 @@ TEST(FunctionSecurity, TheFirstEntryOfAnIdentifierIsFound) {
     EXPECT_EQ(Line({security.GetFunctionName(100), security.GetFunctionName(8)}), "Calibrate ");
 }
 
-TEST(FunctionSecurity, MakerAndManagerMayAll) {
+TEST(FunctionSecurity, MakerAndManagerMayDoEverything) {
     TitratorSecurity security;
     security.Initialize();
     using Set = void (CFunctionSecurity::*)(int);
