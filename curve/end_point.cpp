@@ -35,11 +35,14 @@ std::vector<std::size_t> OrderOfVolumes(const TitrationCurve& curve) {
     return order;
 }
 
-// The noise of a steep curve of few readings seems large, but then hardly a reading goes back.
+// The noise of a steep curve of few readings seems large, but then hardly a reading goes back. Readings that are left
+// out do not count: what several strays at one place differ by is not the curve's noise.
 double BackwardTolerance(const Judged& curve, double range) {
-    std::vector<double> moves;
-    for (std::size_t i = 1; i < curve.readings.signal.size(); ++i)
-        moves.push_back(curve.direction * (curve.readings.signal[i - 1] - curve.readings.signal[i]));
+    std::vector<double> kept, moves;
+    for (std::size_t i = 0; i < curve.strays.size(); ++i) {
+        if (!curve.strays[i]) kept.push_back(curve.readings.signal[i]);
+    }
+    for (std::size_t i = 1; i < kept.size(); ++i) moves.push_back(curve.direction * (kept[i - 1] - kept[i]));
     if (moves.size() <= kRareMoves) return curve.tolerance;
     std::ranges::nth_element(moves, moves.begin() + kRareMoves, std::ranges::greater());
     return std::min(curve.tolerance, std::max(kOfUsualMove * moves[kRareMoves], kToleranceRange * range));

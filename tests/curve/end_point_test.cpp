@@ -159,6 +159,7 @@ TEST(EndPoint, IsNotChosenByNoise) {
              {52, 11607},
              {52, 12945},
              {8344810, 45454},
+             {1003, 38153},
          }) {
         const MadeCurve made = MadeAfter(number, seed);
         EXPECT_LE(HalvesOff(made, Found(made.volume, made.measured)), 1) << number;
