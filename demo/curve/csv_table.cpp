@@ -122,6 +122,7 @@ private:
         if (!m_isNew) m_tables.back().curve.linesWithoutPoint += without;
         Keep(m_unreadable);
         Keep(m_withoutSignal);
+        m_beforeNote = 0;
     }
 
     void TakeWithoutPoint(const Line& line, const Row& row, std::size_t number) {
