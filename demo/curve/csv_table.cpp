@@ -256,6 +256,7 @@ void DropHeadings(std::vector<Table>& tables, const std::vector<Row>& rows, cons
     std::for_each(std::make_reverse_iterator(first), tables.rend(), [&](const Table& heading) {
         if (heading.unreadable > 0) first->firstUnreadable = heading.firstUnreadable;
         first->unreadable += heading.unreadable;
+        first->curve.linesWithoutPoint += heading.curve.linesWithoutPoint;
     });
     tables.erase(tables.begin(), first);
 }

@@ -71,11 +71,14 @@ Replacement::~Replacement() = default;
 const Descriptor& Replacement::File() const noexcept { return m_made->File(); }
 
 CString Replacement::Path() const {
-    const std::string& made = m_made->Path();
-    const std::unique_ptr<char, decltype(&std::free)> folder(::realpath(PosixFolderOf(made).c_str(), nullptr),
-                                                             std::free);
-    if (!folder) ThrowErrno(errno, m_name, made);
-    CString path = ToLibraryPath(std::string(folder.get()) + made.substr(made.rfind('/')));
+    std::string made = m_made->Path();
+    if (const std::size_t name = made.rfind('/') + 1; made.find("../") < name) {
+        const std::unique_ptr<char, decltype(&std::free)> folder(::realpath(made.substr(0, name).c_str(), nullptr),
+                                                                 std::free);
+        if (!folder) ThrowErrno(errno, m_name, made);
+        made = std::string(folder.get()) + '/' + made.substr(name);
+    }
+    CString path = ToLibraryPath(made);
     ToPosixPath(path.View());  // throws if it is too long
     return path;
 }

@@ -48,8 +48,8 @@ public:
     /// The new file, open for reading and writing.
     const Descriptor& File() const noexcept;
 
-    /// The new file's path in the library's form, for operations that open files by their names. Its folder is without
-    /// links, since the library takes ".." out of paths before it follows links.
+    /// The new file's path in the library's form, for operations that open files by their names. Where a
+    /// link has led through "..", its folder is without links, since the library takes ".." out of paths first.
     /// @throws CFileException above the library's 259 bytes, and if the folder cannot be found out
     CString Path() const;
 

@@ -126,6 +126,7 @@ TEST(CurveTable, IsRefusedWhereReadingsAreBeforeIt) {
              {"Date;20260105;123000\n1;0;7*\n" + rows, "1 line of the table cannot be read: line 2 has"}}) {
         EXPECT_EQ(Read(text, "2", "3").substr(0, std::string(expected).size()), expected) << text;
     }
+    EXPECT_EQ(Read("Date;20260105;123000\n1;0;7*\n" + rows, "2", "3", 1), "3-7/1: 0 1 2 3 4");
 }
 
 // A line of a summary seems to be a point of the table before it.

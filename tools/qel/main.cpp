@@ -38,6 +38,7 @@ void AddAll(CLI::App& app, Status& status) {
         app.add_option_function<UINT>(
                "--codepage", [](const UINT& page) { qel::SetCodePage(page); },
                "Code page of texts in files (else $QELLIB10_CODEPAGE, else 932)")
+            ->transform(tool::WholeNumber(0, 65535))
             ->check(CLI::IsMember({qel::kCodePageJapanese, qel::kCodePageLatin1, qel::kCodePageUtf8}))
             ->type_name("PAGE");
     app.parse_complete_callback([codePage] { RequireKnownPage(*codePage); });
