@@ -23,6 +23,9 @@ set(components core graphics)
 if(TARGET qellib10-store)
   list(APPEND components store)
 endif()
+if(TARGET qellib10-record)
+  list(APPEND components record)
+endif()
 foreach(component IN LISTS components)
   qellib10_install(${component})
   install(FILES ${component}.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qellib10 COMPONENT ${component}-development)
@@ -53,10 +56,16 @@ install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/exampl
   FILES_MATCHING PATTERN *.cpp
   PATTERN end_points.cpp EXCLUDE
   PATTERN gtk.cpp EXCLUDE
+  PATTERN records.cpp EXCLUDE
   PATTERN users.cpp EXCLUDE)
 if(TARGET qellib10-store)
   install(FILES docs/examples/users.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-store-dev/examples
     COMPONENT store-development)
+endif()
+if(TARGET qellib10-record)
+  install(FILES docs/examples/records.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-record-dev/examples
+    COMPONENT record-development)
+  install(PROGRAMS docs/check-trail DESTINATION ${QELLIB10_EXAMPLES_DIR}-record-dev COMPONENT record-development)
 endif()
 if(TARGET qellib10-gtk)
   install(FILES docs/examples/gtk.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development)

@@ -65,6 +65,17 @@ if(QELLIB10_BUILD_STORE)
   endif()
 endif()
 
+# Entries of a trail are hashed and signed by OpenSSL's libcrypto: without it there is no component record.
+option(QELLIB10_BUILD_RECORD "Build qellib10-record if OpenSSL is installed" ON)
+if(QELLIB10_BUILD_RECORD)
+  find_package(OpenSSL 3.0)
+  if(OPENSSL_FOUND)
+    qellib10_component(record core)
+  else()
+    message(STATUS "OpenSSL was not found (Debian package libssl-dev): qellib10-record is left out")
+  endif()
+endif()
+
 # The whole.
 add_library(qellib10 INTERFACE)
 add_library(QELLIB10::qellib10 ALIAS qellib10)

@@ -72,6 +72,15 @@ if(TARGET qellib10-store)
     "What applications that keep users are built with, beside\nlibqellib10-core-dev."
     "libqellib10-store${major} (= ${version}), libqellib10-core-dev (= ${version})")
 endif()
+if(TARGET qellib10-record)
+  qellib10_library_package(qellib10-record record libqellib10-record${major} libs "${summary} - record"
+    "Who did what, when and why: a trail of signed entries in an archive, and its\nverification."
+    "libqellib10-core${major} (= ${version})")
+  qellib10_package(record-development libqellib10-record-dev libdevel "${summary} - record headers"
+    "What applications that keep a trail are built with, beside\nlibqellib10-core-dev."
+    "libqellib10-record${major} (= ${version}), libqellib10-core-dev (= ${version})")
+  set(tools_need ", libqellib10-record${major} (= ${version})")
+endif()
 qellib10_library_package(qellib10-graphics graphics libqellib10-graphics${major} libs "${summary} - graphics"
   "Drawing, printing, print jobs and measurement curves, for applications built\nwith it."
   "libqellib10-core${major} (= ${version})")
@@ -86,8 +95,8 @@ qellib10_package(development libqellib10-dev libdevel "${summary} - headers"
   "libqellib10-${major} (= ${version}), libqellib10-graphics-dev (= ${version})")
 qellib10_package(tools qellib10-tools utils
   "tools for the files of laboratory instrument applications"
-  "A command for sealed files, histories, documents, print jobs and settings, and\nthe service that carries out what was put off to the next start."
-  "libqellib10-graphics${major} (= ${version})")
+  "A command for sealed files, histories, trails, documents, print jobs and\nsettings, and the service that carries out what was put off to the next start."
+  "libqellib10-graphics${major} (= ${version})${tools_need}")
 if(TARGET qellib10-gtk)
   qellib10_library_package(qellib10-gtk gtk libqellib10-gtk${major} libs "${summary} - GTK companion"
     "Print dialog, folder chooser and a widget to draw on, for GTK 3."

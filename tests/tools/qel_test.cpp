@@ -62,6 +62,15 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "profile backup 'HKEY_CURRENT_USER\\M' ''",
                                   "profile list HKEY_CURRENT_USER",
                                   "profile set 'HKEY_USERS\\M' A B x",
+                                  "trail",
+                                  "trail verify",
+                                  "trail verify f.xml --at-least 0",
+                                  "trail verify f.xml --at-least 1 --at-least 1",
+                                  "trail verify f.xml --key SHA256:a",
+                                  "trail verify f.xml --key SHA256:a --key SHA256:a",
+                                  "trail verify f.xml --trust f.xml --trust f.xml",
+                                  "trail verify f.xml --head 0",
+                                  "trail verify f.xml --trail 0123456789ABCDEF0123456789ABCDEF",
                                   "plot f.pdf -o f.pdf --force",
                                   "plot f.pdf -o a.png --size 10000x10000",
                                   "plot f.pdf -o a.svg --size 10000x10000",
@@ -97,7 +106,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
         return page.substr(at, page.find('\n', at) - at);
     };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
-             {"", "0 calc seal verify cabinet xml job archive profile plot\n"},
+             {"", "0 calc seal verify cabinet xml job archive profile plot trail\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --", "0 --help --jobs --all --strict --json\n"},
@@ -108,6 +117,8 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"job render --", "0 --help --output --resolution --force --page --paper --dpi --json\n"},
              {"archive --", "0 --help --oldest --json\n"},
              {"profile set --", "0 --help --number\n"},
+             {"trail list --", "0 --help --json\n"},
+             {"trail verify --", "0 --help --trust --key --trail --head --head-file --at-least --json\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {

@@ -45,6 +45,9 @@ void AddAll(CLI::App& app, Status& status) {
     for (const auto& add : {tool::AddCalc, tool::AddSeal, tool::AddVerify, tool::AddCabinet, tool::AddXml, tool::AddJob,
                             tool::AddArchive, tool::AddProfile, tool::AddPlot})
         add(app, status);
+#ifdef QEL_WITH_TRAIL
+    tool::AddTrail(app, status);
+#endif
     RefuseEmpty(app);
 }
 

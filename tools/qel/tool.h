@@ -29,6 +29,12 @@ enum Status : int {
     kInconsistent = 8,  // counts, places or texts in it that contradict each other
     kMalformed = 9,     // XML that is not well-formed, or refers to something outside it
     kBadHeader = 10,    // a cabinet whose versions cannot be found
+
+    kNotAnchored = 11,    // a trail that is consistent, and no key of it is known from elsewhere
+    kUnknownSigner = 12,  // an entry signed by a key that is not trusted
+    kEndedKey = 13,       // an entry signed by a key that was not valid at that time
+    kClock = 14,          // the time of an entry is before that of the one before
+    kMissing = 15,        // entries that have to be there are missing
 };
 
 /// Ends the program with one line and a status.
@@ -143,5 +149,8 @@ void AddArchive(CLI::App& app, Status& status);
 void AddProfile(CLI::App& app, Status& status);
 void AddJob(CLI::App& app, Status& status);
 void AddPlot(CLI::App& app, Status& status);
+#ifdef QEL_WITH_TRAIL
+void AddTrail(CLI::App& app, Status& status);
+#endif
 
 }  // namespace tool

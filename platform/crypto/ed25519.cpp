@@ -1,0 +1,62 @@
+#include "qellib10/platform/crypto/ed25519.h"
+
+#include <openssl/err.h>
+#include <openssl/evp.h>
+
+#include <memory>
+
+#include "qellib10/platform/error.h"
+
+namespace qel {
+namespace {
+
+using Key = std::unique_ptr<EVP_PKEY, decltype(&::EVP_PKEY_free)>;
+using Context = std::unique_ptr<EVP_MD_CTX, decltype(&::EVP_MD_CTX_free)>;
+
+const unsigned char* Raw(std::span<const std::byte> bytes) {
+    return reinterpret_cast<const unsigned char*>(bytes.data());
+}
+const unsigned char* Raw(std::string_view bytes) { return reinterpret_cast<const unsigned char*>(bytes.data()); }
+
+Key PrivateKey(std::span<const std::byte> seed) {
+    Key key(::EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, Raw(seed), seed.size()), ::EVP_PKEY_free);
+    if (key == nullptr) throw DataError("the private key cannot be used");
+    return key;
+}
+
+}  // namespace
+
+Ed25519Key PublicKeyOf(std::span<const std::byte> seed) {
+    Ed25519Key made;
+    std::size_t size = made.size();
+    const Key key = PrivateKey(seed);
+    if (::EVP_PKEY_get_raw_public_key(key.get(), reinterpret_cast<unsigned char*>(made.data()), &size) != 1)
+        throw DataError("the private key cannot be used");
+    return made;
+}
+
+Ed25519Signature SignEd25519(std::span<const std::byte> seed, std::string_view message) {
+    Ed25519Signature made;
+    std::size_t size = made.size();
+    const Key key = PrivateKey(seed);
+    const Context context(::EVP_MD_CTX_new(), ::EVP_MD_CTX_free);
+    auto* const to = reinterpret_cast<unsigned char*>(made.data());
+    if (context == nullptr || ::EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, key.get()) != 1 ||
+        ::EVP_DigestSign(context.get(), to, &size, Raw(message), message.size()) != 1 || size != made.size()) {
+        throw DataError("nothing can be signed");
+    }
+    return made;
+}
+
+bool IsSignedBy(const Ed25519Key& key, std::string_view message, const Ed25519Signature& signature) {
+    const Key used(::EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, Raw(key), key.size()), ::EVP_PKEY_free);
+    const Context context(::EVP_MD_CTX_new(), ::EVP_MD_CTX_free);
+    const bool isSigned =
+        used != nullptr && context != nullptr &&
+        ::EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, used.get()) == 1 &&
+        ::EVP_DigestVerify(context.get(), Raw(signature), signature.size(), Raw(message), message.size()) == 1;
+    if (!isSigned) ::ERR_clear_error();  // the thread's list of errors is the application's, too
+    return isSigned;
+}
+
+}  // namespace qel

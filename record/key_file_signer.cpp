@@ -1,0 +1,48 @@
+#include "qellib10/record/key_file_signer.h"
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/guarded_file.h"
+#include "qellib10/record/ssh_key.h"
+
+namespace qel {
+namespace {
+
+constexpr std::size_t kLongestFile = 16 * 1024;
+
+SecretBytes ReadSecretFile(const std::string& path) {
+    const GuardedFile file(path, GuardedFile::Use::kRead);
+    if (!file.IsPrivate()) throw DataError("the private key is not this user's alone: its mode has to be 0600");
+    const std::uint64_t size = file.Size();
+    if (size > kLongestFile) throw DataError("the file is too long for a private key");
+    SecretBytes bytes(static_cast<std::size_t>(size));
+    if (file.ReadAt(bytes.Bytes(), 0) != size) throw DataError("the private key became shorter while it was read");
+    return bytes;
+}
+
+}  // namespace
+
+struct KeyFileSigner::State {
+    SshPrivateKey key;
+};
+
+Signer::~Signer() = default;
+KeyFileSigner::KeyFileSigner() = default;
+KeyFileSigner::~KeyFileSigner() = default;
+
+int KeyFileSigner::Load(std::string_view path) {
+    m_state.reset();
+    return AsResult("KeyFileSigner::Load", [&] {
+        const SecretBytes file = ReadSecretFile(std::string(path));
+        m_state.reset(new State{ReadPrivateKey(file.View())});
+        return 1;
+    });
+}
+
+std::string KeyFileSigner::PublicKey() const { return m_state != nullptr ? m_state->key.publicKey.Text() : ""; }
+
+std::array<std::byte, 64> KeyFileSigner::Sign(std::string_view bytes) {
+    if (m_state == nullptr) throw DataError("no private key was loaded");
+    return SignEd25519(m_state->key.seed.Bytes(), bytes);
+}
+
+}  // namespace qel

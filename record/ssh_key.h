@@ -1,0 +1,39 @@
+#pragma once
+
+#include <compare>
+#include <string>
+#include <string_view>
+
+#include "qellib10/platform/crypto/ed25519.h"
+#include "qellib10/platform/crypto/secret_bytes.h"
+
+namespace qel {
+
+inline constexpr std::string_view kSshKeyType = "ssh-ed25519";
+
+/// A public key of the kind ssh-ed25519.
+struct SshPublicKey {
+    Ed25519Key bytes = {};
+
+    auto operator<=>(const SshPublicKey&) const = default;
+
+    /// SSH's binary form. @throws DataError for any other
+    std::string Blob() const;
+    static SshPublicKey OfBlob(std::string_view blob);
+    /// As in a file with the ending .pub: "ssh-ed25519 AAAA...", without a comment. @throws DataError for any other
+    std::string Text() const;
+    static SshPublicKey OfText(std::string_view text);
+    /// "SHA256:" and 43 characters, as ssh-keygen -l shows it.
+    std::string Fingerprint() const;
+};
+
+struct SshPrivateKey {
+    SshPublicKey publicKey;
+    SecretBytes seed;  // 32 bytes
+};
+
+/// Reads a private key in OpenSSH's own file format (openssh-key-v1), one key without a passphrase.
+/// @throws DataError for any other
+SshPrivateKey ReadPrivateKey(std::string_view file);
+
+}  // namespace qel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+// Bytes as text in the forms that a trail and SSH's files have. Every text has one form only: what would decode to the
+// same bytes but is written in another way is refused, or an entry could be changed without its signature noticing.
+namespace qel {
+
+/// Lower-case hexadecimal digits.
+std::string Hex(std::span<const std::byte> bytes);
+bool IsHex(std::string_view text, std::size_t digits);
+/// @param text for which IsHex holds, with two digits for each of @p bytes
+void Unhex(std::string_view text, std::span<std::byte> bytes);
+
+/// The standard alphabet of RFC 4648 with padding.
+std::string EncodeBase64(std::string_view bytes);
+/// An upper limit of the bytes that so many characters encode.
+constexpr std::size_t DecodedSize(std::size_t characters) { return characters / 4 * 3; }
+/// @param to has DecodedSize(text.size()) bytes
+/// @return how many were written
+/// @throws DataError for other characters, blanks, missing padding, and bits set where there is no data
+std::size_t DecodeBase64(std::string_view text, std::span<std::byte> to);
+std::string DecodeBase64(std::string_view text);
+
+}  // namespace qel

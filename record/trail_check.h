@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/platform/failure.h"
+
+namespace qel {
+
+/// What somebody who checks a trail knows from elsewhere. Without any of it only the trail's consistency can be seen:
+/// whoever makes a whole trail anew with a key of his own is not noticed. Texts stay empty, and numbers 0, for what is
+/// not known. Paths are in the library's form.
+struct QELLIB10_API TrailAnchors {
+    std::string trailId = {};    ///< as on reports, 32 hexadecimal digits
+    std::string trustFile = {};  ///< who may sign, in the format of ssh-keygen's allowed signers, times in UTC
+    std::string key = {};        ///< fingerprint of the key that started the trail, "SHA256:..."
+    std::string head = {};       ///< hash of an entry that has to be there, 64 hexadecimal digits
+    std::string headFile = {};   ///< the head file: its entry has to be there
+    std::uint64_t atLeast = 0;   ///< so many entries have to be there
+};
+
+/// What can be wrong with a trail.
+enum class TrailFault {
+    kCut,            ///< it ends within a line
+    kMalformed,      ///< a line that no trail writes, byte for byte
+    kOrder,          ///< an entry has another number than follows, or another trail's ID, or names another entry before
+    kChanged,        ///< an entry is not what was signed
+    kUnknownSigner,  ///< signed by a key that nobody trusted has announced
+    kEndedKey,       ///< signed by a key that was not valid at that time
+    kClock,          ///< the time of an entry is before that of the one before
+    kMissing,        ///< entries that were there are missing
+};
+
+struct QELLIB10_API TrailFinding {
+    TrailFault fault = TrailFault::kCut;
+    std::uint64_t entry = 0;  ///< the number, or the one that the line would have
+    std::uint64_t byte = 0;   ///< where its line starts in the file, or would
+    std::string signer = {};  ///< the key's fingerprint where it matters
+    std::string text = {};    ///< a sentence
+};
+
+struct QELLIB10_API TrailReport {
+    std::string trailId = {};
+    std::uint64_t entries = 0;
+    std::string head = {};  ///< hash of the last one
+    /// Whether keys and trail are those that are known from elsewhere: a key or a file of allowed signers, together
+    /// with the trail's ID; or an entry's hash, or the head file. Else `unanchored` says what is missing.
+    bool isAnchored = false;
+    std::string unanchored = {};
+    bool isBeingWritten = false;  ///< half a line after all that has to be there: somebody appends at this moment
+    std::vector<TrailFinding> findings = {};  ///< at most kMostFindings
+    std::uint64_t findingCount = 0;
+
+    static constexpr std::size_t kMostFindings = 1000;
+};
+
+/// Reads a trail once, from start to end, and reports all that does not fit. Nothing is written or locked, and any size
+/// takes the same memory.
+/// @return 1 when it was read, whatever was found; 0 when it, or a file of @p anchors, cannot be read or understood
+QELLIB10_API int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& report);
+
+}  // namespace qel

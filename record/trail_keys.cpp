@@ -1,0 +1,43 @@
+#include "qellib10/record/trail_keys.h"
+
+#include <algorithm>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/record/trail_head.h"
+#include "qellib10/record/trail_kind.h"
+
+namespace qel {
+
+void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys) {
+    const bool starts = entry.action == trail_kind::kTrailStarted || entry.action == trail_kind::kTrailContinued;
+    const bool adds = entry.action == trail_kind::kKeyAdded;
+    if (!starts && !adds && entry.action != trail_kind::kKeyEnded) return;
+    const SshPublicKey key = SshPublicKey::OfText(entry.object);
+    if (starts != (entry.number == 1)) throw DataError("a trail is started by its first entry and by no other");
+    if (starts) {
+        keys = {key};
+        return;
+    }
+    const auto found = std::ranges::find(keys, key);
+    if (adds == (found != keys.end())) throw DataError(adds ? "the key was announced already" : "the key may not sign");
+    if (adds && keys.size() == TrailHeadState::kMostKeys) throw DataError("64 keys may sign, no more");
+    adds ? keys.push_back(key) : static_cast<void>(keys.erase(found));
+}
+
+void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys) {
+    const std::string line = LineOf(SignedPart(entry), SshSignature{});
+    if (ReadEntry(line).entry != entry) throw DataError("an entry cannot be read back as what it is");
+    ApplyToKeys(entry, keys);
+}
+
+std::string TailName(const std::string& path, std::uint64_t number, std::uint32_t count) {
+    return path + ".tail-" + std::to_string(number) + '-' + std::to_string(count);
+}
+
+std::string FileNameOf(const std::string& path) {
+    const std::string posixPath = ToPosixPath(path);
+    return posixPath.substr(posixPath.rfind('/') + 1);
+}
+
+}  // namespace qel

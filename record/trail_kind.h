@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string_view>
+
+#include "qellib10/platform/export.h"
+
+/// What entries of a trail are about: TrailRecord::action. An application adds kinds of its own.
+namespace qel::trail_kind {
+
+inline constexpr std::string_view kLogon = "logon";
+inline constexpr std::string_view kLogonRefused = "logon refused";
+inline constexpr std::string_view kLogout = "logout";
+inline constexpr std::string_view kRightsChanged = "rights changed";
+inline constexpr std::string_view kKeyAdded =
+    "key added";  ///< object: "ssh-ed25519 AAAA...", which may sign from now on
+inline constexpr std::string_view kKeyEnded = "key ended";  ///< object: the same, which may not from now on
+inline constexpr std::string_view kMethodChanged = "method changed";
+inline constexpr std::string_view kRegistering = "result registering";
+inline constexpr std::string_view kRegistered = "result registered";
+inline constexpr std::string_view kVersionTakenOut = "version taken out";
+inline constexpr std::string_view kReportPrinted = "report printed";
+inline constexpr std::string_view kExport = "export";
+inline constexpr std::string_view kSignature = "signature";
+inline constexpr std::string_view kFileSealed = "file sealed";
+inline constexpr std::string_view kTimeStamp = "time stamp";
+inline constexpr std::string_view kRecovered = "recovered";
+
+// These are the trail's own: nobody else appends them.
+inline constexpr std::string_view kTrailStarted = "trail started";      ///< object: the key that may sign
+inline constexpr std::string_view kTrailContinued = "trail continued";  ///< the same; before: the old one's last entry
+inline constexpr std::string_view kClockJumped = "clock jumped";        ///< by more than 2 s while the system ran
+inline constexpr std::string_view kTailSetAside = "tail set aside";     ///< object: the file that has the torn bytes
+
+/// Whether the trail itself appends entries of this kind.
+QELLIB10_API bool IsOwn(std::string_view action);
+
+/// Whether an entry of this kind changes something that exists, so that it needs a reason. So does each with a text
+/// in TrailRecord::before.
+QELLIB10_API bool NeedsReason(std::string_view action);
+
+}  // namespace qel::trail_kind

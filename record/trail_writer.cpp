@@ -1,0 +1,387 @@
+#include "qellib10/record/trail_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/random.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/platform/storage/replacement.h"
+#include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail.h"
+#include "qellib10/record/trail_file.h"
+#include "qellib10/record/trail_keys.h"
+
+namespace qel {
+namespace {
+
+constexpr std::int64_t kLargestDrift = 2000;     // ms between the two clocks
+constexpr std::uint64_t kLongestTail = 4 << 20;  // of torn bytes; more is no interrupted writer
+constexpr std::uint32_t kMostTails = 100;        // set aside after one entry
+
+// Calls back unless it was told that all went well.
+template <class Callback> class Undo {
+public:
+    explicit Undo(Callback callback) : m_callback(std::move(callback)) {}
+    ~Undo() {
+        if (!m_isDone) m_callback();
+    }
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+    void Keep() noexcept { m_isDone = true; }
+
+private:
+    Callback m_callback;
+    bool m_isDone = false;
+};
+
+std::string NewTrailId() {
+    std::array<std::byte, 16> id;
+    if (!FillRandom(id)) throw DataError("the system has no random numbers");
+    return Hex(id);
+}
+
+std::string EntryText(std::uint64_t number) { return "entry " + std::to_string(number); }
+
+// How far the clock has moved since the entry @p last by itself; nothing where only people could say so.
+std::optional<std::int64_t> ExpectedTime(const TrailEntry& last, const TrailMoment& now) {
+    if (last.bootId != now.bootId) return std::nullopt;
+    const auto passed = static_cast<std::int64_t>(now.bootTime) - static_cast<std::int64_t>(last.bootTime);
+    return last.clock.value_or(last.time) + passed;
+}
+
+}  // namespace
+
+TrailWriter::TrailWriter(TrailSettings settings, std::shared_ptr<Signer> signer, std::function<TrailMoment()> clock)
+    : m_settings(std::move(settings)), m_signer(std::move(signer)), m_clock(std::move(clock)) {}
+
+void TrailWriter::Open() {
+    const std::scoped_lock turn(m_turn);
+    m_trail.reset();
+    m_end.reset();
+    m_seen = {};
+    m_mayBeLost = true;
+    OpenHead();
+    const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
+    OpenTrail(m_head->Load());
+    Undo close([this] { m_trail.reset(); });
+    RequireOwnKey(Current());
+    if (m_end->head.number == 0) AppendStart();
+    close.Keep();
+}
+
+// A trail has a head before it has a file: a trail without one has lost it.
+void TrailWriter::OpenHead() {
+    m_head.reset();
+    const std::optional<GuardedFile> trail = GuardedFile::OpenIfThere(m_settings.path, GuardedFile::Use::kRead);
+    std::optional<TrailHead> head = TrailHead::OpenIfThere(m_settings.headPath, GuardedFile::Use::kWrite);
+    if (!head) {
+        if (trail && trail->Size() > 0) throw DataError("the head file of the trail is missing");
+        TrailHeadState first;
+        first.trailId = NewTrailId();
+        first.keys = {SshPublicKey::OfText(m_signer->PublicKey())};
+        TrailHead::MakeNew(m_settings.headPath, first);
+        head = TrailHead::OpenIfThere(m_settings.headPath, GuardedFile::Use::kWrite);
+    }
+    if (!head) throw DataError("the head file of the trail has gone");
+    m_head.emplace(std::move(*head));
+}
+
+void TrailWriter::OpenTrail(const TrailHeadState& head) {
+    m_trail = GuardedFile::OpenIfThere(m_settings.path, GuardedFile::Use::kWrite);
+    if (m_trail) return;
+    if (head.number > 0)
+        throw DataError("entries are missing: the trail has gone, " + EntryText(head.number) + " was acknowledged");
+    m_trail.emplace(m_settings.path, GuardedFile::Use::kMake);
+    m_trail->FlushFolder();
+}
+
+// Under the lock of the head file.
+TrailWriter::End& TrailWriter::Current() {
+    m_head->File().RequireInPlace();
+    m_trail->RequireInPlace();
+    const TrailHeadState head = m_head->Load();
+    if (head.generation < m_seen.generation) throw DataError("the head file of the trail was put back to an older one");
+    if (!m_end || head != m_seen || m_trail->Size() != m_end->head.length) Settle(head);
+    return *m_end;
+}
+
+// Finds the end of the trail, and makes sure of everything before it.
+void TrailWriter::Settle(const TrailHeadState& head) {
+    m_end.reset();
+    ++m_takenBack;
+    const std::uint64_t size = m_trail->Size();
+    if (size < head.length)
+        throw DataError("entries are missing: the trail ends before " + EntryText(head.number) +
+                        ", which was acknowledged");
+    End end = EndOf(head);
+    TakeUp(end, size);
+    if (m_mayBeLost) m_head->StoreAgain(head);
+    m_seen = head;
+    if (end.head.number > head.number) {
+        WriteAgain(head.length, end.head.length);
+        m_head->Store(end.head);
+        m_seen = end.head;
+    }
+    if (end.head.length < size) SetAside(end, size);
+    m_mayBeLost = false;
+    m_end = std::move(end);
+}
+
+TrailWriter::End TrailWriter::EndOf(const TrailHeadState& head) const {
+    if (head.number == 0) return {head, std::nullopt};
+    const std::string line = LineBefore(*m_trail, head.length);
+    if (Sha256(line) != head.hash)
+        throw DataError("entries are missing: " + EntryText(head.number) + " is not the one that was acknowledged");
+    return {head, ReadEntry(line).entry};
+}
+
+// Takes whole entries after the head's, which a writer has written and not acknowledged.
+void TrailWriter::TakeUp(End& end, std::uint64_t size) const {
+    TrailLines lines(*m_trail, end.head.length, size);
+    for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
+        std::optional<ReadLine> read;
+        try {
+            read = ReadEntry(line.text);
+        } catch (const DataError&) {
+            return;  // torn
+        }
+        RequireFollowing(end, *read);
+        ApplyToKeys(read->entry, end.head.keys);
+        if (read->entry.action == trail_kind::kTailSetAside) end.head.tailsSetAside = 0;
+        end.head.number = read->entry.number;
+        end.head.length = line.End();
+        end.head.hash = Sha256(line.text);
+        end.last = std::move(read->entry);
+    }
+}
+
+// A whole entry that does not follow was not torn by an interrupted writer: others are missing before it, or somebody
+// else has written it. That must stay to be seen.
+void TrailWriter::RequireFollowing(const End& end, const ReadLine& line) const {
+    const bool follows = line.entry.trailId == end.head.trailId && line.entry.number == end.head.number + 1 &&
+                         line.entry.previous == Hex(end.head.hash) &&
+                         std::ranges::find(end.head.keys, line.signature.key) != end.head.keys.end() && line.IsSigned();
+    if (!follows)
+        throw DataError("entries are missing or foreign: what comes after " + EntryText(end.head.number) +
+                        " does not follow it, or nobody who may has signed it");
+}
+
+// Bytes whose flush has failed can be read although they are not on the disk, and a second flush does not write them.
+void TrailWriter::WriteAgain(std::uint64_t from, std::uint64_t to) const {
+    std::array<std::byte, 4096> block;
+    while (from < to) {
+        const auto part = std::span(block).first(std::min<std::uint64_t>(block.size(), to - from));
+        if (m_trail->ReadAt(part, from) != part.size()) throw DataError("the trail became shorter");
+        m_trail->WriteAt(part, from);
+        from += part.size();
+    }
+    m_trail->Flush();
+}
+
+// First the copy, then the head, which knows that it has to be reported, then the cut: an interruption anywhere loses
+// neither the bytes nor the report.
+void TrailWriter::SetAside(End& end, std::uint64_t size) {
+    if (size - end.head.length > kLongestTail)
+        throw DataError("there are " + std::to_string(size - end.head.length) + " bytes after " +
+                        EntryText(end.head.number) + " that are no entries");
+    std::string tail(static_cast<std::size_t>(size - end.head.length), '\0');
+    if (m_trail->ReadAt(std::as_writable_bytes(std::span(tail)), end.head.length) != tail.size())
+        throw DataError("the trail became shorter");
+    const Sha256Digest hash = Sha256(tail);
+    if (end.head.tailsSetAside == 0 || end.head.tailSize != tail.size() || end.head.tailHash != hash) {
+        end.head.tailsSetAside = CopyTail(end, tail);
+        end.head.tailSize = tail.size();
+        end.head.tailHash = hash;
+        m_head->Store(end.head);
+        m_seen = end.head;
+    }
+    m_trail->Truncate(end.head.length);
+    m_trail->Flush();
+}
+
+// @return which one of this entry it is
+std::uint32_t TrailWriter::CopyTail(const End& end, std::string_view tail) const {
+    for (std::uint32_t count = end.head.tailsSetAside + 1; count <= kMostTails; ++count) {
+        const std::string name = TailName(m_settings.path, end.head.number + 1, count);
+        // One that is there was copied before an interruption, perhaps of another tail.
+        if (GuardedFile::OpenIfThere(name, GuardedFile::Use::kRead)) continue;
+        Replacement copy(name, 0644);
+        WriteFully(copy.File(), std::as_bytes(std::span(tail)), name);
+        copy.CommitNew();
+        return count;
+    }
+    throw DataError("too many torn ends of the trail were set aside after " + EntryText(end.head.number));
+}
+
+void TrailWriter::RequireOwnKey(const End& end) const {
+    if (std::ranges::find(end.head.keys, SshPublicKey::OfText(m_signer->PublicKey())) == end.head.keys.end())
+        throw DataError("the signer's key may not sign this trail: no entry has announced it, or it has ended");
+}
+
+void TrailWriter::AppendStart() {
+    TrailRecord start;
+    start.action = trail_kind::kTrailStarted;
+    if (!m_settings.continues.empty()) start = OfPredecessor();
+    start.object = m_signer->PublicKey();
+    Write(start, m_clock());
+    Acknowledge();
+}
+
+TrailRecord TrailWriter::OfPredecessor() const {
+    const GuardedFile file(m_settings.continues, GuardedFile::Use::kRead);
+    const std::string line = LineBefore(file, file.Size());
+    const ReadLine last = ReadEntry(line);
+    TrailRecord record;
+    record.action = trail_kind::kTrailContinued;
+    record.before = last.entry.trailId + ' ' + std::to_string(last.entry.number) + ' ' + Hex(Sha256(line));
+    record.reason = "the trail goes on in a new file";
+    return record;
+}
+
+TrailReceipt TrailWriter::Append(const TrailRecord& record) {
+    TrailReceipt receipt;
+    unsigned takenBack = 0;
+    std::uint64_t length = 0;
+    {
+        const std::scoped_lock turn(m_turn);
+        if (!m_trail) throw DataError("the trail is not open");
+        const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
+        RequireOwnKey(Current());
+        const TrailMoment now = m_clock();
+        RequireWritable(EntryOf(record, now), m_end->head.keys);
+        AppendOwn(now);
+        Write(record, now);
+        receipt = {m_end->head.number, Hex(m_end->head.hash)};
+        length = m_end->head.length;
+        takenBack = m_takenBack;
+        m_written = Written{receipt, length, takenBack};
+        if (m_settings.flush == TrailFlush::kEach) Acknowledge();
+    }
+    if (m_settings.flush == TrailFlush::kGroup) FlushWritten({receipt, length, takenBack});
+    return receipt;
+}
+
+// What the trail itself has to report before the next entry.
+void TrailWriter::AppendOwn(const TrailMoment& now) {
+    if (const TrailHeadState head = m_end->head; head.tailsSetAside > 0) {
+        TrailRecord report;
+        report.action = trail_kind::kTailSetAside;
+        report.object = FileNameOf(TailName(m_settings.path, head.number + 1, head.tailsSetAside));
+        report.after = std::to_string(head.tailsSetAside) + " since the last entry";
+        report.reason = "a writer was interrupted: the bytes after the last entry were no entry";
+        report.size = head.tailSize;
+        report.sha256 = Hex(head.tailHash);
+        Write(report, now);
+        m_end->head.tailsSetAside = 0;
+    }
+    if (!m_end->last) return;
+    const std::optional<std::int64_t> expected = ExpectedTime(*m_end->last, now);
+    if (!expected || std::abs(now.time - *expected) <= kLargestDrift) return;
+    TrailRecord jump;
+    jump.action = trail_kind::kClockJumped;
+    jump.before = TrailTimeText(std::max<std::int64_t>(*expected, 0));
+    jump.after = TrailTimeText(now.time);
+    jump.reason = "the clock was set by " + std::to_string(now.time - *expected) + " ms while the system ran";
+    Write(jump, now);
+}
+
+TrailEntry TrailWriter::EntryOf(const TrailRecord& record, const TrailMoment& now) const {
+    TrailEntry entry;
+    static_cast<TrailRecord&>(entry) = record;
+    entry.trailId = m_end->head.trailId;
+    entry.number = m_end->head.number + 1;
+    entry.time = now.time;
+    if (m_end->last && now.time < m_end->last->time) {
+        entry.time = m_end->last->time;
+        entry.clock = now.time;
+    }
+    entry.bootId = now.bootId;
+    entry.bootTime = now.bootTime;
+    entry.host = SystemHost();
+    entry.application = m_settings.application;
+    entry.version = m_settings.version;
+    entry.previous = Hex(m_end->head.hash);
+    return entry;
+}
+
+// A line that cannot be read back as what it was made of would end the trail for everybody.
+std::string TrailWriter::SignedLine(const TrailEntry& entry) const {
+    const std::string signedPart = SignedPart(entry);
+    SshSignature signature{SshPublicKey::OfText(m_signer->PublicKey()), {}};
+    signature.bytes = m_signer->Sign(BytesToSign(kEntryNamespace, signedPart));
+    std::string line = LineOf(signedPart, signature);
+    if (ReadEntry(line).entry != entry) throw DataError("an entry cannot be read back as what it is");
+    return line;
+}
+
+void TrailWriter::Write(const TrailRecord& record, const TrailMoment& now) {
+    End next = *m_end;
+    next.last = EntryOf(record, now);
+    ApplyToKeys(*next.last, next.head.keys);
+    std::string line = SignedLine(*next.last);
+    next.head.number = next.last->number;
+    next.head.hash = Sha256(line);
+    line += '\n';
+    next.head.length += line.size();
+    Undo undo([this, length = m_end->head.length] { TakeBack(length); });
+    m_trail->WriteAt(std::as_bytes(std::span(line)), m_end->head.length);
+    undo.Keep();
+    m_end = std::move(next);
+}
+
+void TrailWriter::Acknowledge() {
+    Undo takeBack([this] { TakeBack(m_seen.length); });
+    m_trail->Flush();
+    takeBack.Keep();
+    // What the head file has now is not known if this fails: the entry stays, and is taken up by the next writer.
+    Undo forget([this] {
+        m_end.reset();
+        m_mayBeLost = true;
+    });
+    m_head->Store(m_end->head);
+    forget.Keep();
+    m_seen = m_end->head;
+}
+
+void TrailWriter::TakeBack(std::uint64_t length) noexcept {
+    m_end.reset();
+    m_mayBeLost = true;
+    try {
+        m_trail->Truncate(length);
+    } catch (const CFileException&) {  // the next turn finds what is after the head's entry, and settles it
+    } catch (const std::bad_alloc&) {  // the same
+    }
+}
+
+void TrailWriter::Flush() {
+    std::optional<Written> written;
+    {
+        const std::scoped_lock turn(m_turn);
+        if (!m_trail) throw DataError("the trail is not open");
+        written = m_written;
+    }
+    if (written) FlushWritten(*written);
+}
+
+// Another thread, or another program, may have done it meanwhile, or taken the entry back.
+void TrailWriter::FlushWritten(const Written& written) {
+    const std::scoped_lock turn(m_turn);
+    if (written.takenBack == m_takenBack && m_end && written.length <= m_seen.length) return;
+    const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
+    if (Current().head != m_seen) Acknowledge();
+    if (written.takenBack == m_takenBack) return;
+    const bool isThere =
+        written.length <= m_seen.length && Hex(Sha256(LineBefore(*m_trail, written.length))) == written.receipt.hash;
+    if (!isThere)
+        throw DataError(EntryText(written.receipt.number) + " was not acknowledged and is not in the trail any more");
+}
+
+TrailReceipt TrailWriter::Last() const {
+    const std::scoped_lock turn(m_turn);
+    return {m_seen.number, m_seen.number > 0 ? Hex(m_seen.hash) : ""};
+}
+
+}  // namespace qel

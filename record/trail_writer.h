@@ -1,0 +1,82 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "qellib10/record/signer.h"
+#include "qellib10/record/trail.h"
+#include "qellib10/record/trail_clock.h"
+#include "qellib10/record/trail_head.h"
+#include "qellib10/record/trail_line.h"
+#include "qellib10/record/trail_settings.h"
+
+namespace qel {
+
+/// Appends to a trail. Any threads of this process, and any processes that have an object of their own, may do so at
+/// once. Everything throws DataError and CFileException.
+///
+/// An entry is written after the last one and flushed; then the head file gets it, and only then it is acknowledged.
+/// What is after the head's entry belongs to a writer that was interrupted, or to one that has not flushed yet: whole
+/// entries that follow are taken up, a torn one is set aside.
+class TrailWriter {
+public:
+    TrailWriter(TrailSettings settings, std::shared_ptr<Signer> signer,
+                std::function<TrailMoment()> clock = SystemMoment);
+
+    void Open();
+    TrailReceipt Append(const TrailRecord& record);
+    void Flush();
+    /// The last acknowledged entry that this object knows of.
+    TrailReceipt Last() const;
+
+private:
+    // The end of the trail, as this object knows it.
+    struct End {
+        TrailHeadState head;  // as it is to be once what is before the end is flushed
+        std::optional<TrailEntry> last;
+    };
+
+    // The last entry of this object, which may not be acknowledged yet.
+    struct Written {
+        TrailReceipt receipt;
+        std::uint64_t length = 0;  // of the trail with it
+        unsigned takenBack = 0;
+    };
+
+    void OpenHead();
+    void OpenTrail(const TrailHeadState& head);
+    End& Current();
+    void Settle(const TrailHeadState& head);
+    End EndOf(const TrailHeadState& head) const;
+    void TakeUp(End& end, std::uint64_t size) const;
+    void RequireFollowing(const End& end, const ReadLine& line) const;
+    void WriteAgain(std::uint64_t from, std::uint64_t to) const;
+    void SetAside(End& end, std::uint64_t size);
+    std::uint32_t CopyTail(const End& end, std::string_view tail) const;
+    void RequireOwnKey(const End& end) const;
+    void AppendStart();
+    TrailRecord OfPredecessor() const;
+    void AppendOwn(const TrailMoment& now);
+    void Write(const TrailRecord& record, const TrailMoment& now);
+    TrailEntry EntryOf(const TrailRecord& record, const TrailMoment& now) const;
+    std::string SignedLine(const TrailEntry& entry) const;
+    void Acknowledge();
+    void TakeBack(std::uint64_t length) noexcept;
+    void FlushWritten(const Written& written);
+
+    const TrailSettings m_settings;
+    const std::shared_ptr<Signer> m_signer;
+    const std::function<TrailMoment()> m_clock;
+    mutable std::mutex m_turn;  // the file lock is the process's, not the thread's
+    std::optional<TrailHead> m_head;
+    std::optional<GuardedFile> m_trail;
+    TrailHeadState m_seen;     // what the head file had last
+    std::optional<End> m_end;  // none after a failure: then the files say it
+    bool m_mayBeLost = true;   // what the head file has may not be on the disk
+    unsigned m_takenBack = 0;  // counts how often the end was looked for again: entries may have gone then
+    std::optional<Written> m_written;
+};
+
+}  // namespace qel
