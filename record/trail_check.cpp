@@ -63,9 +63,7 @@ public:
         m_report = {};
         if (anchors.headFile.empty()) return;
         // Before the trail: what is appended in between is after the head then.
-        const std::optional<TrailHead> head = TrailHead::OpenIfThere(anchors.headFile, GuardedFile::Use::kRead);
-        if (!head) throw DataError("the head file is missing");
-        m_known = head->Load();
+        m_known = TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load();
     }
 
     void Run(const std::string& path) {
