@@ -71,8 +71,8 @@ int main() {
     qel::TrailReader reader;
     if (reader.Open("archive/trail.jsonl") == 0) return 1;
     while (const std::optional<qel::TrailEntry> entry = reader.Next())
-        std::printf("%d %s: %s %s\n", static_cast<int>(entry->number), entry->user.c_str(), entry->action.c_str(),
-                    entry->number > 1 ? entry->object.c_str() : "by the installation's key");
+        std::printf("%d %s: %s\n", static_cast<int>(entry->number),
+                    entry->user.empty() ? "the installation" : entry->user.c_str(), entry->action.c_str());
 
     const qel::TrailAnchors head{.headFile = "installation/trail.head"};
     Verify("from itself", {});
