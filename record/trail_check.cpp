@@ -33,7 +33,7 @@ public:
             return answer == AllowedSigners::Answer::kUnknown ? std::optional(TrailFault::kUnknownSigner)
                                                               : std::nullopt;
         }
-        const bool isNamed = m_key.empty() ? line.entry.number == 1 : key.Fingerprint() == m_key;
+        const bool isNamed = m_key.empty() ? line.entry.number == 1 : IsNamed(key);
         const bool isKnown = isNamed || std::ranges::find(m_announced, key) != m_announced.end();
         return isKnown ? std::nullopt : std::optional(TrailFault::kUnknownSigner);
     }
@@ -50,9 +50,16 @@ public:
     }
 
 private:
+    // Remembers the key: its fingerprint would be one more hash for each entry.
+    bool IsNamed(const SshPublicKey& key) const {
+        if (!m_named && key.Fingerprint() == m_key) m_named = key;
+        return m_named == key;
+    }
+
     static constexpr std::size_t kMostEnded = 4096;  // 128 KiB of memory
 
     std::string m_key;
+    mutable std::optional<SshPublicKey> m_named;
     std::optional<AllowedSigners> m_allowed;
     std::vector<SshPublicKey> m_announced, m_ended;
 };
@@ -142,15 +149,16 @@ private:
 
     // @return whether the signature is right, whoever's it is
     bool CheckSigner(const ReadLine& line) {
-        const std::string signer = line.signature.key.Fingerprint();
+        const SshPublicKey& key = line.signature.key;
         if (!line.IsSigned()) {
-            Find(TrailFault::kChanged, "the entry is not what was signed", signer);
+            Find(TrailFault::kChanged, "the entry is not what was signed", key.Fingerprint());
             return false;
         }
         const std::optional<TrailFault> fault = m_trust.FaultOf(line);
-        if (fault == TrailFault::kEndedKey) Find(*fault, "the entry's key was not valid at that time", signer);
+        if (fault == TrailFault::kEndedKey)
+            Find(*fault, "the entry's key was not valid at that time", key.Fingerprint());
         if (fault == TrailFault::kUnknownSigner)
-            Find(*fault, "the entry is signed by a key that is not trusted", signer);
+            Find(*fault, "the entry is signed by a key that is not trusted", key.Fingerprint());
         return true;
     }
 

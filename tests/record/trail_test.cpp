@@ -197,6 +197,42 @@ TEST(Trail, OpensAgainAfterAnInterruptedStart) {
     EXPECT_EQ(folder.Entry(2).trailId, first.trailId);
 }
 
+TEST(Trail, OpeningReadsFromTheHeadOnAndWritesAgainWhatWasNotAcknowledged) {
+    const TrailFolder folder;
+    ASSERT_TRUE(folder.Append({"a", "b"}));
+    folder.Write("t", Patched(folder.Read("t"), "Titrator", "titrator") + ByteSigner(1).Line(Fourth(folder)));
+    const auto old = std::filesystem::last_write_time(folder.Posix("t")) - std::chrono::hours(1);
+    for (const bool isAcknowledged : {false, true}) {
+        std::filesystem::last_write_time(folder.Posix("t"), old);
+        EXPECT_EQ(WhyNotOpened(folder), "") << "the first entry is not looked at: that is for CheckTrail";
+        EXPECT_EQ(std::filesystem::last_write_time(folder.Posix("t")) == old, isAcknowledged);
+    }
+    EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "changed 1 order 2 signer 2 signer 3 signer 4");
+}
+
+TEST(Trail, AHeadFileWithATornPlaceHasTheOtherOne) {
+    const TrailFolder folder;
+    ASSERT_TRUE(folder.Append({"a"}));
+    const std::string before = folder.Read("h");
+    ASSERT_TRUE(folder.Append({"b"}));
+    const std::string head = folder.Read("h");
+    ASSERT_EQ(head.size(), 8192u);
+    const std::size_t place = head.substr(0, 4096) != before.substr(0, 4096) ? 0 : 4096;
+    for (std::size_t at = place; at < place + 4096; at += at < place + 200 ? 1 : 97) {
+        std::string torn = head;
+        torn[at] ^= 1;
+        folder.Write("h", torn);
+        EXPECT_EQ(qel::TrailHead::OpenIfThere(folder.Name("h"), qel::GuardedFile::Use::kRead)->Load().number, 2u) << at;
+    }
+    EXPECT_TRUE(folder.Append({"c"}));
+    EXPECT_EQ(folder.Actions(), "trail started|a|b|c|");
+    EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+    for (const std::size_t size : {0, 100, 4096}) {  // half a head file is none, or the place that is there
+        folder.Write("h", folder.Read("h").substr(0, size));
+        EXPECT_NE(WhyNotOpened(folder), "") << size;
+    }
+}
+
 TEST(Trail, LearnsKeysFromTrustedEntriesOnly) {
     const TrailFolder folder;
     const auto second = std::make_shared<ByteSigner>(2);
