@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <new>
 
 #include "qellib10/platform/error.h"
@@ -63,6 +64,7 @@ void TrailWriter::Open() {
     m_end.reset();
     m_seen = {};
     m_mayBeLost = true;
+    if (m_signer == nullptr) throw DataError("a trail needs somebody who signs");
     OpenHead();
     const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
     OpenTrail(m_head->Load());
