@@ -8,6 +8,7 @@
 
 #include "../support/output_of.h"
 #include "../support/soak.h"
+#include "qellib10/platform/error.h"
 #include "qellib10/record/ssh_wire.h"
 
 namespace kind = qel::trail_kind;
@@ -307,6 +308,30 @@ TEST(TrailCheck, AcceptsNoRandomChangeWhenTheHeadIsKnown) {
             sample.Check({.trustFile = sample.Name("allowed"), .headFile = sample.Name("h")});
         ASSERT_GT(report.findingCount, 0u) << text;
     }
+}
+
+// The same content in another form: nothing after the last line would notice it.
+TEST(TrailCheck, ALineHasOneForm) {
+    const Sample sample;
+    const std::string line = WithoutEnd(sample.Lines().at(3));
+    EXPECT_TRUE(qel::ReadEntry(line).IsSigned());
+    for (const auto& [from, to] : Cases<const char*, const char*>{
+             {"\"c\"", "\"\\u0063\""},
+             {"\"number\":4", "\"number\":04"},
+             {"\"size\":0", "\"size\":00"},
+             {"\"size\":0", "\"size\":-0"},
+             {"\"size\":0", "\"size\":0.0"},
+             {"\"size\":0", "\"size\": 0"},
+             {"\"size\":0,", "\"size\":0,\"size\":0,"},
+             {"\"size\":0,\"sha256\":\"\"", "\"sha256\":\"\",\"size\":0"},
+             {"Z\",\"clock\"", "+00:00\",\"clock\""},
+             {"\"}", "\" }"},
+         }) {
+        std::string other = line;
+        Replace(other, from, to);
+        EXPECT_THROW(qel::ReadEntry(other), qel::DataError) << to;
+    }
+    for (const char* const after : {" ", "\r", "x", "}"}) EXPECT_THROW(qel::ReadEntry(line + after), qel::DataError);
 }
 
 TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
