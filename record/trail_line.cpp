@@ -14,7 +14,6 @@ namespace qel {
 namespace {
 
 constexpr std::uint64_t kFormat = 1;
-constexpr std::int64_t kTimeEnd = 253'402'300'800'000;  // the start of the year 10000
 constexpr std::string_view kSignatureKey = ",\"sig\":\"";
 constexpr std::string_view kAfterSignature = "\"}";
 
@@ -133,7 +132,7 @@ unsigned Field(std::string_view text, std::size_t at, std::size_t digits) {
 
 std::string TrailTimeText(std::int64_t time) {
     using namespace std::chrono;
-    Require(time >= 0 && time < kTimeEnd, "has a time out of range");
+    Require(time >= 0 && time < kTrailTimeEnd, "has a time out of range");
     const sys_time<milliseconds> moment{milliseconds(time)};
     const auto day = floor<days>(moment);
     const year_month_day date(day);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -9,7 +10,8 @@
 // The lines of a trail's file. docs/formats.md has a description of them.
 namespace qel {
 
-inline constexpr std::size_t kLongestLine = 64 * 1024;  // with its line feed
+inline constexpr std::size_t kLongestLine = 64 * 1024;              // with its line feed
+inline constexpr std::int64_t kTrailTimeEnd = 253'402'300'800'000;  // ms: the start of the year 10000
 inline constexpr std::string_view kEntryNamespace = "qellib10-entry";
 
 /// The bytes of an entry that are signed: its line without the signature.

@@ -20,7 +20,8 @@ struct QELLIB10_API TrailSettings {
     std::string headPath = {};     ///< the head file: outside the archive, where only the installation may write
     std::string application = {};  ///< for each entry
     std::string version = {};
-    std::string continues = {};  ///< a new trail goes on from the one in this file; empty: it does not
+    std::string continues = {};          ///< a new trail goes on from the one in this file; empty: it does not
+    std::string continuesHeadPath = {};  ///< the head file of that one, which shows that its end is whole
     TrailFlush flush = TrailFlush::kEach;
     std::chrono::milliseconds patience = std::chrono::seconds(30);  ///< how long to wait while others append
 };

@@ -9,7 +9,6 @@
 #include "qellib10/platform/random.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_exception.h"
-#include "qellib10/platform/storage/replacement.h"
 #include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail.h"
 #include "qellib10/record/trail_file.h"
@@ -45,6 +44,9 @@ std::string NewTrailId() {
 }
 
 std::string EntryText(std::uint64_t number) { return "entry " + std::to_string(number); }
+
+// The number of the entry that reports the tails set aside now: never that of the start.
+std::uint64_t ReportOfTail(const TrailHeadState& head) { return std::max<std::uint64_t>(head.number + 1, 2); }
 
 // How far the clock has moved since the entry @p last by itself; nothing where only people could say so.
 std::optional<std::int64_t> ExpectedTime(const TrailEntry& last, const TrailMoment& now) {
@@ -93,11 +95,13 @@ void TrailWriter::OpenHead() {
 
 void TrailWriter::OpenTrail(const TrailHeadState& head) {
     m_trail = GuardedFile::OpenIfThere(m_settings.path, GuardedFile::Use::kWrite);
-    if (m_trail) return;
-    if (head.number > 0)
+    if (head.number > 0 && !m_trail)
         throw DataError("entries are missing: the trail has gone, " + EntryText(head.number) + " was acknowledged");
-    m_trail.emplace(m_settings.path, GuardedFile::Use::kMake);
+    if (head.number > 0) return;
+    // Whoever made the files may have ended before their names were on the disk.
+    if (!m_trail) m_trail.emplace(m_settings.path, GuardedFile::Use::kMake);
     m_trail->FlushFolder();
+    m_head->File().FlushFolder();
 }
 
 // Under the lock of the head file.
@@ -120,7 +124,7 @@ void TrailWriter::Settle(const TrailHeadState& head) {
                         ", which was acknowledged");
     End end = EndOf(head);
     TakeUp(end, size);
-    if (m_mayBeLost) m_head->StoreAgain(head);
+    if (std::exchange(m_mayBeLost, true)) m_head->StoreAgain(head);
     m_seen = head;
     if (end.head.number > head.number) {
         WriteAgain(head.length, end.head.length);
@@ -207,12 +211,13 @@ void TrailWriter::SetAside(End& end, std::uint64_t size) {
 // @return which one of this entry it is
 std::uint32_t TrailWriter::CopyTail(const End& end, std::string_view tail) const {
     for (std::uint32_t count = end.head.tailsSetAside + 1; count <= kMostTails; ++count) {
-        const std::string name = TailName(m_settings.path, end.head.number + 1, count);
+        const std::string name = TailName(m_settings.path, ReportOfTail(end.head), count);
         // One that is there was copied before an interruption, perhaps of another tail.
         if (GuardedFile::OpenIfThere(name, GuardedFile::Use::kRead)) continue;
-        Replacement copy(name, 0644);
-        WriteFully(copy.File(), std::as_bytes(std::span(tail)), name);
-        copy.CommitNew();
+        const GuardedFile copy(name, GuardedFile::Use::kMakeNew);
+        copy.WriteAt(std::as_bytes(std::span(tail)), 0);
+        copy.Flush();
+        copy.FlushFolder();
         return count;
     }
     throw DataError("too many torn ends of the trail were set aside after " + EntryText(end.head.number));
@@ -232,10 +237,18 @@ void TrailWriter::AppendStart() {
     Acknowledge();
 }
 
+// The one before must end with the entry that its head file has, or its cut end would be sealed here.
 TrailRecord TrailWriter::OfPredecessor() const {
+    const std::optional<TrailHead> head =
+        TrailHead::OpenIfThere(m_settings.continuesHeadPath, GuardedFile::Use::kWrite);
+    if (!head) throw DataError("the head file of the trail before is missing");
+    const GuardedFile::Lock lock(head->File(), m_settings.patience);
+    const TrailHeadState end = head->Load();
     const GuardedFile file(m_settings.continues, GuardedFile::Use::kRead);
     const std::string line = LineBefore(file, file.Size());
     const ReadLine last = ReadEntry(line);
+    if (file.Size() != end.length || Sha256(line) != end.hash || last.entry.number != end.number || !last.IsSigned())
+        throw DataError("the trail before does not end with its last acknowledged entry");
     TrailRecord record;
     record.action = trail_kind::kTrailContinued;
     record.before = last.entry.trailId + ' ' + std::to_string(last.entry.number) + ' ' + Hex(Sha256(line));
@@ -252,6 +265,8 @@ TrailReceipt TrailWriter::Append(const TrailRecord& record) {
         if (!m_trail) throw DataError("the trail is not open");
         const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
         RequireOwnKey(Current());
+        if (m_settings.flush == TrailFlush::kCaller && m_written && m_written->takenBack != m_takenBack)
+            m_hasLost = m_hasLost || !IsAcknowledged(*m_written);
         const TrailMoment now = m_clock();
         RequireWritable(EntryOf(record, now), m_end->head.keys);
         AppendOwn(now);
@@ -271,7 +286,7 @@ void TrailWriter::AppendOwn(const TrailMoment& now) {
     if (const TrailHeadState head = m_end->head; head.tailsSetAside > 0) {
         TrailRecord report;
         report.action = trail_kind::kTailSetAside;
-        report.object = FileNameOf(TailName(m_settings.path, head.number + 1, head.tailsSetAside));
+        report.object = FileNameOf(TailName(m_settings.path, ReportOfTail(head), head.tailsSetAside));
         report.after = std::to_string(head.tailsSetAside) + " since the last entry";
         report.reason = "a writer was interrupted: the bytes after the last entry were no entry";
         report.size = head.tailSize;
@@ -284,7 +299,7 @@ void TrailWriter::AppendOwn(const TrailMoment& now) {
     if (!expected || std::abs(now.time - *expected) <= kLargestDrift) return;
     TrailRecord jump;
     jump.action = trail_kind::kClockJumped;
-    jump.before = TrailTimeText(std::max<std::int64_t>(*expected, 0));
+    jump.before = TrailTimeText(std::clamp<std::int64_t>(*expected, 0, kTrailTimeEnd - 1));
     jump.after = TrailTimeText(now.time);
     jump.reason = "the clock was set by " + std::to_string(now.time - *expected) + " ms while the system ran";
     Write(jump, now);
@@ -300,6 +315,8 @@ TrailEntry TrailWriter::EntryOf(const TrailRecord& record, const TrailMoment& no
         entry.time = m_end->last->time;
         entry.clock = now.time;
     }
+    if (m_end->last && now.bootId == m_end->last->bootId && now.bootTime < m_end->last->bootTime)
+        throw DataError("the time since the start of the system went back: another system has written the trail");
     entry.bootId = now.bootId;
     entry.bootTime = now.bootTime;
     entry.host = SystemHost();
@@ -315,7 +332,10 @@ std::string TrailWriter::SignedLine(const TrailEntry& entry) const {
     SshSignature signature{SshPublicKey::OfText(m_signer->PublicKey()), {}};
     signature.bytes = m_signer->Sign(BytesToSign(kEntryNamespace, signedPart));
     std::string line = LineOf(signedPart, signature);
-    if (ReadEntry(line).entry != entry) throw DataError("an entry cannot be read back as what it is");
+    const ReadLine read = ReadEntry(line);
+    if (read.entry != entry) throw DataError("an entry cannot be read back as what it is");
+    if (std::ranges::find(m_end->head.keys, read.signature.key) == m_end->head.keys.end() || !read.IsSigned())
+        throw DataError("the signer's signature is wrong, or that of a key which may not sign this trail");
     return line;
 }
 
@@ -363,6 +383,8 @@ void TrailWriter::Flush() {
     {
         const std::scoped_lock turn(m_turn);
         if (!m_trail) throw DataError("the trail is not open");
+        if (std::exchange(m_hasLost, false))
+            throw DataError("an entry before the last one was not acknowledged and is not in the trail any more");
         written = m_written;
     }
     if (written) FlushWritten(*written);
@@ -371,14 +393,23 @@ void TrailWriter::Flush() {
 // Another thread, or another program, may have done it meanwhile, or taken the entry back.
 void TrailWriter::FlushWritten(const Written& written) {
     const std::scoped_lock turn(m_turn);
+    if (!m_trail) throw DataError("the trail is not open");  // another thread may have failed to open it again
     if (written.takenBack == m_takenBack && m_end && written.length <= m_seen.length) return;
     const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
     if (Current().head != m_seen) Acknowledge();
     if (written.takenBack == m_takenBack) return;
-    const bool isThere =
-        written.length <= m_seen.length && Hex(Sha256(LineBefore(*m_trail, written.length))) == written.receipt.hash;
-    if (!isThere)
+    if (!IsAcknowledged(written))
         throw DataError(EntryText(written.receipt.number) + " was not acknowledged and is not in the trail any more");
+}
+
+// After the end was looked for again.
+bool TrailWriter::IsAcknowledged(const Written& written) const {
+    if (written.length > m_seen.length) return false;
+    try {
+        return Hex(Sha256(LineBefore(*m_trail, written.length))) == written.receipt.hash;
+    } catch (const DataError&) {  // no line ends there
+        return false;
+    }
 }
 
 TrailReceipt TrailWriter::Last() const {

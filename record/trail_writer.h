@@ -65,11 +65,12 @@ private:
     void Acknowledge();
     void TakeBack(std::uint64_t length) noexcept;
     void FlushWritten(const Written& written);
+    bool IsAcknowledged(const Written& written) const;
 
     const TrailSettings m_settings;
     const std::shared_ptr<Signer> m_signer;
     const std::function<TrailMoment()> m_clock;
-    mutable std::mutex m_turn;  // the file lock is the process's, not the thread's
+    mutable std::mutex m_turn;  // the file lock is the object's, not the thread's
     std::optional<TrailHead> m_head;
     std::optional<GuardedFile> m_trail;
     TrailHeadState m_seen;     // what the head file had last
@@ -77,6 +78,7 @@ private:
     bool m_mayBeLost = true;   // what the head file has may not be on the disk
     unsigned m_takenBack = 0;  // counts how often the end was looked for again: entries may have gone then
     std::optional<Written> m_written;
+    bool m_hasLost = false;  // an entry before it was taken back, and nobody was told yet
 };
 
 }  // namespace qel

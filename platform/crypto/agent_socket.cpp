@@ -20,6 +20,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::size_t kLongestAnswer = 256 * 1024;
+constexpr std::chrono::hours kLongestLimit(24);  // so that the end is a time
 
 // A connection whose steps all end at one time.
 class Line {
@@ -58,13 +59,17 @@ public:
     }
 
 private:
+    // A signal that comes again and again does not make the time longer.
     void Await(short event) const {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_end - Clock::now()).count();
-        pollfd wanted = {m_socket.Get(), event, 0};
-        const int wait = static_cast<int>(std::clamp<std::int64_t>(left, 0, std::numeric_limits<int>::max()));
-        const int ready = Uninterrupted([&] { return ::poll(&wanted, 1, wait); });
-        if (ready < 0) ThrowErrno(errno, m_path);
-        if (ready == 0 || left <= 0) throw DataError("the agent gives no answer in time");
+        for (;;) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_end - Clock::now()).count();
+            if (left <= 0) throw DataError("the agent does not respond in time");
+            pollfd wanted = {m_socket.Get(), event, 0};
+            const int wait = static_cast<int>(std::min<std::int64_t>(left, std::numeric_limits<int>::max()));
+            const int ready = ::poll(&wanted, 1, wait);
+            if (ready > 0) return;
+            if (ready < 0 && errno != EINTR) ThrowErrno(errno, m_path);
+        }
     }
 
     const std::string& m_path;
@@ -75,7 +80,7 @@ private:
 }  // namespace
 
 std::string AskAgent(const std::string& posixPath, std::string_view question, std::chrono::milliseconds limit) {
-    Line line(posixPath, Clock::now() + limit);
+    Line line(posixPath, Clock::now() + std::min<std::chrono::milliseconds>(limit, kLongestLimit));
     std::string framed;
     for (const int shift : {24, 16, 8, 0}) framed += static_cast<char>(question.size() >> shift & 0xFF);
     framed += question;

@@ -28,7 +28,9 @@ struct stat StatusOf(const Descriptor& file, const std::string& path) {
 
 // O_NONBLOCK: a pipe in the place of the file is refused below instead of being waited for.
 Descriptor Open(const std::string& posixPath, GuardedFile::Use use) {
-    const int make = use == GuardedFile::Use::kMake ? O_CREAT : 0;
+    const int make = use == GuardedFile::Use::kMake      ? O_CREAT
+                     : use == GuardedFile::Use::kMakeNew ? O_CREAT | O_EXCL
+                                                         : 0;
     const int flags = (use == GuardedFile::Use::kRead ? O_RDONLY : O_RDWR) | make | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     return Descriptor(Uninterrupted([&] { return ::open(posixPath.c_str(), flags, kMode); }));
 }

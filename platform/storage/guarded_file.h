@@ -16,7 +16,8 @@ namespace qel {
 /// link and never waits for a pipe, and the name is compared with what was opened. Everything throws CFileException.
 class QELLIB10_INTERNAL_API GuardedFile {
 public:
-    enum class Use { kRead, kWrite, kMake };  ///< kMake: for writing, and made with mode 0644 if it is missing
+    /// kMake: for writing, and made with mode 0644 if it is missing; kMakeNew: it must be missing.
+    enum class Use { kRead, kWrite, kMake, kMakeNew };
 
     /// @param path in the library's form
     /// @throws CFileException 5 for what is no regular file
@@ -38,7 +39,8 @@ public:
     void FlushFolder() const;
 
     /// Keeps out whoever locks the same file through an object of its own, in this process or another one. The lock
-    /// goes with the process. Forked children share the parent's: they have to open the file themselves.
+    /// goes with the process and the children that it has forked. Forked children share the parent's: they have to open
+    /// the file themselves.
     class QELLIB10_INTERNAL_API Lock {
     public:
         /// @throws CFileException 33 when @p patience ends before the lock is free, or in a forked child

@@ -67,11 +67,12 @@ bool IsRight(const std::string& found, const Start& start, bool isAcknowledged) 
 
 using TrailCalls = Interrupted;
 
-// The torn tail's bytes are kept somewhere, and reported.
+// The torn tail's bytes are in one of the files up to the one that the report names. An interrupted copy is another.
 void ExpectTailKept(const TrailPlace& place, const Start& start) {
     if (start.prepare != TornTail) return;
-    EXPECT_EQ(place.Read("t.tail-4-1"), "{\"format\":1,\"trail\"");
     EXPECT_NE(place.Actions().find("tail set aside|"), std::string::npos);
+    const auto isKept = [&](const char* name) { return place.Read(name) == "{\"format\":1,\"trail\""; };
+    EXPECT_TRUE(std::ranges::any_of(std::array{"t.tail-4-1", "t.tail-4-2", "t.tail-4-3"}, isKept));
 }
 
 }  // namespace

@@ -216,7 +216,7 @@ TEST(Agent, OddAnswersAreRefusedInTime) {
     const std::string key = ByteSigner(1).Key().Blob();
     const std::string keys = SshWriter().Byte(12).Number(1).String(key).String("").Bytes();
     for (const auto& [what, answer, reason] : Cases<const char*, std::string, const char*>{
-             {"none", "", "the agent gives no answer in time"},
+             {"none", "", "the agent does not respond in time"},
              {"a longer one announced", std::string("\x7F\xFF\xFF\xFF", 4), "the agent's answer is empty or too long"},
              {"an empty one", std::string(4, '\0'), "the agent's answer is empty or too long"},
              {"half of one", Framed(keys).substr(0, 30), "the agent ended the connection"},

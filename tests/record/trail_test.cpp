@@ -276,7 +276,14 @@ TEST(Trail, GoesOnFromAnotherOne) {
     settings.path = folder.Name("t2");
     settings.headPath = folder.Name("h2");
     qel::Trail trail(settings, std::make_shared<ByteSigner>(1));
-    ASSERT_EQ(trail.Open(), 1);
+    EXPECT_EQ(trail.Open(), 0) << "without its head file";
+    settings.continuesHeadPath = folder.Name("h");
+    const std::string whole = folder.Read("t");
+    folder.Write("t", whole.substr(0, whole.find('\n') + 1));
+    EXPECT_EQ(qel::Trail(settings, std::make_shared<ByteSigner>(1)).Open(), 0) << "of a cut trail";
+    folder.Write("t", whole);
+    qel::Trail next(settings, std::make_shared<ByteSigner>(1));
+    ASSERT_EQ(next.Open(), 1);
     qel::TrailReader reader;
     reader.Open(settings.path);
     const std::string last = folder.Lines()[1];
@@ -313,7 +320,31 @@ TEST(Trail, TimesNeverGoBackAndJumpsOfTheClockAreEntries) {
         }
         EXPECT_EQ(found, c.expected);
     }
+    now.bootTime = 0;
+    EXPECT_THROW(writer.Append(Record("x")), qel::DataError) << "of another system with the same boot id";
     EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+}
+
+TEST(Trail, AcknowledgesNothingThatIsWronglySigned) {
+    struct Broken : ByteSigner {
+        using ByteSigner::ByteSigner;
+        std::array<std::byte, 64> Sign(std::string_view bytes) override {
+            std::array<std::byte, 64> signature = ByteSigner::Sign(bytes);
+            if (isBroken) signature[0] ^= std::byte{1};
+            return signature;
+        }
+        bool isBroken = false;
+    };
+    const TrailFolder folder;
+    const auto signer = std::make_shared<Broken>(1);
+    qel::Trail trail(folder.Settings(), signer);
+    ASSERT_EQ(trail.Open(), 1);
+    const std::string before = folder.Read("t") + folder.Read("h");
+    signer->isBroken = true;
+    EXPECT_FALSE(trail.Append(Record("x")));
+    EXPECT_EQ(folder.Read("t") + folder.Read("h"), before);
+    signer->isBroken = false;
+    EXPECT_TRUE(trail.Append(Record("x")));
 }
 
 TEST(Trail, ManyAppendAtOnceByEachWayOfFlushing) {
