@@ -16,11 +16,21 @@ namespace {
 
 std::int64_t SecondOf(std::int64_t time) { return time / 1000; }
 
+// What is wrong with a file besides the trail has its name.
+template <class Step> auto OfFile(const std::string& path, Step&& step) {
+    try {
+        return step();
+    } catch (const DataError& failure) {
+        throw DataError(FileNameOf(path) + ": " + failure.what());
+    }
+}
+
 // Who may sign, as the entries up to now and the anchors say.
 class Trust {
 public:
     explicit Trust(const TrailAnchors& anchors) : m_key(anchors.key) {
-        if (!anchors.trustFile.empty()) m_allowed = AllowedSigners::OfFile(anchors.trustFile);
+        if (anchors.trustFile.empty()) return;
+        m_allowed = OfFile(anchors.trustFile, [&] { return AllowedSigners::OfFile(anchors.trustFile); });
     }
 
     /// What is wrong with the signer of an entry whose signature is right.
@@ -30,8 +40,7 @@ public:
         if (m_allowed) {
             const auto answer = m_allowed->Ask(key, kEntryNamespace, SecondOf(line.entry.time));
             if (answer == AllowedSigners::Answer::kNotValidThen) return TrailFault::kEndedKey;
-            return answer == AllowedSigners::Answer::kUnknown ? std::optional(TrailFault::kUnknownSigner)
-                                                              : std::nullopt;
+            if (answer == AllowedSigners::Answer::kUnknown) return TrailFault::kUnknownSigner;
         }
         const bool isNamed = m_key.empty() ? line.entry.number == 1 : IsNamed(key);
         const bool isKnown = isNamed || std::ranges::find(m_announced, key) != m_announced.end();
@@ -70,7 +79,8 @@ public:
         m_report = {};
         if (anchors.headFile.empty()) return;
         // Before the trail: what is appended in between is after the head then.
-        m_known = TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load();
+        m_known = OfFile(anchors.headFile,
+                         [&] { return TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load(); });
     }
 
     void Run(const std::string& path) {
@@ -81,6 +91,7 @@ public:
             CheckLine(line);
         m_line = line;
         if (line.kind == TrailLines::Kind::kTooLong) Find(TrailFault::kMalformed, "a line is longer than 64 KiB");
+        if (m_report.findingCount >= kStopAt) return;  // what comes after is not known
         CheckEnd(line);
         CheckAnchors();
     }
@@ -103,9 +114,13 @@ private:
             Find(TrailFault::kMalformed, failure.what());
         }
         m_previous = Hex(hash);
-        if (m_previous == m_anchors.head) m_isHeadThere = true;
+        if (m_previous == m_anchors.head) {
+            m_isHeadThere = true;
+            m_report.pinned = m_next;
+        }
         if (m_known && m_known->number == m_next) {
             m_isKnownThere = m_known->hash == hash && m_known->length == line.End();
+            if (m_isKnownThere) m_report.pinned = m_next;
             if (!m_isKnownThere) Find(TrailFault::kMissing, "this is not the entry that the head file knows");
         }
         m_report.entries = m_next++;
@@ -121,7 +136,9 @@ private:
         CheckTime(entry);
         // After a gap it goes on from there, without a finding for each further entry.
         if (CheckSigner(line)) m_next = entry.number;
-        if (m_report.findingCount == before) m_trust.Learn(entry);
+        if (m_report.findingCount != before) return;
+        m_trust.Learn(entry);
+        if (entry.number == 1) m_isStartRight = true;
     }
 
     void CheckTrailId(const TrailEntry& entry) {
@@ -182,13 +199,16 @@ private:
         if (m_known && m_known->number >= m_next) missing(MissingUpTo(m_known->number));
         if (!m_anchors.head.empty() && !m_isHeadThere) missing("the entry with the given hash is missing");
         if (m_anchors.atLeast >= m_next) missing(MissingUpTo(m_anchors.atLeast));
+        m_report.pinned = std::max(m_report.pinned, std::min(m_anchors.atLeast, m_report.entries));
         if (m_report.entries == 0 && m_report.findingCount == 0 && !m_known) missing("the trail has no entry");
         const bool isTrusted = !m_anchors.trustFile.empty() || !m_anchors.key.empty();
         const bool isPinned = m_isHeadThere || m_isKnownThere;
-        m_report.isAnchored = isPinned || (isTrusted && !m_anchors.trailId.empty());
+        m_report.isAnchored = isPinned || (isTrusted && !m_anchors.trailId.empty() && m_isStartRight);
         if (m_report.isAnchored) return;
-        m_report.unanchored = isTrusted ? "the trail's ID is not given: it may be another trail of the same keys"
-                                        : "no key is given that is known from elsewhere: anybody can make such a trail";
+        m_report.unanchored = isTrusted && !m_anchors.trailId.empty() ? "the trail's first entry is not right"
+                              : isTrusted
+                                  ? "the trail's ID is not given: it may be another trail of the same keys"
+                                  : "no key is given that is known from elsewhere: anybody can make such a trail";
     }
 
     const TrailAnchors& m_anchors;
@@ -201,7 +221,7 @@ private:
     std::int64_t m_time = 0;
     std::uint64_t m_bootTime = 0;
     std::string m_bootId;
-    bool m_isHeadThere = false, m_isKnownThere = false;
+    bool m_isHeadThere = false, m_isKnownThere = false, m_isStartRight = false;
 };
 
 void RequireForms(const TrailAnchors& anchors) {

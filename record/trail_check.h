@@ -15,7 +15,8 @@ namespace qel {
 /// not known. Paths are in the library's form.
 struct QELLIB10_API TrailAnchors {
     std::string trailId = {};    ///< as on reports, 32 hexadecimal digits
-    std::string trustFile = {};  ///< who may sign, in the format of ssh-keygen's allowed signers, times in UTC
+    std::string trustFile = {};  ///< who may sign, in the format of ssh-keygen's allowed signers, times in UTC;
+                                 ///< besides, the trail has to announce each key but the first
     std::string key = {};        ///< fingerprint of the key that started the trail, "SHA256:..."
     std::string head = {};       ///< hash of an entry that has to be there, 64 hexadecimal digits
     std::string headFile = {};   ///< the head file: its entry has to be there
@@ -45,6 +46,9 @@ struct QELLIB10_API TrailFinding {
 struct QELLIB10_API TrailReport {
     std::string trailId = {};
     std::uint64_t entries = 0;
+    /// The last entry that is known from elsewhere to be there. Of later ones a true older state has none, and this
+    /// cannot be seen.
+    std::uint64_t pinned = 0;
     std::string head = {};  ///< hash of the last one
     /// Whether keys and trail are those that are known from elsewhere: a key or a file of allowed signers, together
     /// with the trail's ID; or an entry's hash, or the head file. Else `unanchored` says what is missing.
@@ -57,8 +61,8 @@ struct QELLIB10_API TrailReport {
     static constexpr std::size_t kMostFindings = 1000;
 };
 
-/// Reads a trail once, from start to end, and reports all that does not fit. Nothing is written or locked, and any size
-/// takes the same memory.
+/// Reads a trail once, from start to end, and reports all that does not fit, up to kMostFindings. Nothing is written or
+/// locked, and any size takes the same memory.
 /// @return 1 when it was read, whatever was found; 0 when it, or a file of @p anchors, cannot be read or understood
 QELLIB10_API int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& report);
 

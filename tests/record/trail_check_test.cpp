@@ -139,7 +139,7 @@ TEST(TrailCheck, AgreesWithTheScriptOnChangedTrails) {
              {"cut at a line", [](Lines& l) { l.pop_back(); }, "missing 4 missing 4"},
              {"cut in a line", [](Lines& l) { l.back().resize(200); }, "cut 4 missing 4 missing 4"},
              {"no last line end", [](Lines& l) { l.back().pop_back(); }, "cut 4 missing 4 missing 4"},
-             {"nothing left", [](Lines& l) { l.clear(); }, "missing 1 missing 1"},
+             {"nothing left", [](Lines& l) { l.clear(); }, "missing 1 missing 1 loose"},
              {"an empty line", [](Lines& l) { l[1] += '\n'; }, nullptr},
              {"a zero byte at the end", [](Lines& l) { l[3].insert(l[3].size() - 1, 1, '\0'); }, nullptr},
              {"a zero byte in a text", [](Lines& l) { l[2].insert(l[2].find("\"b\"") + 1, 1, '\0'); }, nullptr},
@@ -226,16 +226,16 @@ TEST(TrailCheck, AgreesWithSshKeygenOnWhomToTrust) {
     for (const auto& [allowed, findings] : Cases<std::string, const char*>{
              {"inst " + key, ""},
              {"a,b cert-authority " + key + "inst " + key, ""},
-             {"inst cert-authority " + key, "signer 1"},
+             {"inst cert-authority " + key, "signer 1 loose"},
              {"\"a b\" namespaces=\"x,qellib10-*\" " + key, ""},
-             {"inst namespaces=\"*,!qellib10-entry\" " + key, "signer 1"},
-             {"inst namespaces=\"qellib10-signature\" " + key, "signer 1"},
+             {"inst namespaces=\"*,!qellib10-entry\" " + key, "signer 1 loose"},
+             {"inst namespaces=\"qellib10-signature\" " + key, "signer 1 loose"},
              {"inst namespaces=\"qellib10-entr?\",valid-after=\"20270115080000Z\" " + key, ""},
-             {"inst valid-after=\"20270115080001Z\" " + key, "ended 1"},
+             {"inst valid-after=\"20270115080001Z\" " + key, "ended 1 loose"},
              {"inst valid-before=\"20270115080000Z\" " + key, ""},
-             {"inst valid-before=\"20270115075959Z\" " + key, "ended 1"},
+             {"inst valid-before=\"20270115075959Z\" " + key, "ended 1 loose"},
              {"inst valid-before=\"202701150759Z\" " + key + "inst valid-after=\"20270115Z\" " + key, ""},
-             {"inst " + ByteSigner(2).PublicKey() + '\n', "signer 1"},
+             {"inst " + ByteSigner(2).PublicKey() + '\n', "signer 1 loose"},
          }) {
         SCOPED_TRACE(allowed);
         Sample sample;
@@ -347,7 +347,10 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
              {{.atLeast = 4}, "", "loose"},
              {{.trailId = sample.id, .key = sample.key}, "", ""},
              {{.trailId = sample.id, .trustFile = sample.Name("allowed")}, "", ""},
-             {{.trailId = std::string(32, '0'), .key = sample.key}, "", "order 1"},
+             {{.trailId = std::string(32, '0'), .key = sample.key}, "", "order 1 loose"},
+             {{.trailId = sample.id, .trustFile = sample.Name("allowed"), .key = other},
+              "",
+              "signer 1 signer 2 signer 3 signer 4 loose"},
              {{.key = other}, "", "signer 1 signer 2 signer 3 signer 4 loose"},
              {{.head = sample.head}, "", ""},
              {{.head = std::string(64, '0')}, "", "missing 5 loose"},
@@ -427,7 +430,8 @@ TEST(TrailCheck, HostileFilesGiveABoundedFinding) {
 
 TEST(QelTrail, ListsAndVerifies) {
     const Sample sample;
-    const std::string last = "trail " + sample.id + ", last entry " + sample.head + '\n';
+    const std::string end = "trail " + sample.id + ", last entry " + sample.head + '\n';
+    const std::string last = "entry 4, nothing later known\n" + end;
     const std::string loose = "4 entries: consistent, not anchored: ";
     for (const auto& [arguments, expected] : Cases<std::string, std::string>{
              {"verify t",
@@ -436,11 +440,11 @@ TEST(QelTrail, ListsAndVerifies) {
               loose + "the trail's ID is not given: it may be another trail of the same keys\n" + last + "11\n"},
              {"verify t --key " + sample.key + " --trail " + sample.id, "4 entries: consistent\n" + last + "0\n"},
              {"verify t --head-file h --at-least 5", "t: entry 5, byte " + std::to_string(sample.Read("t").size()) +
-                                                         ": missing: entry 5 is missing\n4 entries: 1 finding\n" +
-                                                         last + "15\n"},
+                                                         ": missing: entry 5 is missing\n4 entries: 1 finding\n" + end +
+                                                         "15\n"},
              {"verify t --head-file none", "qel: none: file not found\n5\n"},
              {"verify none", "qel: none: file not found\n5\n"},
-             {"verify t --trust t", "qel: t: line 1 of the allowed signers: has no key\n9\n"},
+             {"verify t --trust t", "qel: t: t: line 1 of the allowed signers: has no key\n9\n"},
          }) {
         EXPECT_EQ(sample.Qel(arguments), expected) << arguments;
     }

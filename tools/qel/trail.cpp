@@ -111,6 +111,7 @@ void WriteText(const Options& options, const qel::TrailReport& report) {
                                     : "consistent, not anchored: " + report.unanchored;
     Print(line + '\n');
     if (report.isBeingWritten) Print(std::string("another entry is still being written\n"));
+    if (report.pinned < report.entries) Print("entry " + std::to_string(report.entries) + ", nothing later known\n");
     if (report.entries > 0) Print("trail " + report.trailId + ", last entry " + report.head + '\n');
 }
 
@@ -119,8 +120,10 @@ void WriteJson(const Options& options, const qel::TrailReport& report) {
               {"trail", report.trailId},
               {"entries", report.entries},
               {"head", report.head},
+              {"pinned", report.pinned},
               {"consistent", report.findingCount == 0},
               {"anchored", report.isAnchored},
+              {"unanchored", report.unanchored},
               {"beingWritten", report.isBeingWritten},
               {"findingCount", report.findingCount},
               {"findings", Json::array()}};
