@@ -6,8 +6,8 @@
 
 namespace qel {
 
-/// Signs by a private key in a file as ssh-keygen -t ed25519 -N '' makes it. It keeps the key from nobody who can run
-/// programs as the same user: outside of tests and demonstrations use an SshAgentSigner, whose agent runs as a user of
+/// Signs by a private key in a file as ssh-keygen -t ed25519 -N '' makes it. Programs of the same user can read the
+/// key: outside of tests and demonstrations use an SshAgentSigner, whose agent runs as a user of
 /// its own.
 ///
 /// @code

@@ -16,8 +16,8 @@ class QELLIB10_API Signer {
 public:
     virtual ~Signer();
 
-    /// The public key: "ssh-ed25519 AAAA...", as in a file with the ending .pub, without a comment. Empty while none is
-    /// there.
+    /// The public key: "ssh-ed25519 AAAA...", as in a file with the ending .pub, without a comment. Empty while there
+    /// is none.
     virtual std::string PublicKey() const = 0;
     /// The Ed25519 signature of @p bytes.
     /// @throws CFileException, qel::DataError when it cannot be made

@@ -19,7 +19,7 @@ struct QELLIB10_API TrailReceipt {
 };
 
 /// Who did what, when and why: one file per archive to which entries are only appended. Each is signed and has the hash
-/// of the one before, so whoever changes, exchanges or removes one later, and has not the key, is noticed by
+/// of the one before. If somebody without the key changes, exchanges or removes one later, this is noticed by
 /// qel::CheckTrail, by `qel trail verify`, and by the shell script docs/check-trail, which needs nothing of ours. A
 /// checksum alone does not do that: anybody can compute it again.
 ///
@@ -40,16 +40,16 @@ struct QELLIB10_API TrailReceipt {
 ///
 /// Operations return 1 or a value, or 0 or nothing; qel::LastFailure has the reason. What failed is not acknowledged;
 /// it may still be found in the trail if the head file could not be written. Any thread may call them; several objects
-/// and programs may append to one trail at once. A program that forks opens the trail in the child.
+/// and programs may append to one trail at once. After a fork, the child needs an object of its own.
 ///
 /// Open takes the same time for a trail of any length: it reads from the last acknowledged entry on, which the head
 /// file knows. A trail that ends before that entry, or has another one there, is not opened: entries are missing, and
-/// appending would hide it. So is one whose next entry is not of this trail and a key of it. Bytes after the last entry
-/// that are no entry, such as half a line after a power cut, are moved to a file next to the trail, and the next entry
-/// reports it.
+/// appending would hide it. Nor is one whose next entry belongs to another trail, or is signed with a key that
+/// may not sign. Bytes after the last entry that are not an entry, such as half a line after a power cut, are moved to
+/// a file next to the trail, and the next entry reports this.
 ///
-/// The time of an entry is never before that of the one before. Where the clock says so, the entry has both. A clock
-/// that was set by more than 2 s since the last entry, without a restart of the system, gets an entry of its own.
+/// The time of an entry is never earlier than that of the entry before. If the clock is, the entry has both times. A
+/// clock that was set by more than 2 s since the last entry, without a restart of the system, gets an entry of its own.
 class QELLIB10_API Trail {
 public:
     Trail(TrailSettings settings, std::shared_ptr<Signer> signer);
@@ -64,7 +64,8 @@ public:
     /// @return nothing when it was refused, also for a text that is not UTF-8, a hash in another form, a missing reason
     /// or one of the trail's own kinds; nothing is written then
     std::optional<TrailReceipt> Append(const TrailRecord& record);
-    /// Returns when all entries that this object has appended are on the disk and acknowledged.
+    /// Returns when all entries that this object has appended are on the disk and acknowledged. A failure may take back
+    /// those of other threads as well; the next Flush reports it.
     int Flush();
     /// The last acknowledged entry that this object knows of; number 0 before Open.
     TrailReceipt Last() const;

@@ -10,13 +10,13 @@
 
 namespace qel {
 
-/// What somebody who checks a trail knows from elsewhere. Without any of it only the trail's consistency can be seen:
-/// whoever makes a whole trail anew with a key of his own is not noticed. Texts stay empty, and numbers 0, for what is
-/// not known. Paths are in the library's form.
+/// What somebody who checks a trail knows from elsewhere. Without any of it only the trail's consistency can be
+/// checked: a whole trail that somebody has written again with another key is not noticed. Leave texts empty and
+/// numbers 0 if they are not known. Paths are in the library's form.
 struct QELLIB10_API TrailAnchors {
     std::string trailId = {};    ///< as on reports, 32 hexadecimal digits
     std::string trustFile = {};  ///< who may sign, in the format of ssh-keygen's allowed signers, times in UTC;
-                                 ///< besides, the trail has to announce each key but the first
+                                 ///< the trail must announce each key except the first, too
     std::string key = {};        ///< fingerprint of the key that started the trail, "SHA256:..."
     std::string head = {};       ///< hash of an entry that has to be there, 64 hexadecimal digits
     std::string headFile = {};   ///< the head file: its entry has to be there
@@ -46,8 +46,8 @@ struct QELLIB10_API TrailFinding {
 struct QELLIB10_API TrailReport {
     std::string trailId = {};
     std::uint64_t entries = 0;
-    /// The last entry that is known from elsewhere to be there. Of later ones a true older state has none, and this
-    /// cannot be seen.
+    /// The last entry that is known from elsewhere. If later ones are missing because an older state was put back, this
+    /// cannot be noticed.
     std::uint64_t pinned = 0;
     std::string head = {};  ///< hash of the last one
     /// Whether keys and trail are those that are known from elsewhere: a key or a file of allowed signers, together

@@ -10,7 +10,7 @@
 namespace qel {
 
 /// Goes through the lines of a trail's file in blocks: a trail of any size takes the same memory, and a file without
-/// line ends, such as one of gigabytes that are not there, ends at the first 64 KiB.
+/// line ends, such as a sparse one of gigabytes, ends at the first 64 KiB.
 class TrailLines {
 public:
     enum class Kind { kEnd, kWhole, kPart, kTooLong };  ///< kPart: the file ends before its line feed

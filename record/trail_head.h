@@ -29,7 +29,7 @@ struct TrailHeadState {
 };
 
 /// The file that keeps it, outside the archive: whoever can change the trail must not be able to change both. It has
-/// two places of 4 KiB, which are written by turns and flushed, so that one is whole whenever the power fails.
+/// two places of 4 KiB, which are written in turn and flushed, so that one is whole whenever the power fails.
 ///
 ///     0     "QTH1", number of keys (4 bytes), generation (8)
 ///     16    number (8), length (8), hash (32)

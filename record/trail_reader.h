@@ -28,8 +28,8 @@ public:
 
     /// @param path in the library's form; no link, device or pipe
     int Open(std::string_view path);
-    /// The next entry. Nothing at the end, where qel::LastFailure().kind is kNone, and nothing at a line that is no
-    /// entry, or is not whole; there it has the reason, and the next call goes on after that line.
+    /// The next entry. Nothing at the end, where qel::LastFailure().kind is kNone, and nothing at a line that is not
+    /// an entry, or not whole; there it has the reason, and the next call goes on after that line.
     std::optional<TrailEntry> Next();
     /// SHA-256 of the line that Next has returned.
     std::string Hash() const;

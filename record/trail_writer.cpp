@@ -21,7 +21,7 @@ constexpr std::int64_t kLargestDrift = 2000;     // ms between the two clocks
 constexpr std::uint64_t kLongestTail = 4 << 20;  // of torn bytes; more is no interrupted writer
 constexpr std::uint32_t kMostTails = 100;        // set aside after one entry
 
-// Calls back unless it was told that all went well.
+// Calls back unless Keep was called.
 template <class Callback> class Undo {
 public:
     explicit Undo(Callback callback) : m_callback(std::move(callback)) {}

@@ -78,7 +78,7 @@ private:
     bool m_mayBeLost = true;   // what the head file has may not be on the disk
     unsigned m_takenBack = 0;  // counts how often the end was looked for again: entries may have gone then
     std::optional<Written> m_written;
-    bool m_hasLost = false;  // an entry before it was taken back, and nobody was told yet
+    bool m_hasLost = false;  // an entry before it was taken back; not reported yet
 };
 
 }  // namespace qel

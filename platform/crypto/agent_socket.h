@@ -6,8 +6,8 @@
 
 namespace qel {
 
-/// Sends @p question to the agent that listens at @p posixPath, and returns its answer. On the line each has its length
-/// before it, 4 bytes, the highest first. One connection for one question: an agent that was restarted serves the next.
+/// Sends @p question to the agent that listens at @p posixPath, and returns its answer. Each is preceded by its length:
+/// 4 bytes, big-endian. One connection for one question: an agent that was restarted serves the next.
 /// @param limit for all of it, so that an agent that hangs does not hang the caller
 /// @throws CFileException when there is no agent, or none that this user may ask; DataError for an answer
 /// that is empty or longer than 256 KiB
