@@ -1,6 +1,7 @@
 #include "qellib10/record/key_file_signer.h"
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/crypto/secret_bytes.h"
 #include "qellib10/platform/storage/guarded_file.h"
 #include "qellib10/record/ssh_key.h"
 
@@ -26,6 +27,8 @@ struct KeyFileSigner::State {
 };
 
 Signer::~Signer() = default;
+bool Signer::ChecksSignatures() const { return false; }
+
 KeyFileSigner::KeyFileSigner() = default;
 KeyFileSigner::~KeyFileSigner() = default;
 
@@ -40,9 +43,12 @@ int KeyFileSigner::Load(std::string_view path) {
 
 std::string KeyFileSigner::PublicKey() const { return m_state != nullptr ? m_state->key.publicKey.Text() : ""; }
 
+// Load has compared both halves of the key, and nothing but this process has to do with a signature.
+bool KeyFileSigner::ChecksSignatures() const { return true; }
+
 std::array<std::byte, 64> KeyFileSigner::Sign(std::string_view bytes) {
     if (m_state == nullptr) throw DataError("no private key was loaded");
-    return SignEd25519(m_state->key.seed.Bytes(), bytes);
+    return m_state->key.key.Sign(bytes);
 }
 
 }  // namespace qel

@@ -7,8 +7,7 @@
 namespace qel {
 
 /// Signs by a private key in a file as ssh-keygen -t ed25519 -N '' makes it. Programs of the same user can read the
-/// key: outside of tests and demonstrations use an SshAgentSigner, whose agent runs as a user of
-/// its own.
+/// key: outside of tests and demonstrations use an SshAgentSigner, whose agent runs as a user of its own.
 ///
 /// @code
 /// auto signer = std::make_shared<qel::KeyFileSigner>();
@@ -25,6 +24,7 @@ public:
     int Load(std::string_view path);
 
     std::string PublicKey() const override;
+    bool ChecksSignatures() const override;
     std::array<std::byte, 64> Sign(std::string_view bytes) override;
 
 private:

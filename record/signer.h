@@ -19,6 +19,9 @@ public:
     /// The public key: "ssh-ed25519 AAAA...", as in a file with the ending .pub, without a comment. Empty while there
     /// is none.
     virtual std::string PublicKey() const = 0;
+    /// Whether Sign never returns a wrong signature. A trail checks the signatures of all other signers, which takes
+    /// about twice as long as signing does: nobody can append after an entry with a wrong one. The default is false.
+    virtual bool ChecksSignatures() const;
     /// The Ed25519 signature of @p bytes.
     /// @throws CFileException, qel::DataError when it cannot be made
     virtual std::array<std::byte, 64> Sign(std::string_view bytes) = 0;

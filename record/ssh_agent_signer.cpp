@@ -71,6 +71,8 @@ int SshAgentSigner::Connect(std::string_view socketPath, std::string_view finger
 
 std::string SshAgentSigner::PublicKey() const { return m_state->key ? m_state->key->Text() : ""; }
 
+bool SshAgentSigner::ChecksSignatures() const { return true; }
+
 std::array<std::byte, 64> SshAgentSigner::Sign(std::string_view bytes) {
     if (!m_state->key) throw DataError("no agent was connected");
     const SshWriter question = SshWriter().Byte(kSignRequest).String(m_state->key->Blob()).String(bytes).Number(0);

@@ -27,6 +27,7 @@ public:
     int Connect(std::string_view socketPath, std::string_view fingerprint = {});
 
     std::string PublicKey() const override;
+    bool ChecksSignatures() const override;
     std::array<std::byte, 64> Sign(std::string_view bytes) override;
 
 private:

@@ -1,8 +1,7 @@
 #include "qellib10/record/ssh_key.h"
 
-#include <algorithm>
-
 #include "qellib10/platform/crypto/digest.h"
+#include "qellib10/platform/crypto/secret_bytes.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/record/ssh_wire.h"
 #include "qellib10/record/text_forms.h"
@@ -46,10 +45,8 @@ SshPrivateKey ReadPrivatePart(std::string_view bytes, const SshPublicKey& public
     for (std::uint8_t padding = 1; !part.Rest().empty(); ++padding) {
         if (part.Byte() != padding) throw DataError("the private key is damaged");
     }
-    SshPrivateKey key{publicKey, SecretBytes(kSeedSize)};
-    std::ranges::copy(std::as_bytes(std::span(pair.substr(0, kSeedSize))), key.seed.Bytes().begin());
-    if (PublicKeyOf(key.seed.Bytes()) != publicKey.bytes)
-        throw DataError("the private key belongs to another public key");
+    SshPrivateKey key{publicKey, Ed25519PrivateKey(std::as_bytes(std::span(pair.substr(0, kSeedSize))))};
+    if (key.key.PublicKey() != publicKey.bytes) throw DataError("the private key belongs to another public key");
     return key;
 }
 

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "qellib10/platform/crypto/ed25519.h"
-#include "qellib10/platform/crypto/secret_bytes.h"
 
 namespace qel {
 
@@ -29,7 +28,7 @@ struct SshPublicKey {
 
 struct SshPrivateKey {
     SshPublicKey publicKey;
-    SecretBytes seed;  // 32 bytes
+    Ed25519PrivateKey key;
 };
 
 /// Reads a private key in OpenSSH's own file format (openssh-key-v1), one key without a passphrase.

@@ -39,14 +39,16 @@ struct QELLIB10_API TrailReceipt {
 /// @endcode
 ///
 /// Operations return 1 or a value, or 0 or nothing; qel::LastFailure has the reason. What failed is not acknowledged;
-/// it may still be found in the trail if the head file could not be written. Any thread may call them; several objects
-/// and programs may append to one trail at once. After a fork, the child needs an object of its own.
+/// it may still be found in the trail if a file could not be written, flushed or cut. Any thread may call them; several
+/// objects and programs may append to one trail at once. After a fork, the child needs an object of its own, and the
+/// parent's lock is free again only when both have closed it.
 ///
 /// Open takes the same time for a trail of any length: it reads from the last acknowledged entry on, which the head
 /// file knows. A trail that ends before that entry, or has another one there, is not opened: entries are missing, and
 /// appending would hide it. Nor is one whose next entry belongs to another trail, or is signed with a key that
 /// may not sign. Bytes after the last entry that are not an entry, such as half a line after a power cut, are moved to
-/// a file next to the trail, and the next entry reports this.
+/// a file next to the trail, and the next entry reports this. More than 4 MiB of them, or a hundred times without an
+/// entry in between, are no accident: the trail is not opened then.
 ///
 /// The time of an entry is never earlier than that of the entry before. If the clock is, the entry has both times. A
 /// clock that was set by more than 2 s since the last entry, without a restart of the system, gets an entry of its own.
@@ -62,10 +64,11 @@ public:
     int Open();
     /// Appends an entry, also for other programs; how sure it is then is a matter of TrailSettings::flush.
     /// @return nothing when it was refused, also for a text that is not UTF-8, a hash in another form, a missing reason
-    /// or one of the trail's own kinds; nothing is written then
+    /// or one of the trail's own kinds; of the record nothing is written then
     std::optional<TrailReceipt> Append(const TrailRecord& record);
-    /// Returns when all entries that this object has appended are on the disk and acknowledged. A failure may take back
-    /// those of other threads as well; the next Flush reports it.
+    /// Returns when all entries that this object has appended are on the disk and acknowledged. With
+    /// TrailFlush::kCaller a failure may take back those of other threads as well: Append and Flush refuse then until
+    /// Open is called again, so each thread learns of it.
     int Flush();
     /// The last acknowledged entry that this object knows of; number 0 before Open.
     TrailReceipt Last() const;

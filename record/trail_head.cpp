@@ -92,6 +92,14 @@ void TrailHead::MakeNew(const std::string& path, const TrailHeadState& state) {
 }
 
 TrailHeadState TrailHead::Load() const {
+    std::optional<TrailHeadState> state = LoadLatest();
+    // Whoever reads without the lock may find both places half written, one after the other.
+    if (!state) state = LoadLatest();
+    if (!state) throw DataError("the head file of the trail is damaged");
+    return *state;
+}
+
+std::optional<TrailHeadState> TrailHead::LoadLatest() const {
     std::optional<TrailHeadState> latest;
     for (const std::uint64_t at : {PlaceOf(0), PlaceOf(1)}) {
         Place place = {};
@@ -100,8 +108,7 @@ TrailHeadState TrailHead::Load() const {
         if (state && PlaceOf(state->generation) == at && (!latest || state->generation > latest->generation))
             latest = state;
     }
-    if (!latest) throw DataError("the head file of the trail is damaged");
-    return *latest;
+    return latest;
 }
 
 void TrailHead::Store(TrailHeadState& state) const {

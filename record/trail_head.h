@@ -54,6 +54,8 @@ public:
     void StoreAgain(const TrailHeadState& state) const;
 
 private:
+    std::optional<TrailHeadState> LoadLatest() const;
+
     GuardedFile m_file;
 };
 

@@ -29,10 +29,7 @@ void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys) {
     const std::string line = LineOf(SignedPart(entry), SshSignature{});
     if (ReadEntry(line).entry != entry) throw DataError("an entry cannot be read back as what it is");
     ApplyToKeys(entry, keys);
-}
-
-std::string TailName(const std::string& path, std::uint64_t number, std::uint32_t count) {
-    return path + ".tail-" + std::to_string(number) + '-' + std::to_string(count);
+    if (keys.empty()) throw DataError("the last key cannot end: nobody could append any more. Add the next one first");
 }
 
 std::string FileNameOf(const std::string& path) {

@@ -14,8 +14,6 @@ void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys);
 /// @throws DataError for an entry that cannot come next, before anything of it is written
 void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys);
 
-/// The file next to the trail at @p path that gets torn bytes: before the entry @p number, the @p count-th time.
-std::string TailName(const std::string& path, std::uint64_t number, std::uint32_t count);
 /// The name without its folder, in UTF-8.
 std::string FileNameOf(const std::string& path);
 

@@ -13,7 +13,8 @@ inline constexpr std::string_view kLogout = "logout";
 inline constexpr std::string_view kRightsChanged = "rights changed";
 inline constexpr std::string_view kKeyAdded =
     "key added";  ///< object: "ssh-ed25519 AAAA...", which may sign from now on
-inline constexpr std::string_view kKeyEnded = "key ended";  ///< object: the same, which may not from now on
+inline constexpr std::string_view kKeyEnded =
+    "key ended";  ///< object: the same, which may not from now on; never the last one
 inline constexpr std::string_view kMethodChanged = "method changed";
 inline constexpr std::string_view kRegistering = "result registering";
 inline constexpr std::string_view kRegistered = "result registered";

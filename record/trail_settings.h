@@ -11,7 +11,7 @@ namespace qel {
 enum class TrailFlush {
     kEach,    ///< when Append returns; each one flushes
     kGroup,   ///< the same; one flush serves all threads of an object that append at once
-    kCaller,  ///< when Trail::Flush returns
+    kCaller,  ///< when Trail::Flush returns; Append flushes by itself where 4 MiB would wait for that
 };
 
 /// Where a trail is, and who writes it. Paths are in the library's form, texts UTF-8.

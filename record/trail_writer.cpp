@@ -13,13 +13,12 @@
 #include "qellib10/record/trail.h"
 #include "qellib10/record/trail_file.h"
 #include "qellib10/record/trail_keys.h"
+#include "qellib10/record/trail_tail.h"
 
 namespace qel {
 namespace {
 
-constexpr std::int64_t kLargestDrift = 2000;     // ms between the two clocks
-constexpr std::uint64_t kLongestTail = 4 << 20;  // of torn bytes; more is no interrupted writer
-constexpr std::uint32_t kMostTails = 100;        // set aside after one entry
+constexpr std::int64_t kLargestDrift = 2000;  // ms between the two clocks
 
 // Calls back unless Keep was called.
 template <class Callback> class Undo {
@@ -45,9 +44,6 @@ std::string NewTrailId() {
 
 std::string EntryText(std::uint64_t number) { return "entry " + std::to_string(number); }
 
-// The number of the entry that reports the tails set aside now: never that of the start.
-std::uint64_t ReportOfTail(const TrailHeadState& head) { return std::max<std::uint64_t>(head.number + 1, 2); }
-
 // How far the clock has moved since the entry @p last by itself; nothing where only people could say so.
 std::optional<std::int64_t> ExpectedTime(const TrailEntry& last, const TrailMoment& now) {
     if (last.bootId != now.bootId) return std::nullopt;
@@ -66,10 +62,14 @@ void TrailWriter::Open() {
     m_end.reset();
     m_seen = {};
     m_mayBeLost = true;
+    m_isForeign = false;
+    m_hasLost = false;
+    m_written.reset();
     if (m_signer == nullptr) throw DataError("a trail needs somebody who signs");
     OpenHead();
     const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
     OpenTrail(m_head->Load());
+    TakeOverStart();
     Undo close([this] { m_trail.reset(); });
     RequireOwnKey(Current());
     if (m_end->head.number == 0) AppendStart();
@@ -83,6 +83,7 @@ void TrailWriter::OpenHead() {
     std::optional<TrailHead> head = TrailHead::OpenIfThere(m_settings.headPath, GuardedFile::Use::kWrite);
     if (!head) {
         if (trail && trail->Size() > 0) throw DataError("the head file of the trail is missing");
+        RequirePlaceForTails(m_settings.path);
         TrailHeadState first;
         first.trailId = NewTrailId();
         first.keys = {SshPublicKey::OfText(m_signer->PublicKey())};
@@ -102,6 +103,15 @@ void TrailWriter::OpenTrail(const TrailHeadState& head) {
     if (!m_trail) m_trail.emplace(m_settings.path, GuardedFile::Use::kMake);
     m_trail->FlushFolder();
     m_head->File().FlushFolder();
+}
+
+// A trail that nobody could start belongs to no key yet: the one in the head file may have been a mistake.
+void TrailWriter::TakeOverStart() const {
+    TrailHeadState head = m_head->Load();
+    const std::vector<SshPublicKey> own = {SshPublicKey::OfText(m_signer->PublicKey())};
+    if (head.number > 0 || m_trail->Size() > 0 || head.keys == own) return;
+    head.keys = own;
+    m_head->Store(head);
 }
 
 // Under the lock of the head file.
@@ -124,16 +134,32 @@ void TrailWriter::Settle(const TrailHeadState& head) {
                         ", which was acknowledged");
     End end = EndOf(head);
     TakeUp(end, size);
-    if (std::exchange(m_mayBeLost, true)) m_head->StoreAgain(head);
+    m_isForeign = m_isForeign || head != m_seen;
     m_seen = head;
+    if (std::exchange(m_mayBeLost, true)) StoreHeadAgain();
     if (end.head.number > head.number) {
         WriteAgain(head.length, end.head.length);
-        m_head->Store(end.head);
-        m_seen = end.head;
+        StoreHead(end.head);
     }
     if (end.head.length < size) SetAside(end, size);
     m_mayBeLost = false;
     m_end = std::move(end);
+}
+
+void TrailWriter::StoreHead(TrailHeadState& head) {
+    m_head->Store(head);
+    m_seen = head;
+    m_isForeign = false;
+}
+
+void TrailWriter::StoreHeadAgain() {
+    m_head->StoreAgain(m_seen);
+    m_isForeign = false;
+}
+
+// Another program may have been killed before it could flush the head file, or its flush may have failed.
+void TrailWriter::RequireHeadOnDisk() {
+    if (m_isForeign) StoreHeadAgain();
 }
 
 TrailWriter::End TrailWriter::EndOf(const TrailHeadState& head) const {
@@ -190,37 +216,13 @@ void TrailWriter::WriteAgain(std::uint64_t from, std::uint64_t to) const {
 // First the copy, then the head, which knows that it has to be reported, then the cut: an interruption anywhere loses
 // neither the bytes nor the report.
 void TrailWriter::SetAside(End& end, std::uint64_t size) {
-    if (size - end.head.length > kLongestTail)
-        throw DataError("there are " + std::to_string(size - end.head.length) + " bytes after " +
-                        EntryText(end.head.number) + " that are no entries");
-    std::string tail(static_cast<std::size_t>(size - end.head.length), '\0');
-    if (m_trail->ReadAt(std::as_writable_bytes(std::span(tail)), end.head.length) != tail.size())
-        throw DataError("the trail became shorter");
-    const Sha256Digest hash = Sha256(tail);
-    if (end.head.tailsSetAside == 0 || end.head.tailSize != tail.size() || end.head.tailHash != hash) {
-        end.head.tailsSetAside = CopyTail(end, tail);
-        end.head.tailSize = tail.size();
-        end.head.tailHash = hash;
-        m_head->Store(end.head);
-        m_seen = end.head;
+    if (KeepTail(m_settings.path, end.head, ReadTail(*m_trail, end.head, size))) {
+        StoreHead(end.head);
+    } else {
+        RequireHeadOnDisk();
     }
     m_trail->Truncate(end.head.length);
     m_trail->Flush();
-}
-
-// @return which one of this entry it is
-std::uint32_t TrailWriter::CopyTail(const End& end, std::string_view tail) const {
-    for (std::uint32_t count = end.head.tailsSetAside + 1; count <= kMostTails; ++count) {
-        const std::string name = TailName(m_settings.path, ReportOfTail(end.head), count);
-        // One that is there was copied before an interruption, perhaps of another tail.
-        if (GuardedFile::OpenIfThere(name, GuardedFile::Use::kRead)) continue;
-        const GuardedFile copy(name, GuardedFile::Use::kMakeNew);
-        copy.WriteAt(std::as_bytes(std::span(tail)), 0);
-        copy.Flush();
-        copy.FlushFolder();
-        return count;
-    }
-    throw DataError("too many torn ends of the trail were set aside after " + EntryText(end.head.number));
 }
 
 void TrailWriter::RequireOwnKey(const End& end) const {
@@ -257,41 +259,50 @@ TrailRecord TrailWriter::OfPredecessor() const {
 }
 
 TrailReceipt TrailWriter::Append(const TrailRecord& record) {
-    TrailReceipt receipt;
-    unsigned takenBack = 0;
-    std::uint64_t length = 0;
+    Written written;
     {
         const std::scoped_lock turn(m_turn);
-        if (!m_trail) throw DataError("the trail is not open");
+        RequireUsable();
         const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
         RequireOwnKey(Current());
-        if (m_settings.flush == TrailFlush::kCaller && m_written && m_written->takenBack != m_takenBack)
-            m_hasLost = m_hasLost || !IsAcknowledged(*m_written);
+        RequireNothingLost();
         const TrailMoment now = m_clock();
         RequireWritable(EntryOf(record, now), m_end->head.keys);
         AppendOwn(now);
         Write(record, now);
-        receipt = {m_end->head.number, Hex(m_end->head.hash)};
-        length = m_end->head.length;
-        takenBack = m_takenBack;
-        m_written = Written{receipt, length, takenBack};
+        written = {{m_end->head.number, Hex(m_end->head.hash)}, m_end->head.length, m_takenBack};
         if (m_settings.flush == TrailFlush::kEach) Acknowledge();
+        if (m_settings.flush == TrailFlush::kCaller) KeepForFlush(written);
     }
-    if (m_settings.flush == TrailFlush::kGroup) FlushWritten({receipt, length, takenBack});
-    return receipt;
+    if (m_settings.flush == TrailFlush::kGroup) FlushWritten(written);
+    return written.receipt;
+}
+
+void TrailWriter::RequireUsable() const {
+    if (!m_trail) throw DataError("the trail is not open");
+    if (m_hasLost) throw DataError("entries were not acknowledged and are not in the trail any more: open it again");
+}
+
+// With entries that Flush has not acknowledged yet: another program may have taken them back.
+void TrailWriter::RequireNothingLost() {
+    if (!m_written || m_written->takenBack == m_takenBack) return;
+    m_hasLost = !IsAcknowledged(*m_written);
+    RequireUsable();
+}
+
+// Never so much that an interruption in the middle of it would leave more than a tail.
+void TrailWriter::KeepForFlush(const Written& written) {
+    m_written = written;
+    if (m_end->head.length - m_seen.length <= kLongestTail - kLongestLine) return;
+    m_hasLost = true;
+    Acknowledge();
+    m_hasLost = false;
 }
 
 // What the trail itself has to report before the next entry.
 void TrailWriter::AppendOwn(const TrailMoment& now) {
-    if (const TrailHeadState head = m_end->head; head.tailsSetAside > 0) {
-        TrailRecord report;
-        report.action = trail_kind::kTailSetAside;
-        report.object = FileNameOf(TailName(m_settings.path, ReportOfTail(head), head.tailsSetAside));
-        report.after = std::to_string(head.tailsSetAside) + " since the last entry";
-        report.reason = "a writer was interrupted: the bytes after the last entry were no entry";
-        report.size = head.tailSize;
-        report.sha256 = Hex(head.tailHash);
-        Write(report, now);
+    if (m_end->head.tailsSetAside > 0) {
+        Write(TailReport(m_settings.path, m_end->head), now);
         m_end->head.tailsSetAside = 0;
     }
     if (!m_end->last) return;
@@ -316,7 +327,9 @@ TrailEntry TrailWriter::EntryOf(const TrailRecord& record, const TrailMoment& no
         entry.clock = now.time;
     }
     if (m_end->last && now.bootId == m_end->last->bootId && now.bootTime < m_end->last->bootTime)
-        throw DataError("the time since the start of the system went back: another system has written the trail");
+        throw DataError(
+            "the time since the start of the system went back: another system has written the trail, or this virtual "
+            "machine was put back to an older state");
     entry.bootId = now.bootId;
     entry.bootTime = now.bootTime;
     entry.host = SystemHost();
@@ -334,7 +347,8 @@ std::string TrailWriter::SignedLine(const TrailEntry& entry) const {
     std::string line = LineOf(signedPart, signature);
     const ReadLine read = ReadEntry(line);
     if (read.entry != entry) throw DataError("an entry cannot be read back as what it is");
-    if (std::ranges::find(m_end->head.keys, read.signature.key) == m_end->head.keys.end() || !read.IsSigned())
+    const bool maySign = std::ranges::find(m_end->head.keys, read.signature.key) != m_end->head.keys.end();
+    if (!maySign || (!m_signer->ChecksSignatures() && !read.IsSigned()))
         throw DataError("the signer's signature is wrong, or that of a key which may not sign this trail");
     return line;
 }
@@ -363,9 +377,8 @@ void TrailWriter::Acknowledge() {
         m_end.reset();
         m_mayBeLost = true;
     });
-    m_head->Store(m_end->head);
+    StoreHead(m_end->head);
     forget.Keep();
-    m_seen = m_end->head;
 }
 
 void TrailWriter::TakeBack(std::uint64_t length) noexcept {
@@ -382,9 +395,7 @@ void TrailWriter::Flush() {
     std::optional<Written> written;
     {
         const std::scoped_lock turn(m_turn);
-        if (!m_trail) throw DataError("the trail is not open");
-        if (std::exchange(m_hasLost, false))
-            throw DataError("an entry before the last one was not acknowledged and is not in the trail any more");
+        RequireUsable();
         written = m_written;
     }
     if (written) FlushWritten(*written);
@@ -393,13 +404,14 @@ void TrailWriter::Flush() {
 // Another thread, or another program, may have done it meanwhile, or taken the entry back.
 void TrailWriter::FlushWritten(const Written& written) {
     const std::scoped_lock turn(m_turn);
-    if (!m_trail) throw DataError("the trail is not open");  // another thread may have failed to open it again
-    if (written.takenBack == m_takenBack && m_end && written.length <= m_seen.length) return;
+    RequireUsable();  // another thread may have failed to open it again
+    if (written.takenBack == m_takenBack && m_end && !m_isForeign && written.length <= m_seen.length) return;
     const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
-    if (Current().head != m_seen) Acknowledge();
-    if (written.takenBack == m_takenBack) return;
-    if (!IsAcknowledged(written))
+    m_hasLost = m_settings.flush == TrailFlush::kCaller;  // until it is known better
+    Current().head != m_seen ? Acknowledge() : RequireHeadOnDisk();
+    if (written.takenBack != m_takenBack && !IsAcknowledged(written))
         throw DataError(EntryText(written.receipt.number) + " was not acknowledged and is not in the trail any more");
+    m_hasLost = false;
 }
 
 // After the end was looked for again.

@@ -47,14 +47,17 @@ private:
 
     void OpenHead();
     void OpenTrail(const TrailHeadState& head);
+    void TakeOverStart() const;
     End& Current();
     void Settle(const TrailHeadState& head);
+    void StoreHead(TrailHeadState& head);
+    void StoreHeadAgain();
+    void RequireHeadOnDisk();
     End EndOf(const TrailHeadState& head) const;
     void TakeUp(End& end, std::uint64_t size) const;
     void RequireFollowing(const End& end, const ReadLine& line) const;
     void WriteAgain(std::uint64_t from, std::uint64_t to) const;
     void SetAside(End& end, std::uint64_t size);
-    std::uint32_t CopyTail(const End& end, std::string_view tail) const;
     void RequireOwnKey(const End& end) const;
     void AppendStart();
     TrailRecord OfPredecessor() const;
@@ -64,6 +67,9 @@ private:
     std::string SignedLine(const TrailEntry& entry) const;
     void Acknowledge();
     void TakeBack(std::uint64_t length) noexcept;
+    void RequireUsable() const;
+    void RequireNothingLost();
+    void KeepForFlush(const Written& written);
     void FlushWritten(const Written& written);
     bool IsAcknowledged(const Written& written) const;
 
@@ -73,12 +79,13 @@ private:
     mutable std::mutex m_turn;  // the file lock is the object's, not the thread's
     std::optional<TrailHead> m_head;
     std::optional<GuardedFile> m_trail;
-    TrailHeadState m_seen;     // what the head file had last
-    std::optional<End> m_end;  // none after a failure: then the files say it
-    bool m_mayBeLost = true;   // what the head file has may not be on the disk
-    unsigned m_takenBack = 0;  // counts how often the end was looked for again: entries may have gone then
-    std::optional<Written> m_written;
-    bool m_hasLost = false;  // an entry before it was taken back; not reported yet
+    TrailHeadState m_seen;             // what the head file had last
+    bool m_isForeign = false;          // another program has written that, and may have ended before it was flushed
+    std::optional<End> m_end;          // none after a failure: then the files say it
+    bool m_mayBeLost = true;           // what the head file has may not be on the disk
+    unsigned m_takenBack = 0;          // counts how often the end was looked for again: entries may have gone then
+    std::optional<Written> m_written;  // with TrailFlush::kCaller alone
+    bool m_hasLost = false;            // entries that were not acknowledged may have been taken back
 };
 
 }  // namespace qel

@@ -18,34 +18,46 @@ const unsigned char* Raw(std::span<const std::byte> bytes) {
 }
 const unsigned char* Raw(std::string_view bytes) { return reinterpret_cast<const unsigned char*>(bytes.data()); }
 
-Key PrivateKey(std::span<const std::byte> seed) {
-    Key key(::EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, Raw(seed), seed.size()), ::EVP_PKEY_free);
-    if (key == nullptr) throw DataError("the private key cannot be used");
-    return key;
-}
-
 }  // namespace
 
-Ed25519Key PublicKeyOf(std::span<const std::byte> seed) {
+struct Ed25519PrivateKey::State {
+    Key key;
+};
+
+Ed25519PrivateKey::Ed25519PrivateKey(std::span<const std::byte> seed)
+    : m_state(new State{
+          Key(::EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, Raw(seed), seed.size()), ::EVP_PKEY_free)}) {
+    if (m_state->key == nullptr) throw DataError("the private key cannot be used");
+}
+Ed25519PrivateKey::~Ed25519PrivateKey() = default;
+Ed25519PrivateKey::Ed25519PrivateKey(Ed25519PrivateKey&&) noexcept = default;
+Ed25519PrivateKey& Ed25519PrivateKey::operator=(Ed25519PrivateKey&&) noexcept = default;
+
+Ed25519Key Ed25519PrivateKey::PublicKey() const {
     Ed25519Key made;
     std::size_t size = made.size();
-    const Key key = PrivateKey(seed);
-    if (::EVP_PKEY_get_raw_public_key(key.get(), reinterpret_cast<unsigned char*>(made.data()), &size) != 1)
+    auto* const to = reinterpret_cast<unsigned char*>(made.data());
+    if (::EVP_PKEY_get_raw_public_key(m_state->key.get(), to, &size) != 1 || size != made.size())
         throw DataError("the private key cannot be used");
     return made;
 }
 
-Ed25519Signature SignEd25519(std::span<const std::byte> seed, std::string_view message) {
+Ed25519Signature Ed25519PrivateKey::Sign(std::string_view message) const {
     Ed25519Signature made;
     std::size_t size = made.size();
-    const Key key = PrivateKey(seed);
     const Context context(::EVP_MD_CTX_new(), ::EVP_MD_CTX_free);
     auto* const to = reinterpret_cast<unsigned char*>(made.data());
-    if (context == nullptr || ::EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, key.get()) != 1 ||
+    if (context == nullptr || ::EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, m_state->key.get()) != 1 ||
         ::EVP_DigestSign(context.get(), to, &size, Raw(message), message.size()) != 1 || size != made.size()) {
         throw DataError("nothing can be signed");
     }
     return made;
+}
+
+Ed25519Key PublicKeyOf(std::span<const std::byte> seed) { return Ed25519PrivateKey(seed).PublicKey(); }
+
+Ed25519Signature SignEd25519(std::span<const std::byte> seed, std::string_view message) {
+    return Ed25519PrivateKey(seed).Sign(message);
 }
 
 bool IsSignedBy(const Ed25519Key& key, std::string_view message, const Ed25519Signature& signature) {

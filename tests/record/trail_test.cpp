@@ -191,10 +191,16 @@ TEST(Trail, OpensAgainAfterAnInterruptedStart) {
     first.trailId = std::string(32, 'a');
     first.keys = {ByteSigner(1).Key()};
     qel::TrailHead::MakeNew(folder.Name("h"), first);
-    EXPECT_EQ(WhyNotOpened(folder, 2),
+    EXPECT_EQ(WhyNotOpened(folder, 2), "") << "nobody has used the first key";
+    EXPECT_EQ(WhyNotOpened(folder, 1),
               "the signer's key may not sign this trail: no entry has announced it, or it has ended");
-    EXPECT_TRUE(folder.Append({"a"}));
+    EXPECT_TRUE(folder.Append({"a"}, 2));
     EXPECT_EQ(folder.Entry(2).trailId, first.trailId);
+    qel::TrailSettings settings = folder.Settings();
+    settings.path = folder.Name(std::string(230, 'n'));
+    settings.headPath = folder.Name("h3");
+    EXPECT_EQ(qel::Trail(settings, std::make_shared<ByteSigner>(1)).Open(), 0) << "no torn end could be kept";
+    EXPECT_FALSE(std::filesystem::exists(folder.Posix("h3")));
 }
 
 TEST(Trail, OpeningReadsFromTheHeadOnAndWritesAgainWhatWasNotAcknowledged) {
@@ -245,6 +251,7 @@ TEST(Trail, LearnsKeysFromTrustedEntriesOnly) {
     EXPECT_TRUE(other.Append(Record("by the second")));
     EXPECT_TRUE(trail.Append(Record("by the first")));
     EXPECT_TRUE(trail.Append(Record(kind::kKeyEnded, second->PublicKey())));
+    EXPECT_FALSE(trail.Append(Record(kind::kKeyEnded, ByteSigner(1).PublicKey()))) << "the last one";
     EXPECT_FALSE(other.Append(Record("too late")));
     EXPECT_NE(WhyNotOpened(folder, 2), "");
     EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
@@ -387,7 +394,40 @@ TEST(Trail, UnflushedEntriesAreAcknowledgedByTheCallerOrByOthers) {
     folder.Write("t", text.substr(0, text.size() - folder.Lines().back().size()));
     EXPECT_EQ(trail.Flush(), 0) << "what somebody cut off is not acknowledged";
     EXPECT_EQ(qel::LastFailure().text, "entry 6 was not acknowledged and is not in the trail any more");
+    EXPECT_FALSE(trail.Append(Record("by a thread that does not know")));
+    EXPECT_EQ(trail.Flush(), 0) << "of a thread that has appended before";
+    EXPECT_TRUE(trail.Open() != 0 && trail.Append(Record("e")) && trail.Flush() != 0);
+    EXPECT_EQ(folder.Actions(), "trail started|a|b|c|d|e|");
     EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+}
+
+TEST(Trail, NeverLeavesMoreUnflushedThanATailMayHave) {
+    const TrailFolder folder;
+    qel::Trail trail(folder.Settings(TrailFlush::kCaller), std::make_shared<ByteSigner>(1));
+    ASSERT_EQ(trail.Open(), 1);
+    qel::TrailRecord record = Record("long");
+    record.after = std::string(60'000, 'x');
+    for (int i = 0; i < 75; ++i) ASSERT_TRUE(trail.Append(record));
+    EXPECT_GT(trail.Last().number, 60u);
+    EXPECT_LT(trail.Last().number, 76u);
+}
+
+TEST(Trail, ATornEndOnAFullDiskCanBeKeptLater) {
+    const TrailFolder folder;
+    ASSERT_TRUE(folder.Append({"a"}));
+    const std::string torn(20'000, '{');
+    folder.Write("t", folder.Read("t") + torn);
+    EXPECT_EQ(OnFullDisk(9'000,
+                         [&] {
+                             for (int i = 0; i < 120; ++i) {
+                                 if (WhyNotOpened(folder).empty()) return 1;
+                             }
+                             return 0;
+                         }),
+              0);
+    EXPECT_EQ(WhyNotOpened(folder), "");
+    EXPECT_EQ(folder.Read("t.tail-3-1"), torn);
+    EXPECT_FALSE(std::filesystem::exists(folder.Posix("t.tail-3-2")));
 }
 
 TEST(Trail, AFullDiskIsAClearFailureAndNothingHalf) {
