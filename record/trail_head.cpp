@@ -73,6 +73,19 @@ std::optional<TrailHeadState> Unpack(const Place& place) {
 
 std::uint64_t PlaceOf(std::uint64_t generation) { return generation % 2 * kPlaceSize; }
 
+std::optional<TrailHeadState> LatestOf(std::span<const std::byte> bytes) {
+    std::optional<TrailHeadState> latest;
+    for (const std::uint64_t at : {PlaceOf(0), PlaceOf(1)}) {
+        if (bytes.size() < at + kPlaceSize) continue;
+        Place place;
+        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), kPlaceSize, place.begin());
+        const std::optional<TrailHeadState> state = Unpack(place);
+        if (state && PlaceOf(state->generation) == at && (!latest || state->generation > latest->generation))
+            latest = state;
+    }
+    return latest;
+}
+
 }  // namespace
 
 std::optional<TrailHead> TrailHead::OpenIfThere(const std::string& path, GuardedFile::Use use) {
@@ -99,16 +112,15 @@ TrailHeadState TrailHead::Load() const {
     return *state;
 }
 
+// The two hashes of a file that has not changed would take as long as the rest of an unflushed append.
 std::optional<TrailHeadState> TrailHead::LoadLatest() const {
-    std::optional<TrailHeadState> latest;
-    for (const std::uint64_t at : {PlaceOf(0), PlaceOf(1)}) {
-        Place place = {};
-        m_file.ReadAt(place, at);
-        const std::optional<TrailHeadState> state = Unpack(place);
-        if (state && PlaceOf(state->generation) == at && (!latest || state->generation > latest->generation))
-            latest = state;
+    std::vector<std::byte> bytes(2 * kPlaceSize);
+    bytes.resize(m_file.ReadAt(bytes, 0));
+    if (!m_loaded || bytes != m_loadedBytes) {
+        m_loaded = LatestOf(bytes);
+        m_loadedBytes = std::move(bytes);
     }
-    return latest;
+    return m_loaded;
 }
 
 void TrailHead::Store(TrailHeadState& state) const {

@@ -37,7 +37,8 @@ struct TrailHeadState {
 ///     128   keys, 32 bytes each
 ///     4064  SHA-256 of everything before
 ///
-/// Integers are little-endian. The lock of this file is the trail's. Everything throws CFileException and DataError.
+/// Integers are little-endian. The lock of this file is the trail's. One thread at a time. Everything throws
+/// CFileException and DataError.
 class TrailHead {
 public:
     explicit TrailHead(GuardedFile file) : m_file(std::move(file)) {}
@@ -57,6 +58,8 @@ private:
     std::optional<TrailHeadState> LoadLatest() const;
 
     GuardedFile m_file;
+    mutable std::vector<std::byte> m_loadedBytes;
+    mutable std::optional<TrailHeadState> m_loaded;
 };
 
 }  // namespace qel

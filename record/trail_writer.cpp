@@ -42,13 +42,13 @@ std::string NewTrailId() {
     return Hex(id);
 }
 
-std::string EntryText(std::uint64_t number) { return "entry " + std::to_string(number); }
-
-// How far the clock has moved since the entry @p last by itself; nothing where only people could say so.
-std::optional<std::int64_t> ExpectedTime(const TrailEntry& last, const TrailMoment& now) {
-    if (last.bootId != now.bootId) return std::nullopt;
-    const auto passed = static_cast<std::int64_t>(now.bootTime) - static_cast<std::int64_t>(last.bootTime);
-    return last.clock.value_or(last.time) + passed;
+// What the clock should say, where somebody has set it since the entry @p last. Nothing after a restart: only people
+// could say so.
+std::optional<std::int64_t> JumpFrom(const std::optional<TrailEntry>& last, const TrailMoment& now) {
+    if (!last || last->bootId != now.bootId) return std::nullopt;
+    const auto passed = static_cast<std::int64_t>(now.bootTime) - static_cast<std::int64_t>(last->bootTime);
+    const std::int64_t expected = last->clock.value_or(last->time) + passed;
+    return std::abs(now.time - expected) > kLargestDrift ? std::optional(expected) : std::nullopt;
 }
 
 }  // namespace
@@ -97,7 +97,8 @@ void TrailWriter::OpenHead() {
 void TrailWriter::OpenTrail(const TrailHeadState& head) {
     m_trail = GuardedFile::OpenIfThere(m_settings.path, GuardedFile::Use::kWrite);
     if (head.number > 0 && !m_trail)
-        throw DataError("entries are missing: the trail has gone, " + EntryText(head.number) + " was acknowledged");
+        throw DataError("entries are missing: the trail has gone, entry " + std::to_string(head.number) +
+                        " was acknowledged");
     if (head.number > 0) return;
     // Whoever made the files may have ended before their names were on the disk.
     if (!m_trail) m_trail.emplace(m_settings.path, GuardedFile::Use::kMake);
@@ -112,117 +113,6 @@ void TrailWriter::TakeOverStart() const {
     if (head.number > 0 || m_trail->Size() > 0 || head.keys == own) return;
     head.keys = own;
     m_head->Store(head);
-}
-
-// Under the lock of the head file.
-TrailWriter::End& TrailWriter::Current() {
-    m_head->File().RequireInPlace();
-    m_trail->RequireInPlace();
-    const TrailHeadState head = m_head->Load();
-    if (head.generation < m_seen.generation) throw DataError("the head file of the trail was put back to an older one");
-    if (!m_end || head != m_seen || m_trail->Size() != m_end->head.length) Settle(head);
-    return *m_end;
-}
-
-// Finds the end of the trail, and makes sure of everything before it.
-void TrailWriter::Settle(const TrailHeadState& head) {
-    m_end.reset();
-    ++m_takenBack;
-    const std::uint64_t size = m_trail->Size();
-    if (size < head.length)
-        throw DataError("entries are missing: the trail ends before " + EntryText(head.number) +
-                        ", which was acknowledged");
-    End end = EndOf(head);
-    TakeUp(end, size);
-    m_isForeign = m_isForeign || head != m_seen;
-    m_seen = head;
-    if (std::exchange(m_mayBeLost, true)) StoreHeadAgain();
-    if (end.head.number > head.number) {
-        WriteAgain(head.length, end.head.length);
-        StoreHead(end.head);
-    }
-    if (end.head.length < size) SetAside(end, size);
-    m_mayBeLost = false;
-    m_end = std::move(end);
-}
-
-void TrailWriter::StoreHead(TrailHeadState& head) {
-    m_head->Store(head);
-    m_seen = head;
-    m_isForeign = false;
-}
-
-void TrailWriter::StoreHeadAgain() {
-    m_head->StoreAgain(m_seen);
-    m_isForeign = false;
-}
-
-// Another program may have been killed before it could flush the head file, or its flush may have failed.
-void TrailWriter::RequireHeadOnDisk() {
-    if (m_isForeign) StoreHeadAgain();
-}
-
-TrailWriter::End TrailWriter::EndOf(const TrailHeadState& head) const {
-    if (head.number == 0) return {head, std::nullopt};
-    const std::string line = LineBefore(*m_trail, head.length);
-    if (Sha256(line) != head.hash)
-        throw DataError("entries are missing: " + EntryText(head.number) + " is not the one that was acknowledged");
-    return {head, ReadEntry(line).entry};
-}
-
-// Takes whole entries after the head's, which a writer has written and not acknowledged.
-void TrailWriter::TakeUp(End& end, std::uint64_t size) const {
-    TrailLines lines(*m_trail, end.head.length, size);
-    for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
-        std::optional<ReadLine> read;
-        try {
-            read = ReadEntry(line.text);
-        } catch (const DataError&) {
-            return;  // torn
-        }
-        RequireFollowing(end, *read);
-        ApplyToKeys(read->entry, end.head.keys);
-        if (read->entry.action == trail_kind::kTailSetAside) end.head.tailsSetAside = 0;
-        end.head.number = read->entry.number;
-        end.head.length = line.End();
-        end.head.hash = Sha256(line.text);
-        end.last = std::move(read->entry);
-    }
-}
-
-// A whole entry that does not follow was not torn by an interrupted writer: others are missing before it, or somebody
-// else has written it. That must stay to be seen.
-void TrailWriter::RequireFollowing(const End& end, const ReadLine& line) const {
-    const bool follows = line.entry.trailId == end.head.trailId && line.entry.number == end.head.number + 1 &&
-                         line.entry.previous == Hex(end.head.hash) &&
-                         std::ranges::find(end.head.keys, line.signature.key) != end.head.keys.end() && line.IsSigned();
-    if (!follows)
-        throw DataError("entries are missing or foreign: what comes after " + EntryText(end.head.number) +
-                        " does not follow it, or nobody who may has signed it");
-}
-
-// Bytes whose flush has failed can be read although they are not on the disk, and a second flush does not write them.
-void TrailWriter::WriteAgain(std::uint64_t from, std::uint64_t to) const {
-    std::array<std::byte, 4096> block;
-    while (from < to) {
-        const auto part = std::span(block).first(std::min<std::uint64_t>(block.size(), to - from));
-        if (m_trail->ReadAt(part, from) != part.size()) throw DataError("the trail became shorter");
-        m_trail->WriteAt(part, from);
-        from += part.size();
-    }
-    m_trail->Flush();
-}
-
-// First the copy, then the head, which knows that it has to be reported, then the cut: an interruption anywhere loses
-// neither the bytes nor the report.
-void TrailWriter::SetAside(End& end, std::uint64_t size) {
-    if (KeepTail(m_settings.path, end.head, ReadTail(*m_trail, end.head, size))) {
-        StoreHead(end.head);
-    } else {
-        RequireHeadOnDisk();
-    }
-    m_trail->Truncate(end.head.length);
-    m_trail->Flush();
 }
 
 void TrailWriter::RequireOwnKey(const End& end) const {
@@ -267,8 +157,10 @@ TrailReceipt TrailWriter::Append(const TrailRecord& record) {
         RequireOwnKey(Current());
         RequireNothingLost();
         const TrailMoment now = m_clock();
-        RequireWritable(EntryOf(record, now), m_end->head.keys);
-        AppendOwn(now);
+        if (HasOwn(now)) {
+            RequireWritable(EntryOf(record, now), m_end->head.keys);  // or they would be written for nothing
+            AppendOwn(now);
+        }
         Write(record, now);
         written = {{m_end->head.number, Hex(m_end->head.hash)}, m_end->head.length, m_takenBack};
         if (m_settings.flush == TrailFlush::kEach) Acknowledge();
@@ -299,15 +191,18 @@ void TrailWriter::KeepForFlush(const Written& written) {
     m_hasLost = false;
 }
 
+bool TrailWriter::HasOwn(const TrailMoment& now) const {
+    return m_end->head.tailsSetAside > 0 || JumpFrom(m_end->last, now);
+}
+
 // What the trail itself has to report before the next entry.
 void TrailWriter::AppendOwn(const TrailMoment& now) {
     if (m_end->head.tailsSetAside > 0) {
         Write(TailReport(m_settings.path, m_end->head), now);
         m_end->head.tailsSetAside = 0;
     }
-    if (!m_end->last) return;
-    const std::optional<std::int64_t> expected = ExpectedTime(*m_end->last, now);
-    if (!expected || std::abs(now.time - *expected) <= kLargestDrift) return;
+    const std::optional<std::int64_t> expected = JumpFrom(m_end->last, now);
+    if (!expected) return;
     TrailRecord jump;
     jump.action = trail_kind::kClockJumped;
     jump.before = TrailTimeText(std::clamp<std::int64_t>(*expected, 0, kTrailTimeEnd - 1));
@@ -357,6 +252,8 @@ void TrailWriter::Write(const TrailRecord& record, const TrailMoment& now) {
     End next = *m_end;
     next.last = EntryOf(record, now);
     ApplyToKeys(*next.last, next.head.keys);
+    if (next.head.keys.empty())
+        throw DataError("the last key cannot end: nobody could append any more. Add the next one first");
     std::string line = SignedLine(*next.last);
     next.head.number = next.last->number;
     next.head.hash = Sha256(line);
@@ -410,7 +307,8 @@ void TrailWriter::FlushWritten(const Written& written) {
     m_hasLost = m_settings.flush == TrailFlush::kCaller;  // until it is known better
     Current().head != m_seen ? Acknowledge() : RequireHeadOnDisk();
     if (written.takenBack != m_takenBack && !IsAcknowledged(written))
-        throw DataError(EntryText(written.receipt.number) + " was not acknowledged and is not in the trail any more");
+        throw DataError("entry " + std::to_string(written.receipt.number) +
+                        " was not acknowledged and is not in the trail any more");
     m_hasLost = false;
 }
 

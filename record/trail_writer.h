@@ -20,6 +20,8 @@ namespace qel {
 /// An entry is written after the last one and flushed; then the head file gets it, and only then it is acknowledged.
 /// What is after the head's entry belongs to a writer that was interrupted, or to one that has not flushed yet: whole
 /// entries that follow are taken up, a torn one is set aside.
+///
+/// Current and what it calls, up to SetAside, are in trail_end.cpp.
 class TrailWriter {
 public:
     TrailWriter(TrailSettings settings, std::shared_ptr<Signer> signer,
@@ -61,6 +63,7 @@ private:
     void RequireOwnKey(const End& end) const;
     void AppendStart();
     TrailRecord OfPredecessor() const;
+    bool HasOwn(const TrailMoment& now) const;
     void AppendOwn(const TrailMoment& now);
     void Write(const TrailRecord& record, const TrailMoment& now);
     TrailEntry EntryOf(const TrailRecord& record, const TrailMoment& now) const;
