@@ -16,22 +16,28 @@ namespace {
 
 std::int64_t SecondOf(std::int64_t time) { return time / 1000; }
 
-// What is wrong with a file besides the trail has its name.
-template <class Step> auto OfFile(const std::string& path, Step&& step) {
+// What the files of the anchors say.
+struct Known {
+    std::optional<AllowedSigners> allowed;
+    std::optional<TrailHeadState> head;
+};
+
+// The reason of a file in a wrong form has the file's name. @return whether it could be read, or is not asked for
+template <class Step> bool IsRead(const std::string& path, Step&& step) {
+    if (path.empty()) return true;
     try {
-        return step();
+        step();
+        return true;
     } catch (const DataError& failure) {
-        throw DataError(FileNameOf(path) + ": " + failure.what());
+        return Refuse(FailureKind::kData, path, failure.what()) != 0;
     }
 }
 
 // Who may sign, as the entries up to now and the anchors say.
 class Trust {
 public:
-    explicit Trust(const TrailAnchors& anchors) : m_key(anchors.key) {
-        if (anchors.trustFile.empty()) return;
-        m_allowed = OfFile(anchors.trustFile, [&] { return AllowedSigners::OfFile(anchors.trustFile); });
-    }
+    Trust(std::string key, std::optional<AllowedSigners> allowed)
+        : m_key(std::move(key)), m_allowed(std::move(allowed)) {}
 
     /// What is wrong with the signer of an entry whose signature is right.
     std::optional<TrailFault> FaultOf(const ReadLine& line) const {
@@ -75,13 +81,11 @@ private:
 
 class Check {
 public:
-    Check(const TrailAnchors& anchors, TrailReport& report) : m_anchors(anchors), m_report(report), m_trust(anchors) {
-        m_report = {};
-        if (anchors.headFile.empty()) return;
-        // Before the trail: what is appended in between is after the head then.
-        m_known = OfFile(anchors.headFile,
-                         [&] { return TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load(); });
-    }
+    Check(const TrailAnchors& anchors, Known known, TrailReport& report)
+        : m_anchors(anchors),
+          m_report(report),
+          m_trust(anchors.key, std::move(known.allowed)),
+          m_known(std::move(known.head)) {}
 
     void Run(const std::string& path) {
         const GuardedFile file(path, GuardedFile::Use::kRead);
@@ -99,17 +103,29 @@ public:
 private:
     static constexpr std::uint64_t kStopAt = TrailReport::kMostFindings;
 
-    void Find(TrailFault fault, std::string text, const std::string& signer = "") {
+    void Find(TrailFault fault, std::string text, const std::string& signer = "", std::uint64_t lastMissing = 0) {
         ++m_report.findingCount;
-        if (m_report.findings.size() < TrailReport::kMostFindings)
-            m_report.findings.push_back({fault, m_next, m_line.at, signer, std::move(text)});
+        if (m_report.findings.size() == TrailReport::kMostFindings) return;
+        TrailFinding finding{
+            .fault = fault, .entry = m_next, .byte = m_line.at, .lastMissing = lastMissing, .signer = signer};
+        finding.text = std::move(text);
+        if (m_about != nullptr) {
+            finding.cabinet = m_about->cabinet;
+            finding.cabinetVersion = m_about->cabinetVersion;
+            finding.size = m_about->size;
+            finding.sha256 = m_about->sha256;
+        }
+        m_report.findings.push_back(std::move(finding));
     }
 
     void CheckLine(const TrailLines::Line& line) {
         m_line = line;
         const Sha256Digest hash = Sha256(line.text);
+        std::optional<ReadLine> read;
         try {
-            CheckEntry(ReadEntry(line.text));
+            read = ReadEntry(line.text);
+            m_about = &read->entry;
+            CheckEntry(*read);
         } catch (const DataError& failure) {
             Find(TrailFault::kMalformed, failure.what());
         }
@@ -125,6 +141,7 @@ private:
         }
         m_report.entries = m_next++;
         m_report.head = m_previous;
+        m_about = nullptr;
     }
 
     void CheckEntry(const ReadLine& line) {
@@ -188,17 +205,19 @@ private:
         if (!isAfterHead) Find(TrailFault::kCut, "the trail ends within a line");
     }
 
-    std::string MissingUpTo(std::uint64_t last) const {
+    void FindMissingUpTo(std::uint64_t last) {
         const std::string next = std::to_string(m_next);
-        return last == m_next ? "entry " + next + " is missing"
-                              : "entries " + next + " to " + std::to_string(last) + " are missing";
+        Find(TrailFault::kMissing,
+             last == m_next ? "entry " + next + " is missing"
+                            : "entries " + next + " to " + std::to_string(last) + " are missing",
+             "", last);
     }
 
     void CheckAnchors() {
         const auto missing = [this](const std::string& what) { Find(TrailFault::kMissing, what); };
-        if (m_known && m_known->number >= m_next) missing(MissingUpTo(m_known->number));
+        if (m_known && m_known->number >= m_next) FindMissingUpTo(m_known->number);
         if (!m_anchors.head.empty() && !m_isHeadThere) missing("the entry with the given hash is missing");
-        if (m_anchors.atLeast >= m_next) missing(MissingUpTo(m_anchors.atLeast));
+        if (m_anchors.atLeast >= m_next) FindMissingUpTo(m_anchors.atLeast);
         m_report.pinned = std::max(m_report.pinned, std::min(m_anchors.atLeast, m_report.entries));
         if (m_report.entries == 0 && m_report.findingCount == 0 && !m_known) missing("the trail has no entry");
         const bool isTrusted = !m_anchors.trustFile.empty() || !m_anchors.key.empty();
@@ -216,7 +235,8 @@ private:
     Trust m_trust;
     std::optional<TrailHeadState> m_known;
     TrailLines::Line m_line;
-    std::uint64_t m_next = 1;  // the number that follows; while a line is checked, its own
+    const TrailRecord* m_about = nullptr;  // of the line, where it can be read
+    std::uint64_t m_next = 1;              // the number that follows; while a line is checked, its own
     std::string m_previous = std::string(64, '0');
     std::int64_t m_time = 0;
     std::uint64_t m_bootTime = 0;
@@ -236,13 +256,19 @@ void RequireForms(const TrailAnchors& anchors) {
 }  // namespace
 
 int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& report) {
-    return Succeeds("CheckTrail",
-                    [&] {
-                        RequireForms(anchors);
-                        Check(anchors, report).Run(std::string(path));
-                    })
-               ? 1
-               : 0;
+    report = {};
+    return AsResult("CheckTrail", [&] {
+        RequireForms(anchors);
+        Known known;
+        const bool isRead =
+            IsRead(anchors.trustFile, [&] { known.allowed = AllowedSigners::OfFile(anchors.trustFile); }) &&
+            // Before the trail: what is appended in between is after the head then.
+            IsRead(anchors.headFile,
+                   [&] { known.head = TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load(); });
+        if (!isRead) return 0;
+        Check(anchors, std::move(known), report).Run(std::string(path));
+        return 1;
+    });
 }
 
 }  // namespace qel

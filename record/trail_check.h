@@ -37,10 +37,16 @@ enum class TrailFault {
 
 struct QELLIB10_API TrailFinding {
     TrailFault fault = TrailFault::kCut;
-    std::uint64_t entry = 0;  ///< the number, or the one that the line would have
-    std::uint64_t byte = 0;   ///< where its line starts in the file, or would
-    std::string signer = {};  ///< the key's fingerprint where it matters
-    std::string text = {};    ///< a sentence
+    std::uint64_t entry = 0;        ///< the number, or the one that the line would have
+    std::uint64_t byte = 0;         ///< where its line starts in the file, or would
+    std::uint64_t lastMissing = 0;  ///< entries from `entry` to this one are missing; 0: not known, or not of kMissing
+    std::string signer = {};        ///< the key's fingerprint where it matters
+    /// What the entry says it is about, also where that has been changed: as in TrailRecord.
+    std::string cabinet = {};
+    std::uint64_t cabinetVersion = 0;
+    std::uint64_t size = 0;
+    std::string sha256 = {};
+    std::string text = {};  ///< a sentence
 };
 
 struct QELLIB10_API TrailReport {

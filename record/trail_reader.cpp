@@ -13,6 +13,7 @@ struct TrailReader::State {
     GuardedFile file;
     TrailLines lines;
     std::string hash;
+    SshPublicKey signer = {};
 };
 
 TrailReader::TrailReader() = default;
@@ -34,7 +35,9 @@ std::optional<TrailEntry> TrailReader::Next() {
         if (line.kind == TrailLines::Kind::kPart) throw DataError("the trail ends within a line");
         if (line.kind == TrailLines::Kind::kTooLong) throw DataError("a line of the trail is longer than 64 KiB");
         if (line.kind == TrailLines::Kind::kEnd) return 1;
-        entry = ReadEntry(line.text).entry;
+        ReadLine read = ReadEntry(line.text);
+        entry = std::move(read.entry);
+        m_state->signer = read.signature.key;
         m_state->hash = Hex(Sha256(line.text));
         return 1;
     });
@@ -42,5 +45,9 @@ std::optional<TrailEntry> TrailReader::Next() {
 }
 
 std::string TrailReader::Hash() const { return m_state != nullptr ? m_state->hash : ""; }
+
+std::string TrailReader::Signer() const {
+    return m_state != nullptr && !m_state->hash.empty() ? m_state->signer.Fingerprint() : "";
+}
 
 }  // namespace qel

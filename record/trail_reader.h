@@ -33,6 +33,8 @@ public:
     std::optional<TrailEntry> Next();
     /// SHA-256 of the line that Next has returned.
     std::string Hash() const;
+    /// Fingerprint of the key that it names as its signer, "SHA256:...".
+    std::string Signer() const;
 
 private:
     struct State;

@@ -89,7 +89,8 @@ void GuardedFile::FlushFolder() const { FlushFolderOf(m_posixPath, m_path); }
 GuardedFile::Lock::Lock(const GuardedFile& file, std::chrono::milliseconds patience) : m_file(file) {
     if (file.m_process != ::getpid()) ThrowCode(kLockViolation, file.m_path);
     // An append takes some 300 us: waiters that slept for longer would leave the lock unused.
-    Backoff wait(std::min<std::chrono::milliseconds>(patience, std::chrono::hours(24 * 365)), std::chrono::microseconds(100));
+    Backoff wait(std::min<std::chrono::milliseconds>(patience, std::chrono::hours(24 * 365)),
+                 std::chrono::microseconds(100));
     for (;;) {
         struct ::flock lock = RecordLock(F_WRLCK, 0, 0);
         if (Uninterrupted([&] { return ::fcntl(file.m_file.Get(), F_OFD_SETLK, &lock); }) == 0) return;

@@ -13,7 +13,8 @@
 namespace qel {
 
 /// A regular file that somebody might exchange for another one, a link or a device while it is used: opening follows no
-/// link as the last part of the path and never waits for a pipe, and the name is compared with what was opened. Everything throws CFileException.
+/// link as the last part of the path and never waits for a pipe, and the name is compared with what was opened.
+/// Everything throws CFileException.
 class QELLIB10_INTERNAL_API GuardedFile {
 public:
     /// kMake: for writing, and made with mode 0644 if it is missing; kMakeNew: it must be missing.

@@ -7,7 +7,16 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // a character like any other where it is in the text
 
-bool IsControl(char32_t character) { return character < 0x20 || (character >= 0x7F && character < 0xA0); }
+bool IsIn(char32_t character, char32_t first, char32_t last) { return character >= first && character <= last; }
+
+bool ChangesOrder(char32_t character) {
+    return character == 0x61C || IsIn(character, 0x200E, 0x200F) || IsIn(character, 0x2028, 0x202E) ||
+           IsIn(character, 0x2066, 0x2069);
+}
+
+bool IsControl(char32_t character) {
+    return character < 0x20 || IsIn(character, 0x7F, 0x9F) || ChangesOrder(character);
+}
 
 // The bytes of the next character, or of what is there in place of one.
 struct Next {

@@ -10,6 +10,9 @@ TEST(PrintableText, HasNoControlCharactersAndOnlyUtf8) {
              {"a\0\t\r\n\x1B[2J\x7F~"sv, "a?????[2J?~", true},
              {"\xC2\x80\xC2\x9B\xC2\x9F\xC2\xA0", "??????\xC2\xA0", true},
              {"\xC3\xA9\xE6\xB8\xA9\xF0\x9D\x84\x9E", "\xC3\xA9\xE6\xB8\xA9\xF0\x9D\x84\x9E", true},
+             {"a\xE2\x80\xAE"
+              "b\xE2\x80\xA8\xE2\x81\xA9",
+              "a???b??????", true},                   // order reversed, end of a line
              {"\xEF\xBF\xBD", "\xEF\xBF\xBD", true},  // the replacement character itself
              {"a\x9B\xFF"
               "b",

@@ -444,7 +444,9 @@ TEST(QelTrail, ListsAndVerifies) {
                                                          "15\n"},
              {"verify t --head-file none", "qel: none: file not found\n5\n"},
              {"verify none", "qel: none: file not found\n5\n"},
-             {"verify t --trust t", "qel: t: t: line 1 of the allowed signers: has no key\n9\n"},
+             {"verify t --trust t", "qel: t: line 1 of the allowed signers: has no key\n1\n"},
+             {"show t 5", "qel: t: has no entry 5\n15\n"},
+             {"show t " + sample.head + " | sed -n '2p;/^hash/p'", "number: 4\nhash: " + sample.head + "\n0\n"},
          }) {
         EXPECT_EQ(sample.Qel(arguments), expected) << arguments;
     }
@@ -454,6 +456,11 @@ TEST(QelTrail, ListsAndVerifies) {
                        "' && " QELLIB10_QEL " trail list t --json | grep -c '\"user\":\"mori\"'"),
               "3\n");
     EXPECT_NE(sample.Qel("verify t --json --head " + sample.head).find("\"anchored\": true"), std::string::npos);
+    EXPECT_NE(sample.Qel("verify t --json --at-least 9").find("\"lastMissing\": 9"), std::string::npos);
+    EXPECT_NE(OutputOf("cd '" + sample.Posix().native() +
+                       "' && QELLIB10_ALLOWED_SIGNERS=allowed " QELLIB10_QEL " trail verify t --trail " + sample.id)
+                  .find("4 entries: consistent\n"),
+              std::string::npos);
     sample.Write("t", sample.Read("t") + "{");
     EXPECT_NE(sample.Qel("list t").find("qel: t: the trail ends within a line\n"), std::string::npos);
     EXPECT_NE(sample.Qel("verify t --head-file h").find("another entry is still being written\n"), std::string::npos);

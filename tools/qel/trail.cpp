@@ -1,58 +1,44 @@
 // qel trail: the entries of an archive's trail, and whether they can be trusted.
+#include <cstdlib>
+#include <filesystem>
+
 #include <qellib10/record.h>
 
 #include "tool.h"
+#include "trail_text.h"
 
 namespace tool {
 namespace {
 
 struct Options {
-    std::string file, trust, key, trail, head, headFile;
+    std::string file, entry, trust, key, trail, head, headFile;
     std::uint64_t atLeast = 0;
     bool json = false;
 };
 
-Json JsonOf(const qel::TrailEntry& entry, const std::string& hash) {
-    return {{"number", entry.number},
-            {"time", qel::TrailTimeText(entry.time)},
-            {"clock", entry.clock ? Json(qel::TrailTimeText(*entry.clock)) : Json(nullptr)},
-            {"host", entry.host},
-            {"application", entry.application},
-            {"version", entry.version},
-            {"user", entry.user},
-            {"action", entry.action},
-            {"object", entry.object},
-            {"before", entry.before},
-            {"after", entry.after},
-            {"reason", entry.reason},
-            {"cabinet", entry.cabinet},
-            {"cabinetVersion", entry.cabinetVersion},
-            {"size", entry.size},
-            {"sha256", entry.sha256},
-            {"statement", entry.statement},
-            {"hash", hash}};
-}
-
-std::string LineOf(const qel::TrailEntry& entry) {
-    std::string line = std::to_string(entry.number) + ' ' + qel::TrailTimeText(entry.time);
-    if (!entry.user.empty()) line += ' ' + Shown(entry.user);
-    line += ": " + Shown(entry.action);
-    if (!entry.object.empty()) line += ' ' + Shown(entry.object);
-    if (!entry.cabinet.empty()) line += ' ' + entry.cabinet + " version " + std::to_string(entry.cabinetVersion);
-    if (!entry.before.empty() || !entry.after.empty()) {
-        line += ": " + Shown(entry.before);
-        line += (entry.before.empty() ? "" : " -> ") + Shown(entry.after);
-    }
-    if (!entry.reason.empty()) line += " (" + Shown(entry.reason) + ')';
-    return line + '\n';
-}
-
 Failure Refusal(const Options& options) {
     const CString item(qel::LastFailure().item.c_str());
     for (const std::string& file : {options.trust, options.headFile}) {
-        if (!file.empty() && item == Path(file)) return Named(file, LastRefusal("cannot be read", kMalformed));
+        if (!file.empty() && item == Path(file)) return Named(file, LastRefusal("cannot be read", kFailed));
     }
     return Named(options.file, LastRefusal("cannot be read", kMalformed));
+}
+
+// What is asked for by its number, or by the hash that reports print.
+Status ShowEntry(const Options& options) {
+    qel::TrailReader reader;
+    if (reader.Open(Path(options.file).View()) == 0) throw Refusal(options);
+    const bool isHash = options.entry.size() == 64;
+    for (;;) {
+        const std::optional<qel::TrailEntry> entry = reader.Next();
+        if (!entry && qel::LastFailure().kind == qel::FailureKind::kNone) break;
+        if (!entry && qel::LastFailure().kind != qel::FailureKind::kData) throw Refusal(options);
+        if (!entry || (isHash ? reader.Hash() : std::to_string(entry->number)) != options.entry) continue;
+        const Json json = EntryJson(*entry, reader.Hash(), reader.Signer());
+        options.json ? Print(json) : Print(EntryText(json));
+        return kGood;
+    }
+    throw Failure(Shown(options.file) + ": has no entry " + options.entry, kMissing);
 }
 
 // Entry by entry: a trail may have a million.
@@ -71,10 +57,10 @@ Status List(const Options& options) {
             continue;
         }
         if (!options.json) {
-            Print(LineOf(*entry));
+            Print(EntryLine(*entry));
             continue;
         }
-        Print(separator + JsonOf(*entry, reader.Hash()).dump());
+        Print(separator + EntryJson(*entry, reader.Hash(), reader.Signer()).dump());
         separator = ",\n";
     }
     if (options.json) Print(std::string(*separator == '[' ? "[]\n" : "\n]\n"));
@@ -131,14 +117,31 @@ void WriteJson(const Options& options, const qel::TrailReport& report) {
         json["findings"].push_back({{"finding", KindOf(finding).name},
                                     {"entry", finding.entry},
                                     {"byte", finding.byte},
+                                    {"lastMissing", finding.lastMissing},
                                     {"signer", finding.signer},
+                                    {"cabinet", finding.cabinet},
+                                    {"cabinetVersion", finding.cabinetVersion},
+                                    {"size", finding.size},
+                                    {"sha256", finding.sha256},
                                     {"detail", finding.text}});
     Print(json);
 }
 
 std::string LibraryPathOrNone(const std::string& path) { return path.empty() ? "" : std::string(Path(path).View()); }
 
-Status Verify(const Options& options) {
+// An installation's own, where the command names no other.
+std::string TrustFile(const Options& options) {
+    constexpr const char* kUsual = "/etc/qellib10/allowed_signers";
+    if (!options.trust.empty() || !options.key.empty()) return options.trust;
+    const char* const chosen = std::getenv("QELLIB10_ALLOWED_SIGNERS");
+    if (chosen != nullptr) return chosen;
+    std::error_code error;
+    return std::filesystem::exists(kUsual, error) || error ? kUsual : "";
+}
+
+Status Verify(const Options& given) {
+    Options options = given;
+    options.trust = TrustFile(given);
     const qel::TrailAnchors anchors{.trailId = options.trail,
                                     .trustFile = LibraryPathOrNone(options.trust),
                                     .key = options.key,
@@ -156,6 +159,13 @@ Status Verify(const Options& options) {
 std::string RefuseOtherThanHex(const std::string& text, std::size_t digits) {
     const bool isHex = text.size() == digits && text.find_first_not_of("0123456789abcdef") == std::string::npos;
     return isHex ? "" : "is not " + std::to_string(digits) + " lower-case hexadecimal digits";
+}
+
+std::string RefuseOtherThanEntry(const std::string& text) {
+    const bool isNumber = !text.empty() && text.size() < 20 && text[0] != '0' &&
+                          text.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber || RefuseOtherThanHex(text, 64).empty() ? ""
+                                                            : "is neither a number from 1 on nor 64 hexadecimal digits";
 }
 
 std::string RefuseOtherThanFingerprint(const std::string& text) {
@@ -206,9 +216,14 @@ void AddTrail(CLI::App& app, Status& status) {
         return action;
     };
     CLI::App* const list = add("list", "List the entries, without checking them", List);
+    CLI::App* const show = add("show", "Show all of an entry, without checking it", ShowEntry);
+    show->add_option("ENTRY", options->entry, "Its number, or the SHA-256 of its line")
+        ->required()
+        ->check(RefuseOtherThanEntry, "")
+        ->type_name("");
     CLI::App* const verify = add("verify", "Check every entry, and that none is missing", Verify);
     AddVerifyOptions(*verify, *options);
-    for (CLI::App* const action : {list, verify}) action->add_flag("--json", options->json, "Write JSON");
+    for (CLI::App* const action : {list, show, verify}) action->add_flag("--json", options->json, "Write JSON");
 }
 
 }  // namespace tool
