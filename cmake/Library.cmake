@@ -50,29 +50,32 @@ endfunction()
 qellib10_component(core)
 qellib10_component(graphics core)
 
-# Passwords are hashed by libsodium: without it there is no component store.
+# Passwords are libsodium's: without it there is neither the component store nor record.
+find_path(SODIUM_INCLUDE_DIR sodium.h)
+find_library(SODIUM_LIBRARY sodium)
+if(SODIUM_INCLUDE_DIR AND SODIUM_LIBRARY)
+  add_library(qellib10_sodium INTERFACE IMPORTED GLOBAL)
+  target_include_directories(qellib10_sodium INTERFACE ${SODIUM_INCLUDE_DIR})
+  target_link_libraries(qellib10_sodium INTERFACE ${SODIUM_LIBRARY})
+endif()
+
 option(QELLIB10_BUILD_STORE "Build qellib10-store if libsodium is installed" ON)
 if(QELLIB10_BUILD_STORE)
-  find_path(SODIUM_INCLUDE_DIR sodium.h)
-  find_library(SODIUM_LIBRARY sodium)
-  if(SODIUM_INCLUDE_DIR AND SODIUM_LIBRARY)
-    add_library(qellib10_sodium INTERFACE IMPORTED GLOBAL)
-    target_include_directories(qellib10_sodium INTERFACE ${SODIUM_INCLUDE_DIR})
-    target_link_libraries(qellib10_sodium INTERFACE ${SODIUM_LIBRARY})
+  if(TARGET qellib10_sodium)
     qellib10_component(store core)
   else()
     message(STATUS "libsodium was not found (Debian package libsodium-dev): qellib10-store and the demo are left out")
   endif()
 endif()
 
-# Entries of a trail are hashed and signed by OpenSSL's libcrypto: without it there is no component record.
-option(QELLIB10_BUILD_RECORD "Build qellib10-record if OpenSSL is installed" ON)
+# Entries of a trail are hashed and signed by OpenSSL's libcrypto; people's keys are sealed by libsodium.
+option(QELLIB10_BUILD_RECORD "Build qellib10-record if OpenSSL and libsodium are installed" ON)
 if(QELLIB10_BUILD_RECORD)
   find_package(OpenSSL 3.0)
-  if(OPENSSL_FOUND)
+  if(OPENSSL_FOUND AND TARGET qellib10_sodium)
     qellib10_component(record core)
   else()
-    message(STATUS "OpenSSL was not found (Debian package libssl-dev): qellib10-record is left out")
+    message(STATUS "OpenSSL or libsodium was not found (Debian packages libssl-dev, libsodium-dev): qellib10-record is left out")
   endif()
 endif()
 

@@ -8,10 +8,6 @@
 namespace qel {
 namespace {
 
-[[noreturn]] void Refuse(std::string_view key) {
-    throw DataError("the line is no entry of a trail at \"" + std::string(key) + '"');
-}
-
 bool IsControl(char c) { return static_cast<unsigned char>(c) < 0x20; }
 
 }  // namespace
@@ -41,6 +37,10 @@ void JsonWriter::Number(std::string_view key, std::uint64_t value) {
     if (value > kLargestJsonNumber) throw DataError("a number is too large for a trail: " + std::string(key));
     Key(key);
     m_text += std::to_string(value);
+}
+
+void JsonReader::Refuse(std::string_view key) const {
+    throw DataError(std::string(m_refusal) + " at \"" + std::string(key) + '"');
 }
 
 char JsonReader::Next() {

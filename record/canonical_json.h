@@ -27,7 +27,9 @@ private:
 /// compares with the writer's own: see ReadEntry.
 class JsonReader {
 public:
-    explicit JsonReader(std::string_view text) : m_rest(text) {}
+    /// @param refusal what a text that is refused is not, such as "the line is no entry of a trail"; a literal
+    explicit JsonReader(std::string_view text, const char* refusal = "the line is no entry of a trail")
+        : m_rest(text), m_refusal(refusal) {}
 
     // All of them: @throws DataError when anything else comes next
     std::string Text(std::string_view key);
@@ -35,11 +37,13 @@ public:
     void End();
 
 private:
+    [[noreturn]] void Refuse(std::string_view key) const;
     void Key(std::string_view key);
     char Next();
     char Escaped();
 
     std::string_view m_rest;
+    const char* m_refusal;
     bool m_isFirst = true;
 };
 

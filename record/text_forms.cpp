@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "qellib10/platform/error.h"
+#include "qellib10/platform/text/printable_text.h"
 
 namespace qel {
 namespace {
@@ -39,6 +40,27 @@ bool IsHex(std::string_view text, std::size_t digits) {
 void Unhex(std::string_view text, std::span<std::byte> bytes) {
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<std::byte>(kDigits.find(text[2 * i]) << 4 | kDigits.find(text[2 * i + 1]));
+}
+
+bool HasFormOfGuid(std::string_view text) {
+    if (text.size() != 36) return false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isDash = i == 8 || i == 13 || i == 18 || i == 23;
+        const char c = text[i];
+        const bool isDigit = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+        if (isDash ? c != '-' : !isDigit) return false;
+    }
+    return true;
+}
+
+bool IsCabinet(std::string_view text) {
+    return text.size() == 38 && text.front() == '{' && text.back() == '}' && HasFormOfGuid(text.substr(1, 36)) &&
+           std::ranges::none_of(text, [](char c) { return c >= 'a' && c <= 'f'; });
+}
+
+bool IsName(std::string_view text, std::size_t longest) {
+    return text.size() <= longest && text.find_first_not_of(' ') != std::string_view::npos &&
+           PrintableText(text) == text;
 }
 
 std::string EncodeBase64(std::string_view bytes) {

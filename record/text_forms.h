@@ -15,6 +15,14 @@ bool IsHex(std::string_view text, std::size_t digits);
 /// @param text for which IsHex holds, with two digits for each of @p bytes
 void Unhex(std::string_view text, std::span<std::byte> bytes);
 
+/// 8-4-4-4-12 hexadecimal digits, as a GUID and a boot's ID have them.
+bool HasFormOfGuid(std::string_view text);
+/// The GUID of a cabinet as CGuid::GetString writes it: braces and capitals.
+bool IsCabinet(std::string_view text);
+
+/// Whether a name can be shown as it is: UTF-8 without control characters, not blank, at most @p longest bytes.
+bool IsName(std::string_view text, std::size_t longest);
+
 /// The standard alphabet of RFC 4648 with padding.
 std::string EncodeBase64(std::string_view bytes);
 /// An upper limit of the bytes that so many characters encode.

@@ -21,25 +21,7 @@ void Require(bool isRight, const char* what) {
     if (!isRight) throw DataError(std::string("an entry of a trail ") + what);
 }
 
-// 8-4-4-4-12 hexadecimal digits, as a GUID and a boot's ID have them.
-bool HasFormOfGuid(std::string_view text) {
-    if (text.size() != 36) return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isDash = i == 8 || i == 13 || i == 18 || i == 23;
-        const char c = text[i];
-        const bool isDigit = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-        if (isDash ? c != '-' : !isDigit) return false;
-    }
-    return true;
-}
-
 bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
-
-// As CGuid::GetString writes it.
-bool IsCabinet(std::string_view text) {
-    return text.size() == 38 && text.front() == '{' && text.back() == '}' && HasFormOfGuid(text.substr(1, 36)) &&
-           std::ranges::none_of(text, [](char c) { return c >= 'a' && c <= 'f'; });
-}
 
 void RequireValid(const TrailEntry& entry) {
     Require(IsHex(entry.trailId, 32), "has no trail ID");
