@@ -21,7 +21,11 @@ inline constexpr std::string_view kRegistered = "result registered";
 inline constexpr std::string_view kVersionTakenOut = "version taken out";
 inline constexpr std::string_view kReportPrinted = "report printed";
 inline constexpr std::string_view kExport = "export";
-inline constexpr std::string_view kSignature = "signature";
+inline constexpr std::string_view kPersonKeyAdded =
+    "person key added";  ///< object: "ssh-ed25519 AAAA...", with which the user may sign from now on
+inline constexpr std::string_view kPersonKeyEnded = "person key ended";  ///< the same, which may not from now on
+inline constexpr std::string_view kSignature = "signature";              ///< statement: what the user has signed
+inline constexpr std::string_view kSignatureRefused = "signature refused";
 inline constexpr std::string_view kFileSealed = "file sealed";
 inline constexpr std::string_view kTimeStamp = "time stamp";
 inline constexpr std::string_view kRecovered = "recovered";

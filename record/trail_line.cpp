@@ -169,8 +169,9 @@ bool IsOwn(std::string_view action) {
 }
 
 bool NeedsReason(std::string_view action) {
-    constexpr std::string_view kChanges[] = {kRightsChanged, kKeyEnded,    kMethodChanged, kVersionTakenOut,
-                                             kRecovered,     kClockJumped, kTailSetAside,  kTrailContinued};
+    constexpr std::string_view kChanges[] = {kRightsChanged,   kKeyEnded,       kMethodChanged,
+                                             kVersionTakenOut, kRecovered,      kClockJumped,
+                                             kTailSetAside,    kTrailContinued, kPersonKeyEnded};
     return std::ranges::find(kChanges, action) != std::end(kChanges);
 }
 

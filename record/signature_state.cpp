@@ -1,0 +1,170 @@
+#include "qellib10/record/signature_state.h"
+
+#include <algorithm>
+
+#include "qellib10/platform/error.h"
+#include "qellib10/record/person_statement_text.h"
+#include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_kind.h"
+
+namespace qel {
+namespace {
+
+template <std::size_t kSize> std::array<std::byte, kSize> BytesOf(std::string_view hex) {
+    std::array<std::byte, kSize> bytes;
+    Unhex(hex, bytes);
+    return bytes;
+}
+
+bool HasName(const auto& names, std::string_view user) {
+    return std::ranges::any_of(names, [&](const auto& name) { return *name == user; });
+}
+
+bool IsAboutSame(const TrailEntry& entry, const PersonStatement& statement) {
+    return entry.user == statement.user && entry.cabinet == statement.cabinet &&
+           entry.cabinetVersion == statement.cabinetVersion && entry.size == statement.size &&
+           entry.sha256 == statement.sha256;
+}
+
+}  // namespace
+
+SignatureState::Place SignatureState::PlaceOf(std::string_view cabinet, std::uint64_t number) {
+    std::string digits;
+    for (const char c : cabinet) {
+        if (c >= 'A' && c <= 'F') digits += static_cast<char>(c - 'A' + 'a');
+        if (c >= '0' && c <= '9') digits += c;
+    }
+    return {BytesOf<16>(digits), number};
+}
+
+const SignatureState::Version& SignatureState::Found(const Place& place) const {
+    static const Version kNothing;
+    const auto found = m_versions.find(place);
+    return found != m_versions.end() ? found->second : kNothing;
+}
+
+std::vector<SignatureProblem> SignatureState::Take(const TrailEntry& entry) {
+    using namespace trail_kind;
+    try {
+        if (entry.action == kPersonKeyAdded || entry.action == kPersonKeyEnded) return TakePersonKey(entry);
+        if (entry.action == kSignature) return TakeSignature(entry);
+        const bool isRegistration =
+            entry.action == kRegistering || entry.action == kRegistered || entry.action == kRecovered;
+        const bool isOfVersion = !entry.cabinet.empty() && entry.cabinetVersion > 0;
+        return isRegistration && isOfVersion ? TakeRegistration(entry) : Problems();
+    } catch (const DataError& failure) {
+        return {{SignatureFault::kMalformed, failure.what()}};
+    }
+}
+
+std::vector<SignatureProblem> SignatureState::TakePersonKey(const TrailEntry& entry) {
+    const SshPublicKey key = SshPublicKey::OfText(entry.object);
+    if (entry.user.empty()) throw DataError("a person's key is announced for nobody");
+    const auto found = m_keys.find(key);
+    const bool isThere = found != m_keys.end();
+    const bool isOwn = isThere && found->second.user == entry.user;
+    if (entry.action == trail_kind::kPersonKeyAdded) {
+        if (isThere && !isOwn) return {{SignatureFault::kPersonKey, "the key is another person's"}};
+        if (isThere && found->second.isValid) return {{SignatureFault::kPersonKey, "the key was announced already"}};
+        m_keys[key] = {.user = entry.user};
+        return {};
+    }
+    if (!isOwn || !found->second.isValid) return {{SignatureFault::kPersonKey, "the key is none of this person's"}};
+    found->second.isValid = false;
+    return {};
+}
+
+// A registration that was interrupted is finished by the next program: its user is not the author.
+std::vector<SignatureProblem> SignatureState::TakeRegistration(const TrailEntry& entry) {
+    Version& version = m_versions[PlaceOf(entry.cabinet, entry.cabinetVersion)];
+    const bool isFirst = !version.sha256 && !entry.user.empty();
+    if (isFirst && entry.action != trail_kind::kRecovered) version.registeredBy = m_names.insert(entry.user).first;
+    if (entry.action == trail_kind::kRegistering || entry.sha256.empty()) return {};
+    const auto sha256 = BytesOf<32>(entry.sha256);
+    const bool isOther = version.sha256 && version.sha256 != sha256;
+    version.sha256 = sha256;
+    if (!version.isSigned || !isOther) return {};
+    version.isChanged = true;
+    return {{SignatureFault::kChangedVersion, "the version has another content than the one that was signed"}};
+}
+
+std::vector<SignatureProblem> SignatureState::TakeSignature(const TrailEntry& entry) {
+    const SignedStatement read = ReadSignedStatement(entry.statement);
+    const PersonStatement& statement = read.statement;
+    if (!read.IsSigned()) return {{SignatureFault::kChanged, "the statement is not what was signed"}};
+    Problems problems;
+    if (statement.trailId != entry.trailId)
+        problems.push_back({SignatureFault::kOtherTrail, "the statement was signed for trail " + statement.trailId});
+    if (!IsAboutSame(entry, statement))
+        problems.push_back({SignatureFault::kOtherEntry, "the entry says something else than its statement"});
+    if (!m_nonces.insert(BytesOf<16>(statement.nonce)).second)
+        problems.push_back({SignatureFault::kRepeated, "the statement was used before"});
+    for (SignatureProblem& problem : ProblemsOf(statement, read.signature.key)) problems.push_back(std::move(problem));
+    if (problems.empty()) Count(statement);
+    return problems;
+}
+
+std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& statement,
+                                                         const SshPublicKey& key) const {
+    Problems problems;
+    AddKeyProblem(problems, statement, key);
+    if (m_rules.mayGive && !m_rules.mayGive(statement.user, statement.meaning))
+        problems.push_back({SignatureFault::kNotAllowed, "the user may not sign as " + statement.meaning});
+    const Version& version = Found(PlaceOf(statement.cabinet, statement.cabinetVersion));
+    if (version.sha256 && *version.sha256 != BytesOf<32>(statement.sha256))
+        problems.push_back({SignatureFault::kChangedVersion, "the version has another content than what is signed"});
+    AddPeopleProblem(problems, statement, version);
+    if (statement.meaning == signature_meaning::kApproved && m_rules.approvalNeedsReview && !version.isReviewed)
+        problems.push_back({SignatureFault::kOrder, "the version is approved before it was reviewed"});
+    return problems;
+}
+
+void SignatureState::AddKeyProblem(Problems& problems, const PersonStatement& statement,
+                                   const SshPublicKey& key) const {
+    const auto found = m_keys.find(key);
+    if (found == m_keys.end() || found->second.user != statement.user) {
+        problems.push_back({SignatureFault::kUnknownKey, "the key was not announced for this user"});
+    } else if (!found->second.isValid) {
+        problems.push_back({SignatureFault::kEndedKey, "the key has ended"});
+    }
+}
+
+void SignatureState::AddPeopleProblem(Problems& problems, const PersonStatement& statement,
+                                      const Version& version) const {
+    const auto find = [&](const char* text) { problems.push_back({SignatureFault::kSamePerson, text}); };
+    const bool hasApproved = HasName(version.approvedBy, statement.user);
+    const bool isAuthor =
+        HasName(version.authors, statement.user) || (version.registeredBy && **version.registeredBy == statement.user);
+    const bool approves = statement.meaning == signature_meaning::kApproved;
+    if (approves && isAuthor && !m_rules.authorMayApprove) find("an author may not approve");
+    if (approves && hasApproved && m_rules.approvals > 1) find("the user has approved already");
+    if (statement.meaning == signature_meaning::kAuthor && hasApproved && !m_rules.authorMayApprove)
+        find("the user has approved and cannot be an author");
+}
+
+void SignatureState::Count(const PersonStatement& statement) {
+    Version& version = m_versions[PlaceOf(statement.cabinet, statement.cabinetVersion)];
+    const Name user = m_names.insert(statement.user).first;
+    version.isSigned = true;
+    version.sha256 = BytesOf<32>(statement.sha256);
+    if (statement.meaning == signature_meaning::kAuthor) version.authors.push_back(user);
+    if (statement.meaning == signature_meaning::kApproved) version.approvedBy.push_back(user);
+    if (statement.meaning == signature_meaning::kReviewed) version.isReviewed = true;
+    if (statement.meaning == signature_meaning::kRejected) version.isRejected = true;
+}
+
+bool SignatureState::IsPerson(std::string_view user) const {
+    return std::ranges::any_of(m_keys, [&](const auto& key) { return key.second.user == user; });
+}
+
+std::string SignatureState::WhyNotFinal(const std::string& cabinet, std::uint64_t number) const {
+    if (!IsCabinet(cabinet) || number == 0) throw DataError("a cabinet or a version is named wrongly");
+    const Version& version = Found(PlaceOf(cabinet, number));
+    if (version.isChanged) return "the version was changed after it was signed";
+    if (version.isRejected) return "the version was rejected";
+    if (version.approvedBy.size() >= m_rules.approvals) return "";
+    return std::to_string(version.approvedBy.size()) + " of " + std::to_string(m_rules.approvals) +
+           " approvals are there";
+}
+
+}  // namespace qel

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "qellib10/platform/crypto/digest.h"
+#include "qellib10/record/person_statement.h"
+#include "qellib10/record/signature_check.h"
+#include "qellib10/record/ssh_key.h"
+#include "qellib10/record/trail_entry.h"
+
+namespace qel {
+
+struct SignatureProblem {
+    SignatureFault fault;
+    std::string text;
+};
+
+/// What the entries of a trail up to some place say about signatures of people. Whoever signs and whoever checks ask
+/// the same object, so that they cannot differ.
+class SignatureState {
+public:
+    explicit SignatureState(SigningRules rules) : m_rules(std::move(rules)) {}
+    SignatureState(const SignatureState&) = delete;
+    SignatureState& operator=(const SignatureState&) = delete;
+
+    /// Takes the next entry. @return what is wrong with it; it counts for nothing then
+    std::vector<SignatureProblem> Take(const TrailEntry& entry);
+
+    /// What is wrong with a statement of valid form that would come next, signed rightly with @p key.
+    std::vector<SignatureProblem> ProblemsOf(const PersonStatement& statement, const SshPublicKey& key) const;
+    /// Whether a key was announced for the user, also one that has ended.
+    bool IsPerson(std::string_view user) const;
+    /// Why a version may not be final yet, or ever; empty if it may.
+    std::string WhyNotFinal(const std::string& cabinet, std::uint64_t number) const;
+
+private:
+    using Problems = std::vector<SignatureProblem>;
+    using Names = std::set<std::string, std::less<>>;
+    using Name = Names::const_iterator;  // stays valid; a trail has few names and many versions
+
+    struct PersonKey {
+        std::string user;
+        bool isValid = true;
+    };
+    struct Version {
+        std::optional<Sha256Digest> sha256;  // as registered, or as signed first
+        std::optional<Name> registeredBy;
+        bool isSigned = false, isChanged = false, isReviewed = false, isRejected = false;
+        std::vector<Name> authors, approvedBy;
+    };
+    using Place = std::pair<std::array<std::byte, 16>, std::uint64_t>;  // cabinet and version
+
+    Problems TakePersonKey(const TrailEntry& entry);
+    Problems TakeRegistration(const TrailEntry& entry);
+    Problems TakeSignature(const TrailEntry& entry);
+    void AddKeyProblem(Problems& problems, const PersonStatement& statement, const SshPublicKey& key) const;
+    void AddPeopleProblem(Problems& problems, const PersonStatement& statement, const Version& version) const;
+    void Count(const PersonStatement& statement);
+    static Place PlaceOf(std::string_view cabinet, std::uint64_t number);
+    const Version& Found(const Place& place) const;
+
+    SigningRules m_rules;
+    Names m_names;
+    std::map<SshPublicKey, PersonKey> m_keys;
+    std::map<Place, Version> m_versions;
+    std::set<std::array<std::byte, 16>> m_nonces;
+};
+
+}  // namespace qel

@@ -1,0 +1,125 @@
+#include "signing_folder.h"
+
+namespace {
+
+qel::SigningRules Rules(unsigned approvals, bool needsReview = false, bool authorMayApprove = false) {
+    qel::SigningRules rules;
+    rules.approvals = approvals;
+    rules.approvalNeedsReview = needsReview;
+    rules.authorMayApprove = authorMayApprove;
+    return rules;
+}
+
+}  // namespace
+
+TEST(Signatures, AreWrongWhereTheKeyIs) {
+    for (const auto& [steps, found] : Cases<const char*, const char*>{
+             {"mori registers, mori author, nakano reviewed, sato approved", ""},
+             {"sato approved", ""},
+             {"sato:12 approved", "unknown 5"},
+             {"sato:14 approved", "unknown 5"},
+             {"mori -11, mori author", "ended 6"},
+             {"mori author, mori -11", ""},
+             {"mori -11, mori +11, mori author", ""},
+             {"sato +14, sato:14 approved, sato approved", ""},
+             {"sato +11, sato:11 approved", "key 5 unknown 6"},
+             {"mori -11, sato +11", "key 6"},
+             {"mori +11", "key 5"},
+             {"sato -11, mori author", "key 5"},
+             {"mori -11, mori -11", "key 6"},
+             {"? +14", "malformed 5"},
+         }) {
+        People people;
+        people.Do(steps);
+        EXPECT_EQ(people.Found(), found) << steps;
+        EXPECT_EQ(people.Findings(people.CheckWithHead()), "") << steps;
+    }
+    People people;
+    qel::TrailRecord record = Record("person key added", "ssh-rsa AAAA");
+    EXPECT_TRUE(people.trail.Append(record));
+    EXPECT_EQ(people.Found(), "malformed 5");
+}
+
+TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
+    const qel::SigningRules usual, two = Rules(2), reviewed = Rules(1, true), lax = Rules(1, false, true);
+    qel::SigningRules satoMay;
+    satoMay.mayGive = [](std::string_view user, std::string_view meaning) {
+        return meaning != "approved" || user == "sato";
+    };
+    for (const auto& [rules, steps, found] : Cases<qel::SigningRules, const char*, const char*>{
+             {usual, "mori author, mori approved", "same 6"},
+             {lax, "mori registers, mori author, mori approved", ""},
+             {usual, "mori registers, mori approved", "same 6"},
+             {usual, "mori begins, ? recovers, mori approved", "same 7"},
+             {usual, "mori begins, sato recovers, sato approved", ""},
+             {usual, "mori registers, sato registers, mori approved", "same 7"},
+             {usual, "mori begins, sato begins, sato registers, mori approved", ""},
+             {usual, "mori approved, mori author", "same 6"},
+             {usual, "mori reviewed, mori approved", ""},
+             {usual, "mori approved, mori approved", ""},
+             {two, "mori approved, mori approved", "same 6"},
+             {two, "mori approved, sato approved", ""},
+             {two, "sato:12 approved, sato approved", "unknown 5"},  // the wrong one counts for nothing
+             {reviewed, "mori approved, sato reviewed", "order 5"},
+             {reviewed, "sato:12 reviewed, mori approved", "unknown 5 order 6"},
+             {reviewed, "sato reviewed, mori approved", ""},
+             {satoMay, "mori author, nakano approved, sato approved", "allowed 6"},
+             {usual, "sato approved, mori registers abd, sato reviewed", "version 6 version 7"},
+             {usual, "sato approved, mori registers", ""},
+             {usual, "mori registers abd, mori registers abc, sato approved", ""},
+             {usual, "mori registers abd, sato approved", "version 6"},
+         }) {
+        People people;
+        people.Do(steps);
+        EXPECT_EQ(people.Found(rules), found) << steps;
+    }
+}
+
+TEST(Signatures, AreWrongWhereTheEntryIs) {
+    using S = qel::PersonStatement&;
+    for (const auto& [what, change, found] : Cases<const char*, void (*)(S), const char*>{
+             {"the same", [](S) {}, ""},
+             {"another user", [](S s) { s.user = "mori"; }, "entry 5"},
+             {"another cabinet", [](S s) { s.cabinet[1] = 'F'; }, "entry 5"},
+             {"another version", [](S s) { s.cabinetVersion = 3; }, "entry 5"},
+             {"another size", [](S s) { s.size = 4; }, "entry 5"},
+             {"another hash", [](S s) { s.sha256 = HashOf("abd"); }, "entry 5"},
+         }) {
+        People people;
+        qel::PersonStatement statement = people.Of("sato");
+        const std::string text = Signed(statement, 13);
+        change(statement);
+        people.Put(statement, text);
+        EXPECT_EQ(people.Found(), found) << what;
+    }
+    People people;
+    qel::PersonStatement statement = people.Of("sato");
+    std::string text = Signed(statement, 13);
+    people.Put(statement, text);
+    people.Put(statement, text);
+    text.replace(text.find("approved"), 8, "rejected");
+    people.Put(statement, text);
+    people.Put(statement, text + ' ');
+    people.Put(statement, "");
+    statement.trailId = std::string(32, '0');
+    statement.nonce = std::string(32, '0');
+    people.Put(statement, Signed(statement, 13));
+    EXPECT_EQ(people.Found(), "repeated 6 changed 7 malformed 8 malformed 9 trail 10");
+}
+
+TEST(Signatures, AreCheckedPastALineThatIsNoEntry) {
+    People people;
+    people.Do("mori author, mori approved");
+    const std::vector<std::string> lines = people.Lines();
+    const std::string two = lines[0] + lines[1];
+    people.Write("t", two + "x\n" + lines[3] + lines[4] + lines[5]);
+    EXPECT_EQ(people.Found(), "malformed 3 same 6");
+    people.Write("t", two + std::string(70'000, 'x') + lines[2]);
+    EXPECT_EQ(people.Found(), "malformed 3");
+    people.Write("t", two + lines[2] + lines[3] + lines[4] + lines[5].substr(0, 100));
+    qel::SignatureReport report;
+    EXPECT_EQ(qel::CheckSignatures(people.Name("t"), {}, report), 1);
+    EXPECT_EQ(Line({report.entries, report.signatures, report.findingCount}), "5 1 0");
+    EXPECT_EQ(qel::CheckSignatures(people.Name("no"), {}, report), 0);
+    EXPECT_EQ(qel::LastFailure().kind, qel::FailureKind::kFile);
+}
