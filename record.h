@@ -7,6 +7,7 @@
 #include "qellib10/record/person_statement.h"
 #include "qellib10/record/signature_check.h"
 #include "qellib10/record/signer.h"
+#include "qellib10/record/signing.h"
 #include "qellib10/record/signing_rules.h"
 #include "qellib10/record/ssh_agent_signer.h"
 #include "qellib10/record/trail.h"

@@ -12,6 +12,7 @@ namespace qel {
 /// after it, so nobody signs at a screen that somebody else has left.
 ///
 /// @code
+/// std::string password;  // as somebody has typed it
 /// qel::PersonKey key;
 /// if (key.Make(R"(\srv\keys\mori)", "mori", "Mori Akiko", password) == 0) return;
 /// std::printf("%s\n", key.Fingerprint().c_str());

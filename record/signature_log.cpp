@@ -1,0 +1,59 @@
+#include "qellib10/record/signature_log.h"
+
+#include <algorithm>
+
+#include "qellib10/platform/crypto/digest.h"
+#include "qellib10/platform/error.h"
+#include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_file.h"
+#include "qellib10/record/trail_keys.h"
+
+namespace qel {
+
+SignatureLog::SignatureLog(std::string path, SigningRules rules) : m_path(std::move(path)), m_rules(std::move(rules)) {}
+
+std::vector<SignatureProblem> SignatureLog::CatchUp(const TrailReceipt& known) {
+    std::optional<Progress> read = std::exchange(m_read, std::nullopt);
+    if (!read) {
+        read.emplace();
+        read->state = std::make_unique<SignatureState>(m_rules);
+    }
+    std::vector<SignatureProblem> problems = Read(*read, known);
+    m_read = std::move(read);
+    return problems;
+}
+
+std::vector<SignatureProblem> SignatureLog::Read(Progress& read, const TrailReceipt& known) const {
+    const GuardedFile file(m_path, GuardedFile::Use::kRead);
+    const std::uint64_t size = file.Size();
+    if (size < read.at) throw DataError("the trail became shorter");
+    TrailLines lines(file, read.at, size);
+    std::vector<SignatureProblem> problems;
+    TrailLines::Line text = lines.Next();
+    for (; text.kind == TrailLines::Kind::kWhole; text = lines.Next()) {
+        const ReadLine line = ReadEntry(text.text);
+        RequireNext(read, line, known);
+        read.last = {.number = line.entry.number, .hash = Hex(Sha256(text.text))};
+        read.at = text.End();
+        read.trailId = line.entry.trailId;
+        const bool isKnown = read.last.number == known.number;
+        if (isKnown && read.last.hash != known.hash) throw DataError("the trail has another entry than was appended");
+        ApplyToKeys(line.entry, read.keys);
+        std::vector<SignatureProblem> found = read.state->Take(line.entry);
+        if (isKnown) problems = std::move(found);
+    }
+    if (text.kind == TrailLines::Kind::kTooLong) throw DataError("a line of the trail is longer than 64 KiB");
+    if (read.last.number < known.number) throw DataError("entries of the trail are missing");
+    return problems;
+}
+
+void SignatureLog::RequireNext(const Progress& read, const ReadLine& line, const TrailReceipt& known) {
+    const bool isNext = line.entry.number == read.last.number + 1 && line.entry.previous == read.last.hash &&
+                        (read.trailId.empty() || read.trailId == line.entry.trailId);
+    if (!isNext) throw DataError("an entry of the trail is not the one that follows");
+    if (line.entry.number <= known.number) return;
+    const bool isTrusted = std::ranges::find(read.keys, line.signature.key) != read.keys.end() && line.IsSigned();
+    if (!isTrusted) throw DataError("an entry of the trail is not signed by a key that may sign");
+}
+
+}  // namespace qel

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "qellib10/record/signature_state.h"
+#include "qellib10/record/trail.h"
+#include "qellib10/record/trail_line.h"
+
+namespace qel {
+
+/// What a trail says about signatures, read as far as it goes and then on from there.
+///
+/// The head file of an open trail knows the hash of its last entry, and each entry has the hash of the one before: so
+/// all of them are those that were acknowledged. What other programs have appended since is checked by its signature.
+class SignatureLog {
+public:
+    SignatureLog(std::string path, SigningRules rules);
+
+    /// Reads what was appended. After a failure the next call reads all again.
+    /// @param known an acknowledged entry
+    /// @return what is wrong with that entry, if it was not read before
+    /// @throws DataError when the file does not have that entry or is damaged; CFileException
+    std::vector<SignatureProblem> CatchUp(const TrailReceipt& known);
+
+    const SignatureState& State() const { return *m_read->state; }
+    /// Empty before the first entry.
+    const std::string& TrailId() const { return m_read->trailId; }
+
+private:
+    struct Progress {
+        std::unique_ptr<SignatureState> state;
+        std::string trailId;
+        std::uint64_t at = 0;  // in the file
+        TrailReceipt last = {.number = 0, .hash = std::string(64, '0')};
+        std::vector<SshPublicKey> keys;  // of the installation, that may sign
+    };
+
+    std::vector<SignatureProblem> Read(Progress& read, const TrailReceipt& known) const;
+    static void RequireNext(const Progress& read, const ReadLine& line, const TrailReceipt& known);
+
+    const std::string m_path;
+    const SigningRules m_rules;
+    std::optional<Progress> m_read;
+};
+
+}  // namespace qel
