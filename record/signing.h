@@ -47,8 +47,8 @@ struct QELLIB10_API SigningRequest {
 /// The key of the person must have been announced by an entry trail_kind::kPersonKeyAdded. The first operation reads
 /// the whole trail, later ones only what is new. Nothing is locked while a password is checked. If another program was
 /// quicker meanwhile, so that the rules do not allow the signature any more, its entry is there but counts for nothing,
-/// and the operation fails. One thread at a time; the trail may be in use elsewhere, and must live as long as this
-/// object.
+/// and the operation fails. After a failure of the trail's files the entry may be there and count: ask MayBeFinal. One
+/// thread at a time; the trail may be in use elsewhere, and must live as long as this object.
 class QELLIB10_API Signing {
 public:
     /// @param path of the trail's file, in the library's form

@@ -154,9 +154,13 @@ TEST(Signing, BelievesNoTrailThatIsNotTheOneThatWasAppendedTo) {
     forged.user = "ota";
     forged.object = ByteSigner(14).PublicKey();
     forged.previous = s.trail.Last().hash;
-    s.Write("t", whole + ByteSigner(2).Line(forged));
-    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")),
-              kData + "an entry of the trail is not signed by a key that may sign");
+    std::string changed = ByteSigner(1).Line(forged);
+    changed.replace(changed.find("ota"), 3, "eda");
+    for (const std::string& line : {ByteSigner(2).Line(forged), changed}) {
+        s.Write("t", whole + line);
+        EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")),
+                  kData + "an entry of the trail is not signed by a key that may sign");
+    }
     s.Write("t", whole);
     EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), "entry 5");
 }
@@ -176,6 +180,20 @@ TEST(Signing, WritesNothingForWhatNobodyIsToBlameFor) {
     EXPECT_EQ(Outcome(signing.Sign(Request(), "sato", "right")), kData + "the trail is not open");
     qel::Signing nobody(s.trail, s.Name("t"), nullptr, {});
     EXPECT_EQ(Outcome(nobody.Sign(Request(), "sato", "right")), kState + "no person's key is open");
+}
+
+TEST(Signing, ReturnsWhenItsEntryIsAcknowledgedHoweverTheTrailIsFlushed) {
+    for (const qel::TrailFlush flush : {qel::TrailFlush::kEach, qel::TrailFlush::kGroup, qel::TrailFlush::kCaller}) {
+        People people;
+        qel::Trail trail(people.Settings(flush), std::make_shared<ByteSigner>(1));
+        ASSERT_EQ(trail.Open(), 1);
+        qel::Signing signing(trail, people.Name("t"), std::make_shared<QuickPerson>("sato", 13), {});
+        EXPECT_EQ(Outcome(signing.Sign(Request(), "sato", "wrong")), kRefused + "the password is wrong");
+        EXPECT_EQ(trail.Last().number, 5);
+        EXPECT_EQ(Outcome(signing.Sign(Request(), "sato", "right")), "entry 6");
+        EXPECT_EQ(trail.Last().number, 6);
+        EXPECT_EQ(Outcome(signing.Sign(Request(), "right")), "entry 7");
+    }
 }
 
 // While somebody types, others append: nothing is locked.
