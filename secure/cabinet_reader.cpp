@@ -47,6 +47,14 @@ std::optional<CabinetVersion> CabinetReader::Next() {
     return CabinetVersion{header.version, header.dataSize, header.dataSum, header.dataCRC, dataAt};
 }
 
+CabinetVersion CabinetReader::Latest() const {
+    if (m_header.versionCount == 0) throw DataError("the cabinet has no version");
+    const auto [header, dataAt, end] = ReadVersionAt(m_file, m_header.latestOffset);
+    if (header.version != m_header.versionCount) throw DataError("the latest version is not where the header says");
+    if (end > m_file.GetLength()) throw CFileException(CFileException::endOfFile, -1, m_file.GetFilePath());
+    return {header.version, header.dataSize, header.dataSum, header.dataCRC, dataAt};
+}
+
 ULONGLONG CabinetReader::BytesAfterLatest() const {
     const bool isEmpty = m_header.versionCount == 0;
     const ULONGLONG end = isEmpty ? kCabinetHeaderSize : ReadVersionAt(m_file, m_header.latestOffset).end;

@@ -66,6 +66,10 @@ public:
     /// The end of the version returned last. After the latest one there may be remains of an interrupted registration.
     ULONGLONG End() const noexcept { return m_end; }
 
+    /// The latest version, where the header says. Works without Next().
+    /// @throws DataError when there is no version, or another one
+    CabinetVersion Latest() const;
+
     /// Bytes after the latest version, which is where the header says: none, or what an interrupted
     /// registration has left. Works without Next().
     /// @throws DataError when there is no version

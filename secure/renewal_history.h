@@ -30,8 +30,8 @@ namespace qel {
 /// for everything else.
 class QELLIB10_API RenewalHistory {
 public:
-    /// Opens the files, and creates those that are missing, the cabinet by the first registration. A record that was
-    /// cut is removed, and a version without a record gets one that names nobody.
+    /// Opens the files, and creates those that are missing, the cabinet by the first registration. The latest record
+    /// is removed if it was cut, or torn by a power cut, and a version without a record gets one that names nobody.
     /// @throws DataError when the cabinet is in use or damaged, and when the records are damaged or those of another
     /// cabinet; both files are then as they were, but for a missing file of records, which is made, empty.
     /// CFileException with sharingViolation when another object has them open
@@ -39,6 +39,12 @@ public:
     ~RenewalHistory();
     RenewalHistory(const RenewalHistory&) = delete;
     RenewalHistory& operator=(const RenewalHistory&) = delete;
+
+    /// Makes the cabinet, without versions, if it is missing or an empty file, so that Guid() is on the disk before the
+    /// first version is. It appears in one step. Without it the first registration makes the cabinet.
+    /// @return whether it was made
+    /// @throws CFileException
+    bool MakeCabinet();
 
     /// Number of versions, and of the latest one.
     DWORD Latest() const { return m_cabinet.GetLatestVersion(); }
@@ -55,6 +61,16 @@ public:
     /// opening
     const CHistoryRenewInfo& Register(std::string_view source, std::string_view operatorName, std::string_view comment);
 
+    /// The same with the bytes of the file @p copy and the name of another one, of which it is a copy.
+    const CHistoryRenewInfo& RegisterCopy(std::string_view copy, std::string_view fileName,
+                                          std::string_view operatorName, std::string_view comment);
+
+    /// Writes the latest version and the header to the disk once more, with the bytes that the file has: a program that
+    /// was killed, or whose flush has failed, may have left what can be read but is not on the disk. Without effect
+    /// where there is no cabinet yet.
+    /// @throws CFileException, also if the file ends before its latest version starts
+    void FlushAgain();
+
     /// Writes version @p version, 1 to Latest(), to @p target, replacing what it held.
     /// @throws DataError when there is no such version, when @p target cannot be written, and when the version is
     /// damaged; @p target then holds what was found
@@ -70,6 +86,7 @@ private:
     CQFile m_recordFile;
     CHistoryCabinetFile m_cabinet;
     std::vector<CHistoryRenewInfo> m_records;
+    bool m_isMade = false;  // by MakeCabinet: the first registration must not empty it
 };
 
 }  // namespace qel

@@ -66,6 +66,23 @@ TEST_F(Renewals, AVersionWithoutRecordGetsOneThatNamesNobody) {
     EXPECT_EQ(Operators(), "Mori;;Abe;");
 }
 
+TEST_F(Renewals, ARecordThatAPowerCutHasTornIsMended) {
+    Register("Mori");
+    const std::size_t first = folder.Read(kRecords).size();
+    Open().Register(folder.Name("a.dat"), "Sato", std::string(1500, 'x'));
+    const std::string both = folder.Read(kRecords);
+    for (unsigned torn = 0; torn < 16; ++torn) {  // a bit for each sector
+        std::string bytes = both;
+        for (std::size_t at = first; at < bytes.size(); ++at)
+            if ((torn >> at / 512 & 1) != 0) bytes[at] = '\0';
+        folder.Write(kRecords, bytes);
+        const std::string operators = Operators();
+        EXPECT_TRUE(operators == "Mori;;" || operators == "Mori;Sato;") << torn;
+    }
+    Register("Abe");
+    EXPECT_TRUE(Operators().ends_with(";Abe;"));
+}
+
 TEST_F(Renewals, WhatIsDamagedStaysAsItIs) {
     Register("Mori");
     Register("Sato");
