@@ -5,6 +5,8 @@
 #include "qellib10/record/person_key.h"
 #include "qellib10/record/person_signer.h"
 #include "qellib10/record/person_statement.h"
+#include "qellib10/record/recorded_cabinet.h"
+#include "qellib10/record/recorded_version.h"
 #include "qellib10/record/signature_check.h"
 #include "qellib10/record/signer.h"
 #include "qellib10/record/signing.h"

@@ -33,4 +33,6 @@ int Trail::Flush() {
 
 TrailReceipt Trail::Last() const { return m_state->writer.Last(); }
 
+TrailWriter& WriterOf(Trail& trail) { return trail.m_state->writer; }
+
 }  // namespace qel

@@ -12,6 +12,8 @@
 
 namespace qel {
 
+class TrailWriter;
+
 /// An entry's place in its trail, as reports print it.
 struct QELLIB10_API TrailReceipt {
     std::uint64_t number = 0;
@@ -74,6 +76,8 @@ public:
     TrailReceipt Last() const;
 
 private:
+    friend TrailWriter& WriterOf(Trail& trail);
+
     struct State;
     std::unique_ptr<State> m_state;
 };

@@ -16,8 +16,10 @@ inline constexpr std::string_view kKeyAdded =
 inline constexpr std::string_view kKeyEnded =
     "key ended";  ///< object: the same, which may not from now on; never the last one
 inline constexpr std::string_view kMethodChanged = "method changed";
-inline constexpr std::string_view kRegistering = "result registering";
+// Those of qel::RecordedCabinet.
+inline constexpr std::string_view kRegistering = "result registering";  ///< nothing has happened yet
 inline constexpr std::string_view kRegistered = "result registered";
+inline constexpr std::string_view kAbandoned = "result abandoned";  ///< it was interrupted: the version is not there
 inline constexpr std::string_view kVersionTakenOut = "version taken out";
 inline constexpr std::string_view kReportPrinted = "report printed";
 inline constexpr std::string_view kExport = "export";
@@ -28,7 +30,8 @@ inline constexpr std::string_view kSignature = "signature";              ///< st
 inline constexpr std::string_view kSignatureRefused = "signature refused";
 inline constexpr std::string_view kFileSealed = "file sealed";
 inline constexpr std::string_view kTimeStamp = "time stamp";
-inline constexpr std::string_view kRecovered = "recovered";
+inline constexpr std::string_view kRecovered =
+    "recovered";  ///< what was interrupted is done nevertheless; after: what, such as kRegistered
 
 // These are the trail's own: nobody else appends them.
 inline constexpr std::string_view kTrailStarted = "trail started";      ///< object: the key that may sign

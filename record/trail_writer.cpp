@@ -322,6 +322,14 @@ bool TrailWriter::IsAcknowledged(const Written& written) const {
     }
 }
 
+void TrailWriter::Refresh() {
+    const std::scoped_lock turn(m_turn);
+    RequireUsable();
+    const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
+    Current();
+    RequireHeadOnDisk();
+}
+
 TrailReceipt TrailWriter::Last() const {
     const std::scoped_lock turn(m_turn);
     return {m_seen.number, m_seen.number > 0 ? Hex(m_seen.hash) : ""};

@@ -32,6 +32,9 @@ public:
     void Flush();
     /// The last acknowledged entry that this object knows of.
     TrailReceipt Last() const;
+    /// Settles what other programs have left, as Open does, so that Last is the last entry that there is now.
+    void Refresh();
+    const std::string& Path() const noexcept { return m_settings.path; }
 
 private:
     // The end of the trail, as this object knows it.
@@ -90,5 +93,8 @@ private:
     std::optional<Written> m_written;  // with TrailFlush::kCaller alone
     bool m_hasLost = false;            // entries that were not acknowledged may have been taken back
 };
+
+/// For classes of this room that append to an application's trail: they have exceptions instead of results.
+TrailWriter& WriterOf(Trail& trail);
 
 }  // namespace qel

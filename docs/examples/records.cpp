@@ -1,4 +1,4 @@
-// Who changed the method, and why? A trail of signed entries, checked, attacked and checked again.
+// Who changed the method, and why? A trail of signed entries and a recorded result, attacked and checked.
 #include <qellib10/record.h>
 
 #include <cstdio>
@@ -7,7 +7,9 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -44,12 +46,30 @@ void Verify(const char* what, const qel::TrailAnchors& anchors) {
         std::printf("  entry %d: %s\n", static_cast<int>(finding.entry), finding.text.c_str());
 }
 
+// Registers a result, unless there is none, and lists all of them.
+bool Versions(qel::Trail& trail, const char* result) {
+    qel::RecordedCabinet results(trail, {.cabinetPath = "archive/results.hcf", .recordPath = "archive/renewals.qel"});
+    if (results.Open() == 0) return false;
+    if (result != nullptr) {
+        std::ofstream("result.txt") << result;
+        if (!results.Register("result.txt", "mori", "blank raised")) return false;
+    }
+    const std::optional<std::vector<qel::RecordedVersion>> versions = results.List();
+    if (!versions) return false;
+    for (const qel::RecordedVersion& version : *versions)
+        std::printf("version %d of %s: %s\n", static_cast<int>(version.version), version.user.c_str(),
+                    version.IsFinding() ? "not what was recorded" : "as recorded");
+    return true;
+}
+
 // What somebody does who may write to the archive.
-std::string Text() {
-    std::ifstream file("archive/trail.jsonl");
+std::string Text(const char* name = "archive/trail.jsonl") {
+    std::ifstream file(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
-void Replace(const std::string& text) { std::ofstream("archive/trail.jsonl") << text; }
+void Replace(const std::string& text, const char* name = "archive/trail.jsonl") {
+    std::ofstream(name, std::ios::binary) << text;
+}
 
 }  // namespace
 
@@ -68,6 +88,12 @@ int main() {
         std::puts(qel::LastFailure().text.c_str());
         return 1;
     }
+    if (!Versions(trail, "chloride 35.1 mg/L")) return 1;
+    std::string cabinet = Text("archive/results.hcf");
+    cabinet.replace(cabinet.find("35.1"), 4, "35.4");
+    Replace(cabinet, "archive/results.hcf");
+    if (!Versions(trail, nullptr)) return 1;
+
     qel::TrailReader reader;
     if (reader.Open("archive/trail.jsonl") == 0) return 1;
     while (const std::optional<qel::TrailEntry> entry = reader.Next())

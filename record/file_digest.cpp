@@ -1,0 +1,76 @@
+#include "qellib10/record/file_digest.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "qellib10/platform/crypto/digest.h"
+#include "qellib10/platform/error.h"
+#include "qellib10/platform/storage/block_io.h"
+#include "qellib10/record/text_forms.h"
+
+namespace qel {
+namespace {
+
+constexpr unsigned kOnlyOwner = 0600;
+
+CabinetVersion Find(CabinetReader& cabinet, std::uint64_t number) {
+    if (number == cabinet.Header().versionCount) return cabinet.Latest();
+    for (;;) {
+        const std::optional<CabinetVersion> version = cabinet.Next();
+        if (!version) throw DataError("the cabinet does not have all its versions");
+        if (version->number == number) return *version;
+    }
+}
+
+}  // namespace
+
+FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version) {
+    const auto block = MakeIoBlock();
+    const CString name = cabinet.GetFilePath();
+    Sha256Sum sum;
+    FileDigest digest;
+    while (digest.size < version.size) {
+        const auto wanted =
+            static_cast<std::size_t>(std::min<std::uint64_t>(IoBlock::kSize, version.size - digest.size));
+        const std::span part(block->bytes, wanted);
+        const std::size_t size =
+            ReadFullyAt(cabinet.ReadableDescriptor(), part, version.dataAt + digest.size, name.View());
+        if (size == 0) throw CFileException(CFileException::endOfFile, -1, name);
+        sum.Add(part.first(size));
+        digest.size += size;
+    }
+    digest.sha256 = Hex(sum.End());
+    return digest;
+}
+
+std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version) {
+    try {
+        CabinetReader reader(cabinet);
+        if (version == 0 || version > reader.Header().versionCount) return std::nullopt;
+        return DigestOf(cabinet, Find(reader, version));
+    } catch (const DataError&) {  // it cannot be found
+        return FileDigest();
+    } catch (const CFileException& failure) {
+        if (failure.m_cause != CFileException::endOfFile) throw;
+        return FileDigest();
+    }
+}
+
+PrivateCopy::PrivateCopy(const std::string& cabinet, std::string_view source) : m_file(cabinet + ".next", kOnlyOwner) {
+    const CFile from(CString(source), CFile::modeRead | CFile::shareDenyWrite);
+    const auto block = MakeIoBlock();
+    Sha256Sum sum;
+    for (;;) {
+        const std::size_t size = ReadFullyAt(from.ReadableDescriptor(), block->bytes, m_digest.size, source);
+        if (size == 0) break;
+        const auto part = std::span(block->bytes).first(size);
+        WriteFullyAt(m_file.File(), part, m_digest.size, cabinet);
+        sum.Add(part);
+        m_digest.size += size;
+        if (m_digest.size > std::numeric_limits<DWORD>::max())
+            throw DataError("a file of 4 GiB or more does not fit into a cabinet");
+    }
+    m_digest.sha256 = Hex(sum.End());
+}
+
+}  // namespace qel

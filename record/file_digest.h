@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "qellib10/platform/storage/file.h"
+#include "qellib10/platform/storage/replacement.h"
+#include "qellib10/secure/cabinet_reader.h"
+
+// Size and hash of a version, as entries of a trail have them. Everything throws CFileException.
+namespace qel {
+
+struct FileDigest {
+    std::uint64_t size = 0;
+    std::string sha256 = {};  // 64 hexadecimal digits; empty for a version that is damaged and cannot be found
+
+    bool operator==(const FileDigest&) const = default;
+};
+
+FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version);
+/// The same, found by its number. Nothing when there is no such version.
+std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version);
+
+/// A file as it was at one moment, next to the cabinet that it is for. What is hashed is what is registered then,
+/// whoever writes to the file meanwhile. It is removed with the object; what a killed program has left goes with the
+/// next copy for the same cabinet.
+class PrivateCopy {
+public:
+    PrivateCopy(const std::string& cabinet, std::string_view source);
+
+    CString Path() const { return m_file.Path(); }
+    const FileDigest& Digest() const noexcept { return m_digest; }
+
+private:
+    Replacement m_file;
+    FileDigest m_digest;
+};
+
+}  // namespace qel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "qellib10/platform/storage/file.h"
+#include "qellib10/record/recorded_version.h"
+#include "qellib10/record/trail.h"
+#include "qellib10/record/trail_entry.h"
+
+namespace qel {
+
+/// Whether an entry is about the registering of a version: the start of it, or one of its ends.
+bool IsOfRegistering(const TrailEntry& entry);
+
+/// What a trail says about the versions of one cabinet, and what the cabinet has. It keeps one record for each version.
+/// Everything throws CFileException and DataError.
+class VersionList {
+public:
+    explicit VersionList(std::string cabinet) : m_cabinet(std::move(cabinet)) {}
+
+    /// Reads the trail once, up to an acknowledged entry. @throws DataError where the trail is not what was
+    /// acknowledged
+    void Read(const std::string& trailPath, const TrailReceipt& last);
+    /// Reads the cabinet once. @return its versions, and those that are missing
+    std::vector<RecordedVersion> With(const CFile& cabinet);
+
+private:
+    void Take(const TrailEntry& entry, const std::string& hash);
+    void TakeEnd(RecordedVersion version);
+    void KeepInterrupted();
+    RecordedVersion Compared(std::uint64_t number, std::uint64_t size, const std::string& sha256);
+
+    std::string m_cabinet;                             // its GUID
+    std::optional<RecordedVersion> m_started;          // the registering whose end has not come yet
+    std::map<std::uint64_t, RecordedVersion> m_known;  // by number; those that With has not given yet
+};
+
+}  // namespace qel
