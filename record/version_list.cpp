@@ -112,6 +112,12 @@ std::vector<RecordedVersion> VersionList::With(const CFile& cabinet) {
     };
     ForEachVersion(cabinet, reader, take);
     while (versions.size() < latest) take(versions.size() + 1, {});
+    for (RecordedVersion& missing : Missing()) versions.push_back(std::move(missing));
+    return versions;
+}
+
+std::vector<RecordedVersion> VersionList::Missing() {
+    std::vector<RecordedVersion> versions;
     for (auto& [number, version] : m_known) {
         if (!version.IsFinding()) version.state = RecordedState::kMissing;
         versions.push_back(std::move(version));

@@ -25,13 +25,16 @@ public:
     /// Reads the trail once, up to an acknowledged entry. @throws DataError where the trail is not what was
     /// acknowledged
     void Read(const std::string& trailPath, const TrailReceipt& last);
+    /// The same entry by entry, with the hash of each one's line; KeepInterrupted ends it.
+    void Take(const TrailEntry& entry, const std::string& hash);
+    void KeepInterrupted();
     /// Reads the cabinet once. @return its versions, and those that are missing
     std::vector<RecordedVersion> With(const CFile& cabinet);
+    /// Those that With has not given, or all of them.
+    std::vector<RecordedVersion> Missing();
 
 private:
-    void Take(const TrailEntry& entry, const std::string& hash);
     void TakeEnd(RecordedVersion version);
-    void KeepInterrupted();
     RecordedVersion Compared(std::uint64_t number, std::uint64_t size, const std::string& sha256);
 
     std::string m_cabinet;                             // its GUID

@@ -1,6 +1,7 @@
 #include "qellib10/record/recorded_cabinet.h"
 
 #include "../support/full_disk.h"
+#include "../support/output_of.h"
 #include "../support/test.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/record/trail_backwards.h"
@@ -272,6 +273,34 @@ TEST(RecordedCabinet, ATrailThatSomebodyHasChangedIsNotTrusted) {
     text.replace(text.find("\"abe\""), 5, "\"eve\"");
     folder.Write("t", text);
     EXPECT_EQ(folder.Listed(), "entry 6 of the trail is not the one that was acknowledged");
+}
+
+TEST(QelTrail, ComparesTheCabinetsOfAnArchive) {
+    using Two = const TwoVersions&;
+    for (const auto& [what, change, found] : Cases<const char*, void (*)(Two), const char*>{
+             {"nothing", [](Two) {}, "0\n"},
+             {"a byte", [](Two two) { two.Change(1, 'O'); },
+              "c: version 2: is not what was registered, entry 5 by sato\n6\n"},
+             {"one without a trail", [](Two two) { two.Add("three"); }, "c: version 3: no entry announced it\n16\n"},
+             {"an older state", [](Two two) { two.PutBack(two.before[1]); },
+              "c: version 2: was registered, and is not there, entry 5 by sato\n15\n"},
+             {"no cabinet", [](Two two) { std::filesystem::remove(two.Posix("c")); },
+              "version 1: was registered, and is not there, entry 3 by mori\n"
+              "version 2: was registered, and is not there, entry 5 by sato\n15\n"},
+             {"a damaged header", [](Two two) { two.Write("c", two.Read("c").replace(10, 1, "x")); },
+              "c: a damaged cabinet header\n"},
+             {"a copy", [](Two two) { two.Write("d", two.Read("c")); },
+              "d: version 1: no entry announced it\nd: version 2: no entry announced it\n16\n"},
+         }) {
+        const TwoVersions two;
+        change(two);
+        const std::string output = OutputOf(
+            "cd '" + two.Posix().native() +
+            "' && { " QELLIB10_QEL
+            " trail verify t --head-file h --archive . 2>&1; echo $?; } | "
+            "sed -e 's/^.*[/]//' -e 's/^cabinet {.*}: //' | grep -v -e consistent -e '^trail' -e ' findings*$'");
+        EXPECT_NE(output.find(found), std::string::npos) << what << ": " << output;
+    }
 }
 
 TEST(LinesBackwards, AreThoseForwards) {

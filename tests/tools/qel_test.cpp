@@ -120,7 +120,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"profile set --", "0 --help --number\n"},
              {"trail list --", "0 --help --json\n"},
              {"trail show --", "0 --help --json\n"},
-             {"trail verify --", "0 --help --trust --key --trail --head --head-file --at-least --json\n"},
+             {"trail verify --", "0 --help --trust --key --trail --head --head-file --at-least --archive --json\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {

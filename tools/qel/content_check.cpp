@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#ifdef QEL_WITH_TRAIL
+#include <qellib10/record.h>
+#endif
+
 #include "variables.h"
 
 namespace tool {
@@ -68,6 +72,20 @@ ContentReport CheckXml(const CFile& file) {
     return {file.GetLength(), "an enciphered document"};
 }
 
+#ifdef QEL_WITH_TRAIL
+// From itself: whether its signers are trusted, and nothing is missing at its end, is for qel trail verify.
+ContentReport CheckTrailFile(const CFile& file) {
+    qel::TrailReport report;
+    if (qel::CheckTrail(file.GetFilePath().View(), {}, report) == 0) throw LastRefusal("cannot be read", kMalformed);
+    if (report.findingCount > 0) {
+        const qel::TrailFinding& first = report.findings.front();
+        throw Failure("entry " + std::to_string(first.entry) + ": " + Shown(first.text),
+                      first.fault == qel::TrailFault::kCut ? kCut : kInconsistent);
+    }
+    return {file.GetLength(), Count(report.entries, "entry", "entries") + ", not anchored"};
+}
+#endif
+
 }  // namespace
 
 std::string KindOf(CFile& file) {
@@ -76,6 +94,7 @@ std::string KindOf(CFile& file) {
     if (kind == qel::CabinetFileKind::kCabinet) return "cabinet";
     if (kind == qel::CabinetFileKind::kRenewals) return "renewals";
     if (qel::IsCalcArchive(head)) return "variables";
+    if (head.starts_with("{\"format\":1,\"trail\":\"")) return "trail";
     if (head.find("<printjob") != std::string::npos) return "job";
     return LooksEnciphered(file, head) ? "xml" : "data";
 }
@@ -95,6 +114,9 @@ ContentReport ContentOf(CFile& file, const std::string& kind) {
     if (kind == "renewals") return CheckRenewals(file);
     if (kind == "job") return CheckJob(file);
     if (kind == "xml") return CheckXml(file);
+#ifdef QEL_WITH_TRAIL
+    if (kind == "trail") return CheckTrailFile(file);
+#endif
     throw Failure("of an unknown kind, and not sealed", kUnknown);
 }
 

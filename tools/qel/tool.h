@@ -34,7 +34,8 @@ enum Status : int {
     kUnknownSigner = 12,  // an entry signed by a key that is not trusted
     kEndedKey = 13,       // an entry signed by a key that was not valid at that time
     kClock = 14,          // the time of an entry is before that of the one before
-    kMissing = 15,        // entries that have to be there are missing
+    kMissing = 15,        // entries, or versions that a trail knows, are missing
+    kNeverRecorded = 16,  // a version of a cabinet that no entry of the trail announced
 };
 
 /// Ends the program with one line and a status.

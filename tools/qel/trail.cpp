@@ -5,13 +5,14 @@
 #include <qellib10/record.h>
 
 #include "tool.h"
+#include "trail_archive.h"
 #include "trail_text.h"
 
 namespace tool {
 namespace {
 
 struct Options {
-    std::string file, entry, trust, key, trail, head, headFile;
+    std::string file, entry, trust, key, trail, head, headFile, archive;
     std::uint64_t atLeast = 0;
     bool json = false;
 };
@@ -85,12 +86,16 @@ constexpr Kind kKinds[] = {
 
 const Kind& KindOf(const qel::TrailFinding& finding) { return kKinds[static_cast<std::size_t>(finding.fault)]; }
 
-void WriteText(const Options& options, const qel::TrailReport& report) {
+void WriteText(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive) {
     for (const qel::TrailFinding& finding : report.findings) {
         Print(Shown(options.file) + ": entry " + std::to_string(finding.entry) + ", byte " +
               std::to_string(finding.byte) + ": " + KindOf(finding).name + ": " + Shown(finding.text) +
               (finding.signer.empty() ? "" : ", " + finding.signer) + '\n');
     }
+    for (const ArchiveReport::Finding& finding : archive.findings) Print(FindingLine(finding));
+    if (!options.archive.empty())
+        Print(Count(archive.cabinets, "cabinet", "cabinets") + ", " + Count(archive.versions, "version", "versions") +
+              ": " + Count(archive.findings.size(), "finding", "findings") + '\n');
     std::string line = Count(report.entries, "entry", "entries") + ": ";
     line += report.findingCount > 0 ? Count(report.findingCount, "finding", "findings")
             : report.isAnchored     ? "consistent"
@@ -101,7 +106,7 @@ void WriteText(const Options& options, const qel::TrailReport& report) {
     if (report.entries > 0) Print("trail " + report.trailId + ", last entry " + report.head + '\n');
 }
 
-void WriteJson(const Options& options, const qel::TrailReport& report) {
+void WriteJson(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive) {
     Json json{{"file", options.file},
               {"trail", report.trailId},
               {"entries", report.entries},
@@ -124,6 +129,13 @@ void WriteJson(const Options& options, const qel::TrailReport& report) {
                                     {"size", finding.size},
                                     {"sha256", finding.sha256},
                                     {"detail", finding.text}});
+    if (!options.archive.empty()) {
+        json["cabinets"] = archive.cabinets;
+        json["versions"] = archive.versions;
+        json["archiveFindings"] = Json::array();
+        for (const ArchiveReport::Finding& finding : archive.findings)
+            json["archiveFindings"].push_back(FindingJson(finding));
+    }
     Print(json);
 }
 
@@ -150,8 +162,11 @@ Status Verify(const Options& given) {
                                     .atLeast = options.atLeast};
     qel::TrailReport report;
     if (qel::CheckTrail(Path(options.file).View(), anchors, report) == 0) throw Refusal(options);
-    options.json ? WriteJson(options, report) : WriteText(options, report);
+    const ArchiveReport archive =
+        options.archive.empty() ? ArchiveReport() : CompareArchive(options.file, options.archive);
+    options.json ? WriteJson(options, report, archive) : WriteText(options, report, archive);
     Status status = kGood;
+    for (const ArchiveReport::Finding& finding : archive.findings) status = std::max(status, finding.status);
     for (const qel::TrailFinding& finding : report.findings) status = std::max(status, KindOf(finding).status);
     return status == kGood && !report.isAnchored ? kNotAnchored : status;
 }
@@ -189,16 +204,21 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
     verify.add_option("--at-least", options.atLeast, "So many entries have to be there")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 53))
         ->type_name("N");
+    verify.add_option("--archive", options.archive, "Compare the cabinets in this folder and all below, too")
+        ->check(CLI::ExistingDirectory, "")
+        ->type_name("FOLDER");
     verify.footer(
         "Exit status: 0 consistent and anchored; of several findings the highest:\n"
-        "  6  changed         an entry is not what was signed\n"
+        "  5  unreadable      a file of the archive cannot be read\n"
+        "  6  changed         an entry is not what was signed, or a version not what was registered\n"
         "  7  cut             the trail ends within a line\n"
         "  8  inconsistent    entries are exchanged, missing in between, or of another trail\n"
         "  9  malformed       a line that no trail writes\n"
         "  12 unknown signer  an entry is signed by a key that is not trusted\n"
         "  13 key not valid   an entry is signed by a key that had ended, or was not yet valid\n"
         "  14 clock           the time of an entry is before that of the one before\n"
-        "  15 missing         entries that have to be there are missing\n"
+        "  15 missing         entries that have to be there, or versions that were registered, are missing\n"
+        "  16 never recorded  a version of a cabinet that no entry announced\n"
         "Without any finding:\n"
         "  11 not anchored    consistent, but no key, or no ID of the trail, is known from elsewhere");
 }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qellib10/record/recorded_version.h"
+
+namespace qel {
+
+/// What a trail says about the versions of all cabinets of an archive, to compare the cabinets with, for a program that
+/// only checks: it opens no trail for appending and settles nothing. It reads what is there: run CheckTrail on the same
+/// trail, or anybody may have written it.
+///
+/// @code
+/// qel::CabinetRecords records;
+/// if (records.Read(R"(\srv\archive\trail.jsonl)") == 0) return;
+/// qel::CabinetRecords::Cabinet results;
+/// if (records.Compare(R"(\srv\archive\results.hcf)", results) == 0) return;
+/// for (const qel::RecordedVersion& version : results.versions)
+///     if (version.IsFinding()) std::printf("version %d is not what was recorded\n", static_cast<int>(version.version));
+/// for (const qel::CabinetRecords::Cabinet& missing : records.Rest()) std::puts(missing.guid.c_str());
+/// @endcode
+///
+/// The memory is that of the versions, not of the trail. Operations return 1, or 0 and qel::LastFailure has the reason.
+/// One thread at a time.
+class QELLIB10_API CabinetRecords {
+public:
+    struct Cabinet {
+        std::string guid = {};  ///< as CGuid::GetString writes it
+        std::vector<RecordedVersion> versions = {};
+    };
+
+    CabinetRecords();
+    ~CabinetRecords();
+    CabinetRecords(const CabinetRecords&) = delete;
+    CabinetRecords& operator=(const CabinetRecords&) = delete;
+
+    /// Goes through a trail once. A line that is not an entry is passed over; CheckTrail reports it.
+    int Read(std::string_view trailPath);
+
+    /// Reads every version of a cabinet. Gives them in the order of their numbers, then those that are missing in it. A
+    /// copy of a cabinet that was compared already is a finding: nobody knows which of the two is meant.
+    /// @return 0 when the file cannot be read, or has no header of a cabinet
+    int Compare(std::string_view cabinetPath, Cabinet& cabinet);
+
+    /// The cabinets that were not compared and have recorded versions: all of these are missing.
+    std::vector<Cabinet> Rest();
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+}  // namespace qel
