@@ -66,9 +66,9 @@ public:
     /// @return 0 also for another cabinet than RecordedCabinetSettings::guid, while another object has it open, and if
     /// the trail refuses the entry that settles; nothing is open then, and the next opening tries again
     int Open();
-    /// Number of versions, and of the latest one; 0 before Open.
+    /// Number of versions, and of the latest one; 0 while nothing is open.
     std::uint64_t Latest() const;
-    /// The cabinet's, as CGuid::GetString writes it; empty before Open. Print it on reports.
+    /// The cabinet's, as CGuid::GetString writes it; empty while nothing is open. Print it on reports.
     std::string Guid() const;
 
     /// Registers the file at @p source as the next version. A copy of it, next to the cabinet, is what is hashed and

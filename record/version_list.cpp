@@ -14,8 +14,10 @@
 namespace qel {
 namespace {
 
+// An application may have recovered something else.
 bool IsEnd(const TrailEntry& entry) {
-    return entry.action == trail_kind::kRegistered || entry.action == trail_kind::kRecovered;
+    return entry.action == trail_kind::kRegistered ||
+           (entry.action == trail_kind::kRecovered && entry.after == trail_kind::kRegistered);
 }
 
 RecordedVersion Of(const TrailEntry& entry, const std::string& hash) {

@@ -2,6 +2,7 @@
 
 #include "../support/full_disk.h"
 #include "../support/output_of.h"
+#include "../support/run_at_once.h"
 #include "../support/test.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/record/trail_backwards.h"
@@ -145,12 +146,13 @@ TEST(RecordedCabinet, ARecoveredVersionHasTheReasonThatWasGiven) {
 TEST(RecordedCabinet, CabinetsThatShareATrailDoNotMixAndAreFoundFarBack) {
     const TwoVersions folder;
     folder.Start(3, "three");
-    Archive archive(folder);
+    Archive archive(folder, qel::TrailFlush::kCaller);
     ASSERT_NE(archive.trail.Open(), 0);
     qel::RecordedCabinet other(archive.trail, {.cabinetPath = folder.Name("c2"), .recordPath = folder.Name("r2")});
     ASSERT_EQ(other.Open(), 1);
-    for (int i = 0; i < 200; ++i) ASSERT_TRUE(other.Register(folder.Name("a"), "kato", std::string(500, 'x')));
-    EXPECT_EQ(other.List()->size(), 200u);
+    for (int i = 0; i < 200; ++i) ASSERT_TRUE(archive.trail.Append(Record("x", std::string(500, 'x'))));
+    ASSERT_TRUE(other.Register(folder.Name("a"), "kato", ""));
+    EXPECT_EQ(folder.Text(other.List()), "1 recorded kato|");
     ASSERT_EQ(archive.cabinet.Open(), 1) << qel::LastFailure().text;
     EXPECT_TRUE(folder.Actions().ends_with("result abandoned|"));
     EXPECT_EQ(folder.Text(archive.cabinet.List()), "1 recorded mori|2 recorded sato|");
@@ -245,11 +247,28 @@ TEST(RecordedCabinet, TakingOutIsRecordedFirst) {
     EXPECT_EQ(folder.Lines().size(), 7u) << "the entry is there, the target not";
 }
 
+TEST(RecordedCabinet, ProgramsThatRegisterAtOnceSettleNothingOfEachOther) {
+    const TwoVersions folder;
+    constexpr int kWriters = 4;
+    const auto write = [&](int) {
+        Archive archive(folder);
+        if (archive.trail.Open() == 0) return 1;
+        while (archive.cabinet.Open() == 0) {
+            if (qel::LastFailure().systemError != 32) return 2;  // another one has it open
+        }
+        return archive.cabinet.Register(folder.Name("a"), "abe", "") ? 0 : 3;
+    };
+    EXPECT_EQ(RunAtOnce(kWriters, write), 0);
+    EXPECT_EQ(folder.Actions().find("abandoned"), std::string::npos);
+    EXPECT_EQ(folder.Listed(),
+              "1 recorded mori|2 recorded sato|3 recorded abe|4 recorded abe|5 recorded abe|6 recorded abe|");
+}
+
 TEST(RecordedCabinet, AFullDiskIsAClearFailureAndSettledLater) {
     const TwoVersions folder;
     const auto fill = [&] {
         Archive archive(folder);
-        if (!archive.Open()) return 1;
+        if (!archive.Open()) return qel::LastFailure().text.empty() ? 1 : 0;
         const std::string bytes(3000, 'x');
         for (int i = 0; i < 10; ++i) {
             if (!folder.RegisterIn(archive, bytes)) return qel::LastFailure().text.empty() ? 2 : 0;
