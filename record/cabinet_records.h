@@ -11,7 +11,7 @@ namespace qel {
 
 /// What a trail says about the versions of all cabinets of an archive, to compare the cabinets with, for a program that
 /// only checks: it opens no trail for appending and settles nothing. It reads what is there: run CheckTrail on the same
-/// trail, or anybody may have written it.
+/// trail, or anybody may have written it. While others register, a version may seem unrecorded.
 ///
 /// @code
 /// qel::CabinetRecords records;

@@ -1,12 +1,9 @@
 #include "qellib10/record/signature_log.h"
 
-#include <algorithm>
-
 #include "qellib10/platform/crypto/digest.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail_file.h"
-#include "qellib10/record/trail_keys.h"
 
 namespace qel {
 
@@ -30,30 +27,26 @@ std::vector<SignatureProblem> SignatureLog::Read(Progress& read, const TrailRece
     TrailLines lines(file, read.at, size);
     std::vector<SignatureProblem> problems;
     TrailLines::Line text = lines.Next();
-    for (; text.kind == TrailLines::Kind::kWhole; text = lines.Next()) {
+    for (; text.kind == TrailLines::Kind::kWhole && read.last.number < known.number; text = lines.Next()) {
         const ReadLine line = ReadEntry(text.text);
-        RequireNext(read, line, known);
+        RequireNext(read, line);
         read.last = {.number = line.entry.number, .hash = Hex(Sha256(text.text))};
         read.at = text.End();
         read.trailId = line.entry.trailId;
         const bool isKnown = read.last.number == known.number;
         if (isKnown && read.last.hash != known.hash) throw DataError("the trail has another entry than was appended");
-        ApplyToKeys(line.entry, read.keys);
         std::vector<SignatureProblem> found = read.state->Take(line.entry);
         if (isKnown) problems = std::move(found);
     }
-    if (text.kind == TrailLines::Kind::kTooLong) throw DataError("a line of the trail is longer than 64 KiB");
-    if (read.last.number < known.number) throw DataError("entries of the trail are missing");
+    if (read.last.number != known.number || read.last.hash != known.hash)
+        throw DataError("the trail is not the one that was acknowledged");
     return problems;
 }
 
-void SignatureLog::RequireNext(const Progress& read, const ReadLine& line, const TrailReceipt& known) {
+void SignatureLog::RequireNext(const Progress& read, const ReadLine& line) {
     const bool isNext = line.entry.number == read.last.number + 1 && line.entry.previous == read.last.hash &&
                         (read.trailId.empty() || read.trailId == line.entry.trailId);
     if (!isNext) throw DataError("an entry of the trail is not the one that follows");
-    if (line.entry.number <= known.number) return;
-    const bool isTrusted = std::ranges::find(read.keys, line.signature.key) != read.keys.end() && line.IsSigned();
-    if (!isTrusted) throw DataError("an entry of the trail is not signed by a key that may sign");
 }
 
 }  // namespace qel

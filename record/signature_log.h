@@ -11,10 +11,10 @@
 
 namespace qel {
 
-/// What a trail says about signatures, read as far as it goes and then on from there.
+/// What a trail says about signatures, read up to an acknowledged entry and then on from there.
 ///
 /// The head file of an open trail knows the hash of its last entry, and each entry has the hash of the one before: so
-/// all of them are those that were acknowledged. What other programs have appended since is checked by its signature.
+/// all of them are those that were acknowledged. What comes after does not count yet.
 class SignatureLog {
 public:
     SignatureLog(std::string path, SigningRules rules);
@@ -35,11 +35,10 @@ private:
         std::string trailId;
         std::uint64_t at = 0;  // in the file
         TrailReceipt last = {.number = 0, .hash = std::string(64, '0')};
-        std::vector<SshPublicKey> keys;  // of the installation, that may sign
     };
 
     std::vector<SignatureProblem> Read(Progress& read, const TrailReceipt& known) const;
-    static void RequireNext(const Progress& read, const ReadLine& line, const TrailReceipt& known);
+    static void RequireNext(const Progress& read, const ReadLine& line);
 
     const std::string m_path;
     const SigningRules m_rules;

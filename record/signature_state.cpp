@@ -6,6 +6,7 @@
 #include "qellib10/record/person_statement_text.h"
 #include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail_kind.h"
+#include "qellib10/record/version_list.h"
 
 namespace qel {
 namespace {
@@ -48,10 +49,8 @@ std::vector<SignatureProblem> SignatureState::Take(const TrailEntry& entry) {
     try {
         if (entry.action == kPersonKeyAdded || entry.action == kPersonKeyEnded) return TakePersonKey(entry);
         if (entry.action == kSignature) return TakeSignature(entry);
-        const bool isRegistration =
-            entry.action == kRegistering || entry.action == kRegistered || entry.action == kRecovered;
-        const bool isOfVersion = !entry.cabinet.empty() && entry.cabinetVersion > 0;
-        return isRegistration && isOfVersion ? TakeRegistration(entry) : Problems();
+        const bool isRegistration = IsOfRegistering(entry) && entry.action != kAbandoned && !entry.cabinet.empty();
+        return isRegistration ? TakeRegistration(entry) : Problems();
     } catch (const DataError& failure) {
         return {{SignatureFault::kMalformed, failure.what()}};
     }
@@ -77,15 +76,24 @@ std::vector<SignatureProblem> SignatureState::TakePersonKey(const TrailEntry& en
 // A registration that was interrupted is finished by the next program: its user is not the author.
 std::vector<SignatureProblem> SignatureState::TakeRegistration(const TrailEntry& entry) {
     Version& version = m_versions[PlaceOf(entry.cabinet, entry.cabinetVersion)];
-    const bool isFirst = !version.sha256 && !entry.user.empty();
+    const bool isFirst = !version.isRegistered && !entry.user.empty();
     if (isFirst && entry.action != trail_kind::kRecovered) version.registeredBy = m_names.insert(entry.user).first;
-    if (entry.action == trail_kind::kRegistering || entry.sha256.empty()) return {};
+    if (entry.action == trail_kind::kRegistering) return {};
     const auto sha256 = BytesOf<32>(entry.sha256);
-    const bool isOther = version.sha256 && version.sha256 != sha256;
-    version.sha256 = sha256;
-    if (!version.isSigned || !isOther) return {};
-    version.isChanged = true;
-    return {{SignatureFault::kChangedVersion, "the version has another content than the one that was signed"}};
+    const bool isOther = (version.isSigned || version.isRegistered) && version.sha256 != sha256;
+    if (!version.isRegistered) version.sha256 = sha256;  // the first one counts
+    version.isRegistered = true;
+    if (isOther) {
+        version.isChanged = true;
+        return {{SignatureFault::kChangedVersion, "the version has another content than before"}};
+    }
+    if (isFirst && HasApprovedOwn(version))
+        return {{SignatureFault::kSamePerson, "the user has approved what the same user registers"}};
+    return {};
+}
+
+bool SignatureState::HasApprovedOwn(const Version& version) const {
+    return !m_rules.authorMayApprove && version.registeredBy && HasName(version.approvedBy, **version.registeredBy);
 }
 
 std::vector<SignatureProblem> SignatureState::TakeSignature(const TrailEntry& entry) {
@@ -146,8 +154,9 @@ void SignatureState::Count(const PersonStatement& statement) {
     Version& version = m_versions[PlaceOf(statement.cabinet, statement.cabinetVersion)];
     const Name user = m_names.insert(statement.user).first;
     version.isSigned = true;
-    version.sha256 = BytesOf<32>(statement.sha256);
-    if (statement.meaning == signature_meaning::kAuthor) version.authors.push_back(user);
+    if (!version.isRegistered) version.sha256 = BytesOf<32>(statement.sha256);
+    if (statement.meaning == signature_meaning::kAuthor && !HasName(version.authors, statement.user))
+        version.authors.push_back(user);
     if (statement.meaning == signature_meaning::kApproved) version.approvedBy.push_back(user);
     if (statement.meaning == signature_meaning::kReviewed) version.isReviewed = true;
     if (statement.meaning == signature_meaning::kRejected) version.isRejected = true;
@@ -160,11 +169,12 @@ bool SignatureState::IsPerson(std::string_view user) const {
 std::string SignatureState::WhyNotFinal(const std::string& cabinet, std::uint64_t number) const {
     if (!IsCabinet(cabinet) || number == 0) throw DataError("a cabinet or a version is named wrongly");
     const Version& version = Found(PlaceOf(cabinet, number));
+    if (!version.isRegistered) return "the version was not registered";
     if (version.isChanged) return "the version was changed after it was signed";
     if (version.isRejected) return "the version was rejected";
-    if (version.approvedBy.size() >= m_rules.approvals) return "";
-    return std::to_string(version.approvedBy.size()) + " of " + std::to_string(m_rules.approvals) +
-           " approvals are there";
+    const std::size_t approvals = version.approvedBy.size() - (HasApprovedOwn(version) ? 1 : 0);
+    if (approvals >= m_rules.approvals) return "";
+    return std::to_string(approvals) + " of " + std::to_string(m_rules.approvals) + " approvals are there";
 }
 
 }  // namespace qel

@@ -53,7 +53,7 @@ private:
     struct Version {
         std::optional<Sha256Digest> sha256;  // as registered, or as signed first
         std::optional<Name> registeredBy;
-        bool isSigned = false, isChanged = false, isReviewed = false, isRejected = false;
+        bool isRegistered = false, isSigned = false, isChanged = false, isReviewed = false, isRejected = false;
         std::vector<Name> authors, approvedBy;
     };
     using Place = std::pair<std::array<std::byte, 16>, std::uint64_t>;  // cabinet and version
@@ -64,6 +64,7 @@ private:
     void AddKeyProblem(Problems& problems, const PersonStatement& statement, const SshPublicKey& key) const;
     void AddPeopleProblem(Problems& problems, const PersonStatement& statement, const Version& version) const;
     void Count(const PersonStatement& statement);
+    bool HasApprovedOwn(const Version& version) const;
     static Place PlaceOf(std::string_view cabinet, std::uint64_t number);
     const Version& Found(const Place& place) const;
 

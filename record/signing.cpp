@@ -8,6 +8,7 @@
 #include "qellib10/record/person_statement_text.h"
 #include "qellib10/record/signature_log.h"
 #include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_writer.h"
 
 namespace qel {
 namespace {
@@ -84,9 +85,9 @@ int Signing::MayBeFinal(std::string_view cabinet, std::uint64_t cabinetVersion) 
 }
 
 void Signing::State::CatchUp() {
-    const TrailReceipt last = trail.Last();
-    if (last.number == 0) throw DataError("the trail is not open");
-    log.CatchUp(last);
+    TrailWriter& writer = WriterOf(trail);
+    writer.Refresh();  // what other programs have had acknowledged counts, and nothing after that
+    log.CatchUp(writer.Last());
 }
 
 // All that can be found wrong without the password is, so that it does not show whether the password was right.

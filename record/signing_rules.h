@@ -27,8 +27,8 @@ struct QELLIB10_API SigningRules {
     unsigned approvals = 1;
     /// Whether "approved" needs a signature "reviewed" before it.
     bool approvalNeedsReview = false;
-    /// Whether a user may sign with this meaning; empty: everybody may. It is asked for old signatures too, so it
-    /// should know the rights that a user had then.
+    /// Whether a user may sign with this meaning; empty: everybody may. It is asked for old signatures too, and does
+    /// not get their time: what a user has signed counts no more once this says no.
     std::function<bool(std::string_view user, std::string_view meaning)> mayGive = {};
 };
 

@@ -1,5 +1,6 @@
 #include "qellib10/record/version_list.h"
 
+#include <set>
 #include <utility>
 
 #include "qellib10/platform/crypto/digest.h"
@@ -113,7 +114,13 @@ std::vector<RecordedVersion> VersionList::With(const CFile& cabinet) {
         versions.push_back(Compared(number, found.size, found.sha256));
     };
     ForEachVersion(cabinet, reader, take);
-    while (versions.size() < latest) take(versions.size() + 1, {});
+    // A damaged header may claim any number of versions: those that the trail knows, and one for all others.
+    const std::uint64_t next = versions.size() + 1;
+    std::set<std::uint64_t> lost;
+    for (auto known = m_known.lower_bound(next); known != m_known.end() && known->first <= latest; ++known)
+        lost.insert(known->first);
+    if (next <= latest) lost.insert(next);
+    for (const std::uint64_t number : lost) take(number, {});
     for (RecordedVersion& missing : Missing()) versions.push_back(std::move(missing));
     return versions;
 }

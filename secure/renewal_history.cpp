@@ -99,9 +99,13 @@ void RenewalHistory::OpenCabinet() {
         if (IsMissing(error)) return;
         throw Refused(m_cabinetPath, "cannot be opened");
     }
-    const bool isEmpty = file.GetLength() == 0;
+    const ULONGLONG length = file.GetLength();
     file.Close();
-    if (!isEmpty && m_cabinet.Open(m_cabinetPath, 0) == 0) throw Refused(m_cabinetPath, "cannot be opened");
+    if (length == 0) return;
+    if (m_cabinet.Open(m_cabinetPath, 0) == 0) throw Refused(m_cabinetPath, "cannot be opened");
+    // Each would get a record.
+    if (Latest() > (length - kCabinetHeaderSize) / kVersionHeaderSize)
+        throw About(m_cabinetPath, "is damaged: it is too short for its number of versions");
 }
 
 // A program that ended between registering a version and adding its record has left none for it, or a part of one. Of

@@ -4,7 +4,10 @@
 #include "../support/output_of.h"
 #include "../support/run_at_once.h"
 #include "../support/test.h"
+#include "qellib10/file/check_sums.h"
+#include "qellib10/platform/endian.h"
 #include "qellib10/platform/error.h"
+#include "qellib10/record/cabinet_records.h"
 #include "qellib10/record/trail_backwards.h"
 #include "recorded_folder.h"
 
@@ -292,6 +295,22 @@ TEST(RecordedCabinet, ATrailThatSomebodyHasChangedIsNotTrusted) {
     text.replace(text.find("\"abe\""), 5, "\"eve\"");
     folder.Write("t", text);
     EXPECT_EQ(folder.Listed(), "entry 6 of the trail is not the one that was acknowledged");
+}
+
+TEST(RecordedCabinet, AHeaderThatClaimsEveryVersionThereCouldBeTakesNoMemory) {
+    const TwoVersions two;
+    std::string header = two.Read("c").substr(0, 36);
+    qel::PutNumber(std::as_writable_bytes(std::span(header)), 8, std::uint32_t{0xFFFF'FFFF});
+    qel::CheckSums sums;
+    sums.Add({reinterpret_cast<const unsigned char*>(header.data()), 28});
+    qel::PutNumber(std::as_writable_bytes(std::span(header)), 28, sums.Sum());
+    qel::PutNumber(std::as_writable_bytes(std::span(header)), 32, sums.Crc());
+    two.Write("c", header + two.Read("c").substr(36));
+    EXPECT_EQ(two.Listed(), "c: is damaged: it is too short for its number of versions");
+    qel::CabinetRecords records;
+    qel::CabinetRecords::Cabinet found;
+    ASSERT_TRUE(records.Read(two.Name("t")) != 0 && records.Compare(two.Name("c"), found) != 0);
+    EXPECT_EQ(TwoVersions::Text(found.versions), "1 recorded mori|2 recorded sato|3 unrecorded|");
 }
 
 TEST(QelTrail, ComparesTheCabinetsOfAnArchive) {

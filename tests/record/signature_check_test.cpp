@@ -66,7 +66,9 @@ TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
              {satoMay, "mori author, nakano approved, sato approved", "allowed 6"},
              {usual, "sato approved, mori registers abd, sato reviewed", "version 6 version 7"},
              {usual, "sato approved, mori registers", ""},
-             {usual, "mori registers abd, mori registers abc, sato approved", ""},
+             {usual, "mori registers abd, mori registers abc, sato approved", "version 6 version 7"},
+             {usual, "mori approved, mori registers", "same 6"},
+             {lax, "mori approved, mori registers", ""},
              {usual, "mori registers abd, sato approved", "version 6"},
          }) {
         People people;

@@ -109,6 +109,7 @@ private:
             record.cabinetVersion = 2;
             record.size = content.size();
             record.sha256 = HashOf(content);
+            if (what == "recovers") record.after = "result registered";
         }
         EXPECT_TRUE(trail.Append(record)) << qel::LastFailure().text;
     }

@@ -76,8 +76,9 @@ TEST(Signing, TakesNameAndPasswordThenThePasswordAlone) {
     EXPECT_EQ(Outcome(signing.Sign(Request("reviewed"), "ota", "Secret word")), kRefused + "the password is wrong");
     EXPECT_EQ(Outcome(signing.Sign(Request("reviewed"), "ota", "secret word")), "entry 7");
     EXPECT_EQ(signing.MayBeFinal(kCabinet, 2), 0);
-    EXPECT_EQ(qel::LastFailure().text, "0 of 1 approvals are there");
+    EXPECT_EQ(qel::LastFailure().text, "the version was not registered");
     EXPECT_EQ(Outcome(signing.Sign(Request(), "secret word")), "entry 8");
+    people.Do("mori registers");
     EXPECT_EQ(signing.MayBeFinal(kCabinet, 2), 1);
     EXPECT_EQ(signing.MayBeFinal(kCabinet, 3), 0);
 
@@ -126,6 +127,7 @@ TEST(Signing, EndsWithTheThirdRefusal) {
     EXPECT_FALSE(s.signing.HasEnded());
     EXPECT_EQ(Outcome(s.signing.Sign(Request(), "mori", "right")), kRefused + "the name is not that of the key");
     EXPECT_TRUE(s.signing.HasEnded());
+    s.Do("mori registers");
     const std::string before = s.Read("t");
     EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), kState + "three refusals have ended the session");
     EXPECT_EQ(Line({s.Read("t") == before, s.person->tries, s.signing.MayBeFinal(kCabinet, 2)}), "1 3 1");
@@ -135,7 +137,8 @@ TEST(Signing, BelievesNoTrailThatIsNotTheOneThatWasAppendedTo) {
     for (const auto& [from, to, reason] : Cases<std::string, const char*, const char*>{
              {"\"user\":\"sato", "\"user\":\"Sato", "the trail has another entry than was appended"},
              {"\"user\":\"mori", "\"user\":\"Mori", "an entry of the trail is not the one that follows"},
-             {"\"user\":\"mori", "\"user\": \"mori", "the line is no entry of a trail at \"user\""},
+             {"\"user\":\"mori", "\"user\": \"mori",
+              "the trail has no whole line where its last acknowledged entry should end"},
          }) {
         Session s;
         std::string text = s.Read("t");
@@ -148,8 +151,8 @@ TEST(Signing, BelievesNoTrailThatIsNotTheOneThatWasAppendedTo) {
     qel::TrailEntry forged = s.Entry(4);
     EXPECT_EQ(s.signing.MayBeFinal(kCabinet, 2), 0);
     s.Write("t", s.Lines()[0]);
-    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), kData + "the trail became shorter");
-    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), kData + "entries of the trail are missing");
+    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")),
+              kData + "entries are missing: the trail ends before entry 4, which was acknowledged");
     forged.number = 5;
     forged.user = "ota";
     forged.object = ByteSigner(14).PublicKey();
@@ -159,7 +162,9 @@ TEST(Signing, BelievesNoTrailThatIsNotTheOneThatWasAppendedTo) {
     for (const std::string& line : {ByteSigner(2).Line(forged), changed}) {
         s.Write("t", whole + line);
         EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")),
-                  kData + "an entry of the trail is not signed by a key that may sign");
+                  kData +
+                      "entries are missing or foreign: what comes after entry 4 does not follow it, or nobody who "
+                      "may has signed it");
     }
     s.Write("t", whole);
     EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), "entry 5");
@@ -218,15 +223,20 @@ TEST(Signing, MayBeFinalAsAllProgramsHaveSigned) {
              {"nakano approved", ""},
              {"sato approved", "1 of 2 approvals are there"},
              {"nakano:11 approved", "1 of 2 approvals are there"},
+             {"mori approved, nakano approved", ""},
              {"nakano approved, mori rejected", "the version was rejected"},
              {"nakano approved, mori registers abd", "the version was changed after it was signed"},
          }) {
         Session s("sato", 13, two);
         ASSERT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), "entry 5");
+        s.Do("mori registers");
         s.Do(steps);
         EXPECT_EQ(s.signing.MayBeFinal(kCabinet, 2), *why == '\0') << steps;
         EXPECT_EQ(qel::LastFailure().text, why) << steps;
     }
     Session s;
+    s.Do("mori approved, mori registers");
+    EXPECT_EQ(s.signing.MayBeFinal(kCabinet, 2), 0) << "one's own work, approved before it was registered";
+    EXPECT_EQ(qel::LastFailure().text, "0 of 1 approvals are there");
     EXPECT_EQ(Line({s.signing.MayBeFinal("x", 2), qel::LastFailure().kind == qel::FailureKind::kData}), "0 1");
 }
