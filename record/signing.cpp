@@ -1,30 +1,16 @@
 #include "qellib10/record/signing.h"
 
-#include <array>
-#include <chrono>
-
 #include "qellib10/platform/archive/result.h"
-#include "qellib10/platform/random.h"
 #include "qellib10/record/person_statement_text.h"
 #include "qellib10/record/signature_log.h"
 #include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_clock.h"
 #include "qellib10/record/trail_writer.h"
 
 namespace qel {
 namespace {
 
 constexpr unsigned kMostRefusals = 3;
-
-std::string NewNonce() {
-    std::array<std::byte, 16> bytes;
-    if (!FillRandom(bytes)) throw DataError("no source of random numbers");
-    return Hex(bytes);
-}
-
-std::int64_t Now() {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-}
 
 TrailRecord RecordOf(std::string_view action, const PersonStatement& statement, std::string_view user) {
     TrailRecord record;
@@ -122,7 +108,7 @@ int Signing::State::RefuseState(bool hasName) const {
 
 PersonStatement Signing::State::StatementOf(const SigningRequest& request) const {
     return {.trailId = log.TrailId(),
-            .nonce = NewNonce(),
+            .nonce = RandomId(),
             .cabinet = request.cabinet,
             .cabinetVersion = request.cabinetVersion,
             .size = request.size,
@@ -131,7 +117,7 @@ PersonStatement Signing::State::StatementOf(const SigningRequest& request) const
             .meaning = request.meaning,
             .name = person->PrintedName(),
             .user = person->User(),
-            .time = Now()};
+            .time = SystemMoment().time};
 }
 
 std::string Signing::State::WhyRefused(const PersonStatement& statement, std::optional<std::string_view> user) const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "qellib10/platform/error.h"
+#include "qellib10/platform/random.h"
 #include "qellib10/platform/text/printable_text.h"
 
 namespace qel {
@@ -61,6 +62,12 @@ bool IsCabinet(std::string_view text) {
 bool IsName(std::string_view text, std::size_t longest) {
     return text.size() <= longest && text.find_first_not_of(' ') != std::string_view::npos &&
            PrintableText(text) == text;
+}
+
+std::string RandomId() {
+    std::array<std::byte, 16> id;
+    if (!FillRandom(id)) throw DataError("the system has no random numbers");
+    return Hex(id);
 }
 
 std::string EncodeBase64(std::string_view bytes) {

@@ -23,6 +23,9 @@ bool IsCabinet(std::string_view text);
 /// Whether a name can be shown as it is: UTF-8 without control characters, not blank, at most @p longest bytes.
 bool IsName(std::string_view text, std::size_t longest);
 
+/// 128 random bits as 32 such digits: a trail's ID, or a number that is used once. @throws DataError
+std::string RandomId();
+
 /// The standard alphabet of RFC 4648 with padding.
 std::string EncodeBase64(std::string_view bytes);
 /// An upper limit of the bytes that so many characters encode.

@@ -1,12 +1,10 @@
 #include "qellib10/record/trail_writer.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <new>
 
 #include "qellib10/platform/error.h"
-#include "qellib10/platform/random.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/record/text_forms.h"
@@ -35,12 +33,6 @@ private:
     Callback m_callback;
     bool m_isDone = false;
 };
-
-std::string NewTrailId() {
-    std::array<std::byte, 16> id;
-    if (!FillRandom(id)) throw DataError("the system has no random numbers");
-    return Hex(id);
-}
 
 // What the clock should say, where somebody has set it since the entry @p last. Nothing after a restart: only people
 // could say so.
@@ -85,7 +77,7 @@ void TrailWriter::OpenHead() {
         if (trail && trail->Size() > 0) throw DataError("the head file of the trail is missing");
         RequirePlaceForTails(m_settings.path);
         TrailHeadState first;
-        first.trailId = NewTrailId();
+        first.trailId = RandomId();
         first.keys = {SshPublicKey::OfText(m_signer->PublicKey())};
         TrailHead::MakeNew(m_settings.headPath, first);
         head = TrailHead::OpenIfThere(m_settings.headPath, GuardedFile::Use::kWrite);
