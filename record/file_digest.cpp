@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 #include "qellib10/platform/crypto/digest.h"
 #include "qellib10/platform/error.h"
@@ -20,6 +21,23 @@ CabinetVersion Find(CabinetReader& cabinet, std::uint64_t number) {
         if (!version) throw DataError("the cabinet does not have all its versions");
         if (version->number == number) return *version;
     }
+}
+
+// Gives each block to @p take, with its place.
+template <class Take> FileDigest ReadAll(const CFile& file, std::string_view name, Take take) {
+    const auto block = MakeIoBlock();
+    Sha256Sum sum;
+    FileDigest digest;
+    for (;;) {
+        const std::size_t size = ReadFullyAt(file.ReadableDescriptor(), block->bytes, digest.size, name);
+        if (size == 0) break;
+        const auto part = std::span(block->bytes).first(size);
+        take(part, digest.size);
+        sum.Add(part);
+        digest.size += size;
+    }
+    digest.sha256 = Hex(sum.End());
+    return digest;
 }
 
 }  // namespace
@@ -56,21 +74,18 @@ std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version) 
     }
 }
 
+FileDigest DigestOfFile(std::string_view path) {
+    const CFile file(CString(path), CFile::modeRead | CFile::shareDenyWrite);
+    return ReadAll(file, path, [](std::span<const std::byte>, std::uint64_t) {});
+}
+
 PrivateCopy::PrivateCopy(const std::string& cabinet, std::string_view source) : m_file(cabinet + ".next", kOnlyOwner) {
     const CFile from(CString(source), CFile::modeRead | CFile::shareDenyWrite);
-    const auto block = MakeIoBlock();
-    Sha256Sum sum;
-    for (;;) {
-        const std::size_t size = ReadFullyAt(from.ReadableDescriptor(), block->bytes, m_digest.size, source);
-        if (size == 0) break;
-        const auto part = std::span(block->bytes).first(size);
-        WriteFullyAt(m_file.File(), part, m_digest.size, cabinet);
-        sum.Add(part);
-        m_digest.size += size;
-        if (m_digest.size > std::numeric_limits<DWORD>::max())
+    m_digest = ReadAll(from, source, [&](std::span<const std::byte> part, std::uint64_t at) {
+        WriteFullyAt(m_file.File(), part, at, cabinet);
+        if (at + part.size() > std::numeric_limits<DWORD>::max())
             throw DataError("a file of 4 GiB or more does not fit into a cabinet");
-    }
-    m_digest.sha256 = Hex(sum.End());
+    });
 }
 
 }  // namespace qel

@@ -21,6 +21,8 @@ struct FileDigest {
 FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version);
 /// The same, found by its number. Nothing when there is no such version.
 std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version);
+/// Of a whole file.
+FileDigest DigestOfFile(std::string_view path);
 
 /// A file as it was at one moment, next to the cabinet that it is for. What is hashed is what is registered then,
 /// whoever writes to the file meanwhile. It is removed with the object; what a killed program has left goes with the

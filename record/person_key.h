@@ -34,7 +34,8 @@ public:
 
     /// Makes a new key in a file that must not exist yet, with mode 0600, and opens it.
     /// @param path in the library's form
-    /// @param user for logging on, at most 256 bytes of UTF-8 without control characters; so is @p printedName
+    /// @param user for logging on, 1 to 256 bytes of UTF-8 without control characters, and no blank at the
+    /// start or end; so is @p printedName
     int Make(std::string_view path, std::string_view user, std::string_view printedName, std::string_view password);
     /// Reads what is not secret. The file must be this user's and have mode 0600.
     /// @return 1, or 0 and there is no key

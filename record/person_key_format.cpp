@@ -40,7 +40,8 @@ void ReadHex(JsonReader& json, std::string_view key, std::span<std::byte> bytes)
 std::string PersonKeyFile::Header() const { return WriteHeader(*this).Written(); }
 
 std::string PersonKeyFile::Text() const {
-    Require(IsName(user, kLongestName) && IsName(name, kLongestName), "needs names of 1 to 256 characters to show");
+    Require(IsShown(user, kLongestName) && IsShown(name, kLongestName),
+            "needs names of 1 to 256 bytes that can be shown");
     JsonWriter json = WriteHeader(*this);
     json.Text("sealed", Hex(sealed));
     json.Text("sha256", Hex(Sha256(json.Written())));

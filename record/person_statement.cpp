@@ -17,9 +17,6 @@ void Require(bool isRight, const char* what) {
     if (!isRight) throw DataError(std::string("a statement ") + what);
 }
 
-// "approved" with a blank would look like "approved" and be another meaning.
-bool IsShown(std::string_view text) { return IsName(text, kLongestName) && text.front() != ' ' && text.back() != ' '; }
-
 void RequireValid(const PersonStatement& statement) {
     Require(IsHex(statement.trailId, 32), "has no trail ID");
     Require(IsHex(statement.nonce, 32), "has no nonce");
@@ -27,8 +24,9 @@ void RequireValid(const PersonStatement& statement) {
     Require(statement.cabinetVersion > 0, "names no version");
     Require(IsHex(statement.sha256, 64), "has no hash of the version");
     Require(statement.reportSha256.empty() || IsHex(statement.reportSha256, 64), "has a report's hash in another form");
-    Require(IsShown(statement.meaning), "needs a meaning of 1 to 256 bytes that can be shown");
-    Require(IsShown(statement.name) && IsShown(statement.user), "needs names of 1 to 256 bytes that can be shown");
+    Require(IsShown(statement.meaning, kLongestName), "needs a meaning of 1 to 256 bytes that can be shown");
+    Require(IsShown(statement.name, kLongestName) && IsShown(statement.user, kLongestName),
+            "needs names of 1 to 256 bytes that can be shown");
 }
 
 PersonStatement ReadFields(JsonReader& json) {

@@ -151,6 +151,9 @@ TrailReceipt RecordedCabinet::State::TakeOut(std::uint64_t version, std::string_
                                   .size = found->size,
                                   .sha256 = found->sha256});
     history->TakeOut(static_cast<DWORD>(version), target);
+    // A cabinet that somebody has made can have two versions of one number.
+    if (DigestOfFile(target) != *found)
+        throw DataError("what was taken out is not what the entry says: the cabinet has " + Number(version) + " twice");
     return receipt;
 }
 

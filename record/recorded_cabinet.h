@@ -85,8 +85,8 @@ public:
     /// for List to say.
     /// @param reason must be there
     /// @return the entry. Nothing for a version that does not exist or a blank user or reason, without an entry.
-    /// Nothing, if the target cannot be written or the version is damaged; the entry is there then, and @p target has
-    /// what was found: the trail may say that more was taken out than was, never less
+    /// Nothing, if the target cannot be written or the version is damaged or there twice; the entry is there then, and
+    /// @p target has what was found: the trail may say that more was taken out than was, never less
     std::optional<TrailReceipt> TakeOut(std::uint64_t version, std::string_view target, std::string_view user,
                                         std::string_view reason);
 

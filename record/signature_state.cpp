@@ -107,16 +107,17 @@ std::vector<SignatureProblem> SignatureState::TakeSignature(const TrailEntry& en
         problems.push_back({SignatureFault::kOtherEntry, "the entry says something else than its statement"});
     if (!m_nonces.insert(BytesOf<16>(statement.nonce)).second)
         problems.push_back({SignatureFault::kRepeated, "the statement was used before"});
-    for (SignatureProblem& problem : ProblemsOf(statement, read.signature.key)) problems.push_back(std::move(problem));
+    for (SignatureProblem& problem : ProblemsOf(statement, read.signature.key, entry.time))
+        problems.push_back(std::move(problem));
     if (problems.empty()) Count(statement);
     return problems;
 }
 
-std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& statement,
-                                                         const SshPublicKey& key) const {
+std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& statement, const SshPublicKey& key,
+                                                         std::int64_t time) const {
     Problems problems;
     AddKeyProblem(problems, statement, key);
-    if (m_rules.mayGive && !m_rules.mayGive(statement.user, statement.meaning))
+    if (m_rules.mayGive && !m_rules.mayGive(statement.user, statement.meaning, time))
         problems.push_back({SignatureFault::kNotAllowed, "the user may not sign as " + statement.meaning});
     const Version& version = Found(PlaceOf(statement.cabinet, statement.cabinetVersion));
     if (version.sha256 && *version.sha256 != BytesOf<32>(statement.sha256))

@@ -34,8 +34,10 @@ public:
     /// Takes the next entry. @return what is wrong with it; it counts for nothing then
     std::vector<SignatureProblem> Take(const TrailEntry& entry);
 
-    /// What is wrong with a statement of valid form that would come next, signed rightly with @p key.
-    std::vector<SignatureProblem> ProblemsOf(const PersonStatement& statement, const SshPublicKey& key) const;
+    /// What is wrong with a statement of valid form that would come next, signed rightly with @p key, in an entry of
+    /// this time.
+    std::vector<SignatureProblem> ProblemsOf(const PersonStatement& statement, const SshPublicKey& key,
+                                             std::int64_t time) const;
     /// Whether a key was announced for the user, also one that has ended.
     bool IsPerson(std::string_view user) const;
     /// Why a version may not be final yet, or ever; empty if it may.

@@ -30,7 +30,7 @@ struct Signing::State {
     std::shared_ptr<PersonSigner> person;
     SignatureLog log;
     unsigned refusals = 0;
-    bool isStarted = false;  // somebody has signed: the name is known
+    std::string key = {};  // of who has signed first; empty: nobody has
 
     int Sign(const SigningRequest& request, std::optional<std::string_view> user, std::string_view password,
              std::optional<TrailReceipt>& receipt);
@@ -42,8 +42,8 @@ struct Signing::State {
     void CatchUp();
 };
 
-Signing::Signing(Trail& trail, std::string_view path, std::shared_ptr<PersonSigner> person, SigningRules rules)
-    : m_state(new State{trail, std::move(person), SignatureLog(std::string(path), std::move(rules))}) {}
+Signing::Signing(Trail& trail, std::shared_ptr<PersonSigner> person, SigningRules rules)
+    : m_state(new State{trail, std::move(person), SignatureLog(WriterOf(trail).Path(), std::move(rules))}) {}
 Signing::~Signing() = default;
 
 bool Signing::HasEnded() const noexcept { return m_state->refusals >= kMostRefusals; }
@@ -84,6 +84,10 @@ int Signing::State::Sign(const SigningRequest& request, std::optional<std::strin
     const PersonStatement statement = StatementOf(request);
     const std::string part = SignedPart(statement);
     const std::string_view typed = user.value_or(statement.user);
+    if (!key.empty() && key != person->PublicKey()) {
+        refusals = kMostRefusals;
+        return RefuseSigning(statement, "", "the key is not the one that the session began with");
+    }
     const std::string why = WhyRefused(statement, user);
     if (!why.empty()) return RefuseSigning(statement, typed, why);
     SshSignature signature{.key = SshPublicKey::OfText(person->PublicKey())};
@@ -98,10 +102,10 @@ int Signing::State::Sign(const SigningRequest& request, std::optional<std::strin
 }
 
 int Signing::State::RefuseState(bool hasName) const {
-    if (refusals >= kMostRefusals) return Refuse(FailureKind::kState, "", "three refusals have ended the session");
+    if (refusals >= kMostRefusals) return Refuse(FailureKind::kState, "", "refusals have ended the session");
     if (person == nullptr || person->PublicKey().empty())
         return Refuse(FailureKind::kState, "", "no person's key is open");
-    if (!hasName && !isStarted)
+    if (!hasName && key.empty())
         return Refuse(FailureKind::kState, "", "the first signature of a session needs the user's name");
     return 1;
 }
@@ -122,7 +126,7 @@ PersonStatement Signing::State::StatementOf(const SigningRequest& request) const
 
 std::string Signing::State::WhyRefused(const PersonStatement& statement, std::optional<std::string_view> user) const {
     if (user && *user != statement.user) return "the name is not that of the key";
-    const auto problems = log.State().ProblemsOf(statement, SshPublicKey::OfText(person->PublicKey()));
+    const auto problems = log.State().ProblemsOf(statement, SshPublicKey::OfText(person->PublicKey()), statement.time);
     return problems.empty() ? "" : problems.front().text;
 }
 
@@ -145,7 +149,7 @@ int Signing::State::Append(const PersonStatement& statement, std::string_view te
     const auto problems = log.CatchUp(*receipt);
     if (!problems.empty())
         return Refuse(FailureKind::kRefused, "", "another program was quicker: " + problems.front().text);
-    isStarted = true;
+    key = person->PublicKey();
     return 1;
 }
 

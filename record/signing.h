@@ -34,7 +34,7 @@ struct QELLIB10_API SigningRequest {
 /// qel::Trail trail(settings, installation);
 /// auto person = std::make_shared<qel::PersonKey>();
 /// if (trail.Open() == 0 || person->Open(R"(\srv\keys\mori)") == 0) return;
-/// qel::Signing signing(trail, settings.path, person, {.approvals = 2});
+/// qel::Signing signing(trail, person, {.approvals = 2});
 /// qel::SigningRequest request;  // its cabinet, version and hash as they were registered
 /// request.meaning = qel::signature_meaning::kApproved;
 /// if (!signing.Sign(request, user, password)) std::puts(qel::LastFailure().text.c_str());
@@ -43,6 +43,8 @@ struct QELLIB10_API SigningRequest {
 /// Operations return 1 or a value, or 0 or nothing; qel::LastFailure has the reason. Its kind is kRefused where the
 /// person or the rules are the reason. Each refusal becomes an entry trail_kind::kSignatureRefused, and the third one
 /// ends the session. What was typed is never written; the entry has a user only if a key was announced for that user.
+/// A session is that of one key: when the signer has another one after the first signature, as when a qel::PersonKey
+/// opens another file, this is refused and ends the session at once.
 ///
 /// The key of the person must have been announced by an entry trail_kind::kPersonKeyAdded. The first operation reads
 /// the whole trail, later ones only what is new. Nothing is locked while a password is checked. If another program was
@@ -51,8 +53,7 @@ struct QELLIB10_API SigningRequest {
 /// thread at a time; the trail may be in use elsewhere, and must live as long as this object.
 class QELLIB10_API Signing {
 public:
-    /// @param path of the trail's file, in the library's form
-    Signing(Trail& trail, std::string_view path, std::shared_ptr<PersonSigner> person, SigningRules rules);
+    Signing(Trail& trail, std::shared_ptr<PersonSigner> person, SigningRules rules);
     ~Signing();
     Signing(const Signing&) = delete;
     Signing& operator=(const Signing&) = delete;
@@ -63,7 +64,7 @@ public:
     std::optional<TrailReceipt> Sign(const SigningRequest& request, std::string_view user, std::string_view password);
     /// A later one.
     std::optional<TrailReceipt> Sign(const SigningRequest& request, std::string_view password);
-    /// Whether three refusals have ended the session.
+    /// Whether three refusals, or another key, have ended the session.
     bool HasEnded() const noexcept;
 
     /// Whether a version has the approvals that the rules ask for, is not rejected and was not changed since. It also

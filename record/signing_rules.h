@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string_view>
 
@@ -14,7 +15,7 @@ namespace qel {
 /// std::map<std::string, CFunctionSecurity, std::less<>> rights;  // of each user
 /// qel::SigningRules rules;
 /// rules.approvals = 2;
-/// rules.mayGive = [&](std::string_view user, std::string_view meaning) {
+/// rules.mayGive = [&](std::string_view user, std::string_view meaning, std::int64_t) {
 ///     const auto found = rights.find(user);
 ///     const int function = meaning == qel::signature_meaning::kApproved ? 201 : 200;
 ///     return found != rights.end() && found->second.GetFunctionSecurity(function) > 0;
@@ -27,9 +28,10 @@ struct QELLIB10_API SigningRules {
     unsigned approvals = 1;
     /// Whether "approved" needs a signature "reviewed" before it.
     bool approvalNeedsReview = false;
-    /// Whether a user may sign with this meaning; empty: everybody may. It is asked for old signatures too, and does
-    /// not get their time: what a user has signed counts no more once this says no.
-    std::function<bool(std::string_view user, std::string_view meaning)> mayGive = {};
+    /// Whether a user may sign with this meaning, and might at that time; empty: everybody may. It is asked for old
+    /// signatures too: one that looks at today's rights alone takes old approvals with them.
+    /// @param time of the signature's entry, ms since 1970 in UTC; of the statement while there is no entry yet
+    std::function<bool(std::string_view user, std::string_view meaning, std::int64_t time)> mayGive = {};
 };
 
 }  // namespace qel

@@ -59,8 +59,8 @@ bool IsCabinet(std::string_view text) {
            std::ranges::none_of(text, [](char c) { return c >= 'a' && c <= 'f'; });
 }
 
-bool IsName(std::string_view text, std::size_t longest) {
-    return text.size() <= longest && text.find_first_not_of(' ') != std::string_view::npos &&
+bool IsShown(std::string_view text, std::size_t longest) {
+    return !text.empty() && text.size() <= longest && text.front() != ' ' && text.back() != ' ' &&
            PrintableText(text) == text;
 }
 

@@ -20,8 +20,9 @@ bool HasFormOfGuid(std::string_view text);
 /// The GUID of a cabinet as CGuid::GetString writes it: braces and capitals.
 bool IsCabinet(std::string_view text);
 
-/// Whether a name can be shown as it is: UTF-8 without control characters, not blank, at most @p longest bytes.
-bool IsName(std::string_view text, std::size_t longest);
+/// Whether a text looks like what it is: UTF-8 without control characters, 1 to @p longest bytes, and no blank at its
+/// start or end, with which it would look like another one.
+bool IsShown(std::string_view text, std::size_t longest);
 
 /// 128 random bits as 32 such digits: a trail's ID, or a number that is used once. @throws DataError
 std::string RandomId();

@@ -82,6 +82,7 @@ TEST(PersonKeyFile, IsRefusedForWhatNoWriterMakesAlsoWithARightSum) {
              {"\"personkey\":1", "\"personkey\":2", false},
              {"\"user\":\"mori\"", "\"user\":\"nakano\"", true},  // its header is another: see below
              {"\"user\":\"mori\"", "\"user\":\"\"", false},
+             {"\"user\":\"mori\"", "\"user\":\"mori \"", false},  // no statement can name this user
              {"\"user\":\"mori\"", "\"user\":\"a\\u000ab\"", false},
              {"\"user\":\"mori\"", "\"user\": \"mori\"", false},
              {"ssh-ed25519", "ssh-rsa", false},

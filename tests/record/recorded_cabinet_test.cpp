@@ -9,6 +9,7 @@
 #include "qellib10/platform/error.h"
 #include "qellib10/record/cabinet_records.h"
 #include "qellib10/record/trail_backwards.h"
+#include "qellib10/secure/history_cabinet_format.h"
 #include "recorded_folder.h"
 
 namespace {
@@ -248,6 +249,25 @@ TEST(RecordedCabinet, TakingOutIsRecordedFirst) {
     EXPECT_EQ(entry.sha256, HashOf("one"));
     EXPECT_FALSE(archive.cabinet.TakeOut(1, folder.Name("no/out"), "abe", "audit"));
     EXPECT_EQ(folder.Lines().size(), 7u) << "the entry is there, the target not";
+}
+
+TEST(RecordedCabinet, TakingOutFailsWhereACabinetWasMadeWithTwoVersionsOfOneNumber) {
+    const TwoVersions folder;
+    folder.Add("new");
+    folder.Change(19, 2);  // its number
+    std::string bytes = folder.Read("c");
+    const auto start = std::as_bytes(std::span<const char, qel::kCabinetHeaderSize>(bytes.data(), 36));
+    qel::CabinetHeader header = qel::UnpackCabinetHeader(start);
+    header.versionCount = 2;
+    header.sum = qel::CheckSumsOf(header).Sum();
+    header.crc = qel::CheckSumsOf(header).Crc();
+    const auto packed = qel::Pack(header);
+    folder.Write("c", bytes.replace(0, packed.size(), reinterpret_cast<const char*>(packed.data()), packed.size()));
+    Archive archive(folder);
+    ASSERT_TRUE(archive.Open()) << qel::LastFailure().text;
+    EXPECT_FALSE(archive.cabinet.TakeOut(2, folder.Name("out"), "abe", "audit"));
+    EXPECT_EQ(Line({qel::LastFailure().text, folder.Read("out"), folder.Entry(6).sha256 == HashOf("new")}),
+              "what was taken out is not what the entry says: the cabinet has version 2 twice two 1");
 }
 
 TEST(RecordedCabinet, ProgramsThatRegisterAtOnceSettleNothingOfEachOther) {

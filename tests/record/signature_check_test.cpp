@@ -43,8 +43,12 @@ TEST(Signatures, AreWrongWhereTheKeyIs) {
 TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
     const qel::SigningRules usual, two = Rules(2), reviewed = Rules(1, true), lax = Rules(1, false, true);
     qel::SigningRules satoMay;
-    satoMay.mayGive = [](std::string_view user, std::string_view meaning) {
+    satoMay.mayGive = [](std::string_view user, std::string_view meaning, std::int64_t) {
         return meaning != "approved" || user == "sato";
+    };
+    qel::SigningRules never;
+    never.mayGive = [](std::string_view, std::string_view, std::int64_t time) {
+        return time == Approval("mori").time;  // what is signed says this, its entry another time
     };
     for (const auto& [rules, steps, found] : Cases<qel::SigningRules, const char*, const char*>{
              {usual, "mori author, mori approved", "same 6"},
@@ -63,6 +67,7 @@ TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
              {reviewed, "mori approved, sato reviewed", "order 5"},
              {reviewed, "sato:12 reviewed, mori approved", "unknown 5 order 6"},
              {reviewed, "sato reviewed, mori approved", ""},
+             {never, "mori author", "allowed 5"},
              {satoMay, "mori author, nakano approved, sato approved", "allowed 6"},
              {usual, "sato approved, mori registers abd, sato reviewed", "version 6 version 7"},
              {usual, "sato approved, mori registers", ""},

@@ -22,6 +22,11 @@ public:
         return m_key.Sign(isBroken ? "x" : bytes);
     }
 
+    void Become(const std::string& user, int key) {
+        m_user = user;
+        m_key = ByteSigner(key);
+    }
+
     int tries = 0;
     bool isBroken = false;
     std::function<void()> meanwhile;
@@ -48,7 +53,7 @@ std::string Outcome(const std::optional<qel::TrailReceipt>& receipt) {
 // A folder with a session of sato.
 struct Session : People {
     Session(const std::string& user = "sato", int key = 13, qel::SigningRules rules = {})
-        : person(std::make_shared<QuickPerson>(user, key)), signing(trail, Name("t"), person, std::move(rules)) {}
+        : person(std::make_shared<QuickPerson>(user, key)), signing(trail, person, std::move(rules)) {}
 
     std::shared_ptr<QuickPerson> person;
     qel::Signing signing;
@@ -70,7 +75,7 @@ TEST(Signing, TakesNameAndPasswordThenThePasswordAlone) {
     ASSERT_TRUE(people.trail.Append(announced));
     const auto person = std::make_shared<qel::PersonKey>();
     ASSERT_EQ(person->Open(people.Name("k")), 1);
-    qel::Signing signing(people.trail, people.Name("t"), person, {});
+    qel::Signing signing(people.trail, person, {});
     EXPECT_EQ(Outcome(signing.Sign(Request("reviewed"), "secret word")),
               kState + "the first signature of a session needs the user's name");
     EXPECT_EQ(Outcome(signing.Sign(Request("reviewed"), "ota", "Secret word")), kRefused + "the password is wrong");
@@ -98,7 +103,7 @@ TEST(Signing, TakesNameAndPasswordThenThePasswordAlone) {
 TEST(Signing, RefusesBeforeItAsksForThePasswordAndWritesNothingThatWasTyped) {
     const auto never = [] {
         qel::SigningRules rules;
-        rules.mayGive = [](std::string_view, std::string_view) { return false; };
+        rules.mayGive = [](std::string_view, std::string_view, std::int64_t) { return false; };
         return rules;
     };
     const std::string name = "the name is not that of the key", key = "the key was not announced for this user";
@@ -129,8 +134,20 @@ TEST(Signing, EndsWithTheThirdRefusal) {
     EXPECT_TRUE(s.signing.HasEnded());
     s.Do("mori registers");
     const std::string before = s.Read("t");
-    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), kState + "three refusals have ended the session");
+    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "sato", "right")), kState + "refusals have ended the session");
     EXPECT_EQ(Line({s.Read("t") == before, s.person->tries, s.signing.MayBeFinal(kCabinet, 2)}), "1 3 1");
+}
+
+TEST(Signing, EndsWhereTheSignerHasAnotherKeyThanAtFirst) {
+    Session s;
+    s.person->Become("mori", 11);
+    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "mori", "right")), "entry 5");  // nobody had signed
+    s.person->Become("sato", 13);
+    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "right")),
+              kRefused + "the key is not the one that the session began with");
+    s.person->Become("mori", 11);
+    EXPECT_EQ(Outcome(s.signing.Sign(Request(), "mori", "right")), kState + "refusals have ended the session");
+    EXPECT_EQ(Line({s.Actions().ends_with("|signature|signature refused|"), s.person->tries}), "1 1");
 }
 
 TEST(Signing, BelievesNoTrailThatIsNotTheOneThatWasAppendedTo) {
@@ -181,9 +198,9 @@ TEST(Signing, WritesNothingForWhatNobodyIsToBlameFor) {
     EXPECT_EQ(s.Read("t"), before);
     const TrailFolder folder;
     qel::Trail closed(folder.Settings(), std::make_shared<ByteSigner>(1));
-    qel::Signing signing(closed, folder.Name("t"), s.person, {});
+    qel::Signing signing(closed, s.person, {});
     EXPECT_EQ(Outcome(signing.Sign(Request(), "sato", "right")), kData + "the trail is not open");
-    qel::Signing nobody(s.trail, s.Name("t"), nullptr, {});
+    qel::Signing nobody(s.trail, nullptr, {});
     EXPECT_EQ(Outcome(nobody.Sign(Request(), "sato", "right")), kState + "no person's key is open");
 }
 
@@ -192,7 +209,7 @@ TEST(Signing, ReturnsWhenItsEntryIsAcknowledgedHoweverTheTrailIsFlushed) {
         People people;
         qel::Trail trail(people.Settings(flush), std::make_shared<ByteSigner>(1));
         ASSERT_EQ(trail.Open(), 1);
-        qel::Signing signing(trail, people.Name("t"), std::make_shared<QuickPerson>("sato", 13), {});
+        qel::Signing signing(trail, std::make_shared<QuickPerson>("sato", 13), {});
         EXPECT_EQ(Outcome(signing.Sign(Request(), "sato", "wrong")), kRefused + "the password is wrong");
         EXPECT_EQ(trail.Last().number, 5);
         EXPECT_EQ(Outcome(signing.Sign(Request(), "sato", "right")), "entry 6");
