@@ -8,6 +8,7 @@
 #include "qellib10/record/person_statement.h"
 #include "qellib10/record/recorded_cabinet.h"
 #include "qellib10/record/recorded_version.h"
+#include "qellib10/record/signature_block.h"
 #include "qellib10/record/signature_check.h"
 #include "qellib10/record/signer.h"
 #include "qellib10/record/signing.h"

@@ -2,13 +2,20 @@
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/crypto/secret_bytes.h"
+#include "qellib10/platform/random.h"
+#include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/guarded_file.h"
+#include "qellib10/platform/storage/replacement.h"
 #include "qellib10/record/ssh_key.h"
+#include "qellib10/record/text_forms.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kLongestFile = 16 * 1024;
+constexpr std::size_t kLongestComment = 256;
+constexpr std::size_t kSeedSize = 32;
+constexpr unsigned kPrivateMode = 0600;
 
 SecretBytes ReadSecretFile(const std::string& path) {
     const GuardedFile file(path, GuardedFile::Use::kRead);
@@ -31,6 +38,22 @@ bool Signer::ChecksSignatures() const { return false; }
 
 KeyFileSigner::KeyFileSigner() = default;
 KeyFileSigner::~KeyFileSigner() = default;
+
+int KeyFileSigner::Make(std::string_view path, std::string_view comment) {
+    m_state.reset();
+    return AsResult("KeyFileSigner::Make", [&] {
+        if (!comment.empty() && !IsName(comment, kLongestComment))
+            throw DataError("the comment of a key needs at most 256 bytes that can be shown");
+        SecretBytes seed(kSeedSize);
+        if (!FillRandom(seed.Bytes())) throw DataError("the system has no random numbers");
+        Replacement file(path, kPrivateMode);
+        const SecretBytes text = PrivateKeyText(seed.Bytes(), comment);
+        WriteFully(file.File(), text.Bytes(), std::string(path));
+        file.CommitNew();
+        m_state.reset(new State{{.publicKey = {PublicKeyOf(seed.Bytes())}, .key = Ed25519PrivateKey(seed.Bytes())}});
+        return 1;
+    });
+}
 
 int KeyFileSigner::Load(std::string_view path) {
     m_state.reset();

@@ -6,8 +6,8 @@
 
 namespace qel {
 
-/// Signs by a private key in a file as ssh-keygen -t ed25519 -N '' makes it. Programs of the same user can read the
-/// key: outside of tests and demonstrations use an SshAgentSigner, whose agent runs as a user of its own.
+/// Signs by a private key in a file as ssh-keygen -t ed25519 -N '' makes it, and Make. Programs of the same user can
+/// read the key: outside of tests and demonstrations use an SshAgentSigner, whose agent runs as a user of its own.
 ///
 /// @code
 /// auto signer = std::make_shared<qel::KeyFileSigner>();
@@ -18,6 +18,13 @@ public:
     KeyFileSigner();
     ~KeyFileSigner() override;
 
+    /// Makes a new key in a file that must not exist yet, with mode 0600, and loads it. `ssh-keygen -y -f FILE` writes
+    /// its public key for a file of allowed signers.
+    /// @param path in the library's form
+    /// @param comment for people, such as the installation's name; at most 256 bytes of UTF-8 without control
+    /// characters, may be empty
+    /// @return 1, or 0 and the signer has no key
+    int Make(std::string_view path, std::string_view comment);
     /// @param path in the library's form. The file must be this user's and have mode 0600: a key that others could read
     /// proves nothing.
     /// @return 1, or 0 and the signer has no key

@@ -9,18 +9,18 @@ namespace qel {
 
 SignatureLog::SignatureLog(std::string path, SigningRules rules) : m_path(std::move(path)), m_rules(std::move(rules)) {}
 
-std::vector<SignatureProblem> SignatureLog::CatchUp(const TrailReceipt& known) {
+std::vector<SignatureProblem> SignatureLog::CatchUp(const TrailReceipt& known, const Visit& visit) {
     std::optional<Progress> read = std::exchange(m_read, std::nullopt);
     if (!read) {
         read.emplace();
         read->state = std::make_unique<SignatureState>(m_rules);
     }
-    std::vector<SignatureProblem> problems = Read(*read, known);
+    std::vector<SignatureProblem> problems = Read(*read, known, visit);
     m_read = std::move(read);
     return problems;
 }
 
-std::vector<SignatureProblem> SignatureLog::Read(Progress& read, const TrailReceipt& known) const {
+std::vector<SignatureProblem> SignatureLog::Read(Progress& read, const TrailReceipt& known, const Visit& visit) const {
     const GuardedFile file(m_path, GuardedFile::Use::kRead);
     const std::uint64_t size = file.Size();
     if (size < read.at) throw DataError("the trail became shorter");
@@ -36,6 +36,7 @@ std::vector<SignatureProblem> SignatureLog::Read(Progress& read, const TrailRece
         const bool isKnown = read.last.number == known.number;
         if (isKnown && read.last.hash != known.hash) throw DataError("the trail has another entry than was appended");
         std::vector<SignatureProblem> found = read.state->Take(line.entry);
+        if (visit) visit({line, read.last.hash, found});
         if (isKnown) problems = std::move(found);
     }
     if (read.last.number != known.number || read.last.hash != known.hash)

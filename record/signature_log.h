@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,13 +18,21 @@ namespace qel {
 /// all of them are those that were acknowledged. What comes after does not count yet.
 class SignatureLog {
 public:
+    struct Entry {
+        const ReadLine& line;
+        const std::string& hash;
+        const std::vector<SignatureProblem>& problems;
+    };
+    using Visit = std::function<void(const Entry& entry)>;
+
     SignatureLog(std::string path, SigningRules rules);
 
     /// Reads what was appended. After a failure the next call reads all again.
     /// @param known an acknowledged entry
+    /// @param visit is called for each entry
     /// @return what is wrong with that entry, if it was not read before
     /// @throws DataError when the file does not have that entry or is damaged; CFileException
-    std::vector<SignatureProblem> CatchUp(const TrailReceipt& known);
+    std::vector<SignatureProblem> CatchUp(const TrailReceipt& known, const Visit& visit = {});
 
     const SignatureState& State() const { return *m_read->state; }
     /// Empty before the first entry.
@@ -37,7 +46,7 @@ private:
         TrailReceipt last = {.number = 0, .hash = std::string(64, '0')};
     };
 
-    std::vector<SignatureProblem> Read(Progress& read, const TrailReceipt& known) const;
+    std::vector<SignatureProblem> Read(Progress& read, const TrailReceipt& known, const Visit& visit) const;
     static void RequireNext(const Progress& read, const ReadLine& line);
 
     const std::string m_path;

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "qellib10/platform/crypto/ed25519.h"
+#include "qellib10/platform/crypto/secret_bytes.h"
 
 namespace qel {
 
@@ -34,5 +37,10 @@ struct SshPrivateKey {
 /// Reads a private key in OpenSSH's own file format (openssh-key-v1), one key without a passphrase.
 /// @throws DataError for any other
 SshPrivateKey ReadPrivateKey(std::string_view file);
+
+/// The text of such a file.
+/// @param seed 32 bytes, the private key as RFC 8032 has it
+/// @throws DataError when the system has no random numbers
+SecretBytes PrivateKeyText(std::span<const std::byte> seed, std::string_view comment);
 
 }  // namespace qel

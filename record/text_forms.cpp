@@ -70,16 +70,21 @@ std::string RandomId() {
     return Hex(id);
 }
 
-std::string EncodeBase64(std::string_view bytes) {
-    std::string text;
-    text.reserve((bytes.size() + 2) / 3 * 4);
+void EncodeBase64(std::string_view bytes, std::span<std::byte> to) {
+    std::size_t done = 0;
     for (std::size_t at = 0; at < bytes.size(); at += 3) {
         const std::size_t count = std::min<std::size_t>(3, bytes.size() - at);
         std::uint32_t group = 0;
         for (std::size_t i = 0; i < 3; ++i)
             group = group << 8 | (i < count ? static_cast<unsigned char>(bytes[at + i]) : 0U);
-        for (std::size_t i = 0; i < 4; ++i) text += i <= count ? kAlphabet[group >> (18 - 6 * i) & 63] : '=';
+        for (std::size_t i = 0; i < 4; ++i)
+            to[done++] = static_cast<std::byte>(i <= count ? kAlphabet[group >> (18 - 6 * i) & 63] : '=');
     }
+}
+
+std::string EncodeBase64(std::string_view bytes) {
+    std::string text(EncodedSize(bytes.size()), '\0');
+    EncodeBase64(bytes, std::as_writable_bytes(std::span(text)));
     return text;
 }
 

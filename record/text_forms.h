@@ -29,6 +29,9 @@ std::string RandomId();
 
 /// The standard alphabet of RFC 4648 with padding.
 std::string EncodeBase64(std::string_view bytes);
+constexpr std::size_t EncodedSize(std::size_t bytes) { return (bytes + 2) / 3 * 4; }
+/// @param to has EncodedSize(bytes.size()) bytes
+void EncodeBase64(std::string_view bytes, std::span<std::byte> to);
 /// An upper limit of the bytes that so many characters encode.
 constexpr std::size_t DecodedSize(std::size_t characters) { return characters / 4 * 3; }
 /// @param to has DecodedSize(text.size()) bytes

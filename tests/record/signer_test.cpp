@@ -92,6 +92,22 @@ TEST(KeyFile, SignsAsSshKeygenDoes) {
     }
 }
 
+TEST(KeyFile, AMadeOneIsSshKeygens) {
+    const TrailFolder folder;
+    qel::KeyFileSigner made, loaded;
+    for (const char* const comment : {"", "titrator 7", "a longer one"}) {
+        ASSERT_EQ(made.Make(folder.Name("made"), comment), 1) << qel::LastFailure().text;
+        ASSERT_EQ(loaded.Load(folder.Name("made")), 1) << qel::LastFailure().text;
+        EXPECT_EQ(made.Sign("x"), loaded.Sign("x"));
+        const std::string key = made.PublicKey();
+        EXPECT_EQ(In(folder, "ssh-keygen -y -f made"), (*comment == 0 ? key : key + ' ' + comment) + '\n');
+        EXPECT_EQ(made.Make(folder.Name("made"), ""), 0);  // it stays
+        EXPECT_EQ(In(folder, "ssh-keygen -y -f made && rm made").substr(0, key.size()), key);
+    }
+    EXPECT_EQ(made.Make(folder.Name("made"), "two\nlines"), 0);
+    EXPECT_FALSE(std::filesystem::exists(folder.Posix("made")));
+}
+
 TEST(KeyFile, IsRefusedUnlessItIsThisUsersAloneAndWhole) {
     using F = const KeyFolder&;
     const auto edit = [](const char* script) {

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "qellib10/record/person_key.h"
+#include "qellib10/record/signature_block.h"
 #include "signing_folder.h"
 
 namespace {
@@ -256,4 +257,45 @@ TEST(Signing, MayBeFinalAsAllProgramsHaveSigned) {
     EXPECT_EQ(s.signing.MayBeFinal(kCabinet, 2), 0) << "one's own work, approved before it was registered";
     EXPECT_EQ(qel::LastFailure().text, "0 of 1 approvals are there");
     EXPECT_EQ(Line({s.signing.MayBeFinal("x", 2), qel::LastFailure().kind == qel::FailureKind::kData}), "0 1");
+}
+
+TEST(SignatureBlock, HasTheSignaturesThatCountAndSaysWhatIsMissing) {
+    People people;
+    people.Do("mori begins abd, mori registers, nakano reviewed, mori approved, sato:12 approved");
+    const qel::TrailEntry entry = people.Entry(6);
+    qel::RecordedVersion version{.version = 2,
+                                 .state = qel::RecordedState::kRecorded,
+                                 .user = "mori",
+                                 .time = entry.time,
+                                 .reason = "why",
+                                 .size = 3,
+                                 .sha256 = HashOf("abc"),
+                                 .entry = 6,
+                                 .entryHash = people.Entry(7).previous};
+    const auto lines = [&](const qel::SigningRules& rules = {}) {
+        const auto block = qel::ReadSignatureBlock(people.trail, kCabinet, version, rules);
+        std::string text = block ? "" : qel::LastFailure().text;
+        for (const std::string& line : block ? block->Lines() : std::vector<std::string>()) text += line + '|';
+        return text;
+    };
+    const std::string registered = "registered: mori, " + qel::TrailTimeText(entry.time) + ": why|",
+                      reviewed = "reviewed: Mori Akiko (nakano), 2026-11-27T03:22:25.123Z, entry 7|";
+    const std::string places = "version 2 of " + kCabinet + "|SHA-256 " + version.sha256 + "|entry 6, " +
+                               version.entryHash + "|trail " + entry.trailId + "|installation " +
+                               ByteSigner(1).Key().Fingerprint() + '|';
+    EXPECT_EQ(lines(), registered + reviewed + "not final: 0 of 1 approvals are there|" + places);
+    people.Do("sato approved");
+    const std::string approved = "approved: Mori Akiko (sato), 2026-11-27T03:22:25.123Z, entry 10|";
+    EXPECT_EQ(lines(), registered + reviewed + approved + places);
+    version.state = qel::RecordedState::kChanged;
+    const std::string changed =
+        "changed since the first entry|not final: the version is not what was recorded|" + places;
+    EXPECT_EQ(lines(), registered + reviewed + approved + changed);
+    version.state = qel::RecordedState::kRecorded;
+    people.Do("mori registers abd");
+    EXPECT_EQ(lines(), registered + reviewed + approved + changed);
+    version.entryHash = HashOf("another trail");
+    EXPECT_EQ(lines(), "the version's entry is not in the trail");
+    version.entry = 0;
+    EXPECT_EQ(lines(), "the version was not recorded");
 }
