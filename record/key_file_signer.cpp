@@ -42,8 +42,8 @@ KeyFileSigner::~KeyFileSigner() = default;
 int KeyFileSigner::Make(std::string_view path, std::string_view comment) {
     m_state.reset();
     return AsResult("KeyFileSigner::Make", [&] {
-        if (!comment.empty() && !IsName(comment, kLongestComment))
-            throw DataError("the comment of a key needs at most 256 bytes that can be shown");
+        if (!comment.empty() && !IsShown(comment, kLongestComment))
+            throw DataError("the comment of a key needs at most 256 bytes that can be shown, and no blank at its ends");
         SecretBytes seed(kSeedSize);
         if (!FillRandom(seed.Bytes())) throw DataError("the system has no random numbers");
         Replacement file(path, kPrivateMode);

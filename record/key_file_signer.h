@@ -22,7 +22,7 @@ public:
     /// its public key for a file of allowed signers.
     /// @param path in the library's form
     /// @param comment for people, such as the installation's name; at most 256 bytes of UTF-8 without control
-    /// characters, may be empty
+    /// characters or blanks at its ends, may be empty
     /// @return 1, or 0 and the signer has no key
     int Make(std::string_view path, std::string_view comment);
     /// @param path in the library's form. The file must be this user's and have mode 0600: a key that others could read
