@@ -80,6 +80,7 @@
 #include "qellib10/runtime/system_info.h"
 #include "qellib10/runtime/worker_thread_ctrl.h"
 #include "qellib10/secure/cabinet_reader.h"
+#include "qellib10/secure/cabinet_salvage.h"
 #include "qellib10/secure/crypt_brow_fish.h"
 #include "qellib10/secure/crypt_xml_document.h"
 #include "qellib10/secure/history_cabinet_file.h"

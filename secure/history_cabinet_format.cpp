@@ -19,9 +19,14 @@ void PutMagic(std::span<std::byte> bytes, const Magic& magic) {
     std::ranges::copy(std::as_bytes(std::span(magic)), bytes.begin());
 }
 
+Magic MagicOf(std::span<const std::byte> bytes) {
+    Magic magic;
+    std::ranges::copy(bytes.first(magic.size()), std::as_writable_bytes(std::span(magic)).begin());
+    return magic;
+}
+
 void RequireMagic(std::span<const std::byte> bytes, const Magic& magic) {
-    if (!std::ranges::equal(bytes.first(magic.size()), std::as_bytes(std::span(magic))))
-        throw DataError("not the header of a cabinet or version");
+    if (MagicOf(bytes) != magic) throw DataError("not the header of a cabinet or version");
 }
 
 CheckSums CheckSumsOfHeader(std::span<const std::byte> bytes) {
@@ -55,20 +60,28 @@ std::array<std::byte, kVersionHeaderSize> Pack(const _CAB_VERSIONHEADER& header)
 
 CabinetHeader UnpackCabinetHeader(std::span<const std::byte, kCabinetHeaderSize> bytes) {
     RequireMagic(bytes, kCabinetMagic);
-    const CabinetHeader header = {.magic = kCabinetMagic,
-                                  .latestOffset = GetNumber<DWORD>(bytes, kLatestOffsetAt),
-                                  .versionCount = GetNumber<DWORD>(bytes, kVersionCountAt),
-                                  .guid = GetGuid(bytes, kGuidAt),
-                                  .sum = GetNumber<DWORD>(bytes, kHeaderSumAt),
-                                  .crc = GetNumber<DWORD>(bytes, kHeaderCrcAt)};
+    const CabinetHeader header = UnpackDamagedHeader(bytes);
     const CheckSums sums = CheckSumsOfHeader(bytes);
     if (sums.Sum() != header.sum || sums.Crc() != header.crc) throw DataError("a damaged cabinet header");
     return header;
 }
 
+CabinetHeader UnpackDamagedHeader(std::span<const std::byte, kCabinetHeaderSize> bytes) {
+    return {.magic = MagicOf(bytes),
+            .latestOffset = GetNumber<DWORD>(bytes, kLatestOffsetAt),
+            .versionCount = GetNumber<DWORD>(bytes, kVersionCountAt),
+            .guid = GetGuid(bytes, kGuidAt),
+            .sum = GetNumber<DWORD>(bytes, kHeaderSumAt),
+            .crc = GetNumber<DWORD>(bytes, kHeaderCrcAt)};
+}
+
 _CAB_VERSIONHEADER UnpackVersionHeader(std::span<const std::byte, kVersionHeaderSize> bytes) {
     RequireMagic(bytes, kVersionMagic);
-    return {.magic = kVersionMagic,
+    return UnpackDamagedVersion(bytes);
+}
+
+_CAB_VERSIONHEADER UnpackDamagedVersion(std::span<const std::byte, kVersionHeaderSize> bytes) {
+    return {.magic = MagicOf(bytes),
             .version = GetNumber<DWORD>(bytes, kVersionAt),
             .dataSize = GetNumber<DWORD>(bytes, kDataSizeAt),
             .dataSum = GetNumber<DWORD>(bytes, kDataSumAt),

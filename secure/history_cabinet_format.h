@@ -31,8 +31,12 @@ std::array<std::byte, kVersionHeaderSize> Pack(const _CAB_VERSIONHEADER& header)
 
 /// @throws DataError unless magic, sum and CRC are correct
 CabinetHeader UnpackCabinetHeader(std::span<const std::byte, kCabinetHeaderSize> bytes);
+/// The same of a damaged file, as it is there.
+CabinetHeader UnpackDamagedHeader(std::span<const std::byte, kCabinetHeaderSize> bytes);
 /// @throws DataError unless the magic is correct
 _CAB_VERSIONHEADER UnpackVersionHeader(std::span<const std::byte, kVersionHeaderSize> bytes);
+/// The same of a damaged file, as it is there.
+_CAB_VERSIONHEADER UnpackDamagedVersion(std::span<const std::byte, kVersionHeaderSize> bytes);
 
 /// The checksums for this header.
 CheckSums CheckSumsOf(const CabinetHeader& header);

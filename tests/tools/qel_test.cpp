@@ -40,6 +40,8 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "cabinet extract f.hcf a --version 2",
                                   "cabinet extract f.hcf f.hcf --force",
                                   "cabinet add f.hcf ./f.hcf",
+                                  "cabinet salvage f.hcf",
+                                  "cabinet salvage f.hcf --to ''",
                                   "xml get a",
                                   "xml get f.xml '['",
                                   "xml get f.xml Unit --xml --count",
@@ -111,9 +113,10 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --", "0 --help --jobs --all --strict --json\n"},
-             {"--codepage 932 cabinet ", "0 list extract add\n"},
+             {"--codepage 932 cabinet ", "0 list extract add salvage\n"},
              {"cabinet extract --", "0 --help --version --force\n"},
              {"cabinet add --", "0 --help --json\n"},
+             {"cabinet salvage --", "0 --help --to --json\n"},
              {"xml get --", "0 --help --xml --count --json\n"},
              {"job render --", "0 --help --output --resolution --force --page --paper --dpi --json\n"},
              {"archive --", "0 --help --oldest --json\n"},
@@ -211,6 +214,36 @@ TEST(Qel, KeepsVersionsInACabinet) {
               "0 qel: c.hcf: version 1 is damaged; latest stays as it was\nsecond");
     EXPECT_EQ(folder.Qel("cabinet extract c.hcf found --version 1"),
               "6 qel: c.hcf: version 1 is damaged; found has what was found of it\n");
+}
+
+// The version in the middle is damaged, then the header of the cabinet as well.
+TEST(Qel, SalvagesADamagedCabinet) {
+    const QelFolder folder;
+    for (const char* text : {"first", "second", "third"}) {
+        folder.Write("document", text);
+        ASSERT_EQ(folder.Qel("cabinet add c.hcf document")[0], '0');
+    }
+    EXPECT_EQ(folder.Qel("cabinet salvage c.hcf --to all/ | tail -1; cat all/*"),
+              "0 3 versions taken out\nfirstsecondthird");
+    std::string bytes = folder.Read("c.hcf");
+    bytes[36 + 25 + 20] ^= 1;
+    folder.Write("c.hcf", bytes);
+    EXPECT_EQ(folder.Qel("cabinet salvage c.hcf --to found/"),
+              "6 c.hcf: version 1, byte 36, 5 bytes: whole, now in found/version-1\n"
+              "c.hcf: version 2, byte 61, 6 bytes: changed: does not match its checksums\n"
+              "c.hcf: version 3, byte 87, 5 bytes: whole, now in found/version-3\n2 versions taken out\n");
+    EXPECT_EQ(folder.Qel("cabinet salvage c.hcf --to new.hcf | tail -2; cat found/*"),
+              "0 c.hcf: version 3, byte 87, 5 bytes: whole: not taken out, as a version before it is missing\n"
+              "1 version taken out\nfirstthird");
+    EXPECT_EQ(folder.Qel("cabinet salvage c.hcf --to new.hcf"), "1 qel: new.hcf: exists\n");
+    EXPECT_NE(folder.Qel("cabinet salvage c.hcf --to found").find("found/version-1: exists"), std::string::npos);
+    bytes[0] = 'X';
+    folder.Write("c.hcf", bytes);
+    EXPECT_EQ(folder.Qel("cabinet salvage c.hcf --to again.hcf | grep -A1 header"),
+              "0 c.hcf: its header is damaged\n1 version taken out\n");
+    EXPECT_EQ(folder.Qel("cabinet salvage c.hcf --to third.hcf --json >/dev/null"), "10 ");
+    EXPECT_EQ(folder.Read("again.hcf"), folder.Read("new.hcf")) << "with the same identity";
+    EXPECT_EQ(folder.Read("c.hcf"), bytes);
 }
 
 TEST(Qel, MakesACabinetWhereALinkLeadsAndCleansUpAfterKilledOnes) {

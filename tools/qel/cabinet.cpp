@@ -164,6 +164,7 @@ void AddCabinet(CLI::App& app, Status& status) {
     CLI::App* const store = add("add", "Add a version; makes the cabinet when it is missing", Add);
     AddFile(*store, "SOURCE", options->file, "The file that becomes the next version");
     for (CLI::App* const action : {list, store}) action->add_flag("--json", options->json, "Write JSON");
+    AddSalvage(*command, status);
 }
 
 }  // namespace tool

@@ -145,6 +145,7 @@ void AddCalc(CLI::App& app, Status& status);
 void AddSeal(CLI::App& app, Status& status);
 void AddVerify(CLI::App& app, Status& status);
 void AddCabinet(CLI::App& app, Status& status);
+void AddSalvage(CLI::App& cabinet, Status& status);
 void AddXml(CLI::App& app, Status& status);
 void AddArchive(CLI::App& app, Status& status);
 void AddProfile(CLI::App& app, Status& status);
