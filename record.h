@@ -14,6 +14,7 @@
 #include "qellib10/record/signing.h"
 #include "qellib10/record/signing_rules.h"
 #include "qellib10/record/ssh_agent_signer.h"
+#include "qellib10/record/time_stamp.h"
 #include "qellib10/record/trail.h"
 #include "qellib10/record/trail_check.h"
 #include "qellib10/record/trail_entry.h"

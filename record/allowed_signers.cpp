@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "qellib10/platform/error.h"
-#include "qellib10/platform/storage/guarded_file.h"
+#include "qellib10/record/trail_file.h"
 
 namespace qel {
 namespace {
@@ -105,12 +105,7 @@ AllowedSigners::AllowedSigners(std::string_view text) {
 }
 
 AllowedSigners AllowedSigners::OfFile(const std::string& path) {
-    const GuardedFile file(path, GuardedFile::Use::kRead);
-    const std::uint64_t size = file.Size();
-    if (size > kLongestFile) throw DataError("the file of allowed signers is longer than 1 MiB");
-    std::string text(static_cast<std::size_t>(size), '\0');
-    text.resize(file.ReadAt(std::as_writable_bytes(std::span(text)), 0));
-    return AllowedSigners(text);
+    return AllowedSigners(ReadShortFile(path, kLongestFile, "the file of allowed signers is longer than 1 MiB"));
 }
 
 void AllowedSigners::AddLine(std::string_view line) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "qellib10/base/read_number.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/random.h"
 #include "qellib10/platform/text/printable_text.h"
@@ -62,6 +63,11 @@ bool IsCabinet(std::string_view text) {
 bool IsShown(std::string_view text, std::size_t longest) {
     return !text.empty() && text.size() <= longest && text.front() != ' ' && text.back() != ' ' &&
            PrintableText(text) == text;
+}
+
+std::optional<std::uint64_t> ReadEntryNumber(std::string_view text) {
+    const std::optional<std::uint64_t> number = ReadWholeNumber<std::uint64_t>(text);
+    return number && *number > 0 && std::to_string(*number) == text ? number : std::nullopt;
 }
 
 std::string RandomId() {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,6 +25,9 @@ bool IsCabinet(std::string_view text);
 /// Whether a text looks like what it is: UTF-8 without control characters, 1 to @p longest bytes, and no blank at its
 /// start or end, with which it would look like another one.
 bool IsShown(std::string_view text, std::size_t longest);
+
+/// The number of an entry: decimal digits, from 1, without a leading zero.
+std::optional<std::uint64_t> ReadEntryNumber(std::string_view text);
 
 /// 128 random bits as 32 such digits: a trail's ID, or a number that is used once. @throws DataError
 std::string RandomId();

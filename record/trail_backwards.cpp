@@ -32,6 +32,8 @@ std::optional<std::string_view> LinesBackwards::Next() {
             continue;
         }
         if (m_end == 0) return std::nullopt;
+        m_isWhole = isWhole;
+        m_lineEnd = m_from + m_end;
         m_end = before == std::string_view::npos ? 0 : before + 1;
         return text.substr(m_end);
     }

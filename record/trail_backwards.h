@@ -22,11 +22,16 @@ public:
     /// The line before, without its line feed, until the next call; at first perhaps a part of one.
     /// @throws DataError for one longer than 64 KiB
     std::optional<std::string_view> Next();
+    /// Whether that one has a line feed, and where it ends in the file.
+    bool IsWhole() const noexcept { return m_isWhole; }
+    std::uint64_t End() const noexcept { return m_lineEnd; }
 
 private:
     void ReadMore();
 
     const GuardedFile& m_file;
+    bool m_isWhole = false;
+    std::uint64_t m_lineEnd = 0;
     std::uint64_t m_from;  // where m_bytes starts in the file
     std::string m_bytes;   // up to m_end not given yet
     std::size_t m_end = 0;

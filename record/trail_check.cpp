@@ -4,22 +4,22 @@
 #include <optional>
 
 #include "qellib10/platform/archive/result.h"
-#include "qellib10/record/allowed_signers.h"
+#include "qellib10/record/stamp_entry.h"
 #include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_doubts.h"
 #include "qellib10/record/trail_file.h"
 #include "qellib10/record/trail_head.h"
-#include "qellib10/record/trail_keys.h"
 #include "qellib10/record/trail_kind.h"
 
 namespace qel {
 namespace {
 
-std::int64_t SecondOf(std::int64_t time) { return time / 1000; }
-
 // What the files of the anchors say.
 struct Known {
     std::optional<AllowedSigners> allowed;
     std::optional<TrailHeadState> head;
+    std::optional<StampAuthorities> authorities;
+    std::optional<TimeStamp> stamp;
 };
 
 // The reason of a file in a wrong form has the file's name. @return whether it could be read, or is not asked for
@@ -33,63 +33,23 @@ template <class Step> bool IsRead(const std::string& path, Step&& step) {
     }
 }
 
-// Who may sign, as the entries up to now and the anchors say.
-class Trust {
-public:
-    Trust(std::string key, std::optional<AllowedSigners> allowed)
-        : m_key(std::move(key)), m_allowed(std::move(allowed)) {}
-
-    /// What is wrong with the signer of an entry whose signature is right.
-    std::optional<TrailFault> FaultOf(const ReadLine& line) const {
-        const SshPublicKey& key = line.signature.key;
-        if (std::ranges::find(m_ended, key) != m_ended.end()) return TrailFault::kEndedKey;
-        if (m_allowed) {
-            const auto answer = m_allowed->Ask(key, kEntryNamespace, SecondOf(line.entry.time));
-            if (answer == AllowedSigners::Answer::kNotValidThen) return TrailFault::kEndedKey;
-            if (answer == AllowedSigners::Answer::kUnknown) return TrailFault::kUnknownSigner;
-        }
-        const bool isNamed = m_key.empty() ? line.entry.number == 1 : IsNamed(key);
-        const bool isKnown = isNamed || std::ranges::find(m_announced, key) != m_announced.end();
-        return isKnown ? std::nullopt : std::optional(TrailFault::kUnknownSigner);
-    }
-
-    /// Learns from an entry of somebody who is trusted.
-    /// @throws DataError when it makes no sense
-    void Learn(const TrailEntry& entry) {
-        ApplyToKeys(entry, m_announced);
-        if (entry.action != trail_kind::kKeyEnded && entry.action != trail_kind::kKeyAdded) return;
-        const SshPublicKey key = SshPublicKey::OfText(entry.object);
-        std::erase(m_ended, key);
-        if (entry.action == trail_kind::kKeyEnded) m_ended.push_back(key);
-        if (m_ended.size() > kMostEnded) throw DataError("too many keys have ended");
-    }
-
-private:
-    // Remembers the key: its fingerprint would be one more hash for each entry.
-    bool IsNamed(const SshPublicKey& key) const {
-        if (!m_named && key.Fingerprint() == m_key) m_named = key;
-        return m_named == key;
-    }
-
-    static constexpr std::size_t kMostEnded = 4096;  // 128 KiB of memory
-
-    std::string m_key;
-    mutable std::optional<SshPublicKey> m_named;
-    std::optional<AllowedSigners> m_allowed;
-    std::vector<SshPublicKey> m_announced, m_ended;
-};
-
 class Check {
 public:
     Check(const TrailAnchors& anchors, Known known, TrailReport& report)
         : m_anchors(anchors),
           m_report(report),
           m_trust(anchors.key, std::move(known.allowed)),
-          m_known(std::move(known.head)) {}
+          m_known(std::move(known.head)),
+          m_authorities(std::move(known.authorities)) {
+        m_proofs.stamp = std::move(known.stamp);
+        if (m_authorities) m_proofs.authorities = &*m_authorities;
+    }
 
     void Run(const std::string& path) {
         const GuardedFile file(path, GuardedFile::Use::kRead);
-        TrailLines lines(file, 0, file.Size());
+        m_file = &file;
+        const std::uint64_t size = file.Size();
+        TrailLines lines(file, 0, size);
         TrailLines::Line line = lines.Next();
         for (; line.kind == TrailLines::Kind::kWhole && m_report.findingCount < kStopAt; line = lines.Next())
             CheckLine(line);
@@ -98,6 +58,7 @@ public:
         if (m_report.findingCount >= kStopAt) return;  // what comes after is not known
         CheckEnd(line);
         CheckAnchors();
+        if (m_trust.HasRevoked()) CheckRevoked(size);
     }
 
 private:
@@ -105,6 +66,8 @@ private:
 
     void Find(TrailFault fault, std::string text, const std::string& signer = "", std::uint64_t lastMissing = 0) {
         ++m_report.findingCount;
+        if (fault == TrailFault::kMalformed || fault == TrailFault::kOrder || fault == TrailFault::kChanged)
+            m_proofs.isChained = false;
         if (m_report.findings.size() == TrailReport::kMostFindings) return;
         TrailFinding finding{
             .fault = fault, .entry = m_next, .byte = m_line.at, .lastMissing = lastMissing, .signer = signer};
@@ -132,11 +95,12 @@ private:
         m_previous = Hex(hash);
         if (m_previous == m_anchors.head) {
             m_isHeadThere = true;
-            m_report.pinned = m_next;
+            Pin();
         }
+        if (m_proofs.stamp && read && m_previous == m_proofs.stamp->sha256) TakeOutsideStamp(read->entry);
         if (m_known && m_known->number == m_next) {
             m_isKnownThere = m_known->hash == hash && m_known->length == line.End();
-            if (m_isKnownThere) m_report.pinned = m_next;
+            if (m_isKnownThere) Pin();
             if (!m_isKnownThere) Find(TrailFault::kMissing, "this is not the entry that the head file knows");
         }
         m_report.entries = m_next++;
@@ -154,8 +118,58 @@ private:
         // After a gap it goes on from there, without a finding for each further entry.
         if (CheckSigner(line)) m_next = entry.number;
         if (m_report.findingCount != before) return;
-        m_trust.Learn(entry);
+        m_trust.Learn(line);
         if (entry.number == 1) m_isStartRight = true;
+        if (entry.action == trail_kind::kTimeStamp) TakeStamp(entry);
+    }
+
+    // An entry whose hash is known from elsewhere.
+    void Pin() {
+        m_report.pinned = m_next;
+        m_proofs.pins.push_back(m_next);
+    }
+
+    void TakeStamp(const TrailEntry& entry) {
+        try {
+            const StampedEntry stamped = CheckStampEntry(*m_file, entry, m_line.at, m_proofs.authorities);
+            if (m_authorities) Report(stamped.number, stamped.stamp);
+        } catch (const DataError& failure) {
+            Find(TrailFault::kTimeStamp, failure.what());
+        }
+    }
+
+    void TakeOutsideStamp(const TrailEntry& entry) {
+        m_report.pinned = m_next;
+        m_proofs.stamped = m_next;
+        try {
+            RequireAfter(*m_proofs.stamp, entry);
+            Report(m_next, *m_proofs.stamp);
+        } catch (const DataError& failure) {
+            Find(TrailFault::kTimeStamp, failure.what());
+        }
+    }
+
+    void Report(std::uint64_t number, const TimeStamp& stamp) {
+        if (number < m_report.stamped) return;
+        const bool isEarlier = number > m_report.stamped || stamp.time < m_report.stampTime;
+        m_report.stamped = number;
+        if (isEarlier) m_report.stampTime = stamp.time;
+    }
+
+    // What is wrong with these is known only at the end: it needs the entry that revokes.
+    void CheckRevoked(std::uint64_t size) {
+        std::vector<std::uint64_t> found;  // in the order of the file
+        for (const TrailFinding& finding : m_report.findings)
+            if (!finding.signer.empty()) found.push_back(finding.entry);
+        FindDoubtful(*m_file, size, m_trust, m_proofs, [&](const DoubtfulEntry& doubtful) {
+            m_next = doubtful.line.entry.number;
+            m_line.at = doubtful.at;
+            m_about = &doubtful.line.entry;
+            if (!std::ranges::binary_search(found, m_next))
+                Find(TrailFault::kRevokedKey, doubtful.text, doubtful.line.signature.key.Fingerprint());
+            return m_report.findingCount < kStopAt;
+        });
+        std::ranges::stable_sort(m_report.findings, {}, &TrailFinding::byte);
     }
 
     void CheckTrailId(const TrailEntry& entry) {
@@ -191,6 +205,7 @@ private:
         const std::optional<TrailFault> fault = m_trust.FaultOf(line);
         if (fault == TrailFault::kEndedKey)
             Find(*fault, "the entry's key was not valid at that time", key.Fingerprint());
+        if (fault == TrailFault::kRevokedKey) Find(*fault, "the entry's key was revoked", key.Fingerprint());
         if (fault == TrailFault::kUnknownSigner)
             Find(*fault, "the entry is signed by a key that is not trusted", key.Fingerprint());
         return true;
@@ -199,7 +214,7 @@ private:
     // Half a line is how a reader sees an appending, if nothing that has to be there can be in it.
     void CheckEnd(const TrailLines::Line& line) {
         if (line.kind != TrailLines::Kind::kPart) return;
-        const bool isAfterHead = (m_known && line.at >= m_known->length) || m_isHeadThere ||
+        const bool isAfterHead = (m_known && line.at >= m_known->length) || m_isHeadThere || m_proofs.stamped > 0 ||
                                  (m_anchors.atLeast > 0 && m_report.entries >= m_anchors.atLeast);
         m_report.isBeingWritten = isAfterHead;
         if (!isAfterHead) Find(TrailFault::kCut, "the trail ends within a line");
@@ -217,11 +232,12 @@ private:
         const auto missing = [this](const std::string& what) { Find(TrailFault::kMissing, what); };
         if (m_known && m_known->number >= m_next) FindMissingUpTo(m_known->number);
         if (!m_anchors.head.empty() && !m_isHeadThere) missing("the entry with the given hash is missing");
+        if (m_proofs.stamp && m_proofs.stamped == 0) missing("the entry of the given time stamp is missing");
         if (m_anchors.atLeast >= m_next) FindMissingUpTo(m_anchors.atLeast);
         m_report.pinned = std::max(m_report.pinned, std::min(m_anchors.atLeast, m_report.entries));
         if (m_report.entries == 0 && m_report.findingCount == 0 && !m_known) missing("the trail has no entry");
         const bool isTrusted = !m_anchors.trustFile.empty() || !m_anchors.key.empty();
-        const bool isPinned = m_isHeadThere || m_isKnownThere;
+        const bool isPinned = m_isHeadThere || m_isKnownThere || m_proofs.stamped > 0;
         m_report.isAnchored = isPinned || (isTrusted && !m_anchors.trailId.empty() && m_isStartRight);
         if (m_report.isAnchored) return;
         m_report.unanchored = isTrusted && !m_anchors.trailId.empty() ? "the trail's first entry is not right"
@@ -232,8 +248,11 @@ private:
 
     const TrailAnchors& m_anchors;
     TrailReport& m_report;
-    Trust m_trust;
+    TrailTrust m_trust;
     std::optional<TrailHeadState> m_known;
+    std::optional<StampAuthorities> m_authorities;
+    TrailProofs m_proofs;
+    const GuardedFile* m_file = nullptr;
     TrailLines::Line m_line;
     const TrailRecord* m_about = nullptr;  // of the line, where it can be read
     std::uint64_t m_next = 1;              // the number that follows; while a line is checked, its own
@@ -251,6 +270,15 @@ void RequireForms(const TrailAnchors& anchors) {
         throw DataError("the entry's hash is not 64 lower-case hexadecimal digits");
     if (!anchors.key.empty() && (!anchors.key.starts_with("SHA256:") || anchors.key.size() != 50))
         throw DataError("the key's fingerprint is not SHA256: and 43 characters");
+    if (!anchors.stamp.empty() && anchors.tsaCa.empty())
+        throw DataError("a time stamp proves nothing without the certificates of its authority");
+}
+
+// A stamp that is kept elsewhere is right, or of no use.
+TimeStamp ReadOutsideStamp(const std::string& path, const StampAuthorities& authorities) {
+    const StampAnswer answer = ReadStampFile(path);
+    authorities.Require(answer, StampRequest::OfHash(answer.Hash()));
+    return ContentOf(answer);
 }
 
 }  // namespace
@@ -264,7 +292,9 @@ int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& 
             IsRead(anchors.trustFile, [&] { known.allowed = AllowedSigners::OfFile(anchors.trustFile); }) &&
             // Before the trail: what is appended in between is after the head then.
             IsRead(anchors.headFile,
-                   [&] { known.head = TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load(); });
+                   [&] { known.head = TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load(); }) &&
+            IsRead(anchors.tsaCa, [&] { known.authorities = ReadAuthorities(anchors.tsaCa); }) &&
+            IsRead(anchors.stamp, [&] { known.stamp = ReadOutsideStamp(anchors.stamp, *known.authorities); });
         if (!isRead) return 0;
         Check(anchors, std::move(known), report).Run(std::string(path));
         return 1;

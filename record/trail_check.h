@@ -21,6 +21,9 @@ struct QELLIB10_API TrailAnchors {
     std::string head = {};       ///< hash of an entry that has to be there, 64 hexadecimal digits
     std::string headFile = {};   ///< the head file: its entry has to be there
     std::uint64_t atLeast = 0;   ///< so many entries have to be there
+    std::string tsaCa = {};      ///< certificates of time stamping authorities: see CheckStamp
+    std::string stamp = {};  ///< a time stamp's answer (.tsr), kept elsewhere: the entry that it is one of has to be
+                             ///< there; needs `tsaCa`
 };
 
 /// What can be wrong with a trail.
@@ -33,6 +36,8 @@ enum class TrailFault {
     kEndedKey,       ///< signed by a key that was not valid at that time
     kClock,          ///< the time of an entry is before that of the one before
     kMissing,        ///< entries that were there are missing
+    kTimeStamp,      ///< a time stamp is not one of its entry, not the authority's, or of a time that does not fit
+    kRevokedKey,  ///< signed by a key that was revoked, from that entry on, or nothing shows that it was there before
 };
 
 struct QELLIB10_API TrailFinding {
@@ -63,12 +68,16 @@ struct QELLIB10_API TrailReport {
     bool isBeingWritten = false;  ///< half a line after all that has to be there: somebody appends at this moment
     std::vector<TrailFinding> findings = {};  ///< at most kMostFindings
     std::uint64_t findingCount = 0;
+    /// The last entry that a time stamp has proven, and with it all before, and the stamp's time in ms since 1970; 0:
+    /// there is none. Only with TrailAnchors::tsaCa.
+    std::uint64_t stamped = 0;
+    std::int64_t stampTime = 0;
 
     static constexpr std::size_t kMostFindings = 1000;
 };
 
-/// Reads a trail once, from start to end, and reports all that does not fit, up to kMostFindings. Nothing is written or
-/// locked, and any size takes the same memory.
+/// Reads a trail from start to end, and reports all that does not fit, up to kMostFindings. Nothing is written or
+/// locked, and any size takes the same memory. Where a key was revoked it is read two times more.
 /// @return 1 when it was read, whatever was found; 0 when it, or a file of @p anchors, cannot be read or understood
 QELLIB10_API int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& report);
 

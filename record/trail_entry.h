@@ -21,7 +21,7 @@ struct QELLIB10_API TrailRecord {
     std::uint64_t cabinetVersion = 0;  ///< from 1; 0 for none
     std::uint64_t size = 0;            ///< bytes of the version or file
     std::string sha256 = {};           ///< of the same, 64 lower-case hexadecimal digits
-    std::string statement = {};        ///< what a person has signed
+    std::string statement = {};        ///< what a person has signed, or an authority's stamp in Base64
 
     bool operator==(const TrailRecord&) const = default;
 };

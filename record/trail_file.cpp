@@ -59,4 +59,13 @@ std::string LineBefore(const GuardedFile& file, std::uint64_t end) {
     return before == std::string::npos ? bytes : bytes.substr(before + 1);
 }
 
+std::string ReadShortFile(const std::string& path, std::uint64_t most, const char* refusal) {
+    const GuardedFile file(path, GuardedFile::Use::kRead);
+    const std::uint64_t size = file.Size();
+    if (size > most) throw DataError(refusal);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    bytes.resize(file.ReadAt(std::as_writable_bytes(std::span(bytes)), 0));
+    return bytes;
+}
+
 }  // namespace qel

@@ -45,4 +45,8 @@ private:
 /// @throws DataError when there is none; CFileException
 std::string LineBefore(const GuardedFile& file, std::uint64_t end);
 
+/// A file next to a trail that is short: a list of keys, a certificate, a stamp.
+/// @throws DataError with @p refusal when it has more than @p most bytes; CFileException
+std::string ReadShortFile(const std::string& path, std::uint64_t most, const char* refusal);
+
 }  // namespace qel

@@ -4,6 +4,7 @@
 
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/path.h"
+#include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail_head.h"
 #include "qellib10/record/trail_kind.h"
 
@@ -12,6 +13,7 @@ namespace qel {
 void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys) {
     const bool starts = entry.action == trail_kind::kTrailStarted || entry.action == trail_kind::kTrailContinued;
     const bool adds = entry.action == trail_kind::kKeyAdded;
+    if (entry.action == trail_kind::kKeyRevoked) std::erase(keys, RevokedKey::Of(entry).key);
     if (!starts && !adds && entry.action != trail_kind::kKeyEnded) return;
     const SshPublicKey key = SshPublicKey::OfText(entry.object);
     if (starts != (entry.number == 1)) throw DataError("a trail is started by its first entry and by no other");
@@ -23,6 +25,13 @@ void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys) {
     if (adds == (found != keys.end())) throw DataError(adds ? "the key was announced already" : "the key may not sign");
     if (adds && keys.size() == TrailHeadState::kMostKeys) throw DataError("64 keys may sign, no more");
     adds ? keys.push_back(key) : static_cast<void>(keys.erase(found));
+}
+
+RevokedKey RevokedKey::Of(const TrailEntry& entry) {
+    const std::optional<std::uint64_t> from = ReadEntryNumber(entry.after);
+    if (!from || *from > entry.number)
+        throw DataError("a key is revoked from an entry on: the number of one that is there");
+    return {SshPublicKey::OfText(entry.object), *from};
 }
 
 void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys) {

@@ -7,6 +7,15 @@
 
 namespace qel {
 
+/// What an entry of the kind trail_kind::kKeyRevoked says.
+struct RevokedKey {
+    SshPublicKey key;
+    std::uint64_t from = 0;  // the first entry that is distrusted
+
+    /// @throws DataError for no key, or no number of an entry up to this one
+    static RevokedKey Of(const TrailEntry& entry);
+};
+
 /// What an entry changes in the list of keys that may sign.
 /// @throws DataError for a key that is in it already, or not, or no key, or one too many
 void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys);

@@ -15,6 +15,9 @@ inline constexpr std::string_view kKeyAdded =
     "key added";  ///< object: "ssh-ed25519 AAAA...", which may sign from now on
 inline constexpr std::string_view kKeyEnded =
     "key ended";  ///< object: the same, which may not from now on; never the last one
+inline constexpr std::string_view kKeyRevoked =
+    "key revoked";  ///< object: the same, which others may have; after: the number of the entry from which on it is
+                    ///< distrusted, at most that of this one
 inline constexpr std::string_view kMethodChanged = "method changed";
 // Those of qel::RecordedCabinet.
 inline constexpr std::string_view kRegistering = "result registering";  ///< nothing has happened yet
@@ -29,7 +32,6 @@ inline constexpr std::string_view kPersonKeyEnded = "person key ended";  ///< th
 inline constexpr std::string_view kSignature = "signature";              ///< statement: what the user has signed
 inline constexpr std::string_view kSignatureRefused = "signature refused";
 inline constexpr std::string_view kFileSealed = "file sealed";
-inline constexpr std::string_view kTimeStamp = "time stamp";
 inline constexpr std::string_view kRecovered =
     "recovered";  ///< what was interrupted is done nevertheless; after: what, such as kRegistered
 
@@ -38,6 +40,8 @@ inline constexpr std::string_view kTrailStarted = "trail started";      ///< obj
 inline constexpr std::string_view kTrailContinued = "trail continued";  ///< the same; before: the old one's last entry
 inline constexpr std::string_view kClockJumped = "clock jumped";        ///< by more than 2 s while the system ran
 inline constexpr std::string_view kTailSetAside = "tail set aside";     ///< object: the file that has the torn bytes
+inline constexpr std::string_view kTimeStamp =
+    "time stamp";  ///< of qel::AppendStamp; object: number of the entry; size: bytes of the trail with it
 
 /// Whether the trail itself appends entries of this kind.
 QELLIB10_API bool IsOwn(std::string_view action);

@@ -164,14 +164,14 @@ ReadLine ReadEntry(std::string_view line) {
 namespace trail_kind {
 
 bool IsOwn(std::string_view action) {
-    constexpr std::string_view kOwn[] = {kTrailStarted, kTrailContinued, kClockJumped, kTailSetAside};
+    constexpr std::string_view kOwn[] = {kTrailStarted, kTrailContinued, kClockJumped, kTailSetAside, kTimeStamp};
     return std::ranges::find(kOwn, action) != std::end(kOwn);
 }
 
 bool NeedsReason(std::string_view action) {
-    constexpr std::string_view kChanges[] = {kRightsChanged,   kKeyEnded,       kMethodChanged,
-                                             kVersionTakenOut, kRecovered,      kClockJumped,
-                                             kTailSetAside,    kTrailContinued, kPersonKeyEnded};
+    constexpr std::string_view kChanges[] = {kRightsChanged,  kKeyEnded,    kMethodChanged, kVersionTakenOut,
+                                             kRecovered,      kClockJumped, kTailSetAside,  kTrailContinued,
+                                             kPersonKeyEnded, kKeyRevoked};
     return std::ranges::find(kChanges, action) != std::end(kChanges);
 }
 

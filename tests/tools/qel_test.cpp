@@ -74,6 +74,13 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "trail verify f.xml --trust f.xml --trust f.xml",
                                   "trail verify f.xml --head 0",
                                   "trail verify f.xml --trail 0123456789ABCDEF0123456789ABCDEF",
+                                  "trail verify f.xml --stamp f.xml",
+                                  "stamp f.xml",
+                                  "stamp f.xml --request q --entry 0",
+                                  "stamp f.xml --request q --answer a --entry 1",
+                                  "stamp f.xml --request q --answer a --head-file h --signer-key k",
+                                  "stamp f.xml --request q --answer a --head-file h --tsa-ca c",
+                                  "stamp f.xml --request q --user u",
                                   "plot f.pdf -o f.pdf --force",
                                   "plot f.pdf -o a.png --size 10000x10000",
                                   "plot f.pdf -o a.svg --size 10000x10000",
@@ -109,7 +116,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
         return page.substr(at, page.find('\n', at) - at);
     };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
-             {"", "0 calc seal verify cabinet xml job archive profile plot trail\n"},
+             {"", "0 calc seal verify cabinet xml job archive profile plot trail stamp\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --", "0 --help --jobs --all --strict --json\n"},
@@ -123,7 +130,11 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"profile set --", "0 --help --number\n"},
              {"trail list --", "0 --help --json\n"},
              {"trail show --", "0 --help --json\n"},
-             {"trail verify --", "0 --help --trust --key --trail --head --head-file --at-least --archive --json\n"},
+             {"trail verify --",
+              "0 --help --trust --key --trail --head --head-file --at-least --tsa-ca --stamp --archive --json\n"},
+             {"stamp --",
+              "0 --help --request --entry --answer --tsa-ca --head-file --agent --key --signer-key --user --force "
+              "--json\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {

@@ -47,6 +47,7 @@ void AddAll(CLI::App& app, Status& status) {
         add(app, status);
 #ifdef QEL_WITH_TRAIL
     tool::AddTrail(app, status);
+    tool::AddStamp(app, status);
 #endif
     RefuseEmpty(app);
 }

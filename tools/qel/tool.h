@@ -36,6 +36,8 @@ enum Status : int {
     kClock = 14,          // the time of an entry is before that of the one before
     kMissing = 15,        // entries, or versions that a trail knows, are missing
     kNeverRecorded = 16,  // a version of a cabinet that no entry of the trail announced
+    kStamp = 17,          // a time stamp is not one of its entry, or not the authority's
+    kRevokedKey = 18,     // an entry signed by a key that was revoked
 };
 
 /// Ends the program with one line and a status.
@@ -153,6 +155,7 @@ void AddJob(CLI::App& app, Status& status);
 void AddPlot(CLI::App& app, Status& status);
 #ifdef QEL_WITH_TRAIL
 void AddTrail(CLI::App& app, Status& status);
+void AddStamp(CLI::App& app, Status& status);
 #endif
 
 }  // namespace tool

@@ -12,14 +12,14 @@ namespace tool {
 namespace {
 
 struct Options {
-    std::string file, entry, trust, key, trail, head, headFile, archive;
+    std::string file, entry, trust, key, trail, head, headFile, tsaCa, stamp, archive;
     std::uint64_t atLeast = 0;
     bool json = false;
 };
 
 Failure Refusal(const Options& options) {
     const CString item(qel::LastFailure().item.c_str());
-    for (const std::string& file : {options.trust, options.headFile}) {
+    for (const std::string& file : {options.trust, options.headFile, options.tsaCa, options.stamp}) {
         if (!file.empty() && item == Path(file)) return Named(file, LastRefusal("cannot be read", kFailed));
     }
     return Named(options.file, LastRefusal("cannot be read", kMalformed));
@@ -82,6 +82,8 @@ constexpr Kind kKinds[] = {
     {"key not valid", kEndedKey},
     {"clock", kClock},
     {"missing", kMissing},
+    {"time stamp", kStamp},
+    {"revoked key", kRevokedKey},
 };
 
 const Kind& KindOf(const qel::TrailFinding& finding) { return kKinds[static_cast<std::size_t>(finding.fault)]; }
@@ -103,6 +105,9 @@ void WriteText(const Options& options, const qel::TrailReport& report, const Arc
     Print(line + '\n');
     if (report.isBeingWritten) Print(std::string("another entry is still being written\n"));
     if (report.pinned < report.entries) Print("entry " + std::to_string(report.entries) + ", nothing later known\n");
+    if (report.stamped > 0)
+        Print("entry " + std::to_string(report.stamped) + " was there at " + qel::TrailTimeText(report.stampTime) +
+              ", as a time stamp shows\n");
     if (report.entries > 0) Print("trail " + report.trailId + ", last entry " + report.head + '\n');
 }
 
@@ -116,6 +121,8 @@ void WriteJson(const Options& options, const qel::TrailReport& report, const Arc
               {"anchored", report.isAnchored},
               {"unanchored", report.unanchored},
               {"beingWritten", report.isBeingWritten},
+              {"stamped", report.stamped},
+              {"stampTime", report.stamped > 0 ? Json(qel::TrailTimeText(report.stampTime)) : Json(nullptr)},
               {"findingCount", report.findingCount},
               {"findings", Json::array()}};
     for (const qel::TrailFinding& finding : report.findings)
@@ -159,7 +166,9 @@ Status Verify(const Options& given) {
                                     .key = options.key,
                                     .head = options.head,
                                     .headFile = LibraryPathOrNone(options.headFile),
-                                    .atLeast = options.atLeast};
+                                    .atLeast = options.atLeast,
+                                    .tsaCa = LibraryPathOrNone(options.tsaCa),
+                                    .stamp = LibraryPathOrNone(options.stamp)};
     qel::TrailReport report;
     if (qel::CheckTrail(Path(options.file).View(), anchors, report) == 0) throw Refusal(options);
     const ArchiveReport archive =
@@ -204,6 +213,12 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
     verify.add_option("--at-least", options.atLeast, "So many entries have to be there")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 53))
         ->type_name("N");
+    CLI::Option* const tsaCa =
+        verify.add_option("--tsa-ca", options.tsaCa, "Certificates of the time stamping authority, from elsewhere")
+            ->type_name("FILE");
+    verify.add_option("--stamp", options.stamp, "A time stamp's answer, kept elsewhere: its entry has to be there")
+        ->needs(tsaCa)
+        ->type_name("FILE");
     verify.add_option("--archive", options.archive, "Compare the cabinets in this folder and all below, too")
         ->check(CLI::ExistingDirectory, "")
         ->type_name("FOLDER");
@@ -219,6 +234,8 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
         "  14 clock           the time of an entry is before that of the one before\n"
         "  15 missing         entries that have to be there, or versions that were registered, are missing\n"
         "  16 never recorded  a version of a cabinet that no entry announced\n"
+        "  17 time stamp      a time stamp is not one of its entry, or not the authority's\n"
+        "  18 revoked key     an entry is signed by a key that was revoked, and nothing shows it was there before\n"
         "Without any finding:\n"
         "  11 not anchored    consistent, but no key, or no ID of the trail, is known from elsewhere");
 }

@@ -1,0 +1,128 @@
+// qel stamp: time stamps of an authority for the entries of a trail. It uses no network: request and answer are files.
+#include <algorithm>
+
+#include <qellib10/record.h>
+
+#include "tool.h"
+
+namespace tool {
+namespace {
+
+struct Options {
+    std::string trail, request, answer, tsaCa, agent, key, signerKey, headFile, user;
+    std::uint64_t entry = 0;
+    bool force = false, json = false;
+};
+
+std::string LibraryPathOf(const std::string& file) { return std::string(Path(file).View()); }
+
+// What is longer is refused by the library.
+std::string ReadFile(const std::string& path) {
+    constexpr ULONGLONG kLongest = 1 << 20;
+    return OnFile(path, [&] {
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
+        std::string bytes(static_cast<std::size_t>(std::min(kLongest, file.GetLength())), '\0');
+        bytes.resize(file.Read(bytes.data(), static_cast<UINT>(bytes.size())));
+        return bytes;
+    });
+}
+
+// The file that the library's last failure is about, else @p otherwise.
+Failure Refusal(const Options& options, const std::string& otherwise, Status ofData) {
+    const CString item(qel::LastFailure().item.c_str());
+    for (const std::string& file : {options.trail, options.tsaCa, options.agent, options.signerKey, options.headFile}) {
+        if (!file.empty() && item == Path(file)) return Named(file, LastRefusal("cannot be read", kFailed));
+    }
+    return Named(otherwise, LastRefusal("is refused", ofData));
+}
+
+Status WriteRequest(const Options& options) {
+    RequireNew(options.request, options.force, {options.trail});
+    const auto request = qel::MakeStampRequest(LibraryPathOf(options.trail), options.entry);
+    if (!request) throw Refusal(options, options.trail, options.entry > 0 ? kMissing : kMalformed);
+    WriteAsAWhole(options.request, options.force, [&](const qel::Descriptor& file) {
+        qel::WriteFully(file, std::as_bytes(std::span(*request)), options.request);
+    });
+    return kGood;
+}
+
+std::shared_ptr<qel::Signer> SignerOf(const Options& options) {
+    if (!options.signerKey.empty()) {
+        auto signer = std::make_shared<qel::KeyFileSigner>();
+        if (signer->Load(LibraryPathOf(options.signerKey)) == 0) throw Refusal(options, options.signerKey, kFailed);
+        return signer;
+    }
+    auto signer = std::make_shared<qel::SshAgentSigner>();
+    if (signer->Connect(LibraryPathOf(options.agent), options.key) == 0) throw Refusal(options, options.agent, kFailed);
+    return signer;
+}
+
+// The answer is checked before the trail is touched.
+Status AppendAnswer(const Options& options) {
+    const std::string answer = ReadFile(options.answer), request = ReadFile(options.request);
+    const std::string tsaCa = LibraryPathOf(options.tsaCa);
+    const std::optional<qel::TimeStamp> stamp = qel::CheckStamp(answer, request, tsaCa);
+    if (!stamp) throw Refusal(options, options.answer, kStamp);
+    qel::Trail trail({.path = LibraryPathOf(options.trail),
+                      .headPath = LibraryPathOf(options.headFile),
+                      .application = "qel",
+                      .version = QEL_VERSION},
+                     SignerOf(options));
+    if (CQFile::IsExist(Path(options.trail)) == 0) throw Failure(Shown(options.trail) + ": is missing", kUnreadable);
+    if (trail.Open() == 0) throw Refusal(options, options.trail, kFailed);
+    const std::optional<qel::TrailReceipt> receipt = qel::AppendStamp(trail, answer, request, tsaCa, options.user);
+    if (!receipt) throw Refusal(options, options.answer, kStamp);
+    const std::string time = qel::TrailTimeText(stamp->time);
+    options.json
+        ? Print(Json{{"entry", receipt->number}, {"hash", receipt->hash}, {"stamped", stamp->sha256}, {"time", time}})
+        : Print("entry " + std::to_string(receipt->number) + ": time stamp of " + time + '\n');
+    return kGood;
+}
+
+void RequireTogether(const Options& options) {
+    const auto require = [](bool isRight, const char* what) {
+        if (!isRight) throw CLI::ValidationError(what);
+    };
+    const bool hasSigner = options.agent.empty() != options.signerKey.empty();
+    require(!options.answer.empty() || (options.tsaCa.empty() && options.headFile.empty() && options.user.empty() &&
+                                        options.agent.empty() && options.signerKey.empty()),
+            "--answer is missing: the other options are for it");
+    require(options.answer.empty() || (!options.tsaCa.empty() && !options.headFile.empty() && hasSigner),
+            "--answer needs --tsa-ca, --head-file, and one of --agent and --signer-key");
+    require(options.key.empty() || !options.agent.empty(), "--key is one of an agent");
+}
+
+}  // namespace
+
+void AddStamp(CLI::App& app, Status& status) {
+    CLI::App* const command = app.add_subcommand("stamp", "Ask for a time stamp of a trail, and append the answer");
+    const auto options = std::make_shared<Options>();
+    const auto add = [&](const char* name, std::string& value, const char* type, const char* meaning) {
+        return command->add_option(name, value, meaning)->type_name(type);
+    };
+    AddFile(*command, "TRAIL", options->trail, "The trail's file");
+    add("--request", options->request, "FILE", "The request (.tsq): written, or with --answer read")->required();
+    CLI::Option* const entry =
+        command->add_option("--entry", options->entry, "The number of the entry to be stamped, else the last one")
+            ->transform(WholeNumber(1, std::int64_t{1} << 53))
+            ->type_name("N");
+    CLI::Option* const answer =
+        add("--answer", options->answer, "FILE", "The authority's answer (.tsr), to be appended");
+    entry->excludes(answer);
+    add("--tsa-ca", options->tsaCa, "FILE", "Certificates of the authority, from elsewhere");
+    add("--head-file", options->headFile, "FILE", "The trail's head file");
+    add("--agent", options->agent, "SOCKET", "The agent that signs the entry");
+    add("--key", options->key, "SHA256:...", "Fingerprint of the agent's key, if it has several");
+    add("--signer-key", options->signerKey, "FILE", "Or the file of the key that signs it");
+    add("--user", options->user, "NAME", "Who appends it");
+    command->add_flag("--force", options->force, "Replace the file of the request")->excludes(answer);
+    command->add_flag("--json", options->json, "Write JSON")->needs(answer);
+    command->footer("Exit status 17: the answer is not one for this request, or not the authority's.");
+    command->callback([options, &status] {
+        RequireTogether(*options);
+        status = options->answer.empty() ? WriteRequest(*options) : AppendAnswer(*options);
+    });
+}
+
+}  // namespace tool
