@@ -88,6 +88,7 @@
 #include "qellib10/secure/q_diff_list.h"
 #include "qellib10/secure/renewal_history.h"
 #include "qellib10/secure/renewal_records.h"
+#include "qellib10/user/account_change.h"
 #include "qellib10/user/class_agent_connect_interface.h"
 #include "qellib10/user/function_info.h"
 #include "qellib10/user/function_security.h"

@@ -7,6 +7,8 @@
 #include "qellib10/record/person_signer.h"
 #include "qellib10/record/person_statement.h"
 #include "qellib10/record/recorded_cabinet.h"
+#include "qellib10/record/recorded_person_key.h"
+#include "qellib10/record/recorded_users.h"
 #include "qellib10/record/recorded_version.h"
 #include "qellib10/record/signature_block.h"
 #include "qellib10/record/signature_check.h"

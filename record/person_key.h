@@ -40,7 +40,8 @@ public:
     /// Reads what is not secret. The file must be this user's and have mode 0600.
     /// @return 1, or 0 and there is no key
     int Open(std::string_view path);
-    /// The key stays the same. Whatever interrupts it, the file is the old one or the new one.
+    /// Tries are not limited and leave no entry: qel::RecordedPersonKey changes the password of a person who signs in a
+    /// trail. The key stays the same. Whatever interrupts it, the file is the old one or the new one.
     int ChangePassword(std::string_view oldPassword, std::string_view newPassword);
 
     std::string User() const override;

@@ -167,6 +167,19 @@ bool SignatureState::IsPerson(std::string_view user) const {
     return std::ranges::any_of(m_keys, [&](const auto& key) { return key.second.user == user; });
 }
 
+bool SignatureState::IsValidKeyOf(const SshPublicKey& key, std::string_view user) const {
+    const auto found = m_keys.find(key);
+    return found != m_keys.end() && found->second.isValid && found->second.user == user;
+}
+
+std::vector<SshPublicKey> SignatureState::ValidKeysOf(std::string_view user) const {
+    std::vector<SshPublicKey> keys;
+    for (const auto& [key, person] : m_keys) {
+        if (person.isValid && person.user == user) keys.push_back(key);
+    }
+    return keys;
+}
+
 std::string SignatureState::WhyNotFinal(const std::string& cabinet, std::uint64_t number) const {
     if (!IsCabinet(cabinet) || number == 0) throw DataError("a cabinet or a version is named wrongly");
     const Version& version = Found(PlaceOf(cabinet, number));

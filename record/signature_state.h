@@ -40,6 +40,10 @@ public:
                                              std::int64_t time) const;
     /// Whether a key was announced for the user, also one that has ended.
     bool IsPerson(std::string_view user) const;
+    /// Whether a key was announced, also one that has ended.
+    bool IsKnown(const SshPublicKey& key) const { return m_keys.contains(key); }
+    bool IsValidKeyOf(const SshPublicKey& key, std::string_view user) const;
+    std::vector<SshPublicKey> ValidKeysOf(std::string_view user) const;
     /// Why a version may not be final yet, or ever; empty if it may.
     std::string WhyNotFinal(const std::string& cabinet, std::uint64_t number) const;
 

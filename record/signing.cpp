@@ -2,6 +2,7 @@
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/record/person_statement_text.h"
+#include "qellib10/record/refusals.h"
 #include "qellib10/record/signature_log.h"
 #include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail_clock.h"
@@ -9,8 +10,6 @@
 
 namespace qel {
 namespace {
-
-constexpr unsigned kMostRefusals = 3;
 
 TrailRecord RecordOf(std::string_view action, const PersonStatement& statement, std::string_view user) {
     TrailRecord record;
@@ -29,7 +28,7 @@ struct Signing::State {
     Trail& trail;
     std::shared_ptr<PersonSigner> person;
     SignatureLog log;
-    unsigned refusals = 0;
+    Refusals refusals = {};
     std::string key = {};  // of who has signed first; empty: nobody has
 
     int Sign(const SigningRequest& request, std::optional<std::string_view> user, std::string_view password,
@@ -37,7 +36,7 @@ struct Signing::State {
     int RefuseState(bool hasName) const;
     PersonStatement StatementOf(const SigningRequest& request) const;
     std::string WhyRefused(const PersonStatement& statement, std::optional<std::string_view> user) const;
-    int RefuseSigning(const PersonStatement& statement, std::string_view user, const std::string& reason);
+    int RefuseSigning(const PersonStatement& statement, std::string_view typed, const std::string& reason);
     int Append(const PersonStatement& statement, std::string_view text, std::optional<TrailReceipt>& receipt);
     void CatchUp();
 };
@@ -46,7 +45,7 @@ Signing::Signing(Trail& trail, std::shared_ptr<PersonSigner> person, SigningRule
     : m_state(new State{trail, std::move(person), SignatureLog(WriterOf(trail).Path(), std::move(rules))}) {}
 Signing::~Signing() = default;
 
-bool Signing::HasEnded() const noexcept { return m_state->refusals >= kMostRefusals; }
+bool Signing::HasEnded() const noexcept { return m_state->refusals.HaveEnded(); }
 
 std::optional<TrailReceipt> Signing::Sign(const SigningRequest& request, std::string_view user,
                                           std::string_view password) {
@@ -85,7 +84,7 @@ int Signing::State::Sign(const SigningRequest& request, std::optional<std::strin
     const std::string part = SignedPart(statement);
     const std::string_view typed = user.value_or(statement.user);
     if (!key.empty() && key != person->PublicKey()) {
-        refusals = kMostRefusals;
+        refusals.End();
         return RefuseSigning(statement, "", "the key is not the one that the session began with");
     }
     const std::string why = WhyRefused(statement, user);
@@ -102,7 +101,7 @@ int Signing::State::Sign(const SigningRequest& request, std::optional<std::strin
 }
 
 int Signing::State::RefuseState(bool hasName) const {
-    if (refusals >= kMostRefusals) return Refuse(FailureKind::kState, "", "refusals have ended the session");
+    if (refusals.HaveEnded()) return Refuse(FailureKind::kState, "", "refusals have ended the session");
     if (person == nullptr || person->PublicKey().empty())
         return Refuse(FailureKind::kState, "", "no person's key is open");
     if (!hasName && key.empty())
@@ -130,14 +129,8 @@ std::string Signing::State::WhyRefused(const PersonStatement& statement, std::op
     return problems.empty() ? "" : problems.front().text;
 }
 
-int Signing::State::RefuseSigning(const PersonStatement& statement, std::string_view user, const std::string& reason) {
-    ++refusals;
-    // Somebody may have typed the password in the place of the name.
-    TrailRecord record =
-        RecordOf(trail_kind::kSignatureRefused, statement, log.State().IsPerson(user) ? user : std::string_view());
-    record.reason = reason;
-    if (!trail.Append(record) || trail.Flush() == 0) return 0;
-    return Refuse(FailureKind::kRefused, "", reason);
+int Signing::State::RefuseSigning(const PersonStatement& statement, std::string_view typed, const std::string& reason) {
+    return refusals.Add(WriterOf(trail), log.State(), RecordOf("", statement, ""), typed, reason);
 }
 
 int Signing::State::Append(const PersonStatement& statement, std::string_view text,

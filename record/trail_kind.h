@@ -10,6 +10,12 @@ namespace qel::trail_kind {
 inline constexpr std::string_view kLogon = "logon";
 inline constexpr std::string_view kLogonRefused = "logon refused";
 inline constexpr std::string_view kLogout = "logout";
+// Of accounts, by qel::RecordedUsers; object: the account, and what of it.
+inline constexpr std::string_view kAccountAdded = "account added";
+inline constexpr std::string_view kAccountRemoved = "account removed";
+inline constexpr std::string_view kAccountRenamed = "account renamed";  ///< the name for people to read
+inline constexpr std::string_view kAccountLocked = "account locked";    ///< user: whose; after too many wrong passwords
+inline constexpr std::string_view kAutomaticLogonChanged = "automatic logon changed";
 inline constexpr std::string_view kRightsChanged = "rights changed";
 inline constexpr std::string_view kKeyAdded =
     "key added";  ///< object: "ssh-ed25519 AAAA...", which may sign from now on
@@ -18,6 +24,7 @@ inline constexpr std::string_view kKeyEnded =
 inline constexpr std::string_view kKeyRevoked =
     "key revoked";  ///< object: the same, which others may have; after: the number of the entry from which on it is
                     ///< distrusted, at most that of this one
+inline constexpr std::string_view kPasswordChanged = "password changed";  ///< object: of which account or key
 inline constexpr std::string_view kMethodChanged = "method changed";
 // Those of qel::RecordedCabinet.
 inline constexpr std::string_view kRegistering = "result registering";  ///< nothing has happened yet
@@ -26,6 +33,8 @@ inline constexpr std::string_view kAbandoned = "result abandoned";  ///< it was 
 inline constexpr std::string_view kVersionTakenOut = "version taken out";
 inline constexpr std::string_view kReportPrinted = "report printed";
 inline constexpr std::string_view kExport = "export";
+inline constexpr std::string_view kPersonKeyChanging =
+    "person key changing";  ///< object: the person; before and after: the person's old and new key; nothing yet
 inline constexpr std::string_view kPersonKeyAdded =
     "person key added";  ///< object: "ssh-ed25519 AAAA...", with which the user may sign from now on
 inline constexpr std::string_view kPersonKeyEnded = "person key ended";  ///< the same, which may not from now on

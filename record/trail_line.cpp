@@ -169,9 +169,11 @@ bool IsOwn(std::string_view action) {
 }
 
 bool NeedsReason(std::string_view action) {
-    constexpr std::string_view kChanges[] = {kRightsChanged,  kKeyEnded,    kMethodChanged, kVersionTakenOut,
-                                             kRecovered,      kClockJumped, kTailSetAside,  kTrailContinued,
-                                             kPersonKeyEnded, kKeyRevoked};
+    constexpr std::string_view kChanges[] = {
+        kRightsChanged, kKeyEnded,       kMethodChanged,  kVersionTakenOut,   kRecovered,
+        kClockJumped,   kTailSetAside,   kTrailContinued, kPersonKeyChanging, kPersonKeyEnded,
+        kKeyRevoked,    kAccountRemoved, kAccountRenamed,
+    };
     return std::ranges::find(kChanges, action) != std::end(kChanges);
 }
 

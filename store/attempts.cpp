@@ -2,7 +2,7 @@
 
 namespace qel {
 
-bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule) {
+Attempt CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule) {
     using Time = std::chrono::sys_seconds;
     Transaction transaction(database);
     std::int64_t refused = 0;
@@ -14,14 +14,15 @@ bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now,
     }
     // A lock that ends too late is from before the clock was set back.
     const bool isLocked = lockedUntil > now && lockedUntil <= now + rule.length;
-    if (++refused >= rule.mostRefused && !isLocked) lockedUntil = now + rule.length;
+    const bool locks = ++refused >= rule.mostRefused && !isLocked;
+    if (locks) lockedUntil = now + rule.length;
     Query(database, "REPLACE INTO attempts VALUES(?, ?, ?)")
         .Bind(user)
         .Bind(refused)
         .Bind(lockedUntil.time_since_epoch().count())
         .Run();
     transaction.Commit();
-    return isLocked;
+    return {isLocked, locks};
 }
 
 void ForgetAttempts(Database& database, UserId user) {

@@ -8,11 +8,15 @@
 // Counts refused logons and locks a user after too many.
 namespace qel {
 
+struct Attempt {
+    bool isLocked = false;  ///< the user was locked already, so that even the right password does not count
+    bool locks = false;     ///< if it is refused, the user is locked from now on
+};
+
 /// Counts an attempt as refused, before its password is checked: so a guess counts also when its program is killed or
 /// the disk is full. The right password takes it back (ForgetAttempts) within the turn of the logon, before another one
 /// is checked. @p user may be kNobody, which costs the same.
-/// @return whether the user was locked already, so that even the right password does not count
-bool CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule);
+Attempt CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule);
 
 /// After a success, or when an administrator sets a new password.
 void ForgetAttempts(Database& database, UserId user);

@@ -58,15 +58,25 @@ int UserStore::Logon(const CString& username, const CString& password) {
         const SecretText text(ToUtf8(password.View()));
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
         const UserId user = FindUser(database, username);
-        const bool isLocked = CountAttempt(database, user, settings.clock(), settings.lock);
+        const Attempt attempt = CountAttempt(database, user, settings.clock(), settings.lock);
         const std::optional<PasswordHash> kept = ReadPassword(database, user);
         const PasswordHash decoy{.cost = settings.cost};
         const bool isToken = IsToken(database, user, text.View());
         const bool isPassword = !isToken && IsPassword(text.View(), kept ? *kept : decoy) && kept;
-        if ((!isToken && !isPassword) || isLocked) return 0;
+        if ((!isToken && !isPassword) || attempt.isLocked) return m_state->RefuseLogon(user, attempt);
         if (isPassword && kept->cost != settings.cost) HashAgain(database, user, *kept, text.View(), settings.cost);
         ForgetAttempts(database, user);
+        m_state->EndLogon();
+        m_state->Report(AccountEvent::kLogon, ReadUser(database, user).value_or(CUserInfo()).GetUsername());
         m_state->logonUser = user;
+        return 1;
+    });
+}
+
+int UserStore::Logout() {
+    return m_state->ResultOf("qel::UserStore::Logout", [&] {
+        m_state->Opened();
+        m_state->EndLogon();
         return 1;
     });
 }
@@ -94,7 +104,18 @@ int UserStore::IsAutoLogon() {
 
 int UserStore::SetAutoLogon(int autoLogon) {
     return m_state->ResultOf("qel::UserStore::SetAutoLogon", [&] {
-        SwitchAutomaticLogon(m_state->Opened(), autoLogon);
+        Database& database = m_state->Opened();
+        Transaction transaction(database);
+        const bool wasOn = ReadAutomaticLogon(database).isOn != 0;
+        SwitchAutomaticLogon(database, autoLogon);
+        if (wasOn != (autoLogon != 0))
+            m_state->Report({AccountEvent::kAutomaticLogonChanged,
+                             m_state->Actor(),
+                             {},
+                             {},
+                             wasOn ? "on" : "off",
+                             wasOn ? "off" : "on"});
+        transaction.Commit();
         return 1;
     });
 }
@@ -118,7 +139,7 @@ CString UserStore::GetAutoLogonPassword() {
 }
 
 int UserStore::SetAutoLogonUser(const CString& username) {
-    return m_state->ChangeAccounts("qel::UserStore::SetAutoLogonUser", [&] {
+    return m_state->ChangeAccounts("qel::UserStore::SetAutoLogonUser", username, [&] {
         Database& database = *m_state->database;
         if (username.IsEmpty()) {
             StoreAutomaticUser(database, kNobody, {});

@@ -31,7 +31,7 @@ int UserStore::CheckIntegrity() {
 }
 
 int UserStore::CreateFirstAdministrator(const CString& username, const CString& password) {
-    return m_state->ChangeAccounts("qel::UserStore::CreateFirstAdministrator", [&] {
+    return m_state->ChangeAccounts("qel::UserStore::CreateFirstAdministrator", username, [&] {
         Database& database = *m_state->database;
         if (HasAdministrator(database)) throw StoreError(FailureKind::kState, "there is an administrator already");
         CUserInfo record;
@@ -77,7 +77,7 @@ CString UserStore::GetUserName(int index) {
 }
 
 int UserStore::SaveFunctionSecurity(const CUserInfo& user) {
-    return m_state->ChangeAccounts("qel::UserStore::SaveFunctionSecurity", [&] {
+    return m_state->ChangeAccounts("qel::UserStore::SaveFunctionSecurity", user.GetUsername(), [&] {
         const UserId existing = m_state->Existing(user.GetUsername());
         UpdateAccount(*m_state->database, existing, user);
         if (!user.GetPassword().IsEmpty()) m_state->SetPassword(existing, user.GetPassword());
@@ -85,7 +85,7 @@ int UserStore::SaveFunctionSecurity(const CUserInfo& user) {
 }
 
 int UserStore::AddUser(const CUserInfo& user) {
-    return m_state->ChangeAccounts("qel::UserStore::AddUser", [&] {
+    return m_state->ChangeAccounts("qel::UserStore::AddUser", user.GetUsername(), [&] {
         const UserId added = AddAccount(*m_state->database, user);
         if (!user.GetPassword().IsEmpty()) m_state->SetPassword(added, user.GetPassword());
     });
@@ -100,7 +100,7 @@ int UserStore::DeleteUser(const CString& username) {
         DeleteAccount(*database, user);
         ForgetAttempts(*database, user);
     };
-    return m_state->ChangeAccounts("qel::UserStore::DeleteUser", change, [&] {
+    return m_state->ChangeAccounts("qel::UserStore::DeleteUser", username, change, [&] {
         if (isAutomatic) RemovePrivateFile(m_state->TokenPath());
     });
 }

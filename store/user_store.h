@@ -40,6 +40,11 @@ struct UserStoreState;
 /// name or password it only says that it was refused. Everything fails before Connect. Nothing is thrown but
 /// std::bad_alloc, by what returns a text. The tables are described in docs/formats.md.
 ///
+/// With UserStoreSettings::record, everything is recorded before it takes effect: entry by entry, then the change.
+/// Where a later entry is refused, or the disk is full, those before it are there although nothing was changed: the
+/// record may say more than was done, never less. A refused logon counts against the user also if it cannot be
+/// recorded.
+///
 /// Logging on and automatic logon are in user_logon.cpp, everything else in user_store.cpp.
 class QELLIB10_API UserStore : public CClassAgentConnectInterface {
 public:
@@ -66,6 +71,9 @@ public:
     int LogonWithDialog() override;
     /// Waits for other logons of this user, then takes as long as the password's cost says.
     int Logon(const CString& username, const CString& password) override;
+    /// Ends the logon, as the next one does. @return 0 also if it could not be recorded; nobody is logged on all the
+    /// same
+    int Logout();
     /// The account as it is now; an empty one with user ID 0 when nobody is logged on or that user was deleted.
     void GetLogonUser(CUserInfo* out) override;
     CString GetLogonUsername() override;

@@ -5,6 +5,7 @@
 
 #include "qellib10/platform/crypto/password_cost.h"
 #include "qellib10/platform/text/string.h"
+#include "qellib10/user/account_change.h"
 
 namespace qel {
 
@@ -28,6 +29,10 @@ struct LogonLock {
 struct UserStoreSettings {
     PasswordCost cost;  ///< passwords kept at another cost are hashed again at the next logon
     LogonLock lock;
+    /// Is asked before anything takes effect: logons and their refusals, logouts, locks, and each item of an account
+    /// that is changed. If it returns false, that is not done; empty: nobody is asked. qel::RecordedUsers makes an
+    /// entry of a trail. It must not use the store.
+    std::function<bool(const AccountChange&)> record = {};
     bool isReadOnly = false;  ///< accounts are only read: a logon is refused, since it would count an attempt
     std::function<std::chrono::sys_seconds()> clock = [] {
         return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());

@@ -54,6 +54,34 @@ Database& UserStoreState::Opened() const {
     return *database;
 }
 
+void UserStoreState::Report(AccountEvent event, const CString& account) const { Report({event, Actor(), account}); }
+
+void UserStoreState::Report(const AccountChange& change) const {
+    if (!settings.record || settings.record(change)) return;
+    const std::string why = LastFailure().text;
+    throw StoreError(FailureKind::kState, "it could not be recorded" + (why.empty() ? "" : ": " + why));
+}
+
+void UserStoreState::EndLogon() {
+    const CString leaving = Actor();
+    logonUser = kNobody;
+    if (!leaving.IsEmpty()) Report(AccountEvent::kLogout, leaving);
+}
+
+// The name that was typed may be the password.
+int UserStoreState::RefuseLogon(UserId user, const Attempt& attempt) const {
+    const auto known = ReadUser(*database, user);
+    const CString account = known ? known->GetUsername() : CString();
+    Report(AccountEvent::kLogonRefused, account);
+    if (attempt.locks && known) Report(AccountEvent::kLocked, account);
+    return 0;
+}
+
+CString UserStoreState::Actor() const {
+    const auto user = ReadUser(Opened(), logonUser);
+    return user ? user->GetUsername() : CString();
+}
+
 UserId UserStoreState::Existing(const CString& username) const {
     const UserId user = FindUser(Opened(), username);
     if (user == kNobody) throw StoreError(FailureKind::kMissing, "there is no such user");

@@ -14,7 +14,9 @@
 #include "qellib10/platform/operation.h"
 #include "qellib10/platform/storage/file_exception.h"
 #include "qellib10/platform/storage/file_failure.h"
+#include "qellib10/store/account_changes.h"
 #include "qellib10/store/accounts.h"
+#include "qellib10/store/attempts.h"
 #include "qellib10/store/store_error.h"
 #include "qellib10/store/user_store.h"
 
@@ -29,10 +31,20 @@ struct UserStoreState {
     template <class Body> auto ResultOf(const char* name, Body body) -> decltype(body());
     /// Either all of @p change takes place or nothing. A store that has an administrator keeps one. @p last
     /// cannot be undone, so it runs when all but the commit is done.
+    /// @param account whose it is; what is changed of it, or of the automatic logon, is reported before it takes effect
     template <class Change> int ChangeAccounts(
-        const char* name, Change change, const std::function<void()>& last = [] {});
+        const char* name, const CString& account, Change change, const std::function<void()>& last = [] {});
 
     void Connect();
+    /// Asks UserStoreSettings::record. @throws StoreError if it refuses
+    void Report(AccountEvent event, const CString& account) const;
+    void Report(const AccountChange& change) const;
+    /// Nobody is logged on then, also if that cannot be recorded.
+    void EndLogon();
+    /// @return 0
+    int RefuseLogon(UserId user, const Attempt& attempt) const;
+    /// The name of who is logged on.
+    CString Actor() const;
     /// @throws StoreError before Connect
     Database& Opened() const;
     /// @throws StoreError when there is no such user
@@ -81,14 +93,20 @@ template <class Body> auto UserStoreState::ResultOf(const char* name, Body body)
     return {};
 }
 
-template <class Change>
-int UserStoreState::ChangeAccounts(const char* name, Change change, const std::function<void()>& last) {
+template <class Change> int UserStoreState::ChangeAccounts(const char* name, const CString& account, Change change,
+                                                           const std::function<void()>& last) {
     return ResultOf(name, [&] {
         Transaction transaction(Opened());
+        const AccountState before = ReadAccountState(*database, account);
+        const CString actor = Actor();
         const bool hadAdministrator = HasAdministrator(*database);
         change();
         if (hadAdministrator && !HasAdministrator(*database))
             throw StoreError(FailureKind::kState, "nobody would be left to administrate");
+        for (AccountChange& made : ChangesOf(before, ReadAccountState(*database, account))) {
+            made.user = actor;
+            Report(made);
+        }
         last();
         auto newNames = UserNames(*database);  // nothing may fail after the commit
         transaction.Commit();

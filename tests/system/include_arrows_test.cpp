@@ -39,7 +39,7 @@ const std::vector<Row> kArrows = {
     {"secure", {"file", "platform/xml"}},
     {"user", {"file"}},
     {"store", {"user", "platform/crypto"}},
-    {"record", {"secure", "platform/crypto"}},
+    {"record", {"secure", "user", "platform/crypto"}},
     {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
     {"gtk", {"platform/printing"}},

@@ -1,0 +1,113 @@
+#include "qellib10/record/recorded_users.h"
+
+#include "qellib10/store/user_store.h"
+#include "trail_folder.h"
+
+namespace {
+
+// A store whose changes are entries of a trail.
+class UsersFolder : public TrailFolder {
+public:
+    UsersFolder() : trail(Settings(), std::make_shared<ByteSigner>(1)), recorded(trail) {
+        trail.Open();
+        qel::UserStoreSettings settings;
+        settings.cost = {1, 8192};
+        settings.lock.mostRefused = 2;
+        settings.record = [this](const qel::AccountChange& change) { return recorded.Enter(change); };
+        store = std::make_unique<qel::UserStore>(Path("users.db"), settings);
+        store->Connect();
+        recorded.SetReason("because");
+        store->CreateFirstAdministrator("Admin", "first");
+        store->Logon("admin", "first");
+        m_shown = Lines().size();
+    }
+    // The entries since the last call.
+    std::string New() {
+        std::string text;
+        for (; m_shown < Lines().size(); ++m_shown) {
+            const qel::TrailEntry entry = Entry(m_shown + 1);
+            text += entry.user + ' ' + entry.action + ' ' + entry.object;
+            if (!entry.before.empty() || !entry.after.empty()) text += ' ' + entry.before + '>' + entry.after;
+            text += '|';
+        }
+        return text;
+    }
+
+    qel::Trail trail;
+    qel::RecordedUsers recorded;
+    std::unique_ptr<qel::UserStore> store;
+
+private:
+    std::size_t m_shown = 0;
+};
+
+CUserInfo Bob(int level = 3, int manager = 0, const char* password = "") {
+    CUserInfo user;
+    user.SetUsername("Bob");
+    user.SetUserFullname("B. \x90\x58");
+    user.SetPassword(password);
+    CFunctionSecurity security;
+    security.AddFunctionInfo(CFunctionInfo(5, "Print", level));
+    security.SetManagerParameter(manager);
+    user.SetSecurity(security);
+    return user;
+}
+
+}  // namespace
+
+TEST(RecordedUsers, EveryChangeOfAnAccountIsAnEntryItemByItem) {
+    UsersFolder folder;
+    qel::UserStore& store = *folder.store;
+    EXPECT_EQ(folder.Actions(),
+              "trail started|account added|rights changed|rights changed|rights changed|password changed|logon|");
+    EXPECT_EQ(Line({store.AddUser(Bob(3, 0, "violet"))}), "1");
+    EXPECT_EQ(
+        folder.New(),
+        "Admin account added Bob >B. \xE6\xA3\xAE|Admin rights changed Bob: maker >0|Admin rights changed Bob: manager "
+        ">0|"
+        "Admin rights changed Bob: show >1|Admin rights changed Bob: function 5 Print >3|Admin password changed Bob|");
+    store.SaveFunctionSecurity(Bob(4, 1));
+    EXPECT_EQ(folder.New(), "Admin rights changed Bob: manager 0>1|Admin rights changed Bob: function 5 Print 3>4|");
+    CUserInfo renamed = Bob(4, 1, "amber");
+    renamed.SetUserFullname("Bob");
+    store.SaveFunctionSecurity(renamed);
+    EXPECT_EQ(folder.New(), "Admin account renamed Bob B. \xE6\xA3\xAE>Bob|Admin password changed Bob|");
+    store.SetAutoLogon(1);
+    store.SetAutoLogon(1);
+    store.SetAutoLogonUser("bob");
+    EXPECT_EQ(folder.New(), "Admin automatic logon changed  off>on|Admin automatic logon changed  >Bob|");
+    store.DeleteUser("BOB");
+    EXPECT_EQ(folder.New(), "Admin account removed Bob Bob>|Admin automatic logon changed  Bob>|");
+    for (const char* const secret : {"violet", "amber", "first"})
+        EXPECT_EQ(folder.Read("t").find(secret), std::string::npos) << secret;
+}
+
+TEST(RecordedUsers, LogonsRefusalsAndLocksAreEntriesWithoutWhatWasTyped) {
+    UsersFolder folder;
+    qel::UserStore& store = *folder.store;
+    store.AddUser(Bob(3, 0, "violet"));
+    folder.New();
+    EXPECT_EQ(Line({store.Logon("bob", "violet"), store.Logout(), store.Logout()}), "1 1 1");
+    EXPECT_EQ(folder.New(), "Admin logout |Bob logon |Bob logout |");
+    EXPECT_EQ(Line({store.Logon("violet", "bob"), store.Logon("bob", "x"), store.Logon("bob", "y"),
+                    store.Logon("bob", "violet")}),
+              "0 0 0 0");
+    EXPECT_EQ(folder.New(),
+              " logon refused |Bob logon refused |Bob logon refused |Bob account locked |Bob logon refused |");
+    EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+}
+
+TEST(RecordedUsers, NothingTakesEffectThatTheTrailRefuses) {
+    UsersFolder folder;
+    qel::UserStore& store = *folder.store;
+    store.AddUser(Bob(3, 0, "violet"));
+    folder.recorded.SetReason("");
+    EXPECT_EQ(Line({store.SaveFunctionSecurity(Bob(9)), store.DeleteUser("bob")}), "0 0");
+    EXPECT_EQ(qel::LastFailure().text.substr(0, 26), "it could not be recorded: ");
+    CUserInfo kept;
+    EXPECT_EQ(Line({store.GetUserInfo("bob", &kept), kept.GetFunctionSecurity(5)}), "1 3");
+    const std::string head = folder.Read("h");
+    folder.Write("h", "x");
+    EXPECT_EQ(Line({store.Logon("bob", "violet"), store.GetLogonUsername()}), "0 ") << "nor is the one before still on";
+    folder.Write("h", head);
+}
