@@ -6,6 +6,7 @@
 
 #include "tool.h"
 #include "trail_archive.h"
+#include "trail_export.h"
 #include "trail_text.h"
 
 namespace tool {
@@ -14,6 +15,7 @@ namespace {
 struct Options {
     std::string file, entry, trust, key, trail, head, headFile, tsaCa, stamp, archive;
     std::uint64_t atLeast = 0;
+    TrailExport exported;
     bool json = false;
 };
 
@@ -98,11 +100,7 @@ void WriteText(const Options& options, const qel::TrailReport& report, const Arc
     if (!options.archive.empty())
         Print(Count(archive.cabinets, "cabinet", "cabinets") + ", " + Count(archive.versions, "version", "versions") +
               ": " + Count(archive.findings.size(), "finding", "findings") + '\n');
-    std::string line = Count(report.entries, "entry", "entries") + ": ";
-    line += report.findingCount > 0 ? Count(report.findingCount, "finding", "findings")
-            : report.isAnchored     ? "consistent"
-                                    : "consistent, not anchored: " + report.unanchored;
-    Print(line + '\n');
+    Print(ResultText(report) + '\n');
     if (report.isBeingWritten) Print(std::string("another entry is still being written\n"));
     if (report.pinned < report.entries) Print("entry " + std::to_string(report.entries) + ", nothing later known\n");
     if (report.stamped > 0)
@@ -158,7 +156,7 @@ std::string TrustFile(const Options& options) {
     return std::filesystem::exists(kUsual, error) || error ? kUsual : "";
 }
 
-Status Verify(const Options& given) {
+qel::TrailReport Checked(const Options& given) {
     Options options = given;
     options.trust = TrustFile(given);
     const qel::TrailAnchors anchors{.trailId = options.trail,
@@ -171,13 +169,30 @@ Status Verify(const Options& given) {
                                     .stamp = LibraryPathOrNone(options.stamp)};
     qel::TrailReport report;
     if (qel::CheckTrail(Path(options.file).View(), anchors, report) == 0) throw Refusal(options);
+    return report;
+}
+
+// @param status of other findings
+Status StatusOf(const qel::TrailReport& report, Status status) {
+    for (const qel::TrailFinding& finding : report.findings) status = std::max(status, KindOf(finding).status);
+    return status == kGood && !report.isAnchored ? kNotAnchored : status;
+}
+
+Status Export(const Options& options) {
+    const qel::TrailReport report = Checked(options);
+    const Status status = ExportTrail(options.file, report, options.exported);
+    Print(Shown(options.exported.target) + ": " + ResultText(report) + '\n');
+    return StatusOf(report, status);
+}
+
+Status Verify(const Options& options) {
+    const qel::TrailReport report = Checked(options);
     const ArchiveReport archive =
         options.archive.empty() ? ArchiveReport() : CompareArchive(options.file, options.archive);
     options.json ? WriteJson(options, report, archive) : WriteText(options, report, archive);
     Status status = kGood;
     for (const ArchiveReport::Finding& finding : archive.findings) status = std::max(status, finding.status);
-    for (const qel::TrailFinding& finding : report.findings) status = std::max(status, KindOf(finding).status);
-    return status == kGood && !report.isAnchored ? kNotAnchored : status;
+    return StatusOf(report, status);
 }
 
 std::string RefuseOtherThanHex(const std::string& text, std::size_t digits) {
@@ -196,7 +211,7 @@ std::string RefuseOtherThanFingerprint(const std::string& text) {
     return text.starts_with("SHA256:") && text.size() == 50 ? "" : "is not SHA256: and 43 characters";
 }
 
-void AddVerifyOptions(CLI::App& verify, Options& options) {
+void AddAnchors(CLI::App& verify, Options& options) {
     verify.add_option("--trust", options.trust, "Who may sign, in the format of ssh-keygen's allowed signers")
         ->type_name("FILE");
     verify.add_option("--key", options.key, "Fingerprint of the key that started the trail")
@@ -219,6 +234,10 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
     verify.add_option("--stamp", options.stamp, "A time stamp's answer, kept elsewhere: its entry has to be there")
         ->needs(tsaCa)
         ->type_name("FILE");
+}
+
+void AddVerifyOptions(CLI::App& verify, Options& options) {
+    AddAnchors(verify, options);
     verify.add_option("--archive", options.archive, "Compare the cabinets in this folder and all below, too")
         ->check(CLI::ExistingDirectory, "")
         ->type_name("FOLDER");
@@ -243,7 +262,7 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
 }  // namespace
 
 void AddTrail(CLI::App& app, Status& status) {
-    CLI::App* const command = app.add_subcommand("trail", "List and verify the trail of an archive");
+    CLI::App* const command = app.add_subcommand("trail", "List, verify and export the trail of an archive");
     command->require_subcommand(1);
     const auto options = std::make_shared<Options>();
     const auto add = [&](const char* name, const char* meaning, Status (*run)(const Options&)) {
@@ -260,6 +279,14 @@ void AddTrail(CLI::App& app, Status& status) {
         ->type_name("");
     CLI::App* const verify = add("verify", "Check every entry, and that none is missing", Verify);
     AddVerifyOptions(*verify, *options);
+    CLI::App* const exported = add("export", "Check the entries, and write them to a file", Export);
+    exported->add_option("--to", options->exported.target, "The file to write")->required()->type_name("FILE");
+    exported->add_option("--format", options->exported.format, "Else as the file's suffix says")
+        ->check(CLI::IsMember({"text", "json", "csv", "pdf"}))
+        ->type_name("text|json|csv|pdf");
+    exported->add_flag("--force", options->exported.force, "Replace a file that exists");
+    AddAnchors(*exported, *options);
+    exported->footer("Exit status: that of qel trail verify; the file is written whatever was found");
     for (CLI::App* const action : {list, show, verify}) action->add_flag("--json", options->json, "Write JSON");
 }
 

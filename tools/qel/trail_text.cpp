@@ -42,6 +42,13 @@ std::string EntryLine(const qel::TrailEntry& entry) {
     return line + '\n';
 }
 
+std::string ResultText(const qel::TrailReport& report) {
+    return Count(report.entries, "entry", "entries") + ": " +
+           (report.findingCount > 0 ? Count(report.findingCount, "finding", "findings")
+            : report.isAnchored     ? "consistent"
+                                    : "consistent, not anchored: " + report.unanchored);
+}
+
 std::string EntryText(const Json& entry) {
     std::string text;
     for (const auto& [name, value] : entry.items()) {

@@ -11,6 +11,8 @@ namespace tool {
 Json EntryJson(const qel::TrailEntry& entry, const std::string& hash, const std::string& signer);
 /// A line that says who did what, when and why.
 std::string EntryLine(const qel::TrailEntry& entry);
+/// How many entries there are, and what the check has found.
+std::string ResultText(const qel::TrailReport& report);
 /// A line for each member of EntryJson that is not empty.
 std::string EntryText(const Json& entry);
 
