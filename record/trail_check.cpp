@@ -66,8 +66,7 @@ private:
 
     void Find(TrailFault fault, std::string text, const std::string& signer = "", std::uint64_t lastMissing = 0) {
         ++m_report.findingCount;
-        if (fault == TrailFault::kMalformed || fault == TrailFault::kOrder || fault == TrailFault::kChanged)
-            m_proofs.isChained = false;
+        if (fault == TrailFault::kOrder || fault == TrailFault::kChanged) BreakChain();
         if (m_report.findings.size() == TrailReport::kMostFindings) return;
         TrailFinding finding{
             .fault = fault, .entry = m_next, .byte = m_line.at, .lastMissing = lastMissing, .signer = signer};
@@ -91,6 +90,7 @@ private:
             CheckEntry(*read);
         } catch (const DataError& failure) {
             Find(TrailFault::kMalformed, failure.what());
+            if (!read) BreakChain();
         }
         m_previous = Hex(hash);
         if (m_previous == m_anchors.head) {
@@ -122,6 +122,8 @@ private:
         if (entry.number == 1) m_isStartRight = true;
         if (entry.action == trail_kind::kTimeStamp) TakeStamp(entry);
     }
+
+    void BreakChain() { m_proofs.chainedTo = std::min(m_proofs.chainedTo, m_next - 1); }
 
     // An entry whose hash is known from elsewhere.
     void Pin() {

@@ -22,11 +22,14 @@ class Proofs {
 public:
     Proofs(const GuardedFile& file, TrailTrust& trust, const TrailProofs& given)
         : m_file(file), m_trust(trust), m_given(given), m_isStampOpen(given.stamp && given.stamped > 0) {
-        for (const std::uint64_t pin : given.pins) m_trust.Prove(pin, pin);
+        for (const std::uint64_t pin : given.pins)
+            if (pin <= given.chainedTo) m_trust.Prove(pin, pin);
     }
 
-    void Take(const ReadLine& line, std::uint64_t at) {
+    // @return whether later entries may show something, too
+    bool Take(const ReadLine& line, std::uint64_t at) {
         const TrailEntry& entry = line.entry;
+        if (entry.number > m_given.chainedTo) return false;
         if (m_trust.IsWitness(line)) m_trust.Prove(entry.number, entry.number);
         // A stamp that is kept elsewhere counts as if the first entry that was written after it had it.
         if (m_isStampOpen && entry.number >= m_given.stamped && IsAfterStamp(entry)) {
@@ -35,6 +38,7 @@ public:
         }
         if (entry.action == trail_kind::kTimeStamp && m_given.authorities != nullptr)
             m_trust.Prove(entry.number, CheckStampEntry(m_file, entry, at, m_given.authorities).number);
+        return true;
     }
 
 private:
@@ -53,13 +57,8 @@ private:
 void FindDoubtful(const GuardedFile& file, std::uint64_t size, TrailTrust& trust, const TrailProofs& proofs,
                   const std::function<bool(const DoubtfulEntry&)>& take) {
     trust.StartProofs();
-    if (proofs.isChained) {
-        Proofs all(file, trust, proofs);
-        ReadEntries(file, size, [&](const ReadLine& line, std::uint64_t at) {
-            all.Take(line, at);
-            return true;
-        });
-    }
+    Proofs all(file, trust, proofs);
+    ReadEntries(file, size, [&](const ReadLine& line, std::uint64_t at) { return all.Take(line, at); });
     trust.EndProofs();
     ReadEntries(file, size, [&](const ReadLine& line, std::uint64_t at) {
         const std::optional<std::string> doubt = trust.Doubt(line);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,8 +15,8 @@ namespace qel {
 
 /// What shows that entries were there before a key was revoked, besides the trail's own entries.
 struct TrailProofs {
-    /// Whether each entry is signed and has the hash of the one before: else none shows anything about others.
-    bool isChained = true;
+    /// Up to this entry each is signed and has the hash of the one before. Later ones show nothing about earlier ones.
+    std::uint64_t chainedTo = std::numeric_limits<std::uint64_t>::max();
     std::vector<std::uint64_t> pins = {};  // numbers of entries whose hash is known from elsewhere
     std::optional<TimeStamp> stamp = {};   // one that is kept elsewhere
     std::uint64_t stamped = 0;             // its entry; 0: it is not there

@@ -5,6 +5,7 @@
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_file.h"
 #include "qellib10/record/trail_head.h"
 #include "qellib10/record/trail_kind.h"
 
@@ -38,6 +39,17 @@ void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys) {
     const std::string line = LineOf(SignedPart(entry), SshSignature{});
     if (ReadEntry(line).entry != entry) throw DataError("an entry cannot be read back as what it is");
     ApplyToKeys(entry, keys);
+}
+
+void RequireNotRevoked(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key) {
+    const std::string action = "\"action\":\"" + std::string(trail_kind::kKeyRevoked) + '"';
+    TrailLines lines(trail, 0, length);
+    for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
+        if (line.text.find(action) == std::string_view::npos) continue;
+        const TrailEntry entry = ReadEntry(line.text).entry;
+        if (entry.action == trail_kind::kKeyRevoked && SshPublicKey::OfText(entry.object) == key)
+            throw DataError("a key that was revoked cannot be announced again");
+    }
 }
 
 std::string FileNameOf(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "qellib10/platform/storage/guarded_file.h"
 #include "qellib10/record/trail_line.h"
 
 namespace qel {
@@ -22,6 +23,12 @@ void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys);
 
 /// @throws DataError for an entry that cannot come next, before anything of it is written
 void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys);
+
+/// Goes through a trail for an entry that announces a key: it may not be one that was revoked, and only the trail
+/// knows.
+/// @param length bytes of the trail
+/// @throws DataError for such a key; CFileException
+void RequireNotRevoked(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key);
 
 /// The name without its folder, in UTF-8.
 std::string FileNameOf(const std::string& path);

@@ -22,6 +22,7 @@ std::optional<TrailFault> TrailTrust::FaultOf(const ReadLine& line) const {
     const SshPublicKey& key = line.signature.key;
     if (FindRevoked(key) != nullptr) return TrailFault::kRevokedKey;
     const bool isActive = std::ranges::find(m_active, key) != m_active.end();
+    if (isActive && m_hasVoid && IsVoid(key, line.entry.number)) return TrailFault::kUnknownSigner;
     const auto hasEnded = [&](const Announced& announced) { return announced.key == key && announced.end != 0; };
     if (!isActive && std::ranges::any_of(m_announced, hasEnded)) return TrailFault::kEndedKey;
     if (m_allowed) {
@@ -70,7 +71,7 @@ void TrailTrust::VoidAnnounced() {
     for (Announced& announced : m_announced) {
         if (!IsOfDistrusted(announced)) continue;
         announced.isVoid = true;
-        std::erase(m_active, announced.key);
+        m_hasVoid = true;
     }
 }
 
@@ -78,8 +79,12 @@ bool TrailTrust::IsOfDistrusted(const Announced& announced) const {
     if (announced.key == announced.by || IsAllowed(announced.key)) return false;
     const Revoked* const revoked = FindRevoked(announced.by);
     if (revoked != nullptr && (announced.at >= revoked->from || announced.at > revoked->proven)) return true;
-    const Announced* const by = Find(announced.by, announced.at);
-    return by != nullptr && by->isVoid;
+    return IsVoid(announced.by, announced.at);
+}
+
+bool TrailTrust::IsVoid(const SshPublicKey& key, std::uint64_t number) const {
+    const Announced* const announced = Find(key, number);
+    return announced != nullptr && announced->isVoid;
 }
 
 void TrailTrust::StartProofs() {
@@ -117,8 +122,7 @@ std::optional<std::string> TrailTrust::Doubt(const ReadLine& line) const {
     if (revoked != nullptr && number > revoked->proven)
         return "the entry's key was revoked, and nothing from before entry " + std::to_string(revoked->from) +
                " shows that it was there";
-    const Announced* const announced = Find(key, number);
-    if (announced != nullptr && announced->isVoid) return "the entry's key was announced by one that was revoked";
+    if (IsVoid(key, number)) return "the entry's key was announced by one that was revoked";
     return std::nullopt;
 }
 

@@ -63,6 +63,7 @@ private:
     bool IsAllowed(const SshPublicKey& key) const;
     const Announced* Find(const SshPublicKey& key, std::uint64_t number) const;
     const Revoked* FindRevoked(const SshPublicKey& key) const;
+    bool IsVoid(const SshPublicKey& key, std::uint64_t number) const;
     bool IsOfDistrusted(const Announced& announced) const;
     void Revoke(const TrailEntry& entry);
     void VoidAnnounced();
@@ -70,7 +71,8 @@ private:
     std::string m_key;
     mutable std::optional<SshPublicKey> m_named;
     std::optional<AllowedSigners> m_allowed;
-    std::vector<SshPublicKey> m_active;
+    std::vector<SshPublicKey> m_active;  // as the writer has them: whoever appends does not know which are void
+    bool m_hasVoid = false;
     std::vector<Announced> m_announced;
     std::vector<Revoked> m_revoked;
 };

@@ -148,6 +148,8 @@ TrailReceipt TrailWriter::Append(const TrailRecord& record) {
         const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
         RequireOwnKey(Current());
         RequireNothingLost();
+        if (record.action == trail_kind::kKeyAdded)
+            RequireNotRevoked(*m_trail, m_end->head.length, SshPublicKey::OfText(record.object));
         const TrailMoment now = m_clock();
         if (HasOwn(now)) {
             RequireWritable(EntryOf(record, now), m_end->head.keys);  // or they would be written for nothing

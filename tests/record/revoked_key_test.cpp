@@ -32,6 +32,7 @@ TEST(RevokedKey, SignsNothingMore) {
     unexplained.reason = "";
     EXPECT_FALSE(other.Append(unexplained));
     EXPECT_TRUE(other.Append(OfKey(kind::kKeyRevoked, 1, "3")));
+    EXPECT_FALSE(other.Append(OfKey(kind::kKeyAdded, 1))) << "it cannot come back";
     EXPECT_FALSE(first.Append(Record("b")));
     EXPECT_FALSE(trail.Append({"b"}));
     EXPECT_FALSE(other.Append(OfKey(kind::kKeyRevoked, 2, "3"))) << "the last one";
@@ -117,6 +118,13 @@ TEST(RevokedKey, CannotComeBackOrTakeOver) {
         << "what it has announced";
     EXPECT_EQ(findings({{add(1), 9}, {add(2), 1}, {add(3), 2}, {revoke(1, "3"), 9}, {Record("a"), 3}}),
               "revoked 3 revoked 4 signer 6");
+    EXPECT_EQ(findings({{add(1), 9}, {add(2), 1}, {revoke(1, "3"), 9}, {OfKey(kind::kKeyEnded, 2), 9}}), "revoked 3")
+        << "it is ended by whoever does not know that it counts for nothing";
+    EXPECT_EQ(
+        findings(
+            {{add(1), 9}, {Record("a"), 1}, {Record("b"), 9}, {OfKey(kind::kKeyEnded, 7), 1}, {revoke(1, "5"), 9}}),
+        "malformed 5 revoked 5")
+        << "nonsense after it makes nothing doubtful";
     EXPECT_EQ(findings({{add(1), 9}, {add(2), 9}, {revoke(9, "4"), 1}, {revoke(1, "4"), 9}}).substr(0, 9), "revoked 1");
     EXPECT_EQ(findings({{add(1), 9}, {Record("a"), 1}, {Record("b"), 9}, {revoke(1, "4"), 9}, {revoke(1, "3"), 9}}),
               "revoked 3")
