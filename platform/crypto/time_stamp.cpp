@@ -206,7 +206,9 @@ struct StampAnswer::State {
 StampAnswer::StampAnswer(std::string_view bytes) {
     const ErrorScope errors;
     constexpr const char* kRefusal = "it is no answer of a time stamping authority";
-    m_state.reset(new State{Parsed<Response, ::d2i_TS_RESP>(bytes, kLongestStampAnswer, kRefusal)});
+    Require(bytes.size() <= kLongestStampAnswer, kStampAnswerTooLong);
+    m_state = std::make_unique<State>();
+    m_state->response = Parsed<Response, ::d2i_TS_RESP>(bytes, kLongestStampAnswer, kRefusal);
     TS_TST_INFO* const content = ::TS_RESP_get_tst_info(m_state->response.get());
     Require(content != nullptr, "the time stamping authority has refused a stamp");
     m_hash = qel::HashOf(::TS_TST_INFO_get_msg_imprint(content), "the time stamp is not one of a SHA-256");
@@ -224,7 +226,8 @@ struct StampAuthorities::State {
 
 StampAuthorities::StampAuthorities(std::string_view pem) {
     const ErrorScope errors;
-    m_state.reset(new State{Store(Made(::X509_STORE_new()))});
+    m_state = std::make_unique<State>();
+    m_state->store.reset(Made(::X509_STORE_new()));
     const Bytes file(Made(::BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size()))));
     int count = 0;
     for (;; ++count) {

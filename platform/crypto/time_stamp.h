@@ -15,6 +15,8 @@ namespace qel {
 inline constexpr std::size_t kLongestStampRequest = 4096;
 /// Base64 of it fits into an entry of a trail, with 4 KiB for the rest of its line. Answers have 2 to 8 KiB.
 inline constexpr std::size_t kLongestStampAnswer = 46'080;
+inline constexpr const char* kStampAnswerTooLong =
+    "the answer of the time stamping authority is longer than 46080 bytes";
 
 /// What somebody who wants a stamp sends to the authority.
 class StampRequest {

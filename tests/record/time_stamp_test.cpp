@@ -47,7 +47,10 @@ TEST(TimeStamp, AgreesWithOpensslOnAnswers) {
         EXPECT_EQ(IsAccepted(answer, asked), side == kBoth) << what << ": " << qel::LastFailure().text;
         EXPECT_EQ(tsa.IsVerified(answer, asked, time), side != kNeither) << what << ' ' << answer.size();
     }
+    EXPECT_FALSE(IsAccepted(std::string(46'081, 'x'), request));
+    EXPECT_NE(qel::LastFailure().text.find("longer than 46080 bytes"), std::string::npos);
     const auto stamp = qel::CheckStamp(good, request, tsa.Ca());
+    ASSERT_TRUE(stamp);
     EXPECT_EQ(stamp->sha256, trail.Hash());
     EXPECT_NEAR(static_cast<double>(stamp->time), 1000.0 * std::stod(now), 60'000.0);
     EXPECT_EQ(stamp->accuracy, 1000);
