@@ -2,6 +2,8 @@
 
 // The public headers of the component record: a trail of signed entries, over the core.
 #include "qellib10/record/cabinet_records.h"
+#include "qellib10/record/file_hash.h"
+#include "qellib10/record/file_records.h"
 #include "qellib10/record/key_file_signer.h"
 #include "qellib10/record/person_key.h"
 #include "qellib10/record/person_signer.h"

@@ -6,6 +6,7 @@
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/crypto/digest.h"
 #include "qellib10/record/text_forms.h"
+#include "qellib10/record/trail_chain.h"
 #include "qellib10/record/trail_file.h"
 #include "qellib10/record/version_list.h"
 #include "qellib10/secure/cabinet_reader.h"
@@ -30,15 +31,22 @@ struct CabinetRecords::State {
 CabinetRecords::CabinetRecords() : m_state(new State) {}
 CabinetRecords::~CabinetRecords() = default;
 
-int CabinetRecords::Read(std::string_view trailPath) {
+int CabinetRecords::Read(std::string_view trailPath) { return Read(trailPath, {}); }
+
+int CabinetRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
     *m_state = {};
     const auto read = [&] {
         const GuardedFile file(std::string(trailPath), GuardedFile::Use::kRead);
         TrailLines lines(file, 0, file.Size());
-        for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
+        TrailChain chain(last);
+        while (!chain.IsAtEnd()) {
+            const TrailLines::Line line = lines.Next();
+            if (line.kind != TrailLines::Kind::kWhole) break;
+            chain.Add(line.text);
             // Most entries are about no cabinet; taking each apart would take as long as reading a trail does.
             if (line.text.find("\"cabinet\":\"{") != std::string_view::npos) m_state->Take(line.text);
         }
+        chain.RequireEnd();
         for (auto& [guid, versions] : m_state->cabinets) versions.KeepInterrupted();
     };
     return Succeeds("CabinetRecords::Read", read) ? 1 : 0;

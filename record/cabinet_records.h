@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "qellib10/record/recorded_version.h"
+#include "qellib10/record/trail.h"
 
 namespace qel {
 
@@ -39,6 +40,9 @@ public:
 
     /// Goes through a trail once. A line that is not an entry is passed over; CheckTrail reports it.
     int Read(std::string_view trailPath);
+    /// The same up to the last entry that CheckTrail has seen, TrailReport::entries and TrailReport::head: later ones
+    /// do not count. @return 0 also when the trail does not have it, since somebody has exchanged the file in between
+    int Read(std::string_view trailPath, const TrailReceipt& last);
 
     /// Reads every version of a cabinet. Gives them in the order of their numbers, then those that are missing in it. A
     /// copy of a cabinet that was compared already is a finding: nobody knows which of the two is meant.

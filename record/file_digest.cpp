@@ -4,6 +4,7 @@
 #include <limits>
 #include <span>
 
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/crypto/digest.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/block_io.h"
@@ -86,6 +87,15 @@ PrivateCopy::PrivateCopy(const std::string& cabinet, std::string_view source) : 
         if (at + part.size() > std::numeric_limits<DWORD>::max())
             throw DataError("a file of 4 GiB or more does not fit into a cabinet");
     });
+}
+
+std::optional<FileHash> HashFile(std::string_view path) {
+    std::optional<FileHash> hash;
+    Succeeds("HashFile", [&] {
+        const CFile file(CString(path), CFile::modeRead | CFile::shareDenyNone);
+        hash = ReadAll(file, path, [](std::span<const std::byte>, std::uint64_t) {});
+    });
+    return hash;
 }
 
 }  // namespace qel

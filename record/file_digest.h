@@ -6,17 +6,14 @@
 
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/platform/storage/replacement.h"
+#include "qellib10/record/file_hash.h"
 #include "qellib10/secure/cabinet_reader.h"
 
 // Size and hash of a version, as entries of a trail have them. Everything throws CFileException.
 namespace qel {
 
-struct FileDigest {
-    std::uint64_t size = 0;
-    std::string sha256 = {};  // 64 hexadecimal digits; empty for a version that is damaged and cannot be found
-
-    bool operator==(const FileDigest&) const = default;
-};
+// The hash is empty for a version that is damaged and cannot be found.
+using FileDigest = FileHash;
 
 FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version);
 /// The same, found by its number. Nothing when there is no such version.

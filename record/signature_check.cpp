@@ -2,6 +2,7 @@
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/record/signature_state.h"
+#include "qellib10/record/trail_chain.h"
 #include "qellib10/record/trail_file.h"
 #include "qellib10/record/trail_kind.h"
 
@@ -13,13 +14,18 @@ public:
     Check(const SigningRules& rules, SignatureReport& report) : m_state(rules), m_report(report) {}
 
     // A torn end is CheckTrail's matter: nothing in it was acknowledged.
-    void Run(const std::string& path) {
+    void Run(const std::string& path, TrailChain chain) {
         const GuardedFile file(path, GuardedFile::Use::kRead);
         TrailLines lines(file, 0, file.Size());
-        TrailLines::Line line = lines.Next();
-        for (; line.kind == TrailLines::Kind::kWhole; line = lines.Next()) CheckLine(line.text);
-        if (line.kind == TrailLines::Kind::kTooLong)
-            Find(Unread(), {SignatureFault::kMalformed, "a line is longer than 64 KiB"});
+        while (!chain.IsAtEnd()) {
+            const TrailLines::Line line = lines.Next();
+            if (line.kind == TrailLines::Kind::kTooLong)
+                Find(Unread(), {SignatureFault::kMalformed, "a line is longer than 64 KiB"});
+            if (line.kind != TrailLines::Kind::kWhole) break;
+            chain.Add(line.text);
+            CheckLine(line.text);
+        }
+        chain.RequireEnd();
     }
 
 private:
@@ -58,8 +64,14 @@ private:
 }  // namespace
 
 int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report) {
+    return CheckSignatures(path, rules, report, {});
+}
+
+int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report,
+                    const TrailReceipt& last) {
     report = {};
-    return Succeeds("CheckSignatures", [&] { Check(rules, report).Run(std::string(path)); }) ? 1 : 0;
+    const auto check = [&] { Check(rules, report).Run(std::string(path), TrailChain(last)); };
+    return Succeeds("CheckSignatures", check) ? 1 : 0;
 }
 
 }  // namespace qel

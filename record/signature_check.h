@@ -8,6 +8,7 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/failure.h"
 #include "qellib10/record/signing_rules.h"
+#include "qellib10/record/trail.h"
 
 namespace qel {
 
@@ -55,5 +56,10 @@ struct QELLIB10_API SignatureReport {
 /// @param path in the library's form
 /// @return 1 when the trail was read, whatever was found; 0 when it cannot be
 QELLIB10_API int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report);
+/// The same up to the last entry that CheckTrail has seen, TrailReport::entries and TrailReport::head: later ones do
+/// not count.
+/// @return 0 also when the trail does not have it, since somebody has exchanged the file in between
+QELLIB10_API int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report,
+                                 const TrailReceipt& last);
 
 }  // namespace qel

@@ -7,6 +7,7 @@
 #include "../support/registry_scope.h"
 #include "qel_folder.h"
 #include "qellib10/calc/calc_variable_list.h"
+#include "qellib10/secure/history_renew_info.h"
 
 TEST(Qel, BadUsageIsOneLineAndStatus2) {
     const RegistryScope registry;
@@ -31,6 +32,8 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "seal f.pdf ''",
                                   "verify",
                                   "verify . -j 0",
+                                  "verify . --save-list a",
+                                  "verify f.xml --save-list ../a",
                                   "cabinet",
                                   "cabinet list",
                                   "cabinet extract a",
@@ -51,6 +54,7 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "xml encipher f.xml f.xml --force",
                                   "archive",
                                   "archive a b",
+                                  "renewals",
                                   "profile set a b c",
                                   "profile set a b c x --number",
                                   "profile set f.ini Window '' x",
@@ -118,10 +122,10 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
         return page.substr(at, page.find('\n', at) - at);
     };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
-             {"", "0 calc seal verify cabinet xml job archive profile plot trail stamp\n"},
+             {"", "0 calc seal verify cabinet xml job archive renewals profile plot trail stamp\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
-             {"verify --", "0 --help --jobs --all --strict --json\n"},
+             {"verify --", "0 --help --jobs --all --strict --sealed --save-list --against --force --json\n"},
              {"--codepage 932 cabinet ", "0 list extract add salvage\n"},
              {"cabinet extract --", "0 --help --version --force\n"},
              {"cabinet add --", "0 --help --json\n"},
@@ -129,6 +133,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"xml get --", "0 --help --xml --count --json\n"},
              {"job render --", "0 --help --output --resolution --force --page --paper --dpi --json\n"},
              {"archive --", "0 --help --oldest --json\n"},
+             {"renewals --", "0 --help --json\n"},
              {"profile set --", "0 --help --number\n"},
              {"trail list --", "0 --help --json\n"},
              {"trail show --", "0 --help --json\n"},
@@ -182,6 +187,66 @@ TEST(Qel, CalcChecksAndComputes) {
     EXPECT_EQ(folder.Qel("archive oldest.var --oldest")[0], '7');
     folder.Write("oldest.var", "\1" + std::string(3, '\0') + "\2no\1x");
     EXPECT_EQ(folder.Qel("archive oldest.var --oldest"), "8 qel: oldest.var: of 1 variables 0 can be read\n");
+}
+
+TEST(Qel, ListsWhoRenewedADocument) {
+    const QelFolder folder;
+    CHistoryRenewInfo record;
+    record.SetFileName("m.xml");
+    record.SetOperator("mori");
+    record.SetComment("blank\r\n\x1B[2Jraised");
+    const std::string first = Stored(record);
+    record.SetOperator("");
+    record.SetRenewDateTime(COleDateTime(2026, 2, 3, 4, 5, 6));
+    folder.Write("r", first + Stored(record));
+    const std::string line = "0 version 1, 2001-01-01T00:00:00, by mori: m.xml (blank???[2Jraised)\n";
+    EXPECT_EQ(folder.Qel("renewals r"),
+              line + "version 2, 2026-02-03T04:05:06, by nobody known: m.xml (blank???[2Jraised)\n");
+    EXPECT_EQ(folder.Qel("renewals r --json | grep -c '\"comment\": \"blank.r.n.u001b\\[2Jraised\"'"), "0 2\n");
+    folder.Write("r", first + Stored(record).substr(0, 40));
+    EXPECT_EQ(folder.Qel("renewals r 2>&1 >/dev/null"),
+              "7 qel: r: ends within a record at byte " + std::to_string(first.size()) + "\n");
+    folder.Write("r", first + "something else, that is no record at all");
+    EXPECT_EQ(folder.Qel("renewals r 2>/dev/null"), "8" + line.substr(1));
+    folder.Write("r", "something else");
+    EXPECT_EQ(folder.Qel("renewals r"), "3 qel: r: has no renewal records\n");
+}
+
+TEST(Qel, VerifyComparesATreeWithItsListOfBefore) {
+    const QelFolder folder;
+    std::filesystem::create_directories(folder.Posix("t/sub"));
+    folder.Write("t/a b%\xC3\xA9\n", "odd");
+    folder.Write("t/sealed", "data");
+    folder.Write("t/sub/c", "");
+    ASSERT_EQ(folder.Qel("seal t/sealed >/dev/null && " QELLIB10_QEL " verify t --save-list l"),
+              "0 3 files: 1 intact, 2 unknown\n");
+    EXPECT_EQ(folder.Qel("verify t --against l --sealed 'seal*' --sealed 'sub/x'"), "0 3 files: 1 intact, 2 unknown\n");
+    const std::string list = folder.Read("l");
+    EXPECT_EQ(ResultOf("cd '" + folder.Posix().native() + "' && sed 's/^[0-9a-f]\\{64\\}/SUM/' l"),
+              "0 qel-file-list 1\nSUM 3 data a%20b%25%C3%A9%0A\nSUM 47 sealed-data sealed\nSUM 0 data sub/c\nend 3\n");
+    EXPECT_EQ(folder.Qel("verify t --save-list l"), "1 qel: l: exists; --force replaces it\n");
+    folder.Write("t/new", "");
+    EXPECT_EQ(folder.Qel("verify t --against l --sealed 'sub/?'"),
+              "23 t/new: added: is not in the list\nt/sub/c: not sealed: has to be sealed\n"
+              "4 files: 1 intact, 1 unknown, 1 added, 1 not sealed\n");
+    std::filesystem::remove(folder.Posix("t/new"));
+    std::filesystem::remove(folder.Posix("t/sub/c"));
+    EXPECT_EQ(
+        folder.Qel("seal t/sealed >/dev/null && " QELLIB10_QEL " verify t --against l"),
+        "15 t/sealed: changed, sealed data: is not what the list has\nt/sub/c: missing: is in the list, and not there\n"
+        "3 files: 1 unknown, 1 changed, 1 missing\n");
+    for (const auto& [what, text, answer] : Cases<const char*, std::string, const char*>{
+             {"cut", list.substr(0, list.size() - 6), "7 qel: l: line 4: the list ends too early\n"},
+             {"half a line", list.substr(0, list.size() - 8), "7 qel: l: line 3: the list ends too early\n"},
+             {"an order", list.substr(0, 16) + list.substr(list.find('\n', 16) + 1),
+              "9 qel: l: line 4: not one of such a list\n"},
+             {"more", list + "x", "9 qel: l: line 5: not one of such a list\n"},
+             {"a long line", "qel-file-list 1\n" + std::string(20'000, '0'),
+              "7 qel: l: line 1: the list ends too early\n"},
+             {"none", "", "9 qel: l: line 1: not one of such a list\n"}}) {
+        folder.Write("l", text);
+        EXPECT_EQ(folder.Qel("verify t --against l"), answer) << what;
+    }
 }
 
 TEST(Qel, SealsCountUpAndAreRefusedForChangedFiles) {

@@ -38,6 +38,9 @@ enum Status : int {
     kNeverRecorded = 16,  // a version of a cabinet that no entry of the trail announced
     kStamp = 17,          // a time stamp is not one of its entry, or not the authority's
     kRevokedKey = 18,     // an entry signed by a key that was revoked
+
+    kAdded = 22,      // a file that is not in the list of a tree
+    kNotSealed = 23,  // a file that has to be sealed
 };
 
 /// Ends the program with one line and a status.
@@ -147,6 +150,7 @@ void AddCalc(CLI::App& app, Status& status);
 void AddSeal(CLI::App& app, Status& status);
 void AddVerify(CLI::App& app, Status& status);
 void AddCabinet(CLI::App& app, Status& status);
+void AddRenewals(CLI::App& app, Status& status);
 void AddSalvage(CLI::App& cabinet, Status& status);
 void AddXml(CLI::App& app, Status& status);
 void AddArchive(CLI::App& app, Status& status);

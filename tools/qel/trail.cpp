@@ -99,7 +99,8 @@ void WriteText(const Options& options, const qel::TrailReport& report, const Arc
     for (const ArchiveReport::Finding& finding : archive.findings) Print(FindingLine(finding));
     if (!options.archive.empty())
         Print(Count(archive.cabinets, "cabinet", "cabinets") + ", " + Count(archive.versions, "version", "versions") +
-              ": " + Count(archive.findings.size(), "finding", "findings") + '\n');
+              ", " + Count(archive.files, "recorded file", "recorded files") + ": " +
+              Count(archive.findings.size(), "finding", "findings") + '\n');
     Print(ResultText(report) + '\n');
     if (report.isBeingWritten) Print(std::string("another entry is still being written\n"));
     if (report.pinned < report.entries) Print("entry " + std::to_string(report.entries) + ", nothing later known\n");
@@ -137,6 +138,7 @@ void WriteJson(const Options& options, const qel::TrailReport& report, const Arc
     if (!options.archive.empty()) {
         json["cabinets"] = archive.cabinets;
         json["versions"] = archive.versions;
+        json["recordedFiles"] = archive.files;
         json["archiveFindings"] = Json::array();
         for (const ArchiveReport::Finding& finding : archive.findings)
             json["archiveFindings"].push_back(FindingJson(finding));
@@ -172,6 +174,11 @@ qel::TrailReport Checked(const Options& given) {
     return report;
 }
 
+// Another reader of the trail must find the same entries, unless these are wrong already.
+qel::TrailReceipt LastOf(const qel::TrailReport& report) {
+    return report.findingCount == 0 ? qel::TrailReceipt{report.entries, report.head} : qel::TrailReceipt();
+}
+
 // @param status of other findings
 Status StatusOf(const qel::TrailReport& report, Status status) {
     for (const qel::TrailFinding& finding : report.findings) status = std::max(status, KindOf(finding).status);
@@ -188,7 +195,7 @@ Status Export(const Options& options) {
 Status Verify(const Options& options) {
     const qel::TrailReport report = Checked(options);
     const ArchiveReport archive =
-        options.archive.empty() ? ArchiveReport() : CompareArchive(options.file, options.archive);
+        options.archive.empty() ? ArchiveReport() : CompareArchive(options.file, options.archive, LastOf(report));
     options.json ? WriteJson(options, report, archive) : WriteText(options, report, archive);
     Status status = kGood;
     for (const ArchiveReport::Finding& finding : archive.findings) status = std::max(status, finding.status);
@@ -238,7 +245,9 @@ void AddAnchors(CLI::App& verify, Options& options) {
 
 void AddVerifyOptions(CLI::App& verify, Options& options) {
     AddAnchors(verify, options);
-    verify.add_option("--archive", options.archive, "Compare the cabinets in this folder and all below, too")
+    verify
+        .add_option("--archive", options.archive,
+                    "Compare the cabinets, and recorded and sealed files, in this folder and all below, too")
         ->check(CLI::ExistingDirectory, "")
         ->type_name("FOLDER");
     verify.footer(

@@ -1,6 +1,9 @@
 #include "trail_archive.h"
 
+#include <filesystem>
+
 #include "content_check.h"
+#include "file_check.h"
 #include "tree.h"
 
 namespace tool {
@@ -48,23 +51,63 @@ void CompareCabinet(ArchiveReport& report, qel::CabinetRecords& records, const s
     AddFindings(report, file, cabinet);
 }
 
+Meaning MeaningOf(qel::RecordedFile::State state) {
+    switch (state) {
+        case qel::RecordedFile::State::kChanged:
+            return {kChanged, "is not what was recorded"};
+        case qel::RecordedFile::State::kMissing:
+            return {kMissing, "was recorded, and is not there"};
+        case qel::RecordedFile::State::kUnreadable:
+            return {kUnreadable, "cannot be read"};
+        default:
+            return {kGood, ""};
+    }
+}
+
+void CompareFiles(ArchiveReport& report, const qel::FileRecords& records, const std::string& folder) {
+    for (const qel::RecordedFile& file : records.Compare(Path(folder).View())) {
+        ++report.files;
+        const Meaning meaning = MeaningOf(file.state);
+        if (meaning.status == kGood) continue;
+        qel::RecordedVersion about;
+        about.user = file.user;
+        about.entry = file.entry;
+        about.size = file.size;
+        about.sha256 = file.sha256;
+        report.findings.push_back({folder + '/' + file.path, meaning.status, {}, about, meaning.detail});
+    }
+}
+
+// @param name within the archive
+void RequireRecordedIfSealed(ArchiveReport& report, const qel::FileRecords& records, const std::string& file,
+                             const std::string& name) {
+    if (!records.Names(name) && CheckFile(file).isSealed)
+        report.findings.push_back({file, kNeverRecorded, {}, {}, "is sealed, and no entry names it"});
+}
+
 }  // namespace
 
-ArchiveReport CompareArchive(const std::string& trail, const std::string& folder) {
-    qel::CabinetRecords records;
-    if (records.Read(Path(trail).View()) == 0) throw Named(trail, LastRefusal("cannot be read", kMalformed));
+ArchiveReport CompareArchive(const std::string& trail, const std::string& folder, const qel::TrailReceipt& last) {
+    qel::CabinetRecords cabinets;
+    qel::FileRecords files;
+    if (cabinets.Read(Path(trail).View(), last) == 0 || files.Read(Path(trail).View(), last) == 0)
+        throw Named(trail, LastRefusal("cannot be read", kInconsistent));
     ArchiveReport report;
     const Tree tree = FilesBelow(folder);
     for (const std::string& unreadable : tree.unreadableFolders)
         report.findings.push_back({unreadable, kUnreadable, {}, {}, "the folder cannot be read"});
     for (const std::string& file : tree.files) {
         try {
-            if (Guarded([&] { return IsCabinet(file); })) CompareCabinet(report, records, file);
+            Guarded([&] {
+                if (IsCabinet(file)) return CompareCabinet(report, cabinets, file);
+                RequireRecordedIfSealed(report, files, file, NameBelow(folder, file));
+            });
         } catch (const Failure& failure) {
             report.findings.push_back({file, failure.ExitStatus(), {}, {}, failure.what()});
         }
     }
-    for (const qel::CabinetRecords::Cabinet& missing : records.Rest()) AddFindings(report, "", missing);
+    for (const qel::CabinetRecords::Cabinet& missing : cabinets.Rest()) AddFindings(report, "", missing);
+    CompareFiles(report, files, folder);
     return report;
 }
 

@@ -31,4 +31,9 @@ Tree FilesBelow(const std::string& folder) {
     return tree;
 }
 
+std::string NameBelow(const std::string& folder, const std::string& file) {
+    const fs::path from = (fs::path(folder) / "").lexically_normal().parent_path();
+    return fs::path(file).lexically_normal().lexically_relative(from).string();
+}
+
 }  // namespace tool

@@ -1,0 +1,92 @@
+#include "qellib10/record/file_records.h"
+
+#include <algorithm>
+
+#include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/record/file_hash.h"
+#include "qellib10/record/trail_chain.h"
+#include "qellib10/record/trail_file.h"
+#include "qellib10/record/trail_kind.h"
+
+namespace qel {
+namespace {
+
+bool IsOfFile(const TrailEntry& entry) {
+    const bool isKind = entry.action == trail_kind::kFileSealed || entry.action == trail_kind::kReportPrinted ||
+                        entry.action == trail_kind::kExport;
+    return isKind && !entry.object.empty() && !entry.sha256.empty();
+}
+
+// A path that leads out of the archive is not a file of it.
+bool IsInside(const std::string& path) {
+    for (std::size_t at = 0; at <= path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        const std::string part = path.substr(at, end - at);
+        if (part.empty() || part == "." || part == "..") return false;
+        at = end + 1;
+    }
+    return path.find('\\') == std::string::npos && path.find('\0') == std::string::npos;
+}
+
+RecordedFile::State StateOf(const RecordedFile& file, const std::string& path) {
+    const std::optional<FileHash> hash = HashFile(path);
+    if (hash)
+        return hash->size == file.size && hash->sha256 == file.sha256 ? RecordedFile::State::kRecorded
+                                                                      : RecordedFile::State::kChanged;
+    const Failure& failure = LastFailure();
+    constexpr long kNoFile = 2, kNoFolder = 3;
+    const bool isMissing = failure.systemError == kNoFile || failure.systemError == kNoFolder;
+    return isMissing ? RecordedFile::State::kMissing : RecordedFile::State::kUnreadable;
+}
+
+}  // namespace
+
+int FileRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
+    m_files.clear();
+    const auto take = [&](std::string_view line) {
+        TrailEntry entry;
+        try {
+            entry = ReadEntry(line).entry;
+        } catch (const DataError&) {  // CheckTrail reports it
+            return;
+        }
+        if (!IsOfFile(entry) || !IsInside(entry.object)) return;
+        m_files[entry.object] = {.path = entry.object,
+                                 .action = entry.action,
+                                 .user = entry.user,
+                                 .entry = entry.number,
+                                 .size = entry.size,
+                                 .sha256 = entry.sha256};
+    };
+    const auto read = [&] {
+        const GuardedFile file(std::string(trailPath), GuardedFile::Use::kRead);
+        TrailLines lines(file, 0, file.Size());
+        TrailChain chain(last);
+        while (!chain.IsAtEnd()) {
+            const TrailLines::Line line = lines.Next();
+            if (line.kind != TrailLines::Kind::kWhole) break;
+            chain.Add(line.text);
+            const auto has = [&](std::string_view kind) {
+                return line.text.find("\"action\":\"" + std::string(kind) + '"') != std::string_view::npos;
+            };
+            // Taking each line apart would take as long as checking the trail does.
+            if (has(trail_kind::kFileSealed) || has(trail_kind::kReportPrinted) || has(trail_kind::kExport))
+                take(line.text);
+        }
+        chain.RequireEnd();
+    };
+    return Succeeds("FileRecords::Read", read) ? 1 : 0;
+}
+
+std::vector<RecordedFile> FileRecords::Compare(std::string_view folder) const {
+    const std::string root = ToPosixPath(folder) + '/';
+    std::vector<RecordedFile> files;
+    for (const auto& [path, file] : m_files) {
+        files.push_back(file);
+        files.back().state = StateOf(file, std::string(ToLibraryPath(root + path).View()));
+    }
+    return files;
+}
+
+}  // namespace qel
