@@ -8,34 +8,15 @@
 #include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail_doubts.h"
 #include "qellib10/record/trail_file.h"
-#include "qellib10/record/trail_head.h"
 #include "qellib10/record/trail_kind.h"
+#include "qellib10/record/trail_known.h"
 
 namespace qel {
 namespace {
 
-// What the files of the anchors say.
-struct Known {
-    std::optional<AllowedSigners> allowed;
-    std::optional<TrailHeadState> head;
-    std::optional<StampAuthorities> authorities;
-    std::optional<TimeStamp> stamp;
-};
-
-// The reason of a file in a wrong form has the file's name. @return whether it could be read, or is not asked for
-template <class Step> bool IsRead(const std::string& path, Step&& step) {
-    if (path.empty()) return true;
-    try {
-        step();
-        return true;
-    } catch (const DataError& failure) {
-        return Refuse(FailureKind::kData, path, failure.what()) != 0;
-    }
-}
-
 class Check {
 public:
-    Check(const TrailAnchors& anchors, Known known, TrailReport& report)
+    Check(const TrailAnchors& anchors, TrailKnown known, TrailReport& report)
         : m_anchors(anchors),
           m_report(report),
           m_trust(anchors.key, std::move(known.allowed)),
@@ -265,39 +246,13 @@ private:
     bool m_isHeadThere = false, m_isKnownThere = false, m_isStartRight = false;
 };
 
-void RequireForms(const TrailAnchors& anchors) {
-    if (!anchors.trailId.empty() && !IsHex(anchors.trailId, 32))
-        throw DataError("the trail's ID is not 32 lower-case hexadecimal digits");
-    if (!anchors.head.empty() && !IsHex(anchors.head, 64))
-        throw DataError("the entry's hash is not 64 lower-case hexadecimal digits");
-    if (!anchors.key.empty() && (!anchors.key.starts_with("SHA256:") || anchors.key.size() != 50))
-        throw DataError("the key's fingerprint is not SHA256: and 43 characters");
-    if (!anchors.stamp.empty() && anchors.tsaCa.empty())
-        throw DataError("a time stamp proves nothing without the certificates of its authority");
-}
-
-// A stamp that is kept elsewhere is right, or of no use.
-TimeStamp ReadOutsideStamp(const std::string& path, const StampAuthorities& authorities) {
-    const StampAnswer answer = ReadStampFile(path);
-    authorities.Require(answer, StampRequest::OfHash(answer.Hash()));
-    return ContentOf(answer);
-}
-
 }  // namespace
 
 int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& report) {
     report = {};
     return AsResult("CheckTrail", [&] {
-        RequireForms(anchors);
-        Known known;
-        const bool isRead =
-            IsRead(anchors.trustFile, [&] { known.allowed = AllowedSigners::OfFile(anchors.trustFile); }) &&
-            // Before the trail: what is appended in between is after the head then.
-            IsRead(anchors.headFile,
-                   [&] { known.head = TrailHead(GuardedFile(anchors.headFile, GuardedFile::Use::kRead)).Load(); }) &&
-            IsRead(anchors.tsaCa, [&] { known.authorities = ReadAuthorities(anchors.tsaCa); }) &&
-            IsRead(anchors.stamp, [&] { known.stamp = ReadOutsideStamp(anchors.stamp, *known.authorities); });
-        if (!isRead) return 0;
+        TrailKnown known;
+        if (!ReadKnown(anchors, known)) return 0;
         Check(anchors, std::move(known), report).Run(std::string(path));
         return 1;
     });
