@@ -98,4 +98,6 @@ std::optional<FileHash> HashFile(std::string_view path) {
     return hash;
 }
 
+std::string HashText(std::string_view bytes) { return Hex(Sha256(bytes)); }
+
 }  // namespace qel

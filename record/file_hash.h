@@ -22,4 +22,7 @@ struct QELLIB10_API FileHash {
 /// @return nothing when it cannot be read; qel::LastFailure has the reason
 QELLIB10_API std::optional<FileHash> HashFile(std::string_view path);
 
+/// SHA-256 of a text, 64 lower-case hexadecimal digits.
+QELLIB10_API std::string HashText(std::string_view bytes);
+
 }  // namespace qel

@@ -33,6 +33,8 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "verify",
                                   "verify . -j 0",
                                   "verify . --save-list a",
+                                  "verify . --resume a",
+                                  "verify . --resume ../a --against ../b",
                                   "verify f.xml --save-list ../a",
                                   "cabinet",
                                   "cabinet list",
@@ -125,7 +127,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"", "0 calc seal verify cabinet xml job archive renewals profile plot trail stamp\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
-             {"verify --", "0 --help --jobs --all --strict --sealed --save-list --against --force --json\n"},
+             {"verify --", "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --json\n"},
              {"--codepage 932 cabinet ", "0 list extract add salvage\n"},
              {"cabinet extract --", "0 --help --version --force\n"},
              {"cabinet add --", "0 --help --json\n"},
@@ -246,6 +248,39 @@ TEST(Qel, VerifyComparesATreeWithItsListOfBefore) {
              {"none", "", "9 qel: l: line 1: not one of such a list\n"}}) {
         folder.Write("l", text);
         EXPECT_EQ(folder.Qel("verify t --against l"), answer) << what;
+    }
+}
+
+// A file counts as read while its inode is the same, and only by a line that the same program has written.
+TEST(Qel, VerifyGoesOnWithAnInterruptedRun) {
+    const QelFolder folder;
+    std::filesystem::create_directory(folder.Posix("t"));
+    for (const char* name : {"t/a", "t/b"}) folder.Write(name, "data");
+    ASSERT_EQ(folder.Qel("seal t/a t/b >/dev/null")[0], '0');
+    // Until the system's clock for files has moved, a file that was just made is read again.
+    for (int i = 0; i < 1000 && folder.Qel("verify t --resume r").starts_with("0 "); ++i) {
+    }
+    const std::string kept = folder.Read("r");
+    EXPECT_EQ(folder.Qel("verify t --resume r"), "24 2 files: 2 intact, 2 not read again\n");
+    folder.Write("t/a", "x" + folder.Read("t/a").substr(1));
+    ASSERT_EQ(folder.Qel("verify t --resume r | tail -1"), "0 2 files: 1 intact, 1 changed, 1 not read again\n");
+    EXPECT_EQ(folder.Qel("verify t --resume r >/dev/null"), "6 ") << "what is wrong is read again";
+    EXPECT_EQ(folder.Qel("verify t --resume r --sealed c >/dev/null"), "6 ");
+    for (const auto& [what, change, passed] : Cases<const char*, const char*, const char*>{
+             {"nothing", "true", "1 changed, 1 not read again"},
+             {"torn", "printf 'half a line' >>r", "1 changed, 1 not read again"},
+             {"another inode", "sed -Ei 's/^([0-9a-f]{64} [0-9]+ )/\\11/' r", "1 changed"},
+             {"another key", "sed -i '1s/.$/x/' r", "1 changed"},
+             {"others may read it", "chmod 640 r", "mode 0600)"},
+             {"a link", "mv r s; ln -s s r", "symbolic links"},
+             {"something else", "rm r; echo text >r; chmod 600 r", "was not made by --resume"}}) {
+        std::filesystem::remove(folder.Posix("r"));
+        folder.Write("r", kept);
+        const std::string found = folder.Qel("--version >/dev/null; chmod 600 r; " + std::string(change) +
+                                             "; " QELLIB10_QEL " verify t --resume r 2>&1");
+        EXPECT_EQ(found.substr(found.size() - std::min(found.size(), std::string(passed).size() + 1)),
+                  std::string(passed) + '\n')
+            << what << found;
     }
 }
 

@@ -15,7 +15,9 @@ bool IsPlain(char c) {
            std::string_view("/._-").find(c) != std::string_view::npos;
 }
 
-std::string Escaped(std::string_view path) {
+}  // namespace
+
+std::string EscapedPath(std::string_view path) {
     std::string text;
     for (const char c : path) {
         const auto byte = static_cast<unsigned char>(c);
@@ -28,8 +30,8 @@ std::string Escaped(std::string_view path) {
     return text;
 }
 
-// The result is compared with what Escaped makes of it, so other forms are refused.
-std::string Unescaped(std::string_view text) {
+// The result is compared with what EscapedPath makes of it, so other forms are refused.
+std::string UnescapedPath(std::string_view text) {
     std::string path;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isEscape = text[i] == '%' && i + 2 < text.size();
@@ -42,8 +44,10 @@ std::string Unescaped(std::string_view text) {
     return path;
 }
 
+namespace {
+
 std::string LineOf(const std::string& path, const ListedFile& file) {
-    return file.hash.sha256 + ' ' + std::to_string(file.hash.size) + ' ' + file.kind + ' ' + Escaped(path);
+    return file.hash.sha256 + ' ' + std::to_string(file.hash.size) + ' ' + file.kind + ' ' + EscapedPath(path);
 }
 
 // @return false for a line that SaveList does not write
@@ -58,7 +62,7 @@ bool AddLine(FileList& files, const std::string& line) {
     const auto size = qel::ReadWholeNumber<std::int64_t>(parts[1]);
     const bool isHash = parts[0].size() == 64 && parts[0].find_first_not_of("0123456789abcdef") == std::string::npos;
     if (!size || *size < 0 || !isHash || parts[2].empty() || parts[3].empty()) return false;
-    const std::string path = Unescaped(parts[3]);
+    const std::string path = UnescapedPath(parts[3]);
     const ListedFile file{parts[2], {static_cast<std::uint64_t>(*size), parts[0]}};
     const bool isNext = files.empty() || files.rbegin()->first < path;
     if (!isNext || LineOf(path, file) != line) return false;

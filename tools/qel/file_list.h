@@ -25,6 +25,10 @@ struct ListedFile {
 /// By their paths from the tree's folder on.
 using FileList = std::map<std::string, ListedFile>;
 
+/// The form of a path in a list, and back; a text in any other form stays as it is.
+std::string EscapedPath(std::string_view path);
+std::string UnescapedPath(std::string_view text);
+
 /// @throws Failure
 void SaveList(const std::string& target, bool mayReplace, const FileList& files);
 /// @throws Failure kMalformed, with the line, for anything that SaveList does not write

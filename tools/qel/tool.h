@@ -41,6 +41,8 @@ enum Status : int {
 
     kAdded = 22,      // a file that is not in the list of a tree
     kNotSealed = 23,  // a file that has to be sealed
+
+    kNotReadAgain = 24,  // without any finding: files that an interrupted run has read were not read again
 };
 
 /// Ends the program with one line and a status.

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <thread>
 
@@ -11,6 +12,7 @@
 #include "file_check.h"
 #ifdef QEL_WITH_TRAIL
 #include "file_list.h"
+#include "resume.h"
 #endif
 #include "progress.h"
 #include "tree.h"
@@ -20,7 +22,7 @@ namespace {
 
 struct Options {
     std::vector<std::string> paths, sealed;
-    std::string saveList, against;
+    std::string saveList, against, resume;
     unsigned jobs = std::max(std::thread::hardware_concurrency(), 1u);
     bool all = false, strict = false, force = false, json = false;
 
@@ -114,27 +116,34 @@ void UseLists(std::vector<Checked>& files, const Options& options) {
     if (!options.against.empty()) Compare(files, options.paths[0], now, before);
 }
 
-// A list in the tree would be one more file there.
+// A file of ours in the tree would be one more file there.
+void RequireOutside(const std::string& file, const std::vector<std::string>& trees) {
+    std::error_code error;
+    if (file.empty()) return;
+    const std::filesystem::path at = std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error);
+    for (const std::string& tree : trees) {
+        const auto relative = at.lexically_relative(std::filesystem::canonical(tree, error));
+        if (relative.empty() || *relative.begin() != "..")
+            throw CLI::ValidationError("\"" + file + "\" is in the folder that is checked");
+    }
+}
+
 void RequireTreeForLists(const Options& options) {
     std::error_code error;
-    const auto inTree = [&](const std::string& list) {
-        const std::filesystem::path at =
-            std::filesystem::weakly_canonical(std::filesystem::absolute(list, error), error);
-        const std::filesystem::path tree = std::filesystem::canonical(options.paths[0], error);
-        return !list.empty() && *at.lexically_relative(tree).begin() != "..";
-    };
     if (options.paths.size() != 1 || !std::filesystem::is_directory(options.paths[0], error))
         throw CLI::ValidationError("a list is that of one folder");
-    if (inTree(options.saveList) || inTree(options.against)) throw CLI::ValidationError("the list is in the folder");
+    for (const std::string& list : {options.saveList, options.against}) RequireOutside(list, options.paths);
     if (!options.saveList.empty()) RequireNew(options.saveList, options.force, {options.against});
 }
 #endif
 
-void CheckAll(std::vector<Checked>& files, const Options& options) {
+using Checking = std::function<FileReport(const std::string& file)>;
+
+void CheckAll(std::vector<Checked>& files, const Options& options, const Checking& check) {
     std::atomic<std::size_t> next = 0, done = 0;
     const auto work = [&] {
         for (std::size_t i = next++; i < files.size(); i = next++) {
-            if (files[i].report.finding == kGood) files[i].report = CheckFile(files[i].path);
+            if (files[i].report.finding == kGood) files[i].report = check(files[i].path);
             RequireSealed(files[i], options);
             ++done;
         }
@@ -170,7 +179,8 @@ std::string Line(const Checked& file) {
     return line + ": " + report.detail + '\n';
 }
 
-void Write(const std::vector<Checked>& files, const std::map<Status, int>& counts, const Options& options) {
+void Write(const std::vector<Checked>& files, const std::map<Status, int>& counts, std::size_t passed,
+           const Options& options) {
     Json json{{"files", Json::array()}, {"summary", {{"files", files.size()}}}};
     std::string text;
     for (const Checked& file : files) {
@@ -189,6 +199,8 @@ void Write(const std::vector<Checked>& files, const std::map<Status, int>& count
         text += (finding == counts.begin()->first ? ": " : ", ") + std::to_string(count) + ' ' + NameOf(finding);
         json["summary"][NameOf(finding)] = count;
     }
+    if (passed > 0) text += ", " + std::to_string(passed) + " not read again";
+    json["summary"]["notReadAgain"] = passed;
     options.json ? Print(json) : Print(text + '\n');
 }
 
@@ -197,9 +209,19 @@ Status Verify(const Options& options) {
     if (options.HasList()) RequireTreeForLists(options);
 #endif
     std::vector<Checked> files = ToCheck(options.paths);
-    CheckAll(files, options);
+    std::size_t passed = 0;
 #ifdef QEL_WITH_TRAIL
+    if (options.resume.empty()) {
+        CheckAll(files, options, CheckFile);
+    } else {
+        RequireOutside(options.resume, options.paths);
+        Resume resume(options.resume);
+        CheckAll(files, options, [&](const std::string& file) { return resume.Check(file); });
+        passed = resume.Passed();
+    }
     if (options.HasList()) UseLists(files, options);
+#else
+    CheckAll(files, options, CheckFile);
 #endif
     std::map<Status, int> counts;
     Status status = kGood;
@@ -208,8 +230,8 @@ Status Verify(const Options& options) {
         const bool counted = file.report.finding != kUnknown || file.isNamed || options.strict;
         if (counted) status = std::max(status, file.report.finding);
     }
-    Write(files, counts, options);
-    return status;
+    Write(files, counts, passed, options);
+    return status == kGood && passed > 0 ? kNotReadAgain : status;
 }
 
 }  // namespace
@@ -229,9 +251,15 @@ void AddVerify(CLI::App& app, Status& status) {
         ->allow_extra_args(false)
         ->type_name("GLOB");
 #ifdef QEL_WITH_TRAIL
+    CLI::Option* const resume =
+        command->add_option("--resume", options->resume, "Go on with an interrupted run: what it has read is kept here")
+            ->type_name("FILE");
     command->add_option("--save-list", options->saveList, "Write path, size and SHA-256 of all files to this one")
+        ->excludes(resume)
         ->type_name("FILE");
-    command->add_option("--against", options->against, "Compare with the files of such a list")->type_name("FILE");
+    command->add_option("--against", options->against, "Compare with the files of such a list")
+        ->excludes(resume)
+        ->type_name("FILE");
     command->add_flag("--force", options->force, "Replace a list that exists");
 #endif
     command->add_flag("--json", options->json, "Write JSON");
@@ -247,7 +275,9 @@ void AddVerify(CLI::App& app, Status& status) {
         "  10 bad header    the versions of a cabinet cannot be found\n"
         "  15 missing       a file of the list is not there\n"
         "  22 added         a file is not in the list\n"
-        "  23 not sealed    a file that has to be sealed is not");
+        "  23 not sealed    a file that has to be sealed is not\n"
+        "Without any finding:\n"
+        "  24 not read again  files that an interrupted run has read were not read again");
     command->callback([options, &status] { status = Verify(*options); });
 }
 
