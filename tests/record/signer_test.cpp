@@ -15,6 +15,7 @@
 #include "../support/run_at_once.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/record/key_file_signer.h"
+#include "qellib10/record/person_agent.h"
 #include "qellib10/record/ssh_agent_signer.h"
 #include "qellib10/record/ssh_wire.h"
 #include "qellib10/record/text_forms.h"
@@ -198,6 +199,19 @@ TEST(Agent, SignsATrailWithoutGivingTheKey) {
     ASSERT_EQ(signer->Connect(folder.Name("agent"), folder.Fingerprint()), 1) << qel::LastFailure().text;
     EXPECT_EQ(signer->PublicKey(), folder.PublicKey());
     EXPECT_EQ(qel::SshAgentSigner().Connect(folder.Name("agent")), 1) << "the only one of its kind";
+    std::string asked;
+    qel::PersonAgent person([&](std::string_view user, std::string_view password) {
+        asked += user;
+        return password == "right";
+    });
+    EXPECT_EQ(Line({person.Connect(folder.Name("agent"), "", "mori", "Mori"),
+                    person.Connect(folder.Name("agent"), folder.Fingerprint(), "mori ", "Mori"), person.PublicKey()}),
+              "0 0 ");
+    ASSERT_EQ(person.Connect(folder.Name("agent"), folder.Fingerprint(), "mori", "Mori"), 1);
+    EXPECT_EQ(person.PublicKey(), folder.PublicKey());
+    EXPECT_THROW(person.Sign("x", "wrong"), qel::WrongPassword);
+    EXPECT_TRUE(qel::IsSignedBy(qel::SshPublicKey::OfText(folder.PublicKey()).bytes, "x", person.Sign("x", "right")));
+    EXPECT_EQ(asked, "morimori");
     qel::Trail trail(folder.Settings(), signer);
     ASSERT_EQ(trail.Open(), 1) << qel::LastFailure().text;
     EXPECT_TRUE(trail.Append(Record("a")));

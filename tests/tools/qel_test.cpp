@@ -89,6 +89,13 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "stamp f.xml --request q --answer a --head-file h --signer-key k",
                                   "stamp f.xml --request q --answer a --head-file h --tsa-ca c",
                                   "stamp f.xml --request q --user u",
+                                  "trail verify f.xml --approvals x",
+                                  "key make k --user mori",
+                                  "key show",
+                                  "key password k --password-fd x",
+                                  "key make k --user mori --name Mori secret",
+                                  "sign f.xml --cabinet f --version 1 --meaning author --person k --user mori "
+                                  "--head-file h",
                                   "plot f.pdf -o f.pdf --force",
                                   "plot f.pdf -o a.png --size 10000x10000",
                                   "plot f.pdf -o a.svg --size 10000x10000",
@@ -124,7 +131,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
         return page.substr(at, page.find('\n', at) - at);
     };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
-             {"", "0 calc seal verify cabinet xml job archive renewals profile plot trail stamp\n"},
+             {"", "0 calc seal verify cabinet xml job archive renewals profile plot trail stamp sign key\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --", "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --json\n"},
@@ -142,10 +149,17 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"trail export --",
               "0 --help --to --format --force --trust --key --trail --head --head-file --at-least --tsa-ca --stamp\n"},
              {"trail verify --",
-              "0 --help --trust --key --trail --head --head-file --at-least --tsa-ca --stamp --archive --json\n"},
+              "0 --help --trust --key --trail --head --head-file --at-least --tsa-ca --stamp --archive "
+              "--signatures --approvals --approval-needs-review --author-may-approve --json\n"},
              {"stamp --",
               "0 --help --request --entry --answer --tsa-ca --head-file --agent --key --signer-key --user --force "
               "--json\n"},
+             {"sign --",
+              "0 --help --cabinet --version --meaning --person --user --head-file --agent --key --signer-key --report "
+              "--approvals --approval-needs-review --author-may-approve --password-fd --json\n"},
+             {"key make --", "0 --help --user --name --password-fd --json\n"},
+             {"key show --", "0 --help --json\n"},
+             {"key password --", "0 --help --password-fd\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {

@@ -48,6 +48,8 @@ void AddAll(CLI::App& app, Status& status) {
 #ifdef QEL_WITH_TRAIL
     tool::AddTrail(app, status);
     tool::AddStamp(app, status);
+    tool::AddSign(app, status);
+    tool::AddKey(app, status);
 #endif
     RefuseEmpty(app);
 }

@@ -4,12 +4,14 @@
 #include <qellib10/record.h>
 
 #include "tool.h"
+#include "trail_signer.h"
 
 namespace tool {
 namespace {
 
 struct Options {
-    std::string trail, request, answer, tsaCa, agent, key, signerKey, headFile, user;
+    std::string trail, request, answer, tsaCa, headFile, user;
+    SignerOptions signer;
     std::uint64_t entry = 0;
     bool force = false, json = false;
 };
@@ -31,7 +33,7 @@ std::string ReadFile(const std::string& path) {
 // The file that the library's last failure is about, else @p otherwise.
 Failure Refusal(const Options& options, const std::string& otherwise, Status ofData) {
     const CString item(qel::LastFailure().item.c_str());
-    for (const std::string& file : {options.trail, options.tsaCa, options.agent, options.signerKey, options.headFile}) {
+    for (const std::string& file : {options.trail, options.tsaCa, options.headFile}) {
         if (!file.empty() && item == Path(file)) return Named(file, LastRefusal("cannot be read", kFailed));
     }
     return Named(otherwise, LastRefusal("is refused", ofData));
@@ -47,17 +49,6 @@ Status WriteRequest(const Options& options) {
     return kGood;
 }
 
-std::shared_ptr<qel::Signer> SignerOf(const Options& options) {
-    if (!options.signerKey.empty()) {
-        auto signer = std::make_shared<qel::KeyFileSigner>();
-        if (signer->Load(LibraryPathOf(options.signerKey)) == 0) throw Refusal(options, options.signerKey, kFailed);
-        return signer;
-    }
-    auto signer = std::make_shared<qel::SshAgentSigner>();
-    if (signer->Connect(LibraryPathOf(options.agent), options.key) == 0) throw Refusal(options, options.agent, kFailed);
-    return signer;
-}
-
 // The answer is checked before the trail is touched.
 Status AppendAnswer(const Options& options) {
     const std::string answer = ReadFile(options.answer), request = ReadFile(options.request);
@@ -68,7 +59,7 @@ Status AppendAnswer(const Options& options) {
                       .headPath = LibraryPathOf(options.headFile),
                       .application = "qel",
                       .version = QEL_VERSION},
-                     SignerOf(options));
+                     SignerOf(options.signer));
     if (CQFile::IsExist(Path(options.trail)) == 0) throw Failure(Shown(options.trail) + ": is missing", kUnreadable);
     if (trail.Open() == 0) throw Refusal(options, options.trail, kFailed);
     const std::optional<qel::TrailReceipt> receipt = qel::AppendStamp(trail, answer, request, tsaCa, options.user);
@@ -84,13 +75,14 @@ void RequireTogether(const Options& options) {
     const auto require = [](bool isRight, const char* what) {
         if (!isRight) throw CLI::ValidationError(what);
     };
-    const bool hasSigner = options.agent.empty() != options.signerKey.empty();
+    const auto& [agent, key, signerKey] = options.signer;
     require(!options.answer.empty() || (options.tsaCa.empty() && options.headFile.empty() && options.user.empty() &&
-                                        options.agent.empty() && options.signerKey.empty()),
+                                        agent.empty() && signerKey.empty()),
             "--answer is missing: the other options are for it");
-    require(options.answer.empty() || (!options.tsaCa.empty() && !options.headFile.empty() && hasSigner),
+    require(options.answer.empty() ||
+                (!options.tsaCa.empty() && !options.headFile.empty() && agent.empty() != signerKey.empty()),
             "--answer needs --tsa-ca, --head-file, and one of --agent and --signer-key");
-    require(options.key.empty() || !options.agent.empty(), "--key is one of an agent");
+    require(key.empty() || !agent.empty(), "--key is one of an agent");
 }
 
 }  // namespace
@@ -112,9 +104,7 @@ void AddStamp(CLI::App& app, Status& status) {
     entry->excludes(answer);
     add("--tsa-ca", options->tsaCa, "FILE", "Certificates of the authority, from elsewhere");
     add("--head-file", options->headFile, "FILE", "The trail's head file");
-    add("--agent", options->agent, "SOCKET", "The agent that signs the entry");
-    add("--key", options->key, "SHA256:...", "Fingerprint of the agent's key, if it has several");
-    add("--signer-key", options->signerKey, "FILE", "Or the file of the key that signs it");
+    AddSignerOptions(*command, options->signer);
     add("--user", options->user, "NAME", "Who appends it");
     command->add_flag("--force", options->force, "Replace the file of the request")->excludes(answer);
     command->add_flag("--json", options->json, "Write JSON")->needs(answer);

@@ -39,8 +39,11 @@ enum Status : int {
     kStamp = 17,          // a time stamp is not one of its entry, or not the authority's
     kRevokedKey = 18,     // an entry signed by a key that was revoked
 
-    kAdded = 22,      // a file that is not in the list of a tree
-    kNotSealed = 23,  // a file that has to be sealed
+    kBadSignature = 19,   // a person's signature that is not one of its entry
+    kUnknownPerson = 20,  // one with a key that is not, or not any more, this person's
+    kAgainstRules = 21,   // one that the rules do not allow
+    kAdded = 22,          // a file that is not in the list of a tree
+    kNotSealed = 23,      // a file that has to be sealed
 
     kNotReadAgain = 24,  // without any finding: files that an interrupted run has read were not read again
 };
@@ -160,6 +163,8 @@ void AddProfile(CLI::App& app, Status& status);
 void AddJob(CLI::App& app, Status& status);
 void AddPlot(CLI::App& app, Status& status);
 #ifdef QEL_WITH_TRAIL
+void AddKey(CLI::App& app, Status& status);
+void AddSign(CLI::App& app, Status& status);
 void AddTrail(CLI::App& app, Status& status);
 void AddStamp(CLI::App& app, Status& status);
 #endif

@@ -7,6 +7,7 @@
 #include "tool.h"
 #include "trail_archive.h"
 #include "trail_export.h"
+#include "trail_signatures.h"
 #include "trail_text.h"
 
 namespace tool {
@@ -16,6 +17,7 @@ struct Options {
     std::string file, entry, trust, key, trail, head, headFile, tsaCa, stamp, archive;
     std::uint64_t atLeast = 0;
     TrailExport exported;
+    SignatureOptions signatures;
     bool json = false;
 };
 
@@ -90,7 +92,8 @@ constexpr Kind kKinds[] = {
 
 const Kind& KindOf(const qel::TrailFinding& finding) { return kKinds[static_cast<std::size_t>(finding.fault)]; }
 
-void WriteText(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive) {
+void WriteText(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive,
+               const std::optional<qel::SignatureReport>& signatures) {
     for (const qel::TrailFinding& finding : report.findings) {
         Print(Shown(options.file) + ": entry " + std::to_string(finding.entry) + ", byte " +
               std::to_string(finding.byte) + ": " + KindOf(finding).name + ": " + Shown(finding.text) +
@@ -101,6 +104,7 @@ void WriteText(const Options& options, const qel::TrailReport& report, const Arc
         Print(Count(archive.cabinets, "cabinet", "cabinets") + ", " + Count(archive.versions, "version", "versions") +
               ", " + Count(archive.files, "recorded file", "recorded files") + ": " +
               Count(archive.findings.size(), "finding", "findings") + '\n');
+    if (signatures) Print(SignaturesText(options.file, *signatures));
     Print(ResultText(report) + '\n');
     if (report.isBeingWritten) Print(std::string("another entry is still being written\n"));
     if (report.pinned < report.entries) Print("entry " + std::to_string(report.entries) + ", nothing later known\n");
@@ -110,7 +114,8 @@ void WriteText(const Options& options, const qel::TrailReport& report, const Arc
     if (report.entries > 0) Print("trail " + report.trailId + ", last entry " + report.head + '\n');
 }
 
-void WriteJson(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive) {
+void WriteJson(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive,
+               const std::optional<qel::SignatureReport>& signatures) {
     Json json{{"file", options.file},
               {"trail", report.trailId},
               {"entries", report.entries},
@@ -143,6 +148,7 @@ void WriteJson(const Options& options, const qel::TrailReport& report, const Arc
         for (const ArchiveReport::Finding& finding : archive.findings)
             json["archiveFindings"].push_back(FindingJson(finding));
     }
+    if (signatures) json["signatures"] = SignaturesJson(*signatures);
     Print(json);
 }
 
@@ -196,8 +202,10 @@ Status Verify(const Options& options) {
     const qel::TrailReport report = Checked(options);
     const ArchiveReport archive =
         options.archive.empty() ? ArchiveReport() : CompareArchive(options.file, options.archive, LastOf(report));
-    options.json ? WriteJson(options, report, archive) : WriteText(options, report, archive);
-    Status status = kGood;
+    const std::optional<qel::SignatureReport> signatures =
+        CheckSignaturesOf(options.file, options.signatures, LastOf(report));
+    options.json ? WriteJson(options, report, archive, signatures) : WriteText(options, report, archive, signatures);
+    Status status = signatures ? WorstOf(*signatures) : kGood;
     for (const ArchiveReport::Finding& finding : archive.findings) status = std::max(status, finding.status);
     return StatusOf(report, status);
 }
@@ -250,6 +258,7 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
                     "Compare the cabinets, and recorded and sealed files, in this folder and all below, too")
         ->check(CLI::ExistingDirectory, "")
         ->type_name("FOLDER");
+    AddSignatureOptions(verify, options.signatures);
     verify.footer(
         "Exit status: 0 consistent and anchored; of several findings the highest:\n"
         "  5  unreadable      a file of the archive cannot be read\n"
@@ -264,6 +273,9 @@ void AddVerifyOptions(CLI::App& verify, Options& options) {
         "  16 never recorded  a version of a cabinet that no entry announced\n"
         "  17 time stamp      a time stamp is not one of its entry, or not the authority's\n"
         "  18 revoked key     an entry is signed by a key that was revoked, and nothing shows it was there before\n"
+        "  19 signature       a person's signature is not what was signed, or belongs to another entry\n"
+        "  20 person's key    a person's signature is made with a key that is not that person's, or has ended\n"
+        "  21 against rules   a person's signature is one that the rules do not allow\n"
         "Without any finding:\n"
         "  11 not anchored    consistent, but no key, or no ID of the trail, is known from elsewhere");
 }

@@ -1,0 +1,33 @@
+#include "trail_signer.h"
+
+#include "tool.h"
+
+namespace tool {
+
+void AddSignerOptions(CLI::App& command, SignerOptions& options) {
+    command.add_option("--agent", options.agent, "The agent that signs the entry")->type_name("SOCKET");
+    command.add_option("--key", options.key, "Fingerprint of the agent's key, if it has several")
+        ->type_name("SHA256:...");
+    command.add_option("--signer-key", options.signerKey, "Or the file of the key that signs it")->type_name("FILE");
+}
+
+void RequireSigner(const SignerOptions& options) {
+    if (options.agent.empty() == options.signerKey.empty())
+        throw CLI::ValidationError("one of --agent and --signer-key is needed");
+    if (!options.key.empty() && options.agent.empty()) throw CLI::ValidationError("--key is one of an agent");
+}
+
+std::shared_ptr<qel::Signer> SignerOf(const SignerOptions& options) {
+    if (!options.signerKey.empty()) {
+        auto signer = std::make_shared<qel::KeyFileSigner>();
+        if (signer->Load(Path(options.signerKey).View()) == 0)
+            throw Named(options.signerKey, LastRefusal("cannot be read", kFailed));
+        return signer;
+    }
+    auto signer = std::make_shared<qel::SshAgentSigner>();
+    if (signer->Connect(Path(options.agent).View(), options.key) == 0)
+        throw Named(options.agent, LastRefusal("does not answer", kFailed));
+    return signer;
+}
+
+}  // namespace tool
