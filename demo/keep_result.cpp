@@ -20,15 +20,33 @@
 namespace titration {
 namespace {
 
+// Why something is done; without a comment the file that it comes from.
+std::string Comment(const Options& options, const std::string& source) {
+    if (!options.comment.empty()) return options.comment;
+    return "from " + std::string(CQFile::GetFilenameFromPath(source.c_str()));
+}
+
 struct Evaluated {
     Titration titration;
     std::string measured;  // the text of the data file
     std::string text;      // what to print about the method
 };
 
+// Item by item. What cannot be entered is not changed.
+void EnterChanges(const CQDiffList& changes, const std::string& reason, ArchiveTrail& trail) {
+    CDiffItem item;
+    for (int i = 0; changes.GetDiffItemIndex(i, &item) != 0; ++i) {
+        trail.Enter({.action = std::string(qel::trail_kind::kMethodChanged),
+                     .object = std::string(item.GetName()),
+                     .before = std::string(item.GetBefore()),
+                     .after = std::string(item.GetAfter()),
+                     .reason = reason});
+    }
+}
+
 // Computes a result with the given settings, or with the method that was kept. Settings that give a result become the
 // method.
-Evaluated EvaluateByMethod(const Options& options, Session& session, MadeFiles& made) {
+Evaluated EvaluateByMethod(const Options& options, Session& session, ArchiveTrail& trail, MadeFiles& made) {
     MethodFile file(made.Path("method.xml"));
     const bool isKept = options.settings.empty();
     if (isKept && file.Kept().empty()) throw Failure("there is no method yet, so --settings is needed");
@@ -50,6 +68,7 @@ Evaluated EvaluateByMethod(const Options& options, Session& session, MadeFiles& 
     const std::string count = std::to_string(changes.GetCount());
     const std::string what =
         file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
+    EnterChanges(changes, Comment(options, options.settings), trail);
     file.Keep(method);
     Log("method.xml kept");
     made.Add("method.xml");
@@ -64,10 +83,11 @@ std::string WriteTexts(const Titration& titration, MadeFiles& made) {
     return "Written    report.txt, and result.csv with " + std::to_string(lines) + " lines\n";
 }
 
-std::string Seal(const CCalcVariableList& variables, MadeFiles& made) {
+std::string Seal(const CCalcVariableList& variables, ArchiveTrail& trail, MadeFiles& made) {
     const std::string path = made.Path("variables.qel");
     const CCheckDatafile seal = StoreVariables(variables, path);
     made.Add("variables.qel");
+    trail.EnterFile(qel::trail_kind::kFileSealed, "variables.qel");
     if (LoadVariables(path) != variables) throw Failure(path + ": differs from what was written");
     constexpr int kChangedByte = 20;
     const CheckSums changed = RequireChangeToBeFound(path, kChangedByte);
@@ -92,11 +112,8 @@ std::string KeepOrigin(DWORD version, const std::string& measured, MadeFiles& ma
     return "Kept       " + method + " and " + curve + ", from which it can be computed again\n";
 }
 
-const CHistoryRenewInfo& Register(const Options& options, Session& session, History& history, MadeFiles& made) {
-    const std::string comment = options.comment.empty()
-                                    ? "from " + std::string(CQFile::GetFilenameFromPath(options.data.c_str()))
-                                    : options.comment;
-    const CHistoryRenewInfo& record = history.Register(made.Path("variables.qel"), session.Operator(), comment);
+const CHistoryRenewInfo& Register(const Options& options, History& history, MadeFiles& made) {
+    const CHistoryRenewInfo& record = history.Register(made.Path("variables.qel"), Comment(options, options.data));
     Log(stage::kRegistered + std::to_string(history.Latest()));
     made.Add("renewals.qel");
     return record;
@@ -119,15 +136,16 @@ std::string KeepReport(const Titration& titration, DWORD version, const CHistory
 
 }  // namespace
 
-std::string KeepResult(const Options& options, Session& session, History& history, MadeFiles& made) {
+std::string KeepResult(const Options& options, Session& session, History& history, ArchiveTrail& trail,
+                       MadeFiles& made) {
     ReportPrinter printer(options.printer);
-    const auto [titration, measured, method] = EvaluateByMethod(options, session, made);
+    const auto [titration, measured, method] = EvaluateByMethod(options, session, trail, made);
     const std::string fingerprint = LayoutFingerprint(options.printer);
     std::string text = method + Report(titration);
     text += WriteTexts(titration, made);
-    text += Seal(titration.result.variables, made);
+    text += Seal(titration.result.variables, trail, made);
     text += KeepOrigin(history.Latest() + 1, measured, made);
-    const CHistoryRenewInfo& record = Register(options, session, history, made);
+    const CHistoryRenewInfo& record = Register(options, history, made);
     text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
     return text + KeepReport(titration, history.Latest(), record, printer, fingerprint, made);
 }

@@ -15,6 +15,7 @@ namespace titration {
 /// drawn, and laid out as a print job.
 /// @throws Failure
 /// @return what was done, stage by stage
-std::string KeepResult(const Options& options, Session& session, History& history, MadeFiles& made);
+std::string KeepResult(const Options& options, Session& session, History& history, ArchiveTrail& trail,
+                       MadeFiles& made);
 
 }  // namespace titration

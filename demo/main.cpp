@@ -9,13 +9,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <qellib10/qellib10.h>
 
+#include "demo/attack/attack.h"
 #include "demo/keep_result.h"
 #include "demo/options.h"
+#include "demo/record/people.h"
+#include "demo/record/signed_report.h"
 #include "demo/report/layout_fingerprint.h"
 #include "demo/report/report.h"
 #include "demo/report/report_page.h"
@@ -35,7 +39,33 @@
 namespace titration {
 namespace {
 
-std::string LogOn(Session& session) {
+// Also a refused logon is entered.
+std::unique_ptr<Session> LogOn(const Options& options, ArchiveTrail& trail, MadeFiles& made) {
+    trail.SetUser(options.user);
+    try {
+        auto session = std::make_unique<Session>(made.Path("users.db"), options.user, options.password);
+        trail.SetUser(session->Operator());
+        trail.Enter(qel::trail_kind::kLogon);
+        return session;
+    } catch (const Failure& failure) {
+        trail.Enter(qel::trail_kind::kLogonRefused, "", failure.what());
+        throw;
+    }
+}
+
+// At the end of a session, also one that has failed. What cannot be entered then changes nothing any more.
+class LogOut {
+public:
+    explicit LogOut(ArchiveTrail& trail) : m_trail(trail) {}
+    ~LogOut() { m_trail.Trail().Append({.user = m_trail.User(), .action = std::string(qel::trail_kind::kLogout)}); }
+    LogOut(const LogOut&) = delete;
+    LogOut& operator=(const LogOut&) = delete;
+
+private:
+    ArchiveTrail& m_trail;
+};
+
+std::string DescribedUser(Session& session) {
     const std::string user = session.Operator();
     Log("logged on " + user);
     const char* const role = session.IsFirst()     ? ", from now on the administrator"
@@ -46,7 +76,7 @@ std::string LogOn(Session& session) {
 
 std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
     const std::string name = TakenOutName(version);
-    const CHistoryRenewInfo& record = history.TakeOut(version, made.Path(name));
+    const CHistoryRenewInfo& record = history.TakeOut(version, made.Path(name), "to look at it");
     made.Add(name);
     Log(stage::kTookOut + name);
     std::string text =
@@ -62,19 +92,21 @@ std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
 }
 
 // @return what follows the printer's name
-std::string PrintIn(ReportPages& pages, const std::string& fingerprint, MadeFiles& made) {
+std::string PrintIn(ReportPages& pages, const std::string& fingerprint, ArchiveTrail& trail, MadeFiles& made) {
     const std::vector<std::string> before = made.Matching(kAllPdfs);
     pages.Print();
     std::string into;
     for (const std::string& name : made.Matching(kAllPdfs)) {
         if (std::ranges::find(before, name) != before.end()) continue;
         made.Add(name, fingerprint);
+        trail.EnterFile(qel::trail_kind::kReportPrinted, name);
         into = stage::kInto + name;
     }
+    if (into.empty()) trail.Enter(qel::trail_kind::kReportPrinted, "on printer " + pages.PrinterName());
     return into;
 }
 
-std::string Print(int count, const History& history, MadeFiles& made) {
+std::string Print(int count, const History& history, ArchiveTrail& trail, MadeFiles& made) {
     const auto reports = static_cast<DWORD>(count);
     if (reports > history.Latest())
         throw Failure("there are no " + std::to_string(count) + " reports, but " + std::to_string(history.Latest()));
@@ -91,25 +123,39 @@ std::string Print(int count, const History& history, MadeFiles& made) {
         text += "Preview    " + name + "\n";
     }
     const std::string done =
-        Counted(count, "report") + " on printer " + pages.PrinterName() + PrintIn(pages, fingerprint, made);
+        Counted(count, "report") + " on printer " + pages.PrinterName() + PrintIn(pages, fingerprint, trail, made);
     Log(stage::kPrinted + done);
     return text + "Printed    " + done + "\n";
 }
 
 // @return what was done
 std::string Do(const Options& options, const CString& folder, MadeFiles& made) {
-    Session session(made.Path("users.db"), options.user, options.password);
-    const std::string text = LogOn(session);
-    History history(folder);
-    return text + (options.takeOut > 0 ? TakeOut(static_cast<DWORD>(options.takeOut), history, made)
-                   : options.print > 0 ? Print(options.print, history, made)
-                                       : KeepResult(options, session, history, made));
+    const Installation installation(folder);
+    ArchiveTrail trail(made, installation);
+    const std::unique_ptr<Session> session = LogOn(options, trail, made);
+    const LogOut logOut(trail);
+    std::string text = DescribedUser(*session);
+    History history(folder, trail);
+    if (options.takeOut > 0) text += TakeOut(static_cast<DWORD>(options.takeOut), history, made);
+    if (options.print > 0) text += Print(options.print, history, trail, made);
+    if (!options.addUser.empty())
+        text += AddUser({options.addUser, options.fullName, options.newPassword, options.role}, *session, trail,
+                        installation);
+    if (!options.sign.empty())
+        text += Sign(options.sign, static_cast<DWORD>(options.version), options.password, *session, history, trail,
+                     installation, made);
+    if (options.signedReport > 0)
+        text += PrintSigned(static_cast<DWORD>(options.signedReport), *session, history, trail, made);
+    if (options.isExport) text += Export(history, trail, made);
+    if (!options.data.empty()) text += KeepResult(options, *session, history, trail, made);
+    return text;
 }
 
 // A refused logon also writes to the store and to the log.
 void KeepStoreAndLog(MadeFiles& made) {
     made.Keep("users.db");
     made.Keep("titration.log");
+    made.Keep(kTrail);
 }
 
 void Run(const Options& options, const CString& folder) {
@@ -132,13 +178,14 @@ void Run(const Options& options, const CString& folder) {
 // @return the exit status
 int Run(const Options& options) {
     const CString folder = OnFile(options.out, [&] { return qel::FullPath(options.out); });
-    if ((options.list || options.verify) && CQFile::IsExist(folder) == 0)
+    if ((options.list || options.verify || options.attack) && CQFile::IsExist(folder) == 0)
         throw Failure(options.out + ": is missing, or cannot be looked at");
     if (options.list) {
         std::printf("Made in %s\n%s", options.out.c_str(), MadeFiles(folder).Listed().c_str());
         return 0;
     }
     if (options.verify) return Verify(folder) ? 0 : 1;
+    if (options.attack) return ShowAttacks(folder) ? 0 : 1;
     if (CQFile::CreateDirectories(folder) == 0) throw Failure(options.out + ": " + Why("cannot be made"));
     Run(options, folder);
     return 0;

@@ -1,6 +1,8 @@
 #include "demo/options.h"
 
+#include <algorithm>
 #include <set>
+#include <utility>
 
 #include "demo/support/failure.h"
 #include "demo/support/number.h"
@@ -11,28 +13,56 @@ namespace {
 constexpr const char* kUsage =
     "usage: titration {--data FILE [--settings FILE] [--table NUMBER] [--comment TEXT] [--printer NAME] | --take-out "
     "VERSION | "
-    "--print COUNT | --list | --verify} --out FOLDER [--user NAME] [--password TEXT]";
+    "--print COUNT | --add-user NAME --full-name TEXT --new-password TEXT --role ROLE | --sign MEANING --version "
+    "NUMBER | "
+    "--signed-report VERSION | --export | --list | --verify | --attack} --out FOLDER [--user NAME] [--password TEXT]";
 
 struct NumberTexts {
-    std::string table, takeOut, print;
+    std::string table, takeOut, print, version, signedReport;
 };
 
 std::string* Place(Options& options, NumberTexts& numbers, const std::string& name) {
-    return name == "--data"       ? &options.data
-           : name == "--settings" ? &options.settings
-           : name == "--out"      ? &options.out
-           : name == "--comment"  ? &options.comment
-           : name == "--printer"  ? &options.printer
-           : name == "--user"     ? &options.user
-           : name == "--password" ? &options.password
-           : name == "--table"    ? &numbers.table
-           : name == "--take-out" ? &numbers.takeOut
-           : name == "--print"    ? &numbers.print
-                                  : nullptr;
+    const std::pair<const char*, std::string*> places[] = {
+        {"--data", &options.data},
+        {"--settings", &options.settings},
+        {"--out", &options.out},
+        {"--comment", &options.comment},
+        {"--printer", &options.printer},
+        {"--user", &options.user},
+        {"--password", &options.password},
+        {"--add-user", &options.addUser},
+        {"--full-name", &options.fullName},
+        {"--new-password", &options.newPassword},
+        {"--role", &options.role},
+        {"--sign", &options.sign},
+        {"--table", &numbers.table},
+        {"--take-out", &numbers.takeOut},
+        {"--print", &numbers.print},
+        {"--version", &numbers.version},
+        {"--signed-report", &numbers.signedReport},
+    };
+    const auto found = std::ranges::find(places, name, &std::pair<const char*, std::string*>::first);
+    return found != std::end(places) ? found->second : nullptr;
 }
 
 bool* Flag(Options& options, const std::string& name) {
-    return name == "--list" ? &options.list : name == "--verify" ? &options.verify : nullptr;
+    return name == "--list"     ? &options.list
+           : name == "--verify" ? &options.verify
+           : name == "--attack" ? &options.attack
+           : name == "--export" ? &options.isExport
+                                : nullptr;
+}
+
+// Each action has all of its own options, and no other one has them.
+bool AreForTheAction(const Options& options, bool isPrinterGiven) {
+    const bool isResult = !options.data.empty(), isUser = !options.addUser.empty(), isSigning = !options.sign.empty();
+    const int actions = isResult + (options.takeOut != 0) + (options.print != 0) + isUser + isSigning +
+                        (options.signedReport != 0) + options.isExport + options.list + options.verify + options.attack;
+    const bool isOfResult =
+        !options.settings.empty() || !options.comment.empty() || options.table > 0 || isPrinterGiven;
+    const int ofUser = !options.fullName.empty() + !options.newPassword.empty() + !options.role.empty();
+    return actions == 1 && (!isOfResult || isResult) && ofUser == (isUser ? 3 : 0) &&
+           (options.version != 0) == isSigning;
 }
 
 // 0 for an option that is not given.
@@ -62,11 +92,9 @@ Options ParseOptions(int argc, char** argv) {
     options.table = CountOf(numbers.table, "table");
     options.takeOut = CountOf(numbers.takeOut, "version");
     options.print = CountOf(numbers.print, "number of reports");
-    const bool isResult = !options.data.empty();
-    const bool hasMore =
-        !options.settings.empty() || !options.comment.empty() || options.table > 0 || given.contains("--printer");
-    const int actions = isResult + (options.takeOut != 0) + (options.print != 0) + options.list + options.verify;
-    if (options.out.empty() || actions != 1 || (hasMore && !isResult)) throw Failure(kUsage);
+    options.version = CountOf(numbers.version, "version");
+    options.signedReport = CountOf(numbers.signedReport, "version");
+    if (options.out.empty() || !AreForTheAction(options, given.contains("--printer"))) throw Failure(kUsage);
     return options;
 }
 

@@ -27,4 +27,16 @@ private:
     CFont* m_before;
 };
 
+/// The part of @p text that fits in @p width units of the surface; dots at its end mean that there is more.
+inline std::string Fitting(const PointFont& font, std::string text, int width) {
+    if (font.SizeOf(text).cx <= width) return text;
+    constexpr const char* kMore = "...";
+    const auto isInCharacter = [&] { return (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80; };  // of UTF-8
+    while (!text.empty() && font.SizeOf(text + kMore).cx > width) {
+        while (text.size() > 1 && isInCharacter()) text.pop_back();
+        text.pop_back();
+    }
+    return text + kMore;
+}
+
 }  // namespace titration

@@ -25,18 +25,6 @@ constexpr double kWrappedWidth = 1.7;  // of two lines, which break between word
 
 constexpr int kMaxVariables = 6;
 
-// The part of a text that fits in @p width; dots at its end mean that there is more.
-std::string Fitting(const PointFont& font, std::string text, int width) {
-    if (font.SizeOf(text).cx <= width) return text;
-    constexpr const char* kMore = "...";
-    const auto isInCharacter = [&] { return (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80; };  // of UTF-8
-    while (!text.empty() && font.SizeOf(text + kMore).cx > width) {
-        while (text.size() > 1 && isInCharacter()) text.pop_back();
-        text.pop_back();
-    }
-    return text + kMore;
-}
-
 // Texts and lines in a cell of the page, positions in tenths of a millimetre.
 class Layout {
 public:

@@ -31,6 +31,7 @@ inline constexpr const char* kRegistered = "registered variables.qel as version 
 inline constexpr const char* kTookOut = "took out ";  // a file of the output folder
 inline constexpr const char* kPreviewed = "previewed ";
 inline constexpr const char* kPrinted = "printed ";
+inline constexpr const char* kSignedReport = "signed report on version ";
 inline constexpr const char* kInto = " into ";  // a file of the output folder
 }  // namespace stage
 

@@ -15,4 +15,17 @@ Session::Session(const std::string& store, const std::string& username, const st
         throw Failure("\"" + username + "\" is not logged on: name or password are wrong, or were too often");
 }
 
+void Session::Add(const std::string& username, const std::string& fullName, const std::string& password,
+                  Function function) {
+    CUserInfo user;
+    user.SetUsername(username.c_str());
+    user.SetUserFullname(fullName.c_str());
+    user.SetPassword(password.c_str());
+    CFunctionSecurity rights;
+    rights.AddFunctionInfo(CFunctionInfo(function, function == kApprove ? "approve" : "review", 1));
+    user.SetSecurity(rights);
+    if (m_store.AddUser(user) == 0)
+        throw Failure(username + ": " + qel::FailureSentence(qel::LastFailure(), "no user"));
+}
+
 }  // namespace titration

@@ -7,8 +7,8 @@
 
 namespace titration {
 
-/// What an operator may do or not. Managers may do everything.
-enum Function : int { kChangeMethod = 1 };
+/// What an operator may do or not. Managers may change the method, too.
+enum Function : int { kChangeMethod = 1, kReview = 2, kApprove = 3 };
 
 /// A user who is logged on.
 class Session {
@@ -19,6 +19,9 @@ public:
 
     /// The name in the store.
     std::string Operator() { return std::string(m_store.GetLogonUsername()); }
+    /// Adds another user. @throws Failure if the store refuses
+    void Add(const std::string& username, const std::string& fullName, const std::string& password, Function function);
+    qel::UserStore& Store() { return m_store; }
     bool IsFirst() const { return m_isFirst; }
     bool IsManager() const { return m_setting.GetLogonUserManagerFlag() == 1; }
     bool May(Function function) const { return m_setting.GetLogonUserSecurityLevel(function) > 0; }

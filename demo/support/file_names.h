@@ -13,6 +13,9 @@ inline std::string CurveName(DWORD version) { return "curve-" + std::to_string(v
 inline std::string JobName(DWORD version) { return "report-" + std::to_string(version) + ".job"; }
 // In a separate folder, because its seal contains the name that it was sealed under.
 inline std::string TakenOutName(DWORD version) { return "version-" + std::to_string(version) + "/variables.qel"; }
+// Of a version that was approved: its signatures, and the report with them.
+inline std::string SignatureJobName(DWORD version) { return "signatures-" + std::to_string(version) + ".job"; }
+inline std::string SignedName(DWORD version) { return "signed-" + std::to_string(version) + ".pdf"; }
 inline std::string PageName(int page) { return "page-" + std::to_string(page) + ".png"; }
 
 inline constexpr const char* kAllPages = "page-*.png";

@@ -34,6 +34,7 @@ public:
         if (message.starts_with(stage::kTable)) TakeTable(message.substr(std::strlen(stage::kTable)));
         if (message.starts_with(stage::kTookOut))
             m_facts.takenOut.emplace(message.substr(std::strlen(stage::kTookOut)));
+        if (message.starts_with(stage::kSignedReport)) TakeSigned(message.substr(std::strlen(stage::kSignedReport)));
         if (message.starts_with(stage::kPreviewed)) {
             m_facts.previewed = Reports(message, stage::kPreviewed);
             m_facts.printedLast.clear();
@@ -52,6 +53,12 @@ private:
         const int table = ParseWholeNumber(number).value_or(0);
         Require(m_next == 2 && table > 0, "without a curve before it");
         m_table = table;
+    }
+
+    void TakeSigned(std::string_view number) {
+        const auto version = static_cast<DWORD>(ParseWholeNumber(number).value_or(0));
+        Require(version > 0 && version <= m_facts.runs.size(), "there is no such version");
+        m_facts.signedReports.insert(version);
     }
 
     void Reach(std::size_t stage, std::string_view text) {

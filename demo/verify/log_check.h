@@ -31,6 +31,7 @@ struct LogFacts {
     std::set<std::string> takenOut;                // files
     LoggedReports previewed;                       // 0: none
     std::map<std::string, LoggedReports> printed;  // into files
+    std::set<DWORD> signedReports;                 // on these versions
     std::string printedLast;                       // the file with what was previewed; empty: none
 };
 

@@ -10,6 +10,7 @@
 #include "demo/report/report_page.h"
 #include "demo/report/report_printer.h"
 #include "demo/report/temporary_print.h"
+#include "demo/result/archive_trail.h"
 #include "demo/result/made_files.h"
 #include "demo/result/renewals.h"
 #include "demo/support/file_names.h"
@@ -19,6 +20,7 @@
 #include "demo/verify/history_checks.h"
 #include "demo/verify/log_check.h"
 #include "demo/verify/made_again.h"
+#include "demo/verify/record_checks.h"
 #include "demo/verify/result_checks.h"
 #include "demo/verify/user_checks.h"
 
@@ -28,7 +30,8 @@ namespace {
 // The checks run in an order in which each can use what the earlier ones found.
 class Verification {
 public:
-    explicit Verification(const CString& folder) : m_made(folder), m_history(m_made), m_again(m_made) {}
+    explicit Verification(const CString& folder)
+        : m_folder(folder), m_made(folder), m_history(m_made), m_again(m_made) {}
 
     bool Run() {
         CheckLists();
@@ -36,6 +39,7 @@ public:
         CheckLatest(m_history.Versions());
         CheckPages();
         CheckPrinted();
+        CheckRecord();
         CheckOthers();
         const std::string failed = m_checks.Failed() == 0 ? "all right" : std::to_string(m_checks.Failed()) + " failed";
         std::printf("%d checks, %s%s\n", m_checks.Count(), failed.c_str(), SumsAloneText().c_str());
@@ -120,18 +124,36 @@ private:
         if (reports.last == 0) return;
         const int pages = static_cast<int>(reports.last - reports.first) / kReportsPerPage + 1;
         for (int page = 1; page <= pages; ++page) {
-            CheckDrawn(PageName(page), PageName(1), reports,
+            CheckDrawn(PageName(page), PageName(1), reports, JobsOf(reports),
                        [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
         }
     }
 
     void CheckPrinted() {
         for (const auto& [name, reports] : m_log.printed) {
-            CheckDrawn(name, name == m_log.printedLast ? PageName(1) : name, reports,
-                       [](ReportPages& again, const std::string& path) {
-                           WriteTextFile(ReadBytes(TemporaryPrint(again).Path()), path);
-                       });
+            CheckDrawn(name, name == m_log.printedLast ? PageName(1) : name, reports, JobsOf(reports), PrintInto);
         }
+    }
+
+    // Folders of earlier releases have no trail.
+    void CheckRecord() {
+        for (const DWORD version : m_log.signedReports) {
+            CheckDrawn(SignedName(version), SignatureJobName(version), {version, version},
+                       {m_made.Path(JobName(version)), m_made.Path(SignatureJobName(version))}, PrintInto);
+        }
+        const Installation installation(m_folder);
+        if (!installation.HasHead() && CQFile::IsExist(m_made.Path(kTrail).c_str()) == 0) return;
+        RecordChecks checks(m_folder, {.headFile = installation.HasHead() ? installation.HeadPath() : ""});
+        const auto check = [&](const char* what, const char* found, std::vector<std::string> findings) {
+            m_checks.Run(what, [&] {
+                Require(findings.empty(), findings.empty() ? "" : findings.front());
+                return *found != 0 ? found : checks.Summary();
+            });
+        };
+        check(kTrail, "", checks.OfTrail());
+        check("versions in the trail", "each is what was registered", checks.OfVersions());
+        check("signatures", "each by its person, as the rules say", checks.OfSignatures());
+        check("files in the trail", "each is what was sealed, printed or exported", checks.OfFiles());
     }
 
     // Files that no other check has seen, and files that are missing.
@@ -148,13 +170,20 @@ private:
         }
     }
 
-    template <class Draw>
-    void CheckDrawn(const std::string& name, const std::string& beside, const LoggedReports& reports, Draw draw) {
+    static void PrintInto(ReportPages& pages, const std::string& path) {
+        WriteTextFile(ReadBytes(TemporaryPrint(pages).Path()), path);
+    }
+    std::vector<std::string> JobsOf(const LoggedReports& reports) const {
+        return JobPaths(m_made, reports.first, reports.last);
+    }
+
+    template <class Draw> void CheckDrawn(const std::string& name, const std::string& beside,
+                                          const LoggedReports& reports, const std::vector<std::string>& jobs,
+                                          Draw draw) {
         m_checks.Run(name, [&] {
             return m_again.Check(name, beside, PrinterOf(m_made, reports.first),
                                  [&](const std::string& path) {
-                                     ReportPages again(JobPaths(m_made, reports.first, reports.last),
-                                                       m_history.Record(reports.last).GetRenewDateTime());
+                                     ReportPages again(jobs, m_history.Record(reports.last).GetRenewDateTime());
                                      draw(again, path);
                                  }) +
                    ", from " + reports.Described();
@@ -170,6 +199,7 @@ private:
     }
 
     Checks m_checks;
+    const CString m_folder;
     const MadeFiles m_made;
     const KeptHistory m_history;
     MadeAgain m_again;

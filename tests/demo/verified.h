@@ -23,7 +23,8 @@ class Verified : public Titration {
 protected:
     Verified() {
         static const Made made;
-        std::filesystem::copy(made.Path("results"), Path("results"), std::filesystem::copy_options::recursive);
+        for (const char* folder : {"results", "results.installation"})
+            std::filesystem::copy(made.Path(folder), Path(folder), std::filesystem::copy_options::recursive);
     }
 
     Outcome Verify() const { return Run("--verify --out results"); }

@@ -48,8 +48,10 @@ const std::vector<Row> kArrows = {
     {"demo/method", {"demo/support"}},
     {"demo/result", {"demo/curve", "demo/method"}},
     {"demo/report", {"demo/result"}},
-    {"demo/verify", {"demo/report"}},
-    {"demo", {"demo/verify"}},
+    {"demo/record", {"demo/report"}},
+    {"demo/verify", {"demo/record"}},
+    {"demo/attack", {"demo/verify"}},
+    {"demo", {"demo/attack"}},
 };
 
 // The foreign libraries that others than platform include.
@@ -57,6 +59,7 @@ constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
     {"calc", "qellib10/decnumber/"},  // its number type is in the interface of CBCD
     {"gtk", "gtk/"},                  // what the companion library is about
     {"demo", "qellib10/qellib10.h"},  // an application takes the library as a whole
+    {"demo", "qellib10/record.h"},    //
     {"demo", "qellib10/store.h"},     //
     {"demo", "unistd.h"},             //
 };

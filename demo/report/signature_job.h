@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <qellib10/qellib10.h>
+
+#include "demo/report/report_printer.h"
+
+namespace titration {
+
+/// The block of signatures as a print job, one cell of the printer's paper below the report's.
+/// @param lines one text each; what is too long for the paper ends with dots
+CQelPrintJobQueueData MakeSignatureJob(const std::string& headline, const std::vector<std::string>& lines,
+                                       ReportPrinter& printer);
+
+}  // namespace titration
