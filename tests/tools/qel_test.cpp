@@ -4,6 +4,7 @@
 
 #include "../support/archive_bytes.h"
 #include "../support/cases.h"
+#include "../support/output_of.h"
 #include "../support/registry_scope.h"
 #include "qel_folder.h"
 #include "qellib10/calc/calc_variable_list.h"
@@ -131,7 +132,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
         return page.substr(at, page.find('\n', at) - at);
     };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
-             {"", "0 calc seal verify cabinet xml job archive renewals profile plot trail stamp sign key\n"},
+             {"", "0 calc seal verify cabinet xml job archive renewals profile plot selftest trail stamp sign key\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --", "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --json\n"},
@@ -456,6 +457,15 @@ TEST(Qel, ShowsAndChangesDocuments) {
     for (const char* arguments : {"show empty.xml", "set empty.xml A x", "encipher empty.xml plain.xml --force"})
         EXPECT_EQ(folder.Qel("xml " + std::string(arguments)), "9 qel: empty.xml: not a well-formed document\n");
     EXPECT_FALSE(folder.Read("plain.xml").empty()) << "what is there is not lost";
+}
+
+TEST(Qel, TestsItselfAndReportsIt) {
+    const QelFolder folder;
+    EXPECT_TRUE(folder.Qel("selftest --folder . --report r.pdf").ends_with("\n16 of 16 checks passed\n"));
+    EXPECT_EQ(OutputOf("cd '" + folder.Posix().native() + "' && ls && pdftotext r.pdf - | grep -c '^passed$'"),
+              "r.pdf\n16\n");
+    EXPECT_EQ(folder.Qel("selftest --report r.pdf"), "1 qel: r.pdf: exists; --force replaces it\n");
+    EXPECT_EQ(folder.Qel("selftest --folder /proc"), "1 qel: /proc: no folder can be made there\n");
 }
 
 TEST(Qel, ReadsAndChangesSettings) {

@@ -43,7 +43,7 @@ void AddAll(CLI::App& app, Status& status) {
             ->type_name("PAGE");
     app.parse_complete_callback([codePage] { RequireKnownPage(*codePage); });
     for (const auto& add : {tool::AddCalc, tool::AddSeal, tool::AddVerify, tool::AddCabinet, tool::AddXml, tool::AddJob,
-                            tool::AddArchive, tool::AddRenewals, tool::AddProfile, tool::AddPlot})
+                            tool::AddArchive, tool::AddRenewals, tool::AddProfile, tool::AddPlot, tool::AddSelfTest})
         add(app, status);
 #ifdef QEL_WITH_TRAIL
     tool::AddTrail(app, status);

@@ -162,6 +162,7 @@ void AddArchive(CLI::App& app, Status& status);
 void AddProfile(CLI::App& app, Status& status);
 void AddJob(CLI::App& app, Status& status);
 void AddPlot(CLI::App& app, Status& status);
+void AddSelfTest(CLI::App& app, Status& status);
 #ifdef QEL_WITH_TRAIL
 void AddKey(CLI::App& app, Status& status);
 void AddSign(CLI::App& app, Status& status);
