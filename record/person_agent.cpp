@@ -1,19 +1,24 @@
 #include "qellib10/record/person_agent.h"
 
+#include <algorithm>
+
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/record/person_key_format.h"
-#include "qellib10/record/ssh_agent_signer.h"
+#include "qellib10/record/person_ssh_signature.h"
+#include "qellib10/record/ssh_agent.h"
 #include "qellib10/record/text_forms.h"
 
 namespace qel {
 
 struct PersonAgent::State {
     Authenticator isPasswordOf;
-    SshAgentSigner agent = SshAgentSigner();
+    SshAgent agent;
     std::string user = {}, name = {};
+    PersonPublicKey key = {};  // counts with a user alone
 };
 
-PersonAgent::PersonAgent(Authenticator authenticator) : m_state(new State{std::move(authenticator)}) {}
+PersonAgent::PersonAgent(Authenticator authenticator, std::chrono::milliseconds limit)
+    : m_state(new State{std::move(authenticator), SshAgent(limit)}) {}
 PersonAgent::~PersonAgent() = default;
 
 int PersonAgent::Connect(std::string_view socketPath, std::string_view fingerprint, std::string_view user,
@@ -24,7 +29,11 @@ int PersonAgent::Connect(std::string_view socketPath, std::string_view fingerpri
         if (!IsShown(user, PersonKeyFile::kLongestName) || !IsShown(printedName, PersonKeyFile::kLongestName))
             throw DataError("a person needs names of 1 to 256 bytes that can be shown");
         if (fingerprint.empty()) throw DataError("the person's key has to be named by its fingerprint");
-        if (m_state->agent.Connect(socketPath, fingerprint) == 0) return 0;
+        m_state->agent.Use(socketPath);
+        const std::vector<std::string> keys = m_state->agent.Keys();
+        const auto found = std::ranges::find(keys, fingerprint, SshFingerprint);
+        if (found == keys.end()) return Refuse(FailureKind::kMissing, socketPath, "the agent does not have this key");
+        m_state->key = PersonPublicKey::OfBlob(*found);
         m_state->user = user;
         m_state->name = printedName;
         return 1;
@@ -33,13 +42,16 @@ int PersonAgent::Connect(std::string_view socketPath, std::string_view fingerpri
 
 std::string PersonAgent::User() const { return m_state->user; }
 std::string PersonAgent::PrintedName() const { return m_state->name; }
-std::string PersonAgent::PublicKey() const { return m_state->user.empty() ? "" : m_state->agent.PublicKey(); }
+std::string PersonAgent::PublicKey() const { return m_state->user.empty() ? "" : m_state->key.Text(); }
 
-std::array<std::byte, 64> PersonAgent::Sign(std::string_view bytes, std::string_view password) {
+PersonSignature PersonAgent::Sign(std::string_view bytes, std::string_view password) {
     if (m_state->user.empty()) throw DataError("no agent was connected");
     if (!m_state->isPasswordOf) throw DataError("nobody can check the password");
     if (!m_state->isPasswordOf(m_state->user, password)) throw WrongPassword();
-    return m_state->agent.Sign(bytes);
+    const PersonPublicKey& key = m_state->key;
+    const PersonSignature made = ReadSignatureBlob(key, m_state->agent.Sign(key.Blob(), bytes));
+    if (!IsSignedBy(key, bytes, made)) throw DataError("the agent's signature is wrong");
+    return made;
 }
 
 }  // namespace qel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,10 +30,12 @@ using Authenticator = std::function<bool(std::string_view user, std::string_view
 /// qel::PersonKey is guarded by its password itself.
 class QELLIB10_API PersonAgent : public PersonSigner {
 public:
-    explicit PersonAgent(Authenticator authenticator);
+    /// @param limit of each question to the agent, which may wait for the person to touch a security key
+    explicit PersonAgent(Authenticator authenticator, std::chrono::milliseconds limit = std::chrono::minutes(1));
     ~PersonAgent() override;
 
-    /// Finds the person's key, of the kind ssh-ed25519, among those of the agent.
+    /// Finds the person's key among those of the agent: of the kind ssh-ed25519, ecdsa-sha2-nistp256, or
+    /// sk-ssh-ed25519@openssh.com made with `-O verify-required`.
     /// @param socketPath in the library's form
     /// @param fingerprint as ssh-keygen -l shows it; must be there, since the key has to be this person's
     /// @param user, printedName as for PersonKey::Make
@@ -43,8 +46,9 @@ public:
     std::string User() const override;
     std::string PrintedName() const override;
     std::string PublicKey() const override;
-    /// @throws WrongPassword if the authenticator says no, before the agent is asked; DataError also without one
-    std::array<std::byte, 64> Sign(std::string_view bytes, std::string_view password) override;
+    /// @throws WrongPassword if the authenticator says no, before the agent is asked; DataError also without one, and
+    /// if a security key has not verified its user
+    PersonSignature Sign(std::string_view bytes, std::string_view password) override;
 
 private:
     struct State;

@@ -73,9 +73,9 @@ std::string PersonKey::PrintedName() const { return m_state != nullptr ? m_state
 std::string PersonKey::PublicKey() const { return m_state != nullptr ? m_state->file.key.Text() : ""; }
 std::string PersonKey::Fingerprint() const { return m_state != nullptr ? m_state->file.key.Fingerprint() : ""; }
 
-std::array<std::byte, 64> PersonKey::Sign(std::string_view bytes, std::string_view password) {
+PersonSignature PersonKey::Sign(std::string_view bytes, std::string_view password) {
     if (m_state == nullptr) throw DataError("no person's key is open");
-    return SignEd25519(OpenedSeed(m_state->Current(), password).Bytes(), bytes);
+    return {.bytes = SignEd25519(OpenedSeed(m_state->Current(), password).Bytes(), bytes)};
 }
 
 }  // namespace qel

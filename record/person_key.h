@@ -52,7 +52,7 @@ public:
 
     /// Reads the file again, so that a password changed by another program is the right one at once.
     /// @throws DataError also when the file has another key than at Open
-    std::array<std::byte, 64> Sign(std::string_view bytes, std::string_view password) override;
+    PersonSignature Sign(std::string_view bytes, std::string_view password) override;
 
 private:
     struct State;

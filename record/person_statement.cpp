@@ -66,7 +66,7 @@ std::string SignedPart(const PersonStatement& statement) {
     return json.Written() + '}';
 }
 
-std::string StatementText(std::string_view signedPart, const SshSignature& signature) {
+std::string StatementText(std::string_view signedPart, const PersonSshSignature& signature) {
     std::string text(signedPart.substr(0, signedPart.size() - 1));
     text += ",\"sig\":\"";
     text += EncodeBase64(signature.Blob(kStatementNamespace));
@@ -79,7 +79,7 @@ SignedStatement ReadSignedStatement(std::string_view text) {
     SignedStatement read;
     JsonReader json(text, kRefusal);
     read.statement = ReadFields(json);
-    read.signature = SshSignature::OfBlob(DecodeBase64(json.Text("sig")), kStatementNamespace);
+    read.signature = PersonSshSignature::OfBlob(DecodeBase64(json.Text("sig")), kStatementNamespace);
     json.End();
     read.signedPart = SignedPart(read.statement);
     Require(StatementText(read.signedPart, read.signature) == text, "is written in another form than the only one");

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "qellib10/record/person_ssh_signature.h"
 #include "qellib10/record/person_statement.h"
-#include "qellib10/record/ssh_signature.h"
 
 // Signed statements as texts. docs/formats.md has a description of them.
 namespace qel {
@@ -16,11 +16,11 @@ inline constexpr std::string_view kStatementNamespace = "qellib10-signature";
 std::string SignedPart(const PersonStatement& statement);
 
 /// The whole text.
-std::string StatementText(std::string_view signedPart, const SshSignature& signature);
+std::string StatementText(std::string_view signedPart, const PersonSshSignature& signature);
 
 struct SignedStatement {
     PersonStatement statement;
-    SshSignature signature;
+    PersonSshSignature signature;
     std::string signedPart;
 
     bool IsSigned() const { return IsSignatureOf(signature, kStatementNamespace, signedPart); }

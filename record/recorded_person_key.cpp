@@ -62,7 +62,7 @@ void RecordedPersonKey::State::Enter(const TrailRecord& record) {
 }
 
 void RecordedPersonKey::State::EnterChanging(const Gift& gift, const std::string& newKey) {
-    const std::vector<SshPublicKey> old = log.State().ValidKeysOf(gift.user);
+    const std::vector<PersonPublicKey> old = log.State().ValidKeysOf(gift.user);
     Enter({.user = std::string(gift.by),
            .action = std::string(trail_kind::kPersonKeyChanging),
            .object = std::string(gift.user),
@@ -118,7 +118,7 @@ void RecordedPersonKey::State::Finish(NextPersonKey& next, const PersonKeyFile& 
 }
 
 void RecordedPersonKey::State::EndKeys(const std::string& user, std::string_view reason) {
-    for (const SshPublicKey& key : log.State().ValidKeysOf(user))
+    for (const PersonPublicKey& key : log.State().ValidKeysOf(user))
         Enter({.user = user,
                .action = std::string(trail_kind::kPersonKeyEnded),
                .object = key.Text(),

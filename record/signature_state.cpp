@@ -57,7 +57,7 @@ std::vector<SignatureProblem> SignatureState::Take(const TrailEntry& entry) {
 }
 
 std::vector<SignatureProblem> SignatureState::TakePersonKey(const TrailEntry& entry) {
-    const SshPublicKey key = SshPublicKey::OfText(entry.object);
+    const PersonPublicKey key = PersonPublicKey::OfText(entry.object);
     if (entry.user.empty()) throw DataError("a person's key is announced for nobody");
     const auto found = m_keys.find(key);
     const bool isThere = found != m_keys.end();
@@ -113,7 +113,7 @@ std::vector<SignatureProblem> SignatureState::TakeSignature(const TrailEntry& en
     return problems;
 }
 
-std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& statement, const SshPublicKey& key,
+std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& statement, const PersonPublicKey& key,
                                                          std::int64_t time) const {
     Problems problems;
     AddKeyProblem(problems, statement, key);
@@ -129,7 +129,7 @@ std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& 
 }
 
 void SignatureState::AddKeyProblem(Problems& problems, const PersonStatement& statement,
-                                   const SshPublicKey& key) const {
+                                   const PersonPublicKey& key) const {
     const auto found = m_keys.find(key);
     if (found == m_keys.end() || found->second.user != statement.user) {
         problems.push_back({SignatureFault::kUnknownKey, "the key was not announced for this user"});
@@ -167,13 +167,13 @@ bool SignatureState::IsPerson(std::string_view user) const {
     return std::ranges::any_of(m_keys, [&](const auto& key) { return key.second.user == user; });
 }
 
-bool SignatureState::IsValidKeyOf(const SshPublicKey& key, std::string_view user) const {
+bool SignatureState::IsValidKeyOf(const PersonPublicKey& key, std::string_view user) const {
     const auto found = m_keys.find(key);
     return found != m_keys.end() && found->second.isValid && found->second.user == user;
 }
 
-std::vector<SshPublicKey> SignatureState::ValidKeysOf(std::string_view user) const {
-    std::vector<SshPublicKey> keys;
+std::vector<PersonPublicKey> SignatureState::ValidKeysOf(std::string_view user) const {
+    std::vector<PersonPublicKey> keys;
     for (const auto& [key, person] : m_keys) {
         if (person.isValid && person.user == user) keys.push_back(key);
     }

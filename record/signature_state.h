@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "qellib10/platform/crypto/digest.h"
+#include "qellib10/record/person_public_key.h"
 #include "qellib10/record/person_statement.h"
 #include "qellib10/record/signature_check.h"
-#include "qellib10/record/ssh_key.h"
 #include "qellib10/record/trail_entry.h"
 
 namespace qel {
@@ -36,14 +36,14 @@ public:
 
     /// What is wrong with a statement of valid form that would come next, signed rightly with @p key, in an entry of
     /// this time.
-    std::vector<SignatureProblem> ProblemsOf(const PersonStatement& statement, const SshPublicKey& key,
+    std::vector<SignatureProblem> ProblemsOf(const PersonStatement& statement, const PersonPublicKey& key,
                                              std::int64_t time) const;
     /// Whether a key was announced for the user, also one that has ended.
     bool IsPerson(std::string_view user) const;
     /// Whether a key was announced, also one that has ended.
-    bool IsKnown(const SshPublicKey& key) const { return m_keys.contains(key); }
-    bool IsValidKeyOf(const SshPublicKey& key, std::string_view user) const;
-    std::vector<SshPublicKey> ValidKeysOf(std::string_view user) const;
+    bool IsKnown(const PersonPublicKey& key) const { return m_keys.contains(key); }
+    bool IsValidKeyOf(const PersonPublicKey& key, std::string_view user) const;
+    std::vector<PersonPublicKey> ValidKeysOf(std::string_view user) const;
     /// Why a version may not be final yet, or ever; empty if it may.
     std::string WhyNotFinal(const std::string& cabinet, std::uint64_t number) const;
 
@@ -67,7 +67,7 @@ private:
     Problems TakePersonKey(const TrailEntry& entry);
     Problems TakeRegistration(const TrailEntry& entry);
     Problems TakeSignature(const TrailEntry& entry);
-    void AddKeyProblem(Problems& problems, const PersonStatement& statement, const SshPublicKey& key) const;
+    void AddKeyProblem(Problems& problems, const PersonStatement& statement, const PersonPublicKey& key) const;
     void AddPeopleProblem(Problems& problems, const PersonStatement& statement, const Version& version) const;
     void Count(const PersonStatement& statement);
     bool HasApprovedOwn(const Version& version) const;
@@ -76,7 +76,7 @@ private:
 
     SigningRules m_rules;
     Names m_names;
-    std::map<SshPublicKey, PersonKey> m_keys;
+    std::map<PersonPublicKey, PersonKey> m_keys;
     std::map<Place, Version> m_versions;
     std::set<std::array<std::byte, 16>> m_nonces;
 };

@@ -89,9 +89,9 @@ int Signing::State::Sign(const SigningRequest& request, std::optional<std::strin
     }
     const std::string why = WhyRefused(statement, user);
     if (!why.empty()) return RefuseSigning(statement, typed, why);
-    SshSignature signature{.key = SshPublicKey::OfText(person->PublicKey())};
+    PersonSshSignature signature{.key = PersonPublicKey::OfText(person->PublicKey())};
     try {
-        signature.bytes = person->Sign(BytesToSign(kStatementNamespace, part), password);
+        signature.signature = person->Sign(BytesToSign(kStatementNamespace, part), password);
     } catch (const WrongPassword& wrong) {
         return RefuseSigning(statement, typed, wrong.what());
     }
@@ -125,7 +125,8 @@ PersonStatement Signing::State::StatementOf(const SigningRequest& request) const
 
 std::string Signing::State::WhyRefused(const PersonStatement& statement, std::optional<std::string_view> user) const {
     if (user && *user != statement.user) return "the name is not that of the key";
-    const auto problems = log.State().ProblemsOf(statement, SshPublicKey::OfText(person->PublicKey()), statement.time);
+    const auto problems =
+        log.State().ProblemsOf(statement, PersonPublicKey::OfText(person->PublicKey()), statement.time);
     return problems.empty() ? "" : problems.front().text;
 }
 

@@ -107,8 +107,8 @@ SshPublicKey SshPublicKey::OfText(std::string_view text) {
     return OfBlob(DecodeBase64(text.substr(kSshKeyType.size() + 1)));
 }
 
-std::string SshPublicKey::Fingerprint() const {
-    const Sha256Digest digest = Sha256(Blob());
+std::string SshFingerprint(std::string_view blob) {
+    const Sha256Digest digest = Sha256(blob);
     std::string text = EncodeBase64({reinterpret_cast<const char*>(digest.data()), digest.size()});
     text.resize(text.find('='));
     return "SHA256:" + text;

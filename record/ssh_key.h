@@ -13,7 +13,10 @@ namespace qel {
 
 inline constexpr std::string_view kSshKeyType = "ssh-ed25519";
 
-/// A public key of the kind ssh-ed25519.
+/// "SHA256:" and 43 characters, as ssh-keygen -l shows it, of a key of any kind in SSH's binary form.
+std::string SshFingerprint(std::string_view blob);
+
+/// A public key of the kind ssh-ed25519, the only one that signs entries.
 struct SshPublicKey {
     Ed25519Key bytes = {};
 
@@ -25,8 +28,7 @@ struct SshPublicKey {
     /// As in a file with the ending .pub: "ssh-ed25519 AAAA...", without a comment. @throws DataError for any other
     std::string Text() const;
     static SshPublicKey OfText(std::string_view text);
-    /// "SHA256:" and 43 characters, as ssh-keygen -l shows it.
-    std::string Fingerprint() const;
+    std::string Fingerprint() const { return SshFingerprint(Blob()); }
 };
 
 struct SshPrivateKey {

@@ -12,29 +12,42 @@ constexpr std::uint32_t kVersion = 1;
 
 }  // namespace
 
-std::string SshSignature::Blob(std::string_view nameSpace) const {
+std::string SshEnvelope::Blob(std::string_view nameSpace) const {
     return SshWriter()
         .Raw(kMagic)
         .Number(kVersion)
-        .String(key.Blob())
+        .String(key)
         .String(nameSpace)
         .String("")  // reserved
         .String(kHash)
-        .String(SshWriter().String(kSshKeyType).String(bytes).Bytes())
+        .String(signature)
         .Bytes();
 }
 
-SshSignature SshSignature::OfBlob(std::string_view blob, std::string_view nameSpace) {
-    SshSignature signature;
+SshEnvelope SshEnvelope::OfBlob(std::string_view blob, std::string_view nameSpace) {
+    SshEnvelope envelope;
     SshReader reader(blob);
     reader.Expect(kMagic);
     reader.Expect(SshWriter().Number(kVersion).Bytes());
-    signature.key = SshPublicKey::OfBlob(reader.String());
+    envelope.key = reader.String();
     reader.ExpectString(nameSpace);
     reader.ExpectString("");
     reader.ExpectString(kHash);
-    SshReader inner(reader.String());
+    envelope.signature = reader.String();
     reader.ExpectEnd();
+    return envelope;
+}
+
+std::string SshSignature::Blob(std::string_view nameSpace) const {
+    const std::string keyBlob = key.Blob();
+    const SshWriter inner = SshWriter().String(kSshKeyType).String(bytes);
+    return SshEnvelope{keyBlob, inner.Bytes()}.Blob(nameSpace);
+}
+
+SshSignature SshSignature::OfBlob(std::string_view blob, std::string_view nameSpace) {
+    const SshEnvelope envelope = SshEnvelope::OfBlob(blob, nameSpace);
+    SshSignature signature{.key = SshPublicKey::OfBlob(envelope.key)};
+    SshReader inner(envelope.signature);
     inner.ExpectString(kSshKeyType);
     inner.String(signature.bytes);
     inner.ExpectEnd();

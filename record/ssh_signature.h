@@ -10,6 +10,17 @@
 // namespace, so a signature for one purpose is worth nothing for another.
 namespace qel {
 
+/// What is around a signature, whatever kind of key has made it. Key and signature are in SSH's binary forms.
+struct SshEnvelope {
+    std::string_view key, signature;
+
+    std::string Blob(std::string_view nameSpace) const;
+    /// @return parts of @p blob
+    /// @throws DataError for any other form, another namespace or hash
+    static SshEnvelope OfBlob(std::string_view blob, std::string_view nameSpace);
+};
+
+/// A signature of the installation.
 struct SshSignature {
     SshPublicKey key;
     Ed25519Signature bytes = {};

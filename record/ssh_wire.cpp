@@ -11,6 +11,9 @@ namespace {
     throw DataError("a key, signature or answer in SSH's form is damaged or of another kind");
 }
 
+// An mpint that starts so would be negative.
+bool IsHigh(char byte) { return static_cast<unsigned char>(byte) >= 0x80; }
+
 }  // namespace
 
 SshWriter& SshWriter::Byte(std::uint8_t value) {
@@ -29,6 +32,14 @@ SshWriter& SshWriter::String(std::string_view bytes) {
 
 SshWriter& SshWriter::String(std::span<const std::byte> bytes) {
     return String(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+}
+
+SshWriter& SshWriter::Integer(std::span<const std::byte> bytes) {
+    std::string_view digits(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    digits.remove_prefix(std::min(digits.find_first_not_of('\0'), digits.size()));
+    const bool isHigh = !digits.empty() && IsHigh(digits.front());
+    Number(static_cast<std::uint32_t>(digits.size() + (isHigh ? 1 : 0)));
+    return isHigh ? Byte(0).Raw(digits) : Raw(digits);
 }
 
 SshWriter& SshWriter::Raw(std::string_view bytes) {
@@ -65,6 +76,17 @@ void SshReader::String(std::span<std::byte> to) {
     const std::string_view bytes = String();
     if (bytes.size() != to.size()) Refuse();
     std::ranges::copy(std::as_bytes(std::span(bytes)), to.begin());
+}
+
+void SshReader::Integer(std::span<std::byte> to) {
+    std::string_view digits = String();
+    const bool isMarked = digits.starts_with('\0');
+    if (isMarked) digits.remove_prefix(1);
+    const bool isHigh = !digits.empty() && IsHigh(digits.front());
+    if (isMarked != isHigh || digits.size() > to.size()) Refuse();
+    const auto rest =
+        std::ranges::fill_n(to.begin(), static_cast<std::ptrdiff_t>(to.size() - digits.size()), std::byte());
+    std::ranges::copy(std::as_bytes(std::span(digits)), rest);
 }
 
 void SshReader::ExpectEnd() const {

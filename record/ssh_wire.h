@@ -15,6 +15,8 @@ public:
     SshWriter& Number(std::uint32_t value);
     SshWriter& String(std::string_view bytes);
     SshWriter& String(std::span<const std::byte> bytes);
+    /// A whole number, at least 0, in its shortest form (an mpint). @param bytes of it, the highest first
+    SshWriter& Integer(std::span<const std::byte> bytes);
     /// Bytes without a length.
     SshWriter& Raw(std::string_view bytes);
 
@@ -38,6 +40,8 @@ public:
     void ExpectString(std::string_view bytes);
     /// A string of as many bytes as @p to has.
     void String(std::span<std::byte> to);
+    /// A whole number of at most as many bytes as @p to has, in its shortest form and at least 0.
+    void Integer(std::span<std::byte> to);
     void ExpectEnd() const;
 
     std::string_view Rest() const noexcept { return m_rest; }

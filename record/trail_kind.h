@@ -36,7 +36,7 @@ inline constexpr std::string_view kExport = "export";
 inline constexpr std::string_view kPersonKeyChanging =
     "person key changing";  ///< object: the person; before and after: the person's old and new key; nothing yet
 inline constexpr std::string_view kPersonKeyAdded =
-    "person key added";  ///< object: "ssh-ed25519 AAAA...", with which the user may sign from now on
+    "person key added";  ///< object: as PersonSigner::PublicKey, with which the user may sign from now on
 inline constexpr std::string_view kPersonKeyEnded = "person key ended";  ///< the same, which may not from now on
 inline constexpr std::string_view kSignature = "signature";              ///< statement: what the user has signed
 inline constexpr std::string_view kSignatureRefused = "signature refused";

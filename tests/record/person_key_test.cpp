@@ -45,7 +45,8 @@ bool IsRead(const std::string& text) {
 std::string Outcome(qel::PersonKey& key, std::string_view password) {
     try {
         const auto made = key.Sign("x", password);
-        return qel::IsSignedBy(qel::SshPublicKey::OfText(key.PublicKey()).bytes, "x", made) ? "signed" : "wrong bytes";
+        return qel::IsSignedBy(qel::SshPublicKey::OfText(key.PublicKey()).bytes, "x", made.bytes) ? "signed"
+                                                                                                  : "wrong bytes";
     } catch (const qel::WrongPassword&) {
         return "wrong password";
     } catch (const qel::DataError&) {

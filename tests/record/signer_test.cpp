@@ -210,7 +210,8 @@ TEST(Agent, SignsATrailWithoutGivingTheKey) {
     ASSERT_EQ(person.Connect(folder.Name("agent"), folder.Fingerprint(), "mori", "Mori"), 1);
     EXPECT_EQ(person.PublicKey(), folder.PublicKey());
     EXPECT_THROW(person.Sign("x", "wrong"), qel::WrongPassword);
-    EXPECT_TRUE(qel::IsSignedBy(qel::SshPublicKey::OfText(folder.PublicKey()).bytes, "x", person.Sign("x", "right")));
+    EXPECT_TRUE(
+        qel::IsSignedBy(qel::SshPublicKey::OfText(folder.PublicKey()).bytes, "x", person.Sign("x", "right").bytes));
     EXPECT_EQ(asked, "morimori");
     qel::Trail trail(folder.Settings(), signer);
     ASSERT_EQ(trail.Open(), 1) << qel::LastFailure().text;
@@ -286,4 +287,28 @@ TEST(SshWire, HasOneFormForEachText) {
     for (std::size_t size = 0; size < blob.size(); ++size)
         EXPECT_THROW(qel::SshSignature::OfBlob(std::string_view(blob).substr(0, size), "n"), qel::DataError) << size;
     EXPECT_THROW(qel::SshSignature::OfBlob(blob + 'x', "n"), qel::DataError);
+}
+
+TEST(SshWire, HasOneFormForEachWholeNumber) {
+    const std::string zero(1, '\0');
+    for (const auto& [digits, isRead] : Cases<std::string, bool>{
+             {"", true},
+             {"\x7F", true},
+             {zero + "\x80", true},
+             {zero + std::string(4, '\xFF'), true},
+             {zero, false},
+             {zero + "\x7F", false},
+             {zero + zero + "\x80", false},
+             {"\x80", false},  // negative
+             {"\x01\x02\x03\x04\x05", false},
+         }) {
+        const std::string bytes = qel::SshWriter().String(digits).Bytes();
+        std::array<std::byte, 4> number = {};
+        if (isRead) {
+            qel::SshReader(bytes).Integer(number);
+            EXPECT_EQ(qel::SshWriter().Integer(number).Bytes(), bytes);
+        } else {
+            EXPECT_THROW(qel::SshReader(bytes).Integer(number), qel::DataError) << qel::EncodeBase64(digits);
+        }
+    }
 }

@@ -28,7 +28,7 @@ inline qel::PersonStatement Approval(const std::string& user) {
 inline std::string Signed(const qel::PersonStatement& statement, int key) {
     ByteSigner signer(key);
     const std::string part = qel::SignedPart(statement);
-    return qel::StatementText(part, {signer.Key(), signer.Sign(qel::BytesToSign(qel::kStatementNamespace, part))});
+    return qel::StatementText(part, {signer.Key(), {signer.Sign(qel::BytesToSign(qel::kStatementNamespace, part))}});
 }
 
 /// A trail in which people sign. The key of mori is 11, that of nakano 12, that of sato 13: entries 2 to 4.

@@ -16,11 +16,11 @@ public:
     std::string User() const override { return m_user; }
     std::string PrintedName() const override { return "Mori Akiko"; }
     std::string PublicKey() const override { return m_key.PublicKey(); }
-    std::array<std::byte, 64> Sign(std::string_view bytes, std::string_view password) override {
+    qel::PersonSignature Sign(std::string_view bytes, std::string_view password) override {
         ++tries;
         if (meanwhile) meanwhile();
         if (password != "right") throw qel::WrongPassword();
-        return m_key.Sign(isBroken ? "x" : bytes);
+        return {.bytes = m_key.Sign(isBroken ? "x" : bytes)};
     }
 
     void Become(const std::string& user, int key) {
