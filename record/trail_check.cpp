@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/record/stamp_entry.h"
@@ -82,7 +83,9 @@ private:
         if (m_known && m_known->number == m_next) {
             m_isKnownThere = m_known->hash == hash && m_known->length == line.End();
             if (m_isKnownThere) Pin();
-            if (!m_isKnownThere) Find(TrailFault::kMissing, "this is not the entry that the head file knows");
+            // Where the line is no right one either, the entry is among those that are missing at the end.
+            if (!m_isKnownThere && m_last >= m_next)
+                Find(TrailFault::kMissing, "this is not the entry that the head file knows");
         }
         m_report.entries = m_next++;
         m_report.head = m_previous;
@@ -96,8 +99,12 @@ private:
         CheckTrailId(entry);
         if (entry.previous != m_previous) Find(TrailFault::kOrder, "the entry names another one before it");
         CheckTime(entry);
-        // After a gap it goes on from there, without a finding for each further entry.
-        if (CheckSigner(line)) m_next = entry.number;
+        // After a gap it goes on from there, without a finding for each further entry. Only who is trusted says where:
+        // anybody can append a line with a number after all that are missing.
+        if (CheckSigner(line) && entry.trailId == m_report.trailId) {
+            m_next = entry.number;
+            m_last = std::max(m_last, m_next);
+        }
         if (m_report.findingCount != before) return;
         m_trust.Learn(line);
         if (entry.number == 1) m_isStartRight = true;
@@ -178,7 +185,7 @@ private:
         m_bootId = entry.bootId;
     }
 
-    // @return whether the signature is right, whoever's it is
+    // @return whether the signature is right, and of somebody who is trusted
     bool CheckSigner(const ReadLine& line) {
         const SshPublicKey& key = line.signature.key;
         if (!line.IsSigned()) {
@@ -191,33 +198,35 @@ private:
         if (fault == TrailFault::kRevokedKey) Find(*fault, "the entry's key was revoked", key.Fingerprint());
         if (fault == TrailFault::kUnknownSigner)
             Find(*fault, "the entry is signed by a key that is not trusted", key.Fingerprint());
-        return true;
+        return !fault;
     }
 
     // Half a line is how a reader sees an appending, if nothing that has to be there can be in it.
     void CheckEnd(const TrailLines::Line& line) {
         if (line.kind != TrailLines::Kind::kPart) return;
         const bool isAfterHead = (m_known && line.at >= m_known->length) || m_isHeadThere || m_proofs.stamped > 0 ||
-                                 (m_anchors.atLeast > 0 && m_report.entries >= m_anchors.atLeast);
+                                 (m_anchors.atLeast > 0 && m_last >= m_anchors.atLeast);
         m_report.isBeingWritten = isAfterHead;
         if (!isAfterHead) Find(TrailFault::kCut, "the trail ends within a line");
     }
 
     void FindMissingUpTo(std::uint64_t last) {
-        const std::string next = std::to_string(m_next);
+        const std::uint64_t next = std::exchange(m_next, m_last + 1);
+        const std::string first = std::to_string(m_next);
         Find(TrailFault::kMissing,
-             last == m_next ? "entry " + next + " is missing"
-                            : "entries " + next + " to " + std::to_string(last) + " are missing",
+             last == m_next ? "entry " + first + " is missing"
+                            : "entries " + first + " to " + std::to_string(last) + " are missing",
              "", last);
+        m_next = next;
     }
 
     void CheckAnchors() {
         const auto missing = [this](const std::string& what) { Find(TrailFault::kMissing, what); };
-        if (m_known && m_known->number >= m_next) FindMissingUpTo(m_known->number);
+        if (m_known && !m_isKnownThere && m_known->number > m_last) FindMissingUpTo(m_known->number);
         if (!m_anchors.head.empty() && !m_isHeadThere) missing("the entry with the given hash is missing");
         if (m_proofs.stamp && m_proofs.stamped == 0) missing("the entry of the given time stamp is missing");
-        if (m_anchors.atLeast >= m_next) FindMissingUpTo(m_anchors.atLeast);
-        m_report.pinned = std::max(m_report.pinned, std::min(m_anchors.atLeast, m_report.entries));
+        if (m_anchors.atLeast > m_last) FindMissingUpTo(m_anchors.atLeast);
+        m_report.pinned = std::max(m_report.pinned, std::min(m_anchors.atLeast, m_last));
         if (m_report.entries == 0 && m_report.findingCount == 0 && !m_known) missing("the trail has no entry");
         const bool isTrusted = !m_anchors.trustFile.empty() || !m_anchors.key.empty();
         const bool isPinned = m_isHeadThere || m_isKnownThere || m_proofs.stamped > 0;
@@ -239,6 +248,7 @@ private:
     TrailLines::Line m_line;
     const TrailRecord* m_about = nullptr;  // of the line, where it can be read
     std::uint64_t m_next = 1;              // the number that follows; while a line is checked, its own
+    std::uint64_t m_last = 0;              // the highest number that a right signature of somebody trusted vouches for
     std::string m_previous = std::string(64, '0');
     std::int64_t m_time = 0;
     std::uint64_t m_bootTime = 0;

@@ -195,6 +195,9 @@ TEST(TrailCheck, AgreesWithTheScriptOnChangedTrails) {
               "order 4 missing 4 missing 5"},
              {"another number", [](Lines& l) { SignAgain(l, 3, 1, [](auto& e) { e.number = 5; }); }, nullptr},
              {"by somebody else", [](Lines& l) { SignAgain(l, 3, 2, [](auto&) {}); }, "signer 4 missing 4 missing 5"},
+             {"a high number by somebody else",
+              [](Lines& l) { SignAgain(l, 3, 2, [](auto& e) { e.number = 1'000'000; }); },
+              "order 4 signer 4 missing 4 missing 5"},
              {"all by somebody else", [](Lines& l) { SignAgain(l, 0, 2, [](auto&) {}); }, nullptr},
              {"too long", [](Lines& l) { l[3].insert(l[3].find("\"c\"") + 1, 65'536, 'x'); }, nullptr},
              {"one more by somebody else",
@@ -338,6 +341,9 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
     const Sample sample;
     const std::string half = "{\"format\":1,";
     const std::string text = sample.Read("t");
+    qel::TrailEntry last = sample.Entry(4);
+    last.number = 1'000'000;
+    const std::string high = ByteSigner(2).Line(last);
     const std::string other = ByteSigner(2).Key().Fingerprint();
     for (const auto& [anchors, added, findings] : Cases<qel::TrailAnchors, std::string, const char*>{
              {{}, "", "loose"},
@@ -362,6 +368,7 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
              {{.head = sample.head}, half, "writing"},
              {{.atLeast = 4}, half, "writing loose"},
              {{.atLeast = 5}, half, "cut 5 missing 5 loose"},
+             {{.key = sample.key, .atLeast = 9}, high, "order 5 order 5 signer 5 missing 5 loose"},
          }) {
         sample.Write("t", text + added);
         EXPECT_EQ(sample.Findings(sample.Check(anchors)), findings)
