@@ -4,6 +4,7 @@
 #include <limits>
 #include <span>
 
+#include "qellib10/file/check_sums.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/crypto/digest.h"
 #include "qellib10/platform/error.h"
@@ -43,10 +44,11 @@ template <class Take> FileDigest ReadAll(const CFile& file, std::string_view nam
 
 }  // namespace
 
-FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version) {
+FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version, OfDamaged ofDamaged) {
     const auto block = MakeIoBlock();
     const CString name = cabinet.GetFilePath();
     Sha256Sum sum;
+    CheckSums checkSums;
     FileDigest digest;
     while (digest.size < version.size) {
         const auto wanted =
@@ -56,17 +58,19 @@ FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version) {
             ReadFullyAt(cabinet.ReadableDescriptor(), part, version.dataAt + digest.size, name.View());
         if (size == 0) throw CFileException(CFileException::endOfFile, -1, name);
         sum.Add(part.first(size));
+        checkSums.Add({reinterpret_cast<const unsigned char*>(part.data()), size});
         digest.size += size;
     }
-    digest.sha256 = Hex(sum.End());
+    const bool isIntact = checkSums.Crc() == version.crc && checkSums.Sum() == version.sum;
+    if (isIntact || ofDamaged == OfDamaged::kHash) digest.sha256 = Hex(sum.End());
     return digest;
 }
 
-std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version) {
+std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version, OfDamaged ofDamaged) {
     try {
         CabinetReader reader(cabinet);
         if (version == 0 || version > reader.Header().versionCount) return std::nullopt;
-        return DigestOf(cabinet, Find(reader, version));
+        return DigestOf(cabinet, Find(reader, version), ofDamaged);
     } catch (const DataError&) {  // it cannot be found
         return FileDigest();
     } catch (const CFileException& failure) {

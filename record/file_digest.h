@@ -12,12 +12,17 @@
 // Size and hash of a version, as entries of a trail have them. Everything throws CFileException.
 namespace qel {
 
-// The hash is empty for a version that is damaged and cannot be found.
+// The hash is empty for a version that is damaged.
 using FileDigest = FileHash;
 
-FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version);
-/// The same, found by its number. Nothing when there is no such version.
-std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version);
+/// Whether a version with other checksums than its bytes have is hashed as it is. Nobody can read it by the cabinet's
+/// own classes, so it is not what was registered, even if its bytes are.
+enum class OfDamaged { kNoHash, kHash };
+
+FileDigest DigestOf(const CFile& cabinet, const CabinetVersion& version, OfDamaged ofDamaged = OfDamaged::kNoHash);
+/// The same, found by its number. Nothing when there is no such version; no hash when it cannot be found.
+std::optional<FileDigest> DigestOf(const CFile& cabinet, std::uint64_t version,
+                                   OfDamaged ofDamaged = OfDamaged::kNoHash);
 /// Of a whole file.
 FileDigest DigestOfFile(std::string_view path);
 

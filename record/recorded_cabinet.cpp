@@ -139,7 +139,7 @@ TrailReceipt RecordedCabinet::State::TakeOut(std::uint64_t version, std::string_
     RequireText(user, "taking out a version needs a name of who does it");
     RequireText(reason, "taking out a version needs a reason");
     RequireOpen();
-    const std::optional<FileDigest> found = DigestOf(Cabinet(), version);
+    const std::optional<FileDigest> found = DigestOf(Cabinet(), version, OfDamaged::kHash);
     if (!found) throw DataError("the cabinet has no " + Number(version));
     if (found->sha256.empty()) throw DataError(Number(version) + " cannot be found in the damaged cabinet");
     TrailReceipt receipt = Enter({.user = std::string(user),
