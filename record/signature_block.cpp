@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/text/printable_text.h"
 #include "qellib10/record/person_statement_text.h"
 #include "qellib10/record/signature_log.h"
 #include "qellib10/record/trail_kind.h"
@@ -18,6 +19,7 @@ ShownSignature Shown(const SignatureLog::Entry& entry) {
             .user = read.statement.user,
             .time = read.statement.time,
             .key = read.signature.key.Fingerprint(),
+            .reportSha256 = read.statement.reportSha256,
             .entry = entry.line.entry.number,
             .entryHash = entry.hash};
 }
@@ -54,16 +56,20 @@ SignatureBlock Read(Trail& trail, std::string_view cabinet, const RecordedVersio
 }  // namespace
 
 std::vector<std::string> SignatureBlock::Lines() const {
-    std::vector<std::string> lines = {"registered: " + version.user + ", " + TrailTimeText(version.time) +
-                                      (version.reason.empty() ? "" : ": " + version.reason)};
+    const auto line = [](std::uint64_t number, std::int64_t time, const std::string& user, const std::string& what) {
+        return "entry " + std::to_string(number) + ", " + TrailTimeText(time) + ", " + PrintableText(user) + ": " +
+               PrintableText(what);
+    };
+    std::vector<std::string> lines = {line(version.entry, version.time, version.user,
+                                           version.reason.empty() ? "registered" : "registered, " + version.reason)};
     for (const ShownSignature& signature : signatures)
-        lines.push_back(signature.meaning + ": " + signature.name + " (" + signature.user + "), " +
-                        TrailTimeText(signature.time) + ", entry " + std::to_string(signature.entry));
+        lines.push_back(
+            line(signature.entry, signature.time, signature.user, signature.meaning + ", " + signature.name));
     if (isChanged) lines.emplace_back("changed since the first entry");
     if (!whyNotFinal.empty()) lines.push_back("not final: " + whyNotFinal);
     lines.push_back("version " + std::to_string(version.version) + " of " + cabinet);
     lines.push_back("SHA-256 " + version.sha256);
-    lines.push_back("entry " + std::to_string(version.entry) + ", " + version.entryHash);
+    lines.push_back("hash of entry " + std::to_string(version.entry) + ": " + version.entryHash);
     lines.push_back("trail " + trailId);
     lines.push_back("installation " + installationKey);
     return lines;

@@ -17,10 +17,11 @@ struct QELLIB10_API ShownSignature {
     std::string meaning = {};  ///< as in PersonStatement, as name, user and time are
     std::string name = {};
     std::string user = {};
-    std::int64_t time = 0;       ///< ms since 1970 in UTC
-    std::string key = {};        ///< fingerprint of the person's key, "SHA256:..."
-    std::uint64_t entry = 0;     ///< number of the entry that has it
-    std::string entryHash = {};  ///< SHA-256 of that entry's line
+    std::int64_t time = 0;          ///< ms since 1970 in UTC
+    std::string key = {};           ///< fingerprint of the person's key, "SHA256:..."
+    std::string reportSha256 = {};  ///< of the report that was signed; empty: there was none
+    std::uint64_t entry = 0;        ///< number of the entry that has it
+    std::string entryHash = {};     ///< SHA-256 of that entry's line
 };
 
 /// What a printed report shows of who has signed a version, and what a reader needs to find all of it in the trail.
@@ -35,7 +36,8 @@ struct QELLIB10_API SignatureBlock {
     std::string whyNotFinal = {};  ///< a sentence; empty if the version may be final by the rules
 
     /// The block as lines of UTF-8 in English, the first one about the registration, one for each signature, then how
-    /// to find them. Times are in UTC.
+    /// to find them. Times are in UTC. What somebody has typed comes last in its line, and has no control characters,
+    /// so that no text looks like another line. Compare reportSha256 with the report that is printed above them.
     std::vector<std::string> Lines() const;
 };
 

@@ -123,7 +123,7 @@ std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& 
     if (version.sha256 && *version.sha256 != BytesOf<32>(statement.sha256))
         problems.push_back({SignatureFault::kChangedVersion, "the version has another content than what is signed"});
     AddPeopleProblem(problems, statement, version);
-    if (statement.meaning == signature_meaning::kApproved && m_rules.approvalNeedsReview && !version.isReviewed)
+    if (statement.meaning == signature_meaning::kApproved && m_rules.approvalNeedsReview && version.reviewedBy.empty())
         problems.push_back({SignatureFault::kOrder, "the version is approved before it was reviewed"});
     return problems;
 }
@@ -147,6 +147,10 @@ void SignatureState::AddPeopleProblem(Problems& problems, const PersonStatement&
     const bool approves = statement.meaning == signature_meaning::kApproved;
     if (approves && isAuthor && !m_rules.authorMayApprove) find("an author may not approve");
     if (approves && hasApproved && m_rules.approvals > 1) find("the user has approved already");
+    const bool reviews = statement.meaning == signature_meaning::kReviewed;
+    const bool isSecondStep = (approves && HasName(version.reviewedBy, statement.user)) || (reviews && hasApproved);
+    if (isSecondStep && !m_rules.reviewerMayApprove) find("one person may not review and approve");
+    if (reviews && isAuthor && !m_rules.authorMayReview) find("an author may not review");
     if (statement.meaning == signature_meaning::kAuthor && hasApproved && !m_rules.authorMayApprove)
         find("the user has approved and cannot be an author");
 }
@@ -159,7 +163,7 @@ void SignatureState::Count(const PersonStatement& statement) {
     if (statement.meaning == signature_meaning::kAuthor && !HasName(version.authors, statement.user))
         version.authors.push_back(user);
     if (statement.meaning == signature_meaning::kApproved) version.approvedBy.push_back(user);
-    if (statement.meaning == signature_meaning::kReviewed) version.isReviewed = true;
+    if (statement.meaning == signature_meaning::kReviewed) version.reviewedBy.push_back(user);
     if (statement.meaning == signature_meaning::kRejected) version.isRejected = true;
 }
 
@@ -186,8 +190,10 @@ std::string SignatureState::WhyNotFinal(const std::string& cabinet, std::uint64_
     if (!version.isRegistered) return "the version was not registered";
     if (version.isChanged) return "the version was changed after it was signed";
     if (version.isRejected) return "the version was rejected";
-    const std::size_t approvals = version.approvedBy.size() - (HasApprovedOwn(version) ? 1 : 0);
-    if (approvals >= m_rules.approvals) return "";
+    const auto approvals = std::ranges::count_if(version.approvedBy, [&](const Name& name) {
+        return m_rules.authorMayApprove || !version.registeredBy || *name != **version.registeredBy;
+    });
+    if (approvals >= static_cast<std::ptrdiff_t>(m_rules.approvals)) return "";
     return std::to_string(approvals) + " of " + std::to_string(m_rules.approvals) + " approvals are there";
 }
 

@@ -59,8 +59,8 @@ private:
     struct Version {
         std::optional<Sha256Digest> sha256;  // as registered, or as signed first
         std::optional<Name> registeredBy;
-        bool isRegistered = false, isSigned = false, isChanged = false, isReviewed = false, isRejected = false;
-        std::vector<Name> authors, approvedBy;
+        bool isRegistered = false, isSigned = false, isChanged = false, isRejected = false;
+        std::vector<Name> authors, reviewedBy, approvedBy;
     };
     using Place = std::pair<std::array<std::byte, 16>, std::uint64_t>;  // cabinet and version
 

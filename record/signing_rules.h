@@ -28,6 +28,10 @@ struct QELLIB10_API SigningRules {
     unsigned approvals = 1;
     /// Whether "approved" needs a signature "reviewed" before it.
     bool approvalNeedsReview = false;
+    /// Whether one person may review a version and approve it, too: else these are steps of two people.
+    bool reviewerMayApprove = false;
+    /// Whether an author may review.
+    bool authorMayReview = true;
     /// Whether a user may sign with this meaning, and might at that time; empty: everybody may. It is asked for old
     /// signatures too: one that looks at today's rights alone takes old approvals with them.
     /// @param time of the signature's entry, ms since 1970 in UTC; of the statement while there is no entry yet

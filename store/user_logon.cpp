@@ -54,7 +54,7 @@ int UserStore::Logon(const CString& username, const CString& password) {
         Database& database = m_state->Opened();
         const UserStoreSettings& settings = m_state->settings;
         if (settings.isReadOnly) throw StoreError(FailureKind::kState, "the user store is read only");
-        if (!CanBePassword(password)) return 0;
+        if (!CanBePassword(password)) return m_state->RefuseLogon(FindUser(database, username), {});
         const SecretText text(ToUtf8(password.View()));
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
         const UserId user = FindUser(database, username);

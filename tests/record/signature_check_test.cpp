@@ -42,7 +42,9 @@ TEST(Signatures, AreWrongWhereTheKeyIs) {
 
 TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
     const qel::SigningRules usual, two = Rules(2), reviewed = Rules(1, true), lax = Rules(1, false, true);
-    qel::SigningRules satoMay;
+    qel::SigningRules together, strict, satoMay;
+    together.reviewerMayApprove = true;
+    strict.authorMayReview = false;
     satoMay.mayGive = [](std::string_view user, std::string_view meaning, std::int64_t) {
         return meaning != "approved" || user == "sato";
     };
@@ -59,7 +61,11 @@ TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
              {usual, "mori registers, sato registers, mori approved", "same 7"},
              {usual, "mori begins, sato begins, sato registers, mori approved", ""},
              {usual, "mori approved, mori author", "same 6"},
-             {usual, "mori reviewed, mori approved", ""},
+             {usual, "mori reviewed, mori approved", "same 6"},
+             {usual, "mori approved, mori reviewed", "same 6"},
+             {together, "mori reviewed, mori approved", ""},
+             {usual, "mori registers, mori reviewed", ""},
+             {strict, "mori registers, mori reviewed", "same 6"},
              {usual, "mori approved, mori approved", ""},
              {two, "mori approved, mori approved", "same 6"},
              {two, "mori approved, sato approved", ""},
@@ -69,7 +75,7 @@ TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
              {reviewed, "sato reviewed, mori approved", ""},
              {never, "mori author", "allowed 5"},
              {satoMay, "mori author, nakano approved, sato approved", "allowed 6"},
-             {usual, "sato approved, mori registers abd, sato reviewed", "version 6 version 7"},
+             {usual, "sato approved, mori registers abd, nakano reviewed", "version 6 version 7"},
              {usual, "sato approved, mori registers", ""},
              {usual, "mori registers abd, mori registers abc, sato approved", "version 6 version 7"},
              {usual, "mori approved, mori registers", "same 6"},
