@@ -39,15 +39,25 @@
 namespace titration {
 namespace {
 
+// Somebody may have typed the password in the place of the name: only names of users are written.
+bool IsUser(const std::string& name, const MadeFiles& made) {
+    qel::UserStoreSettings readOnly;
+    readOnly.isReadOnly = true;
+    qel::UserStore store(made.Path("users.db").c_str(), readOnly);
+    store.Connect();
+    CUserInfo user;
+    return store.GetUserInfo(name.c_str(), &user) != 0;
+}
+
 // Also a refused logon is entered.
 std::unique_ptr<Session> LogOn(const Options& options, ArchiveTrail& trail, MadeFiles& made) {
-    trail.SetUser(options.user);
     try {
         auto session = std::make_unique<Session>(made.Path("users.db"), options.user, options.password);
         trail.SetUser(session->Operator());
         trail.Enter(qel::trail_kind::kLogon);
         return session;
     } catch (const Failure& failure) {
+        if (IsUser(options.user, made)) trail.SetUser(options.user);
         trail.Enter(qel::trail_kind::kLogonRefused, "", failure.what());
         throw;
     }
@@ -74,11 +84,12 @@ std::string DescribedUser(Session& session) {
     return "User       " + user + role + "\n";
 }
 
-std::string TakeOut(DWORD version, History& history, MadeFiles& made) {
+std::string TakeOut(DWORD version, History& history, ArchiveTrail& trail, MadeFiles& made) {
     const std::string name = TakenOutName(version);
     const CHistoryRenewInfo& record = history.TakeOut(version, made.Path(name), "to look at it");
     made.Add(name);
     Log(stage::kTookOut + name);
+    trail.EnterFile(qel::trail_kind::kExport, name);
     std::string text =
         "History    results.hcf " + history.Listed(kIndent) + "Taken out  " + name + ", " + Described(record) + "\n";
     const CCalcVariableList variables = LoadVariables(made.Path(name));
@@ -136,7 +147,7 @@ std::string Do(const Options& options, const CString& folder, MadeFiles& made) {
     const LogOut logOut(trail);
     std::string text = DescribedUser(*session);
     History history(folder, trail);
-    if (options.takeOut > 0) text += TakeOut(static_cast<DWORD>(options.takeOut), history, made);
+    if (options.takeOut > 0) text += TakeOut(static_cast<DWORD>(options.takeOut), history, trail, made);
     if (options.print > 0) text += Print(options.print, history, trail, made);
     if (!options.addUser.empty())
         text += AddUser({options.addUser, options.fullName, options.newPassword, options.role}, *session, trail,

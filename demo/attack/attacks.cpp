@@ -29,6 +29,7 @@ template <class Change> auto OnLines(Change change) {
 template <class Change> auto OnCabinet(Change change) {
     return [change](Archive archive) {
         ForgedCabinet cabinet(archive.Read(kCabinet));
+        if (cabinet.versions.size() < 2) throw Failure("there are fewer than two versions");
         change(cabinet);
         archive.Write(kCabinet, cabinet.Bytes());
     };
@@ -81,7 +82,7 @@ void RenameOperator(Archive archive) {
     const std::string line = archive.Lines()[archive.LineWith(kRegistered)], key = "\"user\":\"";
     const std::size_t at = line.find(key) + key.size();
     const std::string name = line.substr(at, line.find('"', at) - at);
-    archive.Change("renewals.qel", name, 'x' + name.substr(1));
+    archive.Change("renewals.qel", name, (name.starts_with('x') ? 'y' : 'x') + name.substr(1));
 }
 
 void SetClockBack(Archive archive) {
@@ -170,7 +171,7 @@ void AddAttacksOnSignatures(std::vector<Attack>& all) {
     add("an approval used again", "the statement was used before",
         [](Archive archive) { Attacker(archive).Append(kSignature, "", ""); });
     add("what a person has signed changed", "the statement is not what was signed",
-        OnEntry(kSignature, R"(meaning\":\"approved)", R"(meaning\":\"rejected)"));
+        OnEntry(kSignature, R"(meaning\":\")", R"(meaning\":\"x)"));
     add("the report changed that was signed", "has signed",
         [](Archive archive) { Flip(archive, archive.SignedJob().c_str()); });
     add("the printed report changed", "is not what was recorded",

@@ -15,7 +15,8 @@ namespace titration {
 namespace fs = std::filesystem;
 
 CopiedArchive::CopiedArchive(const CString& archive) {
-    std::string folder = fs::temp_directory_path() / "ttaXXXXXX";
+    std::error_code noFolder;
+    std::string folder = fs::temp_directory_path(noFolder) / "ttaXXXXXX";
     if (::mkdtemp(folder.data()) == nullptr) throw Failure(folder + ": cannot be made");
     m_folder = folder;
     std::error_code error;

@@ -9,7 +9,15 @@ namespace {
 
 namespace meaning = qel::signature_meaning;
 
+constexpr std::size_t kLongestName = 64;  // of the store
+
 Function FunctionOf(std::string_view meaning) { return meaning == meaning::kApproved ? kApprove : kReview; }
+
+// Another text could look like another meaning, or like a whole line of the report.
+void RequireMeaning(const std::string& meaning) {
+    if (meaning != meaning::kReviewed && meaning != meaning::kApproved && meaning != meaning::kRejected)
+        throw Failure("\"" + meaning + "\" is not reviewed, approved or rejected");
+}
 
 Function FunctionOfRole(const std::string& role) {
     if (role == "reviewer") return kReview;
@@ -22,6 +30,7 @@ Function FunctionOfRole(const std::string& role) {
 qel::SigningRules RulesOf(qel::UserStore& store) {
     qel::SigningRules rules;
     rules.approvalNeedsReview = true;
+    rules.authorMayReview = false;
     rules.mayGive = [&store](std::string_view user, std::string_view meaning, std::int64_t) {
         CUserInfo account;
         const bool isUser = store.GetUserInfo(CString(user), &account) != 0;
@@ -33,17 +42,21 @@ qel::SigningRules RulesOf(qel::UserStore& store) {
 std::string AddUser(const NewUser& user, Session& session, ArchiveTrail& trail, const Installation& installation) {
     if (!session.IsManager()) throw Failure(session.Operator() + " may not add users");
     const Function function = FunctionOfRole(user.role);
+    CUserInfo account;
+    if (user.name.size() > kLongestName || session.Store().GetUserInfo(user.name.c_str(), &account) != 0)
+        throw Failure("\"" + user.name + "\" is a user already, or longer than 64 letters");
     const std::string path = installation.PersonKeyPath(user.name);
+    CQFile::DeleteFiles(path.c_str());  // without an account it is of a run that was interrupted
     qel::PersonKey key;
     if (key.Make(path, user.name, user.fullName, user.password) == 0) throw Failure(path + ": " + Why("is not made"));
     trail.Enter({.action = std::string(qel::trail_kind::kRightsChanged),
                  .object = user.name,
                  .after = user.role,
                  .reason = "a new account"});
-    session.Add(user.name, user.fullName, user.password, function);
     trail.SetUser(user.name);
     const qel::TrailReceipt entry = trail.Enter(qel::trail_kind::kPersonKeyAdded, key.PublicKey());
     trail.SetUser(session.Operator());
+    session.Add(user.name, user.fullName, user.password, function);  // last: until then it can be done again
     Log("added user " + user.name);
     return "Added      " + user.name + ", " + user.fullName + ", a " + user.role + "\n" + kIndent + "key " +
            key.Fingerprint() + ", entry " + std::to_string(entry.number) + "\n";
@@ -51,7 +64,9 @@ std::string AddUser(const NewUser& user, Session& session, ArchiveTrail& trail, 
 
 std::string Sign(const std::string& meaning, DWORD version, const std::string& password, Session& session,
                  History& history, ArchiveTrail& trail, const Installation& installation, const MadeFiles& made) {
+    RequireMeaning(meaning);
     const qel::RecordedVersion recorded = history.Recorded(version);
+    About(JobName(version), [&] { made.RequireAsMade(JobName(version)); });
     if (recorded.IsFinding()) throw Failure("version " + std::to_string(version) + " is not what was registered");
     auto key = std::make_shared<qel::PersonKey>();
     const std::string path = installation.PersonKeyPath(session.Operator());

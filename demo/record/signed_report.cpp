@@ -17,6 +17,11 @@ namespace {
 
 constexpr const char* kExported = "versions.csv";
 
+// A spreadsheet would compute what starts like a formula.
+std::string AsText(const std::string& text) {
+    return !text.empty() && std::string_view("=+-@'").find(text[0]) != std::string_view::npos ? '\'' + text : text;
+}
+
 void WriteVersions(CQCSVFile& file, const std::vector<qel::RecordedVersion>& versions) {
     const auto line = [&](const std::vector<std::string>& fields) {
         for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -27,9 +32,19 @@ void WriteVersions(CQCSVFile& file, const std::vector<qel::RecordedVersion>& ver
     };
     line({"version", "user", "UTC", "reason", "bytes", "SHA-256", "entry", "as recorded"});
     for (const qel::RecordedVersion& version : versions)
-        line({std::to_string(version.version), version.user, qel::TrailTimeText(version.time), version.reason,
-              std::to_string(version.size), version.sha256, std::to_string(version.entry),
+        line({std::to_string(version.version), AsText(version.user), qel::TrailTimeText(version.time),
+              AsText(version.reason), std::to_string(version.size), version.sha256, std::to_string(version.entry),
               version.IsFinding() ? "no" : "yes"});
+}
+
+// The signatures are about the report that is printed with them.
+void RequireSigned(const qel::SignatureBlock& block, const std::string& job) {
+    const std::optional<qel::FileHash> hash = qel::HashFile(job);
+    if (!hash) throw Failure(job + ": " + Why("cannot be read"));
+    for (const qel::ShownSignature& signature : block.signatures) {
+        if (signature.reportSha256 != hash->sha256)
+            throw Failure(job + ": is not what " + signature.user + " has signed");
+    }
 }
 
 }  // namespace
@@ -40,6 +55,7 @@ std::string PrintSigned(DWORD version, Session& session, History& history, Archi
         qel::ReadSignatureBlock(trail.Trail(), history.Guid(), history.Recorded(version), RulesOf(session.Store()));
     if (!block) throw Failure(which + ": " + Why("its signatures cannot be read"));
     if (!block->whyNotFinal.empty()) throw Failure(which + " is not final: " + block->whyNotFinal);
+    RequireSigned(*block, made.Path(JobName(version)));
     ReportPrinter printer(kPdfPrinter);
     const std::string fingerprint = LayoutFingerprint(kPdfPrinter);
     CQelPrintJobQueueData job = MakeSignatureJob("Signed: " + which, block->Lines(), printer);

@@ -31,10 +31,11 @@ CQelPrintJobQueueData MakeSignatureJob(const std::string& headline, const std::v
     write(kHeadline, kTop - kRow - 10, headline, kLeft);
     job.AddMillimetreCommandLine({0, kTop, width, kTop});
     int y = kTop + 10;
-    for (const std::string& line : lines) {
-        write(kPlain, y, line, kLeft);
-        y += kRow;
-    }
+    constexpr std::size_t kRows = (kBottom - kTop - 10) / kRow;
+    const std::size_t shown = lines.size() <= kRows ? lines.size() : kRows - 1;
+    for (std::size_t i = 0; i < shown; ++i, y += kRow) write(kPlain, y, lines[i], kLeft);
+    if (shown < lines.size())
+        write(kPlain, y, "and " + std::to_string(lines.size() - shown) + " more lines: see the trail", kLeft);
     job.AddMillimetreCommandLine({0, kBottom, width, kBottom});
     write(kPlain, kBottom + 5, "end of report", kLeft);
     write(kPlain, kBottom + 5, "page 1 of 1", kRight);

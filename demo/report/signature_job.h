@@ -10,7 +10,7 @@
 namespace titration {
 
 /// The block of signatures as a print job, one cell of the printer's paper below the report's.
-/// @param lines one text each; what is too long for the paper ends with dots
+/// @param lines one text each; what is too long for the paper ends with dots, and what are too many are counted
 CQelPrintJobQueueData MakeSignatureJob(const std::string& headline, const std::vector<std::string>& lines,
                                        ReportPrinter& printer);
 

@@ -12,7 +12,8 @@ Session::Session(const std::string& store, const std::string& username, const st
     if (m_isFirst && m_store.CreateFirstAdministrator(username.c_str(), password.c_str()) == 0)
         throw Failure(store + ": " + qel::LastFailure().text);
     if (m_setting.LogonWithoutDialog(username.c_str(), password.c_str()) == 0)
-        throw Failure("\"" + username + "\" is not logged on: name or password are wrong, or were too often");
+        throw Failure(
+            "nobody is logged on: name or password are wrong, or were too often");  // what was typed may be both
 }
 
 void Session::Add(const std::string& username, const std::string& fullName, const std::string& password,

@@ -50,7 +50,7 @@ TEST_F(Titration, KeepsMethodAndEveryVersionWithItsOperator) {
              {"--out results/first --take-out 3", "by helper: why\n"},
              {"--out results/first --take-out 4", "there is no version 4, the latest is 3\n"},
              {"--out results/first --take-out 0", "\"0\" is not a version"},
-             {"--out results/first --take-out 1 --password x", "\"demo\" is not logged on"},
+             {"--out results/first --take-out 1 --password x", "nobody is logged on"},
              {asHelper + " --settings settings.ini", "helper may not change the method\n"}}) {
         const Outcome run = Run(arguments);
         EXPECT_NE((run.out + run.err).find(message), std::string::npos) << message << run.out << run.err;

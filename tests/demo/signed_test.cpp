@@ -20,6 +20,9 @@ TEST_F(Titration, IsSignedByTwoPeopleAndEveryAttackIsAnsweredAsItShouldBe) {
              {other + " --user mori --password violet", "mori may not add users\n"},
              {"--sign approved --version 1" + abe, "not signed: the version is approved before it was reviewed\n"},
              {"--sign approved --version 1" + mori, "not signed: the user may not sign as approved\n"},
+             {"--sign Approved --version 1" + mori, "\"Approved\" is not reviewed, approved or rejected\n"},
+             {other, "\"abe\" is a user already, or longer than 64 letters\n"},
+             {"--sign reviewed --version 1 --user violet --password mori --out results", "nobody is logged on"},
              {"--sign reviewed --version 2" + mori, "there is no version 2, the latest is 1\n"},
              {"--signed-report 1 --out results", "version 1 is not final: 0 of 1 approvals are there\n"},
          }) {
@@ -31,6 +34,12 @@ TEST_F(Titration, IsSignedByTwoPeopleAndEveryAttackIsAnsweredAsItShouldBe) {
           std::string("--signed-report 1 --out results"), std::string("--export --out results"), std::string(kVinegar)})
         EXPECT_EQ(refused(right), "0 ");
     EXPECT_EQ(Run("--verify --out results").status, 0);
+    EXPECT_EQ(m_folder.Read("results/trail.jsonl").find("violet"), std::string::npos)
+        << "a password in place of a name";
+    const std::string report = m_folder.Read("results/report-1.job");
+    m_folder.Write("results/report-1.job", m_folder.Read("results/report-2.job"));
+    EXPECT_NE(refused("--signed-report 1 --out results").find("is not what mori has signed"), std::string::npos);
+    m_folder.Write("results/report-1.job", report);
 
     const Outcome attacked = Run("--attack --out results");
     EXPECT_EQ(attacked.status, 0) << attacked.out;

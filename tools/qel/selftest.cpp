@@ -50,7 +50,8 @@ Result Run(const SelfCheck& check) {
 }
 
 std::vector<Result> RunAll(const Options& options) {
-    const TemporaryFolder folder(options.folder.empty() ? std::filesystem::temp_directory_path().native()
+    std::error_code error;
+    const TemporaryFolder folder(options.folder.empty() ? std::filesystem::temp_directory_path(error).native()
                                                         : options.folder);
     std::vector<Result> results;
     for (const SelfCheck& check : SelfChecks(folder.path)) results.push_back(Run(check));

@@ -57,8 +57,15 @@ template <class Change> std::string Changed(const std::string& folder, Change ch
     return found;
 }
 
-void ChangeValue(std::string& text) { text.replace(text.find("0.05 mL"), 4, "0.06"); }
-void RemoveLast(std::string& text) { text.resize(text.rfind('\n', text.size() - 2) + 1); }
+void ChangeValue(std::string& text) {
+    const std::size_t at = text.find("0.05 mL");
+    if (at == std::string::npos) throw Failure("the trail does not have its entries");
+    text.replace(at, 4, "0.06");
+}
+void RemoveLast(std::string& text) {
+    if (text.size() < 2) throw Failure("the trail does not have its entries");
+    text.resize(text.rfind('\n', text.size() - 2) + 1);
+}
 
 std::string Signature(const std::string& folder) {
     qel::Trail trail(Settings(folder), Key(folder));
