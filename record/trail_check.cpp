@@ -40,7 +40,7 @@ public:
         if (m_report.findingCount >= kStopAt) return;  // what comes after is not known
         CheckEnd(line);
         CheckAnchors();
-        if (m_trust.HasRevoked()) CheckRevoked(size);
+        if (m_trust.HasRevoked()) CheckRevoked({size, m_lines.End()});
     }
 
 private:
@@ -65,6 +65,7 @@ private:
     void CheckLine(const TrailLines::Line& line) {
         m_line = line;
         const Sha256Digest hash = Sha256(line.text);
+        m_lines.Add(hash);
         std::optional<ReadLine> read;
         try {
             read = ReadEntry(line.text);
@@ -147,11 +148,11 @@ private:
     }
 
     // What is wrong with these is known only at the end: it needs the entry that revokes.
-    void CheckRevoked(std::uint64_t size) {
+    void CheckRevoked(const TrailState& state) {
         std::vector<std::uint64_t> found;  // in the order of the file
         for (const TrailFinding& finding : m_report.findings)
             if (!finding.signer.empty()) found.push_back(finding.entry);
-        FindDoubtful(*m_file, size, m_trust, m_proofs, [&](const DoubtfulEntry& doubtful) {
+        FindDoubtful(*m_file, state, m_trust, m_proofs, [&](const DoubtfulEntry& doubtful) {
             m_next = doubtful.line.entry.number;
             m_line.at = doubtful.at;
             m_about = &doubtful.line.entry;
@@ -246,6 +247,7 @@ private:
     TrailProofs m_proofs;
     const GuardedFile* m_file = nullptr;
     TrailLines::Line m_line;
+    Sha256Sum m_lines;                     // see TrailState
     const TrailRecord* m_about = nullptr;  // of the line, where it can be read
     std::uint64_t m_next = 1;              // the number that follows; while a line is checked, its own
     std::uint64_t m_last = 0;              // the highest number that a right signature of somebody trusted vouches for

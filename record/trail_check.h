@@ -78,7 +78,8 @@ struct QELLIB10_API TrailReport {
 
 /// Reads a trail from start to end, and reports all that does not fit, up to kMostFindings. Nothing is written or
 /// locked, and any size takes the same memory. Where a key was revoked it is read two times more.
-/// @return 1 when it was read, whatever was found; 0 when it, or a file of @p anchors, cannot be read or understood
+/// @return 1 when it was read, whatever was found; 0 when it, or a file of @p anchors, cannot be read or understood, or
+/// it was exchanged meanwhile
 QELLIB10_API int CheckTrail(std::string_view path, const TrailAnchors& anchors, TrailReport& report);
 
 }  // namespace qel

@@ -7,15 +7,20 @@
 namespace qel {
 namespace {
 
-// @param take returns whether to go on
-template <class Take> void ReadEntries(const GuardedFile& file, std::uint64_t size, Take&& take) {
-    TrailLines lines(file, 0, size);
+// @param take returns whether it wants more; all lines are read even so, to know that they are the same
+template <class Take> void ReadEntries(const GuardedFile& file, const TrailState& state, Take&& take) {
+    TrailLines lines(file, 0, state.size);
+    Sha256Sum sum;
+    bool wantsMore = true;
     for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
+        sum.Add(Sha256(line.text));
+        if (!wantsMore) continue;
         try {
-            if (!take(ReadEntry(line.text), line.at)) return;
+            wantsMore = take(ReadEntry(line.text), line.at);
         } catch (const DataError&) {  // it was found before
         }
     }
+    if (sum.End() != state.lines) throw DataError("the trail has changed while it was read");
 }
 
 class Proofs {
@@ -54,13 +59,13 @@ private:
 
 }  // namespace
 
-void FindDoubtful(const GuardedFile& file, std::uint64_t size, TrailTrust& trust, const TrailProofs& proofs,
+void FindDoubtful(const GuardedFile& file, const TrailState& state, TrailTrust& trust, const TrailProofs& proofs,
                   const std::function<bool(const DoubtfulEntry&)>& take) {
     trust.StartProofs();
     Proofs all(file, trust, proofs);
-    ReadEntries(file, size, [&](const ReadLine& line, std::uint64_t at) { return all.Take(line, at); });
+    ReadEntries(file, state, [&](const ReadLine& line, std::uint64_t at) { return all.Take(line, at); });
     trust.EndProofs();
-    ReadEntries(file, size, [&](const ReadLine& line, std::uint64_t at) {
+    ReadEntries(file, state, [&](const ReadLine& line, std::uint64_t at) {
         const std::optional<std::string> doubt = trust.Doubt(line);
         return !doubt || take({line, at, *doubt});
     });

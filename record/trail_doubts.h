@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "qellib10/platform/crypto/digest.h"
 #include "qellib10/platform/storage/guarded_file.h"
 #include "qellib10/record/stamp_entry.h"
 #include "qellib10/record/trail_trust.h"
@@ -30,11 +31,17 @@ struct DoubtfulEntry {
     std::string text;      // a sentence
 };
 
-/// Reads the first @p size bytes of a trail two more times: for what shows that entries were there, and for those that
-/// nothing shows. @param trust what the whole trail has taught
+/// What a trail was when it was read first: somebody may exchange the file before it is read again.
+struct TrailState {
+    std::uint64_t size = 0;   // so many bytes were read
+    Sha256Digest lines = {};  // SHA-256 of the SHA-256 of each whole line, also of wrong ones
+};
+
+/// Reads a trail two more times: for what shows that entries were there, and for those that nothing shows.
+/// @param state what the first reading has seen; @param trust what it has taught
 /// @param take returns whether to go on
-/// @throws CFileException
-void FindDoubtful(const GuardedFile& file, std::uint64_t size, TrailTrust& trust, const TrailProofs& proofs,
+/// @throws DataError when the trail is not what it was then, perhaps after some calls of @p take; CFileException
+void FindDoubtful(const GuardedFile& file, const TrailState& state, TrailTrust& trust, const TrailProofs& proofs,
                   const std::function<bool(const DoubtfulEntry&)>& take);
 
 }  // namespace qel

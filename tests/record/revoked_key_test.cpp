@@ -1,5 +1,8 @@
 #include "stamp_folder.h"
 
+#include "qellib10/platform/error.h"
+#include "qellib10/record/trail_doubts.h"
+
 namespace kind = qel::trail_kind;
 
 namespace {
@@ -129,4 +132,29 @@ TEST(RevokedKey, CannotComeBackOrTakeOver) {
     EXPECT_EQ(findings({{add(1), 9}, {Record("a"), 1}, {Record("b"), 9}, {revoke(1, "4"), 9}, {revoke(1, "3"), 9}}),
               "revoked 3")
         << "the earlier one counts";
+}
+
+// Somebody may exchange the file after its first reading, so that a revoked key's entries look like another key's.
+TEST(RevokedKey, ATrailThatIsExchangedBetweenItsReadingsIsRefused) {
+    StampFolder trail;
+    trail.Start();
+    trail.Add(Record("a"));
+    const std::string text = trail.Read("t");
+    std::string changed = text, cut = LinesOf(text).front();
+    changed.replace(text.find("mori"), 4, "abet");
+    qel::Sha256Sum sum;
+    for (const std::string& line : LinesOf(text)) sum.Add(qel::Sha256(line.substr(0, line.size() - 1)));
+    const qel::TrailState state{text.size(), sum.End()};
+    for (const auto& [bytes, isSame] :
+         Cases<std::string, bool>{{text, true}, {text + "x\n", true}, {changed, false}, {cut, false}, {"", false}}) {
+        trail.Write("t", bytes);
+        const qel::GuardedFile file(trail.Name("t"), qel::GuardedFile::Use::kRead);
+        qel::TrailTrust trust("", {});
+        const auto read = [&] { qel::FindDoubtful(file, state, trust, {}, [](const auto&) { return true; }); };
+        if (isSame) {
+            EXPECT_NO_THROW(read()) << bytes;
+        } else {
+            EXPECT_THROW(read(), qel::DataError) << bytes;
+        }
+    }
 }
