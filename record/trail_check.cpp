@@ -88,6 +88,7 @@ private:
             if (!m_isKnownThere && m_last >= m_next)
                 Find(TrailFault::kMissing, "this is not the entry that the head file knows");
         }
+        ++m_report.lines;
         m_report.entries = m_next++;
         m_report.head = m_previous;
         m_about = nullptr;

@@ -56,6 +56,7 @@ struct QELLIB10_API TrailFinding {
 
 struct QELLIB10_API TrailReport {
     std::string trailId = {};
+    std::uint64_t lines = 0;    ///< whole ones that were read; those that are no entries count, entries of a gap do not
     std::uint64_t entries = 0;  ///< up to the last line; what number a line has that nobody trusted signed is ignored
     /// The last entry that is known from elsewhere. If later ones are missing because an older state was put back, this
     /// cannot be noticed.

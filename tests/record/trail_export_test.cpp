@@ -41,6 +41,7 @@ TEST_F(Export, FilesAreSafeToOpenAndHaveEveryEntry) {
               "'3 entries: consistent|page 1 of 1|end of report|[0-9]+ more bytes|31mb'",
               "a.PDF: 3 entries: consistent\n3 entries: consistent\n31mb\n2284 more bytes\nend of report\npage 1 of "
               "1\n"},
+             {"sed 2d t >g; $Q trail export g --to g.csv; grep -c . g.csv", "g.csv: 3 entries: 3 findings\n3\n"},
              {"sed -i s/mori/abe/ t; $Q trail export t --to b.csv --head-file h; echo $?",
               "b.csv: 3 entries: 5 findings\n15\n"},
          }) {

@@ -100,7 +100,7 @@ CheckedEntries::CheckedEntries(const std::string& trail, const qel::TrailReport&
 // Of a trail that is consistent, each line has the hash of the one before, so the last one's is that of all.
 std::optional<qel::TrailEntry> CheckedEntries::Next() {
     const bool isConsistent = m_report.findingCount == 0;
-    while (m_lines < m_report.entries) {
+    while (m_lines < m_report.lines) {
         std::optional<qel::TrailEntry> entry = m_reader.Next();
         if (!entry && qel::LastFailure().kind == qel::FailureKind::kNone) break;
         if (!entry && qel::LastFailure().kind != qel::FailureKind::kData)
@@ -110,10 +110,10 @@ std::optional<qel::TrailEntry> CheckedEntries::Next() {
         if (isConsistent && (!entry || entry->previous != m_previous)) break;
         if (!entry) continue;
         m_previous = m_reader.Hash();
-        if (isConsistent && m_lines == m_report.entries && m_previous != m_report.head) break;
+        if (isConsistent && m_lines == m_report.lines && m_previous != m_report.head) break;
         return entry;
     }
-    if (m_lines < m_report.entries || (isConsistent && m_lines > 0 && m_previous != m_report.head))
+    if (m_lines < m_report.lines || (isConsistent && m_lines > 0 && m_previous != m_report.head))
         throw Failure(Shown(m_trail) + ": has changed while it was read", kInconsistent);
     return std::nullopt;
 }
