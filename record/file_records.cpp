@@ -1,6 +1,8 @@
 #include "qellib10/record/file_records.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <ranges>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/path.h"
@@ -29,8 +31,22 @@ bool IsInside(const std::string& path) {
     return path.find('\\') == std::string::npos && path.find('\0') == std::string::npos;
 }
 
-RecordedFile::State StateOf(const RecordedFile& file, const std::string& path) {
+// Whether the file or a folder of it below the archive's is a symbolic link.
+bool IsLinked(const std::string& root, const std::string& name) {
+    for (std::size_t end = 0; end != std::string::npos;) {
+        end = name.find('/', end + 1);
+        std::error_code error;
+        if (std::filesystem::is_symlink(std::filesystem::symlink_status(root + name.substr(0, end), error)))
+            return true;
+    }
+    return false;
+}
+
+RecordedFile::State StateOf(const RecordedFile& file, const std::string& root) {
+    const std::string path(ToLibraryPath(root + file.path).View());
     const std::optional<FileHash> hash = HashFile(path);
+    // Asked last, so that a link which was read is noticed unless somebody has put the file back since.
+    if (IsLinked(root, file.path)) return RecordedFile::State::kChanged;
     if (hash)
         return hash->size == file.size && hash->sha256 == file.sha256 ? RecordedFile::State::kRecorded
                                                                       : RecordedFile::State::kChanged;
@@ -82,9 +98,9 @@ int FileRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
 std::vector<RecordedFile> FileRecords::Compare(std::string_view folder) const {
     const std::string root = ToPosixPath(folder) + '/';
     std::vector<RecordedFile> files;
-    for (const auto& [path, file] : m_files) {
+    for (const RecordedFile& file : std::views::values(m_files)) {
         files.push_back(file);
-        files.back().state = StateOf(file, std::string(ToLibraryPath(root + path).View()));
+        files.back().state = StateOf(file, root);
     }
     return files;
 }

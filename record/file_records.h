@@ -15,7 +15,8 @@ namespace qel {
 struct QELLIB10_API RecordedFile {
     enum class State {
         kRecorded,   ///< as the entry says
-        kChanged,    ///< other bytes
+        kChanged,    ///< other bytes, or a symbolic link, or in a folder that is one: what that leads to is not the
+                     ///< archive's file, whatever it contains
         kMissing,    ///< not there
         kUnreadable  ///< there, and it cannot be read
     };
