@@ -258,6 +258,8 @@ TEST(Qel, VerifyComparesATreeWithItsListOfBefore) {
              {"an order", list.substr(0, 16) + list.substr(list.find('\n', 16) + 1),
               "9 qel: l: line 4: not one of such a list\n"},
              {"more", list + "x", "9 qel: l: line 5: not one of such a list\n"},
+             {"a zero byte", list.substr(0, list.size() - 1) + std::string("\0\n", 2),
+              "9 qel: l: line 5: not one of such a list\n"},
              {"a long line", "qel-file-list 1\n" + std::string(20'000, '0'),
               "7 qel: l: line 1: the list ends too early\n"},
              {"none", "", "9 qel: l: line 1: not one of such a list\n"}}) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
 
 namespace tool {
@@ -74,8 +75,9 @@ bool AddLine(FileList& files, const std::string& line) {
 bool NextLine(std::ifstream& stream, std::string& line) {
     std::array<char, 16384> text;
     stream.getline(text.data(), text.size());
-    line = text.data();
-    return stream.good();
+    if (!stream.good()) return false;
+    line.assign(text.data(), static_cast<std::size_t>(stream.gcount()) - 1);  // a zero byte is one of the line
+    return true;
 }
 
 }  // namespace
@@ -90,8 +92,11 @@ void SaveList(const std::string& target, bool mayReplace, const FileList& files)
 }
 
 FileList ReadList(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) throw Failure(Shown(path) + ": cannot be read", kUnreadable);
+    std::error_code error;  // opening a pipe would wait for somebody who writes
+    const bool isFile = std::filesystem::is_regular_file(path, error);
+    std::ifstream stream;
+    if (isFile) stream.open(path, std::ios::binary);
+    if (!isFile || !stream) throw Failure(Shown(path) + ": cannot be read", kUnreadable);
     FileList files;
     std::string line;
     std::size_t number = 1;
