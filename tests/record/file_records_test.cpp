@@ -5,6 +5,7 @@
 
 #include "../support/cases.h"
 #include "../support/output_of.h"
+#include "qellib10/platform/storage/file.h"
 #include "qellib10/record/cabinet_records.h"
 #include "qellib10/record/signature_check.h"
 #include "trail_folder.h"
@@ -71,6 +72,10 @@ TEST(FileRecords, ChangedMissingAndUnrecordedFilesAreFound) {
                  "./sub/report: was recorded, and is not there, entry 4 by mori\n"},
           Change{"a folder in its place", [](const Archive& in) { in.Run("rm sealed; mkdir sealed"); },
                  "sealed 2 3|sub/report 4 0|", "./sealed: cannot be read, entry 2 by mori\n"},
+          Change{"a link in its place", [](const Archive& in) { in.Run("mv sealed x; ln -s x sealed"); },
+                 "sealed 2 1|sub/report 4 0|", "./sealed: is not what was recorded, entry 2 by mori\n"},
+          Change{"a link to its folder", [](const Archive& in) { in.Run("mv sub x; ln -s x sub"); },
+                 "sealed 2 0|sub/report 4 1|", "./sub/report: is not what was recorded, entry 4 by mori\n"},
           Change{"another one sealed", [](const Archive& in) { in.Run("echo x >y; $Q seal y"); },
                  "sealed 2 0|sub/report 4 0|", "./y: is sealed, and no entry names it\n"}}) {
         const Archive archive;
@@ -82,6 +87,16 @@ TEST(FileRecords, ChangedMissingAndUnrecordedFilesAreFound) {
                   std::string::npos)
             << what << ": " << output;
     }
+}
+
+TEST(FileRecords, ASealedFileThatIsOpenForWritingIsAFinding) {
+    const Archive archive;
+    archive.Run("echo x >y; $Q seal y; echo x >plain");
+    const CFile sealed(archive.Name("y").c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
+    const CFile plain(archive.Name("plain").c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
+    const std::string output = archive.Run("$Q trail verify t --head-file h --archive . | grep -E '^./|finding'");
+    EXPECT_EQ(output.substr(0, 5), "./y: ") << output;
+    EXPECT_NE(output.find("2 recorded files: 1 finding\n"), std::string::npos) << output;
 }
 
 // Somebody may exchange the file after it was checked and before it is read once more.

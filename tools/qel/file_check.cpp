@@ -72,13 +72,16 @@ FileReport CheckFile(const std::string& path) {
     return report;
 }
 
-void RequireUnsealed(const std::string& path) {
-    const Status trace = OnFile(path, [&] {
+bool HasTraceOfSeal(const std::string& path) {
+    return OnFile(path, [&] {
         CQFile file;
         Open(file, path, CFile::modeRead | CFile::shareDenyNone);
-        return TraceOfSeal(file, KindOf(file) != "cabinet");
+        return TraceOfSeal(file, KindOf(file) != "cabinet") != kGood;
     });
-    if (trace == kGood) return;
+}
+
+void RequireUnsealed(const std::string& path) {
+    if (!HasTraceOfSeal(path)) return;
     const FileReport report = CheckFile(path);
     if (report.finding == kUnreadable) throw Failure(Shown(path) + ": " + report.detail, kUnreadable);
     if (report.isSealed) throw Failure(Shown(path) + ": is sealed, a change would cut its seal off");

@@ -81,8 +81,12 @@ void CompareFiles(ArchiveReport& report, const qel::FileRecords& records, const 
 // @param name within the archive
 void RequireRecordedIfSealed(ArchiveReport& report, const qel::FileRecords& records, const std::string& file,
                              const std::string& name) {
-    if (!records.Names(name) && CheckFile(file).isSealed)
-        report.findings.push_back({file, kNeverRecorded, {}, {}, "is sealed, and no entry names it"});
+    if (records.Names(name)) return;
+    const FileReport found = CheckFile(file);
+    if (found.isSealed) report.findings.push_back({file, kNeverRecorded, {}, {}, "is sealed, and no entry names it"});
+    // Others may write to a file without a seal: it is not finished. One with a seal is, and has to be readable.
+    if (found.finding == kUnreadable && HasTraceOfSeal(file))
+        report.findings.push_back({file, kUnreadable, {}, {}, found.detail});
 }
 
 }  // namespace
