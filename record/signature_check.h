@@ -21,7 +21,8 @@ enum class SignatureFault {
     kEndedKey,        ///< signed with a key of the user that had ended
     kRepeated,        ///< the same statement was used before
     kOtherTrail,      ///< the statement was signed for another trail
-    kOtherEntry,      ///< the entry says something else than the statement: user, cabinet, version, size or hash
+    kOtherEntry,      ///< the entry says something else than the statement: user, cabinet, version, size, hash or, by
+                      ///< more than 5 minutes, time
     kNotAllowed,      ///< the user may not sign with this meaning
     kSamePerson,      ///< one person has done two steps that need two people
     kOrder,           ///< approved before it was reviewed

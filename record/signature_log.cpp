@@ -33,6 +33,7 @@ std::vector<SignatureProblem> SignatureLog::Read(Progress& read, const TrailRece
         read.last = {.number = line.entry.number, .hash = Hex(Sha256(text.text))};
         read.at = text.End();
         read.trailId = line.entry.trailId;
+        read.time = line.entry.time;
         const bool isKnown = read.last.number == known.number;
         if (isKnown && read.last.hash != known.hash) throw DataError("the trail has another entry than was appended");
         std::vector<SignatureProblem> found = read.state->Take(line.entry);

@@ -37,11 +37,14 @@ public:
     const SignatureState& State() const { return *m_read->state; }
     /// Empty before the first entry.
     const std::string& TrailId() const { return m_read->trailId; }
+    /// Of the last entry; 0 before the first.
+    std::int64_t Time() const { return m_read->time; }
 
 private:
     struct Progress {
         std::unique_ptr<SignatureState> state;
         std::string trailId;
+        std::int64_t time = 0;
         std::uint64_t at = 0;  // in the file
         TrailReceipt last = {.number = 0, .hash = std::string(64, '0')};
     };

@@ -1,6 +1,7 @@
 #include "qellib10/record/signature_state.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "qellib10/platform/error.h"
 #include "qellib10/record/person_statement_text.h"
@@ -105,6 +106,8 @@ std::vector<SignatureProblem> SignatureState::TakeSignature(const TrailEntry& en
         problems.push_back({SignatureFault::kOtherTrail, "the statement was signed for trail " + statement.trailId});
     if (!IsAboutSame(entry, statement))
         problems.push_back({SignatureFault::kOtherEntry, "the entry says something else than its statement"});
+    if (std::abs(statement.time - entry.time) > kMostApart)
+        problems.push_back({SignatureFault::kOtherEntry, "the time of the statement is not that of its entry"});
     if (!m_nonces.insert(BytesOf<16>(statement.nonce)).second)
         problems.push_back({SignatureFault::kRepeated, "the statement was used before"});
     for (SignatureProblem& problem : ProblemsOf(statement, read.signature.key, entry.time))

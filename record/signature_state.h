@@ -18,6 +18,10 @@
 
 namespace qel {
 
+/// How far the time of a statement may be from that of its entry, in ms: it is made before the password is checked, and
+/// an agent may wait for somebody.
+inline constexpr std::int64_t kMostApart = 5 * 60 * 1000;
+
 struct SignatureProblem {
     SignatureFault fault;
     std::string text;

@@ -81,6 +81,8 @@ int Signing::State::Sign(const SigningRequest& request, std::optional<std::strin
     if (RefuseState(user.has_value()) == 0) return 0;
     CatchUp();
     const PersonStatement statement = StatementOf(request);
+    if (statement.time < log.Time() - kMostApart)  // the entry would have another time, as the trail's never go back
+        return Refuse(FailureKind::kState, "", "the clock is set to before the trail's last entry");
     const std::string part = SignedPart(statement);
     const std::string_view typed = user.value_or(statement.user);
     if (!key.empty() && key != person->PublicKey()) {

@@ -64,6 +64,7 @@ public:
         statement.trailId = Entry(1).trailId;
         statement.nonce = HashOf(std::to_string(m_nonce++)).substr(0, 32);
         statement.meaning = meaning;
+        statement.time = Entry(1).time - 60'000;
         return statement;
     }
     void Put(const qel::PersonStatement& statement, const std::string& text) {

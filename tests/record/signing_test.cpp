@@ -279,13 +279,14 @@ TEST(SignatureBlock, HasTheSignaturesThatCountAndSaysWhatIsMissing) {
         return text;
     };
     const std::string registered = "entry 6, " + qel::TrailTimeText(entry.time) + ", mori: registered, why?|",
-                      reviewed = "entry 7, 2026-11-27T03:22:25.123Z, nakano: reviewed, Mori Akiko|";
+                      signedAt = qel::TrailTimeText(people.Entry(1).time - 60'000),
+                      reviewed = "entry 7, " + signedAt + ", nakano: reviewed, Mori Akiko|";
     const std::string places = "version 2 of " + kCabinet + "|SHA-256 " + version.sha256 +
                                "|hash of entry 6: " + version.entryHash + "|trail " + entry.trailId + "|installation " +
                                ByteSigner(1).Key().Fingerprint() + '|';
     EXPECT_EQ(lines(), registered + reviewed + "not final: 0 of 1 approvals are there|" + places);
     people.Do("sato approved");
-    const std::string approved = "entry 10, 2026-11-27T03:22:25.123Z, sato: approved, Mori Akiko|";
+    const std::string approved = "entry 10, " + signedAt + ", sato: approved, Mori Akiko|";
     EXPECT_EQ(lines(), registered + reviewed + approved + places);
     version.state = qel::RecordedState::kChanged;
     const std::string changed =
