@@ -36,17 +36,10 @@ int CabinetRecords::Read(std::string_view trailPath) { return Read(trailPath, {}
 int CabinetRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
     *m_state = {};
     const auto read = [&] {
-        const GuardedFile file(std::string(trailPath), GuardedFile::Use::kRead);
-        TrailLines lines(file, 0, file.Size());
-        TrailChain chain(last);
-        while (!chain.IsAtEnd()) {
-            const TrailLines::Line line = lines.Next();
-            if (line.kind != TrailLines::Kind::kWhole) break;
-            chain.Add(line.text);
+        ReadChecked(trailPath, last, [&](std::string_view line) {
             // Most entries are about no cabinet; taking each apart would take as long as reading a trail does.
-            if (line.text.find("\"cabinet\":\"{") != std::string_view::npos) m_state->Take(line.text);
-        }
-        chain.RequireEnd();
+            if (line.find("\"cabinet\":\"{") != std::string_view::npos) m_state->Take(line);
+        });
         for (auto& [guid, versions] : m_state->cabinets) versions.KeepInterrupted();
     };
     return Succeeds("CabinetRecords::Read", read) ? 1 : 0;

@@ -75,24 +75,14 @@ int FileRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
                                  .size = entry.size,
                                  .sha256 = entry.sha256};
     };
-    const auto read = [&] {
-        const GuardedFile file(std::string(trailPath), GuardedFile::Use::kRead);
-        TrailLines lines(file, 0, file.Size());
-        TrailChain chain(last);
-        while (!chain.IsAtEnd()) {
-            const TrailLines::Line line = lines.Next();
-            if (line.kind != TrailLines::Kind::kWhole) break;
-            chain.Add(line.text);
-            const auto has = [&](std::string_view kind) {
-                return line.text.find("\"action\":\"" + std::string(kind) + '"') != std::string_view::npos;
-            };
-            // Taking each line apart would take as long as checking the trail does.
-            if (has(trail_kind::kFileSealed) || has(trail_kind::kReportPrinted) || has(trail_kind::kExport))
-                take(line.text);
-        }
-        chain.RequireEnd();
+    // Taking each line apart would take as long as checking the trail does.
+    const auto takeIfOfFile = [&](std::string_view line) {
+        const auto has = [&](std::string_view kind) {
+            return line.find("\"action\":\"" + std::string(kind) + '"') != std::string_view::npos;
+        };
+        if (has(trail_kind::kFileSealed) || has(trail_kind::kReportPrinted) || has(trail_kind::kExport)) take(line);
     };
-    return Succeeds("FileRecords::Read", read) ? 1 : 0;
+    return Succeeds("FileRecords::Read", [&] { ReadChecked(trailPath, last, takeIfOfFile); }) ? 1 : 0;
 }
 
 std::vector<RecordedFile> FileRecords::Compare(std::string_view folder) const {

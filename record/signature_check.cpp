@@ -13,19 +13,10 @@ class Check {
 public:
     Check(const SigningRules& rules, SignatureReport& report) : m_state(rules), m_report(report) {}
 
-    // A torn end is CheckTrail's matter: nothing in it was acknowledged.
-    void Run(const std::string& path, TrailChain chain) {
-        const GuardedFile file(path, GuardedFile::Use::kRead);
-        TrailLines lines(file, 0, file.Size());
-        while (!chain.IsAtEnd()) {
-            const TrailLines::Line line = lines.Next();
-            if (line.kind == TrailLines::Kind::kTooLong)
-                Find(Unread(), {SignatureFault::kMalformed, "a line is longer than 64 KiB"});
-            if (line.kind != TrailLines::Kind::kWhole) break;
-            chain.Add(line.text);
-            CheckLine(line.text);
-        }
-        chain.RequireEnd();
+    void Run(std::string_view path, const TrailReceipt& last) {
+        const auto kind = ReadChecked(path, last, [&](std::string_view line) { CheckLine(line); });
+        if (kind == TrailLines::Kind::kTooLong)
+            Find(Unread(), {SignatureFault::kMalformed, "a line is longer than 64 KiB"});
     }
 
 private:
@@ -70,7 +61,7 @@ int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureR
 int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report,
                     const TrailReceipt& last) {
     report = {};
-    const auto check = [&] { Check(rules, report).Run(std::string(path), TrailChain(last)); };
+    const auto check = [&] { Check(rules, report).Run(path, last); };
     return Succeeds("CheckSignatures", check) ? 1 : 0;
 }
 

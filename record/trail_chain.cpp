@@ -31,4 +31,21 @@ void TrailChain::RequireEnd() const {
     if (m_last.number > 0 && !IsAtEnd()) Refuse();
 }
 
+TrailLines::Kind ReadChecked(std::string_view path, const TrailReceipt& last,
+                             const std::function<void(std::string_view line)>& take) {
+    const GuardedFile file(std::string(path), GuardedFile::Use::kRead);
+    TrailLines lines(file, 0, file.Size());
+    TrailChain chain(last);
+    TrailLines::Kind kind = TrailLines::Kind::kWhole;
+    while (!chain.IsAtEnd()) {
+        const TrailLines::Line line = lines.Next();
+        kind = line.kind;
+        if (kind != TrailLines::Kind::kWhole) break;
+        chain.Add(line.text);
+        take(line.text);
+    }
+    chain.RequireEnd();
+    return kind;
+}
+
 }  // namespace qel

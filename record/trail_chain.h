@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
 #include "qellib10/record/trail.h"
+#include "qellib10/record/trail_file.h"
 
 namespace qel {
 
@@ -27,5 +29,13 @@ private:
     std::string m_hash;
     std::uint64_t m_number = 0;
 };
+
+/// Gives the whole lines of a trail to @p take, up to the last one that was checked. A torn end is CheckTrail's matter:
+/// nothing in it was acknowledged.
+/// @param path in the library's form
+/// @return what ended it: kWhole after the last one that was checked, or what is there in place of a whole line
+/// @throws DataError as TrailChain; CFileException
+TrailLines::Kind ReadChecked(std::string_view path, const TrailReceipt& last,
+                             const std::function<void(std::string_view line)>& take);
 
 }  // namespace qel
