@@ -31,6 +31,8 @@ std::string_view KindOf(AccountEvent event) {
             return trail_kind::kPasswordChanged;
         case AccountEvent::kAutomaticLogonChanged:
             return trail_kind::kAutomaticLogonChanged;
+        case AccountEvent::kPasswordRefused:
+            return trail_kind::kPasswordRefused;
     }
     throw DataError("an event of accounts that is not known");
 }
@@ -63,6 +65,11 @@ bool RecordedUsers::Enter(const AccountChange& change) {
             record.before = Utf8(change.before);
             record.after = Utf8(change.after);
             record.reason = m_state->reason;
+        }
+        if (!change.reason.IsEmpty()) {
+            record.reason = Utf8(change.reason);
+        } else if (change.event == AccountEvent::kPasswordChanged && record.reason.empty()) {
+            record.reason = "set by somebody else";
         }
         m_state->trail.Append(record);
         m_state->trail.Flush();

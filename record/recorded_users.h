@@ -25,7 +25,8 @@ namespace qel {
 /// @endcode
 ///
 /// An entry has who does it in `user` and the account in `object`, with the item where only one right is changed. A
-/// logon and its refusal have the account in `user`. Passwords are nowhere. The trail must be open and outlive this
+/// logon and its refusal have the account in `user`. Passwords are nowhere. The reason is what the store knows, such as
+/// that a password has expired, else that of SetReason. The trail must be open and outlive this
 /// object. One thread at a time.
 class QELLIB10_API RecordedUsers {
 public:

@@ -25,6 +25,8 @@ inline constexpr std::string_view kKeyRevoked =
     "key revoked";  ///< object: the same, which others may have; after: the number of the entry from which on it is
                     ///< distrusted, at most that of this one
 inline constexpr std::string_view kPasswordChanged = "password changed";  ///< object: of which account or key
+inline constexpr std::string_view kPasswordRefused =
+    "password refused";  ///< object: whose password was to be changed, and stays; reason: why
 inline constexpr std::string_view kMethodChanged = "method changed";
 // Those of qel::RecordedCabinet.
 inline constexpr std::string_view kRegistering = "result registering";  ///< nothing has happened yet

@@ -16,11 +16,6 @@ namespace {
 constexpr int kMaximumPrompts = 3;
 constexpr std::size_t kLongestToken = 256;  // bytes of its file
 
-bool IsToken(Database& database, UserId user, std::string_view password) {
-    const AutomaticLogon automatic = ReadAutomaticLogon(database);
-    return IsSame(DigestOf(password), automatic.token) && automatic.user == user && user != kNobody;
-}
-
 void HashAgain(Database& database, UserId user, const PasswordHash& old, std::string_view password,
                const PasswordCost& cost) {
     const PasswordHash hash = HashPassword(password, cost);
@@ -28,7 +23,23 @@ void HashAgain(Database& database, UserId user, const PasswordHash& old, std::st
     const std::optional<PasswordHash> kept = ReadPassword(database, user);
     if (!kept || kept->salt != old.salt) return;  // another program has set another password meanwhile
     StorePassword(database, user, hash);
+    KeepPasswordDates(database, user, old, hash);
     transaction.Commit();
+}
+
+bool IsToChange(LogonStatus status) {
+    return status == LogonStatus::kPasswordExpired || status == LogonStatus::kPasswordToChange;
+}
+
+// Only now, since the password was right: others do not learn that it has expired.
+void RequireNoChange(UserStoreState& state, const PasswordCheck& check) {
+    const LogonStatus status = state.StatusOf(check.user);
+    if (!IsToChange(status)) return;
+    const char* const why = status == LogonStatus::kPasswordExpired ? "the password has expired"
+                                                                    : "the password has to be changed at its first use";
+    state.RefuseAttempt(AccountEvent::kLogonRefused, {.user = check.user}, why);
+    state.logonStatus = status;
+    throw StoreError(FailureKind::kRefused, why);
 }
 
 }  // namespace
@@ -40,38 +51,54 @@ int UserStore::LogonWithDialog() {
     const LogonPrompt& prompt = m_state->prompt;
     if (!prompt || !m_state->database)
         return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
-    for (LogonRequest request; request.refused < kMaximumPrompts; ++request.refused) {
+    for (LogonRequest request; request.refused < kMaximumPrompts;) {
         if (!prompt(request)) return running.Failed(FailureKind::kRefused, "", "cancelled");
-        if (Logon(request.username, request.password) != 0) return running.Ended(1);
-        request.password.Empty();
+        const bool wasToChange = IsToChange(request.status);
+        if (!request.newPassword.IsEmpty() &&
+            ChangePassword(request.username, request.password, request.newPassword) == 0) {
+            request.fault = GetPasswordFault();
+        } else {
+            const CString& password = request.newPassword.IsEmpty() ? request.password : request.newPassword;
+            if (Logon(request.username, password) != 0) return running.Ended(1);
+            request.fault = PasswordFault::kNone;
+            request.status = m_state->logonStatus;
+        }
+        request.newPassword.Empty();
+        if (!IsToChange(request.status)) request.password.Empty();
+        request.refused = IsToChange(request.status) && !wasToChange ? 0 : request.refused + 1;
     }
     return running.Ended(0);
 }
 
-// Every name and password goes the same way, so that the time shows nothing about who has an account or is locked.
 int UserStore::Logon(const CString& username, const CString& password) {
+    m_state->logonStatus = LogonStatus::kNone;
     return m_state->ResultOf("qel::UserStore::Logon", [&] {
         Database& database = m_state->Opened();
         const UserStoreSettings& settings = m_state->settings;
         if (settings.isReadOnly) throw StoreError(FailureKind::kState, "the user store is read only");
-        if (!CanBePassword(password)) return m_state->RefuseLogon(FindUser(database, username), {});
+        const auto refuse = [&](const PasswordCheck& check) {
+            m_state->logonStatus = LogonStatus::kRefused;
+            return m_state->RefuseAttempt(AccountEvent::kLogonRefused, check);
+        };
+        if (FindPasswordFault({}, username, {}, password) != PasswordFault::kNone)
+            return refuse({.user = FindUser(database, username)});
         const SecretText text(ToUtf8(password.View()));
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
-        const UserId user = FindUser(database, username);
-        const Attempt attempt = CountAttempt(database, user, settings.clock(), settings.lock);
-        const std::optional<PasswordHash> kept = ReadPassword(database, user);
-        const PasswordHash decoy{.cost = settings.cost};
-        const bool isToken = IsToken(database, user, text.View());
-        const bool isPassword = !isToken && IsPassword(text.View(), kept ? *kept : decoy) && kept;
-        if ((!isToken && !isPassword) || attempt.isLocked) return m_state->RefuseLogon(user, attempt);
-        if (isPassword && kept->cost != settings.cost) HashAgain(database, user, *kept, text.View(), settings.cost);
-        ForgetAttempts(database, user);
+        const PasswordCheck check = m_state->Check(username, text.View());
+        if (!check.IsRight()) return refuse(check);
+        if (check.isPassword && check.present->cost != settings.cost)
+            HashAgain(database, check.user, *check.present, text.View(), settings.cost);
+        ForgetAttempts(database, check.user);
+        if (check.isPassword) RequireNoChange(*m_state, check);
         m_state->EndLogon();
-        m_state->Report(AccountEvent::kLogon, ReadUser(database, user).value_or(CUserInfo()).GetUsername());
-        m_state->logonUser = user;
+        m_state->Report(AccountEvent::kLogon, ReadUser(database, check.user).value_or(CUserInfo()).GetUsername());
+        m_state->logonUser = check.user;
+        m_state->logonStatus = LogonStatus::kLoggedOn;
         return 1;
     });
 }
+
+LogonStatus UserStore::GetLogonStatus() const { return m_state->logonStatus; }
 
 int UserStore::Logout() {
     return m_state->ResultOf("qel::UserStore::Logout", [&] {

@@ -37,7 +37,7 @@ int UserStore::CreateFirstAdministrator(const CString& username, const CString& 
         CUserInfo record;
         record.SetUsername(username);
         record.SetManagerFlag(1);
-        m_state->SetPassword(AddAccount(database, record), password);
+        m_state->SetPassword(AddAccount(database, record), password, PasswordOrigin::kFirst);
     });
 }
 
@@ -80,14 +80,16 @@ int UserStore::SaveFunctionSecurity(const CUserInfo& user) {
     return m_state->ChangeAccounts("qel::UserStore::SaveFunctionSecurity", user.GetUsername(), [&] {
         const UserId existing = m_state->Existing(user.GetUsername());
         UpdateAccount(*m_state->database, existing, user);
-        if (!user.GetPassword().IsEmpty()) m_state->SetPassword(existing, user.GetPassword());
+        if (!user.GetPassword().IsEmpty())
+            m_state->SetPassword(existing, user.GetPassword(), PasswordOrigin::kSomebodyElse);
     });
 }
 
 int UserStore::AddUser(const CUserInfo& user) {
     return m_state->ChangeAccounts("qel::UserStore::AddUser", user.GetUsername(), [&] {
         const UserId added = AddAccount(*m_state->database, user);
-        if (!user.GetPassword().IsEmpty()) m_state->SetPassword(added, user.GetPassword());
+        if (!user.GetPassword().IsEmpty())
+            m_state->SetPassword(added, user.GetPassword(), PasswordOrigin::kSomebodyElse);
     });
 }
 

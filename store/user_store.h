@@ -40,12 +40,15 @@ struct UserStoreState;
 /// name or password it only says that it was refused. Everything fails before Connect. Nothing is thrown but
 /// std::bad_alloc, by what returns a text. The tables are described in docs/formats.md.
 ///
+/// What else an installation asks of passwords, and how long they last, is in UserStoreSettings::passwords.
+///
 /// With UserStoreSettings::record, everything is recorded before it takes effect: entry by entry, then the change.
 /// Where a later entry is refused, or the disk is full, those before it are there although nothing was changed: the
 /// record may say more than was done, never less. A refused logon counts against the user also if it cannot be
 /// recorded.
 ///
-/// Logging on and automatic logon are in user_logon.cpp, everything else in user_store.cpp.
+/// Logging on and automatic logon are in user_logon.cpp, what is about passwords in password_change.cpp, everything
+/// else in user_store.cpp.
 class QELLIB10_API UserStore : public CClassAgentConnectInterface {
 public:
     /// @param path in the library's form; opened by Connect
@@ -67,10 +70,12 @@ public:
     // Logging on.
 
     void SetLogonPrompt(LogonPrompt prompt);
-    /// Asks up to three times. Without a prompt 0.
+    /// Asks up to three times; from when the password has to be changed, up to three times more. Without a prompt 0.
     int LogonWithDialog() override;
     /// Waits for other logons of this user, then takes as long as the password's cost says.
     int Logon(const CString& username, const CString& password) override;
+    /// What the last logon came to.
+    LogonStatus GetLogonStatus() const;
     /// Ends the logon, as the next one does. @return 0 also if it could not be recorded; nobody is logged on all the
     /// same
     int Logout();
@@ -78,9 +83,18 @@ public:
     void GetLogonUser(CUserInfo* out) override;
     CString GetLogonUsername() override;
 
+    // Passwords.
+
+    /// Changes a password by its user, who need not be logged on and is not logged on by it. The present one is checked
+    /// as by Logon: a wrong one counts, and may lock the user.
+    /// @return 0 also for a password that the rules do not take: see GetPasswordFault
+    int ChangePassword(const CString& username, const CString& password, const CString& newPassword);
+    /// Why the last password that was set or changed was not taken. kNone also when something else failed.
+    PasswordFault GetPasswordFault() const;
+
     // Automatic logon: a token takes the place of the password, in a file next to the database (its name with ".token")
-    // that only its owner can read. It is valid until another user, or none, is set. Whether to log on automatically is
-    // kept here for the application, which does it.
+    // that only its owner can read. It is valid until another user, or none, is set, and does not grow old. Whether to
+    // log on automatically is kept here for the application, which does it.
 
     int IsAutoLogon() override;
     int SetAutoLogon(int autoLogon) override;
@@ -99,9 +113,11 @@ public:
     int GetUserCount() override;
     /// @param index from 0, in the order of the names without regard to case
     CString GetUserName(int index) override;
-    /// Saves all of an existing user's record except the ID. An empty password stays what it was.
+    /// Saves all of an existing user's record except the ID. An empty password stays what it was. Another one counts as
+    /// set by somebody else.
     int SaveFunctionSecurity(const CUserInfo& user) override;
-    /// Without a password the user cannot log on yet. With user ID 0 the store chooses one.
+    /// Without a password the user cannot log on yet; one counts as set by somebody else. With user ID 0 the store
+    /// chooses one.
     int AddUser(const CUserInfo& user) override;
     int DeleteUser(const CString& username) override;
 

@@ -1,15 +1,10 @@
 #include "qellib10/store/user_store_state.h"
 
-#include "qellib10/platform/crypto/secret_text.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/private_file.h"
-#include "qellib10/platform/text/code_page.h"
-#include "qellib10/store/attempts.h"
 
 namespace qel {
 namespace {
-
-constexpr int kLongestPassword = 1024;  // bytes
 
 // Deleted accounts and passwords are overwritten.
 std::unique_ptr<Database> OpenDatabase(const std::string& posixPath, bool isReadOnly) {
@@ -40,8 +35,6 @@ void FailedBy(Operation& operation, const DatabaseError& failure, const CString&
     operation.Failed(KindOf(failure.Fault()), path.View(), failure.what());
 }
 
-bool CanBePassword(const CString& text) { return !text.IsEmpty() && text.GetLength() <= kLongestPassword; }
-
 void UserStoreState::Connect() {
     auto opened = OpenDatabase(StorePath(), settings.isReadOnly);
     settings.isReadOnly ? RequireTables(*opened) : PrepareTables(*opened);
@@ -69,11 +62,11 @@ void UserStoreState::EndLogon() {
 }
 
 // The name that was typed may be the password.
-int UserStoreState::RefuseLogon(UserId user, const Attempt& attempt) const {
-    const auto known = ReadUser(*database, user);
+int UserStoreState::RefuseAttempt(AccountEvent event, const PasswordCheck& check, const CString& reason) const {
+    const auto known = ReadUser(*database, check.user);
     const CString account = known ? known->GetUsername() : CString();
-    Report(AccountEvent::kLogonRefused, account);
-    if (attempt.locks && known) Report(AccountEvent::kLocked, account);
+    Report({.event = event, .user = Actor(), .account = account, .reason = reason});
+    if (check.attempt.locks && known) Report(AccountEvent::kLocked, account);
     return 0;
 }
 
@@ -86,13 +79,6 @@ UserId UserStoreState::Existing(const CString& username) const {
     const UserId user = FindUser(Opened(), username);
     if (user == kNobody) throw StoreError(FailureKind::kMissing, "there is no such user");
     return user;
-}
-
-void UserStoreState::SetPassword(UserId user, const CString& password) {
-    if (!CanBePassword(password)) throw StoreError(FailureKind::kArgument, "this cannot be a password");
-    const SecretText text(ToUtf8(password.View()));
-    StorePassword(*database, user, HashPassword(text.View(), settings.cost));
-    ForgetAttempts(*database, user);
 }
 
 std::string UserStoreState::StorePath() const { return ToPosixPath(path.View()); }

@@ -17,10 +17,24 @@
 #include "qellib10/store/account_changes.h"
 #include "qellib10/store/accounts.h"
 #include "qellib10/store/attempts.h"
+#include "qellib10/store/kept_passwords.h"
 #include "qellib10/store/store_error.h"
 #include "qellib10/store/user_store.h"
 
 namespace qel {
+
+/// Whether a password is right, and what a refusal of it means.
+struct PasswordCheck {
+    UserId user = kNobody;
+    Attempt attempt = {};
+    std::optional<PasswordHash> present = {};
+    bool isPassword = false, isToken = false;
+
+    bool IsRight() const { return (isPassword || isToken) && !attempt.isLocked; }
+};
+
+/// Who sets a password.
+enum class PasswordOrigin { kFirst, kUser, kSomebodyElse };
 
 /// The data of a UserStore, and the steps that its operations share. A step that fails throws what ResultOf catches.
 struct UserStoreState {
@@ -41,15 +55,27 @@ struct UserStoreState {
     void Report(const AccountChange& change) const;
     /// Nobody is logged on then, also if that cannot be recorded.
     void EndLogon();
+    /// Counts an attempt. It takes the same time for every name and password. The caller has the user's LogonTurn.
+    PasswordCheck Check(const CString& username, std::string_view password) const;
+    /// @param event kLogonRefused, or the same of a change of the password
     /// @return 0
-    int RefuseLogon(UserId user, const Attempt& attempt) const;
+    int RefuseAttempt(AccountEvent event, const PasswordCheck& check, const CString& reason = {}) const;
+    /// Of the user's present password, which is the right one: kLoggedOn unless it has to be changed.
+    LogonStatus StatusOf(UserId user) const;
+    /// The same of what is known of it.
+    LogonStatus StatusOf(const PasswordDates& dates) const;
+    /// By the clock, within the years 1970 to 9999.
+    std::chrono::sys_seconds Now() const;
     /// The name of who is logged on.
     CString Actor() const;
     /// @throws StoreError before Connect
     Database& Opened() const;
     /// @throws StoreError when there is no such user
     UserId Existing(const CString& username) const;
-    void SetPassword(UserId user, const CString& password);
+    /// @throws StoreError if the rules do not take it, after that was reported
+    void SetPassword(UserId user, const CString& password, PasswordOrigin origin);
+    PasswordFault FaultOf(UserId user, const CString& password, PasswordOrigin origin) const;
+    void StorePasswordByRules(UserId user, std::string_view password, PasswordOrigin origin);
 
     std::string StorePath() const;  // POSIX, as the next
     std::string TokenPath() const { return StorePath() + ".token"; }
@@ -60,10 +86,9 @@ struct UserStoreState {
     std::unique_ptr<Database> database;  // null until connected
     std::vector<CString> names;
     UserId logonUser = kNobody;
+    LogonStatus logonStatus = LogonStatus::kNone;
+    PasswordFault passwordFault = PasswordFault::kNone;
 };
-
-/// Whether a password may have its length.
-bool CanBePassword(const CString& text);
 
 /// Records that SQLite refused something of the store at @p path.
 void FailedBy(Operation& operation, const DatabaseError& failure, const CString& path) noexcept;

@@ -17,6 +17,7 @@ enum class AccountEvent {
     kRightsChanged,          ///< one privilege, or the level of one function
     kPasswordChanged,        ///< the password itself is never here
     kAutomaticLogonChanged,  ///< `account` is empty; `before` and `after`: who is logged on, or "on" and "off"
+    kPasswordRefused,        ///< it was to be changed, and stays: `reason` says why
 };
 
 /// A user store reports this before it does it, so that there can be an entry about it first. Texts are in the code
@@ -29,6 +30,7 @@ struct QELLIB10_API AccountChange {
     CString item = {};     ///< of kRightsChanged: what, such as "manager" or "function 201 Approve"
     CString before = {};   ///< empty: it was not there
     CString after = {};    ///< empty: it is gone
+    CString reason = {};   ///< what the store knows about why; of kLogonRefused empty when name or password were wrong
 };
 
 }  // namespace qel

@@ -8,11 +8,13 @@ namespace {
 // A store whose changes are entries of a trail.
 class UsersFolder : public TrailFolder {
 public:
-    UsersFolder() : trail(Settings(), std::make_shared<ByteSigner>(1)), recorded(trail) {
+    explicit UsersFolder(bool rules = false) : trail(Settings(), std::make_shared<ByteSigner>(1)), recorded(trail) {
         trail.Open();
         qel::UserStoreSettings settings;
         settings.cost = {1, 8192};
         settings.lock.mostRefused = 2;
+        settings.passwords.mustChangeAtFirstUse = rules;
+        settings.passwords.history = rules ? 2 : 0;
         settings.record = [this](const qel::AccountChange& change) { return recorded.Enter(change); };
         store = std::make_unique<qel::UserStore>(Path("users.db"), settings);
         store->Connect();
@@ -22,12 +24,13 @@ public:
         m_shown = Lines().size();
     }
     // The entries since the last call.
-    std::string New() {
+    std::string New(bool withReason = false) {
         std::string text;
         for (; m_shown < Lines().size(); ++m_shown) {
             const qel::TrailEntry entry = Entry(m_shown + 1);
             text += entry.user + ' ' + entry.action + ' ' + entry.object;
             if (!entry.before.empty() || !entry.after.empty()) text += ' ' + entry.before + '>' + entry.after;
+            if (withReason) text += ": " + entry.reason;
             text += '|';
         }
         return text;
@@ -94,6 +97,30 @@ TEST(RecordedUsers, LogonsRefusalsAndLocksAreEntriesWithoutWhatWasTyped) {
               "0 0 0 0");
     EXPECT_EQ(folder.New(),
               " logon refused |Bob logon refused |Bob logon refused |Bob account locked |Bob logon refused |");
+    EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+}
+
+TEST(RecordedUsers, RefusedAndChangedPasswordsHaveTheirReason) {
+    UsersFolder folder(true);
+    qel::UserStore& store = *folder.store;
+    store.AddUser(Bob(3, 0, "violet"));
+    folder.recorded.SetReason("");
+    CUserInfo bob = Bob(3, 0, "amber");
+    store.SaveFunctionSecurity(bob);
+    store.Logout();
+    folder.New();
+    folder.recorded.SetReason("because");
+    EXPECT_EQ(Line({store.Logon("bob", "amber"), store.ChangePassword("bob", "wrong", "teal"),
+                    store.ChangePassword("bob", "amber", "violet"), store.ChangePassword("Bob", "amber", "teal"),
+                    store.ChangePassword("teal", "bob", "violet"), store.Logon("bob", "teal")}),
+              "0 0 0 1 0 1");
+    EXPECT_EQ(folder.New(true),
+              "Bob logon refused : the password has to be changed at its first use|"
+              " password refused Bob: name or present password are wrong, or were too often|"
+              "Bob password refused Bob: the password was used before|"
+              "Bob password changed Bob: by its user, at its first use|"
+              " password refused : name or present password are wrong, or were too often|"
+              "Bob logon : |");
     EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
 }
 

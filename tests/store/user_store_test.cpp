@@ -135,6 +135,121 @@ TEST_F(UserStoreTest, FiveWrongPasswordsLockAUser) {
     EXPECT_EQ(store->Logon("bob", "new"), 1);
 }
 
+TEST(PasswordRules, AskForLengthKindsAndNotTheName) {
+    using Fault = qel::PasswordFault;
+    qel::PasswordRules rules;
+    rules.leastCharacters = 6;
+    rules.leastKinds = 2;
+    rules.isNameRefused = rules.isOneCharacterRefused = true;
+    for (const auto& [password, fault] : Cases<std::string, Fault>{
+             {"", Fault::kImpossible},
+             {std::string(1025, 'x'), Fault::kImpossible},
+             {"ab12!", Fault::kTooShort},
+             {"a1\x83\x5C\x83\x5C\x83\x5C", Fault::kTooShort},  // five characters of eight bytes
+             {"a1\x83\x5C\x83\x5C\x83\x5C\x83\x5C", Fault::kNone},
+             {"zzzzzz", Fault::kTooFewKinds},
+             {"zxcvbn", Fault::kTooFewKinds},
+             {"zxcvbN", Fault::kNone},
+             {"zxcvb1", Fault::kNone},
+             {"MORI-77", Fault::kHasName},
+             {"xAKIKOx1", Fault::kHasName},
+             {"mori.a", Fault::kHasName},  // a part of the name
+             {"kato-a", Fault::kNone},     // words of two characters are in many passwords
+         }) {
+        EXPECT_EQ(FindPasswordFault(rules, "mori.a-71", "Mori Akiko", password.c_str()), fault) << password;
+        EXPECT_EQ(qel::FindPasswordFault({}, "mori.a-71", "", password.c_str()) == Fault::kNone,
+                  fault != Fault::kImpossible);
+    }
+    rules.leastKinds = 1;
+    EXPECT_EQ(FindPasswordFault(rules, "mori", "", "zzzzzz"), Fault::kOneCharacter);
+}
+
+TEST_F(UserStoreTest, PasswordsGrowOldAndAreNotTakenAgain) {
+    using Fault = qel::PasswordFault;
+    using Status = qel::LogonStatus;
+    constexpr int kDay = 24 * 3600;
+    Open()->CreateFirstAdministrator("admin", "first");
+    Open()->AddUser(Record("bob", "pw0"));
+    const std::string before = m_folder.Read("users.db");
+    EXPECT_EQ(before.find("earlier_passwords"), std::string::npos) << "no rule, other bytes";
+    const auto bare = m_settings;
+    m_settings.passwords.greatestAge = std::chrono::days(90);
+    m_settings.passwords.leastAge = std::chrono::days(1);
+    m_settings.passwords.history = 3;
+    m_settings.passwords.mustChangeAtFirstUse = true;
+    const auto store = Open();
+    EXPECT_EQ(m_folder.Read("users.db"), before);
+    int number = 0;
+    struct Step {
+        int later;             // seconds
+        const char* password;  // present, as typed
+        const char* other;     // to change to; null for a logon
+        Status status;         // of the logon
+        Fault fault;           // of the change
+    };
+    for (const Step& step : {
+             Step{0, "pw0", nullptr, Status::kLoggedOn, {}},  // its age counts from now on
+             Step{90 * kDay, "pw0", nullptr, Status::kLoggedOn, {}},
+             Step{1, "wrong", nullptr, Status::kRefused, {}},
+             Step{0, "pw0", nullptr, Status::kPasswordExpired, {}},
+             Step{-80 * kDay, "pw0", nullptr, Status::kPasswordExpired, {}},  // the clock was set back
+             Step{-80 * kDay, "pw0", nullptr, Status::kPasswordExpired, {}},  // to before it was set
+             Step{160 * kDay, "wrong", "pw1", {}, Fault::kNotVerified},
+             Step{0, "pw0", "", {}, Fault::kImpossible},
+             Step{0, "pw0", "pw0", {}, Fault::kUsedBefore},
+             Step{0, "pw0", "pw1", {}, Fault::kNone},
+             Step{0, "pw0", nullptr, Status::kRefused, {}},
+             Step{0, "pw1", nullptr, Status::kLoggedOn, {}},
+             Step{kDay - 1, "pw1", "pw2", {}, Fault::kTooEarly},
+             Step{1, "pw1", "pw2", {}, Fault::kNone},
+             Step{kDay, "pw2", "pw0", {}, Fault::kUsedBefore},
+             Step{0, "pw2", "pw3", {}, Fault::kNone},
+             Step{kDay, "pw3", "pw1", {}, Fault::kUsedBefore},
+             Step{0, "pw3", "pw0", {}, Fault::kNone},
+             Step{-1, "pw0", nullptr, Status::kPasswordExpired, {}},  // set later than now: nobody knows its age
+             Step{0, "pw0", "pw4", {}, Fault::kNone},
+         }) {
+        SCOPED_TRACE(++number);
+        m_now += std::chrono::seconds(step.later);
+        if (step.other == nullptr) {
+            EXPECT_EQ(store->Logon("Bob", step.password) != 0, step.status == Status::kLoggedOn);
+            EXPECT_EQ(store->GetLogonStatus(), step.status);
+        } else {
+            EXPECT_EQ(store->ChangePassword("Bob", step.password, step.other) != 0, step.fault == Fault::kNone);
+            EXPECT_EQ(store->GetPasswordFault(), step.fault) << qel::LastFailure().text;
+        }
+    }
+
+    // Somebody else sets it: also that is not one of the last, and is to be changed.
+    EXPECT_EQ(Line({store->SaveFunctionSecurity(Record("bob", "pw0")), store->AddUser(Record("ann", "a"))}), "0 1");
+    EXPECT_EQ(store->SaveFunctionSecurity(Record("bob", "pw5")), 1);
+    EXPECT_EQ(Line({store->Logon("bob", "pw5"), store->GetLogonStatus() == Status::kPasswordToChange}), "0 1");
+    int asked = 0;
+    store->SetLogonPrompt([&](LogonRequest& request) {
+        request.username = "bob";
+        if (++asked < 4) request.password = asked < 3 ? "wrong" : "pw5";
+        if (request.status == Status::kPasswordToChange) request.newPassword = asked < 6 ? "pw4" : "pw6";
+        EXPECT_EQ(request.fault, asked > 4 ? Fault::kUsedBefore : Fault::kNone) << asked;
+        return true;
+    });
+    EXPECT_EQ(Line({store->LogonWithDialog(), asked}), "1 6");
+
+    // A change that cannot be recorded leaves the password and those before it.
+    m_settings.record = [](const qel::AccountChange&) { return false; };
+    m_now += std::chrono::days(1);
+    EXPECT_EQ(Open()->ChangePassword("bob", "pw6", "pw7"), 0);
+    EXPECT_EQ(store->ChangePassword("bob", "pw6", "pw5"), 0) << "still one of the last";
+    EXPECT_EQ(store->Logon("bob", "pw6"), 1);
+
+    // A program without these rules opens the file; what it sets counts from the next logon.
+    m_settings = bare;
+    EXPECT_EQ(Line({Open()->SaveFunctionSecurity(Record("bob", "pw8")), Open()->Logon("bob", "pw8")}), "1 1");
+    EXPECT_EQ(Line({store->Logon("bob", "pw8"), store->DeleteUser("bob"), store->CheckIntegrity()}), "1 1 1");
+    Damage("UPDATE passwords SET set_at = -1");
+    EXPECT_EQ(store->Logon("ann", "a"), 0);
+    EXPECT_EQ(qel::LastFailure().text, "a password has a time that does not exist");
+}
+
 TEST_F(UserStoreTest, RightPasswordsAtOnceAllLogOnBesideWrongOnesThatDoNotLock) {
     m_settings.cost = {};  // as it usually is: long enough that all would be checked at once
     auto store = Open();
