@@ -165,18 +165,18 @@ CString UserStore::GetAutoLogonPassword() {
     });
 }
 
+// The token's file changes last, after the entry. When that is done but the commit fails, the old token is lost: the
+// logon asks then.
 int UserStore::SetAutoLogonUser(const CString& username) {
-    return m_state->ChangeAccounts("qel::UserStore::SetAutoLogonUser", username, [&] {
+    std::optional<SecretText> token;
+    const auto change = [&] {
         Database& database = *m_state->database;
-        if (username.IsEmpty()) {
-            StoreAutomaticUser(database, kNobody, {});
-            RemovePrivateFile(m_state->TokenPath());
-            return;
-        }
-        // When the file is written but the change fails, the old token is lost: the logon asks then.
-        const SecretText token(NewToken());
-        StoreAutomaticUser(database, m_state->Existing(username), DigestOf(token.View()));
-        WritePrivateFile(m_state->TokenPath(), token.View());
+        if (username.IsEmpty()) return StoreAutomaticUser(database, kNobody, {});
+        token.emplace(NewToken());
+        StoreAutomaticUser(database, m_state->Existing(username), DigestOf(token->View()));
+    };
+    return m_state->ChangeAccounts("qel::UserStore::SetAutoLogonUser", username, change, [&] {
+        token ? WritePrivateFile(m_state->TokenPath(), token->View()) : RemovePrivateFile(m_state->TokenPath());
     });
 }
 

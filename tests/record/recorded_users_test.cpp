@@ -128,6 +128,7 @@ TEST(RecordedUsers, NothingTakesEffectThatTheTrailRefuses) {
     UsersFolder folder;
     qel::UserStore& store = *folder.store;
     store.AddUser(Bob(3, 0, "violet"));
+    store.SetAutoLogonUser("bob");
     folder.recorded.SetReason("");
     EXPECT_EQ(Line({store.SaveFunctionSecurity(Bob(9)), store.DeleteUser("bob")}), "0 0");
     EXPECT_EQ(qel::LastFailure().text.substr(0, 26), "it could not be recorded: ");
@@ -135,6 +136,10 @@ TEST(RecordedUsers, NothingTakesEffectThatTheTrailRefuses) {
     EXPECT_EQ(Line({store.GetUserInfo("bob", &kept), kept.GetFunctionSecurity(5)}), "1 3");
     const std::string head = folder.Read("h");
     folder.Write("h", "x");
+    const CString token = store.GetAutoLogonPassword();
+    EXPECT_EQ(Line({store.SetAutoLogonUser("admin"), store.SetAutoLogonUser("")}), "0 0");
+    EXPECT_EQ(Line({store.GetAutoLogonUserName(), store.GetAutoLogonPassword()}), Line({"Bob", token}));
+    EXPECT_EQ(token.GetLength(), 64);
     EXPECT_EQ(Line({store.Logon("bob", "violet"), store.GetLogonUsername()}), "0 ") << "nor is the one before still on";
     folder.Write("h", head);
 }
