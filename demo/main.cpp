@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,42 +37,6 @@
 
 namespace titration {
 namespace {
-
-// Somebody may have typed the password in the place of the name: only names of users are written.
-bool IsUser(const std::string& name, const MadeFiles& made) {
-    qel::UserStoreSettings readOnly;
-    readOnly.isReadOnly = true;
-    qel::UserStore store(made.Path("users.db").c_str(), readOnly);
-    store.Connect();
-    CUserInfo user;
-    return store.GetUserInfo(name.c_str(), &user) != 0;
-}
-
-// Also a refused logon is entered.
-std::unique_ptr<Session> LogOn(const Options& options, ArchiveTrail& trail, MadeFiles& made) {
-    try {
-        auto session = std::make_unique<Session>(made.Path("users.db"), options.user, options.password);
-        trail.SetUser(session->Operator());
-        trail.Enter(qel::trail_kind::kLogon);
-        return session;
-    } catch (const Failure& failure) {
-        if (IsUser(options.user, made)) trail.SetUser(options.user);
-        trail.Enter(qel::trail_kind::kLogonRefused, "", failure.what());
-        throw;
-    }
-}
-
-// At the end of a session, also one that has failed. What cannot be entered then changes nothing any more.
-class LogOut {
-public:
-    explicit LogOut(ArchiveTrail& trail) : m_trail(trail) {}
-    ~LogOut() { m_trail.Trail().Append({.user = m_trail.User(), .action = std::string(qel::trail_kind::kLogout)}); }
-    LogOut(const LogOut&) = delete;
-    LogOut& operator=(const LogOut&) = delete;
-
-private:
-    ArchiveTrail& m_trail;
-};
 
 std::string DescribedUser(Session& session) {
     const std::string user = session.Operator();
@@ -143,22 +106,22 @@ std::string Print(int count, const History& history, ArchiveTrail& trail, MadeFi
 std::string Do(const Options& options, const CString& folder, MadeFiles& made) {
     const Installation installation(folder);
     ArchiveTrail trail(made, installation);
-    const std::unique_ptr<Session> session = LogOn(options, trail, made);
-    const LogOut logOut(trail);
-    std::string text = DescribedUser(*session);
+    Session session(made.Path("users.db"), trail, options.user, options.password);
+    trail.SetUser(session.Operator());
+    std::string text = DescribedUser(session);
     History history(folder, trail);
     if (options.takeOut > 0) text += TakeOut(static_cast<DWORD>(options.takeOut), history, trail, made);
     if (options.print > 0) text += Print(options.print, history, trail, made);
     if (!options.addUser.empty())
-        text += AddUser({options.addUser, options.fullName, options.newPassword, options.role}, *session, trail,
+        text += AddUser({options.addUser, options.fullName, options.newPassword, options.role}, session, trail,
                         installation);
     if (!options.sign.empty())
-        text += Sign(options.sign, static_cast<DWORD>(options.version), options.password, *session, history, trail,
+        text += Sign(options.sign, static_cast<DWORD>(options.version), options.password, session, history, trail,
                      installation, made);
     if (options.signedReport > 0)
-        text += PrintSigned(static_cast<DWORD>(options.signedReport), *session, history, trail, made);
+        text += PrintSigned(static_cast<DWORD>(options.signedReport), session, history, trail, made);
     if (options.isExport) text += Export(history, trail, made);
-    if (!options.data.empty()) text += KeepResult(options, *session, history, trail, made);
+    if (!options.data.empty()) text += KeepResult(options, session, history, trail, made);
     return text;
 }
 

@@ -25,6 +25,21 @@ Function FunctionOfRole(const std::string& role) {
     throw Failure("\"" + role + "\" is neither reviewer nor approver");
 }
 
+// A key without an account is of a run that was interrupted: another one takes its place.
+void MakeKey(const std::string& path, const NewUser& user, const std::string& by, ArchiveTrail& trail) {
+    qel::RecordedPersonKey key(trail.Trail(), path);
+    const int isMade = CQFile::IsExist(path.c_str()) != 0
+                           ? key.Reset(user.name, user.fullName, user.password, by, "adding the user was interrupted")
+                           : key.Make(user.name, user.fullName, user.password, by, "a new account");
+    if (isMade == 0) throw Failure(path + ": " + Why("is not made"));
+}
+
+std::shared_ptr<qel::PersonKey> OpenKey(const std::string& path) {
+    auto key = std::make_shared<qel::PersonKey>();
+    if (key->Open(path) == 0) throw Failure(path + ": " + Why("cannot be opened"));
+    return key;
+}
+
 }  // namespace
 
 qel::SigningRules RulesOf(qel::UserStore& store) {
@@ -46,20 +61,11 @@ std::string AddUser(const NewUser& user, Session& session, ArchiveTrail& trail, 
     if (user.name.size() > kLongestName || session.Store().GetUserInfo(user.name.c_str(), &account) != 0)
         throw Failure("\"" + user.name + "\" is a user already, or longer than 64 letters");
     const std::string path = installation.PersonKeyPath(user.name);
-    CQFile::DeleteFiles(path.c_str());  // without an account it is of a run that was interrupted
-    qel::PersonKey key;
-    if (key.Make(path, user.name, user.fullName, user.password) == 0) throw Failure(path + ": " + Why("is not made"));
-    trail.Enter({.action = std::string(qel::trail_kind::kRightsChanged),
-                 .object = user.name,
-                 .after = user.role,
-                 .reason = "a new account"});
-    trail.SetUser(user.name);
-    const qel::TrailReceipt entry = trail.Enter(qel::trail_kind::kPersonKeyAdded, key.PublicKey());
-    trail.SetUser(session.Operator());
+    MakeKey(path, user, session.Operator(), trail);
     session.Add(user.name, user.fullName, user.password, function);  // last: until then it can be done again
     Log("added user " + user.name);
     return "Added      " + user.name + ", " + user.fullName + ", a " + user.role + "\n" + kIndent + "key " +
-           key.Fingerprint() + ", entry " + std::to_string(entry.number) + "\n";
+           OpenKey(path)->Fingerprint() + "\n";
 }
 
 std::string Sign(const std::string& meaning, DWORD version, const std::string& password, Session& session,
@@ -68,9 +74,7 @@ std::string Sign(const std::string& meaning, DWORD version, const std::string& p
     const qel::RecordedVersion recorded = history.Recorded(version);
     About(JobName(version), [&] { made.RequireAsMade(JobName(version)); });
     if (recorded.IsFinding()) throw Failure("version " + std::to_string(version) + " is not what was registered");
-    auto key = std::make_shared<qel::PersonKey>();
-    const std::string path = installation.PersonKeyPath(session.Operator());
-    if (key->Open(path) == 0) throw Failure(path + ": " + Why("cannot be opened"));
+    const std::shared_ptr<qel::PersonKey> key = OpenKey(installation.PersonKeyPath(session.Operator()));
     const std::optional<qel::FileHash> report = qel::HashFile(made.Path(JobName(version)));
     if (!report) throw Failure(JobName(version) + ": " + Why("cannot be read"));
     qel::Signing signing(trail.Trail(), key, RulesOf(session.Store()));
