@@ -71,3 +71,51 @@ TEST(QelSign, APersonSignsAndVerifyFindsWhatTheRulesDoNotAllow) {
     folder.Add("two");
     EXPECT_EQ(folder.Sign("new", "--version 2").substr(0, 3), "16 ") << "a version that nobody has recorded";
 }
+
+// Four passwords.
+TEST(QelKey, KeysOfPeopleAndOfTheInstallationChangeByEntries) {
+    const SigningFolder folder;
+    EXPECT_EQ(ResultOf("ssh-keygen -q -t ed25519 -N '' -f '" + folder.Posix("other").native() + '\''), "0 ");
+    const std::string entry = " t --head-file h --by kato --reason because --signer-key ",
+                      sato = entry + "key --person k --user sato", name = " --name 'Sato Ken'",
+                      other = entry + "key --public-key other.pub";
+    const auto before = folder.Lines().size();
+    for (const auto& [passwords, arguments, answer] : Cases<const char*, std::string, std::string>{
+             {"old", "key reset" + sato + name, "8 qel: k: no key was announced for this user\n"},
+             {"old", "key add" + sato + name, "0 entry "},
+             {"new", "key add" + sato + name, "8 qel: k: the file of a person's key exists already\n"},
+             {"new", "key reset" + sato + name, "0 entry "},
+             {nullptr, "key end" + sato + " --json", "0 {\n  \"entry\": "},
+             {nullptr, "key end" + sato, "8 qel: k: the user has no key\n"},
+             {nullptr, "key add-installation" + other, "0 entry "},
+             {nullptr, "key add-installation" + other, "8 qel: other.pub: the key was announced already\n"},
+             {nullptr, "key end-installation" + other, "0 entry "},
+             {nullptr, "key end-installation" + other, "8 qel: other.pub: the key may not sign\n"},
+             {nullptr, "key add-installation" + other, "0 entry "},
+             {nullptr, "key revoke-installation --from 99" + other,
+              "8 qel: other.pub: a key is revoked from an entry on: the number of one that is there\n"},
+             {nullptr, "key revoke-installation --from 7" + other, "0 entry "},
+             {nullptr, "key add-installation" + other,
+              "8 qel: other.pub: a key that was revoked cannot be announced again\n"},
+             {nullptr, "key end" + entry + "other --person k --user sato",
+              "1 qel: t: the signer's key may not sign this trail"},
+             {nullptr, "key add-installation" + entry + "key --public-key k",
+              "8 qel: k: is no public key of the kind ssh-ed25519\n"},
+             {nullptr, "key end x --head-file y --by kato --reason because --signer-key key --person k --user sato",
+              "5 qel: x: is missing\n"},
+         }) {
+        const std::string found = passwords != nullptr ? folder.With(passwords, arguments) : folder.Qel(arguments);
+        EXPECT_TRUE(found.starts_with(answer)) << arguments << '\n' << found;
+    }
+    std::string entered;
+    for (std::size_t number = before + 1; number <= folder.Lines().size(); ++number) {
+        const qel::TrailEntry made = folder.Entry(number);
+        entered += made.user + ' ' + made.action + ' ' + made.after.substr(0, 11) + ' ' + made.reason + '|';
+    }
+    EXPECT_EQ(entered,
+              "kato person key changing ssh-ed25519 because|sato person key added  because|"
+              "kato person key changing ssh-ed25519 because|sato person key ended  because|"
+              "sato person key added  because|kato person key changing  because|sato person key ended  because|"
+              "kato key added  because|kato key ended  because|kato key added  because|kato key revoked 7 because|");
+    EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+}

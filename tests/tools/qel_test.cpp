@@ -95,6 +95,9 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "key show",
                                   "key password k --password-fd x",
                                   "key make k --user mori --name Mori secret",
+                                  "key end f.xml --person k --user mori --by kato --reason left --head-file h",
+                                  "key revoke-installation f.xml --public-key p --by kato --reason stolen "
+                                  "--head-file h --signer-key s",
                                   "sign f.xml --cabinet f --version 1 --meaning author --person k --user mori "
                                   "--head-file h",
                                   "plot f.pdf -o f.pdf --force",
@@ -161,6 +164,13 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"key make --", "0 --help --user --name --password-fd --json\n"},
              {"key show --", "0 --help --json\n"},
              {"key password --", "0 --help --password-fd\n"},
+             {"key ", "0 make show password add reset end add-installation end-installation revoke-installation\n"},
+             {"key reset --",
+              "0 --help --by --reason --head-file --agent --key --signer-key --json --person --user --name "
+              "--password-fd\n"},
+             {"key end --", "0 --help --by --reason --head-file --agent --key --signer-key --json --person --user\n"},
+             {"key revoke-installation --",
+              "0 --help --by --reason --head-file --agent --key --signer-key --json --public-key --from\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {

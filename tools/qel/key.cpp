@@ -1,4 +1,4 @@
-// qel key: the keys with which people sign.
+// qel key: the keys with which people sign. What makes entries of a trail is in key_entries.cpp.
 #include <qellib10/record.h>
 
 #include "password.h"
@@ -61,7 +61,7 @@ Status ChangePassword(const Options& options) {
 }  // namespace
 
 void AddKey(CLI::App& app, Status& status) {
-    CLI::App* const command = app.add_subcommand("key", "Make and show people's keys, change their passwords");
+    CLI::App* const command = app.add_subcommand("key", "Make, show, announce and end keys; change passwords");
     command->require_subcommand(1);
     const auto options = std::make_shared<Options>();
     const auto add = [&](const char* name, const char* meaning, Status (*run)(const Options&)) {
@@ -77,6 +77,7 @@ void AddKey(CLI::App& app, Status& status) {
     CLI::App* const password = add("password", "Change the password; the key stays the same", ChangePassword);
     for (CLI::App* const action : {make, password}) AddPasswordOption(*action, options->passwords);
     for (CLI::App* const action : {make, show}) action->add_flag("--json", options->json, "Write JSON");
+    AddKeyEntries(*command, status);
 }
 
 }  // namespace tool

@@ -53,15 +53,10 @@ Status Sign(const Options& options) {
     const auto person = std::make_shared<qel::PersonKey>();
     if (person->Open(Path(options.person).View()) == 0)
         throw Named(options.person, LastRefusal("is no person's key", kInconsistent));
-    qel::Trail trail({.path = std::string(Path(options.trail).View()),
-                      .headPath = std::string(Path(options.headFile).View()),
-                      .application = "qel",
-                      .version = QEL_VERSION},
-                     SignerOf(options.signer));
-    if (trail.Open() == 0) throw Named(options.trail, LastRefusal("cannot be opened", kFailed));
+    const auto trail = OpenTrail(options.trail, options.headFile, options.signer);
     Password password;
     options.passwords.Read(password, "Password: ");
-    qel::Signing signing(trail, person, options.rules.Rules());
+    qel::Signing signing(*trail, person, options.rules.Rules());
     const auto receipt = signing.Sign(request, options.user, password.View());
     if (!receipt) throw PersonRefusal("cannot be signed", kFailed);
     options.json ? Print(Json{{"entry", receipt->number},

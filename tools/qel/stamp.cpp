@@ -1,6 +1,4 @@
 // qel stamp: time stamps of an authority for the entries of a trail. It uses no network: request and answer are files.
-#include <algorithm>
-
 #include <qellib10/record.h>
 
 #include "tool.h"
@@ -17,18 +15,6 @@ struct Options {
 };
 
 std::string LibraryPathOf(const std::string& file) { return std::string(Path(file).View()); }
-
-// What is longer is refused by the library.
-std::string ReadFile(const std::string& path) {
-    constexpr ULONGLONG kLongest = 1 << 20;
-    return OnFile(path, [&] {
-        CQFile file;
-        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
-        std::string bytes(static_cast<std::size_t>(std::min(kLongest, file.GetLength())), '\0');
-        bytes.resize(file.Read(bytes.data(), static_cast<UINT>(bytes.size())));
-        return bytes;
-    });
-}
 
 // The file that the library's last failure is about, else @p otherwise.
 Failure Refusal(const Options& options, const std::string& otherwise, Status ofData) {
@@ -51,18 +37,12 @@ Status WriteRequest(const Options& options) {
 
 // The answer is checked before the trail is touched.
 Status AppendAnswer(const Options& options) {
-    const std::string answer = ReadFile(options.answer), request = ReadFile(options.request);
+    const std::string answer = ReadStart(options.answer), request = ReadStart(options.request);
     const std::string tsaCa = LibraryPathOf(options.tsaCa);
     const std::optional<qel::TimeStamp> stamp = qel::CheckStamp(answer, request, tsaCa);
     if (!stamp) throw Refusal(options, options.answer, kStamp);
-    qel::Trail trail({.path = LibraryPathOf(options.trail),
-                      .headPath = LibraryPathOf(options.headFile),
-                      .application = "qel",
-                      .version = QEL_VERSION},
-                     SignerOf(options.signer));
-    if (CQFile::IsExist(Path(options.trail)) == 0) throw Failure(Shown(options.trail) + ": is missing", kUnreadable);
-    if (trail.Open() == 0) throw Refusal(options, options.trail, kFailed);
-    const std::optional<qel::TrailReceipt> receipt = qel::AppendStamp(trail, answer, request, tsaCa, options.user);
+    const auto trail = OpenTrail(options.trail, options.headFile, options.signer);
+    const std::optional<qel::TrailReceipt> receipt = qel::AppendStamp(*trail, answer, request, tsaCa, options.user);
     if (!receipt) throw Refusal(options, options.answer, kStamp);
     const std::string time = qel::TrailTimeText(stamp->time);
     options.json

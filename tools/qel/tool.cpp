@@ -91,6 +91,17 @@ void Open(CQFile& file, const std::string& path, UINT flags) {
     if (file.Open(LibraryPath(path), flags, &error) == 0) throw CFileException(error);
 }
 
+std::string ReadStart(const std::string& path) {
+    constexpr ULONGLONG kLongest = 1 << 20;
+    return OnFile(path, [&] {
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
+        std::string bytes(static_cast<std::size_t>(std::min(kLongest, file.GetLength())), '\0');
+        bytes.resize(file.Read(bytes.data(), static_cast<UINT>(bytes.size())));
+        return bytes;
+    });
+}
+
 void RequireOther(const std::string& target, const std::string& source) {
     std::error_code missing;
     if (fs::equivalent(target, source, missing))

@@ -121,6 +121,9 @@ CString Path(const std::string& posixPath);
 /// Opens a file of the command line. @throws CFileException
 void Open(CQFile& file, const std::string& path, UINT flags);
 
+/// The first megabyte of a file, where more of it is refused anyhow. @throws Failure
+std::string ReadStart(const std::string& path);
+
 /// @throws CLI::ValidationError if both are the same file
 void RequireOther(const std::string& target, const std::string& source);
 
@@ -165,6 +168,7 @@ void AddPlot(CLI::App& app, Status& status);
 void AddSelfTest(CLI::App& app, Status& status);
 #ifdef QEL_WITH_TRAIL
 void AddKey(CLI::App& app, Status& status);
+void AddKeyEntries(CLI::App& key, Status& status);
 void AddSign(CLI::App& app, Status& status);
 void AddTrail(CLI::App& app, Status& status);
 void AddStamp(CLI::App& app, Status& status);

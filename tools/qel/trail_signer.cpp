@@ -30,4 +30,17 @@ std::shared_ptr<qel::Signer> SignerOf(const SignerOptions& options) {
     return signer;
 }
 
+std::unique_ptr<qel::Trail> OpenTrail(const std::string& path, const std::string& headFile,
+                                      const SignerOptions& options) {
+    auto trail = std::make_unique<qel::Trail>(qel::TrailSettings{.path = std::string(Path(path).View()),
+                                                                 .headPath = std::string(Path(headFile).View()),
+                                                                 .application = "qel",
+                                                                 .version = QEL_VERSION},
+                                              SignerOf(options));
+    if (CQFile::IsExist(Path(path)) == 0) throw Failure(Shown(path) + ": is missing", kUnreadable);
+    if (trail->Open() != 0) return trail;
+    const bool isHead = CString(qel::LastFailure().item.c_str()) == Path(headFile);
+    throw Named(isHead ? headFile : path, LastRefusal("cannot be opened", kFailed));
+}
+
 }  // namespace tool

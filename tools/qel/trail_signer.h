@@ -19,5 +19,8 @@ void AddSignerOptions(CLI::App& command, SignerOptions& options);
 void RequireSigner(const SignerOptions& options);
 /// @throws Failure
 std::shared_ptr<qel::Signer> SignerOf(const SignerOptions& options);
+/// A trail that exists, to append to it. @throws Failure
+std::unique_ptr<qel::Trail> OpenTrail(const std::string& path, const std::string& headFile,
+                                      const SignerOptions& options);
 
 }  // namespace tool
