@@ -3,12 +3,25 @@
 #include <algorithm>
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/text/code_page.h"
 #include "qellib10/record/person_key_format.h"
 #include "qellib10/record/person_ssh_signature.h"
 #include "qellib10/record/ssh_agent.h"
 #include "qellib10/record/text_forms.h"
 
 namespace qel {
+
+namespace {
+
+// Its own reason, where it has one: a password may be right and have expired.
+void RequirePassword(const Authenticator& isPasswordOf, std::string_view user, std::string_view password) {
+    Operation asking(nullptr);
+    if (isPasswordOf(user, password)) return;
+    asking.Ended(0, FailureKind::kRefused, WrongPassword().what());
+    throw WrongPassword(ToUtf8(LastFailure().text));
+}
+
+}  // namespace
 
 struct PersonAgent::State {
     Authenticator isPasswordOf;
@@ -47,7 +60,7 @@ std::string PersonAgent::PublicKey() const { return m_state->user.empty() ? "" :
 PersonSignature PersonAgent::Sign(std::string_view bytes, std::string_view password) {
     if (m_state->user.empty()) throw DataError("no agent was connected");
     if (!m_state->isPasswordOf) throw DataError("nobody can check the password");
-    if (!m_state->isPasswordOf(m_state->user, password)) throw WrongPassword();
+    RequirePassword(m_state->isPasswordOf, m_state->user, password);
     const PersonPublicKey& key = m_state->key;
     const PersonSignature made = ReadSignatureBlob(key, m_state->agent.Sign(key.Blob(), bytes));
     if (!IsSignedBy(key, bytes, made)) throw DataError("the agent's signature is wrong");

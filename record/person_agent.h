@@ -10,7 +10,7 @@
 namespace qel {
 
 /// Whether this is the password of this user's account: asked at each signature. It may ask a store of users or the
-/// system.
+/// system (qel::PamAuthenticator). Where it says no by a failure of the library, qel::LastFailure has its reason.
 using Authenticator = std::function<bool(std::string_view user, std::string_view password)>;
 
 /// A person who signs by a key in an agent that speaks the protocol of ssh-agent, such as one on a card. The agent

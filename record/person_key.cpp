@@ -6,6 +6,7 @@
 namespace qel {
 
 WrongPassword::WrongPassword() : DataError("the password is wrong") {}
+WrongPassword::WrongPassword(const std::string& why) : DataError(why) {}
 WrongPassword::~WrongPassword() = default;
 PersonSigner::~PersonSigner() = default;
 

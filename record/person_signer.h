@@ -11,10 +11,13 @@
 
 namespace qel {
 
-/// What is thrown when a password is not the one of a key, or a key file was changed on purpose.
+/// What is thrown when a password does not open a key: it is another one, it must not be used any more, or a key file
+/// was changed on purpose.
 class QELLIB10_API WrongPassword : public DataError {
 public:
     WrongPassword();
+    /// @param why such as that the password has expired; UTF-8
+    explicit WrongPassword(const std::string& why);
     ~WrongPassword() override;
 };
 

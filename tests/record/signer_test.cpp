@@ -15,6 +15,7 @@
 #include "../support/run_at_once.h"
 #include "qellib10/platform/error.h"
 #include "qellib10/record/key_file_signer.h"
+#include "qellib10/record/pam_authenticator.h"
 #include "qellib10/record/person_agent.h"
 #include "qellib10/record/ssh_agent_signer.h"
 #include "qellib10/record/ssh_wire.h"
@@ -213,6 +214,14 @@ TEST(Agent, SignsATrailWithoutGivingTheKey) {
     EXPECT_TRUE(
         qel::IsSignedBy(qel::SshPublicKey::OfText(folder.PublicKey()).bytes, "x", person.Sign("x", "right").bytes));
     EXPECT_EQ(asked, "morimori");
+    qel::PersonAgent elsewhere(qel::PamAuthenticator("no/service"));
+    ASSERT_EQ(elsewhere.Connect(folder.Name("agent"), folder.Fingerprint(), "mori", "Mori"), 1);
+    try {
+        elsewhere.Sign("x", "right");
+        ADD_FAILURE();
+    } catch (const qel::WrongPassword& why) {
+        EXPECT_STREQ(why.what(), "this cannot be the name of a service");
+    }
     qel::Trail trail(folder.Settings(), signer);
     ASSERT_EQ(trail.Open(), 1) << qel::LastFailure().text;
     EXPECT_TRUE(trail.Append(Record("a")));
