@@ -450,6 +450,27 @@ TEST_F(UserStoreTest, AChangeThatReturns1IsStored) {
     EXPECT_GT(number, 10);
 }
 
+TEST_F(UserStoreTest, AChangedPasswordAndTheOneBeforeItAreOneChange) {
+    m_settings.passwords.history = 2;
+    int number = 1, left = 0;
+    for (; left == 0; ++number) {
+        SCOPED_TRACE(number);
+        std::filesystem::remove(m_folder.Posix("users.db"));
+        auto store = Open();
+        store->CreateFirstAdministrator("admin", "pw0");
+        FailAllocation(number);
+        const int done = store->ChangePassword("admin", "pw0", "pw1");
+        left = AllocationsLeft();
+        FailAllocation(0);
+        store = Open();
+        EXPECT_EQ(store->Logon("admin", done != 0 ? "pw1" : "pw0"), 1);
+        const qel::Database database(m_folder.Posix("users.db"), qel::DatabaseOpening::kExisting);
+        qel::Query earlier(database, "SELECT count(*) FROM earlier_passwords");
+        EXPECT_EQ(earlier.Step() ? earlier.Number(0) : -1, done);
+    }
+    EXPECT_GT(number, 10);
+}
+
 TEST_F(UserStoreTest, FilesThatAreNotAStoreAreRefused) {
     EXPECT_EQ(Open()->AddUser(Record("bob", "pw")), 1);
     Damage("UPDATE users SET passes = 4000000000, memory = 4000000000000");
