@@ -51,9 +51,9 @@ int UserStore::LogonWithDialog() {
     const LogonPrompt& prompt = m_state->prompt;
     if (!prompt || !m_state->database)
         return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
+    bool wasToChange = false;  // the dialog was asked for a new password, which begins the count again, once
     for (LogonRequest request; request.refused < kMaximumPrompts;) {
         if (!prompt(request)) return running.Failed(FailureKind::kRefused, "", "cancelled");
-        const bool wasToChange = IsToChange(request.status);
         if (!request.newPassword.IsEmpty() &&
             ChangePassword(request.username, request.password, request.newPassword) == 0) {
             request.fault = GetPasswordFault();
@@ -65,7 +65,8 @@ int UserStore::LogonWithDialog() {
         }
         request.newPassword.Empty();
         if (!IsToChange(request.status)) request.password.Empty();
-        request.refused = IsToChange(request.status) && !wasToChange ? 0 : request.refused + 1;
+        const bool isFirst = IsToChange(request.status) && !std::exchange(wasToChange, true);
+        request.refused = isFirst ? 0 : request.refused + 1;
     }
     return running.Ended(0);
 }

@@ -233,6 +233,13 @@ TEST_F(UserStoreTest, PasswordsGrowOldAndAreNotTakenAgain) {
         return true;
     });
     EXPECT_EQ(Line({store->LogonWithDialog(), asked}), "1 6");
+    asked = 0;
+    store->SetLogonPrompt([&](LogonRequest& request) {
+        request.username = ++asked % 2 == 1 ? "ann" : "nobody";
+        request.password = "a";
+        return true;
+    });
+    EXPECT_EQ(Line({store->LogonWithDialog(), asked}), "0 4") << "the count begins again once";
 
     // A change that cannot be recorded leaves the password and those before it.
     m_settings.record = [](const qel::AccountChange&) { return false; };
