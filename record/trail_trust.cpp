@@ -1,6 +1,7 @@
 #include "qellib10/record/trail_trust.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "qellib10/platform/error.h"
 #include "qellib10/record/trail_keys.h"
@@ -9,7 +10,7 @@
 namespace qel {
 namespace {
 
-constexpr std::size_t kMostAnnounced = 4096;  // less than 512 KiB of memory
+constexpr std::size_t kMostAnnounced = 4096;  // less than 1 MiB of memory
 
 std::int64_t SecondOf(std::int64_t time) { return time / 1000; }
 
@@ -23,8 +24,8 @@ std::optional<TrailFault> TrailTrust::FaultOf(const ReadLine& line) const {
     if (FindRevoked(key) != nullptr) return TrailFault::kRevokedKey;
     const bool isActive = std::ranges::find(m_active, key) != m_active.end();
     if (isActive && m_hasVoid && IsVoid(key, line.entry.number)) return TrailFault::kUnknownSigner;
-    const auto hasEnded = [&](const Announced& announced) { return announced.key == key && announced.end != 0; };
-    if (!isActive && std::ranges::any_of(m_announced, hasEnded)) return TrailFault::kEndedKey;
+    // One that was announced may sign until its end.
+    if (!isActive && m_places.contains(key)) return TrailFault::kEndedKey;
     if (m_allowed) {
         const auto answer = m_allowed->Ask(key, kEntryNamespace, SecondOf(line.entry.time));
         if (answer == AllowedSigners::Answer::kNotValidThen) return TrailFault::kEndedKey;
@@ -46,22 +47,24 @@ void TrailTrust::Learn(const ReadLine& line) {
     ApplyToKeys(entry, m_active);
     if (action == trail_kind::kKeyRevoked) return Revoke(entry);
     const SshPublicKey key = SshPublicKey::OfText(entry.object);
-    if (adds) m_announced.push_back({.key = key, .by = line.signature.key, .at = entry.number});
-    if (m_announced.size() > kMostAnnounced) throw DataError("too many keys were announced");
-    for (Announced& announced : m_announced) {
-        if (ends && announced.key == key && announced.end == 0) announced.end = entry.number;
+    if (adds) Announce(line, key);
+    if (!ends) return;
+    for (const std::size_t place : m_places[key]) {
+        if (m_announced[place].end == 0) m_announced[place].end = entry.number;
     }
+}
+
+void TrailTrust::Announce(const ReadLine& line, const SshPublicKey& key) {
+    if (m_announced.size() == kMostAnnounced) throw DataError("too many keys were announced");
+    m_places[key].push_back(m_announced.size());
+    m_announced.push_back({.key = key, .by = line.signature.key, .at = line.entry.number});
 }
 
 // What the key has announced from there on counts for nothing from now on; the rest is a matter of EndProofs.
 void TrailTrust::Revoke(const TrailEntry& entry) {
     const RevokedKey revoked = RevokedKey::Of(entry);
-    const auto found = std::ranges::find(m_revoked, revoked.key, &Revoked::key);
-    if (found != m_revoked.end()) {
-        found->from = std::min(found->from, revoked.from);
-    } else {
-        m_revoked.push_back({.key = revoked.key, .from = revoked.from, .proven = revoked.from});
-    }
+    const auto [known, isNew] = m_revoked.try_emplace(revoked.key, Revoked{revoked.from, revoked.from});
+    if (!isNew) known->second.from = std::min(known->second.from, revoked.from);
     if (m_revoked.size() > kMostAnnounced) throw DataError("too many keys were revoked");
     VoidAnnounced();
 }
@@ -69,7 +72,7 @@ void TrailTrust::Revoke(const TrailEntry& entry) {
 // In the order of their entries: whoever announces was announced before.
 void TrailTrust::VoidAnnounced() {
     for (Announced& announced : m_announced) {
-        if (!IsOfDistrusted(announced)) continue;
+        if (announced.isVoid || !IsOfDistrusted(announced)) continue;
         announced.isVoid = true;
         m_hasVoid = true;
     }
@@ -88,7 +91,7 @@ bool TrailTrust::IsVoid(const SshPublicKey& key, std::uint64_t number) const {
 }
 
 void TrailTrust::StartProofs() {
-    for (Revoked& revoked : m_revoked) revoked.proven = 0;
+    for (auto& [key, revoked] : m_revoked) revoked.proven = 0;
     for (Announced& announced : m_announced) {
         const Announced* const by = Find(announced.by, announced.at);
         const bool isByGood = FindRevoked(announced.by) == nullptr && (by == nullptr || by->owesNothing);
@@ -106,7 +109,7 @@ bool TrailTrust::IsWitness(const ReadLine& line) const {
 }
 
 void TrailTrust::Prove(std::uint64_t at, std::uint64_t upTo) {
-    for (Revoked& revoked : m_revoked) {
+    for (auto& [key, revoked] : m_revoked) {
         if (at < revoked.from) revoked.proven = std::max(revoked.proven, upTo);
     }
 }
@@ -137,16 +140,18 @@ bool TrailTrust::IsAllowed(const SshPublicKey& key) const {
 }
 
 const TrailTrust::Announced* TrailTrust::Find(const SshPublicKey& key, std::uint64_t number) const {
-    const auto isIt = [&](const Announced& announced) {
-        return announced.key == key && announced.at <= number && (announced.end == 0 || number <= announced.end);
-    };
-    const auto found = std::ranges::find_if(m_announced, isIt);
-    return found != m_announced.end() ? &*found : nullptr;
+    const auto places = m_places.find(key);
+    if (places == m_places.end()) return nullptr;
+    const auto after = std::ranges::upper_bound(places->second, number, {},
+                                                [this](std::size_t place) { return m_announced[place].at; });
+    if (after == places->second.begin()) return nullptr;
+    const Announced& announced = m_announced[*std::prev(after)];
+    return announced.end == 0 || number <= announced.end ? &announced : nullptr;
 }
 
 const TrailTrust::Revoked* TrailTrust::FindRevoked(const SshPublicKey& key) const {
-    const auto found = std::ranges::find(m_revoked, key, &Revoked::key);
-    return found != m_revoked.end() ? &*found : nullptr;
+    const auto found = m_revoked.find(key);
+    return found != m_revoked.end() ? &found->second : nullptr;
 }
 
 }  // namespace qel

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -54,7 +56,6 @@ private:
         bool owesNothing = false;       // see IsWitness
     };
     struct Revoked {
-        SshPublicKey key;
         std::uint64_t from = 0;    // the first entry that is distrusted
         std::uint64_t proven = 0;  // those up to this one were there before
     };
@@ -64,6 +65,7 @@ private:
     const Announced* Find(const SshPublicKey& key, std::uint64_t number) const;
     const Revoked* FindRevoked(const SshPublicKey& key) const;
     bool IsVoid(const SshPublicKey& key, std::uint64_t number) const;
+    void Announce(const ReadLine& line, const SshPublicKey& key);
     bool IsOfDistrusted(const Announced& announced) const;
     void Revoke(const TrailEntry& entry);
     void VoidAnnounced();
@@ -74,7 +76,9 @@ private:
     std::vector<SshPublicKey> m_active;  // as the writer has them: whoever appends does not know which are void
     bool m_hasVoid = false;
     std::vector<Announced> m_announced;
-    std::vector<Revoked> m_revoked;
+    // Places in m_announced. A forged trail may announce and revoke thousands of keys.
+    std::map<SshPublicKey, std::vector<std::size_t>> m_places;
+    std::map<SshPublicKey, Revoked> m_revoked;
 };
 
 }  // namespace qel

@@ -161,6 +161,17 @@ struct DevicePerson : qel::PersonSigner {
 const qel::SigningRequest kRequest = {
     .cabinet = kCabinet, .cabinetVersion = 2, .size = 3, .sha256 = HashOf("abc"), .meaning = "approved"};
 
+// A PKCS #11 token with a P-256 key, and a program that answers what its PIN is.
+void MakeToken(const TempFolder& folder) {
+    folder.Write("token.conf", "directories.tokendir = " + folder.Posix("tokens").native() + "\nlog.level = ERROR\n");
+    folder.Write("pin", "#!/bin/sh\necho 1234\n");
+    In(folder,
+       "mkdir tokens; chmod +x pin; export SOFTHSM2_CONF=$PWD/token.conf; "
+       "softhsm2-util --init-token --free --label lab --pin 1234 --so-pin 1234 && "
+       "openssl genpkey -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -out token.pem && "
+       "softhsm2-util --import token.pem --token lab --label token --id 01 --pin 1234");
+}
+
 }  // namespace
 
 // Where the two differ, ours is stricter: one form for each signature, SHA-512, three kinds of key, and a person whom
@@ -204,16 +215,19 @@ TEST(PersonSshSignature, IsAcceptedIfSshKeygenAcceptsItAndItHasTheOneForm) {
 
 TEST(PersonSshSignature, OfAKeyInAnAgentOrADeviceCountsInATrail) {
     People people;
+    MakeToken(people);
     In(people,
        "ssh-keygen -q -t ecdsa -N '' -f p256; ssh-keygen -q -t ed25519 -N '' -f ed; "
-       "ssh-agent -a agent >agent.env && SSH_AUTH_SOCK=agent ssh-add -q p256 ed");
+       "export SOFTHSM2_CONF=$PWD/token.conf SSH_ASKPASS=$PWD/pin SSH_ASKPASS_REQUIRE=force; "
+       "ssh-agent -a agent >agent.env && export SSH_AUTH_SOCK=agent && ssh-add -q p256 ed && "
+       "ssh-add -q -s /usr/lib/*/softhsm/libsofthsm2.so && ssh-add -L | grep ' token$' >token.pub");
     const auto announced = [&](qel::PersonSigner& person) {
         qel::TrailRecord record = Record("person key added", person.PublicKey());
         record.user = person.User();
         return people.trail.Append(record).has_value();
     };
-    for (const std::string key : {"p256", "ed"}) {
-        const std::string print = In(people, "ssh-keygen -lf " + key + " | cut -d' ' -f2 | tr -d '\\n'");
+    for (const std::string key : {"p256", "ed", "token"}) {
+        const std::string print = In(people, "ssh-keygen -lf " + key + ".pub | cut -d' ' -f2 | tr -d '\\n'");
         const auto person =
             std::make_shared<qel::PersonAgent>([](std::string_view, std::string_view p) { return p == "right"; });
         ASSERT_EQ(person->Connect(people.Name("agent"), print, key, "Mori Akiko"), 1) << qel::LastFailure().text;
