@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cstring>
 
 #include "qellib10/platform/endian.h"
 #include "qellib10/platform/error.h"
@@ -114,11 +115,13 @@ TrailHeadState TrailHead::Load() const {
 
 // The two hashes of a file that has not changed would take as long as the rest of an unflushed append.
 std::optional<TrailHeadState> TrailHead::LoadLatest() const {
-    std::vector<std::byte> bytes(2 * kPlaceSize);
-    bytes.resize(m_file.ReadAt(bytes, 0));
-    if (!m_loaded || bytes != m_loadedBytes) {
+    std::array<std::byte, 2 * kPlaceSize> places;
+    const auto bytes = std::span<const std::byte>(places).first(m_file.ReadAt(places, 0));
+    const bool isSame =
+        bytes.size() == m_loadedBytes.size() && std::memcmp(bytes.data(), m_loadedBytes.data(), bytes.size()) == 0;
+    if (!m_loaded || !isSame) {
         m_loaded = LatestOf(bytes);
-        m_loadedBytes = std::move(bytes);
+        m_loadedBytes.assign(bytes.begin(), bytes.end());
     }
     return m_loaded;
 }

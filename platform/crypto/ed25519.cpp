@@ -18,6 +18,20 @@ const unsigned char* Raw(std::span<const std::byte> bytes) {
 }
 const unsigned char* Raw(std::string_view bytes) { return reinterpret_cast<const unsigned char*>(bytes.data()); }
 
+// Keeps the last one of each thread: the entries of a trail are mostly signed by one key.
+EVP_PKEY* PublicKeyFor(const Ed25519Key& bytes) {
+    struct Last {
+        Ed25519Key bytes = {};
+        Key key{nullptr, ::EVP_PKEY_free};
+    };
+    thread_local Last last;
+    if (last.key == nullptr || last.bytes != bytes) {
+        last.key.reset(::EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, Raw(bytes), bytes.size()));
+        last.bytes = bytes;
+    }
+    return last.key.get();
+}
+
 }  // namespace
 
 struct Ed25519PrivateKey::State {
@@ -61,11 +75,11 @@ Ed25519Signature SignEd25519(std::span<const std::byte> seed, std::string_view m
 }
 
 bool IsSignedBy(const Ed25519Key& key, std::string_view message, const Ed25519Signature& signature) {
-    const Key used(::EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, Raw(key), key.size()), ::EVP_PKEY_free);
+    EVP_PKEY* const used = PublicKeyFor(key);
     const Context context(::EVP_MD_CTX_new(), ::EVP_MD_CTX_free);
     const bool isSigned =
         used != nullptr && context != nullptr &&
-        ::EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, used.get()) == 1 &&
+        ::EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, used) == 1 &&
         ::EVP_DigestVerify(context.get(), Raw(signature), signature.size(), Raw(message), message.size()) == 1;
     if (!isSigned) ::ERR_clear_error();  // the thread's list of errors is the application's, too
     return isSigned;
