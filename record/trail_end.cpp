@@ -15,10 +15,10 @@ namespace qel {
 // Under the lock of the head file.
 TrailWriter::End& TrailWriter::Current() {
     m_head->File().RequireInPlace();
-    m_trail->RequireInPlace();
+    const std::uint64_t size = m_trail->RequireInPlace();
     const TrailHeadState head = m_head->Load();
     if (head.generation < m_seen.generation) throw DataError("the head file of the trail was put back to an older one");
-    if (!m_end || head != m_seen || m_trail->Size() != m_end->head.length) Settle(head);
+    if (!m_end || head != m_seen || size != m_end->head.length) Settle(head);
     return *m_end;
 }
 

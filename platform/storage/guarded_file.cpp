@@ -13,7 +13,6 @@
 #include "qellib10/platform/storage/file_error.h"
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/record_lock.h"
-#include "qellib10/platform/storage/same_file.h"
 #include "qellib10/platform/storage/uninterrupted.h"
 
 namespace qel {
@@ -40,14 +39,21 @@ Descriptor Open(const std::string& posixPath, GuardedFile::Use use) {
 
 GuardedFile::GuardedFile(std::string path, std::string posixPath, Descriptor file)
     : m_path(std::move(path)), m_posixPath(std::move(posixPath)), m_file(std::move(file)), m_process(::getpid()) {
-    if (!S_ISREG(StatusOf(m_file, m_path).st_mode)) ThrowCode(kAccessDenied, m_path);
+    Identify();
 }
 
 GuardedFile::GuardedFile(const std::string& path, Use use)
     : m_path(path), m_posixPath(ToPosixPath(path)), m_file(Open(m_posixPath, use)), m_process(::getpid()) {
     if (!m_file && errno == ELOOP) ThrowCode(kAccessDenied, m_path);  // a link
     if (!m_file) ThrowErrno(errno, m_path, m_posixPath);
-    if (!S_ISREG(StatusOf(m_file, m_path).st_mode)) ThrowCode(kAccessDenied, m_path);
+    Identify();
+}
+
+void GuardedFile::Identify() {
+    const struct stat status = StatusOf(m_file, m_path);
+    if (!S_ISREG(status.st_mode)) ThrowCode(kAccessDenied, m_path);
+    m_device = status.st_dev;
+    m_inode = status.st_ino;
 }
 
 std::optional<GuardedFile> GuardedFile::OpenIfThere(const std::string& path, Use use) {
@@ -66,11 +72,11 @@ bool GuardedFile::IsPrivate() const {
     return (status.st_mode & 07777) == 0600 && status.st_uid == ::geteuid();
 }
 
-void GuardedFile::RequireInPlace() const {
-    const struct stat opened = StatusOf(m_file, m_path);
+std::uint64_t GuardedFile::RequireInPlace() const {
     struct stat named = {};
     if (::lstat(m_posixPath.c_str(), &named) != 0) ThrowErrno(errno, m_path, m_posixPath);
-    if (!IsSameFile(opened, named)) ThrowCode(kFileAltered, m_path);
+    if (named.st_dev != m_device || named.st_ino != m_inode) ThrowCode(kFileAltered, m_path);
+    return static_cast<std::uint64_t>(named.st_size);
 }
 
 std::size_t GuardedFile::ReadAt(std::span<std::byte> bytes, std::uint64_t offset) const {

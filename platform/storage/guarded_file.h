@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -29,8 +31,9 @@ public:
     std::uint64_t Size() const;
     /// Whether only its owner, who is this process's user, may read and write it.
     bool IsPrivate() const;
+    /// @return the size
     /// @throws CFileException 1006 when the name leads to another file by now, or to none
-    void RequireInPlace() const;
+    std::uint64_t RequireInPlace() const;
 
     /// @return bytes read, fewer than asked only at the end of the file
     std::size_t ReadAt(std::span<std::byte> bytes, std::uint64_t offset) const;
@@ -57,9 +60,13 @@ public:
 private:
     GuardedFile(std::string path, std::string posixPath, Descriptor file);
 
+    void Identify();
+
     std::string m_path, m_posixPath;
     Descriptor m_file;
     int m_process;
+    dev_t m_device = 0;
+    ino_t m_inode = 0;
 };
 
 }  // namespace qel
