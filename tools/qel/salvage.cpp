@@ -91,10 +91,13 @@ std::unique_ptr<Target> TargetOf(const Options& options) {
     return std::make_unique<NewCabinet>(options.target);
 }
 
+// Whoever forges a cabinet may put millions of versions into it: lines for people are written at once, and JSON, which
+// is one value, has so many parts and the number of the others.
+constexpr std::size_t kMostParts = 10'000;
+
 struct Salvaged {
     Json json;
-    std::string text;
-    std::size_t taken = 0;
+    std::size_t taken = 0, notListed = 0;
     Status status = kGood;
 };
 
@@ -127,7 +130,11 @@ void Take(const Options& options, const qel::CabinetSalvage& salvage, const Piec
     }
     if (!file.empty()) ++result.taken;
     result.status = std::max(result.status, status);
-    result.text += Line(options, piece, file, detail);
+    if (!options.json) return Print(Line(options, piece, file, detail));
+    if (result.json["parts"].size() == kMostParts) {
+        ++result.notListed;
+        return;
+    }
     result.json["parts"].push_back({{"state", MeaningOf(piece).name},
                                     {"version", piece.number},
                                     {"lastVersion", piece.lastNumber},
@@ -138,23 +145,26 @@ void Take(const Options& options, const qel::CabinetSalvage& salvage, const Piec
                                     {"detail", detail}});
 }
 
-void AddHeader(const Options& options, const qel::CabinetSalvage& salvage, Salvaged& result) {
+void Summarize(const Options& options, const qel::CabinetSalvage& salvage, Salvaged& result) {
     const std::optional<CGuid> guid = salvage.Guid();
     result.json["guid"] = guid ? Json(std::string(guid->GetString())) : Json(nullptr);
     result.json["headerIntact"] = salvage.HasHeader();
     result.json["unreadableBytes"] = salvage.UnreadableBytes();
     result.json["givenUp"] = salvage.HasGivenUp();
     result.json["takenOut"] = result.taken;
+    result.json["partsNotListed"] = result.notListed;
+    std::string text;
     const std::string name = Shown(options.cabinet) + ": ";
     if (!salvage.HasHeader()) {
-        result.text += name + "its header is damaged" +
-                       (guid ? "" : ", and its identity is not known: a new cabinet has one of its own") + '\n';
+        text += name + "its header is damaged" +
+                (guid ? "" : ", and its identity is not known: a new cabinet has one of its own") + '\n';
         result.status = std::max(result.status, kBadHeader);
     }
     if (salvage.UnreadableBytes() > 0)
-        result.text += name + Count(salvage.UnreadableBytes(), "byte", "bytes") + " cannot be read\n";
-    if (salvage.HasGivenUp()) result.text += name + "has too many headers of versions to look at all of them\n";
-    result.text += Count(result.taken, "version", "versions") + " taken out\n";
+        text += name + Count(salvage.UnreadableBytes(), "byte", "bytes") + " cannot be read\n";
+    if (salvage.HasGivenUp()) text += name + "has too many headers of versions to look at all of them\n";
+    text += Count(result.taken, "version", "versions") + " taken out\n";
+    options.json ? Print(result.json) : Print(text);
 }
 
 Status Salvage(const Options& options) {
@@ -162,11 +172,10 @@ Status Salvage(const Options& options) {
     OnFile(options.cabinet, [&] { Open(file, options.cabinet, CFile::modeRead | CFile::shareDenyWrite); });
     qel::CabinetSalvage salvage(file);
     const std::unique_ptr<Target> target = TargetOf(options);
-    Salvaged result{{{"file", options.cabinet}, {"parts", Json::array()}}, {}, 0, kGood};
+    Salvaged result{{{"file", options.cabinet}, {"parts", Json::array()}}};
     while (const std::optional<Piece> piece = salvage.Next()) Take(options, salvage, *piece, *target, result);
     target->Finish(salvage);
-    AddHeader(options, salvage, result);
-    options.json ? Print(result.json) : Print(result.text);
+    Summarize(options, salvage, result);
     return result.status;
 }
 
