@@ -27,3 +27,4 @@
 #include "qellib10/record/trail_kind.h"
 #include "qellib10/record/trail_reader.h"
 #include "qellib10/record/trail_settings.h"
+#include "qellib10/record/trail_signers.h"

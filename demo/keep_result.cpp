@@ -121,12 +121,13 @@ const CHistoryRenewInfo& Register(const Options& options, History& history, Made
 
 // The report of the latest version as a print job, and its curve as a picture.
 std::string KeepReport(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
-                       ReportPrinter& printer, const std::string& fingerprint, MadeFiles& made) {
+                       ReportPrinter& printer, const std::string& fingerprint, ArchiveTrail& trail, MadeFiles& made) {
     CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, made.Path("curve.png"));
     made.Add("curve.png", fingerprint);
     const std::string name = JobName(version);
     if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": " + Why("cannot be written"));
     made.Add(name, fingerprint);
+    trail.EnterFile(qel::trail_kind::kReportPrinted, name);
     return "Drawn      curve.png, in one drawing with the report's curve\n"
            "Job        " +
            name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
@@ -147,7 +148,7 @@ std::string KeepResult(const Options& options, Session& session, History& histor
     text += KeepOrigin(history.Latest() + 1, measured, made);
     const CHistoryRenewInfo& record = Register(options, history, made);
     text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
-    return text + KeepReport(titration, history.Latest(), record, printer, fingerprint, made);
+    return text + KeepReport(titration, history.Latest(), record, printer, fingerprint, trail, made);
 }
 
 }  // namespace titration

@@ -90,14 +90,14 @@ bool MatchesPatterns(std::string_view patterns, std::string_view text) {
 }
 
 AllowedSigners::AllowedSigners(std::string_view text) {
-    for (int number = 1; !text.empty(); ++number) {
+    for (std::uint64_t number = 1; !text.empty(); ++number) {
         std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(line.size() + 1, text.size()));
         if (line.ends_with('\r')) line.remove_suffix(1);
         const std::size_t start = line.find_first_not_of(kBlanks);
         if (start == std::string_view::npos || line[start] == '#') continue;
         try {
-            AddLine(line.substr(start));
+            AddLine(number, line.substr(start));
         } catch (const DataError& failure) {
             throw DataError("line " + std::to_string(number) + " of the allowed signers: " + failure.what());
         }
@@ -108,8 +108,9 @@ AllowedSigners AllowedSigners::OfFile(const std::string& path) {
     return AllowedSigners(ReadShortFile(path, kLongestFile, "the file of allowed signers is longer than 1 MiB"));
 }
 
-void AllowedSigners::AddLine(std::string_view line) {
+void AllowedSigners::AddLine(std::uint64_t number, std::string_view line) {
     Signer signer;
+    signer.line = number;
     bool isAuthority = false;
     if (TakeWord(line).empty()) throw DataError("names nobody");  // whoever it is: every name is trusted alike
     std::string_view word = TakeWord(line);
@@ -118,8 +119,8 @@ void AllowedSigners::AddLine(std::string_view line) {
         word = TakeWord(line);
     }
     if (!IsTypeOfKey(word)) throw DataError("has no key");
-    if (isAuthority || word != kSshKeyType) return;
-    signer.key = SshPublicKey::OfText(std::string(word) + ' ' + std::string(TakeWord(line)));
+    const bool isKey = !isAuthority && word == kSshKeyType;
+    if (isKey) signer.key = SshPublicKey::OfText(std::string(word) + ' ' + std::string(TakeWord(line)));
     m_signers.push_back(std::move(signer));
 }
 
@@ -151,15 +152,19 @@ void AllowedSigners::ReadOptions(std::string_view options, Signer& signer, bool&
     }
 }
 
+bool AllowedSigners::Signer::IsFor(std::string_view nameSpace) const {
+    return !namespaces || MatchesPatterns(*namespaces, nameSpace);
+}
+
 AllowedSigners::Answer AllowedSigners::Ask(const SshPublicKey& key, std::string_view nameSpace,
                                            std::int64_t time) const {
     Answer answer = Answer::kUnknown;
     for (const Signer& signer : m_signers) {
-        if (signer.key != key || (signer.namespaces && !MatchesPatterns(*signer.namespaces, nameSpace))) continue;
-        const bool isValid =
-            (!signer.validAfter || time >= *signer.validAfter) && (!signer.validBefore || time <= *signer.validBefore);
-        if (isValid) return Answer::kAllowed;
-        answer = Answer::kNotValidThen;
+        if (signer.key != key || !signer.IsFor(nameSpace)) continue;
+        const bool isEarly = signer.validAfter && time < *signer.validAfter;
+        const bool isLate = signer.validBefore && time > *signer.validBefore;
+        if (!isEarly && !isLate) return Answer::kAllowed;
+        answer = isEarly ? Answer::kNotYetValid : Answer::kEnded;
     }
     return answer;
 }

@@ -23,17 +23,23 @@ public:
     /// Of a file of at most 1 MiB. @throws CFileException too
     static AllowedSigners OfFile(const std::string& path);
 
-    enum class Answer { kUnknown, kNotValidThen, kAllowed };
+    enum class Answer { kUnknown, kNotYetValid, kEnded, kAllowed };
     /// @param time seconds since 1970 in UTC
     Answer Ask(const SshPublicKey& key, std::string_view nameSpace, std::int64_t time) const;
 
-private:
+    // A line of the file.
     struct Signer {
-        SshPublicKey key;
+        std::uint64_t line = 0;           // from 1
+        std::optional<SshPublicKey> key;  // nothing: one of another kind, or an authority's
         std::optional<std::string> namespaces;
         std::optional<std::int64_t> validAfter, validBefore;
+
+        bool IsFor(std::string_view nameSpace) const;
     };
-    void AddLine(std::string_view line);
+    const std::vector<Signer>& Signers() const noexcept { return m_signers; }
+
+private:
+    void AddLine(std::uint64_t number, std::string_view line);
     static void ReadOptions(std::string_view options, Signer& signer, bool& isAuthority);
 
     std::vector<Signer> m_signers;

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <span>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/crypto/digest.h"
@@ -12,6 +13,13 @@
 #include "qellib10/secure/cabinet_reader.h"
 
 namespace qel {
+namespace {
+
+CFile Opened(std::string_view path) { return CFile(CString(path), CFile::modeRead | CFile::shareDenyNone); }
+
+std::string GuidOf(const CFile& cabinet) { return std::string(CabinetReader(cabinet).Header().guid.GetString()); }
+
+}  // namespace
 
 struct CabinetRecords::State {
     std::map<std::string, VersionList> cabinets;  // by GUID; those that were not compared
@@ -35,6 +43,10 @@ int CabinetRecords::Read(std::string_view trailPath) { return Read(trailPath, {}
 
 int CabinetRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
     *m_state = {};
+    return ReadOn(trailPath, last);
+}
+
+int CabinetRecords::ReadOn(std::string_view trailPath, const TrailReceipt& last) {
     const auto read = [&] {
         ReadChecked(trailPath, last, [&](std::string_view line) {
             // Most entries are about no cabinet; taking each apart would take as long as reading a trail does.
@@ -47,17 +59,36 @@ int CabinetRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
 
 int CabinetRecords::Compare(std::string_view cabinetPath, Cabinet& cabinet) {
     cabinet = {};
+    return Compare(cabinetPath, cabinet.guid,
+                   [&](const RecordedVersion& version) { cabinet.versions.push_back(version); });
+}
+
+int CabinetRecords::Compare(std::string_view cabinetPath, std::string& guid,
+                            const std::function<void(const RecordedVersion& version)>& take) {
+    guid.clear();
     const auto compare = [&] {
-        const CFile file(CString(cabinetPath), CFile::modeRead | CFile::shareDenyNone);
-        cabinet.guid = std::string(CabinetReader(file).Header().guid.GetString());
-        auto known = m_state->cabinets.extract(cabinet.guid);
-        if (known.empty()) {
-            cabinet.versions = VersionList(cabinet.guid).With(file);  // none of them is known
-        } else {
-            cabinet.versions = known.mapped().With(file);
-        }
+        const CFile file = Opened(cabinetPath);
+        guid = GuidOf(file);
+        auto known = m_state->cabinets.extract(guid);
+        VersionList none(guid);
+        (known.empty() ? none : known.mapped()).Compare(file, take);
     };
     return Succeeds("CabinetRecords::Compare", compare) ? 1 : 0;
+}
+
+int CabinetRecords::TakeOut(std::string_view cabinetPath, CabinetRecords& one) {
+    *one.m_state = {};
+    const auto takeOut = [&] { one.m_state->cabinets.insert(m_state->cabinets.extract(GuidOf(Opened(cabinetPath)))); };
+    return Succeeds("CabinetRecords::TakeOut", takeOut) ? 1 : 0;
+}
+
+std::string CabinetRecords::Sum() const {
+    Sha256Sum sum;
+    for (const auto& [guid, versions] : m_state->cabinets) {
+        sum.Add(std::as_bytes(std::span(guid)));
+        versions.AddTo(sum);
+    }
+    return Hex(sum.End());
 }
 
 std::vector<CabinetRecords::Cabinet> CabinetRecords::Rest() {

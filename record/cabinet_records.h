@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,11 +45,23 @@ public:
     /// The same up to the last entry that CheckTrail has seen, TrailReport::entries and TrailReport::head: later ones
     /// do not count. @return 0 also when the trail does not have it, since somebody has exchanged the file in between
     int Read(std::string_view trailPath, const TrailReceipt& last);
+    /// Reads one more trail, which continues the one that was read last: what both say counts.
+    int ReadOn(std::string_view trailPath, const TrailReceipt& last);
 
     /// Reads every version of a cabinet. Gives them in the order of their numbers, then those that are missing in it. A
     /// copy of a cabinet that was compared already is a finding: nobody knows which of the two is meant.
     /// @return 0 when the file cannot be read, or has no header of a cabinet
     int Compare(std::string_view cabinetPath, Cabinet& cabinet);
+    /// The same, one version after the other, in constant memory: whoever forges a cabinet may put millions into it.
+    /// @param guid the cabinet's, set before the first version is given
+    int Compare(std::string_view cabinetPath, std::string& guid,
+                const std::function<void(const RecordedVersion& version)>& take);
+
+    /// Moves what is known about one cabinet into @p one, which then compares it, also in another thread.
+    /// @return 0 as Compare
+    int TakeOut(std::string_view cabinetPath, CabinetRecords& one);
+    /// SHA-256 over all that is known about cabinets that were not compared: the same only for the same records.
+    std::string Sum() const;
 
     /// The cabinets that were not compared and have recorded versions: all of these are missing.
     std::vector<Cabinet> Rest();

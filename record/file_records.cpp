@@ -60,6 +60,10 @@ RecordedFile::State StateOf(const RecordedFile& file, const std::string& root) {
 
 int FileRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
     m_files.clear();
+    return ReadOn(trailPath, last);
+}
+
+int FileRecords::ReadOn(std::string_view trailPath, const TrailReceipt& last) {
     const auto take = [&](std::string_view line) {
         TrailEntry entry;
         try {
@@ -86,13 +90,18 @@ int FileRecords::Read(std::string_view trailPath, const TrailReceipt& last) {
 }
 
 std::vector<RecordedFile> FileRecords::Compare(std::string_view folder) const {
-    const std::string root = ToPosixPath(folder) + '/';
-    std::vector<RecordedFile> files;
-    for (const RecordedFile& file : std::views::values(m_files)) {
-        files.push_back(file);
-        files.back().state = StateOf(file, root);
-    }
+    std::vector<RecordedFile> files = All();
+    for (RecordedFile& file : files) file.state = StateIn(folder, file);
     return files;
+}
+
+std::vector<RecordedFile> FileRecords::All() const {
+    const auto files = std::views::values(m_files);
+    return {files.begin(), files.end()};
+}
+
+RecordedFile::State FileRecords::StateIn(std::string_view folder, const RecordedFile& file) {
+    return StateOf(file, ToPosixPath(folder) + '/');
 }
 
 }  // namespace qel

@@ -50,10 +50,15 @@ public:
     /// later ones do not count; with number 0 the trail is taken as it is
     /// @return 0 when it cannot be read, or is not the one that was checked; qel::LastFailure has the reason
     int Read(std::string_view trailPath, const TrailReceipt& last = {});
+    /// Reads one more trail, which continues the one that was read last.
+    int ReadOn(std::string_view trailPath, const TrailReceipt& last);
 
     /// Reads the files that entries name, in the order of their paths. Those outside the folder are left out.
     /// @param folder the archive's, in the library's form
     std::vector<RecordedFile> Compare(std::string_view folder) const;
+    /// The same without reading the files: each is kRecorded. StateIn reads one of them, in any thread.
+    std::vector<RecordedFile> All() const;
+    static RecordedFile::State StateIn(std::string_view folder, const RecordedFile& file);
 
     /// Whether an entry names the file. @param path as RecordedFile::path
     bool Names(std::string_view path) const { return m_files.contains(std::string(path)); }

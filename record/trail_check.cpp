@@ -48,7 +48,8 @@ private:
 
     void Find(TrailFault fault, std::string text, const std::string& signer = "", std::uint64_t lastMissing = 0) {
         ++m_report.findingCount;
-        if (fault == TrailFault::kOrder || fault == TrailFault::kChanged) BreakChain();
+        if (fault == TrailFault::kOrder || fault == TrailFault::kOtherTrail || fault == TrailFault::kChanged)
+            BreakChain();
         if (m_report.findings.size() == TrailReport::kMostFindings) return;
         TrailFinding finding{
             .fault = fault, .entry = m_next, .byte = m_line.at, .lastMissing = lastMissing, .signer = signer};
@@ -110,6 +111,8 @@ private:
         if (m_report.findingCount != before) return;
         m_trust.Learn(line);
         if (entry.number == 1) m_isStartRight = true;
+        const bool isClockSet = entry.action == trail_kind::kClockJumped || entry.clock;
+        if (isClockSet && m_report.clockSet++ == 0) m_report.firstClockSet = entry.number;
         if (entry.action == trail_kind::kTimeStamp) TakeStamp(entry);
     }
 
@@ -171,12 +174,12 @@ private:
                 entry.action == trail_kind::kTrailStarted || entry.action == trail_kind::kTrailContinued;
             if (!starts) Find(TrailFault::kOrder, "the trail does not begin with its start");
             if (!m_anchors.trailId.empty() && m_anchors.trailId != entry.trailId)
-                Find(TrailFault::kOrder, "this is another trail: " + entry.trailId);
+                Find(TrailFault::kOtherTrail, "this is another trail: " + entry.trailId);
             if (m_known && m_known->trailId != entry.trailId)
-                Find(TrailFault::kOrder, "the head file is that of another trail: " + m_known->trailId);
+                Find(TrailFault::kOtherTrail, "the head file is that of another trail: " + m_known->trailId);
         }
         if (m_report.trailId != entry.trailId)
-            Find(TrailFault::kOrder, "the entry is of another trail: " + entry.trailId);
+            Find(TrailFault::kOtherTrail, "the entry is of another trail: " + entry.trailId);
     }
 
     void CheckTime(const TrailEntry& entry) {
@@ -196,7 +199,9 @@ private:
         }
         const std::optional<TrailFault> fault = m_trust.FaultOf(line);
         if (fault == TrailFault::kEndedKey)
-            Find(*fault, "the entry's key was not valid at that time", key.Fingerprint());
+            Find(*fault, "the entry's key was not valid any more at that time", key.Fingerprint());
+        if (fault == TrailFault::kKeyNotYetValid)
+            Find(*fault, "the entry's key was not yet valid at that time", key.Fingerprint());
         if (fault == TrailFault::kRevokedKey) Find(*fault, "the entry's key was revoked", key.Fingerprint());
         if (fault == TrailFault::kUnknownSigner)
             Find(*fault, "the entry is signed by a key that is not trusted", key.Fingerprint());

@@ -30,14 +30,16 @@ struct QELLIB10_API TrailAnchors {
 enum class TrailFault {
     kCut,            ///< it ends within a line
     kMalformed,      ///< a line that no trail writes, byte for byte
-    kOrder,          ///< an entry has another number than follows, or another trail's ID, or names another entry before
+    kOrder,          ///< an entry has another number than follows, or names another entry before
     kChanged,        ///< an entry is not what was signed
     kUnknownSigner,  ///< signed by a key that nobody trusted has announced
-    kEndedKey,       ///< signed by a key that was not valid at that time
+    kEndedKey,       ///< signed by a key that was not valid any more at that time
     kClock,          ///< the time of an entry is before that of the one before
     kMissing,        ///< entries that were there are missing
     kTimeStamp,      ///< a time stamp is not one of its entry, not the authority's, or of a time that does not fit
     kRevokedKey,  ///< signed by a key that was revoked, from that entry on, or nothing shows that it was there before
+    kOtherTrail,  ///< an entry has another trail's ID, or the trail is not the one that is known from elsewhere
+    kKeyNotYetValid,  ///< signed by a key that was not yet valid at that time
 };
 
 struct QELLIB10_API TrailFinding {
@@ -73,6 +75,10 @@ struct QELLIB10_API TrailReport {
     /// there is none. Only with TrailAnchors::tsaCa.
     std::uint64_t stamped = 0;
     std::int64_t stampTime = 0;
+    /// Entries that say that somebody has set the clock: of the kind trail_kind::kClockJumped, and those with a
+    /// TrailEntry::clock; and the number of the first one. They are no findings.
+    std::uint64_t clockSet = 0;
+    std::uint64_t firstClockSet = 0;
 
     static constexpr std::size_t kMostFindings = 1000;
 };

@@ -28,7 +28,8 @@ std::optional<TrailFault> TrailTrust::FaultOf(const ReadLine& line) const {
     if (!isActive && m_places.contains(key)) return TrailFault::kEndedKey;
     if (m_allowed) {
         const auto answer = m_allowed->Ask(key, kEntryNamespace, SecondOf(line.entry.time));
-        if (answer == AllowedSigners::Answer::kNotValidThen) return TrailFault::kEndedKey;
+        if (answer == AllowedSigners::Answer::kNotYetValid) return TrailFault::kKeyNotYetValid;
+        if (answer == AllowedSigners::Answer::kEnded) return TrailFault::kEndedKey;
         if (answer == AllowedSigners::Answer::kUnknown) return TrailFault::kUnknownSigner;
     }
     const bool isNamed = m_key.empty() ? line.entry.number == 1 : IsNamed(key);

@@ -1,6 +1,7 @@
 #include "qellib10/record/version_list.h"
 
 #include <set>
+#include <span>
 #include <utility>
 
 #include "qellib10/platform/crypto/digest.h"
@@ -106,23 +107,37 @@ RecordedVersion VersionList::Compared(std::uint64_t number, std::uint64_t size, 
     return version;
 }
 
-std::vector<RecordedVersion> VersionList::With(const CFile& cabinet) {
+void VersionList::Compare(const CFile& cabinet, const std::function<void(const RecordedVersion& version)>& take) {
     CabinetReader reader(cabinet);
     const std::uint64_t latest = reader.Header().versionCount;
-    std::vector<RecordedVersion> versions;
-    const auto take = [&](std::uint64_t number, const FileDigest& found) {
-        versions.push_back(Compared(number, found.size, found.sha256));
+    std::uint64_t next = 1;
+    const auto compare = [&](std::uint64_t number, const FileDigest& found) {
+        take(Compared(number, found.size, found.sha256));
+        ++next;
     };
-    ForEachVersion(cabinet, reader, take);
+    ForEachVersion(cabinet, reader, compare);
     // A damaged header may claim any number of versions: those that the trail knows, and one for all others.
-    const std::uint64_t next = versions.size() + 1;
     std::set<std::uint64_t> lost;
     for (auto known = m_known.lower_bound(next); known != m_known.end() && known->first <= latest; ++known)
         lost.insert(known->first);
     if (next <= latest) lost.insert(next);
-    for (const std::uint64_t number : lost) take(number, {});
-    for (RecordedVersion& missing : Missing()) versions.push_back(std::move(missing));
+    for (const std::uint64_t number : lost) take(Compared(number, 0, ""));
+    for (const RecordedVersion& missing : Missing()) take(missing);
+}
+
+std::vector<RecordedVersion> VersionList::With(const CFile& cabinet) {
+    std::vector<RecordedVersion> versions;
+    Compare(cabinet, [&](const RecordedVersion& version) { versions.push_back(version); });
     return versions;
+}
+
+// The hash of an entry is that of all that it says.
+void VersionList::AddTo(Sha256Sum& sum) const {
+    for (const auto& [number, version] : m_known) {
+        const std::string line = std::to_string(number) + ' ' + std::to_string(static_cast<int>(version.state)) + ' ' +
+                                 version.entryHash + '\n';
+        sum.Add(std::as_bytes(std::span(line)));
+    }
 }
 
 std::vector<RecordedVersion> VersionList::Missing() {

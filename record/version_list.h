@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "qellib10/platform/crypto/digest.h"
 #include "qellib10/platform/storage/file.h"
 #include "qellib10/record/recorded_version.h"
 #include "qellib10/record/trail.h"
@@ -28,9 +30,14 @@ public:
     /// The same entry by entry, with the hash of each one's line; KeepInterrupted ends it.
     void Take(const TrailEntry& entry, const std::string& hash);
     void KeepInterrupted();
-    /// Reads the cabinet once. @return its versions, and those that are missing
+    /// Reads the cabinet once. Gives its versions one by one, since a forged cabinet has any number of them, and then
+    /// those that are missing.
+    void Compare(const CFile& cabinet, const std::function<void(const RecordedVersion& version)>& take);
+    /// The same as a list.
     std::vector<RecordedVersion> With(const CFile& cabinet);
-    /// Those that With has not given, or all of them.
+    /// Adds all that is known to a sum.
+    void AddTo(Sha256Sum& sum) const;
+    /// Those that Compare has not given, or all of them.
     std::vector<RecordedVersion> Missing();
 
 private:
@@ -39,7 +46,7 @@ private:
 
     std::string m_cabinet;                             // its GUID
     std::optional<RecordedVersion> m_started;          // the registering whose end has not come yet
-    std::map<std::uint64_t, RecordedVersion> m_known;  // by number; those that With has not given yet
+    std::map<std::uint64_t, RecordedVersion> m_known;  // by number; those that Compare has not given yet
 };
 
 }  // namespace qel

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "demo/attack/attacker.h"
+#include "demo/attack/clock_set_back.h"
 #include "demo/attack/forged_cabinet.h"
+#include "demo/result/archive_trail.h"
 #include "demo/result/result_file.h"
 #include "demo/support/failure.h"
 #include "demo/support/file_step.h"
@@ -93,6 +95,19 @@ void SetClockBack(Archive archive) {
     archive.WriteLines(lines);
 }
 
+// The application makes an entry, and somebody has set the clock of the computer back by a day.
+void EnterWithClockSetBack(Archive archive) {
+    const Installation installation(archive.Folder());
+    const ClockSetBack clock(std::chrono::hours(24));
+    qel::Trail trail({.path = archive.Path(kTrail),
+                      .headPath = installation.HeadPath(),
+                      .application = "titration",
+                      .version = TITRATION_VERSION},
+                     installation.Key());
+    if (trail.Open() == 0 || !trail.Append({.user = "demo", .action = std::string(qel::trail_kind::kLogon)}))
+        throw Failure(Why("the trail does not take the entry"));
+}
+
 // The signature of an entry in the place of another one's.
 void ExchangeSignatures(Archive archive) {
     Lines lines = archive.Lines();
@@ -111,6 +126,7 @@ void AddAttacksOnEntries(std::vector<Attack>& all) {
     add("the user of an entry changed", "not what was signed", OnEntry(kSignature, "\"user\":\"", "\"user\":\"x"));
     add("the reason of a change changed", "not what was signed", OnEntry(kMethod, "\"reason\":\"", "\"reason\":\"x"));
     add("the time of an entry set back", "is not what was signed", SetClockBack);
+    add("an entry written with the clock set back", "the clock was set back to", EnterWithClockSetBack);
     add("a blank put between two keys of an entry", "is no entry", OnEntry(kMethod, ",\"user\":", ", \"user\":"));
     add("an entry deleted", "names another one before it", OnLines([](Lines& lines) { lines.erase(lines.end() - 5); }));
     add("two entries exchanged", "entry", OnLines([](Lines& lines) { std::swap(lines[9], lines[10]); }));
@@ -133,6 +149,10 @@ void AddAttacksWithAnotherKey(std::vector<Attack>& all) {
     all.push_back({"an own key announced with itself", Known::kHead, "signed by a key", [](Archive archive) {
                        const Attacker attacker(archive);
                        attacker.Append("\"action\":\"person key added\"", "person key added", "key added");
+                   }});
+    all.push_back({"allowed_signers replaced by a list with an own key", Known::kHead, "that no entry has announced",
+                   [](Archive archive) {
+                       archive.Write(kAllowedSigners, "installation " + Attacker(archive).PublicKey() + '\n');
                    }});
     all.push_back({"the whole trail made again with an own key", Known::kHead, "that of another trail", again});
     all.push_back({"the same, and only the installation's key known", Known::kKey, "this is another trail", again});

@@ -21,6 +21,10 @@ CopiedArchive::CopiedArchive(const CString& archive) {
     m_folder = folder;
     std::error_code error;
     fs::copy(qel::ToPosixPath(archive.View()), m_folder / "archive", fs::copy_options::recursive, error);
+    const CString installation = archive + ".installation";
+    if (!error)
+        fs::copy(qel::ToPosixPath(installation.View()), m_folder / "archive.installation", fs::copy_options::recursive,
+                 error);
     if (error) throw Failure(std::string(archive) + ": cannot be copied: " + error.message());
 }
 

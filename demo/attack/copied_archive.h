@@ -10,7 +10,8 @@
 namespace titration {
 
 /// A copy of an output folder, in a folder of its own that is deleted at the end of the scope. Its trail is a list of
-/// lines that an attack may change.
+/// lines that an attack may change. Next to it is a copy of what the installation has, for an attack in which the
+/// application itself writes.
 class CopiedArchive {
 public:
     explicit CopiedArchive(const CString& archive);

@@ -1,6 +1,7 @@
 #include "demo/result/archive_trail.h"
 
 #include "demo/support/file_step.h"
+#include "demo/support/text_file.h"
 
 namespace titration {
 
@@ -12,6 +13,15 @@ ArchiveTrail::ArchiveTrail(const MadeFiles& made, const Installation& installati
                .version = TITRATION_VERSION},
               installation.Key()) {
     if (m_trail.Open() == 0) throw Failure(made.Path(kTrail) + ": " + Why("cannot be opened"));
+    KeepSigners();
+}
+
+void ArchiveTrail::KeepSigners() const {
+    const std::string path = m_made.Path(kAllowedSigners);
+    if (CQFile::IsExist(path.c_str()) != 0) return;
+    qel::TrailSigners signers;
+    if (signers.Read(m_made.Path(kTrail)) == 0) throw Failure(m_made.Path(kTrail) + ": " + Why("cannot be read"));
+    WriteTextFile(signers.Text(), path);
 }
 
 qel::TrailReceipt ArchiveTrail::Enter(qel::TrailRecord record) {

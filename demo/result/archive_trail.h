@@ -11,11 +11,13 @@
 namespace titration {
 
 inline constexpr const char* kTrail = "trail.jsonl";
+inline constexpr const char* kAllowedSigners = "allowed_signers";
 
 /// The trail of the output folder: who did what, when and why. What cannot be entered is not done.
 class ArchiveTrail {
 public:
-    /// Opens it; a missing one is started.
+    /// Opens it; a missing one is started. A missing file of allowed signers is written, for people who check the trail
+    /// by ssh-keygen: it proves nothing, since it lies in the folder, but it has to agree with the entries.
     /// @throws Failure if entries are missing, and if it cannot be written
     ArchiveTrail(const MadeFiles& made, const Installation& installation);
 
@@ -32,6 +34,8 @@ public:
     qel::Trail& Trail() { return m_trail; }
 
 private:
+    void KeepSigners() const;
+
     const MadeFiles& m_made;
     qel::Trail m_trail;
     std::string m_user;

@@ -11,6 +11,8 @@ namespace {
 
 using Findings = std::vector<std::string>;
 
+constexpr std::int64_t kLargestStep = 2000;  // ms, by which a time server may correct a clock
+
 const char* Sentence(qel::RecordedState state) {
     switch (state) {
         case qel::RecordedState::kChanged:
@@ -77,6 +79,14 @@ Findings RecordChecks::OfTrail() {
     Findings findings;
     for (const qel::TrailFinding& finding : m_report.findings)
         findings.push_back("entry " + std::to_string(finding.entry) + ": " + finding.text);
+    if (m_report.clockSet == 0) return findings;
+    ForEachEntry(Path(kTrail), [&](const qel::TrailEntry& entry) {
+        const bool isJump = entry.action == qel::trail_kind::kClockJumped && entry.after < entry.before;
+        const bool isBack = entry.clock && entry.time - *entry.clock > kLargestStep;
+        if (isJump || isBack)
+            findings.push_back("entry " + std::to_string(entry.number) + ": the clock was set back to " +
+                               (isJump ? entry.after : qel::TrailTimeText(*entry.clock)));
+    });
     return findings;
 }
 
@@ -138,9 +148,22 @@ Findings RecordChecks::OfFiles() const {
     return findings;
 }
 
+Findings RecordChecks::OfSigners() const {
+    const std::string path = Path(kAllowedSigners);
+    if (CQFile::IsExist(path.c_str()) == 0) return {};
+    qel::TrailSigners signers;
+    if (signers.Read(Path(kTrail), Checked()) == 0) return {Why("the trail cannot be read")};
+    std::vector<qel::SignersDifference> differences;
+    if (signers.Compare(path, differences) == 0) return {std::string(kAllowedSigners) + ": " + Why("cannot be read")};
+    Findings findings;
+    for (const qel::SignersDifference& difference : differences)
+        findings.push_back(std::string(kAllowedSigners) + ": " + difference.text);
+    return findings;
+}
+
 Findings RecordChecks::All() {
     Findings all = OfTrail();
-    for (const Findings& more : {OfVersions(), OfSignatures(), OfFiles()})
+    for (const Findings& more : {OfVersions(), OfSignatures(), OfFiles(), OfSigners()})
         all.insert(all.end(), more.begin(), more.end());
     return all;
 }

@@ -15,7 +15,7 @@ public:
     /// @param anchors what is known from outside the folder
     RecordChecks(const CString& archive, qel::TrailAnchors anchors);
 
-    /// The entries: form, signatures, order, and that none is missing.
+    /// The entries: form, signatures, order, that none is missing, and that nobody has set the clock back.
     std::vector<std::string> OfTrail();
     /// After OfTrail: "12 entries, consistent", or why nobody can be sure.
     std::string Summary() const;
@@ -25,6 +25,8 @@ public:
     std::vector<std::string> OfSignatures() const;
     /// Files that entries name: sealed, printed, exported. The last entry about a file counts.
     std::vector<std::string> OfFiles() const;
+    /// The archive's own file of allowed signers, if there is one: whether it says the same as the entries about keys.
+    std::vector<std::string> OfSigners() const;
     /// All of these.
     std::vector<std::string> All();
 

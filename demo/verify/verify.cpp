@@ -154,6 +154,7 @@ private:
         check("versions in the trail", "each is what was registered", checks.OfVersions());
         check("signatures", "each by its person, as the rules say", checks.OfSignatures());
         check("files in the trail", "each is what was sealed, printed or exported", checks.OfFiles());
+        check(kAllowedSigners, "says the same as the trail", checks.OfSigners());
     }
 
     // Files that no other check has seen, and files that are missing.

@@ -338,17 +338,18 @@ TEST(QelTrail, ComparesTheCabinetsOfAnArchive) {
     for (const auto& [what, change, found] : Cases<const char*, void (*)(Two), const char*>{
              {"nothing", [](Two) {}, "0\n"},
              {"a byte", [](Two two) { two.Change(1, 'O'); },
-              "c: version 2: is not what was registered, entry 5 by sato\n6\n"},
-             {"one without a trail", [](Two two) { two.Add("three"); }, "c: version 3: no entry announced it\n16\n"},
+              "c: version 2, byte 79: is not what was registered, entry 5 by sato\n27\n"},
+             {"one without a trail", [](Two two) { two.Add("three"); },
+              "c: version 3, byte 102: no entry announced it\n16\n"},
              {"an older state", [](Two two) { two.PutBack(two.before[1]); },
-              "c: version 2: was registered, and is not there, entry 5 by sato\n15\n"},
+              "c: version 2: was registered, and is not there, entry 5 by sato\n29\n"},
              {"no cabinet", [](Two two) { std::filesystem::remove(two.Posix("c")); },
               "version 1: was registered, and is not there, entry 3 by mori\n"
-              "version 2: was registered, and is not there, entry 5 by sato\n15\n"},
+              "version 2: was registered, and is not there, entry 5 by sato\n29\n"},
              {"a damaged header", [](Two two) { two.Write("c", two.Read("c").replace(10, 1, "x")); },
               "c: a damaged cabinet header\n"},
              {"a copy", [](Two two) { two.Write("d", two.Read("c")); },
-              "d: version 1: no entry announced it\nd: version 2: no entry announced it\n16\n"},
+              "d: version 1, byte 56: no entry announced it\nd: version 2, byte 79: no entry announced it\n16\n"},
          }) {
         const TwoVersions two;
         change(two);

@@ -161,7 +161,7 @@ TEST(TrailCheck, AgreesWithTheScriptOnChangedTrails) {
              {"another time before", [](Lines& l) { SignAgain(l, 3, 1, [](auto& e) { e.time -= 60'000; }); },
               "clock 4 missing 4 missing 5"},
              {"another trail", [](Lines& l) { SignAgain(l, 3, 1, [](auto& e) { e.trailId = std::string(32, '0'); }); },
-              "order 4 missing 4 missing 5"},
+              "other 4 missing 4 missing 5"},
              {"another number", [](Lines& l) { SignAgain(l, 3, 1, [](auto& e) { e.number = 5; }); }, nullptr},
              {"by somebody else", [](Lines& l) { SignAgain(l, 3, 2, [](auto&) {}); }, "signer 4 missing 4 missing 5"},
              {"a high number by somebody else",
@@ -197,13 +197,14 @@ TEST(TrailCheck, AgreesWithSshKeygenOnWhomToTrust) {
     const std::string key = ByteSigner(1).PublicKey() + '\n';
     for (const auto& [allowed, findings] : Cases<std::string, const char*>{
              {"inst " + key, ""},
+             {"!x,inst " + key, ""},
              {"a,b cert-authority " + key + "inst " + key, ""},
              {"inst cert-authority " + key, "signer 1 loose"},
              {"\"a b\" namespaces=\"x,qellib10-*\" " + key, ""},
              {"inst namespaces=\"*,!qellib10-entry\" " + key, "signer 1 loose"},
              {"inst namespaces=\"qellib10-signature\" " + key, "signer 1 loose"},
              {"inst namespaces=\"qellib10-entr?\",valid-after=\"20270115080000Z\" " + key, ""},
-             {"inst valid-after=\"20270115080001Z\" " + key, "ended 1 loose"},
+             {"inst valid-after=\"20270115080001Z\" " + key, "early 1 loose"},
              {"inst valid-before=\"20270115080000Z\" " + key, ""},
              {"inst valid-before=\"20270115075959Z\" " + key, "ended 1 loose"},
              {"inst valid-before=\"202701150759Z\" " + key + "inst valid-after=\"20270115Z\" " + key, ""},
@@ -270,7 +271,7 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
              {{.atLeast = 4}, "", "loose"},
              {{.trailId = sample.id, .key = sample.key}, "", ""},
              {{.trailId = sample.id, .trustFile = sample.Name("allowed")}, "", ""},
-             {{.trailId = std::string(32, '0'), .key = sample.key}, "", "order 1 loose"},
+             {{.trailId = std::string(32, '0'), .key = sample.key}, "", "other 1 loose"},
              {{.trailId = sample.id, .trustFile = sample.Name("allowed"), .key = other},
               "",
               "signer 1 signer 2 signer 3 signer 4 loose"},
@@ -396,6 +397,7 @@ TEST(QelTrail, ListsAndVerifies) {
              {[](Lines& l) { Replace(l[1], "\"format\":1", "\"format\":2"); }, "9"},
              {[](Lines& l) { SignAgain(l, 3, 2, [](auto&) {}); }, "12"},
              {[](Lines& l) { SignAgain(l, 3, 1, [](auto& e) { e.time -= 60'000; }); }, "14"},
+             {[](Lines& l) { SignAgain(l, 3, 1, [](auto& e) { e.trailId = std::string(32, '0'); }); }, "25"},
          }) {
         Lines changed = lines;
         if (*status != '7') changed.pop_back();

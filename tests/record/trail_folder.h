@@ -94,8 +94,8 @@ public:
     }
     /// The first word of each finding's kind, such as "changed 3".
     static std::string Findings(const qel::TrailReport& report) {
-        constexpr const char* kNames[] = {"cut",   "malformed", "order",   "changed", "signer",
-                                          "ended", "clock",     "missing", "stamp",   "revoked"};
+        constexpr const char* kNames[] = {"cut",   "malformed", "order", "changed", "signer", "ended",
+                                          "clock", "missing",   "stamp", "revoked", "other",  "early"};
         std::string found;
         for (const qel::TrailFinding& finding : report.findings)
             found += kNames[static_cast<int>(finding.fault)] + (' ' + std::to_string(finding.entry)) + ' ';

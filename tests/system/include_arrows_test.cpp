@@ -62,6 +62,7 @@ constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
     {"demo", "qellib10/qellib10.h"},  // an application takes the library as a whole
     {"demo", "qellib10/record.h"},    //
     {"demo", "qellib10/store.h"},     //
+    {"demo", "sys/syscall.h"},        //
     {"demo", "unistd.h"},             //
 };
 

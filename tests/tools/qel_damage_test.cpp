@@ -148,6 +148,11 @@ TEST(QelVerify, RenamedUnknownAndUnreadableFilesAreReported) {
     std::filesystem::remove(folder.Posix("other.dat"));
     EXPECT_EQ(folder.Qel("verify ."), "0 7 files: 6 intact, 1 unknown\n");
     EXPECT_EQ(folder.Qel("verify --strict . >/dev/null"), "3 ");
+    for (const char* start : {"<printjob", "\\0"})
+        EXPECT_EQ(folder.Qel("--version >/dev/null; printf '" + std::string(start) +
+                             "' >large.xml; truncate -s 70M large.xml; " QELLIB10_QEL " verify large.xml >/dev/null"),
+                  "38 ");
+    std::filesystem::remove(folder.Posix("large.xml"));
     const CFile written(folder.Path("list.var"), CFile::modeReadWrite | CFile::shareDenyNone);
     EXPECT_EQ(folder.Finding("list.var"), "5 unreadable");
     EXPECT_TRUE(folder.Qel("verify --json list.var").find("\"finding\": \"unreadable\"") != std::string::npos);

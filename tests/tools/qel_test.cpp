@@ -138,7 +138,11 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"", "0 calc seal verify cabinet xml job archive renewals profile plot selftest trail stamp sign key\n"},
              {"calc --", "0 --help --from --digits --check --json\n"},
              {"seal --", "0 --help --new --after --json\n"},
-             {"verify --", "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --json\n"},
+             {"verify --",
+              "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --trust --key --trail "
+              "--head "
+              "--head-file --at-least --tsa-ca --stamp --before --signatures --approvals --approval-needs-review "
+              "--author-may-approve --json\n"},
              {"--codepage 932 cabinet ", "0 list extract add salvage\n"},
              {"cabinet extract --", "0 --help --version --force\n"},
              {"cabinet add --", "0 --help --json\n"},
@@ -146,7 +150,7 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"xml get --", "0 --help --xml --count --json\n"},
              {"job render --", "0 --help --output --resolution --force --page --paper --dpi --json\n"},
              {"archive --", "0 --help --oldest --json\n"},
-             {"renewals --", "0 --help --json\n"},
+             {"renewals --", "0 --help --trail --cabinet --json\n"},
              {"profile set --", "0 --help --number\n"},
              {"trail list --", "0 --help --json\n"},
              {"trail show --", "0 --help --json\n"},
@@ -154,7 +158,8 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
               "0 --help --to --format --force --trust --key --trail --head --head-file --at-least --tsa-ca --stamp\n"},
              {"trail verify --",
               "0 --help --trust --key --trail --head --head-file --at-least --tsa-ca --stamp --archive "
-              "--signatures --approvals --approval-needs-review --author-may-approve --json\n"},
+              "--before --jobs --resume --signatures --approvals --approval-needs-review --author-may-approve "
+              "--json\n"},
              {"stamp --",
               "0 --help --request --entry --answer --tsa-ca --head-file --agent --key --signer-key --user --force "
               "--json\n"},
@@ -257,6 +262,15 @@ TEST(Qel, VerifyComparesATreeWithItsListOfBefore) {
               "23 t/new: added: is not in the list\nt/sub/c: not sealed: has to be sealed\n"
               "4 files: 1 intact, 1 unknown, 1 added, 1 not sealed\n");
     std::filesystem::remove(folder.Posix("t/new"));
+    std::filesystem::create_symlink("sealed", folder.Posix("t/link"));
+    EXPECT_EQ(folder.Qel("--version >/dev/null; mkfifo t/pipe; " QELLIB10_QEL " verify t --save-list m; " QELLIB10_QEL
+                         " verify t --against m; " QELLIB10_QEL " verify t --against l"),
+              "22 5 files: 3 intact, 2 unknown\n5 files: 3 intact, 2 unknown\n"
+              "t/link: added, link: is not in the list\nt/pipe: added, pipe: is not in the list\n"
+              "5 files: 1 intact, 2 unknown, 2 added\n");
+    ASSERT_EQ(folder.Qel("--version >/dev/null; rm t/pipe t/link; touch t/pipe; ln -s x t/link; " QELLIB10_QEL
+                         " verify t --against m >/dev/null; rm t/pipe t/link"),
+              "0 ");
     std::filesystem::remove(folder.Posix("t/sub/c"));
     EXPECT_EQ(
         folder.Qel("seal t/sealed >/dev/null && " QELLIB10_QEL " verify t --against l"),
@@ -296,7 +310,7 @@ TEST(Qel, VerifyGoesOnWithAnInterruptedRun) {
     for (const auto& [what, change, passed] : Cases<const char*, const char*, const char*>{
              {"nothing", "true", "1 changed, 1 not read again"},
              {"torn", "printf 'half a line' >>r", "1 changed, 1 not read again"},
-             {"another inode", "sed -Ei 's/^([0-9a-f]{64} [0-9]+ )/\\11/' r", "1 changed"},
+             {"another inode", "sed -Ei 's/^([0-9a-f]{64} content [0-9]+ )/\\11/' r", "1 changed"},
              {"another key", "sed -i '1s/.$/x/' r", "1 changed"},
              {"others may read it", "chmod 640 r", "mode 0600)"},
              {"a link", "mv r s; ln -s s r", "symbolic links"},

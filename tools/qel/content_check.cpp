@@ -2,10 +2,6 @@
 
 #include <algorithm>
 
-#ifdef QEL_WITH_TRAIL
-#include <qellib10/record.h>
-#endif
-
 #include "variables.h"
 
 namespace tool {
@@ -18,9 +14,15 @@ std::string BytesAt(CFile& file, ULONGLONG offset, UINT count) {
     return bytes;
 }
 
-// A zero, then whole blocks. Documents are loaded as a whole; in files without their suffix, only up to this size.
+// Documents and jobs are loaded as a whole, which takes several times their size.
+constexpr ULONGLONG kLargest = 64 << 20;
+
+void RequireLoadable(const CFile& file) {
+    if (file.GetLength() > kLargest) throw Failure("larger than 64 MiB: too large to be loaded", kTooLarge);
+}
+
+// A zero, then whole blocks.
 bool LooksEnciphered(const CFile& file, std::string_view head) {
-    constexpr ULONGLONG kLargest = 64 << 20;
     if (head.size() < 2 || head[0] != '\0') return false;
     const CString path = file.GetFilePath();
     if (path.Right(4).CompareNoCase(".xml") == 0) return true;
@@ -58,6 +60,7 @@ bool IsCutRenewal(CFile& file, ULONGLONG offset) {
 }
 
 ContentReport CheckJob(const CFile& file) {
+    RequireLoadable(file);
     CQelPrintJobQueueData job;
     if (job.LoadJobFile(file.GetFilePath()) == 0)
         throw LastRefusal("its XML is not well-formed, or refers to an entity", kMalformed);
@@ -65,26 +68,13 @@ ContentReport CheckJob(const CFile& file) {
 }
 
 ContentReport CheckXml(const CFile& file) {
+    RequireLoadable(file);
     CCryptXMLDocument document;
     if (file.GetLength() % 8 != 1) throw Failure("it ends within an enciphered block", kCut);
     if (document.LoadXMLFile(file.GetFilePath(), 1) == 0)
         throw LastRefusal("it does not decipher to well-formed XML", kMalformed);
     return {file.GetLength(), "an enciphered document"};
 }
-
-#ifdef QEL_WITH_TRAIL
-// From itself: whether its signers are trusted, and nothing is missing at its end, is for qel trail verify.
-ContentReport CheckTrailFile(const CFile& file) {
-    qel::TrailReport report;
-    if (qel::CheckTrail(file.GetFilePath().View(), {}, report) == 0) throw LastRefusal("cannot be read", kMalformed);
-    if (report.findingCount > 0) {
-        const qel::TrailFinding& first = report.findings.front();
-        throw Failure("entry " + std::to_string(first.entry) + ": " + Shown(first.text),
-                      first.fault == qel::TrailFault::kCut ? kCut : kInconsistent);
-    }
-    return {file.GetLength(), Count(report.entries, "entry", "entries") + ", not anchored"};
-}
-#endif
 
 }  // namespace
 
@@ -95,6 +85,7 @@ std::string KindOf(CFile& file) {
     if (kind == qel::CabinetFileKind::kRenewals) return "renewals";
     if (qel::IsCalcArchive(head)) return "variables";
     if (head.starts_with("{\"format\":1,\"trail\":\"")) return "trail";
+    if (head.starts_with("%PDF-")) return "pdf";
     if (head.find("<printjob") != std::string::npos) return "job";
     return LooksEnciphered(file, head) ? "xml" : "data";
 }
@@ -115,8 +106,9 @@ ContentReport ContentOf(CFile& file, const std::string& kind) {
     if (kind == "job") return CheckJob(file);
     if (kind == "xml") return CheckXml(file);
 #ifdef QEL_WITH_TRAIL
-    if (kind == "trail") return CheckTrailFile(file);
+    if (kind == "trail") return {file.GetLength(), "a trail"};  // a matter of what is known from elsewhere
 #endif
+    if (kind == "pdf") throw Failure("a PDF, and not sealed", kUnknown);
     throw Failure("of an unknown kind, and not sealed", kUnknown);
 }
 

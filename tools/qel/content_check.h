@@ -4,8 +4,8 @@
 
 namespace tool {
 
-/// The kind of a file by its first bytes: cabinet, variables, renewals, job, trail, xml (an enciphered document), else
-/// data.
+/// The kind of a file by its first bytes: cabinet, variables, renewals, job, pdf, trail, xml (an enciphered document),
+/// else data.
 std::string KindOf(CFile& file);
 
 /// @throws Failure kBadHeader, CFileException

@@ -1,6 +1,12 @@
 // qel renewals: who registered the versions of a document, when and why.
 #include <array>
 #include <cstdio>
+#include <map>
+#include <set>
+
+#ifdef QEL_WITH_TRAIL
+#include <qellib10/record.h>
+#endif
 
 #include "tool.h"
 
@@ -8,9 +14,55 @@ namespace tool {
 namespace {
 
 struct Options {
-    std::string file;
+    std::string file, trail, cabinet;
     bool json = false;
 };
+
+// The entry that recorded a version.
+struct Recorded {
+    std::uint64_t entry = 0;
+    std::string time, user, file, reason;
+};
+using Entries = std::map<std::uint64_t, Recorded>;  // by version
+
+#ifdef QEL_WITH_TRAIL
+std::string GuidOf(const std::string& cabinet) {
+    return OnFile(cabinet, [&] {
+        CQFile file;
+        Open(file, cabinet, CFile::modeRead | CFile::shareDenyNone);
+        return std::string(qel::CabinetReader(file).Header().guid.GetString());
+    });
+}
+
+// The first entry of a version counts; one that was interrupted has its reason in the entry before.
+Entries EntriesOf(const Options& options) {
+    const std::string wanted = options.cabinet.empty() ? "" : GuidOf(options.cabinet);
+    qel::TrailReader reader;
+    if (reader.Open(Path(options.trail).View()) == 0)
+        throw Named(options.trail, LastRefusal("cannot be read", kMalformed));
+    Entries entries;
+    std::set<std::string> cabinets;
+    std::string reason;
+    while (const std::optional<qel::TrailEntry> entry = reader.Next()) {
+        const bool isRecovered =
+            entry->action == qel::trail_kind::kRecovered && entry->after == qel::trail_kind::kRegistered;
+        if (entry->cabinetVersion == 0 || (!wanted.empty() && entry->cabinet != wanted)) continue;
+        if (entry->action == qel::trail_kind::kRegistering) reason = entry->reason;
+        if (!isRecovered && entry->action != qel::trail_kind::kRegistered) continue;
+        cabinets.insert(entry->cabinet);
+        entries.try_emplace(entry->cabinetVersion, Recorded{entry->number, qel::TrailTimeText(entry->time), entry->user,
+                                                            entry->object, isRecovered ? reason : entry->reason});
+    }
+    if (qel::LastFailure().kind != qel::FailureKind::kNone)
+        throw Named(options.trail, LastRefusal("cannot be read", kMalformed));
+    if (cabinets.size() > 1)
+        throw CLI::ValidationError("the trail knows " + std::to_string(cabinets.size()) +
+                                   " cabinets: --cabinet has to name the one of these records");
+    return entries;
+}
+#else
+Entries EntriesOf(const Options&) { return {}; }
+#endif
 
 // The local time of whoever wrote the record. Empty for a time that is none.
 std::string TimeText(const COleDateTime& time) {
@@ -19,6 +71,27 @@ std::string TimeText(const COleDateTime& time) {
     std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d", time.GetYear(), time.GetMonth(),
                   time.GetDay(), time.GetHour(), time.GetMinute(), time.GetSecond());
     return text.data();
+}
+
+// What the trail says about a record, and whether that is the same; nothing without a trail. A program that was
+// interrupted may have left a record without names.
+Status Compare(Json& record, const Entries& entries) {
+    const auto found = entries.find(record["version"].get<std::uint64_t>());
+    if (found == entries.end()) {
+        record["entry"] = nullptr;
+        return kNeverRecorded;
+    }
+    const Recorded& entry = found->second;
+    record["entry"] = entry.entry;
+    record["entryTime"] = entry.time;
+    record["entryUser"] = entry.user;
+    record["entryFile"] = entry.file;
+    record["entryReason"] = entry.reason;
+    const auto isAsIn = [&](const char* name, const std::string& text) {
+        return record[name] == Utf8(Text(text).View()) || record["operator"] == "";
+    };
+    const bool isSame = isAsIn("operator", entry.user) && isAsIn("file", entry.file) && isAsIn("comment", entry.reason);
+    return isSame ? kGood : kRenewalDiffers;
 }
 
 Json RecordJson(std::size_t version, const CHistoryRenewInfo& record) {
@@ -37,6 +110,12 @@ std::string RecordLine(const Json& record) {
     line += text("operator").empty() ? "by nobody known" : "by " + text("operator");
     if (!text("file").empty()) line += ": " + text("file");
     if (!text("comment").empty()) line += " (" + text("comment") + ')';
+    if (!record.contains("status")) return line + '\n';
+    if (record["entry"].is_null()) return line + ": never recorded\n";
+    line += ": entry " + record["entry"].dump() + ", " + record["entryTime"].get<std::string>();
+    if (record["status"] != static_cast<int>(kGood))
+        line += ", says something else: by " + text("entryUser") + ": " + text("entryFile") + " (" +
+                text("entryReason") + ')';
     return line + '\n';
 }
 
@@ -55,15 +134,24 @@ Status List(const Options& options) {
     });
     Json json{{"file", options.file}, {"records", Json::array()}, {"end", records.end}, {"cut", records.isCut}};
     std::string text;
+    Status status = kGood;
+    const Entries entries = options.trail.empty() ? Entries() : EntriesOf(options);
     for (const CHistoryRenewInfo& record : records.whole) {
         json["records"].push_back(RecordJson(json["records"].size() + 1, record));
+        if (!options.trail.empty()) {
+            const Status found = Compare(json["records"].back(), entries);
+            json["records"].back()["status"] = static_cast<int>(found);
+            status = std::max(status, found);
+        }
         text += RecordLine(json["records"].back());
     }
     options.json ? Print(json) : Print(text);
-    if (records.end == file.GetLength()) return kGood;
-    return Complain(Shown(options.file) + ": " + (records.isCut ? "ends within a record" : "has no record") +
-                        " at byte " + std::to_string(records.end),
-                    records.isCut ? kCut : kInconsistent);
+    if (records.end == file.GetLength()) return status;
+    const Status ofFile =
+        Complain(Shown(options.file) + ": " + (records.isCut ? "ends within a record" : "has no record") + " at byte " +
+                     std::to_string(records.end),
+                 records.isCut ? kCut : kInconsistent);
+    return std::max(status, ofFile);
 }
 
 }  // namespace
@@ -72,6 +160,21 @@ void AddRenewals(CLI::App& app, Status& status) {
     CLI::App* const command = app.add_subcommand("renewals", "List who registered versions of a document, and why");
     const auto options = std::make_shared<Options>();
     AddFile(*command, "FILE", options->file, "The file of renewal records");
+#ifdef QEL_WITH_TRAIL
+    CLI::Option* const trail =
+        command->add_option("--trail", options->trail, "Show the entry of this trail that recorded each version")
+            ->type_name("FILE");
+    command
+        ->add_option("--cabinet", options->cabinet, "Whose versions these are, where the trail knows several cabinets")
+        ->needs(trail)
+        ->type_name("FILE");
+    command->footer(
+        "Exit status: 0 all records could be read; of several findings the highest:\n"
+        "  7  cut             the file ends within a record\n"
+        "  8  inconsistent    something else is after a record\n"
+        "  16 never recorded  no entry of the trail has recorded the version\n"
+        "  40 renewal differs the entry names another person, file or reason");
+#endif
     command->add_flag("--json", options->json, "Write JSON");
     command->callback([options, &status] { status = List(*options); });
 }

@@ -16,7 +16,7 @@
 namespace tool {
 namespace {
 
-constexpr std::string_view kFirst = "qel-resume 1 ";
+constexpr std::string_view kFirst = "qel-resume 2 ";
 constexpr std::size_t kMac = 64;
 
 std::int64_t Nanoseconds(const timespec& time) {
@@ -38,6 +38,8 @@ std::optional<std::string> InodeText(const std::string& path) {
 }
 
 std::string Whole(const std::string& path) { return std::filesystem::absolute(path).lexically_normal().string(); }
+
+std::string KeyOf(const std::string& purpose, const std::string& path) { return purpose + ' ' + path; }
 
 Failure Refused(const std::string& path, const std::string& why) { return Failure(Shown(path) + ": " + why); }
 
@@ -75,40 +77,46 @@ std::string Resume::MacOf(const std::string& text) const { return qel::HashText(
 void Resume::Learn(const std::string& line) {
     if (line.size() <= kMac || MacOf(line.substr(kMac + 1)) != line.substr(0, kMac)) return;
     std::istringstream fields(line.substr(kMac + 1));
-    std::string inode, field, path, detail;
+    std::string purpose, inode, field, path, detail;
+    fields >> purpose;
     for (int i = 0; i < 5 && fields >> field; ++i) inode += (i > 0 ? " " : "") + field;
     int finding = 0;
     FileReport report;
     fields >> finding >> report.isSealed >> report.kind >> path >> detail;
     report.finding = finding == kUnknown ? kUnknown : kGood;
     report.detail = UnescapedPath(detail);
-    m_known[UnescapedPath(path)] = {inode, report};
+    m_known[KeyOf(purpose, UnescapedPath(path))] = {inode, report};
 }
 
+// After half a line the next one would be half a line as well.
 bool Resume::Append(const std::string& text) {
-    const std::string line = text + '\n';
-    const std::lock_guard lock(m_appending);
-    return ::write(m_file.Get(), line.data(), line.size()) == static_cast<ssize_t>(line.size());
+    const std::lock_guard lock(m_turn);
+    const std::string line = (m_isTorn ? "\n" : "") + text + '\n';
+    m_isTorn = ::write(m_file.Get(), line.data(), line.size()) != static_cast<ssize_t>(line.size());
+    return !m_isTorn;
 }
 
 std::size_t Resume::Passed() const {
-    if (m_hasFailed) throw Refused(m_path, "cannot be written");
-    return m_passed;
+    const std::lock_guard lock(m_turn);
+    return m_passed.size();
 }
 
-FileReport Resume::Check(const std::string& file) {
+// Trails are checked each time: what is known from elsewhere may be another thing.
+FileReport Resume::Check(const std::string& file, const std::string& purpose, const Checking& check) {
     const std::optional<std::string> before = InodeText(file);
     const std::string path = Whole(file);
-    const auto known = m_known.find(path);
-    if (before && known != m_known.end() && known->second.first == *before) {
-        ++m_passed;
-        return known->second.second;
+    const auto known = m_known.find(KeyOf(purpose, path));
+    if (before && known != m_known.end() && known->second.inode == *before) {
+        const std::lock_guard lock(m_turn);
+        m_passed.insert(path);
+        return known->second.report;
     }
-    const FileReport report = CheckFile(file);
-    const bool isGood = report.finding == kGood || report.finding == kUnknown;
+    const FileReport report = check(file);
+    const bool isGood = (report.finding == kGood || report.finding == kUnknown) && report.kind != "trail";
     if (!isGood || !before || InodeText(file) != before) return report;
-    const std::string text = *before + ' ' + std::to_string(report.finding) + (report.isSealed ? " 1 " : " 0 ") +
-                             report.kind + ' ' + EscapedPath(path) + ' ' + EscapedPath(report.detail);
+    const std::string text = purpose + ' ' + *before + ' ' + std::to_string(report.finding) +
+                             (report.isSealed ? " 1 " : " 0 ") + report.kind + ' ' + EscapedPath(path) + ' ' +
+                             EscapedPath(report.detail);
     if (!Append(MacOf(text) + ' ' + text)) m_hasFailed = true;
     return report;
 }

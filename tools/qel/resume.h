@@ -1,9 +1,11 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "file_check.h"
@@ -14,10 +16,11 @@ namespace tool {
 /// whose inode, size and times are still the same is not read again: only the system sets the time of an inode's last
 /// change.
 ///
-///     qel-resume 1 KEY
-///     MAC DEVICE INODE SIZE MODIFIED CHANGED FINDING SEALED KIND PATH DETAIL
+///     qel-resume 2 KEY
+///     MAC PURPOSE DEVICE INODE SIZE MODIFIED CHANGED FINDING SEALED KIND PATH DETAIL
 ///
-/// Times are ns since 1970; paths and texts as in a FileList. The key is random and the file private (mode 0600), so a
+/// Times are ns since 1970; paths and texts as in a FileList. PURPOSE says what the file was compared with: "content"
+/// with itself, else a hash of what the trail says about it. The key is random and the file private (mode 0600), so a
 /// line that somebody else has made counts for nothing, as one that is torn. A line is appended after each file. Any
 /// thread may call Check.
 class Resume {
@@ -25,10 +28,16 @@ public:
     /// @throws Failure when the file cannot be made or read, or others may read it
     explicit Resume(const std::string& path);
 
+    using Checking = std::function<FileReport(const std::string& file)>;
     /// What is known of the file, or what is found by reading it.
-    FileReport Check(const std::string& file);
-    /// Files that were not read again. @throws Failure when results could not be kept
+    FileReport Check(const std::string& file) { return Check(file, "content", CheckFile); }
+    /// The same for another purpose, without blanks.
+    FileReport Check(const std::string& file, const std::string& purpose, const Checking& check);
+    /// Files that were not read again.
     std::size_t Passed() const;
+    /// False when results could not be kept, as on a full disk: the next run reads these files again.
+    bool HasKeptAll() const noexcept { return !m_hasFailed; }
+    const std::string& Path() const noexcept { return m_path; }
 
 private:
     void Read();
@@ -38,10 +47,15 @@ private:
 
     std::string m_path, m_key;
     qel::Descriptor m_file;
-    std::map<std::string, std::pair<std::string, FileReport>> m_known;  // by path, with what the inode was
-    std::atomic<std::size_t> m_passed = 0;
+    struct Known {
+        std::string inode;
+        FileReport report;
+    };
+    std::map<std::string, Known> m_known;  // by purpose and path
+    std::set<std::string> m_passed;        // paths
     std::atomic<bool> m_hasFailed = false;
-    std::mutex m_appending;
+    bool m_isTorn = false;
+    mutable std::mutex m_turn;
 };
 
 }  // namespace tool

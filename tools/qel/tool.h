@@ -26,15 +26,15 @@ enum Status : int {
     kUnreadable = 5,    // a file that cannot be read
     kChanged = 6,       // data that do not match their checksums
     kCut = 7,           // a file that ends before its content does
-    kInconsistent = 8,  // counts, places or texts in it that contradict each other
+    kInconsistent = 8,  // counts, places or texts in it that contradict each other, or entries out of order
     kMalformed = 9,     // XML that is not well-formed, or refers to something outside it
     kBadHeader = 10,    // a cabinet whose versions cannot be found
 
     kNotAnchored = 11,    // a trail that is consistent, and no key of it is known from elsewhere
     kUnknownSigner = 12,  // an entry signed by a key that is not trusted
-    kEndedKey = 13,       // an entry signed by a key that was not valid at that time
+    kEndedKey = 13,       // an entry signed by a key that was not valid any more at that time
     kClock = 14,          // the time of an entry is before that of the one before
-    kMissing = 15,        // entries, or versions that a trail knows, are missing
+    kMissing = 15,        // entries, a trail, versions of a damaged cabinet, or files of a list are missing
     kNeverRecorded = 16,  // a version of a cabinet that no entry of the trail announced
     kStamp = 17,          // a time stamp is not one of its entry, or not the authority's
     kRevokedKey = 18,     // an entry signed by a key that was revoked
@@ -46,6 +46,23 @@ enum Status : int {
     kNotSealed = 23,      // a file that has to be sealed
 
     kNotReadAgain = 24,  // without any finding: files that an interrupted run has read were not read again
+
+    kOtherTrail = 25,          // an entry of another trail, or another trail than the one that is known
+    kNotYetValid = 26,         // an entry signed by a key that was not yet valid at that time
+    kVersionChanged = 27,      // a version is not what was registered
+    kVersionInterrupted = 28,  // only the start of its registering was recorded, with other content
+    kVersionMissing = 29,      // one that was registered is not there
+    kFileChanged = 30,         // a file is not what an entry has recorded
+    kFileMissing = 31,         // one that an entry has recorded is not there
+    kSealNeverRecorded = 32,   // a sealed file that no entry names
+    kPrintNeverRecorded = 33,  // a printed report that no entry names
+    kNotAFile = 34,            // a link, pipe or device in an archive
+    kBeforeMissing = 35,       // the trail that another one continues is not there
+    kBeforeOther = 36,         // it does not end with the entry that the other one names
+    kSignersDiffer = 37,       // the archive's file of allowed signers says something else than the entries
+    kTooLarge = 38,            // a file of a kind that is read as a whole, and too large for that
+    kNotKept = 39,             // without any finding: what was read could not be kept for the next run
+    kRenewalDiffers = 40,      // a renewal record says something else than the entry about its version
 };
 
 /// Ends the program with one line and a status.
@@ -57,6 +74,12 @@ public:
 private:
     Status m_status;
 };
+
+/// One or a few words, such as "bad header"; those of a finding in JSON.
+const char* NameOf(Status status);
+
+/// Whether a status is that of a finding; the others say that there may be some.
+bool IsFinding(Status status);
 
 using Json = nlohmann::ordered_json;
 

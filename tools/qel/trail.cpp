@@ -1,33 +1,30 @@
 // qel trail: the entries of an archive's trail, and whether they can be trusted.
-#include <cstdlib>
-#include <filesystem>
+#include <algorithm>
+#include <memory>
 
 #include <qellib10/record.h>
 
 #include "tool.h"
-#include "trail_archive.h"
+#include "trail_before.h"
 #include "trail_export.h"
-#include "trail_signatures.h"
+#include "trail_options.h"
 #include "trail_text.h"
+#include "workers.h"
 
 namespace tool {
 namespace {
 
 struct Options {
-    std::string file, entry, trust, key, trail, head, headFile, tsaCa, stamp, archive;
-    std::uint64_t atLeast = 0;
+    std::string file, entry, archive, resume;
+    std::vector<std::string> before;
+    AnchorOptions anchors;
     TrailExport exported;
     SignatureOptions signatures;
+    unsigned jobs = Processors();
     bool json = false;
 };
 
-Failure Refusal(const Options& options) {
-    const CString item(qel::LastFailure().item.c_str());
-    for (const std::string& file : {options.trust, options.headFile, options.tsaCa, options.stamp}) {
-        if (!file.empty() && item == Path(file)) return Named(file, LastRefusal("cannot be read", kFailed));
-    }
-    return Named(options.file, LastRefusal("cannot be read", kMalformed));
-}
+Failure Refusal(const Options& options) { return TrailRefusal(options.file, options.anchors); }
 
 // What is asked for by its number, or by the hash that reports print.
 Status ShowEntry(const Options& options) {
@@ -72,212 +69,69 @@ Status List(const Options& options) {
     return status;
 }
 
-struct Kind {
-    const char* name;
-    Status status;
-};
-// In the order of qel::TrailFault.
-constexpr Kind kKinds[] = {
-    {"cut", kCut},
-    {"malformed", kMalformed},
-    {"inconsistent", kInconsistent},
-    {"changed", kChanged},
-    {"unknown signer", kUnknownSigner},
-    {"key not valid", kEndedKey},
-    {"clock", kClock},
-    {"missing", kMissing},
-    {"time stamp", kStamp},
-    {"revoked key", kRevokedKey},
-};
-
-const Kind& KindOf(const qel::TrailFinding& finding) { return kKinds[static_cast<std::size_t>(finding.fault)]; }
-
-void WriteText(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive,
-               const std::optional<qel::SignatureReport>& signatures) {
-    for (const qel::TrailFinding& finding : report.findings) {
-        Print(Shown(options.file) + ": entry " + std::to_string(finding.entry) + ", byte " +
-              std::to_string(finding.byte) + ": " + KindOf(finding).name + ": " + Shown(finding.text) +
-              (finding.signer.empty() ? "" : ", " + finding.signer) + '\n');
-    }
-    for (const ArchiveReport::Finding& finding : archive.findings) Print(FindingLine(finding));
-    if (!options.archive.empty())
-        Print(Count(archive.cabinets, "cabinet", "cabinets") + ", " + Count(archive.versions, "version", "versions") +
-              ", " + Count(archive.files, "recorded file", "recorded files") + ": " +
-              Count(archive.findings.size(), "finding", "findings") + '\n');
-    if (signatures) Print(SignaturesText(options.file, *signatures));
-    Print(ResultText(report) + '\n');
-    if (report.isBeingWritten) Print(std::string("another entry is still being written\n"));
-    if (report.pinned < report.entries) Print("entry " + std::to_string(report.entries) + ", nothing later known\n");
-    if (report.stamped > 0)
-        Print("entry " + std::to_string(report.stamped) + " was there at " + qel::TrailTimeText(report.stampTime) +
-              ", as a time stamp shows\n");
-    if (report.entries > 0) Print("trail " + report.trailId + ", last entry " + report.head + '\n');
-}
-
-void WriteJson(const Options& options, const qel::TrailReport& report, const ArchiveReport& archive,
-               const std::optional<qel::SignatureReport>& signatures) {
-    Json json{{"file", options.file},
-              {"trail", report.trailId},
-              {"entries", report.entries},
-              {"head", report.head},
-              {"pinned", report.pinned},
-              {"consistent", report.findingCount == 0},
-              {"anchored", report.isAnchored},
-              {"unanchored", report.unanchored},
-              {"beingWritten", report.isBeingWritten},
-              {"stamped", report.stamped},
-              {"stampTime", report.stamped > 0 ? Json(qel::TrailTimeText(report.stampTime)) : Json(nullptr)},
-              {"findingCount", report.findingCount},
-              {"findings", Json::array()}};
-    for (const qel::TrailFinding& finding : report.findings)
-        json["findings"].push_back({{"finding", KindOf(finding).name},
-                                    {"entry", finding.entry},
-                                    {"byte", finding.byte},
-                                    {"lastMissing", finding.lastMissing},
-                                    {"signer", finding.signer},
-                                    {"cabinet", finding.cabinet},
-                                    {"cabinetVersion", finding.cabinetVersion},
-                                    {"size", finding.size},
-                                    {"sha256", finding.sha256},
-                                    {"detail", finding.text}});
-    if (!options.archive.empty()) {
-        json["cabinets"] = archive.cabinets;
-        json["versions"] = archive.versions;
-        json["recordedFiles"] = archive.files;
-        json["archiveFindings"] = Json::array();
-        for (const ArchiveReport::Finding& finding : archive.findings)
-            json["archiveFindings"].push_back(FindingJson(finding));
-    }
-    if (signatures) json["signatures"] = SignaturesJson(*signatures);
-    Print(json);
-}
-
-std::string LibraryPathOrNone(const std::string& path) { return path.empty() ? "" : std::string(Path(path).View()); }
-
-// An installation's own, where the command names no other.
-std::string TrustFile(const Options& options) {
-    constexpr const char* kUsual = "/etc/qellib10/allowed_signers";
-    if (!options.trust.empty() || !options.key.empty()) return options.trust;
-    const char* const chosen = std::getenv("QELLIB10_ALLOWED_SIGNERS");
-    if (chosen != nullptr) return chosen;
-    std::error_code error;
-    return std::filesystem::exists(kUsual, error) || error ? kUsual : "";
-}
-
-qel::TrailReport Checked(const Options& given) {
-    Options options = given;
-    options.trust = TrustFile(given);
-    const qel::TrailAnchors anchors{.trailId = options.trail,
-                                    .trustFile = LibraryPathOrNone(options.trust),
-                                    .key = options.key,
-                                    .head = options.head,
-                                    .headFile = LibraryPathOrNone(options.headFile),
-                                    .atLeast = options.atLeast,
-                                    .tsaCa = LibraryPathOrNone(options.tsaCa),
-                                    .stamp = LibraryPathOrNone(options.stamp)};
-    qel::TrailReport report;
-    if (qel::CheckTrail(Path(options.file).View(), anchors, report) == 0) throw Refusal(options);
-    return report;
-}
-
-// Another reader of the trail must find the same entries, unless these are wrong already.
-qel::TrailReceipt LastOf(const qel::TrailReport& report) {
-    return report.findingCount == 0 ? qel::TrailReceipt{report.entries, report.head} : qel::TrailReceipt();
-}
-
-// @param status of other findings
-Status StatusOf(const qel::TrailReport& report, Status status) {
-    for (const qel::TrailFinding& finding : report.findings) status = std::max(status, KindOf(finding).status);
-    return status == kGood && !report.isAnchored ? kNotAnchored : status;
-}
-
 Status Export(const Options& options) {
-    const qel::TrailReport report = Checked(options);
+    const qel::TrailReport report = CheckedTrail(options.file, options.anchors);
     const Status status = ExportTrail(options.file, report, options.exported);
     Print(Shown(options.exported.target) + ": " + ResultText(report) + '\n');
-    return StatusOf(report, status);
+    const Status ofTrail = StatusOf(report);
+    return IsFinding(ofTrail) || status == kGood ? std::max(ofTrail, status) : status;
+}
+
+ArchiveReport CompareArchive(const Options& options, const VerifiedChain& chain, Resume* resume) {
+    std::vector<ReadTrail> trails;
+    for (const VerifiedTrail& trail : chain.trails)
+        if (!trail.failure) trails.push_back({trail.file, trail.Last()});
+    ArchiveOptions archive{.folder = options.archive, .jobs = options.jobs, .resume = resume};
+    if (resume != nullptr) archive.content = [=](const std::string& file) { return resume->Check(file); };
+    return CompareArchive(trails, archive);
 }
 
 Status Verify(const Options& options) {
-    const qel::TrailReport report = Checked(options);
-    const ArchiveReport archive =
-        options.archive.empty() ? ArchiveReport() : CompareArchive(options.file, options.archive, LastOf(report));
-    const std::optional<qel::SignatureReport> signatures =
-        CheckSignaturesOf(options.file, options.signatures, LastOf(report));
-    options.json ? WriteJson(options, report, archive, signatures) : WriteText(options, report, archive, signatures);
-    Status status = signatures ? WorstOf(*signatures) : kGood;
-    for (const ArchiveReport::Finding& finding : archive.findings) status = std::max(status, finding.status);
-    return StatusOf(report, status);
-}
-
-std::string RefuseOtherThanHex(const std::string& text, std::size_t digits) {
-    const bool isHex = text.size() == digits && text.find_first_not_of("0123456789abcdef") == std::string::npos;
-    return isHex ? "" : "is not " + std::to_string(digits) + " lower-case hexadecimal digits";
+    RequireOutside(options.resume, {options.archive});
+    std::unique_ptr<Resume> resume;
+    if (!options.resume.empty()) resume = std::make_unique<Resume>(options.resume);
+    const VerifiedChain chain = VerifyChain(options.file, options.before, options.anchors, options.signatures);
+    std::optional<ArchiveReport> archive;
+    if (!options.archive.empty()) archive = CompareArchive(options, chain, resume.get());
+    const std::size_t passed = resume ? resume->Passed() : 0;
+    if (options.json) {
+        Json json = ChainJson(chain);
+        if (archive) AddArchiveJson(*archive, json);
+        if (resume) json["notReadAgain"] = passed;
+        Print(json);
+    } else {
+        Print(VerifiedText({chain}, archive) + NotReadAgainText(passed));
+    }
+    const Status ofTrails = StatusOf(chain), ofArchive = archive ? WorstOf(*archive) : kGood;
+    const Status worst = IsFinding(ofTrails) ? std::max(ofTrails, ofArchive) : ofArchive;
+    return WithResume(worst != kGood ? worst : ofTrails, resume.get());
 }
 
 std::string RefuseOtherThanEntry(const std::string& text) {
     const bool isNumber = !text.empty() && text.size() < 20 && text[0] != '0' &&
                           text.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber || RefuseOtherThanHex(text, 64).empty() ? ""
-                                                            : "is neither a number from 1 on nor 64 hexadecimal digits";
-}
-
-std::string RefuseOtherThanFingerprint(const std::string& text) {
-    return text.starts_with("SHA256:") && text.size() == 50 ? "" : "is not SHA256: and 43 characters";
-}
-
-void AddAnchors(CLI::App& verify, Options& options) {
-    verify.add_option("--trust", options.trust, "Who may sign, in the format of ssh-keygen's allowed signers")
-        ->type_name("FILE");
-    verify.add_option("--key", options.key, "Fingerprint of the key that started the trail")
-        ->check(RefuseOtherThanFingerprint, "")
-        ->type_name("SHA256:...");
-    verify.add_option("--trail", options.trail, "The trail's ID, as reports print it")
-        ->check([](const std::string& text) { return RefuseOtherThanHex(text, 32); }, "")
-        ->type_name("ID");
-    verify.add_option("--head", options.head, "Hash of an entry that has to be there")
-        ->check([](const std::string& text) { return RefuseOtherThanHex(text, 64); }, "")
-        ->type_name("HASH");
-    verify.add_option("--head-file", options.headFile, "The trail's head file: its entry has to be there")
-        ->type_name("FILE");
-    verify.add_option("--at-least", options.atLeast, "So many entries have to be there")
-        ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1} << 53))
-        ->type_name("N");
-    CLI::Option* const tsaCa =
-        verify.add_option("--tsa-ca", options.tsaCa, "Certificates of the time stamping authority, from elsewhere")
-            ->type_name("FILE");
-    verify.add_option("--stamp", options.stamp, "A time stamp's answer, kept elsewhere: its entry has to be there")
-        ->needs(tsaCa)
-        ->type_name("FILE");
+    const bool isHash = text.size() == 64 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
+    return isNumber || isHash ? "" : "is neither a number from 1 on nor 64 hexadecimal digits";
 }
 
 void AddVerifyOptions(CLI::App& verify, Options& options) {
-    AddAnchors(verify, options);
-    verify
-        .add_option("--archive", options.archive,
-                    "Compare the cabinets, and recorded and sealed files, in this folder and all below, too")
-        ->check(CLI::ExistingDirectory, "")
-        ->type_name("FOLDER");
+    AddAnchors(verify, options.anchors);
+    CLI::Option* const archive =
+        verify
+            .add_option("--archive", options.archive,
+                        "Compare the cabinets, and recorded and sealed files, in this folder and all below, too")
+            ->check(CLI::ExistingDirectory, "")
+            ->type_name("FOLDER");
+    AddBefore(verify, options.before);
+    verify.add_option("-j,--jobs", options.jobs, "Files of the archive that are read at the same time")
+        ->transform(WholeNumber(1, 256))
+        ->type_name("N");
+    verify.add_option("--resume", options.resume, "Go on with an interrupted run: what it has read is kept here")
+        ->needs(archive)
+        ->type_name("FILE");
     AddSignatureOptions(verify, options.signatures);
-    verify.footer(
-        "Exit status: 0 consistent and anchored; of several findings the highest:\n"
-        "  5  unreadable      a file of the archive cannot be read\n"
-        "  6  changed         an entry is not what was signed, or a version not what was registered\n"
-        "  7  cut             the trail ends within a line\n"
-        "  8  inconsistent    entries are exchanged, missing in between, or of another trail\n"
-        "  9  malformed       a line that no trail writes\n"
-        "  12 unknown signer  an entry is signed by a key that is not trusted\n"
-        "  13 key not valid   an entry is signed by a key that had ended, or was not yet valid\n"
-        "  14 clock           the time of an entry is before that of the one before\n"
-        "  15 missing         entries that have to be there, or versions that were registered, are missing\n"
-        "  16 never recorded  a version of a cabinet that no entry announced\n"
-        "  17 time stamp      a time stamp is not one of its entry, or not the authority's\n"
-        "  18 revoked key     an entry is signed by a key that was revoked, and nothing shows it was there before\n"
-        "  19 signature       a person's signature is not what was signed, or belongs to another entry\n"
-        "  20 person's key    a person's signature is made with a key that is not that person's, or has ended\n"
-        "  21 against rules   a person's signature is one that the rules do not allow\n"
-        "Without any finding:\n"
-        "  11 not anchored    consistent, but no key, or no ID of the trail, is known from elsewhere");
+    verify.footer(std::string("Exit status: 0 consistent and anchored; of several findings the highest:\n") +
+                  kTrailStatuses);
 }
 
 }  // namespace
@@ -306,7 +160,7 @@ void AddTrail(CLI::App& app, Status& status) {
         ->check(CLI::IsMember({"text", "json", "csv", "pdf"}))
         ->type_name("text|json|csv|pdf");
     exported->add_flag("--force", options->exported.force, "Replace a file that exists");
-    AddAnchors(*exported, *options);
+    AddAnchors(*exported, options->anchors);
     exported->footer("Exit status: that of qel trail verify; the file is written whatever was found");
     for (CLI::App* const action : {list, show, verify}) action->add_flag("--json", options->json, "Write JSON");
 }

@@ -1,18 +1,25 @@
 #include "trail_archive.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <map>
+#include <memory>
 
-#include "content_check.h"
-#include "file_check.h"
 #include "tree.h"
+#include "workers.h"
 
 namespace tool {
 namespace {
 
+using Finding = ArchiveReport::Finding;
+
 bool IsCabinet(const std::string& path) {
     CQFile file;
     Open(file, path, CFile::modeRead | CFile::shareDenyNone);
-    return KindOf(file) == "cabinet";
+    std::array<char, qel::kCabinetKindBytes> start = {};
+    const UINT size = file.Read(start.data(), static_cast<UINT>(start.size()));
+    return qel::KindOfCabinetFile({start.data(), size}) == qel::CabinetFileKind::kCabinet;
 }
 
 struct Meaning {
@@ -23,40 +30,24 @@ struct Meaning {
 Meaning MeaningOf(qel::RecordedState state) {
     switch (state) {
         case qel::RecordedState::kChanged:
-            return {kChanged, "is not what was registered"};
+            return {kVersionChanged, "is not what was registered"};
         case qel::RecordedState::kUnrecorded:
             return {kNeverRecorded, "no entry announced it"};
         case qel::RecordedState::kInterrupted:
-            return {kInconsistent, "its registering was interrupted"};
+            return {kVersionInterrupted, "its registering was interrupted"};
         case qel::RecordedState::kMissing:
-            return {kMissing, "was registered, and is not there"};
+            return {kVersionMissing, "was registered, and is not there"};
         default:
             return {kGood, ""};
     }
 }
 
-void AddFindings(ArchiveReport& report, const std::string& file, const qel::CabinetRecords::Cabinet& cabinet) {
-    for (const qel::RecordedVersion& version : cabinet.versions) {
-        const Meaning meaning = MeaningOf(version.state);
-        if (version.IsFinding())
-            report.findings.push_back({file, meaning.status, cabinet.guid, version, meaning.detail});
-        if (version.state != qel::RecordedState::kMissing) ++report.versions;
-    }
-}
-
-void CompareCabinet(ArchiveReport& report, qel::CabinetRecords& records, const std::string& file) {
-    qel::CabinetRecords::Cabinet cabinet;
-    ++report.cabinets;
-    if (records.Compare(Path(file).View(), cabinet) == 0) throw LastRefusal("cannot be read", kBadHeader);
-    AddFindings(report, file, cabinet);
-}
-
 Meaning MeaningOf(qel::RecordedFile::State state) {
     switch (state) {
         case qel::RecordedFile::State::kChanged:
-            return {kChanged, "is not what was recorded"};
+            return {kFileChanged, "is not what was recorded"};
         case qel::RecordedFile::State::kMissing:
-            return {kMissing, "was recorded, and is not there"};
+            return {kFileMissing, "was recorded, and is not there"};
         case qel::RecordedFile::State::kUnreadable:
             return {kUnreadable, "cannot be read"};
         default:
@@ -64,73 +55,297 @@ Meaning MeaningOf(qel::RecordedFile::State state) {
     }
 }
 
-void CompareFiles(ArchiveReport& report, const qel::FileRecords& records, const std::string& folder) {
-    for (const qel::RecordedFile& file : records.Compare(Path(folder).View())) {
-        ++report.files;
-        const Meaning meaning = MeaningOf(file.state);
-        if (meaning.status == kGood) continue;
+void Add(ArchiveReport& report, Finding finding) {
+    ++report.findingCount;
+    report.findings.push_back(std::move(finding));
+}
+
+// Where the versions of findings are.
+void AddPlaces(const std::string& path, std::vector<Finding>& findings) {
+    std::map<std::uint64_t, Finding*> wanted;
+    for (Finding& finding : findings) wanted[finding.version.version] = &finding;
+    try {
+        CQFile file;
+        Open(file, path, CFile::modeRead | CFile::shareDenyNone);
+        qel::CabinetReader reader(file);
+        while (const std::optional<qel::CabinetVersion> version = reader.Next()) {
+            const auto found = wanted.find(version->number);
+            if (found != wanted.end()) found->second->byte = version->dataAt;
+        }
+    } catch (const qel::DataError&) {  // the rest cannot be found
+    } catch (const CFileException&) {  // the same
+    }
+}
+
+// The versions of one cabinet.
+class Versions {
+public:
+    explicit Versions(std::string file) : m_file(std::move(file)) {}
+
+    void Take(const std::string& cabinet, const qel::RecordedVersion& version) {
+        if (version.state != qel::RecordedState::kMissing) ++m_report.versions;
+        if (!version.IsFinding()) return;
+        const Meaning meaning = MeaningOf(version.state);
+        m_worst = std::max(m_worst, meaning.status);
+        ++m_report.findingCount;
+        if (m_report.findings.size() < ArchiveReport::kMostOfACabinet)
+            m_report.findings.push_back({m_file, meaning.status, cabinet, version, meaning.detail});
+    }
+
+    ArchiveReport End(const std::string& cabinet) {
+        if (!m_file.empty() && !m_report.findings.empty()) AddPlaces(m_file, m_report.findings);
+        const std::uint64_t more = m_report.findingCount - m_report.findings.size();
+        if (more > 0)
+            m_report.findings.push_back(
+                {m_file, m_worst, cabinet, {}, "and " + Count(more, "more finding", "more findings")});
+        return std::move(m_report);
+    }
+
+private:
+    std::string m_file;
+    ArchiveReport m_report;
+    Status m_worst = kGood;
+};
+
+// One file, or one path that an entry names. Each is looked at by itself, so that several are at once.
+struct Step {
+    std::string file;
+    std::unique_ptr<qel::CabinetRecords> cabinet = {};  // what the trails say about it
+    std::optional<qel::RecordedFile> recorded = {};
+    ArchiveReport found = {};
+};
+
+class Comparison {
+public:
+    Comparison(const std::vector<ReadTrail>& trails, const ArchiveOptions& options) : m_options(options) {
+        for (const ReadTrail& trail : trails) {
+            const std::string path(Path(trail.file).View());
+            if (m_cabinets.ReadOn(path, trail.last) == 0 || m_files.ReadOn(path, trail.last) == 0)
+                throw Named(trail.file, LastRefusal("cannot be read", kInconsistent));
+        }
+    }
+
+    ArchiveReport Run() {
+        AddTree(FilesBelow(m_options.folder, m_options.except));
+        std::vector<Step> named;
+        for (const qel::RecordedFile& file : m_files.All()) named.push_back({file.path, {}, file});
+        ForEachAtOnce(m_steps.size(), m_options.jobs, [&](std::size_t i) { Take(m_steps[i]); });
+        ForEachAtOnce(named.size(), m_options.jobs, [&](std::size_t i) { Take(named[i]); });
+        for (Step& step : m_steps) Join(step.found);
+        for (const qel::CabinetRecords::Cabinet& missing : m_cabinets.Rest()) {
+            Versions versions("");
+            for (const qel::RecordedVersion& version : missing.versions) versions.Take(missing.guid, version);
+            Join(versions.End(missing.guid));
+        }
+        for (Step& step : named) Join(step.found);
+        m_report.files = named.size();
+        return std::move(m_report);
+    }
+
+private:
+    // Of several copies of a cabinet the first one by name is the one that the trails know.
+    void AddTree(const Tree& tree) {
+        for (const std::string& folder : tree.unreadableFolders)
+            Add(m_report, {folder, kUnreadable, {}, {}, "the folder cannot be read"});
+        for (const Tree::Other& other : tree.others) {
+            if (!m_files.Names(NameBelow(m_options.folder, other.path)))
+                Add(m_report, {other.path, kNotAFile, {}, {}, "is a " + other.kind + ", which no entry can record"});
+        }
+        for (const std::string& file : tree.files) {
+            Step step{file};
+            Guard(step, [&] {
+                if (IsCabinet(file)) {
+                    ++m_report.cabinets;
+                    auto known = std::make_unique<qel::CabinetRecords>();
+                    if (m_cabinets.TakeOut(Path(file).View(), *known) == 0)
+                        throw LastRefusal("cannot be read", kBadHeader);
+                    step.cabinet = std::move(known);
+                }
+            });
+            m_steps.push_back(std::move(step));
+        }
+    }
+
+    template <class Body> void Guard(Step& step, Body&& body) {
+        try {
+            Guarded(body);
+        } catch (const Failure& failure) {
+            Add(step.found, {step.file, failure.ExitStatus(), {}, {}, failure.what()});
+        }
+    }
+
+    void Take(Step& step) {
+        if (step.found.findingCount > 0) return;
+        Guard(step, [&] {
+            if (step.cabinet) {
+                CompareCabinet(step);
+            } else if (step.recorded) {
+                CompareFile(step);
+            } else {
+                RequireRecorded(step);
+            }
+        });
+    }
+
+    FileReport Known(const std::string& file, const std::string& purpose, const Resume::Checking& check) {
+        return m_options.resume != nullptr ? m_options.resume->Check(file, purpose, check) : check(file);
+    }
+
+    void CompareCabinet(Step& step) {
+        const auto compare = [&](const std::string& file) -> FileReport {
+            Versions versions(file);
+            std::string guid;
+            const auto take = [&](const qel::RecordedVersion& version) { versions.Take(guid, version); };
+            if (step.cabinet->Compare(Path(file).View(), guid, take) == 0)
+                throw LastRefusal("cannot be read", kBadHeader);
+            step.found = versions.End(guid);
+            return {"cabinet", false, WorstOf(step.found), std::to_string(step.found.versions)};
+        };
+        const FileReport report = Known(step.file, "cabinet-" + step.cabinet->Sum(), compare);
+        step.found.versions = qel::ReadWholeNumber<std::size_t>(report.detail).value_or(0);
+    }
+
+    void CompareFile(Step& step) {
+        const qel::RecordedFile& file = *step.recorded;
+        const std::string folder(Path(m_options.folder).View());
+        const std::string path = (std::filesystem::path(m_options.folder) / file.path).string();
+        Meaning meaning = {kGood, ""};
+        Known(path, "file-" + std::to_string(file.size) + '-' + file.sha256, [&](const std::string&) -> FileReport {
+            meaning = MeaningOf(qel::FileRecords::StateIn(folder, file));
+            return {"recorded", false, meaning.status, meaning.detail};
+        });
+        if (meaning.status == kGood) return;
         qel::RecordedVersion about;
         about.user = file.user;
         about.entry = file.entry;
         about.size = file.size;
         about.sha256 = file.sha256;
-        report.findings.push_back({folder + '/' + file.path, meaning.status, {}, about, meaning.detail});
+        Add(step.found, {path, meaning.status, {}, about, meaning.detail});
+    }
+
+    void RequireRecorded(Step& step) {
+        if (m_files.Names(NameBelow(m_options.folder, step.file))) return;
+        const FileReport found = m_options.content(step.file);
+        if (found.isSealed)
+            Add(step.found, {step.file, kSealNeverRecorded, {}, {}, "is sealed, and no entry names it"});
+        else if (found.kind == "job" || found.kind == "pdf")
+            Add(step.found, {step.file, kPrintNeverRecorded, {}, {}, "is a report, and no entry names it"});
+        // Others may write to a file without a seal: it is not finished. One with a seal is, and has to be readable.
+        if (found.finding == kUnreadable && HasTraceOfSeal(step.file))
+            Add(step.found, {step.file, kUnreadable, {}, {}, found.detail});
+    }
+
+    void Join(const ArchiveReport& found) {
+        m_report.versions += found.versions;
+        m_report.findingCount += found.findingCount;
+        m_report.findings.insert(m_report.findings.end(), found.findings.begin(), found.findings.end());
+    }
+
+    const ArchiveOptions& m_options;
+    qel::CabinetRecords m_cabinets;
+    qel::FileRecords m_files;
+    std::vector<Step> m_steps;
+    ArchiveReport m_report;
+};
+
+// The archive's own file of allowed signers, next to its latest trail.
+void CompareSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report) {
+    if (trails.empty()) return;
+    std::error_code error;
+    const auto path = std::filesystem::path(trails.back().file).parent_path() / "allowed_signers";
+    if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, error))) return;
+    qel::TrailSigners signers;
+    for (const ReadTrail& trail : trails)
+        if (signers.ReadOn(Path(trail.file).View(), trail.last) == 0)
+            throw Named(trail.file, LastRefusal("cannot be read", kInconsistent));
+    std::vector<qel::SignersDifference> differences;
+    if (signers.Compare(Path(path.string()).View(), differences) == 0)
+        return Add(report, {path.string(), kUnreadable, {}, {}, Why("cannot be read")});
+    for (const qel::SignersDifference& difference : differences) {
+        Finding finding{path.string(), kSignersDiffer, {}, {}, difference.text};
+        finding.version.entry = difference.entry;
+        finding.signer = difference.key;
+        Add(report, finding);
     }
 }
 
-// @param name within the archive
-void RequireRecordedIfSealed(ArchiveReport& report, const qel::FileRecords& records, const std::string& file,
-                             const std::string& name) {
-    if (records.Names(name)) return;
-    const FileReport found = CheckFile(file);
-    if (found.isSealed) report.findings.push_back({file, kNeverRecorded, {}, {}, "is sealed, and no entry names it"});
-    // Others may write to a file without a seal: it is not finished. One with a seal is, and has to be readable.
-    if (found.finding == kUnreadable && HasTraceOfSeal(file))
-        report.findings.push_back({file, kUnreadable, {}, {}, found.detail});
+// Only entries that findings are about: taking a whole trail apart takes time. Two trails have the same numbers, and
+// not the same hash there.
+void AddSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report) {
+    std::multimap<std::uint64_t, Finding*> wanted;
+    for (Finding& finding : report.findings)
+        if (finding.version.entry > 0 && finding.signer.empty()) wanted.emplace(finding.version.entry, &finding);
+    for (const ReadTrail& trail : trails) {
+        qel::TrailReader reader;
+        if (wanted.empty() || reader.Open(Path(trail.file).View()) == 0) return;
+        for (;;) {
+            const std::optional<qel::TrailEntry> entry = reader.Next();
+            if (!entry && qel::LastFailure().kind != qel::FailureKind::kData) break;
+            if (!entry) continue;
+            const auto [first, last] = wanted.equal_range(entry->number);
+            for (auto each = first; each != last; ++each)
+                if (each->second->version.sha256 == entry->sha256) each->second->signer = reader.Signer();
+        }
+    }
+}
+
+std::string FindingLine(const Finding& finding) {
+    const qel::RecordedVersion& version = finding.version;
+    std::string line = finding.file.empty() ? "cabinet " + finding.cabinet : Shown(finding.file);
+    if (version.version > 0) line += ": version " + std::to_string(version.version);
+    if (finding.byte > 0) line += ", byte " + std::to_string(finding.byte);
+    line += ": " + Shown(finding.detail);
+    if (version.entry > 0) line += ", entry " + std::to_string(version.entry);
+    if (!version.user.empty()) line += " by " + Shown(version.user);
+    return line + '\n';
+}
+
+Json FindingJson(const Finding& finding) {
+    const qel::RecordedVersion& version = finding.version;
+    return {{"finding", NameOf(finding.status)},
+            {"status", static_cast<int>(finding.status)},
+            {"file", finding.file},
+            {"byte", finding.byte > 0 ? Json(finding.byte) : Json(nullptr)},
+            {"cabinet", finding.cabinet},
+            {"cabinetVersion", version.version},
+            {"entry", version.entry},
+            {"user", version.user},
+            {"signer", finding.signer},
+            {"size", version.size},
+            {"sha256", version.sha256},
+            {"detail", finding.detail}};
 }
 
 }  // namespace
 
-ArchiveReport CompareArchive(const std::string& trail, const std::string& folder, const qel::TrailReceipt& last) {
-    qel::CabinetRecords cabinets;
-    qel::FileRecords files;
-    if (cabinets.Read(Path(trail).View(), last) == 0 || files.Read(Path(trail).View(), last) == 0)
-        throw Named(trail, LastRefusal("cannot be read", kInconsistent));
-    ArchiveReport report;
-    const Tree tree = FilesBelow(folder);
-    for (const std::string& unreadable : tree.unreadableFolders)
-        report.findings.push_back({unreadable, kUnreadable, {}, {}, "the folder cannot be read"});
-    for (const std::string& file : tree.files) {
-        try {
-            Guarded([&] {
-                if (IsCabinet(file)) return CompareCabinet(report, cabinets, file);
-                RequireRecordedIfSealed(report, files, file, NameBelow(folder, file));
-            });
-        } catch (const Failure& failure) {
-            report.findings.push_back({file, failure.ExitStatus(), {}, {}, failure.what()});
-        }
-    }
-    for (const qel::CabinetRecords::Cabinet& missing : cabinets.Rest()) AddFindings(report, "", missing);
-    CompareFiles(report, files, folder);
+ArchiveReport CompareArchive(const std::vector<ReadTrail>& trails, const ArchiveOptions& options) {
+    ArchiveReport report = Comparison(trails, options).Run();
+    CompareSigners(trails, report);
+    AddSigners(trails, report);
     return report;
 }
 
-std::string FindingLine(const ArchiveReport::Finding& finding) {
-    const qel::RecordedVersion& version = finding.version;
-    std::string line = finding.file.empty() ? "cabinet " + finding.cabinet : Shown(finding.file);
-    if (version.version > 0) line += ": version " + std::to_string(version.version);
-    line += ": " + Shown(finding.detail);
-    if (version.entry > 0) line += ", entry " + std::to_string(version.entry) + " by " + Shown(version.user);
-    return line + '\n';
+std::string ArchiveText(const ArchiveReport& report) {
+    std::string text;
+    for (const Finding& finding : report.findings) text += FindingLine(finding);
+    return text + Count(report.cabinets, "cabinet", "cabinets") + ", " + Count(report.versions, "version", "versions") +
+           ", " + Count(report.files, "recorded file", "recorded files") + ": " +
+           Count(report.findingCount, "finding", "findings") + '\n';
 }
 
-Json FindingJson(const ArchiveReport::Finding& finding) {
-    const qel::RecordedVersion& version = finding.version;
-    return {{"file", finding.file},       {"status", static_cast<int>(finding.status)},
-            {"cabinet", finding.cabinet}, {"cabinetVersion", version.version},
-            {"entry", version.entry},     {"user", version.user},
-            {"size", version.size},       {"sha256", version.sha256},
-            {"detail", finding.detail}};
+void AddArchiveJson(const ArchiveReport& report, Json& json) {
+    json["cabinets"] = report.cabinets;
+    json["versions"] = report.versions;
+    json["recordedFiles"] = report.files;
+    json["archiveFindingCount"] = report.findingCount;
+    json["archiveFindings"] = Json::array();
+    for (const Finding& finding : report.findings) json["archiveFindings"].push_back(FindingJson(finding));
+}
+
+Status WorstOf(const ArchiveReport& report) {
+    Status status = kGood;
+    for (const Finding& finding : report.findings) status = std::max(status, finding.status);
+    return status;
 }
 
 }  // namespace tool

@@ -1,30 +1,56 @@
 #pragma once
 
+#include <functional>
+#include <set>
+
 #include <qellib10/record.h>
 
+#include "file_check.h"
+#include "resume.h"
 #include "tool.h"
 
 namespace tool {
 
-/// What a trail says about an archive's cabinets, compared with them.
+/// A trail, and the last entry of it that was checked; number 0 takes it as it is.
+struct ReadTrail {
+    std::string file;
+    qel::TrailReceipt last;
+};
+
+/// What trails say about an archive's cabinets and files, compared with them.
 struct ArchiveReport {
     struct Finding {
         std::string file;  // empty: a cabinet that is not there
         Status status = kGood;
-        std::string cabinet = {};  // its GUID
-        qel::RecordedVersion version = {};
+        std::string cabinet = {};           // its GUID
+        qel::RecordedVersion version = {};  // of a file: user, entry, size and hash
         std::string detail = {};
+        std::uint64_t byte = 0;   // where the version's data are; 0: not known
+        std::string signer = {};  // fingerprint of the key that signed the entry
     };
-    std::size_t cabinets = 0, versions = 0, files = 0;  // files: those that the trail names
-    std::vector<Finding> findings = {};
+    std::size_t cabinets = 0, versions = 0, files = 0;  // files: those that the trails name
+    std::vector<Finding> findings = {};                 // of one cabinet at most kMostOfACabinet, and one for the rest
+    std::uint64_t findingCount = 0;
+
+    static constexpr std::size_t kMostOfACabinet = 1000;
 };
 
-/// Compares every cabinet, and every file that the trail names or that is sealed, in a folder and its subfolders.
-/// @param last the last entry that was checked, or number 0
-/// @throws Failure when the trail cannot be read, or is not the one that was checked
-ArchiveReport CompareArchive(const std::string& trail, const std::string& folder, const qel::TrailReceipt& last);
+struct ArchiveOptions {
+    std::string folder;
+    std::set<std::string> except = {};  // subfolders that are archives of their own
+    unsigned jobs = 1;
+    Resume* resume = nullptr;
+    Resume::Checking content = CheckFile;  // what a file is, as far as itself shows
+};
 
-std::string FindingLine(const ArchiveReport::Finding& finding);
-Json FindingJson(const ArchiveReport::Finding& finding);
+/// Compares every cabinet, and every file that the trails name, that is sealed or a printed report, in a folder and its
+/// subfolders. @param trails each one continues the one before
+/// @throws Failure when a trail cannot be read, or is not the one that was checked
+ArchiveReport CompareArchive(const std::vector<ReadTrail>& trails, const ArchiveOptions& options);
+
+std::string ArchiveText(const ArchiveReport& report);
+/// Adds counts and findings to the value of a trail or an archive.
+void AddArchiveJson(const ArchiveReport& report, Json& json);
+Status WorstOf(const ArchiveReport& report);
 
 }  // namespace tool

@@ -8,7 +8,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void Collect(const fs::path& folder, Tree& tree) {
+const char* KindOf(fs::file_type type) {
+    switch (type) {
+        case fs::file_type::symlink:
+            return "link";
+        case fs::file_type::fifo:
+            return "pipe";
+        case fs::file_type::socket:
+            return "socket";
+        default:
+            return "device";
+    }
+}
+
+void Collect(const fs::path& folder, const std::set<std::string>& except, Tree& tree) {
     std::vector<fs::directory_entry> entries;
     std::error_code error;
     fs::directory_iterator entry(folder, error);
@@ -18,16 +31,22 @@ void Collect(const fs::path& folder, Tree& tree) {
     for (const fs::directory_entry& each : entries) {
         std::error_code gone;
         const fs::file_type type = each.symlink_status(gone).type();
-        if (type == fs::file_type::directory) Collect(each.path(), tree);
-        if (type == fs::file_type::regular) tree.files.push_back(each.path().string());
+        const std::string path = each.path().string();
+        if (type == fs::file_type::directory) {
+            if (!except.contains(path)) Collect(each.path(), except, tree);
+        } else if (type == fs::file_type::regular) {
+            tree.files.push_back(path);
+        } else if (type != fs::file_type::not_found) {  // somebody has removed it
+            tree.others.push_back({path, KindOf(type)});
+        }
     }
 }
 
 }  // namespace
 
-Tree FilesBelow(const std::string& folder) {
+Tree FilesBelow(const std::string& folder, const std::set<std::string>& except) {
     Tree tree;
-    Collect(folder, tree);
+    Collect(folder, except, tree);
     return tree;
 }
 

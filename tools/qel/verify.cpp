@@ -1,56 +1,58 @@
 // qel verify: checks files and trees of files, on all processors, without changing any.
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <thread>
+#include <optional>
 
 #include <fnmatch.h>
 
-#include "file_check.h"
-#ifdef QEL_WITH_TRAIL
-#include "file_list.h"
-#include "resume.h"
-#endif
-#include "progress.h"
+#include "checked_file.h"
 #include "tree.h"
+#include "workers.h"
+#ifdef QEL_WITH_TRAIL
+#include "resume.h"
+#include "trail_options.h"
+#include "verify_lists.h"
+#include "verify_trails.h"
+#endif
 
 namespace tool {
 namespace {
 
 struct Options {
     std::vector<std::string> paths, sealed;
-    std::string saveList, against, resume;
-    unsigned jobs = std::max(std::thread::hardware_concurrency(), 1u);
-    bool all = false, strict = false, force = false, json = false;
-
-    bool HasList() const { return !saveList.empty() || !against.empty(); }
+    unsigned jobs = Processors();
+    bool all = false, strict = false, json = false;
+#ifdef QEL_WITH_TRAIL
+    std::string resume;
+    ListOptions lists;
+    TrailOptions trails;
+#endif
 };
 
-struct Checked {
-    std::string path;
-    bool isNamed = false;  // by the user, not found in a folder
-    FileReport report;
-    std::string name = {};  // from the folder on that the user named
-};
+struct ToCheck {
+    std::vector<CheckedFile> files;
+    std::vector<Tree::Other> others;
+    bool hasFolder = false;
 
-std::vector<Checked> ToCheck(const std::vector<std::string>& paths) {
-    std::vector<Checked> files;
-    for (const std::string& path : paths) {
+    explicit ToCheck(const std::vector<std::string>& paths) {
+        for (const std::string& path : paths) Add(path);
+    }
+    void Add(const std::string& path) {
         std::error_code error;
         if (!std::filesystem::is_directory(path, error)) {
             files.push_back({path, true, {}, std::filesystem::path(path).filename().string()});
-            continue;
+            return;
         }
+        hasFolder = true;
         const Tree tree = FilesBelow(path);
         for (const std::string& folder : tree.unreadableFolders)
             files.push_back({folder, false, {"", false, kUnreadable, "the folder cannot be read"}});
         for (const std::string& file : tree.files) files.push_back({file, false, {}, NameBelow(path, file)});
+        others.insert(others.end(), tree.others.begin(), tree.others.end());
     }
-    return files;
-}
+};
 
 // Names without a slash are those of files in any folder.
 bool MatchesAny(const std::vector<std::string>& patterns, const std::string& name) {
@@ -61,117 +63,23 @@ bool MatchesAny(const std::vector<std::string>& patterns, const std::string& nam
     });
 }
 
-void RequireSealed(Checked& file, const Options& options) {
+void RequireSealed(CheckedFile& file, const Options& options) {
     FileReport& report = file.report;
     if (report.isSealed || report.finding > kUnknown || !MatchesAny(options.sealed, file.name)) return;
     report.finding = kNotSealed;
     report.detail = "has to be sealed";
 }
 
-#ifdef QEL_WITH_TRAIL
-std::string ListedKind(const FileReport& report) { return (report.isSealed ? "sealed-" : "") + report.kind; }
-
-FileList ListOf(std::vector<Checked>& files) {
-    FileList list;
-    for (Checked& file : files) {
-        if (file.report.finding == kUnreadable) continue;
-        const std::optional<qel::FileHash> hash = qel::HashFile(Path(file.path).View());
-        if (hash) {
-            list.emplace(file.name, ListedFile{ListedKind(file.report), *hash});
-        } else {
-            file.report.finding = kUnreadable;
-            file.report.detail = Why("cannot be read");
-        }
-    }
-    return list;
-}
-
-void Raise(FileReport& report, Status finding, const char* detail) {
-    if (finding <= report.finding) return;
-    report.finding = finding;
-    report.detail = detail;
-}
-
-void Compare(std::vector<Checked>& files, const std::string& folder, const FileList& now, FileList before) {
-    for (Checked& file : files) {
-        auto known = before.extract(file.name);
-        const auto found = now.find(file.name);
-        if (found == now.end()) continue;  // it cannot be read
-        if (known.empty()) {
-            Raise(file.report, kAdded, "is not in the list");
-        } else if (!(known.mapped().hash == found->second.hash)) {
-            Raise(file.report, kChanged, "is not what the list has");
-        }
-    }
-    for (const auto& [name, missing] : before) {
-        const std::string path = (std::filesystem::path(folder) / name).string();
-        files.push_back({path, false, {missing.kind, false, kMissing, "is in the list, and not there"}, name});
-    }
-}
-
-void UseLists(std::vector<Checked>& files, const Options& options) {
-    const FileList before = options.against.empty() ? FileList() : ReadList(options.against);
-    const FileList now = ListOf(files);
-    if (!options.saveList.empty()) SaveList(options.saveList, options.force, now);
-    if (!options.against.empty()) Compare(files, options.paths[0], now, before);
-}
-
-// A file of ours in the tree would be one more file there.
-void RequireOutside(const std::string& file, const std::vector<std::string>& trees) {
-    std::error_code error;
-    if (file.empty()) return;
-    const std::filesystem::path at = std::filesystem::weakly_canonical(std::filesystem::absolute(file, error), error);
-    for (const std::string& tree : trees) {
-        const auto relative = at.lexically_relative(std::filesystem::canonical(tree, error));
-        if (relative.empty() || *relative.begin() != "..")
-            throw CLI::ValidationError("\"" + file + "\" is in the folder that is checked");
-    }
-}
-
-void RequireTreeForLists(const Options& options) {
-    std::error_code error;
-    if (options.paths.size() != 1 || !std::filesystem::is_directory(options.paths[0], error))
-        throw CLI::ValidationError("a list is that of one folder");
-    for (const std::string& list : {options.saveList, options.against}) RequireOutside(list, options.paths);
-    if (!options.saveList.empty()) RequireNew(options.saveList, options.force, {options.against});
-}
-#endif
-
 using Checking = std::function<FileReport(const std::string& file)>;
 
-void CheckAll(std::vector<Checked>& files, const Options& options, const Checking& check) {
-    std::atomic<std::size_t> next = 0, done = 0;
-    const auto work = [&] {
-        for (std::size_t i = next++; i < files.size(); i = next++) {
-            if (files[i].report.finding == kGood) files[i].report = check(files[i].path);
-            RequireSealed(files[i], options);
-            ++done;
-        }
-    };
-    const ProgressBar progress(files.size());
-    std::vector<std::jthread> workers;
-    for (std::size_t i = 0; i < std::min<std::size_t>(options.jobs, files.size()); ++i) workers.emplace_back(work);
-    for (; progress.IsShown() && done < files.size(); std::this_thread::sleep_for(std::chrono::milliseconds(20)))
-        progress.Show(done);
+void CheckAll(std::vector<CheckedFile>& files, const Options& options, const Checking& check) {
+    ForEachAtOnce(files.size(), options.jobs, [&](std::size_t i) {
+        if (files[i].report.finding == kGood) files[i].report = check(files[i].path);
+        RequireSealed(files[i], options);
+    });
 }
 
-const char* NameOf(Status finding) {
-    constexpr const char* kFindings[] = {"intact",       "",           "",          "unknown",
-                                         "renamed",      "unreadable", "changed",   "cut",
-                                         "inconsistent", "malformed",  "bad header"};
-    switch (finding) {
-        case kMissing:
-            return "missing";
-        case kAdded:
-            return "added";
-        case kNotSealed:
-            return "not sealed";
-        default:
-            return kFindings[finding];
-    }
-}
-
-std::string Line(const Checked& file) {
+std::string Line(const CheckedFile& file) {
     const FileReport& report = file.report;
     std::string line = Shown(file.path) + ": " + NameOf(report.finding);
     if (report.isSealed || (!report.kind.empty() && report.kind != "data"))
@@ -179,60 +87,120 @@ std::string Line(const Checked& file) {
     return line + ": " + report.detail + '\n';
 }
 
-void Write(const std::vector<Checked>& files, const std::map<Status, int>& counts, std::size_t passed,
-           const Options& options) {
+struct Results {
+    std::vector<CheckedFile> files;
+    std::size_t passed = 0;
+#ifdef QEL_WITH_TRAIL
+    std::vector<VerifiedArchive> archives;
+#endif
+};
+
+std::map<Status, int> CountsOf(const std::vector<CheckedFile>& files) {
+    std::map<Status, int> counts;
+    for (const CheckedFile& file : files) ++counts[file.report.finding];
+    return counts;
+}
+
+void Write(const Results& results, const Options& options) {
+    const std::vector<CheckedFile>& files = results.files;
     Json json{{"files", Json::array()}, {"summary", {{"files", files.size()}}}};
     std::string text;
-    for (const Checked& file : files) {
+    for (const CheckedFile& file : files) {
         const FileReport& report = file.report;
         const bool isFinding = report.finding >= (options.strict ? kUnknown : kRenamed);
         if (!isFinding && !file.isNamed && !options.all) continue;
         text += Line(file);
         json["files"].push_back({{"file", file.path},
                                  {"finding", NameOf(report.finding)},
+                                 {"status", static_cast<int>(report.finding)},
                                  {"kind", report.kind},
                                  {"sealed", report.isSealed},
                                  {"detail", report.detail}});
     }
+#ifdef QEL_WITH_TRAIL
+    for (const VerifiedArchive& archive : results.archives) text += VerifiedText(archive.chains, archive.archive);
+    json["archives"] = ArchivesJson(results.archives);
+#endif
+    const std::map<Status, int> counts = CountsOf(files);
     text += std::to_string(files.size()) + (files.size() == 1 ? " file" : " files");
     for (const auto& [finding, count] : counts) {
         text += (finding == counts.begin()->first ? ": " : ", ") + std::to_string(count) + ' ' + NameOf(finding);
         json["summary"][NameOf(finding)] = count;
     }
-    if (passed > 0) text += ", " + std::to_string(passed) + " not read again";
-    json["summary"]["notReadAgain"] = passed;
+    if (results.passed > 0) text += ", " + std::to_string(results.passed) + " not read again";
+    json["summary"]["notReadAgain"] = results.passed;
     options.json ? Print(json) : Print(text + '\n');
 }
 
-Status Verify(const Options& options) {
-#ifdef QEL_WITH_TRAIL
-    if (options.HasList()) RequireTreeForLists(options);
-#endif
-    std::vector<Checked> files = ToCheck(options.paths);
-    std::size_t passed = 0;
-#ifdef QEL_WITH_TRAIL
-    if (options.resume.empty()) {
-        CheckAll(files, options, CheckFile);
-    } else {
-        RequireOutside(options.resume, options.paths);
-        Resume resume(options.resume);
-        CheckAll(files, options, [&](const std::string& file) { return resume.Check(file); });
-        passed = resume.Passed();
-    }
-    if (options.HasList()) UseLists(files, options);
-#else
-    CheckAll(files, options, CheckFile);
-#endif
-    std::map<Status, int> counts;
+Status WorstOf(const std::vector<CheckedFile>& files, const Options& options) {
     Status status = kGood;
-    for (const Checked& file : files) {
-        ++counts[file.report.finding];
-        const bool counted = file.report.finding != kUnknown || file.isNamed || options.strict;
-        if (counted) status = std::max(status, file.report.finding);
+    for (const CheckedFile& file : files) {
+        const bool isCounted = file.report.finding != kUnknown || file.isNamed || options.strict;
+        if (isCounted && IsFinding(file.report.finding)) status = std::max(status, file.report.finding);
     }
-    Write(files, counts, passed, options);
-    return status == kGood && passed > 0 ? kNotReadAgain : status;
+    return status;
 }
+
+#ifdef QEL_WITH_TRAIL
+// Whoever knows a trail from elsewhere expects one.
+void RequireTrail(Results& results, const ToCheck& given, const Options& options) {
+    if (options.trails.anchors.AreThere() && results.archives.empty() && given.hasFolder)
+        results.files.push_back({options.paths[0], false, {"", false, kMissing, "has no trail"}});
+}
+
+Status Verify(const Options& options) {
+    if (options.lists.AreThere()) RequireTreeForLists(options.lists, options.paths);
+    ToCheck given(options.paths);
+    std::optional<Resume> resume;
+    if (!options.resume.empty()) {
+        RequireOutside(options.resume, options.paths);
+        resume.emplace(options.resume);
+    }
+    CheckAll(given.files, options,
+             [&](const std::string& file) { return resume ? resume->Check(file) : CheckFile(file); });
+    TrailOptions trails = options.trails;
+    trails.jobs = options.jobs;
+    trails.resume = resume ? &*resume : nullptr;
+    Results results;
+    results.files = std::move(given.files);
+    results.archives = VerifyTrails(results.files, trails);
+    RequireTrail(results, given, options);
+    if (options.lists.AreThere()) UseLists(results.files, given.others, options.paths[0], options.lists);
+    results.passed = resume ? resume->Passed() : 0;
+    Write(results, options);
+    Status status = WorstOf(results.files, options), loose = kGood;
+    for (const VerifiedArchive& archive : results.archives) {
+        const Status worst = archive.Worst();
+        (IsFinding(worst) ? status : loose) = std::max(IsFinding(worst) ? status : loose, worst);
+    }
+    return WithResume(status != kGood ? status : loose, trails.resume);
+}
+
+void AddTrailOptions(CLI::App& command, Options& options) {
+    CLI::Option* const resume =
+        command.add_option("--resume", options.resume, "Go on with an interrupted run: what it has read is kept here")
+            ->type_name("FILE");
+    command.add_option("--save-list", options.lists.saveList, "Write path, size and SHA-256 of all files to this one")
+        ->excludes(resume)
+        ->type_name("FILE");
+    command.add_option("--against", options.lists.against, "Compare with the files of such a list")
+        ->excludes(resume)
+        ->type_name("FILE");
+    command.add_flag("--force", options.lists.force, "Replace a list that exists");
+    AddAnchors(command, options.trails.anchors);
+    AddBefore(command, options.trails.before);
+    AddSignatureOptions(command, options.trails.signatures);
+}
+#else
+Status Verify(const Options& options) {
+    ToCheck given(options.paths);
+    CheckAll(given.files, options, CheckFile);
+    Results results;
+    results.files = std::move(given.files);
+    Write(results, options);
+    return WorstOf(results.files, options);
+}
+#endif
 
 }  // namespace
 
@@ -251,16 +219,10 @@ void AddVerify(CLI::App& app, Status& status) {
         ->allow_extra_args(false)
         ->type_name("GLOB");
 #ifdef QEL_WITH_TRAIL
-    CLI::Option* const resume =
-        command->add_option("--resume", options->resume, "Go on with an interrupted run: what it has read is kept here")
-            ->type_name("FILE");
-    command->add_option("--save-list", options->saveList, "Write path, size and SHA-256 of all files to this one")
-        ->excludes(resume)
-        ->type_name("FILE");
-    command->add_option("--against", options->against, "Compare with the files of such a list")
-        ->excludes(resume)
-        ->type_name("FILE");
-    command->add_flag("--force", options->force, "Replace a list that exists");
+    AddTrailOptions(*command, *options);
+    const std::string more = std::string("\nOf trails and their archives:\n") + kTrailStatuses;
+#else
+    const std::string more;
 #endif
     command->add_flag("--json", options->json, "Write JSON");
     command->footer(
@@ -276,8 +238,8 @@ void AddVerify(CLI::App& app, Status& status) {
         "  15 missing       a file of the list is not there\n"
         "  22 added         a file is not in the list\n"
         "  23 not sealed    a file that has to be sealed is not\n"
-        "Without any finding:\n"
-        "  24 not read again  files that an interrupted run has read were not read again");
+        "  38 too large     a document or job of more than 64 MiB, which is not read" +
+        more);
     command->callback([options, &status] { status = Verify(*options); });
 }
 

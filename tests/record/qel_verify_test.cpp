@@ -1,0 +1,198 @@
+#include <filesystem>
+#include <functional>
+
+#include "../support/cases.h"
+#include "../support/output_of.h"
+#include "recorded_folder.h"
+
+namespace {
+
+// An archive "a" with the trail "a/t", a cabinet of two versions, a sealed file and a report; its head file "h"
+// outside.
+class Archive : public TempFolder {
+public:
+    Archive() {
+        std::filesystem::create_directories(Posix("a/sub"));
+        qel::Trail trail(Settings("t", "h"), std::make_shared<ByteSigner>(1));
+        EXPECT_EQ(trail.Open(), 1);
+        Register(trail, "one");
+        Register(trail, "two");
+        Write("a/s", "data");
+        EXPECT_EQ(Run("$Q seal a/s >/dev/null"), "");
+        Write("a/sub/p", "%PDF-1.4");
+        Record(trail, qel::trail_kind::kFileSealed, "s");
+        Record(trail, qel::trail_kind::kReportPrinted, "sub/p");
+    }
+
+    qel::TrailSettings Settings(const std::string& trail, const std::string& head) const {
+        return {.path = Name("a/" + trail), .headPath = Name(head)};
+    }
+    // Ends the trail and goes on in "a/t2", whose head file is "h2".
+    void Continue() const {
+        qel::TrailSettings settings = Settings("t2", "h2");
+        settings.continues = Name("a/t");
+        settings.continuesHeadPath = Name("h");
+        qel::Trail trail(settings, std::make_shared<ByteSigner>(2));
+        EXPECT_EQ(trail.Open(), 1) << qel::LastFailure().text;
+    }
+    void Register(qel::Trail& trail, const std::string& bytes, const std::string& cabinet = "a/c") const {
+        qel::RecordedCabinet made(trail, {.cabinetPath = Name(cabinet), .recordPath = Name(cabinet + "r")});
+        Write("version", bytes);
+        EXPECT_TRUE(made.Open() != 0 && made.Register(Name("version"), "mori", "why")) << qel::LastFailure().text;
+    }
+    void Record(qel::Trail& trail, std::string_view action, const std::string& file) const {
+        qel::TrailRecord record = ::Record(action, file);
+        const std::string bytes = Read("a/" + file);
+        record.size = bytes.size();
+        record.sha256 = HashOf(bytes);
+        EXPECT_TRUE(trail.Append(record));
+    }
+    // A trail of somebody else in a folder of the archive, which records another version.
+    void AddForeign(const std::string& folder) const {
+        std::filesystem::create_directories(Posix("a/" + folder));
+        qel::Trail trail(Settings(folder + "x", "x"), std::make_shared<ByteSigner>(9));
+        EXPECT_EQ(trail.Open(), 1);
+        Register(trail, "three");
+    }
+    std::string Run(const std::string& commands) const {
+        return OutputOf("cd '" + Posix().native() + "' && export Q=" QELLIB10_QEL " && { " + commands + "; } 2>&1");
+    }
+    // The status, and the names of all findings.
+    std::string Findings(const std::string& command) const {
+        return Run(
+            "$Q " + command +
+            " --json >j; echo $?; sed -n 's/^ *\"finding\": \"\\(.*\\)\".*/\\1/p' j | sort | uniq | tr '\\n' '|'");
+    }
+};
+
+struct Change {
+    const char* what;
+    std::function<void(const Archive&)> make;
+    const char* known;
+    const char* found;
+};
+
+std::function<void(const Archive&)> By(const char* commands) {
+    return [=](const Archive& in) { EXPECT_EQ(in.Run(commands), ""); };
+}
+
+}  // namespace
+
+TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
+    const char* const head = "--head-file h";
+    for (const auto& [what, make, known, found] :
+         {Change{"nothing", By("true"), head, "0\n"},
+          Change{"nothing known", By("true"), "", "11\nnot anchored|"},
+          Change{"a byte of a version", By("sed -i s/two/twO/ a/c"), head, "27\nchanged|version changed|"},
+          Change{"no cabinet", By("rm a/c"), head, "29\nversion missing|"},
+          Change{"a version added", By("echo 3 >x; $Q cabinet add a/c x >/dev/null"), head, "16\nnever recorded|"},
+          Change{"a copy of the cabinet", By("cp a/c a/d"), head, "16\nnever recorded|"},
+          Change{"sealed again", By("echo x >>a/s; $Q seal --new a/s >/dev/null 2>&1"), head,
+                 "30\nchanged|file changed|"},
+          Change{"another report", By("echo x >>a/sub/p"), head, "30\nfile changed|"},
+          Change{"a file removed", By("rm -r a/sub"), head, "31\nfile missing|"},
+          Change{"another one sealed", By("echo x >a/y; $Q seal a/y >/dev/null"), head, "32\nseal never recorded|"},
+          Change{"another PDF", By("cp a/sub/p a/q"), head, "33\nprint never recorded|"},
+          Change{"another job", By("echo '<printjob/>' >a/q"), head, "33\nprint never recorded|"},
+          Change{"a link to a cabinet", By("mv a/c c; ln -s ../c a/c"), head, "34\nnot a file|version missing|"},
+          Change{"a pipe", By("mkfifo a/q"), head, "34\nnot a file|"},
+          Change{"an entry", By("sed -i 2s/why/WHY/ a/t"), head, "8\nchanged|inconsistent|"},
+          Change{"the last entry", By("sed -i '$d' a/t"), head, "33\nmissing|print never recorded|"},
+          Change{"no trail", By("rm a/t"), head, "15\nmissing|"},
+          Change{"no trail that is known as one", By("sed -i 's/^./ /' a/t"), head, "15\nmissing|"},
+          Change{"other allowed signers",
+                 By("echo \"i $(ssh-keygen -q -t ed25519 -N '' -f k && cat k.pub)\" "
+                    ">a/allowed_signers"),
+                 head, "37\nallowed signers|"},
+          Change{"another trail", By("true"), "--trail 00000000000000000000000000000000",
+                 "25\nother trail|unknown signer|"},
+          Change{"an early key",
+                 By("sed -n 's/.*\"object\":\"\\(ssh-ed25519 [^\"]*\\)\".*/i valid-after=\"20990101Z\" \\1/p' a/t >k"),
+                 "--trust k", "26\nkey not yet valid|"},
+          Change{"a trail of somebody else", [](const Archive& in) { in.AddForeign(""); }, head,
+                 "16\nnever recorded|not anchored|"},
+          Change{"the same in a folder, for its own files", [](const Archive& in) { in.AddForeign("sub/"); }, head,
+                 "33\nnever recorded|not anchored|print never recorded|version missing|"},
+          Change{"continued", [](const Archive& in) { in.Continue(); }, "--head-file h2", "0\n"},
+          Change{"the old one removed",
+                 [](const Archive& in) {
+                     in.Continue();
+                     in.Run("mv a/t old");
+                 },
+                 "--head-file h2", "35\nnever recorded|print never recorded|seal never recorded|trail before missing|"},
+          Change{"the old one elsewhere",
+                 [](const Archive& in) {
+                     in.Continue();
+                     in.Run("mv a/t old");
+                 },
+                 "--head-file h2 --before old", "0\n"},
+          Change{"the old one goes on",
+                 [](const Archive& in) {
+                     in.Continue();
+                     qel::Trail trail(in.Settings("t", "h"), std::make_shared<ByteSigner>(1));
+                     EXPECT_TRUE(trail.Open() != 0 && trail.Append(::Record("late")));
+                 },
+                 "--head-file h2", "36\nother trail before|"},
+          Change{"the old one is shorter",
+                 [](const Archive& in) {
+                     in.Continue();
+                     in.Run("sed -i '$d' a/t");
+                 },
+                 "--head-file h2", "36\nmissing|other trail before|print never recorded|"}}) {
+        const Archive archive;
+        make(archive);
+        EXPECT_EQ(archive.Findings("verify a " + std::string(known)), found) << what;
+    }
+}
+
+// What was read is known by its inode and by what the trail says about it.
+TEST(QelVerifyTree, GoesOnWithAnInterruptedRunAndLosesNoFindingOnAFullDisk) {
+    for (const std::string command : {"verify a --head-file h", "trail verify a/t --head-file h --archive a"}) {
+        const Archive archive;
+        for (int i = 0; i < 1000 && archive.Findings(command + " --resume r") == "0\n"; ++i) {
+        }
+        EXPECT_EQ(archive.Findings(command + " --resume r --jobs 3"), "24\n");
+        archive.Run("echo x >a/y; $Q seal a/y; sed -i s/two/twO/ a/c");
+        const std::string found = archive.Findings(command);
+        EXPECT_EQ(archive.Findings(command + " --resume r"), found);
+        const std::string full =
+            "{ trap '' XFSZ; ulimit -f 0; $Q " + command + " --resume new; echo $?; } | sed s/x/x/";
+        const std::string output = archive.Run(full);
+        EXPECT_NE(output.find("a/y: is sealed"), std::string::npos) << output;
+        EXPECT_NE(output.find("qel: new: cannot be written"), std::string::npos) << output;
+        EXPECT_TRUE(output.ends_with("\n32\n")) << output;
+        archive.Run("rm a/y new; sed -i s/twO/two/ a/c");
+        EXPECT_TRUE(archive.Run(full).ends_with("\n39\n"));
+    }
+}
+
+TEST(QelVerifyTree, ReportsWhereAFindingIsWithoutASentence) {
+    const Archive archive;
+    archive.Run("sed -i s/two/twO/ a/c");
+    const std::string json = archive.Run("$Q verify a --head-file h --json");
+    const std::string signer = ByteSigner(1).Key().Fingerprint();
+    for (const std::string& member :
+         {std::string("\"file\": \"a/c\""), std::string("\"status\": 27"), std::string("\"byte\": 79"),
+          std::string("\"cabinetVersion\": 2"), std::string("\"entry\": 5"), "\"signer\": \"" + signer + '"',
+          "\"sha256\": \"" + HashOf("two") + '"', std::string("\"size\": 3")})
+        EXPECT_NE(json.find(member), std::string::npos) << member << json;
+}
+
+TEST(QelRenewals, ShowTheEntryThatRecordedEach) {
+    const Archive archive;
+    const std::string renewals = "$Q renewals a/cr --trail a/t; echo $?";
+    const std::string good = archive.Run(renewals);
+    EXPECT_NE(good.find(": entry 5, "), std::string::npos) << good;
+    EXPECT_TRUE(good.ends_with("\n0\n")) << good;
+    archive.Write("a/cr", archive.Read("a/cr").replace(archive.Read("a/cr").rfind("mori"), 4, "abet"));
+    const std::string changed = archive.Run(renewals);
+    EXPECT_NE(changed.find("says something else: by mori"), std::string::npos) << changed;
+    EXPECT_TRUE(changed.ends_with("\n40\n")) << changed;
+    archive.Write("a/cr", archive.Read("a/cr") + archive.Read("a/cr"));
+    EXPECT_NE(archive.Run(renewals).find("never recorded\n"), std::string::npos);
+    qel::Trail trail(archive.Settings("t", "h"), std::make_shared<ByteSigner>(1));
+    ASSERT_EQ(trail.Open(), 1);
+    archive.Register(trail, "other", "a/d");
+    EXPECT_TRUE(archive.Run(renewals).ends_with("; see qel --help\n2\n"));
+    EXPECT_EQ(archive.Run("$Q renewals a/dr --trail a/t --cabinet a/d | sed 's/.*: entry \\([0-9]*\\).*/\\1/'"), "9\n");
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "checked_file.h"
+#include "trail_report.h"
+
+// The trails that qel verify finds, and the archives that they are in.
+namespace tool {
+
+struct TrailOptions {
+    AnchorOptions anchors;
+    SignatureOptions signatures = {};
+    std::vector<std::string> before = {};
+    unsigned jobs = 1;
+    Resume* resume = nullptr;
+};
+
+/// A folder with trails, or a trail that the user has named.
+struct VerifiedArchive {
+    std::string folder;  ///< empty: a trail alone
+    std::vector<VerifiedChain> chains = {};
+    std::optional<ArchiveReport> archive = {};
+
+    Status Worst() const;
+};
+
+/// Checks the trails among @p files, and compares what is in their folders with them. Each trail's own report is set.
+std::vector<VerifiedArchive> VerifyTrails(std::vector<CheckedFile>& files, const TrailOptions& options);
+
+Json ArchivesJson(const std::vector<VerifiedArchive>& archives);
+
+}  // namespace tool
