@@ -100,6 +100,7 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
           Change{"the last entry", By("sed -i '$d' a/t"), head, "33\nmissing|print never recorded|"},
           Change{"no trail", By("rm a/t"), head, "15\nmissing|"},
           Change{"no trail that is known as one", By("sed -i 's/^./ /' a/t"), head, "15\nmissing|"},
+          Change{"its allowed signers", By("$Q trail signers a/t >a/allowed_signers"), head, "0\n"},
           Change{"other allowed signers",
                  By("echo \"i $(ssh-keygen -q -t ed25519 -N '' -f k && cat k.pub)\" "
                     ">a/allowed_signers"),

@@ -77,6 +77,14 @@ Status Export(const Options& options) {
     return IsFinding(ofTrail) || status == kGood ? std::max(ofTrail, status) : status;
 }
 
+// The archive's own file of allowed signers.
+Status Signers(const Options& options) {
+    qel::TrailSigners signers;
+    if (signers.Read(Path(options.file).View()) == 0) throw Refusal(options);
+    Print(signers.Text());
+    return kGood;
+}
+
 ArchiveReport CompareArchive(const Options& options, const VerifiedChain& chain, Resume* resume) {
     std::vector<ReadTrail> trails;
     for (const VerifiedTrail& trail : chain.trails)
@@ -152,6 +160,7 @@ void AddTrail(CLI::App& app, Status& status) {
         ->required()
         ->check(RefuseOtherThanEntry, "")
         ->type_name("");
+    add("signers", "Write which keys may sign, as the entries say, in the format of allowed signers", Signers);
     CLI::App* const verify = add("verify", "Check every entry, and that none is missing", Verify);
     AddVerifyOptions(*verify, *options);
     CLI::App* const exported = add("export", "Check the entries, and write them to a file", Export);

@@ -71,6 +71,7 @@ void AddPlaces(const std::string& path, std::vector<Finding>& findings) {
         while (const std::optional<qel::CabinetVersion> version = reader.Next()) {
             const auto found = wanted.find(version->number);
             if (found != wanted.end()) found->second->byte = version->dataAt;
+            if (version->number >= wanted.rbegin()->first) return;
         }
     } catch (const qel::DataError&) {  // the rest cannot be found
     } catch (const CFileException&) {  // the same

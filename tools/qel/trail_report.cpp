@@ -39,9 +39,10 @@ std::string EndText(const VerifiedTrail& trail) {
     return text;
 }
 
-Json FindingJson(const qel::TrailFinding& finding) {
+Json FindingJson(const std::string& trail, const qel::TrailFinding& finding) {
     return {{"finding", NameOf(StatusOf(finding))},
             {"status", static_cast<int>(StatusOf(finding))},
+            {"file", trail},
             {"entry", finding.entry},
             {"byte", finding.byte},
             {"lastMissing", finding.lastMissing},
@@ -70,7 +71,8 @@ Json TrailJson(const VerifiedTrail& trail) {
               {"firstClockSet", report.firstClockSet},
               {"findingCount", report.findingCount},
               {"findings", Json::array()}};
-    for (const qel::TrailFinding& finding : report.findings) json["findings"].push_back(FindingJson(finding));
+    for (const qel::TrailFinding& finding : report.findings)
+        json["findings"].push_back(FindingJson(trail.file, finding));
     if (trail.failure)
         json["failure"] = {{"finding", NameOf(trail.failure->ExitStatus())},
                            {"status", static_cast<int>(trail.failure->ExitStatus())},
