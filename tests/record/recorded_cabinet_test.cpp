@@ -55,6 +55,32 @@ struct TwoVersions : RecordedFolder {
     std::vector<Files> before;
 };
 
+// A cabinet's header with another number, and sums that fit.
+std::string HeaderWith(std::string header, std::size_t at, std::uint32_t number) {
+    const auto bytes = std::as_writable_bytes(std::span(header));
+    qel::PutNumber(bytes, at, number);
+    qel::CheckSums sums;
+    sums.Add({reinterpret_cast<const unsigned char*>(header.data()), 28});
+    qel::PutNumber(bytes, 28, sums.Sum());
+    qel::PutNumber(bytes, 32, sums.Crc());
+    return header;
+}
+
+// A cabinet of so many empty versions.
+std::string Forged(const std::string& header, std::uint32_t count) {
+    std::string versions;
+    const qel::CheckSums none;
+    for (std::uint32_t number = 1; number <= count; ++number) {
+        std::string version = "CVH1" + std::string(16, '\0');
+        const auto bytes = std::as_writable_bytes(std::span(version));
+        qel::PutNumber(bytes, 4, number);
+        qel::PutNumber(bytes, 12, none.Sum());
+        qel::PutNumber(bytes, 16, none.Crc());
+        versions += version;
+    }
+    return HeaderWith(HeaderWith(header, 4, 36 + 20 * (count - 1)), 8, count) + versions;
+}
+
 }  // namespace
 
 TEST(RecordedCabinet, AnEntryHasWhoWhenWhyAndTheHashOfEachVersion) {
@@ -319,12 +345,7 @@ TEST(RecordedCabinet, ATrailThatSomebodyHasChangedIsNotTrusted) {
 
 TEST(RecordedCabinet, AHeaderThatClaimsEveryVersionThereCouldBeTakesNoMemory) {
     const TwoVersions two;
-    std::string header = two.Read("c").substr(0, 36);
-    qel::PutNumber(std::as_writable_bytes(std::span(header)), 8, std::uint32_t{0xFFFF'FFFF});
-    qel::CheckSums sums;
-    sums.Add({reinterpret_cast<const unsigned char*>(header.data()), 28});
-    qel::PutNumber(std::as_writable_bytes(std::span(header)), 28, sums.Sum());
-    qel::PutNumber(std::as_writable_bytes(std::span(header)), 32, sums.Crc());
+    const std::string header = HeaderWith(two.Read("c").substr(0, 36), 8, 0xFFFF'FFFF);
     two.Write("c", header + two.Read("c").substr(36));
     EXPECT_EQ(two.Listed(), "c: is damaged: it is too short for its number of versions");
     qel::CabinetRecords records;
@@ -348,6 +369,8 @@ TEST(QelTrail, ComparesTheCabinetsOfAnArchive) {
               "version 2: was registered, and is not there, entry 5 by sato\n29\n"},
              {"a damaged header", [](Two two) { two.Write("c", two.Read("c").replace(10, 1, "x")); },
               "c: a damaged cabinet header\n"},
+             {"a forged one", [](Two two) { two.Write("d", Forged(two.Read("c").substr(0, 36), 1005)); },
+              "d: version 1000, byte 20036: no entry announced it\n16\n"},
              {"a copy", [](Two two) { two.Write("d", two.Read("c")); },
               "d: version 1, byte 56: no entry announced it\nd: version 2, byte 79: no entry announced it\n16\n"},
          }) {

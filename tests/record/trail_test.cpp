@@ -330,7 +330,9 @@ TEST(Trail, TimesNeverGoBackAndJumpsOfTheClockAreEntries) {
     }
     now.bootTime = 0;
     EXPECT_THROW(writer.Append(Record("x")), qel::DataError) << "of another system with the same boot id";
-    EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
+    const qel::TrailReport report = folder.CheckWithHead();
+    EXPECT_EQ(folder.Findings(report), "");
+    EXPECT_EQ(std::pair(report.clockSet, report.firstClockSet), std::pair(std::uint64_t{6}, std::uint64_t{4}));
 }
 
 TEST(Trail, AcknowledgesNothingThatIsWronglySigned) {
