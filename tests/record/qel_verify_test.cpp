@@ -177,6 +177,7 @@ TEST(QelVerifyTree, ReportsWhereAFindingIsWithoutASentence) {
           std::string("\"cabinetVersion\": 2"), std::string("\"entry\": 5"), "\"signer\": \"" + signer + '"',
           "\"sha256\": \"" + HashOf("two") + '"', std::string("\"size\": 3")})
         EXPECT_NE(json.find(member), std::string::npos) << member << json;
+    EXPECT_EQ(archive.Findings("verify a/s --head-file h"), "15\nintact|missing|") << "a file without its trail";
 }
 
 TEST(QelRenewals, ShowTheEntryThatRecordedEach) {

@@ -34,7 +34,6 @@ struct Options {
 struct ToCheck {
     std::vector<CheckedFile> files;
     std::vector<Tree::Other> others;
-    bool hasFolder = false;
 
     explicit ToCheck(const std::vector<std::string>& paths) {
         for (const std::string& path : paths) Add(path);
@@ -45,7 +44,6 @@ struct ToCheck {
             files.push_back({path, true, {}, std::filesystem::path(path).filename().string()});
             return;
         }
-        hasFolder = true;
         const Tree tree = FilesBelow(path);
         for (const std::string& folder : tree.unreadableFolders)
             files.push_back({folder, false, {"", false, kUnreadable, "the folder cannot be read"}});
@@ -143,8 +141,8 @@ Status WorstOf(const std::vector<CheckedFile>& files, const Options& options) {
 
 #ifdef QEL_WITH_TRAIL
 // Whoever knows a trail from elsewhere expects one.
-void RequireTrail(Results& results, const ToCheck& given, const Options& options) {
-    if (options.trails.anchors.AreThere() && results.archives.empty() && given.hasFolder)
+void RequireTrail(Results& results, const Options& options) {
+    if (options.trails.anchors.AreThere() && results.archives.empty())
         results.files.push_back({options.paths[0], false, {"", false, kMissing, "has no trail"}});
 }
 
@@ -164,7 +162,7 @@ Status Verify(const Options& options) {
     Results results;
     results.files = std::move(given.files);
     results.archives = VerifyTrails(results.files, trails);
-    RequireTrail(results, given, options);
+    RequireTrail(results, options);
     if (options.lists.AreThere()) UseLists(results.files, given.others, options.paths[0], options.lists);
     results.passed = resume ? resume->Passed() : 0;
     Write(results, options);
