@@ -13,7 +13,7 @@ constexpr std::size_t kLongestName = 64;           // bytes
 constexpr std::int64_t kApplication = 0x51555352;  // marks the file as ours
 constexpr std::int64_t kVersion = 1;
 
-// AUTOINCREMENT: the ID of a deleted user is never given to another.
+// AUTOINCREMENT: the ID of a deleted user is never chosen again. An application may give it to another.
 constexpr const char* kTables =
     "CREATE TABLE users("
     "  id INTEGER PRIMARY KEY AUTOINCREMENT CHECK(id BETWEEN -2147483648 AND 2147483647 AND id <> 0),"

@@ -16,6 +16,7 @@ struct Attempt {
 /// Counts an attempt as refused, before its password is checked: so a guess counts also when its program is killed or
 /// the disk is full. The right password takes it back (ForgetAttempts) within the turn of the logon, before another one
 /// is checked. @p user may be kNobody, which costs the same.
+/// @param now within the years 1970 to 9999
 Attempt CountAttempt(Database& database, UserId user, std::chrono::sys_seconds now, const LogonLock& rule);
 
 /// After a success, or when an administrator sets a new password.

@@ -36,13 +36,20 @@ const char* ReasonFor(LogonStatus status) {
 // Every name and password goes the same way, so that the time shows nothing about who has an account or is locked.
 PasswordCheck UserStoreState::Check(const CString& username, std::string_view password) const {
     PasswordCheck check{.user = FindUser(*database, username)};
-    check.attempt = CountAttempt(*database, check.user, settings.clock(), settings.lock);
+    check.attempt = CountAttempt(*database, check.user, Now(), settings.lock);
     check.present = ReadPassword(*database, check.user);
     const PasswordHash decoy{.cost = settings.cost};
     check.isToken = IsToken(*database, check.user, password);
     check.isPassword =
         !check.isToken && IsPassword(password, check.present ? *check.present : decoy) && check.present.has_value();
     return check;
+}
+
+std::optional<CUserInfo> UserStoreState::StillRight(const PasswordCheck& check, std::string_view password) const {
+    const std::optional<PasswordHash> present = ReadPassword(*database, check.user);
+    const bool isRight = check.isToken ? IsToken(*database, check.user, password)
+                                       : present && check.present && present->salt == check.present->salt;
+    return isRight ? ReadUser(*database, check.user) : std::nullopt;
 }
 
 std::chrono::sys_seconds UserStoreState::Now() const {
@@ -143,7 +150,8 @@ int UserStore::ChangePassword(const CString& username, const CString& password, 
         const LogonStatus status = m_state->StatusOf(check.user);
         Transaction transaction(database);
         const std::optional<PasswordHash> present = ReadPassword(database, check.user);
-        if (!present || present->salt != check.present->salt) return refuse(check);  // somebody has set another one
+        if (!present || present->salt != check.present->salt)
+            return refuse({.user = check.user});  // somebody has set another one
         m_state->SetPassword(check.user, newPassword, PasswordOrigin::kUser);
         const CString account = ReadUser(database, check.user).value_or(CUserInfo()).GetUsername();
         m_state->Report({.event = AccountEvent::kPasswordChanged,

@@ -16,15 +16,18 @@ namespace {
 constexpr int kMaximumPrompts = 3;
 constexpr std::size_t kLongestToken = 256;  // bytes of its file
 
-void HashAgain(Database& database, UserId user, const PasswordHash& old, std::string_view password,
-               const PasswordCost& cost) {
+// Returns what is stored then; the old one if another program has set another password meanwhile.
+PasswordHash HashAgain(Database& database, UserId user, const PasswordHash& old, std::string_view password,
+                       const PasswordCost& cost) {
+    if (old.cost == cost) return old;
     const PasswordHash hash = HashPassword(password, cost);
     Transaction transaction(database);
     const std::optional<PasswordHash> kept = ReadPassword(database, user);
-    if (!kept || kept->salt != old.salt) return;  // another program has set another password meanwhile
+    if (!kept || kept->salt != old.salt) return old;
     StorePassword(database, user, hash);
     KeepPasswordDates(database, user, old, hash);
     transaction.Commit();
+    return hash;
 }
 
 bool IsToChange(LogonStatus status) {
@@ -85,15 +88,20 @@ int UserStore::Logon(const CString& username, const CString& password) {
             return refuse({.user = FindUser(database, username)});
         const SecretText text(ToUtf8(password.View()));
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
-        const PasswordCheck check = m_state->Check(username, text.View());
+        PasswordCheck check = m_state->Check(username, text.View());
         if (!check.IsRight()) return refuse(check);
-        if (check.isPassword && check.present->cost != settings.cost)
-            HashAgain(database, check.user, *check.present, text.View(), settings.cost);
+        if (check.isPassword)
+            check.present = HashAgain(database, check.user, *check.present, text.View(), settings.cost);
         ForgetAttempts(database, check.user);
         if (check.isPassword) RequireNoChange(*m_state, check);
         m_state->EndLogon();
-        m_state->Report(AccountEvent::kLogon, ReadUser(database, check.user).value_or(CUserInfo()).GetUsername());
+        Transaction transaction(database);  // a reset or deletion is either seen here, or entered after this logon
+        const std::optional<CUserInfo> account = m_state->StillRight(check, text.View());
+        if (!account) return refuse({.user = check.user});
+        m_state->Report(AccountEvent::kLogon, account->GetUsername());
+        transaction.Commit();
         m_state->logonUser = check.user;
+        m_state->logonName = account->GetUsername();
         m_state->logonStatus = LogonStatus::kLoggedOn;
         return 1;
     });
@@ -111,8 +119,7 @@ int UserStore::Logout() {
 
 void UserStore::GetLogonUser(CUserInfo* out) {
     if (out == nullptr) return;
-    *out = m_state->ResultOf("qel::UserStore::GetLogonUser",
-                             [&] { return ReadUser(m_state->Opened(), m_state->logonUser).value_or(CUserInfo()); });
+    *out = m_state->ResultOf("qel::UserStore::GetLogonUser", [&] { return m_state->LoggedOn().value_or(CUserInfo()); });
 }
 
 CString UserStore::GetLogonUsername() {

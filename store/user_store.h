@@ -72,7 +72,8 @@ public:
     void SetLogonPrompt(LogonPrompt prompt);
     /// Asks up to three times; from when the password has to be changed, up to three times more. Without a prompt 0.
     int LogonWithDialog() override;
-    /// Waits for other logons of this user, then takes as long as the password's cost says.
+    /// Waits for other logons of this user, then takes as long as the password's cost says. Refused also if the
+    /// password is reset, or the account deleted, meanwhile.
     int Logon(const CString& username, const CString& password) override;
     /// What the last logon came to.
     LogonStatus GetLogonStatus() const;
@@ -117,7 +118,8 @@ public:
     /// set by somebody else.
     int SaveFunctionSecurity(const CUserInfo& user) override;
     /// Without a password the user cannot log on yet; one counts as set by somebody else. With user ID 0 the store
-    /// chooses one.
+    /// chooses one. An ID may be that of an account that was deleted: where that one is still logged on, nobody is,
+    /// unless the name is the same.
     int AddUser(const CUserInfo& user) override;
     int DeleteUser(const CString& username) override;
 

@@ -35,7 +35,7 @@ using LogonPrompt = std::function<bool(LogonRequest&)>;
 /// When wrong passwords lock a user.
 struct LogonLock {
     int mostRefused = 5;  ///< this many wrong passwords in a row lock a user; each further one locks again
-    std::chrono::seconds length = std::chrono::minutes(5);
+    std::chrono::seconds length = std::chrono::minutes(5);  ///< at most 10 000 years; longer ones count as that
 };
 
 /// What an installation may want to be different in a UserStore.

@@ -70,10 +70,13 @@ int UserStoreState::RefuseAttempt(AccountEvent event, const PasswordCheck& check
     return 0;
 }
 
-CString UserStoreState::Actor() const {
-    const auto user = ReadUser(Opened(), logonUser);
-    return user ? user->GetUsername() : CString();
+std::optional<CUserInfo> UserStoreState::LoggedOn() const {
+    auto user = ReadUser(Opened(), logonUser);
+    if (user && user->GetUsername() != logonName) user.reset();
+    return user;
 }
+
+CString UserStoreState::Actor() const { return LoggedOn().value_or(CUserInfo()).GetUsername(); }
 
 UserId UserStoreState::Existing(const CString& username) const {
     const UserId user = FindUser(Opened(), username);

@@ -60,13 +60,17 @@ struct UserStoreState {
     /// @param event kLogonRefused, or the same of a change of the password
     /// @return 0
     int RefuseAttempt(AccountEvent event, const PasswordCheck& check, const CString& reason = {}) const;
+    /// The account that a logon is about to count for, if the password or token that was right is still valid.
+    std::optional<CUserInfo> StillRight(const PasswordCheck& check, std::string_view password) const;
     /// Of the user's present password, which is the right one: kLoggedOn unless it has to be changed.
     LogonStatus StatusOf(UserId user) const;
     /// The same of what is known of it.
     LogonStatus StatusOf(const PasswordDates& dates) const;
     /// By the clock, within the years 1970 to 9999.
     std::chrono::sys_seconds Now() const;
-    /// The name of who is logged on.
+    /// Who is logged on. Nothing also if that account was deleted, and its ID given to another name.
+    std::optional<CUserInfo> LoggedOn() const;
+    /// Their name.
     CString Actor() const;
     /// @throws StoreError before Connect
     Database& Opened() const;
@@ -86,6 +90,7 @@ struct UserStoreState {
     std::unique_ptr<Database> database;  // null until connected
     std::vector<CString> names;
     UserId logonUser = kNobody;
+    CString logonName;  // of the same account
     LogonStatus logonStatus = LogonStatus::kNone;
     PasswordFault passwordFault = PasswordFault::kNone;
 };

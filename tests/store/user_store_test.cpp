@@ -99,6 +99,9 @@ TEST_F(UserStoreTest, AccountsStayAsTheyWereEntered) {
     EXPECT_EQ(Line({store->DeleteUser("miller"), store->SaveFunctionSecurity(user)}), "0 0");
     EXPECT_EQ(store->GetLogonUsername(), "");
     EXPECT_EQ(store->GetUserCount(), 2);
+    CUserInfo eve = Record("eve", "");
+    eve.SetUserID(user.GetUserID());
+    EXPECT_EQ(Line({store->AddUser(eve), store->GetLogonUsername()}), "1 ") << "miller was logged on, not eve";
 }
 
 TEST_F(UserStoreTest, FiveWrongPasswordsLockAUser) {
@@ -133,6 +136,11 @@ TEST_F(UserStoreTest, FiveWrongPasswordsLockAUser) {
     for (int i = 0; i < 5; ++i) store->Logon("bob", "wrong");
     EXPECT_EQ(store->SaveFunctionSecurity(Record("bob", "new")), 1);
     EXPECT_EQ(store->Logon("bob", "new"), 1);
+    m_settings.lock.length = std::chrono::seconds::max();
+    store = Open();
+    for (int i = 0; i < 5; ++i) store->Logon("bob", "wrong");
+    m_now += std::chrono::days(10'000);
+    EXPECT_EQ(store->Logon("bob", "new"), 0) << "locked for ever";
 }
 
 TEST(PasswordRules, AskForLengthKindsAndNotTheName) {
@@ -403,8 +411,19 @@ TEST_F(UserStoreTest, ThePromptIsAskedUpToThreeTimes) {
 }
 
 TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
+    std::function<void(UserStore&)> other;  // what another program does while a logon ends the one before
+    m_settings.record = [&](const qel::AccountChange& change) {
+        if (other && change.event == qel::AccountEvent::kLogout) std::exchange(other, {})(*Open());
+        return true;
+    };
     auto store = Open();
     store->CreateFirstAdministrator("admin", "first");
+    Open()->AddUser(Record("bob", "pw"));
+    const auto logonBeside = [&](const char* password, std::function<void(UserStore&)> change) {
+        EXPECT_EQ(store->Logon("admin", "first"), 1);
+        other = std::move(change);
+        return store->Logon("bob", password);
+    };
     using Kind = qel::FailureKind;
     for (const auto& [operation, kind] : Cases<std::function<int()>, Kind>{
              {[&] { return store->DeleteUser("nobody"); }, Kind::kMissing},
@@ -416,6 +435,9 @@ TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
              {[&] { return store->GetUserName(1).GetLength(); }, Kind::kMissing},
              {[&] { return store->GetUserCount(); }, Kind::kNone},
              {[&] { return UserStore(m_folder.Path("none")).GetUserCount() + 1; }, Kind::kState},
+             {[&] { return logonBeside("pw", [](UserStore& own) { own.SaveFunctionSecurity(Record("bob", "new")); }); },
+              Kind::kRefused},
+             {[&] { return logonBeside("new", [](UserStore& own) { own.DeleteUser("bob"); }); }, Kind::kRefused},
              {[&] { return store->Logon("admin", "first"); }, Kind::kNone},
          }) {
         EXPECT_EQ(operation() == 0, kind != Kind::kNone);
