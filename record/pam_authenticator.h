@@ -21,10 +21,15 @@ namespace qel {
 /// refused if it asks more, or lets somebody in without asking for the password. A wrong password may take seconds. A
 /// process of an ordinary user can check that user's password alone with pam_unix; other modules have no such limit.
 ///
-/// Copies are alike. Any number of threads.
+/// Copies are alike. Any number of threads; one after the other is served, as modules change the whole process: while
+/// pam_unix runs its helper program, SIGCHLD has its default action, and a handler of the application misses the end of
+/// a child. With `noreap` among the module's arguments it is left alone; then no handler may wait for children that
+/// are not its own. A child that is forked meanwhile must not use this.
 class QELLIB10_API PamAuthenticator {
 public:
-    /// @param service the application's, such as "titrator"; a service that does not exist refuses everybody
+    /// @param service the application's, such as "titrator": a file in /etc/pam.d or /usr/lib/pam.d that this process
+    /// can read. Without one everybody is refused (kState), and PAM's service "other" does not count; it does for each
+    /// part that the file does not have, so let the file have lines `auth` and `account`.
     explicit PamAuthenticator(std::string_view service);
 
     /// @param user, password at most 511 bytes each

@@ -1,6 +1,8 @@
 #include "qellib10/record/trail_keys.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <string_view>
 
 #include "qellib10/platform/error.h"
 #include "qellib10/platform/storage/path.h"
@@ -10,6 +12,25 @@
 #include "qellib10/record/trail_kind.h"
 
 namespace qel {
+namespace {
+
+// Whether an entry of one of these kinds is about the key.
+bool HasEntryOf(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key,
+                std::initializer_list<std::string_view> actions) {
+    TrailLines lines(trail, 0, length);
+    for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
+        const auto isIn = [&](std::string_view action) {
+            return line.text.find("\"action\":\"" + std::string(action) + '"') != std::string_view::npos;
+        };
+        if (std::ranges::none_of(actions, isIn)) continue;  // reading an entry takes longer
+        const TrailEntry entry = ReadEntry(line.text).entry;
+        const bool isOne = std::ranges::find(actions, entry.action) != actions.end();
+        if (isOne && SshPublicKey::OfText(entry.object) == key) return true;
+    }
+    return false;
+}
+
+}  // namespace
 
 void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys) {
     const bool starts = entry.action == trail_kind::kTrailStarted || entry.action == trail_kind::kTrailContinued;
@@ -42,14 +63,14 @@ void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys) {
 }
 
 void RequireNotRevoked(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key) {
-    const std::string action = "\"action\":\"" + std::string(trail_kind::kKeyRevoked) + '"';
-    TrailLines lines(trail, 0, length);
-    for (TrailLines::Line line = lines.Next(); line.kind == TrailLines::Kind::kWhole; line = lines.Next()) {
-        if (line.text.find(action) == std::string_view::npos) continue;
-        const TrailEntry entry = ReadEntry(line.text).entry;
-        if (entry.action == trail_kind::kKeyRevoked && SshPublicKey::OfText(entry.object) == key)
-            throw DataError("a key that was revoked cannot be announced again");
-    }
+    if (HasEntryOf(trail, length, key, {trail_kind::kKeyRevoked}))
+        throw DataError("a key that was revoked cannot be announced again");
+}
+
+void RequireAnnounced(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key) {
+    if (!HasEntryOf(trail, length, key,
+                    {trail_kind::kKeyAdded, trail_kind::kTrailStarted, trail_kind::kTrailContinued}))
+        throw DataError("the key was never one of this trail");
 }
 
 std::string FileNameOf(const std::string& path) {

@@ -30,6 +30,10 @@ void RequireWritable(const TrailEntry& entry, std::vector<SshPublicKey> keys);
 /// @throws DataError for such a key; CFileException
 void RequireNotRevoked(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key);
 
+/// The same for an entry that revokes a key: one that the trail never had is a mistake, and the stolen one goes on.
+/// @throws DataError unless an entry has announced the key, or has started the trail with it; CFileException
+void RequireAnnounced(const GuardedFile& trail, std::uint64_t length, const SshPublicKey& key);
+
 /// The name without its folder, in UTF-8.
 std::string FileNameOf(const std::string& path);
 

@@ -148,8 +148,7 @@ TrailReceipt TrailWriter::Append(const TrailRecord& record) {
         const GuardedFile::Lock lock(m_head->File(), m_settings.patience);
         RequireOwnKey(Current());
         RequireNothingLost();
-        if (record.action == trail_kind::kKeyAdded)
-            RequireNotRevoked(*m_trail, m_end->head.length, SshPublicKey::OfText(record.object));
+        RequireKeyInOrder(record);
         const TrailMoment now = m_clock();
         if (HasOwn(now)) {
             RequireWritable(EntryOf(record, now), m_end->head.keys);  // or they would be written for nothing
@@ -162,6 +161,17 @@ TrailReceipt TrailWriter::Append(const TrailRecord& record) {
     }
     if (m_settings.flush == TrailFlush::kGroup) FlushWritten(written);
     return written.receipt;
+}
+
+// What the list of keys that may sign does not show.
+void TrailWriter::RequireKeyInOrder(const TrailRecord& record) const {
+    const bool adds = record.action == trail_kind::kKeyAdded;
+    if (!adds && record.action != trail_kind::kKeyRevoked) return;
+    const SshPublicKey key = SshPublicKey::OfText(record.object);
+    if (adds) return RequireNotRevoked(*m_trail, m_end->head.length, key);
+    if (key == SshPublicKey::OfText(m_signer->PublicKey()))
+        throw DataError("a key cannot revoke itself: whoever has stolen it could do so. Another key has to sign this");
+    RequireAnnounced(*m_trail, m_end->head.length, key);
 }
 
 void TrailWriter::RequireUsable() const {

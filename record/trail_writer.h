@@ -73,6 +73,7 @@ private:
     std::string SignedLine(const TrailEntry& entry) const;
     void Acknowledge();
     void TakeBack(std::uint64_t length) noexcept;
+    void RequireKeyInOrder(const TrailRecord& record) const;
     void RequireUsable() const;
     void RequireNothingLost();
     void KeepForFlush(const Written& written);

@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
 #include <utility>
 
 #include <security/pam_appl.h>
@@ -66,10 +69,18 @@ int Converse(int count, const pam_message** questions, pam_response** answers, v
     return PAM_SUCCESS;
 }
 
+bool IsOfAccount(int status) {
+    return status == PAM_ACCT_EXPIRED || status == PAM_PERM_DENIED || status == PAM_NEW_AUTHTOK_REQD ||
+           status == PAM_AUTHTOK_EXPIRED || status == PAM_CRED_EXPIRED || status == PAM_MAXTRIES;
+}
+
 class Service {
 public:
-    Service(const std::string& name, Conversation& conversation) : m_conversation{Converse, &conversation} {
-        m_status = ::pam_start(name.c_str(), conversation.user.c_str(), &m_conversation, &m_handle);
+    Service(const std::string& name, Conversation& conversation, const std::string& folder)
+        : m_conversation{Converse, &conversation} {
+        const char* const user = conversation.user.c_str();
+        m_status = folder.empty() ? ::pam_start(name.c_str(), user, &m_conversation, &m_handle)
+                                  : ::pam_start_confdir(name.c_str(), user, &m_conversation, folder.c_str(), &m_handle);
     }
     ~Service() {
         if (m_handle != nullptr) ::pam_end(m_handle, m_status);
@@ -81,34 +92,54 @@ public:
     int Check() {
         constexpr int kFlags = static_cast<int>(PAM_SILENT | PAM_DISALLOW_NULL_AUTHTOK);
         if (m_status == PAM_SUCCESS) m_status = ::pam_authenticate(m_handle, kFlags);
+        // Whether the password was right is not known then: who has an account, and in what state, is not said.
+        if (IsOfAccount(m_status)) m_status = PAM_AUTH_ERR;
         if (m_status != PAM_SUCCESS) return m_status;
         m_status = ::pam_acct_mgmt(m_handle, kFlags);
         return m_status == PAM_AUTH_ERR ? PAM_PERM_DENIED : m_status;  // the password was right
     }
+    bool IsStarted() const { return m_handle != nullptr; }
     // A service may exchange the name.
-    std::string User() const {
-        const void* user = nullptr;
-        if (::pam_get_item(m_handle, PAM_USER, &user) != PAM_SUCCESS || user == nullptr) return "";
-        return static_cast<const char*>(user);
-    }
+    std::string User() const { return Item(PAM_USER); }
+    // The name of its file: PAM makes small letters of capitals.
+    std::string Name() const { return Item(PAM_SERVICE); }
     std::string Text() const {
         const char* const text = ::pam_strerror(m_handle, m_status);
         return text != nullptr ? text : "no reason is known";
     }
 
 private:
+    std::string Item(int type) const {
+        const void* item = nullptr;
+        if (::pam_get_item(m_handle, type, &item) != PAM_SUCCESS || item == nullptr) return "";
+        return static_cast<const char*>(item);
+    }
+
     pam_conv m_conversation;
     pam_handle_t* m_handle = nullptr;
     int m_status = PAM_SYSTEM_ERR;
 };
+
+// Without its file, PAM would take the service "other", with which Debian lets in every account that has the password.
+bool IsFileIn(const std::string& folder, const std::string& service) {
+    const std::filesystem::path path = std::filesystem::path(folder) / service;
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) && std::ifstream(path).is_open();
+}
+
+bool HasFile(const std::string& service, const std::string& folder) {
+    if (!folder.empty()) return IsFileIn(folder, service);
+    return IsFileIn("/etc/pam.d", service) || IsFileIn("/usr/lib/pam.d", service);
+}
+
+// Modules such as pam_unix set what the whole process does about SIGCHLD, and put it back.
+std::mutex turns;
 
 PamAnswer RefusalOf(int status, const Service& service) {
     switch (status) {
         case PAM_AUTH_ERR:
         case PAM_USER_UNKNOWN:
             return {.text = "name or password are wrong"};
-        case PAM_MAXTRIES:
-            return {.text = "the password was wrong too often"};
         case PAM_NEW_AUTHTOK_REQD:
         case PAM_AUTHTOK_EXPIRED:
         case PAM_CRED_EXPIRED:
@@ -130,7 +161,8 @@ PamAnswer RefusalOf(int status, const Service& service) {
 
 }  // namespace
 
-PamAnswer AskPam(const std::string& service, const std::string& user, std::string_view password) {
+PamAnswer AskPam(const std::string& service, const std::string& user, std::string_view password,
+                 const std::string& folder) {
     // A zero byte would end a text of the system's library, so that its start alone is compared.
     const bool isText = password.find('\0') == std::string_view::npos && user.find('\0') == std::string::npos;
     if (!isText || user.empty() || password.size() >= PAM_MAX_RESP_SIZE || user.size() >= PAM_MAX_RESP_SIZE)
@@ -138,7 +170,10 @@ PamAnswer AskPam(const std::string& service, const std::string& user, std::strin
     if (service.empty() || service.find_first_of(std::string_view("/\0", 2)) != std::string::npos)
         return {.kind = FailureKind::kArgument, .text = "this cannot be the name of a service"};
     Conversation conversation{user, password};
-    Service asked(service, conversation);
+    const std::scoped_lock turn(turns);
+    Service asked(service, conversation, folder);
+    if (asked.IsStarted() && !HasFile(asked.Name(), folder))
+        return {.kind = FailureKind::kState, .text = "there is no service of this name that can be read"};
     const int status = asked.Check();
     if (conversation.isMoreAsked)
         return {.kind = FailureKind::kState, .text = "the service asks for more than a name and a password"};

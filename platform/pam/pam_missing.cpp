@@ -3,7 +3,7 @@
 
 namespace qel {
 
-PamAnswer AskPam(const std::string&, const std::string&, std::string_view) {
+PamAnswer AskPam(const std::string&, const std::string&, std::string_view, const std::string&) {
     return {.kind = FailureKind::kState, .text = "the library was built without PAM"};
 }
 
