@@ -146,6 +146,36 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
     }
 }
 
+// However the same folder and trail are named, and with a list of what was there.
+TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
+    const auto forge = By("echo x >a/y; $Q seal a/y >/dev/null");
+    const auto list = [](const std::function<void(const Archive&)>& then) {
+        return [=](const Archive& in) {
+            in.Run("$Q verify a --head-file h --save-list l");
+            then(in);
+        };
+    };
+    for (const auto& [what, make, known, found] :
+         {Change{"the trail is named, too", forge, "a/t a --head-file h", "32\nintact|seal never recorded|"},
+          Change{"the same after the folder", forge, "a ./a/t --head-file h", "32\nintact|seal never recorded|"},
+          Change{"slashes, and a trail in a folder", [](const Archive& in) { in.AddForeign("sub/"); },
+                 ".//a/./ --head-file h", "33\nnever recorded|not anchored|print never recorded|version missing|"},
+          Change{"a list, the trail as it was", list(By("true")), "a --against l", "11\nnot anchored|"},
+          Change{"a list, another trail", list([](const Archive& in) {
+                     in.Run("rm a/t h");
+                     qel::Trail trail(in.Settings("t", "h"), std::make_shared<ByteSigner>(3));
+                     EXPECT_EQ(trail.Open(), 1);
+                     in.Record(trail, qel::trail_kind::kFileSealed, "s");
+                     in.Record(trail, qel::trail_kind::kReportPrinted, "sub/p");
+                     in.Run("rm a/c a/cr");
+                 }),
+                 "a --against l", "15\nchanged|missing|"}}) {
+        const Archive archive;
+        make(archive);
+        EXPECT_EQ(archive.Findings("verify " + std::string(known)), found) << what;
+    }
+}
+
 // What was read is known by its inode and by what the trail says about it.
 TEST(QelVerifyTree, GoesOnWithAnInterruptedRunAndLosesNoFindingOnAFullDisk) {
     for (const std::string command : {"verify a --head-file h", "trail verify a/t --head-file h --archive a"}) {

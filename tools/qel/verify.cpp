@@ -31,12 +31,20 @@ struct Options {
 #endif
 };
 
+// Paths below it are compared as texts. "link/.." is not the folder that the link is in, and stays.
+std::string WithoutRepeatedSlashes(const std::string& path) {
+    std::filesystem::path clean;
+    for (const std::filesystem::path& each : std::filesystem::path(path))
+        if (each != "." && !each.empty()) clean /= each;
+    return clean.empty() ? path : clean.string();
+}
+
 struct ToCheck {
     std::vector<CheckedFile> files;
     std::vector<Tree::Other> others;
 
     explicit ToCheck(const std::vector<std::string>& paths) {
-        for (const std::string& path : paths) Add(path);
+        for (const std::string& path : paths) Add(WithoutRepeatedSlashes(path));
     }
     void Add(const std::string& path) {
         std::error_code error;
@@ -63,7 +71,8 @@ bool MatchesAny(const std::vector<std::string>& patterns, const std::string& nam
 
 void RequireSealed(CheckedFile& file, const Options& options) {
     FileReport& report = file.report;
-    if (report.isSealed || report.finding > kUnknown || !MatchesAny(options.sealed, file.name)) return;
+    const bool isWorse = IsFinding(report.finding) && report.finding > kUnknown;
+    if (report.isSealed || isWorse || !MatchesAny(options.sealed, file.name)) return;
     report.finding = kNotSealed;
     report.detail = "has to be sealed";
 }

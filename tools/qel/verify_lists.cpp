@@ -50,7 +50,7 @@ bool IsSame(const ListedFile& before, const ListedFile& now) {
 }
 
 void Raise(FileReport& report, Status finding, const char* detail) {
-    if (finding <= report.finding) return;
+    if (IsFinding(report.finding) && finding <= report.finding) return;
     report.finding = finding;
     report.detail = detail;
 }

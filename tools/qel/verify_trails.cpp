@@ -11,9 +11,15 @@
 namespace tool {
 namespace {
 
+// By path: of one that is named, and in a folder that is named as well, the one of the folder first.
 struct Found {
-    std::vector<std::string> trails;
-    std::map<std::string, CheckedFile*> files;  // by path
+    std::multimap<std::string, CheckedFile*> files;
+
+    explicit Found(std::vector<CheckedFile>& all) {
+        for (const bool isNamed : {false, true})
+            for (CheckedFile& file : all)
+                if (file.isNamed == isNamed) files.emplace(file.path, &file);
+    }
 };
 
 std::string FolderOf(const CheckedFile& trail) {
@@ -78,11 +84,12 @@ std::vector<ReadTrail> ToCompareWith(const std::vector<VerifiedChain>& chains) {
 
 void SetReports(const VerifiedChain& chain, const Found& found) {
     for (const VerifiedTrail& trail : chain.trails) {
-        const auto file = found.files.find(trail.file);
-        if (file == found.files.end()) continue;
-        FileReport& report = file->second->report;
-        report.finding = trail.failure ? trail.failure->ExitStatus() : StatusOf(trail.report);
-        report.detail = trail.failure ? trail.failure->what() : ResultText(trail.report);
+        const auto [first, last] = found.files.equal_range(trail.file);
+        for (auto file = first; file != last; ++file) {
+            FileReport& report = file->second->report;
+            report.finding = trail.failure ? trail.failure->ExitStatus() : StatusOf(trail.report);
+            report.detail = trail.failure ? trail.failure->what() : ResultText(trail.report);
+        }
     }
 }
 
@@ -117,12 +124,10 @@ Status VerifiedArchive::Worst() const {
 }
 
 std::vector<VerifiedArchive> VerifyTrails(std::vector<CheckedFile>& files, const TrailOptions& options) {
-    Found found;
+    const Found found(files);
     std::map<std::string, std::vector<std::string>> byFolder;
-    for (CheckedFile& file : files) {
-        const bool isNew = found.files.try_emplace(file.path, &file).second;
-        if (isNew && file.report.kind == "trail") byFolder[FolderOf(file)].push_back(file.path);
-    }
+    for (auto file = found.files.begin(); file != found.files.end(); file = found.files.upper_bound(file->first))
+        if (file->second->report.kind == "trail") byFolder[FolderOf(*file->second)].push_back(file->first);
     std::vector<VerifiedArchive> archives;
     std::set<std::string> folders;
     for (const auto& [folder, trails] : byFolder) {
