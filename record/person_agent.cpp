@@ -13,12 +13,15 @@ namespace qel {
 
 namespace {
 
-// Its own reason, where it has one: a password may be right and have expired.
+// Its own reason, where it has one: a password may be right and have expired. Where the system could not check it,
+// nobody has guessed.
 void RequirePassword(const Authenticator& isPasswordOf, std::string_view user, std::string_view password) {
     Operation asking(nullptr);
     if (isPasswordOf(user, password)) return;
     asking.Ended(0, FailureKind::kRefused, WrongPassword().what());
-    throw WrongPassword(ToUtf8(LastFailure().text));
+    const Failure why = LastFailure();
+    if (why.kind == FailureKind::kRefused) throw WrongPassword(ToUtf8(why.text));
+    throw DataError("the password cannot be checked: " + ToUtf8(why.text));
 }
 
 }  // namespace

@@ -10,7 +10,8 @@
 namespace qel {
 
 /// Whether this is the password of this user's account: asked at each signature. It may ask a store of users or the
-/// system (qel::PamAuthenticator). Where it says no by a failure of the library, qel::LastFailure has its reason.
+/// system (qel::PamAuthenticator). Where it says no by a failure of the library, qel::LastFailure has its reason. Only
+/// one of the kind kRefused, or none, is a wrong password, which counts.
 using Authenticator = std::function<bool(std::string_view user, std::string_view password)>;
 
 /// A person who signs by a key in an agent that speaks the protocol of ssh-agent, such as one on a card. The agent
@@ -46,8 +47,8 @@ public:
     std::string User() const override;
     std::string PrintedName() const override;
     std::string PublicKey() const override;
-    /// @throws WrongPassword if the authenticator says no, before the agent is asked; DataError also without one, and
-    /// if a security key has not verified its user
+    /// @throws WrongPassword if the authenticator says no, before the agent is asked; DataError also without one, where
+    /// it cannot check the password, and if a security key has not verified its user
     PersonSignature Sign(std::string_view bytes, std::string_view password) override;
 
 private:

@@ -69,7 +69,7 @@ bool RecordedUsers::Enter(const AccountChange& change) {
         if (!change.reason.IsEmpty()) {
             record.reason = Utf8(change.reason);
         } else if (change.event == AccountEvent::kPasswordChanged && record.reason.empty()) {
-            record.reason = "set by somebody else";
+            record.reason = change.user == change.account ? "by its user" : "set by somebody else";
         }
         m_state->trail.Append(record);
         m_state->trail.Flush();

@@ -159,6 +159,18 @@ std::optional<PasswordHash> ReadPassword(Database& database, UserId user) {
     return hash;
 }
 
+PasswordCost HighestCost(Database& database, const PasswordCost& usual) {
+    const auto work = [](const PasswordCost& cost) { return cost.passes * cost.memory; };
+    std::optional<PasswordCost> highest;
+    Query query(database, "SELECT DISTINCT passes, memory FROM users WHERE hash IS NOT NULL");
+    while (query.Step()) {
+        const PasswordCost cost{static_cast<std::uint64_t>(query.Number(0)),
+                                static_cast<std::uint64_t>(query.Number(1))};
+        if (IsUsable(cost) && (!highest || work(cost) > work(*highest))) highest = cost;
+    }
+    return highest.value_or(usual);
+}
+
 void StorePassword(Database& database, UserId user, const PasswordHash& hash) {
     Query update(database, "UPDATE users SET salt = ?, hash = ?, passes = ?, memory = ? WHERE id = ?");
     update.BindBytes(hash.salt).BindBytes(hash.hash).Bind(static_cast<std::int64_t>(hash.cost.passes));

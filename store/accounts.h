@@ -43,6 +43,8 @@ void DeleteAccount(Database& database, UserId user);
 
 /// Nothing when the user has no password yet.
 std::optional<PasswordHash> ReadPassword(Database& database, UserId user);
+/// The highest cost of a password that can be checked; @p usual where there is none.
+PasswordCost HighestCost(Database& database, const PasswordCost& usual);
 void StorePassword(Database& database, UserId user, const PasswordHash& hash);
 
 /// Whether a manager or maker has a password.

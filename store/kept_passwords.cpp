@@ -1,7 +1,9 @@
 #include "qellib10/store/kept_passwords.h"
 
 #include <algorithm>
+#include <vector>
 
+#include "qellib10/platform/crypto/crypto_library.h"
 #include "qellib10/store/store_error.h"
 
 namespace qel {
@@ -22,6 +24,32 @@ constexpr const char* kTables =
 bool HasTable(Database& database, std::string_view name) {
     Query query(database, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?");
     return query.Bind(name).Step();
+}
+
+bool IsOne(std::string_view password, const PasswordHash& hash) {
+    try {
+        return IsPassword(password, hash);
+    } catch (const CryptoError&) {  // of a cost that cannot be
+        return false;
+    }
+}
+
+// All are read first, so that no other program waits for the store while they are compared.
+std::vector<PasswordHash> LastPasswords(Database& database, UserId user, int earlier) {
+    std::vector<PasswordHash> last;
+    if (const auto present = ReadPassword(database, user)) last.push_back(*present);
+    if (earlier <= 0 || !HasTable(database, "earlier_passwords")) return last;
+    Query query(database,
+                "SELECT salt, hash, passes, memory FROM earlier_passwords WHERE user = ? "
+                "ORDER BY number DESC LIMIT ?");
+    query.Bind(user).Bind(earlier);
+    while (query.Step()) {
+        PasswordHash hash;
+        if (!query.Bytes(0, hash.salt) || !query.Bytes(1, hash.hash)) continue;
+        hash.cost = {static_cast<std::uint64_t>(query.Number(2)), static_cast<std::uint64_t>(query.Number(3))};
+        last.push_back(hash);
+    }
+    return last;
 }
 
 std::chrono::sys_seconds Time(std::int64_t seconds) {
@@ -57,21 +85,8 @@ void KeepPasswordDates(Database& database, UserId user, const PasswordHash& old,
 int EarlierPasswords(const PasswordRules& rules) { return std::clamp(rules.history, 1, kLongestHistory) - 1; }
 
 bool WasUsed(Database& database, UserId user, std::string_view password, int earlier) {
-    const std::optional<PasswordHash> present = ReadPassword(database, user);
-    if (present && IsPassword(password, *present)) return true;
-    if (earlier <= 0 || !HasTable(database, "earlier_passwords")) return false;
-    Query query(database,
-                "SELECT salt, hash, passes, memory FROM earlier_passwords WHERE user = ? "
-                "ORDER BY number DESC LIMIT ?");
-    query.Bind(user).Bind(earlier);
-    while (query.Step()) {
-        PasswordHash hash;
-        if (!query.Bytes(0, hash.salt) || !query.Bytes(1, hash.hash))
-            throw StoreError(FailureKind::kData, "an earlier password has no hash");
-        hash.cost = {static_cast<std::uint64_t>(query.Number(2)), static_cast<std::uint64_t>(query.Number(3))};
-        if (IsPassword(password, hash)) return true;
-    }
-    return false;
+    const auto isOne = [&](const PasswordHash& hash) { return IsOne(password, hash); };
+    return std::ranges::any_of(LastPasswords(database, user, earlier), isOne);
 }
 
 void KeepEarlierPassword(Database& database, UserId user, int earlier) {
@@ -79,7 +94,8 @@ void KeepEarlierPassword(Database& database, UserId user, int earlier) {
         database.Run(kTables);
         Query(database,
               "INSERT INTO earlier_passwords SELECT id, 1 + (SELECT coalesce(max(number), 0) FROM earlier_passwords "
-              "WHERE user = users.id), salt, hash, passes, memory FROM users WHERE id = ? AND hash IS NOT NULL")
+              "WHERE user = users.id), salt, hash, passes, memory FROM users WHERE id = ? AND hash IS NOT NULL "
+              "AND salt IS NOT NULL AND passes IS NOT NULL AND memory IS NOT NULL")
             .Bind(user)
             .Run();
     } else if (!HasTable(database, "earlier_passwords")) {

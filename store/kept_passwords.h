@@ -8,7 +8,7 @@
 
 // When passwords were set, and earlier ones: two tables (docs/formats.md) that are made when a rule first needs them,
 // so that a store without rules keeps its bytes, and programs that do not know them open the file. The caller has a
-// Transaction. A step that fails throws StoreError or DatabaseError.
+// Transaction, except for WasUsed. A step that fails throws StoreError or DatabaseError.
 namespace qel {
 
 /// What is known of a user's present password.
@@ -29,7 +29,7 @@ void KeepPasswordDates(Database& database, UserId user, const PasswordHash& old,
 /// How many of the rule's count there are at most, without the present one.
 int EarlierPasswords(const PasswordRules& rules);
 /// Whether @p password is the present one, if there is one, or one of the last @p earlier before it. Takes as long as
-/// all these logons.
+/// all these logons. One that cannot be checked, in a damaged file, is none of them: else nobody could set another one.
 bool WasUsed(Database& database, UserId user, std::string_view password, int earlier);
 /// Before another password takes its place, the present one becomes an earlier one; of these, the last @p earlier stay.
 void KeepEarlierPassword(Database& database, UserId user, int earlier);

@@ -4,7 +4,7 @@
 
 #include "qellib10/platform/crypto/secret_text.h"
 #include "qellib10/platform/crypto/token.h"
-#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/text/secret_utf8.h"
 #include "qellib10/store/logon_turn.h"
 #include "qellib10/store/user_store_state.h"
 
@@ -18,6 +18,15 @@ bool IsToken(Database& database, UserId user, std::string_view password) {
 
 bool NeedDates(const PasswordRules& rules) {
     return rules.greatestAge.count() > 0 || rules.leastAge.count() > 0 || rules.mustChangeAtFirstUse;
+}
+
+bool IsCompared(const PasswordRules& rules, PasswordOrigin origin) {
+    return rules.history > 0 || origin == PasswordOrigin::kUser;
+}
+
+// Each one that is set has another salt.
+bool IsSamePassword(const std::optional<PasswordHash>& one, const std::optional<PasswordHash>& other) {
+    return one && other ? one->salt == other->salt : one.has_value() == other.has_value();
 }
 
 const char* ReasonFor(LogonStatus status) {
@@ -38,7 +47,7 @@ PasswordCheck UserStoreState::Check(const CString& username, std::string_view pa
     PasswordCheck check{.user = FindUser(*database, username)};
     check.attempt = CountAttempt(*database, check.user, Now(), settings.lock);
     check.present = ReadPassword(*database, check.user);
-    const PasswordHash decoy{.cost = settings.cost};
+    const PasswordHash decoy{.cost = HighestCost(*database, settings.cost)};
     check.isToken = IsToken(*database, check.user, password);
     check.isPassword =
         !check.isToken && IsPassword(password, check.present ? *check.present : decoy) && check.present.has_value();
@@ -47,8 +56,8 @@ PasswordCheck UserStoreState::Check(const CString& username, std::string_view pa
 
 std::optional<CUserInfo> UserStoreState::StillRight(const PasswordCheck& check, std::string_view password) const {
     const std::optional<PasswordHash> present = ReadPassword(*database, check.user);
-    const bool isRight = check.isToken ? IsToken(*database, check.user, password)
-                                       : present && check.present && present->salt == check.present->salt;
+    const bool isRight =
+        check.isToken ? IsToken(*database, check.user, password) : present && IsSamePassword(present, check.present);
     return isRight ? ReadUser(*database, check.user) : std::nullopt;
 }
 
@@ -85,10 +94,10 @@ LogonStatus UserStoreState::StatusOf(UserId user) const {
     return status;
 }
 
-PasswordFault UserStoreState::FaultOf(UserId user, const CString& password, PasswordOrigin origin) const {
+PasswordFault UserStoreState::FaultOf(UserId user, const CUserInfo& account, const CString& password,
+                                      PasswordOrigin origin) const {
     const PasswordRules& rules = settings.passwords;
-    const CUserInfo record = ReadUser(*database, user).value_or(CUserInfo());
-    const PasswordFault form = FindPasswordFault(rules, record.GetUsername(), record.GetUserFullname(), password);
+    const PasswordFault form = FindPasswordFault(rules, account.GetUsername(), account.GetUserFullname(), password);
     if (form != PasswordFault::kNone) return form;
     const std::optional<PasswordHash> present = ReadPassword(*database, user);
     if (origin == PasswordOrigin::kUser && rules.leastAge.count() > 0 && present) {
@@ -97,37 +106,42 @@ PasswordFault UserStoreState::FaultOf(UserId user, const CString& password, Pass
                              Now() - dates->set < rules.leastAge;
         if (isFresh) return PasswordFault::kTooEarly;
     }
-    if (rules.history <= 0 && origin != PasswordOrigin::kUser) return PasswordFault::kNone;
-    const SecretText text(ToUtf8(password.View()));
+    if (!IsCompared(rules, origin)) return PasswordFault::kNone;
+    const SecretText text(SecretToUtf8(password.View()));
     const bool wasUsed = WasUsed(*database, user, text.View(), EarlierPasswords(rules));
     return wasUsed ? PasswordFault::kUsedBefore : PasswordFault::kNone;
 }
 
-void UserStoreState::SetPassword(UserId user, const CString& password, PasswordOrigin origin) {
-    passwordFault = PasswordFault::kNone;
-    const PasswordFault fault = FaultOf(user, password, origin);
-    if (fault != PasswordFault::kNone) {
-        passwordFault = fault;
+NewPassword UserStoreState::Prepare(UserId user, const CUserInfo& account, const CString& password,
+                                    PasswordOrigin origin) const {
+    NewPassword made{.compared = ReadPassword(*database, user)};
+    made.fault = FaultOf(user, account, password, origin);
+    if (made.fault != PasswordFault::kNone) return made;
+    const SecretText text(SecretToUtf8(password.View()));
+    made.hash = HashPassword(text.View(), settings.cost);
+    return made;
+}
+
+void UserStoreState::SetPassword(UserId user, const NewPassword& made, PasswordOrigin origin) {
+    passwordFault = made.fault;
+    if (made.fault != PasswordFault::kNone) {
         const CString account = ReadUser(*database, user).value_or(CUserInfo()).GetUsername();
         Report({.event = AccountEvent::kPasswordRefused,
                 .user = origin == PasswordOrigin::kUser ? account : Actor(),
                 .account = account,
-                .reason = PasswordFaultText(fault)});
-        throw StoreError(fault == PasswordFault::kImpossible ? FailureKind::kArgument : FailureKind::kRefused,
-                         PasswordFaultText(fault));
+                .reason = PasswordFaultText(made.fault)});
+        throw StoreError(made.fault == PasswordFault::kImpossible ? FailureKind::kArgument : FailureKind::kRefused,
+                         PasswordFaultText(made.fault));
     }
-    const SecretText text(ToUtf8(password.View()));
-    StorePasswordByRules(user, text.View(), origin);
-    ForgetAttempts(*database, user);
-}
-
-void UserStoreState::StorePasswordByRules(UserId user, std::string_view password, PasswordOrigin origin) {
     const PasswordRules& rules = settings.passwords;
+    const std::optional<PasswordHash> present = ReadPassword(*database, user);
+    if (IsCompared(rules, origin) && !IsSamePassword(present, made.compared))
+        throw StoreError(FailureKind::kState, "another program has changed the password meanwhile");
     if (rules.history > 0) KeepEarlierPassword(*database, user, EarlierPasswords(rules));
-    const PasswordHash hash = HashPassword(password, settings.cost);
-    StorePassword(*database, user, hash);
+    StorePassword(*database, user, made.hash);
     if (NeedDates(rules))
-        StorePasswordDates(*database, user, hash, {Now(), Now(), origin == PasswordOrigin::kSomebodyElse});
+        StorePasswordDates(*database, user, made.hash, {Now(), Now(), origin == PasswordOrigin::kSomebodyElse});
+    ForgetAttempts(*database, user);
 }
 
 int UserStore::ChangePassword(const CString& username, const CString& password, const CString& newPassword) {
@@ -142,18 +156,18 @@ int UserStore::ChangePassword(const CString& username, const CString& password, 
         };
         if (FindPasswordFault({}, username, {}, password) != PasswordFault::kNone)
             return refuse({.user = FindUser(database, username)});
-        const SecretText text(ToUtf8(password.View()));
+        const SecretText text(SecretToUtf8(password.View()));
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
         const PasswordCheck check = m_state->Check(username, text.View());
         if (!check.isPassword || !check.IsRight()) return refuse(check);
         ForgetAttempts(database, check.user);
         const LogonStatus status = m_state->StatusOf(check.user);
+        const CUserInfo record = ReadUser(database, check.user).value_or(CUserInfo());
+        const CString& account = record.GetUsername();
+        const NewPassword made = m_state->Prepare(check.user, record, newPassword, PasswordOrigin::kUser);
         Transaction transaction(database);
-        const std::optional<PasswordHash> present = ReadPassword(database, check.user);
-        if (!present || present->salt != check.present->salt)
-            return refuse({.user = check.user});  // somebody has set another one
-        m_state->SetPassword(check.user, newPassword, PasswordOrigin::kUser);
-        const CString account = ReadUser(database, check.user).value_or(CUserInfo()).GetUsername();
+        if (!IsSamePassword(ReadPassword(database, check.user), check.present)) return refuse({.user = check.user});
+        m_state->SetPassword(check.user, made, PasswordOrigin::kUser);
         m_state->Report({.event = AccountEvent::kPasswordChanged,
                          .user = account,
                          .account = account,

@@ -7,6 +7,7 @@
 #include "qellib10/platform/crypto/secret_text.h"
 #include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/multibyte.h"
+#include "qellib10/platform/text/secret_utf8.h"
 #include "qellib10/platform/text/unicode.h"
 
 namespace qel {
@@ -40,8 +41,6 @@ Form FormOf(std::string_view utf8) {
     return form;
 }
 
-std::string Folded(const CString& text) { return ToUtf8(FoldName(text.View())); }
-
 bool IsInWord(char byte) {
     const auto isBetween = [byte](char first, char last) { return byte >= first && byte <= last; };
     return static_cast<unsigned char>(byte) >= 0x80 || isBetween('a', 'z') || isBetween('A', 'Z') ||
@@ -62,8 +61,8 @@ bool HasWordOf(std::string_view password, std::string_view name) {
 }
 
 bool HasName(const CString& password, const CString& name) {
-    const std::string folded = Folded(name);
-    const SecretText text(Folded(password));
+    const std::string folded = ToUtf8(FoldName(name.View()));
+    const SecretText pageText(FoldName(password.View())), text(SecretToUtf8(pageText.View()));
     return folded.find(text.View()) != std::string::npos || HasWordOf(text.View(), folded);
 }
 
@@ -72,7 +71,7 @@ bool HasName(const CString& password, const CString& name) {
 PasswordFault FindPasswordFault(const PasswordRules& rules, const CString& username, const CString& fullName,
                                 const CString& password) {
     if (password.IsEmpty() || password.GetLength() > kLongestPassword) return PasswordFault::kImpossible;
-    const SecretText text(ToUtf8(password.View()));
+    const SecretText text(SecretToUtf8(password.View()));
     const Form form = FormOf(text.View());
     if (form.characters < rules.leastCharacters) return PasswordFault::kTooShort;
     if (form.kinds < rules.leastKinds) return PasswordFault::kTooFewKinds;

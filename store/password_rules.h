@@ -26,7 +26,8 @@ struct PasswordRules {
     int leastCharacters = 0;  ///< of Unicode, not bytes
     int leastKinds = 0;       ///< of the four kinds a to z, A to Z, 0 to 9, and all other characters; 0 to 4
     /// The password is not the user's name or full name or a part of these, and has in it neither the name nor a word
-    /// of both with 3 characters or more. Case makes no difference.
+    /// of both with 3 characters or more. The case of A to Z makes no difference, in code page 932 neither that of
+    /// full-width, Greek and Cyrillic letters.
     bool isNameRefused = false;
     bool isOneCharacterRefused = false;  ///< one character, repeated
 

@@ -5,7 +5,7 @@
 #include "qellib10/platform/crypto/secret_text.h"
 #include "qellib10/platform/crypto/token.h"
 #include "qellib10/platform/storage/private_file.h"
-#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/text/secret_utf8.h"
 #include "qellib10/store/attempts.h"
 #include "qellib10/store/logon_turn.h"
 #include "qellib10/store/user_store_state.h"
@@ -34,6 +34,23 @@ bool IsToChange(LogonStatus status) {
     return status == LogonStatus::kPasswordExpired || status == LogonStatus::kPasswordToChange;
 }
 
+// As SecretText: what a dialog has filled in does not stay in memory that is given back.
+void Wipe(CString& secret) {
+    const int size = secret.GetLength();
+    WipeSecret(secret.GetBuffer(size), static_cast<std::size_t>(size));
+    secret.ReleaseBuffer(0);
+}
+
+struct WipedRequest : LogonRequest {
+    WipedRequest() = default;
+    ~WipedRequest() {
+        Wipe(password);
+        Wipe(newPassword);
+    }
+    WipedRequest(const WipedRequest&) = delete;
+    WipedRequest& operator=(const WipedRequest&) = delete;
+};
+
 // Only now, since the password was right: others do not learn that it has expired.
 void RequireNoChange(UserStoreState& state, const PasswordCheck& check) {
     const LogonStatus status = state.StatusOf(check.user);
@@ -55,7 +72,7 @@ int UserStore::LogonWithDialog() {
     if (!prompt || !m_state->database)
         return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
     bool wasToChange = false;  // the dialog was asked for a new password, which begins the count again, once
-    for (LogonRequest request; request.refused < kMaximumPrompts;) {
+    for (WipedRequest request; request.refused < kMaximumPrompts;) {
         if (!prompt(request)) return running.Failed(FailureKind::kRefused, "", "cancelled");
         if (!request.newPassword.IsEmpty() &&
             ChangePassword(request.username, request.password, request.newPassword) == 0) {
@@ -66,8 +83,8 @@ int UserStore::LogonWithDialog() {
             request.fault = PasswordFault::kNone;
             request.status = m_state->logonStatus;
         }
-        request.newPassword.Empty();
-        if (!IsToChange(request.status)) request.password.Empty();
+        Wipe(request.newPassword);
+        if (!IsToChange(request.status)) Wipe(request.password);
         const bool isFirst = IsToChange(request.status) && !std::exchange(wasToChange, true);
         request.refused = isFirst ? 0 : request.refused + 1;
     }
@@ -86,7 +103,7 @@ int UserStore::Logon(const CString& username, const CString& password) {
         };
         if (FindPasswordFault({}, username, {}, password) != PasswordFault::kNone)
             return refuse({.user = FindUser(database, username)});
-        const SecretText text(ToUtf8(password.View()));
+        const SecretText text(SecretToUtf8(password.View()));
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
         PasswordCheck check = m_state->Check(username, text.View());
         if (!check.IsRight()) return refuse(check);

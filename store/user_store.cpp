@@ -31,14 +31,16 @@ int UserStore::CheckIntegrity() {
 }
 
 int UserStore::CreateFirstAdministrator(const CString& username, const CString& password) {
-    return m_state->ChangeAccounts("qel::UserStore::CreateFirstAdministrator", username, [&] {
+    CUserInfo record;
+    record.SetUsername(username);
+    record.SetManagerFlag(1);
+    const auto add = [&] {
         Database& database = *m_state->database;
         if (HasAdministrator(database)) throw StoreError(FailureKind::kState, "there is an administrator already");
-        CUserInfo record;
-        record.SetUsername(username);
-        record.SetManagerFlag(1);
-        m_state->SetPassword(AddAccount(database, record), password, PasswordOrigin::kFirst);
-    });
+        return AddAccount(database, record);
+    };
+    return m_state->ChangeAccountAndPassword("qel::UserStore::CreateFirstAdministrator", record, password,
+                                             PasswordOrigin::kFirst, add);
 }
 
 int UserStore::GetUserInfo(const CString& username, CUserInfo* out) {
@@ -77,20 +79,19 @@ CString UserStore::GetUserName(int index) {
 }
 
 int UserStore::SaveFunctionSecurity(const CUserInfo& user) {
-    return m_state->ChangeAccounts("qel::UserStore::SaveFunctionSecurity", user.GetUsername(), [&] {
+    const auto save = [&] {
         const UserId existing = m_state->Existing(user.GetUsername());
         UpdateAccount(*m_state->database, existing, user);
-        if (!user.GetPassword().IsEmpty())
-            m_state->SetPassword(existing, user.GetPassword(), PasswordOrigin::kSomebodyElse);
-    });
+        return existing;
+    };
+    return m_state->ChangeAccountAndPassword("qel::UserStore::SaveFunctionSecurity", user, user.GetPassword(),
+                                             PasswordOrigin::kSomebodyElse, save);
 }
 
 int UserStore::AddUser(const CUserInfo& user) {
-    return m_state->ChangeAccounts("qel::UserStore::AddUser", user.GetUsername(), [&] {
-        const UserId added = AddAccount(*m_state->database, user);
-        if (!user.GetPassword().IsEmpty())
-            m_state->SetPassword(added, user.GetPassword(), PasswordOrigin::kSomebodyElse);
-    });
+    const auto add = [&] { return AddAccount(*m_state->database, user); };
+    return m_state->ChangeAccountAndPassword("qel::UserStore::AddUser", user, user.GetPassword(),
+                                             PasswordOrigin::kSomebodyElse, add);
 }
 
 int UserStore::DeleteUser(const CString& username) {

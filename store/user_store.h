@@ -44,7 +44,8 @@ struct UserStoreState;
 ///
 /// With UserStoreSettings::record, everything is recorded before it takes effect: entry by entry, then the change.
 /// Where a later entry is refused, or the disk is full, those before it are there although nothing was changed: the
-/// record may say more than was done, never less. A refused logon counts against the user also if it cannot be
+/// record may say more than was done, never less. Other programs wait for the store meanwhile, for ten seconds at most,
+/// so recording must not take long. A refused logon counts against the user also if it cannot be
 /// recorded.
 ///
 /// Logging on and automatic logon are in user_logon.cpp, what is about passwords in password_change.cpp, everything

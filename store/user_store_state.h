@@ -36,6 +36,13 @@ struct PasswordCheck {
 /// Who sets a password.
 enum class PasswordOrigin { kFirst, kUser, kSomebodyElse };
 
+/// A password that is to be set, measured by the rules and hashed.
+struct NewPassword {
+    PasswordFault fault = PasswordFault::kNone;
+    PasswordHash hash = {};                     // without a fault
+    std::optional<PasswordHash> compared = {};  // the present one, from before it was compared
+};
+
 /// The data of a UserStore, and the steps that its operations share. A step that fails throws what ResultOf catches.
 struct UserStoreState {
     UserStoreState(const CString& storePath, UserStoreSettings given) : path(storePath), settings(std::move(given)) {}
@@ -48,6 +55,12 @@ struct UserStoreState {
     /// @param account whose it is; what is changed of it, or of the automatic logon, is reported before it takes effect
     template <class Change> int ChangeAccounts(
         const char* name, const CString& account, Change change, const std::function<void()>& last = [] {});
+    /// The same with a password, empty for none. Comparing and hashing it takes long, so it is done before others wait
+    /// for the store.
+    /// @param change returns whose password it is
+    template <class Change> int ChangeAccountAndPassword(const char* name, const CUserInfo& account,
+                                                         const CString& password, PasswordOrigin origin, Change change);
+    template <class Change> void MakeChange(const CString& account, Change change, const std::function<void()>& last);
 
     void Connect();
     /// Asks UserStoreSettings::record. @throws StoreError if it refuses
@@ -76,10 +89,12 @@ struct UserStoreState {
     Database& Opened() const;
     /// @throws StoreError when there is no such user
     UserId Existing(const CString& username) const;
-    /// @throws StoreError if the rules do not take it, after that was reported
-    void SetPassword(UserId user, const CString& password, PasswordOrigin origin);
-    PasswordFault FaultOf(UserId user, const CString& password, PasswordOrigin origin) const;
-    void StorePasswordByRules(UserId user, std::string_view password, PasswordOrigin origin);
+    /// @param user kNobody for an account that is to be added
+    NewPassword Prepare(UserId user, const CUserInfo& account, const CString& password, PasswordOrigin origin) const;
+    PasswordFault FaultOf(UserId user, const CUserInfo& account, const CString& password, PasswordOrigin origin) const;
+    /// @throws StoreError if the rules do not take it, after that was reported, or if it was compared with passwords
+    /// that are others by now
+    void SetPassword(UserId user, const NewPassword& made, PasswordOrigin origin);
 
     std::string StorePath() const;  // POSIX, as the next
     std::string TokenPath() const { return StorePath() + ".token"; }
@@ -125,24 +140,47 @@ template <class Body> auto UserStoreState::ResultOf(const char* name, Body body)
 
 template <class Change> int UserStoreState::ChangeAccounts(const char* name, const CString& account, Change change,
                                                            const std::function<void()>& last) {
+    passwordFault = PasswordFault::kNone;
     return ResultOf(name, [&] {
-        Transaction transaction(Opened());
-        const AccountState before = ReadAccountState(*database, account);
-        const CString actor = Actor();
-        const bool hadAdministrator = HasAdministrator(*database);
-        change();
-        if (hadAdministrator && !HasAdministrator(*database))
-            throw StoreError(FailureKind::kState, "nobody would be left to administrate");
-        for (AccountChange& made : ChangesOf(before, ReadAccountState(*database, account))) {
-            made.user = actor;
-            Report(made);
-        }
-        last();
-        auto newNames = UserNames(*database);  // nothing may fail after the commit
-        transaction.Commit();
-        names.swap(newNames);
+        MakeChange(account, change, last);
         return 1;
     });
+}
+
+template <class Change> int UserStoreState::ChangeAccountAndPassword(const char* name, const CUserInfo& account,
+                                                                     const CString& password, PasswordOrigin origin,
+                                                                     Change change) {
+    passwordFault = PasswordFault::kNone;
+    return ResultOf(name, [&] {
+        std::optional<NewPassword> made;
+        const UserId before = FindUser(Opened(), account.GetUsername());
+        if (!password.IsEmpty() || origin == PasswordOrigin::kFirst) made = Prepare(before, account, password, origin);
+        const auto both = [&] {
+            const UserId user = change();
+            if (made) SetPassword(user, *made, origin);
+        };
+        MakeChange(account.GetUsername(), both, [] {});
+        return 1;
+    });
+}
+
+template <class Change>
+void UserStoreState::MakeChange(const CString& account, Change change, const std::function<void()>& last) {
+    Transaction transaction(Opened());
+    const AccountState before = ReadAccountState(*database, account);
+    const CString actor = Actor();
+    const bool hadAdministrator = HasAdministrator(*database);
+    change();
+    if (hadAdministrator && !HasAdministrator(*database))
+        throw StoreError(FailureKind::kState, "nobody would be left to administrate");
+    for (AccountChange& made : ChangesOf(before, ReadAccountState(*database, account))) {
+        made.user = actor;
+        Report(made);
+    }
+    last();
+    auto newNames = UserNames(*database);  // nothing may fail after the commit
+    transaction.Commit();
+    names.swap(newNames);
 }
 
 }  // namespace qel

@@ -17,10 +17,7 @@ constexpr std::uint64_t kMaximumMemory = 1 << 30;
 // Costs may come from a damaged file, so they are limited before anything is tried.
 void Derive(std::string_view password, PasswordHash& made) {
     const auto& [passes, memory] = made.cost;
-    if (passes < crypto_pwhash_argon2id_OPSLIMIT_MIN || passes > kMaximumPasses ||
-        memory < crypto_pwhash_argon2id_MEMLIMIT_MIN || memory > kMaximumMemory) {
-        throw CryptoError("the cost of a password is out of range");
-    }
+    if (!IsUsable(made.cost)) throw CryptoError("the cost of a password is out of range");
     auto* const hash = reinterpret_cast<unsigned char*>(made.hash.data());
     const auto* const salt = reinterpret_cast<const unsigned char*>(made.salt.data());
     if (::crypto_pwhash(hash, made.hash.size(), password.data(), password.size(), salt, passes, memory,
@@ -30,6 +27,11 @@ void Derive(std::string_view password, PasswordHash& made) {
 }
 
 }  // namespace
+
+bool IsUsable(const PasswordCost& cost) noexcept {
+    return cost.passes >= crypto_pwhash_argon2id_OPSLIMIT_MIN && cost.passes <= kMaximumPasses &&
+           cost.memory >= crypto_pwhash_argon2id_MEMLIMIT_MIN && cost.memory <= kMaximumMemory;
+}
 
 PasswordHash HashPassword(std::string_view password, const PasswordCost& cost) {
     StartCrypto();

@@ -15,6 +15,9 @@ struct PasswordHash {
     PasswordCost cost;
 };
 
+/// Whether the cost is in range.
+bool IsUsable(const PasswordCost& cost) noexcept;
+
 /// @throws CryptoError when the cost is out of range; std::bad_alloc when the memory is not there
 PasswordHash HashPassword(std::string_view password, const PasswordCost& cost);
 

@@ -17,4 +17,6 @@ void Wipe(std::string& text) {
 SecretText::SecretText(std::string&& text) : m_text(std::move(text)) { Wipe(text); }
 SecretText::~SecretText() { Wipe(m_text); }
 
+void WipeSecret(char* text, std::size_t size) noexcept { ::sodium_memzero(text, size); }
+
 }  // namespace qel

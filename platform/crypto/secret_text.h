@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -20,5 +21,8 @@ public:
 private:
     std::string m_text;
 };
+
+/// Overwrites what somebody else keeps.
+void WipeSecret(char* text, std::size_t size) noexcept;
 
 }  // namespace qel

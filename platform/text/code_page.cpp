@@ -9,6 +9,7 @@
 #include "qellib10/platform/text/best_fit.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/text/page_table.h"
+#include "qellib10/platform/text/secret_utf8.h"
 #include "qellib10/platform/text/unicode.h"
 
 namespace qel {
@@ -151,10 +152,10 @@ template <typename From, typename To> auto Convert(From from, To to) {
     return to.Result();
 }
 
-template <typename To> auto FromPage(std::string_view text) {
+template <typename To> auto FromPage(std::string_view text, std::size_t sizeHint) {
     const UINT page = CodePage();
-    if (page == kCodePageUtf8) return Convert(Reader(text), To(text.size()));
-    return Convert(PageReader(text, TableOfPage(page)), To(text.size()));
+    if (page == kCodePageUtf8) return Convert(Reader(text), To(sizeHint));
+    return Convert(PageReader(text, TableOfPage(page)), To(sizeHint));
 }
 
 template <typename View> std::string ToPage(View text, Missing missing) {
@@ -173,8 +174,13 @@ bool SetCodePage(UINT page) noexcept {
     return true;
 }
 
-std::string ToUtf8(std::string_view text) { return FromPage<Writer<std::string>>(text); }
-std::u16string ToUtf16(std::string_view text) { return FromPage<Writer<std::u16string>>(text); }
+std::string ToUtf8(std::string_view text) { return FromPage<Writer<std::string>>(text, text.size()); }
+std::u16string ToUtf16(std::string_view text) { return FromPage<Writer<std::u16string>>(text, text.size()); }
+std::string SecretToUtf8(std::string_view text) {
+    // A byte gives 3 at most, and Put asks for room for 4. A text of fewer than 16 would be within the object that
+    // moves.
+    return FromPage<Writer<std::string>>(text, text.size() * 3 + 32);
+}
 std::string FromUtf8(std::string_view utf8) { return ToPage(utf8, Missing::BestFit); }
 std::string FromUtf8WithReferences(std::string_view utf8) { return ToPage(utf8, Missing::Reference); }
 std::string FromUtf16(std::u16string_view utf16) { return ToPage(utf16, Missing::BestFit); }

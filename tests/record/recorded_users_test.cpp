@@ -105,8 +105,13 @@ TEST(RecordedUsers, RefusedAndChangedPasswordsHaveTheirReason) {
     qel::UserStore& store = *folder.store;
     store.AddUser(Bob(3, 0, "violet"));
     folder.recorded.SetReason("");
-    CUserInfo bob = Bob(3, 0, "amber");
-    store.SaveFunctionSecurity(bob);
+    folder.New();
+    CUserInfo bob = Bob(3, 0, "amber"), admin;
+    store.GetUserInfo("admin", &admin);
+    admin.SetPassword("olive");
+    EXPECT_EQ(Line({store.SaveFunctionSecurity(bob), store.SaveFunctionSecurity(admin)}), "1 1");
+    EXPECT_EQ(folder.New(true),
+              "Admin password changed Bob: set by somebody else|Admin password changed Admin: by its user|");
     store.Logout();
     folder.New();
     folder.recorded.SetReason("because");

@@ -504,6 +504,9 @@ TEST_F(UserStoreTest, FilesThatAreNotAStoreAreRefused) {
     EXPECT_EQ(Open()->AddUser(Record("bob", "pw")), 1);
     Damage("UPDATE users SET passes = 4000000000, memory = 4000000000000");
     EXPECT_EQ(Open()->Logon("bob", "pw"), 0) << "would take years";
+    m_settings.passwords.history = 3;
+    EXPECT_EQ(Line({Open()->SaveFunctionSecurity(Record("bob", "new")), Open()->ChangePassword("bob", "new", "pw")}),
+              "1 1");
     Damage("PRAGMA user_version = 2");
     const auto later = Open();
     EXPECT_EQ(qel::LastFailure().text, "the file is not a user store of this version");
