@@ -28,9 +28,11 @@ Function FunctionOfRole(const std::string& role) {
 // A key without an account is of a run that was interrupted: another one takes its place.
 void MakeKey(const std::string& path, const NewUser& user, const std::string& by, ArchiveTrail& trail) {
     qel::RecordedPersonKey key(trail.Trail(), path);
-    const int isMade = CQFile::IsExist(path.c_str()) != 0
-                           ? key.Reset(user.name, user.fullName, user.password, by, "adding the user was interrupted")
-                           : key.Make(user.name, user.fullName, user.password, by, "a new account");
+    const auto isThere = [&] { return CQFile::IsExist(path.c_str()) != 0; };
+    int isMade = isThere() ? 0 : key.Make(user.name, user.fullName, user.password, by, "a new account");
+    // Make finishes what an interrupted one has left, and then there is a key.
+    if (isMade == 0 && isThere())
+        isMade = key.Reset(user.name, user.fullName, user.password, by, "adding the user was interrupted");
     if (isMade == 0) throw Failure(path + ": " + Why("is not made"));
 }
 

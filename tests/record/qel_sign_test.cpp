@@ -82,6 +82,8 @@ TEST(QelKey, KeysOfPeopleAndOfTheInstallationChangeByEntries) {
     const auto before = folder.Lines().size();
     for (const auto& [passwords, arguments, answer] : Cases<const char*, std::string, std::string>{
              {"old", "key reset" + sato + name, "8 qel: k: no key was announced for this user\n"},
+             {"\n", "key add" + sato + name, "1 qel: a password cannot be empty\n"},
+             {"old", "key add" + entry + "key --person k --user " + std::string(257, 'x') + name, "2 "},
              {"old", "key add" + sato + name, "0 entry "},
              {"new", "key add" + sato + name, "8 qel: k: the file of a person's key exists already\n"},
              {"new", "key reset" + sato + name, "0 entry "},

@@ -10,6 +10,8 @@
 namespace tool {
 namespace {
 
+constexpr std::size_t kLongestName = 256;  // of the library
+
 struct Options {
     std::string trail, headFile, person, user, name, by, reason, publicKey;
     std::uint64_t from = 0;
@@ -33,17 +35,17 @@ template <class Change> Status ChangePerson(const Options& options, Change chang
 }
 
 Status Add(const Options& options) {
+    Password password;
+    options.passwords.ReadNew(password, "Password of the new key: ");
     return ChangePerson(options, [&](qel::RecordedPersonKey& key) {
-        Password password;
-        options.passwords.ReadNew(password, "Password of the new key: ");
         return key.Make(options.user, options.name, password.View(), options.by, options.reason);
     });
 }
 
 Status Reset(const Options& options) {
+    Password password;
+    options.passwords.ReadNew(password, "Password of the new key: ");
     return ChangePerson(options, [&](qel::RecordedPersonKey& key) {
-        Password password;
-        options.passwords.ReadNew(password, "Password of the new key: ");
         return key.Reset(options.user, options.name, password.View(), options.by, options.reason);
     });
 }
@@ -87,10 +89,17 @@ void AddKeyEntries(CLI::App& key, Status& status) {
                             const char* meaning) {
         action.add_option(name, value, meaning)->required()->type_name(type);
     };
+    const auto requireName = [&](CLI::App& action, const char* name, std::string& value, const char* type,
+                                 const char* meaning) {
+        require(action, name, value, type, meaning);
+        action.get_option(name)->check([](const std::string& text) -> std::string {
+            return text.empty() || text.size() > kLongestName ? "has 1 to 256 bytes" : "";
+        });
+    };
     const auto add = [&](const char* name, const char* meaning, Status (*run)(const Options&)) {
         CLI::App* const action = key.add_subcommand(name, meaning);
         AddFile(*action, "TRAIL", options->trail, "The trail's file");
-        require(*action, "--by", options->by, "NAME", "Who does it");
+        requireName(*action, "--by", options->by, "NAME", "Who does it");
         require(*action, "--reason", options->reason, "TEXT", "Why");
         require(*action, "--head-file", options->headFile, "FILE", "The trail's head file");
         AddSignerOptions(*action, options->signer);
@@ -106,10 +115,10 @@ void AddKeyEntries(CLI::App& key, Status& status) {
     CLI::App* const end = add("end", "End a person's key", End);
     for (CLI::App* const action : {first, reset, end}) {
         require(*action, "--person", options->person, "KEYFILE", "The file of the person's key");
-        require(*action, "--user", options->user, "NAME", "The person's name for logging on");
+        requireName(*action, "--user", options->user, "NAME", "The person's name for logging on");
     }
     for (CLI::App* const action : {first, reset}) {
-        require(*action, "--name", options->name, "NAME", "The person's name as reports print it");
+        requireName(*action, "--name", options->name, "NAME", "The person's name as reports print it");
         AddPasswordOption(*action, options->passwords);
     }
     CLI::App* const announce = add("add-installation", "Announce another key that may sign entries", AddInstallation);

@@ -119,6 +119,7 @@ void PasswordSource::Read(Password& password, const char* prompt) const {
 
 void PasswordSource::ReadNew(Password& password, const char* prompt) const {
     Read(password, prompt);
+    if (password.View().empty()) throw Failure("a password cannot be empty");
     if (descriptor >= 0) return;
     Password again;
     Read(again, "The same again: ");

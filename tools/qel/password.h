@@ -36,7 +36,7 @@ struct PasswordSource {
     /// Reads one line. On the terminal it shows @p prompt, and not what is typed.
     /// @throws Failure when there is none, or it was cancelled
     void Read(Password& password, const char* prompt) const;
-    /// A new one: the terminal asks twice.
+    /// A new one: the terminal asks twice. @throws Failure also for an empty one
     void ReadNew(Password& password, const char* prompt) const;
 };
 
