@@ -110,10 +110,15 @@ private:
         }
         if (m_report.findingCount != before) return;
         m_trust.Learn(line);
-        if (entry.number == 1) m_isStartRight = true;
+        if (entry.number == 1) TakeStart(entry);
         const bool isClockSet = entry.action == trail_kind::kClockJumped || entry.clock;
         if (isClockSet && m_report.clockSet++ == 0) m_report.firstClockSet = entry.number;
         if (entry.action == trail_kind::kTimeStamp) TakeStamp(entry);
+    }
+
+    void TakeStart(const TrailEntry& entry) {
+        m_isStartRight = true;
+        if (entry.action == trail_kind::kTrailContinued) m_report.continues = entry.before;
     }
 
     void BreakChain() { m_proofs.chainedTo = std::min(m_proofs.chainedTo, m_next - 1); }

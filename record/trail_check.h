@@ -68,6 +68,9 @@ struct QELLIB10_API TrailReport {
     /// with the trail's ID; or an entry's hash, or the head file. Else `unanchored` says what is missing.
     bool isAnchored = false;
     std::string unanchored = {};
+    /// Which trail it continues, as its first entry says: ID, number and hash of that one's last entry, with blanks
+    /// between them. Empty where it continues none, or that entry is not right, or not of a key that is trusted.
+    std::string continues = {};
     bool isBeingWritten = false;  ///< half a line after all that has to be there: somebody appends at this moment
     std::vector<TrailFinding> findings = {};  ///< at most kMostFindings
     std::uint64_t findingCount = 0;

@@ -71,15 +71,24 @@ struct TrailSigners::State {
         } else if (entry.action == trail_kind::kKeyEnded) {
             End(SshPublicKey::OfText(entry.object), second, false);
         } else if (entry.action == trail_kind::kKeyAdded || entry.number == 1) {
-            if (entry.number == 1) EndAll(second);
-            announced.push_back({SshPublicKey::OfText(entry.object), entry.number, second});
+            const SshPublicKey key = SshPublicKey::OfText(entry.object);
+            if (entry.number == 1 && GoesOn(key, second)) return;
+            announced.push_back({key, entry.number, second});
         }
     }
 
-    // A trail that is continued has no later entry.
-    void EndAll(std::int64_t second) {
-        for (Announced& each : announced)
-            if (!each.until) each.until = second;
+    // A trail that is continued has no later entry. @return whether the key that starts the next one goes on in it: its
+    // time is one, as a line of the file has it.
+    bool GoesOn(const SshPublicKey& key, std::int64_t second) {
+        bool isOpen = false;
+        for (Announced& each : announced) {
+            if (each.until) continue;
+            if (each.key == key)
+                isOpen = true;
+            else
+                each.until = second;
+        }
+        return isOpen;
     }
 
     void End(const SshPublicKey& key, std::int64_t second, bool isRevoked) {

@@ -28,11 +28,11 @@ public:
         return {.path = Name("a/" + trail), .headPath = Name(head)};
     }
     // Ends the trail and goes on in "a/t2", whose head file is "h2".
-    void Continue() const {
+    void Continue(int key = 2) const {
         qel::TrailSettings settings = Settings("t2", "h2");
         settings.continues = Name("a/t");
         settings.continuesHeadPath = Name("h");
-        qel::Trail trail(settings, std::make_shared<ByteSigner>(2));
+        qel::Trail trail(settings, std::make_shared<ByteSigner>(key));
         EXPECT_EQ(trail.Open(), 1) << qel::LastFailure().text;
     }
     void Register(qel::Trail& trail, const std::string& bytes, const std::string& cabinet = "a/c") const {
@@ -53,6 +53,40 @@ public:
         qel::Trail trail(Settings(folder + "x", "x"), std::make_shared<ByteSigner>(9));
         EXPECT_EQ(trail.Open(), 1);
         Register(trail, "three");
+    }
+    // One that says that it continues another one, and records "a/y".
+    void Claim(const std::string& name, int key, const std::string& before) const {
+        qel::TrailEntry entry;
+        static_cast<qel::TrailRecord&>(entry) = ::Record(qel::trail_kind::kTrailContinued, ByteSigner(key).PublicKey());
+        entry.before = before;
+        entry.number = 1;
+        entry.previous = std::string(64, '0');
+        entry.trailId = std::string(32, static_cast<char>('0' + key));
+        entry.time = 1'800'000'000'000;
+        entry.bootId = "c163102d-1e66-48ff-9173-6b35d61f6c99";
+        std::string text = ByteSigner(key).Line(entry);
+        entry.previous = HashOf(text.substr(0, text.size() - 1));
+        static_cast<qel::TrailRecord&>(entry) = ::Record(qel::trail_kind::kFileSealed, "y");
+        entry.number = 2;
+        const std::string bytes = Posix("a/y").native();
+        if (std::filesystem::exists(bytes)) {
+            entry.size = Read("a/y").size();
+            entry.sha256 = HashOf(Read("a/y"));
+        }
+        text += ByteSigner(key).Line(entry);
+        Write("a/" + name, text);
+    }
+    // How a trail is named that ends with the last line of "a/t".
+    std::string EndOfTrail() const {
+        const std::vector<std::string> lines = LinesOf(Read("a/t"));
+        const std::string& last = lines.back();
+        const qel::TrailEntry entry = qel::ReadEntry(last.substr(0, last.size() - 1)).entry;
+        return entry.trailId + ' ' + std::to_string(lines.size()) + ' ' + HashOf(last.substr(0, last.size() - 1));
+    }
+    void Trust(std::initializer_list<int> keys) const {
+        std::string text;
+        for (const int key : keys) text += "i " + ByteSigner(key).PublicKey() + '\n';
+        Write("trust", text);
     }
     std::string Run(const std::string& commands) const {
         return OutputOf("cd '" + Posix().native() + "' && export Q=" QELLIB10_QEL " && { " + commands + "; } 2>&1");
@@ -93,6 +127,20 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
           Change{"a file removed", By("rm -r a/sub"), head, "31\nfile missing|"},
           Change{"another one sealed", By("echo x >a/y; $Q seal a/y >/dev/null"), head, "32\nseal never recorded|"},
           Change{"another PDF", By("cp a/sub/p a/q"), head, "33\nprint never recorded|"},
+          Change{"a PDF after a byte", By("{ echo; cat a/sub/p; } >a/q"), head, "33\nprint never recorded|"},
+          Change{"something with its suffix", By("echo x >a/q.PDF"), head, "33\nprint never recorded|"},
+          Change{"a sealed cabinet without versions",
+                 [](const Archive& in) {
+                     {
+                         qel::Trail trail(in.Settings("t", "h"), std::make_shared<ByteSigner>(1));
+                         qel::RecordedCabinet made(trail, {.cabinetPath = in.Name("a/d"), .recordPath = in.Name("dr")});
+                         EXPECT_TRUE(trail.Open() != 0 && made.Open() != 0);
+                     }
+                     EXPECT_EQ(in.Run("$Q seal a/d >/dev/null"), "");
+                 },
+                 head, "32\nseal never recorded|"},
+          Change{"the archive in a folder", By("mkdir b; mv a b/old; mv b a; cp -r a/old/sub a/old/s a/old/c a"), head,
+                 "33\nnever recorded|print never recorded|seal never recorded|"},
           Change{"another job", By("echo '<printjob/>' >a/q"), head, "33\nprint never recorded|"},
           Change{"a link to a cabinet", By("mv a/c c; ln -s ../c a/c"), head, "34\nnot a file|version missing|"},
           Change{"a pipe", By("mkfifo a/q"), head, "34\nnot a file|"},
@@ -115,6 +163,12 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
           Change{"the same in a folder, for its own files", [](const Archive& in) { in.AddForeign("sub/"); }, head,
                  "33\nnever recorded|not anchored|print never recorded|version missing|"},
           Change{"continued", [](const Archive& in) { in.Continue(); }, "--head-file h2", "0\n"},
+          Change{"continued by the same key, which is one line of its allowed signers",
+                 [](const Archive& in) {
+                     in.Continue(1);
+                     in.Write("a/allowed_signers", "installation " + ByteSigner(1).PublicKey() + '\n');
+                 },
+                 "--head-file h2", "0\n"},
           Change{"the old one removed",
                  [](const Archive& in) {
                      in.Continue();
@@ -140,6 +194,70 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
                      in.Run("sed -i '$d' a/t");
                  },
                  "--head-file h2", "36\nmissing|other trail before|print never recorded|"}}) {
+        const Archive archive;
+        make(archive);
+        EXPECT_EQ(archive.Findings("verify a " + std::string(known)), found) << what;
+    }
+}
+
+// Anybody can put files into an archive, and write into a trail of their own which other one it continues.
+TEST(QelVerifyTree, BelievesOnlyChainsThatAreKnownFromElsewhere) {
+    const std::string byId = "--trust trust --trail $(sed -n '1s/.*\"trail\":\"\\([0-9a-f]*\\).*/\\1/p' a/t)";
+    const auto sealed = [](const Archive& in) { in.Run("echo x >a/y; $Q seal a/y"); };
+    const auto claim = [=](const Archive& in) {
+        sealed(in);
+        in.Trust({1, 2});
+        in.Claim("x", 9, in.EndOfTrail());
+    };
+    const auto continued = [](const Archive& in) {
+        in.Run("cp h old; sed -n '$p' a/t | tr -d '\\n' | sha256sum | cut -c -64 | tr -d '\\n' >last");
+        in.Trust({1, 2});
+        in.Continue();
+    };
+    for (const auto& [what, make, known, found] :
+         {Change{"an older copy, and its file",
+                 [](const Archive& in) {
+                     in.Trust({1});
+                     const std::string old = in.Read("a/sub/p");
+                     in.Run("cp a/t a/z; echo x >>a/sub/p");
+                     qel::Trail trail(in.Settings("t", "h"), std::make_shared<ByteSigner>(1));
+                     EXPECT_EQ(trail.Open(), 1);
+                     in.Record(trail, qel::trail_kind::kReportPrinted, "sub/p");
+                     in.Write("a/sub/p", old);
+                 },
+                 byId.c_str(), "41\nfile changed|trail copy|"},
+          Change{"its ID, and a line of nobody",
+                 [](const Archive& in) {
+                     in.Continue();
+                     in.Run("head -1 a/t >a/zz; echo x >>a/zz");
+                 },
+                 "--head-file h2", "41\nmalformed|trail copy|"},
+          Change{"two that continue each other",
+                 [=](const Archive& in) {
+                     in.Claim("x", 8, std::string(32, '9') + " 1 " + std::string(64, '0'));
+                     in.Claim("x2", 9, std::string(32, '8') + " 1 " + std::string(64, '0'));
+                 },
+                 "--head-file h", "36\nmissing|not anchored|other trail before|trail before missing|"},
+          Change{"one that continues it", claim, "--head-file h", "32\nnot anchored|seal never recorded|"},
+          Change{"the same by its ID", claim, byId.c_str(), "32\nseal never recorded|unknown signer|"},
+          Change{"what is known of the old one", continued, "--head-file old", "11\nnot anchored|"},
+          Change{"an entry of the old one", continued, "--head $(cat last)", "11\nnot anchored|"},
+          Change{"the ID of the old one, and a file of the present one",
+                 [=](const Archive& in) {
+                     continued(in);
+                     sealed(in);
+                     qel::Trail trail(in.Settings("t2", "h2"), std::make_shared<ByteSigner>(2));
+                     EXPECT_EQ(trail.Open(), 1);
+                     in.Record(trail, qel::trail_kind::kFileSealed, "y");
+                 },
+                 byId.c_str(), "11\nnot anchored|"},
+          Change{"another one's files in a folder",
+                 [=](const Archive& in) {
+                     sealed(in);
+                     in.Claim("sub/x", 9, "");
+                     in.Run("mv a/y a/sub/y");
+                 },
+                 "--head-file h", "33\nnot anchored|print never recorded|seal never recorded|"}}) {
         const Archive archive;
         make(archive);
         EXPECT_EQ(archive.Findings("verify a " + std::string(known)), found) << what;
@@ -208,6 +326,20 @@ TEST(QelVerifyTree, ReportsWhereAFindingIsWithoutASentence) {
           "\"sha256\": \"" + HashOf("two") + '"', std::string("\"size\": 3")})
         EXPECT_NE(json.find(member), std::string::npos) << member << json;
     EXPECT_EQ(archive.Findings("verify a/s --head-file h"), "15\nintact|missing|") << "a file without its trail";
+    {
+        qel::Trail trail(archive.Settings("t", "h"), std::make_shared<ByteSigner>(1));
+        EXPECT_EQ(trail.Open(), 1);
+        archive.Write("a/sub/p", "%PDF-1.5");
+        archive.Record(trail, qel::trail_kind::kReportPrinted, "sub/p");
+    }
+    archive.Write("a/sub/p", "%PDF-1.4");
+    archive.Run("$Q seal a/s");
+    const std::string changed = archive.Run("$Q verify a --head-file h --json");
+    for (const std::string& member :
+         {std::string("\"olderEntry\": 7"), std::string("an older state, which entry 7 has recorded"),
+          std::string("\"sealVersion\": 2"), "\"foundSha256\": \"" + HashOf("%PDF-1.4") + '"',
+          std::string("\"foundSize\": 8"), std::string("\"guid\": \"{")})
+        EXPECT_NE(changed.find(member), std::string::npos) << member << changed;
 }
 
 TEST(QelRenewals, ShowTheEntryThatRecordedEach) {

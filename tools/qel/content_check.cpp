@@ -14,7 +14,7 @@ std::string BytesAt(CFile& file, ULONGLONG offset, UINT count) {
     return bytes;
 }
 
-// Documents and jobs are loaded as a whole, which takes several times their size.
+// Documents, jobs and renewal records are loaded as a whole, which takes several times their size.
 constexpr ULONGLONG kLargest = 64 << 20;
 
 void RequireLoadable(const CFile& file) {
@@ -55,6 +55,7 @@ ContentReport CheckVariables(CFile& file) {
 }
 
 ContentReport CheckRenewals(CFile& file) {
+    RequireLoadable(file);
     const qel::RenewalRecords records = qel::ReadRenewalRecords(file);
     return {records.end, Count(records.whole.size(), "record", "records")};
 }
@@ -84,13 +85,14 @@ ContentReport CheckXml(const CFile& file) {
 }  // namespace
 
 std::string KindOf(CFile& file) {
-    const std::string head = BytesAt(file, 0, 512);
+    const std::string head = BytesAt(file, 0, 1024);
     const qel::CabinetFileKind kind = qel::KindOfCabinetFile(head);
     if (kind == qel::CabinetFileKind::kCabinet) return "cabinet";
+    if (head.starts_with("{\"format\":1,\"trail\":\"")) return "trail";
+    // Programs that show PDFs look for it in the first kilobyte.
+    if (head.find("%PDF-") != std::string::npos) return "pdf";
     if (kind == qel::CabinetFileKind::kRenewals) return "renewals";
     if (qel::IsCalcArchive(head)) return "variables";
-    if (head.starts_with("{\"format\":1,\"trail\":\"")) return "trail";
-    if (head.starts_with("%PDF-")) return "pdf";
     if (head.find("<printjob") != std::string::npos) return "job";
     return LooksEnciphered(file, head) ? "xml" : "data";
 }

@@ -8,7 +8,9 @@ namespace {
 
 void CheckSealed(const CQFile& file, const CCheckDatafile& seal, FileReport& report) {
     report.isSealed = true;
-    report.detail = "version " + std::to_string(seal.GetVersion()) + " of " + std::string(seal.GetGUID().GetString());
+    report.guid = seal.GetGUID().GetString();
+    report.sealVersion = seal.GetVersion();
+    report.detail = "version " + std::to_string(report.sealVersion) + " of " + report.guid;
     if (seal.GetFilename() == file.GetFileName()) return;
     report.finding = kRenamed;
     report.detail += ", sealed as " + Shown(Utf8(seal.GetFilename().View()));
@@ -42,7 +44,13 @@ void Check(CQFile& file, FileReport& report) {
     CCheckDatafile seal;
     seal.EnableCheckFilename(0);
     const Status trace = TraceOfSeal(file, report.kind != "cabinet");
-    if (trace != kGood && seal.ReadPackData(&file) != 0) return CheckSealed(file, seal, report);
+    if (trace != kGood && seal.ReadPackData(&file) != 0) {
+        // Anybody can seal what only begins like a cabinet.
+        if (report.kind == "cabinet") CheckContent(file, report);
+        if (report.finding == kGood) return CheckSealed(file, seal, report);
+        report.isSealed = true;
+        return;
+    }
     const ULONGLONG end = CheckContent(file, report);
     if (end == file.GetLength()) return;
     if (trace == kGood) {
@@ -70,6 +78,12 @@ FileReport CheckFile(const std::string& path) {
         report.detail = failure.what();
     }
     return report;
+}
+
+bool IsReport(const FileReport& report, const std::string& path) {
+    const CString name(path.c_str());
+    const auto ends = [&](const char* suffix) { return name.Right(4).CompareNoCase(suffix) == 0; };
+    return report.kind == "job" || report.kind == "pdf" || ends(".pdf") || ends(".job");
 }
 
 bool HasTraceOfSeal(const std::string& path) {

@@ -12,10 +12,22 @@ struct FileReport {
     bool isSealed = false;
     Status finding = kGood;
     std::string detail;
+    std::string guid = {};  ///< of an intact seal, as its version; only where the file was read now
+    std::uint64_t sealVersion = 0;
+
+    /// Something else that was found about it: the higher status is that of the file.
+    void Raise(Status other, const char* otherDetail) {
+        if (IsFinding(finding) && other <= finding) return;
+        finding = other;
+        detail = otherDetail;
+    }
 };
 
 /// Checks a file without changing it. Others cannot write to it meanwhile; a file that is being written is unreadable.
 FileReport CheckFile(const std::string& path);
+
+/// Whether it is a job or a PDF, or has the name of one: other programs go by that.
+bool IsReport(const FileReport& report, const std::string& path);
 
 /// Whether a file ends with a seal, intact or not, also while others write to it. @throws Failure
 bool HasTraceOfSeal(const std::string& path);

@@ -48,8 +48,9 @@ constexpr std::array kNames = {
     "too large",
     "not kept",
     "renewal differs",
+    "trail copy",
 };
-static_assert(kNames.size() == kRenewalDiffers + 1);
+static_assert(kNames.size() == kTrailCopy + 1);
 
 }  // namespace
 

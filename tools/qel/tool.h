@@ -63,6 +63,7 @@ enum Status : int {
     kTooLarge = 38,            // a file of a kind that is read as a whole, and too large for that
     kNotKept = 39,             // without any finding: what was read could not be kept for the next run
     kRenewalDiffers = 40,      // a renewal record says something else than the entry about its version
+    kTrailCopy = 41,           // another file has the same trail, or only its ID
 };
 
 /// Ends the program with one line and a status.

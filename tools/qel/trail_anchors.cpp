@@ -29,6 +29,8 @@ std::string RefuseOtherThanFingerprint(const std::string& text) {
 
 }  // namespace
 
+bool AnchorOptions::HasTrust() const { return !key.empty() || !TrustFile(*this).empty(); }
+
 void AddAnchors(CLI::App& command, AnchorOptions& options) {
     command.add_option("--trust", options.trust, "Who may sign, in the format of ssh-keygen's allowed signers")
         ->type_name("FILE");

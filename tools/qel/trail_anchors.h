@@ -14,6 +14,8 @@ struct AnchorOptions {
     std::uint64_t atLeast = 0;
 
     bool AreThere() const { return AreOfOneTrail() || !trust.empty() || !key.empty() || !tsaCa.empty(); }
+    /// Whether it is known who may sign, also by the installation's own file.
+    bool HasTrust() const;
     /// Whether some of them belong to one trail, and not to every trail of an installation.
     bool AreOfOneTrail() const {
         return !trail.empty() || !head.empty() || !headFile.empty() || !stamp.empty() || atLeast > 0;

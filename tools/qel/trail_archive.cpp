@@ -55,7 +55,16 @@ Meaning MeaningOf(qel::RecordedFile::State state) {
     }
 }
 
+void SetFound(Finding& finding) {
+    finding.found = qel::HashFile(Path(finding.file).View());
+    const FileReport now = CheckFile(finding.file);
+    finding.guid = now.guid;
+    finding.sealVersion = now.sealVersion;
+}
+
 void Add(ArchiveReport& report, Finding finding) {
+    const Status status = finding.status;
+    if (status == kFileChanged || status == kSealNeverRecorded || status == kPrintNeverRecorded) SetFound(finding);
     ++report.findingCount;
     report.findings.push_back(std::move(finding));
 }
@@ -180,6 +189,7 @@ private:
         Guard(step, [&] {
             if (step.cabinet) {
                 CompareCabinet(step);
+                RequireSealRecorded(step);
             } else if (step.recorded) {
                 CompareFile(step);
             } else {
@@ -221,7 +231,15 @@ private:
         about.entry = file.entry;
         about.size = file.size;
         about.sha256 = file.sha256;
-        Add(step.found, {path, meaning.status, {}, about, meaning.detail});
+        Finding finding{path, meaning.status, {}, about, meaning.detail};
+        finding.recordedAs = file.path;
+        Add(step.found, finding);
+    }
+
+    // Its versions are what the trails say of a cabinet; its seal is that of a file.
+    void RequireSealRecorded(Step& step) {
+        if (HasTraceOfSeal(step.file) && !m_files.Names(NameBelow(m_options.folder, step.file)))
+            Add(step.found, {step.file, kSealNeverRecorded, {}, {}, "is sealed, and no entry names it"});
     }
 
     void RequireRecorded(Step& step) {
@@ -229,7 +247,7 @@ private:
         const FileReport found = m_options.content(step.file);
         if (found.isSealed)
             Add(step.found, {step.file, kSealNeverRecorded, {}, {}, "is sealed, and no entry names it"});
-        else if (found.kind == "job" || found.kind == "pdf")
+        else if (IsReport(found, step.file))
             Add(step.found, {step.file, kPrintNeverRecorded, {}, {}, "is a report, and no entry names it"});
         // Others may write to a file without a seal: it is not finished. One with a seal is, and has to be readable.
         if (found.finding == kUnreadable && HasTraceOfSeal(step.file))
@@ -270,10 +288,27 @@ void CompareSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report)
     }
 }
 
+// Somebody may have put back what an earlier entry has recorded. By the path that the entry has.
+using ChangedFiles = std::map<std::string, Finding*>;
+
+void SetOlder(const qel::TrailEntry& entry, const ChangedFiles& changed) {
+    const auto found = changed.find(entry.object);
+    if (found == changed.end()) return;
+    Finding& finding = *found->second;
+    const qel::FileHash recorded{entry.size, entry.sha256};
+    const bool isLatest = recorded == qel::FileHash{finding.version.size, finding.version.sha256};
+    if (isLatest || !finding.found || *finding.found != recorded) return;
+    finding.olderEntry = entry.number;
+    finding.detail = "is an older state, which entry " + std::to_string(entry.number) + " has recorded";
+}
+
 // Only entries that findings are about: taking a whole trail apart takes time. Two trails have the same numbers, and
 // not the same hash there.
 void AddSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report) {
     std::multimap<std::uint64_t, Finding*> wanted;
+    ChangedFiles changed;
+    for (Finding& finding : report.findings)
+        if (finding.status == kFileChanged) changed.emplace(finding.recordedAs, &finding);
     for (Finding& finding : report.findings)
         if (finding.version.entry > 0 && finding.signer.empty()) wanted.emplace(finding.version.entry, &finding);
     for (const ReadTrail& trail : trails) {
@@ -283,6 +318,7 @@ void AddSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report) {
             const std::optional<qel::TrailEntry> entry = reader.Next();
             if (!entry && qel::LastFailure().kind != qel::FailureKind::kData) break;
             if (!entry) continue;
+            SetOlder(*entry, changed);
             const auto [first, last] = wanted.equal_range(entry->number);
             for (auto each = first; each != last; ++each)
                 if (each->second->version.sha256 == entry->sha256) each->second->signer = reader.Signer();
@@ -314,6 +350,11 @@ Json FindingJson(const Finding& finding) {
             {"signer", finding.signer},
             {"size", version.size},
             {"sha256", version.sha256},
+            {"foundSize", finding.found ? Json(finding.found->size) : Json(nullptr)},
+            {"foundSha256", finding.found ? finding.found->sha256 : ""},
+            {"guid", finding.guid},
+            {"sealVersion", finding.sealVersion},
+            {"olderEntry", finding.olderEntry},
             {"detail", finding.detail}};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <set>
 
 #include <qellib10/record.h>
@@ -27,6 +28,12 @@ struct ArchiveReport {
         std::string detail = {};
         std::uint64_t byte = 0;   // where the version's data are; 0: not known
         std::string signer = {};  // fingerprint of the key that signed the entry
+        // Of a file that is not what was recorded, or that no entry names: what it is now.
+        std::optional<qel::FileHash> found = {};
+        std::string guid = {};  // of its seal
+        std::uint64_t sealVersion = 0;
+        std::string recordedAs = {};   // its path from the archive's folder on
+        std::uint64_t olderEntry = 0;  // the entry that has recorded what it is now
     };
     std::size_t cabinets = 0, versions = 0, files = 0;  // files: those that the trails name
     std::vector<Finding> findings = {};                 // of one cabinet at most kMostOfACabinet, and one for the rest

@@ -19,7 +19,17 @@ std::optional<TrailBefore> ReadBefore(const std::string& text) {
     return TrailBefore{text.substr(0, kId), static_cast<std::uint64_t>(*entry), text.substr(last + 1)};
 }
 
-std::string Find(const std::string& id, const std::string& trail, const std::vector<std::string>& given) {
+// The ID in a file's first line, which nobody has checked yet.
+std::string ClaimedIdOf(const std::string& file) {
+    qel::TrailReader reader;
+    if (reader.Open(Path(file).View()) == 0) return "";
+    const std::optional<qel::TrailEntry> first = reader.Next();
+    return first ? first->trailId : "";
+}
+
+// Files that may be the trail: there may be copies.
+std::vector<std::string> Candidates(const std::string& id, const std::string& trail,
+                                    const std::vector<std::string>& given) {
     std::vector<std::string> files = given;
     const fs::path folder = fs::path(trail).parent_path();
     std::error_code error;
@@ -30,14 +40,26 @@ std::string Find(const std::string& id, const std::string& trail, const std::vec
             files.push_back((folder / entry->path().filename()).string());
     }
     std::sort(files.begin() + static_cast<std::ptrdiff_t>(given.size()), files.end());
-    const auto found = std::ranges::find_if(files, [&](const std::string& file) {
-        const std::optional<TrailStart> start = StartOf(file);
-        return start && start->trail == id;
-    });
-    return found == files.end() ? "" : *found;
+    std::erase_if(files, [&](const std::string& file) { return ClaimedIdOf(file) != id; });
+    return files;
 }
 
-VerifiedTrail Verify(const std::string& file, const AnchorOptions& anchors, const SignatureOptions& signatures) {
+// It is as certain as the trail that names it, unless it is known by itself.
+void SetCertainty(VerifiedTrail& older, const VerifiedTrail& later) {
+    if (older.isKnown || later.report.isAnchored || !older.report.isAnchored) return;
+    older.report.isAnchored = false;
+    older.report.unanchored = "the trail that continues it is not anchored";
+}
+
+}  // namespace
+
+std::optional<TrailBefore> BeforeOf(const qel::TrailReport& report) { return ReadBefore(report.continues); }
+
+bool EndsWith(const qel::TrailReport& report, const TrailBefore& before) {
+    return report.trailId == before.trail && report.entries == before.entry && report.head == before.sha256;
+}
+
+VerifiedTrail VerifyTrail(const std::string& file, const AnchorOptions& anchors, const SignatureOptions& signatures) {
     VerifiedTrail trail{file, CheckedTrail(file, anchors)};
     trail.signatures = CheckSignaturesOf(file, signatures, trail.Last());
     return trail;
@@ -50,53 +72,44 @@ VerifiedTrail VerifyBefore(const std::string& file, const TrailBefore& before, c
     known.trail = before.trail;
     known.head = before.sha256;
     try {
-        return Verify(file, known, signatures);
+        return VerifyTrail(file, known, signatures);
     } catch (const Failure& failure) {
         return {file, {}, {}, failure};
     }
 }
 
-}  // namespace
-
-std::optional<TrailStart> StartOf(const std::string& file) {
-    qel::TrailReader reader;
-    if (reader.Open(Path(file).View()) == 0) return std::nullopt;
-    const std::optional<qel::TrailEntry> first = reader.Next();
-    if (!first) return std::nullopt;
-    const bool continues = first->action == qel::trail_kind::kTrailContinued;
-    return TrailStart{first->trailId, continues ? ReadBefore(first->before) : std::nullopt};
+void AddOlder(VerifiedChain& chain, const FindOlder& find) {
+    std::set<std::string> seen = {chain.trails.front().report.trailId};
+    while (const std::optional<TrailBefore> before = BeforeOf(chain.trails.front().report)) {
+        const std::string file = chain.trails.front().file;
+        const auto report = [&](Status status, const std::string& detail) {
+            chain.findings.push_back({file, status, before->trail, before->entry, before->sha256, detail});
+        };
+        std::optional<VerifiedTrail> older = seen.insert(before->trail).second ? find(file, *before) : std::nullopt;
+        if (!older) return report(kBeforeMissing, "it continues the trail " + before->trail + ", which is not there");
+        SetCertainty(*older, chain.trails.front());
+        if (!older->failure && !EndsWith(older->report, *before))
+            report(kBeforeOther, "it continues the trail " + before->trail + " after entry " +
+                                     std::to_string(before->entry) + ", which is not the last one of " +
+                                     Shown(older->file));
+        chain.trails.insert(chain.trails.begin(), std::move(*older));
+    }
 }
 
 VerifiedChain VerifyChain(const std::string& trail, const std::vector<std::string>& given, const AnchorOptions& anchors,
                           const SignatureOptions& signatures) {
     VerifiedChain chain;
-    chain.trails.push_back(Verify(trail, anchors, signatures));
-    const qel::TrailReport& last = chain.trails.front().report;
-    const bool isAnchored = last.isAnchored;
-    std::set<std::string> seen = {last.trailId};
-    std::string file = trail;
-    for (std::optional<TrailStart> start = StartOf(file); start && start->before; start = StartOf(file)) {
-        const TrailBefore before = *start->before;
-        const std::string next = seen.insert(before.trail).second ? Find(before.trail, file, given) : "";
-        const auto find = [&](Status status, const std::string& detail) {
-            chain.findings.push_back({file, status, before.trail, before.entry, before.sha256, detail});
-        };
-        if (next.empty()) {
-            find(kBeforeMissing, "it continues the trail " + before.trail + ", which is not there");
-            break;
+    chain.trails.push_back(VerifyTrail(trail, anchors, signatures));
+    AddOlder(chain, [&](const std::string& later, const TrailBefore& before) {
+        std::optional<VerifiedTrail> found;
+        for (const std::string& file : Candidates(before.trail, later, given)) {
+            VerifiedTrail older = VerifyBefore(file, before, anchors, signatures);
+            const bool isEnd = EndsWith(older.report, before);
+            if (isEnd || !found) found = std::move(older);
+            if (isEnd) break;
         }
-        VerifiedTrail older = VerifyBefore(next, before, anchors, signatures);
-        // It is as certain as the trail that names it.
-        if (older.report.isAnchored && !isAnchored) {
-            older.report.isAnchored = false;
-            older.report.unanchored = "the trail that continues it is not anchored";
-        }
-        if (!older.failure && (older.report.entries != before.entry || older.report.head != before.sha256))
-            find(kBeforeOther, "it continues the trail " + before.trail + " after entry " +
-                                   std::to_string(before.entry) + ", which is not the last one of " + Shown(next));
-        chain.trails.insert(chain.trails.begin(), std::move(older));
-        file = next;
-    }
+        return found;
+    });
     return chain;
 }
 

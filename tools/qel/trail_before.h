@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,12 +17,21 @@ struct TrailBefore {
     std::string sha256;  ///< of its last line
 };
 
-/// What a trail's first line says, without checking it; nothing for a file that is no trail.
-struct TrailStart {
-    std::string trail;
-    std::optional<TrailBefore> before;
-};
-std::optional<TrailStart> StartOf(const std::string& file);
+/// Nothing where a trail continues none.
+std::optional<TrailBefore> BeforeOf(const qel::TrailReport& report);
+/// Whether it is the trail before, and ends with that entry.
+bool EndsWith(const qel::TrailReport& report, const TrailBefore& before);
+
+/// Checks one trail alone. @throws Failure when it cannot be read
+VerifiedTrail VerifyTrail(const std::string& file, const AnchorOptions& anchors, const SignatureOptions& signatures);
+/// The same for one that another one continues: it has to have that entry. A failure is in the result.
+VerifiedTrail VerifyBefore(const std::string& file, const TrailBefore& before, const AnchorOptions& anchors,
+                           const SignatureOptions& signatures);
+
+/// Finds and checks a trail that @p later continues; nothing: it is not there.
+using FindOlder = std::function<std::optional<VerifiedTrail>(const std::string& later, const TrailBefore& before)>;
+/// Adds to a chain what its first trail continues, and so on. Each is as certain as the one that names it.
+void AddOlder(VerifiedChain& chain, const FindOlder& find);
 
 /// Checks a trail, and those that it continues, which are looked for in its folder and among @p given. They have the
 /// anchors that hold for every trail, and have to end with the entry that the next one names.

@@ -64,6 +64,7 @@ const char* const kTrailStatuses =
     "  35 trail before missing  the trail that this one continues is not there\n"
     "  36 other trail before    it does not end with the entry that this one names\n"
     "  37 allowed signers       the archive's own file of them says something else than the entries\n"
+    "  41 trail copy      another file in the folder has the same trail, or only its ID\n"
     "Without any finding the highest of:\n"
     "  11 not anchored    consistent, but no key, or no ID of the trail, is known from elsewhere\n"
     "  24 not read again  files that an interrupted run has read were not read again\n"

@@ -16,6 +16,7 @@ struct VerifiedTrail {
     qel::TrailReport report = {};
     std::optional<qel::SignatureReport> signatures = {};
     std::optional<Failure> failure = {};  ///< why it could not be read
+    bool isKnown = false;                 ///< what is known of one trail from elsewhere fits this one
 
     /// Another reader of the trail must find the same entries, unless these are wrong already.
     qel::TrailReceipt Last() const {
@@ -37,6 +38,12 @@ struct ChainFinding {
 struct VerifiedChain {
     std::vector<VerifiedTrail> trails = {};  ///< oldest first, at least one
     std::vector<ChainFinding> findings = {};
+    /// So many of them, oldest first, count where some trail of the archive is known: what anybody may have continued
+    /// does not.
+    std::size_t counted = 0;
+    bool isCopy = false;  ///< a file that has the ID of another one: it never counts
+
+    bool IsKnown() const { return counted > 0 && !isCopy; }
 };
 
 /// The status of a trail's finding.

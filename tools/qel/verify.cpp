@@ -42,6 +42,7 @@ std::string WithoutRepeatedSlashes(const std::string& path) {
 struct ToCheck {
     std::vector<CheckedFile> files;
     std::vector<Tree::Other> others;
+    std::vector<std::string> folders;
 
     explicit ToCheck(const std::vector<std::string>& paths) {
         for (const std::string& path : paths) Add(WithoutRepeatedSlashes(path));
@@ -52,6 +53,7 @@ struct ToCheck {
             files.push_back({path, true, {}, std::filesystem::path(path).filename().string()});
             return;
         }
+        folders.push_back(path);
         const Tree tree = FilesBelow(path);
         for (const std::string& folder : tree.unreadableFolders)
             files.push_back({folder, false, {"", false, kUnreadable, "the folder cannot be read"}});
@@ -73,8 +75,7 @@ void RequireSealed(CheckedFile& file, const Options& options) {
     FileReport& report = file.report;
     const bool isWorse = IsFinding(report.finding) && report.finding > kUnknown;
     if (report.isSealed || isWorse || !MatchesAny(options.sealed, file.name)) return;
-    report.finding = kNotSealed;
-    report.detail = "has to be sealed";
+    report.Raise(kNotSealed, "has to be sealed");
 }
 
 using Checking = std::function<FileReport(const std::string& file)>;
@@ -149,10 +150,13 @@ Status WorstOf(const std::vector<CheckedFile>& files, const Options& options) {
 }
 
 #ifdef QEL_WITH_TRAIL
-// Whoever knows a trail from elsewhere expects one.
-void RequireTrail(Results& results, const Options& options) {
-    if (options.trails.anchors.AreThere() && results.archives.empty())
+// Whoever knows a trail from elsewhere expects one. The installation's own trust is about archives, not about each
+// file.
+void RequireTrail(Results& results, const ToCheck& given, const Options& options) {
+    const AnchorOptions& anchors = options.trails.anchors;
+    if (anchors.AreThere() && results.archives.empty() && given.folders.empty())
         results.files.push_back({options.paths[0], false, {"", false, kMissing, "has no trail"}});
+    if (anchors.AreThere() || anchors.HasTrust()) RequireTrails(results.files, given.folders, results.archives);
 }
 
 Status Verify(const Options& options) {
@@ -171,7 +175,7 @@ Status Verify(const Options& options) {
     Results results;
     results.files = std::move(given.files);
     results.archives = VerifyTrails(results.files, trails);
-    RequireTrail(results, options);
+    RequireTrail(results, given, options);
     if (options.lists.AreThere()) UseLists(results.files, given.others, options.paths[0], options.lists);
     results.passed = resume ? resume->Passed() : 0;
     Write(results, options);
@@ -245,7 +249,7 @@ void AddVerify(CLI::App& app, Status& status) {
         "  15 missing       a file of the list is not there\n"
         "  22 added         a file is not in the list\n"
         "  23 not sealed    a file that has to be sealed is not\n"
-        "  38 too large     a document or job of more than 64 MiB, which is not read" +
+        "  38 too large     a document, job or file of renewal records of more than 64 MiB, not read" +
         more);
     command->callback([options, &status] { status = Verify(*options); });
 }

@@ -49,21 +49,15 @@ bool IsSame(const ListedFile& before, const ListedFile& now) {
     return before.hash == now.hash && (before.kind == now.kind || (isFile(before) && isFile(now)));
 }
 
-void Raise(FileReport& report, Status finding, const char* detail) {
-    if (IsFinding(report.finding) && finding <= report.finding) return;
-    report.finding = finding;
-    report.detail = detail;
-}
-
 void Compare(std::vector<CheckedFile>& files, const std::string& folder, const FileList& now, FileList before) {
     for (CheckedFile& file : files) {
         auto known = before.extract(file.name);
         const auto found = now.find(file.name);
         if (found == now.end()) continue;  // it cannot be read
         if (known.empty()) {
-            Raise(file.report, kAdded, "is not in the list");
+            file.report.Raise(kAdded, "is not in the list");
         } else if (!IsSame(known.mapped(), found->second)) {
-            Raise(file.report, kChanged, "is not what the list has");
+            file.report.Raise(kChanged, "is not what the list has");
         }
     }
     for (const auto& [name, missing] : before) {

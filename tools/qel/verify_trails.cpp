@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "trail_before.h"
+#include "trail_chains.h"
 #include "trail_text.h"
 
 namespace tool {
@@ -26,58 +26,17 @@ std::string FolderOf(const CheckedFile& trail) {
     return trail.isNamed ? "" : std::filesystem::path(trail.path).parent_path().string();
 }
 
-// Those that no other one continues. All of them, where each is continued: nobody has written such trails.
-std::vector<std::string> LatestOf(const std::vector<std::string>& trails) {
-    std::set<std::string> continued;
-    std::map<std::string, std::optional<TrailStart>> starts;
-    for (const std::string& trail : trails) {
-        const auto& start = starts[trail] = StartOf(trail);
-        if (start && start->before && start->before->trail != start->trail) continued.insert(start->before->trail);
-    }
-    std::vector<std::string> latest;
-    for (const std::string& trail : trails) {
-        const auto& start = starts[trail];
-        if (!start || !continued.contains(start->trail)) latest.push_back(trail);
-    }
-    return latest.empty() ? trails : latest;
-}
-
-VerifiedChain Chain(const std::string& trail, const TrailOptions& options, const AnchorOptions& anchors) {
-    try {
-        return VerifyChain(trail, options.before, anchors, options.signatures);
-    } catch (const Failure& failure) {
-        VerifiedChain chain;
-        chain.trails.push_back({trail, {}, {}, failure});
-        return chain;
-    }
-}
-
-// What is known of one trail does not hold for those with another ID, where that one is there.
-void CheckOthersAgain(std::vector<VerifiedArchive>& archives, const TrailOptions& options) {
-    if (!options.anchors.AreOfOneTrail()) return;
-    std::set<std::string> anchored;
-    for (const VerifiedArchive& archive : archives)
-        for (const VerifiedChain& chain : archive.chains)
-            if (chain.trails.back().report.isAnchored) anchored.insert(chain.trails.back().report.trailId);
-    if (anchored.empty()) return;
-    for (VerifiedArchive& archive : archives) {
-        for (VerifiedChain& chain : archive.chains) {
-            const VerifiedTrail& last = chain.trails.back();
-            if (!last.failure && !anchored.contains(last.report.trailId))
-                chain = Chain(std::string(last.file), options, options.anchors.OfEveryTrail());
-        }
-    }
-}
-
-// Somebody may have put a trail of their own next to the one that is known.
+// Somebody may have put a trail of their own next to the one that is known, or a copy of it.
 std::vector<ReadTrail> ToCompareWith(const std::vector<VerifiedChain>& chains) {
-    const auto isAnchored = [](const VerifiedChain& chain) { return chain.trails.back().report.isAnchored; };
-    const bool isAny = std::ranges::any_of(chains, isAnchored);
+    const bool isAny = std::ranges::any_of(chains, [](const VerifiedChain& chain) { return chain.IsKnown(); });
     std::vector<ReadTrail> trails;
     for (const VerifiedChain& chain : chains) {
-        if (isAny && !isAnchored(chain)) continue;
-        for (const VerifiedTrail& trail : chain.trails)
-            if (!trail.failure) trails.push_back({trail.file, trail.Last()});
+        const std::size_t counted = chain.isCopy ? 0 : isAny ? chain.counted : chain.trails.size();
+        for (std::size_t i = 0; i < counted; ++i) {
+            const VerifiedTrail& trail = chain.trails[i];
+            const bool isThere = std::ranges::find(trails, trail.file, &ReadTrail::file) != trails.end();
+            if (!trail.failure && !isThere) trails.push_back({trail.file, trail.Last()});
+        }
     }
     return trails;
 }
@@ -93,12 +52,39 @@ void SetReports(const VerifiedChain& chain, const Found& found) {
     }
 }
 
-void CompareFolder(VerifiedArchive& archive, const std::set<std::string>& folders, const Found& found,
+bool IsBelow(const std::string& folder, const std::string& path) {
+    const std::filesystem::path below = std::filesystem::path(path).lexically_relative(folder);
+    return !below.empty() && *below.begin() != ".." && below != ".";
+}
+
+std::set<std::string> IdsOf(const VerifiedArchive& archive) {
+    std::set<std::string> ids;
+    for (const VerifiedChain& chain : archive.chains)
+        for (const VerifiedTrail& trail : chain.trails) ids.insert(trail.report.trailId);
+    return ids;
+}
+
+// Anybody can put a trail into a folder of an archive: it takes the files there out of the archive where no trail is
+// known, or it is one that is known, or of trusted keys, and not the archive's own.
+bool IsArchiveOfItsOwn(const VerifiedArchive& inner, const VerifiedArchive& outer, bool isTrusted) {
+    const auto isKnown = [](const VerifiedChain& chain) { return chain.IsKnown(); };
+    if (std::ranges::none_of(outer.chains, isKnown)) return true;
+    const std::set<std::string> ids = IdsOf(outer);
+    for (const std::string& id : IdsOf(inner))
+        if (ids.contains(id)) return false;
+    return std::ranges::any_of(inner.chains, [&](const VerifiedChain& chain) {
+        return chain.IsKnown() || (isTrusted && !IsFinding(StatusOf(chain)));
+    });
+}
+
+void CompareFolder(VerifiedArchive& archive, const std::vector<VerifiedArchive>& all, const Found& found,
                    const TrailOptions& options) {
     const std::vector<ReadTrail> trails = ToCompareWith(archive.chains);
     if (trails.empty()) return;  // no trail can be read, which is a finding
-    ArchiveOptions compared{.folder = archive.folder, .except = folders, .jobs = options.jobs};
-    compared.except.erase(archive.folder);
+    ArchiveOptions compared{.folder = archive.folder, .jobs = options.jobs};
+    for (const VerifiedArchive& other : all)
+        if (other.folder != archive.folder && IsArchiveOfItsOwn(other, archive, options.anchors.HasTrust()))
+            compared.except.insert(other.folder);
     compared.resume = options.resume;
     compared.content = [&](const std::string& file) {
         const auto known = found.files.find(file);
@@ -128,20 +114,38 @@ std::vector<VerifiedArchive> VerifyTrails(std::vector<CheckedFile>& files, const
     std::map<std::string, std::vector<std::string>> byFolder;
     for (auto file = found.files.begin(); file != found.files.end(); file = found.files.upper_bound(file->first))
         if (file->second->report.kind == "trail") byFolder[FolderOf(*file->second)].push_back(file->first);
+    TrailChains chains(options.anchors, options.signatures, options.before);
+    for (const auto& [folder, trails] : byFolder)
+        for (const std::string& trail : trails) chains.Add(folder, trail);
     std::vector<VerifiedArchive> archives;
-    std::set<std::string> folders;
-    for (const auto& [folder, trails] : byFolder) {
-        archives.push_back({folder});
-        if (!folder.empty()) folders.insert(folder);
-        for (const std::string& trail : LatestOf(trails))
-            archives.back().chains.push_back(Chain(trail, options, options.anchors));
-    }
-    CheckOthersAgain(archives, options);
-    for (const VerifiedArchive& archive : archives)
-        for (const VerifiedChain& chain : archive.chains) SetReports(chain, found);
+    for (const auto& [folder, trails] : byFolder) archives.push_back({folder, chains.Of(folder)});
+    for (const bool isKnown : {false, true})
+        for (const VerifiedArchive& archive : archives)
+            for (const VerifiedChain& chain : archive.chains)
+                if (chain.IsKnown() == isKnown) SetReports(chain, found);
     for (VerifiedArchive& archive : archives)
-        if (!archive.folder.empty()) CompareFolder(archive, folders, found, options);
+        if (!archive.folder.empty()) CompareFolder(archive, archives, found, options);
     return archives;
+}
+
+void RequireTrails(std::vector<CheckedFile>& files, const std::vector<std::string>& folders,
+                   const std::vector<VerifiedArchive>& archives) {
+    std::vector<std::string> ofArchives;
+    for (const VerifiedArchive& archive : archives)
+        if (!archive.folder.empty()) ofArchives.push_back(archive.folder);
+    std::set<std::string> without;
+    for (const std::string& folder : folders) {
+        const auto isIn = [&](const std::string& archive) { return archive == folder || IsBelow(folder, archive); };
+        if (std::ranges::none_of(ofArchives, isIn)) without.insert(folder);
+    }
+    for (CheckedFile& file : files) {
+        const auto has = [&](const std::string& folder) { return IsBelow(folder, file.path); };
+        if (file.isNamed || std::ranges::any_of(without, has) || std::ranges::any_of(ofArchives, has)) continue;
+        if (file.report.kind == "cabinet") file.report.Raise(kNeverRecorded, "is a cabinet in no archive");
+        if (file.report.isSealed) file.report.Raise(kSealNeverRecorded, "is a sealed file in no archive");
+        if (IsReport(file.report, file.path)) file.report.Raise(kPrintNeverRecorded, "is a report in no archive");
+    }
+    for (const std::string& folder : without) files.push_back({folder, false, {"", false, kMissing, "has no trail"}});
 }
 
 Json ArchivesJson(const std::vector<VerifiedArchive>& archives) {

@@ -29,6 +29,11 @@ struct VerifiedArchive {
 /// Checks the trails among @p files, and compares what is in their folders with them. Each trail's own report is set.
 std::vector<VerifiedArchive> VerifyTrails(std::vector<CheckedFile>& files, const TrailOptions& options);
 
+/// For whoever knows a trail from elsewhere: each folder that was named needs one, or archives below, and what a trail
+/// has to name does not lie outside of them.
+void RequireTrails(std::vector<CheckedFile>& files, const std::vector<std::string>& folders,
+                   const std::vector<VerifiedArchive>& archives);
+
 Json ArchivesJson(const std::vector<VerifiedArchive>& archives);
 
 }  // namespace tool

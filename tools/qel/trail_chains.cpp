@@ -1,0 +1,153 @@
+#include "trail_chains.h"
+
+#include <algorithm>
+#include <set>
+#include <tuple>
+
+namespace tool {
+namespace {
+
+VerifiedTrail Verified(const std::string& file, const AnchorOptions& anchors, const SignatureOptions& signatures) {
+    try {
+        return VerifyTrail(file, anchors, signatures);
+    } catch (const Failure& failure) {
+        return {file, {}, {}, failure};
+    }
+}
+
+bool IsRight(const VerifiedTrail& trail) { return !trail.failure && trail.report.findingCount == 0; }
+
+// The longest ones first: each trail is in the first chain that has it.
+std::vector<VerifiedChain> WithoutContained(std::vector<VerifiedChain> chains) {
+    std::ranges::stable_sort(chains, std::ranges::greater(), [](const auto& chain) { return chain.trails.size(); });
+    std::set<std::string> covered;
+    std::vector<VerifiedChain> rest;
+    for (VerifiedChain& chain : chains) {
+        if (covered.contains(chain.trails.back().file)) continue;
+        for (const VerifiedTrail& trail : chain.trails) covered.insert(trail.file);
+        rest.push_back(std::move(chain));
+    }
+    std::ranges::stable_sort(rest, {}, [](const auto& chain) { return chain.trails.back().file; });
+    return rest;
+}
+
+// Those up to the latest one that is known, and those that trusted keys have appended to it.
+std::size_t CountedOf(const VerifiedChain& chain, bool isTrusted) {
+    std::size_t counted = chain.trails.size();
+    while (counted > 0 && !chain.trails[counted - 1].isKnown) --counted;
+    if (counted == 0 || !isTrusted) return counted;
+    for (; counted < chain.trails.size() && IsRight(chain.trails[counted]); ++counted) {
+        const std::optional<TrailBefore> before = BeforeOf(chain.trails[counted].report);
+        if (!before || !EndsWith(chain.trails[counted - 1].report, *before)) break;
+    }
+    return counted;
+}
+
+}  // namespace
+
+TrailChains::TrailChains(const AnchorOptions& anchors, const SignatureOptions& signatures,
+                         const std::vector<std::string>& before)
+    : m_anchors(anchors), m_signatures(signatures) {
+    for (const std::string& file : before) m_before.push_back(Check(file));
+    m_fitsAny = std::ranges::any_of(m_before, &Checked::Fits);
+}
+
+void TrailChains::Add(const std::string& folder, const std::string& file) {
+    m_folders[folder].push_back(Check(file));
+    m_fitsAny = m_fitsAny || m_folders[folder].back().Fits();
+}
+
+TrailChains::Checked TrailChains::Check(const std::string& file) const {
+    Checked checked;
+    checked.known = Verified(file, m_anchors, m_signatures);
+    const bool isSame = !m_anchors.AreOfOneTrail() || checked.Fits() || checked.known.failure;
+    checked.plain = isSame ? checked.known : Verified(file, m_anchors.OfEveryTrail(), m_signatures);
+    checked.known.isKnown = checked.Fits();
+    return checked;
+}
+
+VerifiedTrail TrailChains::Alone(const Checked& trail) const {
+    return trail.Fits() || !m_fitsAny ? trail.known : trail.plain;
+}
+
+VerifiedTrail TrailChains::Older(const Checked& trail, const TrailBefore& before) const {
+    if (trail.Fits()) return trail.known;
+    if (trail.plain.failure) return trail.plain;
+    if (!m_anchors.key.empty() || !EndsWith(trail.plain.report, before))
+        return VerifyBefore(trail.plain.file, before, m_anchors, m_signatures);
+    VerifiedTrail older = trail.plain;
+    older.report.isAnchored = true;  // by the entry that names its end
+    older.report.pinned = older.report.entries;
+    older.report.unanchored.clear();
+    return older;
+}
+
+VerifiedChain TrailChains::Chain(const Checked& last, const Pool& pool) const {
+    VerifiedChain chain;
+    chain.trails.push_back(Alone(last));
+    AddOlder(chain, [&](const std::string&, const TrailBefore& before) -> std::optional<VerifiedTrail> {
+        const Checked* found = nullptr;
+        for (const Checked* each : pool) {
+            if (each->plain.report.trailId != before.trail) continue;
+            const bool isEnd = EndsWith(each->plain.report, before);
+            if (found == nullptr || (isEnd && !EndsWith(found->plain.report, before))) found = each;
+        }
+        return found != nullptr ? std::optional(Older(*found, before)) : std::nullopt;
+    });
+    chain.counted = CountedOf(chain, m_anchors.HasTrust());
+    if (chain.IsKnown() && !chain.trails.back().isKnown)
+        chain.trails.back().report.unanchored = "what is known fits an earlier trail, which it continues";
+    return chain;
+}
+
+VerifiedChain TrailChains::Copy(const Checked& copy, const Checked& best) const {
+    VerifiedChain chain;
+    chain.isCopy = true;
+    chain.trails.push_back(Alone(copy));
+    AnchorOptions start;
+    start.head = copy.plain.report.head;
+    // An entry has the hash of all before.
+    const bool isStart =
+        IsRight(copy.plain) && IsRight(best.plain) && Verified(best.plain.file, start, m_signatures).report.isAnchored;
+    const qel::TrailReport& report = copy.plain.report;
+    const std::string other = "the trail in " + Shown(best.plain.file);
+    chain.findings.push_back({copy.plain.file, kTrailCopy, report.trailId, report.entries, report.head,
+                              isStart ? "it is a further copy of " + other + ", up to entry " +
+                                            std::to_string(report.entries) + ", and does not count"
+                                      : "it has the ID of " + other + ", and is not the start of that"});
+    return chain;
+}
+
+std::vector<VerifiedChain> TrailChains::Of(const std::string& folder) const {
+    const auto there = m_folders.find(folder);
+    if (there == m_folders.end()) return {};
+    std::map<std::string, TrailBefore> named;
+    for (const Checked& trail : there->second)
+        if (const auto before = BeforeOf(trail.plain.report)) named.emplace(before->trail, *before);
+    const auto rank = [&](const Checked& trail) {
+        const auto before = named.find(trail.plain.report.trailId);
+        return std::tuple(trail.Fits(), before != named.end() && EndsWith(trail.plain.report, before->second),
+                          IsRight(trail.plain), trail.plain.report.entries);
+    };
+    std::map<std::string, const Checked*> best;  // by ID
+    for (const Checked& trail : there->second) {
+        const Checked*& known = best[trail.plain.report.trailId];
+        if (known == nullptr || rank(*known) < rank(trail)) known = &trail;
+    }
+    Pool pool;
+    std::vector<const Checked*> copies;
+    for (const Checked& trail : there->second) {
+        const std::string& id = trail.plain.report.trailId;
+        const bool isCopy = !folder.empty() && !id.empty() && best[id] != &trail;
+        (isCopy ? copies : pool).push_back(&trail);
+    }
+    std::vector<VerifiedChain> chains;
+    const std::size_t own = pool.size();
+    for (const Checked& trail : m_before) pool.push_back(&trail);
+    for (std::size_t i = 0; i < own; ++i) chains.push_back(Chain(*pool[i], pool));
+    chains = WithoutContained(std::move(chains));
+    for (const Checked* copy : copies) chains.push_back(Copy(*copy, *best[copy->plain.report.trailId]));
+    return chains;
+}
+
+}  // namespace tool

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "trail_before.h"
+
+// The trails of a tree, as chains of which each one continues the one before.
+namespace tool {
+
+/// Anybody can put files into an archive: only what a checked trail says in an entry that is right makes a chain, every
+/// trail is in one, and of several files with one trail's ID the others are findings.
+class TrailChains {
+public:
+    TrailChains(const AnchorOptions& anchors, const SignatureOptions& signatures,
+                const std::vector<std::string>& before);
+
+    /// Checks a trail. @param folder empty: it was named, not found
+    void Add(const std::string& folder, const std::string& file);
+    /// The chains of a folder, after all trails were added: what is known of one trail holds for those that it fits,
+    /// wherever they are, and for all if it fits none.
+    std::vector<VerifiedChain> Of(const std::string& folder) const;
+
+private:
+    struct Checked {
+        VerifiedTrail plain = {};  // with what is known of every trail
+        VerifiedTrail known = {};  // with what is known of one trail, too
+
+        bool Fits() const { return known.report.isAnchored && !known.failure; }
+    };
+    using Pool = std::vector<const Checked*>;
+
+    Checked Check(const std::string& file) const;
+    VerifiedTrail Alone(const Checked& trail) const;
+    VerifiedTrail Older(const Checked& trail, const TrailBefore& before) const;
+    VerifiedChain Chain(const Checked& last, const Pool& pool) const;
+    VerifiedChain Copy(const Checked& copy, const Checked& best) const;
+
+    const AnchorOptions& m_anchors;
+    const SignatureOptions& m_signatures;
+    std::map<std::string, std::vector<Checked>> m_folders;
+    std::vector<Checked> m_before;
+    bool m_fitsAny = false;
+};
+
+}  // namespace tool
