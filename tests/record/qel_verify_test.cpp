@@ -276,6 +276,8 @@ TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
     for (const auto& [what, make, known, found] :
          {Change{"the trail is named, too", forge, "a/t a --head-file h", "32\nintact|seal never recorded|"},
           Change{"the same after the folder", forge, "a ./a/t --head-file h", "32\nintact|seal never recorded|"},
+          Change{"one that continues, alone", [](const Archive& in) { in.Continue(); }, "a/t2 --head-file h2",
+                 "0\nintact|"},
           Change{"slashes, and a trail in a folder", [](const Archive& in) { in.AddForeign("sub/"); },
                  ".//a/./ --head-file h", "33\nnever recorded|not anchored|print never recorded|version missing|"},
           Change{"a list, the trail as it was", list(By("true")), "a --against l", "11\nnot anchored|"},

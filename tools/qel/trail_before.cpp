@@ -78,6 +78,19 @@ VerifiedTrail VerifyBefore(const std::string& file, const TrailBefore& before, c
     }
 }
 
+std::optional<VerifiedTrail> FindNextTo(const std::string& later, const TrailBefore& before,
+                                        const std::vector<std::string>& given, const AnchorOptions& anchors,
+                                        const SignatureOptions& signatures) {
+    std::optional<VerifiedTrail> found;
+    for (const std::string& file : Candidates(before.trail, later, given)) {
+        VerifiedTrail older = VerifyBefore(file, before, anchors, signatures);
+        const bool isEnd = EndsWith(older.report, before);
+        if (isEnd || !found) found = std::move(older);
+        if (isEnd) break;
+    }
+    return found;
+}
+
 void AddOlder(VerifiedChain& chain, const FindOlder& find) {
     std::set<std::string> seen = {chain.trails.front().report.trailId};
     while (const std::optional<TrailBefore> before = BeforeOf(chain.trails.front().report)) {
@@ -101,14 +114,7 @@ VerifiedChain VerifyChain(const std::string& trail, const std::vector<std::strin
     VerifiedChain chain;
     chain.trails.push_back(VerifyTrail(trail, anchors, signatures));
     AddOlder(chain, [&](const std::string& later, const TrailBefore& before) {
-        std::optional<VerifiedTrail> found;
-        for (const std::string& file : Candidates(before.trail, later, given)) {
-            VerifiedTrail older = VerifyBefore(file, before, anchors, signatures);
-            const bool isEnd = EndsWith(older.report, before);
-            if (isEnd || !found) found = std::move(older);
-            if (isEnd) break;
-        }
-        return found;
+        return FindNextTo(later, before, given, anchors, signatures);
     });
     return chain;
 }

@@ -28,6 +28,11 @@ VerifiedTrail VerifyTrail(const std::string& file, const AnchorOptions& anchors,
 VerifiedTrail VerifyBefore(const std::string& file, const TrailBefore& before, const AnchorOptions& anchors,
                            const SignatureOptions& signatures);
 
+/// Looks for such a trail in the folder of the later one and among @p given: the one that ends with the entry, or any.
+std::optional<VerifiedTrail> FindNextTo(const std::string& later, const TrailBefore& before,
+                                        const std::vector<std::string>& given, const AnchorOptions& anchors,
+                                        const SignatureOptions& signatures);
+
 /// Finds and checks a trail that @p later continues; nothing: it is not there.
 using FindOlder = std::function<std::optional<VerifiedTrail>(const std::string& later, const TrailBefore& before)>;
 /// Adds to a chain what its first trail continues, and so on. Each is as certain as the one that names it.

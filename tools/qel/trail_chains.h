@@ -34,7 +34,7 @@ private:
     Checked Check(const std::string& file) const;
     VerifiedTrail Alone(const Checked& trail) const;
     VerifiedTrail Older(const Checked& trail, const TrailBefore& before) const;
-    VerifiedChain Chain(const Checked& last, const Pool& pool) const;
+    VerifiedChain Chain(const Checked& last, const Pool& pool, bool isNamed) const;
     VerifiedChain Copy(const Checked& copy, const Checked& best) const;
 
     const AnchorOptions& m_anchors;
@@ -42,6 +42,7 @@ private:
     std::map<std::string, std::vector<Checked>> m_folders;
     std::vector<Checked> m_before;
     bool m_fitsAny = false;
+    mutable std::size_t m_checkedAgain = 0;
 };
 
 }  // namespace tool
