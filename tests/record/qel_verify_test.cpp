@@ -278,6 +278,8 @@ TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
           Change{"the same after the folder", forge, "a ./a/t --head-file h", "32\nintact|seal never recorded|"},
           Change{"one that continues, alone", [](const Archive& in) { in.Continue(); }, "a/t2 --head-file h2",
                  "0\nintact|"},
+          Change{"one of two folders has no trail", By("cp -r a a2; rm a2/t"), "a a2 --head-file h", "15\nmissing|"},
+          Change{"a folder of archives", By("mkdir b; mv a b/a; cp -r b a"), "a --head-file h", "0\n"},
           Change{"slashes, and a trail in a folder", [](const Archive& in) { in.AddForeign("sub/"); },
                  ".//a/./ --head-file h", "33\nnever recorded|not anchored|print never recorded|version missing|"},
           Change{"a list, the trail as it was", list(By("true")), "a --against l", "11\nnot anchored|"},
@@ -294,6 +296,16 @@ TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
         make(archive);
         EXPECT_EQ(archive.Findings("verify " + std::string(known)), found) << what;
     }
+}
+
+// An installation has a file of those who may sign; it expects trails of folders, and not of single files.
+TEST(QelVerifyTree, NeedsATrailWhereTheInstallationKnowsWhoSigns) {
+    const Archive archive;
+    archive.Trust({1});
+    const std::string verify = "QELLIB10_ALLOWED_SIGNERS=trust $Q verify ";
+    EXPECT_EQ(archive.Run(verify + "a >/dev/null; echo $?; rm a/t; " + verify + "a >/dev/null; echo $?; " + verify +
+                          "a/s >/dev/null; echo $?"),
+              "11\n15\n0\n");
 }
 
 // What was read is known by its inode and by what the trail says about it.
