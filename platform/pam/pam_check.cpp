@@ -103,10 +103,8 @@ public:
     std::string User() const { return Item(PAM_USER); }
     // The name of its file: PAM makes small letters of capitals.
     std::string Name() const { return Item(PAM_SERVICE); }
-    std::string Text() const {
-        const char* const text = ::pam_strerror(m_handle, m_status);
-        return text != nullptr ? text : "no reason is known";
-    }
+    // Not PAM's own words: they are in the language of the program, and this goes into entries of a trail.
+    std::string Text() const { return "PAM has status " + std::to_string(m_status); }
 
 private:
     std::string Item(int type) const {

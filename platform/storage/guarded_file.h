@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -65,8 +63,7 @@ private:
     std::string m_path, m_posixPath;
     Descriptor m_file;
     int m_process;
-    dev_t m_device = 0;
-    ino_t m_inode = 0;
+    std::uint64_t m_device = 0, m_inode = 0;  // of the file that was opened
 };
 
 }  // namespace qel

@@ -74,7 +74,7 @@ TEST(PamAuthenticator, LetsInWhoeverTheServiceLetsInByThePassword) {
              {"expired_at_once", "mori", "violet", Kind::kRefused, wrong},
              {"maxtries", "mori", "violet", Kind::kRefused, wrong},
              {"authinfo_unavail", "mori", "violet", Kind::kState, "the system's passwords cannot be read now"},
-             {"system_err", "mori", "violet", Kind::kState, "the system cannot check passwords: System error"},
+             {"system_err", "mori", "violet", Kind::kState, "the system cannot check passwords: PAM has status 4"},
              {"", "mori", "violet", Kind::kArgument, "this cannot be the name of a service"},
              {"../plain", "mori", "violet", Kind::kArgument, "this cannot be the name of a service"},
          }) {
