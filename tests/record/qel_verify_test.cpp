@@ -106,6 +106,12 @@ struct Change {
     const char* found;
 };
 
+void ExpectFound(const std::string& command, const Change& change) {
+    const Archive archive;
+    change.make(archive);
+    EXPECT_EQ(archive.Findings(command + change.known), change.found) << change.what;
+}
+
 std::function<void(const Archive&)> By(const char* commands) {
     return [=](const Archive& in) { EXPECT_EQ(in.Run(commands), ""); };
 }
@@ -114,7 +120,7 @@ std::function<void(const Archive&)> By(const char* commands) {
 
 TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
     const char* const head = "--head-file h";
-    for (const auto& [what, make, known, found] :
+    for (const Change& change :
          {Change{"nothing", By("true"), head, "0\n"},
           Change{"nothing known", By("true"), "", "11\nnot anchored|"},
           Change{"a byte of a version", By("sed -i s/two/twO/ a/c"), head, "27\nchanged|version changed|"},
@@ -193,11 +199,8 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
                      in.Continue();
                      in.Run("sed -i '$d' a/t");
                  },
-                 "--head-file h2", "36\nmissing|other trail before|print never recorded|"}}) {
-        const Archive archive;
-        make(archive);
-        EXPECT_EQ(archive.Findings("verify a " + std::string(known)), found) << what;
-    }
+                 "--head-file h2", "36\nmissing|other trail before|print never recorded|"}})
+        ExpectFound("verify a ", change);
 }
 
 // Anybody can put files into an archive, and write into a trail of their own which other one it continues.
@@ -214,7 +217,7 @@ TEST(QelVerifyTree, BelievesOnlyChainsThatAreKnownFromElsewhere) {
         in.Trust({1, 2});
         in.Continue();
     };
-    for (const auto& [what, make, known, found] :
+    for (const Change& change :
          {Change{"an older copy, and its file",
                  [](const Archive& in) {
                      in.Trust({1});
@@ -257,11 +260,8 @@ TEST(QelVerifyTree, BelievesOnlyChainsThatAreKnownFromElsewhere) {
                      in.Claim("sub/x", 9, "");
                      in.Run("mv a/y a/sub/y");
                  },
-                 "--head-file h", "33\nnot anchored|print never recorded|seal never recorded|"}}) {
-        const Archive archive;
-        make(archive);
-        EXPECT_EQ(archive.Findings("verify a " + std::string(known)), found) << what;
-    }
+                 "--head-file h", "33\nnot anchored|print never recorded|seal never recorded|"}})
+        ExpectFound("verify a ", change);
 }
 
 // However the same folder and trail are named, and with a list of what was there.
@@ -273,7 +273,7 @@ TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
             then(in);
         };
     };
-    for (const auto& [what, make, known, found] :
+    for (const Change& change :
          {Change{"the trail is named, too", forge, "a/t a --head-file h", "32\nintact|seal never recorded|"},
           Change{"the same after the folder", forge, "a ./a/t --head-file h", "32\nintact|seal never recorded|"},
           Change{"one that continues, alone", [](const Archive& in) { in.Continue(); }, "a/t2 --head-file h2",
@@ -291,11 +291,8 @@ TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
                      in.Record(trail, qel::trail_kind::kReportPrinted, "sub/p");
                      in.Run("rm a/c a/cr");
                  }),
-                 "a --against l", "15\nchanged|missing|"}}) {
-        const Archive archive;
-        make(archive);
-        EXPECT_EQ(archive.Findings("verify " + std::string(known)), found) << what;
-    }
+                 "a --against l", "15\nchanged|missing|"}})
+        ExpectFound("verify ", change);
 }
 
 // An installation has a file of those who may sign; it expects trails of folders, and not of single files.
