@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 
+#include "archive_signers.h"
 #include "tree.h"
 #include "workers.h"
 
@@ -65,8 +66,7 @@ void SetFound(Finding& finding) {
 void Add(ArchiveReport& report, Finding finding) {
     const Status status = finding.status;
     if (status == kFileChanged || status == kSealNeverRecorded || status == kPrintNeverRecorded) SetFound(finding);
-    ++report.findingCount;
-    report.findings.push_back(std::move(finding));
+    report.Add(std::move(finding));
 }
 
 // Where the versions of findings are.
@@ -266,65 +266,6 @@ private:
     std::vector<Step> m_steps;
     ArchiveReport m_report;
 };
-
-// The archive's own file of allowed signers, next to its latest trail.
-void CompareSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report) {
-    if (trails.empty()) return;
-    std::error_code error;
-    const auto path = std::filesystem::path(trails.back().file).parent_path() / "allowed_signers";
-    if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, error))) return;
-    qel::TrailSigners signers;
-    for (const ReadTrail& trail : trails)
-        if (signers.ReadOn(Path(trail.file).View(), trail.last) == 0)
-            throw Named(trail.file, LastRefusal("cannot be read", kInconsistent));
-    std::vector<qel::SignersDifference> differences;
-    if (signers.Compare(Path(path.string()).View(), differences) == 0)
-        return Add(report, {path.string(), kUnreadable, {}, {}, Why("cannot be read")});
-    for (const qel::SignersDifference& difference : differences) {
-        Finding finding{path.string(), kSignersDiffer, {}, {}, difference.text};
-        finding.version.entry = difference.entry;
-        finding.signer = difference.key;
-        Add(report, finding);
-    }
-}
-
-// Somebody may have put back what an earlier entry has recorded. By the path that the entry has.
-using ChangedFiles = std::map<std::string, Finding*>;
-
-void SetOlder(const qel::TrailEntry& entry, const ChangedFiles& changed) {
-    const auto found = changed.find(entry.object);
-    if (found == changed.end()) return;
-    Finding& finding = *found->second;
-    const qel::FileHash recorded{entry.size, entry.sha256};
-    const bool isLatest = recorded == qel::FileHash{finding.version.size, finding.version.sha256};
-    if (isLatest || !finding.found || *finding.found != recorded) return;
-    finding.olderEntry = entry.number;
-    finding.detail = "is an older state, which entry " + std::to_string(entry.number) + " has recorded";
-}
-
-// Only entries that findings are about: taking a whole trail apart takes time. Two trails have the same numbers, and
-// not the same hash there.
-void AddSigners(const std::vector<ReadTrail>& trails, ArchiveReport& report) {
-    std::multimap<std::uint64_t, Finding*> wanted;
-    ChangedFiles changed;
-    for (Finding& finding : report.findings)
-        if (finding.status == kFileChanged) changed.emplace(finding.recordedAs, &finding);
-    for (Finding& finding : report.findings)
-        if (finding.version.entry > 0 && finding.signer.empty()) wanted.emplace(finding.version.entry, &finding);
-    for (const ReadTrail& trail : trails) {
-        qel::TrailReader reader;
-        if (wanted.empty() || reader.Open(Path(trail.file).View()) == 0) return;
-        for (;;) {
-            const std::optional<qel::TrailEntry> entry = reader.Next();
-            if (!entry && qel::LastFailure().kind != qel::FailureKind::kData) break;
-            if (!entry) continue;
-            SetOlder(*entry, changed);
-            const auto [first, last] = wanted.equal_range(entry->number);
-            for (auto each = first; each != last; ++each)
-                if (each->second->version.sha256 == entry->sha256) each->second->signer = reader.Signer();
-        }
-    }
-}
 
 }  // namespace
 

@@ -40,6 +40,11 @@ struct ArchiveReport {
     std::uint64_t findingCount = 0;
 
     static constexpr std::size_t kMostOfACabinet = 1000;
+
+    void Add(Finding finding) {
+        ++findingCount;
+        findings.push_back(std::move(finding));
+    }
 };
 
 struct ArchiveOptions {

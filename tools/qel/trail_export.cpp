@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "checked_entries.h"
 #include "trail_text.h"
 
 namespace tool {
@@ -91,32 +92,6 @@ std::string FormatOf(const TrailExport& to) {
 }
 
 }  // namespace
-
-CheckedEntries::CheckedEntries(const std::string& trail, const qel::TrailReport& report)
-    : m_trail(trail), m_previous(64, '0'), m_report(report) {
-    if (m_reader.Open(Path(trail).View()) == 0) throw Named(trail, LastRefusal("cannot be read", kMalformed));
-}
-
-// Of a trail that is consistent, each line has the hash of the one before, so the last one's is that of all.
-std::optional<qel::TrailEntry> CheckedEntries::Next() {
-    const bool isConsistent = m_report.findingCount == 0;
-    while (m_lines < m_report.lines) {
-        std::optional<qel::TrailEntry> entry = m_reader.Next();
-        if (!entry && qel::LastFailure().kind == qel::FailureKind::kNone) break;
-        if (!entry && qel::LastFailure().kind != qel::FailureKind::kData)
-            throw Named(m_trail, LastRefusal("cannot be read", kMalformed));
-        ++m_lines;
-        if (!entry) ++m_passed;
-        if (isConsistent && (!entry || entry->previous != m_previous)) break;
-        if (!entry) continue;
-        m_previous = m_reader.Hash();
-        if (isConsistent && m_lines == m_report.lines && m_previous != m_report.head) break;
-        return entry;
-    }
-    if (m_lines < m_report.lines || (isConsistent && m_lines > 0 && m_previous != m_report.head))
-        throw Failure(Shown(m_trail) + ": has changed while it was read", kInconsistent);
-    return std::nullopt;
-}
 
 Status ExportTrail(const std::string& trail, const qel::TrailReport& report, const TrailExport& to) {
     const std::string format = FormatOf(to);

@@ -17,26 +17,6 @@ struct TrailExport {
 /// checked
 Status ExportTrail(const std::string& trail, const qel::TrailReport& report, const TrailExport& to);
 
-/// The entries that were checked, one by one; those that were appended later are left out.
-class CheckedEntries {
-public:
-    /// @throws Failure
-    CheckedEntries(const std::string& trail, const qel::TrailReport& report);
-
-    /// The next entry. @throws Failure when the trail is not the one that was checked
-    std::optional<qel::TrailEntry> Next();
-    std::string Hash() const { return m_reader.Hash(); }
-    std::string Signer() const { return m_reader.Signer(); }
-    /// Lines so far that are no entries.
-    std::uint64_t Passed() const { return m_passed; }
-
-private:
-    std::string m_trail, m_previous;
-    const qel::TrailReport& m_report;
-    qel::TrailReader m_reader;
-    std::uint64_t m_lines = 0, m_passed = 0;
-};
-
 /// The pages of a report about the entries. @throws Failure for more entries than a PDF has room for
 void WriteTrailPdf(const std::string& trail, const qel::TrailReport& report, const TrailExport& to);
 

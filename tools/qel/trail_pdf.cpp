@@ -1,4 +1,5 @@
 // The report of qel trail export as a PDF: a table over pages, with the result of the check on each of them.
+#include "checked_entries.h"
 #include "table_pdf.h"
 #include "trail_export.h"
 #include "trail_text.h"
