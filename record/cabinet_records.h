@@ -42,8 +42,9 @@ public:
 
     /// Goes through a trail once. A line that is not an entry is passed over; CheckTrail reports it.
     int Read(std::string_view trailPath);
-    /// The same up to the last entry that CheckTrail has seen, TrailReport::entries and TrailReport::head: later ones
-    /// do not count. @return 0 also when the trail does not have it, since somebody has exchanged the file in between
+    /// The same up to the last entry that counts for CheckTrail, TrailReport::rightUpTo. Where its number is 0, do not
+    /// read the trail: all entries would count, and there none does.
+    /// @return 0 also when the trail does not have it, since somebody has exchanged the file in between
     int Read(std::string_view trailPath, const TrailReceipt& last);
     /// Reads one more trail, which continues the one that was read last: what both say counts.
     int ReadOn(std::string_view trailPath, const TrailReceipt& last);

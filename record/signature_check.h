@@ -57,8 +57,8 @@ struct QELLIB10_API SignatureReport {
 /// @param path in the library's form
 /// @return 1 when the trail was read, whatever was found; 0 when it cannot be
 QELLIB10_API int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report);
-/// The same up to the last entry that CheckTrail has seen, TrailReport::entries and TrailReport::head: later ones do
-/// not count.
+/// The same up to the last entry that counts for CheckTrail, TrailReport::rightUpTo. Where its number is 0, do not
+/// read the trail: all entries would count, and there none does.
 /// @return 0 also when the trail does not have it, since somebody has exchanged the file in between
 QELLIB10_API int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report,
                                  const TrailReceipt& last);

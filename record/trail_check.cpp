@@ -37,10 +37,11 @@ public:
             CheckLine(line);
         m_line = line;
         if (line.kind == TrailLines::Kind::kTooLong) Find(TrailFault::kMalformed, "a line is longer than 64 KiB");
-        if (m_report.findingCount >= kStopAt) return;  // what comes after is not known
+        if (m_report.findingCount >= kStopAt) return KeepPinned();  // what comes after is not known
         CheckEnd(line);
         CheckAnchors();
         if (m_trust.HasRevoked()) CheckRevoked({size, m_lines.End()});
+        KeepPinned();
     }
 
 private:
@@ -93,6 +94,7 @@ private:
         m_report.entries = m_next++;
         m_report.head = m_previous;
         m_about = nullptr;
+        if (m_report.findingCount == 0) m_report.rightUpTo = {m_report.entries, m_previous};
     }
 
     void CheckEntry(const ReadLine& line) {
@@ -127,6 +129,11 @@ private:
     void Pin() {
         m_report.pinned = m_next;
         m_proofs.pins.push_back(m_next);
+        if (m_proofs.chainedTo >= m_next) m_pinned = {m_next, m_previous};
+    }
+
+    void KeepPinned() {
+        if (m_pinned.number > m_report.rightUpTo.number) m_report.rightUpTo = m_pinned;
     }
 
     void TakeStamp(const TrailEntry& entry) {
@@ -165,6 +172,7 @@ private:
             m_next = doubtful.line.entry.number;
             m_line.at = doubtful.at;
             m_about = &doubtful.line.entry;
+            if (m_next <= m_report.rightUpTo.number) m_report.rightUpTo = {m_next - 1, doubtful.line.entry.previous};
             if (!std::ranges::binary_search(found, m_next))
                 Find(TrailFault::kRevokedKey, doubtful.text, doubtful.line.signature.key.Fingerprint());
             return m_report.findingCount < kStopAt;
@@ -263,6 +271,7 @@ private:
     std::uint64_t m_next = 1;              // the number that follows; while a line is checked, its own
     std::uint64_t m_last = 0;              // the highest number that a right signature of somebody trusted vouches for
     std::string m_previous = std::string(64, '0');
+    TrailReceipt m_pinned;  // the last entry whose hash is known from elsewhere, with all before it
     std::int64_t m_time = 0;
     std::uint64_t m_bootTime = 0;
     std::string m_bootId;

@@ -7,6 +7,7 @@
 
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/failure.h"
+#include "qellib10/record/trail.h"
 
 namespace qel {
 
@@ -64,6 +65,9 @@ struct QELLIB10_API TrailReport {
     /// cannot be noticed.
     std::uint64_t pinned = 0;
     std::string head = {};  ///< hash of the last one
+    /// What counts for whoever reads the trail after this: the last entry before the first finding, or a later one that
+    /// is known from elsewhere and whose hash is that of all before. Number 0: none does.
+    TrailReceipt rightUpTo = {};
     /// Whether keys and trail are those that are known from elsewhere: a key or a file of allowed signers, together
     /// with the trail's ID; or an entry's hash, or the head file. Else `unanchored` says what is missing.
     bool isAnchored = false;

@@ -3,6 +3,7 @@
 
 #include "../support/cases.h"
 #include "../support/output_of.h"
+#include "forged_trail.h"
 #include "recorded_folder.h"
 
 namespace {
@@ -150,7 +151,30 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
           Change{"another job", By("echo '<printjob/>' >a/q"), head, "33\nprint never recorded|"},
           Change{"a link to a cabinet", By("mv a/c c; ln -s ../c a/c"), head, "34\nnot a file|version missing|"},
           Change{"a pipe", By("mkfifo a/q"), head, "34\nnot a file|"},
-          Change{"an entry", By("sed -i 2s/why/WHY/ a/t"), head, "8\nchanged|inconsistent|"},
+          Change{"an entry", By("sed -i 2s/why/WHY/ a/t"), head,
+                 "33\nchanged|inconsistent|never recorded|print never recorded|seal never recorded|"},
+          Change{"a line of another key, for a cabinet that was changed",
+                 [](const Archive& in) {
+                     in.Run("sed -i s/two/twO/ a/c");
+                     Lines lines = LinesOf(in.Read("a/t"));
+                     SignAgain(lines, 4, 9, [](auto& entry) { entry.sha256 = HashOf("twO"); });
+                     in.Write("a/t", in.Read("a/t") + lines[4]);
+                 },
+                 head, "27\nchanged|clock|inconsistent|unknown signer|version changed|"},
+          Change{"a line of another key that records another file",
+                 [](const Archive& in) {
+                     in.Run("echo x >>a/sub/p");
+                     Lines lines = LinesOf(in.Read("a/t"));
+                     lines.push_back(lines.back());
+                     SignAgain(lines, lines.size() - 1, 9, [&](auto& entry) {
+                         entry.previous = HashOf(WithoutEnd(lines[lines.size() - 2]));
+                         ++entry.number;
+                         entry.size = in.Read("a/sub/p").size();
+                         entry.sha256 = HashOf(in.Read("a/sub/p"));
+                     });
+                     in.Write("a/t", Joined(lines));
+                 },
+                 head, "30\nfile changed|unknown signer|"},
           Change{"the last entry", By("sed -i '$d' a/t"), head, "33\nmissing|print never recorded|"},
           Change{"no trail", By("rm a/t"), head, "15\nmissing|"},
           Change{"no trail that is known as one", By("sed -i 's/^./ /' a/t"), head, "15\nmissing|"},
@@ -160,10 +184,10 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
                     ">a/allowed_signers"),
                  head, "37\nallowed signers|"},
           Change{"another trail", By("true"), "--trail 00000000000000000000000000000000",
-                 "25\nother trail|unknown signer|"},
+                 "33\nnever recorded|other trail|print never recorded|seal never recorded|unknown signer|"},
           Change{"an early key",
                  By("sed -n 's/.*\"object\":\"\\(ssh-ed25519 [^\"]*\\)\".*/i valid-after=\"20990101Z\" \\1/p' a/t >k"),
-                 "--trust k", "26\nkey not yet valid|"},
+                 "--trust k", "33\nkey not yet valid|never recorded|print never recorded|seal never recorded|"},
           Change{"a trail of somebody else", [](const Archive& in) { in.AddForeign(""); }, head,
                  "16\nnever recorded|not anchored|"},
           Change{"the same in a folder, for its own files", [](const Archive& in) { in.AddForeign("sub/"); }, head,

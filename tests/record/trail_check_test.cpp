@@ -294,6 +294,46 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
     }
 }
 
+// Readers stop where the first finding is, unless a later entry is known: its hash is that of all before it.
+TEST(TrailCheck, WhatCountsEndsBeforeTheFirstFinding) {
+    const Sample sample;
+    const Lines whole = sample.Lines();
+    const std::string three = HashOf(WithoutEnd(whole[2]));
+    using Change = std::function<void(Lines&)>;
+    for (const auto& [what, change, anchors, number] : Cases<const char*, Change, qel::TrailAnchors, std::size_t>{
+             {"nothing", [](Lines&) {}, {}, 4},
+             {"a line of another key after what is known",
+              [](Lines& l) {
+                  l.push_back(l[3]);
+                  SignAgain(l, 4, 2, [](auto& entry) { ++entry.number; });
+              },
+              {.headFile = sample.Name("h")},
+              4},
+             {"of another key from the third on",
+              [](Lines& l) { SignAgain(l, 2, 2, [](auto&) {}); },
+              {.headFile = sample.Name("h")},
+              2},
+             {"a changed one before what is known",
+              [](Lines& l) { Replace(l[1], "boottime", "bootTime"); },
+              {.head = sample.head},
+              1},
+             {"the last one torn", [](Lines& l) { l[3].resize(9); }, {.head = three}, 3},
+             {"of another key, and known all the same",
+              [](Lines&) {},
+              {.trustFile = sample.Name("none"), .head = three},
+              3},
+             {"of another trail", [](Lines&) {}, {.trailId = std::string(32, '0')}, 0},
+             {"no entry", [](Lines& l) { l.clear(); }, {}, 0}}) {
+        sample.Write("none", "i namespaces=\"qellib10-entry\" " + ByteSigner(2).PublicKey() + '\n');
+        Lines lines = whole;
+        change(lines);
+        sample.Write("t", Joined(lines));
+        const qel::TrailReceipt last = sample.Check(anchors).rightUpTo;
+        EXPECT_EQ(last.number, number) << what;
+        EXPECT_EQ(last.hash, number > 0 ? HashOf(WithoutEnd(lines.at(number - 1))) : "") << what;
+    }
+}
+
 TEST(TrailCheck, KeysAreThoseThatTrustedEntriesAnnounce) {
     const Sample sample;
     const auto add = [&](int signer, std::string_view action, int key) {

@@ -88,7 +88,7 @@ Status Signers(const Options& options) {
 ArchiveReport CompareArchive(const Options& options, const VerifiedChain& chain, Resume* resume) {
     std::vector<ReadTrail> trails;
     for (const VerifiedTrail& trail : chain.trails)
-        if (!trail.failure) trails.push_back({trail.file, trail.Last()});
+        if (trail.Counts()) trails.push_back({trail.file, trail.report.rightUpTo});
     ArchiveOptions archive{.folder = options.archive, .jobs = options.jobs, .resume = resume};
     if (resume != nullptr) archive.content = [=](const std::string& file) { return resume->Check(file); };
     return CompareArchive(trails, archive);

@@ -12,7 +12,7 @@
 
 namespace tool {
 
-/// A trail, and the last entry of it that was checked; number 0 takes it as it is.
+/// A trail, and the last entry of it that counts.
 struct ReadTrail {
     std::string file;
     qel::TrailReceipt last;

@@ -61,7 +61,7 @@ bool EndsWith(const qel::TrailReport& report, const TrailBefore& before) {
 
 VerifiedTrail VerifyTrail(const std::string& file, const AnchorOptions& anchors, const SignatureOptions& signatures) {
     VerifiedTrail trail{file, CheckedTrail(file, anchors)};
-    trail.signatures = CheckSignaturesOf(file, signatures, trail.Last());
+    trail.signatures = CheckSignaturesOf(file, signatures, trail.report.rightUpTo);
     return trail;
 }
 

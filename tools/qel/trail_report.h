@@ -18,10 +18,8 @@ struct VerifiedTrail {
     std::optional<Failure> failure = {};  ///< why it could not be read
     bool isKnown = false;                 ///< what is known of one trail from elsewhere fits this one
 
-    /// Another reader of the trail must find the same entries, unless these are wrong already.
-    qel::TrailReceipt Last() const {
-        return report.findingCount == 0 ? qel::TrailReceipt{report.entries, report.head} : qel::TrailReceipt();
-    }
+    /// Whether any of it counts; else nobody should read it.
+    bool Counts() const { return !failure && report.rightUpTo.number > 0; }
 };
 
 /// What does not fit between a trail and the one that it continues.

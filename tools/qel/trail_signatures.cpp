@@ -53,7 +53,7 @@ void AddSignatureOptions(CLI::App& verify, SignatureOptions& options) {
 std::optional<qel::SignatureReport> CheckSignaturesOf(const std::string& trail, const SignatureOptions& options,
                                                       const qel::TrailReceipt& last) {
     qel::SignatureReport report;
-    if (qel::CheckSignatures(Path(trail).View(), options.rules.Rules(), report, last) == 0)
+    if (last.number > 0 && qel::CheckSignatures(Path(trail).View(), options.rules.Rules(), report, last) == 0)
         throw Named(trail, LastRefusal("cannot be read", kMalformed));
     // Lines that are no entries are a finding of the trail itself.
     const bool isThere = report.signatures > 0 || std::ranges::any_of(report.findings, [](const auto& finding) {

@@ -27,7 +27,7 @@ struct SignatureOptions {
 /// --signatures and the rules.
 void AddSignatureOptions(CLI::App& verify, SignatureOptions& options);
 
-/// @param last the entry that has to be the last one; number 0: not known
+/// @param last the entry that has to be the last one; number 0: none counts
 /// @return nothing for a trail without signatures, unless they were asked for. @throws Failure
 std::optional<qel::SignatureReport> CheckSignaturesOf(const std::string& trail, const SignatureOptions& options,
                                                       const qel::TrailReceipt& last);

@@ -35,10 +35,17 @@ std::vector<ReadTrail> ToCompareWith(const std::vector<VerifiedChain>& chains) {
         for (std::size_t i = 0; i < counted; ++i) {
             const VerifiedTrail& trail = chain.trails[i];
             const bool isThere = std::ranges::find(trails, trail.file, &ReadTrail::file) != trails.end();
-            if (!trail.failure && !isThere) trails.push_back({trail.file, trail.Last()});
+            if (trail.Counts() && !isThere) trails.push_back({trail.file, trail.report.rightUpTo});
         }
     }
     return trails;
+}
+
+// Where some trail was read and none of its entries counts, no file was ever recorded.
+bool IsAnyRead(const std::vector<VerifiedChain>& chains) {
+    return std::ranges::any_of(chains, [](const VerifiedChain& chain) {
+        return std::ranges::any_of(chain.trails, [](const VerifiedTrail& trail) { return !trail.failure; });
+    });
 }
 
 void SetReports(const VerifiedChain& chain, const Found& found) {
@@ -79,8 +86,8 @@ bool IsArchiveOfItsOwn(const VerifiedArchive& inner, const VerifiedArchive& oute
 
 void CompareFolder(VerifiedArchive& archive, const std::vector<VerifiedArchive>& all, const Found& found,
                    const TrailOptions& options) {
+    if (!IsAnyRead(archive.chains)) return;  // which is a finding
     const std::vector<ReadTrail> trails = ToCompareWith(archive.chains);
-    if (trails.empty()) return;  // no trail can be read, which is a finding
     ArchiveOptions compared{.folder = archive.folder, .jobs = options.jobs};
     for (const VerifiedArchive& other : all)
         if (other.folder != archive.folder && IsArchiveOfItsOwn(other, archive, options.anchors.HasTrust()))
