@@ -102,6 +102,7 @@ void RequireRight(const std::vector<std::string>& lines) {
         require(line.IsSigned());
         require(std::ranges::find(active, signer) != active.end() ||
                 (signer == PublicKey(0) && !announced.contains(signer)));
+        qel::RequireOtherSigner(entry, signer);
         qel::ApplyToKeys(entry, active);
         require(i > 0 || !active.empty());
         announced.insert(active.begin(), active.end());

@@ -98,6 +98,7 @@ void TrailWriter::RequireFollowing(const End& end, const ReadLine& line) const {
     if (!follows)
         throw DataError("entries are missing or foreign: what comes after entry " + std::to_string(end.head.number) +
                         " does not follow it, or nobody who may has signed it");
+    RequireOtherSigner(line.entry, line.signature.key);
 }
 
 // Bytes whose flush has failed can be read although they are not on the disk, and a second flush does not write them.

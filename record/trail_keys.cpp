@@ -32,6 +32,11 @@ bool HasEntryOf(const GuardedFile& trail, std::uint64_t length, const SshPublicK
 
 }  // namespace
 
+void RequireOtherSigner(const TrailRecord& record, const SshPublicKey& signer) {
+    if (record.action == trail_kind::kKeyRevoked && SshPublicKey::OfText(record.object) == signer)
+        throw DataError("a key cannot revoke itself: whoever has stolen it could do so. Another key has to sign this");
+}
+
 void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys) {
     const bool starts = entry.action == trail_kind::kTrailStarted || entry.action == trail_kind::kTrailContinued;
     const bool adds = entry.action == trail_kind::kKeyAdded;

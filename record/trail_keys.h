@@ -17,6 +17,10 @@ struct RevokedKey {
     static RevokedKey Of(const TrailEntry& entry);
 };
 
+/// No key revokes itself: whoever has stolen it could do so, and distrust what its owner has signed.
+/// @throws DataError for an entry in which @p signer does
+void RequireOtherSigner(const TrailRecord& record, const SshPublicKey& signer);
+
 /// What an entry changes in the list of keys that may sign.
 /// @throws DataError for a key that is in it already, or not, or no key, or one too many
 void ApplyToKeys(const TrailEntry& entry, std::vector<SshPublicKey>& keys);

@@ -59,7 +59,9 @@ struct TrailSigners::State {
 
     void Take(std::string_view line) {
         try {
-            Take(ReadEntry(line).entry);
+            const ReadLine read = ReadEntry(line);
+            RequireOtherSigner(read.entry, read.signature.key);
+            Take(read.entry);
         } catch (const DataError&) {  // CheckTrail reports it
         }
     }

@@ -45,6 +45,7 @@ void TrailTrust::Learn(const ReadLine& line) {
     if (!adds && !ends && action != trail_kind::kKeyRevoked) return;
     if (adds && FindRevoked(SshPublicKey::OfText(entry.object)) != nullptr)
         throw DataError("a key that was revoked cannot be announced again");
+    RequireOtherSigner(entry, line.signature.key);
     ApplyToKeys(entry, m_active);
     if (action == trail_kind::kKeyRevoked) return Revoke(entry);
     const SshPublicKey key = SshPublicKey::OfText(entry.object);

@@ -169,8 +169,7 @@ void TrailWriter::RequireKeyInOrder(const TrailRecord& record) const {
     if (!adds && record.action != trail_kind::kKeyRevoked) return;
     const SshPublicKey key = SshPublicKey::OfText(record.object);
     if (adds) return RequireNotRevoked(*m_trail, m_end->head.length, key);
-    if (key == SshPublicKey::OfText(m_signer->PublicKey()))
-        throw DataError("a key cannot revoke itself: whoever has stolen it could do so. Another key has to sign this");
+    RequireOtherSigner(record, SshPublicKey::OfText(m_signer->PublicKey()));
     RequireAnnounced(*m_trail, m_end->head.length, key);
 }
 

@@ -28,6 +28,11 @@ TEST(RevokedKey, SignsNothingMore) {
     qel::Trail first(trail.Settings(), std::make_shared<ByteSigner>(1)), other(trail.Settings(), second);
     ASSERT_EQ(first.Open(), 1);
     ASSERT_TRUE(first.Append(OfKey(kind::kKeyAdded, 2)));
+    const std::string whole = trail.Read("t");
+    trail.PutBack(whole);
+    trail.Add(OfKey(kind::kKeyRevoked, 1, "3"));
+    EXPECT_EQ(other.Open(), 0) << "by itself, written past Append";
+    trail.PutBack(whole);
     ASSERT_EQ(other.Open(), 1);
     for (const char* const from : {"", "0", "01", "-1", "x", "5", "99999999999999999999"})
         EXPECT_FALSE(other.Append(OfKey(kind::kKeyRevoked, 1, from))) << from;
@@ -132,6 +137,8 @@ TEST(RevokedKey, CannotComeBackOrTakeOver) {
     EXPECT_EQ(findings({{add(1), 9}, {Record("a"), 1}, {Record("b"), 9}, {revoke(1, "4"), 9}, {revoke(1, "3"), 9}}),
               "revoked 3")
         << "the earlier one counts";
+    EXPECT_EQ(findings({{add(1), 9}, {Record("a"), 1}, {revoke(1, "3"), 1}, {Record("b"), 1}}), "malformed 4")
+        << "by itself, written past Append: it stays good";
 }
 
 // Somebody may exchange the file after its first reading, so that a revoked key's entries look like another key's.
