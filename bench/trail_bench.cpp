@@ -243,7 +243,7 @@ const Place& Archive() {
             qel::RecordedCabinet cabinet(
                 trail, {.cabinetPath = place.Path(name.c_str()), .recordPath = place.Path((name + "r").c_str())});
             Check(cabinet.Open() != 0);
-            for (int i = 0; i < 16; ++i) Check(cabinet.Register(place.Path("source"), "mori", "").has_value());
+            for (int i = 0; i < 16; ++i) Check(cabinet.Register(place.Path("source"), "mori", "why").has_value());
         }
         return true;
     }();

@@ -22,7 +22,7 @@ namespace {
 
 // Why something is done; without a comment the file that it comes from.
 std::string Comment(const Options& options, const std::string& source) {
-    if (!options.comment.empty()) return options.comment;
+    if (options.comment.find_first_not_of(' ') != std::string::npos) return options.comment;
     return "from " + std::string(CQFile::GetFilenameFromPath(source.c_str()));
 }
 

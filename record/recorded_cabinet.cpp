@@ -110,6 +110,7 @@ TrailReceipt RecordedCabinet::State::Enter(const TrailRecord& record) {
 TrailReceipt RecordedCabinet::State::Register(std::string_view source, std::string_view user, std::string_view reason) {
     RequireText(user, "a registration needs a name of who does it");
     RequireOpen();
+    if (history->Latest() > 0) RequireText(reason, "a version that changes an earlier one needs a reason");
     if (history->Latest() < recorded)
         throw DataError(Number(recorded) + " was recorded, and the cabinet ends with " + Number(history->Latest()));
     const CString name = NameOf(source);

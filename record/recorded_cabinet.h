@@ -74,10 +74,12 @@ public:
     /// Registers the file at @p source as the next version. A copy of it, next to the cabinet, is what is hashed and
     /// registered, so it does not matter whether others write to it meanwhile. The renewal record has the texts in the
     /// code page of the process, as far as that has their characters.
-    /// @return the entry "result registered". Nothing, if the source cannot be copied, @p user is blank, a text is not
-    /// UTF-8, or the trail has recorded later versions than the cabinet has: nothing has happened then. Nothing, if the
-    /// trail or the cabinet cannot be written, as on a full disk: then the trail may have the start of it, and the
-    /// cabinet the version. The next operation finds this out, and adds the entry that is missing
+    /// @param reason must be there from version 2 on, which changes what exists
+    /// @return the entry "result registered". Nothing, if the source cannot be copied, @p user is blank, the reason is
+    /// missing, a text is not UTF-8, or the trail has recorded later versions than the cabinet has: nothing has
+    /// happened then. Nothing, if the trail or the cabinet cannot be written, as on a full disk: then the trail may
+    /// have the start of it, and the cabinet the version. The next operation finds this out, and adds the entry that is
+    /// missing
     std::optional<TrailReceipt> Register(std::string_view source, std::string_view user, std::string_view reason);
 
     /// Writes a version, 1 to Latest(), to @p target, replacing what it held. First an entry "version taken out" is

@@ -228,10 +228,11 @@ TEST(RecordedCabinet, WhatIsRefusedLeavesNoEntry) {
         qel::Failure failure = qel::LastFailure();
     };
     for (const Case& c :
-         {Case{"blank user", cabinet.Register(a, " ", "")}, Case{"not UTF-8", cabinet.Register(a, "mori", "\xff")},
+         {Case{"blank user", cabinet.Register(a, " ", "why")}, Case{"not UTF-8", cabinet.Register(a, "mori", "\xff")},
+          Case{"changed without a reason", cabinet.Register(a, "mori", " ")},
           Case{"too long", cabinet.Register(a, "mori", std::string(70'000, 'x'))},
-          Case{"no source", cabinet.Register(folder.Name("none"), "mori", "")},
-          Case{"the cabinet itself", cabinet.Register(folder.Name("c"), "mori", "")},
+          Case{"no source", cabinet.Register(folder.Name("none"), "mori", "why")},
+          Case{"the cabinet itself", cabinet.Register(folder.Name("c"), "mori", "why")},
           Case{"version 0", cabinet.TakeOut(0, out, "mori", "why")},
           Case{"version 3", cabinet.TakeOut(3, out, "mori", "why")},
           Case{"2^32 + 1", cabinet.TakeOut((1ULL << 32) + 1, out, "mori", "why")},
@@ -305,7 +306,7 @@ TEST(RecordedCabinet, ProgramsThatRegisterAtOnceSettleNothingOfEachOther) {
         while (archive.cabinet.Open() == 0) {
             if (qel::LastFailure().systemError != 32) return 2;  // another one has it open
         }
-        return archive.cabinet.Register(folder.Name("a"), "abe", "") ? 0 : 3;
+        return archive.cabinet.Register(folder.Name("a"), "abe", "why") ? 0 : 3;
     };
     EXPECT_EQ(RunAtOnce(kWriters, write), 0);
     EXPECT_EQ(folder.Actions().find("abandoned"), std::string::npos);
