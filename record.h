@@ -5,6 +5,7 @@
 #include "qellib10/record/file_hash.h"
 #include "qellib10/record/file_records.h"
 #include "qellib10/record/key_file_signer.h"
+#include "qellib10/record/method_changes.h"
 #include "qellib10/record/pam_authenticator.h"
 #include "qellib10/record/person_agent.h"
 #include "qellib10/record/person_key.h"

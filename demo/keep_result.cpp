@@ -32,18 +32,6 @@ struct Evaluated {
     std::string text;      // what to print about the method
 };
 
-// Item by item. What cannot be entered is not changed.
-void EnterChanges(const CQDiffList& changes, const std::string& reason, ArchiveTrail& trail) {
-    CDiffItem item;
-    for (int i = 0; changes.GetDiffItemIndex(i, &item) != 0; ++i) {
-        trail.Enter({.action = std::string(qel::trail_kind::kMethodChanged),
-                     .object = std::string(item.GetName()),
-                     .before = std::string(item.GetBefore()),
-                     .after = std::string(item.GetAfter()),
-                     .reason = reason});
-    }
-}
-
 // Computes a result with the given settings, or with the method that was kept. Settings that give a result become the
 // method.
 Evaluated EvaluateByMethod(const Options& options, Session& session, ArchiveTrail& trail, MadeFiles& made) {
@@ -68,7 +56,8 @@ Evaluated EvaluateByMethod(const Options& options, Session& session, ArchiveTrai
     const std::string count = std::to_string(changes.GetCount());
     const std::string what =
         file.Kept().empty() ? "new, " + count + " values\n" : count + " changed\n" + Listed(changes, kIndent);
-    EnterChanges(changes, Comment(options, options.settings), trail);
+    const std::string reason = Comment(options, options.settings);
+    for (const qel::TrailRecord& change : qel::MethodChanges(changes, trail.User(), reason)) trail.Enter(change);
     file.Keep(method);
     Log("method.xml kept");
     made.Add("method.xml");

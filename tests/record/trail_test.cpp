@@ -9,6 +9,7 @@
 #include "../support/full_disk.h"
 #include "../support/run_at_once.h"
 #include "qellib10/platform/error.h"
+#include "qellib10/record/method_changes.h"
 #include "qellib10/record/trail_head.h"
 #include "qellib10/record/trail_writer.h"
 
@@ -36,6 +37,31 @@ std::string Patched(std::string text, const std::string& from, const std::string
 }
 
 }  // namespace
+
+TEST(Trail, AChangedMethodIsAnEntryForEachItem) {
+    const CodePageScope latin1(1252);
+    CQDiffList changes;
+    CDiffItem item;
+    for (const auto& [name, before, after] :
+         Cases<const char*, const char*, const char*>{{"dose", "0.05 mL", "0.02 mL"}, {"cell \xB5S", "", "2"}}) {
+        item.SetName(name);
+        item.SetBefore(before);
+        item.SetAfter(after);
+        changes.AddDiffItem(item);
+    }
+    const TrailFolder folder;
+    qel::Trail trail(folder.Settings(), std::make_shared<ByteSigner>(1));
+    ASSERT_EQ(trail.Open(), 1);
+    for (const qel::TrailRecord& record : qel::MethodChanges(changes, "mori", "passed"))
+        ASSERT_TRUE(trail.Append(record)) << qel::LastFailure().text;
+    std::string entered;
+    for (const std::size_t number : {2, 3}) {
+        const qel::TrailEntry entry = folder.Entry(number);
+        entered += Line({entry.user, entry.action, entry.object, entry.before, entry.after, entry.reason}) + '|';
+    }
+    EXPECT_EQ(entered, "mori method changed dose 0.05 mL 0.02 mL passed|mori method changed cell \xC2\xB5S  2 passed|");
+    EXPECT_FALSE(trail.Append(qel::MethodChanges(changes, "mori", "").front())) << "without a reason";
+}
 
 TEST(Trail, RefusesWhatCannotBeReadBackAndWritesNothing) {
     const TrailFolder folder;
