@@ -4,8 +4,12 @@
 
 #include "../support/test.h"
 #include "../tools/result_of.h"
-#include "qellib10/platform/failure.h"
+#include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/pam/pam_check.h"
+#include "qellib10/record/person_agent.h"
+#include "qellib10/record/person_key.h"
+#include "qellib10/record/signing.h"
+#include "signing_folder.h"
 
 namespace {
 
@@ -34,16 +38,47 @@ struct Services : TempFolder {
         add("expired_at_once", "auth required pam_debug.so auth=acct_expired\n", "pam_permit.so");
     }
 
+    /// Why no test can use them; empty if one can.
+    std::string Missing() const {
+        if (!std::filesystem::exists(modules + "pam_wrapper")) return "needs libpam-wrapper";
+        const bool isWithout = qel::AskPam("plain", "mori", "violet").text == "the library was built without PAM";
+        return isWithout ? "needs libpam0g-dev" : "";
+    }
+    /// What a PamAuthenticator does, with a service from here.
+    qel::Authenticator Asking(const std::string& service) const {
+        return [service, folder = Posix().native()](std::string_view user, std::string_view password) {
+            return qel::AsResult("PamAuthenticator", [&] {
+                       const qel::PamAnswer answer = qel::AskPam(service, std::string(user), password, folder);
+                       return answer.isRight ? 1 : qel::Refuse(answer.kind, service, answer.text);
+                   }) != 0;
+        };
+    }
+
     std::string modules;
+};
+
+// A trail in which mori, whose account has the password "violet", is to sign what sato has registered.
+struct Signers : People {
+    Signers() { Do("sato registers"); }
+    void Announce(const qel::PersonSigner& person) {
+        qel::TrailRecord record = Record("person key added", person.PublicKey());
+        record.user = person.User();
+        record.after = person.PrintedName();
+        EXPECT_TRUE(trail.Append(record)) << qel::LastFailure().text;
+    }
+    std::string Sign(const std::shared_ptr<qel::PersonSigner>& person, std::string_view password) {
+        qel::Signing signing(trail, person, {});
+        const qel::SigningRequest request{
+            .cabinet = kCabinet, .cabinetVersion = 2, .size = 3, .sha256 = HashOf("abc"), .meaning = "approved"};
+        return signing.Sign(request, "mori", password) ? "signed" : qel::LastFailure().text;
+    }
 };
 
 }  // namespace
 
 TEST(PamAuthenticator, LetsInWhoeverTheServiceLetsInByThePassword) {
     const Services services;
-    if (!std::filesystem::exists(services.modules + "pam_wrapper")) GTEST_SKIP() << "needs libpam-wrapper";
-    if (qel::AskPam("plain", "mori", "violet").text == "the library was built without PAM")
-        GTEST_SKIP() << "needs libpam0g-dev";
+    if (!services.Missing().empty()) GTEST_SKIP() << services.Missing();
     ::setenv("PAM_USER", "abe", 1);  // the module pam_set_items reads it
     const std::string wrong = "name or password are wrong", expired = "the password has expired and has to be changed";
     using Kind = qel::FailureKind;
@@ -86,4 +121,42 @@ TEST(PamAuthenticator, LetsInWhoeverTheServiceLetsInByThePassword) {
     }
     EXPECT_FALSE(qel::PamAuthenticator("missing")("mori", "violet"));
     EXPECT_EQ(qel::LastFailure().kind, Kind::kState);
+}
+
+// Two passwords of the sealed key: a second.
+TEST(PamAuthenticator, GuardsAKeyInAnAgentWhileASealedKeyHasAPasswordOfItsOwn) {
+    const Services services;
+    if (!services.Missing().empty()) GTEST_SKIP() << services.Missing();
+    Signers people;
+    const auto sealed = std::make_shared<qel::PersonKey>();
+    ASSERT_EQ(sealed->Make(people.Name("k"), "mori", "Mori Akiko", "a signing word"), 1) << qel::LastFailure().text;
+    people.Announce(*sealed);
+    EXPECT_TRUE(services.Asking("plain")("mori", "violet"));
+    EXPECT_EQ(people.Sign(sealed, "violet"), "the password is wrong") << "it is the account's";
+    EXPECT_FALSE(services.Asking("plain")("mori", "a signing word"));
+    EXPECT_EQ(people.Sign(sealed, "a signing word"), "signed");
+
+    const std::string in = "cd '" + people.Posix().native() + "' && ";
+    ASSERT_EQ(ResultOf(in + "ssh-keygen -q -t ed25519 -N '' -f key && ssh-agent -a agent >agent.env && "
+                            "SSH_AUTH_SOCK=agent ssh-add -q key"),
+              "0 ");
+    const std::string print = ResultOf(in + "ssh-keygen -lf key.pub | cut -d' ' -f2 | tr -d '\\n'").substr(2);
+    const std::string expired = "the password has expired and has to be changed";
+    bool isAnnounced = false;
+    for (const auto& [service, password, outcome, entered] : Cases<const char*, const char*, std::string, std::string>{
+             {"plain", "indigo", "name or password are wrong", "signature refused name or password are wrong"},
+             {"new_authtok_reqd", "violet", expired, "signature refused " + expired},
+             {"missing", "violet", "the password cannot be checked: there is no service of this name that can be read",
+              "signature refused " + expired},
+             {"plain", "violet", "signed", "signature "},
+         }) {
+        const auto agent = std::make_shared<qel::PersonAgent>(services.Asking(service));
+        EXPECT_EQ(agent->Connect(people.Name("agent"), print, "mori", "Mori Akiko"), 1) << qel::LastFailure().text;
+        if (!std::exchange(isAnnounced, true)) people.Announce(*agent);
+        EXPECT_EQ(people.Sign(agent, password), outcome);
+        const qel::TrailEntry last = people.Entry(people.Lines().size());
+        EXPECT_EQ(last.action + ' ' + last.reason, entered);
+    }
+    EXPECT_EQ(ResultOf(in + ". ./agent.env >output; ssh-agent -k >output"), "0 ");
+    EXPECT_EQ(people.Found(), "");
 }
