@@ -1,6 +1,7 @@
 #include "qellib10/record/recorded_person_key.h"
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/text/utf8_name.h"
 #include "qellib10/record/next_person_key.h"
 #include "qellib10/record/person_key_file.h"
 #include "qellib10/record/person_signer.h"
@@ -23,6 +24,9 @@ void RequireGift(const Gift& gift) {
             throw DataError("a person's key needs a user, who gives it, and why: 1 to 256 bytes that can be shown");
     }
 }
+
+// What the entry "person key changing" has in `after`.
+std::string KeyAndName(const PersonKeyFile& file) { return file.key.Text() + ' ' + file.name; }
 
 }  // namespace
 
@@ -89,14 +93,15 @@ std::optional<std::string> RecordedPersonKey::State::ReasonFor(const PersonKeyFi
     TrailBackwards entries(trail.Path(), trail.Last());
     while (const std::optional<TrailEntry> entry = entries.Next()) {
         if (entry->action != trail_kind::kPersonKeyChanging || entry->object != left.user) continue;
-        return entry->after == left.key.Text() ? std::optional(entry->reason) : std::nullopt;
+        const bool isThis = entry->after == KeyAndName(left) || entry->after == left.key.Text();  // an older program's
+        return isThis ? std::optional(entry->reason) : std::nullopt;
     }
     return std::nullopt;
 }
 
 void RecordedPersonKey::State::Give(NextPersonKey& next, const PersonKeyFile& key, const Gift& gift) {
     next.Keep(key);
-    EnterChanging(gift, key.key.Text());
+    EnterChanging(gift, KeyAndName(key));
     Finish(next, key, gift.reason);
 }
 
@@ -108,6 +113,7 @@ void RecordedPersonKey::State::Finish(NextPersonKey& next, const PersonKeyFile& 
         Enter({.user = key.user,
                .action = std::string(trail_kind::kPersonKeyAdded),
                .object = key.key.Text(),
+               .after = key.name,
                .reason = std::string(reason)});
     }
     Replacement file(path, kPersonKeyMode);
@@ -158,7 +164,7 @@ void RecordedPersonKey::State::End(const Gift& gift) {
 }
 
 std::string RecordedPersonKey::State::WhyRefused(const PersonKeyFile& file, std::string_view user) const {
-    if (user != file.user) return "the name is not that of the key";
+    if (!SameUtf8Name(user, file.user)) return "the name is not that of the key";
     return log.State().IsValidKeyOf(file.key, user) ? "" : "the key was not announced for this user, or has ended";
 }
 

@@ -24,10 +24,11 @@ ShownSignature Shown(const SignatureLog::Entry& entry) {
             .entryHash = entry.hash};
 }
 
-// An interrupted registering that was abandoned had a content of its own.
+// An interrupted registering that was abandoned had a content of its own. A signature of another content does not
+// count.
 bool IsAboutContent(const TrailEntry& entry) {
     using namespace trail_kind;
-    const std::string_view kinds[] = {kRegistered, kRecovered, kSignature, kVersionTakenOut};
+    const std::string_view kinds[] = {kRegistered, kRecovered, kVersionTakenOut};
     return std::ranges::find(kinds, entry.action) != std::end(kinds);
 }
 

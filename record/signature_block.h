@@ -31,7 +31,7 @@ struct QELLIB10_API SignatureBlock {
     RecordedVersion version = {};
     std::string installationKey = {};  ///< fingerprint of the key that has signed the version's entry
     std::vector<ShownSignature> signatures = {};
-    /// Whether the version has another content than its first entry says, or another one was registered or signed.
+    /// Whether the version has another content than its first entry says, or another one was registered or taken out.
     bool isChanged = false;
     std::string whyNotFinal = {};  ///< a sentence; empty if the version may be final by the rules
 

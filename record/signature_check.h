@@ -15,7 +15,7 @@ namespace qel {
 /// What can be wrong with the signatures of people in a trail.
 enum class SignatureFault {
     kMalformed,       ///< a line, a statement or a person's key that no writer writes
-    kPersonKey,       ///< a key is announced that somebody has already, or ended that is not the person's
+    kPersonKey,       ///< a key is announced that somebody has or has had, or ended that is not the person's
     kChanged,         ///< the statement is not what was signed
     kUnknownKey,      ///< signed with a key that was not announced for this user
     kEndedKey,        ///< signed with a key of the user that had ended
@@ -27,6 +27,9 @@ enum class SignatureFault {
     kSamePerson,      ///< one person has done two steps that need two people
     kOrder,           ///< approved before it was reviewed
     kChangedVersion,  ///< the version had another content before
+    kOtherName,       ///< the printed name is not the one that was announced with the key
+    kNotRegistered,   ///< no entry before has registered the version: announcing it (trail_kind::kRegistering) is not
+                      ///< enough
 };
 
 struct QELLIB10_API SignatureFinding {
@@ -53,7 +56,7 @@ struct QELLIB10_API SignatureReport {
 /// Run CheckTrail on the same file as well. That shows that the entries are those which were written: here they are
 /// taken as they are, also those that announce people's keys.
 ///
-/// It takes about 200 bytes of memory for each registered version and for each signature.
+/// It takes about 300 bytes of memory for each registered version and for each signature.
 /// @param path in the library's form
 /// @return 1 when the trail was read, whatever was found; 0 when it cannot be
 QELLIB10_API int CheckSignatures(std::string_view path, const SigningRules& rules, SignatureReport& report);

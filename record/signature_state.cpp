@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "qellib10/platform/error.h"
+#include "qellib10/platform/text/utf8_name.h"
 #include "qellib10/record/person_statement_text.h"
 #include "qellib10/record/text_forms.h"
 #include "qellib10/record/trail_kind.h"
@@ -18,10 +19,6 @@ template <std::size_t kSize> std::array<std::byte, kSize> BytesOf(std::string_vi
     return bytes;
 }
 
-bool HasName(const auto& names, std::string_view user) {
-    return std::ranges::any_of(names, [&](const auto& name) { return *name == user; });
-}
-
 bool IsAboutSame(const TrailEntry& entry, const PersonStatement& statement) {
     return entry.user == statement.user && entry.cabinet == statement.cabinet &&
            entry.cabinetVersion == statement.cabinetVersion && entry.size == statement.size &&
@@ -29,6 +26,16 @@ bool IsAboutSame(const TrailEntry& entry, const PersonStatement& statement) {
 }
 
 }  // namespace
+
+// Nobody where no entry that counts has named the user.
+SignatureState::Person SignatureState::Find(std::string_view user) const {
+    const auto found = m_names.find(FoldUtf8Name(user));
+    return found != m_names.end() ? &*found : nullptr;
+}
+
+SignatureState::Person SignatureState::Keep(std::string_view user) {
+    return &*m_names.insert(FoldUtf8Name(user)).first;
+}
 
 SignatureState::Place SignatureState::PlaceOf(std::string_view cabinet, std::uint64_t number) {
     std::string digits;
@@ -62,11 +69,12 @@ std::vector<SignatureProblem> SignatureState::TakePersonKey(const TrailEntry& en
     if (entry.user.empty()) throw DataError("a person's key is announced for nobody");
     const auto found = m_keys.find(key);
     const bool isThere = found != m_keys.end();
-    const bool isOwn = isThere && found->second.user == entry.user;
+    const bool isOwn = isThere && found->second.user == Find(entry.user);
     if (entry.action == trail_kind::kPersonKeyAdded) {
         if (isThere && !isOwn) return {{SignatureFault::kPersonKey, "the key is another person's"}};
-        if (isThere && found->second.isValid) return {{SignatureFault::kPersonKey, "the key was announced already"}};
-        m_keys[key] = {.user = entry.user};
+        // Also one that has ended: whoever has it now may be somebody else.
+        if (isThere) return {{SignatureFault::kPersonKey, "the key was announced already"}};
+        m_keys[key] = {.user = Keep(entry.user), .printedName = entry.after};
         return {};
     }
     if (!isOwn || !found->second.isValid) return {{SignatureFault::kPersonKey, "the key is none of this person's"}};
@@ -77,24 +85,15 @@ std::vector<SignatureProblem> SignatureState::TakePersonKey(const TrailEntry& en
 // A registration that was interrupted is finished by the next program: its user is not the author.
 std::vector<SignatureProblem> SignatureState::TakeRegistration(const TrailEntry& entry) {
     Version& version = m_versions[PlaceOf(entry.cabinet, entry.cabinetVersion)];
-    const bool isFirst = !version.isRegistered && !entry.user.empty();
-    if (isFirst && entry.action != trail_kind::kRecovered) version.registeredBy = m_names.insert(entry.user).first;
+    const bool isFirst = !version.sha256;
+    if (isFirst && !entry.user.empty() && entry.action != trail_kind::kRecovered)
+        version.registeredBy = Keep(entry.user);
     if (entry.action == trail_kind::kRegistering) return {};
     const auto sha256 = BytesOf<32>(entry.sha256);
-    const bool isOther = (version.isSigned || version.isRegistered) && version.sha256 != sha256;
-    if (!version.isRegistered) version.sha256 = sha256;  // the first one counts
-    version.isRegistered = true;
-    if (isOther) {
-        version.isChanged = true;
-        return {{SignatureFault::kChangedVersion, "the version has another content than before"}};
-    }
-    if (isFirst && HasApprovedOwn(version))
-        return {{SignatureFault::kSamePerson, "the user has approved what the same user registers"}};
-    return {};
-}
-
-bool SignatureState::HasApprovedOwn(const Version& version) const {
-    return !m_rules.authorMayApprove && version.registeredBy && HasName(version.approvedBy, **version.registeredBy);
+    if (isFirst) version.sha256 = sha256;
+    if (version.sha256 == sha256) return {};
+    version.isChanged = true;
+    return {{SignatureFault::kChangedVersion, "the version has another content than before"}};
 }
 
 std::vector<SignatureProblem> SignatureState::TakeSignature(const TrailEntry& entry) {
@@ -123,8 +122,11 @@ std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& 
     if (m_rules.mayGive && !m_rules.mayGive(statement.user, statement.meaning, time))
         problems.push_back({SignatureFault::kNotAllowed, "the user may not sign as " + statement.meaning});
     const Version& version = Found(PlaceOf(statement.cabinet, statement.cabinetVersion));
-    if (version.sha256 && *version.sha256 != BytesOf<32>(statement.sha256))
+    if (!version.sha256) {
+        problems.push_back({SignatureFault::kNotRegistered, "no entry has registered the version"});
+    } else if (*version.sha256 != BytesOf<32>(statement.sha256)) {
         problems.push_back({SignatureFault::kChangedVersion, "the version has another content than what is signed"});
+    }
     AddPeopleProblem(problems, statement, version);
     if (statement.meaning == signature_meaning::kApproved && m_rules.approvalNeedsReview && version.reviewedBy.empty())
         problems.push_back({SignatureFault::kOrder, "the version is approved before it was reviewed"});
@@ -134,24 +136,28 @@ std::vector<SignatureProblem> SignatureState::ProblemsOf(const PersonStatement& 
 void SignatureState::AddKeyProblem(Problems& problems, const PersonStatement& statement,
                                    const PersonPublicKey& key) const {
     const auto found = m_keys.find(key);
-    if (found == m_keys.end() || found->second.user != statement.user) {
+    if (found == m_keys.end() || found->second.user != Find(statement.user)) {
         problems.push_back({SignatureFault::kUnknownKey, "the key was not announced for this user"});
-    } else if (!found->second.isValid) {
-        problems.push_back({SignatureFault::kEndedKey, "the key has ended"});
+        return;
     }
+    const PersonKey& announced = found->second;
+    if (!announced.isValid) problems.push_back({SignatureFault::kEndedKey, "the key has ended"});
+    if (!announced.printedName.empty() && announced.printedName != statement.name)
+        problems.push_back({SignatureFault::kOtherName, "the key was announced with another printed name"});
 }
 
 void SignatureState::AddPeopleProblem(Problems& problems, const PersonStatement& statement,
                                       const Version& version) const {
     const auto find = [&](const char* text) { problems.push_back({SignatureFault::kSamePerson, text}); };
-    const bool hasApproved = HasName(version.approvedBy, statement.user);
-    const bool isAuthor =
-        HasName(version.authors, statement.user) || (version.registeredBy && **version.registeredBy == statement.user);
+    const Person user = Find(statement.user);
+    if (user == nullptr) return;  // they have done nothing yet
+    const bool hasApproved = version.approvedBy.contains(user);
+    const bool isAuthor = version.authors.contains(user) || version.registeredBy == user;
     const bool approves = statement.meaning == signature_meaning::kApproved;
     if (approves && isAuthor && !m_rules.authorMayApprove) find("an author may not approve");
     if (approves && hasApproved && m_rules.approvals > 1) find("the user has approved already");
     const bool reviews = statement.meaning == signature_meaning::kReviewed;
-    const bool isSecondStep = (approves && HasName(version.reviewedBy, statement.user)) || (reviews && hasApproved);
+    const bool isSecondStep = (approves && version.reviewedBy.contains(user)) || (reviews && hasApproved);
     if (isSecondStep && !m_rules.reviewerMayApprove) find("one person may not review and approve");
     if (reviews && isAuthor && !m_rules.authorMayReview) find("an author may not review");
     if (statement.meaning == signature_meaning::kAuthor && hasApproved && !m_rules.authorMayApprove)
@@ -160,29 +166,28 @@ void SignatureState::AddPeopleProblem(Problems& problems, const PersonStatement&
 
 void SignatureState::Count(const PersonStatement& statement) {
     Version& version = m_versions[PlaceOf(statement.cabinet, statement.cabinetVersion)];
-    const Name user = m_names.insert(statement.user).first;
-    version.isSigned = true;
-    if (!version.isRegistered) version.sha256 = BytesOf<32>(statement.sha256);
-    if (statement.meaning == signature_meaning::kAuthor && !HasName(version.authors, statement.user))
-        version.authors.push_back(user);
-    if (statement.meaning == signature_meaning::kApproved) version.approvedBy.push_back(user);
-    if (statement.meaning == signature_meaning::kReviewed) version.reviewedBy.push_back(user);
+    const Person user = Keep(statement.user);
+    if (statement.meaning == signature_meaning::kAuthor) version.authors.insert(user);
+    if (statement.meaning == signature_meaning::kApproved) version.approvedBy.insert(user);
+    if (statement.meaning == signature_meaning::kReviewed) version.reviewedBy.insert(user);
     if (statement.meaning == signature_meaning::kRejected) version.isRejected = true;
 }
 
 bool SignatureState::IsPerson(std::string_view user) const {
-    return std::ranges::any_of(m_keys, [&](const auto& key) { return key.second.user == user; });
+    const Person person = Find(user);
+    return std::ranges::any_of(m_keys, [person](const auto& key) { return key.second.user == person; });
 }
 
 bool SignatureState::IsValidKeyOf(const PersonPublicKey& key, std::string_view user) const {
     const auto found = m_keys.find(key);
-    return found != m_keys.end() && found->second.isValid && found->second.user == user;
+    return found != m_keys.end() && found->second.isValid && found->second.user == Find(user);
 }
 
 std::vector<PersonPublicKey> SignatureState::ValidKeysOf(std::string_view user) const {
+    const Person person = Find(user);
     std::vector<PersonPublicKey> keys;
-    for (const auto& [key, person] : m_keys) {
-        if (person.isValid && person.user == user) keys.push_back(key);
+    for (const auto& [key, announced] : m_keys) {
+        if (announced.isValid && announced.user == person) keys.push_back(key);
     }
     return keys;
 }
@@ -190,13 +195,11 @@ std::vector<PersonPublicKey> SignatureState::ValidKeysOf(std::string_view user) 
 std::string SignatureState::WhyNotFinal(const std::string& cabinet, std::uint64_t number) const {
     if (!IsCabinet(cabinet) || number == 0) throw DataError("a cabinet or a version is named wrongly");
     const Version& version = Found(PlaceOf(cabinet, number));
-    if (!version.isRegistered) return "the version was not registered";
-    if (version.isChanged) return "the version was changed after it was signed";
+    if (!version.sha256) return "the version was not registered";
+    if (version.isChanged) return "the version was changed after it was registered";
     if (version.isRejected) return "the version was rejected";
-    const auto approvals = std::ranges::count_if(version.approvedBy, [&](const Name& name) {
-        return m_rules.authorMayApprove || !version.registeredBy || *name != **version.registeredBy;
-    });
-    if (approvals >= static_cast<std::ptrdiff_t>(m_rules.approvals)) return "";
+    const std::size_t approvals = version.approvedBy.size();
+    if (approvals >= m_rules.approvals) return "";
     return std::to_string(approvals) + " of " + std::to_string(m_rules.approvals) + " approvals are there";
 }
 

@@ -42,6 +42,8 @@ public:
     /// this time.
     std::vector<SignatureProblem> ProblemsOf(const PersonStatement& statement, const PersonPublicKey& key,
                                              std::int64_t time) const;
+    // Names that differ in case only are one person's, as they are one account of a qel::UserStore.
+
     /// Whether a key was announced for the user, also one that has ended.
     bool IsPerson(std::string_view user) const;
     /// Whether a key was announced, also one that has ended.
@@ -53,18 +55,19 @@ public:
 
 private:
     using Problems = std::vector<SignatureProblem>;
-    using Names = std::set<std::string, std::less<>>;
-    using Name = Names::const_iterator;  // stays valid; a trail has few names and many versions
+    using Person = const std::string*;  // in m_names, where it stays: a trail has few names and many versions
+    using People = std::set<Person>;
 
     struct PersonKey {
-        std::string user;
+        Person user = nullptr;
+        std::string printedName = {};  // empty: the entry does not say it
         bool isValid = true;
     };
     struct Version {
-        std::optional<Sha256Digest> sha256;  // as registered, or as signed first
-        std::optional<Name> registeredBy;
-        bool isRegistered = false, isSigned = false, isChanged = false, isRejected = false;
-        std::vector<Name> authors, reviewedBy, approvedBy;
+        std::optional<Sha256Digest> sha256;  // as registered first; until then nobody can sign it
+        Person registeredBy = nullptr;
+        bool isChanged = false, isRejected = false;
+        People authors, reviewedBy, approvedBy;
     };
     using Place = std::pair<std::array<std::byte, 16>, std::uint64_t>;  // cabinet and version
 
@@ -74,12 +77,13 @@ private:
     void AddKeyProblem(Problems& problems, const PersonStatement& statement, const PersonPublicKey& key) const;
     void AddPeopleProblem(Problems& problems, const PersonStatement& statement, const Version& version) const;
     void Count(const PersonStatement& statement);
-    bool HasApprovedOwn(const Version& version) const;
+    Person Find(std::string_view user) const;
+    Person Keep(std::string_view user);
     static Place PlaceOf(std::string_view cabinet, std::uint64_t number);
     const Version& Found(const Place& place) const;
 
     SigningRules m_rules;
-    Names m_names;
+    std::set<std::string> m_names;  // without their case
     std::map<PersonPublicKey, PersonKey> m_keys;
     std::map<Place, Version> m_versions;
     std::set<std::array<std::byte, 16>> m_nonces;

@@ -1,6 +1,7 @@
 #include "qellib10/record/signing.h"
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/text/utf8_name.h"
 #include "qellib10/record/person_statement_text.h"
 #include "qellib10/record/refusals.h"
 #include "qellib10/record/signature_log.h"
@@ -126,7 +127,7 @@ PersonStatement Signing::State::StatementOf(const SigningRequest& request) const
 }
 
 std::string Signing::State::WhyRefused(const PersonStatement& statement, std::optional<std::string_view> user) const {
-    if (user && *user != statement.user) return "the name is not that of the key";
+    if (user && !SameUtf8Name(*user, statement.user)) return "the name is not that of the key";
     const auto problems =
         log.State().ProblemsOf(statement, PersonPublicKey::OfText(person->PublicKey()), statement.time);
     return problems.empty() ? "" : problems.front().text;

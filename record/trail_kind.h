@@ -36,9 +36,11 @@ inline constexpr std::string_view kVersionTakenOut = "version taken out";
 inline constexpr std::string_view kReportPrinted = "report printed";
 inline constexpr std::string_view kExport = "export";
 inline constexpr std::string_view kPersonKeyChanging =
-    "person key changing";  ///< object: the person; before and after: the person's old and new key; nothing yet
+    "person key changing";  ///< object: the person; before: the old key; after: the new one, a blank and the name that
+                            ///< is printed; nothing yet
 inline constexpr std::string_view kPersonKeyAdded =
-    "person key added";  ///< object: as PersonSigner::PublicKey, with which the user may sign from now on
+    "person key added";  ///< object: as PersonSigner::PublicKey, with which the user may sign from now on, never
+                         ///< again after its end; after: PersonSigner::PrintedName, or empty: then any name is printed
 inline constexpr std::string_view kPersonKeyEnded = "person key ended";  ///< the same, which may not from now on
 inline constexpr std::string_view kSignature = "signature";              ///< statement: what the user has signed
 inline constexpr std::string_view kSignatureRefused = "signature refused";

@@ -1,6 +1,7 @@
 #include "qellib10/platform/text/multibyte.h"
 
 #include "../support/test.h"
+#include "qellib10/platform/text/utf8_name.h"
 
 using namespace std::string_view_literals;
 
@@ -41,4 +42,21 @@ TEST(Multibyte, NamesDifferByMoreThanCase) {
         EXPECT_EQ(qel::SameName(a, b), same);
         EXPECT_EQ(qel::FoldName(a) == qel::FoldName(b), same);
     }
+}
+
+TEST(Multibyte, NamesInUtf8AreTheSameWhereThoseInTheCodePageAre) {
+    const CodePageScope japanese(932);
+    for (int lead = 0; lead < 256; ++lead) {
+        for (int trail = 0x40; trail < 256; ++trail) {
+            const bool isWide = qel::IsLeadByte(static_cast<unsigned char>(lead), 932);
+            const std::string name = isWide ? std::string{static_cast<char>(lead), static_cast<char>(trail)}
+                                            : std::string{static_cast<char>(lead)};
+            EXPECT_EQ(qel::FoldUtf8Name(qel::ToUtf8(name)), qel::ToUtf8(qel::FoldName(name))) << lead << ' ' << trail;
+            if (!isWide) break;
+        }
+    }
+    EXPECT_TRUE(qel::SameUtf8Name("\xD0\x81mori", "\xD1\x91MORI"));
+    for (const auto& [a, b] :
+         Cases<const char*, const char*>{{"mori", "mori "}, {"\xC3", "\xC4"}, {"\xC3\x89", "\xC3\xA9"}})
+        EXPECT_FALSE(qel::SameUtf8Name(a, b)) << a;
 }

@@ -215,6 +215,7 @@ TEST(PersonSshSignature, IsAcceptedIfSshKeygenAcceptsItAndItHasTheOneForm) {
 
 TEST(PersonSshSignature, OfAKeyInAnAgentOrADeviceCountsInATrail) {
     People people;
+    people.Do("kato registers");
     MakeToken(people);
     In(people,
        "ssh-keygen -q -t ecdsa -N '' -f p256; ssh-keygen -q -t ed25519 -N '' -f ed; "

@@ -119,9 +119,9 @@ TEST(QelKey, KeysOfPeopleAndOfTheInstallationChangeByEntries) {
         entered += made.user + ' ' + made.action + ' ' + made.after.substr(0, 11) + ' ' + made.reason + '|';
     }
     EXPECT_EQ(entered,
-              "kato person key changing ssh-ed25519 because|sato person key added  because|"
+              "kato person key changing ssh-ed25519 because|sato person key added Sato Ken because|"
               "kato person key changing ssh-ed25519 because|sato person key ended  because|"
-              "sato person key added  because|kato person key changing  because|sato person key ended  because|"
+              "sato person key added Sato Ken because|kato person key changing  because|sato person key ended  because|"
               "kato key added  because|kato key ended  because|kato key added  because|kato key revoked 7 because|");
     EXPECT_EQ(folder.Findings(folder.CheckWithHead()), "");
 }

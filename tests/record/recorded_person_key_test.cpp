@@ -40,12 +40,13 @@ TEST(RecordedPersonKey, KeysAndPasswordsChangeByEntries) {
     ASSERT_EQ(key.Open(people.Name("k")), 1);
     const std::string first = key.PublicKey(), last4 = End(first);
     EXPECT_EQ(EntriesAfter(people, 4), "person key changing kato ota|person key added ota " + last4 + '|');
-    EXPECT_EQ(Line({people.Entry(5).after == first, people.Entry(5).reason, people.Entry(6).reason}),
-              "1 new colleague new colleague");
+    EXPECT_EQ(Line({people.Entry(5).after == first + " Ota", people.Entry(5).reason, people.Entry(6).after,
+                    people.Entry(6).reason}),
+              "1 new colleague Ota new colleague");
     EXPECT_EQ(ota.Make("ota", "Ota", "one", "kato", "again"), 0);
     EXPECT_EQ(qel::LastFailure().text, "the file of a person's key exists already");
 
-    EXPECT_EQ(ota.ChangePassword("ota", "one", "two"), 1) << qel::LastFailure().text;
+    EXPECT_EQ(ota.ChangePassword("Ota", "one", "two"), 1) << qel::LastFailure().text;
     EXPECT_EQ(EntriesAfter(people, 6), "password changed ota " + last4 + '|');
     EXPECT_NO_THROW(key.Sign("x", "two"));
 

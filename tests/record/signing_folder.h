@@ -2,6 +2,7 @@
 
 #include "trail_folder.h"
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -40,7 +41,8 @@ public:
     }
 
     /// Steps such as "mori +14, mori -11, mori registers, sato begins, sato recovers, mori registers abd, mori author,
-    /// sato:14 approved": announces and ends keys, registers "abc" or something else, and signs, also with another key.
+    /// sato:14 approved, ota +14 Mori_Akiko": announces and ends keys, also with a printed name, registers "abc" or
+    /// something else, and signs, also with another key.
     void Do(const std::string& steps) {
         std::istringstream all(steps);
         for (std::string step; std::getline(all >> std::ws, step, ',');) {
@@ -79,8 +81,9 @@ public:
     }
     /// Each finding with its entry, such as "same 7".
     std::string Found(const qel::SigningRules& rules = {}) const {
-        constexpr const char* kNames[] = {"malformed", "key",   "changed", "unknown", "ended", "repeated",
-                                          "trail",     "entry", "allowed", "same",    "order", "version"};
+        constexpr const char* kNames[] = {"malformed", "key",     "changed", "unknown", "ended",
+                                          "repeated",  "trail",   "entry",   "allowed", "same",
+                                          "order",     "version", "name",    "register"};
         qel::SignatureReport report;
         EXPECT_EQ(qel::CheckSignatures(Name("t"), rules, report), 1) << qel::LastFailure().text;
         std::string found;
@@ -105,7 +108,10 @@ private:
         const bool isKey = what[0] == '+' || what[0] == '-';
         qel::TrailRecord record = Record(kind, isKey ? ByteSigner(std::stoi(what.substr(1))).PublicKey() : "");
         record.user = user;
-        if (!isKey) {
+        if (isKey) {
+            record.after = content == "abc" ? "" : content;
+            std::ranges::replace(record.after, '_', ' ');
+        } else {
             record.cabinet = kCabinet;
             record.cabinetVersion = 2;
             record.size = content.size();

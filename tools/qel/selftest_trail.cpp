@@ -67,20 +67,34 @@ void RemoveLast(std::string& text) {
     text.resize(text.rfind('\n', text.size() - 2) + 1);
 }
 
+// A version that can be signed.
+qel::SigningRequest Registered(const std::string& folder, qel::Trail& trail) {
+    std::ofstream(folder + "/version", std::ios::binary) << "1";
+    qel::RecordedCabinet cabinet(
+        trail, {.cabinetPath = InFolder(folder, "signed.hcf"), .recordPath = InFolder(folder, "signed.qel")});
+    const bool isThere =
+        cabinet.Open() != 0 && cabinet.Register(InFolder(folder, "version"), "selftest", "").has_value();
+    const auto versions = isThere ? cabinet.List() : std::nullopt;
+    if (!versions || versions->size() != 1) throw Failure(Why("no version is registered"));
+    return {.cabinet = cabinet.Guid(),
+            .cabinetVersion = 1,
+            .size = versions->front().size,
+            .sha256 = versions->front().sha256,
+            .meaning = std::string(qel::signature_meaning::kReviewed)};
+}
+
 std::string Signature(const std::string& folder) {
     qel::Trail trail(Settings(folder), Key(folder));
     auto person = std::make_shared<qel::PersonKey>();
     if (trail.Open() == 0 || person->Make(InFolder(folder, "person"), "selftest", "Self Test", "violet") == 0)
         throw Failure(Why("no person's key can be made"));
-    const qel::TrailRecord added{
-        .user = "selftest", .action = std::string(qel::trail_kind::kPersonKeyAdded), .object = person->PublicKey()};
+    const qel::TrailRecord added{.user = "selftest",
+                                 .action = std::string(qel::trail_kind::kPersonKeyAdded),
+                                 .object = person->PublicKey(),
+                                 .after = person->PrintedName()};
     if (!trail.Append(added)) throw Failure(Why("the trail takes no key"));
     qel::Signing signing(trail, person, {});
-    const qel::SigningRequest request{.cabinet = "{01234567-89AB-4DEF-8123-456789ABCDEF}",
-                                      .cabinetVersion = 1,
-                                      .size = 1,
-                                      .sha256 = std::string(64, '0'),
-                                      .meaning = std::string(qel::signature_meaning::kReviewed)};
+    const qel::SigningRequest request = Registered(folder, trail);
     const bool isRefused = !signing.Sign(request, "selftest", "indigo");
     const bool isSigned = signing.Sign(request, "selftest", "violet").has_value();
     qel::SignatureReport report;

@@ -23,6 +23,8 @@ constexpr Kind kKinds[] = {
     {"same person", kAgainstRules},
     {"order", kAgainstRules},
     {"changed version", kAgainstRules},
+    {"other name", kBadSignature},
+    {"not registered", kAgainstRules},
 };
 
 const Kind& KindOf(const qel::SignatureFinding& finding) { return kKinds[static_cast<std::size_t>(finding.fault)]; }
