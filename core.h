@@ -26,6 +26,7 @@
 #include "qellib10/file/private_profile.h"
 #include "qellib10/file/q_csv_file.h"
 #include "qellib10/file/q_file.h"
+#include "qellib10/file/spreadsheet_text.h"
 #include "qellib10/platform/archive/archive.h"
 #include "qellib10/platform/archive/archive_exception.h"
 #include "qellib10/platform/archive/object.h"

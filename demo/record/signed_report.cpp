@@ -17,11 +17,6 @@ namespace {
 
 constexpr const char* kExported = "versions.csv";
 
-// A spreadsheet would compute what starts like a formula.
-std::string AsText(const std::string& text) {
-    return !text.empty() && std::string_view("=+-@'").find(text[0]) != std::string_view::npos ? '\'' + text : text;
-}
-
 void WriteVersions(CQCSVFile& file, const std::vector<qel::RecordedVersion>& versions) {
     const auto line = [&](const std::vector<std::string>& fields) {
         for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -32,9 +27,9 @@ void WriteVersions(CQCSVFile& file, const std::vector<qel::RecordedVersion>& ver
     };
     line({"version", "user", "UTC", "reason", "bytes", "SHA-256", "entry", "as recorded"});
     for (const qel::RecordedVersion& version : versions)
-        line({std::to_string(version.version), AsText(version.user), qel::TrailTimeText(version.time),
-              AsText(version.reason), std::to_string(version.size), version.sha256, std::to_string(version.entry),
-              version.IsFinding() ? "no" : "yes"});
+        line({std::to_string(version.version), qel::SpreadsheetText(version.user), qel::TrailTimeText(version.time),
+              qel::SpreadsheetText(version.reason), std::to_string(version.size), version.sha256,
+              std::to_string(version.entry), version.IsFinding() ? "no" : "yes"});
 }
 
 // The signatures are about the report that is printed with them.

@@ -55,14 +55,11 @@ void WriteJson(Writer& to, CheckedEntries& entries, const qel::TrailReport& repo
     to.Write("\n]}\n");
 }
 
-// A spreadsheet takes a text that starts like a formula for one, and carries it out. A mark before it prevents that; a
-// text that has the mark gets another one, so it can be taken off again.
 std::string Field(const Json& value) {
     if (!value.is_string()) return value.is_null() ? "" : value.dump();
-    const std::string text = Shown(value.get<std::string>());
     std::string field = "\"";
-    if (!text.empty() && std::string_view("=+-@'").find(text[0]) != std::string_view::npos) field += '\'';
-    for (const char c : text) field += c == '"' ? "\"\"" : std::string(1, c);
+    for (const char c : qel::SpreadsheetText(Shown(value.get<std::string>())))
+        field += c == '"' ? "\"\"" : std::string(1, c);
     return field + '"';
 }
 
