@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "qellib10/platform/export.h"
 
@@ -16,6 +17,9 @@ enum class RecordedState {
     kInterrupted,  ///< only the start of its registering was recorded, with other content than the cabinet has
     kMissing,      ///< it was recorded and is not in the cabinet
 };
+
+/// What is wrong with a version of this state, to follow "version 3: ". Empty for the first two states.
+QELLIB10_API std::string_view StateText(RecordedState state);
 
 /// A version of a cabinet, with the first entry that says that it was registered. Texts are UTF-8. Without such an
 /// entry they are empty, and the numbers but for `version` and `size` are 0.

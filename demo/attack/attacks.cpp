@@ -170,11 +170,11 @@ void AddAttacksOnVersions(std::vector<Attack>& all) {
         cabinet.versions.back() = SealedAgain(archive);
         archive.Write(kCabinet, cabinet.Bytes());
     });
-    add("the last version removed", "is missing",
+    add("the last version removed", "was registered, and is not there",
         OnCabinet([](ForgedCabinet& cabinet) { cabinet.versions.pop_back(); }));
     add("two versions exchanged", "is not what was registered",
         OnCabinet([](ForgedCabinet& cabinet) { std::swap(cabinet.versions.at(0), cabinet.versions.at(1)); }));
-    add("a version added without an entry", "was never recorded",
+    add("a version added without an entry", "no entry announced it",
         OnCabinet([](ForgedCabinet& cabinet) { cabinet.versions.push_back(cabinet.versions[0]); }));
     add("another cabinet put in its place", "is missing",
         OnCabinet([](ForgedCabinet& cabinet) { cabinet.guid = std::string(16, 'x'); }));

@@ -75,7 +75,8 @@ std::string Sign(const std::string& meaning, DWORD version, const std::string& p
     RequireMeaning(meaning);
     const qel::RecordedVersion recorded = history.Recorded(version);
     About(JobName(version), [&] { made.RequireAsMade(JobName(version)); });
-    if (recorded.IsFinding()) throw Failure("version " + std::to_string(version) + " is not what was registered");
+    if (recorded.IsFinding())
+        throw Failure("version " + std::to_string(version) + ": " + std::string(qel::StateText(recorded.state)));
     const std::shared_ptr<qel::PersonKey> key = OpenKey(installation.PersonKeyPath(session.Operator()));
     const std::optional<qel::FileHash> report = qel::HashFile(made.Path(JobName(version)));
     if (!report) throw Failure(JobName(version) + ": " + Why("cannot be read"));

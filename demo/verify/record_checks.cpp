@@ -13,25 +13,11 @@ using Findings = std::vector<std::string>;
 
 constexpr std::int64_t kLargestStep = 2000;  // ms, by which a time server may correct a clock
 
-const char* Sentence(qel::RecordedState state) {
-    switch (state) {
-        case qel::RecordedState::kChanged:
-            return " is not what was registered";
-        case qel::RecordedState::kUnrecorded:
-            return " was never recorded";
-        case qel::RecordedState::kInterrupted:
-            return " was being registered with another content";
-        case qel::RecordedState::kMissing:
-            return " is missing";
-        default:
-            return "";
-    }
-}
-
 void AddFindings(Findings& findings, const std::vector<qel::RecordedVersion>& versions) {
     for (const qel::RecordedVersion& version : versions) {
         if (version.IsFinding())
-            findings.push_back("version " + std::to_string(version.version) + Sentence(version.state));
+            findings.push_back("version " + std::to_string(version.version) + ": " +
+                               std::string(qel::StateText(version.state)));
     }
 }
 

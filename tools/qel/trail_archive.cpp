@@ -23,25 +23,25 @@ bool IsCabinet(const std::string& path) {
     return qel::KindOfCabinetFile({start.data(), size}) == qel::CabinetFileKind::kCabinet;
 }
 
+Status StatusOf(qel::RecordedState state) {
+    switch (state) {
+        case qel::RecordedState::kChanged:
+            return kVersionChanged;
+        case qel::RecordedState::kUnrecorded:
+            return kNeverRecorded;
+        case qel::RecordedState::kInterrupted:
+            return kVersionInterrupted;
+        case qel::RecordedState::kMissing:
+            return kVersionMissing;
+        default:
+            return kGood;
+    }
+}
+
 struct Meaning {
     Status status;
     const char* detail;
 };
-
-Meaning MeaningOf(qel::RecordedState state) {
-    switch (state) {
-        case qel::RecordedState::kChanged:
-            return {kVersionChanged, "is not what was registered"};
-        case qel::RecordedState::kUnrecorded:
-            return {kNeverRecorded, "no entry announced it"};
-        case qel::RecordedState::kInterrupted:
-            return {kVersionInterrupted, "its registering was interrupted"};
-        case qel::RecordedState::kMissing:
-            return {kVersionMissing, "was registered, and is not there"};
-        default:
-            return {kGood, ""};
-    }
-}
 
 Meaning MeaningOf(qel::RecordedFile::State state) {
     switch (state) {
@@ -95,11 +95,11 @@ public:
     void Take(const std::string& cabinet, const qel::RecordedVersion& version) {
         if (version.state != qel::RecordedState::kMissing) ++m_report.versions;
         if (!version.IsFinding()) return;
-        const Meaning meaning = MeaningOf(version.state);
-        m_worst = std::max(m_worst, meaning.status);
+        const Status status = StatusOf(version.state);
+        m_worst = std::max(m_worst, status);
         ++m_report.findingCount;
         if (m_report.findings.size() < ArchiveReport::kMostOfACabinet)
-            m_report.findings.push_back({m_file, meaning.status, cabinet, version, meaning.detail});
+            m_report.findings.push_back({m_file, status, cabinet, version, std::string(qel::StateText(version.state))});
     }
 
     ArchiveReport End(const std::string& cabinet) {
