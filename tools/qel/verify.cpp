@@ -2,13 +2,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <optional>
 
 #include <fnmatch.h>
 
-#include "checked_file.h"
 #include "tree.h"
+#include "verify_report.h"
 #include "workers.h"
 #ifdef QEL_WITH_TRAIL
 #include "resume.h"
@@ -23,7 +22,7 @@ namespace {
 struct Options {
     std::vector<std::string> paths, sealed;
     unsigned jobs = Processors();
-    bool all = false, strict = false, json = false;
+    VerifyOutput output;
 #ifdef QEL_WITH_TRAIL
     std::string resume;
     ListOptions lists;
@@ -87,63 +86,10 @@ void CheckAll(std::vector<CheckedFile>& files, const Options& options, const Che
     });
 }
 
-std::string Line(const CheckedFile& file) {
-    const FileReport& report = file.report;
-    std::string line = Shown(file.path) + ": " + NameOf(report.finding);
-    if (report.isSealed || (!report.kind.empty() && report.kind != "data"))
-        line += std::string(report.isSealed ? ", sealed " : ", ") + report.kind;
-    return line + ": " + report.detail + '\n';
-}
-
-struct Results {
-    std::vector<CheckedFile> files;
-    std::size_t passed = 0;
-#ifdef QEL_WITH_TRAIL
-    std::vector<VerifiedArchive> archives;
-#endif
-};
-
-std::map<Status, int> CountsOf(const std::vector<CheckedFile>& files) {
-    std::map<Status, int> counts;
-    for (const CheckedFile& file : files) ++counts[file.report.finding];
-    return counts;
-}
-
-void Write(const Results& results, const Options& options) {
-    const std::vector<CheckedFile>& files = results.files;
-    Json json{{"files", Json::array()}, {"summary", {{"files", files.size()}}}};
-    std::string text;
-    for (const CheckedFile& file : files) {
-        const FileReport& report = file.report;
-        const bool isFinding = report.finding >= (options.strict ? kUnknown : kRenamed);
-        if (!isFinding && !file.isNamed && !options.all) continue;
-        text += Line(file);
-        json["files"].push_back({{"file", file.path},
-                                 {"finding", NameOf(report.finding)},
-                                 {"status", static_cast<int>(report.finding)},
-                                 {"kind", report.kind},
-                                 {"sealed", report.isSealed},
-                                 {"detail", report.detail}});
-    }
-#ifdef QEL_WITH_TRAIL
-    for (const VerifiedArchive& archive : results.archives) text += VerifiedText(archive.chains, archive.archive);
-    json["archives"] = ArchivesJson(results.archives);
-#endif
-    const std::map<Status, int> counts = CountsOf(files);
-    text += std::to_string(files.size()) + (files.size() == 1 ? " file" : " files");
-    for (const auto& [finding, count] : counts) {
-        text += (finding == counts.begin()->first ? ": " : ", ") + std::to_string(count) + ' ' + NameOf(finding);
-        json["summary"][NameOf(finding)] = count;
-    }
-    if (results.passed > 0) text += ", " + std::to_string(results.passed) + " not read again";
-    json["summary"]["notReadAgain"] = results.passed;
-    options.json ? Print(json) : Print(text + '\n');
-}
-
 Status WorstOf(const std::vector<CheckedFile>& files, const Options& options) {
     Status status = kGood;
     for (const CheckedFile& file : files) {
-        const bool isCounted = file.report.finding != kUnknown || file.isNamed || options.strict;
+        const bool isCounted = file.report.finding != kUnknown || file.isNamed || options.output.strict;
         if (isCounted && IsFinding(file.report.finding)) status = std::max(status, file.report.finding);
     }
     return status;
@@ -152,7 +98,7 @@ Status WorstOf(const std::vector<CheckedFile>& files, const Options& options) {
 #ifdef QEL_WITH_TRAIL
 // Whoever knows a trail from elsewhere expects one. The installation's own trust is about archives, not about each
 // file.
-void RequireTrail(Results& results, const ToCheck& given, const Options& options) {
+void RequireTrail(VerifyResults& results, const ToCheck& given, const Options& options) {
     const AnchorOptions& anchors = options.trails.anchors;
     if (anchors.AreThere() && results.archives.empty() && given.folders.empty())
         results.files.push_back({options.paths[0], false, {"", false, kMissing, "has no trail"}});
@@ -172,13 +118,13 @@ Status Verify(const Options& options) {
     TrailOptions trails = options.trails;
     trails.jobs = options.jobs;
     trails.resume = resume ? &*resume : nullptr;
-    Results results;
+    VerifyResults results;
     results.files = std::move(given.files);
     results.archives = VerifyTrails(results.files, trails);
     RequireTrail(results, given, options);
     if (options.lists.AreThere()) UseLists(results.files, given.others, options.paths[0], options.lists);
     results.passed = resume ? resume->Passed() : 0;
-    Write(results, options);
+    PrintVerified(results, options.output);
     Status status = WorstOf(results.files, options), loose = kGood;
     for (const VerifiedArchive& archive : results.archives) {
         const Status worst = archive.Worst();
@@ -206,9 +152,9 @@ void AddTrailOptions(CLI::App& command, Options& options) {
 Status Verify(const Options& options) {
     ToCheck given(options.paths);
     CheckAll(given.files, options, CheckFile);
-    Results results;
+    VerifyResults results;
     results.files = std::move(given.files);
-    Write(results, options);
+    PrintVerified(results, options.output);
     return WorstOf(results.files, options);
 }
 #endif
@@ -224,8 +170,8 @@ void AddVerify(CLI::App& app, Status& status) {
     command->add_option("-j,--jobs", options->jobs, "Files that are checked at the same time")
         ->transform(WholeNumber(1, 256))
         ->type_name("N");
-    command->add_flag("--all", options->all, "List intact files of folders, too");
-    command->add_flag("--strict", options->strict, "A file of an unknown kind is a finding in folders, too");
+    command->add_flag("--all", options->output.all, "List intact files of folders, too");
+    command->add_flag("--strict", options->output.strict, "A file of an unknown kind is a finding in folders, too");
     command->add_option("--sealed", options->sealed, "Files that have to be sealed: a name or a path with * and ?")
         ->allow_extra_args(false)
         ->type_name("GLOB");
@@ -235,7 +181,7 @@ void AddVerify(CLI::App& app, Status& status) {
 #else
     const std::string more;
 #endif
-    command->add_flag("--json", options->json, "Write JSON");
+    command->add_flag("--json", options->output.json, "Write JSON");
     command->footer(
         "Exit status: 0 all is intact; of several findings the highest:\n"
         "  3  unknown       a file of an unknown kind (in folders only with --strict)\n"
