@@ -3,8 +3,6 @@
 #include <utility>
 
 #include "qellib10/platform/crypto/secret_text.h"
-#include "qellib10/platform/crypto/token.h"
-#include "qellib10/platform/storage/private_file.h"
 #include "qellib10/platform/text/secret_utf8.h"
 #include "qellib10/store/attempts.h"
 #include "qellib10/store/logon_turn.h"
@@ -14,7 +12,6 @@ namespace qel {
 namespace {
 
 constexpr int kMaximumPrompts = 3;
-constexpr std::size_t kLongestToken = 256;  // bytes of its file
 
 // Returns what is stored then; the old one if another program has set another password meanwhile.
 PasswordHash HashAgain(Database& database, UserId user, const PasswordHash& old, std::string_view password,
@@ -145,64 +142,6 @@ CString UserStore::GetLogonUsername() {
     GetLogonUser(&user);
     running.TakeOver();
     return user.GetUsername();
-}
-
-int UserStore::IsAutoLogon() {
-    const std::optional<int> isOn = m_state->ResultOf("qel::UserStore::IsAutoLogon", [&] {
-        return std::optional(ReadAutomaticLogon(m_state->Opened()).isOn);  // off is not a failure
-    });
-    return isOn.value_or(0);
-}
-
-int UserStore::SetAutoLogon(int autoLogon) {
-    return m_state->ResultOf("qel::UserStore::SetAutoLogon", [&] {
-        Database& database = m_state->Opened();
-        Transaction transaction(database);
-        const bool wasOn = ReadAutomaticLogon(database).isOn != 0;
-        SwitchAutomaticLogon(database, autoLogon);
-        if (wasOn != (autoLogon != 0))
-            m_state->Report({AccountEvent::kAutomaticLogonChanged,
-                             m_state->Actor(),
-                             {},
-                             {},
-                             wasOn ? "on" : "off",
-                             wasOn ? "off" : "on"});
-        transaction.Commit();
-        return 1;
-    });
-}
-
-CString UserStore::GetAutoLogonUserName() {
-    return m_state->ResultOf("qel::UserStore::GetAutoLogonUserName", [&] {
-        Database& database = m_state->Opened();
-        const auto user = ReadUser(database, ReadAutomaticLogon(database).user);
-        return user ? user->GetUsername() : CString();
-    });
-}
-
-CString UserStore::GetAutoLogonPassword() {
-    return m_state->ResultOf("qel::UserStore::GetAutoLogonPassword", [&] {
-        const AutomaticLogon automatic = ReadAutomaticLogon(m_state->Opened());
-        const SecretText token(ReadPrivateFile(m_state->TokenPath(), kLongestToken));
-        if (automatic.user == kNobody || !IsSame(DigestOf(token.View()), automatic.token))
-            throw StoreError(FailureKind::kMissing, "the file does not hold the valid token");
-        return CString(token.View());
-    });
-}
-
-// The token's file changes last, after the entry. When that is done but the commit fails, the old token is lost: the
-// logon asks then.
-int UserStore::SetAutoLogonUser(const CString& username) {
-    std::optional<SecretText> token;
-    const auto change = [&] {
-        Database& database = *m_state->database;
-        if (username.IsEmpty()) return StoreAutomaticUser(database, kNobody, {});
-        token.emplace(NewToken());
-        StoreAutomaticUser(database, m_state->Existing(username), DigestOf(token->View()));
-    };
-    return m_state->ChangeAccounts("qel::UserStore::SetAutoLogonUser", username, change, [&] {
-        token ? WritePrivateFile(m_state->TokenPath(), token->View()) : RemovePrivateFile(m_state->TokenPath());
-    });
 }
 
 }  // namespace qel

@@ -48,8 +48,8 @@ struct UserStoreState;
 /// so recording must not take long. A refused logon counts against the user also if it cannot be
 /// recorded.
 ///
-/// Logging on and automatic logon are in user_logon.cpp, what is about passwords in password_change.cpp, everything
-/// else in user_store.cpp.
+/// Logging on is in user_logon.cpp, automatic logon in automatic_logon.cpp, what is about passwords in
+/// password_change.cpp, everything else in user_store.cpp.
 class QELLIB10_API UserStore : public CClassAgentConnectInterface {
 public:
     /// @param path in the library's form; opened by Connect
