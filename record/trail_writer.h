@@ -21,7 +21,7 @@ namespace qel {
 /// What is after the head's entry belongs to a writer that was interrupted, or to one that has not flushed yet: whole
 /// entries that follow are taken up, a torn one is set aside.
 ///
-/// Current and what it calls, up to SetAside, are in trail_end.cpp.
+/// Open and what only it calls are in trail_start.cpp; Current and what it calls, up to SetAside, in trail_end.cpp.
 class TrailWriter {
 public:
     TrailWriter(TrailSettings settings, std::shared_ptr<Signer> signer,
