@@ -14,8 +14,7 @@ class CheckedEntries {
 public:
     /// @throws Failure
     CheckedEntries(const std::string& trail, const qel::TrailReport& report);
-    /// @param last the last one that was checked, of a trail without findings; with number 0 all entries are taken as
-    /// they are. @throws Failure
+    /// @param last the last one that counts; number 0: none does. @throws Failure
     CheckedEntries(const std::string& trail, const qel::TrailReceipt& last);
 
     /// The next entry. @throws Failure when the trail is not the one that was checked
@@ -26,11 +25,11 @@ public:
     std::uint64_t Passed() const { return m_passed; }
 
 private:
-    CheckedEntries(const std::string& trail, std::optional<std::uint64_t> count, const std::string& head);
+    CheckedEntries(const std::string& trail, std::uint64_t count, const std::string& head);
 
     std::string m_trail;
-    std::optional<std::uint64_t> m_count;  // of lines; nothing: up to the end
-    std::string m_head;                    // hash of the last one; empty: they do not follow each other
+    std::uint64_t m_count;  // of lines
+    std::string m_head;     // hash of the last one; empty: they do not follow each other
     std::string m_previous = std::string(64, '0');
     qel::TrailReader m_reader;
     std::uint64_t m_lines = 0, m_passed = 0;
