@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -10,7 +11,7 @@ namespace qel {
 
 /// The key that is to take the place of a person's key: a file next to it, with ".next" in its name. It is on the disk
 /// before the trail announces the key, and goes after the key is in its place. While an object has it, no other one
-/// changes the person's key, in any program. Everything throws CFileException.
+/// changes the person's key or its password, in any program. Everything throws CFileException.
 class NextPersonKey {
 public:
     /// @throws CFileException 33 when another program has it for half a minute
@@ -28,9 +29,13 @@ public:
     void Forget();
 
 private:
+    using Time = std::chrono::steady_clock::time_point;
+
+    bool Take(Time end);
+
     const std::string m_path;
-    GuardedFile m_file;
-    GuardedFile::Lock m_lock;
+    std::optional<GuardedFile> m_file;
+    std::optional<GuardedFile::Lock> m_lock;
 };
 
 }  // namespace qel

@@ -1,6 +1,7 @@
 #include "qellib10/record/person_key.h"
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/record/next_person_key.h"
 #include "qellib10/record/person_key_file.h"
 
 namespace qel {
@@ -56,11 +57,15 @@ int PersonKey::ChangePassword(std::string_view oldPassword, std::string_view new
         if (m_state == nullptr) return Refuse(FailureKind::kState, "", "no person's key is open");
         PersonKeyFile::RequireUsable(newPassword);
         try {
+            const NextPersonKey turn(m_state->path);
             PersonKeyFile file = m_state->Current();
+            const std::string before = file.Text();
             const SecretBytes seed = OpenedSeed(file, oldPassword);
             Replacement changed(m_state->path, kPersonKeyMode);
             file.Close(seed, newPassword);
             WriteTo(changed, file, m_state->path);
+            // Whoever puts a file there without the turn, such as from a backup, has not waited.
+            if (m_state->Current().Text() != before) throw DataError("the file was changed meanwhile");
             changed.Commit();
             return 1;
         } catch (const WrongPassword& wrong) {

@@ -41,7 +41,9 @@ public:
     /// @return 1, or 0 and there is no key
     int Open(std::string_view path);
     /// Tries are not limited and leave no entry: qel::RecordedPersonKey changes the password of a person who signs in a
-    /// trail. The key stays the same. Whatever interrupts it, the file is the old one or the new one.
+    /// trail. The key stays the same. Whatever interrupts it, the file is the old one or the new one. It waits, for
+    /// half a minute at most, while somebody else changes the password, or gives the person another key.
+    /// @return 0 also if the file has another key by now
     int ChangePassword(std::string_view oldPassword, std::string_view newPassword);
 
     std::string User() const override;

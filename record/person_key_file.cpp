@@ -7,14 +7,30 @@
 #include "qellib10/record/person_signer.h"
 
 namespace qel {
+namespace {
+
+PersonKeyFile Read(const GuardedFile& file) {
+    if (file.Size() > PersonKeyFile::kLongestFile) throw DataError("the file is too long for a person's key");
+    std::string content(static_cast<std::size_t>(file.Size()), '\0');
+    content.resize(file.ReadAt(std::as_writable_bytes(std::span(content)), 0));
+    return PersonKeyFile::OfText(content);
+}
+
+}  // namespace
 
 PersonKeyFile ReadPersonKeyFile(const std::string& path) {
     const GuardedFile file(path, GuardedFile::Use::kRead);
     if (!file.IsPrivate()) throw DataError("the person's key is not this user's alone: its mode has to be 0600");
-    if (file.Size() > PersonKeyFile::kLongestFile) throw DataError("the file is too long for a person's key");
-    std::string text(static_cast<std::size_t>(file.Size()), '\0');
-    text.resize(file.ReadAt(std::as_writable_bytes(std::span(text)), 0));
-    return PersonKeyFile::OfText(text);
+    return Read(file);
+}
+
+std::optional<PersonKeyFile> ReadPersonKeyFileIfWhole(const std::string& path) {
+    const std::optional<GuardedFile> file = GuardedFile::OpenIfThere(path, GuardedFile::Use::kRead);
+    try {
+        return file ? std::optional(Read(*file)) : std::nullopt;
+    } catch (const DataError&) {
+        return std::nullopt;
+    }
 }
 
 bool IsPersonKeyFileThere(const std::string& path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "qellib10/platform/crypto/secret_bytes.h"
@@ -13,6 +14,9 @@ inline constexpr unsigned kPersonKeyMode = 0600;
 
 /// @throws DataError too for a file that others may read or write
 PersonKeyFile ReadPersonKeyFile(const std::string& path);
+/// Nothing for a missing or damaged file; of one that is whole also if others may read or write it.
+/// @throws CFileException
+std::optional<PersonKeyFile> ReadPersonKeyFileIfWhole(const std::string& path);
 bool IsPersonKeyFileThere(const std::string& path);
 
 /// A new key, sealed under the password. Names that cannot be are refused before the password costs time.

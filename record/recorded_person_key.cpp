@@ -1,6 +1,8 @@
 #include "qellib10/record/recorded_person_key.h"
 
 #include "qellib10/platform/archive/result.h"
+#include "qellib10/platform/storage/path.h"
+#include "qellib10/platform/storage/private_file.h"
 #include "qellib10/platform/text/utf8_name.h"
 #include "qellib10/record/next_person_key.h"
 #include "qellib10/record/person_key_file.h"
@@ -116,9 +118,7 @@ void RecordedPersonKey::State::Finish(NextPersonKey& next, const PersonKeyFile& 
                .after = key.name,
                .reason = std::string(reason)});
     }
-    Replacement file(path, kPersonKeyMode);
-    WriteTo(file, key, path);
-    file.Commit();
+    WritePrivateFile(ToPosixPath(path), key.Text());  // not with the rights of a file that others may read
     next.Forget();
     CatchUp();
 }
@@ -147,8 +147,8 @@ void RecordedPersonKey::State::Reset(const Gift& gift, std::string_view name, st
     NextPersonKey next(path);
     Settle(next);
     if (!log.State().IsPerson(gift.user)) throw DataError("no key was announced for this user");
-    if (IsPersonKeyFileThere(path) && ReadPersonKeyFile(path).user != gift.user)
-        throw DataError("the file has another person's key");
+    const std::optional<PersonKeyFile> present = ReadPersonKeyFileIfWhole(path);  // a damaged one is lost
+    if (present && present->user != gift.user) throw DataError("the file has another person's key");
     Give(next, NewPersonKeyFile(gift.user, name, password), gift);
 }
 
@@ -184,7 +184,10 @@ int RecordedPersonKey::State::ChangePassword(std::string_view user, std::string_
     Replacement changed(path, kPersonKeyMode);
     file.Close(*seed, newPassword);
     WriteTo(changed, file, path);
-    Enter({.user = file.user, .action = std::string(trail_kind::kPasswordChanged), .object = file.key.Text()});
+    Enter({.user = file.user,
+           .action = std::string(trail_kind::kPasswordChanged),
+           .object = file.key.Text(),
+           .reason = "by its user"});
     changed.Commit();
     return 1;
 }

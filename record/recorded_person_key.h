@@ -50,7 +50,8 @@ public:
     /// @return 0 also if the trail knows a valid key of this user
     int Make(std::string_view user, std::string_view printedName, std::string_view password, std::string_view by,
              std::string_view reason);
-    /// A new key in the place of one whose password was forgotten, or that is lost. The old one ends.
+    /// A new key in the place of one whose password was forgotten, or that is lost: also of a file that is damaged, or
+    /// that others may read. The old one ends.
     /// @return 0 also if the trail knows no key of this user, or the file is another user's
     int Reset(std::string_view user, std::string_view printedName, std::string_view password, std::string_view by,
               std::string_view reason);

@@ -18,7 +18,7 @@
 namespace qel {
 namespace {
 
-constexpr mode_t kMode = 0644;
+constexpr mode_t kMode = 0644, kPrivateMode = 0600;
 
 struct stat StatusOf(const Descriptor& file, const std::string& path) {
     struct stat status = {};
@@ -28,11 +28,13 @@ struct stat StatusOf(const Descriptor& file, const std::string& path) {
 
 // O_NONBLOCK: a pipe in the place of the file is refused below instead of being waited for.
 Descriptor Open(const std::string& posixPath, GuardedFile::Use use) {
-    const int make = use == GuardedFile::Use::kMake      ? O_CREAT
-                     : use == GuardedFile::Use::kMakeNew ? O_CREAT | O_EXCL
-                                                         : 0;
+    const bool isPrivate = use == GuardedFile::Use::kMakePrivate;
+    const int make = use == GuardedFile::Use::kMake || isPrivate ? O_CREAT
+                     : use == GuardedFile::Use::kMakeNew         ? O_CREAT | O_EXCL
+                                                                 : 0;
     const int flags = (use == GuardedFile::Use::kRead ? O_RDONLY : O_RDWR) | make | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    return Descriptor(Uninterrupted([&] { return ::open(posixPath.c_str(), flags, kMode); }));
+    return Descriptor(
+        Uninterrupted([&] { return ::open(posixPath.c_str(), flags, isPrivate ? kPrivateMode : kMode); }));
 }
 
 }  // namespace
@@ -70,6 +72,13 @@ std::uint64_t GuardedFile::Size() const { return static_cast<std::uint64_t>(Stat
 bool GuardedFile::IsPrivate() const {
     const struct stat status = StatusOf(m_file, m_path);
     return (status.st_mode & 07777) == 0600 && status.st_uid == ::geteuid();
+}
+
+bool GuardedFile::IsInPlace() const {
+    struct stat named = {};
+    if (::lstat(m_posixPath.c_str(), &named) == 0) return named.st_dev == m_device && named.st_ino == m_inode;
+    if (errno != ENOENT) ThrowErrno(errno, m_path, m_posixPath);
+    return false;
 }
 
 std::uint64_t GuardedFile::RequireInPlace() const {

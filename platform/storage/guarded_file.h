@@ -17,8 +17,9 @@ namespace qel {
 /// Everything throws CFileException.
 class QELLIB10_INTERNAL_API GuardedFile {
 public:
-    /// kMake: for writing, and made with mode 0644 if it is missing; kMakeNew: it must be missing.
-    enum class Use { kRead, kWrite, kMake, kMakeNew };
+    /// kMake: for writing, and made with mode 0644 if it is missing, kMakePrivate: with 0600; kMakeNew: it must be
+    /// missing.
+    enum class Use { kRead, kWrite, kMake, kMakePrivate, kMakeNew };
 
     /// @param path in the library's form
     /// @throws CFileException 5 for what is no regular file
@@ -29,6 +30,8 @@ public:
     std::uint64_t Size() const;
     /// Whether only its owner, who is this process's user, may read and write it.
     bool IsPrivate() const;
+    /// False when the name leads to another file by now, or to none.
+    bool IsInPlace() const;
     /// @return the size
     /// @throws CFileException 1006 when the name leads to another file by now, or to none
     std::uint64_t RequireInPlace() const;

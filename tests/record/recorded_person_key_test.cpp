@@ -1,5 +1,10 @@
 #include "qellib10/record/recorded_person_key.h"
 
+#include <thread>
+
+#include "../support/run_at_once.h"
+#include "qellib10/platform/storage/file_exception.h"
+#include "qellib10/record/next_person_key.h"
 #include "qellib10/record/person_key.h"
 #include "qellib10/record/person_key_format.h"
 #include "signing_folder.h"
@@ -47,9 +52,13 @@ TEST(RecordedPersonKey, KeysAndPasswordsChangeByEntries) {
     EXPECT_EQ(qel::LastFailure().text, "the file of a person's key exists already");
 
     EXPECT_EQ(ota.ChangePassword("Ota", "one", "two"), 1) << qel::LastFailure().text;
-    EXPECT_EQ(EntriesAfter(people, 6), "password changed ota " + last4 + '|');
+    EXPECT_EQ(EntriesAfter(people, 6) + people.Entry(7).reason, "password changed ota " + last4 + "|by its user");
     EXPECT_NO_THROW(key.Sign("x", "two"));
 
+    std::string damaged = people.Read("k");
+    damaged[damaged.size() / 2] ^= 1;
+    people.Write("k", damaged);
+    std::filesystem::permissions(people.Posix("k"), std::filesystem::perms(0640));
     ASSERT_EQ(ota.Reset("ota", "Ota", "three", "kato", "forgotten"), 1) << qel::LastFailure().text;
     EXPECT_EQ(Line({people.Entry(8).before == first, people.Entry(9).object == first, people.Entry(9).action}),
               "1 1 person key ended");
@@ -70,10 +79,38 @@ TEST(RecordedPersonKey, KeysAndPasswordsChangeByEntries) {
     EXPECT_EQ(people.Found() + people.Findings(people.CheckWithHead()), "");
 }
 
+// Whichever comes first: four halves of a second and a reset, two of them at the same moment.
+TEST(RecordedPersonKey, AChangedPasswordNeverBringsBackAKeyThatHasEnded) {
+    People people;
+    qel::RecordedPersonKey ota(people.trail, people.Name("k"));
+    ASSERT_EQ(ota.Make("ota", "Ota", "one", "kato", "new colleague"), 1) << qel::LastFailure().text;
+    qel::PersonKey key, now;
+    ASSERT_EQ(key.Open(people.Name("k")), 1);
+    std::thread change([&] { key.ChangePassword("one", "two"); });
+    EXPECT_EQ(ota.Reset("ota", "Ota", "three", "kato", "forgotten"), 1) << qel::LastFailure().text;
+    change.join();
+    ASSERT_EQ(now.Open(people.Name("k")), 1);
+    EXPECT_EQ(Line({people.Entry(9).action, people.Entry(9).object == now.PublicKey()}), "person key added 1");
+}
+
+TEST(NextPersonKey, WhoeverWaitedForAFileThatWasRemovedTakesTheNextOne) {
+    const TempFolder folder;
+    const auto take = [&](int) {
+        for (int i = 0; i < 50; ++i) try {
+                const qel::NextPersonKey next(folder.Name("k"));
+            } catch (const CFileException&) {
+                return 1;
+            }
+        return 0;
+    };
+    EXPECT_EQ(RunAtOnce(4, take), 0);
+    EXPECT_FALSE(folder.Has("k.next"));
+}
+
 TEST(RecordedPersonKey, RefusesWithoutAnEntryWhatCannotBe) {
     People people;
     people.Write("other", File("sato", 13).Text());
-    std::filesystem::permissions(people.Posix("other"), std::filesystem::perms(0600));
+    std::filesystem::permissions(people.Posix("other"), std::filesystem::perms(0640));
     const std::string before = people.Read("t");
     for (const auto& [isReset, file, user, by, reason, why] :
          Cases<bool, const char*, const char*, const char*, const char*, const char*>{
