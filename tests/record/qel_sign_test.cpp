@@ -47,23 +47,27 @@ TEST(QelSign, APersonSignsAndVerifyFindsWhatTheRulesDoNotAllow) {
     EXPECT_TRUE(
         folder.With("old", "key make k --user sato --name 'Sato Ken'").starts_with("0 sato, Sato Ken\nSHA256:"));
     EXPECT_EQ(folder.Qel("key make k --user sato --name 'Sato Ken' </dev/null").substr(0, 2), "1 ");
-    EXPECT_EQ(folder.With("old\nnew\n", "key password k"), "0 ");
-    EXPECT_EQ(folder.With("", "key password k"), "1 qel: there is no password to read\n");
-    EXPECT_EQ(folder.With("old\nx\n", "key password k"), "1 qel: k: the password is wrong\n");
+    const std::string change = "key password t --person k --user sato --head-file h --signer-key key";
+    EXPECT_EQ(folder.With("old\nnew\n", change), "1 qel: k: the key was not announced for this user, or has ended\n");
     EXPECT_NE(folder.Qel("key show k --json").find("\"user\": \"sato\""), std::string::npos);
     EXPECT_EQ(folder.Sign("new"), "1 qel: the key was not announced for this user\n");
     folder.Announce();
+    EXPECT_TRUE(folder.With("old\nnew\n", change).starts_with("0 entry 7 "));
+    EXPECT_EQ(folder.Entry(7).action + ' ' + folder.Entry(7).user, "password changed sato");
+    EXPECT_EQ(folder.With("", change), "1 qel: there is no password to read\n");
+    EXPECT_EQ(folder.With("old\nx\n", change), "1 qel: k: the password is wrong\n");
+    EXPECT_EQ(folder.Entry(8).action + ' ' + folder.Entry(8).reason, "signature refused the password is wrong");
     EXPECT_EQ(folder.Sign("old"), "1 qel: the password is wrong\n");
     folder.Write("job", "x");
-    EXPECT_TRUE(folder.Sign("new", "--report job").starts_with("0 entry 7 "));
-    EXPECT_EQ(qel::ReadPersonStatement(folder.Entry(7).statement)->reportSha256, HashOf("x"));
+    EXPECT_TRUE(folder.Sign("new", "--report job").starts_with("0 entry 10 "));
+    EXPECT_EQ(qel::ReadPersonStatement(folder.Entry(10).statement)->reportSha256, HashOf("x"));
     EXPECT_EQ(folder.Sign("new", "--version 2").substr(0, 2), "2 ");
 
     const std::string verify = "trail verify t --head-file h ";
     const std::string rest = "trail " + folder.Entry(1).trailId;
-    EXPECT_TRUE(folder.Qel(verify).starts_with("0 1 signature: 0 findings\n7 entries: consistent\n" + rest));
+    EXPECT_TRUE(folder.Qel(verify).starts_with("0 1 signature: 0 findings\n10 entries: consistent\n" + rest));
     EXPECT_TRUE(folder.Qel(verify + "--approval-needs-review")
-                    .starts_with("21 t: entry 7: signature: order: the version is approved before it was reviewed, "
+                    .starts_with("21 t: entry 10: signature: order: the version is approved before it was reviewed, "
                                  "sato\n1 signature: 1 finding\n"));
     const std::string json = folder.Qel(verify + "--json --approval-needs-review");
     EXPECT_NE(json.find("\"finding\": \"order\""), std::string::npos) << json;

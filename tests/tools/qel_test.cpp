@@ -93,7 +93,7 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "trail verify f.xml --approvals x",
                                   "key make k --user mori",
                                   "key show",
-                                  "key password k --password-fd x",
+                                  "key password f.xml --person k --user mori --head-file h",
                                   "key make k --user mori --name Mori secret",
                                   "key end f.xml --person k --user mori --by kato --reason left --head-file h",
                                   "key revoke-installation f.xml --public-key p --by kato --reason stolen "
@@ -168,14 +168,15 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
               "--approvals --approval-needs-review --author-may-approve --password-fd --json\n"},
              {"key make --", "0 --help --user --name --password-fd --json\n"},
              {"key show --", "0 --help --json\n"},
-             {"key password --", "0 --help --password-fd\n"},
-             {"key ", "0 make show password add reset end add-installation end-installation revoke-installation\n"},
+             {"key password --",
+              "0 --help --head-file --agent --key --signer-key --json --person --user --password-fd\n"},
+             {"key ", "0 make show add reset end password add-installation end-installation revoke-installation\n"},
              {"key reset --",
-              "0 --help --by --reason --head-file --agent --key --signer-key --json --person --user --name "
-              "--password-fd\n"},
-             {"key end --", "0 --help --by --reason --head-file --agent --key --signer-key --json --person --user\n"},
+              "0 --help --head-file --agent --key --signer-key --json --person --user --name --password-fd --by "
+              "--reason\n"},
+             {"key end --", "0 --help --head-file --agent --key --signer-key --json --person --user --by --reason\n"},
              {"key revoke-installation --",
-              "0 --help --by --reason --head-file --agent --key --signer-key --json --public-key --from\n"},
+              "0 --help --head-file --agent --key --signer-key --json --by --reason --public-key --from\n"},
              {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
              {"verify x", "0 \n"},
          }) {

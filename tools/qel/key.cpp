@@ -47,17 +47,6 @@ Status Show(const Options& options) {
     return ShowKey(options, key);
 }
 
-Status ChangePassword(const Options& options) {
-    qel::PersonKey key;
-    Open(options, key);
-    Password old, changed;
-    options.passwords.Read(old, "Password: ");
-    options.passwords.ReadNew(changed, "New password: ");
-    if (key.ChangePassword(old.View(), changed.View()) == 0)
-        throw Named(options.file, PersonRefusal("cannot be changed", kFailed));
-    return kGood;
-}
-
 }  // namespace
 
 void AddKey(CLI::App& app, Status& status) {
@@ -74,8 +63,7 @@ void AddKey(CLI::App& app, Status& status) {
     make->add_option("--user", options->user, "The person's name for logging on")->required()->type_name("NAME");
     make->add_option("--name", options->name, "The person's name as reports print it")->required()->type_name("NAME");
     CLI::App* const show = add("show", "Show whose key it is, its fingerprint and the public key", Show);
-    CLI::App* const password = add("password", "Change the password; the key stays the same", ChangePassword);
-    for (CLI::App* const action : {make, password}) AddPasswordOption(*action, options->passwords);
+    AddPasswordOption(*make, options->passwords);
     for (CLI::App* const action : {make, show}) action->add_flag("--json", options->json, "Write JSON");
     AddKeyEntries(*command, status);
 }

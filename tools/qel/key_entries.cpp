@@ -1,4 +1,4 @@
-// qel key add, reset, end and what it does with the installation's keys: each by entries of the trail.
+// qel key add, reset, end, password and what it does with the installation's keys: each by entries of the trail.
 #include <sstream>
 
 #include <qellib10/record.h>
@@ -30,7 +30,7 @@ Status ShowEntry(const Options& options, const qel::TrailReceipt& entry) {
 template <class Change> Status ChangePerson(const Options& options, Change change) {
     const auto trail = OpenTrail(options.trail, options.headFile, options.signer);
     qel::RecordedPersonKey key(*trail, Path(options.person).View());
-    if (change(key) == 0) throw Named(options.person, LastRefusal("cannot be changed", kInconsistent));
+    if (change(key) == 0) throw Named(options.person, PersonRefusal("cannot be changed", kInconsistent));
     return ShowEntry(options, trail->Last());
 }
 
@@ -53,6 +53,15 @@ Status Reset(const Options& options) {
 Status End(const Options& options) {
     return ChangePerson(options,
                         [&](qel::RecordedPersonKey& key) { return key.End(options.user, options.by, options.reason); });
+}
+
+Status ChangePassword(const Options& options) {
+    Password old, changed;
+    options.passwords.Read(old, "Password: ");
+    options.passwords.ReadNew(changed, "New password: ");
+    return ChangePerson(options, [&](qel::RecordedPersonKey& key) {
+        return key.ChangePassword(options.user, old.View(), changed.View());
+    });
 }
 
 // Kind and key of a file as ssh-keygen writes it with the ending .pub, without its comment.
@@ -99,8 +108,6 @@ void AddKeyEntries(CLI::App& key, Status& status) {
     const auto add = [&](const char* name, const char* meaning, Status (*run)(const Options&)) {
         CLI::App* const action = key.add_subcommand(name, meaning);
         AddFile(*action, "TRAIL", options->trail, "The trail's file");
-        requireName(*action, "--by", options->by, "NAME", "Who does it");
-        require(*action, "--reason", options->reason, "TEXT", "Why");
         require(*action, "--head-file", options->headFile, "FILE", "The trail's head file");
         AddSignerOptions(*action, options->signer);
         action->add_flag("--json", options->json, "Write JSON");
@@ -113,17 +120,22 @@ void AddKeyEntries(CLI::App& key, Status& status) {
     CLI::App* const first = add("add", "Make a person's first key, and announce it in a trail", Add);
     CLI::App* const reset = add("reset", "Give a person another key, such as for a forgotten password", Reset);
     CLI::App* const end = add("end", "End a person's key", End);
-    for (CLI::App* const action : {first, reset, end}) {
+    CLI::App* const password = add("password", "Change the password of a person's key, by its person", ChangePassword);
+    for (CLI::App* const action : {first, reset, end, password}) {
         require(*action, "--person", options->person, "KEYFILE", "The file of the person's key");
         requireName(*action, "--user", options->user, "NAME", "The person's name for logging on");
     }
     for (CLI::App* const action : {first, reset}) {
         requireName(*action, "--name", options->name, "NAME", "The person's name as reports print it");
-        AddPasswordOption(*action, options->passwords);
     }
+    for (CLI::App* const action : {first, reset, password}) AddPasswordOption(*action, options->passwords);
     CLI::App* const announce = add("add-installation", "Announce another key that may sign entries", AddInstallation);
     CLI::App* const last = add("end-installation", "End a key that may sign entries", EndInstallation);
     CLI::App* const revoke = add("revoke-installation", "Revoke a key that others may have", RevokeInstallation);
+    for (CLI::App* const action : {first, reset, end, announce, last, revoke}) {
+        requireName(*action, "--by", options->by, "NAME", "Who does it");
+        require(*action, "--reason", options->reason, "TEXT", "Why");
+    }
     for (CLI::App* const action : {announce, last, revoke})
         require(*action, "--public-key", options->publicKey, "FILE", "The public key, as ssh-keygen writes it (.pub)");
     revoke->add_option("--from", options->from, "The number of the first entry that is distrusted")
