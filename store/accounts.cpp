@@ -37,7 +37,11 @@ std::int64_t Ask(Database& database, const char* sql) {
 
 std::string Utf8(const CString& text) { return ToUtf8(text.View()); }
 CString Text(std::string_view utf8) { return CString(std::string_view(FromUtf8(utf8))); }
-int Int(std::int64_t number) { return static_cast<int>(number); }
+
+int Int(std::int64_t number) {
+    if (number != static_cast<int>(number)) throw StoreError(FailureKind::kData, "an account has too large a number");
+    return static_cast<int>(number);
+}
 
 void RequireName(std::string_view name) {
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; };

@@ -93,7 +93,7 @@ void KeepEarlierPassword(Database& database, UserId user, int earlier) {
     if (earlier > 0) {
         database.Run(kTables);
         Query(database,
-              "INSERT INTO earlier_passwords SELECT id, 1 + (SELECT coalesce(max(number), 0) FROM earlier_passwords "
+              "REPLACE INTO earlier_passwords SELECT id, 1 + (SELECT coalesce(max(number), 0) FROM earlier_passwords "
               "WHERE user = users.id), salt, hash, passes, memory FROM users WHERE id = ? AND hash IS NOT NULL "
               "AND salt IS NOT NULL AND passes IS NOT NULL AND memory IS NOT NULL")
             .Bind(user)

@@ -44,14 +44,22 @@ const char* ReasonFor(LogonStatus status) {
 
 // Every name and password goes the same way, so that the time shows nothing about who has an account or is locked.
 PasswordCheck UserStoreState::Check(const CString& username, std::string_view password) const {
-    PasswordCheck check{.user = FindUser(*database, username)};
-    check.attempt = CountAttempt(*database, check.user, Now(), settings.lock);
+    PasswordCheck check{.user = FindUser(*database, username), .isCounted = true};
+    if (settings.record) ReportInterrupted(check.user);
+    check.attempt = CountAttempt(*database, check.user, Now(), settings.lock, settings.record != nullptr);
     check.present = ReadPassword(*database, check.user);
     const PasswordHash decoy{.cost = HighestCost(*database, settings.cost)};
     check.isToken = IsToken(*database, check.user, password);
     check.isPassword =
         !check.isToken && IsPassword(password, check.present ? *check.present : decoy) && check.present.has_value();
     return check;
+}
+
+void UserStoreState::TakeBackAttempt(UserId user) const {
+    Transaction transaction(*database);
+    ForgetAttempts(*database, user);
+    if (settings.record) ForgetUnreported(*database, user);
+    transaction.Commit();
 }
 
 std::optional<CUserInfo> UserStoreState::StillRight(const PasswordCheck& check, std::string_view password) const {
@@ -81,14 +89,15 @@ LogonStatus UserStoreState::StatusOf(const PasswordDates& dates) const {
 LogonStatus UserStoreState::StatusOf(UserId user) const {
     if (!NeedDates(settings.passwords)) return LogonStatus::kLoggedOn;
     const bool grows = settings.passwords.greatestAge.count() > 0;
+    const std::chrono::sys_seconds now = Now();
     Transaction transaction(*database);
     const std::optional<PasswordHash> present = ReadPassword(*database, user);
     if (!present) return LogonStatus::kLoggedOn;
     const std::optional<PasswordDates> known = ReadPasswordDates(*database, user, *present);
     if (!known && !grows) return LogonStatus::kLoggedOn;
-    PasswordDates dates = known.value_or(PasswordDates{Now(), Now()});
+    PasswordDates dates = known.value_or(PasswordDates{now, now});
     const LogonStatus status = StatusOf(dates);
-    dates.latest = std::max(dates.latest, Now());
+    dates.latest = std::max(dates.latest, now);
     if (grows) StorePasswordDates(*database, user, *present, dates);
     transaction.Commit();
     return status;
@@ -160,7 +169,7 @@ int UserStore::ChangePassword(const CString& username, const CString& password, 
         const LogonTurn turn(m_state->StorePath(), FoldedName(username));
         const PasswordCheck check = m_state->Check(username, text.View());
         if (!check.isPassword || !check.IsRight()) return refuse(check);
-        ForgetAttempts(database, check.user);
+        m_state->TakeBackAttempt(check.user);
         const LogonStatus status = m_state->StatusOf(check.user);
         const CUserInfo record = ReadUser(database, check.user).value_or(CUserInfo());
         const CString& account = record.GetUsername();

@@ -66,11 +66,15 @@ void UserStore::SetLogonPrompt(LogonPrompt prompt) { m_state->prompt = std::move
 int UserStore::LogonWithDialog() {
     Operation running("qel::UserStore::LogonWithDialog");
     const LogonPrompt& prompt = m_state->prompt;
+    const auto hasLeft = [&] { return m_state->logonUser == kNobody || Logout() != 0; };  // as a refused logon does
     if (!prompt || !m_state->database)
-        return running.Failed(FailureKind::kState, m_state->path.View(), "no prompt is set, or no store is connected");
+        return hasLeft() ? running.Failed(FailureKind::kState, m_state->path.View(),
+                                          "no prompt is set, or no store is connected")
+                         : running.Ended(0);
     bool wasToChange = false;  // the dialog was asked for a new password, which begins the count again, once
     for (WipedRequest request; request.refused < kMaximumPrompts;) {
-        if (!prompt(request)) return running.Failed(FailureKind::kRefused, "", "cancelled");
+        if (!prompt(request))
+            return hasLeft() ? running.Failed(FailureKind::kRefused, "", "cancelled") : running.Ended(0);
         if (!request.newPassword.IsEmpty() &&
             ChangePassword(request.username, request.password, request.newPassword) == 0) {
             request.fault = GetPasswordFault();
@@ -85,6 +89,7 @@ int UserStore::LogonWithDialog() {
         const bool isFirst = IsToChange(request.status) && !std::exchange(wasToChange, true);
         request.refused = isFirst ? 0 : request.refused + 1;
     }
+    hasLeft();  // where each attempt was a change of the password
     return running.Ended(0);
 }
 
@@ -94,6 +99,7 @@ int UserStore::Logon(const CString& username, const CString& password) {
         Database& database = m_state->Opened();
         const UserStoreSettings& settings = m_state->settings;
         if (settings.isReadOnly) throw StoreError(FailureKind::kState, "the user store is read only");
+        m_state->EndLogon();  // also where this one fails: else changes would be entered for whoever has left
         const auto refuse = [&](const PasswordCheck& check) {
             m_state->logonStatus = LogonStatus::kRefused;
             return m_state->RefuseAttempt(AccountEvent::kLogonRefused, check);
@@ -106,9 +112,8 @@ int UserStore::Logon(const CString& username, const CString& password) {
         if (!check.IsRight()) return refuse(check);
         if (check.isPassword)
             check.present = HashAgain(database, check.user, *check.present, text.View(), settings.cost);
-        ForgetAttempts(database, check.user);
+        m_state->TakeBackAttempt(check.user);
         if (check.isPassword) RequireNoChange(*m_state, check);
-        m_state->EndLogon();
         Transaction transaction(database);  // a reset or deletion is either seen here, or entered after this logon
         const std::optional<CUserInfo> account = m_state->StillRight(check, text.View());
         if (!account) return refuse({.user = check.user});

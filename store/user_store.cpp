@@ -102,6 +102,7 @@ int UserStore::DeleteUser(const CString& username) {
         isAutomatic = ReadAutomaticLogon(*database).user == user;
         DeleteAccount(*database, user);
         ForgetAttempts(*database, user);
+        if (m_state->settings.record) ForgetUnreported(*database, user);
     };
     return m_state->ChangeAccounts("qel::UserStore::DeleteUser", username, change, [&] {
         if (isAutomatic) RemovePrivateFile(m_state->TokenPath());

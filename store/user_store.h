@@ -46,7 +46,7 @@ struct UserStoreState;
 /// Where a later entry is refused, or the disk is full, those before it are there although nothing was changed: the
 /// record may say more than was done, never less. Other programs wait for the store meanwhile, for ten seconds at most,
 /// so recording must not take long. A refused logon counts against the user also if it cannot be
-/// recorded.
+/// recorded; that, or one whose program was killed in between, is recorded before the next one of the user is checked.
 ///
 /// Logging on is in user_logon.cpp, automatic logon in automatic_logon.cpp, what is about passwords in
 /// password_change.cpp, everything else in user_store.cpp.
@@ -72,9 +72,10 @@ public:
 
     void SetLogonPrompt(LogonPrompt prompt);
     /// Asks up to three times; from when the password has to be changed, up to three times more. Without a prompt 0.
+    /// The logon before ends at the first name and password that are tried, or when the dialog is cancelled.
     int LogonWithDialog() override;
-    /// Waits for other logons of this user, then takes as long as the password's cost says. Refused also if the
-    /// password is reset, or the account deleted, meanwhile.
+    /// Ends the logon before, also where this one fails. Waits for other logons of this user, then takes as long as the
+    /// password's cost says. Refused also if the password is reset, or the account deleted, meanwhile.
     int Logon(const CString& username, const CString& password) override;
     /// What the last logon came to.
     LogonStatus GetLogonStatus() const;

@@ -1,5 +1,7 @@
 #include "qellib10/store/user_store_state.h"
 
+#include <utility>
+
 #include "qellib10/platform/storage/path.h"
 #include "qellib10/platform/storage/private_file.h"
 
@@ -56,9 +58,16 @@ void UserStoreState::Report(const AccountChange& change) const {
 }
 
 void UserStoreState::EndLogon() {
-    const CString leaving = Actor();
-    logonUser = kNobody;
-    if (!leaving.IsEmpty()) Report(AccountEvent::kLogout, leaving);
+    const UserId leaving = std::exchange(logonUser, kNobody);
+    const auto account = ReadUser(Opened(), leaving);
+    if (account && account->GetUsername() == logonName) Report(AccountEvent::kLogout, logonName);
+}
+
+void UserStoreState::ReportInterrupted(UserId user) const {
+    const std::optional<Attempt> left = user != kNobody ? UnreportedAttempt(*database, user) : std::nullopt;
+    if (left)
+        RefuseAttempt(AccountEvent::kLogonRefused, {.user = user, .attempt = *left, .isCounted = true},
+                      "an earlier attempt that was not recorded");
 }
 
 // The name that was typed may be the password.
@@ -67,6 +76,7 @@ int UserStoreState::RefuseAttempt(AccountEvent event, const PasswordCheck& check
     const CString account = known ? known->GetUsername() : CString();
     Report({.event = event, .user = Actor(), .account = account, .reason = reason});
     if (check.attempt.locks && known) Report(AccountEvent::kLocked, account);
+    if (check.isCounted && settings.record) ForgetUnreported(*database, check.user);
     return 0;
 }
 

@@ -29,6 +29,7 @@ struct PasswordCheck {
     Attempt attempt = {};
     std::optional<PasswordHash> present = {};
     bool isPassword = false, isToken = false;
+    bool isCounted = false;
 
     bool IsRight() const { return (isPassword || isToken) && !attempt.isLocked; }
 };
@@ -68,8 +69,13 @@ struct UserStoreState {
     void Report(const AccountChange& change) const;
     /// Nobody is logged on then, also if that cannot be recorded.
     void EndLogon();
+    /// An attempt of the user that was counted, and whose program was killed before it could be reported. Nobody knows
+    /// which of the unknown names an attempt was for, so these are left out. The caller has the user's LogonTurn.
+    void ReportInterrupted(UserId user) const;
     /// Counts an attempt. It takes the same time for every name and password. The caller has the user's LogonTurn.
     PasswordCheck Check(const CString& username, std::string_view password) const;
+    /// The password was right.
+    void TakeBackAttempt(UserId user) const;
     /// @param event kLogonRefused, or the same of a change of the password
     /// @return 0
     int RefuseAttempt(AccountEvent event, const PasswordCheck& check, const CString& reason = {}) const;

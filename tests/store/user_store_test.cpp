@@ -141,6 +141,33 @@ TEST_F(UserStoreTest, FiveWrongPasswordsLockAUser) {
     for (int i = 0; i < 5; ++i) store->Logon("bob", "wrong");
     m_now += std::chrono::days(10'000);
     EXPECT_EQ(store->Logon("bob", "new"), 0) << "locked for ever";
+    Damage("UPDATE attempts SET refused = 9223372036854775807, locked_until = 0");
+    EXPECT_EQ(Line({store->Logon("bob", "wrong"), store->Logon("bob", "new")}), "0 0") << "more than can be counted";
+    Damage("UPDATE users SET manager = 4294967296");
+    CUserInfo damaged;
+    EXPECT_EQ(Line({store->GetUserInfo("bob", &damaged), qel::LastFailure().text}),
+              "0 an account has too large a number");
+}
+
+TEST_F(UserStoreTest, AGuessWhoseProgramWasKilledIsReportedByTheNextAttempt) {
+    Open()->CreateFirstAdministrator("admin", "first");
+    Open()->AddUser(Record("bob", "pw"));
+    std::string reported;
+    bool isKilled = true;
+    m_settings.lock.mostRefused = 1;
+    m_settings.record = [&](const qel::AccountChange& change) {
+        if (isKilled) ::_exit(3);
+        reported += Line({static_cast<int>(change.event), change.account, change.reason}) + '|';
+        return true;
+    };
+    EXPECT_EQ(InChild([&] { return Open()->Logon("bob", "wrong"); }), 3);
+    isKilled = false;
+    EXPECT_EQ(Open()->Logon("bob", "pw"), 0);
+    EXPECT_EQ(reported, "1 bob an earlier attempt that was not recorded|3 bob |1 bob |");
+    m_now += std::chrono::minutes(5);
+    reported.clear();
+    EXPECT_EQ(Open()->Logon("bob", "pw"), 1);
+    EXPECT_EQ(reported, "0 bob |");
 }
 
 TEST(PasswordRules, AskForLengthKindsAndNotTheName) {
@@ -411,10 +438,12 @@ TEST_F(UserStoreTest, ThePromptIsAskedUpToThreeTimes) {
 }
 
 TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
-    std::function<void(UserStore&)> other;  // what another program does while a logon ends the one before
-    m_settings.record = [&](const qel::AccountChange& change) {
-        if (other && change.event == qel::AccountEvent::kLogout) std::exchange(other, {})(*Open());
-        return true;
+    std::function<void(UserStore&)> other;  // what another program does after a password was found right
+    int asked = 0;                          // for the time: to count the attempt, then for the password's age
+    m_settings.passwords.greatestAge = std::chrono::days(90);
+    m_settings.clock = [&] {
+        if (other && ++asked == 2) std::exchange(other, {})(*Open());
+        return m_now;
     };
     auto store = Open();
     store->CreateFirstAdministrator("admin", "first");
@@ -422,6 +451,7 @@ TEST_F(UserStoreTest, AFailedOperationReportsWhy) {
     const auto logonBeside = [&](const char* password, std::function<void(UserStore&)> change) {
         EXPECT_EQ(store->Logon("admin", "first"), 1);
         other = std::move(change);
+        asked = 0;
         return store->Logon("bob", password);
     };
     using Kind = qel::FailureKind;
