@@ -40,6 +40,8 @@ std::string_view KindOf(AccountEvent event) {
 // These are done by, or to, the account's own user, and change nothing that somebody decides.
 bool IsOfLogon(AccountEvent event) { return event <= AccountEvent::kLocked; }
 
+constexpr const char* kOwnChange = "by its user";
+
 std::string Utf8(const CString& text) { return ToUtf8(text.View()); }
 
 }  // namespace
@@ -69,7 +71,8 @@ bool RecordedUsers::Enter(const AccountChange& change) {
         if (!change.reason.IsEmpty()) {
             record.reason = Utf8(change.reason);
         } else if (change.event == AccountEvent::kPasswordChanged && record.reason.empty()) {
-            record.reason = change.user == change.account ? "by its user" : "set by somebody else";
+            if (change.user != change.account) throw DataError("a password that somebody else sets needs a reason");
+            record.reason = kOwnChange;
         }
         m_state->trail.Append(record);
         m_state->trail.Flush();

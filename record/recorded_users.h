@@ -26,7 +26,8 @@ namespace qel {
 ///
 /// An entry has who does it in `user` and the account in `object`, with the item where only one right is changed. A
 /// logon and its refusal have the account in `user`. Passwords are nowhere. The reason is what the store knows, such as
-/// that a password has expired, else that of SetReason. The trail must be open and outlive this
+/// that a password has expired, else that of SetReason. A user's own change of the password has "by its user" without
+/// one; where somebody else sets it, a reason is needed, as for rights. The trail must be open and outlive this
 /// object. One thread at a time.
 class QELLIB10_API RecordedUsers {
 public:

@@ -92,6 +92,15 @@ TEST(RecordedUsers, LogonsRefusalsAndLocksAreEntriesWithoutWhatWasTyped) {
     folder.New();
     EXPECT_EQ(Line({store.Logon("bob", "violet"), store.Logout(), store.Logout()}), "1 1 1");
     EXPECT_EQ(folder.New(), "Admin logout |Bob logon |Bob logout |");
+    for (const bool isAsked : {false, true}) {  // whoever leaves makes no more entries, also if nobody else comes
+        if (isAsked) store.SetLogonPrompt([](qel::LogonRequest&) { return false; });
+        EXPECT_EQ(Line({store.Logon("admin", "first"), isAsked ? store.LogonWithDialog() : store.Logon("", "x"),
+                        store.SetAutoLogon(isAsked)}),
+                  "1 0 1");
+    }
+    EXPECT_EQ(
+        folder.New(),
+        "Admin logon |Admin logout | logon refused |Admin logon |Admin logout | automatic logon changed  off>on|");
     EXPECT_EQ(Line({store.Logon("violet", "bob"), store.Logon("bob", "x"), store.Logon("bob", "y"),
                     store.Logon("bob", "violet")}),
               "0 0 0 0");
@@ -109,9 +118,11 @@ TEST(RecordedUsers, RefusedAndChangedPasswordsHaveTheirReason) {
     CUserInfo bob = Bob(3, 0, "amber"), admin;
     store.GetUserInfo("admin", &admin);
     admin.SetPassword("olive");
-    EXPECT_EQ(Line({store.SaveFunctionSecurity(bob), store.SaveFunctionSecurity(admin)}), "1 1");
-    EXPECT_EQ(folder.New(true),
-              "Admin password changed Bob: set by somebody else|Admin password changed Admin: by its user|");
+    EXPECT_EQ(Line({store.SaveFunctionSecurity(admin), store.SaveFunctionSecurity(bob)}), "1 0");
+    EXPECT_EQ(qel::LastFailure().text, "it could not be recorded: a password that somebody else sets needs a reason");
+    folder.recorded.SetReason("forgotten");
+    EXPECT_EQ(Line({store.SaveFunctionSecurity(bob)}), "1");
+    EXPECT_EQ(folder.New(true), "Admin password changed Admin: by its user|Admin password changed Bob: forgotten|");
     store.Logout();
     folder.New();
     folder.recorded.SetReason("because");
