@@ -1,6 +1,7 @@
 #pragma once
 
 // The public headers of the component record: a trail of signed entries, over the core.
+#include "qellib10/record/account_records.h"
 #include "qellib10/record/cabinet_records.h"
 #include "qellib10/record/file_hash.h"
 #include "qellib10/record/file_records.h"

@@ -2,48 +2,29 @@
 
 #include <algorithm>
 
+#include "qellib10/user/account_rights.h"
+
 namespace qel {
 namespace {
 
-struct Right {
-    CString item, level;
-};
-
-// Levels as they are without the privileges, in the order of the table. A function may be in it twice.
-std::vector<Right> RightsOf(const std::optional<CUserInfo>& record) {
-    std::vector<Right> rights;
-    if (!record) return rights;
-    const auto add = [&](const CString& item, int level) {
-        rights.push_back({item, CString(std::string_view(std::to_string(level)))});
-    };
-    add("maker", record->GetMakerFlag());
-    add("manager", record->GetManagerFlag());
-    add("show", record->GetSecurity().GetShow());
-    CFunctionSecurity levels = record->GetSecurity();
-    levels.SetMakerParameter(0);
-    levels.SetManagerParameter(0);
-    for (int i = 0; i < levels.GetFunctionIDCount(); ++i) {
-        const int id = levels.GetFunctionID(i);
-        const std::string number = "function " + std::to_string(id) + ' ';
-        add(CString(std::string_view(number)) + levels.GetFunctionName(id), levels.GetFunctionSecurity(id));
-    }
-    return rights;
+std::vector<AccountRight> RightsOf(const std::optional<CUserInfo>& record) {
+    return record ? qel::RightsOf(*record) : std::vector<AccountRight>();
 }
 
-CString LevelIn(const std::vector<Right>& rights, const CString& item) {
-    const auto found = std::ranges::find(rights, item, &Right::item);
+CString LevelIn(const std::vector<AccountRight>& rights, const CString& item) {
+    const auto found = std::ranges::find(rights, item, &AccountRight::item);
     return found != rights.end() ? found->level : CString();
 }
 
-void AddRights(std::vector<AccountChange>& changes, const CString& account, const std::vector<Right>& before,
-               const std::vector<Right>& after) {
+void AddRights(std::vector<AccountChange>& changes, const CString& account, const std::vector<AccountRight>& before,
+               const std::vector<AccountRight>& after) {
     const auto add = [&](const CString& item, const CString& old, const CString& level) {
         const bool isThere = std::ranges::find(changes, item, &AccountChange::item) != changes.end();
         if (old == level || isThere) return;
         changes.push_back({AccountEvent::kRightsChanged, {}, account, item, old, level});
     };
-    for (const Right& right : after) add(right.item, LevelIn(before, right.item), right.level);
-    for (const Right& right : before) add(right.item, right.level, LevelIn(after, right.item));
+    for (const AccountRight& right : after) add(right.item, LevelIn(before, right.item), right.level);
+    for (const AccountRight& right : before) add(right.item, right.level, LevelIn(after, right.item));
 }
 
 CString NameOf(const AccountState& state) { return state.record ? state.record->GetUsername() : CString(); }

@@ -1,5 +1,7 @@
 #include "qellib10/record/recorded_users.h"
 
+#include "qellib10/platform/database/database.h"
+#include "qellib10/record/account_records.h"
 #include "qellib10/store/user_store.h"
 #include "trail_folder.h"
 
@@ -158,4 +160,38 @@ TEST(RecordedUsers, NothingTakesEffectThatTheTrailRefuses) {
     EXPECT_EQ(token.GetLength(), 64);
     EXPECT_EQ(Line({store.Logon("bob", "violet"), store.GetLogonUsername()}), "0 ") << "nor is the one before still on";
     folder.Write("h", head);
+}
+
+TEST(AccountRecords, WhatIsChangedInTheStoresFileIsFound) {
+    UsersFolder folder;
+    folder.store->AddUser(Bob(3, 0, "violet"));
+    CUserInfo left = Bob();
+    left.SetUsername("Left");
+    EXPECT_EQ(Line({folder.store->AddUser(left), folder.store->DeleteUser("left")}), "1 1");
+    EXPECT_EQ(Line({folder.store->SaveFunctionSecurity(Bob(4))}), "1");
+    qel::AccountRecords records;
+    ASSERT_EQ(records.Read(folder.Name("t"), folder.trail.Last()), 1) << qel::LastFailure().text;
+    for (const auto& [sql, expected] : Cases<const char*, const char*>{
+             {"UPDATE users SET show = show", ""},
+             {"UPDATE users SET manager = 1 WHERE name = 'Bob'", "3 Bob manager 0>1|"},
+             {"UPDATE users SET manager = 0", "3 Admin manager 1>0|"},
+             {"UPDATE users SET manager = 1 WHERE name = 'Admin'; UPDATE users SET full_name = 'x' WHERE name = 'Bob'",
+              "2 Bob  B. \xE6\xA3\xAE>x|"},
+             {"UPDATE functions SET id = 6", "3 Bob function 6 Print >4|3 Bob function 5 Print 4>|"},
+             {"INSERT INTO users(name, folded_name, full_name, maker, manager, show) VALUES('Left', 'left', '', 0, 0, "
+              "1)",
+              "0 Left  >|"},
+             {"DELETE FROM users WHERE name <> 'Admin'", "1 Bob  B. \xE6\xA3\xAE>|"},
+         }) {
+        SCOPED_TRACE(sql);
+        qel::Database(folder.Posix("users.db"), qel::DatabaseOpening::kExisting).Run(sql);
+        const auto found = records.Compare(*folder.store);
+        ASSERT_TRUE(found) << qel::LastFailure().text;
+        std::string text;
+        for (const qel::AccountDifference& one : *found)
+            text += Line({static_cast<int>(one.kind), one.account, one.item, one.recorded + '>' + one.found}) + '|';
+        EXPECT_NE(text.find(expected), std::string::npos) << text;
+        EXPECT_EQ(text.empty(), *expected == '\0') << text;
+    }
+    EXPECT_EQ(records.Read(folder.Name("t"), {.number = 99, .hash = std::string(64, '0')}), 0);
 }
