@@ -48,8 +48,9 @@ struct QELLIB10_API AccountDifference {
 /// exchanged in the file is not seen. The trail has to have the accounts from the first one on. One thread at a time.
 class QELLIB10_API AccountRecords {
 public:
-    /// Goes through a trail once. @param last the last entry that CheckTrail has seen: the trail must have it, and
-    /// later ones do not count; with number 0 the trail is taken as it is
+    /// Goes through a trail once.
+    /// @param last the last entry that counts for CheckTrail, TrailReport::rightUpTo: the trail must have it, and later
+    /// ones do not count. With number 0 the trail is taken as it is, so do not read one of which none counts
     /// @return 0 when it cannot be read, or is not the one that was checked; qel::LastFailure has the reason
     int Read(std::string_view trailPath, const TrailReceipt& last = {});
     /// Reads one more trail, which continues the one that was read last.
