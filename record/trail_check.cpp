@@ -221,13 +221,19 @@ private:
         return !fault;
     }
 
-    // Half a line is how a reader sees an appending, if nothing that has to be there can be in it.
+    // Half a line is how a reader sees an appending, if nothing that has to be there can be in it. It starts like the
+    // entry that follows: anything else was put there, or is what a power cut has left.
     void CheckEnd(const TrailLines::Line& line) {
         if (line.kind != TrailLines::Kind::kPart) return;
         const bool isAfterHead = (m_known && line.at >= m_known->length) || m_isHeadThere || m_proofs.stamped > 0 ||
                                  (m_anchors.atLeast > 0 && m_last >= m_anchors.atLeast);
-        m_report.isBeingWritten = isAfterHead;
-        if (!isAfterHead) Find(TrailFault::kCut, "the trail ends within a line");
+        const std::string start = StartOfLine(m_report.trailId, m_next);
+        const bool isNext = line.text.substr(0, start.size()) == start.substr(0, line.text.size());
+        m_report.isBeingWritten = isAfterHead && isNext;
+        if (!isAfterHead)
+            Find(TrailFault::kCut, "the trail ends within a line");
+        else if (!isNext)
+            Find(TrailFault::kCut, "what the trail ends with is not the start of its next entry");
     }
 
     void FindMissingUpTo(std::uint64_t last) {

@@ -75,7 +75,7 @@ struct QELLIB10_API TrailReport {
     /// Which trail it continues, as its first entry says: ID, number and hash of that one's last entry, with blanks
     /// between them. Empty where it continues none, or that entry is not right, or not of a key that is trusted.
     std::string continues = {};
-    bool isBeingWritten = false;  ///< half a line after all that has to be there: somebody appends at this moment
+    bool isBeingWritten = false;  ///< after all that has to be there, the next entry's line starts: somebody appends it
     std::vector<TrailFinding> findings = {};  ///< at most kMostFindings
     std::uint64_t findingCount = 0;
     /// The last entry that a time stamp has proven, and with it all before, and the stamp's time in ms since 1970; 0:

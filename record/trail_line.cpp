@@ -39,13 +39,18 @@ void RequireValid(const TrailEntry& entry) {
 
 std::string ClockText(const TrailEntry& entry) { return entry.clock ? TrailTimeText(*entry.clock) : ""; }
 
+JsonWriter Started(std::string_view trailId, std::uint64_t number) {
+    JsonWriter json;
+    json.Number("format", kFormat);
+    json.Text("trail", trailId);
+    json.Number("number", number);
+    return json;
+}
+
 // The line up to the quotation mark after the last hash.
 std::string Head(const TrailEntry& entry) {
     RequireValid(entry);
-    JsonWriter json;
-    json.Number("format", kFormat);
-    json.Text("trail", entry.trailId);
-    json.Number("number", entry.number);
+    JsonWriter json = Started(entry.trailId, entry.number);
     json.Text("time", TrailTimeText(entry.time));
     json.Text("clock", ClockText(entry));
     json.Text("boot", entry.bootId);
@@ -136,6 +141,10 @@ std::int64_t ReadTrailTime(std::string_view text) {
     const std::int64_t time = moment.time_since_epoch().count();
     if (TrailTimeText(time) != text) throw DataError("a time is not in the form of a trail");
     return time;
+}
+
+std::string StartOfLine(std::string_view trailId, std::uint64_t number) {
+    return Started(trailId, number).Written() + ',';
 }
 
 std::string SignedPart(const TrailEntry& entry) { return Head(entry) + '}'; }

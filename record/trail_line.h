@@ -19,6 +19,9 @@ inline constexpr std::string_view kEntryNamespace = "qellib10-entry";
 /// without a reason
 std::string SignedPart(const TrailEntry& entry);
 
+/// What the line of an entry starts with, up to the comma after its number.
+std::string StartOfLine(std::string_view trailId, std::uint64_t number);
+
 /// The line of an entry, without the line feed. @throws DataError when it is too long
 std::string LineOf(std::string_view signedPart, const SshSignature& signature);
 

@@ -262,6 +262,8 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
     qel::TrailEntry last = sample.Entry(4);
     last.number = 1'000'000;
     const std::string high = ByteSigner(2).Line(last);
+    last.number = 5;
+    const std::string next = ByteSigner(2).Line(last);
     const std::string other = ByteSigner(2).Key().Fingerprint();
     for (const auto& [anchors, added, findings] : Cases<qel::TrailAnchors, std::string, const char*>{
              {{}, "", "loose"},
@@ -283,6 +285,10 @@ TEST(TrailCheck, SaysWhatIsKnownFromElsewhere) {
              {{}, half, "cut 5 loose"},
              {{.trailId = sample.id, .key = sample.key}, half, "cut 5"},
              {{.headFile = sample.Name("h")}, half, "writing"},
+             {{.headFile = sample.Name("h")}, high.substr(0, 400), "cut 5"},
+             {{.headFile = sample.Name("h")}, next.substr(0, 400), "writing"},
+             {{.headFile = sample.Name("h")}, std::string(5, '\0'), "cut 5"},
+             {{.headFile = sample.Name("h")}, "x", "cut 5"},
              {{.head = sample.head}, half, "writing"},
              {{.atLeast = 4}, half, "writing loose"},
              {{.atLeast = 5}, half, "cut 5 missing 5 loose"},

@@ -23,7 +23,7 @@ TEST_F(Export, FilesAreSafeToOpenAndHaveEveryEntry) {
     record.before = std::string(3000, 'x');
     record.reason = "because\r\nso";
     ASSERT_TRUE(trail.Append(record));
-    Write("t", Read("t") + "half a line");
+    Write("t", Read("t") + "{\"format\":1,");
     for (const auto& [command, output] : Cases<const char*, const char*>{
              {"$Q trail export t --to a.csv --head-file h", "a.csv: 3 entries: consistent\n"},
              {"cut -d, -f2,11,12,15 a.csv | tr -d '\\r'",
