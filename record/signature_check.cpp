@@ -1,5 +1,8 @@
 #include "qellib10/record/signature_check.h"
 
+#include <optional>
+#include <utility>
+
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/record/signature_state.h"
 #include "qellib10/record/trail_chain.h"
@@ -15,8 +18,10 @@ public:
 
     void Run(std::string_view path, const TrailReceipt& last) {
         const auto kind = ReadChecked(path, last, [&](std::string_view line) { CheckLine(line); });
-        if (kind == TrailLines::Kind::kTooLong)
-            Find(Unread(), {SignatureFault::kMalformed, "a line is longer than 64 KiB"});
+        if (kind != TrailLines::Kind::kTooLong) return;
+        m_at = m_next;
+        m_signer.reset();
+        Find(Unread(), {SignatureFault::kMalformed, "a line is longer than 64 KiB"});
     }
 
 private:
@@ -29,9 +34,13 @@ private:
 
     void CheckLine(std::string_view text) {
         ++m_report.entries;
+        m_at = std::exchange(m_next, m_next + text.size() + 1);
+        m_signer.reset();
         TrailEntry entry = Unread();
         try {
-            entry = ReadEntry(text).entry;
+            ReadLine read = ReadEntry(text);
+            entry = std::move(read.entry);
+            m_signer = read.signature.key;
         } catch (const DataError& failure) {
             Find(entry, {SignatureFault::kMalformed, failure.what()});
         }
@@ -43,13 +52,23 @@ private:
     void Find(const TrailEntry& entry, const SignatureProblem& problem) {
         ++m_report.findingCount;
         if (m_report.findings.size() == SignatureReport::kMostFindings) return;
-        m_report.findings.push_back(
-            {problem.fault, entry.number, entry.user, entry.cabinet, entry.cabinetVersion, problem.text});
+        m_report.findings.push_back({.fault = problem.fault,
+                                     .entry = entry.number,
+                                     .user = entry.user,
+                                     .cabinet = entry.cabinet,
+                                     .cabinetVersion = entry.cabinetVersion,
+                                     .size = entry.size,
+                                     .sha256 = entry.sha256,
+                                     .text = problem.text,
+                                     .byte = m_at,
+                                     .signer = m_signer ? m_signer->Fingerprint() : ""});
     }
 
     SignatureState m_state;
     SignatureReport& m_report;
-    std::uint64_t m_number = 0;  // of the last entry
+    std::uint64_t m_number = 0;          // of the last entry
+    std::uint64_t m_at = 0, m_next = 0;  // where its line starts, and the one after it
+    std::optional<SshPublicKey> m_signer;
 };
 
 }  // namespace

@@ -35,10 +35,14 @@ enum class SignatureFault {
 struct QELLIB10_API SignatureFinding {
     SignatureFault fault = SignatureFault::kMalformed;
     std::uint64_t entry = 0;  ///< its number
-    std::string user = {};    ///< of the entry, as all up to `text`; as in TrailRecord
+    std::string user = {};    ///< of the entry, as all up to `sha256`; as in TrailRecord
     std::string cabinet = {};
     std::uint64_t cabinetVersion = 0;
-    std::string text = {};  ///< a sentence
+    std::uint64_t size = 0;
+    std::string sha256 = {};
+    std::string text = {};    ///< a sentence
+    std::uint64_t byte = 0;   ///< where its line starts in the trail
+    std::string signer = {};  ///< fingerprint of the key that signed the entry, "SHA256:..."
 };
 
 struct QELLIB10_API SignatureReport {

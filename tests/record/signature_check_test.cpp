@@ -47,6 +47,21 @@ TEST(Signatures, AreWrongWhereTheKeyIs) {
     EXPECT_EQ(people.Found(), "malformed 5");
 }
 
+TEST(Signatures, HaveThePlaceAndTheSignerOfTheirEntry) {
+    People people;
+    people.Do("mori registers, sato:12 approved");
+    qel::SignatureReport report;
+    ASSERT_EQ(qel::CheckSignatures(people.Name("t"), {}, report), 1);
+    ASSERT_EQ(report.findings.size(), 1u);
+    const qel::SignatureFinding& finding = report.findings.front();
+    const qel::TrailEntry entry = people.Entry(finding.entry);
+    const std::string text = people.Read("t");
+    EXPECT_EQ(finding.byte, text.rfind('\n', text.size() - 2) + 1);
+    EXPECT_EQ(finding.size, entry.size);
+    EXPECT_EQ(finding.sha256, entry.sha256);
+    EXPECT_EQ(finding.signer, ByteSigner(1).Key().Fingerprint());
+}
+
 TEST(Signatures, AreWrongWhereTheRulesAreNotKept) {
     const qel::SigningRules usual, two = Rules(2), reviewed = Rules(1, true), lax = Rules(1, false, true);
     qel::SigningRules together, strict, satoMay;

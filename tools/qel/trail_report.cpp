@@ -77,7 +77,7 @@ Json TrailJson(const VerifiedTrail& trail) {
         json["failure"] = {{"finding", NameOf(trail.failure->ExitStatus())},
                            {"status", static_cast<int>(trail.failure->ExitStatus())},
                            {"detail", trail.failure->what()}};
-    if (trail.signatures) json["signatures"] = SignaturesJson(*trail.signatures);
+    if (trail.signatures) json["signatures"] = SignaturesJson(trail.file, *trail.signatures);
     return json;
 }
 

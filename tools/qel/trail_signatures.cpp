@@ -73,15 +73,20 @@ std::string SignaturesText(const std::string& trail, const qel::SignatureReport&
            Count(report.findingCount, "finding", "findings") + '\n';
 }
 
-Json SignaturesJson(const qel::SignatureReport& report) {
+Json SignaturesJson(const std::string& trail, const qel::SignatureReport& report) {
     Json json{{"count", report.signatures}, {"findingCount", report.findingCount}, {"findings", Json::array()}};
     for (const qel::SignatureFinding& finding : report.findings)
         json["findings"].push_back({{"finding", KindOf(finding).name},
                                     {"status", static_cast<int>(KindOf(finding).status)},
+                                    {"file", trail},
                                     {"entry", finding.entry},
+                                    {"byte", finding.byte},
                                     {"user", finding.user},
                                     {"cabinet", finding.cabinet},
                                     {"cabinetVersion", finding.cabinetVersion},
+                                    {"size", finding.size},
+                                    {"sha256", finding.sha256},
+                                    {"signer", finding.signer},
                                     {"detail", finding.text}});
     return json;
 }

@@ -33,7 +33,7 @@ std::optional<qel::SignatureReport> CheckSignaturesOf(const std::string& trail, 
                                                       const qel::TrailReceipt& last);
 
 std::string SignaturesText(const std::string& trail, const qel::SignatureReport& report);
-Json SignaturesJson(const qel::SignatureReport& report);
+Json SignaturesJson(const std::string& trail, const qel::SignatureReport& report);
 /// That of the worst finding.
 Status WorstOf(const qel::SignatureReport& report);
 
