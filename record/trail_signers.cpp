@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 
 #include "qellib10/platform/archive/result.h"
@@ -44,6 +45,9 @@ struct Announced {
     }
 };
 
+constexpr std::size_t kMostAnnounced = 4096;              // as many as TrailTrust takes
+using Places = std::multimap<SshPublicKey, std::size_t>;  // in a list of those that were announced
+
 bool IsAboutKeys(std::string_view line) {
     using namespace trail_kind;
     constexpr std::array kKinds = {kTrailStarted, kTrailContinued, kKeyAdded, kKeyEnded, kKeyRevoked};
@@ -56,6 +60,7 @@ bool IsAboutKeys(std::string_view line) {
 
 struct TrailSigners::State {
     std::vector<Announced> announced;
+    Places byKey = {};
 
     void Take(std::string_view line) {
         try {
@@ -75,6 +80,8 @@ struct TrailSigners::State {
         } else if (entry.action == trail_kind::kKeyAdded || entry.number == 1) {
             const SshPublicKey key = SshPublicKey::OfText(entry.object);
             if (entry.number == 1 && GoesOn(key, second)) return;
+            if (announced.size() == kMostAnnounced) return;  // CheckTrail reports it
+            byKey.emplace(key, announced.size());
             announced.push_back({key, entry.number, second});
         }
     }
@@ -94,8 +101,9 @@ struct TrailSigners::State {
     }
 
     void End(const SshPublicKey& key, std::int64_t second, bool isRevoked) {
-        for (Announced& each : announced) {
-            if (each.key != key) continue;
+        const auto [first, last] = byKey.equal_range(key);
+        for (auto place = first; place != last; ++place) {
+            Announced& each = announced[place->second];
             if (!each.until) each.until = second;
             each.isRevoked = each.isRevoked || isRevoked;
         }
@@ -133,15 +141,18 @@ namespace {
 
 class Comparison {
 public:
-    Comparison(const std::vector<Announced>& announced, std::vector<SignersDifference>& differences)
-        : m_announced(announced), m_isNamed(announced.size()), m_differences(differences) {}
+    Comparison(const std::vector<Announced>& announced, const Places& byKey,
+               std::vector<SignersDifference>& differences)
+        : m_announced(announced), m_byKey(byKey), m_isNamed(announced.size()), m_differences(differences) {}
 
     void Take(const AllowedSigners::Signer& signer) {
         if (!signer.IsFor(kEntryNamespace)) return;
         if (!signer.key) return Add(Kind::kUnknown, signer, 0, "has an authority or a key of another kind");
         std::optional<std::size_t> other;
-        for (std::size_t i = 0; i < m_announced.size(); ++i) {
-            if (m_announced[i].key != *signer.key || m_isNamed[i]) continue;
+        const auto [first, last] = m_byKey.equal_range(*signer.key);
+        for (auto place = first; place != last; ++place) {
+            const std::size_t i = place->second;
+            if (m_isNamed[i]) continue;
             if (m_announced[i].Fits(signer)) {
                 m_isNamed[i] = true;
                 return;
@@ -175,6 +186,7 @@ private:
     }
 
     const std::vector<Announced>& m_announced;
+    const Places& m_byKey;
     std::vector<bool> m_isNamed;
     std::vector<SignersDifference>& m_differences;
 };
@@ -185,7 +197,7 @@ int TrailSigners::Compare(std::string_view file, std::vector<SignersDifference>&
     differences.clear();
     const auto compare = [&] {
         try {
-            Comparison comparison(m_state->announced, differences);
+            Comparison comparison(m_state->announced, m_state->byKey, differences);
             const AllowedSigners signers = AllowedSigners::OfFile(std::string(file));
             for (const AllowedSigners::Signer& signer : signers.Signers()) comparison.Take(signer);
             comparison.End();
