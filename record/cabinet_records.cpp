@@ -1,5 +1,6 @@
 #include "qellib10/record/cabinet_records.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <span>
@@ -80,6 +81,16 @@ int CabinetRecords::TakeOut(std::string_view cabinetPath, CabinetRecords& one) {
     *one.m_state = {};
     const auto takeOut = [&] { one.m_state->cabinets.insert(m_state->cabinets.extract(GuidOf(Opened(cabinetPath)))); };
     return Succeeds("CabinetRecords::TakeOut", takeOut) ? 1 : 0;
+}
+
+bool CabinetRecords::IsUnfinished() const {
+    return std::ranges::any_of(m_state->cabinets, [](const auto& each) { return each.second.IsUnfinished(); });
+}
+
+std::vector<CabinetRecords::Cabinet> CabinetRecords::All() const {
+    std::vector<Cabinet> all;
+    for (const auto& [guid, versions] : m_state->cabinets) all.push_back({guid, versions.Known()});
+    return all;
 }
 
 std::string CabinetRecords::Sum() const {

@@ -61,6 +61,12 @@ public:
     /// Moves what is known about one cabinet into @p one, which then compares it, also in another thread.
     /// @return 0 as Compare
     int TakeOut(std::string_view cabinetPath, CabinetRecords& one);
+    /// Whether what a registering has left may be in a cabinet after its latest version: the last entry about one that
+    /// was not compared starts a registering, or says that it was abandoned.
+    bool IsUnfinished() const;
+    /// All that is known about cabinets that were not compared, by GUID: each version is kRecorded, kRecovered, or
+    /// kInterrupted where only its start was recorded.
+    std::vector<Cabinet> All() const;
     /// SHA-256 over all that is known about cabinets that were not compared: the same only for the same records.
     std::string Sum() const;
 

@@ -1,5 +1,6 @@
 #include "qellib10/record/version_list.h"
 
+#include <ranges>
 #include <set>
 #include <span>
 #include <utility>
@@ -73,6 +74,7 @@ void VersionList::Read(const std::string& trailPath, const TrailReceipt& last) {
 
 void VersionList::Take(const TrailEntry& entry, const std::string& hash) {
     if (entry.cabinet != m_cabinet || !IsOfRegistering(entry)) return;
+    m_isUnfinished = !IsEnd(entry);
     const bool isOfStarted = m_started && m_started->version == entry.cabinetVersion;
     if (entry.action == trail_kind::kRegistering) {
         KeepInterrupted();
@@ -133,11 +135,17 @@ std::vector<RecordedVersion> VersionList::With(const CFile& cabinet) {
 
 // The hash of an entry is that of all that it says.
 void VersionList::AddTo(Sha256Sum& sum) const {
+    sum.Add(std::as_bytes(std::span(m_isUnfinished ? "unfinished\n" : "finished\n", m_isUnfinished ? 11 : 9)));
     for (const auto& [number, version] : m_known) {
         const std::string line = std::to_string(number) + ' ' + std::to_string(static_cast<int>(version.state)) + ' ' +
                                  version.entryHash + '\n';
         sum.Add(std::as_bytes(std::span(line)));
     }
+}
+
+std::vector<RecordedVersion> VersionList::Known() const {
+    const auto versions = std::views::values(m_known);
+    return {versions.begin(), versions.end()};
 }
 
 std::vector<RecordedVersion> VersionList::Missing() {

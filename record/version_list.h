@@ -35,17 +35,22 @@ public:
     void Compare(const CFile& cabinet, const std::function<void(const RecordedVersion& version)>& take);
     /// The same as a list.
     std::vector<RecordedVersion> With(const CFile& cabinet);
+    /// Whether the last entry starts a registering, or says that it was abandoned: part of it may be in the cabinet.
+    bool IsUnfinished() const noexcept { return m_isUnfinished; }
     /// Adds all that is known to a sum.
     void AddTo(Sha256Sum& sum) const;
-    /// Those that Compare has not given, or all of them.
+    /// Those that Compare has not given, or all of them, as they were recorded.
+    std::vector<RecordedVersion> Known() const;
+    /// The same, as those that are missing.
     std::vector<RecordedVersion> Missing();
 
 private:
     void TakeEnd(RecordedVersion version);
     RecordedVersion Compared(std::uint64_t number, std::uint64_t size, const std::string& sha256);
 
-    std::string m_cabinet;                             // its GUID
-    std::optional<RecordedVersion> m_started;          // the registering whose end has not come yet
+    std::string m_cabinet;                     // its GUID
+    std::optional<RecordedVersion> m_started;  // the registering whose end has not come yet
+    bool m_isUnfinished = false;
     std::map<std::uint64_t, RecordedVersion> m_known;  // by number; those that Compare has not given yet
 };
 

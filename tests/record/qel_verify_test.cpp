@@ -128,6 +128,28 @@ TEST(QelVerifyTree, ComparesAnArchiveWithItsTrail) {
           Change{"no cabinet", By("rm a/c"), head, "29\nversion missing|"},
           Change{"a version added", By("echo 3 >x; $Q cabinet add a/c x >/dev/null"), head, "16\nnever recorded|"},
           Change{"a copy of the cabinet", By("cp a/c a/d"), head, "16\nnever recorded|"},
+          Change{"a name in a renewal record", By("sed -i s/mori/abet/ a/cr"), head, "40\nrenewal differs|"},
+          Change{"the last renewal record",
+                 [](const Archive& in) { in.Write("a/cr", in.Read("a/cr").substr(0, in.Read("a/cr").size() / 2)); },
+                 head, "15\nmissing|"},
+          Change{"a renewal record more", By("cat a/cr >>a/cr2; cat a/cr2 >>a/cr; rm a/cr2"), head,
+                 "16\nnever recorded|"},
+          Change{"bytes after the latest version", By("printf CVH1x >>a/c"), head, "8\ninconsistent|"},
+          Change{"the same where a registering was interrupted",
+                 [](const Archive& in) {
+                     qel::Trail trail(in.Settings("t", "h"), std::make_shared<ByteSigner>(1));
+                     EXPECT_EQ(trail.Open(), 1);
+                     qel::TrailRecord start = ::Record(qel::trail_kind::kRegistering, "version");
+                     start.cabinet = qel::ReadEntry(WithoutEnd(LinesOf(in.Read("a/t"))[1])).entry.cabinet;
+                     start.cabinetVersion = 3;
+                     start.size = 5;
+                     start.sha256 = HashOf("three");
+                     EXPECT_TRUE(trail.Append(start)) << qel::LastFailure().text;
+                     qel::RecordedCabinet made(trail, {.cabinetPath = in.Name("a/c"), .recordPath = in.Name("a/cr")});
+                     EXPECT_EQ(made.Open(), 1);
+                     EXPECT_EQ(in.Run("printf CVH1x >>a/c"), "");
+                 },
+                 head, "0\n"},
           Change{"sealed again", By("echo x >>a/s; $Q seal --new a/s >/dev/null 2>&1"), head,
                  "30\nchanged|file changed|"},
           Change{"another report", By("echo x >>a/sub/p"), head, "30\nfile changed|"},
@@ -300,6 +322,17 @@ TEST(QelVerifyTree, FindsTheSameHoweverItIsCalled) {
     for (const Change& change :
          {Change{"the trail is named, too", forge, "a/t a --head-file h", "32\nintact|seal never recorded|"},
           Change{"the same after the folder", forge, "a ./a/t --head-file h", "32\nintact|seal never recorded|"},
+          Change{"only some files, and the trail", By("true"), "a/c a/s a/cr a/t --head-file h", "0\nintact|"},
+          Change{"the same after other files were put there",
+                 By("sed -i s/two/twO/ a/c; echo x >>a/sub/p; cp a/s a/c2; $Q seal a/s >/dev/null"),
+                 "./a//c a/s a/c2 $PWD/a/sub/p a/t --head-file h",
+                 "32\nchanged|file changed|intact|renamed|seal never recorded|unknown|version changed|"},
+          Change{"the same in the folder",
+                 By("sed -i s/two/twO/ a/c; cd a; $Q verify c t --head-file ../h >../j; test $? = 27"),
+                 "a/cr a/t --head-file h", "0\nintact|"},
+          Change{"only some files, and a trail elsewhere", By("mkdir b; mv a/c a/s a/sub b; mkdir a/sub"),
+                 "b/c b/s b/sub/p a/t --head-file h",
+                 "33\nintact|never recorded|print never recorded|seal never recorded|"},
           Change{"one that continues, alone", [](const Archive& in) { in.Continue(); }, "a/t2 --head-file h2",
                  "0\nintact|"},
           Change{"one of two folders has no trail", By("cp -r a a2; rm a2/t"), "a a2 --head-file h", "15\nmissing|"},
@@ -358,9 +391,11 @@ TEST(QelVerifyTree, ReportsWhereAFindingIsWithoutASentence) {
     for (const std::string& member :
          {std::string("\"file\": \"a/c\""), std::string("\"status\": 27"), std::string("\"byte\": 79"),
           std::string("\"cabinetVersion\": 2"), std::string("\"entry\": 5"), "\"signer\": \"" + signer + '"',
-          "\"sha256\": \"" + HashOf("two") + '"', std::string("\"size\": 3")})
+          "\"sha256\": \"" + HashOf("two") + '"', std::string("\"size\": 3"), std::string("\"number\": 2"),
+          std::string("\"size\": 82")})
         EXPECT_NE(json.find(member), std::string::npos) << member << json;
-    EXPECT_EQ(archive.Findings("verify a/s --head-file h"), "15\nintact|missing|") << "a file without its trail";
+    EXPECT_EQ(archive.Findings("verify a/s --head-file h"), "32\nmissing|seal never recorded|")
+        << "a file without its trail";
     {
         qel::Trail trail(archive.Settings("t", "h"), std::make_shared<ByteSigner>(1));
         EXPECT_EQ(trail.Open(), 1);

@@ -364,7 +364,8 @@ TEST(QelTrail, ComparesTheCabinetsOfAnArchive) {
              {"one without a trail", [](Two two) { two.Add("three"); },
               "c: version 3, byte 102: no entry announced it\n16\n"},
              {"an older state", [](Two two) { two.PutBack(two.before[1]); },
-              "c: version 2: was registered, and is not there, entry 5 by sato\n29\n"},
+              "c: version 2: was registered, and is not there, entry 5 by sato\n"
+              "r: version 2: has no renewal record, entry 5 by sato\n29\n"},
              {"no cabinet", [](Two two) { std::filesystem::remove(two.Posix("c")); },
               "version 1: was registered, and is not there, entry 3 by mori\n"
               "version 2: was registered, and is not there, entry 5 by sato\n29\n"},

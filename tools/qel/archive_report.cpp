@@ -42,6 +42,14 @@ Json FindingJson(const Finding& finding) {
 
 }  // namespace
 
+void ArchiveReport::Join(const ArchiveReport& part) {
+    cabinets += part.cabinets;
+    versions += part.versions;
+    files += part.files;
+    findingCount += part.findingCount;
+    findings.insert(findings.end(), part.findings.begin(), part.findings.end());
+}
+
 std::string ArchiveText(const ArchiveReport& report) {
     std::string text;
     for (const Finding& finding : report.findings) text += FindingLine(finding);

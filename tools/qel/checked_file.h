@@ -14,4 +14,7 @@ struct CheckedFile {
     std::string name = {};  ///< from the folder on that the user named
 };
 
+/// What is in JSON about it.
+Json FileJson(const CheckedFile& file);
+
 }  // namespace tool

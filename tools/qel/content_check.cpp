@@ -31,22 +31,21 @@ bool LooksEnciphered(const CFile& file, std::string_view head) {
 }
 
 // Whoever forges a cabinet may put millions of versions into it.
-void RequireIntactVersions(qel::CabinetReader& cabinet) {
+ContentReport CheckCabinet(const CFile& file) {
     constexpr std::size_t kMostNamed = 100;
-    std::string damaged;
+    qel::CabinetReader cabinet = CabinetOf(file);
+    ContentReport report;
     std::size_t count = 0;
     while (const std::optional<qel::CabinetVersion> version = cabinet.Next()) {
         if (cabinet.IsIntact(*version) || ++count > kMostNamed) continue;
-        damaged += (damaged.empty() ? "" : ", ") + std::to_string(version->number);
+        report.note += (count == 1 ? "" : ", ") + std::to_string(version->number);
+        report.damaged.push_back({version->number, version->dataAt, version->size});
     }
-    if (count > kMostNamed) damaged += " and " + std::to_string(count - kMostNamed) + " more";
-    if (count > 0) throw Failure("does not match its checksums: version " + damaged, kChanged);
-}
-
-ContentReport CheckCabinet(const CFile& file) {
-    qel::CabinetReader cabinet = CabinetOf(file);
-    RequireIntactVersions(cabinet);
-    return {cabinet.End(), Count(cabinet.Header().versionCount, "version", "versions")};
+    if (count > kMostNamed) report.note += " and " + std::to_string(count - kMostNamed) + " more";
+    report.note = count > 0 ? "does not match its checksums: version " + report.note
+                            : Count(cabinet.Header().versionCount, "version", "versions");
+    report.end = cabinet.End();
+    return report;
 }
 
 ContentReport CheckVariables(CFile& file) {
@@ -55,8 +54,7 @@ ContentReport CheckVariables(CFile& file) {
 }
 
 ContentReport CheckRenewals(CFile& file) {
-    RequireLoadable(file);
-    const qel::RenewalRecords records = qel::ReadRenewalRecords(file);
+    const qel::RenewalRecords records = RenewalsOf(file);
     return {records.end, Count(records.whole.size(), "record", "records")};
 }
 
@@ -103,6 +101,11 @@ qel::CabinetReader CabinetOf(const CFile& file) {
     } catch (const qel::DataError& error) {
         throw Failure(error.what(), kBadHeader);
     }
+}
+
+qel::RenewalRecords RenewalsOf(CFile& file) {
+    RequireLoadable(file);
+    return qel::ReadRenewalRecords(file);
 }
 
 ContentReport ContentOf(CFile& file, const std::string& kind) {

@@ -11,9 +11,10 @@ void CheckSealed(const CQFile& file, const CCheckDatafile& seal, FileReport& rep
     report.guid = seal.GetGUID().GetString();
     report.sealVersion = seal.GetVersion();
     report.detail = "version " + std::to_string(report.sealVersion) + " of " + report.guid;
+    report.sealedAs = Utf8(seal.GetFilename().View());
     if (seal.GetFilename() == file.GetFileName()) return;
     report.finding = kRenamed;
-    report.detail += ", sealed as " + Shown(Utf8(seal.GetFilename().View()));
+    report.detail += ", sealed as " + Shown(report.sealedAs);
 }
 
 // @return the end of the content; findings are in the report
@@ -21,7 +22,10 @@ ULONGLONG CheckContent(CQFile& file, FileReport& report) {
     try {
         const ContentReport content = Guarded([&] { return ContentOf(file, report.kind); });
         report.detail = content.note;
-        return content.end;
+        report.damaged = content.damaged;
+        if (content.damaged.empty()) return content.end;
+        report.finding = kChanged;
+        return 0;
     } catch (const Failure& failure) {
         report.finding = failure.ExitStatus();
         report.detail = failure.what();
@@ -71,6 +75,7 @@ FileReport CheckFile(const std::string& path) {
         Guarded([&] {
             CQFile file;
             Open(file, path, CFile::modeRead | CFile::shareDenyWrite);
+            report.size = file.GetLength();
             Check(file, report);
         });
     } catch (const Failure& failure) {

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "content_check.h"
 #include "tool.h"
 
 namespace tool {
@@ -12,8 +13,12 @@ struct FileReport {
     bool isSealed = false;
     Status finding = kGood;
     std::string detail;
-    std::string guid = {};  ///< of an intact seal, as its version; only where the file was read now
+    // Only where the file was read now; of an intact seal:
+    std::string guid = {};
     std::uint64_t sealVersion = 0;
+    std::string sealedAs = {};                 ///< the name, in UTF-8
+    std::optional<ULONGLONG> size = {};        ///< of the whole file; nothing: it could not be opened
+    std::vector<DamagedVersion> damaged = {};  ///< of a cabinet; see ContentReport
 
     /// Something else that was found about it: the higher status is that of the file.
     void Raise(Status other, const char* otherDetail) {

@@ -1,14 +1,11 @@
 // qel renewals: who registered the versions of a document, when and why.
 #include <array>
 #include <cstdio>
-#include <map>
-#include <set>
-
-#ifdef QEL_WITH_TRAIL
-#include <qellib10/record.h>
-#endif
 
 #include "tool.h"
+#ifdef QEL_WITH_TRAIL
+#include "renewal_entries.h"
+#endif
 
 namespace tool {
 namespace {
@@ -17,13 +14,6 @@ struct Options {
     std::string file, trail, cabinet;
     bool json = false;
 };
-
-// The entry that recorded a version.
-struct Recorded {
-    std::uint64_t entry = 0;
-    std::string time, user, file, reason;
-};
-using Entries = std::map<std::uint64_t, Recorded>;  // by version
 
 #ifdef QEL_WITH_TRAIL
 std::string GuidOf(const std::string& cabinet) {
@@ -34,34 +24,40 @@ std::string GuidOf(const std::string& cabinet) {
     });
 }
 
-// The first entry of a version counts; one that was interrupted has its reason in the entry before.
-Entries EntriesOf(const Options& options) {
+// By version; those whose registering has an end.
+RenewalEntries EntriesOf(const Options& options) {
     const std::string wanted = options.cabinet.empty() ? "" : GuidOf(options.cabinet);
-    qel::TrailReader reader;
-    if (reader.Open(Path(options.trail).View()) == 0)
+    qel::CabinetRecords records;
+    if (records.Read(Path(options.trail).View()) == 0)
         throw Named(options.trail, LastRefusal("cannot be read", kMalformed));
-    Entries entries;
-    std::set<std::string> cabinets;
-    std::string reason;
-    while (const std::optional<qel::TrailEntry> entry = reader.Next()) {
-        const bool isRecovered =
-            entry->action == qel::trail_kind::kRecovered && entry->after == qel::trail_kind::kRegistered;
-        if (entry->cabinetVersion == 0 || (!wanted.empty() && entry->cabinet != wanted)) continue;
-        if (entry->action == qel::trail_kind::kRegistering) reason = entry->reason;
-        if (!isRecovered && entry->action != qel::trail_kind::kRegistered) continue;
-        cabinets.insert(entry->cabinet);
-        entries.try_emplace(entry->cabinetVersion, Recorded{entry->number, qel::TrailTimeText(entry->time), entry->user,
-                                                            entry->object, isRecovered ? reason : entry->reason});
-    }
-    if (qel::LastFailure().kind != qel::FailureKind::kNone)
-        throw Named(options.trail, LastRefusal("cannot be read", kMalformed));
+    std::vector<qel::CabinetRecords::Cabinet> cabinets = records.All();
+    for (qel::CabinetRecords::Cabinet& cabinet : cabinets)
+        std::erase_if(cabinet.versions,
+                      [](const auto& each) { return each.state == qel::RecordedState::kInterrupted; });
+    std::erase_if(cabinets, [&](const auto& cabinet) {
+        return cabinet.versions.empty() || (!wanted.empty() && cabinet.guid != wanted);
+    });
     if (cabinets.size() > 1)
         throw CLI::ValidationError("the trail knows " + std::to_string(cabinets.size()) +
                                    " cabinets: --cabinet has to name the one of these records");
-    return entries;
+    return cabinets.empty() ? RenewalEntries() : RenewalEntriesOf(cabinets.front());
 }
-#else
-Entries EntriesOf(const Options&) { return {}; }
+
+// Adds what the trail says about a version.
+Status Compare(const CHistoryRenewInfo& record, const RenewalEntries& entries, Json& json) {
+    const auto found = entries.find(json["version"].get<std::uint64_t>());
+    if (found == entries.end()) {
+        json["entry"] = nullptr;
+        return kNeverRecorded;
+    }
+    const qel::RecordedVersion& entry = found->second;
+    json["entry"] = entry.entry;
+    json["entryTime"] = qel::TrailTimeText(entry.time);
+    json["entryUser"] = entry.user;
+    json["entryFile"] = entry.file;
+    json["entryReason"] = entry.reason;
+    return IsRecordAsIn(record, entry) ? kGood : kRenewalDiffers;
+}
 #endif
 
 // The local time of whoever wrote the record. Empty for a time that is none.
@@ -71,27 +67,6 @@ std::string TimeText(const COleDateTime& time) {
     std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02d", time.GetYear(), time.GetMonth(),
                   time.GetDay(), time.GetHour(), time.GetMinute(), time.GetSecond());
     return text.data();
-}
-
-// What the trail says about a record, and whether that is the same; nothing without a trail. A program that was
-// interrupted may have left a record without names.
-Status Compare(Json& record, const Entries& entries) {
-    const auto found = entries.find(record["version"].get<std::uint64_t>());
-    if (found == entries.end()) {
-        record["entry"] = nullptr;
-        return kNeverRecorded;
-    }
-    const Recorded& entry = found->second;
-    record["entry"] = entry.entry;
-    record["entryTime"] = entry.time;
-    record["entryUser"] = entry.user;
-    record["entryFile"] = entry.file;
-    record["entryReason"] = entry.reason;
-    const auto isAsIn = [&](const char* name, const std::string& text) {
-        return record[name] == Utf8(Text(text).View()) || record["operator"] == "";
-    };
-    const bool isSame = isAsIn("operator", entry.user) && isAsIn("file", entry.file) && isAsIn("comment", entry.reason);
-    return isSame ? kGood : kRenewalDiffers;
 }
 
 Json RecordJson(std::size_t version, const CHistoryRenewInfo& record) {
@@ -135,15 +110,20 @@ Status List(const Options& options) {
     Json json{{"file", options.file}, {"records", Json::array()}, {"end", records.end}, {"cut", records.isCut}};
     std::string text;
     Status status = kGood;
-    const Entries entries = options.trail.empty() ? Entries() : EntriesOf(options);
+#ifdef QEL_WITH_TRAIL
+    const RenewalEntries entries = options.trail.empty() ? RenewalEntries() : EntriesOf(options);
+#endif
     for (const CHistoryRenewInfo& record : records.whole) {
-        json["records"].push_back(RecordJson(json["records"].size() + 1, record));
+        Json one = RecordJson(json["records"].size() + 1, record);
+#ifdef QEL_WITH_TRAIL
         if (!options.trail.empty()) {
-            const Status found = Compare(json["records"].back(), entries);
-            json["records"].back()["status"] = static_cast<int>(found);
+            const Status found = Compare(record, entries, one);
+            one["status"] = static_cast<int>(found);
             status = std::max(status, found);
         }
-        text += RecordLine(json["records"].back());
+#endif
+        text += RecordLine(one);
+        json["records"].push_back(std::move(one));
     }
     options.json ? Print(json) : Print(text);
     if (records.end == file.GetLength()) return status;

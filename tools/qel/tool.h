@@ -34,7 +34,7 @@ enum Status : int {
     kUnknownSigner = 12,  // an entry signed by a key that is not trusted
     kEndedKey = 13,       // an entry signed by a key that was not valid any more at that time
     kClock = 14,          // the time of an entry is before that of the one before
-    kMissing = 15,        // entries, a trail, versions of a damaged cabinet, or files of a list are missing
+    kMissing = 15,        // entries, a trail, renewal records, versions of a damaged cabinet, or files of a list
     kNeverRecorded = 16,  // a version of a cabinet that no entry of the trail announced
     kStamp = 17,          // a time stamp is not one of its entry, or not the authority's
     kRevokedKey = 18,     // an entry signed by a key that was revoked

@@ -5,8 +5,11 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 
 #include "archive_signers.h"
+#include "archive_versions.h"
+#include "content_check.h"
 #include "tree.h"
 #include "workers.h"
 
@@ -15,27 +18,12 @@ namespace {
 
 using Finding = ArchiveReport::Finding;
 
-bool IsCabinet(const std::string& path) {
+qel::CabinetFileKind KindOfCabinetFile(const std::string& path) {
     CQFile file;
     Open(file, path, CFile::modeRead | CFile::shareDenyNone);
     std::array<char, qel::kCabinetKindBytes> start = {};
     const UINT size = file.Read(start.data(), static_cast<UINT>(start.size()));
-    return qel::KindOfCabinetFile({start.data(), size}) == qel::CabinetFileKind::kCabinet;
-}
-
-Status StatusOf(qel::RecordedState state) {
-    switch (state) {
-        case qel::RecordedState::kChanged:
-            return kVersionChanged;
-        case qel::RecordedState::kUnrecorded:
-            return kNeverRecorded;
-        case qel::RecordedState::kInterrupted:
-            return kVersionInterrupted;
-        case qel::RecordedState::kMissing:
-            return kVersionMissing;
-        default:
-            return kGood;
-    }
+    return qel::KindOfCabinetFile({start.data(), size});
 }
 
 struct Meaning {
@@ -69,57 +57,10 @@ void Add(ArchiveReport& report, Finding finding) {
     report.Add(std::move(finding));
 }
 
-// Where the versions of findings are.
-void AddPlaces(const std::string& path, std::vector<Finding>& findings) {
-    std::map<std::uint64_t, Finding*> wanted;
-    for (Finding& finding : findings) wanted[finding.version.version] = &finding;
-    try {
-        CQFile file;
-        Open(file, path, CFile::modeRead | CFile::shareDenyNone);
-        qel::CabinetReader reader(file);
-        while (const std::optional<qel::CabinetVersion> version = reader.Next()) {
-            const auto found = wanted.find(version->number);
-            if (found != wanted.end()) found->second->byte = version->dataAt;
-            if (version->number >= wanted.rbegin()->first) return;
-        }
-    } catch (const qel::DataError&) {  // the rest cannot be found
-    } catch (const CFileException&) {  // the same
-    }
-}
-
-// The versions of one cabinet.
-class Versions {
-public:
-    explicit Versions(std::string file) : m_file(std::move(file)) {}
-
-    void Take(const std::string& cabinet, const qel::RecordedVersion& version) {
-        if (version.state != qel::RecordedState::kMissing) ++m_report.versions;
-        if (!version.IsFinding()) return;
-        const Status status = StatusOf(version.state);
-        m_worst = std::max(m_worst, status);
-        ++m_report.findingCount;
-        if (m_report.findings.size() < ArchiveReport::kMostOfACabinet)
-            m_report.findings.push_back({m_file, status, cabinet, version, std::string(qel::StateText(version.state))});
-    }
-
-    ArchiveReport End(const std::string& cabinet) {
-        if (!m_file.empty() && !m_report.findings.empty()) AddPlaces(m_file, m_report.findings);
-        const std::uint64_t more = m_report.findingCount - m_report.findings.size();
-        if (more > 0)
-            m_report.findings.push_back(
-                {m_file, m_worst, cabinet, {}, "and " + Count(more, "more finding", "more findings")});
-        return std::move(m_report);
-    }
-
-private:
-    std::string m_file;
-    ArchiveReport m_report;
-    Status m_worst = kGood;
-};
-
 // One file, or one path that an entry names. Each is looked at by itself, so that several are at once.
 struct Step {
     std::string file;
+    qel::CabinetFileKind kind = qel::CabinetFileKind::kOther;
     std::unique_ptr<qel::CabinetRecords> cabinet = {};  // what the trails say about it
     std::optional<qel::RecordedFile> recorded = {};
     ArchiveReport found = {};
@@ -136,44 +77,71 @@ public:
     }
 
     ArchiveReport Run() {
-        AddTree(FilesBelow(m_options.folder, m_options.except));
+        const Tree tree = TreeToCompare();
+        AddTree(tree);
         std::vector<Step> named;
-        for (const qel::RecordedFile& file : m_files.All()) named.push_back({file.path, {}, file});
+        std::set<std::string> names;
+        if (m_options.named)
+            for (const std::string& file : tree.files) names.insert(NameInArchive(file));
+        for (const qel::RecordedFile& file : m_files.All())
+            if (!m_options.named || names.contains(file.path)) named.push_back({.file = file.path, .recorded = file});
         ForEachAtOnce(m_steps.size(), m_options.jobs, [&](std::size_t i) { Take(m_steps[i]); });
         ForEachAtOnce(named.size(), m_options.jobs, [&](std::size_t i) { Take(named[i]); });
-        for (Step& step : m_steps) Join(step.found);
-        for (const qel::CabinetRecords::Cabinet& missing : m_cabinets.Rest()) {
-            Versions versions("");
-            for (const qel::RecordedVersion& version : missing.versions) versions.Take(missing.guid, version);
-            Join(versions.End(missing.guid));
-        }
-        for (Step& step : named) Join(step.found);
+        for (const Step& step : m_steps) m_report.Join(step.found);
+        if (!m_options.named) AddMissing();
+        for (const Step& step : named) m_report.Join(step.found);
         m_report.files = named.size();
         return std::move(m_report);
     }
 
 private:
+    Tree TreeToCompare() const {
+        if (!m_options.named) return FilesBelow(m_options.folder, m_options.except);
+        Tree tree;
+        for (const auto& [file, name] : *m_options.named) tree.files.push_back(file);
+        return tree;
+    }
+
+    void AddMissing() {
+        for (const qel::CabinetRecords::Cabinet& missing : m_cabinets.Rest()) {
+            VersionFindings versions("");
+            for (const qel::RecordedVersion& version : missing.versions) versions.Take(missing.guid, version);
+            m_report.Join(versions.End(missing.guid));
+        }
+    }
+
+    std::string NameInArchive(const std::string& file) const {
+        return m_options.named ? m_options.named->at(file) : NameBelow(m_options.folder, file);
+    }
+    // Whether an entry names the file.
+    bool IsNamed(const std::string& file) const { return m_files.Names(NameInArchive(file)); }
+
     // Of several copies of a cabinet the first one by name is the one that the trails know.
     void AddTree(const Tree& tree) {
         for (const std::string& folder : tree.unreadableFolders)
             Add(m_report, {folder, kUnreadable, {}, {}, "the folder cannot be read"});
         for (const Tree::Other& other : tree.others) {
-            if (!m_files.Names(NameBelow(m_options.folder, other.path)))
+            if (!IsNamed(other.path))
                 Add(m_report, {other.path, kNotAFile, {}, {}, "is a " + other.kind + ", which no entry can record"});
         }
         for (const std::string& file : tree.files) {
-            Step step{file};
-            Guard(step, [&] {
-                if (IsCabinet(file)) {
-                    ++m_report.cabinets;
-                    auto known = std::make_unique<qel::CabinetRecords>();
-                    if (m_cabinets.TakeOut(Path(file).View(), *known) == 0)
-                        throw LastRefusal("cannot be read", kBadHeader);
-                    step.cabinet = std::move(known);
-                }
-            });
-            m_steps.push_back(std::move(step));
+            Step& step = m_steps.emplace_back();
+            step.file = file;
+            Guard(step, [&] { step.kind = KindOfCabinetFile(file); });
         }
+        if (std::ranges::find(m_steps, qel::CabinetFileKind::kRenewals, &Step::kind) != m_steps.end()) {
+            m_renewals.emplace(m_cabinets.All());
+            m_renewalSum = m_cabinets.Sum();
+        }
+        for (Step& step : m_steps)
+            if (step.kind == qel::CabinetFileKind::kCabinet) Guard(step, [&] { TakeOut(step); });
+    }
+
+    void TakeOut(Step& step) {
+        ++m_report.cabinets;
+        auto known = std::make_unique<qel::CabinetRecords>();
+        if (m_cabinets.TakeOut(Path(step.file).View(), *known) == 0) throw LastRefusal("cannot be read", kBadHeader);
+        step.cabinet = std::move(known);
     }
 
     template <class Body> void Guard(Step& step, Body&& body) {
@@ -193,6 +161,7 @@ private:
             } else if (step.recorded) {
                 CompareFile(step);
             } else {
+                if (step.kind == qel::CabinetFileKind::kRenewals) CompareRenewals(step);
                 RequireRecorded(step);
             }
         });
@@ -204,16 +173,51 @@ private:
 
     void CompareCabinet(Step& step) {
         const auto compare = [&](const std::string& file) -> FileReport {
-            Versions versions(file);
+            VersionFindings versions(file);
             std::string guid;
             const auto take = [&](const qel::RecordedVersion& version) { versions.Take(guid, version); };
+            const bool isUnfinished = step.cabinet->IsUnfinished();
             if (step.cabinet->Compare(Path(file).View(), guid, take) == 0)
                 throw LastRefusal("cannot be read", kBadHeader);
             step.found = versions.End(guid);
+            if (!isUnfinished) RequireNoRest(step, guid);
             return {"cabinet", false, WorstOf(step.found), std::to_string(step.found.versions)};
         };
         const FileReport report = Known(step.file, "cabinet-" + step.cabinet->Sum(), compare);
         step.found.versions = qel::ReadWholeNumber<std::size_t>(report.detail).value_or(0);
+    }
+
+    // Where the versions cannot be found this is a finding already. A seal is RequireSealRecorded's matter.
+    void RequireNoRest(Step& step, const std::string& guid) {
+        CQFile file;
+        Open(file, step.file, CFile::modeRead | CFile::shareDenyNone);
+        const std::optional<ULONGLONG> rest = RestOf(file);
+        if (!rest || *rest == 0 || HasTraceOfSeal(step.file)) return;
+        const std::string detail = Count(*rest, "byte is", "bytes are") + " after its latest version";
+        Finding finding{step.file, kInconsistent, guid, {}, detail};
+        finding.byte = file.GetLength() - *rest;
+        Add(step.found, finding);
+    }
+
+    static std::optional<ULONGLONG> RestOf(const CFile& cabinet) {
+        try {
+            return qel::CabinetReader(cabinet).BytesAfterLatest();
+        } catch (const qel::DataError&) {
+            return std::nullopt;
+        } catch (const CFileException&) {
+            return std::nullopt;
+        }
+    }
+
+    void CompareRenewals(Step& step) {
+        Known(step.file, "renewals-" + m_renewalSum, [&](const std::string& path) -> FileReport {
+            CQFile file;
+            Open(file, path, CFile::modeRead | CFile::shareDenyNone);
+            VersionFindings versions(path);
+            for (const RenewalDifference& each : m_renewals->Compare(RenewalsOf(file).whole)) versions.Take(each);
+            step.found = versions.End("");
+            return {"renewals", false, WorstOf(step.found), ""};
+        });
     }
 
     void CompareFile(Step& step) {
@@ -238,12 +242,12 @@ private:
 
     // Its versions are what the trails say of a cabinet; its seal is that of a file.
     void RequireSealRecorded(Step& step) {
-        if (HasTraceOfSeal(step.file) && !m_files.Names(NameBelow(m_options.folder, step.file)))
+        if (HasTraceOfSeal(step.file) && !IsNamed(step.file))
             Add(step.found, {step.file, kSealNeverRecorded, {}, {}, "is sealed, and no entry names it"});
     }
 
     void RequireRecorded(Step& step) {
-        if (m_files.Names(NameBelow(m_options.folder, step.file))) return;
+        if (IsNamed(step.file)) return;
         const FileReport found = m_options.content(step.file);
         if (found.isSealed)
             Add(step.found, {step.file, kSealNeverRecorded, {}, {}, "is sealed, and no entry names it"});
@@ -254,15 +258,11 @@ private:
             Add(step.found, {step.file, kUnreadable, {}, {}, found.detail});
     }
 
-    void Join(const ArchiveReport& found) {
-        m_report.versions += found.versions;
-        m_report.findingCount += found.findingCount;
-        m_report.findings.insert(m_report.findings.end(), found.findings.begin(), found.findings.end());
-    }
-
     const ArchiveOptions& m_options;
     qel::CabinetRecords m_cabinets;
     qel::FileRecords m_files;
+    std::optional<RenewalComparison> m_renewals;
+    std::string m_renewalSum;  // over all that the trails say about versions
     std::vector<Step> m_steps;
     ArchiveReport m_report;
 };
@@ -271,7 +271,7 @@ private:
 
 ArchiveReport CompareArchive(const std::vector<ReadTrail>& trails, const ArchiveOptions& options) {
     ArchiveReport report = Comparison(trails, options).Run();
-    CompareSigners(trails, report);
+    if (!options.named) CompareSigners(trails, report);
     AddSigners(trails, report);
     return report;
 }

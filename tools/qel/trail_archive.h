@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 
@@ -45,11 +46,15 @@ struct ArchiveReport {
         ++findingCount;
         findings.push_back(std::move(finding));
     }
+    /// What was found in another part of the same archive.
+    void Join(const ArchiveReport& part);
 };
 
 struct ArchiveOptions {
     std::string folder;
     std::set<std::string> except = {};  // subfolders that are archives of their own
+    // Only these files, with their names from the folder on: what else the trails know may be elsewhere.
+    std::optional<std::map<std::string, std::string>> named = {};
     unsigned jobs = 1;
     Resume* resume = nullptr;
     Resume::Checking content = CheckFile;  // what a file is, as far as itself shows

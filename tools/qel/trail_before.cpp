@@ -93,20 +93,25 @@ std::optional<VerifiedTrail> FindNextTo(const std::string& later, const TrailBef
 
 void AddOlder(VerifiedChain& chain, const FindOlder& find) {
     std::set<std::string> seen = {chain.trails.front().report.trailId};
-    while (const std::optional<TrailBefore> before = BeforeOf(chain.trails.front().report)) {
-        const std::string file = chain.trails.front().file;
+    std::ranges::reverse(chain.trails);
+    while (const std::optional<TrailBefore> before = BeforeOf(chain.trails.back().report)) {
+        const std::string file = chain.trails.back().file;
         const auto report = [&](Status status, const std::string& detail) {
             chain.findings.push_back({file, status, before->trail, before->entry, before->sha256, detail});
         };
         std::optional<VerifiedTrail> older = seen.insert(before->trail).second ? find(file, *before) : std::nullopt;
-        if (!older) return report(kBeforeMissing, "it continues the trail " + before->trail + ", which is not there");
-        SetCertainty(*older, chain.trails.front());
+        if (!older) {
+            report(kBeforeMissing, "it continues the trail " + before->trail + ", which is not there");
+            break;
+        }
+        SetCertainty(*older, chain.trails.back());
         if (!older->failure && !EndsWith(older->report, *before))
             report(kBeforeOther, "it continues the trail " + before->trail + " after entry " +
                                      std::to_string(before->entry) + ", which is not the last one of " +
                                      Shown(older->file));
-        chain.trails.insert(chain.trails.begin(), std::move(*older));
+        chain.trails.push_back(std::move(*older));
     }
+    std::ranges::reverse(chain.trails);
 }
 
 VerifiedChain VerifyChain(const std::string& trail, const std::vector<std::string>& given, const AnchorOptions& anchors,

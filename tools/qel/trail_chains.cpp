@@ -4,6 +4,8 @@
 #include <set>
 #include <tuple>
 
+#include "workers.h"
+
 namespace tool {
 namespace {
 
@@ -38,20 +40,6 @@ bool IsStartOf(const std::string& shorter, const std::string& longer) {
     }
 }
 
-// The longest ones first: each trail is in the first chain that has it.
-std::vector<VerifiedChain> WithoutContained(std::vector<VerifiedChain> chains) {
-    std::ranges::stable_sort(chains, std::ranges::greater(), [](const auto& chain) { return chain.trails.size(); });
-    std::set<std::string> covered;
-    std::vector<VerifiedChain> rest;
-    for (VerifiedChain& chain : chains) {
-        if (covered.contains(chain.trails.back().file)) continue;
-        for (const VerifiedTrail& trail : chain.trails) covered.insert(trail.file);
-        rest.push_back(std::move(chain));
-    }
-    std::ranges::stable_sort(rest, {}, [](const auto& chain) { return chain.trails.back().file; });
-    return rest;
-}
-
 // Those up to the latest one that is known, and those that trusted keys have appended to it.
 std::size_t CountedOf(const VerifiedChain& chain, bool isTrusted) {
     std::size_t counted = chain.trails.size();
@@ -73,9 +61,11 @@ TrailChains::TrailChains(const AnchorOptions& anchors, const SignatureOptions& s
     m_fitsAny = std::ranges::any_of(m_before, &Checked::Fits);
 }
 
-void TrailChains::Add(const std::string& folder, const std::string& file) {
-    m_folders[folder].push_back(Check(file));
-    m_fitsAny = m_fitsAny || m_folders[folder].back().Fits();
+void TrailChains::Add(const std::vector<Place>& trails, unsigned jobs) {
+    std::vector<Checked> checked(trails.size());
+    ForEachAtOnce(trails.size(), jobs, [&](std::size_t i) { checked[i] = Check(trails[i].file); });
+    m_fitsAny = m_fitsAny || std::ranges::any_of(checked, &Checked::Fits);
+    for (std::size_t i = 0; i < trails.size(); ++i) m_folders[trails[i].folder].push_back(std::move(checked[i]));
 }
 
 TrailChains::Checked TrailChains::Check(const std::string& file) const {
@@ -106,16 +96,21 @@ VerifiedTrail TrailChains::Older(const Checked& trail, const TrailBefore& before
     return older;
 }
 
-VerifiedChain TrailChains::Chain(const Checked& last, const Pool& pool, bool isNamed) const {
+const TrailChains::Checked* TrailChains::OlderIn(const Pool& pool, const TrailBefore& before) {
+    const auto [first, last] = pool.equal_range(before.trail);
+    const auto end =
+        std::find_if(first, last, [&](const auto& each) { return EndsWith(each.second->plain.report, before); });
+    return end != last ? end->second : first != last ? first->second : nullptr;
+}
+
+VerifiedChain TrailChains::Chain(const Checked& last, const Pool& pool, bool isNamed, Uses& uses) const {
+    // One trail may have been continued twice by mistake. Forged ones by the thousand may continue a long chain.
+    constexpr std::size_t kMostChainsOfOne = 16;
     VerifiedChain chain;
     chain.trails.push_back(Alone(last));
     AddOlder(chain, [&](const std::string& later, const TrailBefore& before) -> std::optional<VerifiedTrail> {
-        const Checked* found = nullptr;
-        for (const Checked* each : pool) {
-            if (each->plain.report.trailId != before.trail) continue;
-            const bool isEnd = EndsWith(each->plain.report, before);
-            if (found == nullptr || (isEnd && !EndsWith(found->plain.report, before))) found = each;
-        }
+        const Checked* const found = OlderIn(pool, before);
+        if (found != nullptr && ++uses[found] > kMostChainsOfOne) return std::nullopt;
         if (found == nullptr && isNamed) return FindNextTo(later, before, {}, m_anchors, m_signatures);
         return found != nullptr ? std::optional(Older(*found, before)) : std::nullopt;
     });
@@ -139,6 +134,33 @@ VerifiedChain TrailChains::Copy(const Checked& copy, const Checked& best) const 
     return chain;
 }
 
+// One chain for each trail that no other one continues; then for those of which each one continues another, in a
+// circle.
+std::vector<VerifiedChain> TrailChains::ChainsOf(const std::vector<const Checked*>& own, bool isNamed) const {
+    Pool pool;
+    for (const Checked* trail : own) pool.emplace(trail->plain.report.trailId, trail);
+    for (const Checked& trail : m_before) pool.emplace(trail.plain.report.trailId, &trail);
+    std::set<const Checked*> continued;
+    for (const Checked* trail : own) {
+        const std::optional<TrailBefore> before = BeforeOf(trail->plain.report);
+        const Checked* const older = before ? OlderIn(pool, *before) : nullptr;
+        if (older != trail) continued.insert(older);
+    }
+    Uses uses;
+    std::vector<VerifiedChain> chains;
+    std::set<std::string> covered;
+    for (const bool isInCircle : {false, true}) {
+        for (const Checked* trail : own) {
+            if (continued.contains(trail) != isInCircle || (isInCircle && covered.contains(trail->plain.file)))
+                continue;
+            chains.push_back(Chain(*trail, pool, isNamed, uses));
+            for (const VerifiedTrail& each : chains.back().trails) covered.insert(each.file);
+        }
+    }
+    std::ranges::stable_sort(chains, {}, [](const VerifiedChain& chain) { return chain.trails.back().file; });
+    return chains;
+}
+
 std::vector<VerifiedChain> TrailChains::Of(const std::string& folder) const {
     const auto there = m_folders.find(folder);
     if (there == m_folders.end()) return {};
@@ -155,18 +177,14 @@ std::vector<VerifiedChain> TrailChains::Of(const std::string& folder) const {
         const Checked*& known = best[trail.plain.report.trailId];
         if (known == nullptr || rank(*known) < rank(trail)) known = &trail;
     }
-    Pool pool;
-    std::vector<const Checked*> copies;
+    std::vector<const Checked*> own, copies;
     for (const Checked& trail : there->second) {
         const std::string& id = trail.plain.report.trailId;
         const bool isCopy = !folder.empty() && !id.empty() && best[id] != &trail;
-        (isCopy ? copies : pool).push_back(&trail);
+        (isCopy ? copies : own).push_back(&trail);
     }
-    std::vector<VerifiedChain> chains;
-    const std::size_t own = pool.size();
-    for (const Checked& trail : m_before) pool.push_back(&trail);
-    for (std::size_t i = 0; i < own; ++i) chains.push_back(Chain(*pool[i], pool, folder.empty()));
-    chains = WithoutContained(std::move(chains));
+    std::ranges::stable_partition(own, &Checked::Fits);  // no forged ones come before those that are known
+    std::vector<VerifiedChain> chains = ChainsOf(own, folder.empty());
     for (const Checked* copy : copies) chains.push_back(Copy(*copy, *best[copy->plain.report.trailId]));
     return chains;
 }

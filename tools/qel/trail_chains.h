@@ -16,8 +16,12 @@ public:
     TrailChains(const AnchorOptions& anchors, const SignatureOptions& signatures,
                 const std::vector<std::string>& before);
 
-    /// Checks a trail. @param folder empty: it was named, not found
-    void Add(const std::string& folder, const std::string& file);
+    struct Place {
+        std::string folder;  ///< empty: it was named, not found
+        std::string file;
+    };
+    /// Checks trails, several at once.
+    void Add(const std::vector<Place>& trails, unsigned jobs);
     /// The chains of a folder, after all trails were added: what is known of one trail holds for those that it fits,
     /// wherever they are, and for all if it fits none.
     std::vector<VerifiedChain> Of(const std::string& folder) const;
@@ -29,12 +33,16 @@ private:
 
         bool Fits() const { return known.report.isAnchored && !known.failure; }
     };
-    using Pool = std::vector<const Checked*>;
+    // Of those that may be continued; by ID.
+    using Pool = std::multimap<std::string, const Checked*>;
+    using Uses = std::map<const Checked*, std::size_t>;
 
+    static const Checked* OlderIn(const Pool& pool, const TrailBefore& before);
+    std::vector<VerifiedChain> ChainsOf(const std::vector<const Checked*>& own, bool isNamed) const;
     Checked Check(const std::string& file) const;
     VerifiedTrail Alone(const Checked& trail) const;
     VerifiedTrail Older(const Checked& trail, const TrailBefore& before) const;
-    VerifiedChain Chain(const Checked& last, const Pool& pool, bool isNamed) const;
+    VerifiedChain Chain(const Checked& last, const Pool& pool, bool isNamed, Uses& uses) const;
     VerifiedChain Copy(const Checked& copy, const Checked& best) const;
 
     const AnchorOptions& m_anchors;

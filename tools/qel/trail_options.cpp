@@ -44,7 +44,7 @@ const char* const kTrailStatuses =
     "  12 unknown signer  an entry is signed by a key that is not trusted\n"
     "  13 key not valid   an entry is signed by a key that had ended\n"
     "  14 clock           the time of an entry is before that of the one before\n"
-    "  15 missing         entries, or a trail, that have to be there are missing\n"
+    "  15 missing         entries, a trail, or renewal records that have to be there are missing\n"
     "  16 never recorded  a version of a cabinet that no entry announced\n"
     "  17 time stamp      a time stamp is not one of its entry, or not the authority's\n"
     "  18 revoked key     an entry is signed by a key that was revoked, and nothing shows it was there before\n"

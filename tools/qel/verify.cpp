@@ -102,7 +102,8 @@ void RequireTrail(VerifyResults& results, const ToCheck& given, const Options& o
     const AnchorOptions& anchors = options.trails.anchors;
     if (anchors.AreThere() && results.archives.empty() && given.folders.empty())
         results.files.push_back({options.paths[0], false, {"", false, kMissing, "has no trail"}});
-    if (anchors.AreThere() || anchors.HasTrust()) RequireTrails(results.files, given.folders, results.archives);
+    if (anchors.AreThere() || anchors.HasTrust())
+        RequireTrails(results.files, given.folders, results.archives, anchors.AreThere());
 }
 
 Status Verify(const Options& options) {

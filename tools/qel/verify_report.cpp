@@ -30,12 +30,7 @@ void PrintVerified(const VerifyResults& results, const VerifyOutput& output) {
         const bool isFinding = report.finding >= (output.strict ? kUnknown : kRenamed);
         if (!isFinding && !file.isNamed && !output.all) continue;
         text += Line(file);
-        json["files"].push_back({{"file", file.path},
-                                 {"finding", NameOf(report.finding)},
-                                 {"status", static_cast<int>(report.finding)},
-                                 {"kind", report.kind},
-                                 {"sealed", report.isSealed},
-                                 {"detail", report.detail}});
+        json["files"].push_back(FileJson(file));
     }
 #ifdef QEL_WITH_TRAIL
     for (const VerifiedArchive& archive : results.archives) text += VerifiedText(archive.chains, archive.archive);

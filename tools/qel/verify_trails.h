@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -29,10 +30,14 @@ struct VerifiedArchive {
 /// Checks the trails among @p files, and compares what is in their folders with them. Each trail's own report is set.
 std::vector<VerifiedArchive> VerifyTrails(std::vector<CheckedFile>& files, const TrailOptions& options);
 
+/// The folders that have trails, as absolute paths.
+std::set<std::string> FoldersOf(const std::vector<VerifiedArchive>& archives);
+
 /// For whoever knows a trail from elsewhere: each folder that was named needs one, or archives below, and what a trail
-/// has to name does not lie outside of them.
+/// has to name is not outside of them.
+/// @param isOfNamed whether what the user has named needs one, too: a named one in its folder or above
 void RequireTrails(std::vector<CheckedFile>& files, const std::vector<std::string>& folders,
-                   const std::vector<VerifiedArchive>& archives);
+                   const std::vector<VerifiedArchive>& archives, bool isOfNamed);
 
 Json ArchivesJson(const std::vector<VerifiedArchive>& archives);
 
