@@ -13,7 +13,7 @@ TEST_F(Verified, DamageOfRecordsAndUsersIsFound) {
         {"renewals.qel", Flip(130), "FAILED: renewals.qel: has "},
         {"renewals.qel", FlipIn("demo"), "FAILED: users.db: has no user \"eemo\", who registered a version"},
         {"users.db", Flip(20), "FAILED: users.db: "},
-        {"users.db", Flip(24), "FAILED: users.db: has 2"},  // the number of its changes
+        {"users.db", Flip(24), "FAILED: users.db: has "},  // the number of its changes
         {"users.db", nullptr, "FAILED: users.db: unable to open"},
     });
 }
