@@ -117,9 +117,9 @@ TrailHeadState TrailHead::Load() const {
 std::optional<TrailHeadState> TrailHead::LoadLatest() const {
     std::array<std::byte, 2 * kPlaceSize> places;
     const auto bytes = std::span<const std::byte>(places).first(m_file.ReadAt(places, 0));
-    const bool isSame =
-        bytes.size() == m_loadedBytes.size() && std::memcmp(bytes.data(), m_loadedBytes.data(), bytes.size()) == 0;
-    if (!m_loaded || !isSame) {
+    const bool isSame = m_loaded && bytes.size() == m_loadedBytes.size() &&
+                        std::memcmp(bytes.data(), m_loadedBytes.data(), bytes.size()) == 0;
+    if (!isSame) {
         m_loaded = LatestOf(bytes);
         m_loadedBytes.assign(bytes.begin(), bytes.end());
     }
