@@ -81,6 +81,16 @@ if(TARGET qellib10-record)
     "libqellib10-record${major} (= ${version}), libqellib10-core-dev (= ${version})")
   set(tools_need ", libqellib10-record${major} (= ${version})")
 endif()
+if(TARGET qellib10-quantity)
+  qellib10_library_package(qellib10-quantity quantity libqellib10-quantity${major} libs "${summary} - quantity"
+    "Results that can be computed again: formulas in exact decimals, named rounding,\nunits, uncertainties and their trace."
+    "libqellib10-core${major} (= ${version})")
+  set(CPACK_DEBIAN_QUANTITY_PACKAGE_RECOMMENDS libudunits2-0)
+  qellib10_package(quantity-development libqellib10-quantity-dev libdevel "${summary} - quantity headers"
+    "What applications that compute results are built with, beside\nlibqellib10-core-dev."
+    "libqellib10-quantity${major} (= ${version}), libqellib10-core-dev (= ${version})")
+  string(APPEND tools_need ", libqellib10-quantity${major} (= ${version})")
+endif()
 qellib10_library_package(qellib10-graphics graphics libqellib10-graphics${major} libs "${summary} - graphics"
   "Drawing, printing, print jobs and measurement curves, for applications built\nwith it."
   "libqellib10-core${major} (= ${version})")

@@ -41,6 +41,8 @@ const std::vector<Row> kArrows = {
     {"user", {"file"}},
     {"store", {"user", "platform/crypto"}},
     {"record", {"secure", "user", "platform/crypto", "platform/pam"}},
+    {"platform/decimal", {"platform"}},
+    {"quantity", {"calc", "platform/decimal"}},
     {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
     {"gtk", {"platform/printing"}},
@@ -57,13 +59,14 @@ const std::vector<Row> kArrows = {
 
 // The foreign libraries that others than platform include.
 constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
-    {"calc", "qellib10/decnumber/"},  // its number type is in the interface of CBCD
-    {"gtk", "gtk/"},                  // what the companion library is about
-    {"demo", "qellib10/qellib10.h"},  // an application takes the library as a whole
-    {"demo", "qellib10/record.h"},    //
-    {"demo", "qellib10/store.h"},     //
-    {"demo", "sys/syscall.h"},        //
-    {"demo", "unistd.h"},             //
+    {"calc", "qellib10/decnumber/"},      // its number type is in the interface of CBCD
+    {"gtk", "gtk/"},                      // what the companion library is about
+    {"platform", "qellib10/decnumber/"},  // a header of decimal numbers, for its sources alone
+    {"demo", "qellib10/qellib10.h"},      // an application takes the library as a whole
+    {"demo", "qellib10/record.h"},        //
+    {"demo", "qellib10/store.h"},         //
+    {"demo", "sys/syscall.h"},            //
+    {"demo", "unistd.h"},                 //
 };
 
 const Row* Find(const std::string& node) {

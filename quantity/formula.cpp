@@ -1,0 +1,57 @@
+#include "qellib10/quantity/formula.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "qellib10/platform/text/printable_text.h"
+#include "qellib10/quantity/formula_double.h"
+#include "qellib10/quantity/formula_parser.h"
+
+namespace qel {
+
+struct Formula::Parsed {
+    std::string text;
+    FormulaProgram program;
+    FastFormula fast;
+    std::size_t values = 0;  // how many the program reads
+};
+
+std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope& scope, FormulaError& error) {
+    if (text.size() > kLongest) {
+        error = {FormulaError::Kind::kTooLong, kLongest, text.size() - kLongest, {}, {}};
+        return {};
+    }
+    if (!IsUtf8(text)) {
+        error = {FormulaError::Kind::kText, 0, text.size(), {}, {}};
+        return {};
+    }
+    try {
+        FormulaProgram program = FormulaParser(text, scope).Parse();
+        FastFormula fast(program);
+        const auto last = std::ranges::max_element(program.variables);
+        const std::size_t values = last != program.variables.end() ? *last + 1 : 0;
+        return Formula(
+            std::make_shared<const Parsed>(Parsed{std::string(text), std::move(program), std::move(fast), values}));
+    } catch (const FormulaError& failure) {
+        error = failure;
+        return {};
+    }
+}
+
+const std::string& Formula::Text() const noexcept { return m_parsed->text; }
+const std::vector<std::size_t>& Formula::Variables() const noexcept { return m_parsed->program.variables; }
+bool Formula::IsCondition() const noexcept { return m_parsed->program.isTruth; }
+
+std::optional<double> Formula::Evaluate(std::span<const double> values, FormulaError& error) const {
+    if (values.size() < m_parsed->values) {
+        error = {FormulaError::Kind::kReading, 0, m_parsed->text.size(), "values that are not there", {}};
+        return {};
+    }
+    const double fast = m_parsed->fast.Evaluate(values.data());
+    if (!std::isnan(fast)) [[likely]]
+        return fast;
+    return EvaluatePlainly(m_parsed->program, values, error);
+}
+
+}  // namespace qel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "qellib10/quantity/formula_error.h"
+#include "qellib10/quantity/formula_program.h"
+
+namespace qel {
+
+/// Carries out a program in double, step by step, with the place of what goes wrong.
+/// @param values by position in the scope
+/// @return yes is 1 and no is 0
+std::optional<double> EvaluatePlainly(const FormulaProgram& program, std::span<const double> values,
+                                      FormulaError& error);
+
+/// The same program in a form that is carried out fast: an operation whose right operand is a number or a variable
+/// takes it without the stack. Where anything is not finite, or a division is by zero, it gives up, and EvaluatePlainly
+/// finds the place.
+class FastFormula {
+public:
+    explicit FastFormula(const FormulaProgram& program);
+
+    /// @param values by position in the scope; one for each that the program names
+    /// @return NaN where EvaluatePlainly has to look
+    double Evaluate(const double* values) const;
+
+private:
+    struct Step {
+        std::uint16_t code;  // operation and where its right operand is
+        std::uint32_t index;
+        double number;
+    };
+    std::vector<Step> m_steps;
+    std::vector<RoundingRule> m_rules;
+    std::size_t m_stack = 0;
+};
+
+/// The value of a constant, by its position in FormulaConstants().
+double ConstantValue(std::size_t index);
+
+/// @p value by a rule, from its shortest text and to the nearest double. NaN where the rule cannot.
+double Rounded(double value, const RoundingRule& rule);
+
+}  // namespace qel

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "qellib10/quantity/formula_program.h"
+#include "qellib10/quantity/formula_scope.h"
+#include "qellib10/quantity/formula_token.h"
+
+namespace qel {
+
+/// The grammar of formulas, parsed by recursive descent into steps; the later a row, the more tightly it binds:
+///
+///     condition    all { "or" all }
+///     all          negation { "and" negation }
+///     negation     [ "not" ] comparison
+///     comparison   sum [ ( = <> < <= > >= ) sum ]
+///     sum          product { ( + - ) product }                left to right
+///     product      signed { ( * / ) signed }                  left to right
+///     signed       [ + - ] signed  or  power                  -2^2 is -4
+///     power        atom [ "^" signed ]                        right to left: 2^3^2 is 2^9; 2^-1 is 0.5
+///     atom         number, name, "[" name "]", "const." name, "(" condition ")",
+///                  function "(" condition { "," condition } ")"
+class FormulaParser {
+public:
+    FormulaParser(std::string_view text, const FormulaScope& scope);
+
+    /// @throws FormulaError
+    FormulaProgram Parse();
+
+private:
+    enum class Type { kNumber, kTruth };
+    struct Part {
+        Type type = Type::kNumber;
+        std::size_t position = 0, length = 0;
+    };
+    struct Nested;
+
+    Part Condition();
+    Part All();
+    Part Negation();
+    Part Comparison();
+    Part Sum();
+    Part Product();
+    Part Signed();
+    Part Power();
+    Part Atom();
+    Part Number();
+    Part Word();
+    Part Variable(const FormulaToken& name);
+    Part Call(const FormulaToken& name);
+    Part If(const FormulaToken& name);
+    Part Round(const FormulaToken& name);
+    RoundingRule Rule();
+
+    template <class Next>
+    Part Joined(FormulaOperation jump, FormulaOperation operation, std::string_view word, Next next);
+    template <class Next, class... Operations> Part Numbers(Next next, Operations... operations);
+    void Require(const Part& part, Type wanted) const;
+    void Emit(FormulaOperation operation, const FormulaToken& at, std::size_t index, int change);
+    std::size_t EmitJump(FormulaOperation operation, const FormulaToken& at, int change);
+    void LandHere(std::size_t jump);
+    void Advance() { m_token = m_tokens.Next(); }
+    FormulaToken Taken();
+    FormulaToken Need(std::string_view operation, std::string expected);
+    Part Since(std::size_t position, Type type) const { return {type, position, m_end - position}; }
+    [[noreturn]] void Expect(std::string expected) const;
+
+    const FormulaScope& m_scope;
+    FormulaTokens m_tokens;
+    FormulaToken m_token;
+    std::size_t m_end = 0;  // of the last token that was taken
+    FormulaProgram m_program;
+    std::unordered_map<std::size_t, std::size_t> m_slots;  // of variables, by position in the scope
+    std::size_t m_stack = 0;
+    int m_depth = 0;
+};
+
+}  // namespace qel

@@ -1,0 +1,133 @@
+#include "qellib10/quantity/formula_token.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "qellib10/quantity/formula_error.h"
+
+namespace qel {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kNotInWords = " \t\r\n()*+-/=^<>,[]";
+constexpr std::array<std::string_view, 3> kOperatorWords = {"and", "or", "not"};
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) { return c != '\0' && kBlanks.find(c) != std::string_view::npos; }
+bool IsInWord(char c) { return kNotInWords.find(c) == std::string_view::npos; }
+bool IsOperatorWord(std::string_view word) { return std::ranges::find(kOperatorWords, word) != kOperatorWords.end(); }
+
+[[noreturn]] void Refuse(std::size_t position, std::size_t length, std::string expected) {
+    throw FormulaError{FormulaError::Kind::kSyntax, position, length, std::move(expected), {}};
+}
+
+}  // namespace
+
+void FormulaTokens::SkipBlanks() {
+    for (;;) {
+        while (m_at < m_text.size() && IsBlank(m_text[m_at])) ++m_at;
+        const std::string_view rest = m_text.substr(m_at);
+        if (rest.starts_with("//")) {
+            m_at += std::min(rest.find('\n'), rest.size());
+        } else if (rest.starts_with("/*")) {
+            const std::size_t end = rest.find("*/", 2);
+            if (end == std::string_view::npos) Refuse(m_at, 2, "*/ after the comment");
+            m_at += end + 2;
+        } else {
+            return;
+        }
+    }
+}
+
+FormulaToken FormulaTokens::Next() {
+    SkipBlanks();
+    if (m_at == m_text.size()) return {FormulaToken::Kind::kEnd, m_at, 0, {}};
+    const char c = m_text[m_at];
+    if (IsDigit(c) || c == '.') return Number();
+    if (c == '[') return Bracketed();
+    return IsInWord(c) ? Word() : Operator();
+}
+
+// An exponent follows without a blank: "1e-3"; "1 e" is a number before a name.
+void FormulaTokens::ReadExponent(std::string& number) {
+    if (At(m_at) != 'e' && At(m_at) != 'E') return;
+    const std::size_t sign = At(m_at + 1) == '-' || At(m_at + 1) == '+' ? 1 : 0;
+    if (!IsDigit(At(m_at + 1 + sign))) return;
+    number += 'e';
+    if (sign > 0) number += At(m_at + 1);
+    for (m_at += 1 + sign; IsDigit(At(m_at)); ++m_at) number += m_text[m_at];
+}
+
+FormulaToken FormulaTokens::Number() {
+    FormulaToken token{FormulaToken::Kind::kNumber, m_at, 0, {}};
+    bool hasPoint = false, hasDigit = false;
+    std::size_t end = m_at;
+    for (std::size_t at = m_at; IsDigit(At(at)) || At(at) == '.' || IsBlank(At(at)); ++at) {
+        const char c = m_text[at];
+        if (IsBlank(c)) continue;
+        if (c == '.' && std::exchange(hasPoint, true)) Refuse(at, 1, "one decimal point in a number");
+        hasDigit |= c != '.';
+        token.text += c;
+        end = at + 1;
+    }
+    m_at = end;
+    if (!hasDigit) Refuse(token.position, end - token.position, "digits");
+    ReadExponent(token.text);
+    token.length = m_at - token.position;
+    const std::size_t start = m_at;
+    SkipBlanks();
+    if (m_at < m_text.size() && (IsInWord(m_text[m_at]) || m_text[m_at] == '[')) {
+        FormulaTokens after = *this;
+        const FormulaToken name = m_text[m_at] == '[' ? after.Bracketed() : after.Word();
+        if (!IsOperatorWord(name.text)) Refuse(m_at, name.length, "an operator between a number and a name");
+    }
+    m_at = start;
+    return token;
+}
+
+FormulaToken FormulaTokens::Word() {
+    FormulaToken token{FormulaToken::Kind::kWord, m_at, 0, {}};
+    std::size_t end = m_at;
+    for (std::size_t at = m_at; at < m_text.size() && IsInWord(m_text[at]);) {
+        std::size_t past = at;
+        while (past < m_text.size() && IsInWord(m_text[past])) ++past;
+        const std::string_view piece = m_text.substr(at, past - at);
+        if (!token.text.empty() && IsOperatorWord(piece)) break;
+        token.text += piece;
+        end = past;
+        if (IsOperatorWord(token.text)) break;
+        at = past;
+        while (at < m_text.size() && IsBlank(m_text[at])) ++at;
+    }
+    m_at = end;
+    token.length = end - token.position;
+    return token;
+}
+
+FormulaToken FormulaTokens::Bracketed() {
+    FormulaToken token{FormulaToken::Kind::kBracketed, m_at, 0, {}};
+    for (std::size_t at = m_at + 1; at < m_text.size(); ++at) {
+        if (m_text[at] == ']' && At(at + 1) != ']') {
+            m_at = at + 1;
+            token.length = m_at - token.position;
+            if (token.text.empty()) Refuse(token.position, token.length, "a name in [ ]");
+            return token;
+        }
+        if (m_text[at] == ']') ++at;
+        token.text += m_text[at];
+    }
+    Refuse(m_at, 1, "] after the name");
+}
+
+FormulaToken FormulaTokens::Operator() {
+    const std::string_view rest = m_text.substr(m_at);
+    const bool isDouble = rest.starts_with("<=") || rest.starts_with(">=") || rest.starts_with("<>");
+    FormulaToken token{FormulaToken::Kind::kOperator, m_at, isDouble ? 2U : 1U, {}};
+    token.text = rest.substr(0, token.length);
+    if (token.Is("]")) Refuse(m_at, 1, "[ before ]");
+    m_at += token.length;
+    return token;
+}
+
+}  // namespace qel
