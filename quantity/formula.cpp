@@ -6,6 +6,7 @@
 
 #include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/formula_double.h"
+#include "qellib10/quantity/formula_exact.h"
 #include "qellib10/quantity/formula_parser.h"
 
 namespace qel {
@@ -19,11 +20,11 @@ struct Formula::Parsed {
 
 std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope& scope, FormulaError& error) {
     if (text.size() > kLongest) {
-        error = {FormulaError::Kind::kTooLong, kLongest, text.size() - kLongest, {}, {}};
+        error = {FormulaError::Kind::kTooLong, kLongest, text.size() - kLongest, {}, {}, {}};
         return {};
     }
     if (!IsUtf8(text)) {
-        error = {FormulaError::Kind::kText, 0, text.size(), {}, {}};
+        error = {FormulaError::Kind::kText, 0, text.size(), {}, {}, {}};
         return {};
     }
     try {
@@ -43,15 +44,31 @@ const std::string& Formula::Text() const noexcept { return m_parsed->text; }
 const std::vector<std::size_t>& Formula::Variables() const noexcept { return m_parsed->program.variables; }
 bool Formula::IsCondition() const noexcept { return m_parsed->program.isTruth; }
 
+bool Formula::HasAll(std::size_t values, FormulaError& error) const {
+    if (values >= m_parsed->values) return true;
+    error = {FormulaError::Kind::kReading, 0, m_parsed->text.size(), "values that are not there", {}, {}};
+    return false;
+}
+
 std::optional<double> Formula::Evaluate(std::span<const double> values, FormulaError& error) const {
-    if (values.size() < m_parsed->values) {
-        error = {FormulaError::Kind::kReading, 0, m_parsed->text.size(), "values that are not there", {}};
-        return {};
-    }
+    if (!HasAll(values.size(), error)) return {};
     const double fast = m_parsed->fast.Evaluate(values.data());
     if (!std::isnan(fast)) [[likely]]
         return fast;
     return EvaluatePlainly(m_parsed->program, values, error);
+}
+
+std::optional<ExactResult> Formula::EvaluateExactly(std::span<const Reading> readings, const ExactOptions& options,
+                                                    FormulaError& error, std::vector<ExactStep>* steps) const {
+    if (!HasAll(readings.size(), error)) return {};
+    const FormulaProgram& program = m_parsed->program;
+    try {
+        if (AreNumbers(program, readings)) return EvaluateNumbers(program, readings, StepLog(steps));
+        return EvaluateIntervals(program, readings, options, StepLog(steps));
+    } catch (const FormulaError& failure) {
+        error = failure;
+        return {};
+    }
 }
 
 }  // namespace qel

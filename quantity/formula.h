@@ -9,8 +9,10 @@
 #include <vector>
 
 #include "qellib10/platform/export.h"
+#include "qellib10/quantity/exact_result.h"
 #include "qellib10/quantity/formula_error.h"
 #include "qellib10/quantity/formula_scope.h"
+#include "qellib10/quantity/reading.h"
 
 namespace qel {
 
@@ -39,8 +41,18 @@ public:
     /// @p error has the place
     std::optional<double> Evaluate(std::span<const double> values, FormulaError& error) const;
 
+    /// Evaluates in exact decimals of 34 digits. Readings that are limits, missing or invalid are all the numbers that
+    /// they may be, and so is the result.
+    /// @param readings of the scope's names, by position
+    /// @param steps gets each step that was carried out, in that order; also those before an error
+    /// @return nothing where a division is by zero for certain, something is not defined for any of those numbers or is
+    /// too large, min, max or mean need a number, or @p readings is too short; @p error has the place
+    std::optional<ExactResult> EvaluateExactly(std::span<const Reading> readings, const ExactOptions& options,
+                                               FormulaError& error, std::vector<ExactStep>* steps = nullptr) const;
+
 private:
     struct Parsed;
+    bool HasAll(std::size_t values, FormulaError& error) const;
     explicit Formula(std::shared_ptr<const Parsed> parsed) : m_parsed(std::move(parsed)) {}
 
     std::shared_ptr<const Parsed> m_parsed;

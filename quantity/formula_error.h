@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,8 @@ struct QELLIB10_API FormulaError {
 
     /// One sentence without a full stop, in English: an unknown name "EPP" at character 3; did you mean "EP"?
     std::string Text(std::string_view formula) const;
+
+    std::optional<std::size_t> cause;  ///< of kReading the position in the scope of the variable, if it is one
 
     friend bool operator==(const FormulaError&, const FormulaError&) = default;
 };

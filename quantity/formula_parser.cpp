@@ -47,7 +47,7 @@ constexpr std::array kRoundings = {
 
 [[noreturn]] void Refuse(FormulaError::Kind kind, const FormulaToken& at, std::string expected,
                          std::string nearest = {}) {
-    throw FormulaError{kind, at.position, at.length, std::move(expected), std::move(nearest)};
+    throw FormulaError{kind, at.position, at.length, std::move(expected), std::move(nearest), {}};
 }
 
 }  // namespace
@@ -96,6 +96,7 @@ void FormulaParser::Require(const Part& part, Type wanted) const {
                        part.position,
                        part.length,
                        wanted == Type::kNumber ? "a number" : "a condition",
+                       {},
                        {}};
 }
 

@@ -4,6 +4,7 @@
 
 #include "qellib10/quantity/formula_constants.h"
 #include "qellib10/quantity/formula_double.h"
+#include "qellib10/quantity/formula_machine.h"
 
 namespace qel {
 namespace {
@@ -11,68 +12,20 @@ namespace {
 using Kind = FormulaError::Kind;
 using Operation = FormulaOperation;
 
-class Machine {
+class DoubleArithmetic {
 public:
-    Machine(const FormulaProgram& program, std::span<const double> values) : m_program(program), m_values(values) {
-        m_stack.reserve(program.stack);
-    }
+    using Value = double;
 
-    double Run() {
-        for (std::size_t at = 0; at < m_program.steps.size();) {
-            const FormulaStep& step = m_program.steps[at];
-            if (Jumps(step.operation)) {
-                at = IsTaken(step.operation) ? step.index : at + 1;
-                continue;
-            }
-            m_stack.push_back(Checked(step, Computed(step)));
-            ++at;
-        }
-        return m_stack.back();
-    }
+    DoubleArithmetic(const FormulaProgram& program, std::span<const double> values)
+        : m_program(program), m_values(values) {}
 
-private:
-    [[noreturn]] static void Refuse(const FormulaStep& step, Kind kind, const char* expected = "") {
-        throw FormulaError{kind, step.position, step.length, expected, {}};
-    }
-
-    double Taken() {
-        const double value = m_stack.back();
-        m_stack.pop_back();
-        return value;
-    }
-
-    bool IsTaken(Operation jump) {
-        switch (jump) {
-            case Operation::kAndThen:
-                return m_stack.back() == 0.0;
-            case Operation::kOrElse:
-                return m_stack.back() != 0.0;
-            case Operation::kIfNot:
-                return Taken() == 0.0;
-            default:
-                return true;
-        }
-    }
-
-    static double Checked(const FormulaStep& step, double value) {
-        if (std::isfinite(value)) return value;
-        if (step.operation == Operation::kVariable) Refuse(step, Kind::kReading, "a value that is not finite");
-        Refuse(step, std::isnan(value) ? Kind::kUndefined : Kind::kTooLarge);
-    }
-
-    double Computed(const FormulaStep& step) {
-        if (TakesOne(step.operation)) return OfOne(step, Taken());
-        if (TakesMany(step.operation)) return OfMany(step);
-        if (TakesTwo(step.operation)) {
-            const double right = Taken();
-            return OfTwo(step, Taken(), right);
-        }
+    double Start(const FormulaStep& step) const {
         if (step.operation == Operation::kNumber) return m_program.numbers[step.index].nearest;
         if (step.operation == Operation::kConstant) return ConstantValue(step.index);
         return m_values[m_program.variables[step.index]];
     }
 
-    double OfOne(const FormulaStep& step, double value) const {
+    double One(const FormulaStep& step, double value) const {
         switch (step.operation) {
             case Operation::kNegate:
                 return -value;
@@ -95,7 +48,7 @@ private:
         }
     }
 
-    static double OfTwo(const FormulaStep& step, double left, double right) {
+    static double Two(const FormulaStep& step, double left, double right) {
         switch (step.operation) {
             case Operation::kAdd:
                 return left + right;
@@ -125,18 +78,29 @@ private:
         }
     }
 
-    double OfMany(const FormulaStep& step) {
-        const auto first = m_stack.end() - static_cast<std::ptrdiff_t>(step.index);
-        const double result = step.operation == Operation::kMin   ? *std::min_element(first, m_stack.end())
-                              : step.operation == Operation::kMax ? *std::max_element(first, m_stack.end())
-                                                                  : std::accumulate(first, m_stack.end(), 0.0);
-        m_stack.erase(first, m_stack.end());
-        return step.operation == Operation::kMean ? result / step.index : result;
+    static double Many(const FormulaStep& step, std::span<const double> values) {
+        if (step.operation == Operation::kMin) return *std::ranges::min_element(values);
+        if (step.operation == Operation::kMax) return *std::ranges::max_element(values);
+        const double sum = std::accumulate(values.begin(), values.end(), 0.0);
+        return step.operation == Operation::kMean ? sum / step.index : sum;
+    }
+
+    static Truth TruthOf(double value) { return value == 0.0 ? Truth::kNo : Truth::kYes; }
+    static double Undecided(double condition) { return condition; }  // never: each condition is decided
+
+    static void Check(const FormulaStep& step, double value) {
+        if (std::isfinite(value)) return;
+        if (step.operation == Operation::kVariable) Refuse(step, Kind::kReading, "a value that is not finite");
+        Refuse(step, std::isnan(value) ? Kind::kUndefined : Kind::kTooLarge);
+    }
+
+private:
+    [[noreturn]] static void Refuse(const FormulaStep& step, Kind kind, const char* expected = "") {
+        throw FormulaError{kind, step.position, step.length, expected, {}, {}};
     }
 
     const FormulaProgram& m_program;
     std::span<const double> m_values;
-    std::vector<double> m_stack;
 };
 
 }  // namespace
@@ -153,7 +117,8 @@ double Rounded(double value, const RoundingRule& rule) {
 std::optional<double> EvaluatePlainly(const FormulaProgram& program, std::span<const double> values,
                                       FormulaError& error) {
     try {
-        return Machine(program, values).Run();
+        DoubleArithmetic arithmetic(program, values);
+        return FormulaMachine(program, arithmetic).Run();
     } catch (const FormulaError& failure) {
         error = failure;
         return {};

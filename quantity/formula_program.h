@@ -65,6 +65,10 @@ constexpr bool TakesTwo(FormulaOperation operation) {
 constexpr bool TakesMany(FormulaOperation operation) {
     return operation >= FormulaOperation::kMin && operation <= FormulaOperation::kSum;
 }
+constexpr bool GivesTruth(FormulaOperation operation) {
+    return operation == FormulaOperation::kNot ||
+           (operation >= FormulaOperation::kLess && operation <= FormulaOperation::kOr);
+}
 constexpr bool Jumps(FormulaOperation operation) { return operation >= FormulaOperation::kAndThen; }
 
 struct FormulaStep {

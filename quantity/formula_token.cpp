@@ -19,7 +19,7 @@ bool IsInWord(char c) { return kNotInWords.find(c) == std::string_view::npos; }
 bool IsOperatorWord(std::string_view word) { return std::ranges::find(kOperatorWords, word) != kOperatorWords.end(); }
 
 [[noreturn]] void Refuse(std::size_t position, std::size_t length, std::string expected) {
-    throw FormulaError{FormulaError::Kind::kSyntax, position, length, std::move(expected), {}};
+    throw FormulaError{FormulaError::Kind::kSyntax, position, length, std::move(expected), {}, {}};
 }
 
 }  // namespace

@@ -105,6 +105,12 @@ RoundedValue RoundingRule::Round(const Decimal& value, const std::optional<Decim
     return result;
 }
 
+RoundingRule RoundingRule::With(DecimalRounding rounding) const {
+    RoundingRule rule = *this;
+    rule.m_rounding = rounding;
+    return rule;
+}
+
 std::string RoundingRule::Name() const {
     const auto named = std::ranges::find(kRoundings, m_rounding, &NamedRounding::rounding);
     const std::string name = std::string(named->name) + ", ";

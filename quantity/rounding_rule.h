@@ -47,6 +47,9 @@ public:
     /// the result needs more than 34 digits
     RoundedValue Round(const Decimal& value, const std::optional<Decimal>& uncertainty = {}) const;
 
+    /// The same rule with another way of rounding.
+    RoundingRule With(DecimalRounding rounding) const;
+
     /// "half even, 2 decimal places". OfName reads it, for rules that are kept in a file.
     std::string Name() const;
     static std::optional<RoundingRule> OfName(std::string_view name);

@@ -19,6 +19,15 @@ struct DecimalFlags {
     bool isDividedByZero = false;  ///< the exact result is infinite
     bool isTooLarge = false;       ///< an overflow; the result is infinite or the largest number
     bool isTooSmall = false;       ///< an underflow; digits were lost near 0
+
+    void Join(const DecimalFlags& other) noexcept {
+        isInexact |= other.isInexact;
+        isInvalid |= other.isInvalid;
+        isDividedByZero |= other.isDividedByZero;
+        isTooLarge |= other.isTooLarge;
+        isTooSmall |= other.isTooSmall;
+    }
+    friend bool operator==(const DecimalFlags&, const DecimalFlags&) = default;
 };
 
 /// How a result with more digits than fit is rounded.

@@ -1,6 +1,7 @@
 #include "qellib10/platform/decimal/decimal_functions.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "qellib10/platform/decimal/dec_digits.h"
@@ -125,11 +126,34 @@ Decimal PositivePower(const Decimal& base, const Decimal& exponent, DecimalFlags
     return PowerOf(*root, Multiply(exponent, Decimal(degree), ignored).Reduced(), flags);
 }
 
+double Log2(const Decimal& positive) {
+    const int exponent = positive.Magnitude();
+    DecimalFlags ignored;
+    const Decimal digits = Multiply(positive, Decimal::Scaled(1, -exponent, ignored), ignored);
+    return std::log2(digits.ToDouble()) + exponent * std::log2(10.0);
+}
+
 }  // namespace
 
 Decimal Exponential(const Decimal& a, DecimalFlags& flags) { return Computed<decNumberExp>(a, flags); }
 Decimal NaturalLogarithm(const Decimal& a, DecimalFlags& flags) { return Computed<decNumberLn>(a, flags); }
 Decimal DecimalLogarithm(const Decimal& a, DecimalFlags& flags) { return Computed<decNumberLog10>(a, flags); }
+
+Decimal BinaryLogarithm(const Decimal& a, DecimalFlags& flags) {
+    DecimalFlags ignored;
+    const bool isPositive = a.IsFinite() && !a.IsZero() && !a.IsNegative();
+    const auto nearest = isPositive ? static_cast<std::int64_t>(std::round(Log2(a))) : 0;
+    if (isPositive && Power(Decimal(2), Decimal(nearest), ignored) == a && !ignored.isInexact) return Decimal(nearest);
+    return CorrectlyRounded(
+        [&](decNumber* result, decContext& context) {
+            Wide two;
+            decNumberLn(two.Get(), DecimalAccess::Of(Decimal(2)), &context);
+            context.status = 0;
+            decNumberLn(result, DecimalAccess::Of(a), &context);
+            decNumberDivide(result, result, two.Get(), &context);
+        },
+        flags);
+}
 
 Decimal Power(const Decimal& base, const Decimal& exponent, DecimalFlags& flags) {
     // decNumber computes whole powers of more than nine digits as others, which negative numbers do not have.

@@ -1,0 +1,231 @@
+#include <algorithm>
+#include <string>
+
+#include "qellib10/platform/decimal/decimal_functions.h"
+#include "qellib10/quantity/exact_operations.h"
+#include "qellib10/quantity/formula_exact.h"
+#include "qellib10/quantity/formula_machine.h"
+#include "qellib10/quantity/interval.h"
+
+namespace qel {
+namespace {
+
+using Kind = FormulaError::Kind;
+using Operation = FormulaOperation;
+
+// A number, or a truth that is a number where it is decided.
+struct Known {
+    Interval range;
+    bool isUndecided = false;
+
+    bool IsNumber() const { return !isUndecided && range.IsPoint(); }
+    const Decimal& Number() const { return range.lower.value; }
+};
+
+Known Everything(const std::optional<std::size_t>& cause) { return {Interval::Everything(cause), true}; }
+
+Known TruthAs(Truth truth, const std::optional<std::size_t>& cause) {
+    if (truth == Truth::kUndecided) return Everything(cause);
+    return {Interval::Point(Decimal(truth == Truth::kYes ? 1 : 0)), false};
+}
+
+Truth Opposite(Truth truth) {
+    return truth == Truth::kUndecided ? truth : truth == Truth::kYes ? Truth::kNo : Truth::kYes;
+}
+
+ExactResult ResultOf(const Known& known, bool isTruth) {
+    const Interval& range = known.range;
+    ExactResult result;
+    result.cause = range.cause;
+    if (isTruth) {
+        result.kind = known.isUndecided            ? ExactResult::Kind::kUndecided
+                      : range.lower.value.IsZero() ? ExactResult::Kind::kNo
+                                                   : ExactResult::Kind::kYes;
+    } else if (range.IsPoint()) {
+        result.kind = ExactResult::Kind::kValue;
+        result.value = range.lower.value;
+    } else if (range.IsBoundedAbove() != range.IsBoundedBelow()) {
+        const bool isBelow = range.IsBoundedAbove();
+        const Interval::Bound& bound = isBelow ? range.upper : range.lower;
+        result.kind = isBelow ? ExactResult::Kind::kBelow : ExactResult::Kind::kAbove;
+        result.value = bound.value;
+        result.isIncluded = !bound.isOpen;
+    }
+    if (result.kind == ExactResult::Kind::kValue) result.cause = {};
+    return result;
+}
+
+class IntervalArithmetic {
+public:
+    using Value = Known;
+
+    IntervalArithmetic(const FormulaProgram& program, std::span<const Reading> readings, const ExactOptions& options,
+                       StepLog log)
+        : m_program(program), m_readings(readings), m_options(options), m_log(log) {}
+
+    Known Start(const FormulaStep& step) {
+        if (step.operation != Operation::kVariable)
+            return {Interval::Point(WrittenOperand(m_program, step, m_happened)), false};
+        const std::size_t position = m_program.variables[step.index];
+        m_isFromBinary |= m_readings[position].isFromBinary;
+        return {Interval::Of(m_readings[position], position), false};
+    }
+
+    Known One(const FormulaStep& step, const Known& value) {
+        if (value.IsNumber()) return Exactly(ExactOne(m_program, step, value.Number(), m_happened));
+        if (value.isUndecided) return value;
+        return {OfRange(step, value.range), false};
+    }
+
+    Known Two(const FormulaStep& step, const Known& left, const Known& right) {
+        if (step.operation == Operation::kAnd || step.operation == Operation::kOr) return Joined(step, left, right);
+        if (left.IsNumber() && right.IsNumber())
+            return Exactly(ExactTwo(step, left.Number(), right.Number(), m_happened));
+        return OfRanges(step, left.range, right.range);
+    }
+
+    Known Many(const FormulaStep& step, std::span<const Known> values) {
+        if (step.operation == Operation::kSum) {
+            Interval sum = values.front().range;
+            for (const Known& value : values.subspan(1)) sum = Sum(sum, value.range, m_happened);
+            return {sum, false};
+        }
+        std::vector<Decimal> numbers;
+        for (const Known& value : values)
+            numbers.push_back(value.IsNumber() ? value.Number() : Substitute(step, value));
+        return Exactly(ExactMany(step, numbers, m_happened));
+    }
+
+    static Truth TruthOf(const Known& value) {
+        if (value.isUndecided) return Truth::kUndecided;
+        return value.Number().IsZero() ? Truth::kNo : Truth::kYes;
+    }
+    static Known Undecided(const Known& condition) { return Everything(condition.range.cause); }
+
+    void Check(const FormulaStep& step, const Known& value) {
+        if (m_log.IsKept()) m_log.Add(step, ResultOf(value, GivesTruth(step.operation)), m_happened);
+        m_flags.Join(m_happened);
+        m_happened = {};
+    }
+
+    ExactResult Whole(const Known& value) const {
+        ExactResult result = ResultOf(value, m_program.isTruth);
+        result.flags = m_flags;
+        result.isFromBinary = m_isFromBinary;
+        return result;
+    }
+
+private:
+    static Known Exactly(const Decimal& value) { return {Interval::Point(value), false}; }
+
+    [[noreturn]] void Refuse(const FormulaStep& step, Kind kind, std::string expected) const {
+        throw FormulaError{kind, step.position, step.length, std::move(expected), {}, {}};
+    }
+
+    // Of a function that is defined from 0 on, or from there without 0 itself.
+    Interval Defined(const FormulaStep& step, const Interval& range, bool isAtZero, GrowingFunction function) {
+        const Decimal zero;
+        const bool isNever =
+            range.upper.value < zero || (range.upper.value.IsZero() && (range.upper.isOpen || !isAtZero));
+        if (isNever) Refuse(step, Kind::kUndefined, {});
+        const bool isAlways = isAtZero ? range.lower.value >= zero : range.Sign() > 0;
+        return isAlways ? Grown(range, function, m_happened) : Interval::Everything(range.cause);
+    }
+
+    Interval OfRange(const FormulaStep& step, const Interval& range) {
+        switch (step.operation) {
+            case Operation::kNegate:
+                return Negated(range);
+            case Operation::kAbs:
+                return Absolute(range);
+            case Operation::kSqrt:
+                return Defined(step, range, true, SquareRoot);
+            case Operation::kExp:
+                return OpenAtZero(Grown(range, Exponential, m_happened));
+            case Operation::kLn:
+                return Defined(step, range, false, NaturalLogarithm);
+            case Operation::kLog10:
+                return Defined(step, range, false, DecimalLogarithm);
+            case Operation::kLog2:
+                return Defined(step, range, false, BinaryLogarithm);
+            default:
+                return RoundedBy(m_program.rules[step.index], range);
+        }
+    }
+
+    // No power of e is 0.
+    static Interval OpenAtZero(Interval range) {
+        range.lower.isOpen |= range.lower.value.IsZero();
+        return range;
+    }
+
+    Known OfRanges(const FormulaStep& step, const Interval& a, const Interval& b) {
+        const std::optional<std::size_t> cause = a.cause ? a.cause : b.cause;
+        switch (step.operation) {
+            case Operation::kAdd:
+                return {Sum(a, b, m_happened), false};
+            case Operation::kSubtract:
+                return {Sum(a, Negated(b), m_happened), false};
+            case Operation::kMultiply:
+                return {Product(a, b, m_happened), false};
+            case Operation::kDivide:
+                if (b.IsPoint() && b.HasZero()) Refuse(step, Kind::kDividedByZero, {});
+                return {Quotient(a, b, m_happened), false};
+            case Operation::kPower:
+                return {PowerOf(a, b, m_happened), false};
+            case Operation::kLess:
+                return TruthAs(IsLess(a, b), cause);
+            case Operation::kLessOrEqual:
+                return TruthAs(Opposite(IsLess(b, a)), cause);
+            case Operation::kGreater:
+                return TruthAs(IsLess(b, a), cause);
+            case Operation::kGreaterOrEqual:
+                return TruthAs(Opposite(IsLess(a, b)), cause);
+            case Operation::kEqual:
+                return TruthAs(IsEqual(a, b), cause);
+            default:
+                return TruthAs(Opposite(IsEqual(a, b)), cause);
+        }
+    }
+
+    // The side that decides, does; the left one did not.
+    static Known Joined(const FormulaStep& step, const Known& left, const Known& right) {
+        const Truth deciding = step.operation == Operation::kAnd ? Truth::kNo : Truth::kYes;
+        if (TruthOf(right) == deciding) return right;
+        return left.isUndecided ? left : right;
+    }
+
+    Decimal Substitute(const FormulaStep& step, const Known& value) {
+        const Interval& range = value.range;
+        const bool isLimit = range.IsBoundedAbove() != range.IsBoundedBelow();
+        if (m_options.substitution == LimitSubstitution::kNone || !isLimit)
+            throw FormulaError{Kind::kReading, step.position, step.length, "a reading that is no number", {},
+                               range.cause};
+        if (range.IsBoundedBelow()) return range.lower.value;
+        switch (m_options.substitution) {
+            case LimitSubstitution::kZero:
+                return {};
+            case LimitSubstitution::kHalf:
+                return Divide(range.upper.value, Decimal(2), m_happened);
+            default:
+                return range.upper.value;
+        }
+    }
+
+    const FormulaProgram& m_program;
+    std::span<const Reading> m_readings;
+    const ExactOptions& m_options;
+    StepLog m_log;
+    DecimalFlags m_happened, m_flags;  // in this step, in all steps
+    bool m_isFromBinary = false;
+};
+
+}  // namespace
+
+ExactResult EvaluateIntervals(const FormulaProgram& program, std::span<const Reading> readings,
+                              const ExactOptions& options, StepLog log) {
+    IntervalArithmetic arithmetic(program, readings, options, log);
+    return arithmetic.Whole(FormulaMachine(program, arithmetic).Run());
+}
+
+}  // namespace qel

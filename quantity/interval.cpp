@@ -1,0 +1,167 @@
+#include "qellib10/quantity/interval.h"
+
+#include <algorithm>
+
+#include "qellib10/platform/decimal/decimal_functions.h"
+
+namespace qel {
+namespace {
+
+using Bound = Interval::Bound;
+
+const Decimal& Infinity() {
+    static const Decimal infinity = [] {
+        DecimalFlags ignored;
+        return Decimal::OfText("Infinity", ignored);
+    }();
+    return infinity;
+}
+
+std::optional<std::size_t> CauseOf(const Interval& a, const Interval& b) { return a.cause ? a.cause : b.cause; }
+
+// Where two bounds are the same number, it is possible if one of them says so.
+bool IsBefore(const Bound& a, const Bound& b) {
+    return a.value < b.value || (a.value == b.value && !a.isOpen && b.isOpen);
+}
+bool IsAfter(const Bound& a, const Bound& b) {
+    return a.value > b.value || (a.value == b.value && !a.isOpen && b.isOpen);
+}
+
+Interval Spanned(const std::array<Bound, 4>& ends, const std::optional<std::size_t>& cause) {
+    Interval all{ends[0], ends[0], cause};
+    for (const Bound& end : ends) {
+        if (IsBefore(end, all.lower)) all.lower = end;
+        if (IsAfter(end, all.upper)) all.upper = end;
+    }
+    return all;
+}
+
+// 0 times anything is 0, also times a side of which nothing is known: that is no number either.
+Bound Times(const Bound& a, const Bound& b, DecimalFlags& flags) {
+    const bool isZero = (a.value.IsZero() && !a.isOpen) || (b.value.IsZero() && !b.isOpen);
+    if (isZero) return {};
+    if (a.value.IsZero() || b.value.IsZero()) return {Decimal(), true};
+    return {Multiply(a.value, b.value, flags), a.isOpen || b.isOpen};
+}
+
+// Of a divisor without 0; an end of it at 0 is open, and the quotients grow without end towards it.
+Bound By(const Bound& a, const Bound& b, int sign, DecimalFlags& flags) {
+    if (a.value.IsZero()) return {Decimal(), a.isOpen};
+    if (b.value.IsInfinite()) return {Decimal(), true};
+    if (b.value.IsZero()) return {a.value.IsNegative() == (sign < 0) ? Infinity() : -Infinity(), true};
+    return {Divide(a.value, b.value, flags), a.isOpen || b.isOpen};
+}
+
+Interval Everywhere(const Interval& a, const Interval& b) { return Interval::Everything(CauseOf(a, b)); }
+
+// The function of each bound, where it grows or falls with its argument.
+template <class Function> Interval Monotone(const Interval& a, bool grows, Function function) {
+    const Bound first{function(a.lower.value), a.lower.isOpen}, last{function(a.upper.value), a.upper.isOpen};
+    return grows ? Interval{first, last, a.cause} : Interval{last, first, a.cause};
+}
+
+bool IsEven(const Decimal& whole) {
+    DecimalFlags ignored;
+    return Remainder(whole, Decimal(2), ignored).IsZero();
+}
+
+}  // namespace
+
+Interval Interval::Everything(const std::optional<std::size_t>& cause) {
+    return {{-Infinity(), true}, {Infinity(), true}, cause};
+}
+
+Interval Interval::Of(const Reading& reading, std::size_t position) {
+    switch (reading.kind) {
+        case Reading::Kind::kValue:
+            return Point(reading.value);
+        case Reading::Kind::kBelow:
+            return {{-Infinity(), true}, {reading.value, true}, position};
+        case Reading::Kind::kAbove:
+            return {{reading.value, true}, {Infinity(), true}, position};
+        default:
+            return Everything(position);
+    }
+}
+
+int Interval::Sign() const {
+    const Decimal zero;
+    if (lower.value > zero || (lower.value.IsZero() && lower.isOpen)) return 1;
+    return upper.value < zero || (upper.value.IsZero() && upper.isOpen) ? -1 : 0;
+}
+
+bool Interval::HasZero() const { return Sign() == 0; }
+
+Interval Negated(const Interval& a) {
+    return {{-a.upper.value, a.upper.isOpen}, {-a.lower.value, a.lower.isOpen}, a.cause};
+}
+
+Interval Absolute(const Interval& a) {
+    if (a.Sign() > 0) return a;
+    const Interval negated = Negated(a);
+    if (a.Sign() < 0) return negated;
+    return {{}, IsAfter(a.upper, negated.upper) ? a.upper : negated.upper, a.cause};
+}
+
+Interval Sum(const Interval& a, const Interval& b, DecimalFlags& flags) {
+    return {{Add(a.lower.value, b.lower.value, flags), a.lower.isOpen || b.lower.isOpen},
+            {Add(a.upper.value, b.upper.value, flags), a.upper.isOpen || b.upper.isOpen},
+            CauseOf(a, b)};
+}
+
+Interval Product(const Interval& a, const Interval& b, DecimalFlags& flags) {
+    return Spanned({Times(a.lower, b.lower, flags), Times(a.lower, b.upper, flags), Times(a.upper, b.lower, flags),
+                    Times(a.upper, b.upper, flags)},
+                   CauseOf(a, b));
+}
+
+Interval Quotient(const Interval& a, const Interval& b, DecimalFlags& flags) {
+    const int sign = b.Sign();
+    if (sign == 0) return Everywhere(a, b);
+    return Spanned({By(a.lower, b.lower, sign, flags), By(a.lower, b.upper, sign, flags),
+                    By(a.upper, b.lower, sign, flags), By(a.upper, b.upper, sign, flags)},
+                   CauseOf(a, b));
+}
+
+Interval PowerOf(const Interval& base, const Interval& exponent, DecimalFlags& flags) {
+    const Decimal zero;
+    if (exponent.IsPoint()) {
+        const Decimal& power = exponent.lower.value;
+        if (power < zero) return Quotient(Interval::Point(Decimal(1)), PowerOf(base, Negated(exponent), flags), flags);
+        const auto raised = [&](const Decimal& value) { return Power(value, power, flags); };
+        if (power.IsZero()) return base.HasZero() ? Everywhere(base, exponent) : Interval::Point(Decimal(1));
+        if (power.IsInteger()) return Monotone(IsEven(power) ? Absolute(base) : base, true, raised);
+        return base.lower.value < zero ? Everywhere(base, exponent) : Monotone(base, true, raised);
+    }
+    const Decimal& number = base.lower.value;
+    if (!base.IsPoint() || number <= zero) return Everywhere(base, exponent);
+    const auto raised = [&](const Decimal& value) { return Power(number, value, flags); };
+    Interval power = Monotone(exponent, number >= Decimal(1), raised);
+    power.cause = CauseOf(base, exponent);
+    return power;
+}
+
+Interval RoundedBy(const RoundingRule& rule, const Interval& a) {
+    const auto rounded = [&](const Bound& bound) {
+        return bound.value.IsFinite() ? Bound{rule.Round(bound.value).rounded, false} : bound;
+    };
+    const Interval result{rounded(a.lower), rounded(a.upper), a.cause};
+    return result.lower.value.IsNan() || result.upper.value.IsNan() ? Interval::Everything(a.cause) : result;
+}
+
+Interval Grown(const Interval& a, GrowingFunction function, DecimalFlags& flags) {
+    return Monotone(a, true, [&](const Decimal& value) { return function(value, flags); });
+}
+
+Truth IsLess(const Interval& a, const Interval& b) {
+    const bool isTouching = a.upper.isOpen || b.lower.isOpen;
+    if (a.upper.value < b.lower.value || (a.upper.value == b.lower.value && isTouching)) return Truth::kYes;
+    return a.lower.value >= b.upper.value ? Truth::kNo : Truth::kUndecided;
+}
+
+Truth IsEqual(const Interval& a, const Interval& b) {
+    if (IsLess(a, b) == Truth::kYes || IsLess(b, a) == Truth::kYes) return Truth::kNo;
+    return a.IsPoint() && b.IsPoint() ? Truth::kYes : Truth::kUndecided;
+}
+
+}  // namespace qel

@@ -1,0 +1,78 @@
+#include "qellib10/quantity/reading.h"
+
+#include <cmath>
+
+#include "qellib10/calc/calc_variable_list.h"
+
+namespace qel {
+namespace {
+
+constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kMissingText = "missing";
+constexpr std::string_view kInvalidText = "invalid";
+
+std::string_view Trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+}
+
+Reading Finite(Reading::Kind kind, const Decimal& value) {
+    return value.IsFinite() ? Reading{kind, value, false, {}} : Reading{Reading::Kind::kInvalid, {}, false, {}};
+}
+
+}  // namespace
+
+Reading Reading::Of(const Decimal& value) { return Finite(Kind::kValue, value); }
+Reading Reading::Below(const Decimal& limit) { return Finite(Kind::kBelow, limit); }
+Reading Reading::Above(const Decimal& limit) { return Finite(Kind::kAbove, limit); }
+
+Reading Reading::OfDouble(double value) {
+    Reading reading = Of(Decimal::OfDouble(value));
+    reading.isFromBinary = reading.IsValue();
+    return reading;
+}
+
+std::optional<Reading> Reading::OfText(std::string_view text) {
+    text = Trimmed(text);
+    if (text == kMissingText) return Reading{};
+    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, {}};
+    Kind kind = Kind::kValue;
+    if (text.starts_with('<')) kind = Kind::kBelow;
+    if (text.starts_with('>')) kind = Kind::kAbove;
+    if (kind != Kind::kValue) text = Trimmed(text.substr(1));
+    DecimalFlags flags;
+    const Decimal value = Decimal::OfText(text, flags);
+    // A reading of more digits than fit is no reading.
+    if (!value.IsFinite() || flags.isInexact) return {};
+    return Reading{kind, value, false, {}};
+}
+
+std::string Reading::Text() const {
+    switch (kind) {
+        case Kind::kValue:
+            return value.Text();
+        case Kind::kBelow:
+            return "< " + value.Text();
+        case Kind::kAbove:
+            return "> " + value.Text();
+        case Kind::kMissing:
+            return std::string(kMissingText);
+        default:
+            return std::string(kInvalidText);
+    }
+}
+
+std::optional<std::vector<Reading>> ReadingsOf(const CCalcVariableList& list, RoundedList rounded) {
+    const bool isRounded = list.GetRoundUpFlag() != 0;
+    if (isRounded && rounded == RoundedList::kRefuse) return {};
+    std::vector<Reading> readings;
+    CCalcVariable variable;
+    for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
+        readings.push_back(Reading::OfDouble(variable.m_dValue));
+        if (isRounded) readings.back().places = list.GetRoundUpDigit();
+    }
+    return readings;
+}
+
+}  // namespace qel
