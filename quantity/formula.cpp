@@ -7,6 +7,7 @@
 #include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/formula_double.h"
 #include "qellib10/quantity/formula_exact.h"
+#include "qellib10/quantity/formula_kept.h"
 #include "qellib10/quantity/formula_parser.h"
 
 namespace qel {
@@ -18,9 +19,10 @@ struct Formula::Parsed {
     std::size_t values = 0;  // how many the program reads
 };
 
-std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope& scope, FormulaError& error) {
-    if (text.size() > kLongest) {
-        error = {FormulaError::Kind::kTooLong, kLongest, text.size() - kLongest, {}, {}, {}};
+template <class Parser> std::optional<Formula> Formula::ParsedBy(Parser parser, std::string_view text,
+                                                                 std::size_t longest, FormulaError& error) {
+    if (text.size() > longest) {
+        error = {FormulaError::Kind::kTooLong, longest, text.size() - longest, {}, {}, {}};
         return {};
     }
     if (!IsUtf8(text)) {
@@ -28,7 +30,7 @@ std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope&
         return {};
     }
     try {
-        FormulaProgram program = FormulaParser(text, scope).Parse();
+        FormulaProgram program = parser();
         FastFormula fast(program);
         const auto last = std::ranges::max_element(program.variables);
         const std::size_t values = last != program.variables.end() ? *last + 1 : 0;
@@ -38,6 +40,14 @@ std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope&
         error = failure;
         return {};
     }
+}
+
+std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope& scope, FormulaError& error) {
+    return ParsedBy([&] { return FormulaParser(text, scope).Parse(); }, text, kLongest, error);
+}
+
+std::optional<Formula> Formula::Kept(std::string_view text, const FormulaScope& scope, FormulaError& error) {
+    return ParsedBy([&] { return ParseKept(text, scope); }, text, kLongestKeptFormula, error);
 }
 
 const std::string& Formula::Text() const noexcept { return m_parsed->text; }

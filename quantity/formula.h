@@ -29,6 +29,12 @@ public:
     /// @return nothing where the text is not valid; @p error has what and where
     static std::optional<Formula> Parse(std::string_view text, const FormulaScope& scope, FormulaError& error);
 
+    /// As CQWCalc reads it, for formulas already in the field: an empty number is 0, a name replaces the digits before
+    /// it, and there are no functions. CQWCalc's check of constant divisors is not part of it: a division by 0 is found
+    /// when the formula is evaluated.
+    /// @param text UTF-8, 1,020 bytes at most
+    static std::optional<Formula> Kept(std::string_view text, const FormulaScope& scope, FormulaError& error);
+
     const std::string& Text() const noexcept;
     /// The positions in the scope of the variables that it names, each once, in the order of their first use.
     const std::vector<std::size_t>& Variables() const noexcept;
@@ -52,6 +58,8 @@ public:
 
 private:
     struct Parsed;
+    template <class Parser> static std::optional<Formula> ParsedBy(Parser parser, std::string_view text,
+                                                                   std::size_t longest, FormulaError& error);
     bool HasAll(std::size_t values, FormulaError& error) const;
     explicit Formula(std::shared_ptr<const Parsed> parsed) : m_parsed(std::move(parsed)) {}
 

@@ -70,8 +70,7 @@ FormulaParser::FormulaParser(std::string_view text, const FormulaScope& scope) :
 FormulaProgram FormulaParser::Parse() {
     const Part whole = Condition();
     if (m_token.kind != FormulaToken::Kind::kEnd) Expect("an operator");
-    m_program.isTruth = whole.type == Type::kTruth;
-    return std::move(m_program);
+    return m_builder.Finish(whole.type == Type::kTruth);
 }
 
 void FormulaParser::Expect(std::string expected) const {
@@ -100,22 +99,6 @@ void FormulaParser::Require(const Part& part, Type wanted) const {
                        {}};
 }
 
-void FormulaParser::Emit(Operation operation, const FormulaToken& at, std::size_t index, int change) {
-    m_program.steps.push_back({operation, static_cast<std::uint32_t>(index), static_cast<std::uint32_t>(at.position),
-                               static_cast<std::uint32_t>(at.length)});
-    m_stack = change < 0 ? m_stack - static_cast<std::size_t>(-change) : m_stack + static_cast<std::size_t>(change);
-    m_program.stack = std::max(m_program.stack, m_stack);
-}
-
-std::size_t FormulaParser::EmitJump(Operation operation, const FormulaToken& at, int change) {
-    Emit(operation, at, 0, change);
-    return m_program.steps.size() - 1;
-}
-
-void FormulaParser::LandHere(std::size_t jump) {
-    m_program.steps[jump].index = static_cast<std::uint32_t>(m_program.steps.size());
-}
-
 // The right side is only looked at where the left one does not decide.
 template <class Next>
 FormulaParser::Part FormulaParser::Joined(Operation jump, Operation operation, std::string_view word, Next next) {
@@ -124,10 +107,10 @@ FormulaParser::Part FormulaParser::Joined(Operation jump, Operation operation, s
     while (m_token.IsWord(word)) {
         Require(part, Type::kTruth);
         const FormulaToken at = Taken();
-        const std::size_t skip = EmitJump(jump, at, 0);
+        const std::size_t skip = m_builder.AddJump(jump, at, 0);
         Require(next(), Type::kTruth);
-        Emit(operation, at, 0, -1);
-        LandHere(skip);
+        m_builder.Add(operation, at, 0, -1);
+        m_builder.LandHere(skip);
         part = Since(position, Type::kTruth);
     }
     return part;
@@ -146,7 +129,7 @@ FormulaParser::Part FormulaParser::Negation() {
     const Nested nested(*this, m_token);
     const FormulaToken at = Taken();
     Require(Negation(), Type::kTruth);
-    Emit(Operation::kNot, at, 0, 0);
+    m_builder.Add(Operation::kNot, at, 0, 0);
     return Since(at.position, Type::kTruth);
 }
 
@@ -158,7 +141,7 @@ FormulaParser::Part FormulaParser::Comparison() {
         Require(left, Type::kNumber);
         const FormulaToken at = Taken();
         Require(Sum(), Type::kNumber);
-        Emit(operation, at, 0, -1);
+        m_builder.Add(operation, at, 0, -1);
         return Since(position, Type::kTruth);
     }
     return left;
@@ -175,7 +158,7 @@ FormulaParser::Part FormulaParser::Numbers(Next next, Operations... operations) 
         Require(part, Type::kNumber);
         const FormulaToken at = Taken();
         Require(next(), Type::kNumber);
-        Emit(operation, at, 0, -1);
+        m_builder.Add(operation, at, 0, -1);
         part = Since(position, Type::kNumber);
     }
 }
@@ -194,7 +177,7 @@ FormulaParser::Part FormulaParser::Signed() {
     const Nested nested(*this, m_token);
     const FormulaToken at = Taken();
     Require(Signed(), Type::kNumber);
-    if (at.Is("-")) Emit(Operation::kNegate, at, 0, 0);
+    if (at.Is("-")) m_builder.Add(Operation::kNegate, at, 0, 0);
     return Since(at.position, Type::kNumber);
 }
 
@@ -206,7 +189,7 @@ FormulaParser::Part FormulaParser::Power() {
     Require(base, Type::kNumber);
     const FormulaToken at = Taken();
     Require(Signed(), Type::kNumber);
-    Emit(Operation::kPower, at, 0, -1);
+    m_builder.Add(Operation::kPower, at, 0, -1);
     return Since(position, Type::kNumber);
 }
 
@@ -238,8 +221,7 @@ FormulaParser::Part FormulaParser::Number() {
     const auto [end, error] = std::from_chars(at.text.data(), at.text.data() + at.text.size(), number.nearest);
     const bool isTooLarge = error == std::errc::result_out_of_range && number.value.Magnitude() > 0;
     if (isTooLarge || flags.isTooLarge || !number.value.IsFinite()) Refuse(FormulaError::Kind::kTooLarge, at, {});
-    Emit(Operation::kNumber, at, m_program.numbers.size(), 1);
-    m_program.numbers.push_back(number);
+    m_builder.AddNumber(number, at);
     return Since(at.position, Type::kNumber);
 }
 
@@ -257,7 +239,7 @@ FormulaParser::Part FormulaParser::Word() {
             for (const FormulaConstant& each : constants) names.push_back(each.name);
             Refuse(FormulaError::Kind::kName, name, "a constant", NearestName(wanted, names));
         }
-        Emit(Operation::kConstant, name, static_cast<std::size_t>(found - constants.begin()), 1);
+        m_builder.Add(Operation::kConstant, name, static_cast<std::size_t>(found - constants.begin()), 1);
         return Since(name.position, Type::kNumber);
     }
     return Variable(name);
@@ -266,9 +248,7 @@ FormulaParser::Part FormulaParser::Word() {
 FormulaParser::Part FormulaParser::Variable(const FormulaToken& name) {
     const std::optional<std::size_t> position = m_scope.Find(name.text);
     if (!position) Refuse(FormulaError::Kind::kName, name, "a variable", m_scope.Nearest(name.text));
-    const auto [slot, isNew] = m_slots.emplace(*position, m_program.variables.size());
-    if (isNew) m_program.variables.push_back(*position);
-    Emit(Operation::kVariable, name, slot->second, 1);
+    m_builder.AddVariable(*position, name);
     return Since(name.position, Type::kNumber);
 }
 
@@ -290,22 +270,22 @@ FormulaParser::Part FormulaParser::Call(const FormulaToken& name) {
     } while (m_token.Is(","));
     Need(")", "a comma or a closing bracket");
     if (!function->takesMany && count != 1) Refuse(FormulaError::Kind::kArguments, name, "one argument");
-    Emit(function->operation, name, count, 1 - static_cast<int>(count));
+    m_builder.Add(function->operation, name, count, 1 - static_cast<int>(count));
     return Since(name.position, Type::kNumber);
 }
 
 FormulaParser::Part FormulaParser::If(const FormulaToken& name) {
     Taken();
     Require(Condition(), Type::kTruth);
-    const std::size_t otherwise = EmitJump(Operation::kIfNot, name, -1);
+    const std::size_t otherwise = m_builder.AddJump(Operation::kIfNot, name, -1);
     Need(",", "a comma and what holds then");
     const Part first = Condition();
-    const std::size_t end = EmitJump(Operation::kGoOn, name, 0);
-    LandHere(otherwise);
-    --m_stack;  // only one of the two is carried out
+    const std::size_t end = m_builder.AddJump(Operation::kGoOn, name, 0);
+    m_builder.LandHere(otherwise);
+    m_builder.Forget();  // only one of the two is carried out
     Need(",", "a comma and what holds otherwise");
     Require(Condition(), first.type);
-    LandHere(end);
+    m_builder.LandHere(end);
     Need(")", "a closing bracket");
     return Since(name.position, first.type);
 }
@@ -316,8 +296,7 @@ FormulaParser::Part FormulaParser::Round(const FormulaToken& name) {
     Need(",", "a comma and the number of places");
     const RoundingRule rule = Rule();
     Need(")", "a comma or a closing bracket");
-    Emit(Operation::kRound, name, m_program.rules.size(), 0);
-    m_program.rules.push_back(rule);
+    m_builder.AddRounding(rule, name);
     return Since(name.position, Type::kNumber);
 }
 

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "qellib10/quantity/formula_program.h"
 #include "qellib10/quantity/formula_scope.h"
 #include "qellib10/quantity/formula_token.h"
+#include "qellib10/quantity/program_builder.h"
 
 namespace qel {
 
@@ -59,9 +59,6 @@ private:
     Part Joined(FormulaOperation jump, FormulaOperation operation, std::string_view word, Next next);
     template <class Next, class... Operations> Part Numbers(Next next, Operations... operations);
     void Require(const Part& part, Type wanted) const;
-    void Emit(FormulaOperation operation, const FormulaToken& at, std::size_t index, int change);
-    std::size_t EmitJump(FormulaOperation operation, const FormulaToken& at, int change);
-    void LandHere(std::size_t jump);
     void Advance() { m_token = m_tokens.Next(); }
     FormulaToken Taken();
     FormulaToken Need(std::string_view operation, std::string expected);
@@ -72,9 +69,7 @@ private:
     FormulaTokens m_tokens;
     FormulaToken m_token;
     std::size_t m_end = 0;  // of the last token that was taken
-    FormulaProgram m_program;
-    std::unordered_map<std::size_t, std::size_t> m_slots;  // of variables, by position in the scope
-    std::size_t m_stack = 0;
+    ProgramBuilder m_builder;
     int m_depth = 0;
 };
 

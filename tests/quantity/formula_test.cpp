@@ -1,6 +1,7 @@
 #include "qellib10/quantity/formula.h"
 
 #include <cmath>
+#include <random>
 
 #include "../support/test.h"
 #include "qellib10/calc/calc_variable_list.h"
@@ -122,4 +123,47 @@ TEST(Formula, RefusesValuesThatAreNotThere) {
     EXPECT_FALSE(formula->Evaluate(std::vector<double>{1.0, NAN}, error));
     EXPECT_EQ(Line({static_cast<int>(error.kind == FormulaError::Kind::kReading), static_cast<int>(error.position)}),
               "1 4");
+}
+
+TEST(Formula, KeptFormulasHaveTheSameResultsAsTheEvaluator) {
+    CCalcVariableList list;
+    for (const auto& [name, value] : Cases<const char*, double>{{"A", 10}, {"B", 4}, {"C", 0}, {"x^2", 3}, {"2", 7}}) {
+        CCalcVariable variable;
+        variable.m_szName = name;
+        variable.m_dValue = value;
+        list.AddVariableData(variable);
+    }
+    CQWCalc calculator;
+    calculator.SetCalcVarList(list);
+    const FormulaScope scope(list);
+    std::mt19937 random(3);
+    int valid = 0;
+    for (int i = 0; i < 20'000; ++i) {
+        static constexpr const char* kPieces[] = {"A", "b", "C", "x^2", "1.7", "0.3", ".", "2",  "(",
+                                                  ")", "+", "-", "*",   "/",   " ",   "=", "(-", "D"};
+        std::string text;
+        for (auto pieces = random() % 9; pieces > 0; --pieces) text += kPieces[random() % std::size(kPieces)];
+        FormulaError error;
+        double expected = 0.0;
+        const bool isRight = calculator.ConcCalculation(CString(text), &expected) != 0;
+        const std::optional<Formula> formula = Formula::Kept(text, scope, error);
+        std::vector<double> values = {10, 4, 0, 3, 7};
+        const std::optional<double> value = formula ? formula->Evaluate(values, error) : std::nullopt;
+        EXPECT_EQ(value.has_value(), isRight) << text;
+        EXPECT_EQ(value.value_or(0.0), expected) << text;
+        valid += isRight;
+    }
+    EXPECT_GT(valid, 2000);
+}
+
+TEST(Formula, KeptFaultsHaveTheirPlace) {
+    FormulaError error;
+    for (const auto& [text, expected] : Cases<const char*, const char*>{
+             {"A + (B", "the formula is not valid at its end: something else is expected"},
+             {"A * -B", "the formula is not valid at character 5: \"-\": something else is expected"},
+             {"A + Q Q", "a variable that nobody knows at character 5: \"Q Q\""},
+         }) {
+        EXPECT_FALSE(Formula::Kept(text, Scope(), error)) << text;
+        EXPECT_EQ(error.Text(text), expected);
+    }
 }

@@ -1,0 +1,45 @@
+#include "qellib10/quantity/program_builder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qel {
+
+void ProgramBuilder::Add(FormulaOperation operation, const FormulaToken& at, std::size_t index, int change) {
+    m_program.steps.push_back({operation, static_cast<std::uint32_t>(index), static_cast<std::uint32_t>(at.position),
+                               static_cast<std::uint32_t>(at.length)});
+    m_stack = change < 0 ? m_stack - static_cast<std::size_t>(-change) : m_stack + static_cast<std::size_t>(change);
+    m_program.stack = std::max(m_program.stack, m_stack);
+}
+
+void ProgramBuilder::AddNumber(const WrittenNumber& number, const FormulaToken& at) {
+    Add(FormulaOperation::kNumber, at, m_program.numbers.size(), 1);
+    m_program.numbers.push_back(number);
+}
+
+void ProgramBuilder::AddVariable(std::size_t position, const FormulaToken& at) {
+    const auto [slot, isNew] = m_slots.emplace(position, m_program.variables.size());
+    if (isNew) m_program.variables.push_back(position);
+    Add(FormulaOperation::kVariable, at, slot->second, 1);
+}
+
+void ProgramBuilder::AddRounding(const RoundingRule& rule, const FormulaToken& at) {
+    Add(FormulaOperation::kRound, at, m_program.rules.size(), 0);
+    m_program.rules.push_back(rule);
+}
+
+std::size_t ProgramBuilder::AddJump(FormulaOperation operation, const FormulaToken& at, int change) {
+    Add(operation, at, 0, change);
+    return m_program.steps.size() - 1;
+}
+
+void ProgramBuilder::LandHere(std::size_t jump) {
+    m_program.steps[jump].index = static_cast<std::uint32_t>(m_program.steps.size());
+}
+
+FormulaProgram ProgramBuilder::Finish(bool isTruth) {
+    m_program.isTruth = isTruth;
+    return std::move(m_program);
+}
+
+}  // namespace qel

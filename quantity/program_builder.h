@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <unordered_map>
+
+#include "qellib10/quantity/formula_program.h"
+#include "qellib10/quantity/formula_token.h"
+
+namespace qel {
+
+/// Puts a program together, step by step, and counts how many operands are on the stack at once.
+class ProgramBuilder {
+public:
+    /// @param at its place in the text
+    /// @param change of the number of operands by this step
+    void Add(FormulaOperation operation, const FormulaToken& at, std::size_t index, int change);
+    void AddNumber(const WrittenNumber& number, const FormulaToken& at);
+    /// @param position in the scope
+    void AddVariable(std::size_t position, const FormulaToken& at);
+    void AddRounding(const RoundingRule& rule, const FormulaToken& at);
+
+    /// Adds a jump forwards. @return it, for LandHere
+    std::size_t AddJump(FormulaOperation operation, const FormulaToken& at, int change);
+    /// The jump goes on at the step that is added next.
+    void LandHere(std::size_t jump);
+    /// What follows is carried out instead of what gave an operand.
+    void Forget() { --m_stack; }
+
+    FormulaProgram Finish(bool isTruth);
+
+private:
+    FormulaProgram m_program;
+    std::unordered_map<std::size_t, std::size_t> m_slots;  // of variables, by position in the scope
+    std::size_t m_stack = 0;
+};
+
+}  // namespace qel
