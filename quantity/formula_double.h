@@ -17,23 +17,33 @@ namespace qel {
 std::optional<double> EvaluatePlainly(const FormulaProgram& program, std::span<const double> values,
                                       FormulaError& error);
 
-/// The same program in a form that is carried out fast: an operation whose right operand is a number or a variable
-/// takes it without the stack. Where anything is not finite, or a division is by zero, it gives up, and EvaluatePlainly
-/// finds the place.
+/// The same program in a form that is carried out fast: an operation takes numbers and variables without the stack.
+/// Where anything is not finite or not defined, or the program is very long, it gives up, and EvaluatePlainly finds the
+/// place.
 class FastFormula {
 public:
+    struct Step;
+    union Operand {
+        double number = 0.0;
+        std::uint32_t index;  // of a variable, or how many operands
+    };
+    struct Step {
+        double (*run)(const Step* step, const double* values, double* below, double top);
+        Operand left, right;
+        const Step* target;        // of a jump
+        const RoundingRule* rule;  // of a rounding
+    };
+
     explicit FastFormula(const FormulaProgram& program);
+    FastFormula(FastFormula&&) = default;  // steps stay where they are
 
     /// @param values by position in the scope; one for each that the program names
     /// @return NaN where EvaluatePlainly has to look
     double Evaluate(const double* values) const;
 
 private:
-    struct Step {
-        std::uint16_t code;  // operation and where its right operand is
-        std::uint32_t index;
-        double number;
-    };
+    void AddStep(const FormulaProgram& program, const FormulaStep& step, std::size_t firstFree);
+
     std::vector<Step> m_steps;
     std::vector<RoundingRule> m_rules;
     std::size_t m_stack = 0;

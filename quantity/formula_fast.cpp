@@ -1,198 +1,285 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 #include "qellib10/quantity/formula_double.h"
+
+// A formula as a chain of functions, each of which ends by calling the next one: the compiler makes jumps of these
+// calls. The upper end of the stack is in a register; the place below it in memory is written first and means nothing.
+//
+// What is not finite stays so until the end, or the evaluation is given up at once where it would not: a number divided
+// by infinity is 0, and infinity compares like a number.
 
 namespace qel {
 namespace {
 
 using Operation = FormulaOperation;
+using Step = FastFormula::Step;
 
-// Where the right operand of an operation is.
-enum Operand : std::uint16_t { kOnStack = 0, kIsVariable = 64, kIsNumber = 128 };
+constexpr std::size_t kMostSteps = 1000;  // without optimisation each one takes room on the stack
 
-constexpr std::uint16_t Code(Operation operation, Operand operand = kOnStack) {
-    return static_cast<std::uint16_t>(static_cast<std::uint16_t>(operation) | operand);
+// Where an operand is.
+enum class From { kStack, kVariable, kNumber };
+
+double GoOn(const Step* step, const double* values, double* below, double top) {
+    return step->run(step, values, below, top);
+}
+double GiveUp() { return NAN; }
+bool IsFinite(double value) { return std::abs(value) <= std::numeric_limits<double>::max(); }
+
+template <From kFrom> double Fetched(const FastFormula::Operand& operand, const double* values) {
+    return kFrom == From::kVariable ? values[operand.index] : operand.number;
+}
+
+double End(const Step* /*step*/, const double* /*values*/, double* /*below*/, double top) { return top; }
+
+template <From kFrom> double Push(const Step* step, const double* values, double* below, double top) {
+    *below = top;
+    return GoOn(step + 1, values, below + 1, Fetched<kFrom>(step->right, values));
+}
+
+template <Operation kOperation> double Computed(double left, double right) {
+    if constexpr (kOperation == Operation::kAdd) return left + right;
+    if constexpr (kOperation == Operation::kSubtract) return left - right;
+    if constexpr (kOperation == Operation::kMultiply) return left * right;
+    if constexpr (kOperation == Operation::kDivide) return left / right;
+    if constexpr (kOperation == Operation::kPower) return std::pow(left, right);
+    if constexpr (kOperation == Operation::kLess) return left < right;
+    if constexpr (kOperation == Operation::kLessOrEqual) return left <= right;
+    if constexpr (kOperation == Operation::kGreater) return left > right;
+    if constexpr (kOperation == Operation::kGreaterOrEqual) return left >= right;
+    if constexpr (kOperation == Operation::kEqual) return left == right;
+    if constexpr (kOperation == Operation::kNotEqual) return left != right;
+}
+
+// Whether the result would hide an operand that is not finite, or is not defined.
+template <Operation kOperation> bool IsHidden(double left, double right) {
+    if constexpr (kOperation == Operation::kDivide) return right == 0.0 || !IsFinite(right);
+    if constexpr (kOperation == Operation::kPower)
+        return !IsFinite(left) || !IsFinite(right) || (left == 0.0 && right <= 0.0);
+    if constexpr (kOperation >= Operation::kLess) return !IsFinite(left) || !IsFinite(right);
+    return false;
+}
+
+template <Operation kOperation, From kLeft, From kRight>
+double Two(const Step* step, const double* values, double* below, double top) {
+    double left = top, right = top;
+    if constexpr (kLeft != From::kStack) {
+        *below++ = top;
+        left = Fetched<kLeft>(step->left, values);
+    } else if constexpr (kRight == From::kStack) {
+        left = *--below;
+    }
+    if constexpr (kRight != From::kStack) right = Fetched<kRight>(step->right, values);
+    if (IsHidden<kOperation>(left, right)) [[unlikely]]
+        return GiveUp();
+    return GoOn(step + 1, values, below, Computed<kOperation>(left, right));
+}
+
+using Handler = double (*)(const Step*, const double*, double*, double);
+
+template <Operation kOperation> Handler TwoOf(From left, From right) {
+    static constexpr Handler kHandlers[3][3] = {
+        {Two<kOperation, From::kStack, From::kStack>, Two<kOperation, From::kStack, From::kVariable>,
+         Two<kOperation, From::kStack, From::kNumber>},
+        {nullptr, Two<kOperation, From::kVariable, From::kVariable>, Two<kOperation, From::kVariable, From::kNumber>},
+        {nullptr, Two<kOperation, From::kNumber, From::kVariable>, Two<kOperation, From::kNumber, From::kNumber>},
+    };
+    return kHandlers[static_cast<int>(left)][static_cast<int>(right)];
+}
+
+template <Operation kOperation> double ComputedOne(double value) {
+    if constexpr (kOperation == Operation::kNegate) return -value;
+    if constexpr (kOperation == Operation::kAbs) return std::abs(value);
+    if constexpr (kOperation == Operation::kSqrt) return std::sqrt(value);
+    if constexpr (kOperation == Operation::kExp) return IsFinite(value) ? std::exp(value) : NAN;
+    if constexpr (kOperation == Operation::kLn) return std::log(value);
+    if constexpr (kOperation == Operation::kLog10) return std::log10(value);
+    if constexpr (kOperation == Operation::kLog2) return std::log2(value);
+    if constexpr (kOperation == Operation::kNot) return value == 0.0 ? 1.0 : 0.0;
+}
+
+template <Operation kOperation> double One(const Step* step, const double* values, double* below, double top) {
+    return GoOn(step + 1, values, below, ComputedOne<kOperation>(top));
+}
+
+double Round(const Step* step, const double* values, double* below, double top) {
+    return GoOn(step + 1, values, below, Rounded(top, *step->rule));
+}
+
+template <Operation kOperation> double Many(const Step* step, const double* values, double* below, double top) {
+    const std::uint32_t count = step->right.index;
+    *below = top;
+    below -= count - 1;
+    const double *const first = below, *const last = below + count;
+    if constexpr (kOperation == Operation::kMin || kOperation == Operation::kMax) {
+        if (!std::all_of(first, last, IsFinite)) return GiveUp();
+        top = kOperation == Operation::kMin ? *std::min_element(first, last) : *std::max_element(first, last);
+    } else {
+        top = std::accumulate(first, last, 0.0);
+        if constexpr (kOperation == Operation::kMean) top /= count;
+    }
+    return GoOn(step + 1, values, below, top);
+}
+
+// The left side did not decide.
+double Joined(const Step* step, const double* values, double* below, double top) {
+    return GoOn(step + 1, values, below - 1, top);
+}
+
+double AndThen(const Step* step, const double* values, double* below, double top) {
+    return GoOn(top == 0.0 ? step->target : step + 1, values, below, top);
+}
+double OrElse(const Step* step, const double* values, double* below, double top) {
+    return GoOn(top != 0.0 ? step->target : step + 1, values, below, top);
+}
+double IfNot(const Step* step, const double* values, double* below, double top) {
+    return GoOn(top == 0.0 ? step->target : step + 1, values, below - 1, below[-1]);
+}
+double Jump(const Step* step, const double* values, double* below, double top) {
+    return GoOn(step->target, values, below, top);
+}
+
+Handler HandlerOf(Operation operation, From left, From right) {
+    switch (operation) {
+        case Operation::kNumber:
+        case Operation::kConstant:
+            return Push<From::kNumber>;
+        case Operation::kVariable:
+            return Push<From::kVariable>;
+        case Operation::kNegate:
+            return One<Operation::kNegate>;
+        case Operation::kAbs:
+            return One<Operation::kAbs>;
+        case Operation::kSqrt:
+            return One<Operation::kSqrt>;
+        case Operation::kExp:
+            return One<Operation::kExp>;
+        case Operation::kLn:
+            return One<Operation::kLn>;
+        case Operation::kLog10:
+            return One<Operation::kLog10>;
+        case Operation::kLog2:
+            return One<Operation::kLog2>;
+        case Operation::kRound:
+            return Round;
+        case Operation::kNot:
+            return One<Operation::kNot>;
+        case Operation::kAdd:
+            return TwoOf<Operation::kAdd>(left, right);
+        case Operation::kSubtract:
+            return TwoOf<Operation::kSubtract>(left, right);
+        case Operation::kMultiply:
+            return TwoOf<Operation::kMultiply>(left, right);
+        case Operation::kDivide:
+            return TwoOf<Operation::kDivide>(left, right);
+        case Operation::kPower:
+            return TwoOf<Operation::kPower>(left, right);
+        case Operation::kLess:
+            return TwoOf<Operation::kLess>(left, right);
+        case Operation::kLessOrEqual:
+            return TwoOf<Operation::kLessOrEqual>(left, right);
+        case Operation::kGreater:
+            return TwoOf<Operation::kGreater>(left, right);
+        case Operation::kGreaterOrEqual:
+            return TwoOf<Operation::kGreaterOrEqual>(left, right);
+        case Operation::kEqual:
+            return TwoOf<Operation::kEqual>(left, right);
+        case Operation::kNotEqual:
+            return TwoOf<Operation::kNotEqual>(left, right);
+        case Operation::kAnd:
+        case Operation::kOr:
+            return Joined;
+        case Operation::kMin:
+            return Many<Operation::kMin>;
+        case Operation::kMax:
+            return Many<Operation::kMax>;
+        case Operation::kMean:
+            return Many<Operation::kMean>;
+        case Operation::kSum:
+            return Many<Operation::kSum>;
+        case Operation::kAndThen:
+            return AndThen;
+        case Operation::kOrElse:
+            return OrElse;
+        case Operation::kIfNot:
+            return IfNot;
+        case Operation::kGoOn:
+            return Jump;
+    }
+    return nullptr;
+}
+
+// The source of a step that only pushes an operand.
+From SourceOf(Handler run) {
+    if (run == Push<From::kVariable>) return From::kVariable;
+    return run == Push<From::kNumber> ? From::kNumber : From::kStack;
 }
 
 }  // namespace
 
-FastFormula::FastFormula(const FormulaProgram& program) : m_rules(program.rules), m_stack(program.stack) {
-    std::vector<std::uint32_t> places;  // of each step of the program
+FastFormula::FastFormula(const FormulaProgram& program) : m_rules(program.rules), m_stack(program.stack + 1) {
+    if (program.steps.size() > kMostSteps) return;
+    std::vector<std::size_t> places;  // of each step of the program
     std::vector<bool> isTarget(program.steps.size() + 1);
     for (const FormulaStep& step : program.steps)
         if (Jumps(step.operation)) isTarget[step.index] = true;
+    std::size_t firstFree = 0;  // of the steps that may become operands
     for (std::size_t i = 0; i < program.steps.size(); ++i) {
-        places.push_back(static_cast<std::uint32_t>(m_steps.size()));
-        const FormulaStep& step = program.steps[i];
-        Step fast{Code(step.operation), step.index, 0.0};
-        if (step.operation == Operation::kVariable) {
-            fast.index = static_cast<std::uint32_t>(program.variables[step.index]);
-        } else if (step.operation == Operation::kNumber) {
-            fast.number = program.numbers[step.index].nearest;
-        } else if (step.operation == Operation::kConstant) {
-            fast = {Code(Operation::kNumber), 0, ConstantValue(step.index)};
-        }
-        const bool isArithmetic = step.operation >= Operation::kAdd && step.operation <= Operation::kDivide;
-        if (isArithmetic && !isTarget[i]) {
-            Step& right = m_steps.back();
-            const bool isVariable = right.code == Code(Operation::kVariable);
-            if (isVariable || right.code == Code(Operation::kNumber)) {
-                right.code = Code(step.operation, isVariable ? kIsVariable : kIsNumber);
-                continue;
-            }
-        }
-        m_steps.push_back(fast);
+        if (isTarget[i]) firstFree = m_steps.size();
+        places.push_back(m_steps.size());
+        AddStep(program, program.steps[i], firstFree);
+        if (Jumps(program.steps[i].operation)) firstFree = m_steps.size();
     }
-    places.push_back(static_cast<std::uint32_t>(m_steps.size()));
-    for (Step& step : m_steps)
-        if (step.code < kIsVariable && Jumps(static_cast<Operation>(step.code))) step.index = places[step.index];
+    places.push_back(m_steps.size());
+    m_steps.push_back({End, {}, {}, nullptr, nullptr});
+    for (std::size_t i = 0; i < program.steps.size(); ++i)
+        if (Jumps(program.steps[i].operation)) m_steps[places[i]].target = &m_steps[places[program.steps[i].index]];
 }
 
-// The upper end of the stack is in a register; the place below it in memory is written first and means nothing. What is
-// not finite gives NaN when it is multiplied by 0, and the sum keeps it.
+// An operation whose operands are numbers or variables takes them from there and not from the stack.
+void FastFormula::AddStep(const FormulaProgram& program, const FormulaStep& step, std::size_t firstFree) {
+    Step fast{nullptr, {}, {}, nullptr, nullptr};
+    if (step.operation == Operation::kNumber)
+        fast.right.number = program.numbers[step.index].nearest;
+    else if (step.operation == Operation::kConstant)
+        fast.right.number = ConstantValue(step.index);
+    else if (step.operation == Operation::kVariable)
+        fast.right.index = static_cast<std::uint32_t>(program.variables[step.index]);
+    else if (step.operation == Operation::kRound)
+        fast.rule = &m_rules[step.index];
+    else
+        fast.right.index = step.index;
+    From left = From::kStack, right = From::kStack;
+    if (TakesTwo(step.operation) && step.operation != Operation::kAnd && step.operation != Operation::kOr) {
+        const auto taken = [&](Operand& operand) {
+            if (m_steps.size() <= firstFree) return From::kStack;
+            const From from = SourceOf(m_steps.back().run);
+            if (from == From::kStack) return from;
+            operand = m_steps.back().right;
+            m_steps.pop_back();
+            return from;
+        };
+        right = taken(fast.right);
+        if (right != From::kStack) left = taken(fast.left);
+    }
+    fast.run = HandlerOf(step.operation, left, right);
+    m_steps.push_back(fast);
+}
+
 double FastFormula::Evaluate(const double* values) const {
     constexpr std::size_t kUsual = 32;
-    std::array<double, kUsual> usual;
-    std::vector<double> large(m_stack >= kUsual ? m_stack + 1 : 0);
-    double* below = m_stack >= kUsual ? large.data() : usual.data();
-    double top = 0.0, check = 0.0;
-    const Step* const first = m_steps.data();
-    const Step* const end = first + m_steps.size();
-    for (const Step* step = first; step != end; ++step) {
-        switch (step->code) {
-            case Code(Operation::kNumber):
-                *below++ = top;
-                top = step->number;
-                continue;
-            case Code(Operation::kVariable):
-                *below++ = top;
-                top = values[step->index];
-                break;
-            case Code(Operation::kAdd):
-                top = *--below + top;
-                break;
-            case Code(Operation::kAdd, kIsVariable):
-                top += values[step->index];
-                break;
-            case Code(Operation::kAdd, kIsNumber):
-                top += step->number;
-                break;
-            case Code(Operation::kSubtract):
-                top = *--below - top;
-                break;
-            case Code(Operation::kSubtract, kIsVariable):
-                top -= values[step->index];
-                break;
-            case Code(Operation::kSubtract, kIsNumber):
-                top -= step->number;
-                break;
-            case Code(Operation::kMultiply):
-                top = *--below * top;
-                break;
-            case Code(Operation::kMultiply, kIsVariable):
-                top *= values[step->index];
-                break;
-            case Code(Operation::kMultiply, kIsNumber):
-                top *= step->number;
-                break;
-            case Code(Operation::kDivide):
-                top = *--below / top;
-                break;
-            case Code(Operation::kDivide, kIsVariable):
-                top /= values[step->index];
-                break;
-            case Code(Operation::kDivide, kIsNumber):
-                top /= step->number;
-                break;
-            case Code(Operation::kPower):
-                if (*--below == 0.0 && top <= 0.0) return NAN;
-                top = std::pow(*below, top);
-                break;
-            case Code(Operation::kNegate):
-                top = -top;
-                continue;
-            case Code(Operation::kAbs):
-                top = std::abs(top);
-                continue;
-            case Code(Operation::kSqrt):
-                top = std::sqrt(top);
-                break;
-            case Code(Operation::kExp):
-                top = std::exp(top);
-                break;
-            case Code(Operation::kLn):
-                top = std::log(top);
-                break;
-            case Code(Operation::kLog10):
-                top = std::log10(top);
-                break;
-            case Code(Operation::kLog2):
-                top = std::log2(top);
-                break;
-            case Code(Operation::kRound):
-                top = Rounded(top, m_rules[step->index]);
-                break;
-            case Code(Operation::kMin):
-                for (std::uint32_t i = 1; i < step->index; ++i) top = std::min(top, *--below);
-                continue;
-            case Code(Operation::kMax):
-                for (std::uint32_t i = 1; i < step->index; ++i) top = std::max(top, *--below);
-                continue;
-            case Code(Operation::kMean):
-            case Code(Operation::kSum): {
-                *below = top;
-                below -= step->index - 1;
-                top = std::accumulate(below, below + step->index, 0.0);
-                if (step->code == Code(Operation::kMean)) top /= step->index;
-                break;
-            }
-            case Code(Operation::kLess):
-                top = *--below < top;
-                continue;
-            case Code(Operation::kLessOrEqual):
-                top = *--below <= top;
-                continue;
-            case Code(Operation::kGreater):
-                top = *--below > top;
-                continue;
-            case Code(Operation::kGreaterOrEqual):
-                top = *--below >= top;
-                continue;
-            case Code(Operation::kEqual):
-                top = *--below == top;
-                continue;
-            case Code(Operation::kNotEqual):
-                top = *--below != top;
-                continue;
-            case Code(Operation::kNot):
-                top = top == 0.0 ? 1.0 : 0.0;
-                continue;
-            case Code(Operation::kAnd):
-            case Code(Operation::kOr):
-                --below;  // the left side did not decide
-                continue;
-            case Code(Operation::kAndThen):
-                if (top == 0.0) step = first + step->index - 1;
-                continue;
-            case Code(Operation::kOrElse):
-                if (top != 0.0) step = first + step->index - 1;
-                continue;
-            case Code(Operation::kIfNot): {
-                const bool isTrue = top != 0.0;
-                top = *--below;
-                if (!isTrue) step = first + step->index - 1;
-                continue;
-            }
-            default:
-                step = first + step->index - 1;
-                continue;
-        }
-        check += top * 0.0;
+    if (m_steps.empty()) return GiveUp();
+    double value = 0.0;
+    if (m_stack <= kUsual) {
+        double stack[kUsual];
+        value = GoOn(m_steps.data(), values, stack, 0.0);
+    } else {
+        std::vector<double> stack(m_stack);
+        value = GoOn(m_steps.data(), values, stack.data(), 0.0);
     }
-    return check == 0.0 ? top : NAN;
+    return IsFinite(value) ? value : GiveUp();
 }
 
 }  // namespace qel
