@@ -8,5 +8,6 @@
 #include "qellib10/quantity/formula_constants.h"
 #include "qellib10/quantity/formula_error.h"
 #include "qellib10/quantity/formula_scope.h"
+#include "qellib10/quantity/formula_set.h"
 #include "qellib10/quantity/reading.h"
 #include "qellib10/quantity/rounding_rule.h"

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "qellib10/platform/text/printable_text.h"
+#include "qellib10/quantity/formula_access.h"
 #include "qellib10/quantity/formula_double.h"
 #include "qellib10/quantity/formula_exact.h"
 #include "qellib10/quantity/formula_kept.h"
@@ -49,6 +50,8 @@ std::optional<Formula> Formula::Parse(std::string_view text, const FormulaScope&
 std::optional<Formula> Formula::Kept(std::string_view text, const FormulaScope& scope, FormulaError& error) {
     return ParsedBy([&] { return ParseKept(text, scope); }, text, kLongestKeptFormula, error);
 }
+
+const FormulaProgram& ProgramOf(const Formula& formula) { return formula.m_parsed->program; }
 
 const std::string& Formula::Text() const noexcept { return m_parsed->text; }
 const std::vector<std::size_t>& Formula::Variables() const noexcept { return m_parsed->program.variables; }

@@ -16,6 +16,8 @@
 
 namespace qel {
 
+struct FormulaProgram;
+
 /// A result formula such as "(EP - BLANK) * C / SAMPLE", which users write: parsed once, evaluated often. It prevents
 /// the result that is silently 0 because a name was misspelt, since each fault has its place and what was expected
 /// there.
@@ -58,6 +60,7 @@ public:
 
 private:
     struct Parsed;
+    friend const FormulaProgram& ProgramOf(const Formula& formula);
     template <class Parser> static std::optional<Formula> ParsedBy(Parser parser, std::string_view text,
                                                                    std::size_t longest, FormulaError& error);
     bool HasAll(std::size_t values, FormulaError& error) const;

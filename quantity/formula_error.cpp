@@ -46,7 +46,7 @@ std::string FormulaError::Text(std::string_view formula) const {
         case Kind::kReading:
             return "not determinable" + place + quoted + ", because of " + expected;
         case Kind::kCycle:
-            return "the formula needs its own result" + place + quoted;
+            return "the formula needs its own result" + place + quoted + ": " + expected;
     }
     return {};
 }

@@ -25,6 +25,7 @@ public:
         if (step.operation != FormulaOperation::kVariable) return WrittenOperand(m_program, step, m_happened);
         const Reading& reading = m_readings[m_program.variables[step.index]];
         m_isFromBinary |= reading.isFromBinary;
+        m_happened.isInexact |= reading.isInexact;
         return reading.value;
     }
     Decimal One(const FormulaStep& step, const Decimal& value) { return ExactOne(m_program, step, value, m_happened); }

@@ -68,6 +68,7 @@ public:
             return {Interval::Point(WrittenOperand(m_program, step, m_happened)), false};
         const std::size_t position = m_program.variables[step.index];
         m_isFromBinary |= m_readings[position].isFromBinary;
+        m_happened.isInexact |= m_readings[position].isInexact;
         return {Interval::Of(m_readings[position], position), false};
     }
 

@@ -76,9 +76,9 @@ Interval Interval::Of(const Reading& reading, std::size_t position) {
         case Reading::Kind::kValue:
             return Point(reading.value);
         case Reading::Kind::kBelow:
-            return {{-Infinity(), true}, {reading.value, true}, position};
+            return {{-Infinity(), true}, {reading.value, !reading.isIncluded}, position};
         case Reading::Kind::kAbove:
-            return {{reading.value, true}, {Infinity(), true}, position};
+            return {{reading.value, !reading.isIncluded}, {Infinity(), true}, position};
         default:
             return Everything(position);
     }

@@ -18,7 +18,8 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 Reading Finite(Reading::Kind kind, const Decimal& value) {
-    return value.IsFinite() ? Reading{kind, value, false, {}} : Reading{Reading::Kind::kInvalid, {}, false, {}};
+    return value.IsFinite() ? Reading{kind, value, false, false, false, {}}
+                            : Reading{Reading::Kind::kInvalid, {}, false, false, false, {}};
 }
 
 }  // namespace
@@ -33,10 +34,33 @@ Reading Reading::OfDouble(double value) {
     return reading;
 }
 
+Reading Reading::OfResult(const ExactResult& result) {
+    Reading reading;
+    switch (result.kind) {
+        case ExactResult::Kind::kValue:
+            reading.kind = Kind::kValue;
+            break;
+        case ExactResult::Kind::kBelow:
+            reading.kind = Kind::kBelow;
+            break;
+        case ExactResult::Kind::kAbove:
+            reading.kind = Kind::kAbove;
+            break;
+        default:
+            reading.kind = Kind::kInvalid;
+            return reading;
+    }
+    reading.value = result.value;
+    reading.isFromBinary = result.isFromBinary;
+    reading.isInexact = result.flags.isInexact;
+    reading.isIncluded = result.isIncluded;
+    return reading;
+}
+
 std::optional<Reading> Reading::OfText(std::string_view text) {
     text = Trimmed(text);
     if (text == kMissingText) return Reading{};
-    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, {}};
+    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, false, false, {}};
     Kind kind = Kind::kValue;
     if (text.starts_with('<')) kind = Kind::kBelow;
     if (text.starts_with('>')) kind = Kind::kAbove;
@@ -45,7 +69,7 @@ std::optional<Reading> Reading::OfText(std::string_view text) {
     const Decimal value = Decimal::OfText(text, flags);
     // A reading of more digits than fit is no reading.
     if (!value.IsFinite() || flags.isInexact) return {};
-    return Reading{kind, value, false, {}};
+    return Reading{kind, value, false, false, false, {}};
 }
 
 std::string Reading::Text() const {

@@ -7,6 +7,7 @@
 
 #include "qellib10/platform/decimal/decimal.h"
 #include "qellib10/platform/export.h"
+#include "qellib10/quantity/exact_result.h"
 
 class CCalcVariableList;
 
@@ -26,6 +27,8 @@ struct QELLIB10_API Reading {
     Kind kind = Kind::kMissing;
     Decimal value;              ///< the number, or the limit
     bool isFromBinary = false;  ///< it was a double; value is its shortest text
+    bool isInexact = false;     ///< it is the result of another formula that lost digits
+    bool isIncluded = false;    ///< the limit itself is possible
     std::optional<int> places;  ///< decimal places to which its list rounded it, before the formula
 
     static Reading Of(const Decimal& value);  ///< invalid where @p value is not finite
@@ -33,6 +36,8 @@ struct QELLIB10_API Reading {
     static Reading Above(const Decimal& limit);
     /// As its shortest text, and marked. Invalid where @p value is not finite.
     static Reading OfDouble(double value);
+    /// Of another formula, as an input of the next. Invalid where the result is no number and no limit.
+    static Reading OfResult(const ExactResult& result);
     /// A number as Decimal::OfText reads it, "< 0.02", "> 14", "missing" or "invalid"; blanks around it do not count.
     /// @return nothing for any other text
     static std::optional<Reading> OfText(std::string_view text);

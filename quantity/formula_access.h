@@ -1,0 +1,11 @@
+#pragma once
+
+#include "qellib10/quantity/formula.h"
+#include "qellib10/quantity/formula_program.h"
+
+namespace qel {
+
+/// The steps of a formula, for what else is computed from them. They live as long as the formula or a copy of it.
+const FormulaProgram& ProgramOf(const Formula& formula);
+
+}  // namespace qel
