@@ -3,6 +3,7 @@
 // The public headers of the component quantity: formulas, rounding and units, over the core.
 #include "qellib10/platform/decimal/decimal.h"
 #include "qellib10/platform/decimal/decimal_functions.h"
+#include "qellib10/platform/statistics/student.h"
 #include "qellib10/quantity/exact_result.h"
 #include "qellib10/quantity/formula.h"
 #include "qellib10/quantity/formula_constants.h"
@@ -11,3 +12,5 @@
 #include "qellib10/quantity/formula_set.h"
 #include "qellib10/quantity/reading.h"
 #include "qellib10/quantity/rounding_rule.h"
+#include "qellib10/quantity/uncertainty.h"
+#include "qellib10/quantity/uncertainty_budget.h"

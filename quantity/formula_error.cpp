@@ -47,6 +47,9 @@ std::string FormulaError::Text(std::string_view formula) const {
             return "not determinable" + place + quoted + ", because of " + expected;
         case Kind::kCycle:
             return "the formula needs its own result" + place + quoted + ": " + expected;
+        case Kind::kUncertainty:
+            return "the uncertainty cannot be computed" + (quoted.empty() ? "" : place + quoted) + ", because of " +
+                   expected;
     }
     return {};
 }

@@ -20,11 +20,12 @@ struct QELLIB10_API FormulaError {
         kTooDeep,    ///< brackets, signs and powers are nested too deeply
         kText,       ///< the text is not UTF-8
         kDividedByZero,
-        kUndefined,  ///< such as the logarithm of a negative number
-        kTooLarge,   ///< past the range of the numbers
-        kUndecided,  ///< a condition depends on a reading that is a limit, missing or invalid
-        kReading,    ///< a reading is missing, invalid or a limit where a value is needed
-        kCycle,      ///< a formula needs its own result
+        kUndefined,    ///< such as the logarithm of a negative number
+        kTooLarge,     ///< past the range of the numbers
+        kUndecided,    ///< a condition depends on a reading that is a limit, missing or invalid
+        kReading,      ///< a reading is missing, invalid or a limit where a value is needed
+        kCycle,        ///< a formula needs its own result
+        kUncertainty,  ///< an uncertainty, a correlation or an option is not valid; expected says which
     };
 
     Kind kind = Kind::kSyntax;

@@ -1,0 +1,189 @@
+#include "qellib10/quantity/formula_gradient.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+#include "qellib10/quantity/double_arithmetic.h"
+#include "qellib10/quantity/formula_double.h"
+#include "qellib10/quantity/formula_error.h"
+
+namespace qel {
+
+using Kind = FormulaError::Kind;
+using Operation = FormulaOperation;
+
+// Carries out the steps for FormulaMachine, whose values are nodes, by their positions.
+class FormulaGradient::Recording {
+public:
+    using Value = std::uint32_t;
+
+    Recording(FormulaGradient& gradient, std::span<const double> values, std::span<const unsigned char> isActive)
+        : m_gradient(gradient), m_arithmetic(gradient.m_program, {}), m_values(values), m_isActive(isActive) {}
+
+    Value Start(const FormulaStep& step) {
+        if (step.operation == Operation::kVariable)
+            return Add(step, m_values[step.index], {}, m_isActive[step.index] != 0);
+        return Add(step, m_gradient.m_literals[&step - m_gradient.m_program.steps.data()], {}, false);
+    }
+
+    Value One(const FormulaStep& step, Value operand) {
+        const double result = m_arithmetic.One(step, Number(operand));
+        NoteKink(operand, step.operation == Operation::kAbs && result == 0.0);
+        return Add(step, result, {&operand, 1}, IsActive(operand));
+    }
+
+    Value Two(const FormulaStep& step, Value left, Value right) {
+        const std::array operands = {left, right};
+        const double x = Number(left), y = Number(right);
+        const bool isComparison = step.operation >= Operation::kLess && step.operation <= Operation::kNotEqual;
+        for (const Value operand : operands) NoteKink(operand, isComparison && x == y);
+        return Add(step, DoubleArithmetic::Two(step, x, y), operands, IsActive(left) || IsActive(right));
+    }
+
+    Value Many(const FormulaStep& step, std::span<const Value> operands) {
+        m_numbers.clear();
+        for (const Value operand : operands) m_numbers.push_back(Number(operand));
+        const double result = DoubleArithmetic::Many(step, m_numbers);
+        if (step.operation == Operation::kMin || step.operation == Operation::kMax) {
+            const bool areSeveral = std::ranges::count(m_numbers, result) > 1;
+            for (const Value operand : operands) NoteKink(operand, areSeveral && Number(operand) == result);
+        }
+        const bool isActive = std::ranges::any_of(operands, [&](Value operand) { return IsActive(operand); });
+        return Add(step, result, operands, isActive);
+    }
+
+    Truth TruthOf(Value node) const { return DoubleArithmetic::TruthOf(Number(node)); }
+    static Value Undecided(Value condition) { return condition; }  // never: each condition is decided
+    void Check(const FormulaStep& step, Value node) const { DoubleArithmetic::Check(step, Number(node)); }
+
+private:
+    double Number(Value node) const { return m_gradient.m_nodes[node].value; }
+    bool IsActive(Value node) const { return m_gradient.m_nodes[node].isActive; }
+    void NoteKink(Value operand, bool isThere) { m_gradient.m_isAtKink |= isThere && IsActive(operand); }
+
+    Value Add(const FormulaStep& step, double result, std::span<const Value> operands, bool isActive) {
+        std::vector<Node>& nodes = m_gradient.m_nodes;
+        std::vector<std::uint32_t>& all = m_gradient.m_operands;
+        nodes.push_back(
+            {result, 0.0, &step, static_cast<std::uint32_t>(all.size()), isActive && !GivesTruth(step.operation)});
+        all.insert(all.end(), operands.begin(), operands.end());
+        return static_cast<Value>(nodes.size() - 1);
+    }
+
+    FormulaGradient& m_gradient;
+    DoubleArithmetic m_arithmetic;
+    std::span<const double> m_values;
+    std::span<const unsigned char> m_isActive;
+    std::vector<double> m_numbers;
+};
+
+FormulaGradient::FormulaGradient(const FormulaProgram& program)
+    : m_program(program), m_literals(program.steps.size()), m_partials(program.variables.size()) {
+    for (std::size_t i = 0; i < program.steps.size(); ++i) {
+        const FormulaStep& step = program.steps[i];
+        if (step.operation == Operation::kNumber) m_literals[i] = program.numbers[step.index].nearest;
+        if (step.operation == Operation::kConstant) m_literals[i] = ConstantValue(step.index);
+    }
+    m_nodes.reserve(program.steps.size());
+    m_operands.reserve(program.steps.size());
+}
+
+double FormulaGradient::Evaluate(std::span<const double> values, std::span<const unsigned char> isActive) {
+    m_nodes.clear();
+    m_operands.clear();
+    m_isAtKink = false;
+    Recording recording(*this, values, isActive);
+    const std::uint32_t result = FormulaMachine(m_program, recording).Run();
+    std::ranges::fill(m_partials, 0.0);
+    m_nodes[result].adjoint = 1.0;
+    GoBackwards();
+    return m_nodes[result].value;
+}
+
+void FormulaGradient::GoBackwards() {
+    for (auto node = m_nodes.rbegin(); node != m_nodes.rend(); ++node) {
+        if (!node->isActive || node->adjoint == 0.0) continue;
+        const Operation operation = node->step->operation;
+        if (operation == Operation::kVariable) {
+            m_partials[node->step->index] += node->adjoint;
+        } else if (TakesOne(operation)) {
+            PassOne(*node);
+        } else if (TakesTwo(operation)) {
+            PassTwo(*node);
+        } else {
+            PassMany(*node);
+        }
+    }
+}
+
+void FormulaGradient::Pass(const Node& node, Node& operand, double derivative) {
+    if (!operand.isActive) return;
+    const double adjoint = operand.adjoint + node.adjoint * derivative;
+    if (!std::isfinite(adjoint)) {
+        const auto kind = std::isfinite(derivative) ? Kind::kTooLarge : Kind::kUndefined;
+        throw FormulaError{kind, node.step->position, node.step->length, {}, {}, {}};
+    }
+    operand.adjoint = adjoint;
+}
+
+void FormulaGradient::PassOne(const Node& node) {
+    Node& operand = Operand(node, 0);
+    const double x = operand.value;
+    switch (node.step->operation) {
+        case Operation::kNegate:
+            return Pass(node, operand, -1.0);
+        case Operation::kAbs:
+            return Pass(node, operand, x < 0.0 ? -1.0 : 1.0);
+        case Operation::kSqrt:
+            return Pass(node, operand, 0.5 / node.value);
+        case Operation::kExp:
+            return Pass(node, operand, node.value);
+        case Operation::kLn:
+            return Pass(node, operand, 1.0 / x);
+        case Operation::kLog10:
+            return Pass(node, operand, 1.0 / (x * std::numbers::ln10));
+        case Operation::kLog2:
+            return Pass(node, operand, 1.0 / (x * std::numbers::ln2));
+        default:  // round
+            return Pass(node, operand, 1.0);
+    }
+}
+
+void FormulaGradient::PassTwo(const Node& node) {
+    Node& left = Operand(node, 0);
+    Node& right = Operand(node, 1);
+    const double x = left.value, y = right.value;
+    switch (node.step->operation) {
+        case Operation::kAdd:
+        case Operation::kSubtract:
+            Pass(node, left, 1.0);
+            return Pass(node, right, node.step->operation == Operation::kAdd ? 1.0 : -1.0);
+        case Operation::kMultiply:
+            Pass(node, left, y);
+            return Pass(node, right, x);
+        case Operation::kDivide:
+            Pass(node, left, 1.0 / y);
+            return Pass(node, right, -node.value / y);
+        default:  // power
+            if (left.isActive) Pass(node, left, y * std::pow(x, y - 1.0));
+            if (right.isActive) Pass(node, right, x == 0.0 ? 0.0 : node.value * std::log(x));
+    }
+}
+
+void FormulaGradient::PassMany(const Node& node) {
+    const FormulaStep& step = *node.step;
+    const bool isChoice = step.operation == Operation::kMin || step.operation == Operation::kMax;
+    double shares = step.operation == Operation::kMean ? step.index : 1.0;
+    if (isChoice) {
+        shares = 0.0;
+        for (std::uint32_t i = 0; i < step.index; ++i) shares += Operand(node, i).value == node.value ? 1.0 : 0.0;
+    }
+    for (std::uint32_t i = 0; i < step.index; ++i) {
+        Node& operand = Operand(node, i);
+        if (!isChoice || operand.value == node.value) Pass(node, operand, 1.0 / shares);
+    }
+}
+
+}  // namespace qel

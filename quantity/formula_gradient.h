@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "qellib10/quantity/formula_program.h"
+
+namespace qel {
+
+/// The value of a formula with its partial derivatives, by automatic differentiation backwards: the steps are carried
+/// out and kept, then gone through from the last to the first, which takes a few times as long as the value alone,
+/// however many variables there are. The derivatives are exact but for rounding.
+///
+/// Where a formula has no derivative:
+///
+///     sqrt(x) at 0, x^y with x = 0 and y < 1    not defined, an error with its place; also y of x^y where x < 0
+///     abs(x) at 0        1, so that an uncertainty is not lost
+///     min, max           of the operand that is taken; several equal ones share it
+///     round              1: that of the argument; rounding belongs to how a result is shown
+///     conditions         0: the derivative is that of the side that was taken
+///
+/// One object serves many evaluations without allocating again. The program must outlive it.
+class FormulaGradient {
+public:
+    explicit FormulaGradient(const FormulaProgram& program);
+
+    /// @param values by slot, one for each variable of the program
+    /// @param isActive by slot: whether the derivative by the variable is wanted; a derivative that does not exist
+    /// counts only where such a variable has a part in it
+    /// @return the value
+    /// @throws FormulaError
+    double Evaluate(std::span<const double> values, std::span<const unsigned char> isActive);
+
+    /// Of the last evaluation, by slot; 0 where it was not wanted.
+    std::span<const double> Partials() const { return m_partials; }
+
+    /// Whether the last evaluation was at a point where the formula bends or jumps: abs(0), equal operands of min, max
+    /// or a comparison. The uncertainty to first order then means little.
+    bool IsAtKink() const { return m_isAtKink; }
+
+private:
+    struct Node {  // a step that was carried out
+        double value;
+        double adjoint;  // of the result by this value
+        const FormulaStep* step;
+        std::uint32_t operands;  // where its operands begin in m_operands
+        bool isActive;
+    };
+    class Recording;
+
+    void GoBackwards();
+    void PassOne(const Node& node);
+    void PassTwo(const Node& node);
+    void PassMany(const Node& node);
+    Node& Operand(const Node& node, std::size_t index) { return m_nodes[m_operands[node.operands + index]]; }
+    static void Pass(const Node& node, Node& operand, double derivative);
+
+    const FormulaProgram& m_program;
+    std::vector<double> m_literals;  // by step: the numbers and constants
+    std::vector<Node> m_nodes;
+    std::vector<std::uint32_t> m_operands;  // nodes
+    std::vector<double> m_partials;
+    bool m_isAtKink = false;
+};
+
+}  // namespace qel

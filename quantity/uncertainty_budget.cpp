@@ -1,0 +1,138 @@
+#include "qellib10/quantity/uncertainty_budget.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "qellib10/platform/statistics/student.h"
+#include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/formula_gradient.h"
+#include "qellib10/quantity/uncertain_constants.h"
+#include "qellib10/quantity/uncertainty_propagation.h"
+#include "qellib10/quantity/uncertainty_sources.h"
+
+namespace qel {
+namespace {
+
+using Kind = FormulaError::Kind;
+
+// How far each source moves the result, and what they make together; relative to the largest of them, so that no square
+// is too large or too small.
+struct Combination {
+    Combination(const UncertaintySources& sources, std::span<const double> partials)
+        : bySource(sources.Sources().size()) {
+        for (const auto& [source, slot, uncertainty] : sources.Shares())
+            bySource[source] += partials[slot] * uncertainty;
+        for (const double contribution : bySource) scale = std::max(scale, std::abs(contribution));
+        if (scale == 0.0) return;
+        for (const double contribution : bySource) variance += Square(contribution / scale);
+    }
+
+    static double Square(double value) { return value * value; }
+
+    // The covariance of a contribution with the result, as part of the variance.
+    double ShareOf(double contribution, std::uint32_t source) const {
+        return scale == 0.0 ? 0.0 : (contribution / scale) * (bySource[source] / scale) / variance;
+    }
+
+    std::vector<double> bySource;
+    double scale = 0.0;
+    double variance = 0.0;  // relative to the square of scale
+};
+
+// GUM G.2b. A sum that is whole but for rounding is not cut to the number below.
+double EffectiveDegreesOfFreedom(const UncertaintySources& sources, const Combination& combination) {
+    constexpr double kRounding = 1e-10;
+    if (combination.scale == 0.0) return UncertaintyComponent::kInfinite;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < combination.bySource.size(); ++i) {
+        const double part = Combination::Square(combination.bySource[i] / combination.scale) / combination.variance;
+        sum += part * part / sources.Sources()[i].degreesOfFreedom;
+    }
+    return std::floor(1.0 / sum * (1.0 + kRounding));
+}
+
+void AddRows(UncertaintyBudget& budget, const FormulaProgram& program, std::span<const UncertainInput> inputs,
+             const UncertaintySources& sources, std::span<const double> partials, const Combination& combination) {
+    // Of an input with a correlation coefficient, as a whole.
+    std::vector<double> shares(sources.IsCorrelated() ? partials.size() : 0), squares(shares.size());
+    if (sources.IsCorrelated()) {
+        for (const auto& [source, slot, uncertainty] : sources.Shares())
+            shares[slot] += combination.ShareOf(partials[slot] * uncertainty, source);
+        for (const auto& each : sources.Components())
+            squares[each.slot] = std::hypot(squares[each.slot], each.component->uncertainty);
+    }
+    budget.rows.reserve(sources.Components().size());
+    for (const auto& [component, slot, share] : sources.Components()) {
+        const std::size_t position = program.variables[slot];
+        const double contribution = partials[slot] * component->uncertainty;
+        double part = 0.0;
+        if (share != UncertaintySources::kCorrelated) {
+            part = combination.ShareOf(contribution, sources.Shares()[share].source);
+        } else if (component->uncertainty != 0.0) {
+            part = shares[slot] * Combination::Square(component->uncertainty / squares[slot]);
+        }
+        budget.rows.push_back({position, inputs[position].name, component->source, inputs[position].value,
+                               component->uncertainty, component->degreesOfFreedom, partials[slot], contribution,
+                               part});
+    }
+}
+
+[[noreturn]] void Refuse(const char* reason) { throw FormulaError{Kind::kUncertainty, 0, 0, reason, {}, {}}; }
+
+void Expand(UncertaintyBudget& budget, const UncertaintyOptions& options) {
+    if (options.coverageFactor) {
+        const double k = *options.coverageFactor;
+        if (!(k > 0.0 && std::isfinite(k))) Refuse("a coverage factor that is not above 0");
+        budget.coverageFactor = k;
+        if (budget.degreesOfFreedom)
+            budget.coverageProbability = 1.0 - 2.0 * StudentDistribution(-k, *budget.degreesOfFreedom);
+    } else {
+        if (!(options.coverageProbability > 0.0 && options.coverageProbability < 1.0))
+            Refuse("a coverage probability that is not between 0 and 1");
+        if (!budget.degreesOfFreedom)
+            Refuse("degrees of freedom that a correlation coefficient makes undefined: k has to be given");
+        budget.coverageFactor = CoverageFactor(options.coverageProbability, *budget.degreesOfFreedom);
+        budget.coverageProbability = options.coverageProbability;
+    }
+    budget.expandedUncertainty = budget.coverageFactor * budget.uncertainty;
+}
+
+UncertaintyBudget Budget(const FormulaProgram& program, std::span<const UncertainInput> inputs,
+                         const UncertaintyOptions& options) {
+    if (program.isTruth) throw FormulaError{Kind::kType, 0, 0, "a number", {}, {}};
+    const UncertaintySources sources(program, inputs, options.correlations);
+    FormulaGradient gradient(program);
+    UncertaintyBudget budget;
+    budget.value = gradient.Evaluate(sources.Values(), sources.IsUncertain());
+    budget.isAtKink = gradient.IsAtKink();
+    const Combination combination(sources, gradient.Partials());
+    budget.uncertainty = combination.scale * std::sqrt(combination.variance);
+    if (!sources.IsCorrelated()) budget.degreesOfFreedom = EffectiveDegreesOfFreedom(sources, combination);
+    Expand(budget, options);
+    if (!std::isfinite(budget.expandedUncertainty)) throw FormulaError{Kind::kTooLarge, 0, 0, {}, {}, {}};
+    AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
+    return budget;
+}
+
+}  // namespace
+
+std::optional<UncertaintyBudget> PropagateUncertainty(const FormulaProgram& program,
+                                                      std::span<const UncertainInput> inputs,
+                                                      const UncertaintyOptions& options, FormulaError& error) {
+    try {
+        if (!HasUncertainConstants(program)) return Budget(program, inputs, options);
+        std::vector<UncertainInput> all(inputs.begin(), inputs.end());
+        const FormulaProgram varied = WithUncertainConstants(program, all);
+        return Budget(varied, all, options);
+    } catch (const FormulaError& failure) {
+        error = failure;
+        return {};
+    }
+}
+
+std::optional<UncertaintyBudget> PropagateUncertainty(const Formula& formula, std::span<const UncertainInput> inputs,
+                                                      const UncertaintyOptions& options, FormulaError& error) {
+    return PropagateUncertainty(ProgramOf(formula), inputs, options, error);
+}
+
+}  // namespace qel
