@@ -28,15 +28,18 @@ std::optional<LimitSubstitution> LimitSubstitutionOf(std::string_view name) {
     return {};
 }
 
-std::string ExactResult::Text() const {
+std::string ExactResult::Text() const { return TextWith(value.Text()); }
+std::string ExactResult::PlainText() const { return TextWith(value.PlainText()); }
+
+std::string ExactResult::TextWith(const std::string& number) const {
     const std::string equal = isIncluded ? "= " : " ";
     switch (kind) {
         case Kind::kValue:
-            return value.Text();
+            return number;
         case Kind::kBelow:
-            return "<" + equal + value.Text();
+            return "<" + equal + number;
         case Kind::kAbove:
-            return ">" + equal + value.Text();
+            return ">" + equal + number;
         case Kind::kYes:
             return "yes";
         case Kind::kNo:

@@ -51,10 +51,15 @@ struct QELLIB10_API ExactResult {
 
     /// "12.50", "< 0.02", "> 14", "<= 0.02" where it is included, "yes", "no", "undecided" or "not determinable"
     std::string Text() const;
+    /// The same with a number without an exponent, as a report shows it.
+    std::string PlainText() const;
 
     /// By a rule. A limit is rounded away from what is possible, so that "< 2.44" becomes "< 2.5" and stays true. Of
     /// any other kind than a number or a limit there is nothing, nor where RoundingRule::Round gives NaN.
     std::optional<RoundedValue> Rounded(const RoundingRule& rule, const std::optional<Decimal>& uncertainty = {}) const;
+
+private:
+    std::string TextWith(const std::string& number) const;
 };
 
 /// One step of a computation, as a trace shows it.

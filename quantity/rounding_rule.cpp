@@ -105,6 +105,10 @@ RoundedValue RoundingRule::Round(const Decimal& value, const std::optional<Decim
     return result;
 }
 
+std::optional<int> RoundingRule::UncertaintyDigits() const {
+    return m_to == To::kUncertainty ? std::optional(m_count) : std::nullopt;
+}
+
 RoundingRule RoundingRule::With(DecimalRounding rounding) const {
     RoundingRule rule = *this;
     rule.m_rounding = rounding;

@@ -47,6 +47,8 @@ public:
     /// the result needs more than 34 digits
     RoundedValue Round(const Decimal& value, const std::optional<Decimal>& uncertainty = {}) const;
 
+    /// Of ToUncertainty, how many digits; else nothing.
+    std::optional<int> UncertaintyDigits() const;
     /// The same rule with another way of rounding.
     RoundingRule With(DecimalRounding rounding) const;
 

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qellib10/platform/export.h"
+#include "qellib10/quantity/exact_result.h"
+#include "qellib10/quantity/reading.h"
+#include "qellib10/quantity/rounding_rule.h"
+#include "qellib10/quantity/uncertainty.h"
+#include "qellib10/quantity/uncertainty_budget.h"
+
+namespace qel {
+
+/// A value that is put into a calculation, with all that is known of it. Texts are UTF-8.
+struct CalculationInput {
+    std::string name;  ///< as formulas name it
+    Reading reading;
+    std::string unit;    ///< as Unit::Parse reads it; empty for a number without a unit
+    std::string origin;  ///< where the value is from, for the reader of a trace: a device, a certificate, a person
+    std::vector<UncertaintyComponent> components;  ///< in @p unit
+
+    friend bool operator==(const CalculationInput&, const CalculationInput&) = default;
+};
+
+/// A formula whose result others use by its name.
+struct CalculationFormula {
+    std::string name;
+    std::string formula;
+    std::string unit;  ///< that its result is to have; empty for the one that it has
+
+    friend bool operator==(const CalculationFormula&, const CalculationFormula&) = default;
+};
+
+/// All that a result depends on. Whoever has it can compute the result again.
+struct Calculation {
+    CalculationFormula result;
+    bool isKept = false;  ///< the formula of the result is in the older grammar, see Formula::Kept
+    std::vector<CalculationFormula> helpers;
+    std::vector<CalculationInput> inputs;
+    LimitSubstitution substitution = LimitSubstitution::kNone;
+    std::optional<RoundingRule> rule;  ///< of the result; nothing leaves it as it is
+    UncertaintyOptions uncertainty;    ///< its correlations are between the inputs, by position
+};
+
+}  // namespace qel

@@ -1,0 +1,262 @@
+#include "qellib10/quantity/calculation_json.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace qel {
+namespace {
+
+using Distribution = UncertaintyComponent::Distribution;
+using Evaluation = UncertaintyComponent::Evaluation;
+
+constexpr std::array kDistributions = {
+    std::pair{Distribution::kNormal, "normal"},
+    std::pair{Distribution::kRectangular, "rectangular"},
+    std::pair{Distribution::kTriangular, "triangular"},
+};
+constexpr std::array kEvaluations = {
+    std::pair{Evaluation::kReadings, "readings"},
+    std::pair{Evaluation::kStandard, "standard uncertainty"},
+    std::pair{Evaluation::kHalfWidth, "half-width"},
+    std::pair{Evaluation::kCertificate, "certificate"},
+};
+constexpr const char* kInfinite = "infinite";
+constexpr double kMostReadings = 1e9;
+
+JsonValue JsonOf(const CalculationFormula& formula) {
+    JsonValue json = JsonValue::Object();
+    json.Set("name", JsonValue::Text(formula.name)).Set("formula", JsonValue::Text(formula.formula));
+    if (!formula.unit.empty()) json.Set("unit", JsonValue::Text(formula.unit));
+    return json;
+}
+
+template <class Names, class Value> const char* NameIn(const Names& names, Value value) {
+    return std::ranges::find(names, value, [](const auto& each) { return each.first; })->second;
+}
+
+JsonValue JsonOf(const UncertaintyComponent& component) {
+    JsonValue json = JsonValue::Object();
+    if (!component.source.empty()) json.Set("source", JsonValue::Text(component.source));
+    json.Set("evaluation", JsonValue::Text(NameIn(kEvaluations, component.evaluation)))
+        .Set("distribution", JsonValue::Text(NameIn(kDistributions, component.distribution)))
+        .Set("stated", JsonValue::Number(component.stated))
+        .Set("factor", JsonValue::Number(component.factor))
+        .Set("uncertainty", JsonValue::Number(component.uncertainty));
+    const bool isInfinite = std::isinf(component.degreesOfFreedom);
+    json.Set("degreesOfFreedom",
+             isInfinite ? JsonValue::Text(kInfinite) : JsonValue::Number(component.degreesOfFreedom));
+    return json;
+}
+
+JsonValue JsonOf(const InputCorrelation& correlation) {
+    return JsonValue::Object()
+        .Set("first", JsonValue::Number(static_cast<std::int64_t>(correlation.first)))
+        .Set("second", JsonValue::Number(static_cast<std::int64_t>(correlation.second)))
+        .Set("coefficient", JsonValue::Number(correlation.coefficient));
+}
+
+JsonValue JsonOf(const CalculationInput& input);
+
+template <class Values> JsonValue ListOf(const Values& values) {
+    JsonValue list = JsonValue::List();
+    for (const auto& value : values) list.items.push_back(JsonOf(value));
+    return list;
+}
+
+JsonValue JsonOf(const CalculationInput& input) {
+    JsonValue json = JsonValue::Object();
+    json.Set("name", JsonValue::Text(input.name)).Set("reading", JsonValue::Text(input.reading.Text()));
+    if (input.reading.isFromBinary) json.Set("isFromBinary", JsonValue::Boolean(true));
+    if (input.reading.places) json.Set("roundedByListTo", JsonValue::Number(std::int64_t{*input.reading.places}));
+    if (!input.unit.empty()) json.Set("unit", JsonValue::Text(input.unit));
+    if (!input.origin.empty()) json.Set("origin", JsonValue::Text(input.origin));
+    if (!input.components.empty()) json.Set("uncertainties", ListOf(input.components));
+    return json;
+}
+
+JsonValue JsonOf(const UncertaintyOptions& options) {
+    JsonValue json = JsonValue::Object();
+    if (options.coverageFactor)
+        json.Set("factor", JsonValue::Number(*options.coverageFactor));
+    else
+        json.Set("probability", JsonValue::Number(options.coverageProbability));
+    if (!options.correlations.empty()) json.Set("correlations", ListOf(options.correlations));
+    return json;
+}
+
+// Thrown by the reader alone, and caught by CalculationOf.
+struct Refused {
+    std::string why;
+};
+
+[[noreturn]] void Refuse(std::string_view member, std::string_view expected) {
+    throw Refused{"\"" + std::string(member) + "\" is not " + std::string(expected)};
+}
+
+// The members of an object, by their types.
+class Members {
+public:
+    explicit Members(const JsonValue& json, std::string_view what) : m_json(json) {
+        if (json.kind != JsonValue::Kind::kObject) Refuse(what, "an object");
+    }
+
+    std::string Text(std::string_view name) const {
+        const JsonValue* const value = m_json.Find(name);
+        if (value == nullptr) return {};
+        if (value->kind != JsonValue::Kind::kText) Refuse(name, "a text");
+        return value->text;
+    }
+    bool Boolean(std::string_view name) const {
+        const JsonValue* const value = m_json.Find(name);
+        if (value != nullptr && value->kind != JsonValue::Kind::kBoolean) Refuse(name, "true or false");
+        return value != nullptr && value->isTrue;
+    }
+    double Number(std::string_view name, double missing) const {
+        const JsonValue* const value = m_json.Find(name);
+        if (value == nullptr) return missing;
+        const std::optional<double> number = value->Double();
+        if (!number) Refuse(name, "a number");
+        return *number;
+    }
+    template <class Integer> Integer Whole(std::string_view name) const {
+        const JsonValue* const value = m_json.Find(name);
+        const std::optional<std::int64_t> number = value != nullptr ? value->Integer() : std::nullopt;
+        if (!number || !std::in_range<Integer>(*number)) Refuse(name, "a whole number");
+        return static_cast<Integer>(*number);
+    }
+    bool Has(std::string_view name) const { return m_json.Find(name) != nullptr; }
+    const JsonValue& At(std::string_view name) const {
+        const JsonValue* const value = m_json.Find(name);
+        if (value == nullptr) Refuse(name, "there");
+        return *value;
+    }
+    const std::vector<JsonValue>& List(std::string_view name) const {
+        static const std::vector<JsonValue> none;
+        const JsonValue* const value = m_json.Find(name);
+        if (value == nullptr) return none;
+        if (value->kind != JsonValue::Kind::kList) Refuse(name, "a list");
+        return value->items;
+    }
+    template <class Names> auto Named(std::string_view name, const Names& names) const {
+        const std::string text = Text(name);
+        const auto found = std::ranges::find_if(names, [&](const auto& each) { return text == each.second; });
+        if (found == names.end()) Refuse(name, "one of the words that it may be");
+        return found->first;
+    }
+
+private:
+    const JsonValue& m_json;
+};
+
+CalculationFormula FormulaOf(const JsonValue& json) {
+    const Members members(json, "formula");
+    return {members.Text("name"), members.Text("formula"), members.Text("unit")};
+}
+
+// Made from how it is stated, so that a statement that does not belong to its uncertainty is noticed.
+UncertaintyComponent ComponentOf(const JsonValue& json) {
+    const Members members(json, "uncertainties");
+    const std::string source = members.Text("source");
+    const double stated = members.Number("stated", 0.0), factor = members.Number("factor", 1.0);
+    const Evaluation evaluation = members.Named("evaluation", kEvaluations);
+    const bool isTriangular = members.Named("distribution", kDistributions) == Distribution::kTriangular;
+    const JsonValue& freedom = members.At("degreesOfFreedom");
+    const bool isInfinite = freedom.kind == JsonValue::Kind::kText && freedom.text == kInfinite;
+    const double degrees = isInfinite ? UncertaintyComponent::kInfinite
+                                      : members.Number("degreesOfFreedom", UncertaintyComponent::kInfinite);
+    std::optional<UncertaintyComponent> component;
+    switch (evaluation) {
+        case Evaluation::kReadings:
+            if (factor >= 2.0 && factor <= kMostReadings)
+                component = UncertaintyComponent::Readings(stated, static_cast<std::size_t>(factor), source);
+            break;
+        case Evaluation::kStandard:
+            component = UncertaintyComponent::Standard(stated, source, degrees);
+            break;
+        case Evaluation::kHalfWidth:
+            component = isTriangular ? UncertaintyComponent::Triangular(stated, source)
+                                     : UncertaintyComponent::Rectangular(stated, source);
+            break;
+        case Evaluation::kCertificate:
+            component = UncertaintyComponent::Certificate(stated, factor, source, degrees);
+            break;
+    }
+    if (!component) Refuse("uncertainties", "a valid uncertainty");
+    return members.Number("uncertainty", 0.0) < 0.0 ? component->Opposed() : *component;
+}
+
+CalculationInput InputOf(const JsonValue& json) {
+    const Members members(json, "inputs");
+    CalculationInput input;
+    input.name = members.Text("name");
+    const std::optional<Reading> reading = Reading::OfText(members.Text("reading"));
+    if (!reading) Refuse("reading", "a reading");
+    input.reading = *reading;
+    input.reading.isFromBinary = members.Boolean("isFromBinary");
+    if (members.Has("roundedByListTo")) input.reading.places = members.Whole<int>("roundedByListTo");
+    input.unit = members.Text("unit");
+    input.origin = members.Text("origin");
+    for (const JsonValue& component : members.List("uncertainties")) input.components.push_back(ComponentOf(component));
+    return input;
+}
+
+UncertaintyOptions OptionsOf(const JsonValue& json) {
+    const Members members(json, "coverage");
+    UncertaintyOptions options;
+    options.coverageProbability = members.Number("probability", options.coverageProbability);
+    if (members.Has("factor")) options.coverageFactor = members.Number("factor", 0.0);
+    for (const JsonValue& item : members.List("correlations")) {
+        const Members pair(item, "correlations");
+        options.correlations.push_back(
+            {pair.Whole<std::size_t>("first"), pair.Whole<std::size_t>("second"), pair.Number("coefficient", 0.0)});
+    }
+    return options;
+}
+
+Calculation Read(const JsonValue& json) {
+    const Members members(json, "calculation");
+    Calculation calculation;
+    calculation.result = FormulaOf(members.At("result"));
+    calculation.isKept = members.Boolean("isKept");
+    for (const JsonValue& helper : members.List("helpers")) calculation.helpers.push_back(FormulaOf(helper));
+    for (const JsonValue& input : members.List("inputs")) calculation.inputs.push_back(InputOf(input));
+    if (members.Has("substitution")) {
+        const auto substitution = LimitSubstitutionOf(members.Text("substitution"));
+        if (!substitution) Refuse("substitution", "one of the words that it may be");
+        calculation.substitution = *substitution;
+    }
+    if (members.Has("rounding")) {
+        calculation.rule = RoundingRule::OfName(members.Text("rounding"));
+        if (!calculation.rule) Refuse("rounding", "the name of a rule");
+    }
+    if (members.Has("coverage")) calculation.uncertainty = OptionsOf(members.At("coverage"));
+    return calculation;
+}
+
+}  // namespace
+
+JsonValue JsonOf(const Calculation& calculation) {
+    JsonValue json = JsonValue::Object();
+    json.Set("result", JsonOf(calculation.result));
+    if (calculation.isKept) json.Set("isKept", JsonValue::Boolean(true));
+    if (!calculation.helpers.empty()) json.Set("helpers", ListOf(calculation.helpers));
+    json.Set("inputs", ListOf(calculation.inputs));
+    if (calculation.substitution != LimitSubstitution::kNone)
+        json.Set("substitution", JsonValue::Text(NameOf(calculation.substitution)));
+    if (calculation.rule) json.Set("rounding", JsonValue::Text(calculation.rule->Name()));
+    json.Set("coverage", JsonOf(calculation.uncertainty));
+    return json;
+}
+
+std::optional<Calculation> CalculationOf(const JsonValue& json, std::string& error) {
+    try {
+        return Read(json);
+    } catch (const Refused& refused) {
+        error = refused.why;
+        return {};
+    }
+}
+
+}  // namespace qel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <vector>
+
+#include "qellib10/quantity/formula_set.h"
+#include "qellib10/quantity/trace.h"
+
+namespace qel {
+
+/// Fills a trace, formula by formula. Each result is an input of the formulas that name it, with its uncertainty by
+/// source, so that what two of them have in common stays correlated.
+class TraceComputation {
+public:
+    explicit TraceComputation(Trace& trace) : m_trace(trace), m_set(Scope()) {}
+
+    void Run();
+
+private:
+    FormulaScope Scope() const;
+    bool Check();
+    bool AddFormulas();
+    bool Compute(const CalculationFormula& source, const Formula& formula);
+    void Propagate(const Formula& formula, TracePart& part);
+    bool HasUncertainty(const Formula& formula) const;
+    std::string ReasonAgainstBudget(const Formula& formula) const;
+    void PutIn(const TracePart& part);
+    UncertainInput UncertainOf(const CalculationInput& input) const;
+    const UncertaintyComponent* ComponentOf(const UncertaintyRow& row) const;
+    void Round();
+    void Fail(const CalculationFormula& formula, const FormulaError& error);
+    const CalculationFormula& SourceOf(std::size_t formula) const;
+
+    Trace& m_trace;
+    FormulaSet m_set;
+    std::vector<Reading> m_readings;       // of inputs and formulas, by position in the scope
+    std::vector<UncertainInput> m_inputs;  // of the same
+};
+
+}  // namespace qel

@@ -1,0 +1,185 @@
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+#include "qellib10/quantity/trace.h"
+#include "qellib10/quantity/trace_words.h"
+
+namespace qel {
+namespace {
+
+constexpr int kFiguresOfUncertainty = 3;
+constexpr int kFiguresOfSensitivity = 5;
+
+std::string Short(double value, int figures) {
+    std::array<char, 40> text;
+    return {text.data(),
+            std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, figures).ptr};
+}
+
+class Tables {
+public:
+    Tables(const Trace& trace, TraceLanguage language) : m_trace(trace), m_language(language) {}
+
+    std::vector<TraceTable> All() {
+        AddResult();
+        AddInputs();
+        for (const TracePart& part : m_trace.Parts()) AddSteps(part);
+        AddRounding();
+        for (const TracePart& part : m_trace.Parts())
+            if (part.budget) AddBudget(part);
+        return std::move(m_tables);
+    }
+
+private:
+    std::string Word(TraceWord word) const { return std::string(TextOf(word, m_language)); }
+
+    TraceTable& Add(TraceWord title, const std::string& name, std::initializer_list<TraceWord> columns) {
+        TraceTable& table = m_tables.emplace_back();
+        table.title = Word(title) + (name.empty() ? "" : ": " + name);
+        for (const TraceWord column : columns) table.columns.push_back(Word(column));
+        return table;
+    }
+
+    std::string Name(const std::optional<std::size_t>& cause) const {
+        const auto& inputs = m_trace.Request().inputs;
+        return cause && *cause < inputs.size() ? ", " + Word(TraceWord::kBecauseOf) + inputs[*cause].name : "";
+    }
+
+    void AddResult() {
+        const Calculation& request = m_trace.Request();
+        if (const TraceFault* const fault = m_trace.Fault()) {
+            TraceTable& table = Add(TraceWord::kFault, fault->name, {});
+            table.rows.push_back({Word(TraceWord::kFault), fault->sentence});
+        } else {
+            TraceTable& table = Add(TraceWord::kResult, request.result.name, {});
+            table.rows.push_back(
+                {Word(TraceWord::kResult), m_trace.ResultWithUncertainty() + Name(m_trace.Result()->result->cause)});
+            if (!m_trace.Result()->withoutBudget.empty())
+                table.rows.push_back({Word(TraceWord::kWithoutBudget), m_trace.Result()->withoutBudget});
+        }
+        auto& rows = m_tables.back().rows;
+        rows.push_back(
+            {Word(TraceWord::kFormula), request.result.name + " = " + request.result.formula +
+                                            (request.isKept ? " (" + Word(TraceWord::kOlderGrammar) + ')' : "")});
+        for (const CalculationFormula& helper : request.helpers)
+            rows.push_back({Word(TraceWord::kHelper), helper.name + " = " + helper.formula});
+        if (request.substitution != LimitSubstitution::kNone)
+            rows.push_back({Word(TraceWord::kSubstitution), std::string(NameOf(request.substitution))});
+        rows.push_back({Word(TraceWord::kEngine), m_trace.Engine()});
+    }
+
+    void AddInputs() {
+        TraceTable& table = Add(
+            TraceWord::kInputs, "",
+            {TraceWord::kName, TraceWord::kValue, TraceWord::kUnit, TraceWord::kOrigin, TraceWord::kUncertaintyStated});
+        for (const CalculationInput& input : m_trace.Request().inputs) {
+            std::string origin = input.origin;
+            const auto addRemark = [&](const std::string& remark) { origin += (origin.empty() ? "" : "; ") + remark; };
+            if (input.reading.isFromBinary) addRemark(Word(TraceWord::kFromBinary));
+            if (input.reading.places)
+                addRemark(Word(TraceWord::kRoundedByList) + std::to_string(*input.reading.places));
+            std::string stated;
+            for (const UncertaintyComponent& component : input.components)
+                stated += (stated.empty() ? "" : "; ") + component.Statement() +
+                          (component.source.empty() ? "" : " (" + component.source + ')');
+            table.rows.push_back({input.name, input.reading.Text(), input.unit, origin, stated});
+        }
+    }
+
+    void AddSteps(const TracePart& part) {
+        TraceTable& table =
+            Add(TraceWord::kSteps, part.name,
+                {TraceWord::kStep, TraceWord::kFormula, TraceWord::kOperation, TraceWord::kValue, TraceWord::kRemark});
+        for (const ExactStep& step : part.steps)
+            table.rows.push_back({std::to_string(table.rows.size() + 1),
+                                  part.formula.substr(step.position, step.length), step.operation, step.result,
+                                  step.flags.isInexact ? Word(TraceWord::kInexact) : std::string()});
+    }
+
+    void AddRounding() {
+        if (m_trace.Result() == nullptr) return;
+        TraceTable& table = Add(TraceWord::kRounding, "", {});
+        const std::optional<RoundingRule>& rule = m_trace.Request().rule;
+        table.rows.push_back({Word(TraceWord::kRule), rule ? rule->Name() : Word(TraceWord::kNoRounding)});
+        const ExactResult& result = *m_trace.Result()->result;
+        table.rows.push_back({Word(TraceWord::kUnrounded), result.Text()});
+        if (m_trace.Rounded())
+            table.rows.push_back({Word(TraceWord::kRounded), m_trace.Rounded()->rounded.PlainText()});
+    }
+
+    std::string Freedom(const std::optional<double>& value) const {
+        if (!value) return Word(TraceWord::kNotDefined);
+        return std::isinf(*value) ? Word(TraceWord::kInfinite) : Short(*value, 6);
+    }
+
+    void AddBudget(const TracePart& part) {
+        const UncertaintyBudget& budget = *part.budget;
+        TraceTable& table =
+            Add(TraceWord::kBudget, part.name,
+                {TraceWord::kName, TraceWord::kSource, TraceWord::kValue, TraceWord::kStandardUncertainty,
+                 TraceWord::kDegreesOfFreedom, TraceWord::kSensitivity, TraceWord::kContribution, TraceWord::kShare});
+        for (const UncertaintyRow& row : budget.rows)
+            table.rows.push_back({row.name, row.source, Short(row.value, 10),
+                                  Short(row.uncertainty, kFiguresOfUncertainty), Freedom(row.degreesOfFreedom),
+                                  Short(row.sensitivity, kFiguresOfSensitivity),
+                                  Short(row.contribution, kFiguresOfUncertainty), Short(100.0 * row.share, 3) + " %"});
+        TraceTable& sum = Add(TraceWord::kExpanded, part.name, {});
+        const std::string unit = part.unit.empty() ? "" : ' ' + part.unit;
+        sum.rows.push_back({Word(TraceWord::kCombined), Short(budget.uncertainty, kFiguresOfUncertainty) + unit});
+        sum.rows.push_back({Word(TraceWord::kDegreesOfFreedom), Freedom(budget.degreesOfFreedom)});
+        const std::string probability =
+            budget.coverageProbability ? " (" + Short(100.0 * *budget.coverageProbability, 4) + " %)" : "";
+        sum.rows.push_back({Word(TraceWord::kCoverage), Short(budget.coverageFactor, 4) + probability});
+        sum.rows.push_back(
+            {Word(TraceWord::kExpanded), Short(budget.expandedUncertainty, kFiguresOfUncertainty) + unit});
+        if (budget.isAtKink) sum.rows.push_back({Word(TraceWord::kRemark), Word(TraceWord::kAtKink)});
+    }
+
+    const Trace& m_trace;
+    TraceLanguage m_language;
+    std::vector<TraceTable> m_tables;
+};
+
+// Columns of a text in a font of equal widths: East Asian characters have two.
+std::size_t WidthOf(std::string_view utf8) {
+    std::size_t width = 0;
+    for (const char character : utf8) {
+        const auto byte = static_cast<unsigned char>(character);
+        if ((byte & 0xC0U) == 0x80U) continue;
+        width += byte >= 0xE3 && byte < 0xEF ? 2 : 1;  // from U+3000 on
+    }
+    return width;
+}
+
+std::string Lines(const TraceTable& table) {
+    std::vector<std::vector<std::string>> rows = table.rows;
+    if (!table.columns.empty()) rows.insert(rows.begin(), table.columns);
+    std::vector<std::size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
+    }
+    std::string text = table.title + '\n';
+    for (const auto& row : rows) {
+        std::string line = " ";
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += ' ' + row[i] + std::string(widths[i] - WidthOf(row[i]) + 1, ' ');
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+    }
+    return text;
+}
+
+}  // namespace
+
+std::vector<TraceTable> Trace::Tables(TraceLanguage language) const { return qel::Tables(*this, language).All(); }
+
+std::string Trace::Text(TraceLanguage language) const {
+    std::string text;
+    for (const TraceTable& table : Tables(language)) text += (text.empty() ? "" : "\n") + Lines(table);
+    return text;
+}
+
+}  // namespace qel

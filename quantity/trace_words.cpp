@@ -1,0 +1,63 @@
+#include "qellib10/quantity/trace_words.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qel {
+namespace {
+
+struct Words {
+    TraceWord word;
+    std::string_view english, japanese;
+};
+constexpr std::array kWords = {
+    Words{TraceWord::kResult, "Result", "結果"},
+    Words{TraceWord::kFormula, "Formula", "計算式"},
+    Words{TraceWord::kHelper, "Formula used", "使用した計算式"},
+    Words{TraceWord::kInputs, "Values put in", "入力値"},
+    Words{TraceWord::kSteps, "Steps", "計算の手順"},
+    Words{TraceWord::kRounding, "Rounding", "数値の丸め"},
+    Words{TraceWord::kBudget, "Uncertainty budget", "不確かさのバジェット"},
+    Words{TraceWord::kFault, "No result", "結果なし"},
+    Words{TraceWord::kName, "Name", "名称"},
+    Words{TraceWord::kValue, "Value", "値"},
+    Words{TraceWord::kUnit, "Unit", "単位"},
+    Words{TraceWord::kOrigin, "From", "出所"},
+    Words{TraceWord::kUncertaintyStated, "Uncertainty", "不確かさ"},
+    Words{TraceWord::kStep, "Step", "手順"},
+    Words{TraceWord::kOperation, "Operation", "演算"},
+    Words{TraceWord::kRemark, "Remark", "備考"},
+    Words{TraceWord::kInexact, "inexact", "丸め誤差あり"},
+    Words{TraceWord::kFromBinary, "was a binary number", "二進数から変換"},
+    Words{TraceWord::kRoundedByList, "rounded by the list, decimal places: ", "変数リストで丸め、小数点以下の桁数: "},
+    Words{TraceWord::kRule, "Rule", "規則"},
+    Words{TraceWord::kUnrounded, "Before", "丸め前"},
+    Words{TraceWord::kRounded, "After", "丸め後"},
+    Words{TraceWord::kNoRounding, "none", "なし"},
+    Words{TraceWord::kSubstitution, "For limits in min, max and mean", "min、max、mean での限界値の代用"},
+    Words{TraceWord::kSource, "Source", "要因"},
+    Words{TraceWord::kStandardUncertainty, "u", "標準不確かさ u"},
+    Words{TraceWord::kDegreesOfFreedom, "Degrees of freedom", "自由度"},
+    Words{TraceWord::kSensitivity, "Sensitivity", "感度係数"},
+    Words{TraceWord::kContribution, "Contribution", "寄与"},
+    Words{TraceWord::kShare, "Share", "割合"},
+    Words{TraceWord::kCombined, "Combined standard uncertainty", "合成標準不確かさ"},
+    Words{TraceWord::kCoverage, "Coverage factor k", "包含係数 k"},
+    Words{TraceWord::kExpanded, "Expanded uncertainty U", "拡張不確かさ U"},
+    Words{TraceWord::kInfinite, "infinite", "無限大"},
+    Words{TraceWord::kNotDefined, "not defined", "定義されない"},
+    Words{TraceWord::kBecauseOf, "because of ", "原因: "},
+    Words{TraceWord::kAtKink, "first order is not enough at this place", "この点では一次近似は不十分"},
+    Words{TraceWord::kEngine, "Computed by version", "計算したバージョン"},
+    Words{TraceWord::kWithoutBudget, "No uncertainty", "不確かさなし"},
+    Words{TraceWord::kOlderGrammar, "older grammar", "旧文法"},
+};
+
+}  // namespace
+
+std::string_view TextOf(TraceWord word, TraceLanguage language) {
+    const auto found = std::ranges::find(kWords, word, &Words::word);
+    return language == TraceLanguage::kJapanese ? found->japanese : found->english;
+}
+
+}  // namespace qel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string_view>
+
+#include "qellib10/quantity/trace.h"
+
+namespace qel {
+
+/// The words of a trace's tables.
+enum class TraceWord {
+    kResult,
+    kFormula,
+    kHelper,
+    kInputs,
+    kSteps,
+    kRounding,
+    kBudget,
+    kFault,
+    kName,
+    kValue,
+    kUnit,
+    kOrigin,
+    kUncertaintyStated,
+    kStep,
+    kOperation,
+    kRemark,
+    kInexact,
+    kFromBinary,
+    kRoundedByList,
+    kRule,
+    kUnrounded,
+    kRounded,
+    kNoRounding,
+    kSubstitution,
+    kSource,
+    kStandardUncertainty,
+    kDegreesOfFreedom,
+    kSensitivity,
+    kContribution,
+    kShare,
+    kCombined,
+    kCoverage,
+    kExpanded,
+    kInfinite,
+    kNotDefined,
+    kBecauseOf,
+    kAtKink,
+    kEngine,
+    kWithoutBudget,
+    kOlderGrammar,
+};
+
+std::string_view TextOf(TraceWord word, TraceLanguage language);
+
+}  // namespace qel

@@ -1,0 +1,163 @@
+#include "qellib10/quantity/trace.h"
+
+#include "../support/test.h"
+#include "qellib10/platform/json/json_value.h"
+
+namespace {
+
+using qel::Calculation;
+using qel::Reading;
+using qel::Trace;
+using qel::UncertaintyComponent;
+
+qel::CalculationInput Input(const std::string& name, const std::string& reading,
+                            std::vector<UncertaintyComponent> components = {}) {
+    return {name, *Reading::OfText(reading), "", "", std::move(components)};
+}
+
+// The titre of a solution by weighed potassium hydrogen phthalate, and an acid with it.
+Calculation Acid() {
+    Calculation calculation;
+    calculation.result = {"ACID", "TITRE * VT / VA", ""};
+    calculation.helpers = {{"TITRE", "1000 * M * P / (MW * VT1)", ""}};
+    calculation.inputs = {
+        Input("M", "0.3888", {*UncertaintyComponent::Standard(0.00013, "balance")}),
+        Input("P", "1.0", {*UncertaintyComponent::Rectangular(0.0005)}),
+        Input("MW", "204.2212", {*UncertaintyComponent::Standard(0.0038)}),
+        Input("VT1", "18.64",
+              {*UncertaintyComponent::Standard(0.01, "burette"), *UncertaintyComponent::Readings(0.012, 10)}),
+        Input("VT", "14.89", {*UncertaintyComponent::Standard(0.01, "burette")}),
+        Input("VA", "15", {*UncertaintyComponent::Certificate(0.022, 2)}),
+    };
+    calculation.inputs[0].origin = "balance 3";
+    calculation.rule = qel::RoundingRule::ToUncertainty(qel::DecimalRounding::kHalfEven, 2);
+    return calculation;
+}
+
+}  // namespace
+
+TEST(Trace, HasTheResultWithItsUncertaintyAndEachStep) {
+    const Trace trace = Trace::Of(Acid());
+    ASSERT_EQ(trace.Fault(), nullptr);
+    ASSERT_EQ(trace.Parts().size(), 2U);
+    EXPECT_EQ(Line({trace.Parts()[0].name, trace.Parts()[1].name, trace.Parts()[0].steps.size()}), "TITRE ACID 9");
+    EXPECT_EQ(trace.ResultWithUncertainty(), "0.10139 ± 0.00018 (k = 2.001)");
+}
+
+// The same computation in one formula: what the helper and the result have in common is correlated alike.
+TEST(Trace, AHelperLosesNoCorrelation) {
+    Calculation whole = Acid();
+    whole.helpers.clear();
+    whole.result.formula = "1000 * M * P / (MW * VT1) * VT / VA";
+    const Trace parts = Trace::Of(Acid()), one = Trace::Of(whole);
+    ASSERT_TRUE(parts.Result()->budget && one.Result()->budget);
+    EXPECT_NEAR(parts.Result()->budget->uncertainty / one.Result()->budget->uncertainty, 1.0, 1e-12);
+    EXPECT_EQ(parts.Result()->budget->degreesOfFreedom, one.Result()->budget->degreesOfFreedom);
+    Calculation twice = Acid();
+    twice.helpers.push_back({"AGAIN", "1000 * M * P / (MW * VT1)", ""});
+    twice.result.formula = "TITRE - AGAIN + 1";
+    EXPECT_NEAR(Trace::Of(twice).Result()->budget->uncertainty, 0.0, 1e-18);
+}
+
+TEST(Trace, FaultsNameTheFormulaAndThePlace) {
+    const auto faultOf = [](auto change) {
+        Calculation calculation = Acid();
+        change(calculation);
+        const Trace trace = Trace::Of(calculation);
+        return trace.Fault() != nullptr ? trace.Fault()->name + ": " + trace.Fault()->sentence : trace.ResultText();
+    };
+    using Change = void (*)(Calculation&);
+    for (const auto& [change, expected] : Cases<Change, const char*>{
+             {[](Calculation& c) { c.result.formula = "TITRE * VT /"; },
+              "ACID: the formula is not valid at its end: a number, a name or an opening bracket is expected"},
+             {[](Calculation& c) { c.helpers[0].formula = "ACID"; },
+              "TITRE: the formula needs its own result at character 1: \"ACID\": TITRE needs ACID needs TITRE"},
+             {[](Calculation& c) { c.inputs[5].reading = *Reading::OfText("0"); },
+              "ACID: a division by zero at character 12: \"/\""},
+             {[](Calculation& c) { c.inputs[1].name = "m"; }, "m: two inputs have this name"},
+             {[](Calculation& c) { c.inputs[1].name = ""; }, ": an input has no name"},
+             {[](Calculation& c) { c.helpers[0].name = "VT"; }, "VT: an input or another formula has this name"},
+             {[](Calculation& c) {
+                  c.result.formula = "mean(TITRE, VA)";
+                  c.inputs[5].reading = *Reading::OfText("< 15");
+              },
+              "ACID: not determinable at character 1: \"mean\", because of a reading that is no number: VA"},
+             {[](Calculation& c) {
+                  c.isKept = true;
+                  c.result.formula = "2*";
+              },
+              "0"},
+         })
+        EXPECT_EQ(faultOf(change), expected);
+}
+
+TEST(Trace, ALimitHasNoBudgetAndSaysWhy) {
+    Calculation calculation = Acid();
+    calculation.inputs[4].reading = *Reading::OfText("< 0.3");
+    calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, 4);
+    const Trace trace = Trace::Of(calculation);
+    EXPECT_EQ(Line({trace.ResultWithUncertainty(), trace.Result()->withoutBudget}), "< 0.0021 VT is no number");
+}
+
+TEST(Trace, IsComputedAgainWithTheSameDigits) {
+    const std::string json = Trace::Of(Acid()).Json();
+    std::string error;
+    const std::optional<qel::TraceCheck> check = qel::CheckTrace(json, error);
+    ASSERT_TRUE(check) << error;
+    EXPECT_EQ(check->differences, std::vector<std::string>{});
+    EXPECT_EQ(check->computed.Json(), json);
+}
+
+TEST(Trace, EveryChangedMemberIsADifferenceOrRefused) {
+    const std::string json = Trace::Of(Acid()).Json();
+    std::string error;
+    std::vector<qel::JsonValue*> leaves;
+    qel::JsonValue root = *qel::JsonValue::Parse(json, error);
+    const auto collect = [&](auto&& self, qel::JsonValue& value, const std::string& name) -> void {
+        for (auto& item : value.items) self(self, item, name);
+        for (auto& [member, inner] : value.members) self(self, inner, member);
+        // Where a value is from and which version computed it change no digit.
+        const bool isLeaf = value.items.empty() && value.members.empty();
+        if (isLeaf && name != "engine" && name != "origin") leaves.push_back(&value);
+    };
+    collect(collect, root, "");
+    EXPECT_GT(leaves.size(), 150U);
+    for (qel::JsonValue* const leaf : leaves) {
+        const qel::JsonValue before = *leaf;
+        if (leaf->kind == qel::JsonValue::Kind::kNumber)
+            *leaf = qel::JsonValue::Number(*leaf->Double() * 1.5 + 1.0);
+        else if (leaf->kind == qel::JsonValue::Kind::kBoolean)
+            leaf->isTrue = !leaf->isTrue;
+        else
+            leaf->text += 'x';
+        const auto check = qel::CheckTrace(root.Dump(), error);
+        EXPECT_TRUE(!check || !check->differences.empty()) << before.Dump();
+        *leaf = before;
+    }
+}
+
+TEST(Trace, OfOtherTextsThereIsNone) {
+    for (const char* json :
+         {"", "{}", "[]", "{\"format\": \"qellib10-trace-1\"}",
+          "{\"format\": \"qellib10-trace-1\", \"engine\": \"1\", \"calculation\": {}, \"outcome\": {}}",
+          "{\"format\": \"qellib10-trace-1\", \"engine\": \"1\", \"calculation\": {\"result\": "
+          "{\"name\": 1}}, \"outcome\": {}}"}) {
+        std::string error;
+        EXPECT_FALSE(qel::CheckTrace(json, error)) << json;
+        EXPECT_NE(error, "") << json;
+    }
+}
+
+TEST(Trace, IsReadInEnglishAndJapanese) {
+    Calculation calculation = Acid();
+    calculation.inputs[3].reading = Reading::OfDouble(18.64);
+    const Trace trace = Trace::Of(calculation);
+    const std::string english = trace.Text(qel::TraceLanguage::kEnglish),
+                      japanese = trace.Text(qel::TraceLanguage::kJapanese);
+    for (const char* text : {"Result: ACID", "TITRE = 1000 * M * P / (MW * VT1)", "balance 3", "was a binary number",
+                             "rectangular, half-width 0.0005", "inexact", "half even, 2 digits of the uncertainty",
+                             "Coverage factor k", "burette"})
+        EXPECT_NE(english.find(text), std::string::npos) << text << "\n" << english;
+    for (const char* text : {"結果: ACID", "二進数から変換", "拡張不確かさ U"})
+        EXPECT_NE(japanese.find(text), std::string::npos) << text << "\n" << japanese;
+}
