@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/trace.h"
 #include "qellib10/quantity/trace_words.h"
 
@@ -154,15 +155,24 @@ std::size_t WidthOf(std::string_view utf8) {
     return width;
 }
 
+// A formula may have lines of its own.
+std::string OnOneLine(std::string text) {
+    std::ranges::replace_if(
+        text, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
+    return PrintableText(text);
+}
+
 std::string Lines(const TraceTable& table) {
     std::vector<std::vector<std::string>> rows = table.rows;
     if (!table.columns.empty()) rows.insert(rows.begin(), table.columns);
+    for (auto& row : rows)
+        for (std::string& cell : row) cell = OnOneLine(cell);
     std::vector<std::size_t> widths;
     for (const auto& row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
     }
-    std::string text = table.title + '\n';
+    std::string text = OnOneLine(table.title) + '\n';
     for (const auto& row : rows) {
         std::string line = " ";
         for (std::size_t i = 0; i < row.size(); ++i)

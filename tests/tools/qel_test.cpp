@@ -131,12 +131,17 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
                                  "((COMP_CWORD--)); _qel; echo ${COMPREPLY[@]}' - qel ";
     const std::string page = ResultOf(sources + "sed 's/\\\\f[BIR]//g; s/\\\\-/-/g' qel.1");
     const auto synopsisOf = [&](const std::string& command) {
-        const std::size_t at = page.find("\nqel " + command + ' ') + 1;
-        return page.substr(at, page.find('\n', at) - at);
+        std::string lines;
+        const std::string start = "\nqel " + command + ' ';
+        for (std::size_t at = page.find(start); at != std::string::npos; at = page.find(start, at + 1))
+            lines += page.substr(at, page.find('\n', at + 1) - at);
+        return lines;
     };
     for (const auto& [path, choices] : Cases<std::string, std::string>{
              {"", "0 calc seal verify cabinet xml job archive renewals profile plot selftest trail stamp sign key\n"},
-             {"calc --", "0 --help --from --digits --check --json\n"},
+             {"calc --",
+              "0 --help --from --digits --check --json --exact --name --unit --define --round --substitute "
+              "--coverage --k --kept --trace --write-trace --steps --language\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --",
               "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --trust --key --trail "
@@ -213,6 +218,34 @@ TEST(Qel, CalcChecksAndComputes) {
              {"1 --from .", "5 qel: .: is a folder\n"},
          })
         EXPECT_EQ(folder.Qel("calc " + std::string(arguments)), answer);
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"--exact 'A / 3 + min(A, 1)' A=1", "0 1.333333333333333333333333333333333\n"},
+             {"--exact '(EP - BLANK) * T' 'EP=16.52 ; rect=0.03' BLANK=0.02 'T=0.1;u=1e-4' --round 'half even, 2 "
+              "digits of "
+              "the uncertainty'",
+              "0 1.6500 ± 0.0048 (k = 2)\n"},
+             {"--exact 'A - B' A=2 'B=< 0.5' --round 'truncation, 0 decimal places'", "0 > 1\n"},
+             {"--exact 'T * 2' --define 'T=V/4' V=1", "0 0.50\n"},
+             {"--exact --kept '2*' V=1", "0 0\n"},
+             {"--exact 'A +' A=1",
+              "1 qel: RESULT: the formula is not valid at its end: a number, a name or an opening bracket is "
+              "expected\n"},
+             {"--exact A 'A=1; v=2'",
+              "2 qel: \"v=2\" is not known: there are u, rect, tri, cert, s, source and from; see qel --help\n"},
+             {"--exact A A=1e",
+              "2 qel: \"1e\" is no value: a number, < or > with a number, missing or invalid; see qel "
+              "--help\n"},
+             {"--exact A 'A=1; u=-1'", "2 qel: \"u=-1\" is no uncertainty"},
+             {"--round x A A=1", "2 qel: --round requires --exact; see qel --help\n"},
+             {"--trace list.var", "3 qel: list.var: "},
+         })
+        EXPECT_EQ(folder.Qel("calc " + std::string(arguments)).substr(0, std::string(answer).size()), answer);
+    EXPECT_EQ(folder.Qel("calc --exact 'A / 7' A=1 --write-trace one.json")[0], '0');
+    EXPECT_EQ(folder.Qel("calc --trace one.json --steps")[0], '0');
+    std::string trace = folder.Read("one.json");
+    trace.replace(trace.find("0.142857"), 8, "0.142858");
+    folder.Write("one.json", trace);
+    EXPECT_EQ(folder.Qel("calc --trace one.json")[0], '6');
     EXPECT_EQ(folder.Qel("archive list.var"), "0 表              2.5\n");
     EXPECT_TRUE(folder.Qel("archive list.var --json").find("\"name\": \"表\"") != std::string::npos);
     EXPECT_EQ(folder.Qel("archive list.var --oldest"), "3 qel: list.var: has a head, it is of a newer layout\n");

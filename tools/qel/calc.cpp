@@ -2,6 +2,9 @@
 #include <charconv>
 #include <cmath>
 
+#ifdef QEL_WITH_QUANTITY
+#include "calc_exact.h"
+#endif
 #include "tool.h"
 #include "variables.h"
 
@@ -15,6 +18,9 @@ struct Options {
     std::vector<std::string> values;
     int digits = -1;
     bool onlyCheck = false, json = false;
+#ifdef QEL_WITH_QUANTITY
+    ExactCalculation exact;
+#endif
 };
 
 // Formulas ignore the case of names, so a value replaces one of the archive in any spelling.
@@ -86,7 +92,8 @@ void Calculate(const Options& options) {
 void AddCalc(CLI::App& app, Status&) {
     CLI::App* const command = app.add_subcommand("calc", "Check a formula and compute it over named values");
     const auto options = std::make_shared<Options>();
-    command->add_option("FORMULA", options->formula, "Such as \"(EP - BLANK) * 0.1 / SAMPLE\"")->required();
+    CLI::Option* const formula =
+        command->add_option("FORMULA", options->formula, "Such as \"(EP - BLANK) * 0.1 / SAMPLE\"");
     command->add_option("NAME=VALUE", options->values, "Values; they replace those of --from");
     command->add_option("--from", options->archive, "Archived list whose variables have their values")
         ->type_name("FILE");
@@ -97,7 +104,19 @@ void AddCalc(CLI::App& app, Status&) {
         ->excludes(digits);
     command->add_flag("--json", options->json, "Write JSON");
     command->footer("Put -- before a formula that starts with a minus sign: qel calc -- -X*2 X=3");
-    command->callback([options] { Calculate(*options); });
+#ifdef QEL_WITH_QUANTITY
+    options->exact.AddTo(*command);
+#endif
+    command->callback([options, formula] {
+#ifdef QEL_WITH_QUANTITY
+        if (options->exact.IsWanted()) {
+            if (options->exact.tracePath.empty() && formula->empty()) throw CLI::RequiredError("FORMULA");
+            return options->exact.Run(options->formula, options->values, options->json);
+        }
+#endif
+        if (formula->empty()) throw CLI::RequiredError("FORMULA");
+        Calculate(*options);
+    });
 }
 
 }  // namespace tool

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// The options of qel calc for results that can be computed again, in a group of their own.
+struct ExactCalculation {
+    bool isExact = false;
+
+    std::string name = "RESULT", unit, rule, substitution = "none", language = "en";
+    std::string tracePath, newTracePath, calculationPath;
+    std::vector<std::string> helpers;
+    double probability = 0.9545, factor = 0.0;
+    bool isKept = false, showsSteps = false;
+
+    void AddTo(CLI::App& command);
+    /// Whether they, and not the older evaluator, are asked for.
+    bool IsWanted() const { return isExact || !tracePath.empty() || !calculationPath.empty(); }
+
+    /// @param formula and @p values of the command line
+    /// @throws Failure
+    void Run(const std::string& formula, const std::vector<std::string>& values, bool json) const;
+};
+
+}  // namespace tool

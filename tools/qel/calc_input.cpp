@@ -1,0 +1,99 @@
+#include "calc_input.h"
+
+#include "tool.h"
+
+namespace tool {
+namespace {
+
+using qel::UncertaintyComponent;
+
+[[noreturn]] void Refuse(const std::string& text, const std::string& why) {
+    throw CLI::ValidationError('"' + text + "\" " + why);
+}
+
+std::string Trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return std::string(text.substr(first, text.find_last_not_of(' ') + 1 - first));
+}
+
+// Before and after the first one; nothing after where there is none.
+std::pair<std::string, std::optional<std::string>> Split(std::string_view text, char at) {
+    const std::size_t place = text.find(at);
+    if (place == std::string_view::npos) return {Trimmed(text), {}};
+    return {Trimmed(text.substr(0, place)), Trimmed(text.substr(place + 1))};
+}
+
+double Number(const std::string& text) {
+    const std::optional<double> number = ParseNumber(text);
+    if (!number) Refuse(text, "is no number");
+    return *number;
+}
+
+std::pair<double, double> Pair(const std::string& text) {
+    const std::optional<std::pair<double, double>> pair = ParsePair(text, '/');
+    if (!pair) Refuse(text, "is not two numbers with / between them");
+    return *pair;
+}
+
+std::optional<UncertaintyComponent> ComponentOf(const std::string& what, const std::string& value,
+                                                const std::string& source) {
+    if (what == "u") return UncertaintyComponent::Standard(Number(value), source);
+    if (what == "rect") return UncertaintyComponent::Rectangular(Number(value), source);
+    if (what == "tri") return UncertaintyComponent::Triangular(Number(value), source);
+    const auto [first, second] = Pair(value);
+    if (what == "cert") return UncertaintyComponent::Certificate(first, second, source);
+    const auto count = static_cast<std::size_t>(second >= 0.0 && second <= 1e9 ? second : 0.0);
+    if (static_cast<double>(count) != second) Refuse(value, "has no whole number of readings");
+    return UncertaintyComponent::Readings(first, count, source);
+}
+
+// "< 0.02 mg/L": a limit may have a blank before its number, and a unit comes after another.
+void SetReading(const std::string& text, qel::CalculationInput& input) {
+    const std::size_t start = text.starts_with('<') || text.starts_with('>') ? text.find_first_not_of(' ', 1) : 0;
+    const std::size_t end = start == std::string::npos ? text.size() : std::min(text.find(' ', start), text.size());
+    const std::optional<qel::Reading> reading = qel::Reading::OfText(std::string_view(text).substr(0, end));
+    if (!reading) Refuse(text, "is no value: a number, < or > with a number, missing or invalid");
+    input.reading = *reading;
+    input.unit = Trimmed(std::string_view(text).substr(end));
+}
+
+}  // namespace
+
+qel::CalculationInput InputOf(const std::string& assignment) {
+    const auto [name, rest] = Split(assignment, '=');
+    if (name.empty() || !rest) Refuse(assignment, "is not NAME=VALUE");
+    qel::CalculationInput input;
+    input.name = name;
+    auto [value, more] = Split(*rest, ';');
+    SetReading(value, input);
+    std::string source;
+    while (more) {
+        const auto [item, after] = Split(*more, ';');
+        const auto [what, text] = Split(item, '=');
+        more = after;
+        if (!text) Refuse(item, "is not WHAT=...");
+        if (what == "from")
+            input.origin = *text;
+        else if (what == "source")
+            source = *text;
+        else if (what == "u" || what == "rect" || what == "tri" || what == "cert" || what == "s") {
+            const std::optional<UncertaintyComponent> component = ComponentOf(what, *text, source);
+            if (!component) Refuse(item, "is no uncertainty: " + Why("a number is out of its range"));
+            input.components.push_back(*component);
+        } else {
+            Refuse(item, "is not known: there are u, rect, tri, cert, s, source and from");
+        }
+    }
+    return input;
+}
+
+qel::CalculationFormula FormulaOf(const std::string& assignment) {
+    const auto [name, rest] = Split(assignment, '=');
+    if (name.empty() || !rest) Refuse(assignment, "is not NAME=FORMULA");
+    const auto [formula, unit] = Split(*rest, ';');
+    if (unit && !unit->starts_with("unit=")) Refuse(assignment, "has more than \"; unit=...\" after the formula");
+    return {name, formula, unit ? Trimmed(unit->substr(5)) : ""};
+}
+
+}  // namespace tool
