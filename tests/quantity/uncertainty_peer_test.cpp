@@ -5,6 +5,7 @@
 #include "../support/soak.h"
 #include "../support/test.h"
 #include "qellib10/base/read_number.h"
+#include "qellib10/quantity/monte_carlo.h"
 #include "uncertain_inputs.h"
 
 namespace {
@@ -64,4 +65,33 @@ TEST(UncertaintyPeer, FirstOrderIsThatOfUncertainties) {
     }
     EXPECT_EQ(tried, count);
     Tried("formulas", tried);
+}
+
+// With uncertainties so small that the formula is straight within them, the trials have to say that first order is
+// enough. Where the first derivatives cancel, only smaller ones make it so.
+TEST(UncertaintyPeer, FirstOrderIsThatOfTrials) {
+    const int count = SoakCount(100);
+    std::istringstream lines = PeerLines(count);
+    int tried = 0;
+    for (std::string line; std::getline(lines, line); ++tried) {
+        PeerLine peer(line);
+        if (peer.uncertainty < 1e-3 * peer.scale) continue;  // all of it cancels
+        peer.options.coverageFactor = 2.0;
+        qel::MonteCarloOptions options;
+        options.trials = 100'000;
+        options.correlations = peer.options.correlations;
+        const qel::Formula formula = peer.inputs.Parsed(peer.formula);
+        bool isEnough = false;
+        for (double smaller = 1e-3; !isEnough && smaller >= 1e-7; smaller *= 1e-2) {
+            std::vector<qel::UncertainInput> inputs = peer.inputs.inputs;
+            for (qel::UncertainInput& input : inputs) input.components[0].uncertainty *= smaller;
+            qel::FormulaError error;
+            const auto budget = qel::PropagateUncertainty(formula, inputs, peer.options, error);
+            const auto trials = qel::PropagateDistributions(formula, inputs, options, error);
+            ASSERT_TRUE(budget && trials) << line << "\n" << error.Text(peer.formula);
+            isEnough = qel::ValidateFirstOrder(*budget, *trials).value().isEnough;
+        }
+        EXPECT_TRUE(isEnough) << line;
+    }
+    Tried("formulas by trials", tried);
 }
