@@ -1,6 +1,10 @@
 #include "qellib10/quantity/trace.h"
 
+#include <fstream>
+#include <sstream>
+
 #include "../support/test.h"
+#include "json_schema.h"
 #include "qellib10/platform/json/json_value.h"
 
 namespace {
@@ -133,6 +137,20 @@ TEST(Trace, EveryChangedMemberIsADifferenceOrRefused) {
         const auto check = qel::CheckTrace(root.Dump(), error);
         EXPECT_TRUE(!check || !check->differences.empty()) << before.Dump();
         *leaf = before;
+    }
+}
+
+TEST(Trace, JsonIsWhatItsSchemaSays) {
+    std::ostringstream text;
+    text << std::ifstream(QELLIB10_TRACE_SCHEMA).rdbuf();
+    const JsonSchema schema(text.str());
+    Calculation limit = Acid(), wrong = Acid();
+    limit.inputs[4].reading = *Reading::OfText("< 0.3");
+    limit.substitution = qel::LimitSubstitution::kHalf;
+    wrong.result.formula = "TITRE / 0";
+    for (const Calculation& calculation : {Acid(), limit, wrong}) {
+        std::string error;
+        EXPECT_EQ(schema.Objection(*qel::JsonValue::Parse(Trace::Of(calculation).Json(), error)), "");
     }
 }
 

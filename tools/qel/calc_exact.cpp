@@ -66,7 +66,9 @@ void ExactCalculation::AddTo(CLI::App& command) {
     exact->group(kGroup);
     add(command.add_option("--name", name, "Name of the result"));
     add(command.add_option("--unit", unit, "Unit that the result is to have"));
-    add(command.add_option("--define", helpers, "A formula that others use by its name"))->type_name("NAME=FORMULA");
+    add(command.add_option("--define", helpers, "A formula that others use by its name"))
+        ->type_name("NAME=FORMULA")
+        ->allow_extra_args(false);
     add(command.add_option("--round", rule, "Rule of rounding, such as \"half even, 2 decimal places\""))
         ->type_name("RULE");
     add(command.add_option("--substitute", substitution, "For limits in min, max and mean"))
