@@ -11,6 +11,7 @@
 #include "qellib10/quantity/formula_error.h"
 #include "qellib10/quantity/formula_scope.h"
 #include "qellib10/quantity/formula_set.h"
+#include "qellib10/quantity/limit_decision.h"
 #include "qellib10/quantity/monte_carlo.h"
 #include "qellib10/quantity/reading.h"
 #include "qellib10/quantity/rounding_rule.h"
