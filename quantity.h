@@ -16,5 +16,8 @@
 #include "qellib10/quantity/reading.h"
 #include "qellib10/quantity/rounding_rule.h"
 #include "qellib10/quantity/trace.h"
+#include "qellib10/quantity/ucum_codes.h"
 #include "qellib10/quantity/uncertainty.h"
 #include "qellib10/quantity/uncertainty_budget.h"
+#include "qellib10/quantity/unit.h"
+#include "qellib10/quantity/unit_value.h"

@@ -1,0 +1,142 @@
+#include "qellib10/quantity/unit.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "qellib10/quantity/unit_maker.h"
+#include "qellib10/quantity/unit_parser.h"
+#include "qellib10/quantity/unit_symbols.h"
+
+namespace qel {
+namespace {
+
+constexpr std::size_t kMostTerms = 32;
+constexpr std::array kRatioNames = {
+    std::pair{kRatioOfMasses, "g/g"},
+    std::pair{kRatioOfVolumes, "L/L"},
+    std::pair{kRatioOfAmounts, "mol/mol"},
+};
+
+UnitValue Ratio(RatioOf ratio) {
+    UnitValue value;
+    value.ratios = ratio;
+    return value;
+}
+
+}  // namespace
+
+std::optional<Unit> Unit::Parse(std::string_view text, std::string& error) { return UnitParser::Parse(text, error); }
+
+// Sign 1 gives the units above the line, -1 those below it.
+std::string Unit::Product(const std::vector<Term>& terms, int sign, std::size_t& count) {
+    std::string text;
+    count = 0;
+    for (const Term& term : terms) {
+        if (term.power * sign <= 0) continue;
+        if (count++ > 0) text += '*';
+        const bool isAlone = terms.size() == 1 && term.power == 1;
+        const bool isQuotient =
+            term.value.ratios != 0 && !term.symbol.ends_with(')') && term.symbol.find('/') != std::string::npos;
+        text += isQuotient && !isAlone ? '(' + term.symbol + ')' : term.symbol;
+        if (std::abs(term.power) != 1) text += '^' + std::to_string(std::abs(term.power));
+    }
+    return text;
+}
+
+std::string Unit::Text() const {
+    std::size_t above = 0, below = 0;
+    std::string text = Product(m_terms, 1, above);
+    const std::string divisor = Product(m_terms, -1, below);
+    if (above == 0) text = "1";
+    if (below == 0) return text;
+    return text + '/' + (below > 1 ? '(' + divisor + ')' : divisor);
+}
+
+// Whether Parse makes of the text what it makes of a ratio of masses, say: in g/L*mL/g, it is one of volumes once g has
+// canceled, and it was none before.
+bool Unit::IsMeantByItsTerms() const {
+    std::optional<UnitValue> above = UnitValue(), below = UnitValue();
+    for (const Term& term : m_terms) {
+        const std::optional<UnitValue> power = PowerOfValue(term.value, std::abs(term.power));
+        std::optional<UnitValue>& side = term.power > 0 ? above : below;
+        if (!power || !side) return false;
+        side = MultiplyValues(*side, *power);
+    }
+    if (!above || !below) return false;
+    const bool isDivided = std::ranges::any_of(m_terms, [](const Term& term) { return term.power < 0; });
+    const std::optional<UnitValue> whole = isDivided ? DivideValues(*above, *below) : above;
+    return whole && whole->ratios == m_value.ratios && whole->powers == m_value.powers;
+}
+
+void Unit::NameByValue() {
+    m_terms.clear();
+    const auto addNumber = [this](const Decimal& number, int power) {
+        if (number == Decimal(1)) return;
+        Term term = UnitMaker::Number(number).m_terms.front();
+        term.power = power;
+        m_terms.push_back(std::move(term));
+    };
+    addNumber(m_value.numerator, 1);
+    addNumber(m_value.denominator, -1);
+    for (std::size_t i = 0; i < kBaseUnits; ++i)
+        if (m_value.powers[i] != 0)
+            m_terms.push_back({std::string(BaseUnitSymbol(static_cast<BaseUnit>(i))), ValueOf(static_cast<BaseUnit>(i)),
+                               m_value.powers[i]});
+    for (const auto& [ratio, name] : kRatioNames)
+        if ((m_value.ratios & ratio) != 0) m_terms.push_back({name, Ratio(ratio), 1});
+}
+
+std::optional<Unit> Unit::Combined(const Unit& a, const Unit& b, int sign) {
+    if (a.HasOffset() || b.HasOffset()) return {};
+    const std::optional<UnitValue> value =
+        sign > 0 ? MultiplyValues(a.m_value, b.m_value) : DivideValues(a.m_value, b.m_value);
+    if (!value) return {};
+    Unit result = a;
+    result.m_value = *value;
+    for (const Term& term : b.m_terms) {
+        const auto same = std::ranges::find(result.m_terms, term.value, &Term::value);
+        if (same == result.m_terms.end())
+            result.m_terms.push_back({term.symbol, term.value, sign * term.power});
+        else
+            same->power += sign * term.power;
+    }
+    std::erase_if(result.m_terms, [](const Term& term) { return term.power == 0; });
+    if (std::ranges::any_of(result.m_terms, [](const Term& t) { return std::abs(t.power) > UnitValue::kMostPower; }))
+        return {};
+    if (!result.IsMeantByItsTerms()) result.NameByValue();
+    if (result.m_terms.size() > kMostTerms || result.Text().size() > kLongest) return {};
+    return result;
+}
+
+std::optional<Unit> Unit::Multiply(const Unit& a, const Unit& b) { return Combined(a, b, 1); }
+std::optional<Unit> Unit::Divide(const Unit& a, const Unit& b) { return Combined(a, b, -1); }
+
+std::optional<Unit> Unit::Power(const Unit& a, int power) {
+    const std::optional<UnitValue> value = PowerOfValue(a.m_value, power);
+    if (!value || a.HasOffset()) return {};
+    Unit result = a;
+    result.m_value = *value;
+    for (Term& term : result.m_terms) {
+        term.power *= power;
+        if (std::abs(term.power) > UnitValue::kMostPower) return {};
+    }
+    if (power == 0) result.m_terms.clear();
+    if (!result.IsMeantByItsTerms()) result.NameByValue();
+    if (result.Text().size() > kLongest) return {};
+    return result;
+}
+
+std::optional<Unit> Unit::SquareRoot(const Unit& a) {
+    const std::optional<UnitValue> value = SquareRootOfValue(a.m_value);
+    if (!value || a.HasOffset()) return {};
+    Unit result = a;
+    result.m_value = *value;
+    const bool isEven = std::ranges::all_of(a.m_terms, [](const Term& term) { return term.power % 2 == 0; });
+    for (Term& term : result.m_terms) term.power /= 2;
+    if (!isEven || !result.IsMeantByItsTerms()) result.NameByValue();
+    return result;
+}
+
+}  // namespace qel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include "qellib10/quantity/unit.h"
+
+namespace qel {
+
+/// Makes units of one symbol, for the parser.
+class UnitMaker {
+public:
+    static Unit Named(std::string symbol, const UnitValue& value, const Decimal& offset = Decimal()) {
+        Unit unit;
+        unit.m_value = value;
+        unit.m_offset = offset;
+        unit.m_terms.push_back({std::move(symbol), value, 1});
+        return unit;
+    }
+
+    /// @param number positive, and not 1
+    static Unit Number(const Decimal& number) {
+        UnitValue value;
+        value.numerator = number;
+        return Named(NumberText(number), value);
+    }
+
+    /// "1000" rather than "1E+3".
+    static std::string NumberText(const Decimal& number) {
+        constexpr int kMostZeros = 12;
+        const bool isUsual = number.Magnitude() < kMostZeros && number.Exponent() > -kMostZeros;
+        return isUsual ? number.PlainText() : number.Text();
+    }
+};
+
+}  // namespace qel

@@ -1,0 +1,126 @@
+#include "qellib10/quantity/unit_value.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace qel {
+namespace {
+
+constexpr int kLargestMagnitude = 300;
+
+constexpr std::size_t At(BaseUnit base) { return static_cast<std::size_t>(base); }
+
+bool IsUsable(const Decimal& number) {
+    return number.IsFinite() && number > Decimal(0) && std::abs(number.Magnitude()) <= kLargestMagnitude;
+}
+
+// With the smallest numbers that are easy to find: one of them is 1 where the other is a decimal number with an end.
+std::optional<UnitValue> Reduced(UnitValue value) {
+    if (!IsUsable(value.numerator) || !IsUsable(value.denominator)) return {};
+    DecimalFlags flags;
+    const Decimal quotient = Divide(value.numerator, value.denominator, flags);
+    if (!IsUsable(quotient)) return {};
+    DecimalFlags inverseFlags;
+    const Decimal inverse = Divide(value.denominator, value.numerator, inverseFlags);
+    if (!flags.isInexact) {
+        value.numerator = quotient.Reduced();
+        value.denominator = Decimal(1);
+    } else if (!inverseFlags.isInexact) {
+        value.numerator = Decimal(1);
+        value.denominator = inverse.Reduced();
+    }
+    return value;
+}
+
+std::optional<UnitValue> Combined(const UnitValue& a, const UnitValue& b, int sign) {
+    UnitValue result;
+    for (std::size_t i = 0; i < kBaseUnits; ++i) {
+        const int power = a.powers[i] + sign * b.powers[i];
+        if (std::abs(power) > UnitValue::kMostPower) return {};
+        result.powers[i] = static_cast<std::int8_t>(power);
+    }
+    DecimalFlags flags;
+    result.numerator = Multiply(a.numerator, sign > 0 ? b.numerator : b.denominator, flags);
+    result.denominator = Multiply(a.denominator, sign > 0 ? b.denominator : b.numerator, flags);
+    result.isExact = a.isExact && b.isExact && !flags.isInexact;
+    return Reduced(result);
+}
+
+// What a division of units with these dimensions may be a ratio of: of mg/L it is masses or volumes, of mV nothing.
+std::uint8_t RatiosOf(const UnitValue& value) {
+    std::uint8_t ratios = kRatioOfNothing;
+    for (std::size_t i = 0; i < kBaseUnits; ++i) {
+        const int power = value.powers[i];
+        if (power == 0) continue;
+        if (i == At(BaseUnit::kKilogram))
+            ratios |= kRatioOfMasses;
+        else if (i == At(BaseUnit::kMole))
+            ratios |= kRatioOfAmounts;
+        else if (i == At(BaseUnit::kMetre) && power % 3 == 0)
+            ratios |= kRatioOfVolumes;
+        else
+            return kRatioOfNothing;
+    }
+    return ratios;
+}
+
+}  // namespace
+
+bool UnitValue::IsRatio() const noexcept {
+    return std::ranges::all_of(powers, [](int power) { return power == 0; });
+}
+
+bool UnitValue::IsSameKind(const UnitValue& other) const noexcept {
+    return powers == other.powers && (ratios == other.ratios || (ratios & other.ratios) != 0);
+}
+
+bool operator==(const UnitValue& a, const UnitValue& b) noexcept {
+    DecimalFlags flags;
+    return a.powers == b.powers && a.ratios == b.ratios &&
+           Multiply(a.numerator, b.denominator, flags) == Multiply(b.numerator, a.denominator, flags);
+}
+
+std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b) {
+    std::optional<UnitValue> result = Combined(a, b, 1);
+    if (result && result->IsRatio()) {
+        if (!a.IsRatio())
+            result->ratios = kRatioOfAny;
+        else
+            result->ratios = a.ratios | b.ratios;
+    }
+    return result;
+}
+
+std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b) {
+    std::optional<UnitValue> result = Combined(a, b, -1);
+    if (result && result->IsRatio()) {
+        if (!a.IsRatio())
+            result->ratios = RatiosOf(a);
+        else
+            result->ratios = a.ratios ^ b.ratios;  // a mass fraction by a mass fraction is a number
+    }
+    return result;
+}
+
+std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power) {
+    if (std::abs(power) > UnitValue::kMostPower) return {};
+    std::optional<UnitValue> result = UnitValue();
+    for (int i = 0; i < std::abs(power) && result; ++i) result = Combined(*result, a, power > 0 ? 1 : -1);
+    if (result && power != 0) result->ratios = a.ratios;
+    return result;
+}
+
+std::optional<UnitValue> SquareRootOfValue(const UnitValue& a) {
+    UnitValue result = a;
+    for (std::int8_t& power : result.powers) {
+        if (power % 2 != 0) return {};
+        power = static_cast<std::int8_t>(power / 2);
+    }
+    DecimalFlags flags;
+    result.numerator = SquareRoot(a.numerator, flags);
+    result.denominator = SquareRoot(a.denominator, flags);
+    result.isExact = a.isExact && !flags.isInexact;
+    return Reduced(result);
+}
+
+}  // namespace qel

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "qellib10/platform/decimal/decimal.h"
+#include "qellib10/platform/export.h"
+
+namespace qel {
+
+/// What units are products of: the base units of the SI, the angle, and kinds that convert to nothing else, because the
+/// factor depends on the substance or is not defined.
+enum class BaseUnit : std::uint8_t {
+    kMetre,
+    kKilogram,
+    kSecond,
+    kAmpere,
+    kKelvin,
+    kMole,
+    kCandela,
+    kRadian,
+    kEquivalent,         ///< eq, as in meq/L
+    kKilogramOfKoh,      ///< of potassium hydroxide, as in mgKOH/g
+    kPh,                 ///< pH
+    kPercent,            ///< % without a basis
+    kPartsPerMillion,    ///< ppm without a basis
+    kPartsPerBillion,    ///< ppb without a basis
+    kTimes,              ///< a count
+    kInternationalUnit,  ///< of biological activity, defined for each substance
+    kOsmole,
+};
+inline constexpr std::size_t kBaseUnits = 17;
+
+/// What a ratio of two units of the same dimensions is a ratio of. A mass fraction is not a volume fraction.
+enum RatioOf : std::uint8_t {
+    kRatioOfNothing = 0,  ///< a plain number
+    kRatioOfMasses = 1,   ///< (m/m)
+    kRatioOfVolumes = 2,  ///< (v/v)
+    kRatioOfAmounts = 4,  ///< (n/n)
+    kRatioOfAny = 7,      ///< which of them does not follow from the units
+};
+
+/// The value of a unit: numerator / denominator times the product of powers of the base units. Two numbers, since 1/60
+/// has no end as a decimal number.
+struct QELLIB10_API UnitValue {
+    static constexpr int kMostPower = 100;  ///< of a base unit, also below 0
+
+    std::array<std::int8_t, kBaseUnits> powers = {};
+    Decimal numerator = Decimal(1);
+    Decimal denominator = Decimal(1);
+    bool isExact = true;                    ///< false where a digit is missing, as of pi, or is measured
+    std::uint8_t ratios = kRatioOfNothing;  ///< of RatioOf; where no base unit is left
+
+    /// Whether no base unit is left.
+    bool IsRatio() const noexcept;
+    /// Whether the dimensions are the same, and what they are a ratio of.
+    bool IsSameKind(const UnitValue& other) const noexcept;
+
+    /// By value, so that 1000 mg equals 1 g.
+    friend QELLIB10_API bool operator==(const UnitValue& a, const UnitValue& b) noexcept;
+};
+
+/// @return nothing where a power is past kMostPower or the factor past 1e300 or below 1e-300
+///
+/// A ratio of two units of mass, volume or amount is one of that. What cancels when units are multiplied, such as
+/// 1/mL and mL, may be any.
+std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b);
+std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b);
+std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power);
+/// @return nothing also where a power is odd
+std::optional<UnitValue> SquareRootOfValue(const UnitValue& a);
+
+}  // namespace qel

@@ -1,0 +1,258 @@
+#include "qellib10/quantity/unit.h"
+
+#include <sstream>
+
+#include "../support/output_of.h"
+#include "../support/test.h"
+#include "qellib10/base/read_number.h"
+#include "qellib10/platform/text/code_page.h"
+#include "qellib10/platform/text/string_table.h"
+#include "qellib10/platform/units/unit_library.h"
+#include "qellib10/quantity/formula_constants.h"
+#include "qellib10/quantity/ucum_codes.h"
+#include "qellib10/quantity/unit_symbols.h"
+
+#include "qellib10/resource/qel_resource.h"
+#include "qellib10/resource/string_ids.h"
+
+namespace {
+
+using qel::Decimal;
+using qel::Unit;
+
+Unit Parsed(const std::string& text) {
+    std::string error;
+    const std::optional<Unit> unit = Unit::Parse(text, error);
+    EXPECT_TRUE(unit.has_value()) << text << ": " << error;
+    return unit.value_or(Unit());
+}
+
+// The value in the other unit, with a mark where digits are missing; "none" where no factor converts it.
+std::string Converted(const std::string& value, const std::string& from, const std::string& to,
+                      const std::string& molarMass = "") {
+    qel::DecimalFlags flags;
+    std::optional<Decimal> mass;
+    if (!molarMass.empty()) mass = Decimal::OfText(molarMass, flags);
+    const auto result = qel::Convert(Decimal::OfText(value, flags), Parsed(from), Parsed(to), flags, mass);
+    if (!result) return "none";
+    return (flags.isInexact ? "~" : "") + result->Reduced().PlainText();
+}
+
+std::string ErrorOf(const std::string& text) {
+    std::string error;
+    EXPECT_FALSE(Unit::Parse(text, error)) << text;
+    return error;
+}
+
+}  // namespace
+
+TEST(Unit, ReadsTheTextsOfTheStringTable) {
+    for (const bool isJapanese : {false, true}) {
+        qel::SetTableLanguage(isJapanese ? qel::Language::Japanese : qel::Language::English);
+        for (UINT id = qel::kFirstUnitId; id <= qel::kLastUnitId; ++id) {
+            const std::string text = qel::ToUtf8(CQELResource::GetUnitText(id).View());
+            const Unit unit = Parsed(text);
+            EXPECT_FALSE(unit.IsNumber()) << text;
+            EXPECT_EQ(unit.Text(), text);
+        }
+    }
+    for (const auto& [japanese, english] :
+         Cases<const char*, const char*>{{"℃", "°C"}, {"秒", "s"}, {"分", "min"}, {"時間", "h"}, {"回", "times"}})
+        EXPECT_EQ(Parsed(japanese), Parsed(english)) << japanese;
+}
+
+TEST(Unit, ConvertsExactly) {
+    for (const auto& [value, from, to, expected] : Cases<const char*, const char*, const char*, const char*>{
+             {"5", "mg/mL", "g/L", "5"},
+             {"1", "mg/dL", "µg/mL", "10"},
+             {"90", "min", "h", "1.5"},
+             {"10", "min", "h", "~0.1666666666666666666666666666666667"},
+             {"1.5", "時間", "分", "90"},
+             {"6", "mL/min", "µL/s", "100"},
+             {"1413", "µS/cm", "mS/cm", "1.413"},
+             {"0.1", "mol/L", "mmol/mL", "0.1"},
+             {"7", "U/L", "nkat/L", "~116.6666666666666666666666666666667"},
+             {"25", "°C", "K", "298.15"},
+             {"25", "°C", "degF", "77"},
+             {"50", "degF", "℃", "10"},
+             {"0", "K", "°C", "-273.15"},
+             {"1", "lb", "g", "453.59237"},
+             {"1", "kg/day", "g/h", "~41.66666666666666666666666666666667"},
+             {"2", "mg/g", "%(m/m)", "0.2"},
+             {"0.5", "%(w/w)", "ppm(m/m)", "5000"},
+             {"0.9", "%(m/v)", "g/L", "9"},
+             {"3", "ppm(m/v)", "mg/L", "3"},
+             {"2", "mL/L", "%(v/v)", "0.2"},
+             {"2", "mmol/mol", "ppm(n/n)", "2000"},
+             {"5", "%(m/m)", "1", "0.05"},
+             {"4", "M", "mol/m3", "4000"},
+             {"1", "mg/100 mL", "mg*mL", "0.01"},  // from left to right
+             {"1", "degree", "rad", "~0.017453292519943295"},
+             {"3", "回", "times", "3"},
+             // What converts to nothing else.
+             {"1", "%(m/m)", "%(v/v)", "none"},
+             {"1", "%", "%(m/m)", "none"},
+             {"1", "%", "1", "none"},
+             {"1", "ppm", "ppb", "none"},
+             {"1", "1", "%(m/m)", "none"},
+             {"1", "mg/g", "mL/L", "none"},
+             {"1", "pH", "1", "none"},
+             {"1", "pH", "mV", "none"},
+             {"1", "meq/L", "mmol/L", "none"},
+             {"1", "mgKOH/g", "mg/g", "none"},
+             {"1", "times", "1", "none"},
+             {"1", "IU/L", "U/L", "none"},
+             {"1", "mg", "mL", "none"},
+         })
+        EXPECT_EQ(Converted(value, from, to), expected) << from << " -> " << to;
+}
+
+TEST(Unit, AMolarMassJoinsMassAndAmountOnly) {
+    for (const auto& [value, from, to, mass, expected] :
+         Cases<const char*, const char*, const char*, const char*, const char*>{
+             {"5.5", "mmol/L", "mg/dL", "180.156", "99.0858"},
+             {"99.0858", "mg/dL", "mmol/L", "180.156", "5.5"},
+             {"2", "mol", "g", "18.015", "36.03"},
+             {"1", "mmol/g", "mg/g", "40", "40"},
+             {"4", "%(m/m)", "mmol/g", "40", "1"},
+             {"40", "kJ/mol", "kJ/g", "20", "2"},
+             {"5", "mmol/L", "mg/dL", "", "none"},
+             {"5", "mmol/L", "mg/dL", "0", "none"},
+             {"5", "mmol/L", "mg/dL", "NaN", "none"},
+             {"1", "meq/L", "mg/L", "40", "none"},
+             {"1", "%(v/v)", "mmol/g", "40", "none"},
+             {"1", "%(n/n)", "%(m/m)", "40", "none"},
+             {"1", "1", "g/mol", "40", "none"},
+         })
+        EXPECT_EQ(Converted(value, from, to, mass), expected) << from << " -> " << to;
+}
+
+TEST(Unit, ErrorsSayWhatIsWrong) {
+    for (const auto& [text, expected] : Cases<std::string, std::string>{
+             {"mgg", "\"mgg\" is not a unit that is known"},
+             {"mg/", "\"mg/\" is not a unit: its end is missing"},
+             {"(mg", "\"(mg\" is not a unit: its end is missing"},
+             {"mg)", "\"mg)\" is not a unit: a name is expected at \")\""},
+             {"m^", "\"m^\" is not a unit: its end is missing"},
+             {"m^200", "\"m^200\" is out of the range of units"},
+             {"m^99999999999", "\"m^99999999999\" is out of the range of units"},
+             {"1e400 m", "\"1e400 m\" is out of the range of units"},
+             {"0 m", "\"0 m\": a unit is not 0"},
+             {"ppmv", "\"ppmv\" needs a basis, as in %(m/m), ppm(v/v) or ppb(n/n)"},
+             {"Percent", "\"Percent\" needs a basis, as in %(m/m), ppm(v/v) or ppb(n/n)"},
+             {"W/(m °C)", "\"W/(m °C)\": a temperature such as °C has no products and quotients; K has"},
+             {"°C^2", "\"°C^2\": a temperature such as °C has no powers; K has"},
+             {"s @ 5", "\"s @ 5\" has a zero that no conversion is for"},
+             {"ucum:mg/dl", "\"mg/dl\" is not a code of UCUM that is known here"},
+             {"\xff", "the unit is not UTF-8"},
+             {std::string(257, 'm'), "a unit has at most 256 bytes"},
+             {std::string(100, '(') + "m" + std::string(100, ')'), "the unit is nested too deeply"},
+             {std::string("m\0g", 3), "\"m?g\" is not a unit: a name is expected at \"?g\""},
+         })
+        EXPECT_EQ(ErrorOf(text), expected);
+}
+
+TEST(Unit, TextsReadAsTheSameUnit) {
+    for (const auto& [text, expected] : Cases<const char*, const char*>{
+             {"", "1"},
+             {" mg / mL ", "mg/mL"},
+             {"J mol-1 K-1", "J/(mol*K)"},
+             {"kg·m²·s⁻²", "kg*m^2/s^2"},
+             {"m per s", "m/s"},
+             {"kg.m-3", "kg/m^3"},
+             {"m-s", "m*s"},
+             {"m**2", "m^2"},
+             {"g/g", "g/g"},
+             {"(g/g)*(L/L)", "(g/g)*(L/L)"},
+             {"g/L*mL/g", "0.001*(g/g)"},
+             {"s/min", "s/min"},
+             {"mV/mL", "mV/mL"},
+             {"%(w/v)/min", "%(m/v)/min"},
+             {"K @ 273.15", "K @ 273.15"},
+             {"1/(1/s)", "s"},
+             {"ucum:10*3/uL", "10^3/µL"},
+         }) {
+        const Unit unit = Parsed(text);
+        EXPECT_EQ(unit.Text(), expected) << text;
+        EXPECT_EQ(Parsed(unit.Text()), unit) << text;
+    }
+    for (const qel::UcumCode& code : qel::UcumCodes()) {
+        const Unit unit = Parsed("ucum:" + std::string(code.code));
+        EXPECT_EQ(Parsed(unit.Text()), unit) << code.code;
+    }
+    for (const qel::FormulaConstant& constant : qel::FormulaConstants()) Parsed(std::string(constant.unit));
+}
+
+TEST(Unit, ARatioIsOneOfWhatWasDivided) {
+    const auto ratiosOf = [](const char* text) { return int{Parsed(text).Value().ratios}; };
+    EXPECT_EQ(ratiosOf("mL*mol/L*g/mol/g"), qel::kRatioOfMasses);
+    EXPECT_EQ(ratiosOf("g/L/(g/mL)"), qel::kRatioOfMasses | qel::kRatioOfVolumes);
+    EXPECT_EQ(ratiosOf("mg/mL/g*mL"), qel::kRatioOfAny);
+    EXPECT_EQ(ratiosOf("mV/mV"), qel::kRatioOfNothing);
+    EXPECT_EQ(ratiosOf("%(m/m)/%(m/m)"), qel::kRatioOfNothing);
+    EXPECT_EQ(ratiosOf("5*%(m/m)"), qel::kRatioOfMasses);
+}
+
+// What both know must be the same, or a text would change its meaning with udunits2 installed.
+TEST(Unit, OurSymbolsAreThoseOfUdunits) {
+    int compared = 0;
+    for (const qel::UnitSymbol& symbol : qel::UnitSymbols()) {
+        const std::string text(symbol.symbol);
+        qel::LibraryUnit theirs;
+        const Unit ours = Parsed(text);
+        // eV and u are measured again since; Torr is not mmHg
+        if (text == "eV" || text == "u" || text == "Torr" || text == "times" || text == "count") continue;
+        if (qel::FindLibraryUnit(text, theirs) != qel::LibraryAnswer::kFound) continue;
+        const double factor = ours.Value().numerator.ToDouble() / ours.Value().denominator.ToDouble();
+        EXPECT_NEAR(theirs.scale / factor, 1.0, 1e-14) << text;
+        EXPECT_NEAR(theirs.offset, ours.Offset().ToDouble(), 1e-9) << text;
+        for (std::size_t i = 0; i < qel::kLibraryUnits; ++i)
+            EXPECT_EQ(theirs.powers[i], int{ours.Value().powers[i]}) << text << i;
+        ++compared;
+    }
+    EXPECT_GT(compared, 30);
+}
+
+// A second opinion, by a calculator of others.
+TEST(Unit, QalcConvertsToTheSame) {
+    if (OutputOf("command -v qalc").empty()) GTEST_SKIP() << "qalc is not installed";
+    const Cases<std::string, std::string, std::string, std::string> cases = {
+        {"5.2", "mg/mL", "g/L", "mg/mL to g/L"},
+        {"3.7", "µg/L", "mg/mL", "ug/L to mg/mL"},
+        {"2.5", "mol/L", "mmol/mL", "mol/L to mmol/mL"},
+        {"1.3", "mL/min", "L/h", "mL/min to L/h"},
+        {"7.1", "µS/cm", "S/m", "uS/cm to S/m"},
+        {"2.2", "lb", "g", "lb to g"},
+        {"1.7", "atm", "kPa", "atm to kPa"},
+        {"12", "psi", "bar", "psi to bar"},
+        {"4.4", "eV", "J", "eV to J"},
+        {"66", "km/h", "m/s", "km/h to m/s"},
+        {"3.3", "inch", "mm", "inch to mm"},
+        {"5.5", "ft^2", "m^2", "ft^2 to m^2"},
+        {"8", "kW h", "MJ", "kWh to MJ"},
+        {"1.1", "are", "m^2", "are to m^2"},
+        {"9", "week", "h", "week to h"},
+        {"30", "arc_degree", "rad", "deg to rad"},
+        {"25", "N/m^2", "mbar", "N/m^2 to mbar"},
+        {"6", "kat", "µmol/min", "mol/s to umol/min"},
+        {"7.7", "yard", "m", "yard to m"},
+        {"0.3", "Torr", "Pa", "torr to Pa"},
+        {"4", "g/cm^3", "kg/m^3", "g/cm^3 to kg/m^3"},
+        {"2", "mile", "km", "mile to km"},
+        {"15", "kJ/mol", "J/mmol", "kJ/mol to J/mmol"},
+        {"33", "kHz", "1/min", "kHz to 1/min"},
+    };
+    std::string questions;
+    for (const auto& [value, from, to, question] : cases) questions += value + ' ' + question + '\n';
+    std::istringstream answers(OutputOf(
+        "printf '" + questions + "' | LC_ALL=C HOME=/nonexistent qalc -t -set 'precision 12' -set 'exp 1' -f -"));
+    for (const auto& [value, from, to, question] : cases) {
+        std::string answer;
+        std::getline(answers, answer);
+        const double theirs = qel::ReadNumber(answer.substr(0, answer.find(' '))).value_or(0);
+        const std::string ours = Converted(value, from, to);
+        ASSERT_NE(ours, "none") << question;
+        const double number = qel::ReadNumber(ours.substr(ours[0] == '~')).value_or(0);
+        EXPECT_NEAR(number / theirs, 1.0, 1e-10) << question << ": " << answer;
+    }
+}
