@@ -60,6 +60,7 @@ install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/exampl
   PATTERN end_points.cpp EXCLUDE
   PATTERN gtk.cpp EXCLUDE
   PATTERN records.cpp EXCLUDE
+  PATTERN uncertainty.cpp EXCLUDE
   PATTERN users.cpp EXCLUDE)
 if(TARGET qellib10-store)
   install(FILES docs/examples/users.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-store-dev/examples
@@ -71,6 +72,8 @@ if(TARGET qellib10-record)
   install(PROGRAMS docs/check-trail DESTINATION ${QELLIB10_EXAMPLES_DIR}-record-dev COMPONENT record-development)
 endif()
 if(TARGET qellib10-quantity)
+  install(FILES docs/examples/uncertainty.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples
+    COMPONENT quantity-development)
   install(FILES docs/trace-schema.json DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev COMPONENT quantity-development)
 endif()
 if(TARGET qellib10-gtk)
