@@ -14,6 +14,7 @@
 #include "qellib10/quantity/limit_decision.h"
 #include "qellib10/quantity/monte_carlo.h"
 #include "qellib10/quantity/reading.h"
+#include "qellib10/quantity/result_decision.h"
 #include "qellib10/quantity/rounding_rule.h"
 #include "qellib10/quantity/trace.h"
 #include "qellib10/quantity/ucum_codes.h"

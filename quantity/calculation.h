@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,6 +10,7 @@
 #include "qellib10/platform/export.h"
 #include "qellib10/quantity/exact_result.h"
 #include "qellib10/quantity/reading.h"
+#include "qellib10/quantity/result_decision.h"
 #include "qellib10/quantity/rounding_rule.h"
 #include "qellib10/quantity/uncertainty.h"
 #include "qellib10/quantity/uncertainty_budget.h"
@@ -15,12 +18,18 @@
 namespace qel {
 
 /// A value that is put into a calculation, with all that is known of it. Texts are UTF-8.
-struct CalculationInput {
+struct QELLIB10_API CalculationInput {
     std::string name;  ///< as formulas name it
     Reading reading;
     std::string unit;    ///< as Unit::Parse reads it; empty for a number without a unit
     std::string origin;  ///< where the value is from, for the reader of a trace: a device, a certificate, a person
     std::vector<UncertaintyComponent> components;  ///< in @p unit
+
+    /// @param text a reading as Reading::OfText has it, then possibly a unit: "16.519 mL", "< 0.02 mg/L", "missing"
+    /// @return nothing where it does not start with a reading; the unit is read when the calculation is
+    static std::optional<CalculationInput> Of(std::string_view name, std::string_view text,
+                                              std::vector<UncertaintyComponent> components = {},
+                                              std::string_view origin = {});
 
     friend bool operator==(const CalculationInput&, const CalculationInput&) = default;
 };
@@ -43,6 +52,10 @@ struct Calculation {
     LimitSubstitution substitution = LimitSubstitution::kNone;
     std::optional<RoundingRule> rule;  ///< of the result; nothing leaves it as it is
     UncertaintyOptions uncertainty;    ///< its correlations are between the inputs, by position
+    std::optional<ResultLimits> limits;
+    /// Trials that show whether first order is enough; 0 for none, else 10,000 at least. Only without helpers.
+    std::size_t trials = 0;
+    std::uint64_t seed = 1;
 };
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -23,6 +24,8 @@ constexpr std::array kEvaluations = {
     std::pair{Evaluation::kCertificate, "certificate"},
 };
 constexpr const char* kInfinite = "infinite";
+constexpr const char* kRounded = "rounded value";
+constexpr const char* kUnrounded = "unrounded value";
 constexpr double kMostReadings = 1e9;
 
 JsonValue JsonOf(const CalculationFormula& formula) {
@@ -84,6 +87,14 @@ JsonValue JsonOf(const UncertaintyOptions& options) {
         json.Set("probability", JsonValue::Number(options.coverageProbability));
     if (!options.correlations.empty()) json.Set("correlations", ListOf(options.correlations));
     return json;
+}
+
+JsonValue JsonOf(const ResultLimits& limits) {
+    JsonValue json = JsonValue::Object();
+    if (limits.lower) json.Set("lower", JsonValue::Text(limits.lower->Text()));
+    if (limits.upper) json.Set("upper", JsonValue::Text(limits.upper->Text()));
+    return json.Set("rule", JsonValue::Text(limits.rule.Name()))
+        .Set("compares", JsonValue::Text(limits.comparesRounded ? kRounded : kUnrounded));
 }
 
 // Thrown by the reader alone, and caught by CalculationOf.
@@ -215,6 +226,33 @@ UncertaintyOptions OptionsOf(const JsonValue& json) {
     return options;
 }
 
+std::optional<Decimal> LimitOf(const Members& members, std::string_view name) {
+    if (!members.Has(name)) return {};
+    DecimalFlags flags;
+    const Decimal limit = Decimal::OfText(members.Text(name), flags);
+    if (!limit.IsFinite() || flags.isInexact) Refuse(name, "a number");
+    return limit;
+}
+
+ResultLimits LimitsOf(const JsonValue& json) {
+    const Members members(json, "limits");
+    ResultLimits limits;
+    limits.lower = LimitOf(members, "lower");
+    limits.upper = LimitOf(members, "upper");
+    const std::optional<DecisionRule> rule = DecisionRule::OfName(members.Text("rule"));
+    if (!rule) Refuse("rule", "the name of a decision rule");
+    limits.rule = *rule;
+    limits.comparesRounded = members.Text("compares") != kUnrounded;
+    return limits;
+}
+
+std::uint64_t SeedOf(const std::string& text) {
+    std::uint64_t seed = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seed);
+    if (error != std::errc() || end != text.data() + text.size()) Refuse("seed", "a whole number, as a text");
+    return seed;
+}
+
 Calculation Read(const JsonValue& json) {
     const Members members(json, "calculation");
     Calculation calculation;
@@ -230,6 +268,11 @@ Calculation Read(const JsonValue& json) {
     if (members.Has("rounding")) {
         calculation.rule = RoundingRule::OfName(members.Text("rounding"));
         if (!calculation.rule) Refuse("rounding", "the name of a rule");
+    }
+    if (members.Has("limits")) calculation.limits = LimitsOf(members.At("limits"));
+    if (members.Has("trials")) {
+        calculation.trials = members.Whole<std::uint32_t>("trials");
+        calculation.seed = SeedOf(members.Text("seed"));
     }
     if (members.Has("coverage")) calculation.uncertainty = OptionsOf(members.At("coverage"));
     return calculation;
@@ -247,6 +290,10 @@ JsonValue JsonOf(const Calculation& calculation) {
         json.Set("substitution", JsonValue::Text(NameOf(calculation.substitution)));
     if (calculation.rule) json.Set("rounding", JsonValue::Text(calculation.rule->Name()));
     json.Set("coverage", JsonOf(calculation.uncertainty));
+    if (calculation.limits) json.Set("limits", JsonOf(*calculation.limits));
+    if (calculation.trials > 0)
+        json.Set("trials", JsonValue::Number(static_cast<std::int64_t>(calculation.trials)))
+            .Set("seed", JsonValue::Text(std::to_string(calculation.seed)));
     return json;
 }
 

@@ -20,11 +20,11 @@ std::string Shortest(double value) {
 
 }  // namespace
 
-Trace Trace::Of(const Calculation& calculation) {
+Trace Trace::Of(const Calculation& calculation, unsigned threads) {
     Trace trace;
     trace.m_calculation = calculation;
     trace.m_engine = QELLIB10_QUANTITY_VERSION;
-    TraceComputation(trace).Run();
+    TraceComputation(trace, threads).Run();
     return trace;
 }
 

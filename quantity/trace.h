@@ -10,6 +10,7 @@
 #include "qellib10/quantity/calculation.h"
 #include "qellib10/quantity/exact_result.h"
 #include "qellib10/quantity/formula_error.h"
+#include "qellib10/quantity/monte_carlo.h"
 #include "qellib10/quantity/uncertainty_budget.h"
 
 namespace qel {
@@ -55,7 +56,8 @@ enum class TraceLanguage { kEnglish, kJapanese };
 class QELLIB10_API Trace {
 public:
     /// Computes. What is wrong with the calculation is in Fault().
-    static Trace Of(const Calculation& calculation);
+    /// @param threads for trials; they have ended when it returns, and change no digit
+    static Trace Of(const Calculation& calculation, unsigned threads = 1);
 
     const Calculation& Request() const noexcept { return m_calculation; }
     /// The helpers in the order in which they were computed, the result's formula last.
@@ -71,6 +73,12 @@ public:
     /// The expanded uncertainty, rounded to two digits, or to those of a rule that goes by it (GUM 7.2.6), half away
     /// from zero.
     const std::optional<Decimal>& RoundedUncertainty() const noexcept { return m_roundedUncertainty; }
+    const std::optional<ResultDecision>& Decision() const noexcept { return m_decision; }
+    /// What the trials gave, and what they say of first order.
+    const std::optional<MonteCarloResult>& Trials() const noexcept { return m_trials; }
+    const std::optional<FirstOrderCheck>& FirstOrder() const noexcept { return m_firstOrder; }
+    /// Why something that was asked for is not there: a decision, trials.
+    const std::vector<std::string>& Remarks() const noexcept { return m_remarks; }
     /// The version of the library that computed it.
     const std::string& Engine() const noexcept { return m_engine; }
 
@@ -93,6 +101,10 @@ private:
     std::optional<TraceFault> m_fault;
     std::optional<RoundedValue> m_rounded;
     std::optional<Decimal> m_roundedUncertainty;
+    std::optional<ResultDecision> m_decision;
+    std::optional<MonteCarloResult> m_trials;
+    std::optional<FirstOrderCheck> m_firstOrder;
+    std::vector<std::string> m_remarks;
     std::string m_engine;
 };
 
@@ -107,7 +119,8 @@ struct TraceCheck {
 
 /// Computes the calculation of a recorded trace again and compares all that is in it.
 /// @param json as Trace::Json writes it
+/// @param threads for trials
 /// @return nothing where @p json is no trace; @p error then says why
-QELLIB10_API std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error);
+QELLIB10_API std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error, unsigned threads = 1);
 
 }  // namespace qel

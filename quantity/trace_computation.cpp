@@ -87,11 +87,14 @@ void TraceComputation::Run() {
         const std::optional<Formula> formula = Formula::Kept(calculation.result.formula, m_set.Scope(), error);
         if (!formula) return Fail(calculation.result, error);
         if (!Compute(calculation.result, *formula)) return;
+        TryOut(*formula);
     } else {
         const auto result = std::ranges::find(m_trace.m_parts, SourceOf(last).name, &TracePart::name);
         std::rotate(result, result + 1, m_trace.m_parts.end());
+        TryOut(m_set.At(last));
     }
     Round();
+    Decide();
 }
 
 bool TraceComputation::Compute(const CalculationFormula& source, const Formula& formula) {
@@ -185,6 +188,36 @@ void TraceComputation::Round() {
         if (rounded.IsFinite()) m_trace.m_roundedUncertainty = rounded;
     }
     if (rule) m_trace.m_rounded = part.result->Rounded(*rule, expanded);
+}
+
+void TraceComputation::Decide() {
+    const Calculation& calculation = m_trace.m_calculation;
+    if (!calculation.limits) return;
+    const TracePart& part = m_trace.m_parts.back();
+    std::string reason;
+    m_trace.m_decision = DecideResult(*part.result, m_trace.m_rounded, part.budget, *calculation.limits, reason);
+    if (!m_trace.m_decision) m_trace.m_remarks.push_back("no decision: " + reason);
+}
+
+void TraceComputation::TryOut(const Formula& formula) {
+    const Calculation& calculation = m_trace.m_calculation;
+    const TracePart& part = m_trace.m_parts.back();
+    if (calculation.trials == 0) return;
+    const auto refuse = [&](const std::string& why) { m_trace.m_remarks.push_back("no trials: " + why); };
+    if (!part.budget) return refuse("the result has no uncertainty to first order");
+    // The result of a helper has lost the distributions that it came from.
+    if (!calculation.helpers.empty()) return refuse("other formulas are used; write them into this one");
+    if (!part.budget->coverageProbability) return refuse("there is no coverage probability");
+    MonteCarloOptions options;
+    options.trials = calculation.trials;
+    options.seed = calculation.seed;
+    options.threads = m_threads;
+    options.coverageProbability = *part.budget->coverageProbability;
+    options.correlations = calculation.uncertainty.correlations;
+    FormulaError error;
+    m_trace.m_trials = PropagateDistributions(formula, m_inputs, options, error);
+    if (!m_trace.m_trials) return refuse(error.Text(part.formula));
+    m_trace.m_firstOrder = ValidateFirstOrder(*part.budget, *m_trace.m_trials);
 }
 
 }  // namespace qel

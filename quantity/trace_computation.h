@@ -11,7 +11,7 @@ namespace qel {
 /// source, so that what two of them have in common stays correlated.
 class TraceComputation {
 public:
-    explicit TraceComputation(Trace& trace) : m_trace(trace), m_set(Scope()) {}
+    TraceComputation(Trace& trace, unsigned threads) : m_trace(trace), m_threads(threads), m_set(Scope()) {}
 
     void Run();
 
@@ -27,10 +27,13 @@ private:
     UncertainInput UncertainOf(const CalculationInput& input) const;
     const UncertaintyComponent* ComponentOf(const UncertaintyRow& row) const;
     void Round();
+    void Decide();
+    void TryOut(const Formula& formula);
     void Fail(const CalculationFormula& formula, const FormulaError& error);
     const CalculationFormula& SourceOf(std::size_t formula) const;
 
     Trace& m_trace;
+    unsigned m_threads;
     FormulaSet m_set;
     std::vector<Reading> m_readings;       // of inputs and formulas, by position in the scope
     std::vector<UncertainInput> m_inputs;  // of the same

@@ -81,6 +81,40 @@ JsonValue JsonOf(const TraceFault& fault) {
         .Set("sentence", JsonValue::Text(fault.sentence));
 }
 
+JsonValue JsonOf(const ResultDecision& decision) {
+    JsonValue json = JsonValue::Object();
+    json.Set("isPassed", JsonValue::Boolean(decision.isPassed))
+        .Set("isUndecided", JsonValue::Boolean(decision.isUndecided))
+        .Set("compared", JsonValue::Text(decision.compared.Text()))
+        .Set("isRounded", JsonValue::Boolean(decision.isRounded));
+    if (!decision.byUncertainty) return json;
+    const LimitDecision& decided = *decision.byUncertainty;
+    json.Set("guardBand", Number(decided.guardBand));
+    if (decided.acceptance.lower) json.Set("acceptanceLower", Number(*decided.acceptance.lower));
+    if (decided.acceptance.upper) json.Set("acceptanceUpper", Number(*decided.acceptance.upper));
+    return json.Set("conformity", Number(decided.conformity));
+}
+
+JsonValue JsonOf(const MonteCarloResult& trials) {
+    return JsonValue::Object()
+        .Set("mean", Number(trials.mean))
+        .Set("uncertainty", Number(trials.uncertainty))
+        .Set("low", Number(trials.symmetric.low))
+        .Set("high", Number(trials.symmetric.high))
+        .Set("shortestLow", Number(trials.shortest.low))
+        .Set("shortestHigh", Number(trials.shortest.high))
+        .Set("failed", Whole(trials.failed));
+}
+
+JsonValue JsonOf(const FirstOrderCheck& check) {
+    return JsonValue::Object()
+        .Set("isEnough", JsonValue::Boolean(check.isEnough))
+        .Set("tolerance", Number(check.tolerance))
+        .Set("lowDifference", Number(check.lowDifference))
+        .Set("highDifference", Number(check.highDifference))
+        .Set("isStable", JsonValue::Boolean(check.isStable));
+}
+
 // All that is computed.
 JsonValue Outcome(const Trace& trace) {
     JsonValue json = JsonValue::Object();
@@ -89,7 +123,14 @@ JsonValue Outcome(const Trace& trace) {
     if (trace.Fault() != nullptr) return json.Set("fault", JsonOf(*trace.Fault()));
     if (trace.Rounded()) json.Set("rounded", JsonValue::Text(trace.Rounded()->rounded.Text()));
     if (trace.RoundedUncertainty()) json.Set("roundedUncertainty", JsonValue::Text(trace.RoundedUncertainty()->Text()));
-    return json.Set("text", JsonValue::Text(trace.ResultWithUncertainty()));
+    json.Set("text", JsonValue::Text(trace.ResultWithUncertainty()));
+    if (trace.Decision()) json.Set("decision", JsonOf(*trace.Decision()));
+    if (trace.Trials()) json.Set("trials", JsonOf(*trace.Trials()));
+    if (trace.FirstOrder()) json.Set("firstOrder", JsonOf(*trace.FirstOrder()));
+    if (trace.Remarks().empty()) return json;
+    JsonValue& remarks = json.Set("remarks", JsonValue::List()).members.back().second;
+    for (const std::string& remark : trace.Remarks()) remarks.items.push_back(JsonValue::Text(remark));
+    return json;
 }
 
 std::string Shown(const JsonValue& value) {
@@ -135,7 +176,7 @@ std::string Trace::Json() const {
         .Dump();
 }
 
-std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error) {
+std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error, unsigned threads) {
     const std::optional<JsonValue> recorded = JsonValue::Parse(json, error);
     if (!recorded) return {};
     const JsonValue *const format = recorded->Find("format"), *const engine = recorded->Find("engine"),
@@ -151,7 +192,7 @@ std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error) 
     }
     const std::optional<Calculation> read = CalculationOf(*calculation, error);
     if (!read) return {};
-    TraceCheck check{Trace::Of(*read), engine->text, {}};
+    TraceCheck check{Trace::Of(*read, threads), engine->text, {}};
     // What this version does not know of the calculation would not have been computed.
     Compare(*calculation, JsonOf(*read), "calculation", check.differences);
     Compare(*outcome, Outcome(check.computed), "", check.differences);

@@ -31,6 +31,10 @@ public:
         AddRounding();
         for (const TracePart& part : m_trace.Parts())
             if (part.budget) AddBudget(part);
+        AddTrials();
+        AddDecision();
+        for (const std::string& remark : m_trace.Remarks())
+            m_tables.front().rows.push_back({Word(TraceWord::kRemark), remark});
         return std::move(m_tables);
     }
 
@@ -137,6 +141,42 @@ private:
         sum.rows.push_back(
             {Word(TraceWord::kExpanded), Short(budget.expandedUncertainty, kFiguresOfUncertainty) + unit});
         if (budget.isAtKink) sum.rows.push_back({Word(TraceWord::kRemark), Word(TraceWord::kAtKink)});
+    }
+
+    void AddTrials() {
+        if (!m_trace.Trials()) return;
+        const MonteCarloResult& trials = *m_trace.Trials();
+        TraceTable& table = Add(TraceWord::kTrials, "", {});
+        table.rows.push_back({Word(TraceWord::kValue), Short(trials.mean, 10)});
+        table.rows.push_back({Word(TraceWord::kStandardUncertainty), Short(trials.uncertainty, kFiguresOfUncertainty)});
+        table.rows.push_back({Short(100.0 * trials.coverageProbability, 4) + " %",
+                              Short(trials.symmetric.low, 10) + " .. " + Short(trials.symmetric.high, 10)});
+        if (m_trace.FirstOrder())
+            table.rows.push_back({Word(TraceWord::kFirstOrder),
+                                  Word(m_trace.FirstOrder()->isEnough ? TraceWord::kEnough : TraceWord::kNotEnough)});
+    }
+
+    void AddDecision() {
+        const std::optional<ResultLimits>& limits = m_trace.Request().limits;
+        if (!limits || !m_trace.Decision()) return;
+        const ResultDecision& decision = *m_trace.Decision();
+        TraceTable& table = Add(TraceWord::kLimits, "", {});
+        if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), limits->lower->PlainText()});
+        if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), limits->upper->PlainText()});
+        table.rows.push_back({Word(TraceWord::kRule), limits->rule.Name()});
+        table.rows.push_back(
+            {Word(TraceWord::kCompared),
+             decision.compared.PlainText() + " (" +
+                 Word(decision.isRounded ? TraceWord::kComparedRounded : TraceWord::kComparedUnrounded) + ')'});
+        if (decision.byUncertainty) {
+            table.rows.push_back(
+                {Word(TraceWord::kGuardBand), Short(decision.byUncertainty->guardBand, kFiguresOfUncertainty)});
+            table.rows.push_back(
+                {Word(TraceWord::kConformity), Short(100.0 * decision.byUncertainty->conformity, 4) + " %"});
+        }
+        table.rows.push_back(
+            {Word(TraceWord::kResult), Word(decision.isPassed ? TraceWord::kPassed : TraceWord::kFailed) +
+                                           (decision.isUndecided ? " (" + Word(TraceWord::kUndecided) + ')' : "")});
     }
 
     const Trace& m_trace;

@@ -51,6 +51,21 @@ constexpr std::array kWords = {
     Words{TraceWord::kEngine, "Computed by version", "計算したバージョン"},
     Words{TraceWord::kWithoutBudget, "No uncertainty", "不確かさなし"},
     Words{TraceWord::kOlderGrammar, "older grammar", "旧文法"},
+    Words{TraceWord::kLimits, "Limits", "規格限界"},
+    Words{TraceWord::kLower, "Lower limit", "下限"},
+    Words{TraceWord::kUpper, "Upper limit", "上限"},
+    Words{TraceWord::kCompared, "Compared", "比較した値"},
+    Words{TraceWord::kComparedRounded, "rounded value", "丸めた値"},
+    Words{TraceWord::kComparedUnrounded, "unrounded value", "丸めていない値"},
+    Words{TraceWord::kGuardBand, "Guard band w", "ガードバンド w"},
+    Words{TraceWord::kConformity, "Probability of conformity", "適合確率"},
+    Words{TraceWord::kPassed, "passed", "適合"},
+    Words{TraceWord::kFailed, "not passed", "不適合"},
+    Words{TraceWord::kUndecided, "the uncertainty reaches over a limit", "不確かさの範囲が限界を含む"},
+    Words{TraceWord::kTrials, "Monte Carlo check", "モンテカルロ法による確認"},
+    Words{TraceWord::kFirstOrder, "First order", "一次近似"},
+    Words{TraceWord::kEnough, "is enough", "十分"},
+    Words{TraceWord::kNotEnough, "is not enough: take the interval of the trials", "不十分: 試行による区間を使用"},
 };
 
 }  // namespace

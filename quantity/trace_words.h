@@ -48,6 +48,21 @@ enum class TraceWord {
     kEngine,
     kWithoutBudget,
     kOlderGrammar,
+    kLimits,
+    kLower,
+    kUpper,
+    kCompared,
+    kComparedRounded,
+    kComparedUnrounded,
+    kGuardBand,
+    kConformity,
+    kPassed,
+    kFailed,
+    kUndecided,
+    kTrials,
+    kFirstOrder,
+    kEnough,
+    kNotEnough,
 };
 
 std::string_view TextOf(TraceWord word, TraceLanguage language);

@@ -140,6 +140,54 @@ TEST(Trace, EveryChangedMemberIsADifferenceOrRefused) {
     }
 }
 
+TEST(Trace, DecidesByWhatTheLimitsCompare) {
+    using Rule = qel::DecisionRule;
+    const auto decided = [](const char* reading, const char* upper, const Rule& rule, bool comparesRounded, double u) {
+        Calculation calculation;
+        calculation.result = {"X", "A", ""};
+        calculation.inputs = {Input("A", reading)};
+        if (u > 0.0) calculation.inputs[0].components = {*UncertaintyComponent::Standard(u)};
+        calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, 1);
+        qel::DecimalFlags ignored;
+        calculation.limits = {{}, qel::Decimal::OfText(upper, ignored), rule, comparesRounded};
+        const Trace trace = Trace::Of(calculation);
+        if (!trace.Decision()) return trace.Remarks().front();
+        return std::string(trace.Decision()->isPassed ? "passed" : "failed") +
+               (trace.Decision()->isUndecided ? ", undecided" : "");
+    };
+    for (const auto& [reading, upper, rule, comparesRounded, u, expected] :
+         Cases<const char*, const char*, Rule, bool, double, const char*>{
+             {"10.04", "10.0", Rule::SimpleAcceptance(), true, 0, "passed"},
+             {"10.04", "10.0", Rule::SimpleAcceptance(), false, 0, "failed"},
+             {"10.00000000000000000001", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
+             {"9.9", "10", Rule::GuardedAcceptance(), false, 0,
+              "no decision: a guard band needs the uncertainty of the result"},
+             {"9.9", "10", Rule::GuardedAcceptance(), false, 0.1, "failed, undecided"},
+             {"10.1", "10", Rule::GuardedRejection(), false, 0.1, "passed, undecided"},
+             {"< 9.9", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
+             {"< 10", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
+             {"< 11", "10", Rule::SimpleAcceptance(), false, 0, "failed, undecided"},
+             {"> 10", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
+             {"missing", "10", Rule::SimpleAcceptance(), false, 0, "no decision: the result is no number and no limit"},
+         })
+        EXPECT_EQ(decided(reading, upper, rule, comparesRounded, u), expected) << reading;
+}
+
+TEST(Trace, TrialsSayWhetherFirstOrderIsEnough) {
+    Calculation calculation;
+    calculation.result = {"X", "A ^ 2", ""};
+    calculation.trials = 20'000;
+    for (const auto& [reading, isEnough] : Cases<const char*, bool>{{"10", true}, {"0.1", false}}) {
+        calculation.inputs = {Input("A", reading, {*UncertaintyComponent::Standard(0.1)})};
+        const Trace trace = Trace::Of(calculation, 2);
+        ASSERT_TRUE(trace.FirstOrder()) << reading;
+        EXPECT_EQ(trace.FirstOrder()->isEnough, isEnough) << reading;
+        EXPECT_EQ(trace.Json(), Trace::Of(calculation, 1).Json());
+    }
+    calculation.helpers = {{"H", "A", ""}};
+    EXPECT_EQ(Trace::Of(calculation).Remarks().front(), "no trials: other formulas are used; write them into this one");
+}
+
 TEST(Trace, JsonIsWhatItsSchemaSays) {
     std::ostringstream text;
     text << std::ifstream(QELLIB10_TRACE_SCHEMA).rdbuf();
@@ -148,7 +196,14 @@ TEST(Trace, JsonIsWhatItsSchemaSays) {
     limit.inputs[4].reading = *Reading::OfText("< 0.3");
     limit.substitution = qel::LimitSubstitution::kHalf;
     wrong.result.formula = "TITRE / 0";
-    for (const Calculation& calculation : {Acid(), limit, wrong}) {
+    Calculation decided = limit;
+    decided.inputs[4].reading = *Reading::OfText("0.3");
+    decided.limits = {qel::Decimal(0), qel::Decimal(1), qel::DecisionRule::GuardedAcceptance(), false};
+    decided.trials = 10'000;
+    Calculation tried = decided;
+    tried.helpers.clear();
+    tried.result.formula = "M * VT";
+    for (const Calculation& calculation : {Acid(), limit, wrong, decided, tried}) {
         std::string error;
         EXPECT_EQ(schema.Objection(*qel::JsonValue::Parse(Trace::Of(calculation).Json(), error)), "");
     }

@@ -141,7 +141,9 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"", "0 calc seal verify cabinet xml job archive renewals profile plot selftest trail stamp sign key\n"},
              {"calc --",
               "0 --help --from --digits --check --json --exact --name --unit --define --round --substitute "
-              "--coverage --k --kept --trace --write-trace --steps --language\n"},
+              "--coverage --k --lower --upper --decision --unrounded --trials --seed --kept --trace --write-trace "
+              "--steps "
+              "--language\n"},
              {"seal --", "0 --help --new --after --json\n"},
              {"verify --",
               "0 --help --jobs --all --strict --sealed --resume --save-list --against --force --trust --key --trail "
@@ -227,6 +229,14 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--exact 'A - B' A=2 'B=< 0.5' --round 'truncation, 0 decimal places'", "0 > 1\n"},
              {"--exact 'T * 2' --define 'T=V/4' V=1", "0 0.50\n"},
              {"--exact --kept '2*' V=1", "0 0\n"},
+             {"--exact A 'A=10.04; u=0.01' --round 'half even, 1 decimal places' --upper 10.0",
+              "0 10.0 ± 0.020 (k = 2)\npassed"},
+             {"--exact A 'A=10.04; u=0.01' --round 'half even, 1 decimal places' --upper 10.0 --unrounded",
+              "0 10.0 ± 0.020 (k = 2)\nnot passed\n"},
+             {"--exact A 'A=9.99; u=0.01' --upper 10.0 --decision 'guarded acceptance, w = 1 U'",
+              "0 9.99 ± 0.020 (k = 2)\nnot passed, the uncertainty reaches over a limit\n"},
+             {"--exact A^2 'A=0; u=1' --trials 10000", "0 0 ± 0 (k = 2)\nfirst order is not enough\n"},
+             {"--exact A A=1 --upper 2 --decision x", "2 qel: --decision: \"x\" is no rule: simple acceptance"},
              {"--exact 'A +' A=1",
               "1 qel: RESULT: the formula is not valid at its end: a number, a name or an opening bracket is "
               "expected\n"},

@@ -1,5 +1,9 @@
 #include "calc_exact.h"
 
+#include <algorithm>
+#include <limits>
+#include <thread>
+
 #include "calc_input.h"
 #include "tool.h"
 
@@ -7,6 +11,8 @@ namespace tool {
 namespace {
 
 constexpr const char* kGroup = "Results that can be computed again";
+
+unsigned Threads() { return std::max(std::thread::hardware_concurrency(), 1U); }
 
 std::string ReadAll(const std::string& path) {
     return OnFile(path, [&] {
@@ -30,16 +36,36 @@ qel::RoundingRule RuleOf(const std::string& name) {
     return *rule;
 }
 
+std::optional<qel::Decimal> LimitOf(const std::string& text) {
+    if (text.empty()) return {};
+    qel::DecimalFlags flags;
+    const qel::Decimal limit = qel::Decimal::OfText(text, flags);
+    if (!limit.IsFinite() || flags.isInexact) throw CLI::ValidationError('"' + text + "\" is no number");
+    return limit;
+}
+
 // The sentence has the formula's place.
 Failure FaultOf(const qel::Trace& trace) {
     return Failure(Shown(trace.Fault()->name + ": " + trace.Fault()->sentence), kFailed);
+}
+
+// The result, and what was asked for beside it, a line each.
+std::string ShortForm(const qel::Trace& trace) {
+    std::string text = Shown(trace.ResultWithUncertainty()) + '\n';
+    if (const auto& decided = trace.Decision())
+        text += std::string(decided->isPassed ? "passed" : "not passed") +
+                (decided->isUndecided ? ", the uncertainty reaches over a limit\n" : "\n");
+    if (const auto& check = trace.FirstOrder())
+        text += std::string("first order is ") + (check->isEnough ? "enough\n" : "not enough\n");
+    for (const std::string& remark : trace.Remarks()) text += Shown(remark) + '\n';
+    return text;
 }
 
 // A trace that a file has, computed again.
 qel::TraceCheck Checked(const std::string& path) {
     const std::string json = ReadAll(path);
     std::string error;
-    const std::optional<qel::TraceCheck> check = qel::CheckTrace(json, error);
+    const std::optional<qel::TraceCheck> check = qel::CheckTrace(json, error, Threads());
     if (!check) throw Failure(Shown(path) + ": " + Shown(error), kUnknown);
     return *check;
 }
@@ -76,6 +102,17 @@ void ExactCalculation::AddTo(CLI::App& command) {
     CLI::Option* const coverage =
         add(command.add_option("--coverage", probability, "Probability of the expanded uncertainty"));
     add(command.add_option("--k", factor, "Coverage factor, in place of a probability"))->excludes(coverage);
+    add(command.add_option("--lower", lower, "What the result must not be below"))->type_name("NUMBER");
+    add(command.add_option("--upper", upper, "What the result must not be above"))->type_name("NUMBER");
+    add(command.add_option("--decision", decision, "Rule, such as \"guarded acceptance, w = 1 U\""))->type_name("RULE");
+    add(command.add_flag("--unrounded", comparesUnrounded,
+                         "Compare all digits with the limits, not the rounded value"));
+    add(command.add_option("--trials", trials, "Monte Carlo trials that show whether first order is enough"))
+        ->transform(WholeNumber(10'000, qel::MonteCarloOptions::kMostTrials))
+        ->type_name("N");
+    add(command.add_option("--seed", seed, "Of the trials"))
+        ->transform(WholeNumber(0, std::numeric_limits<std::int64_t>::max()))
+        ->type_name("N");
     add(command.add_flag("--kept", isKept, "The grammar of the older evaluator"));
     CLI::Option* const trace =
         command.add_option("--trace", tracePath, "Compute a recorded trace again and compare each digit");
@@ -101,9 +138,20 @@ void ExactCalculation::Run(const std::string& formula, const std::vector<std::st
         for (const std::string& value : values) calculation.inputs.push_back(InputOf(value));
         calculation.substitution = *qel::LimitSubstitutionOf(substitution);
         if (!rule.empty()) calculation.rule = RuleOf(rule);
+        if (!lower.empty() || !upper.empty()) {
+            const std::optional<qel::DecisionRule> named = qel::DecisionRule::OfName(decision);
+            if (!named)
+                throw CLI::ValidationError("--decision: \"" + decision +
+                                           "\" is no rule: " + qel::DecisionRule::SimpleAcceptance().Name() + ", \"" +
+                                           qel::DecisionRule::GuardedAcceptance().Name() + "\" or \"" +
+                                           qel::DecisionRule::GuardedRejection().Name() + '"');
+            calculation.limits = {LimitOf(lower), LimitOf(upper), *named, !comparesUnrounded};
+        }
+        calculation.trials = trials;
+        calculation.seed = seed;
         calculation.uncertainty.coverageProbability = probability;
         if (factor != 0.0) calculation.uncertainty.coverageFactor = factor;
-        trace = qel::Trace::Of(calculation);
+        trace = qel::Trace::Of(calculation, Threads());
     }
     if (!newTracePath.empty()) {
         RequireFolderOf(newTracePath);
@@ -117,7 +165,7 @@ void ExactCalculation::Run(const std::string& formula, const std::vector<std::st
     else if (showsSteps)
         Print(trace.Text(language == "ja" ? qel::TraceLanguage::kJapanese : qel::TraceLanguage::kEnglish));
     else if (trace.Fault() == nullptr)
-        Print(Shown(trace.ResultWithUncertainty()) + '\n');
+        Print(ShortForm(trace));
     if (trace.Fault() != nullptr) throw FaultOf(trace);
 }
 

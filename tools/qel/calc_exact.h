@@ -14,7 +14,10 @@ struct ExactCalculation {
     std::string tracePath, newTracePath, calculationPath;
     std::vector<std::string> helpers;
     double probability = 0.9545, factor = 0.0;
-    bool isKept = false, showsSteps = false;
+    std::string lower, upper, decision = "simple acceptance";
+    std::size_t trials = 0;
+    std::uint64_t seed = 1;
+    bool isKept = false, comparesUnrounded = false, showsSteps = false;
 
     void AddTo(CLI::App& command);
     /// Whether they, and not the older evaluator, are asked for.

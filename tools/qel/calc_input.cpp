@@ -48,25 +48,14 @@ std::optional<UncertaintyComponent> ComponentOf(const std::string& what, const s
     return UncertaintyComponent::Readings(first, count, source);
 }
 
-// "< 0.02 mg/L": a limit may have a blank before its number, and a unit comes after another.
-void SetReading(const std::string& text, qel::CalculationInput& input) {
-    const std::size_t start = text.starts_with('<') || text.starts_with('>') ? text.find_first_not_of(' ', 1) : 0;
-    const std::size_t end = start == std::string::npos ? text.size() : std::min(text.find(' ', start), text.size());
-    const std::optional<qel::Reading> reading = qel::Reading::OfText(std::string_view(text).substr(0, end));
-    if (!reading) Refuse(text, "is no value: a number, < or > with a number, missing or invalid");
-    input.reading = *reading;
-    input.unit = Trimmed(std::string_view(text).substr(end));
-}
-
 }  // namespace
 
 qel::CalculationInput InputOf(const std::string& assignment) {
     const auto [name, rest] = Split(assignment, '=');
     if (name.empty() || !rest) Refuse(assignment, "is not NAME=VALUE");
-    qel::CalculationInput input;
-    input.name = name;
     auto [value, more] = Split(*rest, ';');
-    SetReading(value, input);
+    std::optional<qel::CalculationInput> input = qel::CalculationInput::Of(name, value);
+    if (!input) Refuse(value, "is no value: a number, < or > with a number, missing or invalid");
     std::string source;
     while (more) {
         const auto [item, after] = Split(*more, ';');
@@ -74,18 +63,18 @@ qel::CalculationInput InputOf(const std::string& assignment) {
         more = after;
         if (!text) Refuse(item, "is not WHAT=...");
         if (what == "from")
-            input.origin = *text;
+            input->origin = *text;
         else if (what == "source")
             source = *text;
         else if (what == "u" || what == "rect" || what == "tri" || what == "cert" || what == "s") {
             const std::optional<UncertaintyComponent> component = ComponentOf(what, *text, source);
             if (!component) Refuse(item, "is no uncertainty: " + Why("a number is out of its range"));
-            input.components.push_back(*component);
+            input->components.push_back(*component);
         } else {
             Refuse(item, "is not known: there are u, rect, tri, cert, s, source and from");
         }
     }
-    return input;
+    return *std::move(input);
 }
 
 qel::CalculationFormula FormulaOf(const std::string& assignment) {

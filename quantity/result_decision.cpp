@@ -1,0 +1,79 @@
+#include "qellib10/quantity/result_decision.h"
+
+#include <utility>
+
+namespace qel {
+namespace {
+
+using Kind = ExactResult::Kind;
+
+bool IsValid(const ResultLimits& limits) {
+    if (!limits.lower && !limits.upper) return false;
+    for (const std::optional<Decimal>& limit : {limits.lower, limits.upper})
+        if (limit && !limit->IsFinite()) return false;
+    return !limits.lower || !limits.upper || *limits.lower <= *limits.upper;
+}
+
+bool IsWithin(const Decimal& value, const ResultLimits& limits) {
+    return (!limits.lower || value >= *limits.lower) && (!limits.upper || value <= *limits.upper);
+}
+
+// Of "< x" all numbers below x, which conform where x does and nothing is to be above a limit.
+void DecideLimit(const ExactResult& result, const ResultLimits& limits, ResultDecision& decision) {
+    const bool isBelow = result.kind == Kind::kBelow;
+    const std::optional<Decimal>&near = isBelow ? limits.upper : limits.lower,
+          &far = isBelow ? limits.lower : limits.upper;
+    const auto isBeyond = [&](const Decimal& limit) {
+        const auto order = decision.compared <=> limit;
+        return (isBelow ? order < 0 : order > 0) || (order == 0 && !result.isIncluded);
+    };
+    const auto reaches = [&](const Decimal& limit) {
+        const auto order = decision.compared <=> limit;
+        return isBelow ? order <= 0 : order >= 0;
+    };
+    decision.isPassed = !far && near && reaches(*near);
+    const bool isFailed = far && isBeyond(*far);
+    decision.isUndecided = !decision.isPassed && !isFailed;
+}
+
+ToleranceLimits InDouble(const ResultLimits& limits) {
+    const auto nearest = [](const std::optional<Decimal>& limit) {
+        return limit ? std::optional(limit->ToDouble()) : std::nullopt;
+    };
+    return {nearest(limits.lower), nearest(limits.upper)};
+}
+
+}  // namespace
+
+std::optional<ResultDecision> DecideResult(const ExactResult& result, const std::optional<RoundedValue>& rounded,
+                                           const std::optional<UncertaintyBudget>& budget, const ResultLimits& limits,
+                                           std::string& reason) {
+    const auto refuse = [&](const char* why) {
+        reason = why;
+        return std::optional<ResultDecision>();
+    };
+    if (!IsValid(limits)) return refuse("the limits are missing, not finite or the wrong way round");
+    const bool isLimit = result.kind == Kind::kBelow || result.kind == Kind::kAbove;
+    if (result.kind != Kind::kValue && !isLimit) return refuse("the result is no number and no limit");
+    const bool isSimple = limits.rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance;
+    if (!isSimple && !budget) return refuse("a guard band needs the uncertainty of the result");
+    ResultDecision decision;
+    decision.isRounded = limits.comparesRounded && rounded.has_value();
+    decision.compared = decision.isRounded ? rounded->rounded : result.value;
+    if (isLimit) {
+        DecideLimit(result, limits, decision);
+        return decision;
+    }
+    if (budget) {
+        UncertaintyBudget compared = *budget;
+        compared.value = decision.compared.ToDouble();
+        decision.byUncertainty = DecideLimits(compared, InDouble(limits), limits.rule);
+        if (!decision.byUncertainty) return refuse("the limits or the guard band are not valid");
+        decision.isPassed = decision.byUncertainty->isPassed;
+        decision.isUndecided = decision.byUncertainty->isUndecided;
+    }
+    if (isSimple) decision.isPassed = IsWithin(decision.compared, limits);
+    return decision;
+}
+
+}  // namespace qel
