@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <ranges>
 
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/path.h"
@@ -96,8 +95,9 @@ std::vector<RecordedFile> FileRecords::Compare(std::string_view folder) const {
 }
 
 std::vector<RecordedFile> FileRecords::All() const {
-    const auto files = std::views::values(m_files);
-    return {files.begin(), files.end()};
+    std::vector<RecordedFile> files;
+    for (const auto& [path, file] : m_files) files.push_back(file);
+    return files;
 }
 
 RecordedFile::State FileRecords::StateIn(std::string_view folder, const RecordedFile& file) {

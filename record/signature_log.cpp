@@ -12,7 +12,7 @@ SignatureLog::SignatureLog(std::string path, SigningRules rules) : m_path(std::m
 std::vector<SignatureProblem> SignatureLog::CatchUp(const TrailReceipt& known, const Visit& visit) {
     std::optional<Progress> read = std::exchange(m_read, std::nullopt);
     if (!read) {
-        read.emplace();
+        read = Progress{};
         read->state = std::make_unique<SignatureState>(m_rules);
     }
     std::vector<SignatureProblem> problems = Read(*read, known, visit);

@@ -1,6 +1,5 @@
 #include "qellib10/record/version_list.h"
 
-#include <ranges>
 #include <set>
 #include <span>
 #include <utility>
@@ -144,8 +143,9 @@ void VersionList::AddTo(Sha256Sum& sum) const {
 }
 
 std::vector<RecordedVersion> VersionList::Known() const {
-    const auto versions = std::views::values(m_known);
-    return {versions.begin(), versions.end()};
+    std::vector<RecordedVersion> versions;
+    for (const auto& [number, version] : m_known) versions.push_back(version);
+    return versions;
 }
 
 std::vector<RecordedVersion> VersionList::Missing() {

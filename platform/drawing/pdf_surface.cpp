@@ -47,8 +47,8 @@ struct PdfSurface::Document {
     Document& operator=(const Document&) = delete;
 
     struct Destroy {
-        void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-        void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
+        void operator()(cairo_surface_t* owned) const { cairo_surface_destroy(owned); }
+        void operator()(cairo_t* owned) const { cairo_destroy(owned); }
     };
 
     CString name;
