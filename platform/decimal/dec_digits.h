@@ -9,6 +9,7 @@
 #define DECNUMDIGITS 15
 #include <qellib10/decnumber/decNumber.h>
 #include "qellib10/platform/decimal/decimal.h"
+#include "qellib10/platform/decimal/decimal_access.h"
 
 namespace qel {
 
@@ -21,21 +22,16 @@ template <int kDigits> struct DecDigits {
     const decNumber* Get() const noexcept { return &number; }
 };
 
-/// decimal128's exponents; half to even.
-constexpr decContext kDecimalContext = {Decimal::kDigits, 6144, -6143, DEC_ROUND_HALF_EVEN, 0, 0, 1};
+using DecNumber = DecDigits<Decimal::kDigits>;
 
-struct DecimalAccess {
-    static decNumber* Of(Decimal& value) noexcept { return reinterpret_cast<decNumber*>(value.m_number.data()); }
-    static const decNumber* Of(const Decimal& value) noexcept {
-        return reinterpret_cast<const decNumber*>(value.m_number.data());
-    }
-    /// @p number has at most 34 digits.
-    static Decimal From(const decNumber* number) noexcept {
-        Decimal value;
-        decNumberCopy(Of(value), number);
-        return value;
-    }
-};
+/// decimal128's exponents; half to even.
+constexpr decContext kDecimalContext = {
+    Decimal::kDigits, kGreatestMagnitude, kLeastMagnitude, DEC_ROUND_HALF_EVEN, 0, 0, 1};
+
+/// @p value in decNumber's form.
+DecNumber NumberOf(const Decimal& value) noexcept;
+/// @p number has at most 34 digits.
+Decimal DecimalOf(const decNumber* number) noexcept;
 
 inline void AddFlags(DecimalFlags& flags, std::uint32_t status) noexcept {
     flags.isInexact |= (status & DEC_Inexact) != 0;

@@ -1,30 +1,26 @@
 #include "qellib10/platform/decimal/decimal.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 #include "qellib10/platform/decimal/dec_digits.h"
+#include "qellib10/platform/decimal/decimal_fast.h"
 
 namespace qel {
 namespace {
 
-static_assert(sizeof(Decimal) == 36 && sizeof(DecDigits<Decimal::kDigits>) <= sizeof(Decimal));
+static_assert(sizeof(Decimal) == 24);
 
-// decNumber counts digits in 32 bits; a longer text is no number that anybody wrote.
-constexpr std::size_t kLongestText = 1'000'000;
-
-decNumber* Of(Decimal& value) noexcept { return DecimalAccess::Of(value); }
-const decNumber* Of(const Decimal& value) noexcept { return DecimalAccess::Of(value); }
-
+// What is at the end of the range, infinite or no number is left to decNumber.
 using Operation = decNumber* (*)(decNumber*, const decNumber*, const decNumber*, decContext*);
 
-template <Operation kOperation> Decimal Computed(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept {
+Decimal Slowly(Operation operation, const Decimal& a, const Decimal& b, DecimalFlags& flags,
+               rounding mode = DEC_ROUND_HALF_EVEN) noexcept {
     decContext context = kDecimalContext;
-    Decimal result;
-    kOperation(Of(result), Of(a), Of(b), &context);
-    if (context.status != 0) AddFlags(flags, context.status);
-    return result;
+    context.round = mode;
+    DecNumber result;
+    operation(result.Get(), NumberOf(a).Get(), NumberOf(b).Get(), &context);
+    AddFlags(flags, context.status);
+    return DecimalOf(result.Get());
 }
 
 rounding ModeOf(DecimalRounding rounding) noexcept {
@@ -40,166 +36,104 @@ rounding ModeOf(DecimalRounding rounding) noexcept {
     }
 }
 
-// The digits of a finite number, without sign, point and exponent.
-std::string DigitsOf(const Decimal& value) {
-    std::array<std::uint8_t, Decimal::kDigits> digits;
-    decNumberGetBCD(Of(value), digits.data());
-    std::string text;
-    for (int i = 0; i < value.Digits(); ++i) text += static_cast<char>('0' + digits[static_cast<std::size_t>(i)]);
-    return text;
+// Far past decimal128's exponents, so that sums with it cannot overflow.
+int Bounded(int exponent) noexcept { return std::clamp(exponent, -20'000, 20'000); }
+
+std::uint64_t MagnitudeOf(std::int64_t value) noexcept {
+    const auto bits = static_cast<std::uint64_t>(value);
+    return value < 0 ? 0 - bits : bits;
 }
 
 }  // namespace
 
-Decimal::Decimal() noexcept : m_number{} { decNumberZero(Of(*this)); }
+Decimal::Decimal(std::int64_t value) noexcept
+    : m_low(MagnitudeOf(value)), m_bits(value < 0 ? kNegative : std::uint8_t{0}) {}
 
-Decimal::Decimal(std::int64_t value) noexcept : Decimal() {
-    std::array<char, 24> text = {};
-    std::to_chars(text.data(), text.data() + text.size(), value);
-    decContext context = kDecimalContext;
-    decNumberFromString(Of(*this), text.data(), &context);
-}
-
-Decimal Decimal::OfText(std::string_view text, DecimalFlags& flags) {
-    Decimal value;
-    if (text.empty() || text.size() > kLongestText || text.find('\0') != std::string_view::npos) {
-        flags.isInvalid = true;
-        return NotANumber();
-    }
-    decContext context = kDecimalContext;
-    decNumberFromString(Of(value), std::string(text).c_str(), &context);
-    AddFlags(flags, context.status);
-    return value;
-}
-
-Decimal Decimal::OfDouble(double value) noexcept {
-    std::array<char, 32> text = {};  // the longest is -2.2250738585072014e-308
-    std::to_chars(text.data(), text.data() + text.size() - 1, value);
-    Decimal number;
-    decContext context = kDecimalContext;
-    decNumberFromString(Of(number), text.data(), &context);
-    return number;
-}
-
-Decimal Decimal::NotANumber() noexcept {
-    Decimal value;
-    Of(value)->bits = DECNAN;
-    return value;
-}
+Decimal Decimal::NotANumber() noexcept { return DecimalAccess::Made(DECNAN, 0, 0); }
 
 Decimal Decimal::Scaled(std::int64_t coefficient, int exponent, DecimalFlags& flags) noexcept {
-    Decimal value(coefficient);
-    // Far past decimal128's exponents, so that the sum cannot overflow.
-    Of(value)->exponent = std::clamp(exponent, -20'000, 20'000);
+    const Decimal value = DecimalAccess::Finite(coefficient < 0, MagnitudeOf(coefficient), Bounded(exponent));
+    if (value.m_exponent >= kLeastExponent && value.m_exponent <= kGreatestExponent) return value;
     decContext context = kDecimalContext;
-    Decimal result;
-    decNumberPlus(Of(result), Of(value), &context);
+    DecNumber result;
+    decNumberPlus(result.Get(), NumberOf(value).Get(), &context);
     AddFlags(flags, context.status);
-    return result;
+    return DecimalOf(result.Get());
 }
 
-std::string Decimal::Text() const {
-    std::array<char, kDigits + 14> text;
-    return decNumberToString(Of(*this), text.data());
-}
-
-std::string Decimal::PlainText() const {
-    if (!IsFinite()) return Text();
-    std::string digits = DigitsOf(*this);
-    const int exponent = Exponent();
-    if (exponent > 0 && !IsZero()) digits.append(static_cast<std::size_t>(exponent), '0');
-    if (exponent < 0) {
-        const auto places = static_cast<std::size_t>(-exponent);
-        if (digits.size() <= places) digits.insert(0, places + 1 - digits.size(), '0');
-        digits.insert(digits.size() - places, 1, '.');
-    }
-    return IsNegative() ? '-' + digits : digits;
-}
-
-double Decimal::ToDouble() const noexcept {
-    std::array<char, kDigits + 14> text;
-    const char* const start = decNumberToString(Of(*this), text.data());
-    const std::string_view all(start);
-    double value = 0.0;
-    const auto [end, error] = std::from_chars(all.data(), all.data() + all.size(), value);
-    if (error != std::errc::result_out_of_range) return value;
-    const double nearest = Magnitude() > 0 ? HUGE_VAL : 0.0;
-    return IsNegative() ? -nearest : nearest;
-}
-
-bool Decimal::IsNan() const noexcept { return decNumberIsNaN(Of(*this)); }
-bool Decimal::IsInfinite() const noexcept { return decNumberIsInfinite(Of(*this)); }
-bool Decimal::IsZero() const noexcept { return decNumberIsZero(Of(*this)); }
-bool Decimal::IsNegative() const noexcept { return decNumberIsNegative(Of(*this)); }
-int Decimal::Digits() const noexcept { return Of(*this)->digits; }
-int Decimal::Exponent() const noexcept { return Of(*this)->exponent; }
+int Decimal::Digits() const noexcept { return DigitsOf(DecimalAccess::CoefficientOf(*this)); }
 
 bool Decimal::IsInteger() const noexcept {
     return IsFinite() && (IsZero() || Exponent() >= 0 || Reduced().Exponent() >= 0);
 }
 
 Decimal Decimal::operator-() const noexcept {
-    Decimal value;
-    decNumberCopyNegate(Of(value), Of(*this));
+    Decimal value = *this;
+    value.m_bits ^= kNegative;
     return value;
 }
 
 Decimal Decimal::Absolute() const noexcept {
-    Decimal value;
-    decNumberCopyAbs(Of(value), Of(*this));
+    Decimal value = *this;
+    value.m_bits &= static_cast<std::uint8_t>(~kNegative);
     return value;
 }
 
 Decimal Decimal::Reduced() const noexcept {
+    Decimal result;
+    if (ReduceFast(*this, result)) return result;
     decContext context = kDecimalContext;
-    Decimal value;
-    decNumberReduce(Of(value), Of(*this), &context);
-    return value;
+    DecNumber reduced;
+    decNumberReduce(reduced.Get(), NumberOf(*this).Get(), &context);
+    return DecimalOf(reduced.Get());
 }
 
 Decimal Add(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept {
-    return Computed<decNumberAdd>(a, b, flags);
+    Decimal result;
+    if (!AddFast(a, b, false, result, flags)) result = Slowly(decNumberAdd, a, b, flags);
+    return result;
 }
 Decimal Subtract(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept {
-    return Computed<decNumberSubtract>(a, b, flags);
+    Decimal result;
+    if (!AddFast(a, b, true, result, flags)) result = Slowly(decNumberSubtract, a, b, flags);
+    return result;
 }
 Decimal Multiply(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept {
-    return Computed<decNumberMultiply>(a, b, flags);
+    Decimal result;
+    if (!MultiplyFast(a, b, result, flags)) result = Slowly(decNumberMultiply, a, b, flags);
+    return result;
 }
 Decimal Divide(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept {
-    return Computed<decNumberDivide>(a, b, flags);
+    Decimal result;
+    if (!DivideFast(a, b, result, flags)) result = Slowly(decNumberDivide, a, b, flags);
+    return result;
 }
 Decimal Remainder(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept {
-    return Computed<decNumberRemainder>(a, b, flags);
+    Decimal result;
+    if (!RemainderFast(a, b, result)) result = Slowly(decNumberRemainder, a, b, flags);
+    return result;
 }
 
 Decimal SquareRoot(const Decimal& a, DecimalFlags& flags) noexcept {
     decContext context = kDecimalContext;
-    Decimal result;
-    decNumberSquareRoot(Of(result), Of(a), &context);
+    DecNumber result;
+    decNumberSquareRoot(result.Get(), NumberOf(a).Get(), &context);
     AddFlags(flags, context.status);
-    return result;
+    return DecimalOf(result.Get());
 }
 
 Decimal RoundTo(const Decimal& a, int exponent, DecimalRounding rounding, DecimalFlags& flags) noexcept {
-    decContext context = kDecimalContext;
-    context.round = ModeOf(rounding);
-    const Decimal pattern = Decimal(1);
-    Decimal last = pattern;
-    Of(last)->exponent = std::clamp(exponent, -20'000, 20'000);
     Decimal result;
-    decNumberQuantize(Of(result), Of(a), Of(last), &context);
-    AddFlags(flags, context.status);
-    return result;
+    if (RoundToFast(a, exponent, rounding, result, flags)) return result;
+    const Decimal last = DecimalAccess::Finite(false, 1, Bounded(exponent));
+    return Slowly(decNumberQuantize, a, last, flags, ModeOf(rounding));
 }
 
 std::partial_ordering operator<=>(const Decimal& a, const Decimal& b) noexcept {
-    decContext context = kDecimalContext;
-    Decimal order;
-    decNumberCompare(Of(order), Of(a), Of(b), &context);
-    if (order.IsNan()) return std::partial_ordering::unordered;
-    if (order.IsZero()) return std::partial_ordering::equivalent;
-    return order.IsNegative() ? std::partial_ordering::less : std::partial_ordering::greater;
+    if (a.IsNan() || b.IsNan()) return std::partial_ordering::unordered;
+    if (a.IsFinite() && b.IsFinite()) return CompareFinite(a, b);
+    const auto side = [](const Decimal& value) { return value.IsFinite() ? 0 : value.IsNegative() ? -1 : 1; };
+    return side(a) <=> side(b);
 }
 
 bool operator==(const Decimal& a, const Decimal& b) noexcept { return (a <=> b) == 0; }

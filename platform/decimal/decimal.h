@@ -1,8 +1,6 @@
 #pragma once
 
-#include <array>
 #include <compare>
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -43,12 +41,12 @@ enum class DecimalRounding {
 /// exist. Digits at the end are kept as they come: 1.20 and 1.2 are equal, and are written differently.
 ///
 /// Results are the exact ones rounded once, half to even. Nothing is thrown; what happened is in DecimalFlags. A value
-/// is 36 bytes without memory of its own.
+/// is 24 bytes without memory of its own.
 class QELLIB10_API Decimal {
 public:
     static constexpr int kDigits = 34;
 
-    Decimal() noexcept;  ///< 0
+    Decimal() noexcept = default;  ///< 0
     explicit Decimal(std::int64_t value) noexcept;
 
     /// A number as in "-12.50", "1e-3", "Infinity" or "NaN", in ASCII, without blanks. What has more than 34 digits is
@@ -68,17 +66,17 @@ public:
     /// The nearest double.
     double ToDouble() const noexcept;
 
-    bool IsNan() const noexcept;
-    bool IsInfinite() const noexcept;
-    bool IsFinite() const noexcept { return !IsNan() && !IsInfinite(); }
-    bool IsZero() const noexcept;
-    bool IsNegative() const noexcept;  ///< also -0
+    bool IsNan() const noexcept { return (m_bits & kNan) != 0; }
+    bool IsInfinite() const noexcept { return (m_bits & kInfinite) != 0; }
+    bool IsFinite() const noexcept { return (m_bits & (kNan | kInfinite)) == 0; }
+    bool IsZero() const noexcept { return (m_low | m_high) == 0 && IsFinite(); }
+    bool IsNegative() const noexcept { return (m_bits & kNegative) != 0; }  ///< also -0
     /// Whether it is a whole number, however it is written.
     bool IsInteger() const noexcept;
     /// Significant digits that are kept, 1 to 34.
     int Digits() const noexcept;
     /// The power of ten of the last digit that is kept.
-    int Exponent() const noexcept;
+    int Exponent() const noexcept { return m_exponent; }
     /// The power of ten of the first digit; 0 for zero.
     int Magnitude() const noexcept { return IsZero() ? 0 : Exponent() + Digits() - 1; }
 
@@ -106,7 +104,12 @@ public:
 
 private:
     friend struct DecimalAccess;
-    alignas(4) std::array<std::byte, 36> m_number;  // decNumber's form
+    // As in decNumber; the two of NaN are a quiet and a signalling one.
+    static constexpr std::uint8_t kNegative = 0x80, kInfinite = 0x40, kNan = 0x30;
+
+    std::uint64_t m_low = 0, m_high = 0;  // the coefficient, below 10 to the power 34; of NaN its payload
+    std::int32_t m_exponent = 0;
+    std::uint8_t m_bits = 0;
 };
 
 QELLIB10_API Decimal Add(const Decimal& a, const Decimal& b, DecimalFlags& flags) noexcept;

@@ -17,7 +17,7 @@ constexpr int kMostDigits = 1000;
 // decNumber's functions are right to one unit in the last place, and powers to ten.
 constexpr int kUnitsOfError = 20;
 
-using Wide = DecDigits<kMostDigits>;
+using ManyDigits = DecDigits<kMostDigits>;
 
 decContext WideContext(int digits) noexcept {
     return {digits, DEC_MAX_MATH, -DEC_MAX_MATH, DEC_ROUND_HALF_EVEN, 0, 0, 0};
@@ -25,16 +25,16 @@ decContext WideContext(int digits) noexcept {
 
 Decimal Rounded(const decNumber* exact, std::uint32_t before, DecimalFlags& flags) noexcept {
     decContext context = kDecimalContext;
-    DecDigits<Decimal::kDigits> rounded;
+    DecNumber rounded;
     decNumberPlus(rounded.Get(), exact, &context);
     AddFlags(flags, context.status | before);
-    return DecimalAccess::From(rounded.Get());
+    return DecimalOf(rounded.Get());
 }
 
 // Whether all numbers as near to the computed one as its error are rounded to the same.
-bool IsDecided(const Wide& computed, int digits) noexcept {
+bool IsDecided(const ManyDigits& computed, int digits) noexcept {
     decContext context = WideContext(digits + 3);
-    Wide error, edge;
+    ManyDigits error, edge;
     decNumberFromInt32(error.Get(), kUnitsOfError);
     error.number.exponent = computed.number.exponent;
     DecimalFlags ignored;
@@ -50,7 +50,7 @@ template <class Compute> Decimal CorrectlyRounded(Compute compute, DecimalFlags&
         DEC_Overflow | DEC_Underflow | DEC_Division_by_zero | DEC_IEEE_754_Invalid_operation;
     for (int digits = kFirstDigits;; digits = std::min(digits * 2, kMostDigits - 3)) {
         decContext context = WideContext(digits);
-        Wide result;
+        ManyDigits result;
         compute(result.Get(), context);
         const bool isExact = (context.status & DEC_Inexact) == 0;
         const bool isEnd = isExact || (context.status & kEnds) != 0 || decNumberIsSpecial(result.Get());
@@ -62,8 +62,9 @@ template <class Compute> Decimal CorrectlyRounded(Compute compute, DecimalFlags&
 using Function = decNumber* (*)(decNumber*, const decNumber*, decContext*);
 
 template <Function kFunction> Decimal Computed(const Decimal& a, DecimalFlags& flags) {
-    return CorrectlyRounded(
-        [&](decNumber* result, decContext& context) { kFunction(result, DecimalAccess::Of(a), &context); }, flags);
+    const DecNumber number = NumberOf(a);
+    return CorrectlyRounded([&](decNumber* result, decContext& context) { kFunction(result, number.Get(), &context); },
+                            flags);
 }
 
 bool IsOdd(const Decimal& whole) noexcept {
@@ -77,7 +78,7 @@ int DenominatorOf(const Decimal& number) noexcept {
     constexpr int kMost = 10'000;
     Decimal whole = number.Reduced();
     const int places = std::max(-whole.Exponent(), 0);
-    DecimalAccess::Of(whole)->exponent = 0;
+    whole = DecimalAccess::Finite(whole.IsNegative(), DecimalAccess::CoefficientOf(whole), 0);
     DecimalFlags ignored;
     int denominator = 1;
     for (const int prime : {2, 5}) {
@@ -95,15 +96,15 @@ int DenominatorOf(const Decimal& number) noexcept {
 // The root of a positive number, where it is exact.
 std::optional<Decimal> ExactRoot(const Decimal& number, int degree) {
     decContext context = WideContext(kFirstDigits);
-    Wide root, power;
-    decNumberDivide(power.Get(), DecimalAccess::Of(Decimal(1)), DecimalAccess::Of(Decimal(degree)), &context);
-    decNumberPower(root.Get(), DecimalAccess::Of(number), power.Get(), &context);
+    ManyDigits root, power;
+    decNumberDivide(power.Get(), NumberOf(Decimal(1)).Get(), NumberOf(Decimal(degree)).Get(), &context);
+    decNumberPower(root.Get(), NumberOf(number).Get(), power.Get(), &context);
     DecimalFlags ignored;
     const Decimal nearest = Rounded(root.Get(), 0, ignored).Reduced();
     // A root with more digits has a power with more than fit.
     if (!nearest.IsFinite() || nearest.Digits() > Decimal::kDigits / 2 + 1) return {};
     context = WideContext(kFirstDigits);
-    decNumberPower(power.Get(), DecimalAccess::Of(nearest), DecimalAccess::Of(Decimal(degree)), &context);
+    decNumberPower(power.Get(), NumberOf(nearest).Get(), NumberOf(Decimal(degree)).Get(), &context);
     if ((context.status & DEC_Inexact) != 0) return {};
     return Rounded(power.Get(), 0, ignored) == number ? std::optional(nearest) : std::nullopt;
 }
@@ -111,7 +112,7 @@ std::optional<Decimal> ExactRoot(const Decimal& number, int degree) {
 Decimal PowerOf(const Decimal& base, const Decimal& exponent, DecimalFlags& flags) {
     return CorrectlyRounded(
         [&](decNumber* result, decContext& context) {
-            decNumberPower(result, DecimalAccess::Of(base), DecimalAccess::Of(exponent), &context);
+            decNumberPower(result, NumberOf(base).Get(), NumberOf(exponent).Get(), &context);
         },
         flags);
 }
@@ -146,10 +147,10 @@ Decimal BinaryLogarithm(const Decimal& a, DecimalFlags& flags) {
     if (isPositive && Power(Decimal(2), Decimal(nearest), ignored) == a && !ignored.isInexact) return Decimal(nearest);
     return CorrectlyRounded(
         [&](decNumber* result, decContext& context) {
-            Wide two;
-            decNumberLn(two.Get(), DecimalAccess::Of(Decimal(2)), &context);
+            ManyDigits two;
+            decNumberLn(two.Get(), NumberOf(Decimal(2)).Get(), &context);
             context.status = 0;
-            decNumberLn(result, DecimalAccess::Of(a), &context);
+            decNumberLn(result, NumberOf(a).Get(), &context);
             decNumberDivide(result, result, two.Get(), &context);
         },
         flags);
