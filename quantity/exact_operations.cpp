@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <vector>
 
 #include "qellib10/platform/decimal/decimal_functions.h"
 #include "qellib10/quantity/formula_constants.h"
@@ -17,15 +18,23 @@ using Operation = FormulaOperation;
     throw FormulaError{kind, step.position, step.length, {}, {}, {}};
 }
 
-// Flags of one operation join those of all once its result is found to be a number.
-Decimal Checked(const FormulaStep& step, const Decimal& result, const DecimalFlags& happened, DecimalFlags& flags) {
-    if (happened.isDividedByZero)
+// Only called for what is not finite.
+[[noreturn]] void RefuseResult(const FormulaStep& step, const Decimal& result, const DecimalFlags& flags) {
+    if (flags.isDividedByZero)
         Refuse(step, step.operation == Operation::kDivide ? Kind::kDividedByZero : Kind::kUndefined);
     if (result.IsNan()) Refuse(step, Kind::kUndefined);
     const bool isLogarithm = step.operation >= Operation::kLn && step.operation <= Operation::kLog2;
-    if (result.IsInfinite()) Refuse(step, isLogarithm ? Kind::kUndefined : Kind::kTooLarge);
-    flags.Join(happened);
-    return result;
+    Refuse(step, isLogarithm ? Kind::kUndefined : Kind::kTooLarge);
+}
+
+const Decimal& Constant(std::size_t index) {
+    static const std::vector<Decimal> constants = [] {
+        std::vector<Decimal> values;
+        DecimalFlags exact;
+        for (const FormulaConstant& each : FormulaConstants()) values.push_back(Decimal::OfText(each.value, exact));
+        return values;
+    }();
+    return constants[index];
 }
 
 Decimal Truth(bool isTrue) { return Decimal(isTrue ? 1 : 0); }
@@ -86,34 +95,34 @@ Decimal Two(const FormulaStep& step, const Decimal& left, const Decimal& right, 
 
 }  // namespace
 
-Decimal WrittenOperand(const FormulaProgram& program, const FormulaStep& step, DecimalFlags& flags) {
-    if (step.operation == Operation::kConstant) return Decimal::OfText(FormulaConstants()[step.index].value, flags);
+const Decimal& WrittenOperand(const FormulaProgram& program, const FormulaStep& step, DecimalFlags& flags) {
+    if (step.operation == Operation::kConstant) return Constant(step.index);
     const WrittenNumber& number = program.numbers[step.index];
-    flags.isInexact |= number.isInexact;
+    if (number.isInexact) flags.isInexact = true;
     return number.value;
 }
 
 Decimal ExactOne(const FormulaProgram& program, const FormulaStep& step, const Decimal& value, DecimalFlags& flags) {
-    DecimalFlags happened;
-    const Decimal result = One(program, step, value, happened);
-    return Checked(step, result, happened, flags);
+    Decimal result = One(program, step, value, flags);
+    if (!result.IsFinite()) RefuseResult(step, result, flags);
+    return result;
 }
 
 Decimal ExactTwo(const FormulaStep& step, const Decimal& left, const Decimal& right, DecimalFlags& flags) {
-    DecimalFlags happened;
-    const Decimal result = Two(step, left, right, happened);
-    return Checked(step, result, happened, flags);
+    Decimal result = Two(step, left, right, flags);
+    if (!result.IsFinite()) RefuseResult(step, result, flags);
+    return result;
 }
 
 Decimal ExactMany(const FormulaStep& step, std::span<const Decimal> values, DecimalFlags& flags) {
     if (step.operation == Operation::kMin) return *std::ranges::min_element(values, std::less<>());
     if (step.operation == Operation::kMax) return *std::ranges::max_element(values, std::less<>());
-    DecimalFlags happened;
     Decimal result = values.front();
-    for (const Decimal& value : values.subspan(1)) result = Add(result, value, happened);
+    for (const Decimal& value : values.subspan(1)) result = Add(result, value, flags);
     if (step.operation == Operation::kMean)
-        result = Divide(result, Decimal(static_cast<std::int64_t>(values.size())), happened);
-    return Checked(step, result, happened, flags);
+        result = Divide(result, Decimal(static_cast<std::int64_t>(values.size())), flags);
+    if (!result.IsFinite()) RefuseResult(step, result, flags);
+    return result;
 }
 
 }  // namespace qel

@@ -9,8 +9,8 @@ namespace qel {
 
 // The steps of a formula on exact numbers; a truth is 1 or 0. Each adds what happened to the flags.
 
-/// The operand of a number or a constant.
-Decimal WrittenOperand(const FormulaProgram& program, const FormulaStep& step, DecimalFlags& flags);
+/// The operand of a number or a constant; it is the program's, or stays.
+const Decimal& WrittenOperand(const FormulaProgram& program, const FormulaStep& step, DecimalFlags& flags);
 
 /// @throws FormulaError where there is no finite result
 Decimal ExactOne(const FormulaProgram& program, const FormulaStep& step, const Decimal& value, DecimalFlags& flags);

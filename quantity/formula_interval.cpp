@@ -86,7 +86,8 @@ public:
     }
 
     Known Many(const FormulaStep& step, std::span<const Known> values) {
-        if (step.operation == Operation::kSum) {
+        const bool areNumbers = std::ranges::all_of(values, &Known::IsNumber);
+        if (step.operation == Operation::kSum && !areNumbers) {
             Interval sum = values.front().range;
             for (const Known& value : values.subspan(1)) sum = Sum(sum, value.range, m_happened);
             return {sum, false};

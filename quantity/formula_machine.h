@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <memory_resource>
 #include <span>
 #include <utility>
 #include <vector>
@@ -29,6 +31,8 @@ public:
         : m_program(program), m_arithmetic(arithmetic) {
         m_stack.reserve(program.stack);
     }
+    FormulaMachine(const FormulaMachine&) = delete;
+    FormulaMachine& operator=(const FormulaMachine&) = delete;
 
     /// @throws FormulaError
     Value Run() {
@@ -38,7 +42,7 @@ public:
                 at = After(at, step);
                 continue;
             }
-            m_stack.push_back(Computed(step));
+            Compute(step);
             m_arithmetic.Check(step, m_stack.back());
             ++at;
         }
@@ -72,22 +76,29 @@ private:
         }
     }
 
-    Value Computed(const FormulaStep& step) {
-        if (TakesOne(step.operation)) return m_arithmetic.One(step, Taken());
-        if (TakesTwo(step.operation)) {
-            const Value right = Taken();
-            return m_arithmetic.Two(step, Taken(), right);
+    void Compute(const FormulaStep& step) {
+        if (TakesOne(step.operation)) {
+            m_stack.back() = m_arithmetic.One(step, m_stack.back());
+        } else if (TakesTwo(step.operation)) {
+            Value& left = *(m_stack.end() - 2);
+            left = m_arithmetic.Two(step, left, m_stack.back());
+            m_stack.pop_back();
+        } else if (TakesMany(step.operation)) {
+            const auto first = m_stack.end() - static_cast<std::ptrdiff_t>(step.index);
+            *first = m_arithmetic.Many(step, std::span<const Value>(first, m_stack.end()));
+            m_stack.erase(first + 1, m_stack.end());
+        } else {
+            m_stack.push_back(m_arithmetic.Start(step));
         }
-        if (!TakesMany(step.operation)) return m_arithmetic.Start(step);
-        const std::size_t first = m_stack.size() - step.index;
-        Value result = m_arithmetic.Many(step, std::span<const Value>(m_stack).subspan(first));
-        m_stack.erase(m_stack.begin() + static_cast<std::ptrdiff_t>(first), m_stack.end());
-        return result;
     }
 
+    static constexpr std::size_t kUsual = 12;  // values on the stack; more take memory
+
+    alignas(Value) std::array<std::byte, kUsual * sizeof(Value)> m_memory;
+    std::pmr::monotonic_buffer_resource m_resource{m_memory.data(), m_memory.size()};
+    std::pmr::vector<Value> m_stack{&m_resource};
     const FormulaProgram& m_program;
     Arithmetic& m_arithmetic;
-    std::vector<Value> m_stack;
 };
 
 }  // namespace qel
