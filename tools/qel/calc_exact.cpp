@@ -139,7 +139,8 @@ void ExactCalculation::Run(const std::string& formula, const std::vector<std::st
         calculation.substitution = *qel::LimitSubstitutionOf(substitution);
         if (!rule.empty()) calculation.rule = RuleOf(rule);
         if (!lower.empty() || !upper.empty()) {
-            const std::optional<qel::DecisionRule> named = qel::DecisionRule::OfName(decision);
+            const auto named = decision.empty() ? std::optional(qel::DecisionRule::SimpleAcceptance())
+                                                : qel::DecisionRule::OfName(decision);
             if (!named)
                 throw CLI::ValidationError("--decision: \"" + decision +
                                            "\" is no rule: " + qel::DecisionRule::SimpleAcceptance().Name() + ", \"" +

@@ -14,7 +14,7 @@ struct ExactCalculation {
     std::string tracePath, newTracePath, calculationPath;
     std::vector<std::string> helpers;
     double probability = 0.9545, factor = 0.0;
-    std::string lower, upper, decision = "simple acceptance";
+    std::string lower, upper, decision;
     std::size_t trials = 0;
     std::uint64_t seed = 1;
     bool isKept = false, comparesUnrounded = false, showsSteps = false;
