@@ -59,7 +59,7 @@ TEST(FormulaExact, HasDecimalsAndSaysWhatIsInexact) {
              {"ln(ZERO)", "the result is not defined at character 1: \"ln\""},
              {"sqrt(NEG)", "the result is not defined at character 1: \"sqrt\""},
              {"A ^ 7000", "the number is too large at character 3: \"^\""},
-             {"LOW + sum(9e6144, 9e6144)", "the number is too large at character 7: \"sum\""},
+             {"LOW + sum(A ^ 6144 * 9, A ^ 6144 * 9)", "the number is too large at character 7: \"sum\""},
          })
         EXPECT_EQ(Answer(text), expected) << text;
 }
