@@ -50,6 +50,8 @@ std::string FormulaError::Text(std::string_view formula) const {
         case Kind::kUncertainty:
             return "the uncertainty cannot be computed" + (quoted.empty() ? "" : place + quoted) + ", because of " +
                    expected;
+        case Kind::kUnit:
+            return "the units do not go together" + place + quoted + ": " + expected;
     }
     return {};
 }

@@ -25,6 +25,7 @@ struct QELLIB10_API FormulaError {
         kUndecided,    ///< a condition depends on a reading that is a limit, missing or invalid
         kReading,      ///< a reading is missing, invalid or a limit where a value is needed
         kCycle,        ///< a formula needs its own result
+        kUnit,         ///< units that do not go together
         kUncertainty,  ///< an uncertainty, a correlation or an option is not valid; expected says which
     };
 

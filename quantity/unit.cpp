@@ -90,6 +90,8 @@ void Unit::NameByValue() {
 
 std::optional<Unit> Unit::Combined(const Unit& a, const Unit& b, int sign) {
     if (a.HasOffset() || b.HasOffset()) return {};
+    if (b.m_terms.empty()) return a;
+    if (a.m_terms.empty() && sign > 0) return b;
     const std::optional<UnitValue> value =
         sign > 0 ? MultiplyValues(a.m_value, b.m_value) : DivideValues(a.m_value, b.m_value);
     if (!value) return {};

@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// Makes units of one symbol, for the parser.
+/// Makes units that are not products of others.
 class UnitMaker {
 public:
     static Unit Named(std::string symbol, const UnitValue& value, const Decimal& offset = Decimal()) {
@@ -14,6 +14,14 @@ public:
         unit.m_value = value;
         unit.m_offset = offset;
         unit.m_terms.push_back({std::move(symbol), value, 1});
+        return unit;
+    }
+
+    /// Without an offset: of °C it is K.
+    static Unit OfValue(const UnitValue& value) {
+        Unit unit;
+        unit.m_value = value;
+        unit.NameByValue();
         return unit;
     }
 

@@ -1,0 +1,184 @@
+#include "qellib10/quantity/formula_units.h"
+
+#include <cmath>
+
+#include "../support/test.h"
+#include "qellib10/quantity/formula.h"
+#include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/formula_double.h"
+
+namespace {
+
+using qel::FormulaError;
+using qel::Unit;
+
+struct Variable {
+    const char* name;
+    double value;
+    const char* unit;
+};
+const std::vector<Variable> kVariables = {
+    {"EP", 12.5, "mL"},      {"BLANK", 0.0005, "L"}, {"C", 0.1, "mol/L"},
+    {"M", 40, "g/mol"},      {"SAMPLE", 500, "mg"},  {"T", 25, "°C"},
+    {"T2", 20, "°C"},        {"F", 77, "degF"},      {"DT", 5, "K"},
+    {"W", 5, "%(m/m)"},      {"V", 2, "%(v/v)"},     {"TIME", 2, "min"},
+    {"SEC", 30, "s"},        {"N", 3, "1"},          {"PH", 7, "pH"},
+    {"P", 4, "%"},           {"AREA", 4, "cm^2"},    {"KOH", 56.11, "mgKOH/mmol"},
+    {"PPM", 10, "ppm(m/m)"}, {"TEN", 10, "times"},
+};
+
+// The value and the unit of the result, or the error in words.
+std::string Answer(const std::string& text, const char* wanted = nullptr) {
+    qel::FormulaScope scope;
+    std::vector<Unit> units;
+    std::vector<double> values;
+    std::string fault;
+    for (const Variable& each : kVariables) {
+        scope.Add(each.name);
+        units.push_back(Unit::Parse(each.unit, fault).value());
+        values.push_back(each.value);
+    }
+    FormulaError error;
+    const std::optional<qel::Formula> formula = qel::Formula::Parse(text, scope, error);
+    if (!formula) return "not parsed: " + error.Text(text);
+    const auto unit = wanted != nullptr ? Unit::Parse(wanted, fault) : std::nullopt;
+    const auto bound = qel::BindUnits(qel::ProgramOf(*formula), units, unit, error);
+    if (!bound) return error.kind == FormulaError::Kind::kUnit ? error.Text(text) : "another error";
+    const std::optional<double> value = qel::EvaluatePlainly(bound->program, values, error);
+    if (!value) return error.Text(text);
+    EXPECT_NEAR(qel::FastFormula(bound->program).Evaluate(values.data()), *value, std::abs(*value) * 1e-14) << text;
+    char shown[32];
+    std::snprintf(shown, sizeof shown, "%.10g", *value);
+    for (char* at = shown; *at != '\0'; ++at)
+        if (*at == ',') *at = '.';
+    return shown + (" " + bound->unit.Text());
+}
+
+std::string Refusal(const std::string& place, const std::string& reason) {
+    return "the units do not go together at character " + place + ": " + reason;
+}
+
+}  // namespace
+
+TEST(FormulaUnits, OperandsAreConverted) {
+    for (const auto& [text, expected] : Cases<const char*, const char*>{
+             {"EP - BLANK", "12 mL"},
+             {"BLANK - EP", "-0.012 L"},
+             {"(EP - BLANK) * C", "1.2 mL*mol/L"},
+             {"TIME + SEC", "2.5 min"},
+             {"TIME > SEC", "1 1"},
+             {"SEC < TIME and EP > BLANK or TIME = SEC", "1 1"},
+             {"if(TIME > SEC, SEC, TIME)", "30 s"},
+             {"if(TIME < SEC, SEC, TIME)", "120 s"},
+             {"if(TIME < SEC, SEC, if(TIME > SEC, TIME, SEC))", "120 s"},
+             {"if(TIME > SEC, if(TIME < SEC, TIME, SEC), TIME) + SEC", "1 min"},
+             {"if(TIME > SEC, SEC, 0)", "30 s"},
+             {"if(TIME < SEC, 0, SEC) + TIME", "150 s"},
+             {"min(SEC, TIME, SEC + TIME)", "30 s"},
+             {"max(TIME, SEC, if(TIME > SEC, SEC, TIME))", "2 min"},
+             {"mean(TIME, SEC, max(SEC, TIME), SEC)", "1.25 min"},
+             {"sum(TIME, sum(SEC, TIME), SEC) * N", "15 min"},
+             {"max(0, 0, BLANK - EP)", "0 L"},
+             {"EP > 0 and 0 < EP", "1 1"},
+             {"sqrt(AREA) + 2 * AREA ^ 0.5", "6 cm"},
+             {"AREA ^ 1.5 / AREA ^ -1", "32 cm^5"},
+             {"exp(W) - exp(0.05)", "0 1"},
+             {"log10(SAMPLE / (N * SAMPLE))", "-0.4771212547 1"},
+             {"N ^ W", "1.056467309 1"},
+             {"W ^ N ^ 2 * 1e12", "1.953125 1"},
+             {"round(EP, 0) + abs(-BLANK)", "13.5 mL"},
+             {"W + PPM", "5.001 %(m/m)"},
+             {"1 - SAMPLE / (N * SAMPLE)", "0.6666666667 g/g"},
+             {"-PH + 0", "-7 pH"},
+         })
+        EXPECT_EQ(Answer(text), expected) << text;
+    EXPECT_EQ(Answer("const.R * (T - T2)", "J/mol"), "41.57231309 J/mol");
+}
+
+TEST(FormulaUnits, TemperaturesDifferFromDifferences) {
+    for (const auto& [text, expected] : Cases<const char*, std::string>{
+             {"T - T2", "5 K"},
+             {"T - F", "0 K"},
+             {"F - T2", "9 K/1.8"},
+             {"T + DT", "30 °C"},
+             {"DT + T", "30 °C"},
+             {"DT + F", "86 degF"},
+             {"F - DT", "68 degF"},
+             {"T >= F", "1 1"},
+             {"mean(T, F, T2)", "23.33333333 °C"},
+             {"if(T > T2, T2, F) - T", "-5 K"},
+             {"T + T2",
+              Refusal("3: \"+\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
+             {"2 * T",
+              Refusal("3: \"*\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
+             {"-T",
+              Refusal("1: \"-\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
+             {"T ^ 2",
+              Refusal("3: \"^\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
+             {"DT - T",
+              Refusal("4: \"-\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
+             {"sum(T, T2)",
+              Refusal("1: \"sum\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
+             {"T + 5", Refusal("3: \"+\"", "°C and a number without unit cannot be added")},
+             {"T > 0", Refusal("3: \">\"", "°C and a number without unit cannot be compared")},
+         })
+        EXPECT_EQ(Answer(text), expected) << text;
+}
+
+TEST(FormulaUnits, DifferentDimensionsHaveTheirPlace) {
+    for (const auto& [text, expected] : Cases<const char*, std::string>{
+             {"EP + SAMPLE", Refusal("4: \"+\"", "mL and mg cannot be added")},
+             {"N * (EP - SAMPLE)", Refusal("9: \"-\"", "mL and mg cannot be subtracted")},
+             {"EP > 5", Refusal("4: \">\"", "mL and a number without unit cannot be compared")},
+             {"if(N > 1, EP, SAMPLE)", Refusal("1: \"if\"", "mL and mg cannot be branches of if")},
+             {"max(EP, SAMPLE)", Refusal("1: \"max\"", "mL and mg cannot be in one max")},
+             {"ln(EP)", Refusal("1: \"ln\"", "ln needs a number or a ratio of like units, not mL")},
+             {"10 ^ PH", Refusal("4: \"^\"", "^ needs a number or a ratio of like units, not pH")},
+             {"EP ^ N", Refusal("4: \"^\"", "mL needs a whole number as its exponent, which gives a unit")},
+             {"EP ^ 0.5", Refusal("4: \"^\"", "mL needs a whole number as its exponent, which gives a unit")},
+             {"sqrt(EP)", Refusal("1: \"sqrt\"", "mL has no square root")},
+             {"W + V", Refusal("3: \"+\"", "%(m/m) and %(v/v) cannot be added")},
+             {"100 - W", Refusal("5: \"-\"", "a number without unit and %(m/m) cannot be subtracted")},
+             {"W + P", Refusal("3: \"+\"", "%(m/m) and % cannot be added")},
+             {"TEN + 1", Refusal("5: \"+\"", "times and a number without unit cannot be added")},
+             {"EP ^ 30 * EP ^ 30", Refusal("9: \"*\"", "the unit of the result is out of range")},
+         })
+        EXPECT_EQ(Answer(text), expected) << text;
+}
+
+TEST(FormulaUnits, TheResultHasTheWantedUnit) {
+    for (const auto& [text, wanted, expected] : Cases<const char*, const char*, std::string>{
+             {"(EP - BLANK) * C * M / SAMPLE", "%(m/m)", "9.6 %(m/m)"},
+             {"C * M / SAMPLE * (EP - BLANK)", "%(m/m)", "9.6 %(m/m)"},
+             {"(EP - BLANK) * C / SAMPLE", "mmol/g", "2.4 mmol/g"},
+             {"(EP - BLANK) * C * KOH / SAMPLE", "mgKOH/g", "134.664 mgKOH/g"},
+             {"T", "K", "298.15 K"},
+             {"T", "degF", "77 degF"},
+             {"if(N > 1, TIME, SEC)", "s", "120 s"},
+             {"0", "mL", "0 mL"},
+             {"W", "1", "0.05 1"},
+             {"EP > BLANK", nullptr, "1 1"},
+             {"(EP - BLANK) * C * M / SAMPLE", "%",
+              Refusal("2: \"EP - BLANK) * C * M / SAMPLE\"",
+                      "g/g is not converted to %, which needs a basis, as in %(m/m)")},
+             {"(EP - BLANK) * C * M / SAMPLE", "%(v/v)",
+              Refusal("2: \"EP - BLANK) * C * M / SAMPLE\"", "g/g is not converted to %(v/v)")},
+             {"5", "mL", Refusal("1: \"5\"", "a number without unit is not converted to mL")},
+             {"EP > BLANK", "mL", Refusal("1: \"EP > BLANK\"", "a condition has no unit")},
+         })
+        EXPECT_EQ(Answer(text, wanted), expected) << text;
+}
+
+// Whatever is converted within, a step that a jump lands on is still the one that it landed on.
+TEST(FormulaUnits, EveryBranchIsConvertedOnce) {
+    for (const char* first : {"TIME", "SEC", "0", "N * TIME", "max(SEC, TIME)"})
+        for (const char* second : {"SEC", "TIME", "if(N > 5, SEC, TIME)", "if(N < 5, TIME, SEC) + SEC"})
+            for (const char* condition :
+                 {"TIME > SEC", "SEC > TIME", "SEC > TIME or TIME > SEC", "SEC > TIME and N > 1"}) {
+                const std::string a = first, b = second, c = condition;
+                const std::string chosen = Answer(c) == "1 1" ? a : b;
+                const std::string expected = Answer("SEC + " + chosen);
+                EXPECT_EQ(Answer("SEC + if(" + c + ", " + a + ", " + b + ")"), expected) << a << b << c;
+                EXPECT_EQ(Answer("sum(SEC, if(" + c + ", " + a + ", " + b + "), 0)"), expected) << a << b << c;
+            }
+}
