@@ -13,49 +13,7 @@ Decimal Of(const std::string& text) {
     return Decimal::OfText(text, ignored);
 }
 
-// By the four rules in the order of DecimalRounding: half even, half away, truncation, away from zero.
-std::string ByEach(const std::string& value, RoundingRule (*rule)(DecimalRounding)) {
-    std::string all;
-    for (const DecimalRounding rounding : {DecimalRounding::kHalfEven, DecimalRounding::kHalfAwayFromZero,
-                                           DecimalRounding::kTowardZero, DecimalRounding::kAwayFromZero})
-        all += (all.empty() ? "" : " ") + rule(rounding).Round(Of(value)).rounded.Text();
-    return all;
-}
-
-template <int kPlaces> RoundingRule Places(DecimalRounding rounding) {
-    return RoundingRule::ToPlaces(rounding, kPlaces);
-}
-template <int kDigits> RoundingRule Digits(DecimalRounding rounding) {
-    return RoundingRule::ToDigits(rounding, kDigits);
-}
-RoundingRule Twentieths(DecimalRounding rounding) { return RoundingRule::ToMultiple(rounding, Of("0.05")); }
-RoundingRule Thirties(DecimalRounding rounding) { return RoundingRule::ToMultiple(rounding, Of("30")); }
-
 }  // namespace
-
-// Reckoned from the rules: JIS Z 8401 A and B, ASTM E29, the general notices of the pharmacopoeias.
-TEST(RoundingRule, RoundsByMagnitudeAndOnce) {
-    for (const auto& [value, rule, expected] : Cases<const char*, RoundingRule (*)(DecimalRounding), const char*>{
-             {"2.5", Places<0>, "2 3 2 3"},
-             {"3.5", Places<0>, "4 4 3 4"},
-             {"-2.5", Places<0>, "-2 -3 -2 -3"},
-             {"2.4999999999999999999999999999999", Places<0>, "2 2 2 3"},
-             {"2.4495", Places<1>, "2.4 2.4 2.4 2.5"},
-             {"12.25", Places<1>, "12.2 12.3 12.2 12.3"},
-             {"1250", Places<-2>, "1.2E+3 1.3E+3 1.2E+3 1.3E+3"},
-             {"0.1", Places<3>, "0.100 0.100 0.100 0.100"},
-             {"9.96", Digits<2>, "10 10 9.9 10"},
-             {"0.012345", Digits<4>, "0.01234 0.01235 0.01234 0.01235"},
-             {"0.000", Digits<2>, "0 0 0 0"},
-             {"1.225", Twentieths, "1.20 1.25 1.20 1.25"},
-             {"-1.276", Twentieths, "-1.30 -1.30 -1.25 -1.30"},
-             {"45", Thirties, "60 60 30 60"},
-             {"75", Thirties, "60 90 60 90"},
-             {"1e33", Places<1>, "NaN NaN NaN NaN"},
-             {"Infinity", Places<1>, "NaN NaN NaN NaN"},
-         })
-        EXPECT_EQ(ByEach(value, rule), expected) << value;
-}
 
 TEST(RoundingRule, TakesThePlaceOfTheUncertainty) {
     for (const auto& [value, uncertainty, digits, expected] : Cases<const char*, const char*, int, const char*>{
