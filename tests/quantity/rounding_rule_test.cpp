@@ -1,5 +1,11 @@
 #include "qellib10/quantity/rounding_rule.h"
 
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+
+#include "../support/soak.h"
 #include "../support/test.h"
 
 namespace {
@@ -14,6 +20,27 @@ Decimal Of(const std::string& text) {
 }
 
 }  // namespace
+
+TEST(RoundingRule, RoundsAsPythonsDecimalDoes) {
+    const int count = SoakCount(20'000);
+    const std::string command = QELLIB10_TEST_DATA "/../quantity/rounded_by_decimal " + std::to_string(count) + " " +
+                                std::to_string(SoakSeed());
+    const std::unique_ptr<FILE, int (*)(FILE*)> lines(::popen(command.c_str(), "r"), ::pclose);
+    ASSERT_TRUE(lines);
+    int tried = 0;
+    std::array<char, 256> line;
+    for (; std::fgets(line.data(), static_cast<int>(line.size()), lines.get()) != nullptr && !HasFailure(); ++tried) {
+        std::istringstream fields(line.data());
+        std::string name, value, expected;
+        std::getline(fields, name, '\t');
+        fields >> value >> expected;
+        const std::optional<RoundingRule> rule = RoundingRule::OfName(name);
+        ASSERT_TRUE(rule) << name;
+        EXPECT_EQ(rule->Round(Of(value)).rounded.Text(), expected) << name << ": " << value;
+    }
+    EXPECT_EQ(tried, count);
+    Tried("roundings", tried);
+}
 
 TEST(RoundingRule, TakesThePlaceOfTheUncertainty) {
     for (const auto& [value, uncertainty, digits, expected] : Cases<const char*, const char*, int, const char*>{
