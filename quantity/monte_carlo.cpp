@@ -32,11 +32,16 @@ std::vector<double> RunTrials(const TrialPlan& plan, std::size_t trials, unsigne
     std::vector<double> results(blocks * TrialPlan::kRows);
     std::vector<TrialPlan::Workspace> spaces(workers, TrialPlan::Workspace(plan));  // all memory before any thread
     std::atomic<std::size_t> next = 0;
+    std::atomic<bool> isOutOfMemory = false;
     const auto work = [&](TrialPlan::Workspace& space) {
-        for (std::size_t turn = next++; turn < turns; turn = next++) {
-            const std::size_t end = std::min((turn + 1) * kBlocksAtOnce, blocks);
-            for (std::size_t block = turn * kBlocksAtOnce; block < end; ++block)
-                space.Run(block, &results[block * TrialPlan::kRows]);
+        try {
+            for (std::size_t turn = next++; turn < turns && !isOutOfMemory; turn = next++) {
+                const std::size_t end = std::min((turn + 1) * kBlocksAtOnce, blocks);
+                for (std::size_t block = turn * kBlocksAtOnce; block < end; ++block)
+                    space.Run(block, &results[block * TrialPlan::kRows]);
+            }
+        } catch (const std::bad_alloc&) {
+            isOutOfMemory = true;
         }
     };
     {
@@ -48,6 +53,7 @@ std::vector<double> RunTrials(const TrialPlan& plan, std::size_t trials, unsigne
         }
         work(spaces[0]);
     }
+    if (isOutOfMemory) throw std::bad_alloc();
     results.resize(trials);
     return results;
 }
@@ -93,17 +99,9 @@ double ToleranceOf(double uncertainty, int digits) {
 std::optional<MonteCarloResult> PropagateDistributions(const FormulaProgram& program,
                                                        std::span<const UncertainInput> inputs,
                                                        const MonteCarloOptions& options, FormulaError& error) {
-    try {
-        if (!HasUncertainConstants(program)) return Run(program, inputs, options);
-        std::vector<UncertainInput> all(inputs.begin(), inputs.end());
-        const FormulaProgram varied = WithUncertainConstants(program, all);
-        return Run(varied, all, options);
-    } catch (const FormulaError& failure) {
-        error = failure;
-    } catch (const std::bad_alloc&) {
-        error = {Kind::kUncertainty, 0, 0, "too little memory for the trials", {}, {}};
-    }
-    return {};
+    return ComputedWithConstants(
+        program, inputs, error,
+        [&](const FormulaProgram& varied, std::span<const UncertainInput> all) { return Run(varied, all, options); });
 }
 
 std::optional<MonteCarloResult> PropagateDistributions(const Formula& formula, std::span<const UncertainInput> inputs,

@@ -119,15 +119,10 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
 std::optional<UncertaintyBudget> PropagateUncertainty(const FormulaProgram& program,
                                                       std::span<const UncertainInput> inputs,
                                                       const UncertaintyOptions& options, FormulaError& error) {
-    try {
-        if (!HasUncertainConstants(program)) return Budget(program, inputs, options);
-        std::vector<UncertainInput> all(inputs.begin(), inputs.end());
-        const FormulaProgram varied = WithUncertainConstants(program, all);
-        return Budget(varied, all, options);
-    } catch (const FormulaError& failure) {
-        error = failure;
-        return {};
-    }
+    return ComputedWithConstants(program, inputs, error,
+                                 [&](const FormulaProgram& varied, std::span<const UncertainInput> all) {
+                                     return Budget(varied, all, options);
+                                 });
 }
 
 std::optional<UncertaintyBudget> PropagateUncertainty(const Formula& formula, std::span<const UncertainInput> inputs,
