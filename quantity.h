@@ -13,6 +13,8 @@
 #include "qellib10/quantity/formula_set.h"
 #include "qellib10/quantity/limit_decision.h"
 #include "qellib10/quantity/monte_carlo.h"
+#include "qellib10/quantity/quantity.h"
+#include "qellib10/quantity/quantity_formula.h"
 #include "qellib10/quantity/reading.h"
 #include "qellib10/quantity/result_decision.h"
 #include "qellib10/quantity/rounding_rule.h"

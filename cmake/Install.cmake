@@ -74,6 +74,8 @@ endif()
 if(TARGET qellib10-quantity)
   install(FILES docs/examples/uncertainty.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples
     COMPONENT quantity-development)
+  install(DIRECTORY examples/quantity/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples/quantity
+    COMPONENT quantity-development FILES_MATCHING PATTERN *.cpp)
   install(FILES docs/trace-schema.json DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev COMPONENT quantity-development)
 endif()
 if(TARGET qellib10-gtk)

@@ -73,15 +73,7 @@ std::optional<double> Formula::Evaluate(std::span<const double> values, FormulaE
 
 std::optional<ExactResult> Formula::EvaluateExactly(std::span<const Reading> readings, const ExactOptions& options,
                                                     FormulaError& error, std::vector<ExactStep>* steps) const {
-    if (!HasAll(readings.size(), error)) return {};
-    const FormulaProgram& program = m_parsed->program;
-    try {
-        if (AreNumbers(program, readings)) return EvaluateNumbers(program, readings, StepLog(steps));
-        return EvaluateIntervals(program, readings, options, StepLog(steps));
-    } catch (const FormulaError& failure) {
-        error = failure;
-        return {};
-    }
+    return EvaluateProgram(m_parsed->program, readings, options, error, steps);
 }
 
 }  // namespace qel

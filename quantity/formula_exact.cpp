@@ -102,4 +102,22 @@ ExactResult EvaluateNumbers(const FormulaProgram& program, std::span<const Readi
     return arithmetic.Whole(FormulaMachine(program, arithmetic).Run());
 }
 
+std::optional<ExactResult> EvaluateProgram(const FormulaProgram& program, std::span<const Reading> readings,
+                                           const ExactOptions& options, FormulaError& error,
+                                           std::vector<ExactStep>* steps) {
+    const bool isMissing =
+        std::ranges::any_of(program.variables, [&](std::size_t position) { return position >= readings.size(); });
+    if (isMissing) {
+        error = {FormulaError::Kind::kReading, 0, 0, "values that are not there", {}, {}};
+        return {};
+    }
+    try {
+        if (AreNumbers(program, readings)) return EvaluateNumbers(program, readings, StepLog(steps));
+        return EvaluateIntervals(program, readings, options, StepLog(steps));
+    } catch (const FormulaError& failure) {
+        error = failure;
+        return {};
+    }
+}
+
 }  // namespace qel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -31,5 +32,10 @@ ExactResult EvaluateNumbers(const FormulaProgram& program, std::span<const Readi
 /// In intervals, of which the numbers are a part. @throws FormulaError
 ExactResult EvaluateIntervals(const FormulaProgram& program, std::span<const Reading> readings,
                               const ExactOptions& options, StepLog log);
+
+/// Either, by what the readings are; nothing where EvaluateExactly of a formula has none.
+std::optional<ExactResult> EvaluateProgram(const FormulaProgram& program, std::span<const Reading> readings,
+                                           const ExactOptions& options, FormulaError& error,
+                                           std::vector<ExactStep>* steps);
 
 }  // namespace qel

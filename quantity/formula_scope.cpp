@@ -14,16 +14,17 @@ namespace {
 constexpr std::size_t kMostCompared = 10'000;
 constexpr std::size_t kLongestCompared = 64;
 
-// Levenshtein's distance, in bytes.
+// How many bytes to add, take away, replace, or swap with the next one (optimal string alignment).
 std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
+    std::vector<std::size_t> before, last, row(b.size() + 1);
     std::iota(row.begin(), row.end(), 0U);
     for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t before = std::exchange(row[0], i + 1);
+        before = std::exchange(last, row);
+        row[0] = i + 1;
         for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = before + (a[i] == b[j] ? 0 : 1);
-            before = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, before + 1});
+            row[j + 1] = std::min({last[j] + (a[i] == b[j] ? 0U : 1U), row[j] + 1, last[j + 1] + 1});
+            const bool isSwapped = i > 0 && j > 0 && a[i] == b[j - 1] && a[i - 1] == b[j];
+            if (isSwapped) row[j + 1] = std::min(row[j + 1], before[j - 1] + 1);
         }
     }
     return row.back();

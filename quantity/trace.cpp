@@ -8,6 +8,9 @@
 namespace qel {
 namespace {
 
+// Powers of ten of results that are shown without an exponent, where no rule says how.
+constexpr int kLeastPlain = -6, kMostPlain = 20;
+
 std::string WithUnit(const std::string& text, const std::string& unit) {
     return unit.empty() ? text : text + ' ' + unit;
 }
@@ -32,11 +35,21 @@ std::string Trace::ResultText() const {
     const TracePart* const part = Result();
     if (part == nullptr) return {};
     ExactResult shown = *part->result;
-    if (m_rounded) {
-        shown.value = m_rounded->rounded;
-        return WithUnit(shown.PlainText(), part->unit);
-    }
-    return WithUnit(shown.Text(), part->unit);
+    const bool isLimit = shown.kind == ExactResult::Kind::kBelow || shown.kind == ExactResult::Kind::kAbove;
+    if (shown.kind != ExactResult::Kind::kValue && !isLimit)
+        return shown.cause ? shown.Text() + ": " + NameOf(*shown.cause) : shown.Text();
+    if (m_rounded) shown.value = m_rounded->rounded;
+    const int magnitude = shown.value.Magnitude();
+    const bool isPlain = m_rounded || (magnitude >= kLeastPlain && magnitude <= kMostPlain);
+    return WithUnit(isPlain ? shown.PlainText() : shown.Text(), part->unit);
+}
+
+// Positions after the inputs are those of the helpers, which are variables of the other formulas.
+std::string Trace::NameOf(std::size_t position) const {
+    const std::vector<CalculationInput>& inputs = m_calculation.inputs;
+    if (position < inputs.size()) return inputs[position].name;
+    const std::size_t helper = position - inputs.size();
+    return helper < m_calculation.helpers.size() ? m_calculation.helpers[helper].name : m_calculation.result.name;
 }
 
 std::string Trace::ResultWithUncertainty() const {

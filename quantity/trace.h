@@ -70,8 +70,8 @@ public:
     /// The result before and after rounding. Nothing without a rule, and where the result is neither a number nor a
     /// limit.
     const std::optional<RoundedValue>& Rounded() const noexcept { return m_rounded; }
-    /// The expanded uncertainty, rounded to two digits, or to those of a rule that goes by it (GUM 7.2.6), half away
-    /// from zero.
+    /// The expanded uncertainty, rounded half away from zero to two digits, or to those of a rule that goes by it (GUM
+    /// 7.2.6); and to no finer place than the result has, unless nothing would be left.
     const std::optional<Decimal>& RoundedUncertainty() const noexcept { return m_roundedUncertainty; }
     const std::optional<ResultDecision>& Decision() const noexcept { return m_decision; }
     /// What the trials gave, and what they say of first order.
@@ -82,7 +82,8 @@ public:
     /// The version of the library that computed it.
     const std::string& Engine() const noexcept { return m_engine; }
 
-    /// "0.1021 mol/L", "< 0.02 mg/L", "yes"; with the digits of the rule. Empty with a fault.
+    /// "0.1021 mol/L", "< 0.02 mg/L", "yes", "not determinable: BLANK"; with the digits of the rule. Empty with a
+    /// fault.
     std::string ResultText() const;
     /// "0.1021 mol/L ± 0.0002 mol/L (k = 2)"; as ResultText where there is no uncertainty.
     std::string ResultWithUncertainty() const;
@@ -95,6 +96,7 @@ public:
 
 private:
     friend class TraceComputation;
+    std::string NameOf(std::size_t position) const;
 
     Calculation m_calculation;
     std::vector<TracePart> m_parts;

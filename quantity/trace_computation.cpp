@@ -69,7 +69,7 @@ bool TraceComputation::AddFormulas() {
 }
 
 void TraceComputation::Run() {
-    if (!Check() || !AddFormulas()) return;
+    if (!Check() || !AddFormulas() || !ReadUnits()) return;
     const Calculation& calculation = m_trace.m_calculation;
     for (const CalculationInput& input : calculation.inputs) {
         m_readings.push_back(input.reading);
@@ -87,14 +87,52 @@ void TraceComputation::Run() {
         const std::optional<Formula> formula = Formula::Kept(calculation.result.formula, m_set.Scope(), error);
         if (!formula) return Fail(calculation.result, error);
         if (!Compute(calculation.result, *formula)) return;
-        TryOut(*formula);
     } else {
         const auto result = std::ranges::find(m_trace.m_parts, SourceOf(last).name, &TracePart::name);
         std::rotate(result, result + 1, m_trace.m_parts.end());
-        TryOut(m_set.At(last));
     }
+    TryOut();
     Round();
     Decide();
+}
+
+std::optional<Unit> TraceComputation::UnitOf(const std::string& name, const std::string& text) {
+    std::string sentence;
+    std::optional<Unit> unit = Unit::Parse(text, sentence);
+    if (!unit) m_trace.m_fault = TraceFault{name, {Kind::kUnit, 0, 0, sentence, {}, {}}, sentence};
+    return unit;
+}
+
+bool TraceComputation::ReadUnits() {
+    for (const CalculationInput& input : m_trace.m_calculation.inputs) {
+        const std::optional<Unit> unit = UnitOf(input.name, input.unit);
+        if (!unit) return false;
+        m_units.push_back(*unit);
+        m_hasUnits |= !input.unit.empty();
+    }
+    m_units.resize(m_set.Scope().Count());
+    return true;
+}
+
+// Where no input has a unit, that of a result is only shown.
+bool TraceComputation::Bind(const CalculationFormula& source, const Formula& formula, TracePart& part) {
+    if (!m_hasUnits) {
+        m_bound = QuantityFormula::WithoutUnits(formula);
+        return true;
+    }
+    std::optional<Unit> wanted;
+    if (!source.unit.empty()) {
+        wanted = UnitOf(source.name, source.unit);
+        if (!wanted) return false;
+    }
+    FormulaError error;
+    m_bound = QuantityFormula::Bind(formula, m_units, wanted, error);
+    if (!m_bound) {
+        Fail(source, error);
+        return false;
+    }
+    if (source.unit.empty() && !m_bound->ResultUnit().IsNumber()) part.unit = m_bound->ResultUnit().Text();
+    return true;
 }
 
 bool TraceComputation::Compute(const CalculationFormula& source, const Formula& formula) {
@@ -102,9 +140,10 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
     part.name = source.name;
     part.formula = source.formula;
     part.unit = source.unit;
+    if (!Bind(source, formula, part)) return false;
     FormulaError error;
     const ExactOptions options{m_trace.m_calculation.substitution};
-    part.result = formula.EvaluateExactly(m_readings, options, error, &part.steps);
+    part.result = m_bound->EvaluateExactly(m_readings, options, error, &part.steps);
     if (!part.result) {
         Fail(source, error);
         return false;
@@ -129,7 +168,7 @@ void TraceComputation::Propagate(const Formula& formula, TracePart& part) {
     part.withoutBudget = ReasonAgainstBudget(formula);
     if (!part.withoutBudget.empty()) return;
     FormulaError error;
-    part.budget = PropagateUncertainty(formula, m_inputs, m_trace.m_calculation.uncertainty, error);
+    part.budget = m_bound->Propagate(m_inputs, m_trace.m_calculation.uncertainty, error);
     if (!part.budget) part.withoutBudget = error.Text(part.formula);
 }
 
@@ -155,6 +194,7 @@ void TraceComputation::PutIn(const TracePart& part) {
     const std::optional<std::size_t> position = m_set.Scope().Find(part.name);
     if (!position) return;  // that of the result, in the older grammar
     m_readings[*position] = Reading::OfResult(*part.result);
+    m_units[*position] = m_bound->ResultUnit();
     UncertainInput& input = m_inputs[*position];
     input.value = part.result->value.ToDouble();
     if (!part.budget) return;
@@ -180,14 +220,22 @@ void TraceComputation::Round() {
     const TracePart& part = m_trace.m_parts.back();
     const std::optional<RoundingRule>& rule = m_trace.m_calculation.rule;
     std::optional<Decimal> expanded;
-    if (part.budget) {
-        expanded = Decimal::OfDouble(part.budget->expandedUncertainty);
-        const int digits = rule ? rule->UncertaintyDigits().value_or(2) : 2;
-        const Decimal rounded =
-            RoundingRule::ToDigits(DecimalRounding::kHalfAwayFromZero, digits).Round(*expanded).rounded;
-        if (rounded.IsFinite()) m_trace.m_roundedUncertainty = rounded;
-    }
+    if (part.budget) expanded = Decimal::OfDouble(part.budget->expandedUncertainty);
     if (rule) m_trace.m_rounded = part.result->Rounded(*rule, expanded);
+    if (expanded) m_trace.m_roundedUncertainty = RoundedUncertainty(*expanded);
+}
+
+// To two digits, and no finer than the result, unless nothing would be left.
+std::optional<Decimal> TraceComputation::RoundedUncertainty(const Decimal& expanded) const {
+    constexpr DecimalRounding kHalfAway = DecimalRounding::kHalfAwayFromZero;
+    const std::optional<RoundingRule>& rule = m_trace.m_calculation.rule;
+    const int digits = rule ? rule->UncertaintyDigits().value_or(2) : 2;
+    const Decimal rounded = RoundingRule::ToDigits(kHalfAway, digits).Round(expanded).rounded;
+    if (!rounded.IsFinite()) return {};
+    if (!m_trace.m_rounded || m_trace.m_rounded->rounded.Exponent() <= rounded.Exponent()) return rounded;
+    const int places = -m_trace.m_rounded->rounded.Exponent();
+    const Decimal coarser = RoundingRule::ToPlaces(kHalfAway, places).Round(expanded).rounded;
+    return coarser.IsFinite() && !coarser.IsZero() ? coarser : rounded;
 }
 
 void TraceComputation::Decide() {
@@ -199,7 +247,7 @@ void TraceComputation::Decide() {
     if (!m_trace.m_decision) m_trace.m_remarks.push_back("no decision: " + reason);
 }
 
-void TraceComputation::TryOut(const Formula& formula) {
+void TraceComputation::TryOut() {
     const Calculation& calculation = m_trace.m_calculation;
     const TracePart& part = m_trace.m_parts.back();
     if (calculation.trials == 0) return;
@@ -215,7 +263,7 @@ void TraceComputation::TryOut(const Formula& formula) {
     options.coverageProbability = *part.budget->coverageProbability;
     options.correlations = calculation.uncertainty.correlations;
     FormulaError error;
-    m_trace.m_trials = PropagateDistributions(formula, m_inputs, options, error);
+    m_trace.m_trials = m_bound->Try(m_inputs, options, error);
     if (!m_trace.m_trials) return refuse(error.Text(part.formula));
     m_trace.m_firstOrder = ValidateFirstOrder(*part.budget, *m_trace.m_trials);
 }

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "qellib10/quantity/formula_set.h"
+#include "qellib10/quantity/quantity_formula.h"
 #include "qellib10/quantity/trace.h"
 
 namespace qel {
@@ -19,7 +20,10 @@ private:
     FormulaScope Scope() const;
     bool Check();
     bool AddFormulas();
+    bool ReadUnits();
+    std::optional<Unit> UnitOf(const std::string& name, const std::string& text);
     bool Compute(const CalculationFormula& source, const Formula& formula);
+    bool Bind(const CalculationFormula& source, const Formula& formula, TracePart& part);
     void Propagate(const Formula& formula, TracePart& part);
     bool HasUncertainty(const Formula& formula) const;
     std::string ReasonAgainstBudget(const Formula& formula) const;
@@ -27,16 +31,20 @@ private:
     UncertainInput UncertainOf(const CalculationInput& input) const;
     const UncertaintyComponent* ComponentOf(const UncertaintyRow& row) const;
     void Round();
+    std::optional<Decimal> RoundedUncertainty(const Decimal& expanded) const;
     void Decide();
-    void TryOut(const Formula& formula);
+    void TryOut();
     void Fail(const CalculationFormula& formula, const FormulaError& error);
     const CalculationFormula& SourceOf(std::size_t formula) const;
 
     Trace& m_trace;
     unsigned m_threads;
     FormulaSet m_set;
-    std::vector<Reading> m_readings;       // of inputs and formulas, by position in the scope
-    std::vector<UncertainInput> m_inputs;  // of the same
+    std::vector<Reading> m_readings;         // of inputs and formulas, by position in the scope
+    std::vector<UncertainInput> m_inputs;    // of the same
+    std::vector<Unit> m_units;               // of the same
+    bool m_hasUnits = false;                 // any of the inputs
+    std::optional<QuantityFormula> m_bound;  // of the formula that was computed last
 };
 
 }  // namespace qel

@@ -48,11 +48,6 @@ private:
         return table;
     }
 
-    std::string Name(const std::optional<std::size_t>& cause) const {
-        const auto& inputs = m_trace.Request().inputs;
-        return cause && *cause < inputs.size() ? ", " + Word(TraceWord::kBecauseOf) + inputs[*cause].name : "";
-    }
-
     void AddResult() {
         const Calculation& request = m_trace.Request();
         if (const TraceFault* const fault = m_trace.Fault()) {
@@ -60,8 +55,7 @@ private:
             table.rows.push_back({Word(TraceWord::kFault), fault->sentence});
         } else {
             TraceTable& table = Add(TraceWord::kResult, request.result.name, {});
-            table.rows.push_back(
-                {Word(TraceWord::kResult), m_trace.ResultWithUncertainty() + Name(m_trace.Result()->result->cause)});
+            table.rows.push_back({Word(TraceWord::kResult), m_trace.ResultWithUncertainty()});
             if (!m_trace.Result()->withoutBudget.empty())
                 table.rows.push_back({Word(TraceWord::kWithoutBudget), m_trace.Result()->withoutBudget});
         }

@@ -140,6 +140,34 @@ TEST(Trace, EveryChangedMemberIsADifferenceOrRefused) {
     }
 }
 
+// Without an input with a unit, that of the result is only shown.
+TEST(Trace, UnitsAreCheckedAndConverted) {
+    const auto result = [](const char* formula, const char* unit, const char* a, const char* b) {
+        Calculation calculation;
+        calculation.result = {"X", formula, unit};
+        calculation.inputs = {*qel::CalculationInput::Of("A", a), *qel::CalculationInput::Of("B", b)};
+        const Trace trace = Trace::Of(calculation);
+        return trace.Fault() != nullptr ? trace.Fault()->name + ": " + trace.Fault()->sentence : trace.ResultText();
+    };
+    for (const auto& [formula, unit, a, b, expected] :
+         Cases<const char*, const char*, const char*, const char*, const char*>{
+             {"A / B", "mg/L", "5 mg", "20 mL", "250 mg/L"},
+             {"A + B", "", "5 mL", "20 µL", "5.020 mL"},
+             {"A / B", "", "5 mg", "20 mL", "0.25 mg/mL"},
+             {"A - B", "", "25.0 °C", "20.0 °C", "5.0 K"},
+             {"A / B", "%(m/m)", "5 mg", "2 g", "0.25 %(m/m)"},
+             {"A", "mol/L", "5", "2", "5 mol/L"},
+             {"A + B", "", "5 mL", "2 g",
+              "X: the units do not go together at character 3: \"+\": mL and g cannot be added"},
+             {"A", "mol", "5 mL", "2 g",
+              "X: the units do not go together at character 1: \"A\": mL is not converted to mol"},
+             {"A", "", "5 mLL", "2 g", "A: \"mLL\" is not a unit that is known"},
+             {"A", "mLL", "5 mL", "2 g", "X: \"mLL\" is not a unit that is known"},
+             {"A - B", "", "missing mL", "5 mL", "not determinable: A"},
+         })
+        EXPECT_EQ(result(formula, unit, a, b), expected) << formula;
+}
+
 TEST(Trace, DecidesByWhatTheLimitsCompare) {
     using Rule = qel::DecisionRule;
     const auto decided = [](const char* reading, const char* upper, const Rule& rule, bool comparesRounded, double u) {
