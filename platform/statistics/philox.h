@@ -25,8 +25,8 @@ public:
     /// Between 0 and 1, and neither.
     double Uniform() { return (static_cast<double>(Next() >> 12) + 0.5) * 0x1p-52; }
 
-    /// The block that a counter becomes.
-    static Block Enciphered(const Block& counter, std::uint64_t key);
+    /// The block that a counter becomes, with the seed as key.
+    static Block Enciphered(const Block& counter, std::uint64_t seed);
 
 private:
     static constexpr std::size_t kLanes = 16;  // counters that are enciphered together, in vectors of the processor

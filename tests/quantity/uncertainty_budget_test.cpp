@@ -10,7 +10,6 @@
 
 namespace {
 
-using qel::UncertaintyBudget;
 using Component = qel::UncertaintyComponent;
 
 std::string Shown(double value, std::chars_format format, int digits) {
