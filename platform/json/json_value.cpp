@@ -161,7 +161,8 @@ JsonValue JsonValue::Boolean(bool value) {
 }
 
 JsonValue JsonValue::Number(std::int64_t value) { return NumberOf(value); }
-JsonValue JsonValue::Number(double value) { return std::isfinite(value) ? NumberOf(value) : JsonValue{}; }
+// Without a sign of zero, which readers of JSON do not keep.
+JsonValue JsonValue::Number(double value) { return std::isfinite(value) ? NumberOf(value + 0.0) : JsonValue{}; }
 
 JsonValue JsonValue::Text(std::string_view value) {
     JsonValue result;

@@ -216,6 +216,21 @@ TEST(Trace, TrialsSayWhetherFirstOrderIsEnough) {
     EXPECT_EQ(Trace::Of(calculation).Remarks().front(), "no trials: other formulas are used; write them into this one");
 }
 
+// The traces of each released version, by its number, are computed again by all later ones.
+TEST(Trace, ThoseOfEveryVersionAreComputedAgain) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(QELLIB10_TEST_DATA "/traces")) {
+        std::ostringstream json;
+        json << std::ifstream(entry.path()).rdbuf();
+        std::string error;
+        const std::optional<qel::TraceCheck> check = qel::CheckTrace(json.str(), error);
+        ASSERT_TRUE(check) << entry.path() << error;
+        EXPECT_EQ(check->differences, std::vector<std::string>{}) << entry.path();
+        ++count;
+    }
+    EXPECT_GE(count, 6);
+}
+
 TEST(Trace, JsonIsWhatItsSchemaSays) {
     std::ostringstream text;
     text << std::ifstream(QELLIB10_TRACE_SCHEMA).rdbuf();
