@@ -10,6 +10,7 @@
 #include "demo/result/check_sums.h"
 #include "demo/result/result_file.h"
 #include "demo/result/result_table.h"
+#include "demo/result/result_trace.h"
 #include "demo/result/run_log.h"
 #include "demo/result/titration.h"
 #include "demo/support/failure.h"
@@ -51,6 +52,7 @@ Evaluated EvaluateByMethod(const Options& options, Session& session, ArchiveTrai
     RequireOrdinaryFile(options.data);
     const std::string measured = ReadTextFile(options.data);
     const Titration result = EvaluateTitration(name, method, options.data, measured, options.table);
+    About(name, [&] { About(result.settings.formulaPlace, [&] { RequireTrace(result.result); }); });
     Log(stage::kResult + Shown(result.result));
     if (changes.GetCount() == 0) return {result, measured, "Method     method.xml, as it was\n"};
     const std::string count = std::to_string(changes.GetCount());
@@ -92,13 +94,18 @@ std::string Seal(const CCalcVariableList& variables, ArchiveTrail& trail, MadeFi
 }
 
 // Keeps what is needed to compute the next version again, even if the method or the measured file changes later.
-std::string KeepOrigin(DWORD version, const std::string& measured, MadeFiles& made) {
-    const std::string method = MethodName(version), curve = CurveName(version);
+std::string KeepOrigin(DWORD version, const std::string& measured, const qel::Trace& how, ArchiveTrail& trail,
+                       MadeFiles& made) {
+    const std::string method = MethodName(version), curve = CurveName(version), trace = TraceName(version);
     WriteTextFile(ReadBytes(made.Path("method.xml")), made.Path(method));
     made.Add(method);
     WriteTextFile(measured, made.Path(curve));
     made.Add(curve);
-    return "Kept       " + method + " and " + curve + ", from which it can be computed again\n";
+    WriteTextFile(how.Json(), made.Path(trace));
+    made.Add(trace);
+    trail.EnterFile(qel::trail_kind::kFileSealed, trace);
+    return "Kept       " + method + " and " + curve + ", from which it can be computed again\n" + kIndent + trace +
+           ", how it was computed, with its hash in the trail\n";
 }
 
 const CHistoryRenewInfo& Register(const Options& options, History& history, MadeFiles& made) {
@@ -134,7 +141,7 @@ std::string KeepResult(const Options& options, Session& session, History& histor
     std::string text = method + Report(titration);
     text += WriteTexts(titration, made);
     text += Seal(titration.result.variables, trail, made);
-    text += KeepOrigin(history.Latest() + 1, measured, made);
+    text += KeepOrigin(history.Latest() + 1, measured, titration.result.trace, trail, made);
     const CHistoryRenewInfo& record = Register(options, history, made);
     text += "History    variables.qel is in results.hcf " + history.Listed(kIndent);
     return text + KeepReport(titration, history.Latest(), record, printer, fingerprint, trail, made);

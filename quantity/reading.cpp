@@ -1,6 +1,6 @@
 #include "qellib10/quantity/reading.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include "qellib10/calc/calc_variable_list.h"
 
@@ -20,6 +20,18 @@ std::string_view Trimmed(std::string_view text) {
 Reading Finite(Reading::Kind kind, const Decimal& value) {
     return value.IsFinite() ? Reading{kind, value, false, false, false, {}}
                             : Reading{Reading::Kind::kInvalid, {}, false, false, false, {}};
+}
+
+// The list rounds in binary: its 0.03 of four places may be 0.030000000000000002, and means 0.0300.
+void MarkRounded(Reading& reading, int places) {
+    reading.places = places;
+    constexpr int kMost = RoundingRule::kMostPlaces;
+    DecimalFlags flags;
+    const Decimal rounded =
+        RoundTo(reading.value, -std::clamp(places, -kMost, kMost), DecimalRounding::kHalfAwayFromZero, flags);
+    if (!rounded.IsFinite() || rounded == reading.value) return;
+    const Decimal reduced = rounded.Reduced();
+    reading.value = reduced.Exponent() > 0 ? RoundTo(reduced, 0, DecimalRounding::kHalfAwayFromZero, flags) : reduced;
 }
 
 }  // namespace
@@ -94,7 +106,7 @@ std::optional<std::vector<Reading>> ReadingsOf(const CCalcVariableList& list, Ro
     CCalcVariable variable;
     for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
         readings.push_back(Reading::OfDouble(variable.m_dValue));
-        if (isRounded) readings.back().places = list.GetRoundUpDigit();
+        if (isRounded) MarkRounded(readings.back(), list.GetRoundUpDigit());
     }
     return readings;
 }

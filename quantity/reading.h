@@ -51,7 +51,8 @@ struct QELLIB10_API Reading {
 /// Whether a list whose round-up flag is set may enter a formula.
 enum class RoundedList { kRefuse, kAccept };
 
-/// The values of a list by position, as FormulaScope has its names.
+/// The values of a list by position, as FormulaScope has its names. One that the list has rounded has at most as many
+/// decimal places: 0.03, where the list's binary number is 0.030000000000000002.
 /// @return nothing where the list rounds its values and @p rounded is kRefuse, since a result would be rounded twice
 QELLIB10_API std::optional<std::vector<Reading>> ReadingsOf(const CCalcVariableList& list, RoundedList rounded);
 

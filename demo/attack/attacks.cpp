@@ -64,6 +64,17 @@ std::string SealedAgain(Archive archive) {
     return archive.Read("variables.qel");
 }
 
+// The last digit of the result, one higher or lower.
+void ChangeTrace(Archive archive) {
+    const std::string name = archive.SignedTrace();
+    std::string trace = archive.Read(name.c_str());
+    constexpr std::string_view kRounded = "\"rounded\": \"";
+    const std::size_t at = trace.rfind(kRounded);
+    if (at == std::string::npos) throw Failure(name + " has no result");
+    trace.at(trace.find('"', at + kRounded.size()) - 1) ^= 1;
+    archive.Write(name.c_str(), trace);
+}
+
 // All of the archive as it was when the latest version that is signed was registered.
 void PutOldStateBack(Archive archive) {
     Lines lines = archive.Lines();
@@ -198,6 +209,7 @@ void AddAttacksOnSignatures(std::vector<Attack>& all) {
         [](Archive archive) { Flip(archive, archive.SignedReport().c_str()); });
     add("the exported list changed", "versions.csv is not what was recorded",
         [](Archive archive) { Flip(archive, "versions.csv"); });
+    add("a digit of a trace changed", ".json is not what was recorded", ChangeTrace);
     add("a sealed file changed and sealed again", "variables.qel is not what was recorded",
         [](Archive archive) { SealedAgain(archive); });
 }

@@ -81,5 +81,6 @@ DWORD CopiedArchive::LatestSigned() const {
 
 std::string CopiedArchive::SignedReport() const { return LatestSigned() == 0 ? "" : SignedName(LatestSigned()); }
 std::string CopiedArchive::SignedJob() const { return JobName(LatestSigned()); }
+std::string CopiedArchive::SignedTrace() const { return TraceName(LatestSigned()); }
 
 }  // namespace titration

@@ -31,9 +31,10 @@ public:
     /// Replaces the last @p from in a file, which has to be there. @throws Failure
     void Change(const char* name, const std::string& from, const std::string& to) const;
 
-    /// The printed report of the latest version that was signed; empty if there is none. And its report.
+    /// The printed report of the latest version that was signed; empty if there is none. And its report and trace.
     std::string SignedReport() const;
     std::string SignedJob() const;
+    std::string SignedTrace() const;
 
     /// The trail's lines, each without its line feed.
     std::vector<std::string> Lines() const;

@@ -23,6 +23,10 @@ std::string Shown(const CString& text) { return text.IsEmpty() ? "nothing" : std
 
 }  // namespace
 
+bool HasNames(const std::string& section) {
+    return std::ranges::find(kNamedSections, section) != std::end(kNamedSections);
+}
+
 std::string TextOf(const Method& method, const std::string& section, const std::string& key,
                    const std::string& otherwise) {
     const MethodItem* const item = Find(method, section, key);

@@ -9,14 +9,16 @@
 
 namespace titration {
 
-/// The values that turn a curve into a result, as text. Sections and keys, except those of [variables], are listed in
-/// kKeys.
+/// The values that turn a curve into a result, as text. Sections and keys are listed in kKeys, except those of
+/// kNamedSections, whose keys are names.
 ///
 ///     [curve]
 ///     volume = volume_mL              a column's name or its number (default 1)
 ///     signal = pH                     default 2
 ///     [variables]
 ///     C_NaOH = 0.1                    any number of named values for the formula
+///     [uncertainties]
+///     C_NaOH = certificate 0.0002 k 2, titrant    optional, of variables and of the end point: see ReadUncertainties
 ///     [result]
 ///     end_point = EP                  the name of the end point's volume in the formula
 ///     name = acidity
@@ -34,10 +36,15 @@ struct MethodItem {
 using Method = std::vector<MethodItem>;
 
 inline constexpr const char* kVariables = "variables";
+inline constexpr const char* kUncertainties = "uncertainties";
+inline constexpr const char* kNamedSections[] = {kVariables, kUncertainties};
 
 inline constexpr std::pair<const char*, const char*> kKeys[] = {
     {"curve", "volume"}, {"curve", "signal"},  {"result", "end_point"},       {"result", "name"}, {"result", "formula"},
     {"result", "unit"},  {"result", "digits"}, {"result", "variable_digits"}, {"limits", "low"},  {"limits", "high"}};
+
+/// Whether the keys of a section are names.
+bool HasNames(const std::string& section);
 
 /// The text of an item; @p otherwise if there is none.
 std::string TextOf(const Method& method, const std::string& section, const std::string& key,

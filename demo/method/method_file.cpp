@@ -1,5 +1,7 @@
 #include "demo/method/method_file.h"
 
+#include <map>
+
 #include "demo/support/failure.h"
 #include "demo/support/file_step.h"
 
@@ -8,10 +10,10 @@ namespace {
 
 CString Place(const char* section, const char* key) { return CCryptXMLDocumentObject::AppendNode(section, key); }
 
-// Variables are addressed by number: a variable's name may be invalid in XML.
-CString VariablePlace(long number, const char* part) {
+// Names are addressed by number: they may be invalid in XML.
+CString ItemPlace(const std::string& section, long number, const char* part) {
     const CString item = CCryptXMLDocumentObject::AppendNodeKey("item", std::to_string(number).c_str());
-    return Place(Place(kVariables, item), part);
+    return Place(Place(section.c_str(), item), part);
 }
 
 Method ReadMethod(const CCryptXMLDocument& document) {
@@ -21,9 +23,12 @@ Method ReadMethod(const CCryptXMLDocument& document) {
         if (document.GetNodeText(Place(section, key), text) != 0) method.push_back({section, key, std::string(text)});
     }
     CString name;
-    for (long i = 1; document.GetNodeText(VariablePlace(i, "name"), name) != 0; ++i) {
-        if (document.GetNodeText(VariablePlace(i, "value"), text) == 0) throw Failure("a variable has no value");
-        method.push_back({kVariables, std::string(name), std::string(text)});
+    for (const std::string section : kNamedSections) {
+        for (long i = 1; document.GetNodeText(ItemPlace(section, i, "name"), name) != 0; ++i) {
+            if (document.GetNodeText(ItemPlace(section, i, "value"), text) == 0)
+                throw Failure("a name in " + section + " has no value");
+            method.push_back({section, std::string(name), std::string(text)});
+        }
     }
     return method;
 }
@@ -34,12 +39,12 @@ void WriteMethod(const Method& method, CCryptXMLDocument& document) {
             throw Failure(std::string(place) + ": " + Why("cannot be written"));
     };
     document.SetXMLString("<method/>");
-    long variables = 0;
+    std::map<std::string, long> counts;
     for (const MethodItem& item : method) {
-        if (item.section == kVariables) {
-            ++variables;
-            set(VariablePlace(variables, "name"), item.key);
-            set(VariablePlace(variables, "value"), item.text);
+        if (HasNames(item.section)) {
+            const long number = ++counts[item.section];
+            set(ItemPlace(item.section, number, "name"), item.key);
+            set(ItemPlace(item.section, number, "value"), item.text);
         } else {
             set(Place(item.section.c_str(), item.key.c_str()), item.text);
         }

@@ -11,8 +11,11 @@ namespace titration {
 ///     <method>
 ///       <curve><volume>volume_mL</volume> ...</curve>
 ///       <variables><item><name>C_NaOH</name><value>0.1</value></item> ...</variables>
+///       <uncertainties><item><name>C_NaOH</name><value>standard 0.0001</value></item> ...</uncertainties>
 ///       ...
 ///     </method>
+///
+/// A section without items is not there, as in documents of earlier releases.
 ///
 /// It is locked from construction on, and does not change unless Keep is called.
 class MethodFile {

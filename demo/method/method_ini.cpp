@@ -26,11 +26,17 @@ std::string NamesIn(const std::string& section) {
             names += (names.empty() ? "" : ", ") + name;
         before = name;
     }
-    return section.empty() ? names + ", [" + kVariables + "]" : names;
+    if (!section.empty()) return names;
+    for (const std::string named : kNamedSections) names += ", [" + named + "]";
+    return names;
+}
+
+bool IsInNamedSection(const IniPlace& place) {
+    return std::ranges::any_of(kNamedSections, [&](const char* section) { return IsIn(place, section); });
 }
 
 void RequireKnownSection(const IniPlace& place) {
-    const bool isKnown = IsIn(place, kVariables) ||
+    const bool isKnown = IsInNamedSection(place) ||
                          std::ranges::any_of(kKeys, [&](const auto& known) { return IsIn(place, known.first); });
     if (!isKnown) throw Failure(place.Text() + ": is in no known section; expected one of " + NamesIn(""));
 }
@@ -38,7 +44,7 @@ void RequireKnownSection(const IniPlace& place) {
 void RequireKnownKey(const IniPlace& place) {
     if (!place.hasValue)
         throw Failure(place.Text() + ": expected name = value; put a semicolon before it if it is a comment");
-    const bool isKnown = IsIn(place, kVariables) || std::ranges::any_of(kKeys, [&](const auto& known) {
+    const bool isKnown = IsInNamedSection(place) || std::ranges::any_of(kKeys, [&](const auto& known) {
                              return IsIn(place, known.first) && SameName(place.key, known.second);
                          });
     if (!isKnown) throw Failure(place.Text() + ": has no meaning there; expected one of " + NamesIn(place.section));
@@ -91,8 +97,10 @@ Method ReadMethodIni(const std::string& path) {
             MethodItem item = take(section, key, *place);
             if (!item.text.empty()) method.push_back(std::move(item));
         }
-        for (const IniPlace& place : places) {
-            if (IsIn(place, kVariables) && place.hasValue) method.push_back(take(kVariables, place.key, place));
+        for (const char* const section : kNamedSections) {
+            for (const IniPlace& place : places) {
+                if (IsIn(place, section) && place.hasValue) method.push_back(take(section, place.key, place));
+            }
         }
         return method;
     });

@@ -1,9 +1,11 @@
 #include "demo/method/settings.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include <qellib10/qellib10.h>
 
+#include "demo/method/uncertainties.h"
 #include "demo/support/failure.h"
 #include "demo/support/number.h"
 
@@ -74,6 +76,28 @@ void RequireOtherNames(const std::vector<NamedValue>& variables, const std::stri
     }
 }
 
+// The name of a variable or of the end point, as it is written there.
+std::string KnownName(const Settings& settings, const std::string& name) {
+    const auto isSame = [&](const std::string& other) {
+        return CString(other.c_str()).CompareNoCase(name.c_str()) == 0;
+    };
+    if (isSame(settings.endPoint)) return settings.endPoint;
+    const auto found = std::ranges::find_if(settings.variables, isSame, &NamedValue::name);
+    if (found == settings.variables.end())
+        throw Failure("there is no value with this name; expected one of [variables], or that of the end point, " +
+                      settings.endPoint);
+    return found->name;
+}
+
+void ReadUncertainties(const Method& method, Settings& settings) {
+    for (const MethodItem& item : method) {
+        if (item.section != kUncertainties) continue;
+        About(PlaceOf(method, item.section, item.key), [&] {
+            settings.uncertainties.push_back({KnownName(settings, item.key), titration::ReadUncertainties(item.text)});
+        });
+    }
+}
+
 }  // namespace
 
 Settings ParseSettings(const Method& method) {
@@ -103,6 +127,7 @@ Settings ParseSettings(const Method& method) {
     settings.unit = items.Required("result", "unit", Unit);
     settings.digits = items.Required("result", "digits", digits);
     settings.variableDigits = items.Optional("result", "variable_digits", digits).value_or(-1);
+    ReadUncertainties(method, settings);
     settings.low = items.Optional("limits", "low", Number);
     settings.high = items.Optional("limits", "high", Number);
     if (settings.low && settings.high && *settings.low > *settings.high) {

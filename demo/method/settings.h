@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <qellib10/quantity.h>
+
 #include "demo/method/method.h"
 
 namespace titration {
@@ -13,11 +15,17 @@ struct NamedValue {
     double value;
 };
 
+struct NamedUncertainty {
+    std::string name;
+    std::vector<qel::UncertaintyComponent> components;
+};
+
 /// A method with its numbers read.
 struct Settings {
     std::string volumeColumn;
     std::string signalColumn;
     std::vector<NamedValue> variables;
+    std::vector<NamedUncertainty> uncertainties;  // of variables and of the end point, by their names there
     std::string endPoint;
     std::string name;
     std::string formula;

@@ -4,6 +4,7 @@
 
 #include <qellib10/qellib10.h>
 
+#include "demo/result/result_trace.h"
 #include "demo/support/number.h"
 
 namespace titration {
@@ -83,7 +84,10 @@ std::string ResultText(const Settings& settings, const Result& result) {
     CString computed;
     computed.Format("Computed   %.12g, rounded to %s\n", result.computed,
                     Counted(settings.digits, "decimal place").c_str());
-    text += std::string(computed) + "Result     " + Shown(result) + "\n";
+    text += std::string(computed) + "Rule       " + RuleText(result) + "\n";
+    text += "Result     " + Shown(result) + "\n";
+    for (const std::string& more : {UncertaintyText(result), RoundingRemark(result)})
+        text += more.empty() ? "" : kIndent + more + "\n";
     const std::string limits = LimitText(settings, result.value);
     return limits.empty() ? text : text + "Limits     " + limits + "\n";
 }

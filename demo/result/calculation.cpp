@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "demo/result/result_trace.h"
 #include "demo/support/failure.h"
 
 namespace titration {
@@ -65,6 +66,7 @@ Result Compute(const Settings& settings, const CCalcVariableList& variables) {
     result.computed = value;
     result.value = CQVariant::fround(value, settings.digits, 0);
     result.variables = calculator.GetCalcVarList();
+    result.trace = TraceOf(settings, result.variables);
     result.used = UsedNames(result.variables);
     result.name = settings.name;
     result.text = CQVariant::DoubleToStr(result.value, settings.digits, 0);

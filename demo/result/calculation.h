@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <qellib10/qellib10.h>
+#include <qellib10/quantity.h>
 
 #include "demo/method/settings.h"
 
@@ -17,6 +18,7 @@ struct Result {
     double value = 0;  // rounded
     std::string text;  // with the settings' number of decimal places
     std::string unit;
+    qel::Trace trace;  // of the same computation in decimal numbers, see RequireTrace
 };
 
 /// "ACIDITY = 49.6 g/L"

@@ -5,6 +5,7 @@
 #include "demo/result/result_file.h"
 #include "demo/result/result_table.h"
 #include "demo/support/file_names.h"
+#include "demo/support/number.h"
 #include "demo/support/temporary_file.h"
 #include "demo/support/text_file.h"
 #include "demo/verify/checks.h"
@@ -61,6 +62,19 @@ Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory&
             "its values are not those that " + MethodName(version) + " and " + CurveName(version) + " give");
     Require(Shown(again.result) == run.result, "has " + Shown(again.result) + ", and titration.log " + run.result);
     return again;
+}
+
+std::string CheckTraceFile(const MadeFiles& made, DWORD version, const Result& result) {
+    std::string error;
+    const std::optional<qel::TraceCheck> check = qel::CheckTrace(ReadBytes(made.Path(TraceName(version))), error);
+    if (!check) throw Failure(error);
+    Require(check->differences.empty(), check->differences.empty() ? "" : check->differences.front());
+    Require(check->computed.Fault() == nullptr, "has no result");
+    Require(check->computed.Json() == result.trace.Json(),
+            "is another computation than " + MethodName(version) + " and " + CurveName(version) + " give");
+    made.RequireAsMade(TraceName(version));
+    return check->computed.ResultWithUncertainty() + ", computed again in " +
+           Counted(static_cast<long long>(check->computed.Result()->steps.size()), "step") + " with the same digits";
 }
 
 std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result) {

@@ -19,6 +19,10 @@ std::string CheckTable(const MadeFiles& made, const Result& result);
 /// @throws Failure unless that gives the values in the cabinet, and the result in the log
 Titration EvaluateAgain(const MadeFiles& made, DWORD version, const KeptHistory& history, const LogFacts& log);
 
+/// Computes the trace of a version again, as anybody can from the file alone, and compares it with the trace of
+/// @p result.
+std::string CheckTraceFile(const MadeFiles& made, DWORD version, const Result& result);
+
 /// @return the headline of the report on a version, which shows @p result
 std::string CheckHeadline(const MadeFiles& made, DWORD version, const Result& result);
 /// The printer that the report on a version was laid out for; empty if its job cannot be read.

@@ -67,6 +67,9 @@ private:
         m_checks.Run("renewals.qel", [&] { return m_history.CheckRecords(); });
     }
 
+    // Files that not every version has: one that was not taken out, or that an earlier release has made.
+    bool IsListed(const std::string& name) const { return std::ranges::find(m_names, name) != m_names.end(); }
+
     void CheckVersion(DWORD version) {
         m_titration.reset();
         m_checks.Run(MethodName(version), [&] { return CheckMethod(m_made, MethodName(version)); });
@@ -79,6 +82,9 @@ private:
             return Shown(m_titration->result) + ", computed again from " + MethodName(version) + " and " +
                    CurveName(version) + "; " + Described(m_history.Record(version));
         });
+        if (IsListed(TraceName(version)))
+            m_checks.Run(TraceName(version),
+                         [&] { return CheckTraceFile(m_made, version, RequireTitration().result); });
         m_checks.Run(JobName(version), [&] {
             const std::string shown = CheckHeadline(m_made, version, RequireTitration().result);
             return shown + ", " +
@@ -86,7 +92,7 @@ private:
                                  [&](const std::string& path) { MakeAgain(version, path, TemporaryFile().Path()); });
         });
         const std::string takenOut = TakenOutName(version);
-        if (std::ranges::find(m_names, takenOut) == m_names.end()) return;
+        if (!IsListed(takenOut)) return;
         m_checks.Run(takenOut, [&] {
             m_made.RequireAsMade(takenOut);
             m_history.RequireVersionIn(takenOut, version);

@@ -7,7 +7,9 @@ TEST_F(Titration, TheAcidOfVinegarIsComputed) {
     EXPECT_NE(run.out.find("* M = 60.05\n             DENSITY = 1.006\n           * EP = 16.5184\n"), std::string::npos)
         << run.out;
     const std::string report = m_folder.Read("results/report.txt");
-    EXPECT_TRUE(report.ends_with("Result     ACIDITY = 49.6 g/L\nLimits     from 45.0 to 55.0: kept\n")) << report;
+    EXPECT_TRUE(report.ends_with(
+        "Result     ACIDITY = 49.6 g/L\n           ± 0.24 g/L (k = 2)\nLimits     from 45.0 to 55.0: kept\n"))
+        << report;
     EXPECT_NE(run.out.find(report), std::string::npos) << run.out;
     EXPECT_TRUE(m_folder.Read("results/result.csv").ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));
     EXPECT_TRUE(m_folder.Read("results/variables.qel").starts_with("\6QWCalc\0041.01"));

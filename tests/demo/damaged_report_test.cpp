@@ -60,8 +60,15 @@ TEST_F(Verified, DamageWithSumsThatFitIsFoundByMakingItAgain) {
     ExpectFound(
         {
             {"curve-1.csv", Cut(0), "FAILED: version 1 in results.hcf: curve-1.csv: the file is empty"},
-            {"method-1.xml", Append("more"), "FAILED: method-1.xml: has other bytes than its "},
+            {"method-1.xml", Append("more"),
+             "FAILED: method-1.xml: has other bytes than its "},  // after a padded block
             {"curve-1.csv", FlipIn("9.31"), "FAILED: version 1 in results.hcf: its values are not those that "},
+            {"trace-1.json", FlipIn("49.6\""),
+             "FAILED: trace-1.json: rounded: \"59.6\" was recorded, \"49.6\" is computed"},
+            {"trace-1.json",
+             [](std::string& trace) { trace = Replaced(trace, "\"stated\": 0.002", "\"stated\": 0.001"); },
+             "FAILED: trace-1.json: "},
+            {"trace-1.json", FlipIn("method"), "FAILED: trace-1.json: is another computation than method-1.xml and"},
             {"report.txt", FlipIn("49.6 g"), "FAILED: report.txt: differs from what is made again"},
             {"report-1.job", FlipIn("width=\"4"), "FAILED: report-1.job: differs from what is made again"},
             {"curve.png", Flip(1000), "FAILED: curve.png: differs from what is made again"},
@@ -78,5 +85,5 @@ TEST_F(Verified, PicturesWithOtherFontsAreComparedBySumsAlone) {
     m_folder.Write("results/titration.log",
                    m_folder.Read("results/titration.log") + "[2222/01/03 09:05:07],logged on\r\n");
     const Outcome run = Verify();
-    EXPECT_TRUE(run.out.ends_with("\n26 checks, all right; 5 files were compared by checksums alone\n")) << run.out;
+    EXPECT_TRUE(run.out.ends_with("\n28 checks, all right; 5 files were compared by checksums alone\n")) << run.out;
 }

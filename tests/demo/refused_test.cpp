@@ -33,7 +33,7 @@ TEST_F(Titration, WrongDataAndSettingsAreRefusedInOneLine) {
          "settings.ini: line 3, [variables] ?? = 0: is not in UTF-8"},
         {good, Settings("EP", "[limit]\nlow = 1\n"),
          "settings.ini: line 10, [limit]: is in no known section; expected one of [curve], [result], [limits], "
-         "[variables]"},
+         "[variables], [uncertainties]"},
         {good, Settings("EP", "[variables]\n"),
          "settings.ini: line 10, [variables]: is in line 1 already; put all of it"},
         {good, Settings("EP", "color\n"), "settings.ini: line 10, [result] color: expected name = value; "},
@@ -44,6 +44,14 @@ TEST_F(Titration, WrongDataAndSettingsAreRefusedInOneLine) {
         {good, Replaced(Settings("EP"), "= mL", "= furlong"),
          "settings.ini: line 7, [result] unit: there is no unit \"furlong\"; expected"},
         {good, "[result]\n", "settings.ini: [result] end_point is missing; add a line \"end_point = ...\" to [result]"},
+        {good, Settings("EP", "[uncertainties]\nBLANK = standard 1\n"),
+         "settings.ini: line 11, [uncertainties] BLANK: there is no value with this name; expected one of [variables], "
+         "or that of the end point, EP"},
+        {good, Settings("EP", "[uncertainties]\nF = standard 1\nf = standard 1\n"), "[uncertainties] f: is in line 11"},
+        {good, Replaced(Settings("F + 1 - F"), "F = 1", "F = 1e16"),
+         "settings.ini: line 9, [result] formula: binary numbers give 0.000, and decimal ones 1.000"},
+        {good, Settings("EP * F", "[uncertainties]\nEP = standard 1, burette\nF = triangular 1, burette\n"),
+         "settings.ini: line 9, [result] formula: the result has no uncertainty: "},
         {good, Settings("EP", "[limits]\nlow = 2\nhigh = 1\n"),
          "settings.ini: line 11, [limits] low = 2: is above the high limit, 1; exchange the two"},
     };

@@ -125,4 +125,10 @@ TEST(Reading, OfAListThatRoundsItsValuesIsAskedFor) {
     EXPECT_FALSE(ReadingsOf(list, qel::RoundedList::kRefuse));
     const Reading reading = ReadingsOf(list, qel::RoundedList::kAccept)->front();
     EXPECT_EQ(Line({reading.Text(), reading.isFromBinary, *reading.places}), "16.52 1 2");
+    list.SetRoundUpDigit(4);
+    variable.m_dValue = 0.03;
+    list.AddVariableData(variable);
+    list.GetVariableData(0, &variable);
+    EXPECT_NE(variable.m_dValue, 0.03);
+    EXPECT_EQ(ReadingsOf(list, qel::RoundedList::kAccept)->back().Text(), "0.03");
 }

@@ -66,6 +66,7 @@ constexpr std::pair<const char*, const char*> kIncludeForeign[] = {
     {"gtk", "gtk/"},                      // what the companion library is about
     {"platform", "qellib10/decnumber/"},  // a header of decimal numbers, for its sources alone
     {"demo", "qellib10/qellib10.h"},      // an application takes the library as a whole
+    {"demo", "qellib10/quantity.h"},      //
     {"demo", "qellib10/record.h"},        //
     {"demo", "qellib10/store.h"},         //
     {"demo", "sys/syscall.h"},            //

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include <qellib10/qellib10.h>
+#include <qellib10/quantity.h>
+
+#include "demo/method/settings.h"
+
+namespace titration {
+
+struct Result;
+
+/// Computes a result a second time, in decimal numbers, from the values that the first computation has used: with each
+/// step, the rule of rounding, and the uncertainty. What went wrong is in Trace::Fault.
+/// @param variables with those used marked; rounded, where the list rounds them
+qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables);
+
+/// The result is rounded as a binary number, which counts what is below a half by up to a thousandth of its last place
+/// as the half. So it may differ from the rounded value of its trace; the result is what counts.
+/// @return a sentence about that, empty where both are the same
+std::string RoundingRemark(const Result& result);
+
+/// @throws Failure if the two computations differ by more than that, if there is no trace, and if it has no uncertainty
+/// although the method gives some for values that the formula uses
+void RequireTrace(const Result& result);
+
+/// "± 0.25 g/L (k = 2)"; empty without an uncertainty.
+std::string UncertaintyText(const Result& result);
+/// "half away from zero, 1 decimal places"
+std::string RuleText(const Result& result);
+
+}  // namespace titration

@@ -1,0 +1,35 @@
+#include "titration.h"
+
+TEST_F(Titration, UncertaintiesOfAMethodAreInTheTrace) {
+    for (const auto& [text, expected] : Cases<std::string, const char*>{
+             {"standard 0.3", "± 0.60 mL (k = 2)"},
+             {"rectangular 0.3", "± 0.35 mL (k = 2)"},
+             {"triangular 0,3, pipette", "± 0.24 mL (k = 2)"},
+             {"certificate 0.3 k 3", "± 0.20 mL (k = 2)"},
+             {"readings 0.3 n 4", "± 0.50 mL (k = 3.307)"},
+             {"standard 0.3, burette ;  standard 0.4", "± 1.0 mL (k = 2)"},
+         }) {
+        std::filesystem::remove_all(m_folder.Posix("results"));
+        const Outcome run = Run(Curve(100), Settings("EP", "[uncertainties]\nep = " + text + "\n"));
+        EXPECT_NE(run.out.find(expected), std::string::npos) << text << run.out << run.err;
+        EXPECT_EQ(Run("--verify --out results/first").status, 0) << "the method is read again";
+    }
+    for (const char* text :
+         {"", "0.3", "normal 0.3", "standard", "standard x", "standard -1", "standard 1 mL", "certificate 0.3",
+          "certificate 0.3 k 0", "readings 0.3 n 1", "readings 0.3 k 2", "standard 0.3,burette", "standard 1; "}) {
+        const Outcome run = Run(Curve(100), Settings("EP", std::string("[uncertainties]\nEP = ") + text + "\n"));
+        const bool isRight = std::string(text) == "standard 1; ";
+        EXPECT_EQ(run.err.find("settings.ini: line 11, [uncertainties] EP: \"") == 0, !isRight) << text << run.err;
+    }
+}
+
+// A binary 2.3494999 counts as 2.3495; nobody who rounds it by hand comes to 2.350.
+TEST_F(Titration, AResultThatIsRoundedOtherwiseByHandSaysSo) {
+    const Outcome run = Run(Curve(100), Replaced(Settings("F"), "F = 1", "F = 2.3494999"));
+    EXPECT_NE(run.out.find("Result     R = 2.350 mL\n           rounded as a binary number; as a decimal one it is "
+                           "2.349\n"),
+              std::string::npos)
+        << run.out << run.err;
+    EXPECT_NE(m_folder.Read("results/first/trace-1.json").find("\"rounded\": \"2.349\""), std::string::npos);
+    EXPECT_EQ(Run("--verify --out results/first").status, 0);
+}
