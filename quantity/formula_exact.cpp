@@ -36,7 +36,7 @@ public:
     const Decimal* Start(const FormulaStep& step) {
         if (step.operation != FormulaOperation::kVariable) return &WrittenOperand(m_program, step, Flags());
         const Reading& reading = m_readings[m_program.variables[step.index]];
-        m_isFromBinary |= reading.isFromBinary;
+        if (reading.isFromBinary) m_isFromBinary = true;
         if (reading.isInexact) Flags().isInexact = true;
         return &reading.value;
     }

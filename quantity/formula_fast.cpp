@@ -222,6 +222,8 @@ From SourceOf(Handler run) {
 FastFormula::FastFormula(const FormulaProgram& program) : m_rules(program.rules), m_stack(program.stack + 1) {
     if (program.steps.size() > kMostSteps) return;
     std::vector<std::size_t> places;  // of each step of the program
+    places.reserve(program.steps.size() + 1);
+    m_steps.reserve(program.steps.size() + 1);
     std::vector<bool> isTarget(program.steps.size() + 1);
     for (const FormulaStep& step : program.steps)
         if (Jumps(step.operation)) isTarget[step.index] = true;
@@ -240,17 +242,15 @@ FastFormula::FastFormula(const FormulaProgram& program) : m_rules(program.rules)
 
 // An operation whose operands are numbers or variables takes them from there and not from the stack.
 void FastFormula::AddStep(const FormulaProgram& program, const FormulaStep& step, std::size_t firstFree) {
-    Step fast{nullptr, {}, {}, nullptr, nullptr};
+    Operand first, last;
     if (step.operation == Operation::kNumber)
-        fast.right.number = program.numbers[step.index].nearest;
+        last.number = program.numbers[step.index].nearest;
     else if (step.operation == Operation::kConstant)
-        fast.right.number = ConstantValue(step.index);
+        last.number = ConstantValue(step.index);
     else if (step.operation == Operation::kVariable)
-        fast.right.index = static_cast<std::uint32_t>(program.variables[step.index]);
-    else if (step.operation == Operation::kRound)
-        fast.rule = &m_rules[step.index];
-    else
-        fast.right.index = step.index;
+        last.index = static_cast<std::uint32_t>(program.variables[step.index]);
+    else if (step.operation != Operation::kRound)
+        last.index = step.index;
     From left = From::kStack, right = From::kStack;
     if (TakesTwo(step.operation) && step.operation != Operation::kAnd && step.operation != Operation::kOr) {
         const auto taken = [&](Operand& operand) {
@@ -261,11 +261,14 @@ void FastFormula::AddStep(const FormulaProgram& program, const FormulaStep& step
             m_steps.pop_back();
             return from;
         };
-        right = taken(fast.right);
-        if (right != From::kStack) left = taken(fast.left);
+        right = taken(last);
+        if (right != From::kStack) left = taken(first);
     }
+    Step& fast = m_steps.emplace_back();
     fast.run = HandlerOf(step.operation, left, right);
-    m_steps.push_back(fast);
+    fast.left = first;
+    fast.right = last;
+    if (step.operation == Operation::kRound) fast.rule = &m_rules[step.index];
 }
 
 double FastFormula::Evaluate(const double* values) const {

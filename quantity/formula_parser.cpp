@@ -78,7 +78,7 @@ void FormulaParser::Expect(std::string expected) const {
 }
 
 FormulaToken FormulaParser::Taken() {
-    FormulaToken token = std::move(m_token);
+    const FormulaToken token = m_token;
     m_end = token.position + token.length;
     Advance();
     return token;
@@ -231,7 +231,7 @@ FormulaParser::Part FormulaParser::Word() {
     const bool isVariable = m_scope.Find(name.text).has_value();
     if (!isVariable && m_token.Is("(")) return Call(name);
     if (!isVariable && name.text.starts_with(kConstantPrefix)) {
-        const std::string_view wanted = std::string_view(name.text).substr(kConstantPrefix.size());
+        const std::string_view wanted = name.text.substr(kConstantPrefix.size());
         const auto constants = FormulaConstants();
         const auto found = std::ranges::find(constants, wanted, &FormulaConstant::name);
         if (found == constants.end()) {
@@ -318,7 +318,7 @@ RoundingRule FormulaParser::Rule() {
         rounding = found->second;
         Taken();
     }
-    std::string to = "places";
+    std::string_view to = "places";
     if (m_token.Is(",")) {
         Taken();
         if (!m_token.IsWord("places") && !m_token.IsWord("digits") && !m_token.IsWord("multiple"))

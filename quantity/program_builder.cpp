@@ -18,9 +18,22 @@ void ProgramBuilder::AddNumber(const WrittenNumber& number, const FormulaToken& 
 }
 
 void ProgramBuilder::AddVariable(std::size_t position, const FormulaToken& at) {
-    const auto [slot, isNew] = m_slots.emplace(position, m_program.variables.size());
-    if (isNew) m_program.variables.push_back(position);
-    Add(FormulaOperation::kVariable, at, slot->second, 1);
+    Add(FormulaOperation::kVariable, at, SlotOf(position), 1);
+}
+
+// Most formulas have few variables, which are found faster without a map.
+std::size_t ProgramBuilder::SlotOf(std::size_t position) {
+    constexpr std::size_t kFew = 16;
+    std::vector<std::size_t>& variables = m_program.variables;
+    const auto few = variables.begin() + static_cast<std::ptrdiff_t>(std::min(variables.size(), kFew));
+    const auto found = std::find(variables.begin(), few, position);
+    if (found != few) return static_cast<std::size_t>(found - variables.begin());
+    if (variables.size() >= kFew) {
+        const auto [slot, isNew] = m_slots.emplace(position, variables.size());
+        if (!isNew) return slot->second;
+    }
+    variables.push_back(position);
+    return variables.size() - 1;
 }
 
 void ProgramBuilder::AddRounding(const RoundingRule& rule, const FormulaToken& at) {

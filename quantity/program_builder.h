@@ -11,6 +11,8 @@ namespace qel {
 /// Puts a program together, step by step, and counts how many operands are on the stack at once.
 class ProgramBuilder {
 public:
+    ProgramBuilder() { m_program.steps.reserve(kUsual); }
+
     /// @param at its place in the text
     /// @param change of the number of operands by this step
     void Add(FormulaOperation operation, const FormulaToken& at, std::size_t index, int change);
@@ -29,8 +31,13 @@ public:
     FormulaProgram Finish(bool isTruth);
 
 private:
+    static constexpr std::size_t kUsual = 32;  // steps
+
+    std::size_t SlotOf(std::size_t position);
+
     FormulaProgram m_program;
-    std::unordered_map<std::size_t, std::size_t> m_slots;  // of variables, by position in the scope
+    std::unordered_map<std::size_t, std::size_t>
+        m_slots;  // of variables after the first ones, by position in the scope
     std::size_t m_stack = 0;
 };
 

@@ -18,8 +18,15 @@ constexpr char32_t Folded(char32_t letter) {
 
 // Bytes that are no UTF-8 stay as they are, so that two such names are never one by mistake.
 std::string FoldUtf8Name(std::string_view name) {
-    std::string folded;
-    for (std::size_t at = 0; at < name.size();) {
+    std::string folded(name);
+    std::size_t ascii = 0;
+    for (; ascii < name.size() && static_cast<unsigned char>(name[ascii]) < 0x80; ++ascii) {
+        const char c = name[ascii];
+        if (c >= 'A' && c <= 'Z') folded[ascii] = static_cast<char>(c + 0x20);
+    }
+    if (ascii == name.size()) return folded;
+    folded.resize(ascii);
+    for (std::size_t at = ascii; at < name.size();) {
         const std::size_t start = at;
         const char32_t letter = NextCharacter(name, at), small = Folded(letter);
         char units[kMaxUnits];
