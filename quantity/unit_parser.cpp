@@ -246,7 +246,7 @@ Unit UnitParser::Number() {
     if (*number == Decimal(1)) return {};
     const Unit unit = UnitMaker::Number(*number);
     // It has to be in range by itself.
-    if (!Unit::Multiply(Unit(), unit)) throw Refusal{Quoted(m_text) + " is out of the range of units"};
+    if (!MultiplyValues(UnitValue(), unit.Value())) throw Refusal{Quoted(m_text) + " is out of the range of units"};
     return unit;
 }
 

@@ -6,12 +6,15 @@
 namespace qel {
 namespace {
 
-constexpr int kLargestMagnitude = 300;
+constexpr int kLargestMagnitude = 300;  // of 1e300, and of 1e-300 below 0
 
 constexpr std::size_t At(BaseUnit base) { return static_cast<std::size_t>(base); }
 
+// A range that also has the inverse of each number.
 bool IsUsable(const Decimal& number) {
-    return number.IsFinite() && number > Decimal(0) && std::abs(number.Magnitude()) <= kLargestMagnitude;
+    DecimalFlags flags;
+    return number >= Decimal::Scaled(1, -kLargestMagnitude, flags) &&
+           number <= Decimal::Scaled(1, kLargestMagnitude, flags);
 }
 
 // With the smallest numbers that are easy to find: one of them is 1 where the other is a decimal number with an end.
@@ -19,15 +22,18 @@ std::optional<UnitValue> Reduced(UnitValue value) {
     if (!IsUsable(value.numerator) || !IsUsable(value.denominator)) return {};
     DecimalFlags flags;
     const Decimal quotient = Divide(value.numerator, value.denominator, flags);
-    if (!IsUsable(quotient)) return {};
     DecimalFlags inverseFlags;
     const Decimal inverse = Divide(value.denominator, value.numerator, inverseFlags);
+    if (!IsUsable(quotient)) return {};
     if (!flags.isInexact) {
         value.numerator = quotient.Reduced();
         value.denominator = Decimal(1);
     } else if (!inverseFlags.isInexact) {
         value.numerator = Decimal(1);
         value.denominator = inverse.Reduced();
+    } else {
+        value.numerator = value.numerator.Reduced();
+        value.denominator = value.denominator.Reduced();
     }
     return value;
 }

@@ -50,7 +50,7 @@ struct QELLIB10_API UnitValue {
     std::array<std::int8_t, kBaseUnits> powers = {};
     Decimal numerator = Decimal(1);
     Decimal denominator = Decimal(1);
-    bool isExact = true;                    ///< false where a digit is missing, as of pi, or is measured
+    bool isExact = true;                    ///< false where a digit is missing, as of pi, or it is measured
     std::uint8_t ratios = kRatioOfNothing;  ///< of RatioOf; where no base unit is left
 
     /// Whether no base unit is left.
