@@ -61,6 +61,7 @@ install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/exampl
   PATTERN gtk.cpp EXCLUDE
   PATTERN records.cpp EXCLUDE
   PATTERN uncertainty.cpp EXCLUDE
+  PATTERN units.cpp EXCLUDE
   PATTERN users.cpp EXCLUDE)
 if(TARGET qellib10-store)
   install(FILES docs/examples/users.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-store-dev/examples
@@ -72,7 +73,7 @@ if(TARGET qellib10-record)
   install(PROGRAMS docs/check-trail DESTINATION ${QELLIB10_EXAMPLES_DIR}-record-dev COMPONENT record-development)
 endif()
 if(TARGET qellib10-quantity)
-  install(FILES docs/examples/uncertainty.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples
+  install(FILES docs/examples/uncertainty.cpp docs/examples/units.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples
     COMPONENT quantity-development)
   install(DIRECTORY examples/quantity/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples/quantity
     COMPONENT quantity-development FILES_MATCHING PATTERN *.cpp)

@@ -1,5 +1,7 @@
 #include "qellib10/quantity/unit.h"
 
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "../support/output_of.h"
@@ -191,6 +193,13 @@ TEST(Unit, ARatioIsOneOfWhatWasDivided) {
     EXPECT_EQ(ratiosOf("mV/mV"), qel::kRatioOfNothing);
     EXPECT_EQ(ratiosOf("%(m/m)/%(m/m)"), qel::kRatioOfNothing);
     EXPECT_EQ(ratiosOf("5*%(m/m)"), qel::kRatioOfMasses);
+}
+
+TEST(Unit, ThePageHasAllCodes) {
+    std::ifstream file(QELLIB10_UNITS_PAGE);
+    const std::string page(std::istreambuf_iterator<char>(file), {});
+    for (const qel::UcumCode& code : qel::UcumCodes())
+        EXPECT_NE(page.find('`' + std::string(code.code) + '`'), std::string::npos) << code.code;
 }
 
 // What both know must be the same, or a text would change its meaning with udunits2 installed.
