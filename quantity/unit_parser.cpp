@@ -137,6 +137,8 @@ Unit UnitParser::Product() {
                    IsBlank(m_text[m_at + word.size()]);
         };
         bool isDivision = false;
+        if (Rest().starts_with('.') && m_at + 1 < m_text.size() && IsDigit(m_text[m_at + 1]))
+            throw Refusal{Quoted(m_text) + ": a point before a digit is neither a product nor a whole exponent"};
         if (Take("/") || ((isWord("per") || isWord("PER")) && (m_at += 3) > 0))
             isDivision = true;
         else if (!Take("*") && !Take(".") && !Take("-") && !Take(kDots[0]) && !Take(kDots[1]) && !StartsAtom())
@@ -155,6 +157,10 @@ Unit UnitParser::Power() {
     const Unit base = Atom();
     const std::optional<int> exponent = Exponent();
     if (!exponent) return base;
+    // The digits of m^2-1, m²3 and m^0.5 are no factor.
+    const std::size_t sign = Rest().starts_with('.') || Rest().starts_with('-') ? 1 : 0;
+    if (m_at + sign < m_text.size() && IsDigit(m_text[m_at + sign]))
+        throw Refusal{Quoted(m_text) + ": an exponent is one whole number"};
     if (base.HasOffset()) throw Refusal{Quoted(m_text) + ": a temperature such as °C has no powers; K has"};
     const std::optional<Unit> power = Unit::Power(base, *exponent);
     if (!power) throw Refusal{Quoted(m_text) + " is out of the range of units"};
@@ -184,7 +190,8 @@ std::optional<int> UnitParser::Exponent() {
 std::optional<int> UnitParser::Superscript() {
     int exponent = 0, digits = 0;
     bool isNegative = false;
-    for (std::size_t taken = 0;; ++taken) {
+    std::size_t taken = 0;
+    for (;; ++taken) {
         const auto sign =
             std::ranges::find_if(kSuperscripts, [&](std::string_view s) { return Rest().starts_with(s); });
         if (sign == kSuperscripts.end()) break;
@@ -198,7 +205,8 @@ std::optional<int> UnitParser::Superscript() {
         exponent = exponent * 10 + digit;
         if (++digits > 3) throw Refusal{Quoted(m_text) + " is out of the range of units"};
     }
-    if (digits == 0) return {};
+    if (taken == 0) return {};
+    if (digits == 0) RefuseHere();
     return isNegative ? -exponent : exponent;
 }
 
