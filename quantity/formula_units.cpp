@@ -7,6 +7,7 @@
 
 #include "qellib10/quantity/formula_constants.h"
 #include "qellib10/quantity/unit_binder.h"
+#include "qellib10/quantity/unit_maker.h"
 
 namespace qel {
 namespace {
@@ -129,7 +130,7 @@ void UnitBinder::ConvertTo(const Unit& wanted, Operand& whole) {
         Refuse(whole.place, NameOfUnit(whole.unit) + " is not converted to " + NameOfUnit(wanted) + hint);
     }
     Convert(whole, *conversion);
-    whole.unit = wanted;
+    whole.unit = whole.unit.IsDifference() ? UnitMaker::Difference(wanted) : wanted;
 }
 
 std::optional<BoundFormula> BindUnits(const FormulaProgram& program, std::span<const Unit> units,

@@ -48,6 +48,9 @@ public:
     const Decimal& Offset() const noexcept { return m_offset; }
     /// Whether it is a temperature such as degrees Celsius, whose zero is not the absolute one: no product has it.
     bool HasOffset() const noexcept { return !m_offset.IsZero(); }
+    /// Whether it is K of a difference of temperatures, as °C - °C gives in a formula, or has it as a factor: it
+    /// converts to no unit with an offset. Units that are read are none.
+    bool IsDifference() const noexcept { return m_isDifference; }
     /// Whether it is 1 and a ratio of nothing: the unit of a number that a formula has.
     bool IsNumber() const noexcept { return *this == Unit(); }
 
@@ -59,7 +62,7 @@ public:
     /// @return nothing also where a power is odd
     static std::optional<Unit> SquareRoot(const Unit& a);
 
-    /// Whether values mean the same in both, however the units are named.
+    /// Whether values mean the same in both, however the units are named, and whether or not they are differences.
     friend bool operator==(const Unit& a, const Unit& b) noexcept {
         return a.m_value == b.m_value && a.m_offset == b.m_offset;
     }
@@ -78,6 +81,7 @@ private:
 
     UnitValue m_value;
     Decimal m_offset;
+    bool m_isDifference = false;
     std::vector<Term> m_terms;
 };
 
@@ -92,11 +96,12 @@ struct QELLIB10_API UnitConversion {
     Decimal Of(const Decimal& value, DecimalFlags& flags) const noexcept;
 };
 
-/// Whether values of both can be added: the same dimensions, and of ratios the same basis.
+/// Whether values of both can be added or compared: the same dimensions, of ratios the same basis, and not a difference
+/// of temperatures with a temperature such as °C.
 QELLIB10_API bool IsSameKind(const Unit& a, const Unit& b) noexcept;
 
-/// @return nothing where the kinds differ. A ratio becomes a plain number, since it is one; a plain number becomes no
-/// ratio of masses, volumes or amounts.
+/// @return nothing where the kinds differ, and of a difference of temperatures to a temperature such as °C. A ratio
+/// becomes a plain number, since it is one; a plain number becomes no ratio of masses, volumes or amounts.
 QELLIB10_API std::optional<UnitConversion> ConversionOf(const Unit& from, const Unit& to);
 
 /// @param molarMass in g/mol, above 0: by it alone amounts become masses and masses amounts, also within a

@@ -6,6 +6,11 @@ namespace {
 // A molar mass changes neither a number nor a ratio of volumes or amounts.
 bool HasMolarMass(const UnitValue& value) { return !value.IsRatio() || (value.ratios & kRatioOfMasses) != 0; }
 
+// 5 K between two temperatures are not -268.15 °C.
+bool IsDifferenceWithZero(const Unit& a, const Unit& b) {
+    return (a.IsDifference() && b.HasOffset()) || (a.HasOffset() && b.IsDifference());
+}
+
 }  // namespace
 
 bool UnitConversion::IsNothing() const noexcept {
@@ -22,13 +27,15 @@ Decimal UnitConversion::Of(const Decimal& value, DecimalFlags& flags) const noex
     return result;
 }
 
-bool IsSameKind(const Unit& a, const Unit& b) noexcept { return a.Value().IsSameKind(b.Value()); }
+bool IsSameKind(const Unit& a, const Unit& b) noexcept {
+    return a.Value().IsSameKind(b.Value()) && !IsDifferenceWithZero(a, b);
+}
 
 std::optional<UnitConversion> ConversionOf(const Unit& from, const Unit& to) {
     const UnitValue& source = from.Value();
     const UnitValue& target = to.Value();
     const bool becomesNumber = source.IsRatio() && target.IsRatio() && target.ratios == kRatioOfNothing;
-    if (!source.IsSameKind(target) && !becomesNumber) return {};
+    if ((!source.IsSameKind(target) && !becomesNumber) || IsDifferenceWithZero(from, to)) return {};
     const std::optional<UnitValue> factor = DivideValues(source, target);
     if (!factor) return {};
     UnitConversion conversion;

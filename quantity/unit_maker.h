@@ -25,6 +25,11 @@ public:
         return unit;
     }
 
+    static Unit Difference(Unit unit) {
+        unit.m_isDifference = true;
+        return unit;
+    }
+
     /// @param number positive, and not 1
     static Unit Number(const Decimal& number) {
         UnitValue value;

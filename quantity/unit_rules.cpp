@@ -1,6 +1,7 @@
 #include "qellib10/quantity/operation_name.h"
 #include "qellib10/quantity/unit_binder.h"
 #include "qellib10/quantity/unit_maker.h"
+#include "qellib10/quantity/unit_symbols.h"
 
 namespace qel {
 namespace {
@@ -20,7 +21,11 @@ bool IsNumberWithRatio(const Unit& a, const Unit& b) {
 
 }  // namespace
 
-std::string NameOfUnit(const Unit& unit) { return unit.IsNumber() ? "a number without unit" : unit.Text(); }
+std::string NameOfUnit(const Unit& unit) {
+    if (unit.IsDifference() && unit.Value().powers == ValueOf(BaseUnit::kKelvin).powers)
+        return "a difference in " + unit.Text();
+    return unit.IsNumber() ? "a number without unit" : unit.Text();
+}
 
 UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const FormulaStep& step,
                                        const std::string& verb) {
@@ -36,6 +41,7 @@ UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const For
             IsSameKind(first.unit, second.unit) ? ConversionOf(second.unit, first.unit) : std::nullopt;
         if (!conversion) Refuse(step, NameOfUnit(first.unit) + " and " + NameOfUnit(second.unit) + " " + verb);
         Convert(second, *conversion);
+        if (second.unit.IsDifference()) first.unit = UnitMaker::Difference(std::move(first.unit));
     }
     return {std::move(first.unit), step, m_bound.End(), literal};
 }
@@ -111,7 +117,7 @@ Unit UnitBinder::Sum(const FormulaStep& step, Operand& left, Operand& right) {
     if (left.unit.HasOffset() == isTemperature) {
         if (isSum && isTemperature) Refuse(step, kNoTemperature);
         const Unit unit = Agreed(left, right, step, verb).unit;
-        return isTemperature ? UnitMaker::OfValue(unit.Value()) : unit;
+        return isTemperature ? UnitMaker::Difference(UnitMaker::OfValue(unit.Value())) : unit;
     }
     // A temperature and a difference of temperatures.
     if (isTemperature && !isSum) Refuse(step, kNoTemperature);
