@@ -143,7 +143,7 @@ private:
             case Operation::kSqrt:
                 return Defined(step, range, true, SquareRoot);
             case Operation::kExp:
-                return OpenAtZero(Grown(range, Exponential, m_happened));
+                return Grown(range, Exponential, m_happened);
             case Operation::kLn:
                 return Defined(step, range, false, NaturalLogarithm);
             case Operation::kLog10:
@@ -153,12 +153,6 @@ private:
             default:
                 return RoundedBy(m_program.rules[step.index], range);
         }
-    }
-
-    // No power of e is 0.
-    static Interval OpenAtZero(Interval range) {
-        range.lower.isOpen |= range.lower.value.IsZero();
-        return range;
     }
 
     Known OfRanges(const FormulaStep& step, const Interval& a, const Interval& b) {

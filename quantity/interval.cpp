@@ -27,42 +27,86 @@ bool IsAfter(const Bound& a, const Bound& b) {
     return a.value > b.value || (a.value == b.value && !a.isOpen && b.isOpen);
 }
 
-Interval Spanned(const std::array<Bound, 4>& ends, const std::optional<std::size_t>& cause) {
-    Interval all{ends[0], ends[0], cause};
-    for (const Bound& end : ends) {
-        if (IsBefore(end, all.lower)) all.lower = end;
-        if (IsAfter(end, all.upper)) all.upper = end;
+const Decimal& Greatest() {
+    static const Decimal greatest = [] {
+        DecimalFlags ignored;
+        return Decimal::OfText("9.999999999999999999999999999999999E+6144", ignored);
+    }();
+    return greatest;
+}
+
+// The number next to 0.
+const Decimal& Least() {
+    static const Decimal least = [] {
+        DecimalFlags ignored;
+        return Decimal::Scaled(1, -6176, ignored);
+    }();
+    return least;
+}
+
+// The value at an end of the operands as a lower and as an upper bound. Where it is past the range of the numbers, or
+// digits were lost near 0, each bound is the next number on its side, so that no possible value is left out.
+template <class Compute> Interval Ends(bool isOpen, DecimalFlags& flags, Compute compute) {
+    DecimalFlags happened;
+    const Decimal value = compute(happened);
+    flags.Join(happened);
+    if (value.IsNan()) return Interval::Everything({});
+    if (value.IsInfinite())
+        return value.IsNegative() ? Interval{{value, true}, {-Greatest(), true}, {}}
+                                  : Interval{{Greatest(), true}, {value, true}, {}};
+    const bool isNearZero = happened.isTooSmall || (value.IsZero() && happened.isInexact);
+    if (!isNearZero) return {{value, isOpen}, {value, isOpen}, {}};
+    if (value.IsZero())
+        return value.IsNegative() ? Interval{{-Least(), true}, {{}, true}, {}}
+                                  : Interval{{{}, true}, {Least(), true}, {}};
+    DecimalFlags exact;
+    return {{Subtract(value, Least(), exact), true}, {Add(value, Least(), exact), true}, {}};
+}
+
+Interval Spanned(const std::array<Interval, 4>& ends, const std::optional<std::size_t>& cause) {
+    Interval all{ends[0].lower, ends[0].upper, cause};
+    for (const Interval& end : ends) {
+        if (IsBefore(end.lower, all.lower)) all.lower = end.lower;
+        if (IsAfter(end.upper, all.upper)) all.upper = end.upper;
     }
     return all;
 }
 
+Interval At(const Bound& bound) { return {bound, bound, {}}; }
+
 // 0 times anything is 0, also times a side of which nothing is known: that is no number either.
-Bound Times(const Bound& a, const Bound& b, DecimalFlags& flags) {
+Interval Times(const Bound& a, const Bound& b, DecimalFlags& flags) {
     const bool isZero = (a.value.IsZero() && !a.isOpen) || (b.value.IsZero() && !b.isOpen);
-    if (isZero) return {};
-    if (a.value.IsZero() || b.value.IsZero()) return {Decimal(), true};
-    return {Multiply(a.value, b.value, flags), a.isOpen || b.isOpen};
+    if (isZero) return At({});
+    if (a.value.IsZero() || b.value.IsZero()) return At({Decimal(), true});
+    return Ends(a.isOpen || b.isOpen, flags,
+                [&](DecimalFlags& happened) { return Multiply(a.value, b.value, happened); });
 }
 
 // Of a divisor without 0; an end of it at 0 is open, and the quotients grow without end towards it.
-Bound By(const Bound& a, const Bound& b, int sign, DecimalFlags& flags) {
-    if (a.value.IsZero()) return {Decimal(), a.isOpen};
-    if (b.value.IsInfinite()) return {Decimal(), true};
-    if (b.value.IsZero()) return {a.value.IsNegative() == (sign < 0) ? Infinity() : -Infinity(), true};
-    return {Divide(a.value, b.value, flags), a.isOpen || b.isOpen};
+Interval By(const Bound& a, const Bound& b, int sign, DecimalFlags& flags) {
+    if (a.value.IsZero()) return At({Decimal(), a.isOpen});
+    if (b.value.IsInfinite()) return At({Decimal(), true});
+    if (b.value.IsZero()) return At({a.value.IsNegative() == (sign < 0) ? Infinity() : -Infinity(), true});
+    return Ends(a.isOpen || b.isOpen, flags,
+                [&](DecimalFlags& happened) { return Divide(a.value, b.value, happened); });
 }
 
 Interval Everywhere(const Interval& a, const Interval& b) { return Interval::Everything(CauseOf(a, b)); }
 
 // The function of each bound, where it grows or falls with its argument.
-template <class Function> Interval Monotone(const Interval& a, bool grows, Function function) {
-    const Bound first{function(a.lower.value), a.lower.isOpen}, last{function(a.upper.value), a.upper.isOpen};
-    return grows ? Interval{first, last, a.cause} : Interval{last, first, a.cause};
+template <class Function> Interval Monotone(const Interval& a, bool grows, DecimalFlags& flags, Function function) {
+    const auto ends = [&](const Bound& bound) {
+        return Ends(bound.isOpen, flags, [&](DecimalFlags& happened) { return function(bound.value, happened); });
+    };
+    const Interval first = ends(a.lower), last = ends(a.upper);
+    return grows ? Interval{first.lower, last.upper, a.cause} : Interval{last.lower, first.upper, a.cause};
 }
 
+// Also of more digits than fit, where there is no remainder.
 bool IsEven(const Decimal& whole) {
     DecimalFlags ignored;
-    return Remainder(whole, Decimal(2), ignored).IsZero();
+    return whole.Reduced().Exponent() > 0 || Remainder(whole, Decimal(2), ignored).IsZero();
 }
 
 }  // namespace
@@ -104,9 +148,11 @@ Interval Absolute(const Interval& a) {
 }
 
 Interval Sum(const Interval& a, const Interval& b, DecimalFlags& flags) {
-    return {{Add(a.lower.value, b.lower.value, flags), a.lower.isOpen || b.lower.isOpen},
-            {Add(a.upper.value, b.upper.value, flags), a.upper.isOpen || b.upper.isOpen},
-            CauseOf(a, b)};
+    const auto ends = [&](const Bound& left, const Bound& right) {
+        return Ends(left.isOpen || right.isOpen, flags,
+                    [&](DecimalFlags& happened) { return Add(left.value, right.value, happened); });
+    };
+    return {ends(a.lower, b.lower).lower, ends(a.upper, b.upper).upper, CauseOf(a, b)};
 }
 
 Interval Product(const Interval& a, const Interval& b, DecimalFlags& flags) {
@@ -128,15 +174,15 @@ Interval PowerOf(const Interval& base, const Interval& exponent, DecimalFlags& f
     if (exponent.IsPoint()) {
         const Decimal& power = exponent.lower.value;
         if (power < zero) return Quotient(Interval::Point(Decimal(1)), PowerOf(base, Negated(exponent), flags), flags);
-        const auto raised = [&](const Decimal& value) { return Power(value, power, flags); };
+        const auto raised = [&](const Decimal& value, DecimalFlags& happened) { return Power(value, power, happened); };
         if (power.IsZero()) return base.HasZero() ? Everywhere(base, exponent) : Interval::Point(Decimal(1));
-        if (power.IsInteger()) return Monotone(IsEven(power) ? Absolute(base) : base, true, raised);
-        return base.lower.value < zero ? Everywhere(base, exponent) : Monotone(base, true, raised);
+        if (power.IsInteger()) return Monotone(IsEven(power) ? Absolute(base) : base, true, flags, raised);
+        return base.lower.value < zero ? Everywhere(base, exponent) : Monotone(base, true, flags, raised);
     }
     const Decimal& number = base.lower.value;
     if (!base.IsPoint() || number <= zero) return Everywhere(base, exponent);
-    const auto raised = [&](const Decimal& value) { return Power(number, value, flags); };
-    Interval power = Monotone(exponent, number >= Decimal(1), raised);
+    const auto raised = [&](const Decimal& value, DecimalFlags& happened) { return Power(number, value, happened); };
+    Interval power = Monotone(exponent, number >= Decimal(1), flags, raised);
     power.cause = CauseOf(base, exponent);
     return power;
 }
@@ -150,7 +196,7 @@ Interval RoundedBy(const RoundingRule& rule, const Interval& a) {
 }
 
 Interval Grown(const Interval& a, GrowingFunction function, DecimalFlags& flags) {
-    return Monotone(a, true, [&](const Decimal& value) { return function(value, flags); });
+    return Monotone(a, true, flags, function);
 }
 
 Truth IsLess(const Interval& a, const Interval& b) {

@@ -13,8 +13,9 @@
 namespace qel {
 
 /// All numbers between two bounds, which are infinite where nothing is known of that side. A bound is rounded half to
-/// even like any other result, so it is as exact as one. Reasons of a computation are kept: the variable because of
-/// which it is more than one number.
+/// even like any other result, so it is as exact as one. Where a result is past the range of the numbers, or loses
+/// digits near 0, its bounds are the next numbers on both sides of it: a statement stays true. Reasons of a computation
+/// are kept: the variable because of which it is more than one number.
 struct Interval {
     struct Bound {
         Decimal value;
@@ -30,7 +31,8 @@ struct Interval {
     static Interval Everything(const std::optional<std::size_t>& cause);
     static Interval Of(const Reading& reading, std::size_t position);
 
-    bool IsPoint() const { return lower.value == upper.value; }
+    /// Whether it is one number; an infinite bound is none.
+    bool IsPoint() const { return lower.value == upper.value && lower.value.IsFinite(); }
     bool IsBoundedBelow() const { return lower.value.IsFinite(); }
     bool IsBoundedAbove() const { return upper.value.IsFinite(); }
     /// Whether 0 is possible.

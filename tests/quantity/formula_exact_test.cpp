@@ -32,7 +32,7 @@ TEST(FormulaExact, StepsAreListedWithWhatHappened) {
     EXPECT_EQ(Line({steps[2].position, steps[2].length}), "3 1");
 }
 
-// Any numbers that the readings may be give a result that the interval has.
+// Any numbers that the readings may be give a result that the interval has, also at the ends of the range.
 TEST(FormulaExact, EveryPossibleValueIsWithinTheInterval) {
     const std::vector<std::string> operations = {"+", "-", "*", "/"};
     std::mt19937_64 random(5);
@@ -42,7 +42,8 @@ TEST(FormulaExact, EveryPossibleValueIsWithinTheInterval) {
         std::string text = "X";
         for (int k = 0; k < 3; ++k) {
             const std::string& operation = operations[static_cast<std::size_t>(pick(4))];
-            const std::string operand = pick(3) == 0 ? "X" : std::to_string(pick(9) - 4);
+            const std::string number = std::to_string(pick(9) - 4);
+            const std::string operand = pick(3) == 0 ? "X" : pick(6) == 0 ? (pick(2) ? "10^6144" : "10^-6176") : number;
             text = "(" + text + operation + "(" + operand + "))";
             if (pick(5) == 0) text = "(1" + operation + text + ")";
         }
