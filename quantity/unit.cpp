@@ -13,10 +13,22 @@ namespace qel {
 namespace {
 
 constexpr std::size_t kMostTerms = 32;
-constexpr std::array kRatioNames = {
-    std::pair{kRatioOfMasses, "g/g"},
-    std::pair{kRatioOfVolumes, "L/L"},
-    std::pair{kRatioOfAmounts, "mol/mol"},
+// Factors that are read as a ratio of the kind.
+struct RatioName {
+    int ratios;
+    const char* symbol;
+    RatioOf meaning;  // of the symbol
+};
+constexpr RatioName kRatioNames[] = {
+    {kRatioOfMasses, "g/g", kRatioOfMasses},
+    {kRatioOfVolumes, "L/L", kRatioOfVolumes},
+    {kRatioOfAmounts, "mol/mol", kRatioOfAmounts},
+    {kRatioOfMasses | kRatioOfVolumes, "((g/L)/(g/L))", RatioOf{kRatioOfMasses | kRatioOfVolumes}},
+    {kRatioOfMasses | kRatioOfAmounts, "((g/mol)/(g/mol))", RatioOf{kRatioOfMasses | kRatioOfAmounts}},
+    {kRatioOfVolumes | kRatioOfAmounts, "((mol/L)/(mol/L))", RatioOf{kRatioOfVolumes | kRatioOfAmounts}},
+    {kRatioOfAny, "((g*mol/L)/(g*mol/L))", kRatioOfAny},
+    {kRatioOfMixed, "g/g", kRatioOfMasses},
+    {kRatioOfMixed, "L/L", kRatioOfVolumes},
 };
 
 UnitValue Ratio(RatioOf ratio) {
@@ -86,8 +98,8 @@ void Unit::NameByValue() {
         if (m_value.powers[i] != 0)
             m_terms.push_back({std::string(BaseUnitSymbol(static_cast<BaseUnit>(i))), ValueOf(static_cast<BaseUnit>(i)),
                                m_value.powers[i]});
-    for (const auto& [ratio, name] : kRatioNames)
-        if ((m_value.ratios & ratio) != 0) m_terms.push_back({name, Ratio(ratio), 1});
+    for (const RatioName& name : kRatioNames)
+        if (m_value.ratios == name.ratios) m_terms.push_back({name.symbol, Ratio(name.meaning), 1});
 }
 
 std::optional<Unit> Unit::Combined(const Unit& a, const Unit& b, int sign) {

@@ -136,6 +136,9 @@ Unit UnitParser::Product() {
             return Rest().starts_with(word) && m_at + word.size() < m_text.size() &&
                    IsBlank(m_text[m_at + word.size()]);
         };
+        if (isWord("as"))
+            throw Refusal{Quoted(m_text) + ": a unit does not say of which substance it is, as " + Quoted(Rest()) +
+                          " does"};
         bool isDivision = false;
         if (Rest().starts_with('.') && m_at + 1 < m_text.size() && IsDigit(m_text[m_at + 1]))
             throw Refusal{Quoted(m_text) + ": a point before a digit is neither a product nor a whole exponent"};
@@ -258,6 +261,24 @@ Unit UnitParser::Number() {
     return unit;
 }
 
+// "(m/m)", also after blanks, and there without its brackets: "% w/w" is no percent times metre per metre.
+std::string UnitParser::Basis() {
+    const std::size_t before = m_at;
+    SkipBlanks();
+    const bool hasBlank = m_at > before, hasBrackets = Take("(");
+    const auto isOf = [](char c) { return std::string_view("mwvn").find(c) != std::string_view::npos; };
+    std::string basis(Rest().substr(0, std::string_view("m/m").size()));
+    if ((hasBlank || hasBrackets) && basis.size() == 3 && isOf(basis[0]) && basis[1] == '/' && isOf(basis[2])) {
+        m_at += basis.size();
+        if (hasBrackets ? Take(")") : NameCharacter(Rest()) == 0) {
+            std::ranges::replace(basis, 'w', 'm');
+            return '(' + basis + ')';
+        }
+    }
+    m_at = before;
+    return {};
+}
+
 Unit UnitParser::Name() {
     const std::size_t start = m_at;
     while (const std::size_t length = NameCharacter(Rest())) m_at += length;
@@ -265,17 +286,7 @@ Unit UnitParser::Name() {
     while (m_at > start && IsDigit(m_text[m_at - 1])) --m_at;
     if (m_at == start) RefuseHere();
     std::string name(m_text.substr(start, m_at - start));
-    if (name == "%" || name == "ppm" || name == "ppb") {
-        const std::string_view basis = Rest().substr(0, std::string_view("(m/m)").size());
-        const bool isBasis = basis.size() == 5 && basis[0] == '(' && basis[2] == '/' && basis[4] == ')' &&
-                             std::string_view("mwvn").find(basis[1]) != std::string_view::npos;
-        if (isBasis) {
-            name += basis;
-            std::ranges::replace(name.begin() + static_cast<std::ptrdiff_t>(name.size() - basis.size()), name.end(),
-                                 'w', 'm');
-            m_at += basis.size();
-        }
-    }
+    if (name == "%" || name == "ppm" || name == "ppb") name += Basis();
     return Meaning(name, m_depth);
 }
 
@@ -288,7 +299,7 @@ Unit UnitParser::Meaning(std::string_view name, int depth) {
     for (const UnitPrefix& prefix : UnitPrefixes()) {
         if (!name.starts_with(prefix.symbol)) continue;
         const auto root = std::ranges::find_if(symbols, [&](const UnitSymbol& each) {
-            return each.takesPrefix && each.symbol == name.substr(prefix.symbol.size());
+            return each.Takes(prefix.symbol) && each.symbol == name.substr(prefix.symbol.size());
         });
         if (root != symbols.end()) return Named(name, root->definition, prefix.factor, root->isExact, depth);
     }

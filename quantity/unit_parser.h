@@ -37,6 +37,7 @@ private:
     Unit Atom();
     Unit Number();
     Unit Name();
+    std::string Basis();
     std::optional<int> Exponent();
     std::optional<int> Superscript();
     std::optional<Decimal> ReadNumber();

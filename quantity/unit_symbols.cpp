@@ -7,7 +7,9 @@ namespace qel {
 namespace {
 
 constexpr std::array<std::string_view, kBaseUnits> kBaseSymbols = {
-    "m", "kg", "s", "A", "K", "mol", "cd", "rad", "eq", "kgKOH", "pH", "%", "ppm", "ppb", "times", "IU", "osm"};
+    "m", "kg", "s", "A", "K", "mol", "cd", "rad", "eq", "kgKOH", "pH", "%", "ppm", "ppb", "times", "IU", "osm", "EU"};
+
+constexpr std::string_view kOfActivity = " k M m µ μ u n ";
 
 // clang-format off
 constexpr UnitSymbol kSymbols[] = {
@@ -32,7 +34,9 @@ constexpr UnitSymbol kSymbols[] = {
     {"gKOH", "0.001*kgKOH", true},
     {"osm", "osm", true},
     {"IU", "IU", true},
-    {"U", "10^-6*mol/min", true},  // of enzymes
+    // Of enzymes. EU are endotoxin units, not exa: only the prefixes that laboratories use.
+    {"U", "10^-6*mol/min", true, true, kOfActivity},
+    {"EU", "EU", true, true, kOfActivity},
     {"kat", "mol/s", true},
 
     // Electricity.

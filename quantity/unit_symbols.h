@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "qellib10/quantity/unit_value.h"
@@ -14,6 +15,12 @@ struct UnitSymbol {
     std::string_view definition;  ///< by other symbols; as Unit::Parse reads it
     bool takesPrefix = false;     ///< of the SI: m for milli
     bool isExact = true;          ///< false where the definition is measured
+    std::string_view prefixes{};  ///< where not all: those it takes, each between blanks
+
+    bool Takes(std::string_view prefix) const {
+        if (!takesPrefix || prefixes.empty()) return takesPrefix;
+        return prefixes.find(' ' + std::string(prefix) + ' ') != std::string_view::npos;
+    }
 };
 
 /// All of them, but for the base units.

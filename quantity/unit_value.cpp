@@ -70,6 +70,18 @@ std::uint8_t RatiosOf(const UnitValue& value) {
     return ratios;
 }
 
+// Of a product, where 0 is a plain number. 5 %(m/m) of 2 %(v/v) is no mass fraction.
+std::uint8_t ProductOfRatios(std::uint8_t a, std::uint8_t b) {
+    if (a == kRatioOfNothing || b == kRatioOfNothing) return a | b;
+    if ((a & b) == 0) return kRatioOfMixed;
+    return a & b;
+}
+
+std::uint8_t QuotientOfRatios(std::uint8_t a, std::uint8_t b) {
+    if ((a & b) != 0) return kRatioOfNothing;  // a mass fraction by a mass fraction is a number
+    return ProductOfRatios(a, b);
+}
+
 }  // namespace
 
 bool UnitValue::IsRatio() const noexcept {
@@ -92,7 +104,7 @@ std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b) 
         if (!a.IsRatio())
             result->ratios = kRatioOfAny;
         else
-            result->ratios = a.ratios | b.ratios;
+            result->ratios = ProductOfRatios(a.ratios, b.ratios);
     }
     return result;
 }
@@ -103,7 +115,7 @@ std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b) {
         if (!a.IsRatio())
             result->ratios = RatiosOf(a);
         else
-            result->ratios = a.ratios ^ b.ratios;  // a mass fraction by a mass fraction is a number
+            result->ratios = QuotientOfRatios(a.ratios, b.ratios);
     }
     return result;
 }

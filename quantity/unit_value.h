@@ -30,8 +30,9 @@ enum class BaseUnit : std::uint8_t {
     kTimes,              ///< a count
     kInternationalUnit,  ///< of biological activity, defined for each substance
     kOsmole,
+    kEndotoxinUnit,  ///< EU, as in EU/mL
 };
-inline constexpr std::size_t kBaseUnits = 17;
+inline constexpr std::size_t kBaseUnits = 18;
 
 /// What a ratio of two units of the same dimensions is a ratio of. A mass fraction is not a volume fraction.
 enum RatioOf : std::uint8_t {
@@ -40,6 +41,7 @@ enum RatioOf : std::uint8_t {
     kRatioOfVolumes = 2,  ///< (v/v)
     kRatioOfAmounts = 4,  ///< (n/n)
     kRatioOfAny = 7,      ///< which of them does not follow from the units
+    kRatioOfMixed = 8,    ///< a product of different ones, such as (m/m) times (v/v): converts to itself and to numbers
 };
 
 /// The value of a unit: numerator / denominator times the product of powers of the base units. Two numbers, since 1/60
@@ -65,7 +67,8 @@ struct QELLIB10_API UnitValue {
 /// @return nothing where a power is past kMostPower or the factor past 1e300 or below 1e-300
 ///
 /// A ratio of two units of mass, volume or amount is one of that. What cancels when units are multiplied, such as
-/// 1/mL and mL, may be any.
+/// 1/mL and mL, may be any. A product of ratios is what all of them may be; where that is nothing, it is kRatioOfMixed.
+/// A quotient of like ratios is a plain number.
 std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power);

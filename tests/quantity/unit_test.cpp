@@ -91,6 +91,12 @@ TEST(Unit, ConvertsExactly) {
              {"1", "mg/100 mL", "mg*mL", "0.01"},  // from left to right
              {"1", "degree", "rad", "~0.017453292519943295"},
              {"3", "回", "times", "3"},
+             {"2", "kEU/L", "EU/mL", "2"},
+             {"2", "MU/L", "kU/mL", "2"},
+             {"2", "% (w/w)", "mg/g", "20"},
+             {"2", "ppm m/m", "mg/kg", "2"},
+             {"2", "% / min", "%/h", "120"},
+             {"5", "%(m/m)*%(v/v)", "1", "0.0005"},
              // What converts to nothing else.
              {"1", "%(m/m)", "%(v/v)", "none"},
              {"1", "%", "%(m/m)", "none"},
@@ -104,6 +110,11 @@ TEST(Unit, ConvertsExactly) {
              {"1", "mgKOH/g", "mg/g", "none"},
              {"1", "times", "1", "none"},
              {"1", "IU/L", "U/L", "none"},
+             {"1", "EU/L", "U/L", "none"},
+             {"1", "EU", "IU", "none"},
+             {"1", "%(m/m)*%(v/v)", "%(m/m)", "none"},
+             {"1", "%(m/m)/%(v/v)", "%(v/v)", "none"},
+             {"1", "%(m/m)*%(v/v)/%(v/v)", "%(v/v)", "none"},
              {"1", "mg", "mL", "none"},
          })
         EXPECT_EQ(Converted(value, from, to), expected) << from << " -> " << to;
@@ -149,6 +160,9 @@ TEST(Unit, ErrorsSayWhatIsWrong) {
              {"m^99999999999", "\"m^99999999999\" is out of the range of units"},
              {"1e400 m", "\"1e400 m\" is out of the range of units"},
              {"0 m", "\"0 m\": a unit is not 0"},
+             {"GU", "\"GU\" is not a unit that is known"},
+             {"mg/L as N", "\"mg/L as N\": a unit does not say of which substance it is, as \"as N\" does"},
+             {"% (v/m)", "\"%(v/m)\" needs a basis, as in %(m/m), ppm(v/v) or ppb(n/n)"},
              {"ppmv", "\"ppmv\" needs a basis, as in %(m/m), ppm(v/v) or ppb(n/n)"},
              {"Percent", "\"Percent\" needs a basis, as in %(m/m), ppm(v/v) or ppb(n/n)"},
              {"W/(m °C)", "\"W/(m °C)\": a temperature such as °C has no products and quotients; K has"},
@@ -176,6 +190,11 @@ TEST(Unit, TextsReadAsTheSameUnit) {
              {"g/g", "g/g"},
              {"(g/g)*(L/L)", "(g/g)*(L/L)"},
              {"g/L*mL/g", "0.001*(g/g)"},
+             {"1/L*mL", "0.001*((g*mol/L)/(g*mol/L))"},
+             {"(g/L)/(mg/L)", "1000*((g/L)/(g/L))"},
+             {"%(m/m)*%(v/v)/%(v/v)", "0.01*(g/g)*(L/L)"},
+             {"% w/w", "%(m/m)"},
+             {"% m/min", "%*m/min"},
              {"s/min", "s/min"},
              {"mV/mL", "mV/mL"},
              {"%(w/v)/min", "%(m/v)/min"},
@@ -202,6 +221,9 @@ TEST(Unit, ARatioIsOneOfWhatWasDivided) {
     EXPECT_EQ(ratiosOf("mV/mV"), qel::kRatioOfNothing);
     EXPECT_EQ(ratiosOf("%(m/m)/%(m/m)"), qel::kRatioOfNothing);
     EXPECT_EQ(ratiosOf("5*%(m/m)"), qel::kRatioOfMasses);
+    EXPECT_EQ(ratiosOf("%(v/v)*(1/mL*mL)"), qel::kRatioOfVolumes);
+    EXPECT_EQ(ratiosOf("%(m/m)*%(m/m)"), qel::kRatioOfMasses);
+    EXPECT_EQ(ratiosOf("%(m/m)*%(v/v)"), qel::kRatioOfMixed);
 }
 
 TEST(Unit, ThePageHasAllCodes) {
