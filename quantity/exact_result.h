@@ -12,8 +12,10 @@
 
 namespace qel {
 
-/// What stands for a reading that is a limit where min, max or mean need a number. Of a reading above the range it is
-/// always the limit. Missing and invalid readings have no substitute.
+/// The number for a reading that is a limit where min, max or mean need one. Of a reading above the range it is always
+/// the limit. Missing and invalid readings have no substitute, nor has a limit that was computed: the reading itself
+/// must be the argument. Otherwise the result would depend on how a formula is written: mean(10 - L, 4) or
+/// 10 - mean(L, 6).
 enum class LimitSubstitution {
     kNone,   ///< min, max and mean refuse
     kZero,   ///< 0

@@ -13,10 +13,18 @@ namespace {
 using Kind = FormulaError::Kind;
 using Operation = FormulaOperation;
 
+// What min, max and mean take of a reading that is a limit.
+struct Substitute {
+    Decimal value;
+    DecimalFlags flags;
+    std::uint32_t position;  // of the reading in the text
+};
+
 // A number, or a truth that is a number where it is decided.
 struct Known {
     Interval range;
     bool isUndecided = false;
+    std::optional<Substitute> substitute = {};
 
     bool IsNumber() const { return !isUndecided && range.IsPoint(); }
     const Decimal& Number() const { return range.lower.value; }
@@ -69,7 +77,7 @@ public:
         const std::size_t position = m_program.variables[step.index];
         m_isFromBinary |= m_readings[position].isFromBinary;
         m_happened.isInexact |= m_readings[position].isInexact;
-        return {Interval::Of(m_readings[position], position), false};
+        return {Interval::Of(m_readings[position], position), false, SubstituteOf(m_readings[position], step)};
     }
 
     Known One(const FormulaStep& step, const Known& value) {
@@ -82,7 +90,13 @@ public:
         if (step.operation == Operation::kAnd || step.operation == Operation::kOr) return Joined(step, left, right);
         if (left.IsNumber() && right.IsNumber())
             return Exactly(ExactTwo(step, left.Number(), right.Number(), m_happened));
-        return OfRanges(step, left.range, right.range);
+        Known result = OfRanges(step, left.range, right.range);
+        // Only the conversion of a reading's unit has the reading's place.
+        if (left.substitute && right.IsNumber() && step.position == left.substitute->position) {
+            result.substitute = left.substitute;
+            result.substitute->value = ExactTwo(step, left.substitute->value, right.Number(), result.substitute->flags);
+        }
+        return result;
     }
 
     Known Many(const FormulaStep& step, std::span<const Known> values) {
@@ -94,7 +108,7 @@ public:
         }
         std::vector<Decimal> numbers;
         for (const Known& value : values)
-            numbers.push_back(value.IsNumber() ? value.Number() : Substitute(step, value));
+            numbers.push_back(value.IsNumber() ? value.Number() : Substituted(step, value));
         return Exactly(ExactMany(step, numbers, m_happened));
     }
 
@@ -191,21 +205,30 @@ private:
         return left.isUndecided ? left : right;
     }
 
-    Decimal Substitute(const FormulaStep& step, const Known& value) {
-        const Interval& range = value.range;
-        const bool isLimit = range.IsBoundedAbove() != range.IsBoundedBelow();
-        if (m_options.substitution == LimitSubstitution::kNone || !isLimit)
-            throw FormulaError{Kind::kReading, step.position, step.length, "a reading that is no number", {},
-                               range.cause};
-        if (range.IsBoundedBelow()) return range.lower.value;
-        switch (m_options.substitution) {
-            case LimitSubstitution::kZero:
-                return {};
-            case LimitSubstitution::kHalf:
-                return Divide(range.upper.value, Decimal(2), m_happened);
-            default:
-                return range.upper.value;
+    std::optional<Substitute> SubstituteOf(const Reading& reading, const FormulaStep& step) const {
+        const bool isBelow = reading.kind == Reading::Kind::kBelow;
+        const bool isLimit = isBelow || reading.kind == Reading::Kind::kAbove;
+        if (m_options.substitution == LimitSubstitution::kNone || !isLimit || reading.isComputed) return {};
+        Substitute substitute{reading.value, {}, step.position};
+        if (isBelow && m_options.substitution == LimitSubstitution::kZero) substitute.value = Decimal();
+        if (isBelow && m_options.substitution == LimitSubstitution::kHalf)
+            substitute.value = Divide(reading.value, Decimal(2), substitute.flags);
+        return substitute;
+    }
+
+    const Decimal& Substituted(const FormulaStep& step, const Known& value) {
+        if (!value.substitute) {
+            const bool isLimit = value.range.IsBoundedAbove() || value.range.IsBoundedBelow();
+            const bool isComputed = isLimit && m_options.substitution != LimitSubstitution::kNone;
+            throw FormulaError{Kind::kReading,
+                               step.position,
+                               step.length,
+                               isComputed ? "a computed limit, which has no substitute" : "a reading that is no number",
+                               {},
+                               value.range.cause};
         }
+        m_happened.Join(value.substitute->flags);
+        return value.substitute->value;
     }
 
     const FormulaProgram& m_program;

@@ -18,8 +18,8 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 Reading Finite(Reading::Kind kind, const Decimal& value) {
-    return value.IsFinite() ? Reading{kind, value, false, false, false, {}}
-                            : Reading{Reading::Kind::kInvalid, {}, false, false, false, {}};
+    return value.IsFinite() ? Reading{kind, value, false, false, false, false, {}}
+                            : Reading{Reading::Kind::kInvalid, {}, false, false, false, false, {}};
 }
 
 // The list rounds in binary: its 0.03 of four places may be 0.030000000000000002, and means 0.0300.
@@ -66,13 +66,14 @@ Reading Reading::OfResult(const ExactResult& result) {
     reading.isFromBinary = result.isFromBinary;
     reading.isInexact = result.flags.isInexact;
     reading.isIncluded = result.isIncluded;
+    reading.isComputed = true;
     return reading;
 }
 
 std::optional<Reading> Reading::OfText(std::string_view text) {
     text = Trimmed(text);
     if (text == kMissingText) return Reading{};
-    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, false, false, {}};
+    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, false, false, false, {}};
     Kind kind = Kind::kValue;
     if (text.starts_with('<')) kind = Kind::kBelow;
     if (text.starts_with('>')) kind = Kind::kAbove;
@@ -81,7 +82,7 @@ std::optional<Reading> Reading::OfText(std::string_view text) {
     const Decimal value = Decimal::OfText(text, flags);
     // A reading of more digits than fit is no reading.
     if (!value.IsFinite() || flags.isInexact) return {};
-    return Reading{kind, value, false, false, false, {}};
+    return Reading{kind, value, false, false, false, false, {}};
 }
 
 std::string Reading::Text() const {

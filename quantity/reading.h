@@ -29,6 +29,7 @@ struct QELLIB10_API Reading {
     bool isFromBinary = false;  ///< it was a double; value is its shortest text
     bool isInexact = false;     ///< it is the result of another formula that lost digits
     bool isIncluded = false;    ///< the limit itself is possible
+    bool isComputed = false;    ///< it is the result of another formula; as a limit it has no substitute
     std::optional<int> places;  ///< decimal places to which its list rounded it, before the formula
 
     static Reading Of(const Decimal& value);  ///< invalid where @p value is not finite

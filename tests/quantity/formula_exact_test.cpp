@@ -3,6 +3,7 @@
 #include "../support/test.h"
 #include "qellib10/calc/calc_variable_list.h"
 #include "qellib10/quantity/formula.h"
+#include "qellib10/quantity/quantity_formula.h"
 
 namespace {
 
@@ -73,6 +74,28 @@ TEST(FormulaExact, EveryPossibleValueIsWithinTheInterval) {
         }
     }
     EXPECT_GT(limits, 300);
+}
+
+TEST(FormulaExact, TheReadingIsSubstitutedInItsOwnUnit) {
+    for (const auto& [unit, reading, substitution, expected] :
+         Cases<const char*, const char*, qel::LimitSubstitution, const char*>{
+             {"g", "< 3", qel::LimitSubstitution::kHalf, "1.2500"},
+             {"K", "< 3", qel::LimitSubstitution::kZero, "137.075"},
+             {"K", "> 3", qel::LimitSubstitution::kZero, "138.575"},
+         }) {
+        FormulaError error;
+        std::string ignored;
+        qel::FormulaScope scope;
+        for (const char* name : {"A", "X"}) scope.Add(name);
+        const std::vector<qel::Unit> units = {*qel::Unit::Parse(unit, ignored),
+                                              *qel::Unit::Parse(*unit == 'g' ? "mg" : "°C", ignored)};
+        const auto bound = qel::QuantityFormula::Bind(*Formula::Parse("mean(A, X)", scope, error), units, {}, error);
+        ASSERT_TRUE(bound) << unit;
+        const std::vector<Reading> readings = {*Reading::OfText(*unit == 'g' ? "2.4985" : "1"),
+                                               *Reading::OfText(reading)};
+        const std::optional<ExactResult> result = bound->EvaluateExactly(readings, {substitution}, error);
+        EXPECT_EQ(result ? result->Text() : error.Text(""), expected) << unit;
+    }
 }
 
 TEST(ExactResult, ALimitIsRoundedSoThatItStaysTrue) {

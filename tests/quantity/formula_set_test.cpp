@@ -26,7 +26,8 @@ std::string Answer(const Named& formulas) {
     };
     if (const auto fault = set.Parse()) return told(*fault);
     FormulaSet::Fault fault;
-    const auto results = set.EvaluateExactly(std::vector{*Reading::OfText("6"), *Reading::OfText("< 0.3")}, {}, fault);
+    const auto results = set.EvaluateExactly(std::vector{*Reading::OfText("6"), *Reading::OfText("< 0.3")},
+                                             {qel::LimitSubstitution::kHalf}, fault);
     if (!results) return told(fault);
     std::string all;
     for (const qel::ExactResult& result : *results) all += result.Text() + (result.flags.isInexact ? "~; " : "; ");
@@ -41,6 +42,9 @@ TEST(FormulaSet, ComputesEachFormulaAfterThoseThatItNeeds) {
              {{{"T", "V / 9"}, {"U", "T * 3"}},
               "0.6666666666666666666666666666666667~; 2.000000000000000000000000000000000~; "},
              {{{"T", "LOW * 2"}, {"U", "10 - T"}, {"W", "U * T"}}, "< 0.6; > 9.4; not determinable; "},
+             {{{"T", "mean(LOW, V)"}}, "3.075; "},
+             {{{"T", "LOW"}, {"U", "mean(T, V)"}},
+              "U: not determinable at character 1: \"mean\", because of a computed limit, which has no substitute"},
              {{{"A", "B + 1"}, {"B", "C + 1"}, {"C", "A + V"}},
               "A: the formula needs its own result at character 1: \"B\": A needs B needs C needs A"},
              {{{"X", "Y"}, {"Y", "V + Y"}}, "Y: the formula needs its own result at character 5: \"Y\": Y needs Y"},
