@@ -7,6 +7,7 @@
 
 #include "qellib10/platform/text/printable_text.h"
 #include "qellib10/platform/units/unit_library.h"
+#include "qellib10/quantity/library_factors.h"
 #include "qellib10/quantity/ucum_codes.h"
 #include "qellib10/quantity/unit_maker.h"
 #include "qellib10/quantity/unit_symbols.h"
@@ -55,13 +56,19 @@ bool NeedsBasis(std::string_view name) {
 std::string Quoted(std::string_view text) { return '"' + PrintableText(text) + '"'; }
 
 // A double of udunits2 as the decimal number that it was made of: 0.45359237, or 1 by 86400. Doubles have noise in
-// their last digits, so that up to 12 digits are taken for a definition.
-bool IsShort(double value, Decimal& number) {
-    constexpr int kDefined = 12, kSure = 15;
+// their last digits.
+Decimal WithoutNoise(double value) {
+    constexpr int kSure = 15;
     DecimalFlags flags;
     const Decimal all = Decimal::OfDouble(value);
-    number = RoundTo(all, all.Magnitude() - kSure + 1, DecimalRounding::kHalfEven, flags).Reduced();
-    return number.IsFinite() && number.Digits() <= kDefined;
+    return RoundTo(all, all.Magnitude() - kSure + 1, DecimalRounding::kHalfEven, flags).Reduced();
+}
+
+// Where it was made of a longer number, all digits of the double are as good as any.
+Decimal Shortest(double value) {
+    constexpr int kDefined = 12;
+    const Decimal number = WithoutNoise(value);
+    return number.Digits() <= kDefined ? number : Decimal::OfDouble(value);
 }
 
 }  // namespace
@@ -337,19 +344,17 @@ Unit UnitParser::OfLibrary(std::string_view name) {
             throw Refusal{Quoted(name) + " is out of the range of units"};
         value->powers[i] = static_cast<std::int8_t>(found.powers[i]);
     }
-    Decimal number, offset;
-    if (IsShort(found.scale, number)) {
-        value->numerator = number;
-    } else if (IsShort(1.0 / found.scale, number)) {
-        value->denominator = number;
+    if (const auto factor = DefinedFactor(WithoutNoise(found.scale))) {
+        value->numerator = factor->value;
+        value->isExact = factor->isExact;
+    } else if (const auto divisor = DefinedFactor(WithoutNoise(1.0 / found.scale))) {
+        value->denominator = divisor->value;
+        value->isExact = divisor->isExact;
     } else {
-        value->numerator = Decimal::OfDouble(found.scale);
+        value->numerator = Shortest(found.scale);
         value->isExact = false;
     }
-    if (!IsShort(found.offset, offset)) {
-        offset = Decimal::OfDouble(found.offset);
-        value->isExact = false;
-    }
+    const Decimal offset = WithoutNoise(found.offset);
     value = MultiplyValues(*value, UnitValue());
     if (!value) throw Refusal{Quoted(name) + " is out of the range of units"};
     value->ratios = kRatioOfNothing;
