@@ -48,17 +48,8 @@ double DoubleArithmetic::One(const FormulaStep& step, double value) const {
     }
 }
 
-double DoubleArithmetic::Two(const FormulaStep& step, double left, double right) {
-    switch (step.operation) {
-        case Operation::kAdd:
-            return left + right;
-        case Operation::kSubtract:
-            return left - right;
-        case Operation::kMultiply:
-            return left * right;
-        case Operation::kDivide:
-            if (right == 0.0) Refuse(step, Kind::kDividedByZero);
-            return left / right;
+double DoubleArithmetic::SeldomTwo(Operation operation, double left, double right) {
+    switch (operation) {
         case Operation::kPower:
             return left == 0.0 && right <= 0.0 ? NAN : std::pow(left, right);
         case Operation::kLess:
@@ -85,8 +76,9 @@ double DoubleArithmetic::Many(const FormulaStep& step, std::span<const double> v
     return step.operation == Operation::kMean ? sum / step.index : sum;
 }
 
-void DoubleArithmetic::Check(const FormulaStep& step, double value) {
-    if (std::isfinite(value)) return;
+void DoubleArithmetic::RefuseDivision(const FormulaStep& step) { Refuse(step, Kind::kDividedByZero); }
+
+void DoubleArithmetic::RefuseResult(const FormulaStep& step, double value) {
     if (step.operation == Operation::kVariable) Refuse(step, Kind::kReading, "a value that is not finite");
     Refuse(step, std::isnan(value) ? Kind::kUndefined : Kind::kTooLarge);
 }

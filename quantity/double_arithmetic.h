@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <span>
 
 #include "qellib10/quantity/formula_machine.h"
@@ -17,13 +18,34 @@ public:
 
     double Start(const FormulaStep& step) const;
     double One(const FormulaStep& step, double value) const;
-    static double Two(const FormulaStep& step, double left, double right);
+    static double Two(const FormulaStep& step, double left, double right) {
+        switch (step.operation) {
+            case FormulaOperation::kAdd:
+                return left + right;
+            case FormulaOperation::kSubtract:
+                return left - right;
+            case FormulaOperation::kMultiply:
+                return left * right;
+            case FormulaOperation::kDivide:
+                if (right == 0.0) RefuseDivision(step);
+                return left / right;
+            default:
+                return SeldomTwo(step.operation, left, right);
+        }
+    }
     static double Many(const FormulaStep& step, std::span<const double> values);
     static Truth TruthOf(double value) { return value == 0.0 ? Truth::kNo : Truth::kYes; }
     static double Undecided(double condition) { return condition; }  // never: each condition is decided
-    static void Check(const FormulaStep& step, double value);
+    static void Check(const FormulaStep& step, double value) {
+        if (!std::isfinite(value)) [[unlikely]]
+            RefuseResult(step, value);
+    }
 
 private:
+    static double SeldomTwo(FormulaOperation operation, double left, double right);
+    [[noreturn]] static void RefuseDivision(const FormulaStep& step);
+    [[noreturn]] static void RefuseResult(const FormulaStep& step, double value);
+
     const FormulaProgram& m_program;
     std::span<const double> m_values;
 };

@@ -1,7 +1,6 @@
 #include "qellib10/quantity/formula_gradient.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -24,22 +23,22 @@ public:
 
     Value Start(const FormulaStep& step) {
         if (step.operation == Operation::kVariable)
-            return Add(step, m_values[step.index], {}, m_isActive[step.index] != 0);
-        return Add(step, m_gradient.m_literals[&step - m_gradient.m_program.steps.data()], {}, false);
+            return Add(step, m_values[step.index], 0, 0, m_isActive[step.index] != 0);
+        return Add(step, m_arithmetic.Start(step), 0, 0, false);
     }
 
     Value One(const FormulaStep& step, Value operand) {
         const double result = m_arithmetic.One(step, Number(operand));
         NoteKink(operand, step.operation == Operation::kAbs && result == 0.0);
-        return Add(step, result, {&operand, 1}, IsActive(operand));
+        return Add(step, result, operand, operand, IsActive(operand));
     }
 
     Value Two(const FormulaStep& step, Value left, Value right) {
-        const std::array operands = {left, right};
         const double x = Number(left), y = Number(right);
+        const bool isActive = IsActive(left) || IsActive(right);
         const bool isComparison = step.operation >= Operation::kLess && step.operation <= Operation::kNotEqual;
-        for (const Value operand : operands) NoteKink(operand, isComparison && x == y);
-        return Add(step, DoubleArithmetic::Two(step, x, y), operands, IsActive(left) || IsActive(right));
+        m_gradient.m_isAtKink |= isComparison && isActive && x == y;
+        return Add(step, DoubleArithmetic::Two(step, x, y), left, right, isActive);
     }
 
     Value Many(const FormulaStep& step, std::span<const Value> operands) {
@@ -51,7 +50,10 @@ public:
             for (const Value operand : operands) NoteKink(operand, areSeveral && Number(operand) == result);
         }
         const bool isActive = std::ranges::any_of(operands, [&](Value operand) { return IsActive(operand); });
-        return Add(step, result, operands, isActive);
+        auto& all = m_gradient.m_operands;
+        const auto first = static_cast<std::uint32_t>(all.size());
+        all.insert(all.end(), operands.begin(), operands.end());
+        return Add(step, result, first, first, isActive);
     }
 
     Truth TruthOf(Value node) const { return DoubleArithmetic::TruthOf(Number(node)); }
@@ -63,12 +65,9 @@ private:
     bool IsActive(Value node) const { return m_gradient.m_nodes[node].isActive; }
     void NoteKink(Value operand, bool isThere) { m_gradient.m_isAtKink |= isThere && IsActive(operand); }
 
-    Value Add(const FormulaStep& step, double result, std::span<const Value> operands, bool isActive) {
-        std::vector<Node>& nodes = m_gradient.m_nodes;
-        std::vector<std::uint32_t>& all = m_gradient.m_operands;
-        nodes.push_back(
-            {result, 0.0, &step, static_cast<std::uint32_t>(all.size()), isActive && !GivesTruth(step.operation)});
-        all.insert(all.end(), operands.begin(), operands.end());
+    Value Add(const FormulaStep& step, double result, std::uint32_t left, std::uint32_t right, bool isActive) {
+        auto& nodes = m_gradient.m_nodes;
+        nodes.push_back({result, 0.0, &step, left, right, isActive && !GivesTruth(step.operation)});
         return static_cast<Value>(nodes.size() - 1);
     }
 
@@ -79,15 +78,9 @@ private:
     std::vector<double> m_numbers;
 };
 
-FormulaGradient::FormulaGradient(const FormulaProgram& program)
-    : m_program(program), m_literals(program.steps.size()), m_partials(program.variables.size()) {
-    for (std::size_t i = 0; i < program.steps.size(); ++i) {
-        const FormulaStep& step = program.steps[i];
-        if (step.operation == Operation::kNumber) m_literals[i] = program.numbers[step.index].nearest;
-        if (step.operation == Operation::kConstant) m_literals[i] = ConstantValue(step.index);
-    }
+FormulaGradient::FormulaGradient(const FormulaProgram& program, std::pmr::memory_resource* memory)
+    : m_program(program), m_nodes(memory), m_operands(memory), m_partials(program.variables.size(), memory) {
     m_nodes.reserve(program.steps.size());
-    m_operands.reserve(program.steps.size());
 }
 
 double FormulaGradient::Evaluate(std::span<const double> values, std::span<const unsigned char> isActive) {
@@ -129,7 +122,7 @@ void FormulaGradient::Pass(const Node& node, Node& operand, double derivative) {
 }
 
 void FormulaGradient::PassOne(const Node& node) {
-    Node& operand = Operand(node, 0);
+    Node& operand = m_nodes[node.left];
     const double x = operand.value;
     switch (node.step->operation) {
         case Operation::kNegate:
@@ -152,8 +145,8 @@ void FormulaGradient::PassOne(const Node& node) {
 }
 
 void FormulaGradient::PassTwo(const Node& node) {
-    Node& left = Operand(node, 0);
-    Node& right = Operand(node, 1);
+    Node& left = m_nodes[node.left];
+    Node& right = m_nodes[node.right];
     const double x = left.value, y = right.value;
     switch (node.step->operation) {
         case Operation::kAdd:
@@ -165,7 +158,8 @@ void FormulaGradient::PassTwo(const Node& node) {
             return Pass(node, right, x);
         case Operation::kDivide:
             Pass(node, left, 1.0 / y);
-            return Pass(node, right, -node.value / y);
+            if (right.isActive) Pass(node, right, -node.value / y);
+            return;
         default:  // power
             if (left.isActive) Pass(node, left, y * std::pow(x, y - 1.0));
             if (right.isActive) Pass(node, right, x == 0.0 ? 0.0 : node.value * std::log(x));
@@ -174,14 +168,15 @@ void FormulaGradient::PassTwo(const Node& node) {
 
 void FormulaGradient::PassMany(const Node& node) {
     const FormulaStep& step = *node.step;
+    const std::span operands(&m_operands[node.left], step.index);
     const bool isChoice = step.operation == Operation::kMin || step.operation == Operation::kMax;
     double shares = step.operation == Operation::kMean ? step.index : 1.0;
     if (isChoice) {
         shares = 0.0;
-        for (std::uint32_t i = 0; i < step.index; ++i) shares += Operand(node, i).value == node.value ? 1.0 : 0.0;
+        for (std::uint32_t i = 0; i < step.index; ++i) shares += m_nodes[operands[i]].value == node.value ? 1.0 : 0.0;
     }
     for (std::uint32_t i = 0; i < step.index; ++i) {
-        Node& operand = Operand(node, i);
+        Node& operand = m_nodes[operands[i]];
         if (!isChoice || operand.value == node.value) Pass(node, operand, 1.0 / shares);
     }
 }

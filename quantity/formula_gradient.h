@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory_resource>
 #include <span>
 #include <vector>
 
@@ -23,7 +24,8 @@ namespace qel {
 /// One object serves many evaluations without allocating again. The program must outlive it.
 class FormulaGradient {
 public:
-    explicit FormulaGradient(const FormulaProgram& program);
+    explicit FormulaGradient(const FormulaProgram& program,
+                             std::pmr::memory_resource* memory = std::pmr::get_default_resource());
 
     /// @param values by slot, one for each variable of the program
     /// @param isActive by slot: whether the derivative by the variable is wanted; a derivative that does not exist
@@ -44,7 +46,7 @@ private:
         double value;
         double adjoint;  // of the result by this value
         const FormulaStep* step;
-        std::uint32_t operands;  // where its operands begin in m_operands
+        std::uint32_t left, right;  // nodes; of several operands left is where they begin in m_operands
         bool isActive;
     };
     class Recording;
@@ -53,14 +55,12 @@ private:
     void PassOne(const Node& node);
     void PassTwo(const Node& node);
     void PassMany(const Node& node);
-    Node& Operand(const Node& node, std::size_t index) { return m_nodes[m_operands[node.operands + index]]; }
     static void Pass(const Node& node, Node& operand, double derivative);
 
     const FormulaProgram& m_program;
-    std::vector<double> m_literals;  // by step: the numbers and constants
-    std::vector<Node> m_nodes;
-    std::vector<std::uint32_t> m_operands;  // nodes
-    std::vector<double> m_partials;
+    std::pmr::vector<Node> m_nodes;
+    std::pmr::vector<std::uint32_t> m_operands;  // nodes, of min, max, mean, sum
+    std::pmr::vector<double> m_partials;
     bool m_isAtKink = false;
 };
 

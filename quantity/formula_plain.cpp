@@ -6,8 +6,14 @@
 namespace qel {
 
 double ConstantValue(std::size_t index) {
-    DecimalFlags ignored;
-    return Decimal::OfText(FormulaConstants()[index].value, ignored).ToDouble();
+    static const std::vector<double> kValues = [] {
+        std::vector<double> values;
+        DecimalFlags ignored;
+        for (const FormulaConstant& constant : FormulaConstants())
+            values.push_back(Decimal::OfText(constant.value, ignored).ToDouble());
+        return values;
+    }();
+    return kValues[index];
 }
 
 double Rounded(double value, const RoundingRule& rule) {

@@ -57,7 +57,7 @@ void TrialPlan::Workspace::Run(std::uint64_t block, double* results) {
 }
 
 void TrialPlan::Workspace::Draw(std::uint64_t block) {
-    const std::vector<double>& values = m_plan.m_sources.Values();
+    const std::span<const double> values = m_plan.m_sources.Values();
     for (std::size_t slot = 0; slot < values.size(); ++slot) std::fill_n(Input(slot), kRows, values[slot]);
     auto drawn = UINT32_MAX;
     for (const auto& [source, slot, uncertainty] : m_plan.m_shares) {

@@ -1,7 +1,10 @@
 #include "qellib10/quantity/uncertainty_budget.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <memory_resource>
 
 #include "qellib10/platform/statistics/student.h"
 #include "qellib10/quantity/formula_access.h"
@@ -18,8 +21,8 @@ using Kind = FormulaError::Kind;
 // How far each source moves the result, and what they make together; relative to the largest of them, so that no square
 // is too large or too small.
 struct Combination {
-    Combination(const UncertaintySources& sources, std::span<const double> partials)
-        : bySource(sources.Sources().size()) {
+    Combination(const UncertaintySources& sources, std::span<const double> partials, std::pmr::memory_resource* memory)
+        : bySource(sources.Sources().size(), memory) {
         for (const auto& [source, slot, uncertainty] : sources.Shares())
             bySource[source] += partials[slot] * uncertainty;
         for (const double contribution : bySource) scale = std::max(scale, std::abs(contribution));
@@ -34,7 +37,7 @@ struct Combination {
         return scale == 0.0 ? 0.0 : (contribution / scale) * (bySource[source] / scale) / variance;
     }
 
-    std::vector<double> bySource;
+    std::pmr::vector<double> bySource;
     double scale = 0.0;
     double variance = 0.0;  // relative to the square of scale
 };
@@ -45,6 +48,7 @@ double EffectiveDegreesOfFreedom(const UncertaintySources& sources, const Combin
     if (combination.scale == 0.0) return UncertaintyComponent::kInfinite;
     double sum = 0.0;
     for (std::size_t i = 0; i < combination.bySource.size(); ++i) {
+        if (std::isinf(sources.Sources()[i].degreesOfFreedom)) continue;
         const double part = Combination::Square(combination.bySource[i] / combination.scale) / combination.variance;
         sum += part * part / sources.Sources()[i].degreesOfFreedom;
     }
@@ -100,17 +104,19 @@ void Expand(UncertaintyBudget& budget, const UncertaintyOptions& options) {
 UncertaintyBudget Budget(const FormulaProgram& program, std::span<const UncertainInput> inputs,
                          const UncertaintyOptions& options) {
     if (program.isTruth) throw FormulaError{Kind::kType, 0, 0, "a number", {}, {}};
-    const UncertaintySources sources(program, inputs, options.correlations);
-    FormulaGradient gradient(program);
+    alignas(std::max_align_t) std::array<std::byte, 4096> usual;  // larger programs take memory
+    std::pmr::monotonic_buffer_resource memory(usual.data(), usual.size());
+    const UncertaintySources sources(program, inputs, options.correlations, &memory);
+    FormulaGradient gradient(program, &memory);
     UncertaintyBudget budget;
     budget.value = gradient.Evaluate(sources.Values(), sources.IsUncertain());
     budget.isAtKink = gradient.IsAtKink();
-    const Combination combination(sources, gradient.Partials());
+    const Combination combination(sources, gradient.Partials(), &memory);
     budget.uncertainty = combination.scale * std::sqrt(combination.variance);
     if (!sources.IsCorrelated()) budget.degreesOfFreedom = EffectiveDegreesOfFreedom(sources, combination);
     Expand(budget, options);
     if (!std::isfinite(budget.expandedUncertainty)) throw FormulaError{Kind::kTooLarge, 0, 0, {}, {}, {}};
-    AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
+    if (options.withRows) AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
     return budget;
 }
 

@@ -20,6 +20,7 @@ struct UncertaintyOptions {
     double coverageProbability = kUsualProbability;  ///< between 0 and 1; not regarded where k is given
     std::optional<double> coverageFactor;            ///< k, above 0
     std::vector<InputCorrelation> correlations;      ///< each pair of inputs once
+    bool withRows = true;  ///< false where the numbers of the result are enough; this takes half of the time
 };
 
 /// One component of an input in a budget.

@@ -20,8 +20,14 @@ bool AreAlike(const UncertaintyComponent& a, const UncertaintyComponent& b) {
 }  // namespace
 
 UncertaintySources::UncertaintySources(const FormulaProgram& program, std::span<const UncertainInput> inputs,
-                                       std::span<const InputCorrelation> correlations)
-    : m_program(program), m_isUncertain(program.variables.size()) {
+                                       std::span<const InputCorrelation> correlations,
+                                       std::pmr::memory_resource* memory)
+    : m_program(program),
+      m_sources(memory),
+      m_shares(memory),
+      m_components(memory),
+      m_values(memory),
+      m_isUncertain(program.variables.size(), memory) {
     m_values.reserve(program.variables.size());
     m_components.reserve(program.variables.size());
     for (std::uint32_t slot = 0; slot < program.variables.size(); ++slot) {
@@ -37,7 +43,7 @@ UncertaintySources::UncertaintySources(const FormulaProgram& program, std::span<
         }
     }
     const std::vector<InputCorrelation> bySlot = OfSlots(correlations, inputs.size());
-    std::vector<unsigned char> isCorrelated(program.variables.size());
+    std::pmr::vector<unsigned char> isCorrelated(program.variables.size(), memory);
     for (const InputCorrelation& correlation : bySlot)
         isCorrelated[correlation.first] = isCorrelated[correlation.second] = 1;
     AddOwn(isCorrelated);
@@ -80,14 +86,20 @@ std::uint32_t UncertaintySources::AddSource(const Source& source) {
     return static_cast<std::uint32_t>(m_sources.size() - 1);
 }
 
-// For each component the first one with the same source: itself where the source has no name.
-std::vector<std::uint32_t> UncertaintySources::Representatives(std::span<const unsigned char> isCorrelated) const {
-    std::vector<std::uint32_t> first(m_components.size()), named;
-    std::iota(first.begin(), first.end(), 0U);
-    for (const std::uint32_t i : first)
+// For each component the first one with the same source: itself where the source has no name. Empty where no two
+// sources have names.
+std::pmr::vector<std::uint32_t> UncertaintySources::Representatives(std::span<const unsigned char> isCorrelated) const {
+    const std::pmr::polymorphic_allocator<> allocator = m_components.get_allocator();
+    std::pmr::vector<std::uint32_t> first(allocator), named(allocator);
+    for (std::uint32_t i = 0; i < m_components.size(); ++i)
         if (!m_components[i].component->source.empty()) named.push_back(i);
-    std::ranges::stable_sort(named, {},
-                             [&](std::uint32_t i) -> const std::string& { return m_components[i].component->source; });
+    if (named.size() < 2) return first;
+    first.resize(m_components.size());
+    std::iota(first.begin(), first.end(), 0U);
+    std::ranges::sort(named, [&](std::uint32_t a, std::uint32_t b) {
+        const int order = m_components[a].component->source.compare(m_components[b].component->source);
+        return order != 0 ? order < 0 : a < b;
+    });
     for (std::size_t i = 1; i < named.size(); ++i) {
         const Component& before = m_components[named[i - 1]];
         const Component& here = m_components[named[i]];
@@ -102,14 +114,15 @@ std::vector<std::uint32_t> UncertaintySources::Representatives(std::span<const u
 }
 
 void UncertaintySources::AddOwn(std::span<const unsigned char> isCorrelated) {
-    const std::vector<std::uint32_t> first = Representatives(isCorrelated);
+    const std::pmr::vector<std::uint32_t> first = Representatives(isCorrelated);
     m_sources.reserve(m_components.size());
     m_shares.reserve(m_components.size());
     for (std::uint32_t i = 0; i < m_components.size(); ++i) {
         auto& [component, slot, share] = m_components[i];
         if (isCorrelated[slot] != 0) continue;
-        const std::uint32_t source = first[i] == i ? AddSource({component->distribution, component->degreesOfFreedom})
-                                                   : m_shares[m_components[first[i]].share].source;
+        const std::uint32_t source = first.empty() || first[i] == i
+                                         ? AddSource({component->distribution, component->degreesOfFreedom})
+                                         : m_shares[m_components[first[i]].share].source;
         share = static_cast<std::uint32_t>(m_shares.size());
         m_shares.push_back({source, slot, component->uncertainty});
     }

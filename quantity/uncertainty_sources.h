@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <span>
 #include <vector>
 
@@ -38,32 +39,33 @@ public:
     /// @throws FormulaError where an input is missing, a component or a coefficient is not valid, or the coefficients
     /// contradict each other
     UncertaintySources(const FormulaProgram& program, std::span<const UncertainInput> inputs,
-                       std::span<const InputCorrelation> correlations);
+                       std::span<const InputCorrelation> correlations,
+                       std::pmr::memory_resource* memory = std::pmr::get_default_resource());
 
-    const std::vector<Source>& Sources() const { return m_sources; }
-    const std::vector<Share>& Shares() const { return m_shares; }
+    std::span<const Source> Sources() const { return m_sources; }
+    std::span<const Share> Shares() const { return m_shares; }
     /// Of all inputs that the program names, in the order of its slots.
-    const std::vector<Component>& Components() const { return m_components; }
+    std::span<const Component> Components() const { return m_components; }
     /// By slot: the value, and whether it is uncertain.
-    const std::vector<double>& Values() const { return m_values; }
-    const std::vector<unsigned char>& IsUncertain() const { return m_isUncertain; }
+    std::span<const double> Values() const { return m_values; }
+    std::span<const unsigned char> IsUncertain() const { return m_isUncertain; }
     /// Whether there is a coefficient between two uncertain inputs that the program names.
     bool IsCorrelated() const { return m_isCorrelated; }
 
 private:
     std::vector<InputCorrelation> OfSlots(std::span<const InputCorrelation> correlations, std::size_t inputs) const;
     void AddOwn(std::span<const unsigned char> isCorrelated);
-    std::vector<std::uint32_t> Representatives(std::span<const unsigned char> isCorrelated) const;
+    std::pmr::vector<std::uint32_t> Representatives(std::span<const unsigned char> isCorrelated) const;
     void AddCorrelated(std::span<const InputCorrelation> correlations, std::span<const unsigned char> isCorrelated);
     std::uint32_t AddSource(const Source& source);
     [[noreturn]] void Refuse(std::size_t slot, const char* reason) const;
 
     const FormulaProgram& m_program;
-    std::vector<Source> m_sources;
-    std::vector<Share> m_shares;
-    std::vector<Component> m_components;
-    std::vector<double> m_values;
-    std::vector<unsigned char> m_isUncertain;
+    std::pmr::vector<Source> m_sources;
+    std::pmr::vector<Share> m_shares;
+    std::pmr::vector<Component> m_components;
+    std::pmr::vector<double> m_values;
+    std::pmr::vector<unsigned char> m_isUncertain;
     bool m_isCorrelated = false;
 };
 

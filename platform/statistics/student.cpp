@@ -27,10 +27,16 @@ double StudentDistribution(double t, double degreesOfFreedom) {
 }
 
 double CoverageFactor(double probability, double degreesOfFreedom) {
+    // Many results have the same one, and it takes as long as a formula.
+    thread_local struct { double probability = NAN, degreesOfFreedom = NAN, factor = NAN; } last;
     if (!(probability > 0.0 && probability < 1.0) || !(degreesOfFreedom > 0.0)) return NAN;
-    const double tail = (1.0 - probability) / 2.0;
-    if (std::isinf(degreesOfFreedom)) return quantile(complement(Normal(), tail));
-    return quantile(complement(Student(degreesOfFreedom), tail));
+    if (probability != last.probability || degreesOfFreedom != last.degreesOfFreedom) {
+        const double tail = (1.0 - probability) / 2.0;
+        const double factor = std::isinf(degreesOfFreedom) ? quantile(complement(Normal(), tail))
+                                                           : quantile(complement(Student(degreesOfFreedom), tail));
+        last = {probability, degreesOfFreedom, factor};
+    }
+    return last.factor;
 }
 
 }  // namespace qel
