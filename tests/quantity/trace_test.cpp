@@ -166,6 +166,16 @@ TEST(Trace, UnitsAreCheckedAndConverted) {
              {"A - B", "", "missing mL", "5 mL", "not determinable: A"},
          })
         EXPECT_EQ(result(formula, unit, a, b), expected) << formula;
+    // A difference of temperatures stays one in the formulas that use it, also with a unit of its own.
+    for (const char* unit : {"", "K"}) {
+        Calculation calculation;
+        calculation.inputs = {*qel::CalculationInput::Of("A", "25 °C"), *qel::CalculationInput::Of("B", "20 °C")};
+        calculation.helpers = {{"D", "A - B", unit}};
+        calculation.result = {"X", "D", "°C"};
+        const Trace trace = Trace::Of(calculation);
+        ASSERT_NE(trace.Fault(), nullptr) << unit;
+        EXPECT_NE(trace.Fault()->sentence.find("a difference in K is not converted to °C"), std::string::npos) << unit;
+    }
 }
 
 TEST(Trace, DecidesByWhatTheLimitsCompare) {
