@@ -6,6 +6,7 @@
 #include "demo/report/report.h"
 #include "demo/report/report_job.h"
 #include "demo/report/report_printer.h"
+#include "demo/report/trace_job.h"
 #include "demo/result/calculation.h"
 #include "demo/result/check_sums.h"
 #include "demo/result/result_file.h"
@@ -115,6 +116,20 @@ const CHistoryRenewInfo& Register(const Options& options, History& history, Made
     return record;
 }
 
+std::string KeepTraceJobs(const Result& result, DWORD version, ReportPrinter& printer, const std::string& fingerprint,
+                          ArchiveTrail& trail, MadeFiles& made) {
+    int number = 0;
+    for (CQelPrintJobQueueData& job : MakeTraceJobs(result, version, printer)) {
+        const std::string name = TraceJobName(version, ++number);
+        if (job.SaveJobFile(made.Path(name).c_str()) == 0)
+            throw Failure(made.Path(name) + ": " + Why("cannot be written"));
+        made.Add(name, fingerprint);
+        trail.EnterFile(qel::trail_kind::kReportPrinted, name);
+    }
+    return kIndent + TraceJobName(version, 1) + (number > 1 ? " to " + std::to_string(number) : "") +
+           " with the trace, from the second page on\n";
+}
+
 // The report of the latest version as a print job, and its curve as a picture.
 std::string KeepReport(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                        ReportPrinter& printer, const std::string& fingerprint, ArchiveTrail& trail, MadeFiles& made) {
@@ -124,11 +139,12 @@ std::string KeepReport(const Titration& titration, DWORD version, const CHistory
     if (job.SaveJobFile(made.Path(name).c_str()) == 0) throw Failure(made.Path(name) + ": " + Why("cannot be written"));
     made.Add(name, fingerprint);
     trail.EnterFile(qel::trail_kind::kReportPrinted, name);
+    const std::string traces = KeepTraceJobs(titration.result, version, printer, fingerprint, trail, made);
     return "Drawn      curve.png, in one drawing with the report's curve\n"
            "Job        " +
            name + " for printer " + std::string(printer.Style().GetPrinterDevice()) + " with " +
            std::to_string(printer.Style().GetDpi()) + " dots per inch, " +
-           std::to_string(job.GetBlock().GetCommandCount()) + " commands\n";
+           std::to_string(job.GetBlock().GetCommandCount()) + " commands\n" + traces;
 }
 
 }  // namespace

@@ -53,12 +53,13 @@ std::string PrintSigned(DWORD version, Session& session, History& history, Archi
     RequireSigned(*block, made.Path(JobName(version)));
     ReportPrinter printer(kPdfPrinter);
     const std::string fingerprint = LayoutFingerprint(kPdfPrinter);
-    CQelPrintJobQueueData job = MakeSignatureJob("Signed: " + which, block->Lines(), printer);
+    CQelPrintJobQueueData job =
+        MakeSignatureJob("Signed: " + which, block->Lines(), PagesOf(SignedJobPaths(made, version)), printer);
     const std::string jobName = SignatureJobName(version), name = SignedName(version);
     if (job.SaveJobFile(made.Path(jobName).c_str()) == 0) throw Failure(jobName + ": " + Why("cannot be written"));
     made.Add(jobName, fingerprint);
     trail.EnterFile(qel::trail_kind::kReportPrinted, jobName);
-    ReportPages pages({made.Path(JobName(version)), made.Path(jobName)}, history.Record(version).GetRenewDateTime());
+    ReportPages pages(SignedJobPaths(made, version), history.Record(version).GetRenewDateTime());
     WriteTextFile(ReadBytes(TemporaryPrint(pages).Path()), made.Path(name));
     made.Add(name, fingerprint);
     trail.EnterFile(qel::trail_kind::kReportPrinted, name);

@@ -6,6 +6,7 @@
 #include "demo/report/report_page.h"
 #include "demo/report/report_printer.h"
 #include "demo/report/temporary_print.h"
+#include "demo/report/trace_job.h"
 #include "demo/result/check_sums.h"
 #include "demo/support/failure.h"
 #include "demo/support/file_step.h"
@@ -15,10 +16,15 @@ namespace titration {
 namespace {
 
 Titration FixedTitration() {
-    const Method method = {{kVariables, "C", "0.1"},        {kVariables, "UNUSED", "2.345678"},
-                           {"result", "end_point", "EP"},   {"result", "name", "ACID"},
-                           {"result", "formula", "EP * C"}, {"result", "unit", "g/L"},
-                           {"result", "digits", "3"},       {"limits", "high", "9"}};
+    const Method method = {{kVariables, "C", "0.1"},
+                           {kVariables, "UNUSED", "2.345678"},
+                           {kUncertainties, "C", "certificate 0.001 k 2, 0123456789 (滴定)"},
+                           {"result", "end_point", "EP"},
+                           {"result", "name", "ACID"},
+                           {"result", "formula", "EP * C"},
+                           {"result", "unit", "g/L"},
+                           {"result", "digits", "3"},
+                           {"limits", "high", "9"}};
     std::string curve;
     for (int i = 0; i < 40; ++i) {
         CString line;
@@ -46,13 +52,16 @@ std::string CrcOf(const std::string& path) {
 std::string LayoutFingerprint(const std::string& printerName) {
     ReportPrinter printer(printerName);
     const Titration titration = FixedTitration();
-    const TemporaryFile job, curve, page;
-    if (MakeReportJob(titration, 1, FixedRecord(), printer, curve.Path()).SaveJobFile(job.Path().c_str()) == 0)
-        throw Failure(job.Path() + ": " + Why("cannot be written"));
-    ReportPages pages({job.Path()}, FixedRecord().GetRenewDateTime());
+    const TemporaryFile job, curve, trace, page;
+    const auto save = [](CQelPrintJobQueueData made, const std::string& path) {
+        if (made.SaveJobFile(path.c_str()) == 0) throw Failure(path + ": " + Why("cannot be written"));
+    };
+    save(MakeReportJob(titration, 1, FixedRecord(), printer, curve.Path()), job.Path());
+    save(MakeTraceJobs(titration.result, 1, printer).front(), trace.Path());
+    ReportPages pages({job.Path(), trace.Path()}, FixedRecord().GetRenewDateTime());
     pages.SavePreview(1, page.Path());
     std::string fingerprint;
-    for (const TemporaryFile* file : {&job, &curve, &page}) fingerprint += CrcOf(file->Path()) + " ";
+    for (const TemporaryFile* file : {&job, &curve, &trace, &page}) fingerprint += CrcOf(file->Path()) + " ";
     return printerName == kPdfPrinter ? fingerprint + CrcOf(TemporaryPrint(pages).Path()) : fingerprint + "no PDF";
 }
 

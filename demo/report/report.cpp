@@ -84,10 +84,12 @@ std::string ResultText(const Settings& settings, const Result& result) {
     CString computed;
     computed.Format("Computed   %.12g, rounded to %s\n", result.computed,
                     Counted(settings.digits, "decimal place").c_str());
-    text += std::string(computed) + "Rule       " + RuleText(result) + "\n";
+    text += std::string(computed);
+    if (const std::string rule = RuleText(result); !rule.empty()) text += "Rule       " + rule + "\n";
     text += "Result     " + Shown(result) + "\n";
-    for (const std::string& more : {UncertaintyText(result), RoundingRemark(result)})
-        text += more.empty() ? "" : kIndent + more + "\n";
+    const std::string uncertainty = UncertaintyText(result), remark = RoundingRemark(result);
+    if (!uncertainty.empty()) text += kIndent + uncertainty + "\n";
+    if (!remark.empty()) text += kIndent + ("rounded " + remark) + "\n";
     const std::string limits = LimitText(settings, result.value);
     return limits.empty() ? text : text + "Limits     " + limits + "\n";
 }

@@ -3,6 +3,7 @@
 #include "demo/report/curve_graph.h"
 #include "demo/report/point_font.h"
 #include "demo/report/report.h"
+#include "demo/result/result_trace.h"
 #include "demo/support/failure.h"
 #include "demo/support/file_step.h"
 
@@ -17,7 +18,7 @@ constexpr int kLeft = 1, kRight = 4, kInMiddle = 0x10, kWrapped = 0x20 | 0x40;
 constexpr int kHeadline = 140, kStrong = 110, kPlain = 90, kSmall = 80;
 
 // Tenths of a millimetre in the cell.
-constexpr int kRow = 46, kAbove = 5;  // the first of several lines is where a single one would be
+constexpr int kRow = 40, kAbove = 2;  // the first of several lines is where a single one would be
 constexpr int kNames = 190, kValues = 400, kTableWidth = 650, kCurveLeft = 690;
 constexpr int kTop = 100, kBottom = 690, kSignature = 790;
 constexpr int kLineWidth = 2;
@@ -118,6 +119,11 @@ void AddTable(Layout& layout, const Titration& titration) {
     AddVariables(layout, result.variables, static_cast<int>(result.used.size()));
     layout.Rule();
     layout.Value(result.name, result.text + " " + result.unit, kStrong, kNames);
+    if (const std::string uncertainty = UncertaintyText(result); !uncertainty.empty())
+        layout.Value("Uncertainty", uncertainty, kPlain, kNames);
+    const std::string remark = RoundingRemark(result);
+    const std::string rounding = remark.empty() ? RuleText(result) : remark;
+    if (!rounding.empty()) layout.Fact("Rounding", rounding, true);
     const std::string limits = LimitText(titration.settings, result.value);
     if (!limits.empty()) layout.Fact("Limits", limits);
 }

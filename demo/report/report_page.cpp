@@ -1,5 +1,6 @@
 #include "demo/report/report_page.h"
 
+#include "demo/report/report_printer.h"
 #include "demo/support/failure.h"
 #include "demo/support/file_names.h"
 #include "demo/support/file_step.h"
@@ -9,17 +10,50 @@ namespace {
 
 constexpr int kPreviewDotsPerInch = 144;  // a screen has 96
 
+void StartPage(std::vector<std::string>& paths) {
+    while (paths.size() % kReportsPerPage != 0) paths.emplace_back();
+}
+
+void AddTrace(const MadeFiles& made, DWORD version, std::vector<std::string>& paths) {
+    for (int number = 1; !made.FingerprintOf(TraceJobName(version, number)).empty(); ++number)
+        paths.push_back(made.Path(TraceJobName(version, number)));
+}
+
+// Without empty cells at the end.
+std::vector<std::string> Whole(std::vector<std::string> paths) {
+    while (!paths.empty() && paths.back().empty()) paths.pop_back();
+    return paths;
+}
+
 }  // namespace
 
 std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last) {
     std::vector<std::string> paths;
     for (DWORD version = first; version <= last; ++version) paths.push_back(made.Path(JobName(version)));
-    return paths;
+    StartPage(paths);
+    for (DWORD version = first; version <= last; ++version) AddTrace(made, version, paths);
+    return Whole(std::move(paths));
+}
+
+std::vector<std::string> SignedJobPaths(const MadeFiles& made, DWORD version) {
+    std::vector<std::string> paths = {made.Path(JobName(version)), made.Path(SignatureJobName(version))};
+    StartPage(paths);
+    AddTrace(made, version, paths);
+    return Whole(std::move(paths));
+}
+
+int PagesOf(const std::vector<std::string>& jobPaths) {
+    return (static_cast<int>(jobPaths.size()) + kReportsPerPage - 1) / kReportsPerPage;
 }
 
 ReportPages::ReportPages(const std::vector<std::string>& jobPaths, const COleDateTime& made) {
     for (const std::string& path : jobPaths) {
         CQelPrintJobQueueData job;
+        if (path.empty()) {
+            job.GetPageStyle() = m_document.GetPageStyle();
+            m_document.CheckAndAddJobFile(job);
+            continue;
+        }
         if (job.LoadJobFile(path.c_str()) == 0) throw Failure(path + ": " + Why("cannot be read"));
         if (m_document.CheckAndAddJobFile(job) == 0)
             throw Failure(path + ": is for another printer than the first one");

@@ -9,10 +9,14 @@
 
 namespace titration {
 
-/// The job files of the reports on versions @p first to @p last.
+/// The job files of the reports on versions @p first to @p last, and from the next page on those of their traces.
+/// Versions of earlier releases have none. An empty path is an empty cell.
 std::vector<std::string> JobPaths(const MadeFiles& made, DWORD first, DWORD last);
+/// The same for one version, with its signatures below its report.
+std::vector<std::string> SignedJobPaths(const MadeFiles& made, DWORD version);
+int PagesOf(const std::vector<std::string>& jobPaths);
 
-/// Reports, three to a page, on the printer that they were laid out for.
+/// Reports and traces, three cells to a page, on the printer that they were laid out for.
 class ReportPages {
 public:
     /// @param made the date of a PDF, so that the same reports give the same bytes whenever they are printed

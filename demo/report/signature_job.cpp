@@ -12,7 +12,7 @@ constexpr int kLineWidth = 2;
 
 }  // namespace
 
-CQelPrintJobQueueData MakeSignatureJob(const std::string& headline, const std::vector<std::string>& lines,
+CQelPrintJobQueueData MakeSignatureJob(const std::string& headline, const std::vector<std::string>& lines, int pages,
                                        ReportPrinter& printer) {
     CQelPrintJobQueueData job;
     const CQelPrintJobPageStyle& style = printer.Style();
@@ -37,8 +37,8 @@ CQelPrintJobQueueData MakeSignatureJob(const std::string& headline, const std::v
     if (shown < lines.size())
         write(kPlain, y, "and " + std::to_string(lines.size() - shown) + " more lines: see the trail", kLeft);
     job.AddMillimetreCommandLine({0, kBottom, width, kBottom});
-    write(kPlain, kBottom + 5, "end of report", kLeft);
-    write(kPlain, kBottom + 5, "page 1 of 1", kRight);
+    write(kPlain, kBottom + 5, pages > 1 ? "the trace follows" : "end of report", kLeft);
+    write(kPlain, kBottom + 5, "page 1 of " + std::to_string(pages), kRight);
     return job;
 }
 

@@ -18,7 +18,7 @@ struct Result {
     double value = 0;  // rounded
     std::string text;  // with the settings' number of decimal places
     std::string unit;
-    qel::Trace trace;  // of the same computation in decimal numbers, see RequireTrace
+    qel::Trace trace;  // of the same computation in decimal numbers, see RequireTrace; empty in earlier releases
 };
 
 /// "ACIDITY = 49.6 g/L"

@@ -32,6 +32,7 @@ constexpr Kind kKinds[] = {
     {"method-*.xml", "the method of a version, enciphered"},
     {"curve-*.csv", "the measured curve of a version"},
     {"trace-*.json", "how a version was computed, step by step"},
+    {"trace-*.job", "the same as print jobs"},
     {"version-*/variables.qel", "a version that was taken out"},
     {"version-*.qel", "the same, as earlier releases named it"},
     {"curve.png", "the curve of the latest result"},

@@ -55,7 +55,7 @@ std::string RoundingRemark(const Result& result) {
     qel::DecimalFlags flags;
     const qel::Decimal& rounded = result.trace.Rounded()->rounded;
     if (qel::Decimal::OfText(result.text, flags) == rounded) return "";
-    return "rounded as a binary number; as a decimal one it is " + rounded.PlainText();
+    return "in binary numbers; in decimal ones it is " + rounded.PlainText();
 }
 
 void RequireTrace(const Result& result) {

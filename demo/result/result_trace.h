@@ -18,7 +18,7 @@ qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables)
 
 /// The result is rounded as a binary number, which counts what is below a half by up to a thousandth of its last place
 /// as the half. So it may differ from the rounded value of its trace; the result is what counts.
-/// @return a sentence about that, empty where both are the same
+/// @return "in binary numbers; in decimal ones it is 2.349"; empty where both are the same
 std::string RoundingRemark(const Result& result);
 
 /// @throws Failure if the two computations differ by more than that, if there is no trace, and if it has no uncertainty
@@ -27,7 +27,7 @@ void RequireTrace(const Result& result);
 
 /// "± 0.25 g/L (k = 2)"; empty without an uncertainty.
 std::string UncertaintyText(const Result& result);
-/// "half away from zero, 1 decimal places"
+/// "half away from zero, 1 decimal places"; empty without a trace.
 std::string RuleText(const Result& result);
 
 }  // namespace titration

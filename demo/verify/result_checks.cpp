@@ -2,6 +2,7 @@
 
 #include "demo/method/method_file.h"
 #include "demo/report/report_job.h"
+#include "demo/report/trace_job.h"
 #include "demo/result/result_file.h"
 #include "demo/result/result_table.h"
 #include "demo/support/file_names.h"
@@ -100,6 +101,15 @@ void MakeJobAgain(const Titration& titration, DWORD version, const CHistoryRenew
     ReportPrinter printer(printerName);
     CQelPrintJobQueueData job = MakeReportJob(titration, version, record, printer, picture);
     RequireDone(job.SaveJobFile(path.c_str()), "cannot be made again");
+}
+
+void MakeTraceJobAgain(const Result& result, DWORD version, int number, const std::string& printerName,
+                       const std::string& path) {
+    ReportPrinter printer(printerName);
+    std::vector<CQelPrintJobQueueData> jobs = MakeTraceJobs(result, version, printer);
+    const auto index = static_cast<std::size_t>(number) - 1;
+    Require(index < jobs.size(), "the trace has only " + Counted(static_cast<long long>(jobs.size()), "cell"));
+    RequireDone(jobs[index].SaveJobFile(path.c_str()), "cannot be made again");
 }
 
 }  // namespace titration

@@ -32,4 +32,8 @@ std::string PrinterOf(const MadeFiles& made, DWORD version);
 void MakeJobAgain(const Titration& titration, DWORD version, const CHistoryRenewInfo& record,
                   const std::string& printerName, const std::string& path, const std::string& picture);
 
+/// The same for the trace's job with a number.
+void MakeTraceJobAgain(const Result& result, DWORD version, int number, const std::string& printerName,
+                       const std::string& path);
+
 }  // namespace titration

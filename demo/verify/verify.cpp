@@ -79,6 +79,7 @@ private:
         });
         m_checks.Run("version " + std::to_string(version) + " in results.hcf", [&] {
             m_titration = EvaluateAgain(m_made, version, m_history, m_log);
+            if (!IsListed(TraceName(version))) m_titration->result.trace = {};
             return Shown(m_titration->result) + ", computed again from " + MethodName(version) + " and " +
                    CurveName(version) + "; " + Described(m_history.Record(version));
         });
@@ -91,12 +92,23 @@ private:
                    m_again.Check(JobName(version), JobName(version), PrinterOf(m_made, version),
                                  [&](const std::string& path) { MakeAgain(version, path, TemporaryFile().Path()); });
         });
+        for (int number = 1; IsListed(TraceJobName(version, number)); ++number) CheckTraceJob(version, number);
         const std::string takenOut = TakenOutName(version);
         if (!IsListed(takenOut)) return;
         m_checks.Run(takenOut, [&] {
             m_made.RequireAsMade(takenOut);
             m_history.RequireVersionIn(takenOut, version);
             return "version " + std::to_string(version) + " in results.hcf";
+        });
+    }
+
+    void CheckTraceJob(DWORD version, int number) {
+        const std::string name = TraceJobName(version, number);
+        m_checks.Run(name, [&] {
+            const std::string printer = PrinterOf(m_made, version);
+            return m_again.Check(name, JobName(version), printer, [&](const std::string& path) {
+                MakeTraceJobAgain(RequireTitration().result, version, number, printer, path);
+            });
         });
     }
 
@@ -128,7 +140,7 @@ private:
     void CheckPages() {
         const LoggedReports& reports = m_log.previewed;
         if (reports.last == 0) return;
-        const int pages = static_cast<int>(reports.last - reports.first) / kReportsPerPage + 1;
+        const int pages = PagesOf(JobsOf(reports));
         for (int page = 1; page <= pages; ++page) {
             CheckDrawn(PageName(page), PageName(1), reports, JobsOf(reports),
                        [&](ReportPages& again, const std::string& path) { again.SavePreview(page, path); });
@@ -145,7 +157,7 @@ private:
     void CheckRecord() {
         for (const DWORD version : m_log.signedReports) {
             CheckDrawn(SignedName(version), SignatureJobName(version), {version, version},
-                       {m_made.Path(JobName(version)), m_made.Path(SignatureJobName(version))}, PrintInto);
+                       SignedJobPaths(m_made, version), PrintInto);
         }
         const Installation installation(m_folder);
         if (!installation.HasHead() && CQFile::IsExist(m_made.Path(kTrail).c_str()) == 0) return;

@@ -8,7 +8,7 @@ TEST_F(Titration, TheAcidOfVinegarIsComputed) {
         << run.out;
     const std::string report = m_folder.Read("results/report.txt");
     EXPECT_TRUE(report.ends_with(
-        "Result     ACIDITY = 49.6 g/L\n           ± 0.24 g/L (k = 2)\nLimits     from 45.0 to 55.0: kept\n"))
+        "Result     ACIDITY = 49.6 g/L\n           ± 0.2 g/L (k = 2)\nLimits     from 45.0 to 55.0: kept\n"))
         << report;
     EXPECT_NE(run.out.find(report), std::string::npos) << run.out;
     EXPECT_TRUE(m_folder.Read("results/result.csv").ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));

@@ -20,6 +20,7 @@ TEST_F(Verified, DamageOfReportsAndPicturesIsFound) {
         {"report-1.job", FlipIn("</commands>"), "FAILED: report-1.job: Start-end tags mismatch"},
         {"report-1.job", FlipIn("width=\"4"), "FAILED: report-1.job: "},
         {"report-1.job", FlipIn("49.6"), "FAILED: report-1.job: shows \"Titration: ACIDITY 59.6 g/L\""},
+        {"trace-1-2.job", nullptr, "FAILED: trace-1-2.job: "},
         {"curve.png", Cut(1000), "FAILED: curve.png: has 1000 bytes"},
         {"page-1.png", Flip(1000), "FAILED: page-1.png: has "},
         {"page-1.png", nullptr, "FAILED: page-1.png: file not found"},
@@ -49,6 +50,28 @@ TEST_F(Verified, DamageOfTheListOfWhatWasMadeIsFound) {
     });
 }
 
+// Its report has nothing of a trace either; only the trail still names the files here.
+TEST_F(Verified, AVersionOfAnEarlierReleaseHasNoTrace) {
+    std::string made;
+    for (std::istringstream lines(m_folder.Read("results/made.ini")); std::getline(lines, made, '\n');) {
+        const std::string name = made.substr(0, made.find('='));
+        if (name.starts_with("trace-")) std::filesystem::remove(Path("results/") + name);
+    }
+    std::string ini = m_folder.Read("results/made.ini"), report = m_folder.Read("results/report.txt");
+    for (std::size_t at; (at = ini.find("\ntrace-")) != std::string::npos;) ini.erase(at, ini.find('\n', at + 1) - at);
+    for (const char* line : {"Rule ", "           ± "}) {
+        const std::size_t at = report.find(line);
+        report.erase(at, report.find('\n', at) + 1 - at);
+    }
+    const std::string before = SumsOf(m_folder.Path("results/report.txt"));
+    m_folder.Write("results/report.txt", report);
+    m_folder.Write("results/made.ini", Replaced(ini, before, SumsOf(m_folder.Path("results/report.txt"))));
+    const std::string found = Verify().out;
+    EXPECT_NE(found.find("ok      report.txt: the same when it is made again"), std::string::npos) << found;
+    EXPECT_NE(found.find("FAILED: files in the trail: trace-1-1.job is missing"), std::string::npos) << found;
+    EXPECT_EQ(found.find("trace-1.json:"), std::string::npos) << found;
+}
+
 TEST_F(Verified, DamageWithSumsThatFitIsFoundByMakingItAgain) {
     const std::string sums = m_folder.Read("results/made.ini");
     const auto fit = [&](const std::string& name) {
@@ -71,6 +94,7 @@ TEST_F(Verified, DamageWithSumsThatFitIsFoundByMakingItAgain) {
             {"trace-1.json", FlipIn("method"), "FAILED: trace-1.json: is another computation than method-1.xml and"},
             {"report.txt", FlipIn("49.6 g"), "FAILED: report.txt: differs from what is made again"},
             {"report-1.job", FlipIn("width=\"4"), "FAILED: report-1.job: differs from what is made again"},
+            {"trace-1-2.job", FlipIn("burette"), "FAILED: trace-1-2.job: differs from what is made again"},
             {"curve.png", Flip(1000), "FAILED: curve.png: differs from what is made again"},
             {"page-1.png", Flip(1000), "FAILED: page-1.png: differs from what is made again"},
             {"Titration reports.pdf", Flip(1000), "FAILED: Titration reports.pdf: differs from what is made again"},
@@ -85,5 +109,5 @@ TEST_F(Verified, PicturesWithOtherFontsAreComparedBySumsAlone) {
     m_folder.Write("results/titration.log",
                    m_folder.Read("results/titration.log") + "[2222/01/03 09:05:07],logged on\r\n");
     const Outcome run = Verify();
-    EXPECT_TRUE(run.out.ends_with("\n28 checks, all right; 5 files were compared by checksums alone\n")) << run.out;
+    EXPECT_TRUE(run.out.ends_with("\n34 checks, all right; 11 files were compared by checksums alone\n")) << run.out;
 }

@@ -1,4 +1,4 @@
-#include "titration.h"
+#include "job_words.h"
 
 TEST_F(Titration, UncertaintiesOfAMethodAreInTheTrace) {
     for (const auto& [text, expected] : Cases<std::string, const char*>{
@@ -26,10 +26,35 @@ TEST_F(Titration, UncertaintiesOfAMethodAreInTheTrace) {
 // A binary 2.3494999 counts as 2.3495; nobody who rounds it by hand comes to 2.350.
 TEST_F(Titration, AResultThatIsRoundedOtherwiseByHandSaysSo) {
     const Outcome run = Run(Curve(100), Replaced(Settings("F"), "F = 1", "F = 2.3494999"));
-    EXPECT_NE(run.out.find("Result     R = 2.350 mL\n           rounded as a binary number; as a decimal one it is "
+    EXPECT_NE(run.out.find("Result     R = 2.350 mL\n           rounded in binary numbers; in decimal ones it is "
                            "2.349\n"),
               std::string::npos)
         << run.out << run.err;
     EXPECT_NE(m_folder.Read("results/first/trace-1.json").find("\"rounded\": \"2.349\""), std::string::npos);
     EXPECT_EQ(Run("--verify --out results/first").status, 0);
+}
+
+TEST_F(Titration, ALongTraceIsPrintedInFull) {
+    std::string uncertainties = "[uncertainties]\n", formula = "EP";
+    for (const std::string name : {"EP", "F", "ZERO"}) {
+        uncertainties += name + " = standard 0.1";
+        for (int i = 1; i < 20; ++i) uncertainties += "; rectangular 0." + std::to_string(i) + ", a source of " + name;
+        uncertainties += "\n";
+        formula += " + F * ZERO * " + name;
+    }
+    EXPECT_EQ(Run(Curve(100), Settings(formula, uncertainties)).err, "");
+    const std::string folder = Path("results/first");
+    const std::vector<std::string> all =
+        Sorted(Words(OutputOf(QELLIB10_QEL " calc --steps --trace '" + folder + "/trace-1.json'")));
+    std::vector<std::string> printed, missing;
+    const CodePageScope page(qel::kCodePageUtf8);
+    int cells = 0;
+    for (std::string job; std::filesystem::exists(folder + (job = "/trace-1-" + std::to_string(cells + 1) + ".job"));
+         ++cells) {
+        const std::vector<std::string> words = WordsOfJob(m_folder.Path("results/first" + job));
+        printed.insert(printed.end(), words.begin(), words.end());
+    }
+    EXPECT_GT(cells, 4);
+    std::ranges::set_difference(all, Sorted(printed), std::back_inserter(missing));
+    EXPECT_EQ(Line({missing.size(), missing.at(0), missing.at(1)}), "2 Remark Unit") << "of columns without texts";
 }
