@@ -12,7 +12,8 @@ std::optional<CalculationInput> CalculationInput::Of(std::string_view name, std:
     constexpr std::string_view kBlanks = " \t";
     const auto skip = [&](std::size_t at) { return std::min(text.find_first_not_of(kBlanks, at), text.size()); };
     std::size_t start = skip(0);
-    if (start < text.size() && (text[start] == '<' || text[start] == '>')) start = skip(start + 1);
+    if (start < text.size() && (text[start] == '<' || text[start] == '>'))
+        start = skip(start + (text.substr(start + 1).starts_with('=') ? 2 : 1));
     const std::size_t end = std::min(text.find_first_of(kBlanks, start), text.size());
     const std::optional<Reading> reading = Reading::OfText(text.substr(0, end));
     if (!reading) return {};

@@ -45,6 +45,9 @@ struct CalculationFormula {
 
 /// All that a result depends on. Whoever has it can compute the result again.
 struct Calculation {
+    static constexpr std::size_t kMostHelpers = 1000;
+    static constexpr std::size_t kMostInputs = 10'000;
+
     CalculationFormula result;
     bool isKept = false;  ///< the formula of the result is in the older grammar, see Formula::Kept
     std::vector<CalculationFormula> helpers;

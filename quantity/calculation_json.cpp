@@ -71,7 +71,9 @@ template <class Values> JsonValue ListOf(const Values& values) {
 JsonValue JsonOf(const CalculationInput& input) {
     JsonValue json = JsonValue::Object();
     json.Set("name", JsonValue::Text(input.name)).Set("reading", JsonValue::Text(input.reading.Text()));
+    if (input.reading.isInexact) json.Set("isInexact", JsonValue::Boolean(true));
     if (input.reading.isFromBinary) json.Set("isFromBinary", JsonValue::Boolean(true));
+    if (input.reading.beforeRounding) json.Set("beforeRounding", JsonValue::Text(input.reading.beforeRounding->Text()));
     if (input.reading.places) json.Set("roundedByListTo", JsonValue::Number(std::int64_t{*input.reading.places}));
     if (!input.unit.empty()) json.Set("unit", JsonValue::Text(input.unit));
     if (!input.origin.empty()) json.Set("origin", JsonValue::Text(input.origin));
@@ -205,7 +207,13 @@ CalculationInput InputOf(const JsonValue& json) {
     const std::optional<Reading> reading = Reading::OfText(members.Text("reading"));
     if (!reading) Refuse("reading", "a reading");
     input.reading = *reading;
+    input.reading.isInexact = members.Boolean("isInexact");
     input.reading.isFromBinary = members.Boolean("isFromBinary");
+    if (members.Has("beforeRounding")) {
+        const std::optional<Reading> before = Reading::OfText(members.Text("beforeRounding"));
+        if (!before || !before->IsValue()) Refuse("beforeRounding", "a number");
+        input.reading.beforeRounding = before->value;
+    }
     if (members.Has("roundedByListTo")) input.reading.places = members.Whole<int>("roundedByListTo");
     input.unit = members.Text("unit");
     input.origin = members.Text("origin");

@@ -36,6 +36,7 @@ public:
     const Decimal* Start(const FormulaStep& step) {
         if (step.operation != FormulaOperation::kVariable) return &WrittenOperand(m_program, step, Flags());
         const Reading& reading = m_readings[m_program.variables[step.index]];
+        if (reading.beforeRounding) m_log.AddBeforeRounding(step, reading);
         if (reading.isFromBinary) m_isFromBinary = true;
         if (reading.isInexact) Flags().isInexact = true;
         return &reading.value;
@@ -88,6 +89,12 @@ private:
 static_assert(std::is_trivially_destructible_v<Decimal>);
 
 }  // namespace
+
+void StepLog::AddBeforeRounding(const FormulaStep& step, const Reading& reading) {
+    if (!IsKept() || !reading.beforeRounding) return;
+    m_steps->push_back(
+        {step.position, step.length, "variable before its list's rounding", reading.beforeRounding->Text(), {}});
+}
 
 void StepLog::Add(const FormulaStep& step, const ExactResult& result, const DecimalFlags& happened) {
     m_steps->push_back({step.position, step.length, std::string(NameOf(step.operation)), result.Text(), happened});

@@ -17,6 +17,8 @@ public:
     explicit StepLog(std::vector<ExactStep>* steps) : m_steps(steps) {}
 
     bool IsKept() const { return m_steps != nullptr; }
+    /// What a list read before it rounded the value of the variable.
+    void AddBeforeRounding(const FormulaStep& step, const Reading& reading);
     void Add(const FormulaStep& step, const ExactResult& result, const DecimalFlags& happened);
 
 private:

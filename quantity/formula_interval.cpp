@@ -75,6 +75,7 @@ public:
         if (step.operation != Operation::kVariable)
             return {Interval::Point(WrittenOperand(m_program, step, m_happened)), false};
         const std::size_t position = m_program.variables[step.index];
+        m_log.AddBeforeRounding(step, m_readings[position]);
         m_isFromBinary |= m_readings[position].isFromBinary;
         m_happened.isInexact |= m_readings[position].isInexact;
         return {Interval::Of(m_readings[position], position), false, SubstituteOf(m_readings[position], step)};

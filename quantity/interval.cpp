@@ -115,7 +115,8 @@ Interval Interval::Everything(const std::optional<std::size_t>& cause) {
     return {{-Infinity(), true}, {Infinity(), true}, cause};
 }
 
-Interval Interval::Of(const Reading& reading, std::size_t position) {
+Interval Interval::Of(const Reading& reading, std::size_t ownPosition) {
+    const std::size_t position = reading.cause.value_or(ownPosition);
     switch (reading.kind) {
         case Reading::Kind::kValue:
             return Point(reading.value);

@@ -1,8 +1,12 @@
 #include "qellib10/quantity/quantity.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "qellib10/quantity/calculation.h"
+#include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/uncertain_constants.h"
 
 namespace qel {
 namespace {
@@ -20,6 +24,32 @@ std::optional<UncertaintyBudget> BudgetOf(const Quantity& quantity) {
     return PropagateUncertainty(itself, std::span(&input, 1), {}, error);
 }
 
+// Made from the statement in the other unit, as whoever reads it there would make it.
+std::optional<UncertaintyComponent> Scaled(const UncertaintyComponent& component, double factor) {
+    using Evaluation = UncertaintyComponent::Evaluation;
+    const double stated = component.stated * std::abs(factor);
+    std::optional<UncertaintyComponent> scaled;
+    switch (component.evaluation) {
+        case Evaluation::kReadings:
+            scaled =
+                UncertaintyComponent::Readings(stated, static_cast<std::size_t>(component.factor), component.source);
+            break;
+        case Evaluation::kStandard:
+            scaled = UncertaintyComponent::Standard(stated, component.source, component.degreesOfFreedom);
+            break;
+        case Evaluation::kHalfWidth:
+            scaled = component.distribution == UncertaintyComponent::Distribution::kTriangular
+                         ? UncertaintyComponent::Triangular(stated, component.source)
+                         : UncertaintyComponent::Rectangular(stated, component.source);
+            break;
+        case Evaluation::kCertificate:
+            scaled = UncertaintyComponent::Certificate(stated, component.factor, component.source,
+                                                       component.degreesOfFreedom);
+            break;
+    }
+    return scaled && component.uncertainty < 0.0 ? std::optional(scaled->Opposed()) : scaled;
+}
+
 }  // namespace
 
 std::optional<Quantity> Quantity::Of(std::string_view text, std::vector<UncertaintyComponent> components,
@@ -34,15 +64,14 @@ std::optional<Quantity> Quantity::Of(std::string_view text, std::vector<Uncertai
     return Quantity{input->reading.value, *unit, std::move(components)};
 }
 
-double Quantity::StandardUncertainty() const {
+std::optional<double> Quantity::StandardUncertainty() const {
     const std::optional<UncertaintyBudget> budget = BudgetOf(*this);
-    return budget ? budget->uncertainty : 0.0;
+    return budget ? std::optional(budget->uncertainty) : std::nullopt;
 }
 
-double Quantity::DegreesOfFreedom() const {
+std::optional<double> Quantity::DegreesOfFreedom() const {
     const std::optional<UncertaintyBudget> budget = BudgetOf(*this);
-    return budget ? budget->degreesOfFreedom.value_or(UncertaintyComponent::kInfinite)
-                  : UncertaintyComponent::kInfinite;
+    return budget ? budget->degreesOfFreedom : std::nullopt;
 }
 
 std::optional<Quantity> Quantity::In(const Unit& other, const std::optional<Decimal>& molarMass) const {
@@ -55,8 +84,9 @@ std::optional<Quantity> Quantity::In(const Unit& other, const std::optional<Deci
     const double factor = Subtract(*one, *zero, flags).ToDouble();
     Quantity result{*converted, other, components};
     for (UncertaintyComponent& component : result.components) {
-        component.uncertainty *= factor;
-        component.stated *= factor;
+        const std::optional<UncertaintyComponent> scaled = Scaled(component, factor);
+        if (!scaled) return {};
+        component = *scaled;
     }
     return result;
 }
@@ -81,9 +111,14 @@ std::optional<QuantityResult> EvaluateQuantities(const Formula& formula, std::sp
     if (!bound) return {};
     std::optional<ExactResult> exact = bound->EvaluateExactly(readings, {}, error);
     if (!exact) return {};
-    std::optional<UncertaintyBudget> budget = bound->Propagate(inputs, options, error);
-    if (!budget) return {};
-    return QuantityResult{*std::move(exact), bound->ResultUnit(), *std::move(budget)};
+    QuantityResult result{*std::move(exact), bound->ResultUnit(), {}};
+    const bool isUncertain = HasUncertainConstants(ProgramOf(formula)) ||
+                             std::ranges::any_of(formula.Variables(), [&](std::size_t position) {
+                                 return !quantities[position].components.empty();
+                             });
+    if (!isUncertain || bound->IsCondition()) return result;
+    result.budget = bound->Propagate(inputs, options, error);
+    return result.budget ? std::optional(std::move(result)) : std::nullopt;
 }
 
 }  // namespace qel

@@ -31,13 +31,14 @@ struct QELLIB10_API Quantity {
                                       std::string& error);
 
     /// Combined of all components: those of one source are added, independent ones by their squares.
-    double StandardUncertainty() const;
+    /// @return nothing where a component is not valid, or two of one source have other distributions
+    std::optional<double> StandardUncertainty() const;
     /// Effective ones by Welch-Satterthwaite over the independent sources, cut to a whole number; or infinite.
-    double DegreesOfFreedom() const;
+    std::optional<double> DegreesOfFreedom() const;
 
     /// The same quantity in another unit; its uncertainties are converted by the factor alone.
     /// @param molarMass in g/mol, above 0: by it alone amounts become masses and masses amounts
-    /// @return nothing where no factor converts the units
+    /// @return nothing where no factor converts the units, or an uncertainty becomes too large
     std::optional<Quantity> In(const Unit& other, const std::optional<Decimal>& molarMass = {}) const;
 
     std::string Text() const;  ///< "18.64 mL"; Of reads it
@@ -47,7 +48,7 @@ struct QELLIB10_API Quantity {
 struct QuantityResult {
     ExactResult exact;  ///< in @p unit
     Unit unit;
-    UncertaintyBudget budget;  ///< in @p unit
+    std::optional<UncertaintyBudget> budget;  ///< in @p unit; nothing of a condition, and where nothing is uncertain
 };
 
 /// Evaluates a formula once. Where it is done often, bind it and keep the QuantityFormula.

@@ -18,8 +18,8 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 Reading Finite(Reading::Kind kind, const Decimal& value) {
-    return value.IsFinite() ? Reading{kind, value, false, false, false, false, {}}
-                            : Reading{Reading::Kind::kInvalid, {}, false, false, false, false, {}};
+    return value.IsFinite() ? Reading{kind, value, false, false, false, false, {}, {}, {}}
+                            : Reading{Reading::Kind::kInvalid, {}, false, false, false, false, {}, {}, {}};
 }
 
 // The list rounds in binary: its 0.03 of four places may be 0.030000000000000002, and means 0.0300.
@@ -48,6 +48,7 @@ Reading Reading::OfDouble(double value) {
 
 Reading Reading::OfResult(const ExactResult& result) {
     Reading reading;
+    reading.cause = result.cause;
     switch (result.kind) {
         case ExactResult::Kind::kValue:
             reading.kind = Kind::kValue;
@@ -73,16 +74,18 @@ Reading Reading::OfResult(const ExactResult& result) {
 std::optional<Reading> Reading::OfText(std::string_view text) {
     text = Trimmed(text);
     if (text == kMissingText) return Reading{};
-    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, false, false, false, {}};
+    if (text == kInvalidText) return Reading{Kind::kInvalid, {}, false, false, false, false, {}, {}, {}};
     Kind kind = Kind::kValue;
     if (text.starts_with('<')) kind = Kind::kBelow;
     if (text.starts_with('>')) kind = Kind::kAbove;
-    if (kind != Kind::kValue) text = Trimmed(text.substr(1));
+    if (kind != Kind::kValue) text.remove_prefix(1);
+    const bool isIncluded = kind != Kind::kValue && text.starts_with('=');
+    text = Trimmed(isIncluded ? text.substr(1) : text);
     DecimalFlags flags;
     const Decimal value = Decimal::OfText(text, flags);
     // A reading of more digits than fit is no reading.
     if (!value.IsFinite() || flags.isInexact) return {};
-    return Reading{kind, value, false, false, false, false, {}};
+    return Reading{kind, value, false, false, isIncluded, false, {}, {}, {}};
 }
 
 std::string Reading::Text() const {
@@ -90,9 +93,9 @@ std::string Reading::Text() const {
         case Kind::kValue:
             return value.Text();
         case Kind::kBelow:
-            return "< " + value.Text();
+            return (isIncluded ? "<= " : "< ") + value.Text();
         case Kind::kAbove:
-            return "> " + value.Text();
+            return (isIncluded ? ">= " : "> ") + value.Text();
         case Kind::kMissing:
             return std::string(kMissingText);
         default:
@@ -104,10 +107,15 @@ std::optional<std::vector<Reading>> ReadingsOf(const CCalcVariableList& list, Ro
     const bool isRounded = list.GetRoundUpFlag() != 0;
     if (isRounded && rounded == RoundedList::kRefuse) return {};
     std::vector<Reading> readings;
+    CCalcVariableList stored = list;
+    stored.SetRoundUpFlag(0);
     CCalcVariable variable;
     for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
-        readings.push_back(Reading::OfDouble(variable.m_dValue));
-        if (isRounded) MarkRounded(readings.back(), list.GetRoundUpDigit());
+        Reading& reading = readings.emplace_back(Reading::OfDouble(variable.m_dValue));
+        if (!isRounded || !reading.IsValue()) continue;
+        MarkRounded(reading, list.GetRoundUpDigit());
+        stored.GetVariableData(i, &variable);
+        reading.beforeRounding = Decimal::OfDouble(variable.m_dValue);
     }
     return readings;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,12 +26,14 @@ struct QELLIB10_API Reading {
     };
 
     Kind kind = Kind::kMissing;
-    Decimal value;              ///< the number, or the limit
-    bool isFromBinary = false;  ///< it was a double; value is its shortest text
-    bool isInexact = false;     ///< it is the result of another formula that lost digits
-    bool isIncluded = false;    ///< the limit itself is possible
-    bool isComputed = false;    ///< it is the result of another formula; as a limit it has no substitute
-    std::optional<int> places;  ///< decimal places to which its list rounded it, before the formula
+    Decimal value;                          ///< the number, or the limit
+    bool isFromBinary = false;              ///< it was a double; value is its shortest text
+    bool isInexact = false;                 ///< it is the result of another formula that lost digits
+    bool isIncluded = false;                ///< the limit itself is possible
+    bool isComputed = false;                ///< it is the result of another formula; as a limit it has no substitute
+    std::optional<std::size_t> cause;       ///< position of the reading that this result of a formula is no number for
+    std::optional<Decimal> beforeRounding;  ///< with @p places
+    std::optional<int> places;              ///< decimal places to which its list rounded it, before the formula
 
     static Reading Of(const Decimal& value);  ///< invalid where @p value is not finite
     static Reading Below(const Decimal& limit);
@@ -39,7 +42,8 @@ struct QELLIB10_API Reading {
     static Reading OfDouble(double value);
     /// Of another formula, as an input of the next. Invalid where the result is no number and no limit.
     static Reading OfResult(const ExactResult& result);
-    /// A number as Decimal::OfText reads it, "< 0.02", "> 14", "missing" or "invalid"; blanks around it do not count.
+    /// A number as Decimal::OfText reads it, "< 0.02", "> 14", "<= 0.1", "missing" or "invalid"; blanks around it do
+    /// not count.
     /// @return nothing for any other text
     static std::optional<Reading> OfText(std::string_view text);
 

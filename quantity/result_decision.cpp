@@ -36,6 +36,14 @@ void DecideLimit(const ExactResult& result, const ResultLimits& limits, ResultDe
     decision.isUndecided = !decision.isPassed && !isFailed;
 }
 
+// Inwards of the limits by the guard band, or outwards where that is below 0.
+ResultLimits Moved(ResultLimits limits, const Decimal& guardBand) {
+    DecimalFlags ignored;
+    if (limits.lower) limits.lower = Add(*limits.lower, guardBand, ignored);
+    if (limits.upper) limits.upper = Subtract(*limits.upper, guardBand, ignored);
+    return limits;
+}
+
 ToleranceLimits InDouble(const ResultLimits& limits) {
     const auto nearest = [](const std::optional<Decimal>& limit) {
         return limit ? std::optional(limit->ToDouble()) : std::nullopt;
@@ -69,10 +77,15 @@ std::optional<ResultDecision> DecideResult(const ExactResult& result, const std:
         compared.value = decision.compared.ToDouble();
         decision.byUncertainty = DecideLimits(compared, InDouble(limits), limits.rule);
         if (!decision.byUncertainty) return refuse("the limits or the guard band are not valid");
-        decision.isPassed = decision.byUncertainty->isPassed;
-        decision.isUndecided = decision.byUncertainty->isUndecided;
     }
-    if (isSimple) decision.isPassed = IsWithin(decision.compared, limits);
+    DecimalFlags ignored;
+    const Decimal expanded = Decimal::OfDouble(budget ? budget->expandedUncertainty : 0.0);
+    Decimal guardBand = Multiply(expanded, Decimal::OfDouble(limits.rule.GuardBandFactor()), ignored);
+    if (limits.rule.RuleKind() == DecisionRule::Kind::kGuardedRejection) guardBand = -guardBand;
+    decision.isPassed = IsWithin(decision.compared, Moved(limits, guardBand));
+    const Decimal reach = isSimple ? expanded : guardBand.Absolute();
+    decision.isUndecided =
+        IsWithin(decision.compared, Moved(limits, -reach)) && !IsWithin(decision.compared, Moved(limits, reach));
     return decision;
 }
 

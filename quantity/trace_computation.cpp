@@ -2,19 +2,40 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+
+#include "qellib10/platform/text/printable_text.h"
+#include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/uncertain_constants.h"
 
 namespace qel {
 namespace {
 
 using Kind = FormulaError::Kind;
 
-// One that is neither given nor derived from the inputs.
-bool IsOwn(const UncertaintyComponent& component) { return component.source.empty(); }
+// Names of sources between formulas: those that are given, and one for each component that has none, since its input
+// may be in more than one formula. Whatever is given, the two kinds differ.
+constexpr char kGiven = 'g', kOwn = 'o';
+std::string SourceName(const std::string& input, std::size_t index, const UncertaintyComponent& component) {
+    if (!component.source.empty()) return kGiven + component.source;
+    return kOwn + input + '/' + std::to_string(index + 1);
+}
 
-// A source that only one component has gets a name: its input may be in more than one formula.
-std::string OwnSource(const std::string& input, std::size_t component) {
-    return input + '/' + std::to_string(component + 1);
+bool IsText(const CalculationFormula& formula) {
+    return IsUtf8(formula.name) && IsUtf8(formula.formula) && IsUtf8(formula.unit);
+}
+
+bool IsText(const CalculationInput& input) {
+    return IsUtf8(input.name) && IsUtf8(input.unit) && IsUtf8(input.origin) &&
+           std::ranges::all_of(input.components, IsUtf8, &UncertaintyComponent::source);
+}
+
+bool IsText(const Calculation& calculation) {
+    return IsText(calculation.result) &&
+           std::ranges::all_of(calculation.helpers, [](const CalculationFormula& each) { return IsText(each); }) &&
+           std::ranges::all_of(calculation.inputs, [](const CalculationInput& each) { return IsText(each); });
 }
 
 }  // namespace
@@ -38,6 +59,15 @@ void TraceComputation::Fail(const CalculationFormula& formula, const FormulaErro
 
 // Names that differ in case only are one name.
 bool TraceComputation::Check() {
+    const Calculation& calculation = m_trace.m_calculation;
+    const auto refuse = [&](const std::string& name, const char* sentence) {
+        m_trace.m_fault = TraceFault{name, {Kind::kTooLong, 0, 0, sentence, {}, {}}, sentence};
+        return false;
+    };
+    if (calculation.helpers.size() > Calculation::kMostHelpers)
+        return refuse("", "there are more than 1,000 other formulas");
+    if (calculation.inputs.size() > Calculation::kMostInputs) return refuse("", "there are more than 10,000 inputs");
+    if (!IsText(calculation)) return refuse("", "a text is not UTF-8");
     FormulaScope seen;
     for (const CalculationInput& input : m_trace.m_calculation.inputs) {
         const std::size_t before = seen.Count();
@@ -77,6 +107,7 @@ void TraceComputation::Run() {
     }
     m_readings.resize(m_set.Scope().Count());
     m_inputs.resize(m_set.Scope().Count());
+    m_isUnknown.resize(m_set.Scope().Count());
     for (std::size_t i = 0; i < m_set.Count(); ++i) m_inputs[calculation.inputs.size() + i].name = SourceOf(i).name;
     // The result's own formula is computed last, even where a helper names it.
     const std::size_t last = calculation.helpers.size();
@@ -111,10 +142,15 @@ bool TraceComputation::ReadUnits() {
         m_hasUnits |= !input.unit.empty();
     }
     m_units.resize(m_set.Scope().Count());
+    for (const CalculationFormula& helper : m_trace.m_calculation.helpers) m_hasUnits |= !helper.unit.empty();
+    for (std::size_t i = 0; i < m_set.Count(); ++i)
+        m_hasUnits |= std::ranges::any_of(ProgramOf(m_set.At(i)).steps, [](const FormulaStep& step) {
+            return step.operation == FormulaOperation::kConstant;
+        });
     return true;
 }
 
-// Where no input has a unit, that of a result is only shown.
+// Where nothing else has a unit, that of the result is only shown.
 bool TraceComputation::Bind(const CalculationFormula& source, const Formula& formula, TracePart& part) {
     if (!m_hasUnits) {
         m_bound = QuantityFormula::WithoutUnits(formula);
@@ -124,6 +160,7 @@ bool TraceComputation::Bind(const CalculationFormula& source, const Formula& for
     if (!source.unit.empty()) {
         wanted = UnitOf(source.name, source.unit);
         if (!wanted) return false;
+        if (wanted->IsNumber()) part.unit.clear();
     }
     FormulaError error;
     m_bound = QuantityFormula::Bind(formula, m_units, wanted, error);
@@ -150,17 +187,35 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
     }
     if (HasUncertainty(formula)) Propagate(formula, part);
     PutIn(part);
+    if (!part.withoutBudget.empty())
+        m_trace.m_remarks.push_back("no uncertainty of " + part.name + ": " + part.withoutBudget);
+    if (part.budget) ShowSources(*part.budget);
     return true;
 }
 
+// Names between formulas are no names for people.
+void TraceComputation::ShowSources(UncertaintyBudget& budget) const {
+    if (m_trace.m_calculation.helpers.empty()) return;
+    for (UncertaintyRow& row : budget.rows)
+        if (row.input < m_inputs.size() && !row.source.empty()) row.source.erase(0, 1);
+}
+
 bool TraceComputation::HasUncertainty(const Formula& formula) const {
-    return std::ranges::any_of(formula.Variables(),
-                               [&](std::size_t position) { return !m_inputs[position].components.empty(); });
+    return HasUncertainConstants(ProgramOf(formula)) ||
+           std::ranges::any_of(formula.Variables(), [&](std::size_t position) {
+               return m_isUnknown[position] || !m_inputs[position].components.empty();
+           });
 }
 
 std::string TraceComputation::ReasonAgainstBudget(const Formula& formula) const {
     for (const std::size_t position : formula.Variables())
         if (!m_readings[position].IsValue()) return m_set.Scope().Name(position) + " is no number";
+    for (const std::size_t position : formula.Variables())
+        if (m_isUnknown[position]) return "that of " + m_set.Scope().Name(position) + " is not known";
+    // Of a result that others use only its sources are kept, and coefficients are between inputs.
+    const Calculation& calculation = m_trace.m_calculation;
+    if (!calculation.uncertainty.correlations.empty() && !calculation.helpers.empty())
+        return "correlation coefficients need all in one formula";
     return formula.IsCondition() ? "the formula gives yes or no" : "";
 }
 
@@ -172,21 +227,15 @@ void TraceComputation::Propagate(const Formula& formula, TracePart& part) {
     if (!part.budget) part.withoutBudget = error.Text(part.formula);
 }
 
-UncertainInput TraceComputation::UncertainOf(const CalculationInput& input) const {
+UncertainInput TraceComputation::UncertainOf(const CalculationInput& input) {
     UncertainInput uncertain{input.name, input.reading.value.ToDouble(), input.components};
     if (m_trace.m_calculation.helpers.empty()) return uncertain;
     for (std::size_t i = 0; i < uncertain.components.size(); ++i) {
         UncertaintyComponent& component = uncertain.components[i];
-        if (IsOwn(component)) component.source = OwnSource(input.name, i);
+        component.source = SourceName(input.name, i, component);
+        m_distributions.emplace(component.source, component.distribution);
     }
     return uncertain;
-}
-
-const UncertaintyComponent* TraceComputation::ComponentOf(const UncertaintyRow& row) const {
-    if (row.input >= m_inputs.size()) return nullptr;  // of a constant
-    const auto& components = m_inputs[row.input].components;
-    const auto found = std::ranges::find(components, row.source, &UncertaintyComponent::source);
-    return found != components.end() ? &*found : nullptr;
 }
 
 // What a formula has from one source is one component of its result.
@@ -197,21 +246,26 @@ void TraceComputation::PutIn(const TracePart& part) {
     m_units[*position] = m_bound->ResultUnit();
     UncertainInput& input = m_inputs[*position];
     input.value = part.result->value.ToDouble();
+    m_isUnknown[*position] = !part.withoutBudget.empty();
     if (!part.budget) return;
+    std::unordered_map<std::string_view, std::size_t> places;  // of the sources, in what is put in
     for (const UncertaintyRow& row : part.budget->rows) {
-        const UncertaintyComponent* const component = ComponentOf(row);
-        UncertaintyComponent contribution = component != nullptr ? *component : UncertaintyComponent{};
+        UncertaintyComponent contribution;
+        contribution.degreesOfFreedom = row.degreesOfFreedom;
+        const auto known = m_distributions.find(row.source);
+        if (known != m_distributions.end()) contribution.distribution = known->second;
         contribution.source = row.source;
         contribution.evaluation = UncertaintyComponent::Evaluation::kStandard;
         contribution.uncertainty = row.contribution;
         contribution.stated = std::abs(row.contribution);
         contribution.factor = 1.0;
-        const auto same = std::ranges::find(input.components, row.source, &UncertaintyComponent::source);
-        if (same == input.components.end()) {
+        const auto [place, isNew] = places.emplace(row.source, input.components.size());
+        if (isNew) {
             input.components.push_back(std::move(contribution));
         } else {
-            same->uncertainty += contribution.uncertainty;
-            same->stated = std::abs(same->uncertainty);
+            UncertaintyComponent& same = input.components[place->second];
+            same.uncertainty += contribution.uncertainty;
+            same.stated = std::abs(same.uncertainty);
         }
     }
 }
@@ -222,6 +276,12 @@ void TraceComputation::Round() {
     std::optional<Decimal> expanded;
     if (part.budget) expanded = Decimal::OfDouble(part.budget->expandedUncertainty);
     if (rule) m_trace.m_rounded = part.result->Rounded(*rule, expanded);
+    const bool isNumber = part.result->kind == ExactResult::Kind::kValue ||
+                          part.result->kind == ExactResult::Kind::kBelow ||
+                          part.result->kind == ExactResult::Kind::kAbove;
+    if (rule && isNumber && !m_trace.m_rounded)
+        m_trace.m_remarks.push_back(
+            "not rounded: the rule needs more than 34 digits, or an uncertainty that is not there");
     if (expanded) m_trace.m_roundedUncertainty = RoundedUncertainty(*expanded);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "qellib10/quantity/formula_set.h"
@@ -28,8 +30,8 @@ private:
     bool HasUncertainty(const Formula& formula) const;
     std::string ReasonAgainstBudget(const Formula& formula) const;
     void PutIn(const TracePart& part);
-    UncertainInput UncertainOf(const CalculationInput& input) const;
-    const UncertaintyComponent* ComponentOf(const UncertaintyRow& row) const;
+    void ShowSources(UncertaintyBudget& budget) const;
+    UncertainInput UncertainOf(const CalculationInput& input);
     void Round();
     std::optional<Decimal> RoundedUncertainty(const Decimal& expanded) const;
     void Decide();
@@ -40,10 +42,12 @@ private:
     Trace& m_trace;
     unsigned m_threads;
     FormulaSet m_set;
-    std::vector<Reading> m_readings;         // of inputs and formulas, by position in the scope
-    std::vector<UncertainInput> m_inputs;    // of the same
-    std::vector<Unit> m_units;               // of the same
-    bool m_hasUnits = false;                 // any of the inputs
+    std::vector<Reading> m_readings;       // of inputs and formulas, by position in the scope
+    std::vector<UncertainInput> m_inputs;  // of the same
+    std::vector<Unit> m_units;             // of the same
+    std::vector<bool> m_isUnknown;         // of the same: there is an uncertainty, and it is not known
+    bool m_hasUnits = false;               // any of the inputs
+    std::unordered_map<std::string, UncertaintyComponent::Distribution> m_distributions;  // by source
     std::optional<QuantityFormula> m_bound;  // of the formula that was computed last
 };
 

@@ -137,7 +137,10 @@ std::string Shown(const JsonValue& value) {
     std::string text = value.Dump();
     text.pop_back();
     constexpr std::size_t kMostShown = 100;
-    return text.size() > kMostShown ? text.substr(0, kMostShown) + "..." : text;
+    if (text.size() <= kMostShown) return text;
+    std::size_t end = kMostShown;
+    while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;  // between two characters
+    return text.substr(0, end) + "...";
 }
 
 constexpr std::size_t kMostDifferences = 100;
@@ -160,6 +163,15 @@ void Compare(const JsonValue& recorded, const JsonValue& computed, const std::st
         for (std::size_t i = 0; i < recorded.members.size(); ++i)
             Compare(recorded.members[i].second, computed.members[i].second,
                     path + (path.empty() ? "" : "/") + recorded.members[i].first, differences);
+        return;
+    }
+    if (recorded.kind == JsonValue::Kind::kObject && computed.kind == JsonValue::Kind::kObject) {
+        for (const auto& [name, value] : recorded.members)
+            if (computed.Find(name) == nullptr)
+                differences.push_back(path + '/' + name + " was recorded, and is not computed");
+        for (const auto& [name, value] : computed.members)
+            if (recorded.Find(name) == nullptr)
+                differences.push_back(path + '/' + name + " is computed, and was not recorded");
         return;
     }
     differences.push_back(path + ": " + Shown(recorded) + " was recorded, " + Shown(computed) + " is computed");
@@ -192,6 +204,11 @@ std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error, 
     }
     const std::optional<Calculation> read = CalculationOf(*calculation, error);
     if (!read) return {};
+    for (const auto& [name, value] : recorded->members) {
+        if (&value == format || &value == engine || &value == calculation || &value == outcome) continue;
+        error = "\"" + name + "\" is no member of a trace";
+        return {};
+    }
     TraceCheck check{Trace::Of(*read, threads), engine->text, {}};
     // What this version does not know of the calculation would not have been computed.
     Compare(*calculation, JsonOf(*read), "calculation", check.differences);

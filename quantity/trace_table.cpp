@@ -56,8 +56,6 @@ private:
         } else {
             TraceTable& table = Add(TraceWord::kResult, request.result.name, {});
             table.rows.push_back({Word(TraceWord::kResult), m_trace.ResultWithUncertainty()});
-            if (!m_trace.Result()->withoutBudget.empty())
-                table.rows.push_back({Word(TraceWord::kWithoutBudget), m_trace.Result()->withoutBudget});
         }
         auto& rows = m_tables.back().rows;
         rows.push_back(
@@ -145,6 +143,8 @@ private:
         table.rows.push_back({Word(TraceWord::kStandardUncertainty), Short(trials.uncertainty, kFiguresOfUncertainty)});
         table.rows.push_back({Short(100.0 * trials.coverageProbability, 4) + " %",
                               Short(trials.symmetric.low, 10) + " .. " + Short(trials.symmetric.high, 10)});
+        if (m_trace.FirstOrder() && !m_trace.FirstOrder()->isStable)
+            table.rows.push_back({Word(TraceWord::kRemark), Word(TraceWord::kMoreTrials)});
         if (m_trace.FirstOrder())
             table.rows.push_back({Word(TraceWord::kFirstOrder),
                                   Word(m_trace.FirstOrder()->isEnough ? TraceWord::kEnough : TraceWord::kNotEnough)});

@@ -46,7 +46,6 @@ enum class TraceWord {
     kBecauseOf,
     kAtKink,
     kEngine,
-    kWithoutBudget,
     kOlderGrammar,
     kLimits,
     kLower,
@@ -63,6 +62,7 @@ enum class TraceWord {
     kFirstOrder,
     kEnough,
     kNotEnough,
+    kMoreTrials,
 };
 
 std::string_view TextOf(TraceWord word, TraceLanguage language);

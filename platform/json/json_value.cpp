@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <unordered_set>
 
 namespace qel {
 namespace {
@@ -29,10 +30,9 @@ public:
     bool end_array() { return Close(); }
 
     bool key(std::string& name) {
-        JsonValue& object = *m_open.back();
-        if (object.Find(name) != nullptr) return Refuse("the name \"" + name + "\" is there twice");
-        object.members.emplace_back(std::move(name), JsonValue{});
-        return true;
+        if (!m_names.back().insert(name).second) return Refuse("the name \"" + name + "\" is there twice");
+        m_open.back()->members.emplace_back(std::move(name), JsonValue{});
+        return Count();
     }
 
     bool parse_error(std::size_t position, const std::string& /*token*/, const Json::exception& failure) {
@@ -60,9 +60,12 @@ private:
         return open.items.emplace_back();
     }
 
+    // Each takes a few hundred bytes of memory for as few as two of the text.
+    bool Count() { return ++m_count <= JsonValue::kMostValues || Refuse("there are too many values"); }
+
     bool Add(JsonValue value) {
         Place() = std::move(value);
-        return true;
+        return Count();
     }
 
     bool AddNumber(std::string digits) {
@@ -77,22 +80,29 @@ private:
         JsonValue& place = Place();
         place.kind = kind;
         m_open.push_back(&place);
-        return true;
+        m_names.emplace_back();
+        return Count();
     }
 
     bool Close() {
         m_open.pop_back();
+        m_names.pop_back();
         return true;
     }
 
     std::string& m_error;
     JsonValue m_root;
     std::vector<JsonValue*> m_open;
+    std::vector<std::unordered_set<std::string>> m_names;  // of the open objects
+    std::size_t m_count = 0;
 };
 
 void Write(const JsonValue& value, std::size_t level, std::string& out);
 
-void WriteText(std::string_view text, std::string& out) { out += Json(text).dump(); }
+// What is not UTF-8 becomes U+FFFD.
+void WriteText(std::string_view text, std::string& out) {
+    out += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
 
 template <class Elements, class WriteElement> void WriteEach(const Elements& elements, char first, char last,
                                                              std::size_t level, std::string& out, WriteElement write) {

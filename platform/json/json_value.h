@@ -18,6 +18,7 @@ struct QELLIB10_INTERNAL_API JsonValue {
 
     static constexpr std::size_t kLongest = 64 << 20;  ///< bytes
     static constexpr std::size_t kDeepest = 64;        ///< lists and objects in each other
+    static constexpr std::size_t kMostValues = 2'000'000;
 
     Kind kind = Kind::kNull;
     bool isTrue = false;

@@ -148,7 +148,8 @@ TEST(Reading, OfAListThatRoundsItsValuesIsAskedFor) {
     list.SetRoundUpDigit(2);
     EXPECT_FALSE(ReadingsOf(list, qel::RoundedList::kRefuse));
     const Reading reading = ReadingsOf(list, qel::RoundedList::kAccept)->front();
-    EXPECT_EQ(Line({reading.Text(), reading.isFromBinary, *reading.places}), "16.52 1 2");
+    EXPECT_EQ(Line({reading.Text(), reading.isFromBinary, *reading.places, reading.beforeRounding->Text()}),
+              "16.52 1 2 16.519");
     list.SetRoundUpDigit(4);
     variable.m_dValue = 0.03;
     list.AddVariableData(variable);

@@ -1,10 +1,12 @@
 #include "qellib10/quantity/trace.h"
 
+#include <cmath>
 #include <fstream>
 #include <sstream>
 
 #include "../support/test.h"
 #include "json_schema.h"
+#include "qellib10/calc/calc_variable_list.h"
 #include "qellib10/platform/json/json_value.h"
 
 namespace {
@@ -61,6 +63,33 @@ TEST(Trace, AHelperLosesNoCorrelation) {
     twice.helpers.push_back({"AGAIN", "1000 * M * P / (MW * VT1)", ""});
     twice.result.formula = "TITRE - AGAIN + 1";
     EXPECT_NEAR(Trace::Of(twice).Result()->budget->uncertainty, 0.0, 1e-18);
+}
+
+// What is not known of a formula is not known of those that use it either.
+TEST(Trace, AHelperLosesNoUncertainty) {
+    Calculation calculation;
+    calculation.helpers = {{"H", "sqrt(A)", ""}};
+    calculation.result = {"X", "H + B", ""};
+    calculation.inputs = {Input("A", "0", {*UncertaintyComponent::Standard(0.2)}),
+                          Input("B", "2", {*UncertaintyComponent::Standard(0.1)})};
+    const Trace unknown = Trace::Of(calculation);
+    EXPECT_FALSE(unknown.Result()->budget);
+    EXPECT_EQ(unknown.Remarks().back(), "no uncertainty of X: that of H is not known");
+    calculation.helpers[0].formula = "A";
+    calculation.inputs[1].components[0].source = "A/1";  // no name of a source makes it another one
+    EXPECT_NEAR(Trace::Of(calculation).Result()->budget->uncertainty, std::hypot(0.2, 0.1), 1e-15);
+    calculation.uncertainty.correlations = {{0, 1, 1.0}};
+    EXPECT_FALSE(Trace::Of(calculation).Result()->budget);
+    calculation = {};
+    calculation.helpers = {{"H", "A * 2", ""}};
+    calculation.result = {"X", "H + 1", ""};
+    calculation.inputs = {Input("A", "missing")};
+    EXPECT_EQ(Trace::Of(calculation).ResultText(), "not determinable: A");
+    calculation.inputs[0].origin = "\xFF";
+    EXPECT_EQ(Trace::Of(calculation).Fault()->sentence, "a text is not UTF-8");
+    calculation = {};
+    calculation.result = {"X", "const.u * 2", ""};
+    EXPECT_TRUE(Trace::Of(calculation).Result()->budget);
 }
 
 TEST(Trace, FaultsNameTheFormulaAndThePlace) {
@@ -164,6 +193,8 @@ TEST(Trace, UnitsAreCheckedAndConverted) {
              {"A", "", "5 mLL", "2 g", "A: \"mLL\" is not a unit that is known"},
              {"A", "mLL", "5 mL", "2 g", "X: \"mLL\" is not a unit that is known"},
              {"A - B", "", "missing mL", "5 mL", "not determinable: A"},
+             {"const.R * A", "kJ/mol", "298.15", "2",
+              "X: the units do not go together at character 1: \"const.R * A\": J/(mol*K) is not converted to kJ/mol"},
          })
         EXPECT_EQ(result(formula, unit, a, b), expected) << formula;
     // A difference of temperatures stays one in the formulas that use it, also with a unit of its own.
@@ -185,6 +216,7 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
         calculation.result = {"X", "A", ""};
         calculation.inputs = {Input("A", reading)};
         if (u > 0.0) calculation.inputs[0].components = {*UncertaintyComponent::Standard(u)};
+        calculation.uncertainty.coverageFactor = 2.0;
         calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, 1);
         qel::DecimalFlags ignored;
         calculation.limits = {{}, qel::Decimal::OfText(upper, ignored), rule, comparesRounded};
@@ -201,6 +233,8 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
              {"9.9", "10", Rule::GuardedAcceptance(), false, 0,
               "no decision: a guard band needs the uncertainty of the result"},
              {"9.9", "10", Rule::GuardedAcceptance(), false, 0.1, "failed, undecided"},
+             {"0.2", "0.3", Rule::GuardedAcceptance(0.5), false, 0.1, "passed"},
+             {"10.00000000000000000001", "10", Rule::GuardedAcceptance(0), false, 0.1, "failed"},
              {"10.1", "10", Rule::GuardedRejection(), false, 0.1, "passed, undecided"},
              {"< 9.9", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
              {"< 10", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
@@ -256,9 +290,23 @@ TEST(Trace, JsonIsWhatItsSchemaSays) {
     Calculation tried = decided;
     tried.helpers.clear();
     tried.result.formula = "M * VT";
-    for (const Calculation& calculation : {Acid(), limit, wrong, decided, tried}) {
+    Calculation fromList = Acid();
+    CCalcVariableList list;
+    CCalcVariable variable;
+    variable.m_szName = "V";
+    variable.m_dValue = 14.894;
+    list.AddVariableData(variable);
+    list.SetRoundUpFlag(1);
+    list.SetRoundUpDigit(2);
+    fromList.inputs[4].reading = ReadingsOf(list, qel::RoundedList::kAccept)->front();
+    Calculation ofResult = Acid();
+    ofResult.inputs[4].reading = *Reading::OfText("<= 0.3");
+    ofResult.inputs[3].reading.isInexact = true;
+    for (const Calculation& calculation : {Acid(), limit, wrong, decided, tried, fromList, ofResult}) {
         std::string error;
-        EXPECT_EQ(schema.Objection(*qel::JsonValue::Parse(Trace::Of(calculation).Json(), error)), "");
+        const std::string json = Trace::Of(calculation).Json();
+        EXPECT_EQ(schema.Objection(*qel::JsonValue::Parse(json, error)), "");
+        EXPECT_EQ(qel::CheckTrace(json, error)->differences, std::vector<std::string>{});
     }
 }
 

@@ -141,7 +141,8 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"", "0 calc seal verify cabinet xml job archive renewals profile plot selftest trail stamp sign key\n"},
              {"calc --",
               "0 --help --from --digits --check --json --exact --name --unit --define --round --substitute "
-              "--coverage --k --lower --upper --decision --unrounded --trials --seed --kept --trace --write-trace "
+              "--coverage --k --correlation --lower --upper --decision --unrounded --trials --seed --kept --trace "
+              "--write-trace "
               "--steps "
               "--language\n"},
              {"seal --", "0 --help --new --after --json\n"},
@@ -235,7 +236,7 @@ TEST(Qel, CalcChecksAndComputes) {
               "0 10.0 ± 0.020 (k = 2)\nnot passed\n"},
              {"--exact A 'A=9.99; u=0.01' --upper 10.0 --decision 'guarded acceptance, w = 1 U'",
               "0 9.99 ± 0.020 (k = 2)\nnot passed, the uncertainty reaches over a limit\n"},
-             {"--exact A^2 'A=0; u=1' --trials 10000", "0 0 ± 0 (k = 2)\nfirst order is not enough\n"},
+             {"--exact A^2 'A=0; u=1' --trials 10000", "0 0 ± 0 (k = 2)\nfirst order is not enough"},
              {"--exact A A=1 --upper 2 --decision x", "2 qel: --decision: \"x\" is no rule: simple acceptance"},
              {"--exact 'A +' A=1",
               "1 qel: RESULT: the formula is not valid at its end: a number, a name or an opening bracket is "
@@ -245,7 +246,12 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--exact A A=1e",
               "2 qel: \"1e\" is no value: a number, < or > with a number, missing or invalid; see qel "
               "--help\n"},
-             {"--exact A 'A=1; u=-1'", "2 qel: \"u=-1\" is no uncertainty"},
+             {"--exact A 'A=1; u=-1'", "0 1 ± 2.0 (k = 2)\n"},
+             {"--exact A 'A=1; u=--1'", "2 qel: \"u=--1\" is no uncertainty"},
+             {"--exact A 'A=1; u=0.1; source=B'", "2 qel: \"source=B\" has no uncertainty after it"},
+             {"--exact A 'A=1; u=0.1' --k 0", "0 1\nno uncertainty of RESULT: "},
+             {"--exact A+B 'A=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,B,1", "0 2 ± 0.40 (k = 2)\n"},
+             {"--exact 'const.R*T' T=298.15 --unit kJ/mol", "1 qel: RESULT: the units do not go together"},
              {"--round x A A=1", "2 qel: --round requires --exact; see qel --help\n"},
              {"--trace list.var", "3 qel: list.var: "},
          })

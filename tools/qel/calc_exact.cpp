@@ -56,7 +56,8 @@ std::string ShortForm(const qel::Trace& trace) {
         text += std::string(decided->isPassed ? "passed" : "not passed") +
                 (decided->isUndecided ? ", the uncertainty reaches over a limit\n" : "\n");
     if (const auto& check = trace.FirstOrder())
-        text += std::string("first order is ") + (check->isEnough ? "enough\n" : "not enough\n");
+        text += std::string("first order is ") + (check->isEnough ? "enough" : "not enough") +
+                (check->isStable ? "\n" : "; more trials are needed to be sure\n");
     for (const std::string& remark : trace.Remarks()) text += Shown(remark) + '\n';
     return text;
 }
@@ -102,6 +103,9 @@ void ExactCalculation::AddTo(CLI::App& command) {
     CLI::Option* const coverage =
         add(command.add_option("--coverage", probability, "Probability of the expanded uncertainty"));
     add(command.add_option("--k", factor, "Coverage factor, in place of a probability"))->excludes(coverage);
+    add(command.add_option("--correlation", correlations, "Correlation coefficient of two inputs"))
+        ->type_name("A,B,R")
+        ->allow_extra_args(false);
     add(command.add_option("--lower", lower, "What the result must not be below"))->type_name("NUMBER");
     add(command.add_option("--upper", upper, "What the result must not be above"))->type_name("NUMBER");
     add(command.add_option("--decision", decision, "Rule, such as \"guarded acceptance, w = 1 U\""))->type_name("RULE");
@@ -151,7 +155,9 @@ void ExactCalculation::Run(const std::string& formula, const std::vector<std::st
         calculation.trials = trials;
         calculation.seed = seed;
         calculation.uncertainty.coverageProbability = probability;
-        if (factor != 0.0) calculation.uncertainty.coverageFactor = factor;
+        calculation.uncertainty.coverageFactor = factor;
+        for (const std::string& correlation : correlations)
+            calculation.uncertainty.correlations.push_back(CorrelationOf(correlation, calculation.inputs));
         trace = qel::Trace::Of(calculation, Threads());
     }
     if (!newTracePath.empty()) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,9 @@ struct ExactCalculation {
     std::string name = "RESULT", unit, rule, substitution = "none", language = "en";
     std::string tracePath, newTracePath, calculationPath;
     std::vector<std::string> helpers;
-    double probability = 0.9545, factor = 0.0;
+    double probability = 0.9545;
+    std::optional<double> factor;
+    std::vector<std::string> correlations;
     std::string lower, upper, decision;
     std::size_t trials = 0;
     std::uint64_t seed = 1;

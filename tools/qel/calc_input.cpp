@@ -1,5 +1,7 @@
 #include "calc_input.h"
 
+#include <algorithm>
+
 #include "tool.h"
 
 namespace tool {
@@ -38,10 +40,12 @@ std::pair<double, double> Pair(const std::string& text) {
 
 std::optional<UncertaintyComponent> ComponentOf(const std::string& what, const std::string& value,
                                                 const std::string& source) {
-    if (what == "u") return UncertaintyComponent::Standard(Number(value), source);
     if (what == "rect") return UncertaintyComponent::Rectangular(Number(value), source);
     if (what == "tri") return UncertaintyComponent::Triangular(Number(value), source);
+    if (what == "u" && value.find('/') == std::string::npos)
+        return UncertaintyComponent::Standard(Number(value), source);
     const auto [first, second] = Pair(value);
+    if (what == "u") return UncertaintyComponent::Standard(first, source, second);
     if (what == "cert") return UncertaintyComponent::Certificate(first, second, source);
     const auto count = static_cast<std::size_t>(second >= 0.0 && second <= 1e9 ? second : 0.0);
     if (static_cast<double>(count) != second) Refuse(value, "has no whole number of readings");
@@ -57,6 +61,7 @@ qel::CalculationInput InputOf(const std::string& assignment) {
     std::optional<qel::CalculationInput> input = qel::CalculationInput::Of(name, value);
     if (!input) Refuse(value, "is no value: a number, < or > with a number, missing or invalid");
     std::string source;
+    bool isSourceUsed = true;
     while (more) {
         const auto [item, after] = Split(*more, ';');
         const auto [what, text] = Split(item, '=');
@@ -64,17 +69,33 @@ qel::CalculationInput InputOf(const std::string& assignment) {
         if (!text) Refuse(item, "is not WHAT=...");
         if (what == "from")
             input->origin = *text;
-        else if (what == "source")
+        else if (what == "source") {
             source = *text;
-        else if (what == "u" || what == "rect" || what == "tri" || what == "cert" || what == "s") {
-            const std::optional<UncertaintyComponent> component = ComponentOf(what, *text, source);
+            isSourceUsed = false;
+        } else if (what == "u" || what == "rect" || what == "tri" || what == "cert" || what == "s") {
+            const bool isOpposed = text->starts_with('-');
+            const auto component = ComponentOf(what, isOpposed ? text->substr(1) : *text, source);
             if (!component) Refuse(item, "is no uncertainty: " + Why("a number is out of its range"));
-            input->components.push_back(*component);
+            input->components.push_back(isOpposed ? component->Opposed() : *component);
+            isSourceUsed = true;
         } else {
             Refuse(item, "is not known: there are u, rect, tri, cert, s, source and from");
         }
     }
+    if (!isSourceUsed) Refuse("source=" + source, "has no uncertainty after it");
     return *std::move(input);
+}
+
+qel::InputCorrelation CorrelationOf(const std::string& text, const std::vector<qel::CalculationInput>& inputs) {
+    const auto [first, more] = Split(text, ',');
+    const auto [second, coefficient] = Split(more.value_or(""), ',');
+    if (!coefficient) Refuse(text, "is not A,B,R");
+    const auto positionOf = [&](const std::string& name) {
+        const auto found = std::ranges::find(inputs, name, &qel::CalculationInput::name);
+        if (found == inputs.end()) Refuse(name, "is no input");
+        return static_cast<std::size_t>(found - inputs.begin());
+    };
+    return {positionOf(first), positionOf(second), Number(*coefficient)};
 }
 
 qel::CalculationFormula FormulaOf(const std::string& assignment) {
