@@ -21,7 +21,12 @@ public:
     bool boolean(bool value) { return Add(JsonValue::Boolean(value)); }
     bool number_integer(Json::number_integer_t value) { return Add(JsonValue::Number(std::int64_t{value})); }
     bool number_unsigned(Json::number_unsigned_t value) { return AddNumber(std::to_string(value)); }
-    bool number_float(Json::number_float_t /*value*/, const std::string& written) { return AddNumber(written); }
+    // The parser has put the decimal point of the locale into it.
+    bool number_float(Json::number_float_t /*value*/, std::string written) {
+        const std::size_t point = written.find_first_not_of("+-0123456789eE");
+        if (point != std::string::npos) written[point] = '.';
+        return AddNumber(std::move(written));
+    }
     bool string(std::string& value) { return Add(JsonValue::Text(value)); }
     bool binary(Json::binary_t& /*value*/) { return false; }
     bool start_object(std::size_t /*count*/) { return Open(JsonValue::Kind::kObject); }

@@ -2,6 +2,7 @@
 
 #include <mpfr.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <random>
@@ -41,6 +42,7 @@ struct Precise {
     std::string Text() const {
         std::array<char, 80> text;
         mpfr_snprintf(text.data(), text.size(), "%.33Re", number);
+        std::ranges::replace(text, ',', '.');  // of the locale
         return Of(text.data()).Reduced().Text();
     }
     mpfr_t number;
