@@ -119,6 +119,7 @@ Decimal PowerOf(const Decimal& base, const Decimal& exponent, DecimalFlags& flag
 
 // More digits never decide where the exact result ends with a 5 after the last digit, or has no more digits.
 Decimal PositivePower(const Decimal& base, const Decimal& exponent, DecimalFlags& flags) {
+    if (base == Decimal(1) && exponent.IsFinite()) return Decimal(1);  // decNumber calls it inexact
     const bool isOrdinary = base.IsFinite() && exponent.IsFinite() && !base.IsZero();
     const int degree = isOrdinary && !exponent.IsInteger() ? DenominatorOf(exponent) : 0;
     const std::optional<Decimal> root = degree > 1 ? ExactRoot(base, degree) : std::nullopt;
@@ -128,10 +129,8 @@ Decimal PositivePower(const Decimal& base, const Decimal& exponent, DecimalFlags
 }
 
 double Log2(const Decimal& positive) {
-    const int exponent = positive.Magnitude();
-    DecimalFlags ignored;
-    const Decimal digits = Multiply(positive, Decimal::Scaled(1, -exponent, ignored), ignored);
-    return std::log2(digits.ToDouble()) + exponent * std::log2(10.0);
+    const Decimal digits = DecimalAccess::Finite(false, DecimalAccess::CoefficientOf(positive), 0);
+    return std::log2(digits.ToDouble()) + positive.Exponent() * std::log2(10.0);
 }
 
 }  // namespace

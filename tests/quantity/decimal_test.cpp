@@ -161,6 +161,8 @@ TEST(DecimalFunctions, AreExactWhereTheResultIs) {
              {"0", "0", "NaN invalid"},
              {"10", "6144", "1.000000000000000000000000000000000E+6144"},
              {"1.5", "2", "2.25"},
+             {"1.0", "0.3", "1"},
+             {"1", "12345678901", "1"},
          }) {
         DecimalFlags flags;
         const std::string text = Power(Of(base), Of(exponent), flags).Reduced().Text();
@@ -172,6 +174,7 @@ TEST(DecimalFunctions, AreExactWhereTheResultIs) {
              {qel::NaturalLogarithm, "0", "-Infinity"},
              {qel::NaturalLogarithm, "1", "0"},
              {qel::NaturalLogarithm, "-1", "NaN invalid"},
+             {qel::BinaryLogarithm, "1e-6176", "-20516.22791402434986044709279652647 inexact"},
              {qel::Exponential, "0", "1"},
              {qel::Exponential, "1e5", "Infinity inexact large"},
          }) {
