@@ -75,6 +75,7 @@ Decimal Two(const FormulaStep& step, const Decimal& left, const Decimal& right, 
             if (right.IsZero()) Refuse(step, Kind::kDividedByZero);
             return Divide(left, right, flags);
         case Operation::kPower:
+            if (left.IsZero() && right < Decimal(0)) Refuse(step, Kind::kUndefined);
             return Power(left, right, flags);
         case Operation::kLess:
             return Truth(left < right);

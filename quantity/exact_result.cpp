@@ -28,8 +28,9 @@ std::optional<LimitSubstitution> LimitSubstitutionOf(std::string_view name) {
     return {};
 }
 
-std::string ExactResult::Text() const { return TextWith(value.Text()); }
-std::string ExactResult::PlainText() const { return TextWith(value.PlainText()); }
+// -0 is 0 to a reader.
+std::string ExactResult::Text() const { return TextWith((value.IsZero() ? value.Absolute() : value).Text()); }
+std::string ExactResult::PlainText() const { return TextWith((value.IsZero() ? value.Absolute() : value).PlainText()); }
 
 std::string ExactResult::TextWith(const std::string& number) const {
     const std::string equal = isIncluded ? "= " : " ";

@@ -41,8 +41,6 @@ std::string FormulaError::Text(std::string_view formula) const {
             return "the result is not defined" + place + quoted;
         case Kind::kTooLarge:
             return "the number is too large" + place + quoted;
-        case Kind::kUndecided:
-            return "the condition is undecided" + place + quoted + ", because of " + expected;
         case Kind::kReading:
             return "not determinable" + place + quoted + ", because of " + expected;
         case Kind::kCycle:

@@ -22,7 +22,6 @@ struct QELLIB10_API FormulaError {
         kDividedByZero,
         kUndefined,    ///< such as the logarithm of a negative number
         kTooLarge,     ///< past the range of the numbers
-        kUndecided,    ///< a condition depends on a reading that is a limit, missing or invalid
         kReading,      ///< a reading is missing, invalid or a limit where a value is needed
         kCycle,        ///< a formula needs its own result
         kUnit,         ///< units that do not go together
@@ -33,9 +32,9 @@ struct QELLIB10_API FormulaError {
     std::size_t position = 0;  ///< in bytes of the text, from 0
     std::size_t length = 0;    ///< in bytes; 0 at the end of the text
     std::string expected;      ///< what was expected there: "a closing bracket"; of kReading the reading
-    std::string nearest;       ///< the known name that is most like an unknown one; empty if none is
+    std::string nearest;  ///< the known name that is most like an unknown one, as a formula has it; empty if none is
 
-    /// One sentence without a full stop, in English: an unknown name "EPP" at character 3; did you mean "EP"?
+    /// One sentence without a full stop, in English: a division by zero at character 3: "/"
     std::string Text(std::string_view formula) const;
 
     std::optional<std::size_t> cause;  ///< of kReading the position in the scope of the variable, if it is one

@@ -38,6 +38,23 @@ struct Stripped {
     std::size_t end = 0;
 };
 
+bool IsOfNumber(char c) { return (c >= '0' && c <= '9') || c == '.'; }
+
+// Older formulas have no brackets for other names.
+std::string NearestIn(const FormulaScope& scope, std::string_view name) {
+    std::string nearest = scope.Nearest(name);
+    return nearest.find_first_of(" \t()*+-/=") == std::string::npos ? nearest : "";
+}
+
+// What the grammar wanted where it stopped.
+std::string_view ExpectedAt(const char* cursor) {
+    if (IsDoubledOperator(cursor)) return "a number, a name or an opening bracket";
+    if (*cursor == '\0') return "a closing bracket";
+    if (*cursor == '(' && cursor[-1] == '-') return "a number or a name";  // a sign; the minus of a sum goes on
+    if (*cursor == '.' && IsOfNumber(cursor[-1])) return "one decimal point in a number";
+    return "an operator";
+}
+
 struct Pass {
     struct Operand {
         bool failed;
@@ -55,20 +72,25 @@ struct Pass {
                                    token.position,
                                    token.length,
                                    "a variable",
-                                   scope.Nearest(number.name),
+                                   NearestIn(scope, number.name),
                                    {}};
             builder.AddVariable(*position, token);
         } else {
             AddNumber(number);
         }
-        if (number.sign < 0.0) builder.Add(FormulaOperation::kNegate, {}, 0, 0);
+        if (number.sign < 0.0) builder.Add(FormulaOperation::kNegate, stripped.Token(DigitsOf(number) - 1, 1), 0, 0);
         return {false};
     }
 
     // The grammar has read the digits before the name, and passes their value on, not themselves.
-    void AddNumber(const FormulaNumber& number) const {
+    const char* DigitsOf(const FormulaNumber& number) const {
         const char* first = number.name.data();
-        while (first > stripped.Start() && ((first[-1] >= '0' && first[-1] <= '9') || first[-1] == '.')) --first;
+        while (first > stripped.Start() && IsOfNumber(first[-1])) --first;
+        return first;
+    }
+
+    void AddNumber(const FormulaNumber& number) const {
+        const char* const first = DigitsOf(number);
         const std::string digits = number.hasDigits ? std::string(first, number.name.data()) : "0";
         DecimalFlags flags;
         const Decimal value = Decimal::OfText(digits, flags);
@@ -108,7 +130,12 @@ FormulaProgram ParseKept(std::string_view text, const FormulaScope& scope) {
     const Pass::Operand whole = grammar.Express();
     if (whole.Failed() || *grammar.Cursor() != '\0') {
         const FormulaToken token = stripped.Token(grammar.Cursor(), *grammar.Cursor() == '\0' ? 0 : 1);
-        throw FormulaError{FormulaError::Kind::kSyntax, token.position, token.length, "something else", {}, {}};
+        throw FormulaError{FormulaError::Kind::kSyntax,
+                           token.position,
+                           token.length,
+                           std::string(ExpectedAt(grammar.Cursor())),
+                           {},
+                           {}};
     }
     return builder.Finish(false);
 }

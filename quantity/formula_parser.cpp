@@ -247,7 +247,7 @@ FormulaParser::Part FormulaParser::Word() {
 
 FormulaParser::Part FormulaParser::Variable(const FormulaToken& name) {
     const std::optional<std::size_t> position = m_scope.Find(name.text);
-    if (!position) Refuse(FormulaError::Kind::kName, name, "a variable", m_scope.Nearest(name.text));
+    if (!position) Refuse(FormulaError::Kind::kName, name, "a variable", WrittenName(m_scope.Nearest(name.text)));
     m_builder.AddVariable(*position, name);
     return Since(name.position, Type::kNumber);
 }

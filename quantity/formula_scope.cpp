@@ -64,7 +64,9 @@ std::string FormulaScope::Nearest(std::string_view name) const {
 std::string NearestName(std::string_view name, const std::vector<std::string_view>& names) {
     if (name.size() > kLongestCompared) return {};
     const std::string wanted = FoldUtf8Name(name);
-    std::size_t least = std::max<std::size_t>(name.size() / 3, 1) + 1;
+    const auto characters =
+        std::ranges::count_if(name, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; });
+    std::size_t least = characters < 2 ? 1 : std::max<std::size_t>(name.size() / 3, 1) + 1;
     std::string_view nearest;
     for (const std::string_view each : names) {
         const std::size_t longer = std::max(each.size(), name.size()) - std::min(each.size(), name.size());

@@ -38,6 +38,7 @@ private:
 };
 
 /// The one of @p names that is most like @p name, with at most a third of its bytes changed; empty if none is.
+/// A name of one character has no other that is like it, but for upper and lower case.
 std::string NearestName(std::string_view name, const std::vector<std::string_view>& names);
 
 }  // namespace qel

@@ -154,4 +154,13 @@ FormulaToken FormulaTokens::Operator() {
     return token;
 }
 
+std::string WrittenName(const std::string& name) {
+    const bool isWord = !name.empty() && std::ranges::all_of(name, IsInWord) && !IsDigit(name.front()) &&
+                        name.front() != '.' && !IsOperatorWord(name);
+    if (isWord || name.empty()) return name;
+    std::string written = "[";
+    for (const char c : name) written.append(c == ']' ? 2 : 1, c);
+    return written + ']';
+}
+
 }  // namespace qel

@@ -56,4 +56,7 @@ private:
     std::forward_list<std::string> m_joined;  // texts of tokens that differ from the formula
 };
 
+/// A variable's name as a formula has it: in [ ] where it is not read otherwise.
+std::string WrittenName(const std::string& name);
+
 }  // namespace qel

@@ -102,6 +102,7 @@ RoundedValue RoundingRule::Round(const Decimal& value, const std::optional<Decim
                 result.rounded = RoundTo(value, ToDigits(*uncertainty, m_count).Exponent(), m_rounding, flags);
             break;
     }
+    if (result.rounded.IsZero()) result.rounded = result.rounded.Absolute();
     return result;
 }
 

@@ -42,7 +42,7 @@ public:
     /// The last place of the standard or expanded uncertainty once that is rounded to @p digits, 1 or 2 (GUM 7.2.6).
     static RoundingRule ToUncertainty(DecimalRounding rounding, int digits);
 
-    /// @p uncertainty is needed by ToUncertainty alone.
+    /// Zero has no sign afterwards. @p uncertainty is needed by ToUncertainty alone.
     /// @return with NaN as rounded value where the value or the rule's argument is out of its range, is not finite, or
     /// the result needs more than 34 digits
     RoundedValue Round(const Decimal& value, const std::optional<Decimal>& uncertainty = {}) const;

@@ -33,6 +33,19 @@ TEST(FormulaExact, StepsAreListedWithWhatHappened) {
     EXPECT_EQ(Line({steps[2].position, steps[2].length}), "3 1");
 }
 
+TEST(FormulaExact, ASignOfAnOlderFormulaHasItsPlace) {
+    FormulaError error;
+    std::vector<qel::ExactStep> steps;
+    qel::FormulaScope scope;
+    scope.Add("A");
+    const std::optional<Formula> formula = Formula::Kept("A*( - 1 .5)-(-A)", scope, error);
+    ASSERT_TRUE(formula && formula->EvaluateExactly(std::vector{Reading::Of(Decimal(4))}, {}, error, &steps));
+    std::string all;
+    for (const qel::ExactStep& step : steps)
+        all += std::to_string(step.position) + "+" + std::to_string(step.length) + " " + step.result + "; ";
+    EXPECT_EQ(all, "0+1 4; 6+4 1.5; 4+1 -1.5; 1+1 -6.0; 14+1 4; 13+1 -4; 11+1 -2.0; ");
+}
+
 // Any numbers that the readings may be give a result that the interval has, also at the ends of the range.
 TEST(FormulaExact, EveryPossibleValueIsWithinTheInterval) {
     const std::vector<std::string> operations = {"+", "-", "*", "/"};

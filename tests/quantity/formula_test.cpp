@@ -98,8 +98,13 @@ TEST(Formula, KeptFormulasHaveTheSameResultsAsTheEvaluator) {
 TEST(Formula, KeptFaultsHaveTheirPlace) {
     FormulaError error;
     for (const auto& [text, expected] : Cases<const char*, const char*>{
-             {"A + (B", "the formula is not valid at its end: something else is expected"},
-             {"A * -B", "the formula is not valid at character 5: \"-\": something else is expected"},
+             {"A + (B", "the formula is not valid at its end: a closing bracket is expected"},
+             {"A * -B",
+              "the formula is not valid at character 5: \"-\": a number, a name or an opening bracket is expected"},
+             {"-(A)", "the formula is not valid at character 2: \"(\": a number or a name is expected"},
+             {"A + 1 . 2.",
+              "the formula is not valid at character 10: \".\": one decimal point in a number is expected"},
+             {"A) + 1", "the formula is not valid at character 2: \")\": an operator is expected"},
              {"A + Q Q", "a variable that nobody knows at character 5: \"Q Q\""},
          }) {
         EXPECT_FALSE(Formula::Kept(text, Scope(), error)) << text;
