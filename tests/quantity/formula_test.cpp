@@ -105,6 +105,7 @@ TEST(Formula, KeptFaultsHaveTheirPlace) {
              {"A + 1 . 2.",
               "the formula is not valid at character 10: \".\": one decimal point in a number is expected"},
              {"A) + 1", "the formula is not valid at character 2: \")\": an operator is expected"},
+             {"A\n+ 1", "a variable that nobody knows at character 1: \"A\n\"; did you mean \"A\"?"},
              {"A + Q Q", "a variable that nobody knows at character 5: \"Q Q\""},
          }) {
         EXPECT_FALSE(Formula::Kept(text, Scope(), error)) << text;
