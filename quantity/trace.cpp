@@ -39,7 +39,8 @@ std::string Trace::ResultText() const {
     if (shown.kind != ExactResult::Kind::kValue && !isLimit)
         return shown.cause ? shown.Text() + ": " + NameOf(*shown.cause) : shown.Text();
     if (m_rounded) shown.value = m_rounded->rounded;
-    const int magnitude = shown.value.Magnitude();
+    // Of an underflow there may be thousands of zeros.
+    const int magnitude = shown.value.IsZero() ? shown.value.Exponent() : shown.value.Magnitude();
     const bool isPlain = m_rounded || (magnitude >= kLeastPlain && magnitude <= kMostPlain);
     return WithUnit(isPlain ? shown.PlainText() : shown.Text(), part->unit);
 }
