@@ -3,6 +3,7 @@
 // than 0.2 s and less than numpy's vectorised run.
 //   FirstOrder >= 50 FirstOrderPython
 //   Budget >= 30 BudgetPython
+//   WithUnits >= 50 FirstOrderPython
 //   MonteCarlo:ms <= 200
 //   MonteCarlo >= 1 MonteCarloNumpy
 #include <benchmark/benchmark.h>
@@ -95,6 +96,21 @@ double SecondsOfUncertainties(const std::string& result) {
     return SecondsOfPython(script, Example().FirstOrder(), 1e-12);
 }
 
+// The units were checked once, and cost nothing here: no factor differs from 1.
+void WithUnits(benchmark::State& state) {
+    const Example example;
+    std::string ignored;
+    std::vector<qel::Unit> units(example.inputs.size());
+    units[0] = units[1] = units[9] = *qel::Unit::Parse("mL", ignored);
+    units[7] = units[0];
+    qel::FormulaError error;
+    const auto bound = qel::QuantityFormula::Bind(*example.formula, units, {}, error);
+    if (!bound) Fail(error.Text(kFormula).c_str());
+    qel::UncertaintyOptions options;
+    options.withRows = false;
+    for (auto _ : state) benchmark::DoNotOptimize(bound->Propagate(example.inputs, options, error));
+}
+
 void FirstOrderPython(benchmark::State& state) {
     for (auto _ : state) state.SetIterationTime(SecondsOfUncertainties("(y.std_dev,)"));
 }
@@ -128,6 +144,7 @@ void MonteCarloNumpy(benchmark::State& state) {
 }
 
 BENCHMARK(FirstOrder);
+BENCHMARK(WithUnits);
 BENCHMARK(FirstOrderPython)->UseManualTime()->Iterations(1);
 BENCHMARK(Budget);
 BENCHMARK(BudgetPython)->UseManualTime()->Iterations(1);

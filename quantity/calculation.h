@@ -45,7 +45,9 @@ struct CalculationFormula {
 
 /// All that a result depends on. Whoever has it can compute the result again.
 struct Calculation {
-    static constexpr std::size_t kMostHelpers = 1000;
+    static constexpr std::size_t kMostHelpers = 300;
+    static constexpr std::size_t kMostSteps = 200'000;  ///< of all formulas
+    static constexpr std::size_t kMostRows = 100'000;   ///< of all budgets
     static constexpr std::size_t kMostInputs = 10'000;
 
     CalculationFormula result;

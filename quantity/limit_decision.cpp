@@ -35,6 +35,7 @@ const char* Objection(const UncertaintyBudget& result, const ToleranceLimits& li
     if (!std::isfinite(result.value)) return "a value that is not finite";
     if (!IsFactor(result.uncertainty) || !IsFactor(result.expandedUncertainty))
         return "an uncertainty that is negative or not finite";
+    if (!std::isfinite(rule.GuardBandFactor() * result.expandedUncertainty)) return "a guard band that is not finite";
     if (result.degreesOfFreedom && !(*result.degreesOfFreedom > 0.0)) return "degrees of freedom that are not above 0";
     return nullptr;
 }

@@ -65,7 +65,7 @@ bool TraceComputation::Check() {
         return false;
     };
     if (calculation.helpers.size() > Calculation::kMostHelpers)
-        return refuse("", "there are more than 1,000 other formulas");
+        return refuse("", "there are more than 300 other formulas");
     if (calculation.inputs.size() > Calculation::kMostInputs) return refuse("", "there are more than 10,000 inputs");
     if (!IsText(calculation)) return refuse("", "a text is not UTF-8");
     FormulaScope seen;
@@ -187,6 +187,15 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
     }
     if (HasUncertainty(formula)) Propagate(formula, part);
     PutIn(part);
+    m_steps += part.steps.size();
+    m_rows += part.budget ? part.budget->rows.size() : 0;
+    if (m_steps > Calculation::kMostSteps || m_rows > Calculation::kMostRows) {
+        const char* const sentence = "the formulas have too many steps or sources of uncertainty for a trace";
+        m_trace.m_fault = TraceFault{part.name, {Kind::kTooLong, 0, 0, sentence, {}, {}}, sentence};
+        part.steps.clear();
+        part.budget.reset();
+        return false;
+    }
     if (!part.withoutBudget.empty())
         m_trace.m_remarks.push_back("no uncertainty of " + part.name + ": " + part.withoutBudget);
     if (part.budget) ShowSources(*part.budget);

@@ -87,7 +87,11 @@ std::string Component::Statement() const {
 std::optional<UncertainInput> UncertainInput::OfReadings(std::string_view name, std::span<const double> readings,
                                                          std::string_view source) {
     const auto n = static_cast<double>(readings.size());
-    const double mean = std::accumulate(readings.begin(), readings.end(), 0.0) / n;
+    // Ten readings of 0.1 have the mean 0.1: summed as differences from the first.
+    const double first = readings.empty() ? 0.0 : readings.front();
+    const double sum = std::accumulate(readings.begin(), readings.end(), 0.0,
+                                       [first](double all, double reading) { return all + (reading - first); });
+    const double mean = first + sum / n;
     double squares = 0.0;
     for (const double reading : readings) squares += (reading - mean) * (reading - mean);
     std::optional<Component> component = Component::Readings(std::sqrt(squares / (n - 1.0)), readings.size(), source);

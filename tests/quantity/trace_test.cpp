@@ -310,6 +310,23 @@ TEST(Trace, JsonIsWhatItsSchemaSays) {
     }
 }
 
+// Whatever is computed can be computed again.
+TEST(Trace, IsNeverTooLongToBeRead) {
+    Calculation calculation;
+    calculation.result = {"X", "H299", ""};
+    for (std::size_t i = 0; i < Calculation::kMostHelpers; ++i) {
+        const std::string name = std::to_string(i);
+        calculation.inputs.push_back(Input("A" + name, "1", {*UncertaintyComponent::Standard(0.1)}));
+        calculation.helpers.push_back({"H" + name, "A" + name + (i > 0 ? " + H" + std::to_string(i - 1) : ""), ""});
+    }
+    const Trace trace = Trace::Of(calculation);
+    ASSERT_EQ(trace.Fault(), nullptr);
+    std::string error;
+    EXPECT_TRUE(qel::CheckTrace(trace.Json(), error)) << error;
+    calculation.helpers.push_back({"H", "1", ""});
+    EXPECT_NE(Trace::Of(calculation).Fault(), nullptr);
+}
+
 TEST(Trace, OfOtherTextsThereIsNone) {
     for (const char* json :
          {"", "{}", "[]", "{\"format\": \"qellib10-trace-1\"}",
