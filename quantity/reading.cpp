@@ -34,6 +34,13 @@ void MarkRounded(Reading& reading, int places) {
     reading.value = reduced.Exponent() > 0 ? RoundTo(reduced, 0, DecimalRounding::kHalfAwayFromZero, flags) : reduced;
 }
 
+// What a list has rounded when it was added differs from the rounded value by the error of binary numbers alone.
+bool IsSameInBinary(const Decimal& a, const Decimal& b) {
+    constexpr int kDigitsOfDouble = 15;
+    const RoundingRule rule = RoundingRule::ToDigits(DecimalRounding::kHalfEven, kDigitsOfDouble);
+    return rule.Round(a).rounded == rule.Round(b).rounded;
+}
+
 }  // namespace
 
 Reading Reading::Of(const Decimal& value) { return Finite(Kind::kValue, value); }
@@ -115,7 +122,8 @@ std::optional<std::vector<Reading>> ReadingsOf(const CCalcVariableList& list, Ro
         if (!isRounded || !reading.IsValue()) continue;
         MarkRounded(reading, list.GetRoundUpDigit());
         stored.GetVariableData(i, &variable);
-        reading.beforeRounding = Decimal::OfDouble(variable.m_dValue);
+        const Decimal before = Decimal::OfDouble(variable.m_dValue);
+        if (!IsSameInBinary(before, reading.value)) reading.beforeRounding = before;
     }
     return readings;
 }

@@ -32,7 +32,7 @@ struct QELLIB10_API Reading {
     bool isIncluded = false;                ///< the limit itself is possible
     bool isComputed = false;                ///< it is the result of another formula; as a limit it has no substitute
     std::optional<std::size_t> cause;       ///< position of the reading that this result of a formula is no number for
-    std::optional<Decimal> beforeRounding;  ///< with @p places
+    std::optional<Decimal> beforeRounding;  ///< with @p places, where the list has more of them
     std::optional<int> places;              ///< decimal places to which its list rounded it, before the formula
 
     static Reading Of(const Decimal& value);  ///< invalid where @p value is not finite
