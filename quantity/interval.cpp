@@ -55,11 +55,16 @@ template <class Compute> Interval Ends(bool isOpen, DecimalFlags& flags, Compute
         return value.IsNegative() ? Interval{{value, true}, {-Greatest(), true}, {}}
                                   : Interval{{Greatest(), true}, {value, true}, {}};
     const bool isNearZero = happened.isTooSmall || (value.IsZero() && happened.isInexact);
+    DecimalFlags exact;
+    if (!isNearZero && happened.isInexact) {
+        // The bound itself is within half a unit of the last place.
+        const Decimal unit = Decimal::Scaled(1, value.Exponent(), exact);
+        return {{Subtract(value, unit, exact), true}, {Add(value, unit, exact), true}, {}};
+    }
     if (!isNearZero) return {{value, isOpen}, {value, isOpen}, {}};
     if (value.IsZero())
         return value.IsNegative() ? Interval{{-Least(), true}, {{}, true}, {}}
                                   : Interval{{{}, true}, {Least(), true}, {}};
-    DecimalFlags exact;
     return {{Subtract(value, Least(), exact), true}, {Add(value, Least(), exact), true}, {}};
 }
 

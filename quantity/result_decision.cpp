@@ -23,9 +23,11 @@ void DecideLimit(const ExactResult& result, const ResultLimits& limits, ResultDe
     const bool isBelow = result.kind == Kind::kBelow;
     const std::optional<Decimal>&near = isBelow ? limits.upper : limits.lower,
           &far = isBelow ? limits.lower : limits.upper;
+    // A possible number below the limit may be rounded to it.
+    const bool isIncluded = result.isIncluded || decision.isRounded;
     const auto isBeyond = [&](const Decimal& limit) {
         const auto order = decision.compared <=> limit;
-        return (isBelow ? order < 0 : order > 0) || (order == 0 && !result.isIncluded);
+        return (isBelow ? order < 0 : order > 0) || (order == 0 && !isIncluded);
     };
     const auto reaches = [&](const Decimal& limit) {
         const auto order = decision.compared <=> limit;

@@ -186,7 +186,10 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
         return false;
     }
     if (HasUncertainty(formula)) Propagate(formula, part);
-    PutIn(part);
+    // A number that a limit went into has no uncertainty that anybody knows.
+    PutIn(part, std::ranges::any_of(formula.Variables(), [&](std::size_t position) {
+              return m_isUnknown[position] || !m_readings[position].IsValue();
+          }));
     m_steps += part.steps.size();
     m_rows += part.budget ? part.budget->rows.size() : 0;
     if (m_steps > Calculation::kMostSteps || m_rows > Calculation::kMostRows) {
@@ -206,7 +209,7 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
 void TraceComputation::ShowSources(UncertaintyBudget& budget) const {
     if (m_trace.m_calculation.helpers.empty()) return;
     for (UncertaintyRow& row : budget.rows)
-        if (row.input < m_inputs.size() && !row.source.empty()) row.source.erase(0, 1);
+        if (row.source.starts_with(kGiven) || row.source.starts_with(kOwn)) row.source.erase(0, 1);
 }
 
 bool TraceComputation::HasUncertainty(const Formula& formula) const {
@@ -248,14 +251,14 @@ UncertainInput TraceComputation::UncertainOf(const CalculationInput& input) {
 }
 
 // What a formula has from one source is one component of its result.
-void TraceComputation::PutIn(const TracePart& part) {
+void TraceComputation::PutIn(const TracePart& part, bool usesUnknown) {
     const std::optional<std::size_t> position = m_set.Scope().Find(part.name);
     if (!position) return;  // that of the result, in the older grammar
     m_readings[*position] = Reading::OfResult(*part.result);
     m_units[*position] = m_bound->ResultUnit();
     UncertainInput& input = m_inputs[*position];
     input.value = part.result->value.ToDouble();
-    m_isUnknown[*position] = !part.withoutBudget.empty();
+    m_isUnknown[*position] = !part.withoutBudget.empty() || usesUnknown;
     if (!part.budget) return;
     std::unordered_map<std::string_view, std::size_t> places;  // of the sources, in what is put in
     for (const UncertaintyRow& row : part.budget->rows) {

@@ -29,7 +29,7 @@ private:
     void Propagate(const Formula& formula, TracePart& part);
     bool HasUncertainty(const Formula& formula) const;
     std::string ReasonAgainstBudget(const Formula& formula) const;
-    void PutIn(const TracePart& part);
+    void PutIn(const TracePart& part, bool usesUnknown);
     void ShowSources(UncertaintyBudget& budget) const;
     UncertainInput UncertainOf(const CalculationInput& input);
     void Round();

@@ -46,6 +46,20 @@ TEST(FormulaExact, ASignOfAnOlderFormulaHasItsPlace) {
     EXPECT_EQ(all, "0+1 4; 6+4 1.5; 4+1 -1.5; 1+1 -6.0; 14+1 4; 13+1 -4; 11+1 -2.0; ");
 }
 
+// 4 and 1E40 and -1E40 are 0 in 34 digits, so the bound is not 0.
+TEST(FormulaExact, ABoundThatLosesDigitsGoesOutwards) {
+    qel::FormulaScope scope;
+    scope.Add("A");
+    FormulaError error;
+    const std::optional<Formula> formula = Formula::Parse("A + 1E40 - 1E40", scope, error);
+    ASSERT_TRUE(formula);
+    const auto limit = formula->EvaluateExactly(std::vector{*Reading::OfText("< 5")}, {}, error);
+    const auto number = formula->EvaluateExactly(std::vector{*Reading::OfText("4")}, {}, error);
+    ASSERT_TRUE(limit && number);
+    EXPECT_EQ(limit->kind, ExactResult::Kind::kBelow);
+    EXPECT_LT(number->value, limit->value);
+}
+
 // Any numbers that the readings may be give a result that the interval has, also at the ends of the range.
 TEST(FormulaExact, EveryPossibleValueIsWithinTheInterval) {
     const std::vector<std::string> operations = {"+", "-", "*", "/"};

@@ -81,6 +81,12 @@ TEST(Trace, AHelperLosesNoUncertainty) {
     calculation.uncertainty.correlations = {{0, 1, 1.0}};
     EXPECT_FALSE(Trace::Of(calculation).Result()->budget);
     calculation = {};
+    calculation.helpers = {{"H", "mean(A, 3)", ""}};
+    calculation.result = {"X", "H * B", ""};
+    calculation.substitution = qel::LimitSubstitution::kLimit;
+    calculation.inputs = {Input("A", "< 2"), Input("B", "3", {*UncertaintyComponent::Standard(0.1)})};
+    EXPECT_FALSE(Trace::Of(calculation).Result()->budget);
+    calculation = {};
     calculation.helpers = {{"H", "A * 2", ""}};
     calculation.result = {"X", "H + 1", ""};
     calculation.inputs = {Input("A", "missing")};
@@ -240,6 +246,7 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
              {"< 10", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
              {"< 11", "10", Rule::SimpleAcceptance(), false, 0, "failed, undecided"},
              {"> 10", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
+             {"> 0.54", "0.5", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},
              {"missing", "10", Rule::SimpleAcceptance(), false, 0, "no decision: the result is no number and no limit"},
          })
         EXPECT_EQ(decided(reading, upper, rule, comparesRounded, u), expected) << reading;
