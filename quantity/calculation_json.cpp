@@ -6,6 +6,8 @@
 #include <cmath>
 #include <utility>
 
+#include "qellib10/quantity/uncertainty_statement.h"
+
 namespace qel {
 namespace {
 
@@ -26,7 +28,6 @@ constexpr std::array kEvaluations = {
 constexpr const char* kInfinite = "infinite";
 constexpr const char* kRounded = "rounded value";
 constexpr const char* kUnrounded = "unrounded value";
-constexpr double kMostReadings = 1e9;
 
 JsonValue JsonOf(const CalculationFormula& formula) {
     JsonValue json = JsonValue::Object();
@@ -171,33 +172,19 @@ CalculationFormula FormulaOf(const JsonValue& json) {
 // Made from how it is stated, so that a statement that does not belong to its uncertainty is noticed.
 UncertaintyComponent ComponentOf(const JsonValue& json) {
     const Members members(json, "uncertainties");
-    const std::string source = members.Text("source");
-    const double stated = members.Number("stated", 0.0), factor = members.Number("factor", 1.0);
-    const Evaluation evaluation = members.Named("evaluation", kEvaluations);
-    const bool isTriangular = members.Named("distribution", kDistributions) == Distribution::kTriangular;
+    UncertaintyComponent stated;
+    stated.source = members.Text("source");
+    stated.uncertainty = members.Number("uncertainty", 0.0);
+    stated.evaluation = members.Named("evaluation", kEvaluations);
+    stated.distribution = members.Named("distribution", kDistributions);
+    stated.stated = members.Number("stated", 0.0);
+    stated.factor = members.Number("factor", 1.0);
     const JsonValue& freedom = members.At("degreesOfFreedom");
     const bool isInfinite = freedom.kind == JsonValue::Kind::kText && freedom.text == kInfinite;
-    const double degrees = isInfinite ? UncertaintyComponent::kInfinite
-                                      : members.Number("degreesOfFreedom", UncertaintyComponent::kInfinite);
-    std::optional<UncertaintyComponent> component;
-    switch (evaluation) {
-        case Evaluation::kReadings:
-            if (factor >= 2.0 && factor <= kMostReadings)
-                component = UncertaintyComponent::Readings(stated, static_cast<std::size_t>(factor), source);
-            break;
-        case Evaluation::kStandard:
-            component = UncertaintyComponent::Standard(stated, source, degrees);
-            break;
-        case Evaluation::kHalfWidth:
-            component = isTriangular ? UncertaintyComponent::Triangular(stated, source)
-                                     : UncertaintyComponent::Rectangular(stated, source);
-            break;
-        case Evaluation::kCertificate:
-            component = UncertaintyComponent::Certificate(stated, factor, source, degrees);
-            break;
-    }
+    if (!isInfinite) stated.degreesOfFreedom = members.Number("degreesOfFreedom", UncertaintyComponent::kInfinite);
+    const std::optional<UncertaintyComponent> component = OfItsStatement(stated);
     if (!component) Refuse("uncertainties", "a valid uncertainty");
-    return members.Number("uncertainty", 0.0) < 0.0 ? component->Opposed() : *component;
+    return *component;
 }
 
 CalculationInput InputOf(const JsonValue& json) {

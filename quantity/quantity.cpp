@@ -7,6 +7,7 @@
 #include "qellib10/quantity/calculation.h"
 #include "qellib10/quantity/formula_access.h"
 #include "qellib10/quantity/uncertain_constants.h"
+#include "qellib10/quantity/uncertainty_statement.h"
 
 namespace qel {
 namespace {
@@ -22,32 +23,6 @@ std::optional<UncertaintyBudget> BudgetOf(const Quantity& quantity) {
     const UncertainInput input{"x", quantity.value.ToDouble(), quantity.components};
     FormulaError error;
     return PropagateUncertainty(itself, std::span(&input, 1), {}, error);
-}
-
-// Made from the statement in the other unit, as whoever reads it there would make it.
-std::optional<UncertaintyComponent> Scaled(const UncertaintyComponent& component, double factor) {
-    using Evaluation = UncertaintyComponent::Evaluation;
-    const double stated = component.stated * std::abs(factor);
-    std::optional<UncertaintyComponent> scaled;
-    switch (component.evaluation) {
-        case Evaluation::kReadings:
-            scaled =
-                UncertaintyComponent::Readings(stated, static_cast<std::size_t>(component.factor), component.source);
-            break;
-        case Evaluation::kStandard:
-            scaled = UncertaintyComponent::Standard(stated, component.source, component.degreesOfFreedom);
-            break;
-        case Evaluation::kHalfWidth:
-            scaled = component.distribution == UncertaintyComponent::Distribution::kTriangular
-                         ? UncertaintyComponent::Triangular(stated, component.source)
-                         : UncertaintyComponent::Rectangular(stated, component.source);
-            break;
-        case Evaluation::kCertificate:
-            scaled = UncertaintyComponent::Certificate(stated, component.factor, component.source,
-                                                       component.degreesOfFreedom);
-            break;
-    }
-    return scaled && component.uncertainty < 0.0 ? std::optional(scaled->Opposed()) : scaled;
 }
 
 }  // namespace
@@ -84,7 +59,8 @@ std::optional<Quantity> Quantity::In(const Unit& other, const std::optional<Deci
     const double factor = Subtract(*one, *zero, flags).ToDouble();
     Quantity result{*converted, other, components};
     for (UncertaintyComponent& component : result.components) {
-        const std::optional<UncertaintyComponent> scaled = Scaled(component, factor);
+        component.stated *= std::abs(factor);
+        const std::optional<UncertaintyComponent> scaled = OfItsStatement(component);
         if (!scaled) return {};
         component = *scaled;
     }

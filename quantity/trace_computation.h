@@ -47,7 +47,7 @@ private:
     std::vector<Unit> m_units;             // of the same
     std::vector<bool> m_isUnknown;         // of the same: there is an uncertainty, and it is not known
     std::size_t m_steps = 0, m_rows = 0;   // of all parts
-    bool m_hasUnits = false;               // any of the inputs
+    bool m_hasUnits = false;               // any of the inputs, constants and other formulas
     std::unordered_map<std::string, UncertaintyComponent::Distribution> m_distributions;  // by source
     std::optional<QuantityFormula> m_bound;  // of the formula that was computed last
 };

@@ -47,7 +47,7 @@ TEST(UncertaintyComponent, IsMadeOfWhatIsStated) {
     }
     const auto input = qel::UncertainInput::OfReadings("V", std::vector{10.1, 10.3, 10.2, 10.2}, "burette");
     ASSERT_TRUE(input);
-    EXPECT_EQ(Digits(input->value, 6) + " " + Digits(input->components[0].uncertainty, 4), "10.2 0.04082");
+    EXPECT_EQ(Line({Digits(input->value, 6), Digits(input->components[0].uncertainty, 4)}), "10.2 0.04082");
 }
 
 TEST(UncertaintyComponent, IsRefusedWithTheReason) {
@@ -191,7 +191,7 @@ TEST(UncertaintyBudget, TakesCorrelationCoefficientsWithK) {
     qel::FormulaError error;
     const auto budget = qel::PropagateUncertainty(inputs.Parsed("A - B"), inputs.inputs, options, error);
     // Covariances 0.09 - 0.06 and 0.16 - 0.06 of 0.13.
-    EXPECT_EQ(Digits(budget->rows[0].share, 5) + " " + Digits(budget->rows[1].share, 5), "0.23077 0.76923");
+    EXPECT_EQ(Line({Digits(budget->rows[0].share, 5), Digits(budget->rows[1].share, 5)}), "0.23077 0.76923");
     EXPECT_FALSE(budget->coverageProbability);
 }
 
