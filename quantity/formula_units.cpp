@@ -19,6 +19,24 @@ bool NeedsBasis(const Unit& unit) {
                                [&](BaseUnit base) { return unit.Value().powers[static_cast<std::size_t>(base)] != 0; });
 }
 
+// What a number with a unit becomes by it is no point on a scale with a zero of its own, but perhaps a difference.
+bool Computes(Operation operation) {
+    switch (operation) {
+        case Operation::kAdd:
+        case Operation::kSubtract:
+        case Operation::kMultiply:
+        case Operation::kDivide:
+        case Operation::kPower:
+        case Operation::kNegate:
+        case Operation::kAbs:
+        case Operation::kSqrt:
+        case Operation::kSum:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 BoundFormula UnitBinder::Bind(const std::optional<Unit>& wanted) {
@@ -69,6 +87,8 @@ void UnitBinder::Take(const FormulaStep& step) {
         if (position >= m_units.size()) Refuse(step, "the variable has no unit");
         result.unit = m_units[position];
     }
+    if (Computes(step.operation) && !result.unit.HasOffset())
+        result.unit = UnitMaker::Difference(std::move(result.unit));
     m_bound.Add(step);
     result.place = step;
     result.end = m_bound.End();
@@ -126,7 +146,8 @@ void UnitBinder::ConvertTo(const Unit& wanted, Operand& whole) {
     }
     const std::optional<UnitConversion> conversion = ConversionOf(whole.unit, wanted);
     if (!conversion) {
-        const std::string hint = NeedsBasis(wanted) ? ", which needs a basis, as in %(m/m)" : "";
+        const std::string hint =
+            NeedsBasis(wanted) ? ", which needs a basis, as in %(m/m)" : WhyNoZero(whole.unit, wanted);
         Refuse(whole.place, NameOfUnit(whole.unit) + " is not converted to " + NameOfUnit(wanted) + hint);
     }
     Convert(whole, *conversion);

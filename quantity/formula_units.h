@@ -27,9 +27,10 @@ struct BoundFormula {
 ///     exp, ln, log10, log2          need a ratio, and the argument becomes a plain number
 ///     x ^ n                         of a unit needs n written as a whole number or as a half: 2, -1, 0.5
 ///     round                         rounds the number in the unit that it has
-///     °C - °C                       is a difference in K, which becomes no °C and is compared with none; °C + K and
-///                                   °C - K are °C; nothing else is computed with °C, but they are compared, and min,
-///                                   max, mean and if take them
+///     °C - °C                       is a difference in K; °C + K and °C - K are °C; nothing else is computed with °C,
+///                                   but they are compared, and min, max, mean and if take them
+///     K that was computed           by + - * / ^ abs sqrt sum becomes no °C and is compared with none, since it may be
+///                                   a difference; K of a variable, also through min, max, mean, if and round, does
 ///
 /// @param units of the variables, by position in the scope
 /// @param wanted of the result; without one it is what follows

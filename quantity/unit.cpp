@@ -37,8 +37,6 @@ UnitValue Ratio(RatioOf ratio) {
     return value;
 }
 
-bool HasKelvin(const UnitValue& value) { return value.powers[static_cast<std::size_t>(BaseUnit::kKelvin)] != 0; }
-
 }  // namespace
 
 std::optional<Unit> Unit::Parse(std::string_view text, std::string& error) { return UnitParser::Parse(text, error); }
@@ -111,7 +109,7 @@ std::optional<Unit> Unit::Combined(const Unit& a, const Unit& b, int sign) {
     if (!value) return {};
     Unit result = a;
     result.m_value = *value;
-    result.m_isDifference = (a.m_isDifference || b.m_isDifference) && HasKelvin(*value);
+    result.m_isDifference = a.m_isDifference || b.m_isDifference;
     for (const Term& term : b.m_terms) {
         const auto same = std::ranges::find(result.m_terms, term.value, &Term::value);
         if (same == result.m_terms.end())
@@ -140,7 +138,6 @@ std::optional<Unit> Unit::Power(const Unit& a, int power) {
         if (std::abs(term.power) > UnitValue::kMostPower) return {};
     }
     if (power == 0) result.m_terms.clear();
-    result.m_isDifference = a.m_isDifference && power != 0;
     if (!result.IsMeantByItsTerms()) result.NameByValue();
     if (result.Text().size() > kLongest) return {};
     return result;

@@ -48,7 +48,7 @@ public:
     const Decimal& Offset() const noexcept { return m_offset; }
     /// Whether it is a temperature such as degrees Celsius, whose zero is not the absolute one: no product has it.
     bool HasOffset() const noexcept { return !m_offset.IsZero(); }
-    /// Whether it is K of a difference of temperatures, as °C - °C gives in a formula, or has it as a factor: it
+    /// Whether a formula computed it, so that its values may be differences: K of °C - °C, of products and of sums. It
     /// converts to no unit with an offset. Units that are read are none.
     bool IsDifference() const noexcept { return m_isDifference; }
     /// Whether it is 1 and a ratio of nothing: the unit of a number that a formula has.

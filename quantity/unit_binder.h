@@ -13,6 +13,8 @@ namespace qel {
 
 /// What a unit is called in an error.
 std::string NameOfUnit(const Unit& unit);
+/// What is added to an error where one unit has an offset and the other one was computed; else empty.
+std::string WhyNoZero(const Unit& a, const Unit& b);
 
 /// Goes through a formula with the units of its operands on a stack: formula_units.cpp follows the steps,
 /// unit_rules.cpp has what each operation makes of units.

@@ -25,6 +25,7 @@ public:
         return unit;
     }
 
+    /// One that a formula computed.
     static Unit Difference(Unit unit) {
         unit.m_isDifference = true;
         return unit;

@@ -21,10 +21,12 @@ bool IsNumberWithRatio(const Unit& a, const Unit& b) {
 
 }  // namespace
 
-std::string NameOfUnit(const Unit& unit) {
-    if (unit.IsDifference() && unit.Value().powers == ValueOf(BaseUnit::kKelvin).powers)
-        return "a difference in " + unit.Text();
-    return unit.IsNumber() ? "a number without unit" : unit.Text();
+std::string NameOfUnit(const Unit& unit) { return unit.IsNumber() ? "a number without unit" : unit.Text(); }
+
+std::string WhyNoZero(const Unit& a, const Unit& b) {
+    if (a.HasOffset()) return b.HasOffset() ? std::string() : WhyNoZero(b, a);
+    if (!a.IsDifference() || !b.HasOffset() || !a.Value().IsSameKind(b.Value())) return {};
+    return ": " + a.Text() + " that was computed may be a difference";
 }
 
 UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const FormulaStep& step,
@@ -39,7 +41,9 @@ UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const For
     } else {
         const std::optional<UnitConversion> conversion =
             IsSameKind(first.unit, second.unit) ? ConversionOf(second.unit, first.unit) : std::nullopt;
-        if (!conversion) Refuse(step, NameOfUnit(first.unit) + " and " + NameOfUnit(second.unit) + " " + verb);
+        if (!conversion)
+            Refuse(step, NameOfUnit(first.unit) + " and " + NameOfUnit(second.unit) + " " + verb +
+                             WhyNoZero(first.unit, second.unit));
         Convert(second, *conversion);
         if (second.unit.IsDifference()) first.unit = UnitMaker::Difference(std::move(first.unit));
     }
@@ -117,7 +121,7 @@ Unit UnitBinder::Sum(const FormulaStep& step, Operand& left, Operand& right) {
     if (left.unit.HasOffset() == isTemperature) {
         if (isSum && isTemperature) Refuse(step, kNoTemperature);
         const Unit unit = Agreed(left, right, step, verb).unit;
-        return isTemperature ? UnitMaker::Difference(UnitMaker::OfValue(unit.Value())) : unit;
+        return isTemperature ? UnitMaker::OfValue(unit.Value()) : unit;
     }
     // A temperature and a difference of temperatures.
     if (isTemperature && !isSum) Refuse(step, kNoTemperature);

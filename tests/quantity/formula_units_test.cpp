@@ -24,7 +24,7 @@ const std::vector<Variable> kVariables = {
     {"W", 5, "%(m/m)"},      {"V", 2, "%(v/v)"},     {"TIME", 2, "min"},
     {"SEC", 30, "s"},        {"N", 3, "1"},          {"PH", 7, "pH"},
     {"P", 4, "%"},           {"AREA", 4, "cm^2"},    {"KOH", 56.11, "mgKOH/mmol"},
-    {"PPM", 10, "ppm(m/m)"}, {"TEN", 10, "times"},
+    {"PPM", 10, "ppm(m/m)"}, {"TEN", 10, "times"},   {"SLOPE", 4, "mV/K"},
 };
 
 // The value and the unit of the result, or the error in words.
@@ -53,6 +53,8 @@ std::string Answer(const std::string& text, const char* wanted = nullptr) {
         if (*at == ',') *at = '.';
     return shown + (" " + bound->unit.Text());
 }
+
+const std::string kMayBeDifference = ": K that was computed may be a difference";
 
 std::string Refusal(const std::string& place, const std::string& reason) {
     return "the units do not go together at character " + place + ": " + reason;
@@ -110,8 +112,11 @@ TEST(FormulaUnits, TemperaturesDifferFromDifferences) {
              {"T + (T - T2)", "30 °C"},
              {"T - T2 > DT or T - T2 = DT", "1 1"},
              // Never 5 K as -268.15 °C, nor 5 K compared with 298.15 K.
-             {"T - T2 < T", Refusal("8: \"<\"", "a difference in K and °C cannot be compared")},
-             {"T > DT + (T - T2)", Refusal("3: \">\"", "°C and a difference in K cannot be compared")},
+             {"T - T2 < T", Refusal("8: \"<\"", "K and °C cannot be compared" + kMayBeDifference)},
+             {"T > mean(DT, T - T2)", Refusal("3: \">\"", "°C and K cannot be compared" + kMayBeDifference)},
+             {"max(T, SLOPE * (T - T2) / SLOPE)",
+              Refusal("1: \"max\"", "°C and K cannot be in one max" + kMayBeDifference)},
+             {"T + SLOPE * (T - T2) / SLOPE", "30 °C"},
              {"T + T2",
               Refusal("3: \"+\"", "a temperature such as °C is only compared, or has K added or subtracted; use K")},
              {"2 * T",
@@ -161,12 +166,7 @@ TEST(FormulaUnits, TheResultHasTheWantedUnit) {
              {"T", "degF", "77 degF"},
              {"DT", "°C", "-268.15 °C"},  // K may be a temperature
              {"T - T2", "K", "5 K"},
-             {"T - T2", "°C", Refusal("1: \"T - T2\"", "a difference in K is not converted to °C")},
-             {"2 * abs(T - T2) * SAMPLE / SAMPLE", "degF",
-              Refusal("1: \"2 * abs(T - T2) * SAMPLE / SAMPLE\"", "a difference in K is not converted to degF")},
-             {"DT * (T - T2) / (T - T2)", "°C",
-              Refusal("1: \"DT * (T - T2) / (T - T2\"", "a difference in K is not converted to °C")},
-             {"DT * ((T - T2) / (T - T2))", "°C", "-268.15 °C"},
+             {"mean(T, DT, round(min(T, DT), 0))", "°C", "-170.3833333 °C"},
              {"if(N > 1, TIME, SEC)", "s", "120 s"},
              {"0", "mL", "0 mL"},
              {"W", "1", "0.05 1"},
@@ -180,6 +180,17 @@ TEST(FormulaUnits, TheResultHasTheWantedUnit) {
              {"EP > BLANK", "mL", Refusal("1: \"EP > BLANK\"", "a condition has no unit")},
          })
         EXPECT_EQ(Answer(text, wanted), expected) << text;
+}
+
+// K has the zero of °C where it was given, and never where it was computed: 5 K are not -268.15 °C.
+TEST(FormulaUnits, ComputedKelvinsBecomeNoTemperature) {
+    for (const char* text : {"T - T2", "DT - DT", "DT + DT", "2 * DT", "sum(DT, DT)", "abs(DT)", "-DT", "sqrt(DT ^ 2)",
+                             "SLOPE * (T - T2) / SLOPE", "DT * ((T - T2) / (T - T2))", "if(N > 1, DT, T - T2)",
+                             "mean(DT, T - T2)", "max(0, 2 * DT)"}) {
+        const std::string piece = Answer(text, "°C");
+        EXPECT_TRUE(piece.ends_with("K is not converted to °C" + kMayBeDifference)) << text << ": " << piece;
+        EXPECT_TRUE(Answer(text, "K").ends_with(" K")) << text;
+    }
 }
 
 // Whatever is converted within, a step that a jump lands on is still the one that it landed on.

@@ -207,11 +207,12 @@ TEST(Trace, UnitsAreCheckedAndConverted) {
     for (const char* unit : {"", "K"}) {
         Calculation calculation;
         calculation.inputs = {*qel::CalculationInput::Of("A", "25 °C"), *qel::CalculationInput::Of("B", "20 °C")};
-        calculation.helpers = {{"D", "A - B", unit}};
-        calculation.result = {"X", "D", "°C"};
+        calculation.helpers = {{"D", "A - B", unit}, {"E", "D", ""}};
+        calculation.result = {"X", "min(D, E)", "°C"};
         const Trace trace = Trace::Of(calculation);
         ASSERT_NE(trace.Fault(), nullptr) << unit;
-        EXPECT_NE(trace.Fault()->sentence.find("a difference in K is not converted to °C"), std::string::npos) << unit;
+        EXPECT_NE(trace.Fault()->sentence.find("K is not converted to °C: K that was computed"), std::string::npos)
+            << unit;
     }
 }
 
