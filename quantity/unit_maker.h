@@ -31,6 +31,23 @@ public:
         return unit;
     }
 
+    /// The unit of the first one, and what both may be: a sum of a mass fraction and of one of masses or amounts is a
+    /// mass fraction.
+    /// @param first, second of the same kind
+    static Unit Common(Unit first, const Unit& second) {
+        const UnitValue& other = second.m_value;
+        UnitValue& value = first.m_value;
+        first.m_isDifference |= second.m_isDifference;
+        if (value.carried == kRatioOfNothing || other.carried == kRatioOfNothing)
+            value.carried |= other.carried;
+        else
+            value.carried &= other.carried;
+        const bool isNarrower = (value.ratios & other.ratios) != value.ratios;
+        value.ratios &= other.ratios;
+        if (isNarrower && !first.IsMeantByItsTerms()) first.NameByValue();
+        return first;
+    }
+
     /// @param number positive, and not 1
     static Unit Number(const Decimal& number) {
         UnitValue value;

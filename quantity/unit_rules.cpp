@@ -45,7 +45,7 @@ UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const For
             Refuse(step, NameOfUnit(first.unit) + " and " + NameOfUnit(second.unit) + " " + verb +
                              WhyNoZero(first.unit, second.unit));
         Convert(second, *conversion);
-        if (second.unit.IsDifference()) first.unit = UnitMaker::Difference(std::move(first.unit));
+        first.unit = UnitMaker::Common(std::move(first.unit), second.unit);
     }
     return {std::move(first.unit), step, m_bound.End(), literal};
 }

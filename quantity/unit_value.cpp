@@ -70,16 +70,24 @@ std::uint8_t RatiosOf(const UnitValue& value) {
     return ratios;
 }
 
-// Of a product, where 0 is a plain number. 5 %(m/m) of 2 %(v/v) is no mass fraction.
+// Of a product, where 0 is a plain number. 5 %(m/m) of 2 %(v/v) is no mass fraction, and by a ratio of molar masses a
+// mass fraction may become an amount fraction.
 std::uint8_t ProductOfRatios(std::uint8_t a, std::uint8_t b) {
-    if (a == kRatioOfNothing || b == kRatioOfNothing) return a | b;
-    if ((a & b) == 0) return kRatioOfMixed;
-    return a & b;
+    const bool isMixed = a != kRatioOfNothing && b != kRatioOfNothing && (a & b) == 0;
+    return isMixed ? std::uint8_t{kRatioOfMixed} : a | b;
 }
 
 std::uint8_t QuotientOfRatios(std::uint8_t a, std::uint8_t b) {
-    if ((a & b) != 0) return kRatioOfNothing;  // a mass fraction by a mass fraction is a number
+    const bool isAny = a == kRatioOfAny || b == kRatioOfAny;
+    if (a == b || (isAny && (a & b) != 0)) return kRatioOfNothing;  // a mass fraction by a mass fraction is a number
     return ProductOfRatios(a, b);
+}
+
+std::uint8_t CarriedBy(const UnitValue& value) { return value.IsRatio() ? value.ratios : value.carried; }
+
+// A mass fraction of a mass is a mass, and of a volume still a mass fraction.
+void Carry(UnitValue& result, std::uint8_t ratio) {
+    if ((ratio & RatiosOf(result)) == 0) result.carried = ratio;
 }
 
 }  // namespace
@@ -89,7 +97,8 @@ bool UnitValue::IsRatio() const noexcept {
 }
 
 bool UnitValue::IsSameKind(const UnitValue& other) const noexcept {
-    return powers == other.powers && (ratios == other.ratios || (ratios & other.ratios) != 0);
+    return powers == other.powers && (ratios == other.ratios || (ratios & other.ratios) != 0) &&
+           (carried == 0 || other.carried == 0 || (carried & other.carried) != 0);
 }
 
 bool operator==(const UnitValue& a, const UnitValue& b) noexcept {
@@ -100,23 +109,23 @@ bool operator==(const UnitValue& a, const UnitValue& b) noexcept {
 
 std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b) {
     std::optional<UnitValue> result = Combined(a, b, 1);
-    if (result && result->IsRatio()) {
-        if (!a.IsRatio())
-            result->ratios = kRatioOfAny;
-        else
-            result->ratios = ProductOfRatios(a.ratios, b.ratios);
-    }
+    if (!result) return {};
+    const std::uint8_t carried = ProductOfRatios(CarriedBy(a), CarriedBy(b));
+    if (!result->IsRatio())
+        Carry(*result, carried);
+    else
+        result->ratios = a.IsRatio() || carried != kRatioOfNothing ? carried : std::uint8_t{kRatioOfAny};
     return result;
 }
 
 std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b) {
     std::optional<UnitValue> result = Combined(a, b, -1);
-    if (result && result->IsRatio()) {
-        if (!a.IsRatio())
-            result->ratios = RatiosOf(a);
-        else
-            result->ratios = QuotientOfRatios(a.ratios, b.ratios);
-    }
+    if (!result) return {};
+    const std::uint8_t carried = QuotientOfRatios(CarriedBy(a), CarriedBy(b));
+    if (!result->IsRatio())
+        Carry(*result, carried);
+    else
+        result->ratios = a.IsRatio() ? carried : ProductOfRatios(RatiosOf(a), carried);
     return result;
 }
 
@@ -124,7 +133,10 @@ std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power) {
     if (std::abs(power) > UnitValue::kMostPower) return {};
     std::optional<UnitValue> result = UnitValue();
     for (int i = 0; i < std::abs(power) && result; ++i) result = Combined(*result, a, power > 0 ? 1 : -1);
-    if (result && power != 0) result->ratios = a.ratios;
+    if (result && power != 0) {
+        result->ratios = a.ratios;
+        result->carried = a.carried;
+    }
     return result;
 }
 

@@ -54,10 +54,13 @@ struct QELLIB10_API UnitValue {
     Decimal denominator = Decimal(1);
     bool isExact = true;                    ///< false where a digit is missing, as of pi, or it is measured
     std::uint8_t ratios = kRatioOfNothing;  ///< of RatioOf; where no base unit is left
+    /// The ratio that is a factor of a unit of another kind, such as m/m of %(m/m)*mL and %(m/m)/min. In %(m/m)*g it
+    /// is none: a mass fraction of a mass is a mass.
+    std::uint8_t carried = kRatioOfNothing;
 
     /// Whether no base unit is left.
     bool IsRatio() const noexcept;
-    /// Whether the dimensions are the same, and what they are a ratio of.
+    /// Whether the dimensions are the same, and what they are a ratio of or have one of as a factor.
     bool IsSameKind(const UnitValue& other) const noexcept;
 
     /// By value, so that 1000 mg equals 1 g.
@@ -66,9 +69,11 @@ struct QELLIB10_API UnitValue {
 
 /// @return nothing where a power is past kMostPower or the factor past 1e300 or below 1e-300
 ///
-/// A ratio of two units of mass, volume or amount is one of that. What cancels when units are multiplied, such as
-/// 1/mL and mL, may be any. A product of ratios is what all of them may be; where that is nothing, it is kRatioOfMixed.
-/// A quotient of like ratios is a plain number.
+/// A ratio of two units of mass, volume or amount is one of that; where they have several of these, as g/mol has, it
+/// may be each. What cancels when units are multiplied, such as 1/mL and mL, may be any, or is the ratio that one of
+/// them has as a factor. A product of ratios is what one of them may be, since a mass fraction times a ratio of molar
+/// masses is a mass fraction or an amount fraction; where they have nothing in common, it is kRatioOfMixed. A quotient
+/// of like ratios is a plain number.
 std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power);

@@ -130,6 +130,8 @@ TEST(Unit, ConvertsExactly) {
              {"1", "%(m/m)*%(v/v)", "%(m/m)", "none"},
              {"1", "%(m/m)/%(v/v)", "%(v/v)", "none"},
              {"1", "%(m/m)*%(v/v)/%(v/v)", "%(v/v)", "none"},
+             {"1", "%(m/m)/min", "%(v/v)/min", "none"},
+             {"1", "%(m/m)/min", "1/min", "0.01"},
              {"1", "mg", "mL", "none"},
          })
         EXPECT_EQ(Converted(value, from, to), expected) << from << " -> " << to;
@@ -229,16 +231,38 @@ TEST(Unit, TextsReadAsTheSameUnit) {
 }
 
 TEST(Unit, ARatioIsOneOfWhatWasDivided) {
-    const auto ratiosOf = [](const char* text) { return int{Parsed(text).Value().ratios}; };
-    EXPECT_EQ(ratiosOf("mL*mol/L*g/mol/g"), qel::kRatioOfMasses);
-    EXPECT_EQ(ratiosOf("g/L/(g/mL)"), qel::kRatioOfMasses | qel::kRatioOfVolumes);
-    EXPECT_EQ(ratiosOf("mg/mL/g*mL"), qel::kRatioOfAny);
-    EXPECT_EQ(ratiosOf("mV/mV"), qel::kRatioOfNothing);
-    EXPECT_EQ(ratiosOf("%(m/m)/%(m/m)"), qel::kRatioOfNothing);
-    EXPECT_EQ(ratiosOf("5*%(m/m)"), qel::kRatioOfMasses);
-    EXPECT_EQ(ratiosOf("%(v/v)*(1/mL*mL)"), qel::kRatioOfVolumes);
-    EXPECT_EQ(ratiosOf("%(m/m)*%(m/m)"), qel::kRatioOfMasses);
-    EXPECT_EQ(ratiosOf("%(m/m)*%(v/v)"), qel::kRatioOfMixed);
+    const int m = qel::kRatioOfMasses, v = qel::kRatioOfVolumes, n = qel::kRatioOfAmounts, mixed = qel::kRatioOfMixed;
+    for (const auto& [text, expected] : Cases<const char*, int>{
+             {"mL*mol/L*g/mol/g", m},
+             {"g/L/(g/mL)", m | v},
+             {"mg/mL/g*mL", qel::kRatioOfAny},
+             {"mV/mV", 0},
+             {"%(m/m)/%(m/m)", 0},
+             {"5*%(m/m)", m},
+             {"%(v/v)*(1/mL*mL)", qel::kRatioOfAny},
+             {"%(m/m)*%(m/m)", m},
+             {"%(m/m)*%(v/v)", mixed},
+             // By molar masses a mass fraction becomes an amount fraction, by densities one of volumes.
+             {"%(m/m)*((g/mol)/(g/mol))", m | n},
+             {"%(m/m)*(g/mol)/(g/mol)", m | n},
+             {"%(m/m)/((g/mol)/(g/mol))", m | n},
+             {"%(n/n)/(g/mol)*(g/mol)", qel::kRatioOfAny},
+             {"%(m/m)*(g/L)/(g/mL)", m | v},
+             {"%(v/v)*((g/mol)/(g/mol))", mixed},
+             {"%(v/v)*(g/mol)/(g/mol)", mixed},
+             // A dilution by volumes, with brackets and without.
+             {"%(m/m)*(mL/L)", mixed},
+             {"%(m/m)*mL/L", mixed},
+             {"mL*%(m/m)/L", mixed},
+             {"%(m/m)*mol/L*mL/mol", mixed},
+             {"%(v/v)*mL/L", v},
+             // A mass fraction of a mass is a mass, and a slope gives back what it is of.
+             {"%(m/m)*g/g", m},
+             {"%(m/m)*mL*g/L/(g/mol)/mol", n},
+             {"%(m/m)/mL*mL", m},
+             {"mV/(mV/%(m/m))", m},
+         })
+        EXPECT_EQ(int{Parsed(text).Value().ratios}, expected) << text;
 }
 
 TEST(Unit, ThePageHasAllCodes) {
