@@ -6,6 +6,7 @@
 
 #include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/trace.h"
+#include "qellib10/quantity/trace_phrases.h"
 #include "qellib10/quantity/trace_words.h"
 
 namespace qel {
@@ -40,6 +41,9 @@ public:
 
 private:
     std::string Word(TraceWord word) const { return std::string(TextOf(word, m_language)); }
+    std::string Phrase(std::string_view english) const {
+        return m_language == TraceLanguage::kJapanese ? JapaneseOf(english) : std::string(english);
+    }
 
     TraceTable& Add(TraceWord title, const std::string& name, std::initializer_list<TraceWord> columns) {
         TraceTable& table = m_tables.emplace_back();
@@ -55,7 +59,7 @@ private:
             table.rows.push_back({Word(TraceWord::kFault), fault->sentence});
         } else {
             TraceTable& table = Add(TraceWord::kResult, request.result.name, {});
-            table.rows.push_back({Word(TraceWord::kResult), m_trace.ResultWithUncertainty()});
+            table.rows.push_back({Word(TraceWord::kResult), Phrase(m_trace.ResultWithUncertainty())});
         }
         auto& rows = m_tables.back().rows;
         rows.push_back(
@@ -64,7 +68,7 @@ private:
         for (const CalculationFormula& helper : request.helpers)
             rows.push_back({Word(TraceWord::kHelper), helper.name + " = " + helper.formula});
         if (request.substitution != LimitSubstitution::kNone)
-            rows.push_back({Word(TraceWord::kSubstitution), std::string(NameOf(request.substitution))});
+            rows.push_back({Word(TraceWord::kSubstitution), Phrase(NameOf(request.substitution))});
         rows.push_back({Word(TraceWord::kEngine), m_trace.Engine()});
     }
 
@@ -80,7 +84,7 @@ private:
                 addRemark(Word(TraceWord::kRoundedByList) + std::to_string(*input.reading.places));
             std::string stated;
             for (const UncertaintyComponent& component : input.components)
-                stated += (stated.empty() ? "" : "; ") + component.Statement() +
+                stated += (stated.empty() ? "" : "; ") + Phrase(component.Statement()) +
                           (component.source.empty() ? "" : " (" + component.source + ')');
             table.rows.push_back({input.name, input.reading.Text(), input.unit, origin, stated});
         }
@@ -92,7 +96,8 @@ private:
                 {TraceWord::kStep, TraceWord::kFormula, TraceWord::kOperation, TraceWord::kValue, TraceWord::kRemark});
         for (const ExactStep& step : part.steps)
             table.rows.push_back({std::to_string(table.rows.size() + 1),
-                                  part.formula.substr(step.position, step.length), step.operation, step.result,
+                                  part.formula.substr(step.position, step.length), Phrase(step.operation),
+                                  Phrase(step.result),
                                   step.flags.isInexact ? Word(TraceWord::kInexact) : std::string()});
     }
 
@@ -100,9 +105,9 @@ private:
         if (m_trace.Result() == nullptr) return;
         TraceTable& table = Add(TraceWord::kRounding, "", {});
         const std::optional<RoundingRule>& rule = m_trace.Request().rule;
-        table.rows.push_back({Word(TraceWord::kRule), rule ? rule->Name() : Word(TraceWord::kNoRounding)});
+        table.rows.push_back({Word(TraceWord::kRule), rule ? Phrase(rule->Name()) : Word(TraceWord::kNoRounding)});
         const ExactResult& result = *m_trace.Result()->result;
-        table.rows.push_back({Word(TraceWord::kUnrounded), result.Text()});
+        table.rows.push_back({Word(TraceWord::kUnrounded), Phrase(result.Text())});
         if (m_trace.Rounded())
             table.rows.push_back({Word(TraceWord::kRounded), m_trace.Rounded()->rounded.PlainText()});
     }
@@ -157,7 +162,7 @@ private:
         TraceTable& table = Add(TraceWord::kLimits, "", {});
         if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), limits->lower->PlainText()});
         if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), limits->upper->PlainText()});
-        table.rows.push_back({Word(TraceWord::kRule), limits->rule.Name()});
+        table.rows.push_back({Word(TraceWord::kRule), Phrase(limits->rule.Name())});
         table.rows.push_back(
             {Word(TraceWord::kCompared),
              decision.compared.PlainText() + " (" +

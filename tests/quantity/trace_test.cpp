@@ -8,6 +8,8 @@
 #include "json_schema.h"
 #include "qellib10/calc/calc_variable_list.h"
 #include "qellib10/platform/json/json_value.h"
+#include "qellib10/quantity/operation_name.h"
+#include "qellib10/quantity/trace_phrases.h"
 
 namespace {
 
@@ -357,6 +359,41 @@ TEST(Trace, IsReadInEnglishAndJapanese) {
                              "rectangular, half-width 0.0005", "inexact", "half even, 2 digits of the uncertainty",
                              "Coverage factor k", "burette"})
         EXPECT_NE(english.find(text), std::string::npos) << text << "\n" << english;
-    for (const char* text : {"結果: ACID", "二進数から変換", "拡張不確かさ U"})
+    for (const char* text : {"結果: ACID", "二進数から変換", "拡張不確かさ U", "タイプ B、一様分布、半幅 0.0005",
+                             "タイプ A、測定回数 10、標準偏差 0.012", "偶数への丸め、不確かさの有効数字 2 桁の位まで"})
         EXPECT_NE(japanese.find(text), std::string::npos) << text << "\n" << japanese;
+}
+
+// Whatever a trace takes from elsewhere has a translation; names of inputs stay, also where they are words.
+TEST(Trace, NoRuleAndNoOperationStaysEnglish) {
+    using Rounding = qel::DecimalRounding;
+    std::vector<std::string> texts;
+    for (int i = 0; i <= static_cast<int>(qel::FormulaOperation::kGoOn); ++i)
+        texts.emplace_back(qel::NameOf(static_cast<qel::FormulaOperation>(i)));
+    for (const Rounding rounding :
+         {Rounding::kHalfAwayFromZero, Rounding::kHalfEven, Rounding::kTowardZero, Rounding::kAwayFromZero})
+        for (const qel::RoundingRule& rule :
+             {qel::RoundingRule::ToPlaces(rounding, 2), qel::RoundingRule::ToDigits(rounding, 3),
+              qel::RoundingRule::ToMultiple(rounding, qel::Decimal(5)), qel::RoundingRule::ToUncertainty(rounding, 2)})
+            texts.push_back(rule.Name());
+    for (const auto& made :
+         {UncertaintyComponent::Readings(1, 2), UncertaintyComponent::Standard(1), UncertaintyComponent::Rectangular(1),
+          UncertaintyComponent::Triangular(1), UncertaintyComponent::Certificate(1, 2)})
+        texts.push_back(made->Statement());
+    using qel::DecisionRule;
+    for (const DecisionRule& rule :
+         {DecisionRule::SimpleAcceptance(), DecisionRule::GuardedAcceptance(), DecisionRule::GuardedRejection()})
+        texts.push_back(rule.Name());
+    for (const std::string& text : texts) {
+        const bool isWord = text.find_first_not_of("+-*/^<=>") != std::string::npos;
+        EXPECT_EQ(qel::JapaneseOf(text) != text, isWord) << text;
+    }
+    for (const auto& [english, japanese] : Cases<const char*, const char*>{
+             {"half even, 2 decimal places", "偶数への丸め、小数点以下 2 桁"},
+             {"truncation, multiples of 0.05", "切捨て、0.05 の倍数"},
+             {"guarded acceptance, w = 0.5 U", "ガードバンド付き受入れ、w = 0.5 U"},
+             {"not determinable: limit", "決定できない: limit"},
+             {"12 mL ± 1 mL (k = 2)", "12 mL ± 1 mL (k = 2)"},
+         })
+        EXPECT_EQ(qel::JapaneseOf(english), japanese);
 }
