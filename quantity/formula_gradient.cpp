@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "qellib10/quantity/double_arithmetic.h"
@@ -24,12 +25,16 @@ public:
     Value Start(const FormulaStep& step) {
         if (step.operation == Operation::kVariable)
             return Add(step, m_values[step.index], 0, 0, m_isActive[step.index] != 0);
-        return Add(step, m_arithmetic.Start(step), 0, 0, false);
+        const double value = m_arithmetic.Start(step);
+        if (step.operation == Operation::kNumber)
+            m_gradient.NoteUnderflow(value, !m_gradient.m_program.numbers[step.index].value.IsZero());
+        return Add(step, value, 0, 0, false);
     }
 
     Value One(const FormulaStep& step, Value operand) {
         const double result = m_arithmetic.One(step, Number(operand));
-        NoteKink(operand, step.operation == Operation::kAbs && result == 0.0);
+        if (step.operation == Operation::kAbs && IsActive(operand)) m_gradient.m_bends.push_back({operand, kZero});
+        m_gradient.NoteUnderflow(result, step.operation == Operation::kExp && IsActive(operand));
         return Add(step, result, operand, operand, IsActive(operand));
     }
 
@@ -37,8 +42,12 @@ public:
         const double x = Number(left), y = Number(right);
         const bool isActive = IsActive(left) || IsActive(right);
         const bool isComparison = step.operation >= Operation::kLess && step.operation <= Operation::kNotEqual;
-        m_gradient.m_isAtKink |= isComparison && isActive && x == y;
-        return Add(step, DoubleArithmetic::Two(step, x, y), left, right, isActive);
+        if (isComparison && isActive) m_gradient.m_bends.push_back({left, right});
+        const double result = DoubleArithmetic::Two(step, x, y);
+        const bool isProduct = step.operation == Operation::kMultiply;
+        if (isProduct || step.operation == Operation::kDivide || step.operation == Operation::kPower)
+            m_gradient.NoteUnderflow(result, isActive && x != 0.0 && (!isProduct || y != 0.0));
+        return Add(step, result, left, right, isActive);
     }
 
     Value Many(const FormulaStep& step, std::span<const Value> operands) {
@@ -46,8 +55,11 @@ public:
         for (const Value operand : operands) m_numbers.push_back(Number(operand));
         const double result = DoubleArithmetic::Many(step, m_numbers);
         if (step.operation == Operation::kMin || step.operation == Operation::kMax) {
-            const bool areSeveral = std::ranges::count(m_numbers, result) > 1;
-            for (const Value operand : operands) NoteKink(operand, areSeveral && Number(operand) == result);
+            const Value taken =
+                operands[static_cast<std::size_t>(std::ranges::find(m_numbers, result) - m_numbers.begin())];
+            for (const Value operand : operands)
+                if (operand != taken && (IsActive(operand) || IsActive(taken)))
+                    m_gradient.m_bends.push_back({taken, operand});
         }
         const bool isActive = std::ranges::any_of(operands, [&](Value operand) { return IsActive(operand); });
         auto& all = m_gradient.m_operands;
@@ -63,7 +75,6 @@ public:
 private:
     double Number(Value node) const { return m_gradient.m_nodes[node].value; }
     bool IsActive(Value node) const { return m_gradient.m_nodes[node].isActive; }
-    void NoteKink(Value operand, bool isThere) { m_gradient.m_isAtKink |= isThere && IsActive(operand); }
 
     Value Add(const FormulaStep& step, double result, std::uint32_t left, std::uint32_t right, bool isActive) {
         auto& nodes = m_gradient.m_nodes;
@@ -79,20 +90,42 @@ private:
 };
 
 FormulaGradient::FormulaGradient(const FormulaProgram& program, std::pmr::memory_resource* memory)
-    : m_program(program), m_nodes(memory), m_operands(memory), m_partials(program.variables.size(), memory) {
+    : m_program(program),
+      m_nodes(memory),
+      m_operands(memory),
+      m_partials(program.variables.size(), memory),
+      m_bends(memory) {
     m_nodes.reserve(program.steps.size());
 }
 
 double FormulaGradient::Evaluate(std::span<const double> values, std::span<const unsigned char> isActive) {
     m_nodes.clear();
     m_operands.clear();
-    m_isAtKink = false;
+    m_bends.clear();
+    m_hasUnderflow = false;
     Recording recording(*this, values, isActive);
     const std::uint32_t result = FormulaMachine(m_program, recording).Run();
     std::ranges::fill(m_partials, 0.0);
     m_nodes[result].adjoint = 1.0;
     GoBackwards();
     return m_nodes[result].value;
+}
+
+double FormulaGradient::DifferentiateBend(const Bend& bend) {
+    for (Node& node : m_nodes) node.adjoint = 0.0;
+    std::ranges::fill(m_partials, 0.0);
+    double difference = m_nodes[bend.left].value;
+    m_nodes[bend.left].adjoint = 1.0;
+    if (bend.right != kZero) {
+        difference -= m_nodes[bend.right].value;
+        m_nodes[bend.right].adjoint = -1.0;
+    }
+    GoBackwards();
+    return difference;
+}
+
+void FormulaGradient::NoteUnderflow(double value, bool isNotZero) {
+    m_hasUnderflow |= isNotZero && std::abs(value) < std::numeric_limits<double>::min();
 }
 
 void FormulaGradient::GoBackwards() {
@@ -113,6 +146,8 @@ void FormulaGradient::GoBackwards() {
 
 void FormulaGradient::Pass(const Node& node, Node& operand, double derivative) {
     if (!operand.isActive) return;
+    NoteUnderflow(derivative, derivative != 0.0);
+    NoteUnderflow(node.adjoint * derivative, derivative != 0.0);
     const double adjoint = operand.adjoint + node.adjoint * derivative;
     if (!std::isfinite(adjoint)) {
         const auto kind = std::isfinite(derivative) ? Kind::kTooLarge : Kind::kUndefined;
@@ -158,10 +193,15 @@ void FormulaGradient::PassTwo(const Node& node) {
             return Pass(node, right, x);
         case Operation::kDivide:
             Pass(node, left, 1.0 / y);
+            NoteUnderflow(node.value / y, right.isActive && node.value != 0.0);
             if (right.isActive) Pass(node, right, -node.value / y);
             return;
         default:  // power
-            if (left.isActive) Pass(node, left, y * std::pow(x, y - 1.0));
+            if (left.isActive) {
+                const double derivative = y * std::pow(x, y - 1.0);
+                NoteUnderflow(derivative, x != 0.0 && y != 0.0);
+                Pass(node, left, derivative);
+            }
             if (right.isActive) Pass(node, right, x == 0.0 ? 0.0 : node.value * std::log(x));
     }
 }

@@ -37,9 +37,23 @@ public:
     /// Of the last evaluation, by slot; 0 where it was not wanted.
     std::span<const double> Partials() const { return m_partials; }
 
-    /// Whether the last evaluation was at a point where the formula bends or jumps: abs(0), equal operands of min, max
-    /// or a comparison. The uncertainty to first order then means little.
-    bool IsAtKink() const { return m_isAtKink; }
+    /// Where the formula may bend or jump: the operands of a comparison, and of min and max the one that was taken and
+    /// another. One of them depends on a variable whose derivative was wanted.
+    struct Bend {
+        std::uint32_t left, right;  // nodes; right is kZero for abs
+    };
+    static constexpr std::uint32_t kZero = UINT32_MAX;
+
+    /// Of the last evaluation, in its order.
+    std::span<const Bend> Bends() const { return m_bends; }
+    /// Makes Partials those of the difference of both operands.
+    /// @return the difference
+    /// @throws FormulaError
+    double DifferentiateBend(const Bend& bend);
+
+    /// Whether a value or derivative of the last evaluation was other than 0 and below what a double has, so that the
+    /// derivatives may be too small.
+    bool HasUnderflow() const { return m_hasUnderflow; }
 
 private:
     struct Node {  // a step that was carried out
@@ -52,16 +66,18 @@ private:
     class Recording;
 
     void GoBackwards();
+    void NoteUnderflow(double value, bool isNotZero);
     void PassOne(const Node& node);
     void PassTwo(const Node& node);
     void PassMany(const Node& node);
-    static void Pass(const Node& node, Node& operand, double derivative);
+    void Pass(const Node& node, Node& operand, double derivative);
 
     const FormulaProgram& m_program;
     std::pmr::vector<Node> m_nodes;
     std::pmr::vector<std::uint32_t> m_operands;  // nodes, of min, max, mean, sum
     std::pmr::vector<double> m_partials;
-    bool m_isAtKink = false;
+    std::pmr::vector<Bend> m_bends;
+    bool m_hasUnderflow = false;
 };
 
 }  // namespace qel

@@ -7,6 +7,7 @@
 #include "qellib10/quantity/calculation.h"
 #include "qellib10/quantity/formula_access.h"
 #include "qellib10/quantity/uncertain_constants.h"
+#include "qellib10/quantity/uncertainty_propagation.h"
 #include "qellib10/quantity/uncertainty_statement.h"
 
 namespace qel {
@@ -94,7 +95,14 @@ std::optional<QuantityResult> EvaluateQuantities(const Formula& formula, std::sp
                              });
     if (!isUncertain || bound->IsCondition()) return result;
     result.budget = bound->Propagate(inputs, options, error);
-    return result.budget ? std::optional(std::move(result)) : std::nullopt;
+    if (!result.budget) return {};
+    const bool isLost = std::ranges::any_of(
+        formula.Variables(), [&](std::size_t position) { return IsLostInDouble(quantities[position].value); });
+    if (isLost && result.budget->uncertainty < kLeastCertain) {
+        error = {FormulaError::Kind::kUncertainty, 0, 0, "numbers below 1E-308", {}, {}};
+        return {};
+    }
+    return result;
 }
 
 }  // namespace qel

@@ -9,6 +9,7 @@
 #include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/formula_access.h"
 #include "qellib10/quantity/uncertain_constants.h"
+#include "qellib10/quantity/uncertainty_propagation.h"
 
 namespace qel {
 namespace {
@@ -108,6 +109,7 @@ void TraceComputation::Run() {
     m_readings.resize(m_set.Scope().Count());
     m_inputs.resize(m_set.Scope().Count());
     m_isUnknown.resize(m_set.Scope().Count());
+    m_isAtKink.resize(m_set.Scope().Count());
     for (std::size_t i = 0; i < m_set.Count(); ++i) m_inputs[calculation.inputs.size() + i].name = SourceOf(i).name;
     // The result's own formula is computed last, even where a helper names it.
     const std::size_t last = calculation.helpers.size();
@@ -123,6 +125,7 @@ void TraceComputation::Run() {
         std::rotate(result, result + 1, m_trace.m_parts.end());
     }
     TryOut();
+    RemarkKink();
     Round();
     Decide();
 }
@@ -236,7 +239,16 @@ void TraceComputation::Propagate(const Formula& formula, TracePart& part) {
     if (!part.withoutBudget.empty()) return;
     FormulaError error;
     part.budget = m_bound->Propagate(m_inputs, m_trace.m_calculation.uncertainty, error);
-    if (!part.budget) part.withoutBudget = error.Text(part.formula);
+    if (!part.budget) {
+        part.withoutBudget = error.Text(part.formula);
+        return;
+    }
+    for (const std::size_t position : formula.Variables()) {
+        part.budget->isAtKink |= m_isAtKink[position];
+        if (part.budget->uncertainty < kLeastCertain && IsLostInDouble(m_readings[position].value))
+            part.withoutBudget = m_set.Scope().Name(position) + " is below 1E-308";
+    }
+    if (!part.withoutBudget.empty()) part.budget.reset();
 }
 
 UncertainInput TraceComputation::UncertainOf(const CalculationInput& input) {
@@ -260,6 +272,7 @@ void TraceComputation::PutIn(const TracePart& part, bool usesUnknown) {
     input.value = part.result->value.ToDouble();
     m_isUnknown[*position] = !part.withoutBudget.empty() || usesUnknown;
     if (!part.budget) return;
+    m_isAtKink[*position] = part.budget->isAtKink;
     std::unordered_map<std::string_view, std::size_t> places;  // of the sources, in what is put in
     for (const UncertaintyRow& row : part.budget->rows) {
         UncertaintyComponent contribution;
@@ -338,6 +351,14 @@ void TraceComputation::TryOut() {
     m_trace.m_trials = m_bound->Try(m_inputs, options, error);
     if (!m_trace.m_trials) return refuse(error.Text(part.formula));
     m_trace.m_firstOrder = ValidateFirstOrder(*part.budget, *m_trace.m_trials);
+}
+
+void TraceComputation::RemarkKink() {
+    const TracePart& part = m_trace.m_parts.back();
+    const bool isEnough = m_trace.m_firstOrder && m_trace.m_firstOrder->isEnough;
+    if (!part.budget || !part.budget->isAtKink || isEnough) return;
+    m_trace.m_remarks.push_back("first order is not enough for the uncertainty of " + part.name +
+                                ": within it the formula takes another branch or bends");
 }
 
 }  // namespace qel

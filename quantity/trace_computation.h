@@ -36,6 +36,7 @@ private:
     std::optional<Decimal> RoundedUncertainty(const Decimal& expanded) const;
     void Decide();
     void TryOut();
+    void RemarkKink();
     void Fail(const CalculationFormula& formula, const FormulaError& error);
     const CalculationFormula& SourceOf(std::size_t formula) const;
 
@@ -46,6 +47,7 @@ private:
     std::vector<UncertainInput> m_inputs;  // of the same
     std::vector<Unit> m_units;             // of the same
     std::vector<bool> m_isUnknown;         // of the same: there is an uncertainty, and it is not known
+    std::vector<bool> m_isAtKink;          // of the same: first order is not enough for it
     std::size_t m_steps = 0, m_rows = 0;   // of all parts
     bool m_hasUnits = false;               // any of the inputs, constants and other formulas
     std::unordered_map<std::string, UncertaintyComponent::Distribution> m_distributions;  // by source

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <memory_resource>
 
 #include "qellib10/platform/statistics/student.h"
@@ -23,12 +24,18 @@ using Kind = FormulaError::Kind;
 struct Combination {
     Combination(const UncertaintySources& sources, std::span<const double> partials, std::pmr::memory_resource* memory)
         : bySource(sources.Sources().size(), memory) {
-        for (const auto& [source, slot, uncertainty] : sources.Shares())
-            bySource[source] += partials[slot] * uncertainty;
+        for (const auto& [source, slot, uncertainty] : sources.Shares()) {
+            const double contribution = partials[slot] * uncertainty;
+            bySource[source] += contribution;
+            hasUnderflow |= partials[slot] != 0.0 && uncertainty != 0.0 &&
+                            std::abs(contribution) < std::numeric_limits<double>::min();
+        }
         for (const double contribution : bySource) scale = std::max(scale, std::abs(contribution));
         if (scale == 0.0) return;
         for (const double contribution : bySource) variance += Square(contribution / scale);
     }
+
+    double Uncertainty() const { return scale * std::sqrt(variance); }
 
     static double Square(double value) { return value * value; }
 
@@ -40,6 +47,7 @@ struct Combination {
     std::pmr::vector<double> bySource;
     double scale = 0.0;
     double variance = 0.0;  // relative to the square of scale
+    bool hasUnderflow = false;
 };
 
 // GUM G.2b. A sum that is whole but for rounding is not cut to the number below.
@@ -101,6 +109,19 @@ void Expand(UncertaintyBudget& budget, const UncertaintyOptions& options) {
     budget.expandedUncertainty = budget.coverageFactor * budget.uncertainty;
 }
 
+// Whether another branch, or the other side of a bend, is within the expanded uncertainty of what decides it.
+bool ReachesBend(FormulaGradient& gradient, const UncertaintySources& sources, double k) {
+    return std::ranges::any_of(gradient.Bends(), [&](const FormulaGradient::Bend& bend) {
+        try {
+            const double distance = std::abs(gradient.DifferentiateBend(bend));
+            const Combination combination(sources, gradient.Partials(), std::pmr::get_default_resource());
+            return distance <= k * combination.Uncertainty();
+        } catch (const FormulaError&) {
+            return true;  // there is no derivative, so that nobody knows how far it reaches
+        }
+    });
+}
+
 UncertaintyBudget Budget(const FormulaProgram& program, std::span<const UncertainInput> inputs,
                          const UncertaintyOptions& options) {
     if (program.isTruth) throw FormulaError{Kind::kType, 0, 0, "a number", {}, {}};
@@ -110,13 +131,15 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
     FormulaGradient gradient(program, &memory);
     UncertaintyBudget budget;
     budget.value = gradient.Evaluate(sources.Values(), sources.IsUncertain());
-    budget.isAtKink = gradient.IsAtKink();
     const Combination combination(sources, gradient.Partials(), &memory);
-    budget.uncertainty = combination.scale * std::sqrt(combination.variance);
+    if ((gradient.HasUnderflow() || combination.hasUnderflow) && combination.scale < kLeastCertain)
+        Refuse("numbers below 1E-308");
+    budget.uncertainty = combination.Uncertainty();
     if (!sources.IsCorrelated()) budget.degreesOfFreedom = EffectiveDegreesOfFreedom(sources, combination);
     Expand(budget, options);
     if (!std::isfinite(budget.expandedUncertainty)) throw FormulaError{Kind::kTooLarge, 0, 0, {}, {}, {}};
     if (options.withRows) AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
+    budget.isAtKink = ReachesBend(gradient, sources, budget.coverageFactor);  // last: it changes the derivatives
     return budget;
 }
 

@@ -49,8 +49,9 @@ struct QELLIB10_API UncertaintyBudget {
     /// Of the interval value +- U. Where k is given it is Student's for the degrees of freedom, and nothing where these
     /// are not defined.
     std::optional<double> coverageProbability;
-    /// The formula bends or jumps at these very values (abs(0), equal operands of min, max or a comparison). First
-    /// order is then hardly enough; a Monte Carlo run says more.
+    /// The formula bends or takes another branch within the uncertainty: the operands of a comparison differ by no more
+    /// than k times the standard uncertainty of their difference, or those of min and max, or abs is as near to 0.
+    /// First order is then hardly enough; a Monte Carlo run says more.
     bool isAtKink = false;
     std::vector<UncertaintyRow> rows;  ///< in the order in which the formula first names the inputs
 };
@@ -63,7 +64,8 @@ struct QELLIB10_API UncertaintyBudget {
 /// @param inputs by the positions of the scope; one for each that the formula names
 /// @return nothing where the value or a derivative does not exist, a condition is given, an input or option is not
 /// valid, or coefficients contradict each other; also where k is missing though a correlation coefficient makes the
-/// degrees of freedom undefined. @p error says what and where.
+/// degrees of freedom undefined, and where the uncertainty is lost in numbers below 1E-308. @p error says what and
+/// where.
 QELLIB10_API std::optional<UncertaintyBudget> PropagateUncertainty(const Formula& formula,
                                                                    std::span<const UncertainInput> inputs,
                                                                    const UncertaintyOptions& options,

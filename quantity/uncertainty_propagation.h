@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <span>
 
@@ -7,6 +9,15 @@
 #include "qellib10/quantity/monte_carlo.h"
 
 namespace qel {
+
+/// An uncertainty that is smaller may be what an underflow has left of it; a larger one is far above what got lost,
+/// unless something huge multiplied that.
+inline constexpr double kLeastCertain = 1e-150;
+
+/// Whether a double has lost digits of the value since it is too small.
+inline bool IsLostInDouble(const Decimal& value) {
+    return !value.IsZero() && std::abs(value.ToDouble()) < std::numeric_limits<double>::min();
+}
 
 // As those of a formula, of any program.
 

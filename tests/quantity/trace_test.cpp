@@ -100,6 +100,26 @@ TEST(Trace, AHelperLosesNoUncertainty) {
     EXPECT_TRUE(Trace::Of(calculation).Result()->budget);
 }
 
+TEST(Trace, RemarksWhereAnUncertaintyMeansLittle) {
+    const auto answer = [](const char* helper, const char* formula, const char* value) {
+        Calculation calculation;
+        calculation.helpers = {{"H", helper, ""}};
+        calculation.result = {"X", formula, ""};
+        calculation.inputs = {Input("A", value, {*UncertaintyComponent::Standard(0.1)})};
+        const Trace trace = Trace::Of(calculation);
+        std::string text = trace.ResultWithUncertainty();
+        for (const std::string& remark : trace.Remarks()) text += "; " + remark;
+        return text;
+    };
+    const std::string branch =
+        "; first order is not enough for the uncertainty of X: within it the formula takes another branch or bends";
+    EXPECT_EQ(answer("if(A > 0.3, 1, 2)", "H", "0.4"), "1 ± 0 (k = 2)" + branch);
+    EXPECT_EQ(answer("1", "if(A > 0.3, 1, H + 1)", "0.4"), "1 ± 0 (k = 2)" + branch);
+    EXPECT_EQ(answer("if(A > 0.3, 1, 2)", "H", "0.6"), "1 ± 0 (k = 2)");
+    EXPECT_EQ(answer("1E-400", "A * H", "2"), "2E-400; no uncertainty of X: H is below 1E-308");
+    EXPECT_EQ(answer("1E-400", "round(A + H, 1)", "2"), "2.0 ± 0.20 (k = 2)");
+}
+
 TEST(Trace, FaultsNameTheFormulaAndThePlace) {
     const auto faultOf = [](auto change) {
         Calculation calculation = Acid();

@@ -139,6 +139,38 @@ TEST(UncertaintyBudget, CombinesSourcesNotInputs) {
         EXPECT_EQ(Shown(inputs, formula), expected) << formula;
 }
 
+TEST(UncertaintyBudget, ABendWithinTheUncertaintyIsSeen) {
+    UncertainInputs inputs({Input("A", 1, 0.3), Input("B", 1.5, 0.4), Input("E", 2, 0), Input("Z", 0, 0.5)});
+    for (const auto& [formula, expected] : Cases<const char*, bool>{
+             {"if(A > 0.5, 1, 2)", true},
+             {"if(A > 0.3, 1, 2)", false},
+             {"if(A = 1, 1, 2)", true},
+             {"if(E = 2, A, 2)", false},
+             {"if(A > 5 or Z > 0.9, 1, 2)", true},
+             {"if(A - A < 0.1, 1, 2)", false},
+             {"if(sqrt(Z) > 1, 1, 2)", true},
+             {"min(E, A, B)", true},
+             {"max(A, E)", false},
+             {"abs(A - 0.5)", true},
+             {"abs(A)", false},
+         }) {
+        qel::FormulaError error;
+        const auto budget = qel::PropagateUncertainty(inputs.Parsed(formula), inputs.inputs, {}, error);
+        ASSERT_TRUE(budget) << error.Text(formula);
+        EXPECT_EQ(budget->isAtKink, expected) << formula;
+    }
+}
+
+TEST(UncertaintyBudget, IsNotWhatAnUnderflowHasLeft) {
+    UncertainInputs inputs({Input("A", 1, 0.25), Input("S", 1e-200, 1e-200), Input("T", 1, 1e-310)});
+    for (const char* formula :
+         {"S * S", "(S * S) ^ 2 * 1e300", "exp(-800 * A)", "1e-400 * A", "S / 1e200", "A ^ 0 * S ^ 2", "T"})
+        EXPECT_EQ(Shown(inputs, formula), "the uncertainty cannot be computed, because of numbers below 1E-308")
+            << formula;
+    EXPECT_EQ(Shown(inputs, "A + exp(-800 * A) + S * S + T"), "0.25 inf 2 0.500001");
+    EXPECT_EQ(Shown(inputs, "S * 1e200"), "1 inf 2 2");
+}
+
 TEST(UncertaintyBudget, TakesCorrelationCoefficientsWithK) {
     UncertainInputs inputs(
         {Input("A", 10, 0.3), Input("B", 20, 0.4), Input("C", 1, 0.1, "flask"), Input("D", 1, 0.1, "flask")});
