@@ -151,7 +151,11 @@ void UnitBinder::ConvertTo(const Unit& wanted, Operand& whole) {
         Refuse(whole.place, NameOfUnit(whole.unit) + " is not converted to " + NameOfUnit(wanted) + hint);
     }
     Convert(whole, *conversion);
-    whole.unit = whole.unit.IsDifference() ? UnitMaker::Difference(wanted) : wanted;
+    const bool isTemperature = whole.unit.HasOffset() || whole.unit.IsTemperature();
+    const bool isDifference = whole.unit.IsDifference();
+    whole.unit = wanted;
+    if (isDifference) whole.unit = UnitMaker::Difference(std::move(whole.unit));
+    if (isTemperature) whole.unit = UnitMaker::Temperature(std::move(whole.unit));
 }
 
 std::optional<BoundFormula> BindUnits(const FormulaProgram& program, std::span<const Unit> units,

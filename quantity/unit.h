@@ -51,6 +51,9 @@ public:
     /// Whether a formula computed it, so that its values may be differences: K of °C - °C, of products and of sums. It
     /// converts to no unit with an offset. Units that are read are none.
     bool IsDifference() const noexcept { return m_isDifference; }
+    /// Whether a formula converted it from a unit with an offset, so that its values are no differences: K of a result
+    /// in °C. It is added to no temperature. Units that are read are none.
+    bool IsTemperature() const noexcept { return m_isTemperature; }
     /// Whether it is 1 and a ratio of nothing: the unit of a number that a formula has.
     bool IsNumber() const noexcept { return *this == Unit(); }
 
@@ -81,7 +84,7 @@ private:
 
     UnitValue m_value;
     Decimal m_offset;
-    bool m_isDifference = false;
+    bool m_isDifference = false, m_isTemperature = false;
     std::vector<Term> m_terms;
 };
 

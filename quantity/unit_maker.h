@@ -28,6 +28,13 @@ public:
     /// One that a formula computed.
     static Unit Difference(Unit unit) {
         unit.m_isDifference = true;
+        unit.m_isTemperature = false;
+        return unit;
+    }
+
+    /// One that a formula converted from a unit with an offset.
+    static Unit Temperature(Unit unit) {
+        unit.m_isTemperature = !unit.HasOffset();
         return unit;
     }
 
@@ -38,6 +45,7 @@ public:
         const UnitValue& other = second.m_value;
         UnitValue& value = first.m_value;
         first.m_isDifference |= second.m_isDifference;
+        first.m_isTemperature |= second.m_isTemperature;
         if (value.carried == kRatioOfNothing || other.carried == kRatioOfNothing)
             value.carried |= other.carried;
         else

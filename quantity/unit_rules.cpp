@@ -124,7 +124,8 @@ Unit UnitBinder::Sum(const FormulaStep& step, Operand& left, Operand& right) {
         return isTemperature ? UnitMaker::OfValue(unit.Value()) : unit;
     }
     // A temperature and a difference of temperatures.
-    if (isTemperature && !isSum) Refuse(step, kNoTemperature);
+    if ((isTemperature && !isSum) || left.unit.IsTemperature() || right.unit.IsTemperature())
+        Refuse(step, kNoTemperature);
     const Unit& temperature = isTemperature ? right.unit : left.unit;
     Operand& difference = isTemperature ? left : right;
     const Unit wanted = UnitMaker::OfValue(temperature.Value());

@@ -225,16 +225,32 @@ TEST(Trace, UnitsAreCheckedAndConverted) {
               "X: the units do not go together at character 1: \"const.R * A\": J/(mol*K) is not converted to kJ/mol"},
          })
         EXPECT_EQ(result(formula, unit, a, b), expected) << formula;
-    // A difference of temperatures stays one in the formulas that use it, also with a unit of its own.
-    for (const char* unit : {"", "K"}) {
+}
+
+// A difference of temperatures stays one in the formulas that use it, and a temperature stays one in K.
+TEST(Trace, KelvinsStayWhatTheyAreInOtherFormulas) {
+    const std::string refused = "X: the units do not go together at character ";
+    const std::string difference =
+        refused + "1: \"min(D, E\": K is not converted to °C: K that was computed may be a difference";
+    const std::string sum =
+        refused + "3: \"+\": a temperature such as °C is only compared, or has K added or subtracted; use K";
+    for (const auto& [helper, helperUnit, formula, unit, expected] :
+         Cases<const char*, const char*, const char*, const char*, std::string>{
+             {"A - B", "", "min(D, E)", "°C", difference},
+             {"A - B", "K", "min(D, E)", "°C", difference},
+             {"A", "K", "min(D, E)", "°C", "25.00 °C"},
+             {"A", "K", "A + D", "", sum},
+             {"A", "K", "A + E", "", sum},
+             {"A", "K", "A + (D - E)", "", "25.00 °C"},
+             {"A - B", "K", "A + D", "", "30 °C"},
+         }) {
         Calculation calculation;
         calculation.inputs = {*qel::CalculationInput::Of("A", "25 °C"), *qel::CalculationInput::Of("B", "20 °C")};
-        calculation.helpers = {{"D", "A - B", unit}, {"E", "D", ""}};
-        calculation.result = {"X", "min(D, E)", "°C"};
+        calculation.helpers = {{"D", helper, helperUnit}, {"E", "mean(D, D)", ""}};
+        calculation.result = {"X", formula, unit};
         const Trace trace = Trace::Of(calculation);
-        ASSERT_NE(trace.Fault(), nullptr) << unit;
-        EXPECT_NE(trace.Fault()->sentence.find("K is not converted to °C: K that was computed"), std::string::npos)
-            << unit;
+        const std::string answer = trace.Fault() != nullptr ? "X: " + trace.Fault()->sentence : trace.ResultText();
+        EXPECT_EQ(answer, expected) << helper << ' ' << formula;
     }
 }
 
