@@ -154,24 +154,18 @@ void Compare(const JsonValue& recorded, const JsonValue& computed, const std::st
             Compare(recorded.items[i], computed.items[i], path + '/' + std::to_string(i + 1), differences);
         return;
     }
-    const auto hasSameNames = [&] {
-        return std::ranges::equal(
-            recorded.members, computed.members, {}, [](const auto& each) { return each.first; },
-            [](const auto& each) { return each.first; });
-    };
-    if (recorded.kind == JsonValue::Kind::kObject && computed.kind == JsonValue::Kind::kObject && hasSameNames()) {
-        for (std::size_t i = 0; i < recorded.members.size(); ++i)
-            Compare(recorded.members[i].second, computed.members[i].second,
-                    path + (path.empty() ? "" : "/") + recorded.members[i].first, differences);
-        return;
-    }
     if (recorded.kind == JsonValue::Kind::kObject && computed.kind == JsonValue::Kind::kObject) {
-        for (const auto& [name, value] : recorded.members)
-            if (computed.Find(name) == nullptr)
-                differences.push_back(path + '/' + name + " was recorded, and is not computed");
+        // By name: a file may have the members in any order.
+        const std::string before = path.empty() ? "" : path + '/';
+        for (const auto& [name, value] : recorded.members) {
+            if (const JsonValue* const other = computed.Find(name))
+                Compare(value, *other, before + name, differences);
+            else
+                differences.push_back(before + name + " was recorded, and is not computed");
+        }
         for (const auto& [name, value] : computed.members)
             if (recorded.Find(name) == nullptr)
-                differences.push_back(path + '/' + name + " is computed, and was not recorded");
+                differences.push_back(before + name + " is computed, and was not recorded");
         return;
     }
     differences.push_back(path + ": " + Shown(recorded) + " was recorded, " + Shown(computed) + " is computed");
