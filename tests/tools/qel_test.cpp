@@ -205,6 +205,8 @@ TEST(Qel, CalcChecksAndComputes) {
     variable.m_dValue = 2.5;
     list.AddVariableData(variable);
     folder.Write("list.var", Stored(list));
+    list.SetRoundUpFlag(1);
+    folder.Write("rounded.var", Stored(list));
     for (const auto& [arguments, answer] : Cases<const char*, const char*>{
              {"'(EP - BLANK) * 0.1 / sample' EP=16.519 BLANK=0.03 SAMPLE=2 --digits 3", "0 0.824\n"},
              {"A*2 A=1e300", "0 2e+300\n"},
@@ -253,6 +255,13 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--exact A+B 'A=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,B,1", "0 2 ± 0.40 (k = 2)\n"},
              {"--exact 'const.R*T' T=298.15 --unit kJ/mol", "1 qel: RESULT: the units do not go together"},
              {"--round x A A=1", "2 qel: --round requires --exact; see qel --help\n"},
+             {"--exact 表/3 --from list.var", "0 0.8333333333333333333333333333333333\n"},
+             {"--exact 表*B --from list.var 表=4 B=2", "0 8\n"},
+             {"--exact 表 --from rounded.var", "2 qel: --from: the list rounds its values"},
+             {"1+1 --steps", "2 qel: --steps requires --exact or --trace"},
+             {"--exact A A=1 --digits 2", "2 qel: --digits excludes --exact"},
+             {"--exact A A=1 --unrounded", "2 qel: --unrounded requires --lower or --upper"},
+             {"--exact A A=1 --coverage 0.9", "2 qel: --coverage: no value has an uncertainty"},
              {"--trace list.var", "3 qel: list.var: "},
          })
         EXPECT_EQ(folder.Qel("calc " + std::string(arguments)).substr(0, std::string(answer).size()), answer);

@@ -111,7 +111,7 @@ void AddCalc(CLI::App& app, Status&) {
 #ifdef QEL_WITH_QUANTITY
         if (options->exact.IsWanted()) {
             if (options->exact.tracePath.empty() && formula->empty()) throw CLI::RequiredError("FORMULA");
-            return options->exact.Run(options->formula, options->values, options->json);
+            return options->exact.Run(options->formula, options->archive, options->values, options->json);
         }
 #endif
         if (formula->empty()) throw CLI::RequiredError("FORMULA");

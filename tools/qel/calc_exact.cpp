@@ -6,6 +6,7 @@
 
 #include "calc_input.h"
 #include "tool.h"
+#include "variables.h"
 
 namespace tool {
 namespace {
@@ -62,6 +63,37 @@ std::string ShortForm(const qel::Trace& trace) {
     return text;
 }
 
+const CLI::Option* FirstGiven(const std::vector<const CLI::Option*>& options) {
+    const auto given = std::ranges::find_if(options, [](const CLI::Option* each) { return !each->empty(); });
+    return given == options.end() ? nullptr : *given;
+}
+
+// The variables of an archived list, and the inputs of the command line, which replace those of the same name. The
+// evaluator ignores the case of names.
+std::vector<qel::CalculationInput> Joined(const std::string& archive, std::vector<qel::CalculationInput> given) {
+    if (archive.empty()) return given;
+    const CCalcVariableList list = ReadVariables(archive, false);
+    const auto readings = qel::ReadingsOf(list, qel::RoundedList::kRefuse);
+    if (!readings) throw CLI::ValidationError("--from: the list rounds its values, so no result of them is exact");
+    qel::FormulaScope names;
+    for (const qel::CalculationInput& input : given) names.Add(input.name);
+    std::vector<qel::CalculationInput> inputs;
+    CCalcVariable variable;
+    for (int i = 0; list.GetVariableData(i, &variable) != 0; ++i) {
+        const std::string name = Utf8(variable.m_szName.View());
+        if (!names.Find(name))
+            inputs.push_back({name, (*readings)[static_cast<std::size_t>(i)], "", Shown(archive), {}});
+    }
+    std::ranges::move(given, std::back_inserter(inputs));
+    return inputs;
+}
+
+bool HasUncertainty(const qel::Trace& trace) {
+    return std::ranges::any_of(trace.Parts(), [](const qel::TracePart& part) {
+        return part.budget.has_value() || !part.withoutBudget.empty();
+    });
+}
+
 // A trace that a file has, computed again.
 qel::TraceCheck Checked(const std::string& path) {
     const std::string json = ReadAll(path);
@@ -111,24 +143,41 @@ void ExactCalculation::AddTo(CLI::App& command) {
     add(command.add_option("--decision", decision, "Rule, such as \"guarded acceptance, w = 1 U\""))->type_name("RULE");
     add(command.add_flag("--unrounded", comparesUnrounded,
                          "Compare all digits with the limits, not the rounded value"));
-    add(command.add_option("--trials", trials, "Monte Carlo trials that show whether first order is enough"))
-        ->transform(WholeNumber(10'000, qel::MonteCarloOptions::kMostTrials))
-        ->type_name("N");
+    CLI::Option* const count =
+        add(command.add_option("--trials", trials, "Monte Carlo trials that show whether first order is enough"));
+    count->transform(WholeNumber(10'000, qel::MonteCarloOptions::kMostTrials))->type_name("N");
     add(command.add_option("--seed", seed, "Of the trials"))
+        ->needs(count)
         ->transform(WholeNumber(0, std::numeric_limits<std::int64_t>::max()))
         ->type_name("N");
     add(command.add_flag("--kept", isKept, "The grammar of the older evaluator"));
     CLI::Option* const trace =
         command.add_option("--trace", tracePath, "Compute a recorded trace again and compare each digit");
     trace->group(kGroup)->type_name("FILE")->excludes(exact);
+    for (const char* const other : {"--digits", "--check"})
+        for (CLI::Option* const option : {exact, trace}) option->excludes(command.get_option(other));
+    for (const char* const other : {"--from", "FORMULA", "NAME=VALUE"}) trace->excludes(command.get_option(other));
     command.add_option("--write-trace", newTracePath, "Write the trace, as JSON")->group(kGroup)->type_name("FILE");
-    command.add_flag("--steps", showsSteps, "Show the whole trace")->group(kGroup);
+    CLI::Option* const steps = command.add_flag("--steps", showsSteps, "Show the whole trace");
+    steps->group(kGroup)->excludes(command.get_option("--json"));
     command.add_option("--language", language, "Of the trace: en or ja")
         ->group(kGroup)
+        ->needs(steps)
         ->check(CLI::IsMember({"en", "ja"}));
+    m_ofTraces = {command.get_option("--write-trace"), steps};
+    m_ofUncertainties = {coverage, command.get_option("--k"), command.get_option("--correlation")};
+    m_ofLimits = {command.get_option("--decision"), command.get_option("--unrounded")};
 }
 
-void ExactCalculation::Run(const std::string& formula, const std::vector<std::string>& values, bool json) const {
+bool ExactCalculation::IsWanted() const {
+    if (isExact || !tracePath.empty()) return true;
+    if (const CLI::Option* const option = FirstGiven(m_ofTraces))
+        throw CLI::ValidationError(option->get_name() + " requires --exact or --trace");
+    return false;
+}
+
+void ExactCalculation::Run(const std::string& formula, const std::string& archive,
+                           const std::vector<std::string>& values, bool json) const {
     qel::Trace trace;
     if (!tracePath.empty()) {
         qel::TraceCheck check = Checked(tracePath);
@@ -140,9 +189,13 @@ void ExactCalculation::Run(const std::string& formula, const std::vector<std::st
         calculation.isKept = isKept;
         for (const std::string& helper : helpers) calculation.helpers.push_back(FormulaOf(helper));
         for (const std::string& value : values) calculation.inputs.push_back(InputOf(value));
+        calculation.inputs = Joined(archive, std::move(calculation.inputs));
         calculation.substitution = *qel::LimitSubstitutionOf(substitution);
         if (!rule.empty()) calculation.rule = RuleOf(rule);
-        if (!lower.empty() || !upper.empty()) {
+        if (lower.empty() && upper.empty()) {
+            if (const CLI::Option* const option = FirstGiven(m_ofLimits))
+                throw CLI::ValidationError(option->get_name() + " requires --lower or --upper");
+        } else {
             const auto named = decision.empty() ? std::optional(qel::DecisionRule::SimpleAcceptance())
                                                 : qel::DecisionRule::OfName(decision);
             if (!named)
@@ -159,6 +212,9 @@ void ExactCalculation::Run(const std::string& formula, const std::vector<std::st
         for (const std::string& correlation : correlations)
             calculation.uncertainty.correlations.push_back(CorrelationOf(correlation, calculation.inputs));
         trace = qel::Trace::Of(calculation, Threads());
+        const CLI::Option* const option = FirstGiven(m_ofUncertainties);
+        if (option != nullptr && trace.Fault() == nullptr && !HasUncertainty(trace))
+            throw CLI::ValidationError(option->get_name() + ": no value has an uncertainty");
     }
     if (!newTracePath.empty()) {
         RequireFolderOf(newTracePath);

@@ -13,7 +13,7 @@ struct ExactCalculation {
     bool isExact = false;
 
     std::string name = "RESULT", unit, rule, substitution = "none", language = "en";
-    std::string tracePath, newTracePath, calculationPath;
+    std::string tracePath, newTracePath;
     std::vector<std::string> helpers;
     double probability = 0.9545;
     std::optional<double> factor;
@@ -25,11 +25,18 @@ struct ExactCalculation {
 
     void AddTo(CLI::App& command);
     /// Whether they, and not the older evaluator, are asked for.
-    bool IsWanted() const { return isExact || !tracePath.empty() || !calculationPath.empty(); }
+    /// @throws CLI::ValidationError for an option that the older evaluator would ignore
+    bool IsWanted() const;
 
     /// @param formula and @p values of the command line
-    /// @throws Failure
-    void Run(const std::string& formula, const std::vector<std::string>& values, bool json) const;
+    /// @param archive file of an archived list with more values; empty for none
+    /// @throws Failure; CLI::ValidationError also for an option that has no effect
+    void Run(const std::string& formula, const std::string& archive, const std::vector<std::string>& values,
+             bool json) const;
+
+private:
+    using Options = std::vector<const CLI::Option*>;
+    Options m_ofTraces, m_ofUncertainties, m_ofLimits;  // without these, the options have no effect
 };
 
 }  // namespace tool
