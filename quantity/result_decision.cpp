@@ -76,7 +76,7 @@ std::optional<ResultDecision> DecideResult(const ExactResult& result, const std:
     }
     if (budget) {
         UncertaintyBudget compared = *budget;
-        compared.value = decision.compared.ToDouble();
+        compared.value = result.value.ToDouble();  // the best estimate: rounding moves no probability
         decision.byUncertainty = DecideLimits(compared, InDouble(limits), limits.rule);
         if (!decision.byUncertainty) return refuse("the limits or the guard band are not valid");
     }

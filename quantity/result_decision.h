@@ -29,7 +29,8 @@ struct ResultDecision {
     bool isUndecided = false;
     bool isRounded = false;  ///< the rounded value was compared
     Decimal compared;
-    std::optional<LimitDecision> byUncertainty;  ///< guard band and probability; nothing without uncertainties
+    /// Guard band and probability, of the value with all its digits (JCGM 106); nothing without uncertainties.
+    std::optional<LimitDecision> byUncertainty;
 };
 
 /// Compares exact decimals, so that a value next to a limit is on the right side of it.

@@ -329,7 +329,17 @@ void TraceComputation::Decide() {
     const TracePart& part = m_trace.m_parts.back();
     std::string reason;
     m_trace.m_decision = DecideResult(*part.result, m_trace.m_rounded, part.budget, *calculation.limits, reason);
-    if (!m_trace.m_decision) m_trace.m_remarks.push_back("no decision: " + reason);
+    if (!m_trace.m_decision) {
+        m_trace.m_remarks.push_back("no decision: " + reason);
+        return;
+    }
+    if (!m_trace.m_decision->isRounded || calculation.limits->rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance)
+        return;
+    const auto unrounded = DecideResult(*part.result, {}, part.budget, *calculation.limits, reason);
+    if (unrounded && unrounded->isPassed != m_trace.m_decision->isPassed)
+        m_trace.m_remarks.push_back(
+            std::string("rounding decides: the unrounded value, which a guard band is for, has ") +
+            (unrounded->isPassed ? "passed" : "not passed"));
 }
 
 void TraceComputation::TryOut() {

@@ -270,9 +270,13 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
         qel::DecimalFlags ignored;
         calculation.limits = {{}, qel::Decimal::OfText(upper, ignored), rule, comparesRounded};
         const Trace trace = Trace::Of(calculation);
-        if (!trace.Decision()) return trace.Remarks().front();
-        return std::string(trace.Decision()->isPassed ? "passed" : "failed") +
-               (trace.Decision()->isUndecided ? ", undecided" : "");
+        const auto& decision = trace.Decision();
+        std::string shown = !decision ? "" : decision->isPassed ? "passed" : "failed";
+        if (decision && decision->isUndecided) shown += ", undecided";
+        if (decision && decision->byUncertainty)
+            shown += ", " + std::to_string(std::lround(100 * decision->byUncertainty->conformity)) + " %";
+        for (const std::string& remark : trace.Remarks()) shown += (shown.empty() ? "" : "; ") + remark;
+        return shown;
     };
     for (const auto& [reading, upper, rule, comparesRounded, u, expected] :
          Cases<const char*, const char*, Rule, bool, double, const char*>{
@@ -281,10 +285,12 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
              {"10.00000000000000000001", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
              {"9.9", "10", Rule::GuardedAcceptance(), false, 0,
               "no decision: a guard band needs the uncertainty of the result"},
-             {"9.9", "10", Rule::GuardedAcceptance(), false, 0.1, "failed, undecided"},
-             {"0.2", "0.3", Rule::GuardedAcceptance(0.5), false, 0.1, "passed"},
-             {"10.00000000000000000001", "10", Rule::GuardedAcceptance(0), false, 0.1, "failed"},
-             {"10.1", "10", Rule::GuardedRejection(), false, 0.1, "passed, undecided"},
+             {"9.9", "10", Rule::GuardedAcceptance(), false, 0.1, "failed, undecided, 84 %"},
+             {"0.2", "0.3", Rule::GuardedAcceptance(0.5), false, 0.1, "passed, 84 %"},
+             {"10.00000000000000000001", "10", Rule::GuardedAcceptance(0), false, 0.1, "failed, 50 %"},
+             {"10.1", "10", Rule::GuardedRejection(), false, 0.1, "passed, undecided, 16 %"},
+             {"10.04", "10.02", Rule::GuardedAcceptance(), true, 0.01,
+              "passed, 2 %; rounding decides: the unrounded value, which a guard band is for, has not passed"},
              {"< 9.9", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
              {"< 10", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
              {"< 11", "10", Rule::SimpleAcceptance(), false, 0, "failed, undecided"},
