@@ -28,4 +28,5 @@
 #include "qellib10/print/document_data.h"
 #include "qellib10/print/gdi_objects.h"
 #include "qellib10/print/page_style.h"
+#include "qellib10/print/print_table.h"
 #include "qellib10/print/queue_data.h"

@@ -13,6 +13,7 @@ namespace titration {
 /// are in the language of the string tables. Each cell has the hash of the trace's file, so that paper and file are
 /// known to belong together.
 /// @param version of the result
+/// @throws Failure if the page is too small
 std::vector<CQelPrintJobQueueData> MakeTraceJobs(const Result& result, DWORD version, ReportPrinter& printer);
 
 }  // namespace titration
