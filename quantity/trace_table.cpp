@@ -124,10 +124,10 @@ private:
                 {TraceWord::kName, TraceWord::kSource, TraceWord::kValue, TraceWord::kStandardUncertainty,
                  TraceWord::kDegreesOfFreedom, TraceWord::kSensitivity, TraceWord::kContribution, TraceWord::kShare});
         for (const UncertaintyRow& row : budget.rows)
-            table.rows.push_back({row.name, row.source, Short(row.value, 10),
-                                  Short(row.uncertainty, kFiguresOfUncertainty), Freedom(row.degreesOfFreedom),
-                                  Short(row.sensitivity, kFiguresOfSensitivity),
-                                  Short(row.contribution, kFiguresOfUncertainty), Short(100.0 * row.share, 3) + " %"});
+            table.rows.push_back(
+                {row.name, row.source, Short(row.value, 10), Short(row.uncertainty, kFiguresOfUncertainty),
+                 Freedom(row.degreesOfFreedom), Short(row.sensitivity, kFiguresOfSensitivity),
+                 Short(row.contribution, kFiguresOfUncertainty), Short(100.0 * row.share + 0.0, 3) + " %"});
         TraceTable& sum = Add(TraceWord::kExpanded, part.name, {});
         const std::string unit = part.unit.empty() ? "" : ' ' + part.unit;
         sum.rows.push_back({Word(TraceWord::kCombined), Short(budget.uncertainty, kFiguresOfUncertainty) + unit});
@@ -159,17 +159,19 @@ private:
         const std::optional<ResultLimits>& limits = m_trace.Request().limits;
         if (!limits || !m_trace.Decision()) return;
         const ResultDecision& decision = *m_trace.Decision();
+        const std::string& itsUnit = m_trace.Result()->unit;
+        const std::string unit = itsUnit.empty() ? "" : ' ' + itsUnit;
         TraceTable& table = Add(TraceWord::kLimits, "", {});
-        if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), limits->lower->PlainText()});
-        if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), limits->upper->PlainText()});
+        if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), limits->lower->PlainText() + unit});
+        if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), limits->upper->PlainText() + unit});
         table.rows.push_back({Word(TraceWord::kRule), Phrase(limits->rule.Name())});
         table.rows.push_back(
             {Word(TraceWord::kCompared),
-             decision.compared.PlainText() + " (" +
+             decision.compared.PlainText() + unit + " (" +
                  Word(decision.isRounded ? TraceWord::kComparedRounded : TraceWord::kComparedUnrounded) + ')'});
         if (decision.byUncertainty) {
             table.rows.push_back(
-                {Word(TraceWord::kGuardBand), Short(decision.byUncertainty->guardBand, kFiguresOfUncertainty)});
+                {Word(TraceWord::kGuardBand), Short(decision.byUncertainty->guardBand, kFiguresOfUncertainty) + unit});
             table.rows.push_back(
                 {Word(TraceWord::kConformity), Short(100.0 * decision.byUncertainty->conformity, 4) + " %"});
         }
