@@ -17,6 +17,8 @@ namespace titration {
 ///     signal = pH                     default 2
 ///     [variables]
 ///     C_NaOH = 0.1                    any number of named values for the formula
+///     [units]
+///     C_NaOH = mol/L                  optional, of variables and of the end point; what has none is a number
 ///     [uncertainties]
 ///     C_NaOH = certificate 0.0002 k 2, titrant    optional, of variables and of the end point: see ReadUncertainties
 ///     [result]
@@ -29,6 +31,7 @@ namespace titration {
 ///     [limits]
 ///     low = 45                        optional, in the unit of the result; the limits themselves are allowed values
 ///     high = 55
+///     rule = guarded acceptance, w = 1 U    optional, see qel::DecisionRule; else simple acceptance
 struct MethodItem {
     std::string section, key, text;
     std::size_t line = 0;  // of the settings file; 0 in a method that is kept
@@ -36,12 +39,14 @@ struct MethodItem {
 using Method = std::vector<MethodItem>;
 
 inline constexpr const char* kVariables = "variables";
+inline constexpr const char* kUnits = "units";
 inline constexpr const char* kUncertainties = "uncertainties";
-inline constexpr const char* kNamedSections[] = {kVariables, kUncertainties};
+inline constexpr const char* kNamedSections[] = {kVariables, kUnits, kUncertainties};
 
 inline constexpr std::pair<const char*, const char*> kKeys[] = {
-    {"curve", "volume"}, {"curve", "signal"},  {"result", "end_point"},       {"result", "name"}, {"result", "formula"},
-    {"result", "unit"},  {"result", "digits"}, {"result", "variable_digits"}, {"limits", "low"},  {"limits", "high"}};
+    {"curve", "volume"},   {"curve", "signal"}, {"result", "end_point"}, {"result", "name"},
+    {"result", "formula"}, {"result", "unit"},  {"result", "digits"},    {"result", "variable_digits"},
+    {"limits", "low"},     {"limits", "high"},  {"limits", "rule"}};
 
 /// Whether the keys of a section are names.
 bool HasNames(const std::string& section);

@@ -89,13 +89,27 @@ std::string KnownName(const Settings& settings, const std::string& name) {
     return found->name;
 }
 
-void ReadUncertainties(const Method& method, Settings& settings) {
+// Those of a section whose keys are names of values.
+template <class Read> void ReadNamed(const Method& method, const char* section, Settings& settings, Read read) {
     for (const MethodItem& item : method) {
-        if (item.section != kUncertainties) continue;
-        About(PlaceOf(method, item.section, item.key), [&] {
-            settings.uncertainties.push_back({KnownName(settings, item.key), titration::ReadUncertainties(item.text)});
-        });
+        if (item.section != section) continue;
+        About(PlaceOf(method, item.section, item.key), [&] { read(KnownName(settings, item.key), item.text); });
     }
+}
+
+std::string UnitOfValue(const std::string& text) {
+    std::string why;
+    if (!qel::Unit::Parse(text, why)) throw Failure(why + "; expected one like mL, mol/L or g/mol");
+    return text;
+}
+
+qel::DecisionRule Rule(const std::string& text) {
+    const auto rule = qel::DecisionRule::OfName(text);
+    if (!rule)
+        throw Failure("\"" + text + "\" is not a rule of decision; expected one like \"" +
+                      qel::DecisionRule::GuardedAcceptance().Name() + "\" or \"" +
+                      qel::DecisionRule::SimpleAcceptance().Name() + "\"");
+    return *rule;
 }
 
 }  // namespace
@@ -127,9 +141,15 @@ Settings ParseSettings(const Method& method) {
     settings.unit = items.Required("result", "unit", Unit);
     settings.digits = items.Required("result", "digits", digits);
     settings.variableDigits = items.Optional("result", "variable_digits", digits).value_or(-1);
-    ReadUncertainties(method, settings);
+    ReadNamed(method, kUnits, settings, [&](const std::string& name, const std::string& text) {
+        settings.units.push_back({name, UnitOfValue(text)});
+    });
+    ReadNamed(method, kUncertainties, settings, [&](const std::string& name, const std::string& text) {
+        settings.uncertainties.push_back({name, ReadUncertainties(text)});
+    });
     settings.low = items.Optional("limits", "low", Number);
     settings.high = items.Optional("limits", "high", Number);
+    if (const auto rule = items.Optional("limits", "rule", Rule)) settings.rule = *rule;
     if (settings.low && settings.high && *settings.low > *settings.high) {
         throw Failure(PlaceOf(method, "limits", "low") + " = " + TextOf(method, "limits", "low") +
                       ": is above the high limit, " + TextOf(method, "limits", "high") + "; exchange the two");

@@ -15,6 +15,10 @@ struct NamedValue {
     double value;
 };
 
+struct NamedUnit {
+    std::string name, unit;
+};
+
 struct NamedUncertainty {
     std::string name;
     std::vector<qel::UncertaintyComponent> components;
@@ -25,7 +29,8 @@ struct Settings {
     std::string volumeColumn;
     std::string signalColumn;
     std::vector<NamedValue> variables;
-    std::vector<NamedUncertainty> uncertainties;  // of variables and of the end point, by their names there
+    std::vector<NamedUnit> units;                 // of variables and of the end point, by their names there
+    std::vector<NamedUncertainty> uncertainties;  // as before
     std::string endPoint;
     std::string name;
     std::string formula;
@@ -34,6 +39,7 @@ struct Settings {
     int digits = 0;
     int variableDigits = -1;  // below 0: not rounded
     std::optional<double> low, high;
+    qel::DecisionRule rule = qel::DecisionRule::SimpleAcceptance();  // of the limits
 };
 
 /// @throws Failure with the place of an item that is missing or has an invalid text

@@ -91,7 +91,9 @@ std::string ResultText(const Settings& settings, const Result& result) {
     if (!uncertainty.empty()) text += kIndent + uncertainty + "\n";
     if (!remark.empty()) text += kIndent + ("rounded " + remark) + "\n";
     const std::string limits = LimitText(settings, result.value);
-    return limits.empty() ? text : text + "Limits     " + limits + "\n";
+    if (limits.empty()) return text;
+    const std::string decision = DecisionText(result);
+    return text + "Limits     " + limits + "\n" + (decision.empty() ? "" : kIndent + decision + "\n");
 }
 
 std::string Report(const Titration& titration) {

@@ -62,6 +62,9 @@ public:
         Text(size, {left, m_y, kTableWidth, bottom}, value, kRight | kInMiddle);
         m_y = bottom;
     }
+    void BelowCurve(const std::string& text) {
+        Text(kSmall, {kCurveLeft, kBottom, m_width, kBottom + kRow}, text, kLeft | kInMiddle);
+    }
     void Rule() {
         Line(0, m_y + 8, kTableWidth);
         m_y += 16;
@@ -126,6 +129,7 @@ void AddTable(Layout& layout, const Titration& titration) {
     if (!rounding.empty()) layout.Fact("Rounding", rounding, true);
     const std::string limits = LimitText(titration.settings, result.value);
     if (!limits.empty()) layout.Fact("Limits", limits);
+    if (const std::string decision = DecisionText(result); !decision.empty()) layout.BelowCurve("Limits " + decision);
 }
 
 // One drawing gives both the commands in the job and the pixels of the picture.

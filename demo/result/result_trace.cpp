@@ -17,17 +17,30 @@ qel::CalculationInput InputOf(const Settings& settings, const std::string& name,
     input.name = name;
     input.reading = reading;
     input.origin = name == settings.endPoint ? "end point of the curve" : "method";
+    const auto unit = std::ranges::find(settings.units, name, &NamedUnit::name);
+    if (unit != settings.units.end()) input.unit = unit->unit;
     const auto given = std::ranges::find(settings.uncertainties, name, &NamedUncertainty::name);
     if (given != settings.uncertainties.end()) input.components = given->components;
     return input;
 }
 
-// Without a unit: those of the inputs are not known, so the unit of the result cannot be derived.
+// The result's text is what counts, so its limits are compared with the rounded value.
+std::optional<qel::ResultLimits> LimitsOf(const Settings& settings) {
+    if (!settings.low && !settings.high) return {};
+    qel::ResultLimits limits;
+    if (settings.low) limits.lower = qel::Decimal::OfDouble(*settings.low);
+    if (settings.high) limits.upper = qel::Decimal::OfDouble(*settings.high);
+    limits.rule = settings.rule;
+    return limits;
+}
+
+// Without units of inputs that of the result is only shown; with them it is checked, and converted to.
 qel::Calculation CalculationOf(const Settings& settings, const CCalcVariableList& variables) {
     qel::Calculation calculation;
-    calculation.result = {settings.name, settings.formula, ""};
+    calculation.result = {settings.name, settings.formula, settings.unit};
     calculation.isKept = true;
     calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfAwayFromZero, settings.digits);
+    calculation.limits = LimitsOf(settings);
     const auto readings = qel::ReadingsOf(variables, qel::RoundedList::kAccept);
     CCalcVariable variable;
     for (int i = 0; variables.GetVariableData(i, &variable) != 0; ++i) {
@@ -42,6 +55,10 @@ const qel::Decimal& Exact(const Result& result) { return result.trace.Rounded()-
 
 bool HasUncertainInputs(const qel::Calculation& calculation) {
     return std::ranges::any_of(calculation.inputs, [](const auto& input) { return !input.components.empty(); });
+}
+
+bool HasUnits(const qel::Calculation& calculation) {
+    return std::ranges::any_of(calculation.inputs, [](const auto& input) { return !input.unit.empty(); });
 }
 
 }  // namespace
@@ -66,9 +83,12 @@ void RequireTrace(const Result& result) {
     const double unit = std::pow(10.0, trace.Rounded()->rounded.Exponent()), exact = Exact(result).ToDouble();
     if (std::abs(result.value - exact) > kHalf * unit + kBinaryPrecision * std::abs(exact))
         throw Failure("binary numbers give " + result.text + ", and decimal ones " + trace.ResultText() +
-                      ": the formula loses digits, as by the difference of two large values");
+                      ": the formula loses digits, as by the difference of two large values" +
+                      (HasUnits(trace.Request()) ? ", or it does not have a factor that [units] need" : ""));
     if (!trace.Result()->budget && HasUncertainInputs(trace.Request()))
         throw Failure("the result has no uncertainty: " + trace.Result()->withoutBudget + "; see [uncertainties]");
+    if (trace.Request().limits && !trace.Decision())
+        throw Failure("the limits are not decided: " + trace.Remarks().back() + "; see [limits] rule");
 }
 
 std::string UncertaintyText(const Result& result) {
@@ -77,6 +97,13 @@ std::string UncertaintyText(const Result& result) {
     CString factor;
     factor.Format(" (k = %.4g)", part->budget->coverageFactor);
     return "± " + result.trace.RoundedUncertainty()->PlainText() + ' ' + result.unit + std::string(factor);
+}
+
+std::string DecisionText(const Result& result) {
+    if (!result.trace.Decision()) return "";
+    const qel::ResultDecision& decision = *result.trace.Decision();
+    return std::string(decision.isPassed ? "passed" : "not passed") + " by " +
+           result.trace.Request().limits->rule.Name();
 }
 
 std::string RuleText(const Result& result) {

@@ -22,11 +22,13 @@ qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables)
 std::string RoundingRemark(const Result& result);
 
 /// @throws Failure if the two computations differ by more than that, if there is no trace, and if it has no uncertainty
-/// although the method gives some for values that the formula uses
+/// although the method gives some for values that the formula uses, or its limits cannot be decided by their rule
 void RequireTrace(const Result& result);
 
 /// "± 0.25 g/L (k = 2)"; empty without an uncertainty.
 std::string UncertaintyText(const Result& result);
+/// "passed by guarded acceptance, w = 1 U"; empty without limits, and without a trace.
+std::string DecisionText(const Result& result);
 /// "half away from zero, 1 decimal places"; empty without a trace.
 std::string RuleText(const Result& result);
 

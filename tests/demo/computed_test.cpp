@@ -7,8 +7,9 @@ TEST_F(Titration, TheAcidOfVinegarIsComputed) {
     EXPECT_NE(run.out.find("* M = 60.05\n             DENSITY = 1.006\n           * EP = 16.5184\n"), std::string::npos)
         << run.out;
     const std::string report = m_folder.Read("results/report.txt");
-    EXPECT_TRUE(report.ends_with(
-        "Result     ACIDITY = 49.6 g/L\n           ± 0.2 g/L (k = 2)\nLimits     from 45.0 to 55.0: kept\n"))
+    EXPECT_TRUE(
+        report.ends_with("Result     ACIDITY = 49.6 g/L\n           ± 0.2 g/L (k = 2)\nLimits     from 45.0 to 55.0: "
+                         "kept\n           passed by guarded acceptance, w = 1 U\n"))
         << report;
     EXPECT_NE(run.out.find(report), std::string::npos) << run.out;
     EXPECT_TRUE(m_folder.Read("results/result.csv").ends_with("\"ACIDITY\",\"49.6\",\"g/L\"\r\n"));

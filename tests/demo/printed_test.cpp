@@ -16,7 +16,7 @@ std::vector<std::string> WithoutSigns(std::vector<std::string> words) {
 TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
     for (int i = 0; i < 4; ++i) EXPECT_EQ(Run(kVinegar).status, 0);
     const Outcome run = Run("--print 4 --out results");
-    EXPECT_NE(run.out.find("Preview    page-5.png\nPrinted    4 reports on printer PDF into Titration reports.pdf\n"),
+    EXPECT_NE(run.out.find("Preview    page-6.png\nPrinted    4 reports on printer PDF into Titration reports.pdf\n"),
               std::string::npos)
         << run.err;
     const std::string cell = "pdftotext -enc UTF-8 -x 0 -W 595 -H 257 ",
@@ -27,8 +27,8 @@ TEST_F(Titration, EveryTextOfAReportIsPrintedInItsCell) {
              {"results/report-3.job", "-f 1 -l 1 -y 556"},
              {"results/trace-1-1.job", "-f 3 -l 3 -y 42"},
              {"results/trace-1-2.job", "-f 3 -l 3 -y 299"},
-             {"results/trace-2-1.job", "-f 3 -l 3 -y 556"},
-             {"results/trace-4-2.job", "-f 5 -l 5 -y 299"},
+             {"results/trace-2-1.job", "-f 4 -l 4 -y 42"},
+             {"results/trace-4-2.job", "-f 6 -l 6 -y 299"},
          }) {
         const CodePageScope page(qel::kCodePageUtf8);
         const std::vector<std::string> words = WithoutSigns(WordsOfJob(m_folder.Path(job)));

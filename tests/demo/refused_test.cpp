@@ -33,7 +33,7 @@ TEST_F(Titration, WrongDataAndSettingsAreRefusedInOneLine) {
          "settings.ini: line 3, [variables] ?? = 0: is not in UTF-8"},
         {good, Settings("EP", "[limit]\nlow = 1\n"),
          "settings.ini: line 10, [limit]: is in no known section; expected one of [curve], [result], [limits], "
-         "[variables], [uncertainties]"},
+         "[variables], [units], [uncertainties]"},
         {good, Settings("EP", "[variables]\n"),
          "settings.ini: line 10, [variables]: is in line 1 already; put all of it"},
         {good, Settings("EP", "color\n"), "settings.ini: line 10, [result] color: expected name = value; "},

@@ -58,3 +58,23 @@ TEST_F(Titration, ALongTraceIsPrintedInFull) {
     std::ranges::set_difference(all, Sorted(printed), std::back_inserter(missing));
     EXPECT_EQ(Line({missing.size(), missing.at(0), missing.at(1)}), "2 Remark Unit") << "of columns without texts";
 }
+
+// A factor of 1000 that only the units show, and a decision that needs an uncertainty.
+TEST_F(Titration, UnitsAndTheRuleOfAMethodAreInTheTrace) {
+    const std::string units = "[units]\nEP = mL\nF = ", rule = "[uncertainties]\nEP = standard 0.1\n[limits]\nhigh = ";
+    const std::string plain = Settings("EP * F"), trace = "results/first/trace-1.json";
+    EXPECT_EQ(Run(Curve(100), plain + units + "mL/mL\n" + rule + "10.3\nrule = guarded acceptance, w = 1 U\n").err, "");
+    EXPECT_NE(m_folder.Read(trace).find("\"guarded acceptance, w = 1 U\""), std::string::npos);
+    EXPECT_NE(m_folder.Read("results/first/report.txt").find("not passed by guarded acceptance"), std::string::npos);
+    for (const auto& [more, message] : Cases<std::string, const char*>{
+             {units + "L/mL\n", "or it does not have a factor that [units] need"},
+             {units + "g\n", "mL*g is not converted to mL"},
+             {units + "mLL\n", "[units] F: \"mLL\" is not a unit that is known; expected one like mL"},
+             {"[limits]\nhigh = 9\nrule = fair\n", "[limits] rule: \"fair\" is not a rule of decision"},
+             {"[limits]\nhigh = 9\nrule = guarded acceptance, w = 1 U\n",
+              "a guard band needs the uncertainty of the result"},
+         }) {
+        const Outcome run = Run(Curve(100), plain + more);
+        EXPECT_NE(run.err.find(message), std::string::npos) << more << run.err;
+    }
+}
