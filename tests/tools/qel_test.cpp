@@ -546,9 +546,9 @@ TEST(Qel, ShowsAndChangesDocuments) {
 
 TEST(Qel, TestsItselfAndReportsIt) {
     const QelFolder folder;
-    EXPECT_TRUE(folder.Qel("selftest --folder . --report r.pdf").ends_with("\n16 of 16 checks passed\n"));
+    EXPECT_TRUE(folder.Qel("selftest --folder . --report r.pdf").ends_with("\n17 of 17 checks passed\n"));
     EXPECT_EQ(OutputOf("cd '" + folder.Posix().native() + "' && ls && pdftotext r.pdf - | grep -c '^passed$'"),
-              "r.pdf\n16\n");
+              "r.pdf\n17\n");
     EXPECT_EQ(folder.Qel("selftest --report r.pdf"), "1 qel: r.pdf: exists; --force replaces it\n");
     EXPECT_EQ(folder.Qel("selftest --folder /proc"), "1 qel: /proc: no folder can be made there\n");
 }

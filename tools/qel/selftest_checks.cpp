@@ -155,6 +155,9 @@ std::vector<SelfCheck> SelfChecks(const std::string& folder) {
         {"locks of files in the folder", "others kept out, then free", [=] { return Locked(folder + "/locked"); }},
         {"a printed page", "%PDF-", [=] { return Printed(folder + "/page.pdf"); }},
     };
+#ifdef QEL_WITH_QUANTITY
+    AddTraceCheck(checks);
+#endif
 #ifdef QEL_WITH_TRAIL
     AddTrailChecks(checks, folder);
 #endif
