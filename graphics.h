@@ -19,6 +19,7 @@
 #include "qellib10/platform/drawing/pdf_info.h"
 #include "qellib10/platform/drawing/png_file.h"
 #include "qellib10/platform/drawing/preview_dc.h"
+#include "qellib10/platform/drawing/shape.h"
 #include "qellib10/platform/printing/device_mode.h"
 #include "qellib10/platform/printing/print_dialog.h"
 #include "qellib10/platform/printing/print_info.h"

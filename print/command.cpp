@@ -1,9 +1,11 @@
 #include "qellib10/print/command.h"
 
 #include "qellib10/platform/drawing/dc.h"
+#include "qellib10/platform/text/code_page.h"
 #include "qellib10/platform/text/multibyte.h"
 #include "qellib10/platform/wrapped.h"
 #include "qellib10/print/clip_box.h"
+#include "qellib10/print/drawn_shape.h"
 #include "qellib10/print/gdi_objects.h"
 
 namespace {
@@ -119,6 +121,57 @@ int CQelPrintJobCommand::SetArc(int x1, int y1, int x2, int y2, int x3, int y3, 
     return 1;
 }
 
+int CQelPrintJobCommand::SetShape(std::span<const qel::ShapePoint> corners, const qel::ShapeStyle& style) {
+    return SetShape(qel::DrawnShape::Of(corners, style));
+}
+
+int CQelPrintJobCommand::SetShape(const qel::DrawnShape& shape) {
+    m_nKind = kShape;
+    m_nStyle = shape.flags;
+    m_color = shape.strokeColor;
+    m_nX1 = static_cast<int>(shape.fillColor);
+    m_nX2 = shape.opacity;
+    m_nPenWidth = shape.strokeWidth;
+    m_nX3 = shape.dashes[0];
+    m_nY3 = shape.dashes[1];
+    m_nX4 = shape.dashes[2];
+    m_nY4 = shape.dashes[3];
+    m_szText = CString(shape.corners);
+    return 1;
+}
+
+void CQelPrintJobCommand::DrawShapeCommand(CDC& dc, int offsetX, int offsetY) const {
+    const qel::DrawnShape shape{m_nStyle,
+                                m_color,
+                                static_cast<COLORREF>(m_nX1),
+                                m_nX2,
+                                m_nPenWidth,
+                                {m_nX3, m_nY3, m_nX4, m_nY4},
+                                std::string(m_szText.View())};
+    shape.Draw(dc, offsetX, offsetY);
+}
+
+int CQelPrintJobCommand::SetLabel(const qel::ShapePoint& start, std::string_view utf8, const qel::LabelStyle& style) {
+    m_nKind = kLabel;
+    m_nX1 = qel::Hundredths(start.x);
+    m_nY1 = qel::Hundredths(start.y);
+    LOGFONT font = {};
+    qel::CopyBounded(font.lfFaceName, qel::FromUtf8(style.face).c_str(), LF_FACESIZE - 1);
+    font.lfHeight = qel::Hundredths(style.points / 10);
+    m_font = font;
+    m_szText = CString(std::string(utf8));
+    m_color = style.color;
+    m_nStyle = (style.quarterTurns & qel::kLabelTurns) | (style.isBold ? qel::kLabelBold : 0);
+    return 1;
+}
+
+void CQelPrintJobCommand::DrawLabelCommand(CDC& dc, int offsetX, int offsetY) const {
+    const qel::LabelStyle style{qel::ToUtf8(m_font.lfFaceName), m_font.lfHeight / 10.0, m_color,
+                                (m_nStyle & qel::kLabelBold) != 0, m_nStyle & qel::kLabelTurns};
+    const qel::ShapePoint start{m_nX1 / 100.0 + offsetX, m_nY1 / 100.0 + offsetY};
+    qel::DrawLabel(dc, start, m_szText.View(), style, dc.GetDeviceCaps(LOGPIXELSY));
+}
+
 int CQelPrintJobCommand::Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* objects) const {
     if (dc == nullptr) return 1;
     CGDIObjects ownObjects;
@@ -155,6 +208,12 @@ int CQelPrintJobCommand::Draw(CDC* dc, int offsetX, int offsetY, CGDIObjects* ob
         }
         case kRectangle:
             dc->Rectangle(box());
+            break;
+        case kShape:
+            DrawShapeCommand(*dc, offsetX, offsetY);
+            break;
+        case kLabel:
+            DrawLabelCommand(*dc, offsetX, offsetY);
             break;
         case kArc:
             dc->Arc(box(), shifted(m_nX3, m_nY3), shifted(m_nX4, m_nY4));

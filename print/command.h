@@ -1,6 +1,10 @@
 #pragma once
 
+#include <span>
+#include <string_view>
+
 #include "qellib10/platform/drawing/drawing_types.h"
+#include "qellib10/platform/drawing/shape.h"
 #include "qellib10/platform/export.h"
 #include "qellib10/platform/text/string.h"
 
@@ -8,7 +12,8 @@ class CDC;
 class CGDIObjects;
 namespace qel {
 class CommandList;
-}
+struct DrawnShape;
+}  // namespace qel
 
 /// One drawing command of a print job. A report is often printed days after the measurement, or a second time; a
 /// program that draws it again from the data then prints what the data are now. A job keeps the commands, so each copy
@@ -29,7 +34,21 @@ class CommandList;
 /// stay, and returns 1. Nothing is thrown but std::bad_alloc. One thread at a time.
 class QELLIB10_API CQelPrintJobCommand {
 public:
-    enum : int { kEmpty, kUnit, kText, kMoveTo, kLineTo, kLine, kCircle, kSetPen, kSetRgn, kRectangle, kArc };
+    enum : int {
+        kEmpty,
+        kUnit,
+        kText,
+        kMoveTo,
+        kLineTo,
+        kLine,
+        kCircle,
+        kSetPen,
+        kSetRgn,
+        kRectangle,
+        kArc,
+        kShape,
+        kLabel
+    };
 
     CQelPrintJobCommand() { Initialize(); }
     CQelPrintJobCommand(const CQelPrintJobCommand&) = default;
@@ -66,6 +85,15 @@ public:
     /// x4, y4; the whole ellipse if both have the same direction.
     int SetArc(int x1, int y1, int x2, int y2, int x3, int y3, int x4, int y4);
 
+    /// A polygon or polyline with smooth edges, or exact ones, see qel::DrawShape. Its coordinates and lengths are kept
+    /// to a hundredth of a device unit, its opacity to a hundredth. Readers that do not know
+    /// shapes pass over them.
+    int SetShape(std::span<const qel::ShapePoint> corners, const qel::ShapeStyle& style);
+    int SetShape(const qel::DrawnShape& shape);  ///< as a job file has it
+    /// A line of UTF-8 text whose baseline starts at a point, and which may be turned, see qel::DrawLabel. Readers that
+    /// do not know labels pass over them.
+    int SetLabel(const qel::ShapePoint& start, std::string_view utf8, const qel::LabelStyle& style);
+
     int GetKind() const { return m_nKind; }
     int GetX1() const { return m_nX1; }
     int GetY1() const { return m_nY1; }
@@ -80,6 +108,7 @@ public:
     int GetStyle() const { return m_nStyle; }  ///< the code of a unit, the format of a text, or the style of a pen
     /// Its height is the size in tenths of a point; everything else except the face is 0.
     const LOGFONT& GetFont() const { return m_font; }
+    /// Of a text in the code page; of a label, and the corners of a shape, in UTF-8.
     const CString& GetText() const { return m_szText; }
     COLORREF GetColor() const { return m_color; }
 
@@ -93,6 +122,8 @@ private:
     friend class qel::CommandList;
 
     void DrawTextCommand(CDC& dc, const POINT& at) const;
+    void DrawShapeCommand(CDC& dc, int offsetX, int offsetY) const;
+    void DrawLabelCommand(CDC& dc, int offsetX, int offsetY) const;
 
     int m_nKind;
     int m_nX1, m_nY1, m_nX2, m_nY2, m_nX3, m_nY3, m_nX4, m_nY4;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "qellib10/print/drawn_shape.h"
+
 namespace qel {
 namespace {
 
@@ -32,12 +34,32 @@ constexpr std::array<CommandField, 8> kPoints = {{{"x1", Get<&Command::GetX1>},
                                                   {"y4", Get<&Command::GetY4>}}};
 constexpr std::span<const CommandField> kTwoPoints = std::span(kPoints).first(4);
 
+constexpr std::array<CommandField, 9> kShape = {{{"color", Get<&Command::GetColor>},
+                                                 {"width", Get<&Command::GetPenWidth>},
+                                                 {"style", Get<&Command::GetStyle>},
+                                                 {"fill", Get<&Command::GetX1>},
+                                                 {"opacity", Get<&Command::GetX2>},
+                                                 {"dash1", Get<&Command::GetX3>},
+                                                 {"gap1", Get<&Command::GetY3>},
+                                                 {"dash2", Get<&Command::GetX4>},
+                                                 {"gap2", Get<&Command::GetY4>}}};
+constexpr std::array<CommandField, 5> kLabel = {{{"size", [](const Command& c) { return int{c.GetFont().lfHeight}; }},
+                                                 {"x", Get<&Command::GetX1>},
+                                                 {"y", Get<&Command::GetY1>},
+                                                 {"color", Get<&Command::GetColor>},
+                                                 {"style", Get<&Command::GetStyle>}}};
+
+void SetTextOf(Command& command, const Numbers& numbers, const CString& face, const CString& text) {
+    const auto [size, x, y, width, height, color, style, unused, unusedToo] = numbers;
+    command.SetText(x, y, face, size, static_cast<DWORD>(color), text, style, width, height);
+}
+
 // The most frequent ones first: curves are lines to points.
-constexpr std::array<CommandFormat, 10> kFormats = {{
+constexpr std::array<CommandFormat, 12> kFormats = {{
     {Command::kLineTo, "lineto", kPoint, [](Command& c, const Numbers& n) { c.SetLineTo(n[0], n[1]); }},
     {Command::kMoveTo, "moveto", kPoint, [](Command& c, const Numbers& n) { c.SetMoveTo(n[0], n[1]); }},
     {Command::kLine, "line", kTwoPoints, [](Command& c, const Numbers& n) { c.SetLine(n[0], n[1], n[2], n[3]); }},
-    {Command::kText, "text", kText, nullptr},
+    {Command::kText, "text", kText, nullptr, SetTextOf, false, true},
     {Command::kSetPen, "setpen", kPen,
      [](Command& c, const Numbers& n) { c.SetPen(n[1], n[0], static_cast<DWORD>(n[2])); }},
     {Command::kSetRgn, "setrgn", kTwoPoints, [](Command& c, const Numbers& n) { c.SetRgn(n[0], n[1], n[2], n[3]); }},
@@ -47,6 +69,8 @@ constexpr std::array<CommandFormat, 10> kFormats = {{
      [](Command& c, const Numbers& n) { c.SetArc(n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7]); }},
     {Command::kCircle, "circle", kCircle, [](Command& c, const Numbers& n) { c.SetCircle(n[0], n[1], n[2]); }},
     {Command::kUnit, "unit", {}, nullptr},
+    {Command::kShape, "shape", kShape, nullptr, SetShapeOf, true},
+    {Command::kLabel, "label", kLabel, nullptr, SetLabelOf, true, true},
 }};
 
 template <class Matches> const CommandFormat* Find(Matches matches) {
@@ -55,11 +79,6 @@ template <class Matches> const CommandFormat* Find(Matches matches) {
 }
 
 }  // namespace
-
-void SetText(CQelPrintJobCommand& command, const CommandNumbers& numbers, const CString& face, const CString& text) {
-    const auto [size, x, y, width, height, color, style, unused] = numbers;
-    command.SetText(x, y, face, size, static_cast<DWORD>(color), text, style, width, height);
-}
 
 const CommandFormat* FindCommandFormat(int kind) {
     return Find([kind](const CommandFormat& format) { return format.kind == kind; });

@@ -12,7 +12,7 @@ constexpr int kKindBits = 4;
 constexpr std::uint32_t kKindMask = (1U << kKindBits) - 1;
 constexpr std::uint32_t kNumbersMask = 0x7FF;
 constexpr std::uint32_t kHasColor = 1U << 16, kHasFont = 1U << 17, kHasText = 1U << 18;
-static_assert(CQelPrintJobCommand::kArc <= kKindMask);
+static_assert(CQelPrintJobCommand::kLabel <= kKindMask);
 
 constexpr LOGFONT kNoFont = {};
 

@@ -150,9 +150,10 @@ void CQelPrintJobQueueData::WriteCommand(XmlElementWriter& commands, const CQelP
     if (format == nullptr) return;  // the empty command
     commands.Begin(format->name);
     const char* const face = command.GetFont().lfFaceName;
-    if (format->kind == CQelPrintJobCommand::kText && *face != '\0') AddAttribute(commands, "font", face);
+    if (format->hasFace && *face != '\0') AddAttribute(commands, "font", face);
     for (const qel::CommandField& field : format->fields) AddAttribute(commands, field.name, field.get(command));
-    if (format->kind == CQelPrintJobCommand::kText) commands.Text(command.GetText().View());
+    const std::string_view text = command.GetText().View();
+    if (format->setText != nullptr) format->isUtf8 ? commands.Utf8Text(text) : commands.Text(text);
     if (format->kind == CQelPrintJobCommand::kUnit) commands.Text(command.GetStyle());
     commands.End();
 }
@@ -203,16 +204,15 @@ void CQelPrintJobQueueData::ReadCommand(const XmlNode& element) {
     const qel::CommandFormat* const format = qel::FindCommandFormat(element.Utf8Name());
     if (format == nullptr) return;
     XmlAttributes attributes(element);
-    const bool isText = format->kind == CQelPrintJobCommand::kText;
-    const CString face = isText ? GetAttributeString(attributes, "font", "") : CString();
+    const CString face = format->hasFace ? GetAttributeString(attributes, "font", "") : CString();
     qel::CommandNumbers numbers{};
     std::size_t count = 0;
     for (const qel::CommandField& field : format->fields) {
         numbers[count++] = GetAttributeInt(attributes, field.name, field.ifMissing);
     }
     CQelPrintJobCommand command;
-    if (isText) {
-        qel::SetText(command, numbers, face, CString(element.Text()));
+    if (format->setText != nullptr) {
+        format->setText(command, numbers, face, CString(format->isUtf8 ? element.Utf8Text() : element.Text()));
     } else if (format->kind == CQelPrintJobCommand::kUnit) {
         command.SetUnit(NumberOf(element.Text()));
     } else {

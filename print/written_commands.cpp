@@ -62,13 +62,14 @@ bool TakeFont(Scan& scan, CString& face) {
 }
 
 // The text between the tags, if there is any.
-bool TakeText(Scan& scan, std::string_view element, CString& text) {
+bool TakeText(Scan& scan, const CommandFormat& format, CString& text) {
     if (scan.Take("/>")) return true;
     if (!scan.Take(">")) return false;
     const std::string_view written = scan.TakeUntil<'<'>();
     if (written.empty() || written.find('>') != std::string_view::npos) return false;
-    text = CString(FromUtf8(WithoutReferences(WithPlainLineEnds(written))));
-    return scan.Take("</") && scan.Take(element) && scan.Take(">");
+    const std::string utf8 = WithoutReferences(WithPlainLineEnds(written));
+    text = CString(format.isUtf8 ? utf8 : FromUtf8(utf8));
+    return scan.Take("</") && scan.Take(format.name) && scan.Take(">");
 }
 
 bool TakeCommand(Scan& scan, CQelPrintJobCommand& command) {
@@ -76,11 +77,11 @@ bool TakeCommand(Scan& scan, CQelPrintJobCommand& command) {
     const CommandFormat* const format = FindCommandFormat(scan.TakeUntil<' ', '>', '/'>());
     if (format == nullptr) return false;
     CommandNumbers numbers{};
-    if (format->kind == CQelPrintJobCommand::kText) {
+    if (format->setText != nullptr) {
         CString face, text;
-        if (!TakeFont(scan, face) || !TakeNumbers(scan, *format, numbers) || !TakeText(scan, format->name, text))
-            return false;
-        SetText(command, numbers, face, text);
+        if (format->hasFace && !TakeFont(scan, face)) return false;
+        if (!TakeNumbers(scan, *format, numbers) || !TakeText(scan, *format, text)) return false;
+        format->setText(command, numbers, face, text);
         return true;
     }
     if (format->kind == CQelPrintJobCommand::kUnit) {

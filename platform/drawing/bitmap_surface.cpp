@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 #include "qellib10/platform/drawing/cairo_canvas.h"
+#include "qellib10/platform/drawing/cairo_shape.h"
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/hatch.h"
 #include "qellib10/platform/drawing/screen.h"
@@ -253,6 +255,23 @@ void BitmapSurface::Text(const TextFont& font, const TextLine& line, const POINT
     if (box != nullptr) ClipTo(cairo, *box);
     SetSource(cairo, color);
     font.Show(cairo, line, baseline.x, baseline.y);
+    Canvas().End();
+}
+
+void BitmapSurface::Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) {
+    Flush();
+    cairo_t* const cairo = Canvas().Begin();
+    ClipTo(cairo, ClipBox());
+    PaintShape(cairo, corners, style, std::numeric_limits<std::size_t>::max());
+    Canvas().End();
+}
+
+void BitmapSurface::Label(const TextFont& font, const TextLine& line, const ShapePoint& start, double scale,
+                          int quarterTurns, COLORREF color) {
+    Flush();
+    cairo_t* const cairo = Canvas().Begin();
+    ClipTo(cairo, ClipBox());
+    PaintLabel(cairo, font, line, start, scale, quarterTurns, color);
     Canvas().End();
 }
 

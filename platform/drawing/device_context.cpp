@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "qellib10/platform/drawing/handle_table.h"
+#include "qellib10/platform/drawing/label_text.h"
 #include "qellib10/platform/wrapped.h"
 
 namespace qel {
@@ -148,6 +149,28 @@ void DeviceContext::FillDevicePixel(const POINT& at, COLORREF color) {
     UseInk();
     CRect pixel(at, SIZE{1, 1});
     if (!pixel.IsRectEmpty()) m_pSurface->FillRect(pixel, {BS_SOLID, color, 0});
+}
+
+void DeviceContext::Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) {
+    UseInk();
+    if (m_state.mapping.IsSame()) return m_pSurface->Shape(corners, style);
+    std::vector<ShapePoint> device(corners.size());
+    std::ranges::transform(corners, device.begin(),
+                           [this](const ShapePoint& at) { return m_state.mapping.ToExactDevice(at); });
+    const double scale = m_state.mapping.UnitLength();
+    std::vector<double> dashes(style.dashes.begin(), style.dashes.end());
+    for (double& length : dashes) length *= scale;
+    ShapeStyle scaled = style;
+    scaled.strokeWidth *= scale;
+    scaled.dashes = dashes;
+    m_pSurface->Shape(device, scaled);
+}
+
+void DeviceContext::Label(const ShapePoint& start, const LabelText& text, int quarterTurns, COLORREF color) {
+    UseInk();
+    const Mapping& mapping = m_state.mapping;
+    m_pSurface->Label(*text.font, text.line, mapping.ToExactDevice(start), text.scale * mapping.UnitLength(),
+                      quarterTurns & 3, color);
 }
 
 int DeviceContext::BeginPage() {

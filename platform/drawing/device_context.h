@@ -15,6 +15,7 @@ namespace qel {
 inline constexpr std::string_view kContextInUse = "it has a device context already";
 
 class TextFont;
+struct LabelText;
 struct TextLine;
 
 /// A selected object: what it draws with, and its handle.
@@ -83,6 +84,8 @@ public:
     void FillRect(const CRect& box, const LOGBRUSH& brush);
     void InvertRect(const CRect& box);
     void FillDevicePixel(const POINT& at, COLORREF color);
+    void Shape(std::span<const ShapePoint> corners, const ShapeStyle& style);
+    void Label(const ShapePoint& start, const LabelText& text, int quarterTurns, COLORREF color);
     /// @return false when the source has no pixels
     bool Copy(const POINT& to, const SIZE& size, DeviceContext& source, const POINT& from);
 

@@ -107,6 +107,16 @@ POINT Mapping::Scaled(POINT logical) const noexcept {
                  m_viewportOrigin.y)};
 }
 
+ShapePoint Mapping::ToExactDevice(const ShapePoint& logical) const noexcept {
+    return {(logical.x - m_windowOrigin.x) * m_viewportExtent.cx / m_windowExtent.cx + m_viewportOrigin.x,
+            (logical.y - m_windowOrigin.y) * m_viewportExtent.cy / m_windowExtent.cy + m_viewportOrigin.y};
+}
+
+double Mapping::UnitLength() const noexcept {
+    return std::sqrt(
+        std::fabs(double(m_viewportExtent.cx) / m_windowExtent.cx * m_viewportExtent.cy / m_windowExtent.cy));
+}
+
 POINT Mapping::ToLogical(POINT device) const noexcept {
     return {
         Kept(Scale(LONGLONG{device.x} - m_viewportOrigin.x, m_windowExtent.cx, m_viewportExtent.cx) + m_windowOrigin.x),

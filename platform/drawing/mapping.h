@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "qellib10/platform/drawing/drawing_types.h"
+#include "qellib10/platform/drawing/shape.h"
 
 namespace qel {
 
@@ -35,6 +36,10 @@ public:
 
     // Points by value, in a register: reading a point that was just stored as two halves is slow.
     POINT ToDevice(POINT logical) const noexcept { return m_isShift ? Shifted(logical) : Scaled(logical); }
+    /// The same between pixels, not rounded.
+    ShapePoint ToExactDevice(const ShapePoint& logical) const noexcept;
+    /// Device units for a logical unit, not negative: of both directions the geometric mean.
+    double UnitLength() const noexcept;
     /// Whether ToDevice changes nothing.
     bool IsSame() const noexcept {
         return m_isShift && m_windowOrigin.x == m_viewportOrigin.x && m_windowOrigin.y == m_viewportOrigin.y;

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "qellib10/platform/drawing/ink.h"
+#include "qellib10/platform/drawing/shape.h"
 #include "qellib10/platform/text/string.h"
 
 namespace qel {
@@ -43,6 +44,11 @@ public:
     /// One line of text, whose baseline starts at @p baseline; ink outside @p box (if given) is cut off.
     virtual void Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
                       const CRect* box) = 0;
+    /// A polygon or polyline; the ink has only the clip.
+    virtual void Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) = 0;
+    /// One line of text, whose baseline starts at @p start, @p scale times as large as the font.
+    virtual void Label(const TextFont& font, const TextLine& line, const ShapePoint& start, double scale,
+                       int quarterTurns, COLORREF color) = 0;
     /// Copies the part @p source of @p pixels to @p to.
     virtual void CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) = 0;
 

@@ -8,6 +8,7 @@
 #include <span>
 #include <utility>
 
+#include "qellib10/platform/drawing/cairo_shape.h"
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/dash_pattern.h"
 #include "qellib10/platform/drawing/hatch.h"
@@ -58,6 +59,22 @@ std::string Escaped(std::string_view text) {
 std::string BoxAttributes(const CRect& box) {
     return Formatted("x=\"%d\" y=\"%d\" width=\"%ld\" height=\"%ld\"", box.left, box.top,
                      LONGLONG{box.right} - box.left, LONGLONG{box.bottom} - box.top);
+}
+
+// In hundredths of a unit; a start alone is no path.
+std::string PathOf(std::span<const ShapePoint> corners, bool isClosed) {
+    std::string path;
+    bool isDown = false;
+    for (const ShapePoint& corner : corners) {
+        if (!IsPlaced(corner)) {
+            isDown = false;
+            continue;
+        }
+        path += Formatted("%c%.2f %.2f", isDown ? 'L' : 'M', NearCoordinate(corner.x), NearCoordinate(corner.y));
+        isDown = true;
+    }
+    if (isClosed && isDown) path += 'Z';
+    return path;
 }
 
 }  // namespace
@@ -221,10 +238,15 @@ void SvgSurface::InvertRect(const CRect& box) {
 void SvgSurface::Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
                       const CRect* box) {
     Flush();
+    TextElement(font, line, Formatted("x=\"%d\" y=\"%d\"", baseline.x, baseline.y), 1, color, box);
+}
+
+void SvgSurface::TextElement(const TextFont& font, const TextLine& line, const std::string& place, double scale,
+                             COLORREF color, const CRect* box) {
     if (line.text.find_first_not_of(' ') == std::string::npos) return;
-    std::string text = Formatted(
-        "text x=\"%d\" y=\"%d\" font-size=\"%g\" textLength=\"%d\" font-family=\"%s\" fill=\"%s\"", baseline.x,
-        baseline.y, font.EmHeight(), line.width, Escaped(font.Families()).c_str(), ColorOf(color).c_str());
+    std::string text = "text " + place;
+    text += Formatted(" font-size=\"%g\" textLength=\"%.10g\" font-family=\"%s\" fill=\"%s\"", font.EmHeight() * scale,
+                      line.width * scale, Escaped(font.Families()).c_str(), ColorOf(color).c_str());
     if (font.IsBold()) text += " font-weight=\"bold\"";
     if (font.IsItalic()) text += " font-style=\"italic\"";
     if (font.IsUnderlined() || font.IsStruckOut()) {
@@ -232,6 +254,37 @@ void SvgSurface::Text(const TextFont& font, const TextLine& line, const POINT& b
                 (font.IsStruckOut() ? "line-through" : "") + "\"";
     }
     Element(text + " xml:space=\"preserve\"", Escaped(line.text), box);
+}
+
+void SvgSurface::Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) {
+    Flush();
+    const auto element = [&](const std::string& attributes, bool isClosed) {
+        const std::string path = PathOf(corners, isClosed);
+        if (path.empty()) return;
+        const double opacity = UsableOpacity(style.opacity);
+        Element("path d=\"" + path + "\"" + attributes + (opacity < 1 ? Formatted(" opacity=\"%g\"", opacity) : "") +
+                (style.isSmooth ? "" : " shape-rendering=\"crispEdges\""));
+    };
+    if (style.fill) element(" fill=\"" + ColorOf(*style.fill) + "\" stroke=\"none\"", true);
+    if (!style.stroke) return;
+    std::string pen = Formatted(" fill=\"none\" stroke=\"%s\" stroke-width=\"%g\" stroke-linejoin=\"round\"",
+                                ColorOf(*style.stroke).c_str(), UsableWidth(style.strokeWidth));
+    if (style.isRound) pen += " stroke-linecap=\"round\"";
+    if (const std::span<const double> dashes = UsableDashes(style); !dashes.empty()) {
+        pen += " stroke-dasharray=\"";
+        for (const double length : dashes) pen += Formatted("%g ", length);
+        pen.back() = '"';
+    }
+    element(pen, style.isClosed);
+}
+
+void SvgSurface::Label(const TextFont& font, const TextLine& line, const ShapePoint& start, double scale,
+                       int quarterTurns, COLORREF color) {
+    Flush();
+    std::string place = Formatted("x=\"%.2f\" y=\"%.2f\"", start.x, start.y);
+    if (quarterTurns != 0)
+        place += Formatted(" transform=\"rotate(%d %.2f %.2f)\"", -90 * quarterTurns, start.x, start.y);
+    TextElement(font, line, place, scale, color, nullptr);
 }
 
 void SvgSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) {

@@ -27,6 +27,9 @@ public:
     void InvertRect(const CRect& box) override;
     void Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
               const CRect* box) override;
+    void Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) override;
+    void Label(const TextFont& font, const TextLine& line, const ShapePoint& start, double scale, int quarterTurns,
+               COLORREF color) override;
     void CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) override;
     void Flush() override;
     int StartDoc(const CString& name) override;
@@ -40,6 +43,8 @@ private:
 
     void Element(std::string_view nameAndAttributes, std::string_view content = {}, const CRect* box = nullptr);
     void Stroke(const std::string& name, const std::string& geometry);
+    void TextElement(const TextFont& font, const TextLine& line, const std::string& place, double scale, COLORREF color,
+                     const CRect* box);
     std::string Reference(const std::string& element, const std::string& rest);
     std::string ClipReference(const CRect* box);
     std::string HatchReference(const LOGBRUSH& brush);

@@ -9,6 +9,7 @@
 #include <memory>
 #include <span>
 
+#include "qellib10/platform/drawing/cairo_shape.h"
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/dash_pattern.h"
 #include "qellib10/platform/drawing/hatch.h"
@@ -264,6 +265,17 @@ void VectorSurface::Text(const TextFont& font, const TextLine& line, const POINT
         SetSource(cairo, color);
         font.Show(cairo, line, baseline.x, baseline.y);
     });
+}
+
+void VectorSurface::Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) {
+    Flush();
+    Draw([&](cairo_t* cairo) { PaintShape(cairo, corners, style, kLongestPath); });
+}
+
+void VectorSurface::Label(const TextFont& font, const TextLine& line, const ShapePoint& start, double scale,
+                          int quarterTurns, COLORREF color) {
+    Flush();
+    Draw([&](cairo_t* cairo) { PaintLabel(cairo, font, line, start, scale, quarterTurns, color); });
 }
 
 void VectorSurface::CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) {

@@ -22,6 +22,9 @@ public:
     void InvertRect(const CRect& box) override;
     void Text(const TextFont& font, const TextLine& line, const POINT& baseline, COLORREF color,
               const CRect* box) override;
+    void Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) override;
+    void Label(const TextFont& font, const TextLine& line, const ShapePoint& start, double scale, int quarterTurns,
+               COLORREF color) override;
     void CopyPixels(const PixelBuffer& pixels, const CRect& source, const POINT& to) override;
     void Flush() override;
 

@@ -84,8 +84,10 @@ void XmlElementWriter::Attribute(const char* name, std::string_view value) {
     output.Put('"');
 }
 
-void XmlElementWriter::Text(std::string_view text) {
-    const std::string utf8 = Utf8Of(text);
+void XmlElementWriter::Text(std::string_view text) { Utf8Text(Utf8Of(text)); }
+
+void XmlElementWriter::Utf8Text(std::string_view text) {
+    const std::string utf8 = WithXmlCharacters(std::string(text));
     if (utf8.empty() && !m_aryOpen.empty()) return;
     TextOutput().Put(utf8.c_str(), kXmlText);
 }

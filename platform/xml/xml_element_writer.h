@@ -34,6 +34,8 @@ public:
     /// @throws DataError outside the root
     void Text(std::string_view text);
     void Text(int value);
+    /// The same for a text in UTF-8.
+    void Utf8Text(std::string_view text);
     /// @throws DataError when no element is open
     void End();
 

@@ -105,8 +105,10 @@ std::optional<XmlNode> XmlNode::NextElement() const {
 
 std::string_view XmlNode::Utf8Name() const { return pugi::xml_node(m_node).name(); }
 
-std::string XmlNode::Text() const {
-    return FromUtf8(m_attribute != nullptr ? pugi::xml_attribute(m_attribute).value() : TextOf(pugi::xml_node(m_node)));
+std::string XmlNode::Text() const { return FromUtf8(Utf8Text()); }
+
+std::string XmlNode::Utf8Text() const {
+    return m_attribute != nullptr ? pugi::xml_attribute(m_attribute).value() : TextOf(pugi::xml_node(m_node));
 }
 
 void XmlNode::SetText(std::string_view text) {

@@ -36,6 +36,8 @@ public:
     /// Text and CDATA of all descendants joined, without white space that only separates elements; the value of an
     /// attribute, comment or instruction. Characters missing in the page become their best fit.
     std::string Text() const;
+    /// The same in UTF-8.
+    std::string Utf8Text() const;
     /// Replaces all children, or the value, by the text. Characters that XML cannot contain become `?`. An empty text
     /// removes a text node, and this place with it; an instruction's text loses blanks at its start.
     /// @throws DataError for the document itself, and for what a comment or an instruction cannot contain
