@@ -52,17 +52,21 @@ std::string ExactResult::TextWith(const std::string& number) const {
     }
 }
 
+Decimal ExactResult::Certain() const {
+    constexpr int kCertainDigits = 30;
+    if (!IsLimit() || !flags.isInexact) return value;
+    const Decimal certain = RoundingRule::ToDigits(DecimalRounding::kHalfEven, kCertainDigits).Round(value).rounded;
+    return certain.IsFinite() ? certain.Reduced() : value;  // at the ends of the range it may not fit
+}
+
 std::optional<RoundedValue> ExactResult::Rounded(const RoundingRule& rule,
                                                  const std::optional<Decimal>& uncertainty) const {
-    const bool isLimit = kind == Kind::kBelow || kind == Kind::kAbove;
-    if (!isLimit && kind != Kind::kValue) return {};
-    RoundedValue result = rule.Round(value, uncertainty);
-    if (isLimit) {
-        // An upper limit goes up, a lower one down.
-        const bool isAway = (kind == Kind::kBelow) != value.IsNegative();
-        result =
-            rule.With(isAway ? DecimalRounding::kAwayFromZero : DecimalRounding::kTowardZero).Round(value, uncertainty);
-    }
+    if (!IsNumberOrLimit()) return {};
+    // An upper limit goes up, a lower one down.
+    const bool isAway = (kind == Kind::kBelow) != value.IsNegative();
+    const RoundingRule outwards = rule.With(isAway ? DecimalRounding::kAwayFromZero : DecimalRounding::kTowardZero);
+    RoundedValue result = (IsLimit() ? outwards : rule).Round(Certain(), uncertainty);
+    result.unrounded = value;
     return result.rounded.IsNan() ? std::nullopt : std::optional(result);
 }
 

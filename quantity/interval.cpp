@@ -59,7 +59,7 @@ template <class Compute> Interval Ends(bool isOpen, DecimalFlags& flags, Compute
     if (!isNearZero && happened.isInexact) {
         // The bound itself is within half a unit of the last place.
         const Decimal unit = Decimal::Scaled(1, value.Exponent(), exact);
-        return {{Subtract(value, unit, exact), true}, {Add(value, unit, exact), true}, {}};
+        return {{Subtract(value, unit, exact), isOpen}, {Add(value, unit, exact), isOpen}, {}};
     }
     if (!isNearZero) return {{value, isOpen}, {value, isOpen}, {}};
     if (value.IsZero())

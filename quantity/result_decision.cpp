@@ -63,14 +63,13 @@ std::optional<ResultDecision> DecideResult(const ExactResult& result, const std:
         return std::optional<ResultDecision>();
     };
     if (!IsValid(limits)) return refuse("the limits are missing, not finite or the wrong way round");
-    const bool isLimit = result.kind == Kind::kBelow || result.kind == Kind::kAbove;
-    if (result.kind != Kind::kValue && !isLimit) return refuse("the result is no number and no limit");
+    if (!result.IsNumberOrLimit()) return refuse("the result is no number and no limit");
     const bool isSimple = limits.rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance;
     if (!isSimple && !budget) return refuse("a guard band needs the uncertainty of the result");
     ResultDecision decision;
     decision.isRounded = limits.comparesRounded && rounded.has_value();
-    decision.compared = decision.isRounded ? rounded->rounded : result.value;
-    if (isLimit) {
+    decision.compared = decision.isRounded ? rounded->rounded : result.Certain();
+    if (result.IsLimit()) {
         DecideLimit(result, limits, decision);
         return decision;
     }

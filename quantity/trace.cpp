@@ -35,9 +35,7 @@ std::string Trace::ResultText() const {
     const TracePart* const part = Result();
     if (part == nullptr) return {};
     ExactResult shown = *part->result;
-    const bool isLimit = shown.kind == ExactResult::Kind::kBelow || shown.kind == ExactResult::Kind::kAbove;
-    if (shown.kind != ExactResult::Kind::kValue && !isLimit)
-        return shown.cause ? shown.Text() + ": " + NameOf(*shown.cause) : shown.Text();
+    if (!shown.IsNumberOrLimit()) return shown.cause ? shown.Text() + ": " + NameOf(*shown.cause) : shown.Text();
     if (m_rounded) shown.value = m_rounded->rounded;
     // Of an underflow there may be thousands of zeros.
     const int magnitude = shown.value.IsZero() ? shown.value.Exponent() : shown.value.Magnitude();

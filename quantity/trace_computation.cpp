@@ -301,10 +301,7 @@ void TraceComputation::Round() {
     std::optional<Decimal> expanded;
     if (part.budget) expanded = Decimal::OfDouble(part.budget->expandedUncertainty);
     if (rule) m_trace.m_rounded = part.result->Rounded(*rule, expanded);
-    const bool isNumber = part.result->kind == ExactResult::Kind::kValue ||
-                          part.result->kind == ExactResult::Kind::kBelow ||
-                          part.result->kind == ExactResult::Kind::kAbove;
-    if (rule && isNumber && !m_trace.m_rounded)
+    if (rule && part.result->IsNumberOrLimit() && !m_trace.m_rounded)
         m_trace.m_remarks.push_back(
             "not rounded: the rule needs more than 34 digits, or an uncertainty that is not there");
     if (expanded) m_trace.m_roundedUncertainty = RoundedUncertainty(*expanded);

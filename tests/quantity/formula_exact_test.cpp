@@ -147,6 +147,27 @@ TEST(ExactResult, ALimitIsRoundedSoThatItStaysTrue) {
         EXPECT_EQ(rounded(kind, text), expected) << text;
 }
 
+TEST(ExactResult, LostDigitsOfALimitCostNoPlace) {
+    qel::FormulaScope scope;
+    scope.Add("L");
+    const qel::RoundingRule rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, 1);
+    for (const auto& [text, reading, expected] : Cases<const char*, const char*, const char*>{
+             {"L / 3 * 150", "< 0.02", "< 1.0"},
+             {"L * 150 / 3", "< 0.02", "< 1.0"},
+             {"L / 3 * 150", "<= 0.02", "<= 1.0"},
+             {"-L / 3 * 150", "< 0.02", "> -1.0"},
+             {"L / 3", "< 2", "< 0.7"},
+             {"L / 3 * 10^-6176", "< 1", "< 0.1"},
+             {"L / 3 * 10^6144", "> 70", "> 9.999999999999999999999999999999999E+6144"},
+         }) {
+        FormulaError error;
+        ExactResult result =
+            *Formula::Parse(text, scope, error)->EvaluateExactly(std::vector{*Reading::OfText(reading)}, {}, error);
+        result.value = result.Rounded(rule).value_or(qel::RoundedValue{{}, result.Certain()}).rounded;
+        EXPECT_EQ(result.Text(), expected) << text;
+    }
+}
+
 TEST(Reading, TextsAreReadAgain) {
     for (const auto& [text, expected] : Cases<const char*, const char*>{
              {" 12.50 ", "12.50"},
