@@ -11,10 +11,11 @@
 namespace titration {
 namespace {
 
+bool IsJapanese() { return qel::TableLanguage() == qel::Language::Japanese; }
+
 std::vector<qel::TraceTable> TablesOf(const Result& result) {
-    const bool isJapanese = qel::TableLanguage() == qel::Language::Japanese;
     std::vector<qel::TraceTable> tables =
-        result.trace.Tables(isJapanese ? qel::TraceLanguage::kJapanese : qel::TraceLanguage::kEnglish);
+        result.trace.Tables(IsJapanese() ? qel::TraceLanguage::kJapanese : qel::TraceLanguage::kEnglish);
     const std::string remark = RoundingRemark(result);
     if (!remark.empty()) {
         qel::TraceTable reported;
@@ -34,6 +35,10 @@ std::vector<CQelPrintJobQueueData> MakeTraceJobs(const Result& result, DWORD ver
     page.remark = "version " + std::to_string(version);
     page.foot = TraceName(version) + ", SHA-256 " + qel::HashText(result.trace.Json());
     page.face = kFace;
+    if (IsJapanese()) {
+        page.of = " / ";
+        page.continued = " (続き)";
+    }
     std::vector<CQelPrintJobQueueData> jobs =
         qel::MakeTableJobs(qel::PrintTablesOf(TablesOf(result)), page, printer.Style(), printer.Context());
     if (jobs.empty()) throw Failure("the trace: " + Why("has no space on the page"));
