@@ -79,18 +79,19 @@ if(QELLIB10_BUILD_RECORD)
   endif()
 endif()
 
-# Formulas, units and uncertainties: JSON is nlohmann's, quantiles are Boost's (headers only); udunits2 is opened at its first
+# Formulas, units and uncertainties: JSON is nlohmann's, quantiles are Boost's and linear algebra is Eigen's (both headers only); udunits2 is opened at its first
 # use, so only its header is here.
-option(QELLIB10_BUILD_QUANTITY "Build qellib10-quantity if udunits2, nlohmann_json and Boost are installed" ON)
+option(QELLIB10_BUILD_QUANTITY "Build qellib10-quantity if udunits2, nlohmann_json, Boost and Eigen are installed" ON)
 if(QELLIB10_BUILD_QUANTITY)
   find_path(UDUNITS2_INCLUDE_DIR udunits2.h)
   find_path(BOOST_MATH_INCLUDE_DIR boost/math/distributions/students_t.hpp)
+  find_path(EIGEN3_INCLUDE_DIR Eigen/Dense PATH_SUFFIXES eigen3)
   find_package(nlohmann_json 3 QUIET)
-  if(UDUNITS2_INCLUDE_DIR AND BOOST_MATH_INCLUDE_DIR AND nlohmann_json_FOUND)
+  if(UDUNITS2_INCLUDE_DIR AND BOOST_MATH_INCLUDE_DIR AND EIGEN3_INCLUDE_DIR AND nlohmann_json_FOUND)
     qellib10_component(quantity core)
   else()
-    message(STATUS "udunits2, nlohmann_json or Boost was not found (Debian packages libudunits2-dev, nlohmann-json3-dev, "
-      "libboost-dev): qellib10-quantity is left out")
+    message(STATUS "udunits2, nlohmann_json, Boost or Eigen was not found (Debian packages libudunits2-dev, nlohmann-json3-dev, "
+      "libboost-dev, libeigen3-dev): qellib10-quantity is left out")
   endif()
 endif()
 
