@@ -1,0 +1,115 @@
+#include "qellib10/graph/linear_ticks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "qellib10/graph/tick_text.h"
+
+namespace qel {
+namespace {
+
+constexpr int kDigits = 15;          // each number of so many digits has a double of its own
+constexpr double kMostUnits = 1e15;  // whole numbers of kDigits
+constexpr int kLeastPlace = -307;    // below, doubles have fewer digits
+constexpr std::size_t kFewTexts = 4;
+
+// number * 10^place.
+struct Step {
+    std::int64_t number;  // 1, 2, 5 or 25
+    int place;
+
+    double Value() const { return Scaled(number, place); }
+    bool IsQuarter() const { return number == 25; }
+    Step Minor() const {
+        switch (number) {
+            case 1:
+                return {2, place - 1};
+            case 2:
+                return {5, place - 1};
+            default:
+                return {number / 5, place};
+        }
+    }
+};
+
+class LinearSteps : public TickSteps {
+public:
+    LinearSteps(const TickPlaces& places, ChartExponent kind, const AxisSpace& space)
+        : m_low(places.Low()),
+          m_high(places.High()),
+          m_largest(std::max(std::abs(m_low), std::abs(m_high))),
+          m_kind(kind),
+          m_exponent(AxisExponent(m_largest, kind)),
+          m_mostTexts(MostTexts(space)),
+          m_mostMinor(MostMinor(space)) {
+        const double range = m_high / 2 - m_low / 2;
+        const int first = ShortestDigits(range).Exponent() - 3;
+        // In a range too narrow for steps, at least one number may be round.
+        const int last = std::max(first + 4, ShortestDigits(m_largest).Exponent() - kDigits + 2);
+        for (int place = first; place <= last; ++place)
+            for (const Step& step : {Step{1, place}, Step{2, place}, Step{25, place - 1}, Step{5, place}})
+                m_steps.push_back(step);
+    }
+
+    std::size_t Count() const override { return m_steps.size(); }
+
+    std::vector<double> Values(std::size_t at) const override {
+        const Step& step = m_steps[at];
+        const bool isLonger = step.IsQuarter() && step.place < m_exponent;
+        if (isLonger && ValuesOf(m_steps[at + 1], m_mostTexts).size() >= kFewTexts) return {};
+        return ValuesOf(step, m_mostTexts);
+    }
+
+    AxisTicks Labelled(std::size_t at, const std::vector<double>& values) const override {
+        AxisTicks axis;
+        axis.step = m_steps[at].Value();
+        if (LongestText(values, axis.step, m_exponent) < LongestText(values, axis.step, 0)) axis.exponent = m_exponent;
+        axis.factor = FactorText(axis.exponent, m_kind);
+        for (const double value : values) axis.ticks.push_back({value, NumberText(value, axis.step, axis.exponent)});
+        return axis;
+    }
+
+    std::vector<std::vector<double>> Minor(std::size_t at) const override {
+        return {ValuesOf(m_steps[at].Minor(), m_mostMinor)};
+    }
+
+private:
+    // The text of the first or the last value.
+    static std::size_t LongestText(const std::vector<double>& values, double step, int exponent) {
+        return std::max(PlainText(values.front(), step, exponent).size(),
+                        PlainText(values.back(), step, exponent).size());
+    }
+
+    std::vector<double> ValuesOf(const Step& step, std::size_t most) const {
+        const double unit = Scaled(1, step.place), size = step.Value();
+        if (step.place < kLeastPlace || !std::isfinite(size) || m_largest / unit > kMostUnits) return {};
+        // Quotients of doubles may be one off.
+        const double first = std::ceil(m_low / size) - 1, last = std::floor(m_high / size) + 1;
+        if (last - first > static_cast<double>(most) + 2) return {};
+        std::vector<double> values;
+        for (auto i = static_cast<std::int64_t>(first); i <= static_cast<std::int64_t>(last); ++i) {
+            const double value = Scaled(i * step.number, step.place);
+            if (value >= m_low && value <= m_high) values.push_back(value);
+        }
+        return values.size() <= most ? values : std::vector<double>();
+    }
+
+    double m_low, m_high, m_largest;
+    ChartExponent m_kind;
+    int m_exponent;
+    std::size_t m_mostTexts, m_mostMinor;
+    std::vector<Step> m_steps;
+};
+
+}  // namespace
+
+AxisTicks LinearTicksAt(const TickPlaces& places, ChartExponent exponent, const AxisSpace& space) {
+    return ChooseTicks(LinearSteps(places, exponent, space), places, space);
+}
+
+AxisTicks LinearTicks(double low, double high, ChartExponent exponent, const AxisSpace& space) {
+    return LinearTicksAt(TickPlaces(low, high, false, space.length), exponent, space);
+}
+
+}  // namespace qel
