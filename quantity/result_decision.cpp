@@ -18,12 +18,21 @@ bool IsWithin(const Decimal& value, const ResultLimits& limits) {
     return (!limits.lower || value >= *limits.lower) && (!limits.upper || value <= *limits.upper);
 }
 
+// What the rule makes of the last value that a limit leaves possible: of "< 2.5" the number next to it.
+Decimal RoundedLast(const ExactResult& result, const RoundingRule& rule) {
+    DecimalFlags flags;
+    const Decimal limit = result.Certain();
+    const int lastPlace = limit.Magnitude() - Decimal::kDigits + 1;
+    const Decimal step = Decimal::Scaled(result.kind == Kind::kBelow ? -1 : 1, lastPlace, flags);
+    return rule.Round(result.isIncluded ? limit : Add(limit, step, flags)).rounded;
+}
+
 // Of "< x" all numbers below x, which conform where x does and nothing is to be above a limit.
 void DecideLimit(const ExactResult& result, const ResultLimits& limits, ResultDecision& decision) {
     const bool isBelow = result.kind == Kind::kBelow;
     const std::optional<Decimal>&near = isBelow ? limits.upper : limits.lower,
           &far = isBelow ? limits.lower : limits.upper;
-    // A possible number below the limit may be rounded to it.
+    // A possible number was rounded to it.
     const bool isIncluded = result.isIncluded || decision.isRounded;
     const auto isBeyond = [&](const Decimal& limit) {
         const auto order = decision.compared <=> limit;
@@ -55,7 +64,7 @@ ToleranceLimits InDouble(const ResultLimits& limits) {
 
 }  // namespace
 
-std::optional<ResultDecision> DecideResult(const ExactResult& result, const std::optional<RoundedValue>& rounded,
+std::optional<ResultDecision> DecideResult(const ExactResult& result, const std::optional<RoundingRule>& rule,
                                            const std::optional<UncertaintyBudget>& budget, const ResultLimits& limits,
                                            std::string& reason) {
     const auto refuse = [&](const char* why) {
@@ -67,8 +76,15 @@ std::optional<ResultDecision> DecideResult(const ExactResult& result, const std:
     const bool isSimple = limits.rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance;
     if (!isSimple && !budget) return refuse("a guard band needs the uncertainty of the result");
     ResultDecision decision;
-    decision.isRounded = limits.comparesRounded && rounded.has_value();
-    decision.compared = decision.isRounded ? rounded->rounded : result.Certain();
+    decision.compared = result.Certain();
+    const std::optional<Decimal> expanded =
+        budget ? std::optional(Decimal::OfDouble(budget->expandedUncertainty)) : std::nullopt;
+    if (limits.comparesRounded && rule) {
+        const Decimal rounded =
+            result.IsLimit() ? RoundedLast(result, *rule) : rule->Round(result.value, expanded).rounded;
+        decision.isRounded = rounded.IsFinite();
+        if (decision.isRounded) decision.compared = rounded;
+    }
     if (result.IsLimit()) {
         DecideLimit(result, limits, decision);
         return decision;
@@ -80,11 +96,11 @@ std::optional<ResultDecision> DecideResult(const ExactResult& result, const std:
         if (!decision.byUncertainty) return refuse("the limits or the guard band are not valid");
     }
     DecimalFlags ignored;
-    const Decimal expanded = Decimal::OfDouble(budget ? budget->expandedUncertainty : 0.0);
-    Decimal guardBand = Multiply(expanded, Decimal::OfDouble(limits.rule.GuardBandFactor()), ignored);
+    Decimal guardBand =
+        Multiply(expanded.value_or(Decimal()), Decimal::OfDouble(limits.rule.GuardBandFactor()), ignored);
     if (limits.rule.RuleKind() == DecisionRule::Kind::kGuardedRejection) guardBand = -guardBand;
     decision.isPassed = IsWithin(decision.compared, Moved(limits, guardBand));
-    const Decimal reach = isSimple ? expanded : guardBand.Absolute();
+    const Decimal reach = isSimple ? expanded.value_or(Decimal()) : guardBand.Absolute();
     decision.isUndecided =
         IsWithin(decision.compared, Moved(limits, -reach)) && !IsWithin(decision.compared, Moved(limits, reach));
     return decision;

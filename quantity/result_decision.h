@@ -28,6 +28,8 @@ struct ResultDecision {
     /// is possible, in which case it has not passed.
     bool isUndecided = false;
     bool isRounded = false;  ///< the rounded value was compared
+    /// Of a limit the last value that it leaves possible, rounded as any value: of "< 0.161" 0.16, though the limit
+    /// itself is reported as "< 0.17", so that it stays true.
     Decimal compared;
     /// Guard band and probability, of the value with all its digits (JCGM 106); nothing without uncertainties.
     std::optional<LimitDecision> byUncertainty;
@@ -35,11 +37,11 @@ struct ResultDecision {
 
 /// Compares exact decimals, so that a value next to a limit is on the right side of it.
 /// @param result a number or a limit
-/// @param rounded nothing where there is no rule of rounding
+/// @param rule nothing where values are not rounded; the value is compared unrounded where the rule gives no number
 /// @param budget nothing where no uncertainty is known: then only simple acceptance decides
 /// @return nothing where it cannot be decided or the limits are not valid; @p reason then says why
 QELLIB10_API std::optional<ResultDecision> DecideResult(const ExactResult& result,
-                                                        const std::optional<RoundedValue>& rounded,
+                                                        const std::optional<RoundingRule>& rule,
                                                         const std::optional<UncertaintyBudget>& budget,
                                                         const ResultLimits& limits, std::string& reason);
 

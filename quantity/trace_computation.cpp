@@ -325,7 +325,7 @@ void TraceComputation::Decide() {
     if (!calculation.limits) return;
     const TracePart& part = m_trace.m_parts.back();
     std::string reason;
-    m_trace.m_decision = DecideResult(*part.result, m_trace.m_rounded, part.budget, *calculation.limits, reason);
+    m_trace.m_decision = DecideResult(*part.result, calculation.rule, part.budget, *calculation.limits, reason);
     if (!m_trace.m_decision) {
         m_trace.m_remarks.push_back("no decision: " + reason);
         return;

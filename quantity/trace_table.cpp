@@ -105,11 +105,14 @@ private:
         if (m_trace.Result() == nullptr) return;
         TraceTable& table = Add(TraceWord::kRounding, "", {});
         const std::optional<RoundingRule>& rule = m_trace.Request().rule;
-        table.rows.push_back({Word(TraceWord::kRule), rule ? Phrase(rule->Name()) : Word(TraceWord::kNoRounding)});
-        const ExactResult& result = *m_trace.Result()->result;
+        ExactResult result = *m_trace.Result()->result;
+        table.rows.push_back(
+            {Word(TraceWord::kRule), (rule ? Phrase(rule->Name()) : Word(TraceWord::kNoRounding)) +
+                                         (rule && result.IsLimit() ? Word(TraceWord::kLimitRounding) : "")});
         table.rows.push_back({Word(TraceWord::kUnrounded), Phrase(result.Text())});
-        if (m_trace.Rounded())
-            table.rows.push_back({Word(TraceWord::kRounded), m_trace.Rounded()->rounded.PlainText()});
+        if (!m_trace.Rounded()) return;
+        result.value = m_trace.Rounded()->rounded;
+        table.rows.push_back({Word(TraceWord::kRounded), result.PlainText()});
     }
 
     std::string Freedom(const std::optional<double>& value) const {
@@ -175,9 +178,10 @@ private:
             table.rows.push_back(
                 {Word(TraceWord::kConformity), Short(100.0 * decision.byUncertainty->conformity, 4) + " %"});
         }
+        const TraceWord why = m_trace.Result()->result->IsLimit() ? TraceWord::kOnBothSides : TraceWord::kUndecided;
         table.rows.push_back(
             {Word(TraceWord::kResult), Word(decision.isPassed ? TraceWord::kPassed : TraceWord::kFailed) +
-                                           (decision.isUndecided ? " (" + Word(TraceWord::kUndecided) + ')' : "")});
+                                           (decision.isUndecided ? " (" + Word(why) + ')' : "")});
     }
 
     const Trace& m_trace;

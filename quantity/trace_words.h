@@ -58,6 +58,8 @@ enum class TraceWord {
     kPassed,
     kFailed,
     kUndecided,
+    kOnBothSides,
+    kLimitRounding,
     kTrials,
     kFirstOrder,
     kEnough,

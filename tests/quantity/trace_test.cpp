@@ -159,6 +159,7 @@ TEST(Trace, ALimitHasNoBudgetAndSaysWhy) {
     calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, 4);
     const Trace trace = Trace::Of(calculation);
     EXPECT_EQ(Line({trace.ResultWithUncertainty(), trace.Result()->withoutBudget}), "< 0.0021 VT is no number");
+    EXPECT_NE(trace.Text(qel::TraceLanguage::kEnglish).find("After   < 0.0021"), std::string::npos);
 }
 
 TEST(Trace, IsComputedAgainWithTheSameDigits) {
@@ -295,6 +296,11 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
              {"< 10", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
              {"< 11", "10", Rule::SimpleAcceptance(), false, 0, "failed, undecided"},
              {"> 10", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
+             {"< 0.161", "0.165", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},  // one place: 0.2
+             {"< 10.04", "10", Rule::SimpleAcceptance(), true, 0, "passed"},
+             {"< 10.15", "10.1", Rule::SimpleAcceptance(), true, 0, "passed"},
+             {"<= 10.15", "10.1", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},
+             {"> 10.05", "10", Rule::SimpleAcceptance(), true, 0, "failed"},
              {"> 0.54", "0.5", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},
              {"missing", "10", Rule::SimpleAcceptance(), false, 0, "no decision: the result is no number and no limit"},
          })

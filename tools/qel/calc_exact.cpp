@@ -55,7 +55,9 @@ std::string ShortForm(const qel::Trace& trace) {
     std::string text = Shown(trace.ResultWithUncertainty()) + '\n';
     if (const auto& decided = trace.Decision())
         text += std::string(decided->isPassed ? "passed" : "not passed") +
-                (decided->isUndecided ? ", the uncertainty reaches over a limit\n" : "\n");
+                (!decided->isUndecided               ? "\n"
+                 : trace.Result()->result->IsLimit() ? ", its possible values are on both sides of a limit\n"
+                                                     : ", the uncertainty reaches over a limit\n");
     if (const auto& check = trace.FirstOrder())
         text += std::string("first order is ") + (check->isEnough ? "enough" : "not enough") +
                 (check->isStable ? "\n" : "; more trials are needed to be sure\n");
