@@ -80,6 +80,7 @@ void DoubleArithmetic::RefuseDivision(const FormulaStep& step) { Refuse(step, Ki
 
 void DoubleArithmetic::RefuseResult(const FormulaStep& step, double value) {
     if (step.operation == Operation::kVariable) Refuse(step, Kind::kReading, "a value that is not finite");
+    if (step.operation == Operation::kRound) Refuse(step, Kind::kTooLarge, kTooManyDigits);
     Refuse(step, std::isnan(value) ? Kind::kUndefined : Kind::kTooLarge);
 }
 

@@ -14,12 +14,13 @@ namespace {
 using Kind = FormulaError::Kind;
 using Operation = FormulaOperation;
 
-[[noreturn]] void Refuse(const FormulaStep& step, Kind kind) {
-    throw FormulaError{kind, step.position, step.length, {}, {}, {}};
+[[noreturn]] void Refuse(const FormulaStep& step, Kind kind, const char* expected = "") {
+    throw FormulaError{kind, step.position, step.length, expected, {}, {}};
 }
 
 // Only called for what is not finite.
 [[noreturn]] void RefuseResult(const FormulaStep& step, const Decimal& result, const DecimalFlags& flags) {
+    if (step.operation == Operation::kRound) Refuse(step, Kind::kTooLarge, kTooManyDigits);
     if (flags.isDividedByZero)
         Refuse(step, step.operation == Operation::kDivide ? Kind::kDividedByZero : Kind::kUndefined);
     if (result.IsNan()) Refuse(step, Kind::kUndefined);

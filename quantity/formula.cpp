@@ -4,10 +4,10 @@
 #include <cmath>
 #include <utility>
 
-#include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/formula_access.h"
 #include "qellib10/quantity/formula_double.h"
 #include "qellib10/quantity/formula_exact.h"
+#include "qellib10/quantity/formula_hints.h"
 #include "qellib10/quantity/formula_kept.h"
 #include "qellib10/quantity/formula_parser.h"
 
@@ -26,8 +26,8 @@ template <class Parser> std::optional<Formula> Formula::ParsedBy(Parser parser, 
         error = {FormulaError::Kind::kTooLong, longest, text.size() - longest, {}, {}, {}};
         return {};
     }
-    if (!IsUtf8(text)) {
-        error = {FormulaError::Kind::kText, 0, text.size(), {}, {}, {}};
+    if (const std::size_t end = EndOfUtf8(text); end < text.size()) {
+        error = {FormulaError::Kind::kText, end, 1, {}, {}, {}};
         return {};
     }
     try {

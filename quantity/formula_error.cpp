@@ -40,7 +40,7 @@ std::string FormulaError::Text(std::string_view formula) const {
         case Kind::kUndefined:
             return "the result is not defined" + place + quoted;
         case Kind::kTooLarge:
-            return "the number is too large" + place + quoted;
+            return "the number is too large" + place + quoted + (expected.empty() ? "" : ": " + expected);
         case Kind::kReading:
             return "not determinable" + place + quoted + ", because of " + expected;
         case Kind::kCycle:

@@ -21,7 +21,7 @@ struct QELLIB10_API FormulaError {
         kText,       ///< the text is not UTF-8
         kDividedByZero,
         kUndefined,    ///< such as the logarithm of a negative number
-        kTooLarge,     ///< past the range of the numbers
+        kTooLarge,     ///< past the range of the numbers, or of too many digits
         kReading,      ///< a reading is missing, invalid or a limit where a value is needed
         kCycle,        ///< a formula needs its own result
         kUnit,         ///< units that do not go together

@@ -5,8 +5,10 @@
 #include <charconv>
 #include <utility>
 
+#include "qellib10/platform/text/utf8_name.h"
 #include "qellib10/quantity/formula_constants.h"
 #include "qellib10/quantity/formula_error.h"
+#include "qellib10/quantity/formula_hints.h"
 
 namespace qel {
 namespace {
@@ -63,7 +65,8 @@ struct FormulaParser::Nested {
     int& depth;
 };
 
-FormulaParser::FormulaParser(std::string_view text, const FormulaScope& scope) : m_scope(scope), m_tokens(text) {
+FormulaParser::FormulaParser(std::string_view text, const FormulaScope& scope)
+    : m_text(text), m_scope(scope), m_tokens(text) {
     Advance();
 }
 
@@ -247,7 +250,10 @@ FormulaParser::Part FormulaParser::Word() {
 
 FormulaParser::Part FormulaParser::Variable(const FormulaToken& name) {
     const std::optional<std::size_t> position = m_scope.Find(name.text);
-    if (!position) Refuse(FormulaError::Kind::kName, name, "a variable", WrittenName(m_scope.Nearest(name.text)));
+    if (!position) {
+        if (name.kind == FormulaToken::Kind::kWord) RefuseLookAlikes(m_text, name.position, name.length);
+        Refuse(FormulaError::Kind::kName, name, "a variable", WrittenName(m_scope.Nearest(name.text)));
+    }
     m_builder.AddVariable(*position, name);
     return Since(name.position, Type::kNumber);
 }
@@ -260,7 +266,10 @@ FormulaParser::Part FormulaParser::Call(const FormulaToken& name) {
     if (function == kFunctions.end()) {
         std::vector<std::string_view> names = {"if", "round"};
         for (const NamedFunction& each : kFunctions) names.push_back(each.name);
-        Refuse(FormulaError::Kind::kName, name, "a function", NearestName(name.text, names));
+        RefuseLookAlikes(m_text, name.position, name.length);
+        const std::string wanted = FoldUtf8Name(name.text);
+        if (wanted == "log") Refuse(FormulaError::Kind::kSyntax, name, "\"log10\" or \"ln\"");
+        Refuse(FormulaError::Kind::kName, name, "a function", NearestName(wanted == "lg" ? "log10" : wanted, names));
     }
     std::size_t count = 0;
     do {

@@ -65,6 +65,7 @@ private:
     Part Since(std::size_t position, Type type) const { return {type, position, m_end - position}; }
     [[noreturn]] void Expect(std::string expected) const;
 
+    std::string_view m_text;
     const FormulaScope& m_scope;
     FormulaTokens m_tokens;
     FormulaToken m_token;

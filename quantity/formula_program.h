@@ -77,6 +77,9 @@ struct FormulaStep {
     std::uint32_t position, length;  // of its operator, name or number in the text, in bytes
 };
 
+/// Why a rule rounds a number to none.
+inline constexpr const char* kTooManyDigits = "rounded, it has more than 34 digits";
+
 /// A number as it is written.
 struct WrittenNumber {
     Decimal value;

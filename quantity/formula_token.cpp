@@ -6,12 +6,14 @@
 #include <utility>
 
 #include "qellib10/quantity/formula_error.h"
+#include "qellib10/quantity/formula_hints.h"
 
 namespace qel {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 constexpr std::string_view kNotInWords = " \t\r\n()*+-/=^<>,[]";
+
 constexpr std::array<std::string_view, 3> kOperatorWords = {"and", "or", "not"};
 
 constexpr std::array<bool, 256> Among(std::string_view characters) {
@@ -24,13 +26,14 @@ constexpr auto kIsBlank = Among(kBlanks), kIsNotInWord = Among(kNotInWords);
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsBlank(char c) { return kIsBlank[static_cast<unsigned char>(c)]; }
 bool IsInWord(char c) { return !kIsNotInWord[static_cast<unsigned char>(c)]; }
-bool IsOperatorWord(std::string_view word) { return std::ranges::find(kOperatorWords, word) != kOperatorWords.end(); }
 
 [[noreturn]] void Refuse(std::size_t position, std::size_t length, std::string expected) {
     throw FormulaError{FormulaError::Kind::kSyntax, position, length, std::move(expected), {}, {}};
 }
 
 }  // namespace
+
+bool IsOperatorWord(std::string_view word) { return std::ranges::find(kOperatorWords, word) != kOperatorWords.end(); }
 
 void FormulaTokens::SkipBlanks() {
     for (;;) {
@@ -86,7 +89,7 @@ FormulaToken FormulaTokens::Number() {
         end = at + 1;
     }
     m_at = end;
-    if (!hasDigit) Refuse(token.position, end - token.position, "digits");
+    if (!hasDigit) Refuse(token.position, end - token.position, "a digit");
     PassExponent();
     token.length = m_at - token.position;
     token.text = WithoutBlanks(token.position, m_at);
@@ -95,7 +98,10 @@ FormulaToken FormulaTokens::Number() {
     if (m_at < m_text.size() && (IsInWord(m_text[m_at]) || m_text[m_at] == '[')) {
         const std::size_t after = m_at;
         const FormulaToken name = m_text[m_at] == '[' ? Bracketed() : Word();
-        if (!IsOperatorWord(name.text)) Refuse(after, name.length, "an operator between a number and a name");
+        if (!IsOperatorWord(name.text)) {
+            if (name.kind == FormulaToken::Kind::kWord) RefuseLookAlikes(m_text, after, name.length);
+            Refuse(after, name.length, "an operator between a number and a name");
+        }
     }
     m_at = start;
     return token;

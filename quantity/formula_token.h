@@ -56,6 +56,9 @@ private:
     std::forward_list<std::string> m_joined;  // texts of tokens that differ from the formula
 };
 
+/// and, or, not
+bool IsOperatorWord(std::string_view word);
+
 /// A variable's name as a formula has it: in [ ] where it is not read otherwise.
 std::string WrittenName(const std::string& name);
 

@@ -27,7 +27,7 @@ FormulaScope Scope() {
 TEST(Formula, WhatIsNoTextOrPastTheRangeOfDoubleIsRefused) {
     for (const auto& [text, expected] : Cases<const char*, const char*>{
              {"", "the formula is not valid at its end: a number, a name or an opening bracket is expected"},
-             {"A\xFF", "the formula is not UTF-8 at character 1"},
+             {"A\xFF", "the formula is not UTF-8 at character 2"},
              {"exp(1000) + 1", "the number is too large at character 1: \"exp\""},
          }) {
         FormulaError error;
