@@ -1,7 +1,9 @@
 // The tables of docs/formulas.md say what is true: each row is carried out.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <sstream>
 
@@ -142,6 +144,58 @@ Answer AnswerTo(Parser parser, const std::string& text, qel::LimitSubstitution s
     return answer;
 }
 
+const std::array<std::string, 4> kWays = {"Half even", "Half away from zero", "Truncation", "Away from zero"};
+
+std::string Rounded(const Row& row, std::string how, const Decimal& value, const std::string& to) {
+    how[0] = static_cast<char>(how[0] - 'A' + 'a');
+    const auto rule = qel::RoundingRule::OfName(how + ", " + to);
+    EXPECT_TRUE(rule) << how << At(row, "To");
+    return rule ? rule->Round(value).rounded.Text() : "";
+}
+std::string Rounded(const Row& row, const std::string& how) {
+    return Rounded(row, how, Number(At(row, "Value")), At(row, "To"));
+}
+
+// Ways of rounding that the library does not have, made of those that it has.
+using WrongWay = std::function<std::string(const Row&, const std::string& how)>;
+
+bool IsNegative(const Row& row) { return At(row, "Value").front() == '-'; }
+
+bool IsHalf(const Row& row) {
+    qel::DecimalFlags flags;
+    const Decimal value = Number(At(row, "Value")), below = Number(At(row, "Truncation"));
+    return below.IsFinite() && below != value &&
+           Add(value, value, flags) == Add(below, Number(At(row, "Away from zero")), flags);
+}
+
+// Of a half: away from zero, or toward zero.
+std::string OfHalf(const Row& row, bool isAway) {
+    if (!IsHalf(row)) return At(row, "Half even");
+    return At(row, isAway ? "Away from zero" : "Truncation");
+}
+
+const std::map<std::string, WrongWay> kWrongWays = {
+    {"floor", [](const Row& row, auto) { return At(row, IsNegative(row) ? "Away from zero" : "Truncation"); }},
+    {"ceiling", [](const Row& row, auto) { return At(row, IsNegative(row) ? "Truncation" : "Away from zero"); }},
+    {"half up", [](const Row& row, auto) { return OfHalf(row, !IsNegative(row)); }},
+    {"half toward zero", [](const Row& row, auto) { return OfHalf(row, false); }},
+    {"half odd", [](const Row& row, auto) { return OfHalf(row, At(row, "Half even") == At(row, "Truncation")); }},
+    {"in binary",
+     [](const Row& row, const std::string& how) {
+         return Rounded(row, how, Decimal::OfDouble(Number(At(row, "Value")).ToDouble()), At(row, "To"));
+     }},
+};
+
+// First to one place more.
+std::string RoundedTwice(const Row& row, const std::string& how) {
+    std::istringstream to(At(row, "To"));
+    int places = 0;
+    if (!(to >> places) || At(row, "To").find("decimal") == std::string::npos) return At(row, how);
+    const std::string first =
+        Rounded(row, how, Number(At(row, "Value")), std::to_string(places + 1) + " decimal places");
+    return Rounded(row, how, Number(first), At(row, "To"));
+}
+
 }  // namespace
 
 TEST(FormulasPage, FormulasHaveTheseResults) {
@@ -185,11 +239,24 @@ TEST(FormulasPage, NamesAllConstants) {
 
 TEST(FormulasPage, ValuesAreRoundedSo) {
     for (const Row& row : RowsWith({"Value", "To"}))
-        for (const char* how : {"Half even", "Half away from zero", "Truncation", "Away from zero"}) {
-            std::string name = how;
-            name[0] = static_cast<char>(name[0] - 'A' + 'a');
-            const auto rule = qel::RoundingRule::OfName(name + ", " + At(row, "To"));
-            ASSERT_TRUE(rule) << name << At(row, "To");
-            EXPECT_EQ(rule->Round(Number(At(row, "Value"))).rounded.Text(), At(row, how)) << At(row, "Value");
-        }
+        for (const std::string& how : kWays) EXPECT_EQ(Rounded(row, how), At(row, how)) << At(row, "Value");
+}
+
+// A fault in a rule makes it another one; some row has another result then, of each kind of rule where both have it.
+TEST(FormulasPage, RowsTellWrongWaysOfRoundingFromTheRightOnes) {
+    const Table rows = RowsWith({"Value", "To"});
+    const auto isSeen = [&](const std::string& how, const char* kind, const WrongWay& wrong) {
+        return std::ranges::any_of(rows, [&](const Row& row) {
+            return At(row, "To").find(kind) != std::string::npos && wrong(row, how) != At(row, how);
+        });
+    };
+    for (const std::string& how : kWays) {
+        for (const std::string& other : kWays)
+            for (const char* kind : {"decimal places", "significant digits", "multiples"}) {
+                const bool isOther = isSeen(how, kind, [&](const Row& row, auto) { return At(row, other); });
+                EXPECT_EQ(isOther, how != other) << how << " and " << other << ", " << kind;
+            }
+        for (const auto& [name, wrong] : kWrongWays) EXPECT_TRUE(isSeen(how, "", wrong)) << how << " and " << name;
+        EXPECT_EQ(isSeen(how, "", RoundedTwice), how.starts_with("Half")) << how << ", twice";
+    }
 }
