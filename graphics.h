@@ -3,8 +3,12 @@
 // The public headers of the component graphics: drawing, printing, print jobs and graphs.
 #include "qellib10/graph/axis_steps.h"
 #include "qellib10/graph/axis_style.h"
+#include "qellib10/graph/axis_ticks.h"
 #include "qellib10/graph/back_buffer_dc.h"
 #include "qellib10/graph/bar_graph_style.h"
+#include "qellib10/graph/chart.h"
+#include "qellib10/graph/chart_data.h"
+#include "qellib10/graph/chart_theme.h"
 #include "qellib10/graph/graph_data.h"
 #include "qellib10/graph/graph_data_ctrl.h"
 #include "qellib10/graph/line_graph_style.h"

@@ -1,0 +1,146 @@
+#include "qellib10/graph/chart_curves.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "qellib10/graph/chart_line.h"
+
+namespace qel {
+namespace {
+
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+double ErrorAt(const std::vector<double>& errors, std::size_t index) {
+    return index < errors.size() && errors[index] > 0 ? errors[index] : 0;
+}
+
+double UpAt(const ChartErrors& errors, std::size_t index) {
+    return ErrorAt(errors.up.empty() ? errors.down : errors.up, index);
+}
+
+}  // namespace
+
+SeriesCurves::SeriesCurves(const Chart& chart, std::size_t series, const std::vector<AxisLayout>& axes)
+    : m_chart(chart),
+      m_index(series),
+      m_series(chart.series[series]),
+      m_x(axes[m_series.xAxis].places),
+      m_y(axes[m_series.yAxis].places) {}
+
+ShapePoint SeriesCurves::At(std::size_t point) const {
+    const CGraphData& data = m_series.points[point];
+    return {m_x.At(data.GetXData()), m_y.At(data.GetYData())};
+}
+
+double SeriesCurves::Base() const { return m_y.BaseAt(m_series.base); }
+
+std::vector<ShapePoint> SeriesCurves::LineOf(const std::vector<double>& y) const {
+    LineReducer reducer;
+    const bool isSteps = m_series.kind == ChartKind::kSteps;
+    ShapePoint before = kLineGap;
+    for (std::size_t i = 0; i < y.size(); ++i) {
+        const ShapePoint place{m_x.At(m_series.points[i].GetXData()), m_y.At(y[i])};
+        if (isSteps && !IsGap(before) && !IsGap(place)) reducer.Add({place.x, before.y});
+        reducer.Add(place);
+        before = place;
+    }
+    return reducer.Take();
+}
+
+std::vector<ShapePoint> SeriesCurves::Line() const {
+    std::vector<double> y(Count());
+    std::ranges::transform(m_series.points, y.begin(), &CGraphData::GetYData);
+    return LineOf(y);
+}
+
+std::vector<std::vector<ShapePoint>> SeriesCurves::Between(const std::vector<double>& upper,
+                                                           const std::vector<double>& lower) const {
+    const std::vector<ShapePoint> above = LineOf(upper), below = LineOf(lower);
+    std::vector<std::vector<ShapePoint>> areas;
+    // Both have their gaps at the same points, since only such points were kept.
+    const auto pieces = [](const std::vector<ShapePoint>& line) {
+        std::vector<std::vector<ShapePoint>> found(1);
+        for (const ShapePoint& place : line) {
+            if (IsGap(place)) {
+                found.emplace_back();
+            } else {
+                found.back().push_back(place);
+            }
+        }
+        return found;
+    };
+    std::vector<std::vector<ShapePoint>> upperPieces = pieces(above), lowerPieces = pieces(below);
+    for (std::size_t i = 0; i < std::min(upperPieces.size(), lowerPieces.size()); ++i) {
+        if (upperPieces[i].size() < 2 || lowerPieces[i].size() < 2) continue;
+        areas.push_back(std::move(upperPieces[i]));
+        areas.back().insert(areas.back().end(), lowerPieces[i].rbegin(), lowerPieces[i].rend());
+    }
+    return areas;
+}
+
+std::vector<std::vector<ShapePoint>> SeriesCurves::Areas() const {
+    std::vector<double> upper(Count()), lower(Count());
+    for (std::size_t i = 0; i < Count(); ++i) {
+        upper[i] = m_series.points[i].GetYData();
+        const bool isBand = m_series.kind == ChartKind::kBand;
+        lower[i] = !isBand                     ? (m_y.isLogarithmic && !(m_series.base > 0) ? m_y.low : m_series.base)
+                   : i < m_series.lower.size() ? m_series.lower[i]
+                                               : kNoNumber;
+        if (IsGap({m_y.At(upper[i]), m_y.At(lower[i])})) upper[i] = lower[i] = kNoNumber;
+    }
+    return Between(upper, lower);
+}
+
+std::vector<std::vector<ShapePoint>> SeriesCurves::ErrorAreas() const {
+    std::vector<double> upper(Count()), lower(Count());
+    for (std::size_t i = 0; i < Count(); ++i) {
+        const double y = m_series.points[i].GetYData();
+        upper[i] = y + UpAt(m_series.yErrors, i);
+        lower[i] = y - ErrorAt(m_series.yErrors.down, i);
+        if (m_y.isLogarithmic && !(lower[i] > 0)) lower[i] = m_y.low;
+        if (IsGap({m_y.At(upper[i]), m_y.At(lower[i])})) upper[i] = lower[i] = kNoNumber;
+    }
+    return Between(upper, lower);
+}
+
+std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
+    std::vector<ErrorBar> bars;
+    const bool isOnBars = m_series.kind == ChartKind::kBars;
+    const double beside = isOnBars ? PlacesOfBars(m_chart, m_index, m_x).Middle() : 0;
+    const std::vector<double> below = StackedBelow(m_chart, m_index);
+    for (std::size_t i = 0; i < Count(); ++i) {
+        const double start = below.empty() ? 0 : below[i];
+        const ShapePoint at{At(i).x + beside, m_y.At(start + m_series.points[i].GetYData())};
+        if (IsGap(at)) continue;
+        const double x = m_series.points[i].GetXData(), y = start + m_series.points[i].GetYData();
+        const auto end = [](const AxisPlaces& places, double value) {
+            return places.isLogarithmic && !(value > 0) ? places.from : places.At(value);
+        };
+        const double down = ErrorAt(m_series.yErrors.down, i), up = UpAt(m_series.yErrors, i);
+        if (!m_series.hasErrorBand && (down > 0 || up > 0))
+            bars.push_back({{at.x, end(m_y, y - down)}, {at.x, end(m_y, y + up)}, true});
+        const double before = ErrorAt(m_series.xErrors.down, i), after = UpAt(m_series.xErrors, i);
+        if (before > 0 || after > 0) bars.push_back({{end(m_x, x - before), at.y}, {end(m_x, x + after), at.y}, false});
+    }
+    return bars;
+}
+
+std::vector<ChartBox> SeriesCurves::Bars() const {
+    const BarPlaces places = PlacesOfBars(m_chart, m_index, m_x);
+    const std::vector<double> below = StackedBelow(m_chart, m_index);
+    std::vector<ChartBox> bars;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        const CGraphData& point = m_series.points[i];
+        const double start = m_series.isStacked ? below[i] : m_series.base;
+        const double x = m_x.At(point.GetXData());
+        const double y = m_y.At(m_series.isStacked ? start + point.GetYData() : point.GetYData());
+        const double base = m_y.BaseAt(start);
+        if (IsGap({x, y})) continue;
+        const double left = x + places.first;
+        bars.push_back({left, std::min(y, base), left + places.width, std::max(y, base)});
+    }
+    return bars;
+}
+
+}  // namespace qel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <vector>
+
+#include "qellib10/graph/chart_axis_layout.h"
+#include "qellib10/graph/chart_bars.h"
+
+namespace qel {
+
+/// The outlines of a series in device units: lines with gaps (corners that are not numbers), bars, filled areas.
+class SeriesCurves {
+public:
+    SeriesCurves(const Chart& chart, std::size_t series, const std::vector<AxisLayout>& axes);
+
+    std::size_t Count() const { return m_series.points.size(); }
+    /// Of one point; not a number for a gap.
+    ShapePoint At(std::size_t point) const;
+    /// With corners of steps, reduced to what can be seen: of many points in an eighth of a device unit the first, the
+    /// last, the lowest and the highest.
+    std::vector<ShapePoint> Line() const;
+    /// Closed outlines between the line and the base or the band's other edge, one per piece without gaps.
+    std::vector<std::vector<ShapePoint>> Areas() const;
+    /// Of the y errors, as band.
+    std::vector<std::vector<ShapePoint>> ErrorAreas() const;
+    std::vector<ChartBox> Bars() const;
+    /// From the lower to the upper end of the errors of each point that has any.
+    struct ErrorBar {
+        ShapePoint from, to;
+        bool isVertical;
+    };
+    std::vector<ErrorBar> ErrorBars() const;
+    double Base() const;  ///< y of the base
+
+private:
+    std::vector<ShapePoint> LineOf(const std::vector<double>& y) const;
+    std::vector<std::vector<ShapePoint>> Between(const std::vector<double>& upper,
+                                                 const std::vector<double>& lower) const;
+
+    const Chart& m_chart;
+    const std::size_t m_index;
+    const ChartSeries& m_series;
+    const AxisPlaces& m_x;
+    const AxisPlaces& m_y;
+};
+
+}  // namespace qel

@@ -1,0 +1,197 @@
+#include "qellib10/graph/chart_layout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qel {
+namespace {
+
+// Points: around titles, between the legend and the rest, and the smallest plot for whose sake texts are left out.
+constexpr double kTitleGap = 4, kLegendGap = 8, kNarrowestPlot = 60, kLowestPlot = 45;
+constexpr double kWidestLegend = 0.34;           // of the chart, beside the plot
+constexpr int kFreePasses = 2, kMostPasses = 8;  // values of axes need space, which changes the values
+
+// What is left out first where there is no space.
+enum class Left { kNothing, kLegend, kSubtitle, kAxisTitles, kTitle, kValues };
+
+class ChartLayer {
+public:
+    ChartLayer(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box)
+        : m_chart(chart), m_canvas(canvas), m_box(box), m_ranges(AxisRanges(chart)) {}
+
+    ChartLayout Lay() {
+        for (const Left left :
+             {Left::kNothing, Left::kLegend, Left::kSubtitle, Left::kAxisTitles, Left::kTitle, Left::kValues}) {
+            ChartLayout layout = LayWithout(left);
+            const bool isLarge = layout.plot.Width() >= m_canvas.Units(kNarrowestPlot) &&
+                                 layout.plot.Height() >= m_canvas.Units(kLowestPlot);
+            if (isLarge || left == Left::kValues) return Finished(std::move(layout), left);
+        }
+        return {};
+    }
+
+private:
+    static bool Has(Left left, Left part) { return left < part; }
+
+    ChartLayout LayWithout(Left left) const {
+        ChartLayout layout;
+        layout.box = m_box;
+        // The smallest charts have no margin to spare.
+        const double margin =
+            std::min(m_canvas.Units(m_chart.theme.margin), std::min(m_box.Width(), m_box.Height()) / 8);
+        ChartBox inner{m_box.left + margin, m_box.top + margin, m_box.right - margin, m_box.bottom - margin};
+        AddTitles(left, inner, layout);
+        const AxisTexts texts{Has(left, Left::kValues), Has(left, Left::kAxisTitles)};
+        LayPlot(inner, texts, layout);
+        if (!m_chart.hasLegend || !Has(left, Left::kLegend)) return layout;
+        if (auto inside = LegendInside(layout)) {
+            layout.legend = std::move(inside);
+            return layout;
+        }
+        LegendOutside(inner, texts, layout);
+        return layout;
+    }
+
+    void AddTitle(const std::string& text, double points, bool isBold, COLORREF color, ChartBox& inner,
+                  ChartLayout& layout) const {
+        if (text.empty()) return;
+        const LabelStyle style{m_chart.theme.face, points, color, isBold};
+        const std::string shown = m_canvas.Shortened(text, style, inner.Width());
+        if (shown.empty()) return;
+        layout.titles.push_back(LabelAt(m_canvas, shown, style, {(inner.left + inner.right) / 2, inner.top}, {0.5, 0}));
+        inner.top = layout.titles.back().box.bottom + m_canvas.Units(kTitleGap) / 2;
+    }
+
+    void AddTitles(Left left, ChartBox& inner, ChartLayout& layout) const {
+        const ChartTheme& theme = m_chart.theme;
+        if (Has(left, Left::kTitle)) AddTitle(m_chart.title, theme.titleSize, true, theme.text, inner, layout);
+        if (Has(left, Left::kSubtitle))
+            AddTitle(m_chart.subtitle, theme.subtitleSize, false, theme.faintText, inner, layout);
+        if (!layout.titles.empty()) inner.top += m_canvas.Units(kTitleGap);
+    }
+
+    // The plot as large as its axes' texts leave it.
+    void LayPlot(const ChartBox& inner, const AxisTexts& texts, ChartLayout& layout) const {
+        ChartBox plot = inner;
+        AxisSpaces most;
+        for (int pass = 0; pass < kMostPasses; ++pass) {
+            layout.plot = plot;
+            layout.axes = LayAxes(m_chart, m_canvas, m_ranges, plot, texts);
+            const AxisSpaces spaces = SpacesOf(m_chart, m_canvas, layout.axes, plot);
+            if (pass >= kFreePasses && spaces.left <= most.left && spaces.top <= most.top &&
+                spaces.right <= most.right && spaces.bottom <= most.bottom)
+                break;
+            // Later passes only take more space: values that change with the space they leave would never settle.
+            const bool isSettling = pass >= kFreePasses;
+            const auto space = [&](double before, double now) { return isSettling ? std::max(before, now) : now; };
+            most = {space(most.left, spaces.left), space(most.top, spaces.top), space(most.right, spaces.right),
+                    space(most.bottom, spaces.bottom)};
+            plot = {std::ceil(inner.left + most.left), std::ceil(inner.top + most.top),
+                    std::floor(inner.right - most.right), std::floor(inner.bottom - most.bottom)};
+            plot.right = std::max(plot.right, plot.left + 1);
+            plot.bottom = std::max(plot.bottom, plot.top + 1);
+        }
+        // In the smallest charts the plot has its least size, whatever the axes need.
+        for (AxisLayout& axis : layout.axes)
+            std::erase_if(axis.labels, [&](const PlacedLabel& label) { return !IsInside(label.box, m_box); });
+    }
+
+    // In a corner of the plot that no curve passes through.
+    std::optional<LegendLayout> LegendInside(const ChartLayout& layout) const {
+        const double gap = m_canvas.Units(kLegendGap * 0.75);
+        auto legend = LayLegend(m_chart, m_canvas, 0, layout.plot.Width() * 0.6);
+        if (!legend) return {};
+        const double width = legend->box.Width(), height = legend->box.Height();
+        if (width > layout.plot.Width() * 0.6 || height > layout.plot.Height() * 0.6) return {};
+        const CurveField field(m_chart, m_canvas, layout.axes, layout.plot);
+        const double left = layout.plot.left + gap, right = layout.plot.right - gap - width;
+        const double top = layout.plot.top + gap, bottom = layout.plot.bottom - gap - height;
+        for (const ShapePoint& corner : {ShapePoint{right, top}, {left, top}, {right, bottom}, {left, bottom}}) {
+            const ChartBox box{corner.x, corner.y, corner.x + width, corner.y + height};
+            if (field.Hits(box) > 0 || HasLimit(layout, box)) continue;
+            MoveLegend(*legend, corner.x, corner.y);
+            legend->isInside = true;
+            return legend;
+        }
+        return {};
+    }
+
+    bool HasLimit(const ChartLayout& layout, const ChartBox& box) const {
+        return std::ranges::any_of(m_chart.limits, [&](const ChartLimit& limit) {
+            if (limit.axis >= layout.axes.size()) return false;
+            const bool isHorizontal = IsHorizontal(m_chart.axes[limit.axis]);
+            const double low = isHorizontal ? box.left : box.top, high = isHorizontal ? box.right : box.bottom;
+            const auto isWithin = [&](double at) { return at > low && at < high; };
+            const AxisPlaces& places = layout.axes[limit.axis].places;
+            return isWithin(places.At(limit.from)) || (limit.to && isWithin(places.At(*limit.to)));
+        });
+    }
+
+    // At the right of the plot, or below everything where that would take too much of the width.
+    void LegendOutside(const ChartBox& inner, const AxisTexts& texts, ChartLayout& layout) const {
+        const double gap = m_canvas.Units(kLegendGap), width = inner.Width();
+        if (auto legend = LayLegend(m_chart, m_canvas, 0, width * kWidestLegend);
+            legend && legend->box.Height() <= inner.Height() &&
+            width * kWidestLegend > m_canvas.Units(kNarrowestPlot)) {
+            ChartBox rest = inner;
+            rest.right -= legend->box.Width() + gap;
+            LayPlot(rest, texts, layout);
+            MoveLegend(*legend, rest.right + gap, layout.plot.top);
+            if (legend->box.bottom <= inner.bottom) {
+                layout.legend = std::move(legend);
+                return;
+            }
+        }
+        auto legend = LayLegend(m_chart, m_canvas, width, width);
+        if (!legend || legend->box.Height() > inner.Height() / 2) {
+            LayPlot(inner, texts, layout);
+            return;
+        }
+        ChartBox rest = inner;
+        rest.bottom -= legend->box.Height() + gap;
+        LayPlot(rest, texts, layout);
+        MoveLegend(*legend, (inner.left + inner.right - legend->box.Width()) / 2, inner.bottom - legend->box.Height());
+        layout.legend = std::move(legend);
+    }
+
+    // What was wanted and is not there, and the texts over the plot.
+    ChartLayout Finished(ChartLayout layout, Left left) const {
+        const auto report = [&](bool isWanted, bool isThere, const char* name) {
+            if (isWanted && !isThere) layout.leftOut.emplace_back(name);
+        };
+        const std::size_t titles = layout.titles.size();
+        const bool hasTitle = !m_chart.title.empty();
+        report(hasTitle, titles > 0 && Has(left, Left::kTitle), "title");
+        report(!m_chart.subtitle.empty(), titles > (hasTitle ? 1U : 0U), "subtitle");
+        report(true, Has(left, Left::kAxisTitles), "titles of the axes");
+        report(true, Has(left, Left::kValues), "values of the axes");
+        const bool hasNames = std::ranges::any_of(m_chart.series, [](const ChartSeries& s) { return !s.name.empty(); });
+        report(m_chart.hasLegend && hasNames, layout.legend.has_value(), "legend");
+        for (std::size_t i = AxisCount(m_chart); i < m_chart.axes.size(); ++i)
+            layout.leftOut.push_back("axis: " + m_chart.axes[i].title);
+        for (const ChartSeries& series : m_chart.series)
+            if (!HasItsAxes(m_chart, series)) layout.leftOut.push_back("series: " + series.name);
+        if (m_chart.limits.empty() && m_chart.notes.empty()) return layout;
+
+        const CurveField field(m_chart, m_canvas, layout.axes, layout.plot);
+        TakenBoxes taken;
+        if (layout.legend) taken.Take(layout.legend->box);
+        layout.limitLabels =
+            PlaceLimitLabels(m_chart, m_canvas, layout.axes, layout.plot, field, taken, layout.leftOut);
+        layout.notes = PlaceNotes(m_chart, m_canvas, layout.axes, layout.plot, field, taken, layout.leftOut);
+        return layout;
+    }
+
+    const Chart& m_chart;
+    const ChartCanvas& m_canvas;
+    const ChartBox m_box;
+    const std::vector<AxisRange> m_ranges;
+};
+
+}  // namespace
+
+ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box) {
+    return ChartLayer(chart, canvas, box).Lay();
+}
+
+}  // namespace qel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "qellib10/graph/chart_legend.h"
+#include "qellib10/graph/chart_notes.h"
+
+namespace qel {
+
+/// All places of a chart. Computed once, then drawn.
+struct ChartLayout {
+    ChartBox box;
+    ChartBox plot;
+    std::vector<AxisLayout> axes;
+    std::vector<PlacedLabel> titles;
+    std::optional<LegendLayout> legend;
+    std::vector<PlacedNote> limitLabels;
+    std::vector<PlacedNote> notes;
+    std::vector<std::string> leftOut;
+};
+
+ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box);
+
+}  // namespace qel

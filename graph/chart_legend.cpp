@@ -1,0 +1,88 @@
+#include "qellib10/graph/chart_legend.h"
+
+#include <algorithm>
+#include <array>
+
+#include "qellib10/graph/chart_look.h"
+#include "qellib10/graph/chart_marks.h"
+
+namespace qel {
+namespace {
+
+constexpr double kSample = 22, kSampleGap = 5, kRowGap = 3, kBetween = 14, kPadding = 5;  // points
+
+}  // namespace
+
+std::optional<LegendLayout> LayLegend(const Chart& chart, const ChartCanvas& canvas, double width, double longest) {
+    const LabelStyle style{chart.theme.face, chart.theme.labelSize, chart.theme.text};
+    const double sample = canvas.Units(kSample), padding = canvas.Units(kPadding);
+    const double before = sample + canvas.Units(kSampleGap);
+    LegendLayout legend;
+    double x = padding, y = padding, row = 0;
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        if (chart.series[i].name.empty() || !HasItsAxes(chart, chart.series[i])) continue;
+        const std::string text = canvas.Shortened(chart.series[i].name, style, longest - before - 2 * padding);
+        if (text.empty()) return {};
+        const LabelSize size = canvas.Measure(text, style);
+        const bool isNext = !legend.entries.empty() && (width <= 0 || x + before + size.width + padding > width);
+        if (isNext) {
+            x = padding;
+            y += row + canvas.Units(kRowGap);
+        }
+        row = size.Height();
+        const PlacedLabel label = LabelAt(canvas, text, style, {x + before, y}, {});
+        legend.entries.push_back({i, label, {x, y, x + sample, y + row}});
+        legend.box.right = std::max(legend.box.right, label.box.right + padding);
+        x = label.box.right + canvas.Units(kBetween);
+    }
+    if (legend.entries.empty()) return {};
+    legend.box.bottom = y + row + padding;
+    return legend;
+}
+
+void MoveLegend(LegendLayout& legend, double dx, double dy) {
+    const auto move = [&](ChartBox& box) { box = {box.left + dx, box.top + dy, box.right + dx, box.bottom + dy}; };
+    move(legend.box);
+    for (LegendLayout::Entry& entry : legend.entries) {
+        move(entry.label.box);
+        move(entry.sample);
+        entry.label.start = {entry.label.start.x + dx, entry.label.start.y + dy};
+    }
+}
+
+void DrawLegend(const Chart& chart, ChartCanvas& canvas, const LegendLayout& legend) {
+    const ChartTheme& theme = chart.theme;
+    if (legend.isInside) {
+        canvas.Fill(legend.box, theme.plot, 0.88);
+        const std::array<ShapePoint, 4> corners = {{{legend.box.left, legend.box.top},
+                                                    {legend.box.right, legend.box.top},
+                                                    {legend.box.right, legend.box.bottom},
+                                                    {legend.box.left, legend.box.bottom}}};
+        canvas.Shape(corners, {.stroke = theme.grid,
+                               .strokeWidth = canvas.Units(theme.axisWidth),
+
+                               .isClosed = true});
+    }
+    for (const LegendLayout::Entry& entry : legend.entries) {
+        const ChartSeries& series = chart.series[entry.series];
+        const SeriesLook look = LookOf(chart, entry.series);
+        const double middle = (entry.sample.top + entry.sample.bottom) / 2;
+        const bool isFilled = series.kind == ChartKind::kBars || series.kind == ChartKind::kBand;
+        if (isFilled) {
+            const double half = entry.sample.Height() * 0.32;
+            const double inset = entry.sample.Width() * 0.15;
+            canvas.Fill({entry.sample.left + inset, middle - half, entry.sample.right - inset, middle + half},
+                        look.color, series.kind == ChartKind::kBand ? 0.3 : 1);
+        } else if (series.kind != ChartKind::kPoints) {
+            std::vector<double> dashes = look.dashes;
+            for (double& length : dashes) length = canvas.Units(length);
+            const std::array<ShapePoint, 2> ends = {{{entry.sample.left, middle}, {entry.sample.right, middle}}};
+            canvas.Shape(ends, {.stroke = look.color, .strokeWidth = canvas.Units(look.width), .dashes = dashes});
+        }
+        DrawMark(canvas, look.mark, {(entry.sample.left + entry.sample.right) / 2, middle},
+                 canvas.Units(theme.markSize), look.color, theme.plot, true);
+        canvas.Label(entry.label.start, entry.label.text, entry.label.style);
+    }
+}
+
+}  // namespace qel

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "qellib10/graph/chart_curves.h"
+
+namespace qel {
+
+/// The names of the series, each with a sample.
+struct LegendLayout {
+    struct Entry {
+        std::size_t series;
+        PlacedLabel label;
+        ChartBox sample;
+    };
+
+    ChartBox box;
+    bool isInside = false;  ///< over the plot: it has a background
+    std::vector<Entry> entries;
+};
+
+/// A legend with its corner at 0, 0.
+/// @param width the entries are in rows of at most this width; one column if it is 0
+/// @param longest of an entry with the padding around it, device units: longer names are shortened
+/// @return nothing if no series has a name
+std::optional<LegendLayout> LayLegend(const Chart& chart, const ChartCanvas& canvas, double width, double longest);
+
+void MoveLegend(LegendLayout& legend, double dx, double dy);
+
+void DrawLegend(const Chart& chart, ChartCanvas& canvas, const LegendLayout& legend);
+
+}  // namespace qel

@@ -1,0 +1,111 @@
+#include "qellib10/graph/chart_line.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qel {
+namespace {
+
+constexpr double kColumnsPerUnit = 8;
+
+// The part of a segment within the box, by Liang and Barsky (1984).
+std::optional<std::pair<ShapePoint, ShapePoint>> CutSegment(const ShapePoint& from, const ShapePoint& to,
+                                                            const ChartBox& box) {
+    double start = 0, end = 1;
+    const double dx = to.x - from.x, dy = to.y - from.y;
+    const auto cut = [&](double direction, double distance) {
+        if (direction == 0) return distance >= 0;
+        const double share = distance / direction;
+        if (direction < 0) {
+            start = std::max(start, share);
+        } else {
+            end = std::min(end, share);
+        }
+        return start <= end;
+    };
+    if (!cut(-dx, from.x - box.left) || !cut(dx, box.right - from.x) || !cut(-dy, from.y - box.top) ||
+        !cut(dy, box.bottom - from.y))
+        return {};
+    return std::pair(ShapePoint{from.x + start * dx, from.y + start * dy},
+                     ShapePoint{from.x + end * dx, from.y + end * dy});
+}
+
+bool IsIn(const ShapePoint& place, const ChartBox& box) {
+    return place.x >= box.left && place.x <= box.right && place.y >= box.top && place.y <= box.bottom;
+}
+
+}  // namespace
+
+void LineReducer::Add(const ShapePoint& place) {
+    if (IsGap(place)) {
+        End();
+        if (!m_line.empty() && !IsGap(m_line.back())) m_line.push_back(kLineGap);
+        return;
+    }
+    const double column = std::floor(place.x * kColumnsPerUnit);
+    if (m_column != column) {
+        End();
+        m_column = column;
+        m_first = m_last = m_low = m_high = place;
+        return;
+    }
+    m_last = place;
+    if (place.y < m_low.y) {
+        m_low = place;
+        m_isLowLater = true;
+    } else if (place.y > m_high.y) {
+        m_high = place;
+        m_isLowLater = false;
+    }
+}
+
+std::vector<ShapePoint> LineReducer::Take() {
+    End();
+    return std::move(m_line);
+}
+
+void LineReducer::End() {
+    if (!m_column) return;
+    m_column.reset();
+    const ShapePoint& earlier = m_isLowLater ? m_high : m_low;
+    const ShapePoint& later = m_isLowLater ? m_low : m_high;
+    for (const ShapePoint& place : {m_first, earlier, later, m_last})
+        if (m_line.empty() || m_line.back() != place) m_line.push_back(place);
+}
+
+std::vector<ShapePoint> CutToArea(std::span<const ShapePoint> line, const ChartBox& area) {
+    const double reach = 64 + area.Width() + area.Height();
+    const ChartBox box{area.left - reach, area.top - reach, area.right + reach, area.bottom + reach};
+    std::vector<ShapePoint> cut;
+    cut.reserve(line.size());
+    bool isDown = false;  // the last corner that was added is the one before
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        if (IsGap(line[i])) {
+            isDown = false;
+            continue;
+        }
+        const bool hasBefore = i > 0 && !IsGap(line[i - 1]);
+        if (!hasBefore) {
+            if (!cut.empty()) cut.push_back(kLineGap);
+            if (IsIn(line[i], box)) cut.push_back(line[i]);
+            isDown = IsIn(line[i], box);
+            continue;
+        }
+        if (isDown && IsIn(line[i], box)) {
+            cut.push_back(line[i]);
+            continue;
+        }
+        const auto part = CutSegment(line[i - 1], line[i], box);
+        if (part) {
+            if (!isDown) {
+                if (!cut.empty() && !IsGap(cut.back())) cut.push_back(kLineGap);
+                cut.push_back(part->first);
+            }
+            cut.push_back(part->second);
+        }
+        isDown = IsIn(line[i], box);
+    }
+    return cut;
+}
+
+}  // namespace qel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "qellib10/graph/chart.h"
+#include "qellib10/platform/drawing/shape.h"
+
+namespace qel {
+
+/// Where a line ends and the next one starts.
+inline constexpr ShapePoint kLineGap = {std::numeric_limits<double>::quiet_NaN(),
+                                        std::numeric_limits<double>::quiet_NaN()};
+inline bool IsGap(const ShapePoint& place) { return std::isnan(place.x) || std::isnan(place.y); }
+
+/// Collects a line, reduced to what can be seen: of its points in a column of an eighth of a device unit the first, the
+/// last, the lowest and the highest.
+class LineReducer {
+public:
+    void Add(const ShapePoint& place);
+    std::vector<ShapePoint> Take();
+
+private:
+    void End();
+
+    std::vector<ShapePoint> m_line;
+    std::optional<double> m_column;
+    ShapePoint m_first, m_last, m_low, m_high;
+    bool m_isLowLater = false;
+};
+
+/// Keeps a line within coordinates that can be drawn: its parts far outside @p area are cut off.
+std::vector<ShapePoint> CutToArea(std::span<const ShapePoint> line, const ChartBox& area);
+
+}  // namespace qel

@@ -1,0 +1,171 @@
+#include "qellib10/graph/chart_scale.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+
+namespace qel {
+namespace {
+
+constexpr std::size_t kMostAxes = 8;
+
+// What the data of an axis reach.
+class Extent {
+public:
+    explicit Extent(bool isLogarithmic) : m_isLogarithmic(isLogarithmic) {}
+
+    void Add(double value) {
+        if (!std::isfinite(value) || (m_isLogarithmic && value <= 0)) return;
+        m_low = std::min(m_low, value);
+        m_high = std::max(m_high, value);
+    }
+    bool IsEmpty() const { return m_low > m_high; }
+    double Low() const { return m_low; }
+    double High() const { return m_high; }
+
+private:
+    bool m_isLogarithmic;
+    double m_low = std::numeric_limits<double>::infinity();
+    double m_high = -std::numeric_limits<double>::infinity();
+};
+
+double ErrorAt(const std::vector<double>& errors, std::size_t index) {
+    return index < errors.size() && errors[index] > 0 ? errors[index] : 0;
+}
+
+void AddWithErrors(Extent& extent, double value, const ChartErrors& errors, std::size_t index) {
+    extent.Add(value);
+    extent.Add(value - ErrorAt(errors.down, index));
+    extent.Add(value + ErrorAt(errors.up.empty() ? errors.down : errors.up, index));
+}
+
+// The smallest distance of neighbouring bars; 0 for one bar.
+double BarDistance(const std::vector<CGraphData>& points) {
+    std::vector<double> places;
+    for (const CGraphData& point : points)
+        if (std::isfinite(point.GetXData())) places.push_back(point.GetXData());
+    std::ranges::sort(places);
+    double distance = 0;
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        const double gap = places[i] - places[i - 1];
+        if (gap > 0 && (distance == 0 || gap < distance)) distance = gap;
+    }
+    return distance;
+}
+
+void AddSeries(Extent& extent, const Chart& chart, std::size_t index, bool isX) {
+    const ChartSeries& series = chart.series[index];
+    const bool hasBase = series.kind == ChartKind::kBars || series.kind == ChartKind::kArea || series.hasDrops;
+    if (!isX && hasBase) extent.Add(series.base);
+    const std::vector<double> below = isX ? std::vector<double>() : StackedBelow(chart, index);
+    const double half = isX && series.kind == ChartKind::kBars ? BarDistance(series.points) / 2 : 0;
+    for (std::size_t i = 0; i < series.points.size(); ++i) {
+        const CGraphData& point = series.points[i];
+        if (isX) {
+            AddWithErrors(extent, point.GetXData(), series.xErrors, i);
+            extent.Add(point.GetXData() - half);
+            extent.Add(point.GetXData() + half);
+            continue;
+        }
+        AddWithErrors(extent, point.GetYData() + (below.empty() ? 0 : below[i]), series.yErrors, i);
+        if (series.kind == ChartKind::kBand && i < series.lower.size()) extent.Add(series.lower[i]);
+    }
+}
+
+bool IsEnd(const std::optional<double>& end, bool isLogarithmic) {
+    return end && std::isfinite(*end) && (!isLogarithmic || *end > 0);
+}
+
+// Fixed ends, where they are sound.
+AxisRange WithFixedEnds(const ChartAxis& axis, AxisRange range) {
+    const bool isLogarithmic = axis.scale == ChartScale::kLogarithmic;
+    const AxisRange fixed{IsEnd(axis.low, isLogarithmic) ? *axis.low : range.low,
+                          IsEnd(axis.high, isLogarithmic) ? *axis.high : range.high};
+    if (fixed.low < fixed.high) return fixed;
+    // One end alone decides where the data are on its other side.
+    if (IsEnd(axis.low, isLogarithmic) != IsEnd(axis.high, isLogarithmic)) {
+        const double end = IsEnd(axis.low, isLogarithmic) ? *axis.low : *axis.high;
+        const AxisRange around = PaddedRange(end, end, axis.scale);
+        return IsEnd(axis.low, isLogarithmic) ? AxisRange{end, around.high} : AxisRange{around.low, end};
+    }
+    return range;
+}
+
+AxisRange RangeOf(const Chart& chart, std::size_t index) {
+    const ChartAxis& axis = chart.axes[index];
+    const bool isLogarithmic = axis.scale == ChartScale::kLogarithmic;
+    Extent extent(isLogarithmic);
+    bool hasSpace = !IsHorizontal(axis);  // lines start at a vertical axis
+    for (const ChartLimit& limit : chart.limits) {
+        if (limit.axis != index) continue;
+        extent.Add(limit.from);
+        if (limit.to) extent.Add(*limit.to);
+    }
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        const ChartSeries& series = chart.series[i];
+        if (!HasItsAxes(chart, series)) continue;
+        const bool isX = IsHorizontal(axis);
+        if ((isX ? series.xAxis : series.yAxis) != index) continue;
+        AddSeries(extent, chart, i, isX);
+        hasSpace = hasSpace || series.kind == ChartKind::kPoints || series.kind == ChartKind::kBars ||
+                   (series.mark != ChartMark::kAuto && series.mark != ChartMark::kNone);
+    }
+    if (axis.scale == ChartScale::kCategories) {
+        const double count = std::max<double>(1, static_cast<double>(axis.categories.size()));
+        return WithFixedEnds(axis, {-0.5, count - 0.5});
+    }
+    const double defaultLow = isLogarithmic ? 1 : 0, defaultHigh = isLogarithmic ? 10 : 1;
+    const double low = extent.IsEmpty() ? defaultLow : extent.Low();
+    const double high = extent.IsEmpty() ? defaultHigh : extent.High();
+    AxisRange range = PaddedRange(low, high, axis.scale);
+    if (!hasSpace && !isLogarithmic && low < high) range = {low, high};
+    // Where no value is below 0 the axis starts there, not below it.
+    if (axis.scale == ChartScale::kLinear && low >= 0 && range.low < 0 && low < high) range.low = 0;
+    const double start = high - axis.following;
+    if (axis.following > 0 && !axis.high && !extent.IsEmpty() && start < high && (!isLogarithmic || start > 0))
+        return {start, high};
+    return WithFixedEnds(axis, range);
+}
+
+}  // namespace
+
+std::size_t AxisCount(const Chart& chart) { return std::min(chart.axes.size(), kMostAxes); }
+
+bool HasItsAxes(const Chart& chart, std::size_t xAxis, std::size_t yAxis) {
+    const std::size_t count = AxisCount(chart);
+    return xAxis < count && yAxis < count && IsHorizontal(chart.axes[xAxis]) && !IsHorizontal(chart.axes[yAxis]);
+}
+
+std::vector<AxisRange> AxisRanges(const Chart& chart) {
+    std::vector<AxisRange> ranges;
+    for (std::size_t i = 0; i < AxisCount(chart); ++i) ranges.push_back(RangeOf(chart, i));
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        const auto& same = chart.axes[i].sameAs;
+        const bool isUsable = same && *same < ranges.size() && chart.axes[*same].scale == chart.axes[i].scale;
+        if (isUsable) ranges[i] = ranges[*same];
+    }
+    return ranges;
+}
+
+std::vector<double> StackedBelow(const Chart& chart, std::size_t index) {
+    const ChartSeries& series = chart.series[index];
+    if (series.kind != ChartKind::kBars || !series.isStacked) return {};
+    std::map<double, double> sums;  // by x
+    for (std::size_t i = 0; i < index; ++i) {
+        const ChartSeries& before = chart.series[i];
+        const bool isBelow = before.kind == ChartKind::kBars && before.isStacked && before.xAxis == series.xAxis &&
+                             before.yAxis == series.yAxis;
+        if (!isBelow) continue;
+        for (const CGraphData& point : before.points)
+            if (std::isfinite(point.GetXData()) && std::isfinite(point.GetYData()))
+                sums[point.GetXData()] += point.GetYData();
+    }
+    std::vector<double> below;
+    for (const CGraphData& point : series.points) {
+        const auto found = std::isnan(point.GetXData()) ? sums.end() : sums.find(point.GetXData());
+        below.push_back(found == sums.end() ? 0 : found->second);
+    }
+    return below;
+}
+
+}  // namespace qel

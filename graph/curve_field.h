@@ -1,0 +1,29 @@
+#pragma once
+
+#include <vector>
+
+#include "qellib10/graph/chart_curves.h"
+
+namespace qel {
+
+/// Which parts of the plot curves pass through, in cells of a few points: texts avoid them.
+class CurveField {
+public:
+    CurveField(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisLayout>& axes,
+               const ChartBox& plot);
+
+    /// How many cells of the box have a part of a curve.
+    int Hits(const ChartBox& box) const;
+
+private:
+    void Mark(const ShapePoint& at);
+    void MarkLine(const std::vector<ShapePoint>& line);
+    void MarkBox(const ChartBox& box);
+
+    ChartBox m_plot;
+    double m_cell;
+    int m_columns, m_rows;
+    std::vector<bool> m_marked;
+};
+
+}  // namespace qel

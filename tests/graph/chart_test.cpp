@@ -1,0 +1,223 @@
+#include "qellib10/graph/chart.h"
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "qellib10/platform/failure.h"
+#include "qellib10/print/queue_data.h"
+
+#include "../support/canvas.h"
+#include "../support/soak.h"
+#include "../support/temp_folder.h"
+#include "../support/test.h"
+
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+// A chart with everything that can be in one.
+qel::Chart WholeChart() {
+    qel::Chart chart;
+    chart.title = "Titration of vinegar";
+    chart.subtitle = "試料 7, 25 °C";
+    chart.axes[0].title = "Volume";
+    chart.axes[0].unit = "mL";
+    chart.axes[1].title = "pH";
+    chart.axes.push_back({.side = qel::ChartSide::kRight, .title = "Slope", .scale = qel::ChartScale::kLogarithmic});
+    qel::ChartSeries curve{.name = "pH"}, points{.name = "Readings", .kind = qel::ChartKind::kPoints};
+    qel::ChartSeries bars{.name = "Slope", .kind = qel::ChartKind::kBars, .yAxis = 2};
+    qel::ChartSeries band{.name = "u", .kind = qel::ChartKind::kBand};
+    for (int i = 0; i <= 60; ++i) {
+        const double x = i / 3.0, y = 7 + 4 * std::tanh((x - 12) / 2);
+        curve.points.push_back({x, i == 20 ? kNan : y});
+        if (i % 10 != 0) continue;
+        points.points.push_back({x, y + 0.2});
+        points.yErrors.down.push_back(0.4);
+        bars.points.push_back({x, std::exp(-std::fabs(x - 12))});
+        band.points.push_back({x, y + 0.5});
+        band.lower.push_back(y - 0.5);
+    }
+    chart.series = {band, bars, curve, points};
+    chart.limits = {{.from = 8, .to = 10, .label = "Indicator"}, {.axis = 0, .from = 12, .label = "Expected"}};
+    chart.notes = {{.x = 12, .y = 7, .text = "EP1 12.00 mL", .isFlag = true}, {.x = 4, .y = 3, .text = "Start"}};
+    return chart;
+}
+
+// What is wrong with the places of the texts.
+std::string FaultOf(const qel::ChartReport& report, const CRect& box) {
+    const qel::ChartBox outer{double(box.left) - 0.01, double(box.top) - 0.01, double(box.right) + 0.01,
+                              double(box.bottom) + 0.01};
+    for (std::size_t i = 0; i < report.texts.size(); ++i) {
+        const qel::ChartText& text = report.texts[i];
+        const bool isInside = text.box.left >= outer.left && text.box.top >= outer.top &&
+                              text.box.right <= outer.right && text.box.bottom <= outer.bottom;
+        if (!isInside) return "outside: " + text.text;
+        for (std::size_t other = 0; other < i; ++other)
+            if (text.box.Overlaps(report.texts[other].box)) return text.text + " over " + report.texts[other].text;
+    }
+    return {};
+}
+
+std::string Joined(const qel::ChartReport& report) {
+    std::string all;
+    for (const std::string& part : report.leftOut) all += (all.empty() ? "" : ", ") + part;
+    return all;
+}
+
+class RandomChart {
+public:
+    explicit RandomChart(unsigned seed) : m_random(seed) {}
+
+    int Number(int least, int most) { return std::uniform_int_distribution(least, most)(m_random); }
+    double Value() {
+        static constexpr double kOdd[] = {kNan, 0, -1, 1e300, -1e300, 1e-300, std::numeric_limits<double>::infinity()};
+        if (Number(0, 30) == 0) return kOdd[Number(0, 6)];
+        return std::ldexp(Number(-1000, 1000), m_exponent);
+    }
+    std::string Text() {
+        static constexpr const char* kParts[] = {"Volume", "滴定曲線の", " ", "µg/L", "W", "\xFF", "(", "0.1 mol"};
+        std::string text;
+        for (int i = Number(0, Number(0, 20) == 0 ? 80 : 5); i > 0; --i) text += kParts[Number(0, 7)];
+        return text;
+    }
+    qel::Chart Make() {
+        qel::Chart chart;
+        m_exponent = Number(-900, 900);
+        if (Number(0, 2) > 0) m_exponent = Number(-8, 4);
+        chart.title = Text();
+        chart.subtitle = Text();
+        chart.scale = Number(5, 20) / 10.0;
+        for (int i = Number(0, 6); i > 0; --i) chart.axes.emplace_back();
+        for (qel::ChartAxis& axis : chart.axes) {
+            if (chart.axes.size() > 2) axis.side = static_cast<qel::ChartSide>(Number(0, 3));
+            axis.title = Text();
+            axis.unit = Number(0, 1) == 0 ? "" : "mg/L";
+            axis.scale = static_cast<qel::ChartScale>(Number(0, 3));
+            axis.isReversed = Number(0, 4) == 0;
+            axis.exponent = static_cast<qel::ChartExponent>(Number(0, 2));
+            for (int i = Number(0, 5); i > 0; --i) axis.categories.push_back(Text());
+            if (Number(0, 4) == 0) axis.low = Value();
+            if (Number(0, 4) == 0) axis.high = Value();
+            if (Number(0, 9) == 0) axis.following = std::fabs(Value());
+            if (Number(0, 9) == 0) axis.sameAs = static_cast<std::size_t>(Number(0, 8));
+        }
+        for (int i = Number(0, 5); i > 0; --i) {
+            qel::ChartSeries series{.name = Text(), .kind = static_cast<qel::ChartKind>(Number(0, 5))};
+            series.xAxis = static_cast<std::size_t>(Number(0, 8) == 0 ? Number(0, 9) : 0);
+            series.yAxis = static_cast<std::size_t>(Number(0, 8) == 0 ? Number(0, 9) : 1);
+            series.isStacked = Number(0, 1) == 0;
+            series.hasErrorBand = Number(0, 1) == 0;
+            series.hasDrops = Number(0, 3) == 0;
+            series.mark = static_cast<qel::ChartMark>(Number(0, 13));
+            for (int point = Number(0, 30); point > 0; --point) series.points.push_back({Value(), Value()});
+            for (int error = Number(0, 5); error > 0; --error) series.yErrors.down.push_back(Value());
+            for (int low = Number(0, 40); low > 0; --low) series.lower.push_back(Value());
+            chart.series.push_back(series);
+        }
+        for (int i = Number(0, 3); i > 0; --i)
+            chart.limits.push_back({.axis = static_cast<std::size_t>(Number(0, 3)), .from = Value(), .label = Text()});
+        for (int i = Number(0, 3); i > 0; --i)
+            chart.notes.push_back({.x = Value(), .y = Value(), .text = Text(), .isFlag = Number(0, 1) == 0});
+        return chart;
+    }
+
+private:
+    std::mt19937 m_random;
+    int m_exponent = 0;
+};
+
+}  // namespace
+
+TEST(Chart, TextsNeverOverlapAndAreNeverCut) {
+    const int count = SoakCount(300);
+    for (int i = 0; i < count; ++i) {
+        RandomChart random(SoakSeed() * 1'000'003U + static_cast<unsigned>(i));
+        const qel::Chart chart = random.Make();
+        const int width = random.Number(40, random.Number(0, 9) == 0 ? 8000 : 900);
+        const int height = random.Number(30, random.Number(0, 9) == 0 ? 6000 : 700);
+        CQelPrintJobQueueData job;
+        const CRect box(CPoint(random.Number(-50, 50), 0), CSize(width, height));
+        const qel::ChartReport report = chart.Record(job, box);
+        EXPECT_EQ(FaultOf(report, box), "") << i << ": " << width << " x " << height;
+        EXPECT_TRUE(report.isDrawn);
+    }
+    Tried("charts", count);
+}
+
+TEST(Chart, HasThePixelsOfItsJob) {
+    const CRect box(0, 0, 500, 380);
+    for (const bool isSmooth : {true, false}) {
+        qel::Chart chart = WholeChart();
+        chart.isSmooth = isSmooth;
+        chart.scale = 0.93;
+        Canvas direct(500, 380), replayed(500, 380);
+        CQelPrintJobQueueData job;
+        const TempFolder folder;
+        EXPECT_EQ(Joined(chart.Draw(direct.dc, box)), Joined(chart.Record(job, box)));
+        ASSERT_EQ(job.SaveJobFile(folder.Path("chart.job")), 1);
+        CQelPrintJobQueueData again;
+        ASSERT_EQ(again.LoadJobFile(folder.Path("chart.job")), 1);
+        again.GetBlock().DrawCommand(&replayed.dc);
+        EXPECT_TRUE(direct.Pixels() == replayed.Pixels());
+    }
+}
+
+TEST(Chart, NamesWhatItLeftOut) {
+    qel::Chart chart = WholeChart();
+    chart.axes[0].title = "A title that is far too long for a chart of this width and is shortened";
+    chart.series.push_back({.name = "Nowhere", .yAxis = 7});
+    const auto leftOut = [&](int width, int height) {
+        Canvas canvas(width, height);
+        return Joined(chart.Draw(canvas.dc, CRect(0, 0, width, height)));
+    };
+    EXPECT_EQ(leftOut(700, 500), "series: Nowhere");
+    EXPECT_EQ(leftOut(40, 30),
+              "title, subtitle, titles of the axes, values of the axes, legend, series: Nowhere, limit: Indicator, "
+              "limit: Expected, note: EP1 12.00 mL, note: Start");
+    Canvas canvas(300, 300);
+    std::string shortened;
+    for (const qel::ChartText& text : chart.Draw(canvas.dc, CRect(0, 0, 300, 300)).texts)
+        if (text.text.starts_with("A title")) shortened = text.text;
+    EXPECT_TRUE(shortened.ends_with("…")) << shortened;
+}
+
+TEST(Chart, HasProportionsThatDoNotDependOnTheResolution) {
+    const qel::Chart chart = WholeChart();
+    CQelPrintJobQueueData coarse, fine;
+    coarse.GetPageStyle().SetDpi(96);
+    fine.GetPageStyle().SetDpi(600);
+    const qel::ChartReport small = chart.Record(coarse, CRect(0, 0, 576, 384));
+    const qel::ChartReport large = chart.Record(fine, CRect(0, 0, 3600, 2400));
+    ASSERT_EQ(small.texts.size(), large.texts.size());
+    for (std::size_t i = 0; i < small.texts.size(); ++i) {
+        EXPECT_EQ(small.texts[i].text, large.texts[i].text);
+        EXPECT_NEAR(small.texts[i].box.left, large.texts[i].box.left / 6.25, 2) << small.texts[i].text;
+        EXPECT_NEAR(small.texts[i].box.top, large.texts[i].box.top / 6.25, 2) << small.texts[i].text;
+    }
+}
+
+TEST(Chart, WritesTheSameBytesEachTime) {
+    const TempFolder folder;
+    const qel::Chart chart = WholeChart();
+    for (const char* name : {"a", "b"}) {
+        EXPECT_TRUE(chart.WritePng(folder.Path(std::string(name) + ".png").View(), CSize(500, 380), 144));
+        EXPECT_TRUE(chart.WriteSvg(folder.Path(std::string(name) + ".svg").View(), CSize(500, 380)));
+        EXPECT_TRUE(chart.WritePdf(folder.Path(std::string(name) + ".pdf").View(), CSize(160, 120)));
+    }
+    for (const char* kind : {".png", ".svg", ".pdf"})
+        EXPECT_TRUE(folder.Read(std::string("a") + kind) == folder.Read(std::string("b") + kind)) << kind;
+    EXPECT_NE(folder.Read("a.svg").find(">試料 7, 25 °C</text>"), std::string::npos);
+}
+
+TEST(Chart, IsNotWrittenWhereThatIsImpossible) {
+    const TempFolder folder;
+    const qel::Chart chart = WholeChart();
+    EXPECT_FALSE(chart.WritePng(folder.Path("no/a.png").View(), CSize(50, 38)));
+    EXPECT_EQ(qel::LastFailure().operation, "qel::Chart::WritePng");
+    EXPECT_FALSE(chart.WritePng(folder.Path("a.png").View(), CSize(0, 38)));
+    EXPECT_FALSE(chart.WriteSvg(folder.Path("a.svg").View(), CSize(50, 40'000)));
+    EXPECT_FALSE(chart.WritePdf(folder.Path("a.pdf").View(), CSize(0, 10)));
+    CDC none;
+    EXPECT_FALSE(chart.Draw(none, CRect(0, 0, 9, 9)).isDrawn);
+}
