@@ -82,28 +82,38 @@ Decimal RoundingRule::ToMultiple(const Decimal& value) const {
 
 RoundedValue RoundingRule::Round(const Decimal& value, const std::optional<Decimal>& uncertainty) const {
     RoundedValue result{value, Decimal::NotANumber()};
-    if (!value.IsFinite()) return result;
+    if (!value.IsFinite() || !IsValid()) return result;
     DecimalFlags flags;
     switch (m_to) {
         case To::kPlaces:
-            if (IsIn(m_count, -kMostPlaces, kMostPlaces)) result.rounded = RoundTo(value, -m_count, m_rounding, flags);
+            result.rounded = RoundTo(value, -m_count, m_rounding, flags);
             break;
         case To::kDigits:
-            if (value.IsZero() && m_count > 0)
-                result.rounded = Decimal(0);
-            else if (IsIn(m_count, 1, Decimal::kDigits))
-                result.rounded = ToDigits(value, m_count);
+            result.rounded = value.IsZero() ? Decimal(0) : ToDigits(value, m_count);
             break;
         case To::kMultiple:
-            if (m_step.IsFinite() && m_step > Decimal(0)) result.rounded = ToMultiple(value);
+            result.rounded = ToMultiple(value);
             break;
         case To::kUncertainty:
-            if (IsIn(m_count, 1, 2) && uncertainty && uncertainty->IsFinite() && *uncertainty > Decimal(0))
+            if (uncertainty && uncertainty->IsFinite() && *uncertainty > Decimal(0))
                 result.rounded = RoundTo(value, ToDigits(*uncertainty, m_count).Exponent(), m_rounding, flags);
             break;
     }
     if (result.rounded.IsZero()) result.rounded = result.rounded.Absolute();
     return result;
+}
+
+bool RoundingRule::IsValid() const {
+    switch (m_to) {
+        case To::kPlaces:
+            return IsIn(m_count, -kMostPlaces, kMostPlaces);
+        case To::kDigits:
+            return IsIn(m_count, 1, Decimal::kDigits);
+        case To::kMultiple:
+            return m_step.IsFinite() && m_step > Decimal(0);
+        default:
+            return IsIn(m_count, 1, 2);
+    }
 }
 
 std::optional<int> RoundingRule::UncertaintyDigits() const {
@@ -133,6 +143,7 @@ std::string RoundingRule::Name() const {
 }
 
 std::optional<RoundingRule> RoundingRule::OfName(std::string_view name) {
+    const auto valid = [](const RoundingRule& rule) { return rule.IsValid() ? std::optional(rule) : std::nullopt; };
     constexpr std::string_view kMultiples = "multiples of ";
     for (const NamedRounding& each : kRoundings) {
         if (!name.starts_with(each.name) || !name.substr(each.name.size()).starts_with(", ")) continue;
@@ -140,12 +151,12 @@ std::optional<RoundingRule> RoundingRule::OfName(std::string_view name) {
         const auto counted = [&](std::string_view end, To to) -> std::optional<RoundingRule> {
             const std::optional<std::string_view> number = Before(rest, end);
             const std::optional<int> count = number ? NumberIn(*number) : std::nullopt;
-            return count ? std::optional(RoundingRule(each.rounding, to, *count)) : std::nullopt;
+            return count ? valid({each.rounding, to, *count}) : std::nullopt;
         };
         if (rest.starts_with(kMultiples)) {
             DecimalFlags flags;
             const Decimal step = Decimal::OfText(rest.substr(kMultiples.size()), flags);
-            return step.IsFinite() ? std::optional(ToMultiple(each.rounding, step)) : std::nullopt;
+            return valid(ToMultiple(each.rounding, step));
         }
         for (const auto& [end, to] : {std::pair{" decimal places", To::kPlaces},
                                       {" significant digits", To::kDigits},

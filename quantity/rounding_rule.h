@@ -52,7 +52,11 @@ public:
     /// The same rule with another way of rounding.
     RoundingRule With(DecimalRounding rounding) const;
 
-    /// "half even, 2 decimal places". OfName reads it, for rules that are kept in a file.
+    /// Whether its argument is in its range. Round gives NaN where it is not.
+    bool IsValid() const;
+
+    /// "half even, 2 decimal places". OfName reads it, for rules that are kept in a file; nothing where the name is
+    /// unknown or its number is out of range.
     std::string Name() const;
     static std::optional<RoundingRule> OfName(std::string_view name);
 

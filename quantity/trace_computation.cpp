@@ -69,6 +69,7 @@ bool TraceComputation::Check() {
         return refuse("", "there are more than 300 other formulas");
     if (calculation.inputs.size() > Calculation::kMostInputs) return refuse("", "there are more than 10,000 inputs");
     if (!IsText(calculation)) return refuse("", "a text is not UTF-8");
+    if (calculation.rule && !calculation.rule->IsValid()) return refuse("", "the rule of rounding is not valid");
     FormulaScope seen;
     for (const CalculationInput& input : m_trace.m_calculation.inputs) {
         const std::size_t before = seen.Count();

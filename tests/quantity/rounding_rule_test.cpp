@@ -63,8 +63,11 @@ TEST(RoundingRule, HasANameThatIsReadAgain) {
                                      RoundingRule::ToMultiple(DecimalRounding::kAwayFromZero, Of("0.050")),
                                      RoundingRule::ToUncertainty(DecimalRounding::kHalfAwayFromZero, 2)})
         EXPECT_EQ(RoundingRule::OfName(rule.Name()), rule) << rule.Name();
-    for (const char* name : {"", "half even", "half even, 2", "half even, 2 decimal placesx",
-                             "half even, x decimal places", "half even, multiples of x", "half odd, 2 decimal places"})
+    for (const char* name :
+         {"", "half even", "half even, 2", "half even, 2 decimal placesx", "half even, x decimal places",
+          "half even, multiples of x", "half odd, 2 decimal places", "half even, 6001 decimal places",
+          "half even, 99 significant digits", "half even, 0 significant digits", "half even, multiples of 0",
+          "half even, multiples of -1", "half even, 3 digits of the uncertainty"})
         EXPECT_FALSE(RoundingRule::OfName(name)) << name;
 }
 
