@@ -54,7 +54,7 @@ struct AxisSpace {
 /// @name Ticks of a range
 /// The closest ticks whose texts, each centred on its tick, do not overlap. There are at least two with a text where
 /// two texts have space: if only one round number is left, the first and the last number of a smaller step have one.
-/// @param low, high finite, low < high
+/// Ends of ranges are finite, and low < high.
 /// @{
 
 /// At steps of 1, 2, 2.5 or 5 and zeros. 2.5 with a decimal more is taken where 5 leaves less than four texts. An

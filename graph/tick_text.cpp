@@ -38,7 +38,7 @@ DecimalDigits RoundedDigits(double magnitude, int place) {
     std::string digits = FixedText(magnitude, place > 0 ? kMostDecimals : -place);
     std::erase(digits, '.');
     if (place > 0) {
-        const std::size_t cut = static_cast<std::size_t>(kMostDecimals + place);
+        const std::size_t cut = static_cast<std::size_t>(kMostDecimals) + static_cast<std::size_t>(place);
         if (digits.size() < cut) digits.insert(0, cut - digits.size(), '0');
         const bool isUp = digits[digits.size() - cut] >= '5';
         digits.resize(digits.size() - cut);

@@ -169,6 +169,7 @@ TEST(AxisTicks, OfNumbersAreRoundAndHaveTheDigitsOfTheirStep) {
          Cases<double, double, ChartExponent, qel::AxisSpace, const char*>{
              {0, 1, kPower, Across(300), "0.0 0.1 0.2 0.3 0.4 0.5 0.6 0.7 0.8 0.9 1.0 +40"},
              {0, 10, kPower, Across(60), "0 5 10 +8"},
+             {0.07, 0.1, kPower, Up(65), "0.07 0.08 0.09 0.10"},  // 0.07 / 0.01 is more than 7
              {-0.5, 0.5, kPower, Up(100), "\u22120.4 \u22120.2 0.0 0.2 0.4"},
              {0, 1.05e6, kPower, Across(60), "0.0 0.5 1.0 +8 | \u00D710\u2076"},
              {0, 1.05e6, kPower, Up(100), "0.00 0.25 0.50 0.75 1.00 | \u00D710\u2076"},  // 0.5 would be three only
@@ -226,6 +227,7 @@ TEST(AxisTicks, OfTimesAreRoundOnTheClock) {
              {day, 1000 * 86400, kLocal, 100, "2027 2028 2029 +8"},
              {At(1, 1, 1), 3.155e11, kLocal, 100, "2000 8000 +2"},
              {-1e300, 2e300, kLocal, 500, "5000"},
+             {At(2026, 3, 28), 3 * 86400, kLocal, 150, "03-29 03-30 03-31 +9 | 2026 CET/CEST"},
              {At(2026, 3, 29), 14400, kLocal, 200, "01:00 03:00 04:00 05:00 06:00 +12 | 2026-03-29 CET/CEST"},
              {At(2026, 10, 24, 79200), 18000, kLocal, 250, "00:00 01:00 02:00 03:00 04:00 +12 | 2026-10-25 CEST/CET"},
              {At(2026, 10, 25, 3600), 3600, kLocal, 100, "02:00 02:30 03:00 +4 | 2026-10-25 CET"},  // the second time
@@ -251,6 +253,16 @@ TEST(AxisTicks, OfCategoriesLeaveOutNamesEvenly) {
              {{}, -0.5, 0.5, 100, ""},
          })
         EXPECT_EQ(Show(qel::CategoryTicks(from, low, high, Across(length))), expected) << low << ' ' << length;
+}
+
+TEST(AxisTicks, AreNeverMoreThan1000) {
+    const qel::AxisSpace space{1e9, [](std::string_view) { return 0.0; }, 0};
+    for (const double high : {1.0, 1.001, 1.5, 2.0, 3.0, 9.0, 99.0, 1e9, 1e12, 1e300})
+        for (const auto scale : {ChartScale::kLinear, ChartScale::kLogarithmic, ChartScale::kTime}) {
+            const Axis axis{scale, 0.999, high, ChartExponent::kNone, ChartClock::kUtc, space.length};
+            EXPECT_LE(TicksOf(axis, space).ticks.size(), 1000U) << high;
+        }
+    EXPECT_LE(qel::CategoryTicks(std::vector<std::string>(2500, "x"), 0, 2500, space).ticks.size(), 1000U);
 }
 
 TEST(AxisTicks, OfAnyRangeAreTrueAndDoNotOverlap) {
