@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "qellib10/platform/text/printable_text.h"
+#include "qellib10/quantity/formula_constants.h"
 #include "qellib10/quantity/trace.h"
 #include "qellib10/quantity/trace_phrases.h"
 #include "qellib10/quantity/trace_words.h"
@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kFiguresOfUncertainty = 3;
 constexpr int kFiguresOfSensitivity = 5;
+constexpr int kFiguresOfDouble = 15;
 
 std::string Short(double value, int figures) {
     std::array<char, 40> text;
@@ -28,6 +29,7 @@ public:
     std::vector<TraceTable> All() {
         AddResult();
         AddInputs();
+        AddCorrelations();
         for (const TracePart& part : m_trace.Parts()) AddSteps(part);
         AddRounding();
         for (const TracePart& part : m_trace.Parts())
@@ -66,7 +68,9 @@ private:
             {Word(TraceWord::kFormula), request.result.name + " = " + request.result.formula +
                                             (request.isKept ? " (" + Word(TraceWord::kOlderGrammar) + ')' : "")});
         for (const CalculationFormula& helper : request.helpers)
-            rows.push_back({Word(TraceWord::kHelper), helper.name + " = " + helper.formula});
+            rows.push_back({Word(TraceWord::kHelper),
+                            helper.name + " = " + helper.formula +
+                                (helper.unit.empty() ? "" : " (" + Word(TraceWord::kUnit) + ": " + helper.unit + ')')});
         if (request.substitution != LimitSubstitution::kNone)
             rows.push_back({Word(TraceWord::kSubstitution), Phrase(NameOf(request.substitution))});
         rows.push_back({Word(TraceWord::kEngine), m_trace.Engine()});
@@ -90,6 +94,23 @@ private:
         }
     }
 
+    void AddCorrelations() {
+        const Calculation& request = m_trace.Request();
+        if (request.uncertainty.correlations.empty()) return;
+        TraceTable& table =
+            Add(TraceWord::kCorrelations, "", {TraceWord::kName, TraceWord::kName, TraceWord::kCoefficient});
+        const auto nameOf = [&](std::size_t input) {
+            return input < request.inputs.size() ? request.inputs[input].name : std::to_string(input);
+        };
+        for (const InputCorrelation& each : request.uncertainty.correlations)
+            table.rows.push_back({nameOf(each.first), nameOf(each.second), Short(each.coefficient, kFiguresOfDouble)});
+    }
+
+    std::string RemarkOf(const DecimalFlags& flags) const {
+        if (flags.isTooSmall) return Word(TraceWord::kTooSmall);
+        return flags.isInexact ? Word(TraceWord::kInexact) : std::string();
+    }
+
     void AddSteps(const TracePart& part) {
         TraceTable& table =
             Add(TraceWord::kSteps, part.name,
@@ -97,8 +118,7 @@ private:
         for (const ExactStep& step : part.steps)
             table.rows.push_back({std::to_string(table.rows.size() + 1),
                                   part.formula.substr(step.position, step.length), Phrase(step.operation),
-                                  Phrase(step.result),
-                                  step.flags.isInexact ? Word(TraceWord::kInexact) : std::string()});
+                                  Phrase(step.result), RemarkOf(step.flags)});
     }
 
     void AddRounding() {
@@ -109,10 +129,26 @@ private:
         table.rows.push_back(
             {Word(TraceWord::kRule), (rule ? Phrase(rule->Name()) : Word(TraceWord::kNoRounding)) +
                                          (rule && result.IsLimit() ? Word(TraceWord::kLimitRounding) : "")});
-        table.rows.push_back({Word(TraceWord::kUnrounded), Phrase(result.Text())});
+        const std::string unit = result.IsNumberOrLimit() ? UnitOf(*m_trace.Result()) : "";
+        table.rows.push_back({Word(TraceWord::kUnrounded), Phrase(result.Text()) + unit});
         if (!m_trace.Rounded()) return;
         result.value = m_trace.Rounded()->rounded;
-        table.rows.push_back({Word(TraceWord::kRounded), result.PlainText()});
+        table.rows.push_back({Word(TraceWord::kRounded), result.PlainText() + unit});
+    }
+
+    // Of a value, after a blank.
+    static std::string AfterBlank(const std::string& unit) { return unit.empty() ? "" : ' ' + unit; }
+    static std::string UnitOf(const TracePart& part) { return AfterBlank(part.unit); }
+    // Of an input, another formula or a constant.
+    std::string UnitOf(const std::string& name) const {
+        const auto& inputs = m_trace.Request().inputs;
+        const auto input = std::ranges::find(inputs, name, &CalculationInput::name);
+        if (input != inputs.end()) return AfterBlank(input->unit);
+        const auto part = std::ranges::find(m_trace.Parts(), name, &TracePart::name);
+        if (part != m_trace.Parts().end()) return UnitOf(*part);
+        for (const FormulaConstant& constant : FormulaConstants())
+            if (name == "const." + std::string(constant.name)) return AfterBlank(std::string(constant.unit));
+        return {};
     }
 
     std::string Freedom(const std::optional<double>& value) const {
@@ -126,13 +162,16 @@ private:
             Add(TraceWord::kBudget, part.name,
                 {TraceWord::kName, TraceWord::kSource, TraceWord::kValue, TraceWord::kStandardUncertainty,
                  TraceWord::kDegreesOfFreedom, TraceWord::kSensitivity, TraceWord::kContribution, TraceWord::kShare});
-        for (const UncertaintyRow& row : budget.rows)
-            table.rows.push_back(
-                {row.name, row.source, Short(row.value, 10), Short(row.uncertainty, kFiguresOfUncertainty),
-                 Freedom(row.degreesOfFreedom), Short(row.sensitivity, kFiguresOfSensitivity),
-                 Short(row.contribution, kFiguresOfUncertainty), Short(100.0 * row.share + 0.0, 3) + " %"});
+        const std::string unit = UnitOf(part);
+        for (const UncertaintyRow& row : budget.rows) {
+            const std::string itsUnit = UnitOf(row.name);
+            table.rows.push_back({row.name, row.source, Short(row.value, 10) + itsUnit,
+                                  Short(row.uncertainty, kFiguresOfUncertainty) + itsUnit,
+                                  Freedom(row.degreesOfFreedom), Short(row.sensitivity, kFiguresOfSensitivity),
+                                  Short(row.contribution, kFiguresOfUncertainty) + unit,
+                                  Short(100.0 * row.share + 0.0, 3) + " %"});
+        }
         TraceTable& sum = Add(TraceWord::kExpanded, part.name, {});
-        const std::string unit = part.unit.empty() ? "" : ' ' + part.unit;
         sum.rows.push_back({Word(TraceWord::kCombined), Short(budget.uncertainty, kFiguresOfUncertainty) + unit});
         sum.rows.push_back({Word(TraceWord::kDegreesOfFreedom), Freedom(budget.degreesOfFreedom)});
         const std::string probability =
@@ -146,11 +185,20 @@ private:
     void AddTrials() {
         if (!m_trace.Trials()) return;
         const MonteCarloResult& trials = *m_trace.Trials();
+        const std::string unit = UnitOf(*m_trace.Result());
+        const auto ends = [&](const CoverageInterval& interval) {
+            return Short(interval.low, 10) + " .. " + Short(interval.high, 10) + unit;
+        };
+        const std::string probability = Short(100.0 * trials.coverageProbability, 4) + " %";
         TraceTable& table = Add(TraceWord::kTrials, "", {});
-        table.rows.push_back({Word(TraceWord::kValue), Short(trials.mean, 10)});
-        table.rows.push_back({Word(TraceWord::kStandardUncertainty), Short(trials.uncertainty, kFiguresOfUncertainty)});
-        table.rows.push_back({Short(100.0 * trials.coverageProbability, 4) + " %",
-                              Short(trials.symmetric.low, 10) + " .. " + Short(trials.symmetric.high, 10)});
+        table.rows.push_back({Word(TraceWord::kNumberOfTrials), std::to_string(trials.trials + trials.failed)});
+        if (trials.failed > 0) table.rows.push_back({Word(TraceWord::kFailedTrials), std::to_string(trials.failed)});
+        table.rows.push_back({Word(TraceWord::kSeed), std::to_string(m_trace.Request().seed)});
+        table.rows.push_back({Word(TraceWord::kValue), Short(trials.mean, 10) + unit});
+        table.rows.push_back(
+            {Word(TraceWord::kStandardUncertainty), Short(trials.uncertainty, kFiguresOfUncertainty) + unit});
+        table.rows.push_back({probability, ends(trials.symmetric)});
+        table.rows.push_back({probability + " (" + Word(TraceWord::kShortest) + ')', ends(trials.shortest)});
         if (m_trace.FirstOrder() && !m_trace.FirstOrder()->isStable)
             table.rows.push_back({Word(TraceWord::kRemark), Word(TraceWord::kMoreTrials)});
         if (m_trace.FirstOrder())
@@ -162,8 +210,7 @@ private:
         const std::optional<ResultLimits>& limits = m_trace.Request().limits;
         if (!limits || !m_trace.Decision()) return;
         const ResultDecision& decision = *m_trace.Decision();
-        const std::string& itsUnit = m_trace.Result()->unit;
-        const std::string unit = itsUnit.empty() ? "" : ' ' + itsUnit;
+        const std::string unit = UnitOf(*m_trace.Result());
         TraceTable& table = Add(TraceWord::kLimits, "", {});
         if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), limits->lower->PlainText() + unit});
         if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), limits->upper->PlainText() + unit});
@@ -189,52 +236,8 @@ private:
     std::vector<TraceTable> m_tables;
 };
 
-// Columns of a text in a font of equal widths: East Asian characters have two.
-std::size_t WidthOf(std::string_view utf8) {
-    std::size_t width = 0;
-    for (const char character : utf8) {
-        const auto byte = static_cast<unsigned char>(character);
-        if ((byte & 0xC0U) == 0x80U) continue;
-        width += byte >= 0xE3 && byte < 0xEF ? 2 : 1;  // from U+3000 on
-    }
-    return width;
-}
-
-// A formula may have lines of its own.
-std::string OnOneLine(std::string text) {
-    std::ranges::replace_if(
-        text, [](char c) { return c == '\n' || c == '\r' || c == '\t'; }, ' ');
-    return PrintableText(text);
-}
-
-std::string Lines(const TraceTable& table) {
-    std::vector<std::vector<std::string>> rows = table.rows;
-    if (!table.columns.empty()) rows.insert(rows.begin(), table.columns);
-    for (auto& row : rows)
-        for (std::string& cell : row) cell = OnOneLine(cell);
-    std::vector<std::size_t> widths;
-    for (const auto& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
-        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
-    }
-    std::string text = OnOneLine(table.title) + '\n';
-    for (const auto& row : rows) {
-        std::string line = " ";
-        for (std::size_t i = 0; i < row.size(); ++i)
-            line += ' ' + row[i] + std::string(widths[i] - WidthOf(row[i]) + 1, ' ');
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
-    }
-    return text;
-}
-
 }  // namespace
 
 std::vector<TraceTable> Trace::Tables(TraceLanguage language) const { return qel::Tables(*this, language).All(); }
-
-std::string Trace::Text(TraceLanguage language) const {
-    std::string text;
-    for (const TraceTable& table : Tables(language)) text += (text.empty() ? "" : "\n") + Lines(table);
-    return text;
-}
 
 }  // namespace qel

@@ -65,6 +65,13 @@ enum class TraceWord {
     kEnough,
     kNotEnough,
     kMoreTrials,
+    kNumberOfTrials,
+    kFailedTrials,
+    kSeed,
+    kShortest,
+    kCorrelations,
+    kCoefficient,
+    kTooSmall,
 };
 
 std::string_view TextOf(TraceWord word, TraceLanguage language);

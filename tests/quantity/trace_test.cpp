@@ -416,6 +416,22 @@ TEST(Trace, IsReadInEnglishAndJapanese) {
         EXPECT_NE(japanese.find(text), std::string::npos) << text << "\n" << japanese;
 }
 
+TEST(Trace, ShowsCorrelationsTrialsAndUnits) {
+    Calculation calculation;
+    calculation.result = {"X", "A + B", ""};
+    calculation.inputs = {*qel::CalculationInput::Of("A", "5 mg", {*UncertaintyComponent::Standard(1.5)}),
+                          *qel::CalculationInput::Of("B", "6 mg", {*UncertaintyComponent::Standard(0.25)})};
+    calculation.trials = 10'000;
+    calculation.seed = 77;
+    std::string text = Trace::Of(calculation).Text(qel::TraceLanguage::kEnglish);
+    calculation.uncertainty.coverageFactor = 2.0;
+    calculation.uncertainty.correlations = {{0, 1, -0.125}};
+    text += Trace::Of(calculation).Text(qel::TraceLanguage::kEnglish);
+    for (const char* shown : {"Trials  ", "10000\n", "Seed", "77\n", "95.45 % (shortest interval)", "1.5 mg", "0.25 mg",
+                              "Before  11 mg", "Correlation coefficients\n", "A     B     -0.125\n"})
+        EXPECT_NE(text.find(shown), std::string::npos) << shown << "\n" << text;
+}
+
 // Whatever a trace takes from elsewhere has a translation; names of inputs stay, also where they are words.
 TEST(Trace, NoRuleAndNoOperationStaysEnglish) {
     using Rounding = qel::DecimalRounding;
