@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory_resource>
+#include <vector>
 
 #include "qellib10/platform/statistics/student.h"
 #include "qellib10/quantity/formula_access.h"
@@ -122,6 +123,38 @@ bool ReachesBend(FormulaGradient& gradient, const UncertaintySources& sources, d
     });
 }
 
+// The standard uncertainties of the inputs that have no part in the result to first order, by slot; empty without any.
+std::vector<double> WithoutPart(const UncertaintySources& sources, std::span<const double> partials) {
+    std::vector<double> uncertainties;
+    for (const auto& [source, slot, uncertainty] : sources.Shares()) {
+        if (partials[slot] != 0.0 || uncertainty == 0.0) continue;
+        uncertainties.resize(partials.size());
+        uncertainties[slot] = std::hypot(uncertainties[slot], uncertainty);
+    }
+    return uncertainties;
+}
+
+// Whether one of them has a considerable part beside the values, as x has in x * x at 0. Each value is moved by another
+// part of its uncertainty, so that no difference of two stays what it is.
+bool HasPartBeside(FormulaGradient& gradient, const UncertaintySources& sources, std::span<const double> withoutPart,
+                   double combined) {
+    constexpr double kConsiderable = 0.3;  // of the combined uncertainty, which is then 4 % larger
+    if (withoutPart.empty()) return false;
+    std::vector<double> uncertainties(withoutPart.size()), values(sources.Values().begin(), sources.Values().end());
+    for (const auto& [source, slot, uncertainty] : sources.Shares())
+        uncertainties[slot] = std::hypot(uncertainties[slot], uncertainty);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] += uncertainties[i] * (1.0 - 0.5 * static_cast<double>(i) / static_cast<double>(values.size()));
+    try {
+        gradient.Evaluate(values, sources.IsUncertain());
+    } catch (const FormulaError&) {
+        return true;  // there is no derivative, so that nobody knows its part
+    }
+    for (std::size_t i = 0; i < values.size(); ++i)
+        if (std::abs(gradient.Partials()[i] * withoutPart[i]) > kConsiderable * combined) return true;
+    return false;
+}
+
 UncertaintyBudget Budget(const FormulaProgram& program, std::span<const UncertainInput> inputs,
                          const UncertaintyOptions& options) {
     if (program.isTruth) throw FormulaError{Kind::kType, 0, 0, "a number", {}, {}};
@@ -139,7 +172,10 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
     Expand(budget, options);
     if (!std::isfinite(budget.expandedUncertainty)) throw FormulaError{Kind::kTooLarge, 0, 0, {}, {}, {}};
     if (options.withRows) AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
-    budget.isAtKink = ReachesBend(gradient, sources, budget.coverageFactor);  // last: it changes the derivatives
+    // Last: this changes the derivatives.
+    const std::vector<double> withoutPart = WithoutPart(sources, gradient.Partials());
+    budget.isAtKink = ReachesBend(gradient, sources, budget.coverageFactor) ||
+                      HasPartBeside(gradient, sources, withoutPart, budget.uncertainty);
     return budget;
 }
 

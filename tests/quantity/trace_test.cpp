@@ -117,6 +117,7 @@ TEST(Trace, RemarksWhereAnUncertaintyMeansLittle) {
     EXPECT_EQ(answer("if(A > 0.3, 1, 2)", "H", "0.4"), "1 ± 0 (k = 2)" + branch);
     EXPECT_EQ(answer("1", "if(A > 0.3, 1, H + 1)", "0.4"), "1 ± 0 (k = 2)" + branch);
     EXPECT_EQ(answer("if(A > 0.3, 1, 2)", "H", "0.6"), "1 ± 0 (k = 2)");
+    EXPECT_EQ(answer("A * A", "H", "0"), "0 ± 0 (k = 2)" + branch);
     EXPECT_EQ(answer("1E-400", "A * H", "2"), "2E-400; no uncertainty of X: H is below 1E-308");
     EXPECT_EQ(answer("1E-400", "round(A + H, 1)", "2"), "2.0 ± 0.20 (k = 2)");
 }

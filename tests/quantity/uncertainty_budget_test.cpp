@@ -153,6 +153,14 @@ TEST(UncertaintyBudget, ABendWithinTheUncertaintyIsSeen) {
              {"max(A, E)", false},
              {"abs(A - 0.5)", true},
              {"abs(A)", false},
+             {"Z * Z", true},
+             {"Z - Z", false},
+             {"A + Z * Z", true},
+             {"100 * A + Z * Z", false},
+             {"A * Z", false},
+             {"(A - A + Z - Z) * B", false},
+             {"(B - A - 0.5) ^ 2", true},
+             {"(E - 2) * A", false},
          }) {
         qel::FormulaError error;
         const auto budget = qel::PropagateUncertainty(inputs.Parsed(formula), inputs.inputs, {}, error);
