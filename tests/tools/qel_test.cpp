@@ -261,6 +261,8 @@ TEST(Qel, CalcChecksAndComputes) {
              {"1+1 --steps", "2 qel: --steps requires --exact or --trace"},
              {"--exact A A=1 --digits 2", "2 qel: --digits excludes --exact"},
              {"--exact A A=1 --unrounded", "2 qel: --unrounded requires --lower or --upper"},
+             {"--exact A 'A=1;u=1' --coverage nan", "2 qel: --coverage: a probability is between 0 and 1"},
+             {"--exact A 'A=1;u=1' --k inf", "2 qel: --k: a coverage factor is a number above 0"},
              {"--exact A A=1 --coverage 0.9", "2 qel: --coverage: no value has an uncertainty"},
              {"--trace list.var", "3 qel: list.var: "},
          })

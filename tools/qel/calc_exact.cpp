@@ -1,6 +1,7 @@
 #include "calc_exact.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <thread>
 
@@ -209,6 +210,10 @@ void ExactCalculation::Run(const std::string& formula, const std::string& archiv
         }
         calculation.trials = trials;
         calculation.seed = seed;
+        if (!(probability > 0.0 && probability < 1.0))
+            throw CLI::ValidationError("--coverage: a probability is between 0 and 1");
+        if (factor && !(*factor > 0.0 && std::isfinite(*factor)))
+            throw CLI::ValidationError("--k: a coverage factor is a number above 0");
         calculation.uncertainty.coverageProbability = probability;
         calculation.uncertainty.coverageFactor = factor;
         for (const std::string& correlation : correlations)
