@@ -305,6 +305,11 @@ void TraceComputation::Round() {
     if (rule && part.result->IsNumberOrLimit() && !m_trace.m_rounded)
         m_trace.m_remarks.push_back(
             "not rounded: the rule needs more than 34 digits, or an uncertainty that is not there");
+    const auto hasRounded = [](const TracePart& each) {
+        return std::ranges::any_of(each.steps, [](const ExactStep& step) { return step.operation == "round"; });
+    };
+    if (m_trace.m_rounded && m_trace.m_rounded->IsChanged() && std::ranges::any_of(m_trace.m_parts, hasRounded))
+        m_trace.m_remarks.push_back("rounded twice: within a formula, and by the rule");
     if (expanded) m_trace.m_roundedUncertainty = RoundedUncertainty(*expanded);
 }
 

@@ -122,6 +122,18 @@ TEST(Trace, RemarksWhereAnUncertaintyMeansLittle) {
     EXPECT_EQ(answer("1E-400", "round(A + H, 1)", "2"), "2.0 ± 0.20 (k = 2)");
 }
 
+TEST(Trace, RemarksWhereItIsRoundedTwice) {
+    Calculation calculation;
+    calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfAwayFromZero, 1);
+    calculation.inputs = {Input("A", "2.4495")};
+    for (const auto& [formula, expected] :
+         Cases<const char*, const char*>{{"A", "2.4 0"}, {"round(A, 2)", "2.5 1"}, {"round(A, 1)", "2.4 0"}}) {
+        calculation.result = {"X", formula, ""};
+        const Trace trace = Trace::Of(calculation);
+        EXPECT_EQ(Line({trace.ResultText(), trace.Remarks().size()}), expected) << formula;
+    }
+}
+
 TEST(Trace, FaultsNameTheFormulaAndThePlace) {
     const auto faultOf = [](auto change) {
         Calculation calculation = Acid();
