@@ -11,6 +11,7 @@ struct Row {
     std::string_view theirs;
     std::string_view definition{};  // where it has other digits
     bool isExact = true;
+    std::string_view divisor = "1";  // of the definition, where their quotient has no end
 };
 
 // clang-format off
@@ -98,10 +99,12 @@ constexpr Row kRows[] = {
     {"6.02214179", "6.02214076"},  // Avogadro constant, molecule
     {"9.648531", "9.64853321233100184"},  // faraday
 
+    {"6.89475729316836", "44.482216152605", true, "6.4516"},  // psi: pound-force per square inch
+    {"1.45939", "4.4482216152605", true, "3.048"},  // slug: pound-force per foot per second squared
+
     // Measured, or without an end.
     {"1.6605402", "1.66053906660", false},  // unified atomic mass unit: CODATA 2018
     {"3.085678", "3.085677581491367279", false},  // parsec: 648000/pi astronomical units
-    {"1.45939", "1.459390293720636483", false},  // slug: has no end
 };
 // clang-format on
 
@@ -117,7 +120,7 @@ std::optional<LibraryFactor> DefinedFactor(const Decimal& factor) {
         std::ranges::find_if(kRows, [&](const Row& each) { return Decimal::OfText(each.theirs, flags) == digits; });
     if (row == std::end(kRows)) return {};
     const Decimal value = Decimal::OfText(row->definition.empty() ? row->theirs : row->definition, flags);
-    return LibraryFactor{Multiply(value, power, flags).Reduced(), row->isExact};
+    return LibraryFactor{Multiply(value, power, flags).Reduced(), Decimal::OfText(row->divisor, flags), row->isExact};
 }
 
 }  // namespace qel

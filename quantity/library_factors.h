@@ -10,7 +10,8 @@ namespace qel {
 /// measured ones of 1986, and nothing in them says which are definitions.
 struct LibraryFactor {
     Decimal value;
-    bool isExact = true;  ///< by definition, so that no digit is missing
+    Decimal divisor = Decimal(1);  ///< of value, where the quotient has no end
+    bool isExact = true;           ///< by definition, so that no digit is missing
 };
 
 /// @param factor of udunits2, of at most 15 digits; prefixes do not matter, since digits are compared

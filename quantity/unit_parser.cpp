@@ -346,8 +346,10 @@ Unit UnitParser::OfLibrary(std::string_view name) {
     }
     if (const auto factor = DefinedFactor(WithoutNoise(found.scale))) {
         value->numerator = factor->value;
+        value->denominator = factor->divisor;
         value->isExact = factor->isExact;
     } else if (const auto divisor = DefinedFactor(WithoutNoise(1.0 / found.scale))) {
+        value->numerator = divisor->divisor;
         value->denominator = divisor->value;
         value->isExact = divisor->isExact;
     } else {
