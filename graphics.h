@@ -1,6 +1,7 @@
 #pragma once
 
 // The public headers of the component graphics: drawing, printing, print jobs and graphs.
+#include "qellib10/graph/axis_places.h"
 #include "qellib10/graph/axis_steps.h"
 #include "qellib10/graph/axis_style.h"
 #include "qellib10/graph/axis_ticks.h"
@@ -8,6 +9,7 @@
 #include "qellib10/graph/bar_graph_style.h"
 #include "qellib10/graph/chart.h"
 #include "qellib10/graph/chart_data.h"
+#include "qellib10/graph/chart_navigator.h"
 #include "qellib10/graph/chart_theme.h"
 #include "qellib10/graph/graph_data.h"
 #include "qellib10/graph/graph_data_ctrl.h"

@@ -25,6 +25,7 @@ ChartReport ReportOf(const ChartLayout& layout) {
     report.isDrawn = true;
     report.plot = layout.plot;
     report.leftOut = layout.leftOut;
+    for (const AxisLayout& axis : layout.axes) report.axes.push_back(axis.places);
     const auto add = [&](const PlacedLabel& label) { report.texts.push_back({label.box, label.text}); };
     for (const PlacedLabel& title : layout.titles) add(title);
     for (const AxisLayout& axis : layout.axes) {
@@ -38,9 +39,9 @@ ChartReport ReportOf(const ChartLayout& layout) {
     return report;
 }
 
-ChartReport DrawOn(const Chart& chart, ChartCanvas canvas, const CRect& box) {
+ChartReport DrawOn(const Chart& chart, ChartCanvas canvas, const CRect& box, const ChartRanges& shown = {}) {
     const ChartBox whole{double(box.left), double(box.top), double(box.right), double(box.bottom)};
-    const ChartLayout layout = LayChart(chart, canvas, whole);
+    const ChartLayout layout = LayChart(chart, canvas, whole, shown);
     PaintChart(chart, canvas, layout);
     return ReportOf(layout);
 }
@@ -67,14 +68,14 @@ Chart::Chart() : theme(ChartTheme::Light()) {
     axes[1].side = ChartSide::kLeft;
 }
 
-ChartReport Chart::Draw(CDC& dc, const CRect& box) const {
+ChartReport Chart::Draw(CDC& dc, const CRect& box, const ChartRanges& shown) const {
     Operation running("qel::Chart::Draw");
     if (dc.m_hDC == nullptr || !IsUsable(box)) {
         running.Failed(FailureKind::kArgument, "", dc.m_hDC == nullptr ? "no surface" : "an empty box");
         return {};
     }
     const double dotsPerInch = std::max(1, dc.GetDeviceCaps(LOGPIXELSY));
-    return DrawOn(*this, {&dc, nullptr, dotsPerInch, ScaleOf(*this)}, box);
+    return DrawOn(*this, {&dc, nullptr, dotsPerInch, ScaleOf(*this)}, box, shown);
 }
 
 ChartReport Chart::Record(CQelPrintJobQueueData& job, const CRect& box) const {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "qellib10/graph/axis_places.h"
 #include "qellib10/graph/chart_data.h"
 #include "qellib10/graph/chart_theme.h"
 #include "qellib10/platform/drawing/geometry.h"
@@ -32,11 +33,16 @@ struct ChartText {
     std::string text = {};
 };
 
+/// Of each axis the range that a window shows, where the user has zoomed in; axes without one show all.
+using ChartRanges = std::vector<std::optional<AxisRange>>;
+
 /// What drawing a chart gave.
 struct ChartReport {
     bool isDrawn = false;               ///< false without a surface, and for an empty box; qel::LastFailure says why
     ChartBox plot;                      ///< between the axes
     std::vector<ChartText> texts = {};  ///< all of them; no two overlap
+    std::vector<AxisPlaces> axes =
+        {};  ///< of the axes that were drawn, in their order: values from places on the surface
     std::vector<std::string> leftOut = {};  ///< what did not fit: "title", "legend", "note: ...", "values of the axes"
 };
 
@@ -75,7 +81,8 @@ public:
     double scale = 1;       ///< of texts and lines, beside the surface's resolution; 0.1 to 10
 
     /// Draws the chart in @p box, device units of @p dc.
-    ChartReport Draw(CDC& dc, const CRect& box) const;
+    /// @param shown ranges in place of those of the axes; those that are not ranges of their axis are ignored
+    ChartReport Draw(CDC& dc, const CRect& box, const ChartRanges& shown = {}) const;
     /// Adds the chart to a job, in @p box, pixels of the job's resolution (96 dots per inch if it has none). The
     /// commands are shapes and labels (docs/formats.md), which readers of jobs from before them pass over.
     ChartReport Record(CQelPrintJobQueueData& job, const CRect& box) const;

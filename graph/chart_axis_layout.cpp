@@ -113,7 +113,9 @@ private:
 
     // "Volume (mL)", "Potential (10³ mV)".
     static std::string TitleOf(const ChartAxis& axis, const AxisTicks& ticks) {
-        const bool isPrefix = axis.exponent == ChartExponent::kSiPrefix && axis.scale == ChartScale::kLinear;
+        // A prefix is part of the unit; beyond the prefixes there is a power.
+        const bool isPrefix = axis.exponent == ChartExponent::kSiPrefix && axis.scale == ChartScale::kLinear &&
+                              !ticks.factor.starts_with("×");
         const std::string between = isPrefix || ticks.factor.empty() || axis.unit.empty() ? "" : " ";
         const std::string inside = ticks.factor + between + axis.unit;
         if (inside.empty()) return axis.title;

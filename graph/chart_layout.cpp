@@ -16,8 +16,8 @@ enum class Left { kNothing, kLegend, kSubtitle, kAxisTitles, kTitle, kValues };
 
 class ChartLayer {
 public:
-    ChartLayer(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box)
-        : m_chart(chart), m_canvas(canvas), m_box(box), m_ranges(AxisRanges(chart)) {}
+    ChartLayer(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown)
+        : m_chart(chart), m_canvas(canvas), m_box(box), m_ranges(AxisRanges(chart, shown)) {}
 
     ChartLayout Lay() {
         for (const Left left :
@@ -190,8 +190,8 @@ private:
 
 }  // namespace
 
-ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box) {
-    return ChartLayer(chart, canvas, box).Lay();
+ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown) {
+    return ChartLayer(chart, canvas, box, shown).Lay();
 }
 
 }  // namespace qel

@@ -21,6 +21,6 @@ struct ChartLayout {
     std::vector<std::string> leftOut;
 };
 
-ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box);
+ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown);
 
 }  // namespace qel

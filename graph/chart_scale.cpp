@@ -127,6 +127,11 @@ AxisRange RangeOf(const Chart& chart, std::size_t index) {
     return WithFixedEnds(axis, range);
 }
 
+bool IsRange(const AxisRange& range, ChartScale scale) {
+    const bool isAboveZero = scale != ChartScale::kLogarithmic || range.low > 0;
+    return std::isfinite(range.low) && std::isfinite(range.high) && range.low < range.high && isAboveZero;
+}
+
 }  // namespace
 
 std::size_t AxisCount(const Chart& chart) { return std::min(chart.axes.size(), kMostAxes); }
@@ -136,9 +141,12 @@ bool HasItsAxes(const Chart& chart, std::size_t xAxis, std::size_t yAxis) {
     return xAxis < count && yAxis < count && IsHorizontal(chart.axes[xAxis]) && !IsHorizontal(chart.axes[yAxis]);
 }
 
-std::vector<AxisRange> AxisRanges(const Chart& chart) {
+std::vector<AxisRange> AxisRanges(const Chart& chart, const ChartRanges& shown) {
     std::vector<AxisRange> ranges;
-    for (std::size_t i = 0; i < AxisCount(chart); ++i) ranges.push_back(RangeOf(chart, i));
+    for (std::size_t i = 0; i < AxisCount(chart); ++i) {
+        const bool isShown = i < shown.size() && shown[i] && IsRange(*shown[i], chart.axes[i].scale);
+        ranges.push_back(isShown ? *shown[i] : RangeOf(chart, i));
+    }
     for (std::size_t i = 0; i < ranges.size(); ++i) {
         const auto& same = chart.axes[i].sameAs;
         const bool isUsable = same && *same < ranges.size() && chart.axes[*same].scale == chart.axes[i].scale;

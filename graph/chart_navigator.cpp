@@ -1,0 +1,133 @@
+#include "qellib10/graph/chart_navigator.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "qellib10/graph/chart_scale.h"
+
+namespace qel {
+namespace {
+
+constexpr double kLeastBox = 4;    // device units
+constexpr double kFinest = 1e-12;  // of the values: the smallest range that is shown
+constexpr double kMostFactor = 1e6;
+constexpr int kStepsOfText = 1000;  // parts of the range that a value is shown with
+
+ChartBox Normalised(const ChartBox& box) {
+    return {std::min(box.left, box.right), std::min(box.top, box.bottom), std::max(box.left, box.right),
+            std::max(box.top, box.bottom)};
+}
+
+std::string TextOf(double value, const AxisPlaces& places, const std::string& unit) {
+    const double range = places.isLogarithmic ? std::fabs(value) : places.high - places.low;
+    const std::string number = NumberText(value, range / kStepsOfText, 0);
+    return unit.empty() ? number : number + " " + unit;
+}
+
+}  // namespace
+
+void ChartNavigator::Take(const Chart& chart, const ChartReport& report) {
+    m_plot = report.plot;
+    m_axes.clear();
+    for (std::size_t i = 0; i < std::min(report.axes.size(), chart.axes.size()); ++i)
+        m_axes.push_back({report.axes[i], IsHorizontal(chart.axes[i])});
+}
+
+// Shows the values between two places of the axis.
+bool ChartNavigator::Show(std::size_t axis, double from, double to) {
+    const AxisPlaces& places = m_axes[axis].places;
+    AxisRange range{places.ValueAt(from), places.ValueAt(to)};
+    if (range.low > range.high) std::swap(range.low, range.high);
+    const double size = std::max(std::fabs(range.low), std::fabs(range.high));
+    const bool isRange = std::isfinite(range.low) && std::isfinite(range.high) &&
+                         range.high - range.low > size * kFinest && (!places.isLogarithmic || range.low > 0);
+    if (!isRange) return false;
+    if (m_shown.size() < m_axes.size()) m_shown.resize(m_axes.size());
+    m_shown[axis] = range;
+    return true;
+}
+
+bool ChartNavigator::ZoomAt(const ShapePoint& at, double factor, ChartDirection direction) {
+    if (!(factor >= 1 / kMostFactor && factor <= kMostFactor) || !IsInPlot(at)) return false;
+    bool isChanged = false;
+    for (std::size_t i = 0; i < m_axes.size(); ++i) {
+        const auto& [places, isHorizontal] = m_axes[i];
+        if (direction == (isHorizontal ? ChartDirection::kY : ChartDirection::kX)) continue;
+        const double fixed = isHorizontal ? at.x : at.y;
+        isChanged = Show(i, fixed + (places.from - fixed) / factor, fixed + (places.to - fixed) / factor) || isChanged;
+    }
+    return isChanged;
+}
+
+bool ChartNavigator::ZoomTo(ChartBox box) {
+    box = Normalised(box);
+    box = {std::max(box.left, m_plot.left), std::max(box.top, m_plot.top), std::min(box.right, m_plot.right),
+           std::min(box.bottom, m_plot.bottom)};
+    const bool isWide = box.Width() >= kLeastBox, isHigh = box.Height() >= kLeastBox;
+    bool isChanged = false;
+    for (std::size_t i = 0; i < m_axes.size(); ++i) {
+        const bool isHorizontal = m_axes[i].isHorizontal;
+        if (!(isHorizontal ? isWide : isHigh)) continue;
+        isChanged = Show(i, isHorizontal ? box.left : box.top, isHorizontal ? box.right : box.bottom) || isChanged;
+    }
+    return isChanged;
+}
+
+bool ChartNavigator::PanBy(double dx, double dy) {
+    bool isChanged = false;
+    for (std::size_t i = 0; i < m_axes.size(); ++i) {
+        const double by = m_axes[i].isHorizontal ? dx : dy;
+        const AxisPlaces& places = m_axes[i].places;
+        if (by != 0) isChanged = Show(i, places.from - by, places.to - by) || isChanged;
+    }
+    return isChanged;
+}
+
+bool ChartNavigator::IsInPlot(const ShapePoint& at) const noexcept {
+    return at.x >= m_plot.left && at.x <= m_plot.right && at.y >= m_plot.top && at.y <= m_plot.bottom;
+}
+
+std::vector<ChartNavigator::Value> ChartNavigator::ValuesAt(const Chart& chart, double x) const {
+    std::vector<Value> values;
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        const ChartSeries& series = chart.series[i];
+        const bool isPlaced = HasItsAxes(chart, series) && series.xAxis < m_axes.size() && series.yAxis < m_axes.size();
+        if (!isPlaced || series.kind == ChartKind::kBand) continue;
+        const AxisPlaces &across = m_axes[series.xAxis].places, &up = m_axes[series.yAxis].places;
+        std::size_t best = series.points.size();
+        double least = 0;
+        for (std::size_t point = 0; point < series.points.size(); ++point) {
+            const CGraphData& data = series.points[point];
+            const double distance = std::fabs(across.At(data.GetXData()) - x);
+            if (std::isnan(distance) || std::isnan(up.At(data.GetYData()))) continue;
+            if (best < series.points.size() && distance >= least) continue;
+            best = point;
+            least = distance;
+        }
+        if (best == series.points.size()) continue;
+        const CGraphData& data = series.points[best];
+        const std::string text = TextOf(data.GetXData(), across, chart.axes[series.xAxis].unit) + ", " +
+                                 TextOf(data.GetYData(), up, chart.axes[series.yAxis].unit);
+        values.push_back({i,
+                          best,
+                          {across.At(data.GetXData()), up.At(data.GetYData())},
+                          series.name.empty() ? text : series.name + ": " + text});
+    }
+    return values;
+}
+
+std::vector<std::size_t> ChartNavigator::PointsIn(const Chart& chart, std::size_t series, ChartBox box) const {
+    std::vector<std::size_t> inside;
+    if (series >= chart.series.size() || !HasItsAxes(chart, chart.series[series])) return inside;
+    const ChartSeries& from = chart.series[series];
+    if (from.xAxis >= m_axes.size() || from.yAxis >= m_axes.size()) return inside;
+    box = Normalised(box);
+    for (std::size_t i = 0; i < from.points.size(); ++i) {
+        const double x = m_axes[from.xAxis].places.At(from.points[i].GetXData());
+        const double y = m_axes[from.yAxis].places.At(from.points[i].GetYData());
+        if (x >= box.left && x <= box.right && y >= box.top && y <= box.bottom) inside.push_back(i);
+    }
+    return inside;
+}
+
+}  // namespace qel

@@ -1,0 +1,89 @@
+#include "qellib10/graph/chart_navigator.h"
+
+#include "../support/canvas.h"
+#include "../support/line.h"
+#include "../support/test.h"
+
+namespace {
+
+// Zooms and draws, as a window does.
+class Window {
+public:
+    Window() : m_canvas(400, 300) {
+        chart.axes[0].low = 0, chart.axes[0].high = 10, chart.axes[0].unit = "mL";
+        chart.axes[1].low = 1, chart.axes[1].high = 100, chart.axes[1].scale = qel::ChartScale::kLogarithmic;
+        chart.series = {{.name = "A", .points = {{1, 2}, {5, 10}, {9, 50}}}, {.points = {{4, 0}, {6, 20}}}};
+        Draw();
+    }
+    void Draw() {
+        report = chart.Draw(m_canvas.dc, CRect(0, 0, 400, 300), navigator.Shown());
+        navigator.Take(chart, report);
+    }
+    // The ends of both axes, after drawing.
+    std::string Ends() {
+        Draw();
+        std::string ends;
+        for (const qel::AxisPlaces& axis : report.axes) {
+            char text[64];
+            std::snprintf(text, sizeof text, "%.3g..%.3g ", axis.low, axis.high);
+            ends += text;
+        }
+        return ends;
+    }
+    qel::ShapePoint Place(double x, double y) const { return {report.axes[0].At(x), report.axes[1].At(y)}; }
+    qel::ChartBox Box(double x1, double y1, double x2, double y2) const {
+        return {Place(x1, y1).x, Place(x1, y1).y, Place(x2, y2).x, Place(x2, y2).y};
+    }
+
+    qel::Chart chart;
+    qel::ChartNavigator navigator;
+    qel::ChartReport report;
+
+private:
+    Canvas m_canvas;
+};
+
+}  // namespace
+
+TEST(ChartNavigator, ZoomsAndMoves) {
+    Window window;
+    EXPECT_EQ(window.Ends(), "0..10 1..100 ");
+    EXPECT_TRUE(window.navigator.ZoomAt(window.Place(5, 10), 2));
+    EXPECT_EQ(window.Ends(), "2.5..7.5 3.16..31.6 ");
+    EXPECT_TRUE(window.navigator.ZoomAt(window.Place(2.5, 10), 0.5, qel::ChartDirection::kX));
+    EXPECT_EQ(window.Ends(), "2.5..12.5 3.16..31.6 ");
+    window.navigator.Reset();
+    window.Draw();
+    EXPECT_TRUE(window.navigator.ZoomTo(window.Box(8, 10, 2, 20)));
+    EXPECT_EQ(window.Ends(), "2..8 10..20 ");
+    EXPECT_TRUE(window.navigator.PanBy(window.Place(2, 10).x - window.Place(5, 10).x, 0));
+    EXPECT_EQ(window.Ends(), "5..11 10..20 ");
+    EXPECT_TRUE(window.navigator.IsZoomed());
+}
+
+TEST(ChartNavigator, RefusesWhatWouldShowNothing) {
+    Window window;
+    const qel::ShapePoint middle = window.Place(5, 10), beside{1, 1};
+    EXPECT_EQ(Line({window.navigator.ZoomAt(beside, 2), window.navigator.ZoomAt(middle, 0),
+                    window.navigator.ZoomAt(middle, std::nan("")), window.navigator.PanBy(0, 0),
+                    window.navigator.ZoomTo({middle.x, middle.y, middle.x + 2, middle.y + 2})}),
+              "0 0 0 0 0");
+    int zoomed = 0;
+    while (zoomed < 200 && window.navigator.ZoomAt(window.Place(5, 10), 1000)) {
+        window.Draw();
+        ++zoomed;
+    }
+    EXPECT_LT(zoomed, 200) << "until numbers end";
+    EXPECT_EQ(window.Ends(), "5..5 10..10 ");
+}
+
+TEST(ChartNavigator, KnowsTheValuesUnderThePointer) {
+    Window window;
+    std::string texts;
+    for (const auto& value : window.navigator.ValuesAt(window.chart, window.Place(4.2, 1).x))
+        texts += value.text + "; ";
+    EXPECT_EQ(texts, "A: 5.00 mL, 10.00; 6.00 mL, 20.00; ") << "a point that is not on the axis has no place";
+    const auto inside = window.navigator.PointsIn(window.chart, 0, window.Box(10, 100, 4, 5));
+    EXPECT_EQ(Line({inside.size(), inside.empty() ? 9 : inside.front()}), "2 1");
+    EXPECT_TRUE(window.navigator.PointsIn(window.chart, 7, {0, 0, 400, 300}).empty());
+}
