@@ -1,5 +1,6 @@
 #include "qellib10/quantity/trace.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -21,6 +22,17 @@ std::string Shortest(double value) {
             std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 4).ptr};
 }
 
+bool IsPlain(int magnitude) { return magnitude >= kLeastPlain && magnitude <= kMostPlain; }
+
+// Of 0 every digit after the point says nothing where there are many.
+std::string Shown(const ExactResult& result, bool isRounded) {
+    if (isRounded) return result.PlainText();
+    if (!result.value.IsZero()) return IsPlain(result.value.Magnitude()) ? result.PlainText() : result.Text();
+    ExactResult zero = result;
+    if (!IsPlain(zero.value.Exponent())) zero.value = Decimal();
+    return zero.PlainText();
+}
+
 }  // namespace
 
 Trace Trace::Of(const Calculation& calculation, unsigned threads) {
@@ -37,10 +49,7 @@ std::string Trace::ResultText() const {
     ExactResult shown = *part->result;
     if (!shown.IsNumberOrLimit()) return shown.cause ? shown.Text() + ": " + NameOf(*shown.cause) : shown.Text();
     if (m_rounded) shown.value = m_rounded->rounded;
-    // Of an underflow there may be thousands of zeros.
-    const int magnitude = shown.value.IsZero() ? shown.value.Exponent() : shown.value.Magnitude();
-    const bool isPlain = m_rounded || (magnitude >= kLeastPlain && magnitude <= kMostPlain);
-    return WithUnit(isPlain ? shown.PlainText() : shown.Text(), part->unit);
+    return WithUnit(Shown(shown, m_rounded.has_value()), part->unit);
 }
 
 // Positions after the inputs are those of the helpers, which are variables of the other formulas.
@@ -54,8 +63,17 @@ std::string Trace::NameOf(std::size_t position) const {
 std::string Trace::ResultWithUncertainty() const {
     const TracePart* const part = Result();
     if (part == nullptr || !m_roundedUncertainty) return ResultText();
-    return ResultText() + " ± " + WithUnit(m_roundedUncertainty->PlainText(), part->unit) +
-           " (k = " + Shortest(part->budget->coverageFactor) + ')';
+    const std::string factor = " (k = " + Shortest(part->budget->coverageFactor) + ')';
+    const Decimal &value = part->result->value, &uncertainty = *m_roundedUncertainty;
+    const int power = value.IsZero() ? uncertainty.Magnitude() : std::max(value.Magnitude(), uncertainty.Magnitude());
+    if (m_rounded || IsPlain(power))
+        return ResultText() + " ± " + WithUnit(uncertainty.PlainText(), part->unit) + factor;
+    // One power of ten for both.
+    DecimalFlags exact;
+    const Decimal scale = Decimal::Scaled(1, -power, exact);
+    const std::string both = (value.IsZero() ? Decimal() : Multiply(value, scale, exact)).PlainText() + " ± " +
+                             Multiply(uncertainty, scale, exact).PlainText();
+    return WithUnit('(' + both + ")E" + (power < 0 ? "" : "+") + std::to_string(power), part->unit) + factor;
 }
 
 }  // namespace qel

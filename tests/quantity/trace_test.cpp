@@ -122,6 +122,24 @@ TEST(Trace, RemarksWhereAnUncertaintyMeansLittle) {
     EXPECT_EQ(answer("1E-400", "round(A + H, 1)", "2"), "2.0 ± 0.20 (k = 2)");
 }
 
+TEST(Trace, ShowsNoLongRowOfZeros) {
+    for (const auto& [formula, value, u, expected] : Cases<const char*, const char*, double, const char*>{
+             {"A", "1E+25", 1e22, "(1 ± 0.0020)E+25 (k = 2)"},
+             {"A", "1.00E-9", 1e-11, "(1.00 ± 0.020)E-9 (k = 2)"},
+             {"A", "1.00E-9", 0, "1.00E-9"},
+             {"A", "0", 1e-11, "(0 ± 2.0)E-11 (k = 2)"},
+             {"A", "2", 1e-11, "2 ± 0.000000000020 (k = 2)"},
+             {"1 / A - 1 / A", "3", 0, "0"},
+             {"A - 3.00", "3", 0, "0.00"},
+         }) {
+        Calculation calculation;
+        calculation.result = {"X", formula, ""};
+        calculation.inputs = {Input("A", value)};
+        if (u > 0.0) calculation.inputs[0].components = {*UncertaintyComponent::Standard(u)};
+        EXPECT_EQ(Trace::Of(calculation).ResultWithUncertainty(), expected);
+    }
+}
+
 TEST(Trace, RemarksWhereItIsRoundedTwice) {
     Calculation calculation;
     calculation.rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfAwayFromZero, 1);
