@@ -53,7 +53,8 @@ Failure FaultOf(const qel::Trace& trace) {
 
 // The result, and what was asked for beside it, a line each.
 std::string ShortForm(const qel::Trace& trace) {
-    std::string text = Shown(trace.ResultWithUncertainty()) + '\n';
+    const bool showsLost = !trace.Rounded() && trace.Result()->result->flags.isInexact;
+    std::string text = Shown(trace.ResultWithUncertainty()) + (showsLost ? " (inexact)\n" : "\n");
     if (const auto& decided = trace.Decision())
         text += std::string(decided->isPassed ? "passed" : "not passed") +
                 (!decided->isUndecided               ? "\n"
