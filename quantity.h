@@ -3,6 +3,7 @@
 // The public headers of the component quantity: formulas, rounding, units and curves, over the core.
 #include "qellib10/evaluation/curve.h"
 #include "qellib10/evaluation/curve_result.h"
+#include "qellib10/evaluation/end_point_options.h"
 #include "qellib10/platform/decimal/decimal.h"
 #include "qellib10/platform/decimal/decimal_functions.h"
 #include "qellib10/platform/statistics/student.h"

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <string>
 
+#include "qellib10/curve/located_end_point.h"
 #include "qellib10/curve/median.h"
 #include "qellib10/curve/noise.h"
 #include "qellib10/curve/step_doubts.h"
@@ -188,7 +189,7 @@ std::optional<std::pair<double, double>> GapAt(const std::vector<double>& volume
 
 }  // namespace
 
-EndPoint FindEndPoint(const TitrationCurve& curve) {
+LocatedEndPoint LocateEndPoint(const TitrationCurve& curve) {
     const CurvePoints all = MergeRepeats(curve);
     RequireUsualNumbers(all);
     const std::vector<std::size_t> order = OrderOfVolumes(curve);
@@ -206,8 +207,10 @@ EndPoint FindEndPoint(const TitrationCurve& curve) {
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (judged.strays[i]) found.strays.push_back(order[i]);
     }
-    return found;
+    return {std::move(found), step->error, step->interval};
 }
+
+EndPoint FindEndPoint(const TitrationCurve& curve) { return LocateEndPoint(curve).endPoint; }
 
 CurvePoints UsedPoints(const TitrationCurve& curve, const EndPoint& endPoint) {
     std::vector<bool> leftOut(curve.volume.size());

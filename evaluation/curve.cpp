@@ -111,6 +111,7 @@ std::shared_ptr<const CurveData> DataOf(std::span<const CurvePoint> points, cons
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (std::ranges::binary_search(strayAt, points[i].x)) data->strays.push_back(i);
     }
+    data->given.assign(points.begin(), points.end());
     data->areEqualCounts = std::ranges::all_of(data->counts, [](double count) { return count == 1; });
     data->parts = FindParts(data->x);
     return data;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "qellib10/evaluation/curve_result.h"
+#include "qellib10/evaluation/end_point_options.h"
 #include "qellib10/platform/export.h"
 
 namespace qel {
@@ -16,12 +17,6 @@ namespace qel {
 struct CurvePoint {
     double x = 0;  ///< time, volume or what else was changed, in any unit
     double y = 0;  ///< the signal
-};
-
-/// A part of a curve, with both ends.
-struct CurveRange {
-    double first = -std::numeric_limits<double>::infinity();
-    double last = std::numeric_limits<double>::infinity();
 };
 
 /// What becomes of readings at the same x.
@@ -89,6 +84,13 @@ public:
     /// Refused for fewer than 3 points, and where the readings bend: a square term is above 6 standard errors and
     /// changes the slope from one end to the other by more than a tenth.
     CurveResult Drift(const CurveRange& range = {}) const;
+
+    /// The end point of a titration, by one of the methods.
+    CurveEndPoint EndPointBy(const EndPointOptions& options) const;
+    /// The equivalence point of a titration, by the least squares of a whole curve's shape. It needs no reading at the
+    /// step itself. Refused where the shape does not follow the readings: their scatter about it is more than 3 times
+    /// the noise and a thousandth of their range. At least 3 points more than the shape has parameters.
+    EquivalenceFit FitEquivalence(EquivalenceShape shape, const CurveRange& range = {}) const;
 
 private:
     explicit Curve(std::shared_ptr<const CurveData> data) : m_data(std::move(data)) {}

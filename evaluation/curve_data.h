@@ -18,6 +18,7 @@ struct MergedPoints {
 
 /// What a Curve knows of its readings.
 struct CurveData : MergedPoints {
+    std::vector<CurvePoint> given;    // as they were given
     bool areEqualCounts = true;       // each counts 1
     std::vector<std::size_t> parts;   // where each part between pauses starts, and at last the number of points
     std::vector<std::size_t> strays;  // readings as they were given
@@ -38,6 +39,11 @@ struct CurveData : MergedPoints {
                 static_cast<std::size_t>(std::max(first, last) - x.begin())};
     }
 };
+
+/// Whether the places are in different parts: nothing was measured between the points before and after.
+inline bool IsPause(const CurveData& data, std::size_t before) {
+    return before + 1 < data.size() && data.PartOf(before) != data.PartOf(before + 1);
+}
 
 /// "%.6g", in any locale.
 std::string NumberInSentence(double value);

@@ -21,7 +21,12 @@ std::optional<LeastSquares> FitPowers(std::span<const double> x, std::span<const
 }  // namespace
 
 bool StraightLine::IsBent(double most) const {
-    return std::abs(bend) > kCertainBend * bendError && std::abs(bend) > most * std::abs(Slope());
+    return std::abs(bend) > kCertainBend * bendError && std::abs(bend) > most;
+}
+
+double StraightLine::Variance(double place) const {
+    const double function[] = {1, place - center};
+    return scatter * scatter * fit.Variance(function);
 }
 
 std::optional<StraightLine> FitLine(std::span<const double> x, std::span<const double> y,

@@ -18,8 +18,10 @@ struct StraightLine {
 
     double Slope() const { return fit.coefficients[1]; }
     double At(double place) const { return fit.coefficients[0] + Slope() * (place - center); }
-    /// Whether a square term is certain, and changes the slope by more than @p most of it.
+    /// Whether a square term is certain, and changes the slope by more than @p most.
     bool IsBent(double most) const;
+    /// The variance of the line at a place, by the readings' scatter about it.
+    double Variance(double place) const;
 };
 
 /// @param weights one for each, or none

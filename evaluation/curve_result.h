@@ -27,11 +27,17 @@ enum class CurveRefusal {
     kUncertain       ///< a titration's end point is open; see qel::FindEndPoint
 };
 
+/// A part of a curve, with both ends.
+struct CurveRange {
+    double first = -std::numeric_limits<double>::infinity();
+    double last = std::numeric_limits<double>::infinity();
+};
+
 /// A value that was read off a curve, or why there is none. A number without its uncertainty looks as sure as any other
 /// one; here neither comes without the other.
 struct QELLIB10_API CurveResult {
     std::optional<double> value;
-    double uncertainty = 0;  ///< standard uncertainty by the noise of the readings, in the unit of the value
+    double uncertainty = 0;  ///< standard uncertainty, in the unit of the value
     double degreesOfFreedom = std::numeric_limits<double>::infinity();  ///< of the uncertainty
     CurveRefusal refusal = CurveRefusal::kNone;
     std::string reason{};  ///< one sentence with the numbers for it, in English; empty where there is a value

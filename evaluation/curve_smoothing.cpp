@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "qellib10/evaluation/curve.h"
 #include "qellib10/evaluation/curve_lines.h"
 #include "qellib10/evaluation/local_fit.h"
@@ -42,7 +44,7 @@ CurveResult Curve::Drift(const CurveRange& range) const {
     const auto part = [&](const std::vector<double>& values) { return std::span(values).subspan(first, count); };
     const auto line = FitLine(part(data.x), part(data.y), part(data.counts));
     if (!line) return Refused(CurveRefusal::kNoFit, "no line can be computed through " + PointsInSentence(count));
-    if (line->IsBent(kMostBend)) {
+    if (line->IsBent(kMostBend * std::abs(line->Slope()))) {
         return Refused(CurveRefusal::kNotStraight, "the signal does not drift steadily: its slope of " +
                                                        NumberInSentence(line->Slope()) + " changes by " +
                                                        NumberInSentence(line->bend) + " from the start to the end");

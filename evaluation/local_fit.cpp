@@ -45,6 +45,20 @@ bool LocalFit::At(std::size_t index, double place, std::size_t order, std::span<
     return true;
 }
 
+double LocalFit::NoiseOf(std::size_t index, std::span<const double> rates, std::size_t order) {
+    const std::size_t start = WindowAt(index).first, end = WindowAt(index + rates.size() - 1).second;
+    std::vector<double> weights(end - start);
+    for (std::size_t i = 0; i < rates.size(); ++i) {
+        CurveValue value;
+        if (!At(index + i, m_data.x[index + i], order, value)) return std::numeric_limits<double>::infinity();
+        const std::size_t offset = WindowAt(index + i).first - start;
+        for (std::size_t k = 0; k < m_weights.size(); ++k) weights[offset + k] += rates[i] * m_weights[k];
+    }
+    double variance = 0;
+    for (std::size_t k = 0; k < weights.size(); ++k) variance += weights[k] * weights[k] / m_data.counts[start + k];
+    return m_data.noise * std::sqrt(variance);
+}
+
 bool LocalFit::IsEven(std::size_t first, std::size_t last) const {
     if (!m_data.areEqualCounts) return false;
     const double step = (m_data.x[last - 1] - m_data.x[first]) / static_cast<double>(last - first - 1);

@@ -21,6 +21,9 @@ public:
     /// As At, with other signals for the curve's points.
     bool At(std::size_t index, double place, std::size_t order, std::span<const double> y, CurveValue& found);
 
+    /// The standard uncertainty of a sum of derivatives at the points from @p index on, each times its rate.
+    double NoiseOf(std::size_t index, std::span<const double> rates, std::size_t order);
+
     /// The first index of the window around @p index, and the one after its last.
     std::pair<std::size_t, std::size_t> WindowAt(std::size_t index) const;
 

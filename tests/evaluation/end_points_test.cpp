@@ -1,0 +1,187 @@
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "../support/made_curve.h"
+#include "../support/soak.h"
+#include "../support/test.h"
+#include "made_readings.h"
+#include "qellib10/evaluation/curve.h"
+
+namespace {
+
+using qel::Curve, qel::CurvePoint, qel::CurveRange, qel::CurveRefusal, qel::EndPointMethod, qel::EndPointOptions;
+using Points = std::vector<CurvePoint>;
+
+// Silver nitrate, 0.1 mol/L, into 2.433 mmol of chloride: the potentiometric example of textbooks (Skoog, West, Holler
+// and Crouch, Fundamentals of Analytical Chemistry), whose second differences give 24.34 mL.
+const Points kChloride = {{5, 0.062},    {15, 0.085},   {20, 0.107},   {22, 0.123},   {23, 0.138},
+                          {23.5, 0.146}, {23.8, 0.161}, {24, 0.174},   {24.1, 0.183}, {24.2, 0.194},
+                          {24.3, 0.233}, {24.4, 0.316}, {24.5, 0.340}, {24.6, 0.351}, {24.7, 0.358},
+                          {25, 0.373},   {25.5, 0.385}, {26, 0.396},   {28, 0.426}};
+
+constexpr double kPlace = 10.2;  // of the step
+
+double Nernst(double x) { return 200 + 40 * std::asinh((x - kPlace) / 0.15); }
+double Sigmoid(double x) { return 7 + 3 * std::tanh((x - kPlace) / 0.9) + 0.1 * (x - kPlace); }
+double Bend(double x) { return 100 - 4 * std::min(x, kPlace) + 6 * std::max(x - kPlace, 0.0); }
+
+// The pH of 50 mL of a strong acid, which a strong base neutralises at kPlace; c = 0.1 mol/L.
+double StrongAcid(double x) { return -std::log10((kPlace - x) * 0.1 / (50 + x)); }
+// Of a weak acid with pK 4.76: the equation of Henderson and Hasselbalch.
+double WeakAcid(double x) { return 4.76 + std::log10(x / (kPlace - x)); }
+
+struct Way {
+    const char* name;
+    Shape shape;
+    double last;  // reading; the first one is at 0.3
+    double noise;
+    EndPointOptions options;
+    double truth = kPlace;
+};
+
+std::vector<Way> Ways() {
+    const CurveRange before{0, 6}, after{14, 20};
+    return {
+        {"first derivative", Sigmoid, 20, 0.01, {.method = EndPointMethod::kFirstDerivative, .window = 9}},
+        {"second derivative", Sigmoid, 20, 0.01, {.method = EndPointMethod::kSecondDerivative, .window = 9}},
+        {"fixed value", Sigmoid, 20, 0.02, {.method = EndPointMethod::kFixedValue, .window = 5, .level = 7}},
+        {"tangents",
+         Sigmoid,
+         20,
+         0.02,
+         {.method = EndPointMethod::kTangents, .window = 5, .before = before, .after = after}},
+        {"lines", Bend, 20, 0.5, {.method = EndPointMethod::kLines, .before = {0, 9}, .after = {11.5, 20}}},
+        {"Gran, strong acid", StrongAcid, 9, 0.01, {.method = EndPointMethod::kGran, .startVolume = 50}},
+        {"Gran, weak acid", WeakAcid, 9, 0.01, {.method = EndPointMethod::kGran, .isWeak = true}},
+    };
+}
+
+std::string Reason(const Points& points, const EndPointOptions& options) {
+    const qel::CurveEndPoint found = Curve::Of(points).EndPointBy(options);
+    EXPECT_EQ(found.value.has_value(), found.refusal == CurveRefusal::kNone);
+    return found ? "a value" : found.reason;
+}
+
+Points Even(const Shape& shape, double last = 20) {
+    Points points;
+    for (double x = 0.25; x <= last; x += 0.25) points.push_back({x, shape(x)});
+    return points;
+}
+
+}  // namespace
+
+TEST(EndPointBy, SecondDifferencesIsThatOfTheTextbook) {
+    const EndPointOptions options{.method = EndPointMethod::kSecondDerivative, .window = 3, .degree = 2};
+    const qel::CurveEndPoint found = Curve::Of(kChloride, {.noise = 0.001}).EndPointBy(options);
+    ASSERT_TRUE(found) << found.reason;
+    EXPECT_NEAR(*found.value, 24.343, 0.0005);
+    EXPECT_NEAR(found.uncertainty, 0.005, 0.001);
+}
+
+TEST(EndPointBy, SteepestIsThatOfFindEndPoint) {
+    const qel::CurveEndPoint found = Curve::Of(Even(Sigmoid)).EndPointBy({});
+    ASSERT_TRUE(found) << found.reason;
+    EXPECT_NEAR(*found.value, kPlace, 0.01);
+    EXPECT_NEAR(found.signal, 7, 0.1);
+}
+
+TEST(EndPointBy, EachMethodCoversTheTruth) {
+    std::mt19937 random(SoakSeed());
+    for (const Way& way : Ways()) {
+        Coverage coverage;
+        for (int i = 0; i < SoakCount(300); ++i) {
+            const Points points = Readings(random, way.shape, 0.3, way.last, 60, way.noise);
+            coverage.Add(Curve::Of(points).EndPointBy(way.options), way.truth);
+        }
+        EXPECT_GE(coverage.Percent(), 90) << way.name;
+        EXPECT_LE(coverage.Percent(), 99) << way.name;
+        EXPECT_LE(coverage.refused, SoakCount(300) / 10) << way.name;
+    }
+}
+
+// Of the curves that end points of titrations are tested with, those that are not refused.
+TEST(EndPointBy, SteepestCoversTheTruthOfMadeCurves) {
+    CurveMaker maker(SoakSeed());
+    Coverage coverage;
+    for (int i = 0; i < SoakCount(100); ++i) {
+        const MadeCurve made = maker.Make();
+        Points points;
+        for (std::size_t k = 0; k < made.volume.size(); ++k) points.push_back({made.volume[k], made.measured[k]});
+        if (made.hasStep) coverage.Add(Curve::Of(points).EndPointBy({}), made.step);
+    }
+    EXPECT_GE(coverage.Percent(), 90);
+}
+
+TEST(EndPointBy, FitOfAShapeCoversTheTruth) {
+    std::mt19937 random(SoakSeed());
+    for (const auto& [name, shape, kind, noise] : Cases<const char*, Shape, qel::EquivalenceShape, double>{
+             {"Nernst", Nernst, qel::EquivalenceShape::kNernst, 1},
+             {"sigmoid", Sigmoid, qel::EquivalenceShape::kSigmoid, 0.02},
+         }) {
+        Coverage coverage;
+        for (int i = 0; i < SoakCount(100); ++i)
+            coverage.Add(Curve::Of(Readings(random, shape, 0.3, 20, 60, noise)).FitEquivalence(kind), kPlace);
+        EXPECT_GE(coverage.Percent(), 90) << name;
+        EXPECT_LE(coverage.Percent(), 99) << name;
+        EXPECT_EQ(coverage.refused, 0) << name;
+    }
+}
+
+TEST(EndPointBy, SaysWhyThereIsNone) {
+    const Points sigmoid = Even(Sigmoid);
+    const auto level = [](double x) { return 5 + 0.001 * std::sin(40 * x); };
+    const auto twice = [](double x) { return std::tanh(3 * (x - 5)) + std::tanh(3 * (x - 15)); };
+    Points pause = sigmoid;
+    for (CurvePoint& point : pause) point.x += point.x > kPlace ? 50 : 0;
+    const auto by = [](EndPointMethod method) { return EndPointOptions{.method = method}; };
+    const EndPointOptions first = by(EndPointMethod::kFirstDerivative), fixed = by(EndPointMethod::kFixedValue);
+    const auto fixedAt = [&](double value) {
+        EndPointOptions options = fixed;
+        options.level = value;
+        return options;
+    };
+    const auto lines = [](CurveRange before, CurveRange after, EndPointMethod method = EndPointMethod::kLines) {
+        return EndPointOptions{.method = method, .before = before, .after = after};
+    };
+    const EndPointOptions gran = by(EndPointMethod::kGran);
+    for (const auto& [points, options, expected] : Cases<Points, EndPointOptions, const char*>{
+             {{{0, 1}}, first, "a curve needs at least 6 points, there are 1"},
+             {Even(level), first, "the curve has no step: it is steepest at "},
+             {Even(Sigmoid, 10), first, "the curve is steepest at an end of the range, at 10"},
+             {Even(twice), first, "the curve is as steep at 15 as at 5; choose a range with one of them"},
+             {sigmoid,
+              {.method = EndPointMethod::kFirstDerivative, .degree = 2},
+              "a window of 7 points does not give derivative 3 of a polynomial of degree 2"},
+             {sigmoid,
+              {.method = EndPointMethod::kFirstDerivative, .range = {10, 10.5}},
+              "there are 3 points in the range, 5 are needed"},
+             {sigmoid, fixedAt(20), "the curve does not come to the level 20"},
+             {Even([](double x) { return std::sin(x); }), fixedAt(0.5),
+              "the curve crosses the level 0.5 7 times, first at "},
+             {sigmoid, fixedAt(NAN), "the level is no number"},
+             {pause, fixedAt(7), "the curve crosses the level 7 where nothing was measured, between 10 and 60.25"},
+             {sigmoid, lines({0, 0.5}, {14, 20}), "two lines need 3 points each, there are 2 and 25"},
+             {sigmoid, lines({0, 8}, {7, 20}), "the readings of the lines overlap"},
+             {Even(level), lines({0, 8}, {12, 20}), "the lines are parallel within their noise"},
+             {Even([](double x) { return x * x / 10; }), lines({0, 9}, {12, 20}),
+              "the readings from 0.25 to 9 are not on a straight line: its slope of "},
+             {Even(Bend), lines({0, 4}, {4.25, 9}),
+              "the lines are parallel within their noise: their slopes are -4 and -4"},
+             {sigmoid, lines({0, 0.2}, {12, 20}, EndPointMethod::kTangents),
+              "parallel tangents need 2 points before and after the step, there are 0 and 33"},
+             {sigmoid, gran, "Gran's line ends within its readings, at 16.3671; take "},
+             {sigmoid,
+              {.method = EndPointMethod::kGran, .perDecade = 0},
+              "a signal that changes by 0 for ten times the ion shows nothing of it"},
+             {sigmoid, {.method = EndPointMethod::kGran, .startVolume = -1}, "the volume of the sample is below 0"},
+             {Even(level), {}, "no end point: the curve has no step that is clear of its noise of "},
+         })
+        EXPECT_EQ(Reason(points, options).substr(0, std::string(expected).size()), expected);
+    for (const auto& [curve, expected] : Cases<Curve, const char*>{
+             {Curve::Of(Even(twice)), "the curve does not have this shape: readings are "},
+             {Curve::Of(Even(Sigmoid, 1.75)), "the shape needs 8 points, there are 7"},
+         })
+        EXPECT_EQ(curve.FitEquivalence(qel::EquivalenceShape::kSigmoid).reason.substr(0, std::string(expected).size()),
+                  expected);
+}
