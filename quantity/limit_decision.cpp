@@ -7,20 +7,17 @@
 #include "qellib10/base/read_number.h"
 #include "qellib10/platform/operation.h"
 #include "qellib10/platform/statistics/student.h"
+#include "qellib10/quantity/name_table.h"
 
 namespace qel {
 namespace {
 
 using Kind = DecisionRule::Kind;
 
-struct NamedKind {
-    Kind kind;
-    std::string_view name;
-};
 constexpr std::array kKinds = {
-    NamedKind{Kind::kSimpleAcceptance, "simple acceptance (shared risk)"},
-    NamedKind{Kind::kGuardedAcceptance, "guarded acceptance"},
-    NamedKind{Kind::kGuardedRejection, "guarded rejection"},
+    Named{Kind::kSimpleAcceptance, "simple acceptance (shared risk)"},
+    Named{Kind::kGuardedAcceptance, "guarded acceptance"},
+    Named{Kind::kGuardedRejection, "guarded rejection"},
 };
 constexpr std::string_view kBeforeFactor = ", w = ", kAfterFactor = " U";
 
@@ -68,23 +65,19 @@ DecisionRule DecisionRule::GuardedAcceptance(double r) { return {Kind::kGuardedA
 DecisionRule DecisionRule::GuardedRejection(double r) { return {Kind::kGuardedRejection, r}; }
 
 std::string DecisionRule::Name() const {
-    std::string name(std::ranges::find(kKinds, m_kind, &NamedKind::kind)->name);
+    std::string name(NameIn(kKinds, m_kind));
     if (m_kind == Kind::kSimpleAcceptance) return name;
     return name.append(kBeforeFactor).append(NumberText(m_factor).View()).append(kAfterFactor);
 }
 
 std::optional<DecisionRule> DecisionRule::OfName(std::string_view name) {
-    for (const auto& [kind, known] : kKinds) {
-        if (!name.starts_with(known)) continue;
-        std::string_view rest = name.substr(known.size());
-        if (kind == Kind::kSimpleAcceptance) return rest.empty() ? std::optional(SimpleAcceptance()) : std::nullopt;
-        if (!rest.starts_with(kBeforeFactor) || !rest.ends_with(kAfterFactor)) return {};
-        rest.remove_prefix(kBeforeFactor.size());
-        rest.remove_suffix(std::min(kAfterFactor.size(), rest.size()));
-        const std::optional<double> factor = ReadNumber(rest);
-        return factor && IsFactor(*factor) ? std::optional(DecisionRule(kind, *factor)) : std::nullopt;
-    }
-    return {};
+    const std::optional<Kind> kind = TakeNameFrom(kKinds, name);
+    if (kind == Kind::kSimpleAcceptance) return name.empty() ? std::optional(SimpleAcceptance()) : std::nullopt;
+    if (!kind || !name.starts_with(kBeforeFactor) || !name.ends_with(kAfterFactor)) return {};
+    name.remove_prefix(kBeforeFactor.size());
+    name.remove_suffix(std::min(kAfterFactor.size(), name.size()));
+    const std::optional<double> factor = ReadNumber(name);
+    return factor && IsFactor(*factor) ? std::optional(DecisionRule(*kind, *factor)) : std::nullopt;
 }
 
 std::optional<LimitDecision> DecideLimits(const UncertaintyBudget& result, const ToleranceLimits& limits,

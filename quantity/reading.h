@@ -26,12 +26,13 @@ struct QELLIB10_API Reading {
     };
 
     Kind kind = Kind::kMissing;
-    Decimal value;                          ///< the number, or the limit
-    bool isFromBinary = false;              ///< it was a double; value is its shortest text
-    bool isInexact = false;                 ///< it is the result of another formula that lost digits
-    bool isIncluded = false;                ///< the limit itself is possible
-    bool isComputed = false;                ///< it is the result of another formula; as a limit it has no substitute
-    std::optional<std::size_t> cause;       ///< position of the reading that this result of a formula is no number for
+    Decimal value;              ///< the number, or the limit
+    bool isFromBinary = false;  ///< it was a double; value is its shortest text
+    bool isInexact = false;     ///< it is the result of another formula that lost digits
+    bool isIncluded = false;    ///< the limit itself is possible
+    bool isComputed = false;    ///< it is the result of another formula; as a limit it has no substitute
+    /// Position of the reading that this result of a formula is no number for; a trace does not keep it.
+    std::optional<std::size_t> cause;
     std::optional<Decimal> beforeRounding;  ///< with @p places, where the list has more of them
     std::optional<int> places;              ///< decimal places to which its list rounded it, before the formula
 

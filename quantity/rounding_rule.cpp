@@ -4,19 +4,25 @@
 #include <array>
 #include <charconv>
 
+#include "qellib10/quantity/name_table.h"
+
 namespace qel {
 namespace {
 
-struct NamedRounding {
-    DecimalRounding rounding;
-    std::string_view name;
-};
 constexpr std::array kRoundings = {
-    NamedRounding{DecimalRounding::kHalfAwayFromZero, "half away from zero"},
-    NamedRounding{DecimalRounding::kHalfEven, "half even"},
-    NamedRounding{DecimalRounding::kTowardZero, "truncation"},
-    NamedRounding{DecimalRounding::kAwayFromZero, "away from zero"},
+    Named{DecimalRounding::kHalfAwayFromZero, "half away from zero"},
+    Named{DecimalRounding::kHalfEven, "half even"},
+    Named{DecimalRounding::kTowardZero, "truncation"},
+    Named{DecimalRounding::kAwayFromZero, "away from zero"},
 };
+
+struct Counted {
+    std::string_view one, many;
+};
+constexpr Counted kPlaces = {" decimal place", " decimal places"},
+                  kSignificant = {" significant digit", " significant digits"},
+                  kOfUncertainty = {" digit of the uncertainty", " digits of the uncertainty"};
+constexpr std::string_view kMultiples = "multiples of ";
 
 bool IsIn(int value, int least, int most) { return value >= least && value <= most; }
 
@@ -44,9 +50,9 @@ std::optional<int> NumberIn(std::string_view text) {
     return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
 }
 
-// What is before @p end, where the text ends with it.
-std::optional<std::string_view> Before(std::string_view text, std::string_view end) {
-    return text.ends_with(end) ? std::optional(text.substr(0, text.size() - end.size())) : std::nullopt;
+// Where the text is a number and then @p end.
+std::optional<int> NumberBefore(std::string_view text, std::string_view end) {
+    return text.ends_with(end) ? NumberIn(text.substr(0, text.size() - end.size())) : std::nullopt;
 }
 
 }  // namespace
@@ -127,42 +133,37 @@ RoundingRule RoundingRule::With(DecimalRounding rounding) const {
 }
 
 std::string RoundingRule::Name() const {
-    const auto named = std::ranges::find(kRoundings, m_rounding, &NamedRounding::rounding);
-    const std::string name = std::string(named->name) + ", ";
-    const std::string count = std::to_string(m_count);
+    const std::string name = std::string(NameIn(kRoundings, m_rounding)) + ", ";
+    const auto counted = [&](const Counted& what) {
+        return name + std::to_string(m_count) + std::string(m_count == 1 ? what.one : what.many);
+    };
     switch (m_to) {
         case To::kPlaces:
-            return name + count + " decimal places";
+            return counted(kPlaces);
         case To::kDigits:
-            return name + count + " significant digits";
+            return counted(kSignificant);
         case To::kMultiple:
-            return name + "multiples of " + m_step.Text();
+            return name + std::string(kMultiples) + m_step.Text();
         default:
-            return name + count + " digits of the uncertainty";
+            return counted(kOfUncertainty);
     }
 }
 
+// Also "1 decimal places", which rules were named before.
 std::optional<RoundingRule> RoundingRule::OfName(std::string_view name) {
     const auto valid = [](const RoundingRule& rule) { return rule.IsValid() ? std::optional(rule) : std::nullopt; };
-    constexpr std::string_view kMultiples = "multiples of ";
-    for (const NamedRounding& each : kRoundings) {
-        if (!name.starts_with(each.name) || !name.substr(each.name.size()).starts_with(", ")) continue;
-        const std::string_view rest = name.substr(each.name.size() + 2);
-        const auto counted = [&](std::string_view end, To to) -> std::optional<RoundingRule> {
-            const std::optional<std::string_view> number = Before(rest, end);
-            const std::optional<int> count = number ? NumberIn(*number) : std::nullopt;
-            return count ? valid({each.rounding, to, *count}) : std::nullopt;
-        };
-        if (rest.starts_with(kMultiples)) {
-            DecimalFlags flags;
-            const Decimal step = Decimal::OfText(rest.substr(kMultiples.size()), flags);
-            return valid(ToMultiple(each.rounding, step));
-        }
-        for (const auto& [end, to] : {std::pair{" decimal places", To::kPlaces},
-                                      {" significant digits", To::kDigits},
-                                      {" digits of the uncertainty", To::kUncertainty}}) {
-            if (const std::optional<RoundingRule> rule = counted(end, to)) return rule;
-        }
+    const std::optional<DecimalRounding> rounding = TakeNameFrom(kRoundings, name);
+    if (!rounding || !name.starts_with(", ")) return {};
+    name.remove_prefix(2);
+    if (name.starts_with(kMultiples)) {
+        DecimalFlags flags;
+        const Decimal step = Decimal::OfText(name.substr(kMultiples.size()), flags);
+        return valid(ToMultiple(*rounding, step));
+    }
+    for (const auto& [what, to] :
+         {std::pair{kPlaces, To::kPlaces}, {kSignificant, To::kDigits}, {kOfUncertainty, To::kUncertainty}}) {
+        for (const std::string_view end : {what.one, what.many})
+            if (const std::optional<int> count = NumberBefore(name, end)) return valid({*rounding, to, *count});
     }
     return {};
 }

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "qellib10/quantity/trace_computation.h"
+#include "qellib10/quantity/traced_calculation.h"
 
 namespace qel {
 namespace {
@@ -37,7 +38,7 @@ std::string Shown(const ExactResult& result, bool isRounded) {
 
 Trace Trace::Of(const Calculation& calculation, unsigned threads) {
     Trace trace;
-    trace.m_calculation = calculation;
+    trace.m_calculation = AsTraced(calculation);
     trace.m_engine = QELLIB10_QUANTITY_VERSION;
     TraceComputation(trace, threads).Run();
     return trace;

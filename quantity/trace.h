@@ -89,7 +89,10 @@ public:
     /// ResultText where there is no uncertainty.
     std::string ResultWithUncertainty() const;
 
-    /// All of it, as docs/trace-schema.json describes.
+    /// All of it, as docs/trace-schema.json describes. CheckTrace computes whatever it gives again without a
+    /// difference. Empty where that cannot be: Fault() then says what of the calculation cannot be kept (a text that is
+    /// not UTF-8, a number that is not finite, an uncertainty that is not what its own statement gives), or the text
+    /// would be longer than 64 MiB.
     std::string Json() const;
     std::vector<TraceTable> Tables(TraceLanguage language) const;
     /// The tables as lines of text.
@@ -120,10 +123,12 @@ struct TraceCheck {
     std::vector<std::string> differences;
 };
 
-/// Computes the calculation of a recorded trace again and compares all that is in it.
+/// Computes the calculation of a recorded trace again and compares all that is in it. The sentences of faults and
+/// remarks are compared by kind and place, not word for word. Where a value is from (CalculationInput::origin) nothing
+/// computes, so that a change there is no difference; that nobody made one is proved by a trail.
 /// @param json as Trace::Json writes it
 /// @param threads for trials
-/// @return nothing where @p json is no trace; @p error then says why
+/// @return nothing where @p json is no trace, or one of a later version of this library; @p error then says why
 QELLIB10_API std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error, unsigned threads = 1);
 
 }  // namespace qel

@@ -6,8 +6,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "qellib10/platform/text/printable_text.h"
 #include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/traced_calculation.h"
 #include "qellib10/quantity/uncertain_constants.h"
 #include "qellib10/quantity/uncertainty_propagation.h"
 
@@ -22,21 +22,6 @@ constexpr char kGiven = 'g', kOwn = 'o';
 std::string SourceName(const std::string& input, std::size_t index, const UncertaintyComponent& component) {
     if (!component.source.empty()) return kGiven + component.source;
     return kOwn + input + '/' + std::to_string(index + 1);
-}
-
-bool IsText(const CalculationFormula& formula) {
-    return IsUtf8(formula.name) && IsUtf8(formula.formula) && IsUtf8(formula.unit);
-}
-
-bool IsText(const CalculationInput& input) {
-    return IsUtf8(input.name) && IsUtf8(input.unit) && IsUtf8(input.origin) &&
-           std::ranges::all_of(input.components, IsUtf8, &UncertaintyComponent::source);
-}
-
-bool IsText(const Calculation& calculation) {
-    return IsText(calculation.result) &&
-           std::ranges::all_of(calculation.helpers, [](const CalculationFormula& each) { return IsText(each); }) &&
-           std::ranges::all_of(calculation.inputs, [](const CalculationInput& each) { return IsText(each); });
 }
 
 }  // namespace
@@ -65,11 +50,13 @@ bool TraceComputation::Check() {
         m_trace.m_fault = TraceFault{name, {Kind::kTooLong, 0, 0, sentence, {}, {}}, sentence};
         return false;
     };
+    if (const std::optional<FormulaError> objection = ObjectionToTracing(calculation)) {
+        m_trace.m_fault = TraceFault{"", *objection, objection->expected};
+        return false;
+    }
     if (calculation.helpers.size() > Calculation::kMostHelpers)
         return refuse("", "there are more than 300 other formulas");
     if (calculation.inputs.size() > Calculation::kMostInputs) return refuse("", "there are more than 10,000 inputs");
-    if (!IsText(calculation)) return refuse("", "a text is not UTF-8");
-    if (calculation.rule && !calculation.rule->IsValid()) return refuse("", "the rule of rounding is not valid");
     FormulaScope seen;
     for (const CalculationInput& input : m_trace.m_calculation.inputs) {
         const std::size_t before = seen.Count();

@@ -1,14 +1,27 @@
-#include <algorithm>
+#include "qellib10/quantity/trace_json.h"
+
+#include <array>
 #include <cmath>
 
-#include "qellib10/platform/json/json_value.h"
 #include "qellib10/quantity/calculation_json.h"
-#include "qellib10/quantity/trace.h"
+#include "qellib10/quantity/name_table.h"
+#include "qellib10/quantity/traced_calculation.h"
 
 namespace qel {
 namespace {
 
-constexpr const char* kFormat = "qellib10-trace-1";
+using Kind = FormulaError::Kind;
+
+// By kind and place a fault is compared; a later version may word its sentence otherwise.
+constexpr std::array kFaults = {
+    Named{Kind::kSyntax, "syntax"},       Named{Kind::kName, "name"},
+    Named{Kind::kArguments, "arguments"}, Named{Kind::kType, "type"},
+    Named{Kind::kTooLong, "too long"},    Named{Kind::kTooDeep, "too deep"},
+    Named{Kind::kText, "text"},           Named{Kind::kDividedByZero, "division by zero"},
+    Named{Kind::kUndefined, "undefined"}, Named{Kind::kTooLarge, "too large"},
+    Named{Kind::kReading, "reading"},     Named{Kind::kCycle, "cycle"},
+    Named{Kind::kUnit, "unit"},           Named{Kind::kUncertainty, "uncertainty"},
+};
 
 JsonValue Number(const std::optional<double>& value) {
     if (value && std::isinf(*value)) return JsonValue::Text("infinite");
@@ -76,6 +89,7 @@ JsonValue JsonOf(const TracePart& part, const std::vector<CalculationInput>& inp
 JsonValue JsonOf(const TraceFault& fault) {
     return JsonValue::Object()
         .Set("name", JsonValue::Text(fault.name))
+        .Set("kind", JsonValue::Text(NameIn(kFaults, fault.error.kind)))
         .Set("position", Whole(fault.error.position))
         .Set("length", Whole(fault.error.length))
         .Set("sentence", JsonValue::Text(fault.sentence));
@@ -115,8 +129,9 @@ JsonValue JsonOf(const FirstOrderCheck& check) {
         .Set("isStable", JsonValue::Boolean(check.isStable));
 }
 
-// All that is computed.
-JsonValue Outcome(const Trace& trace) {
+}  // namespace
+
+JsonValue OutcomeOf(const Trace& trace) {
     JsonValue json = JsonValue::Object();
     JsonValue& parts = json.Set("parts", JsonValue::List()).members.back().second;
     for (const TracePart& part : trace.Parts()) parts.items.push_back(JsonOf(part, trace.Request().inputs));
@@ -133,81 +148,18 @@ JsonValue Outcome(const Trace& trace) {
     return json;
 }
 
-std::string Shown(const JsonValue& value) {
-    std::string text = value.Dump();
-    text.pop_back();
-    constexpr std::size_t kMostShown = 100;
-    if (text.size() <= kMostShown) return text;
-    std::size_t end = kMostShown;
-    while ((static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;  // between two characters
-    return text.substr(0, end) + "...";
-}
-
-constexpr std::size_t kMostDifferences = 100;
-
-void Compare(const JsonValue& recorded, const JsonValue& computed, const std::string& path,
-             std::vector<std::string>& differences) {
-    if (recorded == computed || differences.size() == kMostDifferences) return;
-    const bool areLists = recorded.kind == JsonValue::Kind::kList && computed.kind == JsonValue::Kind::kList;
-    if (areLists && recorded.items.size() == computed.items.size()) {
-        for (std::size_t i = 0; i < recorded.items.size(); ++i)
-            Compare(recorded.items[i], computed.items[i], path + '/' + std::to_string(i + 1), differences);
-        return;
-    }
-    if (recorded.kind == JsonValue::Kind::kObject && computed.kind == JsonValue::Kind::kObject) {
-        // By name: a file may have the members in any order.
-        const std::string before = path.empty() ? "" : path + '/';
-        for (const auto& [name, value] : recorded.members) {
-            if (const JsonValue* const other = computed.Find(name))
-                Compare(value, *other, before + name, differences);
-            else
-                differences.push_back(before + name + " was recorded, and is not computed");
-        }
-        for (const auto& [name, value] : computed.members)
-            if (recorded.Find(name) == nullptr)
-                differences.push_back(before + name + " is computed, and was not recorded");
-        return;
-    }
-    differences.push_back(path + ": " + Shown(recorded) + " was recorded, " + Shown(computed) + " is computed");
-}
-
-}  // namespace
-
 std::string Trace::Json() const {
-    return JsonValue::Object()
-        .Set("format", JsonValue::Text(kFormat))
-        .Set("engine", JsonValue::Text(m_engine))
-        .Set("calculation", JsonOf(m_calculation))
-        .Set("outcome", Outcome(*this))
-        .Dump();
-}
-
-std::optional<TraceCheck> CheckTrace(std::string_view json, std::string& error, unsigned threads) {
-    const std::optional<JsonValue> recorded = JsonValue::Parse(json, error);
-    if (!recorded) return {};
-    const JsonValue *const format = recorded->Find("format"), *const engine = recorded->Find("engine"),
-                           *const calculation = recorded->Find("calculation"),
-                           *const outcome = recorded->Find("outcome");
-    if (format == nullptr || *format != JsonValue::Text(kFormat)) {
-        error = "this is no trace of a calculation";
-        return {};
-    }
-    if (engine == nullptr || engine->kind != JsonValue::Kind::kText || calculation == nullptr || outcome == nullptr) {
-        error = "the trace is not complete";
-        return {};
-    }
-    const std::optional<Calculation> read = CalculationOf(*calculation, error);
-    if (!read) return {};
-    for (const auto& [name, value] : recorded->members) {
-        if (&value == format || &value == engine || &value == calculation || &value == outcome) continue;
-        error = "\"" + name + "\" is no member of a trace";
-        return {};
-    }
-    TraceCheck check{Trace::Of(*read, threads), engine->text, {}};
-    // What this version does not know of the calculation would not have been computed.
-    Compare(*calculation, JsonOf(*read), "calculation", check.differences);
-    Compare(*outcome, Outcome(check.computed), "", check.differences);
-    return check;
+    if (ObjectionToTracing(m_calculation)) return {};
+    std::string json = JsonValue::Object()
+                           .Set("format", JsonValue::Text(kTraceFormat))
+                           .Set("engine", JsonValue::Text(m_engine))
+                           .Set("calculation", JsonOf(m_calculation))
+                           .Set("outcome", OutcomeOf(*this))
+                           .Dump();
+    // Each value has two bytes at least, so that a shorter text never has too many of them.
+    std::string ignored;
+    if (json.size() > 2 * JsonValue::kMostValues && !JsonValue::Parse(json, ignored)) return {};
+    return json;
 }
 
 }  // namespace qel

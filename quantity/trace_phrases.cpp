@@ -22,6 +22,9 @@ constexpr std::array kRoundings = {
     Phrase{"away from zero, ", "切上げ、"},
 };
 constexpr std::array kPhrases = {
+    Phrase{"{} decimal place", "小数点以下 {} 桁"},
+    Phrase{"{} significant digit", "有効数字 {} 桁"},
+    Phrase{"{} digit of the uncertainty", "不確かさの有効数字 {} 桁の位まで"},
     Phrase{"{} decimal places", "小数点以下 {} 桁"},
     Phrase{"{} significant digits", "有効数字 {} 桁"},
     Phrase{"multiples of {}", "{} の倍数"},

@@ -29,7 +29,7 @@ void RequireTrace(const Result& result);
 std::string UncertaintyText(const Result& result);
 /// "passed by guarded acceptance, w = 1 U"; empty without limits, and without a trace.
 std::string DecisionText(const Result& result);
-/// "half away from zero, 1 decimal places"; empty without a trace.
+/// "half away from zero, 1 decimal place"; empty without a trace.
 std::string RuleText(const Result& result);
 
 }  // namespace titration

@@ -63,6 +63,7 @@ TEST(RoundingRule, HasANameThatIsReadAgain) {
                                      RoundingRule::ToMultiple(DecimalRounding::kAwayFromZero, Of("0.050")),
                                      RoundingRule::ToUncertainty(DecimalRounding::kHalfAwayFromZero, 2)})
         EXPECT_EQ(RoundingRule::OfName(rule.Name()), rule) << rule.Name();
+    EXPECT_EQ(RoundingRule::OfName("half even, 1 decimal places")->Name(), "half even, 1 decimal place");
     for (const char* name :
          {"", "half even", "half even, 2", "half even, 2 decimal placesx", "half even, x decimal places",
           "half even, multiples of x", "half odd, 2 decimal places", "half even, 6001 decimal places",

@@ -212,9 +212,9 @@ TEST(Trace, EveryChangedMemberIsADifferenceOrRefused) {
         std::ranges::reverse(value.members);
         for (auto& item : value.items) self(self, item, name);
         for (auto& [member, inner] : value.members) self(self, inner, member);
-        // Where a value is from and which version computed it change no digit.
+        // Where a value is from nothing computes.
         const bool isLeaf = value.items.empty() && value.members.empty();
-        if (isLeaf && name != "engine" && name != "origin") leaves.push_back(&value);
+        if (isLeaf && name != "origin") leaves.push_back(&value);
     };
     collect(collect, root, "");
     EXPECT_GT(leaves.size(), 150U);
@@ -400,6 +400,87 @@ TEST(Trace, JsonIsWhatItsSchemaSays) {
         const std::string json = Trace::Of(calculation).Json();
         EXPECT_EQ(schema.Objection(*qel::JsonValue::Parse(json, error)), "");
         EXPECT_EQ(qel::CheckTrace(json, error)->differences, std::vector<std::string>{});
+    }
+}
+
+// Whatever is computed can be computed again, and what cannot be kept is refused before that.
+TEST(Trace, KeepsAllThatItsResultDependsOn) {
+    using Change = void (*)(Calculation&);
+    qel::ExactResult limit;
+    limit.kind = qel::ExactResult::Kind::kBelow;
+    limit.value = qel::Decimal(2);
+    limit.cause = 1;
+    const auto traced = [&](Change change) {
+        Calculation calculation;
+        calculation.result = {"X", "mean(A, B)", ""};
+        calculation.inputs = {Input("A", "3", {*UncertaintyComponent::Standard(0.1)}), Input("B", "4")};
+        calculation.substitution = qel::LimitSubstitution::kHalf;
+        change(calculation);
+        const Trace trace = Trace::Of(calculation);
+        const std::string json = trace.Json();
+        std::string error;
+        const auto check = qel::CheckTrace(json, error);
+        EXPECT_TRUE(json.empty() || (check && check->differences.empty())) << error;
+        return (json.empty() ? "refused, " : "") + (trace.Fault() ? trace.Fault()->sentence : trace.ResultText());
+    };
+    static const Reading computed = Reading::OfResult(limit);
+    static constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    static const std::string kStatement = "refused, an uncertainty is not what its own statement gives",
+                             kLimit = "refused, a limit or its decision rule is not valid",
+                             kFinite =
+                                 "refused, a coverage factor, a coverage probability or a correlation is not a "
+                                 "finite number",
+                             kComputed =
+                                 "not determinable at character 1: \"mean\", because of a computed limit, "
+                                 "which has no substitute: A";
+    for (const auto& [change, expected] : Cases<Change, std::string>{
+             {[](Calculation& c) { c.inputs[0].reading = computed; }, kComputed},
+             {[](Calculation& c) { c.inputs[0].reading.value = qel::Decimal::NotANumber(), c.result.formula = "A"; },
+              "not determinable: A"},
+             {[](Calculation& c) { c.inputs[0].reading.beforeRounding = qel::Decimal::NotANumber(); },
+              "not determinable at character 1: \"mean\", because of a reading that is no number: A"},
+             {[](Calculation& c) { c.uncertainty.withRows = false; }, "3.5"},
+             {[](Calculation& c) { c.inputs[0].components[0].stated = 0; }, kStatement},
+             {[](Calculation& c) { c.inputs[0].components[0].uncertainty = kNan; }, kStatement},
+             {[](Calculation& c) {
+                  c.inputs[0].components[0] = *UncertaintyComponent::Rectangular(0.1);
+                  c.inputs[0].components[0].degreesOfFreedom = 5;
+              },
+              kStatement},
+             {[](Calculation& c) {
+                  c.uncertainty.correlations = {{0, 1, kNan}};
+              },
+              kFinite},
+             {[](Calculation& c) { c.uncertainty.coverageFactor = kNan; }, kFinite},
+             {[](Calculation& c) {
+                  c.limits = {{}, qel::Decimal::NotANumber()};
+              },
+              kLimit},
+             {[](Calculation& c) {
+                  c.limits = {{}, qel::Decimal(1), qel::DecisionRule::GuardedAcceptance(-1)};
+              },
+              kLimit},
+             {[](Calculation& c) { c.inputs[0].origin = "\xFF"; }, "refused, a text is not UTF-8"},
+         })
+        EXPECT_EQ(traced(change), expected);
+}
+
+// Other words of a later version are no difference, another kind or place is one.
+TEST(Trace, IsOfAVersionThatIsKnownAndHasTheSameFault) {
+    Calculation calculation = Acid();
+    calculation.result.formula = "TITRE / 0";
+    const std::string json = Trace::Of(calculation).Json();
+    for (const auto& [before, after, expected] : Cases<const char*, const char*, const char*>{
+             {"a division by zero", "nothing is divided by zero", ""},
+             {"\"division by zero\"", "\"undefined\"",
+              "fault/kind: \"undefined\" was recorded, \"division by zero\" is computed"},
+             {"\"10.0.0\"", "\"9.9.9\"", "\"9.9.9\" is no version that writes traces"},
+             {"\"10.0.0\"", "\"99.0.0\"", "the trace is of version 99.0.0, which is later than this version, 10.0.0"},
+         }) {
+        std::string changed = json, error;
+        changed.replace(changed.find(before), std::string(before).size(), after);
+        const auto check = qel::CheckTrace(changed, error);
+        EXPECT_EQ(check && !check->differences.empty() ? check->differences.front() : error, expected);
     }
 }
 

@@ -227,6 +227,8 @@ void ExactCalculation::Run(const std::string& formula, const std::string& archiv
     if (!newTracePath.empty()) {
         RequireFolderOf(newTracePath);
         const std::string text = trace.Json();
+        if (text.empty() && trace.Fault() != nullptr) throw FaultOf(trace);
+        if (text.empty()) throw Failure(Shown(newTracePath) + ": the trace would be too long", kTooLarge);
         WriteAsAWhole(newTracePath, true, [&](const qel::Descriptor& file) {
             qel::WriteFully(file, std::as_bytes(std::span(text)), newTracePath);
         });
