@@ -100,6 +100,7 @@ public:
 
 private:
     friend class TraceComputation;
+    friend class TraceConclusion;
     std::string NameOf(std::size_t position) const;
 
     Calculation m_calculation;

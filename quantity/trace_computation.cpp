@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/trace_conclusion.h"
 #include "qellib10/quantity/traced_calculation.h"
 #include "qellib10/quantity/uncertain_constants.h"
 #include "qellib10/quantity/uncertainty_propagation.h"
@@ -112,10 +113,7 @@ void TraceComputation::Run() {
         const auto result = std::ranges::find(m_trace.m_parts, SourceOf(last).name, &TracePart::name);
         std::rotate(result, result + 1, m_trace.m_parts.end());
     }
-    TryOut();
-    RemarkKink();
-    Round();
-    Decide();
+    TraceConclusion(m_trace).Draw(*m_bound, m_inputs, m_threads);
 }
 
 std::optional<Unit> TraceComputation::UnitOf(const std::string& name, const std::string& text) {
@@ -281,84 +279,6 @@ void TraceComputation::PutIn(const TracePart& part, bool usesUnknown) {
             same.stated = std::abs(same.uncertainty);
         }
     }
-}
-
-void TraceComputation::Round() {
-    const TracePart& part = m_trace.m_parts.back();
-    const std::optional<RoundingRule>& rule = m_trace.m_calculation.rule;
-    std::optional<Decimal> expanded;
-    if (part.budget) expanded = Decimal::OfDouble(part.budget->expandedUncertainty);
-    if (rule) m_trace.m_rounded = part.result->Rounded(*rule, expanded);
-    if (rule && part.result->IsNumberOrLimit() && !m_trace.m_rounded)
-        m_trace.m_remarks.push_back(
-            "not rounded: the rule needs more than 34 digits, or an uncertainty that is not there");
-    const auto hasRounded = [](const TracePart& each) {
-        return std::ranges::any_of(each.steps, [](const ExactStep& step) { return step.operation == "round"; });
-    };
-    if (m_trace.m_rounded && m_trace.m_rounded->IsChanged() && std::ranges::any_of(m_trace.m_parts, hasRounded))
-        m_trace.m_remarks.push_back("rounded twice: within a formula, and by the rule");
-    if (expanded) m_trace.m_roundedUncertainty = RoundedUncertainty(*expanded);
-}
-
-// To two digits, and no finer than the result, unless nothing would be left.
-std::optional<Decimal> TraceComputation::RoundedUncertainty(const Decimal& expanded) const {
-    constexpr DecimalRounding kHalfAway = DecimalRounding::kHalfAwayFromZero;
-    const std::optional<RoundingRule>& rule = m_trace.m_calculation.rule;
-    const int digits = rule ? rule->UncertaintyDigits().value_or(2) : 2;
-    const Decimal rounded = RoundingRule::ToDigits(kHalfAway, digits).Round(expanded).rounded;
-    if (!rounded.IsFinite()) return {};
-    if (!m_trace.m_rounded || m_trace.m_rounded->rounded.Exponent() <= rounded.Exponent()) return rounded;
-    const int places = -m_trace.m_rounded->rounded.Exponent();
-    const Decimal coarser = RoundingRule::ToPlaces(kHalfAway, places).Round(expanded).rounded;
-    return coarser.IsFinite() && !coarser.IsZero() ? coarser : rounded;
-}
-
-void TraceComputation::Decide() {
-    const Calculation& calculation = m_trace.m_calculation;
-    if (!calculation.limits) return;
-    const TracePart& part = m_trace.m_parts.back();
-    std::string reason;
-    m_trace.m_decision = DecideResult(*part.result, calculation.rule, part.budget, *calculation.limits, reason);
-    if (!m_trace.m_decision) {
-        m_trace.m_remarks.push_back("no decision: " + reason);
-        return;
-    }
-    if (!m_trace.m_decision->isRounded || calculation.limits->rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance)
-        return;
-    const auto unrounded = DecideResult(*part.result, {}, part.budget, *calculation.limits, reason);
-    if (unrounded && unrounded->isPassed != m_trace.m_decision->isPassed)
-        m_trace.m_remarks.push_back(
-            std::string("rounding decides: the unrounded value, which a guard band is for, has ") +
-            (unrounded->isPassed ? "passed" : "not passed"));
-}
-
-void TraceComputation::TryOut() {
-    const Calculation& calculation = m_trace.m_calculation;
-    const TracePart& part = m_trace.m_parts.back();
-    if (calculation.trials == 0) return;
-    const auto refuse = [&](const std::string& why) { m_trace.m_remarks.push_back("no trials: " + why); };
-    if (!part.budget) return refuse("the result has no uncertainty to first order");
-    // The result of a helper has lost the distributions that it came from.
-    if (!calculation.helpers.empty()) return refuse("other formulas are used; write them into this one");
-    if (!part.budget->coverageProbability) return refuse("there is no coverage probability");
-    MonteCarloOptions options;
-    options.trials = calculation.trials;
-    options.seed = calculation.seed;
-    options.threads = m_threads;
-    options.coverageProbability = *part.budget->coverageProbability;
-    options.correlations = calculation.uncertainty.correlations;
-    FormulaError error;
-    m_trace.m_trials = m_bound->Try(m_inputs, options, error);
-    if (!m_trace.m_trials) return refuse(error.Text(part.formula));
-    m_trace.m_firstOrder = ValidateFirstOrder(*part.budget, *m_trace.m_trials);
-}
-
-void TraceComputation::RemarkKink() {
-    const TracePart& part = m_trace.m_parts.back();
-    const bool isEnough = m_trace.m_firstOrder && m_trace.m_firstOrder->isEnough;
-    if (!part.budget || !part.budget->isAtKink || isEnough) return;
-    m_trace.m_remarks.push_back("first order is not enough for the uncertainty of " + part.name +
-                                ": within it the formula takes another branch or bends");
 }
 
 }  // namespace qel

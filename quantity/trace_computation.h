@@ -32,11 +32,6 @@ private:
     void PutIn(const TracePart& part, bool usesUnknown);
     void ShowSources(UncertaintyBudget& budget) const;
     UncertainInput UncertainOf(const CalculationInput& input);
-    void Round();
-    std::optional<Decimal> RoundedUncertainty(const Decimal& expanded) const;
-    void Decide();
-    void TryOut();
-    void RemarkKink();
     void Fail(const CalculationFormula& formula, const FormulaError& error);
     const CalculationFormula& SourceOf(std::size_t formula) const;
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "qellib10/quantity/quantity_formula.h"
+#include "qellib10/quantity/trace.h"
+
+namespace qel {
+
+/// What follows the last formula of a trace: trials, rounding, and the decision at the limits. What was asked for and
+/// cannot be given is a remark.
+class TraceConclusion {
+public:
+    /// @param trace with the part of its result, and no fault
+    explicit TraceConclusion(Trace& trace) : m_trace(trace), m_part(trace.m_parts.back()) {}
+
+    /// @param bound the formula of the result
+    /// @param inputs by position in its scope
+    void Draw(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs, unsigned threads);
+
+private:
+    void TryOut(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs, unsigned threads);
+    void RemarkKink();
+    void Round();
+    std::optional<Decimal> RoundedUncertainty(const Decimal& expanded) const;
+    void Decide();
+
+    Trace& m_trace;
+    const TracePart& m_part;
+};
+
+}  // namespace qel
