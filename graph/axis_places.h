@@ -26,8 +26,11 @@ struct AxisPlaces {
     double BaseAt(double base) const noexcept { return At(isLogarithmic && !(base > 0) ? low : base); }
 
 private:
-    // Halves: the difference of the ends may be more than a number can hold.
-    double Share(double value) const noexcept { return (value / 2 - low / 2) / (high / 2 - low / 2); }
+    double Share(double value) const noexcept {
+        const double length = high - low;
+        if (std::isfinite(length)) return (value - low) * (1 / length);
+        return (value / 2 - low / 2) / (high / 2 - low / 2);  // the length is more than a number can hold
+    }
 };
 
 }  // namespace qel

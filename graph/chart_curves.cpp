@@ -35,12 +35,13 @@ ShapePoint SeriesCurves::At(std::size_t point) const {
 
 double SeriesCurves::Base() const { return m_y.BaseAt(m_series.base); }
 
-std::vector<ShapePoint> SeriesCurves::LineOf(const std::vector<double>& y) const {
-    LineReducer reducer;
+template <class Y> std::vector<ShapePoint> SeriesCurves::LineOf(const Y& y, double columnsPerUnit) const {
+    LineReducer reducer(columnsPerUnit);
     const bool isSteps = m_series.kind == ChartKind::kSteps;
+    const AxisPlaces across = m_x, up = m_y;
     ShapePoint before = kLineGap;
-    for (std::size_t i = 0; i < y.size(); ++i) {
-        const ShapePoint place{m_x.At(m_series.points[i].GetXData()), m_y.At(y[i])};
+    for (std::size_t i = 0; i < Count(); ++i) {
+        const ShapePoint place{across.At(m_series.points[i].GetXData()), up.At(y(i))};
         if (isSteps && !IsGap(before) && !IsGap(place)) reducer.Add({place.x, before.y});
         reducer.Add(place);
         before = place;
@@ -48,10 +49,12 @@ std::vector<ShapePoint> SeriesCurves::LineOf(const std::vector<double>& y) const
     return reducer.Take();
 }
 
-std::vector<ShapePoint> SeriesCurves::Line() const {
-    std::vector<double> y(Count());
-    std::ranges::transform(m_series.points, y.begin(), &CGraphData::GetYData);
-    return LineOf(y);
+std::vector<ShapePoint> SeriesCurves::LineOf(const std::vector<double>& y) const {
+    return LineOf([&](std::size_t point) { return y[point]; }, LineReducer::kFine);
+}
+
+std::vector<ShapePoint> SeriesCurves::Line(double columnsPerUnit) const {
+    return LineOf([this](std::size_t point) { return m_series.points[point].GetYData(); }, columnsPerUnit);
 }
 
 std::vector<std::vector<ShapePoint>> SeriesCurves::Between(const std::vector<double>& upper,
@@ -106,6 +109,8 @@ std::vector<std::vector<ShapePoint>> SeriesCurves::ErrorAreas() const {
 
 std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
     std::vector<ErrorBar> bars;
+    const auto isEmpty = [](const ChartErrors& errors) { return errors.down.empty() && errors.up.empty(); };
+    if (isEmpty(m_series.xErrors) && isEmpty(m_series.yErrors)) return bars;
     const bool isOnBars = m_series.kind == ChartKind::kBars;
     const double beside = isOnBars ? PlacesOfBars(m_chart, m_index, m_x).Middle() : 0;
     const std::vector<double> below = StackedBelow(m_chart, m_index);

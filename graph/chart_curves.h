@@ -4,6 +4,7 @@
 
 #include "qellib10/graph/chart_axis_layout.h"
 #include "qellib10/graph/chart_bars.h"
+#include "qellib10/graph/chart_line.h"
 
 namespace qel {
 
@@ -15,9 +16,10 @@ public:
     std::size_t Count() const { return m_series.points.size(); }
     /// Of one point; not a number for a gap.
     ShapePoint At(std::size_t point) const;
-    /// With corners of steps, reduced to what can be seen: of many points in an eighth of a device unit the first, the
-    /// last, the lowest and the highest.
-    std::vector<ShapePoint> Line() const;
+    /// With corners of steps, reduced to what can be seen: of many points in a sixteenth of a device unit the first,
+    /// the last, the lowest and the highest.
+    /// @param columnsPerUnit wider columns for a rough line
+    std::vector<ShapePoint> Line(double columnsPerUnit = LineReducer::kFine) const;
     /// Closed outlines between the line and the base or the band's other edge, one per piece without gaps.
     std::vector<std::vector<ShapePoint>> Areas() const;
     /// Of the y errors, as band.
@@ -33,6 +35,7 @@ public:
 
 private:
     std::vector<ShapePoint> LineOf(const std::vector<double>& y) const;
+    template <class Y> std::vector<ShapePoint> LineOf(const Y& y, double columnsPerUnit) const;
     std::vector<std::vector<ShapePoint>> Between(const std::vector<double>& upper,
                                                  const std::vector<double>& lower) const;
 

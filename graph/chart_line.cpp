@@ -6,8 +6,6 @@
 namespace qel {
 namespace {
 
-constexpr double kColumnsPerUnit = 8;
-
 // The part of a segment within the box, by Liang and Barsky (1984).
 std::optional<std::pair<ShapePoint, ShapePoint>> CutSegment(const ShapePoint& from, const ShapePoint& to,
                                                             const ChartBox& box) {
@@ -42,7 +40,7 @@ void LineReducer::Add(const ShapePoint& place) {
         if (!m_line.empty() && !IsGap(m_line.back())) m_line.push_back(kLineGap);
         return;
     }
-    const double column = std::floor(place.x * kColumnsPerUnit);
+    const double column = std::floor(place.x * m_columnsPerUnit);
     if (m_column != column) {
         End();
         m_column = column;

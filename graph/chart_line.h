@@ -16,16 +16,21 @@ inline constexpr ShapePoint kLineGap = {std::numeric_limits<double>::quiet_NaN()
                                         std::numeric_limits<double>::quiet_NaN()};
 inline bool IsGap(const ShapePoint& place) { return std::isnan(place.x) || std::isnan(place.y); }
 
-/// Collects a line, reduced to what can be seen: of its points in a column of an eighth of a device unit the first, the
-/// last, the lowest and the highest.
+/// Collects a line, reduced to what can be seen: of its points in a column of a sixteenth of a device unit the first,
+/// the last, the lowest and the highest.
 class LineReducer {
 public:
+    /// @param columnsPerUnit narrow ones lose nothing that can be seen
+    explicit LineReducer(double columnsPerUnit = kFine) : m_columnsPerUnit(columnsPerUnit) {}
+    static constexpr double kFine = 16;
+
     void Add(const ShapePoint& place);
     std::vector<ShapePoint> Take();
 
 private:
     void End();
 
+    const double m_columnsPerUnit;
     std::vector<ShapePoint> m_line;
     std::optional<double> m_column;
     ShapePoint m_first, m_last, m_low, m_high;

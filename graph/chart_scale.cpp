@@ -59,6 +59,11 @@ void AddSeries(Extent& extent, const Chart& chart, std::size_t index, bool isX) 
     if (!isX && hasBase) extent.Add(series.base);
     const std::vector<double> below = isX ? std::vector<double>() : StackedBelow(chart, index);
     const double half = isX && series.kind == ChartKind::kBars ? BarDistance(series.points) / 2 : 0;
+    const ChartErrors& errors = isX ? series.xErrors : series.yErrors;
+    if (errors.down.empty() && errors.up.empty() && half == 0 && below.empty() && series.lower.empty()) {
+        for (const CGraphData& point : series.points) extent.Add(isX ? point.GetXData() : point.GetYData());
+        return;
+    }
     for (std::size_t i = 0; i < series.points.size(); ++i) {
         const CGraphData& point = series.points[i];
         if (isX) {

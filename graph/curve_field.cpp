@@ -34,7 +34,7 @@ CurveField::CurveField(const Chart& chart, const ChartCanvas& canvas, const std:
         } else if (kind == ChartKind::kPoints) {
             for (std::size_t point = 0; point < curves.Count(); ++point) Mark(curves.At(point));
         } else {
-            MarkLine(CutToArea(curves.Line(), plot));
+            MarkLine(CutToArea(curves.Line(1 / m_cell), plot));
         }
         for (const SeriesCurves::ErrorBar& bar : curves.ErrorBars()) MarkLine({bar.from, bar.to});
     }

@@ -12,6 +12,7 @@
 #include "qellib10/platform/drawing/cairo_shapes.h"
 #include "qellib10/platform/drawing/hatch.h"
 #include "qellib10/platform/drawing/screen.h"
+#include "qellib10/platform/drawing/smooth_curve.h"
 #include "qellib10/platform/drawing/text_font.h"
 
 namespace qel {
@@ -260,6 +261,13 @@ void BitmapSurface::Text(const TextFont& font, const TextLine& line, const POINT
 
 void BitmapSurface::Shape(std::span<const ShapePoint> corners, const ShapeStyle& style) {
     Flush();
+    const bool isCurve = style.isSmooth && style.stroke && !style.fill && !style.isClosed && style.isRound &&
+                         UsableDashes(style).empty() && style.strokeWidth >= SmoothCurve::kThinnest &&
+                         style.strokeWidth <= SmoothCurve::kWidest;
+    if (isCurve) {
+        SmoothCurve(m_raster, style.strokeWidth).Draw(corners, *style.stroke, UsableOpacity(style.opacity));
+        return;
+    }
     cairo_t* const cairo = Canvas().Begin();
     ClipTo(cairo, ClipBox());
     PaintShape(cairo, corners, style, std::numeric_limits<std::size_t>::max());
