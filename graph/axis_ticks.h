@@ -62,7 +62,8 @@ struct AxisSpace {
 /// 15 digits, as many as a double holds; ranges too narrow for them, or for a step of 1e-307, have one tick or none.
 AxisTicks LinearTicks(double low, double high, ChartExponent exponent, const AxisSpace& space);
 
-/// At decades, or each second, third ... of them, with minor ticks at 2 to 9 or at 2 and 5. Below one decade, at linear
+/// At decades, or each second, third ... of them, with minor ticks at 2 to 9 or at 2 and 5, which have texts below
+/// three decades where they fit. Below one decade, at linear
 /// steps. @p low is above 0; values below 1e-307 have no ticks.
 AxisTicks LogTicks(double low, double high, const AxisSpace& space);
 

@@ -9,6 +9,7 @@ namespace {
 // Points: around titles, between the legend and the rest, and the smallest plot for whose sake texts are left out.
 constexpr double kTitleGap = 4, kLegendGap = 8, kNarrowestPlot = 60, kLowestPlot = 45;
 constexpr double kWidestLegend = 0.34;           // of the chart, beside the plot
+constexpr double kNarrowestShare = 0.45;         // of the chart: the plot beside a legend
 constexpr int kFreePasses = 2, kMostPasses = 8;  // values of axes need space, which changes the values
 
 // What is left out first where there is no space.
@@ -96,7 +97,7 @@ private:
             std::erase_if(axis.labels, [&](const PlacedLabel& label) { return !IsInside(label.box, m_box); });
     }
 
-    // In a corner of the plot that no curve passes through.
+    // In a corner of the plot that no curve passes through, or between two corners.
     std::optional<LegendLayout> LegendInside(const ChartLayout& layout) const {
         const double gap = m_canvas.Units(kLegendGap * 0.75);
         auto legend = LayLegend(m_chart, m_canvas, 0, layout.plot.Width() * 0.6);
@@ -106,7 +107,15 @@ private:
         const CurveField field(m_chart, m_canvas, layout.axes, layout.plot);
         const double left = layout.plot.left + gap, right = layout.plot.right - gap - width;
         const double top = layout.plot.top + gap, bottom = layout.plot.bottom - gap - height;
-        for (const ShapePoint& corner : {ShapePoint{right, top}, {left, top}, {right, bottom}, {left, bottom}}) {
+        const double across = (left + right) / 2, down = (top + bottom) / 2;
+        for (const ShapePoint& corner : {ShapePoint{right, top},
+                                         {left, top},
+                                         {right, bottom},
+                                         {left, bottom},
+                                         {across, top},
+                                         {right, down},
+                                         {left, down},
+                                         {across, bottom}}) {
             const ChartBox box{corner.x, corner.y, corner.x + width, corner.y + height};
             if (field.Hits(box) > 0 || HasLimit(layout, box)) continue;
             MoveLegend(*legend, corner.x, corner.y);
@@ -127,7 +136,7 @@ private:
         });
     }
 
-    // At the right of the plot, or below everything where that would take too much of the width.
+    // At the right of the plot, or below everything where that would leave too little of the width.
     void LegendOutside(const ChartBox& inner, const AxisTexts& texts, ChartLayout& layout) const {
         const double gap = m_canvas.Units(kLegendGap), width = inner.Width();
         if (auto legend = LayLegend(m_chart, m_canvas, 0, width * kWidestLegend);
@@ -137,7 +146,8 @@ private:
             rest.right -= legend->box.Width() + gap;
             LayPlot(rest, texts, layout);
             MoveLegend(*legend, rest.right + gap, layout.plot.top);
-            if (legend->box.bottom <= inner.bottom) {
+            const bool isWide = layout.plot.Width() >= kNarrowestShare * m_box.Width();
+            if (isWide && legend->box.bottom <= inner.bottom) {
                 layout.legend = std::move(legend);
                 return;
             }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kLeastDecade = -307;               // below, doubles have fewer digits
 constexpr int kLeastPlain = -3, kMostPlain = 4;  // 0.001 to 10000
-constexpr double kDecadesWithParts = 1.5;        // fewer decades have texts at 2 and 5, too
+constexpr double kDecadesWithParts = 2.9;        // fewer decades have texts at 2 and 5, too
 
 // Decades between texts; 10^100 is easier to find than 10^91.
 constexpr std::array kDistances = {1, 2, 3, 4, 5, 6, 10, 15, 20, 25, 30, 50, 100, 200, 300};
