@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "qellib10/graph/chart_look.h"
+
 namespace qel {
 namespace {
 
@@ -37,14 +39,14 @@ private:
         return {range.low, range.high, axis.scale == ChartScale::kLogarithmic, from, to};
     }
 
-    LabelStyle ValueStyle() const { return {m_chart.theme.face, m_chart.theme.labelSize, m_chart.theme.faintText}; }
+    LabelStyle ValueStyle(COLORREF color) const { return {m_chart.theme.face, m_chart.theme.labelSize, color}; }
 
     AxisTicks TicksOf(const ChartAxis& axis, const AxisRange& range) const {
         const bool isHorizontal = IsHorizontal(axis);
         AxisSpace space;
         space.length = std::max(1.0, isHorizontal ? m_plot.Width() : m_plot.Height());
         space.shortestMinor = m_canvas.Units(3);
-        space.extent = [this, isHorizontal, style = ValueStyle()](std::string_view text) {
+        space.extent = [this, isHorizontal, style = ValueStyle(m_chart.theme.faintText)](std::string_view text) {
             const LabelSize size = m_canvas.Measure(text, style);
             return isHorizontal ? size.width + m_canvas.Units(kBetweenAcross)
                                 : size.Height() + m_canvas.Units(kBetweenDown);
@@ -103,9 +105,10 @@ private:
     void AddValues(const ChartAxis& axis, double& used, AxisLayout& layout) const {
         double thickness = 0;
         const double at = used + m_canvas.Units(kValueGap);
+        const LabelStyle style = ValueStyle(SeriesColorOf(m_chart, layout.index).value_or(m_chart.theme.faintText));
         for (const AxisTick& tick : layout.ticks.ticks) {
             if (tick.text.empty()) continue;
-            layout.labels.push_back(Beside(axis, layout.places.At(tick.value), at, tick.text, ValueStyle()));
+            layout.labels.push_back(Beside(axis, layout.places.At(tick.value), at, tick.text, style));
             thickness = std::max(thickness, Thickness(axis, layout.labels.back()));
         }
         if (thickness > 0) used = at + thickness;
@@ -123,7 +126,8 @@ private:
     }
 
     void AddTitle(const ChartAxis& axis, double& used, AxisLayout& layout) const {
-        LabelStyle style{m_chart.theme.face, m_chart.theme.axisTitleSize, m_chart.theme.text};
+        LabelStyle style{m_chart.theme.face, m_chart.theme.axisTitleSize,
+                         SeriesColorOf(m_chart, layout.index).value_or(m_chart.theme.text)};
         style.quarterTurns = IsHorizontal(axis) ? 0 : 1;
         const double length = IsHorizontal(axis) ? m_plot.Width() : m_plot.Height();
         const std::string text = m_canvas.Shortened(TitleOf(axis, layout.ticks), style, length);

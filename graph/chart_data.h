@@ -30,6 +30,7 @@ struct ChartAxis {
     std::vector<std::string> categories = {};  ///< of values 0, 1, 2, ...
     std::optional<bool> hasGrid = {};        ///< without it: the first horizontal and the first vertical axis have one
     std::optional<std::size_t> sameAs = {};  ///< the axis has the range of this one
+    bool hasSeriesColor = false;             ///< its line and texts have the colour of the first series on it
 };
 
 enum class ChartMark {
@@ -81,7 +82,8 @@ struct ChartSeries {
     double base = 0;            ///< of bars, areas and drops; on a logarithmic axis its low end
     bool isStacked = false;     ///< bars stand on those of the stacked series before it
     std::optional<COLORREF> color = {};
-    double width = 0;  ///< of the line, points; 0: the theme's
+    std::optional<std::size_t> colorOf = {};  ///< without a colour: it has that of this series
+    double width = 0;                         ///< of the line, points; 0: the theme's
     ChartDash dash = ChartDash::kAuto;
     ChartMark mark = ChartMark::kAuto;
 };
@@ -92,7 +94,7 @@ struct ChartLimit {
     double from = 0;
     std::optional<double> to = {};
     std::string label = {};
-    std::optional<COLORREF> color = {};
+    std::optional<COLORREF> color = {};  ///< without contrast to the plot it is made lighter or darker
 };
 
 /// A text with an arrow to a place.

@@ -1,6 +1,7 @@
 #include "qellib10/graph/chart_look.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <span>
 
@@ -22,28 +23,82 @@ constexpr ChartMark kMarks[] = {ChartMark::kCircle,       ChartMark::kSquare, Ch
                                 ChartMark::kTriangleDown, ChartMark::kCross,  ChartMark::kPlus,     ChartMark::kStar,
                                 ChartMark::kPentagon,     ChartMark::kHexagon};
 
+// Of the three channels' linear light, as WCAG 2.1 (2018) defines relative luminance.
+double LuminanceOf(COLORREF color) {
+    const auto light = [](int channel) {
+        const double share = channel / 255.0;
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * light(GetRValue(color)) + 0.7152 * light(GetGValue(color)) + 0.0722 * light(GetBValue(color));
+}
+
+double ContrastOf(COLORREF one, COLORREF other) {
+    const auto [dark, light] = std::minmax({LuminanceOf(one), LuminanceOf(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+// The series whose colour this one has.
+std::size_t SourceOf(const Chart& chart, std::size_t index) {
+    const auto& from = chart.series[index].colorOf;
+    return from && *from < chart.series.size() ? *from : index;
+}
+
+// Among those that have a colour of their own, so that no colour of the palette is skipped.
+std::size_t PlaceInPalette(const Chart& chart, std::size_t source) {
+    const auto isOwn = [](const ChartSeries& series) { return !series.colorOf; };
+    return static_cast<std::size_t>(std::ranges::count_if(std::span(chart.series).first(source), isOwn));
+}
+
+COLORREF ColorOf(const Chart& chart, std::size_t index) {
+    const std::size_t source = SourceOf(chart, index), colors = chart.theme.palette.size();
+    const COLORREF own = colors > 0 ? chart.theme.palette[PlaceInPalette(chart, source) % colors] : chart.theme.text;
+    return chart.series[index].color.value_or(chart.series[source].color.value_or(own));
+}
+
 }  // namespace
+
+COLORREF Readable(COLORREF color, COLORREF on, COLORREF text, double contrast) {
+    constexpr int kSteps = 16;
+    COLORREF mixed = color;
+    for (int step = 1; step <= kSteps && ContrastOf(mixed, on) < contrast; ++step) {
+        const auto mix = [step](int from, int to) { return from + (to - from) * step / kSteps; };
+        mixed = RGB(mix(GetRValue(color), GetRValue(text)), mix(GetGValue(color), GetGValue(text)),
+                    mix(GetBValue(color), GetBValue(text)));
+    }
+    return mixed;
+}
+
+std::optional<COLORREF> SeriesColorOf(const Chart& chart, std::size_t axis) {
+    if (!chart.axes[axis].hasSeriesColor) return {};
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        if (chart.series[i].xAxis == axis || chart.series[i].yAxis == axis)
+            return Readable(ColorOf(chart, i), chart.theme.background, chart.theme.text, kTextContrast);
+    }
+    return {};
+}
 
 SeriesLook LookOf(const Chart& chart, std::size_t index) {
     const ChartSeries& series = chart.series[index];
     const ChartTheme& theme = chart.theme;
-    const std::size_t colors = theme.palette.size();
     SeriesLook look;
-    look.color = series.color.value_or(colors > 0 ? theme.palette[index % colors] : theme.text);
+    look.color = ColorOf(chart, index);
     look.width = series.width > 0 ? series.width : theme.lineWidth;
     const auto isLine = [](const ChartSeries& each) {
         return each.kind == ChartKind::kLine || each.kind == ChartKind::kSteps || each.kind == ChartKind::kArea;
     };
-    const auto lines = std::ranges::count_if(std::span(chart.series).first(index), isLine);
-    const std::size_t round =
-        theme.hasDashes ? static_cast<std::size_t>(lines) : index / std::max<std::size_t>(1, colors);
+    const auto isPoints = [](const ChartSeries& each) { return each.kind == ChartKind::kPoints; };
+    const std::span before = std::span(chart.series).first(index);
+    const auto lines = std::ranges::count_if(before, isLine), points = std::ranges::count_if(before, isPoints);
+    const std::size_t round = theme.hasDashes ? static_cast<std::size_t>(lines)
+                                              : PlaceInPalette(chart, SourceOf(chart, index)) /
+                                                    std::max<std::size_t>(1, theme.palette.size());
     const std::size_t dash =
         series.dash == ChartDash::kAuto ? round % kDashCount : static_cast<std::size_t>(series.dash) - 1;
     for (const double length : kDashes[std::min(dash, kDashCount - 1)].lengths)
         look.dashes.push_back(length * std::max(1.0, look.width));
     look.mark = series.mark;
     if (look.mark == ChartMark::kAuto)
-        look.mark = series.kind == ChartKind::kPoints ? kMarks[index % std::size(kMarks)] : ChartMark::kNone;
+        look.mark = isPoints(series) ? kMarks[static_cast<std::size_t>(points) % std::size(kMarks)] : ChartMark::kNone;
     return look;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "qellib10/graph/chart.h"
@@ -15,5 +16,14 @@ struct SeriesLook {
 };
 
 SeriesLook LookOf(const Chart& chart, std::size_t series);
+
+/// The least contrast of texts and of lines, by WCAG 2.1, 1.4.3 and 1.4.11.
+constexpr double kTextContrast = 4.5, kLineContrast = 3;
+
+/// @p color, mixed with as much of @p text as gives it the contrast to the colour below it.
+COLORREF Readable(COLORREF color, COLORREF on, COLORREF text, double contrast);
+
+/// Of an axis that has the colour of its first series.
+std::optional<COLORREF> SeriesColorOf(const Chart& chart, std::size_t axis);
 
 }  // namespace qel

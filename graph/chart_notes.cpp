@@ -1,13 +1,16 @@
 #include "qellib10/graph/chart_notes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
 
+#include "qellib10/graph/chart_look.h"
+
 namespace qel {
 namespace {
 
-constexpr double kGap = 3;  // points, around a text
+constexpr double kGap = 3, kAtTarget = 10;  // points, around a text, and of an arrow at the curve
 
 ChartBox Grown(const ChartBox& box, double by) {
     return {box.left - by, box.top - by, box.right + by, box.bottom + by};
@@ -19,12 +22,13 @@ public:
     BestPlace(const ChartCanvas& canvas, const ChartBox& plot, const CurveField& field, const TakenBoxes& taken)
         : m_canvas(canvas), m_plot(plot), m_field(field), m_taken(taken) {}
 
+    // @param target where an arrow leads to
     void Try(const std::string& text, const LabelStyle& style, const ShapePoint& at, const LabelAnchor& anchor,
-             double cost) {
+             double cost, const std::optional<ShapePoint>& target = {}) {
         const PlacedLabel label = LabelAt(m_canvas, text, style, at, anchor);
         const ChartBox box = Grown(label.box, m_canvas.Units(kGap / 2));
         if (!IsInside(box, m_plot) || !m_taken.IsFree(box)) return;
-        const double all = cost + m_field.Hits(box);
+        const double all = cost + m_field.Hits(box) + (target ? ArrowHits(label.box, *target) : 0);
         if (all >= m_cost) return;
         m_cost = all;
         m_best = label;
@@ -32,6 +36,15 @@ public:
     const std::optional<PlacedLabel>& Best() const { return m_best; }
 
 private:
+    // Of the arrow's part that is not yet at the curve where it leads to.
+    int ArrowHits(const ChartBox& box, const ShapePoint& target) const {
+        const ShapePoint from{std::clamp(target.x, box.left, box.right), std::clamp(target.y, box.top, box.bottom)};
+        const double length = std::hypot(target.x - from.x, target.y - from.y);
+        const double share = 1 - m_canvas.Units(kAtTarget) / std::max(length, 1.0);
+        if (share <= 0) return 0;
+        return m_field.HitsAlong(from, {from.x + (target.x - from.x) * share, from.y + (target.y - from.y) * share});
+    }
+
     const ChartCanvas& m_canvas;
     const ChartBox& m_plot;
     const CurveField& m_field;
@@ -51,20 +64,22 @@ std::vector<PlacedNote> PlaceLimitLabels(const Chart& chart, const ChartCanvas& 
     for (std::size_t i = 0; i < chart.limits.size(); ++i) {
         const ChartLimit& limit = chart.limits[i];
         if (limit.label.empty() || limit.axis >= axes.size()) continue;
-        const LabelStyle style{chart.theme.face, chart.theme.labelSize, limit.color.value_or(chart.theme.limit)};
+        const LabelStyle style{
+            chart.theme.face, chart.theme.labelSize,
+            Readable(limit.color.value_or(chart.theme.limit), chart.theme.plot, chart.theme.text, kTextContrast)};
         const std::string text = canvas.Shortened(limit.label, style, plot.Width() - 2 * gap);
         BestPlace best(canvas, plot, field, taken);
         // Beside the line, @p side before or after it.
         const auto tryBeside = [&](double at, double side, double cost) {
             if (text.empty() || !std::isfinite(at)) return;
             const bool isUpright = IsHorizontal(chart.axes[limit.axis]);
-            for (const double share : {1.0, 0.0, 0.5}) {
+            for (const double share : {1.0, 0.0, 0.5, 0.75, 0.25}) {
                 const double x = plot.left + gap + share * (plot.Width() - 2 * gap);
                 const double y = plot.bottom - gap - share * (plot.Height() - 2 * gap);
                 if (isUpright) {
                     best.Try(text, style, {at + side * gap, y}, {side > 0 ? 0.0 : 1.0, 1 - share}, cost);
                 } else {
-                    best.Try(text, style, {x, at + side * gap / 2}, {share, side > 0 ? 0.0 : 1.0}, cost);
+                    best.Try(text, style, {x, at + side * gap * 0.8}, {share, side > 0 ? 0.0 : 1.0}, cost);
                 }
             }
         };
@@ -112,7 +127,7 @@ std::vector<PlacedNote> PlaceNotes(const Chart& chart, const ChartCanvas& canvas
                     const double length = canvas.Units(distance);
                     const auto anchor = [](double way) { return way > 0.3 ? 0.0 : way < -0.3 ? 1.0 : 0.5; };
                     best.Try(text, style, {at.x + direction.x * length, at.y + direction.y * length},
-                             {anchor(direction.x), anchor(direction.y)}, distance / 40);
+                             {anchor(direction.x), anchor(direction.y)}, distance / 40, at);
                 }
             }
         }

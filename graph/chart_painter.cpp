@@ -24,7 +24,7 @@ public:
         m_canvas.Fill(m_layout.box, m_theme.background);
         m_canvas.Fill(m_layout.plot, m_theme.plot);
         m_canvas.Clip(m_layout.plot);
-        for (const ChartLimit& limit : m_chart.limits) PaintBand(limit);
+        for (const ChartLimit& limit : m_chart.limits) PaintBand(limit, m_layout.plot);
         for (const AxisLayout& axis : m_layout.axes) PaintGrid(axis);
         ForEachSeries([&](std::size_t i, const SeriesCurves& curves) { PaintAreas(i, curves); });
         ForEachSeries([&](std::size_t i, const SeriesCurves& curves) { PaintBars(i, curves); });
@@ -56,7 +56,9 @@ private:
 
     // With a background, so that it can be read on a curve.
     void PaintOnPlot(const PlacedLabel& label) {
-        m_canvas.Fill(Grown(label.box, m_canvas.Units(kAroundText)), m_theme.plot, kBackOfText);
+        const ChartBox back = Grown(label.box, m_canvas.Units(kAroundText));
+        m_canvas.Fill(back, m_theme.plot, kBackOfText);
+        for (const ChartLimit& limit : m_chart.limits) PaintBand(limit, back);
         PaintLabel(label);
     }
 
@@ -94,34 +96,36 @@ private:
         const ChartBox& plot = m_layout.plot;
         const ChartSide side = m_chart.axes[axis.index].side;
         const bool isHorizontal = IsHorizontal(m_chart.axes[axis.index]);
+        const COLORREF color = SeriesColorOf(m_chart, axis.index).value_or(m_theme.axis);
         const double out = side == ChartSide::kBottom || side == ChartSide::kRight ? 1 : -1;
         if (isHorizontal) {
-            m_canvas.Straight({plot.left, axis.line}, {plot.right, axis.line}, m_theme.axis, m_theme.axisWidth);
+            m_canvas.Straight({plot.left, axis.line}, {plot.right, axis.line}, color, m_theme.axisWidth);
         } else {
-            m_canvas.Straight({axis.line, plot.top}, {axis.line, plot.bottom}, m_theme.axis, m_theme.axisWidth);
+            m_canvas.Straight({axis.line, plot.top}, {axis.line, plot.bottom}, color, m_theme.axisWidth);
         }
         for (const AxisTick& tick : axis.ticks.ticks) {
             const double length = out * m_canvas.Units(m_theme.tick) * (tick.isMinor ? 0.6 : 1);
             const double at = axis.places.At(tick.value);
             if (isHorizontal) {
-                m_canvas.Straight({at, axis.line}, {at, axis.line + length}, m_theme.axis, m_theme.axisWidth);
+                m_canvas.Straight({at, axis.line}, {at, axis.line + length}, color, m_theme.axisWidth);
             } else {
-                m_canvas.Straight({axis.line, at}, {axis.line + length, at}, m_theme.axis, m_theme.axisWidth);
+                m_canvas.Straight({axis.line, at}, {axis.line + length, at}, color, m_theme.axisWidth);
             }
         }
         for (const PlacedLabel& label : axis.labels) PaintLabel(label);
         if (axis.title) PaintLabel(*axis.title);
     }
 
-    COLORREF ColorOf(const ChartLimit& limit) const { return limit.color.value_or(m_theme.limit); }
+    COLORREF ColorOf(const ChartLimit& limit) const {
+        return Readable(limit.color.value_or(m_theme.limit), m_theme.plot, m_theme.text, kLineContrast);
+    }
 
-    void PaintBand(const ChartLimit& limit) {
+    void PaintBand(const ChartLimit& limit, ChartBox box) {
         if (limit.axis >= m_layout.axes.size() || !limit.to) return;
         const AxisPlaces& places = m_layout.axes[limit.axis].places;
         double from = places.At(limit.from), to = places.At(*limit.to);
         if (!std::isfinite(from) || !std::isfinite(to)) return;
         if (from > to) std::swap(from, to);
-        ChartBox box = m_layout.plot;
         if (IsHorizontal(m_chart.axes[limit.axis])) {
             box.left = std::max(box.left, from);
             box.right = std::min(box.right, to);
@@ -171,8 +175,18 @@ private:
             ChartBox shown = bar;
             shown.top = std::max(shown.top, m_layout.plot.top - 1);
             shown.bottom = std::min(shown.bottom, m_layout.plot.bottom + 1);
-            if (shown.top < shown.bottom) m_canvas.Fill(shown, color);
+            if (!(shown.top < shown.bottom)) continue;
+            m_canvas.Fill(shown, color);
+            // Neighbours may have the same grey on paper.
+            if (m_theme.hasDashes) Outline(shown);
         }
+    }
+
+    void Outline(const ChartBox& box) {
+        const std::array<ShapePoint, 4> corners = {
+            {{box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, {box.left, box.bottom}}};
+        m_canvas.Shape(corners,
+                       {.stroke = m_theme.text, .strokeWidth = m_canvas.Units(m_theme.gridWidth), .isClosed = true});
     }
 
     void PaintLine(std::size_t index, const SeriesCurves& curves) {

@@ -46,11 +46,26 @@ CurveField::CurveField(const Chart& chart, const ChartCanvas& canvas, const std:
     }
 }
 
-void CurveField::Mark(const ShapePoint& at) {
+std::optional<std::size_t> CurveField::CellAt(const ShapePoint& at) const {
     const double column = std::floor((at.x - m_plot.left) / m_cell), row = std::floor((at.y - m_plot.top) / m_cell);
-    if (!(column >= 0 && column < m_columns && row >= 0 && row < m_rows)) return;
-    m_marked[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column)] =
-        true;
+    if (!(column >= 0 && column < m_columns && row >= 0 && row < m_rows)) return {};
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column);
+}
+
+void CurveField::Mark(const ShapePoint& at) {
+    if (const auto cell = CellAt(at)) m_marked[*cell] = true;
+}
+
+int CurveField::HitsAlong(const ShapePoint& from, const ShapePoint& to) const {
+    const double dx = to.x - from.x, dy = to.y - from.y;
+    const int steps = static_cast<int>(std::min(std::hypot(dx, dy) / m_cell, 1e4));
+    int hits = 0;
+    for (int step = 0; step <= steps; ++step) {
+        const double share = steps == 0 ? 0 : double(step) / steps;
+        const auto cell = CellAt({from.x + dx * share, from.y + dy * share});
+        hits += cell && m_marked[*cell] ? 1 : 0;
+    }
+    return hits;
 }
 
 void CurveField::MarkLine(const std::vector<ShapePoint>& line) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "qellib10/graph/chart_curves.h"
@@ -14,8 +15,12 @@ public:
 
     /// How many cells of the box have a part of a curve.
     int Hits(const ChartBox& box) const;
+    /// How often a straight line is in such a cell, at steps of a cell.
+    int HitsAlong(const ShapePoint& from, const ShapePoint& to) const;
 
 private:
+    /// In m_marked; none outside the plot.
+    std::optional<std::size_t> CellAt(const ShapePoint& at) const;
     void Mark(const ShapePoint& at);
     void MarkLine(const std::vector<ShapePoint>& line);
     void MarkBox(const ChartBox& box);

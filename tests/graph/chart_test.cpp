@@ -4,6 +4,7 @@
 #include <limits>
 #include <random>
 
+#include "qellib10/graph/chart_look.h"
 #include "qellib10/platform/failure.h"
 #include "qellib10/print/queue_data.h"
 
@@ -195,6 +196,33 @@ TEST(Chart, HasProportionsThatDoNotDependOnTheResolution) {
         EXPECT_NEAR(small.texts[i].box.left, large.texts[i].box.left / 6.25, 2) << small.texts[i].text;
         EXPECT_NEAR(small.texts[i].box.top, large.texts[i].box.top / 6.25, 2) << small.texts[i].text;
     }
+}
+
+TEST(Chart, SeriesHaveTheColourOfThoseThatTheyBelongTo) {
+    qel::Chart chart;
+    const auto points = qel::ChartKind::kPoints;
+    chart.series = {{.colorOf = 1}, {}, {.kind = points}, {.kind = points, .color = RGB(1, 2, 3)}, {.colorOf = 3}};
+    std::vector<COLORREF> colors;
+    std::vector<qel::ChartMark> marks;
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        colors.push_back(qel::LookOf(chart, i).color);
+        marks.push_back(qel::LookOf(chart, i).mark);
+    }
+    const auto& palette = chart.theme.palette;
+    EXPECT_EQ(colors, (std::vector<COLORREF>{palette[0], palette[0], palette[1], RGB(1, 2, 3), RGB(1, 2, 3)}));
+    const auto none = qel::ChartMark::kNone;
+    EXPECT_EQ(marks, (std::vector{none, none, qel::ChartMark::kCircle, qel::ChartMark::kSquare, none}));
+}
+
+TEST(Chart, TextsInColoursCanBeRead) {
+    const auto readable = [](const qel::ChartTheme& theme, COLORREF color) {
+        return qel::Readable(color, theme.plot, theme.text, qel::kTextContrast);
+    };
+    const COLORREF purple = RGB(0xAA, 0x33, 0x77), yellow = RGB(0xE6, 0x9F, 0x00);
+    EXPECT_EQ(readable(qel::ChartTheme::Light(), purple), purple);
+    EXPECT_EQ(readable(qel::ChartTheme::Dark(), yellow), yellow);
+    EXPECT_EQ(readable(qel::ChartTheme::Light(), yellow), RGB(0x92, 0x6D, 0x16));
+    EXPECT_EQ(readable(qel::ChartTheme::Dark(), purple), RGB(0xC1, 0x77, 0xA3));
 }
 
 TEST(Chart, WritesTheSameBytesEachTime) {
