@@ -4,6 +4,7 @@
 #include "qellib10/evaluation/curve.h"
 #include "qellib10/evaluation/curve_result.h"
 #include "qellib10/evaluation/end_point_options.h"
+#include "qellib10/evaluation/peak_options.h"
 #include "qellib10/platform/decimal/decimal.h"
 #include "qellib10/platform/decimal/decimal_functions.h"
 #include "qellib10/platform/statistics/student.h"

@@ -3,7 +3,7 @@
 
 #include "qellib10/evaluation/curve_lines.h"
 #include "qellib10/evaluation/end_points.h"
-#include "qellib10/evaluation/local_fit.h"
+#include "qellib10/evaluation/level_crossing.h"
 
 namespace qel {
 namespace {
@@ -47,29 +47,14 @@ CurveEndPoint Crossing(const CurveData& data, LocalFit fit, std::size_t first, s
                                "the curve crosses " + name + " where nothing was measured, between " +
                                    NumberInSentence(data.x[before]) + " and " + NumberInSentence(data.x[before + 1]));
     }
-    // The points on both sides have polynomials of their own; each counts as near as it is.
-    double low = data.x[before], high = data.x[before + 1];
-    const auto blended = [&](double place, std::size_t order) {
-        CurveValue left, right;
-        fit.At(before, place, order, left);
-        fit.At(before + 1, place, order, right);
-        const double t = (place - data.x[before]) / (data.x[before + 1] - data.x[before]);
-        return CurveValue{place, (1 - t) * left.y + t * right.y, std::max(left.uncertainty, right.uncertainty)};
-    };
-    const bool isRising = blended(low, 0).y < level.at(low);
-    for (int step = 0; step < 60 && low < high; ++step) {
-        const double middle = low + (high - low) / 2;
-        if (middle <= low || middle >= high) break;
-        ((blended(middle, 0).y < level.at(middle)) == isRising ? low : high) = middle;
-    }
-    const CurveValue at = blended(low, 0), slope = blended(low, 1);
+    const auto [at, slope] = RefineCrossing(data, fit, data.y, before, level.at);
     const double relative = slope.y - level.slope;
     if (!(std::abs(relative) > kClear * slope.uncertainty))
-        return RefusedEndPoint(CurveRefusal::kNoPlace, Cannot(name, low));
+        return RefusedEndPoint(CurveRefusal::kNoPlace, Cannot(name, at.x));
     CurveEndPoint found;
-    found.value = low;
+    found.value = at.x;
     found.signal = at.y;
-    found.uncertainty = std::sqrt(at.uncertainty * at.uncertainty + level.variance(low)) / std::abs(relative);
+    found.uncertainty = std::sqrt(at.uncertainty * at.uncertainty + level.variance(at.x)) / std::abs(relative);
     found.degreesOfFreedom = data.noiseDegrees;
     return found;
 }

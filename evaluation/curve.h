@@ -9,6 +9,7 @@
 
 #include "qellib10/evaluation/curve_result.h"
 #include "qellib10/evaluation/end_point_options.h"
+#include "qellib10/evaluation/peak_options.h"
 #include "qellib10/platform/export.h"
 
 namespace qel {
@@ -84,6 +85,11 @@ public:
     /// Refused for fewer than 3 points, and where the readings bend: a square term is above 6 standard errors and
     /// changes the slope from one end to the other by more than a tenth.
     CurveResult Drift(const CurveRange& range = {}) const;
+
+    /// The baseline below the signal, at each point.
+    CurveValues Baseline(const BaselineOptions& options) const;
+    /// The peaks of a chromatogram or spectrum, above a baseline.
+    CurvePeaks Peaks(const PeakOptions& options) const;
 
     /// The end point of a titration, by one of the methods.
     CurveEndPoint EndPointBy(const EndPointOptions& options) const;

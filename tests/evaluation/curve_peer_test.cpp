@@ -38,7 +38,8 @@ PeerRow RowOf(const std::string& line) {
     for (const double value : NumbersOf(x)) points.push_back({value, 0});
     const Numbers signals = NumbersOf(y);
     for (std::size_t i = 0; i < points.size(); ++i) points[i].y = signals.at(i);
-    const qel::CurveOptions options{.leaveOutStrays = false};
+    qel::CurveOptions options{.leaveOutStrays = false};
+    if (what == "baseline") options.noise = NumbersOf(numbers).at(0);
     return {what, NumbersOf(numbers), NumbersOf(expected), qel::Curve::Of(points, options)};
 }
 
@@ -75,11 +76,29 @@ Found GranOf(const PeerRow& row) {
     return {{found.value.value_or(NAN), found.uncertainty}, 1e-9};
 }
 
+Found PeaksOf(const PeerRow& row) {
+    Found found{{}, 1e-3};
+    qel::PeakOptions options{.leastHeight = 0.5};
+    options.baseline.method = qel::BaselineMethod::kZero;
+    for (const qel::CurvePeak& peak : row.curve.Peaks(options).peaks)
+        found.values.insert(found.values.end(), {peak.width.value.value_or(NAN), peak.area.value.value_or(NAN)});
+    return found;
+}
+
+Found BaselineOf(const PeerRow& row) {
+    const qel::CurveValues values = row.curve.Baseline(
+        {.method = qel::BaselineMethod::kAsymmetric, .smoothness = row.numbers.at(1), .asymmetry = row.numbers.at(2)});
+    Found found{{}, 1e-7};  // the system is badly conditioned
+    for (const qel::CurveValue& value : values.values) found.values.push_back(value.y);
+    return found;
+}
+
 }  // namespace
 
 TEST(CurvePeer, EvaluatesAsScipyDoes) {
     const std::map<std::string, std::function<Found(const PeerRow&)>> evaluations = {
-        {"fit", FitOf}, {"drift", DriftOf}, {"equivalence", EquivalenceOf}, {"gran", GranOf}};
+        {"fit", FitOf},   {"drift", DriftOf}, {"equivalence", EquivalenceOf},
+        {"gran", GranOf}, {"peaks", PeaksOf}, {"baseline", BaselineOf}};
     const std::string command = QELLIB10_TEST_DATA "/../evaluation/curves_of_scipy " + std::to_string(SoakCount(1000)) +
                                 " " + std::to_string(SoakSeed());
     std::istringstream lines(OutputOf(command));
