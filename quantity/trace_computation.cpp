@@ -11,6 +11,7 @@
 #include "qellib10/quantity/traced_calculation.h"
 #include "qellib10/quantity/uncertain_constants.h"
 #include "qellib10/quantity/uncertainty_propagation.h"
+#include "qellib10/quantity/unit_remarks.h"
 
 namespace qel {
 namespace {
@@ -128,6 +129,7 @@ bool TraceComputation::ReadUnits() {
         const std::optional<Unit> unit = UnitOf(input.name, input.unit);
         if (!unit) return false;
         m_units.push_back(*unit);
+        Remark(RemarkOnTemperature(input.name, input.reading.kind, input.reading.value, *unit));
         m_hasUnits |= !input.unit.empty();
     }
     m_units.resize(m_set.Scope().Count());
@@ -137,6 +139,10 @@ bool TraceComputation::ReadUnits() {
             return step.operation == FormulaOperation::kConstant;
         });
     return true;
+}
+
+void TraceComputation::Remark(const std::string& remark) {
+    if (!remark.empty()) m_trace.m_remarks.push_back(remark);
 }
 
 // Where nothing else has a unit, that of the result is only shown.
@@ -150,6 +156,7 @@ bool TraceComputation::Bind(const CalculationFormula& source, const Formula& for
         wanted = UnitOf(source.name, source.unit);
         if (!wanted) return false;
         if (wanted->IsNumber()) part.unit.clear();
+        Remark(RemarkOnFactor(source.name, ProgramOf(formula), *wanted));
     }
     FormulaError error;
     m_bound = QuantityFormula::Bind(formula, m_units, wanted, error);
@@ -174,6 +181,8 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
         Fail(source, error);
         return false;
     }
+    const Reading::Kind kind = Reading::OfResult(*part.result).kind;
+    Remark(RemarkOnTemperature(part.name, kind, part.result->value, m_bound->ResultUnit()));
     if (HasUncertainty(formula)) Propagate(formula, part);
     // A number that a limit went into has no uncertainty that anybody knows.
     PutIn(part, std::ranges::any_of(formula.Variables(), [&](std::size_t position) {
@@ -188,8 +197,7 @@ bool TraceComputation::Compute(const CalculationFormula& source, const Formula& 
         part.budget.reset();
         return false;
     }
-    if (!part.withoutBudget.empty())
-        m_trace.m_remarks.push_back("no uncertainty of " + part.name + ": " + part.withoutBudget);
+    if (!part.withoutBudget.empty()) Remark("no uncertainty of " + part.name + ": " + part.withoutBudget);
     if (part.budget) ShowSources(*part.budget);
     return true;
 }

@@ -24,6 +24,7 @@ private:
     bool AddFormulas();
     bool ReadUnits();
     std::optional<Unit> UnitOf(const std::string& name, const std::string& text);
+    void Remark(const std::string& remark);
     bool Compute(const CalculationFormula& source, const Formula& formula);
     bool Bind(const CalculationFormula& source, const Formula& formula, TracePart& part);
     void Propagate(const Formula& formula, TracePart& part);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "qellib10/platform/text/printable_text.h"
+#include "qellib10/quantity/formula_hints.h"
 #include "qellib10/quantity/uncertainty_statement.h"
 
 namespace qel {
@@ -45,6 +46,15 @@ bool IsText(const Calculation& calculation) {
            std::ranges::all_of(calculation.inputs, [](const CalculationInput& each) { return IsText(each); });
 }
 
+// A person typed a formula, and wants the place.
+std::optional<FormulaError> NoText(const CalculationFormula& formula) {
+    const std::size_t end = EndOfUtf8(formula.formula);
+    if (end == formula.formula.size() || !IsUtf8(formula.name)) return {};
+    FormulaError error{Kind::kText, end, 1, {}, {}, {}};
+    error.expected = formula.name + ": " + error.Text(formula.formula);
+    return error;
+}
+
 bool IsAsStated(const UncertaintyComponent& component) { return OfItsStatement(component) == component; }
 
 bool IsTraceable(const UncertaintyOptions& options) {
@@ -73,6 +83,9 @@ std::optional<FormulaError> ObjectionToTracing(const Calculation& calculation) {
     const auto objection = [](const char* sentence, Kind kind = Kind::kUncertainty) {
         return FormulaError{kind, 0, 0, sentence, {}, {}};
     };
+    if (const auto error = NoText(calculation.result)) return error;
+    for (const CalculationFormula& helper : calculation.helpers)
+        if (const auto error = NoText(helper)) return error;
     if (!IsText(calculation)) return objection("a text is not UTF-8", Kind::kText);
     for (const CalculationInput& input : calculation.inputs)
         if (!std::ranges::all_of(input.components, IsAsStated))

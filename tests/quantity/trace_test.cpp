@@ -96,6 +96,8 @@ TEST(Trace, AHelperLosesNoUncertainty) {
     EXPECT_EQ(Trace::Of(calculation).ResultText(), "not determinable: A");
     calculation.inputs[0].origin = "\xFF";
     EXPECT_EQ(Trace::Of(calculation).Fault()->sentence, "a text is not UTF-8");
+    calculation.helpers[0].formula = "A \xFF";
+    EXPECT_EQ(Trace::Of(calculation).Fault()->sentence, "H: the formula is not UTF-8 at character 3");
     calculation = {};
     calculation.result = {"X", "const.u * 2", ""};
     EXPECT_TRUE(Trace::Of(calculation).Result()->budget);
@@ -287,6 +289,22 @@ TEST(Trace, KelvinsStayWhatTheyAreInOtherFormulas) {
         const Trace trace = Trace::Of(calculation);
         const std::string answer = trace.Fault() != nullptr ? "X: " + trace.Fault()->sentence : trace.ResultText();
         EXPECT_EQ(answer, expected) << helper << ' ' << formula;
+    }
+}
+
+TEST(Trace, RemarksOnUnitsThatArePossiblyWrong) {
+    for (const auto& [value, formula, unit, expected] : Cases<const char*, const char*, const char*, const char*>{
+             {"-500 °C", "A", "K", "A is below absolute zero"},
+             {"-273.15 °C", "A", "K", ""},
+             {"98 g/kg", "A * 100", "%(m/m)", "the formula of X has the number 100, and %(m/m) has this factor too"},
+             {"98 g/kg", "A * 100", "ppm(m/m)", ""},
+             {"98 g/kg", "A * 100", "g/g", ""},
+         }) {
+        Calculation calculation;
+        calculation.result = {"X", formula, unit};
+        calculation.inputs = {*qel::CalculationInput::Of("A", value)};
+        const std::vector<std::string> remarks = Trace::Of(calculation).Remarks();
+        EXPECT_EQ(remarks.empty() ? "" : remarks.front(), expected) << value << ' ' << formula;
     }
 }
 

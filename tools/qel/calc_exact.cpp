@@ -48,7 +48,8 @@ std::optional<qel::Decimal> LimitOf(const std::string& text) {
 
 // The sentence has the formula's place.
 Failure FaultOf(const qel::Trace& trace) {
-    return Failure(Shown(trace.Fault()->name + ": " + trace.Fault()->sentence), kFailed);
+    const std::string& name = trace.Fault()->name;
+    return Failure(Shown((name.empty() ? "" : name + ": ") + trace.Fault()->sentence), kFailed);
 }
 
 // The result, and what was asked for beside it, a line each.
