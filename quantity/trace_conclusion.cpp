@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "qellib10/platform/statistics/student.h"
+
 namespace qel {
 
 void TraceConclusion::Draw(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs, unsigned threads) {
@@ -67,12 +69,15 @@ void TraceConclusion::TryOut(const QuantityFormula& bound, const std::vector<Unc
     if (!m_part.budget) return refuse("the result has no uncertainty to first order");
     // The result of a helper has lost the distributions that it came from.
     if (!calculation.helpers.empty()) return refuse("other formulas are used; write them into this one");
-    if (!m_part.budget->coverageProbability) return refuse("there is no coverage probability");
     MonteCarloOptions options;
     options.trials = calculation.trials;
     options.seed = calculation.seed;
     options.threads = threads;
-    options.coverageProbability = *m_part.budget->coverageProbability;
+    // Correlation coefficients leave the degrees of freedom undefined; the trials are normal then, and so is what k
+    // covers.
+    const double normal =
+        1.0 - 2.0 * StudentDistribution(-m_part.budget->coverageFactor, UncertaintyComponent::kInfinite);
+    options.coverageProbability = m_part.budget->coverageProbability.value_or(normal);
     options.correlations = calculation.uncertainty.correlations;
     FormulaError error;
     m_trace.m_trials = bound.Try(inputs, options, error);

@@ -556,7 +556,9 @@ TEST(Trace, ShowsCorrelationsTrialsAndUnits) {
     std::string text = Trace::Of(calculation).Text(qel::TraceLanguage::kEnglish);
     calculation.uncertainty.coverageFactor = 2.0;
     calculation.uncertainty.correlations = {{0, 1, -0.125}};
-    text += Trace::Of(calculation).Text(qel::TraceLanguage::kEnglish);
+    const Trace correlated = Trace::Of(calculation);
+    EXPECT_TRUE(correlated.FirstOrder() && correlated.FirstOrder()->isEnough);
+    text += correlated.Text(qel::TraceLanguage::kEnglish);
     for (const char* shown : {"Trials  ", "10000\n", "Seed", "77\n", "95.45 % (shortest interval)", "1.5 mg", "0.25 mg",
                               "Before  11 mg", "Correlation coefficients\n", "A     B     -0.125\n"})
         EXPECT_NE(text.find(shown), std::string::npos) << shown << "\n" << text;
