@@ -35,12 +35,25 @@ ShapePoint SeriesCurves::At(std::size_t point) const {
 
 double SeriesCurves::Base() const { return m_y.BaseAt(m_series.base); }
 
+// The points between the ends of the axis, and their neighbours; all of them where x does not always grow.
+SeriesCurves::Points SeriesCurves::VisiblePoints() const {
+    const std::vector<CGraphData>& points = m_series.points;
+    for (std::size_t i = 1; i < points.size(); ++i)
+        if (!(points[i - 1].GetXData() <= points[i].GetXData())) return {0, points.size()};
+    const auto first = std::ranges::lower_bound(points, m_x.low, {}, &CGraphData::GetXData);
+    const auto last = std::ranges::upper_bound(points, m_x.high, {}, &CGraphData::GetXData);
+    const auto begin = static_cast<std::size_t>(first - points.begin());
+    const auto end = static_cast<std::size_t>(last - points.begin());
+    return {begin - std::min<std::size_t>(begin, 1), std::min(points.size(), end + 1)};
+}
+
 template <class Y> std::vector<ShapePoint> SeriesCurves::LineOf(const Y& y, double columnsPerUnit) const {
     LineReducer reducer(columnsPerUnit);
+    const Points visible = VisiblePoints();
     const bool isSteps = m_series.kind == ChartKind::kSteps;
     const AxisPlaces across = m_x, up = m_y;
     ShapePoint before = kLineGap;
-    for (std::size_t i = 0; i < Count(); ++i) {
+    for (std::size_t i = visible.begin; i < visible.end; ++i) {
         const ShapePoint place{across.At(m_series.points[i].GetXData()), up.At(y(i))};
         if (isSteps && !IsGap(before) && !IsGap(place)) reducer.Add({place.x, before.y});
         reducer.Add(place);

@@ -34,6 +34,10 @@ public:
     double Base() const;  ///< y of the base
 
 private:
+    struct Points {
+        std::size_t begin, end;
+    };
+    Points VisiblePoints() const;
     std::vector<ShapePoint> LineOf(const std::vector<double>& y) const;
     template <class Y> std::vector<ShapePoint> LineOf(const Y& y, double columnsPerUnit) const;
     std::vector<std::vector<ShapePoint>> Between(const std::vector<double>& upper,

@@ -1,6 +1,7 @@
 #include "qellib10/graph/chart_line.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace qel {
@@ -34,27 +35,15 @@ bool IsIn(const ShapePoint& place, const ChartBox& box) {
 
 }  // namespace
 
-void LineReducer::Add(const ShapePoint& place) {
+// A point in another column, or a gap.
+void LineReducer::Start(const ShapePoint& place) {
+    End();
     if (IsGap(place)) {
-        End();
         if (!m_line.empty() && !IsGap(m_line.back())) m_line.push_back(kLineGap);
         return;
     }
-    const double column = std::floor(place.x * m_columnsPerUnit);
-    if (m_column != column) {
-        End();
-        m_column = column;
-        m_first = m_last = m_low = m_high = place;
-        return;
-    }
-    m_last = place;
-    if (place.y < m_low.y) {
-        m_low = place;
-        m_isLowLater = true;
-    } else if (place.y > m_high.y) {
-        m_high = place;
-        m_isLowLater = false;
-    }
+    m_column = std::floor(place.x * m_columnsPerUnit);
+    m_first = m_last = m_low = m_high = place;
 }
 
 std::vector<ShapePoint> LineReducer::Take() {
@@ -63,8 +52,8 @@ std::vector<ShapePoint> LineReducer::Take() {
 }
 
 void LineReducer::End() {
-    if (!m_column) return;
-    m_column.reset();
+    if (m_column == kNone) return;
+    m_column = kNone;
     const ShapePoint& earlier = m_isLowLater ? m_high : m_low;
     const ShapePoint& later = m_isLowLater ? m_low : m_high;
     for (const ShapePoint& place : {m_first, earlier, later, m_last})

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -24,15 +23,29 @@ public:
     explicit LineReducer(double columnsPerUnit = kFine) : m_columnsPerUnit(columnsPerUnit) {}
     static constexpr double kFine = 16;
 
-    void Add(const ShapePoint& place);
+    void Add(const ShapePoint& place) {
+        if (!(place.x * m_columnsPerUnit >= m_column && place.x * m_columnsPerUnit < m_column + 1)) return Start(place);
+        if (std::isnan(place.y)) return Start(place);
+        m_last = place;
+        if (place.y < m_low.y) {
+            m_low = place;
+            m_isLowLater = true;
+        } else if (place.y > m_high.y) {
+            m_high = place;
+            m_isLowLater = false;
+        }
+    }
     std::vector<ShapePoint> Take();
 
 private:
+    static constexpr double kNone = std::numeric_limits<double>::infinity();
+
+    void Start(const ShapePoint& place);
     void End();
 
     const double m_columnsPerUnit;
     std::vector<ShapePoint> m_line;
-    std::optional<double> m_column;
+    double m_column = kNone;  // the number of the column that is being added
     ShapePoint m_first, m_last, m_low, m_high;
     bool m_isLowLater = false;
 };
