@@ -52,7 +52,7 @@ qellib10_install_pc(qellib10 development)
 # needs.
 set(QELLIB10_EXAMPLES_DIR ${CMAKE_INSTALL_DATAROOTDIR}/doc/libqellib10)
 install(DIRECTORY docs/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-core-dev COMPONENT core-development
-  FILES_MATCHING PATTERN *.md PATTERN examples EXCLUDE)
+  FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN examples EXCLUDE)
 install(FILES docs/examples/end_points.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-core-dev/examples
   COMPONENT core-development)
 install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/examples COMPONENT development
@@ -63,6 +63,8 @@ install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/exampl
   PATTERN uncertainty.cpp EXCLUDE
   PATTERN units.cpp EXCLUDE
   PATTERN users.cpp EXCLUDE)
+install(DIRECTORY examples/gallery DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/examples COMPONENT development
+  FILES_MATCHING PATTERN *.cpp)
 if(TARGET qellib10-store)
   install(FILES docs/examples/users.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-store-dev/examples
     COMPONENT store-development)
