@@ -57,6 +57,7 @@ install(FILES docs/examples/end_points.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-
   COMPONENT core-development)
 install(DIRECTORY docs/examples/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-dev/examples COMPONENT development
   FILES_MATCHING PATTERN *.cpp
+  PATTERN curves.cpp EXCLUDE
   PATTERN end_points.cpp EXCLUDE
   PATTERN gtk.cpp EXCLUDE
   PATTERN records.cpp EXCLUDE
@@ -75,7 +76,7 @@ if(TARGET qellib10-record)
   install(PROGRAMS docs/check-trail DESTINATION ${QELLIB10_EXAMPLES_DIR}-record-dev COMPONENT record-development)
 endif()
 if(TARGET qellib10-quantity)
-  install(FILES docs/examples/uncertainty.cpp docs/examples/units.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples
+  install(FILES docs/examples/curves.cpp docs/examples/uncertainty.cpp docs/examples/units.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples
     COMPONENT quantity-development)
   install(DIRECTORY examples/quantity/ DESTINATION ${QELLIB10_EXAMPLES_DIR}-quantity-dev/examples/quantity
     COMPONENT quantity-development FILES_MATCHING PATTERN *.cpp)
