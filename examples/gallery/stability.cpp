@@ -19,6 +19,6 @@ int main() {
     }
     chart.series = {line, found};
     chart.limits = {{.from = 95, .label = "95 % of the label"}};
-    chart.notes = {{.x = 32.8, .y = 95, .text = "32 months", .isFlag = true}};
+    chart.notes = {{.x = 33.2, .y = 95, .text = "33 months", .isFlag = true}};
     return chart.WritePng("stability.png", CSize(720, 450)) ? 0 : 1;
 }
