@@ -131,3 +131,44 @@ TEST(QelPlot, ReadsTablesAsTheyAreWritten) {
     for (const char* text : {"pH", "mL", "3\n", "12\n", "0\n", "25\n"})
         EXPECT_NE(drawing.find(text), std::string::npos) << drawing;
 }
+
+TEST(QelPlot, MakesCharts) {
+    const QelFolder folder;
+    const EnvironmentScope zone("TZ", "JST-9");
+    folder.Write("t.csv",
+                 "Volume [mL];pH;E (mV);u [mV]\n0,5;3;120;2\n5;n.a.;-1;\n50;9;300;-3\n\n60;9;300;3\nmean;9;300;3\n");
+    folder.Write("time.csv", "t,y\n2026-11-28T23:30,1\n2026-11-29T00:10:00.5,2\n2026-02-30,3\n");
+    folder.Write("utc.csv", "t,y\n2026-11-28T23:30Z,1\n2026-11-29T01:10+01:00,2\n");
+    const char* const kBelow = "  1 line with numbers below the table not drawn, from line 6\n";
+    const std::string both = "3 points, 2 curves\n  1 field has no number and is not drawn\n";
+    for (const auto& [arguments, answer, words] : Cases<std::string, std::string, std::vector<const char*>>{
+             {"t.csv --chart -y 2 -y 3", both + kBelow, {">Volume (mL)<", ">pH<", ">E (mV)<"}},
+             {"t.csv --legend inside -y 3", std::string("3 points, 1 curve\n") + kBelow, {">E (mV)<", ">E<"}},
+             {"t.csv --log xy -y 2 -y 3 --legend none",
+              both + "  1 value is not above 0 and not drawn\n" + kBelow,
+              {">10<", ">100<"}},
+             {"t.csv --errors 4 -y 3",
+              std::string("3 points, 1 curve\n  1 error is below 0 and not drawn\n") + kBelow,
+              {">E (mV)<"}},
+             {"t.csv --title A --subtitle B --limit 8:C:D --y-range 14:0 --x-range 0:60 --theme dark --steps",
+              "3 points, 1 curve\n  1 field has no number and is not drawn\n" + std::string(kBelow),
+              {">A<", ">B<", ">C:D<", ">14<", ">60<"}},
+             {"time.csv --points", "3 points, 1 curve\n  1 field has no number and is not drawn\n", {"JST", ">23:30<"}},
+             {"time.csv --utc", "3 points, 1 curve\n  1 field has no number and is not drawn\n", {"UTC", ">23:30<"}},
+             {"utc.csv --reverse-x --x-range 2026-11-28T23:00Z/2026-11-29T01:00Z",
+              "2 points, 1 curve\n",
+              {"UTC", ">23:00<"}},
+         }) {
+        SCOPED_TRACE(arguments);
+        EXPECT_EQ(folder.Qel("plot -o p --format svg --force " + arguments), "0 p: " + answer);
+        const std::string picture = folder.Read("p");
+        for (const char* word : words) EXPECT_NE(picture.find(word), std::string::npos) << word;
+    }
+    for (const auto& [arguments, size] : Cases<const char*, std::pair<int, int>>{
+             {"--size 801x500", {801, 500}}, {"--size 50x40mm", {295, 236}}, {"", {945, 591}}}) {
+        folder.Qel(std::string("plot t.csv -o p.png --force --theme print ") + arguments);
+        EXPECT_EQ(PngSize(folder.Read("p.png")), size) << arguments;
+    }
+    EXPECT_EQ(folder.Qel("plot time.csv -o q.svg --x-range 0:1 --chart"),
+              "2 qel: --x-range: column \"1\" has times; see qel --help\n");
+}

@@ -107,6 +107,19 @@ TEST(Qel, BadUsageIsOneLineAndStatus2) {
                                   "plot f.pdf -o a.png -y 3",
                                   "plot f.pdf -o a.png -y 99999999999999999999",
                                   "plot none -o a.png --x-range 1",
+                                  "plot f.pdf -o a.png --theme pink",
+                                  "plot f.pdf -o a.png --log z",
+                                  "plot f.pdf -o a.png --legend left",
+                                  "plot f.pdf -o a.png --errors 2 --errors 3",
+                                  "plot f.pdf -o a.png --format gif",
+                                  "plot f.pdf -o a.png --format svg",
+                                  "plot f.pdf -o a.pdf --chart --size 800x500px",
+                                  "plot f.pdf -o a.png --chart --size 800.5x500",
+                                  "plot f.pdf -o a.png --limit upper",
+                                  "plot f.pdf -o a.png --limit 0 --log y",
+                                  "plot f.pdf -o a.png --log x --x-range 0:1",
+                                  "plot f.pdf -o a.png --chart --x-range 2026-02-30/2026-03-01",
+                                  "plot f.pdf -o a.png --bars --steps",
                                   "verify . --other",
                                   "--codepage 1 verify ."}) {
         SCOPED_TRACE(arguments);
@@ -185,7 +198,10 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
              {"key end --", "0 --help --head-file --agent --key --signer-key --json --person --user --by --reason\n"},
              {"key revoke-installation --",
               "0 --help --head-file --agent --key --signer-key --json --by --reason --public-key --from\n"},
-             {"plot --", "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json\n"},
+             {"plot --",
+              "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json --chart --theme "
+              "--log --legend --errors --format --title --subtitle --limit --steps --points --reverse-x --utc\n"},
+             {"plot --theme ", "0 light dark print\n"},
              {"verify x", "0 \n"},
          }) {
         EXPECT_EQ(ResultOf(complete + path + (path.empty() || path.back() == ' ' ? "''" : "")), choices) << path;

@@ -3,15 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 
+#include "progress.h"
 #include "tool.h"
 
 namespace tool {
 namespace {
 
-using Row = std::vector<std::string>;
+using Row = std::vector<std::string_view>;
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t kRowsBetweenProgress = 8192, kBytesOfMegabyte = 1'000'000;
 
 bool IsNone(double number) { return std::isnan(number); }
 
@@ -22,40 +23,38 @@ std::optional<std::size_t> NumberOf(const std::string& column) {
     return number;
 }
 
-double NumberIn(const Row& row, std::size_t column) {
-    return column < row.size() ? qel::ReadNumber(std::string_view(row[column])).value_or(kNone) : kNone;
-}
-
 // Takes the rows one after the other.
 class ColumnReader {
 public:
-    explicit ColumnReader(const std::vector<std::string>& columns) : m_columns(columns) {
-        m_found.values.resize(columns.size());
-        m_onlyNumbers = std::ranges::all_of(columns, [](const auto& column) { return NumberOf(column).has_value(); });
+    explicit ColumnReader(const CsvTaking& taking)
+        : m_taking(taking), m_numbers(taking.columns.size(), kNone), m_hasNumbers(taking.columns.size(), false) {
+        m_onlyNumbers =
+            std::ranges::all_of(taking.columns, [](const auto& column) { return NumberOf(column).has_value(); });
         if (m_onlyNumbers) SetPlaces({});
     }
 
-    void Take(const Row& row) {
+    void Take(const Row& row, std::size_t line) {
         m_width = std::max(m_width, row.size());
-        if (m_isPast) return;
-        if (m_places.empty()) {
+        if (m_isPast) {
+            LookBelow(row, line);
+        } else if (m_places.empty()) {
             if (HasAll(row)) SetPlaces(row);
         } else {
             TakeNumbers(row);
         }
     }
 
-    CsvColumns Found() {
+    CsvFindings Found() {
+        const std::vector<std::string>& columns = m_taking.columns;
         // What separates columns is not known where no row has two.
-        for (const std::string& column : m_columns) {
+        for (const std::string& column : columns) {
             if (m_width > 1 && NumberOf(column).value_or(0) >= m_width)
                 throw CLI::ValidationError("column " + column + ": the table has " + std::to_string(m_width) +
                                            " columns");
         }
         if (m_places.empty()) throw Failure("no line has all of these columns");
-        for (std::size_t i = 0; i < m_columns.size(); ++i) {
-            if (std::ranges::all_of(m_found.values[i], IsNone))
-                throw Failure("column \"" + Shown(m_columns[i]) + "\" has no numbers");
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            if (!m_hasNumbers[i]) throw Failure("column \"" + Shown(columns[i]) + "\" has no numbers");
         }
         for (const std::size_t place : m_places) m_found.names.push_back(place < m_names.size() ? m_names[place] : "");
         return std::move(m_found);
@@ -63,48 +62,88 @@ public:
 
 private:
     bool HasAll(const Row& row) const {
-        return std::ranges::all_of(
-            m_columns, [&](const auto& name) { return qel::FindColumn(row, name).value_or(row.size()) < row.size(); });
+        return std::ranges::all_of(m_taking.columns, [&](const auto& name) {
+            return qel::FindColumn(row, name).value_or(row.size()) < row.size();
+        });
     }
 
     void SetPlaces(const Row& names) {
-        for (const std::string& column : m_columns) m_places.push_back(qel::FindColumn(names, column).value());
-        m_names = names;
+        for (const std::string& column : m_taking.columns) m_places.push_back(qel::FindColumn(names, column).value());
+        m_names.assign(names.begin(), names.end());
+    }
+
+    // @return how many fields have a text that is no number
+    std::size_t ReadNumbers(const Row& row) {
+        std::size_t unreadable = 0;
+        for (std::size_t i = 0; i < m_places.size(); ++i) {
+            m_numbers[i] = kNone;
+            if (m_places[i] >= row.size() || row[m_places[i]].empty()) continue;
+            const std::string_view field = row[m_places[i]];
+            const std::optional<double> number = m_taking.read ? m_taking.read(i, field) : qel::ReadNumber(field);
+            m_numbers[i] = number.value_or(kNone);
+            unreadable += number ? 0 : 1;
+        }
+        return unreadable;
     }
 
     void TakeNumbers(const Row& row) {
-        std::vector<double> numbers;
-        for (const std::size_t place : m_places) numbers.push_back(NumberIn(row, place));
-        if (std::ranges::all_of(numbers, IsNone)) {
-            m_isPast = !m_found.values[0].empty();
-            if (m_onlyNumbers && !m_isPast) m_names = row;
+        const std::size_t unreadable = ReadNumbers(row);
+        if (std::ranges::all_of(m_numbers, IsNone)) {
+            m_isPast = m_found.rows > 0;
+            if (m_onlyNumbers && !m_isPast) m_names.assign(row.begin(), row.end());
             return;
         }
-        for (std::size_t i = 0; i < numbers.size(); ++i) m_found.values[i].push_back(numbers[i]);
+        for (std::size_t i = 0; i < m_numbers.size(); ++i) m_hasNumbers[i] = m_hasNumbers[i] || !IsNone(m_numbers[i]);
+        m_found.unreadable += unreadable;
+        ++m_found.rows;
+        m_taking.take(m_numbers);
     }
 
-    const std::vector<std::string>& m_columns;
-    CsvColumns m_found;
+    void LookBelow(const Row& row, std::size_t line) {
+        ReadNumbers(row);
+        if (IsNone(m_numbers.front()) || std::all_of(m_numbers.begin() + 1, m_numbers.end(), IsNone)) return;
+        if (m_found.below++ == 0) m_found.firstBelow = line;
+    }
+
+    const CsvTaking& m_taking;
+    CsvFindings m_found;
     std::vector<std::size_t> m_places;  // of the columns in a row; empty until the names are found
-    Row m_names;                        // the row before the numbers
+    std::vector<std::string> m_names;   // the row before the numbers
+    std::vector<double> m_numbers;      // of the row
+    std::vector<bool> m_hasNumbers;     // of each column
     std::size_t m_width = 0;            // columns of the widest row
     bool m_onlyNumbers = false, m_isPast = false;
 };
 
 }  // namespace
 
-CsvColumns ReadCsvColumns(CFile& file, const std::vector<std::string>& columns) {
+CsvFindings ReadCsvRows(CFile& file, const CsvTaking& taking) {
     qel::CsvFormat format;
     format.encoding = qel::CsvEncoding::kUnchecked;  // a note in another encoding does not hide the numbers
     qel::CsvReader table(file, format);
-    ColumnReader reader(columns);
-    while (table.Next()) {
-        Row row;
-        for (const std::string_view field : table.Fields()) row.emplace_back(qel::Trimmed(field));
-        reader.Take(row);
+    ColumnReader reader(taking);
+    const ProgressBar progress(static_cast<std::size_t>(file.GetLength()) / kBytesOfMegabyte, "MB");
+    Row row;
+    for (std::size_t rows = 1; table.Next(); ++rows) {
+        const auto fields = table.Fields();
+        row.resize(fields.size());
+        std::ranges::transform(fields, row.begin(), [](std::string_view field) { return qel::Trimmed(field); });
+        reader.Take(row, table.Line());
+        if (progress.IsShown() && rows % kRowsBetweenProgress == 0)
+            progress.Show(static_cast<std::size_t>(file.GetPosition()) / kBytesOfMegabyte);
     }
     if (table.Failure()) throw Failure(table.Failure()->Text());
     return reader.Found();
+}
+
+CsvColumns ReadCsvColumns(CFile& file, const std::vector<std::string>& columns) {
+    CsvColumns found;
+    found.values.resize(columns.size());
+    const auto take = [&](std::span<const double> numbers) {
+        for (std::size_t i = 0; i < numbers.size(); ++i) found.values[i].push_back(numbers[i]);
+    };
+    found.names = ReadCsvRows(file, {columns, take}).names;
+    return found;
 }
 
 }  // namespace tool

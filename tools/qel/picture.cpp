@@ -63,7 +63,7 @@ CSize ParseSheet(const std::string& text) {
 }
 
 std::vector<Picture> WritePictures(const PictureOptions& options, const Drawing& drawing) {
-    const PictureKind kind = PictureKindOf(options.target);
+    const PictureKind kind = options.Kind();
     const int files = kind == PictureKind::kPdf ? 1 : drawing.pages;
     std::vector<Picture> pictures;
     for (int i = 1; i <= files; ++i) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "tool.h"
@@ -33,7 +34,9 @@ struct PictureOptions {
     std::string target;
     int resolution = 150;  // of a PNG, dots per inch
     bool force = false;
+    std::optional<PictureKind> kind = {};  ///< else the suffix says it
 
+    PictureKind Kind() const { return kind ? *kind : PictureKindOf(target); }
     void AddTo(CLI::App& command, const std::string& resolutionMeaning);
 };
 

@@ -1,9 +1,10 @@
 // qel plot: a table of numbers as curves.
+#include <algorithm>
 #include <cmath>
 
 #include "axis_scale.h"
 #include "csv_columns.h"
-#include "picture.h"
+#include "plot_chart.h"
 
 namespace tool {
 namespace {
@@ -17,14 +18,6 @@ constexpr COLORREF kGrey = RGB(205, 205, 205);
 constexpr COLORREF kColors[] = {RGB(0, 60, 160), RGB(200, 90, 0),  RGB(0, 120, 60),
                                 RGB(170, 0, 60), RGB(90, 60, 160), RGB(70, 70, 70)};
 constexpr std::size_t kMaxSeries = 512;
-
-struct Options {
-    std::string file, x = "1";
-    std::vector<std::string> y = {"2"};
-    std::string xRange, yRange, size = "160x100";
-    bool bars = false, marks = false, json = false;
-    PictureOptions picture;
-};
 
 // Empty: an axis around the values.
 std::optional<AxisScale> ScaleOf(const std::string& range) {
@@ -61,7 +54,7 @@ struct Curves {
     std::size_t Series() const { return columns.values.size() - 1; }
 };
 
-Curves ReadCurves(const Options& options) {
+Curves ReadCurves(const PlotOptions& options) {
     std::vector<std::string> columns = {options.x};
     columns.insert(columns.end(), options.y.begin(), options.y.end());
     if (columns.size() > kMaxSeries + 1) throw CLI::ValidationError("there are more than 512 columns");
@@ -80,7 +73,7 @@ Curves ReadCurves(const Options& options) {
 }
 
 // All series have the same axes; the first one shows their values, each one its name in its own colour.
-CQelGraph GraphOf(const Curves& curves, const Options& options) {
+CQelGraph GraphOf(const Curves& curves, const PlotOptions& options) {
     CQelGraph graph;
     const int dots = options.picture.resolution;
     graph.SetDivX(curves.x.steps);
@@ -107,7 +100,7 @@ CQelGraph GraphOf(const Curves& curves, const Options& options) {
     return graph;
 }
 
-void Report(const Curves& curves, const Options& options) {
+void Report(const Curves& curves, const PlotOptions& options) {
     const std::size_t points = curves.columns.values[0].size();
     if (!options.json) {
         return Print(Shown(options.picture.target) + ": " + Count(points, "point", "points") + ", " +
@@ -123,7 +116,7 @@ void Report(const Curves& curves, const Options& options) {
                {"yRange", range(curves.y)}});
 }
 
-void Plot(const Options& options) {
+void Plot(const PlotOptions& options) {
     PictureKindOf(options.picture.target);
     const CSize size = ParseSheet(options.size);
     const Curves curves = ReadCurves(options);
@@ -153,7 +146,7 @@ void Plot(const Options& options) {
 
 void AddPlot(CLI::App& app, Status&) {
     CLI::App* const command = app.add_subcommand("plot", "Draw columns of comma-separated text as curves");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<PlotOptions>();
     AddFile(*command, "FILE", options->file, "The table, in UTF-8");
     command->add_option("-x", options->x, "Column across, by its name or its number (1)")->type_name("COLUMN");
     command->add_option("-y", options->y, "Columns upward, may be given several times (2)")
@@ -162,12 +155,20 @@ void AddPlot(CLI::App& app, Status&) {
     command->add_option("--x-range", options->xRange, "Ends of the axis, else round numbers around the values")
         ->type_name("FROM:TO");
     command->add_option("--y-range", options->yRange, "The same")->type_name("FROM:TO");
-    command->add_option("--size", options->size, "Millimetres (160x100)")->type_name("WIDTHxHEIGHT");
+    const CLI::Option* const size =
+        command->add_option("--size", options->size, "Millimetres (160x100); of a chart as PNG or SVG pixels")
+            ->type_name("WIDTHxHEIGHT");
     command->add_flag("--bars", options->bars, "Bars in place of lines");
     command->add_flag("--marks", options->marks, "A circle at each point");
-    options->picture.AddTo(*command, "Dots per inch (150)");
+    options->picture.AddTo(*command, "Dots per inch (150; 96 where the size is in pixels)");
     command->add_flag("--json", options->json, "Report what was drawn as JSON");
-    command->callback([options] { Plot(*options); });
+    const std::vector<CLI::Option*> ofCharts = AddChartOptions(*command, *options);
+    command->callback([=] {
+        const bool isChart = std::ranges::any_of(ofCharts, [](const auto* option) { return option->count() > 0; });
+        options->isSizeGiven = size->count() > 0;
+        options->isResolutionGiven = command->count("--resolution") > 0;
+        isChart ? DrawChart(*options) : Plot(*options);
+    });
 }
 
 }  // namespace tool

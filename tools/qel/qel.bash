@@ -16,6 +16,10 @@ _qel() {
     case $before:$current in
         --codepage:*) choices='932 1252 65001' ;;
         --printer:*) choices="PDF $(lpstat -e 2>/dev/null)" ;;
+        --theme:*) choices='light dark print' ;;
+        --log:*) choices='x y xy' ;;
+        --legend:*) choices='inside none' ;;
+        --format:*) [[ ${path[0]} == plot ]] && choices='png svg pdf' ;;
         *:-*) choices=$(_qel_options "${path[@]}") ;;
         *) choices=$names ;; # none: names of files
     esac
