@@ -32,8 +32,9 @@ struct CurveData : MergedPoints {
         const auto after = std::ranges::upper_bound(parts, index);
         return {*(after - 1), *after};
     }
-    /// The first index in @p range, and the one after the last.
+    /// The first index in @p range, and the one after the last; none in a range with NaN.
     std::pair<std::size_t, std::size_t> In(const CurveRange& range) const {
+        if (std::isnan(range.first) || std::isnan(range.last)) return {0, 0};
         const auto first = std::ranges::lower_bound(x, range.first), last = std::ranges::upper_bound(x, range.last);
         return {static_cast<std::size_t>(first - x.begin()),
                 static_cast<std::size_t>(std::max(first, last) - x.begin())};

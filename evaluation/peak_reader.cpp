@@ -180,7 +180,8 @@ private:
         // One window of readings at either end, more or less.
         double ends = 0;
         for (const std::size_t i : {found.first, found.last}) {
-            const std::size_t before = std::max<std::size_t>(i, 1) - 1, window = m_options.window;
+            const std::size_t before = std::max<std::size_t>(i, 1) - 1,
+                              window = std::min(m_options.window, m_data.size());
             ends += static_cast<double>(window) * Square(m_data.x[before + 1] - m_data.x[before]);
         }
         peak.area =
