@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "qellib10/graph/chart_hatch.h"
 #include "qellib10/graph/chart_look.h"
 #include "qellib10/graph/chart_marks.h"
 
@@ -71,8 +72,9 @@ void DrawLegend(const Chart& chart, ChartCanvas& canvas, const LegendLayout& leg
         if (isFilled) {
             const double half = entry.sample.Height() * 0.32;
             const double inset = entry.sample.Width() * 0.15;
-            canvas.Fill({entry.sample.left + inset, middle - half, entry.sample.right - inset, middle + half},
-                        look.color, series.kind == ChartKind::kBand ? 0.3 : 1);
+            const ChartBox box{entry.sample.left + inset, middle - half, entry.sample.right - inset, middle + half};
+            canvas.Fill(box, look.color, series.kind == ChartKind::kBand ? 0.3 : 1);
+            DrawHatch(canvas, box, look.hatch, theme.plot);
         } else if (series.kind != ChartKind::kPoints) {
             std::vector<double> dashes = look.dashes;
             for (double& length : dashes) length = canvas.Units(length);

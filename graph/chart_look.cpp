@@ -96,6 +96,8 @@ SeriesLook LookOf(const Chart& chart, std::size_t index) {
         series.dash == ChartDash::kAuto ? round % kDashCount : static_cast<std::size_t>(series.dash) - 1;
     for (const double length : kDashes[std::min(dash, kDashCount - 1)].lengths)
         look.dashes.push_back(length * std::max(1.0, look.width));
+    const auto isBars = [](const ChartSeries& each) { return each.kind == ChartKind::kBars; };
+    if (theme.hasDashes && isBars(series)) look.hatch = static_cast<std::size_t>(std::ranges::count_if(before, isBars));
     look.mark = series.mark;
     if (look.mark == ChartMark::kAuto)
         look.mark = isPoints(series) ? kMarks[static_cast<std::size_t>(points) % std::size(kMarks)] : ChartMark::kNone;

@@ -13,6 +13,7 @@ struct SeriesLook {
     double width = 1;            ///< points
     std::vector<double> dashes;  ///< points; empty: none
     ChartMark mark = ChartMark::kNone;
+    std::size_t hatch = 0;  ///< of bars; see DrawHatch
 };
 
 SeriesLook LookOf(const Chart& chart, std::size_t series);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "qellib10/graph/chart_hatch.h"
 #include "qellib10/graph/chart_line.h"
 #include "qellib10/graph/chart_look.h"
 #include "qellib10/graph/chart_marks.h"
@@ -170,13 +171,16 @@ private:
 
     void PaintBars(std::size_t index, const SeriesCurves& curves) {
         if (m_chart.series[index].kind != ChartKind::kBars) return;
-        const COLORREF color = LookOf(m_chart, index).color;
+        const SeriesLook look = LookOf(m_chart, index);
         for (const ChartBox& bar : curves.Bars()) {
             ChartBox shown = bar;
             shown.top = std::max(shown.top, m_layout.plot.top - 1);
             shown.bottom = std::min(shown.bottom, m_layout.plot.bottom + 1);
-            if (!(shown.top < shown.bottom)) continue;
-            m_canvas.Fill(shown, color);
+            shown.left = std::max(shown.left, m_layout.plot.left - 1);
+            shown.right = std::min(shown.right, m_layout.plot.right + 1);
+            if (!(shown.top < shown.bottom && shown.left < shown.right)) continue;
+            m_canvas.Fill(shown, look.color);
+            DrawHatch(m_canvas, shown, look.hatch, m_theme.plot);
             // Neighbours may have the same grey on paper.
             if (m_theme.hasDashes) Outline(shown);
         }

@@ -89,6 +89,7 @@ public:
         chart.title = Text();
         chart.subtitle = Text();
         chart.scale = Number(5, 20) / 10.0;
+        if (Number(0, 2) == 0) chart.theme = qel::ChartTheme::Print();
         for (int i = Number(0, 6); i > 0; --i) chart.axes.emplace_back();
         for (qel::ChartAxis& axis : chart.axes) {
             if (chart.axes.size() > 2) axis.side = static_cast<qel::ChartSide>(Number(0, 3));
