@@ -71,6 +71,7 @@ std::string Unit::Text() const {
 bool Unit::IsMeantByItsTerms() const {
     std::optional<UnitValue> above = UnitValue(), below = UnitValue();
     for (const Term& term : m_terms) {
+        if (term.symbol.starts_with('(') && !term.value.IsRatio()) return false;  // is read as several terms
         const std::optional<UnitValue> power = PowerOfValue(term.value, std::abs(term.power));
         std::optional<UnitValue>& side = term.power > 0 ? above : below;
         if (!power || !side) return false;
@@ -79,7 +80,8 @@ bool Unit::IsMeantByItsTerms() const {
     if (!above || !below) return false;
     const bool isDivided = std::ranges::any_of(m_terms, [](const Term& term) { return term.power < 0; });
     const std::optional<UnitValue> whole = isDivided ? DivideValues(*above, *below) : above;
-    return whole && whole->ratios == m_value.ratios && whole->powers == m_value.powers;
+    return whole && whole->ratios == m_value.ratios && whole->carried == m_value.carried &&
+           whole->powers == m_value.powers;
 }
 
 void Unit::NameByValue() {
@@ -92,12 +94,20 @@ void Unit::NameByValue() {
     };
     addNumber(m_value.numerator, 1);
     addNumber(m_value.denominator, -1);
+    for (const RatioName& name : kRatioNames)
+        if ((m_value.ratios | m_value.carried) == name.ratios) m_terms.push_back({name.symbol, Ratio(name.meaning), 1});
+    Unit bases;
     for (std::size_t i = 0; i < kBaseUnits; ++i)
         if (m_value.powers[i] != 0)
-            m_terms.push_back({std::string(BaseUnitSymbol(static_cast<BaseUnit>(i))), ValueOf(static_cast<BaseUnit>(i)),
-                               m_value.powers[i]});
-    for (const RatioName& name : kRatioNames)
-        if (m_value.ratios == name.ratios) m_terms.push_back({name.symbol, Ratio(name.meaning), 1});
+            bases.m_terms.push_back({std::string(BaseUnitSymbol(static_cast<BaseUnit>(i))),
+                                     ValueOf(static_cast<BaseUnit>(i)), m_value.powers[i]});
+    const std::size_t before = m_terms.size();
+    m_terms.insert(m_terms.end(), bases.m_terms.begin(), bases.m_terms.end());
+    if (m_value.carried == kRatioOfNothing || IsMeantByItsTerms()) return;
+    // In brackets, or the kg of a volt takes the ratio up before the rest of the volt is read.
+    m_terms.resize(before);
+    bases.m_value.powers = m_value.powers;
+    m_terms.push_back({'(' + bases.Text() + ')', bases.m_value, 1});
 }
 
 std::optional<Unit> Unit::Combined(const Unit& a, const Unit& b, int sign) {

@@ -46,12 +46,11 @@ public:
         UnitValue& value = first.m_value;
         first.m_isDifference |= second.m_isDifference;
         first.m_isTemperature |= second.m_isTemperature;
-        if (value.carried == kRatioOfNothing || other.carried == kRatioOfNothing)
-            value.carried |= other.carried;
-        else
-            value.carried &= other.carried;
-        const bool isNarrower = (value.ratios & other.ratios) != value.ratios;
+        const bool isNarrower =
+            (value.ratios & other.ratios) != value.ratios || (value.carried & other.carried) != value.carried;
         value.ratios &= other.ratios;
+        value.carried &= other.carried;
+        value.taken |= other.taken;
         if (isNarrower && !first.IsMeantByItsTerms()) first.NameByValue();
         return first;
     }

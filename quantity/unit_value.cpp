@@ -85,9 +85,33 @@ std::uint8_t QuotientOfRatios(std::uint8_t a, std::uint8_t b) {
 
 std::uint8_t CarriedBy(const UnitValue& value) { return value.IsRatio() ? value.ratios : value.carried; }
 
+// mg/(g*min) is (mg/g)/min, while mg/(mg/L) is L.
+std::uint8_t RatioPerUnit(const UnitValue& a, const UnitValue& b) {
+    for (std::size_t i = 0; i < kBaseUnits; ++i)
+        if (a.powers[i] != 0 ? a.powers[i] != b.powers[i] : b.powers[i] < 0) return kRatioOfNothing;
+    return RatiosOf(a);
+}
+
+// What a unit is an amount or a rate of, also with other factors: g/min is one of mass, J/g one per mass, J and mV
+// none, whose kg is that of the energy. A share of a pressure is a pressure, by volumes and by amounts.
+std::uint8_t PartsOf(const UnitValue& value) {
+    const int kilogram = value.powers[At(BaseUnit::kKilogram)], metre = value.powers[At(BaseUnit::kMetre)];
+    const int energy = kilogram == 0 && metre == 0 ? 0 : -value.powers[At(BaseUnit::kSecond)] / 2;
+    const int length = metre - 2 * energy;
+    std::uint8_t parts = kRatioOfNothing;
+    if (kilogram != energy) parts |= kRatioOfMasses;
+    if (length != 0 && length % 3 == 0) parts |= kRatioOfVolumes;
+    const bool isPressure = kilogram == 1 && metre == -1 && energy == 1;
+    if (value.powers[At(BaseUnit::kMole)] != 0 || isPressure) parts |= kRatioOfAmounts;
+    return parts;
+}
+
 // A mass fraction of a mass is a mass, and of a volume still a mass fraction.
 void Carry(UnitValue& result, std::uint8_t ratio) {
-    if ((ratio & RatiosOf(result)) == 0) result.carried = ratio;
+    if ((ratio & PartsOf(result)) == 0)
+        result.carried = ratio;
+    else
+        result.taken |= ratio;
 }
 
 }  // namespace
@@ -98,7 +122,7 @@ bool UnitValue::IsRatio() const noexcept {
 
 bool UnitValue::IsSameKind(const UnitValue& other) const noexcept {
     return powers == other.powers && (ratios == other.ratios || (ratios & other.ratios) != 0) &&
-           (carried == 0 || other.carried == 0 || (carried & other.carried) != 0);
+           (carried == other.carried || (carried & other.carried) != 0);
 }
 
 bool operator==(const UnitValue& a, const UnitValue& b) noexcept {
@@ -111,10 +135,15 @@ std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b) 
     std::optional<UnitValue> result = Combined(a, b, 1);
     if (!result) return {};
     const std::uint8_t carried = ProductOfRatios(CarriedBy(a), CarriedBy(b));
-    if (!result->IsRatio())
+    const std::uint8_t taken = a.taken | b.taken;
+    if (!result->IsRatio()) {
+        result->taken = taken;
         Carry(*result, carried);
-    else
+    } else if (taken != kRatioOfNothing) {
+        result->ratios = ProductOfRatios(taken | RatiosOf(a), carried);
+    } else {
         result->ratios = a.IsRatio() || carried != kRatioOfNothing ? carried : std::uint8_t{kRatioOfAny};
+    }
     return result;
 }
 
@@ -122,10 +151,14 @@ std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b) {
     std::optional<UnitValue> result = Combined(a, b, -1);
     if (!result) return {};
     const std::uint8_t carried = QuotientOfRatios(CarriedBy(a), CarriedBy(b));
-    if (!result->IsRatio())
-        Carry(*result, carried);
-    else
-        result->ratios = a.IsRatio() ? carried : ProductOfRatios(RatiosOf(a), carried);
+    if (!result->IsRatio()) {
+        result->taken = a.taken | b.taken;
+        Carry(*result, ProductOfRatios(RatioPerUnit(a, b), carried));
+    } else {
+        const std::uint8_t divided = RatiosOf(a);
+        const std::uint8_t own = divided != kRatioOfNothing ? divided : QuotientOfRatios(a.taken, b.taken);
+        result->ratios = ProductOfRatios(own, carried);
+    }
     return result;
 }
 
@@ -135,7 +168,8 @@ std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power) {
     for (int i = 0; i < std::abs(power) && result; ++i) result = Combined(*result, a, power > 0 ? 1 : -1);
     if (result && power != 0) {
         result->ratios = a.ratios;
-        result->carried = a.carried;
+        result->taken = a.taken;
+        Carry(*result, a.carried);
     }
     return result;
 }

@@ -54,9 +54,12 @@ struct QELLIB10_API UnitValue {
     Decimal denominator = Decimal(1);
     bool isExact = true;                    ///< false where a digit is missing, as of pi, or it is measured
     std::uint8_t ratios = kRatioOfNothing;  ///< of RatioOf; where no base unit is left
-    /// The ratio that is a factor of a unit of another kind, such as m/m of %(m/m)*mL and %(m/m)/min. In %(m/m)*g it
-    /// is none: a mass fraction of a mass is a mass.
+    /// The ratio that is a factor of a unit of another kind, such as m/m of %(m/m)*mL and %(m/m)/min, which are no mL
+    /// and no 1/min. In %(m/m)*g and %(m/m)*g/min it is none: a mass fraction of a mass is a mass.
     std::uint8_t carried = kRatioOfNothing;
+    /// The ratios that were factors and are none any more, such as m/m of %(m/m)*g. Makes no other unit of it, but a
+    /// ratio of which it becomes a factor again is one of these, too.
+    std::uint8_t taken = kRatioOfNothing;
 
     /// Whether no base unit is left.
     bool IsRatio() const noexcept;
@@ -71,9 +74,9 @@ struct QELLIB10_API UnitValue {
 ///
 /// A ratio of two units of mass, volume or amount is one of that; where they have several of these, as g/mol has, it
 /// may be each. What cancels when units are multiplied, such as 1/mL and mL, may be any, or is the ratio that one of
-/// them has as a factor. A product of ratios is what one of them may be, since a mass fraction times a ratio of molar
-/// masses is a mass fraction or an amount fraction; where they have nothing in common, it is kRatioOfMixed. A quotient
-/// of like ratios is a plain number.
+/// them has as a factor or has taken. A product of ratios is what one of them may be, since a mass fraction times a
+/// ratio of molar masses is a mass fraction or an amount fraction; where they have nothing in common, it is
+/// kRatioOfMixed. A quotient of like ratios is a plain number.
 std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power);
