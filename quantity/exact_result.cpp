@@ -52,21 +52,13 @@ std::string ExactResult::TextWith(const std::string& number) const {
     }
 }
 
-Decimal ExactResult::Certain() const {
-    constexpr int kCertainDigits = 30;
-    if (!IsLimit() || !flags.isInexact) return value;
-    const Decimal certain = RoundingRule::ToDigits(DecimalRounding::kHalfEven, kCertainDigits).Round(value).rounded;
-    return certain.IsFinite() ? certain.Reduced() : value;  // at the ends of the range it may not fit
-}
-
 std::optional<RoundedValue> ExactResult::Rounded(const RoundingRule& rule,
                                                  const std::optional<Decimal>& uncertainty) const {
     if (!IsNumberOrLimit()) return {};
     // An upper limit goes up, a lower one down.
     const bool isAway = (kind == Kind::kBelow) != value.IsNegative();
     const RoundingRule outwards = rule.With(isAway ? DecimalRounding::kAwayFromZero : DecimalRounding::kTowardZero);
-    RoundedValue result = (IsLimit() ? outwards : rule).Round(Certain(), uncertainty);
-    result.unrounded = value;
+    const RoundedValue result = (IsLimit() ? outwards : rule).Round(value, uncertainty);
     return result.rounded.IsNan() ? std::nullopt : std::optional(result);
 }
 

@@ -45,7 +45,7 @@ struct QELLIB10_API ExactResult {
     };
 
     Kind kind = Kind::kNotDeterminable;
-    Decimal value;                     ///< the number, or the limit
+    Decimal value;                     ///< the number, or the limit; one that lost digits is the next number outwards
     bool isIncluded = false;           ///< the limit itself is possible, since it was rounded within the formula
     DecimalFlags flags;                ///< what happened in all steps
     bool isFromBinary = false;         ///< a double went into it
@@ -59,9 +59,6 @@ struct QELLIB10_API ExactResult {
     /// A limit, of which only one side is possible.
     bool IsLimit() const noexcept { return kind == Kind::kBelow || kind == Kind::kAbove; }
     bool IsNumberOrLimit() const noexcept { return kind == Kind::kValue || IsLimit(); }
-    /// The value as it is rounded and compared. A limit that lost digits was moved outwards by a unit of its last place
-    /// in each such step; it is taken to 30 digits, so that this does not cost a whole place: 0.2 / 1.5 * 3 is 0.4.
-    Decimal Certain() const;
 
     /// By a rule. A limit is rounded away from what is possible, so that "< 2.44" becomes "< 2.5" and stays true. Of
     /// any other kind than a number or a limit there is nothing, nor where RoundingRule::Round gives NaN.

@@ -89,8 +89,7 @@ public:
 
     Known Two(const FormulaStep& step, const Known& left, const Known& right) {
         if (step.operation == Operation::kAnd || step.operation == Operation::kOr) return Joined(step, left, right);
-        if (left.IsNumber() && right.IsNumber())
-            return Exactly(ExactTwo(step, left.Number(), right.Number(), m_happened));
+        if (left.IsNumber() && right.IsNumber()) return {OfNumbers(step, left.range, right.range), false};
         Known result = OfRanges(step, left.range, right.range);
         // Only the conversion of a reading's unit has the reading's place.
         if (left.substitute && right.IsNumber() && step.position == left.substitute->position) {
@@ -134,6 +133,23 @@ public:
 
 private:
     static Known Exactly(const Decimal& value) { return {Interval::Point(value), false}; }
+
+    // A number that lost digits keeps them for the limits it meets later: 2 / 3 * L is L * 2 / 3.
+    Interval OfNumbers(const FormulaStep& step, const Interval& a, const Interval& b) {
+        const Decimal value = ExactTwo(step, a.lower.value, b.lower.value, m_happened);
+        switch (step.operation) {
+            case Operation::kAdd:
+                return Interval::Point(value, ExactSum(a.lower, b.lower));
+            case Operation::kSubtract:
+                return Interval::Point(value, ExactSum(a.lower, Negated(b).lower));
+            case Operation::kMultiply:
+                return Interval::Point(value, ExactProduct(a.lower, b.lower));
+            case Operation::kDivide:
+                return Interval::Point(value, m_happened.isInexact ? ExactQuotient(a.lower, b.lower) : std::nullopt);
+            default:
+                return Interval::Point(value);
+        }
+    }
 
     [[noreturn]] void Refuse(const FormulaStep& step, Kind kind, std::string expected) const {
         throw FormulaError{kind, step.position, step.length, std::move(expected), {}, {}};

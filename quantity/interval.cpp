@@ -8,6 +8,23 @@ namespace qel {
 namespace {
 
 using Bound = Interval::Bound;
+using Fraction = Interval::Fraction;
+
+Fraction FractionOf(const Bound& bound) { return bound.exact.value_or(Fraction{bound.value, Decimal(1)}); }
+
+bool AreDecimals(const Bound& a, const Bound& b) { return !a.exact && !b.exact; }
+
+std::optional<Fraction> IfExact(const Fraction& fraction, const DecimalFlags& flags) {
+    const auto& [numerator, denominator] = fraction;
+    const bool isLost = flags.isInexact || flags.isTooSmall || flags.isInvalid;
+    if (isLost || !numerator.IsFinite() || !denominator.IsFinite() || denominator.IsZero()) return {};
+    return fraction;
+}
+
+std::optional<Fraction> Negated(std::optional<Fraction> fraction) {
+    if (fraction) fraction->numerator = -fraction->numerator;
+    return fraction;
+}
 
 const Decimal& Infinity() {
     static const Decimal infinity = [] {
@@ -46,9 +63,10 @@ const Decimal& Least() {
 
 // The value at an end of the operands as a lower and as an upper bound. Where it is past the range of the numbers, or
 // digits were lost near 0, each bound is the next number on its side, so that no possible value is left out.
-template <class Compute> Interval Ends(bool isOpen, DecimalFlags& flags, Compute compute) {
+template <class Compute>
+Interval Ends(bool isOpen, DecimalFlags& flags, Compute compute, const std::optional<Fraction>& fraction = {}) {
     DecimalFlags happened;
-    const Decimal value = compute(happened);
+    const Decimal value = fraction ? Divide(fraction->numerator, fraction->denominator, happened) : compute(happened);
     flags.Join(happened);
     if (value.IsNan()) return Interval::Everything({});
     if (value.IsInfinite())
@@ -59,7 +77,7 @@ template <class Compute> Interval Ends(bool isOpen, DecimalFlags& flags, Compute
     if (!isNearZero && happened.isInexact) {
         // The bound itself is within half a unit of the last place.
         const Decimal unit = Decimal::Scaled(1, value.Exponent(), exact);
-        return {{Subtract(value, unit, exact), isOpen}, {Add(value, unit, exact), isOpen}, {}};
+        return {{Subtract(value, unit, exact), isOpen, fraction}, {Add(value, unit, exact), isOpen, fraction}, {}};
     }
     if (!isNearZero) return {{value, isOpen}, {value, isOpen}, {}};
     if (value.IsZero())
@@ -68,11 +86,18 @@ template <class Compute> Interval Ends(bool isOpen, DecimalFlags& flags, Compute
     return {{Subtract(value, Least(), exact), true}, {Add(value, Least(), exact), true}, {}};
 }
 
+// A fraction stays where its end is certainly the outermost one: the numbers next to two fractions may be the same, or
+// in another order than the fractions.
 Interval Spanned(const std::array<Interval, 4>& ends, const std::optional<std::size_t>& cause) {
-    Interval all{ends[0].lower, ends[0].upper, cause};
+    const Interval *lowest = ends.data(), *highest = ends.data();
     for (const Interval& end : ends) {
-        if (IsBefore(end.lower, all.lower)) all.lower = end.lower;
-        if (IsAfter(end.upper, all.upper)) all.upper = end.upper;
+        if (IsBefore(end.lower, lowest->lower)) lowest = &end;
+        if (IsAfter(end.upper, highest->upper)) highest = &end;
+    }
+    Interval all{lowest->lower, highest->upper, cause};
+    for (const Interval& end : ends) {
+        if (end.lower != lowest->lower && end.lower.value <= lowest->upper.value) all.lower.exact.reset();
+        if (end.upper != highest->upper && end.upper.value >= highest->lower.value) all.upper.exact.reset();
     }
     return all;
 }
@@ -84,8 +109,9 @@ Interval Times(const Bound& a, const Bound& b, DecimalFlags& flags) {
     const bool isZero = (a.value.IsZero() && !a.isOpen) || (b.value.IsZero() && !b.isOpen);
     if (isZero) return At({});
     if (a.value.IsZero() || b.value.IsZero()) return At({Decimal(), true});
-    return Ends(a.isOpen || b.isOpen, flags,
-                [&](DecimalFlags& happened) { return Multiply(a.value, b.value, happened); });
+    return Ends(
+        a.isOpen || b.isOpen, flags, [&](DecimalFlags& happened) { return Multiply(a.value, b.value, happened); },
+        ExactProduct(a, b));
 }
 
 // Of a divisor without 0; an end of it at 0 is open, and the quotients grow without end towards it.
@@ -93,8 +119,9 @@ Interval By(const Bound& a, const Bound& b, int sign, DecimalFlags& flags) {
     if (a.value.IsZero()) return At({Decimal(), a.isOpen});
     if (b.value.IsInfinite()) return At({Decimal(), true});
     if (b.value.IsZero()) return At({a.value.IsNegative() == (sign < 0) ? Infinity() : -Infinity(), true});
-    return Ends(a.isOpen || b.isOpen, flags,
-                [&](DecimalFlags& happened) { return Divide(a.value, b.value, happened); });
+    return Ends(
+        a.isOpen || b.isOpen, flags, [&](DecimalFlags& happened) { return Divide(a.value, b.value, happened); },
+        ExactQuotient(a, b));
 }
 
 Interval Everywhere(const Interval& a, const Interval& b) { return Interval::Everything(CauseOf(a, b)); }
@@ -115,6 +142,40 @@ bool IsEven(const Decimal& whole) {
 }
 
 }  // namespace
+
+std::optional<Fraction> ExactSum(const Bound& a, const Bound& b) {
+    if (AreDecimals(a, b)) return {};
+    const Fraction left = FractionOf(a), right = FractionOf(b);
+    DecimalFlags flags;
+    if (left.denominator == right.denominator)
+        return IfExact({Add(left.numerator, right.numerator, flags), left.denominator}, flags);
+    const Decimal first = Multiply(left.numerator, right.denominator, flags),
+                  second = Multiply(right.numerator, left.denominator, flags);
+    return IfExact({Add(first, second, flags), Multiply(left.denominator, right.denominator, flags)}, flags);
+}
+
+std::optional<Fraction> ExactProduct(const Bound& a, const Bound& b) {
+    if (AreDecimals(a, b)) return {};
+    const Fraction left = FractionOf(a), right = FractionOf(b);
+    DecimalFlags flags;
+    const Decimal numerator = Multiply(left.numerator, right.numerator, flags);
+    return IfExact({numerator, Multiply(left.denominator, right.denominator, flags)}, flags);
+}
+
+std::optional<Fraction> ExactQuotient(const Bound& a, const Bound& b) {
+    const Fraction left = FractionOf(a), right = FractionOf(b);
+    DecimalFlags flags;
+    const Decimal numerator = Multiply(left.numerator, right.denominator, flags);
+    return IfExact({numerator, Multiply(left.denominator, right.numerator, flags)}, flags);
+}
+
+// Of another sign than the number, as that of 1 / 3 * 3 - 1, it would be another case in a product.
+Interval Interval::Point(const Decimal& value, const std::optional<Fraction>& exact) {
+    if (!exact || value.IsZero() || exact->numerator.IsZero()) return Point(value);
+    const bool isNegative = exact->numerator.IsNegative() != exact->denominator.IsNegative();
+    if (isNegative != value.IsNegative()) return Point(value);
+    return {{value, false, exact}, {value, false, exact}, {}};
+}
 
 Interval Interval::Everything(const std::optional<std::size_t>& cause) {
     return {{-Infinity(), true}, {Infinity(), true}, cause};
@@ -143,20 +204,24 @@ int Interval::Sign() const {
 bool Interval::HasZero() const { return Sign() == 0; }
 
 Interval Negated(const Interval& a) {
-    return {{-a.upper.value, a.upper.isOpen}, {-a.lower.value, a.lower.isOpen}, a.cause};
+    return {{-a.upper.value, a.upper.isOpen, Negated(a.upper.exact)},
+            {-a.lower.value, a.lower.isOpen, Negated(a.lower.exact)},
+            a.cause};
 }
 
 Interval Absolute(const Interval& a) {
     if (a.Sign() > 0) return a;
     const Interval negated = Negated(a);
     if (a.Sign() < 0) return negated;
-    return {{}, IsAfter(a.upper, negated.upper) ? a.upper : negated.upper, a.cause};
+    const Bound& upper = IsAfter(a.upper, negated.upper) ? a.upper : negated.upper;
+    return {{}, {upper.value, upper.isOpen}, a.cause};  // the other one's fraction may be the greater one
 }
 
 Interval Sum(const Interval& a, const Interval& b, DecimalFlags& flags) {
     const auto ends = [&](const Bound& left, const Bound& right) {
-        return Ends(left.isOpen || right.isOpen, flags,
-                    [&](DecimalFlags& happened) { return Add(left.value, right.value, happened); });
+        return Ends(
+            left.isOpen || right.isOpen, flags,
+            [&](DecimalFlags& happened) { return Add(left.value, right.value, happened); }, ExactSum(left, right));
     };
     return {ends(a.lower, b.lower).lower, ends(a.upper, b.upper).upper, CauseOf(a, b)};
 }

@@ -12,14 +12,21 @@
 
 namespace qel {
 
-/// All numbers between two bounds, which are infinite where nothing is known of that side. A bound is rounded half to
-/// even like any other result, so it is as exact as one. Where a result is past the range of the numbers, or loses
+/// All numbers between two bounds, which are infinite where nothing is known of that side. A bound that lost digits is
+/// moved outwards by a unit of its last place. Where a result is past the range of the numbers, or loses
 /// digits near 0, its bounds are the next numbers on both sides of it: a statement stays true. Reasons of a computation
 /// are kept: the variable because of which it is more than one number.
 struct Interval {
+    // Both have all of their digits, so that (L / 3) * 150 is as exact as L * 50.
+    struct Fraction {
+        Decimal numerator, denominator;
+
+        friend bool operator==(const Fraction&, const Fraction&) = default;
+    };
     struct Bound {
         Decimal value;
-        bool isOpen = false;  // the bound itself is not possible
+        bool isOpen = false;                 // the bound itself is not possible
+        std::optional<Fraction> exact = {};  // what value is the next number outwards of, where that is known
 
         friend bool operator==(const Bound&, const Bound&) = default;
     };
@@ -28,6 +35,8 @@ struct Interval {
     std::optional<std::size_t> cause;
 
     static Interval Point(const Decimal& value) { return {{value}, {value}, {}}; }
+    /// A number that lost digits; @p exact is what it would be with all of them.
+    static Interval Point(const Decimal& value, const std::optional<Fraction>& exact);
     static Interval Everything(const std::optional<std::size_t>& cause);
     static Interval Of(const Reading& reading, std::size_t position);
 
@@ -40,6 +49,12 @@ struct Interval {
     /// 1 where all of its numbers are above 0, -1 where all are below, else 0.
     int Sign() const;
 };
+
+/// The sum, product or quotient of two bounds with all digits; nothing where that needs more than 34, or is not needed
+/// since both bounds are decimals and their sum or product is one.
+std::optional<Interval::Fraction> ExactSum(const Interval::Bound& a, const Interval::Bound& b);
+std::optional<Interval::Fraction> ExactProduct(const Interval::Bound& a, const Interval::Bound& b);
+std::optional<Interval::Fraction> ExactQuotient(const Interval::Bound& a, const Interval::Bound& b);
 
 Interval Negated(const Interval& a);
 Interval Absolute(const Interval& a);

@@ -18,13 +18,15 @@ bool IsWithin(const Decimal& value, const ResultLimits& limits) {
     return (!limits.lower || value >= *limits.lower) && (!limits.upper || value <= *limits.upper);
 }
 
-// What the rule makes of the last value that a limit leaves possible: of "< 2.5" the number next to it.
+// What the rule makes of the last value that a limit leaves possible: of "< 2.5" the number next to it. Where the rule
+// keeps that many digits there are others between both, and the limit itself is rounded.
 Decimal RoundedLast(const ExactResult& result, const RoundingRule& rule) {
     DecimalFlags flags;
-    const Decimal limit = result.Certain();
+    const Decimal& limit = result.value;
     const int lastPlace = limit.Magnitude() - Decimal::kDigits + 1;
     const Decimal step = Decimal::Scaled(result.kind == Kind::kBelow ? -1 : 1, lastPlace, flags);
-    return rule.Round(result.isIncluded ? limit : Add(limit, step, flags)).rounded;
+    const Decimal last = rule.Round(Add(limit, step, flags)).rounded;
+    return result.isIncluded || last.Exponent() <= lastPlace ? rule.Round(limit).rounded : last;
 }
 
 // Of "< x" all numbers below x, which conform where x does and nothing is to be above a limit.
@@ -76,7 +78,7 @@ std::optional<ResultDecision> DecideResult(const ExactResult& result, const std:
     const bool isSimple = limits.rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance;
     if (!isSimple && !budget) return refuse("a guard band needs the uncertainty of the result");
     ResultDecision decision;
-    decision.compared = result.Certain();
+    decision.compared = result.value;
     const std::optional<Decimal> expanded =
         budget ? std::optional(Decimal::OfDouble(budget->expandedUncertainty)) : std::nullopt;
     if (limits.comparesRounded && rule) {

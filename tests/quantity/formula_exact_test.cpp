@@ -29,7 +29,7 @@ TEST(FormulaExact, StepsAreListedWithWhatHappened) {
         all += step.operation + (step.flags.isInexact ? "~" : "=") + step.result + "; ";
     EXPECT_EQ(all,
               "variable=10; number=1; -=9; number=7; /~1.285714285714285714285714285714286; variable=< 0.02; "
-              "+=< 1.305714285714285714285714285714286; ");
+              "+~< 1.305714285714285714285714285714287; ");
     EXPECT_EQ(Line({steps[2].position, steps[2].length}), "3 1");
 }
 
@@ -147,23 +147,30 @@ TEST(ExactResult, ALimitIsRoundedSoThatItStaysTrue) {
         EXPECT_EQ(rounded(kind, text), expected) << text;
 }
 
-TEST(ExactResult, LostDigitsOfALimitCostNoPlace) {
+TEST(ExactResult, LostDigitsOfALimitCostNoPlaceAndStayOutside) {
     qel::FormulaScope scope;
     scope.Add("L");
-    const qel::RoundingRule rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, 1);
-    for (const auto& [text, reading, expected] : Cases<const char*, const char*, const char*>{
-             {"L / 3 * 150", "< 0.02", "< 1.0"},
-             {"L * 150 / 3", "< 0.02", "< 1.0"},
-             {"L / 3 * 150", "<= 0.02", "<= 1.0"},
-             {"-L / 3 * 150", "< 0.02", "> -1.0"},
-             {"L / 3", "< 2", "< 0.7"},
-             {"L / 3 * 10^-6176", "< 1", "< 0.1"},
-             {"L / 3 * 10^6144", "> 70", "> 9.999999999999999999999999999999999E+6144"},
+    for (const auto& [text, reading, places, expected] : Cases<const char*, const char*, int, const char*>{
+             {"L / 3 * 150", "< 0.02", 1, "< 1.0"},
+             {"L * 150 / 3", "< 0.02", 1, "< 1.0"},
+             {"L / 3 * 150", "<= 0.02", 1, "<= 1.0"},
+             {"-L / 3 * 150", "< 0.02", 1, "> -1.0"},
+             {"L / 3", "< 2", 1, "< 0.7"},
+             {"L / 3 * 10^-6176", "< 1", 1, "< 0.1"},
+             {"L / 3 * 10^6144", "> 70", 1, "> 9.999999999999999999999999999999999E+6144"},
+             {"L / 3", "< 1", 33, "< 0.333333333333333333333333333333334"},
+             {"L / 3 + 1e20", "< 1", 13, "< 100000000000000000000.3333333333334"},
+             {"L / 3 * 3", "< 1.000000000000000000000000000000004", 1, "< 1.1"},
+             {"(L - 0.1) / 3 * 3 - 0.1", "< 0.2", 2, "< 0.00"},
+             {"2 / 3 * L", "< 3", 1, "< 2.0"},
+             {"-(L / 3) / 7 * 21", "<= 1", 1, ">= -1.0"},
+             {"(L / 3) ^ 2 * 9", "> 1", 1, "> 0.9"},
          }) {
+        const qel::RoundingRule rule = qel::RoundingRule::ToPlaces(qel::DecimalRounding::kHalfEven, places);
         FormulaError error;
         ExactResult result =
             *Formula::Parse(text, scope, error)->EvaluateExactly(std::vector{*Reading::OfText(reading)}, {}, error);
-        result.value = result.Rounded(rule).value_or(qel::RoundedValue{{}, result.Certain()}).rounded;
+        result.value = result.Rounded(rule).value_or(qel::RoundedValue{{}, result.value}).rounded;
         EXPECT_EQ(result.Text(), expected) << text;
     }
 }
