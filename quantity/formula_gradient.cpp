@@ -34,6 +34,8 @@ public:
     Value One(const FormulaStep& step, Value operand) {
         const double result = m_arithmetic.One(step, Number(operand));
         if (step.operation == Operation::kAbs && IsActive(operand)) m_gradient.m_bends.push_back({operand, kZero});
+        if (step.operation == Operation::kRound && IsActive(operand))
+            m_gradient.m_roundings.push_back({operand, step.index});
         m_gradient.NoteUnderflow(result, step.operation == Operation::kExp && IsActive(operand));
         return Add(step, result, operand, operand, IsActive(operand));
     }
@@ -94,7 +96,8 @@ FormulaGradient::FormulaGradient(const FormulaProgram& program, std::pmr::memory
       m_nodes(memory),
       m_operands(memory),
       m_partials(program.variables.size(), memory),
-      m_bends(memory) {
+      m_bends(memory),
+      m_roundings(memory) {
     m_nodes.reserve(program.steps.size());
 }
 
@@ -102,6 +105,7 @@ double FormulaGradient::Evaluate(std::span<const double> values, std::span<const
     m_nodes.clear();
     m_operands.clear();
     m_bends.clear();
+    m_roundings.clear();
     m_hasUnderflow = false;
     Recording recording(*this, values, isActive);
     const std::uint32_t result = FormulaMachine(m_program, recording).Run();

@@ -44,8 +44,15 @@ public:
     };
     static constexpr std::uint32_t kZero = UINT32_MAX;
 
+    /// A rounding of what depends on a variable whose derivative was wanted.
+    struct Rounding {
+        std::uint32_t operand;  // node
+        std::size_t rule;       // of the program
+    };
+
     /// Of the last evaluation, in its order.
     std::span<const Bend> Bends() const { return m_bends; }
+    std::span<const Rounding> Roundings() const { return m_roundings; }
     /// Makes Partials those of the difference of both operands.
     /// @return the difference
     /// @throws FormulaError
@@ -77,6 +84,7 @@ private:
     std::pmr::vector<std::uint32_t> m_operands;  // nodes, of min, max, mean, sum
     std::pmr::vector<double> m_partials;
     std::pmr::vector<Bend> m_bends;
+    std::pmr::vector<Rounding> m_roundings;
     bool m_hasUnderflow = false;
 };
 

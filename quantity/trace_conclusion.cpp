@@ -52,13 +52,13 @@ void TraceConclusion::Decide() {
         m_trace.m_remarks.push_back("no decision: " + reason);
         return;
     }
-    if (!m_trace.m_decision->isRounded || calculation.limits->rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance)
-        return;
+    if (!m_trace.m_decision->isRounded) return;
+    const bool isSimple = calculation.limits->rule.RuleKind() == DecisionRule::Kind::kSimpleAcceptance;
     const auto unrounded = DecideResult(*m_part.result, {}, m_part.budget, *calculation.limits, reason);
     if (unrounded && unrounded->isPassed != m_trace.m_decision->isPassed)
-        m_trace.m_remarks.push_back(
-            std::string("rounding decides: the unrounded value, which a guard band is for, has ") +
-            (unrounded->isPassed ? "passed" : "not passed"));
+        m_trace.m_remarks.push_back(std::string("rounding decides: the unrounded value") +
+                                    (isSimple ? "" : ", which a guard band is for,") + " has " +
+                                    (unrounded->isPassed ? "passed" : "not passed"));
 }
 
 void TraceConclusion::TryOut(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs,
@@ -89,7 +89,7 @@ void TraceConclusion::RemarkKink() {
     const bool isEnough = m_trace.m_firstOrder && m_trace.m_firstOrder->isEnough;
     if (!m_part.budget || !m_part.budget->isAtKink || isEnough) return;
     m_trace.m_remarks.push_back("first order is not enough for the uncertainty of " + m_part.name +
-                                ": within it the formula takes another branch or bends");
+                                ": within it the formula takes another branch, bends or steps");
 }
 
 }  // namespace qel

@@ -123,6 +123,28 @@ bool ReachesBend(FormulaGradient& gradient, const UncertaintySources& sources, d
     });
 }
 
+// Whether a rounding has steps above the standard uncertainty of what it rounds: a step adds 0.29 of itself.
+bool HasSteps(FormulaGradient& gradient, const UncertaintySources& sources, const FormulaProgram& program) {
+    return std::ranges::any_of(gradient.Roundings(), [&](const FormulaGradient::Rounding& rounding) {
+        try {
+            const double value = gradient.DifferentiateBend({rounding.operand, FormulaGradient::kZero});
+            const Combination combination(sources, gradient.Partials(), std::pmr::get_default_resource());
+            const double uncertainty = combination.Uncertainty();
+            // A value between two steps tells their distance; both of these on steps are not so far apart.
+            const RoundingRule& rule = program.rules[rounding.rule];
+            return std::ranges::any_of(std::array{value, value + 0.5 * uncertainty}, [&](double each) {
+                const Decimal exact = Decimal::OfDouble(each);
+                DecimalFlags ignored;
+                const Decimal step = Subtract(rule.With(DecimalRounding::kAwayFromZero).Round(exact).rounded,
+                                              rule.With(DecimalRounding::kTowardZero).Round(exact).rounded, ignored);
+                return uncertainty > 0.0 && step.Absolute().ToDouble() > uncertainty;
+            });
+        } catch (const FormulaError&) {
+            return true;  // there is no derivative, so that nobody knows the uncertainty
+        }
+    });
+}
+
 // The standard uncertainties of the inputs that have no part in the result to first order, by slot; empty without any.
 std::vector<double> WithoutPart(const UncertaintySources& sources, std::span<const double> partials) {
     std::vector<double> uncertainties;
@@ -174,7 +196,7 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
     if (options.withRows) AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
     // Last: this changes the derivatives.
     const std::vector<double> withoutPart = WithoutPart(sources, gradient.Partials());
-    budget.isAtKink = ReachesBend(gradient, sources, budget.coverageFactor) ||
+    budget.isAtKink = ReachesBend(gradient, sources, budget.coverageFactor) || HasSteps(gradient, sources, program) ||
                       HasPartBeside(gradient, sources, withoutPart, budget.uncertainty);
     return budget;
 }

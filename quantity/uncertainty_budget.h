@@ -51,7 +51,8 @@ struct QELLIB10_API UncertaintyBudget {
     std::optional<double> coverageProbability;
     /// The formula bends or takes another branch within the uncertainty: the operands of a comparison differ by no more
     /// than k times the standard uncertainty of their difference, or those of min and max, or abs is as near to 0. Or
-    /// an input has no part in the uncertainty here, and one next to here, as x in x * x at 0. First order is then
+    /// an input has no part in the uncertainty here, and one next to here, as x in x * x at 0. Or round has steps above
+    /// the standard uncertainty of its argument. First order is then
     /// hardly enough; a Monte Carlo run says more.
     bool isAtKink = false;
     std::vector<UncertaintyRow> rows;  ///< in the order in which the formula first names the inputs

@@ -115,7 +115,8 @@ TEST(Trace, RemarksWhereAnUncertaintyMeansLittle) {
         return text;
     };
     const std::string branch =
-        "; first order is not enough for the uncertainty of X: within it the formula takes another branch or bends";
+        "; first order is not enough for the uncertainty of X: within it the formula takes another branch, bends or "
+        "steps";
     EXPECT_EQ(answer("if(A > 0.3, 1, 2)", "H", "0.4"), "1 ± 0 (k = 2)" + branch);
     EXPECT_EQ(answer("1", "if(A > 0.3, 1, H + 1)", "0.4"), "1 ± 0 (k = 2)" + branch);
     EXPECT_EQ(answer("if(A > 0.3, 1, 2)", "H", "0.6"), "1 ± 0 (k = 2)");
@@ -330,7 +331,8 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
     };
     for (const auto& [reading, upper, rule, comparesRounded, u, expected] :
          Cases<const char*, const char*, Rule, bool, double, const char*>{
-             {"10.04", "10.0", Rule::SimpleAcceptance(), true, 0, "passed"},
+             {"10.04", "10.0", Rule::SimpleAcceptance(), true, 0,
+              "passed; rounding decides: the unrounded value has not passed"},
              {"10.04", "10.0", Rule::SimpleAcceptance(), false, 0, "failed"},
              {"10.00000000000000000001", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
              {"9.9", "10", Rule::GuardedAcceptance(), false, 0,
@@ -345,9 +347,12 @@ TEST(Trace, DecidesByWhatTheLimitsCompare) {
              {"< 10", "10", Rule::SimpleAcceptance(), false, 0, "passed"},
              {"< 11", "10", Rule::SimpleAcceptance(), false, 0, "failed, undecided"},
              {"> 10", "10", Rule::SimpleAcceptance(), false, 0, "failed"},
-             {"< 0.161", "0.165", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},  // one place: 0.2
-             {"< 10.04", "10", Rule::SimpleAcceptance(), true, 0, "passed"},
-             {"< 10.15", "10.1", Rule::SimpleAcceptance(), true, 0, "passed"},
+             {"< 0.161", "0.165", Rule::SimpleAcceptance(), true, 0,  // one place: 0.2
+              "failed, undecided; rounding decides: the unrounded value has passed"},
+             {"< 10.04", "10", Rule::SimpleAcceptance(), true, 0,
+              "passed; rounding decides: the unrounded value has not passed"},
+             {"< 10.15", "10.1", Rule::SimpleAcceptance(), true, 0,
+              "passed; rounding decides: the unrounded value has not passed"},
              {"<= 10.15", "10.1", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},
              {"> 10.05", "10", Rule::SimpleAcceptance(), true, 0, "failed"},
              {"> 0.54", "0.5", Rule::SimpleAcceptance(), true, 0, "failed, undecided"},

@@ -161,6 +161,10 @@ TEST(UncertaintyBudget, ABendWithinTheUncertaintyIsSeen) {
              {"(A - A + Z - Z) * B", false},
              {"(B - A - 0.5) ^ 2", true},
              {"(E - 2) * A", false},
+             {"round(A, 0)", true},
+             {"round(10 * A, 5, half_even, multiple)", true},
+             {"round(A, 3)", false},
+             {"round(E, 0) * A", false},
          }) {
         qel::FormulaError error;
         const auto budget = qel::PropagateUncertainty(inputs.Parsed(formula), inputs.inputs, {}, error);
