@@ -22,9 +22,12 @@ namespace qel {
 /// The chart follows the desktop: its dark theme, and its scale, in whose pixels it is drawn.
 ///
 /// @code
+/// qel::Chart chart;
+/// chart.series.push_back({.name = "Potential"});
 /// qel::ChartView view(chart);
+/// GtkWidget* const window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
 /// gtk_container_add(GTK_CONTAINER(window), view.Widget());
-/// view.Append(0, readings);  // from any thread
+/// view.Append(0, std::vector<CGraphData>{{0, 212}, {1, 215}});  // from any thread
 /// @endcode
 ///
 /// Everything but Append runs in GTK's thread.

@@ -40,13 +40,13 @@ struct TablePage {
 /// title and the names of its columns there again. A column without any text is left out.
 ///
 /// @code
+/// const qel::PrintTable inputs{"Inputs", {"Name", "Value"}, {{"V", "12.34 mL"}, {"C", "0.1 mol/L"}}};
 /// CQelPrintJobPageStyle style;
 /// style.SetPrinterDevice("PDF");
 /// CDC printer;
 /// if (!printer.Attach(style.GetPrinterDC())) return;
 /// CQelPrintJobDocumentData document;
-/// for (const auto& job : qel::MakeTableJobs(qel::PrintTablesOf(trace.Tables(language)), {"Trace"}, style, printer))
-///     document.CheckAndAddJobFile(job);
+/// for (const auto& job : qel::MakeTableJobs({inputs}, {"Trace"}, style, printer)) document.CheckAndAddJobFile(job);
 /// document.PrintOut();
 /// @endcode
 ///
