@@ -1,5 +1,8 @@
 #include "qellib10/graph/chart_navigator.h"
 
+#include <iomanip>
+#include <sstream>
+
 #include "../support/canvas.h"
 #include "../support/line.h"
 #include "../support/test.h"
@@ -22,13 +25,10 @@ public:
     // The ends of both axes, after drawing.
     std::string Ends() {
         Draw();
-        std::string ends;
-        for (const qel::AxisPlaces& axis : report.axes) {
-            char text[64];
-            std::snprintf(text, sizeof text, "%.3g..%.3g ", axis.low, axis.high);
-            ends += text;
-        }
-        return ends;
+        std::ostringstream ends;
+        ends << std::setprecision(3);
+        for (const qel::AxisPlaces& axis : report.axes) ends << axis.low << ".." << axis.high << ' ';
+        return ends.str();
     }
     qel::ShapePoint Place(double x, double y) const { return {report.axes[0].At(x), report.axes[1].At(y)}; }
     qel::ChartBox Box(double x1, double y1, double x2, double y2) const {

@@ -50,7 +50,7 @@ const std::vector<Row> kArrows = {
     {"evaluation", {"quantity", "curve", "platform/algebra"}},
     {"print", {"file", "platform/printing", "platform/xml"}},
     {"graph", {"print"}},
-    {"gtk", {"platform/printing"}},
+    {"gtk", {"platform/printing", "graph"}},
     {"demo/support", {}},
     {"demo/curve", {"demo/support"}},
     {"demo/method", {"demo/support"}},

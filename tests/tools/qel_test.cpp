@@ -267,7 +267,7 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--exact A 'A=1; u=-1'", "0 1 ± 2.0 (k = 2)\n"},
              {"--exact A 'A=1; u=--1'", "2 qel: \"u=--1\" is no uncertainty"},
              {"--exact A 'A=1; u=0.1; source=B'", "2 qel: \"source=B\" has no uncertainty after it"},
-             {"--exact A 'A=1; u=0.1' --k 0", "0 1\nno uncertainty of RESULT: "},
+             {"--exact A 'A=1; u=0.1' --k 0", "2 qel: --k: a coverage factor is a number above 0"},
              {"--exact A+B 'A=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,B,1", "0 2 ± 0.40 (k = 2)\n"},
              {"--exact 'const.R*T' T=298.15 --unit kJ/mol", "1 qel: RESULT: the units do not go together"},
              {"--round x A A=1", "2 qel: --round requires --exact; see qel --help\n"},
