@@ -243,7 +243,7 @@ TEST(Chart, IsNotWrittenWhereThatIsImpossible) {
     const TempFolder folder;
     const qel::Chart chart = WholeChart();
     EXPECT_FALSE(chart.WritePng(folder.Path("no/a.png").View(), CSize(50, 38)));
-    EXPECT_EQ(qel::LastFailure().operation, "qel::Chart::WritePng");
+    EXPECT_STREQ(qel::LastFailure().operation, "qel::Chart::WritePng");
     EXPECT_FALSE(chart.WritePng(folder.Path("a.png").View(), CSize(0, 38)));
     EXPECT_FALSE(chart.WriteSvg(folder.Path("a.svg").View(), CSize(50, 40'000)));
     EXPECT_FALSE(chart.WritePdf(folder.Path("a.pdf").View(), CSize(0, 10)));

@@ -96,7 +96,7 @@ TEST(PrintTable, WhereThereIsNoSpaceThereIsNoJob) {
         CQelPrintJobPageStyle style = Style();
         change(style);
         EXPECT_EQ(Made({{"T", {}, {}}}, style).size(), 0U);
-        EXPECT_EQ(qel::LastFailure().operation, "qel::MakeTableJobs");
+        EXPECT_STREQ(qel::LastFailure().operation, "qel::MakeTableJobs");
     }
     EXPECT_EQ(Made({{"T", std::vector<std::string>(30, "x"), {}}}).size(), 0U);
 }
