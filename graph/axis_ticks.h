@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "qellib10/platform/export.h"
+
 namespace qel {
 
 /// What the values of an axis are.
@@ -60,20 +62,21 @@ struct AxisSpace {
 /// At steps of 1, 2, 2.5 or 5 and zeros. 2.5 with a decimal more is taken where 5 leaves less than four texts. An
 /// exponent is used only where it makes the longest text shorter: 1000000000.0002 stays as it is. No text has more than
 /// 15 digits, as many as a double holds; ranges too narrow for them, or for a step of 1e-307, have one tick or none.
-AxisTicks LinearTicks(double low, double high, ChartExponent exponent, const AxisSpace& space);
+QELLIB10_API AxisTicks LinearTicks(double low, double high, ChartExponent exponent, const AxisSpace& space);
 
 /// At decades, or each second, third ... of them, with minor ticks at 2 to 9 or at 2 and 5, which have texts below
-/// three decades where they fit. Below one decade, at linear
-/// steps. @p low is above 0; values below 1e-307 have no ticks.
-AxisTicks LogTicks(double low, double high, const AxisSpace& space);
+/// three decades where they fit. Below one decade, at linear steps. @p low is above 0; values below 1e-307 have no
+/// ticks.
+QELLIB10_API AxisTicks LogTicks(double low, double high, const AxisSpace& space);
 
 /// At round times of the clock, from 1 ms to 5000 years, weeks on Mondays, for the years 1 to 9999. Texts are of ISO
 /// 8601: "12:30:05.250", "12:30", "11-28", "2026-11". The first tick of a new day has its date. A local time that is
 /// skipped or repeated when summer time changes has no tick or one.
-AxisTicks TimeTicks(double low, double high, ChartClock clock, const AxisSpace& space);
+QELLIB10_API AxisTicks TimeTicks(double low, double high, ChartClock clock, const AxisSpace& space);
 
 /// At 0, 1, 2 ...; where not all names fit, each second, third ... is shown, and the others are minor ticks.
-AxisTicks CategoryTicks(std::span<const std::string> names, double low, double high, const AxisSpace& space);
+QELLIB10_API AxisTicks CategoryTicks(std::span<const std::string> names, double low, double high,
+                                     const AxisSpace& space);
 /// @}
 
 struct AxisRange {
@@ -84,11 +87,11 @@ struct AxisRange {
 /// axis the decade (below three decades: 1, 2 or 5) before and after. One value, or values that differ only by
 /// rounding, get half their size at both ends, 1 around 0, half a minute around a time. Ends that are infinite or NaN,
 /// and ends of a logarithmic axis that are not above 0, do not count.
-AxisRange PaddedRange(double low, double high, ChartScale scale);
+QELLIB10_API AxisRange PaddedRange(double low, double high, ChartScale scale);
 
 /// A number as an axis with this step shows it: @p value / 10^exponent with the decimals of @p step (0: of the value),
 /// rounded half away from zero, "." in every locale, U+2212 as minus, no sign at 0. With exponent 0, "1e+20" if all
 /// digits are more than 12 characters and that is shorter.
-std::string NumberText(double value, double step, int exponent);
+QELLIB10_API std::string NumberText(double value, double step, int exponent);
 
 }  // namespace qel

@@ -11,14 +11,6 @@ namespace {
 
 constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
-double ErrorAt(const std::vector<double>& errors, std::size_t index) {
-    return index < errors.size() && errors[index] > 0 ? errors[index] : 0;
-}
-
-double UpAt(const ChartErrors& errors, std::size_t index) {
-    return ErrorAt(errors.up.empty() ? errors.down : errors.up, index);
-}
-
 }  // namespace
 
 SeriesCurves::SeriesCurves(const Chart& chart, std::size_t series, const std::vector<AxisLayout>& axes)
@@ -112,8 +104,8 @@ std::vector<std::vector<ShapePoint>> SeriesCurves::ErrorAreas() const {
     std::vector<double> upper(Count()), lower(Count());
     for (std::size_t i = 0; i < Count(); ++i) {
         const double y = m_series.points[i].GetYData();
-        upper[i] = y + UpAt(m_series.yErrors, i);
-        lower[i] = y - ErrorAt(m_series.yErrors.down, i);
+        upper[i] = y + m_series.yErrors.UpAt(i);
+        lower[i] = y - m_series.yErrors.DownAt(i);
         if (m_y.isLogarithmic && !(lower[i] > 0)) lower[i] = m_y.low;
         if (IsGap({m_y.At(upper[i]), m_y.At(lower[i])})) upper[i] = lower[i] = kNoNumber;
     }
@@ -135,10 +127,10 @@ std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
         const auto end = [](const AxisPlaces& places, double value) {
             return places.isLogarithmic && !(value > 0) ? places.from : places.At(value);
         };
-        const double down = ErrorAt(m_series.yErrors.down, i), up = UpAt(m_series.yErrors, i);
+        const double down = m_series.yErrors.DownAt(i), up = m_series.yErrors.UpAt(i);
         if (!m_series.hasErrorBand && (down > 0 || up > 0))
             bars.push_back({{at.x, end(m_y, y - down)}, {at.x, end(m_y, y + up)}, true});
-        const double before = ErrorAt(m_series.xErrors.down, i), after = UpAt(m_series.xErrors, i);
+        const double before = m_series.xErrors.DownAt(i), after = m_series.xErrors.UpAt(i);
         if (before > 0 || after > 0) bars.push_back({{end(m_x, x - before), at.y}, {end(m_x, x + after), at.y}, false});
     }
     return bars;

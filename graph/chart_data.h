@@ -65,6 +65,15 @@ enum class ChartKind {
 struct ChartErrors {
     std::vector<double> down = {};
     std::vector<double> up = {};  ///< empty: the same as down
+
+    /// Of a point; 0 for one without an error, and for what is no number above 0.
+    double DownAt(std::size_t point) const noexcept { return At(down, point); }
+    double UpAt(std::size_t point) const noexcept { return At(up.empty() ? down : up, point); }
+
+private:
+    static double At(const std::vector<double>& errors, std::size_t point) noexcept {
+        return point < errors.size() && errors[point] > 0 ? errors[point] : 0;
+    }
 };
 
 /// A row of points. A point whose x or y is not a number, or not above 0 on a logarithmic axis, is a gap.

@@ -29,14 +29,10 @@ private:
     double m_high = -std::numeric_limits<double>::infinity();
 };
 
-double ErrorAt(const std::vector<double>& errors, std::size_t index) {
-    return index < errors.size() && errors[index] > 0 ? errors[index] : 0;
-}
-
 void AddWithErrors(Extent& extent, double value, const ChartErrors& errors, std::size_t index) {
     extent.Add(value);
-    extent.Add(value - ErrorAt(errors.down, index));
-    extent.Add(value + ErrorAt(errors.up.empty() ? errors.down : errors.up, index));
+    extent.Add(value - errors.DownAt(index));
+    extent.Add(value + errors.UpAt(index));
 }
 
 // The smallest distance of neighbouring bars; 0 for one bar.
