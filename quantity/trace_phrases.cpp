@@ -1,18 +1,11 @@
 #include "qellib10/quantity/trace_phrases.h"
 
 #include <array>
-#include <optional>
-#include <vector>
+
+#include "qellib10/quantity/phrase_table.h"
 
 namespace qel {
 namespace {
-
-constexpr std::string_view kHole = "{}";
-
-// A hole stands for any text, which stays as it is; those of both languages have the same order.
-struct Phrase {
-    std::string_view english, japanese;
-};
 
 // Before the digits that a rule rounds to.
 constexpr std::array kRoundings = {
@@ -66,39 +59,12 @@ constexpr std::array kPhrases = {
     Phrase{"if", "条件"},
 };
 
-// What is in the holes, where the text is the phrase; a hole ends where the text after it comes first.
-std::optional<std::vector<std::string_view>> HolesIn(std::string_view phrase, std::string_view text) {
-    std::vector<std::string_view> holes;
-    for (bool isInHole = false;; isInHole = true) {
-        const std::size_t hole = phrase.find(kHole);
-        const std::string_view fixed = phrase.substr(0, hole);
-        const std::size_t at = isInHole && fixed.empty() ? text.size() : text.find(fixed);
-        if (at == std::string_view::npos || (!isInHole && at > 0)) return {};
-        if (isInHole) holes.push_back(text.substr(0, at));
-        text.remove_prefix(at + fixed.size());
-        if (hole == std::string_view::npos) return text.empty() ? std::optional(holes) : std::nullopt;
-        phrase.remove_prefix(hole + kHole.size());
-    }
-}
-
 }  // namespace
 
 std::string JapaneseOf(std::string_view english) {
     for (const auto& [name, japanese] : kRoundings)
         if (english.starts_with(name)) return std::string(japanese) + JapaneseOf(english.substr(name.size()));
-    for (const Phrase& phrase : kPhrases) {
-        const auto holes = HolesIn(phrase.english, english);
-        if (!holes) continue;
-        std::string text(phrase.japanese);
-        std::size_t at = 0;
-        for (const std::string_view hole : *holes) {
-            at = text.find(kHole, at);
-            text.replace(at, kHole.size(), hole);
-            at += hole.size();
-        }
-        return text;
-    }
-    return std::string(english);
+    return Translated(english, kPhrases, JapaneseOf).value_or(std::string(english));
 }
 
 }  // namespace qel

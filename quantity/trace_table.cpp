@@ -7,6 +7,7 @@
 #include "qellib10/quantity/formula_constants.h"
 #include "qellib10/quantity/trace.h"
 #include "qellib10/quantity/trace_phrases.h"
+#include "qellib10/quantity/trace_sentences.h"
 #include "qellib10/quantity/trace_words.h"
 
 namespace qel {
@@ -37,7 +38,7 @@ public:
         AddTrials();
         AddDecision();
         for (const std::string& remark : m_trace.Remarks())
-            m_tables.front().rows.push_back({Word(TraceWord::kRemark), remark});
+            m_tables.front().rows.push_back({Word(TraceWord::kRemark), Sentence(remark)});
         return std::move(m_tables);
     }
 
@@ -45,6 +46,9 @@ private:
     std::string Word(TraceWord word) const { return std::string(TextOf(word, m_language)); }
     std::string Phrase(std::string_view english) const {
         return m_language == TraceLanguage::kJapanese ? JapaneseOf(english) : std::string(english);
+    }
+    std::string Sentence(const std::string& english) const {
+        return m_language == TraceLanguage::kJapanese ? JapaneseSentence(english) : english;
     }
 
     TraceTable& Add(TraceWord title, const std::string& name, std::initializer_list<TraceWord> columns) {
@@ -58,7 +62,7 @@ private:
         const Calculation& request = m_trace.Request();
         if (const TraceFault* const fault = m_trace.Fault()) {
             TraceTable& table = Add(TraceWord::kFault, fault->name, {});
-            table.rows.push_back({Word(TraceWord::kFault), fault->sentence});
+            table.rows.push_back({Word(TraceWord::kFault), Sentence(fault->sentence)});
         } else {
             TraceTable& table = Add(TraceWord::kResult, request.result.name, {});
             table.rows.push_back({Word(TraceWord::kResult), Phrase(m_trace.ResultWithUncertainty())});
