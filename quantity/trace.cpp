@@ -10,7 +10,7 @@
 namespace qel {
 namespace {
 
-// Powers of ten of results that are shown without an exponent, where no rule says how.
+// Powers of ten of results that are shown without an exponent.
 constexpr int kLeastPlain = -6, kMostPlain = 20;
 
 std::string WithUnit(const std::string& text, const std::string& unit) {
@@ -27,7 +27,7 @@ bool IsPlain(int magnitude) { return magnitude >= kLeastPlain && magnitude <= kM
 
 // Of 0 every digit after the point says nothing where there are many.
 std::string Shown(const ExactResult& result, bool isRounded) {
-    if (isRounded) return result.PlainText();
+    if (isRounded && result.value.IsZero()) return result.PlainText();
     if (!result.value.IsZero()) return IsPlain(result.value.Magnitude()) ? result.PlainText() : result.Text();
     ExactResult zero = result;
     if (!IsPlain(zero.value.Exponent())) zero.value = Decimal();
@@ -65,10 +65,10 @@ std::string Trace::ResultWithUncertainty() const {
     const TracePart* const part = Result();
     if (part == nullptr || !m_roundedUncertainty) return ResultText();
     const std::string factor = " (k = " + Shortest(part->budget->coverageFactor) + ')';
-    const Decimal &value = part->result->value, &uncertainty = *m_roundedUncertainty;
+    const Decimal &value = m_rounded ? m_rounded->rounded : part->result->value, &uncertainty = *m_roundedUncertainty;
     const int power = value.IsZero() ? uncertainty.Magnitude() : std::max(value.Magnitude(), uncertainty.Magnitude());
-    if (m_rounded || IsPlain(power))
-        return ResultText() + " ± " + WithUnit(uncertainty.PlainText(), part->unit) + factor;
+    if (IsPlain(power)) return ResultText() + " ± " + WithUnit(uncertainty.PlainText(), part->unit) + factor;
+    if (m_rounded && value.IsZero()) return ResultText() + " ± " + WithUnit(uncertainty.Text(), part->unit) + factor;
     // One power of ten for both.
     DecimalFlags exact;
     const Decimal scale = Decimal::Scaled(1, -power, exact);

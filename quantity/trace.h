@@ -85,8 +85,8 @@ public:
     /// "0.1021 mol/L", "< 0.02 mg/L", "yes", "not determinable: BLANK"; with the digits of the rule. Empty with a
     /// fault.
     std::string ResultText() const;
-    /// "0.1021 mol/L ± 0.0002 mol/L (k = 2)", or "(1.66 ± 0.02)E-27 kg (k = 2)" where there would be many zeros; as
-    /// ResultText where there is no uncertainty.
+    /// "0.1021 mol/L ± 0.0002 mol/L (k = 2)", or "(1.66 ± 0.02)E-27 kg (k = 2)" where there would be many zeros, with
+    /// and without a rule; as ResultText where there is no uncertainty.
     std::string ResultWithUncertainty() const;
 
     /// All of it, as docs/trace-schema.json describes. CheckTrace computes whatever it gives again without a

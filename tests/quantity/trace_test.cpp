@@ -126,18 +126,26 @@ TEST(Trace, RemarksWhereAnUncertaintyMeansLittle) {
 }
 
 TEST(Trace, ShowsNoLongRowOfZeros) {
-    for (const auto& [formula, value, u, expected] : Cases<const char*, const char*, double, const char*>{
-             {"A", "1E+25", 1e22, "(1 ± 0.0020)E+25 (k = 2)"},
-             {"A", "1.00E-9", 1e-11, "(1.00 ± 0.020)E-9 (k = 2)"},
-             {"A", "1.00E-9", 0, "1.00E-9"},
-             {"A", "0", 1e-11, "(0 ± 2.0)E-11 (k = 2)"},
-             {"A", "2", 1e-11, "2 ± 0.000000000020 (k = 2)"},
-             {"1 / A - 1 / A", "3", 0, "0"},
-             {"A - 3.00", "3", 0, "0.00"},
+    constexpr auto kHalfEven = qel::DecimalRounding::kHalfEven;
+    const auto toTwoDigits = qel::RoundingRule::ToUncertainty(kHalfEven, 2),
+               toTwoPlaces = qel::RoundingRule::ToPlaces(kHalfEven, 2);
+    for (const auto& [formula, value, u, rule, expected] :
+         Cases<const char*, const char*, double, std::optional<qel::RoundingRule>, const char*>{
+             {"A", "1E+25", 1e22, {}, "(1 ± 0.0020)E+25 (k = 2)"},
+             {"A", "1.00E-9", 1e-11, {}, "(1.00 ± 0.020)E-9 (k = 2)"},
+             {"A", "1.00E-9", 0, {}, "1.00E-9"},
+             {"A", "0", 1e-11, {}, "(0 ± 2.0)E-11 (k = 2)"},
+             {"A", "2", 1e-11, {}, "2 ± 0.000000000020 (k = 2)"},
+             {"1 / A - 1 / A", "3", 0, {}, "0"},
+             {"A", "1.234E-26", 3e-28, toTwoDigits, "(1.234 ± 0.060)E-26 (k = 2)"},
+             {"A", "1.234E-26", 0, toTwoPlaces, "0.00"},
+             {"A", "1.234E-26", 3e-28, toTwoPlaces, "0.00 ± 6.0E-28 (k = 2)"},
+             {"A - 3.00", "3", 0, {}, "0.00"},
          }) {
         Calculation calculation;
         calculation.result = {"X", formula, ""};
         calculation.inputs = {Input("A", value)};
+        calculation.rule = rule;
         if (u > 0.0) calculation.inputs[0].components = {*UncertaintyComponent::Standard(u)};
         EXPECT_EQ(Trace::Of(calculation).ResultWithUncertainty(), expected);
     }
