@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 #include "qellib10/platform/drawing/dc.h"
@@ -16,8 +17,17 @@ CRect TouchedPixels(const ChartBox& box) {
             static_cast<int>(std::ceil(box.right)), static_cast<int>(std::ceil(box.bottom))};
 }
 
+// std::round, as fast as a curve of a hundred thousand corners needs it: a call of a library costs more than the rest.
+double Rounded(double number) {
+    constexpr double kMostExact = 1e15;
+    if (!(std::fabs(number) < kMostExact)) return std::round(number);
+    const auto whole = static_cast<std::int64_t>(number);
+    const double rest = number - static_cast<double>(whole);
+    return std::copysign(static_cast<double>(whole + (rest >= 0.5 ? 1 : 0) - (rest <= -0.5 ? 1 : 0)), number);
+}
+
 // As commands keep lengths and places.
-double Hundredth(double length) { return std::round(length * 100) / 100; }
+double Hundredth(double length) { return Rounded(length * 100) / 100; }
 ShapePoint Kept(const ShapePoint& place) { return {Hundredth(place.x), Hundredth(place.y)}; }
 
 }  // namespace

@@ -29,6 +29,11 @@ std::optional<std::pair<ShapePoint, ShapePoint>> CutSegment(const ShapePoint& fr
                      ShapePoint{from.x + end * dx, from.y + end * dy});
 }
 
+ChartBox Reach(const ChartBox& area) {
+    const double reach = 64 + area.Width() + area.Height();
+    return {area.left - reach, area.top - reach, area.right + reach, area.bottom + reach};
+}
+
 bool IsIn(const ShapePoint& place, const ChartBox& box) {
     return place.x >= box.left && place.x <= box.right && place.y >= box.top && place.y <= box.bottom;
 }
@@ -60,9 +65,14 @@ void LineReducer::End() {
         if (m_line.empty() || m_line.back() != place) m_line.push_back(place);
 }
 
+std::vector<ShapePoint> CutToArea(std::vector<ShapePoint>&& line, const ChartBox& area) {
+    const ChartBox box = Reach(area);
+    if (std::ranges::all_of(line, [&](const ShapePoint& place) { return IsIn(place, box); })) return std::move(line);
+    return CutToArea(std::span<const ShapePoint>(line), area);
+}
+
 std::vector<ShapePoint> CutToArea(std::span<const ShapePoint> line, const ChartBox& area) {
-    const double reach = 64 + area.Width() + area.Height();
-    const ChartBox box{area.left - reach, area.top - reach, area.right + reach, area.bottom + reach};
+    const ChartBox box = Reach(area);
     std::vector<ShapePoint> cut;
     cut.reserve(line.size());
     bool isDown = false;  // the last corner that was added is the one before

@@ -52,5 +52,6 @@ private:
 
 /// Keeps a line within coordinates that can be drawn: its parts far outside @p area are cut off.
 std::vector<ShapePoint> CutToArea(std::span<const ShapePoint> line, const ChartBox& area);
+std::vector<ShapePoint> CutToArea(std::vector<ShapePoint>&& line, const ChartBox& area);
 
 }  // namespace qel

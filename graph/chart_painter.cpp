@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "qellib10/graph/chart_hatch.h"
 #include "qellib10/graph/chart_line.h"
@@ -201,8 +202,8 @@ private:
                          .strokeWidth = m_chart.isSmooth ? width : std::max(1.0, std::round(width)),
 
                          .isSmooth = m_chart.isSmooth};
-        const auto stroke = [&](std::span<const ShapePoint> line) {
-            m_canvas.Shape(CutToArea(line, m_layout.plot), style);
+        const auto stroke = [&](auto&& line) {
+            m_canvas.Shape(CutToArea(std::forward<decltype(line)>(line), m_layout.plot), style);
         };
         if (series.hasDrops) {
             style.strokeWidth = std::max(1.0, width / 2);

@@ -10,7 +10,6 @@
 namespace qel {
 namespace {
 
-constexpr double kFarthest = 4'000'000;
 constexpr double kThinnest = 1e-3, kWidest = 1e4;
 constexpr std::size_t kMostDashes = 4;
 
@@ -43,10 +42,6 @@ void UseStroke(cairo_t* cairo, const ShapeStyle& style) {
 }
 
 }  // namespace
-
-double NearCoordinate(double coordinate) noexcept { return std::clamp(coordinate, -kFarthest, kFarthest); }
-
-bool IsPlaced(const ShapePoint& point) noexcept { return !std::isnan(point.x) && !std::isnan(point.y); }
 
 std::span<const double> UsableDashes(const ShapeStyle& style) noexcept {
     const std::span<const double> dashes = style.dashes;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <span>
 
 #include "qellib10/platform/drawing/shape.h"
@@ -21,10 +23,13 @@ void PaintLabel(cairo_t* cairo, const TextFont& font, const TextLine& line, cons
                 int quarterTurns, COLORREF color);
 
 /// A coordinate that fits Cairo's fixed point numbers.
-double NearCoordinate(double coordinate) noexcept;
+inline double NearCoordinate(double coordinate) noexcept {
+    constexpr double kFarthest = 4'000'000;
+    return std::clamp(coordinate, -kFarthest, kFarthest);
+}
 
 /// Whether both coordinates are numbers that can be drawn.
-bool IsPlaced(const ShapePoint& point) noexcept;
+inline bool IsPlaced(const ShapePoint& point) noexcept { return !std::isnan(point.x) && !std::isnan(point.y); }
 
 /// The dashes that are drawn; none if they cannot be.
 std::span<const double> UsableDashes(const ShapeStyle& style) noexcept;
