@@ -137,7 +137,8 @@ FormulaProgram ParseKept(std::string_view text, const FormulaScope& scope) {
                            {},
                            {}};
     }
-    return builder.Finish(false);
+    const std::size_t first = stripped.places.empty() ? 0 : stripped.places.front();
+    return builder.Finish(false, first, stripped.places.empty() ? 0 : stripped.places.back() + 1 - first);
 }
 
 }  // namespace qel

@@ -73,7 +73,7 @@ FormulaParser::FormulaParser(std::string_view text, const FormulaScope& scope)
 FormulaProgram FormulaParser::Parse() {
     const Part whole = Condition();
     if (m_token.kind != FormulaToken::Kind::kEnd) Expect("an operator");
-    return m_builder.Finish(whole.type == Type::kTruth);
+    return m_builder.Finish(whole.type == Type::kTruth, whole.position, whole.length);
 }
 
 void FormulaParser::Expect(std::string expected) const {

@@ -96,6 +96,7 @@ struct FormulaProgram {
     std::vector<std::size_t> variables;  // position in the scope, by slot; each once, in the order of their first use
     std::size_t stack = 0;               // the most operands that are there at once
     bool isTruth = false;                // of the whole
+    std::uint32_t position = 0, length = 0;  // of the whole in the text, with its outer brackets
 };
 
 }  // namespace qel

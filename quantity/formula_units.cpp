@@ -57,12 +57,8 @@ void UnitBinder::Refuse(const FormulaStep& place, std::string reason) {
 
 FormulaStep UnitBinder::Whole() const {
     FormulaStep whole = m_program.steps.front();
-    std::uint32_t end = 0;
-    for (const FormulaStep& step : m_program.steps) {
-        whole.position = std::min(whole.position, step.position);
-        end = std::max(end, step.position + step.length);
-    }
-    whole.length = end - whole.position;
+    whole.position = m_program.position;
+    whole.length = m_program.length;
     return whole;
 }
 

@@ -50,8 +50,10 @@ void ProgramBuilder::LandHere(std::size_t jump) {
     m_program.steps[jump].index = static_cast<std::uint32_t>(m_program.steps.size());
 }
 
-FormulaProgram ProgramBuilder::Finish(bool isTruth) {
+FormulaProgram ProgramBuilder::Finish(bool isTruth, std::size_t position, std::size_t length) {
     m_program.isTruth = isTruth;
+    m_program.position = static_cast<std::uint32_t>(position);
+    m_program.length = static_cast<std::uint32_t>(length);
     return std::move(m_program);
 }
 

@@ -28,7 +28,8 @@ public:
     /// What follows is carried out instead of what gave an operand.
     void Forget() { --m_stack; }
 
-    FormulaProgram Finish(bool isTruth);
+    /// @param position, length of the whole in the text
+    FormulaProgram Finish(bool isTruth, std::size_t position, std::size_t length);
 
 private:
     static constexpr std::size_t kUsual = 32;  // steps

@@ -44,7 +44,6 @@ private:
 
     [[noreturn]] static void Refuse(const FormulaStep& place, std::string reason);
 
-    // From the first to the last byte that has a step.
     FormulaStep Whole() const;
     void Take(const FormulaStep& step);
     void TakeJump(const FormulaStep& step);

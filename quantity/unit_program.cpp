@@ -6,7 +6,8 @@
 namespace qel {
 
 UnitProgram::UnitProgram(const FormulaProgram& source)
-    : m_program{{}, source.numbers, source.rules, source.variables, source.stack, source.isTruth} {}
+    : m_program{{},           source.numbers, source.rules,    source.variables,
+                source.stack, source.isTruth, source.position, source.length} {}
 
 void UnitProgram::AddNumber(std::vector<FormulaStep>& steps, const Decimal& number, FormulaOperation operation,
                             bool isExact, const FormulaStep& place) {

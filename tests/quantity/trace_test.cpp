@@ -278,7 +278,7 @@ TEST(Trace, UnitsAreCheckedAndConverted) {
 TEST(Trace, KelvinsStayWhatTheyAreInOtherFormulas) {
     const std::string refused = "X: the units do not go together at character ";
     const std::string difference =
-        refused + "1: \"min(D, E\": K is not converted to °C: K that was computed may be a difference";
+        refused + "1: \"min(D, E)\": K is not converted to °C: K that was computed may be a difference";
     const std::string sum =
         refused + "3: \"+\": a temperature such as °C is only compared, or has K added or subtracted; use K";
     for (const auto& [helper, helperUnit, formula, unit, expected] :
