@@ -23,7 +23,11 @@ struct BoundFormula {
 ///
 ///     a number of the formula       has the unit 1; so 5 is added to no volume. A 0 as an operand has any unit, except
 ///                                   temperatures such as °C
-///     a number and a ratio          are added where the ratio has no factor: 1 - m1/m2 in g/g, but not 1 - w in %(m/m)
+///     a number and a ratio          are added where the ratio has no factor or was computed: 1 - m1/m2 in g/g, but not
+///                                   1 - w in %(m/m)
+///     a computed ratio              of two like units is a number or what was divided, as is asked for: m1/m2 is one
+///                                   or the other, V * (m1/m2) is added to V, and m1/(m2*t) converts to 1/h and to
+///                                   mg/(g*h). A stated one, such as %(m/m), stays what it is
 ///     exp, ln, log10, log2          need a ratio, and the argument becomes a plain number
 ///     x ^ n                         of a unit needs n written as a whole number or as a half: 2, -1, 0.5
 ///     round                         rounds the number in the unit that it has

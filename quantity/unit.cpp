@@ -66,20 +66,25 @@ std::string Unit::Text() const {
     return text + '/' + (below > 1 ? '(' + divisor + ')' : divisor);
 }
 
+// What Parse makes of the text.
+std::optional<UnitValue> Unit::ValueOfTerms() const {
+    std::optional<UnitValue> above = UnitValue(), below = UnitValue();
+    for (const Term& term : m_terms) {
+        if (term.symbol.starts_with('(') && !term.value.IsRatio()) return {};  // is read as several terms
+        const std::optional<UnitValue> power = PowerOfValue(term.value, std::abs(term.power));
+        std::optional<UnitValue>& side = term.power > 0 ? above : below;
+        if (!power || !side) return {};
+        side = MultiplyValues(*side, *power);
+    }
+    if (!above || !below) return {};
+    const bool isDivided = std::ranges::any_of(m_terms, [](const Term& term) { return term.power < 0; });
+    return isDivided ? DivideValues(*above, *below) : above;
+}
+
 // Whether Parse makes of the text what it makes of a ratio of masses, say: in g/L*mL/g, it is one of volumes once g has
 // canceled, and it was none before.
 bool Unit::IsMeantByItsTerms() const {
-    std::optional<UnitValue> above = UnitValue(), below = UnitValue();
-    for (const Term& term : m_terms) {
-        if (term.symbol.starts_with('(') && !term.value.IsRatio()) return false;  // is read as several terms
-        const std::optional<UnitValue> power = PowerOfValue(term.value, std::abs(term.power));
-        std::optional<UnitValue>& side = term.power > 0 ? above : below;
-        if (!power || !side) return false;
-        side = MultiplyValues(*side, *power);
-    }
-    if (!above || !below) return false;
-    const bool isDivided = std::ranges::any_of(m_terms, [](const Term& term) { return term.power < 0; });
-    const std::optional<UnitValue> whole = isDivided ? DivideValues(*above, *below) : above;
+    const std::optional<UnitValue> whole = ValueOfTerms();
     return whole && whole->ratios == m_value.ratios && whole->carried == m_value.carried &&
            whole->powers == m_value.powers;
 }
@@ -110,9 +115,31 @@ void Unit::NameByValue() {
     m_terms.push_back({'(' + bases.Text() + ')', bases.m_value, 1});
 }
 
+// mL*(g/g) is mL; else it is a number times @p like, or named by its value.
+void Unit::DropComputedRatio(const Unit& like) {
+    m_value.carried = kRatioOfNothing;
+    std::erase_if(m_terms, [](const Term& term) { return term.value.IsRatio() && term.value.ratios != 0; });
+    const auto isMeant = [this] {
+        const std::optional<UnitValue> whole = ValueOfTerms();
+        return whole && *whole == m_value && whole->carried == kRatioOfNothing;
+    };
+    const auto isNumber = [](const Term& term) { return term.value.IsRatio(); };
+    if (isMeant() && std::ranges::none_of(m_terms, isNumber)) return;
+    NameByValue();
+    const std::optional<UnitValue> factor = DivideValues(m_value, like.m_value);
+    if (!factor || like.HasOffset()) return;
+    std::vector<Term> byValue = std::exchange(m_terms, like.m_terms);
+    for (const auto& [number, power] : {std::pair(factor->denominator, -1), std::pair(factor->numerator, 1)}) {
+        if (number == Decimal(1)) continue;
+        m_terms.insert(m_terms.begin(), UnitMaker::Number(number).m_terms.front());
+        m_terms.front().power = power;
+    }
+    if (m_terms.size() > kMostTerms || !isMeant()) m_terms = std::move(byValue);
+}
+
 std::optional<Unit> Unit::Combined(const Unit& a, const Unit& b, int sign) {
     if (a.HasOffset() || b.HasOffset()) return {};
-    if (b.m_terms.empty()) return a;
+    if (b.m_terms.empty() && b.m_value.perhaps == kRatioOfNothing) return a;
     if (a.m_terms.empty() && sign > 0) return b;
     const std::optional<UnitValue> value =
         sign > 0 ? MultiplyValues(a.m_value, b.m_value) : DivideValues(a.m_value, b.m_value);

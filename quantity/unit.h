@@ -79,8 +79,10 @@ private:
     };
     static std::optional<Unit> Combined(const Unit& a, const Unit& b, int sign);
     static std::string Product(const std::vector<Term>& terms, int sign, std::size_t& count);
+    std::optional<UnitValue> ValueOfTerms() const;
     bool IsMeantByItsTerms() const;
     void NameByValue();
+    void DropComputedRatio(const Unit& like);
 
     UnitValue m_value;
     Decimal m_offset;
@@ -104,7 +106,9 @@ struct QELLIB10_API UnitConversion {
 QELLIB10_API bool IsSameKind(const Unit& a, const Unit& b) noexcept;
 
 /// @return nothing where the kinds differ, and of a difference of temperatures to a temperature such as °C. A ratio
-/// becomes a plain number, since it is one; a plain number becomes no ratio of masses, volumes or amounts.
+/// becomes a plain number, since it is one; a plain number becomes no ratio of masses, volumes or amounts. A unit that
+/// a formula computed loses a ratio that is a factor of it and was computed, too: mL * g / g becomes mL. One that was
+/// stated is never lost.
 QELLIB10_API std::optional<UnitConversion> ConversionOf(const Unit& from, const Unit& to);
 
 /// @param molarMass in g/mol, above 0: by it alone amounts become masses and masses amounts, also within a

@@ -55,6 +55,7 @@ private:
 
     // The second operand in the unit of the first. What they have in common is the result, at the place of the step.
     Operand Agreed(Operand first, Operand& second, const FormulaStep& step, const std::string& verb);
+    void AgreeAsNumbers(Operand& first, Operand& second, const FormulaStep& step);
     // For functions that only numbers have.
     void BecomeNumber(const FormulaStep& step, Operand& operand);
     Operand OfOne(const FormulaStep& step, Operand operand);

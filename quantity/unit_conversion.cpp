@@ -6,6 +6,13 @@ namespace {
 // A molar mass changes neither a number nor a ratio of volumes or amounts.
 bool HasMolarMass(const UnitValue& value) { return !value.IsRatio() || (value.ratios & kRatioOfMasses) != 0; }
 
+// A ratio is a number, also where it was computed and is a factor of another unit.
+bool Becomes(const UnitValue& source, const UnitValue& target) {
+    if (source.powers != target.powers) return false;
+    if (!source.IsRatio()) return source.HasComputedRatio() && target.carried == kRatioOfNothing;
+    return target.ratios == kRatioOfNothing || (source.perhaps & target.ratios) != 0;
+}
+
 // 5 K between two temperatures are not -268.15 °C.
 bool IsDifferenceWithZero(const Unit& a, const Unit& b) {
     return (a.IsDifference() && b.HasOffset()) || (a.HasOffset() && b.IsDifference());
@@ -34,8 +41,7 @@ bool IsSameKind(const Unit& a, const Unit& b) noexcept {
 std::optional<UnitConversion> ConversionOf(const Unit& from, const Unit& to) {
     const UnitValue& source = from.Value();
     const UnitValue& target = to.Value();
-    const bool becomesNumber = source.IsRatio() && target.IsRatio() && target.ratios == kRatioOfNothing;
-    if ((!source.IsSameKind(target) && !becomesNumber) || IsDifferenceWithZero(from, to)) return {};
+    if ((!source.IsSameKind(target) && !Becomes(source, target)) || IsDifferenceWithZero(from, to)) return {};
     const std::optional<UnitValue> factor = DivideValues(source, target);
     if (!factor) return {};
     UnitConversion conversion;

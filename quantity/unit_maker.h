@@ -38,6 +38,29 @@ public:
         return unit;
     }
 
+    /// One that was read.
+    static Unit Stated(Unit unit) {
+        UnitValue& value = unit.m_value;
+        value.isStated = value.ratios != kRatioOfNothing || value.carried != kRatioOfNothing;
+        value.isTakenStated = value.taken != kRatioOfNothing;
+        return unit;
+    }
+
+    /// What a formula makes of a unit next to another: a computed ratio is a plain number where the other has none, and
+    /// what may be a mass fraction is one next to one. Else it stays.
+    static Unit NextTo(const Unit& other, Unit unit) {
+        UnitValue& value = unit.m_value;
+        if (value.HasComputedRatio() && value.powers == other.m_value.powers &&
+            other.m_value.carried == kRatioOfNothing)
+            unit.DropComputedRatio(other);
+        if (other.m_value.IsRatio() && (value.perhaps & other.m_value.ratios) != 0) {
+            value.ratios = value.perhaps & other.m_value.ratios;
+            value.perhaps = kRatioOfNothing;
+            unit.NameByValue();
+        }
+        return unit;
+    }
+
     /// The unit of the first one, and what both may be: a sum of a mass fraction and of one of masses or amounts is a
     /// mass fraction.
     /// @param first, second of the same kind
@@ -51,6 +74,9 @@ public:
         value.ratios &= other.ratios;
         value.carried &= other.carried;
         value.taken |= other.taken;
+        value.isStated |= other.isStated;
+        value.isTakenStated |= other.isTakenStated;
+        value.perhaps &= other.perhaps;
         if (isNarrower && !first.IsMeantByItsTerms()) first.NameByValue();
         return first;
     }

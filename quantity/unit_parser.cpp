@@ -84,10 +84,10 @@ std::optional<Unit> UnitParser::Parse(std::string_view text, std::string& error)
         return {};
     }
     try {
-        if (!text.starts_with(kUcum)) return Read(text, 0);
+        if (!text.starts_with(kUcum)) return UnitMaker::Stated(Read(text, 0));
         const std::string_view code = text.substr(kUcum.size());
         const auto found = std::ranges::find(UcumCodes(), code, &UcumCode::code);
-        if (found != UcumCodes().end()) return Read(found->text, 0);
+        if (found != UcumCodes().end()) return UnitMaker::Stated(Read(found->text, 0));
         error = Quoted(code) + " is not a code of UCUM that is known here";
     } catch (const Refusal& refusal) {
         error = refusal.reason;

@@ -13,10 +13,18 @@ constexpr const char* kOutOfRange = "the unit of the result is out of range";
 
 bool IsPlainOne(const UnitValue& value) { return value.IsRatio() && value.numerator == value.denominator; }
 
-// A number, and a ratio that is one without a factor: 1 and g/g.
-bool IsNumberWithRatio(const Unit& a, const Unit& b) {
-    return IsPlainOne(a.Value()) && IsPlainOne(b.Value()) &&
-           (a.Value().ratios == kRatioOfNothing || b.Value().ratios == kRatioOfNothing);
+// A number, and a ratio that is one without a factor, 1 and g/g, or that was computed and so is one with a factor.
+bool IsNumberWithRatio(const UnitValue& a, const UnitValue& b) {
+    const bool isOneNumber = (a.ratios == kRatioOfNothing) != (b.ratios == kRatioOfNothing);
+    if (!a.IsRatio() || !b.IsRatio() || !isOneNumber) return false;
+    return (IsPlainOne(a) && IsPlainOne(b)) || (!a.isStated && !b.isStated);
+}
+
+UnitValue WithRatios(UnitValue value, std::uint8_t ratios) {
+    value.ratios = ratios;
+    value.isStated = false;
+    value.perhaps = kRatioOfNothing;
+    return value;
 }
 
 }  // namespace
@@ -29,6 +37,17 @@ std::string WhyNoZero(const Unit& a, const Unit& b) {
     return ": " + a.Text() + " that was computed may be a difference";
 }
 
+// The number has no factor where the first operand is one, so that 1 - mg/g is a ratio in g/g.
+void UnitBinder::AgreeAsNumbers(Operand& first, Operand& second, const FormulaStep& step) {
+    const UnitValue value = first.unit.Value();
+    const auto conversion = ConversionOf(second.unit, UnitMaker::OfValue(WithRatios(value, kRatioOfNothing)));
+    if (!conversion) Refuse(step, kOutOfRange);
+    Convert(second, *conversion);
+    if (value.ratios != kRatioOfNothing) return;
+    const std::uint8_t ratios = second.unit.Value().ratios;
+    first.unit = conversion->IsNothing() ? second.unit : UnitMaker::OfValue(WithRatios(value, ratios));
+}
+
 UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const FormulaStep& step,
                                        const std::string& verb) {
     const WrittenNumber* const literal = first.IsZero() && second.IsZero() ? first.literal : nullptr;
@@ -36,9 +55,11 @@ UnitBinder::Operand UnitBinder::Agreed(Operand first, Operand& second, const For
         // 0 of the first one's unit
     } else if (first.IsZero() && !second.unit.HasOffset()) {
         first.unit = second.unit;
-    } else if (IsNumberWithRatio(first.unit, second.unit)) {
-        if (first.unit.IsNumber()) first.unit = second.unit;
+    } else if (IsNumberWithRatio(first.unit.Value(), second.unit.Value())) {
+        AgreeAsNumbers(first, second, step);
     } else {
+        first.unit = UnitMaker::NextTo(second.unit, std::move(first.unit));
+        second.unit = UnitMaker::NextTo(first.unit, std::move(second.unit));
         const std::optional<UnitConversion> conversion =
             IsSameKind(first.unit, second.unit) ? ConversionOf(second.unit, first.unit) : std::nullopt;
         if (!conversion)
@@ -129,6 +150,7 @@ Unit UnitBinder::Sum(const FormulaStep& step, Operand& left, Operand& right) {
     const Unit& temperature = isTemperature ? right.unit : left.unit;
     Operand& difference = isTemperature ? left : right;
     const Unit wanted = UnitMaker::OfValue(temperature.Value());
+    difference.unit = UnitMaker::NextTo(wanted, std::move(difference.unit));
     const auto conversion = IsSameKind(difference.unit, wanted) ? ConversionOf(difference.unit, wanted) : std::nullopt;
     if (!conversion) Refuse(step, NameOfUnit(left.unit) + " and " + NameOfUnit(right.unit) + " " + verb);
     Convert(difference, *conversion);

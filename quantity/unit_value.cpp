@@ -107,11 +107,32 @@ std::uint8_t PartsOf(const UnitValue& value) {
 }
 
 // A mass fraction of a mass is a mass, and of a volume still a mass fraction.
-void Carry(UnitValue& result, std::uint8_t ratio) {
-    if ((ratio & PartsOf(result)) == 0)
+void Carry(UnitValue& result, std::uint8_t ratio, bool isStated) {
+    isStated = isStated && ratio != kRatioOfNothing;
+    if ((ratio & PartsOf(result)) == 0) {
         result.carried = ratio;
-    else
+        result.isStated = isStated;
+    } else {
         result.taken |= ratio;
+        result.isTakenStated |= isStated;
+    }
+}
+
+void Take(UnitValue& result, const UnitValue& a, const UnitValue& b) {
+    result.taken = a.taken | b.taken;
+    result.isTakenStated = a.isTakenStated || b.isTakenStated;
+}
+
+// A mass fraction of a mass, by a mass, is stated as the mass fraction was.
+bool IsTakenStated(std::uint8_t ratio, const UnitValue& value) {
+    return value.isTakenStated && (value.taken & ratio) != 0;
+}
+
+// @param own what of a and b became a ratio now, apart from the ratios that they have
+void SetRatio(UnitValue& result, std::uint8_t own, std::uint8_t carried, const UnitValue& a, const UnitValue& b) {
+    result.ratios = ProductOfRatios(own, carried);
+    result.isStated =
+        (carried != kRatioOfNothing && (a.isStated || b.isStated)) || IsTakenStated(own, a) || IsTakenStated(own, b);
 }
 
 }  // namespace
@@ -137,12 +158,13 @@ std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b) 
     const std::uint8_t carried = ProductOfRatios(CarriedBy(a), CarriedBy(b));
     const std::uint8_t taken = a.taken | b.taken;
     if (!result->IsRatio()) {
-        result->taken = taken;
-        Carry(*result, carried);
+        Take(*result, a, b);
+        Carry(*result, carried, a.isStated || b.isStated);
     } else if (taken != kRatioOfNothing) {
-        result->ratios = ProductOfRatios(taken | RatiosOf(a), carried);
+        SetRatio(*result, taken | RatiosOf(a), carried, a, b);
     } else {
-        result->ratios = a.IsRatio() || carried != kRatioOfNothing ? carried : std::uint8_t{kRatioOfAny};
+        const bool isNew = !a.IsRatio() && carried == kRatioOfNothing;
+        SetRatio(*result, isNew ? kRatioOfAny : kRatioOfNothing, carried, a, b);
     }
     return result;
 }
@@ -152,12 +174,14 @@ std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b) {
     if (!result) return {};
     const std::uint8_t carried = QuotientOfRatios(CarriedBy(a), CarriedBy(b));
     if (!result->IsRatio()) {
-        result->taken = a.taken | b.taken;
-        Carry(*result, ProductOfRatios(RatioPerUnit(a, b), carried));
+        Take(*result, a, b);
+        Carry(*result, ProductOfRatios(RatioPerUnit(a, b), carried),
+              carried != kRatioOfNothing && (a.isStated || b.isStated));
     } else {
         const std::uint8_t divided = RatiosOf(a);
-        const std::uint8_t own = divided != kRatioOfNothing ? divided : QuotientOfRatios(a.taken, b.taken);
-        result->ratios = ProductOfRatios(own, carried);
+        SetRatio(*result, divided != kRatioOfNothing ? divided : QuotientOfRatios(a.taken, b.taken), carried, a, b);
+        const bool isQuotient = result->ratios == kRatioOfNothing && a.IsRatio() && !b.isStated;
+        if (isQuotient) result->perhaps = a.ratios & b.ratios & kRatioOfAny;
     }
     return result;
 }
@@ -168,8 +192,9 @@ std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power) {
     for (int i = 0; i < std::abs(power) && result; ++i) result = Combined(*result, a, power > 0 ? 1 : -1);
     if (result && power != 0) {
         result->ratios = a.ratios;
-        result->taken = a.taken;
-        Carry(*result, a.carried);
+        result->isStated = a.isStated;
+        Take(*result, a, a);
+        if (a.carried != kRatioOfNothing) Carry(*result, a.carried, a.isStated);
     }
     return result;
 }

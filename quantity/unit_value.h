@@ -60,9 +60,18 @@ struct QELLIB10_API UnitValue {
     /// The ratios that were factors and are none any more, such as m/m of %(m/m)*g. Makes no other unit of it, but a
     /// ratio of which it becomes a factor again is one of these, too.
     std::uint8_t taken = kRatioOfNothing;
+    /// Whether the ratio of ratios or carried was stated, by a unit such as %(m/m) or g/g that was read. One that was
+    /// computed, of g by g, is a number as well: a volume times g by g is a volume.
+    bool isStated = false;
+    bool isTakenStated = false;  ///< the same of taken
+    /// What a plain number may be a ratio of, too: m/m of a ratio of masses by one that was computed, which may be a
+    /// number that a mass fraction is divided by.
+    std::uint8_t perhaps = kRatioOfNothing;
 
     /// Whether no base unit is left.
     bool IsRatio() const noexcept;
+    /// Whether it has a factor that is a computed ratio and so may be a plain number: mL*(g/g) of mL * g / g.
+    bool HasComputedRatio() const noexcept { return carried != kRatioOfNothing && !isStated; }
     /// Whether the dimensions are the same, and what they are a ratio of or have one of as a factor.
     bool IsSameKind(const UnitValue& other) const noexcept;
 
@@ -76,7 +85,7 @@ struct QELLIB10_API UnitValue {
 /// may be each. What cancels when units are multiplied, such as 1/mL and mL, may be any, or is the ratio that one of
 /// them has as a factor or has taken. A product of ratios is what one of them may be, since a mass fraction times a
 /// ratio of molar masses is a mass fraction or an amount fraction; where they have nothing in common, it is
-/// kRatioOfMixed. A quotient of like ratios is a plain number.
+/// kRatioOfMixed. A quotient of like ratios is a plain number. What has a stated ratio as a factor is stated.
 std::optional<UnitValue> MultiplyValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> DivideValues(const UnitValue& a, const UnitValue& b);
 std::optional<UnitValue> PowerOfValue(const UnitValue& a, int power);

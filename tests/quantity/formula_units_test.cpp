@@ -18,13 +18,15 @@ struct Variable {
     const char* unit;
 };
 const std::vector<Variable> kVariables = {
-    {"EP", 12.5, "mL"},      {"BLANK", 0.0005, "L"}, {"C", 0.1, "mol/L"},
-    {"M", 40, "g/mol"},      {"SAMPLE", 500, "mg"},  {"T", 25, "°C"},
-    {"T2", 20, "°C"},        {"F", 77, "degF"},      {"DT", 5, "K"},
-    {"W", 5, "%(m/m)"},      {"V", 2, "%(v/v)"},     {"TIME", 2, "min"},
-    {"SEC", 30, "s"},        {"N", 3, "1"},          {"PH", 7, "pH"},
-    {"P", 4, "%"},           {"AREA", 4, "cm^2"},    {"KOH", 56.11, "mgKOH/mmol"},
-    {"PPM", 10, "ppm(m/m)"}, {"TEN", 10, "times"},   {"SLOPE", 4, "mV/K"},
+    {"EP", 12.5, "mL"},      {"BLANK", 0.0005, "L"},  {"C", 0.1, "mol/L"},
+    {"M", 40, "g/mol"},      {"SAMPLE", 500, "mg"},   {"T", 25, "°C"},
+    {"T2", 20, "°C"},        {"F", 77, "degF"},       {"DT", 5, "K"},
+    {"W", 5, "%(m/m)"},      {"V", 2, "%(v/v)"},      {"TIME", 2, "min"},
+    {"SEC", 30, "s"},        {"N", 3, "1"},           {"PH", 7, "pH"},
+    {"P", 4, "%"},           {"AREA", 4, "cm^2"},     {"KOH", 56.11, "mgKOH/mmol"},
+    {"PPM", 10, "ppm(m/m)"}, {"TEN", 10, "times"},    {"SLOPE", 4, "mV/K"},
+    {"Q", 5, "g"},           {"R", 4, "g"},           {"HOUR", 2, "h"},
+    {"G", 0.5, "g/g"},       {"RATE", 2, "mg/(g*h)"},
 };
 
 // The value and the unit of the result, or the error in words.
@@ -192,10 +194,81 @@ TEST(FormulaUnits, TheResultHasTheWantedUnit) {
                       "g/g is not converted to %, which needs a basis, as in %(m/m)")},
              {" (EP - BLANK) * C * M / SAMPLE", "%(v/v)",
               Refusal("2: \"(EP - BLANK) * C * M / SAMPLE\"", "g/g is not converted to %(v/v)")},
-             {" round(T-T2,0) ", "°C",
-              Refusal("2: \"round(T-T2,0)\"", "K is not converted to °C" + kMayBeDifference)},
+             {" round(T-T2,0) ", "°C", Refusal("2: \"round(T-T2,0)\"", "K is not converted to °C" + kMayBeDifference)},
              {"5", "mL", Refusal("1: \"5\"", "a number without unit is not converted to mL")},
              {"EP > BLANK", "mL", Refusal("1: \"EP > BLANK\"", "a condition has no unit")},
+         })
+        EXPECT_EQ(Answer(text, wanted), expected) << text;
+}
+
+// g by g that the formula divided is a number or a mass fraction, as is asked for. A ratio that was stated stays what
+// it is, and so does one of which nobody knows which of both is meant.
+TEST(FormulaUnits, AComputedRatioIsANumberToo) {
+    const auto refused = [](const char* text, const char* reason) {
+        return Refusal("1: \"" + std::string(text) + '"', reason);
+    };
+    for (const auto& [text, wanted, expected] : Cases<const char*, const char*, std::string>{
+             // A factor of another unit, with brackets and without, before and after.
+             {"EP - BLANK * (Q / R)", nullptr, "11.875 mL"},
+             {"EP - BLANK * Q / R", nullptr, "11.875 mL"},
+             {"EP - Q / R * BLANK", nullptr, "11.875 mL"},
+             {"BLANK * (Q / R) - EP", nullptr, "-0.011875 L"},
+             {"EP - BLANK * (SAMPLE / Q)", nullptr, "12.45 mL"},
+             {"BLANK * (SAMPLE / Q) - EP", nullptr, "-12.45 mL"},
+             {"SEC * (SAMPLE / Q) + SEC", nullptr, "33000 0.001*s"},
+             {"EP - BLANK * (Q / R) * (SEC / TIME) / (SEC / TIME)", nullptr, "11.875 mL"},
+             {"EP - BLANK * ((Q / R) * (EP / BLANK))", nullptr, "-3.125 mL"},
+             {"(EP * (Q / R)) ^ 2 + EP ^ 2", nullptr, "400.390625 mL^2"},
+             {"mean(EP, BLANK * (Q / R), EP)", nullptr, "8.541666667 mL"},
+             {"if(Q > R, EP * (Q / R), BLANK)", nullptr, "15.625 mL"},
+             {"EP * (Q / R) > BLANK", nullptr, "1 1"},
+             {"T + DT * (Q / R)", nullptr, "31.25 °C"},
+             {"EP * (Q / R)", "L", "0.015625 L"},
+             {"EP * (Q / R)", "%(m/m)*L", "1.5625 %(m/m)*L"},
+             {"(EP - BLANK * (Q / R)) / EP", "%(v/v)", "95 %(v/v)"},
+             {"(EP - BLANK * (Q / R)) * C * M / SAMPLE", "%(m/m)", "9.5 %(m/m)"},
+             {"EP * (Q / R) + W * EP", nullptr, "16.25 mL*(g/g)"},
+             {"const.N_A * EP / (EP * M)", "1/g", "1.50553519e+22 1/g"},
+             // A rate.
+             {"(Q - R) / R / HOUR", "1/h", "0.125 1/h"},
+             {"(Q - R) / (R * HOUR)", "1/h", "0.125 1/h"},
+             {"((Q - R) / HOUR) / R", "1/h", "0.125 1/h"},
+             {"1 / HOUR * ((Q - R) / R)", "1/h", "0.125 1/h"},
+             {"(Q - R) / R / HOUR", "mg/(g*h)", "125 mg/(g*h)"},
+             {"(Q - R) / R / HOUR", nullptr, "0.125 (g/g)/h"},
+             {"1 / HOUR - (Q - R) / R / HOUR", nullptr, "0.375 1/h"},
+             {"(Q - R) / R / HOUR - RATE", nullptr, "0.123 (g/g)/h"},
+             {"(Q - R) / R / HOUR", "%(v/v)/h", refused("(Q - R) / R / HOUR", "(g/g)/h is not converted to %(v/v)/h")},
+             // Next to numbers, also with a factor.
+             {"1 - SAMPLE / Q", nullptr, "0.9 g/g"},
+             {"1 - SAMPLE / Q", "%(m/m)", "90 %(m/m)"},
+             {"SAMPLE / Q - 1", nullptr, "-900 mg/g"},
+             {"max(0.05, SAMPLE / Q, Q / R)", nullptr, "1.25 g/g"},
+             {"if(SAMPLE / Q > 0.05, 1, 0) + G", nullptr, "1.5 g/g"},
+             // A quotient of two is a number, or what the first one is.
+             {"(Q / R) / (R / Q)", nullptr, "1.5625 1"},
+             {"100 * ((Q / R) / (R / Q))", "g/g", "156.25 g/g"},
+             {"W / (Q / R)", "%(m/m)", "4 %(m/m)"},
+             {"PPM + (Q / R) / (R / Q)", nullptr, "1562510 ppm(m/m)"},
+             {"(Q / R) / (R / Q)", "%(v/v)",
+              refused("(Q / R) / (R / Q)", "a number without unit is not converted to %(v/v)")},
+             {"W / PPM", "%(m/m)", refused("W / PPM", "%(m/m)/ppm(m/m) is not converted to %(m/m)")},
+             // Stated: by the unit of an input, also where it is multiplied, divided or has been taken up.
+             {"EP - BLANK * G", nullptr, Refusal("4: \"-\"", "mL and L*(g/g) cannot be subtracted")},
+             {"EP - BLANK * (G * (Q / R))", nullptr, Refusal("4: \"-\"", "mL and L*(g/g)^2 cannot be subtracted")},
+             {"EP - BLANK * (W * Q / R)", nullptr, Refusal("4: \"-\"", "mL and L*%(m/m) cannot be subtracted")},
+             {"EP - BLANK * (G + Q / R)", nullptr, Refusal("4: \"-\"", "mL and L*(g/g) cannot be subtracted")},
+             {"G / HOUR", "1/h", refused("G / HOUR", "(g/g)/h is not converted to 1/h")},
+             {"RATE * (Q / R)", "1/h", refused("RATE * (Q / R)", "mg*(g/g)/(g*h) is not converted to 1/h")},
+             {"1 - W * Q / R", nullptr, Refusal("3: \"-\"", "a number without unit and %(m/m) cannot be subtracted")},
+             {"W * (EP / BLANK)", "%(m/m)", refused("W * (EP / BLANK)", "%(m/m)*mL/L is not converted to %(m/m)")},
+             // Which of the two ratios is the number?
+             {"Q / R * (EP / BLANK)", "1", "31.25 1"},
+             {"Q / R * (EP / BLANK)", "%(m/m)",
+              refused("Q / R * (EP / BLANK)", "(g/g)*mL/L is not converted to %(m/m)")},
+             {"EP * (Q / R) / BLANK", "%(v/v)",
+              refused("EP * (Q / R) / BLANK", "mL*(g/g)/L is not converted to %(v/v)")},
+             {"Q / R + EP / BLANK", nullptr, Refusal("7: \"+\"", "g/g and mL/L cannot be added")},
          })
         EXPECT_EQ(Answer(text, wanted), expected) << text;
 }

@@ -43,6 +43,17 @@ Calculation Acid() {
     return calculation;
 }
 
+// The result in words, of inputs as CalculationInput::Of reads them.
+std::string AnswerOf(const std::vector<std::pair<const char*, const char*>>& inputs,
+                     std::vector<qel::CalculationFormula> helpers, const char* formula, const char* unit) {
+    Calculation calculation;
+    for (const auto& [name, text] : inputs) calculation.inputs.push_back(*qel::CalculationInput::Of(name, text));
+    calculation.helpers = std::move(helpers);
+    calculation.result = {"X", formula, unit};
+    const Trace trace = Trace::Of(calculation);
+    return trace.Fault() != nullptr ? trace.Fault()->name + ": " + trace.Fault()->sentence : trace.ResultText();
+}
+
 }  // namespace
 
 TEST(Trace, HasTheResultWithItsUncertaintyAndEachStep) {
@@ -246,13 +257,6 @@ TEST(Trace, EveryChangedMemberIsADifferenceOrRefused) {
 
 // Without an input with a unit, that of the result is only shown.
 TEST(Trace, UnitsAreCheckedAndConverted) {
-    const auto result = [](const char* formula, const char* unit, const char* a, const char* b) {
-        Calculation calculation;
-        calculation.result = {"X", formula, unit};
-        calculation.inputs = {*qel::CalculationInput::Of("A", a), *qel::CalculationInput::Of("B", b)};
-        const Trace trace = Trace::Of(calculation);
-        return trace.Fault() != nullptr ? trace.Fault()->name + ": " + trace.Fault()->sentence : trace.ResultText();
-    };
     for (const auto& [formula, unit, a, b, expected] :
          Cases<const char*, const char*, const char*, const char*, const char*>{
              {"A / B", "mg/L", "5 mg", "20 mL", "250 mg/L"},
@@ -271,7 +275,38 @@ TEST(Trace, UnitsAreCheckedAndConverted) {
              {"const.R * A", "kJ/mol", "298.15", "2",
               "X: the units do not go together at character 1: \"const.R * A\": J/(mol*K) is not converted to kJ/mol"},
          })
-        EXPECT_EQ(result(formula, unit, a, b), expected) << formula;
+        EXPECT_EQ(AnswerOf({{"A", a}, {"B", b}}, {}, formula, unit), expected) << formula;
+}
+
+// Of g by g that a helper computed it is known that it may be a number; its unit says what it is.
+TEST(Trace, AComputedRatioStaysOneInOtherFormulas) {
+    for (const auto& [helper, helperUnit, formula, unit, expected] :
+         Cases<const char*, const char*, const char*, const char*, const char*>{
+             {"Q / R", "", "EP - BLANK * HELP", "", "11.875 mL"},
+             {"Q / R", "", "EP - BLANK * (HELP - 1 + HELP)", "", "11.750 mL"},
+             {"Q / R", "1", "EP - BLANK * HELP", "", "11.875 mL"},
+             {"Q / R", "", "HELP", "%(m/m)", "125 %(m/m)"},
+             {"Q / R", "", "HELP * 100", "%(v/v)",
+              "X: the units do not go together at character 1: \"HELP * 100\": g/g is not converted to %(v/v)"},
+             {"Q / R", "g/g", "EP - BLANK * HELP", "",
+              "X: the units do not go together at character 4: \"-\": mL and L*(g/g) cannot be subtracted"},
+             {"Q / R", "%(m/m)", "(Q - R) / R / T * HELP", "1/h",
+              "X: the units do not go together at character 1: \"(Q - R) / R / T * HELP\": (g/g)*%(m/m)/h is not "
+              "converted to 1/h"},
+             {"(Q - R) / R", "", "HELP / T", "1/h", "0.125 1/h"},
+             {"(Q - R) / (R * T)", "", "HELP", "1/h", "0.125 1/h"},
+             {"BLANK * (Q / R)", "", "EP - HELP", "", "11.875 mL"},
+             {"BLANK * (Q / R)", "mL", "EP - HELP", "", "11.875 mL"},
+             {"W * Q", "", "EP - BLANK * (HELP / R)", "",
+              "X: the units do not go together at character 4: \"-\": mL and L*%(m/m) cannot be subtracted"},
+             {"W * Q", "g", "EP - BLANK * (HELP / R)", "", "12.46875 mL"},
+         })
+        EXPECT_EQ(
+            AnswerOf(
+                {{"EP", "12.5 mL"}, {"BLANK", "0.0005 L"}, {"Q", "5 g"}, {"R", "4 g"}, {"T", "2 h"}, {"W", "5 %(m/m)"}},
+                {{"HELP", helper, helperUnit}}, formula, unit),
+            expected)
+            << helper << ' ' << formula;
 }
 
 // A difference of temperatures stays one in the formulas that use it, and a temperature stays one in K.
@@ -290,15 +325,11 @@ TEST(Trace, KelvinsStayWhatTheyAreInOtherFormulas) {
              {"A", "K", "A + E", "", sum},
              {"A", "K", "A + (D - E)", "", "25.00 °C"},
              {"A - B", "K", "A + D", "", "30 °C"},
-         }) {
-        Calculation calculation;
-        calculation.inputs = {*qel::CalculationInput::Of("A", "25 °C"), *qel::CalculationInput::Of("B", "20 °C")};
-        calculation.helpers = {{"D", helper, helperUnit}, {"E", "mean(D, D)", ""}};
-        calculation.result = {"X", formula, unit};
-        const Trace trace = Trace::Of(calculation);
-        const std::string answer = trace.Fault() != nullptr ? "X: " + trace.Fault()->sentence : trace.ResultText();
-        EXPECT_EQ(answer, expected) << helper << ' ' << formula;
-    }
+         })
+        EXPECT_EQ(AnswerOf({{"A", "25 °C"}, {"B", "20 °C"}}, {{"D", helper, helperUnit}, {"E", "mean(D, D)", ""}},
+                           formula, unit),
+                  expected)
+            << helper << ' ' << formula;
 }
 
 TEST(Trace, RemarksOnUnitsThatArePossiblyWrong) {
