@@ -76,9 +76,10 @@ public:
     std::vector<ChartLimit> limits = {};
     std::vector<ChartNote> notes = {};
     ChartTheme theme;
-    bool hasLegend = true;  ///< of all series that have a name
-    bool isSmooth = true;   ///< false: lines and areas of whole pixels
-    double scale = 1;       ///< of texts and lines, beside the surface's resolution; 0.1 to 10
+    bool hasLegend = true;                 ///< of all series that have a name, and of the points that are left out
+    std::string leftOutText = "left out";  ///< in the legend: "left out: air bubble (2)"
+    bool isSmooth = true;                  ///< false: lines and areas of whole pixels
+    double scale = 1;                      ///< of texts and lines, beside the surface's resolution; 0.1 to 10
 
     /// Draws the chart in @p box, device units of @p dc.
     /// @param shown ranges in place of those of the axes; those that are not ranges of their axis are ignored

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "qellib10/graph/chart_line.h"
+#include "qellib10/graph/left_out.h"
 
 namespace qel {
 namespace {
@@ -18,11 +19,25 @@ SeriesCurves::SeriesCurves(const Chart& chart, std::size_t series, const std::ve
       m_index(series),
       m_series(chart.series[series]),
       m_x(axes[m_series.xAxis].places),
-      m_y(axes[m_series.yAxis].places) {}
+      m_y(axes[m_series.yAxis].places),
+      m_leftOut(PointsLeftOut(m_series)) {}
 
 ShapePoint SeriesCurves::At(std::size_t point) const {
     const CGraphData& data = m_series.points[point];
     return {m_x.At(data.GetXData()), m_y.At(data.GetYData())};
+}
+
+bool SeriesCurves::Counts(std::size_t point) const { return !std::ranges::binary_search(m_leftOut, point); }
+
+std::vector<ShapePoint> SeriesCurves::LeftOut() const {
+    const bool isOnBars = m_series.kind == ChartKind::kBars && !m_leftOut.empty();
+    const double beside = isOnBars ? PlacesOfBars(m_chart, m_index, m_x).Middle() : 0;
+    std::vector<ShapePoint> places;
+    for (const std::size_t point : m_leftOut) {
+        const ShapePoint at = At(point);
+        if (!IsGap(at)) places.push_back({at.x + beside, at.y});
+    }
+    return places;
 }
 
 double SeriesCurves::Base() const { return m_y.BaseAt(m_series.base); }
@@ -34,9 +49,15 @@ SeriesCurves::Points SeriesCurves::VisiblePoints() const {
         if (!(points[i - 1].GetXData() <= points[i].GetXData())) return {0, points.size()};
     const auto first = std::ranges::lower_bound(points, m_x.low, {}, &CGraphData::GetXData);
     const auto last = std::ranges::upper_bound(points, m_x.high, {}, &CGraphData::GetXData);
-    const auto begin = static_cast<std::size_t>(first - points.begin());
-    const auto end = static_cast<std::size_t>(last - points.begin());
-    return {begin - std::min<std::size_t>(begin, 1), std::min(points.size(), end + 1)};
+    auto begin = static_cast<std::size_t>(first - points.begin());
+    auto end = static_cast<std::size_t>(last - points.begin());
+    do {
+        begin -= std::min<std::size_t>(begin, 1);
+    } while (begin > 0 && !Counts(begin));
+    do {
+        end = std::min(points.size(), end + 1);
+    } while (end < points.size() && !Counts(end - 1));
+    return {begin, end};
 }
 
 template <class Y> std::vector<ShapePoint> SeriesCurves::LineOf(const Y& y, double columnsPerUnit) const {
@@ -45,12 +66,14 @@ template <class Y> std::vector<ShapePoint> SeriesCurves::LineOf(const Y& y, doub
     const bool isSteps = m_series.kind == ChartKind::kSteps;
     const AxisPlaces across = m_x, up = m_y;
     ShapePoint before = kLineGap;
-    for (std::size_t i = visible.begin; i < visible.end; ++i) {
-        const ShapePoint place{across.At(m_series.points[i].GetXData()), up.At(y(i))};
-        if (isSteps && !IsGap(before) && !IsGap(place)) reducer.Add({place.x, before.y});
-        reducer.Add(place);
-        before = place;
-    }
+    ForEachKept(m_leftOut, visible.begin, visible.end, [&](std::size_t first, std::size_t end) {
+        for (std::size_t i = first; i < end; ++i) {
+            const ShapePoint place{across.At(m_series.points[i].GetXData()), up.At(y(i))};
+            if (isSteps && !IsGap(before) && !IsGap(place)) reducer.Add({place.x, before.y});
+            reducer.Add(place);
+            before = place;
+        }
+    });
     return reducer.Take();
 }
 
@@ -122,7 +145,7 @@ std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
     for (std::size_t i = 0; i < Count(); ++i) {
         const double start = below.empty() ? 0 : below[i];
         const ShapePoint at{At(i).x + beside, m_y.At(start + m_series.points[i].GetYData())};
-        if (IsGap(at)) continue;
+        if (IsGap(at) || !Counts(i)) continue;
         const double x = m_series.points[i].GetXData(), y = start + m_series.points[i].GetYData();
         const auto end = [](const AxisPlaces& places, double value) {
             return places.isLogarithmic && !(value > 0) ? places.from : places.At(value);
@@ -146,7 +169,7 @@ std::vector<ChartBox> SeriesCurves::Bars() const {
         const double x = m_x.At(point.GetXData());
         const double y = m_y.At(m_series.isStacked ? start + point.GetYData() : point.GetYData());
         const double base = m_y.BaseAt(start);
-        if (IsGap({x, y})) continue;
+        if (IsGap({x, y}) || !Counts(i)) continue;
         const double left = x + places.first;
         bars.push_back({left, std::min(y, base), left + places.width, std::max(y, base)});
     }

@@ -20,6 +20,9 @@ public:
     /// the last, the lowest and the highest.
     /// @param columnsPerUnit wider columns for a rough line
     std::vector<ShapePoint> Line(double columnsPerUnit = LineReducer::kFine) const;
+    /// Where the points are that are left out; those outside the axes' numbers are missing. No other outline has them.
+    std::vector<ShapePoint> LeftOut() const;
+    bool Counts(std::size_t point) const;  ///< whether it is not left out
     /// Closed outlines between the line and the base or the band's other edge, one per piece without gaps.
     std::vector<std::vector<ShapePoint>> Areas() const;
     /// Of the y errors, as band.
@@ -48,6 +51,7 @@ private:
     const ChartSeries& m_series;
     const AxisPlaces& m_x;
     const AxisPlaces& m_y;
+    const std::vector<std::size_t> m_leftOut;
 };
 
 }  // namespace qel

@@ -76,14 +76,21 @@ private:
     }
 };
 
+/// A point that does not count, and why: it is drawn as a grey mark apart from the line, which leads past it.
+struct ChartLeftOut {
+    std::size_t point = 0;    ///< in ChartSeries::points; one that does not exist is ignored
+    std::string reason = {};  ///< in the legend, with the number of points
+};
+
 /// A row of points. A point whose x or y is not a number, or not above 0 on a logarithmic axis, is a gap.
 struct ChartSeries {
     std::string name = {};  ///< in the legend; empty: not there
     ChartKind kind = ChartKind::kLine;
     std::vector<CGraphData> points = {};
-    std::size_t xAxis = 0;           ///< in Chart::axes; a horizontal one
-    std::size_t yAxis = 1;           ///< a vertical one
-    std::vector<double> lower = {};  ///< of a band: its other edge at each point
+    std::size_t xAxis = 0;                   ///< in Chart::axes; a horizontal one
+    std::size_t yAxis = 1;                   ///< a vertical one
+    std::vector<ChartLeftOut> leftOut = {};  ///< in any order
+    std::vector<double> lower = {};          ///< of a band: its other edge at each point
     ChartErrors xErrors = {};
     ChartErrors yErrors = {};
     bool hasErrorBand = false;  ///< the y errors are a band, not bars

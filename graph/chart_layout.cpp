@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qellib10/graph/left_out.h"
+
 namespace qel {
 namespace {
 
@@ -176,7 +178,8 @@ private:
         report(true, Has(left, Left::kAxisTitles), "titles of the axes");
         report(true, Has(left, Left::kValues), "values of the axes");
         const bool hasNames = std::ranges::any_of(m_chart.series, [](const ChartSeries& s) { return !s.name.empty(); });
-        report(m_chart.hasLegend && hasNames, layout.legend.has_value(), "legend");
+        const bool hasEntries = hasNames || !ReasonsLeftOut(m_chart).empty();
+        report(m_chart.hasLegend && hasEntries, layout.legend.has_value(), "legend");
         for (std::size_t i = AxisCount(m_chart); i < m_chart.axes.size(); ++i)
             layout.leftOut.push_back("axis: " + m_chart.axes[i].title);
         for (const ChartSeries& series : m_chart.series)

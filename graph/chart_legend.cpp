@@ -6,11 +6,62 @@
 #include "qellib10/graph/chart_hatch.h"
 #include "qellib10/graph/chart_look.h"
 #include "qellib10/graph/chart_marks.h"
+#include "qellib10/graph/left_out.h"
 
 namespace qel {
 namespace {
 
 constexpr double kSample = 22, kSampleGap = 5, kRowGap = 3, kBetween = 14, kPadding = 5;  // points
+constexpr std::size_t kMostReasons = 4;
+
+struct Line {
+    std::optional<std::size_t> series;
+    std::string text;
+};
+
+std::vector<Line> LinesOf(const Chart& chart) {
+    std::vector<Line> lines;
+    for (std::size_t i = 0; i < chart.series.size(); ++i)
+        if (!chart.series[i].name.empty() && HasItsAxes(chart, chart.series[i]))
+            lines.push_back({i, chart.series[i].name});
+    const std::vector<LeftOutReason> reasons = ReasonsLeftOut(chart);
+    const auto add = [&](const std::string& reason, std::size_t count) {
+        lines.push_back(
+            {{}, chart.leftOutText + (reason.empty() ? "" : ": ") + reason + " (" + std::to_string(count) + ")"});
+    };
+    std::size_t others = 0;
+    for (std::size_t i = 0; i < reasons.size(); ++i) {
+        if (i < kMostReasons || reasons.size() == kMostReasons + 1) {
+            add(reasons[i].reason, reasons[i].count);
+        } else {
+            others += reasons[i].count;
+        }
+    }
+    if (others > 0) add("\u2026", others);
+    return lines;
+}
+
+void DrawSample(const Chart& chart, ChartCanvas& canvas, std::size_t index, const ChartBox& sample) {
+    const ChartTheme& theme = chart.theme;
+    const ChartSeries& series = chart.series[index];
+    const SeriesLook look = LookOf(chart, index);
+    const double middle = (sample.top + sample.bottom) / 2;
+    const bool isFilled = series.kind == ChartKind::kBars || series.kind == ChartKind::kBand;
+    if (isFilled) {
+        const double half = sample.Height() * 0.32;
+        const double inset = sample.Width() * 0.15;
+        const ChartBox box{sample.left + inset, middle - half, sample.right - inset, middle + half};
+        canvas.Fill(box, look.color, series.kind == ChartKind::kBand ? 0.3 : 1);
+        DrawHatch(canvas, box, look.hatch, theme.plot);
+    } else if (series.kind != ChartKind::kPoints) {
+        std::vector<double> dashes = look.dashes;
+        for (double& length : dashes) length = canvas.Units(length);
+        const std::array<ShapePoint, 2> ends = {{{sample.left, middle}, {sample.right, middle}}};
+        canvas.Shape(ends, {.stroke = look.color, .strokeWidth = canvas.Units(look.width), .dashes = dashes});
+    }
+    DrawMark(canvas, look.mark, {(sample.left + sample.right) / 2, middle}, canvas.Units(theme.markSize), look.color,
+             theme.plot, true);
+}
 
 }  // namespace
 
@@ -20,9 +71,8 @@ std::optional<LegendLayout> LayLegend(const Chart& chart, const ChartCanvas& can
     const double before = sample + canvas.Units(kSampleGap);
     LegendLayout legend;
     double x = padding, y = padding, row = 0;
-    for (std::size_t i = 0; i < chart.series.size(); ++i) {
-        if (chart.series[i].name.empty() || !HasItsAxes(chart, chart.series[i])) continue;
-        const std::string text = canvas.Shortened(chart.series[i].name, style, longest - before - 2 * padding);
+    for (const Line& line : LinesOf(chart)) {
+        const std::string text = canvas.Shortened(line.text, style, longest - before - 2 * padding);
         if (text.empty()) return {};
         const LabelSize size = canvas.Measure(text, style);
         const bool isNext = !legend.entries.empty() && (width <= 0 || x + before + size.width + padding > width);
@@ -32,7 +82,7 @@ std::optional<LegendLayout> LayLegend(const Chart& chart, const ChartCanvas& can
         }
         row = size.Height();
         const PlacedLabel label = LabelAt(canvas, text, style, {x + before, y}, {});
-        legend.entries.push_back({i, label, {x, y, x + sample, y + row}});
+        legend.entries.push_back({line.series, label, {x, y, x + sample, y + row}});
         legend.box.right = std::max(legend.box.right, label.box.right + padding);
         x = label.box.right + canvas.Units(kBetween);
     }
@@ -65,24 +115,13 @@ void DrawLegend(const Chart& chart, ChartCanvas& canvas, const LegendLayout& leg
                                .isClosed = true});
     }
     for (const LegendLayout::Entry& entry : legend.entries) {
-        const ChartSeries& series = chart.series[entry.series];
-        const SeriesLook look = LookOf(chart, entry.series);
-        const double middle = (entry.sample.top + entry.sample.bottom) / 2;
-        const bool isFilled = series.kind == ChartKind::kBars || series.kind == ChartKind::kBand;
-        if (isFilled) {
-            const double half = entry.sample.Height() * 0.32;
-            const double inset = entry.sample.Width() * 0.15;
-            const ChartBox box{entry.sample.left + inset, middle - half, entry.sample.right - inset, middle + half};
-            canvas.Fill(box, look.color, series.kind == ChartKind::kBand ? 0.3 : 1);
-            DrawHatch(canvas, box, look.hatch, theme.plot);
-        } else if (series.kind != ChartKind::kPoints) {
-            std::vector<double> dashes = look.dashes;
-            for (double& length : dashes) length = canvas.Units(length);
-            const std::array<ShapePoint, 2> ends = {{{entry.sample.left, middle}, {entry.sample.right, middle}}};
-            canvas.Shape(ends, {.stroke = look.color, .strokeWidth = canvas.Units(look.width), .dashes = dashes});
+        if (entry.series) {
+            DrawSample(chart, canvas, *entry.series, entry.sample);
+        } else {
+            const ShapePoint middle{(entry.sample.left + entry.sample.right) / 2,
+                                    (entry.sample.top + entry.sample.bottom) / 2};
+            DrawLeftOut(chart, canvas, middle);
         }
-        DrawMark(canvas, look.mark, {(entry.sample.left + entry.sample.right) / 2, middle},
-                 canvas.Units(theme.markSize), look.color, theme.plot, true);
         canvas.Label(entry.label.start, entry.label.text, entry.label.style);
     }
 }

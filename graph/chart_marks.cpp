@@ -1,5 +1,6 @@
 #include "qellib10/graph/chart_marks.h"
 
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -78,6 +79,14 @@ void DrawMark(ChartCanvas& canvas, ChartMark mark, const ShapePoint& at, double 
         style.fill = color;
     }
     canvas.Shape(figure, style);
+}
+
+void DrawLeftOut(const Chart& chart, ChartCanvas& canvas, const ShapePoint& at) {
+    const ChartTheme& theme = chart.theme;
+    const double size = canvas.Units(theme.markSize) * 1.3, reach = size * 0.7;
+    DrawMark(canvas, ChartMark::kOpenCircle, at, size, theme.faintText, theme.plot, chart.isSmooth);
+    const std::array<ShapePoint, 2> stroke = {{{at.x - reach, at.y + reach}, {at.x + reach, at.y - reach}}};
+    canvas.Shape(stroke, {.stroke = theme.faintText, .strokeWidth = size / 6, .isSmooth = chart.isSmooth});
 }
 
 }  // namespace qel

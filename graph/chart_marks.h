@@ -9,4 +9,7 @@ namespace qel {
 void DrawMark(ChartCanvas& canvas, ChartMark mark, const ShapePoint& at, double size, COLORREF color, COLORREF inside,
               bool isSmooth);
 
+/// Draws a point that is left out: a grey circle with a stroke through it, which no series has.
+void DrawLeftOut(const Chart& chart, ChartCanvas& canvas, const ShapePoint& at);
+
 }  // namespace qel

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "qellib10/graph/chart_scale.h"
+#include "qellib10/graph/left_out.h"
 
 namespace qel {
 namespace {
@@ -106,8 +107,10 @@ std::vector<ChartNavigator::Value> ChartNavigator::ValuesAt(const Chart& chart, 
         }
         if (best == series.points.size()) continue;
         const CGraphData& data = series.points[best];
-        const std::string text = TextOf(data.GetXData(), across, chart.axes[series.xAxis].unit) + ", " +
-                                 TextOf(data.GetYData(), up, chart.axes[series.yAxis].unit);
+        std::string text = TextOf(data.GetXData(), across, chart.axes[series.xAxis].unit) + ", " +
+                           TextOf(data.GetYData(), up, chart.axes[series.yAxis].unit);
+        if (const auto reason = ReasonLeftOut(series, best))
+            text += " (" + chart.leftOutText + (reason->empty() ? "" : ": ") + *reason + ")";
         values.push_back({i,
                           best,
                           {across.At(data.GetXData()), up.At(data.GetYData())},

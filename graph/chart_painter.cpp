@@ -209,7 +209,8 @@ private:
             style.strokeWidth = std::max(1.0, width / 2);
             for (std::size_t i = 0; i < curves.Count(); ++i) {
                 const ShapePoint at = curves.At(i);
-                if (std::isfinite(at.x) && std::isfinite(at.y)) stroke(std::array{ShapePoint{at.x, curves.Base()}, at});
+                const bool isDrop = std::isfinite(at.x) && std::isfinite(at.y) && curves.Counts(i);
+                if (isDrop) stroke(std::array{ShapePoint{at.x, curves.Base()}, at});
             }
             style.strokeWidth = width;
         }
@@ -242,12 +243,14 @@ private:
                                                         {bar.to.x + side.x, bar.to.y + side.y}}};
             m_canvas.Shape(CutToArea(corners, m_layout.plot), style);
         }
-        if (look.mark == ChartMark::kNone) return;
         const ChartBox reach = Grown(m_layout.plot, kGapOfMark);
+        for (const ShapePoint& at : curves.LeftOut())
+            if (IsInside({at.x, at.y, at.x, at.y}, reach)) DrawLeftOut(m_chart, m_canvas, at);
+        if (look.mark == ChartMark::kNone) return;
         const double size = m_canvas.Units(m_theme.markSize);
         for (std::size_t i = 0; i < curves.Count(); ++i) {
             const ShapePoint at = curves.At(i);
-            if (IsInside({at.x, at.y, at.x, at.y}, reach))
+            if (IsInside({at.x, at.y, at.x, at.y}, reach) && curves.Counts(i))
                 DrawMark(m_canvas, look.mark, at, size, look.color, m_theme.plot, m_chart.isSmooth);
         }
     }

@@ -4,6 +4,8 @@
 #include <limits>
 #include <map>
 
+#include "qellib10/graph/left_out.h"
+
 namespace qel {
 namespace {
 
@@ -165,9 +167,13 @@ std::vector<double> StackedBelow(const Chart& chart, std::size_t index) {
         const bool isBelow = before.kind == ChartKind::kBars && before.isStacked && before.xAxis == series.xAxis &&
                              before.yAxis == series.yAxis;
         if (!isBelow) continue;
-        for (const CGraphData& point : before.points)
-            if (std::isfinite(point.GetXData()) && std::isfinite(point.GetYData()))
-                sums[point.GetXData()] += point.GetYData();
+        ForEachKept(PointsLeftOut(before), 0, before.points.size(), [&](std::size_t first, std::size_t end) {
+            for (std::size_t j = first; j < end; ++j) {
+                const CGraphData& point = before.points[j];
+                if (std::isfinite(point.GetXData()) && std::isfinite(point.GetYData()))
+                    sums[point.GetXData()] += point.GetYData();
+            }
+        });
     }
     std::vector<double> below;
     for (const CGraphData& point : series.points) {

@@ -36,6 +36,7 @@ CurveField::CurveField(const Chart& chart, const ChartCanvas& canvas, const std:
         } else {
             MarkLine(CutToArea(curves.Line(1 / m_cell), plot));
         }
+        for (const ShapePoint& at : curves.LeftOut()) Mark(at);
         for (const SeriesCurves::ErrorBar& bar : curves.ErrorBars()) MarkLine({bar.from, bar.to});
     }
     for (const ChartNote& note : chart.notes) {

@@ -3,12 +3,12 @@
 #include <gtk/gtk.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <mutex>
 #include <optional>
 #include <utility>
 
+#include "qellib10/graph/chart_csv.h"
 #include "qellib10/gtk/desktop_theme.h"
 #include "qellib10/gtk/toolkit.h"
 #include "qellib10/platform/drawing/dc.h"
@@ -22,18 +22,6 @@ namespace {
 
 constexpr double kWheelFactor = 1.2, kKeyFactor = 1.4, kKeyStep = 40;
 constexpr int kScreenDots = 96;
-
-void AppendNumber(std::string& text, double value) {
-    char buffer[32];
-    const auto end = std::to_chars(std::begin(buffer), std::end(buffer), value);
-    if (std::isfinite(value)) text.append(buffer, end.ptr);
-}
-
-std::string Quoted(const std::string& text) {
-    std::string quoted = "\"";
-    for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
-    return quoted + '"';
-}
 
 }  // namespace
 
@@ -362,29 +350,8 @@ private:
     }
 
 public:
-    std::string Csv() const {
-        std::string text;
-        std::size_t most = 0;
-        for (const ChartSeries& series : chart.series) {
-            const ChartAxis* const axis = series.xAxis < chart.axes.size() ? &chart.axes[series.xAxis] : nullptr;
-            text += (text.empty() ? "" : ",") + Quoted(axis != nullptr ? axis->title : "x") + ',' + Quoted(series.name);
-            most = std::max(most, series.points.size());
-        }
-        text += "\r\n";
-        for (std::size_t i = 0; i < most; ++i) {
-            for (std::size_t series = 0; series < chart.series.size(); ++series) {
-                if (series > 0) text += ',';
-                const std::vector<CGraphData>& points = chart.series[series].points;
-                if (i < points.size()) AppendNumber(text, points[i].GetXData());
-                text += ',';
-                if (i < points.size()) AppendNumber(text, points[i].GetYData());
-            }
-            text += "\r\n";
-        }
-        return text;
-    }
     void CopyCsv() {
-        const std::string text = Csv();
+        const std::string text = ChartCsv(chart);
         gtk_clipboard_set_text(gtk_widget_get_clipboard(widget, GDK_SELECTION_CLIPBOARD), text.data(),
                                static_cast<int>(text.size()));
     }
@@ -455,7 +422,7 @@ bool ChartView::SavePicture(std::string_view path) {
     return running.Ended(SavePng(m_pParts->picture, FromUtf8(path).c_str(), kScreenDots * m_pParts->scale) != 0);
 }
 
-std::string ChartView::Csv() const { return m_pParts->Csv(); }
+std::string ChartView::Csv() const { return ChartCsv(m_pParts->chart); }
 void ChartView::CopyPicture() { m_pParts->CopyPicture(); }
 void ChartView::CopyCsv() { m_pParts->CopyCsv(); }
 

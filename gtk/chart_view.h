@@ -61,7 +61,7 @@ public:
     /// What is shown, as a picture in the pixels of the screen.
     /// @return false if the widget has no size yet, or the file cannot be written; qel::LastFailure has the reason
     bool SavePicture(std::string_view path);
-    /// The points of all series: a line of names, then x and y of each series side by side.
+    /// The points of all series, see qel::ChartCsv.
     std::string Csv() const;
     void CopyPicture();
     void CopyCsv();

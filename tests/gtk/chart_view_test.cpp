@@ -5,6 +5,8 @@
 #include <array>
 #include <thread>
 
+#include "qellib10/graph/chart_csv.h"
+
 #include "../support/line.h"
 #include "screen.h"
 
@@ -111,7 +113,7 @@ TEST(ChartView, ShowsPointsOfAnotherThreadAndChoosesSome) {
 TEST(ChartView, FollowsTheDesktopAndGivesItsValues) {
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
     ChartWindow window;
-    EXPECT_EQ(window.view.Csv(), "\"Time\",\"Cell \"\"1\"\"\"\r\n0,10\r\n5,60\r\n10,90\r\n");
+    EXPECT_EQ(window.view.Csv(), qel::ChartCsv(window.view.Shown()));
     const auto isBackground = [&](COLORREF color) {
         return RunUntil([&] { return window.view.Shown().theme.background == color; });
     };
