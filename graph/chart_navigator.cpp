@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "qellib10/graph/chart_scale.h"
+#include "qellib10/graph/chart_value_text.h"
 #include "qellib10/graph/left_out.h"
 
 namespace qel {
@@ -12,17 +14,10 @@ namespace {
 constexpr double kLeastBox = 4;    // device units
 constexpr double kFinest = 1e-12;  // of the values: the smallest range that is shown
 constexpr double kMostFactor = 1e6;
-constexpr int kStepsOfText = 1000;  // parts of the range that a value is shown with
 
 ChartBox Normalised(const ChartBox& box) {
     return {std::min(box.left, box.right), std::min(box.top, box.bottom), std::max(box.left, box.right),
             std::max(box.top, box.bottom)};
-}
-
-std::string TextOf(double value, const AxisPlaces& places, const std::string& unit) {
-    const double range = places.isLogarithmic ? std::fabs(value) : places.high - places.low;
-    const std::string number = NumberText(value, range / kStepsOfText, 0);
-    return unit.empty() ? number : number + " " + unit;
 }
 
 }  // namespace
@@ -88,12 +83,31 @@ bool ChartNavigator::IsInPlot(const ShapePoint& at) const noexcept {
     return at.x >= m_plot.left && at.x <= m_plot.right && at.y >= m_plot.top && at.y <= m_plot.bottom;
 }
 
+bool ChartNavigator::IsPlaced(const Chart& chart, const ChartSeries& series) const {
+    return HasItsAxes(chart, series) && series.xAxis < m_axes.size() && series.yAxis < m_axes.size();
+}
+
+std::optional<ChartNavigator::Value> ChartNavigator::ValueOf(const Chart& chart, std::size_t series,
+                                                             std::size_t point) const {
+    if (series >= chart.series.size() || !IsPlaced(chart, chart.series[series])) return {};
+    const ChartSeries& from = chart.series[series];
+    if (point >= from.points.size()) return {};
+    const AxisPlaces &across = m_axes[from.xAxis].places, &up = m_axes[from.yAxis].places;
+    const double x = from.points[point].GetXData(), y = from.points[point].GetYData();
+    const ShapePoint at{across.At(x), up.At(y)};
+    if (!std::isfinite(at.x) || !std::isfinite(at.y)) return {};
+    std::string text = from.name.empty() ? "" : from.name + ": ";
+    text += ValueText(chart.axes[from.xAxis], across, x) + ", " + ValueText(chart.axes[from.yAxis], up, y);
+    if (const auto reason = ReasonLeftOut(from, point))
+        text += " (" + chart.leftOutText + (reason->empty() ? "" : ": ") + *reason + ")";
+    return Value{series, point, at, text};
+}
+
 std::vector<ChartNavigator::Value> ChartNavigator::ValuesAt(const Chart& chart, double x) const {
     std::vector<Value> values;
     for (std::size_t i = 0; i < chart.series.size(); ++i) {
         const ChartSeries& series = chart.series[i];
-        const bool isPlaced = HasItsAxes(chart, series) && series.xAxis < m_axes.size() && series.yAxis < m_axes.size();
-        if (!isPlaced || series.kind == ChartKind::kBand) continue;
+        if (!IsPlaced(chart, series) || series.kind == ChartKind::kBand) continue;
         const AxisPlaces &across = m_axes[series.xAxis].places, &up = m_axes[series.yAxis].places;
         std::size_t best = series.points.size();
         double least = 0;
@@ -105,25 +119,35 @@ std::vector<ChartNavigator::Value> ChartNavigator::ValuesAt(const Chart& chart, 
             best = point;
             least = distance;
         }
-        if (best == series.points.size()) continue;
-        const CGraphData& data = series.points[best];
-        std::string text = TextOf(data.GetXData(), across, chart.axes[series.xAxis].unit) + ", " +
-                           TextOf(data.GetYData(), up, chart.axes[series.yAxis].unit);
-        if (const auto reason = ReasonLeftOut(series, best))
-            text += " (" + chart.leftOutText + (reason->empty() ? "" : ": ") + *reason + ")";
-        values.push_back({i,
-                          best,
-                          {across.At(data.GetXData()), up.At(data.GetYData())},
-                          series.name.empty() ? text : series.name + ": " + text});
+        if (auto value = ValueOf(chart, i, best)) values.push_back(std::move(*value));
     }
     return values;
 }
 
+std::optional<ChartNavigator::Value> ChartNavigator::PointNear(const Chart& chart, const ShapePoint& at,
+                                                               double reach) const {
+    std::size_t bestSeries = 0, best = 0;
+    double least = std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        const ChartSeries& series = chart.series[i];
+        if (!IsPlaced(chart, series) || series.kind == ChartKind::kBand) continue;
+        const AxisPlaces across = m_axes[series.xAxis].places, up = m_axes[series.yAxis].places;
+        for (std::size_t point = 0; point < series.points.size(); ++point) {
+            const double dx = across.At(series.points[point].GetXData()) - at.x;
+            if (!(std::fabs(dx) <= reach)) continue;
+            const double distance = std::hypot(dx, up.At(series.points[point].GetYData()) - at.y);
+            if (!(distance <= reach && distance < least)) continue;
+            bestSeries = i, best = point;
+            least = distance;
+        }
+    }
+    return std::isinf(least) ? std::nullopt : ValueOf(chart, bestSeries, best);
+}
+
 std::vector<std::size_t> ChartNavigator::PointsIn(const Chart& chart, std::size_t series, ChartBox box) const {
     std::vector<std::size_t> inside;
-    if (series >= chart.series.size() || !HasItsAxes(chart, chart.series[series])) return inside;
+    if (series >= chart.series.size() || !IsPlaced(chart, chart.series[series])) return inside;
     const ChartSeries& from = chart.series[series];
-    if (from.xAxis >= m_axes.size() || from.yAxis >= m_axes.size()) return inside;
     box = Normalised(box);
     for (std::size_t i = 0; i < from.points.size(); ++i) {
         const double x = m_axes[from.xAxis].places.At(from.points[i].GetXData());

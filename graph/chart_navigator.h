@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -36,16 +37,24 @@ public:
 
     const ChartBox& Plot() const noexcept { return m_plot; }
     bool IsInPlot(const ShapePoint& at) const noexcept;
+    /// The values of an axis; null before the first drawing, and for one that does not exist.
+    const AxisPlaces* PlacesOf(std::size_t axis) const noexcept {
+        return axis < m_axes.size() ? &m_axes[axis].places : nullptr;
+    }
 
     /// A point of a series near the pointer.
     struct Value {
         std::size_t series;
         std::size_t point;
         ShapePoint at;     ///< where it is drawn
-        std::string text;  ///< "Sample 1: 12.3 mL, 7.5"
+        std::string text;  ///< "Sample 1: 12.3 mL, 7.5", and why it is left out
     };
+    /// Nothing for a point that does not exist or has no place on its axes.
+    std::optional<Value> ValueOf(const Chart& chart, std::size_t series, std::size_t point) const;
     /// Of each series the point whose x is nearest to that place; series without points, and areas, are left out.
     std::vector<Value> ValuesAt(const Chart& chart, double x) const;
+    /// The point that is drawn nearest to a place, at most @p reach device units away.
+    std::optional<Value> PointNear(const Chart& chart, const ShapePoint& at, double reach) const;
     /// The points of a series in a box, in their order.
     std::vector<std::size_t> PointsIn(const Chart& chart, std::size_t series, ChartBox box) const;
 
@@ -55,6 +64,7 @@ private:
         bool isHorizontal;
     };
 
+    bool IsPlaced(const Chart& chart, const ChartSeries& series) const;
     bool Show(std::size_t axis, double from, double to);
 
     std::vector<Axis> m_axes;

@@ -1,0 +1,74 @@
+#include "qellib10/graph/chart_value_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+
+#include "qellib10/graph/wall_clock.h"
+
+namespace qel {
+namespace {
+
+constexpr double kSteps = 1000;  // of the shown range that a text tells apart
+constexpr double kFirstSecond = -62135596800 + 86400.0, kLastSecond = 253402300799 - 86400.0;  // years 1 to 9999
+
+std::string WithUnit(const std::string& number, const std::string& unit) {
+    return unit.empty() ? number : number + " " + unit;
+}
+
+double StepOf(const AxisPlaces& places, double value) {
+    return (places.isLogarithmic ? std::fabs(value) : places.high - places.low) / kSteps;
+}
+
+// A fraction of a second is shown where the range is short.
+std::string TimeText(const ChartAxis& axis, double value, double step) {
+    const WallClock clock(axis.clock);
+    std::int64_t whole = static_cast<std::int64_t>(std::floor(value));
+    int milliseconds = static_cast<int>(std::lround((value - std::floor(value)) * 1000));
+    if (step >= 0.5 && milliseconds >= 500) ++whole;
+    if (milliseconds == 1000) ++whole, milliseconds = 0;
+    const std::int64_t wall = whole + clock.Offset(whole);
+    const std::chrono::sys_seconds moment{std::chrono::seconds(wall)};
+    const auto day = std::chrono::floor<std::chrono::days>(moment);
+    const std::chrono::year_month_day date(day);
+    const std::chrono::hh_mm_ss time(moment - day);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d", int(date.year()), unsigned(date.month()),
+                  unsigned(date.day()), int(time.hours().count()), int(time.minutes().count()),
+                  int(time.seconds().count()));
+    std::string whole_text = text;
+    if (step < 0.5) {
+        std::snprintf(text, sizeof text, ".%03d", milliseconds);
+        whole_text += text;
+    }
+    return whole_text + " " + clock.ZoneName(whole);
+}
+
+}  // namespace
+
+std::string ValueText(const ChartAxis& axis, const AxisPlaces& places, double value) {
+    if (axis.scale == ChartScale::kCategories) {
+        const double nearest = std::round(value);
+        const bool isName = nearest >= 0 && nearest < static_cast<double>(axis.categories.size());
+        if (isName && nearest == value) return axis.categories[static_cast<std::size_t>(nearest)];
+    }
+    const double step = StepOf(places, value);
+    if (axis.scale == ChartScale::kTime && value >= kFirstSecond && value <= kLastSecond)
+        return TimeText(axis, value, step);
+    return WithUnit(NumberText(value, step, 0), axis.unit);
+}
+
+std::string DistanceText(const ChartAxis& axis, const AxisPlaces& places, double distance) {
+    return WithUnit(NumberText(distance, StepOf(places, distance), 0), UnitOfDistances(axis));
+}
+
+std::string FourDigits(double value, const std::string& unit) {
+    return WithUnit(NumberText(value, std::fabs(value) / kSteps, 0), unit);
+}
+
+std::string UnitOfDistances(const ChartAxis& axis) {
+    return axis.scale == ChartScale::kTime && axis.unit.empty() ? "s" : axis.unit;
+}
+
+}  // namespace qel
