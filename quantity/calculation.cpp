@@ -3,19 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "qellib10/quantity/unit_parser.h"
+
 namespace qel {
-
-namespace {
-
-// "5 e3" is 5000 to people, and would be 5 cubed elementary charges: a unit of its own is written e^3.
-bool IsExponent(std::string_view unit) {
-    if (!unit.starts_with('e') && !unit.starts_with('E')) return false;
-    unit.remove_prefix(1);
-    if (unit.starts_with('-') || unit.starts_with('+')) unit.remove_prefix(1);
-    return !unit.empty() && unit.front() >= '0' && unit.front() <= '9';
-}
-
-}  // namespace
 
 // A limit may have blanks before its number; a unit comes after the next ones.
 std::optional<CalculationInput> CalculationInput::Of(std::string_view name, std::string_view text,
@@ -30,7 +20,7 @@ std::optional<CalculationInput> CalculationInput::Of(std::string_view name, std:
     const std::optional<Reading> reading = Reading::OfText(text.substr(0, end));
     if (!reading) return {};
     std::string_view unit = text.substr(skip(end));
-    if (IsExponent(unit)) return {};
+    if (UnitParser::StartsWithExponent(unit)) return {};
     unit = unit.substr(0, unit.find_last_not_of(kBlanks) + 1);
     return CalculationInput{std::string(name), *reading, std::string(unit), std::string(origin), std::move(components)};
 }

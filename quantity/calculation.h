@@ -26,8 +26,8 @@ struct QELLIB10_API CalculationInput {
     std::vector<UncertaintyComponent> components;  ///< in @p unit
 
     /// @param text a reading as Reading::OfText has it, then possibly a unit: "16.519 mL", "< 0.02 mg/L", "missing"
-    /// @return nothing where it does not start with a reading, and for an exponent after a blank, "5 e3"; the unit is
-    /// read when the calculation is
+    /// @return nothing where it does not start with a reading, and for an exponent after a blank, "5 e3" or "5 e 3";
+    /// the unit is read when the calculation is
     static std::optional<CalculationInput> Of(std::string_view name, std::string_view text,
                                               std::vector<UncertaintyComponent> components = {},
                                               std::string_view origin = {});

@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kDeepest = 30;
 constexpr std::string_view kUcum = "ucum:";
+constexpr const char* kApart = "an exponent follows its number without a blank, as in 5e3; of charges e it is e^3";
 constexpr std::array<std::string_view, 12> kSuperscripts = {"⁰", "¹", "²", "³", "⁴", "⁵", "⁶", "⁷", "⁸", "⁹", "⁻", "⁺"};
 constexpr std::array<std::string_view, 2> kDots = {"·", "⋅"};
 
@@ -93,6 +94,13 @@ std::optional<Unit> UnitParser::Parse(std::string_view text, std::string& error)
         error = refusal.reason;
     }
     return {};
+}
+
+bool UnitParser::StartsWithExponent(std::string_view text) {
+    if (!text.starts_with('e') && !text.starts_with('E')) return false;
+    text = Trimmed(text.substr(1));
+    if (text.starts_with('-') || text.starts_with('+')) text = Trimmed(text.substr(1));
+    return !text.empty() && IsDigit(text.front());
 }
 
 Unit UnitParser::Read(std::string_view text, int depth) {
@@ -292,6 +300,7 @@ Unit UnitParser::Name() {
     // Digits at the end are an exponent, as in m2.
     while (m_at > start && IsDigit(m_text[m_at - 1])) --m_at;
     if (m_at == start) RefuseHere();
+    if (StartsWithExponent(m_text.substr(start))) throw Refusal{Quoted(m_text) + ": " + kApart};
     std::string name(m_text.substr(start, m_at - start));
     if (name == "%" || name == "ppm" || name == "ppb") name += Basis();
     return Meaning(name, m_depth);

@@ -18,6 +18,8 @@ namespace qel {
 class UnitParser {
 public:
     static std::optional<Unit> Parse(std::string_view text, std::string& error);
+    /// Whether people read the start as a power of ten, as in "5 e3" and "10 e -3/L": it is no unit of charges e.
+    static bool StartsWithExponent(std::string_view text);
 
 private:
     struct Refusal {

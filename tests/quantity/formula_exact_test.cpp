@@ -2,6 +2,7 @@
 
 #include "../support/test.h"
 #include "qellib10/calc/calc_variable_list.h"
+#include "qellib10/quantity/calculation.h"
 #include "qellib10/quantity/formula.h"
 #include "qellib10/quantity/quantity_formula.h"
 
@@ -190,6 +191,8 @@ TEST(Reading, TextsAreReadAgain) {
     }
     for (const char* text : {"", "<", "1 2", "NaN", "Infinity", "1,5", "12345678901234567890123456789012345"})
         EXPECT_FALSE(Reading::OfText(text)) << text;
+    for (const char* text : {"5 e3", "5 e 3", "5e 3", "5  E - 3 mL", "< 5 e+3", "mL"})
+        EXPECT_FALSE(qel::CalculationInput::Of("A", text)) << text;
 }
 
 TEST(Reading, OfAListThatRoundsItsValuesIsAskedFor) {

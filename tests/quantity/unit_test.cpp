@@ -173,6 +173,7 @@ TEST(Unit, AMolarMassJoinsMassAndAmountOnly) {
 }
 
 TEST(Unit, ErrorsSayWhatIsWrong) {
+    const std::string apart = ": an exponent follows its number without a blank, as in 5e3; of charges e it is e^3";
     for (const auto& [text, expected] : Cases<std::string, std::string>{
              {"mgg", "\"mgg\" is not a unit that is known"},
              {"mg/", "\"mg/\" is not a unit: its end is missing"},
@@ -185,6 +186,9 @@ TEST(Unit, ErrorsSayWhatIsWrong) {
              {"10^2.5", "\"10^2.5\": an exponent is one whole number"},
              {"m²3", "\"m²3\": an exponent is one whole number"},
              {"m^2-1", "\"m^2-1\": an exponent is one whole number"},
+             {"5 e3", "\"5 e3\"" + apart},
+             {"10 e -3/L", "\"10 e -3/L\"" + apart},
+             {"e 3", "\"e 3\"" + apart},
              {"m.5", "\"m.5\": a point before a digit is neither a product nor a whole exponent"},
              {"s⁻", "\"s⁻\" is not a unit: its end is missing"},
              {"s⁻/m", "\"s⁻/m\" is not a unit: a name is expected at \"/m\""},
@@ -235,6 +239,7 @@ TEST(Unit, TextsReadAsTheSameUnit) {
              {"%(w/v)/min", "%(m/v)/min"},
              {"K @ 273.15", "K @ 273.15"},
              {"1/(1/s)", "s"},
+             {"e^3*e/eV", "e^4/eV"},
              {"ucum:10*3/uL", "10^3/µL"},
          }) {
         const Unit unit = Parsed(text);
