@@ -1,14 +1,7 @@
 #include "qellib10/quantity/formula_parser.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
 #include <utility>
-
-#include "qellib10/platform/text/utf8_name.h"
-#include "qellib10/quantity/formula_constants.h"
-#include "qellib10/quantity/formula_error.h"
-#include "qellib10/quantity/formula_hints.h"
 
 namespace qel {
 namespace {
@@ -16,20 +9,6 @@ namespace {
 using Operation = FormulaOperation;
 
 constexpr int kDeepest = 200;  // brackets, signs, powers and functions in each other
-constexpr std::string_view kConstantPrefix = "const.";
-
-struct NamedFunction {
-    std::string_view name;
-    Operation operation;
-    bool takesMany;  // at least one; else exactly one
-};
-constexpr std::array kFunctions = {
-    NamedFunction{"min", Operation::kMin, true},      NamedFunction{"max", Operation::kMax, true},
-    NamedFunction{"mean", Operation::kMean, true},    NamedFunction{"sum", Operation::kSum, true},
-    NamedFunction{"abs", Operation::kAbs, false},     NamedFunction{"sqrt", Operation::kSqrt, false},
-    NamedFunction{"exp", Operation::kExp, false},     NamedFunction{"ln", Operation::kLn, false},
-    NamedFunction{"log10", Operation::kLog10, false}, NamedFunction{"log2", Operation::kLog2, false},
-};
 
 constexpr std::array kComparisons = {
     std::pair{std::string_view("="), Operation::kEqual},
@@ -40,30 +19,15 @@ constexpr std::array kComparisons = {
     std::pair{std::string_view(">="), Operation::kGreaterOrEqual},
 };
 
-constexpr std::array kRoundings = {
-    std::pair{std::string_view("half_away"), DecimalRounding::kHalfAwayFromZero},
-    std::pair{std::string_view("half_even"), DecimalRounding::kHalfEven},
-    std::pair{std::string_view("truncate"), DecimalRounding::kTowardZero},
-    std::pair{std::string_view("away"), DecimalRounding::kAwayFromZero},
-};
-
-[[noreturn]] void Refuse(FormulaError::Kind kind, const FormulaToken& at, std::string expected,
-                         std::string nearest = {}) {
-    throw FormulaError{kind, at.position, at.length, std::move(expected), std::move(nearest), {}};
-}
-
 }  // namespace
 
-// Counts how deep the parser is.
-struct FormulaParser::Nested {
-    Nested(FormulaParser& parser, const FormulaToken& at) : depth(parser.m_depth) {
-        if (++depth > kDeepest) Refuse(FormulaError::Kind::kTooDeep, at, {});
-    }
-    ~Nested() { --depth; }
-    Nested(const Nested&) = delete;
-    Nested& operator=(const Nested&) = delete;
-    int& depth;
-};
+FormulaParser::Nested::Nested(FormulaParser& parser, const FormulaToken& at) : depth(parser.m_depth) {
+    if (++depth > kDeepest) Refuse(FormulaError::Kind::kTooDeep, at, {});
+}
+
+void FormulaParser::Refuse(FormulaError::Kind kind, const FormulaToken& at, std::string expected, std::string nearest) {
+    throw FormulaError{kind, at.position, at.length, std::move(expected), std::move(nearest), {}};
+}
 
 FormulaParser::FormulaParser(std::string_view text, const FormulaScope& scope)
     : m_text(text), m_scope(scope), m_tokens(text) {
@@ -215,137 +179,6 @@ FormulaParser::Part FormulaParser::Atom() {
         default:
             Expect("a number, a name or an opening bracket");
     }
-}
-
-FormulaParser::Part FormulaParser::Number() {
-    const FormulaToken at = Taken();
-    DecimalFlags flags;
-    WrittenNumber number{Decimal::OfText(at.text, flags), 0.0, flags.isInexact};
-    const auto [end, error] = std::from_chars(at.text.data(), at.text.data() + at.text.size(), number.nearest);
-    const bool isTooLarge = error == std::errc::result_out_of_range && number.value.Magnitude() > 0;
-    if (isTooLarge || flags.isTooLarge || !number.value.IsFinite()) Refuse(FormulaError::Kind::kTooLarge, at, {});
-    m_builder.AddNumber(number, at);
-    return Since(at.position, Type::kNumber);
-}
-
-// Variables win over functions and constants, so that a formula means what it meant before there were any.
-FormulaParser::Part FormulaParser::Word() {
-    const FormulaToken name = Taken();
-    const bool isVariable = m_scope.Find(name.text).has_value();
-    if (!isVariable && m_token.Is("(")) return Call(name);
-    if (!isVariable && name.text.starts_with(kConstantPrefix)) {
-        const std::string_view wanted = name.text.substr(kConstantPrefix.size());
-        const auto constants = FormulaConstants();
-        const auto found = std::ranges::find(constants, wanted, &FormulaConstant::name);
-        if (found == constants.end()) {
-            std::vector<std::string_view> names;
-            for (const FormulaConstant& each : constants) names.push_back(each.name);
-            Refuse(FormulaError::Kind::kName, name, "a constant", NearestName(wanted, names));
-        }
-        m_builder.Add(Operation::kConstant, name, static_cast<std::size_t>(found - constants.begin()), 1);
-        return Since(name.position, Type::kNumber);
-    }
-    return Variable(name);
-}
-
-FormulaParser::Part FormulaParser::Variable(const FormulaToken& name) {
-    const std::optional<std::size_t> position = m_scope.Find(name.text);
-    if (!position) {
-        if (name.kind == FormulaToken::Kind::kWord) RefuseLookAlikes(m_text, name.position, name.length);
-        Refuse(FormulaError::Kind::kName, name, "a variable", WrittenName(m_scope.Nearest(name.text)));
-    }
-    m_builder.AddVariable(*position, name);
-    return Since(name.position, Type::kNumber);
-}
-
-FormulaParser::Part FormulaParser::Call(const FormulaToken& name) {
-    const Nested nested(*this, name);
-    if (name.text == "if") return If(name);
-    if (name.text == "round") return Round(name);
-    const auto function = std::ranges::find(kFunctions, name.text, &NamedFunction::name);
-    if (function == kFunctions.end()) {
-        std::vector<std::string_view> names = {"if", "round"};
-        for (const NamedFunction& each : kFunctions) names.push_back(each.name);
-        RefuseLookAlikes(m_text, name.position, name.length);
-        const std::string wanted = FoldUtf8Name(name.text);
-        if (wanted == "log") Refuse(FormulaError::Kind::kSyntax, name, "\"log10\" or \"ln\"");
-        Refuse(FormulaError::Kind::kName, name, "a function", NearestName(wanted == "lg" ? "log10" : wanted, names));
-    }
-    std::size_t count = 0;
-    do {
-        Taken();  // the bracket or the comma
-        Require(Condition(), Type::kNumber);
-        ++count;
-    } while (m_token.Is(","));
-    Need(")", "a comma or a closing bracket");
-    if (!function->takesMany && count != 1) Refuse(FormulaError::Kind::kArguments, name, "one argument");
-    m_builder.Add(function->operation, name, count, 1 - static_cast<int>(count));
-    return Since(name.position, Type::kNumber);
-}
-
-FormulaParser::Part FormulaParser::If(const FormulaToken& name) {
-    Taken();
-    Require(Condition(), Type::kTruth);
-    const std::size_t otherwise = m_builder.AddJump(Operation::kIfNot, name, -1);
-    Need(",", "a comma and what holds then");
-    const Part first = Condition();
-    const std::size_t end = m_builder.AddJump(Operation::kGoOn, name, 0);
-    m_builder.LandHere(otherwise);
-    m_builder.Forget();  // only one of the two is carried out
-    Need(",", "a comma and what holds otherwise");
-    Require(Condition(), first.type);
-    m_builder.LandHere(end);
-    Need(")", "a closing bracket");
-    return Since(name.position, first.type);
-}
-
-FormulaParser::Part FormulaParser::Round(const FormulaToken& name) {
-    Taken();
-    Require(Condition(), Type::kNumber);
-    Need(",", "a comma and the number of places");
-    const RoundingRule rule = Rule();
-    Need(")", "a comma or a closing bracket");
-    m_builder.AddRounding(rule, name);
-    return Since(name.position, Type::kNumber);
-}
-
-// A number, then possibly how, then possibly to what: 2, half_even, digits
-RoundingRule FormulaParser::Rule() {
-    const bool isNegative = m_token.Is("-");
-    if (isNegative) Taken();
-    if (m_token.kind != FormulaToken::Kind::kNumber) Expect("a number");
-    const FormulaToken at = Taken();
-    DecimalFlags flags;
-    Decimal count = Decimal::OfText(at.text, flags);
-    if (isNegative) count = -count;
-    DecimalRounding rounding = DecimalRounding::kHalfAwayFromZero;
-    if (m_token.Is(",")) {
-        Taken();
-        const auto found =
-            std::ranges::find_if(kRoundings, [&](const auto& each) { return m_token.IsWord(each.first); });
-        if (found == kRoundings.end()) Expect("half_away, half_even, truncate or away");
-        rounding = found->second;
-        Taken();
-    }
-    std::string_view to = "places";
-    if (m_token.Is(",")) {
-        Taken();
-        if (!m_token.IsWord("places") && !m_token.IsWord("digits") && !m_token.IsWord("multiple"))
-            Expect("places, digits or multiple");
-        to = Taken().text;
-    }
-    if (to == "multiple") {
-        if (count <= Decimal(0)) Refuse(FormulaError::Kind::kArguments, at, "a step above 0");
-        return RoundingRule::ToMultiple(rounding, count);
-    }
-    const bool isPlaces = to == "places";
-    const int least = isPlaces ? -RoundingRule::kMostPlaces : 1;
-    const int most = isPlaces ? RoundingRule::kMostPlaces : Decimal::kDigits;
-    if (!count.IsInteger() || count < Decimal(least) || count > Decimal(most))
-        Refuse(FormulaError::Kind::kArguments, at,
-               "a whole number from " + std::to_string(least) + " to " + std::to_string(most));
-    const int whole = static_cast<int>(count.ToDouble());
-    return isPlaces ? RoundingRule::ToPlaces(rounding, whole) : RoundingRule::ToDigits(rounding, whole);
 }
 
 }  // namespace qel

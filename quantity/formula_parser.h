@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "qellib10/quantity/formula_error.h"
 #include "qellib10/quantity/formula_program.h"
 #include "qellib10/quantity/formula_scope.h"
 #include "qellib10/quantity/formula_token.h"
@@ -36,7 +37,14 @@ private:
         Type type = Type::kNumber;
         std::size_t position = 0, length = 0;
     };
-    struct Nested;
+    // Counts how deep the parser is.
+    struct Nested {
+        Nested(FormulaParser& parser, const FormulaToken& at);
+        ~Nested() { --depth; }
+        Nested(const Nested&) = delete;
+        Nested& operator=(const Nested&) = delete;
+        int& depth;
+    };
 
     Part Condition();
     Part All();
@@ -64,6 +72,8 @@ private:
     FormulaToken Need(std::string_view operation, std::string expected);
     Part Since(std::size_t position, Type type) const { return {type, position, m_end - position}; }
     [[noreturn]] void Expect(std::string expected) const;
+    [[noreturn]] static void Refuse(FormulaError::Kind kind, const FormulaToken& at, std::string expected,
+                                    std::string nearest = {});
 
     std::string_view m_text;
     const FormulaScope& m_scope;

@@ -3,19 +3,13 @@
 #include <algorithm>
 
 #include "qellib10/calc/calc_variable_list.h"
+#include "qellib10/platform/text/trimmed.h"
 
 namespace qel {
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kMissingText = "missing";
 constexpr std::string_view kInvalidText = "invalid";
-
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
 
 Reading Finite(Reading::Kind kind, const Decimal& value) {
     return value.IsFinite() ? Reading{kind, value, false, false, false, false, {}, {}, {}}

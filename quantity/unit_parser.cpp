@@ -1,14 +1,12 @@
 #include "qellib10/quantity/unit_parser.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <utility>
 
 #include "qellib10/platform/text/printable_text.h"
-#include "qellib10/platform/units/unit_library.h"
-#include "qellib10/quantity/library_factors.h"
+#include "qellib10/platform/text/trimmed.h"
 #include "qellib10/quantity/ucum_codes.h"
+#include "qellib10/quantity/unit_characters.h"
 #include "qellib10/quantity/unit_maker.h"
 #include "qellib10/quantity/unit_symbols.h"
 
@@ -18,59 +16,6 @@ namespace {
 constexpr int kDeepest = 30;
 constexpr std::string_view kUcum = "ucum:";
 constexpr const char* kApart = "an exponent follows its number without a blank, as in 5e3; of charges e it is e^3";
-constexpr std::array<std::string_view, 12> kSuperscripts = {"⁰", "¹", "²", "³", "⁴", "⁵", "⁶", "⁷", "⁸", "⁹", "⁻", "⁺"};
-constexpr std::array<std::string_view, 2> kDots = {"·", "⋅"};
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-
-std::string_view Trimmed(std::string_view text) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-    return text;
-}
-
-// The bytes of the character of a name that @p text starts with; 0 if there is none.
-std::size_t NameCharacter(std::string_view text) {
-    if (text.empty()) return 0;
-    const auto first = static_cast<unsigned char>(text[0]);
-    if (first < 0x80) {
-        const bool isLetter = (first >= 'A' && first <= 'Z') || (first >= 'a' && first <= 'z');
-        return isLetter || IsDigit(text[0]) || std::string_view("_%'\"").find(text[0]) != std::string_view::npos ? 1
-                                                                                                                 : 0;
-    }
-    const auto starts = [&](std::string_view sign) { return text.starts_with(sign); };
-    if (std::ranges::any_of(kSuperscripts, starts) || std::ranges::any_of(kDots, starts)) return 0;
-    std::size_t length = 1;
-    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
-    return length;
-}
-
-// Names of numbers that say no basis, in any prefix: "ppmv", "percent".
-bool NeedsBasis(std::string_view name) {
-    std::string folded(name);
-    std::ranges::transform(folded, folded.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c + 32 : c; });
-    return std::ranges::any_of(std::array{"pp", "percent", "%"},
-                               [&](const char* each) { return folded.find(each) != std::string::npos; });
-}
-
-std::string Quoted(std::string_view text) { return '"' + PrintableText(text) + '"'; }
-
-// A double of udunits2 as the decimal number that it was made of: 0.45359237, or 1 by 86400. Doubles have noise in
-// their last digits.
-Decimal WithoutNoise(double value) {
-    constexpr int kSure = 15;
-    DecimalFlags flags;
-    const Decimal all = Decimal::OfDouble(value);
-    return RoundTo(all, all.Magnitude() - kSure + 1, DecimalRounding::kHalfEven, flags).Reduced();
-}
-
-// Where it was made of a longer number, all digits of the double are as good as any.
-Decimal Shortest(double value) {
-    constexpr int kDefined = 12;
-    const Decimal number = WithoutNoise(value);
-    return number.Digits() <= kDefined ? number : Decimal::OfDouble(value);
-}
 
 }  // namespace
 
@@ -94,13 +39,6 @@ std::optional<Unit> UnitParser::Parse(std::string_view text, std::string& error)
         error = refusal.reason;
     }
     return {};
-}
-
-bool UnitParser::StartsWithExponent(std::string_view text) {
-    if (!text.starts_with('e') && !text.starts_with('E')) return false;
-    text = Trimmed(text.substr(1));
-    if (text.starts_with('-') || text.starts_with('+')) text = Trimmed(text.substr(1));
-    return !text.empty() && IsDigit(text.front());
 }
 
 Unit UnitParser::Read(std::string_view text, int depth) {
@@ -185,49 +123,6 @@ Unit UnitParser::Power() {
     return *power;
 }
 
-std::optional<int> UnitParser::Exponent() {
-    if (const std::optional<int> superscript = Superscript()) return superscript;
-    const std::size_t before = m_at;
-    const bool isMarked = Take("^") || Take("**");
-    const bool isNegative = Take("-");
-    if (!isNegative) Take("+");
-    int exponent = 0;
-    const char* const first = m_text.data() + m_at;
-    const auto [end, fault] = std::from_chars(first, m_text.data() + m_text.size(), exponent);
-    if (end == first || *first == '-') {
-        if (isMarked) RefuseHere();
-        m_at = before;  // a minus before a name multiplies
-        return {};
-    }
-    if (fault != std::errc() || exponent > UnitValue::kMostPower)
-        throw Refusal{Quoted(m_text) + " is out of the range of units"};
-    m_at += static_cast<std::size_t>(end - first);
-    return isNegative ? -exponent : exponent;
-}
-
-std::optional<int> UnitParser::Superscript() {
-    int exponent = 0, digits = 0;
-    bool isNegative = false;
-    std::size_t taken = 0;
-    for (;; ++taken) {
-        const auto sign =
-            std::ranges::find_if(kSuperscripts, [&](std::string_view s) { return Rest().starts_with(s); });
-        if (sign == kSuperscripts.end()) break;
-        m_at += sign->size();
-        const auto digit = static_cast<int>(sign - kSuperscripts.begin());
-        if (digit >= 10 && taken > 0) RefuseHere();
-        if (digit >= 10) {
-            isNegative = digit == 10;
-            continue;
-        }
-        exponent = exponent * 10 + digit;
-        if (++digits > 3) throw Refusal{Quoted(m_text) + " is out of the range of units"};
-    }
-    if (taken == 0) return {};
-    if (digits == 0) RefuseHere();
-    return isNegative ? -exponent : exponent;
-}
-
 Unit UnitParser::Atom() {
     if (Take("(")) {
         if (++m_depth > kDeepest) throw Refusal{"the unit is nested too deeply"};
@@ -238,42 +133,6 @@ Unit UnitParser::Atom() {
     }
     if (m_at < m_text.size() && IsDigit(m_text[m_at])) return Number();
     return Name();
-}
-
-std::optional<Decimal> UnitParser::ReadNumber() {
-    const std::size_t start = m_at;
-    const auto skipDigits = [this] {
-        while (m_at < m_text.size() && IsDigit(m_text[m_at])) ++m_at;
-    };
-    const auto isDigitAt = [this](std::size_t at) { return at < m_text.size() && IsDigit(m_text[at]); };
-    skipDigits();
-    if (m_at == start) return {};
-    if (Rest().starts_with('.') && isDigitAt(m_at + 1)) {
-        ++m_at;
-        skipDigits();
-    }
-    if (Rest().starts_with('e') || Rest().starts_with('E')) {
-        const bool isSigned = m_at + 1 < m_text.size() && (m_text[m_at + 1] == '-' || m_text[m_at + 1] == '+');
-        if (isDigitAt(m_at + (isSigned ? 2 : 1))) {
-            m_at += isSigned ? 2 : 1;
-            skipDigits();
-        }
-    }
-    DecimalFlags flags;
-    const Decimal number = Decimal::OfText(m_text.substr(start, m_at - start), flags);
-    if (!number.IsFinite() || flags.isInexact || flags.isTooSmall)
-        throw Refusal{Quoted(m_text) + ": its number has too many digits"};
-    return number.Reduced();
-}
-
-Unit UnitParser::Number() {
-    const std::optional<Decimal> number = ReadNumber();
-    if (!number || number->IsZero()) throw Refusal{Quoted(m_text) + ": a unit is not 0"};
-    if (*number == Decimal(1)) return {};
-    const Unit unit = UnitMaker::Number(*number);
-    // It has to be in range by itself.
-    if (!MultiplyValues(UnitValue(), unit.Value())) throw Refusal{Quoted(m_text) + " is out of the range of units"};
-    return unit;
 }
 
 // "(m/m)", also after blanks, and there without its brackets: "% w/w" is no percent times metre per metre.
@@ -304,72 +163,6 @@ Unit UnitParser::Name() {
     std::string name(m_text.substr(start, m_at - start));
     if (name == "%" || name == "ppm" || name == "ppb") name += Basis();
     return Meaning(name, m_depth);
-}
-
-Unit UnitParser::Meaning(std::string_view name, int depth) {
-    if (const std::optional<BaseUnit> base = FindBaseUnit(name))
-        return UnitMaker::Named(std::string(name), ValueOf(*base));
-    const auto symbols = UnitSymbols();
-    const auto found = std::ranges::find(symbols, name, &UnitSymbol::symbol);
-    if (found != symbols.end()) return Named(name, found->definition, "1", found->isExact, depth);
-    for (const UnitPrefix& prefix : UnitPrefixes()) {
-        if (!name.starts_with(prefix.symbol)) continue;
-        const auto root = std::ranges::find_if(symbols, [&](const UnitSymbol& each) {
-            return each.Takes(prefix.symbol) && each.symbol == name.substr(prefix.symbol.size());
-        });
-        if (root != symbols.end()) return Named(name, root->definition, prefix.factor, root->isExact, depth);
-    }
-    return OfLibrary(name);
-}
-
-Unit UnitParser::Named(std::string_view name, std::string_view definition, std::string_view factor, bool isExact,
-                       int depth) {
-    const Unit unit = Read(definition, depth + 1);
-    DecimalFlags flags;
-    UnitValue scale;
-    scale.numerator = Decimal::OfText(factor, flags);
-    std::optional<UnitValue> value = MultiplyValues(unit.Value(), scale);
-    if (!value) throw Refusal{Quoted(name) + " is out of the range of units"};
-    value->isExact = value->isExact && isExact;
-    return UnitMaker::Named(std::string(name), *value, unit.Offset());
-}
-
-Unit UnitParser::OfLibrary(std::string_view name) {
-    if (NeedsBasis(name)) throw Refusal{Quoted(name) + " needs a basis, as in %(m/m), ppm(v/v) or ppb(n/n)"};
-    LibraryUnit found;
-    switch (FindLibraryUnit(name, found)) {
-        case LibraryAnswer::kFound:
-            break;
-        case LibraryAnswer::kUnknown:
-            throw Refusal{Quoted(name) + " is not a unit that is known"};
-        case LibraryAnswer::kNoFactor:
-            throw Refusal{Quoted(name) + " is not converted by a factor"};
-        case LibraryAnswer::kMissing:
-            throw Refusal{Quoted(name) + " is not a unit that is known without udunits2, which is not installed"};
-    }
-    std::optional<UnitValue> value = UnitValue();
-    for (std::size_t i = 0; i < kLibraryUnits; ++i) {
-        if (std::abs(found.powers[i]) > UnitValue::kMostPower)
-            throw Refusal{Quoted(name) + " is out of the range of units"};
-        value->powers[i] = static_cast<std::int8_t>(found.powers[i]);
-    }
-    if (const auto factor = DefinedFactor(WithoutNoise(found.scale))) {
-        value->numerator = factor->value;
-        value->denominator = factor->divisor;
-        value->isExact = factor->isExact;
-    } else if (const auto divisor = DefinedFactor(WithoutNoise(1.0 / found.scale))) {
-        value->numerator = divisor->divisor;
-        value->denominator = divisor->value;
-        value->isExact = divisor->isExact;
-    } else {
-        value->numerator = Shortest(found.scale);
-        value->isExact = false;
-    }
-    const Decimal offset = WithoutNoise(found.offset);
-    value = MultiplyValues(*value, UnitValue());
-    if (!value) throw Refusal{Quoted(name) + " is out of the range of units"};
-    value->ratios = kRatioOfNothing;
-    return UnitMaker::Named(std::string(name), *value, offset);
 }
 
 }  // namespace qel
