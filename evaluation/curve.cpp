@@ -92,8 +92,10 @@ std::shared_ptr<const CurveData> DataOf(std::span<const CurvePoint> points, cons
     const Merged merged = Merge(points, order, options.repeats);
     const MergedPoints& all = merged.points;
     if (all.x.size() < kFewestPoints) {
-        return RefusedData(CurveRefusal::kTooFewPoints, "a curve needs at least " + std::to_string(kFewestPoints) +
-                                                            " points, there are " + std::to_string(all.x.size()));
+        auto data = RefusedData(CurveRefusal::kTooFewPoints, "a curve needs at least " + std::to_string(kFewestPoints) +
+                                                                 " points, there are " + std::to_string(all.x.size()));
+        data->given.assign(points.begin(), points.end());
+        return data;
     }
     for (std::size_t i = 1; i < all.x.size(); ++i) {
         if (all.x[i] - all.x[i - 1] < kClosest) {

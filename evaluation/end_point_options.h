@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
+#include "qellib10/curve/end_point.h"
 #include "qellib10/evaluation/curve_result.h"
 
 namespace qel {
@@ -9,7 +11,8 @@ namespace qel {
 /// How the end point of a titration is found.
 enum class EndPointMethod {
     /// The steepest place, by fits of many lengths; refused wherever strays or noise leave it open: qel::FindEndPoint.
-    /// The safest method, and the one to take without a reason for another. Points of CurveOptions play no part.
+    /// The safest method, and the one to take without a reason for another. Points of CurveOptions play no part, and 5
+    /// different x are enough.
     kSteepest,
     /// The largest slope: where the second derivative of the local polynomial around the steepest point is 0.
     kFirstDerivative,
@@ -19,16 +22,14 @@ enum class EndPointMethod {
     /// Where the curve comes to a fixed signal, as an acid number is titrated to pH 10.
     kFixedValue,
     /// Where the curve crosses the line in the middle between two parallel tangents, one through the readings before
-    /// the
-    /// step and one through those after it; their common slope is that of the least squares.
+    /// the step and one through those after it; their common slope is that of the least squares.
     kTangents,
     /// The intersection of two straight lines, through readings before and after the bend: conductometric, photometric
     /// and thermometric titrations.
     kLines,
     /// Gran (Analyst 77 (1952) 661): what is left of an ion in all of the volume is proportional to the volume that is
     /// still missing, so a straight line through 10^signal times the volume ends at the equivalence point. Readings
-    /// near
-    /// the step are not needed. Each counts by its relative noise.
+    /// near the step are not needed. Each counts by its relative noise.
     kGran
 };
 
@@ -54,6 +55,7 @@ struct EndPointOptions {
 /// curves show.
 struct CurveEndPoint : CurveResult {
     double signal = 0;
+    std::optional<EndPoint> steepest = {};  ///< of kSteepest: how it was found
 };
 
 /// The shape of a whole curve. w is a width, which shows how sharp the step is.

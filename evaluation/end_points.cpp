@@ -48,7 +48,8 @@ CurveEndPoint SteepestEndPoint(const CurveData& data, const EndPointOptions& opt
         found.value = located.endPoint.volume;
         found.signal = located.endPoint.signal;
         found.uncertainty = std::hypot(located.error, kShapeInterval * located.interval / std::sqrt(3.0));
-        found.degreesOfFreedom = data.noiseDegrees;
+        found.degreesOfFreedom = data.refusal == CurveRefusal::kNone ? data.noiseDegrees : 1;
+        found.steepest = located.endPoint;
         return found;
     } catch (const DataError& refusal) {
         return RefusedEndPoint(CurveRefusal::kUncertain, refusal.what());
@@ -56,7 +57,10 @@ CurveEndPoint SteepestEndPoint(const CurveData& data, const EndPointOptions& opt
 }
 
 CurveEndPoint Curve::EndPointBy(const EndPointOptions& options) const {
-    if (m_data->refusal != CurveRefusal::kNone) return RefusedEndPoint(m_data->refusal, m_data->reason);
+    const bool isForSteepest =  // which takes fewer points than the others
+        m_data->refusal == CurveRefusal::kTooFewPoints && options.method == EndPointMethod::kSteepest;
+    if (m_data->refusal != CurveRefusal::kNone && !isForSteepest)
+        return RefusedEndPoint(m_data->refusal, m_data->reason);
     if (std::string fault = Fault(options); !fault.empty())
         return RefusedEndPoint(CurveRefusal::kArgument, std::move(fault));
     switch (options.method) {

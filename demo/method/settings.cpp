@@ -5,7 +5,6 @@
 
 #include <qellib10/qellib10.h>
 
-#include "demo/method/uncertainties.h"
 #include "demo/support/failure.h"
 #include "demo/support/number.h"
 
@@ -146,6 +145,8 @@ Settings ParseSettings(const Method& method) {
     });
     ReadNamed(method, kUncertainties, settings, [&](const std::string& name, const std::string& text) {
         settings.uncertainties.push_back({name, ReadUncertainties(text)});
+        if (settings.uncertainties.back().stated.hasThatOfCurve && name != settings.endPoint)
+            throw Failure("only the end point, " + settings.endPoint + ", has an uncertainty by the curve");
     });
     settings.low = items.Optional("limits", "low", Number);
     settings.high = items.Optional("limits", "high", Number);

@@ -7,6 +7,7 @@
 #include <qellib10/quantity.h>
 
 #include "demo/method/method.h"
+#include "demo/method/uncertainties.h"
 
 namespace titration {
 
@@ -21,7 +22,7 @@ struct NamedUnit {
 
 struct NamedUncertainty {
     std::string name;
-    std::vector<qel::UncertaintyComponent> components;
+    Uncertainties stated;
 };
 
 /// A method with its numbers read.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include <qellib10/qellib10.h>
 
@@ -14,7 +15,7 @@ namespace {
 
 using Component = qel::UncertaintyComponent;
 
-constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kBlanks = " \t", kOfCurve = "curve";
 
 // Takes the text up to @p end, or all of it, without blanks around it.
 std::string_view Take(std::string_view& rest, std::string_view end) {
@@ -48,19 +49,21 @@ std::optional<Component> ComponentOf(std::string_view text) {
 
 }  // namespace
 
-std::vector<Component> ReadUncertainties(const std::string& text) {
-    std::vector<Component> components;
+Uncertainties ReadUncertainties(const std::string& text) {
+    Uncertainties read;
     std::string_view rest = text;
     do {
         const std::string_view one = Take(rest, ";");
+        if (one == kOfCurve && !std::exchange(read.hasThatOfCurve, true)) continue;
         const std::optional<Component> component = ComponentOf(one);
         if (!component)
             throw Failure("\"" + std::string(one) +
                           "\" is not an uncertainty; expected one like \"rectangular 0.03, burette\", with standard, "
-                          "rectangular, triangular, certificate (0.002 k 2) or readings (0.012 n 10)");
-        components.push_back(*component);
+                          "rectangular, triangular, certificate (0.002 k 2) or readings (0.012 n 10), or once "
+                          "\"curve\" for the end point");
+        read.components.push_back(*component);
     } while (!rest.empty());
-    return components;
+    return read;
 }
 
 }  // namespace titration

@@ -52,9 +52,9 @@ std::vector<std::string> UsedNames(const CCalcVariableList& list) {
     return names;
 }
 
-Result Compute(const Settings& settings, const CCalcVariableList& variables) {
+Result Compute(const Settings& settings, const qel::CurveResult& endPoint) {
     CQWCalc calculator;
-    calculator.SetCalcVarList(variables);
+    calculator.SetCalcVarList(Variables(settings, *endPoint.value));
     const CString formula = Text(settings.formula);
     if (calculator.CheckCalcFormula(Text(settings.name), formula) == 0) throw Refusal(settings.formula);
     double value = 0;
@@ -66,7 +66,7 @@ Result Compute(const Settings& settings, const CCalcVariableList& variables) {
     result.computed = value;
     result.value = CQVariant::fround(value, settings.digits, 0);
     result.variables = calculator.GetCalcVarList();
-    result.trace = TraceOf(settings, result.variables);
+    result.trace = TraceOf(settings, result.variables, endPoint);
     result.used = UsedNames(result.variables);
     result.name = settings.name;
     result.text = CQVariant::DoubleToStr(result.value, settings.digits, 0);
@@ -79,8 +79,8 @@ Result Compute(const Settings& settings, const CCalcVariableList& variables) {
 
 std::string Shown(const Result& result) { return result.name + " = " + result.text + " " + result.unit; }
 
-Result Calculate(const Settings& settings, double endPointVolume) {
-    return About(settings.formulaPlace, [&] { return Compute(settings, Variables(settings, endPointVolume)); });
+Result Calculate(const Settings& settings, const qel::CurveResult& endPoint) {
+    return About(settings.formulaPlace, [&] { return Compute(settings, endPoint); });
 }
 
 }  // namespace titration

@@ -25,8 +25,9 @@ struct Result {
 std::string Shown(const Result& result);
 
 /// Computes the settings' formula with their variables and the end point's volume.
+/// @param endPoint its value is the volume, and its uncertainty that of the curve
 /// @throws Failure if the formula is wrong, divides by zero or gives no number that can be written, and if two names
 /// differ only in letter case or the unit is unknown
-Result Calculate(const Settings& settings, double endPointVolume);
+Result Calculate(const Settings& settings, const qel::CurveResult& endPoint);
 
 }  // namespace titration

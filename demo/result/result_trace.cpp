@@ -12,7 +12,15 @@ namespace {
 constexpr double kHalf = 0.501;             // what is rounded up, in units of the last place
 constexpr double kBinaryPrecision = 1e-12;  // relative, of a result in doubles
 
-qel::CalculationInput InputOf(const Settings& settings, const std::string& name, const qel::Reading& reading) {
+qel::UncertaintyComponent OfCurve(const qel::CurveResult& endPoint) {
+    const auto component =
+        qel::UncertaintyComponent::Standard(endPoint.uncertainty, "curve", endPoint.degreesOfFreedom);
+    if (!component) throw Failure("the end point's uncertainty by the curve is not a number");
+    return *component;
+}
+
+qel::CalculationInput InputOf(const Settings& settings, const std::string& name, const qel::Reading& reading,
+                              const qel::CurveResult& endPoint) {
     qel::CalculationInput input;
     input.name = name;
     input.reading = reading;
@@ -20,7 +28,9 @@ qel::CalculationInput InputOf(const Settings& settings, const std::string& name,
     const auto unit = std::ranges::find(settings.units, name, &NamedUnit::name);
     if (unit != settings.units.end()) input.unit = unit->unit;
     const auto given = std::ranges::find(settings.uncertainties, name, &NamedUncertainty::name);
-    if (given != settings.uncertainties.end()) input.components = given->components;
+    if (given == settings.uncertainties.end()) return input;
+    input.components = given->stated.components;
+    if (given->stated.hasThatOfCurve) input.components.push_back(OfCurve(endPoint));
     return input;
 }
 
@@ -35,7 +45,8 @@ std::optional<qel::ResultLimits> LimitsOf(const Settings& settings) {
 }
 
 // Without units of inputs that of the result is only shown; with them it is checked, and converted to.
-qel::Calculation CalculationOf(const Settings& settings, const CCalcVariableList& variables) {
+qel::Calculation CalculationOf(const Settings& settings, const CCalcVariableList& variables,
+                               const qel::CurveResult& endPoint) {
     qel::Calculation calculation;
     calculation.result = {settings.name, settings.formula, settings.unit};
     calculation.isKept = true;
@@ -46,7 +57,7 @@ qel::Calculation CalculationOf(const Settings& settings, const CCalcVariableList
     for (int i = 0; variables.GetVariableData(i, &variable) != 0; ++i) {
         if (variable.m_nUse == 0) continue;
         calculation.inputs.push_back(
-            InputOf(settings, std::string(variable.m_szName), readings->at(static_cast<std::size_t>(i))));
+            InputOf(settings, std::string(variable.m_szName), readings->at(static_cast<std::size_t>(i)), endPoint));
     }
     return calculation;
 }
@@ -63,8 +74,8 @@ bool HasUnits(const qel::Calculation& calculation) {
 
 }  // namespace
 
-qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables) {
-    return qel::Trace::Of(CalculationOf(settings, variables));
+qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables, const qel::CurveResult& endPoint) {
+    return qel::Trace::Of(CalculationOf(settings, variables, endPoint));
 }
 
 std::string RoundingRemark(const Result& result) {

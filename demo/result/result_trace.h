@@ -14,7 +14,8 @@ struct Result;
 /// Computes a result a second time, in decimal numbers, from the values that the first computation has used: with each
 /// step, the rule of rounding, and the uncertainty. What went wrong is in Trace::Fault.
 /// @param variables with those used marked; rounded, where the list rounds them
-qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables);
+/// @param endPoint whose uncertainty is used where the settings name it
+qel::Trace TraceOf(const Settings& settings, const CCalcVariableList& variables, const qel::CurveResult& endPoint);
 
 /// The result is rounded as a binary number, which counts what is below a half by up to a thousandth of its last place
 /// as the half. So it may differ from the rounded value of its trace; the result is what counts.

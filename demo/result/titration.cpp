@@ -5,12 +5,12 @@
 namespace titration {
 namespace {
 
-qel::EndPoint EndPointOf(const Curve& curve) {
-    try {
-        return qel::FindEndPoint(curve);
-    } catch (const qel::DataError& refusal) {
-        throw Failure(refusal.what());
-    }
+qel::CurveEndPoint EndPointOf(const Curve& curve) {
+    std::vector<qel::CurvePoint> readings;
+    for (std::size_t i = 0; i < curve.volume.size(); ++i) readings.push_back({curve.volume[i], curve.signal[i]});
+    qel::CurveEndPoint found = qel::Curve::Of(readings).EndPointBy({});
+    if (!found) throw Failure(found.reason);
+    return found;
 }
 
 }  // namespace
@@ -23,8 +23,9 @@ Titration EvaluateTitration(const std::string& methodName, const Method& method,
     result.settings = About(methodName, [&] { return ParseSettings(method); });
     result.curve = About(
         dataName, [&] { return ReadCurve(data, result.settings.volumeColumn, result.settings.signalColumn, table); });
-    result.endPoint = About(dataName, [&] { return EndPointOf(result.curve); });
-    result.result = About(methodName, [&] { return Calculate(result.settings, result.endPoint.volume); });
+    const qel::CurveEndPoint found = About(dataName, [&] { return EndPointOf(result.curve); });
+    result.endPoint = *found.steepest;
+    result.result = About(methodName, [&] { return Calculate(result.settings, found); });
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include <qellib10/qellib10.h>
+#include <qellib10/quantity.h>
 
 #include "demo/curve/csv_table.h"
 #include "demo/method/settings.h"

@@ -8,15 +8,17 @@ TEST_F(Titration, UncertaintiesOfAMethodAreInTheTrace) {
              {"certificate 0.3 k 3", "± 0.20 mL (k = 2)"},
              {"readings 0.3 n 4", "± 0.50 mL (k = 3.307)"},
              {"standard 0.3, burette ;  standard 0.4", "± 1.0 mL (k = 2)"},
+             {"curve", "± 0.027 mL (k = 2.284)"},
+             {"standard 0.3; curve", "± 0.60 mL (k = 2)"},
          }) {
         std::filesystem::remove_all(m_folder.Posix("results"));
         const Outcome run = Run(Curve(100), Settings("EP", "[uncertainties]\nep = " + text + "\n"));
         EXPECT_NE(run.out.find(expected), std::string::npos) << text << run.out << run.err;
         EXPECT_EQ(Run("--verify --out results/first").status, 0) << "the method is read again";
     }
-    for (const char* text :
-         {"", "0.3", "normal 0.3", "standard", "standard x", "standard -1", "standard 1 mL", "certificate 0.3",
-          "certificate 0.3 k 0", "readings 0.3 n 1", "readings 0.3 k 2", "standard 0.3,burette", "standard 1; "}) {
+    for (const char* text : {"", "0.3", "normal 0.3", "standard", "standard x", "standard -1", "standard 1 mL",
+                             "certificate 0.3", "certificate 0.3 k 0", "readings 0.3 n 1", "readings 0.3 k 2",
+                             "standard 0.3,burette", "curve; curve", "standard 1; "}) {
         const Outcome run = Run(Curve(100), Settings("EP", std::string("[uncertainties]\nEP = ") + text + "\n"));
         const bool isRight = std::string(text) == "standard 1; ";
         EXPECT_EQ(run.err.find("settings.ini: line 11, [uncertainties] EP: \"") == 0, !isRight) << text << run.err;

@@ -84,6 +84,9 @@ TEST(EndPointBy, SteepestIsThatOfFindEndPoint) {
     ASSERT_TRUE(found) << found.reason;
     EXPECT_NEAR(*found.value, kPlace, 0.01);
     EXPECT_NEAR(found.signal, 7, 0.1);
+    EXPECT_EQ(found.steepest.value().volume, *found.value);
+    const qel::CurveEndPoint few = Curve::Of(Points{{1, 2}, {2, 2.1}, {3, 5}, {4, 7.9}, {5, 8}}).EndPointBy({});
+    EXPECT_EQ(few.refusal, qel::CurveRefusal::kUncertain) << "by its noise, not its 5 points: " << few.reason;
 }
 
 TEST(EndPointBy, EachMethodCoversTheTruth) {
