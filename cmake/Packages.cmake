@@ -94,6 +94,8 @@ endif()
 qellib10_library_package(qellib10-graphics graphics libqellib10-graphics${major} libs "${summary} - graphics"
   "Drawing, printing, print jobs and measurement curves, for applications built\nwith it."
   "libqellib10-core${major} (= ${version})")
+# Texts of charts and reports, Latin and Japanese.
+set(CPACK_DEBIAN_GRAPHICS_PACKAGE_RECOMMENDS "fonts-liberation2, fonts-ipafont-gothic")
 qellib10_package(graphics-development libqellib10-graphics-dev libdevel "${summary} - graphics headers"
   "What applications that draw and print are built with, beside\nlibqellib10-core-dev."
   "libqellib10-graphics${major} (= ${version}), libqellib10-core-dev (= ${version})")

@@ -27,8 +27,8 @@ struct QELLIB10_API ChartTheme {
     std::vector<COLORREF> palette;
     bool hasDashes = false;  ///< series without a dash differ in it too, else only when the palette is used up
 
-    /// Fonts in the order in which they are asked for a character; at most 31 bytes.
-    std::string face = "Liberation Sans,IPAPGothic";
+    /// Fonts in the order in which they are asked for a character; at most 31 bytes. Sans is what the machine has.
+    std::string face = "Liberation Sans,IPAPGothic,Sans";
     double titleSize = 13;
     double subtitleSize = 9.5;
     double axisTitleSize = 9.5;
