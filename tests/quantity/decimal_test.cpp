@@ -8,23 +8,13 @@
 #include <random>
 
 #include "../support/test.h"
+#include "decimal_words.h"
 #include "qellib10/platform/decimal/decimal_functions.h"
 
 namespace {
 
 using qel::Decimal;
 using qel::DecimalFlags;
-
-Decimal Of(const std::string& text) {
-    DecimalFlags ignored;
-    return Decimal::OfText(text, ignored);
-}
-
-std::string Shown(const DecimalFlags& flags) {
-    return std::string(flags.isInexact ? " inexact" : "") + (flags.isInvalid ? " invalid" : "") +
-           (flags.isDividedByZero ? " by zero" : "") + (flags.isTooLarge ? " large" : "") +
-           (flags.isTooSmall ? " small" : "");
-}
 
 // 160 digits decide about 34 in all of these cases.
 constexpr mpfr_prec_t kBits = 550;
@@ -43,7 +33,7 @@ struct Precise {
         std::array<char, 80> text;
         mpfr_snprintf(text.data(), text.size(), "%.33Re", number);
         std::ranges::replace(text, ',', '.');  // of the locale
-        return Of(text.data()).Reduced().Text();
+        return DecimalOf(text.data()).Reduced().Text();
     }
     mpfr_t number;
 };
@@ -54,7 +44,7 @@ Decimal RandomDecimal(std::mt19937_64& random, int leastExponent, int mostExpone
     for (int i = 0; i < digits; ++i) text += static_cast<char>('0' + random() % 10);
     const int span = mostExponent - leastExponent + 1;
     const int exponent = leastExponent + static_cast<int>(random() % static_cast<unsigned>(span)) - digits;
-    return Of(text + "e" + std::to_string(exponent));
+    return DecimalOf(text + "e" + std::to_string(exponent));
 }
 
 }  // namespace
@@ -79,8 +69,8 @@ TEST(Decimal, OperationsAreExactOrSaySo) {
              {qel::Remainder, "1e40", "3", "NaN invalid"},
          }) {
         DecimalFlags flags;
-        const std::string text = operation(Of(a), Of(b), flags).Text();
-        EXPECT_EQ(text + Shown(flags), expected) << a << " " << b;
+        const std::string text = operation(DecimalOf(a), DecimalOf(b), flags).Text();
+        EXPECT_EQ(text + Words(flags), expected) << a << " " << b;
     }
 }
 
@@ -102,7 +92,7 @@ TEST(Decimal, TextsAreReadAndWrittenWithAllDigits) {
          }) {
         DecimalFlags flags;
         const Decimal value = Decimal::OfText(text, flags);
-        EXPECT_EQ(value.Text() + Shown(flags), expected) << text;
+        EXPECT_EQ(value.Text() + Words(flags), expected) << text;
         EXPECT_EQ(value.PlainText(), plain) << text;
     }
 }
@@ -113,15 +103,16 @@ TEST(Decimal, ADoubleEntersAsItsShortestTextAndComesBack) {
     EXPECT_EQ(Decimal::OfDouble(0.1).Text(), "0.1");
     EXPECT_EQ(Decimal::OfDouble(INFINITY).Text(), "Infinity");
     EXPECT_TRUE(Decimal::OfDouble(NAN).IsNan());
-    EXPECT_EQ(Of("1e400").ToDouble(), HUGE_VAL);
-    EXPECT_EQ(Of("-1e-400").ToDouble(), 0.0);
+    EXPECT_EQ(DecimalOf("1e400").ToDouble(), HUGE_VAL);
+    EXPECT_EQ(DecimalOf("-1e-400").ToDouble(), 0.0);
 }
 
 TEST(Decimal, IsComparedByValue) {
-    EXPECT_EQ(Of("1.20"), Of("1.2"));
-    EXPECT_LT(Of("-Infinity"), Of("-1e6000"));
-    EXPECT_FALSE(Of("NaN") == Of("NaN"));
-    EXPECT_EQ(Line({Of("1e2").IsInteger(), Of("1.00").IsInteger(), Of("1.5").IsInteger(), Of("NaN").IsInteger()}),
+    EXPECT_EQ(DecimalOf("1.20"), DecimalOf("1.2"));
+    EXPECT_LT(DecimalOf("-Infinity"), DecimalOf("-1e6000"));
+    EXPECT_FALSE(DecimalOf("NaN") == DecimalOf("NaN"));
+    EXPECT_EQ(Line({DecimalOf("1e2").IsInteger(), DecimalOf("1.00").IsInteger(), DecimalOf("1.5").IsInteger(),
+                    DecimalOf("NaN").IsInteger()}),
               "1 1 0 0");
 }
 
@@ -165,8 +156,8 @@ TEST(DecimalFunctions, AreExactWhereTheResultIs) {
              {"1", "12345678901", "1"},
          }) {
         DecimalFlags flags;
-        const std::string text = Power(Of(base), Of(exponent), flags).Reduced().Text();
-        EXPECT_EQ(text + Shown(flags), expected) << base << "^" << exponent;
+        const std::string text = Power(DecimalOf(base), DecimalOf(exponent), flags).Reduced().Text();
+        EXPECT_EQ(text + Words(flags), expected) << base << "^" << exponent;
     }
     using Function = Decimal (*)(const Decimal&, DecimalFlags&);
     for (const auto& [function, argument, expected] : Cases<Function, const char*, const char*>{
@@ -179,7 +170,7 @@ TEST(DecimalFunctions, AreExactWhereTheResultIs) {
              {qel::Exponential, "1e5", "Infinity inexact large"},
          }) {
         DecimalFlags flags;
-        const std::string text = function(Of(argument), flags).Text();
-        EXPECT_EQ(text + Shown(flags), expected) << argument;
+        const std::string text = function(DecimalOf(argument), flags).Text();
+        EXPECT_EQ(text + Words(flags), expected) << argument;
     }
 }

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "../support/test.h"
+#include "decimal_words.h"
 #include "qellib10/quantity.h"
 
 namespace {
@@ -75,11 +76,6 @@ Table RowsWith(const std::vector<std::string>& columns) {
 std::string At(const Row& row, const std::string& column) {
     const auto found = row.find(column);
     return found != row.end() ? found->second : "";
-}
-
-Decimal Number(const std::string& text) {
-    qel::DecimalFlags ignored;
-    return Decimal::OfText(text, ignored);
 }
 
 struct Variables {
@@ -153,7 +149,7 @@ std::string Rounded(const Row& row, std::string how, const Decimal& value, const
     return rule ? rule->Round(value).rounded.Text() : "";
 }
 std::string Rounded(const Row& row, const std::string& how) {
-    return Rounded(row, how, Number(At(row, "Value")), At(row, "To"));
+    return Rounded(row, how, DecimalOf(At(row, "Value")), At(row, "To"));
 }
 
 // Ways of rounding that the library does not have, made of those that it has.
@@ -163,9 +159,9 @@ bool IsNegative(const Row& row) { return At(row, "Value").front() == '-'; }
 
 bool IsHalf(const Row& row) {
     qel::DecimalFlags flags;
-    const Decimal value = Number(At(row, "Value")), below = Number(At(row, "Truncation"));
+    const Decimal value = DecimalOf(At(row, "Value")), below = DecimalOf(At(row, "Truncation"));
     return below.IsFinite() && below != value &&
-           Add(value, value, flags) == Add(below, Number(At(row, "Away from zero")), flags);
+           Add(value, value, flags) == Add(below, DecimalOf(At(row, "Away from zero")), flags);
 }
 
 // Of a half: away from zero, or toward zero.
@@ -182,7 +178,7 @@ const std::map<std::string, WrongWay> kWrongWays = {
     {"half odd", [](const Row& row, auto) { return OfHalf(row, At(row, "Half even") == At(row, "Truncation")); }},
     {"in binary",
      [](const Row& row, const std::string& how) {
-         return Rounded(row, how, Decimal::OfDouble(Number(At(row, "Value")).ToDouble()), At(row, "To"));
+         return Rounded(row, how, Decimal::OfDouble(DecimalOf(At(row, "Value")).ToDouble()), At(row, "To"));
      }},
 };
 
@@ -192,8 +188,8 @@ std::string RoundedTwice(const Row& row, const std::string& how) {
     int places = 0;
     if (!(to >> places) || At(row, "To").find("decimal") == std::string::npos) return At(row, how);
     const std::string first =
-        Rounded(row, how, Number(At(row, "Value")), std::to_string(places + 1) + " decimal places");
-    return Rounded(row, how, Number(first), At(row, "To"));
+        Rounded(row, how, DecimalOf(At(row, "Value")), std::to_string(places + 1) + " decimal places");
+    return Rounded(row, how, DecimalOf(first), At(row, "To"));
 }
 
 }  // namespace

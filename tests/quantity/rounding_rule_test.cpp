@@ -1,42 +1,28 @@
 #include "qellib10/quantity/rounding_rule.h"
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <sstream>
 
+#include "../support/output_of.h"
 #include "../support/soak.h"
 #include "../support/test.h"
+#include "decimal_words.h"
 
-namespace {
-
-using qel::Decimal;
 using qel::DecimalRounding;
 using qel::RoundingRule;
 
-Decimal Of(const std::string& text) {
-    qel::DecimalFlags ignored;
-    return Decimal::OfText(text, ignored);
-}
-
-}  // namespace
-
 TEST(RoundingRule, RoundsAsPythonsDecimalDoes) {
     const int count = SoakCount(20'000);
-    const std::string command = QELLIB10_TEST_DATA "/../quantity/rounded_by_decimal " + std::to_string(count) + " " +
-                                std::to_string(SoakSeed());
-    const std::unique_ptr<FILE, int (*)(FILE*)> lines(::popen(command.c_str(), "r"), ::pclose);
-    ASSERT_TRUE(lines);
+    std::istringstream lines(OutputOf(QELLIB10_TEST_DATA "/../quantity/rounded_by_decimal " + std::to_string(count) +
+                                      " " + std::to_string(SoakSeed())));
     int tried = 0;
-    std::array<char, 256> line;
-    for (; std::fgets(line.data(), static_cast<int>(line.size()), lines.get()) != nullptr && !HasFailure(); ++tried) {
-        std::istringstream fields(line.data());
+    for (std::string line; std::getline(lines, line) && !HasFailure(); ++tried) {
+        std::istringstream fields(line);
         std::string name, value, expected;
         std::getline(fields, name, '\t');
         fields >> value >> expected;
         const std::optional<RoundingRule> rule = RoundingRule::OfName(name);
         ASSERT_TRUE(rule) << name;
-        EXPECT_EQ(rule->Round(Of(value)).rounded.Text(), expected) << name << ": " << value;
+        EXPECT_EQ(rule->Round(DecimalOf(value)).rounded.Text(), expected) << name << ": " << value;
     }
     EXPECT_EQ(tried, count);
     Tried("roundings", tried);
@@ -52,15 +38,15 @@ TEST(RoundingRule, TakesThePlaceOfTheUncertainty) {
              {"1.5", "0.1", 3, "NaN"},
          }) {
         const RoundingRule rule = RoundingRule::ToUncertainty(DecimalRounding::kHalfEven, digits);
-        EXPECT_EQ(rule.Round(Of(value), Of(uncertainty)).rounded.Text(), expected) << value;
+        EXPECT_EQ(rule.Round(DecimalOf(value), DecimalOf(uncertainty)).rounded.Text(), expected) << value;
     }
-    EXPECT_TRUE(RoundingRule::ToUncertainty(DecimalRounding::kHalfEven, 1).Round(Of("1")).rounded.IsNan());
+    EXPECT_TRUE(RoundingRule::ToUncertainty(DecimalRounding::kHalfEven, 1).Round(DecimalOf("1")).rounded.IsNan());
 }
 
 TEST(RoundingRule, HasANameThatIsReadAgain) {
     for (const RoundingRule& rule : {RoundingRule::ToPlaces(DecimalRounding::kHalfEven, -2),
                                      RoundingRule::ToDigits(DecimalRounding::kTowardZero, 34),
-                                     RoundingRule::ToMultiple(DecimalRounding::kAwayFromZero, Of("0.050")),
+                                     RoundingRule::ToMultiple(DecimalRounding::kAwayFromZero, DecimalOf("0.050")),
                                      RoundingRule::ToUncertainty(DecimalRounding::kHalfAwayFromZero, 2)})
         EXPECT_EQ(RoundingRule::OfName(rule.Name()), rule) << rule.Name();
     EXPECT_EQ(RoundingRule::OfName("half even, 1 decimal places")->Name(), "half even, 1 decimal place");
@@ -74,10 +60,10 @@ TEST(RoundingRule, HasANameThatIsReadAgain) {
 
 TEST(LimitComparison, SaysWhatWasCompared) {
     const RoundingRule rule = RoundingRule::ToPlaces(DecimalRounding::kHalfEven, 1);
-    const qel::LimitComparison rounded = CompareRounded(Of("10.04"), Of("10.0"), rule);
+    const qel::LimitComparison rounded = CompareRounded(DecimalOf("10.04"), DecimalOf("10.0"), rule);
     EXPECT_TRUE(rounded.order == 0 && rounded.isRounded);
     EXPECT_EQ(rounded.compared.Text(), "10.0");
-    const qel::LimitComparison unrounded = qel::CompareUnrounded(Of("10.04"), Of("10.0"));
+    const qel::LimitComparison unrounded = qel::CompareUnrounded(DecimalOf("10.04"), DecimalOf("10.0"));
     EXPECT_TRUE(unrounded.order > 0 && !unrounded.isRounded);
-    EXPECT_TRUE(CompareRounded(Of("NaN"), Of("10.0"), rule).order == std::partial_ordering::unordered);
+    EXPECT_TRUE(CompareRounded(DecimalOf("NaN"), DecimalOf("10.0"), rule).order == std::partial_ordering::unordered);
 }
