@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "qellib10/evaluation/end_points.h"
+#include "qellib10/evaluation/following_window.h"
 #include "qellib10/evaluation/local_fit.h"
 
 namespace qel {
@@ -11,6 +12,11 @@ namespace {
 constexpr double kClear = 5;         // standard errors
 constexpr double kSmallMove = 1e-6;  // of the slope
 constexpr double kOfWhole = 3;       // a step is so much steeper than the curve from its first reading to its last
+
+constexpr double kSame = 2;                                      // standard errors of a difference
+constexpr double kLeastOpen = 0.02;                              // of an interval
+constexpr double kOfUneven = 0.1;                                // of the difference between the intervals beside
+constexpr std::size_t kTextbookWindow = 3, kTextbookDegree = 2;  // slopes and second differences of readings
 
 // The steepest point of the range, or why there is none.
 struct Steepest {
@@ -131,17 +137,88 @@ std::optional<Zero> ZeroBetween(const CurveData& data, LocalFit& fit, std::size_
         return bend.y;
     };
     const auto [first, last] = fit.WindowAt(index);
+    // The second difference of three readings belongs to their mean.
+    const auto placeAt = [&](std::size_t i) {
+        return last - first == 3 ? (data.x[i - 1] + data.x[i] + data.x[i + 1]) / 3 : data.x[i];
+    };
     for (std::size_t away = 0; away < last - first; ++away) {
         for (const std::size_t i : {index + away, index - std::min(index, away + 1)}) {
-            if (i < partFirst || i + 1 >= partLast) continue;
+            if (i < partFirst + 1 || i + 2 >= partLast) continue;
             const double before = bendAt(i), after = bendAt(i + 1);
             if (!(before * slope >= 0 && after * slope < 0)) continue;
-            const double t = before / (before - after), interval = data.x[i + 1] - data.x[i];
+            const double t = before / (before - after), interval = placeAt(i + 1) - placeAt(i);
             const double change = std::abs(before - after) / interval;
-            return Zero{i, data.x[i] + t * interval, fit.NoiseOf(i, std::array{1 - t, t}, 2) / change};
+            return Zero{i, placeAt(i) + t * interval, fit.NoiseOf(i, std::array{1 - t, t}, 2) / change};
         }
     }
     return std::nullopt;
+}
+
+double SlopeAfter(const CurveData& data, std::size_t i) {
+    return std::abs((data.y[i + 1] - data.y[i]) / (data.x[i + 1] - data.x[i]));
+}
+
+// The point before the steepest interval within a window of a point.
+std::size_t SteepestInterval(const CurveData& data, std::size_t index, std::size_t window) {
+    const auto [first, last] = data.PartOf(index);
+    std::size_t best = std::max(first, index - std::min(index, window));
+    for (std::size_t i = best; i + 1 < std::min(last, index + window); ++i) {
+        if (SlopeAfter(data, i) > SlopeAfter(data, best)) best = i;
+    }
+    return best;
+}
+
+// The end of an interval beside which the curve is steeper.
+std::size_t SteeperEnd(const CurveData& data, std::size_t before) {
+    const auto [first, last] = data.PartOf(before);
+    if (before <= first || before + 2 >= last) return before;
+    return SlopeAfter(data, before - 1) > SlopeAfter(data, before + 1) ? before : before + 1;
+}
+
+// The standard uncertainty of a place by differences of readings. Where the curve is level beside the steepest
+// interval, all of it is as likely; where it is as steep there, little is open. Uneven steps move it. Made curves show
+// these rules.
+double OpenPart(const CurveData& data, std::size_t steepest, double place) {
+    const auto [first, last] = data.PartOf(steepest);
+    double slopes = 0, lengths[2] = {};
+    for (const auto& [side, i] : {std::pair(0, steepest - 1), std::pair(1, steepest + 1)}) {
+        if (i + 1 <= first || i + 1 >= last) continue;
+        slopes += SlopeAfter(data, i);
+        lengths[side] = data.x[i + 1] - data.x[i];
+    }
+    const double sharpness = std::clamp(1 - slopes / (2 * SlopeAfter(data, steepest)), 0.0, 1.0);
+    const double low = data.x[steepest], high = data.x[steepest + 1];
+    const double length = std::max(high - low, (high - low + lengths[0] + lengths[1]) / 3);
+    return std::hypot(kLeastOpen * length, sharpness * length / std::sqrt(12.0),
+                      (lengths[1] - lengths[0]) * kOfUneven) +
+           std::max({low - place, place - high, 0.0});
+}
+
+// How far the points are apart around the steepest one whose slopes are the same within their noise.
+double SameSlopes(const CurveData& data, const EndPointOptions& options, std::size_t index, double slope) {
+    LocalFit fit(data, options.window, options.degree);
+    const auto [first, last] = data.PartOf(index);
+    // Standard errors that the slope at a point is less steep.
+    const auto lessSteep = [&](std::size_t i) {
+        CurveValue other;
+        if (!fit.At(i, data.x[i], 1, other)) return kClear;
+        std::vector<double> rates(std::max(i, index) - std::min(i, index) + 1);
+        rates.front() = 1;
+        rates.back() -= 1;
+        return (std::abs(slope) - std::copysign(1, slope) * other.y) / fit.NoiseOf(std::min(i, index), rates, 1);
+    };
+    double low = data.x[index], high = low;
+    for (std::size_t i = index; i > first; --i) {
+        const double errors = lessSteep(i - 1);
+        if (errors >= kClear) break;
+        if (errors < kSame) low = data.x[i - 1];
+    }
+    for (std::size_t i = index + 1; i < last; ++i) {
+        const double errors = lessSteep(i);
+        if (errors >= kClear) break;
+        if (errors < kSame) high = data.x[i];
+    }
+    return high - low;
 }
 
 }  // namespace
@@ -150,26 +227,43 @@ CurveEndPoint DerivativeEndPoint(const CurveData& data, const EndPointOptions& o
     const Steepest steepest = FindSteepest(data, options);
     if (steepest.refusal.refusal != CurveRefusal::kNone) return steepest.refusal;
     const bool isFirst = options.method == EndPointMethod::kFirstDerivative;
-    const std::size_t index = steepest.index;
-    const auto zero = [&](std::size_t window, std::size_t degree) {
-        LocalFit fit(data, window, degree);
+    std::size_t index = steepest.index,
+                window = FollowingWindow(data, index - 1, index + 1, options.window, options.degree);
+    std::size_t degree = options.degree, interval = 0;
+    const bool isTextbook = window == 0;
+    if (isTextbook) {
+        interval = SteepestInterval(data, steepest.index, options.window);
+        index = SteeperEnd(data, interval);
+        window = kTextbookWindow;
+        degree = kTextbookDegree;
+    }
+    const auto zero = [&](std::size_t otherWindow, std::size_t otherDegree) {
+        LocalFit fit(data, otherWindow, otherDegree);
         return isFirst ? TopOfSlopes(data, fit, index) : ZeroBetween(data, fit, index, steepest.slope.y);
     };
-    const std::optional<Zero> found = zero(options.window, options.degree);
+    const std::optional<Zero> found = zero(window, degree);
     if (!found) {
         return RefusedEndPoint(CurveRefusal::kNoPlace,
                                "the second derivative has no clear zero near " + NumberInSentence(steepest.slope.x));
     }
     double spread = 0;
-    const std::size_t window0 = options.window, degree0 = options.degree;
-    for (const auto& [window, degree] :
-         {std::pair(std::max(window0, degree0 + 3), degree0 + 2), std::pair(window0 + 2, degree0),
-          std::pair(std::max(window0 - std::min<std::size_t>(window0, 2), degree0 + 1), degree0)}) {
-        const std::optional<Zero> other = zero(window, degree);
+    const auto compare = [&](std::size_t otherWindow, std::size_t otherDegree) {
+        const std::optional<Zero> other = zero(otherWindow, otherDegree);
         if (other) spread = std::max(spread, std::abs(other->place - found->place));
+    };
+    if (isTextbook) {
+        spread = OpenPart(data, interval, found->place);
+    } else {
+        compare(std::max(window, degree + 3), degree + 2);
+        compare(window + 2, degree);
+        if (window > degree + 2) compare(window - 2, degree);
     }
-    LocalFit fit(data, options.window, options.degree);
-    return Place(data, fit, found->index, found->place, std::hypot(found->noise, spread));
+    spread = std::hypot(spread, SameSlopes(data, options, steepest.index, steepest.slope.y) / std::sqrt(12.0));
+    LocalFit fit(data, window, degree);
+    CurveEndPoint end = Place(data, fit, found->index, found->place, std::hypot(found->noise, spread));
+    end.degreesOfFreedom = EffectiveDegrees(found->noise * found->noise, data.noiseDegrees, spread * spread,
+                                            std::numeric_limits<double>::infinity());
+    return end;
 }
 
 }  // namespace qel

@@ -17,7 +17,7 @@ enum class EndPointMethod {
     /// The largest slope: where the second derivative of the local polynomial around the steepest point is 0.
     kFirstDerivative,
     /// Where the second derivatives at two neighbouring points have different signs, by a straight line between them.
-    /// With a window of 3 and degree 2 these are the second differences of textbooks.
+    /// With a window of 3 and degree 2 these are the second differences of textbooks, each at the mean of its readings.
     kSecondDerivative,
     /// Where the curve comes to a fixed signal, as an acid number is titrated to pH 10.
     kFixedValue,
@@ -35,8 +35,11 @@ enum class EndPointMethod {
 
 struct EndPointOptions {
     EndPointMethod method = EndPointMethod::kSteepest;
-    CurveRange range{};            ///< where it is looked for; for kGran: the readings of the line
-    std::size_t window = 7;        ///< of local polynomials, as for Curve::Smoothed
+    CurveRange range{};  ///< where it is looked for; for kGran: the readings of the line
+    /// The widest window of local polynomials, as for Curve::Smoothed. Narrower ones are taken where a polynomial does
+    /// not follow the readings; where none does, as in a sharp step, the readings beside the place: the straight line
+    /// between two of them, or their slopes and second differences (a window of 3, degree 2).
+    std::size_t window = 7;
     std::size_t degree = 3;        ///< kFirstDerivative needs at least 3, kSecondDerivative 2, others 1
     double level = 0;              ///< of kFixedValue
     CurveRange before{}, after{};  ///< the readings of the lines of kTangents and kLines
@@ -48,11 +51,15 @@ struct EndPointOptions {
     bool isWeak = false;
 };
 
-/// The end point, and the signal there. The uncertainty is by the noise of the readings; of kLines and Gran by the
-/// scatter about the lines. A polynomial does not follow a step exactly: for kFirstDerivative and kSecondDerivative it
-/// has a part for how far the end point moves with a wider window, a narrower one and a polynomial of degree + 2, and
-/// for kSteepest a rectangular part of an eighth of an interval between readings on either side, which is what made
-/// curves show.
+/// The end point, and the signal there. The uncertainty is by the noise of the readings; of kLines and kGran by the
+/// scatter about the lines. It has a part for how the curve may go between its readings:
+///  - of local polynomials, how far the place moves with a wider window, a narrower one and a polynomial of degree + 2;
+///    of derivatives also how far the points are apart that are as steep within the noise;
+///  - of the straight line between two readings, the places that the straight lines through the readings before and
+///    after leave open, each as likely: in a sharp step the whole interval;
+///  - of slopes and second differences, the steepest interval by as much as the curve is level beside it;
+///  - of kSteepest, an eighth of an interval between readings on either side, which is what made curves show.
+/// That of kTangents is also by how far it moves with the half of their readings that is nearer to the step.
 struct CurveEndPoint : CurveResult {
     double signal = 0;
     std::optional<EndPoint> steepest = {};  ///< of kSteepest: how it was found
@@ -67,13 +74,15 @@ enum class EquivalenceShape {
     kSigmoid
 };
 
-/// x0 as the value, and the other parameters.
+/// x0 as the value, and the other parameters. The uncertainty is by the scatter, and by how far x0 moves with the half
+/// of the readings that is nearer to it, twice as far where neighbouring readings are on the same side of the shape. A
+/// sigmoid that is narrower than the interval between readings at its step may be anywhere in it.
 struct EquivalenceFit : CurveResult {
     double level = 0;    ///< a, the signal there
     double height = 0;   ///< b
     double width = 0;    ///< w, above 0
     double slant = 0;    ///< c
-    double scatter = 0;  ///< standard deviation of a reading about the fit; the uncertainty is by it
+    double scatter = 0;  ///< standard deviation of a reading about the fit
 };
 
 }  // namespace qel

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "qellib10/evaluation/curve_data.h"
+#include "qellib10/evaluation/reading_noise.h"
 #include "qellib10/platform/algebra/least_squares.h"
 
 namespace qel {
@@ -11,8 +12,11 @@ constexpr int kWidths = 24, kPlaces = 24;  // of the grid that the search starts
 constexpr std::size_t kStartPoints = 500;
 constexpr std::size_t kFewestFree = 3;
 constexpr int kMostSteps = 200;
-constexpr double kMostScatter = 3;        // of the noise
-constexpr double kSmallScatter = 1e-3;    // of the signals' range: a shape that is so close is right anyway
+constexpr double kMostScatter = 2;            // of the noise
+constexpr double kMostAlike = 1.3;            // of the noise, where the residuals of neighbours are surely alike
+constexpr double kSmallScatter = 1e-3;        // of the signals' range: a shape that is so close is right anyway
+constexpr double kAlike = 2, kSureAlike = 5;  // standard errors of a correlation
+constexpr double kUnseen = 2;             // a shape that is wrong moves the place so much more than half of it shows
 constexpr double kOfError = 1e-6;         // a step so small, of the standard error, ends the search
 constexpr double kAccurate = 1e-13;       // of the x range
 constexpr double kMostUncertainty = 0.1;  // of the x range
@@ -120,24 +124,89 @@ std::optional<Shape> Better(const Problem& problem, const Shape& shape, double p
     return std::nullopt;
 }
 
+// The least squares from a start: the shape, and its last step with all of its rates.
+struct Outcome {
+    Shape shape;
+    LeastSquares last;
+};
+
+std::optional<Outcome> Search(const Problem& problem, Shape best) {
+    const std::size_t parameters = problem.Linear() + 2;
+    for (int step = 0; step < kMostSteps; ++step) {
+        const auto move = FitLeastSquares(Rates(problem, best), parameters, Residuals(problem, best), problem.counts);
+        if (!move) break;
+        const double place = move->coefficients[parameters - 2], width = move->coefficients[parameters - 1];
+        const double scatter = std::sqrt(best.linear.squares / static_cast<double>(move->degreesOfFreedom));
+        const auto isDone = [&](double step0, std::size_t at, double least) {
+            return std::abs(step0) <= std::max(least, kOfError * scatter * std::sqrt(move->Covariance(at, at)));
+        };
+        if (isDone(place, parameters - 2, kAccurate * problem.Range()) && isDone(width, parameters - 1, kAccurate))
+            return Outcome{best, *move};
+        const auto next = Better(problem, best, place, width);
+        if (!next) return Outcome{best, *move};
+        best = *next;
+    }
+    return std::nullopt;
+}
+
+// How far residuals are like those of the next reading, in standard errors. High where the shape is not that of the
+// readings.
+double Alike(const std::vector<double>& residuals) {
+    double products = 0, squares = 0;
+    for (std::size_t i = 0; i < residuals.size(); ++i) {
+        squares += residuals[i] * residuals[i];
+        if (i > 0) products += residuals[i] * residuals[i - 1];
+    }
+    return squares > 0 ? products / squares * std::sqrt(static_cast<double>(residuals.size())) : 0;
+}
+
+// How far the place moves with the half of the readings that is nearer to it: a shape that is not quite that of the
+// readings has its place elsewhere there.
+double MovedByHalf(const Problem& problem, const Shape& shape) {
+    std::vector<double> away;
+    for (const double x : problem.x) away.push_back(std::abs(x - shape.place));
+    const double reach = MedianIn(away);
+    std::size_t first = 0, last = problem.x.size();
+    while (first < last && shape.place - problem.x[first] > reach) ++first;
+    while (last > first && problem.x[last - 1] - shape.place > reach) --last;
+    if (last - first < problem.Linear() + 2 + kFewestFree) return 0;
+    const auto part = [&](Numbers values) { return values.subspan(first, last - first); };
+    const Problem half{problem.shape, part(problem.x), part(problem.y), part(problem.counts)};
+    const auto linear = LinearFit(half, shape.place, shape.width);
+    const auto found = linear ? Search(half, {shape.place, shape.width, *linear}) : std::nullopt;
+    return found ? found->shape.place - shape.place : 0;
+}
+
+// A sigmoid that is level within an interval between readings may be anywhere in it: each place is as likely.
+double OpenPart(const Problem& problem, const Shape& shape) {
+    const auto after = std::ranges::upper_bound(problem.x, shape.place);
+    if (problem.shape != EquivalenceShape::kSigmoid || after == problem.x.begin() || after == problem.x.end()) return 0;
+    return std::max(*after - *(after - 1) - shape.width, 0.0) / std::sqrt(12.0);
+}
+
 EquivalenceFit RefusedFit(CurveRefusal refusal, std::string reason) {
     EquivalenceFit fit;
     static_cast<CurveResult&>(fit) = Refused(refusal, std::move(reason));
     return fit;
 }
 
-EquivalenceFit Judged(const Problem& problem, const Shape& shape, const LeastSquares& last, double noise) {
+EquivalenceFit Judged(const Problem& problem, const Outcome& outcome, double noise) {
+    const Shape& shape = outcome.shape;
+    const LeastSquares& last = outcome.last;
     const auto [low, high] = std::ranges::minmax(problem.y);
     const auto degrees = static_cast<double>(last.degreesOfFreedom);
     EquivalenceFit fit;
     fit.scatter = std::sqrt(shape.linear.squares / degrees);
-    if (fit.scatter > std::max(kMostScatter * noise, kSmallScatter * (high - low))) {
+    const double alike = Alike(Residuals(problem, shape));
+    if (fit.scatter >
+        std::max((alike > kSureAlike ? kMostAlike : kMostScatter) * noise, kSmallScatter * (high - low))) {
         return RefusedFit(CurveRefusal::kNoFit, "the curve does not have this shape: readings are " +
                                                     NumberInSentence(fit.scatter) + " from it, and their noise is " +
                                                     NumberInSentence(noise));
     }
     const std::size_t at = problem.Linear();
-    fit.uncertainty = fit.scatter * std::sqrt(last.Covariance(at, at));
+    const double moved = MovedByHalf(problem, shape) * (alike > kAlike ? kUnseen : 1);
+    fit.uncertainty = std::hypot(fit.scatter * std::sqrt(last.Covariance(at, at)), moved, OpenPart(problem, shape));
     if (!(shape.place > problem.x.front() && shape.place < problem.x.back())) {
         return RefusedFit(CurveRefusal::kNoPlace, "the shape has its step at " + NumberInSentence(shape.place) +
                                                       ", where nothing was measured");
@@ -168,24 +237,12 @@ EquivalenceFit Curve::FitEquivalence(EquivalenceShape shape, const CurveRange& r
         return RefusedFit(CurveRefusal::kTooFewPoints, "the shape needs " + PointsInSentence(parameters + kFewestFree) +
                                                            ", there are " + std::to_string(last - first));
     }
-    std::optional<Shape> best = Start(problem);
-    if (!best) return RefusedFit(CurveRefusal::kNoFit, "the shape cannot be computed for the readings");
-    for (int step = 0; step < kMostSteps; ++step) {
-        const auto move = FitLeastSquares(Rates(problem, *best), parameters, Residuals(problem, *best), problem.counts);
-        if (!move) break;
-        const double place = move->coefficients[parameters - 2], width = move->coefficients[parameters - 1];
-        const double scatter = std::sqrt(best->linear.squares / static_cast<double>(move->degreesOfFreedom));
-        const auto isDone = [&](double step0, std::size_t at, double least) {
-            return std::abs(step0) <= std::max(least, kOfError * scatter * std::sqrt(move->Covariance(at, at)));
-        };
-        if (isDone(place, parameters - 2, kAccurate * problem.Range()) && isDone(width, parameters - 1, kAccurate))
-            return Judged(problem, *best, *move, data.noise);
-        const auto next = Better(problem, *best, place, width);
-        if (!next) return Judged(problem, *best, *move, data.noise);
-        best = next;
-    }
+    const std::optional<Shape> start = Start(problem);
+    if (!start) return RefusedFit(CurveRefusal::kNoFit, "the shape cannot be computed for the readings");
+    const auto found = Search(problem, *start);
+    if (found) return Judged(problem, *found, data.noise);
     return RefusedFit(CurveRefusal::kNoFit,
-                      "the fit of the shape came to no end near " + NumberInSentence(best->place));
+                      "the fit of the shape came to no end near " + NumberInSentence(start->place));
 }
 
 }  // namespace qel
