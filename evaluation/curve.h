@@ -95,7 +95,7 @@ public:
     CurveEndPoint EndPointBy(const EndPointOptions& options) const;
     /// The equivalence point of a titration, by the least squares of a whole curve's shape. It needs no reading at the
     /// step itself. Refused where the shape does not follow the readings: their scatter about it is above a thousandth
-    /// of their range and above twice the noise, or 1.3 times where neighbouring readings are on the same side of it.
+    /// of their range and above 3 times the noise, or 1.3 times where neighbouring readings are on the same side of it.
     /// At least 3 points more than the shape has parameters.
     EquivalenceFit FitEquivalence(EquivalenceShape shape, const CurveRange& range = {}) const;
 

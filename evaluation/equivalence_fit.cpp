@@ -12,7 +12,7 @@ constexpr int kWidths = 24, kPlaces = 24;  // of the grid that the search starts
 constexpr std::size_t kStartPoints = 500;
 constexpr std::size_t kFewestFree = 3;
 constexpr int kMostSteps = 200;
-constexpr double kMostScatter = 2;            // of the noise
+constexpr double kMostScatter = 3;            // of the noise
 constexpr double kMostAlike = 1.3;            // of the noise, where the residuals of neighbours are surely alike
 constexpr double kSmallScatter = 1e-3;        // of the signals' range: a shape that is so close is right anyway
 constexpr double kAlike = 2, kSureAlike = 5;  // standard errors of a correlation
