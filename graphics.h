@@ -11,6 +11,7 @@
 #include "qellib10/graph/chart_csv.h"
 #include "qellib10/graph/chart_cursor.h"
 #include "qellib10/graph/chart_data.h"
+#include "qellib10/graph/chart_file.h"
 #include "qellib10/graph/chart_markers.h"
 #include "qellib10/graph/chart_navigator.h"
 #include "qellib10/graph/chart_range.h"

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "qellib10/graph/tick_text.h"
 #include "qellib10/graph/wall_clock.h"
 
 namespace qel {
@@ -17,8 +18,14 @@ std::string WithUnit(const std::string& number, const std::string& unit) {
     return unit.empty() ? number : number + " " + unit;
 }
 
+// The power of ten at or below a thousandth of what is shown; its digit is the last one of a text.
+double StepOf(double shown) {
+    const double step = shown / kSteps;
+    if (!(step > 0) || !std::isfinite(step)) return 0;
+    return Scaled(1, static_cast<int>(std::floor(std::log10(step) + 1e-9)));
+}
 double StepOf(const AxisPlaces& places, double value) {
-    return (places.isLogarithmic ? std::fabs(value) : places.high - places.low) / kSteps;
+    return StepOf(places.isLogarithmic ? std::fabs(value) : places.high - places.low);
 }
 
 // A fraction of a second is shown where the range is short.
@@ -64,7 +71,7 @@ std::string DistanceText(const ChartAxis& axis, const AxisPlaces& places, double
 }
 
 std::string FourDigits(double value, const std::string& unit) {
-    return WithUnit(NumberText(value, std::fabs(value) / kSteps, 0), unit);
+    return WithUnit(NumberText(value, StepOf(std::fabs(value)), 0), unit);
 }
 
 std::string UnitOfDistances(const ChartAxis& axis) {

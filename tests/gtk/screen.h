@@ -43,6 +43,18 @@ inline bool RunUntil(const std::function<bool()>& isDone) {
     return done;
 }
 
+/// The first widget in @p root of which @p isIt is true.
+inline GtkWidget* Find(GtkWidget* root, const std::function<bool(GtkWidget*)>& isIt) {
+    if (isIt(root)) return root;
+    GtkWidget* found = nullptr;
+    GList* const children = GTK_IS_CONTAINER(root) ? gtk_container_get_children(GTK_CONTAINER(root)) : nullptr;
+    for (GList* item = children; item != nullptr && found == nullptr; item = item->next) {
+        found = Find(GTK_WIDGET(item->data), isIt);
+    }
+    g_list_free(children);
+    return found;
+}
+
 /// Does what a user would in the next dialog that appears on the screen, as long as the object exists.
 class User {
 public:
@@ -70,11 +82,13 @@ private:
     }
     void Answer(GtkDialog* dialog) {
         constexpr int kPatience = 100;
+        if (g_get_monotonic_time() < m_nNext) return;  // the last answer is still being considered
         int answer = m_act(dialog);
         if (answer == 0 && ++m_nLooks < kPatience) return;
         EXPECT_NE(answer, 0) << "what was waited for did not come";
         ScreenOf(GTK_WIDGET(dialog), m_picture);
         m_isAnswered = true;
+        m_nNext = g_get_monotonic_time() + G_USEC_PER_SEC;
         gtk_dialog_response(dialog, answer != 0 ? answer : int{GTK_RESPONSE_CANCEL});
     }
 
@@ -82,5 +96,6 @@ private:
     std::function<int(GtkDialog*)> m_act;
     guint m_nSource;
     int m_nLooks = 0;
+    gint64 m_nNext = 0;
     bool m_isAnswered = false;
 };

@@ -32,18 +32,6 @@ int ExitCode(const std::string& arguments) {
     return WEXITSTATUS(std::system((QELLIB10_VIEWER " " + arguments + " 2>/dev/null").c_str()));
 }
 
-// The first widget in @p root of which @p isIt is true.
-GtkWidget* Find(GtkWidget* root, const std::function<bool(GtkWidget*)>& isIt) {
-    if (isIt(root)) return root;
-    GtkWidget* found = nullptr;
-    GList* const children = GTK_IS_CONTAINER(root) ? gtk_container_get_children(GTK_CONTAINER(root)) : nullptr;
-    for (GList* item = children; item != nullptr && found == nullptr; item = item->next) {
-        found = Find(GTK_WIDGET(item->data), isIt);
-    }
-    g_list_free(children);
-    return found;
-}
-
 void Click(const viewer::ViewerWindow& window, const char* label) {
     gtk_button_clicked(GTK_BUTTON(Find(window.Widget(), [&](GtkWidget* widget) {
         const char* const text = GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : nullptr;
