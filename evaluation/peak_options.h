@@ -35,20 +35,23 @@ struct PeakOptions {
 };
 
 /// A peak above the baseline. Uncertainties are by the noise of readings and baseline, and by how far the value moves
-/// when more of the peak is fitted, with a peak that overlaps, and with a baseline of ten times the smoothness or a
-/// tenth. Where a value does not exist it is refused, and the others are valid.
+/// with other fits, with a peak that overlaps, and with a baseline of ten times the smoothness or a tenth. Where a
+/// value does not exist it is refused, and the others are valid.
 struct CurvePeak {
     /// Where the smoothed curve comes to the baseline, but not nearer to the top than 1.7 times the place where it has
     /// a twentieth of the height; or where it is lowest to the next peak.
     double start = 0, end = 0;
-    CurveResult position;  ///< of the top: the largest value of the polynomial through the readings of the top third
-    CurveResult height;    ///< there, above the baseline
-    CurveResult area;      ///< from the start to the end, by the trapezoids of the readings
-    CurveResult width;     ///< at half of the height
+    /// Of the top: the largest value of the polynomial of degree 4 through the readings of the top third. With fewer
+    /// than 8 readings above half of the height, or in much noise, of the parabola through the logarithms of the upper
+    /// half; how far other shapes differ is in the uncertainty. Refused below 4 readings above half of the height.
+    CurveResult position;
+    CurveResult height;  ///< there, above the baseline
+    CurveResult area;    ///< from the start to the end, by the trapezoids of the readings
+    CurveResult width;   ///< at half of the height, by windows of about a standard deviation of the peak
     /// To the next peak: 1.18 (t2 - t1) / (w1 + w2), with the widths at half height (USP <621>, Ph. Eur. 2.2.46).
     CurveResult resolution;
     /// The symmetry factor: the width at a twentieth of the height, over twice the part of it before the top (USP
-    /// <621>).
+    /// <621>). Refused where that is below 3 standard deviations of a reading.
     CurveResult tailing;
 };
 

@@ -4,47 +4,46 @@
 #include <numeric>
 
 #include "qellib10/evaluation/level_crossing.h"
+#include "qellib10/evaluation/peak_overlap.h"
+#include "qellib10/evaluation/peak_top.h"
 
 namespace qel {
 namespace {
 
-constexpr double kTopPart = 2.0 / 3;      // of the height: a polynomial follows the top so far
-constexpr double kWiderPart = 0.5;        // of the height: how far it does not is seen here
-constexpr std::size_t kFewestOfFour = 7;  // points for degree 4
-constexpr std::size_t kTopReach = 2;      // points on either side, at least
-constexpr double kClear = 4;              // standard errors
-constexpr double kCut = 0.05;             // of the height: what ends higher is cut off
+constexpr double kCut = 0.05;  // of the height: what ends higher is cut off
 constexpr double kTailingHeight = 0.05;
+constexpr double kClearHeight = 3;   // standard deviations of a reading
 constexpr double kReach = 1.7;       // times the place with a twentieth of the height
 constexpr double kDeviations = 2.4;  // the width of a peak at half height is so many standard deviations
-constexpr int kMostSteps = 50;
 
 double Square(double value) { return value * value; }
 
 // One peak of a curve above its baseline.
 class PeakReader {
 public:
-    explicit PeakReader(const PeakCurve& curve)
-        : m_data(curve.data),
+    PeakReader(const PeakCurve& curve, const FoundPeak& found)
+        : m_curve(curve),
+          m_data(curve.data),
           m_baseline(curve.baseline),
           m_options(curve.options),
           m_moved(curve.moved),
           m_above(curve.above),
-          m_smoothed(curve.smoothed) {}
+          m_smoothed(curve.smoothed),
+          m_found(Widened(curve, found)),
+          m_overlap(curve, m_found) {}
 
-    CurvePeak Read(FoundPeak found) {
-        Widen(found);
+    CurvePeak Read() {
         CurvePeak peak;
-        peak.start = m_data.x[found.first];
-        peak.end = m_data.x[found.last];
-        ReadTop(found, peak);
+        peak.start = m_data.x[m_found.first];
+        peak.end = m_data.x[m_found.last];
+        ReadTop(peak);
         if (!peak.position) {
             peak.width = peak.tailing = Refused(peak.position.refusal, peak.position.reason);
         } else {
-            ReadWidth(found, peak);
-            ReadTailing(found, peak);
+            ReadWidth(peak);
+            ReadTailing(peak);
         }
-        ReadArea(found, peak);
+        ReadArea(peak);
         return peak;
     }
 
@@ -65,112 +64,50 @@ private:
     }
 
     // Where the smoothed curve comes to the baseline is chance: it may be early, where the peak is not yet over.
-    void Widen(FoundPeak& found) const {
-        const double least = kTailingHeight * m_smoothed[found.top], top = m_data.x[found.top];
+    static FoundPeak Widened(const PeakCurve& curve, FoundPeak found) {
+        const std::vector<double>&smoothed = curve.smoothed, &x = curve.data.x;
+        const double least = kTailingHeight * smoothed[found.top], top = x[found.top];
         std::size_t left = found.top, right = found.top;
-        while (left > found.first && m_smoothed[left] > least) --left;
-        while (right < found.last && m_smoothed[right] > least) ++right;
-        const auto reach = m_data.In({top - kReach * (top - m_data.x[left]), top + kReach * (m_data.x[right] - top)});
+        while (left > found.first && smoothed[left] > least) --left;
+        while (right < found.last && smoothed[right] > least) ++right;
+        const auto reach = curve.data.In({top - kReach * (top - x[left]), top + kReach * (x[right] - top)});
         found.first = std::max(std::min(found.first, reach.first), found.start);
         found.last = std::min(std::max(found.last, reach.second - 1), found.end);
+        return found;
     }
 
-    // The largest value of a polynomial.
-    struct Top {
-        double place = 0, placeVariance = 0, height = 0, heightVariance = 0;
-    };
-
-    // Of degree 4 through the readings above a part of the height, of degree 2 through few.
-    std::optional<Top> TopAbove(const FoundPeak& found, double part) const {
-        std::size_t first = found.top, last = found.top;
-        const double least = part * m_smoothed[found.top];
-        while (first > found.first && (m_smoothed[first - 1] >= least || found.top - first < kTopReach)) --first;
-        while (last < found.last && (m_smoothed[last + 1] >= least || last - found.top < kTopReach)) ++last;
-        const std::size_t count = last - first + 1, columns = count >= kFewestOfFour ? 5 : 3;
-        const double center = m_data.x[found.top], scale = (m_data.x[last] - m_data.x[first]) / 2;
-        std::vector<double> design;
-        for (std::size_t i = first; i <= last; ++i) {
-            for (std::size_t k = 0; k < columns; ++k)
-                design.push_back(std::pow((m_data.x[i] - center) / scale, static_cast<int>(k)));
-        }
-        const auto fit = FitLeastSquares(design, columns, std::span(m_above).subspan(first, count),
-                                         std::span(m_data.counts).subspan(first, count));
-        if (!fit) return std::nullopt;
-        // The factors of the coefficients in a derivative at t.
-        const auto rates = [&](double t, int order) {
-            std::vector<double> factors(columns, 0.0);
-            for (std::size_t k = static_cast<std::size_t>(order); k < columns; ++k) {
-                factors[k] = std::pow(t, static_cast<int>(k) - order);
-                for (int j = 0; j < order; ++j) factors[k] *= static_cast<double>(k) - j;
-            }
-            return factors;
-        };
-        const auto value = [&](double t, int order) {
-            const std::vector<double> factors = rates(t, order);
-            return std::inner_product(factors.begin(), factors.end(), fit->coefficients.begin(), 0.0);
-        };
-        const auto noise = [&](double t, int order) { return Square(m_data.noise) * fit->Variance(rates(t, order)); };
-        double t = 0;
-        for (int step = 0; step < kMostSteps; ++step) {
-            const double next = t - value(t, 1) / value(t, 2);
-            const bool isSame = std::abs(next - t) < 1e-14;
-            t = next;
-            if (isSame) break;
-        }
-        const double low = (m_data.x[first] - center) / scale, high = (m_data.x[last] - center) / scale;
-        if (!(t >= low && t <= high) || !(value(t, 2) < -kClear * std::sqrt(noise(t, 2)))) return std::nullopt;
-        return Top{center + scale * t, noise(t, 1) * Square(scale / value(t, 2)), value(t, 0), noise(t, 0)};
-    }
-
-    void ReadTop(const FoundPeak& found, CurvePeak& peak) {
-        const std::optional<Top> top = TopAbove(found, kTopPart), wider = TopAbove(found, kWiderPart);
-        if (!top || !wider) {
-            peak.position = peak.height = Refused(
-                CurveRefusal::kNoPlace, "the top of the peak near " + NumberInSentence(m_data.x[found.top]) +
-                                            " is flat, at an end or of few points: the noise decides where it is");
+    void ReadTop(CurvePeak& peak) {
+        const PeakTop top = FindPeakTop(m_curve, m_found);
+        if (top.refusal.refusal != CurveRefusal::kNone) {
+            peak.position = peak.height = top.refusal;
             return;
         }
         double moved = 0;
-        for (std::size_t i = found.first; i <= found.last; ++i) moved = std::max(moved, std::abs(m_moved[i]));
-        m_ofBaseline = Square(m_baseline.Uncertainty(m_data, found.top)) + Square(moved);
-        peak.position = Result(top->place, top->placeVariance + Square(wider->place - top->place));
-        peak.height = Result(top->height, top->heightVariance + m_ofBaseline + Square(wider->height - top->height));
+        for (std::size_t i = m_found.first; i <= m_found.last; ++i) moved = std::max(moved, std::abs(m_moved[i]));
+        m_ofBaseline = Square(m_baseline.Uncertainty(m_data, m_found.top)) + Square(moved);
+        peak.position = Result(top.place, top.placeVariance);
+        peak.height = Result(top.height, top.heightVariance + m_ofBaseline + Square(m_overlap.At(top.place)));
     }
 
-    // What of a peak is beyond the valleys beside it, or of its neighbours within: the tail of a normal distribution
-    // that has the height of the valley there.
-    double Overlap(const FoundPeak& found, const CurvePeak& peak) const {
-        double overlap = 0;
-        for (const auto& [valley, isShared] :
-             {std::pair(found.first, found.first == found.start && found.start > 0),
-              std::pair(found.last, found.last == found.end && found.end + 1 < m_data.size())}) {
-            const double away = std::abs(m_data.x[valley] - m_data.x[found.top]);
-            if (!isShared || away == 0) continue;
-            const double deviation = peak.width ? *peak.width.value / kDeviations : away / 2;
-            overlap = std::hypot(overlap, m_smoothed[valley] * Square(deviation) / away);
-        }
-        return overlap;
-    }
-
-    void ReadArea(const FoundPeak& found, CurvePeak& peak) const {
-        const double most = kCut * m_smoothed[found.top];
-        const bool isCut = (found.first == 0 && m_smoothed[0] > most) ||
-                           (found.last + 1 == m_data.size() && m_smoothed[found.last] > most);
-        if (isCut || m_data.PartOf(found.first) != m_data.PartOf(found.last)) {
+    void ReadArea(CurvePeak& peak) const {
+        const double most = kCut * m_smoothed[m_found.top];
+        const bool isCut = (m_found.first == 0 && m_smoothed[0] > most) ||
+                           (m_found.last + 1 == m_data.size() && m_smoothed[m_found.last] > most);
+        if (isCut || m_data.PartOf(m_found.first) != m_data.PartOf(m_found.last)) {
             peak.area = Refused(isCut ? CurveRefusal::kOverlap : CurveRefusal::kPause,
-                                "the area of the peak at " + NumberInSentence(m_data.x[found.top]) + " is unknown: " +
+                                "the area of the peak at " + NumberInSentence(m_data.x[m_found.top]) + " is unknown: " +
                                     (isCut ? "the curve starts or ends in it" : "there is a pause in it"));
             return;
         }
         std::vector<double> factors(m_data.size(), 0.0);
-        for (std::size_t i = found.first; i < found.last; ++i) {
+        for (std::size_t i = m_found.first; i < m_found.last; ++i) {
             const double half = (m_data.x[i + 1] - m_data.x[i]) / 2;
             factors[i] += half;
             factors[i + 1] += half;
         }
         double area = 0, variance = 0;
         double ofShape = 0;
-        for (std::size_t i = found.first; i <= found.last; ++i) {
+        for (std::size_t i = m_found.first; i <= m_found.last; ++i) {
             area += factors[i] * m_above[i];
             ofShape += factors[i] * m_moved[i];
         }
@@ -179,31 +116,52 @@ private:
             variance += Square(factors[i] - ofBaseline[i]) / m_data.counts[i];
         // One window of readings at either end, more or less.
         double ends = 0;
-        for (const std::size_t i : {found.first, found.last}) {
+        for (const std::size_t i : {m_found.first, m_found.last}) {
             const std::size_t before = std::max<std::size_t>(i, 1) - 1,
                               window = std::min(m_options.window, m_data.size());
             ends += static_cast<double>(window) * Square(m_data.x[before + 1] - m_data.x[before]);
         }
-        peak.area =
-            Result(area, Square(m_data.noise) * (variance + ends) + Square(ofShape) + Square(Overlap(found, peak)));
+        peak.area = Result(area, Square(m_data.noise) * (variance + ends) + Square(ofShape) +
+                                     Square(m_overlap.OfArea()) + Square(OfTrapezoids()));
     }
 
-    // A window that is wide for the peak flattens its sides.
-    std::size_t SideWindow(const FoundPeak& found) const {
+    // What trapezoids leave out where the signal bends. At even steps the sum of it is next to nothing.
+    double OfTrapezoids() const {
+        const auto slope = [&](std::size_t i) {
+            return (m_above[i + 1] - m_above[i]) / (m_data.x[i + 1] - m_data.x[i]);
+        };
+        const auto bend = [&](std::size_t i) {  // the second derivative
+            if (i == 0 || i + 1 == m_data.size()) return 0.0;
+            return 2 * (slope(i) - slope(i - 1)) / (m_data.x[i + 1] - m_data.x[i - 1]);
+        };
+        double sum = 0;
+        for (std::size_t i = m_found.first; i < m_found.last; ++i)
+            sum += std::pow(m_data.x[i + 1] - m_data.x[i], 3) / 12 * std::midpoint(bend(i), bend(i + 1));
+        return sum;
+    }
+
+    // About a standard deviation of the peak: a wider one flattens its sides, and a narrower one is noisier.
+    std::size_t SideWindow() const {
         std::size_t wide = 0;
-        for (std::size_t i = found.first; i <= found.last; ++i)
-            wide += m_smoothed[i] > m_smoothed[found.top] / 2 ? 1 : 0;
+        for (std::size_t i = m_found.first; i <= m_found.last; ++i)
+            wide += m_smoothed[i] > m_smoothed[m_found.top] / 2 ? 1 : 0;
         const auto window = static_cast<std::size_t>(static_cast<double>(wide) / kDeviations) | 1;
-        return std::max(std::min(window, m_options.window), m_options.degree + 1 + (m_options.degree % 2));
+        return std::max(window, m_options.degree + 1 + (m_options.degree % 2));
     }
 
-    Sides SidesAt(const FoundPeak& found, const CurvePeak& peak, double part, std::size_t window) const {
+    Sides SidesAt(const CurvePeak& peak, double part, std::size_t window) const {
         const double level = part * *peak.height.value;
-        std::size_t left = found.top, right = found.top;
-        while (left > found.first && m_smoothed[left] > level) --left;
-        while (right < found.last && m_smoothed[right] > level) ++right;
+        LocalFit fit(m_data, window, m_options.degree);
+        const auto isAbove = [&](std::size_t i) {
+            CurveValue value{0, m_smoothed[i], 0};
+            fit.At(i, m_data.x[i], 0, m_above, value);
+            return value.y > level;
+        };
+        std::size_t left = m_found.top, right = m_found.top;
+        while (left > m_found.first && isAbove(left)) --left;
+        while (right < m_found.last && isAbove(right)) ++right;
         Sides sides;
-        if (m_smoothed[left] > level || m_smoothed[right] > level || left == right) {
+        if (isAbove(left) || isAbove(right) || left == right) {
             sides.refusal = Refused(CurveRefusal::kOverlap, "the peak at " + NumberInSentence(*peak.position.value) +
                                                                 " does not come down to " + NumberInSentence(part) +
                                                                 " of its height on both sides");
@@ -214,10 +172,9 @@ private:
                                                               NumberInSentence(*peak.position.value));
             return sides;
         }
-        LocalFit fit(m_data, window, m_options.degree);
         const auto side = [&](std::size_t before) {
             const auto [at, slope] = RefineCrossing(m_data, fit, m_above, before, [&](double /*x*/) { return level; });
-            return CurveValue{at.x, slope.y, at.uncertainty};
+            return CurveValue{at.x, slope.y, std::hypot(at.uncertainty, m_overlap.At(at.x))};
         };
         sides.left = side(left);
         sides.right = side(right - 1);
@@ -236,19 +193,26 @@ private:
                Square(sides.level * (ofLeft / sides.left.y + ofRight / sides.right.y));
     }
 
-    void ReadWidth(const FoundPeak& found, CurvePeak& peak) const {
-        const std::size_t window = SideWindow(found);
-        const Sides sides = SidesAt(found, peak, 0.5, window), wider = SidesAt(found, peak, 0.5, window + 2);
+    void ReadWidth(CurvePeak& peak) const {
+        const std::size_t window = SideWindow();
+        const Sides sides = SidesAt(peak, 0.5, window), wider = SidesAt(peak, 0.5, window + 2);
         peak.width = sides.refusal;
         if (sides.refusal.refusal != CurveRefusal::kNone) return;
         const double width = sides.right.x - sides.left.x, moved = wider.right.x - wider.left.x - width;
         peak.width = Result(width, Variance(sides, -1, 1) + Square(moved));
     }
 
-    void ReadTailing(const FoundPeak& found, CurvePeak& peak) const {
-        const std::size_t window = SideWindow(found);
-        const Sides sides = SidesAt(found, peak, kTailingHeight, window);
-        const Sides wider = SidesAt(found, peak, kTailingHeight, window + 2);
+    void ReadTailing(CurvePeak& peak) const {
+        if (kTailingHeight * *peak.height.value < kClearHeight * m_data.noise) {
+            peak.tailing =
+                Refused(CurveRefusal::kNoPlace, "a twentieth of the height of the peak at " +
+                                                    NumberInSentence(*peak.position.value) +
+                                                    " is not clear of the noise of " + NumberInSentence(m_data.noise));
+            return;
+        }
+        const std::size_t window = SideWindow();
+        const Sides sides = SidesAt(peak, kTailingHeight, window);
+        const Sides wider = SidesAt(peak, kTailingHeight, window + 2);
         peak.tailing = sides.refusal;
         if (sides.refusal.refusal != CurveRefusal::kNone) return;
         const auto factor = [&](const Sides& s) {
@@ -261,15 +225,18 @@ private:
                                                  Square(ofTop * peak.position.uncertainty) + Square(moved));
     }
 
+    const PeakCurve& m_curve;
     const CurveData& m_data;
     const CurveBaseline& m_baseline;
     const PeakOptions& m_options;
     const std::vector<double>&m_moved, &m_above, &m_smoothed;
+    const FoundPeak m_found;
+    const PeakOverlap m_overlap;
     double m_ofBaseline = 0;  // its variance at the top
 };
 
 }  // namespace
 
-CurvePeak ReadPeak(const PeakCurve& curve, FoundPeak found) { return PeakReader(curve).Read(found); }
+CurvePeak ReadPeak(const PeakCurve& curve, const FoundPeak& found) { return PeakReader(curve, found).Read(); }
 
 }  // namespace qel

@@ -16,6 +16,6 @@ struct PeakCurve {
 };
 
 /// All of a peak but its resolution.
-CurvePeak ReadPeak(const PeakCurve& curve, FoundPeak found);
+CurvePeak ReadPeak(const PeakCurve& curve, const FoundPeak& found);
 
 }  // namespace qel
