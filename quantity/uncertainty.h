@@ -79,6 +79,7 @@ struct QELLIB10_API UncertainInput {
 };
 
 /// A correlation coefficient between two inputs, by their positions, where no common source is known (GUM 5.2.2).
+/// Each of them has a component; an exact input varies with no other, so that such a pair is refused.
 struct InputCorrelation {
     std::size_t first = 0, second = 0;
     double coefficient = 0.0;  ///< -1 to 1

@@ -13,6 +13,8 @@ using Kind = FormulaError::Kind;
 
 namespace {
 
+constexpr std::size_t kNowhere = SIZE_MAX;  // the slot of an input that the program does not name
+
 bool AreAlike(const UncertaintyComponent& a, const UncertaintyComponent& b) {
     return a.distribution == b.distribution && a.degreesOfFreedom == b.degreesOfFreedom;
 }
@@ -42,7 +44,7 @@ UncertaintySources::UncertaintySources(const FormulaProgram& program, std::span<
             if (component.uncertainty != 0.0) m_isUncertain[slot] = 1;
         }
     }
-    const std::vector<InputCorrelation> bySlot = OfSlots(correlations, inputs.size());
+    const std::vector<InputCorrelation> bySlot = OfSlots(correlations, inputs);
     std::pmr::vector<unsigned char> isCorrelated(program.variables.size(), memory);
     for (const InputCorrelation& correlation : bySlot)
         isCorrelated[correlation.first] = isCorrelated[correlation.second] = 1;
@@ -55,30 +57,35 @@ void UncertaintySources::Refuse(std::size_t slot, const char* reason) const {
         return step.operation == FormulaOperation::kVariable && step.index == slot;
     };
     const auto step = std::ranges::find_if(m_program.steps, isItsStep);
+    if (step == m_program.steps.end()) throw FormulaError{Kind::kUncertainty, 0, 0, reason, {}, {}};
     throw FormulaError{Kind::kUncertainty, step->position, step->length, reason, {}, {}};
 }
 
 // Those other than 0 between uncertain inputs that the program names.
 std::vector<InputCorrelation> UncertaintySources::OfSlots(std::span<const InputCorrelation> correlations,
-                                                          std::size_t inputs) const {
-    std::vector<InputCorrelation> found;
-    if (correlations.empty()) return found;
+                                                          std::span<const UncertainInput> inputs) const {
+    std::vector<InputCorrelation> ofSlots;
+    if (correlations.empty()) return ofSlots;
     std::unordered_map<std::size_t, std::size_t> slots;  // by position in the scope
     for (std::size_t slot = 0; slot < m_program.variables.size(); ++slot) slots[m_program.variables[slot]] = slot;
     for (const InputCorrelation& correlation : correlations) {
         const auto& [first, second, r] = correlation;
-        if (first >= inputs || second >= inputs || first == second)
+        if (first >= inputs.size() || second >= inputs.size() || first == second)
             throw FormulaError{
                 Kind::kUncertainty, 0, 0, "a correlation of inputs that are not there or the same", {}, {}};
         if (!(std::abs(r) <= 1.0))
             throw FormulaError{
                 Kind::kUncertainty, 0, 0, "a correlation coefficient that is not within -1 and 1", {}, {}};
         const auto one = slots.find(first), other = slots.find(second);
+        for (const auto& [position, found] : {std::pair(first, one), std::pair(second, other)})
+            if (inputs[position].components.empty())
+                Refuse(found != slots.end() ? found->second : kNowhere,
+                       "a correlation coefficient of an input that has no uncertainty");
         if (r == 0.0 || one == slots.end() || other == slots.end()) continue;
         if (m_isUncertain[one->second] == 0 || m_isUncertain[other->second] == 0) continue;
-        found.push_back({std::min(one->second, other->second), std::max(one->second, other->second), r});
+        ofSlots.push_back({std::min(one->second, other->second), std::max(one->second, other->second), r});
     }
-    return found;
+    return ofSlots;
 }
 
 std::uint32_t UncertaintySources::AddSource(const Source& source) {

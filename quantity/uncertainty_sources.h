@@ -53,7 +53,8 @@ public:
     bool IsCorrelated() const { return m_isCorrelated; }
 
 private:
-    std::vector<InputCorrelation> OfSlots(std::span<const InputCorrelation> correlations, std::size_t inputs) const;
+    std::vector<InputCorrelation> OfSlots(std::span<const InputCorrelation> correlations,
+                                          std::span<const UncertainInput> inputs) const;
     void AddOwn(std::span<const unsigned char> isCorrelated);
     std::pmr::vector<std::uint32_t> Representatives(std::span<const unsigned char> isCorrelated) const;
     void AddCorrelated(std::span<const InputCorrelation> correlations, std::span<const unsigned char> isCorrelated);

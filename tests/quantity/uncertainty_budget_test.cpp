@@ -184,8 +184,11 @@ TEST(UncertaintyBudget, IsNotWhatAnUnderflowHasLeft) {
 }
 
 TEST(UncertaintyBudget, TakesCorrelationCoefficientsWithK) {
-    UncertainInputs inputs(
-        {Input("A", 10, 0.3), Input("B", 20, 0.4), Input("C", 1, 0.1, "flask"), Input("D", 1, 0.1, "flask")});
+    UncertainInputs inputs({Input("A", 10, 0.3),
+                            Input("B", 20, 0.4),
+                            Input("C", 1, 0.1, "flask"),
+                            Input("D", 1, 0.1, "flask"),
+                            {"E", 1, {}}});
     qel::UncertaintyOptions options;
     const auto shown = [&](const char* formula, std::vector<qel::InputCorrelation> correlations) {
         options.correlations = std::move(correlations);
@@ -224,6 +227,11 @@ TEST(UncertaintyBudget, TakesCorrelationCoefficientsWithK) {
               {{0, 1, 1}, {1, 2, 0.5}},
               "the uncertainty cannot be computed at character 1: \"A\", because of correlation coefficients that "
               "contradict each other"},
+             {"A + E",
+              {{0, 4, 0.5}},
+              "the uncertainty cannot be computed at character 5: \"E\", because of a correlation coefficient of an "
+              "input "
+              "that has no uncertainty"},
              {"A + C + D",
               {{0, 2, 0.5}},
               "the uncertainty cannot be computed at character 9: \"D\", because of a common source of an input that "

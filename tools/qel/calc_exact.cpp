@@ -140,7 +140,7 @@ void ExactCalculation::AddTo(CLI::App& command) {
     CLI::Option* const coverage =
         add(command.add_option("--coverage", probability, "Probability of the expanded uncertainty"));
     add(command.add_option("--k", factor, "Coverage factor, in place of a probability"))->excludes(coverage);
-    add(command.add_option("--correlation", correlations, "Correlation coefficient of two inputs"))
+    add(command.add_option("--correlation", correlations, "Correlation coefficient of two inputs with uncertainties"))
         ->type_name("A,B,R")
         ->allow_extra_args(false);
     add(command.add_option("--lower", lower, "What the result must not be below"))->type_name("NUMBER");

@@ -93,6 +93,7 @@ qel::InputCorrelation CorrelationOf(const std::string& text, const std::vector<q
     const auto positionOf = [&](const std::string& name) {
         const auto found = std::ranges::find(inputs, name, &qel::CalculationInput::name);
         if (found == inputs.end()) Refuse(name, "is no input");
+        if (found->components.empty()) Refuse(name, "has no uncertainty, so it has no correlation coefficient");
         return static_cast<std::size_t>(found - inputs.begin());
     };
     return {positionOf(first), positionOf(second), Number(*coefficient)};

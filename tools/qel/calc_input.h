@@ -20,7 +20,7 @@ namespace tool {
 /// @throws CLI::ValidationError
 qel::CalculationInput InputOf(const std::string& assignment);
 
-/// A,B,R: two of @p inputs and their correlation coefficient. @throws CLI::ValidationError
+/// A,B,R: two of @p inputs, which have uncertainties, and their correlation coefficient. @throws CLI::ValidationError
 qel::InputCorrelation CorrelationOf(const std::string& text, const std::vector<qel::CalculationInput>& inputs);
 
 /// NAME=FORMULA [; unit=UNIT]. @throws CLI::ValidationError
