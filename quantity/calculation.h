@@ -59,8 +59,9 @@ struct Calculation {
     std::optional<RoundingRule> rule;  ///< of the result; nothing leaves it as it is
     UncertaintyOptions uncertainty;    ///< its correlations are between the inputs, by position
     std::optional<ResultLimits> limits;
-    /// Trials that show whether first order is enough; 0 for none, else 10,000 at least. Only without helpers.
-    /// With correlation coefficients their interval is the one that k covers of a normal distribution.
+    /// Trials that show whether first order is enough; 0 for none, else 10,000 at least. Each computes all formulas
+    /// that the result needs. With correlation coefficients their interval is the one that k covers of a normal
+    /// distribution.
     std::size_t trials = 0;
     std::uint64_t seed = 1;
 };

@@ -11,7 +11,7 @@ namespace {
 
 using Operation = FormulaOperation;
 
-constexpr std::size_t kMostSteps = 1000;
+constexpr std::size_t kMostSteps = 10'000;  // a number among them takes 2 KB for each thread
 constexpr std::size_t kRows = ColumnFormula::kRows;
 
 // Loops of one simple operation, which the compiler makes vector instructions of. What is not finite gives NaN when it
@@ -65,6 +65,10 @@ ColumnFormula::ColumnFormula(const FormulaProgram& program)
     for (const FormulaStep& step : program.steps) {
         if (step.operation == Operation::kVariable) {
             stack.push_back(step.index);
+            continue;
+        }
+        if (step.operation == Operation::kEarlier) {
+            stack.push_back(stack[stack.size() - 1 - step.index]);
             continue;
         }
         if (isLiteral(step)) {

@@ -25,7 +25,7 @@ public:
     struct Step;
     union Operand {
         double number = 0.0;
-        std::uint32_t index;  // of a variable, or how many operands
+        std::uint32_t index;  // of a variable, how many operands, or how far below the top
     };
     struct Step {
         double (*run)(const Step* step, const double* values, double* below, double top);
@@ -43,10 +43,12 @@ public:
 
 private:
     void AddStep(const FormulaProgram& program, const FormulaStep& step, std::size_t firstFree);
+    double EvaluateWithOthers(const double* values) const;
 
     std::vector<Step> m_steps;
     std::vector<RoundingRule> m_rules;
     std::size_t m_stack = 0;
+    std::size_t m_others = 0;  // results at the bottom of the stack
 };
 
 /// The value of a constant, by its position in FormulaConstants().

@@ -18,6 +18,7 @@ using Operation = FormulaOperation;
 using Step = FastFormula::Step;
 
 constexpr std::size_t kMostSteps = 1000;  // without optimisation each one takes room on the stack
+constexpr std::size_t kUsualStack = 32;   // values; more take memory
 
 // Where an operand is.
 enum class From { kStack, kVariable, kNumber };
@@ -37,6 +38,12 @@ double End(const Step* /*step*/, const double* /*values*/, double* /*below*/, do
 template <From kFrom> double Push(const Step* step, const double* values, double* below, double top) {
     *below = top;
     return GoOn(step + 1, values, below + 1, Fetched<kFrom>(step->right, values));
+}
+
+double PushEarlier(const Step* step, const double* values, double* below, double top) {
+    const double earlier = step->right.index == 0 ? top : *(below - step->right.index);
+    *below = top;
+    return GoOn(step + 1, values, below + 1, earlier);
 }
 
 template <Operation kOperation> double Computed(double left, double right) {
@@ -148,6 +155,8 @@ Handler HandlerOf(Operation operation, From left, From right) {
             return Push<From::kNumber>;
         case Operation::kVariable:
             return Push<From::kVariable>;
+        case Operation::kEarlier:
+            return PushEarlier;
         case Operation::kNegate:
             return One<Operation::kNegate>;
         case Operation::kAbs:
@@ -219,7 +228,8 @@ From SourceOf(Handler run) {
 
 }  // namespace
 
-FastFormula::FastFormula(const FormulaProgram& program) : m_rules(program.rules), m_stack(program.stack + 1) {
+FastFormula::FastFormula(const FormulaProgram& program)
+    : m_rules(program.rules), m_stack(program.stack + 1), m_others(program.others) {
     if (program.steps.size() > kMostSteps) return;
     std::vector<std::size_t> places;  // of each step of the program
     places.reserve(program.steps.size() + 1);
@@ -271,12 +281,22 @@ void FastFormula::AddStep(const FormulaProgram& program, const FormulaStep& step
     if (step.operation == Operation::kRound) fast.rule = &m_rules[step.index];
 }
 
+// No branch may have taken the result of another formula, and without it there is none of the whole.
+double FastFormula::EvaluateWithOthers(const double* values) const {
+    double usual[kUsualStack];
+    std::vector<double> more(m_stack <= kUsualStack ? 0 : m_stack);
+    double* const stack = more.empty() ? usual : more.data();
+    const double value = GoOn(m_steps.data(), values, stack, 0.0);
+    return IsFinite(value) && std::all_of(stack + 1, stack + 1 + m_others, IsFinite) ? value : GiveUp();
+}
+
 double FastFormula::Evaluate(const double* values) const {
-    constexpr std::size_t kUsual = 32;
     if (m_steps.empty()) return GiveUp();
+    if (m_others > 0) [[unlikely]]
+        return EvaluateWithOthers(values);
     double value = 0.0;
-    if (m_stack <= kUsual) {
-        double stack[kUsual];
+    if (m_stack <= kUsualStack) {
+        double stack[kUsualStack];
         value = GoOn(m_steps.data(), values, stack, 0.0);
     } else {
         std::vector<double> stack(m_stack);

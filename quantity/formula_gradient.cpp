@@ -33,8 +33,8 @@ public:
 
     Value One(const FormulaStep& step, Value operand) {
         const double result = m_arithmetic.One(step, Number(operand));
-        if (step.operation == Operation::kAbs && IsActive(operand)) m_gradient.m_bends.push_back({operand, kZero});
-        if (step.operation == Operation::kRound && IsActive(operand))
+        if (step.operation == Operation::kAbs && IsActive(operand)) AddBend(step, operand, kZero);
+        if (step.operation == Operation::kRound && IsActive(operand) && IsOwn(step))
             m_gradient.m_roundings.push_back({operand, step.index});
         m_gradient.NoteUnderflow(result, step.operation == Operation::kExp && IsActive(operand));
         return Add(step, result, operand, operand, IsActive(operand));
@@ -44,7 +44,7 @@ public:
         const double x = Number(left), y = Number(right);
         const bool isActive = IsActive(left) || IsActive(right);
         const bool isComparison = step.operation >= Operation::kLess && step.operation <= Operation::kNotEqual;
-        if (isComparison && isActive) m_gradient.m_bends.push_back({left, right});
+        if (isComparison && isActive) AddBend(step, left, right);
         const double result = DoubleArithmetic::Two(step, x, y);
         const bool isProduct = step.operation == Operation::kMultiply;
         if (isProduct || step.operation == Operation::kDivide || step.operation == Operation::kPower)
@@ -60,8 +60,7 @@ public:
             const Value taken =
                 operands[static_cast<std::size_t>(std::ranges::find(m_numbers, result) - m_numbers.begin())];
             for (const Value operand : operands)
-                if (operand != taken && (IsActive(operand) || IsActive(taken)))
-                    m_gradient.m_bends.push_back({taken, operand});
+                if (operand != taken && (IsActive(operand) || IsActive(taken))) AddBend(step, taken, operand);
         }
         const bool isActive = std::ranges::any_of(operands, [&](Value operand) { return IsActive(operand); });
         auto& all = m_gradient.m_operands;
@@ -77,6 +76,13 @@ public:
 private:
     double Number(Value node) const { return m_gradient.m_nodes[node].value; }
     bool IsActive(Value node) const { return m_gradient.m_nodes[node].isActive; }
+    bool IsOwn(const FormulaStep& step) const {
+        const FormulaProgram& program = m_gradient.m_program;
+        return &step >= program.steps.data() + program.firstOwn;
+    }
+    void AddBend(const FormulaStep& step, Value left, Value right) {
+        if (IsOwn(step)) m_gradient.m_bends.push_back({left, right});
+    }
 
     Value Add(const FormulaStep& step, double result, std::uint32_t left, std::uint32_t right, bool isActive) {
         auto& nodes = m_gradient.m_nodes;

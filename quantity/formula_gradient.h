@@ -50,7 +50,7 @@ public:
         std::size_t rule;       // of the program
     };
 
-    /// Of the last evaluation, in its order.
+    /// Of the last evaluation, in its order; those of other formulas are found where these are evaluated.
     std::span<const Bend> Bends() const { return m_bends; }
     std::span<const Rounding> Roundings() const { return m_roundings; }
     /// Makes Partials those of the difference of both operands.

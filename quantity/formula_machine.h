@@ -38,7 +38,7 @@ public:
     Value Run() {
         for (std::size_t at = 0; at < m_program.steps.size();) {
             const FormulaStep& step = m_program.steps[at];
-            if (Jumps(step.operation)) {
+            if (step.operation >= FormulaOperation::kAndThen) {
                 at = After(at, step);
                 continue;
             }
@@ -56,7 +56,7 @@ private:
         return value;
     }
 
-    // The step that follows a jump.
+    // The step that follows a jump, or a value that is there already.
     std::size_t After(std::size_t at, const FormulaStep& jump) {
         const auto isTop = [&](Truth truth) { return m_arithmetic.TruthOf(m_stack.back()) == truth; };
         switch (jump.operation) {
@@ -71,6 +71,9 @@ private:
                 m_stack.push_back(m_arithmetic.Undecided(condition));
                 return m_program.steps[jump.index - 1].index;  // where the first branch goes on
             }
+            case FormulaOperation::kEarlier:
+                m_stack.push_back(*(m_stack.end() - 1 - static_cast<std::ptrdiff_t>(jump.index)));
+                return at + 1;
             default:
                 return jump.index;
         }

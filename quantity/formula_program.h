@@ -54,6 +54,8 @@ enum class FormulaOperation : std::uint8_t {
     kOrElse,   // where it is yes, which stays there
     kIfNot,    // takes the truth; where it is no
     kGoOn,     // always
+    // a number without operands
+    kEarlier,  // that is on the stack already; index: how many are above it
 };
 
 constexpr bool TakesOne(FormulaOperation operation) {
@@ -69,7 +71,9 @@ constexpr bool GivesTruth(FormulaOperation operation) {
     return operation == FormulaOperation::kNot ||
            (operation >= FormulaOperation::kLess && operation <= FormulaOperation::kOr);
 }
-constexpr bool Jumps(FormulaOperation operation) { return operation >= FormulaOperation::kAndThen; }
+constexpr bool Jumps(FormulaOperation operation) {
+    return operation >= FormulaOperation::kAndThen && operation <= FormulaOperation::kGoOn;
+}
 
 struct FormulaStep {
     FormulaOperation operation;
@@ -97,6 +101,9 @@ struct FormulaProgram {
     std::size_t stack = 0;               // the most operands that are there at once
     bool isTruth = false;                // of the whole
     std::uint32_t position = 0, length = 0;  // of the whole in the text, with its outer brackets
+    // Of a formula with those that it uses, whose steps come first and whose results stay on the stack:
+    std::size_t others = 0;    // how many
+    std::size_t firstOwn = 0;  // step; where it bends or jumps before that is a matter of the other formulas
 };
 
 }  // namespace qel

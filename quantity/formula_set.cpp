@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "qellib10/quantity/formula_access.h"
+#include "qellib10/quantity/joined_program.h"
+#include "qellib10/quantity/uncertainty_propagation.h"
 
 namespace qel {
 
@@ -116,6 +118,31 @@ std::optional<std::vector<ExactResult>> FormulaSet::EvaluateExactly(std::span<co
         results[formula] = *std::move(result);
     }
     return results;
+}
+
+// Nothing for a formula that is not there, or has a fault.
+std::optional<FormulaProgram> FormulaSet::Joined(std::size_t formula, FormulaError& error) const {
+    if (formula >= Count() || m_order.size() != Count()) {
+        error = {FormulaError::Kind::kReading, 0, 0, "a formula that is not there or has a fault", {}, {}};
+        return {};
+    }
+    std::vector<const FormulaProgram*> others(m_variables);
+    for (const Formula& other : m_formulas) others.push_back(&ProgramOf(other));
+    return JoinedProgram(ProgramOf(m_formulas[formula]), others);
+}
+
+std::optional<UncertaintyBudget> FormulaSet::Propagate(std::size_t formula, std::span<const UncertainInput> inputs,
+                                                       const UncertaintyOptions& options, FormulaError& error) const {
+    const std::optional<FormulaProgram> joined = Joined(formula, error);
+    if (!joined) return {};
+    return PropagateUncertainty(*joined, inputs.first(std::min(inputs.size(), m_variables)), options, error);
+}
+
+std::optional<MonteCarloResult> FormulaSet::Try(std::size_t formula, std::span<const UncertainInput> inputs,
+                                                const MonteCarloOptions& options, FormulaError& error) const {
+    const std::optional<FormulaProgram> joined = Joined(formula, error);
+    if (!joined) return {};
+    return PropagateDistributions(*joined, inputs.first(std::min(inputs.size(), m_variables)), options, error);
 }
 
 }  // namespace qel

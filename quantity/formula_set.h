@@ -9,6 +9,7 @@
 
 #include "qellib10/platform/export.h"
 #include "qellib10/quantity/formula.h"
+#include "qellib10/quantity/monte_carlo.h"
 
 namespace qel {
 
@@ -54,8 +55,19 @@ public:
     /// for the next formula: a limit, or something that is not known
     std::optional<std::vector<ExactResult>> EvaluateExactly(std::span<const Reading> readings,
                                                             const ExactOptions& options, Fault& fault) const;
+    /// As PropagateUncertainty of a formula that has all that it needs written into it. Rows are of the variables. An
+    /// error in another formula has the place of its name.
+    /// @param inputs of the variables, by position
+    /// @return nothing also for a formula that is not there, and where Parse found a fault
+    std::optional<UncertaintyBudget> Propagate(std::size_t formula, std::span<const UncertainInput> inputs,
+                                               const UncertaintyOptions& options, FormulaError& error) const;
+    /// As PropagateDistributions of the same: a variable is drawn once in each trial, for all formulas that name it. A
+    /// trial for which a formula is not defined that is needed has no result, also where no branch takes that.
+    std::optional<MonteCarloResult> Try(std::size_t formula, std::span<const UncertainInput> inputs,
+                                        const MonteCarloOptions& options, FormulaError& error) const;
 
 private:
+    std::optional<FormulaProgram> Joined(std::size_t formula, FormulaError& error) const;
     std::optional<std::size_t> FormulaAt(std::size_t position) const;
     std::optional<Fault> ParseEach();
     std::optional<Fault> FindOrder();

@@ -39,7 +39,8 @@ struct MonteCarloResult {
     double lowError = 0.0;             ///< standard error of the ends of the symmetric one, by the number of trials
     double highError = 0.0;
     std::size_t trials = 0;  ///< that have a result
-    std::size_t failed = 0;  ///< where the formula is not defined; they are in none of the numbers above
+    /// Where the formula, or one that it needs, is not defined; they are in none of the numbers above.
+    std::size_t failed = 0;
 
     friend bool operator==(const MonteCarloResult&, const MonteCarloResult&) = default;
 };

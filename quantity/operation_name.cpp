@@ -10,6 +10,7 @@ std::string_view NameOf(FormulaOperation operation) {
         case kConstant:
             return "constant";
         case kVariable:
+        case kEarlier:
             return "variable";
         case kAbs:
             return "abs";

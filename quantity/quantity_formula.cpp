@@ -28,6 +28,8 @@ QuantityFormula QuantityFormula::WithoutUnits(const Formula& formula) {
     return QuantityFormula(std::make_shared<const Bound>(Bound{{ProgramOf(formula), {}}}));
 }
 
+const FormulaProgram& ProgramOf(const QuantityFormula& formula) { return formula.m_bound->formula.program; }
+
 const Unit& QuantityFormula::ResultUnit() const noexcept { return m_bound->formula.unit; }
 bool QuantityFormula::IsCondition() const noexcept { return m_bound->formula.program.isTruth; }
 

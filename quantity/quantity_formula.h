@@ -47,6 +47,7 @@ public:
 
 private:
     struct Bound;
+    friend const FormulaProgram& ProgramOf(const QuantityFormula& formula);
     explicit QuantityFormula(std::shared_ptr<const Bound> bound) : m_bound(std::move(bound)) {}
 
     std::shared_ptr<const Bound> m_bound;

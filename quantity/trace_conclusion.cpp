@@ -7,8 +7,8 @@
 
 namespace qel {
 
-void TraceConclusion::Draw(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs, unsigned threads) {
-    TryOut(bound, inputs, threads);
+void TraceConclusion::Draw(const QuantityFormula& result, const TraceUncertainty& uncertainty, unsigned threads) {
+    TryOut(result, uncertainty, threads);
     RemarkKink();
     Round();
     Decide();
@@ -61,14 +61,11 @@ void TraceConclusion::Decide() {
                                     (unrounded->isPassed ? "passed" : "not passed"));
 }
 
-void TraceConclusion::TryOut(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs,
-                             unsigned threads) {
+void TraceConclusion::TryOut(const QuantityFormula& result, const TraceUncertainty& uncertainty, unsigned threads) {
     const Calculation& calculation = m_trace.m_calculation;
     if (calculation.trials == 0) return;
     const auto refuse = [&](const std::string& why) { m_trace.m_remarks.push_back("no trials: " + why); };
     if (!m_part.budget) return refuse("the result has no uncertainty to first order");
-    // The result of a helper has lost the distributions that it came from.
-    if (!calculation.helpers.empty()) return refuse("other formulas are used; write them into this one");
     MonteCarloOptions options;
     options.trials = calculation.trials;
     options.seed = calculation.seed;
@@ -80,7 +77,7 @@ void TraceConclusion::TryOut(const QuantityFormula& bound, const std::vector<Unc
     options.coverageProbability = m_part.budget->coverageProbability.value_or(normal);
     options.correlations = calculation.uncertainty.correlations;
     FormulaError error;
-    m_trace.m_trials = bound.Try(inputs, options, error);
+    m_trace.m_trials = uncertainty.Try(result, options, error);
     if (!m_trace.m_trials) return refuse(error.Text(m_part.formula));
     m_trace.m_firstOrder = ValidateFirstOrder(*m_part.budget, *m_trace.m_trials);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <optional>
-#include <vector>
 
 #include "qellib10/quantity/quantity_formula.h"
 #include "qellib10/quantity/trace.h"
+#include "qellib10/quantity/trace_uncertainty.h"
 
 namespace qel {
 
@@ -15,12 +15,11 @@ public:
     /// @param trace with the part of its result, and no fault
     explicit TraceConclusion(Trace& trace) : m_trace(trace), m_part(trace.m_parts.back()) {}
 
-    /// @param bound the formula of the result
-    /// @param inputs by position in its scope
-    void Draw(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs, unsigned threads);
+    /// @param result its formula
+    void Draw(const QuantityFormula& result, const TraceUncertainty& uncertainty, unsigned threads);
 
 private:
-    void TryOut(const QuantityFormula& bound, const std::vector<UncertainInput>& inputs, unsigned threads);
+    void TryOut(const QuantityFormula& result, const TraceUncertainty& uncertainty, unsigned threads);
     void RemarkKink();
     void Round();
     std::optional<Decimal> RoundedUncertainty(const Decimal& expanded) const;

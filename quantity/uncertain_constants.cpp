@@ -27,6 +27,9 @@ UncertainInput InputOf(std::size_t constant) {
 bool HasUncertainConstants(const FormulaProgram& program) { return std::ranges::any_of(program.steps, IsUncertain); }
 
 FormulaProgram WithUncertainConstants(FormulaProgram program, std::vector<UncertainInput>& inputs) {
+    const auto isMissing = [&](std::size_t position) { return position >= inputs.size(); };
+    if (std::ranges::any_of(program.variables, isMissing))  // or a constant would be taken for it
+        throw FormulaError{FormulaError::Kind::kReading, 0, 0, "values that are not there", {}, {}};
     std::vector<std::pair<std::uint32_t, std::uint32_t>> slots;  // of constants
     for (FormulaStep& step : program.steps) {
         if (!IsUncertain(step)) continue;

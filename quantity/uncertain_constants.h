@@ -17,6 +17,7 @@ bool HasUncertainConstants(const FormulaProgram& program);
 /// The program with such constants as variables, each at a position after those of @p inputs, which get their values
 /// and standard uncertainties. Each is its own source in all formulas, "const.u"; that some constants are correlated
 /// is not regarded.
+/// @throws FormulaError where an input is missing
 FormulaProgram WithUncertainConstants(FormulaProgram program, std::vector<UncertainInput>& inputs);
 
 /// What @p compute makes of a program and its inputs, with the constants that are not exact among them.

@@ -92,8 +92,6 @@ TEST(Trace, AHelperLosesNoUncertainty) {
     calculation.helpers[0].formula = "A";
     calculation.inputs[1].components[0].source = "A/1";  // no name of a source makes it another one
     EXPECT_NEAR(Trace::Of(calculation).Result()->budget->uncertainty, std::hypot(0.2, 0.1), 1e-15);
-    calculation.uncertainty.correlations = {{0, 1, 1.0}};
-    EXPECT_FALSE(Trace::Of(calculation).Result()->budget);
     calculation = {};
     calculation.helpers = {{"H", "mean(A, 3)", ""}};
     calculation.result = {"X", "H * B", ""};
@@ -411,8 +409,78 @@ TEST(Trace, TrialsSayWhetherFirstOrderIsEnough) {
         EXPECT_EQ(trace.FirstOrder()->isEnough, isEnough) << reading;
         EXPECT_EQ(trace.Json(), Trace::Of(calculation, 1).Json());
     }
-    calculation.helpers = {{"H", "A", ""}};
-    EXPECT_EQ(Trace::Of(calculation).Remarks().front(), "no trials: other formulas are used; write them into this one");
+}
+
+// Formula by formula, or all written into one, with the conversions and the rounding within the formulas.
+TEST(Trace, TrialsComputeEachFormulaThatTheResultNeeds) {
+    using Formulas = std::vector<qel::CalculationFormula>;
+    Calculation calculation;
+    calculation.inputs = {
+        *qel::CalculationInput::Of("V", "16.519 mL", {*UncertaintyComponent::Standard(0.5, "burette", 5)}),
+        *qel::CalculationInput::Of("V0", "25 uL", {*UncertaintyComponent::Standard(2, "burette", 5)}),
+        *qel::CalculationInput::Of("C", "0.1002 mol/L", {*UncertaintyComponent::Rectangular(0.002)}),
+        *qel::CalculationInput::Of("M", "1 g", {*UncertaintyComponent::Triangular(0.01)}), Input("K", "missing")};
+    calculation.trials = 10'000;
+    const auto tried = [&](const Formulas& helpers, const qel::CalculationFormula& result, bool isKept = false) {
+        calculation.helpers = helpers;
+        calculation.result = result;
+        calculation.isKept = isKept;
+        const Trace trace = Trace::Of(calculation, 3);
+        std::string error;
+        EXPECT_EQ(trace.Json(), Trace::Of(calculation).Json());
+        EXPECT_EQ(qel::CheckTrace(trace.Json(), error)->differences, std::vector<std::string>{});
+        return trace;
+    };
+    for (const auto& [helpers, result, written] : Cases<Formulas, qel::CalculationFormula, qel::CalculationFormula>{
+             {{{"D", "V - V0", "mL"}, {"N", "D * C", "mmol"}}, {"X", "N / M", ""}, {"X", "(V - V0) * C / M", "mmol/g"}},
+             {{{"D", "V - V0", ""}}, {"X", "D * C + D * C", "mmol"}, {"X", "(V - V0) * C + (V - V0) * C", "mmol"}},
+             // What the result does not need, and a formula that needs the result, are no part of it.
+             {{{"N", "X * K", ""}, {"L", "ln(K)", ""}, {"R", "round(V, 0)", ""}},
+              {"X", "R", ""},
+              {"X", "round(V, 0)", ""}},
+         }) {
+        const Trace parts = tried(helpers, result), one = tried({}, written);
+        ASSERT_TRUE(parts.Trials() && one.Trials()) << parts.Text(qel::TraceLanguage::kEnglish);
+        EXPECT_EQ(parts.Trials(), one.Trials()) << result.formula;
+        EXPECT_TRUE(parts.FirstOrder());
+    }
+    calculation.inputs[4] = Input("X", "3", {*UncertaintyComponent::Standard(0.1)});
+    for (qel::CalculationInput& input : calculation.inputs) input.unit.clear();
+    const Trace kept =
+        tried({{"H", "X * 2", ""}}, {"X", "H - X", ""}, true);  // the older grammar, with an input's name
+    EXPECT_EQ(kept.Trials(), tried({}, {"Y", "X * 2 - X", ""}).Trials());
+    EXPECT_EQ(tried({{"H", "V", ""}, {"J", "V", ""}}, {"Y", "H - J", ""}).Trials()->uncertainty, 0.0);
+    calculation.inputs[0].reading = *Reading::OfText("< 16");
+    EXPECT_EQ(tried({{"H", "V", ""}}, {"Y", "H + X", ""}).Remarks(),
+              (std::vector<std::string>{"no uncertainty of H: V is no number", "no uncertainty of Y: H is no number",
+                                        "no trials: the result has no uncertainty to first order"}));
+}
+
+// A coefficient is between inputs, whichever formulas name them.
+TEST(Trace, CorrelatedInputsAreThoseOfAllFormulas) {
+    Calculation one = Acid();
+    one.inputs[2].components.push_back(*UncertaintyComponent::Rectangular(0.002));
+    for (std::size_t i : {3U, 4U}) one.inputs[i].components = {*UncertaintyComponent::Standard(0.01)};
+    one.uncertainty = {.coverageFactor = 2.0, .correlations = {{3, 4, 0.75}, {2, 5, -0.5}}};
+    one.trials = 10'000;
+    Calculation parts = one;
+    one.helpers.clear();
+    one.result.formula = "1000 * M * P / (MW * VT1) * VT / VA";
+    const Trace whole = Trace::Of(one), byParts = Trace::Of(parts);
+    ASSERT_TRUE(whole.Trials() && byParts.Trials());
+    EXPECT_EQ(byParts.Trials(), whole.Trials());
+    EXPECT_NEAR(byParts.Result()->budget->uncertainty / whole.Result()->budget->uncertainty, 1.0, 1e-12);
+    EXPECT_EQ(byParts.Result()->budget->rows.back().name + byParts.Result()->budget->rows.back().source, "VAVA/1");
+    std::string error;
+    EXPECT_EQ(qel::CheckTrace(byParts.Json(), error)->differences, std::vector<std::string>{});
+    parts.helpers[0].formula += " + 0 * abs(VT1 - 18.64)";  // its bend is reported for those that use it
+    EXPECT_TRUE(Trace::Of(parts).Result()->budget->isAtKink);
+    parts.inputs[4].components.clear();
+    const Trace refused = Trace::Of(parts);
+    ASSERT_NE(refused.Fault(), nullptr);
+    EXPECT_EQ(refused.Fault()->name + ": " + refused.Fault()->sentence,
+              "VT: a correlation coefficient is given for an input that has no uncertainty");
+    EXPECT_EQ(qel::CheckTrace(refused.Json(), error)->differences, std::vector<std::string>{});
 }
 
 // The traces of each released version, by its number, are computed again by all later ones.
@@ -442,9 +510,6 @@ TEST(Trace, JsonIsWhatItsSchemaSays) {
     decided.inputs[4].reading = *Reading::OfText("0.3");
     decided.limits = {qel::Decimal(0), qel::Decimal(1), qel::DecisionRule::GuardedAcceptance(), false};
     decided.trials = 10'000;
-    Calculation tried = decided;
-    tried.helpers.clear();
-    tried.result.formula = "M * VT";
     Calculation fromList = Acid();
     CCalcVariableList list;
     CCalcVariable variable;
@@ -457,7 +522,7 @@ TEST(Trace, JsonIsWhatItsSchemaSays) {
     Calculation ofResult = Acid();
     ofResult.inputs[4].reading = *Reading::OfText("<= 0.3");
     ofResult.inputs[3].reading.isInexact = true;
-    for (const Calculation& calculation : {Acid(), limit, wrong, decided, tried, fromList, ofResult}) {
+    for (const Calculation& calculation : {Acid(), limit, wrong, decided, fromList, ofResult}) {
         std::string error;
         const std::string json = Trace::Of(calculation).Json();
         EXPECT_EQ(schema.Objection(*qel::JsonValue::Parse(json, error)), "");

@@ -269,6 +269,8 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--exact A 'A=1; u=0.1; source=B'", "2 qel: \"source=B\" has no uncertainty after it"},
              {"--exact A 'A=1; u=0.1' --k 0", "2 qel: --k: a coverage factor is a number above 0"},
              {"--exact A+B 'A=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,B,1", "0 2 ± 0.40 (k = 2)\n"},
+             {"--exact A+B 'A=1; u=0.1' B=1 --k 2 --correlation A,B,1",
+              "2 qel: \"B\" has no uncertainty, so it has no correlation coefficient; see qel --help\n"},
              {"--exact 'const.R*T' T=298.15 --unit kJ/mol", "1 qel: RESULT: the units do not go together"},
              {"--round x A A=1", "2 qel: --round requires --exact; see qel --help\n"},
              {"--exact 表/3 --from list.var", "0 0.8333333333333333333333333333333333 (inexact)\n"},
@@ -283,6 +285,11 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--trace list.var", "3 qel: list.var: "},
          })
         EXPECT_EQ(folder.Qel("calc " + std::string(arguments)).substr(0, std::string(answer).size()), answer);
+    EXPECT_EQ(
+        folder.Qel("calc --exact H-G+1 --define H=A --define G=B 'A=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,B,1 "
+                   "--trials 10000 --seed 7 --write-trace tried.json"),
+        "0 1 ± 0 (k = 2)\nfirst order is enough\n");
+    EXPECT_EQ(folder.Qel("calc --trace tried.json"), "0 1 ± 0 (k = 2)\nfirst order is enough\n");
     EXPECT_EQ(folder.Qel("calc --exact 'A / 7' A=1 --write-trace one.json")[0], '0');
     EXPECT_EQ(folder.Qel("calc --trace one.json --steps")[0], '0');
     std::string trace = folder.Read("one.json");
