@@ -84,7 +84,7 @@ if(TARGET qellib10-quantity)
 endif()
 if(TARGET qellib10-gtk)
   install(FILES docs/examples/gtk.cpp DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development)
-  install(DIRECTORY examples/viewer DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development
+  install(DIRECTORY examples/viewer examples/titrator DESTINATION ${QELLIB10_EXAMPLES_DIR}-gtk-dev/examples COMPONENT gtk-development
     FILES_MATCHING PATTERN *.h PATTERN *.cpp)
 endif()
 

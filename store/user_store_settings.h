@@ -40,9 +40,9 @@ struct LogonLock {
 
 /// What an installation may want to be different in a UserStore.
 struct UserStoreSettings {
-    PasswordCost cost;  ///< passwords kept at another cost are hashed again at the next logon
-    LogonLock lock;
-    PasswordRules passwords;  ///< nothing is asked without them
+    PasswordCost cost = {};  ///< passwords kept at another cost are hashed again at the next logon
+    LogonLock lock = {};
+    PasswordRules passwords = {};  ///< nothing is asked without them
     /// Is asked before anything takes effect: logons and their refusals, logouts, locks, passwords that are not taken,
     /// and each item of an account that is changed. If it returns false, that is not done; empty: nobody is asked.
     /// qel::RecordedUsers makes an entry of a trail. It must not use the store.

@@ -8,6 +8,8 @@
 #include "../support/cases.h"
 #include "../support/temp_folder.h"
 #include "qellib10/file/q_file.h"
+#include "qellib10/gtk/person_dialog.h"
+#include "qellib10/gtk/window_picture.h"
 #include "qellib10/platform/printing/print_dialog.h"
 #include "screen.h"
 
@@ -143,4 +145,31 @@ TEST_F(Dialogs, FolderIsChosen) {
         EXPECT_EQ(CQFile::SelectFolderDialog(before, "", nullptr), 0);
         EXPECT_EQ(before, start);
     }
+}
+
+TEST_F(Dialogs, NameAndPasswordAreAskedFor) {
+    const auto entry = [](GtkDialog* dialog, bool isPassword) {
+        return GTK_ENTRY(Find(GTK_WIDGET(dialog), [&](GtkWidget* each) {
+            return GTK_IS_ENTRY(each) && gtk_entry_get_visibility(GTK_ENTRY(each)) == (isPassword ? FALSE : TRUE);
+        }));
+    };
+    {
+        const User user("person", [&](GtkDialog* dialog) {
+            GtkWidget* const ok = gtk_dialog_get_widget_for_response(dialog, GTK_RESPONSE_OK);
+            EXPECT_FALSE(gtk_widget_get_sensitive(ok)) << "there is no name yet";
+            gtk_entry_set_text(entry(dialog, false), "滴");
+            gtk_entry_set_text(entry(dialog, true), "violet");
+            return gtk_widget_get_sensitive(ok) ? GTK_RESPONSE_OK : GTK_RESPONSE_CANCEL;
+        });
+        const auto person = qel::AskPerson(m_label, "Sign");
+        ASSERT_TRUE(person);
+        EXPECT_EQ(person->name + ' ' + person->password, "滴 violet");
+    }
+    const User user("person_known", [&](GtkDialog* dialog) {
+        EXPECT_STREQ(gtk_entry_get_text(entry(dialog, false)), "mori");
+        EXPECT_FALSE(gtk_widget_get_sensitive(GTK_WIDGET(entry(dialog, false))));
+        return GTK_RESPONSE_CANCEL;
+    });
+    EXPECT_FALSE(qel::AskPerson(m_label, "Sign", "mori"));
+    EXPECT_FALSE(qel::SaveWindowPicture(gtk_window_new(GTK_WINDOW_TOPLEVEL), "never.png")) << "not shown";
 }
