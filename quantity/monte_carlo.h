@@ -54,7 +54,8 @@ struct MonteCarloResult {
 /// cannot be started the others do its work.
 /// @param inputs by the positions of the scope; one for each that the formula names
 /// @return nothing where PropagateUncertainty refuses the inputs, an option is not valid, less than one trial is
-/// outside of the interval, memory is too short, or the formula is defined for less than two trials
+/// outside of the interval, memory is too short, the formula is defined for less than two trials, or a trial is so
+/// large that they have no standard deviation (kTooLarge)
 QELLIB10_API std::optional<MonteCarloResult> PropagateDistributions(const Formula& formula,
                                                                     std::span<const UncertainInput> inputs,
                                                                     const MonteCarloOptions& options,
