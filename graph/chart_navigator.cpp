@@ -40,6 +40,9 @@ bool ChartNavigator::Show(std::size_t axis, double from, double to) {
     if (!isRange) return false;
     if (m_shown.size() < m_axes.size()) m_shown.resize(m_axes.size());
     m_shown[axis] = range;
+    // Further steps before the next drawing go on from here: the ends stay where they are drawn.
+    m_axes[axis].places.low = range.low;
+    m_axes[axis].places.high = range.high;
     return true;
 }
 

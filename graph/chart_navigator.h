@@ -16,8 +16,9 @@ enum class ChartDirection { kBoth, kX, kY };
 /// What a window shows of a chart: the part that the user has zoomed to, and the values under the pointer. It knows no
 /// toolkit, so that every window moves through a chart in the same way, and tests need no screen.
 ///
-/// Places are those of the last drawing, which Take has to be told. An operation that would show nothing, or less than
-/// numbers can tell apart, changes nothing and returns false.
+/// Places are those of the last drawing, which Take has to be told. Several operations may follow each other before the
+/// next one. An operation that would show nothing, or less than numbers can tell apart, changes nothing and returns
+/// false.
 class QELLIB10_API ChartNavigator {
 public:
     /// After each drawing of @p chart with Shown().

@@ -126,7 +126,6 @@ bool ChartEvents::Release() {
 void ChartEvents::Move(const ShapePoint& at) {
     if (m_panned) {
         m_actions.Changed(m_scene.navigator.PanBy(at.x - m_panned->x, at.y - m_panned->y));
-        m_scene.DrawPending();  // the next step starts from the places of this one
         m_panned = at;
     }
     if (m_isMarker) m_actions.RangeChanged(m_scene.markers.MoveTo(m_scene.chart, m_scene.navigator, at.x));

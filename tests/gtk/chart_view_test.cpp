@@ -40,15 +40,13 @@ public:
     double Scale() { return gtk_widget_get_scale_factor(view.Widget()); }
 
     void Key(guint key, guint state = 0) {
-        GdkEvent* const event = gdk_event_new(GDK_KEY_PRESS);
-        event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(view.Widget())));
+        GdkEvent* const event = NewEvent(GDK_KEY_PRESS);
         event->key.keyval = key;
         event->key.state = state;
         Send(event);
     }
     void Mouse(GdkEventType type, double x, double y, guint button = 1) {
-        GdkEvent* const event = gdk_event_new(type);
-        event->button.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(view.Widget())));
+        GdkEvent* const event = NewEvent(type);
         if (type == GDK_MOTION_NOTIFY) {
             event->motion.x = x, event->motion.y = y;
         } else {
@@ -57,10 +55,25 @@ public:
         Send(event);
     }
 
-    void Drag(double x1, double y1, double x2, double y2) {
-        Mouse(GDK_BUTTON_PRESS, x1, y1);
+    void Drag(double x1, double y1, double x2, double y2, guint button = GDK_BUTTON_PRIMARY) {
+        Mouse(GDK_BUTTON_PRESS, x1, y1, button);
         Mouse(GDK_MOTION_NOTIFY, x2, y2);
-        Mouse(GDK_BUTTON_RELEASE, x2, y2);
+        Mouse(GDK_BUTTON_RELEASE, x2, y2, button);
+    }
+    void Scroll(double x, double y, double steps) {
+        GdkEvent* const event = NewEvent(GDK_SCROLL);
+        event->scroll.direction = GDK_SCROLL_SMOOTH;
+        event->scroll.x = x, event->scroll.y = y, event->scroll.delta_y = steps;
+        Send(event);
+    }
+    // Of a touchpad; begins with a scale of 1.
+    void Pinch(double x, double y, double scale) {
+        GdkEvent* const event = NewEvent(GDK_TOUCHPAD_PINCH);
+        event->touchpad_pinch.phase =
+            static_cast<gint8>(scale == 1 ? GDK_TOUCHPAD_GESTURE_PHASE_BEGIN : GDK_TOUCHPAD_GESTURE_PHASE_UPDATE);
+        event->touchpad_pinch.n_fingers = 2;
+        event->touchpad_pinch.x = x, event->touchpad_pinch.y = y, event->touchpad_pinch.scale = scale;
+        Send(event);
     }
     // In units of the widget, for values of the axes.
     double Across(double value) { return view.Navigator().PlacesOf(0)->At(value) / Scale(); }
@@ -80,6 +93,11 @@ public:
     qel::ChartView view;
 
 private:
+    GdkEvent* NewEvent(GdkEventType type) {
+        GdkEvent* const event = gdk_event_new(type);
+        event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(view.Widget())));
+        return event;
+    }
     void Send(GdkEvent* event) {
         GdkSeat* const seat = gdk_display_get_default_seat(gdk_display_get_default());
         gdk_event_set_device(event,
@@ -93,21 +111,37 @@ private:
 
 }  // namespace
 
-TEST(ChartView, ZoomsByKeysAndByDragging) {
+TEST(ChartView, ZoomsAndMovesByMouseTouchpadAndKeys) {
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
     ChartWindow window;
+    // The ends of the axis across, once they are drawn.
+    const auto ends = [&](const std::string& expected) {
+        const auto now = [&] {
+            const qel::AxisPlaces& axis = *window.view.Navigator().PlacesOf(0);
+            return Line({std::round(axis.low * 10), std::round(axis.high * 10)});
+        };
+        RunUntil([&] { return now() == expected; });
+        return now();
+    };
     window.Key(GDK_KEY_plus);
-    EXPECT_TRUE(window.view.Navigator().IsZoomed());
+    EXPECT_EQ(ends("14 86"), "14 86");
     window.Key(GDK_KEY_Home);
-    EXPECT_FALSE(window.view.Navigator().IsZoomed());
-    window.Mouse(GDK_BUTTON_PRESS, 150, 100);
-    window.Mouse(GDK_MOTION_NOTIFY, 300, 200);
-    window.Shot("chart_view_box");
-    window.Mouse(GDK_BUTTON_RELEASE, 300, 200);
-    EXPECT_TRUE(window.view.Navigator().IsZoomed());
-    window.Mouse(GDK_2BUTTON_PRESS, 300, 200);
-    EXPECT_FALSE(window.view.Navigator().IsZoomed());
-    window.Mouse(GDK_MOTION_NOTIFY, 240, 160);
+    EXPECT_EQ(ends("0 100"), "0 100");
+    const double x = window.Across(5), y = window.Up(50);
+    window.Drag(window.Across(2), window.Up(80), window.Across(6), window.Up(20));
+    EXPECT_EQ(ends("20 60"), "20 60") << "a box";
+    window.Mouse(GDK_2BUTTON_PRESS, x, y);
+    EXPECT_EQ(ends("0 100"), "0 100") << "a double click";
+    window.Scroll(x, y, -1);
+    EXPECT_EQ(ends("8 92"), "8 92");
+    window.Scroll(x, y, 1);
+    window.Drag(x, y, window.Across(8), y, GDK_BUTTON_MIDDLE);
+    EXPECT_EQ(ends("-30 70"), "-30 70") << "the chart goes with the pointer";
+    window.Key(GDK_KEY_Home);
+    EXPECT_EQ(ends("0 100"), "0 100");
+    for (const double scale : {1.0, 1.5, 2.0}) window.Pinch(x, y, scale);
+    EXPECT_EQ(ends("25 75"), "25 75") << "fingers twice as far apart";
+    window.Move(5, 50);
     window.Shot("chart_view_values");
 }
 
