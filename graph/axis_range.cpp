@@ -14,6 +14,7 @@ constexpr double kLeast = std::numeric_limits<double>::denorm_min();
 constexpr double kLeastRange = 1e-303;  // below, ticks cannot be distinguished
 constexpr double kRounding = 1e-13;     // of values that differ only by rounding
 constexpr double kShare = 0.05;
+constexpr double kNarrow = 0.5;  // decades
 
 AxisRange Around(double low, double high, double margin) {
     return {std::max(low - margin, -kLargest), std::min(high + margin, kLargest)};
@@ -60,7 +61,13 @@ AxisRange LogRange(double low, double high) {
         low = std::max(low / 2, kLeast);
         high = std::min(high, kLargest / 2) * 2;
     }
-    const bool isDecade = std::log10(high) - std::log10(low) >= 3;
+    // Round ends would leave the data a small part of the axis.
+    const double decades = std::log10(high) - std::log10(low);
+    if (decades < kNarrow) {
+        const double factor = std::pow(10, kShare * decades);
+        return {std::max(low / factor, kLeast), std::min(high * factor, kLargest)};
+    }
+    const bool isDecade = decades >= 3;
     return {RoundEnd(low, false, isDecade), RoundEnd(high, true, isDecade)};
 }
 

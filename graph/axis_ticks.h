@@ -84,9 +84,9 @@ struct AxisRange {
 };
 
 /// The range of an axis for data from @p low to @p high: 5 % more at both ends, half a category, or for a logarithmic
-/// axis the decade (below three decades: 1, 2 or 5) before and after. One value, or values that differ only by
-/// rounding, get half their size at both ends, 1 around 0, half a minute around a time. Ends that are infinite or NaN,
-/// and ends of a logarithmic axis that are not above 0, do not count.
+/// axis the decade (below three decades: 1, 2 or 5) before and after, below half a decade 5 % of the length. One value,
+/// or values that differ only by rounding, get half their size at both ends, 1 around 0, half a minute around a time.
+/// Ends that are infinite or NaN, and ends of a logarithmic axis that are not above 0, do not count.
 QELLIB10_API AxisRange PaddedRange(double low, double high, ChartScale scale);
 
 /// A number as an axis with this step shows it: @p value / 10^exponent with the decimals of @p step (0: of the value),

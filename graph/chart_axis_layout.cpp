@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "qellib10/graph/category_names.h"
 #include "qellib10/graph/chart_look.h"
+#include "qellib10/graph/unit_prefix.h"
 
 namespace qel {
 namespace {
@@ -21,7 +23,7 @@ public:
         AxisLayout layout;
         layout.index = index;
         layout.places = PlacesOf(axis, range);
-        layout.ticks = TicksOf(axis, range);
+        layout.ticks = TicksOf(axis, range, layout.isTurned);
         double& used = m_used[static_cast<std::size_t>(axis.side)];
         if (used > 0) used += m_canvas.Units(kBetweenAxes);
         layout.line = Outward(axis.side, used);
@@ -41,7 +43,7 @@ private:
 
     LabelStyle ValueStyle(COLORREF color) const { return {m_chart.theme.face, m_chart.theme.labelSize, color}; }
 
-    AxisTicks TicksOf(const ChartAxis& axis, const AxisRange& range) const {
+    AxisTicks TicksOf(const ChartAxis& axis, const AxisRange& range, bool& isTurned) const {
         const bool isHorizontal = IsHorizontal(axis);
         AxisSpace space;
         space.length = std::max(1.0, isHorizontal ? m_plot.Width() : m_plot.Height());
@@ -56,10 +58,15 @@ private:
                 return LogTicks(range.low, range.high, space);
             case ChartScale::kTime:
                 return TimeTicks(range.low, range.high, axis.clock, space);
-            case ChartScale::kCategories:
-                return CategoryTicks(axis.categories, range.low, range.high, space);
+            case ChartScale::kCategories: {
+                const NameSpace names{space, isHorizontal, isHorizontal ? m_texts.highestName : m_texts.widestName};
+                CategoryNames found =
+                    FitCategoryNames(axis.categories, range, m_canvas, ValueStyle(m_chart.theme.faintText), names);
+                isTurned = found.isTurned;
+                return std::move(found.ticks);
+            }
             default:
-                return LinearTicks(range.low, range.high, axis.exponent, space);
+                return LinearTicks(range.low, range.high, ExponentOf(axis), space);
         }
     }
 
@@ -105,7 +112,8 @@ private:
     void AddValues(const ChartAxis& axis, double& used, AxisLayout& layout) const {
         double thickness = 0;
         const double at = used + m_canvas.Units(kValueGap);
-        const LabelStyle style = ValueStyle(SeriesColorOf(m_chart, layout.index).value_or(m_chart.theme.faintText));
+        LabelStyle style = ValueStyle(SeriesColorOf(m_chart, layout.index).value_or(m_chart.theme.faintText));
+        style.quarterTurns = layout.isTurned ? 1 : 0;
         for (const AxisTick& tick : layout.ticks.ticks) {
             if (tick.text.empty()) continue;
             layout.labels.push_back(Beside(axis, layout.places.At(tick.value), at, tick.text, style));
@@ -117,7 +125,7 @@ private:
     // "Volume (mL)", "Potential (10³ mV)".
     static std::string TitleOf(const ChartAxis& axis, const AxisTicks& ticks) {
         // A prefix is part of the unit; beyond the prefixes there is a power.
-        const bool isPrefix = axis.exponent == ChartExponent::kSiPrefix && axis.scale == ChartScale::kLinear &&
+        const bool isPrefix = ExponentOf(axis) == ChartExponent::kSiPrefix && axis.scale == ChartScale::kLinear &&
                               !ticks.factor.starts_with("×");
         const std::string between = isPrefix || ticks.factor.empty() || axis.unit.empty() ? "" : " ";
         const std::string inside = ticks.factor + between + axis.unit;
@@ -146,6 +154,11 @@ private:
 };
 
 }  // namespace
+
+ChartExponent ExponentOf(const ChartAxis& axis) {
+    const bool isPower = axis.exponent == ChartExponent::kSiPrefix && !TakesPrefix(axis.unit);
+    return isPower ? ChartExponent::kPower : axis.exponent;
+}
 
 std::vector<AxisLayout> LayAxes(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisRange>& ranges,
                                 const ChartBox& plot, const AxisTexts& texts) {

@@ -103,7 +103,7 @@ std::vector<std::vector<ShapePoint>> SeriesCurves::Between(const std::vector<dou
     };
     std::vector<std::vector<ShapePoint>> upperPieces = pieces(above), lowerPieces = pieces(below);
     for (std::size_t i = 0; i < std::min(upperPieces.size(), lowerPieces.size()); ++i) {
-        if (upperPieces[i].size() < 2 || lowerPieces[i].size() < 2) continue;
+        if (upperPieces[i].empty() || lowerPieces[i].empty()) continue;
         areas.push_back(std::move(upperPieces[i]));
         areas.back().insert(areas.back().end(), lowerPieces[i].rbegin(), lowerPieces[i].rend());
     }
@@ -141,12 +141,11 @@ std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
     if (isEmpty(m_series.xErrors) && isEmpty(m_series.yErrors)) return bars;
     const bool isOnBars = m_series.kind == ChartKind::kBars;
     const double beside = isOnBars ? PlacesOfBars(m_chart, m_index, m_x).Middle() : 0;
-    const std::vector<double> below = StackedBelow(m_chart, m_index);
+    const std::vector<BarEnds> onBars = isOnBars ? EndsOfBars(m_chart, m_index) : std::vector<BarEnds>();
     for (std::size_t i = 0; i < Count(); ++i) {
-        const double start = below.empty() ? 0 : below[i];
-        const ShapePoint at{At(i).x + beside, m_y.At(start + m_series.points[i].GetYData())};
+        const double x = m_series.points[i].GetXData(), y = isOnBars ? onBars[i].to : m_series.points[i].GetYData();
+        const ShapePoint at{At(i).x + beside, m_y.At(y)};
         if (IsGap(at) || !Counts(i)) continue;
-        const double x = m_series.points[i].GetXData(), y = start + m_series.points[i].GetYData();
         const auto end = [](const AxisPlaces& places, double value) {
             return places.isLogarithmic && !(value > 0) ? places.from : places.At(value);
         };
@@ -161,14 +160,11 @@ std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
 
 std::vector<ChartBox> SeriesCurves::Bars() const {
     const BarPlaces places = PlacesOfBars(m_chart, m_index, m_x);
-    const std::vector<double> below = StackedBelow(m_chart, m_index);
+    const std::vector<BarEnds> ends = EndsOfBars(m_chart, m_index);
     std::vector<ChartBox> bars;
     for (std::size_t i = 0; i < Count(); ++i) {
-        const CGraphData& point = m_series.points[i];
-        const double start = m_series.isStacked ? below[i] : m_series.base;
-        const double x = m_x.At(point.GetXData());
-        const double y = m_y.At(m_series.isStacked ? start + point.GetYData() : point.GetYData());
-        const double base = m_y.BaseAt(start);
+        const double x = m_x.At(m_series.points[i].GetXData()), y = m_y.At(ends[i].to);
+        const double base = m_y.BaseAt(ends[i].from);
         if (IsGap({x, y}) || !Counts(i)) continue;
         const double left = x + places.first;
         bars.push_back({left, std::min(y, base), left + places.width, std::max(y, base)});

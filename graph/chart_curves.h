@@ -23,7 +23,8 @@ public:
     /// Where the points are that are left out; those outside the axes' numbers are missing. No other outline has them.
     std::vector<ShapePoint> LeftOut() const;
     bool Counts(std::size_t point) const;  ///< whether it is not left out
-    /// Closed outlines between the line and the base or the band's other edge, one per piece without gaps.
+    /// Closed outlines between the line and the base or the band's other edge, one per piece without gaps. Of a lone
+    /// point there are only the two ends.
     std::vector<std::vector<ShapePoint>> Areas() const;
     /// Of the y errors, as band.
     std::vector<std::vector<ShapePoint>> ErrorAreas() const;

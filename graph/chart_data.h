@@ -25,6 +25,7 @@ struct ChartAxis {
     /// Above 0: without a fixed high end the axis ends at the highest value and is this long, as on a strip recorder.
     double following = 0;
     bool isReversed = false;  ///< low values at the right or upper end, as wavenumbers are shown
+    /// A prefix is only before a unit that takes one, "V" or "g/L"; before "m²", "mV", "%" or none there is a power.
     ChartExponent exponent = ChartExponent::kPower;
     ChartClock clock = ChartClock::kUtc;
     std::vector<std::string> categories = {};  ///< of values 0, 1, 2, ...

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qellib10/graph/category_names.h"
 #include "qellib10/graph/left_out.h"
 
 namespace qel {
@@ -12,6 +13,7 @@ namespace {
 constexpr double kTitleGap = 4, kLegendGap = 8, kNarrowestPlot = 60, kLowestPlot = 45;
 constexpr double kWidestLegend = 0.34;           // of the chart, beside the plot
 constexpr double kNarrowestShare = 0.45;         // of the chart: the plot beside a legend
+constexpr double kLongestName = 1.0 / 3;         // of the chart, across an axis
 constexpr int kFreePasses = 2, kMostPasses = 8;  // values of axes need space, which changes the values
 
 // What is left out first where there is no space.
@@ -44,7 +46,8 @@ private:
             std::min(m_canvas.Units(m_chart.theme.margin), std::min(m_box.Width(), m_box.Height()) / 8);
         ChartBox inner{m_box.left + margin, m_box.top + margin, m_box.right - margin, m_box.bottom - margin};
         AddTitles(left, inner, layout);
-        const AxisTexts texts{Has(left, Left::kValues), Has(left, Left::kAxisTitles)};
+        const AxisTexts texts{Has(left, Left::kValues), Has(left, Left::kAxisTitles), m_box.Width() * kLongestName,
+                              m_box.Height() * kLongestName};
         LayPlot(inner, texts, layout);
         if (!m_chart.hasLegend || !Has(left, Left::kLegend)) return layout;
         if (auto inside = LegendInside(layout)) {
@@ -166,6 +169,16 @@ private:
         layout.legend = std::move(legend);
     }
 
+    std::size_t NamesLeftOut(const ChartLayout& layout) const {
+        std::size_t count = 0;
+        for (const AxisLayout& axis : layout.axes) {
+            const ChartAxis& from = m_chart.axes[axis.index];
+            if (from.scale == ChartScale::kCategories)
+                count += NamesNotShown(from.categories, {axis.places.low, axis.places.high}, axis.ticks);
+        }
+        return count;
+    }
+
     // What was wanted and is not there, and the texts over the plot.
     ChartLayout Finished(ChartLayout layout, Left left) const {
         const auto report = [&](bool isWanted, bool isThere, const char* name) {
@@ -184,6 +197,10 @@ private:
             layout.leftOut.push_back("axis: " + m_chart.axes[i].title);
         for (const ChartSeries& series : m_chart.series)
             if (!HasItsAxes(m_chart, series)) layout.leftOut.push_back("series: " + series.name);
+        if (const std::size_t count = Has(left, Left::kValues) ? NamesLeftOut(layout) : 0; count > 0)
+            layout.leftOut.push_back(std::to_string(count) + (count == 1 ? " name" : " names") + " of categories");
+        if (const std::size_t count = ValuesNotAboveZero(m_chart); count > 0)
+            layout.leftOut.push_back(std::to_string(count) + (count == 1 ? " value" : " values") + " not above 0");
         if (m_chart.limits.empty() && m_chart.notes.empty()) return layout;
 
         const CurveField field(m_chart, m_canvas, layout.axes, layout.plot);

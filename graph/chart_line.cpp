@@ -38,6 +38,10 @@ bool IsIn(const ShapePoint& place, const ChartBox& box) {
     return place.x >= box.left && place.x <= box.right && place.y >= box.top && place.y <= box.bottom;
 }
 
+bool IsLone(std::span<const ShapePoint> line, std::size_t i) {
+    return !IsGap(line[i]) && (i == 0 || IsGap(line[i - 1])) && (i + 1 == line.size() || IsGap(line[i + 1]));
+}
+
 }  // namespace
 
 // A point in another column, or a gap.
@@ -103,6 +107,25 @@ std::vector<ShapePoint> CutToArea(std::span<const ShapePoint> line, const ChartB
         isDown = IsIn(line[i], box);
     }
     return cut;
+}
+
+std::vector<ShapePoint> LonePlaces(std::span<const ShapePoint> line) {
+    std::vector<ShapePoint> places;
+    for (std::size_t i = 0; i < line.size(); ++i)
+        if (IsLone(line, i)) places.push_back(line[i]);
+    return places;
+}
+
+std::vector<ShapePoint> PlacesAlong(std::span<const ShapePoint> line, double distance) {
+    std::vector<ShapePoint> places;
+    if (line.empty()) return places;
+    ShapePoint last{line.front().x - distance / 2, line.front().y};  // lines often start at one place
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const bool isFar = std::hypot(line[i].x - last.x, line[i].y - last.y) >= distance;  // not of a gap
+        if (!isFar && !IsLone(line, i)) continue;
+        places.push_back(last = line[i]);
+    }
+    return places;
 }
 
 }  // namespace qel

@@ -54,4 +54,10 @@ private:
 std::vector<ShapePoint> CutToArea(std::span<const ShapePoint> line, const ChartBox& area);
 std::vector<ShapePoint> CutToArea(std::vector<ShapePoint>&& line, const ChartBox& area);
 
+/// Points between two gaps, which no line shows.
+std::vector<ShapePoint> LonePlaces(std::span<const ShapePoint> line);
+
+/// Corners of a line that are at least so far from each other, and all lone points.
+std::vector<ShapePoint> PlacesAlong(std::span<const ShapePoint> line, double distance);
+
 }  // namespace qel

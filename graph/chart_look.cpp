@@ -19,9 +19,11 @@ const DashLengths kDashes[] = {{ChartDash::kSolid, {}},
                                {ChartDash::kLongDash, {9, 3}}};
 constexpr std::size_t kDashCount = std::size(kDashes);
 
-constexpr ChartMark kMarks[] = {ChartMark::kCircle,       ChartMark::kSquare, ChartMark::kTriangle, ChartMark::kDiamond,
-                                ChartMark::kTriangleDown, ChartMark::kCross,  ChartMark::kPlus,     ChartMark::kStar,
-                                ChartMark::kPentagon,     ChartMark::kHexagon};
+constexpr ChartMark kMarks[] = {ChartMark::kCircle,  ChartMark::kSquare,       ChartMark::kTriangle,
+                                ChartMark::kDiamond, ChartMark::kTriangleDown, ChartMark::kCross,
+                                ChartMark::kPlus,    ChartMark::kStar,         ChartMark::kPentagon,
+                                ChartMark::kHexagon, ChartMark::kOpenCircle,   ChartMark::kOpenSquare};
+constexpr double kBetweenMarks = 60;
 
 // Of the three channels' linear light, as WCAG 2.1 (2018) defines relative luminance.
 double LuminanceOf(COLORREF color) {
@@ -47,6 +49,12 @@ std::size_t SourceOf(const Chart& chart, std::size_t index) {
 std::size_t PlaceInPalette(const Chart& chart, std::size_t source) {
     const auto isOwn = [](const ChartSeries& series) { return !series.colorOf; };
     return static_cast<std::size_t>(std::ranges::count_if(std::span(chart.series).first(source), isOwn));
+}
+
+// Goes on by one with each round of the colours, so that no two have the same number and colour before all pairs are
+// used up.
+std::size_t NextWithColors(std::size_t count, std::size_t colors) {
+    return colors > 0 ? count % colors + count / colors : count;
 }
 
 COLORREF ColorOf(const Chart& chart, std::size_t index) {
@@ -88,19 +96,27 @@ SeriesLook LookOf(const Chart& chart, std::size_t index) {
     };
     const auto isPoints = [](const ChartSeries& each) { return each.kind == ChartKind::kPoints; };
     const std::span before = std::span(chart.series).first(index);
-    const auto lines = std::ranges::count_if(before, isLine), points = std::ranges::count_if(before, isPoints);
-    const std::size_t round = theme.hasDashes ? static_cast<std::size_t>(lines)
-                                              : PlaceInPalette(chart, SourceOf(chart, index)) /
-                                                    std::max<std::size_t>(1, theme.palette.size());
+    const auto count = [&](const auto& isCounted) {
+        return static_cast<std::size_t>(std::ranges::count_if(before, isCounted));
+    };
+    const std::size_t lines = count(isLine), points = count(isPoints), colors = theme.palette.size();
+    const std::size_t round = theme.hasDashes
+                                  ? NextWithColors(lines, colors)
+                                  : PlaceInPalette(chart, SourceOf(chart, index)) / std::max<std::size_t>(1, colors);
     const std::size_t dash =
         series.dash == ChartDash::kAuto ? round % kDashCount : static_cast<std::size_t>(series.dash) - 1;
     for (const double length : kDashes[std::min(dash, kDashCount - 1)].lengths)
         look.dashes.push_back(length * std::max(1.0, look.width));
     const auto isBars = [](const ChartSeries& each) { return each.kind == ChartKind::kBars; };
-    if (theme.hasDashes && isBars(series)) look.hatch = static_cast<std::size_t>(std::ranges::count_if(before, isBars));
+    if (theme.hasDashes && isBars(series)) look.hatch = NextWithColors(count(isBars), colors);
     look.mark = series.mark;
-    if (look.mark == ChartMark::kAuto)
-        look.mark = isPoints(series) ? kMarks[static_cast<std::size_t>(points) % std::size(kMarks)] : ChartMark::kNone;
+    if (look.mark != ChartMark::kAuto) return look;
+    look.mark = isPoints(series) ? kMarks[points % std::size(kMarks)] : ChartMark::kNone;
+    // Without colours, lines of the second round would have the dashes of the first.
+    if (theme.hasDashes && isLine(series) && lines >= kDashCount) {
+        look.mark = kMarks[(lines / kDashCount - 1) % std::size(kMarks)];
+        look.markDistance = kBetweenMarks;
+    }
     return look;
 }
 

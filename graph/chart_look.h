@@ -13,7 +13,8 @@ struct SeriesLook {
     double width = 1;            ///< points
     std::vector<double> dashes;  ///< points; empty: none
     ChartMark mark = ChartMark::kNone;
-    std::size_t hatch = 0;  ///< of bars; see DrawHatch
+    double markDistance = 0;  ///< points along a line between its marks; 0: a mark at each point
+    std::size_t hatch = 0;    ///< of bars; see DrawHatch
 };
 
 SeriesLook LookOf(const Chart& chart, std::size_t series);

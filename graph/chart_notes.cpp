@@ -16,6 +16,13 @@ ChartBox Grown(const ChartBox& box, double by) {
     return {box.left - by, box.top - by, box.right + by, box.bottom + by};
 }
 
+// Whether a part of it is between the ends of its axis.
+bool IsShown(const ChartLimit& limit, const AxisPlaces& places) {
+    const double from = places.At(limit.from), to = places.At(limit.to.value_or(limit.from));
+    const double low = std::min(places.from, places.to), high = std::max(places.from, places.to);
+    return std::max(from, to) >= low && std::min(from, to) <= high;  // false for what is no number
+}
+
 // The place with the fewest hits among those that are free.
 class BestPlace {
 public:
@@ -63,7 +70,11 @@ std::vector<PlacedNote> PlaceLimitLabels(const Chart& chart, const ChartCanvas& 
     const double gap = canvas.Units(kGap);
     for (std::size_t i = 0; i < chart.limits.size(); ++i) {
         const ChartLimit& limit = chart.limits[i];
-        if (limit.label.empty() || limit.axis >= axes.size()) continue;
+        if (limit.axis >= axes.size() || !IsShown(limit, axes[limit.axis].places)) {
+            leftOut.push_back("limit: " + (limit.label.empty() ? NumberText(limit.from, 0, 0) : limit.label));
+            continue;
+        }
+        if (limit.label.empty()) continue;
         const LabelStyle style{
             chart.theme.face, chart.theme.labelSize,
             Readable(limit.color.value_or(chart.theme.limit), chart.theme.plot, chart.theme.text, kTextContrast)};

@@ -20,7 +20,11 @@ constexpr double kCap = 3;  // points: half of the line at the end of an error b
 class ChartPainter {
 public:
     ChartPainter(const Chart& chart, ChartCanvas& canvas, const ChartLayout& layout)
-        : m_chart(chart), m_theme(chart.theme), m_canvas(canvas), m_layout(layout) {}
+        : m_chart(chart),
+          m_theme(chart.theme),
+          m_canvas(canvas),
+          m_layout(layout),
+          m_marksOfLines(chart.series.size()) {}
 
     void Paint() {
         m_canvas.Fill(m_layout.box, m_theme.background);
@@ -154,8 +158,13 @@ private:
         const ChartSeries& series = m_chart.series[index];
         const ShapeStyle style{
             .fill = LookOf(m_chart, index).color, .isSmooth = m_chart.isSmooth, .opacity = kAreaOpacity};
+        ShapeStyle lone = style;
+        lone.fill = {};
+        lone.stroke = LookOf(m_chart, index).color;
+        lone.strokeWidth = m_canvas.Units(m_theme.markSize);
         const auto paint = [&](const std::vector<std::vector<ShapePoint>>& areas) {
-            for (const std::vector<ShapePoint>& area : areas) m_canvas.Shape(Near(area), style);
+            for (const std::vector<ShapePoint>& area : areas)
+                m_canvas.Shape(Near(area), area.size() > 2 ? style : lone);
         };
         if (series.kind == ChartKind::kArea || series.kind == ChartKind::kBand) paint(curves.Areas());
         if (series.hasErrorBand) paint(curves.ErrorAreas());
@@ -220,7 +229,11 @@ private:
             const std::vector<double> dashes = Lengths(look.dashes);
             style.dashes = dashes;
             style.isRound = dashes.empty();
-            stroke(curves.Line());
+            std::vector<ShapePoint> line = curves.Line();
+            const std::vector<ShapePoint> marks =
+                look.markDistance > 0 ? PlacesAlong(line, m_canvas.Units(look.markDistance)) : LonePlaces(line);
+            m_marksOfLines[index].insert(m_marksOfLines[index].end(), marks.begin(), marks.end());
+            stroke(std::move(line));
         }
     }
 
@@ -246,13 +259,18 @@ private:
         const ChartBox reach = Grown(m_layout.plot, kGapOfMark);
         for (const ShapePoint& at : curves.LeftOut())
             if (IsInside({at.x, at.y, at.x, at.y}, reach)) DrawLeftOut(m_chart, m_canvas, at);
-        if (look.mark == ChartMark::kNone) return;
         const double size = m_canvas.Units(m_theme.markSize);
-        for (std::size_t i = 0; i < curves.Count(); ++i) {
-            const ShapePoint at = curves.At(i);
-            if (IsInside({at.x, at.y, at.x, at.y}, reach) && curves.Counts(i))
-                DrawMark(m_canvas, look.mark, at, size, look.color, m_theme.plot, m_chart.isSmooth);
+        const auto mark = [&](ChartMark kind, const ShapePoint& at) {
+            if (IsInside({at.x, at.y, at.x, at.y}, reach))
+                DrawMark(m_canvas, kind, at, size, look.color, m_theme.plot, m_chart.isSmooth);
+        };
+        if (look.mark == ChartMark::kNone || look.markDistance > 0) {
+            const ChartMark kind = look.mark == ChartMark::kNone ? ChartMark::kCircle : look.mark;
+            for (const ShapePoint& at : m_marksOfLines[index]) mark(kind, at);
+            return;
         }
+        for (std::size_t i = 0; i < curves.Count(); ++i)
+            if (curves.Counts(i)) mark(look.mark, curves.At(i));
     }
 
     void PaintNote(const PlacedNote& placed) {
@@ -290,6 +308,7 @@ private:
     const ChartTheme& m_theme;
     ChartCanvas& m_canvas;
     const ChartLayout& m_layout;
+    std::vector<std::vector<ShapePoint>> m_marksOfLines;  // of each series: lone points, or marks along the line
 };
 
 }  // namespace

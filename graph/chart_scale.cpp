@@ -51,14 +51,25 @@ double BarDistance(const std::vector<CGraphData>& points) {
     return distance;
 }
 
-void AddSeries(Extent& extent, const Chart& chart, std::size_t index, bool isX) {
+bool IsEmpty(const ChartErrors& errors) { return errors.down.empty() && errors.up.empty(); }
+
+// On a logarithmic axis bars start at its low end: a decade below the lowest one, which is seen then.
+void AddBase(Extent& extent, const ChartSeries& series, bool isLogarithmic) {
+    constexpr double kBelowLowest = 10;
+    const bool isArea = series.kind == ChartKind::kArea, isBars = series.kind == ChartKind::kBars;
+    if (isBars || isArea || series.hasDrops) extent.Add(series.base);
+    if (!isLogarithmic || series.base > 0 || !(isBars || series.hasDrops)) return;
+    for (const CGraphData& point : series.points) extent.Add(point.GetYData() / kBelowLowest);
+}
+
+void AddSeries(Extent& extent, const Chart& chart, std::size_t index, bool isX, bool isLogarithmic) {
     const ChartSeries& series = chart.series[index];
-    const bool hasBase = series.kind == ChartKind::kBars || series.kind == ChartKind::kArea || series.hasDrops;
-    if (!isX && hasBase) extent.Add(series.base);
-    const std::vector<double> below = isX ? std::vector<double>() : StackedBelow(chart, index);
+    if (!isX) AddBase(extent, series, isLogarithmic);
     const double half = isX && series.kind == ChartKind::kBars ? BarDistance(series.points) / 2 : 0;
     const ChartErrors& errors = isX ? series.xErrors : series.yErrors;
-    if (errors.down.empty() && errors.up.empty() && half == 0 && below.empty() && series.lower.empty()) {
+    const std::vector<BarEnds> bars =
+        !isX && series.kind == ChartKind::kBars && series.isStacked ? EndsOfBars(chart, index) : std::vector<BarEnds>();
+    if (IsEmpty(errors) && half == 0 && bars.empty() && series.lower.empty()) {
         for (const CGraphData& point : series.points) extent.Add(isX ? point.GetXData() : point.GetYData());
         return;
     }
@@ -70,9 +81,16 @@ void AddSeries(Extent& extent, const Chart& chart, std::size_t index, bool isX) 
             extent.Add(point.GetXData() + half);
             continue;
         }
-        AddWithErrors(extent, point.GetYData() + (below.empty() ? 0 : below[i]), series.yErrors, i);
+        AddWithErrors(extent, bars.empty() ? point.GetYData() : bars[i].to, series.yErrors, i);
         if (series.kind == ChartKind::kBand && i < series.lower.size()) extent.Add(series.lower[i]);
     }
+}
+
+// Marks and the ends of error bars would be cut at an axis, or lie on it.
+bool NeedsSpace(const ChartSeries& series) {
+    return series.kind == ChartKind::kPoints || series.kind == ChartKind::kBars ||
+           (series.mark != ChartMark::kAuto && series.mark != ChartMark::kNone) || !IsEmpty(series.xErrors) ||
+           (!IsEmpty(series.yErrors) && !series.hasErrorBand);
 }
 
 bool IsEnd(const std::optional<double>& end, bool isLogarithmic) {
@@ -94,24 +112,41 @@ AxisRange WithFixedEnds(const ChartAxis& axis, AxisRange range) {
     return range;
 }
 
+// The axis whose range this one has: at the end of all links, or the first one in a ring of them.
+std::size_t SourceOf(const Chart& chart, std::size_t axis) {
+    std::size_t source = axis;
+    std::vector<std::size_t> passed;
+    for (;;) {
+        const auto& same = chart.axes[source].sameAs;
+        const bool isUsable = same && *same < AxisCount(chart) && chart.axes[*same].scale == chart.axes[source].scale;
+        if (!isUsable) return source;
+        if (const auto ring = std::ranges::find(passed, source); ring != passed.end())
+            return *std::min_element(ring, passed.end());
+        passed.push_back(source);
+        source = *same;
+    }
+}
+
+// Of an axis and all those that follow it.
 AxisRange RangeOf(const Chart& chart, std::size_t index) {
     const ChartAxis& axis = chart.axes[index];
+    const auto isOf = [&](std::size_t other) { return other < AxisCount(chart) && SourceOf(chart, other) == index; };
     const bool isLogarithmic = axis.scale == ChartScale::kLogarithmic;
     Extent extent(isLogarithmic);
     bool hasSpace = !IsHorizontal(axis);  // lines start at a vertical axis
     for (const ChartLimit& limit : chart.limits) {
-        if (limit.axis != index) continue;
+        if (!isOf(limit.axis)) continue;
         extent.Add(limit.from);
         if (limit.to) extent.Add(*limit.to);
     }
     for (std::size_t i = 0; i < chart.series.size(); ++i) {
         const ChartSeries& series = chart.series[i];
         if (!HasItsAxes(chart, series)) continue;
-        const bool isX = IsHorizontal(axis);
-        if ((isX ? series.xAxis : series.yAxis) != index) continue;
-        AddSeries(extent, chart, i, isX);
-        hasSpace = hasSpace || series.kind == ChartKind::kPoints || series.kind == ChartKind::kBars ||
-                   (series.mark != ChartMark::kAuto && series.mark != ChartMark::kNone);
+        for (const bool isX : {true, false}) {
+            if (!isOf(isX ? series.xAxis : series.yAxis)) continue;
+            AddSeries(extent, chart, i, isX, isLogarithmic);
+            hasSpace = hasSpace || NeedsSpace(series);
+        }
     }
     if (axis.scale == ChartScale::kCategories) {
         const double count = std::max<double>(1, static_cast<double>(axis.categories.size()));
@@ -150,37 +185,60 @@ std::vector<AxisRange> AxisRanges(const Chart& chart, const ChartRanges& shown) 
         const bool isShown = i < shown.size() && shown[i] && IsRange(*shown[i], chart.axes[i].scale);
         ranges.push_back(isShown ? *shown[i] : RangeOf(chart, i));
     }
-    for (std::size_t i = 0; i < ranges.size(); ++i) {
-        const auto& same = chart.axes[i].sameAs;
-        const bool isUsable = same && *same < ranges.size() && chart.axes[*same].scale == chart.axes[i].scale;
-        if (isUsable) ranges[i] = ranges[*same];
-    }
+    for (std::size_t i = 0; i < ranges.size(); ++i) ranges[i] = ranges[SourceOf(chart, i)];
     return ranges;
 }
 
-std::vector<double> StackedBelow(const Chart& chart, std::size_t index) {
-    const ChartSeries& series = chart.series[index];
-    if (series.kind != ChartKind::kBars || !series.isStacked) return {};
-    std::map<double, double> sums;  // by x
-    for (std::size_t i = 0; i < index; ++i) {
-        const ChartSeries& before = chart.series[i];
-        const bool isBelow = before.kind == ChartKind::kBars && before.isStacked && before.xAxis == series.xAxis &&
-                             before.yAxis == series.yAxis;
-        if (!isBelow) continue;
-        ForEachKept(PointsLeftOut(before), 0, before.points.size(), [&](std::size_t first, std::size_t end) {
-            for (std::size_t j = first; j < end; ++j) {
-                const CGraphData& point = before.points[j];
-                if (std::isfinite(point.GetXData()) && std::isfinite(point.GetYData()))
-                    sums[point.GetXData()] += point.GetYData();
+std::size_t ValuesNotAboveZero(const Chart& chart) {
+    std::size_t count = 0;
+    for (const ChartSeries& series : chart.series) {
+        if (!HasItsAxes(chart, series)) continue;
+        const auto isLogarithmic = [&](std::size_t axis) { return chart.axes[axis].scale == ChartScale::kLogarithmic; };
+        const bool isLogX = isLogarithmic(series.xAxis), isLogY = isLogarithmic(series.yAxis);
+        if (!isLogX && !isLogY) continue;
+        ForEachKept(PointsLeftOut(series), 0, series.points.size(), [&](std::size_t first, std::size_t end) {
+            for (std::size_t i = first; i < end; ++i) {
+                count += isLogX && series.points[i].GetXData() <= 0 ? 1 : 0;
+                count += isLogY && series.points[i].GetYData() <= 0 ? 1 : 0;
             }
         });
     }
-    std::vector<double> below;
-    for (const CGraphData& point : series.points) {
-        const auto found = std::isnan(point.GetXData()) ? sums.end() : sums.find(point.GetXData());
-        below.push_back(found == sums.end() ? 0 : found->second);
+    return count;
+}
+
+std::vector<BarEnds> EndsOfBars(const Chart& chart, std::size_t index) {
+    struct Sums {
+        double above = 0, below = 0;
+    };
+    const ChartSeries& series = chart.series[index];
+    std::map<double, Sums> sums;  // by x
+    for (std::size_t i = 0; i < index && series.isStacked; ++i) {
+        const ChartSeries& before = chart.series[i];
+        const bool isInStack = before.kind == ChartKind::kBars && before.isStacked && before.xAxis == series.xAxis &&
+                               before.yAxis == series.yAxis;
+        if (!isInStack) continue;
+        ForEachKept(PointsLeftOut(before), 0, before.points.size(), [&](std::size_t first, std::size_t end) {
+            for (std::size_t j = first; j < end; ++j) {
+                const double x = before.points[j].GetXData(), y = before.points[j].GetYData();
+                if (std::isfinite(x) && std::isfinite(y)) (y < 0 ? sums[x].below : sums[x].above) += y;
+            }
+        });
     }
-    return below;
+    std::vector<BarEnds> bars;
+    bars.reserve(series.points.size());
+    for (const CGraphData& point : series.points) {
+        const double x = point.GetXData(), y = point.GetYData();
+        const auto found = std::isnan(x) ? sums.end() : sums.find(x);
+        const Sums own = found == sums.end() ? Sums() : found->second;
+        // The first bar starts at the base. The ends are sums of the values, whatever the base is.
+        if (y < 0) {
+            bars.push_back({std::min(own.below, series.base), own.below + y});
+        } else {
+            bars.push_back({std::max(own.above, series.base), own.above + y});
+        }
+        if (!series.isStacked) bars.back().from = series.base;
+    }
+    return bars;
 }
 
 }  // namespace qel

@@ -22,7 +22,17 @@ inline bool IsHorizontal(const ChartAxis& axis) {
 /// At most 8.
 std::size_t AxisCount(const Chart& chart);
 
-/// The sum of what stacked series before @p index have at the x of each of its points; 0 for other series.
-std::vector<double> StackedBelow(const Chart& chart, std::size_t index);
+/// How many values have no place since their axis is logarithmic; points that are left out do not count.
+std::size_t ValuesNotAboveZero(const Chart& chart);
+
+/// Where a bar starts and ends, values of its vertical axis.
+struct BarEnds {
+    double from = 0;
+    double to = 0;
+};
+
+/// Of each point of a series of bars: from its base to its value, or from where the stacked bars before it end at the
+/// same x. Values below 0 have a stack of their own, downward; no bar hides another one.
+std::vector<BarEnds> EndsOfBars(const Chart& chart, std::size_t index);
 
 }  // namespace qel

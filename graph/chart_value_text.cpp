@@ -4,7 +4,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <limits>
 
+#include "qellib10/graph/chart_axis_layout.h"
 #include "qellib10/graph/tick_text.h"
 #include "qellib10/graph/wall_clock.h"
 
@@ -18,14 +20,32 @@ std::string WithUnit(const std::string& number, const std::string& unit) {
     return unit.empty() ? number : number + " " + unit;
 }
 
-// The power of ten at or below a thousandth of what is shown; its digit is the last one of a text.
-double StepOf(double shown) {
-    const double step = shown / kSteps;
-    if (!(step > 0) || !std::isfinite(step)) return 0;
-    return Scaled(1, static_cast<int>(std::floor(std::log10(step) + 1e-9)));
+// The power of ten that is at most a thousandth of @p size, and no digit that a double of this value does not have.
+double StepOf(double size, double value) {
+    constexpr int kDigits = 15;
+    if (!(size > 0) || !std::isfinite(value)) return 0;
+    const double part = std::min(size, std::numeric_limits<double>::max()) / kSteps;
+    const int least = ShortestDigits(std::fabs(value)).Exponent() - kDigits + 1;
+    return Scaled(1, std::max(ShortestDigits(part).Exponent(), least));
 }
+
 double StepOf(const AxisPlaces& places, double value) {
-    return StepOf(places.isLogarithmic ? std::fabs(value) : places.high - places.low);
+    return StepOf(places.isLogarithmic ? std::fabs(value) : places.high - places.low, value);
+}
+
+// With the prefix that the axis has at its unit, or with its power of ten where that is shorter.
+std::string TextOfNumber(const ChartAxis& axis, const AxisPlaces& places, double value) {
+    const double step = StepOf(places, value);
+    const ChartExponent kind = ExponentOf(axis);
+    const int exponent = AxisExponent(std::max(std::fabs(places.low), std::fabs(places.high)), kind);
+    if (exponent != 0 && axis.scale == ChartScale::kLinear) {
+        const std::string number = NumberText(value, step, exponent), factor = FactorText(exponent, kind);
+        const bool isPower = factor.starts_with("\u00D7");
+        if (!isPower) return number + " " + factor + axis.unit;
+        if (Characters(number + factor) < Characters(PlainText(value, step, 0)))
+            return WithUnit(number + factor, axis.unit);
+    }
+    return WithUnit(NumberText(value, step, 0), axis.unit);
 }
 
 // A fraction of a second is shown where the range is short.
@@ -60,18 +80,18 @@ std::string ValueText(const ChartAxis& axis, const AxisPlaces& places, double va
         const bool isName = nearest >= 0 && nearest < static_cast<double>(axis.categories.size());
         if (isName && nearest == value) return axis.categories[static_cast<std::size_t>(nearest)];
     }
-    const double step = StepOf(places, value);
     if (axis.scale == ChartScale::kTime && value >= kFirstSecond && value <= kLastSecond)
-        return TimeText(axis, value, step);
-    return WithUnit(NumberText(value, step, 0), axis.unit);
+        return TimeText(axis, value, StepOf(places, 0));
+    return TextOfNumber(axis, places, value);
 }
 
 std::string DistanceText(const ChartAxis& axis, const AxisPlaces& places, double distance) {
+    if (axis.scale == ChartScale::kLinear) return TextOfNumber(axis, places, distance);
     return WithUnit(NumberText(distance, StepOf(places, distance), 0), UnitOfDistances(axis));
 }
 
 std::string FourDigits(double value, const std::string& unit) {
-    return WithUnit(NumberText(value, StepOf(std::fabs(value)), 0), unit);
+    return WithUnit(NumberText(value, StepOf(std::fabs(value), value), 0), unit);
 }
 
 std::string UnitOfDistances(const ChartAxis& axis) {

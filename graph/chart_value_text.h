@@ -6,8 +6,9 @@
 
 namespace qel {
 
-/// A value of an axis for a reader, with its unit: a number with the decimals that a thousandth of the shown range has,
-/// "7.05 mL"; a time with its date and zone, "2026-11-28 12:30:05 UTC"; the name of a category.
+/// A value of an axis for a reader, with its unit: a number with the decimals that tell a thousandth of the shown range
+/// apart, "7.05 mL", of a logarithmic axis with four digits, in the axis' prefix, "2.500 nA"; a time with its date and
+/// zone, "2026-11-28 12:30:05 UTC"; the name of a category.
 std::string ValueText(const ChartAxis& axis, const AxisPlaces& places, double value);
 
 /// A distance of two values of an axis, in the same way: of times "90.5 s".

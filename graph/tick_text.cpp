@@ -73,11 +73,6 @@ std::string ScientificText(const DecimalDigits& number) {
     return text + (size.size() < 2 ? "0" : "") + size;
 }
 
-std::size_t Characters(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
-}
-
 }  // namespace
 
 DecimalDigits ShortestDigits(double magnitude) {
@@ -115,6 +110,11 @@ std::string NumberText(double value, double step, int exponent) {
     const DecimalDigits digits = RoundedDigits(std::abs(value), LastPlace(value, step));
     std::string scientific = Signed(value, digits, ScientificText(digits));
     return Characters(scientific) < Characters(plain) ? scientific : plain;
+}
+
+std::size_t Characters(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
 std::string PowerText(int exponent) {

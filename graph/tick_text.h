@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "qellib10/graph/axis_ticks.h"
 
@@ -27,6 +28,9 @@ double Scaled(std::int64_t whole, int exponent);
 
 /// NumberText with all digits, however many.
 std::string PlainText(double value, double step, int exponent);
+
+/// Of UTF-8.
+std::size_t Characters(std::string_view text);
 
 /// "10⁻³".
 std::string PowerText(int exponent);

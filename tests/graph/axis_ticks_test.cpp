@@ -291,6 +291,7 @@ TEST(AxisTicks, RangesIncludeTheirData) {
              {3, 40, kLog, "2 50"},
              {3, 4e4, kLog, "1 100000"},
              {3, 3, kLog, "1 10"},
+             {1.001, 1.002, kLog, "1.00095 1.00205"},
              {-3, 5, kLog, "0.001 10"},
              {-3, -1, kLog, "1 10"},
              {5e-324, kLargest, kLog, "4.94066e-324 1.79769e+308"},

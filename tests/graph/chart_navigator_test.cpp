@@ -87,3 +87,31 @@ TEST(ChartNavigator, KnowsTheValuesUnderThePointer) {
     EXPECT_EQ(Line({inside.size(), inside.empty() ? 9 : inside.front()}), "2 1");
     EXPECT_TRUE(window.navigator.PointsIn(window.chart, 7, {0, 0, 400, 300}).empty());
 }
+
+TEST(ChartNavigator, ValuesHaveTheDigitsThatARangeTellsApart) {
+    constexpr auto kLinear = qel::ChartScale::kLinear, kLog = qel::ChartScale::kLogarithmic;
+    constexpr auto kPrefix = qel::ChartExponent::kSiPrefix, kPower = qel::ChartExponent::kPower;
+    for (const auto& [value, low, high, scale, exponent, unit, text] :
+         Cases<double, double, double, qel::ChartScale, qel::ChartExponent, const char*, const char*>{
+             {0.13737282841391888, -0.4, 0.3, kLinear, kPower, "mL", "0.1374 mL"},
+             {1e9 + 0.0002, 1e9, 1e9 + 0.0003, kLinear, kPower, "", "1000000000.00020"},  // no more digits are true
+             {2.5e-9, 0, 7e-9, kLinear, kPower, "A", "2.500×10⁻⁹ A"},
+             {123456, 0, 2e5, kLinear, kPower, "cps", "123456 cps"},
+             {2.5e-9, 0, 7e-9, kLinear, kPrefix, "A", "2.500 nA"},
+             {0.25, 0, 0.7, kLinear, kPrefix, "%", "0.2500 %"},
+             {2.0 / 7, 0.1, 100, kLog, kPower, "", "0.2857"},
+             {123.456, 0.1, 1e5, kLog, kPrefix, "Pa", "123.5 Pa"},
+             {1764345138.25, 1764345000, 1764346234, qel::ChartScale::kTime, kPower, "", "2025-11-28 15:52:18 UTC"},
+             {1, -0.5, 1.5, qel::ChartScale::kCategories, kPower, "", "Lot 2"},
+         }) {
+        Window window;
+        qel::ChartAxis& axis = window.chart.axes[0];
+        axis = {.unit = unit, .scale = scale, .low = low, .high = high, .exponent = exponent};
+        axis.categories = {"Lot 1", "Lot 2"};
+        window.chart.series = {{.points = {{value, 10}}}};
+        window.Draw();
+        const auto values = window.navigator.ValuesAt(window.chart, window.Place(value, 1).x);
+        ASSERT_EQ(values.size(), 1U) << text;
+        EXPECT_EQ(values[0].text, text + std::string(", 10.00"));
+    }
+}

@@ -1,10 +1,14 @@
 #include "qellib10/graph/chart.h"
 
 #include <cmath>
+#include <iomanip>
 #include <limits>
 #include <random>
+#include <set>
+#include <sstream>
 
 #include "qellib10/graph/chart_look.h"
+#include "qellib10/graph/chart_scale.h"
 #include "qellib10/platform/failure.h"
 #include "qellib10/print/queue_data.h"
 
@@ -169,19 +173,53 @@ TEST(Chart, NamesWhatItLeftOut) {
     qel::Chart chart = WholeChart();
     chart.axes[0].title = "A title that is far too long for a chart of this width and is shortened";
     chart.series.push_back({.name = "Nowhere", .yAxis = 7});
+    chart.series.push_back({.points = {{1, 0}, {2, -1}, {3, kNan}, {4, 0.5}}, .yAxis = 2});
+    chart.limits.insert(chart.limits.end(),
+                        {{.axis = 7, .label = "Lost"}, {.from = 1e3}, {.from = kNan, .label = "N"}});
+    chart.axes[1].high = 20;
     const auto leftOut = [&](int width, int height) {
         Canvas canvas(width, height);
         return Joined(chart.Draw(canvas.dc, CRect(0, 0, width, height)));
     };
-    EXPECT_EQ(leftOut(700, 500), "series: Nowhere");
+    EXPECT_EQ(leftOut(700, 500), "series: Nowhere, 2 values not above 0, limit: Lost, limit: 1000, limit: N");
     EXPECT_EQ(leftOut(40, 30),
-              "title, subtitle, titles of the axes, values of the axes, legend, series: Nowhere, limit: Indicator, "
-              "limit: Expected, note: EP1 12.00 mL, note: Start");
+              "title, subtitle, titles of the axes, values of the axes, legend, series: Nowhere, 2 values not "
+              "above 0, limit: Indicator, limit: Expected, limit: Lost, limit: 1000, limit: N, note: EP1 12.00 mL, "
+              "note: Start");
     Canvas canvas(300, 300);
     std::string shortened;
     for (const qel::ChartText& text : chart.Draw(canvas.dc, CRect(0, 0, 300, 300)).texts)
         if (text.text.starts_with("A title")) shortened = text.text;
     EXPECT_TRUE(shortened.ends_with("…")) << shortened;
+}
+
+TEST(Chart, PrefixesAreBeforeUnitsThatTakeThem) {
+    for (const auto& [unit, high, title] : Cases<const char*, double, const char*>{
+             {"g/L", 5000, "Q (kg/L)"},
+             {"V", 0.5, "Q (mV)"},
+             {"Pa·s", 5e-9, "Q (nPa·s)"},
+             {"mol", 5e30, "Q (×10³⁰ mol)"},
+             {"m²", 5e5, "Q (×10³ m²)"},
+             {"m2", 5e5, "Q (×10³ m2)"},
+             {"cm³", 5e-5, "Q (×10⁻⁶ cm³)"},
+             {"1/mL", 5e5, "Q (×10³ 1/mL)"},
+             {"mV", 5000, "Q (mV)"},
+             {"kg", 5e5, "Q (×10³ kg)"},
+             {"%", 0.5, "Q (%)"},
+             {"mol %", 5e5, "Q (×10³ mol %)"},
+             {"°C", 5000, "Q (°C)"},
+             {"", 5e-5, "Q (×10⁻⁶)"},
+         }) {
+        qel::Chart chart;
+        chart.axes[1].title = "Q", chart.axes[1].unit = unit;
+        chart.axes[1].exponent = qel::ChartExponent::kSiPrefix;
+        chart.series = {{.points = {{0, 0}, {1, high}}}};
+        Canvas canvas(600, 400);
+        std::string shown;
+        for (const qel::ChartText& text : chart.Draw(canvas.dc, CRect(0, 0, 600, 400)).texts)
+            if (text.text.starts_with("Q")) shown = text.text;
+        EXPECT_EQ(shown, title);
+    }
 }
 
 TEST(Chart, HasProportionsThatDoNotDependOnTheResolution) {
@@ -213,6 +251,114 @@ TEST(Chart, SeriesHaveTheColourOfThoseThatTheyBelongTo) {
     EXPECT_EQ(colors, (std::vector<COLORREF>{palette[0], palette[0], palette[1], RGB(1, 2, 3), RGB(1, 2, 3)}));
     const auto none = qel::ChartMark::kNone;
     EXPECT_EQ(marks, (std::vector{none, none, qel::ChartMark::kCircle, qel::ChartMark::kSquare, none}));
+}
+
+TEST(Chart, NoTwoOfSixtySeriesLookTheSameOnPaper) {
+    using Look = std::tuple<COLORREF, std::vector<double>, qel::ChartMark, std::size_t>;
+    for (const auto kind : {qel::ChartKind::kLine, qel::ChartKind::kPoints, qel::ChartKind::kBars}) {
+        qel::Chart chart;
+        chart.theme = qel::ChartTheme::Print();
+        chart.series.assign(60, {.kind = kind});
+        std::set<Look> looks, withoutColours;
+        for (std::size_t i = 0; i < chart.series.size(); ++i) {
+            const qel::SeriesLook look = qel::LookOf(chart, i);
+            looks.insert({look.color, look.dashes, look.mark, look.hatch % 5});
+            withoutColours.insert({0, look.dashes, look.mark, look.hatch % 5});
+        }
+        const bool isBars = kind == qel::ChartKind::kBars, isLine = kind == qel::ChartKind::kLine;
+        EXPECT_EQ(looks.size(), isBars ? 50U : 60U);
+        EXPECT_EQ(withoutColours.size(), isBars ? 5U : isLine ? 60U : 12U);
+    }
+}
+
+// Each bar from the upper to the lower end of its value.
+TEST(Chart, StackedBarsHideNoOthers) {
+    qel::Chart chart;
+    for (const std::vector<double>& values : {std::vector<double>{5, 85, -1}, {-3, kNan, 85}, {1, 5, -2}, {-4, 0, 2}}) {
+        chart.series.push_back({.kind = qel::ChartKind::kBars, .isStacked = true});
+        for (const double value : values)
+            chart.series.back().points.push_back({double(chart.series.back().points.size()), value});
+    }
+    for (const auto& [base, expected] : Cases<double, const char*>{
+             {0, "0..5 0..85 0..-1 0..-3 85..nan 0..85 5..6 85..90 -1..-3 -3..-7 90..90 85..87"},
+             {80, "80..5 80..85 0..-1 0..-3 85..nan 80..85 80..6 85..90 -1..-3 -3..-7 90..90 85..87"},
+         }) {
+        std::ostringstream ends;
+        for (qel::ChartSeries& series : chart.series) series.base = base;
+        for (std::size_t i = 0; i < chart.series.size(); ++i)
+            for (const qel::BarEnds& bar : qel::EndsOfBars(chart, i)) ends << ' ' << bar.from << ".." << bar.to;
+        EXPECT_EQ(ends.str(), std::string(" ") + expected);
+    }
+}
+
+TEST(Chart, NamesOfCategoriesAreShortenedBeforeTheyAreLeftOut) {
+    for (const auto& [side, count, isAll] :
+         Cases<qel::ChartSide, std::size_t, bool>{{qel::ChartSide::kBottom, 1, true},
+                                                  {qel::ChartSide::kBottom, 3, true},
+                                                  {qel::ChartSide::kBottom, 20, true},
+                                                  {qel::ChartSide::kBottom, 300, false},
+                                                  {qel::ChartSide::kLeft, 8, true},
+                                                  {qel::ChartSide::kLeft, 100, false}}) {
+        qel::Chart chart;
+        chart.title = "Assay";
+        qel::ChartAxis& axis = chart.axes[side == qel::ChartSide::kBottom ? 0 : 1];
+        axis.scale = qel::ChartScale::kCategories;
+        for (std::size_t i = 0; i < count; ++i)
+            axis.categories.push_back("Lot of film-coated tablets, batch number " + std::to_string(i));
+        Canvas canvas(480, 320);
+        const qel::ChartReport report = chart.Draw(canvas.dc, CRect(0, 0, 480, 320));
+        std::set<std::string> shown;
+        for (const qel::ChartText& text : report.texts)
+            if (text.text.starts_with("Lot")) shown.insert(text.text);
+        EXPECT_EQ(shown.size() == count, isAll) << count;
+        EXPECT_EQ(Joined(report), isAll ? "" : std::to_string(count - shown.size()) + " names of categories");
+        EXPECT_EQ(FaultOf(report, CRect(0, 0, 480, 320)), "");
+    }
+}
+
+TEST(Chart, PointsBetweenGapsAreSeen) {
+    for (const auto kind :
+         {qel::ChartKind::kLine, qel::ChartKind::kSteps, qel::ChartKind::kArea, qel::ChartKind::kBand}) {
+        qel::Chart chart;
+        chart.axes[0].hasGrid = chart.axes[1].hasGrid = false;
+        chart.series = {{.kind = kind, .points = {{0, 1}, {1, kNan}, {2, 3}, {3, kNan}, {4, 2}, {5, 1}}}};
+        chart.series[0].lower = {0, kNan, 2, kNan, 1, 0};
+        Canvas canvas(300, 200);
+        const qel::ChartReport report = chart.Draw(canvas.dc, CRect(0, 0, 300, 200));
+        const int x = int(report.axes[0].At(2)), y = int(report.axes[1].At(3)) + 1;
+        EXPECT_NE(canvas.At(x, y), chart.theme.plot) << static_cast<int>(kind);
+        EXPECT_EQ(canvas.At(x - 15, y), chart.theme.plot);
+    }
+}
+
+TEST(Chart, AxesReachWhatIsDrawnOnThem) {
+    constexpr auto kLog = qel::ChartScale::kLogarithmic;
+    qel::Chart linked;
+    linked.axes.resize(4);
+    linked.axes[1].sameAs = 2, linked.axes[2].sameAs = 3;
+    for (const std::size_t axis : {1, 2, 3}) {
+        linked.axes[axis].side = qel::ChartSide::kLeft;
+        linked.series.push_back({.points = {{0, 0}, {1, double(axis * 10)}}, .yAxis = axis});
+    }
+    qel::Chart bars, errors, narrow;
+    bars.axes[1].scale = kLog;
+    bars.series = {{.kind = qel::ChartKind::kBars, .points = {{1, 1}, {2, 0}, {3, 30}}}};
+    errors.series = {{.points = {{0, 1}, {100, 2}}, .yErrors = {.down = {0.1, 0.1}}}};
+    narrow.axes[0].scale = kLog;
+    narrow.series = {{.points = {{2, 1}, {4, -2}}}};
+    for (const auto& [chart, ends] : Cases<const qel::Chart*, const char*>{
+             {&linked, "0..1 0..31.5 0..31.5 0..31.5"},
+             {&bars, "0.35..3.65 0.1..50"},
+             {&errors, "0..105 0.84..2.16"},
+             {&narrow, "1.93..4.14 -2.15..1.15"},
+         }) {
+        Canvas canvas(400, 300);
+        std::ostringstream found;
+        found << std::setprecision(3);
+        for (const qel::AxisPlaces& axis : chart->Draw(canvas.dc, CRect(0, 0, 400, 300)).axes)
+            found << ' ' << axis.low << ".." << axis.high;
+        EXPECT_EQ(found.str(), std::string(" ") + ends);
+    }
 }
 
 TEST(Chart, TextsInColoursCanBeRead) {
