@@ -140,21 +140,21 @@ TEST(QelPlot, MakesCharts) {
     folder.Write("time.csv", "t,y\n2026-11-28T23:30,1\n2026-11-29T00:10:00.5,2\n2026-02-30,3\n");
     folder.Write("utc.csv", "t,y\n2026-11-28T23:30Z,1\n2026-11-29T01:10+01:00,2\n");
     const char* const kBelow = "  1 line with numbers below the table not drawn, from line 6\n";
-    const std::string both = "3 points, 2 curves\n  1 field has no number and is not drawn\n";
+    const std::string both = "3 points, 2 curves\n  1 field without a number is not drawn\n";
     for (const auto& [arguments, answer, words] : Cases<std::string, std::string, std::vector<const char*>>{
              {"t.csv --chart -y 2 -y 3", both + kBelow, {">Volume (mL)<", ">pH<", ">E (mV)<"}},
              {"t.csv --legend inside -y 3", std::string("3 points, 1 curve\n") + kBelow, {">E (mV)<", ">E<"}},
              {"t.csv --log xy -y 2 -y 3 --legend none",
               both + "  1 value is not above 0 and not drawn\n" + kBelow,
-              {">10<", ">100<"}},
+              {">10<", ">200<"}},
              {"t.csv --errors 4 -y 3",
               std::string("3 points, 1 curve\n  1 error is below 0 and not drawn\n") + kBelow,
               {">E (mV)<"}},
              {"t.csv --title A --subtitle B --limit 8:C:D --y-range 14:0 --x-range 0:60 --theme dark --steps",
-              "3 points, 1 curve\n  1 field has no number and is not drawn\n" + std::string(kBelow),
+              "3 points, 1 curve\n  1 field without a number is not drawn\n" + std::string(kBelow),
               {">A<", ">B<", ">C:D<", ">14<", ">60<"}},
-             {"time.csv --points", "3 points, 1 curve\n  1 field has no number and is not drawn\n", {"JST", ">23:30<"}},
-             {"time.csv --utc", "3 points, 1 curve\n  1 field has no number and is not drawn\n", {"UTC", ">23:30<"}},
+             {"time.csv --points", "3 points, 1 curve\n  1 field without a number is not drawn\n", {"JST", ">23:30<"}},
+             {"time.csv --utc", "3 points, 1 curve\n  1 field without a number is not drawn\n", {"UTC", ">23:30<"}},
              {"utc.csv --reverse-x --x-range 2026-11-28T23:00Z/2026-11-29T01:00Z",
               "2 points, 1 curve\n",
               {"UTC", ">23:00<"}},

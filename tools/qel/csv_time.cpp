@@ -1,15 +1,19 @@
 #include "csv_time.h"
 
-#include <charconv>
+#include <algorithm>
 #include <chrono>
-#include <cmath>
-
-#include <qellib10/qellib10.h>
+#include <ctime>
 
 namespace tool {
 namespace {
 
-constexpr int kSecondsPerHour = 3600, kSecondsPerMinute = 60;
+constexpr int kSecondsPerDay = 86400, kSecondsPerHour = 3600, kSecondsPerMinute = 60;
+
+std::int64_t SecondsAhead(std::int64_t time) {
+    const std::time_t seconds = time;
+    std::tm fields{};
+    return localtime_r(&seconds, &fields) != nullptr ? fields.tm_gmtoff : 0;
+}
 
 // Takes parts from the start of a text; after the first that is missing nothing is taken any more.
 class Parts {
@@ -51,13 +55,29 @@ private:
 
 }  // namespace
 
-std::int64_t TimeReader::LocalHour(int year, int month, int day, int hour) {
-    const std::int64_t key = ((year * 12LL + month) * 31 + day) * 24 + hour;
-    if (key != m_hour) {
-        m_start = CTime(year, month, day, hour, 0, 0).GetTime();
-        m_hour = key;
+const TimeReader::Ahead& TimeReader::AheadAt(std::int64_t localHour) {
+    if (m_hour != localHour) {
+        m_ahead = {SecondsAhead(localHour - kSecondsPerDay), SecondsAhead(localHour + kSecondsPerDay)};
+        m_hour = localHour;
     }
-    return m_start;
+    return m_ahead;
+}
+
+// @p local counts seconds as if local days had 24 hours; @p fraction follows them.
+std::optional<std::int64_t> TimeReader::FromLocal(std::int64_t local, double fraction) {
+    const auto& [before, after] = AheadAt(local - local % kSecondsPerHour);
+    if (before == after) return local - before;
+    const auto exists = [&](std::int64_t ahead) { return SecondsAhead(local - ahead) == ahead; };
+    if (exists(before) && exists(after)) {
+        ++m_repeated;
+        const std::int64_t earlier = local - std::max(before, after), later = local - std::min(before, after);
+        if (m_isFalling) return *m_last < static_cast<double>(later) + fraction ? earlier : later;
+        return m_last && *m_last > static_cast<double>(earlier) + fraction ? later : earlier;
+    }
+    if (exists(before)) return local - before;
+    if (exists(after)) return local - after;
+    ++m_skipped;
+    return std::nullopt;
 }
 
 std::optional<double> TimeReader::Read(std::string_view text) {
@@ -86,8 +106,9 @@ std::optional<double> TimeReader::Read(std::string_view text) {
         hasZone = parts.Has("Z+-");
         if (const char sign = hasZone ? parts.Take("Z+-") : 'Z'; sign != 'Z') {
             ahead = parts.Number(2, 23) * kSecondsPerHour;
-            if (parts.Has(":")) parts.Take(":");
-            ahead += parts.Number(2, 59) * kSecondsPerMinute;
+            const bool hasColon = parts.Has(":");
+            if (hasColon) parts.Take(":");
+            if (hasColon || !parts.IsAll()) ahead += parts.Number(2, 59) * kSecondsPerMinute;
             if (sign == '-') ahead = -ahead;
         }
     }
@@ -96,11 +117,14 @@ std::optional<double> TimeReader::Read(std::string_view text) {
     if (!parts.IsAll() || year == 0 || !date.ok()) return std::nullopt;
     const bool isLocal = !hasZone && !m_isUtc;
     m_hasLocal = m_hasLocal || isLocal;
-    const std::int64_t start =
-        isLocal
-            ? LocalHour(year, month, day, hour)
-            : std::chrono::sys_seconds(std::chrono::sys_days(date)).time_since_epoch().count() + hour * kSecondsPerHour;
-    return static_cast<double>(start + minute * kSecondsPerMinute + second - ahead) + fraction;
+    const std::int64_t shown = std::chrono::sys_seconds(std::chrono::sys_days(date)).time_since_epoch().count() +
+                               hour * kSecondsPerHour + minute * kSecondsPerMinute + second;
+    const std::optional<std::int64_t> whole = isLocal ? FromLocal(shown, fraction) : shown - ahead;
+    if (!whole) return std::nullopt;
+    const double time = static_cast<double>(*whole) + fraction;
+    if (m_last && *m_last != time) m_isFalling = time < *m_last;
+    m_last = time;
+    return time;
 }
 
 }  // namespace tool

@@ -19,6 +19,8 @@ constexpr std::size_t kXAxis = 0, kFirstYAxis = 1;
 struct LeftOut {
     std::size_t notPositive = 0;  // values on logarithmic axes
     std::size_t negativeErrors = 0;
+    std::size_t skippedTimes = 0;   // local times that do not exist
+    std::size_t repeatedTimes = 0;  // local times that exist twice: drawn, but it may be the other one
 };
 
 class ChartMaker {
@@ -84,6 +86,8 @@ public:
                               {"unreadable", unreadable},
                               {"notPositive", m_leftOut.notPositive},
                               {"negativeErrors", m_leftOut.negativeErrors},
+                              {"skippedTimes", m_leftOut.skippedTimes},
+                              {"repeatedTimes", m_leftOut.repeatedTimes},
                               {"below", below},
                               {"leftOut", leftOut}});
         }
@@ -92,7 +96,11 @@ public:
         const auto add = [&](std::size_t count, const char* one, const char* more, const std::string& rest) {
             if (count > 0) text += "  " + Count(count, one, more) + rest + '\n';
         };
-        add(unreadable, "field has", "fields have", " no number and is not drawn");
+        add(unreadable - std::min(unreadable, m_leftOut.skippedTimes), "field without a number is",
+            "fields without a number are", " not drawn");
+        add(m_leftOut.skippedTimes, "time is", "times are", " skipped by summer time and not drawn");
+        add(m_leftOut.repeatedTimes, "time is", "times are",
+            " repeated at the end of summer time; the first that continues the column is drawn");
         add(m_leftOut.notPositive, "value is", "values are", " not above 0 and not drawn");
         add(m_leftOut.negativeErrors, "error is", "errors are", " below 0 and not drawn");
         add(below, "line", "lines", " with numbers below the table not drawn, from line " + std::to_string(firstBelow));
@@ -134,6 +142,8 @@ private:
 
     void Take(std::span<const double> numbers) {
         const double x = numbers[0];
+        m_leftOut.skippedTimes = m_time.Skipped();
+        m_leftOut.repeatedTimes = m_time.Repeated();
         if (m_isLogX && x <= 0) ++m_leftOut.notPositive;
         for (std::size_t i = 0; i < m_curves.size(); ++i) {
             const double y = numbers[1 + i];
@@ -207,7 +217,6 @@ private:
             title += (title.empty() || heading.title.empty() ? "" : ", ") + heading.title;
             m_chart.series.push_back(std::move(series));
         }
-        if (!m_options.bars && !m_options.points && !m_options.marks) AddLonePoints();
         if (m_units.size() > 1) {
             for (qel::ChartSeries& series : m_chart.series) {
                 const std::string& unit = m_chart.axes[series.yAxis].unit;
@@ -217,24 +226,6 @@ private:
         // The title of the axis says it already.
         if (m_curves.size() == 1 && m_options.legend.empty()) m_chart.hasLegend = false;
         if (m_curves.size() > 1 && m_chart.hasLegend && m_units.size() == 1) m_chart.axes[kFirstYAxis].title = "";
-    }
-
-    // A line shows nothing of a point between two gaps.
-    void AddLonePoints() {
-        for (std::size_t i = 0; i < m_curves.size(); ++i) {
-            const std::vector<CGraphData>& points = m_chart.series[i].points;
-            const auto isGap = [&](std::size_t at) { return at >= points.size() || std::isnan(points[at].GetXData()); };
-            qel::ChartSeries lone;
-            for (std::size_t at = 0; at < points.size(); ++at) {
-                if (!isGap(at) && isGap(at - 1) && isGap(at + 1)) lone.points.push_back(points[at]);
-            }
-            if (lone.points.empty()) continue;
-            lone.kind = qel::ChartKind::kPoints;
-            lone.mark = qel::ChartMark::kCircle;
-            lone.yAxis = m_chart.series[i].yAxis;
-            lone.color = m_chart.theme.palette[i % m_chart.theme.palette.size()];
-            m_chart.series.push_back(std::move(lone));
-        }
     }
 
     const PlotOptions& m_options;
