@@ -7,6 +7,7 @@
 #include <span>
 
 #include "qellib10/graph/left_out.h"
+#include "qellib10/graph/series_points.h"
 #include "qellib10/platform/archive/result.h"
 #include "qellib10/platform/storage/block_io.h"
 #include "qellib10/platform/storage/replacement.h"
@@ -41,7 +42,7 @@ public:
 
     std::size_t RowCount() const {
         std::size_t most = 0;
-        for (const ChartSeries& series : m_chart.series) most = std::max(most, series.points.size());
+        for (const ChartSeries& series : m_chart.series) most = std::max(most, SeriesPoints(series).Count());
         return most;
     }
     void AppendNames(std::string& text) const {
@@ -58,10 +59,11 @@ public:
     void AppendRow(std::string& text, std::size_t row) const {
         std::size_t column = 0;
         ForEachColumn(text, [&](const ChartSeries& series, bool hasReasons) {
-            const bool isThere = row < series.points.size();
-            if (isThere) AppendNumber(text, series.points[row].GetXData());
+            const SeriesPoints points(series);
+            const bool isThere = row < points.Count();
+            if (isThere) AppendNumber(text, points[row].GetXData());
             text += ',';
-            if (isThere) AppendNumber(text, series.points[row].GetYData());
+            if (isThere) AppendNumber(text, points[row].GetYData());
             if (hasReasons) text += ',';
             if (std::ranges::binary_search(m_leftOut[column++], row)) {
                 const std::string reason = ReasonLeftOut(series, row).value_or("");

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qellib10/graph/series_points.h"
+
 namespace qel {
 
 std::optional<ChartNavigator::Value> ChartCursor::At(const Chart& chart, const ChartNavigator& navigator) const {
@@ -30,13 +32,14 @@ bool ChartCursor::Step(const Chart& chart, const ChartNavigator& navigator, bool
     const auto from = At(chart, navigator);
     if (!from) return Appear(chart, navigator);
     const ChartSeries& series = chart.series[m_series];
+    const SeriesPoints points(series);
     const AxisPlaces &across = *navigator.PlacesOf(series.xAxis), &up = *navigator.PlacesOf(series.yAxis);
     const auto best = [&]() -> std::optional<std::size_t> {
         std::optional<std::size_t> last;
         for (std::size_t i = m_point;;) {
-            if (isForward ? i + 1 >= series.points.size() : i == 0) return last;
+            if (isForward ? i + 1 >= points.Count() : i == 0) return last;
             i = isForward ? i + 1 : i - 1;
-            const double x = across.At(series.points[i].GetXData()), y = up.At(series.points[i].GetYData());
+            const double x = across.At(points[i].GetXData()), y = up.At(points[i].GetYData());
             if (!std::isfinite(x) || !std::isfinite(y)) continue;
             last = i;
             if (std::fabs(x - from->at.x) >= 1 || std::fabs(y - from->at.y) >= 1) return last;

@@ -4,12 +4,14 @@
 #include <cmath>
 #include <utility>
 
+#include "qellib10/graph/series_points.h"
+
 namespace qel {
 namespace {
 
 bool CanBeMeasured(const Chart& chart, const ChartNavigator& navigator, std::size_t series) {
     const ChartSeries& each = chart.series[series];
-    return !each.points.empty() && navigator.PlacesOf(each.xAxis) != nullptr &&
+    return SeriesPoints(each).Count() > 0 && navigator.PlacesOf(each.xAxis) != nullptr &&
            navigator.PlacesOf(each.yAxis) != nullptr;
 }
 

@@ -7,6 +7,7 @@
 #include "qellib10/graph/chart_scale.h"
 #include "qellib10/graph/chart_value_text.h"
 #include "qellib10/graph/left_out.h"
+#include "qellib10/graph/series_points.h"
 
 namespace qel {
 namespace {
@@ -94,9 +95,10 @@ std::optional<ChartNavigator::Value> ChartNavigator::ValueOf(const Chart& chart,
                                                              std::size_t point) const {
     if (series >= chart.series.size() || !IsPlaced(chart, chart.series[series])) return {};
     const ChartSeries& from = chart.series[series];
-    if (point >= from.points.size()) return {};
+    const SeriesPoints points(from);
+    if (point >= points.Count()) return {};
     const AxisPlaces &across = m_axes[from.xAxis].places, &up = m_axes[from.yAxis].places;
-    const double x = from.points[point].GetXData(), y = from.points[point].GetYData();
+    const double x = points[point].GetXData(), y = points[point].GetYData();
     const ShapePoint at{across.At(x), up.At(y)};
     if (!std::isfinite(at.x) || !std::isfinite(at.y)) return {};
     std::string text = from.name.empty() ? "" : from.name + ": ";
@@ -112,13 +114,14 @@ std::vector<ChartNavigator::Value> ChartNavigator::ValuesAt(const Chart& chart, 
         const ChartSeries& series = chart.series[i];
         if (!IsPlaced(chart, series) || series.kind == ChartKind::kBand) continue;
         const AxisPlaces &across = m_axes[series.xAxis].places, &up = m_axes[series.yAxis].places;
-        std::size_t best = series.points.size();
+        const SeriesPoints points(series);
+        std::size_t best = points.Count();
         double least = 0;
-        for (std::size_t point = 0; point < series.points.size(); ++point) {
-            const CGraphData& data = series.points[point];
+        for (std::size_t point = 0; point < points.Count(); ++point) {
+            const CGraphData& data = points[point];
             const double distance = std::fabs(across.At(data.GetXData()) - x);
             if (std::isnan(distance) || std::isnan(up.At(data.GetYData()))) continue;
-            if (best < series.points.size() && distance >= least) continue;
+            if (best < points.Count() && distance >= least) continue;
             best = point;
             least = distance;
         }
@@ -134,11 +137,12 @@ std::optional<ChartNavigator::Value> ChartNavigator::PointNear(const Chart& char
     for (std::size_t i = 0; i < chart.series.size(); ++i) {
         const ChartSeries& series = chart.series[i];
         if (!IsPlaced(chart, series) || series.kind == ChartKind::kBand) continue;
+        const SeriesPoints points(series);
         const AxisPlaces across = m_axes[series.xAxis].places, up = m_axes[series.yAxis].places;
-        for (std::size_t point = 0; point < series.points.size(); ++point) {
-            const double dx = across.At(series.points[point].GetXData()) - at.x;
+        for (std::size_t point = 0; point < points.Count(); ++point) {
+            const double dx = across.At(points[point].GetXData()) - at.x;
             if (!(std::fabs(dx) <= reach)) continue;
-            const double distance = std::hypot(dx, up.At(series.points[point].GetYData()) - at.y);
+            const double distance = std::hypot(dx, up.At(points[point].GetYData()) - at.y);
             if (!(distance <= reach && distance < least)) continue;
             bestSeries = i, best = point;
             least = distance;
@@ -152,9 +156,10 @@ std::vector<std::size_t> ChartNavigator::PointsIn(const Chart& chart, std::size_
     if (series >= chart.series.size() || !IsPlaced(chart, chart.series[series])) return inside;
     const ChartSeries& from = chart.series[series];
     box = Normalised(box);
-    for (std::size_t i = 0; i < from.points.size(); ++i) {
-        const double x = m_axes[from.xAxis].places.At(from.points[i].GetXData());
-        const double y = m_axes[from.yAxis].places.At(from.points[i].GetYData());
+    const SeriesPoints points(from);
+    for (std::size_t i = 0; i < points.Count(); ++i) {
+        const double x = m_axes[from.xAxis].places.At(points[i].GetXData());
+        const double y = m_axes[from.yAxis].places.At(points[i].GetYData());
         if (x >= box.left && x <= box.right && y >= box.top && y <= box.bottom) inside.push_back(i);
     }
     return inside;

@@ -7,6 +7,7 @@
 
 #include "qellib10/graph/chart_value_text.h"
 #include "qellib10/graph/left_out.h"
+#include "qellib10/graph/series_points.h"
 #include "qellib10/platform/text/string_table.h"
 
 namespace qel {
@@ -35,7 +36,7 @@ struct Place {
 class RangeReader {
 public:
     RangeReader(const ChartSeries& series, double from, double to)
-        : m_series(series), m_low(std::min(from, to)), m_high(std::max(from, to)) {}
+        : m_series(series), m_points(series), m_low(std::min(from, to)), m_high(std::max(from, to)) {}
 
     ChartRangeValues Read() {
         ForEachPlace([&](const Place& place) { Take(place); }, [&] { m_before.reset(); });
@@ -55,9 +56,9 @@ private:
     bool IsInside(double x) const { return x >= m_low && x <= m_high; }
 
     template <class Step, class Gap> void ForEachPlace(const Step& step, const Gap& gap) const {
-        ForEachKept(PointsLeftOut(m_series), 0, m_series.points.size(), [&](std::size_t first, std::size_t end) {
+        ForEachKept(PointsLeftOut(m_series), 0, m_points.Count(), [&](std::size_t first, std::size_t end) {
             for (std::size_t i = first; i < end; ++i) {
-                const Place place{m_series.points[i].GetXData(), m_series.points[i].GetYData()};
+                const Place place{m_points[i].GetXData(), m_points[i].GetYData()};
                 if (std::isfinite(place.x) && std::isfinite(place.y)) {
                     step(place);
                 } else {
@@ -122,6 +123,7 @@ private:
     }
 
     const ChartSeries& m_series;
+    const SeriesPoints m_points;
     const double m_low, m_high;
     std::size_t m_count = 0;
     Sum m_x, m_y, m_area;

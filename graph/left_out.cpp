@@ -4,13 +4,14 @@
 #include <iterator>
 
 #include "qellib10/graph/chart_scale.h"
+#include "qellib10/graph/series_points.h"
 
 namespace qel {
 namespace {
 
 // Each once, in order, of those that exist.
 std::vector<std::size_t> InOrder(std::vector<std::size_t> points, const ChartSeries& series) {
-    std::erase_if(points, [&](std::size_t point) { return point >= series.points.size(); });
+    std::erase_if(points, [count = SeriesPoints(series).Count()](std::size_t point) { return point >= count; });
     std::ranges::sort(points);
     const auto repeated = std::ranges::unique(points);
     points.erase(repeated.begin(), repeated.end());
@@ -19,9 +20,10 @@ std::vector<std::size_t> InOrder(std::vector<std::size_t> points, const ChartSer
 
 // The points that are left out, each once, in order, with the first reason.
 std::vector<const ChartLeftOut*> LeftOutOf(const ChartSeries& series) {
+    const std::size_t count = SeriesPoints(series).Count();
     std::vector<const ChartLeftOut*> points;
     for (const ChartLeftOut& each : series.leftOut)
-        if (each.point < series.points.size()) points.push_back(&each);
+        if (each.point < count) points.push_back(&each);
     std::ranges::stable_sort(points, {}, &ChartLeftOut::point);
     const auto repeated = std::ranges::unique(points, {}, &ChartLeftOut::point);
     points.erase(repeated.begin(), repeated.end());
@@ -32,7 +34,7 @@ std::vector<const ChartLeftOut*> LeftOutOf(const ChartSeries& series) {
 
 std::optional<std::string> ReasonLeftOut(const ChartSeries& series, std::size_t point) {
     const auto found = std::ranges::find(series.leftOut, point, &ChartLeftOut::point);
-    if (found == series.leftOut.end() || point >= series.points.size()) return {};
+    if (found == series.leftOut.end() || point >= SeriesPoints(series).Count()) return {};
     return found->reason;
 }
 
