@@ -56,7 +56,7 @@ std::optional<UnitValue> Combined(const UnitValue& a, const UnitValue& b, int si
 std::uint8_t RatiosOf(const UnitValue& value) {
     std::uint8_t ratios = kRatioOfNothing;
     for (std::size_t i = 0; i < kBaseUnits; ++i) {
-        const int power = value.powers[i];
+        const auto power = static_cast<int>(value.powers[i]);
         if (power == 0) continue;
         if (i == At(BaseUnit::kKilogram))
             ratios |= kRatioOfMasses;
@@ -95,7 +95,8 @@ std::uint8_t RatioPerUnit(const UnitValue& a, const UnitValue& b) {
 // What a unit is an amount or a rate of, also with other factors: g/min is one of mass, J/g one per mass, J and mV
 // none, whose kg is that of the energy. A share of a pressure is a pressure, by volumes and by amounts.
 std::uint8_t PartsOf(const UnitValue& value) {
-    const int kilogram = value.powers[At(BaseUnit::kKilogram)], metre = value.powers[At(BaseUnit::kMetre)];
+    const auto kilogram = static_cast<int>(value.powers[At(BaseUnit::kKilogram)]),
+               metre = static_cast<int>(value.powers[At(BaseUnit::kMetre)]);
     const int energy = kilogram == 0 && metre == 0 ? 0 : -value.powers[At(BaseUnit::kSecond)] / 2;
     const int length = metre - 2 * energy;
     std::uint8_t parts = kRatioOfNothing;
