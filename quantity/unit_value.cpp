@@ -9,6 +9,7 @@ namespace {
 constexpr int kLargestMagnitude = 300;  // of 1e300, and of 1e-300 below 0
 
 constexpr std::size_t At(BaseUnit base) { return static_cast<std::size_t>(base); }
+int PowerOf(const UnitValue& value, std::size_t base) { return value.powers[base]; }
 
 // A range that also has the inverse of each number.
 bool IsUsable(const Decimal& number) {
@@ -56,7 +57,7 @@ std::optional<UnitValue> Combined(const UnitValue& a, const UnitValue& b, int si
 std::uint8_t RatiosOf(const UnitValue& value) {
     std::uint8_t ratios = kRatioOfNothing;
     for (std::size_t i = 0; i < kBaseUnits; ++i) {
-        const auto power = static_cast<int>(value.powers[i]);
+        const int power = PowerOf(value, i);
         if (power == 0) continue;
         if (i == At(BaseUnit::kKilogram))
             ratios |= kRatioOfMasses;
@@ -95,8 +96,7 @@ std::uint8_t RatioPerUnit(const UnitValue& a, const UnitValue& b) {
 // What a unit is an amount or a rate of, also with other factors: g/min is one of mass, J/g one per mass, J and mV
 // none, whose kg is that of the energy. A share of a pressure is a pressure, by volumes and by amounts.
 std::uint8_t PartsOf(const UnitValue& value) {
-    const auto kilogram = static_cast<int>(value.powers[At(BaseUnit::kKilogram)]),
-               metre = static_cast<int>(value.powers[At(BaseUnit::kMetre)]);
+    const int kilogram = PowerOf(value, At(BaseUnit::kKilogram)), metre = PowerOf(value, At(BaseUnit::kMetre));
     const int energy = kilogram == 0 && metre == 0 ? 0 : -value.powers[At(BaseUnit::kSecond)] / 2;
     const int length = metre - 2 * energy;
     std::uint8_t parts = kRatioOfNothing;
