@@ -4,14 +4,12 @@
 #include <array>
 #include <charconv>
 
+#include "qellib10/quantity/shown_number.h"
 #include "qellib10/quantity/trace_computation.h"
 #include "qellib10/quantity/traced_calculation.h"
 
 namespace qel {
 namespace {
-
-// Powers of ten of results that are shown without an exponent.
-constexpr int kLeastPlain = -6, kMostPlain = 20;
 
 std::string WithUnit(const std::string& text, const std::string& unit) {
     return unit.empty() ? text : text + ' ' + unit;
@@ -21,17 +19,6 @@ std::string Shortest(double value) {
     std::array<char, 32> text;
     return {text.data(),
             std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 4).ptr};
-}
-
-bool IsPlain(int magnitude) { return magnitude >= kLeastPlain && magnitude <= kMostPlain; }
-
-// Of 0 every digit after the point says nothing where there are many.
-std::string Shown(const ExactResult& result, bool isRounded) {
-    if (isRounded && result.value.IsZero()) return result.PlainText();
-    if (!result.value.IsZero()) return IsPlain(result.value.Magnitude()) ? result.PlainText() : result.Text();
-    ExactResult zero = result;
-    if (!IsPlain(zero.value.Exponent())) zero.value = Decimal();
-    return zero.PlainText();
 }
 
 }  // namespace
@@ -50,7 +37,7 @@ std::string Trace::ResultText() const {
     ExactResult shown = *part->result;
     if (!shown.IsNumberOrLimit()) return shown.cause ? shown.Text() + ": " + NameOf(*shown.cause) : shown.Text();
     if (m_rounded) shown.value = m_rounded->rounded;
-    return WithUnit(Shown(shown, m_rounded.has_value()), part->unit);
+    return WithUnit(ShownResult(shown, m_rounded.has_value()), part->unit);
 }
 
 // Positions after the inputs are those of the helpers, which are variables of the other formulas.

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "qellib10/quantity/formula_constants.h"
+#include "qellib10/quantity/shown_number.h"
 #include "qellib10/quantity/trace.h"
 #include "qellib10/quantity/trace_phrases.h"
 #include "qellib10/quantity/trace_sentences.h"
@@ -137,7 +138,7 @@ private:
         table.rows.push_back({Word(TraceWord::kUnrounded), Phrase(result.Text()) + unit});
         if (!m_trace.Rounded()) return;
         result.value = m_trace.Rounded()->rounded;
-        table.rows.push_back({Word(TraceWord::kRounded), result.PlainText() + unit});
+        table.rows.push_back({Word(TraceWord::kRounded), ShownResult(result, true) + unit});
     }
 
     // Of a value, after a blank.
@@ -216,12 +217,12 @@ private:
         const ResultDecision& decision = *m_trace.Decision();
         const std::string unit = UnitOf(*m_trace.Result());
         TraceTable& table = Add(TraceWord::kLimits, "", {});
-        if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), limits->lower->PlainText() + unit});
-        if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), limits->upper->PlainText() + unit});
+        if (limits->lower) table.rows.push_back({Word(TraceWord::kLower), ShownNumber(*limits->lower) + unit});
+        if (limits->upper) table.rows.push_back({Word(TraceWord::kUpper), ShownNumber(*limits->upper) + unit});
         table.rows.push_back({Word(TraceWord::kRule), Phrase(limits->rule.Name())});
         table.rows.push_back(
             {Word(TraceWord::kCompared),
-             decision.compared.PlainText() + unit + " (" +
+             ShownNumber(decision.compared) + unit + " (" +
                  Word(decision.isRounded ? TraceWord::kComparedRounded : TraceWord::kComparedUnrounded) + ')'});
         if (decision.byUncertainty) {
             table.rows.push_back(

@@ -90,7 +90,7 @@ TEST(TraceSentences, FaultsAndRemarksAreJapanese) {
                                 "V AND M"})
         ExpectJapanese(WithFormula(formula, "kg"), formula);
     for (const char* unit :
-         {"foo", "%", "ucum:foo", "mg/", "mg as N", "°C*m", "°C^2", "m^1.5", "0 m", "m^999", "K @ 1 @ 2"})
+         {"foo", "%", "ucum:foo", "mg/", "mg as N", "5 e3", "°C*m", "°C^2", "m^1.5", "0 m", "m^999", "K @ 1 @ 2"})
         ExpectJapanese(WithFormula("V", unit), unit);
 }
 
@@ -108,6 +108,8 @@ TEST(TraceSentences, KeepNamesAndPlaces) {
               "丸めが判定を決める。丸めていない値（ガードバンドの対象）は不適合"},
              {"the formula needs its own result at character 1: \"B\": A needs B needs A",
               "計算式が自身の結果を必要とする。1 文字目 \"B\": A → B → A"},
+             {"a division by zero at character 1: \"[x is needed at y]\"",
+              "0 による除算。1 文字目 \"[x is needed at y]\""},
              {"something else", "something else"},
          })
         EXPECT_EQ(qel::JapaneseSentence(english), japanese);

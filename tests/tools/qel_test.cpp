@@ -268,7 +268,7 @@ TEST(Qel, CalcChecksAndComputes) {
              {"--exact A 'A=1; u=--1'", "2 qel: \"u=--1\" is no uncertainty"},
              {"--exact A 'A=1; u=0.1; source=B'", "2 qel: \"source=B\" has no uncertainty after it"},
              {"--exact A 'A=1; u=0.1' --k 0", "2 qel: --k: a coverage factor is a number above 0"},
-             {"--exact A+B 'A=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,B,1", "0 2 ± 0.40 (k = 2)\n"},
+             {"--exact A+B 'a=1; u=0.1' 'B=1; u=0.1' --k 2 --correlation A,b,1", "0 2 ± 0.40 (k = 2)\n"},
              {"--exact A+B 'A=1; u=0.1' B=1 --k 2 --correlation A,B,1",
               "2 qel: \"B\" has no uncertainty, so it has no correlation coefficient; see qel --help\n"},
              {"--exact 'const.R*T' T=298.15 --unit kJ/mol", "1 qel: RESULT: the units do not go together"},

@@ -1,6 +1,6 @@
 #include "calc_input.h"
 
-#include <algorithm>
+#include <optional>
 
 #include "tool.h"
 
@@ -90,11 +90,13 @@ qel::InputCorrelation CorrelationOf(const std::string& text, const std::vector<q
     const auto [first, more] = Split(text, ',');
     const auto [second, coefficient] = Split(more.value_or(""), ',');
     if (!coefficient) Refuse(text, "is not A,B,R");
+    qel::FormulaScope names;  // in which upper and lower case are the same
+    for (const qel::CalculationInput& input : inputs) names.Add(input.name);
     const auto positionOf = [&](const std::string& name) {
-        const auto found = std::ranges::find(inputs, name, &qel::CalculationInput::name);
-        if (found == inputs.end()) Refuse(name, "is no input");
-        if (found->components.empty()) Refuse(name, "has no uncertainty, so it has no correlation coefficient");
-        return static_cast<std::size_t>(found - inputs.begin());
+        const std::optional<std::size_t> found = names.Find(name);
+        if (!found) Refuse(name, "is no input");
+        if (inputs[*found].components.empty()) Refuse(name, "has no uncertainty, so it has no correlation coefficient");
+        return *found;
     };
     return {positionOf(first), positionOf(second), Number(*coefficient)};
 }
