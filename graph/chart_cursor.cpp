@@ -19,9 +19,14 @@ void ChartCursor::Set(std::size_t series, std::size_t point) noexcept {
 
 bool ChartCursor::Appear(const Chart& chart, const ChartNavigator& navigator) {
     for (std::size_t series = 0; series < chart.series.size(); ++series) {
-        for (const std::size_t point : navigator.PointsIn(chart, series, navigator.Plot())) {
-            if (!navigator.ValueOf(chart, series, point)) continue;
-            Set(series, point);
+        const ChartSeries& each = chart.series[series];
+        const AxisPlaces *const across = navigator.PlacesOf(each.xAxis), *const up = navigator.PlacesOf(each.yAxis);
+        if (across == nullptr || up == nullptr) continue;
+        const SeriesPoints points(each);
+        for (std::size_t i = 0; i < points.Count(); ++i) {
+            const ShapePoint at{across->At(points[i].GetXData()), up->At(points[i].GetYData())};
+            if (!navigator.IsInPlot(at) || !navigator.ValueOf(chart, series, i)) continue;
+            Set(series, i);
             return true;
         }
     }

@@ -64,12 +64,12 @@ std::string TimeText(const ChartAxis& axis, double value, double step) {
     std::snprintf(text, sizeof text, "%04d-%02u-%02u %02d:%02d:%02d", int(date.year()), unsigned(date.month()),
                   unsigned(date.day()), int(time.hours().count()), int(time.minutes().count()),
                   int(time.seconds().count()));
-    std::string whole_text = text;
+    std::string written = text;
     if (step < 0.5) {
         std::snprintf(text, sizeof text, ".%03d", milliseconds);
-        whole_text += text;
+        written += text;
     }
-    return whole_text + " " + clock.ZoneName(whole);
+    return written + " " + clock.ZoneName(whole);
 }
 
 }  // namespace

@@ -13,8 +13,7 @@ namespace {
 std::vector<std::size_t> InOrder(std::vector<std::size_t> points, const ChartSeries& series) {
     std::erase_if(points, [count = SeriesPoints(series).Count()](std::size_t point) { return point >= count; });
     std::ranges::sort(points);
-    const auto repeated = std::ranges::unique(points);
-    points.erase(repeated.begin(), repeated.end());
+    points.erase(std::unique(points.begin(), points.end()), points.end());
     return points;
 }
 
@@ -25,8 +24,8 @@ std::vector<const ChartLeftOut*> LeftOutOf(const ChartSeries& series) {
     for (const ChartLeftOut& each : series.leftOut)
         if (each.point < count) points.push_back(&each);
     std::ranges::stable_sort(points, {}, &ChartLeftOut::point);
-    const auto repeated = std::ranges::unique(points, {}, &ChartLeftOut::point);
-    points.erase(repeated.begin(), repeated.end());
+    const auto isSame = [](const ChartLeftOut* one, const ChartLeftOut* other) { return one->point == other->point; };
+    points.erase(std::unique(points.begin(), points.end(), isSame), points.end());
     return points;
 }
 

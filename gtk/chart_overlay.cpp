@@ -23,6 +23,7 @@ public:
         const std::optional<ShapePoint> place = cursor ? cursor->at : m_scene.pointer;
         const ChartBox& plot = m_scene.navigator.Plot();
         PaintMarkers(place && place->x > plot.left + plot.Width() / 2);
+        if (place && !m_scene.box) Upright(place->x, m_theme.axis, Line(), 0.5);
         if (!m_scene.hint.empty()) PaintHint();
         if (m_scene.box) {
             PaintDragged(*m_scene.box);
@@ -130,9 +131,8 @@ private:
         Frame(OnPixels(box), m_theme.axis, Line());
     }
 
-    // A line through the place, and a box with the values of all series beside it.
+    // The values of all series, in a box beside the place.
     void PaintValues(const std::vector<ChartNavigator::Value>& values, const ShapePoint& at) {
-        Upright(at.x, m_theme.axis, Line(), 0.5);
         if (values.empty()) return;
         std::vector<Row> rows;
         for (const ChartNavigator::Value& value : values) {
