@@ -5,7 +5,9 @@
 #include <numeric>
 
 #include "qellib10/evaluation/curve_data.h"
+#include "qellib10/evaluation/merged_readings.h"
 #include "qellib10/evaluation/reading_noise.h"
+#include "qellib10/evaluation/reading_strays.h"
 
 namespace qel {
 namespace {
@@ -21,57 +23,47 @@ std::shared_ptr<CurveData> RefusedData(CurveRefusal refusal, std::string reason)
     return data;
 }
 
-struct Merged {
-    MergedPoints points;
-    double squares = 0;  // of repeats about their means
-    std::size_t degrees = 0;
-};
-
-Merged Merge(std::span<const CurvePoint> points, const std::vector<std::size_t>& order, RepeatedReadings repeats) {
-    Merged merged;
-    for (std::size_t first = 0, last = 0; first < order.size(); first = last) {
-        double sum = 0;
-        for (last = first; last < order.size() && points[order[last]].x == points[order[first]].x; ++last)
-            sum += points[order[last]].y;
-        const auto count = static_cast<double>(last - first);
-        const bool isLast = repeats == RepeatedReadings::kLast;
-        merged.points.x.push_back(points[order[first]].x);
-        merged.points.y.push_back(isLast ? points[order[last - 1]].y : sum / count);
-        merged.points.counts.push_back(isLast ? 1 : count);
-        if (isLast) continue;
-        for (std::size_t i = first; i < last; ++i) merged.squares += std::pow(points[order[i]].y - sum / count, 2);
-        merged.degrees += last - first - 1;
+void LeaveOut(MergedPoints& points, std::vector<std::size_t>& places, const std::vector<bool>& strays) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < strays.size(); ++i) {
+        if (strays[i]) continue;
+        for (std::vector<double>* const values : {&points.x, &points.y, &points.counts}) (*values)[kept] = (*values)[i];
+        places[kept++] = places[i];
     }
-    return merged;
-}
-
-void LeaveOut(MergedPoints& points, const std::vector<bool>& strays) {
-    for (std::vector<double>* const values : {&points.x, &points.y, &points.counts}) {
-        std::size_t kept = 0;
-        for (std::size_t i = 0; i < strays.size(); ++i) {
-            if (!strays[i]) (*values)[kept++] = (*values)[i];
-        }
-        values->resize(kept);
-    }
+    for (std::vector<double>* const values : {&points.x, &points.y, &points.counts}) values->resize(kept);
+    places.resize(kept);
 }
 
 // Strays make the noise seem large, and are then hidden by it.
-void EvaluateNoise(CurveData& data, const Merged& merged, const CurveOptions& options, std::vector<double>& strayAt) {
-    MergedPoints kept = merged.points;
+void EvaluateNoise(CurveData& data, const std::vector<std::size_t>& order, const CurveOptions& options) {
+    std::vector<bool> strays(data.given.size());
+    const double digit = DigitOf(data.given);
+    data.digitNoise = digit / std::sqrt(12.0);
+    if (options.repeats == RepeatedReadings::kAverage)
+        MarkRepeatStrays(data.given, order, options.noise, digit, strays);
+    const MergedReadings merged = MergeReadings(data.given, order, options.repeats, strays);
+    MergedPoints kept = merged;
+    std::vector<std::size_t> places(kept.x.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
     for (int pass = 0;; ++pass) {
-        const ReadingNoise noise = EstimateNoise(kept, merged.squares, merged.degrees);
+        const ReadingNoise noise = EstimateNoise(kept, merged.squares, merged.degrees, digit);
         data.noise = options.noise > 0 ? options.noise : noise.deviation;
         if (!(options.noise > 0)) data.noiseDegrees = noise.degreesOfFreedom;
-        const std::vector<bool> strays = FindStrays(kept, data.noise);
-        const auto found = static_cast<std::size_t>(std::ranges::count(strays, true));
-        if (found == 0 || kept.x.size() - found < kFewestPoints || pass == kStrayPasses) break;
-        for (std::size_t i = 0; i < strays.size(); ++i) {
-            if (strays[i]) strayAt.push_back(kept.x[i]);
+        const std::vector<bool> found = FindStrays(kept, places, data.noise);
+        const auto count = static_cast<std::size_t>(std::ranges::count(found, true));
+        if (count == 0 || kept.x.size() - count < kFewestPoints || pass == kStrayPasses) break;
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            for (std::size_t k = merged.starts[places[i]]; found[i] && k < merged.starts[places[i] + 1]; ++k)
+                strays[order[k]] = true;
         }
-        LeaveOut(kept, strays);
+        LeaveOut(kept, places, found);
     }
-    std::ranges::sort(strayAt);
-    static_cast<MergedPoints&>(data) = options.leaveOutStrays ? std::move(kept) : merged.points;
+    for (std::size_t i = 0; i < strays.size(); ++i) {
+        if (strays[i]) data.strays.push_back(i);
+    }
+    data.areStraysIn = !options.leaveOutStrays;
+    if (data.areStraysIn) kept = MergeReadings(data.given, order, options.repeats, std::vector<bool>(strays.size()));
+    static_cast<MergedPoints&>(data) = std::move(kept);
 }
 
 std::shared_ptr<const CurveData> DataOf(std::span<const CurvePoint> points, const CurveOptions& options) {
@@ -89,8 +81,7 @@ std::shared_ptr<const CurveData> DataOf(std::span<const CurvePoint> points, cons
     std::vector<std::size_t> order(points.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return points[i].x; });
-    const Merged merged = Merge(points, order, options.repeats);
-    const MergedPoints& all = merged.points;
+    const MergedReadings all = MergeReadings(points, order, options.repeats, std::vector<bool>(points.size()));
     if (all.x.size() < kFewestPoints) {
         auto data = RefusedData(CurveRefusal::kTooFewPoints, "a curve needs at least " + std::to_string(kFewestPoints) +
                                                                  " points, there are " + std::to_string(all.x.size()));
@@ -108,12 +99,8 @@ std::shared_ptr<const CurveData> DataOf(std::span<const CurvePoint> points, cons
                                                         ": nothing was measured");
     }
     auto data = std::make_shared<CurveData>();
-    std::vector<double> strayAt;
-    EvaluateNoise(*data, merged, options, strayAt);
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        if (std::ranges::binary_search(strayAt, points[i].x)) data->strays.push_back(i);
-    }
     data->given.assign(points.begin(), points.end());
+    EvaluateNoise(*data, order, options);
     data->areEqualCounts = std::ranges::all_of(data->counts, [](double count) { return count == 1; });
     data->parts = FindParts(data->x);
     return data;
@@ -128,6 +115,15 @@ std::string NumberInSentence(double value) {
 }
 
 std::string PointsInSentence(std::size_t count) { return std::to_string(count) + (count == 1 ? " point" : " points"); }
+
+std::string StraysInSentence(const CurveData& data) {
+    if (data.areStraysIn || data.strays.empty()) return {};
+    double first = std::numeric_limits<double>::infinity();
+    for (const std::size_t i : data.strays) first = std::min(first, data.given[i].x);
+    const bool isOne = data.strays.size() == 1;
+    return "; " + std::to_string(data.strays.size()) + (isOne ? " reading was" : " readings were") + " left out as " +
+           (isOne ? "a stray, at " : "strays, the first at ") + NumberInSentence(first);
+}
 
 Curve Curve::Of(std::span<const CurvePoint> points, const CurveOptions& options) {
     return Curve(DataOf(points, options));

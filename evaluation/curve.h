@@ -45,8 +45,9 @@ struct CurveData;
 /// @endcode
 ///
 /// Readings may be in any order and at uneven steps. Where nothing was measured for ten times the usual interval there
-/// is a pause: no window reaches over it. Strays, at most three readings in a row that leave the curve and come back to
-/// it, are left out. A curve that gives nothing refuses each operation with the same reason.
+/// is a pause: no window reaches over it. Strays are left out: at most three readings in a row that leave the curve and
+/// come back to it, the first or last reading far from the others, and those far from others at the same x. A peak of
+/// at most three readings looks the same. A curve that gives nothing refuses each operation with the same reason.
 ///
 /// Nothing is thrown but std::bad_alloc. The same readings give the same digits in each run. Any thread may use a
 /// curve, several at a time too; copies share the readings.
@@ -66,7 +67,7 @@ public:
     /// The x before and after each pause.
     std::vector<CurveRange> Pauses() const;
     /// The standard deviation of a reading, estimated by how far each is from a cubic polynomial through its neighbours
-    /// (the median of these distances), by readings at the same x, and by the smallest digit where many are the same.
+    /// (the median of these distances), and by readings at the same x. At least that of rounding to their last digit.
     /// Too large for a curve with few readings that bends everywhere.
     double Noise() const;
     double NoiseDegreesOfFreedom() const;  ///< infinite where the noise was given
@@ -81,7 +82,8 @@ public:
     /// As Smoothed, a derivative. @param order 1 to the degree
     CurveValues Derivative(std::size_t order, std::size_t window, std::size_t degree) const;
 
-    /// The slope of the straight line with the least squares. The uncertainty is by the readings' own scatter about it.
+    /// The slope of the straight line with the least squares. The uncertainty is by the readings' own scatter about it,
+    /// at least that of their last digit.
     /// Refused for fewer than 3 points, and where the readings bend: a square term is above 6 standard errors and
     /// changes the slope from one end to the other by more than a tenth.
     CurveResult Drift(const CurveRange& range = {}) const;

@@ -22,6 +22,8 @@ struct CurveData : MergedPoints {
     bool areEqualCounts = true;       // each counts 1
     std::vector<std::size_t> parts;   // where each part between pauses starts, and at last the number of points
     std::vector<std::size_t> strays;  // readings as they were given
+    bool areStraysIn = false;
+    double digitNoise = 0;  // standard deviation of the last digit of the readings
     double noise = 0, noiseDegrees = std::numeric_limits<double>::infinity();
     CurveRefusal refusal = CurveRefusal::kNone;
     std::string reason;
@@ -51,6 +53,9 @@ std::string NumberInSentence(double value);
 
 /// "3 points", "1 point"
 std::string PointsInSentence(std::size_t count);
+
+/// "; 3 readings were left out as strays, the first at 9.8", to end a reason with; empty where none were.
+std::string StraysInSentence(const CurveData& data);
 
 inline CurveResult Refused(CurveRefusal refusal, std::string reason) {
     CurveResult result;

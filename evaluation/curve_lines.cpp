@@ -30,18 +30,18 @@ double StraightLine::Variance(double place) const {
 }
 
 std::optional<StraightLine> FitLine(std::span<const double> x, std::span<const double> y,
-                                    std::span<const double> weights) {
+                                    std::span<const double> weights, double leastScatter) {
     if (x.size() < 3) return std::nullopt;
     StraightLine line;
     line.center = std::midpoint(x.front(), x.back());
     const auto straight = FitPowers(x, y, weights, line.center, 2);
     if (!straight) return std::nullopt;
     line.fit = *straight;
-    line.scatter = straight->Scatter();
+    line.scatter = std::max(straight->Scatter(), leastScatter);
     if (const auto bent = FitPowers(x, y, weights, line.center, 3); bent && bent->degreesOfFreedom > 0) {
         const double across = 2 * (x.back() - x.front());
         line.bend = bent->coefficients[2] * across;
-        line.bendError = bent->Scatter() * std::sqrt(bent->Covariance(2, 2)) * across;
+        line.bendError = std::max(bent->Scatter(), leastScatter) * std::sqrt(bent->Covariance(2, 2)) * across;
     }
     return line;
 }

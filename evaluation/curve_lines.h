@@ -25,8 +25,9 @@ struct StraightLine {
 };
 
 /// @param weights one for each, or none
+/// @param leastScatter the scatter of readings that are rounded to digits
 /// @return nothing for fewer than 3 points
 std::optional<StraightLine> FitLine(std::span<const double> x, std::span<const double> y,
-                                    std::span<const double> weights = {});
+                                    std::span<const double> weights, double leastScatter);
 
 }  // namespace qel

@@ -40,7 +40,21 @@ std::vector<double> MovedBy(const CurveData& data, const CurveBaseline& baseline
     return moved;
 }
 
-CurvePeaks RefusedPeaks(CurveRefusal refusal, std::string reason) { return {{}, refusal, std::move(reason)}; }
+// The readings that were left out and are as high as a peak would be, by their x.
+std::vector<double> HighStrays(const PeakCurve& curve, const std::vector<double>& leastHeight) {
+    std::vector<double> places;
+    const CurveData& data = curve.data;
+    for (const std::size_t i : data.areStraysIn ? std::vector<std::size_t>{} : data.strays) {
+        const CurvePoint& stray = data.given[i];
+        const auto after = static_cast<std::size_t>(std::ranges::lower_bound(data.x, stray.x) - data.x.begin());
+        const std::size_t near = std::min(after, data.size() - 1);
+        if (stray.y - curve.baseline.Values()[near] > leastHeight[near]) places.push_back(stray.x);
+    }
+    std::ranges::sort(places);
+    return places;
+}
+
+CurvePeaks RefusedPeaks(CurveRefusal refusal, std::string reason) { return {{}, refusal, std::move(reason), {}}; }
 
 }  // namespace
 
@@ -67,10 +81,14 @@ CurvePeaks Curve::Peaks(const PeakOptions& options) const {
     CurvePeaks found;
     for (const FoundPeak& peak : FindPeaks(curve.smoothed, least)) found.peaks.push_back(ReadPeak(curve, peak));
     if (found.peaks.empty()) {
-        return RefusedPeaks(CurveRefusal::kNoPlace, "no peak is " + NumberInSentence(std::ranges::max(least)) +
-                                                        " high above the baseline; the noise is " +
-                                                        NumberInSentence(data.noise));
+        CurvePeaks none =
+            RefusedPeaks(CurveRefusal::kNoPlace, "no peak is " + NumberInSentence(std::ranges::max(least)) +
+                                                     " high above the baseline; the noise is " +
+                                                     NumberInSentence(data.noise) + StraysInSentence(data));
+        none.strays = HighStrays(curve, least);
+        return none;
     }
+    found.strays = HighStrays(curve, least);
     for (std::size_t k = 0; k < found.peaks.size(); ++k) {
         CurvePeak& peak = found.peaks[k];
         peak.resolution = k + 1 < found.peaks.size() ? Resolution(peak, found.peaks[k + 1])

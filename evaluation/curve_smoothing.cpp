@@ -42,7 +42,7 @@ CurveResult Curve::Drift(const CurveRange& range) const {
         return Refused(CurveRefusal::kTooFewPoints,
                        "a drift needs 3 points, there are " + std::to_string(count) + " in the range");
     const auto part = [&](const std::vector<double>& values) { return std::span(values).subspan(first, count); };
-    const auto line = FitLine(part(data.x), part(data.y), part(data.counts));
+    const auto line = FitLine(part(data.x), part(data.y), part(data.counts), data.digitNoise);
     if (!line) return Refused(CurveRefusal::kNoFit, "no line can be computed through " + PointsInSentence(count));
     if (line->IsBent(kMostBend * std::abs(line->Slope()))) {
         return Refused(CurveRefusal::kNotStraight, "the signal does not drift steadily: its slope of " +

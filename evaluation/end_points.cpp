@@ -56,6 +56,29 @@ CurveEndPoint SteepestEndPoint(const CurveData& data, const EndPointOptions& opt
     }
 }
 
+namespace {
+
+CurveEndPoint EndPointOf(const CurveData& data, const EndPointOptions& options) {
+    switch (options.method) {
+        case EndPointMethod::kSteepest:
+            return SteepestEndPoint(data, options);
+        case EndPointMethod::kFirstDerivative:
+        case EndPointMethod::kSecondDerivative:
+            return DerivativeEndPoint(data, options);
+        case EndPointMethod::kFixedValue:
+            return FixedValueEndPoint(data, options);
+        case EndPointMethod::kTangents:
+            return TangentsEndPoint(data, options);
+        case EndPointMethod::kLines:
+            return LinesEndPoint(data, options);
+        case EndPointMethod::kGran:
+            return GranEndPoint(data, options);
+    }
+    return RefusedEndPoint(CurveRefusal::kArgument, "there is no such method");
+}
+
+}  // namespace
+
 CurveEndPoint Curve::EndPointBy(const EndPointOptions& options) const {
     const bool isForSteepest =  // which takes fewer points than the others
         m_data->refusal == CurveRefusal::kTooFewPoints && options.method == EndPointMethod::kSteepest;
@@ -63,22 +86,9 @@ CurveEndPoint Curve::EndPointBy(const EndPointOptions& options) const {
         return RefusedEndPoint(m_data->refusal, m_data->reason);
     if (std::string fault = Fault(options); !fault.empty())
         return RefusedEndPoint(CurveRefusal::kArgument, std::move(fault));
-    switch (options.method) {
-        case EndPointMethod::kSteepest:
-            return SteepestEndPoint(*m_data, options);
-        case EndPointMethod::kFirstDerivative:
-        case EndPointMethod::kSecondDerivative:
-            return DerivativeEndPoint(*m_data, options);
-        case EndPointMethod::kFixedValue:
-            return FixedValueEndPoint(*m_data, options);
-        case EndPointMethod::kTangents:
-            return TangentsEndPoint(*m_data, options);
-        case EndPointMethod::kLines:
-            return LinesEndPoint(*m_data, options);
-        case EndPointMethod::kGran:
-            return GranEndPoint(*m_data, options);
-    }
-    return RefusedEndPoint(CurveRefusal::kArgument, "there is no such method");
+    CurveEndPoint found = EndPointOf(*m_data, options);
+    if (found.refusal == CurveRefusal::kNoPlace) found.reason += StraysInSentence(*m_data);
+    return found;
 }
 
 }  // namespace qel

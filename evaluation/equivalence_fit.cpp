@@ -190,13 +190,13 @@ EquivalenceFit RefusedFit(CurveRefusal refusal, std::string reason) {
     return fit;
 }
 
-EquivalenceFit Judged(const Problem& problem, const Outcome& outcome, double noise) {
+EquivalenceFit Judged(const Problem& problem, const Outcome& outcome, double noise, double leastScatter) {
     const Shape& shape = outcome.shape;
     const LeastSquares& last = outcome.last;
     const auto [low, high] = std::ranges::minmax(problem.y);
     const auto degrees = static_cast<double>(last.degreesOfFreedom);
     EquivalenceFit fit;
-    fit.scatter = std::sqrt(shape.linear.squares / degrees);
+    fit.scatter = std::max(std::sqrt(shape.linear.squares / degrees), leastScatter);
     const double alike = Alike(Residuals(problem, shape));
     if (fit.scatter >
         std::max((alike > kSureAlike ? kMostAlike : kMostScatter) * noise, kSmallScatter * (high - low))) {
@@ -240,7 +240,7 @@ EquivalenceFit Curve::FitEquivalence(EquivalenceShape shape, const CurveRange& r
     const std::optional<Shape> start = Start(problem);
     if (!start) return RefusedFit(CurveRefusal::kNoFit, "the shape cannot be computed for the readings");
     const auto found = Search(problem, *start);
-    if (found) return Judged(problem, *found, data.noise);
+    if (found) return Judged(problem, *found, data.noise, data.digitNoise);
     return RefusedFit(CurveRefusal::kNoFit,
                       "the fit of the shape came to no end near " + NumberInSentence(start->place));
 }

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <numbers>
 
 #include "qellib10/evaluation/curve_lines.h"
 #include "qellib10/evaluation/end_points.h"
@@ -38,8 +39,8 @@ CurveEndPoint LinesEndPoint(const CurveData& data, const EndPointOptions& option
     const auto before = data.In(options.before), after = data.In(options.after);
     if (before.second > after.first)
         return RefusedEndPoint(CurveRefusal::kArgument, "the readings of the lines overlap");
-    const auto first = FitLine(Part(data.x, before), Part(data.y, before), Part(data.counts, before));
-    const auto second = FitLine(Part(data.x, after), Part(data.y, after), Part(data.counts, after));
+    const auto first = FitLine(Part(data.x, before), Part(data.y, before), Part(data.counts, before), data.digitNoise);
+    const auto second = FitLine(Part(data.x, after), Part(data.y, after), Part(data.counts, after), data.digitNoise);
     if (!first || !second) {
         return RefusedEndPoint(CurveRefusal::kTooFewPoints, "two lines need 3 points each, there are " +
                                                                 std::to_string(before.second - before.first) + " and " +
@@ -92,9 +93,10 @@ CurveEndPoint GranEndPoint(const CurveData& data, const EndPointOptions& options
     for (const double exponent : exponents) function.push_back(std::pow(10.0, exponent - highest));
     std::vector<double> fitted = function, scaled(x.size());
     std::optional<StraightLine> line;
+    const double relative = data.digitNoise * std::numbers::ln10 / std::abs(options.perDecade);
     for (int i = 0; i < kWeightings; ++i) {
         for (std::size_t k = 0; k < x.size(); ++k) scaled[k] = weights[k] / std::pow(std::max(fitted[k], 1e-6), 2);
-        line = FitLine(x, function, scaled);
+        line = FitLine(x, function, scaled, relative);
         if (!line) return RefusedEndPoint(CurveRefusal::kNoFit, "no line can be computed through Gran's function");
         for (std::size_t k = 0; k < x.size(); ++k) fitted[k] = line->At(x[k]);
     }

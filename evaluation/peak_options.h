@@ -60,6 +60,8 @@ struct CurvePeaks {
     std::vector<CurvePeak> peaks;
     CurveRefusal refusal = CurveRefusal::kNone;
     std::string reason{};
+    /// Where readings were left out as strays that are as high as a peak: one of at most three readings looks the same.
+    std::vector<double> strays{};
 };
 
 }  // namespace qel

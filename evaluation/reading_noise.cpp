@@ -1,17 +1,17 @@
 #include "qellib10/evaluation/reading_noise.h"
 
 #include <array>
+#include <numeric>
 
 namespace qel {
 namespace {
 
-constexpr double kNormalQuartile = 0.6744897501960817;  // of a standard normal variable: its median distance from 0
-constexpr double kMostAmplified = 100;                  // variance of an extrapolated value, of that of a reading
-constexpr double kFewestRepeats = 10;
+constexpr double kMostAmplified = 100;    // variance of an extrapolated value, of that of a reading
 constexpr double kDegreesPerPoint = 0.3;  // what a median of distances that overlap is worth
-constexpr double kStrayNoise = 6;
-constexpr double kStrayMoves = 3;
-constexpr std::size_t kLongestStray = 3;
+constexpr double kMostMultiples = 1e12;   // of the last digit; beyond that doubles do not show digits
+constexpr int kMostDecimals = 15;
+constexpr double kDoubleErrors = 2;
+constexpr std::ptrdiff_t kFewestDifferent = 8;
 constexpr double kPause = 10;
 constexpr std::ptrdiff_t kIntervalsAround = 5;
 
@@ -43,7 +43,38 @@ double DigitNoise(const std::vector<double>& y) {
     return equal >= y.size() / 4 && std::isfinite(smallest) ? smallest / std::sqrt(12.0) : 0;
 }
 
+// Whether all numbers are multiples of a unit, as far as doubles show it. @param multiples how many of it each is
+bool AreMultiples(std::span<const CurvePoint> readings, double perUnit, std::vector<double>& multiples) {
+    multiples.clear();
+    for (const CurvePoint& reading : readings) {
+        const double multiple = reading.y * perUnit, whole = std::round(multiple);
+        if (!(std::abs(multiple) < kMostMultiples)) return false;
+        if (std::abs(multiple - whole) > kDoubleErrors * std::numeric_limits<double>::epsilon() * std::abs(multiple))
+            return false;
+        multiples.push_back(whole);
+    }
+    return true;
+}
+
 }  // namespace
+
+// Instruments with a digit of 0.002 or 0.05 are seen where there are so many different readings that it is no chance.
+double DigitOf(std::span<const CurvePoint> readings) {
+    std::vector<double> multiples;
+    double perUnit = 1;
+    for (int decimals = 0; decimals <= kMostDecimals; ++decimals, perUnit *= 10) {
+        if (std::abs(readings.front().y) * perUnit >= kMostMultiples) return 0;
+        if (!AreMultiples(readings, perUnit, multiples)) continue;
+        std::ranges::sort(multiples);
+        const auto [last, end] = std::ranges::unique(multiples);
+        if (last - multiples.begin() < kFewestDifferent) return 1 / perUnit;
+        long long common = 0;
+        for (auto i = multiples.begin() + 1; i != last; ++i)
+            common = std::gcd(common, static_cast<long long>(*i - *(i - 1)));
+        return static_cast<double>(common) / perUnit;
+    }
+    return 0;
+}
 
 double MedianIn(std::vector<double>& values) {
     const auto middle = values.begin() + std::ssize(values) / 2;
@@ -51,7 +82,7 @@ double MedianIn(std::vector<double>& values) {
     return *middle;
 }
 
-ReadingNoise EstimateNoise(const MergedPoints& points, double repeats, std::size_t repeatDegrees) {
+ReadingNoise EstimateNoise(const MergedPoints& points, double repeats, std::size_t repeatDegrees, double digit) {
     std::vector<double> distances;
     for (std::size_t i = 2; i + 2 < points.x.size(); ++i) {
         if (const auto distance = Distance(points, i)) distances.push_back(*distance);
@@ -63,28 +94,9 @@ ReadingNoise EstimateNoise(const MergedPoints& points, double repeats, std::size
     }
     const auto degrees = static_cast<double>(repeatDegrees);
     const double ofRepeats = repeatDegrees > 0 ? std::sqrt(repeats / degrees) : 0;
-    if (degrees >= kFewestRepeats && ofRepeats > found.deviation) found = {ofRepeats, degrees};
-    found.deviation = std::max(found.deviation, DigitNoise(points.y));
+    if (repeatDegrees >= kFewestRepeats && ofRepeats > found.deviation) found = {ofRepeats, degrees};
+    found.deviation = std::max({found.deviation, DigitNoise(points.y), digit / std::sqrt(12.0)});
     return found;
-}
-
-std::vector<bool> FindStrays(const MergedPoints& points, double noise) {
-    const std::vector<double>& y = points.y;
-    std::vector<bool> strays(y.size());
-    for (std::size_t length = 1; length <= kLongestStray; ++length) {
-        for (std::size_t i = 2; i + length + 1 < y.size(); ++i) {
-            const std::size_t after = i + length;
-            const double sign = y[i] > y[i - 1] ? 1 : -1;
-            double away = std::numeric_limits<double>::infinity();
-            for (std::size_t j = i; j < after; ++j)
-                away = std::min({away, sign * (y[j] - y[i - 1]), sign * (y[j] - y[after])});
-            const double moves = std::max(std::abs(y[i - 1] - y[i - 2]), std::abs(y[after + 1] - y[after]));
-            if (away <= kStrayNoise * std::sqrt(2.0) * noise || away <= kStrayMoves * moves) continue;
-            std::fill(strays.begin() + static_cast<std::ptrdiff_t>(i),
-                      strays.begin() + static_cast<std::ptrdiff_t>(after), true);
-        }
-    }
-    return strays;
 }
 
 std::vector<std::size_t> FindParts(const std::vector<double>& x) {

@@ -4,6 +4,11 @@
 
 namespace qel {
 
+inline constexpr double kNormalQuartile =
+    0.6744897501960817;  // of a standard normal variable: its median distance from 0
+
+inline constexpr std::size_t kFewestRepeats = 10;  // degrees of freedom that show a noise of repeats
+
 struct ReadingNoise {
     double deviation = 0, degreesOfFreedom = 1;
 };
@@ -11,14 +16,14 @@ struct ReadingNoise {
 /// The standard deviation of a reading, from points of which few are strays. See Curve::Noise.
 /// @param repeats the sum of squares of readings about the mean of their x
 /// @param repeatDegrees its degrees of freedom
-ReadingNoise EstimateNoise(const MergedPoints& points, double repeats, std::size_t repeatDegrees);
+/// @param digit see DigitOf
+ReadingNoise EstimateNoise(const MergedPoints& points, double repeats, std::size_t repeatDegrees, double digit);
+
+/// The last digit of an instrument: all readings are multiples of it. 0 where there is none.
+double DigitOf(std::span<const CurvePoint> readings);
 
 /// The upper one of the two in the middle. @param values at least one
 double MedianIn(std::vector<double>& values);
-
-/// Which points are in a row of at most three that leaves the curve by more than 6 deviations of a reading and comes
-/// back to it, at least three times as far as the points before and after it move.
-std::vector<bool> FindStrays(const MergedPoints& points, double noise);
 
 /// Where the parts between pauses start, and at last the number of points.
 std::vector<std::size_t> FindParts(const std::vector<double>& x);

@@ -157,6 +157,27 @@ TEST(Peaks, SayWhyThereAreNone) {
     EXPECT_EQ(Curve::Of({}).Baseline({}).reason, "a curve needs at least 6 points, there are 0");
 }
 
+// A peak that is so narrow may as well be a disturbance.
+TEST(Peaks, OfThreeReadingsAreReportedAsStrays) {
+    const auto readings = [](double deviation) {
+        std::mt19937 random(3);
+        std::normal_distribution<double> error(0, 0.02);
+        Points points;
+        for (int i = 0; i <= 100; ++i) points.push_back({0.1 * i, Bell(0.1 * i, 5, deviation, 20) + error(random)});
+        return points;
+    };
+    PeakOptions zero;
+    zero.baseline.method = BaselineMethod::kZero;
+    const qel::CurvePeaks none = Curve::Of(readings(0.055)).Peaks(zero), narrow = Curve::Of(readings(0.09)).Peaks(zero);
+    EXPECT_EQ(none.peaks.size(), 0);
+    EXPECT_EQ(none.strays.size(), 3);
+    EXPECT_NE(none.reason.find("; 3 readings were left out as strays, the first at 4."), std::string::npos)
+        << none.reason;
+    ASSERT_EQ(narrow.peaks.size(), 1) << narrow.reason;
+    EXPECT_EQ(Reason(narrow.peaks[0].area), "a value");
+    EXPECT_EQ(narrow.peaks[0].position.refusal, qel::CurveRefusal::kTooFewPoints);
+}
+
 TEST(Peaks, OfNoiseAreNotFound) {
     std::mt19937 random(SoakSeed());
     int found = 0;
