@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <unordered_map>
 #include <utility>
 
 #include "qellib10/platform/drawing/font_alias.h"
@@ -161,16 +162,15 @@ private:
     // A picture that is drawn again and again measures its texts only once.
     int WidthOf(const std::string& text) const {
         if (text.empty()) return 0;
-        constexpr std::size_t kMost = 32, kLongest = 256;  // bytes; longer texts are not cached
-        const auto known = std::ranges::find(m_aryMeasured, text, &Measure::text);
-        if (known != m_aryMeasured.end()) return known->width;
+        constexpr std::size_t kMost = 1024, kLongest = 256;  // bytes; longer texts are not cached
+        if (const auto known = m_widths.find(text); known != m_widths.end()) return known->second;
         Place(text);
         PangoRectangle logical;
         pango_layout_line_get_extents(pango_layout_get_line_readonly(m_layout.get(), 0), nullptr, &logical);
         const int width = Rounded(logical.width);
         if (text.size() > kLongest) return width;
-        if (m_aryMeasured.size() == kMost) m_aryMeasured.erase(m_aryMeasured.begin());
-        m_aryMeasured.push_back({text, width});
+        if (m_widths.size() == kMost) m_widths.clear();
+        m_widths.emplace(text, width);
         return width;
     }
 
@@ -182,15 +182,10 @@ private:
         return line;
     }
 
-    struct Measure {
-        std::string text;
-        int width;
-    };
-
     Owned<PangoContext> m_context;
     Owned<PangoLayout> m_layout;
     Owned<PangoFontDescription> m_description;
-    mutable std::vector<Measure> m_aryMeasured;  // the most recent ones
+    mutable std::unordered_map<std::string, int> m_widths;  // of texts that were measured
 };
 
 }  // namespace
