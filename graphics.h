@@ -20,6 +20,7 @@
 #include "qellib10/graph/graph_data_ctrl.h"
 #include "qellib10/graph/left_out.h"
 #include "qellib10/graph/line_graph_style.h"
+#include "qellib10/graph/point_store.h"
 #include "qellib10/graph/qel_graph.h"
 #include "qellib10/platform/drawing/dc.h"
 #include "qellib10/platform/drawing/drawing_types.h"

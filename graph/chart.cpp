@@ -41,8 +41,9 @@ ChartReport ReportOf(const ChartLayout& layout) {
 
 ChartReport DrawOn(const Chart& chart, ChartCanvas canvas, const CRect& box, const ChartRanges& shown = {}) {
     const ChartBox whole{double(box.left), double(box.top), double(box.right), double(box.bottom)};
-    const ChartLayout layout = LayChart(chart, canvas, whole, shown);
-    PaintChart(chart, canvas, layout);
+    const ChartSnapshot data(chart);
+    const ChartLayout layout = LayChart(data, canvas, whole, shown);
+    PaintChart(data, canvas, layout);
     return ReportOf(layout);
 }
 

@@ -11,7 +11,8 @@ constexpr double kLoneBarShare = 0.1;  // of the plot that a single bar takes
 
 }  // namespace
 
-BarPlaces PlacesOfBars(const Chart& chart, std::size_t index, const AxisPlaces& xPlaces) {
+BarPlaces PlacesOfBars(const ChartSnapshot& data, std::size_t index, const AxisPlaces& xPlaces) {
+    const Chart& chart = data.chart;
     const ChartSeries& series = chart.series[index];
     // Bars of one place are side by side; those that are stacked take one place together.
     std::size_t places = 0, own = 0;
@@ -24,8 +25,8 @@ BarPlaces PlacesOfBars(const Chart& chart, std::size_t index, const AxisPlaces& 
         const std::size_t place = isNew ? places++ : *stack;
         if (other.isStacked) stack = place;
         if (i == index) own = place;
-        for (const CGraphData& point : other.points) {
-            const double x = xPlaces.At(point.GetXData());
+        for (std::size_t point = 0; point < data.points[i].Count(); ++point) {
+            const double x = xPlaces.At(data.points[i][point].GetXData());
             if (std::isfinite(x)) xs.push_back(x);
         }
     }

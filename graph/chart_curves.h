@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "qellib10/graph/chart_axis_layout.h"
@@ -11,15 +12,17 @@ namespace qel {
 /// The outlines of a series in device units: lines with gaps (corners that are not numbers), bars, filled areas.
 class SeriesCurves {
 public:
-    SeriesCurves(const Chart& chart, std::size_t series, const std::vector<AxisLayout>& axes);
+    SeriesCurves(const ChartSnapshot& data, std::size_t series, const std::vector<AxisLayout>& axes);
 
-    std::size_t Count() const { return m_series.points.size(); }
+    std::size_t Count() const { return m_points.Count(); }
     /// Of one point; not a number for a gap.
     ShapePoint At(std::size_t point) const;
     /// With corners of steps, reduced to what can be seen: of many points in a sixteenth of a device unit the first,
     /// the last, the lowest and the highest.
-    /// @param columnsPerUnit wider columns for a rough line
-    std::vector<ShapePoint> Line(double columnsPerUnit = LineReducer::kFine) const;
+    /// @param beside device units beside the plot that the pen reaches into it from
+    std::vector<ShapePoint> Line(double beside) const;
+    /// The same in columns that are @p columnsPerUnit of a device unit wide: a rough line.
+    std::vector<ShapePoint> RoughLine(double columnsPerUnit) const;
     /// Where the points are that are left out; those outside the axes' numbers are missing. No other outline has them.
     std::vector<ShapePoint> LeftOut() const;
     bool Counts(std::size_t point) const;  ///< whether it is not left out
@@ -41,18 +44,18 @@ private:
     struct Points {
         std::size_t begin, end;
     };
-    Points VisiblePoints() const;
-    std::vector<ShapePoint> LineOf(const std::vector<double>& y) const;
-    template <class Y> std::vector<ShapePoint> LineOf(const Y& y, double columnsPerUnit) const;
+    Points VisiblePoints(double beside) const;
+    std::vector<ShapePoint> LineOf(std::span<const double> heights, double columnsPerUnit, double beside) const;
     std::vector<std::vector<ShapePoint>> Between(const std::vector<double>& upper,
                                                  const std::vector<double>& lower) const;
 
-    const Chart& m_chart;
+    const ChartSnapshot& m_data;
     const std::size_t m_index;
     const ChartSeries& m_series;
+    const PointView& m_points;
     const AxisPlaces& m_x;
     const AxisPlaces& m_y;
-    const std::vector<std::size_t> m_leftOut;
+    std::vector<std::size_t> m_leftOut;
 };
 
 }  // namespace qel

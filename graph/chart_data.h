@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "qellib10/graph/axis_ticks.h"
 #include "qellib10/graph/graph_data.h"
+#include "qellib10/graph/point_store.h"
 #include "qellib10/platform/drawing/drawing_types.h"
 
 // What a chart shows. All texts are UTF-8.
@@ -88,6 +90,7 @@ struct ChartSeries {
     std::string name = {};  ///< in the legend; empty: not there
     ChartKind kind = ChartKind::kLine;
     std::vector<CGraphData> points = {};
+    std::shared_ptr<PointStore> store = {};  ///< if there is one, its points are shown and `points` are not
     std::size_t xAxis = 0;                   ///< in Chart::axes; a horizontal one
     std::size_t yAxis = 1;                   ///< a vertical one
     std::vector<ChartLeftOut> leftOut = {};  ///< in any order

@@ -21,8 +21,8 @@ enum class Left { kNothing, kLegend, kSubtitle, kAxisTitles, kTitle, kValues };
 
 class ChartLayer {
 public:
-    ChartLayer(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown)
-        : m_chart(chart), m_canvas(canvas), m_box(box), m_ranges(AxisRanges(chart, shown)) {}
+    ChartLayer(const ChartSnapshot& data, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown)
+        : m_data(data), m_chart(data.chart), m_canvas(canvas), m_box(box), m_ranges(AxisRanges(data, shown)) {}
 
     ChartLayout Lay() {
         for (const Left left :
@@ -109,7 +109,7 @@ private:
         if (!legend) return {};
         const double width = legend->box.Width(), height = legend->box.Height();
         if (width > layout.plot.Width() * 0.6 || height > layout.plot.Height() * 0.6) return {};
-        const CurveField field(m_chart, m_canvas, layout.axes, layout.plot);
+        const CurveField field(m_data, m_canvas, layout.axes, layout.plot);
         const double left = layout.plot.left + gap, right = layout.plot.right - gap - width;
         const double top = layout.plot.top + gap, bottom = layout.plot.bottom - gap - height;
         const double across = (left + right) / 2, down = (top + bottom) / 2;
@@ -199,11 +199,11 @@ private:
             if (!HasItsAxes(m_chart, series)) layout.leftOut.push_back("series: " + series.name);
         if (const std::size_t count = Has(left, Left::kValues) ? NamesLeftOut(layout) : 0; count > 0)
             layout.leftOut.push_back(std::to_string(count) + (count == 1 ? " name" : " names") + " of categories");
-        if (const std::size_t count = ValuesNotAboveZero(m_chart); count > 0)
+        if (const std::size_t count = ValuesNotAboveZero(m_data); count > 0)
             layout.leftOut.push_back(std::to_string(count) + (count == 1 ? " value" : " values") + " not above 0");
         if (m_chart.limits.empty() && m_chart.notes.empty()) return layout;
 
-        const CurveField field(m_chart, m_canvas, layout.axes, layout.plot);
+        const CurveField field(m_data, m_canvas, layout.axes, layout.plot);
         TakenBoxes taken;
         if (layout.legend) taken.Take(layout.legend->box);
         layout.limitLabels =
@@ -212,6 +212,7 @@ private:
         return layout;
     }
 
+    const ChartSnapshot& m_data;
     const Chart& m_chart;
     const ChartCanvas& m_canvas;
     const ChartBox m_box;
@@ -220,8 +221,9 @@ private:
 
 }  // namespace
 
-ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown) {
-    return ChartLayer(chart, canvas, box, shown).Lay();
+ChartLayout LayChart(const ChartSnapshot& data, const ChartCanvas& canvas, const ChartBox& box,
+                     const ChartRanges& shown) {
+    return ChartLayer(data, canvas, box, shown).Lay();
 }
 
 }  // namespace qel

@@ -21,6 +21,7 @@ struct ChartLayout {
     std::vector<std::string> leftOut;
 };
 
-ChartLayout LayChart(const Chart& chart, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown);
+ChartLayout LayChart(const ChartSnapshot& data, const ChartCanvas& canvas, const ChartBox& box,
+                     const ChartRanges& shown);
 
 }  // namespace qel

@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+#include "qellib10/graph/left_out.h"
+
 namespace qel {
 namespace {
 
@@ -45,19 +47,17 @@ bool IsLone(std::span<const ShapePoint> line, std::size_t i) {
 }  // namespace
 
 // A point in another column, or a gap.
-void LineReducer::Start(const ShapePoint& place) {
+void LineReducer::Start(const ShapePoint& place, double value) {
     End();
-    if (IsGap(place)) {
-        if (!m_line.empty() && !IsGap(m_line.back())) m_line.push_back(kLineGap);
-        return;
-    }
+    if (IsGap(place)) return m_line.AddGap();
     m_column = std::floor(place.x * m_columnsPerUnit);
     m_first = m_last = m_low = m_high = place;
+    m_lowValue = m_highValue = value;
 }
 
 std::vector<ShapePoint> LineReducer::Take() {
     End();
-    return std::move(m_line);
+    return m_line.Take();
 }
 
 void LineReducer::End() {
@@ -65,8 +65,28 @@ void LineReducer::End() {
     m_column = kNone;
     const ShapePoint& earlier = m_isLowLater ? m_high : m_low;
     const ShapePoint& later = m_isLowLater ? m_low : m_high;
-    for (const ShapePoint& place : {m_first, earlier, later, m_last})
-        if (m_line.empty() || m_line.back() != place) m_line.push_back(place);
+    m_line.AddColumn(m_first, earlier, later, m_last);
+}
+
+std::vector<ShapePoint> PointLine::Reduced(std::size_t begin, std::size_t end) const {
+    return IsRising() ? ReducedRising(begin, end) : ReducedPlain(begin, end);
+}
+
+std::vector<ShapePoint> PointLine::ReducedPlain(std::size_t begin, std::size_t end) const {
+    LineReducer reducer(columnsPerUnit);
+    ShapePoint before = kLineGap;
+    double heightBefore = 0;
+    ForEachKept(leftOut, begin, end, [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            const double height = heights.empty() ? points[i].GetYData() : heights[i];
+            const ShapePoint place{x.At(points[i].GetXData()), y.At(height)};
+            if (isSteps && !IsGap(before) && !IsGap(place)) reducer.Add({place.x, before.y}, heightBefore);
+            reducer.Add(place, height);
+            before = place;
+            heightBefore = height;
+        }
+    });
+    return reducer.Take();
 }
 
 std::vector<ShapePoint> CutToArea(std::vector<ShapePoint>&& line, const ChartBox& area) {

@@ -6,32 +6,30 @@
 #include <vector>
 
 #include "qellib10/graph/chart.h"
-#include "qellib10/platform/drawing/shape.h"
+#include "qellib10/graph/point_line.h"
 
 namespace qel {
-
-/// Where a line ends and the next one starts.
-inline constexpr ShapePoint kLineGap = {std::numeric_limits<double>::quiet_NaN(),
-                                        std::numeric_limits<double>::quiet_NaN()};
-inline bool IsGap(const ShapePoint& place) { return std::isnan(place.x) || std::isnan(place.y); }
 
 /// Collects a line, reduced to what can be seen: of its points in a column of a sixteenth of a device unit the first,
 /// the last, the lowest and the highest.
 class LineReducer {
 public:
     /// @param columnsPerUnit narrow ones lose nothing that can be seen
-    explicit LineReducer(double columnsPerUnit = kFine) : m_columnsPerUnit(columnsPerUnit) {}
-    static constexpr double kFine = 16;
+    explicit LineReducer(double columnsPerUnit) : m_columnsPerUnit(columnsPerUnit) {}
 
-    void Add(const ShapePoint& place) {
-        if (!(place.x * m_columnsPerUnit >= m_column && place.x * m_columnsPerUnit < m_column + 1)) return Start(place);
-        if (std::isnan(place.y)) return Start(place);
+    /// @param value that the place is computed from: it decides which point is the lowest, even where places are equal
+    void Add(const ShapePoint& place, double value) {
+        if (!(place.x * m_columnsPerUnit >= m_column && place.x * m_columnsPerUnit < m_column + 1))
+            return Start(place, value);
+        if (std::isnan(place.y)) return Start(place, value);
         m_last = place;
-        if (place.y < m_low.y) {
+        if (value < m_lowValue) {
             m_low = place;
+            m_lowValue = value;
             m_isLowLater = true;
-        } else if (place.y > m_high.y) {
+        } else if (value > m_highValue) {
             m_high = place;
+            m_highValue = value;
             m_isLowLater = false;
         }
     }
@@ -40,13 +38,14 @@ public:
 private:
     static constexpr double kNone = std::numeric_limits<double>::infinity();
 
-    void Start(const ShapePoint& place);
+    void Start(const ShapePoint& place, double value);
     void End();
 
     const double m_columnsPerUnit;
-    std::vector<ShapePoint> m_line;
+    ReducedLine m_line;
     double m_column = kNone;  // the number of the column that is being added
     ShapePoint m_first, m_last, m_low, m_high;
+    double m_lowValue = 0, m_highValue = 0;
     bool m_isLowLater = false;
 };
 

@@ -7,6 +7,7 @@
 #include "qellib10/graph/chart_scale.h"
 #include "qellib10/graph/chart_value_text.h"
 #include "qellib10/graph/left_out.h"
+#include "qellib10/graph/point_search.h"
 #include "qellib10/graph/series_points.h"
 
 namespace qel {
@@ -113,19 +114,10 @@ std::vector<ChartNavigator::Value> ChartNavigator::ValuesAt(const Chart& chart, 
     for (std::size_t i = 0; i < chart.series.size(); ++i) {
         const ChartSeries& series = chart.series[i];
         if (!IsPlaced(chart, series) || series.kind == ChartKind::kBand) continue;
-        const AxisPlaces &across = m_axes[series.xAxis].places, &up = m_axes[series.yAxis].places;
         const SeriesPoints points(series);
-        std::size_t best = points.Count();
-        double least = 0;
-        for (std::size_t point = 0; point < points.Count(); ++point) {
-            const CGraphData& data = points[point];
-            const double distance = std::fabs(across.At(data.GetXData()) - x);
-            if (std::isnan(distance) || std::isnan(up.At(data.GetYData()))) continue;
-            if (best < points.Count() && distance >= least) continue;
-            best = point;
-            least = distance;
-        }
-        if (auto value = ValueOf(chart, i, best)) values.push_back(std::move(*value));
+        const PointSearch search{points, m_axes[series.xAxis].places, m_axes[series.yAxis].places};
+        if (auto value = ValueOf(chart, i, search.Nearest(x).value_or(points.Count())))
+            values.push_back(std::move(*value));
     }
     return values;
 }
@@ -139,7 +131,9 @@ std::optional<ChartNavigator::Value> ChartNavigator::PointNear(const Chart& char
         if (!IsPlaced(chart, series) || series.kind == ChartKind::kBand) continue;
         const SeriesPoints points(series);
         const AxisPlaces across = m_axes[series.xAxis].places, up = m_axes[series.yAxis].places;
-        for (std::size_t point = 0; point < points.Count(); ++point) {
+        const PointSearch search{points, across, up};
+        const auto [begin, end] = search.Across(at.x - reach, at.x + reach);
+        for (std::size_t point = begin; point < end; ++point) {
             const double dx = across.At(points[point].GetXData()) - at.x;
             if (!(std::fabs(dx) <= reach)) continue;
             const double distance = std::hypot(dx, up.At(points[point].GetYData()) - at.y);
@@ -152,17 +146,10 @@ std::optional<ChartNavigator::Value> ChartNavigator::PointNear(const Chart& char
 }
 
 std::vector<std::size_t> ChartNavigator::PointsIn(const Chart& chart, std::size_t series, ChartBox box) const {
-    std::vector<std::size_t> inside;
-    if (series >= chart.series.size() || !IsPlaced(chart, chart.series[series])) return inside;
+    if (series >= chart.series.size() || !IsPlaced(chart, chart.series[series])) return {};
     const ChartSeries& from = chart.series[series];
-    box = Normalised(box);
     const SeriesPoints points(from);
-    for (std::size_t i = 0; i < points.Count(); ++i) {
-        const double x = m_axes[from.xAxis].places.At(points[i].GetXData());
-        const double y = m_axes[from.yAxis].places.At(points[i].GetYData());
-        if (x >= box.left && x <= box.right && y >= box.top && y <= box.bottom) inside.push_back(i);
-    }
-    return inside;
+    return PointSearch{points, m_axes[from.xAxis].places, m_axes[from.yAxis].places}.In(Normalised(box));
 }
 
 }  // namespace qel

@@ -19,12 +19,13 @@ constexpr double kCap = 3;  // points: half of the line at the end of an error b
 
 class ChartPainter {
 public:
-    ChartPainter(const Chart& chart, ChartCanvas& canvas, const ChartLayout& layout)
-        : m_chart(chart),
-          m_theme(chart.theme),
+    ChartPainter(const ChartSnapshot& data, ChartCanvas& canvas, const ChartLayout& layout)
+        : m_data(data),
+          m_chart(data.chart),
+          m_theme(m_chart.theme),
           m_canvas(canvas),
           m_layout(layout),
-          m_marksOfLines(chart.series.size()) {}
+          m_marksOfLines(m_chart.series.size()) {}
 
     void Paint() {
         m_canvas.Fill(m_layout.box, m_theme.background);
@@ -55,7 +56,7 @@ private:
 
     template <class Step> void ForEachSeries(const Step& step) {
         for (std::size_t i = 0; i < m_chart.series.size(); ++i)
-            if (HasItsAxes(m_chart, m_chart.series[i])) step(i, SeriesCurves(m_chart, i, m_layout.axes));
+            if (HasItsAxes(m_chart, m_chart.series[i])) step(i, SeriesCurves(m_data, i, m_layout.axes));
     }
 
     void PaintLabel(const PlacedLabel& label) { m_canvas.Label(label.start, label.text, label.style); }
@@ -229,7 +230,8 @@ private:
             const std::vector<double> dashes = Lengths(look.dashes);
             style.dashes = dashes;
             style.isRound = dashes.empty();
-            std::vector<ShapePoint> line = curves.Line();
+            // Dashes start at the edge.
+            std::vector<ShapePoint> line = curves.Line(style.isRound ? width / 2 + 1 : 0);
             const std::vector<ShapePoint> marks =
                 look.markDistance > 0 ? PlacesAlong(line, m_canvas.Units(look.markDistance)) : LonePlaces(line);
             m_marksOfLines[index].insert(m_marksOfLines[index].end(), marks.begin(), marks.end());
@@ -304,6 +306,7 @@ private:
                  m_theme.plot, m_chart.isSmooth);
     }
 
+    const ChartSnapshot& m_data;
     const Chart& m_chart;
     const ChartTheme& m_theme;
     ChartCanvas& m_canvas;
@@ -313,8 +316,8 @@ private:
 
 }  // namespace
 
-void PaintChart(const Chart& chart, ChartCanvas& canvas, const ChartLayout& layout) {
-    ChartPainter(chart, canvas, layout).Paint();
+void PaintChart(const ChartSnapshot& data, ChartCanvas& canvas, const ChartLayout& layout) {
+    ChartPainter(data, canvas, layout).Paint();
 }
 
 }  // namespace qel

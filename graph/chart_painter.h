@@ -5,6 +5,6 @@
 namespace qel {
 
 /// Draws everything in its place.
-void PaintChart(const Chart& chart, ChartCanvas& canvas, const ChartLayout& layout);
+void PaintChart(const ChartSnapshot& data, ChartCanvas& canvas, const ChartLayout& layout);
 
 }  // namespace qel

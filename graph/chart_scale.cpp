@@ -38,10 +38,10 @@ void AddWithErrors(Extent& extent, double value, const ChartErrors& errors, std:
 }
 
 // The smallest distance of neighbouring bars; 0 for one bar.
-double BarDistance(const std::vector<CGraphData>& points) {
+double BarDistance(const PointView& points) {
     std::vector<double> places;
-    for (const CGraphData& point : points)
-        if (std::isfinite(point.GetXData())) places.push_back(point.GetXData());
+    for (std::size_t i = 0; i < points.Count(); ++i)
+        if (std::isfinite(points[i].GetXData())) places.push_back(points[i].GetXData());
     std::ranges::sort(places);
     double distance = 0;
     for (std::size_t i = 1; i < places.size(); ++i) {
@@ -54,27 +54,29 @@ double BarDistance(const std::vector<CGraphData>& points) {
 bool IsEmpty(const ChartErrors& errors) { return errors.down.empty() && errors.up.empty(); }
 
 // On a logarithmic axis bars start at its low end: a decade below the lowest one, which is seen then.
-void AddBase(Extent& extent, const ChartSeries& series, bool isLogarithmic) {
+void AddBase(Extent& extent, const ChartSeries& series, const PointView& points, bool isLogarithmic) {
     constexpr double kBelowLowest = 10;
     const bool isArea = series.kind == ChartKind::kArea, isBars = series.kind == ChartKind::kBars;
     if (isBars || isArea || series.hasDrops) extent.Add(series.base);
     if (!isLogarithmic || series.base > 0 || !(isBars || series.hasDrops)) return;
-    for (const CGraphData& point : series.points) extent.Add(point.GetYData() / kBelowLowest);
+    for (std::size_t i = 0; i < points.Count(); ++i) extent.Add(points[i].GetYData() / kBelowLowest);
 }
 
-void AddSeries(Extent& extent, const Chart& chart, std::size_t index, bool isX, bool isLogarithmic) {
-    const ChartSeries& series = chart.series[index];
-    if (!isX) AddBase(extent, series, isLogarithmic);
-    const double half = isX && series.kind == ChartKind::kBars ? BarDistance(series.points) / 2 : 0;
+void AddSeries(Extent& extent, const ChartSnapshot& data, std::size_t index, bool isX, bool isLogarithmic) {
+    const ChartSeries& series = data.chart.series[index];
+    const PointView& points = data.points[index];
+    if (!isX) AddBase(extent, series, points, isLogarithmic);
+    const double half = isX && series.kind == ChartKind::kBars ? BarDistance(points) / 2 : 0;
     const ChartErrors& errors = isX ? series.xErrors : series.yErrors;
     const std::vector<BarEnds> bars =
-        !isX && series.kind == ChartKind::kBars && series.isStacked ? EndsOfBars(chart, index) : std::vector<BarEnds>();
+        !isX && series.kind == ChartKind::kBars && series.isStacked ? EndsOfBars(data, index) : std::vector<BarEnds>();
     if (IsEmpty(errors) && half == 0 && bars.empty() && series.lower.empty()) {
-        for (const CGraphData& point : series.points) extent.Add(isX ? point.GetXData() : point.GetYData());
+        const ValueRange& all = isX ? points.Totals().x : points.Totals().y;
+        for (const double end : {all.low, all.high, all.lowestAboveZero}) extent.Add(end);
         return;
     }
-    for (std::size_t i = 0; i < series.points.size(); ++i) {
-        const CGraphData& point = series.points[i];
+    for (std::size_t i = 0; i < points.Count(); ++i) {
+        const CGraphData& point = points[i];
         if (isX) {
             AddWithErrors(extent, point.GetXData(), series.xErrors, i);
             extent.Add(point.GetXData() - half);
@@ -128,7 +130,8 @@ std::size_t SourceOf(const Chart& chart, std::size_t axis) {
 }
 
 // Of an axis and all those that follow it.
-AxisRange RangeOf(const Chart& chart, std::size_t index) {
+AxisRange RangeOf(const ChartSnapshot& data, std::size_t index) {
+    const Chart& chart = data.chart;
     const ChartAxis& axis = chart.axes[index];
     const auto isOf = [&](std::size_t other) { return other < AxisCount(chart) && SourceOf(chart, other) == index; };
     const bool isLogarithmic = axis.scale == ChartScale::kLogarithmic;
@@ -144,7 +147,7 @@ AxisRange RangeOf(const Chart& chart, std::size_t index) {
         if (!HasItsAxes(chart, series)) continue;
         for (const bool isX : {true, false}) {
             if (!isOf(isX ? series.xAxis : series.yAxis)) continue;
-            AddSeries(extent, chart, i, isX, isLogarithmic);
+            AddSeries(extent, data, i, isX, isLogarithmic);
             hasSpace = hasSpace || NeedsSpace(series);
         }
     }
@@ -179,34 +182,51 @@ bool HasItsAxes(const Chart& chart, std::size_t xAxis, std::size_t yAxis) {
     return xAxis < count && yAxis < count && IsHorizontal(chart.axes[xAxis]) && !IsHorizontal(chart.axes[yAxis]);
 }
 
-std::vector<AxisRange> AxisRanges(const Chart& chart, const ChartRanges& shown) {
+std::vector<AxisRange> AxisRanges(const ChartSnapshot& data, const ChartRanges& shown) {
+    const Chart& chart = data.chart;
     std::vector<AxisRange> ranges;
     for (std::size_t i = 0; i < AxisCount(chart); ++i) {
         const bool isShown = i < shown.size() && shown[i] && IsRange(*shown[i], chart.axes[i].scale);
-        ranges.push_back(isShown ? *shown[i] : RangeOf(chart, i));
+        ranges.push_back(isShown ? *shown[i] : RangeOf(data, i));
     }
     for (std::size_t i = 0; i < ranges.size(); ++i) ranges[i] = ranges[SourceOf(chart, i)];
     return ranges;
 }
 
-std::size_t ValuesNotAboveZero(const Chart& chart) {
+std::size_t ValuesNotAboveZero(const ChartSnapshot& data) {
+    const Chart& chart = data.chart;
     std::size_t count = 0;
-    for (const ChartSeries& series : chart.series) {
+    for (std::size_t index = 0; index < chart.series.size(); ++index) {
+        const ChartSeries& series = chart.series[index];
+        const PointView& points = data.points[index];
         if (!HasItsAxes(chart, series)) continue;
         const auto isLogarithmic = [&](std::size_t axis) { return chart.axes[axis].scale == ChartScale::kLogarithmic; };
         const bool isLogX = isLogarithmic(series.xAxis), isLogY = isLogarithmic(series.yAxis);
-        if (!isLogX && !isLogY) continue;
-        ForEachKept(PointsLeftOut(series), 0, series.points.size(), [&](std::size_t first, std::size_t end) {
-            for (std::size_t i = first; i < end; ++i) {
-                count += isLogX && series.points[i].GetXData() <= 0 ? 1 : 0;
-                count += isLogY && series.points[i].GetYData() <= 0 ? 1 : 0;
-            }
-        });
+        const std::vector<std::size_t> leftOut = PointsLeftOut(series);
+        const auto countIn = [&](std::size_t start, std::size_t stop) {
+            ForEachKept(leftOut, start, stop, [&](std::size_t first, std::size_t end) {
+                for (std::size_t i = first; i < end; ++i) {
+                    count += isLogX && points[i].GetXData() <= 0 ? 1 : 0;
+                    count += isLogY && points[i].GetYData() <= 0 ? 1 : 0;
+                }
+            });
+        };
+        if ((isLogX || isLogY) && !points.Totals().isRising) countIn(0, points.Count());
+        if (!points.Totals().isRising) continue;
+        // Of values that are all above 0 the summary is enough.
+        const std::size_t positive = isLogX ? points.FirstAbove(0) : 0;
+        if (isLogX) countIn(0, positive);
+        for (std::size_t i = positive; isLogY && i < points.Count();) {
+            const std::size_t block = points.PositiveFrom(i);
+            if (block == 0) countIn(i, i + 1);
+            i += std::max<std::size_t>(block, 1);
+        }
     }
     return count;
 }
 
-std::vector<BarEnds> EndsOfBars(const Chart& chart, std::size_t index) {
+std::vector<BarEnds> EndsOfBars(const ChartSnapshot& data, std::size_t index) {
+    const Chart& chart = data.chart;
     struct Sums {
         double above = 0, below = 0;
     };
@@ -217,17 +237,19 @@ std::vector<BarEnds> EndsOfBars(const Chart& chart, std::size_t index) {
         const bool isInStack = before.kind == ChartKind::kBars && before.isStacked && before.xAxis == series.xAxis &&
                                before.yAxis == series.yAxis;
         if (!isInStack) continue;
-        ForEachKept(PointsLeftOut(before), 0, before.points.size(), [&](std::size_t first, std::size_t end) {
+        const PointView& points = data.points[i];
+        ForEachKept(PointsLeftOut(before), 0, points.Count(), [&](std::size_t first, std::size_t end) {
             for (std::size_t j = first; j < end; ++j) {
-                const double x = before.points[j].GetXData(), y = before.points[j].GetYData();
+                const double x = points[j].GetXData(), y = points[j].GetYData();
                 if (std::isfinite(x) && std::isfinite(y)) (y < 0 ? sums[x].below : sums[x].above) += y;
             }
         });
     }
     std::vector<BarEnds> bars;
-    bars.reserve(series.points.size());
-    for (const CGraphData& point : series.points) {
-        const double x = point.GetXData(), y = point.GetYData();
+    const PointView& points = data.points[index];
+    bars.reserve(points.Count());
+    for (std::size_t i = 0; i < points.Count(); ++i) {
+        const double x = points[i].GetXData(), y = points[i].GetYData();
         const auto found = std::isnan(x) ? sums.end() : sums.find(x);
         const Sums own = found == sums.end() ? Sums() : found->second;
         // The first bar starts at the base. The ends are sums of the values, whatever the base is.

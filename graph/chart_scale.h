@@ -2,12 +2,12 @@
 
 #include <vector>
 
-#include "qellib10/graph/chart.h"
+#include "qellib10/graph/chart_snapshot.h"
 
 namespace qel {
 
 /// The range of each axis of the chart: the one in @p shown, or else from fixed ends and data.
-std::vector<AxisRange> AxisRanges(const Chart& chart, const ChartRanges& shown);
+std::vector<AxisRange> AxisRanges(const ChartSnapshot& data, const ChartRanges& shown);
 
 /// Whether both axes exist, the first one horizontal, the second one vertical.
 bool HasItsAxes(const Chart& chart, std::size_t xAxis, std::size_t yAxis);
@@ -23,7 +23,7 @@ inline bool IsHorizontal(const ChartAxis& axis) {
 std::size_t AxisCount(const Chart& chart);
 
 /// How many values have no place since their axis is logarithmic; points that are left out do not count.
-std::size_t ValuesNotAboveZero(const Chart& chart);
+std::size_t ValuesNotAboveZero(const ChartSnapshot& data);
 
 /// Where a bar starts and ends, values of its vertical axis.
 struct BarEnds {
@@ -33,6 +33,6 @@ struct BarEnds {
 
 /// Of each point of a series of bars: from its base to its value, or from where the stacked bars before it end at the
 /// same x. Values below 0 have a stack of their own, downward; no bar hides another one.
-std::vector<BarEnds> EndsOfBars(const Chart& chart, std::size_t index);
+std::vector<BarEnds> EndsOfBars(const ChartSnapshot& data, std::size_t index);
 
 }  // namespace qel

@@ -18,23 +18,24 @@ int CellsOf(double length, double cell) {
 
 }  // namespace
 
-CurveField::CurveField(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisLayout>& axes,
+CurveField::CurveField(const ChartSnapshot& data, const ChartCanvas& canvas, const std::vector<AxisLayout>& axes,
                        const ChartBox& plot)
     : m_plot(plot),
       m_cell(std::max({canvas.Units(kCell), plot.Width() / kMostCells, plot.Height() / kMostCells})),
       m_columns(CellsOf(plot.Width(), m_cell)),
       m_rows(CellsOf(plot.Height(), m_cell)),
       m_marked(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows)) {
+    const Chart& chart = data.chart;
     for (std::size_t i = 0; i < chart.series.size(); ++i) {
         if (!HasItsAxes(chart, chart.series[i])) continue;
-        const SeriesCurves curves(chart, i, axes);
+        const SeriesCurves curves(data, i, axes);
         const ChartKind kind = chart.series[i].kind;
         if (kind == ChartKind::kBars) {
             for (const ChartBox& bar : curves.Bars()) MarkBox(bar);
         } else if (kind == ChartKind::kPoints) {
             for (std::size_t point = 0; point < curves.Count(); ++point) Mark(curves.At(point));
         } else {
-            MarkLine(CutToArea(curves.Line(1 / m_cell), plot));
+            MarkLine(CutToArea(curves.RoughLine(1 / m_cell), plot));
         }
         for (const ShapePoint& at : curves.LeftOut()) Mark(at);
         for (const SeriesCurves::ErrorBar& bar : curves.ErrorBars()) MarkLine({bar.from, bar.to});

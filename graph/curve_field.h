@@ -10,7 +10,7 @@ namespace qel {
 /// Which parts of the plot curves pass through, in cells of a few points: texts avoid them.
 class CurveField {
 public:
-    CurveField(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisLayout>& axes,
+    CurveField(const ChartSnapshot& data, const ChartCanvas& canvas, const std::vector<AxisLayout>& axes,
                const ChartBox& plot);
 
     /// How many cells of the box have a part of a curve.

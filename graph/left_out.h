@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +34,7 @@ QELLIB10_API std::vector<LeftOutReason> ReasonsLeftOut(const Chart& chart);
 
 /// Calls @p step with the first point and the end of each run of points from @p begin to @p end that count.
 template <class Step>
-void ForEachKept(const std::vector<std::size_t>& leftOut, std::size_t begin, std::size_t end, const Step& step) {
+void ForEachKept(std::span<const std::size_t> leftOut, std::size_t begin, std::size_t end, const Step& step) {
     for (const std::size_t point : leftOut) {
         if (point < begin) continue;
         if (point >= end) break;

@@ -25,8 +25,12 @@ public:
         }
         for (const auto& [series, points] : taken) {
             if (series >= chart.series.size()) continue;
-            auto& all = chart.series[series].points;
-            all.insert(all.end(), points.begin(), points.end());
+            ChartSeries& to = chart.series[series];
+            if (to.store != nullptr) {
+                to.store->Append(points);
+            } else {
+                to.points.insert(to.points.end(), points.begin(), points.end());
+            }
         }
         return !taken.empty();
     }

@@ -286,7 +286,8 @@ TEST(Chart, StackedBarsHideNoOthers) {
         std::ostringstream ends;
         for (qel::ChartSeries& series : chart.series) series.base = base;
         for (std::size_t i = 0; i < chart.series.size(); ++i)
-            for (const qel::BarEnds& bar : qel::EndsOfBars(chart, i)) ends << ' ' << bar.from << ".." << bar.to;
+            for (const qel::BarEnds& bar : qel::EndsOfBars(qel::ChartSnapshot(chart), i))
+                ends << ' ' << bar.from << ".." << bar.to;
         EXPECT_EQ(ends.str(), std::string(" ") + expected);
     }
 }

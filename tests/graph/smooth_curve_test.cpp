@@ -104,8 +104,8 @@ TEST(SmoothCurve, LooksLikeCairosLine) {
 TEST(SmoothCurve, OfReducedPointsIsThatOfAllPoints) {
     for (const int count : {500, 20'000, 200'000}) {
         const Corners all = Noise(count, 7);
-        qel::LineReducer reducer;
-        for (const qel::ShapePoint& corner : all) reducer.Add(corner);
+        qel::LineReducer reducer(qel::PointLine::kFine);
+        for (const qel::ShapePoint& corner : all) reducer.Add(corner, corner.y);
         const Corners reduced = reducer.Take();
         EXPECT_LE(DifferenceOf(OnPicture(all, 1.5), OnPicture(reduced, 1.5)).most, 1) << count;
         EXPECT_LE(reduced.size(), 120U * 16 * 4);
