@@ -34,8 +34,8 @@ public:
     Value One(const FormulaStep& step, Value operand) {
         const double result = m_arithmetic.One(step, Number(operand));
         if (step.operation == Operation::kAbs && IsActive(operand)) AddBend(step, operand, kZero);
-        if (step.operation == Operation::kRound && IsActive(operand) && IsOwn(step))
-            m_gradient.m_roundings.push_back({operand, step.index});
+        if (step.operation == Operation::kRound && IsActive(operand))
+            m_gradient.m_roundings.push_back({operand, NextNode(), step.index, IsOwn(step)});
         m_gradient.NoteUnderflow(result, step.operation == Operation::kExp && IsActive(operand));
         return Add(step, result, operand, operand, IsActive(operand));
     }
@@ -84,10 +84,11 @@ private:
         if (IsOwn(step)) m_gradient.m_bends.push_back({left, right});
     }
 
+    Value NextNode() const { return static_cast<Value>(m_gradient.m_nodes.size()); }
     Value Add(const FormulaStep& step, double result, std::uint32_t left, std::uint32_t right, bool isActive) {
-        auto& nodes = m_gradient.m_nodes;
-        nodes.push_back({result, 0.0, &step, left, right, isActive && !GivesTruth(step.operation)});
-        return static_cast<Value>(nodes.size() - 1);
+        const Value node = NextNode();
+        m_gradient.m_nodes.push_back({result, 0.0, &step, left, right, isActive && !GivesTruth(step.operation)});
+        return node;
     }
 
     FormulaGradient& m_gradient;
@@ -118,6 +119,7 @@ double FormulaGradient::Evaluate(std::span<const double> values, std::span<const
     std::ranges::fill(m_partials, 0.0);
     m_nodes[result].adjoint = 1.0;
     GoBackwards();
+    for (Rounding& rounding : m_roundings) rounding.derivative = m_nodes[rounding.rounded].adjoint;
     return m_nodes[result].value;
 }
 

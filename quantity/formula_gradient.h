@@ -46,12 +46,15 @@ public:
 
     /// A rounding of what depends on a variable whose derivative was wanted.
     struct Rounding {
-        std::uint32_t operand;  // node
-        std::size_t rule;       // of the program
+        std::uint32_t operand, rounded;  // nodes
+        std::size_t rule;                // of the program
+        bool isOwn;                      // not of another formula
+        double derivative = 0.0;         // of the result by what is rounded
     };
 
     /// Of the last evaluation, in its order; those of other formulas are found where these are evaluated.
     std::span<const Bend> Bends() const { return m_bends; }
+    /// Of all formulas.
     std::span<const Rounding> Roundings() const { return m_roundings; }
     /// Makes Partials those of the difference of both operands.
     /// @return the difference

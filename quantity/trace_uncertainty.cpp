@@ -31,6 +31,7 @@ TraceUncertainty::TraceUncertainty(const Calculation& calculation, const Formula
     : m_calculation(calculation),
       m_set(set),
       m_isUnknown(set.Scope().Count()),
+      m_steps(set.Scope().Count()),
       m_isAtKink(set.Scope().Count()),
       m_bound(set.Scope().Count()) {
     for (const CalculationInput& input : calculation.inputs) m_inputs.push_back(UncertainOf(input));
@@ -83,12 +84,12 @@ std::span<const UncertainInput> TraceUncertainty::InputsOfAll() const {
 
 // A coefficient is between inputs, and of the result of another formula only its sources are kept.
 std::optional<UncertaintyBudget> TraceUncertainty::BudgetOf(const QuantityFormula& bound, std::string& reason,
-                                                            const std::string& text) const {
+                                                            const std::string& text, std::vector<double>& steps) const {
     const UncertaintyOptions& options = m_calculation.uncertainty;
     FormulaError error;
     std::optional<UncertaintyBudget> budget;
     if (options.correlations.empty() || m_calculation.helpers.empty()) {
-        budget = bound.Propagate(m_inputs, options, error);
+        budget = PropagateUncertainty(ProgramOf(bound), m_inputs, options, error, steps);
     } else {
         FormulaProgram joined = Joined(bound);
         if (joined.steps.size() > kMostJoinedSteps) {
@@ -96,18 +97,32 @@ std::optional<UncertaintyBudget> TraceUncertainty::BudgetOf(const QuantityFormul
             return {};
         }
         joined.firstOwn = joined.steps.size() - ProgramOf(bound).steps.size();
-        budget = PropagateUncertainty(joined, InputsOfAll(), options, error);
+        budget = PropagateUncertainty(joined, InputsOfAll(), options, error, steps);
     }
     if (!budget) reason = error.Text(text);
     return budget;
 }
 
+TraceUncertainty::Steps TraceUncertainty::StepsOf(const UncertaintyBudget& budget, std::span<const double> own) {
+    Steps steps;
+    for (const double part : own) steps[m_roundings++] = part;
+    const UncertaintyRow* before = nullptr;
+    for (const UncertaintyRow& row : budget.rows) {
+        const bool isSame = before != nullptr && before->input == row.input;
+        before = &row;
+        if (isSame || row.input >= m_steps.size()) continue;  // a constant has no steps
+        for (const auto& [rounding, part] : m_steps[row.input]) steps[rounding] += row.sensitivity * part;
+    }
+    return steps;
+}
+
 void TraceUncertainty::Propagate(const Formula& formula, const QuantityFormula& bound,
                                  std::span<const Reading> readings, std::optional<std::size_t> position,
                                  TracePart& part) {
+    std::vector<double> ownSteps;
     if (HasUncertainty(formula)) {
         part.withoutBudget = ReasonAgainst(formula, readings);
-        if (part.withoutBudget.empty()) part.budget = BudgetOf(bound, part.withoutBudget, part.formula);
+        if (part.withoutBudget.empty()) part.budget = BudgetOf(bound, part.withoutBudget, part.formula, ownSteps);
     }
     if (part.budget) {
         for (const std::size_t each : formula.Variables()) {
@@ -115,6 +130,11 @@ void TraceUncertainty::Propagate(const Formula& formula, const QuantityFormula& 
             if (part.budget->uncertainty < kLeastCertain && IsLostInDouble(readings[each].value))
                 part.withoutBudget = m_set.Scope().Name(each) + " is below 1E-308";
         }
+        const Steps steps = StepsOf(*part.budget, ownSteps);
+        double all = 0.0;
+        for (const auto& [rounding, added] : steps) all = std::hypot(all, added);
+        part.budget->isAtKink |= all > kConsiderable * part.budget->uncertainty;
+        if (position) m_steps[*position] = steps;
         if (!part.withoutBudget.empty()) part.budget.reset();
     }
     if (position) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -36,8 +37,11 @@ private:
     bool HasUncertainty(const Formula& formula) const;
     std::string ReasonAgainst(const Formula& formula, std::span<const Reading> readings) const;
     std::optional<UncertaintyBudget> BudgetOf(const QuantityFormula& bound, std::string& reason,
-                                              const std::string& text) const;
+                                              const std::string& text, std::vector<double>& steps) const;
     void PutIn(const TracePart& part, std::size_t position);
+    // What each rounding of this formula, and of those that it uses, adds to its result.
+    using Steps = std::map<std::size_t, double>;  // by number of the rounding
+    Steps StepsOf(const UncertaintyBudget& budget, std::span<const double> own);
     void ShowSources(UncertaintyBudget& budget) const;
     // The formula with all that it needs, and its inputs.
     FormulaProgram Joined(const QuantityFormula& bound) const;
@@ -47,6 +51,8 @@ private:
     const FormulaSet& m_set;
     std::vector<UncertainInput> m_inputs;                 // inputs and formulas, by position in the scope
     std::vector<bool> m_isUnknown;                        // of the same: there is an uncertainty, and it is not known
+    std::vector<Steps> m_steps;                           // of the same
+    std::size_t m_roundings = 0;                          // that have a number
     std::vector<bool> m_isAtKink;                         // of the same: first order is not enough for it
     std::vector<std::optional<QuantityFormula>> m_bound;  // of the same, nothing for an input
     std::unordered_map<std::string, UncertaintyComponent::Distribution> m_distributions;  // by source

@@ -123,26 +123,43 @@ bool ReachesBend(FormulaGradient& gradient, const UncertaintySources& sources, d
     });
 }
 
-// Whether a rounding has steps above the standard uncertainty of what it rounds: a step adds 0.29 of itself.
-bool HasSteps(FormulaGradient& gradient, const UncertaintySources& sources, const FormulaProgram& program) {
-    return std::ranges::any_of(gradient.Roundings(), [&](const FormulaGradient::Rounding& rounding) {
+// The distance of the steps of a rounding where it is applied, or 0 where its operand has no uncertainty.
+double StepOf(FormulaGradient& gradient, const UncertaintySources& sources, const RoundingRule& rule,
+              std::uint32_t operand, double& uncertainty) {
+    const double value = gradient.DifferentiateBend({operand, FormulaGradient::kZero});
+    uncertainty = Combination(sources, gradient.Partials(), std::pmr::get_default_resource()).Uncertainty();
+    double step = 0.0;
+    if (uncertainty == 0.0) return step;
+    // A value between two steps tells their distance, and one of these is not on a step: both of them on steps are not
+    // farther apart than the value is known.
+    for (const double beside : {0.0, 0.5, 0.01234567}) {
+        const Decimal exact = Decimal::OfDouble(value + beside * uncertainty);
+        DecimalFlags ignored;
+        const Decimal distance = Subtract(rule.With(DecimalRounding::kAwayFromZero).Round(exact).rounded,
+                                          rule.With(DecimalRounding::kTowardZero).Round(exact).rounded, ignored);
+        step = std::max(step, distance.Absolute().ToDouble());
+    }
+    return step;
+}
+
+// Whether the steps of a rounding are too large for first order: above the standard uncertainty of what is rounded, or
+// their part in the result is considerable, since the rest of it cancels. @p parts gets what they add to the result.
+bool HasSteps(FormulaGradient& gradient, const UncertaintySources& sources, const FormulaProgram& program,
+              double combined, std::vector<double>& parts) {
+    bool isLarge = false;
+    double all = 0.0;
+    for (const FormulaGradient::Rounding& rounding : gradient.Roundings()) {
         try {
-            const double value = gradient.DifferentiateBend({rounding.operand, FormulaGradient::kZero});
-            const Combination combination(sources, gradient.Partials(), std::pmr::get_default_resource());
-            const double uncertainty = combination.Uncertainty();
-            // A value between two steps tells their distance; both of these on steps are not so far apart.
-            const RoundingRule& rule = program.rules[rounding.rule];
-            return std::ranges::any_of(std::array{value, value + 0.5 * uncertainty}, [&](double each) {
-                const Decimal exact = Decimal::OfDouble(each);
-                DecimalFlags ignored;
-                const Decimal step = Subtract(rule.With(DecimalRounding::kAwayFromZero).Round(exact).rounded,
-                                              rule.With(DecimalRounding::kTowardZero).Round(exact).rounded, ignored);
-                return uncertainty > 0.0 && step.Absolute().ToDouble() > uncertainty;
-            });
+            double uncertainty = 0.0;
+            const double step = StepOf(gradient, sources, program.rules[rounding.rule], rounding.operand, uncertainty);
+            isLarge |= rounding.isOwn && step > uncertainty;
+            parts.push_back(kStepDeviation * step * rounding.derivative);
+            all = std::hypot(all, parts.back());
         } catch (const FormulaError&) {
-            return true;  // there is no derivative, so that nobody knows the uncertainty
+            isLarge = true;  // there is no derivative, so that nobody knows the uncertainty
         }
-    });
+    }
+    return isLarge || all > kConsiderable * combined;
 }
 
 // The standard uncertainties of the inputs that have no part in the result to first order, by slot; empty without any.
@@ -160,7 +177,6 @@ std::vector<double> WithoutPart(const UncertaintySources& sources, std::span<con
 // part of its uncertainty, so that no difference of two stays what it is.
 bool HasPartBeside(FormulaGradient& gradient, const UncertaintySources& sources, std::span<const double> withoutPart,
                    double combined) {
-    constexpr double kConsiderable = 0.3;  // of the combined uncertainty, which is then 4 % larger
     if (withoutPart.empty()) return false;
     std::vector<double> uncertainties(withoutPart.size()), values(sources.Values().begin(), sources.Values().end());
     for (const auto& [source, slot, uncertainty] : sources.Shares())
@@ -178,7 +194,7 @@ bool HasPartBeside(FormulaGradient& gradient, const UncertaintySources& sources,
 }
 
 UncertaintyBudget Budget(const FormulaProgram& program, std::span<const UncertainInput> inputs,
-                         const UncertaintyOptions& options) {
+                         const UncertaintyOptions& options, std::vector<double>& steps) {
     if (program.isTruth) throw FormulaError{Kind::kType, 0, 0, "a number", {}, {}};
     alignas(std::max_align_t) std::array<std::byte, 4096> usual;  // larger programs take memory
     std::pmr::monotonic_buffer_resource memory(usual.data(), usual.size());
@@ -196,7 +212,8 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
     if (options.withRows) AddRows(budget, program, inputs, sources, gradient.Partials(), combination);
     // Last: this changes the derivatives.
     const std::vector<double> withoutPart = WithoutPart(sources, gradient.Partials());
-    budget.isAtKink = ReachesBend(gradient, sources, budget.coverageFactor) || HasSteps(gradient, sources, program) ||
+    const bool hasSteps = HasSteps(gradient, sources, program, budget.uncertainty, steps);
+    budget.isAtKink = hasSteps || ReachesBend(gradient, sources, budget.coverageFactor) ||
                       HasPartBeside(gradient, sources, withoutPart, budget.uncertainty);
     return budget;
 }
@@ -205,11 +222,19 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
 
 std::optional<UncertaintyBudget> PropagateUncertainty(const FormulaProgram& program,
                                                       std::span<const UncertainInput> inputs,
-                                                      const UncertaintyOptions& options, FormulaError& error) {
+                                                      const UncertaintyOptions& options, FormulaError& error,
+                                                      std::vector<double>& steps) {
     return ComputedWithConstants(program, inputs, error,
                                  [&](const FormulaProgram& varied, std::span<const UncertainInput> all) {
-                                     return Budget(varied, all, options);
+                                     return Budget(varied, all, options, steps);
                                  });
+}
+
+std::optional<UncertaintyBudget> PropagateUncertainty(const FormulaProgram& program,
+                                                      std::span<const UncertainInput> inputs,
+                                                      const UncertaintyOptions& options, FormulaError& error) {
+    std::vector<double> steps;
+    return PropagateUncertainty(program, inputs, options, error, steps);
 }
 
 std::optional<UncertaintyBudget> PropagateUncertainty(const Formula& formula, std::span<const UncertainInput> inputs,

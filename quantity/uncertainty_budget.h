@@ -52,8 +52,8 @@ struct QELLIB10_API UncertaintyBudget {
     /// The formula bends or takes another branch within the uncertainty: the operands of a comparison differ by no more
     /// than k times the standard uncertainty of their difference, or those of min and max, or abs is as near to 0. Or
     /// an input has no part in the uncertainty here, and one next to here, as x in x * x at 0. Or round has steps above
-    /// the standard uncertainty of its argument. First order is then
-    /// hardly enough; a Monte Carlo run says more.
+    /// the standard uncertainty of its argument, or adds to the result more than 0.3 times its uncertainty. First order
+    /// is then hardly enough; a Monte Carlo run says more.
     bool isAtKink = false;
     std::vector<UncertaintyRow> rows;  ///< in the order in which the formula first names the inputs
 };

@@ -483,6 +483,29 @@ TEST(Trace, CorrelatedInputsAreThoseOfAllFormulas) {
     EXPECT_EQ(qel::CheckTrace(refused.Json(), error)->differences, std::vector<std::string>{});
 }
 
+// Of those of another formula first order knows nothing but what was kept.
+TEST(Trace, StepsOfAnotherFormulaAreSeenWhereItsArgumentCancels) {
+    for (const auto& [formula, coefficient, expected] : Cases<const char*, double, bool>{
+             {"B + A - R", 0.0, true},
+             {"B + A - R", 0.5, true},
+             {"B + A + R", 0.0, false},
+             {"B + A + R", 0.5, false},
+             {"B + S - R", 0.0, false},  // the steps cancel as well
+             {"A - S", 0.0, true},
+         }) {
+        Calculation calculation;
+        calculation.inputs = {Input("A", "1.0", {*UncertaintyComponent::Standard(0.3)}),
+                              Input("B", "1", {*UncertaintyComponent::Standard(0.001)})};
+        calculation.helpers = {{"R", "round(A, 1)", ""}, {"S", "R + 1", ""}};
+        calculation.result = {"Y", formula, ""};
+        calculation.uncertainty.coverageFactor = 2.0;
+        if (coefficient != 0.0) calculation.uncertainty.correlations = {{0, 1, coefficient}};
+        const Trace trace = Trace::Of(calculation);
+        ASSERT_TRUE(trace.Result() && trace.Result()->budget) << formula;
+        EXPECT_EQ(trace.Result()->budget->isAtKink, expected) << formula << coefficient;
+    }
+}
+
 // The traces of each released version, by its number, are computed again by all later ones.
 TEST(Trace, ThoseOfEveryVersionAreComputedAgain) {
     int count = 0;

@@ -165,6 +165,12 @@ TEST(UncertaintyBudget, ABendWithinTheUncertaintyIsSeen) {
              {"round(10 * A, 5, half_even, multiple)", true},
              {"round(A, 3)", false},
              {"round(E, 0) * A", false},
+             {"round(A, 1) + 0 * B", false},
+             {"A - round(A, 1)", true},  // the argument cancels, its steps are left
+             {"1e-3 * B + A - round(A, 1)", true},
+             {"B + A - round(A, 1)", false},
+             {"A / round(10 * A, 0)", true},
+             {"B + round(A - A, 0)", false},
          }) {
         qel::FormulaError error;
         const auto budget = qel::PropagateUncertainty(inputs.Parsed(formula), inputs.inputs, {}, error);
