@@ -195,17 +195,22 @@ double OpenPart(const CurveData& data, std::size_t steepest, double place) {
 }
 
 // How far the points are apart around the steepest one whose slopes are the same within their noise.
-double SameSlopes(const CurveData& data, const EndPointOptions& options, std::size_t index, double slope) {
+double SameSlopes(const CurveData& data, const EndPointOptions& options, std::size_t index, const CurveValue& slope) {
     LocalFit fit(data, options.window, options.degree);
     const auto [first, last] = data.PartOf(index);
-    // Standard errors that the slope at a point is less steep.
+    // Standard errors that the slope at a point is less steep. The windows of near points have readings in common.
     const auto lessSteep = [&](std::size_t i) {
         CurveValue other;
         if (!fit.At(i, data.x[i], 1, other)) return kClear;
-        std::vector<double> rates(std::max(i, index) - std::min(i, index) + 1);
-        rates.front() = 1;
-        rates.back() -= 1;
-        return (std::abs(slope) - std::copysign(1, slope) * other.y) / fit.NoiseOf(std::min(i, index), rates, 1);
+        const std::size_t low = std::min(i, index), apart = std::max(i, index) - low;
+        double noise = std::hypot(slope.uncertainty, other.uncertainty);
+        if (apart < options.window) {
+            std::vector<double> rates(apart + 1);
+            rates.front() = 1;
+            rates.back() = -1;
+            noise = fit.NoiseOf(low, rates, 1);
+        }
+        return (std::abs(slope.y) - std::copysign(1, slope.y) * other.y) / noise;
     };
     double low = data.x[index], high = low;
     for (std::size_t i = index; i > first; --i) {
@@ -258,7 +263,7 @@ CurveEndPoint DerivativeEndPoint(const CurveData& data, const EndPointOptions& o
         compare(window + 2, degree);
         if (window > degree + 2) compare(window - 2, degree);
     }
-    spread = std::hypot(spread, SameSlopes(data, options, steepest.index, steepest.slope.y) / std::sqrt(12.0));
+    spread = std::hypot(spread, SameSlopes(data, options, steepest.index, steepest.slope) / std::sqrt(12.0));
     LocalFit fit(data, window, degree);
     CurveEndPoint end = Place(data, fit, found->index, found->place, std::hypot(found->noise, spread));
     end.degreesOfFreedom = EffectiveDegrees(found->noise * found->noise, data.noiseDegrees, spread * spread,
