@@ -26,11 +26,14 @@ struct QELLIB10_API CalculationInput {
     std::vector<UncertaintyComponent> components;  ///< in @p unit
 
     /// @param text a reading as Reading::OfText has it, then possibly a unit: "16.519 mL", "< 0.02 mg/L", "missing"
-    /// @return nothing where it does not start with a reading, and for an exponent after a blank, "5 e3" or "5 e 3";
-    /// the unit is read when the calculation is
+    /// @return nothing where it does not start with a reading, and where the number seems to go on after a blank, as in
+    /// "5 e3" and "1 500 mg": a unit with a factor follows a sign, "5 × 1000/µL", but for powers of 10 and "1/min". The
+    /// unit is read when the calculation is
     static std::optional<CalculationInput> Of(std::string_view name, std::string_view text,
                                               std::vector<UncertaintyComponent> components = {},
                                               std::string_view origin = {});
+    /// One sentence without a full stop on digits or an exponent after a blank; empty for every other text.
+    static std::string WhyNot(std::string_view text);
 
     friend bool operator==(const CalculationInput&, const CalculationInput&) = default;
 };

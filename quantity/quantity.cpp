@@ -9,6 +9,7 @@
 #include "qellib10/quantity/uncertain_constants.h"
 #include "qellib10/quantity/uncertainty_propagation.h"
 #include "qellib10/quantity/uncertainty_statement.h"
+#include "qellib10/quantity/value_text.h"
 
 namespace qel {
 namespace {
@@ -32,7 +33,8 @@ std::optional<Quantity> Quantity::Of(std::string_view text, std::vector<Uncertai
                                      std::string& error) {
     const std::optional<CalculationInput> input = CalculationInput::Of("", text);
     if (!input || !input->reading.IsValue()) {
-        error = "a quantity starts with a number";
+        error = input ? std::string() : CalculationInput::WhyNot(text);
+        if (error.empty()) error = "a quantity starts with a number";
         return {};
     }
     const std::optional<Unit> unit = Unit::Parse(input->unit, error);
@@ -70,7 +72,7 @@ std::optional<Quantity> Quantity::In(const Unit& other, const std::optional<Deci
 
 std::string Quantity::Text() const {
     const std::string text = value.Text();
-    return unit.IsNumber() ? text : text + ' ' + unit.Text();
+    return unit.IsNumber() ? text : text + AfterValue(unit.Text());
 }
 
 std::optional<QuantityResult> EvaluateQuantities(const Formula& formula, std::span<const Quantity> quantities,

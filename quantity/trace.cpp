@@ -7,13 +7,12 @@
 #include "qellib10/quantity/shown_number.h"
 #include "qellib10/quantity/trace_computation.h"
 #include "qellib10/quantity/traced_calculation.h"
+#include "qellib10/quantity/value_text.h"
 
 namespace qel {
 namespace {
 
-std::string WithUnit(const std::string& text, const std::string& unit) {
-    return unit.empty() ? text : text + ' ' + unit;
-}
+std::string WithUnit(const std::string& text, const std::string& unit) { return text + AfterValue(unit); }
 
 std::string Shortest(double value) {
     std::array<char, 32> text;

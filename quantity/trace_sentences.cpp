@@ -97,6 +97,7 @@ constexpr std::array kSentences = {
            "\"{}\": °C などの温度には積と商がない。K を使用"},
     Phrase{"\"{}\": a temperature such as °C has no powers; K has", "\"{}\": °C などの温度には累乗がない。K を使用"},
     Phrase{"\"{}\": an exponent is one whole number", "\"{}\": 指数は一つの整数"},
+    Phrase{"\"{}\": a number is written without blanks, as 12345", "\"{}\": 数値は 12345 のように空白なしで書く"},
     Phrase{"\"{}\": its number has too many digits", "\"{}\": 数値の桁が多すぎる"},
     Phrase{"\"{}\": a unit is not 0", "\"{}\": 0 は単位ではない"},
     Phrase{"an exponent follows its number without a blank, as in 5e3; of charges e it is e^3",

@@ -10,6 +10,7 @@
 #include "qellib10/quantity/trace_phrases.h"
 #include "qellib10/quantity/trace_sentences.h"
 #include "qellib10/quantity/trace_words.h"
+#include "qellib10/quantity/value_text.h"
 
 namespace qel {
 namespace {
@@ -142,17 +143,16 @@ private:
     }
 
     // Of a value, after a blank.
-    static std::string AfterBlank(const std::string& unit) { return unit.empty() ? "" : ' ' + unit; }
-    static std::string UnitOf(const TracePart& part) { return AfterBlank(part.unit); }
+    static std::string UnitOf(const TracePart& part) { return AfterValue(part.unit); }
     // Of an input, another formula or a constant.
     std::string UnitOf(const std::string& name) const {
         const auto& inputs = m_trace.Request().inputs;
         const auto input = std::ranges::find(inputs, name, &CalculationInput::name);
-        if (input != inputs.end()) return AfterBlank(input->unit);
+        if (input != inputs.end()) return AfterValue(input->unit);
         const auto part = std::ranges::find(m_trace.Parts(), name, &TracePart::name);
         if (part != m_trace.Parts().end()) return UnitOf(*part);
         for (const FormulaConstant& constant : FormulaConstants())
-            if (name == "const." + std::string(constant.name)) return AfterBlank(std::string(constant.unit));
+            if (name == "const." + std::string(constant.name)) return AfterValue(std::string(constant.unit));
         return {};
     }
 

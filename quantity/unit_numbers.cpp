@@ -16,6 +16,17 @@ bool UnitParser::StartsWithExponent(std::string_view text) {
     return !text.empty() && IsDigit(text.front());
 }
 
+bool UnitParser::ContinuesNumber(std::string_view text) {
+    std::size_t digits = 0;
+    while (digits < text.size() && IsDigit(text[digits])) ++digits;
+    const std::string_view number = text.substr(0, digits), rest = Trimmed(text.substr(digits));
+    const auto follows = [&](std::string_view sign) { return rest.starts_with(sign); };
+    if (number == "1") return !follows("/");
+    const bool isPower =
+        number == "10" && (follows("^") || follows("**") || std::ranges::any_of(kSuperscripts, follows));
+    return digits > 0 && !isPower;
+}
+
 std::optional<int> UnitParser::Exponent() {
     if (const std::optional<int> superscript = Superscript()) return superscript;
     const std::size_t before = m_at;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kDeepest = 30;
 constexpr std::string_view kUcum = "ucum:";
+constexpr const char* kBlankInNumber = "a number is written without blanks, as 12345";
 constexpr const char* kApart = "an exponent follows its number without a blank, as in 5e3; of charges e it is e^3";
 
 }  // namespace
@@ -81,6 +82,7 @@ Unit UnitParser::Whole() {
 
 Unit UnitParser::Product() {
     SkipBlanks();
+    std::size_t factor = m_at;
     Unit product = Power();
     for (;;) {
         SkipBlanks();
@@ -97,9 +99,13 @@ Unit UnitParser::Product() {
             throw Refusal{Quoted(m_text) + ": a point before a digit is neither a product nor a whole exponent"};
         if (Take("/") || ((isWord("per") || isWord("PER")) && (m_at += 3) > 0))
             isDivision = true;
-        else if (!Take("*") && !Take(".") && !Take("-") && !Take(kDots[0]) && !Take(kDots[1]) && !StartsAtom())
-            RefuseHere();
+        else if (!Take("*") && !Take(".") && !Take("-") && !Take(kDots[0]) && !Take(kDots[1])) {
+            if (!StartsAtom()) RefuseHere();
+            if (IsDigit(m_text[factor]) && ContinuesNumber(Rest()))
+                throw Refusal{Quoted(m_text) + ": " + kBlankInNumber};
+        }
         SkipBlanks();
+        factor = m_at;
         const Unit next = Power();
         if (product.HasOffset() || next.HasOffset())
             throw Refusal{Quoted(m_text) + ": a temperature such as °C has no products and quotients; K has"};

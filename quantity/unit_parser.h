@@ -20,6 +20,9 @@ public:
     static std::optional<Unit> Parse(std::string_view text, std::string& error);
     /// Whether people read the start as a power of ten, as in "5 e3" and "10 e -3/L": it is no unit of charges e.
     static bool StartsWithExponent(std::string_view text);
+    /// Whether people read the start as more digits of a number before it, as in "1 500 mg": 10^3/µL and 1/min are
+    /// none.
+    static bool ContinuesNumber(std::string_view text);
 
 private:
     struct Refusal {

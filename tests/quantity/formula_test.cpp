@@ -273,8 +273,23 @@ TEST(Reading, TextsAreReadAgain) {
     }
     for (const char* text : {"", "<", "1 2", "NaN", "Infinity", "1,5", "12345678901234567890123456789012345"})
         EXPECT_FALSE(Reading::OfText(text)) << text;
-    for (const char* text : {"5 e3", "5 e 3", "5e 3", "5  E - 3 mL", "< 5 e+3", "mL"})
+    for (const char* text : {"5 e3", "5 e 3", "5e 3", "5  E - 3 mL", "< 5 e+3", "mL", "1 500 mg", "12 345",
+                             "< 12 345.6 mg/L", "1 500/min", "5 1000/µL", "1 025 mg"}) {
         EXPECT_FALSE(qel::CalculationInput::Of("A", text)) << text;
+        EXPECT_EQ(qel::CalculationInput::WhyNot(text).empty(), std::string_view(text) == "5e 3" || text[0] == 'm')
+            << text;
+    }
+    for (const auto& [text, unit] : Cases<const char*, const char*>{
+             {"5 10^3/µL", "10^3/µL"},
+             {"5 10³/µL ", "10³/µL"},
+             {"72 1/min", "1/min"},
+             {"5 × 1000/µL", "1000/µL"},
+             {"5 ×", "×"},
+         }) {
+        const auto input = qel::CalculationInput::Of("A", text);
+        ASSERT_TRUE(input) << text;
+        EXPECT_EQ(input->unit, unit);
+    }
 }
 
 TEST(Reading, OfAListThatRoundsItsValuesIsAskedFor) {

@@ -89,8 +89,8 @@ TEST(TraceSentences, FaultsAndRemarksAreJapanese) {
                                 "L / M",
                                 "V AND M"})
         ExpectJapanese(WithFormula(formula, "kg"), formula);
-    for (const char* unit :
-         {"foo", "%", "ucum:foo", "mg/", "mg as N", "5 e3", "°C*m", "°C^2", "m^1.5", "0 m", "m^999", "K @ 1 @ 2"})
+    for (const char* unit : {"foo", "%", "ucum:foo", "mg/", "mg as N", "5 e3", "°C*m", "°C^2", "1 500 g", "m^1.5",
+                             "0 m", "m^999", "K @ 1 @ 2"})
         ExpectJapanese(WithFormula("V", unit), unit);
 }
 

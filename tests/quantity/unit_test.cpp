@@ -189,6 +189,8 @@ TEST(Unit, ErrorsSayWhatIsWrong) {
              {"5 e3", "\"5 e3\"" + apart},
              {"10 e -3/L", "\"10 e -3/L\"" + apart},
              {"e 3", "\"e 3\"" + apart},
+             {"12 345", "\"12 345\": a number is written without blanks, as 12345"},
+             {"mg/(1 000.5 mL)", "\"mg/(1 000.5 mL)\": a number is written without blanks, as 12345"},
              {"m.5", "\"m.5\": a point before a digit is neither a product nor a whole exponent"},
              {"s⁻", "\"s⁻\" is not a unit: its end is missing"},
              {"s⁻/m", "\"s⁻/m\" is not a unit: a name is expected at \"/m\""},
@@ -240,6 +242,8 @@ TEST(Unit, TextsReadAsTheSameUnit) {
              {"K @ 273.15", "K @ 273.15"},
              {"1/(1/s)", "s"},
              {"e^3*e/eV", "e^4/eV"},
+             {"12 10^3/µL", "12*10^3/µL"},
+             {"10*500 mg", "10*500*mg"},
              {"ucum:10*3/uL", "10^3/µL"},
          }) {
         const Unit unit = Parsed(text);

@@ -59,7 +59,10 @@ qel::CalculationInput InputOf(const std::string& assignment) {
     if (name.empty() || !rest) Refuse(assignment, "is not NAME=VALUE");
     auto [value, more] = Split(*rest, ';');
     std::optional<qel::CalculationInput> input = qel::CalculationInput::Of(name, value);
-    if (!input) Refuse(value, "is no value: a number, < or > with a number, missing or invalid");
+    if (!input) {
+        const std::string why = qel::CalculationInput::WhyNot(value);
+        Refuse(value, "is no value: " + (why.empty() ? "a number, < or > with a number, missing or invalid" : why));
+    }
     std::string source;
     bool isSourceUsed = true;
     while (more) {
