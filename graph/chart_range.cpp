@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "qellib10/graph/chart_value_text.h"
 #include "qellib10/graph/left_out.h"
@@ -36,7 +37,11 @@ struct Place {
 class RangeReader {
 public:
     RangeReader(const ChartSeries& series, double from, double to)
-        : m_series(series), m_points(series), m_low(std::min(from, to)), m_high(std::max(from, to)) {}
+        : m_series(series),
+          m_points(series),
+          m_leftOut(PointsLeftOut(series)),
+          m_low(std::min(from, to)),
+          m_high(std::max(from, to)) {}
 
     ChartRangeValues Read() {
         ForEachPlace([&](const Place& place) { Take(place); }, [&] { m_before.reset(); });
@@ -45,7 +50,7 @@ public:
         values.mean = isSome ? m_y.Get() / double(m_count) : kNoNumber;
         values.minimum = isSome ? m_minimum : kNoNumber;
         values.maximum = isSome ? m_maximum : kNoNumber;
-        values.area = m_hasArea ? m_area.Get() : kNoNumber;
+        values.area = !m_hasArea ? kNoNumber : m_moved < 0 ? -m_area.Get() : m_area.Get();
         values.difference = m_atLow && m_atHigh ? *m_atHigh - *m_atLow : kNoNumber;
         values.slope = Slope(m_x.Get() / double(m_count), values.mean);
         return values;
@@ -55,8 +60,21 @@ private:
     bool IsCurve() const { return m_series.kind != ChartKind::kPoints && m_series.kind != ChartKind::kBars; }
     bool IsInside(double x) const { return x >= m_low && x <= m_high; }
 
+    // Of points that rise only those in the range, and the next ones beside it, which the curve leads to.
+    std::pair<std::size_t, std::size_t> Reach() const {
+        if (!m_points.Totals().isRising) return {0, m_points.Count()};
+        std::size_t begin = m_points.FirstFrom(m_low), end = m_points.FirstAbove(m_high);
+        const auto isLeftOut = [&](std::size_t point) { return std::ranges::binary_search(m_leftOut, point); };
+        while (begin > 0 && isLeftOut(--begin)) {
+        }
+        while (end < m_points.Count() && isLeftOut(end++)) {
+        }
+        return {begin, end};
+    }
+
     template <class Step, class Gap> void ForEachPlace(const Step& step, const Gap& gap) const {
-        ForEachKept(PointsLeftOut(m_series), 0, m_points.Count(), [&](std::size_t first, std::size_t end) {
+        const auto [from, to] = Reach();
+        ForEachKept(m_leftOut, from, to, [&](std::size_t first, std::size_t end) {
             for (std::size_t i = first; i < end; ++i) {
                 const Place place{m_points[i].GetXData(), m_points[i].GetYData()};
                 if (std::isfinite(place.x) && std::isfinite(place.y)) {
@@ -76,8 +94,8 @@ private:
             m_minimum = std::min(m_minimum, place.y);
             m_maximum = std::max(m_maximum, place.y);
             if (!IsCurve()) {
-                if (!m_atLow) m_atLow = place.y;
-                m_atHigh = place.y;
+                if (!(place.x >= m_lowestX)) m_lowestX = place.x, m_atLow = place.y;
+                if (!(place.x < m_highestX)) m_highestX = place.x, m_atHigh = place.y;
             }
         }
         if (IsCurve()) TakeEnds(place);
@@ -104,6 +122,7 @@ private:
         if (start == end) return;
         m_hasArea = true;
         const double width = end - start;
+        m_moved += width;
         m_area.Add(m_series.kind == ChartKind::kSteps
                        ? before.y * width
                        : (Between(before, place, start) / 2 + Between(before, place, end) / 2) * width);
@@ -124,12 +143,15 @@ private:
 
     const ChartSeries& m_series;
     const SeriesPoints m_points;
+    const std::vector<std::size_t> m_leftOut;
     const double m_low, m_high;
     std::size_t m_count = 0;
     Sum m_x, m_y, m_area;
     double m_minimum = std::numeric_limits<double>::infinity(), m_maximum = -m_minimum;
     bool m_hasArea = false;
-    std::optional<double> m_atLow, m_atHigh;  // at the ends of the range
+    double m_moved = 0;                                    // across: below 0 where x falls, as wavenumbers do
+    std::optional<double> m_atLow, m_atHigh;               // at the ends of the range
+    double m_lowestX = kNoNumber, m_highestX = kNoNumber;  // of points without a curve
     std::optional<Place> m_before;
 };
 

@@ -24,12 +24,13 @@ struct ChartRangeValues {
     std::size_t count = 0;  ///< of points, those at the ends included
     double width = 0;       ///< of the range
     /// From the value at its start to that at its end: of lines at the ends themselves, between two points on the
-    /// straight line; of points and bars from the first one to the last one.
+    /// straight line; of points and bars from the one with the lowest x to the one with the highest.
     double difference = 0;
     double mean = 0;  ///< of the points, each counted once
     double minimum = 0, maximum = 0;
-    /// Between the curve and 0, negative below it; the curve is straight between its points, or steps. Nothing is added
-    /// where there is a gap, and before the first and after the last point. Not a number for bars.
+    /// Between the curve and 0, negative below it, whether x rises or falls; the curve is straight between its points,
+    /// or steps. Nothing is added where there is a gap, and before the first and after the last point. Not a number for
+    /// bars.
     double area = 0;
     double slope = 0;  ///< of the straight line with the least squares; at least 2 different x
 };

@@ -111,7 +111,7 @@ void ChartActions::RangeChanged(bool isChanged) {
     std::string text;
     for (const ChartRangeLine& line : m_scene.RangeLines())
         text += (text.empty() ? "" : ", ") + line.name + " " + line.value;
-    m_scene.Announce(text);
+    if (!text.empty()) m_scene.Announce(text);
     if (onRange) onRange(m_scene.markers.Range());
 }
 

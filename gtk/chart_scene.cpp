@@ -13,7 +13,8 @@ namespace qel {
 namespace {
 
 constexpr int kScreenDots = 96;
-constexpr int kRest = 20;  // times as long as measuring a range took, before it is measured again
+constexpr gint64 kQuick = 5000;  // microseconds: measuring a range is not noticed
+constexpr int kRest = 4;         // times as long as measuring a range took, before it is measured again
 
 }  // namespace
 
@@ -27,6 +28,12 @@ void ChartScene::Redraw() {
 }
 
 void ChartScene::RedrawOver() { gtk_widget_queue_draw(m_pWidget); }
+
+void ChartScene::LookForPoints() {
+    std::size_t stored = 0;
+    for (const ChartSeries& each : chart.series) stored += each.store != nullptr ? each.store->Count() : 0;
+    if (std::exchange(m_stored, stored) != stored) Redraw();
+}
 
 void ChartScene::SetTheme(const ChartTheme& theme) {
     m_hasOwnTheme = true;
@@ -105,12 +112,16 @@ bool ChartScene::AreRangeLinesDue() const {
 const std::vector<ChartRangeLine>& ChartScene::RangeLines() {
     if (!markers.Range()) return m_rangeLines.clear(), m_rangeLines;
     if (m_range == markers.Range() && !AreRangeLinesDue()) return m_rangeLines;
+    if (g_get_monotonic_time() < m_linesDue) {  // of another range: no values until then
+        m_areLinesStale = true;
+        return m_rangeLines.clear(), m_rangeLines;
+    }
     const gint64 start = g_get_monotonic_time();
     m_range = markers.Range();
     m_rangeLines = LinesOfRange(chart, navigator, *m_range);
     m_areLinesStale = false;
     const gint64 end = g_get_monotonic_time();
-    m_linesDue = end + kRest * (end - start);
+    m_linesDue = end - start < kQuick ? end : end + kRest * (end - start);
     return m_rangeLines;
 }
 

@@ -34,8 +34,9 @@ public:
     std::string hint;                   // at the lower edge of the plot: what a click does now
 
     GtkWidget* Widget() const { return m_pWidget; }
-    void Redraw();      ///< the chart, before the next frame
-    void RedrawOver();  ///< only what is over it
+    void Redraw();         ///< the chart, before the next frame
+    void RedrawOver();     ///< only what is over it
+    void LookForPoints();  ///< that others have added to stores
     /// Keeps the theme, whatever the desktop has.
     void SetTheme(const ChartTheme& theme);
     /// Takes the desktop's theme and the size of its texts, if they have changed.
@@ -75,6 +76,7 @@ private:
     CSize m_size;
     int m_scale = 1;
     double m_textScale = 1;
+    std::size_t m_stored = 0;  // points in the stores of all series
 
     std::vector<ChartRangeLine> m_rangeLines;
     std::optional<ChartRange> m_range;  // of the lines

@@ -46,6 +46,7 @@ private:
     static gboolean OnFrame(GtkWidget*, GdkFrameClock*, gpointer parts) noexcept {
         ChartScene& scene = Of(parts).scene;
         if (Of(parts).feed.MoveTo(scene.chart)) scene.Redraw();
+        scene.LookForPoints();
         if (scene.AreRangeLinesDue()) scene.RedrawOver();
         scene.Follow();  // not every change of the theme has a signal here
         return G_SOURCE_CONTINUE;

@@ -52,7 +52,9 @@ public:
     void SetTheme(const ChartTheme& theme);
 
     /// Adds points to a series from any thread; they are shown with the next frame, and those of a series that does not
-    /// exist then are dropped. Must not be called during or after the destructor.
+    /// exist then are dropped. Must not be called during or after the destructor. For millions of points give the
+    /// series a store (ChartSeries::store): it is drawn in a time that hardly depends on their number, and points that
+    /// others append to it are shown as well.
     void Append(std::size_t series, std::span<const CGraphData> points);
 
     const ChartNavigator& Navigator() const noexcept;

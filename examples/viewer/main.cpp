@@ -1,5 +1,5 @@
-// A curve that grows while it is shown: a thread reads a detector, the view takes its points with each frame. The rest
-// (zoom, cursor, markers, copy, save, print) is the view's; its menu is at the right mouse button.
+// A curve that grows while it is shown: a thread appends what a detector gives, the view looks with each frame. The
+// rest (zoom, cursor, markers, copy, save, print) is the view's; its menu is at the right mouse button.
 //
 //     viewer [--points N] [--all] [--screenshot FILE]
 //
@@ -48,8 +48,8 @@ qel::Chart MakeChart(Detector& detector, const Options& options) {
     chart.axes[0].title = "Time", chart.axes[0].unit = "s";
     chart.axes[1].title = "Signal", chart.axes[1].unit = "mV";
     chart.axes[0].following = options.isAll ? 0 : 60;
-    chart.series.emplace_back();
-    for (int i = 0; i < options.points; ++i) chart.series[0].points.push_back(detector.Next());
+    chart.series.push_back({.store = std::make_shared<qel::PointStore>()});
+    for (int i = 0; i < options.points; ++i) chart.series[0].store->Append(detector.Next());
     return chart;
 }
 
@@ -70,11 +70,11 @@ int main(int argc, char** argv) {
     gtk_container_add(GTK_CONTAINER(window), view.Widget());
     gtk_widget_show_all(window);
 
-    const std::jthread instrument([&](const std::stop_token& stop) {  // ends before the view that it appends to
+    const std::shared_ptr<qel::PointStore> points = view.Shown().series[0].store;
+    const std::jthread instrument([&](const std::stop_token& stop) {
         for (auto next = std::chrono::steady_clock::now(); !stop.stop_requested();
              std::this_thread::sleep_until(next)) {
-            const CGraphData point = detector.Next();
-            view.Append(0, {&point, 1});
+            points->Append(detector.Next());
             next += std::chrono::microseconds(1'000'000 / Detector::kPerSecond);
         }
     });

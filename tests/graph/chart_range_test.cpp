@@ -79,6 +79,23 @@ TEST(ChartRange, MeasuresWhatIsBetween) {
         EXPECT_EQ(Text(qel::ValuesInRange(c.series, c.from, c.to)), c.expected);
     }
     EXPECT_EQ(qel::ValuesInRange({.points = line}, kNan, 3).count, 0U);
+
+    // Of rising points only those nearby are read; falling ones are the same curve.
+    qel::ChartSeries rising{.leftOut = {{0, ""}, {19, ""}, {20, ""}, {50, ""}, {80, ""}, {99, ""}}}, falling = rising;
+    for (int i = 0; i < 100; ++i) rising.points.push_back({i / 3.0, i % 7 == 3 ? kNan : std::sin(i / 9.0)});
+    rising.store = std::make_shared<qel::PointStore>();
+    rising.store->Append(rising.points);
+    falling.points.assign(rising.points.rbegin(), rising.points.rend());
+    for (qel::ChartLeftOut& each : falling.leftOut) each.point = 99 - each.point;
+    for (int from = -1; from < 34; ++from) {
+        for (int to = from; to < 35; ++to) {
+            const qel::ChartRangeValues up = qel::ValuesInRange(rising, from + 0.1, to + 0.2);
+            const qel::ChartRangeValues down = qel::ValuesInRange(falling, from + 0.1, to + 0.2);
+            EXPECT_EQ(Line({up.count, up.minimum, up.maximum, up.mean, up.slope, up.difference, up.area}),
+                      Line({down.count, down.minimum, down.maximum, down.mean, down.slope, down.difference, down.area}))
+                << from << " to " << to;
+        }
+    }
 }
 
 TEST(ChartRange, HasUnitsAndDecimalsOfItsAxes) {
