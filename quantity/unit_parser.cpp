@@ -14,7 +14,7 @@ namespace qel {
 namespace {
 
 constexpr int kDeepest = 30;
-constexpr std::string_view kUcum = "ucum:";
+constexpr std::string_view kUcum = "ucum:", kDegree = "°";
 constexpr const char* kBlankInNumber = "a number is written without blanks, as 12345";
 constexpr const char* kApart = "an exponent follows its number without a blank, as in 5e3; of charges e it is e^3";
 
@@ -167,6 +167,12 @@ Unit UnitParser::Name() {
     if (m_at == start) RefuseHere();
     if (StartsWithExponent(m_text.substr(start))) throw Refusal{Quoted(m_text) + ": " + kApart};
     std::string name(m_text.substr(start, m_at - start));
+    // "° C" with a blank is no degree of angle times a coulomb.
+    if (name == kDegree) {
+        SkipBlanks();
+        for (const std::string_view letter : {"C", "F"})
+            if (Rest().starts_with(letter) && NameCharacter(Rest().substr(1)) == 0 && Take(letter)) name += letter;
+    }
     if (name == "%" || name == "ppm" || name == "ppb") name += Basis();
     return Meaning(name, m_depth);
 }
