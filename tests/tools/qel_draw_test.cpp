@@ -112,6 +112,8 @@ TEST(QelPlot, ReadsTablesAsTheyAreWritten) {
              {"\xEF\xBB\xBF"
               "mL;pH;mV\r\n1,5;+2,5;\"-1,5\"\r\n",
               "-y pH -y 3", 1, kNamed, "\"xRange\":[0.6,2.4],\"yRange\":[-1.5,2.5]"},
+             {"mL,pH\n1,2\n,\n3,5\n,\nmean,3\n", "", 2, "\"x\":\"mL\",\"y\":[\"pH\"]",
+              "\"xRange\":[1.0,3.0],\"yRange\":[2.0,5.0]"},
              {"1\t0\n2\t0\n", "--y-range 14:0 --bars --marks", 2, kBare, "\"xRange\":[1.0,2.0],\"yRange\":[14.0,0.0]"},
              {"-1e308,1e-320\n1e308,2e-320\n", "", 2, kBare, "\"xRange\":[-1e+308,1e+308],\"yRange\":[-1.0,1.0]"},
          })
@@ -120,6 +122,7 @@ TEST(QelPlot, ReadsTablesAsTheyAreWritten) {
              {"mL,pH\n1,2\n", "-x mL -y mV", "1 qel: t.csv: no line has all of these columns\n"},
              {"mL,pH\n1,2\n", "-x mL -y 3", "2 qel: column 3: the table has 2 columns; see qel --help\n"},
              {"mL,pH\n1,\n", "", "1 qel: t.csv: column \"2\" has no numbers\n"},
+             {"Day,pH\n,2\nMon,1\nTue,2\n", "", "1 qel: t.csv: column \"1\" has no numbers; line 3 has \"Mon\"\n"},
              {"", "", "1 qel: t.csv: column \"1\" has no numbers\n"},
              {"1,2\n", "--x-range 1:1", "2 qel: \"1:1\" is not a range such as 0:14; see qel --help\n"},
          }) {
@@ -155,6 +158,9 @@ TEST(QelPlot, MakesCharts) {
               {">A<", ">B<", ">C:D<", ">14<", ">60<"}},
              {"time.csv --points", "3 points, 1 curve\n  1 field without a number is not drawn\n", {"JST", ">23:30<"}},
              {"time.csv --utc", "3 points, 1 curve\n  1 field without a number is not drawn\n", {"UTC", ">23:30<"}},
+             {"utc.csv --x-range 2026-11-28T23:00Z/2026-11-29T00:00Z --y-range 1.5:3",
+              "2 points, 1 curve\n  2 values are outside of --x-range or --y-range\n",
+              {"UTC"}},
              {"utc.csv --reverse-x --x-range 2026-11-28T23:00Z/2026-11-29T01:00Z",
               "2 points, 1 curve\n",
               {"UTC", ">23:00<"}},

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "progress.h"
 #include "tool.h"
@@ -16,6 +17,11 @@ constexpr std::size_t kRowsBetweenProgress = 8192, kBytesOfMegabyte = 1'000'000;
 
 bool IsNone(double number) { return std::isnan(number); }
 
+// Only separators, as spreadsheets write a row without values. An empty line has not even those.
+bool IsGap(const Row& row) {
+    return row.size() > 1 && std::ranges::all_of(row, [](std::string_view field) { return field.empty(); });
+}
+
 // @throws CLI::ValidationError for 0
 std::optional<std::size_t> NumberOf(const std::string& column) {
     const std::optional<std::size_t> number = qel::ColumnNumber(column);
@@ -27,7 +33,10 @@ std::optional<std::size_t> NumberOf(const std::string& column) {
 class ColumnReader {
 public:
     explicit ColumnReader(const CsvTaking& taking)
-        : m_taking(taking), m_numbers(taking.columns.size(), kNone), m_hasNumbers(taking.columns.size(), false) {
+        : m_taking(taking),
+          m_numbers(taking.columns.size(), kNone),
+          m_hasNumbers(taking.columns.size(), false),
+          m_texts(taking.columns.size()) {
         m_onlyNumbers =
             std::ranges::all_of(taking.columns, [](const auto& column) { return NumberOf(column).has_value(); });
         if (m_onlyNumbers) SetPlaces({});
@@ -39,8 +48,10 @@ public:
             LookBelow(row, line);
         } else if (m_places.empty()) {
             if (HasAll(row)) SetPlaces(row);
+        } else if (IsGap(row) && m_found.rows > 0) {
+            m_isGap = true;
         } else {
-            TakeNumbers(row);
+            TakeNumbers(row, line);
         }
     }
 
@@ -54,7 +65,7 @@ public:
         }
         if (m_places.empty()) throw Failure("no line has all of these columns");
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            if (!m_hasNumbers[i]) throw Failure("column \"" + Shown(columns[i]) + "\" has no numbers");
+            if (!m_hasNumbers[i]) throw Failure("column \"" + Shown(columns[i]) + "\" has no numbers" + m_texts[i]);
         }
         for (const std::size_t place : m_places) m_found.names.push_back(place < m_names.size() ? m_names[place] : "");
         return std::move(m_found);
@@ -86,14 +97,24 @@ private:
         return unreadable;
     }
 
-    void TakeNumbers(const Row& row) {
+    void TakeNumbers(const Row& row, std::size_t line) {
         const std::size_t unreadable = ReadNumbers(row);
-        if (std::ranges::all_of(m_numbers, IsNone)) {
+        const bool isBelow = m_isGap && !HasPoint();  // a sum or a remark
+        if (std::ranges::all_of(m_numbers, IsNone) || isBelow) {
             m_isPast = m_found.rows > 0;
             if (m_onlyNumbers && !m_isPast) m_names.assign(row.begin(), row.end());
             return;
         }
-        for (std::size_t i = 0; i < m_numbers.size(); ++i) m_hasNumbers[i] = m_hasNumbers[i] || !IsNone(m_numbers[i]);
+        if (std::exchange(m_isGap, false)) {
+            const std::vector<double> gap(m_numbers.size(), kNone);
+            m_taking.take(gap);
+        }
+        for (std::size_t i = 0; i < m_numbers.size(); ++i) {
+            m_hasNumbers[i] = m_hasNumbers[i] || !IsNone(m_numbers[i]);
+            const bool isText = IsNone(m_numbers[i]) && m_places[i] < row.size() && !row[m_places[i]].empty();
+            if (isText && m_texts[i].empty())
+                m_texts[i] = "; line " + std::to_string(line) + " has \"" + Shown(row[m_places[i]]) + '"';
+        }
         m_found.unreadable += unreadable;
         ++m_found.rows;
         m_taking.take(m_numbers);
@@ -101,8 +122,12 @@ private:
 
     void LookBelow(const Row& row, std::size_t line) {
         ReadNumbers(row);
-        if (IsNone(m_numbers.front()) || std::all_of(m_numbers.begin() + 1, m_numbers.end(), IsNone)) return;
-        if (m_found.below++ == 0) m_found.firstBelow = line;
+        if (HasPoint() && m_found.below++ == 0) m_found.firstBelow = line;
+    }
+
+    // A number in the first column and in another one.
+    bool HasPoint() const {
+        return !IsNone(m_numbers.front()) && !std::all_of(m_numbers.begin() + 1, m_numbers.end(), IsNone);
     }
 
     const CsvTaking& m_taking;
@@ -111,8 +136,10 @@ private:
     std::vector<std::string> m_names;   // the row before the numbers
     std::vector<double> m_numbers;      // of the row
     std::vector<bool> m_hasNumbers;     // of each column
+    std::vector<std::string> m_texts;   // of each column: the first one that is no number, with its line
     std::size_t m_width = 0;            // columns of the widest row
     bool m_onlyNumbers = false, m_isPast = false;
+    bool m_isGap = false;  // rows without values, which belong to the table if others follow
 };
 
 }  // namespace
@@ -142,7 +169,9 @@ CsvColumns ReadCsvColumns(CFile& file, const std::vector<std::string>& columns) 
     const auto take = [&](std::span<const double> numbers) {
         for (std::size_t i = 0; i < numbers.size(); ++i) found.values[i].push_back(numbers[i]);
     };
-    found.names = ReadCsvRows(file, {columns, take}).names;
+    CsvFindings findings = ReadCsvRows(file, {columns, take});
+    found.names = std::move(findings.names);
+    found.rows = findings.rows;
     return found;
 }
 

@@ -82,7 +82,8 @@ CQelGraph GraphOf(const Curves& curves, const PlotOptions& options) {
     for (std::size_t i = 0; i < curves.Series(); ++i) {
         const int series = static_cast<int>(i);
         const COLORREF color = kColors[i % std::size(kColors)];
-        const auto& [names, values] = curves.columns;
+        const std::vector<std::string>& names = curves.columns.names;
+        const std::vector<std::vector<double>>& values = curves.columns.values;
         CAxisStyle y = StyleOf(curves.y, Text(names[i + 1]), kAtTheLeft, color);
         if (i > 0) y.SetLabelType(kFixedTexts);
         graph.SetXRangeStyle(series, StyleOf(curves.x, Text(names[0]), i == 0 ? kBelow : kNowhere, RGB(0, 0, 0)));
@@ -101,7 +102,7 @@ CQelGraph GraphOf(const Curves& curves, const PlotOptions& options) {
 }
 
 void Report(const Curves& curves, const PlotOptions& options) {
-    const std::size_t points = curves.columns.values[0].size();
+    const std::size_t points = curves.columns.rows;
     if (!options.json) {
         return Print(Shown(options.picture.target) + ": " + Count(points, "point", "points") + ", " +
                      Count(curves.Series(), "curve", "curves") + '\n');

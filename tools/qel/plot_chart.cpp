@@ -19,6 +19,7 @@ constexpr std::size_t kXAxis = 0, kFirstYAxis = 1;
 struct LeftOut {
     std::size_t notPositive = 0;  // values on logarithmic axes
     std::size_t negativeErrors = 0;
+    std::size_t outside = 0;        // of fixed ends of the axes
     std::size_t skippedTimes = 0;   // local times that do not exist
     std::size_t repeatedTimes = 0;  // local times that exist twice: drawn, but it may be the other one
 };
@@ -53,6 +54,7 @@ public:
         drawn.isLogX = m_isLogX, drawn.isLogY = m_isLogY;
         if (m_xEnds) drawn.xRange = {m_xEnds->Low(), m_xEnds->High()};
         m_curves.assign(m_options.y.size(), CurvePoints(drawn));
+        m_outsideY.assign(m_options.y.size(), 0);
         const auto take = [&](std::span<const double> numbers) { Take(numbers); };
         const auto read = [&](std::size_t column, std::string_view field) {
             return column == 0 ? ReadX(field) : qel::ReadNumber(field);
@@ -86,6 +88,7 @@ public:
                               {"unreadable", unreadable},
                               {"notPositive", m_leftOut.notPositive},
                               {"negativeErrors", m_leftOut.negativeErrors},
+                              {"outside", m_leftOut.outside},
                               {"skippedTimes", m_leftOut.skippedTimes},
                               {"repeatedTimes", m_leftOut.repeatedTimes},
                               {"below", below},
@@ -103,6 +106,7 @@ public:
             " repeated at the end of summer time; the first that continues the column is drawn");
         add(m_leftOut.notPositive, "value is", "values are", " not above 0 and not drawn");
         add(m_leftOut.negativeErrors, "error is", "errors are", " below 0 and not drawn");
+        add(m_leftOut.outside, "value is", "values are", " outside of --x-range or --y-range");
         add(below, "line", "lines", " with numbers below the table not drawn, from line " + std::to_string(firstBelow));
         for (const std::string& what : leftOut) text += "  no space for: " + Shown(what) + '\n';
         Print(text);
@@ -152,6 +156,15 @@ private:
             if (error < 0) ++m_leftOut.negativeErrors;
             if (!(error >= 0)) error = 0;
             m_curves[i].Add(x, y, error);
+            const auto isOutside = [](const std::optional<ChartEnds>& ends, double value) {
+                return ends && (value < ends->Low() || value > ends->High());
+            };
+            if (std::isnan(x) || std::isnan(y)) continue;
+            if (isOutside(m_xEnds, x)) {
+                ++m_leftOut.outside;
+            } else if (isOutside(m_yEnds, y)) {
+                ++m_outsideY[i];
+            }
         }
     }
 
@@ -212,6 +225,7 @@ private:
             const bool isLine = !m_options.bars && !m_options.points;
             series.hasErrorBand = isLine && series.points.size() > kMostErrorBars;
             series.yAxis = AxisOf(heading.unit);
+            if (series.yAxis == kFirstYAxis) m_leftOut.outside += m_outsideY[i];  // --y-range is for this one alone
             series.name = heading.title.empty() ? "column " + m_options.y[i] : heading.title;
             std::string& title = m_chart.axes[series.yAxis].title;
             title += (title.empty() || heading.title.empty() ? "" : ", ") + heading.title;
@@ -234,6 +248,7 @@ private:
     bool m_isLogX, m_isLogY;
     std::optional<bool> m_isTime;  // whether x is, once it is known
     std::vector<CurvePoints> m_curves;
+    std::vector<std::size_t> m_outsideY;  // of each curve, points that --x-range shows and --y-range does not
     CsvFindings m_found;
     LeftOut m_leftOut;
     std::vector<std::string> m_units;  // of the vertical axes
