@@ -98,8 +98,10 @@ private:
             plot.bottom = std::max(plot.bottom, plot.top + 1);
         }
         // In the smallest charts the plot has its least size, whatever the axes need.
+        layout.valuesLeftOut = 0;
         for (AxisLayout& axis : layout.axes)
-            std::erase_if(axis.labels, [&](const PlacedLabel& label) { return !IsInside(label.box, m_box); });
+            layout.valuesLeftOut +=
+                std::erase_if(axis.labels, [&](const PlacedLabel& label) { return !IsInside(label.box, m_box); });
     }
 
     // In a corner of the plot that no curve passes through, or between two corners.
@@ -197,10 +199,17 @@ private:
             layout.leftOut.push_back("axis: " + m_chart.axes[i].title);
         for (const ChartSeries& series : m_chart.series)
             if (!HasItsAxes(m_chart, series)) layout.leftOut.push_back("series: " + series.name);
-        if (const std::size_t count = Has(left, Left::kValues) ? NamesLeftOut(layout) : 0; count > 0)
-            layout.leftOut.push_back(std::to_string(count) + (count == 1 ? " name" : " names") + " of categories");
-        if (const std::size_t count = ValuesNotAboveZero(m_data); count > 0)
-            layout.leftOut.push_back(std::to_string(count) + (count == 1 ? " value" : " values") + " not above 0");
+        const auto reportCount = [&](std::size_t count, const char* one, const char* more, const char* rest) {
+            if (count > 0) layout.leftOut.push_back(std::to_string(count) + ' ' + (count == 1 ? one : more) + rest);
+        };
+        for (const AxisLayout& axis : layout.axes) {
+            const std::string& title = m_chart.axes[axis.index].title;
+            if (Has(left, Left::kAxisTitles) && !axis.title && !title.empty())
+                layout.leftOut.push_back("title of an axis: " + title);
+        }
+        reportCount(layout.valuesLeftOut, "value", "values", " of the axes");
+        reportCount(Has(left, Left::kValues) ? NamesLeftOut(layout) : 0, "name", "names", " of categories");
+        reportCount(ValuesNotAboveZero(m_data), "value", "values", " not above 0");
         if (m_chart.limits.empty() && m_chart.notes.empty()) return layout;
 
         const CurveField field(m_data, m_canvas, layout.axes, layout.plot);

@@ -19,6 +19,7 @@ struct ChartLayout {
     std::vector<PlacedNote> limitLabels;
     std::vector<PlacedNote> notes;
     std::vector<std::string> leftOut;
+    std::size_t valuesLeftOut = 0;  ///< of the axes, one by one
 };
 
 ChartLayout LayChart(const ChartSnapshot& data, const ChartCanvas& canvas, const ChartBox& box,

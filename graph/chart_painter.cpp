@@ -298,10 +298,14 @@ private:
         PaintOnPlot(placed.label);
     }
 
+    // To the edges of the plot at the axes: beyond them are the values of others.
     void PaintFlag(const ChartNote& note, const ShapePoint& at) {
+        const ChartBox& plot = m_layout.plot;
+        const double down = m_chart.axes[note.xAxis].side == ChartSide::kTop ? plot.top : plot.bottom;
+        const double across = m_chart.axes[note.yAxis].side == ChartSide::kRight ? plot.right : plot.left;
         const std::vector<double> dashes = Lengths({2, 2});
-        m_canvas.Straight(at, {at.x, m_layout.axes[note.xAxis].line}, m_theme.faintText, 0.7, dashes);
-        m_canvas.Straight({m_layout.axes[note.yAxis].line, at.y}, at, m_theme.faintText, 0.7, dashes);
+        m_canvas.Straight(at, {at.x, down}, m_theme.faintText, 0.7, dashes);
+        m_canvas.Straight({across, at.y}, at, m_theme.faintText, 0.7, dashes);
         DrawMark(m_canvas, ChartMark::kOpenCircle, at, m_canvas.Units(m_theme.markSize * 1.2), m_theme.text,
                  m_theme.plot, m_chart.isSmooth);
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "qellib10/graph/chart_line.h"
 
@@ -34,9 +35,13 @@ CurveField::CurveField(const ChartSnapshot& data, const ChartCanvas& canvas, con
             for (const ChartBox& bar : curves.Bars()) MarkBox(bar);
         } else if (kind == ChartKind::kPoints) {
             for (std::size_t point = 0; point < curves.Count(); ++point) Mark(curves.At(point));
+        } else if (kind == ChartKind::kBand) {
+            for (const std::vector<ShapePoint>& area : curves.Areas()) MarkOutline(area);
         } else {
             MarkLine(CutToArea(curves.RoughLine(1 / m_cell), plot));
         }
+        if (chart.series[i].hasErrorBand)
+            for (const std::vector<ShapePoint>& area : curves.ErrorAreas()) MarkOutline(area);
         for (const ShapePoint& at : curves.LeftOut()) Mark(at);
         for (const SeriesCurves::ErrorBar& bar : curves.ErrorBars()) MarkLine({bar.from, bar.to});
     }
@@ -80,6 +85,11 @@ void CurveField::MarkLine(const std::vector<ShapePoint>& line) {
         for (double step = 1; step < steps; ++step)
             Mark({line[i - 1].x + dx * step / steps, line[i - 1].y + dy * step / steps});
     }
+}
+
+void CurveField::MarkOutline(std::vector<ShapePoint> area) {
+    area.push_back(area.front());
+    MarkLine(CutToArea(std::move(area), m_plot));
 }
 
 void CurveField::MarkBox(const ChartBox& box) {

@@ -23,6 +23,7 @@ private:
     std::optional<std::size_t> CellAt(const ShapePoint& at) const;
     void Mark(const ShapePoint& at);
     void MarkLine(const std::vector<ShapePoint>& line);
+    void MarkOutline(std::vector<ShapePoint> area);
     void MarkBox(const ChartBox& box);
 
     ChartBox m_plot;

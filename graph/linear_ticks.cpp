@@ -66,7 +66,13 @@ public:
         axis.step = m_steps[at].Value();
         if (LongestText(values, axis.step, m_exponent) < LongestText(values, axis.step, 0)) axis.exponent = m_exponent;
         axis.factor = FactorText(axis.exponent, m_kind);
-        for (const double value : values) axis.ticks.push_back({value, NumberText(value, axis.step, axis.exponent)});
+        // All texts in one form, not "800000000000" and "1.0e+12".
+        const bool isScientific = axis.exponent == 0 && std::ranges::any_of(values, [&](double value) {
+                                      return NumberText(value, axis.step, 0) != PlainText(value, axis.step, 0);
+                                  });
+        for (const double value : values)
+            axis.ticks.push_back(
+                {value, isScientific ? ScientificText(value, axis.step) : NumberText(value, axis.step, axis.exponent)});
         return axis;
     }
 

@@ -103,12 +103,16 @@ std::string PlainText(double value, double step, int exponent) {
     return Signed(value, digits, PointText(digits, exponent));
 }
 
+std::string ScientificText(double value, double step) {
+    const DecimalDigits digits = RoundedDigits(std::abs(value), LastPlace(value, step));
+    return Signed(value, digits, ScientificText(digits));
+}
+
 std::string NumberText(double value, double step, int exponent) {
     std::string plain = PlainText(value, step, exponent);
     if (exponent != 0 || !std::isfinite(value) || Characters(plain) <= kLongestPlain) return plain;
     // From here the zeros before the point say nothing: the digits are those of the step, also above 1.
-    const DecimalDigits digits = RoundedDigits(std::abs(value), LastPlace(value, step));
-    std::string scientific = Signed(value, digits, ScientificText(digits));
+    std::string scientific = ScientificText(value, step);
     return Characters(scientific) < Characters(plain) ? scientific : plain;
 }
 

@@ -29,6 +29,9 @@ double Scaled(std::int64_t whole, int exponent);
 /// NumberText with all digits, however many.
 std::string PlainText(double value, double step, int exponent);
 
+/// "1.0e+12", with the digits of the step.
+std::string ScientificText(double value, double step);
+
 /// Of UTF-8.
 std::size_t Characters(std::string_view text);
 

@@ -182,6 +182,7 @@ TEST(AxisTicks, OfNumbersAreRoundAndHaveTheDigitsOfTheirStep) {
              {0, 2000, kPrefix, Across(60), "0 1 2 +8 | k"},
              {-3e-5, 2e-5, kPrefix, Across(60), "\u221220 0 20 +8 | \u00B5"},
              {0, 1e30, kPrefix, Across(60), "0.0 0.5 1.0 +8 | \u00D710\u00B3\u2070"},
+             {0, 1.2e12, kNone, Up(160), "0 2e+11 4e+11 6e+11 8e+11 1.0e+12 1.2e+12 +18"},  // all in one form
              {0, 5e20, kNone, Across(300), "0 1e+20 2e+20 3e+20 4e+20 5e+20 +20"},
              {1e-300, 1e300, kPower, Across(60), "0.5 1.0 +8 | \u00D710\u00B3\u2070\u2070"},
              {0, 1e-300, kPower, Across(60), "0.0 0.5 1.0 +8 | \u00D710\u207B\u00B3\u2070\u2070"},

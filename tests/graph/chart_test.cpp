@@ -332,6 +332,18 @@ TEST(Chart, PointsBetweenGapsAreSeen) {
     }
 }
 
+// The upper edge is at the bottom of the plot, the lower one goes to the corner where the legend would be.
+TEST(Chart, LegendHidesNoEdgeOfABand) {
+    qel::Chart band, errors;
+    band.series = {{.name = "b", .kind = qel::ChartKind::kBand, .points = {{0, 0}, {1, 0}}, .lower = {0, 1}}};
+    errors.series = {{.name = "b", .points = {{0, 0}, {1, 0}}, .yErrors = {.up = {0, 1}}, .hasErrorBand = true}};
+    for (const qel::Chart& chart : {band, errors}) {
+        Canvas canvas(400, 300);
+        for (const qel::ChartText& text : chart.Draw(canvas.dc, CRect(0, 0, 400, 300)).texts)
+            EXPECT_TRUE(text.text != "b" || text.box.right < 200) << text.box.right;
+    }
+}
+
 TEST(Chart, AxesReachWhatIsDrawnOnThem) {
     constexpr auto kLog = qel::ChartScale::kLogarithmic;
     qel::Chart linked;
