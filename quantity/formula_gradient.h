@@ -11,7 +11,8 @@ namespace qel {
 
 /// The value of a formula with its partial derivatives, by automatic differentiation backwards: the steps are carried
 /// out and kept, then gone through from the last to the first, which takes a few times as long as the value alone,
-/// however many variables there are. The derivatives are exact but for rounding.
+/// however many variables there are. The derivatives are exact but for rounding; one whose parts cancel to no more than
+/// what rounding may have left of them is 0.
 ///
 /// Where a formula has no derivative:
 ///
@@ -61,6 +62,9 @@ public:
     /// @throws FormulaError
     double DifferentiateBend(const Bend& bend);
 
+    /// At most, of the value of the last evaluation, by rounding in double arithmetic.
+    double Error() const { return m_error; }
+
     /// Whether a value or derivative of the last evaluation was other than 0 and below what a double has, so that the
     /// derivatives may be too small.
     bool HasUnderflow() const { return m_hasUnderflow; }
@@ -68,7 +72,9 @@ public:
 private:
     struct Node {  // a step that was carried out
         double value;
+        double error;    // at most, of the value by rounding
         double adjoint;  // of the result by this value
+        double noise;    // at most, of the adjoint by rounding
         const FormulaStep* step;
         std::uint32_t left, right;  // nodes; of several operands left is where they begin in m_operands
         bool isActive;
@@ -80,7 +86,8 @@ private:
     void PassOne(const Node& node);
     void PassTwo(const Node& node);
     void PassMany(const Node& node);
-    void Pass(const Node& node, Node& operand, double derivative);
+    // error: at most, of the derivative
+    void Pass(const Node& node, Node& operand, double derivative, double error);
 
     const FormulaProgram& m_program;
     std::pmr::vector<Node> m_nodes;
@@ -88,6 +95,8 @@ private:
     std::pmr::vector<double> m_partials;
     std::pmr::vector<Bend> m_bends;
     std::pmr::vector<Rounding> m_roundings;
+    std::pmr::vector<double> m_noises;  // of the partials
+    double m_error = 0.0;
     bool m_hasUnderflow = false;
 };
 

@@ -117,7 +117,9 @@ std::optional<FirstOrderCheck> ValidateFirstOrder(const UncertaintyBudget& budge
         std::abs(*budget.coverageProbability - trials.coverageProbability) > kSameProbability)
         return {};
     FirstOrderCheck check;
-    check.tolerance = ToleranceOf(budget.uncertainty, digits);
+    // Trials are computed in double, with other values than those of the budget.
+    constexpr double kOtherValues = 8.0;
+    check.tolerance = std::max(ToleranceOf(budget.uncertainty, digits), kOtherValues * budget.valueError);
     check.lowDifference = std::abs(budget.value - budget.expandedUncertainty - trials.symmetric.low);
     check.highDifference = std::abs(budget.value + budget.expandedUncertainty - trials.symmetric.high);
     const double outside = (1.0 - trials.coverageProbability) * static_cast<double>(trials.trials);

@@ -63,8 +63,9 @@ QELLIB10_API std::optional<MonteCarloResult> PropagateDistributions(const Formul
 
 /// Whether first order is enough for a result, after JCGM 101 clause 8.
 struct FirstOrderCheck {
-    bool isEnough = false;        ///< both ends of the interval agree within the tolerance
-    double tolerance = 0.0;       ///< half of the last digit of the standard uncertainty
+    bool isEnough = false;  ///< both ends of the interval agree within the tolerance
+    /// Half of the last digit of the standard uncertainty; at least what rounding in double arithmetic may make of it.
+    double tolerance = 0.0;
     double lowDifference = 0.0;   ///< of the lower ends of the intervals, without sign
     double highDifference = 0.0;  ///< of the upper ends
     /// The ends from the trials are known to a fifth of the tolerance (8.2), two standard errors each. Where they are

@@ -25,12 +25,17 @@ using Kind = FormulaError::Kind;
 struct Combination {
     Combination(const UncertaintySources& sources, std::span<const double> partials, std::pmr::memory_resource* memory)
         : bySource(sources.Sources().size(), memory) {
+        constexpr double kRounding = 16 * std::numeric_limits<double>::epsilon();  // of parts that cancel
+        std::pmr::vector<double> sizes(bySource.size(), memory);
         for (const auto& [source, slot, uncertainty] : sources.Shares()) {
             const double contribution = partials[slot] * uncertainty;
             bySource[source] += contribution;
+            sizes[source] += std::abs(contribution);
             hasUnderflow |= partials[slot] != 0.0 && uncertainty != 0.0 &&
                             std::abs(contribution) < std::numeric_limits<double>::min();
         }
+        for (std::size_t i = 0; i < bySource.size(); ++i)
+            if (std::isfinite(sizes[i]) && std::abs(bySource[i]) <= kRounding * sizes[i]) bySource[i] = 0.0;
         for (const double contribution : bySource) scale = std::max(scale, std::abs(contribution));
         if (scale == 0.0) return;
         for (const double contribution : bySource) variance += Square(contribution / scale);
@@ -202,6 +207,7 @@ UncertaintyBudget Budget(const FormulaProgram& program, std::span<const Uncertai
     FormulaGradient gradient(program, &memory);
     UncertaintyBudget budget;
     budget.value = gradient.Evaluate(sources.Values(), sources.IsUncertain());
+    budget.valueError = gradient.Error();
     const Combination combination(sources, gradient.Partials(), &memory);
     if ((gradient.HasUnderflow() || combination.hasUnderflow) && combination.scale < kLeastCertain)
         Refuse("numbers below 1E-308");

@@ -55,6 +55,7 @@ struct QELLIB10_API UncertaintyBudget {
     /// the standard uncertainty of its argument, or adds to the result more than 0.3 times its uncertainty. First order
     /// is then hardly enough; a Monte Carlo run says more.
     bool isAtKink = false;
+    double valueError = 0.0;           ///< at most, of the value by rounding in double arithmetic, to first order
     std::vector<UncertaintyRow> rows;  ///< in the order in which the formula first names the inputs
 };
 

@@ -112,17 +112,22 @@ TEST(UncertaintyBudget, HasTheResultsOfWorkedExamples) {
 TEST(UncertaintyBudget, CombinesSourcesNotInputs) {
     UncertainInputs inputs({Input("A", 1, 0.3, "flask", 4), Input("B", 1, 0.4, "flask", 4), Input("C", 1, 0.3, "", 4),
                             Input("D", 1, 0.4, "", 4), Input("E", 2, 0), Input("Z", 0, 0.5),
-                            Input("G", 1, 0.1, "", 2.5)});
+                            Input("G", 1, 0.1, "", 2.5), Input("X", 5.3, 0.1), Input("P", 1, 0.1, "scale"),
+                            Input("Q", 2, 0.3, "scale")});
     inputs.inputs.push_back({"H", 1, {Component::Standard(0.3, "flask", 4)->Opposed()}});
     inputs.scope.Add("H");
     for (const auto& [formula, expected] : Cases<const char*, const char*>{
-             {"C + D", "0.5 7 2.4288 1.2144"},      // 7.42 is cut
-             {"A + B", "0.7 4 2.8693 2.00852"},     // one source: the uncertainties add up
-             {"B - A", "0.1 4 2.8693 0.286932"},    //
-             {"A + H", "0 inf 2 0"},                // moved in opposite directions
-             {"A - H", "0.6 4 2.8693 1.72159"},     //
-             {"C - C", "0 inf 2 0"},                //
-             {"C + C", "0.6 4 2.8693 1.72159"},     //
+             {"C + D", "0.5 7 2.4288 1.2144"},    // 7.42 is cut
+             {"A + B", "0.7 4 2.8693 2.00852"},   // one source: the uncertainties add up
+             {"B - A", "0.1 4 2.8693 0.286932"},  //
+             {"A + H", "0 inf 2 0"},              // moved in opposite directions
+             {"A - H", "0.6 4 2.8693 1.72159"},   //
+             {"C - C", "0 inf 2 0"},              //
+             {"C + C", "0.6 4 2.8693 1.72159"},   //
+             {"(X * 3) / (X * 7)", "0 inf 2 0"},  // not the rounding of double
+             {"exp(ln(X)) - X", "0 inf 2 0"},     //
+             {"3 * P - Q", "0 inf 2 0"},          //
+             {"exp(1e-10 * X) - 1e-10 * X", "5.3e-21 inf 2 1.06e-20"},
              {"E * 2", "0 inf 2 0"},                //
              {"G", "0.1 2 4.5266 0.452655"},        //
              {"abs(Z)", "0.5 inf 2 1"},             //
