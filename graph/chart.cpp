@@ -32,7 +32,7 @@ ChartReport ReportOf(const ChartLayout& layout) {
         for (const PlacedLabel& label : axis.labels) add(label);
         if (axis.title) add(*axis.title);
     }
-    for (const PlacedNote& label : layout.limitLabels) add(label.label);
+    for (const LimitLabel& label : layout.limitLabels) add(label.label);
     for (const PlacedNote& note : layout.notes) add(note.label);
     if (layout.legend)
         for (const LegendLayout::Entry& entry : layout.legend->entries) add(entry.label);

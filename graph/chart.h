@@ -22,6 +22,7 @@ struct ChartBox {
 
     double Width() const noexcept { return right - left; }
     double Height() const noexcept { return bottom - top; }
+    bool operator==(const ChartBox&) const noexcept = default;
     bool Overlaps(const ChartBox& other) const noexcept {
         return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
     }

@@ -5,6 +5,7 @@
 
 #include "qellib10/graph/category_names.h"
 #include "qellib10/graph/chart_look.h"
+#include "qellib10/graph/linear_ticks.h"
 #include "qellib10/graph/unit_prefix.h"
 
 namespace qel {
@@ -12,18 +13,19 @@ namespace {
 
 // Points between a tick and its value, values and title, values along the axis, and axes of one side.
 constexpr double kValueGap = 3, kTitleGap = 3, kBetweenAcross = 20, kBetweenDown = 14, kBetweenAxes = 7;
+constexpr double kBreakGap = 6;  // points
 
 class AxisLayer {
 public:
     AxisLayer(const Chart& chart, const ChartCanvas& canvas, const ChartBox& plot, const AxisTexts& texts)
         : m_chart(chart), m_canvas(canvas), m_plot(plot), m_texts(texts) {}
 
-    AxisLayout Lay(std::size_t index, const AxisRange& range) {
+    AxisLayout Lay(std::size_t index, const AxisParts& parts) {
         const ChartAxis& axis = m_chart.axes[index];
         AxisLayout layout;
         layout.index = index;
-        layout.places = PlacesOf(axis, range);
-        layout.ticks = TicksOf(axis, range, layout.isTurned);
+        layout.places = Places(axis, parts);
+        layout.ticks = TicksOf(axis, layout.places, layout.isTurned);
         double& used = m_used[static_cast<std::size_t>(axis.side)];
         if (used > 0) used += m_canvas.Units(kBetweenAxes);
         layout.line = Outward(axis.side, used);
@@ -34,16 +36,16 @@ public:
     }
 
 private:
-    AxisPlaces PlacesOf(const ChartAxis& axis, const AxisRange& range) const {
+    AxisPlaces Places(const ChartAxis& axis, const AxisParts& parts) const {
         const bool isHorizontal = IsHorizontal(axis);
         double from = isHorizontal ? m_plot.left : m_plot.bottom, to = isHorizontal ? m_plot.right : m_plot.top;
         if (axis.isReversed) std::swap(from, to);
-        return {range.low, range.high, axis.scale == ChartScale::kLogarithmic, from, to};
+        return PlacesOf(parts, axis.scale == ChartScale::kLogarithmic, from, to, m_canvas.Units(kBreakGap));
     }
 
     LabelStyle ValueStyle(COLORREF color) const { return {m_chart.theme.face, m_chart.theme.labelSize, color}; }
 
-    AxisTicks TicksOf(const ChartAxis& axis, const AxisRange& range, bool& isTurned) const {
+    AxisTicks TicksOf(const ChartAxis& axis, const AxisPlaces& range, bool& isTurned) const {
         const bool isHorizontal = IsHorizontal(axis);
         AxisSpace space;
         space.length = std::max(1.0, isHorizontal ? m_plot.Width() : m_plot.Height());
@@ -53,6 +55,10 @@ private:
             return isHorizontal ? size.width + m_canvas.Units(kBetweenAcross)
                                 : size.Height() + m_canvas.Units(kBetweenDown);
         };
+        if (!range.parts.empty()) {
+            return axis.scale == ChartScale::kTime ? TimeTicksAt(TickPlaces(range), axis.clock, space)
+                                                   : LinearTicksAt(TickPlaces(range), ExponentOf(axis), space);
+        }
         switch (axis.scale) {
             case ChartScale::kLogarithmic:
                 return LogTicks(range.low, range.high, space);
@@ -60,8 +66,8 @@ private:
                 return TimeTicks(range.low, range.high, axis.clock, space);
             case ChartScale::kCategories: {
                 const NameSpace names{space, isHorizontal, isHorizontal ? m_texts.highestName : m_texts.widestName};
-                CategoryNames found =
-                    FitCategoryNames(axis.categories, range, m_canvas, ValueStyle(m_chart.theme.faintText), names);
+                CategoryNames found = FitCategoryNames(axis.categories, {range.low, range.high}, m_canvas,
+                                                       ValueStyle(m_chart.theme.faintText), names);
                 isTurned = found.isTurned;
                 return std::move(found.ticks);
             }
@@ -160,11 +166,11 @@ ChartExponent ExponentOf(const ChartAxis& axis) {
     return isPower ? ChartExponent::kPower : axis.exponent;
 }
 
-std::vector<AxisLayout> LayAxes(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisRange>& ranges,
+std::vector<AxisLayout> LayAxes(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisParts>& parts,
                                 const ChartBox& plot, const AxisTexts& texts) {
     AxisLayer layer(chart, canvas, plot, texts);
     std::vector<AxisLayout> axes;
-    for (std::size_t i = 0; i < ranges.size(); ++i) axes.push_back(layer.Lay(i, ranges[i]));
+    for (std::size_t i = 0; i < parts.size(); ++i) axes.push_back(layer.Lay(i, parts[i]));
     return axes;
 }
 

@@ -36,7 +36,7 @@ struct AxisSpaces {
 ChartExponent ExponentOf(const ChartAxis& axis);
 
 /// The axes around @p plot, whose boxes touch each other at most.
-std::vector<AxisLayout> LayAxes(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisRange>& ranges,
+std::vector<AxisLayout> LayAxes(const Chart& chart, const ChartCanvas& canvas, const std::vector<AxisParts>& parts,
                                 const ChartBox& plot, const AxisTexts& texts);
 
 /// What the axes need around the plot, values at its corners included.

@@ -11,7 +11,7 @@ constexpr double kLoneBarShare = 0.1;  // of the plot that a single bar takes
 
 }  // namespace
 
-BarPlaces PlacesOfBars(const ChartSnapshot& data, std::size_t index, const AxisPlaces& xPlaces) {
+BarPlaces PlacesOfBars(const ChartSnapshot& data, std::size_t index, const AxisPart& xPlaces) {
     const Chart& chart = data.chart;
     const ChartSeries& series = chart.series[index];
     // Bars of one place are side by side; those that are stacked take one place together.

@@ -13,6 +13,6 @@ struct BarPlaces {
 };
 
 /// Bars of several series at one place are side by side, and all stacked ones on each other.
-BarPlaces PlacesOfBars(const ChartSnapshot& data, std::size_t index, const AxisPlaces& xPlaces);
+BarPlaces PlacesOfBars(const ChartSnapshot& data, std::size_t index, const AxisPart& xPlaces);
 
 }  // namespace qel

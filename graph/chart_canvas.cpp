@@ -37,6 +37,12 @@ LabelStyle ChartCanvas::Scaled(LabelStyle style) const {
     return style;
 }
 
+std::vector<double> ChartCanvas::Lengths(std::span<const double> points) const {
+    std::vector<double> lengths;
+    for (const double length : points) lengths.push_back(Units(length));
+    return lengths;
+}
+
 LabelSize ChartCanvas::Measure(std::string_view text, const LabelStyle& style) const {
     return MeasureLabel(text, Scaled(style), m_dotsPerInch);
 }

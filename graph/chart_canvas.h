@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "qellib10/graph/chart.h"
 #include "qellib10/platform/drawing/shape.h"
@@ -19,6 +20,7 @@ public:
 
     /// Device units of a length in points.
     double Units(double points) const noexcept { return points * m_scale * m_dotsPerInch / 72; }
+    std::vector<double> Lengths(std::span<const double> points) const;
     LabelSize Measure(std::string_view text, const LabelStyle& style) const;
     /// See ShortenedLabel.
     std::string Shortened(std::string_view text, const LabelStyle& style, double width) const;

@@ -14,13 +14,13 @@ constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
 }  // namespace
 
-SeriesCurves::SeriesCurves(const ChartSnapshot& data, std::size_t series, const std::vector<AxisLayout>& axes)
+SeriesCurves::SeriesCurves(const ChartSnapshot& data, std::size_t series, const AxisPart& x, const AxisPart& y)
     : m_data(data),
       m_index(series),
       m_series(data.chart.series[series]),
       m_points(data.points[series]),
-      m_x(axes[m_series.xAxis].places),
-      m_y(axes[m_series.yAxis].places),
+      m_x(x),
+      m_y(y),
       m_leftOut(PointsLeftOut(m_series)) {
     // A store may have more points by now.
     std::erase_if(m_leftOut, [this](std::size_t point) { return point >= Count(); });
@@ -73,9 +73,9 @@ std::vector<ShapePoint> SeriesCurves::Line(double beside) const { return LineOf(
 std::vector<ShapePoint> SeriesCurves::RoughLine(double columnsPerUnit) const { return LineOf({}, columnsPerUnit, 0); }
 
 std::vector<std::vector<ShapePoint>> SeriesCurves::Between(const std::vector<double>& upper,
-                                                           const std::vector<double>& lower) const {
-    const std::vector<ShapePoint> above = LineOf(upper, PointLine::kFine, 0);
-    const std::vector<ShapePoint> below = LineOf(lower, PointLine::kFine, 0);
+                                                           const std::vector<double>& lower,
+                                                           double columnsPerUnit) const {
+    const std::vector<ShapePoint> above = LineOf(upper, columnsPerUnit, 0), below = LineOf(lower, columnsPerUnit, 0);
     std::vector<std::vector<ShapePoint>> areas;
     // Both have their gaps at the same points, since only such points were kept.
     const auto pieces = [](const std::vector<ShapePoint>& line) {
@@ -98,7 +98,7 @@ std::vector<std::vector<ShapePoint>> SeriesCurves::Between(const std::vector<dou
     return areas;
 }
 
-std::vector<std::vector<ShapePoint>> SeriesCurves::Areas() const {
+std::vector<std::vector<ShapePoint>> SeriesCurves::Areas(double columnsPerUnit) const {
     std::vector<double> upper(Count()), lower(Count());
     for (std::size_t i = 0; i < Count(); ++i) {
         upper[i] = m_points[i].GetYData();
@@ -108,10 +108,10 @@ std::vector<std::vector<ShapePoint>> SeriesCurves::Areas() const {
                                                : kNoNumber;
         if (IsGap({m_y.At(upper[i]), m_y.At(lower[i])})) upper[i] = lower[i] = kNoNumber;
     }
-    return Between(upper, lower);
+    return Between(upper, lower, columnsPerUnit);
 }
 
-std::vector<std::vector<ShapePoint>> SeriesCurves::ErrorAreas() const {
+std::vector<std::vector<ShapePoint>> SeriesCurves::ErrorAreas(double columnsPerUnit) const {
     std::vector<double> upper(Count()), lower(Count());
     for (std::size_t i = 0; i < Count(); ++i) {
         const double y = m_points[i].GetYData();
@@ -120,7 +120,7 @@ std::vector<std::vector<ShapePoint>> SeriesCurves::ErrorAreas() const {
         if (m_y.isLogarithmic && !(lower[i] > 0)) lower[i] = m_y.low;
         if (IsGap({m_y.At(upper[i]), m_y.At(lower[i])})) upper[i] = lower[i] = kNoNumber;
     }
-    return Between(upper, lower);
+    return Between(upper, lower, columnsPerUnit);
 }
 
 std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
@@ -134,7 +134,7 @@ std::vector<SeriesCurves::ErrorBar> SeriesCurves::ErrorBars() const {
         const double x = m_points[i].GetXData(), y = isOnBars ? onBars[i].to : m_points[i].GetYData();
         const ShapePoint at{At(i).x + beside, m_y.At(y)};
         if (IsGap(at) || !Counts(i)) continue;
-        const auto end = [](const AxisPlaces& places, double value) {
+        const auto end = [](const AxisPart& places, double value) {
             return places.isLogarithmic && !(value > 0) ? places.from : places.At(value);
         };
         const double down = m_series.yErrors.DownAt(i), up = m_series.yErrors.UpAt(i);

@@ -3,16 +3,16 @@
 #include <span>
 #include <vector>
 
-#include "qellib10/graph/chart_axis_layout.h"
 #include "qellib10/graph/chart_bars.h"
 #include "qellib10/graph/chart_line.h"
 
 namespace qel {
 
-/// The outlines of a series in device units: lines with gaps (corners that are not numbers), bars, filled areas.
+/// The outlines of a series between breaks of its axes, in device units: lines with gaps (corners that are not
+/// numbers), bars, filled areas.
 class SeriesCurves {
 public:
-    SeriesCurves(const ChartSnapshot& data, std::size_t series, const std::vector<AxisLayout>& axes);
+    SeriesCurves(const ChartSnapshot& data, std::size_t series, const AxisPart& x, const AxisPart& y);
 
     std::size_t Count() const { return m_points.Count(); }
     /// Of one point; not a number for a gap.
@@ -28,9 +28,9 @@ public:
     bool Counts(std::size_t point) const;  ///< whether it is not left out
     /// Closed outlines between the line and the base or the band's other edge, one per piece without gaps. Of a lone
     /// point there are only the two ends.
-    std::vector<std::vector<ShapePoint>> Areas() const;
+    std::vector<std::vector<ShapePoint>> Areas(double columnsPerUnit = PointLine::kFine) const;
     /// Of the y errors, as band.
-    std::vector<std::vector<ShapePoint>> ErrorAreas() const;
+    std::vector<std::vector<ShapePoint>> ErrorAreas(double columnsPerUnit = PointLine::kFine) const;
     std::vector<ChartBox> Bars() const;
     /// From the lower to the upper end of the errors of each point that has any.
     struct ErrorBar {
@@ -46,15 +46,15 @@ private:
     };
     Points VisiblePoints(double beside) const;
     std::vector<ShapePoint> LineOf(std::span<const double> heights, double columnsPerUnit, double beside) const;
-    std::vector<std::vector<ShapePoint>> Between(const std::vector<double>& upper,
-                                                 const std::vector<double>& lower) const;
+    std::vector<std::vector<ShapePoint>> Between(const std::vector<double>& upper, const std::vector<double>& lower,
+                                                 double columnsPerUnit) const;
 
     const ChartSnapshot& m_data;
     const std::size_t m_index;
     const ChartSeries& m_series;
     const PointView& m_points;
-    const AxisPlaces& m_x;
-    const AxisPlaces& m_y;
+    const AxisPart& m_x;
+    const AxisPart& m_y;
     std::vector<std::size_t> m_leftOut;
 };
 

@@ -16,6 +16,12 @@ namespace qel {
 
 enum class ChartSide { kBottom, kLeft, kTop, kRight };
 
+/// A range of an axis that is left out.
+struct ChartBreak {
+    double from = 0;
+    double to = 0;
+};
+
 /// An axis. Several axes of one side are next to each other, the first one at the plot.
 struct ChartAxis {
     ChartSide side = ChartSide::kBottom;
@@ -26,13 +32,16 @@ struct ChartAxis {
     std::optional<double> high = {};  ///< if it is not above low, both are ignored
     /// Above 0: without a fixed high end the axis ends at the highest value and is this long, as on a strip recorder.
     double following = 0;
+    /// Ranges that are left out, of a linear axis or one of times, at most 8. Each is a gap in the axis with two
+    /// slanted strokes; curves and bars are cut at it. One at an end moves the end.
+    std::vector<ChartBreak> breaks = {};
     bool isReversed = false;  ///< low values at the right or upper end, as wavenumbers are shown
     /// A prefix is only before a unit that takes one, "V" or "g/L"; before "m²", "mV", "%" or none there is a power.
     ChartExponent exponent = ChartExponent::kPower;
     ChartClock clock = ChartClock::kUtc;
     std::vector<std::string> categories = {};  ///< of values 0, 1, 2, ...
     std::optional<bool> hasGrid = {};        ///< without it: the first horizontal and the first vertical axis have one
-    std::optional<std::size_t> sameAs = {};  ///< the axis has the range of this one
+    std::optional<std::size_t> sameAs = {};  ///< the axis has the range and breaks of this one
     bool hasSeriesColor = false;             ///< its line and texts have the colour of the first series on it
 };
 

@@ -1,9 +1,11 @@
 #include "qellib10/graph/chart_layout.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "qellib10/graph/category_names.h"
+#include "qellib10/graph/chart_limit_lanes.h"
 #include "qellib10/graph/left_out.h"
 
 namespace qel {
@@ -22,20 +24,23 @@ enum class Left { kNothing, kLegend, kSubtitle, kAxisTitles, kTitle, kValues };
 class ChartLayer {
 public:
     ChartLayer(const ChartSnapshot& data, const ChartCanvas& canvas, const ChartBox& box, const ChartRanges& shown)
-        : m_data(data), m_chart(data.chart), m_canvas(canvas), m_box(box), m_ranges(AxisRanges(data, shown)) {}
+        : m_data(data), m_chart(data.chart), m_canvas(canvas), m_box(box), m_parts(PartsOfAxes(data, shown)) {}
 
     ChartLayout Lay() {
         for (const Left left :
              {Left::kNothing, Left::kLegend, Left::kSubtitle, Left::kAxisTitles, Left::kTitle, Left::kValues}) {
-            ChartLayout layout = LayWithout(left);
-            const bool isLarge = layout.plot.Width() >= m_canvas.Units(kNarrowestPlot) &&
-                                 layout.plot.Height() >= m_canvas.Units(kLowestPlot);
-            if (isLarge || left == Left::kValues) return Finished(std::move(layout), left);
+            const ChartLayout layout = LayWithout(left);
+            if (IsLarge(layout) || left == Left::kValues) return Finished(layout, left);
         }
         return {};
     }
 
 private:
+    bool IsLarge(const ChartLayout& layout) const {
+        return layout.plot.Width() >= m_canvas.Units(kNarrowestPlot) &&
+               layout.plot.Height() >= m_canvas.Units(kLowestPlot);
+    }
+
     static bool Has(Left left, Left part) { return left < part; }
 
     ChartLayout LayWithout(Left left) const {
@@ -77,12 +82,13 @@ private:
     }
 
     // The plot as large as its axes' texts leave it.
-    void LayPlot(const ChartBox& inner, const AxisTexts& texts, ChartLayout& layout) const {
+    void LayPlot(const ChartBox& all, const AxisTexts& texts, ChartLayout& layout) const {
+        const ChartBox inner = layout.inner = m_lanes.Inside(all);
         ChartBox plot = inner;
         AxisSpaces most;
         for (int pass = 0; pass < kMostPasses; ++pass) {
             layout.plot = plot;
-            layout.axes = LayAxes(m_chart, m_canvas, m_ranges, plot, texts);
+            layout.axes = LayAxes(m_chart, m_canvas, m_parts, plot, texts);
             const AxisSpaces spaces = SpacesOf(m_chart, m_canvas, layout.axes, plot);
             if (pass >= kFreePasses && spaces.left <= most.left && spaces.top <= most.top &&
                 spaces.right <= most.right && spaces.bottom <= most.bottom)
@@ -115,19 +121,23 @@ private:
         const double left = layout.plot.left + gap, right = layout.plot.right - gap - width;
         const double top = layout.plot.top + gap, bottom = layout.plot.bottom - gap - height;
         const double across = (left + right) / 2, down = (top + bottom) / 2;
-        for (const ShapePoint& corner : {ShapePoint{right, top},
-                                         {left, top},
-                                         {right, bottom},
-                                         {left, bottom},
-                                         {across, top},
-                                         {right, down},
-                                         {left, down},
-                                         {across, bottom}}) {
-            const ChartBox box{corner.x, corner.y, corner.x + width, corner.y + height};
-            if (field.Hits(box) > 0 || HasLimit(layout, box)) continue;
-            MoveLegend(*legend, corner.x, corner.y);
-            legend->isInside = true;
-            return legend;
+        const std::array<ShapePoint, 8> corners = {{{right, top},
+                                                    {left, top},
+                                                    {right, bottom},
+                                                    {left, bottom},
+                                                    {across, top},
+                                                    {right, down},
+                                                    {left, down},
+                                                    {across, bottom}}};
+        for (const bool isOnArea : {false, true}) {
+            for (const ShapePoint& corner : corners) {
+                const ChartBox box{corner.x, corner.y, corner.x + width, corner.y + height};
+                if (field.Hits(box) > 0 || HasLimit(layout, box)) continue;
+                if (!isOnArea && field.Filled(box) > 0) continue;
+                MoveLegend(*legend, corner.x, corner.y);
+                legend->isInside = true;
+                return legend;
+            }
         }
         return {};
     }
@@ -181,10 +191,42 @@ private:
         return count;
     }
 
-    // What was wanted and is not there, and the texts over the plot.
-    ChartLayout Finished(ChartLayout layout, Left left) const {
-        const auto report = [&](bool isWanted, bool isThere, const char* name) {
-            if (isWanted && !isThere) layout.leftOut.emplace_back(name);
+    // With the texts over the plot, and beside it those that have no place there.
+    ChartLayout Finished(ChartLayout layout, Left left) {
+        if (m_chart.limits.empty() && m_chart.notes.empty()) return WithReport(std::move(layout), left);
+        const std::vector<std::size_t> without = PlaceTexts(layout);
+        m_lanes = LanesFor(m_chart, m_canvas, without, m_box);
+        if (!m_lanes.IsEmpty()) {
+            ChartLayout wider = LayWithout(left);
+            if (IsLarge(wider)) {
+                PlaceTexts(wider);
+                layout = std::move(wider);
+            }
+        }
+        return WithReport(std::move(layout), left);
+    }
+
+    // @return limits whose labels have no place over the plot
+    std::vector<std::size_t> PlaceTexts(ChartLayout& layout) const {
+        const CurveField field(m_data, m_canvas, layout.axes, layout.plot);
+        TakenBoxes taken;
+        if (layout.legend) taken.Take(layout.legend->box);
+        std::vector<std::size_t> left = LimitsWithLabels(m_chart, layout.axes);
+        const auto add = [&](const std::vector<LimitLabel>& labels) {
+            layout.limitLabels.insert(layout.limitLabels.end(), labels.begin(), labels.end());
+        };
+        add(PlaceLimitLabels(m_chart, m_canvas, layout.axes, layout.plot, field, taken, left, false));
+        const std::vector<std::size_t> without = left;
+        add(PlaceInLanes(m_chart, m_canvas, layout.axes, layout.plot, layout.inner, m_lanes, left));
+        add(PlaceLimitLabels(m_chart, m_canvas, layout.axes, layout.plot, field, taken, left, true));
+        layout.notes = PlaceNotes(m_chart, m_canvas, layout.axes, layout.plot, field, taken);
+        return without;
+    }
+
+    // What was wanted and is not there.
+    ChartLayout WithReport(ChartLayout layout, Left left) const {
+        const auto report = [&](bool isWanted, bool isThere, const std::string& name) {
+            if (isWanted && !isThere) layout.leftOut.push_back(name);
         };
         const std::size_t titles = layout.titles.size();
         const bool hasTitle = !m_chart.title.empty();
@@ -197,6 +239,9 @@ private:
         report(m_chart.hasLegend && hasEntries, layout.legend.has_value(), "legend");
         for (std::size_t i = AxisCount(m_chart); i < m_chart.axes.size(); ++i)
             layout.leftOut.push_back("axis: " + m_chart.axes[i].title);
+        for (std::size_t i = 0; i < m_parts.size(); ++i)
+            for (const ChartBreak& each : BreaksWithoutEffect(m_chart, i, m_parts[i]))
+                layout.leftOut.push_back("break: " + TextOf(each));
         for (const ChartSeries& series : m_chart.series)
             if (!HasItsAxes(m_chart, series)) layout.leftOut.push_back("series: " + series.name);
         const auto reportCount = [&](std::size_t count, const char* one, const char* more, const char* rest) {
@@ -210,14 +255,19 @@ private:
         reportCount(layout.valuesLeftOut, "value", "values", " of the axes");
         reportCount(Has(left, Left::kValues) ? NamesLeftOut(layout) : 0, "name", "names", " of categories");
         reportCount(ValuesNotAboveZero(m_data), "value", "values", " not above 0");
-        if (m_chart.limits.empty() && m_chart.notes.empty()) return layout;
-
-        const CurveField field(m_data, m_canvas, layout.axes, layout.plot);
-        TakenBoxes taken;
-        if (layout.legend) taken.Take(layout.legend->box);
-        layout.limitLabels =
-            PlaceLimitLabels(m_chart, m_canvas, layout.axes, layout.plot, field, taken, layout.leftOut);
-        layout.notes = PlaceNotes(m_chart, m_canvas, layout.axes, layout.plot, field, taken, layout.leftOut);
+        for (std::size_t i = 0; i < m_chart.limits.size(); ++i) {
+            const ChartLimit& limit = m_chart.limits[i];
+            const bool isPlaced =
+                std::ranges::find(layout.limitLabels, i, &LimitLabel::limit) != layout.limitLabels.end();
+            // Also a line without a label that its axis does not show.
+            const bool isShown = limit.axis < layout.axes.size() && SpanOf(limit, layout.axes[limit.axis].places);
+            report(!limit.label.empty() || !isShown, isPlaced,
+                   "limit: " + (limit.label.empty() ? NumberText(limit.from, 0, 0) : limit.label));
+        }
+        for (std::size_t i = 0; i < m_chart.notes.size(); ++i) {
+            const bool isPlaced = std::ranges::find(layout.notes, i, &PlacedNote::index) != layout.notes.end();
+            report(true, isPlaced, "note: " + m_chart.notes[i].text);
+        }
         return layout;
     }
 
@@ -225,7 +275,8 @@ private:
     const Chart& m_chart;
     const ChartCanvas& m_canvas;
     const ChartBox m_box;
-    const std::vector<AxisRange> m_ranges;
+    const std::vector<AxisParts> m_parts;
+    LimitLanes m_lanes;  // of labels without a place over the plot
 };
 
 }  // namespace

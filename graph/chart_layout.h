@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qellib10/graph/chart_legend.h"
+#include "qellib10/graph/chart_limit_labels.h"
 #include "qellib10/graph/chart_notes.h"
 
 namespace qel {
@@ -13,10 +14,11 @@ namespace qel {
 struct ChartLayout {
     ChartBox box;
     ChartBox plot;
+    ChartBox inner;  ///< of the plot and the texts of its axes
     std::vector<AxisLayout> axes;
     std::vector<PlacedLabel> titles;
     std::optional<LegendLayout> legend;
-    std::vector<PlacedNote> limitLabels;
+    std::vector<LimitLabel> limitLabels;
     std::vector<PlacedNote> notes;
     std::vector<std::string> leftOut;
     std::size_t valuesLeftOut = 0;  ///< of the axes, one by one

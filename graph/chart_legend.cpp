@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
+#include <utility>
 
 #include "qellib10/graph/chart_hatch.h"
 #include "qellib10/graph/chart_look.h"
@@ -19,11 +21,27 @@ struct Line {
     std::string text;
 };
 
+// The series with names in their order, but bars on each other from top to bottom, as they are seen.
+std::vector<std::size_t> SeriesOf(const Chart& chart) {
+    std::vector<std::size_t> order;
+    std::map<std::pair<std::size_t, std::size_t>, std::vector<std::size_t>> stacks;  // by axes: places in the order
+    for (std::size_t i = 0; i < chart.series.size(); ++i) {
+        const ChartSeries& series = chart.series[i];
+        if (series.name.empty() || !HasItsAxes(chart, series)) continue;
+        const bool isOnOthers = series.kind == ChartKind::kBars && series.isStacked;
+        if (isOnOthers && !chart.axes[series.yAxis].isReversed)
+            stacks[{series.xAxis, series.yAxis}].push_back(order.size());
+        order.push_back(i);
+    }
+    for (const auto& [axes, places] : stacks)
+        for (std::size_t low = 0, high = places.size() - 1; low < high; ++low, --high)
+            std::swap(order[places[low]], order[places[high]]);
+    return order;
+}
+
 std::vector<Line> LinesOf(const Chart& chart) {
     std::vector<Line> lines;
-    for (std::size_t i = 0; i < chart.series.size(); ++i)
-        if (!chart.series[i].name.empty() && HasItsAxes(chart, chart.series[i]))
-            lines.push_back({i, chart.series[i].name});
+    for (const std::size_t i : SeriesOf(chart)) lines.push_back({i, chart.series[i].name});
     const std::vector<LeftOutReason> reasons = ReasonsLeftOut(chart);
     const auto add = [&](const std::string& reason, std::size_t count) {
         lines.push_back(

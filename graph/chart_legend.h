@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "qellib10/graph/chart_curves.h"
+#include "qellib10/graph/chart_label.h"
 
 namespace qel {
 

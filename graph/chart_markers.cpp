@@ -80,7 +80,9 @@ bool ChartMarkers::MoveTo(const Chart& chart, const ChartNavigator& navigator, d
 
 bool ChartMarkers::MoveBy(const Chart& chart, const ChartNavigator& navigator, double dx) {
     const auto places = PlacesIn(chart, navigator);
-    return places && MoveTo(chart, navigator, (m_isSecond ? places->to : places->from) + dx);
+    if (!places) return false;
+    const double from = m_isSecond ? places->to : places->from;
+    return MoveTo(chart, navigator, PlacesAcross(chart, navigator)->Stepped(from, dx));
 }
 
 bool ChartMarkers::NextSeries(const Chart& chart, const ChartNavigator& navigator) {

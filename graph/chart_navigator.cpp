@@ -27,8 +27,10 @@ ChartBox Normalised(const ChartBox& box) {
 void ChartNavigator::Take(const Chart& chart, const ChartReport& report) {
     m_plot = report.plot;
     m_axes.clear();
-    for (std::size_t i = 0; i < std::min(report.axes.size(), chart.axes.size()); ++i)
-        m_axes.push_back({report.axes[i], IsHorizontal(chart.axes[i])});
+    for (std::size_t i = 0; i < std::min(report.axes.size(), chart.axes.size()); ++i) {
+        const std::span<const ChartBreak> breaks = BreaksOf(chart, i);
+        m_axes.push_back({report.axes[i], IsHorizontal(chart.axes[i]), {breaks.begin(), breaks.end()}});
+    }
 }
 
 // Shows the values between two places of the axis.
@@ -43,8 +45,8 @@ bool ChartNavigator::Show(std::size_t axis, double from, double to) {
     if (m_shown.size() < m_axes.size()) m_shown.resize(m_axes.size());
     m_shown[axis] = range;
     // Further steps before the next drawing go on from here: the ends stay where they are drawn.
-    m_axes[axis].places.low = range.low;
-    m_axes[axis].places.high = range.high;
+    m_axes[axis].places =
+        qel::PlacesOf(PartsOf(m_axes[axis].breaks, range), places.isLogarithmic, places.from, places.to, places.gap);
     return true;
 }
 
@@ -52,7 +54,7 @@ bool ChartNavigator::ZoomAt(const ShapePoint& at, double factor, ChartDirection 
     if (!(factor >= 1 / kMostFactor && factor <= kMostFactor) || !IsInPlot(at)) return false;
     bool isChanged = false;
     for (std::size_t i = 0; i < m_axes.size(); ++i) {
-        const auto& [places, isHorizontal] = m_axes[i];
+        const auto& [places, isHorizontal, breaks] = m_axes[i];
         if (direction == (isHorizontal ? ChartDirection::kY : ChartDirection::kX)) continue;
         const double fixed = isHorizontal ? at.x : at.y;
         isChanged = Show(i, fixed + (places.from - fixed) / factor, fixed + (places.to - fixed) / factor) || isChanged;

@@ -16,6 +16,8 @@ enum class ChartDirection { kBoth, kX, kY };
 /// What a window shows of a chart: the part that the user has zoomed to, and the values under the pointer. It knows no
 /// toolkit, so that every window moves through a chart in the same way, and tests need no screen.
 ///
+/// On an axis with breaks, values move by up to the width of a gap when one comes into the window or leaves it.
+///
 /// Places are those of the last drawing, which Take has to be told. Several operations may follow each other before the
 /// next one. An operation that would show nothing, or less than numbers can tell apart, changes nothing and returns
 /// false.
@@ -63,6 +65,7 @@ private:
     struct Axis {
         AxisPlaces places;
         bool isHorizontal;
+        std::vector<ChartBreak> breaks;
     };
 
     bool IsPlaced(const Chart& chart, const ChartSeries& series) const;

@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
+#include <optional>
 #include <utility>
 
+#include "qellib10/graph/chart_cells.h"
+#include "qellib10/graph/chart_frame.h"
 #include "qellib10/graph/chart_hatch.h"
 #include "qellib10/graph/chart_line.h"
 #include "qellib10/graph/chart_look.h"
@@ -13,7 +17,7 @@
 namespace qel {
 namespace {
 
-constexpr double kAreaOpacity = 0.25, kLimitOpacity = 0.10, kGapOfMark = 0.5;
+constexpr double kAreaOpacity = 0.25, kGapOfMark = 0.5;
 constexpr double kAroundText = 1.5, kBackOfText = 0.8;
 constexpr double kCap = 3;  // points: half of the line at the end of an error bar
 
@@ -25,38 +29,65 @@ public:
           m_theme(m_chart.theme),
           m_canvas(canvas),
           m_layout(layout),
+          m_frame(m_chart, canvas, layout),
           m_marksOfLines(m_chart.series.size()) {}
 
     void Paint() {
         m_canvas.Fill(m_layout.box, m_theme.background);
         m_canvas.Fill(m_layout.plot, m_theme.plot);
-        m_canvas.Clip(m_layout.plot);
-        for (const ChartLimit& limit : m_chart.limits) PaintBand(limit, m_layout.plot);
-        for (const AxisLayout& axis : m_layout.axes) PaintGrid(axis);
-        ForEachSeries([&](std::size_t i, const SeriesCurves& curves) { PaintAreas(i, curves); });
-        ForEachSeries([&](std::size_t i, const SeriesCurves& curves) { PaintBars(i, curves); });
-        for (const ChartLimit& limit : m_chart.limits) PaintLimit(limit);
-        ForEachSeries([&](std::size_t i, const SeriesCurves& curves) { PaintLine(i, curves); });
-        m_canvas.EndClip();
-        for (const AxisLayout& axis : m_layout.axes) PaintAxis(axis);
+        ClipTo(m_layout.plot);
+        m_frame.PaintBands(m_layout.plot);
+        m_frame.PaintGrid();
+        ForEachSeries(0, [&](std::size_t i, const SeriesCurves& curves) { PaintAreas(i, curves); });
+        ForEachSeries(0, [&](std::size_t i, const SeriesCurves& curves) { PaintBars(i, curves); });
+        ClipTo(m_layout.plot);
+        for (const Cut& cut : m_cuts) m_frame.PaintCut(cut.left, cut.right, cut.edge);
+        m_frame.PaintLimits();
+        ForEachSeries(0, [&](std::size_t i, const SeriesCurves& curves) { PaintLine(i, curves); });
+        EndClip();
+        m_frame.PaintAxes();
         // Whole marks at the edges too.
-        m_canvas.Clip(Grown(m_layout.plot, m_canvas.Units(m_theme.markSize)));
-        ForEachSeries([&](std::size_t i, const SeriesCurves& curves) { PaintMarks(i, curves); });
-        m_canvas.EndClip();
+        const double mark = m_canvas.Units(m_theme.markSize);
+        ForEachSeries(mark, [&](std::size_t i, const SeriesCurves& curves) { PaintMarks(i, curves); });
+        EndClip();
         for (const PlacedNote& note : m_layout.notes) PaintNote(note);
-        for (const PlacedNote& label : m_layout.limitLabels) PaintOnPlot(label.label);
+        for (const LimitLabel& label : m_layout.limitLabels) {
+            label.isOutside ? PaintLabel(label.label) : PaintOnPlot(label.label);
+            m_frame.PaintLeader(label);
+        }
         if (m_layout.legend) DrawLegend(m_chart, m_canvas, *m_layout.legend);
         for (const PlacedLabel& title : m_layout.titles) PaintLabel(title);
     }
 
 private:
-    static ChartBox Grown(const ChartBox& box, double by) {
-        return {box.left - by, box.top - by, box.right + by, box.bottom + by};
+    // At the end of a bar in a cell.
+    struct Cut {
+        double left, right, edge;
+    };
+
+    // The step in each cell of the plot in turn, with @p reach around it.
+    template <class Step> void ForEachSeries(double reach, const Step& step) {
+        for (std::size_t i = 0; i < m_chart.series.size(); ++i) {
+            const ChartSeries& series = m_chart.series[i];
+            if (!HasItsAxes(m_chart, series)) continue;
+            const std::vector<AxisLayout>& axes = m_layout.axes;
+            for (const ChartCell& cell : CellsOf(m_layout.plot, axes[series.xAxis].places, axes[series.yAxis].places)) {
+                m_area = cell.box;
+                ClipTo(Grown(cell.box, reach));
+                step(i, SeriesCurves(m_data, i, cell.x, cell.y));
+            }
+        }
     }
 
-    template <class Step> void ForEachSeries(const Step& step) {
-        for (std::size_t i = 0; i < m_chart.series.size(); ++i)
-            if (HasItsAxes(m_chart, m_chart.series[i])) step(i, SeriesCurves(m_data, i, m_layout.axes));
+    void ClipTo(const ChartBox& box) {
+        if (m_clip == box) return;
+        EndClip();
+        m_canvas.Clip(box);
+        m_clip = box;
+    }
+    void EndClip() {
+        if (m_clip) m_canvas.EndClip();
+        m_clip.reset();
     }
 
     void PaintLabel(const PlacedLabel& label) { m_canvas.Label(label.start, label.text, label.style); }
@@ -65,94 +96,8 @@ private:
     void PaintOnPlot(const PlacedLabel& label) {
         const ChartBox back = Grown(label.box, m_canvas.Units(kAroundText));
         m_canvas.Fill(back, m_theme.plot, kBackOfText);
-        for (const ChartLimit& limit : m_chart.limits) PaintBand(limit, back);
+        m_frame.PaintBands(back);
         PaintLabel(label);
-    }
-
-    std::vector<double> Lengths(std::vector<double> points) const {
-        for (double& length : points) length = m_canvas.Units(length);
-        return points;
-    }
-
-    // From edge to edge of the plot at a place of the axis.
-    void Across(const AxisLayout& axis, double place, COLORREF color, double width,
-                std::span<const double> dashes = {}) {
-        const ChartBox& plot = m_layout.plot;
-        if (IsHorizontal(m_chart.axes[axis.index])) {
-            m_canvas.Straight({place, plot.top}, {place, plot.bottom}, color, width, dashes);
-        } else {
-            m_canvas.Straight({plot.left, place}, {plot.right, place}, color, width, dashes);
-        }
-    }
-
-    bool HasGrid(const AxisLayout& axis) const {
-        const ChartAxis& own = m_chart.axes[axis.index];
-        if (own.hasGrid) return *own.hasGrid;
-        const auto first = std::ranges::find_if(
-            m_chart.axes, [&](const ChartAxis& other) { return IsHorizontal(other) == IsHorizontal(own); });
-        return &*first == &own && own.scale != ChartScale::kCategories;
-    }
-
-    void PaintGrid(const AxisLayout& axis) {
-        if (!HasGrid(axis)) return;
-        for (const AxisTick& tick : axis.ticks.ticks)
-            if (!tick.isMinor) Across(axis, axis.places.At(tick.value), m_theme.grid, m_theme.gridWidth);
-    }
-
-    void PaintAxis(const AxisLayout& axis) {
-        const ChartBox& plot = m_layout.plot;
-        const ChartSide side = m_chart.axes[axis.index].side;
-        const bool isHorizontal = IsHorizontal(m_chart.axes[axis.index]);
-        const COLORREF color = SeriesColorOf(m_chart, axis.index).value_or(m_theme.axis);
-        const double out = side == ChartSide::kBottom || side == ChartSide::kRight ? 1 : -1;
-        if (isHorizontal) {
-            m_canvas.Straight({plot.left, axis.line}, {plot.right, axis.line}, color, m_theme.axisWidth);
-        } else {
-            m_canvas.Straight({axis.line, plot.top}, {axis.line, plot.bottom}, color, m_theme.axisWidth);
-        }
-        for (const AxisTick& tick : axis.ticks.ticks) {
-            const double length = out * m_canvas.Units(m_theme.tick) * (tick.isMinor ? 0.6 : 1);
-            const double at = axis.places.At(tick.value);
-            if (isHorizontal) {
-                m_canvas.Straight({at, axis.line}, {at, axis.line + length}, color, m_theme.axisWidth);
-            } else {
-                m_canvas.Straight({axis.line, at}, {axis.line + length, at}, color, m_theme.axisWidth);
-            }
-        }
-        for (const PlacedLabel& label : axis.labels) PaintLabel(label);
-        if (axis.title) PaintLabel(*axis.title);
-    }
-
-    COLORREF ColorOf(const ChartLimit& limit) const {
-        return Readable(limit.color.value_or(m_theme.limit), m_theme.plot, m_theme.text, kLineContrast);
-    }
-
-    void PaintBand(const ChartLimit& limit, ChartBox box) {
-        if (limit.axis >= m_layout.axes.size() || !limit.to) return;
-        const AxisPlaces& places = m_layout.axes[limit.axis].places;
-        double from = places.At(limit.from), to = places.At(*limit.to);
-        if (!std::isfinite(from) || !std::isfinite(to)) return;
-        if (from > to) std::swap(from, to);
-        if (IsHorizontal(m_chart.axes[limit.axis])) {
-            box.left = std::max(box.left, from);
-            box.right = std::min(box.right, to);
-        } else {
-            box.top = std::max(box.top, from);
-            box.bottom = std::min(box.bottom, to);
-        }
-        if (box.left < box.right && box.top < box.bottom) m_canvas.Fill(box, ColorOf(limit), kLimitOpacity);
-    }
-
-    void PaintLimit(const ChartLimit& limit) {
-        if (limit.axis >= m_layout.axes.size()) return;
-        const AxisLayout& axis = m_layout.axes[limit.axis];
-        const std::vector<double> dashes = Lengths({4, 2.5});
-        for (const std::optional<double>& end : {std::optional(limit.from), limit.to}) {
-            const double place = end ? axis.places.At(*end) : NAN;
-            const double low = std::min(axis.places.from, axis.places.to);
-            const double high = std::max(axis.places.from, axis.places.to);
-            if (place >= low && place <= high) Across(axis, place, ColorOf(limit), 1, dashes);
-        }
     }
 
     void PaintAreas(std::size_t index, const SeriesCurves& curves) {
@@ -175,8 +120,8 @@ private:
     std::vector<ShapePoint> Near(std::vector<ShapePoint> area) const {
         const double reach = 1e5;
         for (ShapePoint& corner : area)
-            corner = {std::clamp(corner.x, m_layout.plot.left - reach, m_layout.plot.right + reach),
-                      std::clamp(corner.y, m_layout.plot.top - reach, m_layout.plot.bottom + reach)};
+            corner = {std::clamp(corner.x, m_area.left - reach, m_area.right + reach),
+                      std::clamp(corner.y, m_area.top - reach, m_area.bottom + reach)};
         return area;
     }
 
@@ -184,17 +129,27 @@ private:
         if (m_chart.series[index].kind != ChartKind::kBars) return;
         const SeriesLook look = LookOf(m_chart, index);
         for (const ChartBox& bar : curves.Bars()) {
+            AddCuts(bar);
             ChartBox shown = bar;
-            shown.top = std::max(shown.top, m_layout.plot.top - 1);
-            shown.bottom = std::min(shown.bottom, m_layout.plot.bottom + 1);
-            shown.left = std::max(shown.left, m_layout.plot.left - 1);
-            shown.right = std::min(shown.right, m_layout.plot.right + 1);
+            shown.top = std::max(shown.top, m_area.top - 1);
+            shown.bottom = std::min(shown.bottom, m_area.bottom + 1);
+            shown.left = std::max(shown.left, m_area.left - 1);
+            shown.right = std::min(shown.right, m_area.right + 1);
             if (!(shown.top < shown.bottom && shown.left < shown.right)) continue;
             m_canvas.Fill(shown, look.color);
             DrawHatch(m_canvas, shown, look.hatch, m_theme.plot);
             // Neighbours may have the same grey on paper.
             if (m_theme.hasDashes) Outline(shown);
         }
+    }
+
+    // Where it goes on after a break.
+    void AddCuts(const ChartBox& bar) {
+        if (!(bar.left < m_area.right && bar.right > m_area.left && bar.top < m_area.bottom && bar.bottom > m_area.top))
+            return;
+        if (bar.top < m_area.top && m_area.top > m_layout.plot.top) m_cuts.push_back({bar.left, bar.right, m_area.top});
+        if (bar.bottom > m_area.bottom && m_area.bottom < m_layout.plot.bottom)
+            m_cuts.push_back({bar.left, bar.right, m_area.bottom});
     }
 
     void Outline(const ChartBox& box) {
@@ -213,7 +168,7 @@ private:
 
                          .isSmooth = m_chart.isSmooth};
         const auto stroke = [&](auto&& line) {
-            m_canvas.Shape(CutToArea(std::forward<decltype(line)>(line), m_layout.plot), style);
+            m_canvas.Shape(CutToArea(std::forward<decltype(line)>(line), m_area), style);
         };
         if (series.hasDrops) {
             style.strokeWidth = std::max(1.0, width / 2);
@@ -227,14 +182,17 @@ private:
         const bool hasLine =
             series.kind == ChartKind::kLine || series.kind == ChartKind::kSteps || series.kind == ChartKind::kArea;
         if (hasLine) {
-            const std::vector<double> dashes = Lengths(look.dashes);
+            const std::vector<double> dashes = m_canvas.Lengths(look.dashes);
             style.dashes = dashes;
             style.isRound = dashes.empty();
             // Dashes start at the edge.
             std::vector<ShapePoint> line = curves.Line(style.isRound ? width / 2 + 1 : 0);
             const std::vector<ShapePoint> marks =
                 look.markDistance > 0 ? PlacesAlong(line, m_canvas.Units(look.markDistance)) : LonePlaces(line);
-            m_marksOfLines[index].insert(m_marksOfLines[index].end(), marks.begin(), marks.end());
+            // Outside of the cell a line has places that are not on the axes there.
+            std::ranges::copy_if(marks, std::back_inserter(m_marksOfLines[index]), [&](const ShapePoint& at) {
+                return IsInside({at.x, at.y, at.x, at.y}, Grown(m_area, kGapOfMark));
+            });
             stroke(std::move(line));
         }
     }
@@ -256,9 +214,9 @@ private:
                                                         {nan, nan},
                                                         {bar.to.x - side.x, bar.to.y - side.y},
                                                         {bar.to.x + side.x, bar.to.y + side.y}}};
-            m_canvas.Shape(CutToArea(corners, m_layout.plot), style);
+            m_canvas.Shape(CutToArea(corners, m_area), style);
         }
-        const ChartBox reach = Grown(m_layout.plot, kGapOfMark);
+        const ChartBox reach = Grown(m_area, kGapOfMark);
         for (const ShapePoint& at : curves.LeftOut())
             if (IsInside({at.x, at.y, at.x, at.y}, reach)) DrawLeftOut(m_chart, m_canvas, at);
         const double size = m_canvas.Units(m_theme.markSize);
@@ -303,9 +261,12 @@ private:
         const ChartBox& plot = m_layout.plot;
         const double down = m_chart.axes[note.xAxis].side == ChartSide::kTop ? plot.top : plot.bottom;
         const double across = m_chart.axes[note.yAxis].side == ChartSide::kRight ? plot.right : plot.left;
-        const std::vector<double> dashes = Lengths({2, 2});
-        m_canvas.Straight(at, {at.x, down}, m_theme.faintText, 0.7, dashes);
-        m_canvas.Straight({across, at.y}, at, m_theme.faintText, 0.7, dashes);
+        const std::vector<double> dashes = m_canvas.Lengths(std::array{2.0, 2.0});
+        const AxisPlaces &x = m_layout.axes[note.xAxis].places, &y = m_layout.axes[note.yAxis].places;
+        for (const AxisWay& way : WithoutGaps(y, {at.y, down}))
+            m_canvas.Straight({at.x, way.from}, {at.x, way.to}, m_theme.faintText, 0.7, dashes);
+        for (const AxisWay& way : WithoutGaps(x, {across, at.x}))
+            m_canvas.Straight({way.from, at.y}, {way.to, at.y}, m_theme.faintText, 0.7, dashes);
         DrawMark(m_canvas, ChartMark::kOpenCircle, at, m_canvas.Units(m_theme.markSize * 1.2), m_theme.text,
                  m_theme.plot, m_chart.isSmooth);
     }
@@ -315,6 +276,10 @@ private:
     const ChartTheme& m_theme;
     ChartCanvas& m_canvas;
     const ChartLayout& m_layout;
+    ChartFrame m_frame;
+    ChartBox m_area;  // of the cell that is drawn
+    std::optional<ChartBox> m_clip;
+    std::vector<Cut> m_cuts;
     std::vector<std::vector<ShapePoint>> m_marksOfLines;  // of each series: lone points, or marks along the line
 };
 

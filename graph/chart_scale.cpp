@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <span>
 
 #include "qellib10/graph/left_out.h"
 
 namespace qel {
 namespace {
 
-constexpr std::size_t kMostAxes = 8;
+constexpr std::size_t kMostAxes = 8, kMostBreaks = 8;
 
 // What the data of an axis reach.
 class Extent {
@@ -129,6 +130,12 @@ std::size_t SourceOf(const Chart& chart, std::size_t axis) {
     }
 }
 
+// Those that it can have.
+std::span<const ChartBreak> BreaksOf(const ChartAxis& axis) {
+    if (!CanBreak(axis.scale)) return {};
+    return std::span(axis.breaks).first(std::min(axis.breaks.size(), kMostBreaks));
+}
+
 // Of an axis and all those that follow it.
 AxisRange RangeOf(const ChartSnapshot& data, std::size_t index) {
     const Chart& chart = data.chart;
@@ -158,7 +165,10 @@ AxisRange RangeOf(const ChartSnapshot& data, std::size_t index) {
     const double defaultLow = isLogarithmic ? 1 : 0, defaultHigh = isLogarithmic ? 10 : 1;
     const double low = extent.IsEmpty() ? defaultLow : extent.Low();
     const double high = extent.IsEmpty() ? defaultHigh : extent.High();
-    AxisRange range = PaddedRange(low, high, axis.scale);
+    // The space at both ends is a share of what is shown.
+    const double leftOut = LeftOutBetween(BreaksOf(axis), low, high);
+    AxisRange range = PaddedRange(low, high - leftOut, axis.scale);
+    if (leftOut > 0) range.high = std::min(range.high + leftOut, std::numeric_limits<double>::max());
     if (!hasSpace && !isLogarithmic && low < high) range = {low, high};
     // Where no value is below 0 the axis starts there, not below it.
     if (axis.scale == ChartScale::kLinear && low >= 0 && range.low < 0 && low < high) range.low = 0;
@@ -182,15 +192,37 @@ bool HasItsAxes(const Chart& chart, std::size_t xAxis, std::size_t yAxis) {
     return xAxis < count && yAxis < count && IsHorizontal(chart.axes[xAxis]) && !IsHorizontal(chart.axes[yAxis]);
 }
 
-std::vector<AxisRange> AxisRanges(const ChartSnapshot& data, const ChartRanges& shown) {
+std::vector<AxisParts> PartsOfAxes(const ChartSnapshot& data, const ChartRanges& shown) {
     const Chart& chart = data.chart;
     std::vector<AxisRange> ranges;
     for (std::size_t i = 0; i < AxisCount(chart); ++i) {
         const bool isShown = i < shown.size() && shown[i] && IsRange(*shown[i], chart.axes[i].scale);
         ranges.push_back(isShown ? *shown[i] : RangeOf(data, i));
     }
-    for (std::size_t i = 0; i < ranges.size(); ++i) ranges[i] = ranges[SourceOf(chart, i)];
-    return ranges;
+    std::vector<AxisParts> parts;
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        ranges[i] = ranges[SourceOf(chart, i)];
+        parts.push_back(PartsOf(BreaksOf(chart, i), ranges[i]));
+    }
+    return parts;
+}
+
+std::span<const ChartBreak> BreaksOf(const Chart& chart, std::size_t axis) {
+    return BreaksOf(chart.axes[SourceOf(chart, axis)]);
+}
+
+std::vector<ChartBreak> BreaksWithoutEffect(const Chart& chart, std::size_t axis, const AxisParts& parts) {
+    std::vector<ChartBreak> without;
+    const std::vector<ChartBreak>& breaks = chart.axes[axis].breaks;
+    const bool isItsOwn = SourceOf(chart, axis) == axis;
+    for (std::size_t i = 0; i < breaks.size(); ++i) {
+        const double low = std::min(breaks[i].from, breaks[i].to), high = std::max(breaks[i].from, breaks[i].to);
+        const bool isRead = isItsOwn && CanBreak(chart.axes[axis].scale) && i < kMostBreaks && low < high;
+        const bool isInPart = std::ranges::any_of(
+            parts, [&](const AxisRange& part) { return std::max(part.low, low) < std::min(part.high, high); });
+        if (!isRead || isInPart) without.push_back(breaks[i]);
+    }
+    return without;
 }
 
 std::size_t ValuesNotAboveZero(const ChartSnapshot& data) {

@@ -1,13 +1,21 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
+#include "qellib10/graph/axis_breaks.h"
 #include "qellib10/graph/chart_snapshot.h"
 
 namespace qel {
 
-/// The range of each axis of the chart: the one in @p shown, or else from fixed ends and data.
-std::vector<AxisRange> AxisRanges(const ChartSnapshot& data, const ChartRanges& shown);
+/// What each axis of the chart shows: the range in @p shown, or else from fixed ends and data, without its breaks.
+std::vector<AxisParts> PartsOfAxes(const ChartSnapshot& data, const ChartRanges& shown);
+
+/// The breaks that an axis has: its own, or those of the axis whose range it has.
+std::span<const ChartBreak> BreaksOf(const Chart& chart, std::size_t axis);
+/// Breaks of an axis that leave nothing out of it, although they are within what it shows: those beyond the eighth, of
+/// an axis that has none, or around everything.
+std::vector<ChartBreak> BreaksWithoutEffect(const Chart& chart, std::size_t axis, const AxisParts& parts);
 
 /// Whether both axes exist, the first one horizontal, the second one vertical.
 bool HasItsAxes(const Chart& chart, std::size_t xAxis, std::size_t yAxis);

@@ -30,7 +30,7 @@ double StepOf(double size, double value) {
 }
 
 double StepOf(const AxisPlaces& places, double value) {
-    return StepOf(places.isLogarithmic ? std::fabs(value) : places.high - places.low, value);
+    return StepOf(places.isLogarithmic ? std::fabs(value) : places.Length(), value);
 }
 
 // With the prefix that the axis has at its unit, or with its power of ten where that is shorter.

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
+#include "qellib10/graph/chart_cells.h"
 #include "qellib10/graph/chart_line.h"
 
 namespace qel {
@@ -25,25 +27,18 @@ CurveField::CurveField(const ChartSnapshot& data, const ChartCanvas& canvas, con
       m_cell(std::max({canvas.Units(kCell), plot.Width() / kMostCells, plot.Height() / kMostCells})),
       m_columns(CellsOf(plot.Width(), m_cell)),
       m_rows(CellsOf(plot.Height(), m_cell)),
-      m_marked(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows)) {
+      m_marked(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows)),
+      m_filled(m_marked.size()) {
     const Chart& chart = data.chart;
     for (std::size_t i = 0; i < chart.series.size(); ++i) {
         if (!HasItsAxes(chart, chart.series[i])) continue;
-        const SeriesCurves curves(data, i, axes);
-        const ChartKind kind = chart.series[i].kind;
-        if (kind == ChartKind::kBars) {
-            for (const ChartBox& bar : curves.Bars()) MarkBox(bar);
-        } else if (kind == ChartKind::kPoints) {
-            for (std::size_t point = 0; point < curves.Count(); ++point) Mark(curves.At(point));
-        } else if (kind == ChartKind::kBand) {
-            for (const std::vector<ShapePoint>& area : curves.Areas()) MarkOutline(area);
-        } else {
-            MarkLine(CutToArea(curves.RoughLine(1 / m_cell), plot));
+        const ChartSeries& series = chart.series[i];
+        const std::vector<ChartCell> cells = CellsOf(plot, axes[series.xAxis].places, axes[series.yAxis].places);
+        for (const ChartCell& cell : cells) {
+            if (!(cell.box == plot)) m_area = cell.box;
+            MarkSeries(series, SeriesCurves(data, i, cell.x, cell.y), cell.box);
+            m_area.reset();
         }
-        if (chart.series[i].hasErrorBand)
-            for (const std::vector<ShapePoint>& area : curves.ErrorAreas()) MarkOutline(area);
-        for (const ShapePoint& at : curves.LeftOut()) Mark(at);
-        for (const SeriesCurves::ErrorBar& bar : curves.ErrorBars()) MarkLine({bar.from, bar.to});
     }
     for (const ChartNote& note : chart.notes) {
         if (!note.isFlag || !HasItsAxes(chart, note.xAxis, note.yAxis)) continue;
@@ -53,6 +48,28 @@ CurveField::CurveField(const ChartSnapshot& data, const ChartCanvas& canvas, con
     }
 }
 
+void CurveField::MarkSeries(const ChartSeries& series, const SeriesCurves& curves, const ChartBox& area) {
+    if (series.kind == ChartKind::kBars) {
+        for (const ChartBox& bar : curves.Bars()) MarkBox(bar);
+    } else if (series.kind == ChartKind::kPoints) {
+        for (std::size_t point = 0; point < curves.Count(); ++point) Mark(curves.At(point));
+    } else if (series.kind != ChartKind::kBand) {
+        MarkLine(CutToArea(curves.RoughLine(1 / m_cell), area));
+    }
+    // Of an area the line is marked already, and its other edge is an axis.
+    if (series.kind == ChartKind::kArea)
+        for (const std::vector<ShapePoint>& outline : curves.Areas(1 / m_cell)) Fill(outline);
+    std::vector<std::vector<ShapePoint>> bands;
+    if (series.kind == ChartKind::kBand) bands = curves.Areas(1 / m_cell);
+    if (series.hasErrorBand) std::ranges::move(curves.ErrorAreas(1 / m_cell), std::back_inserter(bands));
+    for (const std::vector<ShapePoint>& outline : bands) {
+        Fill(outline);
+        MarkOutline(outline, area);
+    }
+    for (const ShapePoint& at : curves.LeftOut()) Mark(at);
+    for (const SeriesCurves::ErrorBar& bar : curves.ErrorBars()) MarkLine({bar.from, bar.to});
+}
+
 std::optional<std::size_t> CurveField::CellAt(const ShapePoint& at) const {
     const double column = std::floor((at.x - m_plot.left) / m_cell), row = std::floor((at.y - m_plot.top) / m_cell);
     if (!(column >= 0 && column < m_columns && row >= 0 && row < m_rows)) return {};
@@ -60,6 +77,7 @@ std::optional<std::size_t> CurveField::CellAt(const ShapePoint& at) const {
 }
 
 void CurveField::Mark(const ShapePoint& at) {
+    if (m_area && !IsInside({at.x, at.y, at.x, at.y}, *m_area)) return;
     if (const auto cell = CellAt(at)) m_marked[*cell] = true;
 }
 
@@ -87,9 +105,9 @@ void CurveField::MarkLine(const std::vector<ShapePoint>& line) {
     }
 }
 
-void CurveField::MarkOutline(std::vector<ShapePoint> area) {
-    area.push_back(area.front());
-    MarkLine(CutToArea(std::move(area), m_plot));
+void CurveField::MarkOutline(std::vector<ShapePoint> outline, const ChartBox& area) {
+    outline.push_back(outline.front());
+    MarkLine(CutToArea(std::move(outline), area));
 }
 
 void CurveField::MarkBox(const ChartBox& box) {
@@ -101,7 +119,47 @@ void CurveField::MarkBox(const ChartBox& box) {
     }
 }
 
+void CurveField::Fill(const std::vector<ShapePoint>& outline) {
+    const auto rowAt = [&](double y) { return std::clamp((y - m_plot.top) / m_cell - 0.5, -1.0, double(m_rows)); };
+    const auto middle = [&](int row) { return m_plot.top + (row + 0.5) * m_cell; };
+    std::vector<std::vector<double>> crossings(static_cast<std::size_t>(m_rows));
+    for (std::size_t i = 0; i < outline.size(); ++i) {
+        ShapePoint upper = outline[i], lower = outline[(i + 1) % outline.size()];
+        if (upper.y > lower.y) std::swap(upper, lower);
+        for (int row = static_cast<int>(std::ceil(rowAt(upper.y))); row < std::ceil(rowAt(lower.y)); ++row) {
+            if (row < 0) continue;
+            const double share = (middle(row) - upper.y) / (lower.y - upper.y);
+            crossings[static_cast<std::size_t>(row)].push_back(upper.x + share * (lower.x - upper.x));
+        }
+    }
+    for (int row = 0; row < m_rows; ++row) {
+        std::vector<double>& across = crossings[static_cast<std::size_t>(row)];
+        std::erase_if(across, [](double x) { return std::isnan(x); });
+        std::ranges::sort(across);
+        for (std::size_t i = 1; i < across.size(); i += 2) {
+            const auto columnAt = [&](double x) {
+                return static_cast<int>(
+                    std::ceil(std::clamp((x - m_plot.left) / m_cell - 0.5, 0.0, double(m_columns))));
+            };
+            for (int column = columnAt(across[i - 1]); column < columnAt(across[i]); ++column) {
+                const ShapePoint at{m_plot.left + (column + 0.5) * m_cell, middle(row)};
+                if (m_area && !IsInside({at.x, at.y, at.x, at.y}, *m_area)) continue;
+                m_filled[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) +
+                         static_cast<std::size_t>(column)] = true;
+            }
+        }
+    }
+}
+
 int CurveField::Hits(const ChartBox& box) const {
+    return CountIn(box, [&](std::size_t cell) { return m_marked[cell]; });
+}
+
+int CurveField::Filled(const ChartBox& box) const {
+    return CountIn(box, [&](std::size_t cell) { return m_filled[cell] && !m_marked[cell]; });
+}
+
+template <class Counts> int CurveField::CountIn(const ChartBox& box, const Counts& counts) const {
     const auto cell = [&](double place, double start, int count) {
         return std::clamp(static_cast<int>(std::clamp((place - start) / m_cell, -1.0, 1e6)), 0, count - 1);
     };
@@ -112,7 +170,7 @@ int CurveField::Hits(const ChartBox& box) const {
         for (int column = left; column <= right; ++column) {
             const auto at =
                 static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) + static_cast<std::size_t>(column);
-            hits += m_marked[at] ? 1 : 0;
+            hits += counts(at) ? 1 : 0;
         }
     }
     return hits;

@@ -36,15 +36,13 @@ struct Step {
 class LinearSteps : public TickSteps {
 public:
     LinearSteps(const TickPlaces& places, ChartExponent kind, const AxisSpace& space)
-        : m_low(places.Low()),
-          m_high(places.High()),
-          m_largest(std::max(std::abs(m_low), std::abs(m_high))),
+        : m_parts(places.Parts()),
+          m_largest(std::max(std::abs(places.Low()), std::abs(places.High()))),
           m_kind(kind),
           m_exponent(AxisExponent(m_largest, kind)),
           m_mostTexts(MostTexts(space)),
           m_mostMinor(MostMinor(space)) {
-        const double range = m_high / 2 - m_low / 2;
-        const int first = ShortestDigits(range).Exponent() - 3;
+        const int first = ShortestDigits(places.HalfLength()).Exponent() - 3;
         // In a range too narrow for steps, at least one number may be round.
         const int last = std::max(first + 4, ShortestDigits(m_largest).Exponent() - kDigits + 2);
         for (int place = first; place <= last; ++place)
@@ -80,6 +78,10 @@ public:
         return {ValuesOf(m_steps[at].Minor(), m_mostMinor)};
     }
 
+    std::size_t Finer(std::size_t one, std::size_t other) const override {
+        return m_steps[one].place <= m_steps[other].place ? one : other;
+    }
+
 private:
     // The text of the first or the last value.
     static std::size_t LongestText(const std::vector<double>& values, double step, int exponent) {
@@ -90,18 +92,21 @@ private:
     std::vector<double> ValuesOf(const Step& step, std::size_t most) const {
         const double unit = Scaled(1, step.place), size = step.Value();
         if (step.place < kLeastPlace || !std::isfinite(size) || m_largest / unit > kMostUnits) return {};
-        // Quotients of doubles may be one off.
-        const double first = std::ceil(m_low / size) - 1, last = std::floor(m_high / size) + 1;
-        if (last - first > static_cast<double>(most) + 2) return {};
         std::vector<double> values;
-        for (auto i = static_cast<std::int64_t>(first); i <= static_cast<std::int64_t>(last); ++i) {
-            const double value = Scaled(i * step.number, step.place);
-            if (value >= m_low && value <= m_high) values.push_back(value);
+        for (const auto& [low, high] : m_parts) {
+            // Quotients of doubles may be one off.
+            const double first = std::ceil(low / size) - 1, last = std::floor(high / size) + 1;
+            if (last - first > static_cast<double>(most) + 2) return {};
+            for (auto i = static_cast<std::int64_t>(first); i <= static_cast<std::int64_t>(last); ++i) {
+                const double value = Scaled(i * step.number, step.place);
+                if (value >= low && value <= high) values.push_back(value);
+            }
         }
         return values.size() <= most ? values : std::vector<double>();
     }
 
-    double m_low, m_high, m_largest;
+    std::vector<AxisRange> m_parts;
+    double m_largest;
     ChartExponent m_kind;
     int m_exponent;
     std::size_t m_mostTexts, m_mostMinor;

@@ -16,8 +16,8 @@ struct PointLine {
     static constexpr double kFine = 16;  ///< columns of a device unit that lose nothing that can be seen
 
     const PointView& points;
-    const AxisPlaces& x;
-    const AxisPlaces& y;
+    const AxisPart& x;
+    const AxisPart& y;
     double columnsPerUnit = kFine;
     bool isSteps = false;                       ///< each value holds until the next one
     std::span<const double> heights = {};       ///< of all points, in place of their y

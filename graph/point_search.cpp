@@ -8,7 +8,7 @@ namespace {
 // Whether the place of a value is before another along rising values. A value without a place, on a logarithmic axis,
 // is below all that have one.
 bool IsBefore(const AxisPlaces& axis, double value, double place) {
-    const double own = axis.At(value);
+    const double own = axis.Reached(value);
     return axis.to > axis.from ? !(own >= place) : !(own <= place);
 }
 
@@ -49,7 +49,7 @@ std::optional<std::size_t> PointSearch::NearestOfRising(double across) const {
     if (isRight && DistanceOf(right, across) < least) return right;
     // The first one that is as near.
     left = points.FirstNot(
-        [&](double value) { return IsBefore(x, value, across) && !(std::fabs(x.At(value) - across) <= least); });
+        [&](double value) { return IsBefore(x, value, across) && !(std::fabs(x.Reached(value) - across) <= least); });
     while (IsGapAt(left)) ++left;
     return left;
 }
@@ -58,7 +58,7 @@ std::pair<std::size_t, std::size_t> PointSearch::Across(double from, double to) 
     if (!points.Totals().isRising) return {0, points.Count()};
     if (x.to < x.from) std::swap(from, to);
     return {points.FirstNot([&](double value) { return IsBefore(x, value, from); }),
-            points.FirstNot([&](double value) { return IsBefore(x, value, to) || x.At(value) == to; })};
+            points.FirstNot([&](double value) { return IsBefore(x, value, to) || x.Reached(value) == to; })};
 }
 
 std::vector<std::size_t> PointSearch::In(const ChartBox& box) const {

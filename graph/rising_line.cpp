@@ -12,10 +12,10 @@ namespace {
 
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 
-// AxisPlaces::At with the same bits, without a division for each value.
+// AxisPart::At with the same bits, without a division for each value.
 class Placer {
 public:
-    explicit Placer(const AxisPlaces& places)
+    explicit Placer(const AxisPart& places)
         : m_places(places),
           m_isSimple(!places.isLogarithmic && std::isfinite(places.high - places.low)),
           m_perLength(1 / (places.high - places.low)) {}
@@ -27,7 +27,7 @@ public:
     bool HasNoPlace(double value) const { return std::isnan(value) || (m_places.isLogarithmic && !(value > 0)); }
 
 private:
-    const AxisPlaces m_places;
+    const AxisPart m_places;
     const bool m_isSimple;
     const double m_perLength;
 };
@@ -35,7 +35,7 @@ private:
 // The places of x, and where columns end: nearly always one comparison of values decides, without a place.
 class Columns {
 public:
-    Columns(const AxisPlaces& places, double perUnit)
+    Columns(const AxisPart& places, double perUnit)
         : m_places(places),
           m_placer(places),
           m_perUnit(perUnit),
@@ -76,7 +76,7 @@ private:
     double ScaleOf(double value) const { return m_places.isLogarithmic ? std::log(value) : value; }
     double ValueOf(double scaled) const { return m_places.isLogarithmic ? std::exp(scaled) : scaled; }
 
-    const AxisPlaces m_places;
+    const AxisPart m_places;
     const Placer m_placer;
     const double m_perUnit, m_unit;
     const double m_low, m_perPlace;  // of values or logarithms
@@ -279,7 +279,7 @@ private:
 }  // namespace
 
 bool PointLine::IsRising() const {
-    const auto hasEnds = [](const AxisPlaces& axis) {
+    const auto hasEnds = [](const AxisPart& axis) {
         return std::isfinite(axis.At(axis.low)) && std::isfinite(axis.At(axis.high));
     };
     return heights.empty() && points.Totals().isRising && hasEnds(x) && hasEnds(y);

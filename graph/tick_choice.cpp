@@ -9,36 +9,10 @@
 namespace qel {
 namespace {
 
-bool DoTextsFit(const std::vector<AxisTick>& ticks, const TickPlaces& places, const AxisSpace& space) {
-    double end = -std::numeric_limits<double>::infinity();
-    for (const AxisTick& tick : ticks) {
-        if (tick.text.empty()) continue;
-        const double half = space.extent(tick.text) / 2, place = places.At(tick.value);
-        if (!(place - half >= end)) return false;
-        end = place + half;
-    }
-    return true;
-}
-
 bool AreApart(const std::vector<AxisTick>& ticks, const TickPlaces& places, double least) {
     for (std::size_t i = 1; i < ticks.size(); ++i)
         if (!(places.At(ticks[i].value) - places.At(ticks[i - 1].value) >= least)) return false;
     return true;
-}
-
-AxisTicks WithMinor(AxisTicks axis, const std::vector<std::vector<double>>& sets, const TickPlaces& places,
-                    const AxisSpace& space) {
-    for (const std::vector<double>& set : sets) {
-        std::vector<AxisTick> all = axis.ticks;
-        for (const double value : set)
-            if (!std::ranges::binary_search(axis.ticks, value, {}, &AxisTick::value)) all.push_back({value, {}, true});
-        if (all.size() > kMostTicks) continue;
-        std::ranges::sort(all, {}, &AxisTick::value);
-        if (!AreApart(all, places, space.shortestMinor)) continue;
-        axis.ticks = std::move(all);
-        break;
-    }
-    return axis;
 }
 
 // The first and the last value of the widest step that has two.
@@ -67,10 +41,57 @@ std::size_t Most(double length, double distance) {
 
 }  // namespace
 
-TickPlaces::TickPlaces(double low, double high, bool isLogarithmic, double length)
-    : m_low(low), m_high(high), m_isLogarithmic(isLogarithmic), m_length(length), m_range(FromLow(high)) {}
+bool DoTextsFit(const std::vector<AxisTick>& ticks, const TickPlaces& places, const AxisSpace& space) {
+    double end = -std::numeric_limits<double>::infinity();
+    for (const AxisTick& tick : ticks) {
+        if (tick.text.empty()) continue;
+        const double half = space.extent(tick.text) / 2, place = places.At(tick.value);
+        if (!(place - half >= end)) return false;
+        end = place + half;
+    }
+    return true;
+}
 
-double TickPlaces::At(double value) const { return FromLow(value) / m_range * m_length; }
+AxisTicks WithMinor(AxisTicks axis, const std::vector<std::vector<double>>& sets, const TickPlaces& places,
+                    const AxisSpace& space) {
+    for (const std::vector<double>& set : sets) {
+        std::vector<AxisTick> all = axis.ticks;
+        for (const double value : set)
+            if (!std::ranges::binary_search(axis.ticks, value, {}, &AxisTick::value)) all.push_back({value, {}, true});
+        if (all.size() > kMostTicks) continue;
+        std::ranges::sort(all, {}, &AxisTick::value);
+        if (!AreApart(all, places, space.shortestMinor)) continue;
+        axis.ticks = std::move(all);
+        break;
+    }
+    return axis;
+}
+
+TickPlaces::TickPlaces(double low, double high, bool isLogarithmic, double length)
+    : m_low(low),
+      m_high(high),
+      m_isLogarithmic(isLogarithmic),
+      m_length(length),
+      m_range(FromLow(high)),
+      m_parts{{low, high}} {}
+
+TickPlaces::TickPlaces(const AxisPlaces& places)
+    : TickPlaces(places.low, places.high, false, std::fabs(places.to - places.from)) {
+    m_broken = places;
+    m_parts.clear();
+    for (const AxisPart& part : places.parts) m_parts.push_back({part.low, part.high});
+}
+
+double TickPlaces::At(double value) const {
+    if (m_parts.size() > 1) return std::fabs(m_broken.At(value) - m_broken.from);
+    return FromLow(value) / m_range * m_length;
+}
+
+double TickPlaces::HalfLength() const {
+    double length = 0;
+    for (const AxisRange& part : m_parts) length += part.high / 2 - part.low / 2;
+    return length;
+}
 
 double TickPlaces::FromLow(double value) const {
     // Halves: the difference of the ends may be more than a number can hold.
@@ -81,6 +102,7 @@ double TickPlaces::FromLow(double value) const {
 }
 
 AxisTicks ChooseTicks(const TickSteps& steps, const TickPlaces& places, const AxisSpace& space) {
+    if (places.Parts().size() > 1) return ChooseTicksOfParts(steps, places, space);
     for (std::size_t i = 0; i < steps.Count(); ++i) {
         const std::vector<double> values = steps.Values(i);
         if (values.size() < 2) continue;

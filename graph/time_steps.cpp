@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <optional>
 
@@ -168,13 +169,13 @@ std::string ZoneNames(const std::vector<Shown>& times) {
     return text;
 }
 
-std::vector<std::string> ClockTexts(const std::vector<Shown>& times, std::int64_t step, bool hasYear) {
+std::vector<std::string> ClockTexts(const std::vector<Shown>& times, std::int64_t step, bool hasYear, bool hasBreaks) {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < times.size(); ++i) {
         const Shown& time = times[i];
         const bool isNewDay = i > 0 && time.date != times[i - 1].date;
-        const bool isFirstMidnight = i == 0 && time.ofDay == 0 && times.back().date != time.date;
-        if (!isNewDay && !isFirstMidnight) {
+        const bool isFirst = i == 0 && (time.ofDay == 0 || hasBreaks) && times.back().date != time.date;
+        if (!isNewDay && !isFirst) {
             texts.push_back(time.Time(step));
         } else {
             texts.push_back(time.Date(hasYear) + (time.ofDay == 0 ? "" : " " + time.Time(step)));
@@ -192,21 +193,26 @@ double TimeStep::Length() const {
 
 std::span<const TimeStep> TimeStepTable() { return kTable; }
 
-std::vector<double> TimesOf(const TimeStep& step, double low, double high, const WallClock& clock, std::size_t most) {
-    if (step.count == 0 || (high - low) / step.Length() > static_cast<double>(most) + 2) return {};
-    std::vector<double> times =
-        step.unit == kMs ? ClockTimes(step.count, low, high, clock) : Dates(step, low, high, clock);
+std::vector<double> TimesOf(const TimeStep& step, std::span<const AxisRange> parts, const WallClock& clock,
+                            std::size_t most) {
+    std::vector<double> times;
+    for (const auto& [low, high] : parts) {
+        if (step.count == 0 || (high - low) / step.Length() > static_cast<double>(most) + 2) return {};
+        std::ranges::copy(step.unit == kMs ? ClockTimes(step.count, low, high, clock) : Dates(step, low, high, clock),
+                          std::back_inserter(times));
+    }
     return times.size() <= most ? times : std::vector<double>();
 }
 
-AxisTicks TimesWithTexts(const TimeStep& step, const std::vector<double>& times, const WallClock& clock) {
+AxisTicks TimesWithTexts(const TimeStep& step, const std::vector<double>& times, const WallClock& clock,
+                         bool hasBreaks) {
     std::vector<Shown> shown;
     for (const double time : times) shown.emplace_back(time, clock);
     const bool isOneYear = shown.front().date.year() == shown.back().date.year();
     const bool isOneDay = shown.front().date == shown.back().date;
     std::vector<std::string> texts;
     if (step.unit == kMs) {
-        texts = ClockTexts(shown, step.count, !isOneYear);
+        texts = ClockTexts(shown, step.count, !isOneYear, hasBreaks);
     } else {
         const bool isYears = step.unit == kMonths && step.count % kYear == 0;
         for (const Shown& time : shown)

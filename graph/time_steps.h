@@ -27,11 +27,15 @@ struct TimeStep {
 /// All of them, the shortest one first.
 std::span<const TimeStep> TimeStepTable();
 
-/// Moments of a step within low to high, seconds since 1970 in the years 1 to 9999; none if there are more than @p
-/// most.
-std::vector<double> TimesOf(const TimeStep& step, double low, double high, const WallClock& clock, std::size_t most);
+/// Moments of a step within the parts of an axis, seconds since 1970 in the years 1 to 9999; none if there are more
+/// than
+/// @p most.
+std::vector<double> TimesOf(const TimeStep& step, std::span<const AxisRange> parts, const WallClock& clock,
+                            std::size_t most);
 
 /// Texts for ticks at these times, and what they have in common. @p times is not empty.
-AxisTicks TimesWithTexts(const TimeStep& step, const std::vector<double>& times, const WallClock& clock);
+/// @param hasBreaks the first day has its date as well: across a break it cannot be told from the next one
+AxisTicks TimesWithTexts(const TimeStep& step, const std::vector<double>& times, const WallClock& clock,
+                         bool hasBreaks);
 
 }  // namespace qel

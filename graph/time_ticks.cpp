@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "qellib10/graph/tick_choice.h"
+#include "qellib10/graph/linear_ticks.h"
 #include "qellib10/graph/time_steps.h"
 
 namespace qel {
@@ -11,19 +11,25 @@ constexpr double kDay = 86400;  // local clocks are less than this from UTC
 
 class TimeSteps : public TickSteps {
 public:
-    TimeSteps(double low, double high, ChartClock clock, const AxisSpace& space)
-        : m_low(std::max(low, kYear1 + (clock == ChartClock::kLocal ? kDay : 0))),
-          m_high(std::min(high, kYear10000 - (clock == ChartClock::kLocal ? kDay : 0.001))),
+    TimeSteps(const TickPlaces& places, ChartClock clock, const AxisSpace& space)
+        : m_isBroken(places.Parts().size() > 1),
           m_clock(clock),
           m_mostTexts(MostTexts(space)),
-          m_mostMinor(MostMinor(space)) {}
+          m_mostMinor(MostMinor(space)) {
+        const bool isLocal = clock == ChartClock::kLocal;
+        for (const auto& [low, high] : places.Parts()) {
+            const AxisRange part{std::max(low, kYear1 + (isLocal ? kDay : 0)),
+                                 std::min(high, kYear10000 - (isLocal ? kDay : 0.001))};
+            if (part.low <= part.high) m_parts.push_back(part);
+        }
+    }
 
-    std::size_t Count() const override { return m_low <= m_high ? TimeStepTable().size() : 0; }
+    std::size_t Count() const override { return m_parts.empty() ? 0 : TimeStepTable().size(); }
 
     std::vector<double> Values(std::size_t step) const override { return TimesAt(TimeStepTable()[step], m_mostTexts); }
 
     AxisTicks Labelled(std::size_t step, const std::vector<double>& values) const override {
-        return TimesWithTexts(TimeStepTable()[step], values, m_clock);
+        return TimesWithTexts(TimeStepTable()[step], values, m_clock, m_isBroken);
     }
 
     std::vector<std::vector<double>> Minor(std::size_t step) const override {
@@ -32,18 +38,23 @@ public:
 
 private:
     std::vector<double> TimesAt(const TimeStep& step, std::size_t most) const {
-        return TimesOf(step, m_low, m_high, m_clock, most);
+        return TimesOf(step, m_parts, m_clock, most);
     }
 
-    double m_low, m_high;
+    std::vector<AxisRange> m_parts;
+    bool m_isBroken;
     WallClock m_clock;
     std::size_t m_mostTexts, m_mostMinor;
 };
 
 }  // namespace
 
+AxisTicks TimeTicksAt(const TickPlaces& places, ChartClock clock, const AxisSpace& space) {
+    return ChooseTicks(TimeSteps(places, clock, space), places, space);
+}
+
 AxisTicks TimeTicks(double low, double high, ChartClock clock, const AxisSpace& space) {
-    return ChooseTicks(TimeSteps(low, high, clock, space), TickPlaces(low, high, false, space.length), space);
+    return TimeTicksAt(TickPlaces(low, high, false, space.length), clock, space);
 }
 
 }  // namespace qel

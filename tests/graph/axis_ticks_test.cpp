@@ -10,6 +10,9 @@
 #include <limits>
 #include <random>
 
+#include "qellib10/graph/axis_breaks.h"
+#include "qellib10/graph/linear_ticks.h"
+
 #include "../support/soak.h"
 #include "../support/test.h"
 
@@ -90,9 +93,18 @@ struct Axis {
     ChartExponent exponent;
     ChartClock clock;
     double length;
+    std::vector<qel::ChartBreak> breaks = {};
+
+    qel::AxisPlaces Places() const {
+        return qel::PlacesOf(qel::PartsOf(breaks, {low, high}), scale == ChartScale::kLogarithmic, 0, length, 8);
+    }
 };
 
 AxisTicks TicksOf(const Axis& axis, const qel::AxisSpace& space) {
+    if (const qel::AxisPlaces places = axis.Places(); !places.parts.empty()) {
+        return axis.scale == ChartScale::kTime ? qel::TimeTicksAt(qel::TickPlaces(places), axis.clock, space)
+                                               : qel::LinearTicksAt(qel::TickPlaces(places), axis.exponent, space);
+    }
     switch (axis.scale) {
         case ChartScale::kLogarithmic:
             return qel::LogTicks(axis.low, axis.high, space);
@@ -109,18 +121,21 @@ std::string Fault(const Axis& axis) {
     qel::AxisSpace space = Across(axis.length);
     space.extent = [&measured, extent = space.extent](std::string_view text) { return ++measured, extent(text); };
     const AxisTicks ticks = TicksOf(axis, space);
-    if (measured > 5000) return "slow";
+    const qel::AxisPlaces places = axis.Places();
+    if (measured > (places.parts.empty() ? 5000 : 50'000)) return "slow";
     if (ticks.ticks.size() > 1000) return "too many";
     const auto from = [&](double value) {
         if (axis.scale != ChartScale::kLogarithmic) return value / 2 - axis.low / 2;
         const bool isNarrow = value / 2 < axis.low;
         return isNarrow ? std::log1p((value - axis.low) / axis.low) : std::log(value) - std::log(axis.low);
     };
-    const auto place = [&](double value) { return from(value) / from(axis.high) * axis.length; };
+    const auto place = [&](double value) {
+        return places.parts.empty() ? from(value) / from(axis.high) * axis.length : places.At(value);
+    };
     double end = -HUGE_VAL, before = -HUGE_VAL;
     int texts = 0;
     for (const qel::AxisTick& tick : ticks.ticks) {
-        if (!(tick.value >= axis.low && tick.value <= axis.high)) return "outside";
+        if (!(tick.value >= axis.low && tick.value <= axis.high) || std::isnan(place(tick.value))) return "outside";
         if (!(tick.value > before)) return "not ascending";
         before = tick.value;
         if (tick.text.empty()) continue;
@@ -132,7 +147,16 @@ std::string Fault(const Axis& axis) {
                                                             : Read(tick.text, ticks.exponent) == tick.value;
         if (!isTrue) return "untrue: " + tick.text;
     }
-    return texts < 2 && axis.length >= 300 && axis.high - axis.low > 1e-304 ? "no two texts" : "";
+    for (const qel::AxisPart& part : places.parts) {
+        // Less than a few of the steps that numbers of 15 digits, or times, can have.
+        const double size = std::max(std::abs(axis.low), std::abs(axis.high));
+        const double shortest = axis.scale == ChartScale::kTime ? 0.003 : std::max(1e-13 * size, 1e-304);
+        const bool isLong = part.to - part.from >= 200 && part.high - part.low > shortest;
+        const auto isIn = [&](const qel::AxisTick& tick) { return part.low <= tick.value && tick.value <= part.high; };
+        if (isLong && std::ranges::none_of(ticks.ticks, isIn)) return "no text in a part";
+    }
+    return texts < 2 && places.parts.empty() && axis.length >= 300 && axis.high - axis.low > 1e-304 ? "no two texts"
+                                                                                                    : "";
 }
 
 Axis AnyAxis(std::mt19937_64& random) {
@@ -157,6 +181,14 @@ Axis AnyAxis(std::mt19937_64& random) {
         if (axis.scale == ChartScale::kLinear && random() % 2 == 0) axis.low = -axis.low;
         if (axis.scale == ChartScale::kLinear && random() % 2 == 0)
             axis = {axis.scale, -axis.high, -axis.low, axis.exponent, axis.clock, axis.length};
+    }
+    if (axis.scale != ChartScale::kLogarithmic && random() % 2 == 0) {
+        for (auto i = 1 + random() % 3; i > 0; --i) {
+            // Long ones leave short parts.
+            const double first = std::pow(among(0, 1), 4), second = 1 - std::pow(among(0, 1), 4);
+            const auto at = [&](double share) { return axis.low * (1 - share) + axis.high * share; };
+            axis.breaks.push_back({at(first), random() % 2 == 0 ? at(second) : at(first + (1 - first) * 0.3)});
+        }
     }
     return axis;
 }

@@ -93,7 +93,8 @@ public:
         chart.title = Text();
         chart.subtitle = Text();
         chart.scale = Number(5, 20) / 10.0;
-        if (Number(0, 2) == 0) chart.theme = qel::ChartTheme::Print();
+        const int theme = Number(0, 2);
+        if (theme > 0) chart.theme = theme == 1 ? qel::ChartTheme::Print() : qel::ChartTheme::Dark();
         for (int i = Number(0, 6); i > 0; --i) chart.axes.emplace_back();
         for (qel::ChartAxis& axis : chart.axes) {
             if (chart.axes.size() > 2) axis.side = static_cast<qel::ChartSide>(Number(0, 3));
@@ -106,6 +107,7 @@ public:
             if (Number(0, 4) == 0) axis.low = Value();
             if (Number(0, 4) == 0) axis.high = Value();
             if (Number(0, 9) == 0) axis.following = std::fabs(Value());
+            for (int i = Number(0, 3) == 0 ? Number(1, 10) : 0; i > 0; --i) axis.breaks.push_back({Value(), Value()});
             if (Number(0, 9) == 0) axis.sameAs = static_cast<std::size_t>(Number(0, 8));
         }
         for (int i = Number(0, 5); i > 0; --i) {
@@ -219,6 +221,73 @@ TEST(Chart, PrefixesAreBeforeUnitsThatTakeThem) {
         for (const qel::ChartText& text : chart.Draw(canvas.dc, CRect(0, 0, 600, 400)).texts)
             if (text.text.starts_with("Q")) shown = text.text;
         EXPECT_EQ(shown, title);
+    }
+}
+
+// Seven lines close to each other, and two upright ones whose labels are longer than what is beside them.
+TEST(Chart, LabelsOfLimitsWithoutSpaceAreBesideThePlot) {
+    qel::Chart chart;
+    chart.axes[0].high = 10;
+    chart.axes[1].low = 0, chart.axes[1].high = 100;
+    for (int i = 0; i < 7; ++i)
+        chart.limits.push_back({.from = 50.0 + i, .label = std::to_string(i) + " is a limit with a long text"});
+    for (const double x : {5.0, 5.5})
+        chart.limits.push_back(
+            {.axis = 0, .from = x, .label = "An upright limit whose label has no space on any side"});
+    for (const bool hasAxes : {false, true}) {
+        if (hasAxes) chart.axes.push_back({.side = qel::ChartSide::kRight, .title = "Right"});
+        if (hasAxes) chart.axes.push_back({.side = qel::ChartSide::kTop, .title = "Top"});
+        Canvas canvas(460, 380);
+        const CRect box(0, 0, 460, 380);
+        const qel::ChartReport report = chart.Draw(canvas.dc, box);
+        EXPECT_EQ(Joined(report), "");
+        EXPECT_EQ(FaultOf(report, box), "");
+        int right = 0, above = 0;
+        double last = 0;
+        for (const qel::ChartText& text : report.texts) {
+            const bool isLimit = text.text.find("limit") != std::string::npos;
+            above += isLimit && text.box.bottom <= report.plot.top ? 1 : 0;
+            if (!isLimit || text.box.left < report.plot.right) continue;
+            ++right;
+            EXPECT_LT(last, text.box.top) << "from top to bottom";
+            last = text.box.top;
+        }
+        EXPECT_EQ(Line({right, above}), "5 2");
+    }
+}
+
+TEST(Chart, TextsAvoidAreas) {
+    qel::Chart chart;
+    chart.axes[1].low = 0, chart.axes[1].high = 10;
+    chart.series = {{.name = "Filled", .kind = qel::ChartKind::kArea, .points = {{0, 4}, {10, 8}}}};
+    chart.limits = {{.axis = 0, .from = 5, .label = "Limit"}};
+    chart.notes = {{.x = 5, .y = 5.5, .text = "within"}};
+    Canvas canvas(400, 300);
+    const qel::ChartReport report = chart.Draw(canvas.dc, CRect(0, 0, 400, 300));
+    int over = 0;
+    for (const qel::ChartText& text : report.texts) {
+        if (text.text != "Filled" && text.text != "within" && text.text != "Limit") continue;
+        ++over;
+        const double x = report.axes[0].ValueAt(text.box.right), y = report.axes[1].ValueAt(text.box.bottom);
+        EXPECT_GT(y, 4 + 0.4 * x) << text.text;
+    }
+    EXPECT_EQ(over, 3);
+}
+
+TEST(Chart, LegendHasBarsInTheOrderOfTheirStack) {
+    qel::Chart chart;
+    const auto bars = [](const char* name, bool isStacked) {
+        return qel::ChartSeries{
+            .name = name, .kind = qel::ChartKind::kBars, .points = {{1, 1}}, .isStacked = isStacked};
+    };
+    chart.series = {bars("low", true), bars("alone", false), bars("middle", true), {.name = "line"}, bars("top", true)};
+    for (const bool isReversed : {false, true}) {
+        chart.axes[1].isReversed = isReversed;
+        CQelPrintJobQueueData job;
+        std::string names;
+        for (const qel::ChartText& text : chart.Record(job, CRect(0, 0, 400, 300)).texts)
+            if (std::isalpha(static_cast<unsigned char>(text.text[0])) != 0) names += text.text + " ";
+        EXPECT_EQ(names, isReversed ? "low alone middle line top " : "top alone middle line low ");
     }
 }
 

@@ -145,7 +145,9 @@ TEST(QelPlot, MakesCharts) {
     const char* const kBelow = "  1 line with numbers below the table not drawn, from line 6\n";
     const std::string both = "3 points, 2 curves\n  1 field without a number is not drawn\n";
     for (const auto& [arguments, answer, words] : Cases<std::string, std::string, std::vector<const char*>>{
-             {"t.csv --chart -y 2 -y 3", both + kBelow, {">Volume (mL)<", ">pH<", ">E (mV)<"}},
+             {"t.csv --chart -y 2 -y 3",
+              both + kBelow,
+              {">Volume (mL)<", ">pH<", "#c05806\" xml:space=\"preserve\">E (mV)<"}},
              {"t.csv --legend inside -y 3", std::string("3 points, 1 curve\n") + kBelow, {">E (mV)<", ">E<"}},
              {"t.csv --log xy -y 2 -y 3 --legend none",
               both + "  1 value is not above 0 and not drawn\n" + kBelow,
@@ -161,6 +163,12 @@ TEST(QelPlot, MakesCharts) {
              {"utc.csv --x-range 2026-11-28T23:00Z/2026-11-29T00:00Z --y-range 1.5:3",
               "2 points, 1 curve\n  2 values are outside of --x-range or --y-range\n",
               {"UTC"}},
+             {"t.csv -y 2 -y 3 --break x=6..49 --break y2=400..125",
+              both + "  1 point is in a break of an axis and not drawn\n" + kBelow,
+              {">0<", ">60<", ">100<"}},
+             {"time.csv --points --break x=2026-11-28T23:40..2026-11-29T00:05",
+              "3 points, 1 curve\n  1 field without a number is not drawn\n",
+              {">11-28 23:30<", ">11-29 00:05<"}},
              {"utc.csv --reverse-x --x-range 2026-11-28T23:00Z/2026-11-29T01:00Z",
               "2 points, 1 curve\n",
               {"UTC", ">23:00<"}},
@@ -175,6 +183,15 @@ TEST(QelPlot, MakesCharts) {
         folder.Qel(std::string("plot t.csv -o p.png --force --theme print ") + arguments);
         EXPECT_EQ(PngSize(folder.Read("p.png")), size) << arguments;
     }
-    EXPECT_EQ(folder.Qel("plot time.csv -o q.svg --x-range 0:1 --chart"),
-              "2 qel: --x-range: column \"1\" has times; see qel --help\n");
+    for (const auto& [arguments, answer] : Cases<const char*, const char*>{
+             {"--x-range 0:1 --chart", "--x-range: column \"1\" has times"},
+             {"--break x=0..1", "--break x=0..1: column \"1\" has times"},
+             {"--break y2=0..1", "--break y2=0..1: the chart has 1 axis upward"},
+             {"--break y=2026-11-28..2026-11-29", "--break: times are across"},
+             {"--break y=1..2 --log y", "--break: a logarithmic axis has none"},
+             {"--break z=1..2", "\"z=1..2\" is not a break such as x=12..80"},
+             {"--break x=1..1", "\"x=1..1\" is not a break such as x=12..80"},
+         })
+        EXPECT_EQ(folder.Qel("plot time.csv -o q.svg " + std::string(arguments)),
+                  "2 qel: " + std::string(answer) + "; see qel --help\n");
 }

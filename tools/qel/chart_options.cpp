@@ -62,6 +62,11 @@ std::vector<CLI::Option*> AddChartOptions(CLI::App& command, PlotOptions& option
     add(command.add_option("--limit", options.limits, "Line across the plot, may be given several times")
             ->allow_extra_args(false),
         "VALUE[:LABEL]");
+    add(command
+            .add_option("--break", options.breaks,
+                        "Range that an axis leaves out: x=FROM..TO, y=FROM..TO; y2 is the second axis upward")
+            ->allow_extra_args(false),
+        "AXIS=FROM..TO");
     CLI::Option* const bars = command.get_option("--bars");
     addFlag("--steps", options.steps, "Each value holds until the next one");
     added.back()->excludes(bars);

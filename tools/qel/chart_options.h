@@ -21,7 +21,7 @@ struct PlotOptions {
 
     // Of charts alone.
     std::string theme = "light", log, legend, format, title, subtitle;
-    std::vector<std::string> errors, limits;
+    std::vector<std::string> errors, limits, breaks;
     bool isChart = false, steps = false, points = false, reverseX = false, utc = false;
 };
 

@@ -6,6 +6,7 @@
 #include "csv_columns.h"
 #include "csv_time.h"
 #include "curve_points.h"
+#include "plot_breaks.h"
 
 namespace tool {
 namespace {
@@ -31,6 +32,7 @@ public:
           m_xEnds(ParseEnds(options.xRange, options.utc)),
           m_yEnds(ParseEnds(options.yRange, options.utc)),
           m_time(options.utc),
+          m_breaks(options),
           m_isLogX(options.log.find('x') != std::string::npos),
           m_isLogY(options.log.find('y') != std::string::npos) {
         Check();
@@ -48,7 +50,9 @@ public:
         columns.insert(columns.end(), m_options.errors.begin(), m_options.errors.end());
         CurvePoints::Drawn drawn;
         using Thinned = CurvePoints::Thinned;
-        drawn.thinned = m_options.bars ? Thinned::kNot : m_options.points ? Thinned::kMarks : Thinned::kLine;
+        drawn.thinned = m_options.bars || m_breaks.NeedAllPoints() ? Thinned::kNot
+                        : m_options.points                         ? Thinned::kMarks
+                                                                   : Thinned::kLine;
         if (m_options.points) drawn.most = kMostMarks;
         drawn.hasErrors = !m_options.errors.empty();
         drawn.isLogX = m_isLogX, drawn.isLogY = m_isLogY;
@@ -66,6 +70,7 @@ public:
         for (std::string& name : m_found.names) name = Shown(qel::IsUtf8(name) ? name : Utf8(name));
         MakeXAxis();
         MakeSeries();
+        m_breaks.AddTo(m_chart);
         for (const std::string& limit : m_options.limits) m_chart.limits.push_back(ParseLimit(limit));
     }
 
@@ -91,6 +96,7 @@ public:
                               {"outside", m_leftOut.outside},
                               {"skippedTimes", m_leftOut.skippedTimes},
                               {"repeatedTimes", m_leftOut.repeatedTimes},
+                              {"inBreaks", m_breaks.PointsIn(m_chart)},
                               {"below", below},
                               {"leftOut", leftOut}});
         }
@@ -107,6 +113,7 @@ public:
         add(m_leftOut.notPositive, "value is", "values are", " not above 0 and not drawn");
         add(m_leftOut.negativeErrors, "error is", "errors are", " below 0 and not drawn");
         add(m_leftOut.outside, "value is", "values are", " outside of --x-range or --y-range");
+        add(m_breaks.PointsIn(m_chart), "point is", "points are", " in a break of an axis and not drawn");
         add(below, "line", "lines", " with numbers below the table not drawn, from line " + std::to_string(firstBelow));
         for (const std::string& what : leftOut) text += "  no space for: " + Shown(what) + '\n';
         Print(text);
@@ -123,6 +130,7 @@ private:
         const auto isAbove0 = [](bool isLog, double value) { return !isLog || value > 0; };
         if ((m_xEnds && !isAbove0(m_isLogX, m_xEnds->Low())) || (m_yEnds && !isAbove0(m_isLogY, m_yEnds->Low())))
             throw CLI::ValidationError("a logarithmic axis has only values above 0");
+        m_breaks.Check(m_isLogX, m_isLogY);
         for (const std::string& limit : m_options.limits) {
             if (!isAbove0(m_isLogY, ParseLimit(limit).from))
                 throw CLI::ValidationError("a logarithmic axis has only values above 0");
@@ -156,6 +164,7 @@ private:
             if (error < 0) ++m_leftOut.negativeErrors;
             if (!(error >= 0)) error = 0;
             m_curves[i].Add(x, y, error);
+            m_breaks.Count(i, x, y);
             const auto isOutside = [](const std::optional<ChartEnds>& ends, double value) {
                 return ends && (value < ends->Low() || value > ends->High());
             };
@@ -231,6 +240,7 @@ private:
             title += (title.empty() || heading.title.empty() ? "" : ", ") + heading.title;
             m_chart.series.push_back(std::move(series));
         }
+        if (m_units.size() > 1) ColorAxes();
         if (m_units.size() > 1) {
             for (qel::ChartSeries& series : m_chart.series) {
                 const std::string& unit = m_chart.axes[series.yAxis].unit;
@@ -242,9 +252,17 @@ private:
         if (m_curves.size() > 1 && m_chart.hasLegend && m_units.size() == 1) m_chart.axes[kFirstYAxis].title = "";
     }
 
+    // Which axis belongs to which curve; one of several curves belongs to none of them alone.
+    void ColorAxes() {
+        for (std::size_t axis = kFirstYAxis; axis < m_chart.axes.size(); ++axis) {
+            m_chart.axes[axis].hasSeriesColor = std::ranges::count(m_chart.series, axis, &qel::ChartSeries::yAxis) == 1;
+        }
+    }
+
     const PlotOptions& m_options;
     std::optional<ChartEnds> m_xEnds, m_yEnds;
     TimeReader m_time;
+    PlotBreaks m_breaks;
     bool m_isLogX, m_isLogY;
     std::optional<bool> m_isTime;  // whether x is, once it is known
     std::vector<CurvePoints> m_curves;
