@@ -13,6 +13,7 @@
 #include "demo/method/method_ini.h"
 #include "demo/method/settings.h"
 #include "demo/result/calculation.h"
+#include "demo/result/titration.h"
 #include "demo/support/failure.h"
 #include "demo/support/number.h"
 #include "law.h"
@@ -36,11 +37,12 @@ void Evaluate(std::string_view data, std::string_view text) {
     const titration::Method kept = Kept(folder, method);
     Require(titration::Differences(kept, Kept(folder, kept)).GetCount() == 0);
     const titration::Curve curve = titration::ReadCurve(data, settings.volumeColumn, settings.signalColumn);
-    const qel::EndPoint endPoint = qel::FindEndPoint(curve);
+    const qel::CurveEndPoint found = titration::EndPointOf(curve);
+    const qel::EndPoint& endPoint = *found.steepest;
     const auto [lowest, highest] = std::ranges::minmax(curve.volume);
     Require(endPoint.volume >= lowest && endPoint.volume <= highest);
     Require(std::isfinite(endPoint.slope) && std::isfinite(endPoint.signal) && endPoint.slope != 0);
-    Require(qel::ReadNumber(titration::Calculate(settings, endPoint.volume).text).has_value());
+    Require(qel::ReadNumber(titration::Calculate(settings, found).text).has_value());
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "demo/support/failure.h"
 
 namespace titration {
-namespace {
 
 qel::CurveEndPoint EndPointOf(const Curve& curve) {
     std::vector<qel::CurvePoint> readings;
@@ -12,8 +11,6 @@ qel::CurveEndPoint EndPointOf(const Curve& curve) {
     if (!found) throw Failure(found.reason);
     return found;
 }
-
-}  // namespace
 
 Titration EvaluateTitration(const std::string& methodName, const Method& method, const std::string& dataName,
                             const std::string& data, int table) {

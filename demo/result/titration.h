@@ -21,6 +21,10 @@ struct Titration {
     Result result;
 };
 
+/// The end point of a curve, with what the curve shows of its uncertainty.
+/// @throws Failure if there is none that is certain
+qel::CurveEndPoint EndPointOf(const Curve& curve);
+
 /// The result of a measured curve, given as the text of its file, by a method. The names of both are for messages and
 /// the report.
 /// @param table which table of the file it is, 0: the only one
