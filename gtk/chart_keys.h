@@ -1,6 +1,6 @@
 #pragma once
 
-#include <gdk/gdk.h>
+#include <gtk/gtk.h>
 
 #include <optional>
 

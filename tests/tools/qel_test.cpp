@@ -200,7 +200,8 @@ TEST(Qel, ManPageAndCompletionKnowEveryOption) {
               "0 --help --head-file --agent --key --signer-key --json --by --reason --public-key --from\n"},
              {"plot --",
               "0 --help --x-range --y-range --size --bars --marks --output --resolution --force --json --chart --theme "
-              "--log --legend --errors --format --title --subtitle --limit --steps --points --reverse-x --utc\n"},
+              "--log --legend --errors --format --title --subtitle --limit --break --steps --points --reverse-x "
+              "--utc\n"},
              {"plot --theme ", "0 light dark print\n"},
              {"verify x", "0 \n"},
          }) {
